@@ -1,0 +1,105 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <utility>
+#include <string_view>
+
+/// One share point as the share table shows it: joined from its directory record, the SMB section of the same folder and
+/// the folder's permission bits. Every field is display text; a record is rebuilt whenever the inventory is read.
+class NormalShare {
+  public:
+    [[nodiscard]] const std::string& ShareName() const { return _sharename; }
+
+    /// "1", "0", or "#NoValue#" when the record lacks the property.
+    [[nodiscard]] const std::string& AFPShared() const { return _afpshared; }
+
+    [[nodiscard]] const std::string& AFPName() const { return _afpname; }
+
+    [[nodiscard]] const std::string& DirectoryPath() const { return _directorypath; }
+
+    // Privilege texts of the folder, not account names.
+    [[nodiscard]] const std::string& Owner() const { return _owner; }
+
+    [[nodiscard]] const std::string& Group() const { return _group; }
+
+    [[nodiscard]] const std::string& Everyone() const { return _everyone; }
+
+    /// "+" when published over AFP, else "-".
+    [[nodiscard]] const std::string& AFS() const { return _afs; }
+
+    /// The localized "Yes" or "No"; empty for a share that only the SMB configuration knows.
+    [[nodiscard]] const std::string& Inherit() const { return _inheritperms; }
+
+    [[nodiscard]] const std::string& InheritOwner() const { return _inheritowner; }
+
+    /// "+" when an SMB section shares this folder, else "-".
+    [[nodiscard]] const std::string& SMB() const { return _smb; }
+
+    /// The section's "guest ok" as the file has it; "No" without one.
+    [[nodiscard]] const std::string& SMBGuestAccess() const { return _smbguestaccess; }
+
+    void setShareName(std::string text) { _sharename = std::move(text); }
+
+    void setAFPShared(std::string text) { _afpshared = std::move(text); }
+
+    void setAFPName(std::string text) { _afpname = std::move(text); }
+
+    void setDirectoryPath(std::string text) { _directorypath = std::move(text); }
+
+    void setOwner(std::string text) { _owner = std::move(text); }
+
+    void setGroup(std::string text) { _group = std::move(text); }
+
+    void setEveryone(std::string text) { _everyone = std::move(text); }
+
+    void setAFS(std::string text) { _afs = std::move(text); }
+
+    void setInherit(std::string text) { _inheritperms = std::move(text); }
+
+    void setInheritOwner(std::string text) { _inheritowner = std::move(text); }
+
+    void setSMB(std::string text) { _smb = std::move(text); }
+
+    void setSMBGuestAccess(std::string text) { _smbguestaccess = std::move(text); }
+
+    /// Stores `path` as the folder and sets the three privilege texts from its mode, links followed; a folder that
+    /// cannot be examined has no privileges.
+    void setPathandPermissions(const std::string& path);
+
+    /// "r/w", "r", "w" or "" for the privilege codes 3, 2, 1, 0; "" for any other.
+    [[nodiscard]] static std::string permissionsToString(int code);
+
+    /// The field whose getter has that name, or null for an unknown name.
+    [[nodiscard]] const std::string* valueForKey(std::string_view getterName) const;
+
+    /// For the log.
+    [[nodiscard]] std::string description() const;
+
+  private:
+    std::string _sharename;
+    std::string _afpshared;
+    std::string _afpname;
+    std::string _directorypath = "Directory Not Set";
+    std::string _owner;
+    std::string _group;
+    std::string _everyone;
+    std::string _afs = "-";
+    std::string _inheritperms;
+    std::string _inheritowner;
+    std::string _smb = "-";
+    std::string _smbguestaccess = "No";
+};
+
+/// The two-bit privilege code of a class of users (3 read and write, 2 read only, 1 write only, 0 none) in a folder's
+/// mode; bits above 0777 do not matter.
+[[nodiscard]] constexpr int ownerPrivilegeCode(int mode) { return (mode & 0700) >> 7; }
+
+[[nodiscard]] constexpr int groupPrivilegeCode(int mode) { return (mode & 070) >> 4; }
+
+[[nodiscard]] constexpr int everyonePrivilegeCode(int mode) { return (mode & 07) >> 1; }
+
+/// The mode that is written for three codes: every class gets its search bit.
+[[nodiscard]] constexpr int modeForPrivilegeCodes(int owner, int group, int everyone) {
+    return (owner << 7) | 0100 | (group << 4) | 010 | (everyone << 1) | 01;
+}

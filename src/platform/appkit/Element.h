@@ -1,0 +1,35 @@
+#pragma once
+
+#include "Signal.h"
+
+#include <string>
+#include <utility>
+
+namespace platform {
+
+/// Anything that an interface file makes and a front-end renders: controls, windows, tab views, drawers. A plain
+/// object with state and a signal; it knows no front-end. Owned by its Interface (or by a test).
+class Element {
+  public:
+    Element() = default;
+    virtual ~Element() = default;
+    Element(const Element&) = delete;
+    Element& operator=(const Element&) = delete;
+
+    /// The outlet's name, else the name that the interface file gives it; empty when it has neither.
+    [[nodiscard]] const std::string& name() const { return name_; }
+
+    void setName(std::string name) { name_ = std::move(name); }
+
+    /// Something that a front-end shows has changed. Emitted once a setter, so a listener must be cheap: it marks
+    /// itself dirty and redraws later. Never means that a user did something.
+    Signal<> changed;
+
+  protected:
+    void didChange() const { changed.emit(); }
+
+  private:
+    std::string name_;
+};
+
+} // namespace platform

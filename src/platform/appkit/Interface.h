@@ -1,0 +1,67 @@
+#pragma once
+
+#include "Element.h"
+#include "ObjectClass.h"
+
+#include <map>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace platform {
+
+/// One element of an interface file, in its place: what a front-end lays out.
+struct InterfaceNode {
+    std::string kind; ///< the XML element's name ("tabView", "row", "label")
+    std::map<std::string, std::string, std::less<>> attributes; ///< texts that a user sees are localized already
+    std::vector<std::unique_ptr<InterfaceNode>> children;
+    std::unique_ptr<Element> element; ///< the model behind it; null for mere layout
+    int line = 0;
+
+    /// The attribute's text, or "" when there is none.
+    [[nodiscard]] const std::string& attribute(std::string_view name) const;
+};
+
+/// An interface file that was refused: what() is "FILE:LINE: what is wrong".
+class InterfaceError : public std::runtime_error {
+  public:
+    using std::runtime_error::runtime_error;
+};
+
+/// A loaded interface file: the tree of its windows and menus, and look-up by name and by operation. It owns the
+/// controls and, where the file made it, their owner.
+class Interface {
+  public:
+    /// Loads `path` for `owner`, an object of the registered class that the file names, or for a new object of that class when
+    /// `owner` is null. Connects outlets, actions and delegates, then tells the presenter. Throws InterfaceError
+    /// for a file that cannot be read, is not well formed, or names an unknown element, attribute, outlet or
+    /// operation, an outlet of another kind, or a name twice; no outlet stays connected then.
+    [[nodiscard]] static std::unique_ptr<Interface> load(const std::string& path, void* owner = nullptr);
+    ~Interface();
+
+    [[nodiscard]] const InterfaceNode& root() const { return *root_; }
+
+    [[nodiscard]] void* owner() const { return owner_; }
+
+    /// The element of that name (outlet or other), or null.
+    [[nodiscard]] Element* find(const std::string& name) const;
+    /// The first control or menu item, in the file's order, that is wired to the operation, or null.
+    [[nodiscard]] NSControl* findWiredTo(const std::string& operation) const;
+    /// The class's outlets and actions that the file leaves unconnected, for a test.
+    [[nodiscard]] std::vector<std::string> unconnected() const;
+
+  private:
+    friend class InterfaceLoader;
+    Interface() = default;
+
+    std::unique_ptr<InterfaceNode> root_;
+    std::shared_ptr<void> ownedOwner_; ///< keeps an owner that the file made; destroyed before the controls
+    void* owner_ = nullptr;
+    const ObjectClass* class_ = nullptr;
+    std::map<std::string, Element*, std::less<>> byName_;
+    std::map<std::string, NSControl*, std::less<>> byOperation_;
+};
+
+} // namespace platform

@@ -1,0 +1,63 @@
+#pragma once
+
+#include <functional>
+#include <string>
+
+class NSWindow;
+
+/// What the application's delegate is told.
+class NSApplicationDelegate {
+  public:
+    virtual ~NSApplicationDelegate() = default;
+    virtual void applicationDidFinishLaunching() = 0;
+    [[nodiscard]] virtual bool applicationShouldTerminateAfterLastWindowClosed() = 0;
+    virtual void applicationWillTerminate() = 0;
+};
+
+/// The application of the current host: its delegate, its sheet and its end.
+class NSApplication {
+  public:
+    using SheetDidEnd = std::function<void(NSWindow* sheet, int returnCode)>;
+
+    /// Not owned; may be null.
+    void setDelegate(NSApplicationDelegate* delegate) { delegate_ = delegate; }
+
+    /// Tells the delegate that launching has finished. Once.
+    void finishLaunching();
+
+    /// Ends the application: the delegate is told, windows go off screen, then the presenter is told. The second call does
+    /// nothing. The caller must return to the event loop, which ends.
+    void terminate();
+
+    [[nodiscard]] bool isTerminated() const { return terminated_; }
+
+    [[nodiscard]] NSWindow* mainWindow() const { return mainWindow_; }
+
+    void setMainWindow(NSWindow* window) { mainWindow_ = window; }
+
+    /// The main window was closed: terminates if the delegate says so.
+    void mainWindowDidClose();
+
+    /// Shows `sheet` as a sheet of `window` (null: it stands alone) and returns at once; `didEnd` is called by
+    /// endSheet. Nothing when a sheet is up already.
+    void beginSheet(NSWindow* sheet, NSWindow* window, SheetDidEnd didEnd);
+    /// Ends the sheet's session: calls its `didEnd`, which takes it off the screen. Nothing when it is not up.
+    void endSheet(NSWindow* sheet, int returnCode);
+
+    /// The sheet that is up, or null.
+    [[nodiscard]] NSWindow* attachedSheet() const { return sheet_; }
+
+    /// Runs one event of a user. An exception that an action lets out is logged with its text, and the event is over.
+    void dispatch(const std::function<void()>& event);
+
+  private:
+    NSApplicationDelegate* delegate_ = nullptr;
+    NSWindow* mainWindow_ = nullptr;
+    NSWindow* sheet_ = nullptr;
+    SheetDidEnd sheetDidEnd_;
+    bool launched_ = false;
+    bool terminated_ = false;
+};
+
+/// The current host's application.
+[[nodiscard]] NSApplication& NSApp();

@@ -1,0 +1,78 @@
+#pragma once
+
+#include "NSControl.h"
+
+#include <memory>
+#include <string>
+
+/// A picture from a file. Only its path is known here; a front-end draws it.
+class NSImage {
+  public:
+    /// Null when `path` is not a readable file.
+    [[nodiscard]] static std::shared_ptr<const NSImage> imageWithContentsOfFile(const std::string& path);
+
+    explicit NSImage(std::string path) : path_(std::move(path)) {}
+
+    [[nodiscard]] const std::string& path() const { return path_; }
+
+    /// The file's name less its ending.
+    [[nodiscard]] std::string name() const;
+
+  private:
+    std::string path_;
+};
+
+enum class NSButtonKind { Push, CheckBox };
+
+inline constexpr int NSOffState = 0;
+inline constexpr int NSOnState = 1;
+
+/// A push button or a check box.
+class NSButton : public NSControl {
+  public:
+    explicit NSButton(NSButtonKind kind = NSButtonKind::Push) : kind_(kind) {}
+
+    [[nodiscard]] NSButtonKind kind() const { return kind_; }
+
+    [[nodiscard]] const std::string& title() const { return title_; }
+
+    void setTitle(std::string title);
+
+    [[nodiscard]] const std::shared_ptr<const NSImage>& image() const { return image_; }
+
+    void setImage(std::shared_ptr<const NSImage> image);
+
+    /// NSOnState or NSOffState.
+    [[nodiscard]] int state() const { return state_; }
+
+    void setState(int state);
+
+    /// "\r" for the button that Return presses, "\033" for Escape's, else empty.
+    [[nodiscard]] const std::string& keyEquivalent() const { return keyEquivalent_; }
+
+    void setKeyEquivalent(std::string key) { keyEquivalent_ = std::move(key); }
+
+    /// A user's click: a check box changes its state, then the action is sent. Nothing while disabled.
+    void performClick();
+
+  private:
+    NSButtonKind kind_;
+    std::string title_;
+    std::shared_ptr<const NSImage> image_;
+    int state_ = NSOffState;
+    std::string keyEquivalent_;
+};
+
+/// An item of the menu bar.
+class NSMenuItem : public NSControl {
+  public:
+    [[nodiscard]] const std::string& title() const { return title_; }
+
+    void setTitle(std::string title) { title_ = std::move(title); }
+
+    /// A user's choice: sends the action. Nothing while disabled.
+    void performClick();
+
+  private:
+    std::string title_;
+};

@@ -1,0 +1,34 @@
+#pragma once
+
+#include "Element.h"
+
+#include <functional>
+#include <string>
+
+class NSControl;
+
+/// What a control sends when it is used: one operation of the object that the interface file wires it to.
+struct NSAction {
+    std::string operation; ///< the full keyword-style name ("createShare:"), empty when the control sends nothing
+    std::function<void(NSControl* sender)> perform;
+};
+
+/// A control that can be enabled and sends an action.
+class NSControl : public platform::Element {
+  public:
+    [[nodiscard]] bool isEnabled() const { return enabled_; }
+
+    void setEnabled(bool enabled);
+
+    [[nodiscard]] const NSAction& action() const { return action_; }
+
+    void setAction(NSAction action) { action_ = std::move(action); }
+
+    /// Sends the action with this control as the sender; nothing when none is wired. What the action throws comes
+    /// through to the front-end's event dispatch (NSApplication::dispatch).
+    void sendAction();
+
+  private:
+    bool enabled_ = true;
+    NSAction action_;
+};

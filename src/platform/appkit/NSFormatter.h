@@ -1,0 +1,50 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <variant>
+
+/// A range of a text in UTF-16 units.
+struct NSRange {
+    std::size_t location = 0;
+    std::size_t length = 0;
+};
+
+/// What a formatter's field holds: a text or a whole number.
+using NSObjectValue = std::variant<std::string, std::int32_t>;
+
+/// Checks edits of a text field before they are applied, and turns its text into a value and back. One formatter may
+/// serve several fields. The base class accepts everything.
+class NSFormatter {
+  public:
+    virtual ~NSFormatter() = default;
+
+    /// May `partial` take the place of `original`? `proposedSelection` is where the caret would stand,
+    /// `originalSelection` what was selected before. False refuses the edit and sets `error`. The base class asks
+    /// the shorter check below; where that refuses with a `replacement`, the replacement is put into `partial`.
+    [[nodiscard]] virtual bool isPartialStringValid(std::string& partial, NSRange& proposedSelection,
+                                                    const std::string& original, NSRange originalSelection,
+                                                    std::string& error);
+    /// The check for formatters that need only the proposed text. True when it is accepted.
+    [[nodiscard]] virtual bool isPartialStringValid(const std::string& partial,
+                                                    std::optional<std::string>& newString, std::string& error);
+    /// The value of `text`, or none (with `error` set) when it has none.
+    [[nodiscard]] virtual std::optional<NSObjectValue> getObjectValue(const std::string& text,
+                                                                      std::string& error) const;
+    /// The text that shows `value`, or none for a kind of value that the formatter does not show.
+    [[nodiscard]] virtual std::optional<std::string> stringForObjectValue(const NSObjectValue& value) const;
+};
+
+/// Whole numbers. Digits of any script count by their value; a number beyond 32 bits saturates.
+class NSNumberFormatter : public NSFormatter {
+  public:
+    /// Only "##0" is known: no grouping, no decimals, at least one digit. Throws std::invalid_argument for another.
+    void setFormat(const std::string& format);
+
+    /// The number that the whole text is (optional minus sign, digits); none for an empty or any other text.
+    [[nodiscard]] std::optional<NSObjectValue> getObjectValue(const std::string& text,
+                                                              std::string& error) const override;
+    [[nodiscard]] std::optional<std::string> stringForObjectValue(const NSObjectValue& value) const override;
+};

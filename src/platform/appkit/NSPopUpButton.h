@@ -1,0 +1,56 @@
+#pragma once
+
+#include "NSControl.h"
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+/// A pop-up menu of items with titles and tags, of which one or none is selected. Items are numbered from 0.
+class NSPopUpButton : public NSControl {
+  public:
+    struct Item {
+        std::string title;
+        std::int32_t tag = 0;
+    };
+
+    [[nodiscard]] const std::vector<Item>& items() const { return items_; }
+
+    [[nodiscard]] int numberOfItems() const { return static_cast<int>(items_.size()); }
+
+    [[nodiscard]] std::vector<std::string> itemTitles() const;
+
+    /// Adds an item with tag 0 at the end. The first item of an empty menu becomes the selected one.
+    void addItemWithTitle(std::string title);
+    /// Takes all items away; nothing is selected then.
+    void removeAllItems();
+    /// Gives the item at `index` a tag. Throws std::out_of_range when there is no such item.
+    void setTag(int index, std::int32_t tag);
+
+    /// The first item with the title, or -1.
+    [[nodiscard]] int indexOfItemWithTitle(const std::string& title) const;
+    /// The first item with the tag, or -1.
+    [[nodiscard]] int indexOfItemWithTag(std::int32_t tag) const;
+
+    /// -1 when nothing is selected.
+    [[nodiscard]] int indexOfSelectedItem() const { return selected_; }
+
+    /// None when nothing is selected.
+    [[nodiscard]] std::optional<std::string> titleOfSelectedItem() const;
+    /// 0 when nothing is selected.
+    [[nodiscard]] std::int32_t tagOfSelectedItem() const;
+
+    /// -1 selects nothing. Throws std::out_of_range for another index without an item.
+    void selectItemAtIndex(int index);
+    /// Selects the first item with the title; nothing when there is none.
+    void selectItemWithTitle(const std::string& title);
+
+    /// A user's choice: selects the item, then sends the action, also when it was selected already. Nothing while
+    /// disabled or when there is no such item.
+    void performSelect(int index);
+
+  private:
+    std::vector<Item> items_;
+    int selected_ = -1;
+};

@@ -1,0 +1,84 @@
+#pragma once
+
+#include "NSControl.h"
+
+#include <string>
+#include <vector>
+
+class NSTableView;
+
+struct NSTableColumn {
+    std::string identifier;
+    std::string title;
+    int width = 100;     ///< in points, a front-end's first width
+    bool hidden = false; ///< not shown by a window at first; still one of the columns
+};
+
+/// Where a table's rows come from. Not owned by the table.
+class NSTableViewDataSource {
+  public:
+    virtual ~NSTableViewDataSource() = default;
+    [[nodiscard]] virtual int numberOfRowsInTableView(NSTableView* table) = 0;
+    /// The cell's text. Asked only for cells that are shown.
+    [[nodiscard]] virtual std::string tableViewObjectValueForTableColumn(NSTableView* table,
+                                                                         const NSTableColumn& column, int row) = 0;
+};
+
+class NSTableViewDelegate {
+  public:
+    virtual ~NSTableViewDelegate() = default;
+    /// `table`'s selection is another than before, by a user's or the program's doing.
+    virtual void tableViewSelectionDidChange(NSTableView* table) = 0;
+};
+
+/// A table. It knows how many rows its source had at the last reload and which are selected, and nothing else. Rows
+/// count from 0.
+class NSTableView : public NSControl {
+  public:
+    [[nodiscard]] const std::vector<NSTableColumn>& tableColumns() const { return columns_; }
+
+    void addTableColumn(NSTableColumn column);
+
+    void setDataSource(NSTableViewDataSource* source) { source_ = source; }
+
+    void setDelegate(NSTableViewDelegate* delegate) { delegate_ = delegate; }
+
+    [[nodiscard]] bool allowsMultipleSelection() const { return multiple_; }
+
+    void setAllowsMultipleSelection(bool allows) { multiple_ = allows; }
+
+    /// As of the last reload; 0 before the first.
+    [[nodiscard]] int numberOfRows() const { return rows_; }
+
+    /// The cell's text as the source has it now; "" without a source or for a row that is not there.
+    [[nodiscard]] std::string objectValue(const NSTableColumn& column, int row) const;
+
+    /// Asks the source for the number of rows again. Selected row numbers that still exist stay selected, the others
+    /// are dropped, and nobody is notified. Emits `reloaded`.
+    void reloadData();
+
+    /// The selected row (of several the first), or -1.
+    [[nodiscard]] int selectedRow() const { return selection_.empty() ? -1 : selection_.front(); }
+
+    /// Ascending.
+    [[nodiscard]] const std::vector<int>& selectedRows() const { return selection_; }
+
+    /// Makes these rows, in any order, the whole selection. Rows that are not there are left out, and where the
+    /// table does not allow several only the first stays. Tells the delegate, unless it is the selection already.
+    void selectRows(std::vector<int> rows);
+    /// Selects one row and nothing else; a row that is not there, nothing.
+    void selectRow(int row) { selectRows({row}); }
+
+    void deselectAll() { selectRows({}); }
+
+    /// The rows are to be drawn again. `changed` is for the selection and the enabled state.
+    platform::Signal<> reloaded;
+
+  private:
+    std::vector<NSTableColumn> columns_;
+    NSTableViewDataSource* source_ = nullptr;
+    NSTableViewDelegate* delegate_ = nullptr;
+    bool multiple_ = false;
+    int rows_ = 0;
+    std::vector<int> selection_;
+};

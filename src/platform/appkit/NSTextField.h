@@ -1,0 +1,68 @@
+#pragma once
+
+#include "NSControl.h"
+#include "NSFormatter.h"
+
+#include <memory>
+#include <string>
+
+class NSTextField;
+
+/// Told about a field's refused edits.
+class NSTextFieldDelegate {
+  public:
+    virtual ~NSTextFieldDelegate() = default;
+    /// `partial` was refused by the field's formatter with `errorDescription`.
+    virtual void controlDidFailToValidatePartialString(NSTextField* control, const std::string& partial,
+                                                       const std::string& errorDescription) = 0;
+};
+
+/// A text field. The program's setters are not checked and send nothing; a user's edits come in through proposeEdit
+/// and endEditing.
+class NSTextField : public NSControl {
+  public:
+    [[nodiscard]] const std::string& stringValue() const { return text_; }
+
+    void setStringValue(std::string text);
+
+    /// The text read by intValue.
+    [[nodiscard]] std::int32_t intValue() const;
+    void setIntValue(std::int32_t value);
+
+    [[nodiscard]] NSFormatter* formatter() const { return formatter_.get(); }
+
+    void setFormatter(std::shared_ptr<NSFormatter> formatter) { formatter_ = std::move(formatter); }
+
+    /// Not owned; may be null.
+    void setDelegate(NSTextFieldDelegate* delegate) { delegate_ = delegate; }
+
+    /// False for a field that only shows text (a label): a user cannot type into it.
+    [[nodiscard]] bool isEditable() const { return editable_; }
+
+    void setEditable(bool editable) { editable_ = editable; }
+
+    /// True for a field whose text must not be shown.
+    [[nodiscard]] virtual bool isSecure() const { return false; }
+
+    /// A user's edit: the whole text as it would be, the caret after it and the selection before it. The formatter
+    /// is asked first. When it refuses, the presenter is told, then the delegate, the field stays as it was and the
+    /// answer is false. Otherwise the text is taken and the action sent.
+    [[nodiscard]] bool proposeEdit(std::string proposed, std::size_t proposedCaret, NSRange originalSelection);
+    /// The user leaves the field: one with a formatter then shows its value's text (007 becomes 7); an empty text,
+    /// or one that the formatter cannot read, stays. Sends nothing.
+    void endEditing();
+
+  private:
+    std::string text_;
+    std::shared_ptr<NSFormatter> formatter_;
+    NSTextFieldDelegate* delegate_ = nullptr;
+    bool editable_ = true;
+};
+
+/// A field for a password. Its text is overwritten in memory before it is dropped.
+class NSSecureTextField : public NSTextField {
+  public:
+    ~NSSecureTextField() override;
+
+    [[nodiscard]] bool isSecure() const override { return true; }
+};

@@ -1,0 +1,83 @@
+#pragma once
+
+#include "Element.h"
+
+#include <string>
+
+class NSWindow;
+
+class NSWindowDelegate {
+  public:
+    virtual ~NSWindowDelegate() = default;
+    virtual void windowDidBecomeKey(NSWindow* window) = 0;
+    virtual void windowDidResignKey(NSWindow* window) = 0;
+};
+
+enum class NSWindowKind {
+    Main,  ///< the main window: closing it may end the application
+    Sheet, ///< shown by NSApplication::beginSheet only
+    Panel
+};
+
+/// A window, sheet or panel as a model: whether it is on screen, and whether it is the one that keys go to.
+class NSWindow : public platform::Element {
+  public:
+    explicit NSWindow(NSWindowKind kind = NSWindowKind::Main) : kind_(kind) {}
+
+    [[nodiscard]] NSWindowKind kind() const { return kind_; }
+
+    [[nodiscard]] const std::string& title() const { return title_; }
+
+    void setTitle(std::string title);
+
+    /// Not owned; may be null.
+    void setDelegate(NSWindowDelegate* delegate) { delegate_ = delegate; }
+
+    [[nodiscard]] bool isVisible() const { return visible_; }
+
+    [[nodiscard]] bool isKeyWindow() const { return key_; }
+
+    [[nodiscard]] bool isExcludedFromWindowsMenu() const { return excluded_; }
+
+    void setExcludedFromWindowsMenu(bool excluded) { excluded_ = excluded; }
+
+    /// The front-end puts it in the middle of the screen when it shows it next.
+    void center();
+
+    [[nodiscard]] bool isCentered() const { return centered_; }
+
+    /// Brings it on screen (the presenter is told when it was not), to the front, and makes it key.
+    void makeKeyAndOrderFront();
+    /// Takes it off the screen; it is no longer key.
+    void orderOut();
+    /// The user, or `quit` of a script, closes it: off the screen, and a main window may end the application.
+    void close();
+    /// The front-end says that keys go to this window, or no longer. Tells the delegate when that is a change.
+    void becomeKey();
+    void resignKey();
+
+    /// makeKeyAndOrderFront was called: the front-end raises the window.
+    platform::Signal<> orderedFront;
+
+  private:
+    NSWindowKind kind_;
+    std::string title_;
+    NSWindowDelegate* delegate_ = nullptr;
+    bool visible_ = false;
+    bool key_ = false;
+    bool excluded_ = false;
+    bool centered_ = false;
+};
+
+/// A drawer that slides out of its window's edge. Closed at first.
+class NSDrawer : public platform::Element {
+  public:
+    [[nodiscard]] bool isOpen() const { return open_; }
+
+    void open();
+    void close();
+    void toggle();
+
+  private:
+    bool open_ = false;
+};

@@ -1,0 +1,91 @@
+#pragma once
+
+#include "Services.h"
+
+#include <memory>
+#include <stdexcept>
+#include <typeindex>
+#include <utility>
+#include <vector>
+
+class NSBundle;
+class NSNotificationCenter;
+class NSUserDefaults;
+
+namespace platform {
+
+/// All state that the whole process shares: the services behind the platform's free functions, the notification
+/// centre, the user defaults, the main bundle, and the shared instances of classes that have one.
+///
+/// The constructor makes this host the current one and the destructor takes it away again with all it owns (the
+/// shared instances first, the youngest of them first of all), so that nothing outlives a scope or a test. Hosts
+/// nest like scopes. Main thread only.
+class Host {
+  public:
+    explicit Host(Services services);
+    ~Host();
+    Host(const Host&) = delete;
+    Host& operator=(const Host&) = delete;
+
+    /// The current host. Throws std::logic_error when there is none.
+    [[nodiscard]] static Host& current();
+
+    [[nodiscard]] const Services& services() const { return services_; }
+
+    [[nodiscard]] Log& log() const { return require(services_.log, "log"); }
+
+    [[nodiscard]] Clock& clock() const { return require(services_.clock, "clock"); }
+
+    [[nodiscard]] Paths& paths() const { return require(services_.paths, "paths"); }
+
+    [[nodiscard]] AccountNames& accountNames() const { return require(services_.accountNames, "account names"); }
+
+    [[nodiscard]] Processes& processes() const { return require(services_.processes, "processes"); }
+
+    [[nodiscard]] LocalDomain& localDomain() const { return require(services_.localDomain, "local domain"); }
+
+    [[nodiscard]] Authority& authority() const { return require(services_.authority, "authority"); }
+
+    [[nodiscard]] Presenter& presenter() const { return require(services_.presenter, "presenter"); }
+
+    /// Puts another presenter in place: a host is made before the front-end that shows it.
+    void setPresenter(std::shared_ptr<Presenter> presenter) { services_.presenter = std::move(presenter); }
+
+    [[nodiscard]] NSNotificationCenter& notificationCenter();
+    [[nodiscard]] NSUserDefaults& userDefaults();
+    [[nodiscard]] NSBundle& mainBundle();
+
+    /// The one instance of T, made by `make` on the first call. T is destroyed with the host.
+    template <class T, class Make>
+    [[nodiscard]] T& sharedInstance(Make make) {
+        for (auto& [type, instance] : shared_) {
+            if (type == std::type_index(typeid(T))) {
+                return *static_cast<T*>(instance.get());
+            }
+        }
+        std::shared_ptr<T> made = make();
+        T& answer = *made;
+        shared_.emplace_back(std::type_index(typeid(T)), std::move(made));
+        return answer;
+    }
+
+    template <class T>
+    [[nodiscard]] T& sharedInstance() {
+        return sharedInstance<T>([] { return std::make_shared<T>(); });
+    }
+
+  private:
+    template <class T>
+    static T& require(const std::shared_ptr<T>& service, const char* name) {
+        if (!service) {
+            throw std::logic_error(std::string("the host has no ") + name);
+        }
+        return *service;
+    }
+
+    Services services_;
+    Host* previous_;
+    std::vector<std::pair<std::type_index, std::shared_ptr<void>>> shared_;
+};
+
+} // namespace platform

@@ -1,0 +1,43 @@
+#pragma once
+
+#include "NSDictionary.h"
+
+#include <map>
+#include <string>
+#include <vector>
+
+/// The application's resource folder: Info.plist, interface files, images and one folder of string tables a language
+/// ("English.lproj/Localizable.strings").
+class NSBundle {
+  public:
+    /// `languages` in the order of preference, each the name of a folder less ".lproj"; missing folders are passed
+    /// over. A table that cannot be read is logged with its line and passed over.
+    NSBundle(std::string resourcePath, const std::vector<std::string>& languages);
+
+    /// The current host's.
+    [[nodiscard]] static NSBundle& mainBundle();
+
+    [[nodiscard]] const std::string& resourcePath() const { return resourcePath_; }
+
+    /// The text under `key` in Info.plist; "" when there is none (missing values show as nothing).
+    [[nodiscard]] std::string objectForInfoDictionaryKey(const std::string& key) const;
+    /// The same with a translation from the language's table "InfoPlist" first.
+    [[nodiscard]] std::string objectForLocalInfoDictionaryKey(const std::string& key) const;
+    /// The text for `key` in the table "Localizable" of the first language that has it; else `key` itself.
+    [[nodiscard]] std::string localizedStringForKey(const std::string& key) const;
+
+  private:
+    std::string resourcePath_;
+    NSMutableDictionary info_;
+    std::map<std::string, std::string, std::less<>> localizable_;
+    std::map<std::string, std::string, std::less<>> infoPlist_;
+};
+
+/// mainBundle()'s localized text for `key`.
+[[nodiscard]] std::string NSLocalizedString(const std::string& key);
+
+namespace platform {
+/// The languages that the environment asks for (LC_ALL, LC_MESSAGES, LANG: the first that is set), as names for
+/// NSBundle: the code's folder ("de"), its English name where known ("German"), then "English".
+[[nodiscard]] std::vector<std::string> languagesFromEnvironment();
+} // namespace platform

@@ -1,0 +1,16 @@
+#pragma once
+
+#include "NSString.h"
+
+#include <string_view>
+
+namespace platform {
+/// Writes a finished text to the system log of the current host.
+void logText(std::string_view text);
+} // namespace platform
+
+/// Writes a line to the system log, formatted as by stringWithFormat. Never give it a secret.
+template <class... Arguments>
+void NSLog(std::string_view format, const Arguments&... arguments) {
+    platform::logText(stringWithFormat(format, arguments...));
+}

@@ -1,0 +1,38 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+struct NSNotification {
+    std::string name;
+    const void* object = nullptr; ///< the sender, compared by identity; null for none
+};
+
+/// Hands notifications on to observers, at once and in the order in which the observers were added.
+class NSNotificationCenter {
+  public:
+    using Handler = std::function<void(const NSNotification&)>;
+
+    /// The current host's.
+    [[nodiscard]] static NSNotificationCenter& defaultCenter();
+
+    /// `handler` is called for every notification named `name` whose object is `object` (null: any object), until
+    /// removeObserver is called with the same `observer`, which serves as an identity only.
+    void addObserver(const void* observer, Handler handler, std::string name, const void* object);
+    /// Takes away everything that was added for `observer`; nothing when there is none.
+    void removeObserver(const void* observer);
+    /// An observer that a handler removes meanwhile is not called any more.
+    void postNotificationName(const std::string& name, const void* object);
+
+  private:
+    struct Observation {
+        const void* observer;
+        Handler handler;
+        std::string name;
+        const void* object;
+    };
+
+    std::vector<std::shared_ptr<Observation>> observations_;
+};

@@ -1,0 +1,24 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+/// The user's settings of this application: a property list below the user's configuration folder. Read when a
+/// value is asked for first, and written whole at every change; keys of others in it are kept.
+class NSUserDefaults {
+  public:
+    explicit NSUserDefaults(std::string path) : path_(std::move(path)) {}
+
+    /// The current host's.
+    [[nodiscard]] static NSUserDefaults& standardUserDefaults();
+
+    /// The integer stored under `key` (a text is read by intValue), or none when there is no such key.
+    [[nodiscard]] std::optional<std::int32_t> integerForKey(const std::string& key) const;
+    /// Stores `value` and writes the file, making its folder. A failure is logged with the file's name and the
+    /// reason; a file that exists and is no property list is left alone.
+    void setInteger(std::int32_t value, const std::string& key);
+
+  private:
+    std::string path_;
+};

@@ -1,0 +1,53 @@
+#pragma once
+
+#include "Authority.h"
+
+#include <cstdint>
+#include <cstdio>
+#include <span>
+#include <string>
+#include <vector>
+
+// The platform's Authorization Services, as far as they are used, over the host's authority.
+
+using OSStatus = std::int32_t;
+using AuthorizationFlags = std::uint32_t;
+
+inline constexpr AuthorizationFlags kAuthorizationFlagDefaults = 0;
+inline constexpr AuthorizationFlags kAuthorizationFlagInteractionAllowed = 1;
+inline constexpr AuthorizationFlags kAuthorizationFlagExtendRights = 2;
+inline constexpr AuthorizationFlags kAuthorizationFlagDestroyRights = 8;
+
+inline constexpr OSStatus errAuthorizationSuccess = 0;
+inline constexpr OSStatus errAuthorizationInvalidRef = -60002;
+inline constexpr OSStatus errAuthorizationDenied = -60005;
+inline constexpr OSStatus errAuthorizationCanceled = -60006;
+inline constexpr OSStatus errAuthorizationInteractionNotAllowed = -60007;
+inline constexpr OSStatus errAuthorizationToolExecuteFailure = -60031;
+
+struct AuthorizationItem {
+    std::string name;
+    std::string value; ///< bytes, without a terminating zero
+    std::uint32_t flags = 0;
+};
+
+using AuthorizationItemSet = std::vector<AuthorizationItem>;
+using AuthorizationRights = AuthorizationItemSet;
+using AuthorizationRef = platform::AuthorizationSession*;
+
+/// Makes a session. `rights` and `flags` are handed to the authority as they are. On failure `*authorization` stays as it was.
+OSStatus AuthorizationCreate(const AuthorizationRights& rights, AuthorizationFlags flags,
+                             AuthorizationRef* authorization);
+/// Asks for `rights`; with kAuthorizationFlagInteractionAllowed the user may be asked. On success `*authorized` is
+/// a new item set of what was granted, to be released with AuthorizationFreeItemSet. errAuthorizationInvalidRef for a null session.
+OSStatus AuthorizationCopyRights(AuthorizationRef authorization, const AuthorizationRights& rights,
+                                 AuthorizationFlags flags, AuthorizationRights** authorized);
+OSStatus AuthorizationFreeItemSet(AuthorizationItemSet* set);
+/// Ends the session; with kAuthorizationFlagDestroyRights its rights go with it.
+OSStatus AuthorizationFree(AuthorizationRef authorization, AuthorizationFlags flags);
+/// Starts `tool` as root (on the embedded host: as the user) with `arguments`. On success `*stream` (when `stream` is
+/// not null) is the tool's standard output, to be closed with fclose. The answer says only whether the tool started.
+/// The presenter is told before the start, and of the output when the stream's end has been read.
+OSStatus AuthorizationExecuteWithPrivileges(AuthorizationRef authorization, const std::string& tool,
+                                            AuthorizationFlags options, std::span<const std::string> arguments,
+                                            std::FILE** stream);

@@ -1,0 +1,82 @@
+#pragma once
+
+#include "Authorization.h"
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+/// Posted by the shared NiutilTask, with itself as the object, when the user has granted the administrator right.
+inline const std::string NiutilAuthenticatedNotification = "NiutilAuthenticatedNotification";
+/// Posted likewise when the authorization has been given up.
+inline const std::string NiutilDeauthenticatedNotification = "NiutilDeauthenticatedNotification";
+
+/// The one place that holds the administrator's rights: every change to the directory, to protected files and to running
+/// servers is a tool run of this object. Reading needs no rights. Main thread only; every operation blocks until its
+/// runs have ended.
+///
+/// An operation that changes something first makes sure that the right is held, asking the user if needed, and does
+/// nothing (answering false) when it is refused. A run fails when its tool wrote anything to its standard output, or could not
+/// be started; a failed run beeps and is logged. Operations that answer a boolean stop at the first failed run; the others go on.
+class NiutilTask {
+  public:
+    /// The current host's one instance, made on first use.
+    [[nodiscard]] static NiutilTask& sharedInstance();
+
+    NiutilTask() = default;
+    ~NiutilTask();
+    NiutilTask(const NiutilTask&) = delete;
+    NiutilTask& operator=(const NiutilTask&) = delete;
+
+    /// True when the right can be had now without asking the user. Makes the session when there is none.
+    [[nodiscard]] bool isAuthenticated();
+    /// Makes sure the right is held, asking the user if needed. True when it is held afterwards.
+    bool authenticate();
+    /// Gives the session and its rights up and posts the notification; nothing without a session.
+    void deauthenticate();
+
+    // Reports: one line a record, each property's values joined by ",", each followed by a tab, then "\n". Empty when the
+    // directory cannot be read.
+    /// name, directory_path, afp_shared, afp_name, afp_use_parent_privs, afp_use_parent_owner.
+    [[nodiscard]] std::vector<std::string> currentShares() const;
+    /// name, uid, sharedDir, realname, gid.
+    [[nodiscard]] std::vector<std::string> currentUsers() const;
+    /// gid, name, users.
+    [[nodiscard]] std::vector<std::string> currentGroups() const;
+
+    // Share records.
+    bool createShare(const std::string& shareName, const std::string& directoryPath, std::int32_t sharingAFS,
+                     std::int32_t inheritPerms, std::int32_t inheritOwner);
+    void deleteShare(const std::string& shareName);
+    void deleteAllShares();
+    bool cp(const std::string& source, const std::string& to);
+    void changePermissions(const std::string& directory, const std::string& owner, const std::string& group,
+                           std::int32_t permissions);
+
+    // Accounts.
+    bool createUser(const std::string& shortName, const std::string& fullName, const std::string& uid,
+                    const std::string& gid, bool publicShared, bool update);
+    bool createGroup(const std::string& groupName, const std::string& gid, bool update);
+    void deleteUser(const std::string& shortName);
+    void deleteGroup(const std::string& groupName);
+    bool addUser(const std::string& shortName, const std::string& toGroup);
+    bool removeUser(const std::string& shortName, const std::string& fromGroup);
+    void changeUserShare(const std::string& shortName, bool enable);
+    void runPasswd(const std::string& shortName, const std::string& passwd);
+
+    // Servers: signal 1 to each process of AppleFileServer or smbd.
+    void restartAFS();
+    void restartSMB();
+
+  private:
+    struct RunResult {
+        OSStatus status = 0;
+        std::optional<std::string> output; ///< none when the tool's bytes are not UTF-8
+    };
+
+    bool fetchPassword();
+    RunResult runTool(const std::string& tool, const std::vector<std::string>& arguments);
+
+    AuthorizationRef authorizationRef = nullptr;
+};
