@@ -1,0 +1,190 @@
+#pragma once
+
+#include "BROutlets.h"
+#include "NSApplication.h"
+#include "NSButton.h"
+#include "NSDictionary.h"
+#include "NSNotificationCenter.h"
+#include "NSTabView.h"
+#include "NSTableView.h"
+#include "NSTextField.h"
+#include "NormalShare.h"
+#include "SMBConf.h"
+
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+class KWIntegerFormatter;
+class KWSMBFormatter;
+class NSBundle;
+
+/// A row of the user or the group table: texts by column identifier.
+using BRRow = std::map<std::string, std::string, std::less<>>;
+
+/// The application's one controller: it stands behind every control of the main window, reads the directory and the two
+/// configuration files, and writes them through the shared NiutilTask. Made by the main interface file; its life is the
+/// process's. An action takes the control that sends it, which may be null, and answers nothing: what the user must know
+/// is shown in alerts, and what the directory really holds by the lists that are read again afterwards. Every decision reads the
+/// directory afresh.
+class BRController : public BROutlets,
+                     public NSApplicationDelegate,
+                     public NSTableViewDataSource,
+                     public NSTableViewDelegate,
+                     public NSTabViewDelegate,
+                     public NSTextFieldDelegate {
+  public:
+    BRController();
+    ~BRController() override;
+
+    /// Makes the class known to the interface loader of the current host, under the name "BRController".
+    static void registerClass();
+
+    // Application and start-up.
+    void applicationDidFinishLaunching() override;
+    [[nodiscard]] bool applicationShouldTerminateAfterLastWindowClosed() override;
+    void applicationWillTerminate() override;
+    void startUp();
+    void userAuthenticated(const NSNotification& notification);
+    void userDeauthenticated(const NSNotification& notification);
+    void toggleAuthorization(NSControl* sender);
+    void toggleDrawer(NSControl* sender);
+    void tabViewDidSelectTabViewItem(NSTabView* tabView, int index) override;
+    void controlDidFailToValidatePartialString(NSTextField* control, const std::string& partial,
+                                               const std::string& errorDescription) override;
+    void showAboutBox(NSControl* sender);
+
+    // Share inventory.
+    void parseCurrentShares();
+    void parseUserShares();
+    void parseGroupShares();
+    void parseGroupUserShares();
+    void refreshNormalList(NSControl* sender);
+    void refreshPublicList(NSControl* sender);
+    [[nodiscard]] int numberOfRowsInTableView(NSTableView* table) override;
+    [[nodiscard]] std::string tableViewObjectValueForTableColumn(NSTableView* table, const NSTableColumn& column,
+                                                                 int row) override;
+    void tableViewSelectionDidChange(NSTableView* table) override;
+
+    // Share editor.
+    void updateShareTextFields(NSControl* sender);
+    void updateCreateShareButton(NSControl* sender);
+    void updateInheritButtons(NSControl* sender);
+    void selectDirectory(NSControl* sender);
+    void createShare(NSControl* sender);
+    void deleteShare(NSControl* sender);
+    void deleteAllShares(NSControl* sender);
+    [[nodiscard]] std::int32_t menuToPermissions() const;
+    static void selectMenuItem(NSPopUpButton* menu, int privs);
+
+    // Migration.
+    void checkSharesFor10pt2();
+    void updateSharesFor10pt2(NSControl* sender);
+
+    // Users and groups.
+    void addNewUser(NSControl* sender);
+    void addNewGroup(NSControl* sender);
+    void deleteSelectedUser(NSControl* sender);
+    void deleteSelectedGroup(NSControl* sender);
+    void addUserToGroup(NSControl* sender);
+    void removeUserFromGroup(NSControl* sender);
+    void changePassword(NSControl* sender);
+    void setPassword(NSControl* sender);
+    void didEndSheet(NSWindow* sheet, int returnCode);
+    void getNextUID(NSControl* sender);
+    void getNextGID(NSControl* sender);
+    void updateAddUserButton(NSControl* sender);
+    void updateAddGroupButton(NSControl* sender);
+    void updateUserTextFields(NSControl* sender);
+    void updateGroupTextFields(NSControl* sender);
+    void updateUsersGroupsList(NSControl* sender);
+    void updateGroupsList(NSControl* sender);
+    void refreshGroupList(NSControl* sender);
+    void updateSystemUsersGroups(NSControl* sender);
+
+    // Public folders.
+    void enableSelectedPublicShare(NSControl* sender);
+    void disableSelectedPublicShare(NSControl* sender);
+    void enableAllPublicShares(NSControl* sender);
+    void disableAllPublicShares(NSControl* sender);
+
+    // AFP settings.
+    void parseAFSProperties();
+    void refreshAFSProperties(NSControl* sender);
+    void updateAFSProperties(NSControl* sender);
+    void changeIdleDisconnectEnable(NSControl* sender);
+    void changeLoggingEnable(NSControl* sender);
+    void changeAFSPropsTabView(NSControl* sender);
+    void selectLogFile(NSControl* sender);
+
+    // SMB settings.
+    void refreshSMBProperties(NSControl* sender);
+    void updateSMBProperties(NSControl* sender);
+    void changeSMBHomeSharing(NSControl* sender);
+    void changeSMBPropsTabView(NSControl* sender);
+
+    // Servers and links.
+    void restartAFS(NSControl* sender);
+    void restartSMB(NSControl* sender);
+    void checkForNewVersion(NSControl* sender);
+    void goToWebpage(NSControl* sender);
+    void sendDonation(NSControl* sender);
+    void sendDonationKagi(NSControl* sender);
+    void sendFeedback(NSControl* sender);
+
+    // The lists behind the tables, in their rows' order.
+    [[nodiscard]] const std::vector<NormalShare>& currentShares() const { return currentShares_; }
+
+    void setCurrentShares(std::vector<NormalShare> shares) { currentShares_ = std::move(shares); }
+
+  private:
+    enum class FailedStep { Shares, Users, Groups, AFPSettings };
+
+    // Start-up (BRController+StartUp.cpp).
+    /// Runs one step; what it throws is dropped and `message` logged in its place.
+    static void guarded(const std::function<void()>& step, const std::string& message);
+    /// The localized log message for a parsing step that failed.
+    [[nodiscard]] static std::string bugMessage(FailedStep step);
+    /// False when this system is too old: the application has been asked to terminate.
+    [[nodiscard]] bool checkSystemVersion();
+    void installFormatters();
+    void showLockState(bool authenticated);
+    void fillTables();
+
+    // Share editor.
+    void showFolderPrivileges(const std::string& path);
+    [[nodiscard]] bool validateShareFields() const;
+
+    // Accounts (BRController+Accounts.cpp).
+    [[nodiscard]] bool checkUser(const std::string& shortNameText) const;
+    [[nodiscard]] bool checkGroup(const std::string& groupNameText) const;
+    [[nodiscard]] bool checkUID(std::int32_t id) const;
+    [[nodiscard]] bool checkGID(std::int32_t id) const;
+    [[nodiscard]] bool checkAdmin(const std::string& shortNameText) const;
+    void addUser(const std::string& shortNameText, const std::string& toGroup, const std::vector<std::string>& groupUsers);
+    void removeUser(const std::string& shortNameText, const std::string& fromGroup,
+                    const std::vector<std::string>& groupUsers);
+
+    // SMB settings.
+    /// Shows the alert for writeSMBConfFile's result; nothing for 0.
+    static void showSMBWriteResult(int result);
+
+    // Links.
+    void remindOfDonation();
+
+    NSBundle* mainBundle = nullptr;
+    std::optional<NSMutableDictionary> afsProps; ///< none when the AFP server's file could not be read
+    std::unique_ptr<SMBConf> smbConf;
+    std::vector<NormalShare> currentShares_;
+    std::vector<BRRow> userShares;
+    std::vector<BRRow> groupShares;
+    std::vector<std::string> groupUserShares;
+    std::shared_ptr<const NSImage> lock;
+    std::shared_ptr<const NSImage> unlock;
+    std::shared_ptr<KWIntegerFormatter> intFormatter;
+    std::shared_ptr<KWSMBFormatter> smbFormatter;
+};

@@ -1,0 +1,3 @@
+#include "NSApplicationMain.h"
+
+int main(int argc, char** argv) { return NSApplicationMain(argc, argv); }
