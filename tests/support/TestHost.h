@@ -1,0 +1,86 @@
+#pragma once
+
+#include "Authority.h"
+#include "Host.h"
+#include "Presenter.h"
+
+#include <deque>
+#include <filesystem>
+#include <functional>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+/// A privileged tool run that a test saw.
+struct RecordedRun {
+    std::string tool;
+    std::vector<std::string> arguments;
+    /// "TOOL ARGUMENT ARGUMENT", for comparing lists of runs.
+    [[nodiscard]] std::string text() const;
+};
+
+/// A host for one test: a temporary folder as the root (with HOME in it), recorded tool runs, queued answers, a captured log,
+/// a clock that the test sets. It is the current host for as long as it lives; the destructor removes the folder and fails the
+/// test when a queued answer was never used, or an alert came that had none and was not allowed (allowUnaskedAlerts).
+class TestHost {
+  public:
+    struct Options {
+        std::map<std::string, std::string> strings; ///< extra entries of "Localizable", instead of the real bundle's
+        bool realResources = true;                  ///< the project's own resources folder
+        std::optional<std::int32_t> systemVersion = 0x1040;
+    };
+
+    TestHost();
+    explicit TestHost(Options options);
+    ~TestHost();
+
+    // Where things are.
+    [[nodiscard]] std::filesystem::path root() const; ///< mapped system files are below it: root()/"etc/smb.conf"
+    [[nodiscard]] std::filesystem::path home() const;
+    [[nodiscard]] std::filesystem::path storeFile() const; ///< the local domain's store; not made by TestHost
+    /// Writes a file below root(), with its folders.
+    void write(const std::string& relativePath, std::string_view bytes);
+    [[nodiscard]] std::string read(const std::string& relativePath) const;
+
+    // What is answered. Alerts are matched by title, first in first out.
+    void answerAlert(const std::string& title, const std::string& button);
+    void choosePath(std::optional<std::string> path); ///< for the next open panel; none cancels
+    void allowUnaskedAlerts();                        ///< they are answered by their default button
+    bool administratorAllows = true;
+
+    // The authority.
+    bool rightHeld = true;       ///< what the silent test answers
+    /// What a run writes and how its launch ends; by default nothing and 0. Called after the run was recorded.
+    struct RunAnswer {
+        std::string output;
+        OSStatus status = 0;
+    };
+    std::function<RunAnswer(const RecordedRun&)> onRun;
+    /// What a listing command prints; none makes the pipe fail to open.
+    std::function<std::optional<std::string>(const std::string& command)> onListing;
+
+    // What was seen, in order.
+    std::vector<RecordedRun> runs;
+    [[nodiscard]] std::vector<std::string> runTexts() const;
+    std::vector<platform::Alert> alerts;
+    std::vector<platform::OpenPanelRequest> panels;
+    std::vector<std::string> log;
+    std::vector<std::string> opened;
+    std::vector<std::string> refusals;
+    std::vector<std::string> events; ///< all of the above and beeps, as short lines: "beep", "log ...", "run ...", "alert TITLE"
+    int beeps = 0;
+    int administratorDialogs = 0;
+
+    double now = 0; ///< the clock
+    /// Fires every running timer once.
+    void fireTimers();
+    [[nodiscard]] std::size_t runningTimers() const;
+
+    [[nodiscard]] platform::Host& host();
+
+  private:
+    struct Implementation;
+    std::unique_ptr<Implementation> implementation_;
+};
