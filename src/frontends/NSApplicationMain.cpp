@@ -1,0 +1,3 @@
+#include "NSApplicationMain.h"
+
+int NSApplicationMain(int, char**) { return 1; }
