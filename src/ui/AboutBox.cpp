@@ -1,0 +1,118 @@
+#include "AboutBox.h"
+
+#include "Host.h"
+#include "Interface.h"
+#include "NSAlert.h"
+#include "NSBundle.h"
+#include "NSFileManager.h"
+#include "NSLog.h"
+#include "ObjectClass.h"
+
+namespace {
+
+constexpr double pauseSeconds = 3.0;
+constexpr double pointsPerStep = 0.01;
+
+double now() {
+    return platform::Host::current().clock().now();
+}
+
+} // namespace
+
+AboutBox::AboutBox() = default;
+
+AboutBox::~AboutBox() = default;
+
+AboutBox& AboutBox::sharedInstance() {
+    return platform::Host::current().sharedInstance<AboutBox>(
+        [] { return std::shared_ptr<AboutBox>(new AboutBox); });
+}
+
+void AboutBox::registerClass() {
+    platform::registerClass(platform::describeClass<AboutBox>("AboutBox")
+                                .outlet("appNameField", &AboutBox::appNameField)
+                                .outlet("copyrightField", &AboutBox::copyrightField)
+                                .outlet("creditsField", &AboutBox::creditsField)
+                                .outlet("versionField", &AboutBox::versionField)
+                                .take());
+}
+
+void AboutBox::showPanel(NSControl* /*sender*/) {
+    if (appNameField == nullptr) {
+        if (!loadPanel()) {
+            NSLog("Failed to load AboutBox.nib");
+            NSBeep();
+            return;
+        }
+        fillPanel();
+    }
+    if (!window_->isVisible()) {
+        currentPosition = 0;
+        restartAtTop = false;
+        startTime = now() + pauseSeconds;
+        creditsField->scrollToPoint(0);
+    }
+    window_->makeKeyAndOrderFront();
+}
+
+bool AboutBox::loadPanel() {
+    try {
+        interface_ = platform::Interface::load(NSBundle::mainBundle().resourcePath() + "/AboutBox.xml", this);
+    } catch (const platform::InterfaceError&) {
+        return false;
+    }
+    window_ = dynamic_cast<NSWindow*>(interface_->find("aboutWindow"));
+    const bool complete = window_ != nullptr && appNameField != nullptr && copyrightField != nullptr &&
+                          creditsField != nullptr && versionField != nullptr;
+    if (!complete) {
+        appNameField = nullptr;
+        interface_.reset();
+    }
+    return complete;
+}
+
+void AboutBox::fillPanel() {
+    const NSBundle& bundle = NSBundle::mainBundle();
+    const std::string name = bundle.objectForLocalInfoDictionaryKey("CFBundleName");
+    appNameField->setStringValue(name);
+    window_->setTitle(stringWithFormat(NSLocalizedString("About %@"), name));
+    versionField->setStringValue(stringWithFormat(NSLocalizedString("Version %@"),
+                                                  bundle.objectForInfoDictionaryKey("CFBundleVersion")));
+    if (const auto file = contentsOfFile(bundle.resourcePath() + "/Credits.rtf"); file.bytes) {
+        if (const auto credits = platform::readRichText(*file.bytes)) {
+            creditsField->insertAtStart(*credits);
+        }
+    }
+    copyrightField->setStringValue(bundle.objectForLocalInfoDictionaryKey("NSHumanReadableCopyright"));
+    maxScrollHeight = static_cast<float>(creditsField->length());
+    window_->setExcludedFromWindowsMenu(true);
+    window_->center();
+}
+
+void AboutBox::windowDidBecomeKey(NSWindow* /*window*/) {
+    scrollTimer = std::make_unique<NSTimer>(0.0, [this] { scrollCredits(); });
+}
+
+void AboutBox::windowDidResignKey(NSWindow* /*window*/) {
+    scrollTimer.reset();
+}
+
+void AboutBox::scrollCredits() {
+    const double time = now();
+    if (time < startTime) {
+        return;
+    }
+    if (restartAtTop) {
+        startTime = time + pauseSeconds;
+        restartAtTop = false;
+        creditsField->scrollToPoint(0);
+    } else if (currentPosition >= maxScrollHeight) {
+        // The end of the text stays in sight for the pause.
+        startTime = time + pauseSeconds;
+        currentPosition = 0;
+        restartAtTop = true;
+    } else {
+        creditsField->scrollToPoint(currentPosition);
+        currentPosition = static_cast<float>(static_cast<double>(currentPosition) + pointsPerStep);
+    }
+}

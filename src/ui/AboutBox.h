@@ -1,0 +1,57 @@
+#pragma once
+
+#include "NSTextField.h"
+#include "NSTextView.h"
+#include "NSWindow.h"
+
+#include <memory>
+
+class NSControl;
+class NSTimer;
+
+namespace platform {
+class Interface;
+}
+
+/// The About panel: name, version and copyright, and credits that scroll slowly upwards while the panel is
+/// the one that keys go to. One instance a host, which owns its interface file's controls. Main thread only.
+class AboutBox : public NSWindowDelegate {
+  public:
+    /// The current host's one instance, made on first use.
+    [[nodiscard]] static AboutBox& sharedInstance();
+    /// Makes the class known to the interface loader of the current host, under the name "AboutBox".
+    static void registerClass();
+
+    ~AboutBox() override;
+    AboutBox(const AboutBox&) = delete;
+    AboutBox& operator=(const AboutBox&) = delete;
+
+    /// Brings the panel to the front; the first call loads and fills it. The credits start again at the top
+    /// when the panel was not on screen. A panel that cannot be loaded is logged with a beep, and the next
+    /// call tries again.
+    void showPanel(NSControl* sender);
+
+    void windowDidBecomeKey(NSWindow* window) override;
+    void windowDidResignKey(NSWindow* window) override;
+
+    /// One step of the scroll: by a hundredth of a point, or what is due at the end of a pass.
+    void scrollCredits();
+
+  private:
+    AboutBox();
+
+    [[nodiscard]] bool loadPanel();
+    void fillPanel();
+
+    NSTextField* appNameField = nullptr; ///< unset until the panel is loaded
+    NSTextField* copyrightField = nullptr;
+    NSTextView* creditsField = nullptr;
+    NSTextField* versionField = nullptr;
+    std::unique_ptr<NSTimer> scrollTimer; ///< only while the panel is key
+    float currentPosition = 0;            ///< in points: what the next step shows at the top
+    float maxScrollHeight = 0;            ///< where a pass ends: one point for each character of the credits
+    double startTime = 0;                 ///< the credits stand still before it
+    bool restartAtTop = false;            ///< a pass has ended: the next step jumps back to the top
+    std::unique_ptr<platform::Interface> interface_;
+    NSWindow* window_ = nullptr;
+};
