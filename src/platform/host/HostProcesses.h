@@ -1,0 +1,30 @@
+#pragma once
+
+#include "Services.h"
+
+#include <functional>
+#include <string>
+#include <utility>
+
+namespace platform {
+
+/// Runs a shell listing of processes, one ID a line, and leaves out the processes that this host may not
+/// signal.
+class HostProcesses : public Processes {
+  public:
+    /// `maySignal` is asked for each line of a listing.
+    explicit HostProcesses(std::function<bool(const std::string& processId)> maySignal)
+        : maySignal_(std::move(maySignal)) {}
+
+    [[nodiscard]] std::FILE* open(const std::string& command, const char* mode) override;
+    int close(std::FILE* stream) override;
+
+  private:
+    std::function<bool(const std::string&)> maySignal_;
+};
+
+/// Whether a process is a file server that was started with the configuration of the root at `rootFolder`, or
+/// a child of one that serves a connection.
+[[nodiscard]] bool isServerOfRoot(const std::string& processId, const std::string& rootFolder);
+
+} // namespace platform

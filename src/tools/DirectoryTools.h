@@ -1,0 +1,50 @@
+#pragma once
+
+#include <span>
+#include <string>
+#include <utility>
+
+// The directory's tools as functions, so that the programs, the helper and the tests run the same code. A
+// tool that cannot do what it was asked has changed nothing and says in one line what failed, on what, and
+// what to do; its status is then 1.
+
+/// The directory that a tool works on.
+struct DirectoryPlace {
+    /// A store alone: no server's password database belongs to it.
+    DirectoryPlace(std::string file) : storeFile(std::move(file)) {}
+
+    /// The store of the embedded root at `rootFolder`; changes to accounts reach the root's file server too.
+    [[nodiscard]] static DirectoryPlace ofRoot(const std::string& rootFolder);
+
+    std::string storeFile;
+    std::string root; ///< empty for a store alone
+};
+
+/// What a tool wrote to its standard output (complaints included), and its exit status.
+struct ToolResult {
+    std::string output;
+    int status = 0;
+};
+
+/// `nicl DOMAIN OPERATION PATH [PROPERTY [VALUE...]]`, the domain being ".". -create makes the record, or the
+/// property with these values in place of its earlier ones; -append adds values at the end; -delete takes
+/// away the record with all below it, the property, or the values. Waits up to 30 seconds for other writers.
+/// After a change below /users or /groups the account lists of the root's file server are rewritten.
+[[nodiscard]] ToolResult runNicl(const DirectoryPlace& place, std::span<const std::string> arguments);
+
+/// `dscl DOMAIN -passwd /Users/NAME PASSWORD`: hands the password to the password database of the root's file
+/// server and keeps no copy. The caller wipes its own.
+[[nodiscard]] ToolResult runDscl(const DirectoryPlace& place, std::span<const std::string> arguments);
+
+/// `nireport DOMAIN PATH PROPERTY...`: the report lines of the records below PATH. Needs the current host,
+/// whose local domain it reads.
+[[nodiscard]] ToolResult runNireport(std::span<const std::string> arguments);
+
+/// `niutil -read DOMAIN PATH`: one line a property, "NAME: VALUE VALUE...". Reads the current host's local
+/// domain.
+[[nodiscard]] ToolResult runNiutil(std::span<const std::string> arguments);
+
+/// The whole of a directory tool's program: reads `--root DIR`, `--system`, `--help` and `--version` before
+/// the first word that is none of these, makes the root when it is not there, runs the tool named `tool`,
+/// prints, and answers the exit status (2 for a wrong option).
+[[nodiscard]] int directoryToolMain(const char* tool, int argc, char** argv);
