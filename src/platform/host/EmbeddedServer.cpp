@@ -1,0 +1,253 @@
+#include "EmbeddedServer.h"
+
+#include "NSFileManager.h"
+#include "NSString.h"
+#include "SambaAccounts.h"
+
+#include <array>
+#include <cerrno>
+#include <chrono>
+#include <csignal>
+#include <cstring>
+#include <thread>
+#include <utility>
+#include <vector>
+
+#include <arpa/inet.h>
+#include <fcntl.h>
+#include <netinet/in.h>
+#include <sys/prctl.h>
+#include <sys/socket.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace platform {
+
+namespace {
+
+constexpr std::array kProgramPaths{"/usr/sbin/smbd", "/usr/local/sbin/smbd", "/usr/local/samba/sbin/smbd"};
+constexpr auto kStartLimit = std::chrono::seconds(10);
+constexpr auto kStopLimit = std::chrono::seconds(5);
+constexpr auto kPause = std::chrono::milliseconds(20);
+
+std::string smbdProgram() {
+    for (const char* path : kProgramPaths) {
+        if (access(path, X_OK) == 0) {
+            return path;
+        }
+    }
+    return {};
+}
+
+sockaddr_in loopback(int port) {
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_port = htons(static_cast<std::uint16_t>(port));
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    return address;
+}
+
+bool canConnect(int port) {
+    const int socket = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    if (socket < 0) {
+        return false;
+    }
+    const sockaddr_in address = loopback(port);
+    const bool connected = connect(socket, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;
+    close(socket);
+    return connected;
+}
+
+/// What a private folder of the server is called in smb.conf(5), and below the root's samba folder.
+struct PrivateFolder {
+    const char* parameter;
+    const char* folder;
+};
+
+// On the command line, where no line of the included smb.conf can point them elsewhere.
+constexpr std::array<PrivateFolder, 7> kPrivateFolders{{{"private dir", "private"},
+                                                        {"lock directory", "lock"},
+                                                        {"state directory", "state"},
+                                                        {"cache directory", "cache"},
+                                                        {"ncalrpc dir", "ncalrpc"},
+                                                        {"pid directory", "pid"},
+                                                        {"binddns dir", "binddns"}}};
+
+std::vector<std::string> serverArguments(const std::string& program, const std::string& configuration,
+                                         const std::string& folder, int port) {
+    std::vector<std::string> arguments{program, "-F",          "--no-process-group",
+                                       "-s",    configuration, "--debug-stdout"};
+    for (const PrivateFolder& each : kPrivateFolders) {
+        arguments.push_back(stringWithFormat("--option=%s=%s/%s", each.parameter, folder, each.folder));
+    }
+    arguments.push_back(stringWithFormat("--option=passdb backend=tdbsam:%s/private/passdb.tdb", folder));
+    arguments.push_back(stringWithFormat("--option=smb ports=%d", port));
+    // A share-level "security" makes this Samba refuse to start; the file keeps it, the server does not see
+    // it.
+    arguments.emplace_back("--option=security=user");
+    arguments.emplace_back("--option=interfaces=127.0.0.1/8");
+    arguments.emplace_back("--option=bind interfaces only=yes");
+    return arguments;
+}
+
+std::vector<std::string> serverEnvironment(const SambaAccounts& accounts) {
+    return {"PATH=/usr/sbin:/usr/bin:/sbin:/bin", "LD_PRELOAD=" + SambaAccounts::wrapperLibrary(),
+            "NSS_WRAPPER_PASSWD=" + accounts.passwdFile(), "NSS_WRAPPER_GROUP=" + accounts.groupFile()};
+}
+
+std::vector<char*> pointers(std::vector<std::string>& texts) {
+    std::vector<char*> answer;
+    for (std::string& text : texts) {
+        answer.push_back(text.data());
+    }
+    answer.push_back(nullptr);
+    return answer;
+}
+
+/// In the child: becomes the server, in a session of its own so that it and its children can be ended
+/// together.
+[[noreturn]] void becomeServer(char* const* arguments, char* const* environment, int log, pid_t parent) {
+    setsid();
+    prctl(PR_SET_PDEATHSIG, SIGTERM);
+    if (getppid() != parent) {
+        _exit(127); // the parent ended before the line above
+    }
+    sigset_t none;
+    sigemptyset(&none);
+    sigprocmask(SIG_SETMASK, &none, nullptr);
+    std::signal(SIGPIPE, SIG_DFL);
+    const int null = open("/dev/null", O_RDONLY);
+    if (null < 0 || dup2(null, 0) < 0 || dup2(log, 1) < 0 || dup2(log, 2) < 0) {
+        _exit(127);
+    }
+    closefrom(3);
+    execve(arguments[0], arguments, environment);
+    _exit(127);
+}
+
+/// True when the child has ended (and is collected) within the limit.
+bool endsWithin(pid_t process, std::chrono::steady_clock::duration limit) {
+    const auto end = std::chrono::steady_clock::now() + limit;
+    do {
+        if (waitpid(process, nullptr, WNOHANG) != 0) {
+            return true;
+        }
+        std::this_thread::sleep_for(kPause);
+    } while (std::chrono::steady_clock::now() < end);
+    return false;
+}
+
+std::string lastLine(const std::string& file) {
+    const std::string text = contentsOfFile(file).bytes.value_or("");
+    const std::size_t end = text.find_last_not_of(" \n");
+    if (end == std::string::npos) {
+        return {};
+    }
+    const std::size_t lineBreak = text.rfind('\n', end);
+    const std::size_t start = lineBreak == std::string::npos ? 0 : text.find_first_not_of(' ', lineBreak + 1);
+    return text.substr(start, end + 1 - start);
+}
+
+} // namespace
+
+EmbeddedServer::EmbeddedServer(EmbeddedRoot root) : root_(std::move(root)) {}
+
+EmbeddedServer::~EmbeddedServer() {
+    stop();
+}
+
+std::string EmbeddedServer::address() const {
+    return stringWithFormat("smb://127.0.0.1:%d/", port_);
+}
+
+std::string EmbeddedServer::start(int port) {
+    if (process_ != 0) {
+        return "The SMB server of this root runs already.";
+    }
+    const std::string program = smbdProgram();
+    if (program.empty()) {
+        return "No SMB server is installed.  Install the package \"samba\" and try again.";
+    }
+    if (SambaAccounts::wrapperLibrary().empty()) {
+        return "The SMB server needs libnss_wrapper.so to know the directory's accounts.  Install the "
+               "package "
+               "\"libnss-wrapper\" and try again.";
+    }
+    if (canConnect(port)) {
+        return stringWithFormat("Port %d is in use.  Choose another one with --port.", port);
+    }
+    const SambaAccounts accounts(root_);
+    if (std::string error = accounts.make(); !error.empty()) {
+        return error;
+    }
+    const std::string logFile = root_.sambaFolder() + "/log/smbd.log";
+    const int log = open(logFile.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
+    if (log < 0) {
+        return stringWithFormat("The SMB server's log %s cannot be written: %s.", logFile,
+                                std::strerror(errno));
+    }
+    auto arguments = serverArguments(program, accounts.configurationFile(), root_.sambaFolder(), port);
+    auto environment = serverEnvironment(accounts);
+    const auto argumentPointers = pointers(arguments);
+    const auto environmentPointers = pointers(environment);
+    const pid_t parent = getpid();
+    const pid_t child = fork();
+    if (child == 0) {
+        becomeServer(argumentPointers.data(), environmentPointers.data(), log, parent);
+    }
+    close(log);
+    if (child < 0) {
+        return stringWithFormat("The SMB server cannot be started: %s.", std::strerror(errno));
+    }
+    process_ = child;
+    port_ = port;
+    return waitUntilListening();
+}
+
+std::string EmbeddedServer::waitUntilListening() {
+    const auto end = std::chrono::steady_clock::now() + kStartLimit;
+    const std::string logFile = root_.sambaFolder() + "/log/smbd.log";
+    while (std::chrono::steady_clock::now() < end) {
+        if (waitpid(process_, nullptr, WNOHANG) != 0) {
+            process_ = 0;
+            return stringWithFormat("The SMB server ended at once: %s (see %s)", lastLine(logFile), logFile);
+        }
+        if (canConnect(port_)) {
+            return {};
+        }
+        std::this_thread::sleep_for(kPause);
+    }
+    stop();
+    return stringWithFormat("The SMB server does not answer on port %d (see %s).", port_, logFile);
+}
+
+void EmbeddedServer::stop() {
+    if (process_ == 0) {
+        return;
+    }
+    kill(-process_, SIGTERM);
+    if (!endsWithin(process_, kStopLimit)) {
+        kill(-process_, SIGKILL);
+        waitpid(process_, nullptr, 0);
+    }
+    process_ = 0;
+    stopRpcDaemon();
+}
+
+void EmbeddedServer::stopRpcDaemon() const {
+    // smbd starts it in a session of its own, and it outlives smbd. A pid file may be stale, so the process
+    // must also have been started with this root's configuration.
+    const NSFileContents pidFile = contentsOfFile(root_.sambaFolder() + "/pid/samba-dcerpcd.pid");
+    const std::int32_t pid = intValue(pidFile.bytes.value_or(""));
+    if (pid <= 1) {
+        return;
+    }
+    const NSFileContents commandLine = contentsOfFile(stringWithFormat("/proc/%d/cmdline", pid));
+    const std::string configuration = SambaAccounts(root_).configurationFile();
+    if (commandLine.bytes && commandLine.bytes->find("samba-dcerpcd") != std::string::npos &&
+        commandLine.bytes->find(configuration) != std::string::npos) {
+        kill(pid, SIGTERM);
+    }
+}
+
+} // namespace platform
