@@ -1,0 +1,55 @@
+#pragma once
+
+#include "Presenter.h"
+
+#include <memory>
+#include <string>
+
+/// The window front-end: the Qt application object, and the presenter that renders every interface file that
+/// is loaded. One a process at a time, main thread only. Made before the interface is loaded:
+///
+///     platform::Host host(services);
+///     QtFrontend frontend(argc, argv, QtFrontend::Manner::Interactive);
+///     host.setPresenter(frontend.presenter());
+///     auto interface = platform::Interface::load(...);
+///     return frontend.run([] { NSApp().finishLaunching(); });
+///
+/// It keeps no state of the system: what the widgets show is read from the control models, and what a user
+/// does goes to the models' own operations.
+class QtFrontend {
+  public:
+    enum class Manner {
+        Interactive, ///< shows windows, asks the user
+        Silent ///< for pictures: alerts are answered at once by the button that changes nothing, panels are
+               ///< cancelled, nothing beeps; works without a display
+    };
+
+    /// `argc` and `argv` must live as long as the front-end; Qt takes its own options out of them. Where
+    /// Silent is asked for and there is no display, Qt's offscreen platform is used.
+    QtFrontend(int& argc, char** argv, Manner manner);
+    /// Takes all windows down; the presenter does nothing any more.
+    ~QtFrontend();
+    QtFrontend(const QtFrontend&) = delete;
+    QtFrontend& operator=(const QtFrontend&) = delete;
+
+    /// For Host::setPresenter, before an interface is loaded.
+    [[nodiscard]] std::shared_ptr<platform::Presenter> presenter() const;
+
+    /// Shows the main window, calls `launch` as the first event, and runs the event loop until the
+    /// application has terminated. Answers the exit status. All windows are gone when it returns, so the
+    /// interface may be destroyed.
+    [[nodiscard]] int run(const std::function<void()>& launch);
+
+    /// Writes a PNG of every page of the loaded interfaces, named after what it shows (shares.png,
+    /// shares-drawer.png, afp-general.png, the sheets, about.png), into `folder`, which is made when it is
+    /// not there. To be called after the launch. False when a picture cannot be written; `error` then says
+    /// which and why.
+    [[nodiscard]] bool takeSnapshots(const std::string& folder, std::string& error);
+
+    /// True where a window can be shown: a display is there, or the environment picks a Qt platform.
+    [[nodiscard]] static bool displayIsThere();
+
+  private:
+    struct Implementation;
+    std::unique_ptr<Implementation> implementation_;
+};
