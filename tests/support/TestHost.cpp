@@ -1,0 +1,458 @@
+#include "TestHost.h"
+
+#include "LocalDomain.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdlib>
+#include <fstream>
+#include <iterator>
+#include <stdexcept>
+#include <system_error>
+#include <utility>
+
+#include <grp.h>
+#include <pwd.h>
+#include <sys/mman.h>
+#include <unistd.h>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+struct QueuedAnswer {
+    std::string title;
+    std::string button;
+};
+
+struct QueuedPath {
+    std::optional<std::string> path;
+};
+
+struct RunningTimer {
+    platform::TimerId id;
+    std::function<void()> fire;
+};
+
+/// What the parts of a host share with the TestHost that shows them to the test.
+struct State {
+    explicit State(TestHost& host) : seen(host) {}
+
+    TestHost& seen;
+    fs::path root;
+    fs::path resources;
+    std::deque<QueuedAnswer> answers;
+    std::deque<QueuedPath> paths;
+    bool mayAnswerUnasked = false;
+    std::vector<RunningTimer> timers;
+    platform::TimerId lastTimer = 0;
+
+    void happened(const std::string& event) const { seen.events.push_back(event); }
+};
+
+/// A descriptor from which `bytes` can be read, however many there are. -1 with errno set when there is none.
+int descriptorHolding(std::string_view bytes) {
+    const int descriptor = ::memfd_create("brindle-test", MFD_CLOEXEC);
+    while (descriptor >= 0 && !bytes.empty()) {
+        const ssize_t written = ::write(descriptor, bytes.data(), bytes.size());
+        if (written < 0) {
+            throw std::system_error(errno, std::generic_category(), "a tool's output could not be kept");
+        }
+        bytes.remove_prefix(static_cast<std::size_t>(written));
+    }
+    if (descriptor >= 0) {
+        ::lseek(descriptor, 0, SEEK_SET);
+    }
+    return descriptor;
+}
+
+class CapturedLog : public platform::Log {
+  public:
+    explicit CapturedLog(State& state) : state_(state) {}
+
+    void write(std::string_view text) override {
+        state_.seen.log.emplace_back(text);
+        state_.happened("log " + std::string(text));
+    }
+
+  private:
+    State& state_;
+};
+
+class SetClock : public platform::Clock {
+  public:
+    explicit SetClock(State& state) : state_(state) {}
+
+    [[nodiscard]] double now() const override { return state_.seen.now; }
+
+  private:
+    State& state_;
+};
+
+class RootedPaths : public platform::Paths {
+  public:
+    explicit RootedPaths(State& state) : state_(state) {}
+
+    [[nodiscard]] std::string map(const std::string& path) const override {
+        if (path == "/etc/smb.conf" || path == "/Library/Preferences/com.apple.AppleFileServer.plist") {
+            return state_.root.string() + path;
+        }
+        return path;
+    }
+
+    [[nodiscard]] std::string home() const override { return state_.seen.home().string(); }
+
+    [[nodiscard]] std::string defaultsFile() const override {
+        return (state_.seen.home() / ".config" / "brindle" / "defaults.plist").string();
+    }
+
+    [[nodiscard]] std::string resources() const override { return state_.resources.string(); }
+
+  private:
+    State& state_;
+};
+
+class MachineNames : public platform::AccountNames {
+  public:
+    [[nodiscard]] std::optional<std::string> userName(uid_t uid) const override {
+        const passwd* account = ::getpwuid(uid);
+        return account == nullptr ? std::nullopt : std::optional<std::string>(account->pw_name);
+    }
+
+    [[nodiscard]] std::optional<std::string> groupName(gid_t gid) const override {
+        const group* account = ::getgrgid(gid);
+        return account == nullptr ? std::nullopt : std::optional<std::string>(account->gr_name);
+    }
+};
+
+class ToldProcesses : public platform::Processes {
+  public:
+    explicit ToldProcesses(State& state) : state_(state) {}
+
+    [[nodiscard]] std::FILE* open(const std::string& command, const char* mode) override {
+        const auto listing =
+            state_.seen.onListing ? state_.seen.onListing(command) : std::optional<std::string>("");
+        if (!listing) {
+            errno = EMFILE;
+            return nullptr;
+        }
+        const int descriptor = descriptorHolding(*listing);
+        return descriptor < 0 ? nullptr : ::fdopen(descriptor, mode);
+    }
+
+    int close(std::FILE* stream) override { return std::fclose(stream); }
+
+  private:
+    State& state_;
+};
+
+class RootedDomain : public platform::LocalDomain {
+  public:
+    explicit RootedDomain(State& state) : state_(state) {}
+
+    [[nodiscard]] std::string storeFile() const override { return state_.seen.storeFile().string(); }
+
+  private:
+    State& state_;
+};
+
+class RecordingAuthority : public platform::Authority {
+  public:
+    explicit RecordingAuthority(State& state) : state_(state) {}
+
+    [[nodiscard]] std::unique_ptr<platform::AuthorizationSession> createSession(OSStatus*) override {
+        return std::make_unique<platform::AuthorizationSession>();
+    }
+
+    [[nodiscard]] OSStatus copyRights(platform::AuthorizationSession&, const AuthorizationRights&,
+                                      AuthorizationFlags flags) override {
+        TestHost& seen = state_.seen;
+        if (seen.rightHeld) {
+            return errAuthorizationSuccess;
+        }
+        if ((flags & kAuthorizationFlagInteractionAllowed) == 0) {
+            return errAuthorizationInteractionNotAllowed;
+        }
+        ++seen.administratorDialogs;
+        state_.happened(seen.administratorAllows ? "administrator allow" : "administrator refuse");
+        seen.rightHeld = seen.administratorAllows;
+        return seen.rightHeld ? errAuthorizationSuccess : errAuthorizationCanceled;
+    }
+
+    void destroyRights(platform::AuthorizationSession&) override { state_.seen.rightHeld = false; }
+
+    [[nodiscard]] OSStatus execute(platform::AuthorizationSession&, const std::string& tool,
+                                   std::span<const std::string> arguments, int* output) override {
+        TestHost& seen = state_.seen;
+        const RecordedRun run{tool, {arguments.begin(), arguments.end()}};
+        seen.runs.push_back(run);
+        state_.happened("run " + run.text());
+        const TestHost::RunAnswer answer = seen.onRun ? seen.onRun(run) : TestHost::RunAnswer{};
+        if (answer.status != errAuthorizationSuccess || output == nullptr) {
+            return answer.status;
+        }
+        *output = descriptorHolding(answer.output);
+        return *output < 0 ? errAuthorizationToolExecuteFailure : errAuthorizationSuccess;
+    }
+
+  private:
+    State& state_;
+};
+
+class RecordingPresenter : public platform::Presenter {
+  public:
+    explicit RecordingPresenter(State& state) : state_(state) {}
+
+    [[nodiscard]] platform::AlertAnswer runAlert(const platform::Alert& alert) override {
+        state_.seen.alerts.push_back(alert);
+        state_.happened("alert " + alert.title);
+        auto& answers = state_.answers;
+        const auto found = std::ranges::find(answers, alert.title, &QueuedAnswer::title);
+        if (found == answers.end()) {
+            EXPECT_TRUE(state_.mayAnswerUnasked)
+                << "nobody answers the alert \"" << alert.title << "\": " << alert.message;
+            return platform::AlertAnswer::Default;
+        }
+        const std::string button = found->button;
+        answers.erase(found);
+        if (button == alert.alternateButton) {
+            return platform::AlertAnswer::Alternate;
+        }
+        if (button == alert.otherButton) {
+            return platform::AlertAnswer::Other;
+        }
+        EXPECT_EQ(button, alert.defaultButton) << "the alert \"" << alert.title << "\" has no such button";
+        return platform::AlertAnswer::Default;
+    }
+
+    [[nodiscard]] std::optional<std::string>
+    runOpenPanel(const platform::OpenPanelRequest& request) override {
+        state_.seen.panels.push_back(request);
+        std::optional<std::string> chosen;
+        if (!state_.paths.empty()) {
+            chosen = state_.paths.front().path;
+            state_.paths.pop_front();
+        }
+        state_.happened("panel " + chosen.value_or("cancel"));
+        return chosen;
+    }
+
+    [[nodiscard]] std::optional<platform::AdministratorAnswer>
+    runAdministratorDialog(const platform::AdministratorRequest&) override {
+        ++state_.seen.administratorDialogs;
+        if (!state_.seen.administratorAllows) {
+            state_.happened("administrator refuse");
+            return std::nullopt;
+        }
+        state_.happened("administrator allow");
+        return platform::AdministratorAnswer{};
+    }
+
+    void beep() override {
+        ++state_.seen.beeps;
+        state_.happened("beep");
+    }
+
+    void openAddress(const std::string& address) override {
+        state_.seen.opened.push_back(address);
+        state_.happened("open " + address);
+    }
+
+    [[nodiscard]] platform::TimerId startTimer(double, std::function<void()> fire) override {
+        state_.timers.push_back({++state_.lastTimer, std::move(fire)});
+        return state_.lastTimer;
+    }
+
+    void stopTimer(platform::TimerId timer) override {
+        std::erase_if(state_.timers, [timer](const RunningTimer& running) { return running.id == timer; });
+    }
+
+    void interfaceDidLoad(platform::Interface&) override {}
+
+    void windowVisibilityDidChange(NSWindow&) override {}
+
+    void editWasRefused(const NSTextField&, const std::string& errorText) override {
+        state_.seen.refusals.push_back(errorText);
+        state_.happened("refusal " + errorText);
+    }
+
+    void applicationDidTerminate() override { state_.happened("terminate"); }
+
+    void toolWillRun(const std::string&, std::span<const std::string>) override {}
+
+    void toolDidWrite(std::string_view) override {}
+
+  private:
+    State& state_;
+};
+
+std::string quoted(const std::string& text) {
+    std::string result = "\"";
+    for (const char character : text) {
+        if (character == '"' || character == '\\') {
+            result += '\\';
+        }
+        result += character == '\n' ? std::string("\\n") : std::string(1, character);
+    }
+    return result + '"';
+}
+
+void writeFile(const fs::path& file, std::string_view bytes) {
+    fs::create_directories(file.parent_path());
+    std::ofstream stream(file, std::ios::binary);
+    stream.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+    if (!stream.flush()) {
+        throw std::runtime_error("cannot write " + file.string());
+    }
+}
+
+/// The project's own resources, or a folder below `root` that has the test's string table (and, when the test
+/// wants them, everything else of the project's).
+fs::path resourcesFor(const TestHost::Options& options, const fs::path& root) {
+    const fs::path project = BRINDLE_TEST_RESOURCES;
+    if (options.realResources && options.strings.empty()) {
+        return project;
+    }
+    const fs::path folder = root / "resources";
+    fs::create_directories(folder);
+    if (options.realResources) {
+        for (const auto& entry : fs::directory_iterator(project)) {
+            if (entry.is_regular_file()) {
+                fs::create_symlink(entry.path(), folder / entry.path().filename());
+            }
+        }
+    }
+    std::string table;
+    for (const auto& [key, value] : options.strings) {
+        table += quoted(key) + " = " + quoted(value) + ";\n";
+    }
+    writeFile(folder / "English.lproj" / "Localizable.strings", table);
+    return folder;
+}
+
+fs::path makeTemporaryFolder() {
+    std::string name = (fs::temp_directory_path() / "brindle-test-XXXXXX").string();
+    if (::mkdtemp(name.data()) == nullptr) {
+        throw std::system_error(errno, std::generic_category(), "cannot make " + name);
+    }
+    return name;
+}
+
+} // namespace
+
+std::string RecordedRun::text() const {
+    std::string result = tool;
+    for (const auto& argument : arguments) {
+        result += ' ' + argument;
+    }
+    return result;
+}
+
+struct TestHost::Implementation {
+    explicit Implementation(TestHost& owner) : state(owner) {}
+
+    [[nodiscard]] platform::Services services(const Options& options) {
+        platform::Services services;
+        services.log = std::make_shared<CapturedLog>(state);
+        services.clock = std::make_shared<SetClock>(state);
+        services.paths = std::make_shared<RootedPaths>(state);
+        services.accountNames = std::make_shared<MachineNames>();
+        services.processes = std::make_shared<ToldProcesses>(state);
+        services.localDomain = std::make_shared<RootedDomain>(state);
+        services.authority = std::make_shared<RecordingAuthority>(state);
+        services.presenter = std::make_shared<RecordingPresenter>(state);
+        services.systemVersion = options.systemVersion;
+        return services;
+    }
+
+    State state;
+    std::optional<platform::Host> host;
+};
+
+TestHost::TestHost() : TestHost(Options{}) {}
+
+TestHost::TestHost(Options options) : implementation_(std::make_unique<Implementation>(*this)) {
+    State& state = implementation_->state;
+    state.root = makeTemporaryFolder();
+    for (const char* folder : {"home", "etc", "Library/Preferences"}) {
+        fs::create_directories(state.root / folder);
+    }
+    state.resources = resourcesFor(options, state.root);
+    implementation_->host.emplace(implementation_->services(options));
+}
+
+TestHost::~TestHost() {
+    const State& state = implementation_->state;
+    implementation_->host.reset();
+    for (const auto& answer : state.answers) {
+        ADD_FAILURE() << "no alert \"" << answer.title << "\" came to be answered with \"" << answer.button
+                      << '"';
+    }
+    for (const auto& chosen : state.paths) {
+        ADD_FAILURE() << "no open panel came for " << chosen.path.value_or("a cancellation");
+    }
+    std::error_code ignored; // a folder that cannot be removed harms no other test
+    fs::remove_all(state.root, ignored);
+}
+
+fs::path TestHost::root() const {
+    return implementation_->state.root;
+}
+
+fs::path TestHost::home() const {
+    return root() / "home";
+}
+
+fs::path TestHost::storeFile() const {
+    return root() / "directory.db";
+}
+
+void TestHost::write(const std::string& relativePath, std::string_view bytes) {
+    writeFile(root() / relativePath, bytes);
+}
+
+std::string TestHost::read(const std::string& relativePath) const {
+    std::ifstream stream(root() / relativePath, std::ios::binary);
+    if (!stream) {
+        throw std::runtime_error("cannot read " + (root() / relativePath).string());
+    }
+    return {std::istreambuf_iterator<char>(stream), {}};
+}
+
+void TestHost::answerAlert(const std::string& title, const std::string& button) {
+    implementation_->state.answers.push_back({title, button});
+}
+
+void TestHost::choosePath(std::optional<std::string> path) {
+    implementation_->state.paths.push_back({std::move(path)});
+}
+
+void TestHost::allowUnaskedAlerts() {
+    implementation_->state.mayAnswerUnasked = true;
+}
+
+void TestHost::fireTimers() {
+    auto& timers = implementation_->state.timers;
+    const auto due = timers; // a timer may stop itself, another, or start one that is not due yet
+    for (const auto& timer : due) {
+        if (std::ranges::find(timers, timer.id, &RunningTimer::id) != timers.end()) {
+            timer.fire();
+        }
+    }
+}
+
+std::size_t TestHost::runningTimers() const {
+    return implementation_->state.timers.size();
+}
+
+std::vector<std::string> TestHost::runTexts() const {
+    std::vector<std::string> texts;
+    std::ranges::transform(runs, std::back_inserter(texts), &RecordedRun::text);
+    return texts;
+}
+
+platform::Host& TestHost::host() {
+    return *implementation_->host;
+}

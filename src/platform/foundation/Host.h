@@ -4,6 +4,7 @@
 
 #include <memory>
 #include <stdexcept>
+#include <string>
 #include <typeindex>
 #include <utility>
 #include <vector>
@@ -85,6 +86,9 @@ class Host {
 
     Services services_;
     Host* previous_;
+    std::unique_ptr<NSNotificationCenter> notificationCenter_;
+    std::unique_ptr<NSUserDefaults> userDefaults_; ///< read on first use
+    std::unique_ptr<NSBundle> mainBundle_;         ///< read on first use
     std::vector<std::pair<std::type_index, std::shared_ptr<void>>> shared_;
 };
 

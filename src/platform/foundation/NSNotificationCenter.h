@@ -32,6 +32,7 @@ class NSNotificationCenter {
         Handler handler;
         std::string name;
         const void* object;
+        bool isRemoved = false; ///< taken away while a notification was being handed on
     };
 
     std::vector<std::shared_ptr<Observation>> observations_;
