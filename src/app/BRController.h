@@ -26,11 +26,11 @@ class NSBundle;
 /// A row of the user or the group table: texts by column identifier.
 using BRRow = std::map<std::string, std::string, std::less<>>;
 
-/// The application's one controller: it stands behind every control of the main window, reads the directory and the two
-/// configuration files, and writes them through the shared NiutilTask. Made by the main interface file; its life is the
-/// process's. An action takes the control that sends it, which may be null, and answers nothing: what the user must know
-/// is shown in alerts, and what the directory really holds by the lists that are read again afterwards. Every decision reads the
-/// directory afresh.
+/// The application's one controller: it stands behind every control of the main window, reads the directory
+/// and the two configuration files, and writes them through the shared NiutilTask. Made by the main interface
+/// file; its life is the process's. An action takes the control that sends it, which may be null, and answers
+/// nothing: what the user must know is shown in alerts, and what the directory really holds by the lists that
+/// are read again afterwards. Every decision reads the directory afresh.
 class BRController : public BROutlets,
                      public NSApplicationDelegate,
                      public NSTableViewDataSource,
@@ -66,8 +66,8 @@ class BRController : public BROutlets,
     void refreshNormalList(NSControl* sender);
     void refreshPublicList(NSControl* sender);
     [[nodiscard]] int numberOfRowsInTableView(NSTableView* table) override;
-    [[nodiscard]] std::string tableViewObjectValueForTableColumn(NSTableView* table, const NSTableColumn& column,
-                                                                 int row) override;
+    [[nodiscard]] std::string
+    tableViewObjectValueForTableColumn(NSTableView* table, const NSTableColumn& column, int row) override;
     void tableViewSelectionDidChange(NSTableView* table) override;
 
     // Share editor.
@@ -142,12 +142,12 @@ class BRController : public BROutlets,
     void setCurrentShares(std::vector<NormalShare> shares) { currentShares_ = std::move(shares); }
 
   private:
-    enum class FailedStep { Shares, Users, Groups, AFPSettings };
+    enum class FailedStep { Shares, Users, Groups, AFPSettings, SMBSettings };
 
     // Start-up (BRController+StartUp.cpp).
     /// Runs one step; what it throws is dropped and `message` logged in its place.
     static void guarded(const std::function<void()>& step, const std::string& message);
-    /// The localized log message for a parsing step that failed.
+    /// The localized log message for a parsing step that failed: what to run or send, and to whom.
     [[nodiscard]] static std::string bugMessage(FailedStep step);
     /// False when this system is too old: the application has been asked to terminate.
     [[nodiscard]] bool checkSystemVersion();
@@ -155,9 +155,27 @@ class BRController : public BROutlets,
     void showLockState(bool authenticated);
     void fillTables();
 
+    /// Names the lines of a hand-written smb.conf that the next write would lose; nothing when there are
+    /// none.
+    void showSMBConfNotice();
+
+    // Share inventory.
+    /// Adds to the list what smb.conf knows: each section marks the first share of its folder, or becomes a
+    /// share.
+    void joinSMBSections();
+    /// The share at `row` of the share table, or null when there is none.
+    [[nodiscard]] const NormalShare* shareAtRow(int row) const;
+
     // Share editor.
+    /// Fills the owner's, the group's and the three privilege menus from a folder as it is on disk now.
     void showFolderPrivileges(const std::string& path);
+    void showShare(const NormalShare& share);
+    void showNoShare();
+    /// Names the share that deleteShare would delete, so that nobody deletes another than the one meant.
+    void showSelectedShareName();
+    /// False, after an alert, when the fields cannot make a share.
     [[nodiscard]] bool validateShareFields() const;
+    void selectShareAfterWrite(int rowBefore);
 
     // Accounts (BRController+Accounts.cpp).
     [[nodiscard]] bool checkUser(const std::string& shortNameText) const;
@@ -165,7 +183,8 @@ class BRController : public BROutlets,
     [[nodiscard]] bool checkUID(std::int32_t id) const;
     [[nodiscard]] bool checkGID(std::int32_t id) const;
     [[nodiscard]] bool checkAdmin(const std::string& shortNameText) const;
-    void addUser(const std::string& shortNameText, const std::string& toGroup, const std::vector<std::string>& groupUsers);
+    void addUser(const std::string& shortNameText, const std::string& toGroup,
+                 const std::vector<std::string>& groupUsers);
     void removeUser(const std::string& shortNameText, const std::string& fromGroup,
                     const std::vector<std::string>& groupUsers);
 

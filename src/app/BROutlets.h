@@ -8,8 +8,8 @@
 #include "NSTextField.h"
 #include "NSWindow.h"
 
-/// The controller's outlets: controls of the main interface file, which sets every one of them before start-up and owns
-/// what they point to. Named as in that file.
+/// The controller's outlets: controls of the main interface file, which sets every one of them before
+/// start-up and owns what they point to. Named as in that file.
 struct BROutlets {
     NSButton* lockButton = nullptr;
     NSTextField* authLabel = nullptr;
@@ -30,6 +30,8 @@ struct BROutlets {
     NSButton* guestAccessButton = nullptr;
     NSButton* createNewShare = nullptr;
     NSButton* deleteButton = nullptr;
+    NSTextField* selectedShareName = nullptr; ///< beside deleteButton: the share that it would delete
+    NSTextField* smbConfNotice = nullptr;     ///< what writing smb.conf would lose of a hand-written file
     NSTableView* userTableView = nullptr;
     NSTableView* groupTableView = nullptr;
     NSTableView* groupUsersTableView = nullptr;

@@ -1,0 +1,60 @@
+#include "BRController.h"
+
+#include "NSAlert.h"
+#include "NSBundle.h"
+#include "NiutilTask.h"
+
+#include <algorithm>
+
+namespace {
+
+// What a report shows for a property that a record lacks; older records lack these two.
+constexpr const char* noValue = "#NoValue#";
+
+bool isOutdated(const NormalShare& share) {
+    return share.AFPShared() == noValue || share.AFPName() == noValue;
+}
+
+/// A share that only the SMB configuration knows says nothing about inheritance, neither yes nor no. It must
+/// not be given a record, which would publish a folder over AFP that never was.
+bool hasDirectoryRecord(const NormalShare& share) {
+    return !share.Inherit().empty();
+}
+
+} // namespace
+
+void BRController::checkSharesFor10pt2() {
+    if (std::ranges::none_of(currentShares_, isOutdated)) {
+        return;
+    }
+    const int answer = NSRunAlertPanel(
+        NSLocalizedString("Shares Are Not Updated for Jaguar"),
+        NSLocalizedString(
+            "Your shares are not updated for Jaguar (Mac OS X 10.2).  Do you want to update them now?"),
+        NSLocalizedString("Yes"), NSLocalizedString("No"), std::nullopt);
+    if (answer == NSAlertDefaultReturn) {
+        updateSharesFor10pt2(nullptr);
+    }
+}
+
+void BRController::updateSharesFor10pt2(NSControl* /*sender*/) {
+    NiutilTask& task = NiutilTask::sharedInstance();
+    for (const NormalShare& share : currentShares_) {
+        if (!hasDirectoryRecord(share)) {
+            continue;
+        }
+        task.deleteShare(share.ShareName());
+        if (!task.createShare(share.ShareName(), share.DirectoryPath(), 1, 0, 0)) {
+            task.deleteShare(share.ShareName());
+            NSRunAlertPanel(
+                NSLocalizedString("Create Share Failed"),
+                NSLocalizedString("An Error occured while creating the share \"%@\", please try again."),
+                NSLocalizedString("OK"), std::nullopt, std::nullopt, share.ShareName());
+        }
+    }
+    NSRunAlertPanel(
+        NSLocalizedString("Shares Updated for Jaguar"),
+        NSLocalizedString("Your shares have been updated.  You must now restart your computer or restart "
+                          "the AppleFileServer for these changes to take effect."),
+        NSLocalizedString("OK"), std::nullopt, std::nullopt);
+}

@@ -1,0 +1,217 @@
+#include "BRController.h"
+
+#include "NSAlert.h"
+#include "NSBundle.h"
+#include "NSFileManager.h"
+#include "NSString.h"
+#include "NiutilTask.h"
+
+#include <algorithm>
+
+namespace {
+
+// The privilege menus list read and write first and none last.
+constexpr int highestPrivilege = 3;
+
+int privilegeOf(const NSPopUpButton& menu) {
+    return highestPrivilege - menu.indexOfSelectedItem();
+}
+
+/// Selects the account's name, which is added at the end when the menu does not list it. Without a name
+/// nothing is selected, so that a write leaves the folder's account as it is.
+void selectAccount(NSPopUpButton& menu, const std::optional<std::string>& name) {
+    if (!name) {
+        menu.selectItemAtIndex(-1);
+        return;
+    }
+    if (menu.indexOfItemWithTitle(*name) < 0) {
+        menu.addItemWithTitle(*name);
+    }
+    menu.selectItemWithTitle(*name);
+}
+
+void showOneButtonAlert(const std::string& titleKey, const std::string& messageKey) {
+    NSRunAlertPanel(NSLocalizedString(titleKey), NSLocalizedString(messageKey), NSLocalizedString("OK"),
+                    std::nullopt, std::nullopt);
+}
+
+} // namespace
+
+void BRController::updateShareTextFields(NSControl* /*sender*/) {
+    if (const NormalShare* share = shareAtRow(normalTableView->selectedRow())) {
+        showShare(*share);
+    } else {
+        showNoShare();
+    }
+    showSelectedShareName();
+}
+
+void BRController::showShare(const NormalShare& share) {
+    const std::string yes = NSLocalizedString("Yes");
+    shareName->setStringValue(share.ShareName());
+    directory->setStringValue(share.DirectoryPath());
+    showFolderPrivileges(share.DirectoryPath());
+    const bool inherits = share.Inherit() == yes;
+    inheritPermissionsButton->setState(inherits ? NSOnState : NSOffState);
+    inheritOwnerButton->setEnabled(inherits);
+    inheritOwnerButton->setState(share.InheritOwner() == yes ? NSOnState : NSOffState);
+    guestAccessButton->setState(isEqualIgnoringCase(share.SMBGuestAccess(), "yes") ? NSOnState : NSOffState);
+    sharingAFS->selectItemAtIndex(share.AFS() == "+" ? 1 : 0);
+    sharingSMB->selectItemAtIndex(share.SMB() == "+" ? 1 : 0);
+    createNewShare->setTitle(NSLocalizedString("Update Share"));
+    deleteButton->setEnabled(true);
+}
+
+void BRController::showNoShare() {
+    shareName->setStringValue("");
+    directory->setStringValue("");
+    owner->selectItemAtIndex(owner->numberOfItems() > 0 ? 0 : -1);
+    group->selectItemAtIndex(group->numberOfItems() > 0 ? 0 : -1);
+    for (NSPopUpButton* menu : {ownerPrivs, groupPrivs, everyonePrivs}) {
+        selectMenuItem(menu, 0);
+    }
+    inheritPermissionsButton->setState(NSOffState);
+    sharingAFS->selectItemAtIndex(0);
+    sharingSMB->selectItemAtIndex(0);
+    createNewShare->setTitle(NSLocalizedString("Create New Share"));
+    deleteButton->setEnabled(false);
+}
+
+void BRController::showSelectedShareName() {
+    const NormalShare* share = shareAtRow(normalTableView->selectedRow());
+    selectedShareName->setStringValue(share != nullptr ? share->ShareName() : std::string());
+}
+
+void BRController::showFolderPrivileges(const std::string& path) {
+    const NSFileAttributes attributes = fileAttributesAtPath(path).value_or(NSFileAttributes{});
+    selectAccount(*owner, attributes.ownerAccountName);
+    selectAccount(*group, attributes.groupOwnerAccountName);
+    selectMenuItem(ownerPrivs, ownerPrivilegeCode(attributes.posixPermissions));
+    selectMenuItem(groupPrivs, groupPrivilegeCode(attributes.posixPermissions));
+    selectMenuItem(everyonePrivs, everyonePrivilegeCode(attributes.posixPermissions));
+}
+
+void BRController::updateCreateShareButton(NSControl* /*sender*/) {
+    const std::string& name = shareName->stringValue();
+    const bool exists = std::ranges::any_of(
+        currentShares_, [&name](const NormalShare& share) { return share.ShareName() == name; });
+    createNewShare->setTitle(NSLocalizedString(exists ? "Update Share" : "Create New Share"));
+}
+
+void BRController::updateInheritButtons(NSControl* /*sender*/) {
+    inheritOwnerButton->setEnabled(inheritPermissionsButton->state() == NSOnState);
+}
+
+void BRController::selectMenuItem(NSPopUpButton* menu, int privs) {
+    if (privs >= 0 && privs <= highestPrivilege) {
+        menu->selectItemAtIndex(highestPrivilege - privs);
+    }
+}
+
+std::int32_t BRController::menuToPermissions() const {
+    return modeForPrivilegeCodes(privilegeOf(*ownerPrivs), privilegeOf(*groupPrivs),
+                                 privilegeOf(*everyonePrivs));
+}
+
+void BRController::selectDirectory(NSControl* sender) {
+    updateCreateShareButton(sender);
+    NSOpenPanel panel;
+    panel.setCanChooseFiles(false);
+    panel.setCanChooseDirectories(true);
+    if (const auto path = panel.runModal()) {
+        directory->setStringValue(*path);
+        showFolderPrivileges(*path);
+    }
+}
+
+bool BRController::validateShareFields() const {
+    if (shareName->stringValue().empty()) {
+        showOneButtonAlert("Share Name Empty", "The Share Name field must not be empty.");
+    } else if (directory->stringValue().empty()) {
+        showOneButtonAlert("Directory Empty", "The Directory field must not be empty.");
+    } else if (isEqualIgnoringCase(shareName->stringValue(), "global")) {
+        showOneButtonAlert(
+            "Illegal Share Name",
+            "Shares can not have the name \"Global\" when sharing directories with Windows users.  "
+            "Please change your Share Name.");
+    } else if (isEqualIgnoringCase(shareName->stringValue(), "homes")) {
+        showOneButtonAlert(
+            "Illegal Share Name",
+            "Shares can not have the name \"Homes\" when sharing directories with Windows users.  "
+            "Please change your Share Name.");
+    } else {
+        return true;
+    }
+    return false;
+}
+
+void BRController::createShare(NSControl* sender) {
+    const int rowBefore = normalTableView->selectedRow();
+    if (!validateShareFields()) {
+        return;
+    }
+    NiutilTask& task = NiutilTask::sharedInstance();
+    if (!task.isAuthenticated() && !task.authenticate()) {
+        return;
+    }
+    const std::string name = shareName->stringValue();
+    const std::string folder = directory->stringValue();
+    if (task.createShare(name, folder, sharingAFS->indexOfSelectedItem(), inheritPermissionsButton->state(),
+                         inheritOwnerButton->state())) {
+        showSMBWriteResult(smbConf->modifySMBShare(name, folder, sharingSMB->indexOfSelectedItem(),
+                                                   inheritPermissionsButton->state(),
+                                                   guestAccessButton->state()));
+    } else {
+        task.deleteShare(name);
+        NSRunAlertPanel(
+            NSLocalizedString("Create Share Failed"),
+            NSLocalizedString("An Error occured while creating the share \"%@\", please try again."),
+            NSLocalizedString("OK"), std::nullopt, std::nullopt, name);
+    }
+    task.changePermissions(folder, owner->titleOfSelectedItem().value_or(""),
+                           group->titleOfSelectedItem().value_or(""), menuToPermissions());
+    task.restartAFS();
+    task.restartSMB();
+    refreshNormalList(sender);
+    selectShareAfterWrite(rowBefore);
+    deleteButton->setEnabled(true);
+    updateCreateShareButton(sender);
+}
+
+void BRController::selectShareAfterWrite(int rowBefore) {
+    int row = rowBefore;
+    if (row < 0) {
+        const std::string& name = shareName->stringValue();
+        const auto found = std::ranges::find(currentShares_, name, &NormalShare::ShareName);
+        row = found == currentShares_.end() ? -1 : static_cast<int>(found - currentShares_.begin());
+    }
+    normalTableView->selectRow(row);
+}
+
+void BRController::deleteShare(NSControl* sender) {
+    const NormalShare* share = shareAtRow(normalTableView->selectedRow());
+    if (share == nullptr) {
+        return;
+    }
+    const std::string name = share->ShareName();
+    NiutilTask& task = NiutilTask::sharedInstance();
+    task.deleteShare(name);
+    showSMBWriteResult(smbConf->modifySMBShare(name, "", 0, 0, 0));
+    task.restartAFS();
+    task.restartSMB();
+    refreshNormalList(sender);
+    updateShareTextFields(sender);
+}
+
+void BRController::deleteAllShares(NSControl* /*sender*/) {
+    const int answer = NSRunAlertPanel(NSLocalizedString("Confirm Delete All Shares"),
+                                       NSLocalizedString("Are you sure you want to delete all the shares?"),
+                                       NSLocalizedString("No"), NSLocalizedString("Yes"), std::nullopt);
+    if (answer != NSAlertAlternateReturn) {
+        return;
+    }
+    NiutilTask::sharedInstance().deleteAllShares();
+    parseCurrentShares();
+    normalTableView->reloadData();
+    showSelectedShareName();
+}

@@ -1,0 +1,239 @@
+#include "BRController.h"
+
+#include "AboutBox.h"
+#include "Gestalt.h"
+#include "KWIntegerFormatter.h"
+#include "KWSMBFormatter.h"
+#include "NSAlert.h"
+#include "NSBundle.h"
+#include "NSLog.h"
+#include "NiutilTask.h"
+
+#include <exception>
+
+namespace {
+
+constexpr std::int32_t oldestSystem = 0x1040; // 10.4.0
+// A file full of lines that would be lost must not grow the notice beyond the window.
+constexpr std::size_t namedLossesLimit = 12;
+
+std::string lossText(SMBLoss loss) {
+    switch (loss) {
+    case SMBLoss::Continuation:
+        return NSLocalizedString("ends in a backslash");
+    case SMBLoss::NoValue:
+        return NSLocalizedString("has no name or no value");
+    case SMBLoss::BrokenHeader:
+        return NSLocalizedString("is a broken section header");
+    case SMBLoss::OutsideSection:
+        return NSLocalizedString("stands outside a section");
+    }
+    return {};
+}
+
+} // namespace
+
+void BRController::applicationDidFinishLaunching() {
+    startUp();
+}
+
+bool BRController::applicationShouldTerminateAfterLastWindowClosed() {
+    return true;
+}
+
+void BRController::applicationWillTerminate() {
+    // No longer observing, the controller is not told that the authorization ends with the application.
+    NSNotificationCenter::defaultCenter().removeObserver(this);
+    NiutilTask::sharedInstance().deauthenticate();
+}
+
+void BRController::startUp() {
+    afsProps = NSMutableDictionary::dictionaryWithContentsOfFile(
+        "/Library/Preferences/com.apple.AppleFileServer.plist");
+    mainBundle = &NSBundle::mainBundle();
+    if (!checkSystemVersion()) {
+        return;
+    }
+    version->setStringValue(mainBundle->objectForInfoDictionaryKey("CFBundleVersion"));
+    unlock = NSImage::imageWithContentsOfFile(mainBundle->resourcePath() + "/unlock.tiff");
+    lock = NSImage::imageWithContentsOfFile(mainBundle->resourcePath() + "/lock.tiff");
+    installFormatters();
+
+    NiutilTask& task = NiutilTask::sharedInstance();
+    showLockState(task.isAuthenticated());
+    NSNotificationCenter& center = NSNotificationCenter::defaultCenter();
+    center.addObserver(
+        this, [this](const NSNotification& notification) { userAuthenticated(notification); },
+        NiutilAuthenticatedNotification, &task);
+    center.addObserver(
+        this, [this](const NSNotification& notification) { userDeauthenticated(notification); },
+        NiutilDeauthenticatedNotification, &task);
+
+    fillTables();
+    guarded([this] { parseAFSProperties(); }, bugMessage(FailedStep::AFPSettings));
+    guarded([this] { refreshSMBProperties(nullptr); }, bugMessage(FailedStep::SMBSettings));
+    remindOfDonation();
+}
+
+bool BRController::checkSystemVersion() {
+    std::int32_t system = 0;
+    if (Gestalt(gestaltSystemVersion, &system) != 0 || system >= oldestSystem) {
+        return true;
+    }
+    const int answer = NSRunAlertPanel(
+        NSLocalizedString("Incorrect Mac OS X Version"),
+        NSLocalizedString(
+            "Version %@ of Brindle is only compatible with Mac OS X 10.4 and later.  Please visit "
+            "%@ to download a version of Brindle compatible with your version of Mac OS X."),
+        NSLocalizedString("Go to Webpage and Quit Brindle"), NSLocalizedString("Quit Brindle"), std::nullopt,
+        mainBundle->objectForInfoDictionaryKey("CFBundleVersion"),
+        mainBundle->objectForInfoDictionaryKey("BRHomePage"));
+    if (answer == NSAlertDefaultReturn) {
+        goToWebpage(nullptr);
+    }
+    NSApp().terminate();
+    return false;
+}
+
+void BRController::installFormatters() {
+    intFormatter = std::make_shared<KWIntegerFormatter>();
+    intFormatter->setFormat("##0");
+    for (NSTextField* field : {uid, gid, tcpPort, idleDisconnectTime}) {
+        field->setFormatter(intFormatter);
+    }
+    smbFormatter = std::make_shared<KWSMBFormatter>();
+    for (NSTextField* field : {smbNetBiosName, smbWorkGroup}) {
+        field->setFormatter(smbFormatter);
+    }
+}
+
+void BRController::fillTables() {
+    updateUsersGroupsList(nullptr);
+    updateGroupsList(nullptr);
+
+    smbConf = std::make_unique<SMBConf>();
+    showSMBConfNotice();
+    currentShares_.clear();
+    guarded([this] { parseCurrentShares(); }, bugMessage(FailedStep::Shares));
+    checkSharesFor10pt2();
+    normalTableView->reloadData();
+    updateShareTextFields(nullptr);
+
+    userShares.clear();
+    guarded([this] { parseUserShares(); }, bugMessage(FailedStep::Users));
+    userTableView->reloadData();
+    updateUserTextFields(nullptr);
+
+    groupShares.clear();
+    guarded([this] { parseGroupShares(); }, bugMessage(FailedStep::Groups));
+    groupTableView->reloadData();
+    updateGroupTextFields(nullptr);
+
+    groupUserShares.clear();
+    guarded([this] { parseGroupUserShares(); }, bugMessage(FailedStep::Users));
+    groupUsersTableView->reloadData();
+}
+
+void BRController::guarded(const std::function<void()>& step, const std::string& message) {
+    try {
+        step();
+    } catch (const std::exception&) {
+        NSLog("%@", message);
+    }
+}
+
+std::string BRController::bugMessage(FailedStep step) {
+    const auto key = [step] {
+        switch (step) {
+        case FailedStep::Shares:
+            return "If you are seeing this message a bug has occured.  Please run the following command in "
+                   "the "
+                   "terminal and email the results to %@.\nnireport . /config/Brindle name directory_path";
+        case FailedStep::Users:
+            return "If you are seeing this message a bug has occured.  Please run the following command in "
+                   "the "
+                   "terminal and email the results to %@.\nnireport . /users name uid sharedDir";
+        case FailedStep::Groups:
+            return "If you are seeing this message a bug has occured.  Please run the following command in "
+                   "the "
+                   "terminal and email the results to %@.\nnireport . /groups gid name users";
+        case FailedStep::AFPSettings:
+            return "If you are seeing this message a bug has occured.  Please run the following command in "
+                   "the "
+                   "terminal and email the results to %@.\nniutil -read . /config/AppleFileServer";
+        case FailedStep::SMBSettings:
+            return "If you are seeing this message a bug has occured.  Please email a copy of your smb.conf "
+                   "file "
+                   "located in the /etc/ directory to %@ along with a description of the error.";
+        }
+        return "";
+    }();
+    return stringWithFormat(NSLocalizedString(key),
+                            NSBundle::mainBundle().objectForInfoDictionaryKey("BRSupportAddress"));
+}
+
+void BRController::showSMBConfNotice() {
+    const std::vector<SMBLossNotice>& losses = smbConf->lossNotices();
+    if (losses.empty()) {
+        smbConfNotice->setStringValue("");
+        return;
+    }
+    std::string lines;
+    for (std::size_t i = 0; i < losses.size() && i < namedLossesLimit; ++i) {
+        lines += i == 0 ? "" : ", ";
+        lines += stringWithFormat(NSLocalizedString("line %d %@"), losses[i].line, lossText(losses[i].loss));
+    }
+    if (losses.size() > namedLossesLimit) {
+        lines += stringWithFormat(NSLocalizedString(", and %d more"), losses.size() - namedLossesLimit);
+    }
+    smbConfNotice->setStringValue(stringWithFormat(
+        NSLocalizedString(
+            "Saving will not keep all of /etc/smb.conf: %@.  The file as it is will stay beside it as "
+            "smb.conf.previous."),
+        lines));
+}
+
+void BRController::showLockState(bool authenticated) {
+    lockButton->setImage(authenticated ? unlock : lock);
+    authLabel->setStringValue(
+        NSLocalizedString(authenticated ? "Click to disallow changes" : "Click to allow changes"));
+}
+
+void BRController::userAuthenticated(const NSNotification& /*notification*/) {
+    showLockState(true);
+}
+
+void BRController::userDeauthenticated(const NSNotification& /*notification*/) {
+    showLockState(false);
+}
+
+void BRController::toggleAuthorization(NSControl* /*sender*/) {
+    NiutilTask& task = NiutilTask::sharedInstance();
+    if (task.isAuthenticated()) {
+        task.deauthenticate();
+    } else {
+        task.authenticate();
+    }
+}
+
+void BRController::toggleDrawer(NSControl* sender) {
+    updateCreateShareButton(sender);
+    drawer->toggle();
+}
+
+void BRController::tabViewDidSelectTabViewItem(NSTabView* /*tabView*/, int index) {
+    // The drawer edits shares, which only the first page shows.
+    if (index != 0) {
+        drawer->close();
+    }
+}
+
+void BRController::controlDidFailToValidatePartialString(NSTextField* /*control*/,
+                                                         const std::string& /*partial*/,
+                                                         const std::string& /*errorDescription*/) {
+    NSBeep();
+}
+
+void BRController::showAboutBox(NSControl* sender) {
+    AboutBox::sharedInstance().showPanel(sender);
+}
