@@ -1,0 +1,195 @@
+// The whole of Brindle on a temporary root: the program itself driven by scripts, its helper, the directory's
+// tools, and a real smbd on a loopback port with smbclient as the person at the other end.
+
+#include "EmbeddedRoot.h"
+#include "EmbeddedServer.h"
+#include "Subprocess.h"
+#include "TestHost.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <map>
+#include <sstream>
+
+#include <netinet/in.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+namespace {
+
+namespace fs = std::filesystem;
+
+int freePort() {
+    const int socket = ::socket(AF_INET, SOCK_STREAM, 0);
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    socklen_t size = sizeof address;
+    EXPECT_EQ(bind(socket, reinterpret_cast<sockaddr*>(&address), size), 0);
+    EXPECT_EQ(getsockname(socket, reinterpret_cast<sockaddr*>(&address), &size), 0);
+    close(socket);
+    return ntohs(address.sin_port);
+}
+
+bool contains(const std::string& text, const std::string& part) {
+    return text.find(part) != std::string::npos;
+}
+
+/// One computer of its own: a root with a share folder in it, and its SMB server.
+class EndToEnd : public testing::Test {
+  protected:
+    void SetUp() override {
+        if (access("/usr/sbin/smbd", X_OK) != 0) {
+            GTEST_SKIP() << "no smbd on this machine: install samba, smbclient and libnss-wrapper";
+        }
+        // A guest must be able to walk to the folder.
+        fs::permissions(test_.root(), fs::perms(0755));
+        fs::create_directories(folder());
+        fs::permissions(folder(), fs::perms(0700));
+        root_.makeIfMissing();
+        ASSERT_EQ(server_.start(port_), "");
+    }
+
+    [[nodiscard]] fs::path computer() const { return test_.root() / "computer"; }
+
+    [[nodiscard]] fs::path folder() const { return test_.root() / "Documents"; }
+
+    [[nodiscard]] fs::path configuration() const { return computer() / "etc/smb.conf"; }
+
+    [[nodiscard]] std::vector<std::string> environment() const {
+        return {"HOME=" + test_.home().string(), "XDG_CONFIG_HOME=" + (test_.home() / ".config").string(),
+                "LC_ALL=C"};
+    }
+
+    /// Runs a script to its end and answers what it printed.
+    std::string script(const std::string& commands) {
+        const Finished finished =
+            runProgram({BRINDLE_PROGRAMS "/brindle", "--root", computer(), "--script", "-"},
+                       "answer Donation Cancel\nstart\n" + commands, environment());
+        EXPECT_EQ(finished.status, 0) << finished.output << finished.errors;
+        return finished.output;
+    }
+
+    Finished tool(std::vector<std::string> words) {
+        words[0] = BRINDLE_PROGRAMS "/" + words[0];
+        words.insert(words.begin() + 1, {"--root", computer()});
+        return runProgram(words, {}, environment());
+    }
+
+    [[nodiscard]] std::vector<std::string> client(const std::string& share,
+                                                  const std::vector<std::string>& words) const {
+        std::vector<std::string> command{"smbclient", "-p", std::to_string(port_), "//127.0.0.1/" + share};
+        command.insert(command.end(), words.begin(), words.end());
+        return command;
+    }
+
+    /// What smbclient says to `commands` as `user` ("NAME%PASSWORD"), or as nobody at all.
+    std::string smb(const std::string& share, const std::string& user, const std::string& commands) {
+        const std::vector<std::string> who =
+            user.empty() ? std::vector<std::string>{"-N"} : std::vector<std::string>{"-U", user};
+        std::vector<std::string> words = who;
+        words.insert(words.end(), {"-c", commands});
+        const Finished finished = runProgram(client(share, words));
+        return finished.output + finished.errors;
+    }
+
+    [[nodiscard]] std::string createDocs(bool guestAccess) const {
+        return "choose " + folder().string() + "\nsend selectDirectory:\ntype shareName Docs\n" +
+               "select ownerPrivs 0\nselect groupPrivs 0\nselect everyonePrivs 0\nselect sharingAFS 1\n" +
+               "select sharingSMB 1\ncheck guestAccessButton " + (guestAccess ? "on" : "off") +
+               "\npress createNewShare\n";
+    }
+
+    TestHost test_;
+    platform::EmbeddedRoot root_{computer().string()};
+    platform::EmbeddedServer server_{root_};
+    int port_ = freePort();
+};
+
+/// The parameters of each section as testparm lists them.
+std::map<std::string, std::string> sections(const std::string& listing) {
+    std::map<std::string, std::string> answer;
+    std::istringstream lines(listing);
+    std::string line;
+    std::string name;
+    while (std::getline(lines, line)) {
+        if (line.starts_with("[")) {
+            name = line;
+        } else {
+            answer[name] += line + "\n";
+        }
+    }
+    return answer;
+}
+
+} // namespace
+
+TEST_F(EndToEnd, AShareMadeInTheEditorReachesAnOpenConnectionAndIsGoneAfterItsDeletion) {
+    const pid_t process = server_.processId();
+    // A new connection reads the file anyway: only one that is open already shows that the server was told.
+    Conversation session(client("IPC$", {"-N"}));
+    const auto connect = [&] { return session.ask("tcon Docs", "!echo done", "done"); };
+    EXPECT_TRUE(contains(connect(), "NT_STATUS_BAD_NETWORK_NAME"));
+
+    const std::string printed = script(createDocs(true));
+    EXPECT_TRUE(contains(printed, "run /bin/kill -1 ")) << printed;
+    EXPECT_TRUE(contains(connect(), "successful"));
+    EXPECT_EQ(fs::status(folder()).permissions(), fs::perms(0777));
+
+    const fs::path letter = test_.root() / "letter";
+    std::ofstream(letter) << "Dear Ada";
+    EXPECT_FALSE(contains(
+        smb("Docs", "", "put " + letter.string() + " letter; get letter " + letter.string() + ".back"),
+        "NT_STATUS"));
+    std::ifstream back(letter.string() + ".back");
+    EXPECT_EQ(std::string(std::istreambuf_iterator<char>(back), {}), "Dear Ada");
+
+    script("rows normalTableView 0\npress deleteButton\n");
+    EXPECT_TRUE(contains(connect(), "NT_STATUS_BAD_NETWORK_NAME"));
+    EXPECT_EQ(tool({"nireport", ".", "/config/Brindle", "name"}).output, "");
+    EXPECT_EQ(server_.processId(), process);
+    EXPECT_EQ(kill(process, 0), 0);
+}
+
+TEST_F(EndToEnd, OnlyAUserMadeInTheUsersTabGetsInWithGuestAccessOff) {
+    script(createDocs(false) + "answer \"Confirm Add New File Sharing Only User\" Yes\n"
+                               "type fullName \"Alice A\"\ntype shortName alice\ntype uid 7201\n"
+                               "select groupPopUp users\npress addNewUserButton\n"
+                               "type passwordSecureText1 Wonderland1\ntype passwordSecureText2 Wonderland1\n"
+                               "send setPassword:\n");
+    const fs::path letter = test_.root() / "letter";
+    std::ofstream(letter) << "Dear Ada";
+    const std::string put = "put " + letter.string() + " letter";
+    EXPECT_FALSE(contains(smb("Docs", "alice%Wonderland1", put), "NT_STATUS"));
+    EXPECT_TRUE(contains(smb("Docs", "alice%wrong", put), "NT_STATUS_LOGON_FAILURE"));
+    EXPECT_TRUE(contains(smb("Docs", "", put), "NT_STATUS_ACCESS_DENIED"));
+
+    const std::string rows = script("show userTableView\n");
+    const std::size_t alice = rows.find(" User=\"alice\"");
+    ASSERT_NE(alice, std::string::npos) << rows;
+    const std::string row = rows.substr(rows.rfind('\n', alice) + 1, alice - rows.rfind('\n', alice) - 1);
+    script("answer \"Confirm Delete Selected User\" Yes\nrows userTableView " + row +
+           "\npress deleteUserButton\n");
+    // An account that no longer exists becomes the guest, whom this share does not let in.
+    EXPECT_TRUE(contains(smb("Docs", "alice%Wonderland1", put), "NT_STATUS_ACCESS_DENIED"));
+}
+
+TEST_F(EndToEnd, SambaKnowsEveryParameterWrittenAndFindsTheOtherSectionsUnchanged) {
+    std::ofstream(configuration(), std::ios::app)
+        << "\n# kept by hand\n[Music]\n   path = /srv/music\n"
+           "   comment = All of it\n\tveto files = /*.tmp/\n\n[printers]\npath=/var/tmp\n"
+           "printable = yes\n";
+    const std::vector<std::string> testparm{"testparm", "-s", configuration().string()};
+    const auto before = sections(runProgram(testparm).output);
+    script(createDocs(true));
+    const Finished after = runProgram(testparm);
+    EXPECT_FALSE(contains(after.errors, "nknown parameter")) << after.errors;
+    auto listed = sections(after.output);
+    EXPECT_TRUE(contains(listed["[Docs]"], "guest ok = Yes"));
+    listed.erase("[Docs]");
+    EXPECT_EQ(listed, before);
+    EXPECT_TRUE(fs::exists(configuration().string() + ".before-brindle"));
+}

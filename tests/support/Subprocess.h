@@ -1,0 +1,37 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include <sys/types.h>
+
+/// What a finished program wrote and how it ended.
+struct Finished {
+    std::string output; ///< standard output
+    std::string errors; ///< standard error
+    int status = -1;    ///< exit status, or 128 + the signal
+};
+
+/// Runs a program to its end with `input` as its standard input. `environment` ("NAME=VALUE") is added to
+/// this process's.
+[[nodiscard]] Finished runProgram(const std::vector<std::string>& command, const std::string& input = {},
+                                  const std::vector<std::string>& environment = {});
+
+/// A program that is talked to line by line. The destructor closes its input and waits for it.
+class Conversation {
+  public:
+    explicit Conversation(const std::vector<std::string>& command);
+    ~Conversation();
+    Conversation(const Conversation&) = delete;
+    Conversation& operator=(const Conversation&) = delete;
+
+    /// Sends a line, then `marker` (a line that makes the program print `mark`), and answers what came up to
+    /// `mark`.
+    [[nodiscard]] std::string ask(const std::string& line, const std::string& marker,
+                                  const std::string& mark);
+
+  private:
+    pid_t process_ = 0;
+    int input_ = -1;
+    int output_ = -1;
+};
