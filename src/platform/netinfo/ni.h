@@ -2,22 +2,28 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 #include <vector>
 
-// The directory client, read only: a domain of named records in a tree, each with an ordered list of named properties, each with an
-// ordered list of values. Texts are bytes. Not thread-safe; a domain is used on the thread that opened it.
+// The directory client, read only: a domain of named records in a tree, each with an ordered list of named
+// properties, each with an ordered list of values. Texts are bytes. Not thread-safe; a domain is used on the
+// thread that opened it.
+//
+// A domain shows the directory as it was when it was first read, until ni_free: what is listed first and read
+// later belongs together. Nothing is ever written, neither to the store nor beside it: a store that may not
+// be written serves as well, and where a writer was killed in the middle, a private copy is put in order and
+// read instead.
 
 using ni_status = std::int32_t;
 
 inline constexpr ni_status NI_OK = 0;
-inline constexpr ni_status NI_BADID = 1;      ///< no record with that id
-inline constexpr ni_status NI_STALE = 2;
-inline constexpr ni_status NI_NODIR = 4;      ///< no directory at that path
-inline constexpr ni_status NI_NOPROP = 5;     ///< the record has no such property
-inline constexpr ni_status NI_NORESPONSE = 1004;
-inline constexpr ni_status NI_SYSTEMERR = 9;
-inline constexpr ni_status NI_CANTOPEN = 1006;
-inline constexpr ni_status NI_FAILED = 9999;
+inline constexpr ni_status NI_BADID = 1;         ///< no record with that id
+inline constexpr ni_status NI_NODIR = 4;         ///< no directory at that path
+inline constexpr ni_status NI_NOPROP = 5;        ///< the record has no such property
+inline constexpr ni_status NI_SYSTEMERR = 9;     ///< the store cannot be read, or is damaged
+inline constexpr ni_status NI_NORESPONSE = 1004; ///< writers held the store for longer than the timeout
+inline constexpr ni_status NI_CANTOPEN = 1006;   ///< there is no store, it is none, or it may not be read
+inline constexpr ni_status NI_FAILED = 9999;     ///< a call that makes no sense
 
 /// A record's object number, with the instance that the client last saw.
 struct ni_id {
@@ -29,29 +35,39 @@ struct ni_idlist {
     std::vector<std::uint32_t> niil_val;
 };
 
+/// Texts that belong to the domain which listed them, and live until its ni_free.
 struct ni_namelist {
-    std::vector<std::string> ninl_val;
+    std::vector<std::string_view> ninl_val;
 };
 
 /// A connection; made by ni_open, closed by ni_free.
 struct ni_domain;
 
-/// Opens a connection to the local domain: `relative` must be null and `name` ".".
+/// Opens a connection to the current host's local domain: `relative` must be null and `name` ".".
 [[nodiscard]] ni_status ni_open(ni_domain* relative, const char* name, ni_domain** domain);
-/// 1: calls fail with a status when the store does not answer in time, instead of trying for ever.
+/// Opens a connection to the domain whose store is `file`. Needs no host.
+[[nodiscard]] ni_status ni_openfile(const std::string& file, ni_domain** domain);
+/// 1: calls fail with a status when the store does not answer in time; 0 (as after opening): they try for
+/// ever.
 void ni_setabort(ni_domain* domain, int abort);
-/// In seconds.
+/// In seconds. 0 does not wait at all.
 void ni_setreadtimeout(ni_domain* domain, int seconds);
+/// Taken for the connection's sake; this client never writes.
 void ni_setwritetimeout(ni_domain* domain, int seconds);
 [[nodiscard]] ni_status ni_root(ni_domain* domain, ni_id* id);
-/// Follows a slash-separated path from `*id` and puts the record found into `*id`; on failure it stays as it was.
+/// Follows a slash-separated path from `*id` and puts the record found into `*id`; on failure it stays as it
+/// was. Empty components are passed over.
 [[nodiscard]] ni_status ni_pathsearch(ni_domain* domain, ni_id* id, const char* path);
 /// The children's object numbers, in the order in which they were made.
 [[nodiscard]] ni_status ni_children(ni_domain* domain, ni_id* id, ni_idlist* children);
+/// The children that have `value` among the values of `property`, in the order in which they were made.
+[[nodiscard]] ni_status ni_lookup(ni_domain* domain, ni_id* id, std::string_view property,
+                                  std::string_view value, ni_idlist* children);
 /// The names of the record's properties, in the record's order.
 [[nodiscard]] ni_status ni_listprops(ni_domain* domain, ni_id* id, ni_namelist* properties);
 /// The values of the record's first property of that name, in stored order.
-[[nodiscard]] ni_status ni_lookupprop(ni_domain* domain, ni_id* id, const std::string& property, ni_namelist* values);
+[[nodiscard]] ni_status ni_lookupprop(ni_domain* domain, ni_id* id, std::string_view property,
+                                      ni_namelist* values);
 void ni_namelist_free(ni_namelist* list);
 void ni_idlist_free(ni_idlist* list);
 void ni_free(ni_domain* domain);

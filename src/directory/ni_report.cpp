@@ -1,0 +1,98 @@
+#include "ni_report.h"
+
+#include "NSLog.h"
+
+#include <algorithm>
+#include <memory>
+
+namespace {
+
+constexpr std::string_view noValue = "#NoValue#";
+constexpr int timeoutSeconds = 30;
+
+struct CloseDomain {
+    void operator()(ni_domain* domain) const { ni_free(domain); }
+};
+
+/// The field of one requested property, without its tab.
+void appendField(ni_domain* domain, ni_id& id, const ni_namelist& names, const std::string& wanted,
+                 ni_namelist& values, std::string& line) {
+    const auto name = std::ranges::find(names.ninl_val, wanted);
+    if (name != names.ninl_val.end()) {
+        if (const ni_status status = ni_lookupprop(domain, &id, *name, &values); status != NI_OK) {
+            errexit("ni_lookupprop", status);
+        }
+    }
+    if (values.ninl_val.empty()) {
+        line += noValue;
+        return;
+    }
+    for (bool first = true; const auto& value : values.ninl_val) {
+        if (!first) {
+            line += ',';
+        }
+        first = false;
+        line += value;
+    }
+    ni_namelist_free(&values);
+}
+
+} // namespace
+
+void errexit(const char* label, ni_status status) {
+    NSLog("%s: %s\n", label, ni_error(status));
+}
+
+int ni_report_dir(ni_domain* domain, ni_id id, std::span<const std::string> properties,
+                  std::vector<std::string>& output) {
+    std::string line;
+    ni_namelist names;
+    ni_namelist values;
+    if (const ni_status status = ni_listprops(domain, &id, &names); status != NI_OK) {
+        errexit("ni_listprops", status);
+    }
+    for (const auto& property : properties) {
+        appendField(domain, id, names, property, values, line);
+        line += '\t';
+    }
+    line += '\n';
+    output.push_back(std::move(line));
+    ni_namelist_free(&names);
+    return NI_OK;
+}
+
+int ni_report(ni_domain* domain, ni_id id, std::span<const std::string> properties,
+              std::vector<std::string>& output) {
+    ni_idlist children;
+    if (const ni_status status = ni_children(domain, &id, &children); status != NI_OK) {
+        errexit("ni_children", status);
+    }
+    for (const std::uint32_t child : children.niil_val) {
+        ni_report_dir(domain, {child, 0}, properties, output);
+    }
+    ni_idlist_free(&children);
+    return NI_OK;
+}
+
+int ni_report_local(const std::string& path, std::span<const std::string> properties,
+                    std::vector<std::string>& output) {
+    ni_domain* opened = nullptr;
+    if (const ni_status status = ni_open(nullptr, ".", &opened); status != NI_OK) {
+        NSLog("Can't connect to local NetInfo server\n");
+        return status;
+    }
+    const std::unique_ptr<ni_domain, CloseDomain> domain(opened);
+    ni_setabort(domain.get(), 1);
+    ni_setreadtimeout(domain.get(), timeoutSeconds);
+    ni_setwritetimeout(domain.get(), timeoutSeconds);
+    ni_id id;
+    if (const ni_status status = ni_root(domain.get(), &id); status != NI_OK) {
+        NSLog("Can't connect to local NetInfo server\n");
+        return status;
+    }
+    if (const ni_status status = ni_pathsearch(domain.get(), &id, path.c_str()); status != NI_OK) {
+        NSLog("Error opening %s", path);
+        return status;
+    }
+    return ni_report(domain.get(), id, properties, output);
+}

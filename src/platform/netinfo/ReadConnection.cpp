@@ -1,0 +1,185 @@
+#include "ReadConnection.h"
+
+#include <chrono>
+#include <filesystem>
+#include <fstream>
+#include <thread>
+#include <vector>
+
+#include <cstdlib>
+
+namespace platform {
+
+namespace {
+
+double steadySeconds() {
+    return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch()).count();
+}
+
+/// A folder of this user's own for a copy that no other program knows; removed with all in it.
+class PrivateFolder {
+  public:
+    PrivateFolder() {
+        std::error_code error;
+        std::string pattern =
+            (std::filesystem::temp_directory_path(error) / "brindle-recovery-XXXXXX").string();
+        if (!error && ::mkdtemp(pattern.data()) != nullptr) {
+            path_ = pattern;
+        }
+    }
+
+    ~PrivateFolder() {
+        if (!path_.empty()) {
+            std::error_code
+                ignored; // nothing depends on it, and the system's temporary folder is swept anyway
+            std::filesystem::remove_all(path_, ignored);
+        }
+    }
+
+    PrivateFolder(const PrivateFolder&) = delete;
+    PrivateFolder& operator=(const PrivateFolder&) = delete;
+
+    [[nodiscard]] const std::filesystem::path& path() const { return path_; }
+
+  private:
+    std::filesystem::path path_;
+};
+
+/// Copies an open store through SQLite's own descriptor: opening and closing another one would give up the
+/// locks that this process holds on the file.
+int copyStore(sqlite3_file* from, const std::filesystem::path& to) {
+    sqlite3_int64 left = 0;
+    if (const int error = from->pMethods->xFileSize(from, &left); error != SQLITE_OK) {
+        return error;
+    }
+    std::ofstream out(to, std::ios::binary);
+    std::vector<char> buffer(1 << 20);
+    for (sqlite3_int64 offset = 0; left > 0;) {
+        const int size = static_cast<int>(std::min<sqlite3_int64>(left, std::ssize(buffer)));
+        if (const int error = from->pMethods->xRead(from, buffer.data(), size, offset); error != SQLITE_OK) {
+            return error;
+        }
+        out.write(buffer.data(), size);
+        offset += size;
+        left -= size;
+    }
+    out.close();
+    return out ? SQLITE_OK : SQLITE_FULL;
+}
+
+int copyJournal(const std::string& from, const std::filesystem::path& to) {
+    std::ifstream in(from, std::ios::binary);
+    if (!in) {
+        return SQLITE_CANTOPEN;
+    }
+    std::ofstream out(to, std::ios::binary);
+    out << in.rdbuf();
+    out.close();
+    return out ? SQLITE_OK : SQLITE_FULL;
+}
+
+/// Copies the store and its journal while a shared lock keeps every writer from putting the store itself in
+/// order.
+int copyUnderLock(sqlite3* database, const std::string& file, const std::filesystem::path& folder) {
+    sqlite3_file* handle = nullptr;
+    if (sqlite3_file_control(database, "main", SQLITE_FCNTL_FILE_POINTER, &handle) != SQLITE_OK ||
+        handle == nullptr || handle->pMethods == nullptr) {
+        return SQLITE_CANTOPEN;
+    }
+    if (const int error = handle->pMethods->xLock(handle, SQLITE_LOCK_SHARED); error != SQLITE_OK) {
+        return error;
+    }
+    int answer = copyJournal(file + "-journal", folder / "copy.db-journal");
+    if (answer == SQLITE_OK) {
+        answer = copyStore(handle, folder / "copy.db");
+    }
+    handle->pMethods->xUnlock(handle, SQLITE_LOCK_NONE);
+    return answer;
+}
+
+} // namespace
+
+int ReadConnection::open(const std::string& file) {
+    file_ = file;
+    begun_ = false;
+    sqlite3* opened = nullptr;
+    const int error =
+        sqlite3_open_v2(file.c_str(), &opened, SQLITE_OPEN_READONLY | SQLITE_OPEN_PRIVATECACHE, nullptr);
+    database_.reset(opened);
+    return error;
+}
+
+int ReadConnection::waitForWriter(void* connection, int tries) {
+    auto& self = *static_cast<ReadConnection*>(connection);
+    const double now = steadySeconds();
+    if (tries == 0) {
+        self.waitingSince_ = now;
+    }
+    if (self.waitSeconds && now - self.waitingSince_ >= *self.waitSeconds) {
+        return 0;
+    }
+    std::this_thread::sleep_for(std::chrono::milliseconds(tries < 10 ? 2 : 20));
+    return 1;
+}
+
+void ReadConnection::setWaiting() {
+    sqlite3_busy_handler(database_.get(), &waitForWriter, this);
+}
+
+int ReadConnection::beginHere() {
+    setWaiting();
+    if (sqlite3_get_autocommit(database_.get()) != 0) {
+        if (const int error = sqlite3_exec(database_.get(), "BEGIN", nullptr, nullptr, nullptr);
+            error != SQLITE_OK) {
+            return error;
+        }
+    }
+    SqliteStatement application(database_.get(), "PRAGMA application_id"); // the first read takes the lock
+    if (!application.step()) {
+        return application.error();
+    }
+    if (application.number(0) != storeApplicationId) {
+        return SQLITE_NOTADB;
+    }
+    SqliteStatement version(database_.get(), "PRAGMA user_version");
+    return version.step() && version.number(0) == storeVersion ? SQLITE_OK : SQLITE_NOTADB;
+}
+
+int ReadConnection::begin() {
+    if (begun_) {
+        return SQLITE_OK;
+    }
+    int error = beginHere();
+    // A read-only connection that finds a killed writer's journal says that it would have to write.
+    // Between that answer and the copy another writer may have put the store in order: the copy then finds no
+    // journal.
+    for (int tries = 0; tries < 5 && (error & 0xff) == SQLITE_READONLY; ++tries) {
+        error = recoverCopy();
+        if (error == SQLITE_CANTOPEN) {
+            const int reopened = open(file_);
+            error = reopened == SQLITE_OK ? beginHere() : reopened;
+        }
+    }
+    begun_ = error == SQLITE_OK;
+    return error;
+}
+
+int ReadConnection::recoverCopy() {
+    sqlite3_exec(database_.get(), "ROLLBACK", nullptr, nullptr, nullptr);
+    const PrivateFolder folder;
+    if (folder.path().empty()) {
+        return SQLITE_FULL;
+    }
+    if (const int error = copyUnderLock(database_.get(), file_, folder.path()); error != SQLITE_OK) {
+        return error;
+    }
+    sqlite3* opened = nullptr;
+    const std::string copy = (folder.path() / "copy.db").string();
+    const int error =
+        sqlite3_open_v2(copy.c_str(), &opened, SQLITE_OPEN_READWRITE | SQLITE_OPEN_PRIVATECACHE, nullptr);
+    database_.reset(opened);
+    // Reading undoes the changes in the copy; from then on the open descriptor is all that is needed.
+    return error == SQLITE_OK ? beginHere() : error;
+}
+
+} // namespace platform

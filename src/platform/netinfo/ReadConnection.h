@@ -1,0 +1,41 @@
+#pragma once
+
+#include "Sqlite.h"
+
+#include <optional>
+#include <string>
+
+namespace platform {
+
+/// A store opened for reading only, in one read transaction from begin() on. Belongs to an open domain.
+class ReadConnection {
+  public:
+    ReadConnection() = default;
+    ReadConnection(const ReadConnection&) = delete;
+    ReadConnection& operator=(const ReadConnection&) = delete;
+
+    /// SQLITE_OK, or why `file` cannot be opened. Nothing is read yet.
+    [[nodiscard]] int open(const std::string& file);
+    /// Begins the transaction, waiting for writers. Where a killed writer left its changes half done, the
+    /// connection becomes one to a copy in which they are undone, as the next writer would undo them in the
+    /// store itself. SQLITE_OK, or what failed; it can be tried again then.
+    [[nodiscard]] int begin();
+
+    [[nodiscard]] sqlite3* database() const { return database_.get(); }
+
+    /// How long calls wait for a writer, in seconds; none: for ever.
+    std::optional<int> waitSeconds;
+
+  private:
+    [[nodiscard]] int beginHere();
+    [[nodiscard]] int recoverCopy();
+    void setWaiting();
+    static int waitForWriter(void* connection, int tries);
+
+    std::string file_;
+    SqliteConnection database_;
+    bool begun_ = false;
+    double waitingSince_ = 0;
+};
+
+} // namespace platform

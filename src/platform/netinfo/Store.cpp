@@ -1,0 +1,236 @@
+#include "Store.h"
+
+#include "Sqlite.h"
+
+#include <filesystem>
+#include <map>
+#include <utility>
+
+namespace platform {
+
+struct Store::Connection {
+    SqliteConnection database;
+    /// Statements by their text: filling a directory runs the same few thousands of times.
+    std::map<std::string, std::unique_ptr<SqliteStatement>, std::less<>> statements;
+
+    SqliteStatement& statement(std::string_view sql) {
+        auto place = statements.find(sql);
+        if (place == statements.end()) {
+            place = statements.emplace(sql, std::make_unique<SqliteStatement>(database.get(), sql)).first;
+        }
+        place->second->reset();
+        return *place->second;
+    }
+
+    /// Runs a statement that answers no rows. SQLITE_OK, or what failed.
+    template <class... Values>
+    int run(std::string_view sql, const Values&... values) {
+        SqliteStatement& change = statement(sql);
+        int parameter = 0;
+        (change.bind(++parameter, values), ...);
+        while (change.step()) {
+        }
+        const int error = change.error();
+        change.reset();
+        return error;
+    }
+};
+
+namespace {
+
+/// SQLite answers a missing file and a forbidden one alike, and people need to know which it is.
+std::string reason(const std::string& file, int error) {
+    std::error_code ignored;
+    switch (error & 0xff) {
+    case SQLITE_BUSY:
+    case SQLITE_LOCKED:
+        return "another program has been using it for " + std::to_string(Store::waitSeconds) +
+               " seconds; try again when it has ended";
+    case SQLITE_NOTADB:
+    case SQLITE_CORRUPT:
+        return "it is damaged or no directory; restore it from a copy, or move it away to have a new one "
+               "made";
+    case SQLITE_FULL:
+        return "the disk is full; make room and try again";
+    case SQLITE_READONLY:
+    case SQLITE_PERM:
+        return "it may only be read; allow writing to it and its folder";
+    case SQLITE_CANTOPEN:
+        return std::filesystem::exists(file, ignored)
+                   ? "it cannot be opened; check who may read and write it and its folder"
+                   : "it does not exist; start brindle once to have it made";
+    default:
+        return std::string(sqlite3_errstr(error)) + "; check the disk that holds it";
+    }
+}
+
+} // namespace
+
+Store::Store(const std::string& file, Opening opening)
+    : file_(file), connection_(std::make_unique<Connection>()) {
+    open(opening);
+    sqlite3_busy_timeout(connection_->database.get(), waitSeconds * 1000);
+    execute("BEGIN IMMEDIATE");
+    if (opening == Opening::Create) {
+        create();
+        return;
+    }
+    SqliteStatement application(connection_->database.get(), "PRAGMA application_id");
+    SqliteStatement version(connection_->database.get(), "PRAGMA user_version");
+    if (!application.step() || application.number(0) != storeApplicationId || !version.step() ||
+        version.number(0) != storeVersion) {
+        fail(SQLITE_NOTADB);
+    }
+}
+
+Store::~Store() = default; // closing rolls back
+
+void Store::open(Opening opening) {
+    int flags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_PRIVATECACHE;
+    if (opening == Opening::Create) {
+        if (std::filesystem::exists(file_)) {
+            throw StoreError("cannot make the directory " + file_ + ": it exists; choose another file");
+        }
+        flags |= SQLITE_OPEN_CREATE;
+    }
+    sqlite3* opened = nullptr;
+    const int error = sqlite3_open_v2(file_.c_str(), &opened, flags, nullptr);
+    connection_->database.reset(opened);
+    check(error);
+    if (sqlite3_db_readonly(opened, "main") == 1) { // SQLite falls back to reading where writing is forbidden
+        fail(SQLITE_READONLY);
+    }
+}
+
+void Store::create() {
+    execute(("PRAGMA application_id = " + std::to_string(storeApplicationId)).c_str());
+    execute(("PRAGMA user_version = " + std::to_string(storeVersion)).c_str());
+    execute(storeSchema);
+}
+
+void Store::execute(const char* sql) {
+    check(sqlite3_exec(connection_->database.get(), sql, nullptr, nullptr, nullptr));
+}
+
+void Store::check(int error) const {
+    if (error != SQLITE_OK) {
+        fail(error);
+    }
+}
+
+void Store::fail(int error) const {
+    throw StoreError("cannot change the directory " + file_ + ": " + reason(file_, error));
+}
+
+std::optional<Store::Record> Store::child(Record parent, std::string_view name) {
+    SqliteStatement& row = connection_->statement("SELECT id FROM record WHERE parent = ?1 AND name = ?2");
+    if (row.bind(1, parent).bind(2, name).step()) {
+        return row.number(0);
+    }
+    check(row.error());
+    return std::nullopt;
+}
+
+std::optional<Store::Record> Store::find(std::span<const std::string> components) {
+    std::optional<Record> place = root;
+    for (const auto& component : components) {
+        place = child(*place, component);
+        if (!place) {
+            break;
+        }
+    }
+    return place;
+}
+
+RecordBlock Store::children(Record parent) {
+    int error = SQLITE_OK;
+    auto block = RecordBlock::children(connection_->database.get(), parent, &error);
+    check(error);
+    return block;
+}
+
+Store::Record Store::addRecord(Record parent, std::string_view name) {
+    check(connection_->run("INSERT INTO record (parent, name) VALUES (?1, ?2)", parent, name));
+    const Record record = sqlite3_last_insert_rowid(connection_->database.get());
+    const std::string value(name);
+    setValues(record, "name", std::span(&value, 1));
+    return record;
+}
+
+void Store::rename(Record record, std::string_view name) {
+    check(connection_->run("UPDATE record SET name = ?2 WHERE id = ?1", record, name));
+    const std::string value(name);
+    setValues(record, "name", std::span(&value, 1));
+}
+
+void Store::removeRecord(Record record) {
+    constexpr const char* below =
+        "WITH RECURSIVE below (id) AS (SELECT ?1 UNION ALL SELECT r.id FROM record r JOIN below "
+        "ON r.parent = below.id) ";
+    check(connection_->run(std::string(below) + "DELETE FROM value WHERE record IN below", record));
+    check(connection_->run(std::string(below) + "DELETE FROM property WHERE record IN below", record));
+    check(connection_->run(std::string(below) + "DELETE FROM record WHERE id IN below", record));
+}
+
+std::optional<std::int64_t> Store::position(Record record, std::string_view property) {
+    SqliteStatement& row = connection_->statement(
+        "SELECT position FROM property WHERE record = ?1 AND name = ?2 ORDER BY position LIMIT 1");
+    if (row.bind(1, record).bind(2, property).step()) {
+        return row.number(0);
+    }
+    check(row.error());
+    return std::nullopt;
+}
+
+std::optional<std::vector<std::string>> Store::values(Record record, std::string_view property) {
+    const auto place = position(record, property);
+    if (!place) {
+        return std::nullopt;
+    }
+    std::vector<std::string> answer;
+    SqliteStatement& rows = connection_->statement(
+        "SELECT value FROM value WHERE record = ?1 AND property = ?2 ORDER BY position");
+    rows.bind(1, record).bind(2, *place);
+    while (rows.step()) {
+        answer.emplace_back(rows.text(0));
+    }
+    check(rows.error());
+    return answer;
+}
+
+void Store::setValues(Record record, std::string_view property, std::span<const std::string> values) {
+    if (const auto place = position(record, property)) {
+        check(connection_->run("DELETE FROM value WHERE record = ?1 AND property = ?2", record, *place));
+    }
+    appendValues(record, property, values);
+}
+
+void Store::appendValues(Record record, std::string_view property, std::span<const std::string> values) {
+    auto place = position(record, property);
+    if (!place) {
+        check(
+            connection_->run("INSERT INTO property (record, position, name) "
+                             "SELECT ?1, coalesce(max(position) + 1, 0), ?2 FROM property WHERE record = ?1",
+                             record, property));
+        place = position(record, property);
+    }
+    for (const auto& value : values) {
+        check(connection_->run("INSERT INTO value (record, property, position, value) "
+                               "SELECT ?1, ?2, coalesce(max(position) + 1, 0), ?3 FROM value WHERE record = "
+                               "?1 AND property = ?2",
+                               record, place.value(), value));
+    }
+}
+
+void Store::removeProperty(Record record, std::string_view property) {
+    if (const auto place = position(record, property)) {
+        check(connection_->run("DELETE FROM value WHERE record = ?1 AND property = ?2", record, *place));
+        check(connection_->run("DELETE FROM property WHERE record = ?1 AND position = ?2", record, *place));
+    }
+}
+
+void Store::commit() {
+    execute("COMMIT");
+}
+
+} // namespace platform

@@ -1,0 +1,255 @@
+#include "ni.h"
+
+#include "Host.h"
+#include "LocalDomain.h"
+#include "ReadConnection.h"
+#include "RecordBlock.h"
+
+#include <array>
+#include <cstring>
+#include <deque>
+#include <limits>
+#include <memory>
+#include <utility>
+
+struct ni_domain {
+    platform::ReadConnection connection;
+    bool aborts = false;
+    int readTimeout = 30;
+    std::deque<platform::RecordBlock>
+        blocks;           ///< what was read ahead; views into it were handed out, so all of it stays
+    std::size_t last = 0; ///< the block that answered last
+
+    void applyTimeout() { connection.waitSeconds = aborts ? std::optional(readTimeout) : std::nullopt; }
+};
+
+namespace {
+
+ni_status statusOf(int sqliteError) {
+    switch (sqliteError & 0xff) {
+    case SQLITE_OK:
+        return NI_OK;
+    case SQLITE_BUSY:
+    case SQLITE_LOCKED:
+        return NI_NORESPONSE;
+    case SQLITE_CANTOPEN:
+    case SQLITE_PERM:
+    case SQLITE_NOTADB:
+        return NI_CANTOPEN;
+    default:
+        return NI_SYSTEMERR;
+    }
+}
+
+struct Found {
+    const platform::RecordBlock* block = nullptr;
+    const platform::RecordBlock::Record* record = nullptr;
+};
+
+Found findAmongRead(ni_domain& domain, std::uint32_t id) {
+    if (domain.last < domain.blocks.size()) {
+        if (const auto* record = domain.blocks[domain.last].find(id)) {
+            return {&domain.blocks[domain.last], record};
+        }
+    }
+    for (std::size_t index = 0; index < domain.blocks.size(); ++index) {
+        if (const auto* record = domain.blocks[index].find(id)) {
+            domain.last = index;
+            return {&domain.blocks[index], record};
+        }
+    }
+    return {};
+}
+
+ni_status findRecord(ni_domain& domain, std::uint32_t id, Found* found) {
+    *found = findAmongRead(domain, id);
+    if (found->record != nullptr) {
+        return NI_OK;
+    }
+    int error = domain.connection.begin();
+    if (error != SQLITE_OK) {
+        return statusOf(error);
+    }
+    auto block = platform::RecordBlock::single(domain.connection.database(), id, &error);
+    if (error != SQLITE_OK) {
+        return statusOf(error);
+    }
+    if (block.records().empty()) {
+        return NI_BADID;
+    }
+    domain.blocks.push_back(std::move(block));
+    domain.last = domain.blocks.size() - 1;
+    *found = {&domain.blocks.back(), &domain.blocks.back().records().front()};
+    return NI_OK;
+}
+
+bool recordExists(ni_domain& domain, std::uint32_t id, int* error) {
+    platform::SqliteStatement row(domain.connection.database(), "SELECT 1 FROM record WHERE id = ?1");
+    row.bind(1, std::int64_t{id});
+    const bool exists = row.step();
+    *error = row.error();
+    return exists;
+}
+
+} // namespace
+
+ni_status ni_open(ni_domain* relative, const char* name, ni_domain** domain) {
+    if (relative != nullptr || name == nullptr || std::strcmp(name, ".") != 0) {
+        return NI_FAILED;
+    }
+    return ni_openfile(platform::Host::current().localDomain().storeFile(), domain);
+}
+
+ni_status ni_openfile(const std::string& file, ni_domain** domain) {
+    auto opened = std::make_unique<ni_domain>();
+    const int error = opened->connection.open(file);
+    if (error == SQLITE_OK) {
+        *domain = opened.release();
+    }
+    return statusOf(error);
+}
+
+void ni_setabort(ni_domain* domain, int abort) {
+    domain->aborts = abort != 0;
+    domain->applyTimeout();
+}
+
+void ni_setreadtimeout(ni_domain* domain, int seconds) {
+    domain->readTimeout = seconds;
+    domain->applyTimeout();
+}
+
+void ni_setwritetimeout(ni_domain* /*domain*/, int /*seconds*/) {}
+
+ni_status ni_root(ni_domain* domain, ni_id* id) {
+    const int error = domain->connection.begin();
+    if (error == SQLITE_OK) {
+        *id = {};
+    }
+    return statusOf(error);
+}
+
+ni_status ni_pathsearch(ni_domain* domain, ni_id* id, const char* path) {
+    int error = domain->connection.begin();
+    if (error != SQLITE_OK) {
+        return statusOf(error);
+    }
+    if (!recordExists(*domain, id->nii_object, &error)) {
+        return error == SQLITE_OK ? NI_BADID : statusOf(error);
+    }
+    platform::SqliteStatement child(domain->connection.database(),
+                                    "SELECT id FROM record WHERE parent = ?1 AND name = ?2");
+    std::int64_t place = id->nii_object;
+    std::string_view rest = path;
+    while (!rest.empty()) {
+        const std::string_view name = rest.substr(0, rest.find('/'));
+        rest.remove_prefix(std::min(rest.size(), name.size() + 1));
+        if (name.empty()) {
+            continue;
+        }
+        child.reset();
+        if (!child.bind(1, place).bind(2, name).step()) {
+            return child.error() == SQLITE_OK ? NI_NODIR : statusOf(child.error());
+        }
+        place = child.number(0);
+    }
+    *id = {static_cast<std::uint32_t>(place), 0};
+    return NI_OK;
+}
+
+ni_status ni_children(ni_domain* domain, ni_id* id, ni_idlist* children) {
+    int error = domain->connection.begin();
+    if (error != SQLITE_OK) {
+        return statusOf(error);
+    }
+    auto block = platform::RecordBlock::children(domain->connection.database(), id->nii_object, &error);
+    if (error != SQLITE_OK) {
+        return statusOf(error);
+    }
+    if (block.records().empty()) {
+        const bool exists = recordExists(*domain, id->nii_object, &error);
+        return exists || error != SQLITE_OK ? statusOf(error) : NI_BADID;
+    }
+    children->niil_val.reserve(block.records().size());
+    for (const auto& record : block.records()) {
+        children->niil_val.push_back(static_cast<std::uint32_t>(record.id));
+    }
+    domain->blocks.push_back(std::move(block));
+    domain->last = domain->blocks.size() - 1;
+    return NI_OK;
+}
+
+ni_status ni_lookup(ni_domain* domain, ni_id* id, std::string_view property, std::string_view value,
+                    ni_idlist* children) {
+    if (const int error = domain->connection.begin(); error != SQLITE_OK) {
+        return statusOf(error);
+    }
+    platform::SqliteStatement rows(
+        domain->connection.database(),
+        "SELECT DISTINCT r.id FROM record r CROSS JOIN property p ON p.record = r.id AND "
+        "p.name = ?2 CROSS JOIN value v ON v.record = r.id AND v.property = p.position "
+        "AND v.value = ?3 WHERE r.parent = ?1 ORDER BY r.id");
+    rows.bind(1, std::int64_t{id->nii_object}).bind(2, property).bind(3, value);
+    while (rows.step()) {
+        children->niil_val.push_back(static_cast<std::uint32_t>(rows.number(0)));
+    }
+    return statusOf(rows.error());
+}
+
+ni_status ni_listprops(ni_domain* domain, ni_id* id, ni_namelist* properties) {
+    Found found;
+    if (const ni_status status = findRecord(*domain, id->nii_object, &found); status != NI_OK) {
+        return status;
+    }
+    const auto all = found.block->properties(*found.record);
+    properties->ninl_val.reserve(properties->ninl_val.size() + all.size());
+    for (const auto& property : all) {
+        properties->ninl_val.push_back(property.name);
+    }
+    return NI_OK;
+}
+
+ni_status ni_lookupprop(ni_domain* domain, ni_id* id, std::string_view property, ni_namelist* values) {
+    Found found;
+    if (const ni_status status = findRecord(*domain, id->nii_object, &found); status != NI_OK) {
+        return status;
+    }
+    const auto* stored = found.block->property(*found.record, property);
+    if (stored == nullptr) {
+        return NI_NOPROP;
+    }
+    const auto all = found.block->values(*stored);
+    values->ninl_val.insert(values->ninl_val.end(), all.begin(), all.end());
+    return NI_OK;
+}
+
+void ni_namelist_free(ni_namelist* list) {
+    list->ninl_val.clear();
+}
+
+void ni_idlist_free(ni_idlist* list) {
+    list->niil_val.clear();
+}
+
+void ni_free(ni_domain* domain) {
+    std::unique_ptr<ni_domain>(domain).reset();
+}
+
+const char* ni_error(ni_status status) {
+    constexpr std::array texts{
+        std::pair{NI_OK, "Operation succeeded"},
+        std::pair{NI_BADID, "No such record"},
+        std::pair{NI_NODIR, "No such directory"},
+        std::pair{NI_NOPROP, "No such property"},
+        std::pair{NI_SYSTEMERR, "The directory cannot be read"},
+        std::pair{NI_NORESPONSE, "No response from the directory"},
+        std::pair{NI_CANTOPEN, "The directory cannot be opened"},
+        std::pair{NI_FAILED, "Not a request that the directory can answer"},
+    };
+    for (const auto& [code, text] : texts) {
+        if (code == status) {
+            return text;
+        }
+    }
+    return "Unknown error";
+}
