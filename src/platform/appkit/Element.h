@@ -7,8 +7,8 @@
 
 namespace platform {
 
-/// Anything that an interface file makes and a front-end renders: controls, windows, tab views, drawers. A plain
-/// object with state and a signal; it knows no front-end. Owned by its Interface (or by a test).
+/// Anything that an interface file makes and a front-end renders: controls, windows, tab views, drawers. A
+/// plain object with state and a signal; it knows no front-end. Owned by its Interface (or by a test).
 class Element {
   public:
     Element() = default;
@@ -21,8 +21,8 @@ class Element {
 
     void setName(std::string name) { name_ = std::move(name); }
 
-    /// Something that a front-end shows has changed. Emitted once a setter, so a listener must be cheap: it marks
-    /// itself dirty and redraws later. Never means that a user did something.
+    /// Something that a front-end shows has changed. Emitted once a setter, so a listener must be cheap: it
+    /// marks itself dirty and redraws later. Never means that a user did something.
     Signal<> changed;
 
   protected:

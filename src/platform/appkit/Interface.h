@@ -15,7 +15,8 @@ namespace platform {
 /// One element of an interface file, in its place: what a front-end lays out.
 struct InterfaceNode {
     std::string kind; ///< the XML element's name ("tabView", "row", "label")
-    std::map<std::string, std::string, std::less<>> attributes; ///< texts that a user sees are localized already
+    std::map<std::string, std::string, std::less<>>
+        attributes; ///< texts that a user sees are localized already
     std::vector<std::unique_ptr<InterfaceNode>> children;
     std::unique_ptr<Element> element; ///< the model behind it; null for mere layout
     int line = 0;
@@ -30,14 +31,15 @@ class InterfaceError : public std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
-/// A loaded interface file: the tree of its windows and menus, and look-up by name and by operation. It owns the
-/// controls and, where the file made it, their owner.
+/// A loaded interface file: the tree of its windows and menus, and look-up by name and by operation. It owns
+/// the controls and, where the file made it, their owner.
 class Interface {
   public:
-    /// Loads `path` for `owner`, an object of the registered class that the file names, or for a new object of that class when
-    /// `owner` is null. Connects outlets, actions and delegates, then tells the presenter. Throws InterfaceError
-    /// for a file that cannot be read, is not well formed, or names an unknown element, attribute, outlet or
-    /// operation, an outlet of another kind, or a name twice; no outlet stays connected then.
+    /// Loads `path` for `owner`, an object of the registered class that the file names, or for a new object
+    /// of that class when `owner` is null. Connects outlets, actions and delegates, then tells the presenter.
+    /// Throws InterfaceError for a file that cannot be read, is not well formed, or names an unknown element,
+    /// attribute, outlet or operation, an outlet of another kind, or a name twice; no outlet stays connected
+    /// then.
     [[nodiscard]] static std::unique_ptr<Interface> load(const std::string& path, void* owner = nullptr);
     ~Interface();
 

@@ -4,7 +4,7 @@
 #include "Presenter.h"
 
 #include <functional>
-
+#include <memory>
 #include <optional>
 #include <string>
 
@@ -13,7 +13,8 @@ inline constexpr int NSAlertAlternateReturn = 0;
 inline constexpr int NSAlertOtherReturn = -1;
 
 namespace platform {
-[[nodiscard]] int runAlert(const std::string& title, const std::string& message, const std::string& defaultButton,
+[[nodiscard]] int runAlert(const std::string& title, const std::string& message,
+                           const std::string& defaultButton,
                            const std::optional<std::string>& alternateButton,
                            const std::optional<std::string>& otherButton);
 } // namespace platform
@@ -40,7 +41,8 @@ class NSOpenPanel {
 
     /// The chosen path, or none when the user cancelled.
     [[nodiscard]] std::optional<std::string> runModal();
-    [[nodiscard]] std::optional<std::string> runModalForDirectory(const std::string& directory, const std::string& file);
+    [[nodiscard]] std::optional<std::string> runModalForDirectory(const std::string& directory,
+                                                                  const std::string& file);
 
   private:
     platform::OpenPanelRequest request_;
@@ -62,5 +64,6 @@ class NSTimer {
     NSTimer& operator=(const NSTimer&) = delete;
 
   private:
-    platform::TimerId id_;
+    std::weak_ptr<platform::Presenter> presenter_; ///< the one that fires
+    platform::TimerId id_ = 0;
 };

@@ -1,7 +1,9 @@
 #pragma once
 
 #include <functional>
+#include <memory>
 #include <string>
+#include <vector>
 
 class NSWindow;
 
@@ -22,11 +24,13 @@ class NSApplication {
     /// Not owned; may be null.
     void setDelegate(NSApplicationDelegate* delegate) { delegate_ = delegate; }
 
+    [[nodiscard]] NSApplicationDelegate* delegate() const { return delegate_; }
+
     /// Tells the delegate that launching has finished. Once.
     void finishLaunching();
 
-    /// Ends the application: the delegate is told, windows go off screen, then the presenter is told. The second call does
-    /// nothing. The caller must return to the event loop, which ends.
+    /// Ends the application: the delegate is told, windows go off screen, then the presenter is told. The
+    /// second call does nothing. The caller must return to the event loop, which ends.
     void terminate();
 
     [[nodiscard]] bool isTerminated() const { return terminated_; }
@@ -38,16 +42,26 @@ class NSApplication {
     /// The main window was closed: terminates if the delegate says so.
     void mainWindowDidClose();
 
-    /// Shows `sheet` as a sheet of `window` (null: it stands alone) and returns at once; `didEnd` is called by
-    /// endSheet. Nothing when a sheet is up already.
+    /// Shows `sheet` as a sheet of `window` (null: it stands alone) and returns at once; `didEnd` is called
+    /// by endSheet. Nothing when a sheet is up already.
     void beginSheet(NSWindow* sheet, NSWindow* window, SheetDidEnd didEnd);
-    /// Ends the sheet's session: calls its `didEnd`, which takes it off the screen. Nothing when it is not up.
+    /// Ends the sheet's session: calls its `didEnd`, which takes it off the screen. Nothing when it is not
+    /// up.
     void endSheet(NSWindow* sheet, int returnCode);
 
     /// The sheet that is up, or null.
     [[nodiscard]] NSWindow* attachedSheet() const { return sheet_; }
 
-    /// Runs one event of a user. An exception that an action lets out is logged with its text, and the event is over.
+    /// The windows on screen in the order in which they came there; kept by NSWindow.
+    [[nodiscard]] const std::shared_ptr<std::vector<NSWindow*>>& windowsOnScreen() const {
+        return windowsOnScreen_;
+    }
+
+    /// `window` is about to be destroyed: it is no longer the main window nor the sheet.
+    void forget(const NSWindow* window);
+
+    /// Runs one event of a user. An exception that an action lets out is logged with its text, and the event
+    /// is over.
     void dispatch(const std::function<void()>& event);
 
   private:
@@ -55,6 +69,7 @@ class NSApplication {
     NSWindow* mainWindow_ = nullptr;
     NSWindow* sheet_ = nullptr;
     SheetDidEnd sheetDidEnd_;
+    std::shared_ptr<std::vector<NSWindow*>> windowsOnScreen_ = std::make_shared<std::vector<NSWindow*>>();
     bool launched_ = false;
     bool terminated_ = false;
 };

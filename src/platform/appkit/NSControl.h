@@ -9,7 +9,8 @@ class NSControl;
 
 /// What a control sends when it is used: one operation of the object that the interface file wires it to.
 struct NSAction {
-    std::string operation; ///< the full keyword-style name ("createShare:"), empty when the control sends nothing
+    std::string
+        operation; ///< the full keyword-style name ("createShare:"), empty when the control sends nothing
     std::function<void(NSControl* sender)> perform;
 };
 
@@ -24,8 +25,8 @@ class NSControl : public platform::Element {
 
     void setAction(NSAction action) { action_ = std::move(action); }
 
-    /// Sends the action with this control as the sender; nothing when none is wired. What the action throws comes
-    /// through to the front-end's event dispatch (NSApplication::dispatch).
+    /// Sends the action with this control as the sender; nothing when none is wired. What the action throws
+    /// comes through to the front-end's event dispatch (NSApplication::dispatch).
     void sendAction();
 
   private:

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <variant>
 
 /// A range of a text in UTF-16 units.
@@ -15,21 +16,23 @@ struct NSRange {
 /// What a formatter's field holds: a text or a whole number.
 using NSObjectValue = std::variant<std::string, std::int32_t>;
 
-/// Checks edits of a text field before they are applied, and turns its text into a value and back. One formatter may
-/// serve several fields. The base class accepts everything.
+/// Checks edits of a text field before they are applied, and turns its text into a value and back. One
+/// formatter may serve several fields. The base class accepts everything.
 class NSFormatter {
   public:
     virtual ~NSFormatter() = default;
 
     /// May `partial` take the place of `original`? `proposedSelection` is where the caret would stand,
-    /// `originalSelection` what was selected before. False refuses the edit and sets `error`. The base class asks
-    /// the shorter check below; where that refuses with a `replacement`, the replacement is put into `partial`.
+    /// `originalSelection` what was selected before. False refuses the edit and sets `error`. The base class
+    /// asks the shorter check below; where that refuses with a `replacement`, the replacement is put into
+    /// `partial`.
     [[nodiscard]] virtual bool isPartialStringValid(std::string& partial, NSRange& proposedSelection,
                                                     const std::string& original, NSRange originalSelection,
                                                     std::string& error);
     /// The check for formatters that need only the proposed text. True when it is accepted.
     [[nodiscard]] virtual bool isPartialStringValid(const std::string& partial,
-                                                    std::optional<std::string>& newString, std::string& error);
+                                                    std::optional<std::string>& newString,
+                                                    std::string& error);
     /// The value of `text`, or none (with `error` set) when it has none.
     [[nodiscard]] virtual std::optional<NSObjectValue> getObjectValue(const std::string& text,
                                                                       std::string& error) const;
@@ -37,10 +40,19 @@ class NSFormatter {
     [[nodiscard]] virtual std::optional<std::string> stringForObjectValue(const NSObjectValue& value) const;
 };
 
+namespace platform {
+/// The value of a decimal digit of any script, or none for another character.
+[[nodiscard]] std::optional<int> decimalDigitValue(char32_t character);
+/// The character of UTF-8 `text` at the byte `offset`, which is moved behind it. A byte that is not UTF-8 is
+/// answered as U+FFFD. `offset` must lie inside the text.
+[[nodiscard]] char32_t nextCharacter(std::string_view text, std::size_t& offset);
+} // namespace platform
+
 /// Whole numbers. Digits of any script count by their value; a number beyond 32 bits saturates.
 class NSNumberFormatter : public NSFormatter {
   public:
-    /// Only "##0" is known: no grouping, no decimals, at least one digit. Throws std::invalid_argument for another.
+    /// Only "##0" is known: no grouping, no decimals, at least one digit. Throws std::invalid_argument for
+    /// another.
     void setFormat(const std::string& format);
 
     /// The number that the whole text is (optional minus sign, digits); none for an empty or any other text.

@@ -5,7 +5,8 @@
 #include <string>
 #include <vector>
 
-/// A grid of check cells, each with a title and a state of its own, enabled together. Rows and columns count from 0.
+/// A grid of check cells, each with a title and a state of its own, enabled together. Rows and columns count
+/// from 0.
 class NSMatrix : public NSControl {
   public:
     /// Every cell is off and has an empty title. Both counts are at least 1.

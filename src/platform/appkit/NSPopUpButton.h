@@ -46,8 +46,8 @@ class NSPopUpButton : public NSControl {
     /// Selects the first item with the title; nothing when there is none.
     void selectItemWithTitle(const std::string& title);
 
-    /// A user's choice: selects the item, then sends the action, also when it was selected already. Nothing while
-    /// disabled or when there is no such item.
+    /// A user's choice: selects the item, then sends the action, also when it was selected already. Nothing
+    /// while disabled or when there is no such item.
     void performSelect(int index);
 
   private:

@@ -14,8 +14,8 @@ class NSTabViewDelegate {
     virtual void tabViewDidSelectTabViewItem(NSTabView* tabView, int index) = 0;
 };
 
-/// Pages of which one shows, numbered from 0. A front-end lets the user pick one by its label, unless the tabs are
-/// hidden and another control picks the page.
+/// Pages of which one shows, numbered from 0. A front-end lets the user pick one by its label, unless the
+/// tabs are hidden and another control picks the page.
 class NSTabView : public platform::Element {
   public:
     [[nodiscard]] const std::vector<std::string>& labels() const { return labels_; }
@@ -33,7 +33,8 @@ class NSTabView : public platform::Element {
     /// 0 at first.
     [[nodiscard]] int indexOfSelectedTabViewItem() const { return selected_; }
 
-    /// Shows a page and tells the delegate, unless it shows already. Throws std::out_of_range when there is none.
+    /// Shows a page and tells the delegate, unless it shows already. Throws std::out_of_range when there is
+    /// none.
     void selectTabViewItemAtIndex(int index);
 
   private:

@@ -20,8 +20,8 @@ class NSTableViewDataSource {
     virtual ~NSTableViewDataSource() = default;
     [[nodiscard]] virtual int numberOfRowsInTableView(NSTableView* table) = 0;
     /// The cell's text. Asked only for cells that are shown.
-    [[nodiscard]] virtual std::string tableViewObjectValueForTableColumn(NSTableView* table,
-                                                                         const NSTableColumn& column, int row) = 0;
+    [[nodiscard]] virtual std::string
+    tableViewObjectValueForTableColumn(NSTableView* table, const NSTableColumn& column, int row) = 0;
 };
 
 class NSTableViewDelegate {
@@ -31,8 +31,8 @@ class NSTableViewDelegate {
     virtual void tableViewSelectionDidChange(NSTableView* table) = 0;
 };
 
-/// A table. It knows how many rows its source had at the last reload and which are selected, and nothing else. Rows
-/// count from 0.
+/// A table. It knows how many rows its source had at the last reload and which are selected, and nothing
+/// else. Rows count from 0.
 class NSTableView : public NSControl {
   public:
     [[nodiscard]] const std::vector<NSTableColumn>& tableColumns() const { return columns_; }
@@ -51,10 +51,10 @@ class NSTableView : public NSControl {
     [[nodiscard]] int numberOfRows() const { return rows_; }
 
     /// The cell's text as the source has it now; "" without a source or for a row that is not there.
-    [[nodiscard]] std::string objectValue(const NSTableColumn& column, int row) const;
+    [[nodiscard]] std::string objectValue(const NSTableColumn& column, int row);
 
-    /// Asks the source for the number of rows again. Selected row numbers that still exist stay selected, the others
-    /// are dropped, and nobody is notified. Emits `reloaded`.
+    /// Asks the source for the number of rows again. Selected row numbers that still exist stay selected, the
+    /// others are dropped, and nobody is notified. Emits `reloaded`.
     void reloadData();
 
     /// The selected row (of several the first), or -1.
@@ -63,9 +63,11 @@ class NSTableView : public NSControl {
     /// Ascending.
     [[nodiscard]] const std::vector<int>& selectedRows() const { return selection_; }
 
-    /// Makes these rows, in any order, the whole selection. Rows that are not there are left out, and where the
-    /// table does not allow several only the first stays. Tells the delegate, unless it is the selection already.
+    /// Makes these rows, in any order, the whole selection. Rows that are not there are left out, and where
+    /// the table does not allow several only the first stays. Tells the delegate, unless it is the selection
+    /// already.
     void selectRows(std::vector<int> rows);
+
     /// Selects one row and nothing else; a row that is not there, nothing.
     void selectRow(int row) { selectRows({row}); }
 

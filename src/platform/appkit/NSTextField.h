@@ -17,8 +17,8 @@ class NSTextFieldDelegate {
                                                        const std::string& errorDescription) = 0;
 };
 
-/// A text field. The program's setters are not checked and send nothing; a user's edits come in through proposeEdit
-/// and endEditing.
+/// A text field. The program's setters are not checked and send nothing; a user's edits come in through
+/// proposeEdit and endEditing.
 class NSTextField : public NSControl {
   public:
     [[nodiscard]] const std::string& stringValue() const { return text_; }
@@ -44,15 +44,23 @@ class NSTextField : public NSControl {
     /// True for a field whose text must not be shown.
     [[nodiscard]] virtual bool isSecure() const { return false; }
 
-    /// A user's edit: the whole text as it would be, the caret after it and the selection before it. The formatter
-    /// is asked first. When it refuses, the presenter is told, then the delegate, the field stays as it was and the
-    /// answer is false. Otherwise the text is taken and the action sent.
-    [[nodiscard]] bool proposeEdit(std::string proposed, std::size_t proposedCaret, NSRange originalSelection);
-    /// The user leaves the field: one with a formatter then shows its value's text (007 becomes 7); an empty text,
-    /// or one that the formatter cannot read, stays. Sends nothing.
+    /// A user's edit: the whole text as it would be, the caret after it and the selection before it. The
+    /// formatter is asked first. When it refuses, the presenter is told, then the delegate, the field stays
+    /// as it was and the answer is false. Otherwise the text is taken and the action sent.
+    [[nodiscard]] bool proposeEdit(std::string proposed, std::size_t proposedCaret,
+                                   NSRange originalSelection);
+    /// The user leaves the field: one with a formatter then shows its value's text (007 becomes 7); an empty
+    /// text, or one that the formatter cannot read, stays. Sends nothing.
     void endEditing();
 
+  protected:
+    /// Overwrites the text in memory.
+    void wipeText();
+
   private:
+    /// Makes `text` the field's; a secure field leaves no other copy of it.
+    void takeText(std::string& text);
+
     std::string text_;
     std::shared_ptr<NSFormatter> formatter_;
     NSTextFieldDelegate* delegate_ = nullptr;

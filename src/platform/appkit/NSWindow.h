@@ -2,7 +2,9 @@
 
 #include "Element.h"
 
+#include <memory>
 #include <string>
+#include <vector>
 
 class NSWindow;
 
@@ -23,6 +25,9 @@ enum class NSWindowKind {
 class NSWindow : public platform::Element {
   public:
     explicit NSWindow(NSWindowKind kind = NSWindowKind::Main) : kind_(kind) {}
+
+    /// Leaves the screen without telling anybody.
+    ~NSWindow() override;
 
     [[nodiscard]] NSWindowKind kind() const { return kind_; }
 
@@ -46,13 +51,16 @@ class NSWindow : public platform::Element {
 
     [[nodiscard]] bool isCentered() const { return centered_; }
 
-    /// Brings it on screen (the presenter is told when it was not), to the front, and makes it key.
+    /// Brings it on screen (the presenter is told when it was not), to the front, and makes it key; the
+    /// window that was key is so no longer.
     void makeKeyAndOrderFront();
     /// Takes it off the screen; it is no longer key.
     void orderOut();
     /// The user, or `quit` of a script, closes it: off the screen, and a main window may end the application.
+    /// Nothing for a sheet, which only NSApplication::endSheet ends.
     void close();
-    /// The front-end says that keys go to this window, or no longer. Tells the delegate when that is a change.
+    /// The front-end says that keys go to this window, or no longer. Tells the delegate when that is a
+    /// change. A window that is not on screen does not become key.
     void becomeKey();
     void resignKey();
 
@@ -67,6 +75,7 @@ class NSWindow : public platform::Element {
     bool key_ = false;
     bool excluded_ = false;
     bool centered_ = false;
+    std::shared_ptr<std::vector<NSWindow*>> onScreen_; ///< the application's list while this window is on it
 };
 
 /// A drawer that slides out of its window's edge. Closed at first.

@@ -16,8 +16,9 @@
 
 namespace platform {
 
-/// What an interface file may bind of a class: its outlets and actions by name, and the delegates it can be. A class
-/// is described once (see describeClass) and registered under its name in the current host (registerClass).
+/// What an interface file may bind of a class: its outlets and actions by name, and the delegates it can be.
+/// A class is described once (see describeClass) and registered under its name in the current host
+/// (registerClass).
 struct ObjectClass {
     std::string name;
     std::function<std::shared_ptr<void>()> make; ///< a new object, for files that make their owner

@@ -1,0 +1,81 @@
+#include "NSApplication.h"
+
+#include "Host.h"
+#include "NSLog.h"
+#include "NSWindow.h"
+#include "Presenter.h"
+
+#include <exception>
+#include <utility>
+
+NSApplication& NSApp() {
+    return platform::Host::current().sharedInstance<NSApplication>();
+}
+
+void NSApplication::finishLaunching() {
+    if (std::exchange(launched_, true) || delegate_ == nullptr) {
+        return;
+    }
+    delegate_->applicationDidFinishLaunching();
+}
+
+void NSApplication::terminate() {
+    if (std::exchange(terminated_, true)) {
+        return;
+    }
+    if (delegate_ != nullptr) {
+        delegate_->applicationWillTerminate();
+    }
+    // A sheet that is still up has not been confirmed: nobody hears of its end.
+    sheet_ = nullptr;
+    sheetDidEnd_ = nullptr;
+    while (!windowsOnScreen_->empty()) {
+        windowsOnScreen_->back()->orderOut();
+    }
+    platform::Host::current().presenter().applicationDidTerminate();
+}
+
+void NSApplication::mainWindowDidClose() {
+    if (delegate_ != nullptr && delegate_->applicationShouldTerminateAfterLastWindowClosed()) {
+        terminate();
+    }
+}
+
+void NSApplication::beginSheet(NSWindow* sheet, NSWindow*, SheetDidEnd didEnd) {
+    if (sheet_ != nullptr || sheet == nullptr) {
+        return;
+    }
+    sheet_ = sheet;
+    sheetDidEnd_ = std::move(didEnd);
+    sheet->makeKeyAndOrderFront();
+}
+
+void NSApplication::endSheet(NSWindow* sheet, int returnCode) {
+    if (sheet == nullptr || sheet != sheet_) {
+        return;
+    }
+    sheet_ = nullptr;
+    if (const SheetDidEnd didEnd = std::exchange(sheetDidEnd_, nullptr)) {
+        didEnd(sheet, returnCode);
+    }
+}
+
+void NSApplication::forget(const NSWindow* window) {
+    if (mainWindow_ == window) {
+        mainWindow_ = nullptr;
+    }
+    if (sheet_ == window) {
+        sheet_ = nullptr;
+        sheetDidEnd_ = nullptr;
+    }
+}
+
+void NSApplication::dispatch(const std::function<void()>& event) {
+    try {
+        event();
+    } catch (const std::exception& error) {
+        NSLog("The action was given up: %@", error.what());
+    } catch (...) {
+        NSLog("The action was given up: it failed without saying why.");
+    }
+}

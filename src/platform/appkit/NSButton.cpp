@@ -1,0 +1,48 @@
+#include "NSButton.h"
+
+#include <filesystem>
+
+#include <unistd.h>
+
+std::shared_ptr<const NSImage> NSImage::imageWithContentsOfFile(const std::string& path) {
+    std::error_code error;
+    if (!std::filesystem::is_regular_file(path, error) || access(path.c_str(), R_OK) != 0) {
+        return nullptr;
+    }
+    return std::make_shared<const NSImage>(path);
+}
+
+std::string NSImage::name() const {
+    return std::filesystem::path(path_).stem().string();
+}
+
+void NSButton::setTitle(std::string title) {
+    title_ = std::move(title);
+    didChange();
+}
+
+void NSButton::setImage(std::shared_ptr<const NSImage> image) {
+    image_ = std::move(image);
+    didChange();
+}
+
+void NSButton::setState(int state) {
+    state_ = state == NSOffState ? NSOffState : NSOnState;
+    didChange();
+}
+
+void NSButton::performClick() {
+    if (!isEnabled()) {
+        return;
+    }
+    if (kind_ == NSButtonKind::CheckBox) {
+        setState(state_ == NSOnState ? NSOffState : NSOnState);
+    }
+    sendAction();
+}
+
+void NSMenuItem::performClick() {
+    if (isEnabled()) {
+        sendAction();
+    }
+}

@@ -1,0 +1,47 @@
+#include "NSMatrix.h"
+
+#include "NSString.h"
+
+#include <stdexcept>
+
+NSMatrix::NSMatrix(int rows, int columns) : rows_(rows), columns_(columns) {
+    if (rows < 1 || columns < 1) {
+        throw std::invalid_argument(stringWithFormat("a matrix of %d x %d cells has no cell", rows, columns));
+    }
+    cells_.resize(static_cast<std::size_t>(rows) * static_cast<std::size_t>(columns));
+}
+
+std::size_t NSMatrix::indexOf(int row, int column) const {
+    if (row < 0 || row >= rows_ || column < 0 || column >= columns_) {
+        throw std::out_of_range(stringWithFormat("the matrix has no cell in row %d, column %d: it is %d x %d",
+                                                 row, column, rows_, columns_));
+    }
+    return static_cast<std::size_t>(row) * static_cast<std::size_t>(columns_) +
+           static_cast<std::size_t>(column);
+}
+
+const std::string& NSMatrix::titleAt(int row, int column) const {
+    return cells_[indexOf(row, column)].title;
+}
+
+void NSMatrix::setTitleAt(int row, int column, std::string title) {
+    cells_[indexOf(row, column)].title = std::move(title);
+    didChange();
+}
+
+int NSMatrix::stateAt(int row, int column) const {
+    return cells_[indexOf(row, column)].state;
+}
+
+void NSMatrix::setStateAt(int row, int column, int state) {
+    cells_[indexOf(row, column)].state = state == 0 ? 0 : 1;
+    didChange();
+}
+
+void NSMatrix::performClickAt(int row, int column) {
+    if (!isEnabled()) {
+        return;
+    }
+    setStateAt(row, column, stateAt(row, column) == 0 ? 1 : 0);
+    sendAction();
+}

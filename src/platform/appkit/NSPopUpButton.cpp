@@ -1,0 +1,86 @@
+#include "NSPopUpButton.h"
+
+#include "NSString.h"
+
+#include <algorithm>
+#include <stdexcept>
+
+namespace {
+
+template <class Matches>
+int indexOfItem(const std::vector<NSPopUpButton::Item>& items, Matches matches) {
+    const auto found = std::find_if(items.begin(), items.end(), matches);
+    return found == items.end() ? -1 : static_cast<int>(found - items.begin());
+}
+
+} // namespace
+
+std::vector<std::string> NSPopUpButton::itemTitles() const {
+    std::vector<std::string> titles;
+    titles.reserve(items_.size());
+    for (const Item& item : items_) {
+        titles.push_back(item.title);
+    }
+    return titles;
+}
+
+void NSPopUpButton::addItemWithTitle(std::string title) {
+    items_.push_back({std::move(title), 0});
+    if (items_.size() == 1) {
+        selected_ = 0;
+    }
+    didChange();
+}
+
+void NSPopUpButton::removeAllItems() {
+    items_.clear();
+    selected_ = -1;
+    didChange();
+}
+
+void NSPopUpButton::setTag(int index, std::int32_t tag) {
+    if (index < 0 || index >= numberOfItems()) {
+        throw std::out_of_range(stringWithFormat("the menu has no item %d to give the tag %d", index, tag));
+    }
+    items_[static_cast<std::size_t>(index)].tag = tag;
+}
+
+int NSPopUpButton::indexOfItemWithTitle(const std::string& title) const {
+    return indexOfItem(items_, [&title](const Item& item) { return item.title == title; });
+}
+
+int NSPopUpButton::indexOfItemWithTag(std::int32_t tag) const {
+    return indexOfItem(items_, [tag](const Item& item) { return item.tag == tag; });
+}
+
+std::optional<std::string> NSPopUpButton::titleOfSelectedItem() const {
+    if (selected_ < 0) {
+        return std::nullopt;
+    }
+    return items_[static_cast<std::size_t>(selected_)].title;
+}
+
+std::int32_t NSPopUpButton::tagOfSelectedItem() const {
+    return selected_ < 0 ? 0 : items_[static_cast<std::size_t>(selected_)].tag;
+}
+
+void NSPopUpButton::selectItemAtIndex(int index) {
+    if (index < -1 || index >= numberOfItems()) {
+        throw std::out_of_range(
+            stringWithFormat("the menu has no item %d to select: it has %d items", index, numberOfItems()));
+    }
+    selected_ = index;
+    didChange();
+}
+
+void NSPopUpButton::selectItemWithTitle(const std::string& title) {
+    selectItemAtIndex(indexOfItemWithTitle(title));
+}
+
+void NSPopUpButton::performSelect(int index) {
+    if (!isEnabled() || index < 0 || index >= numberOfItems()) {
+        return;
+    }
+    selectItemAtIndex(index);
+    sendAction();
+}

@@ -1,0 +1,39 @@
+#include "NSTableView.h"
+
+#include <algorithm>
+#include <utility>
+
+void NSTableView::addTableColumn(NSTableColumn column) {
+    columns_.push_back(std::move(column));
+    didChange();
+}
+
+std::string NSTableView::objectValue(const NSTableColumn& column, int row) {
+    if (source_ == nullptr || row < 0 || row >= rows_) {
+        return {};
+    }
+    return source_->tableViewObjectValueForTableColumn(this, column, row);
+}
+
+void NSTableView::reloadData() {
+    rows_ = source_ == nullptr ? 0 : std::max(0, source_->numberOfRowsInTableView(this));
+    selection_.erase(std::lower_bound(selection_.begin(), selection_.end(), rows_), selection_.end());
+    reloaded.emit();
+}
+
+void NSTableView::selectRows(std::vector<int> rows) {
+    std::erase_if(rows, [this](int row) { return row < 0 || row >= rows_; });
+    if (!multiple_ && rows.size() > 1) {
+        rows.resize(1);
+    }
+    std::sort(rows.begin(), rows.end());
+    rows.erase(std::unique(rows.begin(), rows.end()), rows.end());
+    if (rows == selection_) {
+        return;
+    }
+    selection_ = std::move(rows);
+    didChange();
+    if (delegate_ != nullptr) {
+        delegate_->tableViewSelectionDidChange(this);
+    }
+}

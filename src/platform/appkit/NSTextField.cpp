@@ -1,0 +1,81 @@
+#include "NSTextField.h"
+
+#include "Host.h"
+#include "NSString.h"
+#include "Presenter.h"
+
+#include <string.h>
+
+namespace {
+
+void wipe(std::string& text) {
+    explicit_bzero(text.data(), text.size());
+    text.clear();
+}
+
+} // namespace
+
+void NSTextField::setStringValue(std::string text) {
+    takeText(text);
+}
+
+void NSTextField::takeText(std::string& text) {
+    if (isSecure()) {
+        // Copied, not moved: a moved short text leaves its bytes behind.
+        wipe(text_);
+        text_.assign(text);
+        wipe(text);
+    } else {
+        text_ = std::move(text);
+    }
+    didChange();
+}
+
+void NSTextField::wipeText() {
+    wipe(text_);
+}
+
+std::int32_t NSTextField::intValue() const {
+    return ::intValue(text_);
+}
+
+void NSTextField::setIntValue(std::int32_t value) {
+    setStringValue(std::to_string(value));
+}
+
+bool NSTextField::proposeEdit(std::string proposed, std::size_t proposedCaret, NSRange originalSelection) {
+    if (!isEnabled() || !editable_) {
+        return false;
+    }
+    if (formatter_) {
+        std::string partial = proposed;
+        NSRange caret{proposedCaret, 0};
+        std::string error;
+        if (!formatter_->isPartialStringValid(partial, caret, text_, originalSelection, error)) {
+            platform::Host::current().presenter().editWasRefused(*this, error);
+            if (delegate_ != nullptr) {
+                delegate_->controlDidFailToValidatePartialString(this, proposed, error);
+            }
+            return false;
+        }
+    }
+    takeText(proposed);
+    sendAction();
+    return true;
+}
+
+void NSTextField::endEditing() {
+    if (!formatter_ || text_.empty()) {
+        return;
+    }
+    std::string error;
+    if (const auto value = formatter_->getObjectValue(text_, error)) {
+        if (auto shown = formatter_->stringForObjectValue(*value)) {
+            setStringValue(*std::move(shown));
+        }
+    }
+}
+
+NSSecureTextField::~NSSecureTextField() {
+    wipeText();
+}
