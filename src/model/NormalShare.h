@@ -2,11 +2,12 @@
 
 #include <cstdint>
 #include <string>
-#include <utility>
 #include <string_view>
+#include <utility>
 
-/// One share point as the share table shows it: joined from its directory record, the SMB section of the same folder and
-/// the folder's permission bits. Every field is display text; a record is rebuilt whenever the inventory is read.
+/// One share point as the share table shows it: joined from its directory record, the SMB section of the same
+/// folder and the folder's permission bits. Every field is display text; a record is rebuilt whenever the
+/// inventory is read.
 class NormalShare {
   public:
     [[nodiscard]] const std::string& ShareName() const { return _sharename; }
@@ -63,8 +64,8 @@ class NormalShare {
 
     void setSMBGuestAccess(std::string text) { _smbguestaccess = std::move(text); }
 
-    /// Stores `path` as the folder and sets the three privilege texts from its mode, links followed; a folder that
-    /// cannot be examined has no privileges.
+    /// Stores `path` as the folder and sets the three privilege texts from its mode, links followed; a folder
+    /// that cannot be examined has no privileges.
     void setPathandPermissions(const std::string& path);
 
     /// "r/w", "r", "w" or "" for the privilege codes 3, 2, 1, 0; "" for any other.
@@ -91,13 +92,19 @@ class NormalShare {
     std::string _smbguestaccess = "No";
 };
 
-/// The two-bit privilege code of a class of users (3 read and write, 2 read only, 1 write only, 0 none) in a folder's
-/// mode; bits above 0777 do not matter.
-[[nodiscard]] constexpr int ownerPrivilegeCode(int mode) { return (mode & 0700) >> 7; }
+/// The two-bit privilege code of a class of users (3 read and write, 2 read only, 1 write only, 0 none) in a
+/// folder's mode; bits above 0777 do not matter.
+[[nodiscard]] constexpr int ownerPrivilegeCode(int mode) {
+    return (mode & 0700) >> 7;
+}
 
-[[nodiscard]] constexpr int groupPrivilegeCode(int mode) { return (mode & 070) >> 4; }
+[[nodiscard]] constexpr int groupPrivilegeCode(int mode) {
+    return (mode & 070) >> 4;
+}
 
-[[nodiscard]] constexpr int everyonePrivilegeCode(int mode) { return (mode & 07) >> 1; }
+[[nodiscard]] constexpr int everyonePrivilegeCode(int mode) {
+    return (mode & 07) >> 1;
+}
 
 /// The mode that is written for three codes: every class gets its search bit.
 [[nodiscard]] constexpr int modeForPrivilegeCodes(int owner, int group, int everyone) {

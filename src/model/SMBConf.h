@@ -4,21 +4,39 @@
 
 #include <memory>
 #include <string>
-#include <utility>
 #include <string_view>
+#include <utility>
 #include <vector>
 
-/// The model of smb.conf: its entries in order, of which "global" and "homes" are singled out. Read once, when it is made;
-/// from then on the model is the authority, and every change reaches the disk by a write of the whole file. It owns
-/// its entries, which keep their addresses for as long as they are in the list.
+/// What the whole-file write loses, or spoils, of a file written by hand.
+enum class SMBLoss {
+    Continuation, ///< a line ended by a backslash: it stays, and would swallow the line that is written after
+                  ///< it
+    NoValue,      ///< a section's line without a key or a value, or cut at the reader's end mark: lost
+    BrokenHeader, ///< a line begins with "[" and is no header; what follows counts to the section before it
+    OutsideSection ///< a line that stands in no section: lost
+};
+
+/// A line of the file that a write would not keep as it is. Lines count from 1.
+struct SMBLossNotice {
+    std::size_t line = 0;
+    SMBLoss loss = SMBLoss::NoValue;
+    [[nodiscard]] bool operator==(const SMBLossNotice&) const = default;
+};
+
+/// The model of smb.conf: its entries in order, of which "global" and "homes" are singled out. Read once,
+/// when it is made; from then on the model is the authority, and every change reaches the disk by a write of
+/// the whole file. It owns its entries, which keep their addresses for as long as they are in the list.
 class SMBConf {
   public:
     using EntryList = std::vector<std::unique_ptr<SMBShare>>;
 
-    /// Reads and parses /etc/smb.conf. A missing file is an empty model. A file that exists and cannot be read is
-    /// logged and leaves an empty model that refuses to be written.
+    /// Reads and parses /etc/smb.conf. A missing file is an empty model. A file that exists and cannot be
+    /// read is logged and leaves an empty model that refuses to be written.
     SMBConf();
     explicit SMBConf(std::string path);
+    SMBConf(const SMBConf&) = delete;
+    SMBConf& operator=(const SMBConf&) = delete;
 
     [[nodiscard]] const std::string& Path() const { return _path; }
 
@@ -26,7 +44,8 @@ class SMBConf {
 
     [[nodiscard]] const EntryList& Entries() const { return _entries; }
 
-    void setEntries(EntryList entries) { _entries = std::move(entries); }
+    /// Global() and Homes() are none afterwards.
+    void setEntries(EntryList entries);
 
     /// The last section named exactly "global", or null.
     [[nodiscard]] SMBShare* Global() const { return _global; }
@@ -38,6 +57,9 @@ class SMBConf {
     void setGlobal(std::unique_ptr<SMBShare> entry);
     void setHomes(std::unique_ptr<SMBShare> entry);
 
+    /// What a write would lose, in the file's order; found when the file was read.
+    [[nodiscard]] const std::vector<SMBLossNotice>& lossNotices() const { return _lossNotices; }
+
     // Tests of one line, leading white space already gone.
     [[nodiscard]] static bool isCommentGroup(std::string_view line);
     [[nodiscard]] static bool isComment(std::string_view line);
@@ -46,25 +68,32 @@ class SMBConf {
     /// The file's text as the model has it now.
     [[nodiscard]] std::string writtenText() const;
 
-    /// Writes the whole model: to ~/smb_test.conf, then over the file by an administrator's copy. Answers 0; 1 when the
-    /// copy failed or was refused (the temporary file stays); 2 when the temporary file could not be written, or the
-    /// file could not be read at the start; 3 when the temporary file could not be removed. The model stays as it is.
+    /// Writes the whole model: to ~/smb_test.conf, then over the file by an administrator's copy. Answers 0;
+    /// 1 when the copy failed or was refused (the temporary file stays); 2 when the temporary file could not
+    /// be written, or the file could not be read at the start; 3 when the temporary file could not be
+    /// removed. The model stays as it is.
     [[nodiscard]] int writeSMBConfFile() const;
 
-    /// Creates, updates or removes the section of a share, then writes the file. Answers the write's result, 0 when
-    /// there was nothing to write. The change stays in the model when the write fails.
-    int modifySMBShare(const std::string& shareName, const std::string& withDirectory, std::int32_t sharingSMB,
-                       std::int32_t inherit, std::int32_t guestAccess);
+    /// Creates, updates or removes the section of a share, then writes the file. Answers the write's result,
+    /// 0 when there was nothing to write. The change stays in the model when the write fails. The share is
+    /// the first section of exactly that name. `sharingSMB` 0 removes it (Global() or Homes() goes with it);
+    /// another value updates its two flags, and only 1 makes a new section, at the end. A flag is on for 1
+    /// and off for any other value.
+    int modifySMBShare(const std::string& shareName, const std::string& withDirectory,
+                       std::int32_t sharingSMB, std::int32_t inherit, std::int32_t guestAccess);
 
     /// For the log.
     [[nodiscard]] std::string description() const;
 
   private:
     void parseSMBConfFile();
+    [[nodiscard]] std::size_t indexOfSection(std::string_view name) const;
 
     std::string _path;
+    std::string _bytes; ///< the file as it was read; the entries' parameters are views of it
     EntryList _entries;
     SMBShare* _global = nullptr;
     SMBShare* _homes = nullptr;
+    std::vector<SMBLossNotice> _lossNotices;
     bool _unreadable = false;
 };

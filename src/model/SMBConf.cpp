@@ -1,0 +1,180 @@
+#include "SMBConf.h"
+
+#include "NSFileManager.h"
+#include "NSLog.h"
+#include "NiutilTask.h"
+#include "SMBParser.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+
+namespace {
+
+constexpr const char* temporaryPath = "~/smb_test.conf";
+
+// What writeSMBConfFile answers.
+constexpr int written = 0;
+constexpr int copyFailed = 1;
+constexpr int notWritten = 2;
+constexpr int notRemoved = 3;
+
+const char* yesOrNo(std::int32_t flag) {
+    return flag == 1 ? "Yes" : "No";
+}
+
+/// A section that lacks the flag is off already: only "Yes" is worth adding a line to a file written by hand.
+void updateFlag(SMBShare& section, std::string_view key, std::int32_t flag) {
+    if (flag == 1 || section.firstProp(key) != nullptr) {
+        section.setProp(key, yesOrNo(flag));
+    }
+}
+
+void append(std::string& text, std::initializer_list<std::string_view> pieces) {
+    for (const std::string_view piece : pieces) {
+        text += piece;
+    }
+}
+
+void appendEntry(std::string& text, const SMBShare& entry) {
+    const bool commentedOut = entry.Type() == SMBCommentGroup;
+    if (commentedOut || entry.Type() == SMBGroup) {
+        const std::string_view mark = commentedOut ? ";" : "";
+        append(text, {mark, "[", entry.ShareName(), "]\n"});
+        for (const SMBPair& pair : entry.Props()) {
+            append(text, {mark, pair.Name.view(), " = ", pair.Value.view(), "\n"});
+        }
+    } else if (entry.Type() != SMBComment) {
+        return; // no kind that the file knows
+    }
+    append(text, {entry.Text(), "\n\n"});
+}
+
+} // namespace
+
+SMBConf::SMBConf() : SMBConf("/etc/smb.conf") {}
+
+SMBConf::SMBConf(std::string path) : _path(std::move(path)) {
+    parseSMBConfFile();
+}
+
+bool SMBConf::isCommentGroup(std::string_view line) {
+    return line.starts_with("#[") || line.starts_with(";[");
+}
+
+bool SMBConf::isComment(std::string_view line) {
+    return line.starts_with('#') || line.starts_with(';');
+}
+
+bool SMBConf::isGroup(std::string_view line) {
+    return line.starts_with('[') && line.ends_with(']');
+}
+
+void SMBConf::parseSMBConfFile() {
+    NSFileContents contents = contentsOfFile(_path);
+    if (!contents.bytes && contents.error != ENOENT) {
+        // To write the model over such a file would replace it with next to nothing.
+        NSLog("The SMB configuration %@ cannot be read (%@) and will not be written.  Make it readable and "
+              "start again.",
+              _path, std::strerror(contents.error));
+        _unreadable = true;
+    }
+    if (contents.bytes) {
+        _bytes = std::move(*contents.bytes);
+    }
+    SMBParser parser(_bytes);
+    parser.parse();
+    _entries = std::move(parser.entries);
+    _global = parser.global;
+    _homes = parser.homes;
+    _lossNotices = std::move(parser.lossNotices);
+}
+
+void SMBConf::setEntries(EntryList entries) {
+    _global = nullptr;
+    _homes = nullptr;
+    _entries = std::move(entries);
+}
+
+void SMBConf::setGlobal(std::unique_ptr<SMBShare> entry) {
+    _global = entry.get();
+    _entries.insert(_entries.begin(), std::move(entry));
+}
+
+void SMBConf::setHomes(std::unique_ptr<SMBShare> entry) {
+    _homes = entry.get();
+    _entries.insert(_entries.begin(), std::move(entry));
+}
+
+std::string SMBConf::writtenText() const {
+    std::string text;
+    text.reserve(_bytes.size() + _bytes.size() / 4);
+    for (const auto& entry : _entries) {
+        appendEntry(text, *entry);
+    }
+    return text;
+}
+
+int SMBConf::writeSMBConfFile() const {
+    if (_unreadable) {
+        NSLog("The SMB configuration %@ was not written because it could not be read at the start.", _path);
+        return notWritten;
+    }
+    const std::string temporary = stringByExpandingTildeInPath(temporaryPath);
+    // Readable by its owner only: the configuration may be.
+    if (!writeToFileAtomically(temporary, writtenText(), 0600)) {
+        NSLog("%@ could not be written: %@", temporary, std::strerror(errno));
+        return notWritten;
+    }
+    if (!NiutilTask::sharedInstance().cp(temporary, _path)) {
+        return copyFailed;
+    }
+    if (!removeFileAtPath(temporary)) {
+        NSLog("%@ could not be removed: %@", temporary, std::strerror(errno));
+        return notRemoved;
+    }
+    return written;
+}
+
+std::size_t SMBConf::indexOfSection(std::string_view name) const {
+    const auto found = std::find_if(_entries.begin(), _entries.end(), [&](const auto& entry) {
+        return entry->Type() == SMBGroup && entry->ShareName() == name;
+    });
+    return static_cast<std::size_t>(found - _entries.begin());
+}
+
+int SMBConf::modifySMBShare(const std::string& shareName, const std::string& withDirectory,
+                            std::int32_t sharingSMB, std::int32_t inherit, std::int32_t guestAccess) {
+    const std::size_t index = indexOfSection(shareName);
+    const bool exists = index < _entries.size();
+    if (exists && sharingSMB == 0) {
+        const auto entry = _entries.begin() + static_cast<std::ptrdiff_t>(index);
+        _global = entry->get() == _global ? nullptr : _global;
+        _homes = entry->get() == _homes ? nullptr : _homes;
+        _entries.erase(entry);
+    } else if (exists) {
+        updateFlag(*_entries[index], "inherit permissions", inherit);
+        updateFlag(*_entries[index], "guest ok", guestAccess);
+    } else if (sharingSMB == 1) {
+        auto entry = std::make_unique<SMBShare>();
+        entry->setType(SMBGroup);
+        entry->setShareName(shareName);
+        entry->setProps({{"path", withDirectory},
+                         {"read only", "No"},
+                         {"inherit permissions", yesOrNo(inherit)},
+                         {"guest ok", yesOrNo(guestAccess)}});
+        entry->setText(";Created by Brindle");
+        _entries.push_back(std::move(entry));
+    } else {
+        return written;
+    }
+    return writeSMBConfFile();
+}
+
+std::string SMBConf::description() const {
+    std::string entries = "(\n";
+    for (const auto& entry : _entries) {
+        entries += entry->description();
+    }
+    return stringWithFormat("Path: %@\n%@\n", _path, entries + ")");
+}

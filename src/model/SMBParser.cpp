@@ -1,0 +1,203 @@
+#include "SMBParser.h"
+
+#include <algorithm>
+#include <cstring>
+#include <iterator>
+
+namespace {
+
+/// The end mark of the scanner that reads values: a value holding it ends there.
+constexpr std::string_view valueEndMark = "#$%BLAK";
+
+constexpr bool isWhiteSpace(char c) {
+    return c == ' ' || (c >= '\t' && c <= '\r');
+}
+
+std::string_view withoutLeadingWhiteSpace(std::string_view text) {
+    std::size_t start = 0;
+    while (start < text.size() && isWhiteSpace(text[start])) {
+        ++start;
+    }
+    return text.substr(start);
+}
+
+/// Blanks only: tabs belong to a key or value.
+std::string_view withoutBlanks(std::string_view text) {
+    while (!text.empty() && text.back() == ' ') {
+        text.remove_suffix(1);
+    }
+    while (!text.empty() && text.front() == ' ') {
+        text.remove_prefix(1);
+    }
+    return text;
+}
+
+/// A header that names nothing is named by its whole text, so that it cannot be taken for another section.
+std::string_view headerName(std::string_view line, std::size_t openingLength) {
+    const std::string_view rest = withoutLeadingWhiteSpace(line.substr(openingLength));
+    const std::string_view name = rest.substr(0, rest.find(']'));
+    return name.empty() ? line : name;
+}
+
+/// True when a configuration's own reader would join the next line to this one.
+bool isContinued(std::string_view line) {
+    while (!line.empty() && isWhiteSpace(line.back())) {
+        line.remove_suffix(1);
+    }
+    return !line.empty() && line.back() == '\\';
+}
+
+} // namespace
+
+void SMBParser::parse() {
+    _current = std::make_unique<SMBShare>();
+    while (_haveLine || nextLine()) {
+        _haveLine = false;
+        parseLine();
+    }
+    entries.push_back(std::move(_current));
+    numberNotices();
+}
+
+bool SMBParser::nextLine() {
+    const char* const end = _text.data() + _text.size();
+    while (_position != end && isWhiteSpace(*_position)) {
+        ++_position;
+    }
+    if (_position == end) {
+        return false;
+    }
+    const char* stop = _position;
+    while (stop != end && *stop != '\n' && *stop != '\r') {
+        ++stop;
+    }
+    _line = std::string_view(_position, static_cast<std::size_t>(stop - _position));
+    _position = stop;
+    return true;
+}
+
+void SMBParser::beginEntry(std::int32_t type) {
+    if (_state != State::Start) {
+        entries.push_back(std::move(_current));
+    }
+    _current = std::make_unique<SMBShare>();
+    _current->setType(type);
+}
+
+void SMBParser::parseLine() {
+    if (SMBConf::isCommentGroup(_line)) {
+        beginEntry(SMBCommentGroup);
+        const std::string_view name = headerName(_line, 2);
+        _current->setShareName(std::string(name));
+        homes = name == "homes" ? _current.get() : homes;
+        readCommentGroup();
+    } else if (SMBConf::isComment(_line)) {
+        if (_state != State::Comment) {
+            beginEntry(SMBComment);
+        }
+        appendLineToText();
+        _state = State::Comment;
+    } else if (SMBConf::isGroup(_line)) {
+        beginEntry(SMBGroup);
+        const std::string_view name = headerName(_line, 1);
+        _current->setShareName(std::string(name));
+        global = name == "global" ? _current.get() : global;
+        homes = name == "homes" ? _current.get() : homes;
+        readGroup();
+    } else {
+        note(_line.front() == '[' ? SMBLoss::BrokenHeader : SMBLoss::OutsideSection);
+    }
+}
+
+void SMBParser::readCommentGroup() {
+    while (nextLine()) {
+        if (SMBConf::isCommentGroup(_line) || !SMBConf::isComment(_line)) {
+            _haveLine = true;
+            break;
+        }
+        addPair(_line.substr(1), true);
+    }
+    takePairs();
+    _state = State::Closed;
+}
+
+void SMBParser::readGroup() {
+    while (nextLine()) {
+        if (SMBConf::isCommentGroup(_line) || SMBConf::isGroup(_line)) {
+            _haveLine = true;
+            break;
+        }
+        if (SMBConf::isComment(_line)) {
+            appendLineToText();
+        } else {
+            addPair(_line, false);
+        }
+    }
+    takePairs();
+    _state = State::Closed;
+}
+
+void SMBParser::addPair(std::string_view text, bool commentedOut) {
+    const std::string_view rest = withoutLeadingWhiteSpace(text);
+    const std::size_t equals = rest.find('=');
+    if (!commentedOut && rest.front() == '[') {
+        note(SMBLoss::BrokenHeader);
+    }
+    if (rest.empty() || equals == 0 || equals == std::string_view::npos) {
+        if (!commentedOut) {
+            note(SMBLoss::NoValue);
+        } else if (!rest.empty() && equals != 0) {
+            appendLineToText();
+        }
+        return;
+    }
+    std::string_view value = withoutLeadingWhiteSpace(rest.substr(equals + 1));
+    const std::size_t mark = value.find(valueEndMark);
+    if (value.empty() || mark != std::string_view::npos) {
+        if (!commentedOut) {
+            note(SMBLoss::NoValue);
+        }
+        value = value.substr(0, mark);
+        if (value.empty()) {
+            return;
+        }
+    }
+    if (!commentedOut && isContinued(value)) {
+        note(SMBLoss::Continuation);
+    }
+    _pairs.push_back(
+        {SMBText::borrowed(withoutBlanks(rest.substr(0, equals))), SMBText::borrowed(withoutBlanks(value))});
+}
+
+void SMBParser::takePairs() {
+    std::vector<SMBPair>& props = _current->Props();
+    props.reserve(_pairs.size());
+    std::move(_pairs.begin(), _pairs.end(), std::back_inserter(props));
+    _pairs.clear();
+}
+
+void SMBParser::appendLineToText() {
+    (_current->Text() += _line) += '\n';
+}
+
+void SMBParser::note(SMBLoss loss) {
+    const auto offset = static_cast<std::size_t>(_line.data() - _text.data());
+    if (lossNotices.empty() ||
+        lossNotices.back().line != offset) { // the first that is wrong with a line is enough
+        lossNotices.push_back({offset, loss});
+    }
+}
+
+/// While reading, a notice holds its line's offset: most files have none, and so need no counting of lines.
+void SMBParser::numberNotices() {
+    std::size_t line = 1;
+    const char* counted = _text.data();
+    for (SMBLossNotice& notice : lossNotices) {
+        const char* const start = _text.data() + notice.line;
+        // "\r\n" and "\n" end a line, as every editor counts them; so does a lone "\r".
+        for (; counted != start; ++counted) {
+            line += *counted == '\n' || (*counted == '\r' && counted[1] != '\n') ? 1U : 0U;
+        }
+        notice.line = line;
+    }
+}

@@ -1,0 +1,57 @@
+#include "SMBShare.h"
+
+#include "NSString.h"
+
+#include <algorithm>
+
+namespace {
+
+std::string propsDescription(const std::vector<SMBPair>& props) {
+    std::string text = "(\n";
+    for (const SMBPair& pair : props) {
+        text += stringWithFormat("    {Name = %@; Value = %@;}\n", pair.Name.view(), pair.Value.view());
+    }
+    return text + ")";
+}
+
+} // namespace
+
+SMBPair* SMBShare::firstProp(std::string_view key) {
+    const auto found =
+        std::find_if(_props.begin(), _props.end(), [&](const SMBPair& p) { return p.Name == key; });
+    return found == _props.end() ? nullptr : &*found;
+}
+
+void SMBShare::setProp(std::string_view key, std::string_view value) {
+    if (SMBPair* pair = firstProp(key)) {
+        pair->Value = value;
+    } else {
+        _props.push_back({key, value});
+    }
+}
+
+void SMBShare::removeProp(std::string_view key) {
+    const auto found =
+        std::find_if(_props.begin(), _props.end(), [&](const SMBPair& p) { return p.Name == key; });
+    if (found != _props.end()) {
+        _props.erase(found);
+    }
+}
+
+std::string SMBShare::smbTypeToText() const {
+    switch (_type) {
+    case SMBCommentGroup:
+        return "SMBCommentGroup";
+    case SMBComment:
+        return "SMBComment";
+    case SMBGroup:
+        return "SMBGroup";
+    default:
+        return "Error";
+    }
+}
+
+std::string SMBShare::description() const {
+    return stringWithFormat("Share Name: %@   Type: %@\n%@\nText: %@\n", _sharename, smbTypeToText(),
+                            propsDescription(_props), _text);
+}
