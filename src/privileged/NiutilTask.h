@@ -3,22 +3,27 @@
 #include "Authorization.h"
 
 #include <cstdint>
+#include <cstdio>
 #include <optional>
+#include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
-/// Posted by the shared NiutilTask, with itself as the object, when the user has granted the administrator right.
+/// Posted by the shared NiutilTask, with itself as the object, when the user has granted the administrator
+/// right.
 inline const std::string NiutilAuthenticatedNotification = "NiutilAuthenticatedNotification";
 /// Posted likewise when the authorization has been given up.
 inline const std::string NiutilDeauthenticatedNotification = "NiutilDeauthenticatedNotification";
 
-/// The one place that holds the administrator's rights: every change to the directory, to protected files and to running
-/// servers is a tool run of this object. Reading needs no rights. Main thread only; every operation blocks until its
-/// runs have ended.
+/// The one place that holds the administrator's rights: every change to the directory, to protected files and
+/// to running servers is a tool run of this object. Reading needs no rights. Main thread only; every
+/// operation blocks until its runs have ended.
 ///
-/// An operation that changes something first makes sure that the right is held, asking the user if needed, and does
-/// nothing (answering false) when it is refused. A run fails when its tool wrote anything to its standard output, or could not
-/// be started; a failed run beeps and is logged. Operations that answer a boolean stop at the first failed run; the others go on.
+/// An operation that changes something first makes sure that the right is held, asking the user if needed,
+/// and does nothing (answering false) when it is refused. A run fails when its tool wrote anything to its
+/// standard output, or could not be started; a failed run beeps and is logged. Operations that answer a
+/// boolean stop at the first failed run; the others go on.
 class NiutilTask {
   public:
     /// The current host's one instance, made on first use.
@@ -36,8 +41,8 @@ class NiutilTask {
     /// Gives the session and its rights up and posts the notification; nothing without a session.
     void deauthenticate();
 
-    // Reports: one line a record, each property's values joined by ",", each followed by a tab, then "\n". Empty when the
-    // directory cannot be read.
+    // Reports: one line a record, each property's values joined by ",", each followed by a tab, then "\n".
+    // Empty when the directory cannot be read.
     /// name, directory_path, afp_shared, afp_name, afp_use_parent_privs, afp_use_parent_owner.
     [[nodiscard]] std::vector<std::string> currentShares() const;
     /// name, uid, sharedDir, realname, gid.
@@ -75,8 +80,33 @@ class NiutilTask {
         std::optional<std::string> output; ///< none when the tool's bytes are not UTF-8
     };
 
+    /// Asks the user for the right; posts the notification when it was granted. The session exists already.
     bool fetchPassword();
-    RunResult runTool(const std::string& tool, const std::vector<std::string>& arguments);
+    /// Asks for the administrator right with these flags. True when it is granted.
+    [[nodiscard]] bool copyRights(AuthorizationFlags flags);
+    /// Starts the tool as root and reads its standard output to the end.
+    [[nodiscard]] RunResult runTool(const std::string& tool, std::span<const std::string> arguments);
+
+    // One judged run. `message` is the log's text for unexpected output, with one "%@" for it.
+    /// Answers false at the first check that fails: the caller stops there.
+    [[nodiscard]] bool runOrStop(const std::string& tool, std::span<const std::string> arguments,
+                                 std::string_view message);
+    /// Makes both checks, so that one run may log twice: the caller goes on.
+    void runAndLog(const std::string& tool, std::span<const std::string> arguments, std::string_view message);
+
+    /// One property of a record to be written, with the log's text for unexpected output.
+    struct Property {
+        std::string name;
+        std::string value;
+        std::string_view message;
+    };
+
+    /// Makes the account's record first when `entryMessage` is not empty, then writes the properties in
+    /// order, one with an empty value as a property without a value. Answers false at the first failed run.
+    [[nodiscard]] bool writeAccount(const std::string& path, std::string_view entryMessage,
+                                    std::span<const Property> properties);
+    /// Sends signal 1 to every process that the listing command prints.
+    void hangUp(const std::string& listingCommand);
 
     AuthorizationRef authorizationRef = nullptr;
 };

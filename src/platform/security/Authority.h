@@ -21,14 +21,15 @@ class Authority {
 
     /// A new session, or null with `*status` set to an error.
     [[nodiscard]] virtual std::unique_ptr<AuthorizationSession> createSession(OSStatus* status) = 0;
-    /// Grants `rights` or answers an error. Only with kAuthorizationFlagInteractionAllowed may the user be asked (through
-    /// the presenter's administrator dialog).
-    [[nodiscard]] virtual OSStatus copyRights(AuthorizationSession& session, const AuthorizationRights& rights,
+    /// Grants `rights` or answers an error. Only with kAuthorizationFlagInteractionAllowed may the user be
+    /// asked (through the presenter's administrator dialog).
+    [[nodiscard]] virtual OSStatus copyRights(AuthorizationSession& session,
+                                              const AuthorizationRights& rights,
                                               AuthorizationFlags flags) = 0;
     /// The session ends and its rights with it. The session is destroyed afterwards.
     virtual void destroyRights(AuthorizationSession& session) = 0;
-    /// Starts `tool`. On success `*output` (when not null) is a descriptor, owned by the caller, from which the tool's standard
-    /// output is read. Answers whether the tool was started, not what became of it.
+    /// Starts `tool`. On success `*output` (when not null) is a descriptor, owned by the caller, from which
+    /// the tool's standard output is read. Answers whether the tool was started, not what became of it.
     [[nodiscard]] virtual OSStatus execute(AuthorizationSession& session, const std::string& tool,
                                            std::span<const std::string> arguments, int* output) = 0;
 };

@@ -1,0 +1,87 @@
+#include "NiutilTask.h"
+
+#include "NSAlert.h"
+#include "NSLog.h"
+#include "NSString.h"
+
+#include <algorithm>
+
+namespace {
+
+const std::string kNicl = "/usr/bin/nicl";
+
+std::string sharePath(const std::string& shareName) {
+    return stringWithFormat("/config/Brindle/%@", shareName);
+}
+
+} // namespace
+
+bool NiutilTask::createShare(const std::string& shareName, const std::string& directoryPath,
+                             std::int32_t sharingAFS, std::int32_t inheritPerms, std::int32_t inheritOwner) {
+    if (!authenticate()) {
+        return false;
+    }
+    constexpr const char* pathMessage = "outString not empty for create directory_path: %@";
+    const std::vector<Property> properties = {
+        {"directory_path", directoryPath, pathMessage},
+        {"afp_shared", stringWithFormat("%d", sharingAFS), pathMessage},
+        {"afp_name", shareName, pathMessage},
+        {"afp_use_parent_privs", stringWithFormat("%d", inheritPerms),
+         "outString not empty for create afp_use_parent_privs: %@"},
+        {"afp_use_parent_owner", stringWithFormat("%d", inheritOwner),
+         "outString not empty for create afp_use_parent_owner: %@"},
+    };
+    const std::string path = sharePath(shareName);
+    if (!runOrStop(kNicl, std::vector<std::string>{".", "-create", path},
+                   "outString non empty for create Directory: %@")) {
+        return false;
+    }
+    return std::ranges::all_of(properties, [&](const Property& property) {
+        return runOrStop(kNicl, std::vector<std::string>{".", "-create", path, property.name, property.value},
+                         property.message);
+    });
+}
+
+void NiutilTask::deleteShare(const std::string& shareName) {
+    if (authenticate()) {
+        runAndLog(kNicl, std::vector<std::string>{".", "-delete", sharePath(shareName)},
+                  "outString non empty for deleteGroup: %@");
+    }
+}
+
+void NiutilTask::deleteAllShares() {
+    if (!authenticate()) {
+        return;
+    }
+    const std::vector<std::string> shares = currentShares();
+    for (auto line = shares.rbegin(); line != shares.rend(); ++line) {
+        const std::string name = line->substr(0, line->find('\t'));
+        const RunResult result = runTool(kNicl, std::vector<std::string>{".", "-delete", sharePath(name)});
+        if (result.output != "") {
+            NSBeep();
+            NSLog("Delete All Shares did not complete properly for share: %@ with error: %@", name,
+                  result.output);
+        }
+        if (result.status != errAuthorizationSuccess) {
+            NSBeep();
+            NSLog("Error %d in Delete AuthorizationExecuteWithPrivileges", result.status);
+        }
+    }
+}
+
+bool NiutilTask::cp(const std::string& source, const std::string& to) {
+    return authenticate() &&
+           runOrStop("/bin/cp", std::vector<std::string>{source, to}, "outString non empty for cp: %@");
+}
+
+void NiutilTask::changePermissions(const std::string& directory, const std::string& owner,
+                                   const std::string& group, std::int32_t permissions) {
+    if (!authenticate()) {
+        return;
+    }
+    constexpr const char* message = "outString non empty for create User: %@";
+    runAndLog("/usr/sbin/chown", std::vector<std::string>{stringWithFormat("%@:%@", owner, group), directory},
+              message);
+    runAndLog("/bin/chmod", std::vector<std::string>{stringWithFormat("%o", permissions), directory},
+              message);
+}

@@ -1,0 +1,130 @@
+#include "NiutilTask.h"
+
+#include "Host.h"
+#include "NSAlert.h"
+#include "NSLog.h"
+#include "NSNotificationCenter.h"
+#include "NSString.h"
+#include "ToolStream.h"
+#include "ni_report.h"
+
+namespace {
+
+constexpr const char* kStatusMessage = "Error %d in AuthorizationExecuteWithPrivileges";
+
+std::vector<std::string> report(const std::string& path, std::span<const std::string> properties) {
+    std::vector<std::string> lines;
+    // A directory that cannot be read was logged there and shows as an empty list.
+    static_cast<void>(ni_report_local(path, properties, lines));
+    return lines;
+}
+
+} // namespace
+
+NiutilTask& NiutilTask::sharedInstance() {
+    return platform::Host::current().sharedInstance<NiutilTask>();
+}
+
+NiutilTask::~NiutilTask() {
+    deauthenticate();
+}
+
+bool NiutilTask::isAuthenticated() {
+    if (authorizationRef == nullptr) {
+        // Without a session every request below fails, which is all the answer that is needed.
+        static_cast<void>(AuthorizationCreate({}, kAuthorizationFlagDefaults, &authorizationRef));
+    }
+    return copyRights(kAuthorizationFlagExtendRights);
+}
+
+bool NiutilTask::authenticate() {
+    if (!isAuthenticated()) {
+        fetchPassword();
+    }
+    return isAuthenticated();
+}
+
+bool NiutilTask::fetchPassword() {
+    if (!copyRights(kAuthorizationFlagInteractionAllowed | kAuthorizationFlagExtendRights)) {
+        return false;
+    }
+    NSNotificationCenter::defaultCenter().postNotificationName(NiutilAuthenticatedNotification, this);
+    return true;
+}
+
+void NiutilTask::deauthenticate() {
+    if (authorizationRef == nullptr) {
+        return;
+    }
+    AuthorizationFree(authorizationRef, kAuthorizationFlagDestroyRights);
+    authorizationRef = nullptr;
+    NSNotificationCenter::defaultCenter().postNotificationName(NiutilDeauthenticatedNotification, this);
+}
+
+bool NiutilTask::copyRights(AuthorizationFlags flags) {
+    // One right serves every tool; the directory tool stands for all of them.
+    const AuthorizationRights rights = {{"system.privilege.admin", "/usr/bin/nicl", 0}};
+    AuthorizationRights* granted = nullptr;
+    if (AuthorizationCopyRights(authorizationRef, rights, flags, &granted) != errAuthorizationSuccess) {
+        return false;
+    }
+    AuthorizationFreeItemSet(granted);
+    return true;
+}
+
+std::vector<std::string> NiutilTask::currentShares() const {
+    const std::vector<std::string> properties = {"name",     "directory_path",       "afp_shared",
+                                                 "afp_name", "afp_use_parent_privs", "afp_use_parent_owner"};
+    return report("/config/Brindle", properties);
+}
+
+std::vector<std::string> NiutilTask::currentUsers() const {
+    const std::vector<std::string> properties = {"name", "uid", "sharedDir", "realname", "gid"};
+    return report("/users", properties);
+}
+
+std::vector<std::string> NiutilTask::currentGroups() const {
+    const std::vector<std::string> properties = {"gid", "name", "users"};
+    return report("/groups", properties);
+}
+
+NiutilTask::RunResult NiutilTask::runTool(const std::string& tool, std::span<const std::string> arguments) {
+    std::FILE* stream = nullptr;
+    const OSStatus status = AuthorizationExecuteWithPrivileges(
+        authorizationRef, tool, kAuthorizationFlagDefaults, arguments, &stream);
+    if (status != errAuthorizationSuccess) {
+        return {status, ""};
+    }
+    std::optional<std::string> output = readToolStream(stream);
+    std::fclose(stream);
+    return {status, std::move(output)};
+}
+
+bool NiutilTask::runOrStop(const std::string& tool, std::span<const std::string> arguments,
+                           std::string_view message) {
+    const RunResult result = runTool(tool, arguments);
+    if (result.output != "") {
+        NSBeep();
+        NSLog(message, result.output);
+        return false;
+    }
+    if (result.status != errAuthorizationSuccess) {
+        NSBeep();
+        NSLog(kStatusMessage, result.status);
+        return false;
+    }
+    return true;
+}
+
+void NiutilTask::runAndLog(const std::string& tool, std::span<const std::string> arguments,
+                           std::string_view message) {
+    const RunResult result = runTool(tool, arguments);
+    if (result.output != "") {
+        NSBeep();
+        NSLog(message, result.output);
+    }
+    if (result.status != errAuthorizationSuccess) {
+        NSBeep();
+        NSLog(kStatusMessage, result.status);
+    }
+}
