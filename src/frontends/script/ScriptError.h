@@ -1,0 +1,19 @@
+#pragma once
+
+#include <stdexcept>
+#include <string>
+
+namespace frontend {
+
+/// A fault in a script, found at one of its lines (from 1). It ends the script.
+class ScriptError : public std::runtime_error {
+  public:
+    ScriptError(int line, const std::string& text) : std::runtime_error(text), line_(line) {}
+
+    [[nodiscard]] int line() const { return line_; }
+
+  private:
+    int line_;
+};
+
+} // namespace frontend

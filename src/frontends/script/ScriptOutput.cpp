@@ -1,0 +1,23 @@
+#include "ScriptOutput.h"
+
+#include "ScriptWords.h"
+
+namespace frontend {
+
+void ScriptOutput::line(std::string_view text) {
+    if (!silent_) {
+        stream_ << text << '\n' << std::flush;
+    }
+}
+
+void ScriptLog::write(std::string_view text) {
+    if (output_->isSilent()) {
+        return;
+    }
+    output_->line("log " + quotedText(text));
+    if (kept_) {
+        kept_->write(text);
+    }
+}
+
+} // namespace frontend

@@ -1,0 +1,49 @@
+#pragma once
+
+#include "Services.h"
+
+#include <memory>
+#include <ostream>
+#include <string_view>
+
+namespace frontend {
+
+/// The standard output of a scripted run. Presenter, log and commands write to the same one, so that its
+/// lines stand in the order in which things happened, and each is flushed, so that whoever waits at a pipe's
+/// other end sees it.
+class ScriptOutput {
+  public:
+    /// `stream` must outlive this.
+    explicit ScriptOutput(std::ostream& stream) : stream_(stream) {}
+
+    /// Writes `text` and a line break. Nothing once silenced.
+    void line(std::string_view text);
+
+    /// What happens after a fault of the script, while the application goes down, is no part of its output.
+    void silence() { silent_ = true; }
+
+    [[nodiscard]] bool isSilent() const { return silent_; }
+
+    /// True when something could not be written: a full disk, a reader that is gone.
+    [[nodiscard]] bool hasFailed() const { return !stream_.good(); }
+
+  private:
+    std::ostream& stream_;
+    bool silent_ = false;
+};
+
+/// Writes each entry of the system log as a `log` line, and hands it on to the log that is kept.
+class ScriptLog : public platform::Log {
+  public:
+    /// `kept` may be null.
+    ScriptLog(std::shared_ptr<ScriptOutput> output, std::shared_ptr<platform::Log> kept)
+        : output_(std::move(output)), kept_(std::move(kept)) {}
+
+    void write(std::string_view text) override;
+
+  private:
+    std::shared_ptr<ScriptOutput> output_;
+    std::shared_ptr<platform::Log> kept_;
+};
+
+} // namespace frontend

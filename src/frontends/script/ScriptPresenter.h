@@ -1,0 +1,92 @@
+#pragma once
+
+#include "Interface.h"
+#include "Presenter.h"
+#include "ScriptError.h"
+#include "ScriptOutput.h"
+
+#include <deque>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace frontend {
+
+/// The front-end of a scripted run: what would be shown, heard or asked becomes a line of output, and what is
+/// asked is answered from what the script has laid ready. It knows the loaded interface files, where the
+/// runner looks for the controls that the script names. Nothing waits: its timers are never fired, for nobody
+/// would see what they move.
+class ScriptPresenter : public platform::Presenter {
+  public:
+    explicit ScriptPresenter(std::shared_ptr<ScriptOutput> output) : output_(std::move(output)) {}
+
+    // What the script lays ready; `line` is the script's, for messages.
+    /// The next alert titled `alert` (none: any that has no answer of its own) is answered by its button
+    /// `button`.
+    void addAnswer(int line, std::optional<std::string> alert, std::string button);
+    /// The next open panel is confirmed with `path`.
+    void addChoice(int line, std::string path);
+
+    void setAdministratorAllows(bool allows) { administratorAllows_ = allows; }
+
+    /// The fault that ended the script while something was asked: an answer or a choice that does not fit.
+    /// The action that asked was abandoned with it.
+    [[nodiscard]] const std::optional<ScriptError>& fault() const { return fault_; }
+
+    /// The answers and choices that nothing asked for, each as a sentence with its line, in the script's
+    /// order.
+    [[nodiscard]] std::vector<ScriptError> unused() const;
+
+    /// The element of that name in the loaded interface files, the first file's first; null when there is
+    /// none.
+    [[nodiscard]] platform::Element* find(const std::string& name) const;
+    /// The first control or menu item that is wired to the operation, or null.
+    [[nodiscard]] NSControl* findWiredTo(const std::string& operation) const;
+    /// The window, sheet or panel that an element stands in; null for the menus'.
+    [[nodiscard]] NSWindow* windowOf(const platform::Element& element) const;
+
+    [[nodiscard]] platform::AlertAnswer runAlert(const platform::Alert& alert) override;
+    [[nodiscard]] std::optional<std::string> runOpenPanel(const platform::OpenPanelRequest& request) override;
+    [[nodiscard]] std::optional<platform::AdministratorAnswer>
+    runAdministratorDialog(const platform::AdministratorRequest& request) override;
+    void beep() override;
+    void openAddress(const std::string& address) override;
+    [[nodiscard]] platform::TimerId startTimer(double interval, std::function<void()> fire) override;
+    void stopTimer(platform::TimerId timer) override;
+    void interfaceDidLoad(platform::Interface& interface) override;
+    void windowVisibilityDidChange(NSWindow& window) override;
+    void editWasRefused(const NSTextField& field, const std::string& errorText) override;
+    void applicationDidTerminate() override;
+    void toolWillRun(const std::string& tool, std::span<const std::string> arguments) override;
+    void toolDidWrite(std::string_view output) override;
+
+  private:
+    struct Answer {
+        int line;
+        std::optional<std::string> alert;
+        std::string button;
+    };
+
+    struct Choice {
+        int line;
+        std::string path;
+    };
+
+    [[nodiscard]] std::optional<Answer> takeAnswer(const std::string& title);
+    /// Keeps the fault, ends the output, and throws it through the action that asked.
+    [[noreturn]] void fail(ScriptError error);
+    void noteWindows(const platform::InterfaceNode& node, NSWindow* window);
+
+    std::shared_ptr<ScriptOutput> output_;
+    std::deque<Answer> answers_;
+    std::deque<Choice> choices_;
+    bool administratorAllows_ = true;
+    std::optional<ScriptError> fault_;
+    std::vector<platform::Interface*> interfaces_;
+    std::map<const platform::Element*, NSWindow*> windows_;
+    platform::TimerId lastTimer_ = 0;
+};
+
+} // namespace frontend

@@ -1,0 +1,233 @@
+#include "ScriptRunner.h"
+
+#include "ControlState.h"
+#include "NSApplication.h"
+#include "NSButton.h"
+#include "NSMatrix.h"
+#include "NSPopUpButton.h"
+#include "NSString.h"
+#include "NSTabView.h"
+#include "NSTableView.h"
+#include "NSTextField.h"
+#include "NSWindow.h"
+#include "ScriptWords.h"
+
+#include <algorithm>
+#include <charconv>
+
+// The commands that use controls: what the window does with a user's mouse and keys.
+
+namespace frontend {
+
+namespace {
+
+bool isNumber(const std::string& word) {
+    return !word.empty() && word.find_first_not_of("0123456789") == std::string::npos;
+}
+
+} // namespace
+
+platform::Element& ScriptRunner::element(const std::string& name) const {
+    platform::Element* found = presenter_->find(name);
+    if (found == nullptr) {
+        fail("there is no control or window " + quotedText(name));
+    }
+    return *found;
+}
+
+void ScriptRunner::requireUsable(const platform::Element& element, const std::string& name) const {
+    const NSWindow* window = presenter_->windowOf(element);
+    const NSWindow* sheet = NSApp().attachedSheet();
+    if (sheet != nullptr && window != sheet) {
+        fail(name + " cannot be used while the sheet " + sheet->name() + " is up");
+    }
+    if (window != nullptr && !window->isVisible()) {
+        fail(window == &element
+                 ? name + " is not on screen"
+                 : name + " cannot be used: its window " + window->name() + " is not on screen");
+    }
+    if (const auto* control = dynamic_cast<const NSControl*>(&element);
+        control != nullptr && !control->isEnabled()) {
+        fail(name + " is disabled");
+    }
+}
+
+template <class Kind>
+Kind& ScriptRunner::usable(const std::string& name, const char* what) const {
+    platform::Element& found = element(name);
+    auto* kind = dynamic_cast<Kind*>(&found);
+    if (kind == nullptr) {
+        fail(name + " is not a " + what);
+    }
+    requireUsable(found, name);
+    return *kind;
+}
+
+NSTextField& ScriptRunner::editableField(const std::string& name) const {
+    auto& field = usable<NSTextField>(name, "text field");
+    if (!field.isEditable()) {
+        fail(name + " only shows its text: nothing can be typed into it");
+    }
+    return field;
+}
+
+int ScriptRunner::number(const std::string& word) const {
+    int value = 0;
+    const auto [end, error] = std::from_chars(word.data(), word.data() + word.size(), value);
+    if (!isNumber(word) || error != std::errc()) {
+        fail(quotedText(word) + " is not a number that counts from 0");
+    }
+    return value;
+}
+
+int ScriptRunner::state(const std::string& word) const {
+    if (word != "on" && word != "off") {
+        fail("a box is checked on or off, not " + quotedText(word));
+    }
+    return word == "on" ? NSOnState : NSOffState;
+}
+
+void ScriptRunner::type(const Words& words) {
+    NSTextField& field = editableField(words[0]);
+    perform([&] {
+        const NSRange all{0, utf16Length(field.stringValue())};
+        // A refused edit has been announced, and leaves the field as it was.
+        static_cast<void>(field.proposeEdit(words[1], utf16Length(words[1]), all));
+        field.endEditing();
+    });
+}
+
+void ScriptRunner::append(const Words& words) {
+    NSTextField& field = editableField(words[0]);
+    perform([&] {
+        const std::string& text = field.stringValue();
+        const std::string proposed = text + words[1];
+        static_cast<void>(field.proposeEdit(proposed, utf16Length(proposed), {utf16Length(text), 0}));
+        field.endEditing();
+    });
+}
+
+void ScriptRunner::select(const Words& words) {
+    auto& popUp = usable<NSPopUpButton>(words[0], "pop-up menu");
+    const int index = isNumber(words[1]) ? number(words[1]) : popUp.indexOfItemWithTitle(words[1]);
+    if (index < 0 || index >= popUp.numberOfItems()) {
+        fail(words[0] + " has no item " + quotedText(words[1]));
+    }
+    perform([&] { popUp.performSelect(index); });
+}
+
+void ScriptRunner::page(const Words& words) {
+    auto& tabView = usable<NSTabView>(words[0], "tab view");
+    const int index = number(words[1]);
+    if (index >= tabView.numberOfTabViewItems()) {
+        fail(words[0] + " has no page " + words[1]);
+    }
+    perform([&] { tabView.selectTabViewItemAtIndex(index); });
+}
+
+void ScriptRunner::rows(const Words& words) {
+    auto& table = usable<NSTableView>(words[0], "table");
+    std::vector<int> selection;
+    for (auto word = words.begin() + 1; word != words.end(); ++word) {
+        selection.push_back(number(*word));
+        if (selection.back() >= table.numberOfRows()) {
+            fail(words[0] + " has no row " + *word);
+        }
+    }
+    std::sort(selection.begin(), selection.end());
+    selection.erase(std::unique(selection.begin(), selection.end()), selection.end());
+    if (selection.size() > 1 && !table.allowsMultipleSelection()) {
+        fail(words[0] + " lets only one row be selected");
+    }
+    perform([&] { table.selectRows(selection); });
+}
+
+void ScriptRunner::check(const Words& words) {
+    if (words.size() != 2) {
+        checkCell(words);
+        return;
+    }
+    auto& box = usable<NSButton>(words[0], "check box");
+    if (box.kind() != NSButtonKind::CheckBox) {
+        fail(words[0] + " is not a check box");
+    }
+    if (box.state() != state(words[1])) {
+        perform([&] { box.performClick(); });
+    }
+}
+
+void ScriptRunner::checkCell(const Words& words) {
+    auto& matrix = usable<NSMatrix>(words[0], "matrix");
+    if (words.size() != 4) {
+        fail("write this command as: check OUTLET ROW COLUMN on|off");
+    }
+    const int row = number(words[1]);
+    const int column = number(words[2]);
+    if (row >= matrix.numberOfRows() || column >= matrix.numberOfColumns()) {
+        fail(words[0] + " has no cell in row " + words[1] + " and column " + words[2]);
+    }
+    if (matrix.stateAt(row, column) != state(words[3])) {
+        perform([&] { matrix.performClickAt(row, column); });
+    }
+}
+
+void ScriptRunner::press(const Words& words) {
+    auto& button = usable<NSButton>(words[0], "button");
+    if (button.kind() != NSButtonKind::Push) {
+        fail(words[0] + " is a check box: write check " + words[0] + " on|off");
+    }
+    perform([&] { button.performClick(); });
+}
+
+void ScriptRunner::send(const Words& words) {
+    NSControl* sender = presenter_->findWiredTo(words[0]);
+    if (sender == nullptr) {
+        fail("no control or menu item sends " + quotedText(words[0]));
+    }
+    requireUsable(*sender, sender->name().empty() ? words[0] : sender->name());
+    perform([&] { sender->sendAction(); });
+}
+
+void ScriptRunner::show(const Words& words) {
+    std::vector<platform::Element*> shown;
+    for (const std::string& name : words) {
+        shown.push_back(&element(name));
+    }
+    for (platform::Element* each : shown) {
+        const std::string state = describeState(*each);
+        if (state.empty()) {
+            fail(each->name() + " has nothing to show");
+        }
+        output_->line(state);
+    }
+}
+
+void ScriptRunner::items(const Words& words) {
+    const auto* popUp = dynamic_cast<const NSPopUpButton*>(&element(words[0]));
+    if (popUp == nullptr) {
+        fail(words[0] + " is not a pop-up menu");
+    }
+    if (popUp->numberOfItems() > 0) {
+        output_->line(describeItems(*popUp));
+    }
+}
+
+void ScriptRunner::close(const Words& words) {
+    auto& window = usable<NSWindow>(words[0], "window");
+    if (window.kind() == NSWindowKind::Sheet) {
+        fail(words[0] + " is a sheet: only its own buttons end it");
+    }
+    perform([&] { window.close(); });
+}
+
+void ScriptRunner::quit(const Words& /*words*/) {
+    perform([] {
+        if (NSWindow* window = NSApp().mainWindow()) {
+            window->close();
+        }
+        NSApp().terminate(); // also without a main window, or with one that may close and leave the
+                             // application up
+    });
+}
+
+} // namespace frontend

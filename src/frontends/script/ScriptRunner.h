@@ -1,0 +1,95 @@
+#pragma once
+
+#include "ScriptOutput.h"
+#include "ScriptPresenter.h"
+
+#include <functional>
+#include <iosfwd>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+class NSControl;
+class NSTextField;
+class NSWindow;
+
+namespace frontend {
+
+/// Carries out a script: reads its commands line by line and does each to its end before it reads the next.
+/// What a command does to a control is what a user could do, through the control's own operations; a command
+/// that a user could not carry out ends the script.
+class ScriptRunner {
+  public:
+    /// `name` is the script's in messages; `input` and `errors` must outlive the runner. `launch` loads the
+    /// interface and starts the application; what it throws comes through run(). `presenter` must be the
+    /// current host's.
+    ScriptRunner(std::string name, std::istream& input, std::shared_ptr<ScriptOutput> output,
+                 std::shared_ptr<ScriptPresenter> presenter, std::function<void()> launch,
+                 std::ostream& errors);
+
+    /// Runs the whole script and then ends the application. Answers the exit status: 0, or 1 after a fault,
+    /// which has been written to the errors as "NAME:LINE: what is wrong".
+    [[nodiscard]] int run();
+
+  private:
+    using Words = std::vector<std::string>; ///< a command's words after its name
+
+    struct Command {
+        std::string_view name;
+        std::string_view usage; ///< what follows the name, for messages
+        std::size_t least;      ///< how many words follow it
+        std::size_t most;
+        bool preparesOnly; ///< only lays answers ready: may come before `start`
+        void (ScriptRunner::*run)(const Words& words);
+    };
+
+    [[nodiscard]] static const Command* findCommand(const std::string& name);
+    void carryOut(const std::string& line);
+    void checkTime(const Command& command) const;
+    void finish();
+
+    void start(const Words& words);
+    void answer(const Words& words);
+    void choose(const Words& words);
+    void administrator(const Words& words);
+    void type(const Words& words);
+    void append(const Words& words);
+    void select(const Words& words);
+    void page(const Words& words);
+    void rows(const Words& words);
+    void check(const Words& words);
+    void press(const Words& words);
+    void send(const Words& words);
+    void show(const Words& words);
+    void items(const Words& words);
+    void close(const Words& words);
+    void quit(const Words& words);
+
+    /// Ends the script at the line that is carried out.
+    [[noreturn]] void fail(const std::string& text) const;
+    /// Runs what a user does as one event of the application; a fault inside ends the script.
+    void perform(const std::function<void()>& event);
+
+    [[nodiscard]] platform::Element& element(const std::string& name) const;
+    /// The control of that name, which a user can use now; `what` names the kind that the command is for.
+    template <class Kind>
+    [[nodiscard]] Kind& usable(const std::string& name, const char* what) const;
+    void requireUsable(const platform::Element& element, const std::string& name) const;
+    [[nodiscard]] NSTextField& editableField(const std::string& name) const;
+    [[nodiscard]] int number(const std::string& word) const;
+    /// The state that the word "on" or "off" names.
+    [[nodiscard]] int state(const std::string& word) const;
+    void checkCell(const Words& words);
+
+    std::string name_;
+    std::istream& input_;
+    std::shared_ptr<ScriptOutput> output_;
+    std::shared_ptr<ScriptPresenter> presenter_;
+    std::function<void()> launch_;
+    std::ostream& errors_;
+    int line_ = 0;
+    bool started_ = false;
+};
+
+} // namespace frontend
