@@ -58,18 +58,6 @@ SMBConf::SMBConf(std::string path) : _path(std::move(path)) {
     parseSMBConfFile();
 }
 
-bool SMBConf::isCommentGroup(std::string_view line) {
-    return line.starts_with("#[") || line.starts_with(";[");
-}
-
-bool SMBConf::isComment(std::string_view line) {
-    return line.starts_with('#') || line.starts_with(';');
-}
-
-bool SMBConf::isGroup(std::string_view line) {
-    return line.starts_with('[') && line.ends_with(']');
-}
-
 void SMBConf::parseSMBConfFile() {
     NSFileContents contents = contentsOfFile(_path);
     if (!contents.bytes && contents.error != ENOENT) {

@@ -61,9 +61,17 @@ class SMBConf {
     [[nodiscard]] const std::vector<SMBLossNotice>& lossNotices() const { return _lossNotices; }
 
     // Tests of one line, leading white space already gone.
-    [[nodiscard]] static bool isCommentGroup(std::string_view line);
-    [[nodiscard]] static bool isComment(std::string_view line);
-    [[nodiscard]] static bool isGroup(std::string_view line);
+    [[nodiscard]] static bool isCommentGroup(std::string_view line) {
+        return line.starts_with("#[") || line.starts_with(";[");
+    }
+
+    [[nodiscard]] static bool isComment(std::string_view line) {
+        return line.starts_with('#') || line.starts_with(';');
+    }
+
+    [[nodiscard]] static bool isGroup(std::string_view line) {
+        return line.starts_with('[') && line.ends_with(']');
+    }
 
     /// The file's text as the model has it now.
     [[nodiscard]] std::string writtenText() const;

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cstring>
-#include <iterator>
 
 namespace {
 
@@ -67,12 +66,10 @@ bool SMBParser::nextLine() {
     if (_position == end) {
         return false;
     }
-    const char* stop = _position;
-    while (stop != end && *stop != '\n' && *stop != '\r') {
-        ++stop;
-    }
-    _line = std::string_view(_position, static_cast<std::size_t>(stop - _position));
-    _position = stop;
+    std::string_view rest(_position, static_cast<std::size_t>(end - _position));
+    _line = rest.substr(0, rest.find('\n'));
+    _line = _line.substr(0, _line.find('\r'));
+    _position += _line.size();
     return true;
 }
 
@@ -165,14 +162,15 @@ void SMBParser::addPair(std::string_view text, bool commentedOut) {
     if (!commentedOut && isContinued(value)) {
         note(SMBLoss::Continuation);
     }
-    _pairs.push_back(
-        {SMBText::borrowed(withoutBlanks(rest.substr(0, equals))), SMBText::borrowed(withoutBlanks(value))});
+    _pairs.emplace_back(withoutBlanks(rest.substr(0, equals)), withoutBlanks(value));
 }
 
 void SMBParser::takePairs() {
     std::vector<SMBPair>& props = _current->Props();
     props.reserve(_pairs.size());
-    std::move(_pairs.begin(), _pairs.end(), std::back_inserter(props));
+    for (const auto& [key, value] : _pairs) {
+        props.push_back({SMBText::borrowed(key), SMBText::borrowed(value)});
+    }
     _pairs.clear();
 }
 

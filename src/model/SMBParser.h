@@ -4,6 +4,7 @@
 
 #include <memory>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 /// Reads the text of smb.conf into entries, once. Nothing is refused: a line that fits no rule is dropped,
@@ -41,6 +42,6 @@ class SMBParser {
     bool _haveLine = false; ///< `_line` ended an entry and is still to be looked at
     State _state = State::Start;
     std::unique_ptr<SMBShare> _current;
-    std::vector<SMBPair>
-        _pairs; ///< of the current entry, moved into a list of just their number when it ends
+    /// Keys and values of the current entry, until it ends and their number is known.
+    std::vector<std::pair<std::string_view, std::string_view>> _pairs;
 };

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <algorithm>
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -18,19 +20,19 @@ class SMBText {
   public:
     SMBText() = default;
 
-    SMBText(std::string text) : own_(std::make_unique<const std::string>(std::move(text))), view_(*own_) {}
+    SMBText(std::string_view text) : SMBText(copyOf(text), Ownership(text.size(), true)) {}
 
-    SMBText(std::string_view text) : SMBText(std::string(text)) {}
+    SMBText(const std::string& text) : SMBText(std::string_view(text)) {}
 
-    SMBText(const char* text) : SMBText(std::string(text)) {}
+    SMBText(const char* text) : SMBText(std::string_view(text)) {}
 
-    SMBText(const SMBText& other) : SMBText(std::string(other.view_)) {}
+    SMBText(const SMBText& other) : SMBText(other.view()) {}
 
-    SMBText(SMBText&& other) noexcept : own_(std::move(other.own_)), view_(std::exchange(other.view_, {})) {}
+    SMBText(SMBText&& other) noexcept
+        : bytes_(other.bytes_.release(), std::exchange(other.bytes_.get_deleter(), {})) {}
 
     SMBText& operator=(SMBText other) noexcept {
-        own_ = std::move(other.own_);
-        view_ = other.view_;
+        bytes_.swap(other.bytes_);
         return *this;
     }
 
@@ -38,43 +40,66 @@ class SMBText {
 
     /// A view of `text`, whose bytes must outlive it.
     [[nodiscard]] static SMBText borrowed(std::string_view text) {
-        SMBText answer;
-        answer.view_ = text;
-        return answer;
+        return {text.data(), Ownership(text.size(), false)};
     }
 
     /// Valid until the text is changed or destroyed.
-    [[nodiscard]] std::string_view view() const { return view_; }
+    [[nodiscard]] std::string_view view() const { return {bytes_.get(), bytes_.get_deleter().size()}; }
 
-    [[nodiscard]] std::string str() const { return std::string(view_); }
+    [[nodiscard]] std::string str() const { return std::string(view()); }
 
-    [[nodiscard]] bool empty() const { return view_.empty(); }
+    [[nodiscard]] bool empty() const { return view().empty(); }
 
-    operator std::string_view() const { return view_; }
+    operator std::string_view() const { return view(); }
 
     operator std::string() const { return str(); }
 
     // One for each kind of text, because both conversions above would serve a comparison.
     [[nodiscard]] friend bool operator==(const SMBText& left, const SMBText& right) {
-        return left.view_ == right.view_;
+        return left.view() == right.view();
     }
 
     [[nodiscard]] friend bool operator==(const SMBText& left, std::string_view right) {
-        return left.view_ == right;
+        return left.view() == right;
     }
 
     [[nodiscard]] friend bool operator==(const SMBText& left, const std::string& right) {
-        return left.view_ == right;
+        return left.view() == right;
     }
 
     [[nodiscard]] friend bool operator==(const SMBText& left, const char* right) {
-        return left.view_ == right;
+        return left.view() == right;
     }
 
   private:
-    std::unique_ptr<const std::string>
-        own_; ///< stays where it is when the text moves, so the view stays good
-    std::string_view view_;
+    /// The text's length, and whether its bytes are freed with it. One word, because a file has many texts.
+    class Ownership {
+      public:
+        Ownership() = default;
+
+        Ownership(std::size_t size, bool owned) : word_(size * 2 + (owned ? 1 : 0)) {}
+
+        [[nodiscard]] std::size_t size() const { return word_ / 2; }
+
+        void operator()(const char* bytes) const {
+            if (word_ % 2 != 0) {
+                std::default_delete<const char[]>()(bytes);
+            }
+        }
+
+      private:
+        std::size_t word_ = 0;
+    };
+
+    SMBText(const char* bytes, Ownership ownership) : bytes_(bytes, ownership) {}
+
+    static const char* copyOf(std::string_view text) {
+        auto bytes = std::make_unique<char[]>(text.size());
+        std::copy(text.begin(), text.end(), bytes.get());
+        return bytes.release();
+    }
+
+    std::unique_ptr<const char[], Ownership> bytes_;
 };
 
 /// A parameter of a section, as written.
