@@ -62,6 +62,8 @@ class Interface {
     std::shared_ptr<void> ownedOwner_; ///< keeps an owner that the file made; destroyed before the controls
     void* owner_ = nullptr;
     const ObjectClass* class_ = nullptr;
+    NSApplication* application_ = nullptr;      ///< set where it may know a window or the owner of this file
+    NSApplicationDelegate* delegate_ = nullptr; ///< the owner, where it is the application's delegate
     std::map<std::string, Element*, std::less<>> byName_;
     std::map<std::string, NSControl*, std::less<>> byOperation_;
 };

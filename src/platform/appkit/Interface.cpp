@@ -1,0 +1,70 @@
+#include "Interface.h"
+
+namespace platform {
+
+namespace {
+
+void forgetWindows(NSApplication& application, const InterfaceNode& node) {
+    if (const auto* window = dynamic_cast<const NSWindow*>(node.element.get())) {
+        application.forget(window);
+    }
+    for (const auto& child : node.children) {
+        forgetWindows(application, *child);
+    }
+}
+
+void collectOutlets(const InterfaceNode& node, std::map<std::string, bool, std::less<>>& connected) {
+    if (const std::string& outlet = node.attribute("outlet"); !outlet.empty()) {
+        connected[outlet] = true;
+    }
+    for (const auto& child : node.children) {
+        collectOutlets(*child, connected);
+    }
+}
+
+} // namespace
+
+const std::string& InterfaceNode::attribute(std::string_view name) const {
+    static const std::string none;
+    const auto found = attributes.find(name);
+    return found == attributes.end() ? none : found->second;
+}
+
+Interface::~Interface() {
+    if (application_ != nullptr) {
+        if (delegate_ != nullptr && application_->delegate() == delegate_) {
+            application_->setDelegate(nullptr);
+        }
+        forgetWindows(*application_, *root_);
+    }
+    ownedOwner_.reset();
+}
+
+Element* Interface::find(const std::string& name) const {
+    const auto found = byName_.find(name);
+    return found == byName_.end() ? nullptr : found->second;
+}
+
+NSControl* Interface::findWiredTo(const std::string& operation) const {
+    const auto found = byOperation_.find(operation);
+    return found == byOperation_.end() ? nullptr : found->second;
+}
+
+std::vector<std::string> Interface::unconnected() const {
+    std::map<std::string, bool, std::less<>> connected;
+    collectOutlets(*root_, connected);
+    std::vector<std::string> names;
+    for (const auto& [name, set] : class_->outlets) {
+        if (!connected.contains(name)) {
+            names.push_back(name);
+        }
+    }
+    for (const auto& [name, perform] : class_->actions) {
+        if (!byOperation_.contains(name)) {
+            names.push_back(name);
+        }
+    }
+    return names;
+}
+
+} // namespace platform

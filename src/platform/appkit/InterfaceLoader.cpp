@@ -1,0 +1,233 @@
+#include "InterfaceLoader.h"
+
+#include "Host.h"
+#include "NSBundle.h"
+#include "NSFileManager.h"
+#include "NSString.h"
+#include "Presenter.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include <pugixml.hpp>
+
+namespace platform {
+
+std::unique_ptr<Interface> Interface::load(const std::string& path, void* owner) {
+    return InterfaceLoader(path).load(owner);
+}
+
+std::unique_ptr<Interface> InterfaceLoader::load(void* owner) {
+    const NSFileContents file = contentsOfFile(path_);
+    if (!file.bytes) {
+        refuse(1, stringWithFormat("the interface file cannot be read: %@", std::strerror(file.error)));
+    }
+    lineStarts_ = {0};
+    for (std::size_t at = file.bytes->find('\n'); at != std::string::npos;
+         at = file.bytes->find('\n', at + 1)) {
+        lineStarts_.push_back(at + 1);
+    }
+    pugi::xml_document document;
+    const pugi::xml_parse_result parsed = document.load_buffer(file.bytes->data(), file.bytes->size(),
+                                                               pugi::parse_default, pugi::encoding_utf8);
+    if (!parsed) {
+        refuse(lineAt(parsed.offset),
+               stringWithFormat("the XML is not well formed: %@", parsed.description()));
+    }
+    const pugi::xml_node root = document.document_element();
+    if (std::string_view(root.name()) != interfaceRule().element) {
+        refuse(lineAt(root.offset_debug()),
+               stringWithFormat("an interface file begins with <%@>, not with <%@>", interfaceRule().element,
+                                root.name()));
+    }
+    interface_ = std::unique_ptr<Interface>(new Interface());
+    const ObjectClass* known = findClass(root.attribute("class").value());
+    if (known == nullptr) {
+        refuse(lineAt(root.offset_debug()),
+               stringWithFormat("there is no class \"%@\"", root.attribute("class").value()));
+    }
+    interface_->class_ = known;
+    chooseOwner(owner, lineAt(root.offset_debug()));
+    try {
+        interface_->root_ = build(root, interfaceRule());
+        checkBuddies();
+    } catch (...) {
+        resetOutlets();
+        throw;
+    }
+    tellApplication();
+    Host::current().presenter().interfaceDidLoad(*interface_);
+    return std::move(interface_);
+}
+
+void InterfaceLoader::refuse(int line, const std::string& fault) const {
+    throw InterfaceError(stringWithFormat("%@:%d: %@", path_, line, fault));
+}
+
+int InterfaceLoader::lineAt(std::ptrdiff_t offset) const {
+    const auto behind = std::upper_bound(lineStarts_.begin(), lineStarts_.end(),
+                                         static_cast<std::size_t>(std::max<std::ptrdiff_t>(0, offset)));
+    return static_cast<int>(behind - lineStarts_.begin());
+}
+
+void InterfaceLoader::chooseOwner(void* owner, int line) {
+    const ObjectClass& known = *interface_->class_;
+    if (owner == nullptr) {
+        if (!known.make) {
+            refuse(line,
+                   stringWithFormat("the class \"%@\" cannot be made by an interface file", known.name));
+        }
+        interface_->ownedOwner_ = known.make();
+        owner = interface_->ownedOwner_.get();
+    }
+    interface_->owner_ = owner;
+}
+
+void InterfaceLoader::resetOutlets() const {
+    for (const auto& [name, set] : interface_->class_->outlets) {
+        static_cast<void>(
+            set(interface_->owner_, nullptr)); // no element is of the outlet's kind: the answer is false
+    }
+}
+
+std::unique_ptr<InterfaceNode> InterfaceLoader::build(const pugi::xml_node& xml, const ElementRule& rule) {
+    auto node = std::make_unique<InterfaceNode>();
+    node->kind = rule.element;
+    node->line = lineAt(xml.offset_debug());
+    readAttributes(xml, rule, *node);
+    for (const pugi::xml_node& child : xml.children()) {
+        buildChild(child, rule, *node);
+    }
+    if (rule.oneLayout) {
+        checkOneLayout(*node);
+    }
+    node->element = makeElement(*node, rule);
+    nameElement(*node);
+    wireAction(*node);
+    return node;
+}
+
+void InterfaceLoader::readAttributes(const pugi::xml_node& xml, const ElementRule& rule,
+                                     InterfaceNode& node) const {
+    for (const pugi::xml_attribute& attribute : xml.attributes()) {
+        const AttributeRule* known = rule.attribute(attribute.name());
+        if (known == nullptr) {
+            refuse(node.line, stringWithFormat("<%@> has no attribute \"%@\"", node.kind, attribute.name()));
+        }
+        const std::string value = attribute.value();
+        if (const std::string fault = faultOfValue(*known, value); !fault.empty()) {
+            refuse(node.line,
+                   stringWithFormat("%@=\"%@\" of <%@> %@", attribute.name(), value, node.kind, fault));
+        }
+        const bool shown = known->kind == AttributeKind::Text && !value.empty();
+        if (!node.attributes.emplace(attribute.name(), shown ? NSLocalizedString(value) : value).second) {
+            refuse(node.line,
+                   stringWithFormat("<%@> has the attribute \"%@\" twice", node.kind, attribute.name()));
+        }
+    }
+    for (const AttributeRule& needed : rule.attributes) {
+        if (needed.required && !node.attributes.contains(needed.name)) {
+            refuse(node.line, stringWithFormat("<%@> needs the attribute \"%@\"", node.kind, needed.name));
+        }
+    }
+}
+
+void InterfaceLoader::buildChild(const pugi::xml_node& xml, const ElementRule& rule, InterfaceNode& parent) {
+    const int line = lineAt(xml.offset_debug());
+    if (xml.type() != pugi::node_element) {
+        refuse(line, stringWithFormat("<%@> holds text; texts are attributes", parent.kind));
+    }
+    const ElementRule* known = rule.child(xml.name());
+    if (known == nullptr) {
+        refuse(line, stringWithFormat("<%@> does not belong in <%@>", xml.name(), parent.kind));
+    }
+    parent.children.push_back(build(xml, *known));
+}
+
+void InterfaceLoader::checkOneLayout(const InterfaceNode& node) const {
+    const auto count = std::count_if(node.children.begin(), node.children.end(),
+                                     [](const auto& child) { return child->kind != "drawer"; });
+    if (count != 1 || node.children.size() > 2) {
+        refuse(node.line, stringWithFormat("<%@> holds %d layout elements; it needs one", node.kind, count));
+    }
+}
+
+void InterfaceLoader::nameElement(const InterfaceNode& node) {
+    const std::string& outlet = node.attribute("outlet");
+    const std::string& name = outlet.empty() ? node.attribute("name") : outlet;
+    if (name.empty()) {
+        return;
+    }
+    if (!outlet.empty() && node.attributes.contains("name")) {
+        refuse(node.line, stringWithFormat("the outlet \"%@\" has a name besides", outlet));
+    }
+    if (!interface_->byName_.emplace(name, node.element.get()).second) {
+        refuse(node.line, stringWithFormat("the name \"%@\" is taken already", name));
+    }
+    node.element->setName(name);
+    if (outlet.empty()) {
+        return;
+    }
+    const auto& outlets = interface_->class_->outlets;
+    const auto found = outlets.find(outlet);
+    if (found == outlets.end()) {
+        refuse(node.line,
+               stringWithFormat("the class \"%@\" has no outlet \"%@\"", interface_->class_->name, outlet));
+    }
+    if (!found->second(interface_->owner_, node.element.get())) {
+        refuse(node.line,
+               stringWithFormat("the outlet \"%@\" of the class \"%@\" is of another kind than <%@>", outlet,
+                                interface_->class_->name, node.kind));
+    }
+}
+
+void InterfaceLoader::wireAction(const InterfaceNode& node) {
+    if (node.attributes.contains("for")) {
+        labelsWithBuddy_.emplace_back(node.line, node.attribute("for"));
+    }
+    auto* control = dynamic_cast<NSControl*>(node.element.get());
+    if (control == nullptr) {
+        return;
+    }
+    control->setEnabled(node.attribute("enabled") != "no");
+    const std::string& operation = node.attribute("action");
+    if (operation.empty()) {
+        return;
+    }
+    const auto& actions = interface_->class_->actions;
+    const auto found = actions.find(operation);
+    if (found == actions.end()) {
+        refuse(node.line, stringWithFormat("the class \"%@\" has no operation \"%@\"",
+                                           interface_->class_->name, operation));
+    }
+    control->setAction({operation, [perform = found->second, owner = interface_->owner_](NSControl* sender) {
+                            perform(owner, sender);
+                        }});
+    interface_->byOperation_.emplace(operation, control);
+}
+
+void InterfaceLoader::checkBuddies() const {
+    for (const auto& [line, buddy] : labelsWithBuddy_) {
+        if (!interface_->byName_.contains(buddy)) {
+            refuse(line, stringWithFormat("the label belongs to \"%@\", which is not in the file", buddy));
+        }
+    }
+}
+
+void InterfaceLoader::tellApplication() const {
+    const auto& asDelegate = interface_->class_->applicationDelegate;
+    interface_->delegate_ = asDelegate ? asDelegate(interface_->owner_) : nullptr;
+    if (interface_->delegate_ == nullptr && mainWindow_ == nullptr && !hasSheet_) {
+        return;
+    }
+    NSApplication& application = NSApp();
+    interface_->application_ = &application;
+    if (interface_->delegate_ != nullptr) {
+        application.setDelegate(interface_->delegate_);
+    }
+    if (mainWindow_ != nullptr) {
+        application.setMainWindow(mainWindow_);
+    }
+}
+
+} // namespace platform

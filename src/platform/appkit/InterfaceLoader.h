@@ -1,0 +1,67 @@
+#pragma once
+
+#include "Interface.h"
+#include "InterfaceGrammar.h"
+
+#include <cstddef>
+#include <functional>
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace pugi {
+class xml_node;
+}
+
+namespace platform {
+
+/// Reads one interface file and makes its models: a single use of Interface::load.
+class InterfaceLoader {
+  public:
+    explicit InterfaceLoader(std::string path) : path_(std::move(path)) {}
+
+    [[nodiscard]] std::unique_ptr<Interface> load(void* owner);
+
+  private:
+    [[noreturn]] void refuse(int line, const std::string& fault) const;
+    [[nodiscard]] int lineAt(std::ptrdiff_t offset) const;
+
+    void chooseOwner(void* owner, int line);
+    void resetOutlets() const;
+
+    // From XML to nodes. A node is checked by the grammar before its model is made.
+    [[nodiscard]] std::unique_ptr<InterfaceNode> build(const pugi::xml_node& xml, const ElementRule& rule);
+    void readAttributes(const pugi::xml_node& xml, const ElementRule& rule, InterfaceNode& node) const;
+    void buildChild(const pugi::xml_node& xml, const ElementRule& rule, InterfaceNode& parent);
+    void checkOneLayout(const InterfaceNode& node) const;
+
+    // From nodes to models; a node's children are complete by then.
+    [[nodiscard]] std::unique_ptr<Element> makeElement(const InterfaceNode& node, const ElementRule& rule);
+    [[nodiscard]] std::unique_ptr<Element> makeWindow(const InterfaceNode& node);
+    [[nodiscard]] std::unique_ptr<Element> makeField(const InterfaceNode& node,
+                                                     std::unique_ptr<NSTextField> field) const;
+    [[nodiscard]] std::unique_ptr<Element> makeTable(const InterfaceNode& node) const;
+    [[nodiscard]] std::unique_ptr<Element> makeMatrix(const InterfaceNode& node) const;
+    [[nodiscard]] std::unique_ptr<Element> makeTabView(const InterfaceNode& node) const;
+    /// The owner as the delegate that the node needs.
+    template <class Delegate>
+    [[nodiscard]] Delegate* ownerAs(const std::function<Delegate*(void*)>& cast,
+                                    const InterfaceNode& node) const;
+
+    // Connections.
+    void nameElement(const InterfaceNode& node);
+    void wireAction(const InterfaceNode& node);
+    void checkBuddies() const;
+    void tellApplication() const;
+
+    std::string path_;
+    std::vector<std::size_t> lineStarts_;
+    std::unique_ptr<Interface> interface_;
+    NSWindow* mainWindow_ = nullptr;
+    bool hasSheet_ = false;
+    std::vector<std::pair<int, std::string>>
+        labelsWithBuddy_; ///< the label's line and the name it stands for
+};
+
+} // namespace platform
