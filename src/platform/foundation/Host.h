@@ -15,12 +15,13 @@ class NSUserDefaults;
 
 namespace platform {
 
-/// All state that the whole process shares: the services behind the platform's free functions, the notification
-/// centre, the user defaults, the main bundle, and the shared instances of classes that have one.
+/// All state that the whole process shares: the services behind the platform's free functions, the
+/// notification centre, the user defaults, the main bundle, and the shared instances of classes that have
+/// one.
 ///
-/// The constructor makes this host the current one and the destructor takes it away again with all it owns (the
-/// shared instances first, the youngest of them first of all), so that nothing outlives a scope or a test. Hosts
-/// nest like scopes. Main thread only.
+/// The constructor makes this host the current one and the destructor takes it away again with all it owns
+/// (the shared instances first, the youngest of them first of all), so that nothing outlives a scope or a
+/// test. Hosts nest like scopes. Main thread only.
 class Host {
   public:
     explicit Host(Services services);
@@ -39,7 +40,9 @@ class Host {
 
     [[nodiscard]] Paths& paths() const { return require(services_.paths, "paths"); }
 
-    [[nodiscard]] AccountNames& accountNames() const { return require(services_.accountNames, "account names"); }
+    [[nodiscard]] AccountNames& accountNames() const {
+        return require(services_.accountNames, "account names");
+    }
 
     [[nodiscard]] Processes& processes() const { return require(services_.processes, "processes"); }
 

@@ -1,17 +1,18 @@
 #pragma once
 
 #include "NSDictionary.h"
+#include "StringTable.h"
 
-#include <map>
 #include <string>
 #include <vector>
 
-/// The application's resource folder: Info.plist, interface files, images and one folder of string tables a language
+/// The application's resource folder: Info.plist, interface files, images and one folder of string tables a
+/// language
 /// ("English.lproj/Localizable.strings").
 class NSBundle {
   public:
-    /// `languages` in the order of preference, each the name of a folder less ".lproj"; missing folders are passed
-    /// over. A table that cannot be read is logged with its line and passed over.
+    /// `languages` in the order of preference, each the name of a folder less ".lproj"; missing folders are
+    /// passed over. A table that cannot be read is logged with its line and passed over.
     NSBundle(std::string resourcePath, const std::vector<std::string>& languages);
 
     /// The current host's.
@@ -29,15 +30,17 @@ class NSBundle {
   private:
     std::string resourcePath_;
     NSMutableDictionary info_;
-    std::map<std::string, std::string, std::less<>> localizable_;
-    std::map<std::string, std::string, std::less<>> infoPlist_;
+    platform::StringTable localizable_;
+    platform::StringTable infoPlist_;
 };
 
 /// mainBundle()'s localized text for `key`.
 [[nodiscard]] std::string NSLocalizedString(const std::string& key);
 
 namespace platform {
-/// The languages that the environment asks for (LC_ALL, LC_MESSAGES, LANG: the first that is set), as names for
-/// NSBundle: the code's folder ("de"), its English name where known ("German"), then "English".
+/// The languages that the environment asks for (LC_ALL, LC_MESSAGES, LANG: the first that is set), as names
+/// for NSBundle: the region's folder where one is named ("de_AT"), the language's ("de"), its English name
+/// where known
+/// ("German"), then "English".
 [[nodiscard]] std::vector<std::string> languagesFromEnvironment();
 } // namespace platform

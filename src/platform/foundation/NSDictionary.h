@@ -6,30 +6,34 @@
 #include <string>
 #include <string_view>
 
-/// A property list whose root is a dictionary, kept as libplist holds it, so that keys and types that nobody asks
-/// for come back unchanged. A view of a nested dictionary shares its owner's data.
+/// A property list whose root is a dictionary, kept as libplist holds it, so that keys and types that nobody
+/// asks for come back unchanged. A copy, and a view of a nested dictionary, share the data of what they came
+/// from.
 class NSMutableDictionary {
   public:
     NSMutableDictionary();
 
-    /// The dictionary in the file at `path` (mapped by the host), XML or binary; none when the file is missing,
-    /// unreadable, no property list, or has another root.
-    [[nodiscard]] static std::optional<NSMutableDictionary> dictionaryWithContentsOfFile(const std::string& path);
+    /// The dictionary in the file at `path` (mapped by the host), XML or binary; none when the file is
+    /// missing, unreadable, no property list, or has another root.
+    [[nodiscard]] static std::optional<NSMutableDictionary>
+    dictionaryWithContentsOfFile(const std::string& path);
     /// The same from the bytes of a file.
     [[nodiscard]] static std::optional<NSMutableDictionary> dictionaryWithData(std::string_view bytes);
 
     [[nodiscard]] bool hasKey(const std::string& key) const;
-    /// The boolean meaning: a boolean's value, a number other than 0, a text that begins with Y, y, T, t or a digit
-    /// 1 to 9 (after white space, a sign and zeros). A missing key or another type is false.
+    /// The boolean meaning: a boolean's value, a number other than 0, a text that begins with Y, y, T, t or a
+    /// digit 1 to 9 (after white space, a sign and zeros). A missing key or another type is false.
     [[nodiscard]] bool boolForKey(const std::string& key) const;
-    /// The integer meaning: an integer (saturated to 32 bits), a real cut at the point, a boolean as 1 or 0, a text
-    /// by intValue. A missing key or another type is 0.
+    /// The integer meaning: an integer (saturated to 32 bits), a real cut at the point, a boolean as 1 or 0,
+    /// a text by intValue. A missing key or another type is 0.
     [[nodiscard]] std::int32_t intForKey(const std::string& key) const;
     /// A text, or a number's text; none for a missing key or another type.
     [[nodiscard]] std::optional<std::string> stringForKey(const std::string& key) const;
     /// The nested dictionary under `key`, changed in place through the answer; none when it is not there.
     [[nodiscard]] std::optional<NSMutableDictionary> dictionaryForKey(const std::string& key) const;
 
+    /// Each replaces the value in its place among the keys, or adds the key at the end. A nested dictionary
+    /// that is replaced so is gone: a view of it must not be used any more.
     void setBool(bool value, const std::string& key);
     void setInt(std::int32_t value, const std::string& key);
     void setString(const std::string& value, const std::string& key);
@@ -41,6 +45,8 @@ class NSMutableDictionary {
 
   private:
     struct Node;
+
     explicit NSMutableDictionary(std::shared_ptr<Node> node) : node_(std::move(node)) {}
+
     std::shared_ptr<Node> node_;
 };

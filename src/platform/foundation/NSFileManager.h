@@ -6,7 +6,7 @@
 #include <string_view>
 
 struct NSFileAttributes {
-    std::int32_t posixPermissions = 0; ///< the mode's bits below the type: 07777
+    std::int32_t posixPermissions = 0;           ///< the mode's bits below the type: 07777
     std::optional<std::string> ownerAccountName; ///< none when the id has no name
     std::optional<std::string> groupOwnerAccountName;
 };
@@ -23,10 +23,12 @@ struct NSFileContents {
 /// The whole file at `path`, which the host maps.
 [[nodiscard]] NSFileContents contentsOfFile(const std::string& path);
 
-/// Writes `bytes` to `path` in one piece: a temporary file beside it, created exclusively with `mode`, flushed to
-/// disk and renamed over the target, so that no reader sees half a file and a link at `path` is replaced, not
-/// followed. False, with errno set and the target untouched, when a step fails; no temporary file stays.
-[[nodiscard]] bool writeToFileAtomically(const std::string& path, std::string_view bytes, unsigned mode = 0644);
+/// Writes `bytes` to `path` in one piece: a temporary file beside it, created exclusively with `mode`,
+/// flushed to disk and renamed over the target, so that no reader sees half a file and a link at `path` is
+/// replaced, not followed. False, with errno set and the target untouched, when a step fails; no temporary
+/// file stays.
+[[nodiscard]] bool writeToFileAtomically(const std::string& path, std::string_view bytes,
+                                         unsigned mode = 0644);
 
 /// Removes a file. False with errno set when that failed.
 [[nodiscard]] bool removeFileAtPath(const std::string& path);

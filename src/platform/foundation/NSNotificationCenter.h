@@ -18,8 +18,8 @@ class NSNotificationCenter {
     /// The current host's.
     [[nodiscard]] static NSNotificationCenter& defaultCenter();
 
-    /// `handler` is called for every notification named `name` whose object is `object` (null: any object), until
-    /// removeObserver is called with the same `observer`, which serves as an identity only.
+    /// `handler` is called for every notification named `name` whose object is `object` (null: any object),
+    /// until removeObserver is called with the same `observer`, which serves as an identity only.
     void addObserver(const void* observer, Handler handler, std::string name, const void* object);
     /// Takes away everything that was added for `observer`; nothing when there is none.
     void removeObserver(const void* observer);

@@ -9,12 +9,12 @@
 #include <string_view>
 #include <vector>
 
-/// The integer that a text begins with: optional white space, an optional sign, decimal digits up to the first
-/// other character. No digits read as 0. Saturates at the bounds of 32 bits.
+/// The integer that a text begins with: optional white space, an optional sign, decimal digits up to the
+/// first other character. No digits read as 0. Saturates at the bounds of 32 bits.
 [[nodiscard]] std::int32_t intValue(std::string_view text);
 
-/// `text` cut at every `separator` (not empty): n separators give n + 1 pieces, empty ones included. Read a piece
-/// with `.at()`, so that an unexpected text raises std::out_of_range.
+/// `text` cut at every `separator` (not empty): n separators give n + 1 pieces, empty ones included. Read a
+/// piece with `.at()`, so that an unexpected text raises std::out_of_range.
 [[nodiscard]] std::vector<std::string> componentsSeparatedByString(std::string_view text,
                                                                    std::string_view separator);
 
@@ -59,8 +59,9 @@ class FormatArgument {
 
 } // namespace platform
 
-/// `format` with each "%@", "%d", "%s" and "%o" (octal) replaced by the next argument and "%%" by a percent sign.
-/// Arguments that are not used are ignored; a directive without an argument, or an unknown one, stays as it is.
+/// `format` with each "%@", "%d", "%s" and "%o" (octal) replaced by the next argument and "%%" by a percent
+/// sign. Arguments that are not used are ignored; a directive without an argument, or an unknown one, stays
+/// as it is.
 template <class... Arguments>
 [[nodiscard]] std::string stringWithFormat(std::string_view format, const Arguments&... arguments) {
     return platform::formatWithArguments(format, {platform::FormatArgument(arguments)...});

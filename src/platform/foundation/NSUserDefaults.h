@@ -1,11 +1,15 @@
 #pragma once
 
+#include "NSDictionary.h"
+
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <utility>
 
-/// The user's settings of this application: a property list below the user's configuration folder. Read when a
-/// value is asked for first, and written whole at every change; keys of others in it are kept.
+/// The user's settings of this application: a property list below the user's configuration folder. Read when
+/// a value is asked for first, and written whole at every change; keys of others in it are kept. Without a
+/// path the values last as long as this object.
 class NSUserDefaults {
   public:
     explicit NSUserDefaults(std::string path) : path_(std::move(path)) {}
@@ -15,10 +19,14 @@ class NSUserDefaults {
 
     /// The integer stored under `key` (a text is read by intValue), or none when there is no such key.
     [[nodiscard]] std::optional<std::int32_t> integerForKey(const std::string& key) const;
-    /// Stores `value` and writes the file, making its folder. A failure is logged with the file's name and the
-    /// reason; a file that exists and is no property list is left alone.
+    /// Stores `value` and writes the file, making its folder. A failure is logged with the file's name and
+    /// the reason; a file that exists and is no property list is left alone.
     void setInteger(std::int32_t value, const std::string& key);
 
   private:
+    void readOnce() const;
+
     std::string path_;
+    mutable std::optional<NSMutableDictionary> values_; ///< none until something is asked for
+    mutable bool mayWrite_ = true; ///< false when the file holds what is not ours to replace
 };

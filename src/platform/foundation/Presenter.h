@@ -76,8 +76,8 @@ class Presenter {
     /// The application has ended; the front-end leaves its event loop.
     virtual void applicationDidTerminate() = 0;
 
-    /// A privileged tool run starts: the tool's path and its arguments as the system gives them, a password among
-    /// them replaced by "********".
+    /// A privileged tool run starts: the tool's path and its arguments as the system gives them, a password
+    /// among them replaced by "********".
     virtual void toolWillRun(const std::string& tool, std::span<const std::string> arguments) = 0;
     /// The run that was announced last wrote `output`, which is never empty, and has ended.
     virtual void toolDidWrite(std::string_view output) = 0;

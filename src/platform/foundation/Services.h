@@ -46,7 +46,8 @@ class Paths {
     [[nodiscard]] virtual std::string resources() const = 0;
 };
 
-/// Names of the accounts behind numeric ids: the local directory is asked first, this computer's accounts second.
+/// Names of the accounts behind numeric ids: the local directory is asked first, this computer's accounts
+/// second.
 class AccountNames {
   public:
     virtual ~AccountNames() = default;
@@ -58,14 +59,15 @@ class AccountNames {
 class Processes {
   public:
     virtual ~Processes() = default;
-    /// As popen(3): the stream of the command's standard output, or null with errno set. Close it with `close`.
+    /// As popen(3): the stream of the command's standard output, or null with errno set. Close it with
+    /// `close`.
     [[nodiscard]] virtual std::FILE* open(const std::string& command, const char* mode) = 0;
     /// As pclose(3).
     virtual int close(std::FILE* stream) = 0;
 };
 
-/// The services behind the platform's free functions. A host owns all of them; each may be shared with whoever
-/// made it. `authority` and `localDomain` may be left out where nothing uses them.
+/// The services behind the platform's free functions. A host owns all of them; each may be shared with
+/// whoever made it. `authority` and `localDomain` may be left out where nothing uses them.
 struct Services {
     std::shared_ptr<Log> log;
     std::shared_ptr<Clock> clock;

@@ -1,0 +1,208 @@
+#include "NSDictionary.h"
+
+#include "NSFileManager.h"
+#include "NSString.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <cmath>
+#include <limits>
+#include <stdexcept>
+#include <utility>
+
+#include <plist/plist.h>
+
+namespace {
+
+struct Free {
+    void operator()(void* plist) const { plist_free(plist); }
+};
+
+constexpr std::string_view binaryMagic = "bplist00";
+using Limits = std::numeric_limits<std::int32_t>;
+
+std::int64_t integerIn(plist_t item) {
+    std::uint64_t bits = 0;
+    plist_get_uint_val(item, &bits);
+    return static_cast<std::int64_t>(bits); // libplist hands a negative number out as its two's complement
+}
+
+double realIn(plist_t item) {
+    double value = 0;
+    plist_get_real_val(item, &value);
+    return value;
+}
+
+bool booleanIn(plist_t item) {
+    std::uint8_t value = 0;
+    plist_get_bool_val(item, &value);
+    return value != 0;
+}
+
+std::string textIn(plist_t item) {
+    std::uint64_t length = 0;
+    const char* text = plist_get_string_ptr(item, &length);
+    return text == nullptr ? std::string() : std::string(text, length);
+}
+
+bool meansYes(std::string_view text) {
+    text.remove_prefix(std::min(text.find_first_not_of(" \t\n\v\f\r"), text.size()));
+    if (text.starts_with('+') || text.starts_with('-')) {
+        text.remove_prefix(1);
+    }
+    text.remove_prefix(std::min(text.find_first_not_of('0'), text.size()));
+    constexpr std::string_view yes = "YyTt123456789";
+    return !text.empty() && yes.find(text.front()) != std::string_view::npos;
+}
+
+std::int32_t cut(double value) {
+    if (std::isnan(value)) {
+        return 0;
+    }
+    return static_cast<std::int32_t>(std::clamp<double>(value, Limits::min(), Limits::max()));
+}
+
+std::string textOf(double value) {
+    std::array<char, 64> digits{};
+    const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), value);
+    return {digits.data(), end.ptr};
+}
+
+} // namespace
+
+/// A dictionary inside a property list, with a share in the ownership of the whole.
+struct NSMutableDictionary::Node {
+    std::shared_ptr<void> root;
+    plist_t dictionary;
+
+    [[nodiscard]] plist_t item(const std::string& key) const {
+        return plist_dict_get_item(dictionary, key.c_str());
+    }
+
+    /// libplist replaces a value where it stands, so the order of the keys stays.
+    void set(plist_t value, const std::string& key) const {
+        plist_dict_set_item(dictionary, key.c_str(), value);
+    }
+};
+
+NSMutableDictionary::NSMutableDictionary() {
+    std::shared_ptr<void> root(plist_new_dict(), Free());
+    node_ = std::make_shared<Node>(Node{root, root.get()});
+}
+
+std::optional<NSMutableDictionary>
+NSMutableDictionary::dictionaryWithContentsOfFile(const std::string& path) {
+    const NSFileContents contents = contentsOfFile(path);
+    return contents.bytes ? dictionaryWithData(*contents.bytes) : std::nullopt;
+}
+
+std::optional<NSMutableDictionary> NSMutableDictionary::dictionaryWithData(std::string_view bytes) {
+    if (bytes.empty() || bytes.size() > std::numeric_limits<std::uint32_t>::max()) {
+        return std::nullopt;
+    }
+    const auto size = static_cast<std::uint32_t>(bytes.size());
+    plist_t read = nullptr;
+    if (bytes.starts_with(binaryMagic)) {
+        plist_from_bin(bytes.data(), size, &read);
+    } else {
+        plist_from_xml(bytes.data(), size, &read);
+    }
+    std::shared_ptr<void> root(read, Free());
+    if (!read || plist_get_node_type(read) != PLIST_DICT) {
+        return std::nullopt;
+    }
+    return NSMutableDictionary(std::make_shared<Node>(Node{root, read}));
+}
+
+bool NSMutableDictionary::hasKey(const std::string& key) const {
+    return node_->item(key) != nullptr;
+}
+
+bool NSMutableDictionary::boolForKey(const std::string& key) const {
+    const plist_t item = node_->item(key);
+    switch (plist_get_node_type(item)) {
+    case PLIST_BOOLEAN:
+        return booleanIn(item);
+    case PLIST_UINT:
+        return integerIn(item) != 0;
+    case PLIST_REAL:
+        return realIn(item) != 0;
+    case PLIST_STRING:
+        return meansYes(textIn(item));
+    default:
+        return false;
+    }
+}
+
+std::int32_t NSMutableDictionary::intForKey(const std::string& key) const {
+    const plist_t item = node_->item(key);
+    switch (plist_get_node_type(item)) {
+    case PLIST_BOOLEAN:
+        return booleanIn(item) ? 1 : 0;
+    case PLIST_UINT:
+        return static_cast<std::int32_t>(
+            std::clamp<std::int64_t>(integerIn(item), Limits::min(), Limits::max()));
+    case PLIST_REAL:
+        return cut(realIn(item));
+    case PLIST_STRING:
+        return intValue(textIn(item));
+    default:
+        return 0;
+    }
+}
+
+std::optional<std::string> NSMutableDictionary::stringForKey(const std::string& key) const {
+    const plist_t item = node_->item(key);
+    switch (plist_get_node_type(item)) {
+    case PLIST_BOOLEAN:
+        return booleanIn(item) ? "1" : "0";
+    case PLIST_UINT:
+        return std::to_string(integerIn(item));
+    case PLIST_REAL:
+        return textOf(realIn(item));
+    case PLIST_STRING:
+        return textIn(item);
+    default:
+        return std::nullopt;
+    }
+}
+
+std::optional<NSMutableDictionary> NSMutableDictionary::dictionaryForKey(const std::string& key) const {
+    const plist_t item = node_->item(key);
+    if (plist_get_node_type(item) != PLIST_DICT) {
+        return std::nullopt;
+    }
+    return NSMutableDictionary(std::make_shared<Node>(Node{node_->root, item}));
+}
+
+void NSMutableDictionary::setBool(bool value, const std::string& key) {
+    node_->set(plist_new_bool(value ? 1 : 0), key);
+}
+
+void NSMutableDictionary::setInt(std::int32_t value, const std::string& key) {
+    node_->set(plist_new_uint(static_cast<std::uint64_t>(std::int64_t{value})), key);
+}
+
+void NSMutableDictionary::setString(const std::string& value, const std::string& key) {
+    node_->set(plist_new_string(value.c_str()), key);
+}
+
+std::string NSMutableDictionary::xmlText() const {
+    char* xml = nullptr;
+    std::uint32_t length = 0;
+    plist_to_xml(node_->dictionary, &xml, &length);
+    if (xml == nullptr) {
+        throw std::runtime_error("a property list could not be written as XML");
+    }
+    const std::unique_ptr<char, decltype(&plist_to_xml_free)> owner(xml, &plist_to_xml_free);
+    std::string text(xml, length);
+    if (!text.ends_with('\n')) {
+        text += '\n';
+    }
+    return text;
+}
+
+bool NSMutableDictionary::writeToFile(const std::string& path) const {
+    return writeToFileAtomically(path, xmlText());
+}

@@ -1,0 +1,61 @@
+#include "NSUserDefaults.h"
+
+#include "Host.h"
+#include "NSFileManager.h"
+#include "NSLog.h"
+
+#include <cerrno>
+#include <cstring>
+#include <filesystem>
+#include <system_error>
+#include <utility>
+
+NSUserDefaults& NSUserDefaults::standardUserDefaults() {
+    return platform::Host::current().userDefaults();
+}
+
+void NSUserDefaults::readOnce() const {
+    if (values_) {
+        return;
+    }
+    values_.emplace();
+    if (path_.empty()) {
+        return;
+    }
+    const NSFileContents contents = contentsOfFile(path_);
+    if (!contents.bytes) {
+        if (contents.error != ENOENT) {
+            mayWrite_ = false;
+            NSLog("cannot read the settings in %@: %@", path_, std::strerror(contents.error));
+        }
+        return;
+    }
+    if (auto read = NSMutableDictionary::dictionaryWithData(*contents.bytes)) {
+        values_ = std::move(read);
+    } else {
+        mayWrite_ = false;
+        NSLog("%@ is no property list: it is left as it is, and settings last until the end of this session. "
+              "Remove the file to have them kept again",
+              path_);
+    }
+}
+
+std::optional<std::int32_t> NSUserDefaults::integerForKey(const std::string& key) const {
+    readOnce();
+    return values_->hasKey(key) ? std::optional(values_->intForKey(key)) : std::nullopt;
+}
+
+void NSUserDefaults::setInteger(std::int32_t value, const std::string& key) {
+    readOnce();
+    values_->setInt(value, key);
+    if (path_.empty() || !mayWrite_) {
+        return;
+    }
+    std::error_code error;
+    std::filesystem::create_directories(std::filesystem::path(path_).parent_path(), error);
+    if (error) {
+        NSLog("cannot make the folder for the settings in %@: %@", path_, error.message());
+    } else if (!values_->writeToFile(path_)) {
+        NSLog("cannot write the settings to %@: %@", path_, std::strerror(errno));
+    }
+}

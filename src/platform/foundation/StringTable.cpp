@@ -1,0 +1,167 @@
+#include "StringTable.h"
+
+#include "NSString.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cstdint>
+#include <utility>
+
+namespace platform {
+
+namespace {
+
+constexpr std::uint32_t firstHighSurrogate = 0xD800;
+constexpr std::uint32_t firstLowSurrogate = 0xDC00;
+constexpr std::uint32_t afterSurrogates = 0xE000;
+
+void appendUTF8(std::string& text, std::uint32_t character) {
+    const auto append = [&text](std::uint32_t byte) { text += static_cast<char>(byte); };
+    if (character < 0x80) {
+        append(character);
+    } else if (character < 0x800) {
+        append(0xC0U | (character >> 6U));
+        append(0x80U | (character & 0x3FU));
+    } else if (character < 0x10000) {
+        append(0xE0U | (character >> 12U));
+        append(0x80U | ((character >> 6U) & 0x3FU));
+        append(0x80U | (character & 0x3FU));
+    } else {
+        append(0xF0U | (character >> 18U));
+        append(0x80U | ((character >> 12U) & 0x3FU));
+        append(0x80U | ((character >> 6U) & 0x3FU));
+        append(0x80U | (character & 0x3FU));
+    }
+}
+
+class Reader {
+  public:
+    explicit Reader(std::string_view bytes) : bytes_(bytes) {}
+
+    StringTable read() {
+        StringTable table;
+        accept("\xEF\xBB\xBF");
+        for (skipSpace(); position_ < bytes_.size(); skipSpace()) {
+            std::string key = quoted("a key in double quotes");
+            expect("=", "\"=\" after the key");
+            std::string value = quoted("a text in double quotes after \"=\"");
+            expect(";", "\";\" after the text");
+            table.emplace(std::move(key), std::move(value));
+        }
+        return table;
+    }
+
+  private:
+    [[noreturn]] void fail(const std::string& expected) const {
+        const auto line =
+            1 + std::count(bytes_.begin(), bytes_.begin() + static_cast<std::ptrdiff_t>(position_), '\n');
+        throw StringTableError("line " + std::to_string(line) + ": expected " + expected);
+    }
+
+    bool accept(std::string_view token) {
+        if (!bytes_.substr(position_).starts_with(token)) {
+            return false;
+        }
+        position_ += token.size();
+        return true;
+    }
+
+    void expect(std::string_view token, const std::string& description) {
+        skipSpace();
+        if (!accept(token)) {
+            fail(description);
+        }
+    }
+
+    void skipSpace() {
+        while (true) {
+            position_ = std::min(bytes_.find_first_not_of(" \t\r\n", position_), bytes_.size());
+            if (accept("//")) {
+                position_ = std::min(bytes_.find('\n', position_), bytes_.size());
+            } else if (bytes_.substr(position_).starts_with("/*")) {
+                const std::size_t end = bytes_.find("*/", position_ + 2);
+                if (end == std::string_view::npos) {
+                    fail("\"*/\" at the end of the comment that begins here");
+                }
+                position_ = end + 2;
+            } else {
+                return;
+            }
+        }
+    }
+
+    std::string quoted(const std::string& description) {
+        expect("\"", description);
+        const std::size_t start = position_;
+        std::string text;
+        while (true) {
+            const std::size_t end = bytes_.find_first_of("\"\\", position_);
+            if (end == std::string_view::npos) {
+                position_ = start;
+                fail("a double quote at the end of the text that begins here");
+            }
+            text.append(bytes_.substr(position_, end - position_));
+            position_ = end + 1;
+            if (bytes_[end] == '"') {
+                return text;
+            }
+            readEscape(text);
+        }
+    }
+
+    void readEscape(std::string& text) {
+        constexpr std::string_view letters = "\"\\'ntr";
+        constexpr std::string_view meanings = "\"\\'\n\t\r";
+        if (accept("U")) {
+            appendUTF8(text, readCharacter());
+            return;
+        }
+        const std::size_t index =
+            position_ < bytes_.size() ? letters.find(bytes_[position_]) : std::string_view::npos;
+        if (index == std::string_view::npos) {
+            fail(R"(one of \" \\ \n \t \r \Uxxxx after the backslash)");
+        }
+        text += meanings[index];
+        ++position_;
+    }
+
+    /// A character outside the basic plane is written as two escapes, as UTF-16 has it.
+    std::uint32_t readCharacter() {
+        const std::uint32_t unit = readUnit();
+        if (unit < firstHighSurrogate || unit >= afterSurrogates) {
+            return unit;
+        }
+        const bool hasSecond = unit < firstLowSurrogate && accept("\\U");
+        const std::uint32_t second = hasSecond ? readUnit() : 0;
+        if (second < firstLowSurrogate || second >= afterSurrogates) {
+            fail("two surrogates that belong together");
+        }
+        return 0x10000 + ((unit - firstHighSurrogate) << 10U) + (second - firstLowSurrogate);
+    }
+
+    std::uint32_t readUnit() {
+        constexpr std::size_t digits = 4;
+        const std::string_view text = bytes_.substr(position_, digits);
+        std::uint32_t unit = 0;
+        const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), unit, 16);
+        if (text.size() != digits || error != std::errc{} || end != text.data() + digits) {
+            fail("four hexadecimal digits after \\U");
+        }
+        position_ += digits;
+        return unit;
+    }
+
+    std::string_view bytes_;
+    std::size_t position_ = 0;
+};
+
+} // namespace
+
+StringTable readStringTable(std::string_view bytes) {
+    if (!isValidUTF8(bytes)) {
+        throw StringTableError("the file is not UTF-8: save it in that encoding");
+    }
+    return Reader(bytes).read();
+}
+
+} // namespace platform

@@ -1,0 +1,22 @@
+#pragma once
+
+#include "Services.h"
+
+#include <string_view>
+
+namespace platform {
+
+/// The log of a program that people run: standard error, and the system's log for those who look later.
+class SystemLog : public Log {
+  public:
+    /// Each entry is one line on standard error, "brindle: " before it.
+    void write(std::string_view text) override;
+};
+
+/// The computer's clock.
+class SystemClock : public Clock {
+  public:
+    [[nodiscard]] double now() const override;
+};
+
+} // namespace platform
