@@ -1,8 +1,7 @@
 #include "NiutilTask.h"
 
 #include "NSString.h"
-
-#include <cstring>
+#include "Secret.h"
 
 namespace {
 
@@ -129,5 +128,5 @@ void NiutilTask::runPasswd(const std::string& shortName, const std::string& pass
     }
     std::vector<std::string> arguments = {".", "-passwd", stringWithFormat("/Users/%@", shortName), passwd};
     runAndLog("/usr/bin/dscl", arguments, "outString not empty for create passwd: %@");
-    explicit_bzero(arguments.back().data(), arguments.back().size());
+    platform::wipe(arguments.back());
 }

@@ -32,6 +32,9 @@ class Authority {
     /// the tool's standard output is read. Answers whether the tool was started, not what became of it.
     [[nodiscard]] virtual OSStatus execute(AuthorizationSession& session, const std::string& tool,
                                            std::span<const std::string> arguments, int* output) = 0;
+
+    /// The output of a run has been read and closed: a chance to collect what ran it. Must not wait.
+    virtual void outputHasEnded() {}
 };
 
 } // namespace platform

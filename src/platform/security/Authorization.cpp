@@ -19,7 +19,10 @@ class ToolOutput {
   public:
     explicit ToolOutput(int descriptor) : descriptor_(descriptor) {}
 
-    ~ToolOutput() { ::close(descriptor_); }
+    ~ToolOutput() {
+        ::close(descriptor_);
+        platform::Host::current().authority().outputHasEnded();
+    }
 
     ToolOutput(const ToolOutput&) = delete;
     ToolOutput& operator=(const ToolOutput&) = delete;

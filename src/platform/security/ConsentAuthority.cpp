@@ -1,0 +1,78 @@
+#include "ConsentAuthority.h"
+
+#include "Host.h"
+#include "Presenter.h"
+
+#include <optional>
+
+namespace platform {
+
+namespace {
+
+class ConsentSession : public AuthorizationSession {
+  public:
+    [[nodiscard]] bool holds() const {
+        if (!lastUse_) {
+            return false;
+        }
+        const double age = Host::current().clock().now() - *lastUse_;
+        return age >= 0 && age <= ConsentAuthority::consentSeconds; // a clock that was put back ends it too
+    }
+
+    void use() { lastUse_ = Host::current().clock().now(); }
+
+    void forget() { lastUse_.reset(); }
+
+  private:
+    std::optional<double> lastUse_;
+};
+
+ConsentSession& consentOf(AuthorizationSession& session) {
+    return dynamic_cast<ConsentSession&>(session);
+}
+
+} // namespace
+
+ConsentAuthority::ConsentAuthority(const std::string& helper, const std::string& rootFolder)
+    : launcher_({helper, "--root", rootFolder}) {}
+
+std::unique_ptr<AuthorizationSession> ConsentAuthority::createSession(OSStatus* status) {
+    *status = errAuthorizationSuccess;
+    return std::make_unique<ConsentSession>();
+}
+
+OSStatus ConsentAuthority::copyRights(AuthorizationSession& session, const AuthorizationRights& /*rights*/,
+                                      AuthorizationFlags flags) {
+    ConsentSession& consent = consentOf(session);
+    if (consent.holds()) {
+        return errAuthorizationSuccess;
+    }
+    if ((flags & kAuthorizationFlagInteractionAllowed) == 0) {
+        return errAuthorizationInteractionNotAllowed;
+    }
+    if (!Host::current().presenter().runAdministratorDialog({})) {
+        return errAuthorizationCanceled;
+    }
+    consent.use();
+    return errAuthorizationSuccess;
+}
+
+void ConsentAuthority::destroyRights(AuthorizationSession& session) {
+    consentOf(session).forget();
+}
+
+OSStatus ConsentAuthority::execute(AuthorizationSession& session, const std::string& tool,
+                                   std::span<const std::string> arguments, int* output) {
+    ConsentSession& consent = consentOf(session);
+    if (!consent.holds()) {
+        return errAuthorizationDenied;
+    }
+    consent.use();
+    return launcher_.run(tool, arguments, output);
+}
+
+void ConsentAuthority::outputHasEnded() {
+    launcher_.collect();
+}
+
+} // namespace platform

@@ -1,0 +1,36 @@
+#pragma once
+
+#include "Authority.h"
+#include "HelperLauncher.h"
+
+#include <string>
+
+namespace platform {
+
+/// The authority of the embedded host: nothing beyond the user's own reach is touched, so that the user's
+/// consent is all that is needed. It is asked for in the presenter's administrator dialog, without a
+/// password, and holds for five minutes (of the host's clock) after it was given or last used for a tool run.
+/// Merely asking whether it holds does not prolong it.
+class ConsentAuthority : public Authority {
+  public:
+    /// How long a consent holds, in seconds.
+    static constexpr double consentSeconds = 300;
+
+    /// Tools are run by the program `helper` on the root at `rootFolder`.
+    ConsentAuthority(const std::string& helper, const std::string& rootFolder);
+
+    [[nodiscard]] std::unique_ptr<AuthorizationSession> createSession(OSStatus* status) override;
+    /// errAuthorizationCanceled when the user says no.
+    [[nodiscard]] OSStatus copyRights(AuthorizationSession& session, const AuthorizationRights& rights,
+                                      AuthorizationFlags flags) override;
+    void destroyRights(AuthorizationSession& session) override;
+    /// errAuthorizationDenied when the consent does not hold.
+    [[nodiscard]] OSStatus execute(AuthorizationSession& session, const std::string& tool,
+                                   std::span<const std::string> arguments, int* output) override;
+    void outputHasEnded() override;
+
+  private:
+    HelperLauncher launcher_;
+};
+
+} // namespace platform

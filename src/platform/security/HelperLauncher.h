@@ -1,0 +1,59 @@
+#pragma once
+
+#include "AuthorizationTypes.h"
+#include "ChildProcess.h"
+
+#include <chrono>
+#include <span>
+#include <string>
+#include <vector>
+
+#include <sys/types.h>
+
+namespace platform {
+
+/// Starts brindle-helper and gives it one request: the tool's path and its arguments, over the helper's
+/// standard input, so that no list of processes and no log sees them. Owned by an authority; collects the
+/// helpers that it started.
+class HelperLauncher {
+  public:
+    /// The largest request, in bytes.
+    static constexpr std::size_t maximumRequest = 1024U * 1024U;
+    /// What the helper writes first: it has read its request and is the tool from now on.
+    static constexpr char startedByte = 0x06;
+    /// A helper that gives up before it has started ends with this status; sudo, when it refuses, with
+    /// another.
+    static constexpr int notStartedStatus = 125;
+
+    /// `command` is the helper's path with its options, or sudo's in front of these. `patience` is how long a
+    /// helper may take to start.
+    explicit HelperLauncher(std::vector<std::string> command,
+                            std::chrono::milliseconds patience = std::chrono::seconds(30));
+    ~HelperLauncher();
+    HelperLauncher(const HelperLauncher&) = delete;
+    HelperLauncher& operator=(const HelperLauncher&) = delete;
+
+    /// Starts `tool` and waits until it has started. On success `*output` (when not null) is a descriptor for
+    /// the tool's standard output, owned by the caller; without it the output goes nowhere.
+    /// errAuthorizationDenied when the program in front of the helper refused;
+    /// errAuthorizationToolExecuteFailure when the helper could not be started, refused the tool, said
+    /// anything else first, or took too long.
+    [[nodiscard]] OSStatus run(const std::string& tool, std::span<const std::string> arguments, int* output);
+
+    /// Collects the helpers that have ended; waits for none.
+    void collect();
+
+  private:
+    enum class Start { Started, Ended, Failed };
+
+    /// Writes the request and reads the first byte, both at once: the helper may say something before it has
+    /// read everything.
+    [[nodiscard]] Start handOver(ChildProcess& child, std::string_view request) const;
+    [[nodiscard]] OSStatus statusOfEnded(pid_t child);
+
+    std::vector<std::string> command_;
+    std::chrono::milliseconds patience_;
+    std::vector<pid_t> running_;
+};
+
+} // namespace platform
