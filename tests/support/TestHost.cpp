@@ -269,7 +269,9 @@ class RecordingPresenter : public platform::Presenter {
         std::erase_if(state_.timers, [timer](const RunningTimer& running) { return running.id == timer; });
     }
 
-    void interfaceDidLoad(platform::Interface&) override {}
+    void interfaceDidLoad(platform::Interface& interface) override {
+        state_.seen.loadedInterface = &interface;
+    }
 
     void windowVisibilityDidChange(NSWindow&) override {}
 
@@ -317,7 +319,9 @@ fs::path resourcesFor(const TestHost::Options& options, const fs::path& root) {
     }
     const fs::path folder = root / "resources";
     fs::create_directories(folder);
-    if (options.realResources) {
+    if (!options.realResources) {
+        writeFile(folder / "Info.plist", "<plist version=\"1.0\"><dict/></plist>\n");
+    } else {
         for (const auto& entry : fs::directory_iterator(project)) {
             if (entry.is_regular_file()) {
                 fs::create_symlink(entry.path(), folder / entry.path().filename());

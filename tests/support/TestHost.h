@@ -21,14 +21,16 @@ struct RecordedRun {
     [[nodiscard]] std::string text() const;
 };
 
-/// A host for one test: a temporary folder as the root (with HOME in it), recorded tool runs, queued answers, a captured log,
-/// a clock that the test sets. It is the current host for as long as it lives; the destructor removes the folder and fails the
-/// test when a queued answer was never used, or an alert came that had none and was not allowed (allowUnaskedAlerts).
+/// A host for one test: a temporary folder as the root (with HOME in it), recorded tool runs, queued answers,
+/// a captured log, a clock that the test sets. It is the current host for as long as it lives; the destructor
+/// removes the folder and fails the test when a queued answer was never used, or an alert came that had none
+/// and was not allowed (allowUnaskedAlerts).
 class TestHost {
   public:
     struct Options {
-        std::map<std::string, std::string> strings; ///< extra entries of "Localizable", instead of the real bundle's
-        bool realResources = true;                  ///< the project's own resources folder
+        std::map<std::string, std::string>
+            strings;               ///< extra entries of "Localizable", instead of the real bundle's
+        bool realResources = true; ///< the project's own resources folder
         std::optional<std::int32_t> systemVersion = 0x1040;
     };
 
@@ -37,7 +39,8 @@ class TestHost {
     ~TestHost();
 
     // Where things are.
-    [[nodiscard]] std::filesystem::path root() const; ///< mapped system files are below it: root()/"etc/smb.conf"
+    [[nodiscard]] std::filesystem::path
+    root() const; ///< mapped system files are below it: root()/"etc/smb.conf"
     [[nodiscard]] std::filesystem::path home() const;
     [[nodiscard]] std::filesystem::path storeFile() const; ///< the local domain's store; not made by TestHost
     /// Writes a file below root(), with its folders.
@@ -51,12 +54,15 @@ class TestHost {
     bool administratorAllows = true;
 
     // The authority.
-    bool rightHeld = true;       ///< what the silent test answers
-    /// What a run writes and how its launch ends; by default nothing and 0. Called after the run was recorded.
+    bool rightHeld = true; ///< what the silent test answers
+
+    /// What a run writes and how its launch ends; by default nothing and 0. Called after the run was
+    /// recorded.
     struct RunAnswer {
         std::string output;
         OSStatus status = 0;
     };
+
     std::function<RunAnswer(const RecordedRun&)> onRun;
     /// What a listing command prints; none makes the pipe fail to open.
     std::function<std::optional<std::string>(const std::string& command)> onListing;
@@ -69,9 +75,11 @@ class TestHost {
     std::vector<std::string> log;
     std::vector<std::string> opened;
     std::vector<std::string> refusals;
-    std::vector<std::string> events; ///< all of the above and beeps, as short lines: "beep", "log ...", "run ...", "alert TITLE"
+    std::vector<std::string>
+        events; ///< all of the above and beeps, as short lines: "beep", "log ...", "run ...", "alert TITLE"
     int beeps = 0;
     int administratorDialogs = 0;
+    platform::Interface* loadedInterface = nullptr; ///< of the interface file that was loaded last
 
     double now = 0; ///< the clock
     /// Fires every running timer once.
