@@ -1,3 +1,161 @@
 #include "NSApplicationMain.h"
 
-int NSApplicationMain(int, char**) { return 1; }
+#include "Application.h"
+#include "EmbeddedHost.h"
+#include "EmbeddedRoot.h"
+#include "EmbeddedServer.h"
+#include "NSApplication.h"
+#include "Options.h"
+#include "ScriptRunner.h"
+#include "SilentPresenter.h"
+#include "TableText.h"
+#include "WindowRun.h"
+
+#include <cerrno>
+#include <csignal>
+#include <cstring>
+#include <exception>
+#include <fstream>
+#include <iostream>
+#include <stdexcept>
+#include <vector>
+
+#include <syslog.h>
+
+namespace {
+
+using frontend::Application;
+using frontend::Mode;
+using frontend::Options;
+
+/// The log of a scripted run, beside the script's output: standard error is for faults in the script.
+class QuietSystemLog : public platform::Log {
+  public:
+    void write(std::string_view text) override {
+        ::syslog(LOG_USER | LOG_NOTICE, "brindle: %.*s", static_cast<int>(text.size()), text.data());
+    }
+};
+
+platform::Services makeServices(const Options& options) {
+    if (options.system) {
+        throw std::runtime_error("--system is not built yet: leave it out to work on an embedded root");
+    }
+    platform::EmbeddedHostOptions host;
+    host.root = options.root;
+    host.keepsUserDefaults = options.mode == Mode::Window || options.mode == Mode::Script;
+    return platform::makeEmbeddedServices(host);
+}
+
+/// The file server that --serve asks for, running; null when it was not asked for. Throws when it cannot run.
+std::unique_ptr<platform::EmbeddedServer> startServer(const Options& options) {
+    if (!options.serve) {
+        return nullptr;
+    }
+    const std::string folder = options.root.empty() ? platform::EmbeddedRoot::defaultFolder() : options.root;
+    auto server = std::make_unique<platform::EmbeddedServer>(platform::EmbeddedRoot(folder));
+    const std::string failure = server->start(options.port.value_or(platform::EmbeddedServer::defaultPort));
+    if (!failure.empty()) {
+        throw std::runtime_error(failure);
+    }
+    std::cerr << "brindle: the shares are served at " << server->address() << '\n';
+    return server;
+}
+
+int runScript(const Options& options) {
+    const bool readsStandardInput = options.script == "-";
+    std::ifstream file;
+    if (!readsStandardInput) {
+        errno = 0;
+        file.open(options.script);
+        if (!file) {
+            throw std::runtime_error("the script " + options.script +
+                                     " cannot be read: " + std::strerror(errno));
+        }
+    }
+    platform::Services services = makeServices(options);
+    const auto output = std::make_shared<frontend::ScriptOutput>(std::cout);
+    services.log = std::make_shared<frontend::ScriptLog>(output, std::make_shared<QuietSystemLog>());
+    const auto presenter = std::make_shared<frontend::ScriptPresenter>(output);
+    Application application(std::move(services));
+    application.setPresenter(presenter);
+    const auto server = startServer(options);
+    frontend::ScriptRunner runner(
+        options.script, readsStandardInput ? std::cin : file, output, presenter,
+        [&] {
+            application.load();
+            application.launch();
+        },
+        std::cerr);
+    return runner.run();
+}
+
+const char* tableName(frontend::PrintedTable table) {
+    switch (table) {
+    case frontend::PrintedTable::Shares:
+        return "normalTableView";
+    case frontend::PrintedTable::Users:
+        return "userTableView";
+    case frontend::PrintedTable::Groups:
+        return "groupTableView";
+    }
+    throw std::logic_error("no such table");
+}
+
+int printTable(const Options& options) {
+    Application application(makeServices(options));
+    application.setPresenter(std::make_shared<frontend::SilentPresenter>());
+    application.load();
+    application.launch();
+    if (NSApp().isTerminated()) {
+        throw std::runtime_error("nothing was printed: Brindle does not run on this version of the system");
+    }
+    std::cout << frontend::tableText(application.table(tableName(options.table))) << std::flush;
+    application.end();
+    if (!std::cout) {
+        throw std::runtime_error("standard output cannot be written");
+    }
+    return 0;
+}
+
+int runWithWindow(const Options& options, char** argv) {
+    Application application(makeServices(options));
+    const auto server = startServer(options);
+    return options.mode == Mode::Window ? frontend::runWindow(application, argv)
+                                        : frontend::takeSnapshots(application, argv, options.snapshotFolder);
+}
+
+int run(const Options& options, char** argv) {
+    switch (options.mode) {
+    case Mode::Help:
+        std::cout << frontend::usage();
+        return 0;
+    case Mode::Version:
+        std::cout << "Brindle " BRINDLE_VERSION "\n";
+        return 0;
+    case Mode::Script:
+        return runScript(options);
+    case Mode::Print:
+        return printTable(options);
+    case Mode::Window:
+    case Mode::Snapshot:
+        return runWithWindow(options, argv);
+    }
+    throw std::logic_error("no such mode");
+}
+
+} // namespace
+
+int NSApplicationMain(int argc, char** argv) {
+    // A reader that goes away, or a tool that ends early, is seen where it is written to.
+    std::signal(SIGPIPE, SIG_IGN);
+    try {
+        const std::vector<std::string> arguments(argv + (argc > 0 ? 1 : 0), argv + argc);
+        return run(frontend::parseOptions(arguments), argv);
+    } catch (const frontend::OptionsError& error) {
+        std::cerr << "brindle: " << error.what() << '\n' << frontend::usage();
+        return 2;
+    } catch (const std::exception& error) {
+        std::cerr << "brindle: " << error.what() << '\n';
+        return 1;
+    }
+}

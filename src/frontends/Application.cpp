@@ -1,0 +1,48 @@
+#include "Application.h"
+
+#include "BRController.h"
+#include "NSApplication.h"
+#include "NSBundle.h"
+#include "NSTableView.h"
+#include "NSWindow.h"
+
+#include <stdexcept>
+#include <utility>
+
+namespace frontend {
+
+Application::Application(platform::Services services) : host_(std::move(services)) {}
+
+void Application::setPresenter(std::shared_ptr<platform::Presenter> presenter) {
+    host_.setPresenter(std::move(presenter));
+}
+
+void Application::load() {
+    BRController::registerClass();
+    interface_ = platform::Interface::load(NSBundle::mainBundle().resourcePath() + "/MainMenu.xml");
+}
+
+void Application::launch() {
+    NSApp().dispatch([] {
+        if (NSWindow* window = NSApp().mainWindow()) {
+            window->makeKeyAndOrderFront();
+        }
+        NSApp().finishLaunching();
+    });
+}
+
+void Application::end() {
+    if (interface_) {
+        NSApp().dispatch([] { NSApp().terminate(); });
+    }
+}
+
+NSTableView& Application::table(const std::string& name) const {
+    auto* table = dynamic_cast<NSTableView*>(interface_ ? interface_->find(name) : nullptr);
+    if (table == nullptr) {
+        throw std::runtime_error("the interface has no table " + name);
+    }
+    return *table;
+}
+
+} // namespace frontend

@@ -1,0 +1,40 @@
+#pragma once
+
+#include "Host.h"
+#include "Interface.h"
+
+#include <memory>
+#include <string>
+
+class NSTableView;
+
+namespace frontend {
+
+/// The application on its host, as every front-end starts it: made with the host's services, given its
+/// presenter, loaded, launched.
+class Application {
+  public:
+    explicit Application(platform::Services services);
+
+    /// Puts the front-end in place. Before load().
+    void setPresenter(std::shared_ptr<platform::Presenter> presenter);
+
+    /// Loads the main interface file of the bundle, which makes the controller. Throws
+    /// platform::InterfaceError.
+    void load();
+
+    /// Brings the main window on screen and runs start-up, as one event.
+    void launch();
+
+    /// Ends the application, unless it has ended: administrator rights are given up. Nothing before load().
+    void end();
+
+    /// The table of that name. Throws std::runtime_error when the interface has none.
+    [[nodiscard]] NSTableView& table(const std::string& name) const;
+
+  private:
+    platform::Host host_;
+    std::unique_ptr<platform::Interface> interface_; ///< goes before the host, which its controls need
+};
+
+} // namespace frontend
