@@ -28,8 +28,8 @@ struct RecordedRun {
 class TestHost {
   public:
     struct Options {
-        std::map<std::string, std::string>
-            strings;               ///< extra entries of "Localizable", instead of the real bundle's
+        /// Extra entries of "Localizable", instead of the real bundle's.
+        std::map<std::string, std::string> strings;
         bool realResources = true; ///< the project's own resources folder
         std::optional<std::int32_t> systemVersion = 0x1040;
     };
@@ -39,8 +39,8 @@ class TestHost {
     ~TestHost();
 
     // Where things are.
-    [[nodiscard]] std::filesystem::path
-    root() const; ///< mapped system files are below it: root()/"etc/smb.conf"
+    /// Mapped system files are below it: root()/"etc/smb.conf".
+    [[nodiscard]] std::filesystem::path root() const;
     [[nodiscard]] std::filesystem::path home() const;
     [[nodiscard]] std::filesystem::path storeFile() const; ///< the local domain's store; not made by TestHost
     /// Writes a file below root(), with its folders.

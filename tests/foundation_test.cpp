@@ -1,0 +1,494 @@
+// What the system asks of its foundation: texts, files, property lists, settings, translations,
+// notifications, addresses.
+
+#include "Fetch.h"
+#include "Gestalt.h"
+#include "NSBundle.h"
+#include "NSDictionary.h"
+#include "NSFileManager.h"
+#include "NSLog.h"
+#include "NSNotificationCenter.h"
+#include "NSString.h"
+#include "NSUserDefaults.h"
+#include "StringTable.h"
+#include "TestHost.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <string>
+#include <thread>
+#include <utility>
+#include <vector>
+
+#include <netinet/in.h>
+#include <plist/plist.h>
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+TEST(Texts, AnIntegerIsReadUpToTheFirstOtherCharacter) {
+    const std::vector<std::pair<std::string, std::int32_t>> cases = {{"42", 42},
+                                                                     {" \t\n-7x9", -7},
+                                                                     {"+5", 5},
+                                                                     {"007", 7},
+                                                                     {"", 0},
+                                                                     {"x1", 0},
+                                                                     {"- 1", 0},
+                                                                     {"--1", 0},
+                                                                     {"12.9", 12},
+                                                                     {"1,000", 1},
+                                                                     {"2147483648", 2147483647},
+                                                                     {"99999999999999999999999", 2147483647},
+                                                                     {"-2", -2},
+                                                                     {"-2147483648", INT32_MIN},
+                                                                     {"-99999999999999999999", INT32_MIN},
+                                                                     {"4294967294 ", 2147483647}};
+    for (const auto& [text, value] : cases) {
+        EXPECT_EQ(intValue(text), value) << '"' << text << '"';
+    }
+}
+
+TEST(Texts, CuttingKeepsEmptyPieces) {
+    using Pieces = std::vector<std::string>;
+    EXPECT_EQ(componentsSeparatedByString("a\t\tb\t", "\t"), (Pieces{"a", "", "b", ""}));
+    EXPECT_EQ(componentsSeparatedByString("", ","), Pieces{""});
+    EXPECT_EQ(componentsSeparatedByString("a, b", ", "), (Pieces{"a", "b"}));
+}
+
+TEST(Texts, LengthsAndOffsetsCountUTF16Units) {
+    const std::string text = "aé\xF0\x9F\x98\x80\xFFz"; // 1 + 1 + 2 units, one stray byte, 1
+    EXPECT_EQ(utf16Length(text), 6U);
+    EXPECT_EQ(offsetOfUTF16(text, 2), 3U);
+    EXPECT_EQ(offsetOfUTF16(text, 4), 7U);
+    EXPECT_EQ(offsetOfUTF16(text, 5), 8U);
+    EXPECT_EQ(offsetOfUTF16(text, 60), text.size());
+}
+
+TEST(Texts, OnlyWellFormedUTF8IsValid) {
+    EXPECT_TRUE(isValidUTF8("aé\xE2\x82\xAC\xF0\x9F\x98\x80"));
+    for (const char* bad :
+         {"\xC0\x80", "\xED\xA0\x80", "\xF4\x90\x80\x80", "\xE2\x82", "\x80", "\xE0\x80\x80"}) {
+        EXPECT_FALSE(isValidUTF8(bad));
+    }
+}
+
+TEST(Texts, AFormatTakesItsArgumentsInOrder) {
+    EXPECT_EQ(stringWithFormat("%@ has %d of %s, mode %o, 100%%", "a%@b", 3, std::string("x"), 0755),
+              "a%@b has 3 of x, mode 755, 100%");
+    EXPECT_EQ(stringWithFormat("%@ %@ %q %", std::optional<std::string>()), "(null) %@ %q %");
+}
+
+TEST(Files, AWholeWriteReplacesALinkAndLeavesItsTarget) {
+    const TestHost host;
+    const std::string target = host.root() / "target";
+    const std::string link = host.root() / "link";
+    ASSERT_TRUE(writeToFileAtomically(target, "old"));
+    fs::create_symlink(target, link);
+    ASSERT_TRUE(writeToFileAtomically(link, "new", 0600));
+    EXPECT_FALSE(fs::is_symlink(link));
+    EXPECT_EQ(fs::status(link).permissions(), fs::perms(0600));
+    EXPECT_EQ(contentsOfFile(link).bytes, "new");
+    EXPECT_EQ(contentsOfFile(target).bytes, "old");
+}
+
+TEST(Files, AFailedWriteLeavesNothingBehind) {
+    const TestHost host;
+    const fs::path folder = host.root() / "folder";
+    fs::create_directories(folder / "target");
+    EXPECT_FALSE(writeToFileAtomically(folder / "target", "bytes")); // a folder is in the way
+    EXPECT_EQ(errno, EISDIR);
+    EXPECT_EQ(std::distance(fs::directory_iterator(folder), {}), 1);
+    EXPECT_FALSE(writeToFileAtomically(host.root() / "missing" / "file", "bytes"));
+    EXPECT_EQ(errno, ENOENT);
+}
+
+TEST(Files, AttributesFollowLinksAndNameTheOwner) {
+    TestHost host;
+    const fs::path folder = host.root() / "folder";
+    fs::create_directory(folder);
+    ASSERT_EQ(::chmod(folder.c_str(), 02750), 0);
+    fs::create_directory_symlink(folder, host.root() / "link");
+    const auto attributes = fileAttributesAtPath(host.root() / "link");
+    ASSERT_TRUE(attributes);
+    EXPECT_EQ(attributes->posixPermissions, 02750);
+    EXPECT_EQ(attributes->ownerAccountName, host.host().accountNames().userName(::getuid()));
+    EXPECT_FALSE(fileAttributesAtPath(host.root() / "missing"));
+}
+
+TEST(Files, SystemFilesAreReadBelowTheRoot) {
+    TestHost host;
+    EXPECT_EQ(contentsOfFile("/etc/smb.conf").error, ENOENT);
+    host.write("etc/smb.conf", std::string("\xFF\0x", 3));
+    EXPECT_EQ(contentsOfFile("/etc/smb.conf").bytes, std::string("\xFF\0x", 3));
+    EXPECT_EQ(stringByExpandingTildeInPath("~/a"), host.home().string() + "/a");
+    EXPECT_EQ(stringByExpandingTildeInPath("~bob/a"), "~bob/a");
+}
+
+TEST(Files, PathsAreCutLikeTheShellDoes) {
+    const std::vector<std::vector<std::string>> cases = {
+        {"/a/b", "/a", "b"}, {"/a/b/", "/a", "b"}, {"/a", "/", "a"}, {"/", "/", "/"},
+        {"a", ".", "a"},     {"a//b", "a", "b"},   {"", "", ""},     {"//a", "/", "a"}};
+    for (const auto& row : cases) {
+        EXPECT_EQ(stringByDeletingLastPathComponent(row.at(0)), row.at(1)) << row.at(0);
+        EXPECT_EQ(lastPathComponent(row.at(0)), row.at(2)) << row.at(0);
+    }
+}
+
+constexpr const char* settings = R"(<?xml version="1.0" encoding="UTF-8"?>
+<plist version="1.0"><dict>
+<key>zeta</key><date>2005-01-02T03:04:05Z</date>
+<key>guest</key><false/>
+<key>big</key><integer>5000000000</integer>
+<key>negative</key><integer>-3</integer>
+<key>ratio</key><real>2.75</real>
+<key>text</key><string> -007 a &amp; b</string>
+<key>yes</key><string>+0Y</string>
+<key>nested</key><dict><key>inner</key><integer>1</integer><key>kept</key><data>AAEC</data></dict>
+<key>list</key><array><string>x</string><true/></array>
+</dict></plist>)";
+
+TEST(PropertyLists, ValuesAreReadByTheirMeaning) {
+    const auto plist = NSMutableDictionary::dictionaryWithData(settings);
+    ASSERT_TRUE(plist);
+    EXPECT_FALSE(plist->boolForKey("guest"));
+    EXPECT_TRUE(plist->boolForKey("text"));
+    EXPECT_TRUE(plist->boolForKey("yes"));
+    EXPECT_FALSE(plist->boolForKey("list"));
+    EXPECT_EQ(plist->intForKey("big"), 2147483647);
+    EXPECT_EQ(plist->intForKey("negative"), -3);
+    EXPECT_EQ(plist->intForKey("ratio"), 2);
+    EXPECT_EQ(plist->intForKey("text"), -7);
+    EXPECT_EQ(plist->intForKey("missing"), 0);
+    EXPECT_EQ(plist->stringForKey("text"), " -007 a & b");
+    EXPECT_EQ(plist->stringForKey("ratio"), "2.75");
+    EXPECT_EQ(plist->stringForKey("negative"), "-3");
+    EXPECT_EQ(plist->stringForKey("list"), std::nullopt);
+    EXPECT_FALSE(plist->dictionaryForKey("text"));
+}
+
+TEST(PropertyLists, ChangesKeepTheOrderAndEverythingThatNobodyAskedFor) {
+    auto plist = NSMutableDictionary::dictionaryWithData(settings).value();
+    plist.setBool(true, "guest");
+    plist.setString("<new>", "big");
+    plist.dictionaryForKey("nested").value().setInt(-9, "inner");
+    plist.setInt(4, "added");
+    const std::string xml = plist.xmlText();
+    std::size_t position = 0;
+    for (const char* expected :
+         {"zeta", "<date>2005-01-02T03:04:05Z</date>", "guest", "<true/>", "big",
+          "<string>&lt;new&gt;</string>", "-3", "2.75", "a &amp; b", "nested", "<integer>-9</integer>",
+          "kept", "AAEC", "<array>", "<string>x</string>", "added", "<integer>4</integer>"}) {
+        position = xml.find(expected, position);
+        ASSERT_NE(position, std::string::npos) << expected << " is missing or moved in\n" << xml;
+    }
+    EXPECT_EQ(NSMutableDictionary::dictionaryWithData(xml).value().xmlText(), xml);
+}
+
+TEST(PropertyLists, ABinaryFileIsReadAndWrittenAsXML) {
+    TestHost host;
+    plist_t root = plist_new_dict();
+    plist_dict_set_item(root, "loginGreeting", plist_new_string("hé"));
+    char* bytes = nullptr;
+    std::uint32_t size = 0;
+    plist_to_bin(root, &bytes, &size);
+    const std::string_view binary(bytes, size);
+    ASSERT_TRUE(binary.starts_with("bplist00"));
+    host.write("Library/Preferences/com.apple.AppleFileServer.plist", binary);
+    plist_to_bin_free(bytes);
+    plist_free(root);
+    const auto plist = NSMutableDictionary::dictionaryWithContentsOfFile(
+        "/Library/Preferences/com.apple.AppleFileServer.plist");
+    ASSERT_TRUE(plist);
+    const std::string copy = host.home() / "copy.plist";
+    ASSERT_TRUE(plist->writeToFile(copy));
+    EXPECT_TRUE(host.read("home/copy.plist").starts_with("<?xml"));
+    EXPECT_EQ(NSMutableDictionary::dictionaryWithContentsOfFile(copy).value().stringForKey("loginGreeting"),
+              "hé");
+}
+
+TEST(PropertyLists, WhatIsNoDictionaryIsNone) {
+    for (const char* bytes :
+         {"", "no plist", "<plist><array/></plist>", "<plist><dict><key>a</key>", "bplist00"}) {
+        EXPECT_FALSE(NSMutableDictionary::dictionaryWithData(bytes)) << bytes;
+    }
+}
+
+TEST(UserDefaults, ValuesOutliveTheHostAndKeepOtherKeys) {
+    TestHost host;
+    const std::string file = "home/.config/brindle/defaults.plist";
+    EXPECT_EQ(NSUserDefaults::standardUserDefaults().integerForKey("count"), std::nullopt);
+    NSUserDefaults::standardUserDefaults().setInteger(1, "other");
+    NSUserDefaults fresh((host.root() / file).string());
+    fresh.setInteger(7, "count");
+    const NSUserDefaults again((host.root() / file).string());
+    EXPECT_EQ(again.integerForKey("count"), 7);
+    EXPECT_EQ(again.integerForKey("other"), 1);
+    EXPECT_TRUE(host.log.empty());
+}
+
+TEST(UserDefaults, AFileThatIsNoPropertyListIsLeftAlone) {
+    TestHost host;
+    host.write("home/broken.plist", "notes");
+    NSUserDefaults defaults((host.home() / "broken.plist").string());
+    defaults.setInteger(3, "count");
+    EXPECT_EQ(defaults.integerForKey("count"), 3);
+    EXPECT_EQ(host.read("home/broken.plist"), "notes");
+    ASSERT_EQ(host.log.size(), 1U);
+    EXPECT_NE(host.log.front().find("broken.plist"), std::string::npos);
+}
+
+TEST(UserDefaults, WithoutAFileNothingIsWritten) {
+    const TestHost host;
+    NSUserDefaults defaults("");
+    defaults.setInteger(3, "count");
+    EXPECT_EQ(defaults.integerForKey("count"), 3);
+    EXPECT_TRUE(host.log.empty());
+}
+
+TEST(StringTables, EntriesCommentsAndEscapesAreRead) {
+    const auto table =
+        platform::readStringTable("\xEF\xBB\xBF/* a \" b */ \"k\\\"1\" /*x*/ = // why\n\"a\\n\\t\\\\é\";\n"
+                                  "\"two\nlines\"=\"\\U20AC \\Ud83d\\Ude00\"; \"k\\\"1\" = \"later\";");
+    EXPECT_EQ(table.size(), 2U);
+    EXPECT_EQ(table.at("k\"1"), "a\n\t\\é");
+    EXPECT_EQ(table.at("two\nlines"), "\xE2\x82\xAC \xF0\x9F\x98\x80");
+}
+
+TEST(StringTables, AFaultIsNamedByItsLine) {
+    const std::vector<std::pair<std::string, std::string>> cases = {
+        {"\"a\" = \"b\";\nc = \"d\";", "line 2: expected a key"},
+        {"\n\n\"a\" \"b\";", "line 3: expected \"=\""},
+        {"\"a\" = \"b\"\n", "line 2: expected \";\""},
+        {"\n\"a\" = \"b;\n\n", "line 2: expected a double"},
+        {"\"a\" = \"\\q\";", "line 1: expected one of"},
+        {"\n/* no end", "line 2: expected \"*/\""},
+        {"\"a\" = \"\\U12\";", "line 1: expected four"},
+        {"\"a\" = \"\\Ud83d!\";", "line 1: expected two"}};
+    for (const auto& [text, message] : cases) {
+        try {
+            (void)platform::readStringTable(text);
+            ADD_FAILURE() << "read without complaint: " << text;
+        } catch (const platform::StringTableError& error) {
+            EXPECT_TRUE(std::string(error.what()).starts_with(message)) << error.what();
+        }
+    }
+    EXPECT_THROW((void)platform::readStringTable("\"a\" = \"\xFF\";"), platform::StringTableError);
+}
+
+TEST(Bundle, TheFirstLanguageWithATextWins) {
+    TestHost host;
+    host.write("bundle/Info.plist", "<plist><dict><key>Name</key><string>Plain</string></dict></plist>");
+    host.write("bundle/de.lproj/Localizable.strings", R"("Yes" = "Ja";)");
+    host.write("bundle/de.lproj/InfoPlist.strings", R"("Name" = "Schlicht";)");
+    host.write("bundle/English.lproj/Localizable.strings", R"("Yes" = "Yes"; "No" = "Nope";)");
+    host.write("bundle/fr.lproj/Localizable.strings", "\"Yes\"\n");
+    const NSBundle bundle((host.root() / "bundle").string(), {"fr", "de", "nl", "English"});
+    EXPECT_EQ(bundle.localizedStringForKey("Yes"), "Ja");
+    EXPECT_EQ(bundle.localizedStringForKey("No"), "Nope");
+    EXPECT_EQ(bundle.localizedStringForKey("Unknown"), "Unknown");
+    EXPECT_EQ(bundle.objectForInfoDictionaryKey("Name"), "Plain");
+    EXPECT_EQ(bundle.objectForLocalInfoDictionaryKey("Name"), "Schlicht");
+    EXPECT_EQ(bundle.objectForInfoDictionaryKey("Missing"), "");
+    ASSERT_EQ(host.log.size(), 1U); // the French table is faulty, and only that is worth a word
+    EXPECT_NE(host.log.front().find("fr.lproj/Localizable.strings: line 2"), std::string::npos);
+}
+
+TEST(Bundle, TheEnvironmentNamesTheLanguages) {
+    using Names = std::vector<std::string>;
+    const std::vector<std::pair<const char*, Names>> cases = {
+        {"de_AT.UTF-8@euro", {"de_AT", "de", "German", "English"}},
+        {"C.UTF-8", {"English"}},
+        {"en", {"en", "English"}},
+        {"../x", {"English"}}};
+    for (const auto& [locale, names] : cases) {
+        ::setenv("LC_ALL", locale, 1);
+        EXPECT_EQ(platform::languagesFromEnvironment(), names) << locale;
+    }
+    ::unsetenv("LC_ALL");
+}
+
+TEST(Notifications, ReachObserversInOrderAndNotThoseRemovedMeanwhile) {
+    const TestHost host;
+    auto& center = NSNotificationCenter::defaultCenter();
+    std::string heard;
+    const int sender = 0;
+    const int first = 0;
+    const int second = 0;
+    const int third = 0;
+    center.addObserver(
+        &first,
+        [&](const NSNotification&) {
+            heard += "1";
+            center.removeObserver(&second);
+            center.removeObserver(&first);
+        },
+        "held", &sender);
+    center.addObserver(
+        &second, [&](const NSNotification&) { heard += "2"; }, "held", nullptr);
+    center.addObserver(
+        &third,
+        [&](const NSNotification& notification) {
+            EXPECT_EQ(notification.object, &sender);
+            heard += "3";
+        },
+        "held", &sender);
+    center.postNotificationName("held", &third);
+    EXPECT_EQ(heard, "2"); // only the observer of any sender
+    center.postNotificationName("other", &sender);
+    center.postNotificationName("held", &sender);
+    center.postNotificationName("held", &sender);
+    EXPECT_EQ(heard, "2133");
+}
+
+/// Something that the whole process shares, and that still uses the host while it goes.
+struct Shared {
+    explicit Shared(std::string& order, std::string name) : order_(order), name_(std::move(name)) {}
+
+    ~Shared() {
+        NSLog("%@ goes", name_);
+        order_ += name_;
+    }
+
+    Shared(const Shared&) = delete;
+    Shared& operator=(const Shared&) = delete;
+
+    std::string& order_;
+    std::string name_;
+};
+
+struct Younger : Shared {
+    using Shared::Shared;
+};
+
+TEST(HostScope, TakesItsInstancesAlongTheYoungestFirst) {
+    std::string order;
+    const TestHost outer;
+    {
+        TestHost inner;
+        const auto make = [&order] { return std::make_shared<Shared>(order, "older "); };
+        Shared& shared = inner.host().sharedInstance<Shared>(make);
+        EXPECT_EQ(&inner.host().sharedInstance<Shared>(make), &shared);
+        (void)inner.host().sharedInstance<Younger>(
+            [&] { return std::make_shared<Younger>(order, "younger "); });
+        EXPECT_EQ(&platform::Host::current(), &inner.host());
+    }
+    EXPECT_EQ(order, "younger older ");
+    EXPECT_TRUE(outer.log.empty());
+    NSLog("%@", "outer again");
+    EXPECT_EQ(outer.log, std::vector<std::string>{"outer again"});
+}
+
+TEST(HostScope, AServiceOutsideAHostFailsAtOnce) {
+    EXPECT_THROW(NSLog("nobody listens"), std::logic_error);
+}
+
+TEST(SystemVersion, IsTheHostsAnswerOrAnError) {
+    std::int32_t version = 7;
+    {
+        const TestHost host;
+        EXPECT_EQ(Gestalt(gestaltSystemVersion, &version), 0);
+        EXPECT_EQ(version, 0x1040);
+        EXPECT_NE(Gestalt(1, &version), 0);
+    }
+    TestHost::Options unknown;
+    unknown.systemVersion = std::nullopt;
+    const TestHost host(unknown);
+    EXPECT_NE(Gestalt(gestaltSystemVersion, &version), 0);
+    EXPECT_EQ(version, 0x1040);
+}
+
+/// A web server on loopback that gives each of its visitors the same answer, until it goes.
+class LoopbackServer {
+  public:
+    explicit LoopbackServer(std::string answer)
+        : answer_(std::move(answer)), listener_(::socket(AF_INET, SOCK_STREAM, 0)) {
+        sockaddr_in name{};
+        name.sin_family = AF_INET;
+        name.sin_addr.s_addr = ::htonl(INADDR_LOOPBACK);
+        socklen_t size = sizeof name;
+        auto* generic = reinterpret_cast<sockaddr*>(&name); // how sockets take every kind of address
+        EXPECT_EQ(::bind(listener_, generic, size), 0);
+        EXPECT_EQ(::getsockname(listener_, generic, &size), 0);
+        EXPECT_EQ(::listen(listener_, 4), 0);
+        address_ = "http://127.0.0.1:" + std::to_string(::ntohs(name.sin_port)) + "/list.xml";
+        thread_ = std::thread([this] { serve(); });
+    }
+
+    ~LoopbackServer() {
+        ::shutdown(listener_, SHUT_RDWR);
+        thread_.join();
+        ::close(listener_);
+    }
+
+    LoopbackServer(const LoopbackServer&) = delete;
+    LoopbackServer& operator=(const LoopbackServer&) = delete;
+
+    [[nodiscard]] const std::string& address() const { return address_; }
+
+  private:
+    void serve() const {
+        for (int visitor = ::accept(listener_, nullptr, nullptr); visitor >= 0;
+             visitor = ::accept(listener_, nullptr, nullptr)) {
+            std::string request(4096, '\0');
+            if (::recv(visitor, request.data(), request.size(), 0) > 0) {
+                std::size_t sent = 0;
+                ssize_t count = 1;
+                while (sent < answer_.size() && count > 0) { // a visitor that has had enough hangs up
+                    count = ::send(visitor, answer_.data() + sent, answer_.size() - sent, MSG_NOSIGNAL);
+                    sent += count > 0 ? static_cast<std::size_t>(count) : 0;
+                }
+            }
+            ::shutdown(visitor, SHUT_WR);
+            ::close(visitor);
+        }
+    }
+
+    std::string answer_;
+    int listener_;
+    std::string address_;
+    std::thread thread_;
+};
+
+std::string response(const std::string& status, const std::string& body, const std::string& header = {}) {
+    return "HTTP/1.1 " + status + "\r\nConnection: close\r\n" + header + "\r\n" + body;
+}
+
+TEST(Fetching, ADocumentOfUpToOneMebibyteComesWhole) {
+    const std::string largest(1024 * 1024, 'x');
+    const LoopbackServer server(response("200 OK", largest));
+    const auto fetched = platform::fetchContentsOfURL(server.address());
+    EXPECT_TRUE(fetched.bytes == largest);
+    EXPECT_EQ(fetched.error, "");
+}
+
+TEST(Fetching, AFailureNamesTheAddressAndTheReason) {
+    const std::string tooLarge(1024 * 1024 + 1, 'x');
+    const std::vector<std::pair<std::string, std::string>> cases = {
+        {response("404 Not Found", "<plist/>"), "status 404"},
+        {response("304 Not Modified", ""), "status 304"},
+        {response("200 OK", tooLarge), "larger than 1 MiB"},
+        {response("302 Found", "", "Location: file:///etc/passwd\r\n"), ""},
+        {"nothing like HTTP", ""}};
+    for (const auto& [answer, reason] : cases) {
+        const LoopbackServer server(answer);
+        const auto fetched = platform::fetchContentsOfURL(server.address());
+        EXPECT_FALSE(fetched.bytes) << answer.substr(0, 40);
+        EXPECT_NE(fetched.error.find(server.address()), std::string::npos) << fetched.error;
+        EXPECT_NE(fetched.error.find(reason), std::string::npos) << fetched.error;
+    }
+}
+
+TEST(Fetching, OnlyWebAddressesAreFetched) {
+    for (const char* address : {"file:///etc/hostname", "ftp://127.0.0.1/", "", "not an address"}) {
+        const auto fetched = platform::fetchContentsOfURL(address);
+        EXPECT_FALSE(fetched.bytes) << address;
+        EXPECT_NE(fetched.error, "") << address;
+    }
+}
+
+} // namespace
