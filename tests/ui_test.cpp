@@ -1,0 +1,184 @@
+#include "AboutBox.h"
+#include "Interface.h"
+#include "KWIntegerFormatter.h"
+#include "KWSMBFormatter.h"
+#include "NSBundle.h"
+#include "NSTextField.h"
+#include "NSTextView.h"
+#include "NSWindow.h"
+#include "TestHost.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+namespace {
+
+/// One edit of a user: what the field held, what was selected, what it would hold and where the caret would
+/// stand.
+struct Edit {
+    std::string before;
+    NSRange selected;
+    std::string after;
+    std::size_t caret;
+    std::string refusal; ///< the error text; empty when the edit is taken
+};
+
+void expectEdits(TestHost& host, const std::shared_ptr<NSFormatter>& formatter,
+                 const std::vector<Edit>& edits) {
+    NSTextField field;
+    field.setFormatter(formatter);
+    for (const Edit& edit : edits) {
+        SCOPED_TRACE(edit.before + " -> " + edit.after);
+        host.refusals.clear();
+        field.setStringValue(edit.before);
+        EXPECT_EQ(field.proposeEdit(edit.after, edit.caret, edit.selected), edit.refusal.empty());
+        EXPECT_EQ(field.stringValue(), edit.refusal.empty() ? edit.after : edit.before);
+        if (!edit.refusal.empty()) {
+            EXPECT_EQ(host.refusals, std::vector<std::string>{edit.refusal});
+        }
+    }
+}
+
+TEST(KWIntegerFormatter, LetsOnlyDigitsBeTypedOrPasted) {
+    TestHost host;
+    const std::string refusal = "Input is not an integer";
+    const auto formatter = std::make_shared<KWIntegerFormatter>();
+    formatter->setFormat("##0");
+    expectEdits(host, formatter,
+                {{"12", {2, 0}, "12a", 3, refusal},
+                 {"12", {2, 0}, "123 4", 5, refusal},
+                 {"12", {0, 0}, "-12", 1, refusal},
+                 {"123", {3, 0}, "12", 2, ""},
+                 {"123", {1, 1}, "193", 2, ""},
+                 {"", {0, 0}, "\u0661\u0662", 2, ""}, // Arabic digits
+                 {"", {0, 0}, "\u00bd", 1, refusal},
+                 {"\U0001d7d9", {2, 0}, "\U0001d7d9x", 3, refusal}, // a digit of two UTF-16 units
+                 // What the program filled in is not checked with what is typed.
+                 {"n/a", {3, 0}, "n/a5", 4, ""}});
+    EXPECT_EQ(host.beeps, 0) << "the controller beeps, not the formatter";
+}
+
+TEST(KWSMBFormatter, KeepsNamesToFifteenCharactersWithoutABlankAtTheEnd) {
+    TestHost host;
+    expectEdits(host, std::make_shared<KWSMBFormatter>(),
+                {{"ABCDEFGHIJKLMNO", {15, 0}, "ABCDEFGHIJKLMNOP", 16, "String too long."},
+                 {"ABCDEFGHIJKLMN", {14, 0}, "ABCDEFGHIJKLMNO", 15, ""},
+                 {"OFFICE", {6, 0}, "OFFICE ", 7, "No Spaces."},
+                 {"OFFICEX", {3, 0}, "OFF ICEX", 4, ""},
+                 {"OFFICE", {6, 0}, "OFFICE\t", 7, ""},
+                 {"OFFICE", {0, 6}, "", 0, ""},
+                 // Fourteen letters and a character of two UTF-16 units.
+                 {"ABCDEFGHIJKLMN", {14, 0}, "ABCDEFGHIJKLMN\U0001f600", 16, "String too long."}});
+    EXPECT_EQ(host.beeps, 3) << "one for each refusal";
+    EXPECT_EQ(KWSMBFormatter().stringForObjectValue(15), std::nullopt) << "a number shows nothing";
+}
+
+/// The project's panel with credits of a length of the test's choice.
+class AboutPanel : public testing::Test {
+  protected:
+    AboutPanel() : host_({.strings = {{"Version %@", "Version %@"}}}) { AboutBox::registerClass(); }
+
+    void setCredits(std::size_t characters) {
+        std::filesystem::remove(host_.root() / "resources/Credits.rtf"); // a link to the project's own
+        host_.write("resources/Credits.rtf", "{\\rtf1\\ansi " + std::string(characters, 'x') + "}");
+    }
+
+    void show() {
+        AboutBox::sharedInstance().showPanel(nullptr);
+        panel_ = find<NSWindow>("aboutWindow");
+        credits_ = find<NSTextView>("creditsField");
+        scrolled_ = credits_->scrolled.connect([this] { ++steps_; });
+    }
+
+    template <class Kind>
+    Kind* find(const std::string& name) {
+        return dynamic_cast<Kind*>(host_.loadedInterface->find(name));
+    }
+
+    /// Ticks until nothing moves any more, and answers how often the credits were scrolled.
+    int runPass() {
+        host_.now += 3.0;
+        const int before = steps_;
+        int last = -1;
+        while (steps_ != last) {
+            last = steps_;
+            host_.fireTimers();
+        }
+        return steps_ - before;
+    }
+
+    TestHost host_;
+    NSWindow* panel_ = nullptr;
+    NSTextView* credits_ = nullptr;
+    platform::Connection scrolled_;
+    int steps_ = 0;
+};
+
+TEST_F(AboutPanel, ShowsWhatTheBundleSaysAndIsKeptOutOfTheWindowMenu) {
+    setCredits(10);
+    show();
+    const NSBundle& bundle = NSBundle::mainBundle();
+    EXPECT_EQ(panel_->title(), "About Brindle");
+    EXPECT_EQ(find<NSTextField>("appNameField")->stringValue(), "Brindle");
+    EXPECT_EQ(find<NSTextField>("versionField")->stringValue(),
+              "Version " + bundle.objectForInfoDictionaryKey("CFBundleVersion"));
+    EXPECT_EQ(find<NSTextField>("copyrightField")->stringValue(),
+              bundle.objectForInfoDictionaryKey("NSHumanReadableCopyright"));
+    EXPECT_TRUE(panel_->isVisible() && panel_->isKeyWindow() && panel_->isExcludedFromWindowsMenu());
+}
+
+TEST_F(AboutPanel, ScrollsAHundredthOfAPointAtATimeInSinglePrecision) {
+    setCredits(100);
+    show();
+    host_.now += 2.9;
+    host_.fireTimers();
+    EXPECT_EQ(steps_, 0) << "the credits stand still for three seconds";
+    EXPECT_EQ(runPass(), 10'000);
+    EXPECT_NEAR(credits_->scrollPosition(), 100, 0.1) << "the end stays in sight";
+
+    host_.now += 3.0;
+    host_.fireTimers();
+    EXPECT_EQ(credits_->scrollPosition(), 0) << "the jump back to the top";
+    EXPECT_EQ(runPass(), 10'000);
+}
+
+TEST_F(AboutPanel, ALongerTextIsPassedALittleSoonerThanItsLengthSays) {
+    setCredits(500);
+    show();
+    EXPECT_EQ(runPass(), 49'983);
+}
+
+TEST_F(AboutPanel, ScrollsOnlyWhileKeyAndGoesOnFromTheSamePlace) {
+    setCredits(100);
+    show();
+    host_.now += 3.0;
+    for (int tick = 0; tick < 200; ++tick) {
+        host_.fireTimers();
+    }
+    const float place = credits_->scrollPosition();
+    panel_->resignKey();
+    EXPECT_EQ(host_.runningTimers(), 0U);
+    show();
+    EXPECT_EQ(credits_->scrollPosition(), place) << "showing it while it is on screen does not start again";
+    host_.fireTimers();
+    EXPECT_GT(credits_->scrollPosition(), place);
+
+    panel_->close();
+    show();
+    EXPECT_EQ(credits_->scrollPosition(), 0) << "hidden and shown, it starts at the top";
+    steps_ = 0;
+    host_.fireTimers();
+    EXPECT_EQ(steps_, 0) << "after a pause";
+}
+
+TEST(AboutPanelWithoutItsFile, IsLoggedWithABeepAndTriedAgain) {
+    TestHost host({.strings = {}, .realResources = false});
+    AboutBox::registerClass();
+    AboutBox::sharedInstance().showPanel(nullptr);
+    AboutBox::sharedInstance().showPanel(nullptr);
+    const std::vector<std::string> once = {"log Failed to load AboutBox.nib", "beep"};
+    EXPECT_EQ(host.events, (std::vector<std::string>{once[0], once[1], once[0], once[1]}));
+}
+
+} // namespace
