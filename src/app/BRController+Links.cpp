@@ -30,13 +30,12 @@ PublishedVersion publishedVersion() {
     const auto versions = NSMutableDictionary::dictionaryWithData(*list.bytes);
     if (!versions) {
         return {std::nullopt,
-                stringWithFormat(NSLocalizedString("The document at %@ is not a version list."), address)};
+                stringWithFormat(NSLocalizedString("the document at %@ is not a version list"), address)};
     }
     auto version = versions->stringForKey("Brindle");
     if (!version) {
-        return {
-            std::nullopt,
-            stringWithFormat(NSLocalizedString("The version list at %@ does not name Brindle."), address)};
+        return {std::nullopt,
+                stringWithFormat(NSLocalizedString("the version list at %@ does not name Brindle"), address)};
     }
     return {std::move(version), ""};
 }
@@ -55,10 +54,10 @@ void BRController::checkForNewVersion(NSControl* sender) {
     const std::string running = NSBundle::mainBundle().objectForInfoDictionaryKey("CFBundleVersion");
     const PublishedVersion published = publishedVersion();
     if (!published.version) {
-        NSRunAlertPanel(
-            NSLocalizedString("Version Not Checked"),
-            NSLocalizedString("Brindle could not find out which version is the most recent one.  %@"),
-            NSLocalizedString("OK"), std::nullopt, std::nullopt, published.error);
+        NSRunAlertPanel(NSLocalizedString("Version Not Checked"),
+                        NSLocalizedString("Brindle could not find out which version is the most recent one: "
+                                          "%@.  Please try again later."),
+                        NSLocalizedString("OK"), std::nullopt, std::nullopt, published.error);
         return;
     }
     if (*published.version == running) {

@@ -1,5 +1,8 @@
 #include "Fetch.h"
 
+#include "NSBundle.h"
+#include "NSString.h"
+
 #include <memory>
 #include <utility>
 
@@ -53,7 +56,7 @@ CURLcode perform(CURL* transfer, const std::string& address, Body& body) {
 }
 
 Fetched failure(const std::string& address, const std::string& reason) {
-    return {std::nullopt, "cannot fetch " + address + ": " + reason};
+    return {std::nullopt, stringWithFormat(NSLocalizedString("cannot fetch %@: %@"), address, reason)};
 }
 
 } // namespace
@@ -61,12 +64,12 @@ Fetched failure(const std::string& address, const std::string& reason) {
 Fetched fetchContentsOfURL(const std::string& address) {
     const Transfer transfer(curl_easy_init(), &curl_easy_cleanup);
     if (!transfer) {
-        return failure(address, "no memory");
+        return failure(address, NSLocalizedString("no memory"));
     }
     Body body;
     const CURLcode result = perform(transfer.get(), address, body);
     if (body.isTooLarge) {
-        return failure(address, "the document is larger than 1 MiB");
+        return failure(address, NSLocalizedString("the document is larger than 1 MiB"));
     }
     if (result != CURLE_OK) {
         return failure(address, curl_easy_strerror(result));
@@ -74,7 +77,8 @@ Fetched fetchContentsOfURL(const std::string& address) {
     long status = 0;
     curl_easy_getinfo(transfer.get(), CURLINFO_RESPONSE_CODE, &status);
     if (status < 200 || status > 299) {
-        return failure(address, "the server answered with status " + std::to_string(status));
+        return failure(address,
+                       stringWithFormat(NSLocalizedString("the server answered with status %d"), status));
     }
     return {std::move(body.bytes), {}};
 }
