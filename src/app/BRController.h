@@ -188,6 +188,25 @@ class BRController : public BROutlets,
     void removeUser(const std::string& shortNameText, const std::string& fromGroup,
                     const std::vector<std::string>& groupUsers);
 
+    using MembershipChange = void (BRController::*)(const std::string&, const std::string&,
+                                                    const std::vector<std::string>&);
+    /// True when the lists are to be read again: the fields were complete.
+    [[nodiscard]] bool writeGroup();
+    [[nodiscard]] bool confirmUserWrite(bool isNew) const;
+    void createUser();
+    void updateUser();
+    /// The primary group id in the user's record; empty when it has none.
+    [[nodiscard]] static std::string recordedGroupId(const std::string& shortNameText);
+    /// Makes the change for every selected candidate and the selected group.
+    void changeMembership(MembershipChange change);
+    void beginPasswordSheet();
+
+    // Public folders.
+    void changeSelectedPublicShare(bool enable);
+    void changePublicSharesAbove(std::int32_t highestIdLeftOut, bool enable);
+    /// Makes the AFP server see a change, and reads the users again.
+    void showChangedPublicShares();
+
     // SMB settings.
     /// Shows the alert for writeSMBConfFile's result; nothing for 0.
     static void showSMBWriteResult(int result);

@@ -1,0 +1,180 @@
+#include "BRController.h"
+
+#include "AccountReports.h"
+#include "NSAlert.h"
+#include "NSBundle.h"
+#include "NSLog.h"
+#include "NiutilTask.h"
+
+#include <algorithm>
+#include <limits>
+#include <map>
+
+namespace {
+
+/// The first free group id: those below are the system's.
+constexpr std::int32_t lowestProposedGroupId = 101;
+
+/// The title of the item that a menu holds in the interface file, until it is filled.
+constexpr std::string_view placeholderTitle = "Item1";
+
+/// Fills a menu anew and selects the title that was selected, also when it is no longer listed: a refill must
+/// not change what an editor is about to write. `idOfName` knows the tags of all names, listed or not.
+void refillMenu(NSPopUpButton& menu, const std::vector<NSPopUpButton::Item>& items,
+                const std::map<std::string, std::int32_t, std::less<>>& idOfName) {
+    const std::optional<std::string> remembered = menu.titleOfSelectedItem();
+    const std::int32_t formerTag = menu.tagOfSelectedItem();
+    const auto append = [&menu](const std::string& title, std::int32_t tag) {
+        menu.addItemWithTitle(title);
+        menu.setTag(menu.numberOfItems() - 1, tag);
+    };
+    menu.removeAllItems();
+    for (const NSPopUpButton::Item& item : items) {
+        append(item.title, item.tag);
+    }
+    if (!remembered) {
+        menu.selectItemAtIndex(-1);
+        return;
+    }
+    if (*remembered == placeholderTitle) {
+        return;
+    }
+    if (menu.indexOfItemWithTitle(*remembered) < 0) {
+        const auto known = idOfName.find(*remembered);
+        append(*remembered, known == idOfName.end() ? formerTag : known->second);
+    }
+    menu.selectItemWithTitle(*remembered);
+}
+
+void refillGroupMenu(NSPopUpButton& menu, const std::vector<GroupRecord>& groups, bool showsSystemGroups) {
+    std::vector<NSPopUpButton::Item> items;
+    std::map<std::string, std::int32_t, std::less<>> idOfName;
+    for (const GroupRecord& record : groups) {
+        idOfName.emplace(record.name, record.id);
+        if (showsSystemGroups || !record.isSystem()) {
+            items.push_back({record.name, record.id});
+        }
+    }
+    refillMenu(menu, items, idOfName);
+}
+
+void refillUserMenu(NSPopUpButton& menu, const std::vector<UserRecord>& users, bool showsSystemUsers) {
+    std::vector<NSPopUpButton::Item> items;
+    for (const UserRecord& user : users) {
+        if (showsSystemUsers || !user.isSystem()) {
+            items.push_back({user.name, 0});
+        }
+    }
+    refillMenu(menu, items, {});
+}
+
+/// The highest id that is not negative, or none.
+template <class Record>
+std::optional<std::int32_t> highestId(const std::vector<Record>& records) {
+    std::int32_t highest = -1;
+    for (const Record& record : records) {
+        highest = std::max(highest, record.id);
+    }
+    return highest == -1 ? std::nullopt : std::optional(highest);
+}
+
+std::int32_t idAfter(std::int32_t highest) {
+    return highest == std::numeric_limits<std::int32_t>::max() ? highest : highest + 1;
+}
+
+bool anyRowHas(const std::vector<BRRow>& rows, const char* key, const std::string& value) {
+    return std::ranges::any_of(rows, [&](const BRRow& row) { return row.at(key) == value; });
+}
+
+const BRRow* rowAt(const std::vector<BRRow>& rows, int row) {
+    const auto index = static_cast<std::size_t>(row);
+    return row >= 0 && index < rows.size() ? &rows[index] : nullptr;
+}
+
+} // namespace
+
+void BRController::getNextUID(NSControl* /*sender*/) {
+    const auto highest = highestId(recordsOfReport<UserRecord>(NiutilTask::sharedInstance().currentUsers()));
+    if (!highest) {
+        NSLog("No Users found to update the UID");
+        return;
+    }
+    uid->setIntValue(idAfter(*highest));
+}
+
+void BRController::getNextGID(NSControl* sender) {
+    updateAddGroupButton(sender);
+    const auto highest =
+        highestId(recordsOfReport<GroupRecord>(NiutilTask::sharedInstance().currentGroups()));
+    if (!highest) {
+        NSLog("No Groups found to update the GID");
+        NSBeep();
+        return;
+    }
+    gid->setIntValue(std::max(idAfter(*highest), lowestProposedGroupId));
+}
+
+void BRController::updateAddUserButton(NSControl* /*sender*/) {
+    const bool exists = anyRowHas(userShares, "User", shortName->stringValue());
+    addNewUserButton->setTitle(NSLocalizedString(exists ? "Update User" : "Add New User"));
+}
+
+void BRController::updateAddGroupButton(NSControl* /*sender*/) {
+    const bool exists = anyRowHas(groupShares, "Group", groupName->stringValue());
+    createNewGroupButton->setTitle(NSLocalizedString(exists ? "Update Group" : "Add New Group"));
+}
+
+void BRController::updateUserTextFields(NSControl* /*sender*/) {
+    const BRRow* row = rowAt(userShares, userTableView->selectedRow());
+    fullName->setStringValue(row != nullptr ? row->at("Full Name") : "");
+    shortName->setStringValue(row != nullptr ? row->at("User") : "");
+    uid->setStringValue(row != nullptr ? row->at("UID") : "");
+    const bool shared = row != nullptr && row->at("Public Shared") == NSLocalizedString("YES");
+    publicSharedPopUp->selectItemAtIndex(shared ? 0 : 1);
+    if (row != nullptr) {
+        groupPopUp->selectItemAtIndex(groupPopUp->indexOfItemWithTag(intValue(row->at("GID"))));
+    }
+    addNewUserButton->setTitle(NSLocalizedString(row != nullptr ? "Update User" : "Add New User"));
+    for (NSButton* button :
+         {deleteUserButton, changePasswordButton, disablePublicSelectedButton, enablePublicSelectedButton}) {
+        button->setEnabled(row != nullptr);
+    }
+}
+
+void BRController::updateGroupTextFields(NSControl* /*sender*/) {
+    const BRRow* row = rowAt(groupShares, groupTableView->selectedRow());
+    groupName->setStringValue(row != nullptr ? row->at("Group") : "");
+    gid->setStringValue(row != nullptr ? row->at("GID") : "");
+    createNewGroupButton->setTitle(NSLocalizedString(row != nullptr ? "Update Group" : "Add New Group"));
+    for (NSButton* button : {deleteGroupButton, addUserToGroupButton, removeUserFromGroupButton}) {
+        button->setEnabled(row != nullptr);
+    }
+}
+
+void BRController::updateUsersGroupsList(NSControl* sender) {
+    updateCreateShareButton(sender);
+    const bool showsSystem = showSystemUsersGroups->state() == NSOnState;
+    NiutilTask& task = NiutilTask::sharedInstance();
+    refillUserMenu(*owner, recordsOfReport<UserRecord>(task.currentUsers()), showsSystem);
+    refillGroupMenu(*group, recordsOfReport<GroupRecord>(task.currentGroups()), showsSystem);
+}
+
+void BRController::updateGroupsList(NSControl* /*sender*/) {
+    refillGroupMenu(*groupPopUp, recordsOfReport<GroupRecord>(NiutilTask::sharedInstance().currentGroups()),
+                    showSystemUsersGroups2->state() == NSOnState);
+}
+
+void BRController::refreshGroupList(NSControl* /*sender*/) {
+    guarded([this] { parseGroupShares(); }, bugMessage(FailedStep::Groups));
+    groupTableView->reloadData();
+    updateGroupTextFields(nullptr);
+    guarded([this] { parseGroupUserShares(); }, bugMessage(FailedStep::Users));
+    groupUsersTableView->reloadData();
+}
+
+void BRController::updateSystemUsersGroups(NSControl* /*sender*/) {
+    guarded([this] { parseGroupShares(); }, bugMessage(FailedStep::Groups));
+    groupTableView->reloadData();
+    guarded([this] { parseGroupUserShares(); }, bugMessage(FailedStep::Users));
+    groupUsersTableView->reloadData();
+}
