@@ -2,6 +2,7 @@
 
 #include "Presenter.h"
 
+#include <functional>
 #include <memory>
 #include <string>
 
@@ -27,7 +28,8 @@ class QtFrontend {
     /// `argc` and `argv` must live as long as the front-end; Qt takes its own options out of them. Where
     /// Silent is asked for and there is no display, Qt's offscreen platform is used.
     QtFrontend(int& argc, char** argv, Manner manner);
-    /// Takes all windows down; the presenter does nothing any more.
+    /// Takes all windows down, for which the interfaces must still be there unless run or takeSnapshots has
+    /// returned; the presenter does nothing any more.
     ~QtFrontend();
     QtFrontend(const QtFrontend&) = delete;
     QtFrontend& operator=(const QtFrontend&) = delete;
@@ -42,8 +44,8 @@ class QtFrontend {
 
     /// Writes a PNG of every page of the loaded interfaces, named after what it shows (shares.png,
     /// shares-drawer.png, afp-general.png, the sheets, about.png), into `folder`, which is made when it is
-    /// not there. To be called after the launch. False when a picture cannot be written; `error` then says
-    /// which and why.
+    /// not there. To be called after the launch; all windows are gone when it returns. False when a picture
+    /// cannot be written; `error` then says which and why.
     [[nodiscard]] bool takeSnapshots(const std::string& folder, std::string& error);
 
     /// True where a window can be shown: a display is there, or the environment picks a Qt platform.

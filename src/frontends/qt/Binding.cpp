@@ -1,0 +1,66 @@
+#include "Binding.h"
+
+#include "NSApplication.h"
+
+#include <QTimer>
+
+#include <algorithm>
+
+RefreshQueue::~RefreshQueue() {
+    for (Binding* binding : waiting_) {
+        if (binding != nullptr) {
+            binding->queue_ = nullptr;
+        }
+    }
+}
+
+void RefreshQueue::add(Binding* binding) {
+    waiting_.push_back(binding);
+    if (!scheduled_) {
+        scheduled_ = true;
+        QTimer::singleShot(0, this, [this] { flush(); });
+    }
+}
+
+void RefreshQueue::remove(Binding* binding) {
+    std::replace(waiting_.begin(), waiting_.end(), binding, static_cast<Binding*>(nullptr));
+}
+
+void RefreshQueue::flush() {
+    scheduled_ = false;
+    // A refresh may mark others: they are appended and done in the same pass.
+    for (std::size_t next = 0; next < waiting_.size(); ++next) {
+        if (Binding* binding = waiting_[next]) {
+            waiting_[next] = nullptr;
+            binding->waiting_ = false;
+            binding->refresh_();
+        }
+    }
+    waiting_.clear();
+}
+
+Binding::Binding(QObject* owner, RefreshQueue& queue, platform::Signal<>& signal,
+                 std::function<void()> refresh)
+    : QObject(owner), queue_(&queue), refresh_(std::move(refresh)) {
+    connect(&queue, &QObject::destroyed, this, [this] { queue_ = nullptr; });
+    connection_ = signal.connect([this] { markDirty(); });
+    refresh_();
+}
+
+Binding::~Binding() {
+    if (waiting_ && queue_ != nullptr) {
+        queue_->remove(this);
+    }
+}
+
+void Binding::markDirty() {
+    if (!waiting_ && queue_ != nullptr) {
+        waiting_ = true;
+        queue_->add(this);
+    }
+}
+
+void dispatchUserEvent(RefreshQueue& queue, const std::function<void()>& event) {
+    NSApp().dispatch(event);
+    queue.flush();
+}

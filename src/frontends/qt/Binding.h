@@ -1,0 +1,62 @@
+#pragma once
+
+#include "Element.h"
+
+#include <QObject>
+#include <QString>
+
+#include <functional>
+#include <string>
+#include <vector>
+
+class Binding;
+
+/// Collects what has to be redrawn and redraws it once a turn of the event loop, so that ten thousand changes
+/// of a model cost one refresh. Owned by the presenter; outlives the bindings or is outlived harmlessly by
+/// them.
+class RefreshQueue : public QObject {
+  public:
+    ~RefreshQueue() override;
+
+    void add(Binding* binding);
+    void remove(Binding* binding);
+    /// Redraws everything that is waiting, now.
+    void flush();
+
+  private:
+    std::vector<Binding*> waiting_; ///< a null stands for a binding that has gone while it waited
+    bool scheduled_ = false;
+};
+
+/// Ties a widget or menu item to a signal of its model: when it is emitted, it is refreshed soon after. A
+/// child of it, so that it goes with it.
+class Binding : public QObject {
+  public:
+    /// `refresh` loads it from the model; it must not look like a user's edit. Called once at once.
+    Binding(QObject* owner, RefreshQueue& queue, platform::Signal<>& signal, std::function<void()> refresh);
+    ~Binding() override;
+
+    /// Asks for a refresh, as a change of the model does.
+    void markDirty();
+
+  private:
+    friend class RefreshQueue;
+
+    RefreshQueue* queue_; ///< null when the queue has gone
+    std::function<void()> refresh_;
+    platform::Connection connection_;
+    bool waiting_ = false;
+};
+
+/// Runs one event of a user, then redraws what it changed.
+void dispatchUserEvent(RefreshQueue& queue, const std::function<void()>& event);
+
+/// The text as Qt shows it; a byte that is not UTF-8 shows as a replacement character.
+[[nodiscard]] inline QString shown(const std::string& text) {
+    return QString::fromStdString(text);
+}
+
+/// The text as a title in which "&" is an ampersand and underlines nothing.
+[[nodiscard]] inline QString title(const std::string& text) {
+    return shown(text).replace(QLatin1Char('&'), QLatin1String("&&"));
+}

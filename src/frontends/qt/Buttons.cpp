@@ -1,0 +1,86 @@
+#include "Buttons.h"
+
+#include <QCheckBox>
+#include <QGridLayout>
+#include <QPixmap>
+#include <QPushButton>
+
+namespace {
+
+constexpr const char* keyProperty = "keyEquivalent";
+constexpr int imageSize = 24;
+
+/// The image in its file; a null icon where there is none, or Qt has no reader for it: the button then shows
+/// its title.
+QIcon iconOf(const NSButton& button) {
+    return button.image() ? QIcon(QPixmap(shown(button.image()->path()))) : QIcon();
+}
+
+} // namespace
+
+QAbstractButton* makeButton(NSButton& button, bool withImage, RefreshQueue& queue) {
+    QAbstractButton* widget = nullptr;
+    if (button.kind() == NSButtonKind::CheckBox) {
+        widget = new QCheckBox;
+    } else {
+        auto* push = new QPushButton;
+        push->setAutoDefault(
+            false); // Return belongs to the button that the window names, not to the one with the focus
+        push->setDefault(button.keyEquivalent() == "\r");
+        push->setFlat(withImage);
+        widget = push;
+    }
+    if (withImage) {
+        widget->setIconSize(QSize(imageSize, imageSize));
+        widget->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
+    }
+    widget->setProperty(keyProperty, shown(button.keyEquivalent()));
+    auto* binding = new Binding(widget, queue, button.changed, [widget, &button, withImage] {
+        widget->setEnabled(button.isEnabled());
+        widget->setText(title(button.title()));
+        if (withImage) {
+            widget->setIcon(iconOf(button));
+        }
+        if (button.kind() == NSButtonKind::CheckBox) {
+            widget->setCheckable(true);
+            widget->setChecked(button.state() == NSOnState);
+        }
+    });
+    QObject::connect(widget, &QAbstractButton::clicked, widget, [binding, &button, &queue] {
+        binding->markDirty(); // Qt has changed the check mark already; the model may think otherwise
+        dispatchUserEvent(queue, [&button] { button.performClick(); });
+    });
+    return widget;
+}
+
+QString keyEquivalentOf(const QAbstractButton& button) {
+    return button.property(keyProperty).toString();
+}
+
+Matrix::Matrix(NSMatrix& matrix, RefreshQueue& queue) : matrix_(matrix) {
+    auto* layout = new QGridLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setColumnStretch(matrix.numberOfColumns(), 1);
+    for (int row = 0; row < matrix.numberOfRows(); ++row) {
+        for (int column = 0; column < matrix.numberOfColumns(); ++column) {
+            auto* cell = new QCheckBox;
+            layout->addWidget(cell, row, column);
+            cells_.push_back(cell);
+            connect(cell, &QCheckBox::clicked, this, [this, row, column, &queue] {
+                dispatchUserEvent(queue, [this, row, column] { matrix_.performClickAt(row, column); });
+                load();
+            });
+        }
+    }
+    new Binding(this, queue, matrix.changed, [this] { load(); });
+}
+
+void Matrix::load() {
+    for (std::size_t index = 0; index < cells_.size(); ++index) {
+        const int row = static_cast<int>(index) / matrix_.numberOfColumns();
+        const int column = static_cast<int>(index) % matrix_.numberOfColumns();
+        cells_[index]->setEnabled(matrix_.isEnabled());
+        cells_[index]->setText(title(matrix_.titleAt(row, column)));
+        cells_[index]->setChecked(matrix_.stateAt(row, column) == NSOnState);
+    }
+}

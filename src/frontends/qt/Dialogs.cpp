@@ -1,0 +1,163 @@
+#include "Dialogs.h"
+
+#include "Binding.h"
+#include "NSBundle.h"
+
+#include <QAbstractButton>
+#include <QDialogButtonBox>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QFormLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+#include <utility>
+
+namespace {
+
+/// The text as HTML that shows it as it is, so that a name that looks like markup stays a name.
+QString escaped(const std::string& text) {
+    return shown(text).toHtmlEscaped().replace(QLatin1Char('\n'), QLatin1String("<br>"));
+}
+
+bool changesNothing(const std::string& button) {
+    return button == NSLocalizedString("Cancel") || button == NSLocalizedString("No");
+}
+
+QLabel* wrapped(const QString& text) {
+    auto* label = new QLabel(text);
+    label->setTextFormat(Qt::PlainText);
+    label->setWordWrap(true);
+    return label;
+}
+
+/// Overwrites what the field held before it lets go of it.
+std::string takePassword(QLineEdit& field) {
+    std::string password = field.text().toStdString();
+    field.setText(QString(field.text().size(), QLatin1Char('*')));
+    field.clear();
+    return password;
+}
+
+} // namespace
+
+platform::AlertAnswer harmlessAnswer(const platform::Alert& alert) {
+    using platform::AlertAnswer;
+    if (alert.alternateButton && changesNothing(*alert.alternateButton)) {
+        return AlertAnswer::Alternate;
+    }
+    if (alert.otherButton && changesNothing(*alert.otherButton)) {
+        return AlertAnswer::Other;
+    }
+    if (changesNothing(alert.defaultButton) || !alert.alternateButton) {
+        return AlertAnswer::Default;
+    }
+    return AlertAnswer::Alternate;
+}
+
+platform::AlertAnswer askAlert(const platform::Alert& alert, QWidget* parent) {
+    using platform::AlertAnswer;
+    QMessageBox box(parent);
+    box.setObjectName("alert");
+    box.setIcon(QMessageBox::Warning);
+    box.setWindowTitle(shown(alert.title));
+    box.setText("<b>" + escaped(alert.title) + "</b>");
+    box.setInformativeText("<qt>" + escaped(alert.message) + "</qt>");
+    const AlertAnswer harmless = harmlessAnswer(alert);
+    std::vector<std::pair<QAbstractButton*, AlertAnswer>> buttons;
+    const auto add = [&](const std::optional<std::string>& text, QMessageBox::ButtonRole role,
+                         AlertAnswer answer) {
+        if (!text) {
+            return;
+        }
+        QPushButton* button = box.addButton(title(*text), role);
+        buttons.emplace_back(button, answer);
+        if (answer == AlertAnswer::Default) {
+            box.setDefaultButton(button);
+        }
+        if (answer == harmless) {
+            box.setEscapeButton(button);
+        }
+    };
+    add(alert.defaultButton, QMessageBox::AcceptRole, AlertAnswer::Default);
+    add(alert.alternateButton, QMessageBox::RejectRole, AlertAnswer::Alternate);
+    add(alert.otherButton, QMessageBox::DestructiveRole, AlertAnswer::Other);
+    box.exec();
+    for (const auto& [button, answer] : buttons) {
+        if (button == box.clickedButton()) {
+            return answer;
+        }
+    }
+    return harmless;
+}
+
+std::optional<std::string> askPath(const platform::OpenPanelRequest& request, QWidget* parent) {
+    QFileDialog dialog(parent);
+    const bool foldersOnly = request.canChooseDirectories && !request.canChooseFiles;
+    dialog.setWindowTitle(shown(NSLocalizedString(foldersOnly ? "Choose a Folder" : "Choose a File")));
+    dialog.setFileMode(foldersOnly ? QFileDialog::Directory : QFileDialog::ExistingFile);
+    dialog.setOption(QFileDialog::ShowDirsOnly, foldersOnly);
+    dialog.setLabelText(QFileDialog::Accept, shown(NSLocalizedString("Choose")));
+    if (const QString folder = shown(request.directory); !folder.isEmpty() && QFileInfo(folder).isDir()) {
+        dialog.setDirectory(folder);
+    }
+    if (!request.file.empty()) {
+        dialog.selectFile(shown(request.file));
+    }
+    if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty()) {
+        return std::nullopt;
+    }
+    return dialog.selectedFiles().constFirst().toStdString();
+}
+
+std::optional<platform::AdministratorAnswer> askAdministrator(const platform::AdministratorRequest& request,
+                                                              QWidget* parent) {
+    QDialog dialog(parent);
+    dialog.setObjectName("administrator");
+    dialog.setWindowTitle(shown(NSLocalizedString("Allow Changes")));
+    auto* layout = new QVBoxLayout(&dialog);
+    layout->setContentsMargins(20, 20, 20, 16);
+    layout->setSpacing(12);
+    auto* heading = wrapped(shown(NSLocalizedString("Brindle wants to make changes.")));
+    QFont bold = heading->font();
+    bold.setBold(true);
+    heading->setFont(bold);
+    heading->setMinimumWidth(340);
+    layout->addWidget(heading);
+    layout->addWidget(wrapped(
+        shown(NSLocalizedString(request.needsPassword ? "Enter an administrator's password to allow this."
+                                                      : "Allow it to change the file sharing settings?"))));
+    auto* password = new QLineEdit;
+    password->setEchoMode(QLineEdit::Password);
+    if (request.needsPassword) {
+        auto* form = new QFormLayout;
+        form->addRow(shown(NSLocalizedString("Password:")), password);
+        layout->addLayout(form);
+        password->setFocus();
+    } else {
+        password->setParent(&dialog);
+        password->hide();
+    }
+    if (!request.message.empty()) {
+        auto* message = wrapped(shown(request.message));
+        message->setForegroundRole(QPalette::Link);
+        layout->addWidget(message);
+    }
+    auto* buttons = new QDialogButtonBox;
+    auto* allow = buttons->addButton(shown(NSLocalizedString("Allow")), QDialogButtonBox::AcceptRole);
+    auto* refuse = buttons->addButton(shown(NSLocalizedString("Refuse")), QDialogButtonBox::RejectRole);
+    refuse->setAutoDefault(false);
+    allow->setDefault(true);
+    QObject::connect(buttons, &QDialogButtonBox::accepted, &dialog, &QDialog::accept);
+    QObject::connect(buttons, &QDialogButtonBox::rejected, &dialog, &QDialog::reject);
+    layout->addWidget(buttons);
+    const bool allowed = dialog.exec() == QDialog::Accepted;
+    std::string typed = takePassword(*password);
+    if (!allowed) {
+        return std::nullopt;
+    }
+    return platform::AdministratorAnswer{std::move(typed)};
+}

@@ -1,0 +1,45 @@
+#include "FrameTimers.h"
+
+#include "NSApplication.h"
+
+#include <algorithm>
+
+namespace {
+
+constexpr int frameTime = 16;           // milliseconds
+constexpr qint64 mostTicksAtOnce = 100; // after the process stood still, what was missed is not made up for
+constexpr double millisecondsPerSecond = 1000;
+
+} // namespace
+
+platform::TimerId FrameTimers::start(double interval, std::function<void()> fire) {
+    const platform::TimerId id = ++last_;
+    auto timer = std::make_shared<Timer>();
+    timer->catchesUp = interval <= 0;
+    timer->fire = std::move(fire);
+    timer->sinceTick.start();
+    timers_.emplace(id, timer);
+    QObject::connect(&timer->clock, &QTimer::timeout, &timer->clock, [this, id] { tick(id); });
+    timer->clock.start(timer->catchesUp ? frameTime : static_cast<int>(interval * millisecondsPerSecond));
+    return id;
+}
+
+void FrameTimers::stop(platform::TimerId timer) {
+    if (const auto found = timers_.find(timer); found != timers_.end()) {
+        found->second->clock.stop();
+        timers_.erase(found);
+    }
+}
+
+void FrameTimers::tick(platform::TimerId id) {
+    const auto found = timers_.find(id);
+    if (found == timers_.end()) {
+        return;
+    }
+    const std::shared_ptr<Timer> timer =
+        found->second; // stays until its tick is over, also when it stops itself
+    const qint64 ticks = timer->catchesUp ? std::min(timer->sinceTick.restart(), mostTicksAtOnce) : 1;
+    for (qint64 done = 0; done < ticks && timers_.contains(id); ++done) {
+        NSApp().dispatch(timer->fire);
+    }
+}

@@ -1,0 +1,129 @@
+#include "LineEdit.h"
+
+#include "NSApplication.h"
+
+#include <QDropEvent>
+#include <QMimeData>
+
+#include <algorithm>
+
+LineEdit::LineEdit(NSTextField& field, RefreshQueue& queue) : field_(field), queue_(queue) {
+    if (field.isSecure()) {
+        setEchoMode(QLineEdit::Password);
+        setInputMethodHints(Qt::ImhHiddenText | Qt::ImhNoPredictiveText | Qt::ImhNoAutoUppercase);
+    }
+    // Qt tells of the new text before it tells of the new caret, so `before_` still holds the old one in
+    // userEdited.
+    const auto remember = [this] {
+        if (!loading_) {
+            before_ = caretNow();
+        }
+    };
+    connect(this, &QLineEdit::cursorPositionChanged, this, remember);
+    connect(this, &QLineEdit::selectionChanged, this, remember);
+    connect(this, &QLineEdit::textEdited, this, &LineEdit::userEdited);
+    connect(this, &QLineEdit::returnPressed, this, &LineEdit::endEditing);
+    new Binding(this, queue, field.changed, [this] { load(); });
+}
+
+LineEdit::Caret LineEdit::caretNow() const {
+    return {.position = cursorPosition(),
+            .selectionStart = selectionStart(),
+            .selectionLength = static_cast<int>(selectedText().size())};
+}
+
+void LineEdit::restore(const QString& text, const Caret& caret) {
+    loading_ = true;
+    setText(text);
+    if (caret.selectionStart < 0) {
+        setCursorPosition(caret.position);
+    } else if (caret.position ==
+               caret.selectionStart) { // selected from right to left: the caret stands at the start
+        setSelection(caret.selectionStart + caret.selectionLength, -caret.selectionLength);
+    } else {
+        setSelection(caret.selectionStart, caret.selectionLength);
+    }
+    loading_ = false;
+    before_ = caretNow();
+}
+
+void LineEdit::load() {
+    setEnabled(field_.isEnabled());
+    setReadOnly(!field_.isEditable());
+    const QString now = shown(field_.stringValue());
+    accepted_ = now;
+    if (now != text()) {
+        restore(now, {.position = static_cast<int>(now.size())});
+        if (!hasFocus()) {
+            home(false); // the beginning of a long text says more than its end
+        }
+    }
+}
+
+bool LineEdit::propose(const QString& text, int caret, const Caret& before) {
+    const NSRange selection = {.location = static_cast<std::size_t>(
+                                   before.selectionStart < 0 ? before.position : before.selectionStart),
+                               .length = static_cast<std::size_t>(before.selectionLength)};
+    bool taken = false;
+    NSApp().dispatch(
+        [&] { taken = field_.proposeEdit(text.toStdString(), static_cast<std::size_t>(caret), selection); });
+    return taken;
+}
+
+void LineEdit::userEdited(const QString& text) {
+    const Caret before = before_;
+    const Caret after = caretNow();
+    loading_ = true; // an alert that the edit brings up must not disturb what is remembered
+    (void)propose(text, after.position, before);
+    loading_ = false;
+    // What counts is the field: it may have refused, or changed the text that it took.
+    const QString now = shown(field_.stringValue());
+    if (now == text) {
+        accepted_ = text;
+        if (field_.isSecure()) {
+            restore(text, after); // setting the text forgets the undo history, and with it the old passwords
+        }
+        before_ = caretNow();
+    } else if (now == accepted_) {
+        restore(now, before);
+    }
+    queue_.flush();
+}
+
+void LineEdit::endEditing() {
+    dispatchUserEvent(queue_, [this] { field_.endEditing(); });
+}
+
+void LineEdit::focusOutEvent(QFocusEvent* event) {
+    QLineEdit::focusOutEvent(event);
+    if (event->reason() != Qt::PopupFocusReason) { // the field's own menu is part of editing it
+        endEditing();
+    }
+}
+
+void LineEdit::dropEvent(QDropEvent* event) {
+    // Qt moves the caret and the selection before it inserts, so the dropped text is proposed here as one
+    // edit.
+    const Caret before = caretNow();
+    QString dropped = event->mimeData()->text();
+    dropped.replace(QLatin1Char('\n'), QLatin1Char(' '));
+    QString proposed = text();
+    int position = cursorPositionAt(event->position().toPoint());
+    if (event->source() == this && event->dropAction() == Qt::MoveAction && before.selectionStart >= 0) {
+        proposed.remove(before.selectionStart, before.selectionLength);
+        if (position > before.selectionStart) {
+            position = std::max(before.selectionStart, position - before.selectionLength);
+        }
+    }
+    proposed.insert(position, dropped);
+    const int caret = position + static_cast<int>(dropped.size());
+    if (isReadOnly() || dropped.isEmpty() || !propose(proposed, caret, before)) {
+        event->ignore();
+        return;
+    }
+    event->acceptProposedAction();
+    restore(
+        proposed,
+        {.position = caret, .selectionStart = position, .selectionLength = static_cast<int>(dropped.size())});
+    queue_.flush();
+}

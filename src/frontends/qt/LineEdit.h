@@ -1,0 +1,45 @@
+#pragma once
+
+#include "Binding.h"
+#include "NSTextField.h"
+
+#include <QLineEdit>
+
+/// A line edit over a text field's model. Every edit of the user (a key, a paste, a drop, an input method's
+/// text, cut, undo) is proposed to the field before it counts: a refused one leaves text, caret and selection
+/// as they were. What the program puts into the field is shown without being asked about.
+class LineEdit : public QLineEdit {
+    Q_OBJECT
+
+  public:
+    LineEdit(NSTextField& field, RefreshQueue& queue);
+
+    [[nodiscard]] const NSTextField& field() const { return field_; }
+
+    /// Tells the field that the user is done with it. Done on Return, when the focus goes, and by whoever is
+    /// about to act on the field while it keeps the focus (a menu's shortcut).
+    void endEditing();
+
+  protected:
+    void focusOutEvent(QFocusEvent* event) override;
+    void dropEvent(QDropEvent* event) override;
+
+  private:
+    struct Caret {
+        int position = 0;
+        int selectionStart = -1; ///< -1: nothing is selected
+        int selectionLength = 0;
+    };
+
+    [[nodiscard]] Caret caretNow() const;
+    void restore(const QString& text, const Caret& caret);
+    void load();
+    [[nodiscard]] bool propose(const QString& text, int caret, const Caret& before);
+    void userEdited(const QString& text);
+
+    NSTextField& field_;
+    RefreshQueue& queue_;
+    Caret before_;     ///< as of the last state that was not an edit under way
+    QString accepted_; ///< the text that the field has agreed to, as it is shown
+    bool loading_ = false;
+};

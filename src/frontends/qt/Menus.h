@@ -1,0 +1,16 @@
+#pragma once
+
+#include "Binding.h"
+#include "Interface.h"
+
+#include <QMainWindow>
+
+/// Fills the window's menu bar with the menus of `menuBar`.
+void fillMenuBar(QMainWindow& window, const platform::InterfaceNode& menuBar, RefreshQueue& queue);
+
+/// What the Quit item does: the main window is closed, and the application decides what follows.
+void closeMainWindow(RefreshQueue& queue);
+
+/// Lets a field that is being edited finish, where something is about to happen that does not take the focus
+/// from it.
+void endEditingOfFocusedField();

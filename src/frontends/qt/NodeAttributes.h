@@ -1,0 +1,22 @@
+#pragma once
+
+#include "Interface.h"
+#include "NSString.h"
+
+#include <string_view>
+
+/// The attribute as a number; 0 when there is none.
+[[nodiscard]] inline int number(const platform::InterfaceNode& node, std::string_view attribute) {
+    return intValue(node.attribute(attribute));
+}
+
+/// Is the attribute there, and "yes"?
+[[nodiscard]] inline bool isYes(const platform::InterfaceNode& node, std::string_view attribute) {
+    return node.attribute(attribute) == "yes";
+}
+
+/// The node's model, or null when it has none or one of another kind.
+template <class Model>
+[[nodiscard]] Model* modelOf(const platform::InterfaceNode& node) {
+    return dynamic_cast<Model*>(node.element.get());
+}

@@ -1,0 +1,77 @@
+#include "PopUp.h"
+
+#include <QListView>
+#include <QProxyStyle>
+#include <QWheelEvent>
+
+namespace {
+
+constexpr int longListLength = 14; ///< letters of a title that a pop-up with a long list has room for
+constexpr int longListRows = 16;
+
+/// Shows a combo box's items as a list with a scroll bar: a menu of ten thousand items would be laid out
+/// whole.
+class ListStyle : public QProxyStyle {
+  public:
+    int styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
+                  QStyleHintReturn* data) const override {
+        return hint == SH_ComboBox_Popup ? 0 : QProxyStyle::styleHint(hint, option, widget, data);
+    }
+};
+
+} // namespace
+
+int PopUpItems::rowCount(const QModelIndex& parent) const {
+    return parent.isValid() ? 0 : rows_;
+}
+
+QVariant PopUpItems::data(const QModelIndex& index, int role) const {
+    const auto row = static_cast<std::size_t>(index.row());
+    if ((role != Qt::DisplayRole && role != Qt::EditRole) || row >= popUp_.items().size()) {
+        return {}; // the items may have been taken away since Qt was told
+    }
+    return shown(popUp_.items()[row].title);
+}
+
+void PopUpItems::reload() {
+    beginResetModel();
+    rows_ = popUp_.numberOfItems();
+    endResetModel();
+}
+
+PopUp::PopUp(NSPopUpButton& popUp, bool longList, RefreshQueue& queue)
+    : popUp_(popUp), queue_(queue), items_(popUp) {
+    if (longList) {
+        auto* style = new ListStyle;
+        style->setParent(this);
+        setStyle(style);
+        auto* list = new QListView(this);
+        list->setUniformItemSizes(true); // else every item is measured
+        setView(list);
+        setSizeAdjustPolicy(AdjustToMinimumContentsLengthWithIcon);
+        setMinimumContentsLength(longListLength);
+        setMaxVisibleItems(longListRows);
+    } else {
+        setSizeAdjustPolicy(AdjustToContents);
+    }
+    setModel(&items_);
+    connect(this, &QComboBox::activated, this, &PopUp::userChose);
+    new Binding(this, queue, popUp.changed, [this] { load(); });
+}
+
+void PopUp::load() {
+    setEnabled(popUp_.isEnabled());
+    items_.reload();
+    setCurrentIndex(popUp_.indexOfSelectedItem());
+}
+
+void PopUp::userChose(int index) {
+    dispatchUserEvent(queue_, [this, index] { popUp_.performSelect(index); });
+    if (currentIndex() != popUp_.indexOfSelectedItem()) {
+        setCurrentIndex(popUp_.indexOfSelectedItem());
+    }
+}
+
+void PopUp::wheelEvent(QWheelEvent* event) {
+    event->ignore();
+}

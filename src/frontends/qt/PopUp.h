@@ -1,0 +1,46 @@
+#pragma once
+
+#include "Binding.h"
+#include "NSPopUpButton.h"
+
+#include <QAbstractListModel>
+#include <QComboBox>
+
+/// Shows a pop-up's items without copying them.
+class PopUpItems : public QAbstractListModel {
+  public:
+    explicit PopUpItems(NSPopUpButton& popUp) : popUp_(popUp), rows_(popUp.numberOfItems()) {}
+
+    [[nodiscard]] int rowCount(const QModelIndex& parent = {}) const override;
+    [[nodiscard]] QVariant data(const QModelIndex& index, int role) const override;
+
+    /// The items may be others than before.
+    void reload();
+
+  private:
+    NSPopUpButton& popUp_;
+    int rows_; ///< as Qt was told last
+};
+
+/// The widget of a pop-up menu. Choosing the item that is selected already counts as a choice; typing selects
+/// the item that begins with what is typed; the mouse wheel changes nothing, because a page is scrolled over
+/// it.
+class PopUp : public QComboBox {
+    Q_OBJECT
+
+  public:
+    /// `longList`: the items may be many; they are shown in a list with a scroll bar, and do not decide the
+    /// width.
+    PopUp(NSPopUpButton& popUp, bool longList, RefreshQueue& queue);
+
+  protected:
+    void wheelEvent(QWheelEvent* event) override;
+
+  private:
+    void load();
+    void userChose(int index);
+
+    NSPopUpButton& popUp_;
+    RefreshQueue& queue_;
+    PopUpItems items_;
+};

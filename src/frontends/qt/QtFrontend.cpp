@@ -1,0 +1,83 @@
+#include "QtFrontend.h"
+
+#include "NSApplication.h"
+#include "NSWindow.h"
+#include "QtPresenter.h"
+#include "Snapshots.h"
+
+#include <QApplication>
+#include <QTimer>
+
+#include <cstdlib>
+
+namespace {
+
+bool isSet(const char* variable) {
+    const char* value = std::getenv(variable);
+    return value != nullptr && *value != '\0';
+}
+
+} // namespace
+
+struct QtFrontend::Implementation {
+    // Before the application object, which picks its platform when it is made.
+    struct Platform {
+        explicit Platform(Manner manner) {
+            if (manner == Manner::Silent && !displayIsThere()) {
+                qputenv("QT_QPA_PLATFORM", "offscreen");
+            }
+        }
+    };
+
+    Implementation(int& argc, char** argv, Manner manner)
+        : platform(manner), application(argc, argv), presenter(std::make_shared<QtPresenter>(manner)) {
+        QApplication::setApplicationName("Brindle");
+        QApplication::setDesktopFileName("brindle");
+        QApplication::setQuitOnLastWindowClosed(false); // the application's delegate decides
+    }
+
+    ~Implementation() { presenter->closeAll(); }
+
+    Platform platform;
+    QApplication application;
+    std::shared_ptr<QtPresenter> presenter;
+};
+
+QtFrontend::QtFrontend(int& argc, char** argv, Manner manner)
+    : implementation_(std::make_unique<Implementation>(argc, argv, manner)) {}
+
+QtFrontend::~QtFrontend() = default;
+
+std::shared_ptr<platform::Presenter> QtFrontend::presenter() const {
+    return implementation_->presenter;
+}
+
+int QtFrontend::run(const std::function<void()>& launch) {
+    QtPresenter& presenter = *implementation_->presenter;
+    QTimer::singleShot(0, &implementation_->application, [&presenter, &launch] {
+        dispatchUserEvent(presenter.queue(), [&launch] {
+            if (NSWindow* main = NSApp().mainWindow()) {
+                main->makeKeyAndOrderFront();
+            }
+            launch();
+        });
+        if (NSApp().isTerminated()) {
+            QCoreApplication::quit();
+        }
+    });
+    const int status = QApplication::exec();
+    // Ended from outside (the session closes): the application still has to give up what it holds.
+    NSApp().dispatch([] { NSApp().terminate(); });
+    presenter.closeAll();
+    return status;
+}
+
+bool QtFrontend::takeSnapshots(const std::string& folder, std::string& error) {
+    const bool taken = writeSnapshots(*implementation_->presenter, folder, error);
+    implementation_->presenter->closeAll();
+    return taken;
+}
+
+bool QtFrontend::displayIsThere() {
+    return isSet("DISPLAY") || isSet("WAYLAND_DISPLAY") || isSet("QT_QPA_PLATFORM");
+}

@@ -1,0 +1,131 @@
+#include "QtPresenter.h"
+
+#include "Dialogs.h"
+#include "LineEdit.h"
+#include "NSLog.h"
+#include "NodeAttributes.h"
+
+#include <QApplication>
+#include <QDesktopServices>
+#include <QToolTip>
+#include <QUrl>
+
+#include <algorithm>
+
+using platform::AlertAnswer;
+using platform::Interface;
+using platform::InterfaceNode;
+
+QtPresenter::QtPresenter(QtFrontend::Manner manner)
+    : manner_(manner), queue_(std::make_unique<RefreshQueue>()), timers_(std::make_unique<FrameTimers>()) {}
+
+QtPresenter::~QtPresenter() {
+    closeAll();
+}
+
+void QtPresenter::closeAll() {
+    timers_.reset();
+    while (!views_.empty()) {
+        views_.pop_back();
+    }
+    mainWidget_ = nullptr;
+    interfaces_.clear();
+    queue_.reset();
+}
+
+QWidget* QtPresenter::parentForDialogs() const {
+    QWidget* active = QApplication::activeWindow();
+    return active != nullptr ? active : mainWidget_;
+}
+
+AlertAnswer QtPresenter::runAlert(const platform::Alert& alert) {
+    return asks() ? askAlert(alert, parentForDialogs()) : harmlessAnswer(alert);
+}
+
+std::optional<std::string> QtPresenter::runOpenPanel(const platform::OpenPanelRequest& request) {
+    return asks() ? askPath(request, parentForDialogs()) : std::nullopt;
+}
+
+std::optional<platform::AdministratorAnswer>
+QtPresenter::runAdministratorDialog(const platform::AdministratorRequest& request) {
+    return asks() ? askAdministrator(request, parentForDialogs()) : std::nullopt;
+}
+
+void QtPresenter::beep() {
+    if (asks()) {
+        QApplication::beep();
+    }
+}
+
+void QtPresenter::openAddress(const std::string& address) {
+    if (asks() && !QDesktopServices::openUrl(QUrl(shown(address)))) {
+        NSLog("The address %@ could not be opened: no application on this computer opens it.", address);
+    }
+}
+
+platform::TimerId QtPresenter::startTimer(double interval, std::function<void()> fire) {
+    return timers_ ? timers_->start(interval, std::move(fire)) : 0;
+}
+
+void QtPresenter::stopTimer(platform::TimerId timer) {
+    if (timers_) {
+        timers_->stop(timer);
+    }
+}
+
+void QtPresenter::interfaceDidLoad(Interface& interface) {
+    if (!queue_) {
+        return;
+    }
+    interfaces_.push_back(&interface);
+    const InterfaceNode* menuBar = nullptr;
+    for (const auto& node : interface.root().children) {
+        menuBar = node->kind == "menuBar" ? node.get() : menuBar;
+    }
+    const bool animated =
+        manner_ == QtFrontend::Manner::Interactive && QGuiApplication::platformName() != "offscreen";
+    for (const auto& node : interface.root().children) {
+        auto* window = modelOf<NSWindow>(*node);
+        if (window == nullptr) {
+            continue;
+        }
+        views_.push_back(std::make_unique<WindowView>(*node, menuBar, mainWidget_, animated, *queue_));
+        // For pictures a window is laid out and drawn as ever, but not where anybody is working.
+        views_.back()->widget().setAttribute(Qt::WA_DontShowOnScreen, manner_ == QtFrontend::Manner::Silent);
+        if (window->kind() == NSWindowKind::Main && mainWidget_ == nullptr) {
+            mainWidget_ = &views_.back()->widget();
+        }
+    }
+}
+
+WindowView* QtPresenter::viewOf(const NSWindow& window) const {
+    const auto found = std::find_if(views_.begin(), views_.end(),
+                                    [&window](const auto& view) { return &view->window() == &window; });
+    return found == views_.end() ? nullptr : found->get();
+}
+
+void QtPresenter::windowVisibilityDidChange(NSWindow& window) {
+    if (WindowView* view = viewOf(window)) {
+        view->followVisibility();
+    }
+}
+
+void QtPresenter::editWasRefused(const NSTextField& field, const std::string& errorText) {
+    auto* edit = qobject_cast<LineEdit*>(asks() ? QApplication::focusWidget() : nullptr);
+    if (edit != nullptr && &edit->field() == &field && !errorText.empty()) {
+        QToolTip::showText(edit->mapToGlobal(QPoint(0, edit->height())), shown(errorText).toHtmlEscaped(),
+                           edit);
+    }
+}
+
+void QtPresenter::applicationDidTerminate() {
+    if (queue_) {
+        QCoreApplication::quit();
+    }
+}
+
+void QtPresenter::toolWillRun(const std::string&, std::span<const std::string>) {
+    // A run is told of by what it changes; only a script's reader wants to see it.
+}
+
+void QtPresenter::toolDidWrite(std::string_view) {}

@@ -1,0 +1,58 @@
+#pragma once
+
+#include "FrameTimers.h"
+#include "Presenter.h"
+#include "QtFrontend.h"
+#include "WindowView.h"
+
+#include <memory>
+#include <vector>
+
+/// The presenter of the window front-end: renders the interfaces that are loaded, and asks, shows and beeps.
+/// Owned by the front-end and the host together; after closeAll, when Qt may be gone, every operation answers
+/// as if the user refused.
+class QtPresenter : public platform::Presenter {
+  public:
+    explicit QtPresenter(QtFrontend::Manner manner);
+    ~QtPresenter() override;
+
+    [[nodiscard]] platform::AlertAnswer runAlert(const platform::Alert& alert) override;
+    [[nodiscard]] std::optional<std::string> runOpenPanel(const platform::OpenPanelRequest& request) override;
+    [[nodiscard]] std::optional<platform::AdministratorAnswer>
+    runAdministratorDialog(const platform::AdministratorRequest& request) override;
+    void beep() override;
+    void openAddress(const std::string& address) override;
+    [[nodiscard]] platform::TimerId startTimer(double interval, std::function<void()> fire) override;
+    void stopTimer(platform::TimerId timer) override;
+    void interfaceDidLoad(platform::Interface& interface) override;
+    void windowVisibilityDidChange(NSWindow& window) override;
+    void editWasRefused(const NSTextField& field, const std::string& errorText) override;
+    void applicationDidTerminate() override;
+    void toolWillRun(const std::string& tool, std::span<const std::string> arguments) override;
+    void toolDidWrite(std::string_view output) override;
+
+    /// The interfaces that were loaded, in order.
+    [[nodiscard]] const std::vector<platform::Interface*>& interfaces() const { return interfaces_; }
+
+    /// The view of a window, or null.
+    [[nodiscard]] WindowView* viewOf(const NSWindow& window) const;
+
+    [[nodiscard]] RefreshQueue& queue() const { return *queue_; }
+
+    /// Takes all windows and timers down, for good.
+    void closeAll();
+
+  private:
+    [[nodiscard]] QWidget* parentForDialogs() const;
+
+    [[nodiscard]] bool asks() const {
+        return queue_ != nullptr && manner_ == QtFrontend::Manner::Interactive;
+    }
+
+    QtFrontend::Manner manner_;
+    std::unique_ptr<RefreshQueue> queue_; ///< null after closeAll
+    std::unique_ptr<FrameTimers> timers_;
+    std::vector<platform::Interface*> interfaces_;
+    std::vector<std::unique_ptr<WindowView>> views_; ///< the main window's first
+    QWidget* mainWidget_ = nullptr;
+};

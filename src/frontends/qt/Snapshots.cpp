@@ -1,0 +1,185 @@
+#include "Snapshots.h"
+
+#include "NSApplication.h"
+#include "NSButton.h"
+#include "NSPopUpButton.h"
+#include "NSTabView.h"
+#include "NSTableView.h"
+#include "NodeAttributes.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QPixmap>
+
+#include <stdexcept>
+#include <vector>
+
+using platform::InterfaceNode;
+
+namespace {
+
+template <class Visit>
+void visitNodes(const InterfaceNode& node, const Visit& visit) {
+    visit(node);
+    for (const auto& child : node.children) {
+        visitNodes(*child, visit);
+    }
+}
+
+template <class Model>
+std::vector<Model*> modelsIn(const InterfaceNode& node) {
+    std::vector<Model*> models;
+    visitNodes(node, [&models](const InterfaceNode& each) {
+        if (auto* model = modelOf<Model>(each)) {
+            models.push_back(model);
+        }
+    });
+    return models;
+}
+
+/// The first node of the kind in the tree, or null.
+const InterfaceNode* firstOf(const InterfaceNode& tree, std::string_view kind) {
+    const InterfaceNode* found = nullptr;
+    visitNodes(tree, [&found, kind](const InterfaceNode& each) {
+        if (found == nullptr && each.kind == kind) {
+            found = &each;
+        }
+    });
+    return found;
+}
+
+/// "AFP" and "Log Files" as parts of a file's name: "afp", "log-files"; "passwordWindow" is "password".
+QString fileName(const std::string& name) {
+    QString text = shown(name);
+    if (text.endsWith(QLatin1String("Window"))) {
+        text.chop(6);
+    }
+    QString slug;
+    for (const QChar letter : text) {
+        const bool isGap = !letter.isLetterOrNumber();
+        if ((isGap && slug.endsWith(QLatin1Char('-'))) || (isGap && slug.isEmpty())) {
+            continue;
+        }
+        slug += isGap ? QChar(QLatin1Char('-')) : letter.toLower();
+    }
+    return slug;
+}
+
+/// Takes the pictures. A failure ends it with a std::runtime_error that says what a person can do.
+class Photographer {
+  public:
+    Photographer(QtPresenter& presenter, const QString& folder) : presenter_(presenter), folder_(folder) {}
+
+    void photograph(const InterfaceNode& interface);
+
+  private:
+    void photographMain(const InterfaceNode& node);
+    void photographPage(const InterfaceNode& window, const InterfaceNode& page, const QString& name);
+    void take(const InterfaceNode& window, const QString& name);
+    void selectPage(const InterfaceNode& around, NSTabView& tabView, int page);
+    void act(const std::function<void()>& event);
+
+    QtPresenter& presenter_;
+    QDir folder_;
+};
+
+void Photographer::act(const std::function<void()>& event) {
+    dispatchUserEvent(presenter_.queue(), event);
+    QCoreApplication::processEvents();
+}
+
+void Photographer::take(const InterfaceNode& window, const QString& name) {
+    QCoreApplication::processEvents();
+    const WindowView* view = presenter_.viewOf(*modelOf<NSWindow>(window));
+    const QString path = folder_.filePath(name + QLatin1String(".png"));
+    if (view == nullptr || !view->widget().grab().save(path)) {
+        throw std::runtime_error("The picture " + path.toStdString() +
+                                 " cannot be written: check that the folder can be written to and has room.");
+    }
+}
+
+void Photographer::selectPage(const InterfaceNode& around, NSTabView& tabView, int page) {
+    // Where a pop-up offers the pages, it is used, so that the picture shows the page and its name together.
+    for (NSPopUpButton* popUp : modelsIn<NSPopUpButton>(around)) {
+        if (!tabView.showsTabs() && popUp->itemTitles() == tabView.labels()) {
+            act([popUp, page] { popUp->performSelect(page); });
+        }
+    }
+    act([&tabView, page] { tabView.selectTabViewItemAtIndex(page); });
+}
+
+void Photographer::photographPage(const InterfaceNode& window, const InterfaceNode& page,
+                                  const QString& name) {
+    const InterfaceNode* inner = firstOf(page, "tabView");
+    if (inner == nullptr) {
+        take(window, name);
+        return;
+    }
+    auto& tabView = *modelOf<NSTabView>(*inner);
+    for (int each = 0; each < tabView.numberOfTabViewItems(); ++each) {
+        selectPage(page, tabView, each);
+        take(window, name + QLatin1Char('-') + fileName(tabView.labels()[static_cast<std::size_t>(each)]));
+    }
+    selectPage(page, tabView, 0);
+}
+
+void Photographer::photographMain(const InterfaceNode& node) {
+    act([&node] { modelOf<NSWindow>(node)->makeKeyAndOrderFront(); });
+    const InterfaceNode* tabs = firstOf(node, "tabView");
+    if (tabs == nullptr) {
+        take(node, fileName(modelOf<NSWindow>(node)->name()));
+        return;
+    }
+    for (NSTableView* table : modelsIn<NSTableView>(node)) {
+        act([table] { table->selectRow(0); }); // an editor with something in it says more
+    }
+    auto& tabView = *modelOf<NSTabView>(*tabs);
+    for (int page = 0; page < tabView.numberOfTabViewItems(); ++page) {
+        selectPage(node, tabView, page);
+        const QString name = fileName(tabView.labels()[static_cast<std::size_t>(page)]);
+        photographPage(node, *tabs->children[static_cast<std::size_t>(page)], name);
+        const InterfaceNode* drawer = page == 0 ? firstOf(node, "drawer") : nullptr;
+        if (drawer != nullptr) {
+            act([drawer] { modelOf<NSDrawer>(*drawer)->open(); });
+            take(node, name + QLatin1String("-drawer"));
+            act([drawer] { modelOf<NSDrawer>(*drawer)->close(); });
+        }
+    }
+    selectPage(node, tabView, 0);
+}
+
+void Photographer::photograph(const InterfaceNode& interface) {
+    for (const auto& node : interface.children) {
+        const auto* window = modelOf<NSWindow>(*node);
+        if (window != nullptr && window->kind() == NSWindowKind::Main) {
+            photographMain(*node);
+        } else if (window != nullptr) {
+            take(*node, fileName(window->name()));
+        }
+    }
+    visitNodes(interface, [this](const InterfaceNode& item) {
+        if (item.attribute("role") == "about" && item.element) {
+            act([&item] { modelOf<NSMenuItem>(item)->performClick(); });
+        }
+    });
+}
+
+} // namespace
+
+bool writeSnapshots(QtPresenter& presenter, const std::string& folder, std::string& error) {
+    if (!QDir().mkpath(shown(folder))) {
+        error = "The folder " + folder + " cannot be made: choose one that you may write to.";
+        return false;
+    }
+    try {
+        Photographer photographer(presenter, shown(folder));
+        // An interface may load another: the About panel's stands at the end of the list then.
+        for (std::size_t next = 0; next < presenter.interfaces().size(); ++next) {
+            photographer.photograph(presenter.interfaces()[next]->root());
+        }
+    } catch (const std::runtime_error& failure) {
+        error = failure.what();
+        return false;
+    }
+    return true;
+}

@@ -1,0 +1,38 @@
+#pragma once
+
+#include "Binding.h"
+#include "NSTabView.h"
+
+#include <QStackedWidget>
+#include <QTabBar>
+
+#include <functional>
+#include <vector>
+
+/// The widget of a tab view: a bar of labels, unless another control picks the page, and the page. A page is
+/// built when it is first shown, or when the event loop has nothing better to do.
+class TabView : public QWidget {
+    Q_OBJECT
+
+  public:
+    using MakePage = std::function<QWidget*()>;
+
+    TabView(NSTabView& tabView, std::vector<MakePage> pages, RefreshQueue& queue);
+
+    /// Builds the pages that were not shown yet.
+    void buildAll();
+
+  protected:
+    void showEvent(QShowEvent* event) override;
+
+  private:
+    void load();
+    void build(int page);
+    void buildNext();
+
+    NSTabView& tabView_;
+    RefreshQueue& queue_;
+    std::vector<MakePage> pages_; ///< empty functions for pages that are built
+    QTabBar* bar_ = nullptr;      ///< null when the tabs are hidden
+    QStackedWidget* stack_;
+};

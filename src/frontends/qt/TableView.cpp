@@ -1,0 +1,214 @@
+#include "TableView.h"
+
+#include <QHeaderView>
+#include <QMenu>
+
+#include <algorithm>
+#include <span>
+
+namespace {
+
+constexpr int rowPadding = 8;
+constexpr int smallestColumn = 40;
+
+/// The rows as ranges of the model, one for each run of neighbours.
+QItemSelection selectionOf(const TableModel& model, std::span<const int> rows) {
+    QItemSelection selection;
+    for (std::size_t first = 0; first < rows.size();) {
+        std::size_t last = first;
+        while (last + 1 < rows.size() && rows[last + 1] == rows[last] + 1) {
+            ++last;
+        }
+        selection.append(QItemSelectionRange(model.index(rows[first], 0),
+                                             model.index(rows[last], model.columnCount() - 1)));
+        first = last + 1;
+    }
+    return selection;
+}
+
+std::vector<int> rowsOf(const QItemSelection& selection) {
+    std::vector<int> rows;
+    for (const QItemSelectionRange& range : selection) {
+        for (int row = range.top(); row <= range.bottom(); ++row) {
+            rows.push_back(row);
+        }
+    }
+    std::sort(rows.begin(), rows.end());
+    rows.erase(std::unique(rows.begin(), rows.end()), rows.end());
+    return rows;
+}
+
+} // namespace
+
+TableModel::TableModel(NSTableView& table) : table_(table), rows_(table.numberOfRows()) {}
+
+int TableModel::rowCount(const QModelIndex& parent) const {
+    return parent.isValid() ? 0 : rows_;
+}
+
+int TableModel::columnCount(const QModelIndex& parent) const {
+    return parent.isValid() ? 0 : static_cast<int>(table_.tableColumns().size());
+}
+
+QVariant TableModel::data(const QModelIndex& index, int role) const {
+    if (role != Qt::DisplayRole && role != Qt::ToolTipRole) {
+        return {};
+    }
+    const auto& column = table_.tableColumns().at(static_cast<std::size_t>(index.column()));
+    QString text = shown(table_.objectValue(column, index.row()));
+    // A tool tip reads a text that looks like HTML as HTML; a name is a name.
+    return role == Qt::ToolTipRole ? text.toHtmlEscaped() : text;
+}
+
+QVariant TableModel::headerData(int section, Qt::Orientation orientation, int role) const {
+    if (orientation != Qt::Horizontal) {
+        return {};
+    }
+    if (role == Qt::TextAlignmentRole) {
+        return QVariant(Qt::AlignLeft | Qt::AlignVCenter);
+    }
+    return role == Qt::DisplayRole
+               ? QVariant(shown(table_.tableColumns().at(static_cast<std::size_t>(section)).title))
+               : QVariant();
+}
+
+bool TableModel::reload() {
+    if (rows_ == table_.numberOfRows()) {
+        if (rows_ > 0) {
+            dataChanged(index(0, 0), index(rows_ - 1, columnCount() - 1), {Qt::DisplayRole});
+        }
+        return false;
+    }
+    beginResetModel();
+    rows_ = table_.numberOfRows();
+    endResetModel();
+    return true;
+}
+
+TableView::TableView(NSTableView& table, RefreshQueue& queue) : table_(table), queue_(queue), model_(table) {
+    setModel(&model_);
+    setSelectionBehavior(SelectRows);
+    setSelectionMode(table.allowsMultipleSelection() ? ExtendedSelection : SingleSelection);
+    setEditTriggers(NoEditTriggers);
+    setAlternatingRowColors(true);
+    setShowGrid(false);
+    setWordWrap(false);
+    setTabKeyNavigation(false); // Tab leaves the table for the next control
+    setVerticalScrollMode(ScrollPerPixel);
+    setHorizontalScrollMode(ScrollPerPixel);
+    setTextElideMode(Qt::ElideMiddle);
+    setCornerButtonEnabled(false);
+    setUpHeader();
+    connect(selectionModel(), &QItemSelectionModel::selectionChanged, this, [this] { userSelected(); });
+    new Binding(this, queue, table.reloaded, [this] { reload(); });
+    new Binding(this, queue, table.changed, [this] {
+        setEnabled(table_.isEnabled());
+        loadSelection();
+    });
+}
+
+void TableView::setUpHeader() {
+    const int height = fontMetrics().height() + rowPadding;
+    // Rows of one fixed height: a header that measured its rows would ask for every cell of a long table.
+    verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
+    verticalHeader()->setMinimumSectionSize(height);
+    verticalHeader()->setDefaultSectionSize(height);
+    verticalHeader()->hide();
+    QHeaderView* header = horizontalHeader();
+    header->setHighlightSections(false);
+    header->setMinimumSectionSize(smallestColumn);
+    header->setStretchLastSection(true);
+    header->setContextMenuPolicy(Qt::CustomContextMenu);
+    int section = 0;
+    for (const NSTableColumn& column : table_.tableColumns()) {
+        setColumnHidden(section, column.hidden);
+        setColumnWidth(section, column.width);
+        ++section;
+    }
+    connect(header, &QHeaderView::customContextMenuRequested, this, &TableView::showColumnMenu);
+    connect(header, &QHeaderView::sectionResized, this,
+            [this] { widthsAreUsers_ = widthsAreUsers_ || (!loading_ && horizontalHeader()->underMouse()); });
+}
+
+void TableView::resizeEvent(QResizeEvent* event) {
+    QTableView::resizeEvent(event);
+    shareWidth();
+}
+
+void TableView::shareWidth() {
+    if (widthsAreUsers_) {
+        return;
+    }
+    int wanted = 0;
+    for (int section = 0; section < model_.columnCount(); ++section) {
+        wanted +=
+            isColumnHidden(section) ? 0 : table_.tableColumns()[static_cast<std::size_t>(section)].width;
+    }
+    const int room = viewport()->width();
+    loading_ = true;
+    for (int section = 0; section < model_.columnCount() && wanted > 0; ++section) {
+        const int width = table_.tableColumns()[static_cast<std::size_t>(section)].width;
+        setColumnWidth(section, room > wanted ? width * room / wanted : width);
+    }
+    loading_ = false;
+}
+
+void TableView::showColumnMenu(const QPoint& position) {
+    QMenu menu;
+    for (int section = 0; section < model_.columnCount(); ++section) {
+        QAction* action =
+            menu.addAction(title(table_.tableColumns()[static_cast<std::size_t>(section)].title));
+        action->setCheckable(true);
+        action->setChecked(!isColumnHidden(section));
+        // A table without a column could not be given one again: it would have no header to click.
+        action->setEnabled(isColumnHidden(section) ||
+                           horizontalHeader()->hiddenSectionCount() + 1 < model_.columnCount());
+        connect(action, &QAction::toggled, this, [this, section](bool on) {
+            setColumnHidden(section, !on);
+            shareWidth();
+        });
+    }
+    menu.exec(horizontalHeader()->mapToGlobal(position));
+}
+
+void TableView::reload() {
+    loading_ = true;
+    if (model_.reload()) {
+        shownSelection_.clear(); // Qt has dropped it with the old rows
+    }
+    loading_ = false;
+    loadSelection();
+}
+
+void TableView::loadSelection() {
+    if (shownSelection_ == table_.selectedRows() || model_.rowCount() != table_.numberOfRows()) {
+        return; // the second: a reload is waiting, which loads the selection as well
+    }
+    shownSelection_ = table_.selectedRows();
+    loading_ = true;
+    selectionModel()->select(selectionOf(model_, shownSelection_),
+                             QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
+    if (!shownSelection_.empty()) {
+        const QModelIndex first = model_.index(shownSelection_.front(), firstShownColumn());
+        selectionModel()->setCurrentIndex(first, QItemSelectionModel::NoUpdate);
+        scrollTo(first);
+    }
+    loading_ = false;
+}
+
+int TableView::firstShownColumn() const {
+    int column = 0;
+    while (column + 1 < model_.columnCount() && isColumnHidden(column)) {
+        ++column;
+    }
+    return column;
+}
+
+void TableView::userSelected() {
+    if (loading_) {
+        return;
+    }
+    shownSelection_ = rowsOf(selectionModel()->selection());
+    dispatchUserEvent(queue_, [this] { table_.selectRows(shownSelection_); });
+    loadSelection();
+}

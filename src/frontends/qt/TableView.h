@@ -1,0 +1,56 @@
+#pragma once
+
+#include "Binding.h"
+#include "NSTableView.h"
+
+#include <QAbstractTableModel>
+#include <QTableView>
+
+#include <vector>
+
+/// Shows a table's model. Cells are asked for when they are drawn and never kept, so the length of the table
+/// costs nothing.
+class TableModel : public QAbstractTableModel {
+  public:
+    explicit TableModel(NSTableView& table);
+
+    [[nodiscard]] int rowCount(const QModelIndex& parent = {}) const override;
+    [[nodiscard]] int columnCount(const QModelIndex& parent = {}) const override;
+    [[nodiscard]] QVariant data(const QModelIndex& index, int role) const override;
+    [[nodiscard]] QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
+
+    /// The rows are others than before. True when the number of rows has changed.
+    bool reload();
+
+  private:
+    NSTableView& table_;
+    int rows_; ///< as Qt was told last
+};
+
+/// The widget of a table: rows of one height, columns that use the room and that the header's menu shows and
+/// hides.
+class TableView : public QTableView {
+    Q_OBJECT
+
+  public:
+    TableView(NSTableView& table, RefreshQueue& queue);
+
+  protected:
+    void resizeEvent(QResizeEvent* event) override;
+
+  private:
+    void setUpHeader();
+    void shareWidth();
+    void showColumnMenu(const QPoint& position);
+    void reload();
+    void loadSelection();
+    void userSelected();
+    [[nodiscard]] int firstShownColumn() const;
+
+    NSTableView& table_;
+    RefreshQueue& queue_;
+    TableModel model_;
+    std::vector<int> shownSelection_; ///< the selection that the widget was given last, or gave
+    bool loading_ = false;
+    bool widthsAreUsers_ = false; ///< the user has set a column's width: leave all of them alone
+};

@@ -1,0 +1,307 @@
+#include "WidgetBuilder.h"
+
+#include "Buttons.h"
+#include "Drawer.h"
+#include "LineEdit.h"
+#include "NodeAttributes.h"
+#include "PopUp.h"
+#include "TabView.h"
+#include "TableView.h"
+#include "TextView.h"
+
+#include <QFrame>
+#include <QGridLayout>
+#include <QGroupBox>
+#include <QHBoxLayout>
+#include <QVBoxLayout>
+
+#include <algorithm>
+#include <span>
+
+using platform::InterfaceNode;
+
+namespace {
+
+constexpr int pageMargin = 16;
+constexpr int boxMargin = 12;
+constexpr int spacing = 8;
+constexpr int indentStep = 20;
+
+bool isLayout(const InterfaceNode& node) {
+    return node.kind == "column" || node.kind == "row" || node.kind == "grid";
+}
+
+/// Does the node take the room that is left beside it (`vertical`: below it)?
+bool takesRoom(const InterfaceNode& node, bool vertical) {
+    static constexpr std::string_view wide[] = {"textField", "secureField", "tableView", "tabView",
+                                                "textView",  "box",         "separator", "spacer"};
+    static constexpr std::string_view high[] = {"tableView", "tabView", "textView"};
+    const auto isOneOf = [&node](std::span<const std::string_view> kinds) {
+        return std::find(kinds.begin(), kinds.end(), node.kind) != kinds.end();
+    };
+    if (number(node, "stretch") > 0 || (vertical ? isOneOf(high) : isOneOf(wide))) {
+        return true;
+    }
+    return std::any_of(node.children.begin(), node.children.end(), [&node, vertical](const auto& child) {
+        const bool along = node.kind == (vertical ? "column" : "row");
+        return (along && child->kind == "spacer") || (child->kind != "spacer" && takesRoom(*child, vertical));
+    });
+}
+
+/// Does the control need a label beside it to stand at its top?
+bool isHigh(const InterfaceNode& node) {
+    return node.kind == "matrix" || node.kind == "column" || node.kind == "textView" || node.kind == "grid" ||
+           node.kind == "tableView";
+}
+
+} // namespace
+
+QWidget* WidgetBuilder::make(const InterfaceNode& node) {
+    QWidget* widget = nullptr;
+    if (isLayout(node)) {
+        widget = new QWidget;
+        QLayout* layout = makeLayout(node);
+        layout->setContentsMargins(0, 0, 0, 0);
+        widget->setLayout(layout);
+    } else {
+        widget = makeControl(node);
+    }
+    finish(*widget, node);
+    return widget;
+}
+
+QWidget* WidgetBuilder::makePage(const InterfaceNode& node) {
+    QWidget* page = make(node);
+    if (page->layout() != nullptr && isLayout(node)) {
+        page->layout()->setContentsMargins(pageMargin, pageMargin, pageMargin, pageMargin);
+        return page;
+    }
+    auto* framed = new QWidget;
+    auto* layout = new QVBoxLayout(framed);
+    layout->setContentsMargins(pageMargin, pageMargin, pageMargin, pageMargin);
+    layout->addWidget(page);
+    return framed;
+}
+
+QWidget* WidgetBuilder::makeDrawer(const InterfaceNode& node) {
+    constexpr int usualWidth = 340;
+    const int width = number(node, "width");
+    auto* drawer = new Drawer(*modelOf<NSDrawer>(node), makePage(*node.children.at(0)),
+                              width > 0 ? width : usualWidth, animated_, queue_);
+    finish(*drawer, node);
+    return drawer;
+}
+
+QWidget* WidgetBuilder::makeControl(const InterfaceNode& node) {
+    if (auto* button = modelOf<NSButton>(node)) {
+        return makeButton(*button, isYes(node, "image"), queue_);
+    }
+    if (auto* popUp = modelOf<NSPopUpButton>(node)) {
+        return new PopUp(*popUp, isYes(node, "typeAhead"), queue_);
+    }
+    if (auto* matrix = modelOf<NSMatrix>(node)) {
+        return new Matrix(*matrix, queue_);
+    }
+    if (auto* table = modelOf<NSTableView>(node)) {
+        return new TableView(*table, queue_);
+    }
+    if (node.kind == "label") {
+        return makeLabel(node);
+    }
+    if (node.kind == "textField" || node.kind == "secureField") {
+        return makeTextField(node);
+    }
+    if (node.kind == "textView") {
+        return makeTextView(node);
+    }
+    if (node.kind == "tabView") {
+        return makeTabView(node);
+    }
+    if (node.kind == "box") {
+        return makeBox(node);
+    }
+    if (node.kind == "separator") {
+        auto* line = new QFrame;
+        line->setFrameStyle(static_cast<int>(QFrame::HLine) | static_cast<int>(QFrame::Sunken));
+        return line;
+    }
+    return new QWidget;
+}
+
+QWidget* WidgetBuilder::makeBox(const InterfaceNode& node) {
+    auto* box = new QGroupBox(title(node.attribute("title")));
+    auto* layout = new QVBoxLayout(box);
+    layout->setContentsMargins(boxMargin, boxMargin, boxMargin, boxMargin);
+    fillBox(*layout, node);
+    return box;
+}
+
+QWidget* WidgetBuilder::makeLabel(const InterfaceNode& node) {
+    auto* label = new QLabel(shown(node.attribute("text")));
+    label->setTextFormat(Qt::PlainText); // what it shows may come from a file or an account's name
+    const std::string& style = node.attribute("style");
+    QFont font = label->font();
+    if (style == "heading") {
+        font.setPointSizeF(font.pointSizeF() * 1.15);
+        font.setBold(true);
+    } else if (style == "note") {
+        font.setPointSizeF(font.pointSizeF() * 0.9);
+        label->setForegroundRole(QPalette::PlaceholderText);
+        label->setWordWrap(true);
+    } else if (style == "warning") {
+        QPalette palette = label->palette();
+        palette.setColor(QPalette::WindowText, QColor(0xa0, 0x3c, 0x00));
+        label->setPalette(palette);
+        label->setWordWrap(true);
+    }
+    label->setFont(font);
+    if (auto* field = modelOf<NSTextField>(node)) {
+        label->setTextInteractionFlags(Qt::TextSelectableByMouse);
+        const bool goesWhenEmpty = style == "note" || style == "warning";
+        new Binding(label, queue_, field->changed, [label, field, goesWhenEmpty] {
+            label->setText(shown(field->stringValue()));
+            const bool isEmpty = field->stringValue().empty();
+            if (goesWhenEmpty && (isEmpty || label->parentWidget() != nullptr)) {
+                label->setVisible(!isEmpty); // not before it stands in a window: it would become one
+            }
+        });
+    }
+    if (const std::string& control = node.attribute("for"); !control.empty()) {
+        if (const auto found = named_.find(control); found != named_.end()) {
+            label->setBuddy(found->second);
+        } else {
+            buddies_.emplace(control, label);
+        }
+    }
+    return label;
+}
+
+QWidget* WidgetBuilder::makeTextField(const InterfaceNode& node) {
+    auto* edit = new LineEdit(*modelOf<NSTextField>(node), queue_);
+    edit->setPlaceholderText(shown(node.attribute("placeholder")));
+    if (const int width = number(node, "maxWidth"); width > 0) {
+        edit->setMaximumWidth(width);
+    }
+    return edit;
+}
+
+QWidget* WidgetBuilder::makeTextView(const InterfaceNode& node) {
+    auto* view = new TextView(*modelOf<NSTextView>(node), queue_);
+    if (const int height = number(node, "height"); height > 0) {
+        view->setMinimumHeight(height);
+    }
+    return view;
+}
+
+QWidget* WidgetBuilder::makeTabView(const InterfaceNode& node) {
+    std::vector<TabView::MakePage> pages;
+    for (const auto& tab : node.children) {
+        const bool framed = modelOf<NSTabView>(node)->showsTabs();
+        const InterfaceNode& inside = *tab->children.at(0);
+        pages.push_back([this, &inside, framed] { return framed ? makePage(inside) : make(inside); });
+    }
+    return new TabView(*modelOf<NSTabView>(node), std::move(pages), queue_);
+}
+
+QLayout* WidgetBuilder::makeLayout(const InterfaceNode& node) {
+    if (node.kind == "grid") {
+        auto* grid = new QGridLayout;
+        fillGrid(*grid, node);
+        return grid;
+    }
+    QBoxLayout* box = node.kind == "row" ? static_cast<QBoxLayout*>(new QHBoxLayout) : new QVBoxLayout;
+    fillBox(*box, node);
+    return box;
+}
+
+void WidgetBuilder::fillBox(QBoxLayout& layout, const InterfaceNode& node) {
+    const std::string& wanted = node.attribute("spacing");
+    layout.setSpacing(wanted.empty() ? spacing : number(node, "spacing"));
+    bool roomIsTaken = false;
+    const bool vertical = node.kind != "row";
+    for (const auto& child : node.children) {
+        addTo(layout, *child);
+        roomIsTaken = roomIsTaken || child->kind == "spacer" || takesRoom(*child, vertical);
+    }
+    if (!roomIsTaken) {
+        layout.addStretch(); // keeps the children together at the start
+    }
+}
+
+void WidgetBuilder::addTo(QBoxLayout& layout, const InterfaceNode& node) {
+    const int stretch = number(node, "stretch");
+    if (node.kind == "spacer") {
+        layout.addStretch(std::max(stretch, 1));
+        return;
+    }
+    QWidget* widget = make(node);
+    const bool isRow = layout.direction() == QBoxLayout::LeftToRight;
+    // A control keeps its own width in a column: a button as wide as the window is hard to look at.
+    const bool keepsWidth = !isRow && !takesRoom(node, false) && node.kind != "label" && !isLayout(node);
+    const bool isIndented = number(node, "indent") > 0;
+    if (!isRow && isIndented) {
+        auto* line = new QHBoxLayout;
+        line->addSpacing(number(node, "indent") * indentStep);
+        line->addWidget(widget);
+        line->addStretch();
+        layout.addLayout(line, stretch);
+    } else {
+        layout.addWidget(widget, stretch, keepsWidth ? Qt::AlignLeft : Qt::Alignment());
+    }
+}
+
+void WidgetBuilder::fillGrid(QGridLayout& layout, const InterfaceNode& node) {
+    const int columns = std::max(1, number(node, "columns"));
+    layout.setHorizontalSpacing(spacing);
+    layout.setVerticalSpacing(spacing);
+    int cell = 0;
+    std::vector<bool> wide(static_cast<std::size_t>(columns), false);
+    for (std::size_t index = 0; index < node.children.size(); ++index) {
+        const InterfaceNode& child = *node.children[index];
+        const int column = cell % columns;
+        const int span = std::clamp(number(child, "span"), 1, columns - column);
+        const bool isTitle = child.kind == "label" && child.attribute("style").empty() && span == 1 &&
+                             child.element == nullptr;
+        Qt::Alignment alignment;
+        if (isTitle) {
+            const bool nextIsHigh = index + 1 < node.children.size() && isHigh(*node.children[index + 1]);
+            alignment = Qt::AlignRight | (nextIsHigh ? Qt::AlignTop : Qt::AlignVCenter);
+        } else if (!takesRoom(child, false) && !isLayout(child) && child.kind != "label" &&
+                   child.kind != "popUp") {
+            alignment = Qt::AlignLeft | Qt::AlignVCenter;
+        }
+        if (child.kind != "spacer") {
+            QWidget* widget = make(child);
+            layout.addWidget(widget, cell / columns, column, 1, span, alignment);
+        }
+        if (span == 1 && !isTitle && takesRoom(child, false)) {
+            wide[static_cast<std::size_t>(column)] = true;
+        }
+        cell += span;
+    }
+    const bool anyWide = std::find(wide.begin(), wide.end(), true) != wide.end();
+    for (int column = 0; column < columns; ++column) {
+        layout.setColumnStretch(
+            column, wide[static_cast<std::size_t>(column)] || (!anyWide && column == columns - 1) ? 1 : 0);
+    }
+}
+
+void WidgetBuilder::finish(QWidget& widget, const InterfaceNode& node) {
+    if (const std::string& tip = node.attribute("toolTip"); !tip.empty()) {
+        widget.setToolTip(shown(tip));
+    }
+    if (const int width = number(node, "width"); width > 0 && node.kind != "drawer") {
+        widget.setMinimumWidth(width);
+    }
+    const std::string& name = node.element ? node.element->name() : node.attribute("name");
+    if (name.empty()) {
+        return;
+    }
+    widget.setObjectName(shown(name));
+    named_[name] = &widget;
+    for (auto [label, end] = buddies_.equal_range(name); label != end; ++label) {
+        label->second->setBuddy(&widget);
+        widget.setAccessibleName(label->second->text());
+    }
+    buddies_.erase(name);
+}

@@ -1,0 +1,49 @@
+#pragma once
+
+#include "Binding.h"
+#include "Interface.h"
+
+#include <QLabel>
+#include <QLayout>
+
+#include <map>
+#include <string>
+#include <string_view>
+#include <vector>
+
+class QGridLayout;
+class QBoxLayout;
+
+/// Makes the widgets of one window from the nodes of an interface file. Lives as long as the window, because
+/// the pages of tab views are made later.
+class WidgetBuilder {
+  public:
+    /// `animated`: drawers slide.
+    WidgetBuilder(RefreshQueue& queue, bool animated) : queue_(queue), animated_(animated) {}
+
+    /// The widget of a layout node (column, row, grid, box) or of a control, which becomes the caller's.
+    [[nodiscard]] QWidget* make(const platform::InterfaceNode& node);
+    /// A layout node as a page of its own, with margins.
+    [[nodiscard]] QWidget* makePage(const platform::InterfaceNode& node);
+    /// The drawer's widget.
+    [[nodiscard]] QWidget* makeDrawer(const platform::InterfaceNode& node);
+
+  private:
+    [[nodiscard]] QWidget* makeControl(const platform::InterfaceNode& node);
+    [[nodiscard]] QWidget* makeBox(const platform::InterfaceNode& node);
+    [[nodiscard]] QWidget* makeLabel(const platform::InterfaceNode& node);
+    [[nodiscard]] QWidget* makeTabView(const platform::InterfaceNode& node);
+    [[nodiscard]] QWidget* makeTextField(const platform::InterfaceNode& node);
+    [[nodiscard]] QWidget* makeTextView(const platform::InterfaceNode& node);
+    [[nodiscard]] QLayout* makeLayout(const platform::InterfaceNode& node);
+    void fillBox(QBoxLayout& layout, const platform::InterfaceNode& node);
+    void fillGrid(QGridLayout& layout, const platform::InterfaceNode& node);
+    void addTo(QBoxLayout& layout, const platform::InterfaceNode& node);
+    void finish(QWidget& widget, const platform::InterfaceNode& node);
+
+    RefreshQueue& queue_;
+    bool animated_;
+    std::map<std::string, QWidget*, std::less<>> named_;
+    std::multimap<std::string, QLabel*, std::less<>>
+        buddies_; ///< labels whose control is not made yet, by its name
+};

@@ -1,0 +1,45 @@
+#pragma once
+
+#include "Binding.h"
+#include "Interface.h"
+#include "NSWindow.h"
+#include "WidgetBuilder.h"
+
+#include <QPointer>
+#include <QWidget>
+
+#include <memory>
+
+/// One window, sheet or panel of an interface file on the screen: its widget, and the ties between that
+/// widget's window and the NSWindow. Owned by the presenter.
+class WindowView : public QObject {
+  public:
+    /// Builds the window of `node`, not shown yet. `menuBar` may be null; `parent` is the main window's
+    /// widget for sheets and panels.
+    WindowView(const platform::InterfaceNode& node, const platform::InterfaceNode* menuBar, QWidget* parent,
+               bool animated, RefreshQueue& queue);
+    ~WindowView() override;
+
+    [[nodiscard]] NSWindow& window() const { return window_; }
+
+    [[nodiscard]] QWidget& widget() const { return *widget_; }
+
+    /// Puts the widget on the screen or takes it off, as the model says.
+    void followVisibility();
+
+  protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+  private:
+    void buildMain(const platform::InterfaceNode& node, const platform::InterfaceNode* menuBar);
+    void buildDialog(const platform::InterfaceNode& node, QWidget* parent);
+    void place();
+    void raise();
+    [[nodiscard]] bool keyPressed(int key);
+
+    NSWindow& window_;
+    RefreshQueue& queue_;
+    WidgetBuilder builder_;
+    QPointer<QWidget> widget_; ///< goes with its parent when the main window goes first
+    platform::Connection orderedFront_;
+};
