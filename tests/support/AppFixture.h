@@ -1,0 +1,142 @@
+#pragma once
+
+#include "AboutBox.h"
+#include "BRController.h"
+#include "DirectoryTools.h"
+#include "Interface.h"
+#include "NSBundle.h"
+#include "NSUserDefaults.h"
+#include "Store.h"
+#include "TestHost.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+/// The application on a host of the test's own: the project's main window, a real directory that privileged
+/// runs of nicl change, and copies that reach the mapped files. A test fills the directory, calls start() and
+/// then uses the controls as a user does.
+class AppFixture : public testing::Test {
+  protected:
+    explicit AppFixture(const TestHost::Options& options = {}) : host(options) {
+        BRController::registerClass();
+        AboutBox::registerClass();
+        platform::Store store(host.storeFile().string(), platform::Store::Opening::Create);
+        store.addRecord(platform::Store::root, "users");
+        store.addRecord(platform::Store::root, "groups");
+        store.addRecord(store.addRecord(platform::Store::root, "config"), "Brindle");
+        store.commit();
+        host.onRun = [this](const RecordedRun& run) { return carryOut(run); };
+    }
+
+    /// What a privileged run does to this test's directory and files. Runs that change accounts or the modes
+    /// of folders do nothing.
+    TestHost::RunAnswer carryOut(const RecordedRun& run) {
+        if (run.tool == "/usr/bin/nicl") {
+            return {runNicl(DirectoryPlace(host.storeFile().string()), run.arguments).output, 0};
+        }
+        if (run.tool == "/bin/cp") {
+            std::filesystem::copy_file(run.arguments.at(0), host.host().paths().map(run.arguments.at(1)),
+                                       std::filesystem::copy_options::overwrite_existing);
+        }
+        return {};
+    }
+
+    /// Changes the directory without a privileged run.
+    void nicl(const std::vector<std::string>& operation) {
+        std::vector<std::string> arguments = {"."};
+        arguments.insert(arguments.end(), operation.begin(), operation.end());
+        const ToolResult result = runNicl(DirectoryPlace(host.storeFile().string()), arguments);
+        ASSERT_EQ(result.output, "");
+    }
+
+    void addUser(const std::string& name, const std::string& uid, const std::string& gid = "20") {
+        nicl({"-create", "/users/" + name});
+        nicl({"-create", "/users/" + name, "uid", uid});
+        nicl({"-create", "/users/" + name, "gid", gid});
+    }
+
+    void addGroup(const std::string& name, const std::string& gid,
+                  const std::vector<std::string>& users = {}) {
+        nicl({"-create", "/groups/" + name});
+        nicl({"-create", "/groups/" + name, "gid", gid});
+        if (!users.empty()) {
+            nicl({"-create", "/groups/" + name, "users"});
+        }
+        for (const std::string& user : users) {
+            nicl({"-append", "/groups/" + name, "users", user});
+        }
+    }
+
+    /// A record as the share editor writes it.
+    void addShare(const std::string& name, const std::string& folder, const std::string& afpShared = "1") {
+        nicl({"-create", "/config/Brindle/" + name});
+        nicl({"-create", "/config/Brindle/" + name, "directory_path", folder});
+        nicl({"-create", "/config/Brindle/" + name, "afp_shared", afpShared});
+        nicl({"-create", "/config/Brindle/" + name, "afp_name", name});
+        nicl({"-create", "/config/Brindle/" + name, "afp_use_parent_privs", "0"});
+        nicl({"-create", "/config/Brindle/" + name, "afp_use_parent_owner", "0"});
+    }
+
+    /// Loads the main window and launches. `launches` is the launch counter before, none on the first launch;
+    /// 11 asks for no donation.
+    void start(std::optional<std::int32_t> launches = 11) {
+        if (launches) {
+            NSUserDefaults::standardUserDefaults().setInteger(*launches, "BrindleDonationReminder");
+        }
+        load();
+        NSApp().finishLaunching();
+        host.events.clear();
+        host.runs.clear();
+    }
+
+    void load() {
+        interface = platform::Interface::load(NSBundle::mainBundle().resourcePath() + "/MainMenu.xml");
+        controller = static_cast<BRController*>(interface->owner());
+    }
+
+    /// The control of that name in the main interface file.
+    template <class Kind>
+    Kind& control(const std::string& name) {
+        auto* found = dynamic_cast<Kind*>(interface->find(name));
+        if (found == nullptr) {
+            throw std::logic_error("the window has no such control: " + name);
+        }
+        return *found;
+    }
+
+    /// Sends an operation as the control that is wired to it does.
+    void send(const std::string& operation) {
+        NSControl* sender = interface->findWiredTo(operation);
+        if (sender == nullptr) {
+            throw std::logic_error("nothing is wired to " + operation);
+        }
+        sender->sendAction();
+    }
+
+    std::string text(const std::string& field) { return control<NSTextField>(field).stringValue(); }
+
+    void type(const std::string& field, const std::string& text) {
+        NSTextField& edited = control<NSTextField>(field);
+        const NSRange all{0, utf16Length(edited.stringValue())};
+        ASSERT_TRUE(edited.proposeEdit(text, utf16Length(text), all)) << field << " refuses " << text;
+    }
+
+    /// The texts of one column, row by row.
+    std::vector<std::string> columnOf(const std::string& table, const std::string& identifier) {
+        NSTableView& view = control<NSTableView>(table);
+        std::vector<std::string> values;
+        for (int row = 0; row < view.numberOfRows(); ++row) {
+            values.push_back(view.objectValue({.identifier = identifier, .title = {}}, row));
+        }
+        return values;
+    }
+
+    TestHost host;
+    std::unique_ptr<platform::Interface> interface;
+    BRController* controller = nullptr; ///< the interface file's
+};
