@@ -3,6 +3,7 @@
 #include "Services.h"
 
 #include <functional>
+#include <map>
 #include <string>
 #include <utility>
 
@@ -21,6 +22,7 @@ class HostProcesses : public Processes {
 
   private:
     std::function<bool(const std::string&)> maySignal_;
+    std::map<std::FILE*, int> statuses_; ///< of the commands behind the open streams
 };
 
 /// Whether a process is a file server that was started with the configuration of the root at `rootFolder`, or

@@ -1,0 +1,135 @@
+#include "AccountLists.h"
+
+#include <charconv>
+#include <cstdint>
+#include <limits>
+#include <set>
+
+#include <grp.h>
+#include <pwd.h>
+
+namespace platform {
+
+namespace {
+
+constexpr unsigned nobody = 65534;
+constexpr int nobodyInDirectory = -2;
+
+/// What a field of a list cannot hold becomes a blank: it is shown to people only.
+std::string field(std::string_view text) {
+    std::string answer(text);
+    for (char& character : answer) {
+        if (character == ':' || character == '\n') {
+            character = ' ';
+        }
+    }
+    return answer;
+}
+
+bool canBeListed(std::string_view name) {
+    return !name.empty() && name.find_first_of(":,\n") == std::string_view::npos;
+}
+
+std::string_view value(const RecordBlock& block, const RecordBlock::Record& record, std::string_view name) {
+    const auto* property = block.property(record, name);
+    return property == nullptr || property->valueCount == 0 ? std::string_view()
+                                                            : block.values(*property).front();
+}
+
+std::string members(const RecordBlock& block, const RecordBlock::Record& record) {
+    std::string answer;
+    const auto* users = block.property(record, "users");
+    if (users == nullptr) {
+        return answer;
+    }
+    for (const auto user : block.values(*users)) {
+        if (canBeListed(user)) {
+            answer += (answer.empty() ? "" : ",") + std::string(user);
+        }
+    }
+    return answer;
+}
+
+void addUser(std::string& list, std::string_view name, unsigned uid, unsigned gid, std::string_view realName,
+             std::string_view home, std::string_view shell) {
+    list += std::string(name) + ":x:" + std::to_string(uid) + ":" + std::to_string(gid) + ":" +
+            field(realName) + ":" + field(home) + ":" + field(shell) + "\n";
+}
+
+std::string passwdList(const RecordBlock& users) {
+    std::string list;
+    std::set<std::string, std::less<>> listed;
+    for (const auto& record : users.records()) {
+        const auto name = value(users, record, "name");
+        bool hasUid = false;
+        bool hasGid = false;
+        const unsigned uid = accountNumber(value(users, record, "uid"), &hasUid);
+        const unsigned gid = accountNumber(value(users, record, "gid"), &hasGid);
+        if (canBeListed(name) && hasUid && hasGid && listed.emplace(name).second) {
+            addUser(list, name, uid, gid, value(users, record, "realname"), value(users, record, "home"),
+                    value(users, record, "shell"));
+        }
+    }
+    ::setpwent();
+    while (const passwd* entry = ::getpwent()) {
+        if (listed.emplace(entry->pw_name).second) {
+            addUser(list, entry->pw_name, entry->pw_uid, entry->pw_gid, entry->pw_gecos, entry->pw_dir,
+                    entry->pw_shell);
+        }
+    }
+    ::endpwent();
+    return list;
+}
+
+std::string groupList(const RecordBlock& groups) {
+    std::string list;
+    std::set<std::string, std::less<>> listed;
+    for (const auto& record : groups.records()) {
+        const auto name = value(groups, record, "name");
+        bool hasGid = false;
+        const unsigned gid = accountNumber(value(groups, record, "gid"), &hasGid);
+        if (canBeListed(name) && hasGid && listed.emplace(name).second) {
+            list += std::string(name) + ":x:" + std::to_string(gid) + ":" + members(groups, record) + "\n";
+        }
+    }
+    ::setgrent();
+    while (const group* entry = ::getgrent()) {
+        if (!listed.emplace(entry->gr_name).second) {
+            continue;
+        }
+        list += std::string(entry->gr_name) + ":x:" + std::to_string(entry->gr_gid) + ":";
+        for (char** member = entry->gr_mem; *member != nullptr; ++member) {
+            list += (member == entry->gr_mem ? "" : ",") + std::string(*member);
+        }
+        list += "\n";
+    }
+    ::endgrent();
+    return list;
+}
+
+} // namespace
+
+AccountLists accountLists(const RecordBlock& users, const RecordBlock& groups) {
+    return {passwdList(users), groupList(groups)};
+}
+
+std::string directoryNumber(unsigned number) {
+    if (number == nobody) {
+        return std::to_string(nobodyInDirectory);
+    }
+    return std::to_string(static_cast<std::int32_t>(number));
+}
+
+unsigned accountNumber(std::string_view text, bool* valid) {
+    std::int64_t number = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+    *valid = error == std::errc() && end == text.data() + text.size() &&
+             number >= std::numeric_limits<std::int32_t>::min() &&
+             number < std::numeric_limits<std::uint32_t>::max();
+    if (!*valid) {
+        return 0;
+    }
+    return number == nobodyInDirectory ? nobody : static_cast<unsigned>(static_cast<std::uint32_t>(number));
+}
+
+} // namespace platform

@@ -1,0 +1,121 @@
+#include "EmbeddedHost.h"
+
+#include "ConsentAuthority.h"
+#include "DirectoryAccounts.h"
+#include "EmbeddedRoot.h"
+#include "HostProcesses.h"
+#include "LocalDomain.h"
+#include "NSBundle.h"
+#include "SystemServices.h"
+
+#include <cstdlib>
+#include <filesystem>
+#include <system_error>
+#include <utility>
+
+#include <pwd.h>
+#include <unistd.h>
+
+namespace platform {
+
+namespace {
+
+std::string environment(const char* name) {
+    const char* value = std::getenv(name);
+    return value == nullptr ? std::string() : value;
+}
+
+std::string defaultHome() {
+    std::string home = environment("HOME");
+    if (home.empty()) {
+        const passwd* entry = ::getpwuid(::getuid());
+        home = entry == nullptr ? "/" : entry->pw_dir;
+    }
+    while (home.size() > 1 && home.ends_with('/')) {
+        home.pop_back();
+    }
+    return home;
+}
+
+std::string defaultsFileBelow(const std::string& home) {
+    const std::string configuration = environment("XDG_CONFIG_HOME");
+    // The variable's rules say that a relative path in it is to be ignored.
+    const std::string folder = configuration.starts_with('/') ? configuration : home + "/.config";
+    return folder + "/brindle/defaults.plist";
+}
+
+class EmbeddedPaths : public Paths {
+  public:
+    EmbeddedPaths(EmbeddedRoot root, std::string home, std::string defaultsFile, std::string resources)
+        : root_(std::move(root)), home_(std::move(home)), defaultsFile_(std::move(defaultsFile)),
+          resources_(std::move(resources)) {}
+
+    [[nodiscard]] std::string map(const std::string& path) const override { return root_.map(path); }
+
+    [[nodiscard]] std::string home() const override { return home_; }
+
+    [[nodiscard]] std::string defaultsFile() const override { return defaultsFile_; }
+
+    [[nodiscard]] std::string resources() const override { return resources_; }
+
+  private:
+    EmbeddedRoot root_;
+    std::string home_;
+    std::string defaultsFile_;
+    std::string resources_;
+};
+
+class EmbeddedDomain : public LocalDomain {
+  public:
+    explicit EmbeddedDomain(std::string file) : file_(std::move(file)) {}
+
+    [[nodiscard]] std::string storeFile() const override { return file_; }
+
+  private:
+    std::string file_;
+};
+
+std::string orDefault(const std::string& given, std::string (*makeDefault)()) {
+    return given.empty() ? makeDefault() : given;
+}
+
+std::string defaultHelper() {
+    return programFolder() + "/brindle-helper";
+}
+
+} // namespace
+
+std::string programFolder() {
+    std::error_code error;
+    const auto program = std::filesystem::read_symlink("/proc/self/exe", error);
+    return error ? "." : program.parent_path().string();
+}
+
+std::string defaultResources() {
+    const std::string resources = environment("BRINDLE_RESOURCES");
+    return resources.empty()
+               ? std::filesystem::path(programFolder() + "/../share/brindle").lexically_normal().string()
+               : resources;
+}
+
+Services makeEmbeddedServices(const EmbeddedHostOptions& options) {
+    const EmbeddedRoot root(orDefault(options.root, &EmbeddedRoot::defaultFolder));
+    root.makeIfMissing();
+    const std::string home = orDefault(options.home, &defaultHome);
+    Services services;
+    services.log = options.log ? options.log : std::make_shared<SystemLog>();
+    services.clock = std::make_shared<SystemClock>();
+    services.paths = std::make_shared<EmbeddedPaths>(
+        root, home, options.keepsUserDefaults ? defaultsFileBelow(home) : std::string(),
+        orDefault(options.resources, &defaultResources));
+    services.accountNames = std::make_shared<DirectoryAccounts>(root.storeFile());
+    services.processes = std::make_shared<HostProcesses>(
+        [folder = root.folder()](const std::string& processId) { return isServerOfRoot(processId, folder); });
+    services.localDomain = std::make_shared<EmbeddedDomain>(root.storeFile());
+    services.authority =
+        std::make_shared<ConsentAuthority>(orDefault(options.helper, &defaultHelper), root.folder());
+    services.languages = languagesFromEnvironment();
+    return services;
+}
+
+} // namespace platform

@@ -1,0 +1,270 @@
+#include "RootContents.h"
+
+#include "AccountLists.h"
+#include "Store.h"
+
+#include <algorithm>
+#include <optional>
+#include <span>
+#include <string_view>
+#include <vector>
+
+#include <grp.h>
+#include <pwd.h>
+#include <unistd.h>
+
+namespace platform {
+
+namespace {
+
+constexpr const char* smbConfBeforeExample = R"(# The SMB server's settings of this root.
+#
+# A line that begins with "#" or ";" is a comment.  Settings stand as "name = value" below the name of their
+# section.  Brindle writes this file anew when a share or the SMB settings are changed, and keeps the comments.
+
+[global]
+  workgroup = WORKGROUP
+  server string = Brindle
+  security = USER
+  # A user whom the server does not know is a guest, and gets in where guests may.
+  map to guest = Bad User
+  # Old clients name files in this code page.
+  dos charset = CP437
+  unix charset = UTF-8
+  load printers = no
+  local master = yes
+  hide dot files = yes
+
+# Each user's home folder as a share of its own.  The SMB settings turn it on.
+;[homes]
+;  comment = User Home Directories
+;  browseable = no
+;  read only = no
+
+# An example to start from: take the ";" away, or make a share of the folder in the Shares tab.
+;[Example]
+;  path = )";
+
+constexpr const char* smbConfAfterExample = R"(
+;  read only = no
+;  guest ok = yes
+)";
+
+constexpr const char* appleFileServerPlist = R"(<?xml version="1.0" encoding="UTF-8"?>
+<!DOCTYPE plist PUBLIC "-//Apple//DTD PLIST 1.0//EN" "http://www.apple.com/DTDs/PropertyList-1.0.dtd">
+<plist version="1.0">
+<dict>
+	<key>activityLog</key>
+	<false/>
+	<key>activityLogPath</key>
+	<string>/Library/Logs/AppleFileService/AppleFileServiceAccess.log</string>
+	<key>activityLogTime</key>
+	<integer>7</integer>
+	<key>adminGetsSp</key>
+	<false/>
+	<key>afpServerEncoding</key>
+	<integer>0</integer>
+	<key>afpTCPPort</key>
+	<integer>548</integer>
+	<key>allowRootLogin</key>
+	<false/>
+	<key>authenticationMode</key>
+	<string>standard</string>
+	<key>clientSleepOnOff</key>
+	<true/>
+	<key>clientSleepTime</key>
+	<integer>24</integer>
+	<key>errorLogPath</key>
+	<string>/Library/Logs/AppleFileService/AppleFileServiceError.log</string>
+	<key>errorLogTime</key>
+	<integer>0</integer>
+	<key>guestAccess</key>
+	<true/>
+	<key>idleDisconnectFlag</key>
+	<dict>
+		<key>adminUsers</key>
+		<true/>
+		<key>guestUsers</key>
+		<true/>
+		<key>registeredUsers</key>
+		<true/>
+		<key>usersWithOpenFiles</key>
+		<true/>
+	</dict>
+	<key>idleDisconnectOnOff</key>
+	<false/>
+	<key>idleDisconnectTime</key>
+	<integer>10</integer>
+	<key>lock_manager</key>
+	<false/>
+	<key>loggingAttributes</key>
+	<dict>
+		<key>logCreateDir</key>
+		<true/>
+		<key>logCreateFile</key>
+		<true/>
+		<key>logDelete</key>
+		<true/>
+		<key>logLogin</key>
+		<true/>
+		<key>logLogout</key>
+		<true/>
+		<key>logOpenFork</key>
+		<true/>
+	</dict>
+	<key>loginGreeting</key>
+	<string></string>
+	<key>maxConnections</key>
+	<integer>-1</integer>
+	<key>maxGuests</key>
+	<integer>-1</integer>
+	<key>registerNSL</key>
+	<true/>
+	<key>sendGreetingOnce</key>
+	<false/>
+	<key>tickleTime</key>
+	<integer>30</integer>
+</dict>
+</plist>
+)";
+
+/// Writes the records of one kind, each name once.
+class Filler {
+  public:
+    Filler(Store& store, const char* directory)
+        : store_(store), directory_(store.addRecord(Store::root, directory)) {}
+
+    /// None when a record of that name is there already (account sources may overlap).
+    std::optional<Store::Record> add(const std::string& name) {
+        if (name.empty() || name.find('/') != std::string::npos || store_.child(directory_, name)) {
+            return std::nullopt;
+        }
+        return store_.addRecord(directory_, name);
+    }
+
+    void set(Store::Record record, const char* property, const std::string& value) {
+        store_.setValues(record, property, std::span(&value, 1));
+    }
+
+  private:
+    Store& store_;
+    Store::Record directory_;
+};
+
+/// A computer that another may log in to from elsewhere has an account source that lists nothing, so its user
+/// is asked for by id.
+std::string currentUser() {
+    const passwd* entry = ::getpwuid(::getuid());
+    return entry == nullptr ? std::string() : entry->pw_name;
+}
+
+void addUser(Filler& users, const passwd& entry) {
+    const auto record = users.add(entry.pw_name);
+    if (!record) {
+        return;
+    }
+    const std::string_view gecos = entry.pw_gecos == nullptr ? "" : entry.pw_gecos;
+    users.set(*record, "realname", std::string(gecos.substr(0, gecos.find(','))));
+    users.set(*record, "uid", directoryNumber(entry.pw_uid));
+    users.set(*record, "gid", directoryNumber(entry.pw_gid));
+    users.set(*record, "home", entry.pw_dir);
+    users.set(*record, "shell", entry.pw_shell);
+    users.set(*record, "passwd", "*");
+}
+
+void fillUsers(Store& store) {
+    Filler users(store, "users");
+    ::setpwent();
+    while (const passwd* entry = ::getpwent()) {
+        addUser(users, *entry);
+    }
+    ::endpwent();
+    if (const passwd* entry = ::getpwuid(::getuid())) {
+        addUser(users, *entry);
+    }
+}
+
+struct GroupEntry {
+    std::string name;
+    gid_t gid;
+    std::vector<std::string> members;
+};
+
+std::vector<GroupEntry> computersGroups() {
+    std::vector<GroupEntry> groups;
+    ::setgrent();
+    while (const group* entry = ::getgrent()) {
+        groups.push_back({entry->gr_name, entry->gr_gid, {}});
+        for (char** member = entry->gr_mem; *member != nullptr; ++member) {
+            groups.back().members.emplace_back(*member);
+        }
+    }
+    ::endgrent();
+    return groups;
+}
+
+void addMember(std::vector<std::string>& members, const std::string& name) {
+    if (!name.empty() && std::ranges::find(members, name) == members.end()) {
+        members.push_back(name);
+    }
+}
+
+/// Whoever may administer the computer is a member of admin; its number is the one that no group of the
+/// computer has.
+GroupEntry adminGroup(const std::vector<GroupEntry>& groups) {
+    GroupEntry admin{"admin", 80, {}};
+    while (std::ranges::find(groups, admin.gid, &GroupEntry::gid) != groups.end()) {
+        ++admin.gid;
+    }
+    for (const auto& each : groups) {
+        if (each.name == "admin") {
+            admin = each;
+        }
+    }
+    for (const auto& each : groups) {
+        if (each.name == "sudo" || each.name == "wheel") {
+            std::ranges::for_each(each.members, [&](const auto& name) { addMember(admin.members, name); });
+        }
+    }
+    addMember(admin.members, currentUser());
+    return admin;
+}
+
+void fillGroups(Store& store) {
+    Filler filler(store, "groups");
+    auto groups = computersGroups();
+    GroupEntry admin = adminGroup(groups);
+    const auto place = std::ranges::find(groups, admin.name, &GroupEntry::name);
+    if (place == groups.end()) {
+        groups.push_back(std::move(admin));
+    } else {
+        *place = std::move(admin);
+    }
+    for (const auto& each : groups) {
+        if (const auto record = filler.add(each.name)) {
+            filler.set(*record, "gid", directoryNumber(each.gid));
+            filler.set(*record, "passwd", "*");
+            store.setValues(*record, "users", each.members);
+        }
+    }
+}
+
+} // namespace
+
+std::string sampleSmbConf(const std::string& exampleFolder) {
+    return smbConfBeforeExample + exampleFolder + smbConfAfterExample;
+}
+
+std::string sampleAppleFileServerPlist() {
+    return appleFileServerPlist;
+}
+
+void makeStore(const std::string& file) {
+    Store store(file, Store::Opening::Create);
+    fillUsers(store);
+    fillGroups(store);
+    store.addRecord(store.addRecord(Store::root, "config"), "Brindle");
+    store.commit();
+}
+
+} // namespace platform

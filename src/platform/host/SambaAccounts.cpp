@@ -1,0 +1,253 @@
+#include "SambaAccounts.h"
+
+#include "AccountLists.h"
+#include "NSFileManager.h"
+#include "Store.h"
+#include "Subprocess.h"
+
+#include <array>
+#include <cerrno>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <system_error>
+#include <vector>
+
+#include <unistd.h>
+
+namespace platform {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+/// Samba reads a new password into so many bytes, and what is longer into the next line.
+constexpr std::size_t longestPassword = 254;
+
+constexpr std::array programFolders{"/usr/bin/", "/usr/local/bin/", "/usr/local/samba/bin/"};
+constexpr std::array libraryFolders{"/usr/lib/", "/usr/lib64/", "/usr/local/lib/"};
+
+/// Each of Samba's folders: its setting, and its name below the root's samba folder.
+constexpr std::array<std::array<const char*, 2>, 7> folders{{{"private dir", "private"},
+                                                             {"lock directory", "lock"},
+                                                             {"state directory", "state"},
+                                                             {"cache directory", "cache"},
+                                                             {"ncalrpc dir", "ncalrpc"},
+                                                             {"pid directory", "pid"},
+                                                             {"binddns dir", "binddns"}}};
+
+std::string databaseProgram() {
+    for (const char* folder : programFolders) {
+        if (::access((std::string(folder) + "pdbedit").c_str(), X_OK) == 0) {
+            return std::string(folder) + "pdbedit";
+        }
+    }
+    return {};
+}
+
+std::string contents(const std::string& file) {
+    std::ifstream in(file, std::ios::binary);
+    return {std::istreambuf_iterator<char>(in), {}};
+}
+
+/// Readers never meet half a list, and a list that stays as it is costs no write.
+std::string replaceFile(const std::string& file, const std::string& text) {
+    if (contents(file) == text || writeToFileAtomically(file, text, 0644)) {
+        return {};
+    }
+    return "cannot write " + file + ": " + std::strerror(errno) +
+           "; allow writing to its folder and try again";
+}
+
+std::string missingPart(const std::string& program) {
+    if (program.empty()) {
+        return "Samba's pdbedit is not installed; install the package samba-common-bin and try again";
+    }
+    if (SambaAccounts::wrapperLibrary().empty()) {
+        return "libnss_wrapper.so is not installed; install the package libnss-wrapper and try again";
+    }
+    return {};
+}
+
+std::string lastLine(const std::string& text) {
+    const std::size_t end = text.find_last_not_of(" \n");
+    if (end == std::string::npos) {
+        return "no reason given";
+    }
+    const std::size_t lineBreak = text.rfind('\n', end);
+    const std::size_t start = lineBreak == std::string::npos ? 0 : lineBreak + 1;
+    return text.substr(start, end + 1 - start);
+}
+
+/// The options come after the configuration and hold whatever it says: where it cannot be read, Samba goes on
+/// with the computer's own settings, and would change the computer's own password database.
+Subprocess runDatabaseProgram(const std::string& program, const SambaAccounts& accounts,
+                              const std::string& folder, const std::vector<std::string>& operation,
+                              std::string_view input) {
+    std::vector<std::string> arguments{program, "-s", folder + "/accounts.conf"};
+    for (const auto& [setting, name] : folders) {
+        arguments.push_back(std::string("--option=") + setting + "=" + folder + "/" + name);
+    }
+    arguments.push_back("--option=passdb backend=tdbsam:" + folder + "/private/passdb.tdb");
+    arguments.insert(arguments.end(), operation.begin(), operation.end());
+    return runSubprocess(
+        std::move(arguments),
+        {"PATH=/usr/sbin:/usr/bin:/sbin:/bin", "LC_ALL=C", "LD_PRELOAD=" + SambaAccounts::wrapperLibrary(),
+         "NSS_WRAPPER_PASSWD=" + accounts.passwdFile(), "NSS_WRAPPER_GROUP=" + accounts.groupFile()},
+        input);
+}
+
+} // namespace
+
+bool SambaAccounts::exists() const {
+    std::error_code ignored;
+    return fs::is_directory(root_.sambaFolder(), ignored);
+}
+
+std::string SambaAccounts::configurationFile() const {
+    return root_.sambaFolder() + "/smbd.conf";
+}
+
+std::string SambaAccounts::passwdFile() const {
+    return root_.sambaFolder() + "/passwd";
+}
+
+std::string SambaAccounts::groupFile() const {
+    return root_.sambaFolder() + "/group";
+}
+
+std::string SambaAccounts::databaseFile() const {
+    return root_.sambaFolder() + "/private/passdb.tdb";
+}
+
+std::string SambaAccounts::wrapperLibrary() {
+    // The loader takes a bare name from its own folders, on every architecture; where it is found decides
+    // only whether it is there.
+    constexpr const char* library = "libnss_wrapper.so";
+    std::error_code ignored;
+    for (const char* folder : libraryFolders) {
+        if (fs::exists(std::string(folder) + library, ignored)) {
+            return library;
+        }
+        for (const auto& entry : fs::directory_iterator(folder, ignored)) {
+            if (entry.is_directory(ignored) && fs::exists(entry.path() / library, ignored)) {
+                return library;
+            }
+        }
+    }
+    return {};
+}
+
+std::string SambaAccounts::configuration() const {
+    const std::string folder = root_.sambaFolder();
+    std::string text = "# Written by Brindle for the SMB server of this root alone.  Changes here are lost: "
+                       "the settings are\n"
+                       "# those of " +
+                       root_.map("/etc/smb.conf") + ".\n[global]\n";
+    text += "  workgroup = WORKGROUP\n  netbios name = BRINDLE\n  server role = standalone server\n"
+            "  map to guest = Bad User\n  interfaces = 127.0.0.1/8\n  bind interfaces only = yes\n"
+            "  disable netbios = yes\n  load printers = no\n  disable spoolss = yes\n";
+    for (const auto& [setting, name] : folders) {
+        text += std::string("  ") + setting + " = " + folder + "/" + name + "\n";
+    }
+    text += "  passdb backend = tdbsam:" + databaseFile() + "\n  log file = " + folder + "/log/tools.log\n";
+    return text;
+}
+
+std::string SambaAccounts::makeFolders() const {
+    const fs::path folder = root_.sambaFolder();
+    std::error_code error;
+    fs::create_directories(folder / "log", error);
+    for (const auto& each : folders) {
+        if (!error) {
+            fs::create_directories(folder / each[1], error);
+        }
+    }
+    if (!error) {
+        fs::permissions(folder / "private", fs::perms::owner_all, error);
+    }
+    if (error) {
+        return "cannot make " + folder.string() + ": " + error.message() +
+               "; allow writing to the root and try again";
+    }
+    std::string failure = replaceFile(folder / "accounts.conf", configuration());
+    if (failure.empty()) {
+        failure = replaceFile(configurationFile(),
+                              configuration() + "  include = " + root_.map("/etc/smb.conf") + "\n");
+    }
+    return failure;
+}
+
+std::string SambaAccounts::make() const {
+    std::string failure = makeFolders();
+    if (!failure.empty()) {
+        return failure;
+    }
+    try {
+        Store store(root_.storeFile());
+        return writeAccountLists(store);
+    } catch (const StoreError& error) {
+        return error.what();
+    }
+}
+
+std::string SambaAccounts::writeAccountLists(Store& store) const {
+    const auto users = store.child(Store::root, "users");
+    const auto groups = store.child(Store::root, "groups");
+    const AccountLists lists = accountLists(users ? store.children(*users) : RecordBlock(),
+                                            groups ? store.children(*groups) : RecordBlock());
+    std::string failure = replaceFile(passwdFile(), lists.passwd);
+    return failure.empty() ? replaceFile(groupFile(), lists.group) : failure;
+}
+
+std::string SambaAccounts::setPassword(Store& store, const std::string& user,
+                                       std::string_view password) const {
+    const std::string program = databaseProgram();
+    std::string failure = missingPart(program);
+    if (failure.empty()) {
+        failure = makeFolders();
+    }
+    if (failure.empty()) {
+        failure = writeAccountLists(store);
+    }
+    if (!failure.empty()) {
+        return failure;
+    }
+    if (password.size() > longestPassword) {
+        return "the password is longer than " + std::to_string(longestPassword) +
+               " bytes; choose a shorter one";
+    }
+    std::string input;
+    input.reserve(2 * password.size() + 2); // so that no copy of it is left behind by growing
+    input.append(password).append("\n").append(password).append("\n");
+    const Subprocess run =
+        runDatabaseProgram(program, *this, root_.sambaFolder(), {"-t", "-a", "--user=" + user}, input);
+    ::explicit_bzero(input.data(), input.size());
+    if (!run.started || run.status != 0) {
+        return "Samba did not take the password: " + lastLine(run.output) + "; see " + root_.sambaFolder() +
+               "/log";
+    }
+    return {};
+}
+
+std::string SambaAccounts::removeUser(const std::string& user) const {
+    std::error_code ignored;
+    if (!fs::exists(databaseFile(), ignored)) {
+        return {};
+    }
+    const std::string program = databaseProgram();
+    if (std::string missing = missingPart(program); !missing.empty()) {
+        return missing;
+    }
+    const Subprocess run =
+        runDatabaseProgram(program, *this, root_.sambaFolder(), {"-x", "--user=" + user}, {});
+    const bool wasMissing = run.output.find("does not exist in the passdb") != std::string::npos;
+    if (!run.started || (run.status != 0 && !wasMissing)) {
+        return "Samba did not forget the password: " + lastLine(run.output) + "; see " + root_.sambaFolder() +
+               "/log";
+    }
+    return {};
+}
+
+} // namespace platform
