@@ -1,1 +1,5 @@
-int main() { return 1; }
+#include "DirectoryTools.h"
+
+int main(int argc, char** argv) {
+    return directoryToolMain("niutil", argc, argv);
+}

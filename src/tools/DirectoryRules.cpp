@@ -1,0 +1,98 @@
+#include "DirectoryRules.h"
+
+#include "NSString.h"
+
+#include <algorithm>
+
+namespace {
+
+bool hasControlCharacter(const std::string& text) {
+    return std::ranges::any_of(text, [](char character) {
+        const auto byte = static_cast<unsigned char>(character);
+        return byte < 0x20 || byte == 0x7f;
+    });
+}
+
+bool isShare(const RecordPath& path) {
+    return path.size() == 3 && path[0] == "config" && path[1] == "Brindle";
+}
+
+std::string ruleBrokenByAccountName(const std::string& name) {
+    if (name.find_first_of(",:") != std::string::npos) {
+        return "an account's name may hold no comma and no colon; leave them out";
+    }
+    return {};
+}
+
+std::string ruleBrokenByShareName(const std::string& name) {
+    if (name.find_first_of("[]") != std::string::npos) {
+        return "a share's name may hold no [ and no ]; leave them out";
+    }
+    if (name.starts_with(' ') || name.ends_with(' ')) {
+        return "a share's name may not begin or end with a blank; leave it out";
+    }
+    return {};
+}
+
+} // namespace
+
+std::optional<RecordPath> recordPath(const std::string& path) {
+    if (!path.starts_with('/')) {
+        return std::nullopt;
+    }
+    if (path == "/") {
+        return RecordPath();
+    }
+    RecordPath components = componentsSeparatedByString(std::string_view(path).substr(1), "/");
+    if (std::ranges::any_of(components, &std::string::empty)) {
+        return std::nullopt;
+    }
+    return components;
+}
+
+bool isFixed(const RecordPath& path) {
+    return path.empty() || path == RecordPath{"users"} || path == RecordPath{"groups"} ||
+           path == RecordPath{"config"} || path == RecordPath{"config", "Brindle"};
+}
+
+bool isAccount(const RecordPath& path) {
+    return path.size() >= 2 && (path[0] == "users" || path[0] == "groups");
+}
+
+std::string ruleBrokenByName(const RecordPath& path) {
+    const std::string& name = path.back();
+    if (name.empty()) {
+        return "a record's name may not be empty; give it one";
+    }
+    if (name.find('/') != std::string::npos) {
+        return "a record's name may hold no /; leave it out";
+    }
+    if (hasControlCharacter(name)) {
+        return "a name may hold no control character; leave it out";
+    }
+    if (path.size() == 2 && isAccount(path)) {
+        return ruleBrokenByAccountName(name);
+    }
+    return isShare(path) ? ruleBrokenByShareName(name) : std::string();
+}
+
+std::string ruleBrokenByValues(const RecordPath& path, const std::string& property,
+                               std::span<const std::string> values) {
+    if (property.empty()) {
+        return "a property's name may not be empty; give it one";
+    }
+    if (hasControlCharacter(property) || std::ranges::any_of(values, hasControlCharacter)) {
+        return "a property may hold no control character; leave it out";
+    }
+    for (const auto& value : values) {
+        if (isShare(path) && property == "directory_path" && value.ends_with('\\')) {
+            return "a share's folder may not end in a backslash; choose another folder";
+        }
+        if (path.size() == 2 && path[0] == "groups" && property == "users") {
+            if (std::string broken = ruleBrokenByAccountName(value); !broken.empty()) {
+                return broken;
+            }
+        }
+    }
+    return {};
+}

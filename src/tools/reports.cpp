@@ -1,0 +1,86 @@
+#include "DirectoryTools.h"
+#include "ToolText.h"
+#include "ni.h"
+#include "ni_report.h"
+
+#include <memory>
+#include <vector>
+
+namespace {
+
+constexpr int timeoutSeconds = 30;
+
+struct CloseDomain {
+    void operator()(ni_domain* domain) const { ni_free(domain); }
+};
+
+ToolResult failed(const std::string& tool, const std::string& path, ni_status status) {
+    std::string todo = "check the path";
+    if (status == NI_CANTOPEN) {
+        todo = "check the root's folder, or start brindle once to have the directory made";
+    } else if (status == NI_NORESPONSE) {
+        todo = "try again when the program that writes it has ended";
+    } else if (status == NI_SYSTEMERR) {
+        todo = "check the disk, or restore the directory from a copy";
+    }
+    return {oneLine(tool + ": cannot read " + path + ": " + ni_error(status) + "; " + todo), 1};
+}
+
+/// The record's properties as lines, or a status.
+ni_status readRecord(const std::string& path, std::string* lines) {
+    ni_domain* opened = nullptr;
+    ni_status status = ni_open(nullptr, ".", &opened);
+    const std::unique_ptr<ni_domain, CloseDomain> domain(opened);
+    if (status != NI_OK) {
+        return status;
+    }
+    ni_setabort(opened, 1);
+    ni_setreadtimeout(opened, timeoutSeconds);
+    ni_id id;
+    ni_namelist names;
+    if ((status = ni_root(opened, &id)) != NI_OK ||
+        (status = ni_pathsearch(opened, &id, path.c_str())) != NI_OK ||
+        (status = ni_listprops(opened, &id, &names)) != NI_OK) {
+        return status;
+    }
+    for (const auto name : names.ninl_val) {
+        ni_namelist values;
+        if (status = ni_lookupprop(opened, &id, name, &values); status != NI_OK) {
+            return status;
+        }
+        lines->append(name).append(":");
+        for (const auto value : values.ninl_val) {
+            lines->append(" ").append(value);
+        }
+        lines->append("\n");
+    }
+    return NI_OK;
+}
+
+} // namespace
+
+ToolResult runNireport(std::span<const std::string> arguments) {
+    if (arguments.size() < 3 || arguments[0] != ".") {
+        return {"usage: nireport [--root DIR] . PATH PROPERTY...\n", 1};
+    }
+    std::vector<std::string> lines;
+    if (const int status = ni_report_local(arguments[1], arguments.subspan(2), lines); status != NI_OK) {
+        return failed("nireport", arguments[1], status);
+    }
+    ToolResult result;
+    for (const auto& line : lines) {
+        result.output += line;
+    }
+    return result;
+}
+
+ToolResult runNiutil(std::span<const std::string> arguments) {
+    if (arguments.size() != 3 || arguments[0] != "-read" || arguments[1] != ".") {
+        return {"usage: niutil [--root DIR] -read . PATH\n", 1};
+    }
+    ToolResult result;
+    if (const ni_status status = readRecord(arguments[2], &result.output); status != NI_OK) {
+        return failed("niutil", arguments[2], status);
+    }
+    return result;
+}
