@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cerrno>
+#include <string_view>
 #include <vector>
 
 #include <fcntl.h>
@@ -51,6 +52,19 @@ class SpawnActions {
     bool failed_ = false;
 };
 
+/// Our environment without the mark that sudo leaves on a shell: a program that we start was not started by
+/// sudo, and one that sudo starts for us gets a mark of its own.
+std::vector<char*> environmentOfChild() {
+    std::vector<char*> kept;
+    for (char** each = environ; *each != nullptr; ++each) {
+        if (!std::string_view(*each).starts_with("SUDO_UID=")) {
+            kept.push_back(*each);
+        }
+    }
+    kept.push_back(nullptr);
+    return kept;
+}
+
 } // namespace
 
 IgnoredBrokenPipe::IgnoredBrokenPipe() {
@@ -83,9 +97,10 @@ std::optional<ChildProcess> startProcess(std::span<const std::string> command, E
         arguments.push_back(word.data());
     }
     arguments.push_back(nullptr);
+    const std::vector<char*> environment = environmentOfChild();
     ChildProcess child;
-    if (actions.get() == nullptr ||
-        ::posix_spawn(&child.id, arguments.front(), actions.get(), nullptr, arguments.data(), environ) != 0) {
+    if (actions.get() == nullptr || ::posix_spawn(&child.id, arguments.front(), actions.get(), nullptr,
+                                                  arguments.data(), environment.data()) != 0) {
         return std::nullopt;
     }
     child.input = std::move(input->writeEnd);

@@ -1,1 +1,5 @@
-int main() { return 1; }
+#include "Helper.h"
+
+int main(int argc, char** argv) {
+    return helperMain(argc, argv);
+}

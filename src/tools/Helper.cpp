@@ -1,0 +1,127 @@
+#include "Helper.h"
+
+#include "EmbeddedRoot.h"
+#include "HelperCopy.h"
+#include "HelperFolders.h"
+#include "HelperSignal.h"
+
+#include <algorithm>
+#include <array>
+
+namespace {
+
+using Arguments = std::span<const std::string>;
+
+HelperResult said(HelperComplaint text) {
+    const int status = text.empty() ? 0 : 1;
+    return {std::move(text), "", status};
+}
+
+HelperResult wrongArguments(const std::string& tool, const char* usage) {
+    return said(complaint(tool, "wrong arguments", std::string("use ") + usage));
+}
+
+/// What needs the computer's own directory or settings is not served there yet; doing half of it would be
+/// worse.
+HelperResult notOnThisComputer(const std::string& tool) {
+    return said(complaint(tool, "--system", "is not built yet; use Brindle without it"));
+}
+
+HelperResult nicl(const HelperPlace& place, Arguments arguments) {
+    if (place.root.empty()) {
+        return notOnThisComputer("nicl");
+    }
+    ToolResult result = runNicl(DirectoryPlace::ofRoot(place.root), arguments);
+    return {std::move(result.output), "", result.status};
+}
+
+HelperResult dscl(const HelperPlace& place, Arguments arguments) {
+    if (place.root.empty()) {
+        return notOnThisComputer("dscl");
+    }
+    ToolResult result = runDscl(DirectoryPlace::ofRoot(place.root), arguments);
+    return {std::move(result.output), "", result.status};
+}
+
+HelperResult cp(const HelperPlace& place, Arguments arguments) {
+    if (arguments.size() != 2) {
+        return wrongArguments("cp", "cp SOURCE TARGET");
+    }
+    constexpr std::array targets = {"/etc/smb.conf", "/Library/Preferences/com.apple.AppleFileServer.plist"};
+    if (std::ranges::find(targets, arguments[1]) == targets.end()) {
+        return said(complaint("cp", arguments[1], "is none of the settings files; only those are replaced"));
+    }
+    if (place.root.empty()) {
+        return notOnThisComputer("cp");
+    }
+    return said(
+        copyIntoPlace(arguments[0], platform::EmbeddedRoot(place.root).map(arguments[1]), place.user));
+}
+
+HelperResult chown(const HelperPlace& place, Arguments arguments) {
+    if (arguments.size() != 2) {
+        return wrongArguments("chown", "chown OWNER:GROUP FOLDER");
+    }
+    const std::string storeFile = place.root.empty() ? "" : platform::EmbeddedRoot(place.root).storeFile();
+    return said(changeOwner(arguments[0], arguments[1], platform::DirectoryAccounts(storeFile)));
+}
+
+HelperResult chmod(const HelperPlace& /*place*/, Arguments arguments) {
+    return arguments.size() == 2 ? said(changeMode(arguments[0], arguments[1]))
+                                 : wrongArguments("chmod", "chmod MODE FOLDER");
+}
+
+/// Complains to standard error: a server that has ended meanwhile is nothing that its administrator must hear
+/// of.
+HelperResult kill(const HelperPlace& place, Arguments arguments) {
+    HelperResult result = arguments.size() == 2 && arguments[0] == "-1"
+                              ? said(hangUpServer(arguments[1], place.root))
+                              : wrongArguments("kill", "kill -1 PROCESS");
+    std::swap(result.output, result.errors);
+    return result;
+}
+
+struct Tool {
+    std::string_view path;
+    HelperResult (*run)(const HelperPlace& place, Arguments arguments);
+};
+
+constexpr std::array<Tool, 6> kTools = {{{"/usr/bin/nicl", nicl},
+                                         {"/usr/bin/dscl", dscl},
+                                         {"/bin/cp", cp},
+                                         {"/usr/sbin/chown", chown},
+                                         {"/bin/chmod", chmod},
+                                         {"/bin/kill", kill}}};
+
+const Tool* findTool(const std::string& path) {
+    const auto* const found = std::ranges::find(kTools, path, &Tool::path);
+    return found == kTools.end() ? nullptr : found;
+}
+
+} // namespace
+
+std::optional<HelperRequest> parseHelperRequest(std::string_view bytes) {
+    if (bytes.empty() || bytes.back() != '\0') {
+        return std::nullopt;
+    }
+    HelperRequest request;
+    const std::size_t toolEnd = bytes.find('\0');
+    request.tool = bytes.substr(0, toolEnd);
+    bytes.remove_prefix(toolEnd + 1);
+    while (!bytes.empty()) {
+        const std::size_t end = bytes.find('\0');
+        request.arguments.emplace_back(bytes.substr(0, end));
+        bytes.remove_prefix(end + 1);
+    }
+    return request;
+}
+
+bool isHelperTool(const std::string& tool) {
+    return findTool(tool) != nullptr;
+}
+
+HelperResult runHelperTool(const HelperPlace& place, const HelperRequest& request) {
+    const Tool* tool = findTool(request.tool);
+    return tool != nullptr ? tool->run(place, request.arguments)
+                           : said(complaint("brindle-helper", request.tool, "is not on the list of tools"));
+}

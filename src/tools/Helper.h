@@ -1,0 +1,46 @@
+#pragma once
+
+#include "DirectoryTools.h"
+
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include <sys/types.h>
+
+// brindle-helper: the one program that runs with an administrator's rights. It is one tool of a short list,
+// once, and refuses all else.
+
+/// What one helper works on.
+struct HelperPlace {
+    std::string root; ///< the embedded root's folder; empty: this computer itself
+    uid_t user = 0;   ///< who runs Brindle: only this user's files are copied
+};
+
+/// What a request asks for.
+struct HelperRequest {
+    std::string tool;
+    std::vector<std::string> arguments;
+};
+
+/// Reads a request as Brindle sends it: the tool's path and each argument, each ended by a NUL. None when it
+/// is empty or its last text has no end.
+[[nodiscard]] std::optional<HelperRequest> parseHelperRequest(std::string_view bytes);
+
+[[nodiscard]] bool isHelperTool(const std::string& tool);
+
+/// What a tool says, and its exit status: 0, or 1 with one line of complaint.
+struct HelperResult {
+    std::string output; ///< for standard output
+    std::string errors; ///< for standard error
+    int status = 0;
+};
+
+/// Is the tool, which must be on the list. Needs a current host for its log.
+[[nodiscard]] HelperResult runHelperTool(const HelperPlace& place, const HelperRequest& request);
+
+/// The whole program: `brindle-helper --root DIR` or `--system`, the request on standard input. Answers the
+/// exit status.
+[[nodiscard]] int helperMain(int argc, char** argv);

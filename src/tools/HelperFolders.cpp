@@ -1,0 +1,121 @@
+#include "HelperFolders.h"
+
+#include "FileDescriptor.h"
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <charconv>
+#include <optional>
+#include <string_view>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+using platform::FileDescriptor;
+
+namespace {
+
+/// Nothing at or below these is for sharing. The last four lead into /usr on most computers, not on all.
+constexpr std::array<std::string_view, 10> kSystemTrees = {"/etc", "/usr", "/boot", "/dev", "/proc",
+                                                           "/sys", "/bin", "/sbin", "/lib", "/lib64"};
+/// These hold folders that may be shared, but are the system's themselves.
+constexpr std::array<std::string_view, 4> kSystemFolders = {"/", "/var", "/home", "/root"};
+
+bool isSameFolder(const struct stat& status, std::string_view path) {
+    struct stat other {};
+
+    return ::stat(std::string(path).c_str(), &other) == 0 && other.st_dev == status.st_dev &&
+           other.st_ino == status.st_ino;
+}
+
+/// `path` is resolved: it holds no links. The folder is compared too, because a mount can show it under
+/// another path.
+bool isSystemFolder(const std::string& path, const struct stat& status) {
+    const auto isInTree = [&](std::string_view tree) {
+        const bool isBelow = path.starts_with(tree) && path.size() > tree.size() && path[tree.size()] == '/';
+        return path == tree || isBelow || isSameFolder(status, tree);
+    };
+    return std::ranges::any_of(kSystemTrees, isInTree) ||
+           std::ranges::any_of(kSystemFolders, [&](std::string_view each) {
+               return path == each || isSameFolder(status, each);
+           });
+}
+
+struct OpenFolder {
+    FileDescriptor descriptor;
+
+    struct stat status {};
+
+    HelperComplaint refusal; ///< empty when the folder may be changed
+
+    /// A path that leads to the opened folder itself, whatever has become of the path it was found at.
+    [[nodiscard]] std::string path() const { return "/proc/self/fd/" + std::to_string(descriptor.get()); }
+};
+
+OpenFolder openFolder(const std::string& tool, const std::string& path) {
+    OpenFolder folder;
+    // O_PATH, because the owner of a folder may change one that nobody is allowed to read.
+    folder.descriptor = FileDescriptor(::open(path.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
+    std::array<char, 4096> resolved{};
+    ssize_t length = -1;
+    if (folder.descriptor.isOpen() && ::fstat(folder.descriptor.get(), &folder.status) == 0) {
+        length = ::readlink(folder.path().c_str(), resolved.data(), resolved.size());
+    }
+    if (length < 0) {
+        folder.refusal = complaint(tool, path, reason(errno));
+    } else if (isSystemFolder({resolved.data(), static_cast<std::size_t>(length)}, folder.status)) {
+        folder.refusal =
+            complaint(tool, path, "is a folder of the system and stays as it is; share another one");
+    }
+    return folder;
+}
+
+/// What the system takes for "leave the owner, the group, as it is". No account may have this number.
+template <class Id>
+constexpr Id unchanged = static_cast<Id>(-1);
+
+} // namespace
+
+HelperComplaint changeOwner(const std::string& ownerAndGroup, const std::string& folder,
+                            const platform::DirectoryAccounts& accounts) {
+    const std::size_t colon = ownerAndGroup.find(':');
+    const std::string owner = ownerAndGroup.substr(0, colon);
+    const std::string group = colon == std::string::npos ? "" : ownerAndGroup.substr(colon + 1);
+    const auto uid = accounts.userId(owner);
+    if (!owner.empty() && uid.value_or(unchanged<uid_t>) == unchanged<uid_t>) {
+        return complaint("chown", owner, "there is no such user; choose one of the list");
+    }
+    const auto gid = accounts.groupId(group);
+    if (!group.empty() && gid.value_or(unchanged<gid_t>) == unchanged<gid_t>) {
+        return complaint("chown", group, "there is no such group; choose one of the list");
+    }
+    const OpenFolder opened = openFolder("chown", folder);
+    if (!opened.refusal.empty()) {
+        return opened.refusal;
+    }
+    if (::fchownat(opened.descriptor.get(), "", owner.empty() ? unchanged<uid_t> : *uid,
+                   group.empty() ? unchanged<gid_t> : *gid, AT_EMPTY_PATH) != 0) {
+        return complaint("chown", folder, reason(errno));
+    }
+    return {};
+}
+
+HelperComplaint changeMode(const std::string& mode, const std::string& folder) {
+    constexpr unsigned largest = 0777;
+    unsigned bits = 0;
+    const char* const end = mode.data() + mode.size();
+    const auto [parsed, error] = std::from_chars(mode.data(), end, bits, 8);
+    if (error != std::errc() || parsed != end || bits > largest) {
+        return complaint("chmod", mode, "is no mode; give one from 0 to 777 in octal");
+    }
+    const OpenFolder opened = openFolder("chmod", folder);
+    if (!opened.refusal.empty()) {
+        return opened.refusal;
+    }
+    if (::chmod(opened.path().c_str(), (opened.status.st_mode & 07000U) | bits) != 0) {
+        return complaint("chmod", folder, reason(errno));
+    }
+    return {};
+}

@@ -1,0 +1,61 @@
+#include "HelperSignal.h"
+
+#include "FileDescriptor.h"
+#include "HostProcesses.h"
+#include "NSFileManager.h"
+
+#include <array>
+#include <cerrno>
+#include <charconv>
+#include <csignal>
+#include <string_view>
+
+#include <sys/syscall.h>
+#include <unistd.h>
+
+using platform::FileDescriptor;
+
+namespace {
+
+/// The file name of the program that a process runs; empty when that cannot be seen.
+std::string programOf(const std::string& processId) {
+    std::array<char, 4096> buffer{};
+    const ssize_t length = ::readlink(("/proc/" + processId + "/exe").c_str(), buffer.data(), buffer.size());
+    if (length < 0) {
+        return {};
+    }
+    std::string_view path(buffer.data(), static_cast<std::size_t>(length));
+    // The server runs on after its program was replaced by an update.
+    constexpr std::string_view replaced = " (deleted)";
+    if (path.ends_with(replaced)) {
+        path.remove_suffix(replaced.size());
+    }
+    return lastPathComponent(std::string(path));
+}
+
+} // namespace
+
+HelperComplaint hangUpServer(const std::string& processId, const std::string& root) {
+    pid_t id = 0;
+    const char* const end = processId.data() + processId.size();
+    const auto [parsed, error] = std::from_chars(processId.data(), end, id);
+    if (error != std::errc() || parsed != end || id <= 1) {
+        return complaint("kill", processId, "is no process; give its number");
+    }
+    // Held open while its program is looked at, so that the signal reaches this process or none.
+    const FileDescriptor process(static_cast<int>(::syscall(SYS_pidfd_open, id, 0)));
+    if (!process.isOpen()) {
+        return complaint("kill", processId, reason(errno));
+    }
+    const std::string program = programOf(std::to_string(id));
+    if (program != "smbd" && program != "AppleFileServer") {
+        return complaint("kill", processId, "is no file server; only file servers are signalled");
+    }
+    if (!root.empty() && !platform::isServerOfRoot(std::to_string(id), root)) {
+        return complaint("kill", processId, "is no server of this root; only its own servers are signalled");
+    }
+    if (::syscall(SYS_pidfd_send_signal, process.get(), SIGHUP, nullptr, 0) != 0) {
+        return complaint("kill", processId, reason(errno));
+    }
+    return {};
+}
