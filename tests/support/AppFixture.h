@@ -5,6 +5,7 @@
 #include "DirectoryTools.h"
 #include "Interface.h"
 #include "NSBundle.h"
+#include "NSString.h"
 #include "NSUserDefaults.h"
 #include "Store.h"
 #include "TestHost.h"

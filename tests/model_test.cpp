@@ -1,0 +1,268 @@
+#include "NormalShare.h"
+#include "SMBConf.h"
+#include "TestHost.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <string>
+#include <tuple>
+#include <vector>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+/// "KIND NAME {KEY=VALUE;...} TEXT", for comparing entries in one line.
+std::string shown(const SMBShare& entry) {
+    std::string text = std::to_string(entry.Type()) + " " + entry.ShareName() + " {";
+    for (const SMBPair& pair : entry.Props()) {
+        text += pair.Name.str() + "=" + pair.Value.str() + ";";
+    }
+    return text + "} " + entry.Text();
+}
+
+class SMBConfTest : public testing::Test {
+  protected:
+    SMBConf parse(const std::string& bytes) {
+        host.write("etc/smb.conf", bytes);
+        return SMBConf();
+    }
+
+    std::vector<std::string> entriesOf(const std::string& bytes) {
+        const SMBConf conf = parse(bytes);
+        std::vector<std::string> texts;
+        for (const auto& entry : conf.Entries()) {
+            texts.push_back(shown(*entry));
+        }
+        return texts;
+    }
+
+    /// The administrator's copy succeeds.
+    void copy() {
+        host.onRun = [this](const RecordedRun& run) {
+            host.write("etc/smb.conf", host.read(fs::relative(run.arguments.at(0), host.root()).string()));
+            return TestHost::RunAnswer{};
+        };
+    }
+
+    TestHost host;
+};
+
+} // namespace
+
+TEST_F(SMBConfTest, GroupsLinesIntoEntries) {
+    const std::vector<std::pair<std::string, std::vector<std::string>>> files{
+        {"", {"1  {} "}},
+        {" \t\r\n\n", {"1  {} "}},
+        {"# a\r\n; b\n", {"1  {} # a\n; b\n"}},
+        {"stray\n# a\nstray = 1\n# b", {"1  {} # a\n# b\n"}},
+        {"\t[homes]\n", {"2 homes {} "}},
+        {"[ data ]\n", {"2 data  {} "}},
+        {"[a]\n[b ] \nx = 1\n", {"2 a {x=1;} "}},
+        {"[]\n;[]\n;[c\n", {"2 [] {} ", "0 ;[] {} ", "0 c {} "}},
+        {"[a]\n# inside\nx=1\n;[b]\n;y=2\n[c]", {"2 a {x=1;} # inside\n", "0 b {y=2;} ", "2 c {} "}},
+        {"#[b]\n#path = /x\n# shared by hand\n; note = read me\n;\n;=x\n;k =\n",
+         {"0 b {path=/x;note=read me;} # shared by hand\n"}},
+        {";[b]\nworkgroup = X\n# c\n", {"0 b {} ", "1  {} # c\n"}},
+        {"; [x]\n[a]\nx=1\nx=2\n", {"1  {} ; [x]\n", "2 a {x=1;x=2;} "}},
+    };
+    for (const auto& [bytes, entries] : files) {
+        EXPECT_EQ(entriesOf(bytes), entries) << bytes;
+    }
+}
+
+TEST_F(SMBConfTest, KeepsKeysAndValuesToTheByte) {
+    const std::vector<std::pair<std::string, std::string>> lines{
+        {"  max connections   =  10  ", "max connections=10;"},
+        {"a = b = c", "a=b = c;"},
+        {"key=value ; not a comment", "key=value ; not a comment;"},
+        {"key\t= value \t", "key\t=value \t;"},
+        {"\vkey = \f value", "key=value;"},
+        {"caf\xe9 = \xff\"q\"", "caf\xe9=\xff\"q\";"},
+        {"path =", ""},
+        {"path", ""},
+        {"=value", ""},
+        {"k = one#$%BLAKtwo", "k=one;"},
+        {"k = #$%BLAK", ""},
+    };
+    for (const auto& [line, pairs] : lines) {
+        EXPECT_EQ(entriesOf("[s]\n" + line + "\n"), std::vector<std::string>{"2 s {" + pairs + "} "}) << line;
+    }
+}
+
+TEST_F(SMBConfTest, TheLastExactNameIsTheReference) {
+    const SMBConf conf =
+        parse("[global]\na=1\n;[homes]\n;b=1\n[Global]\n[HOMES]\n[global]\na=2\n[homes]\nb=2\n;[global]\n");
+    ASSERT_NE(conf.Global(), nullptr);
+    ASSERT_NE(conf.Homes(), nullptr);
+    EXPECT_EQ(shown(*conf.Global()), "2 global {a=2;} ");
+    EXPECT_EQ(shown(*conf.Homes()), "2 homes {b=2;} ");
+    const SMBConf commented = parse("[homes]\n;[homes]\n;[global]\n");
+    ASSERT_NE(commented.Homes(), nullptr);
+    EXPECT_EQ(commented.Homes()->Type(), SMBCommentGroup);
+    EXPECT_EQ(commented.Global(), nullptr);
+}
+
+TEST_F(SMBConfTest, NamesTheLinesThatAWriteWouldSpoil) {
+    const SMBConf conf = parse("stray\r\n[a]\r\nhosts = a, \\\r\n  b\r\nkept = 1\r\n# note \\\nempty "
+                               "=\n\n[b] \nx = 1\n;[c]\n;only\nafter = 1\n");
+    EXPECT_EQ(conf.lossNotices(), (std::vector<SMBLossNotice>{{1, SMBLoss::OutsideSection},
+                                                              {3, SMBLoss::Continuation},
+                                                              {4, SMBLoss::NoValue},
+                                                              {7, SMBLoss::NoValue},
+                                                              {9, SMBLoss::BrokenHeader},
+                                                              {13, SMBLoss::OutsideSection}}));
+    EXPECT_TRUE(parse("# c\n[a]\nx = 1\n;[b]\n;y\n").lossNotices().empty());
+}
+
+TEST_F(SMBConfTest, WritesTheFileInItsOwnLayout) {
+    const std::string written =
+        ";Example configuration\n\n\n"
+        "[global]\nworkgroup = WORKGROUP\nserver string = File Server\n; no WINS server yet\n\n\n"
+        ";[homes]\n;comment = Home Directories\n;browseable = no\n\n\n"
+        "[Public]\npath = /Users/Shared\n\n\n";
+    const SMBConf conf =
+        parse(";Example configuration\n[global]\n   workgroup = WORKGROUP\n   ; no WINS server yet\n"
+              "   wins server =\n   server string = File Server\n\n;[homes]\n"
+              ";   comment = Home Directories\n;   browseable = no\n[Public]\npath=/Users/Shared\n");
+    EXPECT_EQ(conf.writtenText(), written);
+    EXPECT_EQ(parse(written).writtenText(), written);
+    EXPECT_EQ(parse("").writtenText(), "\n\n");
+    SMBConf odd = parse("[a]\nx=1\n# c\n[b]");
+    odd.Entries().front()->setType(7);
+    EXPECT_EQ(odd.writtenText(), "[b]\n\n\n");
+}
+
+TEST_F(SMBConfTest, ReportsWhereAWriteFailed) {
+    SMBConf conf = parse("[a]\nx = 1\n");
+    const fs::path temporary = host.home() / "smb_test.conf";
+    copy();
+    EXPECT_EQ(conf.writeSMBConfFile(), 0);
+    EXPECT_EQ(host.read("etc/smb.conf"), "[a]\nx = 1\n\n\n");
+    EXPECT_FALSE(fs::exists(temporary));
+    EXPECT_EQ(host.runTexts(), std::vector<std::string>{"/bin/cp " + temporary.string() + " /etc/smb.conf"});
+
+    host.onRun = [](const RecordedRun&) { return TestHost::RunAnswer{"cp: no\n", 0}; };
+    EXPECT_EQ(conf.writeSMBConfFile(), 1);
+    EXPECT_TRUE(fs::exists(temporary));
+
+    host.onRun = [&](const RecordedRun&) {
+        fs::remove(temporary);
+        return TestHost::RunAnswer{};
+    };
+    EXPECT_EQ(conf.writeSMBConfFile(), 3);
+
+    host.runs.clear();
+    fs::create_directories(temporary / "in the way");
+    EXPECT_EQ(conf.writeSMBConfFile(), 2);
+    EXPECT_TRUE(host.runs.empty());
+}
+
+TEST_F(SMBConfTest, AFileThatCannotBeReadIsNeverReplaced) {
+    fs::create_directories(host.root() / "etc/smb.conf"); // a folder cannot be read as a file
+    SMBConf conf;
+    ASSERT_EQ(host.log.size(), 1U);
+    EXPECT_NE(host.log.front().find("/etc/smb.conf"), std::string::npos);
+    EXPECT_EQ(conf.modifySMBShare("Docs", "/d", 1, 0, 0), 2);
+    EXPECT_TRUE(host.runs.empty());
+}
+
+TEST_F(SMBConfTest, AMissingFileIsMadeByTheFirstShare) {
+    SMBConf conf;
+    EXPECT_TRUE(host.log.empty());
+    copy();
+    EXPECT_EQ(conf.modifySMBShare("Docs", "/d", 1, 1, 0), 0);
+    EXPECT_EQ(host.read("etc/smb.conf"), "\n\n[Docs]\npath = /d\nread only = No\ninherit permissions = Yes\n"
+                                         "guest ok = No\n;Created by Brindle\n\n");
+}
+
+TEST_F(SMBConfTest, MapsAShareOntoItsSection) {
+    const std::string before = "[Docs]\npath = /d\n# mine\n;[Old]\n;path = /o\n";
+    const std::string written = "[Docs]\npath = /d\n# mine\n\n\n;[Old]\n;path = /o\n\n\n";
+
+    struct Case {
+        std::string name;
+        std::int32_t sharing, inherit, guest;
+        std::string after; ///< empty: nothing is written
+    };
+
+    const std::vector<Case> cases{
+        {"Docs", 1, 0, 0, written},
+        {"Docs", 1, 0, 1, "[Docs]\npath = /d\nguest ok = Yes\n# mine\n\n\n;[Old]\n;path = /o\n\n\n"},
+        {"Docs", 2, 1, 2,
+         "[Docs]\npath = /d\ninherit permissions = Yes\n# mine\n\n\n;[Old]\n;path = /o\n\n\n"},
+        {"Docs", 0, 0, 0, ";[Old]\n;path = /o\n\n\n"},
+        {"Old", 0, 0, 0, ""},
+        {"docs", 0, 0, 0, ""},
+        {"docs", 2, 1, 1, ""},
+        {"Old", 1, 0, 1,
+         written +
+             "[Old]\npath = /new\nread only = No\ninherit permissions = No\nguest ok = Yes\n;Created by "
+             "Brindle\n\n"},
+    };
+    copy();
+    for (const Case& c : cases) {
+        SMBConf conf = parse(before);
+        EXPECT_EQ(conf.modifySMBShare(c.name, "/new", c.sharing, c.inherit, c.guest), 0);
+        EXPECT_EQ(host.read("etc/smb.conf"), c.after.empty() ? before : c.after) << c.name << c.sharing;
+    }
+    SMBConf flags = parse("[Docs]\nguest ok = yes\nguest ok = maybe\n");
+    EXPECT_EQ(flags.modifySMBShare("Docs", "/new", 1, 0, 0), 0);
+    EXPECT_EQ(host.read("etc/smb.conf"), "[Docs]\nguest ok = No\nguest ok = maybe\n\n\n");
+}
+
+TEST_F(SMBConfTest, AFailedWriteKeepsTheChangeForTheNext) {
+    SMBConf conf = parse("[homes]\n[Docs]\n");
+    host.onRun = [](const RecordedRun&) { return TestHost::RunAnswer{"cp: no\n", 0}; };
+    EXPECT_EQ(conf.modifySMBShare("Docs", "", 0, 0, 0), 1);
+    copy();
+    EXPECT_EQ(conf.modifySMBShare("homes", "", 0, 0, 0), 0);
+    EXPECT_EQ(host.read("etc/smb.conf"), "");
+    EXPECT_EQ(conf.Homes(), nullptr) << "the entry is gone, and the reference must go with it";
+}
+
+TEST(SMBTextTest, ACopyOutlivesTheFile) {
+    std::string file = "value";
+    const SMBPair read{SMBText::borrowed(file), "own"};
+    const SMBPair copy = read;
+    file = "XXXXX";
+    EXPECT_EQ(copy.Value, "own");
+    EXPECT_EQ(copy.Name, "value");
+}
+
+TEST(NormalShareTest, ShowsTheFoldersPrivilegesAsText) {
+    const TestHost host;
+    const fs::path folder = host.root() / "folder";
+    fs::create_directory(folder);
+    fs::create_directory_symlink(folder, host.root() / "link");
+    const std::vector<std::tuple<int, std::string, std::string, std::string>> modes{
+        {0750, "r/w", "r", ""},
+        {0333, "w", "w", "w"},
+        {0111, "", "", ""},
+        {04644, "r/w", "r", "r"},
+        {01777, "r/w", "r/w", "r/w"}};
+    for (const auto& [mode, owner, group, everyone] : modes) {
+        fs::permissions(folder, static_cast<fs::perms>(mode));
+        NormalShare share;
+        share.setPathandPermissions((host.root() / "link").string());
+        EXPECT_EQ(std::tie(share.Owner(), share.Group(), share.Everyone()), std::tie(owner, group, everyone))
+            << mode;
+    }
+    NormalShare share;
+    EXPECT_EQ(*share.valueForKey("DirectoryPath"), "Directory Not Set");
+    EXPECT_EQ(*share.valueForKey("AFS") + *share.valueForKey("SMB") + *share.valueForKey("SMBGuestAccess"),
+              "--No");
+    share.setPathandPermissions("/does/not/exist");
+    EXPECT_EQ(share.DirectoryPath() + share.Owner() + share.Group() + share.Everyone(), "/does/not/exist");
+    EXPECT_EQ(share.valueForKey("owner"), nullptr);
+    EXPECT_EQ(NormalShare::permissionsToString(4) + NormalShare::permissionsToString(-1), "");
+}
+
+TEST(NormalShareTest, APrivilegeThatIsReadIsWrittenBackWithSearch) {
+    for (const auto& [read, written] : {std::pair{0644, 0755}, {0750, 0751}, {0777, 0777}, {0, 0111}}) {
+        EXPECT_EQ(modeForPrivilegeCodes(ownerPrivilegeCode(read), groupPrivilegeCode(read),
+                                        everyonePrivilegeCode(read)),
+                  written);
+    }
+}
