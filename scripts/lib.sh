@@ -1,0 +1,94 @@
+# Shared by the scripts beside it, which source it: installing what is missing, configuring, building.
+# shellcheck shell=bash
+
+set -euo pipefail
+
+project="$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)"
+cd "$project"
+
+say() {
+    printf '%s\n' "$*" >&2
+}
+
+fail() {
+    say "$@"
+    exit 1
+}
+
+# packages_of SECTION...: the names in these sections of packages.txt, one a line.
+packages_of() {
+    local section
+    for section in "$@"; do
+        sed -n "/^\[$section\]/,/^\[/{ /^\[/d; s/#.*//; s/[[:space:]]//g; /^\$/d; p }" packages.txt
+    done
+}
+
+# missing_of SECTION...: those of them that this machine does not have.
+missing_of() {
+    local package
+    for package in $(packages_of "$@"); do
+        if [ "$(dpkg-query -W -f '${db:Status-Status}' "$package" 2>/dev/null)" != installed ]; then
+            printf '%s\n' "$package"
+        fi
+    done
+}
+
+# apt_get ARGUMENT...: as root, with the user's leave where the user is another.
+apt_get() {
+    local -a environment=(env DEBIAN_FRONTEND=noninteractive)
+    if [ "$(id -u)" -eq 0 ]; then
+        "${environment[@]}" apt-get "$@" >&2
+    elif command -v sudo >/dev/null; then
+        sudo "${environment[@]}" apt-get "$@" >&2
+    else
+        say "Installing packages needs root, and this machine has no sudo."
+        return 1
+    fi
+}
+
+# install_missing SECTION...: installs what these sections lack. Nothing is called, and no network used, when
+# all is there. Answers false when something cannot be installed.
+install_missing() {
+    if ! command -v dpkg-query >/dev/null || ! command -v apt-get >/dev/null; then
+        say "This machine has no apt-get: the packages in packages.txt are taken to be installed by other means."
+        return 0
+    fi
+    local -a missing
+    mapfile -t missing < <(missing_of "$@")
+    if [ "${#missing[@]}" -eq 0 ]; then
+        return 0
+    fi
+    say "Installing: ${missing[*]}"
+    if apt_get update -q && apt_get install -q -y --no-install-recommends "${missing[@]}"; then
+        return 0
+    fi
+    say "These packages could not be installed: ${missing[*]}"
+    say "See apt-get's messages above. Install them as root and start again:"
+    say "    apt-get update && apt-get install ${missing[*]}"
+    return 1
+}
+
+require_packages() {
+    install_missing "$@" || exit 1
+}
+
+# Qt is wanted, but a machine that cannot have it still gets everything else.
+want_window_packages() {
+    install_missing window || say "Going on without the window."
+}
+
+# build PRESET FOLDER [CMAKE_ARGUMENT...]: configures and builds; silent on standard output.
+build() {
+    local preset="$1" folder="$2"
+    shift 2
+    local log="$folder/configure.log"
+    mkdir -p "$folder"
+    if ! cmake --preset "$preset" -B "$folder" "$@" >"$log" 2>&1; then
+        cat "$log" >&2
+        fail "CMake could not configure $folder: see above."
+    fi
+    if [ ! -e "$folder/.ninja_log" ]; then
+        say "Building $folder: this takes some minutes the first time."
+    fi
+    cmake --build "$folder" -- --quiet >&2 || fail "Building $folder failed: see above."
+}
