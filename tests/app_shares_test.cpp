@@ -1,0 +1,413 @@
+#include "AppFixture.h"
+#include "NSFileManager.h"
+
+#include <algorithm>
+#include <ranges>
+
+#include <sys/stat.h>
+
+namespace {
+
+using Texts = std::vector<std::string>;
+
+class Shares : public AppFixture {
+  protected:
+    Shares() {
+        host.onListing = [](const std::string& command) -> std::optional<std::string> {
+            return command.find("smbd") != std::string::npos ? "310\n311\n" : "210\n";
+        };
+    }
+
+    /// A folder that exists, of that mode.
+    std::string folder(const std::string& name, mode_t mode = 0755) {
+        const std::string path = (host.root() / name).string();
+        std::filesystem::create_directories(path);
+        EXPECT_EQ(::chmod(path.c_str(), mode), 0);
+        return path;
+    }
+
+    /// The privilege menus' items: 0 read and write, 1 read only, 2 write only, 3 none.
+    std::vector<int> privileges() {
+        return {index("ownerPrivs"), index("groupPrivs"), index("everyonePrivs")};
+    }
+
+    int index(const std::string& popUp) { return control<NSPopUpButton>(popUp).indexOfSelectedItem(); }
+
+    bool isOn(const std::string& box) { return control<NSButton>(box).state() == NSOnState; }
+
+    NSTableView& table() { return control<NSTableView>("normalTableView"); }
+
+    Texts recordNames() { return columnOf("normalTableView", "ShareName"); }
+
+    /// Fills the editor as a user would.
+    void fillEditor(const std::string& name, const std::string& path, bool overSMB = true) {
+        type("shareName", name);
+        control<NSTextField>("directory").setStringValue(path);
+        control<NSPopUpButton>("sharingAFS").performSelect(1);
+        control<NSPopUpButton>("sharingSMB").performSelect(overSMB ? 1 : 0);
+        for (const char* menu : {"owner", "group"}) {
+            control<NSPopUpButton>(menu).selectItemAtIndex(0);
+        }
+        for (const auto& [menu, item] :
+             {std::pair("ownerPrivs", 0), {"groupPrivs", 1}, {"everyonePrivs", 3}}) {
+            control<NSPopUpButton>(menu).performSelect(item);
+        }
+    }
+
+    static std::string recordRun(const std::string& operation, const std::string& name) {
+        return "/usr/bin/nicl . " + operation + " /config/Brindle/" + name;
+    }
+
+    Texts creationRuns(const std::string& name, const std::string& path) {
+        const std::string create = recordRun("-create", name);
+        return {create,
+                create + " directory_path " + path,
+                create + " afp_shared 1",
+                create + " afp_name " + name,
+                create + " afp_use_parent_privs 0",
+                create + " afp_use_parent_owner 0"};
+    }
+
+    std::string copyRun() { return "/bin/cp " + (host.home() / "smb_test.conf").string() + " /etc/smb.conf"; }
+
+    static Texts folderRuns(const std::string& path) {
+        return {"/usr/sbin/chown alice:staff " + path, "/bin/chmod 751 " + path};
+    }
+
+    static Texts restartRuns() { return {"/bin/kill -1 210", "/bin/kill -1 310", "/bin/kill -1 311"}; }
+
+    static Texts joined(const std::vector<Texts>& parts) {
+        Texts all;
+        for (const Texts& part : parts) {
+            all.insert(all.end(), part.begin(), part.end());
+        }
+        return all;
+    }
+
+    void addAccounts() {
+        addUser("alice", "501");
+        addGroup("staff", "20", {"alice"});
+    }
+};
+
+TEST_F(Shares, AreRecordsJoinedWithTheSectionsOfTheirFolder) {
+    addShare("Both", "/shares/both");
+    addShare("Slash", "/shares/slash/", "0");
+    nicl({"-create", "/config/Brindle/Bare"});
+    host.write("etc/smb.conf", "[global]\npath = /shares/both\n"
+                               "[homes]\npath = /shares/both\n"
+                               "[printers]\npath = /var/spool\n"
+                               "[first]\npath = /shares/both\nguest ok = yes\nguest ok = ignored\n"
+                               "[second]\nguest ok = no\npath = /elsewhere\npath = /shares/both\n"
+                               "[slash]\npath = /shares/slash\n"
+                               "[Printers]\npath = /p\nGuest OK = yes\n"
+                               "[more]\npath = /p\n"
+                               "[nowhere]\nguest ok = yes\n");
+    host.answerAlert("Shares Are Not Updated for Jaguar", "No"); // the bare record is an outdated one
+    start();
+    const std::vector<std::pair<std::string, Texts>> columns = {
+        {"ShareName", {"Both", "Slash", "Bare", "second", "slash", "Printers", "nowhere"}},
+        {"AFPShared", {"1", "0", "#NoValue#", "0", "0", "0", "0"}},
+        {"AFPName", {"Both", "Slash", "#NoValue#", "second", "slash", "Printers", "nowhere"}},
+        {"DirectoryPath",
+         {"/shares/both", "/shares/slash/", "Directory Not Set", "/elsewhere", "/shares/slash", "/p",
+          "Directory Not Set"}},
+        {"AFS", {"+", "-", "-", "-", "-", "-", "-"}},
+        {"Inherit", {"No", "No", "No", "", "", "", ""}},
+        {"SMB", {"+", "-", "-", "+", "+", "+", "+"}},
+        {"SMBGuestAccess", {"yes", "No", "No", "no", "No", "No", "yes"}}};
+    for (const auto& [identifier, values] : columns) {
+        EXPECT_EQ(columnOf("normalTableView", identifier), values) << identifier;
+    }
+
+    host.write("etc/smb.conf", "");
+    send("refreshNormalList:");
+    EXPECT_EQ(table().numberOfRows(), 7) << "the configuration is read once";
+}
+
+TEST_F(Shares, LaterSectionsOfOneFolderMarkTheSameRow) {
+    addShare("Docs", "/shares/docs");
+    host.write("etc/smb.conf",
+               "[a]\npath = /shares/docs\nguest ok = yes\n[b]\npath = /shares/docs\nguest ok = No\n"
+               "[c]\npath = /shares/docs\n[d]\npath = /new\n[e]\npath = /new\nguest ok = Yes\n");
+    start();
+    EXPECT_EQ(recordNames(), (Texts{"Docs", "d"}));
+    EXPECT_EQ(columnOf("normalTableView", "SMBGuestAccess"), (Texts{"No", "Yes"}));
+}
+
+TEST_F(Shares, UsersAndGroupsOfTheSystemAreLeftOut) {
+    for (const auto& [name, uid] :
+         {std::pair("daemon", "99"), {"alice", "100"}, {"bob", "+501x"}, {"odd", "x"}}) {
+        addUser(name, uid);
+    }
+    nicl({"-create", "/users/alice", "sharedDir", "Public"});
+    nicl({"-create", "/users/bob", "sharedDir", "<no value>"});
+    for (const auto& [name, gid] :
+         {std::pair("wheel", "0"), {"staff", "20"}, {"g100", "100"}, {"g101", "101"}}) {
+        addGroup(name, gid);
+    }
+    start();
+    EXPECT_EQ(columnOf("userTableView", "User"), (Texts{"alice", "bob"}));
+    EXPECT_EQ(columnOf("userTableView", "Public Shared"), (Texts{"YES", "NO"}));
+    EXPECT_EQ(columnOf("userTableView", "Full Name"), (Texts{"#NoValue#", "#NoValue#"}));
+    EXPECT_EQ(columnOf("groupTableView", "Group"), (Texts{"staff", "g101"}));
+    EXPECT_EQ(columnOf("groupUsersTableView", "User"), (Texts{"alice", "bob"}));
+    control<NSButton>("showSystemUsersGroups3").performClick();
+    EXPECT_EQ(columnOf("groupTableView", "Group"), (Texts{"wheel", "staff", "g100", "g101"}));
+    EXPECT_EQ(columnOf("groupUsersTableView", "User"), (Texts{"daemon", "alice", "bob", "odd"}));
+}
+
+TEST_F(Shares, TheEditorShowsTheFolderOfTheSelectedShareAsItIsNow) {
+    const std::string docs = folder("docs", 0644);
+    addShare("Docs", docs);
+    addShare("Gone", "/no/such/folder");
+    nicl({"-create", "/config/Brindle/Docs", "afp_use_parent_privs", "1"});
+    host.write("etc/smb.conf", "[docs]\npath = " + docs + "\nguest ok = YES\n");
+    start();
+    EXPECT_EQ(text("selectedShareName"), "");
+    table().selectRow(0);
+    const auto attributes = fileAttributesAtPath(docs);
+    EXPECT_EQ(text("shareName") + " " + text("directory"), "Docs " + docs);
+    EXPECT_EQ(control<NSPopUpButton>("owner").titleOfSelectedItem(), attributes->ownerAccountName)
+        << "an owner that the menu does not list is added";
+    EXPECT_EQ(control<NSPopUpButton>("group").titleOfSelectedItem(), attributes->groupOwnerAccountName);
+    EXPECT_EQ(privileges(), (std::vector<int>{0, 1, 1}));
+    EXPECT_EQ(controller->menuToPermissions(), 0755);
+    EXPECT_TRUE(isOn("inheritPermissionsButton") && control<NSButton>("inheritOwnerButton").isEnabled());
+    EXPECT_TRUE(isOn("guestAccessButton"));
+    EXPECT_EQ(index("sharingAFS") + index("sharingSMB"), 2);
+    EXPECT_EQ(control<NSButton>("createNewShare").title(), "Update Share");
+    EXPECT_EQ(text("selectedShareName"), "Docs");
+
+    table().selectRow(1);
+    EXPECT_EQ(index("owner"), -1) << "a folder that cannot be examined has no owner to show";
+    EXPECT_EQ(privileges(), (std::vector<int>{3, 3, 3}));
+    EXPECT_FALSE(control<NSButton>("inheritOwnerButton").isEnabled());
+
+    table().deselectAll();
+    EXPECT_EQ(text("shareName") + text("directory") + text("selectedShareName"), "");
+    EXPECT_EQ(index("owner"), 0);
+    EXPECT_FALSE(control<NSButton>("deleteButton").isEnabled());
+    EXPECT_EQ(control<NSButton>("createNewShare").title(), "Create New Share");
+}
+
+TEST_F(Shares, TheButtonSaysWhetherTheTypedNameIsAnUpdate) {
+    addShare("Docs", "/shares/docs");
+    start();
+    for (const auto& [name, title] : {std::pair("docs", "Create New Share"), {"Docs", "Update Share"}}) {
+        type("shareName", name);
+        EXPECT_EQ(control<NSButton>("createNewShare").title(), title) << name;
+    }
+}
+
+TEST_F(Shares, AChosenFolderBringsItsOwnerAndPrivilegesButNoName) {
+    const std::string drop = folder("drop", 0733);
+    start();
+    host.choosePath(std::nullopt);
+    send("selectDirectory:");
+    EXPECT_EQ(text("directory"), "");
+    host.choosePath(drop);
+    send("selectDirectory:");
+    EXPECT_EQ(text("directory"), drop);
+    EXPECT_EQ(text("shareName"), "");
+    EXPECT_EQ(privileges(), (std::vector<int>{0, 2, 2}));
+    EXPECT_TRUE(host.panels.at(1).canChooseDirectories && !host.panels.at(1).canChooseFiles);
+}
+
+TEST_F(Shares, AShareThatCannotBeMadeIsRefusedBeforeAnythingIsWritten) {
+    addAccounts();
+    start();
+
+    struct Refusal {
+        const char* name;
+        const char* path;
+        const char* title;
+    };
+
+    for (const Refusal& refusal : {Refusal{"", "", "Share Name Empty"},
+                                   {"Docs", "", "Directory Empty"},
+                                   {"GLOBAL", "/d", "Illegal Share Name"},
+                                   {"Homes", "/d", "Illegal Share Name"}}) {
+        fillEditor(refusal.name, refusal.path, false);
+        host.answerAlert(refusal.title, "OK");
+        send("createShare:");
+    }
+    EXPECT_NE(host.alerts.at(2).message.find("\"Global\""), std::string::npos);
+    EXPECT_NE(host.alerts.at(3).message.find("\"Homes\""), std::string::npos);
+
+    host.rightHeld = false;
+    host.administratorAllows = false;
+    fillEditor(" ", "/d"); // a name of blanks is a name
+    send("createShare:");
+    EXPECT_EQ(host.events.back(), "administrator refuse") << "and nothing is said about it";
+    EXPECT_TRUE(host.runs.empty());
+}
+
+TEST_F(Shares, AreWrittenToTheDirectoryTheConfigurationTheFolderAndTheServersInThisOrder) {
+    addAccounts();
+    const std::string docs = folder("docs");
+    start();
+    fillEditor("Docs", docs);
+    send("createShare:");
+    const Texts all = joined({creationRuns("Docs", docs), {copyRun()}, folderRuns(docs), restartRuns()});
+    EXPECT_EQ(host.runTexts(), all);
+    EXPECT_NE(host.read("etc/smb.conf").find("[Docs]\npath = " + docs + "\nread only = No\n"),
+              std::string::npos);
+    EXPECT_EQ(table().selectedRow(), 0) << "the new share is the selected one";
+    EXPECT_EQ(control<NSButton>("createNewShare").title(), "Update Share");
+
+    host.runs.clear();
+    fillEditor("Docs", docs, false);
+    send("createShare:");
+    EXPECT_EQ(host.runTexts(), all) << "an update is the same runs";
+    EXPECT_EQ(columnOf("normalTableView", "SMB"), Texts{"-"});
+
+    host.runs.clear();
+    send("createShare:");
+    EXPECT_EQ(std::ranges::count(host.runTexts(), copyRun()), 0) << "no section, none wanted: no write";
+}
+
+TEST_F(Shares, AFailedStepOfTheRecordTakesTheRecordBackAndTheRestGoesOn) {
+    addAccounts();
+    const std::string docs = folder("docs");
+    start();
+    const Texts creation = creationRuns("Docs", docs);
+    for (std::size_t failing = 0; failing < creation.size(); ++failing) {
+        SCOPED_TRACE(creation[failing]);
+        host.onRun = [&](const RecordedRun& run) {
+            return run.text() == creation[failing] ? TestHost::RunAnswer{"no room", 0} : carryOut(run);
+        };
+        host.runs.clear();
+        fillEditor("Docs", docs);
+        host.answerAlert("Create Share Failed", "OK");
+        send("createShare:");
+        EXPECT_EQ(host.runTexts(),
+                  joined({{creation.begin(), creation.begin() + static_cast<std::ptrdiff_t>(failing) + 1},
+                          {recordRun("-delete", "Docs")},
+                          folderRuns(docs),
+                          restartRuns()}));
+        EXPECT_EQ(table().numberOfRows(), 0);
+        EXPECT_EQ(text("shareName"), "Docs") << "what was typed is still there to try again";
+    }
+    EXPECT_EQ(host.alerts.back().message,
+              "An Error occured while creating the share \"Docs\", please try again.");
+}
+
+TEST_F(Shares, AFailedConfigurationWriteIsShownAndTheRestGoesOn) {
+    addAccounts();
+    const std::string docs = folder("docs");
+    start();
+    host.onRun = [&](const RecordedRun& run) {
+        return run.tool == "/bin/cp" ? TestHost::RunAnswer{"disk full", 0} : carryOut(run);
+    };
+    fillEditor("Docs", docs);
+    host.answerAlert("smb.conf Write Unsuccessful", "OK");
+    send("createShare:");
+    table().selectRow(0);
+    host.answerAlert("smb.conf Write Unsuccessful", "OK");
+    send("deleteShare:");
+    EXPECT_EQ(host.runTexts(), joined({creationRuns("Docs", docs),
+                                       {copyRun()},
+                                       folderRuns(docs),
+                                       restartRuns(),
+                                       {recordRun("-delete", "Docs"), copyRun()},
+                                       restartRuns()}));
+    EXPECT_EQ(table().numberOfRows(), 0);
+}
+
+TEST_F(Shares, AFolderWithoutAKnownOwnerKeepsItsOwner) {
+    addShare("Gone", "/no/such/folder");
+    start();
+    table().selectRow(0);
+    send("createShare:");
+    const Texts runs = host.runTexts();
+    EXPECT_TRUE(std::ranges::count(runs, "/usr/sbin/chown : /no/such/folder"));
+    EXPECT_TRUE(std::ranges::count(runs, "/bin/chmod 111 /no/such/folder"));
+}
+
+TEST_F(Shares, AMovedShareLeavesItsSectionBehindAsAShareOfItsOwn) {
+    const std::string before = folder("before");
+    const std::string after = folder("after");
+    addShare("Docs", before);
+    host.write("etc/smb.conf", "[Docs]\npath = " + before + "\n");
+    start();
+    table().selectRow(0);
+    control<NSTextField>("directory").setStringValue(after);
+    send("createShare:");
+    EXPECT_EQ(recordNames(), (Texts{"Docs", "Docs"}));
+    EXPECT_EQ(columnOf("normalTableView", "DirectoryPath"), (Texts{after, before}));
+    EXPECT_EQ(columnOf("normalTableView", "SMB"), (Texts{"-", "+"}));
+    EXPECT_EQ(table().selectedRow(), 0);
+}
+
+TEST_F(Shares, DeletingTakesTheSelectedShareOnly) {
+    addShare("First", "/shares/first");
+    addShare("Second", "/shares/second");
+    host.write("etc/smb.conf", "[First]\npath = /shares/first\n[Second]\npath = /shares/second\n");
+    start();
+    controller->deleteShare(nullptr);
+    EXPECT_TRUE(host.runs.empty()) << "no row, no share";
+
+    table().selectRow(0);
+    send("deleteShare:");
+    const Texts expected = joined({{recordRun("-delete", "First"), copyRun()}, restartRuns()});
+    EXPECT_EQ(host.runTexts(), expected);
+    EXPECT_EQ(recordNames(), Texts{"Second"});
+    EXPECT_EQ(text("selectedShareName"), "Second") << "the row stays selected and holds the next share";
+    EXPECT_EQ(host.read("etc/smb.conf").find("First"), std::string::npos);
+    send("deleteShare:");
+    EXPECT_EQ(text("selectedShareName") + text("shareName"), "");
+    EXPECT_FALSE(control<NSButton>("deleteButton").isEnabled());
+    EXPECT_EQ(control<NSButton>("createNewShare").title(), "Create New Share");
+}
+
+TEST_F(Shares, DeletingAllAsksFirstAndLeavesTheConfiguration) {
+    addShare("First", "/shares/first");
+    addShare("Second", "/shares/second");
+    host.write("etc/smb.conf", "[First]\npath = /shares/first\n");
+    start();
+    host.answerAlert("Confirm Delete All Shares", "No");
+    send("deleteAllShares:");
+    EXPECT_TRUE(host.runs.empty());
+    EXPECT_EQ(host.alerts.back().defaultButton, "No");
+
+    host.answerAlert("Confirm Delete All Shares", "Yes");
+    send("deleteAllShares:");
+    EXPECT_EQ(host.runTexts(), (Texts{recordRun("-delete", "Second"), recordRun("-delete", "First")}));
+    EXPECT_EQ(recordNames(), Texts{"First"});
+    EXPECT_EQ(columnOf("normalTableView", "AFS"), Texts{"-"});
+    EXPECT_EQ(columnOf("normalTableView", "SMB"), Texts{"+"});
+}
+
+TEST_F(Shares, OfAnOlderSystemAreRewrittenOnRequestAtEachStart) {
+    addShare("New", "/shares/new");
+    nicl({"-create", "/config/Brindle/New", "afp_use_parent_privs", "1"});
+    nicl({"-create", "/config/Brindle/Old"});
+    nicl({"-create", "/config/Brindle/Old", "directory_path", "/shares/old"});
+    host.write("etc/smb.conf", "[smbonly]\npath = /shares/smb\n");
+    host.answerAlert("Shares Are Not Updated for Jaguar", "No");
+    start();
+    interface.reset();
+    EXPECT_TRUE(host.runs.empty());
+
+    host.answerAlert("Shares Are Not Updated for Jaguar", "Yes");
+    host.answerAlert("Create Share Failed", "OK");
+    host.answerAlert("Shares Updated for Jaguar", "OK");
+    load();
+    host.onRun = [this](const RecordedRun& run) {
+        return run.text() == recordRun("-create", "Old") + " afp_shared 1" ? TestHost::RunAnswer{"no room", 0}
+                                                                           : carryOut(run);
+    };
+    controller->applicationDidFinishLaunching();
+    Texts created = creationRuns("Old", "/shares/old");
+    created.resize(3);
+    EXPECT_EQ(host.runTexts(), joined({{recordRun("-delete", "New")},
+                                       creationRuns("New", "/shares/new"),
+                                       {recordRun("-delete", "Old")},
+                                       created,
+                                       {recordRun("-delete", "Old")}}))
+        << "every record, and no share that only the SMB configuration knows";
+    EXPECT_EQ(recordNames(), (Texts{"New", "Old", "smbonly"})) << "shown as they were read";
+}
+
+} // namespace
