@@ -467,6 +467,7 @@ TEST(Fetching, ADocumentOfUpToOneMebibyteComesWhole) {
 }
 
 TEST(Fetching, AFailureNamesTheAddressAndTheReason) {
+    const TestHost host; // the reasons are translated
     const std::string tooLarge(1024 * 1024 + 1, 'x');
     const std::vector<std::pair<std::string, std::string>> cases = {
         {response("404 Not Found", "<plist/>"), "status 404"},
@@ -484,6 +485,7 @@ TEST(Fetching, AFailureNamesTheAddressAndTheReason) {
 }
 
 TEST(Fetching, OnlyWebAddressesAreFetched) {
+    const TestHost host;
     for (const char* address : {"file:///etc/hostname", "ftp://127.0.0.1/", "", "not an address"}) {
         const auto fetched = platform::fetchContentsOfURL(address);
         EXPECT_FALSE(fetched.bytes) << address;
