@@ -135,7 +135,11 @@ void InterfaceLoader::readAttributes(const pugi::xml_node& xml, const ElementRul
 void InterfaceLoader::buildChild(const pugi::xml_node& xml, const ElementRule& rule, InterfaceNode& parent) {
     const int line = lineAt(xml.offset_debug());
     if (xml.type() != pugi::node_element) {
-        refuse(line, stringWithFormat("<%@> holds text; texts are attributes", parent.kind));
+        const std::string_view text = xml.value(); // begins at the end of the element before it
+        const std::string_view blank = text.substr(0, text.find_first_not_of(" \t\n"));
+        const auto lineEnds = std::count(blank.begin(), blank.end(), '\n');
+        refuse(line + static_cast<int>(lineEnds),
+               stringWithFormat("<%@> holds text; texts are attributes", parent.kind));
     }
     const ElementRule* known = rule.child(xml.name());
     if (known == nullptr) {

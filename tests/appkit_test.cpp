@@ -1,0 +1,419 @@
+// The control models and the application as a user, the controller and a front-end meet them, and the loader
+// of interface files.
+
+#include "Host.h"
+#include "Interface.h"
+#include "NSAlert.h"
+#include "NSApplication.h"
+#include "NSButton.h"
+#include "NSFormatter.h"
+#include "NSMatrix.h"
+#include "NSPopUpButton.h"
+#include "NSTabView.h"
+#include "NSTableView.h"
+#include "NSTextField.h"
+#include "NSTextView.h"
+#include "NSWindow.h"
+#include "ObjectClass.h"
+#include "TestHost.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace {
+
+using Names = std::vector<std::string>;
+
+/// Stands behind an interface file and its tables, and writes down what it is told.
+struct Recorder : NSApplicationDelegate,
+                  NSTableViewDataSource,
+                  NSTableViewDelegate,
+                  NSTabViewDelegate,
+                  NSTextFieldDelegate,
+                  NSWindowDelegate {
+    NSTextField* name = nullptr;
+    NSButton* press = nullptr;
+    NSTableView* table = nullptr;
+    int rows = 0;
+    Names told;
+    Names* obituary = nullptr;
+
+    ~Recorder() override {
+        if (obituary != nullptr) { // the controls are there still
+            obituary->push_back(name != nullptr ? name->stringValue() : "no field");
+        }
+    }
+
+    void pressed(NSControl* sender) { told.push_back(sender == press ? "pressed" : "other sender"); }
+
+    void applicationDidFinishLaunching() override { told.emplace_back("launched"); }
+
+    bool applicationShouldTerminateAfterLastWindowClosed() override { return true; }
+
+    void applicationWillTerminate() override { told.emplace_back("will terminate"); }
+
+    int numberOfRowsInTableView(NSTableView*) override { return rows; }
+
+    std::string tableViewObjectValueForTableColumn(NSTableView*, const NSTableColumn& column,
+                                                   int row) override {
+        return column.identifier + std::to_string(row);
+    }
+
+    void tableViewSelectionDidChange(NSTableView* changed) override {
+        told.push_back("selected " + std::to_string(changed->selectedRow()));
+    }
+
+    void tabViewDidSelectTabViewItem(NSTabView*, int index) override {
+        told.push_back("page " + std::to_string(index));
+    }
+
+    void controlDidFailToValidatePartialString(NSTextField* control, const std::string& partial,
+                                               const std::string& error) override {
+        told.push_back(control->stringValue() + "->" + partial + ": " + error);
+    }
+
+    void windowDidBecomeKey(NSWindow* window) override { told.push_back(window->title() + " key"); }
+
+    void windowDidResignKey(NSWindow* window) override { told.push_back(window->title() + " not key"); }
+};
+
+/// Refuses a text that holds a "!".
+struct NoShouting : NSFormatter {
+    using NSFormatter::isPartialStringValid;
+
+    bool isPartialStringValid(const std::string& partial, std::optional<std::string>&,
+                              std::string& error) override {
+        error = "too loud";
+        return partial.find('!') == std::string::npos;
+    }
+};
+
+class AppKit : public testing::Test {
+  protected:
+    AppKit() {
+        platform::registerClass(platform::describeClass<Recorder>("Recorder")
+                                    .maker([this] { return std::make_shared<Recorder>(made); })
+                                    .outlet("name", &Recorder::name)
+                                    .outlet("press", &Recorder::press)
+                                    .outlet("table", &Recorder::table)
+                                    .action("press:", &Recorder::pressed)
+                                    .take());
+    }
+
+    std::unique_ptr<platform::Interface> load(const std::string& xml, Recorder* owner) {
+        host.write("file.xml", xml);
+        return platform::Interface::load((host.root() / "file.xml").string(), owner);
+    }
+
+    TestHost host;
+    Recorder made; ///< what the class makes is a copy of this
+};
+
+TEST_F(AppKit, AReloadKeepsTheSelectedRowsThatStillExistAndTellsNobody) {
+    Recorder source;
+    NSTableView table;
+    table.setDataSource(&source);
+    table.setDelegate(&source);
+    table.setAllowsMultipleSelection(true);
+    source.rows = 5;
+    table.reloadData();
+    table.selectRows({4, 1, 9, 1, -1});
+    EXPECT_EQ(table.selectedRows(), (std::vector<int>{1, 4}));
+    source.rows = 3;
+    EXPECT_EQ(table.numberOfRows(), 5) << "the number is the last reload's";
+    table.reloadData();
+    EXPECT_EQ(table.selectedRows(), std::vector<int>{1});
+    table.selectRow(1);
+    EXPECT_EQ(source.told, Names{"selected 1"}) << "once, for the first selection";
+    EXPECT_EQ(table.objectValue({"User", "User"}, 2), "User2");
+    EXPECT_EQ(table.objectValue({"User", "User"}, 3), "");
+}
+
+TEST_F(AppKit, ASingleSelectionTableTakesTheFirstRowGiven) {
+    Recorder source;
+    NSTableView table;
+    table.setDataSource(&source);
+    source.rows = 3;
+    table.reloadData();
+    table.selectRows({2, 0});
+    EXPECT_EQ(table.selectedRow(), 2);
+    table.selectRow(7);
+    EXPECT_EQ(table.selectedRow(), -1);
+}
+
+TEST_F(AppKit, ARefusedEditLeavesTheFieldAndIsReported) {
+    Recorder delegate;
+    NSTextField field;
+    field.setFormatter(std::make_shared<NoShouting>());
+    field.setDelegate(&delegate);
+    int sent = 0;
+    field.setAction({"x:", [&sent](NSControl*) { ++sent; }});
+    EXPECT_TRUE(field.proposeEdit("hey", 3, {}));
+    EXPECT_FALSE(field.proposeEdit("hey!", 4, {3, 0}));
+    EXPECT_EQ(field.stringValue(), "hey");
+    EXPECT_EQ(host.refusals, Names{"too loud"});
+    EXPECT_EQ(delegate.told, Names{"hey->hey!: too loud"});
+    EXPECT_EQ(sent, 1);
+    field.setStringValue("LOUD!");
+    EXPECT_EQ(field.stringValue(), "LOUD!") << "the program is not asked";
+    field.setEnabled(false);
+    EXPECT_FALSE(field.proposeEdit("quiet", 5, {}));
+}
+
+TEST_F(AppKit, ANumberFieldShowsItsNumberWhenItIsLeft) {
+    const std::vector<std::pair<std::string, std::string>> cases = {{"007", "7"},
+                                                                    {"", ""},
+                                                                    {"12a", "12a"},
+                                                                    {"-5", "-5"},
+                                                                    {"٤٢", "42"},
+                                                                    {"1٢", "12"},
+                                                                    {"-", "-"},
+                                                                    {"𝟗𝟗", "99"},
+                                                                    {"½", "½"},
+                                                                    {"\xff", "\xff"},
+                                                                    {"99999999999999999999", "2147483647"},
+                                                                    {"-99999999999999999999", "-2147483648"}};
+    NSTextField field;
+    const auto formatter = std::make_shared<NSNumberFormatter>();
+    formatter->setFormat("##0");
+    field.setFormatter(formatter);
+    for (const auto& [typed, shown] : cases) {
+        field.setStringValue(typed);
+        field.endEditing();
+        EXPECT_EQ(field.stringValue(), shown) << typed;
+    }
+    EXPECT_THROW(formatter->setFormat("#,##0"), std::invalid_argument);
+}
+
+TEST_F(AppKit, ACharacterIsDecodedStrictly) {
+    const std::vector<std::pair<std::string, char32_t>> cases = {{"a", 'a'},
+                                                                 {"é", 0xE9},
+                                                                 {"€", 0x20AC},
+                                                                 {"𝟗", 0x1D7D7},
+                                                                 {"\xC0\x80", 0xFFFD},
+                                                                 {"\xED\xA0\x80", 0xFFFD},
+                                                                 {"\xF4\x90\x80\x80", 0xFFFD},
+                                                                 {"\xE2\x82", 0xFFFD}};
+    for (const auto& [text, character] : cases) {
+        std::size_t offset = 0;
+        EXPECT_EQ(platform::nextCharacter(text, offset), character);
+        EXPECT_EQ(offset, character == 0xFFFD ? 1U : text.size());
+    }
+}
+
+TEST_F(AppKit, APopUpSelectsByTitleTagAndIndexOrNothing) {
+    NSPopUpButton menu;
+    EXPECT_EQ(menu.titleOfSelectedItem(), std::nullopt);
+    for (const char* title : {"a", "b", "b"}) {
+        menu.addItemWithTitle(title);
+    }
+    EXPECT_EQ(menu.indexOfSelectedItem(), 0);
+    menu.setTag(2, 850);
+    EXPECT_EQ(menu.indexOfItemWithTag(850), 2);
+    EXPECT_EQ(menu.indexOfItemWithTag(7), -1);
+    menu.selectItemWithTitle("b");
+    EXPECT_EQ(menu.indexOfSelectedItem(), 1) << "the first of two";
+    menu.selectItemWithTitle("none");
+    EXPECT_EQ(menu.indexOfSelectedItem(), -1);
+    EXPECT_EQ(menu.tagOfSelectedItem(), 0);
+    EXPECT_THROW(menu.selectItemAtIndex(3), std::out_of_range);
+    int sent = 0;
+    menu.setAction({"x:", [&sent](NSControl*) { ++sent; }});
+    menu.performSelect(2);
+    menu.performSelect(2);
+    menu.performSelect(9);
+    EXPECT_EQ(sent, 2) << "choosing the chosen item counts; an item that is not there does not";
+    menu.removeAllItems();
+    EXPECT_EQ(menu.indexOfSelectedItem(), -1);
+}
+
+TEST_F(AppKit, AClickChangesACheckBoxOrCellBeforeItsActionAndNothingWhileDisabled) {
+    NSButton box(NSButtonKind::CheckBox);
+    NSMatrix matrix(2, 1);
+    Names seen;
+    box.setAction({"x:", [&](NSControl*) { seen.push_back("box " + std::to_string(box.state())); }});
+    matrix.setAction(
+        {"x:", [&](NSControl*) { seen.push_back("cell " + std::to_string(matrix.stateAt(1, 0))); }});
+    for (const bool enabled : {true, false}) {
+        box.setEnabled(enabled);
+        matrix.setEnabled(enabled);
+        box.performClick();
+        matrix.performClickAt(1, 0);
+    }
+    EXPECT_EQ(seen, (Names{"box 1", "cell 1"}));
+    EXPECT_EQ(matrix.stateAt(0, 0), NSOffState);
+    EXPECT_THROW(static_cast<void>(matrix.stateAt(2, 0)), std::out_of_range);
+}
+
+TEST_F(AppKit, ASheetIsEndedOnceAndOnlyByItsSession) {
+    NSWindow sheet(NSWindowKind::Sheet);
+    NSWindow second(NSWindowKind::Sheet);
+    std::vector<int> codes;
+    const auto didEnd = [&codes](NSWindow* ended, int code) {
+        codes.push_back(code);
+        ended->orderOut();
+    };
+    NSApp().beginSheet(&sheet, nullptr, didEnd);
+    NSApp().beginSheet(&second, nullptr, didEnd);
+    EXPECT_FALSE(second.isVisible());
+    sheet.close();
+    EXPECT_EQ(NSApp().attachedSheet(), &sheet);
+    NSApp().endSheet(&second, 1);
+    NSApp().endSheet(&sheet, 0);
+    NSApp().endSheet(&sheet, 0);
+    EXPECT_EQ(codes, std::vector<int>{0});
+    EXPECT_FALSE(sheet.isVisible());
+}
+
+TEST_F(AppKit, ClosingTheMainWindowEndsTheApplicationOnceWithoutConfirmingASheet) {
+    Recorder delegate;
+    NSWindow main;
+    NSWindow panel(NSWindowKind::Panel);
+    NSWindow sheet(NSWindowKind::Sheet);
+    panel.setTitle("About");
+    panel.setDelegate(&delegate);
+    NSApp().setDelegate(&delegate);
+    NSApp().finishLaunching();
+    NSApp().finishLaunching();
+    main.makeKeyAndOrderFront();
+    panel.makeKeyAndOrderFront();
+    NSApp().beginSheet(&sheet, &main,
+                       [&delegate](NSWindow*, int) { delegate.told.emplace_back("sheet ended"); });
+    panel.becomeKey();
+    main.close();
+    NSApp().terminate();
+    EXPECT_EQ(delegate.told, (Names{"launched", "About key", "About not key", "About key", "will terminate",
+                                    "About not key"}));
+    EXPECT_TRUE(NSApp().isTerminated());
+    EXPECT_FALSE(panel.isVisible() || sheet.isVisible());
+    NSApp().setDelegate(nullptr);
+}
+
+TEST_F(AppKit, WhatAnActionLetsOutIsLoggedAndTheNextEventRuns) {
+    bool ran = false;
+    NSApp().dispatch([] { throw std::out_of_range("piece 3"); });
+    NSApp().dispatch([] { throw 1; });
+    NSApp().dispatch([&ran] { ran = true; });
+    ASSERT_EQ(host.log.size(), 2U);
+    EXPECT_NE(host.log.front().find("piece 3"), std::string::npos);
+    EXPECT_TRUE(ran);
+}
+
+TEST_F(AppKit, AnAlertFormatsItsMessageAndAnswersTheButton) {
+    host.answerAlert("Delete", "Yes");
+    EXPECT_EQ(NSRunAlertPanel("Delete", "Really %@?", "No", "Yes", std::nullopt, "all"),
+              NSAlertAlternateReturn);
+    EXPECT_EQ(host.alerts.back().message, "Really all?");
+}
+
+TEST_F(AppKit, APageIsToldOnceAndMustExist) {
+    Recorder delegate;
+    NSTabView tabs;
+    tabs.setDelegate(&delegate);
+    tabs.addTabViewItem("One");
+    tabs.addTabViewItem("Two");
+    tabs.selectTabViewItemAtIndex(0);
+    tabs.selectTabViewItemAtIndex(1);
+    EXPECT_EQ(delegate.told, Names{"page 1"});
+    EXPECT_THROW(tabs.selectTabViewItemAtIndex(2), std::out_of_range);
+}
+
+TEST_F(AppKit, ALoadedFileIsConnectedAndItsOwnerGoesBeforeItsControls) {
+    Names obituary;
+    made.obituary = &obituary;
+    auto loaded = load(R"(<interface class="Recorder">
+        <window name="main" title="M"><column>
+            <textField outlet="name" text="kept" delegate="yes"/>
+            <button outlet="press" title="Press" action="press:" key="return"/>
+            <tableView outlet="table"><column id="a"/><column id="b" width="7" hidden="yes"/></tableView>
+            <popUp name="menu"><item title="x"/><item title="y" tag="-3"/></popUp>
+            <label for="name" text="Name:"/>
+        </column></window></interface>)",
+                       nullptr);
+    made.obituary = nullptr;
+    auto* owner = static_cast<Recorder*>(loaded->owner());
+    EXPECT_EQ(NSApp().delegate(), owner);
+    EXPECT_EQ(NSApp().mainWindow(), loaded->find("main"));
+    EXPECT_EQ(loaded->findWiredTo("press:"), owner->press);
+    EXPECT_EQ(loaded->unconnected(), Names{});
+    owner->press->performClick();
+    EXPECT_EQ(owner->told, Names{"pressed"});
+    EXPECT_EQ(owner->press->keyEquivalent(), "\r");
+    EXPECT_TRUE(owner->table->tableColumns().at(1).hidden);
+    EXPECT_EQ(dynamic_cast<NSPopUpButton*>(loaded->find("menu"))->items().at(1).tag, -3);
+    loaded.reset();
+    EXPECT_EQ(obituary, Names{"kept"});
+    EXPECT_EQ(NSApp().delegate(), nullptr);
+    EXPECT_EQ(NSApp().mainWindow(), nullptr);
+}
+
+TEST_F(AppKit, AFaultyFileIsRefusedWithItsLineAndLeavesNoOutletSet) {
+    const std::vector<std::pair<std::string, std::string>> cases = {
+        {"<knob/>", "<knob> does not belong in <column>"},
+        {"<cell title='x'/>", "<cell> does not belong in <column>"},
+        {"<button action='press:' colour='red'/>", "<button> has no attribute \"colour\""},
+        {"<button title='x'/>", "<button> needs the attribute \"action\""},
+        {"<button action='push:'/>", "the class \"Recorder\" has no operation \"push:\""},
+        {"<button action='press:' enabled='1'/>", "enabled=\"1\" of <button> must be \"yes\" or \"no\""},
+        {"<textField outlet='nam'/>", "the class \"Recorder\" has no outlet \"nam\""},
+        {"<checkBox outlet='table'/>",
+         "the outlet \"table\" of the class \"Recorder\" is of another kind than <checkBox>"},
+        {"<textField name='first'/>", "the name \"first\" is taken already"},
+        {"<textField outlet='name' name='other'/>", "the outlet \"name\" has a name besides"},
+        {"<label text='x' for='nobody'/>", "the label belongs to \"nobody\", which is not in the file"},
+        {"<popUp><item title='x' tag='2147483648'/></popUp>",
+         "tag=\"2147483648\" of <item> must be a whole number of 32 bits"},
+        {"<matrix rows='2' columns='1'><cell title='x'/></matrix>",
+         "a matrix of 2 x 1 does not have 1 cells"},
+        {"<tableView><column id='a'/><column id='a'/></tableView>", "the table has a second column \"a\""},
+        {"<tabView><tab label='x'/></tabView>", "<tab> holds 0 layout elements; it needs one"},
+        {"<label text='x' text='y'/>", "<label> has the attribute \"text\" twice"},
+        {"words", "<column> holds text; texts are attributes"},
+        {"<row>", "the XML is not well formed"},
+    };
+    for (const auto& [element, fault] : cases) {
+        Recorder owner;
+        const std::string xml = "<interface class='Recorder'>\n<window><column>\n<textField name='first'/>"
+                                "<button outlet='press' action='press:'/>\n" +
+                                element + "\n</column></window></interface>\n";
+        try {
+            static_cast<void>(load(xml, &owner));
+            ADD_FAILURE() << element << " was taken";
+        } catch (const platform::InterfaceError& error) {
+            const std::string line = fault.find("well formed") == std::string::npos ? ":4: " : ":5: ";
+            EXPECT_NE(std::string(error.what()).find("file.xml" + line + fault), std::string::npos)
+                << error.what();
+        }
+        EXPECT_EQ(owner.press, nullptr) << element;
+        EXPECT_EQ(NSApp().delegate(), nullptr);
+    }
+    EXPECT_THROW(static_cast<void>(load("<interface class='Nobody'/>", nullptr)), platform::InterfaceError);
+    EXPECT_THROW(static_cast<void>(platform::Interface::load("/missing.xml")), platform::InterfaceError);
+}
+
+TEST_F(AppKit, CreditsAreReadAsStyledRuns) {
+    const auto text =
+        platform::readRichText("{\\rtf1{\\fonttbl{\\f0 Font;}}{\\*\\x hidden}\\qc\\fs28\\b Hi\\b0\\par\n"
+                               "\\'80 {\\i a\\{b\\}}\\u8212?\\uc2\\u-10179 ab\\u-8704 abz\\tab\\unknown7 .}");
+    ASSERT_TRUE(text);
+    ASSERT_EQ(text->size(), 4U);
+    EXPECT_EQ(text->at(0).text, "Hi");
+    EXPECT_TRUE(text->at(0).bold);
+    EXPECT_EQ(text->at(0).size, 14);
+    EXPECT_EQ(text->at(0).alignment, platform::TextAlignment::Center);
+    EXPECT_EQ(text->at(1).text, "\n€ ");
+    EXPECT_FALSE(text->at(1).bold);
+    EXPECT_EQ(text->at(2).text, "a{b}");
+    EXPECT_TRUE(text->at(2).italic);
+    EXPECT_EQ(text->at(3).text, "—😀z\t.");
+    for (const char* fault : {"", "plain", "{\\rtf1 open", "{\\rtf1 {x}", "{\\rtf1 \\", "{\\rtf1 \\'8"}) {
+        EXPECT_FALSE(platform::readRichText(fault)) << fault;
+    }
+}
+
+} // namespace
