@@ -1,5 +1,6 @@
 #include "Application.h"
 
+#include "AboutBox.h"
 #include "BRController.h"
 #include "NSApplication.h"
 #include "NSBundle.h"
@@ -19,6 +20,7 @@ void Application::setPresenter(std::shared_ptr<platform::Presenter> presenter) {
 
 void Application::load() {
     BRController::registerClass();
+    AboutBox::registerClass();
     interface_ = platform::Interface::load(NSBundle::mainBundle().resourcePath() + "/MainMenu.xml");
 }
 
