@@ -12,6 +12,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <memory>
 #include <optional>
@@ -135,6 +136,24 @@ class AppFixture : public testing::Test {
             values.push_back(view.objectValue({.identifier = identifier, .title = {}}, row));
         }
         return values;
+    }
+
+    /// The application's controls by their outlets' names.
+    [[nodiscard]] BRController& app() const { return *controller; }
+
+    /// The runs since the last call.
+    std::vector<std::string> takeRuns() {
+        std::vector<std::string> texts = host.runTexts();
+        host.runs.clear();
+        return texts;
+    }
+
+    /// Selects the first row of the table whose column shows `text`.
+    void selectRow(NSTableView& table, const std::string& identifier, const std::string& text) {
+        const std::vector<std::string> values = columnOf(table.name(), identifier);
+        const auto found = std::ranges::find(values, text);
+        ASSERT_NE(found, values.end()) << "no row shows " << text;
+        table.selectRow(static_cast<int>(found - values.begin()));
     }
 
     TestHost host;

@@ -1,0 +1,388 @@
+#include "AppFixture.h"
+
+#include <array>
+
+namespace {
+
+class AccountsTest : public AppFixture {
+  protected:
+    void SetUp() override {
+        addGroup("wheel", "0", {"root"});
+        addGroup("staff", "20", {"bob"});
+        addGroup("admin", "80", {"root", "adam"});
+        addGroup("hundred", "100");
+        addGroup("friends", "501", {"bob", "adam"});
+        addUser("root", "0", "0");
+        addUser("low", "99", "20");
+        addUser("edge", "100", "20");
+        addUser("bob", "501", "20");
+        addUser("adam", "502", "80");
+        nicl({"-create", "/users/bob", "realname", "Bob B"});
+        start();
+    }
+
+    void selectUser(const std::string& name) { selectRow(*app().userTableView, "User", name); }
+
+    void selectGroup(const std::string& name) { selectRow(*app().groupTableView, "Group", name); }
+
+    void fillUser(const std::string& full, const std::string& name, const std::string& id) const {
+        app().fullName->setStringValue(full);
+        app().shortName->setStringValue(name);
+        app().uid->setStringValue(id);
+    }
+
+    void fillGroup(const std::string& name, const std::string& id) const {
+        app().groupName->setStringValue(name);
+        app().gid->setStringValue(id);
+    }
+
+    [[nodiscard]] std::string groups() const {
+        return runNireport(std::vector<std::string>{".", "/groups", "name", "gid", "users"}).output;
+    }
+
+    [[nodiscard]] std::vector<std::string> alertTitles() const {
+        std::vector<std::string> titles;
+        for (const platform::Alert& alert : host.alerts) {
+            titles.push_back(alert.title);
+        }
+        return titles;
+    }
+};
+
+using Titles = std::vector<std::string>;
+using Runs = std::vector<std::string>;
+
+} // namespace
+
+TEST_F(AccountsTest, ANewUserIsMadeAskedForAPasswordAndPutIntoItsGroup) {
+    fillUser("Alice A", "alice", "503");
+    app().groupPopUp->selectItemWithTitle("friends");
+    app().publicSharedPopUp->selectItemAtIndex(0);
+    host.answerAlert("Confirm Add New File Sharing Only User", "Yes");
+    send("addNewUser:");
+    const std::string create = "/usr/bin/nicl . -create /users/alice";
+    EXPECT_EQ(takeRuns(),
+              (Runs{create, create + " realname Alice A", create + " gid 501", create + " uid 503",
+                    create + " sharedDir Public", create + " _shadow_passwd", create + " hint",
+                    create + " _writers_hint alice", create + " _writers_passwd alice",
+                    create + " home /dev/null", create + " passwd !", create + " shell /sbin/nologin",
+                    "/usr/bin/nicl . -append /groups/friends users alice"}));
+    EXPECT_EQ(
+        host.alerts.front().message,
+        "Are you sure you want to add a new File Sharing Only User?  If you want to add a standard user, "
+        "please visit the Users Control Panel.");
+    EXPECT_EQ(host.alerts.front().defaultButton, "No");
+    ASSERT_EQ(NSApp().attachedSheet(), app().passwordWindow);
+
+    app().passwordSecureText1->setStringValue("a");
+    app().passwordSecureText2->setStringValue("b");
+    send("setPassword:");
+    EXPECT_EQ(app().passwordErrorText->stringValue(), "Passwords Do Not Match");
+    app().passwordSecureText2->setStringValue("");
+    app().passwordSecureText1->setStringValue("");
+    send("setPassword:");
+    EXPECT_EQ(app().passwordErrorText->stringValue(), "Password Fields Empty");
+    EXPECT_TRUE(host.runs.empty());
+    app().passwordSecureText1->setStringValue("s3cret");
+    app().passwordSecureText2->setStringValue("s3cret");
+    send("setPassword:");
+    EXPECT_EQ(takeRuns(), Runs{"/usr/bin/dscl . -passwd /Users/alice s3cret"});
+    EXPECT_EQ(NSApp().attachedSheet(), nullptr);
+    EXPECT_FALSE(app().passwordWindow->isVisible());
+    EXPECT_EQ(app().passwordSecureText1->stringValue() + app().passwordSecureText2->stringValue(), "");
+    for (const std::string& line : host.log) {
+        EXPECT_EQ(line.find("s3cret"), std::string::npos) << line;
+    }
+    selectUser("alice");
+    EXPECT_EQ(app().fullName->stringValue(), "Alice A");
+    EXPECT_EQ(app().groupPopUp->titleOfSelectedItem(), "friends");
+    EXPECT_EQ(app().publicSharedPopUp->indexOfSelectedItem(), 0);
+}
+
+TEST_F(AccountsTest, ACreationThatFailsAsksForNoPasswordAndStillJoinsTheGroup) {
+    host.onRun = [](const RecordedRun& run) {
+        return TestHost::RunAnswer{run.text().find(" uid ") != std::string::npos ? "no\n" : "", 0};
+    };
+    fillUser("Alice A", "alice", "503");
+    app().groupPopUp->selectItemWithTitle("friends");
+    host.answerAlert("Confirm Add New File Sharing Only User", "Yes");
+    send("addNewUser:");
+    EXPECT_EQ(takeRuns().back(), "/usr/bin/nicl . -append /groups/friends users alice");
+    EXPECT_EQ(NSApp().attachedSheet(), nullptr);
+    EXPECT_EQ(host.beeps, 1);
+}
+
+TEST_F(AccountsTest, EachUserGetsItsOwnQuestion) {
+    struct Case {
+        std::string name, uid, group;
+        std::vector<std::pair<std::string, std::string>> answers;
+        Runs runs;
+    };
+
+    const std::string bob = "/usr/bin/nicl . -create /users/bob";
+    const std::string joined = "/usr/bin/nicl . -append /groups/hundred users bob";
+    const std::vector<Case> cases{
+        {"new", "9", "friends", {{"Confirm Add New File Sharing Only User", "No"}}, {}},
+        {"new",
+         "501",
+         "friends",
+         {{"Confirm Add New File Sharing Only User", "Yes"}, {"UID is Not Unique", "No"}},
+         {}},
+        {"adam", "502", "friends", {{"Confirm Update Admin User", "No"}}, {}},
+        {"low", "99", "friends", {{"Confirm Update User", "No"}}, {}}, // hidden from the list, but not new
+        // An id of another user's is not looked at, and a member is not appended again.
+        {"bob",
+         "502",
+         "friends",
+         {{"Confirm Update User", "Yes"}},
+         {bob + " realname F", bob + " gid 501", bob + " uid 502", bob + " sharedDir <no value>"}},
+        {"bob",
+         "501",
+         "hundred",
+         {{"Confirm Update User", "Yes"}},
+         {bob + " realname F", bob + " gid 100", bob + " uid 501", bob + " sharedDir <no value>", joined}},
+        {"bob",
+         "501",
+         "",
+         {{"Confirm Update User", "Yes"}},
+         {bob + " realname F", bob + " gid 100", bob + " uid 501", bob + " sharedDir <no value>"}},
+    };
+    app().showSystemUsersGroups2->performClick();
+    for (const Case& c : cases) {
+        fillUser("F", c.name, c.uid);
+        app().groupPopUp->selectItemAtIndex(app().groupPopUp->indexOfItemWithTitle(c.group));
+        app().publicSharedPopUp->selectItemAtIndex(1);
+        Titles titles;
+        for (const auto& [title, button] : c.answers) {
+            host.answerAlert(title, button);
+            titles.push_back(title);
+        }
+        host.alerts.clear();
+        send("addNewUser:");
+        EXPECT_EQ(takeRuns(), c.runs) << c.name;
+        EXPECT_EQ(alertTitles(), titles);
+        EXPECT_EQ(NSApp().attachedSheet(), nullptr);
+    }
+}
+
+TEST_F(AccountsTest, NamesTheFieldsThatAreEmpty) {
+    struct Case {
+        std::string full, name, uid, group, message;
+    };
+
+    const std::string start =
+        "To add a New User all fields must have a valid value.  The following field(s) were left empty:\n";
+    for (const Case& c : std::vector<Case>{{"", "", "", "", "Full Name, Short Name, UID, Group"},
+                                           {"", "x", "", "friends", "Full Name, UID"},
+                                           {"F", "", "9", "friends", "Short Name"},
+                                           {"F", "", "9", "", "Short Name, Group"},
+                                           {"F", "x", "", "friends", "UID"},
+                                           {"", "bob", "9", "", "Full Name"}}) {
+        fillUser(c.full, c.name, c.uid);
+        app().groupPopUp->selectItemAtIndex(app().groupPopUp->indexOfItemWithTitle(c.group));
+        host.answerAlert(c.name == "bob" ? "Confirm Update User" : "Confirm Add New File Sharing Only User",
+                         "Yes");
+        host.answerAlert("User Fields Empty", "OK");
+        send("addNewUser:");
+        EXPECT_EQ(host.alerts.back().message, start + c.message);
+    }
+    for (const auto& [name, id, message] : std::vector<std::array<std::string, 3>>{
+             {"", "", "Group Name, GID"}, {"", "9", "Group Name"}, {"x", "", "GID"}}) {
+        fillGroup(name, id);
+        host.answerAlert("Confirm Add New Group", "Yes");
+        host.answerAlert("Group Fields Empty", "OK");
+        send("addNewGroup:");
+        EXPECT_TRUE(host.alerts.back().message.ends_with("left empty:\n" + message))
+            << host.alerts.back().message;
+    }
+    EXPECT_TRUE(host.runs.empty());
+}
+
+TEST_F(AccountsTest, GroupsAreMadeChangedAndDeleted) {
+    const std::string create = "/usr/bin/nicl . -create /groups/club";
+    fillGroup("club", "501");
+    host.answerAlert("Confirm Add New Group", "Yes");
+    host.answerAlert("GID is Not Unique", "No");
+    send("addNewGroup:");
+    EXPECT_EQ(takeRuns(), Runs{});
+    host.answerAlert("Confirm Add New Group", "Yes");
+    host.answerAlert("GID is Not Unique", "Yes");
+    send("addNewGroup:");
+    EXPECT_EQ(takeRuns(), (Runs{create, create + " gid 501", create + " passwd *", create + " users"}));
+    EXPECT_GE(app().groupPopUp->indexOfItemWithTitle("club"), 0);
+    host.answerAlert("Confirm Update Group", "Yes");
+    fillGroup("club", "600");
+    send("addNewGroup:");
+    EXPECT_EQ(takeRuns(), Runs{create + " gid 600"});
+
+    app().groupTableView->deselectAll();
+    send("deleteSelectedGroup:");
+    selectGroup("club");
+    host.answerAlert("Confirm Delete Selected Group", "Yes");
+    send("deleteSelectedGroup:");
+    EXPECT_EQ(host.alerts.back().message, "Are you sure you want to delete the group club?");
+    EXPECT_EQ(takeRuns(), Runs{"/usr/bin/nicl . -delete /groups/club"});
+    EXPECT_EQ(groups().find("club"), std::string::npos);
+}
+
+TEST_F(AccountsTest, ADeletedUserLeavesEveryGroup) {
+    selectUser("adam");
+    host.answerAlert("Admin Users Cannot Be Deleted", "Cancel");
+    send("deleteSelectedUser:");
+    EXPECT_EQ(host.alerts.back().message.substr(0, 23), "adam is an admin user. ");
+    selectUser("bob");
+    host.answerAlert("Confirm Delete Selected User", "No");
+    send("deleteSelectedUser:");
+    EXPECT_EQ(takeRuns(), Runs{});
+    host.answerAlert("Confirm Delete Selected User", "Yes");
+    send("deleteSelectedUser:");
+    EXPECT_EQ(takeRuns(),
+              (Runs{"/usr/bin/nicl . -delete /users/bob", "/usr/bin/nicl . -delete /groups/staff users bob",
+                    "/usr/bin/nicl . -delete /groups/friends users bob"}));
+    EXPECT_EQ(groups(),
+              "wheel\t0\troot\t\nstaff\t20\t#NoValue#\t\nadmin\t80\troot,adam\t\nhundred\t100\t#NoValue#\t\n"
+              "friends\t501\tadam\t\n");
+    // The row's place is taken by the user who came after.
+    EXPECT_EQ(app().shortName->stringValue(), "adam");
+}
+
+TEST_F(AccountsTest, MembershipFollowsTheSelectedRowsInOrder) {
+    send("addUserToGroup:"); // no group is selected: nothing
+    selectGroup("staff");
+    ASSERT_EQ(app().groupUsersTableView->numberOfRows(), 3); // edge, bob, adam
+    app().groupUsersTableView->selectRows({2, 1, 0});
+    send("addUserToGroup:");
+    EXPECT_EQ(takeRuns(), (Runs{"/usr/bin/nicl . -append /groups/staff users edge",
+                                "/usr/bin/nicl . -append /groups/staff users adam"}));
+    app().groupUsersTableView->selectRows({1, 2});
+    send("removeUserFromGroup:");
+    EXPECT_EQ(takeRuns(), (Runs{"/usr/bin/nicl . -delete /groups/staff users bob",
+                                "/usr/bin/nicl . -delete /groups/staff users adam"}));
+    EXPECT_NE(groups().find("staff\t20\tedge\t"), std::string::npos);
+}
+
+TEST_F(AccountsTest, NoRowMeansNothingHappens) {
+    app().userTableView->deselectAll();
+    app().groupTableView->deselectAll();
+    host.events.clear();
+    for (const char* operation :
+         {"deleteSelectedUser:", "deleteSelectedGroup:", "addUserToGroup:", "removeUserFromGroup:",
+          "changePassword:", "enableSelectedPublicShare:", "disableSelectedPublicShare:"}) {
+        send(operation);
+    }
+    EXPECT_EQ(host.events, Runs{});
+    EXPECT_EQ(NSApp().attachedSheet(), nullptr);
+}
+
+TEST_F(AccountsTest, ProposesTheNextFreeIds) {
+    const std::vector<std::array<std::string, 4>> cases{
+        // highest user id, proposed, highest group id, proposed
+        {"502", "503", "501", "502"},
+        {"2147483647", "2147483647", "2147483647", "2147483647"}};
+    for (const auto& [user, nextUser, groupId, nextGroup] : cases) {
+        addUser("last", user, "20");
+        addGroup("last", groupId);
+        send("getNextUID:");
+        send("getNextGID:");
+        EXPECT_EQ(app().uid->stringValue(), nextUser);
+        EXPECT_EQ(app().gid->stringValue(), nextGroup);
+    }
+    for (const auto& [highest, next] : {std::pair{"99", "101"}, {"100", "101"}, {"101", "102"}}) {
+        nicl({"-create", "/groups/last", "gid", highest});
+        nicl({"-create", "/groups/friends", "gid", "-2"});
+        send("getNextGID:");
+        EXPECT_EQ(app().gid->stringValue(), next);
+    }
+    for (const char* path : {"wheel", "staff", "admin", "hundred", "friends", "last"}) {
+        nicl({"-delete", std::string("/groups/") + path});
+    }
+    host.events.clear();
+    send("getNextGID:");
+    EXPECT_EQ(host.events, (Runs{"log No Groups found to update the GID", "beep"}));
+    EXPECT_EQ(app().gid->stringValue(), "102");
+}
+
+TEST_F(AccountsTest, SystemAccountsAreHiddenUntilTheirBoxIsChecked) {
+    using Names = std::vector<std::string>;
+    EXPECT_EQ(app().owner->itemTitles(), (Names{"edge", "bob", "adam"}));
+    EXPECT_EQ(app().group->itemTitles(), (Names{"staff", "admin", "friends"}));
+    EXPECT_EQ(app().groupPopUp->itemTitles(), (Names{"staff", "admin", "friends"}));
+    app().showSystemUsersGroups->performClick();
+    app().showSystemUsersGroups2->performClick();
+    app().showSystemUsersGroups3->performClick();
+    EXPECT_EQ(app().owner->itemTitles(), (Names{"root", "low", "edge", "bob", "adam"}));
+    EXPECT_EQ(app().group->numberOfItems(), 5);
+    EXPECT_EQ(app().groupPopUp->numberOfItems(), 5);
+    EXPECT_EQ(app().groupTableView->numberOfRows(), 5);
+
+    // What was selected stays selected, with its id, when the box hides it again, and when its group is gone.
+    app().groupPopUp->selectItemWithTitle("hundred");
+    app().showSystemUsersGroups2->performClick();
+    EXPECT_EQ(app().groupPopUp->itemTitles(), (Names{"staff", "admin", "friends", "hundred"}));
+    nicl({"-create", "/groups/hundred", "gid", "98"});
+    send("updateGroupsList:");
+    EXPECT_EQ(app().groupPopUp->tagOfSelectedItem(), 98);
+    nicl({"-delete", "/groups/hundred"});
+    send("updateGroupsList:");
+    EXPECT_EQ(app().groupPopUp->titleOfSelectedItem(), "hundred");
+    EXPECT_EQ(app().groupPopUp->tagOfSelectedItem(), 98);
+    app().groupPopUp->selectItemAtIndex(-1);
+    send("updateGroupsList:");
+    EXPECT_EQ(app().groupPopUp->indexOfSelectedItem(), -1);
+}
+
+TEST_F(AccountsTest, FieldsAndButtonsFollowTheRowAndTheTypedName) {
+    selectUser("bob");
+    EXPECT_EQ(app().shortName->stringValue() + app().uid->stringValue() + app().fullName->stringValue(),
+              "bob501Bob B");
+    EXPECT_EQ(app().groupPopUp->titleOfSelectedItem(), "staff");
+    EXPECT_EQ(app().addNewUserButton->title(), "Update User");
+    EXPECT_TRUE(app().deleteUserButton->isEnabled() && app().enablePublicSelectedButton->isEnabled());
+    nicl({"-create", "/users/bob", "gid", "4711"});
+    send("refreshPublicList:");
+    send("updateUserTextFields:");
+    EXPECT_EQ(app().groupPopUp->indexOfSelectedItem(), -1);
+    app().userTableView->deselectAll();
+    EXPECT_EQ(app().shortName->stringValue() + app().uid->stringValue() + app().fullName->stringValue(), "");
+    EXPECT_FALSE(app().changePasswordButton->isEnabled());
+    EXPECT_TRUE(app().shortName->proposeEdit("adam", 4, {0, 0}));
+    EXPECT_EQ(app().addNewUserButton->title(), "Update User");
+    EXPECT_TRUE(app().shortName->proposeEdit("low", 3, {0, 4}));
+    EXPECT_EQ(app().addNewUserButton->title(), "Add New User");
+    EXPECT_TRUE(app().groupName->proposeEdit("staff", 5, {0, 0}));
+    EXPECT_EQ(app().createNewGroupButton->title(), "Update Group");
+}
+
+TEST_F(AccountsTest, PublicFoldersAreSharedByIdAndTheServerToldOnce) {
+    host.onListing = [](const std::string& command) {
+        return std::optional<std::string>(command.find("Apple") != std::string::npos ? "210\n" : "");
+    };
+    const auto run = [](const std::string& name, const std::string& value) {
+        return "/usr/bin/nicl . -create /users/" + name + " sharedDir " + value;
+    };
+    send("enableAllPublicShares:");
+    EXPECT_EQ(takeRuns(), (Runs{run("bob", "Public"), run("adam", "Public"), "/bin/kill -1 210"}));
+    send("disableAllPublicShares:");
+    EXPECT_EQ(takeRuns(), (Runs{run("edge", "<no value>"), run("bob", "<no value>"),
+                                run("adam", "<no value>"), "/bin/kill -1 210"}));
+    selectUser("edge");
+    send("enableSelectedPublicShare:");
+    EXPECT_EQ(takeRuns(), (Runs{run("edge", "Public"), "/bin/kill -1 210"}));
+    selectUser("edge");
+    send("updateUserTextFields:");
+    EXPECT_EQ(app().publicSharedPopUp->indexOfSelectedItem(), 0);
+    send("disableSelectedPublicShare:");
+    EXPECT_EQ(takeRuns(), (Runs{run("edge", "<no value>"), "/bin/kill -1 210"}));
+}
+
+TEST_F(AccountsTest, WithoutTheRightNothingIsWrittenAndTheListsAreReadAgain) {
+    host.rightHeld = false;
+    host.administratorAllows = false;
+    addUser("late", "600", "20"); // made elsewhere meanwhile
+    fillUser("F", "new", "601");
+    host.answerAlert("Confirm Add New File Sharing Only User", "Yes");
+    send("addNewUser:");
+    EXPECT_EQ(takeRuns(), Runs{});
+    EXPECT_EQ(NSApp().attachedSheet(), nullptr);
+    EXPECT_GE(app().owner->indexOfItemWithTitle("late"), 0);
+}

@@ -1,0 +1,335 @@
+#include "AppFixture.h"
+
+#include <array>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr const char* plistPath = "Library/Preferences/com.apple.AppleFileServer.plist";
+constexpr const char* restartAFSRun = "/bin/kill -1 210";
+constexpr const char* restartSMBRun = "/bin/kill -1 310";
+
+/// Every setting that the tab shows, in its own type, and some that it does not show.
+constexpr const char* fullSettings = R"(<?xml version="1.0" encoding="UTF-8"?>
+<plist version="1.0"><dict>
+<key>loginGreeting</key><string>Hello &amp; welcome</string>
+<key>sendGreetingOnce</key><true/>
+<key>unknownData</key><data>AAEC</data>
+<key>idleDisconnectOnOff</key><true/>
+<key>idleDisconnectTime</key><integer>10</integer>
+<key>idleDisconnectFlag</key><dict>
+<key>guestUsers</key><true/><key>registeredUsers</key><false/><key>adminUsers</key><true/>
+<key>usersWithOpenFiles</key><false/><key>unknownFlag</key><real>1.5</real></dict>
+<key>activityLog</key><false/>
+<key>activityLogTime</key><integer>7</integer>
+<key>activityLogPath</key><string>/Library/Logs/AppleFileService.log</string>
+<key>loggingAttributes</key><dict>
+<key>logLogin</key><true/><key>logLogout</key><false/><key>logCreateDir</key><true/>
+<key>logCreateFile</key><false/><key>logOpenFork</key><true/><key>logDelete</key><true/></dict>
+<key>maxConnections</key><integer>-1</integer>
+<key>maxGuests</key><integer>5</integer>
+<key>afpTCPPort</key><integer>548</integer>
+<key>adminGetsSp</key><false/>
+<key>guestAccess</key><true/>
+<key>registerNSL</key><true/>
+<key>afpServerEncoding</key><integer>29</integer>
+<key>unknownList</key><array><integer>1</integer><date>2004-01-01T00:00:00Z</date></array>
+</dict></plist>
+)";
+
+class SettingsTest : public AppFixture {
+  protected:
+    SettingsTest() {
+        host.onListing = [](const std::string& command) -> std::optional<std::string> {
+            return command.find("smbd") != std::string::npos ? "310\n" : "210\n";
+        };
+    }
+
+    void startWithSettings(const std::string& plist) {
+        host.write(plistPath, plist);
+        start();
+    }
+
+    void startWithConf(const std::string& bytes) {
+        host.write("etc/smb.conf", bytes);
+        start();
+    }
+
+    /// The text after one press of the SMB page's save button.
+    std::string savedConf() {
+        send("updateSMBProperties:");
+        return host.read("etc/smb.conf");
+    }
+
+    [[nodiscard]] fs::path temporary() const { return host.home() / "AppleFileServer.plist"; }
+
+    std::string copyRun() const { return "/bin/cp " + temporary().string() + " /" + plistPath; }
+
+    /// Both files as this system's property lists, so that only keys, values and types count.
+    static std::string canonical(const std::string& plist) {
+        return NSMutableDictionary::dictionaryWithData(plist).value_or(NSMutableDictionary()).xmlText();
+    }
+
+    NSMutableDictionary saved() const {
+        return NSMutableDictionary::dictionaryWithData(host.read(plistPath)).value_or(NSMutableDictionary());
+    }
+};
+
+using Runs = std::vector<std::string>;
+
+} // namespace
+
+TEST_F(SettingsTest, SavingUnchangedKeepsEveryKeyValueAndType) {
+    startWithSettings(fullSettings);
+    EXPECT_EQ(app().greeting->stringValue(), "Hello & welcome");
+    EXPECT_EQ(app().numConnections->stringValue(), "-1");
+    EXPECT_EQ(app().afpTextEncoding->tagOfSelectedItem(), 29);
+    EXPECT_EQ(app().idleDisconnectUsers->stateAt(0, 2), NSOnState);
+    EXPECT_EQ(app().loggingAttributes2->stateAt(1, 0), NSOffState);
+    EXPECT_TRUE(app().idleDisconnectTime->isEnabled());
+    EXPECT_FALSE(app().logFilePath->isEnabled());
+    send("updateAFSProperties:");
+    EXPECT_EQ(canonical(host.read(plistPath)), canonical(fullSettings));
+    EXPECT_EQ(takeRuns(), (Runs{copyRun(), restartAFSRun}));
+    EXPECT_FALSE(fs::exists(temporary()));
+}
+
+TEST_F(SettingsTest, EveryControlIsSavedUnderItsOwnKey) {
+    startWithSettings(fullSettings);
+    const auto saves = [this](const std::string& from, const std::string& to) {
+        send("updateAFSProperties:");
+        std::string expected = fullSettings;
+        const std::size_t at = expected.find(from);
+        ASSERT_NE(at, std::string::npos) << from;
+        EXPECT_EQ(canonical(host.read(plistPath)), canonical(expected.replace(at, from.size(), to)));
+        send("refreshAFSProperties:"); // shows what was saved last
+    };
+    const std::vector<std::pair<const char*, NSButton*>> boxes{
+        {"sendGreetingOnce", app().greetingOnce},
+        {"idleDisconnectOnOff", app().idleDisconnectEnable},
+        {"guestAccess", app().allowGuestAccess},
+        {"registerNSL", app().useRendezvous}};
+    for (const auto& [key, box] : boxes) {
+        box->performClick();
+        saves("<key>" + std::string(key) + "</key><true/>", "<key>" + std::string(key) + "</key><false/>");
+        box->performClick();
+    }
+
+    struct Cell {
+        const char* key;
+        NSMatrix* matrix;
+        int row, column;
+    };
+
+    for (const Cell& cell : std::vector<Cell>{{"guestUsers", app().idleDisconnectUsers, 0, 0},
+                                              {"adminUsers", app().idleDisconnectUsers, 0, 2},
+                                              {"logLogin", app().loggingAttributes1, 0, 0},
+                                              {"logCreateDir", app().loggingAttributes2, 0, 0},
+                                              {"logOpenFork", app().loggingAttributes3, 0, 0},
+                                              {"logDelete", app().loggingAttributes3, 1, 0}}) {
+        cell.matrix->setStateAt(cell.row, cell.column, NSOffState);
+        saves("<key>" + std::string(cell.key) + "</key><true/>",
+              "<key>" + std::string(cell.key) + "</key><false/>");
+        cell.matrix->setStateAt(cell.row, cell.column, NSOnState);
+    }
+    app().numConnections->setStringValue("12 people");
+    saves("<integer>-1</integer>", "<integer>12</integer>");
+    app().numConnections->setStringValue("-1");
+    app().tcpPort->setStringValue("");
+    saves("<integer>548</integer>", "<integer>0</integer>");
+}
+
+TEST_F(SettingsTest, MissingSettingsShowAsOffAndNothing) {
+    startWithSettings("<plist version=\"1.0\"><dict><key>afpServerEncoding</key><integer>99</integer>"
+                      "<key>activityLog</key><true/></dict></plist>");
+    EXPECT_EQ(app().greeting->stringValue() + "|" + app().tcpPort->stringValue(), "|0");
+    EXPECT_EQ(app().afpTextEncoding->indexOfSelectedItem(), -1);
+    app().loggingAttributes1->setStateAt(0, 0, NSOnState);
+    app().logFilePath->setStringValue("/a.log");
+    app().loggingEnable->performClick();
+    EXPECT_FALSE(app().logFileBrowseButton->isEnabled());
+    send("updateAFSProperties:");
+    EXPECT_EQ(saved().stringForKey("activityLogPath"), "/a.log");
+    EXPECT_FALSE(saved().hasKey("loggingAttributes"));
+    EXPECT_EQ(saved().intForKey("afpServerEncoding"), 0);
+    EXPECT_EQ(takeRuns(), (Runs{copyRun(), restartAFSRun}));
+}
+
+TEST_F(SettingsTest, AFailedSaveSaysWhichStepFailedAndWhatIsLeft) {
+    const std::string address = NSBundle::mainBundle().objectForInfoDictionaryKey("BRSupportAddress");
+    const std::string title = "AppleFileServer.plist Write Unsuccessful";
+    const auto saveFails = [&](const std::string& step) {
+        host.answerAlert(title, "OK");
+        host.alerts.clear();
+        send("updateAFSProperties:");
+        ASSERT_EQ(host.alerts.size(), 1U);
+        EXPECT_EQ(host.alerts[0].message, "The " + step + " operation was unsuccessful.  Please email " +
+                                              address + " with this information.");
+    };
+    startWithSettings(fullSettings);
+    app().greeting->setStringValue("edited");
+
+    host.rightHeld = host.administratorAllows = false;
+    saveFails("AppleFileServer.plist file copy");
+    EXPECT_EQ(takeRuns(), Runs{});
+    EXPECT_FALSE(fs::exists(temporary()));
+    host.rightHeld = host.administratorAllows = true;
+
+    host.onRun = [](const RecordedRun&) { return TestHost::RunAnswer{"cp: no\n", 0}; };
+    saveFails("AppleFileServer.plist file copy");
+    EXPECT_EQ(takeRuns(), Runs{copyRun()});
+    EXPECT_FALSE(fs::exists(temporary()));
+    EXPECT_EQ(host.read(plistPath), fullSettings);
+
+    host.onRun = [this](const RecordedRun& run) {
+        if (run.tool == "/bin/cp") {
+            fs::remove(temporary());
+        }
+        return TestHost::RunAnswer{};
+    };
+    saveFails("old AppleFileServer.plist file removal");
+    EXPECT_EQ(takeRuns(), (Runs{copyRun(), restartAFSRun}));
+
+    fs::create_directories(temporary() / "in the way");
+    saveFails("~/AppleFileServer.plist file write");
+    EXPECT_EQ(takeRuns(), Runs{});
+    send("refreshAFSProperties:");
+    EXPECT_EQ(app().greeting->stringValue(), "edited");
+}
+
+TEST_F(SettingsTest, SettingsThatCouldNotBeReadAreNotReplaced) {
+    start();
+    EXPECT_EQ(app().numConnections->stringValue(), "0");
+    host.answerAlert("AppleFileServer.plist Write Unsuccessful", "OK");
+    send("updateAFSProperties:");
+    EXPECT_EQ(takeRuns(), Runs{});
+    EXPECT_FALSE(fs::exists(temporary()));
+}
+
+TEST_F(SettingsTest, TheLogFileIsChosenBesideTheOneThatIsSet) {
+    startWithSettings(fullSettings);
+    app().loggingEnable->performClick();
+    host.choosePath("/var/log/afp.log");
+    send("selectLogFile:");
+    EXPECT_EQ(app().logFilePath->stringValue(), "/var/log/afp.log");
+    ASSERT_EQ(host.panels.size(), 1U);
+    EXPECT_EQ(host.panels[0].directory + "|" + host.panels[0].file, "/Library/Logs|AppleFileService.log");
+    EXPECT_TRUE(host.panels[0].canChooseFiles && !host.panels[0].canChooseDirectories);
+    host.choosePath(std::nullopt);
+    send("selectLogFile:");
+    EXPECT_EQ(app().logFilePath->stringValue(), "/var/log/afp.log");
+    EXPECT_EQ(takeRuns(), Runs{});
+}
+
+TEST_F(SettingsTest, TheMenusPickTheirPages) {
+    start();
+    for (const auto& [menu, pages] :
+         {std::pair{"afsPropsPage", app().afsPropsTabView}, {"smbPropsPage", app().smbPropsTabView}}) {
+        auto& popUp = control<NSPopUpButton>(menu);
+        ASSERT_EQ(popUp.numberOfItems(), pages->numberOfTabViewItems());
+        popUp.performSelect(popUp.numberOfItems() - 1);
+        EXPECT_EQ(pages->indexOfSelectedTabViewItem(), popUp.numberOfItems() - 1);
+    }
+}
+
+TEST_F(SettingsTest, AnEmptyFileGetsBothSections) {
+    startWithConf("");
+    EXPECT_EQ(app().smbShareHomeDirs->state(), NSOffState);
+    EXPECT_FALSE(app().smbHomeDirsReadOnly->isEnabled());
+    type("smbWorkGroup", "OFFICE");
+    type("smbNetBiosName", "MAC");
+    type("smbVetoFiles", "/*.exe/");
+    type("smbHideFiles", "/Icon/");
+    type("smbServerInfoString", "Files");
+    type("smbMaxConnections", "7");
+    type("smbWINSServer", "10.0.0.1");
+    app().smbHideDotFiles->performClick();
+    EXPECT_EQ(savedConf(),
+              ";[homes]\n;browseable = no\n;read only = no\n\n\n"
+              "[global]\nnetbios name = MAC\nmax connections = 7\nworkgroup = OFFICE\n"
+              "wins server = 10.0.0.1\nserver string = Files\nmap to guest = Bad User\nsecurity = USER\n"
+              "dos charset = CP437\nhide files = /Icon/\nlocal master = no\nveto files = /*.exe/\n"
+              "hide dot files = yes\n\n\n"
+              "\n\n"); // the empty entry of an empty file
+    EXPECT_EQ(takeRuns().back(), restartSMBRun);
+}
+
+TEST_F(SettingsTest, ChangesReachTheFirstPairAndNothingElse) {
+    startWithConf(
+        "# top\n[global]\nworkgroup = ONE\nwins server = old\nlocal master = Yes\nworkgroup = TWO\n"
+        "security = SHARE\ndos charset = CP850\nprinting = bsd\n[homes]\ncomment = Home\nread only = yes\n");
+    EXPECT_EQ(app().smbWorkGroup->stringValue(), "TWO");
+    EXPECT_EQ(app().smbSecurity->indexOfSelectedItem(), 1);
+    EXPECT_EQ(app().smbCodePage->tagOfSelectedItem(), 850);
+    EXPECT_EQ(app().smbWorkGroupMaster->state(), NSOffState) << "only the exact text is a yes";
+    EXPECT_EQ(app().smbHomeDirsReadOnly->state(), NSOnState);
+    app().smbSecurity->performSelect(0);
+    app().smbWINSServer->setStringValue("");
+    app().smbCodePage->performSelect(app().smbCodePage->indexOfItemWithTag(437));
+    EXPECT_EQ(savedConf(),
+              "# top\n\n\n[global]\nworkgroup = TWO\nlocal master = no\nworkgroup = TWO\nsecurity = USER\n"
+              "dos charset = CP437\nprinting = bsd\nmap to guest = Bad User\nhide dot files = no\n\n\n"
+              "[homes]\ncomment = Home\nread only = yes\nbrowseable = no\n\n\n");
+    app().smbSecurity->performSelect(1);
+    EXPECT_NE(
+        savedConf().find("security = SHARE\ndos charset = CP437\nprinting = bsd\nmap to guest = Never\n"),
+        std::string::npos);
+}
+
+TEST_F(SettingsTest, CommentedOutHomesBecomeLiveAndBack) {
+    startWithConf(
+        "[global]\nsecurity = DOMAIN\ndos charset = UTF8\n;[homes]\n;browseable = yes\n; note\n;path = /h\n");
+    EXPECT_EQ(app().smbShareHomeDirs->state(), NSOffState);
+    EXPECT_EQ(app().smbHomeDirsBrowseable->state(), NSOnState);
+    EXPECT_FALSE(app().smbHomeDirsBrowseable->isEnabled());
+    EXPECT_EQ(app().smbSecurity->titleOfSelectedItem(), "DOMAIN");
+    EXPECT_EQ(app().smbSecurity->indexOfSelectedItem(), 2);
+    send("refreshSMBProperties:");
+    EXPECT_EQ(app().smbSecurity->numberOfItems(), 3) << "the item is there already";
+    const std::string global =
+        "[global]\nsecurity = DOMAIN\ndos charset = UTF8\nlocal master = no\nhide dot files = no\n\n\n";
+    app().smbShareHomeDirs->performClick();
+    EXPECT_TRUE(app().smbHomeDirsBrowseable->isEnabled());
+    EXPECT_EQ(savedConf(), global + "[homes]\nbrowseable = yes\npath = /h\nread only = no\n; note\n\n\n");
+    app().smbShareHomeDirs->performClick();
+    EXPECT_FALSE(app().smbHomeDirsBrowseable->isEnabled());
+    EXPECT_EQ(savedConf(), global + ";[homes]\n;browseable = yes\n;path = /h\n;read only = no\n; note\n\n\n");
+}
+
+TEST_F(SettingsTest, AFailedSMBWriteIsShownAndTheServerRestartedAllTheSame) {
+    startWithConf("[global]\nworkgroup = A\n");
+    const auto copyFails = [](const RecordedRun& run) {
+        return TestHost::RunAnswer{run.tool == "/bin/cp" ? "cp: no\n" : "", 0};
+    };
+    const std::string address = NSBundle::mainBundle().objectForInfoDictionaryKey("BRSupportAddress");
+    host.onRun = copyFails;
+    type("smbWorkGroup", "B");
+    host.answerAlert("smb.conf Write Unsuccessful", "OK");
+    EXPECT_EQ(savedConf(), "[global]\nworkgroup = A\n");
+    EXPECT_EQ(host.alerts.back().message,
+              "The smb.conf file copy operation was unsuccessful.  Please email " + address +
+                  " with this information.");
+    EXPECT_EQ(takeRuns().back(), restartSMBRun);
+
+    fs::remove(host.home() / "smb_test.conf");
+    fs::create_directories(host.home() / "smb_test.conf" / "in the way");
+    host.answerAlert("smb.conf Write Unsuccessful", "OK");
+    send("updateSMBProperties:");
+    EXPECT_EQ(host.alerts.back().message,
+              "The ~/smb.conf file write operation was unsuccessful.  Please email " + address +
+                  " with this information.");
+    EXPECT_EQ(takeRuns(), Runs{restartSMBRun});
+
+    fs::remove_all(host.home() / "smb_test.conf");
+    host.onRun = [this](const RecordedRun& run) { return carryOut(run); };
+    EXPECT_NE(savedConf().find("workgroup = B\n"), std::string::npos);
+}
+
+TEST_F(SettingsTest, AValueThatNamesNoCodePageStopsTheFillingAndNotTheStart) {
+    startWithConf("[global]\nworkgroup = A\ndos charset = 8\nserver string = late\n");
+    EXPECT_EQ(app().smbWorkGroup->stringValue(), "A");
+    EXPECT_EQ(app().smbServerInfoString->stringValue(), "");
+    ASSERT_FALSE(host.log.empty());
+    EXPECT_NE(host.log.back().find("smb.conf file located in the /etc/ directory"), std::string::npos);
+}
