@@ -240,14 +240,20 @@ class RecordingPresenter : public platform::Presenter {
     }
 
     [[nodiscard]] std::optional<platform::AdministratorAnswer>
-    runAdministratorDialog(const platform::AdministratorRequest&) override {
+    runAdministratorDialog(const platform::AdministratorRequest& request) override {
         ++state_.seen.administratorDialogs;
+        state_.seen.administratorRequests.push_back(request);
         if (!state_.seen.administratorAllows) {
             state_.happened("administrator refuse");
             return std::nullopt;
         }
         state_.happened("administrator allow");
-        return platform::AdministratorAnswer{};
+        platform::AdministratorAnswer answer;
+        if (!state_.seen.passwords.empty()) {
+            answer.password = state_.seen.passwords.front();
+            state_.seen.passwords.pop_front();
+        }
+        return answer;
     }
 
     void beep() override {
@@ -282,9 +288,11 @@ class RecordingPresenter : public platform::Presenter {
 
     void applicationDidTerminate() override { state_.happened("terminate"); }
 
-    void toolWillRun(const std::string&, std::span<const std::string>) override {}
+    void toolWillRun(const std::string& tool, std::span<const std::string> arguments) override {
+        state_.seen.shownRuns.push_back(RecordedRun{tool, {arguments.begin(), arguments.end()}}.text());
+    }
 
-    void toolDidWrite(std::string_view) override {}
+    void toolDidWrite(std::string_view output) override { state_.seen.shownOutputs.emplace_back(output); }
 
   private:
     State& state_;

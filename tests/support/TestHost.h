@@ -52,6 +52,7 @@ class TestHost {
     void choosePath(std::optional<std::string> path); ///< for the next open panel; none cancels
     void allowUnaskedAlerts();                        ///< they are answered by their default button
     bool administratorAllows = true;
+    std::deque<std::string> passwords; ///< for the administrator dialogs, in order; none left: ""
 
     // The authority.
     bool rightHeld = true; ///< what the silent test answers
@@ -79,6 +80,10 @@ class TestHost {
         events; ///< all of the above and beeps, as short lines: "beep", "log ...", "run ...", "alert TITLE"
     int beeps = 0;
     int administratorDialogs = 0;
+    std::vector<platform::AdministratorRequest>
+        administratorRequests;             ///< of the dialogs that the presenter showed
+    std::vector<std::string> shownRuns;    ///< what the presenter was told of runs: "TOOL ARGUMENT ARGUMENT"
+    std::vector<std::string> shownOutputs; ///< and of their outputs
     platform::Interface* loadedInterface = nullptr; ///< of the interface file that was loaded last
 
     double now = 0; ///< the clock
