@@ -1,0 +1,309 @@
+#include "AppFixture.h"
+#include "LoopbackServer.h"
+#include "NSNotificationCenter.h"
+#include "NiutilTask.h"
+
+#include <algorithm>
+#include <limits>
+
+namespace {
+
+using Texts = std::vector<std::string>;
+
+const std::string counterKey = "BrindleDonationReminder";
+
+class Launch : public AppFixture {
+  protected:
+    using AppFixture::AppFixture;
+
+    [[nodiscard]] static std::string infoText(const std::string& key) {
+        return NSBundle::mainBundle().objectForInfoDictionaryKey(key);
+    }
+
+    [[nodiscard]] static std::optional<std::int32_t> launchCounter() {
+        return NSUserDefaults::standardUserDefaults().integerForKey(counterKey);
+    }
+
+    bool isLogged(const std::string& text) {
+        return std::ranges::any_of(
+            host.log, [&text](const std::string& line) { return line.find(text) != std::string::npos; });
+    }
+
+    /// What the lock shows: the image's name and the label.
+    std::string lock() { return control<NSButton>("lockButton").image()->name() + " " + text("authLabel"); }
+};
+
+TEST_F(Launch, FindsEveryOutletAndActionConnected) {
+    load();
+    EXPECT_EQ(interface->unconnected(), Texts{});
+}
+
+TEST_F(Launch, ShowsTheVersionAndAnEmptyEditor) {
+    start();
+    EXPECT_EQ(text("version"), infoText("CFBundleVersion"));
+    EXPECT_EQ(control<NSButton>("createNewShare").title(), "Create New Share");
+    EXPECT_TRUE(host.alerts.empty());
+    EXPECT_FALSE(isLogged("a bug has occured"));
+}
+
+class LaunchOnAnOldSystem : public Launch {
+  protected:
+    LaunchOnAnOldSystem() : Launch({.strings = {}, .realResources = true, .systemVersion = 0x1039}) {}
+
+    void launchAnd(const std::string& button) {
+        host.answerAlert("Incorrect Mac OS X Version", button);
+        load();
+        NSApp().finishLaunching();
+    }
+};
+
+TEST_F(LaunchOnAnOldSystem, OpensTheWebPageWhenAskedToAndEnds) {
+    launchAnd("Go to Webpage and Quit Brindle");
+    EXPECT_EQ(host.events,
+              (Texts{"alert Incorrect Mac OS X Version", "open " + infoText("BRHomePage"), "terminate"}));
+    EXPECT_EQ(host.alerts.front().message,
+              "Version " + infoText("CFBundleVersion") +
+                  " of Brindle is only compatible with Mac OS X 10.4 and later.  Please visit " +
+                  infoText("BRHomePage") +
+                  " to download a version of Brindle compatible with your version of Mac OS X.");
+}
+
+TEST_F(LaunchOnAnOldSystem, EndsBeforeAnyOtherStep) {
+    launchAnd("Quit Brindle");
+    EXPECT_EQ(host.events, (Texts{"alert Incorrect Mac OS X Version", "terminate"}));
+    EXPECT_EQ(launchCounter(), std::nullopt);
+}
+
+class LaunchOnAnUnknownSystem : public Launch {
+  protected:
+    LaunchOnAnUnknownSystem()
+        : Launch({.strings = {}, .realResources = true, .systemVersion = std::nullopt}) {}
+};
+
+TEST_F(LaunchOnAnUnknownSystem, IsALaunchLikeAnyOther) {
+    start();
+    EXPECT_TRUE(host.alerts.empty());
+}
+
+TEST_F(Launch, TheLockFollowsTheAuthorizationUntilTheEnd) {
+    start();
+    EXPECT_EQ(lock(), "unlock Click to disallow changes") << "a right that is still held is found at once";
+    send("toggleAuthorization:");
+    EXPECT_EQ(lock(), "lock Click to allow changes");
+    EXPECT_EQ(host.administratorDialogs, 0);
+    host.administratorAllows = false;
+    send("toggleAuthorization:");
+    EXPECT_EQ(lock(), "lock Click to allow changes");
+    host.administratorAllows = true;
+    NiutilTask::sharedInstance().authenticate();
+    EXPECT_EQ(lock(), "unlock Click to disallow changes") << "whoever asked";
+
+    control<NSWindow>("mainWindow").close();
+    EXPECT_TRUE(NSApp().isTerminated());
+    EXPECT_FALSE(host.rightHeld);
+    EXPECT_EQ(lock(), "unlock Click to disallow changes") << "nobody looks at the lock any more";
+}
+
+TEST_F(Launch, AStepThatFailsIsLoggedAndTheOthersGoOn) {
+    addUser("alice", "501");
+    host.write("etc/smb.conf", "[global]\nworkgroup = OFFICE\n[Docs]\npath = /shares/docs\n");
+    host.write("Library/Preferences/com.apple.AppleFileServer.plist",
+               "<plist version=\"1.0\"><dict><key>TCPPort</key><integer>548</integer></dict></plist>");
+    load();
+    const auto fail = [] { throw std::out_of_range("unexpected text"); };
+    const platform::Connection port = control<NSTextField>("tcpPort").changed.connect(fail);
+    const platform::Connection workGroup = control<NSTextField>("smbWorkGroup").changed.connect(fail);
+    host.answerAlert("Donation", "Cancel");
+    NSApp().finishLaunching();
+    const std::string run = "If you are seeing this message a bug has occured.  Please ";
+    EXPECT_EQ(host.log,
+              (Texts{run + "run the following command in the terminal and email the results to " +
+                         infoText("BRSupportAddress") + ".\nniutil -read . /config/AppleFileServer",
+                     run + "email a copy of your smb.conf file located in the /etc/ directory to " +
+                         infoText("BRSupportAddress") + " along with a description of the error."}));
+    EXPECT_EQ(columnOf("normalTableView", "ShareName"), Texts{"Docs"});
+    EXPECT_EQ(columnOf("userTableView", "User"), Texts{"alice"});
+    EXPECT_EQ(launchCounter(), 1) << "the last step ran";
+}
+
+TEST_F(Launch, AHandWrittenConfigurationIsWarnedAboutLineByLine) {
+    host.write("etc/smb.conf", "stray = 1\n[Docs]\npath = /shares/docs\ncomment = a \\\n  b = c\nnovalue\n");
+    start();
+    const std::string notice = text("smbConfNotice");
+    for (const char* line : {"line 1 stands outside a section", "line 4 ends in a backslash",
+                             "line 6 has no name or no value"}) {
+        EXPECT_NE(notice.find(line), std::string::npos) << notice;
+    }
+    EXPECT_TRUE(host.alerts.empty());
+
+    std::string many = "[Docs]\n";
+    for (int line = 0; line < 100; ++line) {
+        many += "novalue\n";
+    }
+    host.write("etc/smb.conf", many);
+    load();
+    controller->applicationDidFinishLaunching();
+    EXPECT_NE(text("smbConfNotice").find(", and 88 more"), std::string::npos) << text("smbConfNotice");
+
+    host.write("etc/smb.conf", "# all is well\n[Docs]\npath = /shares/docs\n");
+    load();
+    controller->applicationDidFinishLaunching();
+    EXPECT_EQ(text("smbConfNotice"), "");
+}
+
+TEST_F(Launch, TheDrawerStaysClosedOnceAnotherPageWasShown) {
+    start();
+    auto& drawer = control<NSDrawer>("drawer");
+    auto& pages = control<NSTabView>("mainTabView");
+    addShare("Docs", "/shares/docs");
+    send("refreshNormalList:");
+    control<NSTextField>("shareName").setStringValue("Docs");
+    send("toggleDrawer:");
+    EXPECT_TRUE(drawer.isOpen());
+    EXPECT_EQ(control<NSButton>("createNewShare").title(), "Update Share")
+        << "opening looks at the name again";
+    pages.selectTabViewItemAtIndex(3);
+    EXPECT_FALSE(drawer.isOpen());
+    pages.selectTabViewItemAtIndex(0);
+    EXPECT_FALSE(drawer.isOpen());
+}
+
+TEST_F(Launch, AKeyThatAFieldRefusesBeepsAndChangesNothing) {
+    start();
+    for (const char* name :
+         {"uid", "gid", "tcpPort", "idleDisconnectTime", "smbNetBiosName", "smbWorkGroup"}) {
+        SCOPED_TRACE(name);
+        auto& field = control<NSTextField>(name);
+        field.setStringValue("12");
+        field.setEnabled(true);
+        host.events.clear();
+        const bool isName = std::string_view(name).starts_with("smb");
+        EXPECT_FALSE(field.proposeEdit(isName ? "12 " : "12a", 3, {2, 0}));
+        EXPECT_EQ(field.stringValue(), "12");
+        EXPECT_EQ(std::ranges::count(host.events, "beep"), isName ? 2 : 1);
+    }
+}
+
+TEST_F(Launch, ADonationIsAskedForAtTheFirstLaunchAndOnceMore) {
+    const auto launchAgain = [this] {
+        host.alerts.clear();
+        load();
+        controller->applicationDidFinishLaunching();
+    };
+    for (int launch = 1; launch <= 12; ++launch) {
+        SCOPED_TRACE(launch);
+        const bool asks = launch == 1 || launch == 11;
+        if (asks) {
+            host.answerAlert("Donation", launch == 1 ? "Make Donation via Paypal" : "Make Donation via Kagi");
+        }
+        launchAgain();
+        EXPECT_EQ(host.alerts.size(), asks ? 1U : 0U);
+        if (launch == 11) {
+            EXPECT_NE(host.alerts.at(0).message.find("10th time"), std::string::npos);
+        }
+        EXPECT_EQ(launchCounter(), std::min(launch, 11));
+    }
+    EXPECT_EQ(host.opened, (Texts{infoText("BRDonationAddress"), infoText("BRStoreAddress")}));
+
+    const std::int32_t least = std::numeric_limits<std::int32_t>::min();
+    for (const auto& [before, after] : {std::pair(0, 0), {-3, -2}, {-1, 0}, {12, 12}, {least, least + 1}}) {
+        NSUserDefaults::standardUserDefaults().setInteger(before, counterKey);
+        launchAgain();
+        EXPECT_EQ(launchCounter(), after) << before;
+        EXPECT_TRUE(host.alerts.empty());
+    }
+}
+
+TEST_F(Launch, LinksOpenTheirAddresses) {
+    start();
+    for (const char* link : {"goToWebpage:", "sendDonation:", "sendDonationKagi:", "sendFeedback:"}) {
+        send(link);
+    }
+    EXPECT_EQ(host.opened,
+              (Texts{infoText("BRHomePage"), infoText("BRDonationAddress"), infoText("BRStoreAddress"),
+                     "mailto:" + infoText("BRSupportAddress") + "?subject=Brindle"}));
+    EXPECT_TRUE(infoText("BRDonationAddress").ends_with("&no_shipping=1&item_name=Brindle"));
+    EXPECT_TRUE(infoText("BRStoreAddress").ends_with("&lang=en"));
+}
+
+TEST_F(Launch, TheMenusReachTheServersAndTheAboutPanel) {
+    host.onListing = [](const std::string& command) -> std::optional<std::string> {
+        return command.find("smbd") != std::string::npos ? "310\n" : "210\n";
+    };
+    start();
+    send("restartSMB:");
+    send("restartAFS:");
+    EXPECT_EQ(host.runTexts(), (Texts{"/bin/kill -1 310", "/bin/kill -1 210"}));
+    send("showAboutBox:");
+    EXPECT_NE(host.loadedInterface->find("aboutWindow"), nullptr);
+}
+
+/// Brindle 2.0, whose version list is on a server of the test's own.
+class VersionCheck : public Launch {
+  protected:
+    VersionCheck() : Launch({.strings = {{"OK", "OK"}}}) {}
+
+    void startWithListAt(const std::string& address) {
+        std::filesystem::remove(host.root() / "resources/Info.plist"); // a link to the project's own
+        host.write(
+            "resources/Info.plist",
+            "<plist version=\"1.0\"><dict><key>CFBundleVersion</key><string>2.0</string>"
+            "<key>BRHomePage</key><string>http://home.example/</string><key>BRVersionList</key><string>" +
+                address + "</string></dict></plist>");
+        start();
+    }
+
+    /// The one alert that an answer of the server's leads to.
+    platform::Alert alertFor(const std::string& answer, const std::string& title, const std::string& button) {
+        const LoopbackServer server(answer);
+        startWithListAt(server.address());
+        host.answerAlert(title, button);
+        send("checkForNewVersion:");
+        EXPECT_EQ(host.alerts.size(), 1U);
+        return host.alerts.at(0);
+    }
+
+    static std::string listOf(const std::string& version) {
+        return response("200 OK", "<plist version=\"1.0\"><dict><key>Other</key><string>7</string>"
+                                  "<key>Brindle</key><string>" +
+                                      version + "</string></dict></plist>");
+    }
+};
+
+TEST_F(VersionCheck, OfTheRunningVersionSaysThatItIsTheMostRecent) {
+    EXPECT_EQ(alertFor(listOf("2.0"), "Your Software is up-to-date", "OK").message,
+              "You have the most recent version of Brindle.");
+    EXPECT_TRUE(host.opened.empty());
+}
+
+TEST_F(VersionCheck, OfAnyOtherVersionOffersIt) {
+    EXPECT_EQ(
+        alertFor(listOf("1.9"), "A New Version is Available", "OK").message,
+        "A new version of Brindle is available (version 1.9). Would you like to download the new version "
+        "now?");
+    EXPECT_EQ(host.opened, Texts{"http://home.example/"});
+}
+
+TEST_F(VersionCheck, OpensNothingWhenTheOfferIsDeclined) {
+    static_cast<void>(alertFor(listOf("2.0.0"), "A New Version is Available", "Cancel"));
+    EXPECT_TRUE(host.opened.empty());
+}
+
+TEST_F(VersionCheck, ThatCannotBeMadeSaysWhy) {
+    const auto alert = alertFor(response("404 Not Found", ""), "Version Not Checked", "OK");
+    EXPECT_NE(alert.message.find("status 404"), std::string::npos) << alert.message;
+    EXPECT_FALSE(alert.alternateButton || alert.otherButton);
+}
+
+TEST_F(VersionCheck, OfADocumentThatIsNoListSaysSo) {
+    const auto alert = alertFor(response("200 OK", "<html>100% wrong</html>"), "Version Not Checked", "OK");
+    EXPECT_NE(alert.message.find("is not a version list"), std::string::npos) << alert.message;
+}
+
+TEST_F(VersionCheck, OfAListWithoutBrindleSaysSo) {
+    const auto alert =
+        alertFor(response("200 OK", "<plist version=\"1.0\"><dict/></plist>"), "Version Not Checked", "OK");
+    EXPECT_NE(alert.message.find("does not name Brindle"), std::string::npos) << alert.message;
+}
+
+} // namespace
