@@ -5,6 +5,10 @@ add_library(brindle_options INTERFACE)
 target_compile_options(brindle_options INTERFACE
     -Wall -Wextra -Wpedantic -Wshadow -Wconversion
     $<$<BOOL:${BRINDLE_WERROR}>:-Werror>)
+# An optimizing GCC 12 reports plain text concatenation here (its bug 105651).
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
+    target_compile_options(brindle_options INTERFACE -Wno-restrict)
+endif()
 if(BRINDLE_SANITIZE)
     target_compile_options(brindle_options INTERFACE -fsanitize=${BRINDLE_SANITIZE} -fno-omit-frame-pointer
         -fno-sanitize-recover=all)
