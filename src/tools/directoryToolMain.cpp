@@ -5,6 +5,7 @@
 #include "LocalDomain.h"
 
 #include <cstdio>
+#include <cstring>
 #include <optional>
 #include <stdexcept>
 #include <string_view>
@@ -99,6 +100,11 @@ Options readOptions(const Tool& tool, std::span<char*> words) {
     return options;
 }
 
+void wipePassword(std::string& copy, char* word) {
+    ::explicit_bzero(copy.data(), copy.size());
+    ::explicit_bzero(word, std::strlen(word));
+}
+
 ToolResult run(std::string_view tool, const std::string& rootFolder, std::span<const std::string> arguments) {
     const DirectoryPlace place = DirectoryPlace::ofRoot(rootFolder);
     platform::EmbeddedRoot(rootFolder).makeIfMissing();
@@ -128,8 +134,11 @@ int directoryToolMain(const char* tool, int argc, char** argv) {
     }
     ToolResult result;
     try {
-        const std::vector<std::string> arguments(options.words.begin(), options.words.end());
+        std::vector<std::string> arguments(options.words.begin(), options.words.end());
         result = run(found->name, options.root, arguments);
+        if (found->name == "dscl" && !arguments.empty()) {
+            wipePassword(arguments.back(), options.words.back());
+        }
     } catch (const std::runtime_error& error) {
         result = {std::string(tool) + ": " + error.what() + "\n", 1};
     }

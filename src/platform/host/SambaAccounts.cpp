@@ -1,9 +1,9 @@
 #include "SambaAccounts.h"
 
 #include "AccountLists.h"
+#include "CapturedRun.h"
 #include "NSFileManager.h"
 #include "Store.h"
-#include "Subprocess.h"
 
 #include <array>
 #include <cerrno>
@@ -82,16 +82,16 @@ std::string lastLine(const std::string& text) {
 
 /// The options come after the configuration and hold whatever it says: where it cannot be read, Samba goes on
 /// with the computer's own settings, and would change the computer's own password database.
-Subprocess runDatabaseProgram(const std::string& program, const SambaAccounts& accounts,
-                              const std::string& folder, const std::vector<std::string>& operation,
-                              std::string_view input) {
+CapturedRun runDatabaseProgram(const std::string& program, const SambaAccounts& accounts,
+                               const std::string& folder, const std::vector<std::string>& operation,
+                               std::string_view input) {
     std::vector<std::string> arguments{program, "-s", folder + "/accounts.conf"};
     for (const auto& [setting, name] : folders) {
         arguments.push_back(std::string("--option=") + setting + "=" + folder + "/" + name);
     }
     arguments.push_back("--option=passdb backend=tdbsam:" + folder + "/private/passdb.tdb");
     arguments.insert(arguments.end(), operation.begin(), operation.end());
-    return runSubprocess(
+    return runCaptured(
         std::move(arguments),
         {"PATH=/usr/sbin:/usr/bin:/sbin:/bin", "LC_ALL=C", "LD_PRELOAD=" + SambaAccounts::wrapperLibrary(),
          "NSS_WRAPPER_PASSWD=" + accounts.passwdFile(), "NSS_WRAPPER_GROUP=" + accounts.groupFile()},
@@ -221,7 +221,7 @@ std::string SambaAccounts::setPassword(Store& store, const std::string& user,
     std::string input;
     input.reserve(2 * password.size() + 2); // so that no copy of it is left behind by growing
     input.append(password).append("\n").append(password).append("\n");
-    const Subprocess run =
+    const CapturedRun run =
         runDatabaseProgram(program, *this, root_.sambaFolder(), {"-t", "-a", "--user=" + user}, input);
     ::explicit_bzero(input.data(), input.size());
     if (!run.started || run.status != 0) {
@@ -240,7 +240,7 @@ std::string SambaAccounts::removeUser(const std::string& user) const {
     if (std::string missing = missingPart(program); !missing.empty()) {
         return missing;
     }
-    const Subprocess run =
+    const CapturedRun run =
         runDatabaseProgram(program, *this, root_.sambaFolder(), {"-x", "--user=" + user}, {});
     const bool wasMissing = run.output.find("does not exist in the passdb") != std::string::npos;
     if (!run.started || (run.status != 0 && !wasMissing)) {

@@ -7,7 +7,7 @@
 namespace platform {
 
 /// How a program ended that was run to its end.
-struct Subprocess {
+struct CapturedRun {
     bool started = false;
     int status = 0;     ///< its exit status; 128 plus the signal that killed it
     std::string output; ///< what it wrote to its standard output and error
@@ -15,7 +15,7 @@ struct Subprocess {
 
 /// Runs `arguments` (the first is the program's path) with exactly `environment` and waits for its end.
 /// `input`, which must fit a pipe (64 KiB), is all that its standard input holds.
-[[nodiscard]] Subprocess runSubprocess(std::vector<std::string> arguments,
-                                       std::vector<std::string> environment, std::string_view input);
+[[nodiscard]] CapturedRun runCaptured(std::vector<std::string> arguments,
+                                      std::vector<std::string> environment, std::string_view input);
 
 } // namespace platform

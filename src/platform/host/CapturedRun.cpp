@@ -1,4 +1,4 @@
-#include "Subprocess.h"
+#include "CapturedRun.h"
 
 #include <array>
 #include <cerrno>
@@ -76,8 +76,8 @@ int collect(pid_t process) {
 
 } // namespace
 
-Subprocess runSubprocess(std::vector<std::string> arguments, std::vector<std::string> environment,
-                         std::string_view input) {
+CapturedRun runCaptured(std::vector<std::string> arguments, std::vector<std::string> environment,
+                        std::string_view input) {
     Pipe in;
     Pipe out;
     if (!in.valid() || !out.valid() ||
@@ -98,7 +98,7 @@ Subprocess runSubprocess(std::vector<std::string> arguments, std::vector<std::st
         return {};
     }
     out.closeEnd(1);
-    Subprocess answer;
+    CapturedRun answer;
     answer.started = true;
     answer.output = readAll(out.readEnd());
     answer.status = collect(process);

@@ -1,0 +1,54 @@
+#include "DirectoryFixture.h"
+#include "ni_report.h"
+
+namespace {
+
+using Texts = std::vector<std::string>;
+
+Texts report(const std::string& path, const Texts& properties) {
+    Texts lines;
+    ni_report_local(path, properties, lines);
+    return lines;
+}
+
+} // namespace
+
+class Report : public DirectoryFixture {};
+
+TEST_F(Report, HasALineARecordInTheDirectorysOrderAndAFieldAProperty) {
+    nicl({"-create", "/groups/staff"});
+    nicl({"-create", "/groups/staff", "gid", "20"});
+    nicl({"-create", "/groups/staff", "users", "bob", "alice"});
+    nicl({"-create", "/groups/empty"});
+    nicl({"-create", "/groups/empty", "users"});
+    nicl({"-create", "/groups/empty", "gid", ""});
+    nicl({"-create", "/groups/bytes"});
+    nicl({"-create", "/groups/bytes", "gid", "\xff\xfe"});
+    EXPECT_EQ(
+        report("/groups", {"gid", "name", "users"}),
+        (Texts{"20\tstaff\tbob,alice\t\n", "\tempty\t#NoValue#\t\n", "\xff\xfe\tbytes\t#NoValue#\t\n"}));
+    EXPECT_EQ(report("/groups", {"Name", "name", "name"}).front(), "#NoValue#\tstaff\tstaff\t\n");
+    EXPECT_EQ(report("/groups", {}), (Texts{"\n", "\n", "\n"}));
+    EXPECT_TRUE(host.log.empty());
+}
+
+TEST_F(Report, IsEmptyAndLoggedWhenTheDirectoryOrThePathIsMissing) {
+    Texts lines;
+    EXPECT_NE(ni_report_local("/nowhere", Texts{"name"}, lines), 0);
+    std::filesystem::remove(host.storeFile());
+    EXPECT_NE(ni_report_local("/users", Texts{"name"}, lines), 0);
+    EXPECT_TRUE(lines.empty());
+    EXPECT_EQ(host.log, (Texts{"Error opening /nowhere", "Can't connect to local NetInfo server\n"}));
+}
+
+TEST_F(Report, GoesOnPastWhatCannotBeReadAndLogsIt) {
+    ni_domain* domain = nullptr;
+    ASSERT_EQ(ni_open(nullptr, ".", &domain), 0);
+    Texts lines;
+    EXPECT_EQ(ni_report(domain, {4711, 0}, Texts{"name"}, lines), 0);
+    EXPECT_TRUE(lines.empty());
+    EXPECT_EQ(ni_report_dir(domain, {4711, 0}, Texts{"name", "uid"}, lines), 0);
+    EXPECT_EQ(lines, (Texts{"#NoValue#\t#NoValue#\t\n"}));
+    EXPECT_EQ(host.log, (Texts{"ni_children: No such record\n", "ni_listprops: No such record\n"}));
+    ni_free(domain);
+}

@@ -1,0 +1,174 @@
+#include "DirectoryFixture.h"
+#include "ni.h"
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <memory>
+
+#include <csignal>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace fs = std::filesystem;
+using platform::Store;
+
+namespace {
+
+struct CloseDomain {
+    void operator()(ni_domain* domain) const { ni_free(domain); }
+};
+
+using Domain = std::unique_ptr<ni_domain, CloseDomain>;
+
+Domain openLocal() {
+    ni_domain* domain = nullptr;
+    EXPECT_EQ(ni_open(nullptr, ".", &domain), NI_OK);
+    return Domain(domain);
+}
+
+std::vector<std::string> texts(const ni_namelist& list) {
+    return {list.ninl_val.begin(), list.ninl_val.end()};
+}
+
+ni_status search(ni_domain* domain, const char* path, ni_id* id) {
+    const ni_status status = ni_root(domain, id);
+    return status == NI_OK ? ni_pathsearch(domain, id, path) : status;
+}
+
+std::string bytes(const fs::path& file) {
+    std::ifstream in(file, std::ios::binary);
+    return {std::istreambuf_iterator<char>(in), {}};
+}
+
+/// So many records that SQLite writes some of them to the file before the commit.
+void addTooManyForMemory(Store& store) {
+    const Store::Record users = store.child(Store::root, "users").value();
+    for (int index = 0; index < 12000; ++index) {
+        const auto record = store.addRecord(users, "user" + std::to_string(index));
+        const std::string longValue(200, 'x');
+        store.setValues(record, "realname", std::span(&longValue, 1));
+    }
+}
+
+/// A writer that is killed when its changes are half in the file.
+void killWriter(const fs::path& file) {
+    const pid_t child = fork();
+    if (child == 0) {
+        Store store(file);
+        addTooManyForMemory(store);
+        raise(SIGKILL);
+    }
+    int status = 0;
+    waitpid(child, &status, 0);
+    ASSERT_TRUE(WIFSIGNALED(status));
+}
+
+std::size_t countUsers() {
+    const Domain domain = openLocal();
+    ni_id id;
+    ni_idlist children;
+    EXPECT_EQ(search(domain.get(), "/users", &id), NI_OK);
+    EXPECT_EQ(ni_children(domain.get(), &id, &children), NI_OK);
+    return children.niil_val.size();
+}
+
+} // namespace
+
+class Directory : public DirectoryFixture {};
+
+TEST_F(Directory, ListsRecordsPropertiesAndValuesInTheOrderInWhichTheyWereMade) {
+    nicl({"-create", "/users/zoe"});
+    nicl({"-create", "/users/adam"});
+    nicl({"-create", "/users/zoe", "uid", "501"});
+    nicl({"-create", "/users/zoe", "mail", "b", "a", ""});
+    nicl({"-create", "/users/zoe", "hint"});
+    nicl({"-create", "/users/zoe", "uid", "502"});
+
+    const Domain domain = openLocal();
+    ni_id id;
+    ni_idlist children;
+    ASSERT_EQ(search(domain.get(), "/users", &id), NI_OK);
+    ASSERT_EQ(ni_children(domain.get(), &id, &children), NI_OK);
+    ASSERT_EQ(children.niil_val.size(), 2U);
+    ni_id zoe{children.niil_val[0], 0};
+    ni_namelist names;
+    ASSERT_EQ(ni_listprops(domain.get(), &zoe, &names), NI_OK);
+    EXPECT_EQ(texts(names), (std::vector<std::string>{"name", "uid", "mail", "hint"}));
+    ni_namelist mail;
+    ASSERT_EQ(ni_lookupprop(domain.get(), &zoe, "mail", &mail), NI_OK);
+    EXPECT_EQ(texts(mail), (std::vector<std::string>{"b", "a", ""}));
+    ni_namelist hint;
+    EXPECT_EQ(ni_lookupprop(domain.get(), &zoe, "hint", &hint), NI_OK);
+    EXPECT_TRUE(hint.ninl_val.empty());
+    ni_idlist found;
+    EXPECT_EQ(ni_lookup(domain.get(), &id, "mail", "a", &found), NI_OK);
+    EXPECT_EQ(found.niil_val, (std::vector<std::uint32_t>{zoe.nii_object}));
+}
+
+TEST_F(Directory, SaysWhichKindOfThingIsMissing) {
+    const Domain domain = openLocal();
+    ni_id id;
+    EXPECT_EQ(search(domain.get(), "/users/nobody", &id), NI_NODIR);
+    EXPECT_EQ(id.nii_object, 0U);
+    ni_id missing{4711, 0};
+    ni_idlist children;
+    ni_namelist names;
+    EXPECT_EQ(ni_children(domain.get(), &missing, &children), NI_BADID);
+    EXPECT_EQ(ni_listprops(domain.get(), &missing, &names), NI_BADID);
+    EXPECT_EQ(ni_lookupprop(domain.get(), &id, "mail", &names), NI_NOPROP);
+
+    host.write("text.db", "This is a letter and no directory, however long it may be.");
+    for (const char* file : {"text.db", "missing.db"}) {
+        ni_domain* other = nullptr;
+        ni_status status = ni_openfile(host.root() / file, &other);
+        const Domain closes(other);
+        status = status == NI_OK ? ni_root(other, &id) : status;
+        EXPECT_EQ(status, NI_CANTOPEN) << file;
+    }
+    EXPECT_FALSE(fs::exists(host.root() / "missing.db"));
+}
+
+TEST_F(Directory, IsReadWhereNothingMayBeWrittenAndHoldsWhatWasThereBeforeAWriterWasKilled) {
+    nicl({"-create", "/users/ada"});
+    killWriter(host.storeFile());
+    const fs::path journal = host.storeFile().string() + "-journal";
+    ASSERT_TRUE(fs::exists(journal)) << "the writer wrote nothing before it was killed";
+    const std::string before = bytes(host.storeFile());
+    EXPECT_EQ(countUsers(), 1U);
+
+    // As a user who may only read, in a process of its own because the tests may run as root.
+    fs::permissions(host.root(), fs::perms(0555));
+    for (const auto& file : {host.storeFile(), journal}) {
+        fs::permissions(file, fs::perms(0444));
+    }
+    const pid_t child = fork();
+    if (child == 0) {
+        const bool isPlain = geteuid() != 0 || setuid(65534) == 0;
+        _exit(isPlain && countUsers() == 1 ? 0 : 1);
+    }
+    int status = -1;
+    waitpid(child, &status, 0);
+    EXPECT_EQ(status, 0);
+    EXPECT_EQ(bytes(host.storeFile()), before) << "reading wrote to the store";
+    EXPECT_TRUE(fs::exists(journal)) << "reading took the journal away";
+
+    fs::permissions(host.root(), fs::perms(0755));
+    for (const auto& file : {host.storeFile(), journal}) {
+        fs::permissions(file, fs::perms(0644));
+    }
+    EXPECT_EQ(nicl({"-create", "/users/grace"}), "");
+    EXPECT_EQ(countUsers(), 2U);
+}
+
+TEST_F(Directory, FailsInsteadOfWaitingForEverWhileAWriterHoldsTheStore) {
+    Store store(host.storeFile());
+    addTooManyForMemory(store);
+    const Domain domain = openLocal();
+    ni_setabort(domain.get(), 1);
+    ni_setreadtimeout(domain.get(), 0);
+    ni_id id;
+    EXPECT_EQ(ni_root(domain.get(), &id), NI_NORESPONSE);
+    store.commit();
+    EXPECT_EQ(ni_root(domain.get(), &id), NI_OK);
+}

@@ -1,0 +1,37 @@
+#pragma once
+
+#include "DirectoryTools.h"
+#include "Store.h"
+#include "TestHost.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+/// A host with a directory in which only the records that always exist are made.
+class DirectoryFixture : public testing::Test {
+  protected:
+    void SetUp() override {
+        platform::Store store(host.storeFile(), platform::Store::Opening::Create);
+        store.addRecord(platform::Store::root, "users");
+        store.addRecord(platform::Store::root, "groups");
+        store.addRecord(store.addRecord(platform::Store::root, "config"), "Brindle");
+        store.commit();
+    }
+
+    /// Runs `nicl . WORDS...` and answers what it printed.
+    std::string nicl(std::vector<std::string> words) {
+        words.insert(words.begin(), ".");
+        const ToolResult result = runNicl(host.storeFile().string(), words);
+        EXPECT_EQ(result.status == 0, result.output.empty()) << result.output;
+        return result.output;
+    }
+
+    /// The record as niutil prints it.
+    static std::string record(const std::string& path) {
+        return runNiutil(std::vector<std::string>{"-read", ".", path}).output;
+    }
+
+    TestHost host;
+};

@@ -1,0 +1,289 @@
+#include "CapturedRun.h"
+#include "DirectoryAccounts.h"
+#include "DirectoryFixture.h"
+#include "EmbeddedRoot.h"
+#include "HostProcesses.h"
+#include "NSDictionary.h"
+#include "SambaAccounts.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+
+#include <pwd.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+using Words = std::vector<std::string>;
+
+std::string contents(const fs::path& file) {
+    std::ifstream in(file, std::ios::binary);
+    return {std::istreambuf_iterator<char>(in), {}};
+}
+
+bool contains(const std::string& text, const std::string& part) {
+    return text.find(part) != std::string::npos;
+}
+
+/// Runs `work` in as many processes at once; true when each of them answered true.
+template <class Work>
+bool inProcesses(int count, Work work) {
+    for (int index = 0; index < count; ++index) {
+        if (fork() == 0) {
+            _exit(work(index) ? 0 : 1);
+        }
+    }
+    bool allWell = true;
+    for (int status = 0; wait(&status) > 0;) {
+        allWell = allWell && status == 0;
+    }
+    return allWell;
+}
+
+} // namespace
+
+class Tools : public DirectoryFixture {};
+
+TEST_F(Tools, NiclMakesChangesAndTakesAwayPropertiesInPlace) {
+    struct Step {
+        Words words;
+        std::string record;
+    };
+
+    const std::array steps{
+        Step{{"-create", "/groups/staff"}, "name: staff\n"},
+        Step{{"-create", "/groups/staff", "gid", "20"}, "name: staff\ngid: 20\n"},
+        Step{{"-append", "/groups/staff", "users", "ada", "bob"}, "name: staff\ngid: 20\nusers: ada bob\n"},
+        Step{{"-create", "/groups/staff", "gid", "-1", "--x"}, "name: staff\ngid: -1 --x\nusers: ada bob\n"},
+        Step{{"-create", "/groups/staff"}, "name: staff\ngid: -1 --x\nusers: ada bob\n"},
+        Step{{"-append", "/groups/staff", "users", "ada"}, "name: staff\ngid: -1 --x\nusers: ada bob ada\n"},
+        Step{{"-delete", "/groups/staff", "users", "ada"}, "name: staff\ngid: -1 --x\nusers: bob\n"},
+        Step{{"-delete", "/groups/staff", "users", "bob"}, "name: staff\ngid: -1 --x\nusers:\n"},
+        Step{{"-delete", "/groups/staff", "gid"}, "name: staff\nusers:\n"},
+        Step{{"-create", "/groups/staff", "gid", "21"}, "name: staff\nusers:\ngid: 21\n"},
+    };
+    for (const auto& step : steps) {
+        EXPECT_EQ(nicl(step.words), "");
+        EXPECT_EQ(record("/groups/staff"), step.record);
+    }
+    EXPECT_EQ(nicl({"-create", "/groups/staff", "name", "crew"}), "");
+    EXPECT_EQ(record("/groups/crew"), "name: crew\nusers:\ngid: 21\n");
+    EXPECT_EQ(nicl({"-create", "/config/Brindle/.."}), "");
+    EXPECT_EQ(nicl({"-create", "/config/Brindle/../child"}), "");
+    EXPECT_EQ(nicl({"-delete", "/config/Brindle/.."}), "");
+    EXPECT_TRUE(contains(record("/config/Brindle/../child"), "No such directory"));
+}
+
+TEST_F(Tools, NiclRefusesInOneLineAndChangesNothing) {
+    nicl({"-create", "/users/ada"});
+    nicl({"-create", "/users/bob"});
+    nicl({"-create", "/users/ada", "mail", "one", "two"});
+    nicl({"-create", "/groups/staff"});
+    nicl({"-create", "/config/Brindle/Docs"});
+    const std::array refused{
+        Words{"-create", "/users"}, // not refused: it is there, and stays as it is
+        Words{"-create", "/nowhere/x"},
+        Words{"-create", "/users//x"},
+        Words{"-create", "/users/"},
+        Words{"-create", "users/x"},
+        Words{"-create", "/users/x", "uid", "5"},
+        Words{"-create", "/users/a,b"},
+        Words{"-create", "/users/a:b"},
+        Words{"-create", "/users/a\tb"},
+        Words{"-create", "/users/ada", "realname", "A\nB"},
+        Words{"-create", "/users/ada", "real\x7fname", "A"},
+        Words{"-create", "/users/ada", "name", "bob"},
+        Words{"-create", "/users/ada", "name", ""},
+        Words{"-create", "/users/ada", "name", "a/b"},
+        Words{"-create", "/users/ada", "name"},
+        Words{"-create", "/users", "name", "people"},
+        Words{"-append", "/users/ada", "name", "x"},
+        Words{"-append", "/users/ada", "mail"},
+        Words{"-append", "/groups/staff", "users", "a,b"},
+        Words{"-create", "/config/Brindle/[x"},
+        Words{"-create", "/config/Brindle/x]"},
+        Words{"-create", "/config/Brindle/ x"},
+        Words{"-create", "/config/Brindle/Docs", "name", "x "},
+        Words{"-create", "/config/Brindle/Docs", "directory_path", "/tmp\\"},
+        Words{"-delete", "/"},
+        Words{"-delete", "/config"},
+        Words{"-delete", "/config/Brindle"},
+        Words{"-delete", "/users/carl"},
+        Words{"-delete", "/users/ada", "uid"},
+        Words{"-delete", "/users/ada", "mail", "one", "three"},
+        Words{"-delete", "/users/ada", "name"},
+        Words{"-move", "/users/ada"},
+    };
+    for (const auto& words : refused) {
+        const std::string said = nicl(words);
+        if (words == refused.front()) {
+            EXPECT_EQ(said, "");
+            continue;
+        }
+        EXPECT_EQ(std::ranges::count(said, '\n'), 1) << words[1];
+        EXPECT_TRUE(said.starts_with("nicl: cannot ") || said.starts_with("usage: ")) << said;
+    }
+    EXPECT_EQ(record("/users/ada"), "name: ada\nmail: one two\n");
+    EXPECT_EQ(record("/config/Brindle/Docs"), "name: Docs\n");
+    EXPECT_EQ(runNireport(Words{".", "/users", "name"}).output, "ada\t\nbob\t\n");
+    EXPECT_EQ(nicl({"-delete", "/users/ada", "mail", "one"}), "");
+    EXPECT_EQ(nicl({"-delete", "/config/Brindle/Docs"}), "");
+}
+
+TEST_F(Tools, ThatRunTogetherWaitForEachOtherAndLoseNothing) {
+    nicl({"-create", "/groups/staff"});
+    constexpr int writers = 8;
+    EXPECT_TRUE(inProcesses(writers, [this](int index) {
+        std::string said;
+        for (const char* suffix : {"a", "b", "c"}) {
+            said += nicl({"-append", "/groups/staff", "users", "user" + std::to_string(index) + suffix});
+        }
+        return said.empty();
+    }));
+    const std::string members = record("/groups/staff");
+    EXPECT_EQ(std::ranges::count(members, ' '), 1 + 3 * writers) << members;
+}
+
+TEST_F(Tools, OptionsThatMakeNoSenseEndWithTwoAndTheOthersLeaveTheirWords) {
+    std::string root = (host.root() / "other").string();
+    std::array<std::string, 6> words{"nicl", "--root", root, ".", "-create", "/users/--system"};
+    std::array<char*, 6> pointers{};
+    std::ranges::transform(words, pointers.begin(), [](std::string& word) { return word.data(); });
+    EXPECT_EQ(directoryToolMain("nicl", static_cast<int>(pointers.size()), pointers.data()), 0);
+    const ToolResult deleted =
+        runNicl(DirectoryPlace::ofRoot(root), Words{".", "-delete", "/users/--system"});
+    EXPECT_EQ(deleted.output, "");
+    for (const char* option : {"--nonsense", "--system", "--root"}) {
+        words[1] = option;
+        std::array<char*, 2> two{words[0].data(), words[1].data()};
+        EXPECT_EQ(directoryToolMain("nicl", 2, two.data()), 2) << option;
+    }
+}
+
+class Root : public testing::Test {
+  protected:
+    std::string nicl(Words words) const {
+        words.insert(words.begin(), ".");
+        return runNicl(DirectoryPlace::ofRoot(root.folder()), words).output;
+    }
+
+    [[nodiscard]] std::string dscl(const std::string& path, const std::string& password) const {
+        return runDscl(DirectoryPlace::ofRoot(root.folder()), Words{".", "-passwd", path, password}).output;
+    }
+
+    /// The users in the root's password database, one a line.
+    [[nodiscard]] std::string passwordDatabase() const {
+        const platform::SambaAccounts accounts(root);
+        return platform::runCaptured({"/usr/bin/pdbedit", "-s", root.sambaFolder() + "/accounts.conf", "-L"},
+                                     {"LD_PRELOAD=libnss_wrapper.so",
+                                      "NSS_WRAPPER_PASSWD=" + accounts.passwdFile(),
+                                      "NSS_WRAPPER_GROUP=" + accounts.groupFile()},
+                                     {})
+            .output;
+    }
+
+    TestHost host;
+    platform::EmbeddedRoot root{(host.root() / "new root").string()};
+};
+
+TEST_F(Root, IsMadeOnceByProgramsThatComeTogetherAndKeepsFilesThatAreThere) {
+    host.write("new root/etc/smb.conf", "[mine]\n");
+    EXPECT_TRUE(inProcesses(4, [this](int index) {
+        root.makeIfMissing();
+        return nicl({"-create", "/config/Brindle/share" + std::to_string(index)}).empty();
+    }));
+    EXPECT_EQ(host.read("new root/etc/smb.conf"), "[mine]\n");
+    EXPECT_TRUE(NSMutableDictionary::dictionaryWithContentsOfFile(
+                    root.map("/Library/Preferences/com.apple.AppleFileServer.plist"))
+                    .has_value());
+    platform::Store store(root.storeFile());
+    const Words shares{"config", "Brindle"};
+    EXPECT_EQ(store.children(store.find(shares).value()).records().size(), 4U);
+    const passwd* me = getpwuid(getuid());
+    ASSERT_NE(me, nullptr);
+    const Words admin{"groups", "admin"};
+    const auto members = store.values(store.find(admin).value(), "users").value();
+    EXPECT_EQ(std::ranges::count(members, std::string(me->pw_name)), 1);
+    const Words user{"users", me->pw_name};
+    const auto record = store.find(user).value();
+    EXPECT_EQ(store.values(record, "uid"), Words{std::to_string(getuid())});
+    EXPECT_EQ(store.values(record, "passwd"), Words{"*"});
+    const Words nobody{"users", "nobody"};
+    if (const auto found = store.find(nobody)) {
+        EXPECT_EQ(store.values(*found, "uid"), Words{"-2"});
+    }
+}
+
+TEST_F(Root, AccountsFollowTheDirectoryAtOnceInNamesAndInTheServersLists) {
+    root.makeIfMissing();
+    const platform::DirectoryAccounts names(root.storeFile());
+    const platform::SambaAccounts server(root);
+    EXPECT_EQ(names.userName(70501), std::nullopt);
+    const std::array changes{
+        Words{"-create", "/users/alice"},
+        Words{"-create", "/users/alice", "uid", "70501"},
+        Words{"-create", "/users/alice", "gid", "-2"},
+        Words{"-create", "/users/alice", "realname", "A: B"},
+        Words{"-create", "/groups/band"},
+        Words{"-create", "/groups/band", "gid", "70502"},
+        Words{"-append", "/groups/band", "users", "alice", "bob"},
+    };
+    for (const auto& words : changes) {
+        EXPECT_EQ(nicl(words), "");
+    }
+    EXPECT_EQ(names.userName(70501), "alice");
+    EXPECT_EQ(names.userId("alice"), 70501U);
+    EXPECT_EQ(names.groupName(70502), "band");
+    EXPECT_EQ(names.userName(0), "root");
+    EXPECT_TRUE(contains(contents(server.passwdFile()), "\nalice:x:70501:65534:A  B::\n"));
+    EXPECT_TRUE(contains(contents(server.groupFile()), "\nband:x:70502:alice,bob\n"));
+    EXPECT_EQ(nicl({"-delete", "/users/alice"}), "");
+    EXPECT_EQ(names.userName(70501), std::nullopt);
+    EXPECT_FALSE(contains(contents(server.passwdFile()), "alice"));
+}
+
+TEST_F(Root, PasswordsGoToTheRootsOwnServerAndLeaveWithTheUser) {
+    root.makeIfMissing();
+    EXPECT_TRUE(contains(dscl("/Users/alice", "secret"), "there is no such user"));
+    EXPECT_TRUE(contains(dscl("/Groups/alice", "secret"), "/Users/NAME"));
+    nicl({"-create", "/users/alice"});
+    nicl({"-create", "/users/alice", "uid", "70501"});
+    nicl({"-create", "/users/alice", "gid", "70501"});
+    EXPECT_TRUE(contains(dscl("/Users/alice", "two\nlines"), "control character"));
+    if (platform::SambaAccounts::wrapperLibrary().empty() || access("/usr/bin/pdbedit", X_OK) != 0) {
+        EXPECT_TRUE(contains(dscl("/Users/alice", "secret"), "install the package"));
+        GTEST_SKIP() << "Samba or libnss-wrapper is not installed";
+    }
+    EXPECT_TRUE(contains(dscl("/Users/alice", std::string(300, 'x')), "longer than"));
+    EXPECT_EQ(dscl("/Users/alice", "secret"), "");
+    EXPECT_TRUE(contains(passwordDatabase(), "alice:70501:"));
+    EXPECT_EQ(nicl({"-create", "/users/alice", "name", "eve"}), "");
+    EXPECT_FALSE(contains(passwordDatabase(), "70501"));
+    EXPECT_EQ(dscl("/Users/eve", "secret"), "");
+    EXPECT_EQ(nicl({"-delete", "/users/eve"}), "");
+    EXPECT_FALSE(contains(passwordDatabase(), "eve"));
+    fs::remove_all(root.sambaFolder());
+    nicl({"-create", "/users/alice"});
+    EXPECT_TRUE(contains(dscl("/Users/alice", "secret"), "has no password database"));
+}
+
+TEST_F(Root, OnlyProcessesOfItsOwnServerAreListed) {
+    platform::HostProcesses processes([](const std::string& id) { return id != "2"; });
+    std::FILE* listing = processes.open("printf '1\\n2\\n3\\n4'", "r");
+    ASSERT_NE(listing, nullptr);
+    std::array<char, 64> text{};
+    const std::size_t size = std::fread(text.data(), 1, text.size(), listing);
+    EXPECT_EQ(std::string(text.data(), size), "1\n3\n4");
+    EXPECT_EQ(processes.close(listing), 0);
+    for (const std::string& id :
+         {std::to_string(getpid()), std::string("1"), std::string("../self"), std::string()}) {
+        EXPECT_FALSE(platform::isServerOfRoot(id, root.folder())) << id;
+    }
+}
