@@ -15,7 +15,7 @@ LineEdit::LineEdit(NSTextField& field, RefreshQueue& queue) : field_(field), que
     // Qt tells of the new text before it tells of the new caret, so `before_` still holds the old one in
     // userEdited.
     const auto remember = [this] {
-        if (!loading_) {
+        if (!loading_ && !holdsCaret_) {
             before_ = caretNow();
         }
     };
@@ -32,19 +32,23 @@ LineEdit::Caret LineEdit::caretNow() const {
             .selectionLength = static_cast<int>(selectedText().size())};
 }
 
-void LineEdit::restore(const QString& text, const Caret& caret) {
+void LineEdit::place(const Caret& caret) {
     loading_ = true;
-    setText(text);
     if (caret.selectionStart < 0) {
-        setCursorPosition(caret.position);
-    } else if (caret.position ==
-               caret.selectionStart) { // selected from right to left: the caret stands at the start
+        setCursorPosition(caret.position);               // drops a selection as well
+    } else if (caret.position == caret.selectionStart) { // selected from right to left
         setSelection(caret.selectionStart + caret.selectionLength, -caret.selectionLength);
     } else {
         setSelection(caret.selectionStart, caret.selectionLength);
     }
     loading_ = false;
     before_ = caretNow();
+}
+
+void LineEdit::restore(const QString& text, const Caret& caret) {
+    loading_ = true;
+    setText(text);
+    place(caret);
 }
 
 void LineEdit::load() {
@@ -101,24 +105,42 @@ void LineEdit::focusOutEvent(QFocusEvent* event) {
     }
 }
 
+void LineEdit::inputMethodEvent(QInputMethodEvent* event) {
+    // Here Qt tells of the new caret first.
+    holdsCaret_ = true;
+    QLineEdit::inputMethodEvent(event);
+    holdsCaret_ = false;
+    before_ = caretNow();
+}
+
+void LineEdit::dragEnterEvent(QDragEnterEvent* event) {
+    dragged_ = caretNow(); // Qt shows with the caret where the text would go
+    QLineEdit::dragEnterEvent(event);
+}
+
+void LineEdit::dragLeaveEvent(QDragLeaveEvent* event) {
+    QLineEdit::dragLeaveEvent(event);
+    place(dragged_);
+}
+
 void LineEdit::dropEvent(QDropEvent* event) {
-    // Qt moves the caret and the selection before it inserts, so the dropped text is proposed here as one
-    // edit.
-    const Caret before = caretNow();
+    // Qt would insert, and for a move take away, as two edits of its own: the drop is proposed here as one.
     QString dropped = event->mimeData()->text();
     dropped.replace(QLatin1Char('\n'), QLatin1Char(' '));
     QString proposed = text();
     int position = cursorPositionAt(event->position().toPoint());
-    if (event->source() == this && event->dropAction() == Qt::MoveAction && before.selectionStart >= 0) {
-        proposed.remove(before.selectionStart, before.selectionLength);
-        if (position > before.selectionStart) {
-            position = std::max(before.selectionStart, position - before.selectionLength);
+    if (event->source() == this && event->dropAction() == Qt::MoveAction && dragged_.selectionStart >= 0) {
+        proposed.remove(dragged_.selectionStart, dragged_.selectionLength);
+        if (position > dragged_.selectionStart) {
+            position = std::max(dragged_.selectionStart, position - dragged_.selectionLength);
         }
     }
     proposed.insert(position, dropped);
     const int caret = position + static_cast<int>(dropped.size());
-    if (isReadOnly() || dropped.isEmpty() || !propose(proposed, caret, before)) {
+    // To the field, a drop is an insertion where nothing was selected.
+    if (isReadOnly() || dropped.isEmpty() || !propose(proposed, caret, {.position = position})) {
         event->ignore();
+        place(dragged_);
         return;
     }
     event->acceptProposedAction();

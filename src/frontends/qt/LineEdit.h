@@ -22,6 +22,9 @@ class LineEdit : public QLineEdit {
 
   protected:
     void focusOutEvent(QFocusEvent* event) override;
+    void inputMethodEvent(QInputMethodEvent* event) override;
+    void dragEnterEvent(QDragEnterEvent* event) override;
+    void dragLeaveEvent(QDragLeaveEvent* event) override;
     void dropEvent(QDropEvent* event) override;
 
   private:
@@ -32,6 +35,7 @@ class LineEdit : public QLineEdit {
     };
 
     [[nodiscard]] Caret caretNow() const;
+    void place(const Caret& caret);
     void restore(const QString& text, const Caret& caret);
     void load();
     [[nodiscard]] bool propose(const QString& text, int caret, const Caret& before);
@@ -40,6 +44,8 @@ class LineEdit : public QLineEdit {
     NSTextField& field_;
     RefreshQueue& queue_;
     Caret before_;     ///< as of the last state that was not an edit under way
+    Caret dragged_;    ///< as it was when a drag came over the field
     QString accepted_; ///< the text that the field has agreed to, as it is shown
     bool loading_ = false;
+    bool holdsCaret_ = false; ///< `before_` stays as it is, whatever Qt tells
 };
