@@ -142,6 +142,7 @@ class Window : public ::testing::Test {
   protected:
     explicit Window(QtFrontend::Manner manner = QtFrontend::Manner::Interactive) {
         qputenv("QT_QPA_PLATFORM", "offscreen");
+        qputenv("QT_LOGGING_RULES", "default.warning=false"); // what that platform cannot do
         frontend = std::make_unique<QtFrontend>(argc, arguments, manner);
         host.host().setPresenter(frontend->presenter());
         auto description = platform::describeClass<Desk>("Desk");

@@ -1,6 +1,7 @@
 #include "Drawer.h"
 
-#include <QLayout>
+#include <QFrame>
+#include <QHBoxLayout>
 #include <QScreen>
 #include <QScrollBar>
 
@@ -8,7 +9,21 @@
 
 namespace {
 
-constexpr int slideTime = 180; // milliseconds
+constexpr int slideTime = 180;   // milliseconds
+constexpr int shadeFactor = 103; // percent: the drawer lies a little lower than the window
+
+/// The contents with the line that stands for the window's edge.
+QWidget* besideEdge(QWidget* contents) {
+    auto* holder = new QWidget;
+    auto* edge = new QFrame;
+    edge->setFrameStyle(static_cast<int>(QFrame::VLine) | static_cast<int>(QFrame::Sunken));
+    auto* layout = new QHBoxLayout(holder);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(0);
+    layout->addWidget(edge);
+    layout->addWidget(contents, 1);
+    return holder;
+}
 
 /// Makes the window's smallest size the one that its widgets have now.
 void settleLayouts(const QWidget& inner) {
@@ -21,6 +36,9 @@ void settleLayouts(const QWidget& inner) {
 
 /// How much wider the window may become on its screen.
 int roomBeside(const QWidget& window) {
+    if (window.testAttribute(Qt::WA_DontShowOnScreen)) {
+        return QWIDGETSIZE_MAX;
+    }
     if (window.isMaximized() || window.isFullScreen() || window.screen() == nullptr) {
         return 0;
     }
@@ -32,11 +50,14 @@ int roomBeside(const QWidget& window) {
 Drawer::Drawer(NSDrawer& drawer, QWidget* contents, int width, bool animated, RefreshQueue& queue)
     : drawer_(drawer), width_(width), animated_(animated) {
     setFrameShape(QFrame::NoFrame);
+    QPalette shade = palette();
+    shade.setColor(QPalette::Window, shade.color(QPalette::Window).darker(shadeFactor));
+    setPalette(shade);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     // The contents keep their width while the drawer slides, and scroll where the window is too low for them.
     contents->setMinimumWidth(width - verticalScrollBar()->sizeHint().width());
     setWidgetResizable(true);
-    setWidget(contents);
+    setWidget(besideEdge(contents));
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Expanding);
     setShownWidth(0);
     slide_.setDuration(slideTime);
@@ -53,7 +74,9 @@ void Drawer::load() {
     opened_ = drawer_.isOpen();
     QWidget* frame = window();
     if (opened_) {
-        grown_ = std::min(width_, roomBeside(*frame));
+        // At least by what the rest of the window cannot spare.
+        const int needed = frame->minimumSizeHint().width() + width_ - frame->width();
+        grown_ = std::max(std::min(width_, roomBeside(*frame)), needed);
         frame->resize(frame->width() + grown_, frame->height());
         slideTo(width_);
     } else {

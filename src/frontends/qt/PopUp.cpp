@@ -50,6 +50,7 @@ PopUp::PopUp(NSPopUpButton& popUp, bool longList, RefreshQueue& queue)
         setView(list);
         setSizeAdjustPolicy(AdjustToMinimumContentsLengthWithIcon);
         setMinimumContentsLength(longListLength);
+        setIconSize(QSize(1, 1)); // there are no icons to leave room for
         setMaxVisibleItems(longListRows);
     } else {
         setSizeAdjustPolicy(AdjustToContents);

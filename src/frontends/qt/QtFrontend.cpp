@@ -2,10 +2,12 @@
 
 #include "NSApplication.h"
 #include "NSWindow.h"
+#include "PlainStyle.h"
 #include "QtPresenter.h"
 #include "Snapshots.h"
 
 #include <QApplication>
+#include <QLoggingCategory>
 #include <QTimer>
 
 #include <cstdlib>
@@ -25,12 +27,15 @@ struct QtFrontend::Implementation {
         explicit Platform(Manner manner) {
             if (manner == Manner::Silent && !displayIsThere()) {
                 qputenv("QT_QPA_PLATFORM", "offscreen");
+                // That platform says of every window what it cannot do with it.
+                QLoggingCategory::setFilterRules("default.warning=false");
             }
         }
     };
 
     Implementation(int& argc, char** argv, Manner manner)
         : platform(manner), application(argc, argv), presenter(std::make_shared<QtPresenter>(manner)) {
+        usePlainStyle();
         QApplication::setApplicationName("Brindle");
         QApplication::setDesktopFileName("brindle");
         QApplication::setQuitOnLastWindowClosed(false); // the application's delegate decides

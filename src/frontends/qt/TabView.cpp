@@ -31,6 +31,9 @@ TabView::TabView(NSTabView& tabView, std::vector<MakePage> pages, RefreshQueue& 
         inside->setContentsMargins(0, 0, 0, 0);
         stack_->addWidget(holder);
     }
+    if (bar_ == nullptr) { // without labels, a frame holds the page together
+        stack_->setFrameStyle(static_cast<int>(QFrame::StyledPanel) | static_cast<int>(QFrame::Sunken));
+    }
     layout->addWidget(stack_, 1);
     new Binding(this, queue, tabView.changed, [this] { load(); });
 }

@@ -2,6 +2,7 @@
 
 #include <QHeaderView>
 #include <QMenu>
+#include <QStyledItemDelegate>
 
 #include <algorithm>
 #include <span>
@@ -10,6 +11,20 @@ namespace {
 
 constexpr int rowPadding = 8;
 constexpr int smallestColumn = 40;
+constexpr int tightest =
+    80; // percent of their width that columns put up with before the table scrolls sideways
+
+/// Leaves the ends of a path readable where it does not fit; of other texts, the beginning.
+class CellDelegate : public QStyledItemDelegate {
+  public:
+    using QStyledItemDelegate::QStyledItemDelegate;
+
+  protected:
+    void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override {
+        QStyledItemDelegate::initStyleOption(option, index);
+        option->textElideMode = option->text.startsWith(QLatin1Char('/')) ? Qt::ElideMiddle : Qt::ElideRight;
+    }
+};
 
 /// The rows as ranges of the model, one for each run of neighbours.
 QItemSelection selectionOf(const TableModel& model, std::span<const int> rows) {
@@ -96,7 +111,7 @@ TableView::TableView(NSTableView& table, RefreshQueue& queue) : table_(table), q
     setTabKeyNavigation(false); // Tab leaves the table for the next control
     setVerticalScrollMode(ScrollPerPixel);
     setHorizontalScrollMode(ScrollPerPixel);
-    setTextElideMode(Qt::ElideMiddle);
+    setItemDelegate(new CellDelegate(this));
     setCornerButtonEnabled(false);
     setUpHeader();
     connect(selectionModel(), &QItemSelectionModel::selectionChanged, this, [this] { userSelected(); });
@@ -148,7 +163,7 @@ void TableView::shareWidth() {
     loading_ = true;
     for (int section = 0; section < model_.columnCount() && wanted > 0; ++section) {
         const int width = table_.tableColumns()[static_cast<std::size_t>(section)].width;
-        setColumnWidth(section, room > wanted ? width * room / wanted : width);
+        setColumnWidth(section, room > wanted * tightest / 100 ? width * room / wanted : width);
     }
     loading_ = false;
 }

@@ -27,6 +27,7 @@ Qt::Alignment alignmentOf(platform::TextAlignment alignment) {
 TextView::TextView(NSTextView& view, RefreshQueue& queue) : view_(view) {
     setReadOnly(true);
     setFrameShape(QFrame::NoFrame);
+    setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff); // it scrolls by itself, and by wheel and keys
     setTextInteractionFlags(Qt::TextBrowserInteraction);
     document()->setDocumentMargin(12);
     frame_.setSingleShot(true);
@@ -48,11 +49,14 @@ void TextView::load() {
         QTextCharFormat characters;
         characters.setFontWeight(run.bold ? QFont::Bold : QFont::Normal);
         characters.setFontItalic(run.italic);
-        characters.setFontPointSize(run.size);
+        // A point of the credits is one of the window's, which is a pixel before scaling.
+        characters.setProperty(QTextFormat::FontPixelSize, static_cast<int>(run.size));
         QTextBlockFormat paragraph;
         paragraph.setAlignment(alignmentOf(run.alignment));
         cursor.mergeBlockFormat(paragraph);
         cursor.insertText(shown(run.text), characters);
         cursor.mergeBlockFormat(paragraph);
     }
+    moveCursor(QTextCursor::Start); // the widget's own cursor has gone along with the text
+    verticalScrollBar()->setValue(static_cast<int>(view_.scrollPosition()));
 }

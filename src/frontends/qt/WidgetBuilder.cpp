@@ -25,6 +25,7 @@ namespace {
 constexpr int pageMargin = 16;
 constexpr int boxMargin = 12;
 constexpr int spacing = 8;
+constexpr int partSpacing = 20;
 constexpr int indentStep = 20;
 
 bool isLayout(const InterfaceNode& node) {
@@ -50,7 +51,14 @@ bool takesRoom(const InterfaceNode& node, bool vertical) {
 
 /// Does the control need a label beside it to stand at its top?
 bool isHigh(const InterfaceNode& node) {
-    return node.kind == "matrix" || node.kind == "column" || node.kind == "textView" || node.kind == "grid" ||
+    if (node.kind == "matrix") {
+        return number(node, "rows") > 1;
+    }
+    if (node.kind == "row") {
+        return std::any_of(node.children.begin(), node.children.end(),
+                           [](const auto& child) { return isHigh(*child); });
+    }
+    return node.kind == "column" || node.kind == "textView" || node.kind == "grid" ||
            node.kind == "tableView";
 }
 
@@ -146,7 +154,11 @@ QWidget* WidgetBuilder::makeLabel(const InterfaceNode& node) {
         font.setBold(true);
     } else if (style == "note") {
         font.setPointSizeF(font.pointSizeF() * 0.9);
-        label->setForegroundRole(QPalette::PlaceholderText);
+        QPalette palette = label->palette();
+        QColor soft = palette.color(QPalette::WindowText);
+        soft.setAlphaF(0.65F);
+        palette.setColor(QPalette::WindowText, soft);
+        label->setPalette(palette);
         label->setWordWrap(true);
     } else if (style == "warning") {
         QPalette palette = label->palette();
@@ -196,9 +208,15 @@ QWidget* WidgetBuilder::makeTextView(const InterfaceNode& node) {
 QWidget* WidgetBuilder::makeTabView(const InterfaceNode& node) {
     std::vector<TabView::MakePage> pages;
     for (const auto& tab : node.children) {
-        const bool framed = modelOf<NSTabView>(node)->showsTabs();
+        const bool framed = !modelOf<NSTabView>(node)->showsTabs();
         const InterfaceNode& inside = *tab->children.at(0);
-        pages.push_back([this, &inside, framed] { return framed ? makePage(inside) : make(inside); });
+        pages.push_back([this, &inside, framed] {
+            QWidget* page = makePage(inside);
+            if (!framed) { // stands directly in the window, and lines up with what is around it
+                page->layout()->setContentsMargins(0, boxMargin, 0, 0);
+            }
+            return page;
+        });
     }
     return new TabView(*modelOf<NSTabView>(node), std::move(pages), queue_);
 }
@@ -215,8 +233,12 @@ QLayout* WidgetBuilder::makeLayout(const InterfaceNode& node) {
 }
 
 void WidgetBuilder::fillBox(QBoxLayout& layout, const InterfaceNode& node) {
-    const std::string& wanted = node.attribute("spacing");
-    layout.setSpacing(wanted.empty() ? spacing : number(node, "spacing"));
+    // Columns side by side are parts of a page, and want more between them than controls of a row.
+    const bool holdsParts =
+        node.kind == "row" && std::any_of(node.children.begin(), node.children.end(),
+                                          [](const auto& child) { return child->kind == "column"; });
+    const int usual = holdsParts ? partSpacing : spacing;
+    layout.setSpacing(node.attribute("spacing").empty() ? usual : number(node, "spacing"));
     bool roomIsTaken = false;
     const bool vertical = node.kind != "row";
     for (const auto& child : node.children) {
@@ -260,8 +282,8 @@ void WidgetBuilder::fillGrid(QGridLayout& layout, const InterfaceNode& node) {
         const InterfaceNode& child = *node.children[index];
         const int column = cell % columns;
         const int span = std::clamp(number(child, "span"), 1, columns - column);
-        const bool isTitle = child.kind == "label" && child.attribute("style").empty() && span == 1 &&
-                             child.element == nullptr;
+        const bool isTitle = child.kind == "label" && child.attribute("style").empty() &&
+                             child.element == nullptr && (span == 1 || !child.attribute("for").empty());
         Qt::Alignment alignment;
         if (isTitle) {
             const bool nextIsHigh = index + 1 < node.children.size() && isHigh(*node.children[index + 1]);

@@ -1,0 +1,55 @@
+#include "PlainStyle.h"
+
+#include <QApplication>
+#include <QStyleOption>
+
+namespace {
+
+constexpr const char* fusion = "fusion";
+constexpr int cellMargin = 6;
+constexpr int buttonAir = 16;
+constexpr int fieldAir = 4;
+
+/// A button that is a picture and nothing else.
+bool isFlat(const QStyleOption* option) {
+    const auto* button = qstyleoption_cast<const QStyleOptionButton*>(option);
+    return button != nullptr && button->features.testFlag(QStyleOptionButton::Flat);
+}
+
+} // namespace
+
+PlainStyle::PlainStyle() : QProxyStyle(QString::fromLatin1(fusion)) {}
+
+int PlainStyle::pixelMetric(PixelMetric metric, const QStyleOption* option, const QWidget* widget) const {
+    switch (metric) {
+    case PM_HeaderMargin:
+        return cellMargin;
+    case PM_FocusFrameHMargin: // what stands beside a cell's text, less one
+        return cellMargin - 1;
+    default:
+        return QProxyStyle::pixelMetric(metric, option, widget);
+    }
+}
+
+QSize PlainStyle::sizeFromContents(ContentsType type, const QStyleOption* option, const QSize& size,
+                                   const QWidget* widget) const {
+    QSize made = QProxyStyle::sizeFromContents(type, option, size, widget);
+    switch (type) {
+    case CT_PushButton:
+        made += isFlat(option) ? QSize() : QSize(buttonAir, fieldAir);
+        break;
+    case CT_LineEdit:
+    case CT_ComboBox:
+        made.rheight() += fieldAir;
+        break;
+    default:
+        break;
+    }
+    return made;
+}
+
+void usePlainStyle() {
+    if (QApplication::style()->name() == QLatin1String(fusion)) {
+        QApplication::setStyle(new PlainStyle); // the application owns it
+    }
+}
