@@ -1,23 +1,12 @@
 #include "PopUp.h"
 
 #include <QListView>
-#include <QProxyStyle>
 #include <QWheelEvent>
 
 namespace {
 
 constexpr int longListLength = 14; ///< letters of a title that a pop-up with a long list has room for
 constexpr int longListRows = 16;
-
-/// Shows a combo box's items as a list with a scroll bar: a menu of ten thousand items would be laid out
-/// whole.
-class ListStyle : public QProxyStyle {
-  public:
-    int styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
-                  QStyleHintReturn* data) const override {
-        return hint == SH_ComboBox_Popup ? 0 : QProxyStyle::styleHint(hint, option, widget, data);
-    }
-};
 
 } // namespace
 
@@ -42,9 +31,8 @@ void PopUpItems::reload() {
 PopUp::PopUp(NSPopUpButton& popUp, bool longList, RefreshQueue& queue)
     : popUp_(popUp), queue_(queue), items_(popUp) {
     if (longList) {
-        auto* style = new ListStyle;
-        style->setParent(this);
-        setStyle(style);
+        // A list with a scroll bar: a menu of ten thousand items would be laid out whole.
+        setStyleSheet("QComboBox { combobox-popup: 0; }");
         auto* list = new QListView(this);
         list->setUniformItemSizes(true); // else every item is measured
         setView(list);

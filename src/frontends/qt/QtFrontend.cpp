@@ -25,9 +25,11 @@ struct QtFrontend::Implementation {
     // Before the application object, which picks its platform when it is made.
     struct Platform {
         explicit Platform(Manner manner) {
-            if (manner == Manner::Silent && !displayIsThere()) {
-                qputenv("QT_QPA_PLATFORM", "offscreen");
-                // That platform says of every window what it cannot do with it.
+            if (manner == Manner::Silent) {
+                if (!displayIsThere()) {
+                    qputenv("QT_QPA_PLATFORM", "offscreen");
+                }
+                // The offscreen platform says of every window what it cannot do with it.
                 QLoggingCategory::setFilterRules("default.warning=false");
             }
         }

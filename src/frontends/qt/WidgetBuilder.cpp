@@ -168,7 +168,9 @@ QWidget* WidgetBuilder::makeLabel(const InterfaceNode& node) {
     }
     label->setFont(font);
     if (auto* field = modelOf<NSTextField>(node)) {
-        label->setTextInteractionFlags(Qt::TextSelectableByMouse);
+        if (style == "warning") {
+            label->setTextInteractionFlags(Qt::TextSelectableByMouse); // worth quoting in a report
+        }
         const bool goesWhenEmpty = style == "note" || style == "warning";
         new Binding(label, queue_, field->changed, [label, field, goesWhenEmpty] {
             label->setText(shown(field->stringValue()));
