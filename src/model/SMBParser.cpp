@@ -48,6 +48,10 @@ bool isContinued(std::string_view line) {
 
 } // namespace
 
+SMBParser::SMBParser(std::string_view text)
+    : _position(text.data()), _text(text), _hasCarriageReturn(text.find('\r') != std::string_view::npos),
+      _hasValueEndMark(text.find(valueEndMark) != std::string_view::npos) {}
+
 void SMBParser::parse() {
     _current = std::make_unique<SMBShare>();
     while (_haveLine || nextLine()) {
@@ -68,7 +72,9 @@ bool SMBParser::nextLine() {
     }
     std::string_view rest(_position, static_cast<std::size_t>(end - _position));
     _line = rest.substr(0, rest.find('\n'));
-    _line = _line.substr(0, _line.find('\r'));
+    if (_hasCarriageReturn) {
+        _line = _line.substr(0, _line.find('\r'));
+    }
     _position += _line.size();
     return true;
 }
@@ -149,7 +155,7 @@ void SMBParser::addPair(std::string_view text, bool commentedOut) {
         return;
     }
     std::string_view value = withoutLeadingWhiteSpace(rest.substr(equals + 1));
-    const std::size_t mark = value.find(valueEndMark);
+    const std::size_t mark = _hasValueEndMark ? value.find(valueEndMark) : std::string_view::npos;
     if (value.empty() || mark != std::string_view::npos) {
         if (!commentedOut) {
             note(SMBLoss::NoValue);

@@ -12,7 +12,7 @@
 class SMBParser {
   public:
     /// `text` must outlive the entries that are made of it.
-    explicit SMBParser(std::string_view text) : _position(text.data()), _text(text) {}
+    explicit SMBParser(std::string_view text);
 
     /// Reads everything; then the results below stand. At least one entry is made.
     void parse();
@@ -38,6 +38,9 @@ class SMBParser {
 
     const char* _position;
     std::string_view _text;
+    // Looked for once, because most files hold neither and every line would be searched for them.
+    bool _hasCarriageReturn;
+    bool _hasValueEndMark;
     std::string_view _line; ///< the line that was read last
     bool _haveLine = false; ///< `_line` ended an entry and is still to be looked at
     State _state = State::Start;

@@ -121,6 +121,10 @@ NSFileContents contentsOfFile(const std::string& path) {
         return {std::nullopt, errno};
     }
     std::string bytes;
+    struct stat status {};
+    if (::fstat(descriptor.get(), &status) == 0 && S_ISREG(status.st_mode)) {
+        bytes.reserve(static_cast<std::size_t>(status.st_size)); // a long file is not copied as it grows
+    }
     std::array<char, 65536> buffer{};
     while (true) {
         const ssize_t count = ::read(descriptor.get(), buffer.data(), buffer.size());

@@ -1,0 +1,126 @@
+// How long the share list takes to read: as many directory records as smb.conf has sections, each record
+// joined with the section of its folder. Half of the sections share folders of their own.
+
+#include "BRController.h"
+#include "EmbeddedHost.h"
+#include "EmbeddedRoot.h"
+#include "Host.h"
+#include "Interface.h"
+#include "NSBundle.h"
+#include "SilentPresenter.h"
+#include "Store.h"
+
+#include <benchmark/benchmark.h>
+
+#include <array>
+#include <filesystem>
+#include <fstream>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include <unistd.h>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+class TemporaryFolder {
+  public:
+    TemporaryFolder() : path_(fs::temp_directory_path() / ("brindle-join-" + std::to_string(::getpid()))) {
+        fs::create_directories(path_ / "etc");
+    }
+
+    TemporaryFolder(const TemporaryFolder&) = delete;
+    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
+
+    ~TemporaryFolder() { fs::remove_all(path_); }
+
+    [[nodiscard]] const fs::path& path() const { return path_; }
+
+  private:
+    fs::path path_;
+};
+
+void writeSections(const fs::path& path, std::int64_t count) {
+    std::ofstream file(path);
+    for (std::int64_t i = 0; i < count; ++i) {
+        file << "[share" << i << "]\npath = /nonexistent/folder" << (i % 2 == 0 ? i : i + count)
+             << "\nguest ok = yes\n";
+    }
+}
+
+void writeRecords(const std::string& storeFile, std::int64_t count) {
+    platform::Store store(storeFile);
+    const std::vector<std::string> place{"config", "Brindle"};
+    const auto parent = store.find(place);
+    if (!parent) {
+        throw std::runtime_error("the directory has no place for shares");
+    }
+    for (std::int64_t i = 0; i < count; ++i) {
+        const std::string name = "share" + std::to_string(i);
+        const auto record = store.addRecord(*parent, name);
+        const auto set = [&](const char* property, const std::string& value) {
+            store.setValues(record, property, std::array{value});
+        };
+        set("directory_path", "/nonexistent/folder" + std::to_string(i));
+        set("afp_shared", "1");
+        set("afp_name", name);
+        set("afp_use_parent_privs", "0");
+        set("afp_use_parent_owner", "0");
+    }
+    store.commit();
+}
+
+/// The application, started on a root of so many shares.
+class Application {
+  public:
+    explicit Application(std::int64_t count) : host_(prepared(folder_.path(), count)) {
+        host_.setPresenter(std::make_shared<frontend::SilentPresenter>());
+        BRController::registerClass();
+        interface_ = platform::Interface::load(host_.mainBundle().resourcePath() + "/MainMenu.xml");
+        controller().startUp();
+    }
+
+    [[nodiscard]] BRController& controller() const {
+        return *static_cast<BRController*>(interface_->owner());
+    }
+
+  private:
+    static platform::Services prepared(const fs::path& root, std::int64_t count) {
+        writeSections(root / "etc/smb.conf", count);
+        platform::EmbeddedHostOptions options;
+        options.root = root.string();
+        options.home = root.string();
+        options.keepsUserDefaults = false;
+        platform::Services services = platform::makeEmbeddedServices(options);
+        writeRecords(platform::EmbeddedRoot(root.string()).storeFile(), count);
+        return services;
+    }
+
+    TemporaryFolder folder_;
+    platform::Host host_;
+    std::unique_ptr<platform::Interface> interface_;
+};
+
+void parseCurrentShares(benchmark::State& state) {
+    const Application application(state.range(0));
+    for (auto _ : state) {
+        application.controller().parseCurrentShares();
+    }
+    const std::size_t rows = application.controller().currentShares().size();
+    if (rows != static_cast<std::size_t>(state.range(0) * 3 / 2)) {
+        state.SkipWithError("the join has not found every share");
+    }
+    state.SetComplexityN(state.range(0));
+}
+
+BENCHMARK(parseCurrentShares)
+    ->RangeMultiplier(10)
+    ->Range(1000, 100000)
+    ->Unit(benchmark::kMillisecond)
+    ->Complexity(benchmark::oN);
+
+} // namespace
+
+BENCHMARK_MAIN();

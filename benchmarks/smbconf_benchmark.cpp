@@ -1,0 +1,163 @@
+// How long smb.conf takes to read: within this process for three lengths, to see that it grows with the file
+// and not faster, and as whole programs beside one that only scans the file's lines and beside Samba's own
+// reader.
+
+#include "Host.h"
+#include "SMBConf.h"
+
+#include <benchmark/benchmark.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+#include <string>
+#include <string_view>
+
+#include <fcntl.h>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+class SamePaths : public platform::Paths {
+  public:
+    [[nodiscard]] std::string map(const std::string& path) const override { return path; }
+
+    [[nodiscard]] std::string home() const override { return "/nonexistent"; }
+
+    [[nodiscard]] std::string defaultsFile() const override { return ""; }
+
+    [[nodiscard]] std::string resources() const override { return "/nonexistent"; }
+};
+
+platform::Services services() {
+    platform::Services services;
+    services.paths = std::make_shared<SamePaths>();
+    return services;
+}
+
+/// A file of so many sections, kept for the next benchmark that asks for it.
+std::string fileOf(std::int64_t sections) {
+    const fs::path folder = fs::temp_directory_path() / ("brindle-smbconf-" + std::to_string(::getuid()));
+    fs::create_directories(folder);
+    const fs::path path = folder / std::to_string(sections);
+    std::ofstream file(path);
+    file << "# The department's server\n\n[global]\n   workgroup = OFFICE\n   server string = Files\n";
+    for (std::int64_t i = 0; i < sections; ++i) {
+        file
+            << "\n# share " << i << "\n[share" << i << "]\n\tpath = /Users/Shared/folder" << i
+            << "\n\tread only = No\n\tinherit permissions = Yes\n\tguest ok = no\n   comment = Folder number "
+            << i << " of many\n";
+    }
+    return path.string();
+}
+
+std::size_t scanLines(const std::string& path) {
+    std::ifstream file(path);
+    std::string line;
+    std::size_t lines = 0;
+    while (std::getline(file, line)) {
+        ++lines;
+    }
+    return lines;
+}
+
+std::size_t parse(const std::string& path) {
+    const platform::Host host(services());
+    return SMBConf(path).Entries().size();
+}
+
+void countBytes(benchmark::State& state, const std::string& path) {
+    state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations() * fs::file_size(path)));
+    state.SetComplexityN(state.range(0));
+}
+
+void scan(benchmark::State& state) {
+    const std::string path = fileOf(state.range(0));
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(scanLines(path));
+    }
+    countBytes(state, path);
+}
+
+void parseFile(benchmark::State& state) {
+    const std::string path = fileOf(state.range(0));
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(parse(path));
+    }
+    countBytes(state, path);
+}
+
+/// Runs a program to its end, its output thrown away. False when it failed.
+bool run(const char* program, const char* option, const std::string& path) {
+    posix_spawn_file_actions_t actions;
+    posix_spawn_file_actions_init(&actions);
+    for (const int descriptor : {STDOUT_FILENO, STDERR_FILENO}) {
+        posix_spawn_file_actions_addopen(&actions, descriptor, "/dev/null", O_WRONLY, 0);
+    }
+    std::string arguments[]{program, option, path};
+    char* argv[]{arguments[0].data(), arguments[1].data(), arguments[2].data(), nullptr};
+    pid_t child = 0;
+    int status = -1;
+    const bool started = ::posix_spawnp(&child, program, &actions, nullptr, argv, environ) == 0;
+    posix_spawn_file_actions_destroy(&actions);
+    return started && ::waitpid(child, &status, 0) == child && WIFEXITED(status) && WEXITSTATUS(status) == 0;
+}
+
+void process(benchmark::State& state, const char* program, const char* option) {
+    const std::string path = fileOf(state.range(0));
+    for (auto _ : state) {
+        if (!run(program, option, path)) {
+            state.SkipWithError("the program cannot be run, or failed");
+            break;
+        }
+    }
+}
+
+constexpr const char* thisProgram = "/proc/self/exe";
+constexpr std::int64_t longest = 100000;
+
+BENCHMARK(scan)
+    ->RangeMultiplier(10)
+    ->Range(1000, longest)
+    ->Unit(benchmark::kMillisecond)
+    ->Complexity(benchmark::oN);
+BENCHMARK(parseFile)
+    ->RangeMultiplier(10)
+    ->Range(1000, longest)
+    ->Unit(benchmark::kMillisecond)
+    ->Complexity(benchmark::oN);
+BENCHMARK_CAPTURE(process, scan, thisProgram, "--scan")
+    ->Arg(longest)
+    ->Unit(benchmark::kMillisecond)
+    ->UseRealTime();
+BENCHMARK_CAPTURE(process, parse, thisProgram, "--parse")
+    ->Arg(longest)
+    ->Unit(benchmark::kMillisecond)
+    ->UseRealTime();
+BENCHMARK_CAPTURE(process, testparm, "testparm", "-s")
+    ->Arg(longest)
+    ->Unit(benchmark::kMillisecond)
+    ->UseRealTime()
+    ->Iterations(1);
+
+} // namespace
+
+int main(int argc, char** argv) {
+    if (argc == 3 && std::string_view(argv[1]) == "--scan") {
+        std::cout << scanLines(argv[2]) << '\n';
+        return 0;
+    }
+    if (argc == 3 && std::string_view(argv[1]) == "--parse") {
+        std::cout << parse(argv[2]) << '\n';
+        return 0;
+    }
+    benchmark::Initialize(&argc, argv);
+    benchmark::RunSpecifiedBenchmarks();
+    benchmark::Shutdown();
+    return 0;
+}
