@@ -1,0 +1,350 @@
+#include "Helper.h"
+
+#include "ConsentAuthority.h"
+#include "EmbeddedRoot.h"
+#include "Host.h"
+#include "NSFileManager.h"
+#include "NiutilTask.h"
+#include "SambaAccounts.h"
+#include "Subprocess.h"
+#include "SudoAuthority.h"
+#include "TestHost.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <csignal>
+#include <filesystem>
+#include <fstream>
+
+#include <pwd.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace {
+
+namespace fs = std::filesystem;
+
+const std::string kHelper = std::string(BRINDLE_PROGRAMS) + "/brindle-helper";
+
+struct stat statusOf(const fs::path& path) {
+    struct stat status {};
+
+    EXPECT_EQ(::stat(path.c_str(), &status), 0) << path;
+    return status;
+}
+
+unsigned modeOf(const fs::path& path) {
+    return statusOf(path).st_mode & 07777U;
+}
+
+class HelperTest : public testing::Test {
+  protected:
+    HelperTest() { root_.makeIfMissing(); }
+
+    std::string run(const std::string& tool, const std::vector<std::string>& arguments) const {
+        const HelperResult result = runHelperTool(place_, {tool, arguments});
+        const std::string text = result.output + result.errors;
+        EXPECT_EQ(result.status, text.empty() ? 0 : 1);
+        EXPECT_EQ(std::ranges::count(text, '\n'), text.empty() ? 0 : 1) << "one line: " << text;
+        return text;
+    }
+
+    fs::path folder(const std::string& name) const {
+        fs::create_directories(test_.root() / name);
+        return test_.root() / name;
+    }
+
+    TestHost test_;
+    platform::EmbeddedRoot root_{(test_.root() / "computer").string()};
+    HelperPlace place_{root_.folder(), ::getuid()};
+    fs::path target_ = root_.map("/etc/smb.conf");
+    std::string source_ = (test_.root() / "new.conf").string();
+};
+
+TEST_F(HelperTest, RefusesWhatIsNotForSharingAndSaysWhy) {
+    const fs::path shared = folder("shared");
+    test_.write("file", "");
+    fs::create_directory_symlink("/etc", test_.root() / "link");
+    std::ostringstream asItIs; // so that even a broken helper changes nothing here
+    asItIs << std::oct << modeOf("/etc");
+
+    struct Case {
+        std::string tool;
+        std::vector<std::string> arguments;
+        std::string why;
+    };
+
+    const std::vector<Case> cases = {
+        {"/bin/chmod", {asItIs.str(), "/etc"}, "folder of the system"},
+        {"/bin/chmod", {asItIs.str(), (test_.root() / "link").string()}, "folder of the system"},
+        {"/bin/chmod", {asItIs.str(), "/proc/self/root/etc/../etc"}, "folder of the system"},
+        {"/bin/chmod", {"755", "/"}, "folder of the system"},
+        {"/bin/chmod", {"755", "/home/"}, "folder of the system"},
+        {"/bin/chmod", {"755", "/usr/bin"}, "folder of the system"},
+        {"/usr/sbin/chown", {":", "/var"}, "folder of the system"},
+        {"/bin/chmod", {"600", (test_.root() / "file").string()}, "Not a directory"},
+        {"/bin/chmod", {"-R", shared.string()}, "no mode"},
+        {"/bin/chmod", {"1777", shared.string()}, "no mode"},
+        {"/bin/chmod", {"-R", "755", shared.string()}, "wrong arguments"},
+        {"/usr/sbin/chown", {"-R:", shared.string()}, "no such user"},
+        {"/usr/sbin/chown", {"0:", shared.string()}, "no such user"},
+        {"/usr/sbin/chown", {":--help", shared.string()}, "no such group"},
+        {"/bin/cp", {source_, "/etc/passwd"}, "none of the settings files"},
+        {"/bin/cp", {source_, target_.string()}, "none of the settings files"},
+        {"/bin/kill", {"-9", std::to_string(::getpid())}, "wrong arguments"},
+        {"/bin/kill", {"-1", std::to_string(::getpid())}, "no file server"},
+        {"/bin/kill", {"-1", "-1"}, "is no process"},
+        {"/bin/rm", {"x"}, "not on the list"},
+    };
+    for (const Case& each : cases) {
+        const std::string said = run(each.tool, each.arguments);
+        EXPECT_NE(said.find(each.why), std::string::npos) << each.tool << " said: " << said;
+    }
+}
+
+TEST_F(HelperTest, ChangesAFoldersModeBelow01000Only) {
+    const fs::path shared = folder("-R");
+    ASSERT_EQ(::chmod(shared.c_str(), 03700), 0);
+    EXPECT_EQ(run("/bin/chmod", {"51", shared.string()}), "");
+    EXPECT_EQ(modeOf(shared), 03051U);
+    EXPECT_EQ(run("/bin/chmod", {"0", shared.string()}), "");
+    EXPECT_EQ(run("/bin/chmod", {"755", shared.string()}), "") << "its owner may open what nobody may read";
+}
+
+TEST_F(HelperTest, GivesAFolderToAnAccountOfTheDirectoryBeforeOneOfTheComputer) {
+    const fs::path shared = folder("shared");
+    const uid_t uid = ::getuid() == 0 ? 4242 : ::getuid(); // only root gives folders away
+    for (const std::string& value : {std::string("abc"), std::to_string(uid)}) {
+        run("/usr/bin/nicl", {".", "-create", "/users/alice"});
+        EXPECT_EQ(run("/usr/bin/nicl", {".", "-create", "/users/alice", "uid", value}), "");
+        const std::string said = run("/usr/sbin/chown", {"alice:", shared.string()});
+        EXPECT_EQ(said.empty(), value != "abc") << said;
+    }
+    EXPECT_EQ(statusOf(shared).st_uid, uid);
+    EXPECT_EQ(run("/usr/sbin/chown", {":", shared.string()}), "") << "nothing to change";
+    EXPECT_EQ(statusOf(shared).st_uid, uid);
+}
+
+TEST_F(HelperTest, CopiesOnlyARegularFileOfTheUser) {
+    const std::string before = contentsOfFile(target_.string()).bytes.value();
+    test_.write("other.conf", "theirs");
+    const std::string other = (test_.root() / "other.conf").string();
+    fs::create_symlink(other, test_.root() / "link");
+    ASSERT_EQ(::mkfifo((test_.root() / "pipe").c_str(), 0600), 0);
+    for (const char* name : {"link", "pipe", "missing", "home"}) {
+        EXPECT_NE(run("/bin/cp", {(test_.root() / name).string(), "/etc/smb.conf"}), "") << name;
+    }
+    place_.user = ::getuid() + 1;
+    EXPECT_NE(run("/bin/cp", {other, "/etc/smb.conf"}).find("does not belong"), std::string::npos);
+    EXPECT_EQ(contentsOfFile(target_.string()).bytes, before);
+    EXPECT_FALSE(fs::exists(target_.string() + ".previous"));
+}
+
+TEST_F(HelperTest, KeepsTheFirstTextForEverAndTheOneReplacedLast) {
+    std::ofstream(target_) << "original";
+    ASSERT_EQ(::chmod(target_.c_str(), 0640), 0);
+    for (const char* text : {"first", "second", ""}) {
+        test_.write("new.conf", text);
+        EXPECT_EQ(run("/bin/cp", {source_, "/etc/smb.conf"}), "");
+        EXPECT_EQ(contentsOfFile(target_.string()).bytes, text);
+    }
+    EXPECT_EQ(modeOf(target_), 0640U);
+    EXPECT_EQ(contentsOfFile(target_.string() + ".before-brindle").bytes, "original");
+    EXPECT_EQ(contentsOfFile(target_.string() + ".previous").bytes, "second");
+    EXPECT_EQ(std::distance(fs::directory_iterator(target_.parent_path()), {}), 3)
+        << "something was left over";
+}
+
+TEST_F(HelperTest, FollowsALinkAtTheTargetToItsFileEvenToOneThatIsMissing) {
+    const fs::path real = folder("elsewhere") / "real.conf";
+    fs::remove(target_);
+    fs::create_symlink("../../elsewhere/real.conf", target_);
+    for (const char* text : {"first", "second"}) {
+        test_.write("new.conf", text);
+        EXPECT_EQ(run("/bin/cp", {source_, "/etc/smb.conf"}), "");
+        EXPECT_TRUE(fs::is_symlink(target_));
+        EXPECT_EQ(contentsOfFile(real.string()).bytes, text);
+    }
+    EXPECT_EQ(modeOf(real), 0644U);
+    EXPECT_EQ(contentsOfFile(real.string() + ".previous").bytes, "first");
+    fs::remove_all(real.parent_path());
+    EXPECT_NE(run("/bin/cp", {source_, "/etc/smb.conf"}), "") << "no folder to write to";
+}
+
+/// A program called smbd that writes the file HUP when it is hung up, started as `smbd -s CONFIGURATION`.
+class FakeServer {
+  public:
+    FakeServer(const fs::path& folder, const std::string& configuration) : folder_(folder) {
+        fs::create_directories(folder);
+        fs::copy_file("/bin/bash", folder / "smbd");
+        const std::string text =
+            "cd '" + folder.string() +
+            "'; trap 'touch HUP' HUP; touch ready; while :; do read -t 0.05 <> <(:); done";
+        process_ = ::fork();
+        if (process_ == 0) {
+            ::execl((folder / "smbd").c_str(), "smbd", "-c", text.c_str(), "-s", configuration.c_str(),
+                    nullptr);
+            ::_exit(127);
+        }
+        EXPECT_TRUE(appears("ready"));
+    }
+
+    ~FakeServer() {
+        ::kill(process_, SIGKILL);
+        ::waitpid(process_, nullptr, 0);
+    }
+
+    FakeServer(const FakeServer&) = delete;
+    FakeServer& operator=(const FakeServer&) = delete;
+
+    [[nodiscard]] std::string id() const { return std::to_string(process_); }
+
+    [[nodiscard]] bool appears(const char* file) const {
+        for (int tries = 0; tries < 100 && !fs::exists(folder_ / file); ++tries) {
+            ::usleep(50000);
+        }
+        return fs::exists(folder_ / file);
+    }
+
+  private:
+    fs::path folder_;
+    pid_t process_ = 0;
+};
+
+TEST_F(HelperTest, HangsUpTheServersOfItsRootAndNoOthers) {
+    const FakeServer own(folder("own"), platform::SambaAccounts(root_).configurationFile());
+    const FakeServer foreign(folder("foreign"), "/etc/samba/smb.conf");
+    EXPECT_EQ(run("/bin/kill", {"-1", own.id()}), "");
+    EXPECT_TRUE(own.appears("HUP"));
+    EXPECT_NE(run("/bin/kill", {"-1", foreign.id()}).find("no server of this root"), std::string::npos);
+    EXPECT_FALSE(fs::exists(test_.root() / "foreign/HUP"));
+}
+
+TEST_F(HelperTest, ServesARealRunFromTheWindowsSideToTheDirectory) {
+    platform::Services services = test_.host().services();
+    services.authority = std::make_shared<platform::ConsentAuthority>(kHelper, root_.folder());
+    const platform::Host host(std::move(services));
+    NiutilTask& task = NiutilTask::sharedInstance();
+    EXPECT_TRUE(task.createShare("Docs", "/srv/-Docs", 1, 0, 1));
+    const std::vector<std::string> read = {".", "/config/Brindle", "name", "directory_path"};
+    std::vector<std::string> command = {std::string(BRINDLE_PROGRAMS) + "/nireport", "--root",
+                                        root_.folder()};
+    command.insert(command.end(), read.begin(), read.end());
+    EXPECT_EQ(runProgram(command).output, "Docs\t/srv/-Docs\t\n");
+    test_.write("new.conf", "[global]\n");
+    EXPECT_TRUE(task.cp(source_, "/etc/smb.conf"));
+    EXPECT_EQ(contentsOfFile(target_.string()).bytes, "[global]\n");
+    EXPECT_TRUE(test_.log.empty());
+    task.deleteShare("Docs");
+    task.deleteShare("Docs");
+    ASSERT_EQ(test_.log.size(), 1U) << "the second time there is nothing to delete";
+    EXPECT_TRUE(test_.log[0].starts_with("outString non empty for deleteGroup: nicl: ")) << test_.log[0];
+}
+
+TEST_F(HelperTest, StartsNothingForARequestThatItRefuses) {
+    struct Case {
+        std::vector<std::string> options;
+        std::string request;
+        std::vector<std::string> environment;
+    };
+
+    const std::vector<std::string> root = {"--root", root_.folder()};
+    const std::string good("/usr/bin/nicl\0.\0-create\0/users/eve\0", 35);
+    const std::vector<Case> cases = {
+        {root, std::string("/bin/sh\0-c\0true\0", 16), {}},
+        {root, good.substr(0, good.size() - 1), {}}, // its last text has no end
+        {root, "", {}},
+        {root, good + std::string(1024 * 1024, 'x') + '\0', {}},
+        {root, good, {"SUDO_UID=1000"}}, // through sudo, a root could be anywhere
+        {{"--system"}, good, {}},
+        {{}, good, {}},
+    };
+    for (const Case& each : cases) {
+        std::vector<std::string> command = {kHelper};
+        command.insert(command.end(), each.options.begin(), each.options.end());
+        const Finished finished = runProgram(command, each.request, each.environment);
+        EXPECT_EQ(finished.output, "");
+        EXPECT_NE(finished.errors, "") << "it says why";
+        EXPECT_GT(finished.status, 1) << "1 is how sudo refuses";
+    }
+    EXPECT_EQ(runProgram({kHelper, "--root", root_.folder()}, good).output, "\x06");
+}
+
+/// An account of this computer that may use sudo with its password, for as long as the test takes.
+class ScratchAdministrator {
+  public:
+    ScratchAdministrator() {
+        for (const char* tool : {"/usr/bin/sudo", "/usr/sbin/useradd", "/usr/sbin/chpasswd"}) {
+            if (::access(tool, X_OK) != 0) {
+                missing_ = std::string(tool) + " is not installed";
+                return;
+            }
+        }
+        if (::getuid() != 0) {
+            missing_ = "only root makes the account that this needs";
+        } else if (runProgram({"/usr/sbin/useradd", "-M", name_}).status != 0 ||
+                   runProgram({"/usr/sbin/chpasswd"}, name_ + ":right\n").status != 0) {
+            missing_ = "no account can be made on this computer";
+        } else {
+            std::ofstream(rule_) << name_ << " ALL=(ALL) ALL\n";
+            ::chmod(rule_.c_str(), 0440);
+        }
+    }
+
+    ~ScratchAdministrator() {
+        fs::remove(rule_);
+        static_cast<void>(runProgram({"/usr/sbin/userdel", name_}));
+    }
+
+    ScratchAdministrator(const ScratchAdministrator&) = delete;
+    ScratchAdministrator& operator=(const ScratchAdministrator&) = delete;
+
+    [[nodiscard]] const std::string& missing() const { return missing_; }
+
+    /// Does `work` as the account, in a process of its own. True when it answers true.
+    template <class Work>
+    [[nodiscard]] bool does(Work work) const {
+        const passwd account = *::getpwnam(name_.c_str());
+        const pid_t child = ::fork();
+        if (child == 0) {
+            const bool became = ::setgid(account.pw_gid) == 0 && ::setuid(account.pw_uid) == 0;
+            ::_exit(became && work() ? 0 : 1);
+        }
+        int status = 0;
+        return ::waitpid(child, &status, 0) == child && status == 0;
+    }
+
+  private:
+    std::string name_ = "brindle-t" + std::to_string(::getpid() % 100000);
+    fs::path rule_ = "/etc/sudoers.d/" + name_;
+    std::string missing_;
+};
+
+TEST_F(HelperTest, ActsAsRootThroughTheRealSudoOnceThePasswordIsRight) {
+    const ScratchAdministrator administrator;
+    if (!administrator.missing().empty()) {
+        GTEST_SKIP() << administrator.missing();
+    }
+    fs::permissions(test_.root(), fs::perms(0755));
+    const std::string helper = (test_.root() / "brindle-helper").string(); // where that account finds it
+    fs::copy_file(kHelper, helper);
+    const fs::path shared = folder("shared");
+    platform::Services services = test_.host().services();
+    services.authority = std::make_shared<platform::SudoAuthority>(helper);
+    const platform::Host host(std::move(services));
+    EXPECT_TRUE(administrator.does([&] {
+        NiutilTask& task = NiutilTask::sharedInstance();
+        test_.passwords = {"wrong", "right"};
+        const bool asked = !task.isAuthenticated() && task.authenticate() && test_.administratorDialogs == 2;
+        task.changePermissions(shared.string(), "nobody", "", 0751);
+        const bool quiet = test_.log.empty();
+        task.deauthenticate();
+        return asked && quiet && !task.isAuthenticated();
+    }));
+    EXPECT_EQ(modeOf(shared), 0751U);
+    EXPECT_EQ(statusOf(shared).st_uid, ::getpwnam("nobody")->pw_uid);
+}
+
+} // namespace
