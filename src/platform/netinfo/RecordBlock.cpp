@@ -3,7 +3,6 @@
 #include "Sqlite.h"
 
 #include <algorithm>
-#include <cstring>
 #include <string>
 
 namespace platform {
@@ -16,7 +15,7 @@ std::string_view TextArena::keep(std::string_view text) {
         end_ = chunks_.back().get() + size;
     }
     char* place = end_ - free_;
-    std::memcpy(place, text.data(), text.size());
+    std::ranges::copy(text, place); // an empty text may have no place of its own
     free_ -= text.size();
     return {place, text.size()};
 }
