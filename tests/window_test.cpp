@@ -413,7 +413,7 @@ TEST_F(Window, AnAlertIsAnsweredByKeysAndNeverChangesAnythingUnasked) {
         QTimer::singleShot(0, [&each] {
             auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
             ASSERT_NE(box, nullptr);
-            EXPECT_EQ(box->text(), "<b>About &lt;b&gt;</b>"); // a name that looks like markup stays a name
+            EXPECT_TRUE(box->text().contains("About &lt;b&gt;")); // a name that looks like markup stays one
             QTest::keyClick(box, each.key);
         });
         EXPECT_EQ(NSRunAlertPanel("About <b>", "Message", each.first, each.second, each.third), each.answer)

@@ -2,6 +2,7 @@
 
 #include "Element.h"
 
+#include <QColor>
 #include <QObject>
 #include <QString>
 
@@ -50,6 +51,9 @@ class Binding : public QObject {
 
 /// Runs one event of a user, then redraws what it changed.
 void dispatchUserEvent(RefreshQueue& queue, const std::function<void()>& event);
+
+/// The colour of what a user should not overlook.
+inline constexpr QColor warningColor(0xa0, 0x3c, 0x00);
 
 /// The text as Qt shows it; a byte that is not UTF-8 shows as a replacement character.
 [[nodiscard]] inline QString shown(const std::string& text) {

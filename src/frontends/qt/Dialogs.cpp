@@ -18,10 +18,14 @@
 
 namespace {
 
-/// The text as HTML that shows it as it is, so that a name that looks like markup stays a name.
-QString escaped(const std::string& text) {
-    return shown(text).toHtmlEscaped().replace(QLatin1Char('\n'), QLatin1String("<br>"));
+/// The text as HTML that shows it as it is, blanks and line breaks too, so that a name that looks like markup
+/// stays a name.
+QString asItIs(const std::string& text, const char* weight) {
+    return QString::fromLatin1("<p style='white-space: pre-wrap; font-weight: %1'>%2</p>")
+        .arg(QLatin1String(weight), shown(text).toHtmlEscaped());
 }
+
+constexpr int dialogWidth = 340;
 
 bool changesNothing(const std::string& button) {
     return button == NSLocalizedString("Cancel") || button == NSLocalizedString("No");
@@ -64,8 +68,11 @@ platform::AlertAnswer askAlert(const platform::Alert& alert, QWidget* parent) {
     box.setObjectName("alert");
     box.setIcon(QMessageBox::Warning);
     box.setWindowTitle(shown(alert.title));
-    box.setText("<b>" + escaped(alert.title) + "</b>");
-    box.setInformativeText("<qt>" + escaped(alert.message) + "</qt>");
+    box.setText(asItIs(alert.title, "bold"));
+    box.setInformativeText(asItIs(alert.message, "normal"));
+    if (QWidget* message = box.findChild<QWidget*>("qt_msgbox_informativelabel")) {
+        message->setMinimumWidth(dialogWidth); // else a long message stands in a narrow column
+    }
     const AlertAnswer harmless = harmlessAnswer(alert);
     std::vector<std::pair<QAbstractButton*, AlertAnswer>> buttons;
     const auto add = [&](const std::optional<std::string>& text, QMessageBox::ButtonRole role,
@@ -125,7 +132,7 @@ std::optional<platform::AdministratorAnswer> askAdministrator(const platform::Ad
     QFont bold = heading->font();
     bold.setBold(true);
     heading->setFont(bold);
-    heading->setMinimumWidth(340);
+    heading->setMinimumWidth(dialogWidth);
     layout->addWidget(heading);
     layout->addWidget(wrapped(
         shown(NSLocalizedString(request.needsPassword ? "Enter an administrator's password to allow this."
@@ -143,7 +150,9 @@ std::optional<platform::AdministratorAnswer> askAdministrator(const platform::Ad
     }
     if (!request.message.empty()) {
         auto* message = wrapped(shown(request.message));
-        message->setForegroundRole(QPalette::Link);
+        QPalette warning = message->palette();
+        warning.setColor(QPalette::WindowText, warningColor);
+        message->setPalette(warning);
         layout->addWidget(message);
     }
     auto* buttons = new QDialogButtonBox;

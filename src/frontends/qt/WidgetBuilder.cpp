@@ -162,7 +162,7 @@ QWidget* WidgetBuilder::makeLabel(const InterfaceNode& node) {
         label->setWordWrap(true);
     } else if (style == "warning") {
         QPalette palette = label->palette();
-        palette.setColor(QPalette::WindowText, QColor(0xa0, 0x3c, 0x00));
+        palette.setColor(QPalette::WindowText, warningColor);
         label->setPalette(palette);
         label->setWordWrap(true);
     }
