@@ -124,14 +124,17 @@ Conversation::~Conversation() {
     collect(process_);
 }
 
-std::string Conversation::ask(const std::string& line, const std::string& marker, const std::string& mark) {
-    writeAll(input_, line + "\n" + marker + "\n");
+std::string Conversation::ask(const std::string& line, const std::string& part) {
+    writeAll(input_, line + "\n");
     std::string answer;
     char byte = 0;
     while (read(output_, &byte, 1) == 1) {
-        answer += byte;
-        if (answer.ends_with(mark + "\n")) {
-            return answer.substr(0, answer.size() - mark.size() - 1);
+        if (byte != '\n') {
+            answer += byte;
+        } else if (answer.find(part) != std::string::npos) {
+            return answer;
+        } else {
+            answer.clear();
         }
     }
     return answer;

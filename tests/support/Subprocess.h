@@ -25,10 +25,9 @@ class Conversation {
     Conversation(const Conversation&) = delete;
     Conversation& operator=(const Conversation&) = delete;
 
-    /// Sends a line, then `marker` (a line that makes the program print `mark`), and answers what came up to
-    /// `mark`.
-    [[nodiscard]] std::string ask(const std::string& line, const std::string& marker,
-                                  const std::string& mark);
+    /// Sends a line and answers the next line that holds `part`; what came by then where the program ends
+    /// without one.
+    [[nodiscard]] std::string ask(const std::string& line, const std::string& part);
 
   private:
     pid_t process_ = 0;
