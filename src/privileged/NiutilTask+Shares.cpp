@@ -5,6 +5,7 @@
 #include "NSString.h"
 
 #include <algorithm>
+#include <ranges>
 
 namespace {
 
@@ -54,8 +55,8 @@ void NiutilTask::deleteAllShares() {
         return;
     }
     const std::vector<std::string> shares = currentShares();
-    for (auto line = shares.rbegin(); line != shares.rend(); ++line) {
-        const std::string name = line->substr(0, line->find('\t'));
+    for (const std::string& line : std::views::reverse(shares)) {
+        const std::string name = line.substr(0, line.find('\t'));
         const RunResult result = runTool(kNicl, std::vector<std::string>{".", "-delete", sharePath(name)});
         if (result.output != "") {
             NSBeep();

@@ -5,12 +5,11 @@
 
 #include <array>
 #include <cerrno>
+#include <cstdint>
 #include <cstdio>
-#include <cstdlib>
-#include <memory>
 #include <optional>
 #include <string_view>
-#include <system_error>
+#include <utility>
 
 #include <fcntl.h>
 #include <sys/random.h>
@@ -79,8 +78,9 @@ std::string followLinks(std::string path) {
             return path; // no link, or nothing there
         }
         const std::string destination(buffer.data(), static_cast<std::size_t>(length));
-        path = destination.starts_with('/') ? destination
-                                            : stringByDeletingLastPathComponent(path) + "/" + destination;
+        // A relative link begins at the folder that it stands in.
+        path = destination.starts_with('/') ? "" : stringByDeletingLastPathComponent(path).append("/");
+        path.append(destination);
     }
     fail(path, ELOOP);
 }

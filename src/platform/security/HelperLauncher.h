@@ -4,6 +4,7 @@
 #include "ChildProcess.h"
 
 #include <chrono>
+#include <cstddef>
 #include <span>
 #include <string>
 #include <vector>
@@ -18,7 +19,7 @@ namespace platform {
 class HelperLauncher {
   public:
     /// The largest request, in bytes.
-    static constexpr std::size_t maximumRequest = 1024U * 1024U;
+    static constexpr std::size_t maximumRequest = std::size_t{1024} * 1024;
     /// What the helper writes first: it has read its request and is the tool from now on.
     static constexpr char startedByte = 0x06;
     /// A helper that gives up before it has started ends with this status; sudo, when it refuses, with
