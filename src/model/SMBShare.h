@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <memory_resource>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -18,7 +19,7 @@ inline constexpr std::int32_t SMBGroup = 2;        ///< a section
 /// keeps, so that reading a long file copies nothing; every text made or copied elsewhere is its own.
 class SMBText {
   public:
-    SMBText() = default;
+    SMBText() : SMBText(nullptr, Ownership()) {}
 
     SMBText(std::string_view text) : SMBText(copyOf(text), Ownership(text.size(), true)) {}
 
@@ -109,10 +110,18 @@ struct SMBPair {
     [[nodiscard]] bool operator==(const SMBPair&) const = default;
 };
 
+/// Parameters in the file's order. Those that the parser read lie in memory of the model's.
+using SMBPairs = std::pmr::vector<SMBPair>;
+
 /// One entry of smb.conf: a comment block, a section, or a commented-out section. Texts are bytes, as in the
 /// file.
 class SMBShare {
   public:
+    SMBShare() = default;
+
+    /// `memory` must outlive the entry.
+    explicit SMBShare(std::pmr::memory_resource* memory) : _props(memory) {}
+
     [[nodiscard]] std::int32_t Type() const { return _type; }
 
     void setType(std::int32_t type) { _type = type; }
@@ -123,11 +132,11 @@ class SMBShare {
     void setShareName(std::string name) { _sharename = std::move(name); }
 
     /// The live list, changed in place by its users. A key may occur more than once.
-    [[nodiscard]] std::vector<SMBPair>& Props() { return _props; }
+    [[nodiscard]] SMBPairs& Props() { return _props; }
 
-    [[nodiscard]] const std::vector<SMBPair>& Props() const { return _props; }
+    [[nodiscard]] const SMBPairs& Props() const { return _props; }
 
-    void setProps(std::vector<SMBPair> props) { _props = std::move(props); }
+    void setProps(SMBPairs props) { _props = std::move(props); }
 
     /// The entry's comment lines, each ended by "\n".
     [[nodiscard]] std::string& Text() { return _text; }
@@ -151,6 +160,6 @@ class SMBShare {
   private:
     std::int32_t _type = SMBComment;
     std::string _sharename;
-    std::vector<SMBPair> _props;
+    SMBPairs _props;
     std::string _text;
 };

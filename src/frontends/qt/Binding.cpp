@@ -5,6 +5,7 @@
 #include <QTimer>
 
 #include <algorithm>
+#include <utility>
 
 RefreshQueue::~RefreshQueue() {
     for (Binding* binding : waiting_) {
@@ -28,13 +29,15 @@ void RefreshQueue::remove(Binding* binding) {
 
 void RefreshQueue::flush() {
     scheduled_ = false;
-    // A refresh may mark others: they are appended and done in the same pass.
-    for (std::size_t next = 0; next < waiting_.size(); ++next) {
-        if (Binding* binding = waiting_[next]) {
-            waiting_[next] = nullptr;
+    // A refresh may mark others: they are appended and done in the same pass, so no iterator stays valid.
+    // NOLINTNEXTLINE(modernize-loop-convert)
+    std::size_t next = 0;
+    while (next < waiting_.size()) {
+        if (Binding* binding = std::exchange(waiting_[next], nullptr)) {
             binding->waiting_ = false;
             binding->refresh_();
         }
+        ++next;
     }
     waiting_.clear();
 }
