@@ -38,6 +38,14 @@ std::optional<std::string> requestFor(const std::string& tool, std::span<const s
     return request;
 }
 
+void discard(const FileDescriptor& output) {
+    std::array<char, 512> unread{};
+    ssize_t count = 0;
+    do {
+        count = ::read(output.get(), unread.data(), unread.size());
+    } while (count > 0 || (count < 0 && errno == EINTR));
+}
+
 bool isTransient(int error) {
     return error == EINTR || error == EAGAIN;
 }
@@ -79,6 +87,10 @@ OSStatus HelperLauncher::run(const std::string& tool, std::span<const std::strin
     }
     if (output != nullptr) {
         *output = child->output.release();
+    } else {
+        // To the end, as a caller with a stream would read: what the tool was to do is done when this
+        // answers.
+        discard(child->output);
     }
     return errAuthorizationSuccess;
 }

@@ -35,8 +35,8 @@ class HelperLauncher {
     HelperLauncher& operator=(const HelperLauncher&) = delete;
 
     /// Starts `tool` and waits until it has started. On success `*output` (when not null) is a descriptor for
-    /// the tool's standard output, owned by the caller; without it the output goes nowhere.
-    /// errAuthorizationDenied when the program in front of the helper refused;
+    /// the tool's standard output, owned by the caller; without it the output goes nowhere, and this answers
+    /// when the tool has ended. errAuthorizationDenied when the program in front of the helper refused;
     /// errAuthorizationToolExecuteFailure when the helper could not be started, refused the tool, said
     /// anything else first, or took too long.
     [[nodiscard]] OSStatus run(const std::string& tool, std::span<const std::string> arguments, int* output);
