@@ -174,8 +174,10 @@ bool writeSnapshots(QtPresenter& presenter, const std::string& folder, std::stri
     try {
         Photographer photographer(presenter, shown(folder));
         // An interface may load another: the About panel's stands at the end of the list then.
-        for (std::size_t next = 0; next < presenter.interfaces().size(); ++next) {
+        std::size_t next = 0;
+        while (next < presenter.interfaces().size()) {
             photographer.photograph(presenter.interfaces()[next]->root());
+            ++next;
         }
     } catch (const std::runtime_error& failure) {
         error = failure.what();
