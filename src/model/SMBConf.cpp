@@ -1,5 +1,6 @@
 #include "SMBConf.h"
 
+#include "LargeBlocks.h"
 #include "NSFileManager.h"
 #include "NSLog.h"
 #include "NiutilTask.h"
@@ -70,7 +71,9 @@ void SMBConf::parseSMBConfFile() {
     if (contents.bytes) {
         _bytes = std::move(*contents.bytes);
     }
-    SMBParser parser(_bytes);
+    _memory = std::make_unique<std::pmr::monotonic_buffer_resource>(std::max<std::size_t>(_bytes.size(), 1),
+                                                                    &LargeBlocks::instance());
+    SMBParser parser(_bytes, _memory.get());
     parser.parse();
     _entries = std::move(parser.entries);
     _global = parser.global;

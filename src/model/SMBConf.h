@@ -3,6 +3,7 @@
 #include "SMBShare.h"
 
 #include <memory>
+#include <memory_resource>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -99,6 +100,8 @@ class SMBConf {
 
     std::string _path;
     std::string _bytes; ///< the file as it was read; the entries' parameters are views of it
+    /// The lists of parameters that were read: one block for a whole file, freed with the model.
+    std::unique_ptr<std::pmr::memory_resource> _memory;
     EntryList _entries;
     SMBShare* _global = nullptr;
     SMBShare* _homes = nullptr;

@@ -48,12 +48,12 @@ bool isContinued(std::string_view line) {
 
 } // namespace
 
-SMBParser::SMBParser(std::string_view text)
+SMBParser::SMBParser(std::string_view text, std::pmr::memory_resource* memory)
     : _position(text.data()), _text(text), _hasCarriageReturn(text.find('\r') != std::string_view::npos),
-      _hasValueEndMark(text.find(valueEndMark) != std::string_view::npos) {}
+      _hasValueEndMark(text.find(valueEndMark) != std::string_view::npos), _memory(memory) {}
 
 void SMBParser::parse() {
-    _current = std::make_unique<SMBShare>();
+    _current = std::make_unique<SMBShare>(_memory);
     while (_haveLine || nextLine()) {
         _haveLine = false;
         parseLine();
@@ -83,7 +83,7 @@ void SMBParser::beginEntry(std::int32_t type) {
     if (_state != State::Start) {
         entries.push_back(std::move(_current));
     }
-    _current = std::make_unique<SMBShare>();
+    _current = std::make_unique<SMBShare>(_memory);
     _current->setType(type);
 }
 
@@ -172,7 +172,7 @@ void SMBParser::addPair(std::string_view text, bool commentedOut) {
 }
 
 void SMBParser::takePairs() {
-    std::vector<SMBPair>& props = _current->Props();
+    SMBPairs& props = _current->Props();
     props.reserve(_pairs.size());
     for (const auto& [key, value] : _pairs) {
         props.push_back({SMBText::borrowed(key), SMBText::borrowed(value)});

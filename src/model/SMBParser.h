@@ -3,6 +3,7 @@
 #include "SMBConf.h"
 
 #include <memory>
+#include <memory_resource>
 #include <string_view>
 #include <utility>
 #include <vector>
@@ -11,8 +12,8 @@
 /// and noted when a user would miss it. Linear in the text's length, and copies no parameter.
 class SMBParser {
   public:
-    /// `text` must outlive the entries that are made of it.
-    explicit SMBParser(std::string_view text);
+    /// `text` and `memory` must outlive the entries that are made of it.
+    SMBParser(std::string_view text, std::pmr::memory_resource* memory);
 
     /// Reads everything; then the results below stand. At least one entry is made.
     void parse();
@@ -44,6 +45,7 @@ class SMBParser {
     std::string_view _line; ///< the line that was read last
     bool _haveLine = false; ///< `_line` ended an entry and is still to be looked at
     State _state = State::Start;
+    std::pmr::memory_resource* _memory;
     std::unique_ptr<SMBShare> _current;
     /// Keys and values of the current entry, until it ends and their number is known.
     std::vector<std::pair<std::string_view, std::string_view>> _pairs;

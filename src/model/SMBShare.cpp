@@ -6,7 +6,7 @@
 
 namespace {
 
-std::string propsDescription(const std::vector<SMBPair>& props) {
+std::string propsDescription(const SMBPairs& props) {
     std::string text = "(\n";
     for (const SMBPair& pair : props) {
         text += stringWithFormat("    {Name = %@; Value = %@;}\n", pair.Name.view(), pair.Value.view());
