@@ -13,10 +13,12 @@
 #include <QComboBox>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMessageBox>
 #include <QPushButton>
 #include <QTabBar>
 #include <QTableView>
 #include <QTest>
+#include <QTimer>
 
 namespace {
 
@@ -187,6 +189,40 @@ TEST_F(MainWindow, AMenuPicksThePageOfTheSettingsAndAnotherShowsTheAboutPanel) {
     }
     EXPECT_TRUE(widget<QWidget>("aboutWindow").isVisible());
     EXPECT_EQ(widget<QWidget>("aboutWindow").windowTitle(), "About Brindle");
+}
+
+TEST_F(MainWindow, ASlipInTheMenuDoesNotRewriteTheShares) {
+    addShare("Docs", "/shares/docs", "0");
+    open();
+    QAction* update = nullptr;
+    for (auto* action : widget<QWidget>("mainWindow").findChildren<QAction*>()) {
+        update = action->text().startsWith("Update Shares") ? action : update;
+    }
+    ASSERT_NE(update, nullptr);
+    QStringList asked;
+    QStringList answers;
+    QTimer finger;
+    finger.callOnTimeout([&] {
+        auto* alert = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+        if (alert == nullptr || answers.isEmpty()) {
+            return;
+        }
+        asked.append(alert->windowTitle());
+        for (const QString answer = answers.takeFirst(); auto* button : alert->buttons()) {
+            if (button->text() == answer) {
+                QTest::mouseClick(button, Qt::LeftButton);
+            }
+        }
+    });
+    finger.start(5);
+    answers = {"No"};
+    update->trigger();
+    EXPECT_TRUE(host.runs.empty());
+    answers = {"Yes", "OK"};
+    update->trigger();
+    EXPECT_EQ(asked, (QStringList{"Update Shares for Jaguar…", "Update Shares for Jaguar…",
+                                  "Shares Updated for Jaguar"}));
+    EXPECT_FALSE(host.runs.empty());
 }
 
 } // namespace

@@ -1,7 +1,9 @@
 #include "Menus.h"
 
 #include "LineEdit.h"
+#include "NSAlert.h"
 #include "NSApplication.h"
+#include "NSBundle.h"
 #include "NSButton.h"
 #include "NSWindow.h"
 #include "NodeAttributes.h"
@@ -25,6 +27,14 @@ QAction::MenuRole roleOf(const std::string& role) {
     return role == "preferences" ? QAction::PreferencesRole : QAction::NoRole;
 }
 
+/// The question that the interface file has asked before an item is used: its neighbour is picked by a slip
+/// of the hand. An item without one is meant as it is picked.
+bool isMeant(const NSMenuItem& item, const std::string& question) {
+    return question.empty() ||
+           NSRunAlertPanel(item.title(), "%@", NSLocalizedString("No"), NSLocalizedString("Yes"),
+                           std::nullopt, question) == NSAlertAlternateReturn;
+}
+
 void addItem(QMenu& menu, const InterfaceNode& node, RefreshQueue& queue) {
     auto* item = modelOf<NSMenuItem>(node);
     auto* action = menu.addAction(title(item != nullptr ? item->title() : node.attribute("title")));
@@ -34,12 +44,16 @@ void addItem(QMenu& menu, const InterfaceNode& node, RefreshQueue& queue) {
     const std::string& role = node.attribute("role");
     action->setMenuRole(roleOf(role));
     const bool quits = role == "quit";
-    QObject::connect(action, &QAction::triggered, action, [item, quits, &queue] {
+    QObject::connect(action, &QAction::triggered, action, [item, &node, quits, &queue] {
         endEditingOfFocusedField();
         if (quits) {
             closeMainWindow(queue);
         } else if (item != nullptr) {
-            dispatchUserEvent(queue, [item] { item->performClick(); });
+            dispatchUserEvent(queue, [item, &node] {
+                if (isMeant(*item, node.attribute("confirm"))) {
+                    item->performClick();
+                }
+            });
         }
     });
     if (item != nullptr) {
