@@ -1,10 +1,9 @@
 #include "TableText.h"
 
-#include "NSString.h"
+#include "NSFormatter.h"
 #include "NSTableView.h"
 
 #include <algorithm>
-#include <cstdint>
 #include <memory>
 #include <string_view>
 #include <type_traits>
@@ -18,25 +17,8 @@ namespace frontend {
 namespace {
 
 constexpr std::string_view gap = "  ";
+constexpr char32_t replacementCharacter = 0xFFFD;
 constexpr std::string_view replacement = "\xEF\xBF\xBD";
-
-/// The length in bytes of the well-formed character at the start of `text` (not empty); 0 when there is none.
-std::size_t characterLength(std::string_view text) {
-    const auto lead = static_cast<unsigned char>(text.front());
-    const std::size_t length = lead < 0x80U ? 1 : lead < 0xE0U ? 2 : lead < 0xF0U ? 3 : 4;
-    return isValidUTF8(text.substr(0, length)) ? std::min(length, text.size()) : 0;
-}
-
-wchar_t codePoint(std::string_view character) {
-    if (character.size() == 1) {
-        return static_cast<wchar_t>(character.front());
-    }
-    std::uint32_t code = static_cast<unsigned char>(character.front()) & (0xFFU >> (character.size() + 1));
-    for (const char byte : character.substr(1)) {
-        code = (code << 6U) | (static_cast<unsigned char>(byte) & 0x3FU);
-    }
-    return static_cast<wchar_t>(code);
-}
 
 /// How many places of a terminal a character takes, whatever the language of the environment: -1 for a
 /// control character.
@@ -57,11 +39,11 @@ class TerminalWidths {
     TerminalWidths(const TerminalWidths&) = delete;
     TerminalWidths& operator=(const TerminalWidths&) = delete;
 
-    [[nodiscard]] int width(wchar_t code) const {
-        if (code < 0x20 || code == 0x7F) {
+    [[nodiscard]] int width(char32_t character) const {
+        if (character < 0x20 || character == 0x7F) {
             return -1;
         }
-        return locale_ ? wcwidth(code) : 1;
+        return locale_ ? wcwidth(static_cast<wchar_t>(character)) : 1;
     }
 
   private:
@@ -80,12 +62,13 @@ struct Cell {
 
 Cell makeCell(std::string_view text, const TerminalWidths& widths) {
     Cell cell;
-    while (!text.empty()) {
-        const std::size_t length = characterLength(text);
-        const int width = length == 0 ? -1 : widths.width(codePoint(text.substr(0, length)));
-        cell.text += width < 0 ? replacement : text.substr(0, length);
-        cell.width += width < 0 ? 1U : static_cast<std::size_t>(width);
-        text.remove_prefix(std::max<std::size_t>(length, 1));
+    for (std::size_t at = 0; at < text.size();) {
+        const std::size_t begin = at;
+        const char32_t character = platform::nextCharacter(text, at);
+        const int width = widths.width(character);
+        const bool isShown = width >= 0 && character != replacementCharacter;
+        cell.text += isShown ? text.substr(begin, at - begin) : replacement;
+        cell.width += isShown ? static_cast<std::size_t>(width) : 1U;
     }
     return cell;
 }
