@@ -7,10 +7,8 @@
 #include "NSPopUpButton.h"
 #include "NSTextView.h"
 #include "ObjectClass.h"
-#include "Options.h"
 #include "ScriptRunner.h"
 #include "ScriptWords.h"
-#include "TableText.h"
 #include "TestHost.h"
 
 #include <gtest/gtest.h>
@@ -247,8 +245,21 @@ TEST(Script, PrintsWhatAUserWouldSeeInTheOrderInWhichItHappens) {
          "window about shown\nwindow password shown\nlog \"secret\\n\"\nsecret \"****\"\npassword "
          "shown\ntitle \"\"\n"
          "window password hidden\nlog \"sheet 1\"\nwindow about hidden\n"},
-        {"press spoil\nshow title go",
-         "log \"The action was given up: no such piece\"\ntitle \"\" disabled\ngo \"Go\" disabled\n"},
+        {"press spoil\nshow title go many",
+         "log \"The action was given up: no such piece\"\ntitle \"\" disabled\ngo \"Go\" disabled\n"
+         "many 2 rows, selected none disabled\n0 Name=\"zoë\"\n1 Name=\"\"\n"},
+        {"send note:\nshow guest", "log \"title\\n\"\nguest off\n"},
+        {"\tshow\ttitle#x\n \t\n#show\ntype title a\\b\nshow title",
+         "title \"\"\nlog \"title\\n\"\ntitle \"a\\\\b\"\n"},
+        {"type amount 12\nappend amount \xFF\nappend amount \"3 4\"\nappend amount ٣\nshow amount",
+         "log \"amount\\n\"\nrefused \"Input is not an integer\"\nbeep\nrefused \"Input is not an "
+         "integer\"\nbeep\nlog \"amount\\n\"\namount \"123\"\n"},
+        {"press raise\nitems page\nadministrator refuse\nshow grid\nsend done:\npress raise\npress "
+         "done\nclose about",
+         "window about shown\nwindow password shown\npage[0] \"437\" tag=9\npage[1] \"One \\\"1\\\"\" "
+         "tag=0\ngrid off off off off\nwindow password hidden\nlog \"sheet 1\"\n"
+         "window password shown\nwindow password hidden\nlog \"sheet 1\"\nwindow about hidden\n"},
+        {"close deskWindow", ""},
     };
     for (const ScriptCase& each : cases) {
         const Ran ran = runScript(std::string("start\n") + each.script);
@@ -264,6 +275,10 @@ TEST(Script, StopsAtWhatAUserCouldNotDoAndSaysWhere) {
         {"type title", "it:2: write this command as: type OUTLET TEXT"},
         {"type title \"a", "it:2: a quote is opened and not closed"},
         {"type title \"\\x\"", "it:2: \\x stands for nothing: inside quotes write \\\", \\\\, \\n or \\t"},
+        {"type title \"a\"b", "it:2: a blank is missing after a closing quote"},
+        {"type title a\"b\"",
+         "it:2: a quote inside a word: put the whole word in quotes and write \\\" for the quote"},
+        {"answer a b c", "it:2: write this command as: answer [ALERT] BUTTON"},
         {"start", "it:2: the application has been started already"},
         {"show nothing", "it:2: there is no control or window \"nothing\""},
         {"press title", "it:2: title is not a button"},
@@ -278,16 +293,20 @@ TEST(Script, StopsAtWhatAUserCouldNotDoAndSaysWhere) {
         {"select page Two", "it:2: page has no item \"Two\""},
         {"select empty 0", "it:2: empty has no item \"0\""},
         {"page tabs 2", "it:2: tabs has no page 2"},
+        {"page tabs 99999999999", "it:2: tabs has no page 99999999999"},
         {"rows people 2", "it:2: people has no row 2"},
         {"rows people 0 1", "it:2: people lets only one row be selected"},
         {"rows people -1", "it:2: \"-1\" is not a number that counts from 0"},
         {"check grid 2 0 on", "it:2: grid has no cell in row 2 and column 0"},
+        {"check grid on", "it:2: grid is not a check box"},
         {"check guest maybe", "it:2: a box is checked on or off, not \"maybe\""},
         {"type secret x", "it:2: secret cannot be used: its window password is not on screen"},
         {"close about", "it:2: about is not on screen"},
         {"press raise\npress go", "it:3: go cannot be used while the sheet password is up"},
         {"press raise\nsend ask:", "it:3: ask: cannot be used while the sheet password is up"},
         {"press raise\nclose about", "it:3: about cannot be used while the sheet password is up"},
+        {"press raise\npage tabs 1", "it:3: tabs cannot be used while the sheet password is up"},
+        {"press raise\ncheck inDrawer on", "it:3: inDrawer cannot be used while the sheet password is up"},
         {"press raise\nclose password", "it:3: password is a sheet: only its own buttons end it"},
         {"choose here", "it:2: an open panel chooses an absolute path, and \"here\" does not begin with /"},
         {"choose /etc/passwd\npress pick", "it:2: /etc/passwd is a file and the open panel offers folders"},
@@ -296,6 +315,7 @@ TEST(Script, StopsAtWhatAUserCouldNotDoAndSaysWhere) {
         {"answer Perhaps\n\npress go",
          "it:2: the alert \"First\" has no button \"Perhaps\"; it has \"No\" \"Yes\" \"Maybe\""},
         {"close deskWindow\nshow title", "it:3: the application has ended: nothing can follow"},
+        {"quit\nanswer Yes", "it:3: the application has ended: nothing can follow"},
     };
     for (const ScriptCase& each : cases) {
         const Ran ran = runScript(std::string("start\n") + each.script);
@@ -338,65 +358,6 @@ TEST(ScriptWords, AreReadBackAsTheyWereWritten) {
                   std::vector{text});
     }
     EXPECT_EQ(frontend::scriptWord("\xFFraw"), "\xFFraw");
-}
-
-TEST(TableText, AlignsByWhatATerminalShowsAndLeavesHiddenColumnsOut) {
-    struct Source : NSTableViewDataSource {
-        int numberOfRowsInTableView(NSTableView* /*table*/) override { return 3; }
-
-        std::string tableViewObjectValueForTableColumn(NSTableView* /*table*/, const NSTableColumn& column,
-                                                       int row) override {
-            const std::array names = {"日本", "e\xCC\x81\x1B[31m", "\xFF"};
-            return column.identifier == "n" ? names.at(static_cast<std::size_t>(row)) : row == 1 ? "" : "x";
-        }
-    } source;
-
-    const TestHost test;
-    NSTableView table;
-    table.addTableColumn({"n", "Name", 10, false});
-    table.addTableColumn({"h", "Hidden", 10, true});
-    table.addTableColumn({"v", "Value", 10, false});
-    table.setDataSource(&source);
-    table.reloadData();
-    EXPECT_EQ(frontend::tableText(table),
-              "Name    Value\n日本    x\ne\xCC\x81\xEF\xBF\xBD[31m\n\xEF\xBF\xBD       x\n");
-}
-
-TEST(Options, AreUnderstood) {
-    using frontend::Mode;
-    const auto parsed = [](std::vector<std::string> arguments) { return frontend::parseOptions(arguments); };
-    EXPECT_EQ(parsed({}).mode, Mode::Window);
-    EXPECT_EQ(parsed({"--script", "-"}).script, "-");
-    EXPECT_EQ(parsed({"--root=a=b", "--print=groups"}).root, "a=b");
-    EXPECT_EQ(parsed({"--print", "users"}).table, frontend::PrintedTable::Users);
-    EXPECT_EQ(parsed({"--serve", "--port", "65535"}).port, 65535);
-}
-
-TEST(Options, ThatMakeNoSenseAreNamed) {
-    const std::pair<std::vector<std::string>, const char*> cases[] = {
-        {{"--colour"}, "unknown option --colour"},
-        {{"script"}, "\"script\" is not an option"},
-        {{"--script"}, "--script needs a value after it"},
-        {{"--root="}, "--root needs a value after it"},
-        {{"--help=no"}, "--help takes no value"},
-        {{"--print", "all"}, "--print takes shares, users or groups, not \"all\""},
-        {{"--print", "users", "--script", "-"}, "--print and --script cannot be done in one run"},
-        {{"--root", "a", "--system"}, "--root and --system contradict each other"},
-        {{"--root", "a", "--root", "a"}, "--root is given twice"},
-        {{"--port", "1"}, "--port is the port of --serve, which is missing"},
-        {{"--serve", "--port", "0"}, "--port takes a number from 1 to 65535, not \"0\""},
-        {{"--serve", "--port", "12x"}, "--port takes a number from 1 to 65535, not \"12x\""},
-        {{"--serve", "--print", "users"},
-         "--serve lasts as long as the window or a script: it cannot go with --print"},
-    };
-    for (const auto& [arguments, message] : cases) {
-        try {
-            static_cast<void>(frontend::parseOptions(arguments));
-            ADD_FAILURE() << "accepted: " << message;
-        } catch (const frontend::OptionsError& error) {
-            EXPECT_STREQ(error.what(), message);
-        }
-    }
 }
 
 } // namespace

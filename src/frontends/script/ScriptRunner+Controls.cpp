@@ -13,7 +13,6 @@
 #include "ScriptWords.h"
 
 #include <algorithm>
-#include <charconv>
 
 // The commands that use controls: what the window does with a user's mouse and keys.
 
@@ -72,12 +71,10 @@ NSTextField& ScriptRunner::editableField(const std::string& name) const {
 }
 
 int ScriptRunner::number(const std::string& word) const {
-    int value = 0;
-    const auto [end, error] = std::from_chars(word.data(), word.data() + word.size(), value);
-    if (!isNumber(word) || error != std::errc()) {
+    if (!isNumber(word)) {
         fail(quotedText(word) + " is not a number that counts from 0");
     }
-    return value;
+    return intValue(word); // a number beyond its bounds is beyond every control's too
 }
 
 int ScriptRunner::state(const std::string& word) const {
