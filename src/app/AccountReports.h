@@ -12,10 +12,19 @@
 // raises std::out_of_range.
 
 /// What a report shows for a property without values.
-inline constexpr std::string_view accountNoValue = "#NoValue#";
+inline constexpr std::string_view reportNoValue = "#NoValue#";
 
 inline constexpr std::int32_t highestSystemUserId = 99;
 inline constexpr std::int32_t highestSystemGroupId = 100;
+
+[[nodiscard]] inline bool isSystemUserId(std::int32_t id) {
+    return id <= highestSystemUserId;
+}
+
+/// Three groups with low ids are what users are put into: they are always listed.
+[[nodiscard]] inline bool isSystemGroup(std::int32_t id, std::string_view name) {
+    return id <= highestSystemGroupId && name != "staff" && name != "admin" && name != "guest";
+}
 
 struct UserRecord {
     explicit UserRecord(const std::string& line) : UserRecord(componentsSeparatedByString(line, "\t")) {}
@@ -27,12 +36,12 @@ struct UserRecord {
     std::int32_t id;
     std::string gid; ///< the primary group's id as the report has it
 
-    [[nodiscard]] bool isSystem() const { return id <= highestSystemUserId; }
+    [[nodiscard]] bool isSystem() const { return isSystemUserId(id); }
 };
 
 /// The short names of a member field.
 [[nodiscard]] inline std::vector<std::string> memberNames(const std::string& field) {
-    if (field.empty() || field == accountNoValue) {
+    if (field.empty() || field == reportNoValue) {
         return {};
     }
     return componentsSeparatedByString(field, ",");
@@ -48,10 +57,7 @@ struct GroupRecord {
     std::string name;
     std::string memberField;
 
-    /// Three groups with low ids are what users are put into: they are always listed.
-    [[nodiscard]] bool isSystem() const {
-        return id <= highestSystemGroupId && name != "staff" && name != "admin" && name != "guest";
-    }
+    [[nodiscard]] bool isSystem() const { return isSystemGroup(id, name); }
 
     [[nodiscard]] std::vector<std::string> members() const { return memberNames(memberField); }
 };

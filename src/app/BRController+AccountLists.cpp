@@ -86,11 +86,6 @@ bool anyRowHas(const std::vector<BRRow>& rows, const char* key, const std::strin
     return std::ranges::any_of(rows, [&](const BRRow& row) { return row.at(key) == value; });
 }
 
-const BRRow* rowAt(const std::vector<BRRow>& rows, int row) {
-    const auto index = static_cast<std::size_t>(row);
-    return row >= 0 && index < rows.size() ? &rows[index] : nullptr;
-}
-
 } // namespace
 
 void BRController::getNextUID(NSControl* /*sender*/) {
@@ -125,7 +120,7 @@ void BRController::updateAddGroupButton(NSControl* /*sender*/) {
 }
 
 void BRController::updateUserTextFields(NSControl* /*sender*/) {
-    const BRRow* row = rowAt(userShares, userTableView->selectedRow());
+    const BRRow* row = selectedRow(*userTableView, userShares);
     fullName->setStringValue(row != nullptr ? row->at("Full Name") : "");
     shortName->setStringValue(row != nullptr ? row->at("User") : "");
     uid->setStringValue(row != nullptr ? row->at("UID") : "");
@@ -142,7 +137,7 @@ void BRController::updateUserTextFields(NSControl* /*sender*/) {
 }
 
 void BRController::updateGroupTextFields(NSControl* /*sender*/) {
-    const BRRow* row = rowAt(groupShares, groupTableView->selectedRow());
+    const BRRow* row = selectedRow(*groupTableView, groupShares);
     groupName->setStringValue(row != nullptr ? row->at("Group") : "");
     gid->setStringValue(row != nullptr ? row->at("GID") : "");
     createNewGroupButton->setTitle(NSLocalizedString(row != nullptr ? "Update Group" : "Add New Group"));

@@ -6,7 +6,6 @@
 #include "NiutilTask.h"
 
 #include <algorithm>
-#include <array>
 #include <string>
 
 namespace {
@@ -49,13 +48,14 @@ std::vector<GroupRecord> currentGroups() {
     return recordsOfReport<GroupRecord>(NiutilTask::sharedInstance().currentGroups());
 }
 
-/// The text of `key` in the table's selected row, or none when no row is selected that the list still has.
-const BRRow* rowAt(const std::vector<BRRow>& rows, int row) {
+} // namespace
+
+const BRRow* BRController::selectedRow(const NSTableView& table, const std::vector<BRRow>& rows) {
+    const int row = table.selectedRow();
     const auto index = static_cast<std::size_t>(row);
+    // The list may have been read again, and be shorter than the table, until that is reloaded.
     return row >= 0 && index < rows.size() ? &rows[index] : nullptr;
 }
-
-} // namespace
 
 bool BRController::checkUser(const std::string& shortNameText) const {
     return std::ranges::none_of(currentUsers(),
@@ -213,11 +213,11 @@ std::string BRController::recordedGroupId(const std::string& shortNameText) {
     const std::vector<UserRecord> users = currentUsers();
     const auto user = std::ranges::find(users, shortNameText, &UserRecord::name);
     // An empty id writes the property without a value, as it was.
-    return user == users.end() || user->gid == accountNoValue ? std::string() : user->gid;
+    return user == users.end() || user->gid == reportNoValue ? std::string() : user->gid;
 }
 
 void BRController::deleteSelectedUser(NSControl* /*sender*/) {
-    const BRRow* row = rowAt(userShares, userTableView->selectedRow());
+    const BRRow* row = selectedRow(*userTableView, userShares);
     if (row == nullptr) {
         return;
     }
@@ -245,7 +245,7 @@ void BRController::deleteSelectedUser(NSControl* /*sender*/) {
 }
 
 void BRController::deleteSelectedGroup(NSControl* /*sender*/) {
-    const BRRow* row = rowAt(groupShares, groupTableView->selectedRow());
+    const BRRow* row = selectedRow(*groupTableView, groupShares);
     if (row == nullptr) {
         return;
     }
@@ -267,7 +267,7 @@ void BRController::removeUserFromGroup(NSControl* /*sender*/) {
 }
 
 void BRController::changeMembership(MembershipChange change) {
-    const BRRow* row = rowAt(groupShares, groupTableView->selectedRow());
+    const BRRow* row = selectedRow(*groupTableView, groupShares);
     if (row == nullptr) {
         return;
     }
@@ -284,7 +284,7 @@ void BRController::changeMembership(MembershipChange change) {
 }
 
 void BRController::changePassword(NSControl* /*sender*/) {
-    if (rowAt(userShares, userTableView->selectedRow()) != nullptr) {
+    if (selectedRow(*userTableView, userShares) != nullptr) {
         beginPasswordSheet();
     }
 }

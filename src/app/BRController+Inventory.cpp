@@ -1,5 +1,6 @@
 #include "BRController.h"
 
+#include "AccountReports.h"
 #include "NSBundle.h"
 #include "NSString.h"
 #include "NiutilTask.h"
@@ -11,9 +12,6 @@
 
 namespace {
 
-constexpr std::string_view noValue = "#NoValue#";
-constexpr std::int32_t firstUserId = 100;
-constexpr std::int32_t firstGroupId = 101;
 constexpr std::size_t userReportPieces = 6;
 
 // Pieces of a report line raise std::out_of_range when they are missing: the parse is abandoned there.
@@ -29,7 +27,7 @@ NormalShare shareFromRecord(const std::vector<std::string>& record) {
     share.setShareName(record.at(0));
     share.setAFPShared(record.at(2));
     share.setAFPName(record.at(3));
-    if (record.at(1) != noValue) {
+    if (record.at(1) != reportNoValue) {
         share.setPathandPermissions(record.at(1));
     }
     if (record.at(2) == "1") {
@@ -78,7 +76,7 @@ NormalShare shareFromSection(const SMBShare& section, const SectionFacts& facts)
 }
 
 bool isPublicFolderShared(const std::vector<std::string>& user) {
-    static constexpr std::array<std::string_view, 3> notShared = {"<no entry>", "<no value>", noValue};
+    static constexpr std::array<std::string_view, 3> notShared = {"<no entry>", "<no value>", reportNoValue};
     return user.size() == userReportPieces && std::ranges::find(notShared, user.at(2)) == notShared.end();
 }
 
@@ -86,10 +84,6 @@ bool isPublicFolderShared(const std::vector<std::string>& user) {
 /// nothing.
 bool isListed(int showSystemState, bool isSystemAccount) {
     return showSystemState == NSOnState || (showSystemState == NSOffState && !isSystemAccount);
-}
-
-bool isSystemGroup(const std::string& gid, const std::string& name) {
-    return intValue(gid) < firstGroupId && name != "staff" && name != "admin" && name != "guest";
 }
 
 std::string valueForKey(const BRRow& row, const std::string& key) {
@@ -138,7 +132,7 @@ void BRController::parseUserShares() {
     userShares.clear();
     for (const std::string& line : NiutilTask::sharedInstance().currentUsers()) {
         const std::vector<std::string> user = pieces(line);
-        if (intValue(user.at(1)) < firstUserId) {
+        if (isSystemUserId(intValue(user.at(1)))) {
             continue;
         }
         userShares.push_back({{"User", user.at(0)},
@@ -153,7 +147,7 @@ void BRController::parseGroupShares() {
     groupShares.clear();
     for (const std::string& line : NiutilTask::sharedInstance().currentGroups()) {
         const std::vector<std::string> record = pieces(line);
-        if (isListed(showSystemUsersGroups3->state(), isSystemGroup(record.at(0), record.at(1)))) {
+        if (isListed(showSystemUsersGroups3->state(), isSystemGroup(intValue(record.at(0)), record.at(1)))) {
             groupShares.push_back(
                 {{"GID", record.at(0)}, {"Group", record.at(1)}, {"Users in Group", record.at(2)}});
         }
@@ -164,7 +158,7 @@ void BRController::parseGroupUserShares() {
     groupUserShares.clear();
     for (const std::string& line : NiutilTask::sharedInstance().currentUsers()) {
         const std::vector<std::string> user = pieces(line);
-        if (isListed(showSystemUsersGroups3->state(), intValue(user.at(1)) < firstUserId)) {
+        if (isListed(showSystemUsersGroups3->state(), isSystemUserId(intValue(user.at(1))))) {
             groupUserShares.push_back(user.at(0));
         }
     }

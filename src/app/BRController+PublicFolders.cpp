@@ -21,13 +21,10 @@ void BRController::disableAllPublicShares(NSControl* /*sender*/) {
 }
 
 void BRController::changeSelectedPublicShare(bool enable) {
-    const int row = userTableView->selectedRow();
-    if (row < 0 || static_cast<std::size_t>(row) >= userShares.size()) {
-        return;
+    if (const BRRow* row = selectedRow(*userTableView, userShares)) {
+        NiutilTask::sharedInstance().changeUserShare(row->at("User"), enable);
+        showChangedPublicShares();
     }
-    NiutilTask::sharedInstance().changeUserShare(userShares[static_cast<std::size_t>(row)].at("User"),
-                                                 enable);
-    showChangedPublicShares();
 }
 
 void BRController::changePublicSharesAbove(std::int32_t highestIdLeftOut, bool enable) {

@@ -178,6 +178,8 @@ class BRController : public BROutlets,
     void selectShareAfterWrite(int rowBefore);
 
     // Accounts (BRController+Accounts.cpp).
+    /// The row of `rows`, the list behind the table, that is selected in it; null when none is.
+    [[nodiscard]] static const BRRow* selectedRow(const NSTableView& table, const std::vector<BRRow>& rows);
     [[nodiscard]] bool checkUser(const std::string& shortNameText) const;
     [[nodiscard]] bool checkGroup(const std::string& groupNameText) const;
     [[nodiscard]] bool checkUID(std::int32_t id) const;
