@@ -15,18 +15,21 @@ namespace {
 constexpr const char* settingsFile = "/Library/Preferences/com.apple.AppleFileServer.plist";
 constexpr const char* temporaryFile = "~/AppleFileServer.plist";
 
-/// Goes through the settings that the tab shows, in the order in which they are read and written.
+using ToggleAction = void (BRController::*)(NSControl*);
+
+/// Goes through the settings that the tab shows, in the order in which they are read and written. A toggle is
+/// a flag on whose value others depend; its action enables or disables their controls.
 template <class Visitor>
 void visitSettings(const BROutlets& tab, Visitor& visit) {
     visit.text("loginGreeting", *tab.greeting);
     visit.flag("sendGreetingOnce", *tab.greetingOnce);
-    visit.flag("idleDisconnectOnOff", *tab.idleDisconnectEnable);
+    visit.toggle("idleDisconnectOnOff", *tab.idleDisconnectEnable, &BRController::changeIdleDisconnectEnable);
     visit.number("idleDisconnectTime", *tab.idleDisconnectTime);
     visit.cell("idleDisconnectFlag", "guestUsers", *tab.idleDisconnectUsers, 0, 0);
     visit.cell("idleDisconnectFlag", "registeredUsers", *tab.idleDisconnectUsers, 0, 1);
     visit.cell("idleDisconnectFlag", "adminUsers", *tab.idleDisconnectUsers, 0, 2);
     visit.cell("idleDisconnectFlag", "usersWithOpenFiles", *tab.idleDisconnectUsers, 0, 3);
-    visit.flag("activityLog", *tab.loggingEnable);
+    visit.toggle("activityLog", *tab.loggingEnable, &BRController::changeLoggingEnable);
     visit.number("activityLogTime", *tab.logRolloverText);
     visit.text("activityLogPath", *tab.logFilePath);
     visit.cell("loggingAttributes", "logLogin", *tab.loggingAttributes1, 0, 0);
@@ -47,7 +50,8 @@ void visitSettings(const BROutlets& tab, Visitor& visit) {
 /// Shows the settings in the controls.
 class Reader {
   public:
-    explicit Reader(NSMutableDictionary props) : props_(std::move(props)) {}
+    Reader(BRController& controller, NSMutableDictionary props)
+        : controller_(controller), props_(std::move(props)) {}
 
     void text(const char* key, NSTextField& field) {
         field.setStringValue(props_.stringForKey(key).value_or(""));
@@ -55,6 +59,11 @@ class Reader {
 
     void flag(const char* key, NSButton& box) {
         box.setState(props_.boolForKey(key) ? NSOnState : NSOffState);
+    }
+
+    void toggle(const char* key, NSButton& box, ToggleAction enableDependents) {
+        flag(key, box);
+        (controller_.*enableDependents)(&box);
     }
 
     void number(const char* key, NSTextField& field) { field.setIntValue(props_.intForKey(key)); }
@@ -69,6 +78,7 @@ class Reader {
     }
 
   private:
+    BRController& controller_;
     NSMutableDictionary props_;
 };
 
@@ -80,6 +90,8 @@ class Writer {
     void text(const char* key, NSTextField& field) { props_.setString(field.stringValue(), key); }
 
     void flag(const char* key, NSButton& box) { props_.setBool(box.state() != NSOffState, key); }
+
+    void toggle(const char* key, NSButton& box, ToggleAction /*enableDependents*/) { flag(key, box); }
 
     void number(const char* key, NSTextField& field) { props_.setInt(field.intValue(), key); }
 
@@ -110,10 +122,8 @@ int stateOf(const NSControl* sender, const NSButton* standard) {
 } // namespace
 
 void BRController::parseAFSProperties() {
-    Reader reader(afsProps.value_or(NSMutableDictionary()));
+    Reader reader(*this, afsProps.value_or(NSMutableDictionary()));
     visitSettings(*this, reader);
-    changeIdleDisconnectEnable(idleDisconnectEnable);
-    changeLoggingEnable(loggingEnable);
 }
 
 void BRController::refreshAFSProperties(NSControl* /*sender*/) {
