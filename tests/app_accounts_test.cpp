@@ -1,6 +1,7 @@
 #include "AppFixture.h"
 
 #include <array>
+#include <map>
 
 namespace {
 
@@ -67,11 +68,6 @@ TEST_F(AccountsTest, ANewUserIsMadeAskedForAPasswordAndPutIntoItsGroup) {
                     create + " _writers_hint alice", create + " _writers_passwd alice",
                     create + " home /dev/null", create + " passwd !", create + " shell /sbin/nologin",
                     "/usr/bin/nicl . -append /groups/friends users alice"}));
-    EXPECT_EQ(
-        host.alerts.front().message,
-        "Are you sure you want to add a new File Sharing Only User?  If you want to add a standard user, "
-        "please visit the Users Control Panel.");
-    EXPECT_EQ(host.alerts.front().defaultButton, "No");
     ASSERT_EQ(NSApp().attachedSheet(), app().passwordWindow);
 
     app().passwordSecureText1->setStringValue("a");
@@ -112,6 +108,43 @@ TEST_F(AccountsTest, ACreationThatFailsAsksForNoPasswordAndStillJoinsTheGroup) {
     EXPECT_EQ(host.beeps, 1);
 }
 
+TEST_F(AccountsTest, AUserLeavesTheDirectoryAsItWasBefore) {
+    const auto directory = [this] {
+        const Runs words{".",   "/users",    "name", "realname", "gid",
+                         "uid", "sharedDir", "home", "passwd",   "shell"};
+        return groups() + runNireport(words).output;
+    };
+    const auto reported = [&](const std::string& line) {
+        return directory().find(line) != std::string::npos;
+    };
+    const std::string before = directory();
+    fillUser("Alice A", "alice", "503");
+    app().groupPopUp->selectItemWithTitle("friends");
+    host.answerAlert("Confirm Add New File Sharing Only User", "Yes");
+    send("addNewUser:");
+    app().passwordSecureText1->setStringValue("s3cret");
+    app().passwordSecureText2->setStringValue("s3cret");
+    send("setPassword:");
+    selectGroup("staff");
+    selectRow(*app().groupUsersTableView, "User", "alice");
+    send("addUserToGroup:");
+    EXPECT_TRUE(reported("alice\tAlice A\t501\t503\t<no value>\t/dev/null\t!\t/sbin/nologin\t\n"));
+    EXPECT_TRUE(reported("staff\t20\tbob,alice\t\n") && reported("friends\t501\tbob,adam,alice\t\n"));
+
+    fillUser("Alice B", "alice", "504");
+    app().publicSharedPopUp->selectItemAtIndex(0);
+    host.answerAlert("Confirm Update User", "Yes");
+    send("addNewUser:");
+    EXPECT_TRUE(reported("alice\tAlice B\t501\t504\tPublic\t/dev/null\t!\t/sbin/nologin\t\n"));
+
+    selectUser("alice");
+    host.answerAlert("Confirm Delete Selected User", "Yes");
+    send("deleteSelectedUser:");
+    EXPECT_EQ(host.alerts.back().message, "Are you sure you want to delete the user alice?");
+    EXPECT_EQ(directory(), before);
+    EXPECT_EQ(host.beeps, 0);
+}
+
 TEST_F(AccountsTest, EachUserGetsItsOwnQuestion) {
     struct Case {
         std::string name, uid, group;
@@ -137,6 +170,17 @@ TEST_F(AccountsTest, EachUserGetsItsOwnQuestion) {
         {"bob", "501", "hundred", {change}, joins},
         {"bob", "501", "", {change}, update("100", "501")},
     };
+    const std::map<std::string, std::string> questions{
+        {add.first,
+         "Are you sure you want to add a new File Sharing Only User?  If you want to add a standard user, "
+         "please visit the Users Control Panel."},
+        {change.first, "Are you sure you want to update the selected user?"},
+        {"Confirm Update Admin User",
+         "Are you sure you want to update the selected admin user?  If you proceed, this user may lose admin "
+         "privileges."},
+        {"UID is Not Unique",
+         "The UID entered is not unique.  If you add a new user with a non-unique UID, the results will be "
+         "unpredictable.  Do you wish to add a new File Sharing Only User?"}};
     app().showSystemUsersGroups2->performClick();
     for (const Case& c : cases) {
         fillUser("F", c.name, c.uid);
@@ -151,6 +195,10 @@ TEST_F(AccountsTest, EachUserGetsItsOwnQuestion) {
         send("addNewUser:");
         EXPECT_EQ(takeRuns(), c.runs) << c.name;
         EXPECT_EQ(alertTitles(), titles);
+        for (const platform::Alert& alert : host.alerts) {
+            EXPECT_EQ(alert.message, questions.at(alert.title));
+            EXPECT_EQ(alert.defaultButton, "No");
+        }
         EXPECT_EQ(NSApp().attachedSheet(), nullptr);
     }
 }

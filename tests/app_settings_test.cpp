@@ -138,7 +138,9 @@ TEST_F(SettingsTest, SettingsThatCouldNotBeReadAreNotReplaced) {
     EXPECT_EQ(app().numConnections->stringValue(), "0");
     host.answerAlert("AppleFileServer.plist Write Unsuccessful", "OK");
     send("updateAFSProperties:");
+    EXPECT_TRUE(host.alerts.back().message.starts_with("The ~/AppleFileServer.plist file write operation "));
     EXPECT_EQ(takeRuns(), Runs{});
+    EXPECT_FALSE(fs::exists(temporary()) || fs::exists(host.root() / plistPath));
 }
 
 TEST_F(SettingsTest, MissingSettingsShowAsOffAndNothing) {
@@ -294,7 +296,9 @@ TEST_F(SettingsTest, AFailedSMBWriteIsShownAndTheServerRestartedAllTheSame) {
     EXPECT_EQ(takeRuns().back(), restartSMBRun);
 
     host.onRun = [this](const RecordedRun& run) { return carryOut(run); };
-    EXPECT_NE(savedConf().find("workgroup = B\n"), std::string::npos);
+    EXPECT_EQ(savedConf(), ";[homes]\n;browseable = no\n;read only = no\n\n\n"
+                           "[global]\nworkgroup = B\nmap to guest = Bad User\nsecurity = USER\n"
+                           "dos charset = CP437\nlocal master = no\nhide dot files = no\n\n\n");
 }
 
 TEST_F(SettingsTest, AValueThatNamesNoCodePageStopsTheFillingAndNotTheStart) {
