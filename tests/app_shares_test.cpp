@@ -168,9 +168,9 @@ TEST_F(Shares, TheEditorShowsTheFolderOfTheSelectedShareAsItIsNow) {
     table().selectRow(0);
     const auto attributes = fileAttributesAtPath(docs);
     EXPECT_EQ(text("shareName") + " " + text("directory"), "Docs " + docs);
-    EXPECT_EQ(control<NSPopUpButton>("owner").titleOfSelectedItem(), attributes->ownerAccountName)
+    EXPECT_EQ(control<NSPopUpButton>("owner").titleOfSelectedItem(), attributes->ownerAccountName())
         << "an owner that the menu does not list is added";
-    EXPECT_EQ(control<NSPopUpButton>("group").titleOfSelectedItem(), attributes->groupOwnerAccountName);
+    EXPECT_EQ(control<NSPopUpButton>("group").titleOfSelectedItem(), attributes->groupOwnerAccountName());
     EXPECT_EQ(privileges(), (std::vector<int>{0, 1, 1}));
     EXPECT_EQ(controller->menuToPermissions(), 0755);
     EXPECT_TRUE(isOn("inheritPermissionsButton") && control<NSButton>("inheritOwnerButton").isEnabled());

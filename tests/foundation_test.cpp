@@ -113,7 +113,7 @@ TEST(Files, AttributesFollowLinksAndNameTheOwner) {
     const auto attributes = fileAttributesAtPath(host.root() / "link");
     ASSERT_TRUE(attributes);
     EXPECT_EQ(attributes->posixPermissions, 02750);
-    EXPECT_EQ(attributes->ownerAccountName, host.host().accountNames().userName(::getuid()));
+    EXPECT_EQ(attributes->ownerAccountName(), host.host().accountNames().userName(::getuid()));
     EXPECT_FALSE(fileAttributesAtPath(host.root() / "missing"));
 }
 

@@ -83,12 +83,13 @@ void BRController::showSelectedShareName() {
 }
 
 void BRController::showFolderPrivileges(const std::string& path) {
-    const NSFileAttributes attributes = fileAttributesAtPath(path).value_or(NSFileAttributes{});
-    selectAccount(*owner, attributes.ownerAccountName);
-    selectAccount(*group, attributes.groupOwnerAccountName);
-    selectMenuItem(ownerPrivs, ownerPrivilegeCode(attributes.posixPermissions));
-    selectMenuItem(groupPrivs, groupPrivilegeCode(attributes.posixPermissions));
-    selectMenuItem(everyonePrivs, everyonePrivilegeCode(attributes.posixPermissions));
+    const std::optional<NSFileAttributes> found = fileAttributesAtPath(path);
+    selectAccount(*owner, found ? found->ownerAccountName() : std::nullopt);
+    selectAccount(*group, found ? found->groupOwnerAccountName() : std::nullopt);
+    const int permissions = found ? found->posixPermissions : 0;
+    selectMenuItem(ownerPrivs, ownerPrivilegeCode(permissions));
+    selectMenuItem(groupPrivs, groupPrivilegeCode(permissions));
+    selectMenuItem(everyonePrivs, everyonePrivilegeCode(permissions));
 }
 
 void BRController::updateCreateShareButton(NSControl* /*sender*/) {

@@ -99,19 +99,21 @@ void flushFolder(const std::string& folder) {
 
 } // namespace
 
-std::optional<NSFileAttributes> fileAttributesAtPath(const std::string& path) {
-    const platform::Host& host = platform::Host::current();
+std::optional<std::string> NSFileAttributes::ownerAccountName() const {
+    return platform::Host::current().accountNames().userName(ownerAccountID);
+}
 
+std::optional<std::string> NSFileAttributes::groupOwnerAccountName() const {
+    return platform::Host::current().accountNames().groupName(groupOwnerAccountID);
+}
+
+std::optional<NSFileAttributes> fileAttributesAtPath(const std::string& path) {
     struct stat status {};
 
-    if (::stat(host.paths().map(path).c_str(), &status) != 0) {
+    if (::stat(platform::Host::current().paths().map(path).c_str(), &status) != 0) {
         return std::nullopt;
     }
-    NSFileAttributes attributes;
-    attributes.posixPermissions = static_cast<std::int32_t>(status.st_mode & 07777U);
-    attributes.ownerAccountName = host.accountNames().userName(status.st_uid);
-    attributes.groupOwnerAccountName = host.accountNames().groupName(status.st_gid);
-    return attributes;
+    return NSFileAttributes{static_cast<std::int32_t>(status.st_mode & 07777U), status.st_uid, status.st_gid};
 }
 
 NSFileContents contentsOfFile(const std::string& path) {
@@ -121,7 +123,9 @@ NSFileContents contentsOfFile(const std::string& path) {
         return {std::nullopt, errno};
     }
     std::string bytes;
+
     struct stat status {};
+
     if (::fstat(descriptor.get(), &status) == 0 && S_ISREG(status.st_mode)) {
         bytes.reserve(static_cast<std::size_t>(status.st_size)); // a long file is not copied as it grows
     }

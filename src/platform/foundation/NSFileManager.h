@@ -5,10 +5,17 @@
 #include <string>
 #include <string_view>
 
+#include <sys/types.h>
+
 struct NSFileAttributes {
-    std::int32_t posixPermissions = 0;           ///< the mode's bits below the type: 07777
-    std::optional<std::string> ownerAccountName; ///< none when the id has no name
-    std::optional<std::string> groupOwnerAccountName;
+    std::int32_t posixPermissions = 0; ///< the mode's bits below the type: 07777
+    uid_t ownerAccountID = 0;
+    gid_t groupOwnerAccountID = 0;
+
+    // Looked up when they are asked for, because most callers want the permissions only. None when the id has
+    // no name.
+    [[nodiscard]] std::optional<std::string> ownerAccountName() const;
+    [[nodiscard]] std::optional<std::string> groupOwnerAccountName() const;
 };
 
 /// The attributes of what `path` names, symbolic links followed; none when it cannot be examined.
