@@ -29,7 +29,7 @@ void* LargeBlocks::do_allocate(std::size_t size, std::size_t alignment) {
 }
 
 void LargeBlocks::do_deallocate(void* block, std::size_t size, std::size_t alignment) {
-    ::operator delete(block, size, std::align_val_t(alignmentOf(size, alignment)));
+    ::operator delete(block, std::align_val_t(alignmentOf(size, alignment)));
 }
 
 bool LargeBlocks::do_is_equal(const std::pmr::memory_resource& other) const noexcept {

@@ -1,6 +1,7 @@
 #include "DirectoryRules.h"
 #include "DirectoryTools.h"
 #include "EmbeddedRoot.h"
+#include "NSString.h"
 #include "SambaAccounts.h"
 #include "Store.h"
 #include "ToolText.h"
@@ -156,8 +157,8 @@ class Change {
         } else {
             for (const auto& value : request_.values) {
                 if (std::ranges::find(*kept, value) == kept->end()) {
-                    throw Refusal("the property " + property + " has no value " + value +
-                                  "; nothing was deleted");
+                    throw Refusal(stringWithFormat("the property %@ has no value %@; nothing was deleted",
+                                                   property, value));
                 }
             }
             std::erase_if(*kept, [this](const std::string& value) {

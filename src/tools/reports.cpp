@@ -38,9 +38,14 @@ ni_status readRecord(const std::string& path, std::string* lines) {
     ni_setreadtimeout(opened, timeoutSeconds);
     ni_id id;
     ni_namelist names;
-    if ((status = ni_root(opened, &id)) != NI_OK ||
-        (status = ni_pathsearch(opened, &id, path.c_str())) != NI_OK ||
-        (status = ni_listprops(opened, &id, &names)) != NI_OK) {
+    status = ni_root(opened, &id);
+    if (status == NI_OK) {
+        status = ni_pathsearch(opened, &id, path.c_str());
+    }
+    if (status == NI_OK) {
+        status = ni_listprops(opened, &id, &names);
+    }
+    if (status != NI_OK) {
         return status;
     }
     for (const auto name : names.ninl_val) {
