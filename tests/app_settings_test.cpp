@@ -280,6 +280,28 @@ TEST_F(SettingsTest, CommentedOutHomesBecomeLiveAndBack) {
     EXPECT_EQ(savedConf(), global + ";[homes]\n;browseable = yes\n;path = /h\n;read only = no\n; note\n\n\n");
 }
 
+TEST_F(SettingsTest, RevertDropsWhatWasTypedAndARefreshOnlyWhatTheFileHolds) {
+    startWithConf("[global]\nworkgroup = A\nhide dot files = yes\nsecurity = DOMAIN\n");
+    const auto shown = [this] {
+        return text("smbWorkGroup") + "|" + text("smbWINSServer") + "|" +
+               std::to_string(app().smbWorkGroupMaster->state()) +
+               std::to_string(app().smbHideDotFiles->state()) + "|" +
+               app().smbSecurity->titleOfSelectedItem().value_or("") + "|" +
+               std::to_string(app().smbCodePage->tagOfSelectedItem());
+    };
+    const std::string first = shown();
+    type("smbWorkGroup", "B");
+    type("smbWINSServer", "10.0.0.1");
+    app().smbWorkGroupMaster->performClick();
+    app().smbHideDotFiles->performClick();
+    app().smbSecurity->performSelect(1);
+    app().smbCodePage->performSelect(3);
+    send("refreshSMBProperties:");
+    EXPECT_EQ(shown(), "A|10.0.0.1|11|DOMAIN|850");
+    send("revertSMBProperties:");
+    EXPECT_EQ(shown(), first);
+}
+
 TEST_F(SettingsTest, AFailedSMBWriteIsShownAndTheServerRestartedAllTheSame) {
     startWithConf("[global]\nworkgroup = A\n");
     const auto copyFails = [](const RecordedRun& run) {

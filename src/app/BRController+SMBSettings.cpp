@@ -23,23 +23,25 @@ const char* valueFor(const NSButton& box) {
     return box.state() == NSOnState ? "yes" : "no";
 }
 
+struct Field {
+    std::string_view key;
+    NSTextField* BROutlets::*field;
+};
+
+/// The keys of the "global" section whose text is shown as it is.
+constexpr std::array<Field, 7> textFields{{
+    {"netbios name", &BROutlets::smbNetBiosName},
+    {"max connections", &BROutlets::smbMaxConnections},
+    {"workgroup", &BROutlets::smbWorkGroup},
+    {"wins server", &BROutlets::smbWINSServer},
+    {"server string", &BROutlets::smbServerInfoString},
+    {"hide files", &BROutlets::smbHideFiles},
+    {"veto files", &BROutlets::smbVetoFiles},
+}};
+
 /// The text field that shows a key of the "global" section, or null.
 NSTextField* fieldForKey(const BROutlets& tab, std::string_view key) {
-    struct Field {
-        std::string_view key;
-        NSTextField* BROutlets::*field;
-    };
-
-    static constexpr std::array<Field, 7> fields{{
-        {"netbios name", &BROutlets::smbNetBiosName},
-        {"max connections", &BROutlets::smbMaxConnections},
-        {"workgroup", &BROutlets::smbWorkGroup},
-        {"wins server", &BROutlets::smbWINSServer},
-        {"server string", &BROutlets::smbServerInfoString},
-        {"hide files", &BROutlets::smbHideFiles},
-        {"veto files", &BROutlets::smbVetoFiles},
-    }};
-    for (const Field& field : fields) {
+    for (const Field& field : textFields) {
         if (field.key == key) {
             return tab.*field.field;
         }
@@ -155,6 +157,21 @@ void BRController::refreshSMBProperties(NSControl* /*sender*/) {
             smbHomeDirsReadOnly->setState(stateFor(pair.Value));
         }
     }
+}
+
+void BRController::revertSMBProperties(NSControl* sender) {
+    // Back to the window's first values: a refresh leaves alone what the file does not hold, and would leave
+    // what was typed there.
+    for (const Field& field : textFields) {
+        (this->*field.field)->setStringValue("");
+    }
+    for (NSButton* box : {smbWorkGroupMaster, smbHideDotFiles, smbHomeDirsBrowseable, smbHomeDirsReadOnly}) {
+        box->setState(NSOffState);
+    }
+    for (NSPopUpButton* menu : {smbSecurity, smbCodePage}) {
+        menu->selectItemAtIndex(0);
+    }
+    refreshSMBProperties(sender);
 }
 
 void BRController::updateSMBProperties(NSControl* /*sender*/) {

@@ -149,6 +149,7 @@ void describeServerActions(Description& controller) {
         .action("changeAFSPropsTabView:", &BRController::changeAFSPropsTabView)
         .action("selectLogFile:", &BRController::selectLogFile)
         .action("refreshSMBProperties:", &BRController::refreshSMBProperties)
+        .action("revertSMBProperties:", &BRController::revertSMBProperties)
         .action("updateSMBProperties:", &BRController::updateSMBProperties)
         .action("changeSMBHomeSharing:", &BRController::changeSMBHomeSharing)
         .action("changeSMBPropsTabView:", &BRController::changeSMBPropsTabView)

@@ -123,6 +123,7 @@ class BRController : public BROutlets,
 
     // SMB settings.
     void refreshSMBProperties(NSControl* sender);
+    void revertSMBProperties(NSControl* sender);
     void updateSMBProperties(NSControl* sender);
     void changeSMBHomeSharing(NSControl* sender);
     void changeSMBPropsTabView(NSControl* sender);
