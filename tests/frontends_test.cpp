@@ -12,6 +12,7 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <fstream>
 
 namespace {
 
@@ -160,6 +161,19 @@ class Program : public testing::Test {
         return finished.output;
     }
 
+    /// Makes a record of the directory as an administrator does in a terminal.
+    void addRecord(const std::string& path, const std::map<std::string, std::string>& properties) const {
+        std::vector<std::vector<std::string>> operations = {{}};
+        for (const auto& [property, value] : properties) {
+            operations.push_back({property, value});
+        }
+        for (const std::vector<std::string>& operation : operations) {
+            std::vector<std::string> command = {BRINDLE_PROGRAMS "/nicl", ".", "-create", path};
+            command.insert(command.end(), operation.begin(), operation.end());
+            ASSERT_EQ(runProgram(command, {}, environment()).output, "");
+        }
+    }
+
     [[nodiscard]] bool isLaunchCounted() const {
         return std::filesystem::exists(test_.home() / ".config/brindle/defaults.plist");
     }
@@ -204,14 +218,8 @@ TEST_F(Program, SaysWhatIsWrongAndEndsWithTheStatusForIt) {
 
 TEST_F(Program, PrintsWithoutCountingALaunchOrChangingWhatAnAlertAsksAbout) {
     ASSERT_EQ(run({"--print", "users"}).status, 0);
-    for (const char* property : {"", "directory_path"}) { // a record of a version before Jaguar, not in UTF-8
-        std::vector<std::string> command = {BRINDLE_PROGRAMS "/nicl", ".", "-create",
-                                            "/config/Brindle/caf\xE9"};
-        if (*property != '\0') {
-            command.insert(command.end(), {property, "/nowhere"});
-        }
-        ASSERT_EQ(runProgram(command, {}, environment()).status, 0);
-    }
+    // A record of a version before Jaguar, whose name is not UTF-8.
+    addRecord("/config/Brindle/caf\xE9", {{"directory_path", "/nowhere"}});
     const Finished shares = run({"--print", "shares"});
     EXPECT_NE(shares.output.find("\ncaf\xEF\xBF\xBD   /nowhere"), std::string::npos) << shares.output;
     EXPECT_EQ(shares.errors, "");
@@ -221,6 +229,67 @@ TEST_F(Program, PrintsWithoutCountingALaunchOrChangingWhatAnAlertAsksAbout) {
                "rows normalTableView 0\nshow shareName\n");
     EXPECT_TRUE(output.ends_with("shareName \"caf\xE9\"\nquit\n")) << output;
     EXPECT_TRUE(isLaunchCounted());
+}
+
+/// The line of the share table for a folder that does not exist.
+std::string shareRow(int index, const std::string& name, const std::string& afp, const std::string& folder,
+                     const std::string& inherit, const std::string& smb) {
+    return std::to_string(index) + " ShareName=\"" + name + "\" AFPShared=\"" + afp + "\" AFPName=\"" + name +
+           "\" DirectoryPath=\"" + folder + "\" Owner=\"\" Group=\"\" Everyone=\"\" AFS=\"" +
+           (afp == "1" ? "+" : "-") + "\" Inherit=\"" + inherit + "\" InheritOwner=\"" +
+           (inherit.empty() ? "" : "No") + "\" SMB=\"" + smb + "\" SMBGuestAccess=\"" +
+           (smb == "+" ? "yes" : "No") + "\"\n";
+}
+
+/// A section that shares a folder with guests, and a commented-out one, as many hands have left them.
+std::string handWrittenSection(const std::string& number) {
+    return "\r\n# a comment with an = sign\r\n;[off" + number + "]\r\n;path = /no/off" + number +
+           "\r\n\t [Section" + number +
+           "]\r\n\tpath = /no/earlier\r\n#\tpath = /no/comment\r\n\t path\t= /no/tab\n  path  =\t/no/folder" +
+           number + "  \r\nguest ok=yes\r\n\tguest ok = no\r\n\tpath = /no/later\n";
+}
+
+TEST_F(Program, JoinsALongHandWrittenConfigurationWithTheRecordsOfTheDirectory) {
+    addRecord("/users/minor", {{"uid", "99"}, {"gid", "7101"}});
+    addRecord("/users/zoe",
+              {{"uid", "7101"}, {"gid", "7101"}, {"realname", "Zoë Z"}, {"sharedDir", "Public"}});
+    addRecord("/groups/crew", {{"gid", "7101"}, {"users", "zoe"}});
+    for (const char* number : {"30", "7", "99"}) { // two folders that have a section, and one that has none
+        const std::string name = std::string("Record") + number;
+        addRecord("/config/Brindle/" + name, {{"directory_path", std::string("/no/folder") + number},
+                                              {"afp_shared", name == "Record7" ? "0" : "1"},
+                                              {"afp_name", name},
+                                              {"afp_use_parent_privs", "1"},
+                                              {"afp_use_parent_owner", "0"}});
+    }
+    std::string configuration = "; by hand\r\n[global]\r\n\tworkgroup = OFFICE\r\n\tpath = /no/folder7\r\n"
+                                "[homes]\n   path = /no/folder7\n[printers]\n\tpath = /no/folder7\r\n";
+    std::string shares = shareRow(0, "Record30", "1", "/no/folder30", "Yes", "+") +
+                         shareRow(1, "Record7", "0", "/no/folder7", "Yes", "+") +
+                         shareRow(2, "Record99", "1", "/no/folder99", "Yes", "-");
+    int rows = 3;
+    for (int number = 0; number < 40; ++number) {
+        const std::string text = std::to_string(number);
+        configuration += handWrittenSection(text);
+        if (number != 30 && number != 7) {
+            shares += shareRow(rows++, "Section" + text, "0", "/no/folder" + text, "", "+");
+        }
+    }
+    std::ofstream(test_.root() / "computer/etc/smb.conf", std::ios::binary) << configuration;
+
+    const std::string output = script("answer Donation Cancel\nstart\nshow normalTableView userTableView "
+                                      "groupTableView groupUsersTableView\n");
+    const std::size_t begin = output.find("normalTableView ");
+    const std::size_t users = output.find("userTableView ");
+    ASSERT_NE(users, std::string::npos) << output;
+    EXPECT_EQ(output.substr(begin, users - begin),
+              "normalTableView " + std::to_string(rows) + " rows, selected none\n" + shares);
+    for (const char* part :
+         {" User=\"zoe\" \"Public Shared\"=\"YES\" UID=\"7101\" \"Full Name\"=\"Zoë Z\" GID=\"7101\"\n",
+          " GID=\"7101\" Group=\"crew\" \"Users in Group\"=\"zoe\"\n", " User=\"zoe\"\n"}) {
+        EXPECT_NE(output.find(part, users), std::string::npos) << part;
+    }
+    EXPECT_EQ(output.find("\"minor\""), std::string::npos);
 }
 
 TEST_F(Program, AsksForConsentOnceAndForgetsItAtItsEnd) {
