@@ -56,6 +56,7 @@ TEST_F(SMBConfTest, GroupsLinesIntoEntries) {
         {"", {"1  {} "}},
         {" \t\r\n\n", {"1  {} "}},
         {"# a\r\n; b\n", {"1  {} # a\n; b\n"}},
+        {"[a]\rx=1\ry=2\n[b]\r\n\rz=3\r", {"2 a {x=1;y=2;} ", "2 b {z=3;} "}},
         {"stray\n# a\nstray = 1\n# b", {"1  {} # a\n# b\n"}},
         {"\t[homes]\n", {"2 homes {} "}},
         {"[ data ]\n", {"2 data  {} "}},

@@ -49,8 +49,7 @@ bool isContinued(std::string_view line) {
 } // namespace
 
 SMBParser::SMBParser(std::string_view text, std::pmr::memory_resource* memory)
-    : _position(text.data()), _text(text), _hasCarriageReturn(text.find('\r') != std::string_view::npos),
-      _hasValueEndMark(text.find(valueEndMark) != std::string_view::npos), _memory(memory) {}
+    : _text(text), _hasValueEndMark(text.find(valueEndMark) != std::string_view::npos), _memory(memory) {}
 
 void SMBParser::parse() {
     _current = std::make_unique<SMBShare>(_memory);
@@ -63,20 +62,26 @@ void SMBParser::parse() {
 }
 
 bool SMBParser::nextLine() {
-    const char* const end = _text.data() + _text.size();
-    while (_position != end && isWhiteSpace(*_position)) {
+    while (_position != _text.size() && isWhiteSpace(_text[_position])) {
         ++_position;
     }
-    if (_position == end) {
+    if (_position == _text.size()) {
         return false;
     }
-    std::string_view rest(_position, static_cast<std::size_t>(end - _position));
-    _line = rest.substr(0, rest.find('\n'));
-    if (_hasCarriageReturn) {
-        _line = _line.substr(0, _line.find('\r'));
-    }
-    _position += _line.size();
+    const std::size_t end = std::min(nextOf('\n', _lineFeed), nextOf('\r', _carriageReturn));
+    _line = _text.substr(_position, end - _position);
+    _position = end;
     return true;
+}
+
+/// The first `mark` from the position on, else the text's end. `known` is the one found last: it is looked
+/// for again only once it is behind, so that a file that never holds one of the marks is not searched for it
+/// at every line.
+std::size_t SMBParser::nextOf(char mark, std::size_t& known) const {
+    if (known <= _position) {
+        known = std::min(_text.find(mark, _position), _text.size());
+    }
+    return known;
 }
 
 void SMBParser::beginEntry(std::int32_t type) {

@@ -2,6 +2,7 @@
 
 #include "SMBConf.h"
 
+#include <cstddef>
 #include <memory>
 #include <memory_resource>
 #include <string_view>
@@ -27,6 +28,7 @@ class SMBParser {
     enum class State { Start, Comment, Closed };
 
     [[nodiscard]] bool nextLine();
+    [[nodiscard]] std::size_t nextOf(char mark, std::size_t& known) const;
     void beginEntry(std::int32_t type);
     void parseLine();
     void readCommentGroup();
@@ -37,11 +39,12 @@ class SMBParser {
     void note(SMBLoss loss);
     void numberNotices();
 
-    const char* _position;
     std::string_view _text;
-    // Looked for once, because most files hold neither and every line would be searched for them.
-    bool _hasCarriageReturn;
-    bool _hasValueEndMark;
+    std::size_t _position = 0; ///< where the next line is looked for
+    // The line ends that were found last.
+    std::size_t _lineFeed = 0;
+    std::size_t _carriageReturn = 0;
+    bool _hasValueEndMark;  ///< looked for once, because most files hold none
     std::string_view _line; ///< the line that was read last
     bool _haveLine = false; ///< `_line` ended an entry and is still to be looked at
     State _state = State::Start;
