@@ -110,13 +110,11 @@ void BRController::remindOfDonation() {
     const auto launches = defaults.integerForKey(launchCounterKey);
     if (!launches) {
         ask("Please consider making a donation if you enjoy and use this software.  This message will appear "
-            "once "
-            "more in the future.  Thank you.");
+            "once more in the future.  Thank you.");
         defaults.setInteger(1, launchCounterKey);
     } else if (*launches == launchOfSecondRequest) {
         ask("This is the 10th time Brindle has been launched on your computer.\nPlease consider making a "
-            "donation "
-            "if you enjoy and use this software.  This message will not appear again.  Thank you.");
+            "donation if you enjoy and use this software.  This message will not appear again.  Thank you.");
         defaults.setInteger(launchOfSecondRequest + 1, launchCounterKey);
     } else if (*launches != 0 && *launches < launchOfSecondRequest) {
         // 0 silences the reminder for good.

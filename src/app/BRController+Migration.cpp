@@ -1,5 +1,6 @@
 #include "BRController.h"
 
+#include "AccountReports.h"
 #include "NSAlert.h"
 #include "NSBundle.h"
 #include "NiutilTask.h"
@@ -8,11 +9,9 @@
 
 namespace {
 
-// What a report shows for a property that a record lacks; older records lack these two.
-constexpr const char* noValue = "#NoValue#";
-
+/// Records of older systems lack at least one of these properties.
 bool isOutdated(const NormalShare& share) {
-    return share.AFPShared() == noValue || share.AFPName() == noValue;
+    return share.AFPShared() == reportNoValue || share.AFPName() == reportNoValue;
 }
 
 /// A share that only the SMB configuration knows says nothing about inheritance, neither yes nor no. It must
@@ -46,10 +45,7 @@ void BRController::updateSharesFor10pt2(NSControl* /*sender*/) {
         task.deleteShare(share.ShareName());
         if (!task.createShare(share.ShareName(), share.DirectoryPath(), 1, 0, 0)) {
             task.deleteShare(share.ShareName());
-            NSRunAlertPanel(
-                NSLocalizedString("Create Share Failed"),
-                NSLocalizedString("An Error occured while creating the share \"%@\", please try again."),
-                NSLocalizedString("OK"), std::nullopt, std::nullopt, share.ShareName());
+            showCreateShareFailed(share.ShareName());
         }
     }
     NSRunAlertPanel(

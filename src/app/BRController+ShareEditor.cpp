@@ -164,10 +164,7 @@ void BRController::createShare(NSControl* sender) {
                                                    guestAccessButton->state()));
     } else {
         task.deleteShare(name);
-        NSRunAlertPanel(
-            NSLocalizedString("Create Share Failed"),
-            NSLocalizedString("An Error occured while creating the share \"%@\", please try again."),
-            NSLocalizedString("OK"), std::nullopt, std::nullopt, name);
+        showCreateShareFailed(name);
     }
     task.changePermissions(folder, owner->titleOfSelectedItem().value_or(""),
                            group->titleOfSelectedItem().value_or(""), menuToPermissions());
@@ -177,6 +174,12 @@ void BRController::createShare(NSControl* sender) {
     selectShareAfterWrite(rowBefore);
     deleteButton->setEnabled(true);
     updateCreateShareButton(sender);
+}
+
+void BRController::showCreateShareFailed(const std::string& name) {
+    NSRunAlertPanel(NSLocalizedString("Create Share Failed"),
+                    NSLocalizedString("An Error occured while creating the share \"%@\", please try again."),
+                    NSLocalizedString("OK"), std::nullopt, std::nullopt, name);
 }
 
 void BRController::selectShareAfterWrite(int rowBefore) {

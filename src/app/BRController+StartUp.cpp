@@ -147,24 +147,20 @@ std::string BRController::bugMessage(FailedStep step) {
         switch (step) {
         case FailedStep::Shares:
             return "If you are seeing this message a bug has occured.  Please run the following command in "
-                   "the "
-                   "terminal and email the results to %@.\nnireport . /config/Brindle name directory_path";
+                   "the terminal and email the results to %@.\nnireport . /config/Brindle name "
+                   "directory_path";
         case FailedStep::Users:
             return "If you are seeing this message a bug has occured.  Please run the following command in "
-                   "the "
-                   "terminal and email the results to %@.\nnireport . /users name uid sharedDir";
+                   "the terminal and email the results to %@.\nnireport . /users name uid sharedDir";
         case FailedStep::Groups:
             return "If you are seeing this message a bug has occured.  Please run the following command in "
-                   "the "
-                   "terminal and email the results to %@.\nnireport . /groups gid name users";
+                   "the terminal and email the results to %@.\nnireport . /groups gid name users";
         case FailedStep::AFPSettings:
             return "If you are seeing this message a bug has occured.  Please run the following command in "
-                   "the "
-                   "terminal and email the results to %@.\nniutil -read . /config/AppleFileServer";
+                   "the terminal and email the results to %@.\nniutil -read . /config/AppleFileServer";
         case FailedStep::SMBSettings:
             return "If you are seeing this message a bug has occured.  Please email a copy of your smb.conf "
-                   "file "
-                   "located in the /etc/ directory to %@ along with a description of the error.";
+                   "file located in the /etc/ directory to %@ along with a description of the error.";
         }
         return "";
     }();

@@ -176,6 +176,8 @@ class BRController : public BROutlets,
     void showSelectedShareName();
     /// False, after an alert, when the fields cannot make a share.
     [[nodiscard]] bool validateShareFields() const;
+    /// Says that the share's record could not be written; the migration says so too.
+    static void showCreateShareFailed(const std::string& name);
     void selectShareAfterWrite(int rowBefore);
 
     // Accounts (BRController+Accounts.cpp).
