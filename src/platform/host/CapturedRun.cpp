@@ -42,15 +42,6 @@ class Pipe {
     bool valid_ = false;
 };
 
-std::vector<char*> pointers(std::vector<std::string>& texts) {
-    std::vector<char*> answer;
-    for (auto& text : texts) {
-        answer.push_back(text.data());
-    }
-    answer.push_back(nullptr);
-    return answer;
-}
-
 std::string readAll(int descriptor) {
     std::string bytes;
     std::array<char, 4096> buffer{};
@@ -76,6 +67,26 @@ int collect(pid_t process) {
 
 } // namespace
 
+std::vector<char*> nullTerminated(std::vector<std::string>& texts) {
+    std::vector<char*> answer;
+    for (auto& text : texts) {
+        answer.push_back(text.data());
+    }
+    answer.push_back(nullptr);
+    return answer;
+}
+
+std::string lastLineOf(std::string_view text) {
+    const std::size_t end = text.find_last_not_of(" \n");
+    if (end == std::string_view::npos) {
+        return {};
+    }
+    const std::size_t lineBreak = text.rfind('\n', end);
+    const std::size_t start =
+        lineBreak == std::string_view::npos ? 0 : text.find_first_not_of(' ', lineBreak + 1);
+    return std::string(text.substr(start, end + 1 - start));
+}
+
 CapturedRun runCaptured(std::vector<std::string> arguments, std::vector<std::string> environment,
                         std::string_view input) {
     Pipe in;
@@ -92,7 +103,7 @@ CapturedRun runCaptured(std::vector<std::string> arguments, std::vector<std::str
     ::posix_spawn_file_actions_adddup2(&actions, out.writeEnd(), 2);
     pid_t process = 0;
     const int error = ::posix_spawn(&process, arguments.front().c_str(), &actions, nullptr,
-                                    pointers(arguments).data(), pointers(environment).data());
+                                    nullTerminated(arguments).data(), nullTerminated(environment).data());
     ::posix_spawn_file_actions_destroy(&actions);
     if (error != 0) {
         return {};

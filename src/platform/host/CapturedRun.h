@@ -18,4 +18,10 @@ struct CapturedRun {
 [[nodiscard]] CapturedRun runCaptured(std::vector<std::string> arguments,
                                       std::vector<std::string> environment, std::string_view input);
 
+/// The texts as execve(2) takes them: pointers into `texts`, which must outlive them, and a null at the end.
+[[nodiscard]] std::vector<char*> nullTerminated(std::vector<std::string>& texts);
+
+/// The last line of what a program said that is not empty; empty when there is none.
+[[nodiscard]] std::string lastLineOf(std::string_view text);
+
 } // namespace platform

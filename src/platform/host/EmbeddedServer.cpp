@@ -1,5 +1,6 @@
 #include "EmbeddedServer.h"
 
+#include "CapturedRun.h"
 #include "NSFileManager.h"
 #include "NSString.h"
 #include "SambaAccounts.h"
@@ -58,29 +59,13 @@ bool canConnect(int port) {
     return connected;
 }
 
-/// What a private folder of the server is called in smb.conf(5), and below the root's samba folder.
-struct PrivateFolder {
-    const char* parameter;
-    const char* folder;
-};
-
-// On the command line, where no line of the included smb.conf can point them elsewhere.
-constexpr std::array<PrivateFolder, 7> kPrivateFolders{{{"private dir", "private"},
-                                                        {"lock directory", "lock"},
-                                                        {"state directory", "state"},
-                                                        {"cache directory", "cache"},
-                                                        {"ncalrpc dir", "ncalrpc"},
-                                                        {"pid directory", "pid"},
-                                                        {"binddns dir", "binddns"}}};
-
-std::vector<std::string> serverArguments(const std::string& program, const std::string& configuration,
-                                         const std::string& folder, int port) {
-    std::vector<std::string> arguments{program, "-F",          "--no-process-group",
-                                       "-s",    configuration, "--debug-stdout"};
-    for (const PrivateFolder& each : kPrivateFolders) {
-        arguments.push_back(stringWithFormat("--option=%s=%s/%s", each.parameter, folder, each.folder));
+std::vector<std::string> serverArguments(const std::string& program, const SambaAccounts& accounts,
+                                         int port) {
+    std::vector<std::string> arguments{
+        program, "-F", "--no-process-group", "-s", accounts.configurationFile(), "--debug-stdout"};
+    for (std::string& option : accounts.privateOptions()) {
+        arguments.push_back(std::move(option));
     }
-    arguments.push_back(stringWithFormat("--option=passdb backend=tdbsam:%s/private/passdb.tdb", folder));
     arguments.push_back(stringWithFormat("--option=smb ports=%d", port));
     // A share-level "security" makes this Samba refuse to start; the file keeps it, the server does not see
     // it.
@@ -88,20 +73,6 @@ std::vector<std::string> serverArguments(const std::string& program, const std::
     arguments.emplace_back("--option=interfaces=127.0.0.1/8");
     arguments.emplace_back("--option=bind interfaces only=yes");
     return arguments;
-}
-
-std::vector<std::string> serverEnvironment(const SambaAccounts& accounts) {
-    return {"PATH=/usr/sbin:/usr/bin:/sbin:/bin", "LD_PRELOAD=" + SambaAccounts::wrapperLibrary(),
-            "NSS_WRAPPER_PASSWD=" + accounts.passwdFile(), "NSS_WRAPPER_GROUP=" + accounts.groupFile()};
-}
-
-std::vector<char*> pointers(std::vector<std::string>& texts) {
-    std::vector<char*> answer;
-    for (std::string& text : texts) {
-        answer.push_back(text.data());
-    }
-    answer.push_back(nullptr);
-    return answer;
 }
 
 /// In the child: becomes the server, in a session of its own so that it and its children can be ended
@@ -137,15 +108,8 @@ bool endsWithin(pid_t process, std::chrono::steady_clock::duration limit) {
     return false;
 }
 
-std::string lastLine(const std::string& file) {
-    const std::string text = contentsOfFile(file).bytes.value_or("");
-    const std::size_t end = text.find_last_not_of(" \n");
-    if (end == std::string::npos) {
-        return {};
-    }
-    const std::size_t lineBreak = text.rfind('\n', end);
-    const std::size_t start = lineBreak == std::string::npos ? 0 : text.find_first_not_of(' ', lineBreak + 1);
-    return text.substr(start, end + 1 - start);
+std::string lastComplaint(const std::string& logFile) {
+    return lastLineOf(contentsOfFile(logFile).bytes.value_or(""));
 }
 
 } // namespace
@@ -186,10 +150,10 @@ std::string EmbeddedServer::start(int port) {
         return stringWithFormat("The SMB server's log %s cannot be written: %s.", logFile,
                                 std::strerror(errno));
     }
-    auto arguments = serverArguments(program, accounts.configurationFile(), root_.sambaFolder(), port);
-    auto environment = serverEnvironment(accounts);
-    const auto argumentPointers = pointers(arguments);
-    const auto environmentPointers = pointers(environment);
+    auto arguments = serverArguments(program, accounts, port);
+    auto environment = accounts.environment();
+    const auto argumentPointers = nullTerminated(arguments);
+    const auto environmentPointers = nullTerminated(environment);
     const pid_t parent = getpid();
     const pid_t child = fork();
     if (child == 0) {
@@ -210,7 +174,8 @@ std::string EmbeddedServer::waitUntilListening() {
     while (std::chrono::steady_clock::now() < end) {
         if (waitpid(process_, nullptr, WNOHANG) != 0) {
             process_ = 0;
-            return stringWithFormat("The SMB server ended at once: %s (see %s)", lastLine(logFile), logFile);
+            return stringWithFormat("The SMB server ended at once: %s (see %s)", lastComplaint(logFile),
+                                    logFile);
         }
         if (canConnect(port_)) {
             return {};

@@ -70,32 +70,22 @@ std::string missingPart(const std::string& program) {
     return {};
 }
 
-std::string lastLine(const std::string& text) {
-    const std::size_t end = text.find_last_not_of(" \n");
-    if (end == std::string::npos) {
-        return "no reason given";
-    }
-    const std::size_t lineBreak = text.rfind('\n', end);
-    const std::size_t start = lineBreak == std::string::npos ? 0 : lineBreak + 1;
-    return text.substr(start, end + 1 - start);
+std::string complaint(const CapturedRun& run) {
+    const std::string line = lastLineOf(run.output);
+    return line.empty() ? "no reason given" : line;
 }
 
-/// The options come after the configuration and hold whatever it says: where it cannot be read, Samba goes on
-/// with the computer's own settings, and would change the computer's own password database.
 CapturedRun runDatabaseProgram(const std::string& program, const SambaAccounts& accounts,
                                const std::string& folder, const std::vector<std::string>& operation,
                                std::string_view input) {
     std::vector<std::string> arguments{program, "-s", folder + "/accounts.conf"};
-    for (const auto& [setting, name] : folders) {
-        arguments.push_back(std::string("--option=") + setting + "=" + folder + "/" + name);
+    for (std::string& option : accounts.privateOptions()) {
+        arguments.push_back(std::move(option));
     }
-    arguments.push_back("--option=passdb backend=tdbsam:" + folder + "/private/passdb.tdb");
     arguments.insert(arguments.end(), operation.begin(), operation.end());
-    return runCaptured(
-        std::move(arguments),
-        {"PATH=/usr/sbin:/usr/bin:/sbin:/bin", "LC_ALL=C", "LD_PRELOAD=" + SambaAccounts::wrapperLibrary(),
-         "NSS_WRAPPER_PASSWD=" + accounts.passwdFile(), "NSS_WRAPPER_GROUP=" + accounts.groupFile()},
-        input);
+    std::vector<std::string> environment = accounts.environment();
+    environment.emplace_back("LC_ALL=C");
+    return runCaptured(std::move(arguments), std::move(environment), input);
 }
 
 } // namespace
@@ -119,6 +109,20 @@ std::string SambaAccounts::groupFile() const {
 
 std::string SambaAccounts::databaseFile() const {
     return root_.sambaFolder() + "/private/passdb.tdb";
+}
+
+std::vector<std::string> SambaAccounts::privateOptions() const {
+    std::vector<std::string> options;
+    for (const auto& [setting, name] : folders) {
+        options.push_back(std::string("--option=") + setting + "=" + root_.sambaFolder() + "/" + name);
+    }
+    options.push_back("--option=passdb backend=tdbsam:" + databaseFile());
+    return options;
+}
+
+std::vector<std::string> SambaAccounts::environment() const {
+    return {"PATH=/usr/sbin:/usr/bin:/sbin:/bin", "LD_PRELOAD=" + wrapperLibrary(),
+            "NSS_WRAPPER_PASSWD=" + passwdFile(), "NSS_WRAPPER_GROUP=" + groupFile()};
 }
 
 std::string SambaAccounts::wrapperLibrary() {
@@ -225,8 +229,7 @@ std::string SambaAccounts::setPassword(Store& store, const std::string& user,
         runDatabaseProgram(program, *this, root_.sambaFolder(), {"-t", "-a", "--user=" + user}, input);
     ::explicit_bzero(input.data(), input.size());
     if (!run.started || run.status != 0) {
-        return "Samba did not take the password: " + lastLine(run.output) + "; see " + root_.sambaFolder() +
-               "/log";
+        return "Samba did not take the password: " + complaint(run) + "; see " + root_.sambaFolder() + "/log";
     }
     return {};
 }
@@ -244,7 +247,7 @@ std::string SambaAccounts::removeUser(const std::string& user) const {
         runDatabaseProgram(program, *this, root_.sambaFolder(), {"-x", "--user=" + user}, {});
     const bool wasMissing = run.output.find("does not exist in the passdb") != std::string::npos;
     if (!run.started || (run.status != 0 && !wasMissing)) {
-        return "Samba did not forget the password: " + lastLine(run.output) + "; see " + root_.sambaFolder() +
+        return "Samba did not forget the password: " + complaint(run) + "; see " + root_.sambaFolder() +
                "/log";
     }
     return {};
