@@ -221,6 +221,28 @@ TEST_F(Root, IsMadeOnceByProgramsThatComeTogetherAndKeepsFilesThatAreThere) {
     }
 }
 
+TEST_F(Root, ConfigurationOfTheServersDaemonsHoldsWhateverTheIncludedFileSays) {
+    if (access("/usr/bin/testparm", X_OK) != 0) {
+        GTEST_SKIP() << "no testparm on this machine: install samba-common-bin";
+    }
+    // As in an smb.conf that was copied from the computer's own, and it ends in a share.
+    const std::string computer = (host.root() / "computer").string();
+    host.write(
+        "new root/etc/smb.conf",
+        "[global]\nserver string = Mine\nprivate dir = " + computer + "\nstate directory = " + computer +
+            "\npassdb backend = tdbsam:" + computer + "/passdb.tdb\nunix password sync = yes\n" +
+            "add user script = /usr/sbin/useradd %u\nconfig backend = registry\n[docs]\npath = /srv\n");
+    root.makeIfMissing();
+    const std::string file = platform::SambaAccounts(root).configurationFile();
+    const std::string seen = platform::runCaptured({"/usr/bin/testparm", "-s", file}, {}, {}).output;
+    EXPECT_TRUE(contains(seen, "server string = Mine\n")) << seen;
+    EXPECT_TRUE(contains(seen, "[docs]\n")) << seen;
+    EXPECT_TRUE(contains(seen, "tdbsam:" + root.sambaFolder() + "/private/passdb.tdb\n")) << seen;
+    for (const std::string& spoiled : {computer, std::string("unix password sync"), std::string("useradd")}) {
+        EXPECT_FALSE(contains(seen, spoiled)) << seen;
+    }
+}
+
 TEST_F(Root, AccountsFollowTheDirectoryAtOnceInNamesAndInTheServersLists) {
     root.makeIfMissing();
     const platform::DirectoryAccounts names(root.storeFile());

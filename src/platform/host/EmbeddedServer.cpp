@@ -5,11 +5,13 @@
 #include "NSString.h"
 #include "SambaAccounts.h"
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <chrono>
 #include <csignal>
 #include <cstring>
+#include <string_view>
 #include <thread>
 #include <utility>
 #include <vector>
@@ -67,11 +69,6 @@ std::vector<std::string> serverArguments(const std::string& program, const Samba
         arguments.push_back(std::move(option));
     }
     arguments.push_back(stringWithFormat("--option=smb ports=%d", port));
-    // A share-level "security" makes this Samba refuse to start; the file keeps it, the server does not see
-    // it.
-    arguments.emplace_back("--option=security=user");
-    arguments.emplace_back("--option=interfaces=127.0.0.1/8");
-    arguments.emplace_back("--option=bind interfaces only=yes");
     return arguments;
 }
 
@@ -208,9 +205,11 @@ void EmbeddedServer::stopRpcDaemon() const {
         return;
     }
     const NSFileContents commandLine = contentsOfFile(stringWithFormat("/proc/%d/cmdline", pid));
-    const std::string configuration = SambaAccounts(root_).configurationFile();
-    if (commandLine.bytes && commandLine.bytes->find("samba-dcerpcd") != std::string::npos &&
-        commandLine.bytes->find(configuration) != std::string::npos) {
+    const std::vector<std::string> words =
+        componentsSeparatedByString(commandLine.bytes.value_or(""), std::string_view("\0", 1));
+    const std::string configuration = "--configfile=" + SambaAccounts(root_).configurationFile();
+    if (lastPathComponent(words.front()) == "samba-dcerpcd" &&
+        std::ranges::find(words, configuration) != words.end()) {
         kill(pid, SIGTERM);
     }
 }

@@ -37,6 +37,14 @@ constexpr std::array<std::array<const char*, 2>, 7> folders{{{"private dir", "pr
                                                              {"pid directory", "pid"},
                                                              {"binddns dir", "binddns"}}};
 
+/// What Samba would run to change this computer's accounts when a client asks it to. An smb.conf that was
+/// copied from the computer's own may name such programs.
+constexpr std::array accountPrograms{"add user script",          "delete user script",
+                                     "rename user script",       "add group script",
+                                     "add machine script",       "delete group script",
+                                     "add user to group script", "delete user from group script",
+                                     "set primary group script"};
+
 std::string databaseProgram() {
     for (const char* folder : programFolders) {
         if (::access((std::string(folder) + "pdbedit").c_str(), X_OK) == 0) {
@@ -111,12 +119,35 @@ std::string SambaAccounts::databaseFile() const {
     return root_.sambaFolder() + "/private/passdb.tdb";
 }
 
+std::vector<SambaAccounts::Setting> SambaAccounts::ownSettings() const {
+    const std::string folder = root_.sambaFolder();
+    std::vector<Setting> settings;
+    for (const auto& [name, below] : folders) {
+        settings.push_back({name, folder + "/" + below});
+    }
+    settings.push_back({"passdb backend", "tdbsam:" + databaseFile()});
+    settings.push_back({"log file", folder + "/log/tools.log"});
+    settings.push_back({"config backend", "file"});
+    // A share-level "security" makes this Samba refuse to start; the root's file keeps it, the server does
+    // not see it.
+    settings.push_back({"security", "user"});
+    settings.push_back({"interfaces", "127.0.0.1/8"});
+    settings.push_back({"bind interfaces only", "yes"});
+    // A password that a client changes is that of the root's user, never of the computer's user of that name.
+    for (const char* name : {"unix password sync", "pam password change", "obey pam restrictions"}) {
+        settings.push_back({name, "no"});
+    }
+    for (const char* name : accountPrograms) {
+        settings.push_back({name, ""});
+    }
+    return settings;
+}
+
 std::vector<std::string> SambaAccounts::privateOptions() const {
     std::vector<std::string> options;
-    for (const auto& [setting, name] : folders) {
-        options.push_back(std::string("--option=") + setting + "=" + root_.sambaFolder() + "/" + name);
+    for (const Setting& setting : ownSettings()) {
+        options.push_back("--option=" + setting.name + "=" + setting.value);
     }
-    options.push_back("--option=passdb backend=tdbsam:" + databaseFile());
     return options;
 }
 
@@ -143,19 +174,24 @@ std::string SambaAccounts::wrapperLibrary() {
     return {};
 }
 
-std::string SambaAccounts::configuration() const {
-    const std::string folder = root_.sambaFolder();
-    std::string text = "# Written by Brindle for the SMB server of this root alone.  Changes here are lost: "
-                       "the settings are\n"
-                       "# those of " +
-                       root_.map("/etc/smb.conf") + ".\n[global]\n";
-    text += "  workgroup = WORKGROUP\n  netbios name = BRINDLE\n  server role = standalone server\n"
-            "  map to guest = Bad User\n  interfaces = 127.0.0.1/8\n  bind interfaces only = yes\n"
-            "  disable netbios = yes\n  load printers = no\n  disable spoolss = yes\n";
-    for (const auto& [setting, name] : folders) {
-        text += std::string("  ") + setting + " = " + folder + "/" + name + "\n";
+std::string SambaAccounts::configuration(bool includesSmbConf) const {
+    std::string own = "[global]\n";
+    for (const Setting& setting : ownSettings()) {
+        own += "  " + setting.name + " = " + setting.value + "\n";
     }
-    text += "  passdb backend = tdbsam:" + databaseFile() + "\n  log file = " + folder + "/log/tools.log\n";
+    const std::string smbConf = root_.map("/etc/smb.conf");
+    std::string text =
+        "# Written by Brindle for the SMB server of this root alone.  Changes here are lost: "
+        "the settings are\n"
+        "# those of " +
+        smbConf + ".\n" + own +
+        "  workgroup = WORKGROUP\n  netbios name = BRINDLE\n  server role = standalone server\n"
+        "  map to guest = Bad User\n  disable netbios = yes\n  load printers = no\n"
+        "  disable spoolss = yes\n";
+    if (includesSmbConf) {
+        // The setting that is read last counts. The included file may end in a share.
+        text += "  include = " + smbConf + "\n" + own;
+    }
     return text;
 }
 
@@ -175,12 +211,8 @@ std::string SambaAccounts::makeFolders() const {
         return "cannot make " + folder.string() + ": " + error.message() +
                "; allow writing to the root and try again";
     }
-    std::string failure = replaceFile(folder / "accounts.conf", configuration());
-    if (failure.empty()) {
-        failure = replaceFile(configurationFile(),
-                              configuration() + "  include = " + root_.map("/etc/smb.conf") + "\n");
-    }
-    return failure;
+    std::string failure = replaceFile(folder / "accounts.conf", configuration(false));
+    return failure.empty() ? replaceFile(configurationFile(), configuration(true)) : failure;
 }
 
 std::string SambaAccounts::make() const {

@@ -22,13 +22,16 @@ class SambaAccounts {
     /// True when the root has a folder for its own server.
     [[nodiscard]] bool exists() const;
 
-    /// Samba's configuration for this root. It includes the root's smb.conf and states the root's own
-    /// settings once more behind that, for the daemons that smbd starts without its options.
+    /// Samba's configuration for this root. It includes the root's smb.conf and says the root's own settings
+    /// once more behind it: smbd starts daemons that read the configuration and get none of its options.
     [[nodiscard]] std::string configurationFile() const;
-    /// The root's own settings, each as an option that no configuration overrides: the password database,
-    /// every folder that Samba writes to, and nothing that reaches the computer's own accounts. Every program
-    /// of Samba that is started for the root gets them.
-    [[nodiscard]] std::vector<std::string> ownOptions() const;
+    /// The root's own settings as what each of Samba's programs is told on its command line, where no line of
+    /// a configuration can change them: its folders and password database, and nothing that would reach the
+    /// computer's own accounts. Where the configuration cannot be read, Samba goes on with the computer's
+    /// own, and would change the computer's own password database.
+    [[nodiscard]] std::vector<std::string> privateOptions() const;
+    /// The whole environment of Samba's programs, each "NAME=VALUE": the wrapper and the account lists.
+    [[nodiscard]] std::vector<std::string> environment() const;
     [[nodiscard]] std::string passwdFile() const; ///< NSS_WRAPPER_PASSWD
     [[nodiscard]] std::string groupFile() const;  ///< NSS_WRAPPER_GROUP
     /// libnss_wrapper.so as LD_PRELOAD takes it; empty when it is not installed.
@@ -36,13 +39,6 @@ class SambaAccounts {
 
     /// Makes the folders and the configuration, anew when the root has moved.
     [[nodiscard]] std::string makeFolders() const;
-    /// What each of Samba's programs is told on its command line, which no line of a configuration can
-    /// change: its private folders and its password database. Where the configuration cannot be read, Samba
-    /// goes on with the computer's own, and would change the computer's own password database.
-    [[nodiscard]] std::vector<std::string> privateOptions() const;
-    /// The whole environment of Samba's programs, each "NAME=VALUE": the wrapper and the account lists.
-    [[nodiscard]] std::vector<std::string> environment() const;
-
     /// The same, and the account lists from the directory as it is now. Waits for the directory's writers.
     [[nodiscard]] std::string make() const;
     /// Rewrites both account lists as the open transaction sees the directory, so that no other writer's
@@ -61,9 +57,9 @@ class SambaAccounts {
         std::string value;
     };
 
-    [[nodiscard]] std::vector<Setting> ownSettings() const;
     [[nodiscard]] std::string databaseFile() const;
-    [[nodiscard]] std::string configuration() const;
+    [[nodiscard]] std::vector<Setting> ownSettings() const;
+    [[nodiscard]] std::string configuration(bool includesSmbConf) const;
 
     EmbeddedRoot root_;
 };
