@@ -1,3 +1,5 @@
 #include "NSApplicationMain.h"
 
-int main(int argc, char** argv) { return NSApplicationMain(argc, argv); }
+int main(int argc, char** argv) {
+    return NSApplicationMain(argc, argv);
+}
