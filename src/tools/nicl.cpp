@@ -10,6 +10,9 @@
 #include <array>
 #include <optional>
 #include <stdexcept>
+#include <string_view>
+#include <unordered_set>
+#include <utility>
 
 using platform::Store;
 
@@ -155,18 +158,24 @@ class Change {
         if (request_.values.empty()) {
             store_.removeProperty(changing, property);
         } else {
-            for (const auto& value : request_.values) {
-                if (std::ranges::find(*kept, value) == kept->end()) {
-                    throw Refusal(stringWithFormat("the property %@ has no value %@; nothing was deleted",
-                                                   property, value));
-                }
-            }
-            std::erase_if(*kept, [this](const std::string& value) {
-                return std::ranges::find(request_.values, value) != request_.values.end();
-            });
+            takeAway(request_.values, property, &*kept);
             store_.setValues(changing, property, *kept);
         }
         isChanged_ = true;
+    }
+
+    /// Sets, because a group of a large organisation may lose thousands of its members at once.
+    static void takeAway(const std::vector<std::string>& unwanted, const std::string& property,
+                         std::vector<std::string>* kept) {
+        const std::unordered_set<std::string_view> present(kept->begin(), kept->end());
+        for (const auto& value : unwanted) {
+            if (!present.contains(value)) {
+                throw Refusal(stringWithFormat("the property %@ has no value %@; nothing was deleted",
+                                               property, value));
+            }
+        }
+        const std::unordered_set<std::string_view> leaving(unwanted.begin(), unwanted.end());
+        std::erase_if(*kept, [&](const std::string& value) { return leaving.contains(value); });
     }
 
     [[nodiscard]] bool isUser() const { return request_.path.size() == 2 && request_.path[0] == "users"; }
