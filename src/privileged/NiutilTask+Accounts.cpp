@@ -126,7 +126,8 @@ void NiutilTask::runPasswd(const std::string& shortName, const std::string& pass
     if (!authenticate()) {
         return;
     }
-    std::vector<std::string> arguments = {".", "-passwd", stringWithFormat("/Users/%@", shortName), passwd};
+    std::vector<std::string> arguments = {".", "-passwd", stringWithFormat("/Users/%@", shortName)};
+    arguments.push_back(passwd); // in the list above it would leave a copy that nobody wipes
     runAndLog("/usr/bin/dscl", arguments, "outString not empty for create passwd: %@");
     platform::wipe(arguments.back());
 }
