@@ -65,6 +65,8 @@ std::vector<std::string> serverArguments(const std::string& program, const Samba
                                          int port) {
     std::vector<std::string> arguments{
         program, "-F", "--no-process-group", "-s", accounts.configurationFile(), "--debug-stdout"};
+    // smbd hands this on to its daemons, which log before they have read where to.
+    arguments.push_back("--log-basename=" + accounts.logFolder());
     for (std::string& option : accounts.privateOptions()) {
         arguments.push_back(std::move(option));
     }
@@ -141,7 +143,7 @@ std::string EmbeddedServer::start(int port) {
     if (std::string error = accounts.make(); !error.empty()) {
         return error;
     }
-    const std::string logFile = root_.sambaFolder() + "/log/smbd.log";
+    const std::string logFile = SambaAccounts(root_).logFolder() + "/smbd.log";
     const int log = open(logFile.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
     if (log < 0) {
         return stringWithFormat("The SMB server's log %s cannot be written: %s.", logFile,
@@ -167,7 +169,7 @@ std::string EmbeddedServer::start(int port) {
 
 std::string EmbeddedServer::waitUntilListening() {
     const auto end = std::chrono::steady_clock::now() + kStartLimit;
-    const std::string logFile = root_.sambaFolder() + "/log/smbd.log";
+    const std::string logFile = SambaAccounts(root_).logFolder() + "/smbd.log";
     while (std::chrono::steady_clock::now() < end) {
         if (waitpid(process_, nullptr, WNOHANG) != 0) {
             process_ = 0;

@@ -115,6 +115,10 @@ std::string SambaAccounts::groupFile() const {
     return root_.sambaFolder() + "/group";
 }
 
+std::string SambaAccounts::logFolder() const {
+    return root_.sambaFolder() + "/log";
+}
+
 std::string SambaAccounts::databaseFile() const {
     return root_.sambaFolder() + "/private/passdb.tdb";
 }
@@ -126,7 +130,7 @@ std::vector<SambaAccounts::Setting> SambaAccounts::ownSettings() const {
         settings.push_back({name, folder + "/" + below});
     }
     settings.push_back({"passdb backend", "tdbsam:" + databaseFile()});
-    settings.push_back({"log file", folder + "/log/tools.log"});
+    settings.push_back({"log file", logFolder() + "/tools.log"});
     settings.push_back({"config backend", "file"});
     // A share-level "security" makes this Samba refuse to start; the root's file keeps it, the server does
     // not see it.
@@ -198,7 +202,7 @@ std::string SambaAccounts::configuration(bool includesSmbConf) const {
 std::string SambaAccounts::makeFolders() const {
     const fs::path folder = root_.sambaFolder();
     std::error_code error;
-    fs::create_directories(folder / "log", error);
+    fs::create_directories(logFolder(), error);
     for (const auto& each : folders) {
         if (!error) {
             fs::create_directories(folder / each[1], error);
@@ -261,7 +265,7 @@ std::string SambaAccounts::setPassword(Store& store, const std::string& user,
         runDatabaseProgram(program, *this, root_.sambaFolder(), {"-t", "-a", "--user=" + user}, input);
     ::explicit_bzero(input.data(), input.size());
     if (!run.started || run.status != 0) {
-        return "Samba did not take the password: " + complaint(run) + "; see " + root_.sambaFolder() + "/log";
+        return "Samba did not take the password: " + complaint(run) + "; see " + logFolder();
     }
     return {};
 }
@@ -279,8 +283,7 @@ std::string SambaAccounts::removeUser(const std::string& user) const {
         runDatabaseProgram(program, *this, root_.sambaFolder(), {"-x", "--user=" + user}, {});
     const bool wasMissing = run.output.find("does not exist in the passdb") != std::string::npos;
     if (!run.started || (run.status != 0 && !wasMissing)) {
-        return "Samba did not forget the password: " + complaint(run) + "; see " + root_.sambaFolder() +
-               "/log";
+        return "Samba did not forget the password: " + complaint(run) + "; see " + logFolder();
     }
     return {};
 }

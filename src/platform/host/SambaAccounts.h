@@ -34,6 +34,7 @@ class SambaAccounts {
     [[nodiscard]] std::vector<std::string> environment() const;
     [[nodiscard]] std::string passwdFile() const; ///< NSS_WRAPPER_PASSWD
     [[nodiscard]] std::string groupFile() const;  ///< NSS_WRAPPER_GROUP
+    [[nodiscard]] std::string logFolder() const;
     /// libnss_wrapper.so as LD_PRELOAD takes it; empty when it is not installed.
     [[nodiscard]] static std::string wrapperLibrary();
 
