@@ -104,7 +104,7 @@ int ReadConnection::open(const std::string& file) {
     begun_ = false;
     sqlite3* opened = nullptr;
     const int error =
-        sqlite3_open_v2(file.c_str(), &opened, SQLITE_OPEN_READONLY | SQLITE_OPEN_PRIVATECACHE, nullptr);
+        sqlite3_open_v2(file.c_str(), &opened, SQLITE_OPEN_READONLY | kSqliteOwnConnection, nullptr);
     database_.reset(opened);
     return error;
 }
@@ -176,7 +176,7 @@ int ReadConnection::recoverCopy() {
     sqlite3* opened = nullptr;
     const std::string copy = (folder.path() / "copy.db").string();
     const int error =
-        sqlite3_open_v2(copy.c_str(), &opened, SQLITE_OPEN_READWRITE | SQLITE_OPEN_PRIVATECACHE, nullptr);
+        sqlite3_open_v2(copy.c_str(), &opened, SQLITE_OPEN_READWRITE | kSqliteOwnConnection, nullptr);
     database_.reset(opened);
     // Reading undoes the changes in the copy; from then on the open descriptor is all that is needed.
     return error == SQLITE_OK ? beginHere() : error;

@@ -46,6 +46,9 @@ struct CloseConnection {
     void operator()(sqlite3* database) const { sqlite3_close_v2(database); }
 };
 
+/// A connection belongs to one thread: SQLite need not take a lock at every value that is read.
+inline constexpr int kSqliteOwnConnection = SQLITE_OPEN_PRIVATECACHE | SQLITE_OPEN_NOMUTEX;
+
 using SqliteConnection = std::unique_ptr<sqlite3, CloseConnection>;
 
 /// A prepared statement. Parameters count from 1, columns from 0. Texts that are bound must live until the

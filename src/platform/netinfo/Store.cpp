@@ -86,7 +86,7 @@ Store::Store(const std::string& file, Opening opening)
 Store::~Store() = default; // closing rolls back
 
 void Store::open(Opening opening) {
-    int flags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_PRIVATECACHE;
+    int flags = SQLITE_OPEN_READWRITE | kSqliteOwnConnection;
     if (opening == Opening::Create) {
         if (std::filesystem::exists(file_)) {
             throw StoreError("cannot make the directory " + file_ + ": it exists; choose another file");
