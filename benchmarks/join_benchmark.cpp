@@ -9,6 +9,7 @@
 #include "NSBundle.h"
 #include "SilentPresenter.h"
 #include "Store.h"
+#include "TemporaryFolder.h"
 
 #include <benchmark/benchmark.h>
 
@@ -19,28 +20,9 @@
 #include <string>
 #include <vector>
 
-#include <unistd.h>
-
 namespace fs = std::filesystem;
 
 namespace {
-
-class TemporaryFolder {
-  public:
-    TemporaryFolder() : path_(fs::temp_directory_path() / ("brindle-join-" + std::to_string(::getpid()))) {
-        fs::create_directories(path_ / "etc");
-    }
-
-    TemporaryFolder(const TemporaryFolder&) = delete;
-    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
-
-    ~TemporaryFolder() { fs::remove_all(path_); }
-
-    [[nodiscard]] const fs::path& path() const { return path_; }
-
-  private:
-    fs::path path_;
-};
 
 void writeSections(const fs::path& path, std::int64_t count) {
     std::ofstream file(path);
@@ -88,6 +70,7 @@ class Application {
 
   private:
     static platform::Services prepared(const fs::path& root, std::int64_t count) {
+        fs::create_directories(root / "etc");
         writeSections(root / "etc/smb.conf", count);
         platform::EmbeddedHostOptions options;
         options.root = root.string();

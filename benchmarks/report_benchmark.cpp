@@ -1,18 +1,16 @@
 #include "Host.h"
 #include "LocalDomain.h"
 #include "Store.h"
+#include "TemporaryFolder.h"
 #include "ni_report.h"
 
 #include <benchmark/benchmark.h>
 #include <sqlite3.h>
 
 #include <array>
-#include <filesystem>
 #include <memory>
 #include <string>
 #include <vector>
-
-#include <cstdlib>
 
 // How long the report of all users takes, against one SQL join that fetches the same records in the order of
 // their ids. Each user has twelve properties, of which the report shows five.
@@ -56,11 +54,6 @@ class SilentLog : public platform::Log {
 class UserDirectory {
   public:
     explicit UserDirectory(std::int64_t users) {
-        std::string pattern = (std::filesystem::temp_directory_path() / "brindle-report-XXXXXX").string();
-        if (::mkdtemp(pattern.data()) == nullptr) {
-            std::abort();
-        }
-        folder_ = pattern;
         fill(file(), users);
         platform::Services services;
         services.log = std::make_shared<SilentLog>();
@@ -68,18 +61,10 @@ class UserDirectory {
         host_ = std::make_unique<platform::Host>(std::move(services));
     }
 
-    ~UserDirectory() {
-        host_.reset();
-        std::filesystem::remove_all(folder_);
-    }
-
-    UserDirectory(const UserDirectory&) = delete;
-    UserDirectory& operator=(const UserDirectory&) = delete;
-
-    [[nodiscard]] std::string file() const { return (folder_ / "directory.db").string(); }
+    [[nodiscard]] std::string file() const { return (folder_.path() / "directory.db").string(); }
 
   private:
-    std::filesystem::path folder_;
+    TemporaryFolder folder_;
     std::unique_ptr<platform::Host> host_;
 };
 
@@ -100,7 +85,8 @@ void sqlJoin(benchmark::State& state) {
     for (auto _ : state) {
         sqlite3* database = nullptr;
         sqlite3_stmt* join = nullptr;
-        sqlite3_open_v2(directory.file().c_str(), &database, SQLITE_OPEN_READONLY, nullptr);
+        sqlite3_open_v2(directory.file().c_str(), &database, SQLITE_OPEN_READONLY | SQLITE_OPEN_NOMUTEX,
+                        nullptr);
         sqlite3_prepare_v2(
             database,
             "SELECT r.id, p.name, v.value FROM record u JOIN record r ON r.parent = u.id JOIN property p "

@@ -4,6 +4,7 @@
 
 #include "Host.h"
 #include "SMBConf.h"
+#include "WholeProgram.h"
 
 #include <benchmark/benchmark.h>
 
@@ -14,9 +15,6 @@
 #include <string>
 #include <string_view>
 
-#include <fcntl.h>
-#include <spawn.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 namespace fs = std::filesystem;
@@ -92,26 +90,10 @@ void parseFile(benchmark::State& state) {
     countBytes(state, path);
 }
 
-/// Runs a program to its end, its output thrown away. False when it failed.
-bool run(const char* program, const char* option, const std::string& path) {
-    posix_spawn_file_actions_t actions;
-    posix_spawn_file_actions_init(&actions);
-    for (const int descriptor : {STDOUT_FILENO, STDERR_FILENO}) {
-        posix_spawn_file_actions_addopen(&actions, descriptor, "/dev/null", O_WRONLY, 0);
-    }
-    std::string arguments[]{program, option, path};
-    char* argv[]{arguments[0].data(), arguments[1].data(), arguments[2].data(), nullptr};
-    pid_t child = 0;
-    int status = -1;
-    const bool started = ::posix_spawnp(&child, program, &actions, nullptr, argv, environ) == 0;
-    posix_spawn_file_actions_destroy(&actions);
-    return started && ::waitpid(child, &status, 0) == child && WIFEXITED(status) && WEXITSTATUS(status) == 0;
-}
-
 void process(benchmark::State& state, const char* program, const char* option) {
     const std::string path = fileOf(state.range(0));
     for (auto _ : state) {
-        if (!run(program, option, path)) {
+        if (!runProgram({program, option, path})) {
             state.SkipWithError("the program cannot be run, or failed");
             break;
         }

@@ -1,0 +1,75 @@
+#pragma once
+
+#include "EmbeddedHost.h"
+#include "EmbeddedRoot.h"
+#include "Store.h"
+
+#include <algorithm>
+#include <array>
+#include <filesystem>
+#include <fstream>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+/// The options of a benchmark's host: all that it touches is below `root`.
+inline platform::EmbeddedHostOptions optionsFor(const std::string& root) {
+    platform::EmbeddedHostOptions options;
+    options.root = root;
+    options.home = root;
+    options.keepsUserDefaults = false;
+    return options;
+}
+
+/// Adds a record below `place` ("config/Brindle"), with a property for each pair.
+inline void addRecord(platform::Store& store, std::string_view place, const std::string& name,
+                      const std::vector<std::pair<const char*, std::string>>& properties) {
+    std::vector<std::string> components;
+    for (std::size_t begin = 0; begin < place.size();) {
+        const std::size_t end = std::min(place.find('/', begin), place.size());
+        components.emplace_back(place.substr(begin, end - begin));
+        begin = end + 1;
+    }
+    const auto record = store.addRecord(store.find(components).value(), name);
+    for (const auto& [property, value] : properties) {
+        store.setValues(record, property, std::array{value});
+    }
+}
+
+/// Makes a root with so many shares and users besides the computer's own. The shares have folders that exist;
+/// every second one is shared over SMB as well.
+inline void fillRoot(const std::filesystem::path& root, int shares, int users) {
+    constexpr int firstUserId = 1001;
+    std::filesystem::create_directories(root / "etc");
+    std::ofstream configuration(root / "etc/smb.conf");
+    configuration << "[global]\nworkgroup = OFFICE\n";
+    platform::EmbeddedRoot(root.string()).makeIfMissing();
+    platform::Store store(platform::EmbeddedRoot(root.string()).storeFile());
+    for (int share = 0; share < shares; ++share) {
+        const std::string name = "share" + std::to_string(share);
+        const std::filesystem::path folder = root / "shared" / name;
+        std::filesystem::create_directories(folder);
+        addRecord(store, "config/Brindle", name,
+                  {{"directory_path", folder.string()},
+                   {"afp_shared", "1"},
+                   {"afp_name", name},
+                   {"afp_use_parent_privs", "0"},
+                   {"afp_use_parent_owner", "0"}});
+        if (share % 2 == 0) {
+            configuration << '[' << name << "]\npath = " << folder.string() << "\nguest ok = yes\n";
+        }
+    }
+    for (int user = 0; user < users; ++user) {
+        const std::string name = "person" + std::to_string(user);
+        addRecord(store, "users", name,
+                  {{"uid", std::to_string(firstUserId + user)},
+                   {"gid", "20"},
+                   {"realname", "Person number " + std::to_string(user)},
+                   {"sharedDir", ""},
+                   {"passwd", "*"},
+                   {"home", "/home/" + name},
+                   {"shell", "/bin/sh"}});
+    }
+    store.commit();
+}

@@ -1,0 +1,17 @@
+// The least that a program with a Qt main window can be: what Brindle's start is measured against.
+
+#include "FirstPaint.h"
+
+#include <QApplication>
+#include <QMainWindow>
+
+int main(int argc, char** argv) {
+    const QApplication application(argc, argv);
+    EndAtFirstPaint end;
+    qApp->installEventFilter(&end);
+    QMainWindow window;
+    window.resize(900, 600);
+    window.show();
+    end.begin();
+    return QApplication::exec();
+}

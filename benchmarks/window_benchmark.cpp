@@ -1,0 +1,81 @@
+// How long Brindle takes from its start until its window stands painted, with 1,000 shares and 10,000 users,
+// against a program that only shows an empty window. Both are whole programs; both use Qt's offscreen
+// platform, so that no display's speed is measured.
+
+#include "Application.h"
+#include "FilledRoot.h"
+#include "FirstPaint.h"
+#include "NSUserDefaults.h"
+#include "QtFrontend.h"
+#include "TemporaryFolder.h"
+#include "WholeProgram.h"
+
+#include <benchmark/benchmark.h>
+
+#include <QApplication>
+
+#include <filesystem>
+#include <string_view>
+#include <utility>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr int shares = 1000;
+constexpr int users = 10000;
+
+/// Does what a start of Brindle in a display does, up to the first paint that shows all tables filled.
+int showBrindle(const std::string& root, char** argv) {
+    frontend::Application application(platform::makeEmbeddedServices(optionsFor(root)));
+    int argc = 1;
+    QtFrontend window(argc, argv, QtFrontend::Manner::Interactive);
+    application.setPresenter(window.presenter());
+    EndAtFirstPaint end;
+    qApp->installEventFilter(&end);
+    // A user who has turned the reminder off: nothing is to stand before the window.
+    NSUserDefaults::standardUserDefaults().setInteger(0, "BrindleDonationReminder");
+    application.load();
+    return window.run([&] {
+        application.launch();
+        end.begin();
+    });
+}
+
+/// Runs a program again and again; the time is that from its start to its end.
+void program(benchmark::State& state, const std::vector<std::string>& words) {
+    for (auto _ : state) {
+        if (!runProgram(words)) {
+            state.SkipWithError("the program cannot be run, or failed");
+            break;
+        }
+    }
+}
+
+void measure(const std::string& root) {
+    const std::string self = fs::read_symlink("/proc/self/exe").string();
+    const std::string empty = (fs::path(self).parent_path() / "empty_window").string();
+    for (const auto& [name, words] :
+         {std::pair{"emptyWindow", std::vector{empty}},
+          std::pair{"brindleWindow", std::vector{self, std::string("--brindle"), root}}}) {
+        benchmark::RegisterBenchmark(name, [words](benchmark::State& state) { program(state, words); })
+            ->Unit(benchmark::kMillisecond)
+            ->UseRealTime();
+    }
+    benchmark::RunSpecifiedBenchmarks();
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    if (argc == 3 && std::string_view(argv[1]) == "--brindle") {
+        return showBrindle(argv[2], argv);
+    }
+    benchmark::Initialize(&argc, argv);
+    const TemporaryFolder root;
+    fillRoot(root.path(), shares, users);
+    measure(root.path().string());
+    benchmark::Shutdown();
+    return 0;
+}
