@@ -38,11 +38,14 @@ QLabel* wrapped(const QString& text) {
     return label;
 }
 
-/// Overwrites what the field held before it lets go of it.
+/// The field's text, which it no longer holds. Copies made on the way are overwritten.
 std::string takePassword(QLineEdit& field) {
-    std::string password = field.text().toStdString();
-    field.setText(QString(field.text().size(), QLatin1Char('*')));
-    field.clear();
+    QString text = field.text();
+    field.clear(); // so that `text` alone holds the characters, and fill() writes over them in place
+    QByteArray bytes = text.toUtf8();
+    std::string password(bytes.constData(), static_cast<std::size_t>(bytes.size()));
+    text.fill(QChar());
+    bytes.fill('\0');
     return password;
 }
 
