@@ -1,6 +1,8 @@
 #include "DirectoryFixture.h"
 #include "ni.h"
 
+#include <sqlite3.h>
+
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -39,6 +41,31 @@ ni_status search(ni_domain* domain, const char* path, ni_id* id) {
 std::string bytes(const fs::path& file) {
     std::ifstream in(file, std::ios::binary);
     return {std::istreambuf_iterator<char>(in), {}};
+}
+
+/// The directory as Brindle kept it first, with a row for each property and each value.
+void makeStoreOfRows(const fs::path& file) {
+    fs::remove(file);
+    sqlite3* database = nullptr;
+    ASSERT_EQ(sqlite3_open(file.c_str(), &database), SQLITE_OK);
+    const char* sql = R"(
+PRAGMA application_id = 0x42724469; PRAGMA user_version = 1;
+CREATE TABLE record (id INTEGER PRIMARY KEY AUTOINCREMENT, parent INTEGER REFERENCES record (id),
+    name TEXT NOT NULL, UNIQUE (parent, name));
+CREATE INDEX record_by_parent ON record (parent);
+CREATE TABLE property (record INTEGER NOT NULL, position INTEGER NOT NULL, name TEXT NOT NULL,
+    PRIMARY KEY (record, position)) WITHOUT ROWID;
+CREATE TABLE value (record INTEGER NOT NULL, property INTEGER NOT NULL, position INTEGER NOT NULL,
+    value TEXT NOT NULL, PRIMARY KEY (record, property, position)) WITHOUT ROWID;
+INSERT INTO record VALUES (0, NULL, ''), (1, 0, 'users'), (2, 1, 'ada'), (3, 1, 'zoe'), (7, 1, 'bare');
+INSERT INTO property VALUES (1, 0, 'name'), (2, 0, 'name'), (2, 2, 'mail'), (2, 4, 'hint'), (2, 5, 'uid'),
+    (3, 0, 'name'), (3, 1, 'uid');
+INSERT INTO value VALUES (1, 0, 0, 'users'), (2, 0, 0, 'ada'), (2, 2, 3, 'b'), (2, 2, 4, ''), (2, 2, 5, 'a'),
+    (2, 5, 0, '501'), (3, 0, 0, 'zoe'), (3, 1, 0, '502');
+)";
+    char* error = nullptr;
+    EXPECT_EQ(sqlite3_exec(database, sql, nullptr, nullptr, &error), SQLITE_OK) << error;
+    sqlite3_close(database);
 }
 
 /// So many records that SQLite writes some of them to the file before the commit.
@@ -104,6 +131,77 @@ TEST_F(Directory, ListsRecordsPropertiesAndValuesInTheOrderInWhichTheyWereMade) 
     ni_idlist found;
     EXPECT_EQ(ni_lookup(domain.get(), &id, "mail", "a", &found), NI_OK);
     EXPECT_EQ(found.niil_val, (std::vector<std::uint32_t>{zoe.nii_object}));
+}
+
+TEST_F(Directory, OfTheFirstLayoutIsReadAsItIsAndTurnedIntoTodaysByTheFirstWriter) {
+    makeStoreOfRows(host.storeFile());
+    const std::string before = bytes(host.storeFile());
+    const std::string ada = "name: ada\nmail: b  a\nhint:\nuid: 501\n";
+    const std::string zoe = "name: zoe\nuid: 502\n";
+    EXPECT_EQ(record("/users/ada"), ada);
+    EXPECT_EQ(record("/users/zoe"), zoe);
+    EXPECT_EQ(record("/users/bare"), "");
+    EXPECT_EQ(countUsers(), 3U);
+    EXPECT_TRUE(bytes(host.storeFile()) == before) << "reading wrote";
+
+    EXPECT_EQ(nicl({"-create", "/users/eve"}), "");
+    EXPECT_EQ(record("/users/ada"), ada);
+    EXPECT_EQ(record("/users/zoe"), zoe);
+    EXPECT_EQ(record("/users/eve"), "name: eve\n");
+    EXPECT_EQ(countUsers(), 4U);
+}
+
+TEST_F(Directory, KeepsTextsOfAnyLengthAndAnyBytes) {
+    const std::vector<std::string> values{std::string(127, 'a'), std::string(128, 'b'),
+                                          std::string(70000, 'c'), std::string("\0\xff\x80", 3), ""};
+    {
+        Store store(host.storeFile());
+        const auto users = store.child(Store::root, "users").value();
+        const auto ada = store.addRecord(users, "ada");
+        store.setValues(ada, "many", std::vector<std::string>(300, "x"));
+        store.setValues(ada, "odd", values);
+        EXPECT_EQ(store.values(ada, "odd"), values);
+        store.commit();
+    }
+    const Domain domain = openLocal();
+    ni_id id;
+    ASSERT_EQ(search(domain.get(), "/users/ada", &id), NI_OK);
+    ni_namelist odd;
+    ni_namelist many;
+    EXPECT_EQ(ni_lookupprop(domain.get(), &id, "many", &many), NI_OK);
+    EXPECT_EQ(ni_lookupprop(domain.get(), &id, "odd", &odd), NI_OK);
+    EXPECT_EQ(many.ninl_val.size(), 300U);
+    EXPECT_EQ(texts(odd), values);
+}
+
+TEST_F(Directory, ReportsADamagedRecordAndStillReadsTheOthers) {
+    // Each promises more than it holds: a name without an end, more values than bytes, a value cut short.
+    for (const char* content :
+         {"x'056e616d'", "x'046e616d65ffffffff0f'", "x'046e616d650105616461'", "x'ffffffffffff'"}) {
+        host.write("damaged.db", "");
+        fs::copy_file(host.storeFile(), host.root() / "damaged.db", fs::copy_options::overwrite_existing);
+        const std::string sql = std::string("INSERT INTO record (parent, name, content) SELECT id, 'ada', ") +
+                                content + " FROM record WHERE name = 'users'";
+        sqlite3* database = nullptr;
+        ASSERT_EQ(sqlite3_open((host.root() / "damaged.db").c_str(), &database), SQLITE_OK);
+        EXPECT_EQ(sqlite3_exec(database, sql.c_str(), nullptr, nullptr, nullptr), SQLITE_OK);
+        sqlite3_close(database);
+
+        ni_domain* opened = nullptr;
+        ASSERT_EQ(ni_openfile(host.root() / "damaged.db", &opened), NI_OK);
+        const Domain domain(opened);
+        ni_id id;
+        ni_namelist names;
+        ASSERT_EQ(search(opened, "/users/ada", &id), NI_OK);
+        EXPECT_EQ(ni_listprops(opened, &id, &names), NI_SYSTEMERR) << content;
+        ASSERT_EQ(search(opened, "/groups", &id), NI_OK);
+        EXPECT_EQ(ni_listprops(opened, &id, &names), NI_OK) << content;
+
+        Store store(host.root() / "damaged.db");
+        const auto users = store.child(Store::root, "users").value();
+        EXPECT_THROW((void)store.children(users), platform::StoreError) << content;
+        EXPECT_THROW(store.setValues(store.child(users, "ada").value(), "uid", {}), platform::StoreError);
+    }
 }
 
 TEST_F(Directory, SaysWhichKindOfThingIsMissing) {

@@ -1,5 +1,7 @@
 #include "ReadConnection.h"
 
+#include "StoreUpgrade.h"
+
 #include <chrono>
 #include <filesystem>
 #include <fstream>
@@ -11,6 +13,8 @@
 namespace platform {
 
 namespace {
+
+constexpr int allPages = -1; // at one go
 
 double steadySeconds() {
     return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch()).count();
@@ -142,7 +146,35 @@ int ReadConnection::beginHere() {
         return SQLITE_NOTADB;
     }
     SqliteStatement version(database_.get(), "PRAGMA user_version");
-    return version.step() && version.number(0) == storeVersion ? SQLITE_OK : SQLITE_NOTADB;
+    if (!version.step()) {
+        return version.error();
+    }
+    if (version.number(0) == storeVersionOfRows) {
+        return upgradeCopy();
+    }
+    return version.number(0) == storeVersion ? SQLITE_OK : SQLITE_NOTADB;
+}
+
+int ReadConnection::upgradeCopy() {
+    sqlite3* opened = nullptr;
+    int error = sqlite3_open_v2(":memory:", &opened, SQLITE_OPEN_READWRITE | kSqliteOwnConnection, nullptr);
+    SqliteConnection copy(opened);
+    if (error != SQLITE_OK) {
+        return error;
+    }
+    sqlite3_backup* backup = sqlite3_backup_init(opened, "main", database_.get(), "main");
+    if (backup == nullptr) {
+        return sqlite3_errcode(opened);
+    }
+    sqlite3_backup_step(backup, allPages);
+    error = sqlite3_backup_finish(backup);
+    if (error == SQLITE_OK) {
+        error = upgradeStore(opened);
+    }
+    if (error == SQLITE_OK) {
+        database_ = std::move(copy);
+    }
+    return error;
 }
 
 int ReadConnection::begin() {

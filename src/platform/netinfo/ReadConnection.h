@@ -16,9 +16,9 @@ class ReadConnection {
 
     /// SQLITE_OK, or why `file` cannot be opened. Nothing is read yet.
     [[nodiscard]] int open(const std::string& file);
-    /// Begins the transaction, waiting for writers. Where a killed writer left its changes half done, the
-    /// connection becomes one to a copy in which they are undone, as the next writer would undo them in the
-    /// store itself. SQLITE_OK, or what failed; it can be tried again then.
+    /// Begins the transaction, waiting for writers. Where a killed writer left its changes half done, or the
+    /// store has an older layout, the connection becomes one to a copy that is put in order, as the next
+    /// writer would put the store itself. SQLITE_OK, or what failed; it can be tried again then.
     [[nodiscard]] int begin();
 
     [[nodiscard]] sqlite3* database() const { return database_.get(); }
@@ -29,6 +29,7 @@ class ReadConnection {
   private:
     [[nodiscard]] int beginHere();
     [[nodiscard]] int recoverCopy();
+    [[nodiscard]] int upgradeCopy();
     void setWaiting();
     static int waitForWriter(void* connection, int tries);
 

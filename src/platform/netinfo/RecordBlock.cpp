@@ -1,9 +1,9 @@
 #include "RecordBlock.h"
 
+#include "RecordContent.h"
 #include "Sqlite.h"
 
 #include <algorithm>
-#include <string>
 
 namespace platform {
 
@@ -21,108 +21,25 @@ std::string_view TextArena::keep(std::string_view text) {
 }
 
 RecordBlock RecordBlock::children(sqlite3* database, std::int64_t parent, int* error) {
-    return read(database, "r.parent", parent, error);
+    return read(database, "SELECT id, content FROM record WHERE parent = ?1 ORDER BY id", parent, error);
 }
 
 RecordBlock RecordBlock::single(sqlite3* database, std::int64_t id, int* error) {
-    return read(database, "r.id", id, error);
+    return read(database, "SELECT id, content FROM record WHERE id = ?1", id, error);
 }
 
-RecordBlock RecordBlock::read(sqlite3* database, const char* condition, std::int64_t key, int* error) {
+RecordBlock RecordBlock::read(sqlite3* database, std::string_view statement, std::int64_t key, int* error) {
     RecordBlock block;
-    *error = block.readRecords(database, condition, key);
-    if (*error == SQLITE_OK) {
-        *error = block.readProperties(database, condition, key);
+    SqliteStatement rows(database, statement);
+    rows.bind(1, key);
+    while (rows.step()) {
+        block.records_.push_back({rows.number(0), block.arena_.keep(rows.text(1))});
     }
-    if (*error == SQLITE_OK) {
-        *error = block.readValues(database, condition, key);
-    }
+    *error = rows.error();
     if (*error != SQLITE_OK) {
         return {};
     }
-    block.positions_ = {};
     return block;
-}
-
-int RecordBlock::readRecords(sqlite3* database, const char* condition, std::int64_t key) {
-    SqliteStatement rows(database,
-                         std::string("SELECT r.id FROM record r WHERE ") + condition + " = ?1 ORDER BY r.id");
-    rows.bind(1, key);
-    while (rows.step()) {
-        records_.push_back({rows.number(0), 0, 0});
-    }
-    return rows.error();
-}
-
-// Most records of a directory hold the same properties in the same places.
-std::string_view RecordBlock::keepName(std::string_view name, std::size_t place) {
-    if (place < names_.size()) {
-        if (names_[place] != name) {
-            names_[place] = arena_.keep(name);
-        }
-        return names_[place];
-    }
-    names_.push_back(arena_.keep(name));
-    return names_.back();
-}
-
-int RecordBlock::readProperties(sqlite3* database, const char* condition, std::int64_t key) {
-    SqliteStatement rows(
-        database, std::string("SELECT p.record, p.position, p.name FROM record r CROSS JOIN property p "
-                              "ON p.record = r.id WHERE ") +
-                      condition + " = ?1 ORDER BY r.id, p.position");
-    rows.bind(1, key);
-    auto record = records_.begin();
-    while (rows.step()) {
-        const std::int64_t id = rows.number(0);
-        while (record != records_.end() && record->id != id) {
-            ++record;
-        }
-        if (record == records_.end()) {
-            return SQLITE_CORRUPT;
-        }
-        if (record->propertyCount == 0) {
-            record->firstProperty = properties_.size();
-        }
-        positions_.push_back(rows.number(1));
-        properties_.push_back({keepName(rows.text(2), record->propertyCount), 0, 0});
-        ++record->propertyCount;
-    }
-    return rows.error();
-}
-
-int RecordBlock::readValues(sqlite3* database, const char* condition, std::int64_t key) {
-    SqliteStatement rows(database,
-                         std::string("SELECT v.record, v.property, v.value FROM record r CROSS JOIN value v "
-                                     "ON v.record = r.id WHERE ") +
-                             condition + " = ?1 ORDER BY r.id, v.property, v.position");
-    rows.bind(1, key);
-    auto record = records_.begin();
-    std::size_t inRecord = 0; // the property of *record that values are read for
-    while (rows.step()) {
-        const std::int64_t id = rows.number(0);
-        while (record != records_.end() && record->id != id) {
-            ++record;
-            inRecord = 0;
-        }
-        if (record == records_.end()) {
-            return SQLITE_CORRUPT;
-        }
-        const std::int64_t position = rows.number(1);
-        while (inRecord < record->propertyCount && positions_[record->firstProperty + inRecord] != position) {
-            ++inRecord;
-        }
-        if (inRecord == record->propertyCount) {
-            return SQLITE_CORRUPT;
-        }
-        Property& property = properties_[record->firstProperty + inRecord];
-        if (property.valueCount == 0) {
-            property.firstValue = values_.size();
-        }
-        values_.push_back(arena_.keep(rows.text(2)));
-        ++property.valueCount;
-    }
-    return rows.error();
 }
 
 const RecordBlock::Record* RecordBlock::find(std::int64_t id) const {
@@ -138,6 +55,36 @@ const RecordBlock::Record* RecordBlock::find(std::int64_t id) const {
     }
     next_ = static_cast<std::size_t>(place - records_.begin());
     return &*place;
+}
+
+void RecordBlock::takeApart(const Record& record) const {
+    if (!record.content.empty() && takenApart_ == record.content.data()) {
+        return;
+    }
+    takenApart_ = record.content.data();
+    properties_.clear();
+    values_.clear();
+    ContentReader reader(record.content);
+    std::string_view name;
+    std::size_t valueCount = 0;
+    while (reader.nextProperty(&name, &valueCount)) {
+        Property& property = properties_.emplace_back(Property{name, values_.size(), 0});
+        for (std::string_view value; property.valueCount < valueCount && reader.nextValue(&value);
+             ++property.valueCount) {
+            values_.push_back(value);
+        }
+    }
+    isWhole_ = !reader.damaged();
+}
+
+bool RecordBlock::isWhole(const Record& record) const {
+    takeApart(record);
+    return isWhole_;
+}
+
+std::span<const RecordBlock::Property> RecordBlock::properties(const Record& record) const {
+    takeApart(record);
+    return properties_;
 }
 
 const RecordBlock::Property* RecordBlock::property(const Record& record, std::string_view name) const {

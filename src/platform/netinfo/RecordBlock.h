@@ -25,8 +25,9 @@ class TextArena {
 };
 
 /// Records read from a store in one pass over it, with all their properties and values in stored order.
-/// Reading a directory's records one property at a time would be a query each; a report of a large directory
-/// asks for all of them anyway.
+/// Asking for a directory's records one at a time would be a query each; a report of a large directory asks
+/// for all of them anyway. A record's content is taken apart when it is asked for, one record at a time, so
+/// that a large directory takes little more memory than its texts.
 class RecordBlock {
   public:
     struct Property {
@@ -37,8 +38,7 @@ class RecordBlock {
 
     struct Record {
         std::int64_t id = 0;
-        std::size_t firstProperty = 0;
-        std::size_t propertyCount = 0;
+        std::string_view content;
     };
 
     /// The records below `parent`. On failure the answer is empty and `*error` is SQLite's code.
@@ -52,32 +52,34 @@ class RecordBlock {
     /// The record `id`, or null. Records that are asked for in their order are found at once.
     [[nodiscard]] const Record* find(std::int64_t id) const;
 
-    [[nodiscard]] std::span<const Property> properties(const Record& record) const {
-        return std::span(properties_).subspan(record.firstProperty, record.propertyCount);
-    }
+    // What follows takes one of the records above. Spans and pointers last until another record is asked for,
+    // texts as long as the block.
 
+    /// False when the store is damaged at this record. Its properties end there.
+    [[nodiscard]] bool isWhole(const Record& record) const;
+    [[nodiscard]] std::span<const Property> properties(const Record& record) const;
+    /// The record's first property of that name, or null.
+    [[nodiscard]] const Property* property(const Record& record, std::string_view name) const;
+
+    /// The values of a property of the record that was asked for last.
     [[nodiscard]] std::span<const std::string_view> values(const Property& property) const {
         return std::span(values_).subspan(property.firstValue, property.valueCount);
     }
 
-    /// The record's first property of that name, or null.
-    [[nodiscard]] const Property* property(const Record& record, std::string_view name) const;
-
   private:
-    [[nodiscard]] int readRecords(sqlite3* database, const char* condition, std::int64_t key);
-    [[nodiscard]] int readProperties(sqlite3* database, const char* condition, std::int64_t key);
-    [[nodiscard]] int readValues(sqlite3* database, const char* condition, std::int64_t key);
-    [[nodiscard]] static RecordBlock read(sqlite3* database, const char* condition, std::int64_t key,
+    /// `statement` answers the id and the content of each record.
+    [[nodiscard]] static RecordBlock read(sqlite3* database, std::string_view statement, std::int64_t key,
                                           int* error);
-    [[nodiscard]] std::string_view keepName(std::string_view name, std::size_t place);
+    void takeApart(const Record& record) const;
 
     TextArena arena_;
     std::vector<Record> records_;
-    std::vector<Property> properties_;
-    std::vector<std::int64_t> positions_; ///< of each property in its record; only while reading
-    std::vector<std::string_view> names_; ///< the names that the records read so far had last, by place
-    std::vector<std::string_view> values_;
     mutable std::size_t next_ = 0; ///< where the next record asked for probably is
+    // The record that was asked for last.
+    mutable const char* takenApart_ = nullptr; ///< where its content begins
+    mutable bool isWhole_ = false;
+    mutable std::vector<Property> properties_;
+    mutable std::vector<std::string_view> values_;
 };
 
 } // namespace platform

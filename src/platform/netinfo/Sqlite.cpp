@@ -21,6 +21,14 @@ SqliteStatement& SqliteStatement::bind(int parameter, std::string_view text) {
     return *this;
 }
 
+SqliteStatement& SqliteStatement::bindBytes(int parameter, std::string_view bytes) {
+    if (error_ == SQLITE_OK) {
+        const char* data = bytes.empty() ? "" : bytes.data();
+        error_ = sqlite3_bind_blob64(statement_, parameter, data, bytes.size(), SQLITE_STATIC);
+    }
+    return *this;
+}
+
 bool SqliteStatement::step() {
     if (error_ != SQLITE_OK) {
         return false;

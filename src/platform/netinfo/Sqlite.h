@@ -13,32 +13,20 @@ namespace platform {
 
 /// Marks an SQLite file as a directory's store (the bytes "BrDi").
 inline constexpr int storeApplicationId = 0x42724469;
-inline constexpr int storeVersion = 1;
+inline constexpr int storeVersion = 2;
 
 /// A record's place in paths is its parent and name; its `name` property holds the same name. Ids grow and
-/// are never given twice, so that id order is the order of creation. Properties and values are clustered by
-/// record, so that a directory is read in two sweeps.
+/// are never given twice, so that id order is the order of creation. `content` holds the properties
+/// (RecordContent.h).
 inline constexpr const char* storeSchema = R"(
 CREATE TABLE record (
     id INTEGER PRIMARY KEY AUTOINCREMENT,
     parent INTEGER REFERENCES record (id),
     name TEXT NOT NULL,
+    content BLOB NOT NULL DEFAULT x'',
     UNIQUE (parent, name)
 );
 CREATE INDEX record_by_parent ON record (parent);
-CREATE TABLE property (
-    record INTEGER NOT NULL,
-    position INTEGER NOT NULL,
-    name TEXT NOT NULL,
-    PRIMARY KEY (record, position)
-) WITHOUT ROWID;
-CREATE TABLE value (
-    record INTEGER NOT NULL,
-    property INTEGER NOT NULL,
-    position INTEGER NOT NULL,
-    value TEXT NOT NULL,
-    PRIMARY KEY (record, property, position)
-) WITHOUT ROWID;
 INSERT INTO record (id, parent, name) VALUES (0, NULL, '');
 )";
 
@@ -64,6 +52,7 @@ class SqliteStatement {
 
     SqliteStatement& bind(int parameter, std::int64_t number);
     SqliteStatement& bind(int parameter, std::string_view text);
+    SqliteStatement& bindBytes(int parameter, std::string_view bytes);
 
     /// True while there is a row. After the last one, or a failure, error() tells which it was.
     [[nodiscard]] bool step();
@@ -75,7 +64,7 @@ class SqliteStatement {
 
     [[nodiscard]] std::int64_t number(int column) const { return sqlite3_column_int64(statement_, column); }
 
-    /// Lives until the next step.
+    /// A text or bytes. Lives until the next step.
     [[nodiscard]] std::string_view text(int column) const;
 
   private:

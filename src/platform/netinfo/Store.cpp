@@ -1,7 +1,10 @@
 #include "Store.h"
 
+#include "RecordContent.h"
 #include "Sqlite.h"
+#include "StoreUpgrade.h"
 
+#include <algorithm>
 #include <filesystem>
 #include <map>
 #include <utility>
@@ -64,6 +67,13 @@ std::string reason(const std::string& file, int error) {
     }
 }
 
+/// The first property of that name; a new one at the end when there is none.
+StoredProperty& propertyIn(std::vector<StoredProperty>& properties, std::string_view name) {
+    const auto place = std::ranges::find(properties, name, &StoredProperty::name);
+    return place != properties.end() ? *place
+                                     : properties.emplace_back(StoredProperty{std::string(name), {}});
+}
+
 } // namespace
 
 Store::Store(const std::string& file, Opening opening)
@@ -77,8 +87,14 @@ Store::Store(const std::string& file, Opening opening)
     }
     SqliteStatement application(connection_->database.get(), "PRAGMA application_id");
     SqliteStatement version(connection_->database.get(), "PRAGMA user_version");
-    if (!application.step() || application.number(0) != storeApplicationId || !version.step() ||
-        version.number(0) != storeVersion) {
+    if (!application.step() || application.number(0) != storeApplicationId || !version.step()) {
+        fail(SQLITE_NOTADB);
+    }
+    if (version.number(0) == storeVersionOfRows) {
+        application.reset(); // a statement that is still reading would keep tables from being dropped
+        version.reset();
+        check(upgradeStore(connection_->database.get()));
+    } else if (version.number(0) != storeVersion) {
         fail(SQLITE_NOTADB);
     }
 }
@@ -146,6 +162,11 @@ RecordBlock Store::children(Record parent) {
     int error = SQLITE_OK;
     auto block = RecordBlock::children(connection_->database.get(), parent, &error);
     check(error);
+    for (const auto& record : block.records()) {
+        if (!block.isWhole(record)) {
+            fail(SQLITE_CORRUPT);
+        }
+    }
     return block;
 }
 
@@ -167,65 +188,57 @@ void Store::removeRecord(Record record) {
     constexpr const char* below =
         "WITH RECURSIVE below (id) AS (SELECT ?1 UNION ALL SELECT r.id FROM record r JOIN below "
         "ON r.parent = below.id) ";
-    check(connection_->run(std::string(below) + "DELETE FROM value WHERE record IN below", record));
-    check(connection_->run(std::string(below) + "DELETE FROM property WHERE record IN below", record));
     check(connection_->run(std::string(below) + "DELETE FROM record WHERE id IN below", record));
 }
 
-std::optional<std::int64_t> Store::position(Record record, std::string_view property) {
-    SqliteStatement& row = connection_->statement(
-        "SELECT position FROM property WHERE record = ?1 AND name = ?2 ORDER BY position LIMIT 1");
-    if (row.bind(1, record).bind(2, property).step()) {
-        return row.number(0);
+std::vector<StoredProperty> Store::load(Record record) {
+    std::vector<StoredProperty> properties;
+    SqliteStatement& row = connection_->statement("SELECT content FROM record WHERE id = ?1");
+    if (row.bind(1, record).step() && !unpackContent(row.text(0), &properties)) {
+        fail(SQLITE_CORRUPT);
     }
     check(row.error());
-    return std::nullopt;
+    row.reset();
+    return properties;
+}
+
+void Store::save(Record record, std::span<const StoredProperty> properties) {
+    const std::string content = packedContent(properties);
+    SqliteStatement& change = connection_->statement("UPDATE record SET content = ?1 WHERE id = ?2");
+    change.bindBytes(1, content).bind(2, record);
+    while (change.step()) {
+    }
+    check(change.error());
 }
 
 std::optional<std::vector<std::string>> Store::values(Record record, std::string_view property) {
-    const auto place = position(record, property);
-    if (!place) {
+    std::vector<StoredProperty> properties = load(record);
+    const auto place = std::ranges::find(properties, property, &StoredProperty::name);
+    if (place == properties.end()) {
         return std::nullopt;
     }
-    std::vector<std::string> answer;
-    SqliteStatement& rows = connection_->statement(
-        "SELECT value FROM value WHERE record = ?1 AND property = ?2 ORDER BY position");
-    rows.bind(1, record).bind(2, *place);
-    while (rows.step()) {
-        answer.emplace_back(rows.text(0));
-    }
-    check(rows.error());
-    return answer;
+    return std::move(place->values);
 }
 
 void Store::setValues(Record record, std::string_view property, std::span<const std::string> values) {
-    if (const auto place = position(record, property)) {
-        check(connection_->run("DELETE FROM value WHERE record = ?1 AND property = ?2", record, *place));
-    }
-    appendValues(record, property, values);
+    std::vector<StoredProperty> properties = load(record);
+    propertyIn(properties, property).values.assign(values.begin(), values.end());
+    save(record, properties);
 }
 
 void Store::appendValues(Record record, std::string_view property, std::span<const std::string> values) {
-    auto place = position(record, property);
-    if (!place) {
-        check(
-            connection_->run("INSERT INTO property (record, position, name) "
-                             "SELECT ?1, coalesce(max(position) + 1, 0), ?2 FROM property WHERE record = ?1",
-                             record, property));
-        place = position(record, property);
-    }
-    for (const auto& value : values) {
-        check(connection_->run("INSERT INTO value (record, property, position, value) "
-                               "SELECT ?1, ?2, coalesce(max(position) + 1, 0), ?3 FROM value WHERE record = "
-                               "?1 AND property = ?2",
-                               record, place.value(), value));
-    }
+    std::vector<StoredProperty> properties = load(record);
+    auto& stored = propertyIn(properties, property).values;
+    stored.insert(stored.end(), values.begin(), values.end());
+    save(record, properties);
 }
 
 void Store::removeProperty(Record record, std::string_view property) {
-    if (const auto place = position(record, property)) {
-        check(connection_->run("DELETE FROM value WHERE record = ?1 AND property = ?2", record, *place));
-        check(connection_->run("DELETE FROM property WHERE record = ?1 AND position = ?2", record, *place));
+    std::vector<StoredProperty> properties = load(record);
+    const auto place = std::ranges::find(properties, property, &StoredProperty::name);
+    if (place != properties.end()) {
+        properties.erase(place);
+        save(record, properties);
     }
 }
 

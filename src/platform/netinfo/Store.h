@@ -1,6 +1,7 @@
 #pragma once
 
 #include "RecordBlock.h"
+#include "RecordContent.h"
 
 #include <cstdint>
 #include <memory>
@@ -76,8 +77,8 @@ class Store {
     void execute(const char* sql);
     void check(int error) const; ///< throws unless it is 0
     [[noreturn]] void fail(int error) const;
-    /// The property's place in its record.
-    [[nodiscard]] std::optional<std::int64_t> position(Record record, std::string_view property);
+    [[nodiscard]] std::vector<StoredProperty> load(Record record);
+    void save(Record record, std::span<const StoredProperty> properties);
 
     std::string file_;
     std::unique_ptr<Connection> connection_;

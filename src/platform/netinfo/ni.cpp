@@ -5,6 +5,7 @@
 #include "ReadConnection.h"
 #include "RecordBlock.h"
 
+#include <algorithm>
 #include <array>
 #include <cstring>
 #include <deque>
@@ -64,7 +65,7 @@ Found findAmongRead(ni_domain& domain, std::uint32_t id) {
 ni_status findRecord(ni_domain& domain, std::uint32_t id, Found* found) {
     *found = findAmongRead(domain, id);
     if (found->record != nullptr) {
-        return NI_OK;
+        return found->block->isWhole(*found->record) ? NI_OK : NI_SYSTEMERR;
     }
     int error = domain.connection.begin();
     if (error != SQLITE_OK) {
@@ -80,7 +81,7 @@ ni_status findRecord(ni_domain& domain, std::uint32_t id, Found* found) {
     domain.blocks.push_back(std::move(block));
     domain.last = domain.blocks.size() - 1;
     *found = {&domain.blocks.back(), &domain.blocks.back().records().front()};
-    return NI_OK;
+    return found->block->isWhole(*found->record) ? NI_OK : NI_SYSTEMERR;
 }
 
 bool recordExists(ni_domain& domain, std::uint32_t id, int* error) {
@@ -89,6 +90,24 @@ bool recordExists(ni_domain& domain, std::uint32_t id, int* error) {
     const bool exists = row.step();
     *error = row.error();
     return exists;
+}
+
+ni_status readChildren(ni_domain& domain, std::uint32_t parent, const platform::RecordBlock** children) {
+    int error = domain.connection.begin();
+    if (error != SQLITE_OK) {
+        return statusOf(error);
+    }
+    auto block = platform::RecordBlock::children(domain.connection.database(), parent, &error);
+    if (error != SQLITE_OK) {
+        return statusOf(error);
+    }
+    if (block.records().empty() && !recordExists(domain, parent, &error)) {
+        return error == SQLITE_OK ? NI_BADID : statusOf(error);
+    }
+    domain.blocks.push_back(std::move(block));
+    domain.last = domain.blocks.size() - 1;
+    *children = &domain.blocks.back();
+    return NI_OK;
 }
 
 } // namespace
@@ -158,42 +177,30 @@ ni_status ni_pathsearch(ni_domain* domain, ni_id* id, const char* path) {
 }
 
 ni_status ni_children(ni_domain* domain, ni_id* id, ni_idlist* children) {
-    int error = domain->connection.begin();
-    if (error != SQLITE_OK) {
-        return statusOf(error);
+    const platform::RecordBlock* block = nullptr;
+    if (const ni_status status = readChildren(*domain, id->nii_object, &block); status != NI_OK) {
+        return status;
     }
-    auto block = platform::RecordBlock::children(domain->connection.database(), id->nii_object, &error);
-    if (error != SQLITE_OK) {
-        return statusOf(error);
-    }
-    if (block.records().empty()) {
-        const bool exists = recordExists(*domain, id->nii_object, &error);
-        return exists || error != SQLITE_OK ? statusOf(error) : NI_BADID;
-    }
-    children->niil_val.reserve(block.records().size());
-    for (const auto& record : block.records()) {
+    children->niil_val.reserve(children->niil_val.size() + block->records().size());
+    for (const auto& record : block->records()) {
         children->niil_val.push_back(static_cast<std::uint32_t>(record.id));
     }
-    domain->blocks.push_back(std::move(block));
-    domain->last = domain->blocks.size() - 1;
     return NI_OK;
 }
 
 ni_status ni_lookup(ni_domain* domain, ni_id* id, std::string_view property, std::string_view value,
                     ni_idlist* children) {
-    if (const int error = domain->connection.begin(); error != SQLITE_OK) {
-        return statusOf(error);
+    const platform::RecordBlock* block = nullptr;
+    if (const ni_status status = readChildren(*domain, id->nii_object, &block); status != NI_OK) {
+        return status;
     }
-    platform::SqliteStatement rows(
-        domain->connection.database(),
-        "SELECT DISTINCT r.id FROM record r CROSS JOIN property p ON p.record = r.id AND "
-        "p.name = ?2 CROSS JOIN value v ON v.record = r.id AND v.property = p.position "
-        "AND v.value = ?3 WHERE r.parent = ?1 ORDER BY r.id");
-    rows.bind(1, std::int64_t{id->nii_object}).bind(2, property).bind(3, value);
-    while (rows.step()) {
-        children->niil_val.push_back(static_cast<std::uint32_t>(rows.number(0)));
+    for (const auto& record : block->records()) {
+        const auto* stored = block->property(record, property);
+        if (stored != nullptr && std::ranges::count(block->values(*stored), value) > 0) {
+            children->niil_val.push_back(static_cast<std::uint32_t>(record.id));
+        }
     }
-    return statusOf(rows.error());
+    return NI_OK;
 }
 
 ni_status ni_listprops(ni_domain* domain, ni_id* id, ni_namelist* properties) {

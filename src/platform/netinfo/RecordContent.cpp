@@ -1,0 +1,92 @@
+#include "RecordContent.h"
+
+namespace platform {
+
+namespace {
+
+constexpr unsigned bitsPerByte = 7;
+constexpr unsigned char moreFollows = 0x80;
+
+void appendNumber(std::string& content, std::size_t number) {
+    while (number >= moreFollows) {
+        content += static_cast<char>((number & (moreFollows - 1U)) | moreFollows);
+        number >>= bitsPerByte;
+    }
+    content += static_cast<char>(number);
+}
+
+void appendText(std::string& content, std::string_view text) {
+    appendNumber(content, text.size());
+    content += text;
+}
+
+} // namespace
+
+std::string packedContent(std::span<const StoredProperty> properties) {
+    std::string content;
+    for (const auto& property : properties) {
+        appendText(content, property.name);
+        appendNumber(content, property.values.size());
+        for (const auto& value : property.values) {
+            appendText(content, value);
+        }
+    }
+    return content;
+}
+
+bool ContentReader::fail() {
+    damaged_ = true;
+    rest_ = {};
+    return false;
+}
+
+bool ContentReader::number(std::size_t* number) {
+    constexpr unsigned most = 4 * bitsPerByte; // longer numbers than a content can have bytes are damage
+    *number = 0;
+    std::size_t length = 0;
+    for (unsigned shift = 0; shift <= most && length < rest_.size(); shift += bitsPerByte) {
+        const auto byte = static_cast<unsigned char>(rest_[length++]);
+        *number |= static_cast<std::size_t>(byte & (moreFollows - 1U)) << shift;
+        if (byte < moreFollows) {
+            rest_.remove_prefix(length);
+            return true;
+        }
+    }
+    return fail();
+}
+
+bool ContentReader::text(std::string_view* text) {
+    std::size_t length = 0;
+    if (!number(&length)) {
+        return false;
+    }
+    if (length > rest_.size()) {
+        return fail();
+    }
+    *text = rest_.substr(0, length);
+    rest_.remove_prefix(length);
+    return true;
+}
+
+bool ContentReader::nextProperty(std::string_view* name, std::size_t* valueCount) {
+    if (rest_.empty() || !text(name) || !number(valueCount)) {
+        return false;
+    }
+    return *valueCount <= rest_.size() || fail(); // each value has a byte at least
+}
+
+bool unpackContent(std::string_view content, std::vector<StoredProperty>* properties) {
+    ContentReader reader(content);
+    std::string_view name;
+    std::size_t count = 0;
+    while (reader.nextProperty(&name, &count)) {
+        auto& property = properties->emplace_back(StoredProperty{std::string(name), {}});
+        property.values.reserve(count);
+        for (std::string_view value; count > 0 && reader.nextValue(&value); --count) {
+            property.values.emplace_back(value);
+        }
+    }
+    return !reader.damaged();
+}
+
+} // namespace platform

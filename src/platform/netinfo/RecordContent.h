@@ -1,0 +1,50 @@
+#pragma once
+
+#include <cstddef>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace platform {
+
+// A record's properties as the store keeps them: one text of bytes, so that a directory is read with one row
+// a record. Properties and values stand in their order, and nothing in them is special. For each property its
+// name, the number of its values, and each value; a name and a value are their length and their bytes.
+// Numbers are unsigned LEB128: seven bits a byte, the lowest first, and the top bit set in all bytes but the
+// last.
+
+struct StoredProperty {
+    std::string name;
+    std::vector<std::string> values;
+};
+
+[[nodiscard]] std::string packedContent(std::span<const StoredProperty> properties);
+
+/// Reads a record's content from its beginning. The texts are views into it.
+class ContentReader {
+  public:
+    explicit ContentReader(std::string_view content) : rest_(content) {}
+
+    /// False at the end, and when the content is damaged. All values of the property before were read.
+    [[nodiscard]] bool nextProperty(std::string_view* name, std::size_t* valueCount);
+
+    /// False when the content is damaged. Asked `valueCount` times for each property.
+    [[nodiscard]] bool nextValue(std::string_view* value) { return text(value); }
+
+    /// The content does not hold what its numbers promise. Nothing more is read then.
+    [[nodiscard]] bool damaged() const { return damaged_; }
+
+  private:
+    [[nodiscard]] bool number(std::size_t* number);
+    [[nodiscard]] bool text(std::string_view* text);
+    [[nodiscard]] bool fail();
+
+    std::string_view rest_;
+    bool damaged_ = false;
+};
+
+/// All of it as values of their own; false when it is damaged.
+[[nodiscard]] bool unpackContent(std::string_view content, std::vector<StoredProperty>* properties);
+
+} // namespace platform
