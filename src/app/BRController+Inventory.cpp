@@ -86,9 +86,8 @@ bool isListed(int showSystemState, bool isSystemAccount) {
     return showSystemState == NSOnState || (showSystemState == NSOffState && !isSystemAccount);
 }
 
-std::string valueForKey(const BRRow& row, const std::string& key) {
-    const auto found = row.find(key);
-    return found == row.end() ? std::string() : found->second;
+std::string valueOf(const std::string* text) {
+    return text != nullptr ? *text : std::string();
 }
 
 } // namespace
@@ -130,13 +129,15 @@ void BRController::joinSMBSections() {
 
 void BRController::parseUserShares() {
     userShares.clear();
+    const std::string yes = NSLocalizedString("YES");
+    const std::string no = NSLocalizedString("NO");
     for (const std::string& line : NiutilTask::sharedInstance().currentUsers()) {
         const std::vector<std::string> user = pieces(line);
         if (isSystemUserId(intValue(user.at(1)))) {
             continue;
         }
         userShares.push_back({{"User", user.at(0)},
-                              {"Public Shared", NSLocalizedString(isPublicFolderShared(user) ? "YES" : "NO")},
+                              {"Public Shared", isPublicFolderShared(user) ? yes : no},
                               {"UID", user.at(1)},
                               {"Full Name", user.at(3)},
                               {"GID", user.at(4)}});
@@ -203,14 +204,13 @@ std::string BRController::tableViewObjectValueForTableColumn(NSTableView* table,
     }
     const auto index = static_cast<std::size_t>(row);
     if (table == normalTableView) {
-        const std::string* value = currentShares_[index].valueForKey(column.identifier);
-        return value != nullptr ? *value : std::string();
+        return valueOf(currentShares_[index].valueForKey(column.identifier));
     }
     if (table == userTableView) {
-        return valueForKey(userShares[index], column.identifier);
+        return valueOf(userShares[index].valueForKey(column.identifier));
     }
     if (table == groupTableView) {
-        return valueForKey(groupShares[index], column.identifier);
+        return valueOf(groupShares[index].valueForKey(column.identifier));
     }
     return groupUserShares[index];
 }

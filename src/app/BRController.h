@@ -1,6 +1,7 @@
 #pragma once
 
 #include "BROutlets.h"
+#include "BRRow.h"
 #include "NSApplication.h"
 #include "NSButton.h"
 #include "NSDictionary.h"
@@ -13,7 +14,6 @@
 
 #include <cstdint>
 #include <functional>
-#include <map>
 #include <memory>
 #include <optional>
 #include <string>
@@ -22,9 +22,6 @@
 class KWIntegerFormatter;
 class KWSMBFormatter;
 class NSBundle;
-
-/// A row of the user or the group table: texts by column identifier.
-using BRRow = std::map<std::string, std::string, std::less<>>;
 
 /// The application's one controller: it stands behind every control of the main window, reads the directory
 /// and the two configuration files, and writes them through the shared NiutilTask. Made by the main interface

@@ -46,6 +46,8 @@ void errexit(const char* label, ni_status status) {
 int ni_report_dir(ni_domain* domain, ni_id id, std::span<const std::string> properties,
                   std::vector<std::string>& output) {
     std::string line;
+    line.reserve(output.empty() ? 0
+                                : output.back().size()); // most lines are about as long as their neighbours
     ni_namelist names;
     ni_namelist values;
     if (const ni_status status = ni_listprops(domain, &id, &names); status != NI_OK) {

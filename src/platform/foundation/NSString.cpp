@@ -93,7 +93,13 @@ std::vector<std::string> componentsSeparatedByString(std::string_view text, std:
     if (separator.empty()) {
         throw std::invalid_argument("a text cannot be cut at an empty separator");
     }
+    std::size_t count = 1;
+    for (std::size_t place = text.find(separator); place != std::string_view::npos;
+         place = text.find(separator, place + separator.size())) {
+        ++count;
+    }
     std::vector<std::string> pieces;
+    pieces.reserve(count);
     std::size_t start = 0;
     while (true) {
         const std::size_t end = text.find(separator, start);
