@@ -60,7 +60,8 @@ class Application {
     explicit Application(std::int64_t count) : host_(prepared(folder_.path(), count)) {
         host_.setPresenter(std::make_shared<frontend::SilentPresenter>());
         BRController::registerClass();
-        interface_ = platform::Interface::load(host_.mainBundle().resourcePath() + "/MainMenu.xml");
+        interface_ =
+            platform::Interface::load(host_.mainBundle().resourcePath() + "/MainMenu.xml", "BRController");
         controller().startUp();
     }
 

@@ -35,7 +35,7 @@ class Launch : public AppFixture {
 
 TEST_F(Launch, FindsEveryOutletAndActionConnected) {
     load();
-    EXPECT_EQ(interface->unconnected(), Texts{});
+    EXPECT_EQ(interface->unwiredActions(), Texts{});
 }
 
 TEST_F(Launch, ShowsTheVersionAndAnEmptyEditor) {

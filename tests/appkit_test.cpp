@@ -19,6 +19,7 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <memory>
 #include <stdexcept>
 #include <string>
@@ -107,7 +108,7 @@ class AppKit : public testing::Test {
 
     std::unique_ptr<platform::Interface> load(const std::string& xml, Recorder* owner) {
         host.write("file.xml", xml);
-        return platform::Interface::load((host.root() / "file.xml").string(), owner);
+        return platform::Interface::load((host.root() / "file.xml").string(), "Recorder", owner);
     }
 
     TestHost host;
@@ -340,7 +341,7 @@ TEST_F(AppKit, ALoadedFileIsConnectedAndItsOwnerGoesBeforeItsControls) {
     EXPECT_EQ(NSApp().delegate(), owner);
     EXPECT_EQ(NSApp().mainWindow(), loaded->find("main"));
     EXPECT_EQ(loaded->findWiredTo("press:"), owner->press);
-    EXPECT_EQ(loaded->unconnected(), Names{});
+    EXPECT_EQ(loaded->unwiredActions(), Names{});
     owner->press->performClick();
     EXPECT_EQ(owner->told, Names{"pressed"});
     EXPECT_EQ(owner->press->keyEquivalent(), "\r");
@@ -392,8 +393,38 @@ TEST_F(AppKit, AFaultyFileIsRefusedWithItsLineAndLeavesNoOutletSet) {
         EXPECT_EQ(owner.press, nullptr) << element;
         EXPECT_EQ(NSApp().delegate(), nullptr);
     }
-    EXPECT_THROW(static_cast<void>(load("<interface class='Nobody'/>", nullptr)), platform::InterfaceError);
-    EXPECT_THROW(static_cast<void>(platform::Interface::load("/missing.xml")), platform::InterfaceError);
+    EXPECT_THROW(static_cast<void>(platform::Interface::load("/missing.xml", "Recorder")),
+                 platform::InterfaceError);
+}
+
+TEST_F(AppKit, AFileThatDoesNotFitItsClassIsRefusedBeforeAnybodyIsTold) {
+    struct Other : Recorder {};
+
+    platform::registerClass(platform::describeClass<Other>("Other").take());
+    const std::string controls = "<textField outlet='name'/><button outlet='press' action='press:'/>";
+    const std::string table = "<tableView outlet='table'><column id='a'/></tableView>";
+    const std::vector<std::array<std::string, 3>> cases = {
+        {"Nobody", controls + table, ":2: there is no class \"Nobody\""},
+        {"Other", "", ":2: the file is for the class \"Other\", not for \"Recorder\""},
+        {"Recorder", controls, ":2: outlets of the class \"Recorder\" are missing: \"table\""},
+        // A name is not an outlet.
+        {"Recorder", "<textField name='name'/><button name='press' action='press:'/>" + table,
+         ":2: outlets of the class \"Recorder\" are missing: \"name\", \"press\""},
+    };
+    for (const auto& [name, elements, fault] : cases) {
+        Recorder owner;
+        try {
+            static_cast<void>(load("<?xml version='1.0'?>\n<interface class='" + name +
+                                       "'>\n<window><column>" + elements + "</column></window></interface>",
+                                   &owner));
+            ADD_FAILURE() << fault;
+        } catch (const platform::InterfaceError& error) {
+            EXPECT_EQ(error.what(), (host.root() / "file.xml").string() + fault);
+        }
+        EXPECT_EQ(owner.table, nullptr) << fault;
+        EXPECT_EQ(host.loadedInterface, nullptr) << fault;
+        EXPECT_EQ(NSApp().mainWindow(), nullptr) << fault;
+    }
 }
 
 TEST_F(AppKit, CreditsAreReadAsStyledRuns) {

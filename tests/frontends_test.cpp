@@ -3,6 +3,7 @@
 
 #include "AppFixture.h"
 #include "ControlState.h"
+#include "NSFileManager.h"
 #include "Options.h"
 #include "ScriptWords.h"
 #include "SilentPresenter.h"
@@ -214,6 +215,23 @@ TEST_F(Program, SaysWhatIsWrongAndEndsWithTheStatusForIt) {
                                      "start\nshow drawer\n", environment());
     EXPECT_EQ(full.status, 1);
     EXPECT_TRUE(full.errors.ends_with(": standard output cannot be written\n")) << full.errors;
+}
+
+TEST_F(Program, RefusesAnInterfaceFileThatLacksAnOutlet) {
+    const std::string resources = (test_.root() / "resources").string();
+    std::string xml = contentsOfFile(NSBundle::mainBundle().resourcePath() + "/MainMenu.xml").bytes.value();
+    const std::string outlet = " outlet=\"authLabel\"";
+    ASSERT_NE(xml.find(outlet), std::string::npos);
+    xml.erase(xml.find(outlet), outlet.size());
+    test_.write("resources/MainMenu.xml", xml);
+    test_.write("resources/Info.plist", "<plist version=\"1.0\"><dict/></plist>");
+    std::vector<std::string> variables = environment();
+    variables.push_back("BRINDLE_RESOURCES=" + resources);
+    const Finished finished = runProgram({BRINDLE_PROGRAMS "/brindle", "--print", "users"}, {}, variables);
+    EXPECT_EQ(finished.status, 1);
+    EXPECT_EQ(finished.errors,
+              "brindle: " + resources +
+                  "/MainMenu.xml:4: outlets of the class \"BRController\" are missing: \"authLabel\"\n");
 }
 
 TEST_F(Program, PrintsWithoutCountingALaunchOrChangingWhatAnAlertAsksAbout) {

@@ -188,7 +188,7 @@ Ran runScript(const std::string& script) {
         "it", input, lines, presenter,
         [&] {
             registerDesk();
-            interface = platform::Interface::load((test.root() / "Desk.xml").string());
+            interface = platform::Interface::load((test.root() / "Desk.xml").string(), "Desk");
             NSApp().mainWindow()->makeKeyAndOrderFront();
             NSApp().finishLaunching();
         },

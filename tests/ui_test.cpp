@@ -6,6 +6,7 @@
 #include "NSTextField.h"
 #include "NSTextView.h"
 #include "NSWindow.h"
+#include "ObjectClass.h"
 #include "TestHost.h"
 
 #include <gtest/gtest.h>
@@ -172,13 +173,37 @@ TEST_F(AboutPanel, ScrollsOnlyWhileKeyAndGoesOnFromTheSamePlace) {
     EXPECT_EQ(steps_, 0) << "after a pause";
 }
 
-TEST(AboutPanelWithoutItsFile, IsLoggedWithABeepAndTriedAgain) {
-    TestHost host({.strings = {}, .realResources = false});
-    AboutBox::registerClass();
-    AboutBox::sharedInstance().showPanel(nullptr);
-    AboutBox::sharedInstance().showPanel(nullptr);
-    const std::vector<std::string> once = {"log Failed to load AboutBox.nib", "beep"};
-    EXPECT_EQ(host.events, (std::vector<std::string>{once[0], once[1], once[0], once[1]}));
+TEST_F(AboutPanel, ABrokenFileIsLoggedWithABeepAndTriedAgain) {
+    struct Stranger {};
+
+    platform::registerClass(platform::describeClass<Stranger>("Stranger").take());
+    const std::string name = "resources/AboutBox.xml";
+    const std::string whole = host_.read(name);
+    std::filesystem::remove(host_.root() / name); // a link to the project's own
+    const std::vector<std::string> failed = {"log Failed to load AboutBox.nib", "beep"};
+    const auto expectFailure = [&](const std::string& fault) {
+        host_.events.clear();
+        AboutBox::sharedInstance().showPanel(nullptr);
+        EXPECT_EQ(host_.events, failed) << fault;
+        EXPECT_EQ(host_.loadedInterface, nullptr) << fault;
+    };
+    expectFailure("no file");
+    const std::vector<std::pair<std::string, std::string>> changes = {
+        {"outlet=\"versionField\"", ""},
+        {"outlet=\"appNameField\"", "name=\"appNameField\""},
+        {"outlet=\"aboutWindow\"", "name=\"panel\""},
+        {"class=\"AboutBox\"", "class=\"Stranger\""}};
+    for (const auto& [before, after] : changes) {
+        const std::size_t place = whole.find(before);
+        ASSERT_NE(place, std::string::npos) << before;
+        host_.write(name, std::string(whole).replace(place, before.size(), after));
+        expectFailure(before);
+    }
+    host_.write(name, whole);
+    host_.events.clear();
+    show();
+    EXPECT_TRUE(panel_->isVisible());
+    EXPECT_EQ(host_.events, std::vector<std::string>{});
 }
 
 } // namespace

@@ -21,7 +21,8 @@ void Application::setPresenter(std::shared_ptr<platform::Presenter> presenter) {
 void Application::load() {
     BRController::registerClass();
     AboutBox::registerClass();
-    interface_ = platform::Interface::load(NSBundle::mainBundle().resourcePath() + "/MainMenu.xml");
+    interface_ =
+        platform::Interface::load(NSBundle::mainBundle().resourcePath() + "/MainMenu.xml", "BRController");
 }
 
 void Application::launch() {

@@ -30,6 +30,7 @@ AboutBox& AboutBox::sharedInstance() {
 
 void AboutBox::registerClass() {
     platform::registerClass(platform::describeClass<AboutBox>("AboutBox")
+                                .outlet("aboutWindow", &AboutBox::aboutWindow)
                                 .outlet("appNameField", &AboutBox::appNameField)
                                 .outlet("copyrightField", &AboutBox::copyrightField)
                                 .outlet("creditsField", &AboutBox::creditsField)
@@ -46,36 +47,30 @@ void AboutBox::showPanel(NSControl* /*sender*/) {
         }
         fillPanel();
     }
-    if (!window_->isVisible()) {
+    if (!aboutWindow->isVisible()) {
         currentPosition = 0;
         restartAtTop = false;
         startTime = now() + pauseSeconds;
         creditsField->scrollToPoint(0);
     }
-    window_->makeKeyAndOrderFront();
+    aboutWindow->makeKeyAndOrderFront();
 }
 
 bool AboutBox::loadPanel() {
     try {
-        interface_ = platform::Interface::load(NSBundle::mainBundle().resourcePath() + "/AboutBox.xml", this);
+        interface_ = platform::Interface::load(NSBundle::mainBundle().resourcePath() + "/AboutBox.xml",
+                                               "AboutBox", this);
     } catch (const platform::InterfaceError&) {
         return false;
     }
-    window_ = dynamic_cast<NSWindow*>(interface_->find("aboutWindow"));
-    const bool complete = window_ != nullptr && appNameField != nullptr && copyrightField != nullptr &&
-                          creditsField != nullptr && versionField != nullptr;
-    if (!complete) {
-        appNameField = nullptr;
-        interface_.reset();
-    }
-    return complete;
+    return true;
 }
 
 void AboutBox::fillPanel() {
     const NSBundle& bundle = NSBundle::mainBundle();
     const std::string name = bundle.objectForLocalInfoDictionaryKey("CFBundleName");
     appNameField->setStringValue(name);
-    window_->setTitle(stringWithFormat(NSLocalizedString("About %@"), name));
+    aboutWindow->setTitle(stringWithFormat(NSLocalizedString("About %@"), name));
     versionField->setStringValue(stringWithFormat(NSLocalizedString("Version %@"),
                                                   bundle.objectForInfoDictionaryKey("CFBundleVersion")));
     if (const auto file = contentsOfFile(bundle.resourcePath() + "/Credits.rtf"); file.bytes) {
@@ -85,8 +80,8 @@ void AboutBox::fillPanel() {
     }
     copyrightField->setStringValue(bundle.objectForLocalInfoDictionaryKey("NSHumanReadableCopyright"));
     maxScrollHeight = static_cast<float>(creditsField->length());
-    window_->setExcludedFromWindowsMenu(true);
-    window_->center();
+    aboutWindow->setExcludedFromWindowsMenu(true);
+    aboutWindow->center();
 }
 
 void AboutBox::windowDidBecomeKey(NSWindow* /*window*/) {

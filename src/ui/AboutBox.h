@@ -47,11 +47,11 @@ class AboutBox : public NSWindowDelegate {
     NSTextField* copyrightField = nullptr;
     NSTextView* creditsField = nullptr;
     NSTextField* versionField = nullptr;
+    NSWindow* aboutWindow = nullptr;
     std::unique_ptr<NSTimer> scrollTimer; ///< only while the panel is key
     float currentPosition = 0;            ///< in points: what the next step shows at the top
     float maxScrollHeight = 0;            ///< where a pass ends: one point for each character of the credits
     double startTime = 0;                 ///< the credits stand still before it
     bool restartAtTop = false;            ///< a pass has ended: the next step jumps back to the top
     std::unique_ptr<platform::Interface> interface_;
-    NSWindow* window_ = nullptr;
 };

@@ -97,7 +97,8 @@ class AppFixture : public testing::Test {
     }
 
     void load() {
-        interface = platform::Interface::load(NSBundle::mainBundle().resourcePath() + "/MainMenu.xml");
+        interface = platform::Interface::load(NSBundle::mainBundle().resourcePath() + "/MainMenu.xml",
+                                              "BRController");
         controller = static_cast<BRController*>(interface->owner());
     }
 

@@ -13,15 +13,6 @@ void forgetWindows(NSApplication& application, const InterfaceNode& node) {
     }
 }
 
-void collectOutlets(const InterfaceNode& node, std::map<std::string, bool, std::less<>>& connected) {
-    if (const std::string& outlet = node.attribute("outlet"); !outlet.empty()) {
-        connected[outlet] = true;
-    }
-    for (const auto& child : node.children) {
-        collectOutlets(*child, connected);
-    }
-}
-
 } // namespace
 
 const std::string& InterfaceNode::attribute(std::string_view name) const {
@@ -50,15 +41,8 @@ NSControl* Interface::findWiredTo(const std::string& operation) const {
     return found == byOperation_.end() ? nullptr : found->second;
 }
 
-std::vector<std::string> Interface::unconnected() const {
-    std::map<std::string, bool, std::less<>> connected;
-    collectOutlets(*root_, connected);
+std::vector<std::string> Interface::unwiredActions() const {
     std::vector<std::string> names;
-    for (const auto& [name, set] : class_->outlets) {
-        if (!connected.contains(name)) {
-            names.push_back(name);
-        }
-    }
     for (const auto& [name, perform] : class_->actions) {
         if (!byOperation_.contains(name)) {
             names.push_back(name);

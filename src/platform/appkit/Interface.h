@@ -35,12 +35,13 @@ class InterfaceError : public std::runtime_error {
 /// the controls and, where the file made it, their owner.
 class Interface {
   public:
-    /// Loads `path` for `owner`, an object of the registered class that the file names, or for a new object
-    /// of that class when `owner` is null. Connects outlets, actions and delegates, then tells the presenter.
-    /// Throws InterfaceError for a file that cannot be read, is not well formed, or names an unknown element,
-    /// attribute, outlet or operation, an outlet of another kind, or a name twice; no outlet stays connected
-    /// then.
-    [[nodiscard]] static std::unique_ptr<Interface> load(const std::string& path, void* owner = nullptr);
+    /// Loads `path` for `owner`, an object of the registered class `ownerClass`, or for a new object of that
+    /// class when `owner` is null. Connects outlets, actions and delegates, then tells the presenter.
+    /// Throws InterfaceError for a file that cannot be read, is not well formed, is for another class, names
+    /// an unknown element, attribute, outlet or operation, an outlet of another kind, or a name twice, or
+    /// leaves an outlet of the class out; no outlet stays connected then, and nobody is told.
+    [[nodiscard]] static std::unique_ptr<Interface>
+    load(const std::string& path, const std::string& ownerClass, void* owner = nullptr);
     ~Interface();
 
     [[nodiscard]] const InterfaceNode& root() const { return *root_; }
@@ -51,8 +52,8 @@ class Interface {
     [[nodiscard]] Element* find(const std::string& name) const;
     /// The first control or menu item, in the file's order, that is wired to the operation, or null.
     [[nodiscard]] NSControl* findWiredTo(const std::string& operation) const;
-    /// The class's outlets and actions that the file leaves unconnected, for a test.
-    [[nodiscard]] std::vector<std::string> unconnected() const;
+    /// The class's actions that nothing in the file is wired to, for a test.
+    [[nodiscard]] std::vector<std::string> unwiredActions() const;
 
   private:
     friend class InterfaceLoader;

@@ -13,11 +13,12 @@
 
 namespace platform {
 
-std::unique_ptr<Interface> Interface::load(const std::string& path, void* owner) {
-    return InterfaceLoader(path).load(owner);
+std::unique_ptr<Interface> Interface::load(const std::string& path, const std::string& ownerClass,
+                                           void* owner) {
+    return InterfaceLoader(path).load(ownerClass, owner);
 }
 
-std::unique_ptr<Interface> InterfaceLoader::load(void* owner) {
+std::unique_ptr<Interface> InterfaceLoader::load(const std::string& ownerClass, void* owner) {
     const NSFileContents file = contentsOfFile(path_);
     if (!file.bytes) {
         refuse(1, stringWithFormat("the interface file cannot be read: %@", std::strerror(file.error)));
@@ -35,22 +36,18 @@ std::unique_ptr<Interface> InterfaceLoader::load(void* owner) {
                stringWithFormat("the XML is not well formed: %@", parsed.description()));
     }
     const pugi::xml_node root = document.document_element();
+    const int rootLine = lineAt(root.offset_debug());
     if (std::string_view(root.name()) != interfaceRule().element) {
-        refuse(lineAt(root.offset_debug()),
-               stringWithFormat("an interface file begins with <%@>, not with <%@>", interfaceRule().element,
-                                root.name()));
+        refuse(rootLine, stringWithFormat("an interface file begins with <%@>, not with <%@>",
+                                          interfaceRule().element, root.name()));
     }
     interface_ = std::unique_ptr<Interface>(new Interface());
-    const ObjectClass* known = findClass(root.attribute("class").value());
-    if (known == nullptr) {
-        refuse(lineAt(root.offset_debug()),
-               stringWithFormat("there is no class \"%@\"", root.attribute("class").value()));
-    }
-    interface_->class_ = known;
-    chooseOwner(owner, lineAt(root.offset_debug()));
+    chooseClass(root.attribute("class").value(), ownerClass, rootLine);
+    chooseOwner(owner, rootLine);
     try {
         interface_->root_ = build(root, interfaceRule());
         checkBuddies();
+        checkOutlets(rootLine);
     } catch (...) {
         resetOutlets();
         throw;
@@ -68,6 +65,17 @@ int InterfaceLoader::lineAt(std::ptrdiff_t offset) const {
     const auto behind = std::upper_bound(lineStarts_.begin(), lineStarts_.end(),
                                          static_cast<std::size_t>(std::max<std::ptrdiff_t>(0, offset)));
     return static_cast<int>(behind - lineStarts_.begin());
+}
+
+void InterfaceLoader::chooseClass(const std::string& named, const std::string& expected, int line) {
+    const ObjectClass* known = findClass(named);
+    if (known == nullptr) {
+        refuse(line, stringWithFormat("there is no class \"%@\"", named));
+    }
+    if (named != expected) {
+        refuse(line, stringWithFormat("the file is for the class \"%@\", not for \"%@\"", named, expected));
+    }
+    interface_->class_ = known;
 }
 
 void InterfaceLoader::chooseOwner(void* owner, int line) {
@@ -183,6 +191,7 @@ void InterfaceLoader::nameElement(const InterfaceNode& node) {
                stringWithFormat("the outlet \"%@\" of the class \"%@\" is of another kind than <%@>", outlet,
                                 interface_->class_->name, node.kind));
     }
+    connectedOutlets_.insert(outlet);
 }
 
 void InterfaceLoader::wireAction(const InterfaceNode& node) {
@@ -215,6 +224,19 @@ void InterfaceLoader::checkBuddies() const {
         if (!interface_->byName_.contains(buddy)) {
             refuse(line, stringWithFormat("the label belongs to \"%@\", which is not in the file", buddy));
         }
+    }
+}
+
+void InterfaceLoader::checkOutlets(int line) const {
+    std::string missing;
+    for (const auto& [name, set] : interface_->class_->outlets) {
+        if (!connectedOutlets_.contains(name)) {
+            missing += (missing.empty() ? "\"" : ", \"") + name + "\"";
+        }
+    }
+    if (!missing.empty()) {
+        refuse(line, stringWithFormat("outlets of the class \"%@\" are missing: %@", interface_->class_->name,
+                                      missing));
     }
 }
 

@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <functional>
 #include <memory>
+#include <set>
 #include <string>
 #include <utility>
 #include <vector>
@@ -21,12 +22,13 @@ class InterfaceLoader {
   public:
     explicit InterfaceLoader(std::string path) : path_(std::move(path)) {}
 
-    [[nodiscard]] std::unique_ptr<Interface> load(void* owner);
+    [[nodiscard]] std::unique_ptr<Interface> load(const std::string& ownerClass, void* owner);
 
   private:
     [[noreturn]] void refuse(int line, const std::string& fault) const;
     [[nodiscard]] int lineAt(std::ptrdiff_t offset) const;
 
+    void chooseClass(const std::string& named, const std::string& expected, int line);
     void chooseOwner(void* owner, int line);
     void resetOutlets() const;
 
@@ -53,6 +55,8 @@ class InterfaceLoader {
     void nameElement(const InterfaceNode& node);
     void wireAction(const InterfaceNode& node);
     void checkBuddies() const;
+    /// A class may use each of its outlets without asking whether the file had it.
+    void checkOutlets(int line) const;
     void tellApplication() const;
 
     std::string path_;
@@ -60,6 +64,7 @@ class InterfaceLoader {
     std::unique_ptr<Interface> interface_;
     NSWindow* mainWindow_ = nullptr;
     bool hasSheet_ = false;
+    std::set<std::string> connectedOutlets_;
     std::vector<std::pair<int, std::string>>
         labelsWithBuddy_; ///< the label's line and the name it stands for
 };
