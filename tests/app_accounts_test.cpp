@@ -391,6 +391,75 @@ TEST_F(AccountsTest, FieldsAndButtonsFollowTheRowAndTheTypedName) {
     EXPECT_EQ(app().createNewGroupButton->title(), "Update Group");
 }
 
+TEST_F(AccountsTest, ASelectedRowThatGoesAwayLeavesNothingToActOn) {
+    const auto groupEditor = [this] {
+        const BRController& shown = app();
+        return Runs{shown.groupName->stringValue(),
+                    shown.gid->stringValue(),
+                    shown.createNewGroupButton->title(),
+                    shown.deleteGroupButton->isEnabled() ? "delete" : "no delete",
+                    shown.addUserToGroupButton->isEnabled() ? "add" : "no add",
+                    shown.removeUserFromGroupButton->isEnabled() ? "remove" : "no remove"};
+    };
+    const Runs noGroup{"", "", "Add New Group", "no delete", "no add", "no remove"};
+    selectGroup("friends"); // the last
+    host.answerAlert("Confirm Delete Selected Group", "Yes");
+    send("deleteSelectedGroup:");
+    EXPECT_EQ(groupEditor(), noGroup);
+
+    selectGroup("staff");
+    host.answerAlert("Confirm Delete Selected Group", "Yes");
+    send("deleteSelectedGroup:");
+    EXPECT_EQ(groupEditor(), (Runs{"staff", "20", "Update Group", "delete", "add", "remove"}))
+        << "the row is there, with the next group in it, and the fields are left alone";
+    nicl({"-delete", "/groups/admin"});
+    send("addUserToGroup:");
+    EXPECT_EQ(groupEditor(), noGroup);
+
+    selectUser("adam");
+    nicl({"-delete", "/users/adam"});
+    send("refreshPublicList:");
+    EXPECT_EQ(app().shortName->stringValue() + app().addNewUserButton->title(), "Add New User");
+    for (const NSButton* button : {app().deleteUserButton, app().changePasswordButton,
+                                   app().disablePublicSelectedButton, app().enablePublicSelectedButton}) {
+        EXPECT_FALSE(button->isEnabled()) << button->name();
+    }
+}
+
+TEST_F(AccountsTest, ANewUsersPasswordIsSetAlsoWhenTheSelectedRowWentAway) {
+    selectUser("adam");
+    fillUser("Alice A", "alice", "9"); // not listed
+    nicl({"-delete", "/users/adam"});
+    host.answerAlert("Confirm Add New File Sharing Only User", "Yes");
+    send("addNewUser:");
+    EXPECT_FALSE(app().deleteUserButton->isEnabled());
+    app().passwordSecureText1->setStringValue("s3cret");
+    app().passwordSecureText2->setStringValue("s3cret");
+    host.runs.clear();
+    send("setPassword:");
+    EXPECT_EQ(takeRuns(), Runs{"/usr/bin/dscl . -passwd /Users/alice s3cret"});
+}
+
+TEST_F(AccountsTest, AnUpdateKeepsThePublicFolderAsItsButtonLeftIt) {
+    selectUser("bob");
+    const auto choiceAfter = [this](const char* operation) {
+        send(operation);
+        return app().publicSharedPopUp->indexOfSelectedItem();
+    };
+    app().fullName->setStringValue("Typed");
+    EXPECT_EQ(choiceAfter("enableSelectedPublicShare:"), 0);
+    EXPECT_EQ(choiceAfter("disableSelectedPublicShare:"), 1);
+    EXPECT_EQ(choiceAfter("enableAllPublicShares:"), 0);
+    EXPECT_EQ(app().fullName->stringValue(), "Typed");
+    takeRuns();
+    host.answerAlert("Confirm Update User", "Yes");
+    send("addNewUser:");
+    EXPECT_EQ(takeRuns().back(), "/usr/bin/nicl . -create /users/bob sharedDir Public");
+    // The menu is another user's choice once another name is typed.
+    app().shortName->setStringValue("alice");
+    EXPECT_EQ(choiceAfter("disableSelectedPublicShare:"), 0);
+}
+
 TEST_F(AccountsTest, PublicFoldersAreSharedByIdAndTheServerToldOnce) {
     host.onListing = [](const std::string& command) {
         return std::optional<std::string>(command.find("Apple") != std::string::npos ? "210\n" : "");

@@ -124,8 +124,7 @@ void BRController::updateUserTextFields(NSControl* /*sender*/) {
     fullName->setStringValue(row != nullptr ? row->at("Full Name") : "");
     shortName->setStringValue(row != nullptr ? row->at("User") : "");
     uid->setStringValue(row != nullptr ? row->at("UID") : "");
-    const bool shared = row != nullptr && row->at("Public Shared") == NSLocalizedString("YES");
-    publicSharedPopUp->selectItemAtIndex(shared ? 0 : 1);
+    showPublicShared(row);
     if (row != nullptr) {
         groupPopUp->selectItemAtIndex(groupPopUp->indexOfItemWithTag(intValue(row->at("GID"))));
     }
@@ -134,6 +133,11 @@ void BRController::updateUserTextFields(NSControl* /*sender*/) {
          {deleteUserButton, changePasswordButton, disablePublicSelectedButton, enablePublicSelectedButton}) {
         button->setEnabled(row != nullptr);
     }
+}
+
+void BRController::showPublicShared(const BRRow* row) {
+    const bool shared = row != nullptr && row->at("Public Shared") == NSLocalizedString("YES");
+    publicSharedPopUp->selectItemAtIndex(shared ? 0 : 1);
 }
 
 void BRController::updateGroupTextFields(NSControl* /*sender*/) {
@@ -159,6 +163,22 @@ void BRController::updateGroupsList(NSControl* /*sender*/) {
                     showSystemUsersGroups2->state() == NSOnState);
 }
 
+void BRController::reloadUserTable() {
+    const bool hadSelection = userTableView->selectedRow() >= 0;
+    userTableView->reloadData();
+    if (hadSelection && userTableView->selectedRow() < 0) {
+        updateUserTextFields(nullptr);
+    }
+}
+
+void BRController::reloadGroupTable() {
+    const bool hadSelection = groupTableView->selectedRow() >= 0;
+    groupTableView->reloadData();
+    if (hadSelection && groupTableView->selectedRow() < 0) {
+        updateGroupTextFields(nullptr);
+    }
+}
+
 void BRController::refreshGroupList(NSControl* /*sender*/) {
     guarded([this] { parseGroupShares(); }, bugMessage(FailedStep::Groups));
     groupTableView->reloadData();
@@ -169,7 +189,7 @@ void BRController::refreshGroupList(NSControl* /*sender*/) {
 
 void BRController::updateSystemUsersGroups(NSControl* /*sender*/) {
     guarded([this] { parseGroupShares(); }, bugMessage(FailedStep::Groups));
-    groupTableView->reloadData();
+    reloadGroupTable();
     guarded([this] { parseGroupUserShares(); }, bugMessage(FailedStep::Users));
     groupUsersTableView->reloadData();
 }

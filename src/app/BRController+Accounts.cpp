@@ -190,6 +190,9 @@ void BRController::createUser() {
     }
     addUser(name, groupPopUp->titleOfSelectedItem().value_or(""), {});
     refreshPublicList(nullptr);
+    // The open sheet sets the password of the user in this field, which a selected row that went away
+    // empties.
+    shortName->setStringValue(name);
 }
 
 void BRController::updateUser() {
@@ -280,7 +283,7 @@ void BRController::changeMembership(MembershipChange change) {
         }
     }
     guarded([this] { parseGroupShares(); }, bugMessage(FailedStep::Groups));
-    groupTableView->reloadData();
+    reloadGroupTable();
 }
 
 void BRController::changePassword(NSControl* /*sender*/) {

@@ -174,7 +174,7 @@ void BRController::refreshNormalList(NSControl* /*sender*/) {
 
 void BRController::refreshPublicList(NSControl* /*sender*/) {
     parseUserShares();
-    userTableView->reloadData();
+    reloadUserTable();
 }
 
 const NormalShare* BRController::shareAtRow(int row) const {

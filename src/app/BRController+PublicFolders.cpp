@@ -40,5 +40,9 @@ void BRController::changePublicSharesAbove(std::int32_t highestIdLeftOut, bool e
 void BRController::showChangedPublicShares() {
     NiutilTask::sharedInstance().restartAFS();
     parseUserShares();
-    userTableView->reloadData();
+    reloadUserTable();
+    const BRRow* row = selectedRow(*userTableView, userShares);
+    if (row != nullptr && row->at("User") == shortName->stringValue()) {
+        showPublicShared(row);
+    }
 }

@@ -202,12 +202,19 @@ class BRController : public BROutlets,
     /// Makes the change for every selected candidate and the selected group.
     void changeMembership(MembershipChange change);
     void beginPasswordSheet();
+    /// Draws a table again. A selected row that is no longer there leaves the editor as when none is
+    /// selected, since the table itself tells nobody: its buttons would act on an account that is gone.
+    void reloadUserTable();
+    void reloadGroupTable();
 
     // Public folders.
     void changeSelectedPublicShare(bool enable);
     void changePublicSharesAbove(std::int32_t highestIdLeftOut, bool enable);
-    /// Makes the AFP server see a change, and reads the users again.
+    /// Makes the AFP server see a change, and reads the users again. The menu of the user in the editor
+    /// follows: the next update would write its old choice back.
     void showChangedPublicShares();
+    /// Chooses in the editor's menu what the user's row says; "not shared" for no row.
+    void showPublicShared(const BRRow* row);
 
     // SMB settings.
     /// Shows the alert for writeSMBConfFile's result; nothing for 0.
