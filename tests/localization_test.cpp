@@ -124,6 +124,12 @@ TEST_F(Translation, ReachesEveryTextOfTheWindowsAndTheFirstLaunch) {
     EXPECT_EQ(columnOf("normalTableView", "Inherit").at(0), marked("No"));
     EXPECT_EQ(columnOf("userTableView", "Public Shared").at(0), marked("NO"));
 
+    for (const auto& [menu, first] :
+         {std::pair("owner", "alice"), {"group", "staff"}, {"groupPopUp", "staff"}}) {
+        EXPECT_EQ(control<NSPopUpButton>(menu).itemTitles(), std::vector<std::string>{first}) << menu;
+        EXPECT_EQ(control<NSPopUpButton>(menu).indexOfSelectedItem(), 0) << menu;
+    }
+
     for (const auto& [first, second] : {std::pair("a", "b"), {"", ""}}) {
         control<NSTextField>("passwordSecureText1").setStringValue(first);
         control<NSTextField>("passwordSecureText2").setStringValue(second);

@@ -15,9 +15,6 @@ namespace {
 /// The first free group id: those below are the system's.
 constexpr std::int32_t lowestProposedGroupId = 101;
 
-/// The title of the item that a menu holds in the interface file, until it is filled.
-constexpr std::string_view placeholderTitle = "Item1";
-
 /// Fills a menu anew and selects the title that was selected, also when it is no longer listed: a refill must
 /// not change what an editor is about to write. `idOfName` knows the tags of all names, listed or not.
 void refillMenu(NSPopUpButton& menu, const std::vector<NSPopUpButton::Item>& items,
@@ -36,7 +33,7 @@ void refillMenu(NSPopUpButton& menu, const std::vector<NSPopUpButton::Item>& ite
         menu.selectItemAtIndex(-1);
         return;
     }
-    if (*remembered == placeholderTitle) {
+    if (*remembered == NSLocalizedString("Item1")) { // what the interface file holds in its place
         return;
     }
     if (menu.indexOfItemWithTitle(*remembered) < 0) {
