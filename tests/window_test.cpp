@@ -42,6 +42,7 @@ TEST_F(Window, AnEditThatTheFieldRefusesChangesNeitherTextNorCaretNorSelection) 
         EXPECT_EQ(desk.number->stringValue(), "1234") << told;
         EXPECT_EQ(edit->selectedText(), "23") << told;
         EXPECT_EQ(edit->cursorPosition(), 1) << told;
+        EXPECT_FALSE(QToolTip::isVisible()) << "a refusal is only heard";
     }
 }
 

@@ -14,8 +14,6 @@ class LineEdit : public QLineEdit {
   public:
     LineEdit(NSTextField& field, RefreshQueue& queue);
 
-    [[nodiscard]] const NSTextField& field() const { return field_; }
-
     /// Tells the field that the user is done with it. Done on Return, when the focus goes, and by whoever is
     /// about to act on the field while it keeps the focus (a menu's shortcut).
     void endEditing();

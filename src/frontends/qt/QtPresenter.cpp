@@ -1,13 +1,11 @@
 #include "QtPresenter.h"
 
 #include "Dialogs.h"
-#include "LineEdit.h"
 #include "NSLog.h"
 #include "NodeAttributes.h"
 
 #include <QApplication>
 #include <QDesktopServices>
-#include <QToolTip>
 #include <QUrl>
 
 #include <algorithm>
@@ -110,18 +108,14 @@ void QtPresenter::windowVisibilityDidChange(NSWindow& window) {
     }
 }
 
-void QtPresenter::editWasRefused(const NSTextField& field, const std::string& errorText) {
-    auto* edit = qobject_cast<LineEdit*>(asks() ? QApplication::focusWidget() : nullptr);
-    if (edit != nullptr && &edit->field() == &field && !errorText.empty()) {
-        QToolTip::showText(edit->mapToGlobal(QPoint(0, edit->height())), shown(errorText).toHtmlEscaped(),
-                           edit);
-    }
-}
-
 void QtPresenter::applicationDidTerminate() {
     if (queue_) {
         QCoreApplication::quit();
     }
+}
+
+void QtPresenter::editWasRefused(const NSTextField&, const std::string&) {
+    // The field's delegate beeps; the error text is for a script's reader.
 }
 
 void QtPresenter::toolWillRun(const std::string&, std::span<const std::string>) {
