@@ -59,6 +59,7 @@ TEST(Options, ThatMakeNoSenseAreNamed) {
         {{"--print", "all"}, "--print takes shares, users or groups, not \"all\""},
         {{"--print", "users", "--script", "-"}, "--print and --script cannot be done in one run"},
         {{"--root", "a", "--system"}, "--root and --system contradict each other"},
+        {{"--system", "--serve"}, "--serve is for an embedded root: --system has a server of its own"},
         {{"--root", "a", "--root", "a"}, "--root is given twice"},
         {{"--port", "1"}, "--port is the port of --serve, which is missing"},
         {{"--serve", "--port", "0"}, "--port takes a number from 1 to 65535, not \"0\""},
@@ -211,10 +212,13 @@ TEST_F(Program, SaysWhatIsWrongAndEndsWithTheStatusForIt) {
         EXPECT_TRUE(finished.errors.starts_with(each.errors)) << finished.errors;
         EXPECT_TRUE(each.output.empty() ? finished.output.empty() : finished.errors.empty());
     }
-    const Finished full = runProgram({"/bin/sh", "-c", BRINDLE_PROGRAMS "/brindle --script - >/dev/full"},
-                                     "start\nshow drawer\n", environment());
-    EXPECT_EQ(full.status, 1);
-    EXPECT_TRUE(full.errors.ends_with(": standard output cannot be written\n")) << full.errors;
+    for (const std::string option : {"--script -", "--print users", "--help", "--version"}) {
+        const Finished full =
+            runProgram({"/bin/sh", "-c", BRINDLE_PROGRAMS "/brindle " + option + " >/dev/full"},
+                       "start\nshow drawer\n", environment());
+        EXPECT_EQ(full.status, 1) << option;
+        EXPECT_TRUE(full.errors.ends_with(": standard output cannot be written\n")) << full.errors;
+    }
 }
 
 TEST_F(Program, RefusesAnInterfaceFileThatLacksAnOutlet) {

@@ -101,6 +101,15 @@ const char* tableName(frontend::PrintedTable table) {
     throw std::logic_error("no such table");
 }
 
+/// Writes all that a run has to say. Throws when it does not get there, as on a full device.
+int printText(const std::string& text) {
+    std::cout << text << std::flush;
+    if (!std::cout) {
+        throw std::runtime_error("standard output cannot be written");
+    }
+    return 0;
+}
+
 int printTable(const Options& options) {
     Application application(makeServices(options));
     application.setPresenter(std::make_shared<frontend::SilentPresenter>());
@@ -109,12 +118,9 @@ int printTable(const Options& options) {
     if (NSApp().isTerminated()) {
         throw std::runtime_error("nothing was printed: Brindle does not run on this version of the system");
     }
-    std::cout << frontend::tableText(application.table(tableName(options.table))) << std::flush;
+    const std::string text = frontend::tableText(application.table(tableName(options.table)));
     application.end();
-    if (!std::cout) {
-        throw std::runtime_error("standard output cannot be written");
-    }
-    return 0;
+    return printText(text);
 }
 
 int runWithWindow(const Options& options, char** argv) {
@@ -127,11 +133,9 @@ int runWithWindow(const Options& options, char** argv) {
 int run(const Options& options, char** argv) {
     switch (options.mode) {
     case Mode::Help:
-        std::cout << frontend::usage();
-        return 0;
+        return printText(frontend::usage());
     case Mode::Version:
-        std::cout << "Brindle " BRINDLE_VERSION "\n";
-        return 0;
+        return printText("Brindle " BRINDLE_VERSION "\n");
     case Mode::Script:
         return runScript(options);
     case Mode::Print:

@@ -153,7 +153,8 @@ Options parseOptions(std::span<const std::string> arguments) {
 }
 
 std::string usage() {
-    return R"(usage: brindle [--root DIR | --system] [--serve [--port N]] [--script FILE]
+    return R"(usage: brindle [--root DIR] [--serve [--port N]] [--script FILE]
+       brindle --system [--script FILE]
        brindle [--root DIR | --system] --print shares|users|groups
        brindle [--root DIR | --system] --snapshot DIR
        brindle --help | --version
@@ -162,7 +163,7 @@ Administers the file sharing of one computer. Without --script, --print or --sna
 
   --root DIR        work on the folder DIR instead of this computer; it is made and filled from this computer's
                     accounts when it is not there (BRINDLE_ROOT does the same; ~/.local/share/brindle otherwise)
-  --system          work on this computer itself
+  --system          work on this computer itself (not built yet)
   --script FILE     carry out the commands in FILE without a window; - is standard input
   --print TABLE     print the shares, users or groups and end
   --snapshot DIR    write a picture of every page of the window into DIR and end
