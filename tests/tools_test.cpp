@@ -304,6 +304,18 @@ TEST_F(Root, OnlyProcessesOfItsOwnServerAreListed) {
     const std::size_t size = std::fread(text.data(), 1, text.size(), listing);
     EXPECT_EQ(std::string(text.data(), size), "1\n3\n4");
     EXPECT_EQ(processes.close(listing), 0);
+
+    const std::string self = std::to_string(getpid());
+    ::setenv("COLUMNS", "12", 1); // as a terminal exports it: the program's name no longer fits
+    listing = processes.open("/bin/ps -ax | grep tools_test | grep -v grep | awk '{print $1}'", "r");
+    ::unsetenv("COLUMNS");
+    ASSERT_NE(listing, nullptr);
+    std::string listed = "\n";
+    for (int byte = std::fgetc(listing); byte != EOF; byte = std::fgetc(listing)) {
+        listed += static_cast<char>(byte);
+    }
+    EXPECT_EQ(processes.close(listing), 0);
+    EXPECT_TRUE(contains(listed, "\n" + self + "\n")) << listed;
     for (const std::string& id :
          {std::to_string(getpid()), std::string("1"), std::string("../self"), std::string()}) {
         EXPECT_FALSE(platform::isServerOfRoot(id, root.folder())) << id;

@@ -70,7 +70,10 @@ bool wasStartedWith(const std::string& processId, const std::string& configurati
 } // namespace
 
 std::FILE* HostProcesses::open(const std::string& command, const char* mode) {
-    std::FILE* pipe = ::popen(command.c_str(), mode);
+    // What a terminal exports for its own ps would cut the names off that a listing looks for, or move its
+    // columns.
+    const std::string plain = "unset COLUMNS PS_FORMAT PS_PERSONALITY; " + command;
+    std::FILE* pipe = ::popen(plain.c_str(), mode);
     if (pipe == nullptr) {
         return nullptr;
     }
