@@ -330,6 +330,14 @@ TEST(Script, EndsAnActionWhoseAnswerDoesNotFitAndPrintsNothingOfTheEnd) {
     EXPECT_EQ(ran.errors, "it:2: the alert \"Second\" has no button \"Later\"; it has \"OK\"\n");
 }
 
+TEST(Script, MayBeginWithAByteOrderMark) {
+    const Ran ran = runScript("\xEF\xBB\xBFstart\ntype title \xEF\xBB\xBF\nshow title\n");
+    EXPECT_EQ(ran.errors, "");
+    EXPECT_EQ(ran.output, "log \"title\\n\"\ntitle \"\xEF\xBB\xBF\"\nlog \"bye\"\nquit\n");
+    EXPECT_EQ(runScript("start\n\xEF\xBB\xBFquit\n").errors,
+              "it:2: there is no command \"\xEF\xBB\xBFquit\"\n");
+}
+
 TEST(Script, LetsOnlyAnswersComeBeforeTheStart) {
     EXPECT_EQ(runScript("show title\n").errors, "it:1: start must come before show\n");
     EXPECT_EQ(runScript("answer Yes\nchoose /\nadministrator refuse\nshow title\n").errors,

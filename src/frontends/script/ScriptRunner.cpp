@@ -7,8 +7,16 @@
 #include <istream>
 #include <limits>
 #include <ostream>
+#include <string_view>
 
 namespace frontend {
+
+namespace {
+
+/// Some editors begin a file in UTF-8 with it.
+constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
+
+} // namespace
 
 ScriptRunner::ScriptRunner(std::string name, std::istream& input, std::shared_ptr<ScriptOutput> output,
                            std::shared_ptr<ScriptPresenter> presenter, std::function<void()> launch,
@@ -20,6 +28,9 @@ int ScriptRunner::run() {
     try {
         for (std::string line; std::getline(input_, line);) {
             ++line_;
+            if (line_ == 1 && line.starts_with(byteOrderMark)) {
+                line.erase(0, byteOrderMark.size());
+            }
             carryOut(line);
         }
         if (input_.bad()) {
