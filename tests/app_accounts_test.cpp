@@ -2,6 +2,7 @@
 
 #include <array>
 #include <map>
+#include <set>
 
 namespace {
 
@@ -230,8 +231,10 @@ TEST_F(AccountsTest, NamesTheFieldsThatAreEmpty) {
         host.answerAlert("Confirm Add New Group", "Yes");
         host.answerAlert("Group Fields Empty", "OK");
         send("addNewGroup:");
-        EXPECT_TRUE(host.alerts.back().message.ends_with("left empty:\n" + message))
-            << host.alerts.back().message;
+        EXPECT_EQ(host.alerts.back().message,
+                  "To add a New Group all fields must have a valid value.  The following field(s) were left "
+                  "empty:\n" +
+                      message);
     }
     EXPECT_TRUE(host.runs.empty());
 }
@@ -252,6 +255,16 @@ TEST_F(AccountsTest, GroupsAreMadeChangedAndDeleted) {
     fillGroup("club", "600");
     send("addNewGroup:");
     EXPECT_EQ(takeRuns(), Runs{create + " gid 600"});
+    const std::map<std::string, std::string> questions{
+        {"Confirm Add New Group", "Are you sure you want to add a new Group?"},
+        {"Confirm Update Group", "Are you sure you want to update the selected group?"},
+        {"GID is Not Unique",
+         "The GID entered is not unique.  If you add a new group with a non-unique GID, the results will be "
+         "unpredictable.  Do you wish to add a new Group?"}};
+    for (const platform::Alert& alert : host.alerts) {
+        EXPECT_EQ(alert.message, questions.at(alert.title));
+        EXPECT_EQ(alert.defaultButton, "No");
+    }
 
     app().groupTableView->deselectAll();
     send("deleteSelectedGroup:");
@@ -267,7 +280,9 @@ TEST_F(AccountsTest, ADeletedUserLeavesEveryGroup) {
     selectUser("adam");
     host.answerAlert("Admin Users Cannot Be Deleted", "Cancel");
     send("deleteSelectedUser:");
-    EXPECT_EQ(host.alerts.back().message.substr(0, 23), "adam is an admin user. ");
+    EXPECT_EQ(host.alerts.back().message,
+              "adam is an admin user.  Brindle will not delete admin users.  If you want to delete an admin "
+              "user, open the Accounts preference pane in the System Preferences application.");
     selectUser("bob");
     host.answerAlert("Confirm Delete Selected User", "No");
     send("deleteSelectedUser:");
@@ -297,6 +312,45 @@ TEST_F(AccountsTest, MembershipFollowsTheSelectedRowsInOrder) {
     EXPECT_EQ(takeRuns(), (Runs{"/usr/bin/nicl . -delete /groups/staff users bob",
                                 "/usr/bin/nicl . -delete /groups/staff users adam"}));
     EXPECT_NE(groups().find("staff\t20\tedge\t"), std::string::npos);
+}
+
+TEST_F(AccountsTest, AReportThatCannotBeReadIsLoggedAndTheOtherTableIsStillFilled) {
+    const std::string bug =
+        "If you are seeing this message a bug has occured.  Please run the following command in the terminal "
+        "and email the results to " +
+        NSBundle::mainBundle().objectForInfoDictionaryKey("BRSupportAddress") + ".\nnireport . ";
+    const std::string groupsBug = bug + "/groups gid name users";
+    const std::string usersBug = bug + "/users name uid sharedDir";
+
+    struct Case {
+        const char* operation;
+        std::set<int> failing; ///< reports, counted from 0
+        Runs log;
+        int groups, users; ///< rows that are listed then
+    };
+
+    for (const Case& c : std::vector<Case>{{"refreshGroupList:", {0}, {groupsBug}, 0, 3},
+                                           {"updateSystemUsersGroups:", {0}, {groupsBug}, 0, 3},
+                                           {"refreshGroupList:", {1}, {usersBug}, 3, 0},
+                                           {"updateSystemUsersGroups:", {1}, {usersBug}, 3, 0},
+                                           {"refreshGroupList:", {0, 1}, {groupsBug, usersBug}, 0, 0},
+                                           {"addUserToGroup:", {0}, {groupsBug}, 0, 3}}) {
+        host.onReport = nullptr;
+        send("refreshGroupList:");
+        selectGroup("staff");
+        int report = 0;
+        host.onReport = [&report, &c] {
+            if (c.failing.contains(report++)) {
+                throw std::out_of_range("a line lacks a piece");
+            }
+        };
+        host.log.clear();
+        send(c.operation);
+        EXPECT_EQ(host.log, c.log) << c.operation;
+        EXPECT_EQ(app().groupTableView->numberOfRows(), c.groups) << c.operation;
+        EXPECT_EQ(app().groupUsersTableView->numberOfRows(), c.users) << c.operation;
+        EXPECT_EQ(app().deleteGroupButton->isEnabled(), c.groups > 0) << c.operation;
+    }
 }
 
 TEST_F(AccountsTest, NoRowMeansNothingHappens) {

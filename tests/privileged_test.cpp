@@ -212,6 +212,21 @@ TEST(Session, AsksOnceAndTellsWhenTheRightComesAndGoes) {
     EXPECT_EQ(posted, (Events{"NiutilAuthenticatedNotification", "NiutilDeauthenticatedNotification"}));
 }
 
+TEST(Session, RequestsTheAdministratorRightAndLetsTheUserBeAskedOnlyAfterASilentTest) {
+    TestHost host;
+    host.rightHeld = false;
+    EXPECT_TRUE(NiutilTask::sharedInstance().authenticate());
+    std::vector<AuthorizationFlags> flags;
+    for (const RecordedRightsRequest& request : host.rightsRequests) {
+        flags.push_back(request.flags);
+        ASSERT_EQ(request.rights.size(), 1U);
+        EXPECT_EQ(request.rights[0].name, "system.privilege.admin");
+        EXPECT_EQ(request.rights[0].value, "/usr/bin/nicl");
+        EXPECT_EQ(request.rights[0].flags, 0U);
+    }
+    EXPECT_EQ(flags, (std::vector<AuthorizationFlags>{2, 3, 2}));
+}
+
 TEST(ToolOutput, IsReadWholeAndShownAsMissingWhenItIsNoText) {
     for (const std::size_t size : {511U, 512U, 1024U, 200000U}) {
         TestHost host;

@@ -152,7 +152,12 @@ class RootedDomain : public platform::LocalDomain {
   public:
     explicit RootedDomain(State& state) : state_(state) {}
 
-    [[nodiscard]] std::string storeFile() const override { return state_.seen.storeFile().string(); }
+    [[nodiscard]] std::string storeFile() const override {
+        if (state_.seen.onReport) {
+            state_.seen.onReport();
+        }
+        return state_.seen.storeFile().string();
+    }
 
   private:
     State& state_;
@@ -166,9 +171,10 @@ class RecordingAuthority : public platform::Authority {
         return std::make_unique<platform::AuthorizationSession>();
     }
 
-    [[nodiscard]] OSStatus copyRights(platform::AuthorizationSession&, const AuthorizationRights&,
+    [[nodiscard]] OSStatus copyRights(platform::AuthorizationSession&, const AuthorizationRights& rights,
                                       AuthorizationFlags flags) override {
         TestHost& seen = state_.seen;
+        seen.rightsRequests.push_back({rights, flags});
         if (seen.rightHeld) {
             return errAuthorizationSuccess;
         }

@@ -21,6 +21,12 @@ struct RecordedRun {
     [[nodiscard]] std::string text() const;
 };
 
+/// A request for rights that a test saw.
+struct RecordedRightsRequest {
+    AuthorizationRights rights;
+    AuthorizationFlags flags = kAuthorizationFlagDefaults;
+};
+
 /// A host for one test: a temporary folder as the root (with HOME in it), recorded tool runs, queued answers,
 /// a captured log, a clock that the test sets. It is the current host for as long as it lives; the destructor
 /// removes the folder and fails the test when a queued answer was never used, or an alert came that had none
@@ -68,7 +74,11 @@ class TestHost {
     /// What a listing command prints; none makes the pipe fail to open.
     std::function<std::optional<std::string>(const std::string& command)> onListing;
 
+    /// Called before the directory is opened for a report; what it throws leaves the report.
+    std::function<void()> onReport;
+
     // What was seen, in order.
+    std::vector<RecordedRightsRequest> rightsRequests;
     std::vector<RecordedRun> runs;
     [[nodiscard]] std::vector<std::string> runTexts() const;
     std::vector<platform::Alert> alerts;
@@ -76,8 +86,8 @@ class TestHost {
     std::vector<std::string> log;
     std::vector<std::string> opened;
     std::vector<std::string> refusals;
-    std::vector<std::string>
-        events; ///< all of the above and beeps, as short lines: "beep", "log ...", "run ...", "alert TITLE"
+    std::vector<std::string> events; ///< all of the above but requests for rights, and beeps, as short lines:
+                                     ///< "beep", "log ...", "run ...", "alert TITLE"
     int beeps = 0;
     int administratorDialogs = 0;
     std::vector<platform::AdministratorRequest>
