@@ -1,0 +1,220 @@
+// What the account tabs list and propose, and what the editors and the Public folders make of it.
+
+#include "AccountsFixture.h"
+
+#include <array>
+#include <set>
+
+namespace {
+
+using Texts = std::vector<std::string>;
+
+TEST_F(AccountsTest, AReportThatCannotBeReadIsLoggedAndTheOtherTableIsStillFilled) {
+    const std::string bug =
+        "If you are seeing this message a bug has occured.  Please run the following command in the terminal "
+        "and email the results to " +
+        NSBundle::mainBundle().objectForInfoDictionaryKey("BRSupportAddress") + ".\nnireport . ";
+    const std::string groupsBug = bug + "/groups gid name users";
+    const std::string usersBug = bug + "/users name uid sharedDir";
+
+    struct Case {
+        const char* operation;
+        std::set<int> failing; ///< reports, counted from 0
+        Texts log;
+        int groups, users; ///< rows that are listed then
+    };
+
+    for (const Case& c : std::vector<Case>{{"refreshGroupList:", {0}, {groupsBug}, 0, 3},
+                                           {"updateSystemUsersGroups:", {0}, {groupsBug}, 0, 3},
+                                           {"refreshGroupList:", {1}, {usersBug}, 3, 0},
+                                           {"updateSystemUsersGroups:", {1}, {usersBug}, 3, 0},
+                                           {"refreshGroupList:", {0, 1}, {groupsBug, usersBug}, 0, 0},
+                                           {"addUserToGroup:", {0}, {groupsBug}, 0, 3}}) {
+        host.onReport = nullptr;
+        send("refreshGroupList:");
+        selectGroup("staff");
+        int report = 0;
+        host.onReport = [&report, &c] {
+            if (c.failing.contains(report++)) {
+                throw std::out_of_range("a line lacks a piece");
+            }
+        };
+        host.log.clear();
+        send(c.operation);
+        EXPECT_EQ(host.log, c.log) << c.operation;
+        EXPECT_EQ(app().groupTableView->numberOfRows(), c.groups) << c.operation;
+        EXPECT_EQ(app().groupUsersTableView->numberOfRows(), c.users) << c.operation;
+        EXPECT_EQ(app().deleteGroupButton->isEnabled(), c.groups > 0) << c.operation;
+    }
+}
+
+TEST_F(AccountsTest, NoRowMeansNothingHappens) {
+    app().userTableView->deselectAll();
+    app().groupTableView->deselectAll();
+    host.events.clear();
+    for (const char* operation :
+         {"deleteSelectedUser:", "deleteSelectedGroup:", "addUserToGroup:", "removeUserFromGroup:",
+          "changePassword:", "enableSelectedPublicShare:", "disableSelectedPublicShare:"}) {
+        send(operation);
+    }
+    EXPECT_EQ(host.events, Texts{});
+    EXPECT_EQ(NSApp().attachedSheet(), nullptr);
+}
+
+TEST_F(AccountsTest, ProposesTheNextFreeIds) {
+    const std::vector<std::array<std::string, 4>> cases{
+        // highest user id, proposed, highest group id, proposed
+        {"502", "503", "501", "502"},
+        {"2147483647", "2147483647", "2147483647", "2147483647"}};
+    for (const auto& [user, nextUser, groupId, nextGroup] : cases) {
+        addUser("last", user, "20");
+        addGroup("last", groupId);
+        send("getNextUID:");
+        send("getNextGID:");
+        EXPECT_EQ(app().uid->stringValue(), nextUser);
+        EXPECT_EQ(app().gid->stringValue(), nextGroup);
+    }
+    for (const auto& [highest, next] : {std::pair{"99", "101"}, {"100", "101"}, {"101", "102"}}) {
+        nicl({"-create", "/groups/last", "gid", highest});
+        nicl({"-create", "/groups/friends", "gid", "-2"});
+        send("getNextGID:");
+        EXPECT_EQ(app().gid->stringValue(), next);
+    }
+    for (const char* path : {"wheel", "staff", "admin", "hundred", "friends", "last"}) {
+        nicl({"-delete", std::string("/groups/") + path});
+    }
+    host.events.clear();
+    send("getNextGID:");
+    EXPECT_EQ(host.events, (Texts{"log No Groups found to update the GID", "beep"}));
+    EXPECT_EQ(app().gid->stringValue(), "102");
+}
+
+TEST_F(AccountsTest, SystemAccountsAreHiddenUntilTheirBoxIsChecked) {
+    using Names = std::vector<std::string>;
+    EXPECT_EQ(app().owner->itemTitles(), (Names{"edge", "bob", "adam"}));
+    EXPECT_EQ(app().group->itemTitles(), (Names{"staff", "admin", "friends"}));
+    EXPECT_EQ(app().groupPopUp->itemTitles(), (Names{"staff", "admin", "friends"}));
+    app().showSystemUsersGroups->performClick();
+    app().showSystemUsersGroups2->performClick();
+    app().showSystemUsersGroups3->performClick();
+    EXPECT_EQ(app().owner->itemTitles(), (Names{"root", "low", "edge", "bob", "adam"}));
+    EXPECT_EQ(app().group->numberOfItems(), 5);
+    EXPECT_EQ(app().groupPopUp->numberOfItems(), 5);
+    EXPECT_EQ(app().groupTableView->numberOfRows(), 5);
+
+    // What was selected stays selected, with its id, when the box hides it again, and when its group is gone.
+    app().groupPopUp->selectItemWithTitle("hundred");
+    app().showSystemUsersGroups2->performClick();
+    EXPECT_EQ(app().groupPopUp->itemTitles(), (Names{"staff", "admin", "friends", "hundred"}));
+    nicl({"-create", "/groups/hundred", "gid", "98"});
+    send("updateGroupsList:");
+    EXPECT_EQ(app().groupPopUp->tagOfSelectedItem(), 98);
+    nicl({"-delete", "/groups/hundred"});
+    send("updateGroupsList:");
+    EXPECT_EQ(app().groupPopUp->titleOfSelectedItem(), "hundred");
+    EXPECT_EQ(app().groupPopUp->tagOfSelectedItem(), 98);
+    app().groupPopUp->selectItemAtIndex(-1);
+    send("updateGroupsList:");
+    EXPECT_EQ(app().groupPopUp->indexOfSelectedItem(), -1);
+}
+
+TEST_F(AccountsTest, FieldsAndButtonsFollowTheRowAndTheTypedName) {
+    selectUser("bob");
+    EXPECT_EQ(app().shortName->stringValue() + app().uid->stringValue() + app().fullName->stringValue(),
+              "bob501Bob B");
+    EXPECT_EQ(app().groupPopUp->titleOfSelectedItem(), "staff");
+    EXPECT_EQ(app().addNewUserButton->title(), "Update User");
+    EXPECT_TRUE(app().deleteUserButton->isEnabled() && app().enablePublicSelectedButton->isEnabled());
+    nicl({"-create", "/users/bob", "gid", "4711"});
+    send("refreshPublicList:");
+    send("updateUserTextFields:");
+    EXPECT_EQ(app().groupPopUp->indexOfSelectedItem(), -1);
+    app().userTableView->deselectAll();
+    EXPECT_EQ(app().shortName->stringValue() + app().uid->stringValue() + app().fullName->stringValue(), "");
+    EXPECT_FALSE(app().changePasswordButton->isEnabled());
+    EXPECT_TRUE(app().shortName->proposeEdit("adam", 4, {0, 0}));
+    EXPECT_EQ(app().addNewUserButton->title(), "Update User");
+    EXPECT_TRUE(app().shortName->proposeEdit("low", 3, {0, 4}));
+    EXPECT_EQ(app().addNewUserButton->title(), "Add New User");
+    EXPECT_TRUE(app().groupName->proposeEdit("staff", 5, {0, 0}));
+    EXPECT_EQ(app().createNewGroupButton->title(), "Update Group");
+}
+
+TEST_F(AccountsTest, ASelectedRowThatGoesAwayLeavesNothingToActOn) {
+    const auto groupEditor = [this] {
+        const BRController& shown = app();
+        return Texts{shown.groupName->stringValue(),
+                     shown.gid->stringValue(),
+                     shown.createNewGroupButton->title(),
+                     shown.deleteGroupButton->isEnabled() ? "delete" : "no delete",
+                     shown.addUserToGroupButton->isEnabled() ? "add" : "no add",
+                     shown.removeUserFromGroupButton->isEnabled() ? "remove" : "no remove"};
+    };
+    const Texts noGroup{"", "", "Add New Group", "no delete", "no add", "no remove"};
+    selectGroup("friends"); // the last
+    host.answerAlert("Confirm Delete Selected Group", "Yes");
+    send("deleteSelectedGroup:");
+    EXPECT_EQ(groupEditor(), noGroup);
+
+    selectGroup("staff");
+    host.answerAlert("Confirm Delete Selected Group", "Yes");
+    send("deleteSelectedGroup:");
+    EXPECT_EQ(groupEditor(), (Texts{"staff", "20", "Update Group", "delete", "add", "remove"}))
+        << "the row is there, with the next group in it, and the fields are left alone";
+    nicl({"-delete", "/groups/admin"});
+    send("addUserToGroup:");
+    EXPECT_EQ(groupEditor(), noGroup);
+
+    selectUser("adam");
+    nicl({"-delete", "/users/adam"});
+    send("refreshPublicList:");
+    EXPECT_EQ(app().shortName->stringValue() + app().addNewUserButton->title(), "Add New User");
+    for (const NSButton* button : {app().deleteUserButton, app().changePasswordButton,
+                                   app().disablePublicSelectedButton, app().enablePublicSelectedButton}) {
+        EXPECT_FALSE(button->isEnabled()) << button->name();
+    }
+}
+
+TEST_F(AccountsTest, AnUpdateKeepsThePublicFolderAsItsButtonLeftIt) {
+    selectUser("bob");
+    const auto choiceAfter = [this](const char* operation) {
+        send(operation);
+        return app().publicSharedPopUp->indexOfSelectedItem();
+    };
+    app().fullName->setStringValue("Typed");
+    EXPECT_EQ(choiceAfter("enableSelectedPublicShare:"), 0);
+    EXPECT_EQ(choiceAfter("disableSelectedPublicShare:"), 1);
+    EXPECT_EQ(choiceAfter("enableAllPublicShares:"), 0);
+    EXPECT_EQ(app().fullName->stringValue(), "Typed");
+    takeRuns();
+    host.answerAlert("Confirm Update User", "Yes");
+    send("addNewUser:");
+    EXPECT_EQ(takeRuns().back(), "/usr/bin/nicl . -create /users/bob sharedDir Public");
+    // The menu is another user's choice once another name is typed.
+    app().shortName->setStringValue("alice");
+    EXPECT_EQ(choiceAfter("disableSelectedPublicShare:"), 0);
+}
+
+TEST_F(AccountsTest, PublicFoldersAreSharedByIdAndTheServerToldOnce) {
+    host.onListing = [](const std::string& command) {
+        return std::optional<std::string>(command.find("Apple") != std::string::npos ? "210\n" : "");
+    };
+    const auto run = [](const std::string& name, const std::string& value) {
+        return "/usr/bin/nicl . -create /users/" + name + " sharedDir " + value;
+    };
+    send("enableAllPublicShares:");
+    EXPECT_EQ(takeRuns(), (Texts{run("bob", "Public"), run("adam", "Public"), "/bin/kill -1 210"}));
+    send("disableAllPublicShares:");
+    EXPECT_EQ(takeRuns(), (Texts{run("edge", "<no value>"), run("bob", "<no value>"),
+                                 run("adam", "<no value>"), "/bin/kill -1 210"}));
+    selectUser("edge");
+    send("enableSelectedPublicShare:");
+    EXPECT_EQ(takeRuns(), (Texts{run("edge", "Public"), "/bin/kill -1 210"}));
+    selectUser("edge");
+    send("updateUserTextFields:");
+    EXPECT_EQ(app().publicSharedPopUp->indexOfSelectedItem(), 0);
+    send("disableSelectedPublicShare:");
+    EXPECT_EQ(takeRuns(), (Texts{run("edge", "<no value>"), "/bin/kill -1 210"}));
+}
+
+} // namespace
