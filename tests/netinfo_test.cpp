@@ -189,7 +189,7 @@ TEST_F(Directory, ReportsADamagedRecordAndStillReadsTheOthers) {
 
         ni_domain* opened = nullptr;
         ASSERT_EQ(ni_openfile(host.root() / "damaged.db", &opened), NI_OK);
-        const Domain domain(opened);
+        Domain domain(opened);
         ni_id id;
         ni_namelist names;
         ASSERT_EQ(search(opened, "/users/ada", &id), NI_OK);
@@ -197,6 +197,7 @@ TEST_F(Directory, ReportsADamagedRecordAndStillReadsTheOthers) {
         ASSERT_EQ(search(opened, "/groups", &id), NI_OK);
         EXPECT_EQ(ni_listprops(opened, &id, &names), NI_OK) << content;
 
+        domain.reset(); // a writer waits for readers
         Store store(host.root() / "damaged.db");
         const auto users = store.child(Store::root, "users").value();
         EXPECT_THROW((void)store.children(users), platform::StoreError) << content;

@@ -100,6 +100,8 @@ TEST_F(Tools, NiclRefusesInOneLineAndChangesNothing) {
         Words{"-create", "/users/ada", "realname", "A\nB"},
         Words{"-create", "/users/ada", "real\x7fname", "A"},
         Words{"-create", "/users/ada", "name", "bob"},
+        Words{"-create", "/users/Bob"},
+        Words{"-create", "/users/ada", "name", "BOB"},
         Words{"-create", "/users/ada", "name", ""},
         Words{"-create", "/users/ada", "name", "a/b"},
         Words{"-create", "/users/ada", "name"},
@@ -107,11 +109,15 @@ TEST_F(Tools, NiclRefusesInOneLineAndChangesNothing) {
         Words{"-append", "/users/ada", "name", "x"},
         Words{"-append", "/users/ada", "mail"},
         Words{"-append", "/groups/staff", "users", "a,b"},
+        Words{"-append", "/groups/staff", "users", "a/b"},
         Words{"-create", "/config/Brindle/[x"},
         Words{"-create", "/config/Brindle/x]"},
         Words{"-create", "/config/Brindle/ x"},
         Words{"-create", "/config/Brindle/Docs", "name", "x "},
         Words{"-create", "/config/Brindle/Docs", "directory_path", "/tmp\\"},
+        Words{"-create", "/config/Brindle/Docs", "directory_path", "/tmp\\ "},
+        Words{"-create", "/config/Brindle/Docs", "directory_path", " /tmp"},
+        Words{"-create", "/config/Brindle/Docs/x]y"},
         Words{"-delete", "/"},
         Words{"-delete", "/config"},
         Words{"-delete", "/config/Brindle"},
@@ -289,8 +295,17 @@ TEST_F(Root, PasswordsGoToTheRootsOwnServerAndLeaveWithTheUser) {
     EXPECT_EQ(nicl({"-create", "/users/alice", "name", "eve"}), "");
     EXPECT_FALSE(contains(passwordDatabase(), "70501"));
     EXPECT_EQ(dscl("/Users/eve", "secret"), "");
-    EXPECT_EQ(nicl({"-delete", "/users/eve"}), "");
-    EXPECT_FALSE(contains(passwordDatabase(), "eve"));
+    EXPECT_EQ(nicl({"-create", "/users/eve", "name", "Eve"}), "");
+    EXPECT_TRUE(contains(passwordDatabase(), "eve:")) << "the database does not tell the two names apart";
+
+    const platform::SambaAccounts server(root);
+    fs::remove(server.groupFile());
+    fs::create_directory(server.groupFile());
+    EXPECT_NE(nicl({"-delete", "/users/Eve"}), "");
+    EXPECT_TRUE(contains(passwordDatabase(), "eve:")) << "the user is still there, and needs it";
+    fs::remove(server.groupFile());
+    EXPECT_EQ(nicl({"-delete", "/users/Eve"}), "");
+    EXPECT_FALSE(contains(passwordDatabase(), "eve:"));
     fs::remove_all(root.sambaFolder());
     nicl({"-create", "/users/alice"});
     EXPECT_TRUE(contains(dscl("/Users/alice", "secret"), "has no password database"));

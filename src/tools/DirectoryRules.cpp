@@ -13,13 +13,14 @@ bool hasControlCharacter(const std::string& text) {
     });
 }
 
+/// A record below a share is no share, but must not be a way round the rules either.
 bool isShare(const RecordPath& path) {
-    return path.size() == 3 && path[0] == "config" && path[1] == "Brindle";
+    return path.size() >= 3 && path[0] == "config" && path[1] == "Brindle";
 }
 
 std::string ruleBrokenByAccountName(const std::string& name) {
-    if (name.find_first_of(",:") != std::string::npos) {
-        return "an account's name may hold no comma and no colon; leave them out";
+    if (name.find_first_of(",:/") != std::string::npos) {
+        return "an account's name may hold no comma, no colon and no /; leave them out";
     }
     return {};
 }
@@ -30,6 +31,18 @@ std::string ruleBrokenByShareName(const std::string& name) {
     }
     if (name.starts_with(' ') || name.ends_with(' ')) {
         return "a share's name may not begin or end with a blank; leave it out";
+    }
+    return {};
+}
+
+/// The folder is a value of the SMB server's configuration, where blanks around it are left out and a
+/// backslash takes in the next line: another folder would be served.
+std::string ruleBrokenByFolder(const std::string& folder) {
+    if (folder.ends_with('\\')) {
+        return "a share's folder may not end in a backslash; choose another folder";
+    }
+    if (folder.starts_with(' ') || folder.ends_with(' ')) {
+        return "a share's folder may not begin or end with a blank; choose another folder";
     }
     return {};
 }
@@ -85,8 +98,10 @@ std::string ruleBrokenByValues(const RecordPath& path, const std::string& proper
         return "a property may hold no control character; leave it out";
     }
     for (const auto& value : values) {
-        if (isShare(path) && property == "directory_path" && value.ends_with('\\')) {
-            return "a share's folder may not end in a backslash; choose another folder";
+        if (isShare(path) && property == "directory_path") {
+            if (std::string broken = ruleBrokenByFolder(value); !broken.empty()) {
+                return broken;
+            }
         }
         if (path.size() == 2 && path[0] == "groups" && property == "users") {
             if (std::string broken = ruleBrokenByAccountName(value); !broken.empty()) {

@@ -93,6 +93,7 @@ class Change {
         if (!parent) {
             throw Refusal("the record above it does not exist; create that first");
         }
+        checkOtherUsers(*parent, request_.path.back(), {});
         store_.addRecord(*parent, request_.path.back());
         isChanged_ = true;
     }
@@ -113,6 +114,9 @@ class Change {
         }
         if (store_.find(renamed)) {
             throw Refusal("there is a record called " + renamed.back() + "; choose another name");
+        }
+        if (const auto parent = store_.find(std::span(renamed).first(renamed.size() - 1))) {
+            checkOtherUsers(*parent, renamed.back(), request_.path.back());
         }
         store_.rename(renaming, renamed.back());
         losesUser_ = isUser();
@@ -180,16 +184,34 @@ class Change {
 
     [[nodiscard]] bool isUser() const { return request_.path.size() == 2 && request_.path[0] == "users"; }
 
-    /// Done before the commit: when it fails nothing is changed, and no other writer comes between.
+    /// The server's password database does not know users apart whose names differ in case only: one would
+    /// have the other's password, and take it along when it is deleted. `leaving` is a name that is given up.
+    void checkOtherUsers(Store::Record parent, const std::string& name, const std::string& leaving) {
+        const auto other = isUser() ? store_.childInOtherCase(parent, name) : std::nullopt;
+        if (other && *other != leaving) {
+            throw Refusal("there is a user called " + *other +
+                          ", and the case of letters does not tell users apart; choose another name");
+        }
+    }
+
+    /// Done before the commit, so that no other writer comes between. Lists that are written in vain are
+    /// written anew at the next change; a password that is forgotten cannot be brought back, so that comes
+    /// last.
     void tellServer() {
         const platform::SambaAccounts accounts{platform::EmbeddedRoot(place_.root)};
         if (!accounts.exists() || !reachesLists()) {
             return;
         }
-        if (losesUser_) {
+        check(accounts.writeAccountLists(store_));
+        if (losesUser_ && !isUserInOtherCase(request_.path.back())) {
             check(accounts.removeUser(request_.path.back()));
         }
-        check(accounts.writeAccountLists(store_));
+    }
+
+    /// Directories made before such names were refused may hold them.
+    [[nodiscard]] bool isUserInOtherCase(const std::string& name) {
+        const auto users = store_.child(Store::root, "users");
+        return users && store_.childInOtherCase(*users, name);
     }
 
     /// Writing the lists takes as long as there are accounts: a property that they do not hold must not cost

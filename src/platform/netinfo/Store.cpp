@@ -80,7 +80,7 @@ Store::Store(const std::string& file, Opening opening)
     : file_(file), connection_(std::make_unique<Connection>()) {
     open(opening);
     sqlite3_busy_timeout(connection_->database.get(), waitSeconds * 1000);
-    execute("BEGIN IMMEDIATE");
+    execute("BEGIN EXCLUSIVE");
     if (opening == Opening::Create) {
         create();
         return;
@@ -142,6 +142,16 @@ std::optional<Store::Record> Store::child(Record parent, std::string_view name) 
     SqliteStatement& row = connection_->statement("SELECT id FROM record WHERE parent = ?1 AND name = ?2");
     if (row.bind(1, parent).bind(2, name).step()) {
         return row.number(0);
+    }
+    check(row.error());
+    return std::nullopt;
+}
+
+std::optional<std::string> Store::childInOtherCase(Record parent, std::string_view name) {
+    SqliteStatement& row = connection_->statement(
+        "SELECT name FROM record WHERE parent = ?1 AND name = ?2 COLLATE NOCASE AND name <> ?2");
+    if (row.bind(1, parent).bind(2, name).step()) {
+        return std::string(row.text(0));
     }
     check(row.error());
     return std::nullopt;

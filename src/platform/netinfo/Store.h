@@ -24,15 +24,16 @@ class StoreError : public std::runtime_error {
 
 /// The directory's store opened for writing: a tree of records in an SQLite file, each with properties and
 /// values in order. Texts are bytes. All changes between construction and commit() are one transaction: a
-/// writer that is killed leaves the store as it was or as it was meant to be. Writers wait for each other.
-/// Every operation throws StoreError when the file cannot be read or written; rules about what may be written
-/// are the tools' own.
+/// writer that is killed leaves the store as it was or as it was meant to be. Writers wait for each other and
+/// for readers, and readers for them, all at the beginning: the commit then meets nobody who could make it
+/// fail. Every operation throws StoreError when the file cannot be read or written; rules about what may be
+/// written are the tools' own.
 class Store {
   public:
     using Record = std::int64_t;
     static constexpr Record root = 0;
 
-    /// How long a writer waits for another, or for readers at the commit.
+    /// How long a writer waits for others.
     static constexpr int waitSeconds = 30;
 
     enum class Opening { Existing, Create };
@@ -49,6 +50,9 @@ class Store {
     [[nodiscard]] std::optional<Record> child(Record parent, std::string_view name);
     /// The record that `components` lead to from the root.
     [[nodiscard]] std::optional<Record> find(std::span<const std::string> components);
+    /// The name of another record right below `parent` that differs from `name` in the case of ASCII letters
+    /// only.
+    [[nodiscard]] std::optional<std::string> childInOtherCase(Record parent, std::string_view name);
     /// All records right below `parent`, as this transaction sees them.
     [[nodiscard]] RecordBlock children(Record parent);
     /// Adds a record after its siblings, with the property `name`. No sibling has that name.
