@@ -16,6 +16,7 @@
 #include <csignal>
 #include <filesystem>
 #include <fstream>
+#include <random>
 
 #include <pwd.h>
 #include <sys/stat.h>
@@ -84,6 +85,8 @@ TEST_F(HelperTest, RefusesWhatIsNotForSharingAndSaysWhy) {
         {"/bin/chmod", {"755", "/home/"}, "folder of the system"},
         {"/bin/chmod", {"755", "/usr/bin"}, "folder of the system"},
         {"/usr/sbin/chown", {":", "/var"}, "folder of the system"},
+        {"/usr/sbin/chown", {":", "/run"}, "folder of the system"},
+        {"/usr/sbin/chown", {":", "/tmp"}, "folder of the system"},
         {"/bin/chmod", {"600", (test_.root() / "file").string()}, "Not a directory"},
         {"/bin/chmod", {"-R", shared.string()}, "no mode"},
         {"/bin/chmod", {"1777", shared.string()}, "no mode"},
@@ -285,7 +288,7 @@ class ScratchAdministrator {
         if (::getuid() != 0) {
             missing_ = "only root makes the account that this needs";
         } else if (runProgram({"/usr/sbin/useradd", "-M", name_}).status != 0 ||
-                   runProgram({"/usr/sbin/chpasswd"}, name_ + ":right\n").status != 0) {
+                   runProgram({"/usr/sbin/chpasswd"}, name_ + ":" + password_ + "\n").status != 0) {
             missing_ = "no account can be made on this computer";
         } else {
             std::ofstream(rule_) << name_ << " ALL=(ALL) ALL\n";
@@ -303,6 +306,8 @@ class ScratchAdministrator {
 
     [[nodiscard]] const std::string& missing() const { return missing_; }
 
+    [[nodiscard]] const std::string& password() const { return password_; }
+
     /// Does `work` as the account, in a process of its own. True when it answers true.
     template <class Work>
     [[nodiscard]] bool does(Work work) const {
@@ -317,8 +322,19 @@ class ScratchAdministrator {
     }
 
   private:
+    /// Nobody knows it: a test that is killed leaves the account behind.
+    static std::string randomPassword() {
+        std::random_device random;
+        std::string text;
+        for (int part = 0; part < 4; ++part) {
+            text += std::to_string(random());
+        }
+        return text;
+    }
+
     std::string name_ = "brindle-t" + std::to_string(::getpid() % 100000);
     fs::path rule_ = "/etc/sudoers.d/" + name_;
+    std::string password_ = randomPassword();
     std::string missing_;
 };
 
@@ -336,7 +352,7 @@ TEST_F(HelperTest, ActsAsRootThroughTheRealSudoOnceThePasswordIsRight) {
     const platform::Host host(std::move(services));
     EXPECT_TRUE(administrator.does([&] {
         NiutilTask& task = NiutilTask::sharedInstance();
-        test_.passwords = {"wrong", "right"};
+        test_.passwords = {"wrong", administrator.password()};
         const bool asked = !task.isAuthenticated() && task.authenticate() && test_.administratorDialogs == 2;
         task.changePermissions(shared.string(), "nobody", "", 0751);
         const bool quiet = test_.log.empty();

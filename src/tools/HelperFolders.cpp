@@ -21,7 +21,8 @@ namespace {
 constexpr std::array<std::string_view, 10> kSystemTrees = {"/etc", "/usr", "/boot", "/dev", "/proc",
                                                            "/sys", "/bin", "/sbin", "/lib", "/lib64"};
 /// These hold folders that may be shared, but are the system's themselves.
-constexpr std::array<std::string_view, 4> kSystemFolders = {"/", "/var", "/home", "/root"};
+constexpr std::array<std::string_view, 10> kSystemFolders = {
+    "/", "/var", "/home", "/root", "/tmp", "/run", "/run/user", "/run/media", "/var/lib", "/var/tmp"};
 
 bool isSameFolder(const struct stat& status, std::string_view path) {
     struct stat other {};
