@@ -3,6 +3,9 @@
 #include "NSString.h"
 
 #include <algorithm>
+#include <array>
+
+#include <strings.h>
 
 namespace {
 
@@ -13,7 +16,7 @@ bool hasControlCharacter(const std::string& text) {
     });
 }
 
-/// A record below a share is no share, but must not be a way round the rules either.
+/// A share, or a record below one: a share's name with a / in it leads there.
 bool isShare(const RecordPath& path) {
     return path.size() >= 3 && path[0] == "config" && path[1] == "Brindle";
 }
@@ -33,6 +36,16 @@ std::string ruleBrokenByShareName(const std::string& name) {
         return "a share's name may not begin or end with a blank; leave it out";
     }
     return {};
+}
+
+/// Such a section of the SMB server's configuration is not a share's: it would be rewritten, or taken away,
+/// with the share.
+std::string ruleBrokenByReservedName(const std::string& name) {
+    constexpr std::array reserved{"global", "homes"};
+    const bool isReserved = std::ranges::any_of(
+        reserved, [&](const char* each) { return ::strcasecmp(name.c_str(), each) == 0; });
+    return isReserved ? "the SMB server takes " + name + " for a section of its own; choose another name"
+                      : std::string();
 }
 
 /// The folder is a value of the SMB server's configuration, where blanks around it are left out and a
@@ -86,7 +99,11 @@ std::string ruleBrokenByName(const RecordPath& path) {
     if (path.size() == 2 && isAccount(path)) {
         return ruleBrokenByAccountName(name);
     }
-    return isShare(path) ? ruleBrokenByShareName(name) : std::string();
+    if (!isShare(path)) {
+        return {};
+    }
+    std::string broken = ruleBrokenByShareName(name);
+    return broken.empty() && path.size() == 3 ? ruleBrokenByReservedName(name) : broken;
 }
 
 std::string ruleBrokenByValues(const RecordPath& path, const std::string& property,
