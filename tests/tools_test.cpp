@@ -1,9 +1,9 @@
 #include "CapturedRun.h"
 #include "DirectoryAccounts.h"
 #include "DirectoryFixture.h"
-#include "EmbeddedRoot.h"
 #include "HostProcesses.h"
 #include "NSDictionary.h"
+#include "RootFixture.h"
 #include "SambaAccounts.h"
 
 #include <algorithm>
@@ -118,6 +118,9 @@ TEST_F(Tools, NiclRefusesInOneLineAndChangesNothing) {
         Words{"-create", "/config/Brindle/Docs", "directory_path", "/tmp\\ "},
         Words{"-create", "/config/Brindle/Docs", "directory_path", " /tmp"},
         Words{"-create", "/config/Brindle/Docs/x]y"},
+        Words{"-create", "/config/Brindle/Docs/sub", "directory_path", "/tmp\\"},
+        Words{"-create", "/config/Brindle/Global"},
+        Words{"-create", "/config/Brindle/Docs", "name", "HOMES"},
         Words{"-delete", "/"},
         Words{"-delete", "/config"},
         Words{"-delete", "/config/Brindle"},
@@ -139,7 +142,8 @@ TEST_F(Tools, NiclRefusesInOneLineAndChangesNothing) {
     EXPECT_EQ(record("/users/ada"), "name: ada\nmail: one two\n");
     EXPECT_EQ(record("/config/Brindle/Docs"), "name: Docs\n");
     EXPECT_EQ(runNireport(Words{".", "/users", "name"}).output, "ada\t\nbob\t\n");
-    EXPECT_EQ(nicl({"-delete", "/users/ada", "mail", "one"}), "");
+    EXPECT_EQ(nicl({"-create", "/users/ada", "name", "Ada"}), "") << "no other user is called so";
+    EXPECT_EQ(nicl({"-delete", "/users/Ada", "mail", "one"}), "");
     EXPECT_EQ(nicl({"-delete", "/config/Brindle/Docs"}), "");
 }
 
@@ -172,32 +176,6 @@ TEST_F(Tools, OptionsThatMakeNoSenseEndWithTwoAndTheOthersLeaveTheirWords) {
         EXPECT_EQ(directoryToolMain("nicl", 2, two.data()), 2) << option;
     }
 }
-
-class Root : public testing::Test {
-  protected:
-    std::string nicl(Words words) const {
-        words.insert(words.begin(), ".");
-        return runNicl(DirectoryPlace::ofRoot(root.folder()), words).output;
-    }
-
-    [[nodiscard]] std::string dscl(const std::string& path, const std::string& password) const {
-        return runDscl(DirectoryPlace::ofRoot(root.folder()), Words{".", "-passwd", path, password}).output;
-    }
-
-    /// The users in the root's password database, one a line.
-    [[nodiscard]] std::string passwordDatabase() const {
-        const platform::SambaAccounts accounts(root);
-        return platform::runCaptured({"/usr/bin/pdbedit", "-s", root.sambaFolder() + "/accounts.conf", "-L"},
-                                     {"LD_PRELOAD=libnss_wrapper.so",
-                                      "NSS_WRAPPER_PASSWD=" + accounts.passwdFile(),
-                                      "NSS_WRAPPER_GROUP=" + accounts.groupFile()},
-                                     {})
-            .output;
-    }
-
-    TestHost host;
-    platform::EmbeddedRoot root{(host.root() / "new root").string()};
-};
 
 TEST_F(Root, IsMadeOnceByProgramsThatComeTogetherAndKeepsFilesThatAreThere) {
     host.write("new root/etc/smb.conf", "[mine]\n");
@@ -275,40 +253,6 @@ TEST_F(Root, AccountsFollowTheDirectoryAtOnceInNamesAndInTheServersLists) {
     EXPECT_EQ(nicl({"-delete", "/users/alice"}), "");
     EXPECT_EQ(names.userName(70501), std::nullopt);
     EXPECT_FALSE(contains(contents(server.passwdFile()), "alice"));
-}
-
-TEST_F(Root, PasswordsGoToTheRootsOwnServerAndLeaveWithTheUser) {
-    root.makeIfMissing();
-    EXPECT_TRUE(contains(dscl("/Users/alice", "secret"), "there is no such user"));
-    EXPECT_TRUE(contains(dscl("/Groups/alice", "secret"), "/Users/NAME"));
-    nicl({"-create", "/users/alice"});
-    nicl({"-create", "/users/alice", "uid", "70501"});
-    nicl({"-create", "/users/alice", "gid", "70501"});
-    EXPECT_TRUE(contains(dscl("/Users/alice", "two\nlines"), "control character"));
-    if (platform::SambaAccounts::wrapperLibrary().empty() || access("/usr/bin/pdbedit", X_OK) != 0) {
-        EXPECT_TRUE(contains(dscl("/Users/alice", "secret"), "install the package"));
-        GTEST_SKIP() << "Samba or libnss-wrapper is not installed";
-    }
-    EXPECT_TRUE(contains(dscl("/Users/alice", std::string(300, 'x')), "longer than"));
-    EXPECT_EQ(dscl("/Users/alice", "secret"), "");
-    EXPECT_TRUE(contains(passwordDatabase(), "alice:70501:"));
-    EXPECT_EQ(nicl({"-create", "/users/alice", "name", "eve"}), "");
-    EXPECT_FALSE(contains(passwordDatabase(), "70501"));
-    EXPECT_EQ(dscl("/Users/eve", "secret"), "");
-    EXPECT_EQ(nicl({"-create", "/users/eve", "name", "Eve"}), "");
-    EXPECT_TRUE(contains(passwordDatabase(), "eve:")) << "the database does not tell the two names apart";
-
-    const platform::SambaAccounts server(root);
-    fs::remove(server.groupFile());
-    fs::create_directory(server.groupFile());
-    EXPECT_NE(nicl({"-delete", "/users/Eve"}), "");
-    EXPECT_TRUE(contains(passwordDatabase(), "eve:")) << "the user is still there, and needs it";
-    fs::remove(server.groupFile());
-    EXPECT_EQ(nicl({"-delete", "/users/Eve"}), "");
-    EXPECT_FALSE(contains(passwordDatabase(), "eve:"));
-    fs::remove_all(root.sambaFolder());
-    nicl({"-create", "/users/alice"});
-    EXPECT_TRUE(contains(dscl("/Users/alice", "secret"), "has no password database"));
 }
 
 TEST_F(Root, OnlyProcessesOfItsOwnServerAreListed) {

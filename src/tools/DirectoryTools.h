@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Store.h"
+
 #include <span>
 #include <string>
 #include <utility>
@@ -18,6 +20,7 @@ struct DirectoryPlace {
 
     std::string storeFile;
     std::string root; ///< empty for a store alone
+    int waitSeconds = platform::Store::waitSeconds;
 };
 
 /// What a tool wrote to its standard output (complaints included), and its exit status.
@@ -28,8 +31,9 @@ struct ToolResult {
 
 /// `nicl DOMAIN OPERATION PATH [PROPERTY [VALUE...]]`, the domain being ".". -create makes the record, or the
 /// property with these values in place of its earlier ones; -append adds values at the end; -delete takes
-/// away the record with all below it, the property, or the values. Waits up to 30 seconds for other writers.
-/// After a change below /users or /groups the account lists of the root's file server are rewritten.
+/// away the record with all below it, the property, or the values. Waits for other programs that use the
+/// directory. After a change below /users or /groups the account lists of the root's file server are
+/// rewritten.
 [[nodiscard]] ToolResult runNicl(const DirectoryPlace& place, std::span<const std::string> arguments);
 
 /// `dscl DOMAIN -passwd /Users/NAME PASSWORD`: hands the password to the password database of the root's file

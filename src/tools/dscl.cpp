@@ -27,7 +27,7 @@ std::string setPassword(const DirectoryPlace& place, const std::string& user, co
     if (hasControl) {
         return "a password may hold no control character; choose another one";
     }
-    platform::Store store(place.storeFile);
+    platform::Store store(place.storeFile, platform::Store::Opening::Existing, place.waitSeconds);
     const RecordPath path{"users", user};
     if (!store.find(path)) {
         return "there is no such user; create it first";

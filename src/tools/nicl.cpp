@@ -41,7 +41,8 @@ struct Request {
 class Change {
   public:
     Change(const DirectoryPlace& place, Request request)
-        : request_(std::move(request)), place_(place), store_(place.storeFile) {}
+        : request_(std::move(request)), place_(place),
+          store_(place.storeFile, Store::Opening::Existing, place.waitSeconds) {}
 
     void run() {
         if (request_.operation == "-create") {
@@ -93,8 +94,8 @@ class Change {
         if (!parent) {
             throw Refusal("the record above it does not exist; create that first");
         }
-        checkOtherUsers(*parent, request_.path.back(), {});
         store_.addRecord(*parent, request_.path.back());
+        checkOtherUsers(request_.path.back());
         isChanged_ = true;
     }
 
@@ -115,11 +116,9 @@ class Change {
         if (store_.find(renamed)) {
             throw Refusal("there is a record called " + renamed.back() + "; choose another name");
         }
-        if (const auto parent = store_.find(std::span(renamed).first(renamed.size() - 1))) {
-            checkOtherUsers(*parent, renamed.back(), request_.path.back());
-        }
+        losesPassword_ = isUser() && !otherUser(request_.path.back());
         store_.rename(renaming, renamed.back());
-        losesUser_ = isUser();
+        checkOtherUsers(renamed.back());
         isChanged_ = true;
     }
 
@@ -141,8 +140,8 @@ class Change {
             if (!found) {
                 throw Refusal("there is no such record; nothing was deleted");
             }
+            losesPassword_ = isUser() && !otherUser(request_.path.back());
             store_.removeRecord(*found);
-            losesUser_ = isUser();
             isChanged_ = true;
             return;
         }
@@ -184,34 +183,38 @@ class Change {
 
     [[nodiscard]] bool isUser() const { return request_.path.size() == 2 && request_.path[0] == "users"; }
 
-    /// The server's password database does not know users apart whose names differ in case only: one would
-    /// have the other's password, and take it along when it is deleted. `leaving` is a name that is given up.
-    void checkOtherUsers(Store::Record parent, const std::string& name, const std::string& leaving) {
-        const auto other = isUser() ? store_.childInOtherCase(parent, name) : std::nullopt;
-        if (other && *other != leaving) {
+    /// The user who shares an entry of the server's password database with the user of that name, because the
+    /// database ignores case.
+    [[nodiscard]] std::optional<std::string> otherUser(const std::string& name) {
+        const auto users = store_.child(Store::root, "users");
+        return users ? store_.childInOtherCase(*users, name) : std::nullopt;
+    }
+
+    /// One of two such users would have the other's password, and take it along when it is deleted.
+    void checkOtherUsers(const std::string& name) {
+        if (const auto other = isUser() ? otherUser(name) : std::nullopt) {
             throw Refusal("there is a user called " + *other +
                           ", and the case of letters does not tell users apart; choose another name");
         }
     }
 
-    /// Done before the commit, so that no other writer comes between. Lists that are written in vain are
-    /// written anew at the next change; a password that is forgotten cannot be brought back, so that comes
-    /// last.
+    /// Done before the commit, so that no other writer comes between. The password comes last: lists can be
+    /// written again, a password that is forgotten cannot be brought back.
     void tellServer() {
         const platform::SambaAccounts accounts{platform::EmbeddedRoot(place_.root)};
         if (!accounts.exists() || !reachesLists()) {
             return;
         }
-        check(accounts.writeAccountLists(store_));
-        if (losesUser_ && !isUserInOtherCase(request_.path.back())) {
-            check(accounts.removeUser(request_.path.back()));
+        std::string failure = accounts.writeAccountLists(store_);
+        if (failure.empty() && losesPassword_) {
+            failure = accounts.removeUser(request_.path.back());
         }
-    }
-
-    /// Directories made before such names were refused may hold them.
-    [[nodiscard]] bool isUserInOtherCase(const std::string& name) {
-        const auto users = store_.child(Store::root, "users");
-        return users && store_.childInOtherCase(*users, name);
+        if (!failure.empty()) {
+            store_.undo();
+            // One of the lists may be written; where it cannot be written back, the first failure says why.
+            static_cast<void>(accounts.writeAccountLists(store_));
+            throw Refusal(failure);
+        }
     }
 
     /// Writing the lists takes as long as there are accounts: a property that they do not hold must not cost
@@ -225,7 +228,7 @@ class Change {
     const DirectoryPlace& place_;
     Store store_;
     bool isChanged_ = false;
-    bool losesUser_ = false;
+    bool losesPassword_ = false; ///< an entry of the password database has no user any more
 };
 
 std::optional<Request> parse(std::span<const std::string> words) {

@@ -42,12 +42,12 @@ struct Store::Connection {
 namespace {
 
 /// SQLite answers a missing file and a forbidden one alike, and people need to know which it is.
-std::string reason(const std::string& file, int error) {
+std::string reason(const std::string& file, int error, int patience) {
     std::error_code ignored;
     switch (error & 0xff) {
     case SQLITE_BUSY:
     case SQLITE_LOCKED:
-        return "another program has been using it for " + std::to_string(Store::waitSeconds) +
+        return "another program has been using it for " + std::to_string(patience) +
                " seconds; try again when it has ended";
     case SQLITE_NOTADB:
     case SQLITE_CORRUPT:
@@ -76,10 +76,10 @@ StoredProperty& propertyIn(std::vector<StoredProperty>& properties, std::string_
 
 } // namespace
 
-Store::Store(const std::string& file, Opening opening)
-    : file_(file), connection_(std::make_unique<Connection>()) {
+Store::Store(const std::string& file, Opening opening, int patience)
+    : file_(file), patience_(patience), connection_(std::make_unique<Connection>()) {
     open(opening);
-    sqlite3_busy_timeout(connection_->database.get(), waitSeconds * 1000);
+    sqlite3_busy_timeout(connection_->database.get(), patience * 1000);
     execute("BEGIN EXCLUSIVE");
     if (opening == Opening::Create) {
         create();
@@ -135,7 +135,7 @@ void Store::check(int error) const {
 }
 
 void Store::fail(int error) const {
-    throw StoreError("cannot change the directory " + file_ + ": " + reason(file_, error));
+    throw StoreError("cannot change the directory " + file_ + ": " + reason(file_, error, patience_));
 }
 
 std::optional<Store::Record> Store::child(Record parent, std::string_view name) {
@@ -254,6 +254,11 @@ void Store::removeProperty(Record record, std::string_view property) {
 
 void Store::commit() {
     execute("COMMIT");
+}
+
+void Store::undo() {
+    execute("ROLLBACK");
+    execute("BEGIN EXCLUSIVE");
 }
 
 } // namespace platform

@@ -26,21 +26,22 @@ class StoreError : public std::runtime_error {
 /// values in order. Texts are bytes. All changes between construction and commit() are one transaction: a
 /// writer that is killed leaves the store as it was or as it was meant to be. Writers wait for each other and
 /// for readers, and readers for them, all at the beginning: the commit then meets nobody who could make it
-/// fail. Every operation throws StoreError when the file cannot be read or written; rules about what may be
-/// written are the tools' own.
+/// fail. So nothing may read the file through another connection while the same thread has a Store. Every
+/// operation throws StoreError when the file cannot be read or written; rules about what may be written are
+/// the tools' own.
 class Store {
   public:
     using Record = std::int64_t;
     static constexpr Record root = 0;
 
-    /// How long a writer waits for others.
+    /// How long a writer waits for others, where it is told nothing else.
     static constexpr int waitSeconds = 30;
 
     enum class Opening { Existing, Create };
 
-    /// Opens `file` and begins the transaction. Throws also when the file is missing, or exists and is to be
-    /// created.
-    explicit Store(const std::string& file, Opening opening = Opening::Existing);
+    /// Opens `file` and begins the transaction, waiting so many seconds for those who use it. Throws also
+    /// when the file is missing, or exists and is to be created.
+    explicit Store(const std::string& file, Opening opening = Opening::Existing, int patience = waitSeconds);
     /// Rolls back what was not committed.
     ~Store();
     Store(const Store&) = delete;
@@ -72,6 +73,8 @@ class Store {
 
     /// Ends the transaction. On a throw nothing was changed.
     void commit();
+    /// Takes back all changes and begins anew.
+    void undo();
 
   private:
     struct Connection;
@@ -85,6 +88,7 @@ class Store {
     void save(Record record, std::span<const StoredProperty> properties);
 
     std::string file_;
+    int patience_;
     std::unique_ptr<Connection> connection_;
 };
 

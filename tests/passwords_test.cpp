@@ -1,0 +1,123 @@
+#include "RootFixture.h"
+#include "ni.h"
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+
+#include <unistd.h>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+std::string contents(const fs::path& file) {
+    std::ifstream in(file, std::ios::binary);
+    return {std::istreambuf_iterator<char>(in), {}};
+}
+
+bool contains(const std::string& text, const std::string& part) {
+    return text.find(part) != std::string::npos;
+}
+
+} // namespace
+
+TEST_F(Root, PasswordsGoToTheRootsOwnServerAndLeaveWithTheUser) {
+    root.makeIfMissing();
+    EXPECT_TRUE(contains(dscl("/Users/alice", "secret"), "there is no such user"));
+    EXPECT_TRUE(contains(dscl("/Groups/alice", "secret"), "/Users/NAME"));
+    nicl({"-create", "/users/alice"});
+    nicl({"-create", "/users/alice", "uid", "70501"});
+    nicl({"-create", "/users/alice", "gid", "70501"});
+    EXPECT_TRUE(contains(dscl("/Users/alice", "two\nlines"), "control character"));
+    if (platform::SambaAccounts::wrapperLibrary().empty() || access("/usr/bin/pdbedit", X_OK) != 0) {
+        EXPECT_TRUE(contains(dscl("/Users/alice", "secret"), "install the package"));
+        GTEST_SKIP() << "Samba or libnss-wrapper is not installed";
+    }
+    EXPECT_TRUE(contains(dscl("/Users/alice", std::string(300, 'x')), "longer than"));
+    EXPECT_EQ(dscl("/Users/alice", "secret"), "");
+    EXPECT_TRUE(contains(passwordDatabase(), "alice:70501:"));
+    EXPECT_EQ(nicl({"-create", "/users/alice", "name", "eve"}), "");
+    EXPECT_FALSE(contains(passwordDatabase(), "70501"));
+    EXPECT_EQ(dscl("/Users/eve", "secret"), "");
+    EXPECT_EQ(nicl({"-create", "/users/eve", "name", "Eve"}), "");
+    EXPECT_EQ(dscl("/Users/Eve", "secret"), "");
+    EXPECT_TRUE(contains(passwordDatabase(), "Eve:70501:"));
+    EXPECT_EQ(nicl({"-delete", "/users/Eve"}), "");
+    EXPECT_EQ(passwordDatabase(), "");
+    fs::remove_all(root.sambaFolder());
+    nicl({"-create", "/users/alice"});
+    EXPECT_TRUE(contains(dscl("/Users/alice", "secret"), "has no password database"));
+}
+
+/// A root with the user alice, who has a password.
+class RootWithPassword : public Root {
+  protected:
+    void SetUp() override {
+        if (platform::SambaAccounts::wrapperLibrary().empty() || access("/usr/bin/pdbedit", X_OK) != 0) {
+            GTEST_SKIP() << "Samba or libnss-wrapper is not installed";
+        }
+        root.makeIfMissing();
+        nicl({"-create", "/users/alice"});
+        nicl({"-create", "/users/alice", "uid", "70501"});
+        nicl({"-create", "/users/alice", "gid", "70501"});
+        ASSERT_EQ(dscl("/Users/alice", "secret"), "");
+        ASSERT_TRUE(hasPassword());
+    }
+
+    [[nodiscard]] bool hasPassword() const { return contains(passwordDatabase(), "alice:"); }
+
+    [[nodiscard]] bool isListed() const {
+        return contains(contents(server.passwdFile()), "\nalice:x:70501:");
+    }
+
+    [[nodiscard]] std::string deleteAlice(int waitSeconds) const {
+        DirectoryPlace place = DirectoryPlace::ofRoot(root.folder());
+        place.waitSeconds = waitSeconds;
+        return runNicl(place, std::vector<std::string>{".", "-delete", "/users/alice"}).output;
+    }
+
+    platform::SambaAccounts server{root};
+};
+
+TEST_F(RootWithPassword, KeepsItWhenTheUserCannotBeDeleted) {
+    ni_domain* reader = nullptr;
+    ni_id id;
+    ASSERT_EQ(ni_openfile(root.storeFile(), &reader), NI_OK);
+    ASSERT_EQ(ni_root(reader, &id), NI_OK);
+    EXPECT_TRUE(contains(deleteAlice(0), "another program has been using it"));
+    ni_free(reader);
+    EXPECT_TRUE(hasPassword());
+
+    fs::remove(server.groupFile());
+    fs::create_directory(server.groupFile());
+    EXPECT_TRUE(contains(deleteAlice(1), "cannot write " + server.groupFile()));
+    EXPECT_TRUE(hasPassword());
+    EXPECT_TRUE(isListed());
+    fs::remove(server.groupFile());
+
+    const fs::path database = root.sambaFolder() + "/private/passdb.tdb";
+    fs::rename(database, database.string() + ".away");
+    fs::create_directory(database);
+    EXPECT_TRUE(contains(deleteAlice(1), "did not forget the password"));
+    fs::remove(database);
+    fs::rename(database.string() + ".away", database);
+    EXPECT_TRUE(hasPassword());
+    EXPECT_TRUE(isListed()) << "who is still a user of the directory is one of the server's";
+
+    EXPECT_EQ(deleteAlice(1), "");
+    EXPECT_FALSE(hasPassword());
+    EXPECT_FALSE(isListed());
+}
+
+TEST_F(RootWithPassword, KeepsItUntilNobodyOfThatNameInAnyCaseIsLeft) {
+    {
+        platform::Store store(root.storeFile()); // as directories were filled before nicl refused such names
+        store.addRecord(store.child(platform::Store::root, "users").value(), "ALICE");
+        store.commit();
+    }
+    EXPECT_EQ(nicl({"-delete", "/users/ALICE"}), "");
+    EXPECT_TRUE(hasPassword());
+    EXPECT_EQ(deleteAlice(1), "");
+    EXPECT_FALSE(hasPassword());
+}

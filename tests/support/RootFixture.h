@@ -1,0 +1,41 @@
+#pragma once
+
+#include "CapturedRun.h"
+#include "DirectoryTools.h"
+#include "EmbeddedRoot.h"
+#include "SambaAccounts.h"
+#include "TestHost.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+/// An embedded root that is not made yet, and the tools that work on it.
+class Root : public testing::Test {
+  protected:
+    std::string nicl(std::vector<std::string> words) const {
+        words.insert(words.begin(), ".");
+        return runNicl(DirectoryPlace::ofRoot(root.folder()), words).output;
+    }
+
+    [[nodiscard]] std::string dscl(const std::string& path, const std::string& password) const {
+        return runDscl(DirectoryPlace::ofRoot(root.folder()),
+                       std::vector<std::string>{".", "-passwd", path, password})
+            .output;
+    }
+
+    /// The users in the root's password database, one a line.
+    [[nodiscard]] std::string passwordDatabase() const {
+        const platform::SambaAccounts accounts(root);
+        return platform::runCaptured({"/usr/bin/pdbedit", "-s", root.sambaFolder() + "/accounts.conf", "-L"},
+                                     {"LD_PRELOAD=libnss_wrapper.so",
+                                      "NSS_WRAPPER_PASSWD=" + accounts.passwdFile(),
+                                      "NSS_WRAPPER_GROUP=" + accounts.groupFile()},
+                                     {})
+            .output;
+    }
+
+    TestHost host;
+    platform::EmbeddedRoot root{(host.root() / "new root").string()};
+};
