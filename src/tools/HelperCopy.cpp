@@ -114,7 +114,8 @@ FileDescriptor openTarget(const Place& place) {
 /// it.
 class WaitingFile {
   public:
-    /// A copy of `source` for the file `name` of the place, with the owner and mode of `like`.
+    /// A copy of `source`, empty without one, for the file `name` of the place, with the owner and mode of
+    /// `like`.
     WaitingFile(const Place& place, const FileDescriptor& source, const std::string& name,
                 const std::optional<struct stat>& like)
         : place_(place), name_(name) {
@@ -178,7 +179,7 @@ class WaitingFile {
     void fill(const FileDescriptor& source) {
         std::array<char, 65536> buffer{};
         off_t offset = 0; // the source is read more than once
-        while (true) {
+        while (source.isOpen()) {
             const ssize_t count = ::pread(source.get(), buffer.data(), buffer.size(), offset);
             if (count == 0) {
                 return;
@@ -223,8 +224,9 @@ class WaitingFile {
     FileDescriptor file_;
 };
 
-/// Keeps the text that is about to be replaced, and the first of all under a name that nothing writes again.
-void keepReplaced(const Place& place, const FileDescriptor& target, const struct stat& status) {
+/// Keeps the first text of all under a name that nothing writes again. Where there is none yet, an empty one
+/// stands for it: without it the next copy would take Brindle's own text for the first.
+void keepFirst(const Place& place, const FileDescriptor& target, const std::optional<struct stat>& status) {
     const std::string first = place.name + ".before-brindle";
 
     struct stat existing {};
@@ -232,7 +234,6 @@ void keepReplaced(const Place& place, const FileDescriptor& target, const struct
     if (::fstatat(place.folder.get(), first.c_str(), &existing, AT_SYMLINK_NOFOLLOW) != 0) {
         WaitingFile(place, target, first, status).takeFreeName();
     }
-    WaitingFile(place, target, place.name + ".previous", status).replace();
 }
 
 void copy(const std::string& source, const std::string& target, uid_t user) {
@@ -245,8 +246,9 @@ void copy(const std::string& source, const std::string& target, uid_t user) {
     }
     // The new file first: where there is no room for it, nothing has been touched.
     WaitingFile replacement(place, from, place.name, status);
+    keepFirst(place, old, status);
     if (status) {
-        keepReplaced(place, old, *status);
+        WaitingFile(place, old, place.name + ".previous", status).replace();
     }
     replacement.replace();
     ::fsync(place.folder.get()); // some file systems cannot; the file is whole either way

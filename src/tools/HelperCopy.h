@@ -11,6 +11,6 @@
 /// `source` must be a regular file that belongs to `user`, and no link. `target` is replaced in one step, so
 /// that a server reads the old text or the new one, never a part; where it is a link, the file that it names
 /// is. The new file takes the old one's owner and mode, 0644 where there was none. Beside it stay
-/// NAME.before-brindle, the text that was there before the first copy of all, and NAME.previous, the text
-/// replaced last. On failure the target is as it was.
+/// NAME.before-brindle, the text that was there before the first copy of all (empty where there was no file),
+/// and NAME.previous, the text replaced last. On failure the target is as it was.
 [[nodiscard]] HelperComplaint copyIntoPlace(const std::string& source, const std::string& target, uid_t user);
