@@ -2,10 +2,12 @@
 
 #include "ConsentAuthority.h"
 #include "EmbeddedRoot.h"
+#include "HelperFolders.h"
 #include "Host.h"
 #include "NSFileManager.h"
 #include "NiutilTask.h"
 #include "SambaAccounts.h"
+#include "ScratchAdministrator.h"
 #include "Subprocess.h"
 #include "SudoAuthority.h"
 #include "TestHost.h"
@@ -16,7 +18,6 @@
 #include <csignal>
 #include <filesystem>
 #include <fstream>
-#include <random>
 
 #include <pwd.h>
 #include <sys/stat.h>
@@ -85,8 +86,6 @@ TEST_F(HelperTest, RefusesWhatIsNotForSharingAndSaysWhy) {
         {"/bin/chmod", {"755", "/home/"}, "folder of the system"},
         {"/bin/chmod", {"755", "/usr/bin"}, "folder of the system"},
         {"/usr/sbin/chown", {":", "/var"}, "folder of the system"},
-        {"/usr/sbin/chown", {":", "/run"}, "folder of the system"},
-        {"/usr/sbin/chown", {":", "/tmp"}, "folder of the system"},
         {"/bin/chmod", {"600", (test_.root() / "file").string()}, "Not a directory"},
         {"/bin/chmod", {"-R", shared.string()}, "no mode"},
         {"/bin/chmod", {"1777", shared.string()}, "no mode"},
@@ -105,6 +104,28 @@ TEST_F(HelperTest, RefusesWhatIsNotForSharingAndSaysWhy) {
         const std::string said = run(each.tool, each.arguments);
         EXPECT_NE(said.find(each.why), std::string::npos) << each.tool << " said: " << said;
     }
+}
+
+TEST(SystemFolders, AreThoseThatProgramsOfAllUsersCountOn) {
+    struct Case {
+        const char* path;
+        bool isOfTheSystem;
+    };
+
+    const std::vector<Case> cases = {
+        {"/tmp", true},         {"/tmp/docs", false},     {"/tmpdocs", false},
+        {"/var/lib", true},     {"/var/lib/docs", false}, {"/run", true},
+        {"/run/sudo/ts", true}, {"/run/media", true},     {"/run/media/ada/Stick", false},
+        {"/running", false},    {"/etc/samba", true},     {"/etcetera", false},
+        {"/srv", false},        {"/mnt", false},          {"/home/ada", false},
+    };
+
+    const struct stat other {}; // of no folder
+
+    for (const Case& each : cases) {
+        EXPECT_EQ(isSystemFolder(each.path, other), each.isOfTheSystem) << each.path;
+    }
+    EXPECT_TRUE(isSystemFolder("/mnt/elsewhere", statusOf("/tmp"))) << "the same folder under another path";
 }
 
 TEST_F(HelperTest, ChangesAFoldersModeBelow01000Only) {
@@ -171,6 +192,7 @@ TEST_F(HelperTest, FollowsALinkAtTheTargetToItsFileEvenToOneThatIsMissing) {
         EXPECT_EQ(contentsOfFile(real.string()).bytes, text);
     }
     EXPECT_EQ(modeOf(real), 0644U);
+    EXPECT_EQ(contentsOfFile(real.string() + ".before-brindle").bytes, "") << "there was no file";
     EXPECT_EQ(contentsOfFile(real.string() + ".previous").bytes, "first");
     fs::remove_all(real.parent_path());
     EXPECT_NE(run("/bin/cp", {source_, "/etc/smb.conf"}), "") << "no folder to write to";
@@ -274,69 +296,6 @@ TEST_F(HelperTest, StartsNothingForARequestThatItRefuses) {
     }
     EXPECT_EQ(runProgram({kHelper, "--root", root_.folder()}, good).output, "\x06");
 }
-
-/// An account of this computer that may use sudo with its password, for as long as the test takes.
-class ScratchAdministrator {
-  public:
-    ScratchAdministrator() {
-        for (const char* tool : {"/usr/bin/sudo", "/usr/sbin/useradd", "/usr/sbin/chpasswd"}) {
-            if (::access(tool, X_OK) != 0) {
-                missing_ = std::string(tool) + " is not installed";
-                return;
-            }
-        }
-        if (::getuid() != 0) {
-            missing_ = "only root makes the account that this needs";
-        } else if (runProgram({"/usr/sbin/useradd", "-M", name_}).status != 0 ||
-                   runProgram({"/usr/sbin/chpasswd"}, name_ + ":" + password_ + "\n").status != 0) {
-            missing_ = "no account can be made on this computer";
-        } else {
-            std::ofstream(rule_) << name_ << " ALL=(ALL) ALL\n";
-            ::chmod(rule_.c_str(), 0440);
-        }
-    }
-
-    ~ScratchAdministrator() {
-        fs::remove(rule_);
-        static_cast<void>(runProgram({"/usr/sbin/userdel", name_}));
-    }
-
-    ScratchAdministrator(const ScratchAdministrator&) = delete;
-    ScratchAdministrator& operator=(const ScratchAdministrator&) = delete;
-
-    [[nodiscard]] const std::string& missing() const { return missing_; }
-
-    [[nodiscard]] const std::string& password() const { return password_; }
-
-    /// Does `work` as the account, in a process of its own. True when it answers true.
-    template <class Work>
-    [[nodiscard]] bool does(Work work) const {
-        const passwd account = *::getpwnam(name_.c_str());
-        const pid_t child = ::fork();
-        if (child == 0) {
-            const bool became = ::setgid(account.pw_gid) == 0 && ::setuid(account.pw_uid) == 0;
-            ::_exit(became && work() ? 0 : 1);
-        }
-        int status = 0;
-        return ::waitpid(child, &status, 0) == child && status == 0;
-    }
-
-  private:
-    /// Nobody knows it: a test that is killed leaves the account behind.
-    static std::string randomPassword() {
-        std::random_device random;
-        std::string text;
-        for (int part = 0; part < 4; ++part) {
-            text += std::to_string(random());
-        }
-        return text;
-    }
-
-    std::string name_ = "brindle-t" + std::to_string(::getpid() % 100000);
-    fs::path rule_ = "/etc/sudoers.d/" + name_;
-    std::string password_ = randomPassword();
-    std::string missing_;
-};
 
 TEST_F(HelperTest, ActsAsRootThroughTheRealSudoOnceThePasswordIsRight) {
     const ScratchAdministrator administrator;

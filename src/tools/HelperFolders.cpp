@@ -18,30 +18,21 @@ using platform::FileDescriptor;
 namespace {
 
 /// Nothing at or below these is for sharing. The last four lead into /usr on most computers, not on all.
-constexpr std::array<std::string_view, 10> kSystemTrees = {"/etc", "/usr", "/boot", "/dev", "/proc",
-                                                           "/sys", "/bin", "/sbin", "/lib", "/lib64"};
-/// These hold folders that may be shared, but are the system's themselves.
-constexpr std::array<std::string_view, 10> kSystemFolders = {
-    "/", "/var", "/home", "/root", "/tmp", "/run", "/run/user", "/run/media", "/var/lib", "/var/tmp"};
+constexpr std::array<std::string_view, 11> kSystemTrees = {"/etc", "/usr", "/boot", "/dev", "/proc", "/sys",
+                                                           "/run", "/bin", "/sbin", "/lib", "/lib64"};
+/// Except for the volumes that people plug in.
+constexpr std::string_view kVolumes = "/run/media/";
+/// These hold folders that may be shared, but programs of all users count on their own mode. /srv and /mnt
+/// are the administrator's.
+constexpr std::array<std::string_view, 12> kSystemFolders = {
+    "/",        "/var", "/var/cache", "/var/lib", "/var/log", "/var/spool",
+    "/var/tmp", "/tmp", "/opt",       "/media",   "/home",    "/root"};
 
 bool isSameFolder(const struct stat& status, std::string_view path) {
     struct stat other {};
 
     return ::stat(std::string(path).c_str(), &other) == 0 && other.st_dev == status.st_dev &&
            other.st_ino == status.st_ino;
-}
-
-/// `path` is resolved: it holds no links. The folder is compared too, because a mount can show it under
-/// another path.
-bool isSystemFolder(const std::string& path, const struct stat& status) {
-    const auto isInTree = [&](std::string_view tree) {
-        const bool isBelow = path.starts_with(tree) && path.size() > tree.size() && path[tree.size()] == '/';
-        return path == tree || isBelow || isSameFolder(status, tree);
-    };
-    return std::ranges::any_of(kSystemTrees, isInTree) ||
-           std::ranges::any_of(kSystemFolders, [&](std::string_view each) {
-               return path == each || isSameFolder(status, each);
-           });
 }
 
 struct OpenFolder {
@@ -78,6 +69,17 @@ template <class Id>
 constexpr Id unchanged = static_cast<Id>(-1);
 
 } // namespace
+
+bool isSystemFolder(const std::string& path, const struct stat& status) {
+    const auto isInTree = [&](std::string_view tree) {
+        const bool isBelow = path.starts_with(tree) && path.size() > tree.size() && path[tree.size()] == '/';
+        return path == tree || (isBelow && !path.starts_with(kVolumes)) || isSameFolder(status, tree);
+    };
+    return std::ranges::any_of(kSystemTrees, isInTree) ||
+           std::ranges::any_of(kSystemFolders, [&](std::string_view each) {
+               return path == each || isSameFolder(status, each);
+           });
+}
 
 HelperComplaint changeOwner(const std::string& ownerAndGroup, const std::string& folder,
                             const platform::DirectoryAccounts& accounts) {

@@ -1,0 +1,101 @@
+#pragma once
+
+#include "Subprocess.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <random>
+#include <string>
+
+#include <cctype>
+#include <pwd.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+/// An account of this computer that may use sudo with its password, for as long as the test takes.
+class ScratchAdministrator {
+  public:
+    ScratchAdministrator() {
+        for (const char* tool : {"/usr/bin/sudo", "/usr/sbin/useradd", "/usr/sbin/chpasswd"}) {
+            if (::access(tool, X_OK) != 0) {
+                missing_ = std::string(tool) + " is not installed";
+                return;
+            }
+        }
+        if (::getuid() != 0) {
+            missing_ = "only root makes the account that this needs";
+            return;
+        }
+        removeLeftOver();
+        if (runProgram({"/usr/sbin/useradd", "-M", name_}).status != 0 ||
+            runProgram({"/usr/sbin/chpasswd"}, name_ + ":" + password_ + "\n").status != 0) {
+            missing_ = "no account can be made on this computer";
+        } else {
+            std::ofstream(kRules / name_) << name_ << " ALL=(ALL) ALL\n";
+            ::chmod((kRules / name_).c_str(), 0440);
+        }
+    }
+
+    ~ScratchAdministrator() {
+        if (::getuid() == 0) {
+            remove(name_);
+        }
+    }
+
+    ScratchAdministrator(const ScratchAdministrator&) = delete;
+    ScratchAdministrator& operator=(const ScratchAdministrator&) = delete;
+
+    [[nodiscard]] const std::string& missing() const { return missing_; }
+
+    [[nodiscard]] const std::string& password() const { return password_; }
+
+    /// Does `work` as the account, in a process of its own. True when it answers true.
+    template <class Work>
+    [[nodiscard]] bool does(Work work) const {
+        const passwd account = *::getpwnam(name_.c_str());
+        const pid_t child = ::fork();
+        if (child == 0) {
+            const bool became = ::setgid(account.pw_gid) == 0 && ::setuid(account.pw_uid) == 0;
+            ::_exit(became && work() ? 0 : 1);
+        }
+        int status = 0;
+        return ::waitpid(child, &status, 0) == child && status == 0;
+    }
+
+  private:
+    static void remove(const std::string& name) {
+        std::filesystem::remove(kRules / name);
+        static_cast<void>(runProgram({"/usr/sbin/userdel", name}));
+    }
+
+    /// Takes away the accounts of tests that were killed: those whose number is no process any more.
+    static void removeLeftOver() {
+        for (const auto& rule : std::filesystem::directory_iterator(kRules)) {
+            const std::string name = rule.path().filename();
+            const std::string number = name.starts_with(kPrefix) ? name.substr(kPrefix.size()) : "";
+            if (!number.empty() && std::ranges::all_of(number, ::isdigit) &&
+                !std::filesystem::exists("/proc/" + number)) {
+                remove(name);
+            }
+        }
+    }
+
+    static inline const std::string kPrefix = "brindle-t";
+    static inline const std::filesystem::path kRules = "/etc/sudoers.d";
+
+    /// Nobody knows it: a test that is killed leaves the account behind until the next one.
+    static std::string randomPassword() {
+        std::random_device random;
+        std::string text;
+        for (int part = 0; part < 4; ++part) {
+            text += std::to_string(random());
+        }
+        return text;
+    }
+
+    std::string name_ = kPrefix + std::to_string(::getpid());
+    std::string password_ = randomPassword();
+    std::string missing_;
+};
