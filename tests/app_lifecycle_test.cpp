@@ -4,6 +4,7 @@
 #include "NiutilTask.h"
 
 #include <algorithm>
+#include <filesystem>
 #include <limits>
 
 namespace {
@@ -136,6 +137,11 @@ TEST_F(Launch, AHandWrittenConfigurationIsWarnedAboutLineByLine) {
     }
     EXPECT_TRUE(host.alerts.empty());
 
+    host.onRun = [this](const RecordedRun& run) { return carryOut(run); };
+    host.rightHeld = true;
+    send("updateSMBProperties:");
+    EXPECT_EQ(text("smbConfNotice"), "") << "what a write has lost needs no warning";
+
     std::string many = "[Docs]\n";
     for (int line = 0; line < 100; ++line) {
         many += "novalue\n";
@@ -149,6 +155,23 @@ TEST_F(Launch, AHandWrittenConfigurationIsWarnedAboutLineByLine) {
     load();
     controller->applicationDidFinishLaunching();
     EXPECT_EQ(text("smbConfNotice"), "");
+
+    host.write("etc/smb.conf", "[global]\ndos charset = C\nserver string = not shown\n");
+    load();
+    controller->applicationDidFinishLaunching();
+    for (const char* action : {"", "revertSMBProperties:"}) {
+        if (*action != '\0') {
+            send(action);
+        }
+        EXPECT_NE(text("smbConfNotice").find("Only a part"), std::string::npos) << text("smbConfNotice");
+    }
+
+    std::filesystem::remove(host.root() / "etc/smb.conf");
+    std::filesystem::create_directory(host.root() / "etc/smb.conf"); // nobody can read it as a file
+    load();
+    controller->applicationDidFinishLaunching();
+    EXPECT_NE(text("smbConfNotice").find("cannot be read (Is a directory)"), std::string::npos)
+        << text("smbConfNotice");
 }
 
 TEST_F(Launch, TheDrawerStaysClosedOnceAnotherPageWasShown) {

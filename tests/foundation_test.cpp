@@ -208,6 +208,17 @@ TEST(PropertyLists, ABinaryFileIsReadAndWrittenAsXML) {
               "hé");
 }
 
+TEST(PropertyLists, TextsThatXMLCannotHoldDoNotSpoilTheList) {
+    const TestHost host;
+    const std::string file = host.root() / "odd.plist";
+    auto plist = NSMutableDictionary::dictionaryWithData("<plist><dict></dict></plist>").value();
+    plist.setString(std::string("a\x01\0b\xff\xef\xbf\xbf\t\n<h\xc3\xa9>", 15), "loginGreeting");
+    ASSERT_TRUE(plist.writeToFile(file));
+    const std::string none = "\xef\xbf\xbd";
+    EXPECT_EQ(NSMutableDictionary::dictionaryWithContentsOfFile(file).value().stringForKey("loginGreeting"),
+              "a" + none + none + "b" + none + none + "\t\n<h\xc3\xa9>");
+}
+
 TEST(PropertyLists, WhatIsNoDictionaryIsNone) {
     for (const char* bytes :
          {"", "no plist", "<plist><array/></plist>", "<plist><dict><key>a</key>", "bplist00"}) {

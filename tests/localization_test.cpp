@@ -117,8 +117,9 @@ TEST_F(Translation, ReachesEveryTextOfTheWindowsAndTheFirstLaunch) {
     launch();
     expectMarkedAlerts();
     expectMarked(interface->root());
-    for (const char* loss : {"stands outside a section", "is a broken section header",
-                             "has no name or no value", "ends in a backslash"}) {
+    for (const char* loss :
+         {"stands outside a section", "is a broken section header", "has no name or no value",
+          "ends in a backslash and takes in the line after it"}) {
         EXPECT_NE(text("smbConfNotice").find(marked(loss)), std::string::npos) << text("smbConfNotice");
     }
     EXPECT_EQ(columnOf("normalTableView", "Inherit").at(0), marked("No"));

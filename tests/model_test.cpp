@@ -115,6 +115,15 @@ TEST_F(SMBConfTest, NamesTheLinesThatAWriteWouldSpoil) {
                                                               {9, SMBLoss::BrokenHeader},
                                                               {13, SMBLoss::OutsideSection}}));
     EXPECT_TRUE(parse("# c\n[a]\nx = 1\n;[b]\n;y\n").lossNotices().empty());
+    const SMBConf cut = parse("[a]b]\nx = 1\n[]\ny = 1\n");
+    EXPECT_EQ(cut.lossNotices(), (std::vector<SMBLossNotice>{{1, SMBLoss::BrokenHeader}}));
+}
+
+TEST_F(SMBConfTest, AByteOrderMarkIsNoPartOfTheFirstLine) {
+    const SMBConf conf = parse("\xef\xbb\xbf[global]\na = 1\n");
+    ASSERT_NE(conf.Global(), nullptr);
+    EXPECT_EQ(shown(*conf.Global()), "2 global {a=1;} ");
+    EXPECT_TRUE(conf.lossNotices().empty());
 }
 
 TEST_F(SMBConfTest, WritesTheFileInItsOwnLayout) {

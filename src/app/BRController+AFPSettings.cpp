@@ -139,7 +139,11 @@ void BRController::updateAFSProperties(NSControl* /*sender*/) {
         NSLog("The AFP server's settings were not saved because %@ could not be read at the start.",
               settingsFile);
     }
-    if (!afsProps || !afsProps->writeToFile(temporary)) {
+    const bool written = afsProps && afsProps->writeToFile(temporary);
+    if (afsProps && !written) {
+        NSLog("%@ could not be written: %@", temporary, std::strerror(errno));
+    }
+    if (!written) {
         showFailure(
             "The ~/AppleFileServer.plist file write operation was unsuccessful.  Please email %@ with this "
             "information.");

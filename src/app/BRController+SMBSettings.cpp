@@ -171,7 +171,16 @@ void BRController::revertSMBProperties(NSControl* sender) {
     for (NSPopUpButton* menu : {smbSecurity, smbCodePage}) {
         menu->selectItemAtIndex(0);
     }
-    refreshSMBProperties(sender);
+    showSMBSettings(sender);
+}
+
+void BRController::showSMBSettings(NSControl* sender) {
+    const bool whole = guarded([&] { refreshSMBProperties(sender); }, bugMessage(FailedStep::SMBSettings));
+    if (!whole) {
+        smbConfNotice->setStringValue(NSLocalizedString(
+            "Only a part of the SMB settings could be shown.  Saving would change those that are not shown: "
+            "mend the global section of /etc/smb.conf first, and start again."));
+    }
 }
 
 void BRController::updateSMBProperties(NSControl* /*sender*/) {
@@ -203,6 +212,7 @@ void BRController::showSMBWriteResult(int result) {
                         NSLocalizedString("OK"), std::nullopt, std::nullopt,
                         NSBundle::mainBundle().objectForInfoDictionaryKey("BRSupportAddress"));
     }
+    showSMBConfNotice(); // what a write has lost needs no warning any more
 }
 
 void BRController::changeSMBHomeSharing(NSControl* sender) {

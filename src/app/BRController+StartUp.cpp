@@ -20,7 +20,7 @@ constexpr std::size_t namedLossesLimit = 12;
 std::string lossText(SMBLoss loss) {
     switch (loss) {
     case SMBLoss::Continuation:
-        return NSLocalizedString("ends in a backslash");
+        return NSLocalizedString("ends in a backslash and takes in the line after it");
     case SMBLoss::NoValue:
         return NSLocalizedString("has no name or no value");
     case SMBLoss::BrokenHeader:
@@ -71,7 +71,7 @@ void BRController::startUp() {
 
     fillTables();
     guarded([this] { parseAFSProperties(); }, bugMessage(FailedStep::AFPSettings));
-    guarded([this] { refreshSMBProperties(nullptr); }, bugMessage(FailedStep::SMBSettings));
+    showSMBSettings(nullptr);
     remindOfDonation();
 }
 
@@ -134,11 +134,13 @@ void BRController::fillTables() {
     groupUsersTableView->reloadData();
 }
 
-void BRController::guarded(const std::function<void()>& step, const std::string& message) {
+bool BRController::guarded(const std::function<void()>& step, const std::string& message) {
     try {
         step();
+        return true;
     } catch (const std::exception&) {
         NSLog("%@", message);
+        return false;
     }
 }
 
@@ -169,6 +171,14 @@ std::string BRController::bugMessage(FailedStep step) {
 }
 
 void BRController::showSMBConfNotice() {
+    if (!smbConf->unreadableReason().empty()) {
+        smbConfNotice->setStringValue(stringWithFormat(
+            NSLocalizedString(
+                "%@ cannot be read (%@), and nothing will be saved to it.  Make it readable and "
+                "start again."),
+            smbConf->Path(), smbConf->unreadableReason()));
+        return;
+    }
     const std::vector<SMBLossNotice>& losses = smbConf->lossNotices();
     if (losses.empty()) {
         smbConfNotice->setStringValue("");
@@ -184,8 +194,8 @@ void BRController::showSMBConfNotice() {
     }
     smbConfNotice->setStringValue(stringWithFormat(
         NSLocalizedString(
-            "Saving will not keep all of /etc/smb.conf: %@.  The file as it is will stay beside it as "
-            "smb.conf.previous."),
+            "Saving will not keep all of /etc/smb.conf: %@.  The file as it is will then stay beside it as "
+            "smb.conf.previous until you save again: copy it if you need it."),
         lines));
 }
 

@@ -143,8 +143,8 @@ class BRController : public BROutlets,
     enum class FailedStep { Shares, Users, Groups, AFPSettings, SMBSettings };
 
     // Start-up (BRController+StartUp.cpp).
-    /// Runs one step; what it throws is dropped and `message` logged in its place.
-    static void guarded(const std::function<void()>& step, const std::string& message);
+    /// Runs one step; what it throws is dropped and `message` logged in its place. False then.
+    static bool guarded(const std::function<void()>& step, const std::string& message);
     /// The localized log message for a parsing step that failed: what to run or send, and to whom.
     [[nodiscard]] static std::string bugMessage(FailedStep step);
     /// False when this system is too old: the application has been asked to terminate.
@@ -153,8 +153,8 @@ class BRController : public BROutlets,
     void showLockState(bool authenticated);
     void fillTables();
 
-    /// Names the lines of a hand-written smb.conf that the next write would lose; nothing when there are
-    /// none.
+    /// Names the lines of a hand-written smb.conf that the next write would lose, or says that the file
+    /// cannot be read; nothing when all is well.
     void showSMBConfNotice();
 
     // Share inventory.
@@ -217,8 +217,10 @@ class BRController : public BROutlets,
     void showPublicShared(const BRRow* row);
 
     // SMB settings.
-    /// Shows the alert for writeSMBConfFile's result; nothing for 0.
-    static void showSMBWriteResult(int result);
+    /// refreshSMBProperties, guarded; the notice tells when it ended half way.
+    void showSMBSettings(NSControl* sender);
+    /// Shows the alert for writeSMBConfFile's result, none for 0, and the notice anew.
+    void showSMBWriteResult(int result);
 
     // Links.
     void remindOfDonation();

@@ -66,7 +66,7 @@ void SMBConf::parseSMBConfFile() {
         NSLog("The SMB configuration %@ cannot be read (%@) and will not be written.  Make it readable and "
               "start again.",
               _path, std::strerror(contents.error));
-        _unreadable = true;
+        _unreadableReason = std::strerror(contents.error);
     }
     if (contents.bytes) {
         _bytes = std::move(*contents.bytes);
@@ -106,8 +106,8 @@ std::string SMBConf::writtenText() const {
     return text;
 }
 
-int SMBConf::writeSMBConfFile() const {
-    if (_unreadable) {
+int SMBConf::writeSMBConfFile() {
+    if (!_unreadableReason.empty()) {
         NSLog("The SMB configuration %@ was not written because it could not be read at the start.", _path);
         return notWritten;
     }
@@ -120,6 +120,7 @@ int SMBConf::writeSMBConfFile() const {
     if (!NiutilTask::sharedInstance().cp(temporary, _path)) {
         return copyFailed;
     }
+    _lossNotices.clear();
     if (!removeFileAtPath(temporary)) {
         NSLog("%@ could not be removed: %@", temporary, std::strerror(errno));
         return notRemoved;

@@ -14,7 +14,8 @@ enum class SMBLoss {
     Continuation, ///< a line ended by a backslash: it stays, and would swallow the line that is written after
                   ///< it
     NoValue,      ///< a section's line without a key or a value, or cut at the reader's end mark: lost
-    BrokenHeader, ///< a line begins with "[" and is no header; what follows counts to the section before it
+    BrokenHeader, ///< a line begins with "[" and is no header: what follows counts to the section before it;
+                  ///< or its name is cut at a "]" within
     OutsideSection ///< a line that stands in no section: lost
 };
 
@@ -58,8 +59,11 @@ class SMBConf {
     void setGlobal(std::unique_ptr<SMBShare> entry);
     void setHomes(std::unique_ptr<SMBShare> entry);
 
-    /// What a write would lose, in the file's order; found when the file was read.
+    /// What a write would lose, in the file's order; found when the file was read. Empty once it was written.
     [[nodiscard]] const std::vector<SMBLossNotice>& lossNotices() const { return _lossNotices; }
+
+    /// Why a file that exists could not be read; empty when it was read, or is missing.
+    [[nodiscard]] const std::string& unreadableReason() const { return _unreadableReason; }
 
     // Tests of one line, leading white space already gone.
     [[nodiscard]] static bool isCommentGroup(std::string_view line) {
@@ -81,7 +85,7 @@ class SMBConf {
     /// 1 when the copy failed or was refused (the temporary file stays); 2 when the temporary file could not
     /// be written, or the file could not be read at the start; 3 when the temporary file could not be
     /// removed. The model stays as it is.
-    [[nodiscard]] int writeSMBConfFile() const;
+    [[nodiscard]] int writeSMBConfFile();
 
     /// Creates, updates or removes the section of a share, then writes the file. Answers the write's result,
     /// 0 when there was nothing to write. The change stays in the model when the write fails. The share is
@@ -106,5 +110,5 @@ class SMBConf {
     SMBShare* _global = nullptr;
     SMBShare* _homes = nullptr;
     std::vector<SMBLossNotice> _lossNotices;
-    bool _unreadable = false;
+    std::string _unreadableReason;
 };

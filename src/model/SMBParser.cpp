@@ -62,6 +62,10 @@ void SMBParser::parse() {
 }
 
 bool SMBParser::nextLine() {
+    constexpr std::string_view byteOrderMark = "\xef\xbb\xbf"; // the SMB server passes over one, too
+    if (_position == 0 && _text.starts_with(byteOrderMark)) {
+        _position = byteOrderMark.size();
+    }
     while (_position != _text.size() && isWhiteSpace(_text[_position])) {
         ++_position;
     }
@@ -108,6 +112,9 @@ void SMBParser::parseLine() {
     } else if (SMBConf::isGroup(_line)) {
         beginEntry(SMBGroup);
         const std::string_view name = headerName(_line, 1);
+        if (_line.find(']') + 1 != _line.size()) {
+            note(SMBLoss::BrokenHeader);
+        }
         _current->setShareName(std::string(name));
         global = name == "global" ? _current.get() : global;
         homes = name == "homes" ? _current.get() : homes;

@@ -185,7 +185,8 @@ void NSMutableDictionary::setInt(std::int32_t value, const std::string& key) {
 }
 
 void NSMutableDictionary::setString(const std::string& value, const std::string& key) {
-    node_->set(plist_new_string(value.c_str()), key);
+    // Other readers refuse a whole list for one such character.
+    node_->set(plist_new_string(stringForXML(value).c_str()), key);
 }
 
 std::string NSMutableDictionary::xmlText() const {

@@ -111,6 +111,22 @@ std::vector<std::string> componentsSeparatedByString(std::string_view text, std:
     }
 }
 
+std::string stringForXML(std::string_view text) {
+    constexpr std::string_view lineCharacters = "\t\n\r";
+    std::string answer;
+    answer.reserve(text.size());
+    for (std::size_t index = 0; index < text.size();) {
+        const std::size_t length = characterLength(text, index);
+        const std::string_view character = text.substr(index, std::max<std::size_t>(length, 1));
+        const bool isControl = static_cast<unsigned char>(character.front()) < 0x20 &&
+                               lineCharacters.find(character.front()) == std::string_view::npos;
+        const bool isNone = length == 0 || character == "\xef\xbf\xbe" || character == "\xef\xbf\xbf";
+        answer += isControl || isNone ? std::string_view("\xef\xbf\xbd") : character;
+        index += character.size();
+    }
+    return answer;
+}
+
 bool isValidUTF8(std::string_view text) {
     for (std::size_t index = 0; index < text.size();) {
         const std::size_t length = characterLength(text, index);

@@ -20,6 +20,9 @@
 
 /// True when `text` is well-formed UTF-8.
 [[nodiscard]] bool isValidUTF8(std::string_view text);
+/// The text as an XML document can hold it: control characters but tab and line ends, U+FFFE, U+FFFF and
+/// bytes that are no UTF-8 become U+FFFD (https://www.w3.org/TR/xml/#charsets).
+[[nodiscard]] std::string stringForXML(std::string_view text);
 
 /// The number of UTF-16 units that `text` takes. A byte that is not UTF-8 counts as one.
 [[nodiscard]] std::size_t utf16Length(std::string_view text);
