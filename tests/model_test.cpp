@@ -115,8 +115,12 @@ TEST_F(SMBConfTest, NamesTheLinesThatAWriteWouldSpoil) {
                                                               {9, SMBLoss::BrokenHeader},
                                                               {13, SMBLoss::OutsideSection}}));
     EXPECT_TRUE(parse("# c\n[a]\nx = 1\n;[b]\n;y\n").lossNotices().empty());
-    const SMBConf cut = parse("[a]b]\nx = 1\n[]\ny = 1\n");
-    EXPECT_EQ(cut.lossNotices(), (std::vector<SMBLossNotice>{{1, SMBLoss::BrokenHeader}}));
+    const SMBConf cut = parse("[a]b]\nx = 1\n[]\ny = 1\n;[c] \n;[d\n#[e] f\n");
+    EXPECT_EQ(cut.lossNotices(),
+              (std::vector<SMBLossNotice>{{1, SMBLoss::BrokenHeader}, {7, SMBLoss::BrokenHeader}}));
+    const SMBConf sleeping = parse(";[homes]\n;a = 1 \\\n;b = 2\n;[Homes]\n;a = 1 \\\n;b = 2\n");
+    EXPECT_EQ(sleeping.lossNotices(), (std::vector<SMBLossNotice>{{2, SMBLoss::Continuation}}))
+        << "only the section that the home folders' check box can bring to life";
 }
 
 TEST_F(SMBConfTest, AByteOrderMarkIsNoPartOfTheFirstLine) {
@@ -174,6 +178,7 @@ TEST_F(SMBConfTest, AFileThatCannotBeReadIsNeverReplaced) {
     SMBConf conf;
     ASSERT_EQ(host.log.size(), 1U);
     EXPECT_NE(host.log.front().find("/etc/smb.conf"), std::string::npos);
+    EXPECT_EQ(conf.unreadableReason(), "Is a directory");
     EXPECT_EQ(conf.modifySMBShare("Docs", "/d", 1, 0, 0), 2);
     EXPECT_TRUE(host.runs.empty());
 }
@@ -181,6 +186,7 @@ TEST_F(SMBConfTest, AFileThatCannotBeReadIsNeverReplaced) {
 TEST_F(SMBConfTest, AMissingFileIsMadeByTheFirstShare) {
     SMBConf conf;
     EXPECT_TRUE(host.log.empty());
+    EXPECT_EQ(conf.unreadableReason(), "");
     copy();
     EXPECT_EQ(conf.modifySMBShare("Docs", "/d", 1, 0, 0), 0);
     EXPECT_TRUE(host.read("etc/smb.conf").starts_with("\n\n[Docs]\npath = /d\n"));
@@ -221,14 +227,16 @@ TEST_F(SMBConfTest, MapsAShareOntoItsSection) {
     EXPECT_EQ(host.read("etc/smb.conf"), "[Docs]\nguest ok = No\nguest ok = maybe\n\n\n");
 }
 
-TEST_F(SMBConfTest, AFailedWriteKeepsTheChangeForTheNext) {
-    SMBConf conf = parse("[homes]\n[Docs]\n");
+TEST_F(SMBConfTest, AFailedWriteKeepsTheChangeAndTheWarningForTheNext) {
+    SMBConf conf = parse("[homes]\nlost\n[Docs]\n");
     host.onRun = [](const RecordedRun&) { return TestHost::RunAnswer{"cp: no\n", 0}; };
     EXPECT_EQ(conf.modifySMBShare("Docs", "", 0, 0, 0), 1);
+    EXPECT_EQ(conf.lossNotices().size(), 1U);
     copy();
     EXPECT_EQ(conf.modifySMBShare("homes", "", 0, 0, 0), 0);
     EXPECT_EQ(host.read("etc/smb.conf"), "");
     EXPECT_EQ(conf.Homes(), nullptr) << "the entry is gone, and the reference must go with it";
+    EXPECT_TRUE(conf.lossNotices().empty()) << "what could be lost is lost";
 }
 
 TEST(SMBTextTest, ACopyOutlivesTheFile) {

@@ -38,6 +38,12 @@ std::string_view headerName(std::string_view line, std::size_t openingLength) {
     return name.empty() ? line : name;
 }
 
+/// True when a header goes on behind its name: that is not kept.
+bool isCut(std::string_view line) {
+    const std::size_t end = line.find(']');
+    return end != std::string_view::npos && !withoutLeadingWhiteSpace(line.substr(end + 1)).empty();
+}
+
 /// True when a configuration's own reader would join the next line to this one.
 bool isContinued(std::string_view line) {
     while (!line.empty() && isWhiteSpace(line.back())) {
@@ -99,6 +105,9 @@ void SMBParser::beginEntry(std::int32_t type) {
 void SMBParser::parseLine() {
     if (SMBConf::isCommentGroup(_line)) {
         beginEntry(SMBCommentGroup);
+        if (isCut(_line)) {
+            note(SMBLoss::BrokenHeader);
+        }
         const std::string_view name = headerName(_line, 2);
         _current->setShareName(std::string(name));
         homes = name == "homes" ? _current.get() : homes;
@@ -111,10 +120,10 @@ void SMBParser::parseLine() {
         _state = State::Comment;
     } else if (SMBConf::isGroup(_line)) {
         beginEntry(SMBGroup);
-        const std::string_view name = headerName(_line, 1);
-        if (_line.find(']') + 1 != _line.size()) {
+        if (isCut(_line)) {
             note(SMBLoss::BrokenHeader);
         }
+        const std::string_view name = headerName(_line, 1);
         _current->setShareName(std::string(name));
         global = name == "global" ? _current.get() : global;
         homes = name == "homes" ? _current.get() : homes;
@@ -177,7 +186,8 @@ void SMBParser::addPair(std::string_view text, bool commentedOut) {
             return;
         }
     }
-    if (!commentedOut && isContinued(value)) {
+    // Home folders that are switched on bring the section's commented-out parameters to life.
+    if (isContinued(value) && (!commentedOut || _current.get() == homes)) {
         note(SMBLoss::Continuation);
     }
     _pairs.emplace_back(withoutBlanks(rest.substr(0, equals)), withoutBlanks(value));
