@@ -186,18 +186,24 @@ TEST(PropertyLists, ChangesKeepTheOrderAndEverythingThatNobodyAskedFor) {
     EXPECT_EQ(NSMutableDictionary::dictionaryWithData(xml).value().xmlText(), xml);
 }
 
-TEST(PropertyLists, ABinaryFileIsReadAndWrittenAsXML) {
-    TestHost host;
+/// A binary property list of one text.
+std::string binaryList(const char* key, const char* text) {
     plist_t root = plist_new_dict();
-    plist_dict_set_item(root, "loginGreeting", plist_new_string("hé"));
+    plist_dict_set_item(root, key, plist_new_string(text));
     char* bytes = nullptr;
     std::uint32_t size = 0;
     plist_to_bin(root, &bytes, &size);
-    const std::string_view binary(bytes, size);
-    ASSERT_TRUE(binary.starts_with("bplist00"));
-    host.write("Library/Preferences/com.apple.AppleFileServer.plist", binary);
+    const std::string binary(bytes, size);
     plist_to_bin_free(bytes);
     plist_free(root);
+    return binary;
+}
+
+TEST(PropertyLists, ABinaryFileIsReadAndWrittenAsXML) {
+    TestHost host;
+    const std::string binary = binaryList("loginGreeting", "hé");
+    ASSERT_TRUE(binary.starts_with("bplist00"));
+    host.write("Library/Preferences/com.apple.AppleFileServer.plist", binary);
     const auto plist = NSMutableDictionary::dictionaryWithContentsOfFile(
         "/Library/Preferences/com.apple.AppleFileServer.plist");
     ASSERT_TRUE(plist);
@@ -208,15 +214,24 @@ TEST(PropertyLists, ABinaryFileIsReadAndWrittenAsXML) {
               "hé");
 }
 
-TEST(PropertyLists, TextsThatXMLCannotHoldDoNotSpoilTheList) {
-    const TestHost host;
-    const std::string file = host.root() / "odd.plist";
-    auto plist = NSMutableDictionary::dictionaryWithData("<plist><dict></dict></plist>").value();
-    plist.setString(std::string("a\x01\0b\xff\xef\xbf\xbf\t\n<h\xc3\xa9>", 15), "loginGreeting");
-    ASSERT_TRUE(plist.writeToFile(file));
+TEST(PropertyLists, CharactersThatXMLHasNotAreReplacedInWhatIsWritten) {
     const std::string none = "\xef\xbf\xbd";
-    EXPECT_EQ(NSMutableDictionary::dictionaryWithContentsOfFile(file).value().stringForKey("loginGreeting"),
-              "a" + none + none + "b" + none + none + "\t\n<h\xc3\xa9>");
+    const std::vector<std::pair<std::string, std::string>> texts{
+        {"\t\n<h\xc3\xa9>\xf0\x9f\x98\x80", "\t\n<h\xc3\xa9>\xf0\x9f\x98\x80"},
+        {std::string("a\0b\x01\x1f", 5), "a" + none + "b" + none + none},
+        {"\xef\xbf\xbe\xef\xbf\xbf", none + none},
+        {"\xff\xc3", none + none},
+    };
+    for (const auto& [text, kept] : texts) {
+        NSMutableDictionary plist;
+        plist.setString(text, "loginGreeting");
+        const auto again = NSMutableDictionary::dictionaryWithData(plist.xmlText());
+        EXPECT_EQ(again.value().stringForKey("loginGreeting"), kept);
+    }
+    const auto binary = NSMutableDictionary::dictionaryWithData(binaryList("k\x02", "v\x03"));
+    const std::string xml = binary.value().xmlText();
+    EXPECT_NE(xml.find("<key>k" + none + "</key>"), std::string::npos) << xml;
+    EXPECT_NE(xml.find("<string>v" + none + "</string>"), std::string::npos) << xml;
 }
 
 TEST(PropertyLists, WhatIsNoDictionaryIsNone) {

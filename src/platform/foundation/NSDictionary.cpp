@@ -7,6 +7,7 @@
 #include <array>
 #include <charconv>
 #include <cmath>
+#include <concepts>
 #include <limits>
 #include <stdexcept>
 #include <utility>
@@ -38,6 +39,16 @@ bool booleanIn(plist_t item) {
     std::uint8_t value = 0;
     plist_get_bool_val(item, &value);
     return value != 0;
+}
+
+/// A newer libplist has a call for signed numbers and writes a negative one that comes by the other as a
+/// large one; an older one has the other call only.
+plist_t newInteger(std::signed_integral auto value) {
+    if constexpr (requires { plist_new_int(value); }) {
+        return plist_new_int(value);
+    } else {
+        return plist_new_uint(static_cast<std::uint64_t>(value));
+    }
 }
 
 std::string textIn(plist_t item) {
@@ -181,11 +192,11 @@ void NSMutableDictionary::setBool(bool value, const std::string& key) {
 }
 
 void NSMutableDictionary::setInt(std::int32_t value, const std::string& key) {
-    node_->set(plist_new_uint(static_cast<std::uint64_t>(std::int64_t{value})), key);
+    node_->set(newInteger(std::int64_t{value}), key);
 }
 
 void NSMutableDictionary::setString(const std::string& value, const std::string& key) {
-    // Other readers refuse a whole list for one such character.
+    // What xmlText could not write, a NUL among it: libplist would end the text there.
     node_->set(plist_new_string(stringForXML(value).c_str()), key);
 }
 
@@ -197,7 +208,8 @@ std::string NSMutableDictionary::xmlText() const {
         throw std::runtime_error("a property list could not be written as XML");
     }
     const std::unique_ptr<char, decltype(&plist_to_xml_free)> owner(xml, &plist_to_xml_free);
-    std::string text(xml, length);
+    // Strict readers refuse a whole list for one character that XML has not, and a binary list may hold any.
+    std::string text = stringForXML({xml, length});
     if (!text.ends_with('\n')) {
         text += '\n';
     }
