@@ -105,6 +105,38 @@ TEST_F(Launch, TheLockFollowsTheAuthorizationUntilTheEnd) {
     EXPECT_EQ(lock(), "unlock Click to disallow changes") << "nobody looks at the lock any more";
 }
 
+TEST_F(Launch, AListThatCannotBeReadIsLoggedAndEmptyAndTheOthersGoOn) {
+    addUser("alice", "501");
+    addGroup("staff", "20");
+    addShare("Docs", "/shares/docs");
+    start();
+    const Texts tables{"normalTableView", "userTableView", "groupTableView", "groupUsersTableView"};
+    const Texts reports{"/config/Brindle name directory_path", "/users name uid sharedDir",
+                        "/groups gid name users", "/users name uid sharedDir"};
+    int asked = 0;
+    host.onReport = [&asked] { ++asked; };
+    controller->applicationDidFinishLaunching();
+    const int before = asked - static_cast<int>(tables.size()); // of the menus, which are filled first
+    for (std::size_t failing = 0; failing < tables.size(); ++failing) {
+        SCOPED_TRACE(tables[failing]);
+        int next = -before;
+        host.onReport = [&next, failing] {
+            if (next++ == static_cast<int>(failing)) {
+                throw std::out_of_range("a piece is missing");
+            }
+        };
+        host.log.clear();
+        controller->applicationDidFinishLaunching();
+        EXPECT_EQ(host.log,
+                  (Texts{"If you are seeing this message a bug has occured.  Please run the following "
+                         "command in the terminal and email the results to " +
+                         infoText("BRSupportAddress") + ".\nnireport . " + reports[failing]}));
+        for (const std::string& table : tables) {
+            EXPECT_EQ(control<NSTableView>(table).numberOfRows(), table == tables[failing] ? 0 : 1) << table;
+        }
+    }
+}
+
 TEST_F(Launch, AStepThatFailsIsLoggedAndTheOthersGoOn) {
     addUser("alice", "501");
     host.write("etc/smb.conf", "[global]\nworkgroup = OFFICE\n[Docs]\npath = /shares/docs\n");
@@ -131,14 +163,13 @@ TEST_F(Launch, AHandWrittenConfigurationIsWarnedAboutLineByLine) {
     host.write("etc/smb.conf", "stray = 1\n[Docs]\npath = /shares/docs\ncomment = a \\\n  b = c\nnovalue\n");
     start();
     const std::string notice = text("smbConfNotice");
-    for (const char* line : {"line 1 stands outside a section", "line 4 ends in a backslash",
+    for (const char* line : {"line 1 stands outside a section",
+                             "line 4 ends in a backslash, so the server will take in the line",
                              "line 6 has no name or no value"}) {
         EXPECT_NE(notice.find(line), std::string::npos) << notice;
     }
     EXPECT_TRUE(host.alerts.empty());
 
-    host.onRun = [this](const RecordedRun& run) { return carryOut(run); };
-    host.rightHeld = true;
     send("updateSMBProperties:");
     EXPECT_EQ(text("smbConfNotice"), "") << "what a write has lost needs no warning";
 
@@ -155,23 +186,46 @@ TEST_F(Launch, AHandWrittenConfigurationIsWarnedAboutLineByLine) {
     load();
     controller->applicationDidFinishLaunching();
     EXPECT_EQ(text("smbConfNotice"), "");
+}
 
+TEST_F(Launch, AConfigurationThatShowsInPartIsWarnedAboutUntilItsSettingsAreSaved) {
     host.write("etc/smb.conf", "[global]\ndos charset = C\nserver string = not shown\n");
-    load();
-    controller->applicationDidFinishLaunching();
-    for (const char* action : {"", "revertSMBProperties:"}) {
-        if (*action != '\0') {
-            send(action);
-        }
-        EXPECT_NE(text("smbConfNotice").find("Only a part"), std::string::npos) << text("smbConfNotice");
-    }
+    start();
+    const std::string notice = "Only a part of the SMB settings could be shown.";
+    EXPECT_TRUE(text("smbConfNotice").starts_with(notice)) << text("smbConfNotice");
+    EXPECT_NE(text("smbConfNotice").find((host.root() / "etc/smb.conf").string()), std::string::npos);
 
-    std::filesystem::remove(host.root() / "etc/smb.conf");
-    std::filesystem::create_directory(host.root() / "etc/smb.conf"); // nobody can read it as a file
+    send("revertSMBProperties:");
+    EXPECT_TRUE(text("smbConfNotice").starts_with(notice)) << text("smbConfNotice");
+    EXPECT_TRUE(isLogged("email a copy of your smb.conf file"));
+
+    type("shareName", "Docs");
+    control<NSTextField>("directory").setStringValue("/shares/docs");
+    control<NSPopUpButton>("sharingSMB").performSelect(1);
+    send("createShare:");
+    EXPECT_NE(host.read("etc/smb.conf").find("[Docs]"), std::string::npos);
+    EXPECT_TRUE(text("smbConfNotice").starts_with(notice)) << "a share's write changes none of the settings";
+
+    send("updateSMBProperties:");
+    EXPECT_EQ(text("smbConfNotice"), "");
+
+    host.write("etc/smb.conf", "stray\n[global]\ndos charset = C\n");
     load();
     controller->applicationDidFinishLaunching();
-    EXPECT_NE(text("smbConfNotice").find("cannot be read (Is a directory)"), std::string::npos)
-        << text("smbConfNotice");
+    EXPECT_NE(text("smbConfNotice").find("line 1 stands outside a section"), std::string::npos);
+    EXPECT_NE(text("smbConfNotice").find(notice), std::string::npos);
+}
+
+TEST_F(Launch, AConfigurationThatCannotBeReadIsWarnedAboutAsLongAsItIsNotSaved) {
+    std::filesystem::create_directory(host.root() / "etc/smb.conf"); // nobody can read it as a file
+    start();
+    const std::string notice = (host.root() / "etc/smb.conf").string() +
+                               " cannot be read (Is a directory), and nothing will be saved to it.  Make it "
+                               "readable and start again.";
+    EXPECT_EQ(text("smbConfNotice"), notice);
+    host.answerAlert("smb.conf Write Unsuccessful", "OK");
+    send("updateSMBProperties:");
+    EXPECT_EQ(text("smbConfNotice"), notice);
 }
 
 TEST_F(Launch, TheDrawerStaysClosedOnceAnotherPageWasShown) {

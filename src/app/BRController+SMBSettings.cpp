@@ -175,12 +175,8 @@ void BRController::revertSMBProperties(NSControl* sender) {
 }
 
 void BRController::showSMBSettings(NSControl* sender) {
-    const bool whole = guarded([&] { refreshSMBProperties(sender); }, bugMessage(FailedStep::SMBSettings));
-    if (!whole) {
-        smbConfNotice->setStringValue(NSLocalizedString(
-            "Only a part of the SMB settings could be shown.  Saving would change those that are not shown: "
-            "mend the global section of /etc/smb.conf first, and start again."));
-    }
+    smbSettingsInPart = !guarded([&] { refreshSMBProperties(sender); }, bugMessage(FailedStep::SMBSettings));
+    showSMBConfNotice();
 }
 
 void BRController::updateSMBProperties(NSControl* /*sender*/) {
@@ -195,6 +191,7 @@ void BRController::updateSMBProperties(NSControl* /*sender*/) {
     homes.setType(smbShareHomeDirs->state() == NSOnState ? SMBGroup : SMBCommentGroup);
     homes.setProp("browseable", valueFor(*smbHomeDirsBrowseable));
     homes.setProp("read only", valueFor(*smbHomeDirsReadOnly));
+    smbSettingsInPart = false; // what was not shown is what the page shows now
     showSMBWriteResult(smbConf->writeSMBConfFile());
     NiutilTask::sharedInstance().restartSMB();
 }

@@ -2,6 +2,7 @@
 
 #include "AboutBox.h"
 #include "Gestalt.h"
+#include "Host.h"
 #include "KWIntegerFormatter.h"
 #include "KWSMBFormatter.h"
 #include "NSAlert.h"
@@ -20,7 +21,7 @@ constexpr std::size_t namedLossesLimit = 12;
 std::string lossText(SMBLoss loss) {
     switch (loss) {
     case SMBLoss::Continuation:
-        return NSLocalizedString("ends in a backslash and takes in the line after it");
+        return NSLocalizedString("ends in a backslash, so the server will take in the line saved after it");
     case SMBLoss::NoValue:
         return NSLocalizedString("has no name or no value");
     case SMBLoss::BrokenHeader:
@@ -29,6 +30,18 @@ std::string lossText(SMBLoss loss) {
         return NSLocalizedString("stands outside a section");
     }
     return {};
+}
+
+std::string lossesText(const std::vector<SMBLossNotice>& losses) {
+    std::string lines;
+    for (std::size_t i = 0; i < losses.size() && i < namedLossesLimit; ++i) {
+        lines += i == 0 ? "" : ", ";
+        lines += stringWithFormat(NSLocalizedString("line %d %@"), losses[i].line, lossText(losses[i].loss));
+    }
+    if (losses.size() > namedLossesLimit) {
+        lines += stringWithFormat(NSLocalizedString(", and %d more"), losses.size() - namedLossesLimit);
+    }
+    return lines;
 }
 
 } // namespace
@@ -112,7 +125,6 @@ void BRController::fillTables() {
     updateGroupsList(nullptr);
 
     smbConf = std::make_unique<SMBConf>();
-    showSMBConfNotice();
     currentShares_.clear();
     guarded([this] { parseCurrentShares(); }, bugMessage(FailedStep::Shares));
     checkSharesFor10pt2();
@@ -171,32 +183,30 @@ std::string BRController::bugMessage(FailedStep step) {
 }
 
 void BRController::showSMBConfNotice() {
+    // The file that a user can look at, wherever the host keeps it.
+    const std::string file = platform::Host::current().paths().map(smbConf->Path());
+    std::string notice;
     if (!smbConf->unreadableReason().empty()) {
-        smbConfNotice->setStringValue(stringWithFormat(
+        notice = stringWithFormat(
             NSLocalizedString(
                 "%@ cannot be read (%@), and nothing will be saved to it.  Make it readable and "
                 "start again."),
-            smbConf->Path(), smbConf->unreadableReason()));
-        return;
+            file, smbConf->unreadableReason());
+    } else if (!smbConf->lossNotices().empty()) {
+        notice = stringWithFormat(
+            NSLocalizedString("Saving will not keep all of %@: %@.  The file as it is will then stay beside "
+                              "it as smb.conf.previous until you save again: copy it if you need it."),
+            file, lossesText(smbConf->lossNotices()));
     }
-    const std::vector<SMBLossNotice>& losses = smbConf->lossNotices();
-    if (losses.empty()) {
-        smbConfNotice->setStringValue("");
-        return;
+    if (smbSettingsInPart) {
+        notice += notice.empty() ? "" : "  ";
+        notice += stringWithFormat(
+            NSLocalizedString(
+                "Only a part of the SMB settings could be shown.  Saving them would change those "
+                "that are not shown: mend the global section of %@ first, and start again."),
+            file);
     }
-    std::string lines;
-    for (std::size_t i = 0; i < losses.size() && i < namedLossesLimit; ++i) {
-        lines += i == 0 ? "" : ", ";
-        lines += stringWithFormat(NSLocalizedString("line %d %@"), losses[i].line, lossText(losses[i].loss));
-    }
-    if (losses.size() > namedLossesLimit) {
-        lines += stringWithFormat(NSLocalizedString(", and %d more"), losses.size() - namedLossesLimit);
-    }
-    smbConfNotice->setStringValue(stringWithFormat(
-        NSLocalizedString(
-            "Saving will not keep all of /etc/smb.conf: %@.  The file as it is will then stay beside it as "
-            "smb.conf.previous until you save again: copy it if you need it."),
-        lines));
+    smbConfNotice->setStringValue(notice);
 }
 
 void BRController::showLockState(bool authenticated) {

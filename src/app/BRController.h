@@ -153,8 +153,8 @@ class BRController : public BROutlets,
     void showLockState(bool authenticated);
     void fillTables();
 
-    /// Names the lines of a hand-written smb.conf that the next write would lose, or says that the file
-    /// cannot be read; nothing when all is well.
+    /// Names the lines of a hand-written smb.conf that the next write would lose, says that the file cannot
+    /// be read, or that the SMB page shows a part of it only; nothing when all is well.
     void showSMBConfNotice();
 
     // Share inventory.
@@ -228,6 +228,7 @@ class BRController : public BROutlets,
     NSBundle* mainBundle = nullptr;
     std::optional<NSMutableDictionary> afsProps; ///< none when the AFP server's file could not be read
     std::unique_ptr<SMBConf> smbConf;
+    bool smbSettingsInPart = false; ///< the last filling of the SMB page ended half way
     std::vector<NormalShare> currentShares_;
     std::vector<BRRow> userShares;
     std::vector<BRRow> groupShares;
