@@ -97,40 +97,62 @@ TEST_F(SettingsTest, SavingUnchangedKeepsEveryKeyValueAndType) {
 
 TEST_F(SettingsTest, EveryControlIsSavedUnderItsOwnKey) {
     startWithSettings(fullSettings);
-    const auto saves = [this](const std::string& from, const std::string& to) {
+    std::string expected = fullSettings;
+    const auto saves = [&](const std::string& key, const std::string& from, const std::string& to) {
+        SCOPED_TRACE(key);
+        const std::string before = "<key>" + key + "</key>";
+        const std::size_t at = expected.find(before + from);
+        ASSERT_NE(at, std::string::npos) << "the setting is not what it is thought to be";
+        expected.replace(at + before.size(), from.size(), to);
         send("updateAFSProperties:");
-        std::string expected = fullSettings;
-        const std::size_t at = expected.find(from);
-        ASSERT_NE(at, std::string::npos) << from;
-        EXPECT_EQ(canonical(host.read(plistPath)), canonical(expected.replace(at, from.size(), to)));
-        send("refreshAFSProperties:"); // shows what was saved last
+        EXPECT_EQ(canonical(host.read(plistPath)), canonical(expected));
+        send("refreshAFSProperties:"); // shows what was saved, and the next save must keep it
     };
-    const auto turnsOff = [&](const std::string& key) {
-        saves("<key>" + key + "</key><true/>", "<key>" + key + "</key><false/>");
+    const auto flips = [&](const std::string& key, int stateBefore) {
+        const bool on = stateBefore == NSOnState;
+        saves(key, on ? "<true/>" : "<false/>", on ? "<false/>" : "<true/>");
     };
     for (const auto& [key, box] : {std::pair{"sendGreetingOnce", app().greetingOnce},
                                    {"idleDisconnectOnOff", app().idleDisconnectEnable},
+                                   {"activityLog", app().loggingEnable},
+                                   {"adminGetsSp", app().adminSpPrivsButton},
                                    {"guestAccess", app().allowGuestAccess},
                                    {"registerNSL", app().useRendezvous}}) {
+        const int before = box->state();
         box->performClick();
-        turnsOff(key);
-        box->performClick();
+        flips(key, before);
     }
     for (const auto& [key, matrix, row, column] : {std::tuple{"guestUsers", app().idleDisconnectUsers, 0, 0},
+                                                   {"registeredUsers", app().idleDisconnectUsers, 0, 1},
                                                    {"adminUsers", app().idleDisconnectUsers, 0, 2},
+                                                   {"usersWithOpenFiles", app().idleDisconnectUsers, 0, 3},
                                                    {"logLogin", app().loggingAttributes1, 0, 0},
+                                                   {"logLogout", app().loggingAttributes1, 1, 0},
                                                    {"logCreateDir", app().loggingAttributes2, 0, 0},
+                                                   {"logCreateFile", app().loggingAttributes2, 1, 0},
                                                    {"logOpenFork", app().loggingAttributes3, 0, 0},
                                                    {"logDelete", app().loggingAttributes3, 1, 0}}) {
-        matrix->setStateAt(row, column, NSOffState);
-        turnsOff(key);
-        matrix->setStateAt(row, column, NSOnState);
+        const int before = matrix->stateAt(row, column);
+        matrix->setStateAt(row, column, before == NSOnState ? NSOffState : NSOnState);
+        flips(key, before);
     }
-    app().numConnections->setStringValue("12 people");
-    saves("<integer>-1</integer>", "<integer>12</integer>");
-    app().numConnections->setStringValue("-1");
-    app().tcpPort->setStringValue("");
-    saves("<integer>548</integer>", "<integer>0</integer>");
+    for (const auto& [key, field, from, typed, to] :
+         {std::tuple{"idleDisconnectTime", app().idleDisconnectTime, "10", "11", "11"},
+          {"activityLogTime", app().logRolloverText, "7", "8", "8"},
+          {"maxConnections", app().numConnections, "-1", "12 people", "12"},
+          {"maxGuests", app().numGuestConnections, "5", "6", "6"},
+          {"afpTCPPort", app().tcpPort, "548", "", "0"}}) {
+        field->setStringValue(typed);
+        saves(key, "<integer>" + std::string(from) + "<", "<integer>" + std::string(to) + "<");
+    }
+    for (const auto& [key, field, from, to] :
+         {std::tuple{"loginGreeting", app().greeting, "Hello &amp; welcome", "Bye"},
+          {"activityLogPath", app().logFilePath, "/Library/Logs/AppleFileService.log", "/afp.log"}}) {
+        field->setStringValue(to);
+        saves(key, "<string>" + std::string(from) + "<", "<string>" + std::string(to) + "<");
+    }
+    app().afpTextEncoding->performSelect(app().afpTextEncoding->indexOfItemWithTag(25));
+    saves("afpServerEncoding", "<integer>29<", "<integer>25<");
 }
 
 TEST_F(SettingsTest, SettingsThatCouldNotBeReadAreNotReplaced) {
@@ -197,6 +219,7 @@ TEST_F(SettingsTest, AFailedSaveSaysWhichStepFailedAndWhatIsLeft) {
     fs::create_directories(temporary() / "in the way");
     saveFails("~/AppleFileServer.plist file write");
     EXPECT_EQ(takeRuns(), Runs{});
+    EXPECT_EQ(host.log.back(), temporary().string() + " could not be written: Is a directory");
     send("refreshAFSProperties:");
     EXPECT_EQ(app().greeting->stringValue(), "edited");
 }

@@ -95,6 +95,7 @@ TEST_F(Shares, TheEditorShowsTheFolderOfTheSelectedShareAsItIsNow) {
     addShare("Docs", docs);
     addShare("Gone", "/no/such/folder");
     nicl({"-create", "/config/Brindle/Docs", "afp_use_parent_privs", "1"});
+    nicl({"-create", "/config/Brindle/Docs", "afp_use_parent_owner", "1"});
     host.write("etc/smb.conf", "[docs]\npath = " + docs + "\nguest ok = YES\n");
     start();
     EXPECT_EQ(text("selectedShareName"), "");
@@ -107,6 +108,7 @@ TEST_F(Shares, TheEditorShowsTheFolderOfTheSelectedShareAsItIsNow) {
     EXPECT_EQ(privileges(), (std::vector<int>{0, 1, 1}));
     EXPECT_EQ(controller->menuToPermissions(), 0755);
     EXPECT_TRUE(isOn("inheritPermissionsButton") && control<NSButton>("inheritOwnerButton").isEnabled());
+    EXPECT_TRUE(isOn("inheritOwnerButton"));
     EXPECT_TRUE(isOn("guestAccessButton"));
     EXPECT_EQ(index("sharingAFS") + index("sharingSMB"), 2);
     EXPECT_EQ(control<NSButton>("createNewShare").title(), "Update Share");
@@ -115,7 +117,7 @@ TEST_F(Shares, TheEditorShowsTheFolderOfTheSelectedShareAsItIsNow) {
     table().selectRow(1);
     EXPECT_EQ(index("owner"), -1) << "a folder that cannot be examined has no owner to show";
     EXPECT_EQ(privileges(), (std::vector<int>{3, 3, 3}));
-    EXPECT_FALSE(control<NSButton>("inheritOwnerButton").isEnabled());
+    EXPECT_FALSE(isOn("inheritOwnerButton") || control<NSButton>("inheritOwnerButton").isEnabled());
 
     table().deselectAll();
     EXPECT_EQ(text("shareName") + text("directory") + text("selectedShareName"), "");
@@ -198,6 +200,51 @@ TEST_F(Shares, AreWrittenToTheDirectoryTheConfigurationTheFolderAndTheServersInT
     host.runs.clear();
     send("createShare:");
     EXPECT_EQ(std::ranges::count(host.runTexts(), copyRun()), 0) << "no section, none wanted: no write";
+}
+
+TEST_F(Shares, EachCheckBoxIsWrittenWhereItBelongs) {
+    addAccounts();
+    start();
+
+    struct Case {
+        int inherit, owner, guest;
+        Texts properties; ///< of the record
+        const char* section;
+    };
+
+    const auto properties = [this](const std::string& privileges, const std::string& owner) {
+        Texts runs = creationRuns("Docs", "/docs");
+        runs[4].back() = privileges.front();
+        runs[5].back() = owner.front();
+        return runs;
+    };
+    for (const Case& boxes : {Case{NSOnState, NSOffState, NSOffState, properties("1", "0"),
+                                   "inherit permissions = Yes\nguest ok = No\n"},
+                              {NSOffState, NSOnState, NSOffState, properties("0", "1"),
+                               "inherit permissions = No\nguest ok = No\n"},
+                              {NSOffState, NSOffState, NSOnState, properties("0", "0"),
+                               "inherit permissions = No\nguest ok = Yes\n"}}) {
+        SCOPED_TRACE(boxes.section);
+        host.runs.clear();
+        fillEditor("Docs", "/docs");
+        control<NSButton>("inheritPermissionsButton").setState(boxes.inherit);
+        control<NSButton>("inheritOwnerButton").setState(boxes.owner);
+        control<NSButton>("guestAccessButton").setState(boxes.guest);
+        send("createShare:");
+        Texts runs = host.runTexts();
+        runs.resize(boxes.properties.size());
+        EXPECT_EQ(runs, boxes.properties);
+        EXPECT_NE(host.read("etc/smb.conf").find(boxes.section), std::string::npos)
+            << host.read("etc/smb.conf");
+    }
+}
+
+TEST_F(Shares, TheOwnerIsInheritedOnlyWithThePrivileges) {
+    start();
+    for (const bool inherits : {true, false}) {
+        control<NSButton>("inheritPermissionsButton").performClick();
+        EXPECT_EQ(control<NSButton>("inheritOwnerButton").isEnabled(), inherits);
+    }
 }
 
 TEST_F(Shares, AFailedStepOfTheRecordTakesTheRecordBackAndTheRestGoesOn) {
