@@ -164,7 +164,7 @@ TEST_F(Launch, AHandWrittenConfigurationIsWarnedAboutLineByLine) {
     start();
     const std::string notice = text("smbConfNotice");
     for (const char* line : {"line 1 stands outside a section",
-                             "line 4 ends in a backslash, so the server will take in the line",
+                             "line 4 ends in a backslash that makes the server take in the line",
                              "line 6 has no name or no value"}) {
         EXPECT_NE(notice.find(line), std::string::npos) << notice;
     }

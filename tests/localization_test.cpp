@@ -119,7 +119,7 @@ TEST_F(Translation, ReachesEveryTextOfTheWindowsAndTheFirstLaunch) {
     expectMarked(interface->root());
     for (const char* loss :
          {"stands outside a section", "is a broken section header", "has no name or no value",
-          "ends in a backslash, so the server will take in the line saved after it"}) {
+          "ends in a backslash that makes the server take in the line saved after it"}) {
         EXPECT_NE(text("smbConfNotice").find(marked(loss)), std::string::npos) << text("smbConfNotice");
     }
     EXPECT_EQ(columnOf("normalTableView", "Inherit").at(0), marked("No"));

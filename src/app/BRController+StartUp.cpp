@@ -21,7 +21,7 @@ constexpr std::size_t namedLossesLimit = 12;
 std::string lossText(SMBLoss loss) {
     switch (loss) {
     case SMBLoss::Continuation:
-        return NSLocalizedString("ends in a backslash, so the server will take in the line saved after it");
+        return NSLocalizedString("ends in a backslash that makes the server take in the line saved after it");
     case SMBLoss::NoValue:
         return NSLocalizedString("has no name or no value");
     case SMBLoss::BrokenHeader:
