@@ -144,6 +144,11 @@ TEST_F(Directory, OfTheFirstLayoutIsReadAsItIsAndTurnedIntoTodaysByTheFirstWrite
     EXPECT_EQ(countUsers(), 3U);
     EXPECT_TRUE(bytes(host.storeFile()) == before) << "reading wrote";
 
+    {
+        Store store(host.storeFile());
+        store.undo(); // takes the new layout back as well
+        EXPECT_EQ(store.children(store.child(Store::root, "users").value()).records().size(), 3U);
+    }
     EXPECT_EQ(nicl({"-create", "/users/eve"}), "");
     EXPECT_EQ(record("/users/ada"), ada);
     EXPECT_EQ(record("/users/zoe"), zoe);

@@ -80,11 +80,18 @@ Store::Store(const std::string& file, Opening opening, int patience)
     : file_(file), patience_(patience), connection_(std::make_unique<Connection>()) {
     open(opening);
     sqlite3_busy_timeout(connection_->database.get(), patience * 1000);
-    execute("BEGIN EXCLUSIVE");
     if (opening == Opening::Create) {
+        execute("BEGIN EXCLUSIVE");
         create();
-        return;
+    } else {
+        begin();
     }
+}
+
+Store::~Store() = default; // closing rolls back
+
+void Store::begin() {
+    execute("BEGIN EXCLUSIVE");
     SqliteStatement application(connection_->database.get(), "PRAGMA application_id");
     SqliteStatement version(connection_->database.get(), "PRAGMA user_version");
     if (!application.step() || application.number(0) != storeApplicationId || !version.step()) {
@@ -98,8 +105,6 @@ Store::Store(const std::string& file, Opening opening, int patience)
         fail(SQLITE_NOTADB);
     }
 }
-
-Store::~Store() = default; // closing rolls back
 
 void Store::open(Opening opening) {
     int flags = SQLITE_OPEN_READWRITE | kSqliteOwnConnection;
@@ -258,7 +263,7 @@ void Store::commit() {
 
 void Store::undo() {
     execute("ROLLBACK");
-    execute("BEGIN EXCLUSIVE");
+    begin();
 }
 
 } // namespace platform

@@ -80,6 +80,8 @@ class Store {
     struct Connection;
 
     void open(Opening opening);
+    /// Begins the transaction of a store that exists, in today's layout.
+    void begin();
     void create();
     void execute(const char* sql);
     void check(int error) const; ///< throws unless it is 0
