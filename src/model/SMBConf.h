@@ -84,7 +84,7 @@ class SMBConf {
     /// Writes the whole model: to ~/smb_test.conf, then over the file by an administrator's copy. Answers 0;
     /// 1 when the copy failed or was refused (the temporary file stays); 2 when the temporary file could not
     /// be written, or the file could not be read at the start; 3 when the temporary file could not be
-    /// removed. The model stays as it is.
+    /// removed. The entries stay as they are; lossNotices() is empty once the file was replaced.
     [[nodiscard]] int writeSMBConfFile();
 
     /// Creates, updates or removes the section of a share, then writes the file. Answers the write's result,

@@ -196,7 +196,12 @@ void NSMutableDictionary::setInt(std::int32_t value, const std::string& key) {
 }
 
 void NSMutableDictionary::setString(const std::string& value, const std::string& key) {
-    // What xmlText could not write, a NUL among it: libplist would end the text there.
+    const plist_t item = node_->item(key);
+    if (plist_get_node_type(item) == PLIST_STRING && textIn(item) == value) {
+        return; // what nobody changes keeps its bytes, whatever they are
+    }
+    // Strict readers refuse a whole list for one character that XML has not, and libplist ends a text at a
+    // NUL.
     node_->set(plist_new_string(stringForXML(value).c_str()), key);
 }
 
@@ -208,8 +213,7 @@ std::string NSMutableDictionary::xmlText() const {
         throw std::runtime_error("a property list could not be written as XML");
     }
     const std::unique_ptr<char, decltype(&plist_to_xml_free)> owner(xml, &plist_to_xml_free);
-    // Strict readers refuse a whole list for one character that XML has not, and a binary list may hold any.
-    std::string text = stringForXML({xml, length});
+    std::string text(xml, length);
     if (!text.ends_with('\n')) {
         text += '\n';
     }
