@@ -1,8 +1,8 @@
 #pragma once
 
-#include "EmbeddedHost.h"
-#include "EmbeddedRoot.h"
-#include "Store.h"
+#include "platform/host/EmbeddedHost.h"
+#include "platform/host/EmbeddedRoot.h"
+#include "platform/netinfo/Store.h"
 
 #include <algorithm>
 #include <array>

@@ -1,15 +1,15 @@
 // How long the share list takes to read: as many directory records as smb.conf has sections, each record
 // joined with the section of its folder. Half of the sections share folders of their own.
 
-#include "BRController.h"
-#include "EmbeddedHost.h"
-#include "EmbeddedRoot.h"
-#include "Host.h"
-#include "Interface.h"
-#include "NSBundle.h"
-#include "SilentPresenter.h"
-#include "Store.h"
 #include "TemporaryFolder.h"
+#include "app/BRController.h"
+#include "frontends/SilentPresenter.h"
+#include "platform/appkit/Interface.h"
+#include "platform/foundation/Host.h"
+#include "platform/foundation/NSBundle.h"
+#include "platform/host/EmbeddedHost.h"
+#include "platform/host/EmbeddedRoot.h"
+#include "platform/netinfo/Store.h"
 
 #include <benchmark/benchmark.h>
 

@@ -1,8 +1,8 @@
-#include "Host.h"
-#include "LocalDomain.h"
-#include "Store.h"
 #include "TemporaryFolder.h"
-#include "ni_report.h"
+#include "directory/ni_report.h"
+#include "platform/foundation/Host.h"
+#include "platform/netinfo/LocalDomain.h"
+#include "platform/netinfo/Store.h"
 
 #include <benchmark/benchmark.h>
 #include <sqlite3.h>

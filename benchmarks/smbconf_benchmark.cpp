@@ -2,9 +2,9 @@
 // and not faster, and as whole programs beside one that only scans the file's lines and beside Samba's own
 // reader.
 
-#include "Host.h"
-#include "SMBConf.h"
 #include "WholeProgram.h"
+#include "model/SMBConf.h"
+#include "platform/foundation/Host.h"
 
 #include <benchmark/benchmark.h>
 

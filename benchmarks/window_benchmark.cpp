@@ -2,13 +2,13 @@
 // against a program that only shows an empty window. Both are whole programs; both use Qt's offscreen
 // platform, so that no display's speed is measured, unless QT_QPA_PLATFORM names another.
 
-#include "Application.h"
 #include "FilledRoot.h"
 #include "FirstPaint.h"
-#include "NSUserDefaults.h"
-#include "QtFrontend.h"
 #include "TemporaryFolder.h"
 #include "WholeProgram.h"
+#include "frontends/Application.h"
+#include "frontends/qt/QtFrontend.h"
+#include "platform/foundation/NSUserDefaults.h"
 
 #include <benchmark/benchmark.h>
 

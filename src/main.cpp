@@ -1,4 +1,4 @@
-#include "NSApplicationMain.h"
+#include "frontends/NSApplicationMain.h"
 
 int main(int argc, char** argv) {
     return NSApplicationMain(argc, argv);

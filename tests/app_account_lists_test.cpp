@@ -1,6 +1,6 @@
 // What the account tabs list and propose, and what the editors and the Public folders make of it.
 
-#include "AccountsFixture.h"
+#include "support/AccountsFixture.h"
 
 #include <array>
 #include <set>

@@ -1,6 +1,6 @@
 // Users and groups are added, changed and deleted.
 
-#include "AccountsFixture.h"
+#include "support/AccountsFixture.h"
 
 #include <array>
 #include <map>

@@ -1,6 +1,6 @@
 // What the four tables show of a directory and a configuration.
 
-#include "AppFixture.h"
+#include "support/AppFixture.h"
 
 namespace {
 

@@ -1,7 +1,7 @@
-#include "AppFixture.h"
-#include "LoopbackServer.h"
-#include "NSNotificationCenter.h"
-#include "NiutilTask.h"
+#include "platform/foundation/NSNotificationCenter.h"
+#include "privileged/NiutilTask.h"
+#include "support/AppFixture.h"
+#include "support/LoopbackServer.h"
 
 #include <algorithm>
 #include <filesystem>

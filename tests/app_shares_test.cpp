@@ -1,5 +1,5 @@
-#include "AppFixture.h"
-#include "NSFileManager.h"
+#include "platform/foundation/NSFileManager.h"
+#include "support/AppFixture.h"
 
 #include <algorithm>
 #include <ranges>

@@ -1,21 +1,21 @@
 // The control models and the application as a user, the controller and a front-end meet them, and the loader
 // of interface files.
 
-#include "Host.h"
-#include "Interface.h"
-#include "NSAlert.h"
-#include "NSApplication.h"
-#include "NSButton.h"
-#include "NSFormatter.h"
-#include "NSMatrix.h"
-#include "NSPopUpButton.h"
-#include "NSTabView.h"
-#include "NSTableView.h"
-#include "NSTextField.h"
-#include "NSTextView.h"
-#include "NSWindow.h"
-#include "ObjectClass.h"
-#include "TestHost.h"
+#include "platform/appkit/Interface.h"
+#include "platform/appkit/NSAlert.h"
+#include "platform/appkit/NSApplication.h"
+#include "platform/appkit/NSButton.h"
+#include "platform/appkit/NSFormatter.h"
+#include "platform/appkit/NSMatrix.h"
+#include "platform/appkit/NSPopUpButton.h"
+#include "platform/appkit/NSTabView.h"
+#include "platform/appkit/NSTableView.h"
+#include "platform/appkit/NSTextField.h"
+#include "platform/appkit/NSTextView.h"
+#include "platform/appkit/NSWindow.h"
+#include "platform/appkit/ObjectClass.h"
+#include "platform/foundation/Host.h"
+#include "support/TestHost.h"
 
 #include <gtest/gtest.h>
 

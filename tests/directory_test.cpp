@@ -1,5 +1,5 @@
-#include "DirectoryFixture.h"
-#include "ni_report.h"
+#include "directory/ni_report.h"
+#include "support/DirectoryFixture.h"
 
 namespace {
 

@@ -1,10 +1,10 @@
 // The whole of Brindle on a temporary root: the program itself driven by scripts, its helper, the directory's
 // tools, and a real smbd on a loopback port with smbclient as the person at the other end.
 
-#include "EmbeddedRoot.h"
-#include "EmbeddedServer.h"
-#include "Subprocess.h"
-#include "TestHost.h"
+#include "platform/host/EmbeddedRoot.h"
+#include "platform/host/EmbeddedServer.h"
+#include "support/Subprocess.h"
+#include "support/TestHost.h"
 
 #include <gtest/gtest.h>
 

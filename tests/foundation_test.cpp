@@ -1,18 +1,18 @@
 // What the system asks of its foundation: texts, files, settings, translations,
 // notifications, addresses.
 
-#include "Fetch.h"
-#include "Gestalt.h"
-#include "LoopbackServer.h"
-#include "NSBundle.h"
-#include "NSDictionary.h"
-#include "NSFileManager.h"
-#include "NSLog.h"
-#include "NSNotificationCenter.h"
-#include "NSString.h"
-#include "NSUserDefaults.h"
-#include "StringTable.h"
-#include "TestHost.h"
+#include "platform/foundation/Fetch.h"
+#include "platform/foundation/Gestalt.h"
+#include "platform/foundation/NSBundle.h"
+#include "platform/foundation/NSDictionary.h"
+#include "platform/foundation/NSFileManager.h"
+#include "platform/foundation/NSLog.h"
+#include "platform/foundation/NSNotificationCenter.h"
+#include "platform/foundation/NSString.h"
+#include "platform/foundation/NSUserDefaults.h"
+#include "platform/foundation/StringTable.h"
+#include "support/LoopbackServer.h"
+#include "support/TestHost.h"
 
 #include <gtest/gtest.h>
 

@@ -1,14 +1,14 @@
 // What stands around the front-ends: the options, the printed table, the program's exit statuses, and what
 // the main interface file promises to scripts.
 
-#include "AppFixture.h"
-#include "ControlState.h"
-#include "NSFileManager.h"
-#include "Options.h"
-#include "ScriptWords.h"
-#include "SilentPresenter.h"
-#include "Subprocess.h"
-#include "TableText.h"
+#include "frontends/Options.h"
+#include "frontends/SilentPresenter.h"
+#include "frontends/TableText.h"
+#include "frontends/script/ControlState.h"
+#include "frontends/script/ScriptWords.h"
+#include "platform/foundation/NSFileManager.h"
+#include "support/AppFixture.h"
+#include "support/Subprocess.h"
 
 #include <gtest/gtest.h>
 

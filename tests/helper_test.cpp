@@ -1,16 +1,16 @@
-#include "Helper.h"
+#include "tools/Helper.h"
 
-#include "ConsentAuthority.h"
-#include "EmbeddedRoot.h"
-#include "HelperFolders.h"
-#include "Host.h"
-#include "NSFileManager.h"
-#include "NiutilTask.h"
-#include "SambaAccounts.h"
-#include "ScratchAdministrator.h"
-#include "Subprocess.h"
-#include "SudoAuthority.h"
-#include "TestHost.h"
+#include "platform/foundation/Host.h"
+#include "platform/foundation/NSFileManager.h"
+#include "platform/host/EmbeddedRoot.h"
+#include "platform/host/SambaAccounts.h"
+#include "platform/security/ConsentAuthority.h"
+#include "platform/security/SudoAuthority.h"
+#include "privileged/NiutilTask.h"
+#include "support/ScratchAdministrator.h"
+#include "support/Subprocess.h"
+#include "support/TestHost.h"
+#include "tools/HelperFolders.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
-#include "AppFixture.h"
-#include "LoopbackServer.h"
-#include "NSFileManager.h"
-#include "StringTable.h"
+#include "platform/foundation/NSFileManager.h"
+#include "platform/foundation/StringTable.h"
+#include "support/AppFixture.h"
+#include "support/LoopbackServer.h"
 
 #include <set>
 

@@ -1,11 +1,11 @@
 // The application's own window, used with mouse and keys.
 
-#include "AppFixture.h"
-#include "NSApplication.h"
-#include "NSPopUpButton.h"
-#include "NSTableView.h"
-#include "NSTextField.h"
-#include "QtFrontend.h"
+#include "frontends/qt/QtFrontend.h"
+#include "platform/appkit/NSApplication.h"
+#include "platform/appkit/NSPopUpButton.h"
+#include "platform/appkit/NSTableView.h"
+#include "platform/appkit/NSTextField.h"
+#include "support/AppFixture.h"
 
 #include <QAction>
 #include <QApplication>

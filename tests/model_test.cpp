@@ -1,6 +1,6 @@
-#include "NormalShare.h"
-#include "SMBConf.h"
-#include "TestHost.h"
+#include "model/NormalShare.h"
+#include "model/SMBConf.h"
+#include "support/TestHost.h"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
-#include "DirectoryFixture.h"
-#include "ni.h"
+#include "platform/netinfo/ni.h"
+#include "support/DirectoryFixture.h"
 
 #include <sqlite3.h>
 

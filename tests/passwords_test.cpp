@@ -1,5 +1,5 @@
-#include "RootFixture.h"
-#include "ni.h"
+#include "platform/netinfo/ni.h"
+#include "support/RootFixture.h"
 
 #include <filesystem>
 #include <fstream>

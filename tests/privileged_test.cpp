@@ -1,8 +1,8 @@
-#include "NiutilTask.h"
+#include "privileged/NiutilTask.h"
 
-#include "NSNotificationCenter.h"
-#include "Store.h"
-#include "TestHost.h"
+#include "platform/foundation/NSNotificationCenter.h"
+#include "platform/netinfo/Store.h"
+#include "support/TestHost.h"
 
 #include <gtest/gtest.h>
 

@@ -1,8 +1,8 @@
 // Property lists: what is read of them, and that everything that nobody asked for survives a change.
 
-#include "NSDictionary.h"
-#include "NSFileManager.h"
-#include "TestHost.h"
+#include "platform/foundation/NSDictionary.h"
+#include "platform/foundation/NSFileManager.h"
+#include "support/TestHost.h"
 
 #include <gtest/gtest.h>
 

@@ -1,8 +1,8 @@
-#include "Authorization.h"
-#include "ConsentAuthority.h"
-#include "Host.h"
-#include "SudoAuthority.h"
-#include "TestHost.h"
+#include "platform/foundation/Host.h"
+#include "platform/security/Authorization.h"
+#include "platform/security/ConsentAuthority.h"
+#include "platform/security/SudoAuthority.h"
+#include "support/TestHost.h"
 
 #include <gtest/gtest.h>
 

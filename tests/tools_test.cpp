@@ -1,10 +1,10 @@
-#include "CapturedRun.h"
-#include "DirectoryAccounts.h"
-#include "DirectoryFixture.h"
-#include "HostProcesses.h"
-#include "NSDictionary.h"
-#include "RootFixture.h"
-#include "SambaAccounts.h"
+#include "platform/foundation/NSDictionary.h"
+#include "platform/host/DirectoryAccounts.h"
+#include "platform/host/HostProcesses.h"
+#include "platform/host/SambaAccounts.h"
+#include "platform/posix/CapturedRun.h"
+#include "support/DirectoryFixture.h"
+#include "support/RootFixture.h"
 
 #include <algorithm>
 #include <array>

@@ -1,13 +1,13 @@
-#include "AboutBox.h"
-#include "Interface.h"
-#include "KWIntegerFormatter.h"
-#include "KWSMBFormatter.h"
-#include "NSBundle.h"
-#include "NSTextField.h"
-#include "NSTextView.h"
-#include "NSWindow.h"
-#include "ObjectClass.h"
-#include "TestHost.h"
+#include "platform/appkit/Interface.h"
+#include "platform/appkit/NSTextField.h"
+#include "platform/appkit/NSTextView.h"
+#include "platform/appkit/NSWindow.h"
+#include "platform/appkit/ObjectClass.h"
+#include "platform/foundation/NSBundle.h"
+#include "support/TestHost.h"
+#include "ui/AboutBox.h"
+#include "ui/KWIntegerFormatter.h"
+#include "ui/KWSMBFormatter.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 // Sheets, alerts, the drawer, pages and panels as a user meets them, the window's end, and the pictures.
 
-#include "WindowFixture.h"
+#include "support/WindowFixture.h"
 
 namespace {
 

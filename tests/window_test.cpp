@@ -1,6 +1,6 @@
 // The window's controls as a user meets them: real mouse and key events on Qt's offscreen platform.
 
-#include "WindowFixture.h"
+#include "support/WindowFixture.h"
 
 namespace {
 

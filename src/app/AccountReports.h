@@ -1,6 +1,6 @@
 #pragma once
 
-#include "NSString.h"
+#include "platform/foundation/NSString.h"
 
 #include <algorithm>
 #include <cstdint>

@@ -1,9 +1,9 @@
-#include "BRController.h"
+#include "app/BRController.h"
 
-#include "AccountReports.h"
-#include "NSAlert.h"
-#include "NSBundle.h"
-#include "NiutilTask.h"
+#include "app/AccountReports.h"
+#include "platform/appkit/NSAlert.h"
+#include "platform/foundation/NSBundle.h"
+#include "privileged/NiutilTask.h"
 
 #include <algorithm>
 #include <string>

@@ -1,9 +1,9 @@
-#include "BRController.h"
+#include "app/BRController.h"
 
-#include "AccountReports.h"
-#include "NSBundle.h"
-#include "NSString.h"
-#include "NiutilTask.h"
+#include "app/AccountReports.h"
+#include "platform/foundation/NSBundle.h"
+#include "platform/foundation/NSString.h"
+#include "privileged/NiutilTask.h"
 
 #include <algorithm>
 #include <array>

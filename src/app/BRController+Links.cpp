@@ -1,10 +1,10 @@
-#include "BRController.h"
+#include "app/BRController.h"
 
-#include "Fetch.h"
-#include "NSAlert.h"
-#include "NSBundle.h"
-#include "NSUserDefaults.h"
-#include "NiutilTask.h"
+#include "platform/appkit/NSAlert.h"
+#include "platform/foundation/Fetch.h"
+#include "platform/foundation/NSBundle.h"
+#include "platform/foundation/NSUserDefaults.h"
+#include "privileged/NiutilTask.h"
 
 namespace {
 

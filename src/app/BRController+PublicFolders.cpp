@@ -1,7 +1,7 @@
-#include "BRController.h"
+#include "app/BRController.h"
 
-#include "AccountReports.h"
-#include "NiutilTask.h"
+#include "app/AccountReports.h"
+#include "privileged/NiutilTask.h"
 
 void BRController::enableSelectedPublicShare(NSControl* /*sender*/) {
     changeSelectedPublicShare(true);

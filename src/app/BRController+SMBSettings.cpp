@@ -1,9 +1,9 @@
-#include "BRController.h"
+#include "app/BRController.h"
 
-#include "NSAlert.h"
-#include "NSBundle.h"
-#include "NSString.h"
-#include "NiutilTask.h"
+#include "platform/appkit/NSAlert.h"
+#include "platform/foundation/NSBundle.h"
+#include "platform/foundation/NSString.h"
+#include "privileged/NiutilTask.h"
 
 #include <array>
 

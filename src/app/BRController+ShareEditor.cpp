@@ -1,10 +1,10 @@
-#include "BRController.h"
+#include "app/BRController.h"
 
-#include "NSAlert.h"
-#include "NSBundle.h"
-#include "NSFileManager.h"
-#include "NSString.h"
-#include "NiutilTask.h"
+#include "platform/appkit/NSAlert.h"
+#include "platform/foundation/NSBundle.h"
+#include "platform/foundation/NSFileManager.h"
+#include "platform/foundation/NSString.h"
+#include "privileged/NiutilTask.h"
 
 #include <algorithm>
 

@@ -1,14 +1,14 @@
-#include "BRController.h"
+#include "app/BRController.h"
 
-#include "AboutBox.h"
-#include "Gestalt.h"
-#include "Host.h"
-#include "KWIntegerFormatter.h"
-#include "KWSMBFormatter.h"
-#include "NSAlert.h"
-#include "NSBundle.h"
-#include "NSLog.h"
-#include "NiutilTask.h"
+#include "platform/appkit/NSAlert.h"
+#include "platform/foundation/Gestalt.h"
+#include "platform/foundation/Host.h"
+#include "platform/foundation/NSBundle.h"
+#include "platform/foundation/NSLog.h"
+#include "privileged/NiutilTask.h"
+#include "ui/AboutBox.h"
+#include "ui/KWIntegerFormatter.h"
+#include "ui/KWSMBFormatter.h"
 
 #include <exception>
 

@@ -1,9 +1,9 @@
-#include "BRController.h"
+#include "app/BRController.h"
 
-#include "KWIntegerFormatter.h"
-#include "KWSMBFormatter.h"
-#include "NSBundle.h"
-#include "ObjectClass.h"
+#include "platform/appkit/ObjectClass.h"
+#include "platform/foundation/NSBundle.h"
+#include "ui/KWIntegerFormatter.h"
+#include "ui/KWSMBFormatter.h"
 
 namespace {
 

@@ -1,16 +1,16 @@
 #pragma once
 
-#include "BROutlets.h"
-#include "BRRow.h"
-#include "NSApplication.h"
-#include "NSButton.h"
-#include "NSDictionary.h"
-#include "NSNotificationCenter.h"
-#include "NSTabView.h"
-#include "NSTableView.h"
-#include "NSTextField.h"
-#include "NormalShare.h"
-#include "SMBConf.h"
+#include "app/BROutlets.h"
+#include "app/BRRow.h"
+#include "model/NormalShare.h"
+#include "model/SMBConf.h"
+#include "platform/appkit/NSApplication.h"
+#include "platform/appkit/NSButton.h"
+#include "platform/appkit/NSTabView.h"
+#include "platform/appkit/NSTableView.h"
+#include "platform/appkit/NSTextField.h"
+#include "platform/foundation/NSDictionary.h"
+#include "platform/foundation/NSNotificationCenter.h"
 
 #include <cstdint>
 #include <functional>

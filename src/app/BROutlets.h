@@ -1,12 +1,12 @@
 #pragma once
 
-#include "NSButton.h"
-#include "NSMatrix.h"
-#include "NSPopUpButton.h"
-#include "NSTabView.h"
-#include "NSTableView.h"
-#include "NSTextField.h"
-#include "NSWindow.h"
+#include "platform/appkit/NSButton.h"
+#include "platform/appkit/NSMatrix.h"
+#include "platform/appkit/NSPopUpButton.h"
+#include "platform/appkit/NSTabView.h"
+#include "platform/appkit/NSTableView.h"
+#include "platform/appkit/NSTextField.h"
+#include "platform/appkit/NSWindow.h"
 
 /// The controller's outlets: controls of the main interface file, which sets every one of them before
 /// start-up and owns what they point to. Named as in that file.

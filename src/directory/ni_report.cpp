@@ -1,6 +1,6 @@
-#include "ni_report.h"
+#include "directory/ni_report.h"
 
-#include "NSLog.h"
+#include "platform/foundation/NSLog.h"
 
 #include <algorithm>
 #include <memory>

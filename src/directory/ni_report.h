@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ni.h"
+#include "platform/netinfo/ni.h"
 
 #include <span>
 #include <string>

@@ -1,11 +1,11 @@
-#include "Application.h"
+#include "frontends/Application.h"
 
-#include "AboutBox.h"
-#include "BRController.h"
-#include "NSApplication.h"
-#include "NSBundle.h"
-#include "NSTableView.h"
-#include "NSWindow.h"
+#include "app/BRController.h"
+#include "platform/appkit/NSApplication.h"
+#include "platform/appkit/NSTableView.h"
+#include "platform/appkit/NSWindow.h"
+#include "platform/foundation/NSBundle.h"
+#include "ui/AboutBox.h"
 
 #include <stdexcept>
 #include <utility>

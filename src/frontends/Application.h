@@ -1,7 +1,7 @@
 #pragma once
 
-#include "Host.h"
-#include "Interface.h"
+#include "platform/appkit/Interface.h"
+#include "platform/foundation/Host.h"
 
 #include <memory>
 #include <string>

@@ -1,15 +1,15 @@
-#include "NSApplicationMain.h"
+#include "frontends/NSApplicationMain.h"
 
-#include "Application.h"
-#include "EmbeddedHost.h"
-#include "EmbeddedRoot.h"
-#include "EmbeddedServer.h"
-#include "NSApplication.h"
-#include "Options.h"
-#include "ScriptRunner.h"
-#include "SilentPresenter.h"
-#include "TableText.h"
-#include "WindowRun.h"
+#include "frontends/Application.h"
+#include "frontends/Options.h"
+#include "frontends/SilentPresenter.h"
+#include "frontends/TableText.h"
+#include "frontends/WindowRun.h"
+#include "frontends/script/ScriptRunner.h"
+#include "platform/appkit/NSApplication.h"
+#include "platform/host/EmbeddedHost.h"
+#include "platform/host/EmbeddedRoot.h"
+#include "platform/host/EmbeddedServer.h"
 
 #include <cerrno>
 #include <csignal>

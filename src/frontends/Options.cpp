@@ -1,4 +1,4 @@
-#include "Options.h"
+#include "frontends/Options.h"
 
 #include <algorithm>
 #include <array>

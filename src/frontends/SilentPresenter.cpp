@@ -1,4 +1,4 @@
-#include "SilentPresenter.h"
+#include "frontends/SilentPresenter.h"
 
 namespace frontend {
 

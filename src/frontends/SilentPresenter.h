@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Presenter.h"
+#include "platform/foundation/Presenter.h"
 
 namespace frontend {
 

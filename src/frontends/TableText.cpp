@@ -1,7 +1,7 @@
-#include "TableText.h"
+#include "frontends/TableText.h"
 
-#include "NSFormatter.h"
-#include "NSTableView.h"
+#include "platform/appkit/NSFormatter.h"
+#include "platform/appkit/NSTableView.h"
 
 #include <algorithm>
 #include <memory>

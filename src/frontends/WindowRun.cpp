@@ -1,11 +1,11 @@
-#include "WindowRun.h"
+#include "frontends/WindowRun.h"
 
-#include "Application.h"
+#include "frontends/Application.h"
 
 #include <iostream>
 
 #ifdef BRINDLE_HAS_QT
-#include "QtFrontend.h"
+#include "frontends/qt/QtFrontend.h"
 #endif
 
 namespace frontend {

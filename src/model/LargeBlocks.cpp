@@ -1,4 +1,4 @@
-#include "LargeBlocks.h"
+#include "model/LargeBlocks.h"
 
 #include <algorithm>
 #include <new>

@@ -1,7 +1,7 @@
-#include "NormalShare.h"
+#include "model/NormalShare.h"
 
-#include "NSFileManager.h"
-#include "NSString.h"
+#include "platform/foundation/NSFileManager.h"
+#include "platform/foundation/NSString.h"
 
 #include <algorithm>
 #include <array>

@@ -1,10 +1,10 @@
-#include "SMBConf.h"
+#include "model/SMBConf.h"
 
-#include "LargeBlocks.h"
-#include "NSFileManager.h"
-#include "NSLog.h"
-#include "NiutilTask.h"
-#include "SMBParser.h"
+#include "model/LargeBlocks.h"
+#include "model/SMBParser.h"
+#include "platform/foundation/NSFileManager.h"
+#include "platform/foundation/NSLog.h"
+#include "privileged/NiutilTask.h"
 
 #include <algorithm>
 #include <cerrno>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "SMBShare.h"
+#include "model/SMBShare.h"
 
 #include <memory>
 #include <memory_resource>

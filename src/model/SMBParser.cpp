@@ -1,4 +1,4 @@
-#include "SMBParser.h"
+#include "model/SMBParser.h"
 
 #include <algorithm>
 #include <cstring>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "SMBConf.h"
+#include "model/SMBConf.h"
 
 #include <cstddef>
 #include <memory>

@@ -1,6 +1,6 @@
-#include "SMBShare.h"
+#include "model/SMBShare.h"
 
-#include "NSString.h"
+#include "platform/foundation/NSString.h"
 
 #include <algorithm>
 

@@ -1,7 +1,7 @@
-#include "NiutilTask.h"
+#include "privileged/NiutilTask.h"
 
-#include "NSString.h"
-#include "Secret.h"
+#include "platform/foundation/NSString.h"
+#include "platform/posix/Secret.h"
 
 namespace {
 

@@ -1,10 +1,10 @@
-#include "NiutilTask.h"
+#include "privileged/NiutilTask.h"
 
-#include "Host.h"
-#include "NSAlert.h"
-#include "NSLog.h"
-#include "NSString.h"
-#include "ToolStream.h"
+#include "platform/appkit/NSAlert.h"
+#include "platform/foundation/Host.h"
+#include "platform/foundation/NSLog.h"
+#include "platform/foundation/NSString.h"
+#include "privileged/ToolStream.h"
 
 void NiutilTask::restartAFS() {
     hangUp("/bin/ps -ax | /usr/bin/grep AppleFileServer | /usr/bin/grep -v grep | /usr/bin/awk '{print $1}'");

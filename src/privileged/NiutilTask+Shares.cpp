@@ -1,8 +1,8 @@
-#include "NiutilTask.h"
+#include "privileged/NiutilTask.h"
 
-#include "NSAlert.h"
-#include "NSLog.h"
-#include "NSString.h"
+#include "platform/appkit/NSAlert.h"
+#include "platform/foundation/NSLog.h"
+#include "platform/foundation/NSString.h"
 
 #include <algorithm>
 #include <ranges>

@@ -1,12 +1,12 @@
-#include "NiutilTask.h"
+#include "privileged/NiutilTask.h"
 
-#include "Host.h"
-#include "NSAlert.h"
-#include "NSLog.h"
-#include "NSNotificationCenter.h"
-#include "NSString.h"
-#include "ToolStream.h"
-#include "ni_report.h"
+#include "directory/ni_report.h"
+#include "platform/appkit/NSAlert.h"
+#include "platform/foundation/Host.h"
+#include "platform/foundation/NSLog.h"
+#include "platform/foundation/NSNotificationCenter.h"
+#include "platform/foundation/NSString.h"
+#include "privileged/ToolStream.h"
 
 namespace {
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Authorization.h"
+#include "platform/security/Authorization.h"
 
 #include <cstdint>
 #include <cstdio>

@@ -1,6 +1,6 @@
-#include "ToolStream.h"
+#include "privileged/ToolStream.h"
 
-#include "NSString.h"
+#include "platform/foundation/NSString.h"
 
 #include <array>
 

@@ -1,6 +1,6 @@
-#include "DirectoryRules.h"
+#include "tools/DirectoryRules.h"
 
-#include "NSString.h"
+#include "platform/foundation/NSString.h"
 
 #include <algorithm>
 #include <array>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Store.h"
+#include "platform/netinfo/Store.h"
 
 #include <span>
 #include <string>

@@ -1,9 +1,9 @@
-#include "Helper.h"
+#include "tools/Helper.h"
 
-#include "EmbeddedRoot.h"
-#include "HelperCopy.h"
-#include "HelperFolders.h"
-#include "HelperSignal.h"
+#include "platform/host/EmbeddedRoot.h"
+#include "tools/HelperCopy.h"
+#include "tools/HelperFolders.h"
+#include "tools/HelperSignal.h"
 
 #include <algorithm>
 #include <array>

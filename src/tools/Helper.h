@@ -1,6 +1,6 @@
 #pragma once
 
-#include "DirectoryTools.h"
+#include "tools/DirectoryTools.h"
 
 #include <optional>
 #include <span>

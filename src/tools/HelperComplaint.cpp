@@ -1,4 +1,4 @@
-#include "HelperComplaint.h"
+#include "tools/HelperComplaint.h"
 
 #include <algorithm>
 #include <cerrno>

@@ -1,7 +1,7 @@
-#include "HelperCopy.h"
+#include "tools/HelperCopy.h"
 
-#include "FileDescriptor.h"
-#include "NSFileManager.h"
+#include "platform/foundation/NSFileManager.h"
+#include "platform/posix/FileDescriptor.h"
 
 #include <array>
 #include <cerrno>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "HelperComplaint.h"
+#include "tools/HelperComplaint.h"
 
 #include <string>
 

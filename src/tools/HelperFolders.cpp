@@ -1,6 +1,6 @@
-#include "HelperFolders.h"
+#include "tools/HelperFolders.h"
 
-#include "FileDescriptor.h"
+#include "platform/posix/FileDescriptor.h"
 
 #include <algorithm>
 #include <array>

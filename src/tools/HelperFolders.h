@@ -1,7 +1,7 @@
 #pragma once
 
-#include "DirectoryAccounts.h"
-#include "HelperComplaint.h"
+#include "platform/host/DirectoryAccounts.h"
+#include "tools/HelperComplaint.h"
 
 #include <string>
 

@@ -1,9 +1,9 @@
-#include "Helper.h"
-#include "HelperComplaint.h"
-#include "HelperLauncher.h"
-#include "Host.h"
-#include "Secret.h"
-#include "SystemServices.h"
+#include "platform/foundation/Host.h"
+#include "platform/foundation/SystemServices.h"
+#include "platform/posix/Secret.h"
+#include "platform/security/HelperLauncher.h"
+#include "tools/Helper.h"
+#include "tools/HelperComplaint.h"
 
 #include <cerrno>
 #include <charconv>

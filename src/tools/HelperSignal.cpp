@@ -1,8 +1,8 @@
-#include "HelperSignal.h"
+#include "tools/HelperSignal.h"
 
-#include "FileDescriptor.h"
-#include "HostProcesses.h"
-#include "NSFileManager.h"
+#include "platform/foundation/NSFileManager.h"
+#include "platform/host/HostProcesses.h"
+#include "platform/posix/FileDescriptor.h"
 
 #include <array>
 #include <cerrno>

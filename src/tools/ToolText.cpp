@@ -1,4 +1,4 @@
-#include "ToolText.h"
+#include "tools/ToolText.h"
 
 #include <algorithm>
 

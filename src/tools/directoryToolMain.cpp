@@ -1,8 +1,8 @@
-#include "DirectoryTools.h"
-#include "EmbeddedHost.h"
-#include "EmbeddedRoot.h"
-#include "Host.h"
-#include "LocalDomain.h"
+#include "platform/foundation/Host.h"
+#include "platform/host/EmbeddedHost.h"
+#include "platform/host/EmbeddedRoot.h"
+#include "platform/netinfo/LocalDomain.h"
+#include "tools/DirectoryTools.h"
 
 #include <cstdio>
 #include <cstring>

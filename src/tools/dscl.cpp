@@ -1,9 +1,9 @@
-#include "DirectoryRules.h"
-#include "DirectoryTools.h"
-#include "EmbeddedRoot.h"
-#include "SambaAccounts.h"
-#include "Store.h"
-#include "ToolText.h"
+#include "platform/host/EmbeddedRoot.h"
+#include "platform/host/SambaAccounts.h"
+#include "platform/netinfo/Store.h"
+#include "tools/DirectoryRules.h"
+#include "tools/DirectoryTools.h"
+#include "tools/ToolText.h"
 
 #include <algorithm>
 

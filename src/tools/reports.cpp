@@ -1,7 +1,7 @@
-#include "DirectoryTools.h"
-#include "ToolText.h"
-#include "ni.h"
-#include "ni_report.h"
+#include "directory/ni_report.h"
+#include "platform/netinfo/ni.h"
+#include "tools/DirectoryTools.h"
+#include "tools/ToolText.h"
 
 #include <memory>
 #include <vector>

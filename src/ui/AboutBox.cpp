@@ -1,12 +1,12 @@
-#include "AboutBox.h"
+#include "ui/AboutBox.h"
 
-#include "Host.h"
-#include "Interface.h"
-#include "NSAlert.h"
-#include "NSBundle.h"
-#include "NSFileManager.h"
-#include "NSLog.h"
-#include "ObjectClass.h"
+#include "platform/appkit/Interface.h"
+#include "platform/appkit/NSAlert.h"
+#include "platform/appkit/ObjectClass.h"
+#include "platform/foundation/Host.h"
+#include "platform/foundation/NSBundle.h"
+#include "platform/foundation/NSFileManager.h"
+#include "platform/foundation/NSLog.h"
 
 namespace {
 

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "NSTextField.h"
-#include "NSTextView.h"
-#include "NSWindow.h"
+#include "platform/appkit/NSTextField.h"
+#include "platform/appkit/NSTextView.h"
+#include "platform/appkit/NSWindow.h"
 
 #include <memory>
 

@@ -1,7 +1,7 @@
-#include "KWIntegerFormatter.h"
+#include "ui/KWIntegerFormatter.h"
 
-#include "NSBundle.h"
-#include "NSString.h"
+#include "platform/foundation/NSBundle.h"
+#include "platform/foundation/NSString.h"
 
 namespace {
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "NSFormatter.h"
+#include "platform/appkit/NSFormatter.h"
 
 /// Keeps a number field to digits while the user types. One instance, owned by the controller, serves all
 /// number fields. It never changes what was typed: an edit is taken as it is or refused.

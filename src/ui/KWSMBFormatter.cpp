@@ -1,7 +1,7 @@
-#include "KWSMBFormatter.h"
+#include "ui/KWSMBFormatter.h"
 
-#include "NSAlert.h"
-#include "NSString.h"
+#include "platform/appkit/NSAlert.h"
+#include "platform/foundation/NSString.h"
 
 namespace {
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "NSFormatter.h"
+#include "platform/appkit/NSFormatter.h"
 
 /// Keeps the names of an SMB server (NetBIOS name, workgroup) to 15 characters without a blank at the end,
 /// while the user types. One instance, owned by the controller, serves both fields. A value is the text

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "AppFixture.h"
+#include "support/AppFixture.h"
 
 /// The application on a directory of a few users and groups, system accounts among them.
 class AccountsTest : public AppFixture {

@@ -1,14 +1,14 @@
 #pragma once
 
-#include "AboutBox.h"
-#include "BRController.h"
-#include "DirectoryTools.h"
-#include "Interface.h"
-#include "NSBundle.h"
-#include "NSString.h"
-#include "NSUserDefaults.h"
-#include "Store.h"
-#include "TestHost.h"
+#include "app/BRController.h"
+#include "platform/appkit/Interface.h"
+#include "platform/foundation/NSBundle.h"
+#include "platform/foundation/NSString.h"
+#include "platform/foundation/NSUserDefaults.h"
+#include "platform/netinfo/Store.h"
+#include "support/TestHost.h"
+#include "tools/DirectoryTools.h"
+#include "ui/AboutBox.h"
 
 #include <gtest/gtest.h>
 

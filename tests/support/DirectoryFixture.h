@@ -1,8 +1,8 @@
 #pragma once
 
-#include "DirectoryTools.h"
-#include "Store.h"
-#include "TestHost.h"
+#include "platform/netinfo/Store.h"
+#include "support/TestHost.h"
+#include "tools/DirectoryTools.h"
 
 #include <gtest/gtest.h>
 

@@ -1,10 +1,10 @@
 #pragma once
 
-#include "CapturedRun.h"
-#include "DirectoryTools.h"
-#include "EmbeddedRoot.h"
-#include "SambaAccounts.h"
-#include "TestHost.h"
+#include "platform/host/EmbeddedRoot.h"
+#include "platform/host/SambaAccounts.h"
+#include "platform/posix/CapturedRun.h"
+#include "support/TestHost.h"
+#include "tools/DirectoryTools.h"
 
 #include <gtest/gtest.h>
 

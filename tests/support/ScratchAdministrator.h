@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Subprocess.h"
+#include "support/Subprocess.h"
 
 #include <algorithm>
 #include <filesystem>

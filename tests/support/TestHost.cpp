@@ -1,6 +1,6 @@
-#include "TestHost.h"
+#include "support/TestHost.h"
 
-#include "LocalDomain.h"
+#include "platform/netinfo/LocalDomain.h"
 
 #include <gtest/gtest.h>
 

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "Authority.h"
-#include "Host.h"
-#include "Presenter.h"
+#include "platform/foundation/Host.h"
+#include "platform/foundation/Presenter.h"
+#include "platform/security/Authority.h"
 
 #include <deque>
 #include <filesystem>

@@ -1,6 +1,6 @@
-#include "Binding.h"
+#include "frontends/qt/Binding.h"
 
-#include "NSApplication.h"
+#include "platform/appkit/NSApplication.h"
 
 #include <QTimer>
 

@@ -1,4 +1,4 @@
-#include "Buttons.h"
+#include "frontends/qt/Buttons.h"
 
 #include <QCheckBox>
 #include <QGridLayout>

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "Binding.h"
-#include "NSButton.h"
-#include "NSMatrix.h"
+#include "frontends/qt/Binding.h"
+#include "platform/appkit/NSButton.h"
+#include "platform/appkit/NSMatrix.h"
 
 #include <QAbstractButton>
 

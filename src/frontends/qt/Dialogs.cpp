@@ -1,7 +1,7 @@
-#include "Dialogs.h"
+#include "frontends/qt/Dialogs.h"
 
-#include "Binding.h"
-#include "NSBundle.h"
+#include "frontends/qt/Binding.h"
+#include "platform/foundation/NSBundle.h"
 
 #include <QAbstractButton>
 #include <QDialogButtonBox>

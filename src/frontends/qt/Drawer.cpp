@@ -1,4 +1,4 @@
-#include "Drawer.h"
+#include "frontends/qt/Drawer.h"
 
 #include <QFrame>
 #include <QHBoxLayout>

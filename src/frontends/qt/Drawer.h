@@ -1,7 +1,7 @@
 #pragma once
 
-#include "Binding.h"
-#include "NSWindow.h"
+#include "frontends/qt/Binding.h"
+#include "platform/appkit/NSWindow.h"
 
 #include <QScrollArea>
 #include <QVariantAnimation>

@@ -1,6 +1,6 @@
-#include "FrameTimers.h"
+#include "frontends/qt/FrameTimers.h"
 
-#include "NSApplication.h"
+#include "platform/appkit/NSApplication.h"
 
 #include <algorithm>
 

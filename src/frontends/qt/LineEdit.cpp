@@ -1,6 +1,6 @@
-#include "LineEdit.h"
+#include "frontends/qt/LineEdit.h"
 
-#include "NSApplication.h"
+#include "platform/appkit/NSApplication.h"
 
 #include <QDropEvent>
 #include <QMimeData>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "Binding.h"
-#include "NSTextField.h"
+#include "frontends/qt/Binding.h"
+#include "platform/appkit/NSTextField.h"
 
 #include <QLineEdit>
 

@@ -1,12 +1,12 @@
-#include "Menus.h"
+#include "frontends/qt/Menus.h"
 
-#include "LineEdit.h"
-#include "NSAlert.h"
-#include "NSApplication.h"
-#include "NSBundle.h"
-#include "NSButton.h"
-#include "NSWindow.h"
-#include "NodeAttributes.h"
+#include "frontends/qt/LineEdit.h"
+#include "frontends/qt/NodeAttributes.h"
+#include "platform/appkit/NSAlert.h"
+#include "platform/appkit/NSApplication.h"
+#include "platform/appkit/NSButton.h"
+#include "platform/appkit/NSWindow.h"
+#include "platform/foundation/NSBundle.h"
 
 #include <QAction>
 #include <QApplication>

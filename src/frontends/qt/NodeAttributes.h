@@ -1,7 +1,7 @@
 #pragma once
 
-#include "Interface.h"
-#include "NSString.h"
+#include "platform/appkit/Interface.h"
+#include "platform/foundation/NSString.h"
 
 #include <string_view>
 

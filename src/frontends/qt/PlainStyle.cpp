@@ -1,4 +1,4 @@
-#include "PlainStyle.h"
+#include "frontends/qt/PlainStyle.h"
 
 #include <QApplication>
 #include <QStyleOption>

@@ -1,4 +1,4 @@
-#include "PopUp.h"
+#include "frontends/qt/PopUp.h"
 
 #include <QListView>
 #include <QWheelEvent>

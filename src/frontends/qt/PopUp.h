@@ -1,7 +1,7 @@
 #pragma once
 
-#include "Binding.h"
-#include "NSPopUpButton.h"
+#include "frontends/qt/Binding.h"
+#include "platform/appkit/NSPopUpButton.h"
 
 #include <QAbstractListModel>
 #include <QComboBox>

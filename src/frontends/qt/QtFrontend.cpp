@@ -1,10 +1,10 @@
-#include "QtFrontend.h"
+#include "frontends/qt/QtFrontend.h"
 
-#include "NSApplication.h"
-#include "NSWindow.h"
-#include "PlainStyle.h"
-#include "QtPresenter.h"
-#include "Snapshots.h"
+#include "frontends/qt/PlainStyle.h"
+#include "frontends/qt/QtPresenter.h"
+#include "frontends/qt/Snapshots.h"
+#include "platform/appkit/NSApplication.h"
+#include "platform/appkit/NSWindow.h"
 
 #include <QApplication>
 #include <QLoggingCategory>

@@ -1,8 +1,8 @@
-#include "QtPresenter.h"
+#include "frontends/qt/QtPresenter.h"
 
-#include "Dialogs.h"
-#include "NSLog.h"
-#include "NodeAttributes.h"
+#include "frontends/qt/Dialogs.h"
+#include "frontends/qt/NodeAttributes.h"
+#include "platform/foundation/NSLog.h"
 
 #include <QApplication>
 #include <QDesktopServices>

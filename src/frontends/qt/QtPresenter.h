@@ -1,9 +1,9 @@
 #pragma once
 
-#include "FrameTimers.h"
-#include "Presenter.h"
-#include "QtFrontend.h"
-#include "WindowView.h"
+#include "frontends/qt/FrameTimers.h"
+#include "frontends/qt/QtFrontend.h"
+#include "frontends/qt/WindowView.h"
+#include "platform/foundation/Presenter.h"
 
 #include <memory>
 #include <vector>

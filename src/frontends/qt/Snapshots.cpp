@@ -1,11 +1,11 @@
-#include "Snapshots.h"
+#include "frontends/qt/Snapshots.h"
 
-#include "NSApplication.h"
-#include "NSButton.h"
-#include "NSPopUpButton.h"
-#include "NSTabView.h"
-#include "NSTableView.h"
-#include "NodeAttributes.h"
+#include "frontends/qt/NodeAttributes.h"
+#include "platform/appkit/NSApplication.h"
+#include "platform/appkit/NSButton.h"
+#include "platform/appkit/NSPopUpButton.h"
+#include "platform/appkit/NSTabView.h"
+#include "platform/appkit/NSTableView.h"
 
 #include <QCoreApplication>
 #include <QDir>

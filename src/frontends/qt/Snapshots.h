@@ -1,6 +1,6 @@
 #pragma once
 
-#include "QtPresenter.h"
+#include "frontends/qt/QtPresenter.h"
 
 #include <string>
 

@@ -1,4 +1,4 @@
-#include "TabView.h"
+#include "frontends/qt/TabView.h"
 
 #include <QSignalBlocker>
 #include <QTimer>

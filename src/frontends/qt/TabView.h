@@ -1,7 +1,7 @@
 #pragma once
 
-#include "Binding.h"
-#include "NSTabView.h"
+#include "frontends/qt/Binding.h"
+#include "platform/appkit/NSTabView.h"
 
 #include <QStackedWidget>
 #include <QTabBar>

@@ -1,4 +1,4 @@
-#include "TableView.h"
+#include "frontends/qt/TableView.h"
 
 #include <QHeaderView>
 #include <QMenu>

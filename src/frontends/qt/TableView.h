@@ -1,7 +1,7 @@
 #pragma once
 
-#include "Binding.h"
-#include "NSTableView.h"
+#include "frontends/qt/Binding.h"
+#include "platform/appkit/NSTableView.h"
 
 #include <QAbstractTableModel>
 #include <QTableView>

@@ -1,4 +1,4 @@
-#include "TextView.h"
+#include "frontends/qt/TextView.h"
 
 #include <QScrollBar>
 #include <QTextBlockFormat>

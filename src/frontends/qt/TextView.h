@@ -1,7 +1,7 @@
 #pragma once
 
-#include "Binding.h"
-#include "NSTextView.h"
+#include "frontends/qt/Binding.h"
+#include "platform/appkit/NSTextView.h"
 
 #include <QTextEdit>
 #include <QTimer>

@@ -1,13 +1,13 @@
-#include "WidgetBuilder.h"
+#include "frontends/qt/WidgetBuilder.h"
 
-#include "Buttons.h"
-#include "Drawer.h"
-#include "LineEdit.h"
-#include "NodeAttributes.h"
-#include "PopUp.h"
-#include "TabView.h"
-#include "TableView.h"
-#include "TextView.h"
+#include "frontends/qt/Buttons.h"
+#include "frontends/qt/Drawer.h"
+#include "frontends/qt/LineEdit.h"
+#include "frontends/qt/NodeAttributes.h"
+#include "frontends/qt/PopUp.h"
+#include "frontends/qt/TabView.h"
+#include "frontends/qt/TableView.h"
+#include "frontends/qt/TextView.h"
 
 #include <QFrame>
 #include <QGridLayout>

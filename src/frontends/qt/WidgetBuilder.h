@@ -1,7 +1,7 @@
 #pragma once
 
-#include "Binding.h"
-#include "Interface.h"
+#include "frontends/qt/Binding.h"
+#include "platform/appkit/Interface.h"
 
 #include <QLabel>
 #include <QLayout>

@@ -1,10 +1,10 @@
-#include "WindowView.h"
+#include "frontends/qt/WindowView.h"
 
-#include "Buttons.h"
-#include "Drawer.h"
-#include "Menus.h"
-#include "NSApplication.h"
-#include "NodeAttributes.h"
+#include "frontends/qt/Buttons.h"
+#include "frontends/qt/Drawer.h"
+#include "frontends/qt/Menus.h"
+#include "frontends/qt/NodeAttributes.h"
+#include "platform/appkit/NSApplication.h"
 
 #include <QApplication>
 #include <QHBoxLayout>

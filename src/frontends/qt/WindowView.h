@@ -1,9 +1,9 @@
 #pragma once
 
-#include "Binding.h"
-#include "Interface.h"
-#include "NSWindow.h"
-#include "WidgetBuilder.h"
+#include "frontends/qt/Binding.h"
+#include "frontends/qt/WidgetBuilder.h"
+#include "platform/appkit/Interface.h"
+#include "platform/appkit/NSWindow.h"
 
 #include <QPointer>
 #include <QWidget>

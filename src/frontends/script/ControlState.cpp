@@ -1,14 +1,14 @@
-#include "ControlState.h"
+#include "frontends/script/ControlState.h"
 
-#include "NSButton.h"
-#include "NSMatrix.h"
-#include "NSPopUpButton.h"
-#include "NSTabView.h"
-#include "NSTableView.h"
-#include "NSTextField.h"
-#include "NSTextView.h"
-#include "NSWindow.h"
-#include "ScriptWords.h"
+#include "frontends/script/ScriptWords.h"
+#include "platform/appkit/NSButton.h"
+#include "platform/appkit/NSMatrix.h"
+#include "platform/appkit/NSPopUpButton.h"
+#include "platform/appkit/NSTabView.h"
+#include "platform/appkit/NSTableView.h"
+#include "platform/appkit/NSTextField.h"
+#include "platform/appkit/NSTextView.h"
+#include "platform/appkit/NSWindow.h"
 
 #include <algorithm>
 

@@ -1,6 +1,6 @@
-#include "ScriptOutput.h"
+#include "frontends/script/ScriptOutput.h"
 
-#include "ScriptWords.h"
+#include "frontends/script/ScriptWords.h"
 
 namespace frontend {
 

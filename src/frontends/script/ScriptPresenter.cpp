@@ -1,7 +1,7 @@
-#include "ScriptPresenter.h"
+#include "frontends/script/ScriptPresenter.h"
 
-#include "NSWindow.h"
-#include "ScriptWords.h"
+#include "frontends/script/ScriptWords.h"
+#include "platform/appkit/NSWindow.h"
 
 #include <algorithm>
 #include <filesystem>

@@ -1,9 +1,9 @@
 #pragma once
 
-#include "Interface.h"
-#include "Presenter.h"
-#include "ScriptError.h"
-#include "ScriptOutput.h"
+#include "frontends/script/ScriptError.h"
+#include "frontends/script/ScriptOutput.h"
+#include "platform/appkit/Interface.h"
+#include "platform/foundation/Presenter.h"
 
 #include <deque>
 #include <map>

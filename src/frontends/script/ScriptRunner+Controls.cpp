@@ -1,16 +1,16 @@
-#include "ScriptRunner.h"
+#include "frontends/script/ScriptRunner.h"
 
-#include "ControlState.h"
-#include "NSApplication.h"
-#include "NSButton.h"
-#include "NSMatrix.h"
-#include "NSPopUpButton.h"
-#include "NSString.h"
-#include "NSTabView.h"
-#include "NSTableView.h"
-#include "NSTextField.h"
-#include "NSWindow.h"
-#include "ScriptWords.h"
+#include "frontends/script/ControlState.h"
+#include "frontends/script/ScriptWords.h"
+#include "platform/appkit/NSApplication.h"
+#include "platform/appkit/NSButton.h"
+#include "platform/appkit/NSMatrix.h"
+#include "platform/appkit/NSPopUpButton.h"
+#include "platform/appkit/NSTabView.h"
+#include "platform/appkit/NSTableView.h"
+#include "platform/appkit/NSTextField.h"
+#include "platform/appkit/NSWindow.h"
+#include "platform/foundation/NSString.h"
 
 #include <algorithm>
 

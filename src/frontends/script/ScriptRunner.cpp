@@ -1,7 +1,7 @@
-#include "ScriptRunner.h"
+#include "frontends/script/ScriptRunner.h"
 
-#include "NSApplication.h"
-#include "ScriptWords.h"
+#include "frontends/script/ScriptWords.h"
+#include "platform/appkit/NSApplication.h"
 
 #include <array>
 #include <istream>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "ScriptOutput.h"
-#include "ScriptPresenter.h"
+#include "frontends/script/ScriptOutput.h"
+#include "frontends/script/ScriptPresenter.h"
 
 #include <functional>
 #include <iosfwd>

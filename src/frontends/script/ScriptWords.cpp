@@ -1,4 +1,4 @@
-#include "ScriptWords.h"
+#include "frontends/script/ScriptWords.h"
 
 namespace frontend {
 

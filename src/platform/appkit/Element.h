@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Signal.h"
+#include "platform/foundation/Signal.h"
 
 #include <string>
 #include <utility>

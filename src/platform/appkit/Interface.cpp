@@ -1,4 +1,4 @@
-#include "Interface.h"
+#include "platform/appkit/Interface.h"
 
 namespace platform {
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "Element.h"
-#include "ObjectClass.h"
+#include "platform/appkit/Element.h"
+#include "platform/appkit/ObjectClass.h"
 
 #include <map>
 #include <memory>

@@ -1,6 +1,6 @@
-#include "InterfaceGrammar.h"
+#include "platform/appkit/InterfaceGrammar.h"
 
-#include "NSString.h"
+#include "platform/foundation/NSString.h"
 
 #include <algorithm>
 #include <charconv>

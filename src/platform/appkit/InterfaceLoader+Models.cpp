@@ -1,10 +1,10 @@
-#include "InterfaceLoader.h"
+#include "platform/appkit/InterfaceLoader.h"
 
-#include "NSButton.h"
-#include "NSMatrix.h"
-#include "NSPopUpButton.h"
-#include "NSString.h"
-#include "NSTextView.h"
+#include "platform/appkit/NSButton.h"
+#include "platform/appkit/NSMatrix.h"
+#include "platform/appkit/NSPopUpButton.h"
+#include "platform/appkit/NSTextView.h"
+#include "platform/foundation/NSString.h"
 
 #include <set>
 

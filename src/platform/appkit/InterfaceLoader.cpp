@@ -1,10 +1,10 @@
-#include "InterfaceLoader.h"
+#include "platform/appkit/InterfaceLoader.h"
 
-#include "Host.h"
-#include "NSBundle.h"
-#include "NSFileManager.h"
-#include "NSString.h"
-#include "Presenter.h"
+#include "platform/foundation/Host.h"
+#include "platform/foundation/NSBundle.h"
+#include "platform/foundation/NSFileManager.h"
+#include "platform/foundation/NSString.h"
+#include "platform/foundation/Presenter.h"
 
 #include <algorithm>
 #include <cstring>

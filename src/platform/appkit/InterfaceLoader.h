@@ -1,7 +1,7 @@
 #pragma once
 
-#include "Interface.h"
-#include "InterfaceGrammar.h"
+#include "platform/appkit/Interface.h"
+#include "platform/appkit/InterfaceGrammar.h"
 
 #include <cstddef>
 #include <functional>

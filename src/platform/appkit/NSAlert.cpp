@@ -1,6 +1,6 @@
-#include "NSAlert.h"
+#include "platform/appkit/NSAlert.h"
 
-#include "Host.h"
+#include "platform/foundation/Host.h"
 
 #include <utility>
 

@@ -1,9 +1,9 @@
-#include "NSApplication.h"
+#include "platform/appkit/NSApplication.h"
 
-#include "Host.h"
-#include "NSLog.h"
-#include "NSWindow.h"
-#include "Presenter.h"
+#include "platform/appkit/NSWindow.h"
+#include "platform/foundation/Host.h"
+#include "platform/foundation/NSLog.h"
+#include "platform/foundation/Presenter.h"
 
 #include <exception>
 #include <utility>

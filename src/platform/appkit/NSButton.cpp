@@ -1,4 +1,4 @@
-#include "NSButton.h"
+#include "platform/appkit/NSButton.h"
 
 #include <filesystem>
 

@@ -1,4 +1,4 @@
-#include "NSControl.h"
+#include "platform/appkit/NSControl.h"
 
 void NSControl::setEnabled(bool enabled) {
     enabled_ = enabled;

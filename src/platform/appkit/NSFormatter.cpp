@@ -1,4 +1,4 @@
-#include "NSFormatter.h"
+#include "platform/appkit/NSFormatter.h"
 
 #include <algorithm>
 #include <iterator>

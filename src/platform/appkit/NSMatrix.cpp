@@ -1,6 +1,6 @@
-#include "NSMatrix.h"
+#include "platform/appkit/NSMatrix.h"
 
-#include "NSString.h"
+#include "platform/foundation/NSString.h"
 
 #include <stdexcept>
 

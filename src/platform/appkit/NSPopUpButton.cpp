@@ -1,6 +1,6 @@
-#include "NSPopUpButton.h"
+#include "platform/appkit/NSPopUpButton.h"
 
-#include "NSString.h"
+#include "platform/foundation/NSString.h"
 
 #include <algorithm>
 #include <stdexcept>

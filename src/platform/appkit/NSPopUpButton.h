@@ -1,6 +1,6 @@
 #pragma once
 
-#include "NSControl.h"
+#include "platform/appkit/NSControl.h"
 
 #include <cstdint>
 #include <optional>

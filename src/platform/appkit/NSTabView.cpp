@@ -1,6 +1,6 @@
-#include "NSTabView.h"
+#include "platform/appkit/NSTabView.h"
 
-#include "NSString.h"
+#include "platform/foundation/NSString.h"
 
 #include <stdexcept>
 #include <utility>

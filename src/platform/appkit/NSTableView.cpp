@@ -1,4 +1,4 @@
-#include "NSTableView.h"
+#include "platform/appkit/NSTableView.h"
 
 #include <algorithm>
 #include <utility>

@@ -1,8 +1,8 @@
-#include "NSTextField.h"
+#include "platform/appkit/NSTextField.h"
 
-#include "Host.h"
-#include "NSString.h"
-#include "Presenter.h"
+#include "platform/foundation/Host.h"
+#include "platform/foundation/NSString.h"
+#include "platform/foundation/Presenter.h"
 
 #include <string.h>
 

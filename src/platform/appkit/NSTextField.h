@@ -1,7 +1,7 @@
 #pragma once
 
-#include "NSControl.h"
-#include "NSFormatter.h"
+#include "platform/appkit/NSControl.h"
+#include "platform/appkit/NSFormatter.h"
 
 #include <memory>
 #include <string>

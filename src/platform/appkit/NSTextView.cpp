@@ -1,6 +1,6 @@
-#include "NSTextView.h"
+#include "platform/appkit/NSTextView.h"
 
-#include "NSString.h"
+#include "platform/foundation/NSString.h"
 
 void NSTextView::insertAtStart(const platform::RichText& text) {
     text_.insert(text_.begin(), text.begin(), text.end());

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "Element.h"
-#include "RichText.h"
+#include "platform/appkit/Element.h"
+#include "platform/appkit/RichText.h"
 
 #include <string>
 

@@ -1,8 +1,8 @@
-#include "NSWindow.h"
+#include "platform/appkit/NSWindow.h"
 
-#include "Host.h"
-#include "NSApplication.h"
-#include "Presenter.h"
+#include "platform/appkit/NSApplication.h"
+#include "platform/foundation/Host.h"
+#include "platform/foundation/Presenter.h"
 
 #include <algorithm>
 #include <utility>

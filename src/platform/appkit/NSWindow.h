@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Element.h"
+#include "platform/appkit/Element.h"
 
 #include <memory>
 #include <string>

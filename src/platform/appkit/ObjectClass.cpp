@@ -1,6 +1,6 @@
-#include "ObjectClass.h"
+#include "platform/appkit/ObjectClass.h"
 
-#include "Host.h"
+#include "platform/foundation/Host.h"
 
 #include <map>
 #include <utility>

@@ -1,12 +1,12 @@
 #pragma once
 
-#include "Element.h"
-#include "NSApplication.h"
-#include "NSControl.h"
-#include "NSTabView.h"
-#include "NSTableView.h"
-#include "NSTextField.h"
-#include "NSWindow.h"
+#include "platform/appkit/Element.h"
+#include "platform/appkit/NSApplication.h"
+#include "platform/appkit/NSControl.h"
+#include "platform/appkit/NSTabView.h"
+#include "platform/appkit/NSTableView.h"
+#include "platform/appkit/NSTextField.h"
+#include "platform/appkit/NSWindow.h"
 
 #include <functional>
 #include <map>

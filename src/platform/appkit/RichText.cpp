@@ -1,4 +1,4 @@
-#include "RichText.h"
+#include "platform/appkit/RichText.h"
 
 #include <array>
 #include <charconv>

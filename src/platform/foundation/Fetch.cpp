@@ -1,7 +1,7 @@
-#include "Fetch.h"
+#include "platform/foundation/Fetch.h"
 
-#include "NSBundle.h"
-#include "NSString.h"
+#include "platform/foundation/NSBundle.h"
+#include "platform/foundation/NSString.h"
 
 #include <memory>
 #include <utility>

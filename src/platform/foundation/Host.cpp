@@ -1,9 +1,9 @@
-#include "Host.h"
+#include "platform/foundation/Host.h"
 
-#include "Gestalt.h"
-#include "NSBundle.h"
-#include "NSNotificationCenter.h"
-#include "NSUserDefaults.h"
+#include "platform/foundation/Gestalt.h"
+#include "platform/foundation/NSBundle.h"
+#include "platform/foundation/NSNotificationCenter.h"
+#include "platform/foundation/NSUserDefaults.h"
 
 namespace platform {
 

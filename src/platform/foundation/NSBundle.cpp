@@ -1,8 +1,8 @@
-#include "NSBundle.h"
+#include "platform/foundation/NSBundle.h"
 
-#include "Host.h"
-#include "NSFileManager.h"
-#include "NSLog.h"
+#include "platform/foundation/Host.h"
+#include "platform/foundation/NSFileManager.h"
+#include "platform/foundation/NSLog.h"
 
 #include <array>
 #include <cerrno>

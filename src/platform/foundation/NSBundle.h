@@ -1,7 +1,7 @@
 #pragma once
 
-#include "NSDictionary.h"
-#include "StringTable.h"
+#include "platform/foundation/NSDictionary.h"
+#include "platform/foundation/StringTable.h"
 
 #include <string>
 #include <vector>

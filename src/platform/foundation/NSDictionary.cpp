@@ -1,7 +1,7 @@
-#include "NSDictionary.h"
+#include "platform/foundation/NSDictionary.h"
 
-#include "NSFileManager.h"
-#include "NSString.h"
+#include "platform/foundation/NSFileManager.h"
+#include "platform/foundation/NSString.h"
 
 #include <algorithm>
 #include <array>

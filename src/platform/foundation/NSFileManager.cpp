@@ -1,6 +1,6 @@
-#include "NSFileManager.h"
+#include "platform/foundation/NSFileManager.h"
 
-#include "Host.h"
+#include "platform/foundation/Host.h"
 
 #include <array>
 #include <cerrno>

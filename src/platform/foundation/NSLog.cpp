@@ -1,6 +1,6 @@
-#include "NSLog.h"
+#include "platform/foundation/NSLog.h"
 
-#include "Host.h"
+#include "platform/foundation/Host.h"
 
 void platform::logText(std::string_view text) {
     Host::current().log().write(text);

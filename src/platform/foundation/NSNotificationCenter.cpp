@@ -1,6 +1,6 @@
-#include "NSNotificationCenter.h"
+#include "platform/foundation/NSNotificationCenter.h"
 
-#include "Host.h"
+#include "platform/foundation/Host.h"
 
 #include <algorithm>
 #include <utility>

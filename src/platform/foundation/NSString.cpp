@@ -1,4 +1,4 @@
-#include "NSString.h"
+#include "platform/foundation/NSString.h"
 
 #include <algorithm>
 #include <array>

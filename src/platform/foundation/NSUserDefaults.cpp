@@ -1,8 +1,8 @@
-#include "NSUserDefaults.h"
+#include "platform/foundation/NSUserDefaults.h"
 
-#include "Host.h"
-#include "NSFileManager.h"
-#include "NSLog.h"
+#include "platform/foundation/Host.h"
+#include "platform/foundation/NSFileManager.h"
+#include "platform/foundation/NSLog.h"
 
 #include <cerrno>
 #include <cstring>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "NSDictionary.h"
+#include "platform/foundation/NSDictionary.h"
 
 #include <cstdint>
 #include <optional>

@@ -1,6 +1,6 @@
-#include "StringTable.h"
+#include "platform/foundation/StringTable.h"
 
-#include "NSString.h"
+#include "platform/foundation/NSString.h"
 
 #include <algorithm>
 #include <charconv>

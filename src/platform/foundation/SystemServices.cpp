@@ -1,4 +1,4 @@
-#include "SystemServices.h"
+#include "platform/foundation/SystemServices.h"
 
 #include <chrono>
 #include <cstdio>

@@ -1,4 +1,4 @@
-#include "AccountLists.h"
+#include "platform/host/AccountLists.h"
 
 #include <charconv>
 #include <cstdint>

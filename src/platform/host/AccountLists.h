@@ -1,6 +1,6 @@
 #pragma once
 
-#include "RecordBlock.h"
+#include "platform/netinfo/RecordBlock.h"
 
 #include <string>
 

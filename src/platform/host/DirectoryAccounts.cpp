@@ -1,7 +1,7 @@
-#include "DirectoryAccounts.h"
+#include "platform/host/DirectoryAccounts.h"
 
-#include "AccountLists.h"
-#include "ni.h"
+#include "platform/host/AccountLists.h"
+#include "platform/netinfo/ni.h"
 
 #include <memory>
 #include <vector>

@@ -1,12 +1,12 @@
-#include "EmbeddedHost.h"
+#include "platform/host/EmbeddedHost.h"
 
-#include "ConsentAuthority.h"
-#include "DirectoryAccounts.h"
-#include "EmbeddedRoot.h"
-#include "HostProcesses.h"
-#include "LocalDomain.h"
-#include "NSBundle.h"
-#include "SystemServices.h"
+#include "platform/foundation/NSBundle.h"
+#include "platform/foundation/SystemServices.h"
+#include "platform/host/DirectoryAccounts.h"
+#include "platform/host/EmbeddedRoot.h"
+#include "platform/host/HostProcesses.h"
+#include "platform/netinfo/LocalDomain.h"
+#include "platform/security/ConsentAuthority.h"
 
 #include <cstdlib>
 #include <filesystem>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Services.h"
+#include "platform/foundation/Services.h"
 
 #include <memory>
 #include <string>

@@ -1,9 +1,9 @@
-#include "EmbeddedRoot.h"
+#include "platform/host/EmbeddedRoot.h"
 
-#include "NSFileManager.h"
-#include "RootContents.h"
-#include "SambaAccounts.h"
-#include "Store.h"
+#include "platform/foundation/NSFileManager.h"
+#include "platform/host/RootContents.h"
+#include "platform/host/SambaAccounts.h"
+#include "platform/netinfo/Store.h"
 
 #include <cerrno>
 #include <cstdlib>

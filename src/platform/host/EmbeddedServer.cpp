@@ -1,9 +1,9 @@
-#include "EmbeddedServer.h"
+#include "platform/host/EmbeddedServer.h"
 
-#include "CapturedRun.h"
-#include "NSFileManager.h"
-#include "NSString.h"
-#include "SambaAccounts.h"
+#include "platform/foundation/NSFileManager.h"
+#include "platform/foundation/NSString.h"
+#include "platform/host/SambaAccounts.h"
+#include "platform/posix/CapturedRun.h"
 
 #include <algorithm>
 #include <array>

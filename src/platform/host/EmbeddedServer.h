@@ -1,6 +1,6 @@
 #pragma once
 
-#include "EmbeddedRoot.h"
+#include "platform/host/EmbeddedRoot.h"
 
 #include <string>
 

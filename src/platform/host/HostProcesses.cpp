@@ -1,8 +1,8 @@
-#include "HostProcesses.h"
+#include "platform/host/HostProcesses.h"
 
-#include "EmbeddedRoot.h"
-#include "NSString.h"
-#include "SambaAccounts.h"
+#include "platform/foundation/NSString.h"
+#include "platform/host/EmbeddedRoot.h"
+#include "platform/host/SambaAccounts.h"
 
 #include <array>
 #include <cerrno>

@@ -1,7 +1,7 @@
-#include "RootContents.h"
+#include "platform/host/RootContents.h"
 
-#include "AccountLists.h"
-#include "Store.h"
+#include "platform/host/AccountLists.h"
+#include "platform/netinfo/Store.h"
 
 #include <algorithm>
 #include <optional>

@@ -1,9 +1,9 @@
-#include "SambaAccounts.h"
+#include "platform/host/SambaAccounts.h"
 
-#include "AccountLists.h"
-#include "CapturedRun.h"
-#include "NSFileManager.h"
-#include "Store.h"
+#include "platform/foundation/NSFileManager.h"
+#include "platform/host/AccountLists.h"
+#include "platform/netinfo/Store.h"
+#include "platform/posix/CapturedRun.h"
 
 #include <array>
 #include <cerrno>

@@ -1,6 +1,6 @@
-#include "ReadConnection.h"
+#include "platform/netinfo/ReadConnection.h"
 
-#include "StoreUpgrade.h"
+#include "platform/netinfo/StoreUpgrade.h"
 
 #include <chrono>
 #include <filesystem>

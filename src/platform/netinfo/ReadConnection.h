@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Sqlite.h"
+#include "platform/netinfo/Sqlite.h"
 
 #include <optional>
 #include <string>

@@ -1,7 +1,7 @@
-#include "RecordBlock.h"
+#include "platform/netinfo/RecordBlock.h"
 
-#include "RecordContent.h"
-#include "Sqlite.h"
+#include "platform/netinfo/RecordContent.h"
+#include "platform/netinfo/Sqlite.h"
 
 #include <algorithm>
 

@@ -1,4 +1,4 @@
-#include "RecordContent.h"
+#include "platform/netinfo/RecordContent.h"
 
 namespace platform {
 

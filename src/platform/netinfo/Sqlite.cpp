@@ -1,4 +1,4 @@
-#include "Sqlite.h"
+#include "platform/netinfo/Sqlite.h"
 
 namespace platform {
 

@@ -1,8 +1,8 @@
-#include "Store.h"
+#include "platform/netinfo/Store.h"
 
-#include "RecordContent.h"
-#include "Sqlite.h"
-#include "StoreUpgrade.h"
+#include "platform/netinfo/RecordContent.h"
+#include "platform/netinfo/Sqlite.h"
+#include "platform/netinfo/StoreUpgrade.h"
 
 #include <algorithm>
 #include <filesystem>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "RecordBlock.h"
-#include "RecordContent.h"
+#include "platform/netinfo/RecordBlock.h"
+#include "platform/netinfo/RecordContent.h"
 
 #include <cstdint>
 #include <memory>

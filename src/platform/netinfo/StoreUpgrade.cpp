@@ -1,7 +1,7 @@
-#include "StoreUpgrade.h"
+#include "platform/netinfo/StoreUpgrade.h"
 
-#include "RecordContent.h"
-#include "Sqlite.h"
+#include "platform/netinfo/RecordContent.h"
+#include "platform/netinfo/Sqlite.h"
 
 #include <utility>
 

@@ -1,9 +1,9 @@
-#include "ni.h"
+#include "platform/netinfo/ni.h"
 
-#include "Host.h"
-#include "LocalDomain.h"
-#include "ReadConnection.h"
-#include "RecordBlock.h"
+#include "platform/foundation/Host.h"
+#include "platform/netinfo/LocalDomain.h"
+#include "platform/netinfo/ReadConnection.h"
+#include "platform/netinfo/RecordBlock.h"
 
 #include <algorithm>
 #include <array>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "AuthorizationTypes.h"
+#include "platform/security/AuthorizationTypes.h"
 
 #include <memory>
 #include <span>

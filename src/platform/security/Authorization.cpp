@@ -1,7 +1,7 @@
-#include "Authorization.h"
+#include "platform/security/Authorization.h"
 
-#include "Host.h"
-#include "Presenter.h"
+#include "platform/foundation/Host.h"
+#include "platform/foundation/Presenter.h"
 
 #include <array>
 #include <cerrno>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Authority.h"
+#include "platform/security/Authority.h"
 
 #include <cstdint>
 #include <cstdio>

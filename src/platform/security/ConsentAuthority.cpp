@@ -1,7 +1,7 @@
-#include "ConsentAuthority.h"
+#include "platform/security/ConsentAuthority.h"
 
-#include "Host.h"
-#include "Presenter.h"
+#include "platform/foundation/Host.h"
+#include "platform/foundation/Presenter.h"
 
 #include <optional>
 

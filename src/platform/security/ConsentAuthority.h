@@ -1,7 +1,7 @@
 #pragma once
 
-#include "Authority.h"
-#include "HelperLauncher.h"
+#include "platform/security/Authority.h"
+#include "platform/security/HelperLauncher.h"
 
 #include <string>
 

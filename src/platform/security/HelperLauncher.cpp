@@ -1,6 +1,6 @@
-#include "HelperLauncher.h"
+#include "platform/security/HelperLauncher.h"
 
-#include "Secret.h"
+#include "platform/posix/Secret.h"
 
 #include <algorithm>
 #include <array>

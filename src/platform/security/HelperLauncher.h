@@ -1,7 +1,7 @@
 #pragma once
 
-#include "AuthorizationTypes.h"
-#include "ChildProcess.h"
+#include "platform/posix/ChildProcess.h"
+#include "platform/security/AuthorizationTypes.h"
 
 #include <chrono>
 #include <cstddef>

@@ -1,11 +1,11 @@
-#include "SudoAuthority.h"
+#include "platform/security/SudoAuthority.h"
 
-#include "ChildProcess.h"
-#include "Host.h"
-#include "NSBundle.h"
-#include "NSLog.h"
-#include "Presenter.h"
-#include "Secret.h"
+#include "platform/foundation/Host.h"
+#include "platform/foundation/NSBundle.h"
+#include "platform/foundation/NSLog.h"
+#include "platform/foundation/Presenter.h"
+#include "platform/posix/ChildProcess.h"
+#include "platform/posix/Secret.h"
 
 #include <utility>
 #include <vector>

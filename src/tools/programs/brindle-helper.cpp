@@ -1,4 +1,4 @@
-#include "Helper.h"
+#include "tools/Helper.h"
 
 int main(int argc, char** argv) {
     return helperMain(argc, argv);

@@ -1,4 +1,4 @@
-#include "DirectoryTools.h"
+#include "tools/DirectoryTools.h"
 
 int main(int argc, char** argv) {
     return directoryToolMain("dscl", argc, argv);

@@ -1,4 +1,4 @@
-#include "ChildProcess.h"
+#include "platform/posix/ChildProcess.h"
 
 #include <array>
 #include <cerrno>

@@ -1,4 +1,4 @@
-#include "CapturedRun.h"
+#include "platform/posix/CapturedRun.h"
 
 #include <array>
 #include <cerrno>

@@ -1,0 +1,31 @@
+#include "platform/posix/Status.h"
+
+#include <system_error>
+
+namespace platform {
+
+Status Status::failure(std::string what, std::string on, std::string why) {
+    Status status;
+    status.failure_ = Failure{std::move(what), std::move(on), std::move(why), 0};
+    return status;
+}
+
+Status Status::ofErrno(std::string what, std::string on, int error) {
+    Status status = failure(std::move(what), std::move(on), std::generic_category().message(error));
+    status.failure_->error = error;
+    return status;
+}
+
+std::string Status::text() const {
+    if (!failure_) {
+        return {};
+    }
+    const std::string subject = failure_->on.empty() ? std::string() : " " + failure_->on;
+    return failure_->what + subject + ": " + failure_->why;
+}
+
+std::string_view Status::why() const {
+    return failure_ ? std::string_view(failure_->why) : std::string_view();
+}
+
+} // namespace platform

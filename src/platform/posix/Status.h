@@ -1,0 +1,72 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+
+namespace platform {
+
+/// How an operation ended that can fail in ordinary ways: well, or what failed, on what, and why. The one
+/// form in which our own code reports such failures; codes that the system itself defines (OSStatus,
+/// writeSMBConfFile's) stay beside it.
+class [[nodiscard]] Status {
+  public:
+    /// It went well.
+    Status() = default;
+
+    /// `what` is a verb phrase ("cannot write"), `on` the file, record or program that it is about (may be
+    /// empty), `why` the reason and, where there is one, what to do.
+    [[nodiscard]] static Status failure(std::string what, std::string on, std::string why);
+    /// The same for a failed system call; `error` is errno's value.
+    [[nodiscard]] static Status ofErrno(std::string what, std::string on, int error);
+
+    [[nodiscard]] bool isOk() const { return !failure_; }
+
+    /// "cannot write /etc/smb.conf: No space left on device". Empty when all went well.
+    [[nodiscard]] std::string text() const;
+    /// The reason alone. Empty when all went well.
+    [[nodiscard]] std::string_view why() const;
+
+    /// errno's value when a system call failed, else 0.
+    [[nodiscard]] int systemError() const { return failure_ ? failure_->error : 0; }
+
+  private:
+    struct Failure {
+        std::string what;
+        std::string on;
+        std::string why;
+        int error = 0;
+    };
+
+    std::optional<Failure> failure_;
+};
+
+/// A value, or why there is none.
+template <class T>
+class [[nodiscard]] Result {
+  public:
+    // Both are meant to be returned as they are.
+    Result(T value) : value_(std::move(value)) {} // NOLINT(google-explicit-constructor)
+
+    Result(Status failure) : status_(std::move(failure)) {} // NOLINT(google-explicit-constructor)
+
+    [[nodiscard]] bool isOk() const { return value_.has_value(); }
+
+    [[nodiscard]] const Status& status() const { return status_; }
+
+    // Only of a result that is ok.
+    [[nodiscard]] T& operator*() { return *value_; }
+
+    [[nodiscard]] const T& operator*() const { return *value_; }
+
+    [[nodiscard]] T* operator->() { return &*value_; }
+
+    [[nodiscard]] const T* operator->() const { return &*value_; }
+
+  private:
+    std::optional<T> value_;
+    Status status_;
+};
+
+} // namespace platform
