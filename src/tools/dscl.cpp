@@ -1,7 +1,7 @@
+#include "directory/DirectoryRules.h"
 #include "platform/host/EmbeddedRoot.h"
 #include "platform/host/SambaAccounts.h"
 #include "platform/netinfo/Store.h"
-#include "tools/DirectoryRules.h"
 #include "tools/DirectoryTools.h"
 #include "tools/ToolText.h"
 

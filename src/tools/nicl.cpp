@@ -1,8 +1,8 @@
+#include "directory/DirectoryRules.h"
 #include "platform/foundation/NSString.h"
 #include "platform/host/EmbeddedRoot.h"
 #include "platform/host/SambaAccounts.h"
 #include "platform/netinfo/Store.h"
-#include "tools/DirectoryRules.h"
 #include "tools/DirectoryTools.h"
 #include "tools/ToolText.h"
 
@@ -28,20 +28,12 @@ class Refusal : public std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
-/// The words of one run, taken apart.
-struct Request {
-    std::string operation;
-    std::string pathText;
-    RecordPath path;
-    std::optional<std::string> property;
-    std::vector<std::string> values;
-};
-
 /// One change of the directory, as one transaction.
 class Change {
   public:
-    Change(const DirectoryPlace& place, Request request)
-        : request_(std::move(request)), place_(place),
+    /// `request` keeps the rules, and so its path is one.
+    Change(const DirectoryPlace& place, const DirectoryChange& request)
+        : request_(request), path_(recordPath(request.path).value()), place_(place),
           store_(place.storeFile, Store::Opening::Existing, place.waitSeconds) {}
 
     void run() {
@@ -52,21 +44,15 @@ class Change {
         } else {
             remove();
         }
-        if (isChanged_ && isAccount(request_.path) && !place_.root.empty()) {
+        if (isChanged_ && isAccount(path_) && !place_.root.empty()) {
             tellServer();
         }
         store_.commit();
     }
 
   private:
-    static void check(const std::string& brokenRule) {
-        if (!brokenRule.empty()) {
-            throw Refusal(brokenRule);
-        }
-    }
-
     [[nodiscard]] Store::Record record() {
-        const auto found = store_.find(request_.path);
+        const auto found = store_.find(path_);
         if (!found) {
             throw Refusal("there is no such record; create it first");
         }
@@ -79,68 +65,52 @@ class Change {
         } else if (*request_.property == "name") {
             rename();
         } else {
-            check(ruleBrokenByValues(request_.path, *request_.property, request_.values));
             store_.setValues(record(), *request_.property, request_.values);
             isChanged_ = true;
         }
     }
 
     void createRecord() {
-        if (store_.find(request_.path)) {
+        if (store_.find(path_)) {
             return;
         }
-        check(ruleBrokenByName(request_.path));
-        const auto parent = store_.find(std::span(request_.path).first(request_.path.size() - 1));
+        const auto parent = store_.find(std::span(path_).first(path_.size() - 1));
         if (!parent) {
             throw Refusal("the record above it does not exist; create that first");
         }
-        store_.addRecord(*parent, request_.path.back());
-        checkOtherUsers(request_.path.back());
+        store_.addRecord(*parent, path_.back());
+        checkOtherUsers(path_.back());
         isChanged_ = true;
     }
 
     void rename() {
-        if (isFixed(request_.path)) {
-            throw Refusal("this record cannot be renamed; make another one beside it");
-        }
-        if (request_.values.size() != 1) {
-            throw Refusal("a record has exactly one name; give one value");
-        }
-        RecordPath renamed = request_.path;
+        RecordPath renamed = path_;
         renamed.back() = request_.values.front();
-        check(ruleBrokenByName(renamed));
         const Store::Record renaming = record();
-        if (renamed == request_.path) {
+        if (renamed == path_) {
             return;
         }
         if (store_.find(renamed)) {
             throw Refusal("there is a record called " + renamed.back() + "; choose another name");
         }
-        losesPassword_ = isUser() && !otherUser(request_.path.back());
+        losesPassword_ = isUser() && !otherUser(path_.back());
         store_.rename(renaming, renamed.back());
         checkOtherUsers(renamed.back());
         isChanged_ = true;
     }
 
     void append() {
-        if (*request_.property == "name") {
-            throw Refusal("a record has exactly one name; rename it with -create");
-        }
-        check(ruleBrokenByValues(request_.path, *request_.property, request_.values));
         store_.appendValues(record(), *request_.property, request_.values);
         isChanged_ = true;
     }
 
     void remove() {
         if (!request_.property) {
-            if (isFixed(request_.path)) {
-                throw Refusal("this record always exists and cannot be deleted; delete records below it");
-            }
-            const auto found = store_.find(request_.path);
+            const auto found = store_.find(path_);
             if (!found) {
                 throw Refusal("there is no such record; nothing was deleted");
             }
-            losesPassword_ = isUser() && !otherUser(request_.path.back());
+            losesPassword_ = isUser() && !otherUser(path_.back());
             store_.removeRecord(*found);
             isChanged_ = true;
             return;
@@ -150,9 +120,6 @@ class Change {
 
     void removeProperty() {
         const std::string& property = *request_.property;
-        if (property == "name") {
-            throw Refusal("a record's name cannot be deleted; rename the record or delete it");
-        }
         const Store::Record changing = record();
         auto kept = store_.values(changing, property);
         if (!kept) {
@@ -181,7 +148,7 @@ class Change {
         std::erase_if(*kept, [&](const std::string& value) { return leaving.contains(value); });
     }
 
-    [[nodiscard]] bool isUser() const { return request_.path.size() == 2 && request_.path[0] == "users"; }
+    [[nodiscard]] bool isUser() const { return path_.size() == 2 && path_[0] == "users"; }
 
     /// The user who shares an entry of the server's password database with the user of that name, because the
     /// database ignores case.
@@ -207,7 +174,7 @@ class Change {
         }
         std::string failure = accounts.writeAccountLists(store_);
         if (failure.empty() && losesPassword_) {
-            failure = accounts.removeUser(request_.path.back());
+            failure = accounts.removeUser(path_.back());
         }
         if (!failure.empty()) {
             store_.undo();
@@ -224,27 +191,13 @@ class Change {
         return !request_.property || std::ranges::find(listed, *request_.property) != listed.end();
     }
 
-    Request request_;
+    const DirectoryChange& request_;
+    RecordPath path_;
     const DirectoryPlace& place_;
     Store store_;
     bool isChanged_ = false;
     bool losesPassword_ = false; ///< an entry of the password database has no user any more
 };
-
-std::optional<Request> parse(std::span<const std::string> words) {
-    constexpr std::size_t leading = 3; // the domain, the operation, the path
-    if (words.size() < leading || words[0] != ".") {
-        return std::nullopt;
-    }
-    Request request{words[1], words[2], {}, std::nullopt, {}};
-    if (words.size() > leading) {
-        request.property = words[leading];
-        request.values.assign(words.begin() + leading + 1, words.end());
-    }
-    const bool isKnown = request.operation == "-create" || request.operation == "-delete";
-    const bool isAppend = request.operation == "-append" && !request.values.empty();
-    return isKnown || isAppend ? std::optional(request) : std::nullopt;
-}
 
 } // namespace
 
@@ -256,21 +209,20 @@ DirectoryPlace DirectoryPlace::ofRoot(const std::string& rootFolder) {
 }
 
 ToolResult runNicl(const DirectoryPlace& place, std::span<const std::string> arguments) {
-    auto request = parse(arguments);
-    if (!request) {
+    const auto change = directoryChange(arguments);
+    if (!change) {
         return {std::string(usage) + "\n", 1};
     }
-    const std::string what = request->operation.substr(1) + " " + request->pathText +
-                             (request->property ? " " + *request->property : std::string());
+    platform::Status status = checkDirectoryChange(*change);
     try {
-        const auto path = recordPath(request->pathText);
-        if (!path) {
-            throw Refusal("a path begins with / and has no empty component; write it as /users/NAME");
+        if (status.isOk()) {
+            Change(place, *change).run();
         }
-        request->path = *path;
-        Change(place, std::move(*request)).run();
     } catch (const std::runtime_error& failure) { // a refusal or the store's own
-        return {oneLine("nicl: cannot " + what + ": " + failure.what()), 1};
+        status = refusal(*change, failure.what());
+    }
+    if (!status.isOk()) {
+        return {oneLine("nicl: " + status.text()), 1};
     }
     return {};
 }
