@@ -1,7 +1,9 @@
 #include "model/SMBConf.h"
 
 #include "model/LargeBlocks.h"
+#include "model/SMBInPlace.h"
 #include "model/SMBParser.h"
+#include "platform/foundation/Host.h"
 #include "platform/foundation/NSFileManager.h"
 #include "platform/foundation/NSLog.h"
 #include "privileged/NiutilTask.h"
@@ -51,6 +53,10 @@ void appendEntry(std::string& text, const SMBShare& entry) {
     append(text, {entry.Text(), "\n\n"});
 }
 
+bool keepsLayout() {
+    return platform::Host::current().services().keepsLayout;
+}
+
 } // namespace
 
 SMBConf::SMBConf() : SMBConf("/etc/smb.conf") {}
@@ -71,6 +77,9 @@ void SMBConf::parseSMBConfFile() {
     if (contents.bytes) {
         _bytes = std::move(*contents.bytes);
     }
+    if (keepsLayout()) {
+        _textOnDisk = _bytes;
+    }
     _memory = std::make_unique<std::pmr::monotonic_buffer_resource>(std::max<std::size_t>(_bytes.size(), 1),
                                                                     &LargeBlocks::instance());
     SMBParser parser(_bytes, _memory.get());
@@ -78,7 +87,9 @@ void SMBConf::parseSMBConfFile() {
     _entries = std::move(parser.entries);
     _global = parser.global;
     _homes = parser.homes;
-    _lossNotices = std::move(parser.lossNotices);
+    if (!keepsLayout()) {
+        _lossNotices = std::move(parser.lossNotices);
+    }
 }
 
 void SMBConf::setEntries(EntryList entries) {
@@ -106,6 +117,21 @@ std::string SMBConf::writtenText() const {
     return text;
 }
 
+std::string SMBConf::textToWrite(std::vector<SMBConflict>* conflicts) const {
+    if (!keepsLayout()) {
+        return writtenText();
+    }
+    SMBParser read(_textOnDisk, std::pmr::get_default_resource());
+    read.parse();
+    const NSFileContents onDisk = contentsOfFile(_path);
+    SMBInPlaceText result =
+        textWithChanges(onDisk.bytes ? *onDisk.bytes : std::string(), changesBetween(read.entries, _entries));
+    if (conflicts != nullptr) {
+        *conflicts = std::move(result.conflicts);
+    }
+    return std::move(result.text);
+}
+
 int SMBConf::writeSMBConfFile() {
     if (!_unreadableReason.empty()) {
         NSLog("The SMB configuration %@ was not written because it could not be read at the start.", _path);
@@ -113,7 +139,8 @@ int SMBConf::writeSMBConfFile() {
     }
     const std::string temporary = stringByExpandingTildeInPath(temporaryPath);
     // Readable by its owner only: the configuration may be.
-    if (!writeToFileAtomically(temporary, writtenText(), 0600)) {
+    std::string text = textToWrite();
+    if (!writeToFileAtomically(temporary, text, 0600)) {
         NSLog("%@ could not be written: %@", temporary, std::strerror(errno));
         return notWritten;
     }
@@ -121,6 +148,9 @@ int SMBConf::writeSMBConfFile() {
         return copyFailed;
     }
     _lossNotices.clear();
+    if (keepsLayout()) {
+        _textOnDisk = std::move(text);
+    }
     if (!removeFileAtPath(temporary)) {
         NSLog("%@ could not be removed: %@", temporary, std::strerror(errno));
         return notRemoved;

@@ -26,6 +26,8 @@ struct SMBLossNotice {
     [[nodiscard]] bool operator==(const SMBLossNotice&) const = default;
 };
 
+struct SMBConflict; // model/SMBInPlace.h
+
 /// The model of smb.conf: its entries in order, of which "global" and "homes" are singled out. Read once,
 /// when it is made; from then on the model is the authority, and every change reaches the disk by a write of
 /// the whole file. It owns its entries, which keep their addresses for as long as they are in the list.
@@ -59,7 +61,8 @@ class SMBConf {
     void setGlobal(std::unique_ptr<SMBShare> entry);
     void setHomes(std::unique_ptr<SMBShare> entry);
 
-    /// What a write would lose, in the file's order; found when the file was read. Empty once it was written.
+    /// What a write would lose, in the file's order; found when the file was read. Empty once it was written,
+    /// and on a host that keeps the layout.
     [[nodiscard]] const std::vector<SMBLossNotice>& lossNotices() const { return _lossNotices; }
 
     /// Why a file that exists could not be read; empty when it was read, or is missing.
@@ -81,7 +84,12 @@ class SMBConf {
     /// The file's text as the model has it now.
     [[nodiscard]] std::string writtenText() const;
 
-    /// Writes the whole model: to ~/smb_test.conf, then over the file by an administrator's copy. Answers 0;
+    /// The text that a write puts in place: the whole model's, or, on a host that keeps the layout of
+    /// settings files, the file as it is on disk now with only those lines changed that the model changes.
+    /// `*conflicts`, when not null, gets the settings that somebody else changed in the file, too.
+    [[nodiscard]] std::string textToWrite(std::vector<SMBConflict>* conflicts = nullptr) const;
+
+    /// Writes textToWrite(): to ~/smb_test.conf, then over the file by an administrator's copy. Answers 0;
     /// 1 when the copy failed or was refused (the temporary file stays); 2 when the temporary file could not
     /// be written, or the file could not be read at the start; 3 when the temporary file could not be
     /// removed. The entries stay as they are; lossNotices() is empty once the file was replaced.
@@ -103,7 +111,8 @@ class SMBConf {
     [[nodiscard]] std::size_t indexOfSection(std::string_view name) const;
 
     std::string _path;
-    std::string _bytes; ///< the file as it was read; the entries' parameters are views of it
+    std::string _textOnDisk; ///< what the model's changes are told from, on a host that keeps the layout
+    std::string _bytes;      ///< the file as it was read; the entries' parameters are views of it
     /// The lists of parameters that were read: one block for a whole file, freed with the model.
     std::unique_ptr<std::pmr::memory_resource> _memory;
     EntryList _entries;

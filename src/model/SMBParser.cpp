@@ -12,14 +12,6 @@ constexpr bool isWhiteSpace(char c) {
     return c == ' ' || (c >= '\t' && c <= '\r');
 }
 
-std::string_view withoutLeadingWhiteSpace(std::string_view text) {
-    std::size_t start = 0;
-    while (start < text.size() && isWhiteSpace(text[start])) {
-        ++start;
-    }
-    return text.substr(start);
-}
-
 /// Blanks only: tabs belong to a key or value.
 std::string_view withoutBlanks(std::string_view text) {
     while (!text.empty() && text.back() == ' ') {
@@ -31,28 +23,50 @@ std::string_view withoutBlanks(std::string_view text) {
     return text;
 }
 
-/// A header that names nothing is named by its whole text, so that it cannot be taken for another section.
-std::string_view headerName(std::string_view line, std::size_t openingLength) {
+/// True when a header goes on behind its name: that is not kept.
+bool isCut(std::string_view line) {
+    const std::size_t end = line.find(']');
+    return end != std::string_view::npos &&
+           !SMBParser::withoutLeadingWhiteSpace(line.substr(end + 1)).empty();
+}
+
+} // namespace
+
+std::string_view SMBParser::withoutLeadingWhiteSpace(std::string_view text) {
+    std::size_t start = 0;
+    while (start < text.size() && isWhiteSpace(text[start])) {
+        ++start;
+    }
+    return text.substr(start);
+}
+
+std::string_view SMBParser::headerName(std::string_view line, std::size_t openingLength) {
     const std::string_view rest = withoutLeadingWhiteSpace(line.substr(openingLength));
     const std::string_view name = rest.substr(0, rest.find(']'));
     return name.empty() ? line : name;
 }
 
-/// True when a header goes on behind its name: that is not kept.
-bool isCut(std::string_view line) {
-    const std::size_t end = line.find(']');
-    return end != std::string_view::npos && !withoutLeadingWhiteSpace(line.substr(end + 1)).empty();
-}
-
-/// True when a configuration's own reader would join the next line to this one.
-bool isContinued(std::string_view line) {
+bool SMBParser::isContinued(std::string_view line) {
     while (!line.empty() && isWhiteSpace(line.back())) {
         line.remove_suffix(1);
     }
     return !line.empty() && line.back() == '\\';
 }
 
-} // namespace
+std::optional<SMBParser::PairText> SMBParser::pairOf(std::string_view text, bool mayBeCut) {
+    const std::string_view rest = withoutLeadingWhiteSpace(text);
+    const std::size_t equals = rest.find('=');
+    if (equals == 0 || equals == std::string_view::npos) {
+        return std::nullopt;
+    }
+    const std::string_view whole = withoutLeadingWhiteSpace(rest.substr(equals + 1));
+    const std::string_view value = mayBeCut ? whole.substr(0, whole.find(valueEndMark)) : whole;
+    if (value.empty()) {
+        return std::nullopt;
+    }
+    return PairText{withoutBlanks(rest.substr(0, equals)), withoutBlanks(value),
+                    value.size() != whole.size()};
+}
 
 SMBParser::SMBParser(std::string_view text, std::pmr::memory_resource* memory)
     : _text(text), _hasValueEndMark(text.find(valueEndMark) != std::string_view::npos), _memory(memory) {}
@@ -163,34 +177,24 @@ void SMBParser::readGroup() {
 
 void SMBParser::addPair(std::string_view text, bool commentedOut) {
     const std::string_view rest = withoutLeadingWhiteSpace(text);
-    const std::size_t equals = rest.find('=');
     if (!commentedOut && rest.front() == '[') {
         note(SMBLoss::BrokenHeader);
     }
-    if (rest.empty() || equals == 0 || equals == std::string_view::npos) {
-        if (!commentedOut) {
-            note(SMBLoss::NoValue);
-        } else if (!rest.empty() && equals != 0) {
+    const auto pair = pairOf(rest, _hasValueEndMark);
+    if (!commentedOut && (!pair || pair->isCut)) {
+        note(SMBLoss::NoValue);
+    }
+    if (!pair) {
+        if (commentedOut && !rest.empty() && rest.find('=') == std::string_view::npos) {
             appendLineToText();
         }
         return;
     }
-    std::string_view value = withoutLeadingWhiteSpace(rest.substr(equals + 1));
-    const std::size_t mark = _hasValueEndMark ? value.find(valueEndMark) : std::string_view::npos;
-    if (value.empty() || mark != std::string_view::npos) {
-        if (!commentedOut) {
-            note(SMBLoss::NoValue);
-        }
-        value = value.substr(0, mark);
-        if (value.empty()) {
-            return;
-        }
-    }
     // Home folders that are switched on bring the section's commented-out parameters to life.
-    if (isContinued(value) && (!commentedOut || _current.get() == homes)) {
+    if (isContinued(pair->value) && (!commentedOut || _current.get() == homes)) {
         note(SMBLoss::Continuation);
     }
-    _pairs.emplace_back(withoutBlanks(rest.substr(0, equals)), withoutBlanks(value));
+    _pairs.emplace_back(pair->key, pair->value);
 }
 
 void SMBParser::takePairs() {

@@ -5,6 +5,8 @@
 #include <cstddef>
 #include <memory>
 #include <memory_resource>
+#include <optional>
+#include <string>
 #include <string_view>
 #include <utility>
 #include <vector>
@@ -23,6 +25,25 @@ class SMBParser {
     SMBShare* global = nullptr;
     SMBShare* homes = nullptr;
     std::vector<SMBLossNotice> lossNotices;
+
+    // The rules for one line, for whoever looks at the lines themselves.
+
+    /// A parameter's key and value, blanks around them gone.
+    struct PairText {
+        std::string_view key;
+        std::string_view value;
+        bool isCut = false; ///< the value went on after the reader's end mark
+    };
+
+    /// None when the text has no key or no value. `mayBeCut` is false where the end mark is known not to
+    /// occur.
+    [[nodiscard]] static std::optional<PairText> pairOf(std::string_view text, bool mayBeCut = true);
+    /// The name in a header, of which `openingLength` bytes come before it. A header that names nothing is
+    /// named by its whole text, so that it cannot be taken for another section.
+    [[nodiscard]] static std::string_view headerName(std::string_view line, std::size_t openingLength);
+    /// True when the SMB server would join the next line to this one.
+    [[nodiscard]] static bool isContinued(std::string_view line);
+    [[nodiscard]] static std::string_view withoutLeadingWhiteSpace(std::string_view text);
 
   private:
     enum class State { Start, Comment, Closed };

@@ -77,6 +77,9 @@ struct Services {
     std::shared_ptr<LocalDomain> localDomain;
     std::shared_ptr<Authority> authority;
     std::shared_ptr<Presenter> presenter;
+    /// Settings files are changed line by line, so that what a person wrote by hand stays; otherwise they are
+    /// written whole.
+    bool keepsLayout = false;
     /// What Gestalt answers for the system version (0xMMmf), or none when it fails.
     std::optional<std::int32_t> systemVersion = 0x1040;
     /// Language names in the order of preference ("English" last); see NSBundle.

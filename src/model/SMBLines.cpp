@@ -1,0 +1,117 @@
+#include "model/SMBLines.h"
+
+#include "model/SMBConf.h"
+#include "model/SMBParser.h"
+
+#include <algorithm>
+
+namespace {
+
+/// Where the line that begins at `begin` ends, and where the next one begins: "\r\n" ends one line.
+struct LineEnd {
+    std::size_t content = 0;
+    std::size_t next = 0;
+};
+
+LineEnd endOfLine(std::string_view text, std::size_t begin) {
+    const std::size_t content = std::min(text.find_first_of("\r\n", begin), text.size());
+    std::size_t next = content;
+    if (next < text.size()) {
+        next += text.substr(next, 2) == "\r\n" ? 2 : 1;
+    }
+    return {content, next};
+}
+
+} // namespace
+
+SMBLines::SMBLines(std::string_view text) {
+    for (std::size_t begin = 0; begin < text.size();) {
+        const LineEnd end = endOfLine(text, begin);
+        SMBLine line;
+        line.begin = begin;
+        line.end = end.next;
+        take(SMBParser::withoutLeadingWhiteSpace(text.substr(begin, end.content - begin)), line);
+        begin = end.next;
+    }
+    if (isInSection_) {
+        sections_.back().last = lines_.size();
+    }
+}
+
+void SMBLines::take(std::string_view content, SMBLine line) {
+    line.isContinued = SMBParser::isContinued(content);
+    const bool isCommentedOut = isInSection_ && sections_.back().isCommentedOut;
+    if (content.empty()) {
+        line.kind = SMBLine::Kind::Blank;
+    } else if (takeHeader(content)) {
+        line.kind = SMBLine::Kind::Header;
+    } else if (SMBConf::isComment(content) && !isCommentedOut) {
+        line.kind = SMBLine::Kind::Comment;
+        line.isContinued = false; // the server joins nothing to a comment
+    } else {
+        if (isCommentedOut && !SMBConf::isComment(content)) {
+            // Any other line ends the commented-out section, and stands in none.
+            sections_.back().last = lines_.size();
+            isInSection_ = false;
+        }
+        const auto pair =
+            isInSection_ ? SMBParser::pairOf(isCommentedOut ? content.substr(1) : content) : std::nullopt;
+        line.kind = pair ? SMBLine::Kind::Pair : SMBLine::Kind::Other;
+        if (pair) {
+            line.key = pair->key;
+            line.value = pair->value;
+        } else if (isCommentedOut && isInSection_) {
+            line.kind = SMBLine::Kind::Comment;
+        }
+    }
+    lines_.push_back(line);
+}
+
+bool SMBLines::takeHeader(std::string_view content) {
+    const bool isCommentedOut = SMBConf::isCommentGroup(content);
+    if (!isCommentedOut && !SMBConf::isGroup(content)) {
+        return false;
+    }
+    if (isInSection_) {
+        sections_.back().last = lines_.size();
+    }
+    sections_.push_back({std::string(SMBParser::headerName(content, isCommentedOut ? 2 : 1)), isCommentedOut,
+                         lines_.size(), lines_.size()});
+    isInSection_ = true;
+    return true;
+}
+
+const SMBSectionLines* SMBLines::section(std::string_view name, std::size_t occurrence) const {
+    for (const SMBSectionLines& section : sections_) {
+        if (section.name == name && occurrence-- == 0) {
+            return &section;
+        }
+    }
+    return nullptr;
+}
+
+std::optional<std::size_t> SMBLines::pair(const SMBSectionLines& section, std::string_view key,
+                                          std::size_t occurrence) const {
+    for (std::size_t index = section.first; index < section.last; ++index) {
+        if (lines_[index].kind == SMBLine::Kind::Pair && lines_[index].key == key && occurrence-- == 0) {
+            return index;
+        }
+    }
+    return std::nullopt;
+}
+
+std::size_t SMBLines::lastSetting(const SMBSectionLines& section) const {
+    std::size_t last = section.first;
+    for (std::size_t index = section.first; index < section.last; ++index) {
+        last = lines_[index].kind == SMBLine::Kind::Pair ? index : last;
+    }
+    return last;
+}
+
+std::size_t SMBLines::endOfJoinedLines(std::size_t index) const {
+    while (index + 1 < lines_.size() && lines_[index].isContinued &&
+           lines_[index + 1].kind != SMBLine::Kind::Header) {
+        ++index;
+    }
+    return index + 1;
+}
