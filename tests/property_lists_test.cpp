@@ -6,9 +6,11 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <string>
 
 #include <plist/plist.h>
+#include <utf8.h>
 
 namespace {
 
@@ -113,10 +115,49 @@ TEST(PropertyLists, CharactersThatXMLHasNotAreReplacedInWhatIsChangedOnly) {
     EXPECT_NE(xml.find("<string>\xe8</string>"), std::string::npos) << xml;
 }
 
+TEST(PropertyLists, EveryFormOfAFileIsRead) {
+    const std::string xml = "<?xml version=\"1.0\"?>\n<plist><dict><key>k</key><string>h\xc3\xa9</string>"
+                            "<key>n</key><integer>7</integer></dict></plist>";
+    const auto utf16 = [](const std::string& utf8, bool bigEndian) {
+        std::string bytes;
+        for (const char16_t unit : utf8::utf8to16(utf8)) {
+            const std::array both{static_cast<char>(unit >> 8U), static_cast<char>(unit & 0xffU)};
+            bytes += {both[bigEndian ? 0 : 1], both[bigEndian ? 1 : 0]};
+        }
+        return bytes;
+    };
+    for (const std::string& bytes :
+         {"\xef\xbb\xbf" + xml, utf16("\xef\xbb\xbf" + xml, true), utf16("\xef\xbb\xbf" + xml, false),
+          utf16(xml, true), utf16(xml, false),
+          std::string("// old\n{ k = \"h\\U00e9\"; /* x */ n = 7; a = ({}, <00 ff>, \"\\\"\",); }\n"),
+          std::string("{\"k\"=\"h\\351\";n=\"7\";}")}) {
+        const auto plist = NSMutableDictionary::dictionaryWithData(bytes);
+        ASSERT_TRUE(plist) << bytes;
+        EXPECT_EQ(plist->stringForKey("k"), "h\xc3\xa9") << bytes;
+        EXPECT_EQ(plist->intForKey("n"), 7) << bytes;
+    }
+}
+
+TEST(PropertyLists, ReadersOfXMLReadTheValuesThatWereThere) {
+    const char* dates = "<key>a</key>\n\t<date>0900-01-02T03:04:05Z</date>\n\t"
+                        "<key>b</key>\n\t<date>0001-12-31T00:00:00Z</date>\n\t"
+                        "<key>c</key>\n\t<string>1\t2&#13;\n3&#13;4&#1;</string>\n";
+    const std::string list =
+        std::string("<plist version=\"1.0\">\n<dict>\n\t") + dates + "</dict>\n</plist>\n";
+    const std::string xml = NSMutableDictionary::dictionaryWithData(list).value().xmlText();
+    EXPECT_TRUE(xml.ends_with(list)) << xml;
+    NSMutableDictionary changed;
+    changed.setString("1\r\n2", "greeting");
+    EXPECT_NE(changed.xmlText().find("<string>1&#13;\n2</string>"), std::string::npos) << changed.xmlText();
+}
+
 TEST(PropertyLists, WhatIsNoDictionaryIsNone) {
-    for (const char* bytes :
-         {"", "no plist", "<plist><array/></plist>", "<plist><dict><key>a</key>", "bplist00"}) {
-        EXPECT_FALSE(NSMutableDictionary::dictionaryWithData(bytes)) << bytes;
+    for (const std::string& bytes :
+         {std::string(), std::string("no plist"), std::string("<plist><array/></plist>"),
+          std::string("<plist><dict><key>a</key>"), std::string("bplist00"), std::string("{a=b}"),
+          std::string("{a=<0>;}"), std::string("{a=\"\\Ud800\";}"), std::string("{a=(b c);}"),
+          std::string("{} x"), std::string("\xfe\xff\xd8\x00", 4), std::string(1000000, '(')}) {
+        EXPECT_FALSE(NSMutableDictionary::dictionaryWithData(bytes)) << bytes.substr(0, 80);
     }
 }
 

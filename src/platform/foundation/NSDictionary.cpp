@@ -2,6 +2,7 @@
 
 #include "platform/foundation/NSFileManager.h"
 #include "platform/foundation/NSString.h"
+#include "platform/foundation/PropertyListText.h"
 
 #include <algorithm>
 #include <array>
@@ -80,6 +81,57 @@ std::string textOf(double value) {
     return {digits.data(), end.ptr};
 }
 
+/// Null when the bytes are no property list, or are too many for libplist.
+plist_t readAny(std::string_view bytes) {
+    plist_t read = nullptr;
+    if (bytes.starts_with(binaryMagic)) {
+        plist_from_bin(bytes.data(), static_cast<std::uint32_t>(bytes.size()), &read);
+        return read;
+    }
+    const auto text = propertyListTextAsUTF8(bytes);
+    if (!text || text->size() > std::numeric_limits<std::uint32_t>::max()) {
+        return nullptr;
+    }
+    const std::size_t start = text->find_first_not_of(" \t\r\n");
+    if (start == std::string::npos || (*text)[start] != '<') {
+        return readOldStylePropertyList(*text);
+    }
+    plist_from_xml(text->data(), static_cast<std::uint32_t>(text->size()), &read);
+    return read;
+}
+
+/// Characters that libplist writes as they are, although a reader of XML would change (a carriage return) or
+/// refuse them, become references. Between the values libplist writes no such character.
+void appendWithReferences(std::string& text, std::string_view part) {
+    for (const char character : part) {
+        const auto byte = static_cast<unsigned char>(character);
+        if (byte < 0x20 && character != '\n' && character != '\t') {
+            text += "&#" + std::to_string(byte) + ";";
+        } else {
+            text += character;
+        }
+    }
+}
+
+/// What libplist writes, mended where another reader would read another value.
+std::string mendedXML(std::string_view xml) {
+    constexpr std::string_view date = "<date>"; // never within a string, whose "<" is "&lt;"
+    constexpr std::size_t yearDigits = 4;
+    std::string text;
+    text.reserve(xml.size());
+    while (!xml.empty()) {
+        const std::size_t found = xml.find(date);
+        const std::size_t end = found == std::string_view::npos ? xml.size() : found + date.size();
+        appendWithReferences(text, xml.substr(0, end));
+        xml.remove_prefix(end);
+        const std::size_t digits = std::min(xml.find_first_not_of("0123456789"), xml.size());
+        if (found != std::string_view::npos && digits > 0 && digits < yearDigits) {
+            text.append(yearDigits - digits, '0'); // libplist leaves out a year's leading zeros
+        }
+    }
+    return text;
+}
+
 } // namespace
 
 /// A dictionary inside a property list, with a share in the ownership of the whole.
@@ -112,13 +164,7 @@ std::optional<NSMutableDictionary> NSMutableDictionary::dictionaryWithData(std::
     if (bytes.empty() || bytes.size() > std::numeric_limits<std::uint32_t>::max()) {
         return std::nullopt;
     }
-    const auto size = static_cast<std::uint32_t>(bytes.size());
-    plist_t read = nullptr;
-    if (bytes.starts_with(binaryMagic)) {
-        plist_from_bin(bytes.data(), size, &read);
-    } else {
-        plist_from_xml(bytes.data(), size, &read);
-    }
+    const plist_t read = readAny(bytes);
     std::shared_ptr<void> root(read, Free());
     if (!read || plist_get_node_type(read) != PLIST_DICT) {
         return std::nullopt;
@@ -213,7 +259,7 @@ std::string NSMutableDictionary::xmlText() const {
         throw std::runtime_error("a property list could not be written as XML");
     }
     const std::unique_ptr<char, decltype(&plist_to_xml_free)> owner(xml, &plist_to_xml_free);
-    std::string text(xml, length);
+    std::string text = mendedXML({xml, length});
     if (!text.ends_with('\n')) {
         text += '\n';
     }

@@ -13,8 +13,8 @@ class NSMutableDictionary {
   public:
     NSMutableDictionary();
 
-    /// The dictionary in the file at `path` (mapped by the host), XML or binary; none when the file is
-    /// missing, unreadable, no property list, or has another root.
+    /// The dictionary in the file at `path` (mapped by the host): XML in UTF-8 or UTF-16, binary, or the old
+    /// ASCII form. None when the file is missing, unreadable, no property list, or has another root.
     [[nodiscard]] static std::optional<NSMutableDictionary>
     dictionaryWithContentsOfFile(const std::string& path);
     /// The same from the bytes of a file.
