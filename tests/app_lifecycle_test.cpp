@@ -321,7 +321,6 @@ class VersionCheck : public Launch {
     VersionCheck() : Launch({.strings = {{"OK", "OK"}}}) {}
 
     void startWithListAt(const std::string& address) {
-        std::filesystem::remove(host.root() / "resources/Info.plist"); // a link to the project's own
         host.write(
             "resources/Info.plist",
             "<plist version=\"1.0\"><dict><key>CFBundleVersion</key><string>2.0</string>"

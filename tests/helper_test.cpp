@@ -58,7 +58,8 @@ class HelperTest : public testing::Test {
         return test_.root() / name;
     }
 
-    TestHost test_;
+    /// Strings of its own mean resources of its own, which another account can read wherever the checkout is.
+    TestHost test_{TestHost::Options{.strings = {{"OK", "OK"}}}};
     platform::EmbeddedRoot root_{(test_.root() / "computer").string()};
     HelperPlace place_{root_.folder(), ::getuid()};
     fs::path target_ = root_.map("/etc/smb.conf");

@@ -254,7 +254,6 @@ class VersionTranslation : public Translation {
   protected:
     void check(const std::string& answerOfServer, const std::string& title, const std::string& button) {
         const LoopbackServer server(answerOfServer);
-        std::filesystem::remove(host.root() / "resources/Info.plist"); // a link to the project's own
         host.write("resources/Info.plist",
                    "<plist version=\"1.0\"><dict><key>CFBundleVersion</key><string>2.0</string>"
                    "<key>BRVersionList</key><string>" +

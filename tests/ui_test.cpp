@@ -81,7 +81,6 @@ class AboutPanel : public testing::Test {
     AboutPanel() : host_({.strings = {{"Version %@", "Version %@"}}}) { AboutBox::registerClass(); }
 
     void setCredits(std::size_t characters) {
-        std::filesystem::remove(host_.root() / "resources/Credits.rtf"); // a link to the project's own
         host_.write("resources/Credits.rtf", "{\\rtf1\\ansi " + std::string(characters, 'x') + "}");
     }
 
@@ -179,7 +178,7 @@ TEST_F(AboutPanel, ABrokenFileIsLoggedWithABeepAndTriedAgain) {
     platform::registerClass(platform::describeClass<Stranger>("Stranger").take());
     const std::string name = "resources/AboutBox.xml";
     const std::string whole = host_.read(name);
-    std::filesystem::remove(host_.root() / name); // a link to the project's own
+    std::filesystem::remove(host_.root() / name);
     const std::vector<std::string> failed = {"log Failed to load AboutBox.nib", "beep"};
     const auto expectFailure = [&](const std::string& fault) {
         host_.events.clear();

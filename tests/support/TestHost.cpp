@@ -338,7 +338,7 @@ fs::path resourcesFor(const TestHost::Options& options, const fs::path& root) {
     } else {
         for (const auto& entry : fs::directory_iterator(project)) {
             if (entry.is_regular_file()) {
-                fs::create_symlink(entry.path(), folder / entry.path().filename());
+                fs::copy_file(entry.path(), folder / entry.path().filename());
             }
         }
     }
