@@ -1,8 +1,7 @@
 #include "platform/host/AccountLists.h"
 
-#include <charconv>
-#include <cstdint>
-#include <limits>
+#include "platform/netinfo/AccountNumber.h"
+
 #include <set>
 
 #include <grp.h>
@@ -11,9 +10,6 @@
 namespace platform {
 
 namespace {
-
-constexpr unsigned nobody = 65534;
-constexpr int nobodyInDirectory = -2;
 
 /// What a field of a list cannot hold becomes a blank: it is shown to people only.
 std::string field(std::string_view text) {
@@ -111,25 +107,6 @@ std::string groupList(const RecordBlock& groups) {
 
 AccountLists accountLists(const RecordBlock& users, const RecordBlock& groups) {
     return {passwdList(users), groupList(groups)};
-}
-
-std::string directoryNumber(unsigned number) {
-    if (number == nobody) {
-        return std::to_string(nobodyInDirectory);
-    }
-    return std::to_string(static_cast<std::int32_t>(number));
-}
-
-unsigned accountNumber(std::string_view text, bool* valid) {
-    std::int64_t number = 0;
-    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-    *valid = error == std::errc() && end == text.data() + text.size() &&
-             number >= std::numeric_limits<std::int32_t>::min() &&
-             number < std::numeric_limits<std::uint32_t>::max();
-    if (!*valid) {
-        return 0;
-    }
-    return number == nobodyInDirectory ? nobody : static_cast<unsigned>(static_cast<std::uint32_t>(number));
 }
 
 } // namespace platform

@@ -16,10 +16,4 @@ struct AccountLists {
 /// directory has none of the name of. A record without a name or a number that the form can hold is left out.
 [[nodiscard]] AccountLists accountLists(const RecordBlock& users, const RecordBlock& groups);
 
-/// An account's number as the directory writes it: nobody's 65534 and what 31 bits cannot hold are negative,
-/// as -2.
-[[nodiscard]] std::string directoryNumber(unsigned number);
-/// The number behind such a text; `*valid` tells whether it is one.
-[[nodiscard]] unsigned accountNumber(std::string_view text, bool* valid);
-
 } // namespace platform

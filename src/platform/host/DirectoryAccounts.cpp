@@ -1,6 +1,6 @@
 #include "platform/host/DirectoryAccounts.h"
 
-#include "platform/host/AccountLists.h"
+#include "platform/netinfo/AccountNumber.h"
 #include "platform/netinfo/ni.h"
 
 #include <memory>

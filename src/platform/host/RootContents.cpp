@@ -1,6 +1,6 @@
 #include "platform/host/RootContents.h"
 
-#include "platform/host/AccountLists.h"
+#include "platform/netinfo/AccountNumber.h"
 #include "platform/netinfo/Store.h"
 
 #include <algorithm>

@@ -1,5 +1,8 @@
 #pragma once
 
+#include "platform/netinfo/AccountFiles.h"
+
+#include <optional>
 #include <string>
 
 namespace platform {
@@ -10,6 +13,10 @@ class LocalDomain {
     virtual ~LocalDomain() = default;
     /// The store's file. It need not exist: opening it then fails.
     [[nodiscard]] virtual std::string storeFile() const = 0;
+
+    /// The files whose lines are the domain's users and groups; none where all of them are in the store. With
+    /// such files the store may be missing: it then holds nothing but the records that always exist.
+    [[nodiscard]] virtual std::optional<AccountFiles> accountFiles() const { return std::nullopt; }
 };
 
 } // namespace platform

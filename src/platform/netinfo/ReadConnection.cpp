@@ -113,6 +113,18 @@ int ReadConnection::open(const std::string& file) {
     return error;
 }
 
+int ReadConnection::openEmpty() {
+    file_.clear();
+    sqlite3* opened = nullptr;
+    int error = sqlite3_open_v2(":memory:", &opened, SQLITE_OPEN_READWRITE | kSqliteOwnConnection, nullptr);
+    database_.reset(opened);
+    for (const char* sql : {storeSchema, standingRecords}) {
+        error = error == SQLITE_OK ? sqlite3_exec(opened, sql, nullptr, nullptr, nullptr) : error;
+    }
+    begun_ = error == SQLITE_OK;
+    return error;
+}
+
 int ReadConnection::waitForWriter(void* connection, int tries) {
     auto& self = *static_cast<ReadConnection*>(connection);
     const double now = steadySeconds();

@@ -16,6 +16,8 @@ class ReadConnection {
 
     /// SQLITE_OK, or why `file` cannot be opened. Nothing is read yet.
     [[nodiscard]] int open(const std::string& file);
+    /// Opens a store in memory that holds nothing but the records that always exist.
+    [[nodiscard]] int openEmpty();
     /// Begins the transaction, waiting for writers. Where a killed writer left its changes half done, or the
     /// store has an older layout, the connection becomes one to a copy that is put in order, as the next
     /// writer would put the store itself. SQLITE_OK, or what failed; it can be tried again then.

@@ -33,13 +33,17 @@ RecordBlock RecordBlock::read(sqlite3* database, std::string_view statement, std
     SqliteStatement rows(database, statement);
     rows.bind(1, key);
     while (rows.step()) {
-        block.records_.push_back({rows.number(0), block.arena_.keep(rows.text(1))});
+        block.add(rows.number(0), rows.text(1));
     }
     *error = rows.error();
     if (*error != SQLITE_OK) {
         return {};
     }
     return block;
+}
+
+void RecordBlock::add(std::int64_t id, std::string_view content) {
+    records_.push_back({id, arena_.keep(content)});
 }
 
 const RecordBlock::Record* RecordBlock::find(std::int64_t id) const {

@@ -46,6 +46,9 @@ class RecordBlock {
     /// The one record `id`; no record when there is none.
     [[nodiscard]] static RecordBlock single(sqlite3* database, std::int64_t id, int* error);
 
+    /// Adds a record at the end; its id is higher than those before it.
+    void add(std::int64_t id, std::string_view content);
+
     /// In the order in which they were made.
     [[nodiscard]] const std::vector<Record>& records() const { return records_; }
 

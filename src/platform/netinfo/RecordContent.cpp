@@ -22,16 +22,24 @@ void appendText(std::string& content, std::string_view text) {
 
 } // namespace
 
+void ContentWriter::property(std::string_view name, std::size_t valueCount) {
+    appendText(content_, name);
+    appendNumber(content_, valueCount);
+}
+
+void ContentWriter::value(std::string_view value) {
+    appendText(content_, value);
+}
+
 std::string packedContent(std::span<const StoredProperty> properties) {
-    std::string content;
+    ContentWriter content;
     for (const auto& property : properties) {
-        appendText(content, property.name);
-        appendNumber(content, property.values.size());
+        content.property(property.name, property.values.size());
         for (const auto& value : property.values) {
-            appendText(content, value);
+            content.value(value);
         }
     }
-    return content;
+    return content.content();
 }
 
 bool ContentReader::fail() {

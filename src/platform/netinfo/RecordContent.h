@@ -21,6 +21,25 @@ struct StoredProperty {
 
 [[nodiscard]] std::string packedContent(std::span<const StoredProperty> properties);
 
+/// Packs properties one after another, without keeping them.
+class ContentWriter {
+  public:
+    /// Begins a property, of which `valueCount` values follow.
+    void property(std::string_view name, std::size_t valueCount);
+    void value(std::string_view value);
+
+    /// A property with one value.
+    void single(std::string_view name, std::string_view text) {
+        property(name, 1);
+        value(text);
+    }
+
+    [[nodiscard]] const std::string& content() const { return content_; }
+
+  private:
+    std::string content_;
+};
+
 /// Reads a record's content from its beginning. The texts are views into it.
 class ContentReader {
   public:

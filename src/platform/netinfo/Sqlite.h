@@ -30,6 +30,11 @@ CREATE INDEX record_by_parent ON record (parent);
 INSERT INTO record (id, parent, name) VALUES (0, NULL, '');
 )";
 
+/// The records that always exist, in a store that holds no others.
+inline constexpr const char* standingRecords = R"(
+INSERT INTO record (id, parent, name) VALUES (1, 0, 'users'), (2, 0, 'groups'), (3, 0, 'config'), (4, 3, 'Brindle');
+)";
+
 struct CloseConnection {
     void operator()(sqlite3* database) const { sqlite3_close_v2(database); }
 };

@@ -7,11 +7,15 @@
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <cstring>
 #include <deque>
 #include <limits>
 #include <memory>
+#include <optional>
 #include <utility>
+
+#include <unistd.h>
 
 struct ni_domain {
     platform::ReadConnection connection;
@@ -20,6 +24,13 @@ struct ni_domain {
     std::deque<platform::RecordBlock>
         blocks;           ///< what was read ahead; views into it were handed out, so all of it stays
     std::size_t last = 0; ///< the block that answered last
+    std::optional<platform::AccountFiles> accounts;
+    // The ids of /users and /groups, where their records are the lines of files; else 0.
+    std::int64_t usersDirectory = 0;
+    std::int64_t groupsDirectory = 0;
+    // Their blocks among `blocks`, once they have been read.
+    const platform::RecordBlock* users = nullptr;
+    const platform::RecordBlock* groups = nullptr;
 
     void applyTimeout() { connection.waitSeconds = aborts ? std::optional(readTimeout) : std::nullopt; }
 };
@@ -62,12 +73,62 @@ Found findAmongRead(ni_domain& domain, std::uint32_t id) {
     return {};
 }
 
+/// Begins to read, and finds the directories whose records are lines of files.
+int begin(ni_domain& domain) {
+    int error = domain.connection.begin();
+    if (error != SQLITE_OK || !domain.accounts || domain.usersDirectory != 0) {
+        return error;
+    }
+    platform::SqliteStatement child(domain.connection.database(),
+                                    "SELECT id FROM record WHERE parent = 0 AND name = ?1");
+    for (auto [name, id] : {std::pair<std::string_view, std::int64_t*>{"users", &domain.usersDirectory},
+                            {"groups", &domain.groupsDirectory}}) {
+        child.reset();
+        if (child.bind(1, name).step()) {
+            *id = child.number(0);
+        }
+        error = child.error() == SQLITE_OK ? error : child.error();
+    }
+    return error;
+}
+
+/// The records of a directory that are lines of a file, read when they are first asked for; null when the
+/// directory is none of those, or with `*error` set.
+const platform::RecordBlock* linesOf(ni_domain& domain, std::int64_t directory, int* error) {
+    *error = SQLITE_OK;
+    const bool isUsers = directory == domain.usersDirectory;
+    if (!domain.accounts || directory == 0 || (!isUsers && directory != domain.groupsDirectory)) {
+        return nullptr;
+    }
+    const platform::RecordBlock*& known = isUsers ? domain.users : domain.groups;
+    if (known == nullptr) {
+        const auto read = isUsers ? platform::userLines : platform::groupLines;
+        auto block = read(*domain.accounts, domain.connection.database(), directory, error);
+        if (*error != SQLITE_OK) {
+            return nullptr;
+        }
+        domain.blocks.push_back(std::move(block));
+        known = &domain.blocks.back();
+    }
+    return known;
+}
+
+std::optional<std::int64_t> lineNamed(const platform::RecordBlock& lines, std::string_view name) {
+    for (const auto& record : lines.records()) {
+        const auto* property = lines.property(record, "name");
+        if (property != nullptr && lines.values(*property).front() == name) {
+            return record.id;
+        }
+    }
+    return std::nullopt;
+}
+
 ni_status findRecord(ni_domain& domain, std::uint32_t id, Found* found) {
     *found = findAmongRead(domain, id);
     if (found->record != nullptr) {
         return found->block->isWhole(*found->record) ? NI_OK : NI_SYSTEMERR;
     }
-    int error = domain.connection.begin();
+    int error = begin(domain);
     if (error != SQLITE_OK) {
         return statusOf(error);
     }
@@ -93,8 +154,12 @@ bool recordExists(ni_domain& domain, std::uint32_t id, int* error) {
 }
 
 ni_status readChildren(ni_domain& domain, std::uint32_t parent, const platform::RecordBlock** children) {
-    int error = domain.connection.begin();
+    int error = begin(domain);
     if (error != SQLITE_OK) {
+        return statusOf(error);
+    }
+    *children = linesOf(domain, parent, &error);
+    if (*children != nullptr || error != SQLITE_OK) {
         return statusOf(error);
     }
     auto block = platform::RecordBlock::children(domain.connection.database(), parent, &error);
@@ -116,7 +181,21 @@ ni_status ni_open(ni_domain* relative, const char* name, ni_domain** domain) {
     if (relative != nullptr || name == nullptr || std::strcmp(name, ".") != 0) {
         return NI_FAILED;
     }
-    return ni_openfile(platform::Host::current().localDomain().storeFile(), domain);
+    const platform::LocalDomain& local = platform::Host::current().localDomain();
+    const std::string file = local.storeFile();
+    auto accounts = local.accountFiles();
+    if (!accounts) {
+        return ni_openfile(file, domain);
+    }
+    auto opened = std::make_unique<ni_domain>();
+    opened->accounts = std::move(accounts);
+    // Nothing is written on a computer where nothing was changed yet.
+    const bool isMissing = ::access(file.c_str(), F_OK) != 0 && errno == ENOENT;
+    const int error = isMissing ? opened->connection.openEmpty() : opened->connection.open(file);
+    if (error == SQLITE_OK) {
+        *domain = opened.release();
+    }
+    return statusOf(error);
 }
 
 ni_status ni_openfile(const std::string& file, ni_domain** domain) {
@@ -141,7 +220,7 @@ void ni_setreadtimeout(ni_domain* domain, int seconds) {
 void ni_setwritetimeout(ni_domain* /*domain*/, int /*seconds*/) {}
 
 ni_status ni_root(ni_domain* domain, ni_id* id) {
-    const int error = domain->connection.begin();
+    const int error = begin(*domain);
     if (error == SQLITE_OK) {
         *id = {};
     }
@@ -149,11 +228,11 @@ ni_status ni_root(ni_domain* domain, ni_id* id) {
 }
 
 ni_status ni_pathsearch(ni_domain* domain, ni_id* id, const char* path) {
-    int error = domain->connection.begin();
+    int error = begin(*domain);
     if (error != SQLITE_OK) {
         return statusOf(error);
     }
-    if (!recordExists(*domain, id->nii_object, &error)) {
+    if (id->nii_object < platform::firstUserLineId && !recordExists(*domain, id->nii_object, &error)) {
         return error == SQLITE_OK ? NI_BADID : statusOf(error);
     }
     platform::SqliteStatement child(domain->connection.database(),
@@ -164,6 +243,14 @@ ni_status ni_pathsearch(ni_domain* domain, ni_id* id, const char* path) {
         const std::string_view name = rest.substr(0, rest.find('/'));
         rest.remove_prefix(std::min(rest.size(), name.size() + 1));
         if (name.empty()) {
+            continue;
+        }
+        if (const auto* lines = linesOf(*domain, place, &error); lines != nullptr || error != SQLITE_OK) {
+            const auto line = lines == nullptr ? std::nullopt : lineNamed(*lines, name);
+            if (!line) {
+                return error == SQLITE_OK ? NI_NODIR : statusOf(error);
+            }
+            place = *line;
             continue;
         }
         child.reset();
