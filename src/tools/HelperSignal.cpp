@@ -2,7 +2,7 @@
 
 #include "platform/foundation/NSFileManager.h"
 #include "platform/host/HostProcesses.h"
-#include "platform/posix/FileDescriptor.h"
+#include "platform/posix/Process.h"
 
 #include <array>
 #include <cerrno>
@@ -12,8 +12,6 @@
 
 #include <sys/syscall.h>
 #include <unistd.h>
-
-using platform::FileDescriptor;
 
 namespace {
 
@@ -43,7 +41,7 @@ HelperComplaint hangUpServer(const std::string& processId, const std::string& ro
         return complaint("kill", processId, "is no process; give its number");
     }
     // Held open while its program is looked at, so that the signal reaches this process or none.
-    const FileDescriptor process(static_cast<int>(::syscall(SYS_pidfd_open, id, 0)));
+    const platform::FileDescriptor process = platform::openProcess(id);
     if (!process.isOpen()) {
         return complaint("kill", processId, reason(errno));
     }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/posix/Process.h"
+
 #include <string>
 #include <string_view>
 #include <vector>
@@ -13,15 +15,10 @@ struct CapturedRun {
     std::string output; ///< what it wrote to its standard output and error
 };
 
-/// Runs `arguments` (the first is the program's path) with exactly `environment` and waits for its end.
-/// `input`, which must fit a pipe (64 KiB), is all that its standard input holds.
+/// The old form of runProcess, for as long as anything calls it. Runs `arguments` (the first is the program's
+/// path) with exactly `environment` and waits for its end. `input`, which must fit a pipe (64 KiB), is all
+/// that its standard input holds.
 [[nodiscard]] CapturedRun runCaptured(std::vector<std::string> arguments,
                                       std::vector<std::string> environment, std::string_view input);
-
-/// The texts as execve(2) takes them: pointers into `texts`, which must outlive them, and a null at the end.
-[[nodiscard]] std::vector<char*> nullTerminated(std::vector<std::string>& texts);
-
-/// The last line of what a program said that is not empty; empty when there is none.
-[[nodiscard]] std::string lastLineOf(std::string_view text);
 
 } // namespace platform

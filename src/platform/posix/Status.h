@@ -64,6 +64,11 @@ class [[nodiscard]] Result {
 
     [[nodiscard]] const T* operator->() const { return &*value_; }
 
+    /// The value, or `other` when there is none.
+    [[nodiscard]] T valueOr(T other) const& { return value_.value_or(std::move(other)); }
+
+    [[nodiscard]] T valueOr(T other) && { return std::move(value_).value_or(std::move(other)); }
+
   private:
     std::optional<T> value_;
     Status status_;

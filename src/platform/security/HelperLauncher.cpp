@@ -1,5 +1,6 @@
 #include "platform/security/HelperLauncher.h"
 
+#include "platform/posix/InputOutput.h"
 #include "platform/posix/Secret.h"
 
 #include <algorithm>
@@ -38,12 +39,12 @@ std::optional<std::string> requestFor(const std::string& tool, std::span<const s
     return request;
 }
 
-void discard(const FileDescriptor& output) {
-    std::array<char, 512> unread{};
-    ssize_t count = 0;
-    do {
-        count = ::read(output.get(), unread.data(), unread.size());
-    } while (count > 0 || (count < 0 && errno == EINTR));
+/// This program's environment without the mark that sudo leaves on a shell: a helper that is started from
+/// here was not started by sudo, and one that sudo starts gets a mark of its own.
+std::vector<std::string> helperEnvironment() {
+    std::vector<std::string> variables = currentEnvironment();
+    std::erase_if(variables, [](const std::string& each) { return each.starts_with("SUDO_UID="); });
+    return variables;
 }
 
 bool isTransient(int error) {
@@ -66,13 +67,13 @@ OSStatus HelperLauncher::run(const std::string& tool, std::span<const std::strin
         return errAuthorizationToolExecuteFailure;
     }
     const IgnoredBrokenPipe ignored;
-    auto child = startProcess(command_, ErrorOutput::Inherited);
+    auto child = startProcess({command_, ErrorOutput::Inherited, helperEnvironment()});
     Start start = Start::Failed;
-    if (child) {
+    if (child.isOk()) {
         start = handOver(*child, *request);
     }
     wipe(*request);
-    if (!child) {
+    if (!child.isOk()) {
         return errAuthorizationToolExecuteFailure;
     }
     if (start == Start::Ended) {
@@ -89,8 +90,8 @@ OSStatus HelperLauncher::run(const std::string& tool, std::span<const std::strin
         *output = child->output.release();
     } else {
         // To the end, as a caller with a stream would read: what the tool was to do is done when this
-        // answers.
-        discard(child->output);
+        // returns. Nobody wants to know what it wrote.
+        static_cast<void>(readAll(child->output.get(), tool));
     }
     return errAuthorizationSuccess;
 }
@@ -131,14 +132,9 @@ HelperLauncher::Start HelperLauncher::handOver(ChildProcess& child, std::string_
 }
 
 OSStatus HelperLauncher::statusOfEnded(pid_t child) {
-    int status = 0;
-    while (::waitpid(child, &status, 0) < 0) {
-        if (errno != EINTR) {
-            return errAuthorizationToolExecuteFailure;
-        }
-    }
+    const auto status = waitForProcess(child);
     // sudo's status of a refusal. The helper itself ends with another before it has started.
-    const bool wasRefused = WIFEXITED(status) && WEXITSTATUS(status) == 1;
+    const bool wasRefused = status.isOk() && *status == 1;
     return wasRefused ? errAuthorizationDenied : errAuthorizationToolExecuteFailure;
 }
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/posix/ChildProcess.h"
+#include "platform/posix/Process.h"
 #include "platform/security/AuthorizationTypes.h"
 
 #include <chrono>

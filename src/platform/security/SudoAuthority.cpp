@@ -4,9 +4,10 @@
 #include "platform/foundation/NSBundle.h"
 #include "platform/foundation/NSLog.h"
 #include "platform/foundation/Presenter.h"
-#include "platform/posix/ChildProcess.h"
+#include "platform/posix/Process.h"
 #include "platform/posix/Secret.h"
 
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -18,6 +19,11 @@ namespace {
 
 bool isProgram(const std::string& path) {
     return ::access(path.c_str(), X_OK) == 0;
+}
+
+bool succeeds(std::vector<std::string> command, std::string_view input = {}) {
+    const auto finished = runProcess({std::move(command)}, input);
+    return finished.isOk() && finished->status == 0;
 }
 
 } // namespace
@@ -36,7 +42,7 @@ OSStatus SudoAuthority::copyRights(AuthorizationSession& /*session*/, const Auth
         NSLog("%@ is not installed: install sudo to administer this computer", sudo_);
         return errAuthorizationDenied;
     }
-    if (runProcess(std::vector<std::string>{sudo_, "-n", "-v"}) == 0) {
+    if (succeeds({sudo_, "-n", "-v"})) {
         return errAuthorizationSuccess;
     }
     if ((flags & kAuthorizationFlagInteractionAllowed) == 0) {
@@ -57,9 +63,9 @@ OSStatus SudoAuthority::askForPassword() const {
         line.reserve(answer->password.size() + 1);
         line.append(answer->password).push_back('\n');
         wipe(answer->password);
-        const int status = runProcess(std::vector<std::string>{sudo_, "-S", "-p", "", "-v"}, line);
+        const bool isAccepted = succeeds({sudo_, "-S", "-p", "", "-v"}, line);
         wipe(line);
-        if (status == 0) {
+        if (isAccepted) {
             return errAuthorizationSuccess;
         }
         request.message = NSLocalizedString("The password was not accepted, or this account may not "
@@ -69,7 +75,7 @@ OSStatus SudoAuthority::askForPassword() const {
 }
 
 void SudoAuthority::destroyRights(AuthorizationSession& /*session*/) {
-    if (runProcess(std::vector<std::string>{sudo_, "-k"}) != 0) {
+    if (!succeeds({sudo_, "-k"})) {
         NSLog("%@ -k failed: the administrator right may last until sudo forgets it by itself", sudo_);
     }
 }

@@ -1,0 +1,208 @@
+#include "platform/posix/WholeFile.h"
+
+#include "platform/posix/InputOutput.h"
+
+#include <cerrno>
+#include <cstdint>
+#include <cstdio>
+#include <filesystem>
+#include <memory>
+#include <system_error>
+#include <utility>
+
+#include <dirent.h>
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/random.h>
+#include <unistd.h>
+
+namespace platform {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr const char* cannotWrite = "cannot write";
+constexpr std::string_view temporaryStart = ".brindle-";
+constexpr std::string_view temporaryEnd = ".tmp";
+
+/// `path` with the links at its end followed to what they name, which need not exist.
+Result<fs::path> followLinks(fs::path path) {
+    constexpr int mostLinks = 40;
+    for (int links = 0; links < mostLinks; ++links) {
+        std::error_code error;
+        const fs::path destination = fs::read_symlink(path, error);
+        if (error) {
+            return path; // no link, or nothing there
+        }
+        path = path.parent_path() / destination; // an absolute destination stands for itself
+    }
+    return Status::ofErrno(cannotWrite, path, ELOOP);
+}
+
+/// Whether the caller is the only one who has the lock of a temporary file. A file system without locks says
+/// no to all.
+bool lock(int file) {
+    return ::flock(file, LOCK_EX | LOCK_NB) == 0;
+}
+
+/// Removes a temporary file unless its writer is alive and holds its lock.
+void removeIfAbandoned(int folder, const char* name) {
+    const FileDescriptor file(::openat(folder, name, O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+
+    struct stat status {};
+
+    if (file.isOpen() && ::fstat(file.get(), &status) == 0 && S_ISREG(status.st_mode) && lock(file.get())) {
+        ::unlinkat(folder, name, 0);
+    }
+}
+
+/// Removes what killed writers left. What cannot be removed does no harm.
+void sweep(int folder) {
+    const int copy = ::openat(folder, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    const std::unique_ptr<DIR, int (*)(DIR*)> entries(copy < 0 ? nullptr : ::fdopendir(copy), &::closedir);
+    while (const dirent* entry = entries ? ::readdir(entries.get()) : nullptr) {
+        const std::string_view name(&entry->d_name[0]);
+        if (name.starts_with(temporaryStart) && name.ends_with(temporaryEnd)) {
+            removeIfAbandoned(folder, &entry->d_name[0]);
+        }
+    }
+}
+
+/// Whether the file still has a name: another writer may have swept it before it was locked.
+bool hasName(int file) {
+    struct stat status {};
+
+    return ::fstat(file, &status) == 0 && status.st_nlink > 0;
+}
+
+/// The attributes of the file that is to be replaced; none where there is none.
+Result<std::optional<struct stat>> replacedFile(const FilePlace& place) {
+    struct stat status {};
+
+    if (::fstatat(place.folder(), place.name().c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0) {
+        return errno == ENOENT ? Result<std::optional<struct stat>>(std::nullopt)
+                               : Status::ofErrno(cannotWrite, place.pathOf(place.name()), errno);
+    }
+    if (!S_ISREG(status.st_mode)) {
+        return Status::failure(cannotWrite, place.pathOf(place.name()), "is no regular file; move it away");
+    }
+    return std::optional(status);
+}
+
+} // namespace
+
+Status writeWholeFile(const std::string& path, std::string_view bytes, const WholeFileRules& rules) {
+    const auto place = FilePlace::find(path, rules.links);
+    if (!place.isOk()) {
+        return place.status();
+    }
+    const auto like =
+        rules.keepsRights ? replacedFile(*place) : Result<std::optional<struct stat>>(std::nullopt);
+    if (!like.isOk()) {
+        return like.status();
+    }
+    auto file = WaitingFile::write(*place, place->name(), bytes, *like, rules.mode);
+    return file.isOk() ? file->replace() : file.status();
+}
+
+FilePlace::FilePlace(FileDescriptor folder, std::string folderPath, std::string name)
+    : folder_(std::move(folder)), folderPath_(std::move(folderPath)), name_(std::move(name)) {}
+
+Result<FilePlace> FilePlace::find(const std::string& path, LinkRule links) {
+    const auto file = links == LinkRule::Follow ? followLinks(path) : fs::path(path);
+    if (!file.isOk()) {
+        return file.status();
+    }
+    const std::string folder = file->has_parent_path() ? file->parent_path().string() : ".";
+    FileDescriptor descriptor(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (!descriptor.isOpen()) {
+        return Status::ofErrno(cannotWrite, path, errno);
+    }
+    return FilePlace(std::move(descriptor), folder, file->filename());
+}
+
+WaitingFile::WaitingFile(WaitingFile&& other) noexcept
+    : place_(other.place_), name_(std::move(other.name_)),
+      temporary_(std::exchange(other.temporary_, std::string())), file_(std::move(other.file_)) {}
+
+WaitingFile::~WaitingFile() {
+    if (!temporary_.empty()) {
+        ::unlinkat(place_->folder(), temporary_.c_str(), 0);
+    }
+}
+
+Result<WaitingFile> WaitingFile::write(const FilePlace& place, const std::string& name,
+                                       std::string_view bytes, const std::optional<struct stat>& like,
+                                       mode_t mode) {
+    sweep(place.folder());
+    WaitingFile file(place, name);
+    // Nobody else reads the text before it has the rights of the file that it replaces.
+    Status status = file.create(like ? 0600 : mode);
+    if (status.isOk()) {
+        status = file.fill(bytes, like);
+    }
+    return status.isOk() ? Result(std::move(file)) : status;
+}
+
+Status WaitingFile::failure(int error) const {
+    return Status::ofErrno(cannotWrite, place_->pathOf(name_), error);
+}
+
+Status WaitingFile::create(mode_t mode) {
+    constexpr int mostTries = 100;
+    for (int tries = 0; tries < mostTries; ++tries) {
+        std::uint64_t number = 0;
+        if (::getrandom(&number, sizeof number, 0) != static_cast<ssize_t>(sizeof number)) {
+            return failure(errno);
+        }
+        const std::string name =
+            std::string(temporaryStart) + std::to_string(number) + std::string(temporaryEnd);
+        file_ = FileDescriptor(::openat(place_->folder(), name.c_str(),
+                                        O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, mode));
+        if (!file_.isOpen()) {
+            return failure(errno);
+        }
+        // A writer that sweeps may come between; its lock is a reason to begin anew, no locks at all are
+        // none.
+        if ((lock(file_.get()) || errno != EWOULDBLOCK) && hasName(file_.get())) {
+            temporary_ = name;
+            return {};
+        }
+    }
+    return failure(EAGAIN);
+}
+
+Status WaitingFile::fill(std::string_view bytes, const std::optional<struct stat>& like) {
+    Status status = writeAll(file_.get(), bytes, place_->pathOf(name_));
+    if (!status.isOk()) {
+        return status;
+    }
+    // The owner before the mode: changing it may take bits of the mode away.
+    if ((like && ::fchown(file_.get(), like->st_uid, like->st_gid) != 0) ||
+        (like && ::fchmod(file_.get(), like->st_mode & 07777U) != 0) || ::fsync(file_.get()) != 0) {
+        return failure(errno);
+    }
+    return {};
+}
+
+Status WaitingFile::replace() {
+    if (::renameat(place_->folder(), temporary_.c_str(), place_->folder(), name_.c_str()) != 0) {
+        return failure(errno);
+    }
+    temporary_.clear();
+    ::fsync(place_->folder()); // some file systems cannot; the file is whole either way
+    return {};
+}
+
+Status WaitingFile::takeFreeName() {
+    if (::renameat2(place_->folder(), temporary_.c_str(), place_->folder(), name_.c_str(),
+                    RENAME_NOREPLACE) == 0) {
+        temporary_.clear();
+        return {};
+    }
+    const bool cannotTell = errno == EINVAL || errno == ENOSYS;
+    return cannotTell ? replace() : errno == EEXIST ? Status() : failure(errno);
+}
+
+} // namespace platform

@@ -1,0 +1,222 @@
+#include "platform/posix/InputOutput.h"
+#include "platform/posix/Process.h"
+#include "platform/posix/WholeFile.h"
+#include "support/TestHost.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <chrono>
+#include <csignal>
+#include <filesystem>
+#include <fstream>
+#include <thread>
+
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <sys/time.h>
+#include <unistd.h>
+
+namespace fs = std::filesystem;
+using namespace std::chrono_literals;
+using platform::Command;
+using platform::ErrorOutput;
+using platform::LinkRule;
+using platform::runProcess;
+using platform::WholeFileRules;
+using platform::writeWholeFile;
+
+namespace {
+
+Command shell(const std::string& text, ErrorOutput errors = ErrorOutput::Discarded) {
+    return {{"/bin/sh", "-c", text}, errors};
+}
+
+/// Interrupts every slow system call of this process while it lives.
+class Interruptions {
+  public:
+    Interruptions() {
+        struct sigaction action {};
+
+        action.sa_handler = [](int) {}; // without SA_RESTART
+        ::sigaction(SIGALRM, &action, &before_);
+        const itimerval timer{{0, 500}, {0, 500}};
+        ::setitimer(ITIMER_REAL, &timer, nullptr);
+    }
+
+    ~Interruptions() {
+        const itimerval none{};
+        ::setitimer(ITIMER_REAL, &none, nullptr);
+        ::sigaction(SIGALRM, &before_, nullptr);
+    }
+
+    Interruptions(const Interruptions&) = delete;
+    Interruptions& operator=(const Interruptions&) = delete;
+
+  private:
+    struct sigaction before_ {};
+};
+
+/// More than a pipe holds.
+const std::string longText = [] {
+    std::string text;
+    for (int number = 0; number < 100000; ++number) {
+        text += std::to_string(number) + "\n";
+    }
+    return text;
+}();
+
+std::string textOf(const fs::path& file) {
+    return platform::readWholeFile(file).valueOr("unreadable");
+}
+
+struct stat statusOf(const fs::path& file) {
+    struct stat status {};
+
+    EXPECT_EQ(::lstat(file.c_str(), &status), 0) << file;
+    return status;
+}
+
+std::vector<std::string> namesIn(const fs::path& folder) {
+    std::vector<std::string> names;
+    for (const auto& each : fs::directory_iterator(folder)) {
+        names.push_back(each.path().filename());
+    }
+    std::ranges::sort(names);
+    return names;
+}
+
+} // namespace
+
+TEST(InputOutput, AShortWriteAndAnInterruptionLoseNothing) {
+    auto pipe = platform::makePipe();
+    ASSERT_TRUE(pipe.isOk());
+    const Interruptions interruptions;
+    std::thread writer([&] {
+        EXPECT_TRUE(platform::writeAll(pipe->writeEnd.get(), longText, "the pipe").isOk());
+        pipe->writeEnd.reset();
+    });
+    EXPECT_TRUE(platform::readAll(pipe->readEnd.get(), "the pipe").valueOr("") == longText);
+    writer.join();
+}
+
+TEST(InputOutput, ALimitIsKeptToTheByte) {
+    const TestHost host;
+    const std::string file = host.root() / "file";
+    std::ofstream(file) << "12345";
+    const platform::FileDescriptor descriptor(::open(file.c_str(), O_RDONLY | O_CLOEXEC));
+    EXPECT_FALSE(platform::readAll(descriptor.get(), file, 4).isOk());
+    ::lseek(descriptor.get(), 0, SEEK_SET);
+    EXPECT_EQ(platform::readAll(descriptor.get(), file, 5).valueOr(""), "12345");
+    const auto missing = platform::readWholeFile(file + ".not");
+    EXPECT_EQ(missing.status().systemError(), ENOENT);
+    EXPECT_EQ(missing.status().text(), "cannot read " + file + ".not: No such file or directory");
+}
+
+TEST(Process, InputOutputErrorsAndStatusArriveWhole) {
+    const Interruptions interruptions;
+    // Both outputs fill up while the input is not read to its end.
+    const auto finished = runProcess(shell("tee /dev/stderr; exit 7", ErrorOutput::Apart), longText);
+    ASSERT_TRUE(finished.isOk());
+    EXPECT_TRUE(finished->output == longText);
+    EXPECT_TRUE(finished->errors == longText);
+    EXPECT_EQ(finished->status, 7);
+    EXPECT_EQ(runProcess(shell("echo a; echo b >&2", ErrorOutput::WithOutput))->output, "a\nb\n");
+    EXPECT_EQ(runProcess(shell("kill -9 $$"), longText)->status, 128 + SIGKILL) << "it does not read";
+    Command command = shell("echo $A$HOME");
+    command.environment = {"A=b"};
+    EXPECT_EQ(runProcess(command)->output, "b\n");
+    EXPECT_EQ(runProcess({{"/missing/program"}}).status().text(),
+              "cannot start /missing/program: No such file or directory");
+}
+
+TEST(Process, ATimeLimitKillsTheChild) {
+    const TestHost host;
+    const std::string id = host.root() / "id";
+    for (const char* silent : {"", "exec >&- 2>&-; "}) { // one that has closed its output is waited for too
+        const auto begin = std::chrono::steady_clock::now();
+        const auto finished =
+            runProcess(shell(std::string(silent) + "echo $$ >" + id + "; exec sleep 60"), {}, 200ms);
+        EXPECT_EQ(finished.status().systemError(), ETIMEDOUT);
+        EXPECT_LT(std::chrono::steady_clock::now() - begin, 30s);
+        EXPECT_NE(::kill(std::stoi(textOf(id)), 0), 0) << "it still runs";
+    }
+    EXPECT_TRUE(runProcess(shell("sleep 0.01"), {}, 60s).isOk());
+}
+
+TEST(WholeFile, LinksOwnersAndModesAreTreatedAsTold) {
+    const TestHost host;
+    const fs::path folder = host.root() / "folder";
+    fs::create_directory(folder);
+    const fs::path file = folder / "file";
+    const fs::path link = folder / "link";
+    std::ofstream(file) << "old";
+    ASSERT_EQ(::chmod(file.c_str(), 0640), 0);
+    const gid_t group = ::geteuid() == 0 ? 12345 : ::getegid();
+    ASSERT_EQ(::chown(file.c_str(), static_cast<uid_t>(-1), group), 0);
+    fs::create_symlink("file", link);
+
+    ASSERT_TRUE(writeWholeFile(link, longText, {.links = LinkRule::Follow, .keepsRights = true}).isOk());
+    EXPECT_TRUE(textOf(file) == longText);
+    EXPECT_TRUE(fs::is_symlink(link));
+    EXPECT_EQ(statusOf(file).st_mode & 07777U, 0640U);
+    EXPECT_EQ(statusOf(file).st_gid, group);
+
+    ASSERT_TRUE(writeWholeFile(link, "new", {.mode = 0600}).isOk());
+    EXPECT_EQ(statusOf(link).st_mode, S_IFREG | 0600U);
+    EXPECT_TRUE(textOf(file) == longText) << "what the link led to stays";
+
+    const fs::path dangling = folder / "dangling";
+    fs::create_symlink(folder / "fresh", dangling);
+    ASSERT_TRUE(writeWholeFile(dangling, "x", {.links = LinkRule::Follow, .keepsRights = true}).isOk());
+    EXPECT_EQ(textOf(folder / "fresh"), "x");
+
+    const fs::path loop = folder / "loop";
+    fs::create_symlink("loop", loop);
+    EXPECT_EQ(writeWholeFile(loop, "x", {.links = LinkRule::Follow}).systemError(), ELOOP);
+    EXPECT_FALSE(writeWholeFile(loop, "x", {.keepsRights = true}).isOk()) << "no regular file";
+    EXPECT_EQ(namesIn(folder), (std::vector<std::string>{"dangling", "file", "fresh", "link", "loop"}));
+}
+
+TEST(WholeFile, AFailedWriteLeavesNothingBehind) {
+    const TestHost host;
+    const fs::path folder = host.root() / "folder";
+    fs::create_directories(folder / "target");
+    const auto status = writeWholeFile(folder / "target", "bytes"); // a folder is in the way
+    EXPECT_EQ(status.text(), "cannot write " + (folder / "target").string() + ": Is a directory");
+    EXPECT_EQ(namesIn(folder), std::vector<std::string>{"target"});
+    EXPECT_EQ(writeWholeFile(host.root() / "missing" / "file", "bytes").systemError(), ENOENT);
+}
+
+TEST(WholeFile, TheNextWriterRemovesWhatAKilledOneLeft) {
+    const TestHost host;
+    const fs::path folder = host.root() / "folder";
+    fs::create_directory(folder);
+    std::ofstream(folder / ".brindle-1.tmp") << "half a te";
+    std::ofstream(folder / ".brindle-2.tmp") << "of a writer that is alive";
+    std::ofstream(folder / ".brindle.tmp") << "somebody else's";
+    const platform::FileDescriptor alive(::open((folder / ".brindle-2.tmp").c_str(), O_WRONLY | O_CLOEXEC));
+    ASSERT_EQ(::flock(alive.get(), LOCK_EX), 0);
+    ASSERT_TRUE(writeWholeFile(folder / "file", "text").isOk());
+    EXPECT_EQ(namesIn(folder), (std::vector<std::string>{".brindle-2.tmp", ".brindle.tmp", "file"}));
+}
+
+TEST(WholeFile, WritersAtOnceLeaveOneWholeText) {
+    const TestHost host;
+    const fs::path folder = host.root() / "folder";
+    fs::create_directory(folder);
+    std::vector<std::thread> writers;
+    for (char letter = 'a'; letter < 'e'; ++letter) {
+        writers.emplace_back([&, letter] {
+            for (int round = 0; round < 25; ++round) {
+                EXPECT_TRUE(writeWholeFile(folder / "file", std::string(10000, letter)).isOk());
+            }
+        });
+    }
+    for (std::thread& writer : writers) {
+        writer.join();
+    }
+    EXPECT_EQ(namesIn(folder), std::vector<std::string>{"file"});
+    const std::string text = textOf(folder / "file");
+    EXPECT_TRUE(text.size() == 10000 && text == std::string(10000, text.front()));
+}
