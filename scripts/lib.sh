@@ -15,6 +15,12 @@ fail() {
     exit 1
 }
 
+# The builds for the tests with and without Qt compile the same files to the same objects. Where ccache is installed,
+# the second takes them from the first: the folder that a file is compiled in is no part of what it looks for.
+if command -v ccache >/dev/null; then
+    export CMAKE_CXX_COMPILER_LAUNCHER="${CMAKE_CXX_COMPILER_LAUNCHER:-ccache}" CCACHE_NOHASHDIR=1
+fi
+
 # packages_of SECTION...: the names in these sections of packages.txt, one a line.
 packages_of() {
     local section
@@ -46,8 +52,8 @@ apt_get() {
     fi
 }
 
-# install_missing SECTION...: installs what these sections lack. Nothing is called, and no network used, when
-# all is there. Answers false when something cannot be installed.
+# install_missing SECTION...: installs what these sections lack. When nothing is missing, nothing is called and no
+# network is used. Fails when something cannot be installed.
 install_missing() {
     if ! command -v dpkg-query >/dev/null || ! command -v apt-get >/dev/null; then
         say "This machine has no apt-get: the packages in packages.txt are taken to be installed by other means."
