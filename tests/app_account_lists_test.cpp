@@ -4,6 +4,7 @@
 
 #include <array>
 #include <set>
+#include <tuple>
 
 namespace {
 
@@ -17,34 +18,30 @@ TEST_F(AccountsTest, AReportThatCannotBeReadIsLoggedAndTheOtherTableIsStillFille
     const std::string groupsBug = bug + "/groups gid name users";
     const std::string usersBug = bug + "/users name uid sharedDir";
 
-    struct Case {
-        const char* operation;
-        std::set<int> failing; ///< reports, counted from 0
-        Texts log;
-        int groups, users; ///< rows that are listed then
-    };
-
-    for (const Case& c : std::vector<Case>{{"refreshGroupList:", {0}, {groupsBug}, 0, 3},
-                                           {"updateSystemUsersGroups:", {0}, {groupsBug}, 0, 3},
-                                           {"refreshGroupList:", {1}, {usersBug}, 3, 0},
-                                           {"updateSystemUsersGroups:", {1}, {usersBug}, 3, 0},
-                                           {"refreshGroupList:", {0, 1}, {groupsBug, usersBug}, 0, 0},
-                                           {"addUserToGroup:", {0}, {groupsBug}, 0, 3}}) {
+    // Which reports fail, counted from 0, what is logged, and the rows that are listed then.
+    using Case = std::tuple<const char*, std::set<int>, Texts, int, int>;
+    for (const auto& [operation, failing, log, groups, users] :
+         std::vector<Case>{{"refreshGroupList:", {0}, {groupsBug}, 0, 3},
+                           {"updateSystemUsersGroups:", {0}, {groupsBug}, 0, 3},
+                           {"refreshGroupList:", {1}, {usersBug}, 3, 0},
+                           {"updateSystemUsersGroups:", {1}, {usersBug}, 3, 0},
+                           {"refreshGroupList:", {0, 1}, {groupsBug, usersBug}, 0, 0},
+                           {"addUserToGroup:", {0}, {groupsBug}, 0, 3}}) {
         host.onReport = nullptr;
         send("refreshGroupList:");
         selectGroup("staff");
         int report = 0;
-        host.onReport = [&report, &c] {
-            if (c.failing.contains(report++)) {
+        host.onReport = [&report, &failing = failing] {
+            if (failing.contains(report++)) {
                 throw std::out_of_range("a line lacks a piece");
             }
         };
         host.log.clear();
-        send(c.operation);
-        EXPECT_EQ(host.log, c.log) << c.operation;
-        EXPECT_EQ(app().groupTableView->numberOfRows(), c.groups) << c.operation;
-        EXPECT_EQ(app().groupUsersTableView->numberOfRows(), c.users) << c.operation;
-        EXPECT_EQ(app().deleteGroupButton->isEnabled(), c.groups > 0) << c.operation;
+        send(operation);
+        EXPECT_EQ(host.log, log) << operation;
+        EXPECT_EQ(app().groupTableView->numberOfRows(), groups) << operation;
+        EXPECT_EQ(app().groupUsersTableView->numberOfRows(), users) << operation;
+        EXPECT_EQ(app().deleteGroupButton->isEnabled(), groups > 0) << operation;
     }
 }
 
@@ -124,7 +121,8 @@ TEST_F(AccountsTest, FieldsAndButtonsFollowTheRowAndTheTypedName) {
               "bob501Bob B");
     EXPECT_EQ(app().groupPopUp->titleOfSelectedItem(), "staff");
     EXPECT_EQ(app().addNewUserButton->title(), "Update User");
-    EXPECT_TRUE(app().deleteUserButton->isEnabled() && app().enablePublicSelectedButton->isEnabled());
+    EXPECT_TRUE(app().deleteUserButton->isEnabled());
+    EXPECT_TRUE(app().enablePublicSelectedButton->isEnabled());
     nicl({"-create", "/users/bob", "gid", "4711"});
     send("refreshPublicList:");
     send("updateUserTextFields:");

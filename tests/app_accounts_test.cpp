@@ -159,25 +159,23 @@ TEST_F(AccountsTest, EachUserGetsItsOwnQuestion) {
 }
 
 TEST_F(AccountsTest, NamesTheFieldsThatAreEmpty) {
-    struct Case {
-        std::string full, name, uid, group, message;
-    };
-
     const std::string start =
         "To add a New User all fields must have a valid value.  The following field(s) were left empty:\n";
-    for (const Case& c : std::vector<Case>{{"", "", "", "", "Full Name, Short Name, UID, Group"},
-                                           {"", "x", "", "friends", "Full Name, UID"},
-                                           {"F", "", "9", "friends", "Short Name"},
-                                           {"F", "", "9", "", "Short Name, Group"},
-                                           {"F", "x", "", "friends", "UID"},
-                                           {"", "bob", "9", "", "Full Name"}}) {
-        fillUser(c.full, c.name, c.uid);
-        app().groupPopUp->selectItemAtIndex(app().groupPopUp->indexOfItemWithTitle(c.group));
-        host.answerAlert(c.name == "bob" ? "Confirm Update User" : "Confirm Add New File Sharing Only User",
+    using Case = std::array<std::string, 5>;
+    for (const auto& [full, name, uid, group, empty] :
+         std::vector<Case>{{"", "", "", "", "Full Name, Short Name, UID, Group"},
+                           {"", "x", "", "friends", "Full Name, UID"},
+                           {"F", "", "9", "friends", "Short Name"},
+                           {"F", "", "9", "", "Short Name, Group"},
+                           {"F", "x", "", "friends", "UID"},
+                           {"", "bob", "9", "", "Full Name"}}) {
+        fillUser(full, name, uid);
+        app().groupPopUp->selectItemAtIndex(app().groupPopUp->indexOfItemWithTitle(group));
+        host.answerAlert(name == "bob" ? "Confirm Update User" : "Confirm Add New File Sharing Only User",
                          "Yes");
         host.answerAlert("User Fields Empty", "OK");
         send("addNewUser:");
-        EXPECT_EQ(host.alerts.back().message, start + c.message);
+        EXPECT_EQ(host.alerts.back().message, start + empty);
     }
     for (const auto& [name, id, message] : std::vector<std::array<std::string, 3>>{
              {"", "", "Group Name, GID"}, {"", "9", "Group Name"}, {"x", "", "GID"}}) {
@@ -185,10 +183,7 @@ TEST_F(AccountsTest, NamesTheFieldsThatAreEmpty) {
         host.answerAlert("Confirm Add New Group", "Yes");
         host.answerAlert("Group Fields Empty", "OK");
         send("addNewGroup:");
-        EXPECT_EQ(host.alerts.back().message,
-                  "To add a New Group all fields must have a valid value.  The following field(s) were left "
-                  "empty:\n" +
-                      message);
+        EXPECT_TRUE(host.alerts.back().message.ends_with(" were left empty:\n" + message));
     }
     EXPECT_TRUE(host.runs.empty());
 }

@@ -1,7 +1,6 @@
 #include "platform/foundation/NSNotificationCenter.h"
 #include "privileged/NiutilTask.h"
 #include "support/AppFixture.h"
-#include "support/LoopbackServer.h"
 
 #include <algorithm>
 #include <filesystem>
@@ -45,45 +44,6 @@ TEST_F(Launch, ShowsTheVersionAndAnEmptyEditor) {
     EXPECT_EQ(control<NSButton>("createNewShare").title(), "Create New Share");
     EXPECT_TRUE(host.alerts.empty());
     EXPECT_FALSE(isLogged("a bug has occured"));
-}
-
-class LaunchOnAnOldSystem : public Launch {
-  protected:
-    LaunchOnAnOldSystem() : Launch({.strings = {}, .realResources = true, .systemVersion = 0x1039}) {}
-
-    void launchAnd(const std::string& button) {
-        host.answerAlert("Incorrect Mac OS X Version", button);
-        load();
-        NSApp().finishLaunching();
-    }
-};
-
-TEST_F(LaunchOnAnOldSystem, OpensTheWebPageWhenAskedToAndEnds) {
-    launchAnd("Go to Webpage and Quit Brindle");
-    EXPECT_EQ(host.events,
-              (Texts{"alert Incorrect Mac OS X Version", "open " + infoText("BRHomePage"), "terminate"}));
-    EXPECT_EQ(host.alerts.front().message,
-              "Version " + infoText("CFBundleVersion") +
-                  " of Brindle is only compatible with Mac OS X 10.4 and later.  Please visit " +
-                  infoText("BRHomePage") +
-                  " to download a version of Brindle compatible with your version of Mac OS X.");
-}
-
-TEST_F(LaunchOnAnOldSystem, EndsBeforeAnyOtherStep) {
-    launchAnd("Quit Brindle");
-    EXPECT_EQ(host.events, (Texts{"alert Incorrect Mac OS X Version", "terminate"}));
-    EXPECT_EQ(launchCounter(), std::nullopt);
-}
-
-class LaunchOnAnUnknownSystem : public Launch {
-  protected:
-    LaunchOnAnUnknownSystem()
-        : Launch({.strings = {}, .realResources = true, .systemVersion = std::nullopt}) {}
-};
-
-TEST_F(LaunchOnAnUnknownSystem, IsALaunchLikeAnyOther) {
-    start();
-    EXPECT_TRUE(host.alerts.empty());
 }
 
 TEST_F(Launch, TheLockFollowsTheAuthorizationUntilTheEnd) {
@@ -313,73 +273,6 @@ TEST_F(Launch, TheMenusReachTheServersAndTheAboutPanel) {
     EXPECT_EQ(host.runTexts(), (Texts{"/bin/kill -1 310", "/bin/kill -1 210"}));
     send("showAboutBox:");
     EXPECT_NE(host.loadedInterface->find("aboutWindow"), nullptr);
-}
-
-/// Brindle 2.0, whose version list is on a server of the test's own.
-class VersionCheck : public Launch {
-  protected:
-    VersionCheck() : Launch({.strings = {{"OK", "OK"}}}) {}
-
-    void startWithListAt(const std::string& address) {
-        host.write(
-            "resources/Info.plist",
-            "<plist version=\"1.0\"><dict><key>CFBundleVersion</key><string>2.0</string>"
-            "<key>BRHomePage</key><string>http://home.example/</string><key>BRVersionList</key><string>" +
-                address + "</string></dict></plist>");
-        start();
-    }
-
-    /// The one alert that an answer of the server's leads to.
-    platform::Alert alertFor(const std::string& answer, const std::string& title, const std::string& button) {
-        const LoopbackServer server(answer);
-        startWithListAt(server.address());
-        host.answerAlert(title, button);
-        send("checkForNewVersion:");
-        EXPECT_EQ(host.alerts.size(), 1U);
-        return host.alerts.at(0);
-    }
-
-    static std::string listOf(const std::string& version) {
-        return response("200 OK", "<plist version=\"1.0\"><dict><key>Other</key><string>7</string>"
-                                  "<key>Brindle</key><string>" +
-                                      version + "</string></dict></plist>");
-    }
-};
-
-TEST_F(VersionCheck, OfTheRunningVersionSaysThatItIsTheMostRecent) {
-    EXPECT_EQ(alertFor(listOf("2.0"), "Your Software is up-to-date", "OK").message,
-              "You have the most recent version of Brindle.");
-    EXPECT_TRUE(host.opened.empty());
-}
-
-TEST_F(VersionCheck, OfAnyOtherVersionOffersIt) {
-    EXPECT_EQ(
-        alertFor(listOf("1.9"), "A New Version is Available", "OK").message,
-        "A new version of Brindle is available (version 1.9). Would you like to download the new version "
-        "now?");
-    EXPECT_EQ(host.opened, Texts{"http://home.example/"});
-}
-
-TEST_F(VersionCheck, OpensNothingWhenTheOfferIsDeclined) {
-    static_cast<void>(alertFor(listOf("2.0.0"), "A New Version is Available", "Cancel"));
-    EXPECT_TRUE(host.opened.empty());
-}
-
-TEST_F(VersionCheck, ThatCannotBeMadeSaysWhy) {
-    const auto alert = alertFor(response("404 Not Found", ""), "Version Not Checked", "OK");
-    EXPECT_NE(alert.message.find("status 404"), std::string::npos) << alert.message;
-    EXPECT_FALSE(alert.alternateButton || alert.otherButton);
-}
-
-TEST_F(VersionCheck, OfADocumentThatIsNoListSaysSo) {
-    const auto alert = alertFor(response("200 OK", "<html>100% wrong</html>"), "Version Not Checked", "OK");
-    EXPECT_NE(alert.message.find("is not a version list"), std::string::npos) << alert.message;
-}
-
-TEST_F(VersionCheck, OfAListWithoutBrindleSaysSo) {
-    const auto alert =
-        alertFor(response("200 OK", "<plist version=\"1.0\"><dict/></plist>"), "Version Not Checked", "OK");
-    EXPECT_NE(alert.message.find("does not name Brindle"), std::string::npos) << alert.message;
 }
 
 } // namespace

@@ -167,27 +167,19 @@ TEST_F(AppKit, ARefusedEditLeavesTheFieldAndIsReported) {
 }
 
 TEST_F(AppKit, ANumberFieldShowsItsNumberWhenItIsLeft) {
-    const std::vector<std::pair<std::string, std::string>> cases = {{"007", "7"},
-                                                                    {"", ""},
-                                                                    {"12a", "12a"},
-                                                                    {"-5", "-5"},
-                                                                    {"٤٢", "42"},
-                                                                    {"1٢", "12"},
-                                                                    {"-", "-"},
-                                                                    {"𝟗𝟗", "99"},
-                                                                    {"½", "½"},
-                                                                    {"\xff", "\xff"},
-                                                                    {"99999999999999999999", "2147483647"},
-                                                                    {"-99999999999999999999", "-2147483648"}};
     NSTextField field;
     const auto formatter = std::make_shared<NSNumberFormatter>();
     formatter->setFormat("##0");
     field.setFormatter(formatter);
-    for (const auto& [typed, shown] : cases) {
+    Names shown;
+    for (const char* typed : {"007", "", "12a", "-5", "٤٢", "1٢", "-", "𝟗𝟗", "½", "\xff",
+                              "99999999999999999999", "-99999999999999999999"}) {
         field.setStringValue(typed);
         field.endEditing();
-        EXPECT_EQ(field.stringValue(), shown) << typed;
+        shown.push_back(field.stringValue());
     }
+    EXPECT_EQ(shown,
+              (Names{"7", "", "12a", "-5", "42", "12", "-", "99", "½", "\xff", "2147483647", "-2147483648"}));
     EXPECT_THROW(formatter->setFormat("#,##0"), std::invalid_argument);
 }
 

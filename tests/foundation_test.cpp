@@ -16,7 +16,10 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <array>
 #include <cstdlib>
+#include <iterator>
 #include <string>
 #include <utility>
 #include <vector>
@@ -28,25 +31,26 @@ namespace fs = std::filesystem;
 namespace {
 
 TEST(Texts, AnIntegerIsReadUpToTheFirstOtherCharacter) {
-    const std::vector<std::pair<std::string, std::int32_t>> cases = {{"42", 42},
-                                                                     {" \t\n-7x9", -7},
-                                                                     {"+5", 5},
-                                                                     {"007", 7},
-                                                                     {"", 0},
-                                                                     {"x1", 0},
-                                                                     {"- 1", 0},
-                                                                     {"--1", 0},
-                                                                     {"12.9", 12},
-                                                                     {"1,000", 1},
-                                                                     {"2147483648", 2147483647},
-                                                                     {"99999999999999999999999", 2147483647},
-                                                                     {"-2", -2},
-                                                                     {"-2147483648", INT32_MIN},
-                                                                     {"-99999999999999999999", INT32_MIN},
-                                                                     {"4294967294 ", 2147483647}};
-    for (const auto& [text, value] : cases) {
-        EXPECT_EQ(intValue(text), value) << '"' << text << '"';
-    }
+    const std::vector<std::string> texts = {"42",
+                                            " \t\n-7x9",
+                                            "+5",
+                                            "007",
+                                            "",
+                                            "x1",
+                                            "- 1",
+                                            "--1",
+                                            "12.9",
+                                            "1,000",
+                                            "2147483648",
+                                            "99999999999999999999999",
+                                            "-2",
+                                            "-2147483648",
+                                            "-99999999999999999999",
+                                            "4294967294 "};
+    std::vector<std::int32_t> values;
+    std::ranges::transform(texts, std::back_inserter(values), intValue);
+    EXPECT_EQ(values, (std::vector<std::int32_t>{42, -7, 5, 7, 0, 0, 0, 0, 12, 1, INT32_MAX, INT32_MAX, -2,
+                                                 INT32_MIN, INT32_MIN, INT32_MAX}));
 }
 
 TEST(Texts, CuttingKeepsEmptyPieces) {
@@ -234,27 +238,23 @@ TEST(Notifications, ReachObserversInOrderAndNotThoseRemovedMeanwhile) {
     auto& center = NSNotificationCenter::defaultCenter();
     std::string heard;
     const int sender = 0;
-    const int first = 0;
-    const int second = 0;
-    const int third = 0;
-    center.addObserver(
-        &first,
-        [&](const NSNotification&) {
-            heard += "1";
-            center.removeObserver(&second);
-            center.removeObserver(&first);
-        },
-        "held", &sender);
-    center.addObserver(
-        &second, [&](const NSNotification&) { heard += "2"; }, "held", nullptr);
-    center.addObserver(
-        &third,
-        [&](const NSNotification& notification) {
-            EXPECT_EQ(notification.object, &sender);
-            heard += "3";
-        },
-        "held", &sender);
-    center.postNotificationName("held", &third);
+    const std::array observers{1, 2, 3};
+    const auto observe = [&](int index, const void* of) {
+        center.addObserver(
+            &observers.at(static_cast<std::size_t>(index)),
+            [&, index](const NSNotification&) {
+                heard += std::to_string(observers.at(static_cast<std::size_t>(index)));
+                if (index == 0) {
+                    center.removeObserver(&observers[1]);
+                    center.removeObserver(&observers[0]);
+                }
+            },
+            "held", of);
+    };
+    observe(0, &sender);
+    observe(1, nullptr);
+    observe(2, &sender);
+    center.postNotificationName("held", &center);
     EXPECT_EQ(heard, "2"); // only the observer of any sender
     center.postNotificationName("other", &sender);
     center.postNotificationName("held", &sender);

@@ -1,11 +1,8 @@
-// What stands around the front-ends: the options, the printed table, the program's exit statuses, and what
-// the main interface file promises to scripts.
+// What stands around the front-ends: the options, the printed table and the program's exit statuses.
 
 #include "frontends/Options.h"
 #include "frontends/SilentPresenter.h"
 #include "frontends/TableText.h"
-#include "frontends/script/ControlState.h"
-#include "frontends/script/ScriptWords.h"
 #include "platform/foundation/NSFileManager.h"
 #include "support/AppFixture.h"
 #include "support/Subprocess.h"
@@ -13,7 +10,7 @@
 #include <gtest/gtest.h>
 
 #include <array>
-#include <fstream>
+#include <tuple>
 
 namespace {
 
@@ -87,62 +84,6 @@ TEST(SilentPresenter, PressesTheButtonThatChangesNothing) {
     EXPECT_FALSE(presenter.runAdministratorDialog({}));
 }
 
-/// The main window as the interface file describes it, before anything is filled in.
-class MainInterface : public AppFixture {};
-
-TEST_F(MainInterface, HasTheFirstValuesThatScriptsRelyOn) {
-    load();
-    for (const char* line :
-         {"drawer closed", "mainTabView 0", "afsPropsPage 0 \"General\"", "smbPropsPage 0 \"General\"",
-          "owner 0 \"Item1\"", "group 0 \"Item1\"", "groupPopUp 0 \"Item1\"", "sharingAFS 0 \"Not Shared\"",
-          "smbSecurity 0 \"User\"", "smbCodePage 0 \"437 (United States)\"", "showSystemUsersGroups off",
-          "showSystemUsersGroups2 off", "showSystemUsersGroups3 off", "idleDisconnectUsers off off off off",
-          "loggingAttributes1 off off", "passwordWindow hidden", "mainWindow hidden \"Brindle\"",
-          "normalTableView 0 rows, selected none"}) {
-        const std::string name = std::string(line).substr(0, std::string_view(line).find(' '));
-        ASSERT_NE(interface->find(name), nullptr) << name;
-        EXPECT_EQ(frontend::describeState(*interface->find(name)), line);
-    }
-    EXPECT_EQ(frontend::describeItems(control<NSPopUpButton>("smbSecurity")),
-              "smbSecurity[0] \"User\" tag=0\nsmbSecurity[1] \"Share\" tag=0");
-    const auto& codePages = control<NSPopUpButton>("smbCodePage");
-    EXPECT_EQ(codePages.items().front().tag, 437);
-    EXPECT_GE(codePages.indexOfItemWithTag(850), 0);
-}
-
-TEST_F(MainInterface, HasTheColumnsAndTheWiringThatScriptsRelyOn) {
-    load();
-    const std::map<std::string, std::string> columns = {
-        {"normalTableView", "ShareName AFPShared AFPName DirectoryPath Owner Group Everyone AFS Inherit "
-                            "InheritOwner SMB SMBGuestAccess "},
-        {"userTableView", "User \"Public Shared\" UID \"Full Name\" GID "},
-        {"groupTableView", "GID Group \"Users in Group\" "},
-        {"groupUsersTableView", "User "}};
-    for (const auto& [table, expected] : columns) {
-        std::string identifiers;
-        for (const NSTableColumn& column : control<NSTableView>(table).tableColumns()) {
-            identifiers += frontend::scriptWord(column.identifier) + ' ';
-        }
-        EXPECT_EQ(identifiers, expected) << table;
-    }
-    const std::map<std::string, std::string> wiring = {
-        {"shareName", "updateCreateShareButton:"},
-        {"shortName", "updateAddUserButton:"},
-        {"groupName", "updateAddGroupButton:"},
-        {"inheritPermissionsButton", "updateInheritButtons:"},
-        {"smbShareHomeDirs", "changeSMBHomeSharing:"},
-        {"idleDisconnectEnable", "changeIdleDisconnectEnable:"},
-        {"loggingEnable", "changeLoggingEnable:"},
-        {"showSystemUsersGroups", "updateUsersGroupsList:"},
-        {"showSystemUsersGroups2", "updateGroupsList:"},
-        {"showSystemUsersGroups3", "refreshGroupList:"},
-        {"afsPropsPage", "changeAFSPropsTabView:"},
-        {"smbPropsPage", "changeSMBPropsTabView:"}};
-    for (const auto& [name, operation] : wiring) {
-        EXPECT_EQ(control<NSControl>(name).action().operation, operation) << name;
-    }
-}
-
 /// The program on a root of its own, started as people start it.
 class Program : public testing::Test {
   protected:
@@ -163,19 +104,6 @@ class Program : public testing::Test {
         return finished.output;
     }
 
-    /// Makes a record of the directory as an administrator does in a terminal.
-    void addRecord(const std::string& path, const std::map<std::string, std::string>& properties) const {
-        std::vector<std::vector<std::string>> operations = {{}};
-        for (const auto& [property, value] : properties) {
-            operations.push_back({property, value});
-        }
-        for (const std::vector<std::string>& operation : operations) {
-            std::vector<std::string> command = {BRINDLE_PROGRAMS "/nicl", ".", "-create", path};
-            command.insert(command.end(), operation.begin(), operation.end());
-            ASSERT_EQ(runProgram(command, {}, environment()).output, "");
-        }
-    }
-
     [[nodiscard]] bool isLaunchCounted() const {
         return std::filesystem::exists(test_.home() / ".config/brindle/defaults.plist");
     }
@@ -186,14 +114,8 @@ class Program : public testing::Test {
 TEST_F(Program, SaysWhatIsWrongAndEndsWithTheStatusForIt) {
     const std::string folder = test_.root().string();
 
-    struct Case {
-        std::vector<std::string> arguments;
-        int status;
-        std::string output; ///< begins so
-        std::string errors; ///< begins so
-    };
-
-    const Case cases[] = {
+    // The arguments, the status, and what standard output and standard error begin with.
+    const std::vector<std::tuple<std::vector<std::string>, int, std::string, std::string>> cases = {
         {{"--help"}, 0, "usage: brindle ", ""},
         {{"--version"}, 0, "Brindle ", ""},
         {{"--print", "groups"}, 0, "Group ID  Group  ", ""},
@@ -205,12 +127,12 @@ TEST_F(Program, SaysWhatIsWrongAndEndsWithTheStatusForIt) {
         {{"--script", folder}, 1, "", folder + ":1: the script cannot be read further\n"},
         {{"--root", "/dev/null/x", "--print", "users"}, 1, "", "brindle: cannot make /dev/null/x: "},
     };
-    for (const Case& each : cases) {
-        const Finished finished = run(each.arguments);
-        EXPECT_EQ(finished.status, each.status) << each.arguments.back();
-        EXPECT_TRUE(finished.output.starts_with(each.output)) << finished.output;
-        EXPECT_TRUE(finished.errors.starts_with(each.errors)) << finished.errors;
-        EXPECT_TRUE(each.output.empty() ? finished.output.empty() : finished.errors.empty());
+    for (const auto& [arguments, status, output, errors] : cases) {
+        const Finished finished = run(arguments);
+        EXPECT_EQ(finished.status, status) << arguments.back();
+        EXPECT_TRUE(finished.output.starts_with(output)) << finished.output;
+        EXPECT_TRUE(finished.errors.starts_with(errors)) << finished.errors;
+        EXPECT_EQ(output.empty() ? finished.output : finished.errors, "");
     }
     for (const std::string option : {"--script -", "--print users", "--help", "--version"}) {
         const Finished full =
@@ -240,8 +162,14 @@ TEST_F(Program, RefusesAnInterfaceFileThatLacksAnOutlet) {
 
 TEST_F(Program, PrintsWithoutCountingALaunchOrChangingWhatAnAlertAsksAbout) {
     ASSERT_EQ(run({"--print", "users"}).status, 0);
-    // A record of a version before Jaguar, whose name is not UTF-8.
-    addRecord("/config/Brindle/caf\xE9", {{"directory_path", "/nowhere"}});
+    // An outdated record, whose name is not UTF-8.
+    const std::string nicl = BRINDLE_PROGRAMS "/nicl";
+    const std::string record = "/config/Brindle/caf\xE9";
+    for (const std::vector<std::string>& command :
+         {std::vector<std::string>{nicl, ".", "-create", record},
+          {nicl, ".", "-create", record, "directory_path", "/nowhere"}}) {
+        ASSERT_EQ(runProgram(command, {}, environment()).output, "");
+    }
     const Finished shares = run({"--print", "shares"});
     EXPECT_NE(shares.output.find("\ncaf\xEF\xBF\xBD   /nowhere"), std::string::npos) << shares.output;
     EXPECT_EQ(shares.errors, "");
@@ -251,67 +179,6 @@ TEST_F(Program, PrintsWithoutCountingALaunchOrChangingWhatAnAlertAsksAbout) {
                "rows normalTableView 0\nshow shareName\n");
     EXPECT_TRUE(output.ends_with("shareName \"caf\xE9\"\nquit\n")) << output;
     EXPECT_TRUE(isLaunchCounted());
-}
-
-/// The line of the share table for a folder that does not exist.
-std::string shareRow(int index, const std::string& name, const std::string& afp, const std::string& folder,
-                     const std::string& inherit, const std::string& smb) {
-    return std::to_string(index) + " ShareName=\"" + name + "\" AFPShared=\"" + afp + "\" AFPName=\"" + name +
-           "\" DirectoryPath=\"" + folder + "\" Owner=\"\" Group=\"\" Everyone=\"\" AFS=\"" +
-           (afp == "1" ? "+" : "-") + "\" Inherit=\"" + inherit + "\" InheritOwner=\"" +
-           (inherit.empty() ? "" : "No") + "\" SMB=\"" + smb + "\" SMBGuestAccess=\"" +
-           (smb == "+" ? "yes" : "No") + "\"\n";
-}
-
-/// A section that shares a folder with guests, and a commented-out one, as many hands have left them.
-std::string handWrittenSection(const std::string& number) {
-    return "\r\n# a comment with an = sign\r\n;[off" + number + "]\r\n;path = /no/off" + number +
-           "\r\n\t [Section" + number +
-           "]\r\n\tpath = /no/earlier\r\n#\tpath = /no/comment\r\n\t path\t= /no/tab\n  path  =\t/no/folder" +
-           number + "  \r\nguest ok=yes\r\n\tguest ok = no\r\n\tpath = /no/later\n";
-}
-
-TEST_F(Program, JoinsALongHandWrittenConfigurationWithTheRecordsOfTheDirectory) {
-    addRecord("/users/minor", {{"uid", "99"}, {"gid", "7101"}});
-    addRecord("/users/zoe",
-              {{"uid", "7101"}, {"gid", "7101"}, {"realname", "Zoë Z"}, {"sharedDir", "Public"}});
-    addRecord("/groups/crew", {{"gid", "7101"}, {"users", "zoe"}});
-    for (const char* number : {"30", "7", "99"}) { // two folders that have a section, and one that has none
-        const std::string name = std::string("Record") + number;
-        addRecord("/config/Brindle/" + name, {{"directory_path", std::string("/no/folder") + number},
-                                              {"afp_shared", name == "Record7" ? "0" : "1"},
-                                              {"afp_name", name},
-                                              {"afp_use_parent_privs", "1"},
-                                              {"afp_use_parent_owner", "0"}});
-    }
-    std::string configuration = "; by hand\r\n[global]\r\n\tworkgroup = OFFICE\r\n\tpath = /no/folder7\r\n"
-                                "[homes]\n   path = /no/folder7\n[printers]\n\tpath = /no/folder7\r\n";
-    std::string shares = shareRow(0, "Record30", "1", "/no/folder30", "Yes", "+") +
-                         shareRow(1, "Record7", "0", "/no/folder7", "Yes", "+") +
-                         shareRow(2, "Record99", "1", "/no/folder99", "Yes", "-");
-    int rows = 3;
-    for (int number = 0; number < 40; ++number) {
-        const std::string text = std::to_string(number);
-        configuration += handWrittenSection(text);
-        if (number != 30 && number != 7) {
-            shares += shareRow(rows++, "Section" + text, "0", "/no/folder" + text, "", "+");
-        }
-    }
-    std::ofstream(test_.root() / "computer/etc/smb.conf", std::ios::binary) << configuration;
-
-    const std::string output = script("answer Donation Cancel\nstart\nshow normalTableView userTableView "
-                                      "groupTableView groupUsersTableView\n");
-    const std::size_t begin = output.find("normalTableView ");
-    const std::size_t users = output.find("userTableView ");
-    ASSERT_NE(users, std::string::npos) << output;
-    EXPECT_EQ(output.substr(begin, users - begin),
-              "normalTableView " + std::to_string(rows) + " rows, selected none\n" + shares);
-    for (const char* part :
-         {" User=\"zoe\" \"Public Shared\"=\"YES\" UID=\"7101\" \"Full Name\"=\"Zoë Z\" GID=\"7101\"\n",
-          " GID=\"7101\" Group=\"crew\" \"Users in Group\"=\"zoe\"\n", " User=\"zoe\"\n"}) {
-        EXPECT_NE(output.find(part, users), std::string::npos) << part;
-    }
-    EXPECT_EQ(output.find("\"minor\""), std::string::npos);
 }
 
 TEST_F(Program, AsksForConsentOnceAndForgetsItAtItsEnd) {

@@ -1,3 +1,6 @@
+// That every text is looked up in the table of its language; and what depends on the version of the system or
+// on the list of Brindle's versions.
+
 #include "platform/foundation/NSFileManager.h"
 #include "platform/foundation/StringTable.h"
 #include "support/AppFixture.h"
@@ -11,6 +14,15 @@ const std::string mark = "«";
 
 std::string marked(const std::string& text) {
     return mark + text + "»";
+}
+
+std::string withoutMarks(std::string text) {
+    for (const char* each : {"«", "»"}) {
+        for (std::size_t at = 0; (at = text.find(each)) != std::string::npos;) {
+            text.erase(at, 2);
+        }
+    }
+    return text;
 }
 
 bool isMarked(const std::string& text) {
@@ -147,70 +159,60 @@ TEST_F(Translation, ReachesEveryTextOfTheWindowsAndTheFirstLaunch) {
     expectMarked(host.loadedInterface->root());
 }
 
-TEST_F(Translation, ReachesEveryAlertAboutShares) {
-    start();
-    for (const auto& [name, title] : {std::pair("", "Share Name Empty"),
-                                      {"Docs", "Directory Empty"},
-                                      {"global", "Illegal Share Name"},
-                                      {"homes", "Illegal Share Name"}}) {
-        control<NSTextField>("shareName").setStringValue(name);
-        answer(title, "OK");
-        send("createShare:");
-        if (name == std::string("Docs")) {
-            control<NSTextField>("directory").setStringValue("/shares/docs");
-        }
-    }
-    host.onRun = [](const RecordedRun&) { return TestHost::RunAnswer{"no room", 0}; };
-    control<NSTextField>("shareName").setStringValue("Docs");
-    answer("Create Share Failed", "OK");
-    send("createShare:");
-    answer("Confirm Delete All Shares", "No");
-    send("deleteAllShares:");
-    expectMarkedAlerts();
-}
-
-TEST_F(Translation, ReachesEveryAlertAboutAccounts) {
+TEST_F(Translation, ReachesEveryAlertAboutSharesAndAccounts) {
     addUser("alice", "501");
     addUser("adam", "502");
     addGroup("friends", "501", {"alice"});
     addGroup("admin", "80", {"adam"});
     start();
-    const auto fillUser = [this](const std::string& name, const std::string& id) {
-        for (const auto& [field, text] : {std::pair("shortName", name), {"fullName", id}, {"uid", id}}) {
-            control<NSTextField>(field).setStringValue(text);
-        }
-    };
-    const auto confirmThenAnswer = [this](const std::string& confirmation, const std::string& title,
-                                          const std::string& button, const std::string& operation) {
-        answer(confirmation, "Yes");
-        answer(title, button);
-        send(operation);
-    };
-    confirmThenAnswer("Confirm Add New File Sharing Only User", "User Fields Empty", "OK", "addNewUser:");
-    fillUser("bob", "501");
     control<NSPopUpButton>("groupPopUp").selectItemAtIndex(0);
-    confirmThenAnswer("Confirm Add New File Sharing Only User", "UID is Not Unique", "No", "addNewUser:");
-    fillUser("alice", "501");
-    answer("Confirm Update User", "No");
-    send("addNewUser:");
-    fillUser("adam", "502");
-    answer("Confirm Update Admin User", "No");
-    send("addNewUser:");
-    confirmThenAnswer("Confirm Add New Group", "Group Fields Empty", "OK", "addNewGroup:");
-    control<NSTextField>("groupName").setStringValue("others");
-    control<NSTextField>("gid").setStringValue("501");
-    confirmThenAnswer("Confirm Add New Group", "GID is Not Unique", "No", "addNewGroup:");
-    selectRow(control<NSTableView>("groupTableView"), "Group", "friends");
-    answer("Confirm Update Group", "No");
-    send("addNewGroup:");
-    answer("Confirm Delete Selected Group", "No");
-    send("deleteSelectedGroup:");
-    selectRow(control<NSTableView>("userTableView"), "User", "alice");
-    answer("Confirm Delete Selected User", "No");
-    send("deleteSelectedUser:");
-    selectRow(control<NSTableView>("userTableView"), "User", "adam");
-    answer("Admin Users Cannot Be Deleted", "Cancel");
-    send("deleteSelectedUser:");
+    host.onRun = [](const RecordedRun&) { return TestHost::RunAnswer{"no room", 0}; };
+    using Pairs = std::vector<std::pair<const char*, const char*>>;
+
+    struct Situation {
+        Pairs controls; ///< a field and its text, or a table and the name in the selected row
+        const char* operation;
+        Pairs answers;
+    };
+
+    const std::pair newUser("Confirm Add New File Sharing Only User", "Yes");
+    const std::pair newGroup("Confirm Add New Group", "Yes");
+    for (const Situation& each : std::vector<Situation>{
+             {{}, "createShare:", {{"Share Name Empty", "OK"}}},
+             {{{"shareName", "Docs"}}, "createShare:", {{"Directory Empty", "OK"}}},
+             {{{"directory", "/d"}}, "createShare:", {{"Create Share Failed", "OK"}}},
+             {{{"shareName", "global"}}, "createShare:", {{"Illegal Share Name", "OK"}}},
+             {{{"shareName", "homes"}}, "createShare:", {{"Illegal Share Name", "OK"}}},
+             {{}, "deleteAllShares:", {{"Confirm Delete All Shares", "No"}}},
+             {{}, "addNewUser:", {newUser, {"User Fields Empty", "OK"}}},
+             {{{"shortName", "bob"}, {"fullName", "B"}, {"uid", "501"}},
+              "addNewUser:",
+              {newUser, {"UID is Not Unique", "No"}}},
+             {{{"shortName", "alice"}}, "addNewUser:", {{"Confirm Update User", "No"}}},
+             {{{"shortName", "adam"}}, "addNewUser:", {{"Confirm Update Admin User", "No"}}},
+             {{}, "addNewGroup:", {newGroup, {"Group Fields Empty", "OK"}}},
+             {{{"groupName", "others"}, {"gid", "501"}},
+              "addNewGroup:",
+              {newGroup, {"GID is Not Unique", "No"}}},
+             {{{"groupTableView", "friends"}}, "addNewGroup:", {{"Confirm Update Group", "No"}}},
+             {{}, "deleteSelectedGroup:", {{"Confirm Delete Selected Group", "No"}}},
+             {{{"userTableView", "alice"}}, "deleteSelectedUser:", {{"Confirm Delete Selected User", "No"}}},
+             {{{"userTableView", "adam"}},
+              "deleteSelectedUser:",
+              {{"Admin Users Cannot Be Deleted", "Cancel"}}}}) {
+        for (const auto& [name, text] : each.controls) {
+            if (auto* field = dynamic_cast<NSTextField*>(interface->find(name))) {
+                field->setStringValue(text);
+            } else {
+                selectRow(control<NSTableView>(name),
+                          std::string(name).starts_with("group") ? "Group" : "User", text);
+            }
+        }
+        for (const auto& [title, button] : each.answers) {
+            answer(title, button);
+        }
+        send(each.operation);
+    }
     expectMarkedAlerts();
 }
 
@@ -218,30 +220,25 @@ TEST_F(Translation, ReachesEveryAlertAboutTheServersSettings) {
     host.write("Library/Preferences/com.apple.AppleFileServer.plist",
                "<plist version=\"1.0\"><dict/></plist>");
     start();
-    const auto save = [this](const std::string& operation, const std::string& title, int alerts) {
-        for (int alert = 0; alert < alerts; ++alert) {
-            answer(title, "OK");
-        }
-        send(operation);
+    const auto save = [this] {
+        answer("AppleFileServer.plist Write Unsuccessful", "OK");
+        answer("smb.conf Write Unsuccessful", "OK");
+        send("updateAFSProperties:");
+        send("updateSMBProperties:");
     };
-    const std::string afp = "AppleFileServer.plist Write Unsuccessful";
-    const std::string smb = "smb.conf Write Unsuccessful";
     // The copy fails; then it takes the temporary file away, so that the removal fails; then nothing can be
     // written.
     host.onRun = [](const RecordedRun&) { return TestHost::RunAnswer{"no room", 0}; };
-    save("updateAFSProperties:", afp, 1);
-    save("updateSMBProperties:", smb, 1);
+    save();
     host.onRun = [](const RecordedRun& run) {
         if (run.tool == "/bin/cp") {
             std::filesystem::remove(run.arguments.at(0));
         }
         return TestHost::RunAnswer{};
     };
-    save("updateAFSProperties:", afp, 1);
-    save("updateSMBProperties:", smb, 1);
+    save();
     std::filesystem::remove_all(host.home());
-    save("updateAFSProperties:", afp, 1);
-    save("updateSMBProperties:", smb, 1);
+    save();
     expectMarkedAlerts();
     std::set<std::string> messages;
     for (const platform::Alert& alert : host.alerts) {
@@ -250,53 +247,97 @@ TEST_F(Translation, ReachesEveryAlertAboutTheServersSettings) {
     EXPECT_EQ(messages.size(), 6U) << "each failure has a message of its own";
 }
 
-class VersionTranslation : public Translation {
-  protected:
-    void check(const std::string& answerOfServer, const std::string& title, const std::string& button) {
-        const LoopbackServer server(answerOfServer);
-        host.write("resources/Info.plist",
-                   "<plist version=\"1.0\"><dict><key>CFBundleVersion</key><string>2.0</string>"
-                   "<key>BRVersionList</key><string>" +
-                       server.address() + "</string></dict></plist>");
-        start();
-        answer(title, button);
-        send("checkForNewVersion:");
-        expectMarkedAlerts();
-    }
+struct ListCase {
+    const char* name;
+    std::string response; ///< of the server with the version list
+    const char* title;
+    const char* button;
+    const char* message; ///< a part of it, as it is marked
+    bool opensPage;
 };
 
-TEST_F(VersionTranslation, ReachesTheReasonWhyTheVersionWasNotChecked) {
-    check(response("503 Busy", ""), "Version Not Checked", "OK");
-    EXPECT_NE(host.alerts.at(0).message.find(mark + "cannot fetch"), std::string::npos);
-    EXPECT_NE(host.alerts.at(0).message.find(mark + "the server answered"), std::string::npos);
+void PrintTo(const ListCase& list, std::ostream* stream) {
+    *stream << list.name;
 }
 
-TEST_F(VersionTranslation, ReachesTheReasonWhyTheListIsOfNoUse) {
-    check(response("200 OK", "nonsense"), "Version Not Checked", "OK");
-    EXPECT_NE(host.alerts.at(0).message.find(mark + "the document at"), std::string::npos);
-}
+/// Brindle 2.0, whose version list is on a server of the test's own.
+class VersionCheck : public Translation, public testing::WithParamInterface<ListCase> {};
 
-TEST_F(VersionTranslation, ReachesTheOfferOfANewVersion) {
-    check(response("200 OK",
-                   "<plist version=\"1.0\"><dict><key>Brindle</key><string>3</string></dict></plist>"),
-          "A New Version is Available", "Cancel");
-}
-
-TEST_F(VersionTranslation, ReachesTheNewsThatThereIsNone) {
-    check(response("200 OK",
-                   "<plist version=\"1.0\"><dict><key>Brindle</key><string>2.0</string></dict></plist>"),
-          "Your Software is up-to-date", "OK");
-}
-
-class OldSystemTranslation : public Translation {
-  protected:
-    OldSystemTranslation() : Translation(0x1039) {}
-};
-
-TEST_F(OldSystemTranslation, ReachesTheVersionAlert) {
-    answer("Incorrect Mac OS X Version", "Quit Brindle");
-    launch();
+TEST_P(VersionCheck, SaysWhatTheListSays) {
+    const LoopbackServer server(GetParam().response);
+    host.write("resources/Info.plist",
+               "<plist version=\"1.0\"><dict><key>CFBundleVersion</key><string>2.0</string>"
+               "<key>BRHomePage</key><string>http://home.example/</string>"
+               "<key>BRVersionList</key><string>" +
+                   server.address() + "</string></dict></plist>");
+    start();
+    answer(GetParam().title, GetParam().button);
+    send("checkForNewVersion:");
     expectMarkedAlerts();
+    ASSERT_EQ(host.alerts.size(), 1U);
+    EXPECT_NE(host.alerts[0].message.find(GetParam().message), std::string::npos) << host.alerts[0].message;
+    EXPECT_EQ(host.alerts[0].alternateButton.has_value(), std::string(GetParam().title).starts_with("A New"));
+    EXPECT_EQ(host.opened, GetParam().opensPage ? std::vector<std::string>{"http://home.example/"}
+                                                : std::vector<std::string>{});
+}
+
+std::string listOf(const std::string& version) {
+    return response("200 OK", "<plist version=\"1.0\"><dict><key>Other</key><string>7</string>"
+                              "<key>Brindle</key><string>" +
+                                  version + "</string></dict></plist>");
+}
+
+constexpr const char* offer =
+    "«A new version of Brindle is available (version 1.9). Would you like to download "
+    "the new version now?»";
+
+INSTANTIATE_TEST_SUITE_P(
+    Of, VersionCheck,
+    testing::Values(
+        ListCase{"TheRunningVersion", listOf("2.0"), "Your Software is up-to-date", "OK",
+                 "«You have the most recent version of Brindle.»", false},
+        ListCase{"AnyOtherVersion", listOf("1.9"), "A New Version is Available", "OK", offer, true},
+        ListCase{"AVersionThatIsDeclined", listOf("2.0.0"), "A New Version is Available", "Cancel", "2.0.0",
+                 false},
+        ListCase{"AServerThatRefuses", response("404 Not Found", ""), "Version Not Checked", "OK",
+                 "«the server answered with status 404»", false},
+        ListCase{"ADocumentThatIsNoList", response("200 OK", "<html>100% wrong</html>"),
+                 "Version Not Checked", "OK", " is not a version list»", false},
+        ListCase{"AListWithoutBrindle", response("200 OK", "<plist version=\"1.0\"><dict/></plist>"),
+                 "Version Not Checked", "OK", " does not name Brindle»", false}),
+    [](const auto& test) { return test.param.name; });
+
+class OldSystem : public Translation {
+  protected:
+    OldSystem() : Translation(0x1039) {}
+};
+
+TEST_F(OldSystem, EndsBrindleBeforeAnyOtherStep) {
+    const std::string title = "Incorrect Mac OS X Version";
+    const std::string page = NSBundle::mainBundle().objectForInfoDictionaryKey("BRHomePage");
+    answer(title, "Quit Brindle");
+    launch();
+    EXPECT_EQ(host.events, (std::vector<std::string>{"alert " + marked(title), "terminate"}));
+    EXPECT_EQ(NSUserDefaults::standardUserDefaults().integerForKey("BrindleDonationReminder"), std::nullopt);
+    expectMarkedAlerts();
+    EXPECT_EQ(withoutMarks(host.alerts.front().message),
+              "Version " + NSBundle::mainBundle().objectForInfoDictionaryKey("CFBundleVersion") +
+                  " of Brindle is only compatible with Mac OS X 10.4 and later.  Please visit " + page +
+                  " to download a version of Brindle compatible with your version of Mac OS X.");
+
+    answer(title, "Go to Webpage and Quit Brindle");
+    launch();
+    EXPECT_EQ(host.opened, std::vector<std::string>{page});
+}
+
+class UnknownSystem : public Translation {
+  protected:
+    UnknownSystem() : Translation(std::nullopt) {}
+};
+
+TEST_F(UnknownSystem, IsALaunchLikeAnyOther) {
+    start();
+    EXPECT_TRUE(host.alerts.empty());
 }
 
 } // namespace
