@@ -18,7 +18,6 @@
 #include <fstream>
 #include <iostream>
 #include <stdexcept>
-#include <vector>
 
 #include <syslog.h>
 
@@ -37,11 +36,11 @@ class QuietSystemLog : public platform::Log {
 };
 
 platform::Services makeServices(const Options& options) {
-    if (options.system) {
+    if (options.host.system) {
         throw std::runtime_error("--system is not built yet: leave it out to work on an embedded root");
     }
     platform::EmbeddedHostOptions host;
-    host.root = options.root;
+    host.root = options.host.root;
     host.keepsUserDefaults = options.mode == Mode::Window || options.mode == Mode::Script;
     return platform::makeEmbeddedServices(host);
 }
@@ -51,7 +50,8 @@ std::unique_ptr<platform::EmbeddedServer> startServer(const Options& options) {
     if (!options.serve) {
         return nullptr;
     }
-    const std::string folder = options.root.empty() ? platform::EmbeddedRoot::defaultFolder() : options.root;
+    const std::string folder =
+        options.host.root.empty() ? platform::EmbeddedRoot::defaultFolder() : options.host.root;
     auto server = std::make_unique<platform::EmbeddedServer>(platform::EmbeddedRoot(folder));
     const std::string failure = server->start(options.port.value_or(platform::EmbeddedServer::defaultPort));
     if (!failure.empty()) {
@@ -89,25 +89,8 @@ int runScript(const Options& options) {
     return runner.run();
 }
 
-const char* tableName(frontend::PrintedTable table) {
-    switch (table) {
-    case frontend::PrintedTable::Shares:
-        return "normalTableView";
-    case frontend::PrintedTable::Users:
-        return "userTableView";
-    case frontend::PrintedTable::Groups:
-        return "groupTableView";
-    }
-    throw std::logic_error("no such table");
-}
-
-/// Writes all that a run has to say. Throws when it does not get there, as on a full device.
-int printText(const std::string& text) {
-    std::cout << text << std::flush;
-    if (!std::cout) {
-        throw std::runtime_error("standard output cannot be written");
-    }
-    return 0;
+std::string tableName(const std::string& printed) {
+    return printed == "shares" ? "normalTableView" : printed == "users" ? "userTableView" : "groupTableView";
 }
 
 int printTable(const Options& options) {
@@ -120,7 +103,11 @@ int printTable(const Options& options) {
     }
     const std::string text = frontend::tableText(application.table(tableName(options.table)));
     application.end();
-    return printText(text);
+    std::cout << text << std::flush;
+    if (!std::cout) {
+        throw std::runtime_error("standard output cannot be written");
+    }
+    return 0;
 }
 
 int runWithWindow(const Options& options, char** argv) {
@@ -131,11 +118,10 @@ int runWithWindow(const Options& options, char** argv) {
 }
 
 int run(const Options& options, char** argv) {
+    if (options.end) {
+        return options.end->print();
+    }
     switch (options.mode) {
-    case Mode::Help:
-        return printText(frontend::usage());
-    case Mode::Version:
-        return printText("Brindle " BRINDLE_VERSION "\n");
     case Mode::Script:
         return runScript(options);
     case Mode::Print:
@@ -153,11 +139,8 @@ int NSApplicationMain(int argc, char** argv) {
     // A reader that goes away, or a tool that ends early, is seen where it is written to.
     std::signal(SIGPIPE, SIG_IGN);
     try {
-        const std::vector<std::string> arguments(argv + (argc > 0 ? 1 : 0), argv + argc);
-        return run(frontend::parseOptions(arguments), argv);
-    } catch (const frontend::OptionsError& error) {
-        std::cerr << "brindle: " << error.what() << '\n' << frontend::usage();
-        return 2;
+        const auto arguments = platform::argumentsOf(argc, argv);
+        return run(frontend::parseOptions({arguments.begin(), arguments.end()}), argv);
     } catch (const std::exception& error) {
         std::cerr << "brindle: " << error.what() << '\n';
         return 1;

@@ -4,6 +4,7 @@
 
 #include <span>
 #include <string>
+#include <string_view>
 #include <utility>
 
 // The directory's tools as functions, so that the programs, the helper and the tests run the same code. A
@@ -49,6 +50,6 @@ struct ToolResult {
 [[nodiscard]] ToolResult runNiutil(std::span<const std::string> arguments);
 
 /// The whole of a directory tool's program: reads `--root DIR`, `--system`, `--help` and `--version` before
-/// the first word that is none of these, makes the root when it is not there, runs the tool named `tool`,
-/// prints, and answers the exit status (2 for a wrong option).
-[[nodiscard]] int directoryToolMain(const char* tool, int argc, char** argv);
+/// the first word that is none of these, makes the root when it is missing, runs the tool, which is one of
+/// the four above, prints, and returns the exit status (2 for a wrong option).
+[[nodiscard]] int directoryToolMain(std::string_view tool, int argc, char** argv);

@@ -1,3 +1,4 @@
+#include "platform/commandline/CommandLine.h"
 #include "platform/foundation/Host.h"
 #include "platform/foundation/SystemServices.h"
 #include "platform/posix/Secret.h"
@@ -21,7 +22,6 @@
 namespace {
 
 constexpr int kNotStarted = platform::HelperLauncher::notStartedStatus;
-constexpr int kWrongOptions = 2;
 
 /// Nothing that the program that started this one had open can be reached from here on. What is missing of
 /// the first three is filled up, so that no file opened later takes the place of a standard stream.
@@ -80,31 +80,19 @@ std::optional<uid_t> sudoUser() {
     return error == std::errc() && end == digits.data() + digits.size() ? std::optional(user) : std::nullopt;
 }
 
-/// What the options choose, or why it is refused.
-struct Options {
-    HelperPlace place;
-    std::string refusal;
-};
-
-Options readOptions(std::span<char* const> words) {
-    const bool throughSudo = std::getenv("SUDO_UID") != nullptr;
-    Options options;
-    options.place.user = ::getuid();
-    if (words.size() == 2 && std::string_view(words[0]) == "--root" && *words[1] != '\0') {
-        if (throughSudo) {
-            options.refusal = "--root is served as the user only; start it without sudo";
-        }
-        options.place.root = words[1];
-    } else if (words.size() == 1 && std::string_view(words[0]) == "--system") {
+/// Why the options are not served; empty when they are, and `place` says then what to work on.
+std::string placeOf(const platform::HostOptions& options, HelperPlace& place) {
+    place = {options.root, ::getuid()};
+    if (options.system) {
         const auto user = sudoUser();
-        if (!user || ::geteuid() != 0) {
-            options.refusal = "--system is served through sudo only";
-        }
-        options.place.user = user.value_or(::getuid());
-    } else {
-        options.refusal = "wrong options; Brindle starts it as brindle-helper --root DIR or --system";
+        place.user = user.value_or(place.user);
+        return user && ::geteuid() == 0 ? "" : "--system is served through sudo only";
     }
-    return options;
+    if (options.root.empty()) {
+        return "Brindle starts it with --root DIR or --system";
+    }
+    return std::getenv("SUDO_UID") == nullptr ? ""
+                                              : "--root is served as the user only; start it without sudo";
 }
 
 HelperResult runGuarded(const HelperPlace& place, const HelperRequest& request) {
@@ -124,10 +112,16 @@ int helperMain(int argc, char** argv) {
     closeInheritedDescriptors();
     ::umask(S_IWGRP | S_IWOTH);
     std::signal(SIGPIPE, SIG_IGN); // work once begun is finished, whether or not anybody listens
-    const Options options = readOptions(std::span(argv, static_cast<std::size_t>(argc)).subspan(1));
-    if (!options.refusal.empty()) {
-        writeAll(STDERR_FILENO, "brindle-helper: " + options.refusal + "\n");
-        return kWrongOptions;
+    platform::HostOptions options;
+    const auto parser = platform::makeParser(
+        "brindle-helper", "Runs one tool for Brindle; the request comes on standard input.", "", options);
+    const auto words = platform::argumentsOf(argc, argv);
+    if (const auto end = platform::parse(*parser, {words.begin(), words.end()})) {
+        return end->print();
+    }
+    HelperPlace place;
+    if (const std::string fault = placeOf(options, place); !fault.empty()) {
+        return platform::complain(*parser, fault).print();
     }
     auto input = readInput();
     if (!input) {
@@ -145,7 +139,7 @@ int helperMain(int argc, char** argv) {
     if (::write(STDOUT_FILENO, &started, 1) != 1) {
         return refuse("nobody waits for the answer");
     }
-    const HelperResult result = runGuarded(options.place, *request);
+    const HelperResult result = runGuarded(place, *request);
     for (std::string& argument : request->arguments) {
         platform::wipe(argument); // one may be a password
     }

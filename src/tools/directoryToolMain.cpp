@@ -1,20 +1,21 @@
+#include "platform/commandline/CommandLine.h"
 #include "platform/foundation/Host.h"
 #include "platform/host/EmbeddedHost.h"
 #include "platform/host/EmbeddedRoot.h"
 #include "platform/netinfo/LocalDomain.h"
+#include "platform/posix/Secret.h"
 #include "tools/DirectoryTools.h"
 
+#include <algorithm>
 #include <cstdio>
-#include <cstring>
-#include <optional>
 #include <stdexcept>
 #include <string_view>
 #include <utility>
 #include <vector>
 
-namespace {
+#include <string.h>
 
-constexpr int wrongOption = 2;
+namespace {
 
 struct Tool {
     std::string_view name;
@@ -50,61 +51,6 @@ class FileDomain : public platform::LocalDomain {
     std::string file_;
 };
 
-void printHelp(const Tool& tool) {
-    std::printf("usage: %s [--root DIR | --system] %s\n%s\n\n"
-                "  --root DIR   work on the root at DIR ($BRINDLE_ROOT, else ~/.local/share/brindle)\n"
-                "  --system     work on this computer's own directory (not built yet)\n"
-                "  --help       print this help\n"
-                "  --version    print the version\n",
-                tool.name.data(), tool.synopsis, tool.summary);
-}
-
-struct Options {
-    std::string root = platform::EmbeddedRoot::defaultFolder();
-    std::span<char*> words;
-    std::optional<int> ends; ///< the program ends with this status
-};
-
-Options complain(const Tool& tool, const std::string& what) {
-    std::fprintf(stderr, "%s: %s; see %s --help\n", tool.name.data(), what.c_str(), tool.name.data());
-    Options options;
-    options.ends = wrongOption;
-    return options;
-}
-
-Options readOptions(const Tool& tool, std::span<char*> words) {
-    Options options;
-    while (!words.empty() && std::string_view(words.front()).starts_with("--")) {
-        const std::string_view word = words.front();
-        words = words.subspan(1);
-        if (word == "--root" && !words.empty() && *words.front() != '\0') {
-            options.root = words.front();
-            words = words.subspan(1);
-        } else if (word == "--root") {
-            return complain(tool, "--root needs a folder");
-        } else if (word == "--system") {
-            return complain(tool, "--system is not built yet");
-        } else if (word == "--help") {
-            printHelp(tool);
-            options.ends = 0;
-            return options;
-        } else if (word == "--version") {
-            std::printf("%s (Brindle) %s\n", tool.name.data(), BRINDLE_VERSION);
-            options.ends = 0;
-            return options;
-        } else {
-            return complain(tool, "there is no option " + std::string(word));
-        }
-    }
-    options.words = words;
-    return options;
-}
-
-void wipePassword(std::string& copy, char* word) {
-    ::explicit_bzero(copy.data(), copy.size());
-    ::explicit_bzero(word, std::strlen(word));
-}
-
 ToolResult run(std::string_view tool, const std::string& rootFolder, std::span<const std::string> arguments) {
     const DirectoryPlace place = DirectoryPlace::ofRoot(rootFolder);
     platform::EmbeddedRoot(rootFolder).makeIfMissing();
@@ -123,28 +69,38 @@ ToolResult run(std::string_view tool, const std::string& rootFolder, std::span<c
 
 } // namespace
 
-int directoryToolMain(const char* tool, int argc, char** argv) {
-    const Tool* found = std::begin(tools);
-    while (found->name != tool) {
-        ++found;
+int directoryToolMain(std::string_view name, int argc, char** argv) {
+    const Tool& tool = *std::ranges::find(tools, name, &Tool::name);
+    platform::HostOptions options;
+    const auto parser = platform::makeParser(std::string(name), tool.summary, tool.synopsis, options);
+    const std::span<char*> all = platform::argumentsOf(argc, argv);
+    const std::size_t count = platform::countLeadingOptions(*parser, all);
+    const auto leading = all.first(count);
+    const auto words = all.subspan(count);
+    if (const auto end = platform::parse(*parser, {leading.begin(), leading.end()})) {
+        return end->print();
     }
-    const Options options = readOptions(*found, std::span(argv, static_cast<std::size_t>(argc)).subspan(1));
-    if (options.ends) {
-        return *options.ends;
+    if (options.system) {
+        return platform::complain(*parser, "--system is not built yet").print();
+    }
+    std::vector<std::string> arguments(words.begin(), words.end());
+    const bool endsWithPassword = name == "dscl" && !arguments.empty();
+    if (endsWithPassword) {
+        ::explicit_bzero(words.back(), arguments.back().size()); // others can read a process's arguments
     }
     ToolResult result;
     try {
-        std::vector<std::string> arguments(options.words.begin(), options.words.end());
-        result = run(found->name, options.root, arguments);
-        if (found->name == "dscl" && !arguments.empty()) {
-            wipePassword(arguments.back(), options.words.back());
-        }
+        result = run(name, options.root.empty() ? platform::EmbeddedRoot::defaultFolder() : options.root,
+                     arguments);
     } catch (const std::runtime_error& error) {
-        result = {std::string(tool) + ": " + error.what() + "\n", 1};
+        result = {std::string(name) + ": " + error.what() + "\n", 1};
+    }
+    if (endsWithPassword) {
+        platform::wipe(arguments.back());
     }
     if (std::fwrite(result.output.data(), 1, result.output.size(), stdout) != result.output.size() ||
         std::fflush(stdout) != 0) {
-        std::fprintf(stderr, "%s: cannot write the answer; check where the output goes\n", tool);
+        std::fprintf(stderr, "%s: cannot write the answer; check where the output goes\n", tool.name.data());
         return 1;
     }
     return result.status;

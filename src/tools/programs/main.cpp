@@ -1,0 +1,9 @@
+// The one body of the five tools' programs; the build says which of them it is.
+
+#include "tools/DirectoryTools.h"
+#include "tools/Helper.h"
+
+int main(int argc, char** argv) {
+    constexpr std::string_view tool = BRINDLE_TOOL;
+    return tool == "brindle-helper" ? helperMain(argc, argv) : directoryToolMain(tool, argc, argv);
+}
