@@ -1,84 +1,8 @@
 // The application's own window, used with mouse and keys.
 
-#include "frontends/qt/QtFrontend.h"
-#include "platform/appkit/NSApplication.h"
-#include "platform/appkit/NSPopUpButton.h"
-#include "platform/appkit/NSTableView.h"
-#include "platform/appkit/NSTextField.h"
-#include "support/AppFixture.h"
-
-#include <QAction>
-#include <QApplication>
-#include <QClipboard>
-#include <QComboBox>
-#include <QLabel>
-#include <QLineEdit>
-#include <QMessageBox>
-#include <QPushButton>
-#include <QTabBar>
-#include <QTableView>
-#include <QTest>
-#include <QTimer>
+#include "support/MainWindowFixture.h"
 
 namespace {
-
-class MainWindow : public AppFixture {
-  protected:
-    void SetUp() override {
-        qputenv("QT_QPA_PLATFORM", "offscreen");
-        qputenv("QT_LOGGING_RULES", "default.warning=false");
-        frontend = std::make_unique<QtFrontend>(argc, arguments, QtFrontend::Manner::Interactive);
-        host.host().setPresenter(frontend->presenter());
-    }
-
-    void TearDown() override { frontend.reset(); } // before the interface that it shows
-
-    void open() {
-        start();
-        NSApp().mainWindow()->makeKeyAndOrderFront();
-        ASSERT_TRUE(QTest::qWaitForWindowActive(&widget<QWidget>("mainWindow")));
-    }
-
-    template <class Widget>
-    Widget& widget(const std::string& name) {
-        for (QWidget* each : QApplication::allWidgets()) {
-            if (each->objectName().toStdString() == name && qobject_cast<Widget*>(each) != nullptr) {
-                return *qobject_cast<Widget*>(each);
-            }
-        }
-        throw std::logic_error("the window does not show " + name);
-    }
-
-    void showPage(int page) {
-        auto* bar = widget<QWidget>("mainTabView").findChild<QTabBar*>();
-        QTest::mouseClick(bar, Qt::LeftButton, {}, bar->tabRect(page).center());
-        QApplication::processEvents();
-    }
-
-    void click(const std::string& button) { QTest::mouseClick(&widget<QPushButton>(button), Qt::LeftButton); }
-
-    void clickTitled(const QString& title) {
-        for (auto* each : widget<QWidget>("mainWindow").findChildren<QPushButton*>()) {
-            if (each->text() == title && each->isVisible()) {
-                QTest::mouseClick(each, Qt::LeftButton);
-                return;
-            }
-        }
-        FAIL() << "no button " << title.toStdString();
-    }
-
-    void typeInto(const std::string& field, const QString& keys) {
-        auto& edit = widget<QLineEdit>(field);
-        edit.setFocus();
-        edit.selectAll();
-        QTest::keyClicks(&edit, keys);
-    }
-
-    int argc = 1;
-    char program[7] = "window";
-    char* arguments[2] = {program, nullptr};
-    std::unique_ptr<QtFrontend> frontend;
-};
 
 TEST_F(MainWindow, EveryNamedControlOfTheInterfaceFileIsShown) {
     open();
@@ -153,9 +77,7 @@ TEST_F(MainWindow, APasswordIsAskedForOnASheetUntilBothFieldsAgree) {
     addUser("alice", "501");
     open();
     showPage(1);
-    auto& table = widget<QTableView>("userTableView");
-    QTest::mouseClick(table.viewport(), Qt::LeftButton, {},
-                      table.visualRect(table.model()->index(0, 0)).center());
+    clickRow("userTableView", 0);
     EXPECT_EQ(widget<QLineEdit>("shortName").text(), "alice");
     click("changePasswordButton");
     auto& sheet = widget<QWidget>("passwordWindow");
@@ -194,34 +116,12 @@ TEST_F(MainWindow, AMenuPicksThePageOfTheSettingsAndAnotherShowsTheAboutPanel) {
 TEST_F(MainWindow, ASlipInTheMenuDoesNotRewriteTheShares) {
     addShare("Docs", "/shares/docs", "0");
     open();
-    QAction* update = nullptr;
-    for (auto* action : widget<QWidget>("mainWindow").findChildren<QAction*>()) {
-        update = action->text().startsWith("Update Shares") ? action : update;
-    }
-    ASSERT_NE(update, nullptr);
-    QStringList asked;
-    QStringList answers;
-    QTimer finger;
-    finger.callOnTimeout([&] {
-        auto* alert = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
-        if (alert == nullptr || answers.isEmpty()) {
-            return;
-        }
-        asked.append(alert->windowTitle());
-        for (const QString answer = answers.takeFirst(); auto* button : alert->buttons()) {
-            if (button->text() == answer) {
-                QTest::mouseClick(button, Qt::LeftButton);
-            }
-        }
-    });
-    finger.start(5);
-    answers = {"No"};
-    update->trigger();
+    answer({"No"});
+    useMenu("Update Shares");
     EXPECT_TRUE(host.runs.empty());
-    answers = {"Yes", "OK"};
-    update->trigger();
-    EXPECT_EQ(asked, (QStringList{"Update Shares for Jaguar…", "Update Shares for Jaguar…",
-                                  "Shares Updated for Jaguar"}));
+    answer({"Yes", "OK"});
+    useMenu("Update Shares");
+    EXPECT_EQ(asked, (QStringList{"Update Shares for Jaguar…", "Shares Updated for Jaguar"}));
     EXPECT_FALSE(host.runs.empty());
 }
 

@@ -42,6 +42,16 @@ void RefreshQueue::flush() {
     waiting_.clear();
 }
 
+void RefreshQueue::runUserEvent(const std::function<void()>& event) {
+    if (running_ == 0) {
+        ++userEvent_;
+    }
+    ++running_;
+    NSApp().dispatch(event);
+    --running_;
+    flush();
+}
+
 Binding::Binding(QObject* owner, RefreshQueue& queue, platform::Signal<>& signal,
                  std::function<void()> refresh)
     : QObject(owner), queue_(&queue), refresh_(std::move(refresh)) {
@@ -64,6 +74,5 @@ void Binding::markDirty() {
 }
 
 void dispatchUserEvent(RefreshQueue& queue, const std::function<void()>& event) {
-    NSApp().dispatch(event);
-    queue.flush();
+    queue.runUserEvent(event);
 }

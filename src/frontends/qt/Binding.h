@@ -24,9 +24,18 @@ class RefreshQueue : public QObject {
     /// Redraws everything that is waiting, now.
     void flush();
 
+    /// Runs one event of a user, then redraws what it changed.
+    void runUserEvent(const std::function<void()>& event);
+
+    /// The number of the user's event that runs, or ran last; one that comes up while another runs (a dialog
+    /// takes the focus from a window) is a part of that one. 0 before the first.
+    [[nodiscard]] unsigned userEvent() const { return userEvent_; }
+
   private:
     std::vector<Binding*> waiting_; ///< a null stands for a binding that has gone while it waited
     bool scheduled_ = false;
+    unsigned userEvent_ = 0;
+    int running_ = 0; ///< user events under way, one within the other
 };
 
 /// Ties a widget or menu item to a signal of its model: when it is emitted, it is refreshed soon after. A
@@ -49,7 +58,7 @@ class Binding : public QObject {
     bool waiting_ = false;
 };
 
-/// Runs one event of a user, then redraws what it changed.
+/// queue.runUserEvent(event).
 void dispatchUserEvent(RefreshQueue& queue, const std::function<void()>& event);
 
 /// The colour of what a user should not overlook.

@@ -1,5 +1,8 @@
 #include "frontends/qt/Buttons.h"
 
+#include "frontends/qt/NodeAttributes.h"
+#include "platform/appkit/NSButton.h"
+
 #include <QCheckBox>
 #include <QGridLayout>
 #include <QPixmap>
@@ -18,7 +21,10 @@ QIcon iconOf(const NSButton& button) {
 
 } // namespace
 
-QAbstractButton* makeButton(NSButton& button, bool withImage, RefreshQueue& queue) {
+QAbstractButton* makeButton(const platform::InterfaceNode& node, WindowActions& actions,
+                            RefreshQueue& queue) {
+    NSButton& button = *modelOf<NSButton>(node);
+    const bool withImage = isYes(node, "image");
     QAbstractButton* widget = nullptr;
     if (button.kind() == NSButtonKind::CheckBox) {
         widget = new QCheckBox;
@@ -46,9 +52,12 @@ QAbstractButton* makeButton(NSButton& button, bool withImage, RefreshQueue& queu
             widget->setChecked(button.state() == NSOnState);
         }
     });
-    QObject::connect(widget, &QAbstractButton::clicked, widget, [binding, &button, &queue] {
+    if (node.attribute("tabStop") == "no") {
+        widget->setFocusPolicy(Qt::ClickFocus);
+    }
+    QObject::connect(widget, &QAbstractButton::clicked, widget, [binding, &node, &actions] {
         binding->markDirty(); // Qt has changed the check mark already; the model may think otherwise
-        dispatchUserEvent(queue, [&button] { button.performClick(); });
+        actions.use(node);
     });
     return widget;
 }

@@ -1,16 +1,16 @@
 #pragma once
 
 #include "frontends/qt/Binding.h"
-#include "platform/appkit/NSButton.h"
+#include "frontends/qt/WindowActions.h"
 #include "platform/appkit/NSMatrix.h"
 
 #include <QAbstractButton>
 
 #include <vector>
 
-/// The widget of a push button or check box. `withImage`: it shows its model's image, and stands without a
-/// frame.
-[[nodiscard]] QAbstractButton* makeButton(NSButton& button, bool withImage, RefreshQueue& queue);
+/// The widget of the node's push button or check box. `node` and `actions` outlive it.
+[[nodiscard]] QAbstractButton* makeButton(const platform::InterfaceNode& node, WindowActions& actions,
+                                          RefreshQueue& queue);
 
 /// The key that presses a button of this window, or an empty text: "\r" or "\033".
 [[nodiscard]] QString keyEquivalentOf(const QAbstractButton& button);

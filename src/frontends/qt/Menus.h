@@ -5,8 +5,11 @@
 
 #include <QMainWindow>
 
-/// Fills the window's menu bar with the menus of `menuBar`.
-void fillMenuBar(QMainWindow& window, const platform::InterfaceNode& menuBar, RefreshQueue& queue);
+class WindowActions;
+
+/// Fills the window's menu bar with the menus of `menuBar`, which outlive it, like `actions`.
+void fillMenuBar(QMainWindow& window, const platform::InterfaceNode& menuBar, WindowActions& actions,
+                 RefreshQueue& queue);
 
 /// What the Quit item does: the main window is closed, and the application decides what follows.
 void closeMainWindow(RefreshQueue& queue);

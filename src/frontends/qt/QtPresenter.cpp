@@ -2,6 +2,7 @@
 
 #include "frontends/qt/Dialogs.h"
 #include "frontends/qt/NodeAttributes.h"
+#include "frontends/qt/TableView.h"
 #include "platform/foundation/NSLog.h"
 
 #include <QApplication>
@@ -13,6 +14,14 @@
 using platform::AlertAnswer;
 using platform::Interface;
 using platform::InterfaceNode;
+
+namespace {
+
+/// An action of many runs asks before each of them. One refusal may be a slip; a second one is meant for all
+/// that is left of the action.
+constexpr int refusalsThatHold = 2;
+
+} // namespace
 
 QtPresenter::QtPresenter(QtFrontend::Manner manner)
     : manner_(manner), queue_(std::make_unique<RefreshQueue>()), timers_(std::make_unique<FrameTimers>()) {}
@@ -26,6 +35,7 @@ void QtPresenter::closeAll() {
     while (!views_.empty()) {
         views_.pop_back();
     }
+    actions_.clear();
     mainWidget_ = nullptr;
     interfaces_.clear();
     queue_.reset();
@@ -46,7 +56,19 @@ std::optional<std::string> QtPresenter::runOpenPanel(const platform::OpenPanelRe
 
 std::optional<platform::AdministratorAnswer>
 QtPresenter::runAdministratorDialog(const platform::AdministratorRequest& request) {
-    return asks() ? askAdministrator(request, parentForDialogs()) : std::nullopt;
+    if (!asks() || refusalHolds()) {
+        return std::nullopt;
+    }
+    auto answer = askAdministrator(request, parentForDialogs());
+    if (!answer) {
+        refusals_ = refusedIn_ == queue_->userEvent() ? refusals_ + 1 : 1;
+        refusedIn_ = queue_->userEvent();
+    }
+    return answer;
+}
+
+bool QtPresenter::refusalHolds() const {
+    return refusedIn_ == queue_->userEvent() && refusals_ >= refusalsThatHold;
 }
 
 void QtPresenter::beep() {
@@ -82,12 +104,14 @@ void QtPresenter::interfaceDidLoad(Interface& interface) {
     }
     const bool animated =
         manner_ == QtFrontend::Manner::Interactive && QGuiApplication::platformName() != "offscreen";
+    actions_.push_back(std::make_unique<WindowActions>(interface, *queue_));
     for (const auto& node : interface.root().children) {
         auto* window = modelOf<NSWindow>(*node);
         if (window == nullptr) {
             continue;
         }
-        views_.push_back(std::make_unique<WindowView>(*node, menuBar, mainWidget_, animated, *queue_));
+        views_.push_back(
+            std::make_unique<WindowView>(*node, menuBar, mainWidget_, animated, *actions_.back(), *queue_));
         // For pictures a window is laid out and drawn as ever, but not where anybody is working.
         views_.back()->widget().setAttribute(Qt::WA_DontShowOnScreen, manner_ == QtFrontend::Manner::Silent);
         if (window->kind() == NSWindowKind::Main && mainWidget_ == nullptr) {
@@ -105,6 +129,11 @@ WindowView* QtPresenter::viewOf(const NSWindow& window) const {
 void QtPresenter::windowVisibilityDidChange(NSWindow& window) {
     if (WindowView* view = viewOf(window)) {
         view->followVisibility();
+    }
+    if (window.kind() == NSWindowKind::Sheet && !window.isVisible() && mainWidget_ != nullptr) {
+        for (TableView* table : mainWidget_->findChildren<TableView*>()) {
+            table->checkSelectionLater();
+        }
     }
 }
 

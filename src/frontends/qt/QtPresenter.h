@@ -44,6 +44,7 @@ class QtPresenter : public platform::Presenter {
 
   private:
     [[nodiscard]] QWidget* parentForDialogs() const;
+    [[nodiscard]] bool refusalHolds() const;
 
     [[nodiscard]] bool asks() const {
         return queue_ != nullptr && manner_ == QtFrontend::Manner::Interactive;
@@ -53,6 +54,9 @@ class QtPresenter : public platform::Presenter {
     std::unique_ptr<RefreshQueue> queue_; ///< null after closeAll
     std::unique_ptr<FrameTimers> timers_;
     std::vector<platform::Interface*> interfaces_;
+    std::vector<std::unique_ptr<WindowActions>> actions_; ///< outlive the views; one an interface
+    unsigned refusedIn_ = 0; ///< the user's event in which the administrator refused last
+    int refusals_ = 0;       ///< how often in that event
     std::vector<std::unique_ptr<WindowView>> views_; ///< the main window's first
     QWidget* mainWidget_ = nullptr;
 };

@@ -1,5 +1,7 @@
 #include "frontends/qt/TableView.h"
 
+#include "platform/appkit/NSApplication.h"
+
 #include <QHeaderView>
 #include <QMenu>
 #include <QStyledItemDelegate>
@@ -100,7 +102,10 @@ bool TableModel::reload() {
     return true;
 }
 
-TableView::TableView(NSTableView& table, RefreshQueue& queue) : table_(table), queue_(queue), model_(table) {
+TableView::TableView(NSTableView& table, const std::string& nameColumn, RefreshQueue& queue)
+    : table_(table), queue_(queue), model_(table) {
+    const auto named = std::ranges::find(table.tableColumns(), nameColumn, &NSTableColumn::identifier);
+    nameColumn_ = named == table.tableColumns().end() ? nullptr : &*named;
     setModel(&model_);
     setSelectionBehavior(SelectRows);
     setSelectionMode(table.allowsMultipleSelection() ? ExtendedSelection : SingleSelection);
@@ -115,9 +120,10 @@ TableView::TableView(NSTableView& table, RefreshQueue& queue) : table_(table), q
     setCornerButtonEnabled(false);
     setUpHeader();
     connect(selectionModel(), &QItemSelectionModel::selectionChanged, this, [this] { userSelected(); });
-    new Binding(this, queue, table.reloaded, [this] { reload(); });
+    reloaded_ = new Binding(this, queue, table.reloaded, [this] { reload(); });
     new Binding(this, queue, table.changed, [this] {
         setEnabled(table_.isEnabled());
+        dropRenamedRows();
         loadSelection();
     });
 }
@@ -192,7 +198,28 @@ void TableView::reload() {
         shownSelection_.clear(); // Qt has dropped it with the old rows
     }
     loading_ = false;
+    dropRenamedRows();
     loadSelection();
+}
+
+void TableView::dropRenamedRows() {
+    // A sheet works on what was selected when it came up; whatever comes under the selection waits for its
+    // end.
+    if (nameColumn_ == nullptr || NSApp().attachedSheet() != nullptr) {
+        return;
+    }
+    std::vector<int> kept;
+    std::map<int, std::string> names;
+    for (const int row : table_.selectedRows()) {
+        std::string name = table_.objectValue(*nameColumn_, row);
+        const auto before = namesOfSelected_.find(row);
+        if (before == namesOfSelected_.end() || before->second == name) {
+            kept.push_back(row);
+            names.emplace(row, std::move(name));
+        }
+    }
+    namesOfSelected_ = std::move(names);
+    NSApp().dispatch([this, &kept] { table_.selectRows(std::move(kept)); });
 }
 
 void TableView::loadSelection() {

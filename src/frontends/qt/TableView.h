@@ -6,6 +6,8 @@
 #include <QAbstractTableModel>
 #include <QTableView>
 
+#include <map>
+#include <string>
 #include <vector>
 
 /// Shows a table's model. Cells are asked for when they are drawn and never kept, so the length of the table
@@ -33,7 +35,12 @@ class TableView : public QTableView {
     Q_OBJECT
 
   public:
-    TableView(NSTableView& table, RefreshQueue& queue);
+    /// `nameColumn` is the identifier of the column that names a row: when other rows come under a selection,
+    /// it is taken away. Empty: a selection stays where it is.
+    TableView(NSTableView& table, const std::string& nameColumn, RefreshQueue& queue);
+
+    /// Compares the selection with the rows again soon: a sheet that works on the selected row has gone.
+    void checkSelectionLater() { reloaded_->markDirty(); }
 
   protected:
     void resizeEvent(QResizeEvent* event) override;
@@ -44,13 +51,17 @@ class TableView : public QTableView {
     void showColumnMenu(const QPoint& position);
     void reload();
     void loadSelection();
+    void dropRenamedRows();
     void userSelected();
     [[nodiscard]] int firstShownColumn() const;
 
     NSTableView& table_;
     RefreshQueue& queue_;
     TableModel model_;
-    std::vector<int> shownSelection_; ///< the selection that the widget was given last, or gave
+    const NSTableColumn* nameColumn_ = nullptr;
+    Binding* reloaded_ = nullptr;
+    std::map<int, std::string> namesOfSelected_; ///< the selected rows and their names, as of the last look
+    std::vector<int> shownSelection_;            ///< the selection that the widget was given last, or gave
     bool loading_ = false;
     bool widthsAreUsers_ = false; ///< the user has set a column's width: leave all of them alone
 };

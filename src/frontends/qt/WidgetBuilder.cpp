@@ -8,6 +8,7 @@
 #include "frontends/qt/TabView.h"
 #include "frontends/qt/TableView.h"
 #include "frontends/qt/TextView.h"
+#include "platform/appkit/NSButton.h"
 
 #include <QFrame>
 #include <QGridLayout>
@@ -101,8 +102,8 @@ QWidget* WidgetBuilder::makeDrawer(const InterfaceNode& node) {
 }
 
 QWidget* WidgetBuilder::makeControl(const InterfaceNode& node) {
-    if (auto* button = modelOf<NSButton>(node)) {
-        return makeButton(*button, isYes(node, "image"), queue_);
+    if (modelOf<NSButton>(node) != nullptr) {
+        return makeButton(node, actions_, queue_);
     }
     if (auto* popUp = modelOf<NSPopUpButton>(node)) {
         return new PopUp(*popUp, isYes(node, "typeAhead"), queue_);
@@ -111,7 +112,9 @@ QWidget* WidgetBuilder::makeControl(const InterfaceNode& node) {
         return new Matrix(*matrix, queue_);
     }
     if (auto* table = modelOf<NSTableView>(node)) {
-        return new TableView(*table, queue_);
+        auto* view = new TableView(*table, node.attribute("nameColumn"), queue_);
+        new Binding(view, queue_, table->changed, [this, table] { actions_.turnOffBoxesWithoutRow(*table); });
+        return view;
     }
     if (node.kind == "label") {
         return makeLabel(node);
@@ -179,6 +182,10 @@ QWidget* WidgetBuilder::makeLabel(const InterfaceNode& node) {
                 label->setVisible(!isEmpty); // not before it stands in a window: it would become one
             }
         });
+    }
+    if (auto* field = actions_.find<NSTextField>(node.attribute("about"))) {
+        new Binding(label, queue_, field->changed,
+                    [this, label, &node] { label->setText(shown(actions_.textAbout(node, "text"))); });
     }
     if (const std::string& control = node.attribute("for"); !control.empty()) {
         if (const auto found = named_.find(control); found != named_.end()) {

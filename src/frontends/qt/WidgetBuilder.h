@@ -1,6 +1,7 @@
 #pragma once
 
 #include "frontends/qt/Binding.h"
+#include "frontends/qt/WindowActions.h"
 #include "platform/appkit/Interface.h"
 
 #include <QLabel>
@@ -18,8 +19,9 @@ class QBoxLayout;
 /// the pages of tab views are made later.
 class WidgetBuilder {
   public:
-    /// `animated`: drawers slide.
-    WidgetBuilder(RefreshQueue& queue, bool animated) : queue_(queue), animated_(animated) {}
+    /// `animated`: drawers slide. The others are kept.
+    WidgetBuilder(WindowActions& actions, RefreshQueue& queue, bool animated)
+        : actions_(actions), queue_(queue), animated_(animated) {}
 
     /// The widget of a layout node (column, row, grid, box) or of a control, which becomes the caller's.
     [[nodiscard]] QWidget* make(const platform::InterfaceNode& node);
@@ -41,6 +43,7 @@ class WidgetBuilder {
     void addTo(QBoxLayout& layout, const platform::InterfaceNode& node);
     void finish(QWidget& widget, const platform::InterfaceNode& node);
 
+    WindowActions& actions_;
     RefreshQueue& queue_;
     bool animated_;
     std::map<std::string, QWidget*, std::less<>> named_;

@@ -53,8 +53,9 @@ QAbstractButton* buttonFor(const QString& key, const QWidget* from, const QWidge
 } // namespace
 
 WindowView::WindowView(const InterfaceNode& node, const InterfaceNode* menuBar, QWidget* parent,
-                       bool animated, RefreshQueue& queue)
-    : window_(*modelOf<NSWindow>(node)), queue_(queue), builder_(queue, animated) {
+                       bool animated, WindowActions& actions, RefreshQueue& queue)
+    : window_(*modelOf<NSWindow>(node)), actions_(actions), queue_(queue),
+      builder_(actions, queue, animated) {
     if (window_.kind() == NSWindowKind::Main) {
         buildMain(node, menuBar);
     } else {
@@ -91,7 +92,7 @@ void WindowView::buildMain(const InterfaceNode& node, const InterfaceNode* menuB
     }
     main->setCentralWidget(central);
     if (menuBar != nullptr) {
-        fillMenuBar(*main, *menuBar, queue_);
+        fillMenuBar(*main, *menuBar, actions_, queue_);
     }
 }
 

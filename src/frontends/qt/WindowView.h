@@ -17,7 +17,7 @@ class WindowView : public QObject {
     /// Builds the window of `node`, not shown yet. `menuBar` may be null; `parent` is the main window's
     /// widget for sheets and panels.
     WindowView(const platform::InterfaceNode& node, const platform::InterfaceNode* menuBar, QWidget* parent,
-               bool animated, RefreshQueue& queue);
+               bool animated, WindowActions& actions, RefreshQueue& queue);
     ~WindowView() override;
 
     [[nodiscard]] NSWindow& window() const { return window_; }
@@ -38,6 +38,7 @@ class WindowView : public QObject {
     [[nodiscard]] bool keyPressed(int key);
 
     NSWindow& window_;
+    WindowActions& actions_;
     RefreshQueue& queue_;
     WidgetBuilder builder_;
     QPointer<QWidget> widget_; ///< goes with its parent when the main window goes first

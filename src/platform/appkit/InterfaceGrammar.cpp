@@ -24,6 +24,8 @@ const Attributes control = {{"action", Word}, {"enabled", YesNo}, {"toolTip", Te
 const Attributes field = {
     {"text", Text}, {"placeholder", Text}, {"editable", YesNo}, {"delegate", YesNo}, {"maxWidth", Size}};
 const Attributes window = {{"title", Text}, {"width", Size}, {"height", Size}, {"delegate", YesNo}};
+// What the window asks before the action; "%@" in it is what the field `about` shows.
+const Attributes asked = {{"confirm", Text}, {"about", Word}};
 const AttributeRule key = {"key", Choice, "return|escape"};
 const AttributeRule indent = {"indent", Size};
 
@@ -44,16 +46,18 @@ std::vector<ElementRule> controlRules() {
          "button",
          joined({named,
                  sized,
-                 {{"action", Word, "", true},
-                  {"enabled", YesNo},
-                  {"toolTip", Text},
-                  {"title", Text},
+                 control,
+                 asked,
+                 {{"title", Text},
                   {"image", YesNo},
+                  {"tabStop", YesNo},
+                  {"reverts", Word},
+                  {"role", Choice, "cancel|new"},
                   key}}),
          {}},
         {"checkBox",
          "checkBox",
-         joined({common, {{"title", Text}, {"state", Choice, "on|off"}, indent}}),
+         joined({common, {{"title", Text}, {"state", Choice, "on|off"}, {"rowOf", Word}, indent}}),
          {}},
         {"popUp", "popUp", joined({common, {{"typeAhead", YesNo}}}), {"popUpItem"}},
         {"popUpItem", "item", {{"title", Text, "", true}, {"tag", Integer}}, {}},
@@ -64,7 +68,7 @@ std::vector<ElementRule> controlRules() {
         {"cell", "cell", {{"title", Text, "", true}}, {}},
         {"tableView",
          "tableView",
-         joined({common, {{"multiple", YesNo}, {"height", Size}}}),
+         joined({common, {{"multiple", YesNo}, {"height", Size}, {"nameColumn", Word}}}),
          {"tableColumn"}},
         {"tableColumn",
          "column",
@@ -95,6 +99,7 @@ std::vector<ElementRule> layoutRules() {
                  {{"text", Text},
                   {"toolTip", Text},
                   {"for", Word},
+                  {"about", Word},
                   {"style", Choice, "note|heading|warning"},
                   indent}}),
          {}},
@@ -112,10 +117,8 @@ std::vector<ElementRule> windowRules() {
          "item",
          joined({named,
                  control,
-                 {{"title", Text, "", true},
-                  {"confirm", Text},
-                  {"key", Word},
-                  {"role", Choice, "about|quit|preferences"}}}),
+                 asked,
+                 {{"title", Text, "", true}, {"key", Word}, {"role", Choice, "about|quit|preferences"}}}),
          {}},
         {"menuSeparator", "separator", {}, {}},
         {"window", "window", joined({named, window}), inWindow, true},

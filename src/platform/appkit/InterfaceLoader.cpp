@@ -46,7 +46,7 @@ std::unique_ptr<Interface> InterfaceLoader::load(const std::string& ownerClass, 
     chooseOwner(owner, rootLine);
     try {
         interface_->root_ = build(root, interfaceRule());
-        checkBuddies();
+        checkReferences();
         checkOutlets(rootLine);
     } catch (...) {
         resetOutlets();
@@ -195,8 +195,10 @@ void InterfaceLoader::nameElement(const InterfaceNode& node) {
 }
 
 void InterfaceLoader::wireAction(const InterfaceNode& node) {
-    if (node.attributes.contains("for")) {
-        labelsWithBuddy_.emplace_back(node.line, node.attribute("for"));
+    for (const char* attribute : {"for", "about", "reverts", "rowOf"}) {
+        if (node.attributes.contains(attribute)) {
+            references_.emplace_back(node.line, node.attribute(attribute));
+        }
     }
     auto* control = dynamic_cast<NSControl*>(node.element.get());
     if (control == nullptr) {
@@ -205,6 +207,9 @@ void InterfaceLoader::wireAction(const InterfaceNode& node) {
     control->setEnabled(node.attribute("enabled") != "no");
     const std::string& operation = node.attribute("action");
     if (operation.empty()) {
+        if (node.kind == "button" && node.attribute("role").empty()) {
+            refuse(node.line, "<button> needs the attribute \"action\"");
+        }
         return;
     }
     const auto& actions = interface_->class_->actions;
@@ -219,10 +224,10 @@ void InterfaceLoader::wireAction(const InterfaceNode& node) {
     interface_->byOperation_.emplace(operation, control);
 }
 
-void InterfaceLoader::checkBuddies() const {
-    for (const auto& [line, buddy] : labelsWithBuddy_) {
-        if (!interface_->byName_.contains(buddy)) {
-            refuse(line, stringWithFormat("the label belongs to \"%@\", which is not in the file", buddy));
+void InterfaceLoader::checkReferences() const {
+    for (const auto& [line, name] : references_) {
+        if (!interface_->byName_.contains(name)) {
+            refuse(line, stringWithFormat("the element belongs to \"%@\", which is not in the file", name));
         }
     }
 }

@@ -54,7 +54,7 @@ class InterfaceLoader {
     // Connections.
     void nameElement(const InterfaceNode& node);
     void wireAction(const InterfaceNode& node);
-    void checkBuddies() const;
+    void checkReferences() const;
     /// A class may use each of its outlets without asking whether the file had it.
     void checkOutlets(int line) const;
     void tellApplication() const;
@@ -66,7 +66,7 @@ class InterfaceLoader {
     bool hasSheet_ = false;
     std::set<std::string> connectedOutlets_;
     std::vector<std::pair<int, std::string>>
-        labelsWithBuddy_; ///< the label's line and the name it stands for
+        references_; ///< names of other elements that attributes hold, with their lines
 };
 
 } // namespace platform

@@ -60,6 +60,15 @@ void NSApplication::endSheet(NSWindow* sheet, int returnCode) {
     }
 }
 
+void NSApplication::cancelSheet(NSWindow* sheet) {
+    if (sheet == nullptr || sheet != sheet_) {
+        return;
+    }
+    sheet_ = nullptr;
+    sheetDidEnd_ = nullptr;
+    sheet->orderOut();
+}
+
 void NSApplication::forget(const NSWindow* window) {
     if (mainWindow_ == window) {
         mainWindow_ = nullptr;

@@ -49,6 +49,10 @@ class NSApplication {
     /// up.
     void endSheet(NSWindow* sheet, int returnCode);
 
+    /// Takes the sheet off the screen without an answer, as when the application ends while it is up: its
+    /// `didEnd` is not called. Nothing when it is not up.
+    void cancelSheet(NSWindow* sheet);
+
     /// The sheet that is up, or null.
     [[nodiscard]] NSWindow* attachedSheet() const { return sheet_; }
 

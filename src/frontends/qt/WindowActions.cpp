@@ -1,0 +1,132 @@
+#include "frontends/qt/WindowActions.h"
+
+#include "frontends/qt/Menus.h"
+#include "frontends/qt/NodeAttributes.h"
+#include "platform/appkit/NSAlert.h"
+#include "platform/appkit/NSApplication.h"
+#include "platform/appkit/NSButton.h"
+#include "platform/appkit/NSTableView.h"
+#include "platform/appkit/NSTextField.h"
+#include "platform/appkit/NSWindow.h"
+#include "platform/foundation/NSBundle.h"
+
+using platform::InterfaceNode;
+
+namespace {
+
+template <class Visit>
+void visitNodes(const InterfaceNode& node, const Visit& visit) {
+    visit(node);
+    for (const auto& child : node.children) {
+        visitNodes(*child, visit);
+    }
+}
+
+/// The node of `element` in the tree, or null.
+const InterfaceNode* nodeOf(const InterfaceNode& tree, const platform::Element* element) {
+    const InterfaceNode* found = nullptr;
+    visitNodes(tree, [&found, element](const InterfaceNode& each) {
+        found = each.element.get() == element ? &each : found;
+    });
+    return found;
+}
+
+std::string titleOf(const InterfaceNode& node) {
+    const auto* button = modelOf<NSButton>(node);
+    const auto* item = modelOf<NSMenuItem>(node);
+    return button != nullptr ? button->title() : item != nullptr ? item->title() : std::string();
+}
+
+void click(const InterfaceNode& node) {
+    if (auto* button = modelOf<NSButton>(node)) {
+        button->performClick();
+    } else if (auto* item = modelOf<NSMenuItem>(node)) {
+        item->performClick();
+    }
+}
+
+} // namespace
+
+void WindowActions::use(const InterfaceNode& node) {
+    endEditingOfFocusedField();
+    if (node.attribute("role") == "quit") {
+        closeMainWindow(queue_);
+        return;
+    }
+    dispatchUserEvent(queue_, [this, &node] {
+        // What cannot be used is not asked about; and what stands beside it is picked by a slip of the hand.
+        const std::string question = textAbout(node, "confirm");
+        const auto* control = modelOf<NSControl>(node);
+        const bool isMeant =
+            question.empty() || control == nullptr || !control->isEnabled() ||
+            NSRunAlertPanel(titleOf(node), "%@", NSLocalizedString("No"), NSLocalizedString("Yes"),
+                            std::nullopt, question) == NSAlertAlternateReturn;
+        if (isMeant) {
+            perform(node);
+        }
+    });
+}
+
+void WindowActions::perform(const InterfaceNode& node) const {
+    const std::string& role = node.attribute("role");
+    if (role == "cancel") {
+        cancelSheet();
+    } else if (role == "new") {
+        beginNew(node);
+    } else {
+        click(node);
+        if (const auto* table = find<NSTableView>(node.attribute("reverts"))) {
+            turnOffBoxesWithoutRow(*table);
+        }
+    }
+}
+
+void WindowActions::beginNew(const InterfaceNode& node) const {
+    auto* table = find<NSTableView>(node.attribute("reverts"));
+    if (table != nullptr) {
+        table->deselectAll();
+    }
+    click(node);
+    if (table != nullptr) {
+        turnOffBoxesWithoutRow(*table);
+    }
+    visitNodes(interface_.root(), [](const InterfaceNode& each) {
+        if (auto* drawer = modelOf<NSDrawer>(each); drawer != nullptr && !drawer->isOpen()) {
+            drawer->open();
+        }
+    });
+}
+
+void WindowActions::cancelSheet() const {
+    NSWindow* sheet = NSApp().attachedSheet();
+    const InterfaceNode* node = nodeOf(interface_.root(), sheet);
+    if (sheet == nullptr || node == nullptr) {
+        return;
+    }
+    NSApp().cancelSheet(sheet);
+    // What was typed is gone, and so is what was said about it.
+    visitNodes(*node, [](const InterfaceNode& each) {
+        auto* field = modelOf<NSTextField>(each);
+        if (field != nullptr && (field->isSecure() || each.attribute("style") == "warning")) {
+            field->setStringValue("");
+        }
+    });
+}
+
+std::string WindowActions::textAbout(const InterfaceNode& node, std::string_view attribute) const {
+    const std::string& text = node.attribute(attribute);
+    const auto* field = find<NSTextField>(node.attribute("about"));
+    return field == nullptr ? text : stringWithFormat(text, field->stringValue());
+}
+
+void WindowActions::turnOffBoxesWithoutRow(const NSTableView& table) const {
+    if (!table.selectedRows().empty()) {
+        return;
+    }
+    visitNodes(interface_.root(), [&table](const InterfaceNode& each) {
+        if (auto* box = modelOf<NSButton>(each);
+            box != nullptr && each.attribute("rowOf") == table.name() && !table.name().empty()) {
+            box->setState(NSOffState);
+        }
+    });
+}

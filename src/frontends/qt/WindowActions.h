@@ -1,0 +1,43 @@
+#pragma once
+
+#include "frontends/qt/Binding.h"
+#include "platform/appkit/Interface.h"
+
+#include <string>
+
+class NSTableView;
+
+/// What the window does with a click on a button or menu item before, beside and after the control's own
+/// action: what the interface file's attributes ask of the window alone. One an interface; a script follows
+/// the controls and never comes here.
+class WindowActions {
+  public:
+    /// Both are kept.
+    WindowActions(const platform::Interface& interface, RefreshQueue& queue)
+        : interface_(interface), queue_(queue) {}
+
+    /// A user clicked the node's button or menu item.
+    void use(const platform::InterfaceNode& node);
+
+    /// The node's text in which "%@" is what its field `about` shows now.
+    [[nodiscard]] std::string textAbout(const platform::InterfaceNode& node,
+                                        std::string_view attribute) const;
+
+    /// The model of that name, or null when it has none or one of another kind.
+    template <class Model>
+    [[nodiscard]] Model* find(const std::string& name) const {
+        return dynamic_cast<Model*>(interface_.find(name));
+    }
+
+    /// Turns off the check boxes that belong to a row of `table`, where none is selected: what they say of
+    /// the last row must not go into a new one.
+    void turnOffBoxesWithoutRow(const NSTableView& table) const;
+
+  private:
+    void perform(const platform::InterfaceNode& node) const;
+    void beginNew(const platform::InterfaceNode& node) const;
+    void cancelSheet() const;
+
+    const platform::Interface& interface_;
+    RefreshQueue& queue_;
+};

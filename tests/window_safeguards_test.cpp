@@ -1,0 +1,100 @@
+// What the window asks, clears and leaves alone so that a slip of the hand does no harm.
+
+#include "support/MainWindowFixture.h"
+
+namespace {
+
+TEST_F(MainWindow, DeletingAShareAsksForItByNameAndLeavesNothingDangerousUnderTheHand) {
+    addShare("Docs", "/shares/docs");
+    addShare("Films", "/shares/films");
+    open();
+    clickRow("normalTableView", 0);
+    answer({"No"});
+    click("deleteButton");
+    EXPECT_TRUE(lastText.contains("stop sharing “Docs”?  Its folder stays")) << lastText.toStdString();
+    EXPECT_TRUE(host.runs.empty());
+    answer({"Yes"});
+    click("deleteButton");
+    EXPECT_FALSE(host.runs.empty());
+    EXPECT_EQ(columnOf("normalTableView", "ShareName"), std::vector<std::string>{"Films"});
+    // Films has come under the selection of Docs; the hand is still on the button.
+    EXPECT_FALSE(widget<QTableView>("normalTableView").selectionModel()->hasSelection());
+    EXPECT_FALSE(widget<QPushButton>("deleteButton").isEnabled());
+    EXPECT_EQ(text("shareName"), "");
+    auto& window = widget<QWidget>("mainWindow");
+    window.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+    for (int tab = 0; tab < 20; ++tab) {
+        auto* focused = qobject_cast<QPushButton*>(window.focusWidget());
+        EXPECT_TRUE(focused == nullptr || focused->text() != "Delete All Shares…");
+        QTest::keyClick(&window, Qt::Key_Tab);
+    }
+}
+
+TEST_F(MainWindow, ASelectionStaysWithItsNameWhenTheListChangesAndIsClearedOtherwise) {
+    addGroup("staff", "20");
+    addUser("alice", "501");
+    addUser("bob", "502");
+    open();
+    showPage(1);
+    clickRow("userTableView", 1);
+    addUser("carol", "503");
+    clickTitled("Refresh");
+    EXPECT_EQ(text("shortName"), "bob");
+    nicl({"-delete", "/users/alice"});
+    clickTitled("Refresh"); // carol stands where bob stood
+    EXPECT_EQ(text("shortName"), "");
+    EXPECT_FALSE(widget<QPushButton>("deleteUserButton").isEnabled());
+}
+
+TEST_F(MainWindow, APasswordSheetNamesItsUserAndIsCancelledWithoutATrace) {
+    addGroup("staff", "20");
+    addUser("alice", "501");
+    open();
+    showPage(1);
+    clickRow("userTableView", 0);
+    click("changePasswordButton");
+    auto& sheet = widget<QWidget>("passwordWindow");
+    const auto labels = sheet.findChildren<QLabel*>();
+    EXPECT_TRUE(std::any_of(labels.begin(), labels.end(),
+                            [](QLabel* label) { return label->text().contains("“alice”"); }));
+    typeInto("passwordSecureText1", "secret");
+    QTest::keyClick(&widget<QLineEdit>("passwordSecureText1"), Qt::Key_Return);
+    EXPECT_EQ(text("passwordErrorText"), "Passwords Do Not Match");
+    QTest::keyClick(&widget<QLineEdit>("passwordSecureText1"), Qt::Key_Escape);
+    EXPECT_FALSE(sheet.isVisible());
+    EXPECT_TRUE(host.runs.empty());
+    EXPECT_EQ(text("passwordSecureText1") + text("passwordErrorText"), "");
+    click("changePasswordButton"); // it can come up again
+    EXPECT_TRUE(sheet.isVisible());
+}
+
+TEST_F(MainWindow, ANewShareStartsWithEveryBoxOff) {
+    host.write("etc/smb.conf", "[Docs]\n\tpath = /shares/docs\n\tguest ok = yes\n");
+    open();
+    clickRow("normalTableView", 0);
+    EXPECT_EQ(control<NSButton>("guestAccessButton").state(), NSOnState);
+    clickTitled("New Share");
+    EXPECT_EQ(control<NSButton>("guestAccessButton").state(), NSOffState);
+    EXPECT_EQ(text("shareName"), "");
+    EXPECT_TRUE(widget<QLineEdit>("shareName").isVisible());
+    control<NSButton>("inheritOwnerButton").setState(NSOnState);
+    clickTitled("Revert");
+    EXPECT_EQ(control<NSButton>("inheritOwnerButton").state(), NSOffState);
+}
+
+TEST_F(MainWindow, AnAdministratorWhoRefusesIsAskedOnceMoreInAnAction) {
+    open();
+    host.onReport = [this] { // stands for an action of three runs, which asks before each of them
+        for (int run = 0; run < 3; ++run) {
+            EXPECT_FALSE(frontend->presenter()->runAdministratorDialog({}));
+        }
+    };
+    for (int action = 0; action < 2; ++action) {
+        answer({"Refuse", "Refuse"}); // a third dialog would wait for an answer for ever
+        clickTitled("Refresh");
+        EXPECT_EQ(asked, (QStringList{"Allow Changes", "Allow Changes"}));
+    }
+}
+
+} // namespace
