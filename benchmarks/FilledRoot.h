@@ -8,6 +8,7 @@
 #include <array>
 #include <filesystem>
 #include <fstream>
+#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -44,7 +45,9 @@ inline void fillRoot(const std::filesystem::path& root, int shares, int users) {
     std::filesystem::create_directories(root / "etc");
     std::ofstream configuration(root / "etc/smb.conf");
     configuration << "[global]\nworkgroup = OFFICE\n";
-    platform::EmbeddedRoot(root.string()).makeIfMissing();
+    if (const auto status = platform::EmbeddedRoot(root.string()).makeIfMissing(); !status.isOk()) {
+        throw std::runtime_error(status.text());
+    }
     platform::Store store(platform::EmbeddedRoot(root.string()).storeFile());
     for (int share = 0; share < shares; ++share) {
         const std::string name = "share" + std::to_string(share);
@@ -71,5 +74,7 @@ inline void fillRoot(const std::filesystem::path& root, int shares, int users) {
                    {"home", "/home/" + name},
                    {"shell", "/bin/sh"}});
     }
-    store.commit();
+    if (!store.commit().isOk()) {
+        throw std::runtime_error(store.status().text());
+    }
 }

@@ -51,7 +51,9 @@ void writeRecords(const std::string& storeFile, std::int64_t count) {
         set("afp_use_parent_privs", "0");
         set("afp_use_parent_owner", "0");
     }
-    store.commit();
+    if (!store.commit().isOk()) {
+        throw std::runtime_error(store.status().text());
+    }
 }
 
 /// The application, started on a root of so many shares.

@@ -9,6 +9,7 @@
 
 #include <array>
 #include <memory>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -34,7 +35,9 @@ void fill(const std::string& file, std::int64_t users) {
             store.setValues(record, property, std::span(&value, 1));
         }
     }
-    store.commit();
+    if (!store.commit().isOk()) {
+        throw std::runtime_error(store.status().text());
+    }
 }
 
 /// The same users with a row for each property and a row for each value.

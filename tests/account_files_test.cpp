@@ -99,7 +99,7 @@ TEST_F(AccountFilesTest, WhatALineCannotHoldBelongsToTheAccountOfThatNameAndId) 
     set(store, root, "uid", "5"); // of another account, which had the name before
     set(store, root, "sharedDir", "Public");
     set(store, store.addRecord(users, "halfmade"), "realname", "H");
-    store.commit();
+    EXPECT_TRUE(store.commit().isOk());
     EXPECT_EQ(report("/users", {"name", "realname", "sharedDir"}),
               (std::vector<std::string>{"root\troot\t#NoValue#\t\n", "nobody\tnobody\t#NoValue#\t\n",
                                         "alice\tAlice A\tPublic\t\n"}));

@@ -2,7 +2,7 @@
 // tools, and a real smbd on a loopback port with smbclient as the person at the other end.
 
 #include "platform/host/EmbeddedRoot.h"
-#include "platform/host/EmbeddedServer.h"
+#include "platform/samba/EmbeddedServer.h"
 #include "support/Subprocess.h"
 #include "support/TestHost.h"
 
@@ -51,8 +51,8 @@ class EndToEnd : public testing::Test {
         fs::permissions(test_.root(), fs::perms(0755));
         fs::create_directories(folder());
         fs::permissions(folder(), fs::perms(0700));
-        root_.makeIfMissing();
-        ASSERT_EQ(server_.start(port_), "");
+        ASSERT_EQ(root_.makeIfMissing().text(), "");
+        ASSERT_EQ(server_.start(port_).text(), "");
     }
 
     [[nodiscard]] fs::path computer() const { return test_.root() / "computer"; }
@@ -107,7 +107,7 @@ class EndToEnd : public testing::Test {
 
     TestHost test_;
     platform::EmbeddedRoot root_{computer().string()};
-    platform::EmbeddedServer server_{root_};
+    platform::EmbeddedServer server_{root_.sambaPaths()};
     int port_ = freePort();
 };
 

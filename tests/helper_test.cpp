@@ -3,7 +3,7 @@
 #include "platform/foundation/Host.h"
 #include "platform/foundation/NSFileManager.h"
 #include "platform/host/EmbeddedRoot.h"
-#include "platform/host/SambaAccounts.h"
+#include "platform/samba/SambaAccounts.h"
 #include "platform/security/ConsentAuthority.h"
 #include "platform/security/SudoAuthority.h"
 #include "privileged/NiutilTask.h"
@@ -43,7 +43,7 @@ unsigned modeOf(const fs::path& path) {
 
 class HelperTest : public testing::Test {
   protected:
-    HelperTest() { root_.makeIfMissing(); }
+    HelperTest() { EXPECT_EQ(root_.makeIfMissing().text(), ""); }
 
     std::string run(const std::string& tool, const std::vector<std::string>& arguments) const {
         const HelperResult result = runHelperTool(place_, {tool, arguments});
@@ -240,7 +240,7 @@ class FakeServer {
 };
 
 TEST_F(HelperTest, HangsUpTheServersOfItsRootAndNoOthers) {
-    const FakeServer own(folder("own"), platform::SambaAccounts(root_).configurationFile());
+    const FakeServer own(folder("own"), platform::SambaAccounts(root_.sambaPaths()).configurationFile());
     const FakeServer foreign(folder("foreign"), "/etc/samba/smb.conf");
     EXPECT_EQ(run("/bin/kill", {"-1", own.id()}), "");
     EXPECT_TRUE(own.appears("HUP"));

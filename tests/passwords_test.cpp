@@ -23,7 +23,7 @@ bool contains(const std::string& text, const std::string& part) {
 } // namespace
 
 TEST_F(Root, PasswordsGoToTheRootsOwnServerAndLeaveWithTheUser) {
-    root.makeIfMissing();
+    ASSERT_TRUE(root.makeIfMissing().isOk());
     EXPECT_TRUE(contains(dscl("/Users/alice", "secret"), "there is no such user"));
     EXPECT_TRUE(contains(dscl("/Groups/alice", "secret"), "/Users/NAME"));
     nicl({"-create", "/users/alice"});
@@ -45,7 +45,7 @@ TEST_F(Root, PasswordsGoToTheRootsOwnServerAndLeaveWithTheUser) {
     EXPECT_TRUE(contains(passwordDatabase(), "Eve:70501:"));
     EXPECT_EQ(nicl({"-delete", "/users/Eve"}), "");
     EXPECT_EQ(passwordDatabase(), "");
-    fs::remove_all(root.sambaFolder());
+    fs::remove_all(root.sambaPaths().folder);
     nicl({"-create", "/users/alice"});
     EXPECT_TRUE(contains(dscl("/Users/alice", "secret"), "has no password database"));
 }
@@ -57,7 +57,7 @@ class RootWithPassword : public Root {
         if (platform::SambaAccounts::wrapperLibrary().empty() || access("/usr/bin/pdbedit", X_OK) != 0) {
             GTEST_SKIP() << "Samba or libnss-wrapper is not installed";
         }
-        root.makeIfMissing();
+        ASSERT_TRUE(root.makeIfMissing().isOk());
         nicl({"-create", "/users/alice"});
         nicl({"-create", "/users/alice", "uid", "70501"});
         nicl({"-create", "/users/alice", "gid", "70501"});
@@ -77,7 +77,7 @@ class RootWithPassword : public Root {
         return runNicl(place, std::vector<std::string>{".", "-delete", "/users/alice"}).output;
     }
 
-    platform::SambaAccounts server{root};
+    platform::SambaAccounts server{root.sambaPaths()};
 };
 
 TEST_F(RootWithPassword, KeepsItWhenTheUserCannotBeDeleted) {
@@ -96,7 +96,7 @@ TEST_F(RootWithPassword, KeepsItWhenTheUserCannotBeDeleted) {
     EXPECT_TRUE(isListed());
     fs::remove(server.groupFile());
 
-    const fs::path database = root.sambaFolder() + "/private/passdb.tdb";
+    const fs::path database = root.sambaPaths().folder + "/private/passdb.tdb";
     fs::rename(database, database.string() + ".away");
     fs::create_directory(database);
     EXPECT_TRUE(contains(deleteAlice(1), "did not forget the password"));
@@ -114,7 +114,7 @@ TEST_F(RootWithPassword, KeepsItUntilNobodyOfThatNameInAnyCaseIsLeft) {
     {
         platform::Store store(root.storeFile()); // as directories were filled before nicl refused such names
         store.addRecord(store.child(platform::Store::root, "users").value(), "ALICE");
-        store.commit();
+        ASSERT_TRUE(store.commit().isOk());
     }
     EXPECT_EQ(nicl({"-delete", "/users/ALICE"}), "");
     EXPECT_TRUE(hasPassword());

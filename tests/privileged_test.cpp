@@ -171,7 +171,7 @@ TEST(DeletingAllShares, GoesFromTheLastToTheFirstAndOnAfterAFailure) {
         for (const char* name : {"One", "Two", "Three"}) {
             store.addRecord(shares, name);
         }
-        store.commit();
+        EXPECT_TRUE(store.commit().isOk());
     }
     host.onRun = [&](const RecordedRun&) {
         return host.runs.size() == 1   ? TestHost::RunAnswer{"no", 0}

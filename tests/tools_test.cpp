@@ -1,8 +1,8 @@
 #include "platform/foundation/NSDictionary.h"
 #include "platform/host/DirectoryAccounts.h"
 #include "platform/host/HostProcesses.h"
-#include "platform/host/SambaAccounts.h"
 #include "platform/posix/CapturedRun.h"
+#include "platform/samba/SambaAccounts.h"
 #include "support/DirectoryFixture.h"
 #include "support/RootFixture.h"
 
@@ -183,8 +183,8 @@ TEST_F(Tools, OptionsThatMakeNoSenseEndWithTwoAndTheOthersLeaveTheirWords) {
 TEST_F(Root, IsMadeOnceByProgramsThatComeTogetherAndKeepsFilesThatAreThere) {
     host.write("new root/etc/smb.conf", "[mine]\n");
     EXPECT_TRUE(inProcesses(4, [this](int index) {
-        root.makeIfMissing();
-        return nicl({"-create", "/config/Brindle/share" + std::to_string(index)}).empty();
+        return root.makeIfMissing().isOk() &&
+               nicl({"-create", "/config/Brindle/share" + std::to_string(index)}).empty();
     }));
     EXPECT_EQ(host.read("new root/etc/smb.conf"), "[mine]\n");
     EXPECT_TRUE(NSMutableDictionary::dictionaryWithContentsOfFile(
@@ -219,21 +219,21 @@ TEST_F(Root, ConfigurationOfTheServersDaemonsHoldsWhateverTheIncludedFileSays) {
         "[global]\nserver string = Mine\nprivate dir = " + computer + "\nstate directory = " + computer +
             "\npassdb backend = tdbsam:" + computer + "/passdb.tdb\nunix password sync = yes\n" +
             "add user script = /usr/sbin/useradd %u\nconfig backend = registry\n[docs]\npath = /srv\n");
-    root.makeIfMissing();
-    const std::string file = platform::SambaAccounts(root).configurationFile();
+    ASSERT_TRUE(root.makeIfMissing().isOk());
+    const std::string file = platform::SambaAccounts(root.sambaPaths()).configurationFile();
     const std::string seen = platform::runCaptured({"/usr/bin/testparm", "-s", file}, {}, {}).output;
     EXPECT_TRUE(contains(seen, "server string = Mine\n")) << seen;
     EXPECT_TRUE(contains(seen, "[docs]\n")) << seen;
-    EXPECT_TRUE(contains(seen, "tdbsam:" + root.sambaFolder() + "/private/passdb.tdb\n")) << seen;
+    EXPECT_TRUE(contains(seen, "tdbsam:" + root.sambaPaths().folder + "/private/passdb.tdb\n")) << seen;
     for (const std::string& spoiled : {computer, std::string("unix password sync"), std::string("useradd")}) {
         EXPECT_FALSE(contains(seen, spoiled)) << seen;
     }
 }
 
 TEST_F(Root, AccountsFollowTheDirectoryAtOnceInNamesAndInTheServersLists) {
-    root.makeIfMissing();
+    ASSERT_TRUE(root.makeIfMissing().isOk());
     const platform::DirectoryAccounts names(root.storeFile());
-    const platform::SambaAccounts server(root);
+    const platform::SambaAccounts server(root.sambaPaths());
     EXPECT_EQ(names.userName(70501), std::nullopt);
     const std::array changes{
         Words{"-create", "/users/alice"},

@@ -9,7 +9,7 @@
 #include "platform/appkit/NSApplication.h"
 #include "platform/host/EmbeddedHost.h"
 #include "platform/host/EmbeddedRoot.h"
-#include "platform/host/EmbeddedServer.h"
+#include "platform/samba/EmbeddedServer.h"
 
 #include <cerrno>
 #include <csignal>
@@ -52,10 +52,10 @@ std::unique_ptr<platform::EmbeddedServer> startServer(const Options& options) {
     }
     const std::string folder =
         options.host.root.empty() ? platform::EmbeddedRoot::defaultFolder() : options.host.root;
-    auto server = std::make_unique<platform::EmbeddedServer>(platform::EmbeddedRoot(folder));
-    const std::string failure = server->start(options.port.value_or(platform::EmbeddedServer::defaultPort));
-    if (!failure.empty()) {
-        throw std::runtime_error(failure);
+    auto server = std::make_unique<platform::EmbeddedServer>(platform::EmbeddedRoot(folder).sambaPaths());
+    const auto status = server->start(options.port.value_or(platform::EmbeddedServer::defaultPort));
+    if (!status.isOk()) {
+        throw std::runtime_error(status.text());
     }
     std::cerr << "brindle: the shares are served at " << server->address() << '\n';
     return server;

@@ -5,6 +5,7 @@
 #include "platform/netinfo/LocalDomain.h"
 #include "platform/posix/Secret.h"
 #include "tools/DirectoryTools.h"
+#include "tools/ToolText.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -53,7 +54,9 @@ class FileDomain : public platform::LocalDomain {
 
 ToolResult run(std::string_view tool, const std::string& rootFolder, std::span<const std::string> arguments) {
     const DirectoryPlace place = DirectoryPlace::ofRoot(rootFolder);
-    platform::EmbeddedRoot(rootFolder).makeIfMissing();
+    if (const platform::Status status = platform::EmbeddedRoot(rootFolder).makeIfMissing(); !status.isOk()) {
+        return {oneLine(std::string(tool) + ": " + status.text()), 1};
+    }
     if (tool == "nicl") {
         return runNicl(place, arguments);
     }

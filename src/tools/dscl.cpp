@@ -1,11 +1,12 @@
 #include "directory/DirectoryRules.h"
 #include "platform/host/EmbeddedRoot.h"
-#include "platform/host/SambaAccounts.h"
 #include "platform/netinfo/Store.h"
+#include "platform/samba/SambaAccounts.h"
 #include "tools/DirectoryTools.h"
 #include "tools/ToolText.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace {
 
@@ -19,28 +20,50 @@ std::string userOfPath(const std::string& path) {
     return isUser ? components->back() : std::string();
 }
 
-/// Nothing, or what failed and what to do. Never quotes the password.
-std::string setPassword(const DirectoryPlace& place, const std::string& user, const std::string& password) {
+/// Never quotes the password.
+platform::Status setPassword(const DirectoryPlace& place, const std::string& path,
+                             const std::string& password) {
+    const auto refused = [&](std::string why) {
+        return platform::Status::failure("cannot set the password of", path, std::move(why));
+    };
+    const std::string user = userOfPath(path);
+    if (user.empty()) {
+        return refused("the path of a user is /Users/NAME; write it so");
+    }
     const bool hasControl = std::ranges::any_of(password, [](char character) {
         return static_cast<unsigned char>(character) < 0x20 || character == 0x7f;
     });
     if (hasControl) {
-        return "a password may hold no control character; choose another one";
+        return refused("a password may hold no control character; choose another one");
     }
-    platform::Store store(place.storeFile, platform::Store::Opening::Existing, place.waitSeconds);
-    const RecordPath path{"users", user};
-    if (!store.find(path)) {
-        return "there is no such user; create it first";
-    }
-    if (place.root.empty()) {
-        return "no file server belongs to this directory; give its root with --root DIR";
-    }
-    const platform::SambaAccounts accounts{platform::EmbeddedRoot(place.root)};
-    if (!accounts.exists()) {
-        return "this root has no password database (" + platform::EmbeddedRoot(place.root).sambaFolder() +
-               " is missing); make that folder, or a new root";
-    }
-    return accounts.setPassword(store, user, password);
+    const platform::SambaPaths paths = platform::EmbeddedRoot(place.root).sambaPaths();
+    const platform::SambaAccounts accounts(paths);
+    {
+        platform::Store store(place.storeFile, platform::Store::Opening::Existing, place.waitSeconds);
+        const bool isUser = store.find(RecordPath{"users", user}).has_value();
+        if (!store.status().isOk()) {
+            return refused(store.status().text());
+        }
+        if (!isUser) {
+            return refused("there is no such user; create it first");
+        }
+        if (place.root.empty()) {
+            return refused("no file server belongs to this directory; give its root with --root DIR");
+        }
+        if (!accounts.exists()) {
+            return refused("this root has no password database (" + paths.folder +
+                           " is missing); make that folder, or a new root");
+        }
+        platform::Status status = accounts.makeFolders();
+        if (status.isOk()) {
+            status = accounts.writeAccountLists(store);
+        }
+        if (!status.isOk()) {
+            return refused(status.text());
+        }
+    } // the store is free again: the password database may be slow
+    const platform::Status status = accounts.setPassword(user, password);
+    return status.isOk() ? status : refused(status.text());
 }
 
 } // namespace
@@ -49,17 +72,6 @@ ToolResult runDscl(const DirectoryPlace& place, std::span<const std::string> arg
     if (arguments.size() != 4 || arguments[0] != "." || arguments[1] != "-passwd") {
         return {std::string(usage) + "\n", 1};
     }
-    const std::string user = userOfPath(arguments[2]);
-    std::string failure = "the path of a user is /Users/NAME; write it so";
-    if (!user.empty()) {
-        try {
-            failure = setPassword(place, user, arguments[3]);
-        } catch (const platform::StoreError& error) {
-            failure = error.what();
-        }
-    }
-    if (failure.empty()) {
-        return {};
-    }
-    return {oneLine("dscl: cannot set the password of " + arguments[2] + ": " + failure), 1};
+    const platform::Status status = setPassword(place, arguments[2], arguments[3]);
+    return status.isOk() ? ToolResult() : ToolResult{oneLine("dscl: " + status.text()), 1};
 }

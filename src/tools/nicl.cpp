@@ -1,19 +1,19 @@
 #include "directory/DirectoryRules.h"
-#include "platform/foundation/NSString.h"
 #include "platform/host/EmbeddedRoot.h"
-#include "platform/host/SambaAccounts.h"
 #include "platform/netinfo/Store.h"
+#include "platform/posix/Status.h"
+#include "platform/samba/SambaAccounts.h"
 #include "tools/DirectoryTools.h"
 #include "tools/ToolText.h"
 
 #include <algorithm>
 #include <array>
 #include <optional>
-#include <stdexcept>
 #include <string_view>
 #include <unordered_set>
 #include <utility>
 
+using platform::Status;
 using platform::Store;
 
 namespace {
@@ -22,11 +22,7 @@ constexpr const char* usage =
     "usage: nicl [--root DIR] . -create PATH [PROPERTY [VALUE...]] | -append PATH PROPERTY VALUE... | "
     "-delete PATH [PROPERTY [VALUE...]]";
 
-/// Why a request is not carried out; the text follows the name of what was to be done.
-class Refusal : public std::runtime_error {
-  public:
-    using std::runtime_error::runtime_error;
-};
+constexpr const char* noRecord = "there is no such record; create it first";
 
 /// One change of the directory, as one transaction.
 class Change {
@@ -36,116 +32,127 @@ class Change {
         : request_(request), path_(recordPath(request.path).value()), place_(place),
           store_(place.storeFile, Store::Opening::Existing, place.waitSeconds) {}
 
-    void run() {
-        if (request_.operation == "-create") {
-            create();
-        } else if (request_.operation == "-append") {
-            append();
-        } else {
-            remove();
+    Status run() {
+        Status status = change();
+        const bool isDone = status.isOk() && store_.status().isOk();
+        if (isDone && isChanged_ && isAccount(path_) && !place_.root.empty()) {
+            status = tellServer();
         }
-        if (isChanged_ && isAccount(path_) && !place_.root.empty()) {
-            tellServer();
+        // What a store that failed lacks is no reason.
+        if (status.isOk() || !store_.status().isOk()) {
+            status = store_.commit();
+            return status.isOk() ? status : refused(status.text());
         }
-        store_.commit();
+        return status;
     }
 
   private:
-    [[nodiscard]] Store::Record record() {
-        const auto found = store_.find(path_);
-        if (!found) {
-            throw Refusal("there is no such record; create it first");
-        }
-        return *found;
-    }
+    [[nodiscard]] Status refused(std::string why) const { return refusal(request_, std::move(why)); }
 
-    void create() {
+    Status change() {
+        if (request_.operation == "-delete") {
+            return request_.property ? removeFromRecord() : removeRecord();
+        }
         if (!request_.property) {
-            createRecord();
-        } else if (*request_.property == "name") {
-            rename();
-        } else {
-            store_.setValues(record(), *request_.property, request_.values);
-            isChanged_ = true;
+            return createRecord();
         }
+        return request_.property == "name" ? rename() : write();
     }
 
-    void createRecord() {
+    Status createRecord() {
         if (store_.find(path_)) {
-            return;
+            return {};
         }
         const auto parent = store_.find(std::span(path_).first(path_.size() - 1));
         if (!parent) {
-            throw Refusal("the record above it does not exist; create that first");
+            return refused("the record above it does not exist; create that first");
         }
         store_.addRecord(*parent, path_.back());
-        checkOtherUsers(path_.back());
         isChanged_ = true;
+        return checkOtherUsers(path_.back());
     }
 
-    void rename() {
+    Status rename() {
         RecordPath renamed = path_;
         renamed.back() = request_.values.front();
-        const Store::Record renaming = record();
+        const auto record = store_.find(path_);
+        if (!record) {
+            return refused(noRecord);
+        }
         if (renamed == path_) {
-            return;
+            return {};
         }
         if (store_.find(renamed)) {
-            throw Refusal("there is a record called " + renamed.back() + "; choose another name");
+            return refused("there is a record called " + renamed.back() + "; choose another name");
         }
         losesPassword_ = isUser() && !otherUser(path_.back());
-        store_.rename(renaming, renamed.back());
-        checkOtherUsers(renamed.back());
+        store_.rename(*record, renamed.back());
         isChanged_ = true;
+        return checkOtherUsers(renamed.back());
     }
 
-    void append() {
-        store_.appendValues(record(), *request_.property, request_.values);
-        isChanged_ = true;
-    }
-
-    void remove() {
-        if (!request_.property) {
-            const auto found = store_.find(path_);
-            if (!found) {
-                throw Refusal("there is no such record; nothing was deleted");
-            }
-            losesPassword_ = isUser() && !otherUser(path_.back());
-            store_.removeRecord(*found);
-            isChanged_ = true;
-            return;
+    /// Replaces or adds values of any other property.
+    Status write() {
+        const auto record = store_.find(path_);
+        if (!record) {
+            return refused(noRecord);
         }
-        removeProperty();
-    }
-
-    void removeProperty() {
-        const std::string& property = *request_.property;
-        const Store::Record changing = record();
-        auto kept = store_.values(changing, property);
-        if (!kept) {
-            throw Refusal("the record has no property " + property + "; nothing was deleted");
-        }
-        if (request_.values.empty()) {
-            store_.removeProperty(changing, property);
+        if (request_.operation == "-append") {
+            store_.appendValues(*record, *request_.property, request_.values);
         } else {
-            takeAway(request_.values, property, &*kept);
-            store_.setValues(changing, property, *kept);
+            store_.setValues(*record, *request_.property, request_.values);
         }
         isChanged_ = true;
+        return {};
     }
 
+    Status removeRecord() {
+        const auto record = store_.find(path_);
+        if (!record) {
+            return refused("there is no such record; nothing was deleted");
+        }
+        losesPassword_ = isUser() && !otherUser(path_.back());
+        store_.removeRecord(*record);
+        isChanged_ = true;
+        return {};
+    }
+
+    Status removeFromRecord() {
+        const std::string& property = *request_.property;
+        const auto record = store_.find(path_);
+        if (!record) {
+            return refused(noRecord);
+        }
+        auto kept = store_.values(*record, property);
+        if (!kept) {
+            return refused("the record has no property " + property + "; nothing was deleted");
+        }
+        isChanged_ = true;
+        if (request_.values.empty()) {
+            store_.removeProperty(*record, property);
+            return {};
+        }
+        if (const auto missing = takeAway(request_.values, &*kept)) {
+            return refused("the property " + property + " has no value " + *missing +
+                           "; nothing was deleted");
+        }
+        store_.setValues(*record, property, *kept);
+        return {};
+    }
+
+    /// Returns a value that is not there to be taken away; `kept` is as it was then.
     /// Sets, because a group of a large organisation may lose thousands of its members at once.
-    static void takeAway(const std::vector<std::string>& unwanted, const std::string& property,
-                         std::vector<std::string>* kept) {
+    static std::optional<std::string> takeAway(const std::vector<std::string>& unwanted,
+                                               std::vector<std::string>* kept) {
         const std::unordered_set<std::string_view> present(kept->begin(), kept->end());
         for (const auto& value : unwanted) {
             if (!present.contains(value)) {
-                throw Refusal(stringWithFormat("the property %@ has no value %@; nothing was deleted",
-                                               property, value));
+                return value;
             }
         }
         const std::unordered_set<std::string_view> leaving(unwanted.begin(), unwanted.end());
         std::erase_if(*kept, [&](const std::string& value) { return leaving.contains(value); });
+        return std::nullopt;
     }
 
     [[nodiscard]] bool isUser() const { return path_.size() == 2 && path_[0] == "users"; }
@@ -158,30 +165,31 @@ class Change {
     }
 
     /// One of two such users would have the other's password, and take it along when it is deleted.
-    void checkOtherUsers(const std::string& name) {
-        if (const auto other = isUser() ? otherUser(name) : std::nullopt) {
-            throw Refusal("there is a user called " + *other +
-                          ", and the case of letters does not tell users apart; choose another name");
-        }
+    Status checkOtherUsers(const std::string& name) {
+        const auto other = isUser() ? otherUser(name) : std::nullopt;
+        return other ? refused("there is a user called " + *other +
+                               ", and the case of letters does not tell users apart; choose another name")
+                     : Status();
     }
 
     /// Done before the commit, so that no other writer comes between. The password comes last: lists can be
     /// written again, a password that is forgotten cannot be brought back.
-    void tellServer() {
-        const platform::SambaAccounts accounts{platform::EmbeddedRoot(place_.root)};
+    Status tellServer() {
+        const platform::SambaAccounts accounts(platform::EmbeddedRoot(place_.root).sambaPaths());
         if (!accounts.exists() || !reachesLists()) {
-            return;
+            return {};
         }
-        std::string failure = accounts.writeAccountLists(store_);
-        if (failure.empty() && losesPassword_) {
-            failure = accounts.removeUser(path_.back());
+        Status status = accounts.writeAccountLists(store_);
+        if (status.isOk() && losesPassword_) {
+            status = accounts.removeUser(path_.back());
         }
-        if (!failure.empty()) {
-            store_.undo();
-            // One of the lists may be written; where it cannot be written back, the first failure says why.
-            static_cast<void>(accounts.writeAccountLists(store_));
-            throw Refusal(failure);
+        if (status.isOk()) {
+            return status;
         }
+        store_.undo();
+        // One of the lists may be written; where it cannot be written back, the first failure says why.
+        static_cast<void>(accounts.writeAccountLists(store_));
+        return refused(status.text());
     }
 
     /// Writing the lists takes as long as there are accounts: a property that they do not hold must not cost
@@ -213,13 +221,9 @@ ToolResult runNicl(const DirectoryPlace& place, std::span<const std::string> arg
     if (!change) {
         return {std::string(usage) + "\n", 1};
     }
-    platform::Status status = checkDirectoryChange(*change);
-    try {
-        if (status.isOk()) {
-            Change(place, *change).run();
-        }
-    } catch (const std::runtime_error& failure) { // a refusal or the store's own
-        status = refusal(*change, failure.what());
+    Status status = checkDirectoryChange(*change);
+    if (status.isOk()) {
+        status = Change(place, *change).run();
     }
     if (!status.isOk()) {
         return {oneLine("nicl: " + status.text()), 1};

@@ -31,7 +31,7 @@ class AppFixture : public testing::Test {
         store.addRecord(platform::Store::root, "users");
         store.addRecord(platform::Store::root, "groups");
         store.addRecord(store.addRecord(platform::Store::root, "config"), "Brindle");
-        store.commit();
+        EXPECT_TRUE(store.commit().isOk());
         host.onRun = [this](const RecordedRun& run) { return carryOut(run); };
     }
 

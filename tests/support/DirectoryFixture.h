@@ -17,7 +17,7 @@ class DirectoryFixture : public testing::Test {
         store.addRecord(platform::Store::root, "users");
         store.addRecord(platform::Store::root, "groups");
         store.addRecord(store.addRecord(platform::Store::root, "config"), "Brindle");
-        store.commit();
+        EXPECT_TRUE(store.commit().isOk());
     }
 
     /// Runs `nicl . WORDS...` and answers what it printed.

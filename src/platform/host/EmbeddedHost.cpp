@@ -10,6 +10,7 @@
 
 #include <cstdlib>
 #include <filesystem>
+#include <stdexcept>
 #include <system_error>
 #include <utility>
 
@@ -100,7 +101,9 @@ std::string defaultResources() {
 
 Services makeEmbeddedServices(const EmbeddedHostOptions& options) {
     const EmbeddedRoot root(orDefault(options.root, &EmbeddedRoot::defaultFolder));
-    root.makeIfMissing();
+    if (const Status status = root.makeIfMissing(); !status.isOk()) {
+        throw std::runtime_error(status.text());
+    }
     const std::string home = orDefault(options.home, &defaultHome);
     Services services;
     services.log = options.log ? options.log : std::make_shared<SystemLog>();

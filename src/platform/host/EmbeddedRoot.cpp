@@ -2,14 +2,14 @@
 
 #include "platform/foundation/NSFileManager.h"
 #include "platform/host/RootContents.h"
-#include "platform/host/SambaAccounts.h"
 #include "platform/netinfo/Store.h"
+#include "platform/posix/FileDescriptor.h"
+#include "platform/samba/SambaAccounts.h"
 
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
-#include <stdexcept>
 #include <system_error>
 
 #include <fcntl.h>
@@ -27,57 +27,63 @@ constexpr const char* smbConf = "/etc/smb.conf";
 constexpr const char* appleFileServerPlist = "/Library/Preferences/com.apple.AppleFileServer.plist";
 constexpr const char* exampleFolder = "/Shared/Example";
 
-[[noreturn]] void fail(const std::string& what, const std::string& why) {
-    throw std::runtime_error("cannot make " + what + ": " + why +
-                             "; choose a folder that you may write to with --root DIR or BRINDLE_ROOT");
+Status failure(const std::string& what, const std::string& why) {
+    return Status::failure("cannot make", what,
+                           why + "; choose a folder that you may write to with --root DIR or BRINDLE_ROOT");
 }
 
-/// Keeps other programs from making the same root meanwhile. The folder itself is locked, so that no file is
-/// left of it.
-class FolderLock {
-  public:
-    explicit FolderLock(const std::string& folder)
-        : descriptor_(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {
-        while (descriptor_ < 0 || ::flock(descriptor_, LOCK_EX) != 0) {
-            if (descriptor_ < 0 || errno != EINTR) {
-                const std::string why = std::strerror(errno);
-                if (descriptor_ >= 0) {
-                    ::close(descriptor_);
-                }
-                fail(folder, why);
-            }
+/// Keeps other programs from making the same root until it is closed. The folder itself is locked, so that no
+/// file is left of it.
+Result<FileDescriptor> lockFolder(const std::string& folder) {
+    FileDescriptor descriptor(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    while (!descriptor.isOpen() || ::flock(descriptor.get(), LOCK_EX) != 0) {
+        if (!descriptor.isOpen() || errno != EINTR) {
+            return failure(folder, std::strerror(errno));
         }
     }
-
-    ~FolderLock() { ::close(descriptor_); }
-
-    FolderLock(const FolderLock&) = delete;
-    FolderLock& operator=(const FolderLock&) = delete;
-
-    /// Makes what was renamed in the folder last through a power cut.
-    void flush() const { ::fsync(descriptor_); }
-
-  private:
-    int descriptor_;
-};
-
-void makeFolder(const std::string& folder) {
-    std::error_code error;
-    fs::create_directories(folder, error);
-    if (error) {
-        fail(folder, error.message());
-    }
+    return descriptor;
 }
 
-void makeFile(const std::string& file, const std::string& text) {
+Status makeFolder(const std::string& folder) {
+    std::error_code error;
+    fs::create_directories(folder, error);
+    return error ? failure(folder, error.message()) : Status();
+}
+
+Status makeFile(const std::string& file, const std::string& text) {
     std::error_code ignored;
     if (fs::exists(fs::symlink_status(file, ignored))) {
-        return;
+        return {};
     }
-    makeFolder(fs::path(file).parent_path());
-    if (!writeToFileAtomically(file, text, 0644)) {
-        fail(file, std::strerror(errno));
+    if (Status status = makeFolder(fs::path(file).parent_path()); !status.isOk()) {
+        return status;
     }
+    return writeToFileAtomically(file, text, 0644) ? Status() : failure(file, std::strerror(errno));
+}
+
+/// Each folder and file but the store: the store comes last, because a root that has one is whole.
+Status makeFiles(const EmbeddedRoot& root) {
+    const std::string example = root.folder() + exampleFolder;
+    Status status = makeFolder(example);
+    if (status.isOk()) {
+        status = makeFile(root.map(smbConf), sampleSmbConf(example));
+    }
+    if (status.isOk()) {
+        status = makeFile(root.map(appleFileServerPlist), sampleAppleFileServerPlist());
+    }
+    return status.isOk() ? SambaAccounts(root.sambaPaths()).makeFolders() : status;
+}
+
+/// The whole store at once.
+Status makeStoreFile(const std::string& file) {
+    const std::string unfinished = file + ".new";
+    std::error_code ignored;
+    fs::remove(unfinished, ignored);
+    fs::remove(unfinished + "-journal", ignored);
+    if (const Status status = makeStore(unfinished); !status.isOk()) {
+        return failure(file, status.text());
+    }
+    return ::rename(unfinished.c_str(), file.c_str()) == 0 ? Status() : failure(file, std::strerror(errno));
 }
 
 std::string homeFolder() {
@@ -112,47 +118,35 @@ std::string EmbeddedRoot::storeFile() const {
     return folder_ + "/" + kStoreName;
 }
 
-std::string EmbeddedRoot::sambaFolder() const {
-    return folder_ + "/samba";
+SambaPaths EmbeddedRoot::sambaPaths() const {
+    return {folder_ + "/samba", map(smbConf), storeFile()};
 }
 
 std::string EmbeddedRoot::map(const std::string& path) const {
     return path == smbConf || path == appleFileServerPlist ? folder_ + path : path;
 }
 
-void EmbeddedRoot::makeIfMissing() const {
+Status EmbeddedRoot::makeIfMissing() const {
     std::error_code ignored;
     if (fs::exists(storeFile(), ignored)) {
-        return;
+        return Store::checkVersion(storeFile());
     }
-    makeFolder(folder_);
-    const FolderLock lock(folder_);
-    if (fs::exists(storeFile(), ignored)) {
-        return; // another program made it while this one waited
+    if (Status status = makeFolder(folder_); !status.isOk()) {
+        return status;
     }
-    makeFolder(folder_ + exampleFolder);
-    makeFile(map(smbConf), sampleSmbConf(folder_ + exampleFolder));
-    makeFile(map(appleFileServerPlist), sampleAppleFileServerPlist());
-    const SambaAccounts accounts(*this);
-    if (const std::string failure = accounts.makeFolders(); !failure.empty()) {
-        fail(folder_, failure);
+    const auto lock = lockFolder(folder_);
+    if (!lock.isOk() || fs::exists(storeFile(), ignored)) { // another program made it while this one waited
+        return lock.status();
     }
-    // The store comes last and at once: a root that has one is whole.
-    const std::string unfinished = storeFile() + ".new";
-    fs::remove(unfinished, ignored);
-    fs::remove(unfinished + "-journal", ignored);
-    try {
-        makeStore(unfinished);
-    } catch (const StoreError& error) {
-        fail(storeFile(), error.what());
+    Status status = makeFiles(*this);
+    if (status.isOk()) {
+        status = makeStoreFile(storeFile());
     }
-    if (::rename(unfinished.c_str(), storeFile().c_str()) != 0) {
-        fail(storeFile(), std::strerror(errno));
+    if (!status.isOk()) {
+        return status;
     }
-    lock.flush();
-    if (const std::string failure = accounts.make(); !failure.empty()) {
-        fail(sambaFolder(), failure);
-    }
+    ::fsync(lock->get()); // what was renamed lasts through a power cut
+    return SambaAccounts(sambaPaths()).make();
 }
 
 } // namespace platform

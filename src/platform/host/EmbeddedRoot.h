@@ -1,5 +1,8 @@
 #pragma once
 
+#include "platform/posix/Status.h"
+#include "platform/samba/SambaPaths.h"
+
 #include <string>
 
 namespace platform {
@@ -20,14 +23,14 @@ class EmbeddedRoot {
     /// The real file behind a wired path: below the root for the two settings files, `path` itself for every
     /// other.
     [[nodiscard]] std::string map(const std::string& path) const;
-    /// The private folder of the root's own file server: configuration, account lists, password database.
-    [[nodiscard]] std::string sambaFolder() const;
+    /// The files of the root's own file server.
+    [[nodiscard]] SambaPaths sambaPaths() const;
 
     /// Makes what is missing when the store does not exist: the folder, sample settings, and last of all the
     /// store, filled from the computer's accounts. Files that are already there are kept. Two programs that
-    /// come at once make one root: the second waits for the first. Throws std::runtime_error, whose text says
-    /// what failed and what to do.
-    void makeIfMissing() const;
+    /// come at once make one root: the second waits for the first. Fails, and says what to do, when something
+    /// cannot be made, or the store that is there was written by a later Brindle.
+    [[nodiscard]] Status makeIfMissing() const;
 
   private:
     std::string folder_;

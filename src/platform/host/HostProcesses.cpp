@@ -2,18 +2,14 @@
 
 #include "platform/foundation/NSString.h"
 #include "platform/host/EmbeddedRoot.h"
-#include "platform/host/SambaAccounts.h"
+#include "platform/posix/ProcessTable.h"
+#include "platform/samba/SambaAccounts.h"
+#include "platform/samba/ServerProcesses.h"
 
 #include <array>
 #include <cerrno>
 #include <charconv>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <string_view>
-#include <vector>
-
-#include <unistd.h>
 
 namespace platform {
 
@@ -26,45 +22,6 @@ std::string readAll(std::FILE* stream) {
         bytes.append(buffer.data(), count);
     }
     return bytes;
-}
-
-std::string fileOfProcess(const std::string& processId, const char* name) {
-    std::ifstream in("/proc/" + processId + "/" + name, std::ios::binary);
-    return {std::istreambuf_iterator<char>(in), {}};
-}
-
-/// The first number after `label` in /proc/PID/status; none when the process is gone.
-std::string statusNumber(const std::string& processId, std::string_view label) {
-    const std::string status = fileOfProcess(processId, "status");
-    const std::size_t place = status.find("\n" + std::string(label) + ":\t");
-    if (place == std::string::npos) {
-        return {};
-    }
-    const std::size_t start = place + label.size() + 3;
-    return status.substr(start, status.find_first_of("\t\n", start) - start);
-}
-
-bool isProcessId(const std::string& text) {
-    return !text.empty() && text.find_first_not_of("0123456789") == std::string::npos;
-}
-
-/// Started as `smbd ... -s CONFIGURATION` by this user. The command line can be read whoever the process
-/// belongs to.
-bool wasStartedWith(const std::string& processId, const std::string& configuration) {
-    const auto words =
-        componentsSeparatedByString(fileOfProcess(processId, "cmdline"), std::string_view("\0", 1));
-    if (std::filesystem::path(words.front()).filename() != "smbd" ||
-        statusNumber(processId, "Uid") != std::to_string(::getuid())) {
-        return false;
-    }
-    std::error_code ignored;
-    const auto wanted = std::filesystem::weakly_canonical(configuration, ignored);
-    for (std::size_t index = 1; index + 1 < words.size(); ++index) {
-        if (words[index] == "-s" && std::filesystem::weakly_canonical(words[index + 1], ignored) == wanted) {
-            return true;
-        }
-    }
-    return false;
 }
 
 } // namespace
@@ -115,19 +72,24 @@ int HostProcesses::close(std::FILE* stream) {
 }
 
 bool isServerOfRoot(const std::string& processId, const std::string& rootFolder) {
-    const std::string configuration = SambaAccounts(EmbeddedRoot(rootFolder)).configurationFile();
+    const std::string configuration =
+        SambaAccounts(EmbeddedRoot(rootFolder).sambaPaths()).configurationFile();
+    pid_t process = 0;
+    const auto [rest, error] =
+        std::from_chars(processId.data(), processId.data() + processId.size(), process);
+    if (error != std::errc() || rest != processId.data() + processId.size()) {
+        return false;
+    }
     // A process that serves a connection may have given itself another command line; its ancestor has not.
     constexpr int generations = 4;
-    std::string process = processId;
-    for (int generation = 0; generation < generations && isProcessId(process) && process != "0";
-         ++generation) {
-        if (!statusNumber(process, "Uid").empty() && wasStartedWith(process, configuration)) {
+    for (int generation = 0; generation < generations && process > 0; ++generation) {
+        if (isServerWith(process, configuration)) {
             return true;
         }
-        if (!fileOfProcess(process, "comm").starts_with("smbd")) {
+        if (!programNameOf(process).starts_with("smbd")) {
             return false;
         }
-        process = statusNumber(process, "PPid");
+        process = intValue(statusNumberOf(process, "PPid"));
     }
     return false;
 }

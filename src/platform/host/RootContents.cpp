@@ -259,12 +259,12 @@ std::string sampleAppleFileServerPlist() {
     return appleFileServerPlist;
 }
 
-void makeStore(const std::string& file) {
+Status makeStore(const std::string& file) {
     Store store(file, Store::Opening::Create);
     fillUsers(store);
     fillGroups(store);
     store.addRecord(store.addRecord(Store::root, "config"), "Brindle");
-    store.commit();
+    return store.commit();
 }
 
 } // namespace platform

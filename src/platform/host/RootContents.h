@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/posix/Status.h"
+
 #include <string>
 
 namespace platform {
@@ -9,7 +11,7 @@ namespace platform {
 [[nodiscard]] std::string sampleAppleFileServerPlist();
 
 /// Makes the directory's store at `file` (which does not exist) with the records that always exist, and this
-/// computer's users and groups. Throws StoreError.
-void makeStore(const std::string& file);
+/// computer's users and groups. Fails when it cannot be written.
+[[nodiscard]] Status makeStore(const std::string& file);
 
 } // namespace platform

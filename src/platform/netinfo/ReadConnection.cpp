@@ -1,5 +1,6 @@
 #include "platform/netinfo/ReadConnection.h"
 
+#include "platform/netinfo/StoreSchema.h"
 #include "platform/netinfo/StoreUpgrade.h"
 
 #include <chrono>

@@ -9,31 +9,7 @@
 
 namespace platform {
 
-// What the reader and the writer of a store share: its layout, and SQLite's statements as values.
-
-/// Marks an SQLite file as a directory's store (the bytes "BrDi").
-inline constexpr int storeApplicationId = 0x42724469;
-inline constexpr int storeVersion = 2;
-
-/// A record's place in paths is its parent and name; its `name` property holds the same name. Ids grow and
-/// are never given twice, so that id order is the order of creation. `content` holds the properties
-/// (RecordContent.h).
-inline constexpr const char* storeSchema = R"(
-CREATE TABLE record (
-    id INTEGER PRIMARY KEY AUTOINCREMENT,
-    parent INTEGER REFERENCES record (id),
-    name TEXT NOT NULL,
-    content BLOB NOT NULL DEFAULT x'',
-    UNIQUE (parent, name)
-);
-CREATE INDEX record_by_parent ON record (parent);
-INSERT INTO record (id, parent, name) VALUES (0, NULL, '');
-)";
-
-/// The records that always exist, in a store that holds no others.
-inline constexpr const char* standingRecords = R"(
-INSERT INTO record (id, parent, name) VALUES (1, 0, 'users'), (2, 0, 'groups'), (3, 0, 'config'), (4, 3, 'Brindle');
-)";
+// SQLite's connections and statements as values.
 
 struct CloseConnection {
     void operator()(sqlite3* database) const { sqlite3_close_v2(database); }

@@ -2,10 +2,13 @@
 
 #include "platform/netinfo/RecordContent.h"
 #include "platform/netinfo/Sqlite.h"
+#include "platform/netinfo/StoreSchema.h"
 #include "platform/netinfo/StoreUpgrade.h"
 
 #include <algorithm>
+#include <array>
 #include <filesystem>
+#include <fstream>
 #include <map>
 #include <utility>
 
@@ -40,6 +43,19 @@ struct Store::Connection {
 };
 
 namespace {
+
+constexpr const char* newerVersion =
+    "it was written by a newer Brindle; use that one, this one leaves the file as it is";
+
+/// A number in the header of an SQLite file (https://www.sqlite.org/fileformat.html): 4 bytes, the highest
+/// first.
+std::uint32_t headerNumber(std::span<const char> header, std::size_t offset) {
+    std::uint32_t number = 0;
+    for (const char each : header.subspan(offset, 4)) {
+        number = number << 8U | static_cast<unsigned char>(each);
+    }
+    return number;
+}
 
 /// SQLite answers a missing file and a forbidden one alike, and people need to know which it is.
 std::string reason(const std::string& file, int error, int patience) {
@@ -79,6 +95,9 @@ StoredProperty& propertyIn(std::vector<StoredProperty>& properties, std::string_
 Store::Store(const std::string& file, Opening opening, int patience)
     : file_(file), patience_(patience), connection_(std::make_unique<Connection>()) {
     open(opening);
+    if (!status_.isOk()) {
+        return;
+    }
     sqlite3_busy_timeout(connection_->database.get(), patience * 1000);
     if (opening == Opening::Create) {
         execute("BEGIN EXCLUSIVE");
@@ -92,25 +111,42 @@ Store::~Store() = default; // closing rolls back
 
 void Store::begin() {
     execute("BEGIN EXCLUSIVE");
+    if (!status_.isOk()) {
+        return;
+    }
     SqliteStatement application(connection_->database.get(), "PRAGMA application_id");
     SqliteStatement version(connection_->database.get(), "PRAGMA user_version");
     if (!application.step() || application.number(0) != storeApplicationId || !version.step()) {
-        fail(SQLITE_NOTADB);
-    }
-    if (version.number(0) == storeVersionOfRows) {
+        check(SQLITE_NOTADB);
+    } else if (version.number(0) == storeVersionOfRows) {
         application.reset(); // a statement that is still reading would keep tables from being dropped
         version.reset();
         check(upgradeStore(connection_->database.get()));
+    } else if (version.number(0) > storeVersion) {
+        fail(newerVersion);
     } else if (version.number(0) != storeVersion) {
-        fail(SQLITE_NOTADB);
+        check(SQLITE_NOTADB);
     }
+}
+
+Status Store::checkVersion(const std::string& file) {
+    constexpr std::size_t versionOffset = 60;
+    constexpr std::size_t applicationOffset = 68;
+    std::array<char, 100> header{};
+    std::ifstream in(file, std::ios::binary);
+    if (in.read(header.data(), header.size()) &&
+        headerNumber(header, applicationOffset) == std::uint32_t{storeApplicationId} &&
+        headerNumber(header, versionOffset) > std::uint32_t{storeVersion}) {
+        return Status::failure("cannot use the directory", file, newerVersion);
+    }
+    return {};
 }
 
 void Store::open(Opening opening) {
     int flags = SQLITE_OPEN_READWRITE | kSqliteOwnConnection;
     if (opening == Opening::Create) {
         if (std::filesystem::exists(file_)) {
-            throw StoreError("cannot make the directory " + file_ + ": it exists; choose another file");
+            return fail("it exists; choose another file");
         }
         flags |= SQLITE_OPEN_CREATE;
     }
@@ -118,8 +154,9 @@ void Store::open(Opening opening) {
     const int error = sqlite3_open_v2(file_.c_str(), &opened, flags, nullptr);
     connection_->database.reset(opened);
     check(error);
-    if (sqlite3_db_readonly(opened, "main") == 1) { // SQLite falls back to reading where writing is forbidden
-        fail(SQLITE_READONLY);
+    // SQLite falls back to reading where writing is forbidden.
+    if (status_.isOk() && sqlite3_db_readonly(opened, "main") == 1) {
+        check(SQLITE_READONLY);
     }
 }
 
@@ -130,20 +167,34 @@ void Store::create() {
 }
 
 void Store::execute(const char* sql) {
-    check(sqlite3_exec(connection_->database.get(), sql, nullptr, nullptr, nullptr));
-}
-
-void Store::check(int error) const {
-    if (error != SQLITE_OK) {
-        fail(error);
+    if (status_.isOk()) {
+        check(sqlite3_exec(connection_->database.get(), sql, nullptr, nullptr, nullptr));
     }
 }
 
-void Store::fail(int error) const {
-    throw StoreError("cannot change the directory " + file_ + ": " + reason(file_, error, patience_));
+template <class... Values>
+void Store::change(std::string_view sql, const Values&... values) {
+    if (status_.isOk()) {
+        check(connection_->run(sql, values...));
+    }
+}
+
+void Store::check(int error) {
+    if (error != SQLITE_OK) {
+        fail(reason(file_, error, patience_));
+    }
+}
+
+void Store::fail(std::string why) {
+    if (status_.isOk()) {
+        status_ = Status::failure("cannot change the directory", file_, std::move(why));
+    }
 }
 
 std::optional<Store::Record> Store::child(Record parent, std::string_view name) {
+    if (!status_.isOk()) {
+        return std::nullopt;
+    }
     SqliteStatement& row = connection_->statement("SELECT id FROM record WHERE parent = ?1 AND name = ?2");
     if (row.bind(1, parent).bind(2, name).step()) {
         return row.number(0);
@@ -153,6 +204,9 @@ std::optional<Store::Record> Store::child(Record parent, std::string_view name) 
 }
 
 std::optional<std::string> Store::childInOtherCase(Record parent, std::string_view name) {
+    if (!status_.isOk()) {
+        return std::nullopt;
+    }
     SqliteStatement& row = connection_->statement(
         "SELECT name FROM record WHERE parent = ?1 AND name = ?2 COLLATE NOCASE AND name <> ?2");
     if (row.bind(1, parent).bind(2, name).step()) {
@@ -174,19 +228,21 @@ std::optional<Store::Record> Store::find(std::span<const std::string> components
 }
 
 RecordBlock Store::children(Record parent) {
+    if (!status_.isOk()) {
+        return {};
+    }
     int error = SQLITE_OK;
     auto block = RecordBlock::children(connection_->database.get(), parent, &error);
     check(error);
-    for (const auto& record : block.records()) {
-        if (!block.isWhole(record)) {
-            fail(SQLITE_CORRUPT);
-        }
+    const auto isWhole = [&](const RecordBlock::Record& record) { return block.isWhole(record); };
+    if (!std::ranges::all_of(block.records(), isWhole)) {
+        check(SQLITE_CORRUPT);
     }
-    return block;
+    return status_.isOk() ? std::move(block) : RecordBlock();
 }
 
 Store::Record Store::addRecord(Record parent, std::string_view name) {
-    check(connection_->run("INSERT INTO record (parent, name) VALUES (?1, ?2)", parent, name));
+    change("INSERT INTO record (parent, name) VALUES (?1, ?2)", parent, name);
     const Record record = sqlite3_last_insert_rowid(connection_->database.get());
     const std::string value(name);
     setValues(record, "name", std::span(&value, 1));
@@ -194,23 +250,35 @@ Store::Record Store::addRecord(Record parent, std::string_view name) {
 }
 
 void Store::rename(Record record, std::string_view name) {
-    check(connection_->run("UPDATE record SET name = ?2 WHERE id = ?1", record, name));
+    change("UPDATE record SET name = ?2 WHERE id = ?1", record, name);
     const std::string value(name);
     setValues(record, "name", std::span(&value, 1));
 }
 
 void Store::removeRecord(Record record) {
-    constexpr const char* below =
-        "WITH RECURSIVE below (id) AS (SELECT ?1 UNION ALL SELECT r.id FROM record r JOIN below "
-        "ON r.parent = below.id) ";
-    check(connection_->run(std::string(below) + "DELETE FROM record WHERE id IN below", record));
+    if (!status_.isOk()) {
+        return;
+    }
+    // UNION leaves out what it has already: parents that stand in a circle, as damage may leave them, end.
+    const std::string below = "WITH RECURSIVE below (id) AS (SELECT ?1 UNION SELECT r.id FROM record r JOIN "
+                              "below ON r.parent = below.id) ";
+    SqliteStatement& rootBelow = connection_->statement(below + "SELECT 1 FROM below WHERE id = ?2");
+    if (rootBelow.bind(1, record).bind(2, root).step()) {
+        check(SQLITE_CORRUPT);
+    }
+    check(rootBelow.error());
+    rootBelow.reset();
+    change(below + "DELETE FROM record WHERE id IN below", record);
 }
 
 std::vector<StoredProperty> Store::load(Record record) {
     std::vector<StoredProperty> properties;
+    if (!status_.isOk()) {
+        return properties;
+    }
     SqliteStatement& row = connection_->statement("SELECT content FROM record WHERE id = ?1");
     if (row.bind(1, record).step() && !unpackContent(row.text(0), &properties)) {
-        fail(SQLITE_CORRUPT);
+        check(SQLITE_CORRUPT);
     }
     check(row.error());
     row.reset();
@@ -218,12 +286,15 @@ std::vector<StoredProperty> Store::load(Record record) {
 }
 
 void Store::save(Record record, std::span<const StoredProperty> properties) {
-    const std::string content = packedContent(properties);
-    SqliteStatement& change = connection_->statement("UPDATE record SET content = ?1 WHERE id = ?2");
-    change.bindBytes(1, content).bind(2, record);
-    while (change.step()) {
+    if (!status_.isOk()) {
+        return;
     }
-    check(change.error());
+    const std::string content = packedContent(properties);
+    SqliteStatement& update = connection_->statement("UPDATE record SET content = ?1 WHERE id = ?2");
+    update.bindBytes(1, content).bind(2, record);
+    while (update.step()) {
+    }
+    check(update.error());
 }
 
 std::optional<std::vector<std::string>> Store::values(Record record, std::string_view property) {
@@ -257,8 +328,9 @@ void Store::removeProperty(Record record, std::string_view property) {
     }
 }
 
-void Store::commit() {
+Status Store::commit() {
     execute("COMMIT");
+    return status_;
 }
 
 void Store::undo() {

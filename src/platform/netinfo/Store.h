@@ -2,12 +2,12 @@
 
 #include "platform/netinfo/RecordBlock.h"
 #include "platform/netinfo/RecordContent.h"
+#include "platform/posix/Status.h"
 
 #include <cstdint>
 #include <memory>
 #include <optional>
 #include <span>
-#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -16,19 +16,15 @@ struct sqlite3;
 
 namespace platform {
 
-/// What the store could not do. The text is one line for the user: what failed, on what, and what to do.
-class StoreError : public std::runtime_error {
-  public:
-    using std::runtime_error::runtime_error;
-};
-
 /// The directory's store opened for writing: a tree of records in an SQLite file, each with properties and
 /// values in order. Texts are bytes. All changes between construction and commit() are one transaction: a
 /// writer that is killed leaves the store as it was or as it was meant to be. Writers wait for each other and
 /// for readers, and readers for them, all at the beginning: the commit then meets nobody who could make it
-/// fail. So nothing may read the file through another connection while the same thread has a Store. Every
-/// operation throws StoreError when the file cannot be read or written; rules about what may be written are
-/// the tools' own.
+/// fail. So nothing may read the file through another connection while the same thread has a Store. Rules
+/// about what may be written are the tools' own.
+///
+/// The first failure stays: from then on nothing is read or written, operations return nothing, and commit()
+/// returns the failure, which says what to do. So only whoever decides by what was read asks status().
 class Store {
   public:
     using Record = std::int64_t;
@@ -39,13 +35,20 @@ class Store {
 
     enum class Opening { Existing, Create };
 
-    /// Opens `file` and begins the transaction, waiting so many seconds for those who use it. Throws also
-    /// when the file is missing, or exists and is to be created.
+    /// Opens `file` and begins the transaction, waiting so many seconds for those who use it. Fails also when
+    /// the file is missing, exists and is to be created, or was written by a later Brindle.
     explicit Store(const std::string& file, Opening opening = Opening::Existing, int patience = waitSeconds);
     /// Rolls back what was not committed.
     ~Store();
     Store(const Store&) = delete;
     Store& operator=(const Store&) = delete;
+
+    /// Ok, or the first failure.
+    [[nodiscard]] const Status& status() const { return status_; }
+
+    /// Whether this Brindle knows the layout of the store at `file`. A file that is no store, or is missing,
+    /// passes: opening it says so.
+    [[nodiscard]] static Status checkVersion(const std::string& file);
 
     /// The record called `name` right below `parent`.
     [[nodiscard]] std::optional<Record> child(Record parent, std::string_view name);
@@ -60,7 +63,8 @@ class Store {
     Record addRecord(Record parent, std::string_view name);
     /// Renames a record: its place in paths and its `name` property. No sibling has that name.
     void rename(Record record, std::string_view name);
-    /// Takes a record away, with all records below it.
+    /// Takes a record away, with all records below it. Fails in a damaged store where the root is one of
+    /// them.
     void removeRecord(Record record);
 
     /// The property's values; none when the record has no such property.
@@ -71,9 +75,9 @@ class Store {
     void appendValues(Record record, std::string_view property, std::span<const std::string> values);
     void removeProperty(Record record, std::string_view property);
 
-    /// Ends the transaction. On a throw nothing was changed.
-    void commit();
-    /// Takes back all changes and begins anew.
+    /// Ends the transaction. On failure nothing was changed.
+    [[nodiscard]] Status commit();
+    /// Takes back all changes and begins anew, unless something failed.
     void undo();
 
   private:
@@ -84,13 +88,16 @@ class Store {
     void begin();
     void create();
     void execute(const char* sql);
-    void check(int error) const; ///< throws unless it is 0
-    [[noreturn]] void fail(int error) const;
+    template <class... Values>
+    void change(std::string_view sql, const Values&... values);
+    void check(int error); ///< remembers a failure: any but 0
+    void fail(std::string why);
     [[nodiscard]] std::vector<StoredProperty> load(Record record);
     void save(Record record, std::span<const StoredProperty> properties);
 
     std::string file_;
     int patience_;
+    Status status_;
     std::unique_ptr<Connection> connection_;
 };
 

@@ -2,6 +2,7 @@
 
 #include "platform/netinfo/RecordContent.h"
 #include "platform/netinfo/Sqlite.h"
+#include "platform/netinfo/StoreSchema.h"
 
 #include <utility>
 

@@ -1,4 +1,4 @@
-#include "platform/host/AccountLists.h"
+#include "platform/samba/AccountLists.h"
 
 #include "platform/netinfo/AccountNumber.h"
 

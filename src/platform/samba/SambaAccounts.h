@@ -1,6 +1,7 @@
 #pragma once
 
-#include "platform/host/EmbeddedRoot.h"
+#include "platform/posix/Status.h"
+#include "platform/samba/SambaPaths.h"
 
 #include <string>
 #include <string_view>
@@ -13,13 +14,13 @@ class Store;
 
 /// The accounts that the root's own file server knows: two lists, in the form of passwd and group, of the
 /// directory's accounts and the computer's, which libnss_wrapper shows to Samba; and Samba's password
-/// database. All below the root's samba folder. Each operation that can fail answers nothing, or one line
-/// that says what failed and what to do.
+/// database. All below the server's private folder.
 class SambaAccounts {
   public:
-    explicit SambaAccounts(EmbeddedRoot root) : root_(std::move(root)) {}
+    explicit SambaAccounts(SambaPaths paths) : paths_(std::move(paths)) {}
 
-    /// True when the root has a folder for its own server.
+    /// True when the root has a folder for its own server. Nothing below makes that folder but makeFolders()
+    /// and what calls it.
     [[nodiscard]] bool exists() const;
 
     /// Samba's configuration for this root. It includes the root's smb.conf and says the root's own settings
@@ -38,19 +39,22 @@ class SambaAccounts {
     /// libnss_wrapper.so as LD_PRELOAD takes it; empty when it is not installed.
     [[nodiscard]] static std::string wrapperLibrary();
 
-    /// Makes the folders and the configuration, anew when the root has moved.
-    [[nodiscard]] std::string makeFolders() const;
-    /// The same, and the account lists from the directory as it is now. Waits for the directory's writers.
-    [[nodiscard]] std::string make() const;
+    /// Makes the folders and the configuration, anew when the root has moved. Fails when one cannot be
+    /// written.
+    [[nodiscard]] Status makeFolders() const;
+    /// The same, and the account lists from the directory as it is now. Waits for the directory's writers,
+    /// and fails when they take too long or the directory cannot be read.
+    [[nodiscard]] Status make() const;
     /// Rewrites both account lists as the open transaction sees the directory, so that no other writer's
-    /// change is lost.
-    [[nodiscard]] std::string writeAccountLists(Store& store) const;
-    /// Sets the password under which `user`, a user of the directory, connects to shares. It reaches Samba
-    /// over its standard input only. `store` keeps writers from deleting the user meanwhile.
-    [[nodiscard]] std::string setPassword(Store& store, const std::string& user,
-                                          std::string_view password) const;
-    /// Takes `user` out of the password database, where it need not be.
-    [[nodiscard]] std::string removeUser(const std::string& user) const;
+    /// change is lost. Fails when a list cannot be written or the store has failed.
+    [[nodiscard]] Status writeAccountLists(Store& store) const;
+    /// Sets the password under which `user`, who is in the account lists, connects to shares. It reaches
+    /// Samba over its standard input only. Takes as long as Samba does: hold no store meanwhile. Fails when
+    /// Samba or the wrapper is not installed, the password is too long, or Samba does not take it.
+    [[nodiscard]] Status setPassword(const std::string& user, std::string_view password) const;
+    /// Takes `user` out of the password database, where it need not be. Fails when Samba or the wrapper is
+    /// not installed, or Samba does not take it out.
+    [[nodiscard]] Status removeUser(const std::string& user) const;
 
   private:
     struct Setting {
@@ -62,7 +66,7 @@ class SambaAccounts {
     [[nodiscard]] std::vector<Setting> ownSettings() const;
     [[nodiscard]] std::string configuration(bool includesSmbConf) const;
 
-    EmbeddedRoot root_;
+    SambaPaths paths_;
 };
 
 } // namespace platform

@@ -1,9 +1,10 @@
-#include "platform/host/SambaAccounts.h"
+#include "platform/samba/SambaAccounts.h"
 
 #include "platform/foundation/NSFileManager.h"
-#include "platform/host/AccountLists.h"
 #include "platform/netinfo/Store.h"
 #include "platform/posix/CapturedRun.h"
+#include "platform/posix/Secret.h"
+#include "platform/samba/AccountLists.h"
 
 #include <array>
 #include <cerrno>
@@ -62,20 +63,23 @@ std::string contents(const std::string& file) {
 }
 
 /// Readers never meet half a list, and a list that stays as it is costs no write.
-std::string replaceFile(const std::string& file, const std::string& text) {
+Status replaceFile(const std::string& file, const std::string& text) {
     if (contents(file) == text || writeToFileAtomically(file, text, 0644)) {
         return {};
     }
-    return "cannot write " + file + ": " + std::strerror(errno) +
-           "; allow writing to its folder and try again";
+    return Status::failure("cannot write", file,
+                           std::string(std::strerror(errno)) + "; allow writing to its folder and try again");
 }
 
-std::string missingPart(const std::string& program) {
+/// Ok when all is installed that changing the password database takes.
+Status checkInstallation(const std::string& program) {
+    constexpr const char* what = "cannot use the password database";
     if (program.empty()) {
-        return "Samba's pdbedit is not installed; install the package samba-common-bin and try again";
+        return Status::failure(what, "", "pdbedit is not installed; install the package samba-common-bin");
     }
     if (SambaAccounts::wrapperLibrary().empty()) {
-        return "libnss_wrapper.so is not installed; install the package libnss-wrapper and try again";
+        return Status::failure(what, "",
+                               "libnss_wrapper.so is not installed; install the package libnss-wrapper");
     }
     return {};
 }
@@ -102,31 +106,31 @@ CapturedRun runDatabaseProgram(const std::string& program, const SambaAccounts& 
 
 bool SambaAccounts::exists() const {
     std::error_code ignored;
-    return fs::is_directory(root_.sambaFolder(), ignored);
+    return fs::is_directory(paths_.folder, ignored);
 }
 
 std::string SambaAccounts::configurationFile() const {
-    return root_.sambaFolder() + "/smbd.conf";
+    return paths_.folder + "/smbd.conf";
 }
 
 std::string SambaAccounts::passwdFile() const {
-    return root_.sambaFolder() + "/passwd";
+    return paths_.folder + "/passwd";
 }
 
 std::string SambaAccounts::groupFile() const {
-    return root_.sambaFolder() + "/group";
+    return paths_.folder + "/group";
 }
 
 std::string SambaAccounts::logFolder() const {
-    return root_.sambaFolder() + "/log";
+    return paths_.folder + "/log";
 }
 
 std::string SambaAccounts::databaseFile() const {
-    return root_.sambaFolder() + "/private/passdb.tdb";
+    return paths_.folder + "/private/passdb.tdb";
 }
 
 std::vector<SambaAccounts::Setting> SambaAccounts::ownSettings() const {
-    const std::string folder = root_.sambaFolder();
+    const std::string folder = paths_.folder;
     std::vector<Setting> settings;
     for (const auto& [name, below] : folders) {
         settings.push_back({name, folder + "/" + below});
@@ -185,24 +189,23 @@ std::string SambaAccounts::configuration(bool includesSmbConf) const {
     for (const Setting& setting : ownSettings()) {
         own += "  " + setting.name + " = " + setting.value + "\n";
     }
-    const std::string smbConf = root_.map("/etc/smb.conf");
     std::string text =
         "# Written by Brindle for the SMB server of this root alone.  Changes here are lost: "
         "the settings are\n"
         "# those of " +
-        smbConf + ".\n" + own +
+        paths_.smbConf + ".\n" + own +
         "  workgroup = WORKGROUP\n  netbios name = BRINDLE\n  server role = standalone server\n"
         "  map to guest = Bad User\n  disable netbios = yes\n  load printers = no\n"
         "  disable spoolss = yes\n";
     if (includesSmbConf) {
         // The setting that is read last counts. The included file may end in a share.
-        text += "  include = " + smbConf + "\n" + own;
+        text += "  include = " + paths_.smbConf + "\n" + own;
     }
     return text;
 }
 
-std::string SambaAccounts::makeFolders() const {
-    const fs::path folder = root_.sambaFolder();
+Status SambaAccounts::makeFolders() const {
+    const fs::path folder = paths_.folder;
     std::error_code error;
     fs::create_directories(logFolder(), error);
     for (const auto& each : folders) {
@@ -214,80 +217,73 @@ std::string SambaAccounts::makeFolders() const {
         fs::permissions(folder / "private", fs::perms::owner_all, error);
     }
     if (error) {
-        return "cannot make " + folder.string() + ": " + error.message() +
-               "; allow writing to the root and try again";
+        return Status::failure("cannot make", folder,
+                               error.message() + "; allow writing to the root and try again");
     }
-    std::string failure = replaceFile(folder / "accounts.conf", configuration(false));
-    return failure.empty() ? replaceFile(configurationFile(), configuration(true)) : failure;
+    const Status status = replaceFile(folder / "accounts.conf", configuration(false));
+    return status.isOk() ? replaceFile(configurationFile(), configuration(true)) : status;
 }
 
-std::string SambaAccounts::make() const {
-    std::string failure = makeFolders();
-    if (!failure.empty()) {
-        return failure;
+Status SambaAccounts::make() const {
+    const Status status = makeFolders();
+    if (!status.isOk()) {
+        return status;
     }
-    try {
-        Store store(root_.storeFile());
-        return writeAccountLists(store);
-    } catch (const StoreError& error) {
-        return error.what();
-    }
+    Store store(paths_.storeFile);
+    return writeAccountLists(store);
 }
 
-std::string SambaAccounts::writeAccountLists(Store& store) const {
+Status SambaAccounts::writeAccountLists(Store& store) const {
     const auto users = store.child(Store::root, "users");
     const auto groups = store.child(Store::root, "groups");
     const AccountLists lists = accountLists(users ? store.children(*users) : RecordBlock(),
                                             groups ? store.children(*groups) : RecordBlock());
-    std::string failure = replaceFile(passwdFile(), lists.passwd);
-    return failure.empty() ? replaceFile(groupFile(), lists.group) : failure;
+    if (!store.status().isOk()) {
+        return store.status();
+    }
+    const Status status = replaceFile(passwdFile(), lists.passwd);
+    return status.isOk() ? replaceFile(groupFile(), lists.group) : status;
 }
 
-std::string SambaAccounts::setPassword(Store& store, const std::string& user,
-                                       std::string_view password) const {
+Status SambaAccounts::setPassword(const std::string& user, std::string_view password) const {
+    constexpr const char* what = "Samba did not take the password";
     const std::string program = databaseProgram();
-    std::string failure = missingPart(program);
-    if (failure.empty()) {
-        failure = makeFolders();
-    }
-    if (failure.empty()) {
-        failure = writeAccountLists(store);
-    }
-    if (!failure.empty()) {
-        return failure;
+    if (const Status status = checkInstallation(program); !status.isOk()) {
+        return status;
     }
     if (password.size() > longestPassword) {
-        return "the password is longer than " + std::to_string(longestPassword) +
-               " bytes; choose a shorter one";
+        return Status::failure(what, "",
+                               "it is longer than " + std::to_string(longestPassword) +
+                                   " bytes; choose a shorter one");
     }
     std::string input;
     input.reserve(2 * password.size() + 2); // so that no copy of it is left behind by growing
     input.append(password).append("\n").append(password).append("\n");
     const CapturedRun run =
-        runDatabaseProgram(program, *this, root_.sambaFolder(), {"-t", "-a", "--user=" + user}, input);
-    ::explicit_bzero(input.data(), input.size());
+        runDatabaseProgram(program, *this, paths_.folder, {"-t", "-a", "--user=" + user}, input);
+    wipe(input);
     if (!run.started || run.status != 0) {
-        return "Samba did not take the password: " + complaint(run) + "; see " + logFolder();
+        return Status::failure(what, "", complaint(run) + "; see " + logFolder());
     }
     return {};
 }
 
-std::string SambaAccounts::removeUser(const std::string& user) const {
+Status SambaAccounts::removeUser(const std::string& user) const {
     std::error_code ignored;
     if (!fs::exists(databaseFile(), ignored)) {
         return {};
     }
     const std::string program = databaseProgram();
-    if (std::string missing = missingPart(program); !missing.empty()) {
-        return missing;
+    if (const Status status = checkInstallation(program); !status.isOk()) {
+        return status;
     }
-    const CapturedRun run =
-        runDatabaseProgram(program, *this, root_.sambaFolder(), {"-x", "--user=" + user}, {});
+    const CapturedRun run = runDatabaseProgram(program, *this, paths_.folder, {"-x", "--user=" + user}, {});
     const auto says = [&](const char* text) { return run.output.find(text) != std::string::npos; };
     // Nobody is in a database that cannot be opened either.
     const bool wasMissing = says("does not exist in the passdb") && !says("ailed to open");
     if (!run.started || (run.status != 0 && !wasMissing)) {
-        return "Samba did not forget the password: " + complaint(run) + "; see " + logFolder();
+        return Status::failure("Samba did not forget the password", "",
+                               complaint(run) + "; see " + logFolder());
     }
     return {};
 }

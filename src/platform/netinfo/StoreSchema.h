@@ -1,0 +1,34 @@
+#pragma once
+
+namespace platform {
+
+// What the reader and the writer of a store share: its marks and its layout.
+
+/// Marks an SQLite file as a directory's store (the bytes "BrDi").
+inline constexpr int storeApplicationId = 0x42724469;
+/// The layout that is written. A later Brindle's store has a higher one.
+inline constexpr int storeVersion = 2;
+/// The layout before: a row for each property and each value of a record.
+inline constexpr int storeVersionOfRows = 1;
+
+/// A record's place in paths is its parent and name; its `name` property holds the same name. Ids grow and
+/// are never given twice, so that id order is the order of creation. `content` holds the properties
+/// (RecordContent.h).
+inline constexpr const char* storeSchema = R"(
+CREATE TABLE record (
+    id INTEGER PRIMARY KEY AUTOINCREMENT,
+    parent INTEGER REFERENCES record (id),
+    name TEXT NOT NULL,
+    content BLOB NOT NULL DEFAULT x'',
+    UNIQUE (parent, name)
+);
+CREATE INDEX record_by_parent ON record (parent);
+INSERT INTO record (id, parent, name) VALUES (0, NULL, '');
+)";
+
+/// The records that always exist, in a store that holds no others.
+inline constexpr const char* standingRecords = R"(
+INSERT INTO record (id, parent, name) VALUES (1, 0, 'users'), (2, 0, 'groups'), (3, 0, 'config'), (4, 3, 'Brindle');
+)";
+
+} // namespace platform

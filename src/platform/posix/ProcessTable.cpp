@@ -1,0 +1,60 @@
+#include "platform/posix/ProcessTable.h"
+
+#include <charconv>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <system_error>
+
+namespace platform {
+
+namespace {
+
+std::string fileOf(pid_t process, const char* name) {
+    std::ifstream in("/proc/" + std::to_string(process) + "/" + name, std::ios::binary);
+    return {std::istreambuf_iterator<char>(in), {}};
+}
+
+} // namespace
+
+std::vector<pid_t> processIds() {
+    std::vector<pid_t> ids;
+    std::error_code error;
+    for (std::filesystem::directory_iterator entry("/proc", error), end; !error && entry != end;
+         entry.increment(error)) {
+        const std::string name = entry->path().filename();
+        pid_t id = 0;
+        const auto [rest, wrong] = std::from_chars(name.data(), name.data() + name.size(), id);
+        if (wrong == std::errc() && rest == name.data() + name.size()) {
+            ids.push_back(id);
+        }
+    }
+    return ids;
+}
+
+std::vector<std::string> commandLineOf(pid_t process) {
+    std::vector<std::string> words;
+    std::string_view rest;
+    const std::string text = fileOf(process, "cmdline");
+    for (rest = text; !rest.empty(); rest.remove_prefix(std::min(rest.size(), words.back().size() + 1))) {
+        words.emplace_back(rest.substr(0, rest.find('\0')));
+    }
+    return words;
+}
+
+std::string programNameOf(pid_t process) {
+    const std::string name = fileOf(process, "comm");
+    return name.substr(0, name.find('\n'));
+}
+
+std::string statusNumberOf(pid_t process, std::string_view line) {
+    const std::string status = fileOf(process, "status");
+    const std::size_t place = status.find("\n" + std::string(line) + ":\t");
+    if (place == std::string::npos) {
+        return {};
+    }
+    const std::size_t start = place + line.size() + 3;
+    return status.substr(start, status.find_first_of("\t\n", start) - start);
+}
+
+} // namespace platform

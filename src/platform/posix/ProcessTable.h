@@ -1,0 +1,23 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include <sys/types.h>
+
+namespace platform {
+
+// The computer's processes as /proc shows them. A process may end at any time: what is asked about one that
+// is gone is empty.
+
+[[nodiscard]] std::vector<pid_t> processIds();
+
+/// The words that it was started with, or calls itself by now.
+[[nodiscard]] std::vector<std::string> commandLineOf(pid_t process);
+/// The name of the program, cut to 15 bytes by the system.
+[[nodiscard]] std::string programNameOf(pid_t process);
+/// The first number of a line of /proc/PID/status: "PPid" its parent, "Uid" the user whose it is.
+[[nodiscard]] std::string statusNumberOf(pid_t process, std::string_view line);
+
+} // namespace platform

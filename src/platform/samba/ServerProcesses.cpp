@@ -1,0 +1,86 @@
+#include "platform/samba/ServerProcesses.h"
+
+#include "platform/posix/ProcessTable.h"
+
+#include <algorithm>
+#include <chrono>
+#include <csignal>
+#include <filesystem>
+#include <system_error>
+#include <thread>
+#include <vector>
+
+#include <unistd.h>
+
+namespace platform {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr auto patience = std::chrono::seconds(5);
+constexpr auto pause = std::chrono::milliseconds(20);
+
+bool isSameFile(const std::string& word, const std::string& file) {
+    std::error_code ignored;
+    return fs::weakly_canonical(word, ignored) == fs::weakly_canonical(file, ignored);
+}
+
+/// smbd is told its configuration by "-s FILE", and tells it to its daemons by "--configfile=FILE".
+bool namesConfiguration(const std::vector<std::string>& words, const std::string& file) {
+    constexpr std::string_view option = "--configfile=";
+    for (std::size_t index = 1; index < words.size(); ++index) {
+        const std::string& word = words[index];
+        if ((words[index - 1] == "-s" && isSameFile(word, file)) ||
+            (word.starts_with(option) && isSameFile(word.substr(option.size()), file))) {
+            return true;
+        }
+    }
+    return false;
+}
+
+std::string programIn(const std::vector<std::string>& words) {
+    return words.empty() ? std::string() : fs::path(words.front()).filename().string();
+}
+
+/// The command line can be read whoever the process belongs to.
+bool isOwn(pid_t process) {
+    return statusNumberOf(process, "Uid") == std::to_string(::getuid());
+}
+
+} // namespace
+
+bool isServerWith(pid_t process, const std::string& file) {
+    const auto words = commandLineOf(process);
+    return programIn(words) == "smbd" && isOwn(process) && namesConfiguration(words, file);
+}
+
+bool isDaemonWith(pid_t process, const std::string& file) {
+    const auto words = commandLineOf(process);
+    const std::string program = programIn(words);
+    return (program == "smbd" || program == "samba-dcerpcd" || program.starts_with("rpcd_")) &&
+           isOwn(process) && namesConfiguration(words, file);
+}
+
+void endDaemonsWith(const std::string& file) {
+    const auto end = std::chrono::steady_clock::now() + patience;
+    int signal = SIGTERM;
+    while (true) {
+        auto left = processIds();
+        std::erase_if(left, [&](pid_t process) { return !isDaemonWith(process, file); });
+        if (left.empty()) {
+            return;
+        }
+        const bool isLate = std::chrono::steady_clock::now() >= end;
+        for (const pid_t process : left) {
+            ::kill(process, isLate ? SIGKILL : signal);
+        }
+        if (isLate) {
+            return;
+        }
+        signal = 0; // it was told
+        std::this_thread::sleep_for(pause);
+    }
+}
+
+} // namespace platform

@@ -1,0 +1,17 @@
+#pragma once
+
+#include <string>
+
+#include <sys/types.h>
+
+namespace platform {
+
+/// Whether `process` is this user's smbd that was started with the configuration `file`.
+[[nodiscard]] bool isServerWith(pid_t process, const std::string& file);
+/// The same of any of Samba's daemons: those that smbd starts live in sessions of their own and outlast it.
+[[nodiscard]] bool isDaemonWith(pid_t process, const std::string& file);
+
+/// Ends all daemons with the configuration `file`, by force after some seconds. Nobody keeps them any more.
+void endDaemonsWith(const std::string& file);
+
+} // namespace platform
