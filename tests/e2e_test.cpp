@@ -2,7 +2,9 @@
 // tools, and a real smbd on a loopback port with smbclient as the person at the other end.
 
 #include "platform/host/EmbeddedRoot.h"
+#include "platform/posix/ProcessTable.h"
 #include "platform/samba/EmbeddedServer.h"
+#include "platform/samba/ServerProcesses.h"
 #include "support/Subprocess.h"
 #include "support/TestHost.h"
 
@@ -16,8 +18,11 @@
 #include <sstream>
 #include <thread>
 
+#include <csignal>
+
 #include <netinet/in.h>
 #include <sys/socket.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 namespace {
@@ -175,9 +180,11 @@ TEST_F(EndToEnd, AShareMadeInTheEditorReachesAnOpenConnectionAndIsGoneAfterItsDe
 }
 
 TEST_F(EndToEnd, OnlyAUserMadeInTheUsersTabGetsInWithGuestAccessOff) {
+    EXPECT_EQ(tool({"nicl", ".", "-create", "/groups/crew"}).output, "");
+    EXPECT_EQ(tool({"nicl", ".", "-create", "/groups/crew", "gid", "7200"}).output, "");
     script(createDocs(false) + "answer \"Confirm Add New File Sharing Only User\" Yes\n"
                                "type fullName \"Alice A\"\ntype shortName alice\ntype uid 7201\n"
-                               "select groupPopUp staff\npress addNewUserButton\n"
+                               "select groupPopUp crew\npress addNewUserButton\n"
                                "type passwordSecureText1 Wonderland1\ntype passwordSecureText2 Wonderland1\n"
                                "send setPassword:\n");
     const fs::path letter = test_.root() / "letter";
@@ -212,4 +219,77 @@ TEST_F(EndToEnd, SambaKnowsEveryParameterWrittenAndFindsTheOtherSectionsUnchange
     listed.erase("[Docs]");
     EXPECT_EQ(listed, before);
     EXPECT_TRUE(fs::exists(configuration().string() + ".before-brindle"));
+}
+
+/// A Brindle of its own that serves the root.
+class Serving : public EndToEnd {
+  protected:
+    void SetUp() override {
+        EndToEnd::SetUp();
+        server_.stop();
+    }
+
+    /// The root's Samba processes, those in sessions of their own too.
+    [[nodiscard]] std::vector<pid_t> daemons() const {
+        auto ids = platform::processIds();
+        std::erase_if(ids, [&](pid_t id) {
+            return !platform::isDaemonWith(id, root_.sambaPaths().folder + "/smbd.conf");
+        });
+        return ids;
+    }
+
+    [[nodiscard]] bool allEnd() const {
+        for (int tries = 0; tries < 500 && !daemons().empty(); ++tries) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(20));
+        }
+        return daemons().empty();
+    }
+
+    /// Starts one and lists its shares, for which smbd starts its daemons.
+    [[nodiscard]] pid_t serve() const {
+        const pid_t brindle = fork();
+        if (brindle == 0) {
+            platform::EmbeddedServer server(root_.sambaPaths());
+            _exit(server.start(port_).isOk() ? ::pause() : 1);
+        }
+        for (int tries = 0; tries < 100; ++tries) {
+            if (runProgram({"smbclient", "-p", std::to_string(port_), "-N", "-L", "127.0.0.1"}).status == 0) {
+                return brindle;
+            }
+            std::this_thread::sleep_for(std::chrono::milliseconds(50));
+        }
+        ADD_FAILURE() << "nothing is served";
+        return brindle;
+    }
+
+    static void end(pid_t process, int signal) {
+        kill(process, signal);
+        waitpid(process, nullptr, 0);
+    }
+};
+
+TEST_F(Serving, EveryEndOfBrindleTakesTheServerDownWithAllItsDaemons) {
+    EXPECT_TRUE(allEnd());
+    for (const int signal : {SIGTERM, SIGINT, SIGHUP, SIGKILL}) {
+        const pid_t brindle = serve();
+        EXPECT_GT(daemons().size(), 1U);
+        end(brindle, signal);
+        EXPECT_TRUE(allEnd()) << signal;
+    }
+}
+
+TEST_F(Serving, TheNextStartEndsWhatAKilledKeeperLeft) {
+    const pid_t brindle = serve();
+    const auto before = daemons();
+    for (const pid_t process : platform::processIds()) {
+        if (platform::statusNumberOf(process, "PPid") == std::to_string(brindle)) {
+            kill(process, SIGKILL);
+        }
+    }
+    end(brindle, SIGKILL);
+    EXPECT_FALSE(daemons().empty());
+    ASSERT_EQ(server_.start(port_).text(), "");
+    for (const pid_t process : daemons()) {
+        EXPECT_EQ(std::ranges::count(before, process), 0) << process;
+    }
 }

@@ -68,6 +68,13 @@ INSERT INTO value VALUES (1, 0, 0, 'users'), (2, 0, 0, 'ada'), (2, 2, 3, 'b'), (
     sqlite3_close(database);
 }
 
+void execute(const fs::path& file, const std::string& sql) {
+    sqlite3* database = nullptr;
+    ASSERT_EQ(sqlite3_open(file.c_str(), &database), SQLITE_OK);
+    EXPECT_EQ(sqlite3_exec(database, sql.c_str(), nullptr, nullptr, nullptr), SQLITE_OK);
+    sqlite3_close(database);
+}
+
 /// So many records that SQLite writes some of them to the file before the commit.
 void addTooManyForMemory(Store& store) {
     const Store::Record users = store.child(Store::root, "users").value();
@@ -187,10 +194,7 @@ TEST_F(Directory, ReportsADamagedRecordAndStillReadsTheOthers) {
         fs::copy_file(host.storeFile(), host.root() / "damaged.db", fs::copy_options::overwrite_existing);
         const std::string sql = std::string("INSERT INTO record (parent, name, content) SELECT id, 'ada', ") +
                                 content + " FROM record WHERE name = 'users'";
-        sqlite3* database = nullptr;
-        ASSERT_EQ(sqlite3_open((host.root() / "damaged.db").c_str(), &database), SQLITE_OK);
-        EXPECT_EQ(sqlite3_exec(database, sql.c_str(), nullptr, nullptr, nullptr), SQLITE_OK);
-        sqlite3_close(database);
+        execute(host.root() / "damaged.db", sql);
 
         ni_domain* opened = nullptr;
         ASSERT_EQ(ni_openfile(host.root() / "damaged.db", &opened), NI_OK);
@@ -214,6 +218,22 @@ TEST_F(Directory, ReportsADamagedRecordAndStillReadsTheOthers) {
             EXPECT_FALSE(store.commit().isOk()) << content << writes;
         }
     }
+}
+
+TEST_F(Directory, OfANewerBrindleIsNamedAndLeftAlone) {
+    execute(host.storeFile(), "PRAGMA user_version = 9");
+    const std::string before = bytes(host.storeFile());
+    EXPECT_NE(nicl({"-create", "/users/ada"}).find("newer Brindle"), std::string::npos);
+    EXPECT_FALSE(Store::checkVersion(host.storeFile()).isOk());
+    EXPECT_TRUE(bytes(host.storeFile()) == before);
+}
+
+TEST_F(Directory, WhoseParentsStandInACircleLosesNothingByADeletion) {
+    nicl({"-create", "/users/ada"});
+    execute(host.storeFile(),
+            "UPDATE record SET parent = (SELECT id FROM record WHERE name = 'ada') WHERE id = 0");
+    EXPECT_NE(nicl({"-delete", "/users/ada"}).find("damaged"), std::string::npos);
+    EXPECT_EQ(record("/users/ada"), "name: ada\n");
 }
 
 TEST_F(Directory, SaysWhichKindOfThingIsMissing) {

@@ -1,10 +1,14 @@
 #include "platform/netinfo/ni.h"
+#include "platform/posix/FileDescriptor.h"
 #include "support/RootFixture.h"
 
+#include <chrono>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <thread>
 
+#include <fcntl.h>
 #include <unistd.h>
 
 namespace fs = std::filesystem;
@@ -108,6 +112,33 @@ TEST_F(RootWithPassword, KeepsItWhenTheUserCannotBeDeleted) {
     EXPECT_EQ(deleteAlice(1), "");
     EXPECT_FALSE(hasPassword());
     EXPECT_FALSE(isListed());
+}
+
+TEST_F(RootWithPassword, WaitsForASlowDatabaseWithoutHoldingTheDirectory) {
+    // Locked as another of Samba's programs would lock it.
+    const platform::FileDescriptor database(
+        ::open((root.sambaPaths().folder + "/private/passdb.tdb").c_str(), O_RDWR | O_CLOEXEC));
+
+    struct flock all {};
+
+    all.l_type = F_WRLCK;
+    ASSERT_EQ(::fcntl(database.get(), F_SETLK, &all), 0);
+    const platform::SambaAccounts hasty(root.sambaPaths(), std::chrono::milliseconds(300));
+    EXPECT_TRUE(contains(hasty.setPassword("alice", "other").text(), "did not answer"));
+    EXPECT_TRUE(contains(hasty.removeUser("alice").text(), "did not answer"));
+
+    std::string said = "nothing";
+    std::thread setting([&] { said = dscl("/Users/alice", "other"); });
+    std::this_thread::sleep_for(std::chrono::milliseconds(200));
+    DirectoryPlace place = DirectoryPlace::ofRoot(root.folder());
+    place.waitSeconds = 1;
+    EXPECT_EQ(runNicl(place, std::vector<std::string>{".", "-create", "/users/alice", "hint", "x"}).output,
+              "");
+    EXPECT_EQ(said, "nothing") << "the database was not locked";
+    all.l_type = F_UNLCK;
+    ::fcntl(database.get(), F_SETLK, &all);
+    setting.join();
+    EXPECT_EQ(said, "");
 }
 
 TEST_F(RootWithPassword, KeepsItUntilNobodyOfThatNameInAnyCaseIsLeft) {

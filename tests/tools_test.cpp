@@ -1,7 +1,7 @@
 #include "platform/foundation/NSDictionary.h"
 #include "platform/host/DirectoryAccounts.h"
 #include "platform/host/HostProcesses.h"
-#include "platform/posix/CapturedRun.h"
+#include "platform/posix/Process.h"
 #include "platform/samba/SambaAccounts.h"
 #include "support/DirectoryFixture.h"
 #include "support/RootFixture.h"
@@ -84,6 +84,7 @@ TEST_F(Tools, NiclMakesChangesAndTakesAwayPropertiesInPlace) {
 TEST_F(Tools, NiclRefusesInOneLineAndChangesNothing) {
     nicl({"-create", "/users/ada"});
     nicl({"-create", "/users/bob"});
+    nicl({"-create", "/users/ünï"});
     nicl({"-create", "/users/ada", "mail", "one", "two"});
     nicl({"-create", "/groups/staff"});
     nicl({"-create", "/config/Brindle/Docs"});
@@ -101,6 +102,7 @@ TEST_F(Tools, NiclRefusesInOneLineAndChangesNothing) {
         Words{"-create", "/users/ada", "real\x7fname", "A"},
         Words{"-create", "/users/ada", "name", "bob"},
         Words{"-create", "/users/Bob"},
+        Words{"-create", "/users/ÜNÏ"},
         Words{"-create", "/users/ada", "name", "BOB"},
         Words{"-create", "/users/ada", "name", ""},
         Words{"-create", "/users/ada", "name", "a/b"},
@@ -144,7 +146,7 @@ TEST_F(Tools, NiclRefusesInOneLineAndChangesNothing) {
     }
     EXPECT_EQ(record("/users/ada"), "name: ada\nmail: one two\n");
     EXPECT_EQ(record("/config/Brindle/Docs"), "name: Docs\n");
-    EXPECT_EQ(runNireport(Words{".", "/users", "name"}).output, "ada\t\nbob\t\n");
+    EXPECT_EQ(runNireport(Words{".", "/users", "name"}).output, "ada\t\nbob\t\nünï\t\n");
     EXPECT_EQ(nicl({"-create", "/users/ada", "name", "Ada"}), "") << "no other user is called so";
     EXPECT_EQ(nicl({"-delete", "/users/Ada", "mail", "one"}), "");
     EXPECT_EQ(nicl({"-delete", "/config/Brindle/Docs"}), "");
@@ -202,9 +204,10 @@ TEST_F(Root, IsMadeOnceByProgramsThatComeTogetherAndKeepsFilesThatAreThere) {
     const auto record = store.find(user).value();
     EXPECT_EQ(store.values(record, "uid"), Words{std::to_string(getuid())});
     EXPECT_EQ(store.values(record, "passwd"), Words{"*"});
-    const Words nobody{"users", "nobody"};
-    if (const auto found = store.find(nobody)) {
-        EXPECT_EQ(store.values(*found, "uid"), Words{"-2"});
+    EXPECT_TRUE(store.find(Words{"users", "root"}));
+    for (const char* name : {"daemon", "bin", "sys", "nobody"}) {
+        EXPECT_FALSE(store.find(Words{"users", name})) << name << " is nobody to share with";
+        EXPECT_FALSE(store.find(Words{"groups", name})) << name;
     }
 }
 
@@ -221,7 +224,9 @@ TEST_F(Root, ConfigurationOfTheServersDaemonsHoldsWhateverTheIncludedFileSays) {
             "add user script = /usr/sbin/useradd %u\nconfig backend = registry\n[docs]\npath = /srv\n");
     ASSERT_TRUE(root.makeIfMissing().isOk());
     const std::string file = platform::SambaAccounts(root.sambaPaths()).configurationFile();
-    const std::string seen = platform::runCaptured({"/usr/bin/testparm", "-s", file}, {}, {}).output;
+    const std::string seen =
+        platform::runProcess({{"/usr/bin/testparm", "-s", file}, platform::ErrorOutput::WithOutput, {}})
+            ->output;
     EXPECT_TRUE(contains(seen, "server string = Mine\n")) << seen;
     EXPECT_TRUE(contains(seen, "[docs]\n")) << seen;
     EXPECT_TRUE(contains(seen, "tdbsam:" + root.sambaPaths().folder + "/private/passdb.tdb\n")) << seen;

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/host/EmbeddedRoot.h"
-#include "platform/posix/CapturedRun.h"
+#include "platform/posix/Process.h"
 #include "platform/samba/SambaAccounts.h"
 #include "support/TestHost.h"
 #include "tools/DirectoryTools.h"
@@ -28,12 +28,11 @@ class Root : public testing::Test {
     /// The users in the root's password database, one a line.
     [[nodiscard]] std::string passwordDatabase() const {
         const platform::SambaAccounts accounts(root.sambaPaths());
-        return platform::runCaptured(
-                   {"/usr/bin/pdbedit", "-s", root.sambaPaths().folder + "/accounts.conf", "-L"},
-                   {"LD_PRELOAD=libnss_wrapper.so", "NSS_WRAPPER_PASSWD=" + accounts.passwdFile(),
-                    "NSS_WRAPPER_GROUP=" + accounts.groupFile()},
-                   {})
-            .output;
+        return platform::runProcess(
+                   {{"/usr/bin/pdbedit", "-s", root.sambaPaths().folder + "/accounts.conf", "-L"},
+                    platform::ErrorOutput::WithOutput,
+                    accounts.environment()})
+            ->output;
     }
 
     TestHost host;

@@ -4,8 +4,13 @@
 #include "platform/netinfo/Store.h"
 
 #include <algorithm>
+#include <cstdlib>
+#include <fstream>
 #include <optional>
+#include <set>
 #include <span>
+#include <sstream>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -172,16 +177,62 @@ void addUser(Filler& users, const passwd& entry) {
     users.set(*record, "passwd", "*");
 }
 
-void fillUsers(Store& store) {
+struct IdRange {
+    unsigned first;
+    unsigned last;
+
+    [[nodiscard]] bool holds(unsigned id) const { return first <= id && id <= last; }
+};
+
+/// The ids that the computer gives to people and their groups (login.defs(5)): `kind` is "UID" or "GID".
+IdRange idsOfPeople(std::string_view kind) {
+    IdRange range{1000, 60000}; // where the file says nothing
+    std::ifstream in("/etc/login.defs");
+    std::string line;
+    while (std::getline(in, line)) {
+        std::istringstream words(line);
+        std::string name;
+        std::string number;
+        if (words >> name >> number && name.starts_with(kind) && !number.empty()) {
+            const auto id = static_cast<unsigned>(std::strtoul(number.c_str(), nullptr, 0));
+            if (name.substr(kind.size()) == "_MIN") {
+                range.first = id;
+            } else if (name.substr(kind.size()) == "_MAX") {
+                range.last = id;
+            }
+        }
+    }
+    return range;
+}
+
+/// The names of the people who were added, and the ids of their own groups.
+struct People {
+    std::set<std::string, std::less<>> names;
+    std::set<gid_t> groups;
+
+    void add(Filler& users, const passwd& entry) {
+        addUser(users, entry);
+        names.emplace(entry.pw_name);
+        groups.insert(entry.pw_gid);
+    }
+};
+
+/// People, root, and whoever makes this: accounts that only run programs are nobody's to share with.
+People fillUsers(Store& store) {
+    const IdRange ids = idsOfPeople("UID");
     Filler users(store, "users");
+    People people;
     ::setpwent();
     while (const passwd* entry = ::getpwent()) {
-        addUser(users, *entry);
+        if (entry->pw_uid == 0 || ids.holds(entry->pw_uid)) {
+            people.add(users, *entry);
+        }
     }
     ::endpwent();
     if (const passwd* entry = ::getpwuid(::getuid())) {
-        addUser(users, *entry);
+        people.add(users, *entry);
     }
+    return people;
 }
 
 struct GroupEntry {
@@ -230,18 +281,25 @@ GroupEntry adminGroup(const std::vector<GroupEntry>& groups) {
     return admin;
 }
 
-void fillGroups(Store& store) {
+/// The groups that people have made or are in, and admin.
+void fillGroups(Store& store, const People& people) {
+    const IdRange ids = idsOfPeople("GID");
     Filler filler(store, "groups");
     auto groups = computersGroups();
     GroupEntry admin = adminGroup(groups);
     const auto place = std::ranges::find(groups, admin.name, &GroupEntry::name);
+    const auto isPeoples = [&](const GroupEntry& group) {
+        return ids.holds(group.gid) || people.groups.contains(group.gid) || group.name == "admin" ||
+               std::ranges::any_of(group.members,
+                                   [&](const auto& name) { return people.names.contains(name); });
+    };
     if (place == groups.end()) {
         groups.push_back(std::move(admin));
     } else {
         *place = std::move(admin);
     }
     for (const auto& each : groups) {
-        if (const auto record = filler.add(each.name)) {
+        if (const auto record = isPeoples(each) ? filler.add(each.name) : std::nullopt) {
             filler.set(*record, "gid", directoryNumber(each.gid));
             filler.set(*record, "passwd", "*");
             store.setValues(*record, "users", each.members);
@@ -261,8 +319,7 @@ std::string sampleAppleFileServerPlist() {
 
 Status makeStore(const std::string& file) {
     Store store(file, Store::Opening::Create);
-    fillUsers(store);
-    fillGroups(store);
+    fillGroups(store, fillUsers(store));
     store.addRecord(store.addRecord(Store::root, "config"), "Brindle");
     return store.commit();
 }

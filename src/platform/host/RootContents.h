@@ -10,8 +10,9 @@ namespace platform {
 [[nodiscard]] std::string sampleSmbConf(const std::string& exampleFolder);
 [[nodiscard]] std::string sampleAppleFileServerPlist();
 
-/// Makes the directory's store at `file` (which does not exist) with the records that always exist, and this
-/// computer's users and groups. Fails when it cannot be written.
+/// Makes the directory's store at `file` (which does not exist) with the records that always exist, and the
+/// people who have accounts on this computer, root among them, with their groups and the group admin. Fails
+/// when it cannot be written.
 [[nodiscard]] Status makeStore(const std::string& file);
 
 } // namespace platform

@@ -4,6 +4,7 @@
 #include "platform/netinfo/Sqlite.h"
 #include "platform/netinfo/StoreSchema.h"
 #include "platform/netinfo/StoreUpgrade.h"
+#include "platform/posix/LetterCase.h"
 
 #include <algorithm>
 #include <array>
@@ -207,10 +208,13 @@ std::optional<std::string> Store::childInOtherCase(Record parent, std::string_vi
     if (!status_.isOk()) {
         return std::nullopt;
     }
-    SqliteStatement& row = connection_->statement(
-        "SELECT name FROM record WHERE parent = ?1 AND name = ?2 COLLATE NOCASE AND name <> ?2");
-    if (row.bind(1, parent).bind(2, name).step()) {
-        return std::string(row.text(0));
+    const std::string wanted = lowercased(name);
+    SqliteStatement& row = connection_->statement("SELECT name FROM record WHERE parent = ?1");
+    row.bind(1, parent);
+    while (row.step()) {
+        if (row.text(0) != name && lowercased(row.text(0)) == wanted) {
+            return std::string(row.text(0));
+        }
     }
     check(row.error());
     return std::nullopt;

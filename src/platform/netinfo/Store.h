@@ -54,8 +54,7 @@ class Store {
     [[nodiscard]] std::optional<Record> child(Record parent, std::string_view name);
     /// The record that `components` lead to from the root.
     [[nodiscard]] std::optional<Record> find(std::span<const std::string> components);
-    /// The name of another record right below `parent` that differs from `name` in the case of ASCII letters
-    /// only.
+    /// The name of another record right below `parent` that differs from `name` in the case of letters only.
     [[nodiscard]] std::optional<std::string> childInOtherCase(Record parent, std::string_view name);
     /// All records right below `parent`, as this transaction sees them.
     [[nodiscard]] RecordBlock children(Record parent);

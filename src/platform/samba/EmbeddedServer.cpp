@@ -1,8 +1,7 @@
 #include "platform/samba/EmbeddedServer.h"
 
-#include "platform/foundation/NSFileManager.h"
-#include "platform/foundation/NSString.h"
-#include "platform/posix/CapturedRun.h"
+#include "platform/posix/InputOutput.h"
+#include "platform/posix/Process.h"
 #include "platform/samba/SambaAccounts.h"
 #include "platform/samba/ServerProcesses.h"
 
@@ -66,7 +65,7 @@ std::vector<std::string> serverArguments(const std::string& program, const Samba
     for (std::string& option : accounts.privateOptions()) {
         arguments.push_back(std::move(option));
     }
-    arguments.push_back(stringWithFormat("--option=smb ports=%d", port));
+    arguments.push_back("--option=smb ports=" + std::to_string(port));
     return arguments;
 }
 
@@ -91,7 +90,8 @@ Result<FileDescriptor> lockServer(const std::string& file) {
 }
 
 std::string lastComplaint(const std::string& logFile) {
-    return lastLineOf(contentsOfFile(logFile).bytes.value_or(""));
+    const auto log = readWholeFile(logFile);
+    return log.isOk() ? lastLineOf(*log) : std::string(log.status().why());
 }
 
 } // namespace
@@ -99,7 +99,7 @@ std::string lastComplaint(const std::string& logFile) {
 EmbeddedServer::EmbeddedServer(SambaPaths paths) : paths_(std::move(paths)) {}
 
 std::string EmbeddedServer::address() const {
-    return stringWithFormat("smb://127.0.0.1:%d/", port_);
+    return "smb://127.0.0.1:" + std::to_string(port_) + "/";
 }
 
 Status EmbeddedServer::start(int port) {
@@ -127,7 +127,7 @@ Status EmbeddedServer::start(int port) {
     endDaemonsWith(accounts.configurationFile());
     if (canConnect(port)) {
         return Status::failure(cannotStart, "",
-                               stringWithFormat("port %d is in use; choose another one with --port", port));
+                               "port " + std::to_string(port) + " is in use; choose another one with --port");
     }
     const std::string logFile = accounts.logFolder() + "/smbd.log";
     const FileDescriptor log(::open(logFile.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600));
@@ -144,9 +144,8 @@ Status EmbeddedServer::waitUntilListening(const std::string& logFile) {
     const auto end = std::chrono::steady_clock::now() + startLimit;
     while (std::chrono::steady_clock::now() < end) {
         if (keeper_.hasEnded()) {
-            return Status::failure(
-                cannotStart, "",
-                stringWithFormat("it ended at once: %@ (see %@)", lastComplaint(logFile), logFile));
+            return Status::failure(cannotStart, "",
+                                   "it ended at once: " + lastComplaint(logFile) + " (see " + logFile + ")");
         }
         if (canConnect(port_)) {
             return {};
@@ -155,7 +154,7 @@ Status EmbeddedServer::waitUntilListening(const std::string& logFile) {
     }
     stop();
     return Status::failure(cannotStart, "",
-                           stringWithFormat("it does not answer on port %d; see %@", port_, logFile));
+                           "it does not answer on port " + std::to_string(port_) + "; see " + logFile);
 }
 
 void EmbeddedServer::stop() {

@@ -1,17 +1,16 @@
 #include "platform/samba/SambaAccounts.h"
 
-#include "platform/foundation/NSFileManager.h"
 #include "platform/netinfo/Store.h"
-#include "platform/posix/CapturedRun.h"
+#include "platform/posix/InputOutput.h"
+#include "platform/posix/Process.h"
 #include "platform/posix/Secret.h"
+#include "platform/posix/WholeFile.h"
 #include "platform/samba/AccountLists.h"
 
 #include <array>
 #include <cerrno>
-#include <cstring>
+#include <chrono>
 #include <filesystem>
-#include <fstream>
-#include <sstream>
 #include <system_error>
 #include <vector>
 
@@ -55,20 +54,16 @@ std::string databaseProgram() {
     return {};
 }
 
-std::string contents(const std::string& file) {
-    std::ifstream in(file, std::ios::binary);
-    std::ostringstream text;
-    text << in.rdbuf();
-    return text.str();
-}
-
 /// Readers never meet half a list, and a list that stays as it is costs no write.
 Status replaceFile(const std::string& file, const std::string& text) {
-    if (contents(file) == text || writeToFileAtomically(file, text, 0644)) {
+    if (const auto before = readWholeFile(file); before.isOk() && *before == text) {
         return {};
     }
-    return Status::failure("cannot write", file,
-                           std::string(std::strerror(errno)) + "; allow writing to its folder and try again");
+    const Status status = writeWholeFile(file, text);
+    return status.isOk()
+               ? status
+               : Status::failure("cannot write", file,
+                                 std::string(status.why()) + "; allow writing to its folder and try again");
 }
 
 /// Ok when all is installed that changing the password database takes.
@@ -84,22 +79,13 @@ Status checkInstallation(const std::string& program) {
     return {};
 }
 
-std::string complaint(const CapturedRun& run) {
-    const std::string line = lastLineOf(run.output);
-    return line.empty() ? "no reason given" : line;
-}
-
-CapturedRun runDatabaseProgram(const std::string& program, const SambaAccounts& accounts,
-                               const std::string& folder, const std::vector<std::string>& operation,
-                               std::string_view input) {
-    std::vector<std::string> arguments{program, "-s", folder + "/accounts.conf"};
-    for (std::string& option : accounts.privateOptions()) {
-        arguments.push_back(std::move(option));
+/// The failure `what` of a run that the database refused.
+Status complaint(const char* what, const Result<FinishedProcess>& run, const std::string& logFolder) {
+    if (!run.isOk()) {
+        return Status::failure(what, "", std::string(run.status().why()));
     }
-    arguments.insert(arguments.end(), operation.begin(), operation.end());
-    std::vector<std::string> environment = accounts.environment();
-    environment.emplace_back("LC_ALL=C");
-    return runCaptured(std::move(arguments), std::move(environment), input);
+    const std::string line = lastLineOf(run->output);
+    return Status::failure(what, "", (line.empty() ? "no reason given" : line) + "; see " + logFolder);
 }
 
 } // namespace
@@ -245,6 +231,26 @@ Status SambaAccounts::writeAccountLists(Store& store) const {
     return status.isOk() ? replaceFile(groupFile(), lists.group) : status;
 }
 
+Result<FinishedProcess> SambaAccounts::changeDatabase(const std::string& program,
+                                                      const std::vector<std::string>& operation,
+                                                      std::string_view input) const {
+    Command command{
+        {program, "-s", paths_.folder + "/accounts.conf"}, ErrorOutput::WithOutput, environment()};
+    for (std::string& option : privateOptions()) {
+        command.words.push_back(std::move(option));
+    }
+    command.words.insert(command.words.end(), operation.begin(), operation.end());
+    command.environment.emplace_back("LC_ALL=C");
+    auto run = runProcess(command, input, databaseLimit_);
+    if (!run.isOk() && run.status().systemError() == ETIMEDOUT) {
+        const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(databaseLimit_).count();
+        return Status::failure("cannot use", paths_.folder,
+                               "the password database did not answer within " + std::to_string(seconds) +
+                                   " seconds; try again when nothing else uses it");
+    }
+    return run;
+}
+
 Status SambaAccounts::setPassword(const std::string& user, std::string_view password) const {
     constexpr const char* what = "Samba did not take the password";
     const std::string program = databaseProgram();
@@ -259,13 +265,9 @@ Status SambaAccounts::setPassword(const std::string& user, std::string_view pass
     std::string input;
     input.reserve(2 * password.size() + 2); // so that no copy of it is left behind by growing
     input.append(password).append("\n").append(password).append("\n");
-    const CapturedRun run =
-        runDatabaseProgram(program, *this, paths_.folder, {"-t", "-a", "--user=" + user}, input);
+    const auto run = changeDatabase(program, {"-t", "-a", "--user=" + user}, input);
     wipe(input);
-    if (!run.started || run.status != 0) {
-        return Status::failure(what, "", complaint(run) + "; see " + logFolder());
-    }
-    return {};
+    return run.isOk() && run->status == 0 ? Status() : complaint(what, run, logFolder());
 }
 
 Status SambaAccounts::removeUser(const std::string& user) const {
@@ -277,15 +279,14 @@ Status SambaAccounts::removeUser(const std::string& user) const {
     if (const Status status = checkInstallation(program); !status.isOk()) {
         return status;
     }
-    const CapturedRun run = runDatabaseProgram(program, *this, paths_.folder, {"-x", "--user=" + user}, {});
-    const auto says = [&](const char* text) { return run.output.find(text) != std::string::npos; };
+    const auto run = changeDatabase(program, {"-x", "--user=" + user}, {});
+    const auto says = [&](const char* text) { return run->output.find(text) != std::string::npos; };
     // Nobody is in a database that cannot be opened either.
-    const bool wasMissing = says("does not exist in the passdb") && !says("ailed to open");
-    if (!run.started || (run.status != 0 && !wasMissing)) {
-        return Status::failure("Samba did not forget the password", "",
-                               complaint(run) + "; see " + logFolder());
+    if (run.isOk() &&
+        (run->status == 0 || (says("does not exist in the passdb") && !says("ailed to open")))) {
+        return {};
     }
-    return {};
+    return complaint("Samba did not forget the password", run, logFolder());
 }
 
 } // namespace platform

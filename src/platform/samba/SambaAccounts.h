@@ -1,8 +1,10 @@
 #pragma once
 
+#include "platform/posix/Process.h"
 #include "platform/posix/Status.h"
 #include "platform/samba/SambaPaths.h"
 
+#include <chrono>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -17,7 +19,10 @@ class Store;
 /// database. All below the server's private folder.
 class SambaAccounts {
   public:
-    explicit SambaAccounts(SambaPaths paths) : paths_(std::move(paths)) {}
+    /// `databaseLimit` is how long the password database may take for a change: other programs may hold it.
+    explicit SambaAccounts(SambaPaths paths,
+                           std::chrono::milliseconds databaseLimit = std::chrono::seconds(10))
+        : paths_(std::move(paths)), databaseLimit_(databaseLimit) {}
 
     /// True when the root has a folder for its own server. Nothing below makes that folder but makeFolders()
     /// and what calls it.
@@ -50,7 +55,7 @@ class SambaAccounts {
     [[nodiscard]] Status writeAccountLists(Store& store) const;
     /// Sets the password under which `user`, who is in the account lists, connects to shares. It reaches
     /// Samba over its standard input only. Takes as long as Samba does: hold no store meanwhile. Fails when
-    /// Samba or the wrapper is not installed, the password is too long, or Samba does not take it.
+    /// Samba or the wrapper is not installed, the password is too long, or Samba does not take it in time.
     [[nodiscard]] Status setPassword(const std::string& user, std::string_view password) const;
     /// Takes `user` out of the password database, where it need not be. Fails when Samba or the wrapper is
     /// not installed, or Samba does not take it out.
@@ -63,10 +68,15 @@ class SambaAccounts {
     };
 
     [[nodiscard]] std::string databaseFile() const;
+    /// Runs pdbedit on the root's database. Fails when it does not end in time.
+    [[nodiscard]] Result<FinishedProcess> changeDatabase(const std::string& program,
+                                                         const std::vector<std::string>& operation,
+                                                         std::string_view input) const;
     [[nodiscard]] std::vector<Setting> ownSettings() const;
     [[nodiscard]] std::string configuration(bool includesSmbConf) const;
 
     SambaPaths paths_;
+    std::chrono::milliseconds databaseLimit_;
 };
 
 } // namespace platform

@@ -1,6 +1,7 @@
 #include "platform/samba/ServerKeeper.h"
 
-#include "platform/posix/CapturedRun.h"
+#include "platform/posix/InputOutput.h"
+#include "platform/posix/Process.h"
 #include "platform/posix/ProcessTable.h"
 
 #include <algorithm>
@@ -14,7 +15,6 @@
 #include <fcntl.h>
 #include <poll.h>
 #include <sys/prctl.h>
-#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -25,19 +25,6 @@ namespace {
 constexpr auto stopLimit = std::chrono::seconds(5);
 constexpr auto keeperLimit = stopLimit + std::chrono::seconds(2);
 constexpr auto pause = std::chrono::milliseconds(20);
-
-struct Pipe {
-    FileDescriptor readEnd;
-    FileDescriptor writeEnd;
-};
-
-Result<Pipe> makePipe() {
-    std::array<int, 2> ends{};
-    if (::pipe2(ends.data(), O_CLOEXEC) != 0) {
-        return Status::ofErrno("cannot make", "a pipe", errno);
-    }
-    return Pipe{FileDescriptor(ends[0]), FileDescriptor(ends[1])};
-}
 
 struct Program {
     char* const* arguments;
@@ -76,12 +63,11 @@ void closeAllBut(std::array<int, 3> kept) {
 
 /// Waits until the other end of the lifeline is closed, or the server has ended.
 void waitForEnd(int lifeline, pid_t server) {
-    // The C library's own function cannot be called from C++ in every version.
-    const int serverEnd = static_cast<int>(::syscall(SYS_pidfd_open, server, 0));
-    if (serverEnd < 0 && errno == ESRCH) {
+    const FileDescriptor serverEnd = openProcess(server);
+    if (!serverEnd.isOpen() && errno == ESRCH) {
         return;
     }
-    std::array<pollfd, 2> watched{{{lifeline, POLLIN, 0}, {serverEnd, POLLIN, 0}}};
+    std::array<pollfd, 2> watched{{{lifeline, POLLIN, 0}, {serverEnd.get(), POLLIN, 0}}};
     while (::poll(watched.data(), watched.size(), -1) < 0 && errno == EINTR) {
     }
 }

@@ -1,0 +1,31 @@
+#include "platform/posix/LetterCase.h"
+
+#include "platform/posix/UTF8.h"
+
+#include <iterator>
+
+#include <locale.h>
+#include <wctype.h>
+
+namespace platform {
+
+std::string lowercased(std::string_view text) {
+    // Whatever language the user has chosen; where the system lacks it, "C" knows the ASCII letters.
+    static const locale_t named = ::newlocale(LC_CTYPE_MASK, "C.UTF-8", nullptr);
+    static const locale_t letters = named != nullptr ? named : ::newlocale(LC_CTYPE_MASK, "C", nullptr);
+    std::string small;
+    small.reserve(text.size());
+    while (!text.empty()) {
+        const UTF8Step step = firstUTF8Step(text);
+        if (step.character) {
+            const auto letter = ::towlower_l(static_cast<wint_t>(*step.character), letters);
+            utf8::append(static_cast<char32_t>(letter), std::back_inserter(small));
+        } else {
+            small += text.front();
+        }
+        text.remove_prefix(step.bytes);
+    }
+    return small;
+}
+
+} // namespace platform
