@@ -92,6 +92,18 @@ void SMBConf::parseSMBConfFile() {
     }
 }
 
+bool SMBConf::isCommentGroup(std::string_view line) {
+    return SMBParser::isCommentGroup(line);
+}
+
+bool SMBConf::isComment(std::string_view line) {
+    return SMBParser::isComment(line);
+}
+
+bool SMBConf::isGroup(std::string_view line) {
+    return SMBParser::isGroup(line);
+}
+
 void SMBConf::setEntries(EntryList entries) {
     _global = nullptr;
     _homes = nullptr;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "model/SMBLoss.h"
 #include "model/SMBShare.h"
 
 #include <memory>
@@ -8,25 +9,6 @@
 #include <string_view>
 #include <utility>
 #include <vector>
-
-/// What the whole-file write loses, or spoils, of a file written by hand.
-enum class SMBLoss {
-    Continuation,  ///< a line ended by a backslash, live or in the commented-out "homes": it stays, and would
-                   ///< swallow the line that is written after it
-    NoValue,       ///< a section's line without a key or a value, or cut at the reader's end mark: lost
-    BrokenHeader,  ///< a line begins with "[" and is no header: what follows counts to the section before it;
-                   ///< or it goes on behind a "]", where its name is cut
-    OutsideSection ///< a line that stands in no section: lost
-};
-
-/// A line of the file that a write would not keep as it is. Lines count from 1.
-struct SMBLossNotice {
-    std::size_t line = 0;
-    SMBLoss loss = SMBLoss::NoValue;
-    [[nodiscard]] bool operator==(const SMBLossNotice&) const = default;
-};
-
-struct SMBConflict; // model/SMBInPlace.h
 
 /// The model of smb.conf: its entries in order, of which "global" and "homes" are singled out. Read once,
 /// when it is made; from then on the model is the authority, and every change reaches the disk by a write of
@@ -69,17 +51,9 @@ class SMBConf {
     [[nodiscard]] const std::string& unreadableReason() const { return _unreadableReason; }
 
     // Tests of one line, leading white space already gone.
-    [[nodiscard]] static bool isCommentGroup(std::string_view line) {
-        return line.starts_with("#[") || line.starts_with(";[");
-    }
-
-    [[nodiscard]] static bool isComment(std::string_view line) {
-        return line.starts_with('#') || line.starts_with(';');
-    }
-
-    [[nodiscard]] static bool isGroup(std::string_view line) {
-        return line.starts_with('[') && line.ends_with(']');
-    }
+    [[nodiscard]] static bool isCommentGroup(std::string_view line);
+    [[nodiscard]] static bool isComment(std::string_view line);
+    [[nodiscard]] static bool isGroup(std::string_view line);
 
     /// The file's text as the model has it now.
     [[nodiscard]] std::string writtenText() const;

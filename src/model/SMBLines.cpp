@@ -1,6 +1,5 @@
 #include "model/SMBLines.h"
 
-#include "model/SMBConf.h"
 #include "model/SMBParser.h"
 
 #include <algorithm>
@@ -45,11 +44,11 @@ void SMBLines::take(std::string_view content, SMBLine line) {
         line.kind = SMBLine::Kind::Blank;
     } else if (takeHeader(content)) {
         line.kind = SMBLine::Kind::Header;
-    } else if (SMBConf::isComment(content) && !isCommentedOut) {
+    } else if (SMBParser::isComment(content) && !isCommentedOut) {
         line.kind = SMBLine::Kind::Comment;
         line.isContinued = false; // the server joins nothing to a comment
     } else {
-        if (isCommentedOut && !SMBConf::isComment(content)) {
+        if (isCommentedOut && !SMBParser::isComment(content)) {
             // Any other line ends the commented-out section, and stands in none.
             sections_.back().last = lines_.size();
             isInSection_ = false;
@@ -68,8 +67,8 @@ void SMBLines::take(std::string_view content, SMBLine line) {
 }
 
 bool SMBLines::takeHeader(std::string_view content) {
-    const bool isCommentedOut = SMBConf::isCommentGroup(content);
-    if (!isCommentedOut && !SMBConf::isGroup(content)) {
+    const bool isCommentedOut = SMBParser::isCommentGroup(content);
+    if (!isCommentedOut && !SMBParser::isGroup(content)) {
         return false;
     }
     if (isInSection_) {

@@ -117,7 +117,7 @@ void SMBParser::beginEntry(std::int32_t type) {
 }
 
 void SMBParser::parseLine() {
-    if (SMBConf::isCommentGroup(_line)) {
+    if (isCommentGroup(_line)) {
         beginEntry(SMBCommentGroup);
         if (isCut(_line)) {
             note(SMBLoss::BrokenHeader);
@@ -126,13 +126,13 @@ void SMBParser::parseLine() {
         _current->setShareName(std::string(name));
         homes = name == "homes" ? _current.get() : homes;
         readCommentGroup();
-    } else if (SMBConf::isComment(_line)) {
+    } else if (isComment(_line)) {
         if (_state != State::Comment) {
             beginEntry(SMBComment);
         }
         appendLineToText();
         _state = State::Comment;
-    } else if (SMBConf::isGroup(_line)) {
+    } else if (isGroup(_line)) {
         beginEntry(SMBGroup);
         if (isCut(_line)) {
             note(SMBLoss::BrokenHeader);
@@ -149,7 +149,7 @@ void SMBParser::parseLine() {
 
 void SMBParser::readCommentGroup() {
     while (nextLine()) {
-        if (SMBConf::isCommentGroup(_line) || !SMBConf::isComment(_line)) {
+        if (isCommentGroup(_line) || !isComment(_line)) {
             _haveLine = true;
             break;
         }
@@ -161,11 +161,11 @@ void SMBParser::readCommentGroup() {
 
 void SMBParser::readGroup() {
     while (nextLine()) {
-        if (SMBConf::isCommentGroup(_line) || SMBConf::isGroup(_line)) {
+        if (isCommentGroup(_line) || isGroup(_line)) {
             _haveLine = true;
             break;
         }
-        if (SMBConf::isComment(_line)) {
+        if (isComment(_line)) {
             appendLineToText();
         } else {
             addPair(_line, false);

@@ -1,6 +1,7 @@
 #pragma once
 
-#include "model/SMBConf.h"
+#include "model/SMBLoss.h"
+#include "model/SMBShare.h"
 
 #include <cstddef>
 #include <memory>
@@ -21,12 +22,24 @@ class SMBParser {
     /// Reads everything; then the results below stand. At least one entry is made.
     void parse();
 
-    SMBConf::EntryList entries;
+    std::vector<std::unique_ptr<SMBShare>> entries;
     SMBShare* global = nullptr;
     SMBShare* homes = nullptr;
     std::vector<SMBLossNotice> lossNotices;
 
-    // The rules for one line, for whoever looks at the lines themselves.
+    // The rules for one line, leading white space already gone, for whoever looks at the lines themselves.
+
+    [[nodiscard]] static bool isCommentGroup(std::string_view line) {
+        return line.starts_with("#[") || line.starts_with(";[");
+    }
+
+    [[nodiscard]] static bool isComment(std::string_view line) {
+        return line.starts_with('#') || line.starts_with(';');
+    }
+
+    [[nodiscard]] static bool isGroup(std::string_view line) {
+        return line.starts_with('[') && line.ends_with(']');
+    }
 
     /// A parameter's key and value, blanks around them gone.
     struct PairText {
