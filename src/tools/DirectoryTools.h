@@ -38,7 +38,8 @@ struct ToolResult {
 [[nodiscard]] ToolResult runNicl(const DirectoryPlace& place, std::span<const std::string> arguments);
 
 /// `dscl DOMAIN -passwd /Users/NAME PASSWORD`: hands the password to the password database of the root's file
-/// server and keeps no copy. The caller wipes its own.
+/// server and keeps no copy; the caller wipes its own. The directory is free again by the time that the
+/// database is asked, which may take ten seconds.
 [[nodiscard]] ToolResult runDscl(const DirectoryPlace& place, std::span<const std::string> arguments);
 
 /// `nireport DOMAIN PATH PROPERTY...`: the report lines of the records below PATH. Needs the current host,

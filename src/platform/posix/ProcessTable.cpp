@@ -1,5 +1,6 @@
 #include "platform/posix/ProcessTable.h"
 
+#include <algorithm>
 #include <charconv>
 #include <filesystem>
 #include <fstream>
@@ -33,11 +34,11 @@ std::vector<pid_t> processIds() {
 }
 
 std::vector<std::string> commandLineOf(pid_t process) {
+    const std::string text = fileOf(process, "cmdline"); // a NUL ends each word
     std::vector<std::string> words;
-    std::string_view rest;
-    const std::string text = fileOf(process, "cmdline");
-    for (rest = text; !rest.empty(); rest.remove_prefix(std::min(rest.size(), words.back().size() + 1))) {
+    for (std::string_view rest = text; !rest.empty();) {
         words.emplace_back(rest.substr(0, rest.find('\0')));
+        rest.remove_prefix(std::min(rest.size(), words.back().size() + 1));
     }
     return words;
 }

@@ -6,6 +6,7 @@
 #include <chrono>
 #include <csignal>
 #include <filesystem>
+#include <set>
 #include <system_error>
 #include <thread>
 #include <vector>
@@ -64,7 +65,7 @@ bool isDaemonWith(pid_t process, const std::string& file) {
 
 void endDaemonsWith(const std::string& file) {
     const auto end = std::chrono::steady_clock::now() + patience;
-    int signal = SIGTERM;
+    std::set<pid_t> told;
     while (true) {
         auto left = processIds();
         std::erase_if(left, [&](pid_t process) { return !isDaemonWith(process, file); });
@@ -73,12 +74,13 @@ void endDaemonsWith(const std::string& file) {
         }
         const bool isLate = std::chrono::steady_clock::now() >= end;
         for (const pid_t process : left) {
-            ::kill(process, isLate ? SIGKILL : signal);
+            if (isLate || told.insert(process).second) {
+                ::kill(process, isLate ? SIGKILL : SIGTERM);
+            }
         }
         if (isLate) {
             return;
         }
-        signal = 0; // it was told
         std::this_thread::sleep_for(pause);
     }
 }
