@@ -183,22 +183,6 @@ TEST_F(AppKit, ANumberFieldShowsItsNumberWhenItIsLeft) {
     EXPECT_THROW(formatter->setFormat("#,##0"), std::invalid_argument);
 }
 
-TEST_F(AppKit, ACharacterIsDecodedStrictly) {
-    const std::vector<std::pair<std::string, char32_t>> cases = {{"a", 'a'},
-                                                                 {"é", 0xE9},
-                                                                 {"€", 0x20AC},
-                                                                 {"𝟗", 0x1D7D7},
-                                                                 {"\xC0\x80", 0xFFFD},
-                                                                 {"\xED\xA0\x80", 0xFFFD},
-                                                                 {"\xF4\x90\x80\x80", 0xFFFD},
-                                                                 {"\xE2\x82", 0xFFFD}};
-    for (const auto& [text, character] : cases) {
-        std::size_t offset = 0;
-        EXPECT_EQ(platform::nextCharacter(text, offset), character);
-        EXPECT_EQ(offset, character == 0xFFFD ? 1U : text.size());
-    }
-}
-
 TEST_F(AppKit, APopUpSelectsByTitleTagAndIndexOrNothing) {
     NSPopUpButton menu;
     EXPECT_EQ(menu.titleOfSelectedItem(), std::nullopt);

@@ -153,7 +153,7 @@ TEST_F(Program, SaysWhatIsWrongAndEndsWithTheStatusForIt) {
 
 TEST_F(Program, RefusesAnInterfaceFileThatLacksAnOutlet) {
     const std::string resources = (test_.root() / "resources").string();
-    std::string xml = contentsOfFile(NSBundle::mainBundle().resourcePath() + "/MainMenu.xml").bytes.value();
+    std::string xml = contentsOfFile(NSBundle::mainBundle().resourcePath() + "/MainMenu.xml").valueOr("");
     const std::string outlet = " outlet=\"authLabel\"";
     ASSERT_NE(xml.find(outlet), std::string::npos);
     xml.erase(xml.find(outlet), outlet.size());

@@ -153,7 +153,7 @@ TEST_F(HelperTest, GivesAFolderToAnAccountOfTheDirectoryBeforeOneOfTheComputer) 
 }
 
 TEST_F(HelperTest, CopiesOnlyARegularFileOfTheUser) {
-    const std::string before = contentsOfFile(target_.string()).bytes.value();
+    const std::string before = contentsOfFile(target_.string()).valueOr("");
     test_.write("other.conf", "theirs");
     const std::string other = (test_.root() / "other.conf").string();
     fs::create_symlink(other, test_.root() / "link");
@@ -163,7 +163,7 @@ TEST_F(HelperTest, CopiesOnlyARegularFileOfTheUser) {
     }
     place_.user = ::getuid() + 1;
     EXPECT_NE(run("/bin/cp", {other, "/etc/smb.conf"}).find("does not belong"), std::string::npos);
-    EXPECT_EQ(contentsOfFile(target_.string()).bytes, before);
+    EXPECT_EQ(contentsOfFile(target_.string()).valueOr("?"), before);
     EXPECT_FALSE(fs::exists(target_.string() + ".previous"));
 }
 
@@ -173,11 +173,11 @@ TEST_F(HelperTest, KeepsTheFirstTextForEverAndTheOneReplacedLast) {
     for (const char* text : {"first", "second", ""}) {
         test_.write("new.conf", text);
         EXPECT_EQ(run("/bin/cp", {source_, "/etc/smb.conf"}), "");
-        EXPECT_EQ(contentsOfFile(target_.string()).bytes, text);
+        EXPECT_EQ(contentsOfFile(target_.string()).valueOr("?"), text);
     }
     EXPECT_EQ(modeOf(target_), 0640U);
-    EXPECT_EQ(contentsOfFile(target_.string() + ".before-brindle").bytes, "original");
-    EXPECT_EQ(contentsOfFile(target_.string() + ".previous").bytes, "second");
+    EXPECT_EQ(contentsOfFile(target_.string() + ".before-brindle").valueOr("?"), "original");
+    EXPECT_EQ(contentsOfFile(target_.string() + ".previous").valueOr("?"), "second");
     EXPECT_EQ(std::distance(fs::directory_iterator(target_.parent_path()), {}), 3)
         << "something was left over";
 }
@@ -190,11 +190,11 @@ TEST_F(HelperTest, FollowsALinkAtTheTargetToItsFileEvenToOneThatIsMissing) {
         test_.write("new.conf", text);
         EXPECT_EQ(run("/bin/cp", {source_, "/etc/smb.conf"}), "");
         EXPECT_TRUE(fs::is_symlink(target_));
-        EXPECT_EQ(contentsOfFile(real.string()).bytes, text);
+        EXPECT_EQ(contentsOfFile(real.string()).valueOr("?"), text);
     }
     EXPECT_EQ(modeOf(real), 0644U);
-    EXPECT_EQ(contentsOfFile(real.string() + ".before-brindle").bytes, "") << "there was no file";
-    EXPECT_EQ(contentsOfFile(real.string() + ".previous").bytes, "first");
+    EXPECT_EQ(contentsOfFile(real.string() + ".before-brindle").valueOr("?"), "") << "there was no file";
+    EXPECT_EQ(contentsOfFile(real.string() + ".previous").valueOr("?"), "first");
     fs::remove_all(real.parent_path());
     EXPECT_NE(run("/bin/cp", {source_, "/etc/smb.conf"}), "") << "no folder to write to";
 }
@@ -261,7 +261,7 @@ TEST_F(HelperTest, ServesARealRunFromTheWindowsSideToTheDirectory) {
     EXPECT_EQ(runProgram(command).output, "Docs\t/srv/-Docs\t\n");
     test_.write("new.conf", "[global]\n");
     EXPECT_TRUE(task.cp(source_, "/etc/smb.conf"));
-    EXPECT_EQ(contentsOfFile(target_.string()).bytes, "[global]\n");
+    EXPECT_EQ(contentsOfFile(target_.string()).valueOr("?"), "[global]\n");
     EXPECT_TRUE(test_.log.empty());
     task.deleteShare("Docs");
     task.deleteShare("Docs");

@@ -35,7 +35,7 @@ platform::StringTable markedTable() {
     const TestHost plain;
     const auto file =
         contentsOfFile(NSBundle::mainBundle().resourcePath() + "/English.lproj/Localizable.strings");
-    platform::StringTable table = platform::readStringTable(file.bytes.value());
+    platform::StringTable table = platform::readStringTable(file.valueOr("")).valueOr({});
     for (auto& [key, text] : table) {
         text = marked(text);
     }

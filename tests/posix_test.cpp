@@ -1,5 +1,6 @@
 #include "platform/posix/InputOutput.h"
 #include "platform/posix/Process.h"
+#include "platform/posix/UTF8.h"
 #include "platform/posix/WholeFile.h"
 #include "support/TestHost.h"
 
@@ -219,4 +220,20 @@ TEST(WholeFile, WritersAtOnceLeaveOneWholeText) {
     EXPECT_EQ(namesIn(folder), std::vector<std::string>{"file"});
     const std::string text = textOf(folder / "file");
     EXPECT_TRUE(text.size() == 10000 && text == std::string(10000, text.front()));
+}
+
+TEST(UTF8, ACharacterIsDecodedStrictly) {
+    const std::vector<std::pair<std::string, char32_t>> cases = {{"a", 'a'},
+                                                                 {"é", 0xE9},
+                                                                 {"€", 0x20AC},
+                                                                 {"𝟗", 0x1D7D7},
+                                                                 {"\xC0\x80", 0xFFFD},
+                                                                 {"\xED\xA0\x80", 0xFFFD},
+                                                                 {"\xF4\x90\x80\x80", 0xFFFD},
+                                                                 {"\xE2\x82", 0xFFFD}};
+    for (const auto& [text, character] : cases) {
+        std::size_t offset = 0;
+        EXPECT_EQ(platform::nextCharacter(text, offset), character);
+        EXPECT_EQ(offset, character == 0xFFFD ? 1U : text.size());
+    }
 }

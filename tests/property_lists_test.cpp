@@ -86,7 +86,7 @@ TEST(PropertyLists, ABinaryFileIsReadAndWrittenAsXML) {
         "/Library/Preferences/com.apple.AppleFileServer.plist");
     ASSERT_TRUE(plist);
     const std::string copy = host.home() / "copy.plist";
-    ASSERT_TRUE(plist->writeToFile(copy));
+    ASSERT_TRUE(plist->writeToFile(copy).isOk());
     EXPECT_TRUE(host.read("home/copy.plist").starts_with("<?xml"));
     EXPECT_EQ(NSMutableDictionary::dictionaryWithContentsOfFile(copy).value().stringForKey("loginGreeting"),
               "hé");

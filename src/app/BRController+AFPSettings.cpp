@@ -7,9 +7,6 @@
 #include "platform/foundation/NSString.h"
 #include "privileged/NiutilTask.h"
 
-#include <cerrno>
-#include <cstring>
-
 namespace {
 
 constexpr const char* settingsFile = "/Library/Preferences/com.apple.AppleFileServer.plist";
@@ -139,11 +136,11 @@ void BRController::updateAFSProperties(NSControl* /*sender*/) {
         NSLog("The AFP server's settings were not saved because %@ could not be read at the start.",
               settingsFile);
     }
-    const bool written = afsProps && afsProps->writeToFile(temporary);
-    if (afsProps && !written) {
-        NSLog("%@ could not be written: %@", temporary, std::strerror(errno));
+    const auto status = afsProps ? std::optional(afsProps->writeToFile(temporary)) : std::nullopt;
+    if (status && !status->isOk()) {
+        NSLog("%@ could not be written: %@", temporary, status->why());
     }
-    if (!written) {
+    if (!status || !status->isOk()) {
         showFailure(
             "The ~/AppleFileServer.plist file write operation was unsuccessful.  Please email %@ with this "
             "information.");
@@ -157,8 +154,8 @@ void BRController::updateAFSProperties(NSControl* /*sender*/) {
             "The AppleFileServer.plist file copy operation was unsuccessful.  Please email %@ with this "
             "information.");
     }
-    if (!removeFileAtPath(temporary)) {
-        NSLog("%@ could not be removed: %@", temporary, std::strerror(errno));
+    if (const auto removed = removeFileAtPath(temporary); !removed.isOk()) {
+        NSLog("%@ could not be removed: %@", temporary, removed.why());
         showFailure(
             "The old AppleFileServer.plist file removal operation was unsuccessful.  Please email %@ with "
             "this information.");

@@ -23,11 +23,11 @@ struct PublishedVersion {
 
 PublishedVersion publishedVersion() {
     const std::string address = NSBundle::mainBundle().objectForInfoDictionaryKey("BRVersionList");
-    const platform::Fetched list = platform::fetchContentsOfURL(address);
-    if (!list.bytes) {
-        return {std::nullopt, list.error};
+    const auto list = platform::fetchContentsOfURL(address);
+    if (!list.isOk()) {
+        return {std::nullopt, std::string(list.status().why())};
     }
-    const auto versions = NSMutableDictionary::dictionaryWithData(*list.bytes);
+    const auto versions = NSMutableDictionary::dictionaryWithData(*list);
     if (!versions) {
         return {std::nullopt,
                 stringWithFormat(NSLocalizedString("the document at %@ is not a version list"), address)};

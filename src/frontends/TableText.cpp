@@ -1,7 +1,7 @@
 #include "frontends/TableText.h"
 
-#include "platform/appkit/NSFormatter.h"
 #include "platform/appkit/NSTableView.h"
+#include "platform/posix/UTF8.h"
 
 #include <algorithm>
 #include <memory>

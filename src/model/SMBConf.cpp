@@ -10,7 +10,6 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <cstring>
 
 namespace {
 
@@ -66,16 +65,16 @@ SMBConf::SMBConf(std::string path) : _path(std::move(path)) {
 }
 
 void SMBConf::parseSMBConfFile() {
-    NSFileContents contents = contentsOfFile(_path);
-    if (!contents.bytes && contents.error != ENOENT) {
+    auto contents = contentsOfFile(_path);
+    if (!contents.isOk() && contents.status().systemError() != ENOENT) {
         // To write the model over such a file would replace it with next to nothing.
         NSLog("The SMB configuration %@ cannot be read (%@) and will not be written.  Make it readable and "
               "start again.",
-              _path, std::strerror(contents.error));
-        _unreadableReason = std::strerror(contents.error);
+              _path, contents.status().why());
+        _unreadableReason = contents.status().why();
     }
-    if (contents.bytes) {
-        _bytes = std::move(*contents.bytes);
+    if (contents.isOk()) {
+        _bytes = std::move(*contents);
     }
     if (keepsLayout()) {
         _textOnDisk = _bytes;
@@ -135,9 +134,8 @@ std::string SMBConf::textToWrite(std::vector<SMBConflict>* conflicts) const {
     }
     SMBParser read(_textOnDisk, std::pmr::get_default_resource());
     read.parse();
-    const NSFileContents onDisk = contentsOfFile(_path);
-    SMBInPlaceText result =
-        textWithChanges(onDisk.bytes ? *onDisk.bytes : std::string(), changesBetween(read.entries, _entries));
+    const std::string onDisk = contentsOfFile(_path).valueOr("");
+    SMBInPlaceText result = textWithChanges(onDisk, changesBetween(read.entries, _entries));
     if (conflicts != nullptr) {
         *conflicts = std::move(result.conflicts);
     }
@@ -152,8 +150,8 @@ int SMBConf::writeSMBConfFile() {
     const std::string temporary = stringByExpandingTildeInPath(temporaryPath);
     // Readable by its owner only: the configuration may be.
     std::string text = textToWrite();
-    if (!writeToFileAtomically(temporary, text, 0600)) {
-        NSLog("%@ could not be written: %@", temporary, std::strerror(errno));
+    if (const auto status = writeToFileAtomically(temporary, text, 0600); !status.isOk()) {
+        NSLog("%@ could not be written: %@", temporary, status.why());
         return notWritten;
     }
     if (!NiutilTask::sharedInstance().cp(temporary, _path)) {
@@ -163,8 +161,8 @@ int SMBConf::writeSMBConfFile() {
     if (keepsLayout()) {
         _textOnDisk = std::move(text);
     }
-    if (!removeFileAtPath(temporary)) {
-        NSLog("%@ could not be removed: %@", temporary, std::strerror(errno));
+    if (const auto status = removeFileAtPath(temporary); !status.isOk()) {
+        NSLog("%@ could not be removed: %@", temporary, status.why());
         return notRemoved;
     }
     return written;

@@ -1,6 +1,7 @@
 #include "tools/Helper.h"
 
 #include "platform/host/EmbeddedRoot.h"
+#include "tools/HelperComplaint.h"
 #include "tools/HelperCopy.h"
 #include "tools/HelperFolders.h"
 #include "tools/HelperSignal.h"
@@ -8,23 +9,25 @@
 #include <algorithm>
 #include <array>
 
+using platform::Status;
+
 namespace {
 
 using Arguments = std::span<const std::string>;
 
-HelperResult said(HelperComplaint text) {
-    const int status = text.empty() ? 0 : 1;
-    return {std::move(text), "", status};
+HelperResult said(const std::string& tool, const Status& status) {
+    return {complaint(tool, status), "", status.isOk() ? 0 : 1};
 }
 
 HelperResult wrongArguments(const std::string& tool, const char* usage) {
-    return said(complaint(tool, "wrong arguments", std::string("use ") + usage));
+    return said(tool, Status::failure("wrong arguments", {}, std::string("use ") + usage));
 }
 
 /// What needs the computer's own directory or settings is not served there yet; doing half of it would be
 /// worse.
 HelperResult notOnThisComputer(const std::string& tool) {
-    return said(complaint(tool, "--system", "is not built yet; use Brindle without it"));
+    return said(tool,
+                Status::failure("cannot serve", "--system", "is not built yet; use Brindle without it"));
 }
 
 HelperResult nicl(const HelperPlace& place, Arguments arguments) {
@@ -49,13 +52,14 @@ HelperResult cp(const HelperPlace& place, Arguments arguments) {
     }
     constexpr std::array targets = {"/etc/smb.conf", "/Library/Preferences/com.apple.AppleFileServer.plist"};
     if (std::ranges::find(targets, arguments[1]) == targets.end()) {
-        return said(complaint("cp", arguments[1], "is none of the settings files; only those are replaced"));
+        return said("cp", Status::failure("cannot replace", arguments[1],
+                                          "is none of the settings files; only those are replaced"));
     }
     if (place.root.empty()) {
         return notOnThisComputer("cp");
     }
     return said(
-        copyIntoPlace(arguments[0], platform::EmbeddedRoot(place.root).map(arguments[1]), place.user));
+        "cp", copyIntoPlace(arguments[0], platform::EmbeddedRoot(place.root).map(arguments[1]), place.user));
 }
 
 HelperResult chown(const HelperPlace& place, Arguments arguments) {
@@ -63,11 +67,11 @@ HelperResult chown(const HelperPlace& place, Arguments arguments) {
         return wrongArguments("chown", "chown OWNER:GROUP FOLDER");
     }
     const std::string storeFile = place.root.empty() ? "" : platform::EmbeddedRoot(place.root).storeFile();
-    return said(changeOwner(arguments[0], arguments[1], platform::DirectoryAccounts(storeFile)));
+    return said("chown", changeOwner(arguments[0], arguments[1], platform::DirectoryAccounts(storeFile)));
 }
 
 HelperResult chmod(const HelperPlace& /*place*/, Arguments arguments) {
-    return arguments.size() == 2 ? said(changeMode(arguments[0], arguments[1]))
+    return arguments.size() == 2 ? said("chmod", changeMode(arguments[0], arguments[1]))
                                  : wrongArguments("chmod", "chmod MODE FOLDER");
 }
 
@@ -75,7 +79,7 @@ HelperResult chmod(const HelperPlace& /*place*/, Arguments arguments) {
 /// of.
 HelperResult kill(const HelperPlace& place, Arguments arguments) {
     HelperResult result = arguments.size() == 2 && arguments[0] == "-1"
-                              ? said(hangUpServer(arguments[1], place.root))
+                              ? said("kill", hangUpServer(arguments[1], place.root))
                               : wrongArguments("kill", "kill -1 PROCESS");
     std::swap(result.output, result.errors);
     return result;
@@ -123,5 +127,6 @@ bool isHelperTool(const std::string& tool) {
 HelperResult runHelperTool(const HelperPlace& place, const HelperRequest& request) {
     const Tool* tool = findTool(request.tool);
     return tool != nullptr ? tool->run(place, request.arguments)
-                           : said(complaint("brindle-helper", request.tool, "is not on the list of tools"));
+                           : said("brindle-helper",
+                                  Status::failure("cannot run", request.tool, "is not on the list of tools"));
 }

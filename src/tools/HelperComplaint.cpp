@@ -1,8 +1,8 @@
 #include "tools/HelperComplaint.h"
 
-#include <algorithm>
+#include "tools/ToolText.h"
+
 #include <cerrno>
-#include <cstring>
 
 namespace {
 
@@ -29,13 +29,10 @@ const char* adviceFor(int error) {
 
 } // namespace
 
-HelperComplaint complaint(const std::string& tool, const std::string& subject, const std::string& why) {
-    std::string shown = subject;
-    std::ranges::replace_if(
-        shown, [](unsigned char byte) { return byte < 0x20 || byte == 0x7f; }, '?');
-    return tool + ": " + shown + ": " + why + "\n";
-}
-
-std::string reason(int error) {
-    return std::string(std::strerror(error)) + "; " + adviceFor(error);
+std::string complaint(const std::string& tool, const platform::Status& status) {
+    if (status.isOk()) {
+        return {};
+    }
+    const int error = status.systemError();
+    return oneLine(tool + ": " + status.text() + (error == 0 ? "" : std::string("; ") + adviceFor(error)));
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "tools/HelperComplaint.h"
+#include "platform/posix/Status.h"
 
 #include <string>
 
@@ -13,4 +13,5 @@
 /// is. The new file takes the old one's owner and mode, 0644 where there was none. Beside it stay
 /// NAME.before-brindle, the text that was there before the first copy of all (empty where there was no file),
 /// and NAME.previous, the text replaced last. On failure the target is as it was.
-[[nodiscard]] HelperComplaint copyIntoPlace(const std::string& source, const std::string& target, uid_t user);
+[[nodiscard]] platform::Status copyIntoPlace(const std::string& source, const std::string& target,
+                                             uid_t user);

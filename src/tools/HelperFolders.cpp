@@ -14,6 +14,8 @@
 #include <unistd.h>
 
 using platform::FileDescriptor;
+using platform::Result;
+using platform::Status;
 
 namespace {
 
@@ -35,18 +37,19 @@ bool isSameFolder(const struct stat& status, std::string_view path) {
            other.st_ino == status.st_ino;
 }
 
+constexpr const char* cannotChange = "cannot change";
+
+/// A folder that may be changed.
 struct OpenFolder {
     FileDescriptor descriptor;
 
     struct stat status {};
 
-    HelperComplaint refusal; ///< empty when the folder may be changed
-
     /// A path that leads to the opened folder itself, whatever has become of the path it was found at.
     [[nodiscard]] std::string path() const { return "/proc/self/fd/" + std::to_string(descriptor.get()); }
 };
 
-OpenFolder openFolder(const std::string& tool, const std::string& path) {
+Result<OpenFolder> openFolder(const std::string& path) {
     OpenFolder folder;
     // O_PATH, because the owner of a folder may change one that nobody is allowed to read.
     folder.descriptor = FileDescriptor(::open(path.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
@@ -56,10 +59,11 @@ OpenFolder openFolder(const std::string& tool, const std::string& path) {
         length = ::readlink(folder.path().c_str(), resolved.data(), resolved.size());
     }
     if (length < 0) {
-        folder.refusal = complaint(tool, path, reason(errno));
-    } else if (isSystemFolder({resolved.data(), static_cast<std::size_t>(length)}, folder.status)) {
-        folder.refusal =
-            complaint(tool, path, "is a folder of the system and stays as it is; share another one");
+        return Status::ofErrno(cannotChange, path, errno);
+    }
+    if (isSystemFolder({resolved.data(), static_cast<std::size_t>(length)}, folder.status)) {
+        return Status::failure(cannotChange, path,
+                               "is a folder of the system and stays as it is; share another one");
     }
     return folder;
 }
@@ -81,44 +85,44 @@ bool isSystemFolder(const std::string& path, const struct stat& status) {
            });
 }
 
-HelperComplaint changeOwner(const std::string& ownerAndGroup, const std::string& folder,
-                            const platform::DirectoryAccounts& accounts) {
+Status changeOwner(const std::string& ownerAndGroup, const std::string& folder,
+                   const platform::DirectoryAccounts& accounts) {
     const std::size_t colon = ownerAndGroup.find(':');
     const std::string owner = ownerAndGroup.substr(0, colon);
     const std::string group = colon == std::string::npos ? "" : ownerAndGroup.substr(colon + 1);
     const auto uid = accounts.userId(owner);
     if (!owner.empty() && uid.value_or(unchanged<uid_t>) == unchanged<uid_t>) {
-        return complaint("chown", owner, "there is no such user; choose one of the list");
+        return Status::failure("cannot find user", owner, "there is no such user; choose one of the list");
     }
     const auto gid = accounts.groupId(group);
     if (!group.empty() && gid.value_or(unchanged<gid_t>) == unchanged<gid_t>) {
-        return complaint("chown", group, "there is no such group; choose one of the list");
+        return Status::failure("cannot find group", group, "there is no such group; choose one of the list");
     }
-    const OpenFolder opened = openFolder("chown", folder);
-    if (!opened.refusal.empty()) {
-        return opened.refusal;
+    const auto opened = openFolder(folder);
+    if (!opened.isOk()) {
+        return opened.status();
     }
-    if (::fchownat(opened.descriptor.get(), "", owner.empty() ? unchanged<uid_t> : *uid,
+    if (::fchownat(opened->descriptor.get(), "", owner.empty() ? unchanged<uid_t> : *uid,
                    group.empty() ? unchanged<gid_t> : *gid, AT_EMPTY_PATH) != 0) {
-        return complaint("chown", folder, reason(errno));
+        return Status::ofErrno(cannotChange, folder, errno);
     }
     return {};
 }
 
-HelperComplaint changeMode(const std::string& mode, const std::string& folder) {
+Status changeMode(const std::string& mode, const std::string& folder) {
     constexpr unsigned largest = 0777;
     unsigned bits = 0;
     const char* const end = mode.data() + mode.size();
     const auto [parsed, error] = std::from_chars(mode.data(), end, bits, 8);
     if (error != std::errc() || parsed != end || bits > largest) {
-        return complaint("chmod", mode, "is no mode; give one from 0 to 777 in octal");
+        return Status::failure("cannot use", mode, "is no mode; give one from 0 to 777 in octal");
     }
-    const OpenFolder opened = openFolder("chmod", folder);
-    if (!opened.refusal.empty()) {
-        return opened.refusal;
+    const auto opened = openFolder(folder);
+    if (!opened.isOk()) {
+        return opened.status();
     }
-    if (::chmod(opened.path().c_str(), (opened.status.st_mode & 07000U) | bits) != 0) {
-        return complaint("chmod", folder, reason(errno));
+    if (::chmod(opened->path().c_str(), (opened->status.st_mode & 07000U) | bits) != 0) {
+        return Status::ofErrno(cannotChange, folder, errno);
     }
     return {};
 }

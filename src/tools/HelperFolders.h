@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/host/DirectoryAccounts.h"
-#include "tools/HelperComplaint.h"
+#include "platform/posix/Status.h"
 
 #include <string>
 
@@ -18,8 +18,8 @@
 
 /// `ownerAndGroup` is OWNER:GROUP, names that `accounts` knows; an empty one of them stays as it is. Numbers
 /// are no names.
-[[nodiscard]] HelperComplaint changeOwner(const std::string& ownerAndGroup, const std::string& folder,
-                                          const platform::DirectoryAccounts& accounts);
+[[nodiscard]] platform::Status changeOwner(const std::string& ownerAndGroup, const std::string& folder,
+                                           const platform::DirectoryAccounts& accounts);
 
 /// `mode` is octal, 0 to 777; the folder's bits above these stay.
-[[nodiscard]] HelperComplaint changeMode(const std::string& mode, const std::string& folder);
+[[nodiscard]] platform::Status changeMode(const std::string& mode, const std::string& folder);

@@ -1,12 +1,12 @@
 #include "platform/commandline/CommandLine.h"
 #include "platform/foundation/Host.h"
 #include "platform/foundation/SystemServices.h"
+#include "platform/posix/InputOutput.h"
 #include "platform/posix/Secret.h"
 #include "platform/security/HelperLauncher.h"
 #include "tools/Helper.h"
 #include "tools/HelperComplaint.h"
 
-#include <cerrno>
 #include <charconv>
 #include <csignal>
 #include <cstdlib>
@@ -34,38 +34,14 @@ void closeInheritedDescriptors() {
     ::closefrom(STDERR_FILENO + 1);
 }
 
-void writeAll(int descriptor, std::string_view bytes) {
-    while (!bytes.empty()) {
-        const ssize_t written = ::write(descriptor, bytes.data(), bytes.size());
-        if (written < 0 && errno != EINTR) {
-            return; // nobody listens, and there is nobody to tell
-        }
-        bytes.remove_prefix(written < 0 ? 0 : static_cast<std::size_t>(written));
-    }
+/// Where nobody listens, there is nobody to tell.
+void say(int descriptor, std::string_view text) {
+    static_cast<void>(platform::writeAll(descriptor, text, {}));
 }
 
 int refuse(const std::string& why) {
-    writeAll(STDERR_FILENO, "brindle-helper: " + why + "\n");
+    say(STDERR_FILENO, "brindle-helper: " + why + "\n");
     return kNotStarted;
-}
-
-/// All of standard input; none when it is larger than a request may be.
-std::optional<std::string> readInput() {
-    std::string bytes(platform::HelperLauncher::maximumRequest + 1, '\0');
-    std::size_t size = 0;
-    while (size < bytes.size()) {
-        const ssize_t count = ::read(STDIN_FILENO, bytes.data() + size, bytes.size() - size);
-        if (count == 0) {
-            bytes.resize(size);
-            return bytes;
-        }
-        if (count < 0 && errno != EINTR) {
-            return std::nullopt;
-        }
-        size += count < 0 ? 0 : static_cast<std::size_t>(count);
-    }
-    platform::wipe(bytes);
-    return std::nullopt;
 }
 
 /// The user who called sudo; none when sudo did not start this.
@@ -102,7 +78,9 @@ HelperResult runGuarded(const HelperPlace& place, const HelperRequest& request) 
         const platform::Host host(std::move(services));
         return runHelperTool(place, request);
     } catch (const std::exception& error) {
-        return {complaint("brindle-helper", request.tool, error.what()), "", 1};
+        return {
+            complaint("brindle-helper", platform::Status::failure("cannot run", request.tool, error.what())),
+            "", 1};
     }
 }
 
@@ -123,9 +101,9 @@ int helperMain(int argc, char** argv) {
     if (const std::string fault = placeOf(options, place); !fault.empty()) {
         return platform::complain(*parser, fault).print();
     }
-    auto input = readInput();
-    if (!input) {
-        return refuse("the request cannot be read, or is larger than 1 MiB");
+    auto input = platform::readAll(STDIN_FILENO, "the request", platform::HelperLauncher::maximumRequest);
+    if (!input.isOk()) {
+        return refuse(input.status().text());
     }
     auto request = parseHelperRequest(*input);
     platform::wipe(*input);
@@ -136,14 +114,14 @@ int helperMain(int argc, char** argv) {
         return refuse("refuses " + request->tool + ", which is not on its list of tools");
     }
     const char started = platform::HelperLauncher::startedByte;
-    if (::write(STDOUT_FILENO, &started, 1) != 1) {
+    if (!platform::writeAll(STDOUT_FILENO, {&started, 1}, "the started byte").isOk()) {
         return refuse("nobody waits for the answer");
     }
     const HelperResult result = runGuarded(place, *request);
     for (std::string& argument : request->arguments) {
         platform::wipe(argument); // one may be a password
     }
-    writeAll(STDOUT_FILENO, result.output);
-    writeAll(STDERR_FILENO, result.errors);
+    say(STDOUT_FILENO, result.output);
+    say(STDERR_FILENO, result.errors);
     return result.status;
 }

@@ -13,7 +13,11 @@
 #include <sys/syscall.h>
 #include <unistd.h>
 
+using platform::Status;
+
 namespace {
+
+constexpr const char* cannotSignal = "cannot hang up process";
 
 /// The file name of the program that a process runs; empty when that cannot be seen.
 std::string programOf(const std::string& processId) {
@@ -33,27 +37,28 @@ std::string programOf(const std::string& processId) {
 
 } // namespace
 
-HelperComplaint hangUpServer(const std::string& processId, const std::string& root) {
+Status hangUpServer(const std::string& processId, const std::string& root) {
     pid_t id = 0;
     const char* const end = processId.data() + processId.size();
     const auto [parsed, error] = std::from_chars(processId.data(), end, id);
     if (error != std::errc() || parsed != end || id <= 1) {
-        return complaint("kill", processId, "is no process; give its number");
+        return Status::failure(cannotSignal, processId, "is no process; give its number");
     }
     // Held open while its program is looked at, so that the signal reaches this process or none.
     const platform::FileDescriptor process = platform::openProcess(id);
     if (!process.isOpen()) {
-        return complaint("kill", processId, reason(errno));
+        return Status::ofErrno(cannotSignal, processId, errno);
     }
     const std::string program = programOf(std::to_string(id));
     if (program != "smbd" && program != "AppleFileServer") {
-        return complaint("kill", processId, "is no file server; only file servers are signalled");
+        return Status::failure(cannotSignal, processId, "is no file server; only file servers are signalled");
     }
     if (!root.empty() && !platform::isServerOfRoot(std::to_string(id), root)) {
-        return complaint("kill", processId, "is no server of this root; only its own servers are signalled");
+        return Status::failure(cannotSignal, processId,
+                               "is no server of this root; only its own servers are signalled");
     }
     if (::syscall(SYS_pidfd_send_signal, process.get(), SIGHUP, nullptr, 0) != 0) {
-        return complaint("kill", processId, reason(errno));
+        return Status::ofErrno(cannotSignal, processId, errno);
     }
     return {};
 }

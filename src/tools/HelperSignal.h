@@ -1,10 +1,10 @@
 #pragma once
 
-#include "tools/HelperComplaint.h"
+#include "platform/posix/Status.h"
 
 #include <string>
 
 /// The helper's kill: sends signal 1 to the process `processId`, which must be a file server: its program is
 /// smbd or AppleFileServer. `root` is the embedded root whose servers alone may be signalled; empty on the
 /// computer itself.
-[[nodiscard]] HelperComplaint hangUpServer(const std::string& processId, const std::string& root);
+[[nodiscard]] platform::Status hangUpServer(const std::string& processId, const std::string& root);

@@ -9,12 +9,11 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <span>
 #include <stdexcept>
 #include <string_view>
 #include <utility>
 #include <vector>
-
-#include <string.h>
 
 namespace {
 
@@ -89,7 +88,8 @@ int directoryToolMain(std::string_view name, int argc, char** argv) {
     std::vector<std::string> arguments(words.begin(), words.end());
     const bool endsWithPassword = name == "dscl" && !arguments.empty();
     if (endsWithPassword) {
-        ::explicit_bzero(words.back(), arguments.back().size()); // others can read a process's arguments
+        platform::wipe(
+            std::span(words.back(), arguments.back().size())); // others can read a process's arguments
     }
     ToolResult result;
     try {

@@ -73,8 +73,8 @@ void AboutBox::fillPanel() {
     aboutWindow->setTitle(stringWithFormat(NSLocalizedString("About %@"), name));
     versionField->setStringValue(stringWithFormat(NSLocalizedString("Version %@"),
                                                   bundle.objectForInfoDictionaryKey("CFBundleVersion")));
-    if (const auto file = contentsOfFile(bundle.resourcePath() + "/Credits.rtf"); file.bytes) {
-        if (const auto credits = platform::readRichText(*file.bytes)) {
+    if (const auto file = contentsOfFile(bundle.resourcePath() + "/Credits.rtf"); file.isOk()) {
+        if (const auto credits = platform::readRichText(*file)) {
             creditsField->insertAtStart(*credits);
         }
     }

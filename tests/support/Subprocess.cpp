@@ -1,134 +1,63 @@
 #include "support/Subprocess.h"
 
-#include <cerrno>
-#include <csignal>
-#include <cstdlib>
-#include <stdexcept>
-#include <thread>
+#include "platform/posix/InputOutput.h"
 
-#include <fcntl.h>
-#include <sys/wait.h>
+#include <csignal>
+#include <stdexcept>
+
 #include <unistd.h>
 
 namespace {
 
-struct Pipe {
-    int read = -1;
-    int write = -1;
+using platform::ErrorOutput;
 
-    Pipe() {
-        int ends[2];
-        if (pipe2(ends, O_CLOEXEC) != 0) {
-            throw std::runtime_error("no pipe");
-        }
-        read = ends[0];
-        write = ends[1];
+/// The value of a result that a test cannot do without.
+template <class T>
+T valueOf(platform::Result<T> result) {
+    if (!result.isOk()) {
+        throw std::runtime_error(result.status().text());
     }
-};
-
-[[noreturn]] void become(const std::vector<std::string>& command,
-                         const std::vector<std::string>& environment) {
-    for (const std::string& each : environment) {
-        const std::size_t equals = each.find('=');
-        setenv(each.substr(0, equals).c_str(), each.substr(equals + 1).c_str(), 1);
-    }
-    std::vector<char*> arguments;
-    for (const std::string& word : command) {
-        arguments.push_back(const_cast<char*>(word.c_str()));
-    }
-    arguments.push_back(nullptr);
-    execvp(arguments[0], arguments.data());
-    _exit(127);
+    return std::move(*result);
 }
 
-std::string readToEnd(int descriptor) {
-    std::string text;
-    char buffer[4096];
-    ssize_t count = 0;
-    while ((count = read(descriptor, buffer, sizeof buffer)) > 0) {
-        text.append(buffer, static_cast<std::size_t>(count));
+/// A program that is named without its folder is looked for in $PATH.
+std::vector<std::string> located(std::vector<std::string> command) {
+    if (command.front().find('/') == std::string::npos) {
+        command.insert(command.begin(), "/usr/bin/env");
     }
-    close(descriptor);
-    return text;
-}
-
-void writeAll(int descriptor, const std::string& text) {
-    std::size_t done = 0;
-    while (done < text.size()) {
-        const ssize_t count = write(descriptor, text.data() + done, text.size() - done);
-        if (count < 0) {
-            return; // the program does not read on; its status tells the test
-        }
-        done += static_cast<std::size_t>(count);
-    }
-}
-
-int collect(pid_t process) {
-    int status = 0;
-    while (waitpid(process, &status, 0) < 0 && errno == EINTR) {
-    }
-    return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+    return command;
 }
 
 } // namespace
 
 Finished runProgram(const std::vector<std::string>& command, const std::string& input,
                     const std::vector<std::string>& environment) {
-    std::signal(SIGPIPE, SIG_IGN);
-    const Pipe in;
-    const Pipe out;
-    const Pipe err;
-    const pid_t child = fork();
-    if (child == 0) {
-        dup2(in.read, 0);
-        dup2(out.write, 1);
-        dup2(err.write, 2);
-        become(command, environment);
+    platform::Command run{located(command), ErrorOutput::Apart};
+    for (const std::string& variable : environment) {
+        const std::string start = variable.substr(0, variable.find('=') + 1);
+        std::erase_if(run.environment, [&](const std::string& each) { return each.starts_with(start); });
+        run.environment.push_back(variable);
     }
-    close(in.read);
-    close(out.write);
-    close(err.write);
-    Finished finished;
-    std::thread writer([&] {
-        writeAll(in.write, input);
-        close(in.write);
-    });
-    std::thread errors([&] { finished.errors = readToEnd(err.read); });
-    finished.output = readToEnd(out.read);
-    writer.join();
-    errors.join();
-    finished.status = collect(child);
-    return finished;
+    return valueOf(platform::runProcess(run, input));
 }
 
 Conversation::Conversation(const std::vector<std::string>& command) {
     std::signal(SIGPIPE, SIG_IGN);
-    const Pipe in;
-    const Pipe out;
-    process_ = fork();
-    if (process_ == 0) {
-        dup2(in.read, 0);
-        dup2(out.write, 1);
-        dup2(out.write, 2);
-        become(command, {});
-    }
-    close(in.read);
-    close(out.write);
-    input_ = in.write;
-    output_ = out.read;
+    child_ = valueOf(platform::startProcess({located(command), ErrorOutput::WithOutput}));
 }
 
 Conversation::~Conversation() {
-    close(input_);
-    close(output_);
-    collect(process_);
+    child_.input.reset();
+    child_.output.reset();
+    static_cast<void>(platform::waitForProcess(child_.id));
 }
 
 std::string Conversation::ask(const std::string& line, const std::string& part) {
-    writeAll(input_, line + "\n");
+    // A program that does not read on shows in what it answers.
+    static_cast<void>(platform::writeAll(child_.input.get(), line + "\n", "the program"));
     std::string answer;
     char byte = 0;
-    while (read(output_, &byte, 1) == 1) {
+    while (::read(child_.output.get(), &byte, 1) == 1) {
         if (byte != '\n') {
             answer += byte;
         } else if (answer.find(part) != std::string::npos) {

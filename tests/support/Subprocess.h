@@ -1,16 +1,11 @@
 #pragma once
 
+#include "platform/posix/Process.h"
+
 #include <string>
 #include <vector>
 
-#include <sys/types.h>
-
-/// What a finished program wrote and how it ended.
-struct Finished {
-    std::string output; ///< standard output
-    std::string errors; ///< standard error
-    int status = -1;    ///< exit status, or 128 + the signal
-};
+using Finished = platform::FinishedProcess;
 
 /// Runs a program to its end with `input` as its standard input. `environment` ("NAME=VALUE") is added to
 /// this process's.
@@ -25,12 +20,10 @@ class Conversation {
     Conversation(const Conversation&) = delete;
     Conversation& operator=(const Conversation&) = delete;
 
-    /// Sends a line and answers the next line that holds `part`; what came by then where the program ends
+    /// Sends a line and returns the next line that holds `part`; what came by then where the program ends
     /// without one.
     [[nodiscard]] std::string ask(const std::string& line, const std::string& part);
 
   private:
-    pid_t process_ = 0;
-    int input_ = -1;
-    int output_ = -1;
+    platform::ChildProcess child_;
 };

@@ -1,6 +1,7 @@
 #include "support/TestHost.h"
 
 #include "platform/netinfo/LocalDomain.h"
+#include "platform/posix/InputOutput.h"
 
 #include <gtest/gtest.h>
 
@@ -55,12 +56,8 @@ struct State {
 /// A descriptor from which `bytes` can be read, however many there are. -1 with errno set when there is none.
 int descriptorHolding(std::string_view bytes) {
     const int descriptor = ::memfd_create("brindle-test", MFD_CLOEXEC);
-    while (descriptor >= 0 && !bytes.empty()) {
-        const ssize_t written = ::write(descriptor, bytes.data(), bytes.size());
-        if (written < 0) {
-            throw std::system_error(errno, std::generic_category(), "a tool's output could not be kept");
-        }
-        bytes.remove_prefix(static_cast<std::size_t>(written));
+    if (descriptor >= 0 && !platform::writeAll(descriptor, bytes, "a tool's output").isOk()) {
+        throw std::system_error(errno, std::generic_category(), "a tool's output could not be kept");
     }
     if (descriptor >= 0) {
         ::lseek(descriptor, 0, SEEK_SET);

@@ -7,7 +7,6 @@
 #include "platform/foundation/Presenter.h"
 
 #include <algorithm>
-#include <cstring>
 
 #include <pugixml.hpp>
 
@@ -19,18 +18,17 @@ std::unique_ptr<Interface> Interface::load(const std::string& path, const std::s
 }
 
 std::unique_ptr<Interface> InterfaceLoader::load(const std::string& ownerClass, void* owner) {
-    const NSFileContents file = contentsOfFile(path_);
-    if (!file.bytes) {
-        refuse(1, stringWithFormat("the interface file cannot be read: %@", std::strerror(file.error)));
+    const auto file = contentsOfFile(path_);
+    if (!file.isOk()) {
+        refuse(1, stringWithFormat("the interface file cannot be read: %@", file.status().why()));
     }
     lineStarts_ = {0};
-    for (std::size_t at = file.bytes->find('\n'); at != std::string::npos;
-         at = file.bytes->find('\n', at + 1)) {
+    for (std::size_t at = file->find('\n'); at != std::string::npos; at = file->find('\n', at + 1)) {
         lineStarts_.push_back(at + 1);
     }
     pugi::xml_document document;
-    const pugi::xml_parse_result parsed = document.load_buffer(file.bytes->data(), file.bytes->size(),
-                                                               pugi::parse_default, pugi::encoding_utf8);
+    const pugi::xml_parse_result parsed =
+        document.load_buffer(file->data(), file->size(), pugi::parse_default, pugi::encoding_utf8);
     if (!parsed) {
         refuse(lineAt(parsed.offset),
                stringWithFormat("the XML is not well formed: %@", parsed.description()));

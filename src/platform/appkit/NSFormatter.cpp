@@ -1,5 +1,7 @@
 #include "platform/appkit/NSFormatter.h"
 
+#include "platform/posix/UTF8.h"
+
 #include <algorithm>
 #include <iterator>
 #include <limits>
@@ -53,32 +55,6 @@ std::optional<int> decimalDigitValue(char32_t character) {
         return std::nullopt;
     }
     return static_cast<int>(character - *std::prev(behind));
-}
-
-char32_t nextCharacter(std::string_view text, std::size_t& offset) {
-    constexpr char32_t replacement = 0xFFFD;
-    const auto byte = [text](std::size_t at) -> char32_t { return static_cast<unsigned char>(text[at]); };
-    const char32_t first = byte(offset++);
-    if (first < 0x80) {
-        return first;
-    }
-    const std::size_t following = first >= 0xF0 ? 3 : first >= 0xE0 ? 2 : 1;
-    if (first < 0xC2 || first > 0xF4 || text.size() - offset < following) {
-        return replacement;
-    }
-    char32_t character = first & (0x3FU >> following);
-    for (std::size_t i = 0; i < following; ++i) {
-        if ((byte(offset + i) & 0xC0) != 0x80) {
-            return replacement;
-        }
-        character = (character << 6) | (byte(offset + i) & 0x3F);
-    }
-    const char32_t least = following == 3 ? 0x10000 : following == 2 ? 0x800 : 0x80;
-    if (character < least || character > 0x10FFFF || (character >= 0xD800 && character <= 0xDFFF)) {
-        return replacement;
-    }
-    offset += following;
-    return character;
 }
 
 } // namespace platform

@@ -43,9 +43,6 @@ class NSFormatter {
 namespace platform {
 /// The value of a decimal digit of any script, or none for another character.
 [[nodiscard]] std::optional<int> decimalDigitValue(char32_t character);
-/// The character of UTF-8 `text` at the byte `offset`, which is moved behind it. A byte that is not UTF-8 is
-/// answered as U+FFFD. `offset` must lie inside the text.
-[[nodiscard]] char32_t nextCharacter(std::string_view text, std::size_t& offset);
 } // namespace platform
 
 /// Whole numbers. Digits of any script count by their value; a number beyond 32 bits saturates.

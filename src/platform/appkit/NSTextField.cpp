@@ -3,17 +3,7 @@
 #include "platform/foundation/Host.h"
 #include "platform/foundation/NSString.h"
 #include "platform/foundation/Presenter.h"
-
-#include <string.h>
-
-namespace {
-
-void wipe(std::string& text) {
-    explicit_bzero(text.data(), text.size());
-    text.clear();
-}
-
-} // namespace
+#include "platform/posix/Secret.h"
 
 void NSTextField::setStringValue(std::string text) {
     takeText(text);
@@ -22,9 +12,9 @@ void NSTextField::setStringValue(std::string text) {
 void NSTextField::takeText(std::string& text) {
     if (isSecure()) {
         // Copied, not moved: a moved short text leaves its bytes behind.
-        wipe(text_);
+        platform::wipe(text_);
         text_.assign(text);
-        wipe(text);
+        platform::wipe(text);
     } else {
         text_ = std::move(text);
     }
@@ -32,7 +22,7 @@ void NSTextField::takeText(std::string& text) {
 }
 
 void NSTextField::wipeText() {
-    wipe(text_);
+    platform::wipe(text_);
 }
 
 std::int32_t NSTextField::intValue() const {

@@ -5,6 +5,8 @@
 #include <cstdint>
 #include <utility>
 
+#include <utf8.h>
+
 namespace platform {
 
 namespace {
@@ -20,20 +22,10 @@ constexpr std::array<std::string_view, 12> destinations = {
     "fonttbl", "colortbl", "stylesheet", "info",      "pict",    "object",
     "header",  "footer",   "footnote",   "listtable", "rsidtbl", "generator"};
 
-std::string utf8(char32_t character) {
-    const auto unit = [](char32_t value) { return static_cast<char>(static_cast<unsigned char>(value)); };
-    if (character < 0x80) {
-        return {unit(character)};
-    }
-    if (character < 0x800) {
-        return {unit(0xC0 | (character >> 6)), unit(0x80 | (character & 0x3F))};
-    }
-    if (character < 0x10000) {
-        return {unit(0xE0 | (character >> 12)), unit(0x80 | ((character >> 6) & 0x3F)),
-                unit(0x80 | (character & 0x3F))};
-    }
-    return {unit(0xF0 | (character >> 18)), unit(0x80 | ((character >> 12) & 0x3F)),
-            unit(0x80 | ((character >> 6) & 0x3F)), unit(0x80 | (character & 0x3F))};
+std::string utf8Text(char32_t character) {
+    std::string text;
+    utf8::append(character, text);
+    return text;
 }
 
 int hexValue(char digit) {
@@ -117,10 +109,10 @@ class Reader {
             state_.skipped = true;
             break;
         case '~':
-            addFallback(utf8(0xA0));
+            addFallback(utf8Text(0xA0));
             break;
         case '_':
-            addFallback(utf8(0x2011));
+            addFallback(utf8Text(0x2011));
             break;
         case '\r':
         case '\n':
@@ -145,7 +137,7 @@ class Reader {
         const auto byte = static_cast<char32_t>(high * 16 + low);
         const bool special = byte >= 0x80 && byte < 0xA0;
         const char32_t character = special ? windows1252.at(byte - 0x80) : byte;
-        addFallback(utf8(character == 0 ? 0xFFFD : character));
+        addFallback(utf8Text(character == 0 ? 0xFFFD : character));
     }
 
     void readWord() {
@@ -210,9 +202,9 @@ class Reader {
         const char32_t high = std::exchange(highSurrogate_, 0);
         const bool low = value >= 0xDC00 && value < 0xE000;
         if (low && high == 0) {
-            add(utf8(0xFFFD));
+            add(utf8Text(0xFFFD));
         } else {
-            add(utf8(low ? 0x10000 + ((high - 0xD800) << 10) + (value - 0xDC00) : value));
+            add(utf8Text(low ? 0x10000 + ((high - 0xD800) << 10) + (value - 0xDC00) : value));
         }
     }
 

@@ -55,13 +55,14 @@ CURLcode perform(CURL* transfer, const std::string& address, Body& body) {
     return curl_easy_perform(transfer);
 }
 
-Fetched failure(const std::string& address, const std::string& reason) {
-    return {std::nullopt, stringWithFormat(NSLocalizedString("cannot fetch %@: %@"), address, reason)};
+Status failure(const std::string& address, const std::string& reason) {
+    return Status::failure("cannot fetch", address,
+                           stringWithFormat(NSLocalizedString("cannot fetch %@: %@"), address, reason));
 }
 
 } // namespace
 
-Fetched fetchContentsOfURL(const std::string& address) {
+Result<std::string> fetchContentsOfURL(const std::string& address) {
     const Transfer transfer(curl_easy_init(), &curl_easy_cleanup);
     if (!transfer) {
         return failure(address, NSLocalizedString("no memory"));
@@ -80,7 +81,7 @@ Fetched fetchContentsOfURL(const std::string& address) {
         return failure(address,
                        stringWithFormat(NSLocalizedString("the server answered with status %d"), status));
     }
-    return {std::move(body.bytes), {}};
+    return std::move(body.bytes);
 }
 
 } // namespace platform

@@ -1,18 +1,14 @@
 #pragma once
 
-#include <optional>
+#include "platform/posix/Status.h"
+
 #include <string>
 
 namespace platform {
 
-/// A document fetched over the network, or why there is none.
-struct Fetched {
-    std::optional<std::string> bytes;
-    std::string error; ///< for the user: what failed and on which address; empty on success
-};
-
 /// Fetches `address` (http or https only, redirects to those followed) synchronously: 10 seconds and 1 MiB at
-/// most. An HTTP status other than 2xx is a failure.
-[[nodiscard]] Fetched fetchContentsOfURL(const std::string& address);
+/// most. An HTTP status other than 2xx is a failure. The reason of a failure is a sentence for the user,
+/// which names the address.
+[[nodiscard]] Result<std::string> fetchContentsOfURL(const std::string& address);
 
 } // namespace platform

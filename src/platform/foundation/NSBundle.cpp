@@ -7,24 +7,25 @@
 #include <array>
 #include <cerrno>
 #include <cstdlib>
-#include <cstring>
 #include <utility>
 
 namespace {
 
 /// Adds the entries of the table at `path` that no language before had.
 void mergeTable(platform::StringTable& into, const std::string& path) {
-    const NSFileContents contents = contentsOfFile(path);
-    if (!contents.bytes) {
-        if (contents.error != ENOENT && contents.error != ENOTDIR) {
-            NSLog("cannot read the texts in %@: %@", path, std::strerror(contents.error));
+    const auto contents = contentsOfFile(path);
+    if (!contents.isOk()) {
+        const int error = contents.status().systemError();
+        if (error != ENOENT && error != ENOTDIR) {
+            NSLog("cannot read the texts in %@: %@", path, contents.status().why());
         }
         return;
     }
-    try {
-        into.merge(platform::readStringTable(*contents.bytes));
-    } catch (const platform::StringTableError& error) {
-        NSLog("cannot read the texts in %@: %@", path, error.what());
+    auto table = platform::readStringTable(*contents);
+    if (table.isOk()) {
+        into.merge(*table);
+    } else {
+        NSLog("cannot read the texts in %@: %@", path, table.status().why());
     }
 }
 
@@ -59,16 +60,16 @@ std::string environmentLocale() {
 NSBundle::NSBundle(std::string resourcePath, const std::vector<std::string>& languages)
     : resourcePath_(std::move(resourcePath)) {
     const std::string infoFile = resourcePath_ + "/Info.plist";
-    const NSFileContents info = contentsOfFile(infoFile);
-    if (info.bytes) {
-        auto dictionary = NSMutableDictionary::dictionaryWithData(*info.bytes);
+    const auto info = contentsOfFile(infoFile);
+    if (info.isOk()) {
+        auto dictionary = NSMutableDictionary::dictionaryWithData(*info);
         if (dictionary) {
             info_ = std::move(*dictionary);
         } else {
             NSLog("%@ is no property list with a dictionary", infoFile);
         }
     } else {
-        NSLog("cannot read %@: %@", infoFile, std::strerror(info.error));
+        NSLog("%@", info.status().text());
     }
     for (const auto& language : languages) {
         const std::string folder = resourcePath_ + "/" + language + ".lproj/";

@@ -156,8 +156,8 @@ NSMutableDictionary::NSMutableDictionary() {
 
 std::optional<NSMutableDictionary>
 NSMutableDictionary::dictionaryWithContentsOfFile(const std::string& path) {
-    const NSFileContents contents = contentsOfFile(path);
-    return contents.bytes ? dictionaryWithData(*contents.bytes) : std::nullopt;
+    const auto contents = contentsOfFile(path);
+    return contents.isOk() ? dictionaryWithData(*contents) : std::nullopt;
 }
 
 std::optional<NSMutableDictionary> NSMutableDictionary::dictionaryWithData(std::string_view bytes) {
@@ -266,6 +266,6 @@ std::string NSMutableDictionary::xmlText() const {
     return text;
 }
 
-bool NSMutableDictionary::writeToFile(const std::string& path) const {
+platform::Status NSMutableDictionary::writeToFile(const std::string& path) const {
     return writeToFileAtomically(path, xmlText());
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/posix/Status.h"
+
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -40,8 +42,8 @@ class NSMutableDictionary {
 
     /// The XML property list, a line break at its end.
     [[nodiscard]] std::string xmlText() const;
-    /// Writes xmlText() whole (see writeToFileAtomically). False when that failed.
-    [[nodiscard]] bool writeToFile(const std::string& path) const;
+    /// Writes xmlText() whole (see writeToFileAtomically).
+    [[nodiscard]] platform::Status writeToFile(const std::string& path) const;
 
   private:
     struct Node;

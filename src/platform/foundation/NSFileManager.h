@@ -1,11 +1,16 @@
 #pragma once
 
+#include "platform/posix/Status.h"
+
 #include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
 
 #include <sys/types.h>
+
+// The operations on files take paths as the application knows them: the host maps each (Paths::map), so that
+// the two settings files are read, written and removed where the host keeps them.
 
 struct NSFileAttributes {
     std::int32_t posixPermissions = 0; ///< the mode's bits below the type: 07777
@@ -21,24 +26,16 @@ struct NSFileAttributes {
 /// The attributes of what `path` names, symbolic links followed; none when it cannot be examined.
 [[nodiscard]] std::optional<NSFileAttributes> fileAttributesAtPath(const std::string& path);
 
-/// A file's bytes, or why there are none.
-struct NSFileContents {
-    std::optional<std::string> bytes;
-    int error = 0; ///< errno of the step that failed; ENOENT for a missing file
-};
+/// The whole file at `path`. systemError() is ENOENT for a missing file.
+[[nodiscard]] platform::Result<std::string> contentsOfFile(const std::string& path);
 
-/// The whole file at `path`, which the host maps.
-[[nodiscard]] NSFileContents contentsOfFile(const std::string& path);
+/// Writes `bytes` to `path` in one piece (see posix/WholeFile.h): no reader sees half a file, and a link at
+/// `path` is replaced, not followed. `mode` is that of a new file. On failure the file is as it was.
+[[nodiscard]] platform::Status writeToFileAtomically(const std::string& path, std::string_view bytes,
+                                                     unsigned mode = 0644);
 
-/// Writes `bytes` to `path` in one piece: a temporary file beside it, created exclusively with `mode`,
-/// flushed to disk and renamed over the target, so that no reader sees half a file and a link at `path` is
-/// replaced, not followed. False, with errno set and the target untouched, when a step fails; no temporary
-/// file stays.
-[[nodiscard]] bool writeToFileAtomically(const std::string& path, std::string_view bytes,
-                                         unsigned mode = 0644);
-
-/// Removes a file. False with errno set when that failed.
-[[nodiscard]] bool removeFileAtPath(const std::string& path);
+/// Removes a file.
+[[nodiscard]] platform::Status removeFileAtPath(const std::string& path);
 
 /// `path` with a leading "~" or "~/" replaced by the user's home folder.
 [[nodiscard]] std::string stringByExpandingTildeInPath(const std::string& path);

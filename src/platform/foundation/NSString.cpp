@@ -1,5 +1,7 @@
 #include "platform/foundation/NSString.h"
 
+#include "platform/posix/UTF8.h"
+
 #include <algorithm>
 #include <array>
 #include <charconv>
@@ -18,56 +20,8 @@ char lowered(char character) {
     return character >= 'A' && character <= 'Z' ? static_cast<char>(character - 'A' + 'a') : character;
 }
 
-bool isContinuation(std::string_view text, std::size_t index, unsigned low, unsigned high) {
-    if (index >= text.size()) {
-        return false;
-    }
-    const auto byte = static_cast<unsigned char>(text[index]);
-    return byte >= low && byte <= high;
-}
-
-/// The length in bytes of the well-formed UTF-8 character at `start`, or 0 when there is none.
-std::size_t characterLength(std::string_view text, std::size_t start) {
-    const auto first = static_cast<unsigned char>(text[start]);
-    if (first < 0x80) {
-        return 1;
-    }
-    std::size_t length = 0;
-    unsigned low = 0x80;
-    unsigned high = 0xBF;
-    if (first >= 0xC2 && first <= 0xDF) {
-        length = 2;
-    } else if (first >= 0xE0 && first <= 0xEF) {
-        length = 3;
-        low = first == 0xE0 ? 0xA0 : 0x80;  // no overlong forms
-        high = first == 0xED ? 0x9F : 0xBF; // no surrogates
-    } else if (first >= 0xF0 && first <= 0xF4) {
-        length = 4;
-        low = first == 0xF0 ? 0x90 : 0x80;
-        high = first == 0xF4 ? 0x8F : 0xBF; // nothing above U+10FFFF
-    } else {
-        return 0;
-    }
-    if (!isContinuation(text, start + 1, low, high)) {
-        return 0;
-    }
-    for (std::size_t index = 2; index < length; ++index) {
-        if (!isContinuation(text, start + index, 0x80, 0xBF)) {
-            return 0;
-        }
-    }
-    return length;
-}
-
-/// What one step over a text takes: bytes, and the UTF-16 units that they stand for.
-struct Step {
-    std::size_t bytes;
-    std::size_t units;
-};
-
-Step stepAt(std::string_view text, std::size_t start) {
-    const std::size_t length = characterLength(text, start);
-    return {std::max<std::size_t>(length, 1), length == 4 ? std::size_t{2} : std::size_t{1}};
+std::size_t utf16Units(char32_t character) {
+    return character > 0xFFFF ? 2 : 1;
 }
 
 } // namespace
@@ -112,52 +66,40 @@ std::vector<std::string> componentsSeparatedByString(std::string_view text, std:
 }
 
 std::string stringForXML(std::string_view text) {
-    constexpr std::string_view lineCharacters = "\t\n\r";
+    constexpr std::u32string_view lineCharacters = U"\t\n\r";
+    constexpr char32_t replacement = 0xFFFD;
     std::string answer;
     answer.reserve(text.size());
     for (std::size_t index = 0; index < text.size();) {
-        const std::size_t length = characterLength(text, index);
-        const std::string_view character = text.substr(index, std::max<std::size_t>(length, 1));
-        const bool isControl = static_cast<unsigned char>(character.front()) < 0x20 &&
-                               lineCharacters.find(character.front()) == std::string_view::npos;
-        const bool isNone = length == 0 || character == "\xef\xbf\xbe" || character == "\xef\xbf\xbf";
-        answer += isControl || isNone ? std::string_view("\xef\xbf\xbd") : character;
-        index += character.size();
+        const char32_t character = platform::nextCharacter(text, index);
+        const bool isControl =
+            character < 0x20 && lineCharacters.find(character) == std::u32string_view::npos;
+        const bool isNone = character == 0xFFFE || character == 0xFFFF;
+        utf8::append(isControl || isNone ? replacement : character, answer);
     }
     return answer;
 }
 
 bool isValidUTF8(std::string_view text) {
-    for (std::size_t index = 0; index < text.size();) {
-        const std::size_t length = characterLength(text, index);
-        if (length == 0) {
-            return false;
-        }
-        index += length;
-    }
-    return true;
+    return utf8::is_valid(text);
 }
 
 std::size_t utf16Length(std::string_view text) {
     std::size_t units = 0;
     for (std::size_t index = 0; index < text.size();) {
-        const Step step = stepAt(text, index);
-        index += step.bytes;
-        units += step.units;
+        units += utf16Units(platform::nextCharacter(text, index));
     }
     return units;
 }
 
 std::size_t offsetOfUTF16(std::string_view text, std::size_t unit) {
     std::size_t passed = 0;
-    std::size_t index = 0;
-    while (index < text.size()) {
-        const Step step = stepAt(text, index);
-        passed += step.units;
+    for (std::size_t index = 0; index < text.size();) {
+        const std::size_t start = index;
+        passed += utf16Units(platform::nextCharacter(text, index));
         if (passed > unit) {
-            return index;
+            return start;
         }
-        index += step.bytes;
     }
     return text.size();
 }

@@ -5,7 +5,6 @@
 #include "platform/foundation/NSLog.h"
 
 #include <cerrno>
-#include <cstring>
 #include <filesystem>
 #include <system_error>
 #include <utility>
@@ -22,15 +21,15 @@ void NSUserDefaults::readOnce() const {
     if (path_.empty()) {
         return;
     }
-    const NSFileContents contents = contentsOfFile(path_);
-    if (!contents.bytes) {
-        if (contents.error != ENOENT) {
+    const auto contents = contentsOfFile(path_);
+    if (!contents.isOk()) {
+        if (contents.status().systemError() != ENOENT) {
             mayWrite_ = false;
-            NSLog("cannot read the settings in %@: %@", path_, std::strerror(contents.error));
+            NSLog("cannot read the settings in %@: %@", path_, contents.status().why());
         }
         return;
     }
-    if (auto read = NSMutableDictionary::dictionaryWithData(*contents.bytes)) {
+    if (auto read = NSMutableDictionary::dictionaryWithData(*contents)) {
         values_ = std::move(read);
     } else {
         mayWrite_ = false;
@@ -55,7 +54,7 @@ void NSUserDefaults::setInteger(std::int32_t value, const std::string& key) {
     std::filesystem::create_directories(std::filesystem::path(path_).parent_path(), error);
     if (error) {
         NSLog("cannot make the folder for the settings in %@: %@", path_, error.message());
-    } else if (!values_->writeToFile(path_)) {
-        NSLog("cannot write the settings to %@: %@", path_, std::strerror(errno));
+    } else if (const auto status = values_->writeToFile(path_); !status.isOk()) {
+        NSLog("cannot write the settings to %@: %@", path_, status.why());
     }
 }

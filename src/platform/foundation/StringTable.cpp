@@ -7,6 +7,8 @@
 #include <cstdint>
 #include <utility>
 
+#include <utf8.h>
+
 namespace platform {
 
 namespace {
@@ -15,24 +17,10 @@ constexpr std::uint32_t firstHighSurrogate = 0xD800;
 constexpr std::uint32_t firstLowSurrogate = 0xDC00;
 constexpr std::uint32_t afterSurrogates = 0xE000;
 
-void appendUTF8(std::string& text, std::uint32_t character) {
-    const auto append = [&text](std::uint32_t byte) { text += static_cast<char>(byte); };
-    if (character < 0x80) {
-        append(character);
-    } else if (character < 0x800) {
-        append(0xC0U | (character >> 6U));
-        append(0x80U | (character & 0x3FU));
-    } else if (character < 0x10000) {
-        append(0xE0U | (character >> 12U));
-        append(0x80U | ((character >> 6U) & 0x3FU));
-        append(0x80U | (character & 0x3FU));
-    } else {
-        append(0xF0U | (character >> 18U));
-        append(0x80U | ((character >> 12U) & 0x3FU));
-        append(0x80U | ((character >> 6U) & 0x3FU));
-        append(0x80U | (character & 0x3FU));
-    }
-}
+/// Ends a reading; the reader lets none out.
+struct Fault {
+    std::string why;
+};
 
 class Reader {
   public:
@@ -55,7 +43,7 @@ class Reader {
     [[noreturn]] void fail(const std::string& expected) const {
         const auto line =
             1 + std::count(bytes_.begin(), bytes_.begin() + static_cast<std::ptrdiff_t>(position_), '\n');
-        throw StringTableError("line " + std::to_string(line) + ": expected " + expected);
+        throw Fault{"line " + std::to_string(line) + ": expected " + expected};
     }
 
     bool accept(std::string_view token) {
@@ -113,7 +101,7 @@ class Reader {
         constexpr std::string_view letters = "\"\\'ntr";
         constexpr std::string_view meanings = "\"\\'\n\t\r";
         if (accept("U")) {
-            appendUTF8(text, readCharacter());
+            utf8::append(static_cast<char32_t>(readCharacter()), text);
             return;
         }
         const std::size_t index =
@@ -157,11 +145,16 @@ class Reader {
 
 } // namespace
 
-StringTable readStringTable(std::string_view bytes) {
+Result<StringTable> readStringTable(std::string_view bytes) {
+    constexpr const char* what = "cannot read the string table";
     if (!isValidUTF8(bytes)) {
-        throw StringTableError("the file is not UTF-8: save it in that encoding");
+        return Status::failure(what, {}, "the file is not UTF-8: save it in that encoding");
     }
-    return Reader(bytes).read();
+    try {
+        return Reader(bytes).read();
+    } catch (const Fault& fault) {
+        return Status::failure(what, {}, fault.why);
+    }
 }
 
 } // namespace platform

@@ -1,9 +1,9 @@
 #include "platform/host/EmbeddedRoot.h"
 
-#include "platform/foundation/NSFileManager.h"
 #include "platform/host/RootContents.h"
 #include "platform/netinfo/Store.h"
 #include "platform/posix/FileDescriptor.h"
+#include "platform/posix/WholeFile.h"
 #include "platform/samba/SambaAccounts.h"
 
 #include <cerrno>
@@ -58,7 +58,8 @@ Status makeFile(const std::string& file, const std::string& text) {
     if (Status status = makeFolder(fs::path(file).parent_path()); !status.isOk()) {
         return status;
     }
-    return writeToFileAtomically(file, text, 0644) ? Status() : failure(file, std::strerror(errno));
+    const Status status = writeWholeFile(file, text);
+    return status.isOk() ? status : failure(file, std::string(status.why()));
 }
 
 /// Each folder and file but the store: the store comes last, because a root that has one is whole.

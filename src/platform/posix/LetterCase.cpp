@@ -15,15 +15,15 @@ std::string lowercased(std::string_view text) {
     static const locale_t letters = named != nullptr ? named : ::newlocale(LC_CTYPE_MASK, "C", nullptr);
     std::string small;
     small.reserve(text.size());
-    while (!text.empty()) {
-        const UTF8Step step = firstUTF8Step(text);
-        if (step.character) {
-            const auto letter = ::towlower_l(static_cast<wint_t>(*step.character), letters);
+    for (std::size_t offset = 0; offset < text.size();) {
+        const std::size_t start = offset;
+        const char32_t character = nextCharacter(text, offset);
+        if (offset - start > 1 || character < 0x80) {
+            const auto letter = ::towlower_l(static_cast<wint_t>(character), letters);
             utf8::append(static_cast<char32_t>(letter), std::back_inserter(small));
         } else {
-            small += text.front();
+            small += text[start]; // no UTF-8
         }
-        text.remove_prefix(step.bytes);
     }
     return small;
 }

@@ -1,32 +1,29 @@
 #pragma once
 
 #include <cstddef>
-#include <optional>
 #include <string_view>
 
 #include <utf8.h>
 
 namespace platform {
 
-// UTF-8 is read and written by utfcpp (utf8::is_valid, utf8::append). What it leaves to us: a text may hold
-// bytes that are no UTF-8, and they pass through.
+// utfcpp reads and writes UTF-8 (utf8::is_valid, utf8::append). What it leaves open: a text may hold bytes
+// that are no UTF-8, which count as characters and pass through.
 
-/// A step over a text: a character, or one byte that is no UTF-8.
-struct UTF8Step {
-    std::size_t bytes = 1;
-    std::optional<char32_t> character; ///< none for such a byte
-};
-
-/// The step at the start of `text`, which is not empty.
-[[nodiscard]] inline UTF8Step firstUTF8Step(std::string_view text) {
+/// The character of `text` at the byte `offset`, which must lie inside the text and is moved past it. A byte
+/// that is no UTF-8 is returned as U+FFFD, and passed alone.
+[[nodiscard]] inline char32_t nextCharacter(std::string_view text, std::size_t& offset) {
+    constexpr char32_t replacement = 0xFFFD;
     constexpr std::size_t longest = 4;
-    const std::string_view window = text.substr(0, longest);
+    const std::string_view window = text.substr(offset, longest);
     if (utf8::find_invalid(window) == 0) {
-        return {};
+        ++offset;
+        return replacement;
     }
     const char* end = window.data();
     const char32_t character = utf8::unchecked::next(end);
-    return {static_cast<std::size_t>(end - window.data()), character};
+    offset += static_cast<std::size_t>(end - window.data());
+    return character;
 }
 
 } // namespace platform
