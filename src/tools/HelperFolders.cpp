@@ -8,8 +8,8 @@
 #include <charconv>
 #include <optional>
 #include <string_view>
-#include <vector>
 #include <utility>
+#include <vector>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -113,7 +113,8 @@ Result<OpenOrder> ownerOrder(const std::string& ownerAndGroup, const std::string
     if (!owner.empty()) {
         order.owner = accounts.userId(owner);
         if (order.owner.value_or(unchanged<uid_t>) == unchanged<uid_t>) {
-            return Status::failure("cannot find user", owner, "there is no such user; choose one of the list");
+            return Status::failure("cannot find user", owner,
+                                   "there is no such user; choose one of the list");
         }
     }
     if (!group.empty()) {
