@@ -2,7 +2,6 @@
 
 #include "platform/appkit/Interface.h"
 #include "platform/foundation/Host.h"
-#include "review/Reviewer.h"
 
 #include <memory>
 #include <string>
@@ -24,9 +23,6 @@ class Application {
     /// platform::InterfaceError.
     void load();
 
-    /// Stands before the actions of the main interface; null before load().
-    [[nodiscard]] review::Reviewer* reviewer() const { return reviewer_.get(); }
-
     /// Brings the main window on screen and runs start-up, as one event.
     void launch();
 
@@ -39,7 +35,6 @@ class Application {
   private:
     platform::Host host_;
     std::unique_ptr<platform::Interface> interface_; ///< goes before the host, which its controls need
-    std::unique_ptr<review::Reviewer> reviewer_;
 };
 
 } // namespace frontend

@@ -86,7 +86,6 @@ int runScript(const Options& options) {
             application.launch();
         },
         std::cerr);
-    runner.useReviewer([&] { return application.reviewer(); });
     return runner.run();
 }
 

@@ -20,8 +20,7 @@ struct DirectoryPlace {
     [[nodiscard]] static DirectoryPlace ofRoot(const std::string& rootFolder);
 
     std::string storeFile;
-    std::string root;           ///< empty for a store alone
-    bool keepsPasswords = true; ///< false: dscl checks its request and the user, and sets nothing
+    std::string root; ///< empty for a store alone
     int waitSeconds = platform::Store::waitSeconds;
 };
 

@@ -1,7 +1,7 @@
 #pragma once
 
+#include "platform/appkit/Presenter.h"
 #include "platform/foundation/Host.h"
-#include "platform/foundation/Presenter.h"
 #include "platform/security/Authority.h"
 
 #include <deque>

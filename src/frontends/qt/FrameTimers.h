@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/foundation/Presenter.h"
+#include "platform/appkit/Presenter.h"
 
 #include <QElapsedTimer>
 #include <QTimer>

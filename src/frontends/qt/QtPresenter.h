@@ -3,7 +3,7 @@
 #include "frontends/qt/FrameTimers.h"
 #include "frontends/qt/QtFrontend.h"
 #include "frontends/qt/WindowView.h"
-#include "platform/foundation/Presenter.h"
+#include "platform/appkit/Presenter.h"
 
 #include <memory>
 #include <vector>

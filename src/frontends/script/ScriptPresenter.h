@@ -3,7 +3,7 @@
 #include "frontends/script/ScriptError.h"
 #include "frontends/script/ScriptOutput.h"
 #include "platform/appkit/Interface.h"
-#include "platform/foundation/Presenter.h"
+#include "platform/appkit/Presenter.h"
 
 #include <deque>
 #include <map>

@@ -1,10 +1,10 @@
 #include "platform/appkit/InterfaceLoader.h"
 
+#include "platform/appkit/Presenter.h"
 #include "platform/foundation/Host.h"
 #include "platform/foundation/NSBundle.h"
 #include "platform/foundation/NSFileManager.h"
 #include "platform/foundation/NSString.h"
-#include "platform/foundation/Presenter.h"
 
 #include <algorithm>
 

@@ -1,7 +1,7 @@
 #pragma once
 
+#include "platform/appkit/Presenter.h"
 #include "platform/foundation/NSString.h"
-#include "platform/foundation/Presenter.h"
 
 #include <functional>
 #include <memory>

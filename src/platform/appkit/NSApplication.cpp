@@ -1,9 +1,9 @@
 #include "platform/appkit/NSApplication.h"
 
 #include "platform/appkit/NSWindow.h"
+#include "platform/appkit/Presenter.h"
 #include "platform/foundation/Host.h"
 #include "platform/foundation/NSLog.h"
-#include "platform/foundation/Presenter.h"
 
 #include <exception>
 #include <utility>

@@ -1,8 +1,8 @@
 #include "platform/appkit/NSTextField.h"
 
+#include "platform/appkit/Presenter.h"
 #include "platform/foundation/Host.h"
 #include "platform/foundation/NSString.h"
-#include "platform/foundation/Presenter.h"
 #include "platform/posix/Secret.h"
 
 void NSTextField::setStringValue(std::string text) {

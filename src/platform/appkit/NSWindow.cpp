@@ -1,8 +1,8 @@
 #include "platform/appkit/NSWindow.h"
 
 #include "platform/appkit/NSApplication.h"
+#include "platform/appkit/Presenter.h"
 #include "platform/foundation/Host.h"
-#include "platform/foundation/Presenter.h"
 
 #include <algorithm>
 #include <utility>
@@ -81,21 +81,6 @@ void NSWindow::resignKey() {
     if (delegate_ != nullptr) {
         delegate_->windowDidResignKey(this);
     }
-}
-
-void NSWindow::copyState(const Element& from) {
-    const auto& other = dynamic_cast<const NSWindow&>(from);
-    title_ = other.title_;
-    key_ = other.key_;
-    if (other.visible_ && !visible_) {
-        visible_ = true;
-        onScreen_ = NSApp().windowsOnScreen();
-        onScreen_->push_back(this);
-    }
-}
-
-void NSDrawer::copyState(const Element& from) {
-    open_ = dynamic_cast<const NSDrawer&>(from).open_;
 }
 
 void NSDrawer::open() {

@@ -64,8 +64,6 @@ class NSWindow : public platform::Element {
     void becomeKey();
     void resignKey();
 
-    void copyState(const Element& from) override;
-
     /// makeKeyAndOrderFront was called: the front-end raises the window.
     platform::Signal<> orderedFront;
 
@@ -88,8 +86,6 @@ class NSDrawer : public platform::Element {
     void open();
     void close();
     void toggle();
-
-    void copyState(const Element& from) override;
 
   private:
     bool open_ = false;

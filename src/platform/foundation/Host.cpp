@@ -38,10 +38,6 @@ Host& Host::current() {
     return *currentHost();
 }
 
-Host* Host::currentIfAny() {
-    return currentHost();
-}
-
 NSNotificationCenter& Host::notificationCenter() {
     return *notificationCenter_;
 }

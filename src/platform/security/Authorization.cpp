@@ -1,7 +1,7 @@
 #include "platform/security/Authorization.h"
 
+#include "platform/appkit/Presenter.h"
 #include "platform/foundation/Host.h"
-#include "platform/foundation/Presenter.h"
 
 #include <array>
 #include <cerrno>

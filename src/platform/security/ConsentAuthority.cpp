@@ -1,7 +1,7 @@
 #include "platform/security/ConsentAuthority.h"
 
+#include "platform/appkit/Presenter.h"
 #include "platform/foundation/Host.h"
-#include "platform/foundation/Presenter.h"
 
 #include <optional>
 

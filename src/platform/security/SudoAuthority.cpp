@@ -1,9 +1,9 @@
 #include "platform/security/SudoAuthority.h"
 
+#include "platform/appkit/Presenter.h"
 #include "platform/foundation/Host.h"
 #include "platform/foundation/NSBundle.h"
 #include "platform/foundation/NSLog.h"
-#include "platform/foundation/Presenter.h"
 #include "platform/posix/Process.h"
 #include "platform/posix/Secret.h"
 
