@@ -166,6 +166,31 @@ TEST_F(AppKit, ARefusedEditLeavesTheFieldAndIsReported) {
     EXPECT_FALSE(field.proposeEdit("quiet", 5, {}));
 }
 
+TEST_F(AppKit, NoLineBreakOrControlCharacterEntersAField) {
+    struct Case {
+        std::string before;
+        std::string proposed;
+        std::string after;
+    };
+
+    const Case cases[] = {
+        {"", "a\nb\r\nc\rd\u2028e\u0085f", "a b c d e f"},
+        {"", "a\x1B\x7F\u0090\tb", "a\tb"},
+        {"", std::string("a\0b", 3), "ab"},
+        {"", "\xFF\x85", "\xFF\x85"},    // bytes that are no characters
+        {"a\nb", "a\nbc", "a\nbc"},      // what the program put in stays
+        {"a\u2026b", "a\u2028b", "a b"}, // shares bytes with what it takes the place of
+        {"a\u2028b", "a\u2028\u2028b", "a\u2028 b"},
+        {"x\n\n", "x\n", "x\n"},
+    };
+    for (const Case& each : cases) {
+        NSTextField field;
+        field.setStringValue(each.before);
+        EXPECT_TRUE(field.proposeEdit(each.proposed, 1, {}));
+        EXPECT_EQ(field.stringValue(), each.after);
+    }
+}
+
 TEST_F(AppKit, ANumberFieldShowsItsNumberWhenItIsLeft) {
     NSTextField field;
     const auto formatter = std::make_shared<NSNumberFormatter>();

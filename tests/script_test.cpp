@@ -214,7 +214,7 @@ TEST(Script, PrintsWhatAUserWouldSeeInTheOrderInWhichItHappens) {
                         "1 Name=\"\" \"Full Name\"=\"Bob \\\"B\\\"\" Secret=\"Bob \\\"B\\\"\"\n"},
         {"items page\nitems empty", "page[0] \"437\" tag=9\npage[1] \"One \\\"1\\\"\" tag=0\n"},
         {"type title Docs # a comment\nappend title \" \\\"1\\\"\\n\\t\\\\\"\nshow title",
-         "log \"title\\n\"\nlog \"title\\n\"\ntitle \"Docs \\\"1\\\"\\n\\t\\\\\"\n"},
+         "log \"title\\n\"\nlog \"title\\n\"\ntitle \"Docs \\\"1\\\" \\t\\\\\"\n"},
         {"type amount 007\ntype amount 1x\nappend amount 5\nshow amount\ntype amount \"\"\nshow amount",
          "log \"amount\\n\"\nrefused \"Input is not an integer\"\nbeep\nlog \"amount\\n\"\namount \"75\"\n"
          "log \"amount\\n\"\namount \"\"\n"},
@@ -361,9 +361,9 @@ TEST(Script, QuitsWithASheetUpWithoutConfirmingIt) {
 
 TEST(ScriptWords, AreReadBackAsTheyWereWritten) {
     for (const std::string text :
-         {"plain", "", "a b", "#x", "say \"hi\"", "back\\slash", "two\nlines\t", "\xFFraw"}) {
-        EXPECT_EQ(frontend::splitScriptLine("  " + frontend::scriptWord(text) + "\t # end"),
-                  std::vector{text});
+         {"plain", "", "a b", "#x", "x#y", "x\r", "say \"hi\"", "back\\slash", "two\nlines\t", "\xFFraw"}) {
+        EXPECT_EQ(frontend::splitScriptLine("  x " + frontend::scriptWord(text)),
+                  (std::vector<std::string>{"x", text}));
     }
     EXPECT_EQ(frontend::scriptWord("\xFFraw"), "\xFFraw");
 }

@@ -4,17 +4,19 @@
 
 namespace {
 
+/// Drops a text at the field's left end.
+void dropOnto(QLineEdit& edit, const QString& text) {
+    QMimeData data;
+    data.setText(text);
+    QDragEnterEvent enter(QPoint(1, 5), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(&edit, &enter);
+    QDropEvent event(QPointF(1, 5), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(&edit, &event);
+}
+
 TEST_F(Window, AnEditThatTheFieldRefusesChangesNeitherTextNorCaretNorSelection) {
     show();
     QLineEdit* edit = numberEdit();
-    const auto drop = [edit](const QString& text) {
-        QMimeData data;
-        data.setText(text);
-        QDragEnterEvent enter(QPoint(1, 5), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
-        QApplication::sendEvent(edit, &enter);
-        QDropEvent event(QPointF(1, 5), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
-        QApplication::sendEvent(edit, &event);
-    };
     const std::vector<std::pair<const char*, std::function<void()>>> edits = {
         {"refused 1x4", [edit] { QTest::keyClick(edit, 'x'); }},
         {"refused 13 44",
@@ -28,7 +30,7 @@ TEST_F(Window, AnEditThatTheFieldRefusesChangesNeitherTextNorCaretNorSelection) 
              event.setCommitString("é");
              QApplication::sendEvent(edit, &event);
          }},
-        {"refused a1234", [&drop] { drop("a"); }},
+        {"refused a1234", [edit] { dropOnto(*edit, "a"); }},
     };
     for (const auto& [told, perform] : edits) {
         desk.number->setStringValue("1234");
@@ -59,6 +61,28 @@ TEST_F(Window, AnEditThatTheFieldTakesIsSentOnceAndTheFieldTidiesUpWhenItIsLeft)
     widget<QWidget>("table")->setFocus();
     EXPECT_EQ(edit->text(), "7");
     EXPECT_EQ(desk.number->stringValue(), "7");
+}
+
+TEST_F(Window, WhatIsPastedOrDroppedEntersWithoutItsControlCharacters) {
+    show();
+    QLineEdit* edit = numberEdit();
+    const QString text = "\x1B"
+                         "5\x01";
+    for (const bool dropped : {false, true}) {
+        desk.number->setStringValue("12");
+        QApplication::processEvents();
+        edit->setFocus();
+        edit->setCursorPosition(dropped ? 0 : 1);
+        if (dropped) {
+            dropOnto(*edit, text);
+        } else {
+            QApplication::clipboard()->setText(text);
+            QTest::keyClick(edit, Qt::Key_V, Qt::ControlModifier);
+        }
+        EXPECT_EQ(desk.number->stringValue(), dropped ? "512" : "152");
+        EXPECT_EQ(edit->text().toStdString(), desk.number->stringValue());
+        EXPECT_EQ(edit->cursorPosition(), dropped ? 1 : 2);
+    }
 }
 
 TEST_F(Window, WhatTheProgramFillsInIsShownUnaskedAndIsNoEdit) {

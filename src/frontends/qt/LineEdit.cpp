@@ -90,6 +90,9 @@ void LineEdit::userEdited(const QString& text) {
         before_ = caretNow();
     } else if (now == accepted_) {
         restore(now, before);
+    } else { // taken without what no field holds; what stands after the caret is as it was
+        restore(now, {.position = std::max(0, after.position - static_cast<int>(text.size() - now.size()))});
+        accepted_ = now;
     }
     queue_.flush();
 }
@@ -125,8 +128,7 @@ void LineEdit::dragLeaveEvent(QDragLeaveEvent* event) {
 
 void LineEdit::dropEvent(QDropEvent* event) {
     // Qt would insert, and for a move take away, as two edits of its own: the drop is proposed here as one.
-    QString dropped = event->mimeData()->text();
-    dropped.replace(QLatin1Char('\n'), QLatin1Char(' '));
+    const QString dropped = event->mimeData()->text();
     QString proposed = text();
     int position = cursorPositionAt(event->position().toPoint());
     if (event->source() == this && event->dropAction() == Qt::MoveAction && dragged_.selectionStart >= 0) {
@@ -136,7 +138,7 @@ void LineEdit::dropEvent(QDropEvent* event) {
         }
     }
     proposed.insert(position, dropped);
-    const int caret = position + static_cast<int>(dropped.size());
+    int caret = position + static_cast<int>(dropped.size());
     // To the field, a drop is an insertion where nothing was selected.
     if (isReadOnly() || dropped.isEmpty() || !propose(proposed, caret, {.position = position})) {
         event->ignore();
@@ -144,8 +146,8 @@ void LineEdit::dropEvent(QDropEvent* event) {
         return;
     }
     event->acceptProposedAction();
-    restore(
-        proposed,
-        {.position = caret, .selectionStart = position, .selectionLength = static_cast<int>(dropped.size())});
+    const QString taken = shown(field_.stringValue());
+    caret = std::max(position, caret - static_cast<int>(proposed.size() - taken.size()));
+    restore(taken, {.position = caret, .selectionStart = position, .selectionLength = caret - position});
     queue_.flush();
 }

@@ -4,6 +4,70 @@
 #include "platform/foundation/Host.h"
 #include "platform/foundation/NSString.h"
 #include "platform/posix/Secret.h"
+#include "platform/posix/UTF8.h"
+
+#include <algorithm>
+#include <string_view>
+
+namespace {
+
+using platform::wipe;
+
+bool continuesCharacter(char byte) {
+    return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80;
+}
+
+bool isLineBreak(char32_t character) {
+    return (character >= U'\n' && character <= U'\r') || character == 0x85 || character == 0x2028 ||
+           character == 0x2029;
+}
+
+bool isControl(char32_t character) {
+    return character < U' ' || (character >= 0x7F && character < 0xA0);
+}
+
+/// `text` as a line: a line break becomes a blank, and of the other control characters only the tab stays.
+std::string asLine(std::string_view text) {
+    std::string line;
+    for (std::size_t offset = 0; offset < text.size();) {
+        const std::size_t begin = offset;
+        const char32_t character = platform::nextCharacter(text, offset);
+        if (isLineBreak(character)) {
+            line += ' ';
+            offset += text.substr(begin).starts_with("\r\n") ? 1 : 0;
+        } else if (character == U'\t' || !isControl(character)) {
+            line += text.substr(begin, offset - begin);
+        }
+    }
+    return line;
+}
+
+/// Makes a line of what `proposed` would bring into `text`, and nothing else, since the program may have put
+/// in what no user could. Returns by how many UTF-16 units it became shorter.
+std::size_t makeLineOfWhatEnters(std::string_view text, std::string& proposed) {
+    const auto differ = std::ranges::mismatch(text, proposed);
+    auto begin = static_cast<std::size_t>(differ.in1 - text.begin());
+    while (begin > 0 && begin < proposed.size() && continuesCharacter(proposed[begin])) {
+        --begin;
+    }
+    std::size_t end = proposed.size();
+    std::size_t textEnd = text.size();
+    while (end > begin && textEnd > begin && proposed[end - 1] == text[textEnd - 1]) {
+        --end;
+        --textEnd;
+    }
+    while (end < proposed.size() && continuesCharacter(proposed[end])) {
+        ++end;
+    }
+    const std::string_view entered = std::string_view(proposed).substr(begin, end - begin);
+    std::string line = asLine(entered);
+    const std::size_t shorter = utf16Length(entered) - utf16Length(line);
+    proposed.replace(begin, end - begin, line);
+    wipe(line); // may be of a password
+    return shorter;
+}
+
+} // namespace
 
 void NSTextField::setStringValue(std::string text) {
     takeText(text);
@@ -19,20 +83,6 @@ void NSTextField::takeText(std::string& text) {
         text_ = std::move(text);
     }
     didChange();
-}
-
-void NSTextField::noteTyped() {
-    if (!isSecure()) {
-        typed_ = text_;
-    }
-}
-
-void NSTextField::copyState(const Element& from) {
-    NSControl::copyState(from);
-    const auto& other = dynamic_cast<const NSTextField&>(from);
-    text_.assign(other.text_);
-    typed_ = other.typed_;
-    formatter_ = other.formatter_;
 }
 
 void NSTextField::wipeText() {
@@ -51,6 +101,7 @@ bool NSTextField::proposeEdit(std::string proposed, std::size_t proposedCaret, N
     if (!isEnabled() || !editable_) {
         return false;
     }
+    proposedCaret -= std::min(proposedCaret, makeLineOfWhatEnters(text_, proposed));
     if (formatter_) {
         std::string partial = proposed;
         NSRange caret{proposedCaret, 0};
@@ -64,7 +115,6 @@ bool NSTextField::proposeEdit(std::string proposed, std::size_t proposedCaret, N
         }
     }
     takeText(proposed);
-    noteTyped();
     sendAction();
     return true;
 }
@@ -76,11 +126,7 @@ void NSTextField::endEditing() {
     std::string error;
     if (const auto value = formatter_->getObjectValue(text_, error)) {
         if (auto shown = formatter_->stringForObjectValue(*value)) {
-            const bool edited = isEdited();
             setStringValue(*std::move(shown));
-            if (edited) {
-                noteTyped();
-            }
         }
     }
 }
