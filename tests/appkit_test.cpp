@@ -31,15 +31,16 @@ namespace {
 using Names = std::vector<std::string>;
 
 /// Stands behind an interface file and its tables, and writes down what it is told.
-struct Recorder : NSApplicationDelegate,
+struct Recorder : platform::OutletOwner,
+                  NSApplicationDelegate,
                   NSTableViewDataSource,
                   NSTableViewDelegate,
                   NSTabViewDelegate,
                   NSTextFieldDelegate,
                   NSWindowDelegate {
-    NSTextField* name = nullptr;
-    NSButton* press = nullptr;
-    NSTableView* table = nullptr;
+    NSTextField* name = outlet("name", name);
+    NSButton* press = outlet("press", press);
+    NSTableView* table = outlet("table", table);
     int rows = 0;
     Names told;
     Names* obituary = nullptr;
@@ -98,10 +99,11 @@ class AppKit : public testing::Test {
   protected:
     AppKit() {
         platform::registerClass(platform::describeClass<Recorder>("Recorder")
-                                    .maker([this] { return std::make_shared<Recorder>(made); })
-                                    .outlet("name", &Recorder::name)
-                                    .outlet("press", &Recorder::press)
-                                    .outlet("table", &Recorder::table)
+                                    .maker([this] {
+                                        auto made = std::make_shared<Recorder>();
+                                        made->obituary = madeObituary;
+                                        return made;
+                                    })
                                     .action("press:", &Recorder::pressed)
                                     .take());
     }
@@ -112,7 +114,7 @@ class AppKit : public testing::Test {
     }
 
     TestHost host;
-    Recorder made; ///< what the class makes is a copy of this
+    Names* madeObituary = nullptr; ///< of what the class makes
 };
 
 TEST_F(AppKit, AReloadKeepsTheSelectedRowsThatStillExistAndTellsNobody) {
@@ -327,7 +329,7 @@ TEST_F(AppKit, APageIsToldOnceAndMustExist) {
 
 TEST_F(AppKit, ALoadedFileIsConnectedAndItsOwnerGoesBeforeItsControls) {
     Names obituary;
-    made.obituary = &obituary;
+    madeObituary = &obituary;
     auto loaded = load(R"(<interface class="Recorder">
         <window name="main" title="M"><column>
             <textField outlet="name" text="kept" delegate="yes"/>
@@ -337,7 +339,7 @@ TEST_F(AppKit, ALoadedFileIsConnectedAndItsOwnerGoesBeforeItsControls) {
             <label for="name" text="Name:"/>
         </column></window></interface>)",
                        nullptr);
-    made.obituary = nullptr;
+    madeObituary = nullptr;
     auto* owner = static_cast<Recorder*>(loaded->owner());
     EXPECT_EQ(NSApp().delegate(), owner);
     EXPECT_EQ(NSApp().mainWindow(), loaded->find("main"));

@@ -51,7 +51,8 @@ constexpr const char* kDeskFile = R"(<interface class="Desk">
 </interface>)";
 
 /// An owner of one control of every kind, whose actions say in the log what reached them.
-class Desk : public NSApplicationDelegate,
+class Desk : public platform::OutletOwner,
+             public NSApplicationDelegate,
              public NSTableViewDataSource,
              public NSTableViewDelegate,
              public NSTabViewDelegate,
@@ -133,27 +134,19 @@ class Desk : public NSApplicationDelegate,
 
     void done(NSControl* /*sender*/) { NSApp().endSheet(password, 1); }
 
-    NSTextField* title = nullptr;
-    NSTextField* amount = nullptr;
-    NSButton* go = nullptr;
-    NSPopUpButton* empty = nullptr;
-    NSTableView* people = nullptr;
-    NSTableView* many = nullptr;
-    NSWindow* password = nullptr;
-    NSWindow* about = nullptr;
+    NSTextField* title = outlet("title", title);
+    NSTextField* amount = outlet("amount", amount);
+    NSButton* go = outlet("go", go);
+    NSPopUpButton* empty = outlet("empty", empty);
+    NSTableView* people = outlet("people", people);
+    NSTableView* many = outlet("many", many);
+    NSWindow* password = outlet("password", password);
+    NSWindow* about = outlet("about", about);
 };
 
 void registerDesk() {
     platform::registerClass(platform::describeClass<Desk>("Desk")
                                 .maker([] { return std::make_shared<Desk>(); })
-                                .outlet("title", &Desk::title)
-                                .outlet("amount", &Desk::amount)
-                                .outlet("go", &Desk::go)
-                                .outlet("empty", &Desk::empty)
-                                .outlet("people", &Desk::people)
-                                .outlet("many", &Desk::many)
-                                .outlet("password", &Desk::password)
-                                .outlet("about", &Desk::about)
                                 .action("note:", &Desk::note)
                                 .action("never:", &Desk::never)
                                 .action("ask:", &Desk::ask)

@@ -9,97 +9,6 @@ namespace {
 
 using Description = platform::ClassDescription<BRController>;
 
-void describeShareOutlets(Description& controller) {
-    controller.outlet("lockButton", &BROutlets::lockButton)
-        .outlet("authLabel", &BROutlets::authLabel)
-        .outlet("version", &BROutlets::version)
-        .outlet("drawer", &BROutlets::drawer)
-        .outlet("normalTableView", &BROutlets::normalTableView)
-        .outlet("shareName", &BROutlets::shareName)
-        .outlet("directory", &BROutlets::directory)
-        .outlet("owner", &BROutlets::owner)
-        .outlet("group", &BROutlets::group)
-        .outlet("ownerPrivs", &BROutlets::ownerPrivs)
-        .outlet("groupPrivs", &BROutlets::groupPrivs)
-        .outlet("everyonePrivs", &BROutlets::everyonePrivs)
-        .outlet("sharingAFS", &BROutlets::sharingAFS)
-        .outlet("sharingSMB", &BROutlets::sharingSMB)
-        .outlet("inheritPermissionsButton", &BROutlets::inheritPermissionsButton)
-        .outlet("inheritOwnerButton", &BROutlets::inheritOwnerButton)
-        .outlet("guestAccessButton", &BROutlets::guestAccessButton)
-        .outlet("createNewShare", &BROutlets::createNewShare)
-        .outlet("deleteButton", &BROutlets::deleteButton)
-        .outlet("selectedShareName", &BROutlets::selectedShareName)
-        .outlet("smbConfNotice", &BROutlets::smbConfNotice);
-}
-
-void describeAccountOutlets(Description& controller) {
-    controller.outlet("userTableView", &BROutlets::userTableView)
-        .outlet("groupTableView", &BROutlets::groupTableView)
-        .outlet("groupUsersTableView", &BROutlets::groupUsersTableView)
-        .outlet("shortName", &BROutlets::shortName)
-        .outlet("fullName", &BROutlets::fullName)
-        .outlet("uid", &BROutlets::uid)
-        .outlet("gid", &BROutlets::gid)
-        .outlet("groupName", &BROutlets::groupName)
-        .outlet("passwordErrorText", &BROutlets::passwordErrorText)
-        .outlet("passwordSecureText1", &BROutlets::passwordSecureText1)
-        .outlet("passwordSecureText2", &BROutlets::passwordSecureText2)
-        .outlet("groupPopUp", &BROutlets::groupPopUp)
-        .outlet("publicSharedPopUp", &BROutlets::publicSharedPopUp)
-        .outlet("passwordWindow", &BROutlets::passwordWindow)
-        .outlet("addNewUserButton", &BROutlets::addNewUserButton)
-        .outlet("createNewGroupButton", &BROutlets::createNewGroupButton)
-        .outlet("deleteGroupButton", &BROutlets::deleteGroupButton)
-        .outlet("deleteUserButton", &BROutlets::deleteUserButton)
-        .outlet("changePasswordButton", &BROutlets::changePasswordButton)
-        .outlet("addUserToGroupButton", &BROutlets::addUserToGroupButton)
-        .outlet("removeUserFromGroupButton", &BROutlets::removeUserFromGroupButton)
-        .outlet("enablePublicSelectedButton", &BROutlets::enablePublicSelectedButton)
-        .outlet("disablePublicSelectedButton", &BROutlets::disablePublicSelectedButton)
-        .outlet("showSystemUsersGroups", &BROutlets::showSystemUsersGroups)
-        .outlet("showSystemUsersGroups2", &BROutlets::showSystemUsersGroups2)
-        .outlet("showSystemUsersGroups3", &BROutlets::showSystemUsersGroups3);
-}
-
-void describeSettingsOutlets(Description& controller) {
-    controller.outlet("afsPropsTabView", &BROutlets::afsPropsTabView)
-        .outlet("adminSpPrivsButton", &BROutlets::adminSpPrivsButton)
-        .outlet("allowGuestAccess", &BROutlets::allowGuestAccess)
-        .outlet("greetingOnce", &BROutlets::greetingOnce)
-        .outlet("idleDisconnectEnable", &BROutlets::idleDisconnectEnable)
-        .outlet("loggingEnable", &BROutlets::loggingEnable)
-        .outlet("logFileBrowseButton", &BROutlets::logFileBrowseButton)
-        .outlet("useRendezvous", &BROutlets::useRendezvous)
-        .outlet("greeting", &BROutlets::greeting)
-        .outlet("idleDisconnectTime", &BROutlets::idleDisconnectTime)
-        .outlet("logFilePath", &BROutlets::logFilePath)
-        .outlet("logRolloverText", &BROutlets::logRolloverText)
-        .outlet("numConnections", &BROutlets::numConnections)
-        .outlet("numGuestConnections", &BROutlets::numGuestConnections)
-        .outlet("tcpPort", &BROutlets::tcpPort)
-        .outlet("idleDisconnectUsers", &BROutlets::idleDisconnectUsers)
-        .outlet("loggingAttributes1", &BROutlets::loggingAttributes1)
-        .outlet("loggingAttributes2", &BROutlets::loggingAttributes2)
-        .outlet("loggingAttributes3", &BROutlets::loggingAttributes3)
-        .outlet("afpTextEncoding", &BROutlets::afpTextEncoding)
-        .outlet("smbPropsTabView", &BROutlets::smbPropsTabView)
-        .outlet("smbHideDotFiles", &BROutlets::smbHideDotFiles)
-        .outlet("smbHomeDirsBrowseable", &BROutlets::smbHomeDirsBrowseable)
-        .outlet("smbHomeDirsReadOnly", &BROutlets::smbHomeDirsReadOnly)
-        .outlet("smbShareHomeDirs", &BROutlets::smbShareHomeDirs)
-        .outlet("smbWorkGroupMaster", &BROutlets::smbWorkGroupMaster)
-        .outlet("smbHideFiles", &BROutlets::smbHideFiles)
-        .outlet("smbMaxConnections", &BROutlets::smbMaxConnections)
-        .outlet("smbNetBiosName", &BROutlets::smbNetBiosName)
-        .outlet("smbServerInfoString", &BROutlets::smbServerInfoString)
-        .outlet("smbVetoFiles", &BROutlets::smbVetoFiles)
-        .outlet("smbWINSServer", &BROutlets::smbWINSServer)
-        .outlet("smbWorkGroup", &BROutlets::smbWorkGroup)
-        .outlet("smbCodePage", &BROutlets::smbCodePage)
-        .outlet("smbSecurity", &BROutlets::smbSecurity);
-}
-
 void describeShareActions(Description& controller) {
     controller.action("toggleAuthorization:", &BRController::toggleAuthorization)
         .action("toggleDrawer:", &BRController::toggleDrawer)
@@ -174,9 +83,6 @@ BRController::~BRController() {
 void BRController::registerClass() {
     Description controller("BRController");
     controller.maker([] { return std::make_shared<BRController>(); });
-    describeShareOutlets(controller);
-    describeAccountOutlets(controller);
-    describeSettingsOutlets(controller);
     describeShareActions(controller);
     describeAccountActions(controller);
     describeServerActions(controller);

@@ -29,13 +29,7 @@ AboutBox& AboutBox::sharedInstance() {
 }
 
 void AboutBox::registerClass() {
-    platform::registerClass(platform::describeClass<AboutBox>("AboutBox")
-                                .outlet("aboutWindow", &AboutBox::aboutWindow)
-                                .outlet("appNameField", &AboutBox::appNameField)
-                                .outlet("copyrightField", &AboutBox::copyrightField)
-                                .outlet("creditsField", &AboutBox::creditsField)
-                                .outlet("versionField", &AboutBox::versionField)
-                                .take());
+    platform::registerClass(platform::describeClass<AboutBox>("AboutBox").take());
 }
 
 void AboutBox::showPanel(NSControl* /*sender*/) {

@@ -3,6 +3,7 @@
 #include "platform/appkit/NSTextField.h"
 #include "platform/appkit/NSTextView.h"
 #include "platform/appkit/NSWindow.h"
+#include "platform/appkit/OutletOwner.h"
 
 #include <memory>
 
@@ -15,7 +16,7 @@ class Interface;
 
 /// The About panel: name, version and copyright, and credits that scroll slowly upwards while the panel is
 /// the one that keys go to. One instance a host, which owns its interface file's controls. Main thread only.
-class AboutBox : public NSWindowDelegate {
+class AboutBox : public NSWindowDelegate, public platform::OutletOwner {
   public:
     /// The current host's one instance, made on first use.
     [[nodiscard]] static AboutBox& sharedInstance();
@@ -23,8 +24,6 @@ class AboutBox : public NSWindowDelegate {
     static void registerClass();
 
     ~AboutBox() override;
-    AboutBox(const AboutBox&) = delete;
-    AboutBox& operator=(const AboutBox&) = delete;
 
     /// Brings the panel to the front; the first call loads and fills it. The credits start again at the top
     /// when the panel was not on screen. A panel that cannot be loaded is logged with a beep, and the next
@@ -43,11 +42,11 @@ class AboutBox : public NSWindowDelegate {
     [[nodiscard]] bool loadPanel();
     void fillPanel();
 
-    NSTextField* appNameField = nullptr; ///< unset until the panel is loaded
-    NSTextField* copyrightField = nullptr;
-    NSTextView* creditsField = nullptr;
-    NSTextField* versionField = nullptr;
-    NSWindow* aboutWindow = nullptr;
+    NSTextField* appNameField = outlet("appNameField", appNameField); ///< unset until the panel is loaded
+    NSTextField* copyrightField = outlet("copyrightField", copyrightField);
+    NSTextView* creditsField = outlet("creditsField", creditsField);
+    NSTextField* versionField = outlet("versionField", versionField);
+    NSWindow* aboutWindow = outlet("aboutWindow", aboutWindow);
     std::unique_ptr<NSTimer> scrollTimer; ///< only while the panel is key
     float currentPosition = 0;            ///< in points: what the next step shows at the top
     float maxScrollHeight = 0;            ///< where a pass ends: one point for each character of the credits

@@ -70,23 +70,24 @@ inline constexpr const char* deskInterface = R"(<interface class="Desk">
 </interface>)";
 
 /// Stands behind the interface and writes down what it is told.
-struct Desk : NSApplicationDelegate,
+struct Desk : platform::OutletOwner,
+              NSApplicationDelegate,
               NSTableViewDataSource,
               NSTableViewDelegate,
               NSTabViewDelegate,
               NSTextFieldDelegate,
               NSWindowDelegate {
-    NSTabView* tabs = nullptr;
-    NSTableView* table = nullptr;
-    NSTextField* number = nullptr;
-    NSButton* press = nullptr;
-    NSButton* check = nullptr;
-    NSPopUpButton* popUp = nullptr;
-    NSMatrix* matrix = nullptr;
-    NSDrawer* drawer = nullptr;
-    NSWindow* sheet = nullptr;
-    NSSecureTextField* secret = nullptr;
-    NSWindow* panel = nullptr;
+    NSTabView* tabs = outlet("tabs", tabs);
+    NSTableView* table = outlet("table", table);
+    NSTextField* number = outlet("number", number);
+    NSButton* press = outlet("press", press);
+    NSButton* check = outlet("check", check);
+    NSPopUpButton* popUp = outlet("popUp", popUp);
+    NSMatrix* matrix = outlet("matrix", matrix);
+    NSDrawer* drawer = outlet("drawer", drawer);
+    NSWindow* sheet = outlet("sheet", sheet);
+    NSSecureTextField* secret = outlet("secret", secret);
+    NSWindow* panel = outlet("panel", panel);
     int rows = 0;
     int cellsAsked = 0;
     std::vector<std::string> told;
@@ -145,12 +146,6 @@ class Window : public ::testing::Test {
         frontend = std::make_unique<QtFrontend>(argc, arguments, manner);
         host.host().setPresenter(frontend->presenter());
         auto description = platform::describeClass<Desk>("Desk");
-        description.outlet("tabs", &Desk::tabs).outlet("table", &Desk::table).outlet("number", &Desk::number);
-        description.outlet("press", &Desk::press).outlet("check", &Desk::check).outlet("popUp", &Desk::popUp);
-        description.outlet("matrix", &Desk::matrix)
-            .outlet("drawer", &Desk::drawer)
-            .outlet("sheet", &Desk::sheet);
-        description.outlet("secret", &Desk::secret).outlet("panel", &Desk::panel);
         description.action("typed:", &Desk::typed).action("pressed:", &Desk::pressed);
         description.action("chosen:", &Desk::chosen).action("endSheet:", &Desk::endSheet);
         platform::registerClass(description.take());

@@ -90,10 +90,14 @@ void InterfaceLoader::chooseOwner(void* owner, int line) {
 }
 
 void InterfaceLoader::resetOutlets() const {
-    for (const auto& [name, set] : interface_->class_->outlets) {
-        static_cast<void>(
-            set(interface_->owner_, nullptr)); // no element is of the outlet's kind: the answer is false
+    for (const auto& [name, set] : outlets()) {
+        static_cast<void>(set(nullptr)); // null is of no kind: always false
     }
+}
+
+std::span<const OutletOwner::Outlet> InterfaceLoader::outlets() const {
+    const OutletOwner* owner = interface_->class_->outletOwner(interface_->owner_);
+    return owner == nullptr ? std::span<const OutletOwner::Outlet>() : owner->outlets();
 }
 
 std::unique_ptr<InterfaceNode> InterfaceLoader::build(const pugi::xml_node& xml, const ElementRule& rule) {
@@ -178,13 +182,13 @@ void InterfaceLoader::nameElement(const InterfaceNode& node) {
     if (outlet.empty()) {
         return;
     }
-    const auto& outlets = interface_->class_->outlets;
-    const auto found = outlets.find(outlet);
-    if (found == outlets.end()) {
+    const auto known = outlets();
+    const auto found = std::ranges::find(known, outlet, &OutletOwner::Outlet::name);
+    if (found == known.end()) {
         refuse(node.line,
                stringWithFormat("the class \"%@\" has no outlet \"%@\"", interface_->class_->name, outlet));
     }
-    if (!found->second(interface_->owner_, node.element.get())) {
+    if (!found->set(node.element.get())) {
         refuse(node.line,
                stringWithFormat("the outlet \"%@\" of the class \"%@\" is of another kind than <%@>", outlet,
                                 interface_->class_->name, node.kind));
@@ -232,9 +236,9 @@ void InterfaceLoader::checkReferences() const {
 
 void InterfaceLoader::checkOutlets(int line) const {
     std::string missing;
-    for (const auto& [name, set] : interface_->class_->outlets) {
-        if (!connectedOutlets_.contains(name)) {
-            missing += (missing.empty() ? "\"" : ", \"") + name + "\"";
+    for (const auto& [name, set] : outlets()) {
+        if (!connectedOutlets_.contains(std::string(name))) {
+            missing += (missing.empty() ? "\"" : ", \"") + std::string(name) + "\"";
         }
     }
     if (!missing.empty()) {

@@ -7,6 +7,7 @@
 #include <functional>
 #include <memory>
 #include <set>
+#include <span>
 #include <string>
 #include <utility>
 #include <vector>
@@ -31,6 +32,7 @@ class InterfaceLoader {
     void chooseClass(const std::string& named, const std::string& expected, int line);
     void chooseOwner(void* owner, int line);
     void resetOutlets() const;
+    [[nodiscard]] std::span<const OutletOwner::Outlet> outlets() const;
 
     // From XML to nodes. A node is checked by the grammar before its model is made.
     [[nodiscard]] std::unique_ptr<InterfaceNode> build(const pugi::xml_node& xml, const ElementRule& rule);

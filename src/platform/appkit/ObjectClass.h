@@ -7,6 +7,7 @@
 #include "platform/appkit/NSTableView.h"
 #include "platform/appkit/NSTextField.h"
 #include "platform/appkit/NSWindow.h"
+#include "platform/appkit/OutletOwner.h"
 
 #include <functional>
 #include <map>
@@ -16,16 +17,15 @@
 
 namespace platform {
 
-/// What an interface file may bind of a class: its outlets and actions by name, and the delegates it can be.
+/// What an interface file may bind of a class: its actions by name, its outlets, and the delegates it can be.
 /// A class is described once (see describeClass) and registered under its name in the current host
 /// (registerClass).
 struct ObjectClass {
     std::string name;
     std::function<std::shared_ptr<void>()> make; ///< a new object, for files that make their owner
-    /// Sets an outlet; answers false when the element is of another kind than the outlet.
-    std::map<std::string, std::function<bool(void* object, Element* element)>> outlets;
     std::map<std::string, std::function<void(void* object, NSControl* sender)>> actions;
-    // The object as a delegate, null where its class is no such delegate.
+    // The object as another class, null where its own is no such class.
+    std::function<OutletOwner*(void*)> outletOwner;
     std::function<NSApplicationDelegate*(void*)> applicationDelegate;
     std::function<NSTableViewDataSource*(void*)> tableDataSource;
     std::function<NSTableViewDelegate*(void*)> tableDelegate;
@@ -34,12 +34,14 @@ struct ObjectClass {
     std::function<NSWindowDelegate*(void*)> windowDelegate;
 };
 
-/// Collects the outlets and actions of C: describeClass<C>("C").outlet("x", &C::x).action("y:", &C::y).
+/// Collects the actions of C: describeClass<C>("C").action("y:", &C::y). Its outlets are known to its
+/// objects.
 template <class C>
 class ClassDescription {
   public:
     explicit ClassDescription(std::string name) {
         class_.name = std::move(name);
+        class_.outletOwner = as<OutletOwner>();
         class_.applicationDelegate = as<NSApplicationDelegate>();
         class_.tableDataSource = as<NSTableViewDataSource>();
         class_.tableDelegate = as<NSTableViewDelegate>();
@@ -53,18 +55,6 @@ class ClassDescription {
         return *this;
     }
 
-    /// `member` may belong to a base of C.
-    template <class Base, class Kind>
-    ClassDescription& outlet(std::string name, Kind* Base::*member) {
-        static_assert(std::is_base_of_v<Base, C>);
-        class_.outlets.emplace(std::move(name), [member](void* object, Element* element) {
-            auto* kind = dynamic_cast<Kind*>(element);
-            static_cast<Base*>(static_cast<C*>(object))->*member = kind;
-            return kind != nullptr;
-        });
-        return *this;
-    }
-
     ClassDescription& action(std::string name, void (C::*operation)(NSControl* sender)) {
         class_.actions.emplace(std::move(name), [operation](void* object, NSControl* sender) {
             (static_cast<C*>(object)->*operation)(sender);
@@ -75,12 +65,12 @@ class ClassDescription {
     [[nodiscard]] ObjectClass take() { return std::move(class_); }
 
   private:
-    template <class Delegate>
-    static std::function<Delegate*(void*)> as() {
-        if constexpr (std::is_base_of_v<Delegate, C>) {
-            return [](void* object) -> Delegate* { return static_cast<C*>(object); };
+    template <class Base>
+    static std::function<Base*(void*)> as() {
+        if constexpr (std::is_base_of_v<Base, C>) {
+            return [](void* object) -> Base* { return static_cast<C*>(object); };
         } else {
-            return [](void*) -> Delegate* { return nullptr; };
+            return [](void*) -> Base* { return nullptr; };
         }
     }
 
