@@ -202,9 +202,9 @@ TEST_F(Program, AsksForConsentOnceAndForgetsItAtItsEnd) {
 
 TEST_F(Program, ShowsARefusedToolRunBeforeWhatBrindleMakesOfIt) {
     const std::string output =
-        script("answer Cancel\nstart\ntype shareName a]\ntype directory /nowhere\nselect sharingAFS Shared\n"
-               "press createNewShare\n");
-    const std::size_t run = output.find("run /usr/bin/nicl . -create /config/Brindle/a]\noutput \"nicl: ");
+        script("answer Cancel\nanswer Yes\nstart\ntype shortName ROOT\ntype fullName R\ntype uid 5000\n"
+               "press addNewUserButton\n");
+    const std::size_t run = output.find("run /usr/bin/nicl . -create /users/ROOT\noutput \"nicl: ");
     ASSERT_NE(run, std::string::npos) << output;
     const std::size_t end = output.find('\n', output.find('\n', run) + 1);
     EXPECT_EQ(output.substr(end + 1, 11), "beep\nlog \"o") << output;

@@ -134,6 +134,21 @@ class BRController : public BROutlets,
     void sendDonationKagi(NSControl* sender);
     void sendFeedback(NSControl* sender);
 
+    // Beside the window (BRController+Copy.cpp).
+    /// Takes over the state of `other`, the controller of another host, but not that of the controls. The
+    /// password sheet is up where `sheetIsUp`. Shows nothing and tells nobody.
+    void copyState(const BRController& other, bool sheetIsUp);
+    /// Reads smb.conf again: the model, the rows of the share table and the SMB page, where edits that were
+    /// not saved are gone. The selected share stays selected; the editor shows it as it is now.
+    void rereadSMBConf();
+
+    /// The model of smb.conf; null before start-up.
+    [[nodiscard]] const SMBConf* smbConfModel() const { return smbConf.get(); }
+
+    /// The user that is selected in the user table; empty when none is.
+    [[nodiscard]] std::string selectedUserName() const;
+    [[nodiscard]] std::string selectedGroupName() const;
+
     // The lists behind the tables, in their rows' order.
     [[nodiscard]] const std::vector<NormalShare>& currentShares() const { return currentShares_; }
 

@@ -23,6 +23,7 @@ void Application::load() {
     AboutBox::registerClass();
     interface_ =
         platform::Interface::load(NSBundle::mainBundle().resourcePath() + "/MainMenu.xml", "BRController");
+    reviewer_ = std::make_unique<review::Reviewer>(*interface_);
 }
 
 void Application::launch() {

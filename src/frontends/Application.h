@@ -2,6 +2,7 @@
 
 #include "platform/appkit/Interface.h"
 #include "platform/foundation/Host.h"
+#include "review/Reviewer.h"
 
 #include <memory>
 #include <string>
@@ -23,6 +24,9 @@ class Application {
     /// platform::InterfaceError.
     void load();
 
+    /// Stands before the actions of the main interface; null before load().
+    [[nodiscard]] review::Reviewer* reviewer() const { return reviewer_.get(); }
+
     /// Brings the main window on screen and runs start-up, as one event.
     void launch();
 
@@ -35,6 +39,7 @@ class Application {
   private:
     platform::Host host_;
     std::unique_ptr<platform::Interface> interface_; ///< goes before the host, which its controls need
+    std::unique_ptr<review::Reviewer> reviewer_;
 };
 
 } // namespace frontend

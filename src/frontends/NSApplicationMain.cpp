@@ -86,6 +86,7 @@ int runScript(const Options& options) {
             application.launch();
         },
         std::cerr);
+    runner.useReviewer([&] { return application.reviewer(); });
     return runner.run();
 }
 

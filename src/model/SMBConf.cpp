@@ -76,9 +76,10 @@ void SMBConf::parseSMBConfFile() {
     if (contents.isOk()) {
         _bytes = std::move(*contents);
     }
-    if (keepsLayout()) {
-        _textOnDisk = _bytes;
-    }
+    parse();
+}
+
+void SMBConf::parse() {
     _memory = std::make_unique<std::pmr::monotonic_buffer_resource>(std::max<std::size_t>(_bytes.size(), 1),
                                                                     &LargeBlocks::instance());
     SMBParser parser(_bytes, _memory.get());
@@ -101,6 +102,30 @@ bool SMBConf::isComment(std::string_view line) {
 
 bool SMBConf::isGroup(std::string_view line) {
     return SMBParser::isGroup(line);
+}
+
+std::unique_ptr<SMBConf> SMBConf::ofText(std::string text) {
+    std::unique_ptr<SMBConf> made(new SMBConf(Unread())); // make_unique cannot reach the constructor
+    made->_bytes = std::move(text);
+    made->parse();
+    return made;
+}
+
+std::unique_ptr<SMBConf> SMBConf::copy() const {
+    std::unique_ptr<SMBConf> made(new SMBConf(Unread()));
+    made->_path = _path;
+    made->_bytes = _bytes;
+    made->_textOnDisk = _textOnDisk;
+    made->_hasWritten = _hasWritten;
+    made->_lossNotices = _lossNotices;
+    made->_unreadableReason = _unreadableReason;
+    made->_entries.reserve(_entries.size());
+    for (const auto& entry : _entries) {
+        made->_entries.push_back(std::make_unique<SMBShare>(*entry));
+        made->_global = entry.get() == _global ? made->_entries.back().get() : made->_global;
+        made->_homes = entry.get() == _homes ? made->_entries.back().get() : made->_homes;
+    }
+    return made;
 }
 
 void SMBConf::setEntries(EntryList entries) {
@@ -132,7 +157,7 @@ std::string SMBConf::textToWrite(std::vector<SMBConflict>* conflicts) const {
     if (!keepsLayout()) {
         return writtenText();
     }
-    SMBParser read(_textOnDisk, std::pmr::get_default_resource());
+    SMBParser read(textOnDisk(), std::pmr::get_default_resource());
     read.parse();
     const std::string onDisk = contentsOfFile(_path).valueOr("");
     SMBInPlaceText result = textWithChanges(onDisk, changesBetween(read.entries, _entries));
@@ -158,9 +183,8 @@ int SMBConf::writeSMBConfFile() {
         return copyFailed;
     }
     _lossNotices.clear();
-    if (keepsLayout()) {
-        _textOnDisk = std::move(text);
-    }
+    _textOnDisk = std::move(text);
+    _hasWritten = true;
     if (const auto status = removeFileAtPath(temporary); !status.isOk()) {
         NSLog("%@ could not be removed: %@", temporary, status.why());
         return notRemoved;

@@ -24,6 +24,12 @@ class SMBConf {
     SMBConf(const SMBConf&) = delete;
     SMBConf& operator=(const SMBConf&) = delete;
 
+    /// The model of a file that holds `text`.
+    [[nodiscard]] static std::unique_ptr<SMBConf> ofText(std::string text);
+
+    /// A model of its own in the same state. The file is not read again.
+    [[nodiscard]] std::unique_ptr<SMBConf> copy() const;
+
     [[nodiscard]] const std::string& Path() const { return _path; }
 
     void setPath(std::string path) { _path = std::move(path); }
@@ -49,6 +55,10 @@ class SMBConf {
 
     /// Why a file that exists could not be read; empty when it was read, or is missing.
     [[nodiscard]] const std::string& unreadableReason() const { return _unreadableReason; }
+
+    /// The file as this model read or wrote it last, empty for a missing one: what is on disk now unless
+    /// somebody else changed it.
+    [[nodiscard]] const std::string& textOnDisk() const { return _hasWritten ? _textOnDisk : _bytes; }
 
     // Tests of one line, leading white space already gone.
     [[nodiscard]] static bool isCommentGroup(std::string_view line);
@@ -82,11 +92,18 @@ class SMBConf {
 
   private:
     void parseSMBConfFile();
+    void parse();
     [[nodiscard]] std::size_t indexOfSection(std::string_view name) const;
 
     std::string _path;
-    std::string _textOnDisk; ///< what the model's changes are told from, on a host that keeps the layout
+
+    struct Unread {};
+
+    explicit SMBConf(Unread /*tag*/) {}
+
     std::string _bytes;      ///< the file as it was read; the entries' parameters are views of it
+    std::string _textOnDisk; ///< the file as it was written last
+    bool _hasWritten = false;
     /// The lists of parameters that were read: one block for a whole file, freed with the model.
     std::unique_ptr<std::pmr::memory_resource> _memory;
     EntryList _entries;

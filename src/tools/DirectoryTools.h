@@ -20,7 +20,8 @@ struct DirectoryPlace {
     [[nodiscard]] static DirectoryPlace ofRoot(const std::string& rootFolder);
 
     std::string storeFile;
-    std::string root; ///< empty for a store alone
+    std::string root;           ///< empty for a store alone
+    bool keepsPasswords = true; ///< false: dscl checks its request and the user, and sets nothing
     int waitSeconds = platform::Store::waitSeconds;
 };
 

@@ -8,6 +8,8 @@
 #include <charconv>
 #include <optional>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -85,31 +87,47 @@ bool isSystemFolder(const std::string& path, const struct stat& status) {
            });
 }
 
-Status changeOwner(const std::string& ownerAndGroup, const std::string& folder,
-                   const platform::DirectoryAccounts& accounts) {
-    const std::size_t colon = ownerAndGroup.find(':');
-    const std::string owner = ownerAndGroup.substr(0, colon);
-    const std::string group = colon == std::string::npos ? "" : ownerAndGroup.substr(colon + 1);
-    const auto uid = accounts.userId(owner);
-    if (!owner.empty() && uid.value_or(unchanged<uid_t>) == unchanged<uid_t>) {
-        return Status::failure("cannot find user", owner, "there is no such user; choose one of the list");
-    }
-    const auto gid = accounts.groupId(group);
-    if (!group.empty() && gid.value_or(unchanged<gid_t>) == unchanged<gid_t>) {
-        return Status::failure("cannot find group", group, "there is no such group; choose one of the list");
-    }
-    const auto opened = openFolder(folder);
+namespace {
+
+/// An opened folder and what is to become of it.
+struct OpenOrder {
+    OpenFolder folder;
+    FolderOrder order;
+};
+
+Result<OpenOrder> withFolder(FolderOrder order, const std::string& path) {
+    auto opened = openFolder(path);
     if (!opened.isOk()) {
         return opened.status();
     }
-    if (::fchownat(opened->descriptor.get(), "", owner.empty() ? unchanged<uid_t> : *uid,
-                   group.empty() ? unchanged<gid_t> : *gid, AT_EMPTY_PATH) != 0) {
-        return Status::ofErrno(cannotChange, folder, errno);
-    }
-    return {};
+    order.status = opened->status;
+    return OpenOrder{std::move(*opened), order};
 }
 
-Status changeMode(const std::string& mode, const std::string& folder) {
+Result<OpenOrder> ownerOrder(const std::string& ownerAndGroup, const std::string& folder,
+                             const platform::DirectoryAccounts& accounts) {
+    FolderOrder order;
+    const std::size_t colon = ownerAndGroup.find(':');
+    const std::string owner = ownerAndGroup.substr(0, colon);
+    const std::string group = colon == std::string::npos ? "" : ownerAndGroup.substr(colon + 1);
+    if (!owner.empty()) {
+        order.owner = accounts.userId(owner);
+        if (order.owner.value_or(unchanged<uid_t>) == unchanged<uid_t>) {
+            return Status::failure("cannot find user", owner,
+                                   "there is no such user; choose one of the list");
+        }
+    }
+    if (!group.empty()) {
+        order.group = accounts.groupId(group);
+        if (order.group.value_or(unchanged<gid_t>) == unchanged<gid_t>) {
+            return Status::failure("cannot find group", group,
+                                   "there is no such group; choose one of the list");
+        }
+    }
+    return withFolder(order, folder);
+}
+
+Result<OpenOrder> modeOrder(const std::string& mode, const std::string& folder) {
     constexpr unsigned largest = 0777;
     unsigned bits = 0;
     const char* const end = mode.data() + mode.size();
@@ -117,11 +135,68 @@ Status changeMode(const std::string& mode, const std::string& folder) {
     if (error != std::errc() || parsed != end || bits > largest) {
         return Status::failure("cannot use", mode, "is no mode; give one from 0 to 777 in octal");
     }
-    const auto opened = openFolder(folder);
+    auto opened = withFolder({}, folder);
+    if (opened.isOk()) {
+        opened->order.mode = (opened->order.status.st_mode & 07000U) | bits;
+    }
+    return opened;
+}
+
+bool isGroupOfCaller(gid_t group) {
+    std::vector<gid_t> groups(static_cast<std::size_t>(std::max(0, ::getgroups(0, nullptr))));
+    groups.resize(
+        static_cast<std::size_t>(std::max(0, ::getgroups(static_cast<int>(groups.size()), groups.data()))));
+    return group == ::getegid() || std::ranges::find(groups, group) != groups.end();
+}
+
+/// Whether the system lets `caller` carry the order out.
+bool mayChange(const FolderOrder& order, uid_t caller) {
+    if (caller == 0) {
+        return true;
+    }
+    const gid_t group = order.group.value_or(order.status.st_gid);
+    return order.status.st_uid == caller && order.owner.value_or(caller) == caller &&
+           (group == order.status.st_gid || isGroupOfCaller(group));
+}
+
+Result<FolderOrder> examined(const Result<OpenOrder>& opened, const std::string& folder, uid_t caller) {
     if (!opened.isOk()) {
         return opened.status();
     }
-    if (::chmod(opened->path().c_str(), (opened->status.st_mode & 07000U) | bits) != 0) {
+    return mayChange(opened->order, caller) ? Result(opened->order)
+                                            : Status::ofErrno(cannotChange, folder, EPERM);
+}
+
+} // namespace
+
+Result<FolderOrder> examineOwner(const std::string& ownerAndGroup, const std::string& folder,
+                                 const platform::DirectoryAccounts& accounts, uid_t caller) {
+    return examined(ownerOrder(ownerAndGroup, folder, accounts), folder, caller);
+}
+
+Result<FolderOrder> examineMode(const std::string& mode, const std::string& folder, uid_t caller) {
+    return examined(modeOrder(mode, folder), folder, caller);
+}
+
+Status changeOwner(const std::string& ownerAndGroup, const std::string& folder,
+                   const platform::DirectoryAccounts& accounts) {
+    const auto opened = ownerOrder(ownerAndGroup, folder, accounts);
+    if (!opened.isOk()) {
+        return opened.status();
+    }
+    if (::fchownat(opened->folder.descriptor.get(), "", opened->order.owner.value_or(unchanged<uid_t>),
+                   opened->order.group.value_or(unchanged<gid_t>), AT_EMPTY_PATH) != 0) {
+        return Status::ofErrno(cannotChange, folder, errno);
+    }
+    return {};
+}
+
+Status changeMode(const std::string& mode, const std::string& folder) {
+    const auto opened = modeOrder(mode, folder);
+    if (!opened.isOk()) {
+        return opened.status();
+    }
+    if (::chmod(opened->folder.path().c_str(), *opened->order.mode) != 0) {
         return Status::ofErrno(cannotChange, folder, errno);
     }
     return {};

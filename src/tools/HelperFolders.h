@@ -3,6 +3,7 @@
 #include "platform/host/DirectoryAccounts.h"
 #include "platform/posix/Status.h"
 
+#include <optional>
 #include <string>
 
 #include <sys/stat.h>
@@ -15,6 +16,25 @@
 /// volumes in /run/media) with all below, or one of /, /var, /tmp, /home, /root and the like themselves.
 /// `path` holds no links. `status` tells the folder too, because a mount can show it under another path.
 [[nodiscard]] bool isSystemFolder(const std::string& path, const struct stat& status);
+
+/// What one of the two would do to a folder.
+struct FolderOrder {
+    struct stat status {}; ///< the folder's, as it is
+
+    // What it would be given; none stays.
+    std::optional<uid_t> owner;
+    std::optional<gid_t> group;
+    std::optional<mode_t> mode; ///< with the bits above 0777 that stay
+};
+
+/// What changeOwner and changeMode below would do, with the rights of the user `caller` (0: of an
+/// administrator); fails where they would. Nothing is changed.
+[[nodiscard]] platform::Result<FolderOrder> examineOwner(const std::string& ownerAndGroup,
+                                                         const std::string& folder,
+                                                         const platform::DirectoryAccounts& accounts,
+                                                         uid_t caller);
+[[nodiscard]] platform::Result<FolderOrder> examineMode(const std::string& mode, const std::string& folder,
+                                                        uid_t caller);
 
 /// `ownerAndGroup` is OWNER:GROUP, names that `accounts` knows; an empty one of them stays as it is. Numbers
 /// are no names.

@@ -168,21 +168,31 @@ void ScriptRunner::checkCell(const Words& words) {
     }
 }
 
-void ScriptRunner::press(const Words& words) {
-    auto& button = usable<NSButton>(words[0], "button");
+NSButton& ScriptRunner::pushButton(const std::string& name) const {
+    auto& button = usable<NSButton>(name, "button");
     if (button.kind() != NSButtonKind::Push) {
-        fail(words[0] + " is a check box: write check " + words[0] + " on|off");
+        fail(name + " is a check box: write check " + name + " on|off");
     }
+    return button;
+}
+
+void ScriptRunner::press(const Words& words) {
+    NSButton& button = pushButton(words[0]);
     perform([&] { button.performClick(); });
 }
 
-void ScriptRunner::send(const Words& words) {
-    NSControl* sender = presenter_->findWiredTo(words[0]);
+NSControl& ScriptRunner::usableSender(const std::string& operation) const {
+    NSControl* sender = presenter_->findWiredTo(operation);
     if (sender == nullptr) {
-        fail("no control or menu item sends " + quotedText(words[0]));
+        fail("no control or menu item sends " + quotedText(operation));
     }
-    requireUsable(*sender, sender->name().empty() ? words[0] : sender->name());
-    perform([&] { sender->sendAction(); });
+    requireUsable(*sender, sender->name().empty() ? operation : sender->name());
+    return *sender;
+}
+
+void ScriptRunner::send(const Words& words) {
+    NSControl& sender = usableSender(words[0]);
+    perform([&] { sender.sendAction(); });
 }
 
 void ScriptRunner::show(const Words& words) {

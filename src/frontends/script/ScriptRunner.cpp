@@ -92,6 +92,9 @@ const ScriptRunner::Command* ScriptRunner::findCommand(const std::string& name) 
         Command{"send", "OPERATION", 1, 1, false, &ScriptRunner::send},
         Command{"show", "OUTLET...", 1, any, false, &ScriptRunner::show},
         Command{"items", "OUTLET", 1, 1, false, &ScriptRunner::items},
+        Command{"plan", "press OUTLET|send OPERATION", 2, 2, false, &ScriptRunner::plan},
+        Command{"review", "on|off", 1, 1, false, &ScriptRunner::review},
+        Command{"reread", "", 0, 0, false, &ScriptRunner::reread},
         Command{"close", "WINDOW", 1, 1, false, &ScriptRunner::close},
         Command{"quit", "", 0, 0, false, &ScriptRunner::quit},
     };

@@ -2,6 +2,7 @@
 
 #include "frontends/script/ScriptOutput.h"
 #include "frontends/script/ScriptPresenter.h"
+#include "review/Reviewer.h"
 
 #include <functional>
 #include <iosfwd>
@@ -10,6 +11,7 @@
 #include <string_view>
 #include <vector>
 
+class NSButton;
 class NSControl;
 class NSTextField;
 class NSWindow;
@@ -27,6 +29,10 @@ class ScriptRunner {
     ScriptRunner(std::string name, std::istream& input, std::shared_ptr<ScriptOutput> output,
                  std::shared_ptr<ScriptPresenter> presenter, std::function<void()> launch,
                  std::ostream& errors);
+
+    /// `reviewer` is asked for once the script has started, by the commands that plan, review and read again;
+    /// it may return null, where nobody can.
+    void useReviewer(std::function<review::Reviewer*()> reviewer) { findReviewer_ = std::move(reviewer); }
 
     /// Runs the whole script and then ends the application. Answers the exit status: 0, or 1 after a fault,
     /// which has been written to the errors as "NAME:LINE: what is wrong".
@@ -66,6 +72,12 @@ class ScriptRunner {
     void close(const Words& words);
     void quit(const Words& words);
 
+    // Planning (ScriptRunner+Review.cpp).
+    void plan(const Words& words);
+    void review(const Words& words);
+    void reread(const Words& words);
+    [[nodiscard]] review::Reviewer& reviewer() const;
+
     /// Ends the script at the line that is carried out.
     [[noreturn]] void fail(const std::string& text) const;
     /// Runs what a user does as one event of the application; a fault inside ends the script.
@@ -77,6 +89,9 @@ class ScriptRunner {
     [[nodiscard]] Kind& usable(const std::string& name, const char* what) const;
     void requireUsable(const platform::Element& element, const std::string& name) const;
     [[nodiscard]] NSTextField& editableField(const std::string& name) const;
+    [[nodiscard]] NSButton& pushButton(const std::string& name) const;
+    /// The first control that is wired to the operation, which a user can use now.
+    [[nodiscard]] NSControl& usableSender(const std::string& operation) const;
     [[nodiscard]] int number(const std::string& word) const;
     /// The state that the word "on" or "off" names.
     [[nodiscard]] int state(const std::string& word) const;
@@ -87,6 +102,7 @@ class ScriptRunner {
     std::shared_ptr<ScriptOutput> output_;
     std::shared_ptr<ScriptPresenter> presenter_;
     std::function<void()> launch_;
+    std::function<review::Reviewer*()> findReviewer_;
     std::ostream& errors_;
     int line_ = 0;
     bool started_ = false;

@@ -37,8 +37,18 @@ void NSButton::performClick() {
     }
     if (kind_ == NSButtonKind::CheckBox) {
         setState(state_ == NSOnState ? NSOffState : NSOnState);
+        clicked_ = state_;
     }
     sendAction();
+}
+
+void NSButton::copyState(const Element& from) {
+    NSControl::copyState(from);
+    const auto& other = dynamic_cast<const NSButton&>(from);
+    title_ = other.title_;
+    image_ = other.image_;
+    state_ = other.state_;
+    clicked_ = other.clicked_;
 }
 
 void NSMenuItem::performClick() {

@@ -3,6 +3,7 @@
 #include "platform/appkit/NSControl.h"
 
 #include <memory>
+#include <optional>
 #include <string>
 
 /// A picture from a file. Only its path is known here; a front-end draws it.
@@ -47,6 +48,10 @@ class NSButton : public NSControl {
 
     void setState(int state);
 
+    [[nodiscard]] bool isEdited() const override { return clicked_ == state_; }
+
+    void copyState(const Element& from) override;
+
     /// "\r" for the button that Return presses, "\033" for Escape's, else empty.
     [[nodiscard]] const std::string& keyEquivalent() const { return keyEquivalent_; }
 
@@ -60,6 +65,7 @@ class NSButton : public NSControl {
     std::string title_;
     std::shared_ptr<const NSImage> image_;
     int state_ = NSOffState;
+    std::optional<int> clicked_; ///< the state that a user's last click left
     std::string keyEquivalent_;
 };
 

@@ -25,6 +25,12 @@ class NSControl : public platform::Element {
 
     void setAction(NSAction action) { action_ = std::move(action); }
 
+    /// Whether a user put the value there that the control holds: the last typed, chosen or clicked one still
+    /// stands. Setting it from the program is no edit, and another value set from the program ends one.
+    [[nodiscard]] virtual bool isEdited() const { return false; }
+
+    void copyState(const Element& from) override;
+
     /// Sends the action with this control as the sender; nothing when none is wired. What the action throws
     /// comes through to the front-end's event dispatch (NSApplication::dispatch).
     void sendAction();

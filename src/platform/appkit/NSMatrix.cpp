@@ -38,10 +38,21 @@ void NSMatrix::setStateAt(int row, int column, int state) {
     didChange();
 }
 
+bool NSMatrix::isEditedAt(int row, int column) const {
+    const Cell& cell = cells_[indexOf(row, column)];
+    return cell.clicked == cell.state;
+}
+
+void NSMatrix::copyState(const Element& from) {
+    NSControl::copyState(from);
+    cells_ = dynamic_cast<const NSMatrix&>(from).cells_;
+}
+
 void NSMatrix::performClickAt(int row, int column) {
     if (!isEnabled()) {
         return;
     }
     setStateAt(row, column, stateAt(row, column) == 0 ? 1 : 0);
+    cells_[indexOf(row, column)].clicked = stateAt(row, column);
     sendAction();
 }

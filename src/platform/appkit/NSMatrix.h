@@ -2,6 +2,7 @@
 
 #include "platform/appkit/NSControl.h"
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -22,6 +23,11 @@ class NSMatrix : public NSControl {
     [[nodiscard]] int stateAt(int row, int column) const;
     void setStateAt(int row, int column, int state);
 
+    /// Whether a user's click left the cell in its state.
+    [[nodiscard]] bool isEditedAt(int row, int column) const;
+
+    void copyState(const Element& from) override;
+
     /// A user's click: the cell changes its state, then the action is sent. Nothing while disabled.
     void performClickAt(int row, int column);
 
@@ -29,6 +35,7 @@ class NSMatrix : public NSControl {
     struct Cell {
         std::string title;
         int state = 0;
+        std::optional<int> clicked; ///< the state that a user's last click left
     };
 
     [[nodiscard]] std::size_t indexOf(int row, int column) const;

@@ -77,10 +77,23 @@ void NSPopUpButton::selectItemWithTitle(const std::string& title) {
     selectItemAtIndex(indexOfItemWithTitle(title));
 }
 
+bool NSPopUpButton::isEdited() const {
+    return chosen_ && chosen_ == titleOfSelectedItem();
+}
+
+void NSPopUpButton::copyState(const Element& from) {
+    NSControl::copyState(from);
+    const auto& other = dynamic_cast<const NSPopUpButton&>(from);
+    items_ = other.items_;
+    selected_ = other.selected_;
+    chosen_ = other.chosen_;
+}
+
 void NSPopUpButton::performSelect(int index) {
     if (!isEnabled() || index < 0 || index >= numberOfItems()) {
         return;
     }
     selectItemAtIndex(index);
+    chosen_ = titleOfSelectedItem();
     sendAction();
 }

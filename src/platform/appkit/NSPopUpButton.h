@@ -46,6 +46,11 @@ class NSPopUpButton : public NSControl {
     /// Selects the first item with the title; nothing when there is none.
     void selectItemWithTitle(const std::string& title);
 
+    /// The item with the title that a user chose is the selected one, also after the menu was filled anew.
+    [[nodiscard]] bool isEdited() const override;
+
+    void copyState(const Element& from) override;
+
     /// A user's choice: selects the item, then sends the action, also when it was selected already. Nothing
     /// while disabled or when there is no such item.
     void performSelect(int index);
@@ -53,4 +58,5 @@ class NSPopUpButton : public NSControl {
   private:
     std::vector<Item> items_;
     int selected_ = -1;
+    std::optional<std::string> chosen_; ///< the title that a user chose last
 };

@@ -24,3 +24,7 @@ void NSTabView::selectTabViewItemAtIndex(int index) {
         delegate_->tabViewDidSelectTabViewItem(this, index);
     }
 }
+
+void NSTabView::copyState(const Element& from) {
+    selected_ = dynamic_cast<const NSTabView&>(from).selected_;
+}

@@ -37,6 +37,8 @@ class NSTabView : public platform::Element {
     /// none.
     void selectTabViewItemAtIndex(int index);
 
+    void copyState(const Element& from) override;
+
   private:
     std::vector<std::string> labels_;
     NSTabViewDelegate* delegate_ = nullptr;

@@ -37,3 +37,10 @@ void NSTableView::selectRows(std::vector<int> rows) {
         delegate_->tableViewSelectionDidChange(this);
     }
 }
+
+void NSTableView::copyState(const Element& from) {
+    NSControl::copyState(from);
+    const auto& other = dynamic_cast<const NSTableView&>(from);
+    rows_ = other.rows_;
+    selection_ = other.selection_;
+}

@@ -73,6 +73,8 @@ class NSTableView : public NSControl {
 
     void deselectAll() { selectRows({}); }
 
+    void copyState(const Element& from) override;
+
     /// The rows are to be drawn again. `changed` is for the selection and the enabled state.
     platform::Signal<> reloaded;
 

@@ -85,6 +85,20 @@ void NSTextField::takeText(std::string& text) {
     didChange();
 }
 
+void NSTextField::noteTyped() {
+    if (!isSecure()) {
+        typed_ = text_;
+    }
+}
+
+void NSTextField::copyState(const Element& from) {
+    NSControl::copyState(from);
+    const auto& other = dynamic_cast<const NSTextField&>(from);
+    text_.assign(other.text_);
+    typed_ = other.typed_;
+    formatter_ = other.formatter_;
+}
+
 void NSTextField::wipeText() {
     platform::wipe(text_);
 }
@@ -115,6 +129,7 @@ bool NSTextField::proposeEdit(std::string proposed, std::size_t proposedCaret, N
         }
     }
     takeText(proposed);
+    noteTyped();
     sendAction();
     return true;
 }
@@ -126,7 +141,11 @@ void NSTextField::endEditing() {
     std::string error;
     if (const auto value = formatter_->getObjectValue(text_, error)) {
         if (auto shown = formatter_->stringForObjectValue(*value)) {
+            const bool edited = isEdited();
             setStringValue(*std::move(shown));
+            if (edited) {
+                noteTyped();
+            }
         }
     }
 }

@@ -4,6 +4,7 @@
 #include "platform/appkit/NSFormatter.h"
 
 #include <memory>
+#include <optional>
 #include <string>
 
 class NSTextField;
@@ -44,6 +45,11 @@ class NSTextField : public NSControl {
     /// True for a field whose text must not be shown.
     [[nodiscard]] virtual bool isSecure() const { return false; }
 
+    /// Never true of a secure field, of whose text no second copy is kept.
+    [[nodiscard]] bool isEdited() const override { return typed_ == text_; }
+
+    void copyState(const Element& from) override;
+
     /// A user's edit: the whole text as it would be, the caret after it and the selection before it. A line
     /// break in what is entered becomes a blank, and other control characters but the tab are left out. The
     /// formatter is asked first. When it refuses, the presenter is told, then the delegate, the field stays
@@ -61,8 +67,10 @@ class NSTextField : public NSControl {
   private:
     /// Makes `text` the field's; a secure field leaves no other copy of it.
     void takeText(std::string& text);
+    void noteTyped();
 
     std::string text_;
+    std::optional<std::string> typed_; ///< the text that a user's last edit left
     std::shared_ptr<NSFormatter> formatter_;
     NSTextFieldDelegate* delegate_ = nullptr;
     bool editable_ = true;

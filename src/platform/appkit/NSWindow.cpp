@@ -83,6 +83,21 @@ void NSWindow::resignKey() {
     }
 }
 
+void NSWindow::copyState(const Element& from) {
+    const auto& other = dynamic_cast<const NSWindow&>(from);
+    title_ = other.title_;
+    key_ = other.key_;
+    if (other.visible_ && !visible_) {
+        visible_ = true;
+        onScreen_ = NSApp().windowsOnScreen();
+        onScreen_->push_back(this);
+    }
+}
+
+void NSDrawer::copyState(const Element& from) {
+    open_ = dynamic_cast<const NSDrawer&>(from).open_;
+}
+
 void NSDrawer::open() {
     open_ = true;
     didChange();

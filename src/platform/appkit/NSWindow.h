@@ -64,6 +64,8 @@ class NSWindow : public platform::Element {
     void becomeKey();
     void resignKey();
 
+    void copyState(const Element& from) override;
+
     /// makeKeyAndOrderFront was called: the front-end raises the window.
     platform::Signal<> orderedFront;
 
@@ -86,6 +88,8 @@ class NSDrawer : public platform::Element {
     void open();
     void close();
     void toggle();
+
+    void copyState(const Element& from) override;
 
   private:
     bool open_ = false;

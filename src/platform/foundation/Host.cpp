@@ -38,6 +38,10 @@ Host& Host::current() {
     return *currentHost();
 }
 
+Host* Host::currentIfAny() {
+    return currentHost();
+}
+
 NSNotificationCenter& Host::notificationCenter() {
     return *notificationCenter_;
 }

@@ -32,6 +32,9 @@ class Host {
     /// The current host. Throws std::logic_error when there is none.
     [[nodiscard]] static Host& current();
 
+    /// The current host, or null.
+    [[nodiscard]] static Host* currentIfAny();
+
     [[nodiscard]] const Services& services() const { return services_; }
 
     [[nodiscard]] Log& log() const { return require(services_.log, "log"); }

@@ -9,6 +9,7 @@
 #include <charconv>
 #include <cmath>
 #include <concepts>
+#include <cstdlib>
 #include <limits>
 #include <stdexcept>
 #include <utility>
@@ -132,6 +133,47 @@ std::string mendedXML(std::string_view xml) {
     return text;
 }
 
+std::string shownText(plist_t item) {
+    switch (plist_get_node_type(item)) {
+    case PLIST_BOOLEAN:
+        return booleanIn(item) ? "true" : "false";
+    case PLIST_UINT:
+        return std::to_string(integerIn(item));
+    case PLIST_REAL:
+        return textOf(realIn(item));
+    case PLIST_STRING:
+        return textIn(item);
+    default: {
+        char* xml = nullptr;
+        std::uint32_t length = 0;
+        plist_to_xml(item, &xml, &length);
+        const std::unique_ptr<char, decltype(&plist_to_xml_free)> owner(xml, &plist_to_xml_free);
+        return xml == nullptr ? std::string() : std::string(xml, length);
+    }
+    }
+}
+
+void appendValues(plist_t dictionary, const std::string& prefix,
+                  std::vector<std::pair<std::string, std::string>>* all) {
+    plist_dict_iter started = nullptr;
+    plist_dict_new_iter(dictionary, &started);
+    const std::unique_ptr<void, decltype(&std::free)> iterator(started, &std::free);
+    while (true) {
+        char* key = nullptr;
+        plist_t item = nullptr;
+        plist_dict_next_item(dictionary, started, &key, &item);
+        const std::unique_ptr<char, decltype(&std::free)> owner(key, &std::free);
+        if (item == nullptr) {
+            return;
+        }
+        if (plist_get_node_type(item) == PLIST_DICT) {
+            appendValues(item, prefix + key + ".", all);
+        } else {
+            all->emplace_back(prefix + key, shownText(item));
+        }
+    }
+}
+
 } // namespace
 
 /// A dictionary inside a property list, with a share in the ownership of the whole.
@@ -249,6 +291,17 @@ void NSMutableDictionary::setString(const std::string& value, const std::string&
     // Strict readers refuse a whole list for one character that XML has not, and libplist ends a text at a
     // NUL.
     node_->set(plist_new_string(stringForXML(value).c_str()), key);
+}
+
+NSMutableDictionary NSMutableDictionary::copy() const {
+    const std::shared_ptr<void> root(plist_copy(node_->dictionary), Free());
+    return NSMutableDictionary(std::make_shared<Node>(Node{root, root.get()}));
+}
+
+std::vector<std::pair<std::string, std::string>> NSMutableDictionary::values() const {
+    std::vector<std::pair<std::string, std::string>> all;
+    appendValues(node_->dictionary, "", &all);
+    return all;
 }
 
 std::string NSMutableDictionary::xmlText() const {

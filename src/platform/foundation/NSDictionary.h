@@ -7,6 +7,8 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 /// A property list whose root is a dictionary, kept as libplist holds it, so that keys and types that nobody
 /// asks for come back unchanged. A copy, and a view of a nested dictionary, share the data of what they came
@@ -39,6 +41,12 @@ class NSMutableDictionary {
     void setBool(bool value, const std::string& key);
     void setInt(std::int32_t value, const std::string& key);
     void setString(const std::string& value, const std::string& key);
+
+    /// The same property list with data of its own.
+    [[nodiscard]] NSMutableDictionary copy() const;
+    /// Every value that is no dictionary, in order, by its key's path ("loggingAttributes.logLogin") and as a
+    /// text: "true" or "false", a number's or a text's own, an array's or data's XML.
+    [[nodiscard]] std::vector<std::pair<std::string, std::string>> values() const;
 
     /// The XML property list, a line break at its end.
     [[nodiscard]] std::string xmlText() const;

@@ -32,6 +32,9 @@ std::optional<NSFileAttributes> fileAttributesAtPath(const std::string& path) {
     if (::stat(mapped(path).c_str(), &status) != 0) {
         return std::nullopt;
     }
+    if (const auto& forecast = platform::Host::current().services().folderForecast) {
+        forecast->apply(status);
+    }
     return NSFileAttributes{static_cast<std::int32_t>(status.st_mode & 07777U), status.st_uid, status.st_gid};
 }
 

@@ -8,6 +8,7 @@
 #include <string_view>
 #include <vector>
 
+#include <sys/stat.h>
 #include <sys/types.h>
 
 namespace platform {
@@ -36,7 +37,8 @@ class Clock {
 class Paths {
   public:
     virtual ~Paths() = default;
-    /// The real file behind `path`: one of the mapped system files, or `path` itself.
+    /// The real file behind `path`: one of the mapped system files, or `path` itself. A working copy maps the
+    /// temporary files in the home folder as well.
     [[nodiscard]] virtual std::string map(const std::string& path) const = 0;
     /// The user's home folder, which "~" stands for. No trailing slash.
     [[nodiscard]] virtual std::string home() const = 0;
@@ -66,6 +68,14 @@ class Processes {
     virtual int close(std::FILE* stream) = 0;
 };
 
+/// What a plan has predicted of folders: owner, group and mode that they would have.
+class FolderForecast {
+  public:
+    virtual ~FolderForecast() = default;
+    /// Puts what is predicted of the folder with this status in place of what it is.
+    virtual void apply(struct stat& status) const = 0;
+};
+
 /// The services behind the platform's free functions. A host owns all of them; each may be shared with
 /// whoever made it. `authority` and `localDomain` may be left out where nothing uses them.
 struct Services {
@@ -77,6 +87,7 @@ struct Services {
     std::shared_ptr<LocalDomain> localDomain;
     std::shared_ptr<Authority> authority;
     std::shared_ptr<Presenter> presenter;
+    std::shared_ptr<FolderForecast> folderForecast; ///< none: folders are as they are
     /// Settings files are changed line by line, so that what a person wrote by hand stays; otherwise they are
     /// written whole.
     bool keepsLayout = false;

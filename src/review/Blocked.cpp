@@ -1,0 +1,110 @@
+#include "review/Blocked.h"
+
+#include "directory/DirectoryRules.h"
+#include "platform/foundation/NSBundle.h"
+#include "platform/foundation/NSString.h"
+#include "review/SMBFields.h"
+
+#include <algorithm>
+
+namespace review {
+
+namespace {
+
+/// What the system's own ids end at: the number above stands for "no id".
+constexpr std::string_view largestId = "4294967294";
+
+bool hasControlCharacter(const std::string& text) {
+    return std::ranges::any_of(text, [](char character) {
+        return static_cast<unsigned char>(character) < 0x20 || character == 0x7f;
+    });
+}
+
+bool isAboveLargestId(std::string_view number) {
+    const bool isNumber = !number.empty() && number.find_first_not_of("0123456789") == std::string_view::npos;
+    number.remove_prefix(std::min(number.find_first_not_of('0'), number.size()));
+    return isNumber &&
+           (number.size() > largestId.size() || (number.size() == largestId.size() && number > largestId));
+}
+
+bool isId(const DirectoryChange& change) {
+    return change.property == "uid" || change.property == "gid";
+}
+
+/// The text that the user gave for what the rule is about.
+std::string subjectOf(const DirectoryChange& change) {
+    if (change.property && !change.values.empty()) {
+        return change.values.front();
+    }
+    for (const std::string_view place : {"/config/Brindle/", "/users/", "/groups/"}) {
+        if (change.path.starts_with(place)) {
+            return change.path.substr(place.size());
+        }
+    }
+    return change.path;
+}
+
+std::string_view codeOf(const DirectoryChange& change) {
+    if (!change.property || change.property == "users") {
+        return "name";
+    }
+    return change.property == "directory_path" ? "folder" : "text";
+}
+
+void addDirectoryBlocks(const PlannedRun& run, std::vector<Remark>* blocks) {
+    const auto change = directoryChange(run.arguments);
+    if (!change || change->operation == "-delete") {
+        return;
+    }
+    const platform::Status status = checkDirectoryChange(*change);
+    if (!status.isOk()) {
+        blocks->push_back({codeOf(*change), stringWithFormat(NSLocalizedString("\"%@\" cannot be used: %@."),
+                                                             subjectOf(*change), status.why())});
+    } else if (isId(*change) && std::ranges::any_of(change->values, isAboveLargestId)) {
+        blocks->push_back(
+            {"number", stringWithFormat(NSLocalizedString("The id %@ is too large: the largest one is %@."),
+                                        change->values.front(), largestId)});
+    }
+}
+
+bool endsInBackslash(std::string_view value) {
+    while (value.ends_with(' ') || value.ends_with('\t')) {
+        value.remove_suffix(1);
+    }
+    return value.ends_with('\\');
+}
+
+void addSettingsBlocks(const BROutlets& controls, std::vector<Remark>* blocks) {
+    for (const SMBTextField& field : smbTextFields) {
+        const std::string& value = (controls.*field.field)->stringValue();
+        if (endsInBackslash(value)) {
+            blocks->push_back(
+                {"text", stringWithFormat(
+                             NSLocalizedString("\"%@\" cannot be the value of \"%@\": a value that ends in "
+                                               "a backslash takes in the line after it in smb.conf."),
+                             value, std::string(field.key))});
+        }
+    }
+}
+
+} // namespace
+
+std::vector<Remark> blocksOf(const Plan& plan, const BROutlets& controls) {
+    std::vector<Remark> blocks;
+    for (const PlannedRun& run : plan.runs) {
+        if (run.tool == "/usr/bin/nicl") {
+            addDirectoryBlocks(run, &blocks);
+        } else if (run.tool == "/usr/bin/dscl" &&
+                   hasControlCharacter(controls.passwordSecureText1->stringValue())) {
+            blocks.push_back(
+                {"text", NSLocalizedString("A password may hold no control character: choose another "
+                                           "one.")});
+        }
+    }
+    if (plan.operation == "updateSMBProperties:") {
+        addSettingsBlocks(controls, &blocks);
+    }
+    return blocks;
+}
+
+} // namespace review

@@ -1,0 +1,70 @@
+#pragma once
+
+#include "platform/appkit/Presenter.h"
+#include "platform/security/Authority.h"
+#include "review/Plan.h"
+#include "review/WorkingCopy.h"
+
+#include <memory>
+#include <utility>
+
+namespace review {
+
+/// The authority of a plan: grants every right without asking and carries runs out on the working copy.
+class PlanAuthority : public platform::Authority {
+  public:
+    explicit PlanAuthority(std::shared_ptr<WorkingCopy> copy) : copy_(std::move(copy)) {}
+
+    [[nodiscard]] std::unique_ptr<platform::AuthorizationSession> createSession(OSStatus* status) override;
+    [[nodiscard]] OSStatus copyRights(platform::AuthorizationSession& session,
+                                      const AuthorizationRights& rights, AuthorizationFlags flags) override;
+    void destroyRights(platform::AuthorizationSession& session) override;
+    [[nodiscard]] OSStatus execute(platform::AuthorizationSession& session, const std::string& tool,
+                                   std::span<const std::string> arguments, int* output) override;
+
+  private:
+    std::shared_ptr<WorkingCopy> copy_;
+};
+
+/// The presenter of a plan: shows nothing, notes alerts and runs, presses "Yes" where an alert has such a
+/// button and its default elsewhere, and cancels open panels.
+class PlanPresenter : public platform::Presenter {
+  public:
+    explicit PlanPresenter(Plan* plan) : plan_(*plan) {}
+
+    [[nodiscard]] platform::AlertAnswer runAlert(const platform::Alert& alert) override;
+    [[nodiscard]] std::optional<std::string> runOpenPanel(const platform::OpenPanelRequest& request) override;
+    [[nodiscard]] std::optional<platform::AdministratorAnswer>
+    runAdministratorDialog(const platform::AdministratorRequest& request) override;
+
+    void beep() override {}
+
+    void openAddress(const std::string& /*address*/) override {}
+
+    [[nodiscard]] platform::TimerId startTimer(double interval, std::function<void()> fire) override;
+
+    void stopTimer(platform::TimerId /*timer*/) override {}
+
+    void interfaceDidLoad(platform::Interface& /*interface*/) override {}
+
+    void windowVisibilityDidChange(NSWindow& /*window*/) override {}
+
+    void editWasRefused(const NSTextField& /*field*/, const std::string& /*errorText*/) override {}
+
+    void applicationDidTerminate() override {}
+
+    void toolWillRun(const std::string& tool, std::span<const std::string> arguments) override;
+    void toolDidWrite(std::string_view output) override;
+
+  private:
+    Plan& plan_;
+    platform::TimerId lastTimer_ = 0;
+};
+
+/// A log that keeps nothing: what a plan runs into is nothing that has happened.
+class SilentLog : public platform::Log {
+  public:
+    void write(std::string_view /*text*/) override {}
+};
+
+} // namespace review

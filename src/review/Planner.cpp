@@ -1,0 +1,90 @@
+#include "review/Planner.h"
+
+#include "platform/foundation/Host.h"
+#include "platform/foundation/NSDictionary.h"
+#include "platform/foundation/NSFileManager.h"
+#include "platform/netinfo/LocalDomain.h"
+#include "review/Blocked.h"
+#include "review/TextDifference.h"
+#include "review/Warnings.h"
+
+#include <map>
+
+namespace review {
+
+namespace {
+
+constexpr const char* smbConf = "/etc/smb.conf";
+constexpr const char* afpSettings = "/Library/Preferences/com.apple.AppleFileServer.plist";
+
+std::string bytesOf(const std::string& path) {
+    return contentsOfFile(path).valueOr("");
+}
+
+std::vector<std::pair<std::string, std::string>> settingsIn(const std::string& bytes) {
+    const auto dictionary = NSMutableDictionary::dictionaryWithData(bytes);
+    return dictionary ? dictionary->values() : std::vector<std::pair<std::string, std::string>>();
+}
+
+std::vector<SettingChange> settingChanges(const std::string& before, const std::string& after) {
+    std::vector<SettingChange> changes;
+    if (before == after) {
+        return changes;
+    }
+    const auto valuesBefore = settingsIn(before);
+    const auto valuesAfter = settingsIn(after);
+    const std::map<std::string, std::string> known(valuesBefore.begin(), valuesBefore.end());
+    const std::map<std::string, std::string> kept(valuesAfter.begin(), valuesAfter.end());
+    for (const auto& [key, value] : valuesAfter) {
+        const auto found = known.find(key);
+        if (found == known.end() || found->second != value) {
+            changes.push_back({key, found == known.end() ? "" : found->second, value});
+        }
+    }
+    for (const auto& [key, value] : valuesBefore) {
+        if (!kept.contains(key)) {
+            changes.push_back({key, value, ""});
+        }
+    }
+    return changes;
+}
+
+void compare(const WorkingCopy& copy, Plan* plan) {
+    plan->smbConfAfter = bytesOf(copy.settingsFile(smbConf));
+    if (plan->smbConfBefore != plan->smbConfAfter) {
+        plan->smbConfLines = lineChanges(linesOf(plan->smbConfBefore), linesOf(plan->smbConfAfter));
+    }
+    for (FolderChange& change : copy.folders().changes(platform::Host::current().accountNames())) {
+        plan->folders.push_back(std::move(change));
+    }
+}
+
+} // namespace
+
+Plan planOf(const platform::Interface& main, const std::string& operation, const RehearsedAction& action) {
+    Plan plan;
+    plan.operation = operation;
+    const std::string storeBefore = platform::Host::current().localDomain().storeFile();
+    const auto made = WorkingCopy::make();
+    if (!made.isOk()) {
+        plan.failure = made.status().text();
+        return plan;
+    }
+    const std::shared_ptr<WorkingCopy>& copy = *made;
+    plan.smbConfBefore = bytesOf(smbConf);
+    const std::string afpBefore = bytesOf(afpSettings);
+    Rehearsal rehearsal(main, copy, &plan);
+    rehearsal.perform([&] { action(rehearsal); });
+    copy->settle();
+    compare(*copy, &plan);
+    plan.afpSettings = settingChanges(afpBefore, bytesOf(copy->settingsFile(afpSettings)));
+    plan.blocks = blocksOf(plan, *static_cast<const BRController*>(main.owner()));
+    if (plan.blocks.empty()) {
+        const auto& now = *static_cast<const BRController*>(main.owner());
+        plan.warnings = warningsOf({plan, now, rehearsal.controller(), DirectoryView(storeBefore),
+                                    DirectoryView(copy->storeFile())});
+    }
+    return plan;
+}
+
+} // namespace review

@@ -1,0 +1,70 @@
+#include "review/Rehearsal.h"
+
+#include "platform/appkit/NSApplication.h"
+#include "platform/foundation/NSBundle.h"
+#include "review/PlanHost.h"
+#include "ui/AboutBox.h"
+
+#include <stdexcept>
+
+namespace review {
+
+namespace {
+
+platform::Services planServices(const std::shared_ptr<WorkingCopy>& copy, Plan* plan) {
+    platform::Services services = copy->services();
+    services.log = std::make_shared<SilentLog>();
+    services.authority = std::make_shared<PlanAuthority>(copy);
+    services.presenter = std::make_shared<PlanPresenter>(plan);
+    return services;
+}
+
+} // namespace
+
+Rehearsal::Rehearsal(const platform::Interface& original, std::shared_ptr<WorkingCopy> copy, Plan* plan) {
+    const auto& controllerNow = *static_cast<const BRController*>(original.owner());
+    const bool sheetIsUp = NSApp().attachedSheet() != nullptr;
+    host_ = std::make_unique<platform::Host>(planServices(copy, plan));
+    BRController::registerClass();
+    AboutBox::registerClass();
+    interface_ =
+        platform::Interface::load(NSBundle::mainBundle().resourcePath() + "/MainMenu.xml", "BRController");
+    controller().copyState(controllerNow, sheetIsUp);
+    copyStates(original.root(), interface_->root());
+}
+
+Rehearsal::~Rehearsal() {
+    interface_ = nullptr; // its controls need the host
+}
+
+BRController& Rehearsal::controller() const {
+    return *static_cast<BRController*>(interface_->owner());
+}
+
+NSControl* Rehearsal::copyOf(const NSControl& original) const {
+    const auto found = copies_.find(&original);
+    return found == copies_.end() ? nullptr : dynamic_cast<NSControl*>(found->second);
+}
+
+NSControl* Rehearsal::findWiredTo(const std::string& operation) const {
+    return interface_->findWiredTo(operation);
+}
+
+void Rehearsal::perform(const std::function<void()>& action) {
+    NSApp().dispatch(action);
+}
+
+void Rehearsal::copyStates(const platform::InterfaceNode& from, const platform::InterfaceNode& to) {
+    if (from.kind != to.kind || from.children.size() != to.children.size()) {
+        throw std::logic_error("the interface file has changed since it was loaded");
+    }
+    if (from.element) {
+        to.element->copyState(*from.element);
+        copies_.emplace(from.element.get(), to.element.get());
+    }
+    for (std::size_t index = 0; index < from.children.size(); ++index) {
+        copyStates(*from.children[index], *to.children[index]);
+    }
+}
+
+} // namespace review

@@ -1,0 +1,164 @@
+#include "review/Reviewer.h"
+
+#include "app/BRController.h"
+#include "platform/appkit/ActionGate.h"
+#include "platform/appkit/NSAlert.h"
+#include "platform/appkit/NSButton.h"
+#include "platform/foundation/Host.h"
+#include "platform/foundation/NSBundle.h"
+#include "platform/foundation/NSFileManager.h"
+#include "review/Planner.h"
+#include "review/ServerReading.h"
+
+#include <algorithm>
+#include <array>
+#include <string_view>
+
+namespace review {
+
+namespace {
+
+constexpr std::array<std::string_view, 17> writingOperations = {"createShare:",
+                                                                "deleteShare:",
+                                                                "deleteAllShares:",
+                                                                "updateSharesFor10pt2:",
+                                                                "addNewUser:",
+                                                                "addNewGroup:",
+                                                                "deleteSelectedUser:",
+                                                                "deleteSelectedGroup:",
+                                                                "addUserToGroup:",
+                                                                "removeUserFromGroup:",
+                                                                "setPassword:",
+                                                                "enableSelectedPublicShare:",
+                                                                "disableSelectedPublicShare:",
+                                                                "enableAllPublicShares:",
+                                                                "disableAllPublicShares:",
+                                                                "updateAFSProperties:",
+                                                                "updateSMBProperties:"};
+
+/// It asks a server on the network, which no plan may do, and changes nothing.
+constexpr std::string_view networkOperation = "checkForNewVersion:";
+
+platform::ActionGate& gate() {
+    return platform::Host::current().sharedInstance<platform::ActionGate>();
+}
+
+void showNotPossible(const Plan& plan) {
+    NSRunAlertPanel(NSLocalizedString("Not Possible"), "%@", NSLocalizedString("OK"), std::nullopt,
+                    std::nullopt, plan.blocks.front().sentence);
+}
+
+/// Plans what `perform` does to the copy of a control.
+template <class Perform>
+Plan planControl(const platform::Interface& main, const NSControl& control, Perform perform) {
+    const std::string operation = control.action().operation;
+    if (operation == networkOperation) {
+        Plan plan;
+        plan.operation = operation;
+        return plan;
+    }
+    return planOf(main, operation, [&](const Rehearsal& rehearsal) {
+        if (NSControl* copy = rehearsal.copyOf(control)) {
+            perform(*copy);
+        }
+    });
+}
+
+} // namespace
+
+Reviewer::Reviewer(const platform::Interface& main) : main_(main), showBlocked_(&showNotPossible) {
+    gate().mayPerform = [this](const NSControl& sender) { return mayPerform(sender); };
+}
+
+Reviewer::~Reviewer() {
+    gate().mayPerform = nullptr;
+}
+
+bool Reviewer::isWriting(const std::string& operation) {
+    return std::ranges::find(writingOperations, operation) != writingOperations.end();
+}
+
+BRController& Reviewer::controller() const {
+    return *static_cast<BRController*>(main_.owner());
+}
+
+Plan Reviewer::planPress(const NSControl& control) const {
+    return planControl(main_, control, [](NSControl& copy) {
+        if (auto* button = dynamic_cast<NSButton*>(&copy)) {
+            button->performClick();
+        } else {
+            copy.sendAction();
+        }
+    });
+}
+
+Plan Reviewer::planAction(const NSControl& control) const {
+    return planControl(main_, control, [](NSControl& copy) { copy.sendAction(); });
+}
+
+Plan Reviewer::planSend(const std::string& operation) const {
+    if (const NSControl* control = main_.findWiredTo(operation)) {
+        return planAction(*control);
+    }
+    Plan plan;
+    plan.operation = operation;
+    plan.failure = stringWithFormat(NSLocalizedString("Nothing in the window sends %@."), operation);
+    return plan;
+}
+
+Plan Reviewer::planMigration() const {
+    return planOf(main_, "updateSharesFor10pt2:", [](const Rehearsal& rehearsal) {
+        rehearsal.controller().updateSharesFor10pt2(nullptr);
+    });
+}
+
+void Reviewer::reread() const {
+    controller().rereadSMBConf();
+}
+
+bool Reviewer::hasSMBConfChangedOnDisk() const {
+    const SMBConf* model = controller().smbConfModel();
+    return model != nullptr && model->unreadableReason().empty() &&
+           contentsOfFile(model->Path()).valueOr("") != model->textOnDisk();
+}
+
+std::vector<Remark> Reviewer::serverReadsOtherwise(const std::string& share) const {
+    std::vector<Remark> remarks;
+    if (const SMBConf* model = controller().smbConfModel()) {
+        for (const OtherReading& reading : otherReadings(*model)) {
+            if (share.empty() || reading.section->ShareName() == share) {
+                remarks.push_back({"server-reads-otherwise", reading.sentence});
+            }
+        }
+    }
+    return remarks;
+}
+
+bool Reviewer::askAboutWarnings(const Plan& plan) {
+    if (plan.warnings.empty()) {
+        return true;
+    }
+    std::string message;
+    for (const Remark& warning : plan.warnings) {
+        message += (message.empty() ? "" : "\n") + warning.sentence;
+    }
+    return NSRunAlertPanel(NSLocalizedString("Review"), "%@", NSLocalizedString("Cancel"),
+                           NSLocalizedString("Go On"), std::nullopt, message) == NSAlertAlternateReturn;
+}
+
+bool Reviewer::mayPerform(const NSControl& sender) const {
+    if (!isWriting(sender.action().operation)) {
+        return true;
+    }
+    const Plan plan = planAction(sender);
+    if (!plan.failure.empty()) {
+        return true; // what keeps the plan from reading the directory is the action's own to tell
+    }
+    if (!plan.blocks.empty()) {
+        showBlocked_(plan);
+        return false;
+    }
+    return !question_ || question_(plan);
+}
+
+} // namespace review

@@ -1,0 +1,70 @@
+#pragma once
+
+#include "platform/appkit/Interface.h"
+#include "review/Plan.h"
+
+#include <functional>
+#include <string>
+
+class BRController;
+class NSControl;
+
+namespace review {
+
+/// Says beforehand what an action would do, and stands before every action that writes: what our own tools
+/// are bound to refuse never begins, and what holds a warning can be asked about first. One for the main
+/// interface of a host, whose action gate it is for as long as it lives. Main thread only.
+class Reviewer {
+  public:
+    /// `main` is the current host's main interface and must outlive this.
+    explicit Reviewer(const platform::Interface& main);
+    ~Reviewer();
+    Reviewer(const Reviewer&) = delete;
+    Reviewer& operator=(const Reviewer&) = delete;
+
+    /// Whether the operation changes anything: those that do not are never planned by the gate.
+    [[nodiscard]] static bool isWriting(const std::string& operation);
+
+    /// What pressing the control would do: a check box changes its state first. Nothing is changed, shown or
+    /// asked.
+    [[nodiscard]] Plan planPress(const NSControl& control) const;
+    /// What sending the control's action would do, with the control as it is.
+    [[nodiscard]] Plan planAction(const NSControl& control) const;
+    /// The same for the first control that is wired to the operation; its failure says so when there is none.
+    [[nodiscard]] Plan planSend(const std::string& operation) const;
+    /// What answering "Yes" to the migration's question at the start would do.
+    [[nodiscard]] Plan planMigration() const;
+
+    /// Reads smb.conf again: model, rows and fields.
+    void reread() const;
+    /// Whether smb.conf on disk is another than what was read or written last.
+    [[nodiscard]] bool hasSMBConfChangedOnDisk() const;
+    /// Where the SMB server reads smb.conf otherwise than the window shows it: a remark for each, "[NAME]"
+    /// and the line named. Only those of the section `share` where it is not empty.
+    [[nodiscard]] std::vector<Remark> serverReadsOtherwise(const std::string& share = "") const;
+
+    // The gate. Each handler is called with the plan of an action that is about to be performed.
+    using Handler = std::function<void(const Plan& plan)>;
+    using Question = std::function<bool(const Plan& plan)>;
+
+    /// Shows why a blocked action cannot be done. At first the alert "Not Possible" does.
+    void setBlockedHandler(Handler handler) { showBlocked_ = std::move(handler); }
+
+    /// Asked before an action that writes and is not blocked, warnings or none; false: it is not performed.
+    /// At first nothing is asked.
+    void setQuestion(Question question) { question_ = std::move(question); }
+
+    /// The question of a script: an alert titled "Review" with the warnings of the plan, a line each, and the
+    /// buttons "Cancel", which is the default, and "Go On". True at once for a plan without a warning.
+    [[nodiscard]] static bool askAboutWarnings(const Plan& plan);
+
+  private:
+    [[nodiscard]] BRController& controller() const;
+    [[nodiscard]] bool mayPerform(const NSControl& sender) const;
+
+    const platform::Interface& main_;
+    Handler showBlocked_;
+    Question question_;
+};
+
+} // namespace review

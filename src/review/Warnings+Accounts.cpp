@@ -1,0 +1,101 @@
+#include "review/Warnings.h"
+
+#include "directory/DirectoryRules.h"
+#include "platform/foundation/NSBundle.h"
+#include "platform/foundation/NSString.h"
+
+#include <algorithm>
+#include <set>
+
+namespace review {
+
+namespace {
+
+/// An action on more accounts than these is told.
+constexpr std::size_t manyAccounts = 20;
+
+template <class... Arguments>
+Remark remark(std::string_view code, const std::string& key, const Arguments&... arguments) {
+    return {code, stringWithFormat(NSLocalizedString(key), arguments...)};
+}
+
+/// What is said of an account, depending on whether it is a user or a group.
+struct AccountTexts {
+    const char* nameCase;
+    const char* overwrites;
+    const char* idChanges;
+};
+
+constexpr AccountTexts userTexts{"The name \"%@\" differs from the user \"%@\" only in the case of letters.",
+                                 "There is a user \"%@\" already: the record of that user is overwritten, "
+                                 "although it is not selected in the "
+                                 "list.",
+                                 "The id of the user \"%@\" changes from %@ to %@: the files of before and "
+                                 "the password for Windows stay with "
+                                 "the old one."};
+constexpr AccountTexts groupTexts{
+    "The name \"%@\" differs from the group \"%@\" only in the case of letters.",
+    "There is a group \"%@\" already: its record is overwritten, although it is not selected in the list.",
+    "The id of the group \"%@\" changes from %@ to %@: the folders of before stay with the old one."};
+
+struct EditedAccount {
+    std::string place; ///< "/users"
+    const char* idProperty;
+    std::string name;
+    std::string selected; ///< in the list
+    const AccountTexts& texts;
+};
+
+void addEditedAccount(const Situation& situation, const EditedAccount& account,
+                      std::vector<Remark>* warnings) {
+    const std::string path = account.place + "/" + account.name;
+    if (!situation.directoryBefore.record(path)) {
+        for (const std::string& other : situation.directoryBefore.names(account.place)) {
+            if (isEqualIgnoringCase(other, account.name)) {
+                warnings->push_back(remark("name-case", account.texts.nameCase, account.name, other));
+            }
+        }
+        return;
+    }
+    if (account.selected != account.name) {
+        warnings->push_back(remark("overwrites-account", account.texts.overwrites, account.name));
+    }
+    const std::string before = situation.directoryBefore.value(path, account.idProperty);
+    const std::string after = situation.directoryAfter.value(path, account.idProperty);
+    if (before != after) {
+        warnings->push_back(remark("id-changes", account.texts.idChanges, account.name, before, after));
+    }
+}
+
+void addNumberOfAccounts(const Plan& plan, std::vector<Remark>* warnings) {
+    std::set<RecordPath> accounts;
+    for (const PlannedRun& run : plan.runs) {
+        const auto change = run.tool == "/usr/bin/nicl" ? directoryChange(run.arguments) : std::nullopt;
+        const auto path = change ? recordPath(change->path) : std::nullopt;
+        if (path && isAccount(*path)) {
+            accounts.insert(*path);
+        }
+    }
+    if (accounts.size() > manyAccounts) {
+        warnings->push_back(remark("many-accounts", "%d accounts change, from \"%@\" to \"%@\".",
+                                   accounts.size(), accounts.begin()->back(), accounts.rbegin()->back()));
+    }
+}
+
+} // namespace
+
+void addAccountWarnings(const Situation& situation, std::vector<Remark>* warnings) {
+    const BRController& now = situation.before;
+    if (situation.is("addNewUser:")) {
+        addEditedAccount(situation,
+                         {"/users", "uid", now.shortName->stringValue(), now.selectedUserName(), userTexts},
+                         warnings);
+    } else if (situation.is("addNewGroup:")) {
+        addEditedAccount(
+            situation, {"/groups", "gid", now.groupName->stringValue(), now.selectedGroupName(), groupTexts},
+            warnings);
+    }
+    addNumberOfAccounts(situation.plan, warnings);
+}
+
+} // namespace review

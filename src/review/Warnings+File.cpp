@@ -1,0 +1,179 @@
+#include "review/TextDifference.h"
+#include "review/Warnings.h"
+
+#include "platform/foundation/Host.h"
+#include "platform/foundation/NSBundle.h"
+#include "platform/foundation/NSString.h"
+#include "review/ServerReading.h"
+
+#include <algorithm>
+#include <map>
+
+namespace review {
+
+namespace {
+
+/// So many lines are named; the rest is counted.
+constexpr std::size_t namedLines = 6;
+
+std::string_view trimmed(std::string_view text) {
+    constexpr std::string_view white = " \t\r\f\v";
+    text.remove_prefix(std::min(text.find_first_not_of(white), text.size()));
+    text.remove_suffix(text.size() - std::min(text.find_last_not_of(white) + 1, text.size()));
+    return text;
+}
+
+/// A line as far as it matters to a reader: blanks around its parts do not.
+std::string essence(std::string_view line) {
+    line = trimmed(line);
+    std::string mark;
+    if (line.starts_with(';') || line.starts_with('#')) {
+        mark = ";";
+        line = trimmed(line.substr(1));
+    }
+    if (line.starts_with('[') && line.ends_with(']')) {
+        return mark + "[" + std::string(trimmed(line.substr(1, line.size() - 2))) + "]";
+    }
+    const std::size_t equals = line.find('=');
+    if (equals == std::string_view::npos) {
+        return mark + std::string(line);
+    }
+    return mark + std::string(trimmed(line.substr(0, equals))) + " = " +
+           std::string(trimmed(line.substr(equals + 1)));
+}
+
+/// The lines of a text that are not blank.
+struct Essence {
+    explicit Essence(std::string_view text) {
+        const std::vector<std::string_view> lines = linesOf(text);
+        for (std::size_t index = 0; index < lines.size(); ++index) {
+            if (!trimmed(lines[index]).empty()) {
+                essences.push_back(essence(lines[index]));
+                numbers.push_back(index + 1);
+                written.push_back(trimmed(lines[index]));
+            }
+        }
+        views.assign(essences.begin(), essences.end());
+    }
+
+    std::vector<std::string> essences;
+    std::vector<std::string_view> views;
+    std::vector<std::size_t> numbers;
+    std::vector<std::string_view> written;
+};
+
+struct NamedLine {
+    std::size_t number = 0;
+    std::string text;
+};
+
+std::string namesOf(const std::vector<NamedLine>& lines) {
+    std::string names;
+    for (std::size_t index = 0; index < lines.size() && index < namedLines; ++index) {
+        names += index == 0 ? "" : ", ";
+        names +=
+            stringWithFormat(NSLocalizedString("line %d \"%@\""), lines[index].number, lines[index].text);
+    }
+    if (lines.size() > namedLines) {
+        names += stringWithFormat(NSLocalizedString(", and %d more"), lines.size() - namedLines);
+    }
+    return names;
+}
+
+/// What writing the whole model makes of the lines that were read.
+struct Rewriting {
+    std::vector<NamedLine> lost;
+    std::vector<NamedLine> moved;
+
+    Rewriting(const std::string& read, const std::string& written) {
+        const Essence before(read);
+        const Essence after(written);
+        std::map<std::string, int> comes;
+        const std::vector<LineChange> changes = lineChanges(before.views, after.views);
+        for (const LineChange& change : changes) {
+            comes[change.line] += change.kind == LineChange::Kind::Comes ? 1 : 0;
+        }
+        for (const LineChange& change : changes) {
+            if (change.kind == LineChange::Kind::Comes) {
+                continue;
+            }
+            const bool isMoved = comes[change.line] > 0;
+            comes[change.line] -= isMoved ? 1 : 0;
+            const std::size_t index = change.number - 1;
+            (isMoved ? moved : lost).push_back({before.numbers[index], std::string(before.written[index])});
+        }
+    }
+};
+
+void addLosses(const SMBConf& model, std::vector<Remark>* warnings) {
+    const std::string& read = model.textOnDisk();
+    const Rewriting rewriting(read, SMBConf::ofText(read)->writtenText());
+    if (!rewriting.lost.empty()) {
+        warnings->push_back(
+            {"lines-lost",
+             stringWithFormat(NSLocalizedString("Saving does not keep these lines of smb.conf: %@."),
+                              namesOf(rewriting.lost))});
+    }
+    if (!rewriting.moved.empty()) {
+        warnings->push_back(
+            {"lines-lost",
+             stringWithFormat(NSLocalizedString("Saving moves these lines of smb.conf to another place: %@."),
+                              namesOf(rewriting.moved))});
+    }
+    std::vector<NamedLine> continued;
+    const std::vector<std::string_view> lines = linesOf(read);
+    for (const SMBLossNotice& notice : model.lossNotices()) {
+        if (notice.loss == SMBLoss::Continuation && notice.line <= lines.size()) {
+            continued.push_back({notice.line, std::string(trimmed(lines[notice.line - 1]))});
+        }
+    }
+    if (!continued.empty()) {
+        warnings->push_back(
+            {"lines-lost",
+             stringWithFormat(NSLocalizedString("These lines of smb.conf end in a backslash and take in "
+                                                "the line that is saved after them: %@."),
+                              namesOf(continued))});
+    }
+}
+
+/// Whether the action is about the section: the SMB page about the server's own, the editor about its
+/// share's.
+bool concerns(const Situation& situation, const SMBShare& section) {
+    const std::string& name = section.ShareName();
+    if (situation.is("updateSMBProperties:")) {
+        return isServerGlobal(name) || isServerHomes(name);
+    }
+    const BRController& now = situation.before;
+    const ServerSetting path = serverSetting(section, "path");
+    return name == now.shareName->stringValue() ||
+           (path.pair != nullptr && path.pair->Value == now.directory->stringValue());
+}
+
+} // namespace
+
+void addFileWarnings(const Situation& situation, std::vector<Remark>* warnings) {
+    const SMBConf* model = situation.before.smbConfModel();
+    if (model == nullptr || !situation.writesSMBConf()) {
+        return;
+    }
+    const bool keepsLayout = platform::Host::current().services().keepsLayout;
+    if (situation.plan.smbConfBefore != model->textOnDisk()) {
+        warnings->push_back(
+            {"changed-outside",
+             keepsLayout
+                 ? NSLocalizedString("Somebody else changed smb.conf after Brindle read it: your change is "
+                                     "made to the file as it is now.")
+                 : NSLocalizedString("Somebody else changed smb.conf after Brindle read it: saving takes "
+                                     "that change back.")});
+    }
+    if (!keepsLayout) {
+        addLosses(*model, warnings);
+    }
+    for (const OtherReading& reading : otherReadings(*model)) {
+        if (concerns(situation, *reading.section)) {
+            warnings->push_back({"server-reads-otherwise", reading.sentence});
+        }
+    }
+}
+
+} // namespace review

@@ -1,0 +1,136 @@
+#include "review/Warnings.h"
+
+#include "platform/foundation/NSBundle.h"
+#include "platform/foundation/NSString.h"
+#include "tools/HelperFolders.h"
+
+#include <algorithm>
+#include <array>
+#include <filesystem>
+#include <optional>
+#include <set>
+#include <utility>
+
+#include <sys/stat.h>
+
+namespace review {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+template <class... Arguments>
+Remark remark(std::string_view code, const std::string& key, const Arguments&... arguments) {
+    return {code, stringWithFormat(NSLocalizedString(key), arguments...)};
+}
+
+/// The folder itself, where there is one behind links; else its path as it is written, in order.
+fs::path resolved(const std::string& path) {
+    std::error_code error;
+    const fs::path real = fs::weakly_canonical(path, error);
+    return error ? fs::path(path).lexically_normal() : real;
+}
+
+using Identity = std::pair<dev_t, ino_t>;
+
+std::optional<Identity> identityOf(const std::string& path) {
+    struct stat status {};
+
+    return ::stat(path.c_str(), &status) == 0 ? std::optional(Identity(status.st_dev, status.st_ino))
+                                              : std::nullopt;
+}
+
+/// The folders that `folder` is in. By identity, because a share's path may lead over links.
+std::set<Identity> foldersAround(const fs::path& folder) {
+    std::set<Identity> around;
+    for (fs::path each = folder; each != each.parent_path(); each = each.parent_path()) {
+        if (const auto identity = identityOf(each.parent_path().string())) {
+            around.insert(*identity);
+        }
+    }
+    return around;
+}
+
+void addPlaceWarnings(const Situation& situation, const std::string& folder, std::vector<Remark>* warnings) {
+    if (!folder.starts_with('/')) {
+        warnings->push_back(remark("relative-folder",
+                                   "The folder \"%@\" does not begin with /: no server finds it.", folder));
+        return;
+    }
+
+    struct stat status {};
+
+    const fs::path real = resolved(folder);
+    const bool exists = ::stat(folder.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
+    if (!exists) {
+        warnings->push_back(remark("no-folder", "There is no folder \"%@\".", folder));
+    }
+    if (isSystemFolder(real.string(), status)) {
+        warnings->push_back(
+            remark("system-folder",
+                   "The folder \"%@\" is the system's own: its owner and mode stay as they are, and "
+                   "what is in it would be shared.",
+                   folder));
+    }
+    const std::set<Identity> around = foldersAround(real);
+    for (const NormalShare& share : situation.before.currentShares()) {
+        const std::string& other = share.DirectoryPath();
+        const bool isOther =
+            share.ShareName() != situation.before.shareName->stringValue() && other.starts_with('/');
+        const auto identity = isOther ? identityOf(other) : std::nullopt;
+        if (identity && around.contains(*identity)) {
+            warnings->push_back(
+                remark("folder-inside-share",
+                       "The folder \"%@\" is inside the share \"%@\" (%@): who may use that one "
+                       "reaches it, too.",
+                       folder, share.ShareName(), other));
+        }
+    }
+}
+
+/// Whether a class of users gets other rights although its menu was not touched.
+bool changesUntouchedMode(const BRController& now, const FolderChange& change) {
+    const std::array<std::pair<const NSControl*, mode_t>, 3> classes{
+        {{now.ownerPrivs, 0700}, {now.groupPrivs, 0070}, {now.everyonePrivs, 0007}}};
+    const mode_t changed = change.modeBefore ^ change.modeAfter;
+    return std::ranges::any_of(classes, [changed](const auto& each) {
+        return (changed & each.second) != 0 && !each.first->isEdited();
+    });
+}
+
+void addRightsWarnings(const BRController& now, const FolderChange& change, std::vector<Remark>* warnings) {
+    const bool changesOwner = change.ownerBefore != change.ownerAfter && !now.owner->isEdited();
+    const bool changesGroup = change.groupBefore != change.groupAfter && !now.group->isEdited();
+    if (changesOwner || changesGroup) {
+        warnings->push_back(remark(
+            "owner-changes", "The folder \"%@\" goes from %@ to %@, although nobody touched those menus.",
+            change.path, change.accountsBefore, change.accountsAfter));
+    }
+    if (change.changesMode() && changesUntouchedMode(now, change)) {
+        warnings->push_back(
+            remark("mode-changes",
+                   "The rights of the folder \"%@\" go from %o to %o, although nobody touched those "
+                   "menus.",
+                   change.path, change.modeBefore, change.modeAfter));
+    }
+    constexpr mode_t readAndWrite = 0600;
+    if (change.changesMode() && (change.modeAfter & readAndWrite) == 0) {
+        warnings->push_back(
+            remark("owner-locked-out",
+                   "The owner of the folder \"%@\" can neither read nor write in it any more.", change.path));
+    }
+}
+
+} // namespace
+
+void addFolderWarnings(const Situation& situation, std::vector<Remark>* warnings) {
+    if (!situation.is("createShare:")) {
+        return;
+    }
+    addPlaceWarnings(situation, situation.before.directory->stringValue(), warnings);
+    for (const FolderChange& change : situation.plan.folders) {
+        addRightsWarnings(situation.before, change, warnings);
+    }
+}
+
+} // namespace review

@@ -1,0 +1,156 @@
+#include "review/Warnings.h"
+
+#include "platform/foundation/NSBundle.h"
+#include "platform/foundation/NSString.h"
+#include "review/SMBFields.h"
+#include "review/ServerReading.h"
+
+#include <algorithm>
+#include <array>
+#include <functional>
+#include <map>
+#include <string_view>
+
+namespace review {
+
+namespace {
+
+/// A setting of the SMB page: its control, and what the server takes where the file does not say.
+struct SMBSetting {
+    std::string_view key;
+    const NSControl* control; ///< null for one that follows another
+    std::string_view standard;
+};
+
+std::vector<SMBSetting> globalSettings(const BROutlets& page) {
+    std::vector<SMBSetting> settings{{"security", page.smbSecurity, "user"},
+                                     {"map to guest", nullptr, "never"},
+                                     {"dos charset", page.smbCodePage, "cp850"},
+                                     {"local master", page.smbWorkGroupMaster, "yes"},
+                                     {"hide dot files", page.smbHideDotFiles, "yes"}};
+    for (const SMBTextField& field : smbTextFields) {
+        settings.push_back({field.key, page.*field.field, ""});
+    }
+    return settings;
+}
+
+std::vector<SMBSetting> homesSettings(const BROutlets& page) {
+    return {{"browseable", page.smbHomeDirsBrowseable, "yes"},
+            {"read only", page.smbHomeDirsReadOnly, "yes"}};
+}
+
+/// What the server makes of a setting, so that two spellings of one meaning are equal.
+std::string meaningOf(const SMBShare* section, const SMBSetting& setting) {
+    const ServerSetting read = section != nullptr ? serverSetting(*section, setting.key) : ServerSetting();
+    const std::string written = read.pair != nullptr ? read.pair->Value.str() : std::string(setting.standard);
+    if (const auto flag = serverBool(written)) {
+        return *flag != read.inverted ? "yes" : "no";
+    }
+    return written;
+}
+
+std::string writtenValue(const SMBShare* section, std::string_view key) {
+    const ServerSetting read = section != nullptr ? serverSetting(*section, key) : ServerSetting();
+    return read.pair != nullptr ? read.pair->Value.str() : std::string();
+}
+
+void addSection(const std::vector<SMBSetting>& settings, const SMBShare* before, const SMBShare& after,
+                std::vector<Remark>* warnings) {
+    for (const SMBSetting& setting : settings) {
+        const bool isUntouched = setting.control == nullptr || !setting.control->isEdited();
+        if (isUntouched && !isEqualIgnoringCase(meaningOf(before, setting), meaningOf(&after, setting))) {
+            warnings->push_back(
+                {"untouched-setting",
+                 stringWithFormat(
+                     NSLocalizedString("\"%@\" in the section [%@] of smb.conf changes from \"%@\" to "
+                                       "\"%@\", although nobody touched its control."),
+                     std::string(setting.key), after.ShareName(), writtenValue(before, setting.key),
+                     writtenValue(&after, setting.key))});
+        }
+    }
+}
+
+bool isLive(const SMBShare* section) {
+    return section != nullptr && section->Type() == SMBGroup;
+}
+
+void addSMBPage(const Situation& situation, std::vector<Remark>* warnings) {
+    const SMBConf* before = situation.before.smbConfModel();
+    const SMBConf* after = situation.after.smbConfModel();
+    if (before == nullptr || after == nullptr || after->Global() == nullptr) {
+        return;
+    }
+    addSection(globalSettings(situation.before), before->Global(), *after->Global(), warnings);
+    if (isLive(before->Homes()) && isLive(after->Homes())) {
+        addSection(homesSettings(situation.before), before->Homes(), *after->Homes(), warnings);
+    }
+}
+
+/// Whether a user put the value there that the control of an AFP setting holds.
+using IsEdited = std::function<bool(const BROutlets& page)>;
+
+template <class Kind>
+IsEdited edited(Kind* BROutlets::*control) {
+    return [control](const BROutlets& page) { return (page.*control)->isEdited(); };
+}
+
+IsEdited editedCell(NSMatrix* BROutlets::*matrix, int row, int column) {
+    return [=](const BROutlets& page) { return (page.*matrix)->isEditedAt(row, column); };
+}
+
+const std::map<std::string_view, IsEdited>& afpControls() {
+    using Page = BROutlets;
+    static const std::map<std::string_view, IsEdited> controls{
+        {"loginGreeting", edited(&Page::greeting)},
+        {"sendGreetingOnce", edited(&Page::greetingOnce)},
+        {"idleDisconnectOnOff", edited(&Page::idleDisconnectEnable)},
+        {"idleDisconnectTime", edited(&Page::idleDisconnectTime)},
+        {"idleDisconnectFlag.guestUsers", editedCell(&Page::idleDisconnectUsers, 0, 0)},
+        {"idleDisconnectFlag.registeredUsers", editedCell(&Page::idleDisconnectUsers, 0, 1)},
+        {"idleDisconnectFlag.adminUsers", editedCell(&Page::idleDisconnectUsers, 0, 2)},
+        {"idleDisconnectFlag.usersWithOpenFiles", editedCell(&Page::idleDisconnectUsers, 0, 3)},
+        {"activityLog", edited(&Page::loggingEnable)},
+        {"activityLogTime", edited(&Page::logRolloverText)},
+        {"activityLogPath", edited(&Page::logFilePath)},
+        {"loggingAttributes.logLogin", editedCell(&Page::loggingAttributes1, 0, 0)},
+        {"loggingAttributes.logLogout", editedCell(&Page::loggingAttributes1, 1, 0)},
+        {"loggingAttributes.logCreateDir", editedCell(&Page::loggingAttributes2, 0, 0)},
+        {"loggingAttributes.logCreateFile", editedCell(&Page::loggingAttributes2, 1, 0)},
+        {"loggingAttributes.logOpenFork", editedCell(&Page::loggingAttributes3, 0, 0)},
+        {"loggingAttributes.logDelete", editedCell(&Page::loggingAttributes3, 1, 0)},
+        {"maxConnections", edited(&Page::numConnections)},
+        {"maxGuests", edited(&Page::numGuestConnections)},
+        {"afpTCPPort", edited(&Page::tcpPort)},
+        {"adminGetsSp", edited(&Page::adminSpPrivsButton)},
+        {"guestAccess", edited(&Page::allowGuestAccess)},
+        {"registerNSL", edited(&Page::useRendezvous)},
+        {"afpServerEncoding", edited(&Page::afpTextEncoding)},
+    };
+    return controls;
+}
+
+void addAFPPage(const Situation& situation, std::vector<Remark>* warnings) {
+    for (const SettingChange& change : situation.plan.afpSettings) {
+        const auto found = afpControls().find(change.key);
+        if (found == afpControls().end() || !found->second(situation.before)) {
+            warnings->push_back(
+                {"untouched-setting",
+                 stringWithFormat(
+                     NSLocalizedString("\"%@\" of the AFP settings changes from \"%@\" to \"%@\", "
+                                       "although nobody touched its control."),
+                     change.key, change.before, change.after)});
+        }
+    }
+}
+
+} // namespace
+
+void addSettingWarnings(const Situation& situation, std::vector<Remark>* warnings) {
+    if (situation.is("updateSMBProperties:")) {
+        addSMBPage(situation, warnings);
+    } else if (situation.is("updateAFSProperties:")) {
+        addAFPPage(situation, warnings);
+    }
+}
+
+} // namespace review

@@ -1,0 +1,236 @@
+#include "review/WorkingCopy.h"
+
+#include "platform/foundation/Host.h"
+#include "platform/foundation/NSFileManager.h"
+#include "platform/host/DirectoryAccounts.h"
+#include "platform/netinfo/LocalDomain.h"
+#include "platform/netinfo/StoreCopy.h"
+#include "platform/posix/WholeFile.h"
+#include "tools/DirectoryTools.h"
+#include "tools/Helper.h"
+#include "tools/HelperComplaint.h"
+
+#include <array>
+#include <cerrno>
+#include <filesystem>
+#include <string_view>
+#include <utility>
+
+#include <fcntl.h>
+#include <sys/mman.h>
+#include <unistd.h>
+
+namespace review {
+
+namespace {
+
+namespace fs = std::filesystem;
+using platform::Result;
+using platform::Status;
+
+constexpr std::array<const char*, 2> settingsFiles = {"/etc/smb.conf",
+                                                      "/Library/Preferences/com.apple.AppleFileServer.plist"};
+/// What an action writes into the home folder before it is copied over one of the settings files.
+constexpr std::array<const char*, 2> temporaryFiles = {"/smb_test.conf", "/AppleFileServer.plist"};
+constexpr const char* storeName = "/directory.db";
+constexpr const char* homeName = "/home";
+constexpr const char* defaultsName = "/defaults.plist";
+/// An action would wait as long for the directory, and a plan is not to be worked out twice.
+constexpr int waitSeconds = 30;
+
+/// Memory rather than a disk, where there is such a folder: nothing needs to last.
+std::string makeScratchFolder() {
+    std::error_code ignored;
+    for (const fs::path& place : {fs::path("/dev/shm"), fs::temp_directory_path(ignored)}) {
+        std::string pattern = (place / "brindle-plan-XXXXXX").string();
+        if (::mkdtemp(pattern.data()) != nullptr) {
+            return pattern;
+        }
+    }
+    return {};
+}
+
+/// The copies' paths; every other path is the original's.
+class CopiedPaths : public platform::Paths {
+  public:
+    CopiedPaths(std::shared_ptr<platform::Paths> original, std::string folder)
+        : original_(std::move(original)), folder_(std::move(folder)) {}
+
+    [[nodiscard]] std::string map(const std::string& path) const override {
+        for (const char* each : settingsFiles) {
+            if (path == each) {
+                return folder_ + path;
+            }
+        }
+        const std::string home = original_->home();
+        for (const std::string_view each : temporaryFiles) {
+            if (path.size() == home.size() + each.size() && path.starts_with(home) && path.ends_with(each)) {
+                return mapTemporary(home, each);
+            }
+        }
+        return original_->map(path);
+    }
+
+    [[nodiscard]] std::string home() const override { return original_->home(); }
+
+    [[nodiscard]] std::string defaultsFile() const override {
+        return original_->defaultsFile().empty() ? std::string() : folder_ + defaultsName;
+    }
+
+    [[nodiscard]] std::string resources() const override { return original_->resources(); }
+
+  private:
+    /// Where nothing can be written, nothing can be written in the copy either: its folder does not exist.
+    [[nodiscard]] std::string mapTemporary(const std::string& home, std::string_view name) const {
+        const bool isWritable = ::access(home.c_str(), W_OK | X_OK) == 0;
+        return folder_ + (isWritable ? homeName : "/no-home") + std::string(name);
+    }
+
+    std::shared_ptr<platform::Paths> original_;
+    std::string folder_;
+};
+
+class CopiedDomain : public platform::LocalDomain {
+  public:
+    explicit CopiedDomain(std::string file) : file_(std::move(file)) {}
+
+    [[nodiscard]] std::string storeFile() const override { return file_; }
+
+  private:
+    std::string file_;
+};
+
+Status copyFileIfThere(const std::string& from, const std::string& to) {
+    std::error_code error;
+    fs::create_directories(fs::path(to).parent_path(), error);
+    if (error) {
+        return Status::failure("cannot make a folder for", to, error.message());
+    }
+    const auto contents = contentsOfFile(from);
+    // What cannot be read is not there for the plan either.
+    return contents.isOk() ? platform::writeWholeFile(to, *contents, {.mode = 0600}) : Status();
+}
+
+} // namespace
+
+Result<std::shared_ptr<WorkingCopy>> WorkingCopy::make() {
+    std::shared_ptr<WorkingCopy> copy(new WorkingCopy()); // make_shared cannot reach the constructor
+    copy->original_ = platform::Host::current().services();
+    copy->folders_ = std::make_shared<FolderForecasts>(copy->original_.folderForecast);
+    copy->folder_ = makeScratchFolder();
+    if (copy->folder_.empty()) {
+        return Status::ofErrno("cannot make", "a folder for temporary files", errno);
+    }
+    if (Status status = copy->fill(); !status.isOk()) {
+        return status;
+    }
+    return copy;
+}
+
+WorkingCopy::~WorkingCopy() {
+    if (!folder_.empty()) {
+        std::error_code ignored; // the system sweeps the folder that it stands in
+        fs::remove_all(folder_, ignored);
+    }
+}
+
+Status WorkingCopy::fill() {
+    std::error_code error;
+    fs::create_directories(folder_ + homeName, error);
+    if (error) {
+        return Status::failure("cannot make", folder_ + homeName, error.message());
+    }
+    for (const char* file : settingsFiles) {
+        if (Status status = copyFileIfThere(file, settingsFile(file)); !status.isOk()) {
+            return status;
+        }
+    }
+    const std::string defaults = original_.paths->defaultsFile();
+    if (!defaults.empty()) {
+        if (Status status = copyFileIfThere(defaults, folder_ + defaultsName); !status.isOk()) {
+            return status;
+        }
+    }
+    const std::string store = original_.localDomain->storeFile();
+    return fs::exists(store, error) ? platform::copyStore(store, storeFile(), waitSeconds) : Status();
+}
+
+platform::Services WorkingCopy::services() const {
+    platform::Services copied = original_;
+    copied.log = nullptr;
+    copied.presenter = nullptr;
+    copied.authority = nullptr;
+    copied.paths = std::make_shared<CopiedPaths>(original_.paths, folder_);
+    copied.localDomain = std::make_shared<CopiedDomain>(storeFile());
+    copied.folderForecast = folders_;
+    return copied;
+}
+
+std::string WorkingCopy::storeFile() const {
+    return folder_ + storeName;
+}
+
+void WorkingCopy::settle() {}
+
+std::string WorkingCopy::run(const std::string& tool, std::span<const std::string> arguments) {
+    DirectoryPlace directory(storeFile());
+    directory.keepsPasswords = false;
+    if (tool == "/usr/bin/nicl") {
+        return runNicl(directory, arguments).output;
+    }
+    if (tool == "/usr/bin/dscl") {
+        return runDscl(directory, arguments).output;
+    }
+    if (tool == "/bin/cp") {
+        return copySettings(arguments);
+    }
+    if ((tool == "/usr/sbin/chown" || tool == "/bin/chmod") && arguments.size() == 2) {
+        const bool isMode = tool == "/bin/chmod";
+        const auto order = isMode ? examineMode(arguments[0], arguments[1], ::geteuid())
+                                  : examineOwner(arguments[0], arguments[1],
+                                                 platform::DirectoryAccounts(storeFile()), ::geteuid());
+        if (!order.isOk()) {
+            return complaint(isMode ? "chmod" : "chown", order.status());
+        }
+        folders_->add(arguments[1], *order);
+        return {};
+    }
+    return {}; // kill: nobody is signalled, and it says nothing to standard output
+}
+
+std::string WorkingCopy::copySettings(std::span<const std::string> arguments) {
+    HelperRequest request{"/bin/cp", {arguments.begin(), arguments.end()}};
+    if (arguments.size() == 2) {
+        const CopiedPaths paths(original_.paths, folder_);
+        request.arguments[0] = paths.map(arguments[0]);
+        const std::string target = original_.paths->map(arguments[1]);
+        const std::string targetFolder = stringByDeletingLastPathComponent(target);
+        std::error_code error;
+        if (::access(targetFolder.c_str(), W_OK | X_OK) != 0) {
+            return complaint("cp", Status::ofErrno("cannot write in", targetFolder, errno));
+        }
+        if (fs::exists(target, error) && !fs::is_regular_file(target, error)) {
+            return complaint("cp",
+                             Status::failure("cannot replace", target, "is no regular file; move it away"));
+        }
+    }
+    return runHelperTool({folder_, ::getuid()}, request).output;
+}
+
+int descriptorOf(std::string_view text) {
+    if (text.empty()) {
+        return ::open("/dev/null", O_RDONLY | O_CLOEXEC);
+    }
+    const int descriptor = ::memfd_create("tool output", MFD_CLOEXEC);
+    while (descriptor >= 0 && !text.empty()) {
+        const ssize_t written = ::write(descriptor, text.data(), text.size());
+        if (written < 0 && errno != EINTR) {
+            break;
+        }
+        text.remove_prefix(written < 0 ? 0 : static_cast<std::size_t>(written));
+    }
+    ::lseek(descriptor, 0, SEEK_SET);
+    return descriptor;
+}
+
+} // namespace review

@@ -1,0 +1,57 @@
+#pragma once
+
+#include "platform/foundation/Services.h"
+#include "platform/posix/Status.h"
+#include "review/FolderForecasts.h"
+
+#include <memory>
+#include <span>
+#include <string>
+
+namespace review {
+
+/// Copies of all that a tool run can change, in a scratch folder that goes with this object: the directory,
+/// the two settings files, the temporary files in the home folder, the user defaults. Folders are not copied;
+/// what runs would make of them is remembered (FolderForecasts). Runs are carried out on the copies by the
+/// tools' own code; processes are not signalled and passwords are checked and go nowhere.
+class WorkingCopy {
+  public:
+    /// Copies what the current host reads. Fails when the directory cannot be read or there is no room; a
+    /// directory that does not exist is copied as such.
+    [[nodiscard]] static platform::Result<std::shared_ptr<WorkingCopy>> make();
+    ~WorkingCopy();
+    WorkingCopy(const WorkingCopy&) = delete;
+    WorkingCopy& operator=(const WorkingCopy&) = delete;
+
+    /// The current host's services with the copies in place of what they are copies of. The authority is left
+    /// out, and so are the log and the presenter.
+    [[nodiscard]] platform::Services services() const;
+
+    /// Carries a run out on the copies. Returns what the tool would write to its standard output.
+    [[nodiscard]] std::string run(const std::string& tool, std::span<const std::string> arguments);
+
+    [[nodiscard]] std::string storeFile() const;
+
+    /// The copy of one of the two settings files, which need not exist.
+    [[nodiscard]] std::string settingsFile(const std::string& path) const { return folder_ + path; }
+
+    [[nodiscard]] const FolderForecasts& folders() const { return *folders_; }
+
+    /// Makes what the directory's tools have changed visible to readers of storeFile().
+    void settle();
+
+  private:
+    WorkingCopy() = default;
+
+    [[nodiscard]] platform::Status fill();
+    [[nodiscard]] std::string copySettings(std::span<const std::string> arguments);
+
+    std::string folder_;
+    platform::Services original_;
+    std::shared_ptr<FolderForecasts> folders_;
+};
+
+/// A descriptor from which `text` is read.
+[[nodiscard]] int descriptorOf(std::string_view text);
+
+} // namespace review
