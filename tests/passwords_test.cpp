@@ -90,7 +90,7 @@ TEST_F(RootWithPassword, KeepsItWhenTheUserCannotBeDeleted) {
     ni_id id;
     ASSERT_EQ(ni_openfile(root.storeFile(), &reader), NI_OK);
     ASSERT_EQ(ni_root(reader, &id), NI_OK);
-    EXPECT_TRUE(contains(deleteAlice(0), "another program has been using it"));
+    EXPECT_TRUE(contains(deleteAlice(0), "another program is using it"));
     ni_free(reader);
     EXPECT_TRUE(hasPassword());
 

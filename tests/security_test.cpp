@@ -1,6 +1,8 @@
 #include "platform/foundation/Host.h"
 #include "platform/security/Authorization.h"
 #include "platform/security/ConsentAuthority.h"
+#include "platform/security/HelperLauncher.h"
+#include "platform/security/HelperProtocol.h"
 #include "platform/security/SudoAuthority.h"
 #include "support/TestHost.h"
 
@@ -78,8 +80,8 @@ TEST(HelperLauncherRequest, ReachesTheHelperWholeOrNotAtAll) {
     };
     const std::size_t rest = std::string("/bin/cp|||").size();
     EXPECT_EQ(size("-R"), std::to_string(rest + 2));
-    EXPECT_EQ(size(std::string(HelperLauncher::maximumRequest - rest, 'x')), "1048576");
-    EXPECT_EQ(size(std::string(HelperLauncher::maximumRequest - rest + 1, 'x')), "-60031") << "too large";
+    EXPECT_EQ(size(std::string(platform::maximumHelperRequest - rest, 'x')), "1048576");
+    EXPECT_EQ(size(std::string(platform::maximumHelperRequest - rest + 1, 'x')), "-60031") << "too large";
     EXPECT_EQ(size(std::string("a\0b", 3)), "-60031") << "would reach the helper as two arguments";
 }
 
@@ -101,7 +103,9 @@ platform::Services servicesWith(TestHost& host, std::shared_ptr<platform::Author
 
 TEST(Consent, HoldsForFiveMinutesAfterItsLastUse) {
     TestHost test;
-    const std::string helper = script(test, "helper", "cat >/dev/null; printf '\\006out'");
+    const std::string helper = script(test, "helper",
+                                      "while dd bs=9999 count=1 2>/dev/null | grep -q .; do "
+                                      "printf '\\006\\0\\0\\0\\003out\\0'; done");
     const platform::Host host(servicesWith(test, std::make_shared<platform::ConsentAuthority>(helper, "/r")));
     AuthorizationRef session = nullptr;
     ASSERT_EQ(AuthorizationCreate({}, kAuthorizationFlagDefaults, &session), 0);

@@ -160,6 +160,7 @@ platform::Services WorkingCopy::services() const {
     copied.log = nullptr;
     copied.presenter = nullptr;
     copied.authority = nullptr;
+    copied.pendingWrites = nullptr;
     copied.paths = std::make_shared<CopiedPaths>(original_.paths, folder_);
     copied.localDomain = std::make_shared<CopiedDomain>(storeFile());
     copied.folderForecast = folders_;

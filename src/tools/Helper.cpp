@@ -1,6 +1,7 @@
 #include "tools/Helper.h"
 
 #include "platform/host/EmbeddedRoot.h"
+#include "platform/security/HelperProtocol.h"
 #include "tools/HelperComplaint.h"
 #include "tools/HelperCopy.h"
 #include "tools/HelperFolders.h"
@@ -8,6 +9,7 @@
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 using platform::Status;
 
@@ -122,6 +124,22 @@ std::optional<HelperRequest> parseHelperRequest(std::string_view bytes) {
 
 bool isHelperTool(const std::string& tool) {
     return findTool(tool) != nullptr;
+}
+
+HelperTools::HelperTools(HelperPlace place)
+    : place_(std::move(place)), directory_(DirectoryPlace::ofRoot(place_.root)) {}
+
+HelperResult HelperTools::run(const HelperRequest& request) {
+    if (platform::waitsForCommit(request.tool)) {
+        ToolResult result = directory_.nicl(request.arguments);
+        return {std::move(result.output), "", result.status};
+    }
+    HelperResult committed = settle();
+    return committed.status == 0 ? runHelperTool(place_, request) : committed;
+}
+
+HelperResult HelperTools::settle() {
+    return said("brindle-helper", directory_.commit());
 }
 
 HelperResult runHelperTool(const HelperPlace& place, const HelperRequest& request) {

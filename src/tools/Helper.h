@@ -1,6 +1,6 @@
 #pragma once
 
-#include "tools/DirectoryTools.h"
+#include "tools/DirectorySession.h"
 
 #include <optional>
 #include <span>
@@ -11,7 +11,7 @@
 #include <sys/types.h>
 
 // brindle-helper: the one program that runs with an administrator's rights. It is one tool of a short list,
-// once, and refuses all else.
+// once or in a session one after another, and refuses all else.
 
 /// What one helper works on.
 struct HelperPlace {
@@ -41,6 +41,22 @@ struct HelperResult {
 /// Is the tool, which must be on the list. Needs a current host for its log.
 [[nodiscard]] HelperResult runHelperTool(const HelperPlace& place, const HelperRequest& request);
 
-/// The whole program: `brindle-helper --root DIR` or `--system`, the request on standard input. Answers the
-/// exit status.
+/// The tools of one session on an embedded root: what nicl changes is one transaction up to a commit.
+class HelperTools {
+  public:
+    explicit HelperTools(HelperPlace place);
+
+    /// Is the tool. Any but nicl commits first, and does nothing where that fails: it reads the directory, or
+    /// takes longer than others should wait for it.
+    [[nodiscard]] HelperResult run(const HelperRequest& request);
+    /// Commits.
+    [[nodiscard]] HelperResult settle();
+
+  private:
+    HelperPlace place_;
+    DirectorySession directory_;
+};
+
+/// The whole program: `brindle-helper --root DIR [--session]` or `--system`, the requests on standard input
+/// (platform/security/HelperProtocol.h). Answers the exit status.
 [[nodiscard]] int helperMain(int argc, char** argv);

@@ -4,9 +4,11 @@
 #include "platform/posix/InputOutput.h"
 #include "platform/posix/Secret.h"
 #include "platform/security/HelperLauncher.h"
+#include "platform/security/HelperProtocol.h"
 #include "tools/Helper.h"
 #include "tools/HelperComplaint.h"
 
+#include <cerrno>
 #include <charconv>
 #include <csignal>
 #include <cstdlib>
@@ -71,37 +73,31 @@ std::string placeOf(const platform::HostOptions& options, HelperPlace& place) {
                                               : "--root is served as the user only; start it without sudo";
 }
 
-HelperResult runGuarded(const HelperPlace& place, const HelperRequest& request) {
+/// What a tool says; an exception is its complaint.
+template <class Run>
+HelperResult guarded(const std::string& tool, Run run) {
     try {
-        platform::Services services;
-        services.log = std::make_shared<platform::SystemLog>(); // the tools may log what they cannot read
-        const platform::Host host(std::move(services));
-        return runHelperTool(place, request);
+        return run();
     } catch (const std::exception& error) {
-        return {
-            complaint("brindle-helper", platform::Status::failure("cannot run", request.tool, error.what())),
-            "", 1};
+        return {complaint("brindle-helper", platform::Status::failure("cannot run", tool, error.what())), "",
+                1};
     }
 }
 
-} // namespace
+void wipeArguments(HelperRequest& request) {
+    for (std::string& argument : request.arguments) {
+        platform::wipe(argument); // one may be a password
+    }
+}
 
-int helperMain(int argc, char** argv) {
-    closeInheritedDescriptors();
-    ::umask(S_IWGRP | S_IWOTH);
-    std::signal(SIGPIPE, SIG_IGN); // work once begun is finished, whether or not anybody listens
-    platform::HostOptions options;
-    const auto parser = platform::makeParser(
-        "brindle-helper", "Runs one tool for Brindle; the request comes on standard input.", "", options);
-    const auto words = platform::argumentsOf(argc, argv);
-    if (const auto end = platform::parse(*parser, {words.begin(), words.end()})) {
-        return end->print();
-    }
-    HelperPlace place;
-    if (const std::string fault = placeOf(options, place); !fault.empty()) {
-        return platform::complain(*parser, fault).print();
-    }
-    auto input = platform::readAll(STDIN_FILENO, "the request", platform::HelperLauncher::maximumRequest);
+/// False when nobody listens.
+bool sayStarted() {
+    const char started = platform::helperStarted;
+    return platform::writeAll(STDOUT_FILENO, {&started, 1}, "the started byte").isOk();
+}
+
+int serveOne(const HelperPlace& place) {
+    auto input = platform::readAll(STDIN_FILENO, "the request", platform::maximumHelperRequest);
     if (!input.isOk()) {
         return refuse(input.status().text());
     }
@@ -113,15 +109,86 @@ int helperMain(int argc, char** argv) {
     if (!isHelperTool(request->tool)) {
         return refuse("refuses " + request->tool + ", which is not on its list of tools");
     }
-    const char started = platform::HelperLauncher::startedByte;
-    if (!platform::writeAll(STDOUT_FILENO, {&started, 1}, "the started byte").isOk()) {
+    if (!sayStarted()) {
         return refuse("nobody waits for the answer");
     }
-    const HelperResult result = runGuarded(place, *request);
-    for (std::string& argument : request->arguments) {
-        platform::wipe(argument); // one may be a password
-    }
+    const HelperResult result = guarded(request->tool, [&] { return runHelperTool(place, *request); });
+    wipeArguments(*request);
     say(STDOUT_FILENO, result.output);
     say(STDERR_FILENO, result.errors);
     return result.status;
+}
+
+/// False when the input ends before.
+bool readExactly(std::string& bytes) {
+    std::size_t size = 0;
+    while (size < bytes.size()) {
+        const ssize_t count = ::read(STDIN_FILENO, bytes.data() + size, bytes.size() - size);
+        if (count == 0 || (count < 0 && errno != EINTR)) {
+            return false;
+        }
+        size += count < 0 ? 0 : static_cast<std::size_t>(count);
+    }
+    return true;
+}
+
+void answer(const HelperResult& result) {
+    say(STDERR_FILENO, result.errors);
+    say(STDOUT_FILENO,
+        platform::frameHeader(result.output.size()) + result.output + static_cast<char>(result.status));
+}
+
+/// Until the input ends, which takes back what was not committed.
+int serveSession(const HelperPlace& place) {
+    HelperTools tools(place);
+    std::string header(platform::frameHeaderSize, '\0');
+    while (readExactly(header)) {
+        const std::size_t size = platform::frameSize(header);
+        if (size > platform::maximumHelperRequest) {
+            return refuse("the request is larger than 1 MiB");
+        }
+        std::string bytes(size, '\0');
+        if (!readExactly(bytes)) {
+            return refuse("the request is incomplete");
+        }
+        auto request = parseHelperRequest(bytes);
+        platform::wipe(bytes);
+        if (size == 0 && sayStarted()) {
+            answer(guarded("commit", [&] { return tools.settle(); }));
+        } else if (request && isHelperTool(request->tool) && sayStarted()) {
+            answer(guarded(request->tool, [&] { return tools.run(*request); }));
+            wipeArguments(*request);
+        } else {
+            say(STDOUT_FILENO, std::string(1, platform::helperRefused));
+        }
+    }
+    return 0;
+}
+
+} // namespace
+
+int helperMain(int argc, char** argv) {
+    closeInheritedDescriptors();
+    ::umask(S_IWGRP | S_IWOTH);
+    std::signal(SIGPIPE, SIG_IGN); // work once begun is finished, whether or not anybody listens
+    platform::HostOptions options;
+    const auto parser = platform::makeParser(
+        "brindle-helper", "Runs one tool for Brindle; the request comes on standard input.", "", options);
+    bool isSession = false;
+    parser->add_flag("--session", isSession, "Run tool after tool; each request comes with its size");
+    const auto words = platform::argumentsOf(argc, argv);
+    if (const auto end = platform::parse(*parser, {words.begin(), words.end()})) {
+        return end->print();
+    }
+    HelperPlace place;
+    if (const std::string fault = placeOf(options, place); !fault.empty()) {
+        return platform::complain(*parser, fault).print();
+    }
+    if (isSession && place.root.empty()) {
+        return platform::complain(*parser, "--session goes with --root DIR").print();
+    }
+    platform::Services services;
+    services.log = std::make_shared<platform::SystemLog>(); // the tools may log what they cannot read
+    const platform::Host host(std::move(services));
+    return isSession ? serveSession(place) : serveOne(place);
 }

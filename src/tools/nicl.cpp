@@ -2,7 +2,7 @@
 #include "platform/host/EmbeddedRoot.h"
 #include "platform/netinfo/Store.h"
 #include "platform/posix/Status.h"
-#include "platform/samba/SambaAccounts.h"
+#include "tools/DirectorySession.h"
 #include "tools/DirectoryTools.h"
 #include "tools/ToolText.h"
 
@@ -24,26 +24,30 @@ constexpr const char* usage =
 
 constexpr const char* noRecord = "there is no such record; create it first";
 
-/// One change of the directory, as one transaction.
+/// One change of the directory, a step of a transaction.
 class Change {
   public:
     /// `request` keeps the rules, and so its path is one.
-    Change(const DirectoryPlace& place, const DirectoryChange& request)
-        : request_(request), path_(recordPath(request.path).value()), place_(place),
-          store_(place.storeFile, Store::Opening::Existing, place.waitSeconds) {}
+    Change(Store& store, const DirectoryChange& request)
+        : request_(request), path_(recordPath(request.path).value()), store_(store) {}
 
-    Status run() {
-        Status status = change();
-        const bool isDone = status.isOk() && store_.status().isOk();
-        if (isDone && isChanged_ && isAccount(path_) && !place_.root.empty()) {
-            status = tellServer();
+    Status run(DirectorySession::AccountChanges& accounts) {
+        Store::Step step(store_);
+        const Status status = change();
+        if (!status.isOk() && store_.status().isOk()) {
+            return status;
         }
-        // What a store that failed lacks is no reason.
-        if (status.isOk() || !store_.status().isOk()) {
-            status = store_.commit();
-            return status.isOk() ? status : refused(status.text());
+        step.keep();
+        if (!store_.status().isOk()) { // what a store that failed lacks is no reason
+            return refused(store_.status().text());
         }
-        return status;
+        if (isChanged_ && isAccount(path_) && reachesLists()) {
+            accounts.reachLists = true;
+            if (losesPassword_) {
+                accounts.forgotten.insert(path_.back());
+            }
+        }
+        return {};
     }
 
   private:
@@ -172,26 +176,6 @@ class Change {
                      : Status();
     }
 
-    /// Done before the commit, so that no other writer comes between. The password comes last: lists can be
-    /// written again, a password that is forgotten cannot be brought back.
-    Status tellServer() {
-        const platform::SambaAccounts accounts(platform::EmbeddedRoot(place_.root).sambaPaths());
-        if (!accounts.exists() || !reachesLists()) {
-            return {};
-        }
-        Status status = accounts.writeAccountLists(store_);
-        if (status.isOk() && losesPassword_) {
-            status = accounts.removeUser(path_.back());
-        }
-        if (status.isOk()) {
-            return status;
-        }
-        store_.undo();
-        // One of the lists may be written; where it cannot be written back, the first failure says why.
-        static_cast<void>(accounts.writeAccountLists(store_));
-        return refused(status.text());
-    }
-
     /// Writing the lists takes as long as there are accounts: a property that they do not hold must not cost
     /// that.
     [[nodiscard]] bool reachesLists() const {
@@ -201,11 +185,14 @@ class Change {
 
     const DirectoryChange& request_;
     RecordPath path_;
-    const DirectoryPlace& place_;
-    Store store_;
+    Store& store_;
     bool isChanged_ = false;
     bool losesPassword_ = false; ///< an entry of the password database has no user any more
 };
+
+ToolResult complaintOf(const Status& status) {
+    return status.isOk() ? ToolResult() : ToolResult{oneLine("nicl: " + status.text()), 1};
+}
 
 } // namespace
 
@@ -216,17 +203,24 @@ DirectoryPlace DirectoryPlace::ofRoot(const std::string& rootFolder) {
     return place;
 }
 
-ToolResult runNicl(const DirectoryPlace& place, std::span<const std::string> arguments) {
+ToolResult DirectorySession::nicl(std::span<const std::string> arguments) {
     const auto change = directoryChange(arguments);
     if (!change) {
         return {std::string(usage) + "\n", 1};
     }
     Status status = checkDirectoryChange(*change);
     if (status.isOk()) {
-        status = Change(place, *change).run();
+        status = Change(store(), *change).run(accounts_);
     }
-    if (!status.isOk()) {
-        return {oneLine("nicl: " + status.text()), 1};
+    return complaintOf(status);
+}
+
+ToolResult runNicl(const DirectoryPlace& place, std::span<const std::string> arguments) {
+    DirectorySession session(place);
+    ToolResult result = session.nicl(arguments);
+    if (result.status == 0) {
+        const Status status = session.commit();
+        result = complaintOf(status.isOk() ? status : refusal(*directoryChange(arguments), status.text()));
     }
-    return {};
+    return result;
 }

@@ -7,6 +7,7 @@
 int platform::runAlert(const std::string& title, const std::string& message, const std::string& defaultButton,
                        const std::optional<std::string>& alternateButton,
                        const std::optional<std::string>& otherButton) {
+    Host::settlePendingWrites();
     const Alert alert{title, message, defaultButton, alternateButton, otherButton};
     return static_cast<int>(Host::current().presenter().runAlert(alert));
 }
@@ -23,6 +24,7 @@ std::optional<std::string> NSOpenPanel::runModalForDirectory(const std::string& 
                                                              const std::string& file) {
     request_.directory = directory;
     request_.file = file;
+    platform::Host::settlePendingWrites();
     return platform::Host::current().presenter().runOpenPanel(request_);
 }
 

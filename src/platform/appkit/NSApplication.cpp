@@ -80,11 +80,17 @@ void NSApplication::forget(const NSWindow* window) {
 }
 
 void NSApplication::dispatch(const std::function<void()>& event) {
+    ++dispatches_;
     try {
         event();
     } catch (const std::exception& error) {
         NSLog("The action was given up: %@", error.what());
     } catch (...) {
         NSLog("The action was given up: it failed without saying why.");
+    }
+    if (--dispatches_ == 0) {
+        platform::Host::current().endAction();
+    } else {
+        platform::Host::settlePendingWrites();
     }
 }

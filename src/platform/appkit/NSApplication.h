@@ -64,8 +64,9 @@ class NSApplication {
     /// `window` is about to be destroyed: it is no longer the main window nor the sheet.
     void forget(const NSWindow* window);
 
-    /// Runs one event of a user. An exception that an action lets out is logged with its text, and the event
-    /// is over.
+    /// Runs one event of a user, which is one action of the host; one within another, as while an alert is
+    /// up, belongs to that. An exception that an action lets out is logged with its text, and the event is
+    /// over.
     void dispatch(const std::function<void()>& event);
 
   private:
@@ -74,6 +75,7 @@ class NSApplication {
     NSWindow* sheet_ = nullptr;
     SheetDidEnd sheetDidEnd_;
     std::shared_ptr<std::vector<NSWindow*>> windowsOnScreen_ = std::make_shared<std::vector<NSWindow*>>();
+    int dispatches_ = 0; ///< events that are under way
     bool launched_ = false;
     bool terminated_ = false;
 };

@@ -42,6 +42,19 @@ Host* Host::currentIfAny() {
     return currentHost();
 }
 
+void Host::settlePendingWrites() {
+    if (const Host* host = currentHost(); host != nullptr && host->services_.pendingWrites) {
+        host->services_.pendingWrites->settle();
+    }
+}
+
+void Host::endAction() {
+    ++endedActions_;
+    if (services_.pendingWrites) {
+        services_.pendingWrites->endAction();
+    }
+}
+
 NSNotificationCenter& Host::notificationCenter() {
     return *notificationCenter_;
 }

@@ -2,6 +2,7 @@
 
 #include "platform/foundation/Services.h"
 
+#include <cstdint>
 #include <memory>
 #include <stdexcept>
 #include <string>
@@ -34,6 +35,17 @@ class Host {
 
     /// The current host, or null.
     [[nodiscard]] static Host* currentIfAny();
+
+    /// Settles the current host's pending writes (PendingWrites). Nothing without a host, or where it has
+    /// none. Called before anything is read that a tool run may have changed, and before anybody is asked
+    /// something: others must not wait for the answer.
+    static void settlePendingWrites();
+
+    /// An action has come to its end.
+    void endAction();
+
+    /// How many actions have ended: what is remembered for the length of one knows by it that it is over.
+    [[nodiscard]] std::uint64_t endedActions() const { return endedActions_; }
 
     [[nodiscard]] const Services& services() const { return services_; }
 
@@ -92,6 +104,7 @@ class Host {
 
     Services services_;
     Host* previous_;
+    std::uint64_t endedActions_ = 0;
     std::unique_ptr<NSNotificationCenter> notificationCenter_;
     std::unique_ptr<NSUserDefaults> userDefaults_; ///< read on first use
     std::unique_ptr<NSBundle> mainBundle_;         ///< read on first use

@@ -76,8 +76,21 @@ class FolderForecast {
     virtual void apply(struct stat& status) const = 0;
 };
 
+/// Changes that tool runs have made and that nobody else sees yet: the runs of the directory's tools that
+/// follow one another in an action are one transaction.
+class PendingWrites {
+  public:
+    virtual ~PendingWrites() = default;
+    /// Makes them lasting and visible. Nothing when there are none. A failure, which takes all of them back,
+    /// is logged and beeps.
+    virtual void settle() = 0;
+    /// The same at the end of an action; then lets go of what served its runs.
+    virtual void endAction() = 0;
+};
+
 /// The services behind the platform's free functions. A host owns all of them; each may be shared with
-/// whoever made it. `authority` and `localDomain` may be left out where nothing uses them.
+/// whoever made it. `authority` and `localDomain` may be left out where nothing uses them, `pendingWrites`
+/// where every change is lasting at once.
 struct Services {
     std::shared_ptr<Log> log;
     std::shared_ptr<Clock> clock;
@@ -86,6 +99,7 @@ struct Services {
     std::shared_ptr<Processes> processes;
     std::shared_ptr<LocalDomain> localDomain;
     std::shared_ptr<Authority> authority;
+    std::shared_ptr<PendingWrites> pendingWrites;
     std::shared_ptr<Presenter> presenter;
     std::shared_ptr<FolderForecast> folderForecast; ///< none: folders are as they are
     /// Settings files are changed line by line, so that what a person wrote by hand stays; otherwise they are

@@ -115,8 +115,10 @@ Services makeEmbeddedServices(const EmbeddedHostOptions& options) {
     services.processes = std::make_shared<HostProcesses>(
         [folder = root.folder()](const std::string& processId) { return isServerOfRoot(processId, folder); });
     services.localDomain = std::make_shared<EmbeddedDomain>(root.storeFile());
-    services.authority =
+    const auto authority =
         std::make_shared<ConsentAuthority>(orDefault(options.helper, &defaultHelper), root.folder());
+    services.authority = authority;
+    services.pendingWrites = authority;
     services.languages = languagesFromEnvironment();
     return services;
 }

@@ -64,8 +64,10 @@ std::string reason(const std::string& file, int error, int patience) {
     switch (error & 0xff) {
     case SQLITE_BUSY:
     case SQLITE_LOCKED:
-        return "another program has been using it for " + std::to_string(patience) +
-               " seconds; try again when it has ended";
+        return (patience > 0
+                    ? "another program has been using it for " + std::to_string(patience) + " seconds"
+                    : std::string("another program is using it")) +
+               "; try again when it has ended";
     case SQLITE_NOTADB:
     case SQLITE_CORRUPT:
         return "it is damaged or no directory; restore it from a copy, or move it away to have a new one "
@@ -340,6 +342,21 @@ Status Store::commit() {
 void Store::undo() {
     execute("ROLLBACK");
     begin();
+}
+
+Store::Step::Step(Store& store) : store_(store) {
+    store_.execute("SAVEPOINT step");
+}
+
+Store::Step::~Step() {
+    if (!isKept_) {
+        store_.execute("ROLLBACK TO step; RELEASE step");
+    }
+}
+
+void Store::Step::keep() {
+    store_.execute("RELEASE step");
+    isKept_ = true;
 }
 
 } // namespace platform

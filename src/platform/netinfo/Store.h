@@ -79,6 +79,22 @@ class Store {
     /// Takes back all changes and begins anew, unless something failed.
     void undo();
 
+    /// One of several steps of the transaction: what it changed is taken back unless it is kept. Steps do not
+    /// overlap.
+    class Step {
+      public:
+        explicit Step(Store& store);
+        ~Step();
+        Step(const Step&) = delete;
+        Step& operator=(const Step&) = delete;
+
+        void keep();
+
+      private:
+        Store& store_;
+        bool isKept_ = false;
+    };
+
   private:
     struct Connection;
 

@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <cstdint>
 #include <cstring>
 #include <deque>
 #include <limits>
@@ -31,11 +32,35 @@ struct ni_domain {
     // Their blocks among `blocks`, once they have been read.
     const platform::RecordBlock* users = nullptr;
     const platform::RecordBlock* groups = nullptr;
+    std::string file;
 
-    void applyTimeout() { connection.waitSeconds = aborts ? std::optional(readTimeout) : std::nullopt; }
+    void applyTimeout();
+    [[nodiscard]] int begin();
 };
 
 namespace {
+
+/// The store that somebody held for longer than a reader waited, and in which action that was: an action
+/// reads the directory many times, and waits for it once.
+struct FailedWait {
+    std::string file;
+    std::uint64_t action = 0;
+};
+
+bool hasWaitedInVain(const std::string& file) {
+    platform::Host* host = platform::Host::currentIfAny();
+    if (host == nullptr) {
+        return false;
+    }
+    const FailedWait& failed = host->sharedInstance<FailedWait>();
+    return failed.file == file && failed.action == host->endedActions();
+}
+
+void rememberFailedWait(const std::string& file) {
+    if (platform::Host* host = platform::Host::currentIfAny()) {
+        host->sharedInstance<FailedWait>() = {file, host->endedActions()};
+    }
+}
 
 ni_status statusOf(int sqliteError) {
     switch (sqliteError & 0xff) {
@@ -75,7 +100,7 @@ Found findAmongRead(ni_domain& domain, std::uint32_t id) {
 
 /// Begins to read, and finds the directories whose records are lines of files.
 int begin(ni_domain& domain) {
-    int error = domain.connection.begin();
+    int error = domain.begin();
     if (error != SQLITE_OK || !domain.accounts || domain.usersDirectory != 0) {
         return error;
     }
@@ -177,6 +202,23 @@ ni_status readChildren(ni_domain& domain, std::uint32_t parent, const platform::
 
 } // namespace
 
+void ni_domain::applyTimeout() {
+    if (aborts) {
+        connection.waitSeconds = hasWaitedInVain(file) ? 0 : readTimeout;
+    } else {
+        connection.waitSeconds.reset();
+    }
+}
+
+int ni_domain::begin() {
+    const int error = connection.begin();
+    if ((error & 0xff) == SQLITE_BUSY) {
+        rememberFailedWait(file);
+        applyTimeout();
+    }
+    return error;
+}
+
 ni_status ni_open(ni_domain* relative, const char* name, ni_domain** domain) {
     if (relative != nullptr || name == nullptr || std::strcmp(name, ".") != 0) {
         return NI_FAILED;
@@ -187,7 +229,9 @@ ni_status ni_open(ni_domain* relative, const char* name, ni_domain** domain) {
     if (!accounts) {
         return ni_openfile(file, domain);
     }
+    platform::Host::settlePendingWrites();
     auto opened = std::make_unique<ni_domain>();
+    opened->file = file;
     opened->accounts = std::move(accounts);
     // Nothing is written on a computer where nothing was changed yet.
     const bool isMissing = ::access(file.c_str(), F_OK) != 0 && errno == ENOENT;
@@ -199,7 +243,9 @@ ni_status ni_open(ni_domain* relative, const char* name, ni_domain** domain) {
 }
 
 ni_status ni_openfile(const std::string& file, ni_domain** domain) {
+    platform::Host::settlePendingWrites();
     auto opened = std::make_unique<ni_domain>();
+    opened->file = file;
     const int error = opened->connection.open(file);
     if (error == SQLITE_OK) {
         *domain = opened.release();

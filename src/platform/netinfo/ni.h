@@ -43,12 +43,14 @@ struct ni_namelist {
 /// A connection; made by ni_open, closed by ni_free.
 struct ni_domain;
 
-/// Opens a connection to the current host's local domain: `relative` must be null and `name` ".".
+/// Opens a connection to the current host's local domain: `relative` must be null and `name` ".". Settles the
+/// host's pending writes first.
 [[nodiscard]] ni_status ni_open(ni_domain* relative, const char* name, ni_domain** domain);
-/// Opens a connection to the domain whose store is `file`. Needs no host.
+/// Opens a connection to the domain whose store is `file`. Needs no host; settles the pending writes of the
+/// current one.
 [[nodiscard]] ni_status ni_openfile(const std::string& file, ni_domain** domain);
-/// 1: calls fail with a status when the store does not answer in time; 0 (as after opening): they try for
-/// ever.
+/// 1: calls fail with a status when the store does not answer in time, and after one has waited in vain later
+/// ones of the same action do not wait again; 0 (as after opening): they try for ever.
 void ni_setabort(ni_domain* domain, int abort);
 /// In seconds. 0 does not wait at all.
 void ni_setreadtimeout(ni_domain* domain, int seconds);

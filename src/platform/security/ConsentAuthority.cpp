@@ -2,6 +2,8 @@
 
 #include "platform/appkit/Presenter.h"
 #include "platform/foundation/Host.h"
+#include "platform/foundation/NSLog.h"
+#include "platform/security/HelperProtocol.h"
 
 #include <optional>
 
@@ -34,7 +36,7 @@ ConsentSession& consentOf(AuthorizationSession& session) {
 } // namespace
 
 ConsentAuthority::ConsentAuthority(const std::string& helper, const std::string& rootFolder)
-    : launcher_({helper, "--root", rootFolder}) {}
+    : helper_({helper, "--root", rootFolder, "--session"}) {}
 
 std::unique_ptr<AuthorizationSession> ConsentAuthority::createSession(OSStatus* status) {
     *status = errAuthorizationSuccess;
@@ -50,6 +52,7 @@ OSStatus ConsentAuthority::copyRights(AuthorizationSession& session, const Autho
     if ((flags & kAuthorizationFlagInteractionAllowed) == 0) {
         return errAuthorizationInteractionNotAllowed;
     }
+    settle(); // nobody else should wait for the answer
     if (!Host::current().presenter().runAdministratorDialog({})) {
         return errAuthorizationCanceled;
     }
@@ -68,11 +71,22 @@ OSStatus ConsentAuthority::execute(AuthorizationSession& session, const std::str
         return errAuthorizationDenied;
     }
     consent.use();
-    return launcher_.run(tool, arguments, output);
+    if (!waitsForCommit(tool)) {
+        settle(); // the others read the directory, or take longer than anybody should wait for it
+    }
+    return helper_.run(tool, arguments, output);
 }
 
-void ConsentAuthority::outputHasEnded() {
-    launcher_.collect();
+void ConsentAuthority::settle() {
+    if (const Status status = helper_.settle(); !status.isOk()) {
+        Host::current().presenter().beep();
+        NSLog("%@", status.text());
+    }
+}
+
+void ConsentAuthority::endAction() {
+    settle();
+    helper_.end();
 }
 
 } // namespace platform

@@ -1,7 +1,8 @@
 #pragma once
 
+#include "platform/foundation/Services.h"
 #include "platform/security/Authority.h"
-#include "platform/security/HelperLauncher.h"
+#include "platform/security/HelperSession.h"
 
 #include <string>
 
@@ -11,7 +12,10 @@ namespace platform {
 /// consent is all that is needed. It is asked for in the presenter's administrator dialog, without a
 /// password, and holds for five minutes (of the host's clock) after it was given or last used for a tool run.
 /// Merely asking whether it holds does not prolong it.
-class ConsentAuthority : public Authority {
+///
+/// One helper serves the runs of an action. What its runs of the directory's tools change is one transaction,
+/// which is settled before a run of another tool, before anybody is asked, and at the action's end.
+class ConsentAuthority : public Authority, public PendingWrites {
   public:
     /// How long a consent holds, in seconds.
     static constexpr double consentSeconds = 300;
@@ -27,10 +31,12 @@ class ConsentAuthority : public Authority {
     /// errAuthorizationDenied when the consent does not hold.
     [[nodiscard]] OSStatus execute(AuthorizationSession& session, const std::string& tool,
                                    std::span<const std::string> arguments, int* output) override;
-    void outputHasEnded() override;
+
+    void settle() override;
+    void endAction() override;
 
   private:
-    HelperLauncher launcher_;
+    HelperSession helper_;
 };
 
 } // namespace platform

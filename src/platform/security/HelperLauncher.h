@@ -18,10 +18,6 @@ namespace platform {
 /// helpers that it started.
 class HelperLauncher {
   public:
-    /// The largest request, in bytes.
-    static constexpr std::size_t maximumRequest = std::size_t{1024} * 1024;
-    /// What the helper writes first: it has read its request and is the tool from now on.
-    static constexpr char startedByte = 0x06;
     /// A helper that gives up before it has started ends with this status; sudo, when it refuses, with
     /// another.
     static constexpr int notStartedStatus = 125;
@@ -45,11 +41,6 @@ class HelperLauncher {
     void collect();
 
   private:
-    enum class Start { Started, Ended, Failed };
-
-    /// Writes the request and reads the first byte, both at once: the helper may say something before it has
-    /// read everything.
-    [[nodiscard]] Start handOver(ChildProcess& child, std::string_view request) const;
     [[nodiscard]] OSStatus statusOfEnded(pid_t child);
 
     std::vector<std::string> command_;

@@ -1,0 +1,126 @@
+#include "platform/security/HelperProtocol.h"
+
+#include <array>
+#include <cerrno>
+
+#include <fcntl.h>
+#include <poll.h>
+#include <unistd.h>
+
+namespace platform {
+
+namespace {
+
+constexpr unsigned byteBits = 8;
+constexpr unsigned byteMask = 0xff;
+
+/// This program's environment without the mark that sudo leaves on a shell: a helper that is started from
+/// here was not started by sudo, and one that sudo starts gets a mark of its own.
+std::vector<std::string> helperEnvironment() {
+    std::vector<std::string> variables = currentEnvironment();
+    std::erase_if(variables, [](const std::string& each) { return each.starts_with("SUDO_UID="); });
+    return variables;
+}
+
+bool isTransient(int error) {
+    return error == EINTR || error == EAGAIN;
+}
+
+/// What the helper's first byte says; none when there is none yet.
+std::optional<HelperStart> readStart(int descriptor) {
+    char first = 0;
+    const ssize_t count = ::read(descriptor, &first, 1);
+    if (count < 0 && isTransient(errno)) {
+        return std::nullopt;
+    }
+    if (count == 0) {
+        return HelperStart::Ended;
+    }
+    if (count > 0 && first == helperStarted) {
+        return HelperStart::Started;
+    }
+    return count > 0 && first == helperRefused ? HelperStart::Refused : HelperStart::Failed;
+}
+
+} // namespace
+
+bool waitsForCommit(std::string_view tool) {
+    return tool == "/usr/bin/nicl";
+}
+
+std::string frameHeader(std::size_t size) {
+    std::string header(frameHeaderSize, '\0');
+    for (std::size_t index = frameHeaderSize; index > 0; --index) {
+        header[index - 1] = static_cast<char>(size & byteMask);
+        size >>= byteBits;
+    }
+    return header;
+}
+
+std::size_t frameSize(std::string_view header) {
+    std::size_t size = 0;
+    for (const char byte : header.substr(0, frameHeaderSize)) {
+        size = (size << byteBits) | static_cast<unsigned char>(byte);
+    }
+    return size;
+}
+
+std::optional<std::string> helperRequest(const std::string& tool, std::span<const std::string> arguments,
+                                         std::size_t reserved) {
+    std::size_t size = tool.size() + 1;
+    bool holdsNul = tool.find('\0') != std::string::npos;
+    for (const std::string& argument : arguments) {
+        size += argument.size() + 1;
+        holdsNul = holdsNul || argument.find('\0') != std::string::npos;
+    }
+    if (holdsNul || size > maximumHelperRequest) {
+        return std::nullopt;
+    }
+    std::string request;
+    request.reserve(reserved + size); // a text that grows would leave copies of a password behind
+    request.append(reserved, '\0').append(tool).push_back('\0');
+    for (const std::string& argument : arguments) {
+        request.append(argument).push_back('\0');
+    }
+    return request;
+}
+
+Result<ChildProcess> startHelper(const std::vector<std::string>& command) {
+    return startProcess({command, ErrorOutput::Inherited, helperEnvironment()});
+}
+
+HelperStart handOver(ChildProcess& helper, std::string_view request, HelperInput input,
+                     std::chrono::milliseconds patience) {
+    ::fcntl(helper.input.get(), F_SETFL, O_NONBLOCK);
+    const auto deadline = std::chrono::steady_clock::now() + patience;
+    while (true) {
+        const auto left =
+            std::chrono::ceil<std::chrono::milliseconds>(deadline - std::chrono::steady_clock::now());
+        // poll passes a descriptor of -1 over: everything is written.
+        const int writing = request.empty() ? -1 : helper.input.get();
+        std::array<pollfd, 2> waiting = {{{helper.output.get(), POLLIN, 0}, {writing, POLLOUT, 0}}};
+        const int ready =
+            left.count() > 0 ? ::poll(waiting.data(), waiting.size(), static_cast<int>(left.count())) : 0;
+        if (ready == 0 || (ready < 0 && errno != EINTR)) {
+            return HelperStart::Failed;
+        }
+        if (ready > 0 && waiting[1].revents != 0) {
+            const ssize_t written = ::write(helper.input.get(), request.data(), request.size());
+            if (written > 0) {
+                request.remove_prefix(static_cast<std::size_t>(written));
+            } else if (written < 0 && !isTransient(errno)) {
+                request = {}; // what the helper says tells
+            }
+            if (request.empty() && input == HelperInput::Closes) {
+                helper.input.reset(); // its end is what tells the helper that the request is whole
+            }
+        }
+        if (ready > 0 && waiting[0].revents != 0) {
+            if (const auto start = readStart(helper.output.get())) {
+                return *start;
+            }
+        }
+    }
+}
+
+} // namespace platform

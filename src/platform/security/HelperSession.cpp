@@ -1,0 +1,145 @@
+#include "platform/security/HelperSession.h"
+
+#include "platform/posix/InputOutput.h"
+#include "platform/posix/Secret.h"
+#include "platform/security/HelperProtocol.h"
+
+#include <cerrno>
+#include <csignal>
+#include <utility>
+
+#include <sys/mman.h>
+#include <unistd.h>
+
+namespace platform {
+
+namespace {
+
+/// A descriptor from which `bytes` are read. A pipe might be too small for them.
+FileDescriptor readable(std::string_view bytes) {
+    FileDescriptor file(::memfd_create("output", MFD_CLOEXEC));
+    if (file.isOpen() && writeAll(file.get(), bytes, "output").isOk()) {
+        ::lseek(file.get(), 0, SEEK_SET);
+        return file;
+    }
+    return {};
+}
+
+} // namespace
+
+HelperSession::HelperSession(std::vector<std::string> command, std::chrono::milliseconds patience)
+    : command_(std::move(command)), patience_(patience) {}
+
+HelperSession::~HelperSession() {
+    end();
+}
+
+OSStatus HelperSession::run(const std::string& tool, std::span<const std::string> arguments, int* output) {
+    auto frame = helperRequest(tool, arguments, frameHeaderSize);
+    if (!frame) {
+        return errAuthorizationToolExecuteFailure;
+    }
+    frame->replace(0, frameHeaderSize, frameHeader(frame->size() - frameHeaderSize));
+    auto answer = ask(*frame);
+    wipe(*frame);
+    if (!answer.isOk() || !*answer) {
+        return errAuthorizationToolExecuteFailure;
+    }
+    holdsChanges_ = holdsChanges_ || waitsForCommit(tool);
+    if (output != nullptr) {
+        FileDescriptor file = readable((*answer)->output);
+        if (!file.isOpen()) {
+            return errAuthorizationToolExecuteFailure;
+        }
+        *output = file.release();
+    }
+    return errAuthorizationSuccess;
+}
+
+Status HelperSession::settle() {
+    if (std::exchange(holdsChanges_, false)) {
+        const auto answer = ask(frameHeader(0));
+        if (!answer.isOk()) {
+            lost_ = answer.status().text();
+        } else if (!*answer || (*answer)->status != 0) {
+            lost_ = *answer ? (*answer)->output : "the helper refuses to save them";
+        }
+    }
+    const std::string lost = std::exchange(lost_, {});
+    return lost.empty() ? Status() : Status::failure("cannot keep", "what was changed", lost);
+}
+
+void HelperSession::end() {
+    holdsChanges_ = false;
+    if (!helper_) {
+        return;
+    }
+    helper_->input.reset();                         // its end is what tells the helper to go
+    static_cast<void>(waitForProcess(helper_->id)); // what it had to say it has said
+    helper_.reset();
+}
+
+void HelperSession::giveUp() {
+    if (helper_) {
+        ::kill(helper_->id, SIGKILL); // one that comes round later must do nothing
+    }
+    if (std::exchange(holdsChanges_, false)) {
+        lost_ = "the helper has ended too early; try again";
+    }
+    end();
+}
+
+Result<std::optional<HelperSession::Answer>> HelperSession::ask(std::string_view frame) {
+    const IgnoredBrokenPipe ignored;
+    if (!helper_) {
+        auto started = startHelper(command_);
+        if (!started.isOk()) {
+            return started.status();
+        }
+        helper_ = std::move(*started);
+    }
+    const HelperStart start = handOver(*helper_, frame, HelperInput::StaysOpen, patience_);
+    if (start == HelperStart::Refused) {
+        return std::optional<Answer>();
+    }
+    auto answer = start == HelperStart::Started
+                      ? readAnswer()
+                      : Result<Answer>(Status::failure("cannot talk to", command_.front(), "try again"));
+    if (!answer.isOk()) {
+        giveUp();
+        return answer.status();
+    }
+    return std::optional(std::move(*answer));
+}
+
+Result<HelperSession::Answer> HelperSession::readAnswer() const {
+    std::string header(frameHeaderSize, '\0');
+    Status status = read(header);
+    Answer answer;
+    if (status.isOk()) {
+        answer.output.resize(frameSize(header));
+        status = read(answer.output);
+    }
+    char exitStatus = 0;
+    if (status.isOk()) {
+        status = read(std::span(&exitStatus, 1));
+    }
+    answer.status = exitStatus;
+    return status.isOk() ? Result<Answer>(std::move(answer)) : status;
+}
+
+Status HelperSession::read(std::span<char> bytes) const {
+    while (!bytes.empty()) {
+        const ssize_t count = ::read(helper_->output.get(), bytes.data(), bytes.size());
+        if (count == 0) {
+            return Status::failure("cannot talk to", command_.front(), "it has ended; try again");
+        }
+        if (count < 0 && errno != EINTR) {
+            return Status::ofErrno("cannot talk to", command_.front(), errno);
+        }
+        bytes = bytes.subspan(count < 0 ? 0 : static_cast<std::size_t>(count));
+    }
+    return {};
+}
+
+} // namespace platform

@@ -1,0 +1,61 @@
+#pragma once
+
+#include "platform/posix/Process.h"
+#include "platform/posix/Status.h"
+#include "platform/security/AuthorizationTypes.h"
+
+#include <chrono>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace platform {
+
+/// One brindle-helper that serves run after run. What the directory's tools change stays one open transaction
+/// of it until settle(), and is taken back when the helper, or this program, ends before that.
+class HelperSession {
+  public:
+    /// `command` is the helper's path with its options. `patience` is how long it may take to start a run.
+    explicit HelperSession(std::vector<std::string> command,
+                           std::chrono::milliseconds patience = std::chrono::seconds(30));
+    /// Takes back what was not settled.
+    ~HelperSession();
+    HelperSession(const HelperSession&) = delete;
+    HelperSession& operator=(const HelperSession&) = delete;
+
+    /// Runs `tool` to its end, in the helper that runs already or in a new one. On success `*output` (when
+    /// not null) is a descriptor, owned by the caller, from which the tool's standard output is read.
+    /// errAuthorizationToolExecuteFailure when the helper could not be started, refused the tool, took too
+    /// long or ended in the middle.
+    [[nodiscard]] OSStatus run(const std::string& tool, std::span<const std::string> arguments, int* output);
+
+    /// Commits. Ok when there is nothing to commit; a failure has taken back everything since the last
+    /// commit.
+    [[nodiscard]] Status settle();
+
+    /// Lets the helper go, waiting for its end.
+    void end();
+
+  private:
+    struct Answer {
+        std::string output;
+        int status = 0;
+    };
+
+    /// Hands a frame over and reads what is said to it; none when the helper refuses.
+    [[nodiscard]] Result<std::optional<Answer>> ask(std::string_view frame);
+    [[nodiscard]] Result<Answer> readAnswer() const;
+    [[nodiscard]] Status read(std::span<char> bytes) const;
+    /// The helper cannot be talked to any more.
+    void giveUp();
+
+    std::vector<std::string> command_;
+    std::chrono::milliseconds patience_;
+    std::optional<ChildProcess> helper_;
+    bool holdsChanges_ = false; ///< the directory's tools have run since the last commit
+    std::string lost_;          ///< why their changes are gone
+};
+
+} // namespace platform
