@@ -4,6 +4,7 @@
 #include "frontends/SilentPresenter.h"
 #include "frontends/TableText.h"
 #include "platform/foundation/NSFileManager.h"
+#include "platform/posix/InputOutput.h"
 #include "support/AppFixture.h"
 #include "support/Subprocess.h"
 
@@ -68,6 +69,7 @@ TEST(Options, ThatMakeNoSenseAreNamed) {
         {{"--serve", "--port", "0"}, {"--port", "0", "65535"}},
         {{"--serve", "--port", "12x"}, {"--port", "12x"}},
         {{"--serve", "--print", "users"}, {"--serve", "--print"}},
+        {{"--dry-run"}, {"--dry-run", "--script"}},
     };
     for (const auto& [arguments, words] : cases) {
         const auto end = frontend::parseOptions(arguments).end;
@@ -208,6 +210,39 @@ TEST_F(Program, ShowsARefusedToolRunBeforeWhatBrindleMakesOfIt) {
     ASSERT_NE(run, std::string::npos) << output;
     const std::size_t end = output.find('\n', output.find('\n', run) + 1);
     EXPECT_EQ(output.substr(end + 1, 11), "beep\nlog \"o") << output;
+}
+
+TEST_F(Program, ShowsInADryRunWhatThenComesAndChangesNothing) {
+    const std::string folder = (test_.root() / "f").string();
+    std::filesystem::create_directories(folder);
+    EXPECT_NE(script("start\n"), ""); // the root is made
+    const std::string commands =
+        "start\ntype shareName Docs\ntype directory " + folder +
+        "\nselect sharingSMB 1\ncheck guestAccessButton on\nplan press createNewShare\nreview on\n"
+        "press createNewShare\nanswer Review \"Go On\"\npress createNewShare\nreview off\n"
+        "choose " +
+        folder +
+        "\nsend selectDirectory:\nshow owner group ownerPrivs everyonePrivs normalTableView\n"
+        "type groupName friends\ntype gid 600\nanswer Yes\npress createNewGroupButton\nshow groupTableView\n"
+        "type shareName a[b\npress createNewShare\nsend updateAFSProperties:\nsend "
+        "updateSMBProperties:\nreread\n";
+    const auto everything = [&] {
+        std::string all;
+        for (const auto& entry : std::filesystem::recursive_directory_iterator(test_.root())) {
+            std::error_code none;
+            all += entry.path().string() +
+                   std::to_string(static_cast<unsigned>(entry.status(none).permissions())) + ' ';
+            all += entry.is_regular_file() ? platform::readWholeFile(entry.path().string()).valueOr("") : "";
+        }
+        return all;
+    };
+    const std::string before = everything();
+    const Finished dry = run({"--dry-run", "--script", "-"}, commands);
+    EXPECT_EQ(dry.status, 0) << dry.errors;
+    EXPECT_EQ(everything(), before);
+    EXPECT_NE(dry.output.find("alert \"Not Possible\""), std::string::npos);
+    EXPECT_EQ(dry.output, run({"--script", "-"}, commands).output);
+    EXPECT_NE(everything(), before);
 }
 
 TEST_F(Program, AnswersEachCommandBeforeItReadsTheNext) {

@@ -10,11 +10,13 @@
 #include "platform/host/EmbeddedHost.h"
 #include "platform/host/EmbeddedRoot.h"
 #include "platform/samba/EmbeddedServer.h"
+#include "review/DryRun.h"
 
 #include <cerrno>
 #include <csignal>
 #include <cstring>
 #include <exception>
+#include <filesystem>
 #include <fstream>
 #include <iostream>
 #include <stdexcept>
@@ -45,6 +47,47 @@ platform::Services makeServices(const Options& options) {
     return platform::makeEmbeddedServices(host);
 }
 
+/// A folder for a root that a dry run would make; removed at the end.
+class ScratchRoot {
+  public:
+    ScratchRoot() = default;
+
+    ~ScratchRoot() {
+        std::error_code ignored; // the system sweeps the folder that it stands in
+        std::filesystem::remove_all(folder_, ignored);
+    }
+
+    ScratchRoot(const ScratchRoot&) = delete;
+    ScratchRoot& operator=(const ScratchRoot&) = delete;
+
+    /// Makes the folder.
+    [[nodiscard]] const std::string& make() {
+        std::string pattern = (std::filesystem::temp_directory_path() / "brindle-root-XXXXXX").string();
+        if (::mkdtemp(pattern.data()) == nullptr) {
+            throw std::runtime_error("cannot make " + pattern + ": " + std::strerror(errno));
+        }
+        folder_ = pattern;
+        return folder_;
+    }
+
+  private:
+    std::string folder_;
+};
+
+/// Services that change nothing.
+platform::Services makeDryServices(Options options, ScratchRoot& scratch) {
+    std::string& root = options.host.root;
+    root = root.empty() ? platform::EmbeddedRoot::defaultFolder() : root;
+    if (!std::filesystem::exists(platform::EmbeddedRoot(root).storeFile())) {
+        root = scratch.make();
+    }
+    const auto services = review::servicesOnCopies(makeServices(options));
+    if (!services.isOk()) {
+        throw std::runtime_error(services.status().text());
+    }
+    return *services;
+}
+
 /// The file server that --serve asks for, running; null when it was not asked for. Throws when it cannot run.
 std::unique_ptr<platform::EmbeddedServer> startServer(const Options& options) {
     if (!options.serve) {
@@ -72,9 +115,11 @@ int runScript(const Options& options) {
                                      " cannot be read: " + std::strerror(errno));
         }
     }
-    platform::Services services = makeServices(options);
+    ScratchRoot scratch;
+    platform::Services services = options.dryRun ? makeDryServices(options, scratch) : makeServices(options);
     const auto output = std::make_shared<frontend::ScriptOutput>(std::cout);
-    services.log = std::make_shared<frontend::ScriptLog>(output, std::make_shared<QuietSystemLog>());
+    services.log = std::make_shared<frontend::ScriptLog>(
+        output, options.dryRun ? nullptr : std::make_shared<QuietSystemLog>());
     const auto presenter = std::make_shared<frontend::ScriptPresenter>(output);
     Application application(std::move(services));
     application.setPresenter(presenter);

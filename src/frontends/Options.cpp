@@ -20,11 +20,15 @@ Options parseOptions(std::vector<std::string> arguments) {
                                               "Write a picture of every page of the window into DIR and end");
     print.check(CLI::IsMember({"shares", "users", "groups"}).description(""))->excludes(&script, &snapshot);
     snapshot.excludes(&script);
+    CLI::Option* dryRun = parser->add_flag("--dry-run", options.dryRun,
+                                           "Carry the script out on copies: every line as it would come, and "
+                                           "nothing changes");
+    dryRun->needs(&script);
     // The server lasts as long as the window or a script, and this computer has one of its own.
     CLI::Option* serve =
         parser->add_flag("--serve", options.serve,
                          "Start a file server of the embedded root's own for as long as Brindle runs");
-    serve->excludes(&print, &snapshot, parser->get_option("--system"));
+    serve->excludes(&print, &snapshot, dryRun, parser->get_option("--system"));
     parser->add_option("--port", options.port, "The server's port (4455)")
         ->type_name("N")
         ->check(CLI::Range(1, 65535).description(""))

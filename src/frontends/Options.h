@@ -18,6 +18,7 @@ struct Options {
     std::string script; ///< the script's file, "-" for standard input
     std::string table;  ///< the printed table: "shares", "users" or "groups"
     std::string snapshotFolder;
+    bool dryRun = false;     ///< the script works on copies and changes nothing
     bool serve = false;      ///< with a file server of the root's own
     std::optional<int> port; ///< the server's, 1 to 65535; none for its default
 

@@ -18,11 +18,7 @@ void PlanAuthority::destroyRights(platform::AuthorizationSession& /*session*/) {
 
 OSStatus PlanAuthority::execute(platform::AuthorizationSession& /*session*/, const std::string& tool,
                                 std::span<const std::string> arguments, int* output) {
-    const std::string text = copy_->run(tool, arguments);
-    if (output != nullptr) {
-        *output = descriptorOf(text);
-    }
-    return output == nullptr || *output >= 0 ? errAuthorizationSuccess : errAuthorizationToolExecuteFailure;
+    return copy_->execute(tool, arguments, output);
 }
 
 platform::AlertAnswer PlanPresenter::runAlert(const platform::Alert& alert) {

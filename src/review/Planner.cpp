@@ -61,7 +61,8 @@ void compare(const WorkingCopy& copy, Plan* plan) {
 
 } // namespace
 
-Plan planOf(const platform::Interface& main, const std::string& operation, const RehearsedAction& action) {
+Plan planOf(const platform::Interface& main, const std::string& operation, const RehearsedAction& action,
+            PlanDepth depth) {
     Plan plan;
     plan.operation = operation;
     const std::string storeBefore = platform::Host::current().localDomain().storeFile();
@@ -79,7 +80,7 @@ Plan planOf(const platform::Interface& main, const std::string& operation, const
     compare(*copy, &plan);
     plan.afpSettings = settingChanges(afpBefore, bytesOf(copy->settingsFile(afpSettings)));
     plan.blocks = blocksOf(plan, *static_cast<const BRController*>(main.owner()));
-    if (plan.blocks.empty()) {
+    if (plan.blocks.empty() && depth == PlanDepth::Warnings) {
         const auto& now = *static_cast<const BRController*>(main.owner());
         plan.warnings = warningsOf({plan, now, rehearsal.controller(), DirectoryView(storeBefore),
                                     DirectoryView(copy->storeFile())});

@@ -12,9 +12,15 @@ namespace review {
 /// Does something to the rehearsal of an application.
 using RehearsedAction = std::function<void(const Rehearsal& rehearsal)>;
 
+/// How much is found out about a plan.
+enum class PlanDepth {
+    Blocks,  ///< its steps, and whether it is blocked
+    Warnings ///< that, and what would surprise
+};
+
 /// Carries `action` out on a copy of the application of the current host, whose main interface is `main`, and
 /// tells what it has done to the copy, with warnings and blocks. Nothing else is changed.
 [[nodiscard]] Plan planOf(const platform::Interface& main, const std::string& operation,
-                          const RehearsedAction& action);
+                          const RehearsedAction& action, PlanDepth depth = PlanDepth::Warnings);
 
 } // namespace review

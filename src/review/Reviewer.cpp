@@ -50,18 +50,20 @@ void showNotPossible(const Plan& plan) {
 
 /// Plans what `perform` does to the copy of a control.
 template <class Perform>
-Plan planControl(const platform::Interface& main, const NSControl& control, Perform perform) {
+Plan planControl(const platform::Interface& main, const NSControl& control, Perform perform,
+                 PlanDepth depth = PlanDepth::Warnings) {
     const std::string operation = control.action().operation;
     if (operation == networkOperation) {
         Plan plan;
         plan.operation = operation;
         return plan;
     }
-    return planOf(main, operation, [&](const Rehearsal& rehearsal) {
+    const auto action = [&](const Rehearsal& rehearsal) {
         if (NSControl* copy = rehearsal.copyOf(control)) {
             perform(*copy);
         }
-    });
+    };
+    return planOf(main, operation, action, depth);
 }
 
 } // namespace
@@ -94,6 +96,11 @@ Plan Reviewer::planPress(const NSControl& control) const {
 
 Plan Reviewer::planAction(const NSControl& control) const {
     return planControl(main_, control, [](NSControl& copy) { copy.sendAction(); });
+}
+
+Plan Reviewer::planSteps(const NSControl& control) const {
+    return planControl(
+        main_, control, [](NSControl& copy) { copy.sendAction(); }, PlanDepth::Blocks);
 }
 
 Plan Reviewer::planSend(const std::string& operation) const {
@@ -150,7 +157,7 @@ bool Reviewer::mayPerform(const NSControl& sender) const {
     if (!isWriting(sender.action().operation)) {
         return true;
     }
-    const Plan plan = planAction(sender);
+    const Plan plan = question_ ? planAction(sender) : planSteps(sender);
     if (!plan.failure.empty()) {
         return true; // what keeps the plan from reading the directory is the action's own to tell
     }

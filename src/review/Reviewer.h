@@ -30,6 +30,8 @@ class Reviewer {
     [[nodiscard]] Plan planPress(const NSControl& control) const;
     /// What sending the control's action would do, with the control as it is.
     [[nodiscard]] Plan planAction(const NSControl& control) const;
+    /// The same without looking for warnings.
+    [[nodiscard]] Plan planSteps(const NSControl& control) const;
     /// The same for the first control that is wired to the operation; its failure says so when there is none.
     [[nodiscard]] Plan planSend(const std::string& operation) const;
     /// What answering "Yes" to the migration's question at the start would do.

@@ -111,6 +111,23 @@ Status copyFileIfThere(const std::string& from, const std::string& to) {
     return contents.isOk() ? platform::writeWholeFile(to, *contents, {.mode = 0600}) : Status();
 }
 
+/// A descriptor from which `text` is read.
+int descriptorOf(std::string_view text) {
+    if (text.empty()) {
+        return ::open("/dev/null", O_RDONLY | O_CLOEXEC);
+    }
+    const int descriptor = ::memfd_create("tool output", MFD_CLOEXEC);
+    while (descriptor >= 0 && !text.empty()) {
+        const ssize_t written = ::write(descriptor, text.data(), text.size());
+        if (written < 0 && errno != EINTR) {
+            break;
+        }
+        text.remove_prefix(written < 0 ? 0 : static_cast<std::size_t>(written));
+    }
+    ::lseek(descriptor, 0, SEEK_SET);
+    return descriptor;
+}
+
 } // namespace
 
 Result<std::shared_ptr<WorkingCopy>> WorkingCopy::make() {
@@ -218,20 +235,12 @@ std::string WorkingCopy::copySettings(std::span<const std::string> arguments) {
     return runHelperTool({folder_, ::getuid()}, request).output;
 }
 
-int descriptorOf(std::string_view text) {
-    if (text.empty()) {
-        return ::open("/dev/null", O_RDONLY | O_CLOEXEC);
+OSStatus WorkingCopy::execute(const std::string& tool, std::span<const std::string> arguments, int* output) {
+    const std::string text = run(tool, arguments);
+    if (output != nullptr) {
+        *output = descriptorOf(text);
     }
-    const int descriptor = ::memfd_create("tool output", MFD_CLOEXEC);
-    while (descriptor >= 0 && !text.empty()) {
-        const ssize_t written = ::write(descriptor, text.data(), text.size());
-        if (written < 0 && errno != EINTR) {
-            break;
-        }
-        text.remove_prefix(written < 0 ? 0 : static_cast<std::size_t>(written));
-    }
-    ::lseek(descriptor, 0, SEEK_SET);
-    return descriptor;
+    return output == nullptr || *output >= 0 ? errAuthorizationSuccess : errAuthorizationToolExecuteFailure;
 }
 
 } // namespace review

@@ -2,6 +2,7 @@
 
 #include "platform/foundation/Services.h"
 #include "platform/posix/Status.h"
+#include "platform/security/AuthorizationTypes.h"
 #include "review/FolderForecasts.h"
 
 #include <memory>
@@ -29,6 +30,9 @@ class WorkingCopy {
 
     /// Carries a run out on the copies. Returns what the tool would write to its standard output.
     [[nodiscard]] std::string run(const std::string& tool, std::span<const std::string> arguments);
+    /// The same as an authority does it: see platform::Authority::execute.
+    [[nodiscard]] OSStatus execute(const std::string& tool, std::span<const std::string> arguments,
+                                   int* output);
 
     [[nodiscard]] std::string storeFile() const;
 
@@ -50,8 +54,5 @@ class WorkingCopy {
     platform::Services original_;
     std::shared_ptr<FolderForecasts> folders_;
 };
-
-/// A descriptor from which `text` is read.
-[[nodiscard]] int descriptorOf(std::string_view text);
 
 } // namespace review

@@ -1,0 +1,331 @@
+#include "support/ReviewFixture.h"
+
+#include <algorithm>
+
+namespace {
+
+/// A computer with two shares, some people, and settings as Brindle writes them. Each test makes one thing
+/// otherwise, as a person would find it, and expects to be told of that and of nothing else.
+class Surprises : public ReviewFixture {
+  protected:
+    Surprises() {
+        addGroup("staff", "20", {"bob"});
+        addGroup("admin", "80", {"adam"});
+        addUser("bob", "501");
+        addUser("adam", "502");
+        docs = folder("docs");
+        films = folder("films");
+        addShare("Docs", docs);
+        addShare("Films", films);
+        writeConf(plainConf());
+        writeAFP("<key>loginGreeting</key><string>Hi</string>");
+    }
+
+    std::string plainConf(const std::string& global = "", const std::string& more = "") const {
+        return "[global]\nworkgroup = OFFICE\nmap to guest = Bad User\nsecurity = USER\ndos charset = CP437\n"
+               "local master = yes\nhide dot files = yes\n" +
+               global + "\n\n[Docs]\npath = " + docs +
+               "\nread only = No\ninherit permissions = No\nguest ok = No\n" + more +
+               ";Created by Brindle\n\n\n";
+    }
+
+    void selectShare(const std::string& name) { selectRow(*app().normalTableView, "ShareName", name); }
+
+    /// A new share of that folder, whose owner and rights are shown from the disk.
+    void newShare(const std::string& name, const std::string& path) {
+        host.choosePath(path);
+        send("selectDirectory:");
+        type("shareName", name);
+    }
+
+    std::string docs;
+    std::string films;
+};
+
+TEST_F(Surprises, ThereAreNoneWhenOnlyWhatWasTouchedChanges) {
+    begin();
+    EXPECT_EQ(warningsOf("updateSMBProperties:"), "");
+    type("smbWorkGroup", "HOME");
+    click("smbWorkGroupMaster");
+    EXPECT_EQ(warningsOf("updateSMBProperties:"), "");
+    selectShare("Docs");
+    EXPECT_EQ(warningsOf("createShare:"), "");
+    EXPECT_EQ(warningsOf("deleteShare:"), "");
+    choose("everyonePrivs", 3);
+    choose("sharingAFS", 0);
+    EXPECT_EQ(warningsOf("createShare:"), "");
+    newShare("New", folder("new"));
+    choose("sharingSMB", 1);
+    EXPECT_EQ(warningsOf("createShare:"), "");
+}
+
+TEST_F(Surprises, AChangeOfSomebodyElseIsToldUntilTheFileIsReadAgain) {
+    begin();
+    writeConf(plainConf("wins support = yes\n"));
+    EXPECT_TRUE(reviewer->hasSMBConfChangedOnDisk());
+    EXPECT_EQ(warningsOf("updateSMBProperties:"), "changed-outside");
+    selectShare("Docs");
+    type("smbWorkGroup", "UNSAVED");
+    writeConf("[global]\nworkgroup = THEIRS\n[Extra]\npath = " + films + "\nguest ok = yes\n");
+    reviewer->reread();
+    EXPECT_FALSE(reviewer->hasSMBConfChangedOnDisk());
+    EXPECT_EQ(text("smbWorkGroup"), "THEIRS");
+    EXPECT_EQ(text("shareName"), "Docs");
+    EXPECT_EQ(columnOf("normalTableView", "SMB"), (std::vector<std::string>{"-", "+"}));
+}
+
+TEST_F(Surprises, LinesThatASaveLosesOrMovesAreNamed) {
+    writeConf(plainConf("stray\n", "# by hand\nbrowseable = yes\n"));
+    begin();
+    EXPECT_EQ(warningsOf("updateSMBProperties:"), "lines-lost");
+    const review::Plan plan = reviewer->planSend("updateSMBProperties:");
+    ASSERT_EQ(plan.warnings.size(), 2U);
+    EXPECT_EQ(plan.warnings[0].sentence, "Saving does not keep these lines of smb.conf: line 8 \"stray\".");
+    EXPECT_EQ(plan.warnings[1].sentence,
+              "Saving moves these lines of smb.conf to another place: line 16 \"# by hand\".");
+    send("updateSMBProperties:");
+    EXPECT_EQ(warningsOf("updateSMBProperties:"), ""); // what is lost is lost
+}
+
+TEST_F(Surprises, ASectionThatGoesAwayWithMoreThanTheEditorShowsIsNamed) {
+    writeConf(plainConf("", "veto files = /x/\n"));
+    begin();
+    selectShare("Docs");
+    EXPECT_EQ(
+        sentence("deleteShare:", "section-removed"),
+        "The section [Docs] of smb.conf goes away with what Brindle did not write there: \"veto files\".");
+    writeConf("[Docs]\npath = /elsewhere\n");
+    reviewer->reread();
+    selectShare("Docs");
+    EXPECT_NE(sentence("deleteShare:", "section-removed").find("\"/elsewhere\""), std::string::npos);
+    writeConf(plainConf());
+    reviewer->reread();
+    control<NSTableView>("normalTableView").deselectAll();
+    newShare("Docs", docs); // not selected, so that nothing was shown of it
+    EXPECT_NE(warningsOf("createShare:").find("section-removed"), std::string::npos);
+}
+
+TEST_F(Surprises, ARecordThatGoesAwayUnaskedIsNamed) {
+    nicl({"-create", "/config/Brindle/Docs", "comment", "mine"});
+    nicl({"-create", "/config/Brindle/Old"});
+    nicl({"-create", "/config/Brindle/Old", "directory_path", films});
+    host.answerAlert("Shares Are Not Updated for Jaguar", "No");
+    begin();
+    selectShare("Docs");
+    EXPECT_EQ(
+        sentence("deleteShare:", "record-removed"),
+        "The record of the share \"Docs\" goes away with what Brindle did not write there: \"comment\".");
+    const review::Plan migration = reviewer->planMigration();
+    EXPECT_EQ(migration.runs.size(), 21U); // three records, each deleted and made anew with its properties
+    EXPECT_EQ(migration.warnings.size(), 1U);
+}
+
+TEST_F(Surprises, AFolderThatChangesHandsUnseenIsNamedAndOneThatLocksItsOwnerOut) {
+    begin();
+    type("shareName", "New");
+    type("directory", folder("private", 0750)); // typed: the menus show another folder, or none
+    EXPECT_EQ(warningsOf("createShare:"), ::geteuid() == 0 ? "owner-changes mode-changes owner-locked-out"
+                                                           : "mode-changes owner-locked-out");
+    choose("owner", "bob");
+    choose("group", "staff");
+    choose("ownerPrivs", 0);
+    choose("groupPrivs", 1);
+    EXPECT_EQ(warningsOf("createShare:"), "mode-changes"); // 0750 cannot be written: everyone may search
+    choose("everyonePrivs", 3);
+    EXPECT_EQ(warningsOf("createShare:"), "");
+}
+
+TEST_F(Surprises, AFolderInTheWrongPlaceIsNamed) {
+    begin();
+    type("shareName", "New");
+    for (const auto& [path, code] :
+         std::vector<std::pair<std::string, std::string>>{{"/nowhere/at all", "no-folder"},
+                                                          {"relative", "relative-folder"},
+                                                          {"/etc", "system-folder"},
+                                                          {folder("docs/inside"), "folder-inside-share"}}) {
+        type("directory", path);
+        const std::string said = sentence("createShare:", code);
+        EXPECT_NE(said.find("\"" + path + "\""), std::string::npos) << said;
+    }
+    std::filesystem::create_directory_symlink(folder("docs/linked"), host.root() / "link");
+    type("directory", (host.root() / "link").string());
+    EXPECT_NE(sentence("createShare:", "folder-inside-share").find("\"Docs\""), std::string::npos);
+    selectShare("Docs");
+    EXPECT_EQ(sentence("createShare:", "folder-inside-share"), ""); // a share is not inside itself
+}
+
+TEST_F(Surprises, ANameInAnotherCaseIsNamed) {
+    begin();
+    newShare("DOCS", folder("new"));
+    EXPECT_EQ(warningsOf("createShare:"), "name-case");
+    type("groupName", "Staff");
+    type("gid", "600");
+    EXPECT_EQ(warningsOf("addNewGroup:"), "name-case");
+    type("shortName", "BOB");
+    type("fullName", "B");
+    type("uid", "600");
+    EXPECT_EQ(sentence("addNewUser:", "name-case"),
+              "The name \"BOB\" differs from the user \"bob\" only in the case of letters.");
+}
+
+TEST_F(Surprises, AnAccountThatIsOverwrittenUnselectedAndAnIdThatChangesAreNamed) {
+    begin();
+    type("shortName", "bob");
+    type("fullName", "B");
+    type("uid", "501");
+    EXPECT_EQ(warningsOf("addNewUser:"), "overwrites-account");
+    selectRow(*app().userTableView, "User", "bob");
+    type("fullName", "Bob");
+    EXPECT_EQ(warningsOf("addNewUser:"), "");
+    type("uid", "777");
+    EXPECT_EQ(sentence("addNewUser:", "id-changes"), "The id of the user \"bob\" changes from 501 to 777: "
+                                                     "the files of before and the password for Windows "
+                                                     "stay with the old one.");
+    type("groupName", "staff");
+    type("gid", "21");
+    EXPECT_EQ(warningsOf("addNewGroup:"), "overwrites-account id-changes");
+}
+
+TEST_F(Surprises, ASettingThatChangesUntouchedIsNamed) {
+    std::string conf = plainConf();
+    conf.replace(conf.find("local master = yes"), 18, "local master = Yes");
+    conf.replace(conf.find("guest ok = No"), 13, "guest ok = true");
+    writeConf(conf);
+    begin();
+    EXPECT_EQ(sentence("updateSMBProperties:", "untouched-setting"),
+              "\"local master\" in the section [global] of smb.conf changes from \"Yes\" to \"no\", although "
+              "nobody "
+              "touched its control.");
+    selectShare("Docs");
+    EXPECT_NE(sentence("createShare:", "untouched-setting").find("\"guest ok\""), std::string::npos);
+    nicl({"-create", "/config/Brindle/Films", "afp_use_parent_privs", "1"});
+    newShare("Films", films); // over the record that is there, with every box off
+    EXPECT_NE(sentence("createShare:", "untouched-setting").find("\"afp_use_parent_privs\""),
+              std::string::npos);
+    type("greeting", "Hello");
+    const review::Plan afp = reviewer->planSend("updateAFSProperties:");
+    EXPECT_NE(std::ranges::find(afp.afpSettings, "loginGreeting", &review::SettingChange::key),
+              afp.afpSettings.end());
+    EXPECT_TRUE(std::ranges::none_of(afp.warnings, [](const review::Remark& warning) {
+        return warning.sentence.find("loginGreeting") != std::string::npos;
+    }));
+    EXPECT_NE(sentence("updateAFSProperties:", "untouched-setting"), ""); // the keys that the file lacks
+}
+
+TEST_F(Surprises, GuestsWhoMayWriteAndManyAccountsAreTold) {
+    begin();
+    newShare("New", folder("new"));
+    choose("sharingSMB", 1);
+    click("guestAccessButton");
+    EXPECT_EQ(warningsOf("createShare:"), "guests-write");
+    for (int user = 0; user < 20; ++user) {
+        addUser("u" + std::to_string(user), std::to_string(600 + user));
+    }
+    EXPECT_EQ(sentence("disableAllPublicShares:", "many-accounts"),
+              "22 accounts change, from \"adam\" to \"u9\".");
+}
+
+TEST_F(Surprises, WhatTheServerReadsOtherwiseIsNamed) {
+    writeConf(plainConf("Workgroup = OTHER\n", "Public = yes\n") +
+              "[GLOBALS]\nserver string = x\n[Home s]\n");
+    begin();
+    EXPECT_NE(sentence("updateSMBProperties:", "server-reads-otherwise").find("\"Workgroup = OTHER\""),
+              std::string::npos);
+    selectShare("Docs");
+    EXPECT_EQ(sentence("createShare:", "server-reads-otherwise"),
+              "The SMB server follows \"Public = yes\" in the section [Docs], which Brindle does not show.");
+    const auto all = reviewer->serverReadsOtherwise();
+    const auto tells = [&](const std::string& words) {
+        return std::ranges::any_of(
+            all, [&](const review::Remark& each) { return each.sentence.find(words) != std::string::npos; });
+    };
+    EXPECT_TRUE(tells("[GLOBALS]"));
+    EXPECT_TRUE(tells("[Home s]"));
+    EXPECT_EQ(reviewer->serverReadsOtherwise("Docs").size(), 1U);
+    EXPECT_EQ(reviewer->serverReadsOtherwise("Films").size(), 0U);
+}
+
+TEST_F(Surprises, TheServersOwnComplaintIsTold) {
+    if (!std::filesystem::exists("/usr/bin/testparm")) {
+        GTEST_SKIP() << "no testparm here";
+    }
+    writeConf(plainConf("no such key = 1\n"));
+    begin();
+    EXPECT_EQ(sentence("updateSMBProperties:", "server-complains"), ""); // it is there already
+    choose("smbSecurity", "Share");
+    EXPECT_NE(sentence("updateSMBProperties:", "server-complains").find("SHARE"), std::string::npos);
+}
+
+TEST_F(Surprises, WhatOurToolsAreBoundToRefuseIsBlockedBeforeTheFirstRun) {
+    begin();
+    const auto expectBlocked = [this](const std::string& operation, const std::string& code,
+                                      const std::string& named) {
+        const review::Plan plan = reviewer->planSend(operation);
+        ASSERT_FALSE(plan.blocks.empty()) << operation << ' ' << named;
+        EXPECT_EQ(plan.blocks.front().code, code);
+        EXPECT_NE(plan.blocks.front().sentence.find(named), std::string::npos)
+            << plan.blocks.front().sentence;
+        EXPECT_TRUE(plan.warnings.empty());
+        host.answerAlert("Not Possible", "OK");
+        send(operation);
+        EXPECT_TRUE(host.runs.empty());
+    };
+    newShare("a[b", films);
+    expectBlocked("createShare:", "name", "\"a[b\"");
+    type("shareName", "printers");
+    expectBlocked("createShare:", "name", "\"printers\"");
+    type("shareName", "New");
+    type("directory", "/ends in\\");
+    expectBlocked("createShare:", "folder", "\"/ends in\\\"");
+    type("directory", films);
+    type("smbServerInfoString", "ends in\\ ");
+    expectBlocked("updateSMBProperties:", "text", "\"server string\"");
+    type("shortName", "a,b");
+    type("fullName", "A");
+    type("uid", "600");
+    expectBlocked("addNewUser:", "name", "\"a,b\"");
+    type("shortName", "ab");
+    type("fullName", "A\tB");
+    expectBlocked("addNewUser:", "text", "\"A\tB\"");
+    type("fullName", "A");
+    type("uid", "4294967295");
+    expectBlocked("addNewUser:", "number", "4294967295");
+    type("groupName", "a:b");
+    type("gid", "600");
+    expectBlocked("addNewGroup:", "name", "\"a:b\"");
+}
+
+TEST_F(Surprises, WhatTheOperationRefusesItselfAndDeletingAreNotBlocked) {
+    addShare("a", films);
+    nicl({"-create", "/config/Brindle/a", "afp_name", "a"});
+    begin();
+    host.answerAlert("Illegal Share Name", "OK");
+    newShare("global", films);
+    send("createShare:");
+    EXPECT_TRUE(host.runs.empty());
+    selectShare("a");
+    type("shareName", "a[b");
+    send("deleteShare:");
+    EXPECT_FALSE(host.runs.empty());
+}
+
+TEST_F(Surprises, AnActionIsAskedAboutOnlyWhenItHoldsAWarning) {
+    begin();
+    reviewer->setQuestion(&review::Reviewer::askAboutWarnings);
+    selectShare("Films");
+    send("createShare:");
+    EXPECT_FALSE(host.runs.empty());
+    writeConf("[global]\n");
+    host.runs.clear();
+    selectShare("Docs");
+    host.answerAlert("Review", "Cancel");
+    send("createShare:");
+    EXPECT_TRUE(host.runs.empty());
+    host.answerAlert("Review", "Go On");
+    send("createShare:");
+    EXPECT_FALSE(host.runs.empty());
+    EXPECT_EQ(host.alerts.back().message,
+              "Somebody else changed smb.conf after Brindle read it: saving takes that change back.");
+}
+
+} // namespace
