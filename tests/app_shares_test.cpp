@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <ranges>
+#include <tuple>
 
 #include <sys/stat.h>
 
@@ -107,17 +108,20 @@ TEST_F(Shares, TheEditorShowsTheFolderOfTheSelectedShareAsItIsNow) {
     EXPECT_EQ(control<NSPopUpButton>("group").titleOfSelectedItem(), attributes->groupOwnerAccountName());
     EXPECT_EQ(privileges(), (std::vector<int>{0, 1, 1}));
     EXPECT_EQ(controller->menuToPermissions(), 0755);
-    EXPECT_TRUE(isOn("inheritPermissionsButton") && control<NSButton>("inheritOwnerButton").isEnabled());
-    EXPECT_TRUE(isOn("inheritOwnerButton"));
-    EXPECT_TRUE(isOn("guestAccessButton"));
-    EXPECT_EQ(index("sharingAFS") + index("sharingSMB"), 2);
+    for (const char* box : {"inheritPermissionsButton", "inheritOwnerButton", "guestAccessButton"}) {
+        EXPECT_TRUE(isOn(box)) << box;
+    }
+    EXPECT_TRUE(control<NSButton>("inheritOwnerButton").isEnabled());
+    EXPECT_EQ(index("sharingAFS"), 1);
+    EXPECT_EQ(index("sharingSMB"), 1);
     EXPECT_EQ(control<NSButton>("createNewShare").title(), "Update Share");
     EXPECT_EQ(text("selectedShareName"), "Docs");
 
     table().selectRow(1);
     EXPECT_EQ(index("owner"), -1) << "a folder that cannot be examined has no owner to show";
     EXPECT_EQ(privileges(), (std::vector<int>{3, 3, 3}));
-    EXPECT_FALSE(isOn("inheritOwnerButton") || control<NSButton>("inheritOwnerButton").isEnabled());
+    EXPECT_FALSE(isOn("inheritOwnerButton"));
+    EXPECT_FALSE(control<NSButton>("inheritOwnerButton").isEnabled());
 
     table().deselectAll();
     EXPECT_EQ(text("shareName") + text("directory") + text("selectedShareName"), "");
@@ -146,25 +150,20 @@ TEST_F(Shares, AChosenFolderBringsItsOwnerAndPrivilegesButNoName) {
     EXPECT_EQ(text("directory"), drop);
     EXPECT_EQ(text("shareName"), "");
     EXPECT_EQ(privileges(), (std::vector<int>{0, 2, 2}));
-    EXPECT_TRUE(host.panels.at(1).canChooseDirectories && !host.panels.at(1).canChooseFiles);
+    EXPECT_TRUE(host.panels.at(1).canChooseDirectories);
+    EXPECT_FALSE(host.panels.at(1).canChooseFiles);
 }
 
 TEST_F(Shares, AShareThatCannotBeMadeIsRefusedBeforeAnythingIsWritten) {
     addAccounts();
     start();
 
-    struct Refusal {
-        const char* name;
-        const char* path;
-        const char* title;
-    };
-
-    for (const Refusal& refusal : {Refusal{"", "", "Share Name Empty"},
-                                   {"Docs", "", "Directory Empty"},
-                                   {"GLOBAL", "/d", "Illegal Share Name"},
-                                   {"Homes", "/d", "Illegal Share Name"}}) {
-        fillEditor(refusal.name, refusal.path, false);
-        host.answerAlert(refusal.title, "OK");
+    for (const auto& [name, path, title] : {std::tuple("", "", "Share Name Empty"),
+                                            {"Docs", "", "Directory Empty"},
+                                            {"GLOBAL", "/d", "Illegal Share Name"},
+                                            {"Homes", "/d", "Illegal Share Name"}}) {
+        fillEditor(name, path, false);
+        host.answerAlert(title, "OK");
         send("createShare:");
     }
     EXPECT_NE(host.alerts.at(2).message.find("\"Global\""), std::string::npos);
@@ -206,36 +205,26 @@ TEST_F(Shares, EachCheckBoxIsWrittenWhereItBelongs) {
     addAccounts();
     start();
 
-    struct Case {
-        int inherit, owner, guest;
-        Texts properties; ///< of the record
-        const char* section;
-    };
-
-    const auto properties = [this](const std::string& privileges, const std::string& owner) {
-        Texts runs = creationRuns("Docs", "/docs");
-        runs[4].back() = privileges.front();
-        runs[5].back() = owner.front();
-        return runs;
-    };
-    for (const Case& boxes : {Case{NSOnState, NSOffState, NSOffState, properties("1", "0"),
-                                   "inherit permissions = Yes\nguest ok = No\n"},
-                              {NSOffState, NSOnState, NSOffState, properties("0", "1"),
-                               "inherit permissions = No\nguest ok = No\n"},
-                              {NSOffState, NSOffState, NSOnState, properties("0", "0"),
-                               "inherit permissions = No\nguest ok = Yes\n"}}) {
-        SCOPED_TRACE(boxes.section);
+    for (const auto& [inherit, owner, guest] :
+         {std::tuple(true, false, false), {false, true, false}, {false, false, true}}) {
+        const std::string section = std::string("inherit permissions = ") + (inherit ? "Yes" : "No") +
+                                    "\nguest ok = " + (guest ? "Yes" : "No") + "\n";
+        SCOPED_TRACE(section);
+        Texts expected = creationRuns("Docs", "/docs");
+        expected[4].back() = inherit ? '1' : '0';
+        expected[5].back() = owner ? '1' : '0';
         host.runs.clear();
         fillEditor("Docs", "/docs");
-        control<NSButton>("inheritPermissionsButton").setState(boxes.inherit);
-        control<NSButton>("inheritOwnerButton").setState(boxes.owner);
-        control<NSButton>("guestAccessButton").setState(boxes.guest);
+        for (const auto& [box, on] : {std::pair("inheritPermissionsButton", inherit),
+                                      {"inheritOwnerButton", owner},
+                                      {"guestAccessButton", guest}}) {
+            control<NSButton>(box).setState(on ? NSOnState : NSOffState);
+        }
         send("createShare:");
         Texts runs = host.runTexts();
-        runs.resize(boxes.properties.size());
-        EXPECT_EQ(runs, boxes.properties);
-        EXPECT_NE(host.read("etc/smb.conf").find(boxes.section), std::string::npos)
-            << host.read("etc/smb.conf");
+        runs.resize(expected.size());
+        EXPECT_EQ(runs, expected);
+        EXPECT_NE(host.read("etc/smb.conf").find(section), std::string::npos) << host.read("etc/smb.conf");
     }
 }
 

@@ -196,13 +196,9 @@ TEST_F(SMBConfTest, MapsAShareOntoItsSection) {
     const std::string before = "[Docs]\npath = /d\n# mine\n;[Old]\n;path = /o\n";
     const std::string written = "[Docs]\npath = /d\n# mine\n\n\n;[Old]\n;path = /o\n\n\n";
 
-    struct Case {
-        std::string name;
-        std::int32_t sharing, inherit, guest;
-        std::string after; ///< empty: nothing is written
-    };
-
-    const std::vector<Case> cases{
+    // The share, whether it is shared, inherits and lets guests in; the file afterwards, empty when nothing
+    // is written.
+    const std::vector<std::tuple<std::string, int, int, int, std::string>> cases{
         {"Docs", 1, 0, 0, written},
         {"Docs", 1, 0, 1, "[Docs]\npath = /d\nguest ok = Yes\n# mine\n\n\n;[Old]\n;path = /o\n\n\n"},
         {"Docs", 2, 1, 2,
@@ -217,10 +213,10 @@ TEST_F(SMBConfTest, MapsAShareOntoItsSection) {
              "Brindle\n\n"},
     };
     copy();
-    for (const Case& c : cases) {
+    for (const auto& [name, sharing, inherit, guest, after] : cases) {
         SMBConf conf = parse(before);
-        EXPECT_EQ(conf.modifySMBShare(c.name, "/new", c.sharing, c.inherit, c.guest), 0);
-        EXPECT_EQ(host.read("etc/smb.conf"), c.after.empty() ? before : c.after) << c.name << c.sharing;
+        EXPECT_EQ(conf.modifySMBShare(name, "/new", sharing, inherit, guest), 0);
+        EXPECT_EQ(host.read("etc/smb.conf"), after.empty() ? before : after) << name << sharing;
     }
     SMBConf flags = parse("[Docs]\nguest ok = yes\nguest ok = maybe\n");
     EXPECT_EQ(flags.modifySMBShare("Docs", "/new", 1, 0, 0), 0);

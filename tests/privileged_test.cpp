@@ -246,13 +246,8 @@ TEST(Restart, SignalsEveryListedProcessAndGoesOnAfterAFailure) {
     const std::string afs =
         "/bin/ps -ax | /usr/bin/grep AppleFileServer | /usr/bin/grep -v grep | /usr/bin/awk '{print $1}'";
 
-    struct Case {
-        std::optional<std::string> listing;
-        Events events;
-    };
-
     const std::string first = "run /bin/kill -1 210";
-    const std::vector<Case> cases = {
+    const std::vector<std::pair<std::optional<std::string>, Events>> cases = {
         {"210\n211\n",
          {first, "beep", "log Error -60031 in Kill AuthorizationExecuteWithPrivileges",
           "run /bin/kill -1 211"}},
@@ -260,12 +255,12 @@ TEST(Restart, SignalsEveryListedProcessAndGoesOnAfterAFailure) {
         {"", {}},
         {std::nullopt, {"log Error opening pipe: " + smb, "beep"}},
     };
-    for (const Case& each : cases) {
+    for (const auto& [listing, events] : cases) {
         TestHost host;
         Events listed;
-        host.onListing = [&](const std::string& command) {
+        host.onListing = [&, &listing = listing](const std::string& command) {
             listed.push_back(command);
-            return command == afs ? std::optional<std::string>("") : each.listing;
+            return command == afs ? std::optional<std::string>("") : listing;
         };
         host.onRun = [](const RecordedRun& run) {
             return TestHost::RunAnswer{"never read", run.arguments.back() == "210" ? -60031 : 0};
@@ -273,7 +268,7 @@ TEST(Restart, SignalsEveryListedProcessAndGoesOnAfterAFailure) {
         NiutilTask::sharedInstance().restartAFS();
         NiutilTask::sharedInstance().restartSMB();
         EXPECT_EQ(listed, (Events{afs, smb}));
-        EXPECT_EQ(host.events, each.events);
+        EXPECT_EQ(host.events, events);
     }
 }
 
