@@ -293,6 +293,13 @@ TEST_F(Surprises, WhatOurToolsAreBoundToRefuseIsBlockedBeforeTheFirstRun) {
     type("groupName", "a:b");
     type("gid", "600");
     expectBlocked("addNewGroup:", "name", "\"a:b\"");
+    selectRow(*app().userTableView, "User", "bob");
+    send("changePassword:");
+    for (const std::string& password : {std::string("tab\t"), std::string(255, 'x')}) {
+        type("passwordSecureText1", password);
+        type("passwordSecureText2", password);
+        expectBlocked("setPassword:", "text", "\"bob\"");
+    }
 }
 
 TEST_F(Surprises, WhatTheOperationRefusesItselfAndDeletingAreNotBlocked) {

@@ -3,6 +3,7 @@
 #include "directory/DirectoryRules.h"
 #include "platform/foundation/NSBundle.h"
 #include "platform/foundation/NSString.h"
+#include "platform/samba/SambaAccounts.h"
 #include "review/SMBFields.h"
 
 #include <algorithm>
@@ -13,12 +14,6 @@ namespace {
 
 /// What the system's own ids end at: the number above stands for "no id".
 constexpr std::string_view largestId = "4294967294";
-
-bool hasControlCharacter(const std::string& text) {
-    return std::ranges::any_of(text, [](char character) {
-        return static_cast<unsigned char>(character) < 0x20 || character == 0x7f;
-    });
-}
 
 bool isAboveLargestId(std::string_view number) {
     const bool isNumber = !number.empty() && number.find_first_not_of("0123456789") == std::string_view::npos;
@@ -94,11 +89,15 @@ std::vector<Remark> blocksOf(const Plan& plan, const BROutlets& controls) {
     for (const PlannedRun& run : plan.runs) {
         if (run.tool == "/usr/bin/nicl") {
             addDirectoryBlocks(run, &blocks);
-        } else if (run.tool == "/usr/bin/dscl" &&
-                   hasControlCharacter(controls.passwordSecureText1->stringValue())) {
-            blocks.push_back(
-                {"text", NSLocalizedString("A password may hold no control character: choose another "
-                                           "one.")});
+        } else if (run.tool == "/usr/bin/dscl") {
+            const auto status =
+                platform::SambaAccounts::checkPassword(controls.passwordSecureText1->stringValue());
+            if (!status.isOk()) {
+                blocks.push_back(
+                    {"text", stringWithFormat(NSLocalizedString("The password of \"%@\" cannot be "
+                                                                "used: %@."),
+                                              controls.shortName->stringValue(), status.why())});
+            }
         }
     }
     if (plan.operation == "updateSMBProperties:") {

@@ -2,6 +2,7 @@
 
 #include "platform/foundation/Host.h"
 #include "platform/foundation/NSFileManager.h"
+#include "platform/foundation/NSLog.h"
 #include "platform/host/DirectoryAccounts.h"
 #include "platform/netinfo/LocalDomain.h"
 #include "platform/netinfo/StoreCopy.h"
@@ -90,6 +91,19 @@ class CopiedPaths : public platform::Paths {
     std::string folder_;
 };
 
+/// Settles a working copy where the application reads the directory.
+class CopyWrites : public platform::PendingWrites {
+  public:
+    explicit CopyWrites(std::shared_ptr<WorkingCopy> copy) : copy_(std::move(copy)) {}
+
+    void settle() override { copy_->settle(); }
+
+    void endAction() override { copy_->settle(); }
+
+  private:
+    std::shared_ptr<WorkingCopy> copy_;
+};
+
 class CopiedDomain : public platform::LocalDomain {
   public:
     explicit CopiedDomain(std::string file) : file_(std::move(file)) {}
@@ -131,6 +145,7 @@ int descriptorOf(std::string_view text) {
 } // namespace
 
 Result<std::shared_ptr<WorkingCopy>> WorkingCopy::make() {
+    platform::Host::settlePendingWrites();
     std::shared_ptr<WorkingCopy> copy(new WorkingCopy()); // make_shared cannot reach the constructor
     copy->original_ = platform::Host::current().services();
     copy->folders_ = std::make_shared<FolderForecasts>(copy->original_.folderForecast);
@@ -172,12 +187,12 @@ Status WorkingCopy::fill() {
     return fs::exists(store, error) ? platform::copyStore(store, storeFile(), waitSeconds) : Status();
 }
 
-platform::Services WorkingCopy::services() const {
+platform::Services WorkingCopy::services() {
     platform::Services copied = original_;
     copied.log = nullptr;
     copied.presenter = nullptr;
     copied.authority = nullptr;
-    copied.pendingWrites = nullptr;
+    copied.pendingWrites = std::make_shared<CopyWrites>(shared_from_this());
     copied.paths = std::make_shared<CopiedPaths>(original_.paths, folder_);
     copied.localDomain = std::make_shared<CopiedDomain>(storeFile());
     copied.folderForecast = folders_;
@@ -188,14 +203,26 @@ std::string WorkingCopy::storeFile() const {
     return folder_ + storeName;
 }
 
-void WorkingCopy::settle() {}
+void WorkingCopy::settle() {
+    if (!session_) {
+        return;
+    }
+    const Status status = std::exchange(session_, nullptr)->commit();
+    if (!status.isOk()) {
+        NSLog("%@", status.text());
+    }
+}
 
 std::string WorkingCopy::run(const std::string& tool, std::span<const std::string> arguments) {
     DirectoryPlace directory(storeFile());
     directory.keepsPasswords = false;
     if (tool == "/usr/bin/nicl") {
-        return runNicl(directory, arguments).output;
+        if (!session_) {
+            session_ = std::make_unique<DirectorySession>(directory);
+        }
+        return session_->nicl(arguments).output;
     }
+    settle();
     if (tool == "/usr/bin/dscl") {
         return runDscl(directory, arguments).output;
     }

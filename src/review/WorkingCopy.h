@@ -4,6 +4,7 @@
 #include "platform/posix/Status.h"
 #include "platform/security/AuthorizationTypes.h"
 #include "review/FolderForecasts.h"
+#include "tools/DirectorySession.h"
 
 #include <memory>
 #include <span>
@@ -15,7 +16,7 @@ namespace review {
 /// the two settings files, the temporary files in the home folder, the user defaults. Folders are not copied;
 /// what runs would make of them is remembered (FolderForecasts). Runs are carried out on the copies by the
 /// tools' own code; processes are not signalled and passwords are checked and go nowhere.
-class WorkingCopy {
+class WorkingCopy : public std::enable_shared_from_this<WorkingCopy> {
   public:
     /// Copies what the current host reads. Fails when the directory cannot be read or there is no room; a
     /// directory that does not exist is copied as such.
@@ -26,7 +27,7 @@ class WorkingCopy {
 
     /// The current host's services with the copies in place of what they are copies of. The authority is left
     /// out, and so are the log and the presenter.
-    [[nodiscard]] platform::Services services() const;
+    [[nodiscard]] platform::Services services();
 
     /// Carries a run out on the copies. Returns what the tool would write to its standard output.
     [[nodiscard]] std::string run(const std::string& tool, std::span<const std::string> arguments);
@@ -41,7 +42,8 @@ class WorkingCopy {
 
     [[nodiscard]] const FolderForecasts& folders() const { return *folders_; }
 
-    /// Makes what the directory's tools have changed visible to readers of storeFile().
+    /// Makes what runs of nicl have changed visible to readers of storeFile(): those that follow one another
+    /// are one transaction. A failure takes them back, and is logged.
     void settle();
 
   private:
@@ -53,6 +55,7 @@ class WorkingCopy {
     std::string folder_;
     platform::Services original_;
     std::shared_ptr<FolderForecasts> folders_;
+    std::unique_ptr<DirectorySession> session_; ///< of the runs since the last settling
 };
 
 } // namespace review

@@ -5,7 +5,6 @@
 #include "tools/DirectoryTools.h"
 #include "tools/ToolText.h"
 
-#include <algorithm>
 #include <utility>
 
 namespace {
@@ -30,11 +29,8 @@ platform::Status setPassword(const DirectoryPlace& place, const std::string& pat
     if (user.empty()) {
         return refused("the path of a user is /Users/NAME; write it so");
     }
-    const bool hasControl = std::ranges::any_of(password, [](char character) {
-        return static_cast<unsigned char>(character) < 0x20 || character == 0x7f;
-    });
-    if (hasControl) {
-        return refused("a password may hold no control character; choose another one");
+    if (const auto status = platform::SambaAccounts::checkPassword(password); !status.isOk()) {
+        return refused(std::string(status.why()));
     }
     const platform::SambaPaths paths = platform::EmbeddedRoot(place.root).sambaPaths();
     const platform::SambaAccounts accounts(paths);

@@ -7,6 +7,7 @@
 #include "platform/posix/WholeFile.h"
 #include "platform/samba/AccountLists.h"
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <chrono>
@@ -24,6 +25,8 @@ namespace fs = std::filesystem;
 
 /// Samba reads a new password into so many bytes, and what is longer into the next line.
 constexpr std::size_t longestPassword = 254;
+
+constexpr const char* refusedPassword = "Samba did not take the password";
 
 constexpr std::array programFolders{"/usr/bin/", "/usr/local/bin/", "/usr/local/samba/bin/"};
 constexpr std::array libraryFolders{"/usr/lib/", "/usr/lib64/", "/usr/local/lib/"};
@@ -251,23 +254,36 @@ Result<FinishedProcess> SambaAccounts::changeDatabase(const std::string& program
     return run;
 }
 
+Status SambaAccounts::checkPassword(std::string_view password) {
+    const auto isControl = [](char character) {
+        return static_cast<unsigned char>(character) < 0x20 || character == 0x7f;
+    };
+    if (std::ranges::any_of(password, isControl)) {
+        return Status::failure(refusedPassword, "",
+                               "a password may hold no control character; choose another one");
+    }
+    if (password.size() > longestPassword) {
+        return Status::failure(refusedPassword, "",
+                               "it is longer than " + std::to_string(longestPassword) +
+                                   " bytes; choose a shorter one");
+    }
+    return {};
+}
+
 Status SambaAccounts::setPassword(const std::string& user, std::string_view password) const {
-    constexpr const char* what = "Samba did not take the password";
     const std::string program = databaseProgram();
     if (const Status status = checkInstallation(program); !status.isOk()) {
         return status;
     }
-    if (password.size() > longestPassword) {
-        return Status::failure(what, "",
-                               "it is longer than " + std::to_string(longestPassword) +
-                                   " bytes; choose a shorter one");
+    if (const Status status = checkPassword(password); !status.isOk()) {
+        return status;
     }
     std::string input;
     input.reserve(2 * password.size() + 2); // so that no copy of it is left behind by growing
     input.append(password).append("\n").append(password).append("\n");
     const auto run = changeDatabase(program, {"-t", "-a", "--user=" + user}, input);
     wipe(input);
-    return run.isOk() && run->status == 0 ? Status() : complaint(what, run, logFolder());
+    return run.isOk() && run->status == 0 ? Status() : complaint(refusedPassword, run, logFolder());
 }
 
 Status SambaAccounts::removeUser(const std::string& user) const {

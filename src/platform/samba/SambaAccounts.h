@@ -53,6 +53,9 @@ class SambaAccounts {
     /// Rewrites both account lists as the open transaction sees the directory, so that no other writer's
     /// change is lost. Fails when a list cannot be written or the store has failed.
     [[nodiscard]] Status writeAccountLists(Store& store) const;
+    /// Fails with the reason when no user can have this password, whatever the directory and the database
+    /// hold.
+    [[nodiscard]] static Status checkPassword(std::string_view password);
     /// Sets the password under which `user`, who is in the account lists, connects to shares. It reaches
     /// Samba over its standard input only. Takes as long as Samba does: hold no store meanwhile. Fails when
     /// Samba or the wrapper is not installed, the password is too long, or Samba does not take it in time.
