@@ -35,7 +35,7 @@ class Computer : public platform::LocalDomain {
 };
 
 class AccountFilesTest : public testing::Test {
-  protected:
+  public:
     AccountFilesTest() {
         std::string pattern = (fs::temp_directory_path() / "brindle-accounts-XXXXXX").string();
         folder = ::mkdtemp(pattern.data());
@@ -54,6 +54,7 @@ class AccountFilesTest : public testing::Test {
 
     ~AccountFilesTest() override { fs::remove_all(folder); }
 
+  protected:
     void write(const std::string& name, const std::string& bytes) const {
         std::ofstream(folder / name, std::ios::binary) << bytes;
     }

@@ -24,7 +24,6 @@ using platform::Command;
 using platform::ErrorOutput;
 using platform::LinkRule;
 using platform::runProcess;
-using platform::WholeFileRules;
 using platform::writeWholeFile;
 
 namespace {

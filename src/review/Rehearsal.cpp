@@ -21,7 +21,8 @@ platform::Services planServices(const std::shared_ptr<WorkingCopy>& copy, Plan* 
 
 } // namespace
 
-Rehearsal::Rehearsal(const platform::Interface& original, std::shared_ptr<WorkingCopy> copy, Plan* plan) {
+Rehearsal::Rehearsal(const platform::Interface& original, const std::shared_ptr<WorkingCopy>& copy,
+                     Plan* plan) {
     const auto& controllerNow = *static_cast<const BRController*>(original.owner());
     const bool sheetIsUp = NSApp().attachedSheet() != nullptr;
     host_ = std::make_unique<platform::Host>(planServices(copy, plan));

@@ -18,7 +18,7 @@ namespace review {
 class Rehearsal {
   public:
     /// `original` is the main interface of the current host; alerts and runs are noted in `*plan`.
-    Rehearsal(const platform::Interface& original, std::shared_ptr<WorkingCopy> copy, Plan* plan);
+    Rehearsal(const platform::Interface& original, const std::shared_ptr<WorkingCopy>& copy, Plan* plan);
     ~Rehearsal();
     Rehearsal(const Rehearsal&) = delete;
     Rehearsal& operator=(const Rehearsal&) = delete;

@@ -71,7 +71,8 @@ class FewestChanges {
 
   private:
     static std::ptrdiff_t& at(std::vector<std::ptrdiff_t>& furthest, int diagonal) {
-        return furthest[static_cast<std::size_t>(diagonal + mostChanges + 1)];
+        const int index = diagonal + mostChanges + 1; // diagonals count from -mostChanges - 1
+        return furthest[static_cast<std::size_t>(index)];
     }
 
     static bool comesFromAbove(std::vector<std::ptrdiff_t>& furthest, int diagonal, int changes) {

@@ -42,7 +42,7 @@ std::vector<SMBSetting> homesSettings(const BROutlets& page) {
 /// What the server makes of a setting, so that two spellings of one meaning are equal.
 std::string meaningOf(const SMBShare* section, const SMBSetting& setting) {
     const ServerSetting read = section != nullptr ? serverSetting(*section, setting.key) : ServerSetting();
-    const std::string written = read.pair != nullptr ? read.pair->Value.str() : std::string(setting.standard);
+    std::string written = read.pair != nullptr ? read.pair->Value.str() : std::string(setting.standard);
     if (const auto flag = serverBool(written)) {
         return *flag != read.inverted ? "yes" : "no";
     }

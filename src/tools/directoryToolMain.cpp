@@ -53,7 +53,7 @@ class FileDomain : public platform::LocalDomain {
 
 ToolResult run(std::string_view tool, const std::string& rootFolder, std::span<const std::string> arguments) {
     const DirectoryPlace place = DirectoryPlace::ofRoot(rootFolder);
-    if (const platform::Status status = platform::EmbeddedRoot(rootFolder).makeIfMissing(); !status.isOk()) {
+    if (platform::Status status = platform::EmbeddedRoot(rootFolder).makeIfMissing(); !status.isOk()) {
         return {oneLine(std::string(tool) + ": " + status.text()), 1};
     }
     if (tool == "nicl") {

@@ -33,7 +33,7 @@ class Change {
 
     Status run(DirectorySession::AccountChanges& accounts) {
         Store::Step step(store_);
-        const Status status = change();
+        Status status = change();
         if (!status.isOk() && store_.status().isOk()) {
             return status;
         }

@@ -101,7 +101,7 @@ std::string defaultResources() {
 
 Services makeEmbeddedServices(const EmbeddedHostOptions& options) {
     const EmbeddedRoot root(orDefault(options.root, &EmbeddedRoot::defaultFolder));
-    if (const Status status = root.makeIfMissing(); !status.isOk()) {
+    if (Status status = root.makeIfMissing(); !status.isOk()) {
         throw std::runtime_error(status.text());
     }
     const std::string home = orDefault(options.home, &defaultHome);

@@ -81,7 +81,7 @@ Status makeStoreFile(const std::string& file) {
     std::error_code ignored;
     fs::remove(unfinished, ignored);
     fs::remove(unfinished + "-journal", ignored);
-    if (const Status status = makeStore(unfinished); !status.isOk()) {
+    if (Status status = makeStore(unfinished); !status.isOk()) {
         return failure(file, status.text());
     }
     return ::rename(unfinished.c_str(), file.c_str()) == 0 ? Status() : failure(file, std::strerror(errno));

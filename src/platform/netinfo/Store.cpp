@@ -119,15 +119,15 @@ void Store::begin() {
     }
     SqliteStatement application(connection_->database.get(), "PRAGMA application_id");
     SqliteStatement version(connection_->database.get(), "PRAGMA user_version");
-    if (!application.step() || application.number(0) != storeApplicationId || !version.step()) {
-        check(SQLITE_NOTADB);
-    } else if (version.number(0) == storeVersionOfRows) {
+    const bool isStore = application.step() && application.number(0) == storeApplicationId && version.step();
+    const std::int64_t layout = isStore ? version.number(0) : 0;
+    if (layout == storeVersionOfRows) {
         application.reset(); // a statement that is still reading would keep tables from being dropped
         version.reset();
         check(upgradeStore(connection_->database.get()));
-    } else if (version.number(0) > storeVersion) {
+    } else if (layout > storeVersion) {
         fail(newerVersion);
-    } else if (version.number(0) != storeVersion) {
+    } else if (layout != storeVersion) {
         check(SQLITE_NOTADB);
     }
 }

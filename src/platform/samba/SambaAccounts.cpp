@@ -214,7 +214,7 @@ Status SambaAccounts::makeFolders() const {
 }
 
 Status SambaAccounts::make() const {
-    const Status status = makeFolders();
+    Status status = makeFolders();
     if (!status.isOk()) {
         return status;
     }
@@ -272,10 +272,10 @@ Status SambaAccounts::checkPassword(std::string_view password) {
 
 Status SambaAccounts::setPassword(const std::string& user, std::string_view password) const {
     const std::string program = databaseProgram();
-    if (const Status status = checkInstallation(program); !status.isOk()) {
+    if (Status status = checkInstallation(program); !status.isOk()) {
         return status;
     }
-    if (const Status status = checkPassword(password); !status.isOk()) {
+    if (Status status = checkPassword(password); !status.isOk()) {
         return status;
     }
     std::string input;
@@ -292,7 +292,7 @@ Status SambaAccounts::removeUser(const std::string& user) const {
         return {};
     }
     const std::string program = databaseProgram();
-    if (const Status status = checkInstallation(program); !status.isOk()) {
+    if (Status status = checkInstallation(program); !status.isOk()) {
         return status;
     }
     const auto run = changeDatabase(program, {"-x", "--user=" + user}, {});

@@ -78,7 +78,7 @@ OSStatus ConsentAuthority::execute(AuthorizationSession& session, const std::str
 }
 
 void ConsentAuthority::settle() {
-    if (const Status status = helper_.settle(); !status.isOk()) {
+    if (Status status = helper_.settle(); !status.isOk()) {
         Host::current().presenter().beep();
         NSLog("%@", status.text());
     }

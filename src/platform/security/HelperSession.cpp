@@ -124,7 +124,7 @@ Result<HelperSession::Answer> HelperSession::readAnswer() const {
     if (status.isOk()) {
         status = read(std::span(&exitStatus, 1));
     }
-    answer.status = exitStatus;
+    answer.status = static_cast<unsigned char>(exitStatus);
     return status.isOk() ? Result<Answer>(std::move(answer)) : status;
 }
 
