@@ -62,7 +62,7 @@ TEST_F(AccountsTest, ProposesTheNextFreeIds) {
     const std::vector<std::array<std::string, 4>> cases{
         // highest user id, proposed, highest group id, proposed
         {"502", "503", "501", "502"},
-        {"2147483647", "2147483647", "2147483647", "2147483647"}};
+        {"2147483647", "2147483648", "4294967293", "4294967294"}};
     for (const auto& [user, nextUser, groupId, nextGroup] : cases) {
         addUser("last", user, "20");
         addGroup("last", groupId);
@@ -80,6 +80,14 @@ TEST_F(AccountsTest, ProposesTheNextFreeIds) {
     for (const char* path : {"wheel", "staff", "admin", "hundred", "friends", "last"}) {
         nicl({"-delete", std::string("/groups/") + path});
     }
+    addUser("highest", "4294967294");
+    addGroup("highest", "4294967294");
+    for (const char* kind : {"UID", "GID"}) {
+        host.answerAlert(std::string(kind) + " Not Proposed", "OK");
+        send(std::string("getNext") + kind + ":");
+    }
+    EXPECT_EQ(app().uid->stringValue() + " " + app().gid->stringValue(), "2147483648 102");
+    nicl({"-delete", "/groups/highest"});
     host.events.clear();
     send("getNextGID:");
     EXPECT_EQ(host.events, (Texts{"log No Groups found to update the GID", "beep"}));
@@ -127,6 +135,21 @@ TEST_F(AccountsTest, FieldsAndButtonsFollowTheRowAndTheTypedName) {
     send("refreshPublicList:");
     send("updateUserTextFields:");
     EXPECT_EQ(app().groupPopUp->indexOfSelectedItem(), -1);
+    app().showSystemUsersGroups2->performClick();
+    addGroup("large", "3000000000");
+    nicl({"-create", "/groups/bare"});
+    send("updateGroupsList:");
+    EXPECT_GE(app().groupPopUp->indexOfItemWithTag(0), 0);
+    EXPECT_EQ(app().groupPopUp->indexOfItemWithTitle("bare"), -1) << "it has no id to give to a user";
+    for (const auto& [gid, title] : std::vector<std::pair<Texts, std::optional<std::string>>>{
+             {{"3000000000"}, "large"}, {{}, std::nullopt}, {{""}, std::nullopt}, {{"0"}, "wheel"}}) {
+        Texts operation = {"-create", "/users/bob", "gid"};
+        operation.insert(operation.end(), gid.begin(), gid.end());
+        nicl(operation);
+        send("refreshPublicList:");
+        send("updateUserTextFields:");
+        EXPECT_EQ(app().groupPopUp->titleOfSelectedItem(), title);
+    }
     app().userTableView->deselectAll();
     EXPECT_EQ(app().shortName->stringValue() + app().uid->stringValue() + app().fullName->stringValue(), "");
     EXPECT_FALSE(app().changePasswordButton->isEnabled());

@@ -377,6 +377,19 @@ TEST_F(Shares, OfAnOlderSystemAreRewrittenOnRequestAtEachStart) {
                                        {recordRun("-delete", "Old")}}))
         << "every record, and no share that only the SMB configuration knows";
     EXPECT_EQ(recordNames(), (Texts{"New", "Old", "smbonly"})) << "shown as they were read";
+
+    NormalShare withoutRecord;
+    withoutRecord.setInherit("Yes");
+    NormalShare withRecord;
+    withRecord.setHasRecord(true);
+    withRecord.setShareName("Kept");
+    controller->setCurrentShares({withoutRecord, withRecord});
+    host.runs.clear();
+    host.answerAlert("Shares Updated for Jaguar", "OK");
+    controller->updateSharesFor10pt2(nullptr);
+    EXPECT_EQ(host.runTexts(),
+              joined({{recordRun("-delete", "Kept")}, creationRuns("Kept", "Directory Not Set")}))
+        << "whatever its texts say";
 }
 
 } // namespace

@@ -199,14 +199,14 @@ TEST_F(AppKit, ANumberFieldShowsItsNumberWhenItIsLeft) {
     formatter->setFormat("##0");
     field.setFormatter(formatter);
     Names shown;
-    for (const char* typed : {"007", "", "12a", "-5", "٤٢", "1٢", "-", "𝟗𝟗", "½", "\xff",
-                              "99999999999999999999", "-99999999999999999999"}) {
+    for (const char* typed : {"007", "", "12a", "-5", "٤٢", "1٢", "-", "𝟗𝟗", "½", "\xff", "3000000000",
+                              "04294967295", "99999999999999999999", "-99999999999999999999"}) {
         field.setStringValue(typed);
         field.endEditing();
         shown.push_back(field.stringValue());
     }
-    EXPECT_EQ(shown,
-              (Names{"7", "", "12a", "-5", "42", "12", "-", "99", "½", "\xff", "2147483647", "-2147483648"}));
+    EXPECT_EQ(shown, (Names{"7", "", "12a", "-5", "42", "12", "-", "99", "½", "\xff", "3000000000",
+                            "4294967295", "99999999999999999999", "-99999999999999999999"}));
     EXPECT_THROW(formatter->setFormat("#,##0"), std::invalid_argument);
 }
 

@@ -189,6 +189,11 @@ TEST_F(Program, PrintsWithoutCountingALaunchOrChangingWhatAnAlertAsksAbout) {
     EXPECT_NE(output.find("\"Yes\" \"No\" -> \"No\"\n"), std::string::npos) << output;
     EXPECT_TRUE(output.ends_with("shareName \"caf\xE9\"\nquit\n")) << output;
     EXPECT_TRUE(isLaunchCounted());
+    EXPECT_EQ(run({"--script", "-"},
+                  "answer \"Shares Are Not Updated for Jaguar\" No\nstart\nsend updateSharesFor10pt2:\n")
+                  .status,
+              1)
+        << "it would work on a list that was read long ago";
 }
 
 TEST_F(Program, AsksForConsentOnceAndForgetsItAtItsEnd) {

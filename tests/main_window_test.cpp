@@ -113,16 +113,4 @@ TEST_F(MainWindow, AMenuPicksThePageOfTheSettingsAndAnotherShowsTheAboutPanel) {
     EXPECT_EQ(widget<QWidget>("aboutWindow").windowTitle(), "About Brindle");
 }
 
-TEST_F(MainWindow, ASlipInTheMenuDoesNotRewriteTheShares) {
-    addShare("Docs", "/shares/docs", "0");
-    open();
-    answer({"No"});
-    useMenu("Update Shares");
-    EXPECT_TRUE(host.runs.empty());
-    answer({"Yes", "OK"});
-    useMenu("Update Shares");
-    EXPECT_EQ(asked, (QStringList{"Update Shares for Jaguar…", "Shares Updated for Jaguar"}));
-    EXPECT_FALSE(host.runs.empty());
-}
-
 } // namespace

@@ -5,9 +5,12 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <functional>
 #include <string>
 #include <tuple>
 #include <vector>
+
+#include <sys/stat.h>
 
 namespace fs = std::filesystem;
 
@@ -123,11 +126,13 @@ TEST_F(SMBConfTest, NamesTheLinesThatAWriteWouldSpoil) {
         << "only the section that the home folders' check box can bring to life";
 }
 
-TEST_F(SMBConfTest, AByteOrderMarkIsNoPartOfTheFirstLine) {
-    const SMBConf conf = parse("\xef\xbb\xbf[global]\na = 1\n");
-    ASSERT_NE(conf.Global(), nullptr);
-    EXPECT_EQ(shown(*conf.Global()), "2 global {a=1;} ");
-    EXPECT_TRUE(conf.lossNotices().empty());
+TEST_F(SMBConfTest, AByteOrderMarkSpoilsTheFirstLineAsItDoesForTheServer) {
+    const SMBConf conf = parse("\xef\xbb\xbf[global]\na = 1\n[b]\n");
+    EXPECT_EQ(conf.Global(), nullptr);
+    EXPECT_EQ(conf.writtenText(), "[b]\n\n\n");
+    EXPECT_EQ(conf.lossNotices(),
+              (std::vector<SMBLossNotice>{{1, SMBLoss::ByteOrderMark}, {2, SMBLoss::OutsideSection}}));
+    EXPECT_TRUE(parse("\xef\xbb\xbf# c\n[a]\n\xef\xbb\xbf# c = 1\n").lossNotices().size() == 1);
 }
 
 TEST_F(SMBConfTest, WritesTheFileInItsOwnLayout) {
@@ -143,6 +148,12 @@ TEST_F(SMBConfTest, WritesTheFileInItsOwnLayout) {
     EXPECT_EQ(conf.writtenText(), written);
     EXPECT_EQ(parse(written).writtenText(), written);
     EXPECT_EQ(parse("").writtenText(), "\n\n");
+    for (const char* header : {"[]", "[]x]", "[ ]", ";[]", "#[] x", ";["}) {
+        const std::string unnamed = std::string(header) + "\n\n\n";
+        const SMBConf kept = parse(unnamed);
+        EXPECT_EQ(kept.writtenText(), unnamed);
+        EXPECT_TRUE(kept.lossNotices().empty()) << header;
+    }
     SMBConf odd = parse("[a]\nx=1\n# c\n[b]");
     odd.Entries().front()->setType(7);
     EXPECT_EQ(odd.writtenText(), "[b]\n\n\n");
@@ -174,13 +185,28 @@ TEST_F(SMBConfTest, ReportsWhereAWriteFailed) {
 }
 
 TEST_F(SMBConfTest, AFileThatCannotBeReadIsNeverReplaced) {
-    fs::create_directories(host.root() / "etc/smb.conf"); // a folder cannot be read as a file
-    SMBConf conf;
-    ASSERT_EQ(host.log.size(), 1U);
-    EXPECT_NE(host.log.front().find("/etc/smb.conf"), std::string::npos);
-    EXPECT_EQ(conf.unreadableReason(), "Is a directory");
-    EXPECT_EQ(conf.modifySMBShare("Docs", "/d", 1, 0, 0), 2);
-    EXPECT_TRUE(host.runs.empty());
+    const fs::path file = host.root() / "etc/smb.conf";
+    host.write("etc/smb.conf", "");
+    const std::vector<std::pair<std::function<void()>, std::string>> cases{
+        {[&] { fs::create_directory(file); }, "Is a directory"},
+        {[&] { ASSERT_EQ(::mkfifo(file.c_str(), 0600), 0); }, "it is not a regular file"},
+        {[&] { fs::create_symlink("/dev/zero", file); }, "it is not a regular file"},
+        {[&] {
+             host.write("etc/smb.conf", "[a]\n");
+             fs::resize_file(file, std::uintmax_t{1} << 42);
+         },
+         "File too large"}};
+    for (const auto& [make, reason] : cases) {
+        fs::remove(file);
+        make();
+        host.log.clear();
+        SMBConf conf;
+        ASSERT_EQ(host.log.size(), 1U);
+        EXPECT_NE(host.log.front().find("/etc/smb.conf"), std::string::npos);
+        EXPECT_EQ(conf.unreadableReason(), reason);
+        EXPECT_EQ(conf.modifySMBShare("Docs", "/d", 1, 0, 0), 2);
+        EXPECT_TRUE(host.runs.empty());
+    }
 }
 
 TEST_F(SMBConfTest, AMissingFileIsMadeByTheFirstShare) {

@@ -120,6 +120,9 @@ TEST_P(PrivilegedOperation, MakesItsRunsInOrderAndNothingElseIsHeard) {
     EXPECT_TRUE(GetParam().perform(NiutilTask::sharedInstance()));
     EXPECT_EQ(host.runTexts(), GetParam().runs);
     EXPECT_EQ(host.events.size(), GetParam().runs.size());
+    for (const std::string& shown : host.shownRuns) {
+        EXPECT_EQ(shown.find("s3cret"), std::string::npos) << shown;
+    }
 }
 
 TEST_P(PrivilegedOperation, RunsNothingWhenTheUserRefuses) {

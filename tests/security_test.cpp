@@ -137,14 +137,14 @@ TEST(Consent, HoldsForFiveMinutesAfterItsLastUse) {
     EXPECT_EQ(AuthorizationFree(session, kAuthorizationFlagDestroyRights), 0);
 }
 
-TEST(Runs, AreShownWithoutPasswordsAndTheirOutputOnceItIsRead) {
+TEST(Runs, AreShownWithoutTheirSecretsAndTheirOutputOnceItIsRead) {
     TestHost host;
     host.onRun = [](const RecordedRun&) { return TestHost::RunAnswer{"no such user", 0}; };
     AuthorizationRef session = nullptr;
     ASSERT_EQ(AuthorizationCreate({}, kAuthorizationFlagDefaults, &session), 0);
     const std::vector<std::string> arguments = {".", "-passwd", "/Users/alice", "s3cret"};
     std::FILE* stream = nullptr;
-    ASSERT_EQ(AuthorizationExecuteWithPrivileges(session, "/usr/bin/dscl", 0, arguments, &stream), 0);
+    ASSERT_EQ(AuthorizationExecuteWithPrivileges(session, "/usr/bin/dscl", 0, arguments, &stream, 3), 0);
     EXPECT_EQ(host.shownRuns.back(), "/usr/bin/dscl . -passwd /Users/alice ********");
     EXPECT_EQ(host.runs.back().arguments.back(), "s3cret");
     EXPECT_TRUE(host.shownOutputs.empty());

@@ -72,7 +72,8 @@ TEST(KWSMBFormatter, KeepsNamesToFifteenCharactersWithoutABlankAtTheEnd) {
                  // Fourteen letters and a character of two UTF-16 units.
                  {"ABCDEFGHIJKLMN", {14, 0}, "ABCDEFGHIJKLMN\U0001f600", 16, "String too long."}});
     EXPECT_EQ(host.beeps, 3) << "one for each refusal";
-    EXPECT_EQ(KWSMBFormatter().stringForObjectValue(15), std::nullopt) << "a number shows nothing";
+    EXPECT_EQ(KWSMBFormatter().stringForObjectValue(std::int64_t{15}), std::nullopt)
+        << "a number shows nothing";
 }
 
 /// The project's panel with credits of a length of the test's choice.

@@ -1,16 +1,16 @@
 #include "app/BRController.h"
 
-#include "platform/appkit/NSAlert.h"
+#include "app/Alerts.h"
 #include "platform/foundation/NSBundle.h"
 #include "platform/foundation/NSFileManager.h"
 #include "platform/foundation/NSLog.h"
 #include "platform/foundation/NSString.h"
+#include "platform/foundation/SystemPaths.h"
 #include "privileged/NiutilTask.h"
 
 namespace {
 
-constexpr const char* settingsFile = "/Library/Preferences/com.apple.AppleFileServer.plist";
-constexpr const char* temporaryFile = "~/AppleFileServer.plist";
+namespace systempath = platform::systempath;
 
 using ToggleAction = void (BRController::*)(NSControl*);
 
@@ -105,9 +105,8 @@ class Writer {
 };
 
 void showFailure(const std::string& messageKey) {
-    NSRunAlertPanel(NSLocalizedString("AppleFileServer.plist Write Unsuccessful"),
-                    NSLocalizedString(messageKey), NSLocalizedString("OK"), std::nullopt, std::nullopt,
-                    NSBundle::mainBundle().objectForInfoDictionaryKey("BRSupportAddress"));
+    showAlert("AppleFileServer.plist Write Unsuccessful", messageKey,
+              NSBundle::mainBundle().objectForInfoDictionaryKey("BRSupportAddress"));
 }
 
 /// The state of the check box that sent an action, or of `standard` when another kind of control did.
@@ -128,13 +127,13 @@ void BRController::refreshAFSProperties(NSControl* /*sender*/) {
 }
 
 void BRController::updateAFSProperties(NSControl* /*sender*/) {
-    const std::string temporary = stringByExpandingTildeInPath(temporaryFile);
+    const std::string temporary = stringByExpandingTildeInPath(systempath::temporaryAppleFileServer);
     if (afsProps) {
         Writer writer(*afsProps);
         visitSettings(*this, writer);
     } else {
         NSLog("The AFP server's settings were not saved because %@ could not be read at the start.",
-              settingsFile);
+              systempath::appleFileServer);
     }
     const auto status = afsProps ? std::optional(afsProps->writeToFile(temporary)) : std::nullopt;
     if (status && !status->isOk()) {
@@ -147,7 +146,7 @@ void BRController::updateAFSProperties(NSControl* /*sender*/) {
         return;
     }
     NiutilTask& task = NiutilTask::sharedInstance();
-    if (task.cp(temporary, settingsFile)) {
+    if (task.cp(temporary, systempath::appleFileServer)) {
         task.restartAFS();
     } else {
         showFailure(

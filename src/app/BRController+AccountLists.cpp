@@ -1,27 +1,27 @@
 #include "app/BRController.h"
 
-#include "app/AccountReports.h"
-#include "platform/appkit/NSAlert.h"
-#include "platform/foundation/NSBundle.h"
+#include "app/Alerts.h"
+#include "app/DirectoryRecords.h"
 #include "platform/foundation/NSLog.h"
 #include "privileged/NiutilTask.h"
 
 #include <algorithm>
-#include <limits>
 #include <map>
 
 namespace {
 
 /// The first free group id: those below are the system's.
-constexpr std::int32_t lowestProposedGroupId = 101;
+constexpr std::int64_t lowestProposedGroupId = 101;
+
+using IdOfName = std::map<std::string, std::int64_t, std::less<>>;
 
 /// Fills a menu anew and selects the title that was selected, also when it is no longer listed: a refill must
 /// not change what an editor is about to write. `idOfName` knows the tags of all names, listed or not.
 void refillMenu(NSPopUpButton& menu, const std::vector<NSPopUpButton::Item>& items,
-                const std::map<std::string, std::int32_t, std::less<>>& idOfName) {
+                const IdOfName& idOfName) {
     const std::optional<std::string> remembered = menu.titleOfSelectedItem();
-    const std::int32_t formerTag = menu.tagOfSelectedItem();
-    const auto append = [&menu](const std::string& title, std::int32_t tag) {
+    const std::int64_t formerTag = menu.tagOfSelectedItem();
+    const auto append = [&menu](const std::string& title, std::int64_t tag) {
         menu.addItemWithTitle(title);
         menu.setTag(menu.numberOfItems() - 1, tag);
     };
@@ -45,11 +45,11 @@ void refillMenu(NSPopUpButton& menu, const std::vector<NSPopUpButton::Item>& ite
 
 void refillGroupMenu(NSPopUpButton& menu, const std::vector<GroupRecord>& groups, bool showsSystemGroups) {
     std::vector<NSPopUpButton::Item> items;
-    std::map<std::string, std::int32_t, std::less<>> idOfName;
+    IdOfName idOfName;
     for (const GroupRecord& record : groups) {
-        idOfName.emplace(record.name, record.id);
+        idOfName.emplace(record.name, record.id());
         if (showsSystemGroups || !record.isSystem()) {
-            items.push_back({record.name, record.id});
+            items.push_back({record.name, record.id()});
         }
     }
     refillMenu(menu, items, idOfName);
@@ -67,16 +67,12 @@ void refillUserMenu(NSPopUpButton& menu, const std::vector<UserRecord>& users, b
 
 /// The highest id that is not negative, or none.
 template <class Record>
-std::optional<std::int32_t> highestId(const std::vector<Record>& records) {
-    std::int32_t highest = -1;
+std::optional<std::int64_t> highestIdOf(const std::vector<Record>& records) {
+    std::int64_t highest = -1;
     for (const Record& record : records) {
-        highest = std::max(highest, record.id);
+        highest = std::max(highest, record.id());
     }
     return highest == -1 ? std::nullopt : std::optional(highest);
-}
-
-std::int32_t idAfter(std::int32_t highest) {
-    return highest == std::numeric_limits<std::int32_t>::max() ? highest : highest + 1;
 }
 
 bool anyRowHas(const std::vector<BRRow>& rows, const char* key, const std::string& value) {
@@ -86,24 +82,33 @@ bool anyRowHas(const std::vector<BRRow>& rows, const char* key, const std::strin
 } // namespace
 
 void BRController::getNextUID(NSControl* /*sender*/) {
-    const auto highest = highestId(recordsOfReport<UserRecord>(NiutilTask::sharedInstance().currentUsers()));
+    const auto highest =
+        highestIdOf(recordsOfReport<UserRecord>(NiutilTask::sharedInstance().currentUsers()));
     if (!highest) {
         NSLog("No Users found to update the UID");
-        return;
+    } else if (*highest >= highestPossibleId) {
+        showAlert("UID Not Proposed",
+                  "The highest possible UID, %d, is in use.  Please enter a UID that is not in use.",
+                  highestPossibleId);
+    } else {
+        uid->setStringValue(std::to_string(*highest + 1));
     }
-    uid->setIntValue(idAfter(*highest));
 }
 
 void BRController::getNextGID(NSControl* sender) {
     updateAddGroupButton(sender);
     const auto highest =
-        highestId(recordsOfReport<GroupRecord>(NiutilTask::sharedInstance().currentGroups()));
+        highestIdOf(recordsOfReport<GroupRecord>(NiutilTask::sharedInstance().currentGroups()));
     if (!highest) {
         NSLog("No Groups found to update the GID");
         NSBeep();
-        return;
+    } else if (*highest >= highestPossibleId) {
+        showAlert("GID Not Proposed",
+                  "The highest possible GID, %d, is in use.  Please enter a GID that is not in use.",
+                  highestPossibleId);
+    } else {
+        gid->setStringValue(std::to_string(std::max(*highest + 1, lowestProposedGroupId)));
     }
-    gid->setIntValue(std::max(idAfter(*highest), lowestProposedGroupId));
 }
 
 void BRController::updateAddUserButton(NSControl* /*sender*/) {
@@ -123,7 +128,8 @@ void BRController::updateUserTextFields(NSControl* /*sender*/) {
     uid->setStringValue(row != nullptr ? row->at("UID") : "");
     showPublicShared(row);
     if (row != nullptr) {
-        groupPopUp->selectItemAtIndex(groupPopUp->indexOfItemWithTag(intValue(row->at("GID"))));
+        const auto id = idInField(row->at("GID")); // a user without a group is not in group 0
+        groupPopUp->selectItemAtIndex(id ? groupPopUp->indexOfItemWithTag(*id) : -1);
     }
     addNewUserButton->setTitle(NSLocalizedString(row != nullptr ? "Update User" : "Add New User"));
     for (NSButton* button :
@@ -156,8 +162,10 @@ void BRController::updateUsersGroupsList(NSControl* sender) {
 }
 
 void BRController::updateGroupsList(NSControl* /*sender*/) {
-    refillGroupMenu(*groupPopUp, recordsOfReport<GroupRecord>(NiutilTask::sharedInstance().currentGroups()),
-                    showSystemUsersGroups2->state() == NSOnState);
+    auto groups = recordsOfReport<GroupRecord>(NiutilTask::sharedInstance().currentGroups());
+    // What a user takes from the menu is the id: a group that has none would put the user into group 0.
+    std::erase_if(groups, [](const GroupRecord& record) { return !idInField(record.gid); });
+    refillGroupMenu(*groupPopUp, groups, showSystemUsersGroups2->state() == NSOnState);
 }
 
 void BRController::reloadUserTable() {

@@ -1,22 +1,13 @@
 #include "app/BRController.h"
 
-#include "app/AccountReports.h"
-#include "platform/appkit/NSAlert.h"
-#include "platform/foundation/NSBundle.h"
+#include "app/Alerts.h"
+#include "app/DirectoryRecords.h"
 #include "privileged/NiutilTask.h"
 
 #include <algorithm>
 #include <string>
 
 namespace {
-
-/// Asks a question whose default answer is "No". True for "Yes".
-template <class... Arguments>
-bool confirm(const std::string& titleKey, const std::string& messageKey, const Arguments&... arguments) {
-    return NSRunAlertPanel(NSLocalizedString(titleKey), NSLocalizedString(messageKey),
-                           NSLocalizedString("No"), NSLocalizedString("Yes"), std::nullopt,
-                           arguments...) == NSAlertAlternateReturn;
-}
 
 /// A field's name for the list of empty fields, and whether it is empty.
 struct FieldState {
@@ -33,11 +24,6 @@ std::string namesOfEmptyFields(std::initializer_list<FieldState> fields) {
         }
     }
     return names;
-}
-
-void showEmptyFields(const std::string& titleKey, const std::string& messageKey, const std::string& names) {
-    NSRunAlertPanel(NSLocalizedString(titleKey), NSLocalizedString(messageKey), NSLocalizedString("OK"),
-                    std::nullopt, std::nullopt, names);
 }
 
 std::vector<UserRecord> currentUsers() {
@@ -67,12 +53,13 @@ bool BRController::checkGroup(const std::string& groupNameText) const {
                                 [&](const GroupRecord& record) { return record.name == groupNameText; });
 }
 
-bool BRController::checkUID(std::int32_t id) const {
-    return std::ranges::none_of(currentUsers(), [id](const UserRecord& user) { return user.id == id; });
+bool BRController::checkUID(std::int64_t id) const {
+    return std::ranges::none_of(currentUsers(), [id](const UserRecord& user) { return user.id() == id; });
 }
 
-bool BRController::checkGID(std::int32_t id) const {
-    return std::ranges::none_of(currentGroups(), [id](const GroupRecord& record) { return record.id == id; });
+bool BRController::checkGID(std::int64_t id) const {
+    return std::ranges::none_of(currentGroups(),
+                                [id](const GroupRecord& record) { return record.id() == id; });
 }
 
 bool BRController::checkAdmin(const std::string& shortNameText) const {
@@ -113,14 +100,13 @@ bool BRController::writeGroup() {
     const std::string empty =
         namesOfEmptyFields({{"Group Name", name.empty()}, {"GID", gid->stringValue().empty()}});
     if (!empty.empty()) {
-        showEmptyFields(
-            "Group Fields Empty",
-            "To add a New Group all fields must have a valid value.  The following field(s) were left "
-            "empty:\n%@",
-            empty);
+        showAlert("Group Fields Empty",
+                  "To add a New Group all fields must have a valid value.  The following field(s) were left "
+                  "empty:\n%@",
+                  empty);
         return false;
     }
-    if (isNew && !checkGID(gid->intValue()) &&
+    if (isNew && !checkGID(longLongValue(gid->stringValue())) &&
         !confirm(
             "GID is Not Unique",
             "The GID entered is not unique.  If you add a new group with a non-unique GID, the results will "
@@ -142,11 +128,10 @@ void BRController::addNewUser(NSControl* /*sender*/) {
                                 {"UID", uid->stringValue().empty()},
                                 {"Group", isNew && groupPopUp->indexOfSelectedItem() < 0}});
         if (!empty.empty()) {
-            showEmptyFields(
-                "User Fields Empty",
-                "To add a New User all fields must have a valid value.  The following field(s) were "
-                "left empty:\n%@",
-                empty);
+            showAlert("User Fields Empty",
+                      "To add a New User all fields must have a valid value.  The following field(s) were "
+                      "left empty:\n%@",
+                      empty);
             return;
         }
         if (isNew) {
@@ -176,7 +161,7 @@ bool BRController::confirmUserWrite(bool isNew) const {
 }
 
 void BRController::createUser() {
-    if (!checkUID(uid->intValue()) &&
+    if (!checkUID(longLongValue(uid->stringValue())) &&
         !confirm("UID is Not Unique", "The UID entered is not unique.  If you add a new user with a "
                                       "non-unique UID, the results will be "
                                       "unpredictable.  Do you wish to add a new File Sharing Only User?")) {

@@ -1,40 +1,28 @@
 #include "app/BRController.h"
 
-#include "app/AccountReports.h"
+#include "app/DirectoryRecords.h"
 #include "platform/foundation/NSBundle.h"
-#include "platform/foundation/NSString.h"
 #include "privileged/NiutilTask.h"
 
-#include <algorithm>
-#include <array>
-#include <string_view>
 #include <unordered_map>
 
 namespace {
 
-constexpr std::size_t userReportPieces = 6;
-
-// Pieces of a report line raise std::out_of_range when they are missing: the parse is abandoned there.
-std::vector<std::string> pieces(const std::string& line) {
-    return componentsSeparatedByString(line, "\t");
-}
-
-NormalShare shareFromRecord(const std::vector<std::string>& record) {
-    const auto yesOrNo = [](const std::string& flag) {
-        return NSLocalizedString(flag == "1" ? "Yes" : "No");
-    };
+NormalShare shareFromRecord(const ShareRecord& record) {
+    const auto yesOrNo = [](bool flag) { return NSLocalizedString(flag ? "Yes" : "No"); };
     NormalShare share;
-    share.setShareName(record.at(0));
-    share.setAFPShared(record.at(2));
-    share.setAFPName(record.at(3));
-    if (record.at(1) != reportNoValue) {
-        share.setPathandPermissions(record.at(1));
+    share.setHasRecord(true);
+    share.setShareName(record.name);
+    share.setAFPShared(record.afpShared);
+    share.setAFPName(record.afpName);
+    if (record.folder != reportNoValue) {
+        share.setPathandPermissions(record.folder);
     }
-    if (record.at(2) == "1") {
+    if (record.afpShared == "1") {
         share.setAFS("+");
     }
-    share.setInherit(yesOrNo(record.at(4)));
-    share.setInheritOwner(yesOrNo(record.at(5)));
+    share.setInherit(yesOrNo(record.inheritsPrivileges));
+    share.setInheritOwner(yesOrNo(record.inheritsOwner));
     return share;
 }
 
@@ -75,11 +63,6 @@ NormalShare shareFromSection(const SMBShare& section, const SectionFacts& facts)
     return share;
 }
 
-bool isPublicFolderShared(const std::vector<std::string>& user) {
-    static constexpr std::array<std::string_view, 3> notShared = {"<no entry>", "<no value>", reportNoValue};
-    return user.size() == userReportPieces && std::ranges::find(notShared, user.at(2)) == notShared.end();
-}
-
 /// System accounts are left out of a list unless its check box is on; one in a state of neither lists
 /// nothing.
 bool isListed(int showSystemState, bool isSystemAccount) {
@@ -95,7 +78,7 @@ std::string valueOf(const std::string* text) {
 void BRController::parseCurrentShares() {
     currentShares_.clear();
     for (const std::string& line : NiutilTask::sharedInstance().currentShares()) {
-        currentShares_.push_back(shareFromRecord(pieces(line)));
+        currentShares_.push_back(shareFromRecord(ShareRecord(line)));
     }
     joinSMBSections();
 }
@@ -132,25 +115,24 @@ void BRController::parseUserShares() {
     const std::string yes = NSLocalizedString("YES");
     const std::string no = NSLocalizedString("NO");
     for (const std::string& line : NiutilTask::sharedInstance().currentUsers()) {
-        const std::vector<std::string> user = pieces(line);
-        if (isSystemUserId(intValue(user.at(1)))) {
-            continue;
+        const UserRecord user(line);
+        if (!user.isSystem()) {
+            userShares.push_back({{"User", user.name},
+                                  {"Public Shared", user.sharesPublicFolder ? yes : no},
+                                  {"UID", user.uid},
+                                  {"Full Name", user.fullName},
+                                  {"GID", user.gid}});
         }
-        userShares.push_back({{"User", user.at(0)},
-                              {"Public Shared", isPublicFolderShared(user) ? yes : no},
-                              {"UID", user.at(1)},
-                              {"Full Name", user.at(3)},
-                              {"GID", user.at(4)}});
     }
 }
 
 void BRController::parseGroupShares() {
     groupShares.clear();
     for (const std::string& line : NiutilTask::sharedInstance().currentGroups()) {
-        const std::vector<std::string> record = pieces(line);
-        if (isListed(showSystemUsersGroups3->state(), isSystemGroup(intValue(record.at(0)), record.at(1)))) {
+        const GroupRecord record(line);
+        if (isListed(showSystemUsersGroups3->state(), record.isSystem())) {
             groupShares.push_back(
-                {{"GID", record.at(0)}, {"Group", record.at(1)}, {"Users in Group", record.at(2)}});
+                {{"GID", record.gid}, {"Group", record.name}, {"Users in Group", record.memberField}});
         }
     }
 }
@@ -158,9 +140,9 @@ void BRController::parseGroupShares() {
 void BRController::parseGroupUserShares() {
     groupUserShares.clear();
     for (const std::string& line : NiutilTask::sharedInstance().currentUsers()) {
-        const std::vector<std::string> user = pieces(line);
-        if (isListed(showSystemUsersGroups3->state(), isSystemUserId(intValue(user.at(1))))) {
-            groupUserShares.push_back(user.at(0));
+        const UserRecord user(line);
+        if (isListed(showSystemUsersGroups3->state(), user.isSystem())) {
+            groupUserShares.push_back(user.name);
         }
     }
 }

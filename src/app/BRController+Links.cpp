@@ -1,6 +1,6 @@
 #include "app/BRController.h"
 
-#include "platform/appkit/NSAlert.h"
+#include "app/Alerts.h"
 #include "platform/foundation/Fetch.h"
 #include "platform/foundation/NSBundle.h"
 #include "platform/foundation/NSUserDefaults.h"
@@ -54,16 +54,14 @@ void BRController::checkForNewVersion(NSControl* sender) {
     const std::string running = NSBundle::mainBundle().objectForInfoDictionaryKey("CFBundleVersion");
     const PublishedVersion published = publishedVersion();
     if (!published.version) {
-        NSRunAlertPanel(NSLocalizedString("Version Not Checked"),
-                        NSLocalizedString("Brindle could not find out which version is the most recent one: "
-                                          "%@.  Please try again later."),
-                        NSLocalizedString("OK"), std::nullopt, std::nullopt, published.error);
+        showAlert(
+            "Version Not Checked",
+            "Brindle could not find out which version is the most recent one: %@.  Please try again later.",
+            published.error);
         return;
     }
     if (*published.version == running) {
-        NSRunAlertPanel(NSLocalizedString("Your Software is up-to-date"),
-                        NSLocalizedString("You have the most recent version of Brindle."),
-                        NSLocalizedString("OK"), std::nullopt, std::nullopt);
+        showAlert("Your Software is up-to-date", "You have the most recent version of Brindle.");
         return;
     }
     const int answer = NSRunAlertPanel(

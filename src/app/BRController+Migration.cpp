@@ -1,8 +1,7 @@
 #include "app/BRController.h"
 
-#include "app/AccountReports.h"
-#include "platform/appkit/NSAlert.h"
-#include "platform/foundation/NSBundle.h"
+#include "app/Alerts.h"
+#include "directory/ReportLine.h"
 #include "privileged/NiutilTask.h"
 
 #include <algorithm>
@@ -12,12 +11,6 @@ namespace {
 /// Records of older systems lack at least one of these properties.
 bool isOutdated(const NormalShare& share) {
     return share.AFPShared() == reportNoValue || share.AFPName() == reportNoValue;
-}
-
-/// A share that only the SMB configuration knows says nothing about inheritance, neither yes nor no. It must
-/// not be given a record, which would publish a folder over AFP that never was.
-bool hasDirectoryRecord(const NormalShare& share) {
-    return !share.Inherit().empty();
 }
 
 } // namespace
@@ -39,7 +32,9 @@ void BRController::checkSharesFor10pt2() {
 void BRController::updateSharesFor10pt2(NSControl* /*sender*/) {
     NiutilTask& task = NiutilTask::sharedInstance();
     for (const NormalShare& share : currentShares_) {
-        if (!hasDirectoryRecord(share)) {
+        // A share that only smb.conf knows must not be given a record: that would publish a folder over AFP
+        // that never was.
+        if (!share.hasRecord()) {
             continue;
         }
         task.deleteShare(share.ShareName());
@@ -48,9 +43,7 @@ void BRController::updateSharesFor10pt2(NSControl* /*sender*/) {
             showCreateShareFailed(share.ShareName());
         }
     }
-    NSRunAlertPanel(
-        NSLocalizedString("Shares Updated for Jaguar"),
-        NSLocalizedString("Your shares have been updated.  You must now restart your computer or restart "
-                          "the AppleFileServer for these changes to take effect."),
-        NSLocalizedString("OK"), std::nullopt, std::nullopt);
+    showAlert("Shares Updated for Jaguar",
+              "Your shares have been updated.  You must now restart your computer or restart the "
+              "AppleFileServer for these changes to take effect.");
 }

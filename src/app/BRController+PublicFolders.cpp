@@ -1,6 +1,6 @@
 #include "app/BRController.h"
 
-#include "app/AccountReports.h"
+#include "app/DirectoryRecords.h"
 #include "privileged/NiutilTask.h"
 
 void BRController::enableSelectedPublicShare(NSControl* /*sender*/) {
@@ -27,10 +27,10 @@ void BRController::changeSelectedPublicShare(bool enable) {
     }
 }
 
-void BRController::changePublicSharesAbove(std::int32_t highestIdLeftOut, bool enable) {
+void BRController::changePublicSharesAbove(std::int64_t highestIdLeftOut, bool enable) {
     NiutilTask& task = NiutilTask::sharedInstance();
     for (const UserRecord& user : recordsOfReport<UserRecord>(task.currentUsers())) {
-        if (user.id > highestIdLeftOut) {
+        if (user.id() > highestIdLeftOut) {
             task.changeUserShare(user.name, enable);
         }
     }

@@ -1,6 +1,6 @@
 #include "app/BRController.h"
 
-#include "platform/appkit/NSAlert.h"
+#include "app/Alerts.h"
 #include "platform/foundation/NSBundle.h"
 #include "platform/foundation/NSString.h"
 #include "privileged/NiutilTask.h"
@@ -15,118 +15,136 @@ constexpr int firstOtherSecurityItem = 2;
 // A code page's name is its number after "CP".
 constexpr std::size_t codePagePrefixLength = 2;
 
-int stateFor(std::string_view value) {
-    return value == "yes" ? NSOnState : NSOffState;
+/// Goes through the keys of the "global" section that the tab shows, in the order in which they are written.
+template <class Visitor>
+void visitGlobalSettings(const BROutlets& tab, Visitor&& visit) {
+    visit.text("netbios name", *tab.smbNetBiosName);
+    visit.text("max connections", *tab.smbMaxConnections);
+    visit.text("workgroup", *tab.smbWorkGroup);
+    visit.text("wins server", *tab.smbWINSServer);
+    visit.text("server string", *tab.smbServerInfoString);
+    visit.security("security", *tab.smbSecurity);
+    visit.codePage("dos charset", *tab.smbCodePage);
+    visit.text("hide files", *tab.smbHideFiles);
+    visit.flag("local master", *tab.smbWorkGroupMaster);
+    visit.text("veto files", *tab.smbVetoFiles);
+    visit.flag("hide dot files", *tab.smbHideDotFiles);
 }
 
-const char* valueFor(const NSButton& box) {
-    return box.state() == NSOnState ? "yes" : "no";
+/// The same for the "homes" section.
+template <class Visitor>
+void visitHomesSettings(const BROutlets& tab, Visitor&& visit) {
+    visit.flag("browseable", *tab.smbHomeDirsBrowseable);
+    visit.flag("read only", *tab.smbHomeDirsReadOnly);
 }
 
-struct Field {
-    std::string_view key;
-    NSTextField* BROutlets::*field;
+/// Shows one parameter of the file in the control of its key.
+class Reader {
+  public:
+    explicit Reader(const SMBPair& pair) : pair_(pair) {}
+
+    void text(std::string_view key, NSTextField& field) const {
+        if (pair_.Name == key) {
+            field.setStringValue(pair_.Value);
+        }
+    }
+
+    void flag(std::string_view key, NSButton& box) const {
+        if (pair_.Name == key) {
+            box.setState(pair_.Value == "yes" ? NSOnState : NSOffState);
+        }
+    }
+
+    void codePage(std::string_view key, NSPopUpButton& menu) const {
+        if (pair_.Name == key) {
+            // Raises std::out_of_range for a value that is too short to name a page.
+            const std::int32_t page = intValue(pair_.Value.str().substr(codePagePrefixLength));
+            menu.selectItemAtIndex(menu.indexOfItemWithTag(page));
+        }
+    }
+
+    void security(std::string_view key, NSPopUpButton& menu) const {
+        if (pair_.Name == key) {
+            menu.selectItemAtIndex(securityItem(menu, pair_.Value));
+        }
+    }
+
+  private:
+    static int securityItem(NSPopUpButton& menu, const std::string& value) {
+        if (value == "USER" || value == "SHARE") {
+            return value == "USER" ? userSecurityItem : shareSecurityItem;
+        }
+        // Shown as it is, so that an update keeps it; once only, however often the tab is filled.
+        int index = firstOtherSecurityItem;
+        while (index < menu.numberOfItems() && menu.items()[static_cast<std::size_t>(index)].title != value) {
+            ++index;
+        }
+        if (index >= menu.numberOfItems()) {
+            menu.addItemWithTitle(value);
+        }
+        return index;
+    }
+
+    const SMBPair& pair_;
 };
 
-/// The keys of the "global" section whose text is shown as it is.
-constexpr std::array<Field, 7> textFields{{
-    {"netbios name", &BROutlets::smbNetBiosName},
-    {"max connections", &BROutlets::smbMaxConnections},
-    {"workgroup", &BROutlets::smbWorkGroup},
-    {"wins server", &BROutlets::smbWINSServer},
-    {"server string", &BROutlets::smbServerInfoString},
-    {"hide files", &BROutlets::smbHideFiles},
-    {"veto files", &BROutlets::smbVetoFiles},
-}};
+/// Takes the parameters of a section from the controls.
+class Writer {
+  public:
+    explicit Writer(SMBShare& section) : section_(section) {}
 
-/// The text field that shows a key of the "global" section, or null.
-NSTextField* fieldForKey(const BROutlets& tab, std::string_view key) {
-    for (const Field& field : textFields) {
-        if (field.key == key) {
-            return tab.*field.field;
+    /// An empty field takes its key out of the file.
+    void text(std::string_view key, const NSTextField& field) const {
+        if (field.stringValue().empty()) {
+            section_.removeProp(key);
+        } else {
+            section_.setProp(key, field.stringValue());
         }
     }
-    return nullptr;
-}
 
-void showSecurity(NSPopUpButton& menu, const std::string& value) {
-    if (value == "USER" || value == "SHARE") {
-        menu.selectItemAtIndex(value == "USER" ? userSecurityItem : shareSecurityItem);
-        return;
+    void flag(std::string_view key, const NSButton& box) const {
+        section_.setProp(key, box.state() == NSOnState ? "yes" : "no");
     }
-    // Shown as it is, so that an update keeps it; once only, however often the tab is filled.
-    int index = firstOtherSecurityItem;
-    while (index < menu.numberOfItems() && menu.items()[static_cast<std::size_t>(index)].title != value) {
-        ++index;
-    }
-    if (index >= menu.numberOfItems()) {
-        menu.addItemWithTitle(value);
-    }
-    menu.selectItemAtIndex(index);
-}
 
-void showGlobalPair(const BROutlets& tab, const SMBPair& pair) {
-    if (NSTextField* field = fieldForKey(tab, pair.Name)) {
-        field->setStringValue(pair.Value);
-    } else if (pair.Name == "security") {
-        showSecurity(*tab.smbSecurity, pair.Value);
-    } else if (pair.Name == "dos charset") {
-        // Raises std::out_of_range for a value that is too short to name a page.
-        const std::int32_t page = intValue(pair.Value.str().substr(codePagePrefixLength));
-        tab.smbCodePage->selectItemAtIndex(tab.smbCodePage->indexOfItemWithTag(page));
-    } else if (pair.Name == "local master") {
-        tab.smbWorkGroupMaster->setState(stateFor(pair.Value));
-    } else if (pair.Name == "hide dot files") {
-        tab.smbHideDotFiles->setState(stateFor(pair.Value));
-    }
-}
-
-/// An empty field takes its key out of the file.
-void applyText(const BROutlets& tab, SMBShare& section, std::string_view key) {
-    const std::string& text = fieldForKey(tab, key)->stringValue();
-    if (text.empty()) {
-        section.removeProp(key);
-    } else {
-        section.setProp(key, text);
-    }
-}
-
-void applySecurity(SMBShare& section, const NSPopUpButton& menu) {
-    const std::optional<std::string> title = menu.titleOfSelectedItem();
-    switch (menu.indexOfSelectedItem()) {
-    case userSecurityItem:
-        section.setProp("map to guest", "Bad User");
-        section.setProp("security", "USER");
-        break;
-    case shareSecurityItem:
-        section.setProp("map to guest", "Never");
-        section.setProp("security", "SHARE");
-        break;
-    default:
-        if (title) {
-            section.setProp("security", *title);
+    void codePage(std::string_view key, const NSPopUpButton& menu) const {
+        // With nothing selected, the file names a page that the menu does not offer: it is kept.
+        if (menu.indexOfSelectedItem() >= 0) {
+            section_.setProp(key, stringWithFormat("CP%d", menu.tagOfSelectedItem()));
         }
     }
-}
 
-void applyCodePage(SMBShare& section, const NSPopUpButton& menu) {
-    // With nothing selected, the file names a page that the menu does not offer: it is kept.
-    if (menu.indexOfSelectedItem() >= 0) {
-        section.setProp("dos charset", stringWithFormat("CP%d", menu.tagOfSelectedItem()));
+    void security(std::string_view key, const NSPopUpButton& menu) const {
+        const std::optional<std::string> title = menu.titleOfSelectedItem();
+        switch (menu.indexOfSelectedItem()) {
+        case userSecurityItem:
+            section_.setProp("map to guest", "Bad User");
+            section_.setProp(key, "USER");
+            break;
+        case shareSecurityItem:
+            section_.setProp("map to guest", "Never");
+            section_.setProp(key, "SHARE");
+            break;
+        default:
+            if (title) {
+                section_.setProp(key, *title);
+            }
+        }
     }
-}
 
-void applyGlobal(const BROutlets& tab, SMBShare& section) {
-    for (const char* key : {"netbios name", "max connections", "workgroup", "wins server", "server string"}) {
-        applyText(tab, section, key);
-    }
-    applySecurity(section, *tab.smbSecurity);
-    applyCodePage(section, *tab.smbCodePage);
-    applyText(tab, section, "hide files");
-    section.setProp("local master", valueFor(*tab.smbWorkGroupMaster));
-    applyText(tab, section, "veto files");
-    section.setProp("hide dot files", valueFor(*tab.smbHideDotFiles));
-}
+  private:
+    SMBShare& section_;
+};
+
+/// Puts the window's first values back.
+struct Resetter {
+    static void text(std::string_view /*key*/, NSTextField& field) { field.setStringValue(""); }
+
+    static void flag(std::string_view /*key*/, NSButton& box) { box.setState(NSOffState); }
+
+    static void codePage(std::string_view /*key*/, NSPopUpButton& menu) { menu.selectItemAtIndex(0); }
+
+    static void security(std::string_view /*key*/, NSPopUpButton& menu) { menu.selectItemAtIndex(0); }
+};
 
 std::unique_ptr<SMBShare> newSection(const char* name) {
     auto section = std::make_unique<SMBShare>();
@@ -140,37 +158,24 @@ std::unique_ptr<SMBShare> newSection(const char* name) {
 void BRController::refreshSMBProperties(NSControl* /*sender*/) {
     if (const SMBShare* global = smbConf->Global()) {
         for (const SMBPair& pair : global->Props()) {
-            showGlobalPair(*this, pair);
+            visitGlobalSettings(*this, Reader(pair));
         }
     }
     const SMBShare* homes = smbConf->Homes();
     const bool shared = homes != nullptr && homes->Type() == SMBGroup;
     smbShareHomeDirs->setState(shared ? NSOnState : NSOffState);
     changeSMBHomeSharing(smbShareHomeDirs);
-    if (homes == nullptr) {
-        return;
-    }
-    for (const SMBPair& pair : homes->Props()) {
-        if (pair.Name == "browseable") {
-            smbHomeDirsBrowseable->setState(stateFor(pair.Value));
-        } else if (pair.Name == "read only") {
-            smbHomeDirsReadOnly->setState(stateFor(pair.Value));
+    if (homes != nullptr) {
+        for (const SMBPair& pair : homes->Props()) {
+            visitHomesSettings(*this, Reader(pair));
         }
     }
 }
 
 void BRController::revertSMBProperties(NSControl* sender) {
-    // Back to the window's first values: a refresh leaves alone what the file does not hold, and would leave
-    // what was typed there.
-    for (const Field& field : textFields) {
-        (this->*field.field)->setStringValue("");
-    }
-    for (NSButton* box : {smbWorkGroupMaster, smbHideDotFiles, smbHomeDirsBrowseable, smbHomeDirsReadOnly}) {
-        box->setState(NSOffState);
-    }
-    for (NSPopUpButton* menu : {smbSecurity, smbCodePage}) {
-        menu->selectItemAtIndex(0);
-    }
+    // A refresh leaves alone what the file does not hold, and would leave what was typed there.
+    visitGlobalSettings(*this, Resetter());
+    visitHomesSettings(*this, Resetter());
     showSMBSettings(sender);
 }
 
@@ -183,14 +188,13 @@ void BRController::updateSMBProperties(NSControl* /*sender*/) {
     if (smbConf->Global() == nullptr) {
         smbConf->setGlobal(newSection("global"));
     }
-    applyGlobal(*this, *smbConf->Global());
+    visitGlobalSettings(*this, Writer(*smbConf->Global()));
     if (smbConf->Homes() == nullptr) {
         smbConf->setHomes(newSection("homes"));
     }
     SMBShare& homes = *smbConf->Homes();
     homes.setType(smbShareHomeDirs->state() == NSOnState ? SMBGroup : SMBCommentGroup);
-    homes.setProp("browseable", valueFor(*smbHomeDirsBrowseable));
-    homes.setProp("read only", valueFor(*smbHomeDirsReadOnly));
+    visitHomesSettings(*this, Writer(homes));
     smbSettingsInPart = false; // what was not shown is what the page shows now
     showSMBWriteResult(smbConf->writeSMBConfFile());
     NiutilTask::sharedInstance().restartSMB();
@@ -204,10 +208,8 @@ void BRController::showSMBWriteResult(int result) {
         "The old smb.conf file removal operation was unsuccessful.  Please email %@ with this information.",
     };
     if (result != 0) {
-        NSRunAlertPanel(NSLocalizedString("smb.conf Write Unsuccessful"),
-                        NSLocalizedString(messageKeys.at(static_cast<std::size_t>(result))),
-                        NSLocalizedString("OK"), std::nullopt, std::nullopt,
-                        NSBundle::mainBundle().objectForInfoDictionaryKey("BRSupportAddress"));
+        showAlert("smb.conf Write Unsuccessful", messageKeys.at(static_cast<std::size_t>(result)),
+                  NSBundle::mainBundle().objectForInfoDictionaryKey("BRSupportAddress"));
     }
     showSMBConfNotice(); // what a write has lost needs no warning any more
 }

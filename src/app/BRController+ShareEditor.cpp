@@ -1,6 +1,6 @@
 #include "app/BRController.h"
 
-#include "platform/appkit/NSAlert.h"
+#include "app/Alerts.h"
 #include "platform/foundation/NSBundle.h"
 #include "platform/foundation/NSFileManager.h"
 #include "platform/foundation/NSString.h"
@@ -28,11 +28,6 @@ void selectAccount(NSPopUpButton& menu, const std::optional<std::string>& name) 
         menu.addItemWithTitle(*name);
     }
     menu.selectItemWithTitle(*name);
-}
-
-void showOneButtonAlert(const std::string& titleKey, const std::string& messageKey) {
-    NSRunAlertPanel(NSLocalizedString(titleKey), NSLocalizedString(messageKey), NSLocalizedString("OK"),
-                    std::nullopt, std::nullopt);
 }
 
 } // namespace
@@ -127,19 +122,17 @@ void BRController::selectDirectory(NSControl* sender) {
 
 bool BRController::validateShareFields() const {
     if (shareName->stringValue().empty()) {
-        showOneButtonAlert("Share Name Empty", "The Share Name field must not be empty.");
+        showAlert("Share Name Empty", "The Share Name field must not be empty.");
     } else if (directory->stringValue().empty()) {
-        showOneButtonAlert("Directory Empty", "The Directory field must not be empty.");
+        showAlert("Directory Empty", "The Directory field must not be empty.");
     } else if (isEqualIgnoringCase(shareName->stringValue(), "global")) {
-        showOneButtonAlert(
-            "Illegal Share Name",
-            "Shares can not have the name \"Global\" when sharing directories with Windows users.  "
-            "Please change your Share Name.");
+        showAlert("Illegal Share Name",
+                  "Shares can not have the name \"Global\" when sharing directories with Windows users.  "
+                  "Please change your Share Name.");
     } else if (isEqualIgnoringCase(shareName->stringValue(), "homes")) {
-        showOneButtonAlert(
-            "Illegal Share Name",
-            "Shares can not have the name \"Homes\" when sharing directories with Windows users.  "
-            "Please change your Share Name.");
+        showAlert("Illegal Share Name",
+                  "Shares can not have the name \"Homes\" when sharing directories with Windows users.  "
+                  "Please change your Share Name.");
     } else {
         return true;
     }
@@ -177,9 +170,8 @@ void BRController::createShare(NSControl* sender) {
 }
 
 void BRController::showCreateShareFailed(const std::string& name) {
-    NSRunAlertPanel(NSLocalizedString("Create Share Failed"),
-                    NSLocalizedString("An Error occured while creating the share \"%@\", please try again."),
-                    NSLocalizedString("OK"), std::nullopt, std::nullopt, name);
+    showAlert("Create Share Failed", "An Error occured while creating the share \"%@\", please try again.",
+              name);
 }
 
 void BRController::selectShareAfterWrite(int rowBefore) {
@@ -208,10 +200,7 @@ void BRController::deleteShare(NSControl* sender) {
 }
 
 void BRController::deleteAllShares(NSControl* /*sender*/) {
-    const int answer = NSRunAlertPanel(NSLocalizedString("Confirm Delete All Shares"),
-                                       NSLocalizedString("Are you sure you want to delete all the shares?"),
-                                       NSLocalizedString("No"), NSLocalizedString("Yes"), std::nullopt);
-    if (answer != NSAlertAlternateReturn) {
+    if (!confirm("Confirm Delete All Shares", "Are you sure you want to delete all the shares?")) {
         return;
     }
     NiutilTask::sharedInstance().deleteAllShares();

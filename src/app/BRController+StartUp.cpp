@@ -5,6 +5,7 @@
 #include "platform/foundation/Host.h"
 #include "platform/foundation/NSBundle.h"
 #include "platform/foundation/NSLog.h"
+#include "platform/foundation/SystemPaths.h"
 #include "privileged/NiutilTask.h"
 #include "ui/AboutBox.h"
 #include "ui/KWIntegerFormatter.h"
@@ -28,6 +29,8 @@ std::string lossText(SMBLoss loss) {
         return NSLocalizedString("is a broken section header");
     case SMBLoss::OutsideSection:
         return NSLocalizedString("stands outside a section");
+    case SMBLoss::ByteOrderMark:
+        return NSLocalizedString("begins with a byte order mark, which makes the server pass over the line");
     }
     return {};
 }
@@ -61,8 +64,7 @@ void BRController::applicationWillTerminate() {
 }
 
 void BRController::startUp() {
-    afsProps = NSMutableDictionary::dictionaryWithContentsOfFile(
-        "/Library/Preferences/com.apple.AppleFileServer.plist");
+    afsProps = NSMutableDictionary::dictionaryWithContentsOfFile(platform::systempath::appleFileServer);
     mainBundle = &NSBundle::mainBundle();
     if (!checkSystemVersion()) {
         return;
@@ -191,7 +193,7 @@ void BRController::showSMBConfNotice() {
             NSLocalizedString(
                 "%@ cannot be read (%@), and nothing will be saved to it.  Make it readable and "
                 "start again."),
-            file, smbConf->unreadableReason());
+            file, NSLocalizedString(smbConf->unreadableReason()));
     } else if (!smbConf->lossNotices().empty()) {
         notice = stringWithFormat(
             NSLocalizedString("Saving will not keep all of %@: %@.  The file as it is will then stay beside "

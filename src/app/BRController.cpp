@@ -21,8 +21,7 @@ void describeShareActions(Description& controller) {
         .action("selectDirectory:", &BRController::selectDirectory)
         .action("createShare:", &BRController::createShare)
         .action("deleteShare:", &BRController::deleteShare)
-        .action("deleteAllShares:", &BRController::deleteAllShares)
-        .action("updateSharesFor10pt2:", &BRController::updateSharesFor10pt2);
+        .action("deleteAllShares:", &BRController::deleteAllShares);
 }
 
 void describeAccountActions(Description& controller) {

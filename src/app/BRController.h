@@ -80,6 +80,7 @@ class BRController : public BROutlets,
 
     // Migration.
     void checkSharesFor10pt2();
+    /// Not wired to any control: it works on the list as start-up has just read it.
     void updateSharesFor10pt2(NSControl* sender);
 
     // Users and groups.
@@ -197,8 +198,8 @@ class BRController : public BROutlets,
     [[nodiscard]] static const BRRow* selectedRow(const NSTableView& table, const std::vector<BRRow>& rows);
     [[nodiscard]] bool checkUser(const std::string& shortNameText) const;
     [[nodiscard]] bool checkGroup(const std::string& groupNameText) const;
-    [[nodiscard]] bool checkUID(std::int32_t id) const;
-    [[nodiscard]] bool checkGID(std::int32_t id) const;
+    [[nodiscard]] bool checkUID(std::int64_t id) const;
+    [[nodiscard]] bool checkGID(std::int64_t id) const;
     [[nodiscard]] bool checkAdmin(const std::string& shortNameText) const;
     void addUser(const std::string& shortNameText, const std::string& toGroup,
                  const std::vector<std::string>& groupUsers);
@@ -224,7 +225,7 @@ class BRController : public BROutlets,
 
     // Public folders.
     void changeSelectedPublicShare(bool enable);
-    void changePublicSharesAbove(std::int32_t highestIdLeftOut, bool enable);
+    void changePublicSharesAbove(std::int64_t highestIdLeftOut, bool enable);
     /// Makes the AFP server see a change, and reads the users again. The menu of the user in the editor
     /// follows: the next update would write its old choice back.
     void showChangedPublicShares();

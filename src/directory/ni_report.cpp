@@ -3,16 +3,10 @@
 #include "platform/foundation/NSLog.h"
 
 #include <algorithm>
-#include <memory>
 
 namespace {
 
-constexpr std::string_view noValue = "#NoValue#";
 constexpr int timeoutSeconds = 30;
-
-struct CloseDomain {
-    void operator()(ni_domain* domain) const { ni_free(domain); }
-};
 
 /// The field of one requested property, without its tab.
 void appendField(ni_domain* domain, ni_id& id, const ni_namelist& names, const std::string& wanted,
@@ -24,7 +18,7 @@ void appendField(ni_domain* domain, ni_id& id, const ni_namelist& names, const s
         }
     }
     if (values.ninl_val.empty()) {
-        line += noValue;
+        line += reportNoValue;
         return;
     }
     for (bool first = true; const auto& value : values.ninl_val) {
@@ -83,7 +77,7 @@ int ni_report_local(const std::string& path, std::span<const std::string> proper
         NSLog("Can't connect to local NetInfo server\n");
         return status;
     }
-    const std::unique_ptr<ni_domain, CloseDomain> domain(opened);
+    const platform::OwnedDomain domain(opened);
     ni_setabort(domain.get(), 1);
     ni_setreadtimeout(domain.get(), timeoutSeconds);
     ni_setwritetimeout(domain.get(), timeoutSeconds);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "directory/ReportLine.h"
 #include "platform/netinfo/ni.h"
 
 #include <span>

@@ -6,8 +6,8 @@
 #include <utility>
 
 /// One share point as the share table shows it: joined from its directory record, the SMB section of the same
-/// folder and the folder's permission bits. Every field is display text; a record is rebuilt whenever the
-/// inventory is read.
+/// folder and the folder's permission bits. What the table shows is kept as display text. A record is rebuilt
+/// whenever the inventory is read.
 class NormalShare {
   public:
     [[nodiscard]] const std::string& ShareName() const { return _sharename; }
@@ -64,6 +64,11 @@ class NormalShare {
 
     void setSMBGuestAccess(std::string text) { _smbguestaccess = std::move(text); }
 
+    /// True for a share that has a record in the directory; false for one that only smb.conf knows.
+    [[nodiscard]] bool hasRecord() const { return hasRecord_; }
+
+    void setHasRecord(bool has) { hasRecord_ = has; }
+
     /// Stores `path` as the folder and sets the three privilege texts from its mode, links followed; a folder
     /// that cannot be examined has no privileges.
     void setPathandPermissions(const std::string& path);
@@ -90,6 +95,7 @@ class NormalShare {
     std::string _inheritowner;
     std::string _smb = "-";
     std::string _smbguestaccess = "No";
+    bool hasRecord_ = false;
 };
 
 /// The two-bit privilege code of a class of users (3 read and write, 2 read only, 1 write only, 0 none) in a

@@ -6,14 +6,13 @@
 #include "platform/foundation/Host.h"
 #include "platform/foundation/NSFileManager.h"
 #include "platform/foundation/NSLog.h"
+#include "platform/foundation/SystemPaths.h"
 #include "privileged/NiutilTask.h"
 
 #include <algorithm>
 #include <cerrno>
 
 namespace {
-
-constexpr const char* temporaryPath = "~/smb_test.conf";
 
 // What writeSMBConfFile answers.
 constexpr int written = 0;
@@ -42,7 +41,11 @@ void appendEntry(std::string& text, const SMBShare& entry) {
     const bool commentedOut = entry.Type() == SMBCommentGroup;
     if (commentedOut || entry.Type() == SMBGroup) {
         const std::string_view mark = commentedOut ? ";" : "";
-        append(text, {mark, "[", entry.ShareName(), "]\n"});
+        if (entry.isUnnamed()) {
+            append(text, {entry.ShareName(), "\n"});
+        } else {
+            append(text, {mark, "[", entry.ShareName(), "]\n"});
+        }
         for (const SMBPair& pair : entry.Props()) {
             append(text, {mark, pair.Name.view(), " = ", pair.Value.view(), "\n"});
         }
@@ -58,7 +61,7 @@ bool keepsLayout() {
 
 } // namespace
 
-SMBConf::SMBConf() : SMBConf("/etc/smb.conf") {}
+SMBConf::SMBConf() : SMBConf(platform::systempath::smbConf) {}
 
 SMBConf::SMBConf(std::string path) : _path(std::move(path)) {
     parseSMBConfFile();
@@ -172,7 +175,7 @@ int SMBConf::writeSMBConfFile() {
         NSLog("The SMB configuration %@ was not written because it could not be read at the start.", _path);
         return notWritten;
     }
-    const std::string temporary = stringByExpandingTildeInPath(temporaryPath);
+    const std::string temporary = stringByExpandingTildeInPath(platform::systempath::temporarySmbConf);
     // Readable by its owner only: the configuration may be.
     std::string text = textToWrite();
     if (const auto status = writeToFileAtomically(temporary, text, 0600); !status.isOk()) {

@@ -60,7 +60,8 @@ class SMBConf {
     /// somebody else changed it.
     [[nodiscard]] const std::string& textOnDisk() const { return _hasWritten ? _textOnDisk : _bytes; }
 
-    // Tests of one line, leading white space already gone.
+    // Part of the model's public operations: the parser's tests of one line, leading white space already
+    // gone.
     [[nodiscard]] static bool isCommentGroup(std::string_view line);
     [[nodiscard]] static bool isComment(std::string_view line);
     [[nodiscard]] static bool isGroup(std::string_view line);

@@ -7,6 +7,7 @@ namespace {
 
 /// The end mark of the scanner that reads values: a value holding it ends there.
 constexpr std::string_view valueEndMark = "#$%BLAK";
+constexpr std::string_view byteOrderMark = "\xef\xbb\xbf";
 
 constexpr bool isWhiteSpace(char c) {
     return c == ' ' || (c >= '\t' && c <= '\r');
@@ -23,7 +24,7 @@ std::string_view withoutBlanks(std::string_view text) {
     return text;
 }
 
-/// True when a header goes on behind its name: that is not kept.
+/// True when a header goes on after its name: that is not kept.
 bool isCut(std::string_view line) {
     const std::size_t end = line.find(']');
     return end != std::string_view::npos &&
@@ -69,110 +70,110 @@ std::optional<SMBParser::PairText> SMBParser::pairOf(std::string_view text, bool
 }
 
 SMBParser::SMBParser(std::string_view text, std::pmr::memory_resource* memory)
-    : _text(text), _hasValueEndMark(text.find(valueEndMark) != std::string_view::npos), _memory(memory) {}
+    : text_(text), hasValueEndMark_(text.find(valueEndMark) != std::string_view::npos), memory_(memory) {}
 
 void SMBParser::parse() {
-    _current = std::make_unique<SMBShare>(_memory);
-    while (_haveLine || nextLine()) {
-        _haveLine = false;
+    current_ = std::make_unique<SMBShare>(memory_);
+    while (haveLine_ || nextLine()) {
+        haveLine_ = false;
         parseLine();
     }
-    entries.push_back(std::move(_current));
+    entries.push_back(std::move(current_));
     numberNotices();
 }
 
 bool SMBParser::nextLine() {
-    constexpr std::string_view byteOrderMark = "\xef\xbb\xbf"; // the SMB server passes over one, too
-    if (_position == 0 && _text.starts_with(byteOrderMark)) {
-        _position = byteOrderMark.size();
+    while (position_ != text_.size() && isWhiteSpace(text_[position_])) {
+        ++position_;
     }
-    while (_position != _text.size() && isWhiteSpace(_text[_position])) {
-        ++_position;
-    }
-    if (_position == _text.size()) {
+    if (position_ == text_.size()) {
         return false;
     }
-    const std::size_t end = std::min(nextOf('\n', _lineFeed), nextOf('\r', _carriageReturn));
-    _line = _text.substr(_position, end - _position);
-    _position = end;
+    const std::size_t end = std::min(nextOf('\n', lineFeed_), nextOf('\r', carriageReturn_));
+    line_ = text_.substr(position_, end - position_);
+    position_ = end;
     return true;
 }
 
 /// The first `mark` from the position on, else the text's end. `known` is the one found last: it is looked
-/// for again only once it is behind, so that a file that never holds one of the marks is not searched for it
+/// for again only once it is passed, so that a file that never holds one of the marks is not searched for it
 /// at every line.
 std::size_t SMBParser::nextOf(char mark, std::size_t& known) const {
-    if (known <= _position) {
-        known = std::min(_text.find(mark, _position), _text.size());
+    if (known <= position_) {
+        known = std::min(text_.find(mark, position_), text_.size());
     }
     return known;
 }
 
 void SMBParser::beginEntry(std::int32_t type) {
-    if (_state != State::Start) {
-        entries.push_back(std::move(_current));
+    if (state_ != State::Start) {
+        entries.push_back(std::move(current_));
     }
-    _current = std::make_unique<SMBShare>(_memory);
-    _current->setType(type);
+    current_ = std::make_unique<SMBShare>(memory_);
+    current_->setType(type);
 }
 
 void SMBParser::parseLine() {
-    if (isCommentGroup(_line)) {
-        beginEntry(SMBCommentGroup);
-        if (isCut(_line)) {
-            note(SMBLoss::BrokenHeader);
-        }
-        const std::string_view name = headerName(_line, 2);
-        _current->setShareName(std::string(name));
-        homes = name == "homes" ? _current.get() : homes;
+    if (isCommentGroup(line_)) {
+        beginSection(SMBCommentGroup, 2);
         readCommentGroup();
-    } else if (isComment(_line)) {
-        if (_state != State::Comment) {
+    } else if (isComment(line_)) {
+        if (state_ != State::Comment) {
             beginEntry(SMBComment);
         }
         appendLineToText();
-        _state = State::Comment;
-    } else if (isGroup(_line)) {
-        beginEntry(SMBGroup);
-        if (isCut(_line)) {
-            note(SMBLoss::BrokenHeader);
-        }
-        const std::string_view name = headerName(_line, 1);
-        _current->setShareName(std::string(name));
-        global = name == "global" ? _current.get() : global;
-        homes = name == "homes" ? _current.get() : homes;
+        state_ = State::Comment;
+    } else if (isGroup(line_)) {
+        beginSection(SMBGroup, 1);
         readGroup();
+    } else if (line_.data() == text_.data() && line_.starts_with(byteOrderMark)) {
+        note(SMBLoss::ByteOrderMark);
     } else {
-        note(_line.front() == '[' ? SMBLoss::BrokenHeader : SMBLoss::OutsideSection);
+        note(line_.front() == '[' ? SMBLoss::BrokenHeader : SMBLoss::OutsideSection);
     }
+}
+
+void SMBParser::beginSection(std::int32_t type, std::size_t openingLength) {
+    beginEntry(type);
+    const std::string_view name = headerName(line_, openingLength);
+    if (name.data() == line_.data()) {
+        current_->setUnnamedHeader(std::string(name));
+        return;
+    }
+    if (isCut(line_)) {
+        note(SMBLoss::BrokenHeader);
+    }
+    current_->setShareName(std::string(name));
+    global = type == SMBGroup && name == "global" ? current_.get() : global;
+    homes = name == "homes" ? current_.get() : homes;
 }
 
 void SMBParser::readCommentGroup() {
     while (nextLine()) {
-        if (isCommentGroup(_line) || !isComment(_line)) {
-            _haveLine = true;
+        if (isCommentGroup(line_) || !isComment(line_)) {
+            haveLine_ = true;
             break;
         }
-        addPair(_line.substr(1), true);
+        addPair(line_.substr(1), true);
     }
     takePairs();
-    _state = State::Closed;
+    state_ = State::Closed;
 }
 
 void SMBParser::readGroup() {
     while (nextLine()) {
-        if (isCommentGroup(_line) || isGroup(_line)) {
-            _haveLine = true;
+        if (isCommentGroup(line_) || isGroup(line_)) {
+            haveLine_ = true;
             break;
         }
-        if (isComment(_line)) {
+        if (isComment(line_)) {
             appendLineToText();
         } else {
-            addPair(_line, false);
+            addPair(line_, false);
         }
     }
     takePairs();
-    _state = State::Closed;
+    state_ = State::Closed;
 }
 
 void SMBParser::addPair(std::string_view text, bool commentedOut) {
@@ -180,7 +181,7 @@ void SMBParser::addPair(std::string_view text, bool commentedOut) {
     if (!commentedOut && rest.front() == '[') {
         note(SMBLoss::BrokenHeader);
     }
-    const auto pair = pairOf(rest, _hasValueEndMark);
+    const auto pair = pairOf(rest, hasValueEndMark_);
     if (!commentedOut && (!pair || pair->isCut)) {
         note(SMBLoss::NoValue);
     }
@@ -191,27 +192,27 @@ void SMBParser::addPair(std::string_view text, bool commentedOut) {
         return;
     }
     // Home folders that are switched on bring the section's commented-out parameters to life.
-    if (isContinued(pair->value) && (!commentedOut || _current.get() == homes)) {
+    if (isContinued(pair->value) && (!commentedOut || current_.get() == homes)) {
         note(SMBLoss::Continuation);
     }
-    _pairs.emplace_back(pair->key, pair->value);
+    pairs_.emplace_back(pair->key, pair->value);
 }
 
 void SMBParser::takePairs() {
-    SMBPairs& props = _current->Props();
-    props.reserve(_pairs.size());
-    for (const auto& [key, value] : _pairs) {
+    SMBPairs& props = current_->Props();
+    props.reserve(pairs_.size());
+    for (const auto& [key, value] : pairs_) {
         props.push_back({SMBText::borrowed(key), SMBText::borrowed(value)});
     }
-    _pairs.clear();
+    pairs_.clear();
 }
 
 void SMBParser::appendLineToText() {
-    (_current->Text() += _line) += '\n';
+    (current_->Text() += line_) += '\n';
 }
 
 void SMBParser::note(SMBLoss loss) {
-    const auto offset = static_cast<std::size_t>(_line.data() - _text.data());
+    const auto offset = static_cast<std::size_t>(line_.data() - text_.data());
     if (lossNotices.empty() ||
         lossNotices.back().line != offset) { // the first that is wrong with a line is enough
         lossNotices.push_back({offset, loss});
@@ -221,9 +222,9 @@ void SMBParser::note(SMBLoss loss) {
 /// While reading, a notice holds its line's offset: most files have none, and so need no counting of lines.
 void SMBParser::numberNotices() {
     std::size_t line = 1;
-    const char* counted = _text.data();
+    const char* counted = text_.data();
     for (SMBLossNotice& notice : lossNotices) {
-        const char* const start = _text.data() + notice.line;
+        const char* const start = text_.data() + notice.line;
         // "\r\n" and "\n" end a line, as every editor counts them; so does a lone "\r".
         for (; counted != start; ++counted) {
             line += *counted == '\n' || (*counted == '\r' && counted[1] != '\n') ? 1U : 0U;

@@ -22,13 +22,12 @@ class SMBParser {
     /// Reads everything; then the results below stand. At least one entry is made.
     void parse();
 
-    std::vector<std::unique_ptr<SMBShare>> entries;
+    SMBEntries entries;
     SMBShare* global = nullptr;
     SMBShare* homes = nullptr;
     std::vector<SMBLossNotice> lossNotices;
 
     // The rules for one line, leading white space already gone, for whoever looks at the lines themselves.
-
     [[nodiscard]] static bool isCommentGroup(std::string_view line) {
         return line.starts_with("#[") || line.starts_with(";[");
     }
@@ -65,6 +64,7 @@ class SMBParser {
     [[nodiscard]] std::size_t nextOf(char mark, std::size_t& known) const;
     void beginEntry(std::int32_t type);
     void parseLine();
+    void beginSection(std::int32_t type, std::size_t openingLength);
     void readCommentGroup();
     void readGroup();
     void addPair(std::string_view text, bool commentedOut);
@@ -73,17 +73,17 @@ class SMBParser {
     void note(SMBLoss loss);
     void numberNotices();
 
-    std::string_view _text;
-    std::size_t _position = 0; ///< where the next line is looked for
+    std::string_view text_;
+    std::size_t position_ = 0; ///< where the next line is looked for
     // The line ends that were found last.
-    std::size_t _lineFeed = 0;
-    std::size_t _carriageReturn = 0;
-    bool _hasValueEndMark;  ///< looked for once, because most files hold none
-    std::string_view _line; ///< the line that was read last
-    bool _haveLine = false; ///< `_line` ended an entry and is still to be looked at
-    State _state = State::Start;
-    std::pmr::memory_resource* _memory;
-    std::unique_ptr<SMBShare> _current;
+    std::size_t lineFeed_ = 0;
+    std::size_t carriageReturn_ = 0;
+    bool hasValueEndMark_;  ///< looked for once, because most files hold none
+    std::string_view line_; ///< the line that was read last
+    bool haveLine_ = false; ///< `line_` ended an entry and is still to be looked at
+    State state_ = State::Start;
+    std::pmr::memory_resource* memory_;
+    std::unique_ptr<SMBShare> current_;
     /// Keys and values of the current entry, until it ends and their number is known.
-    std::vector<std::pair<std::string_view, std::string_view>> _pairs;
+    std::vector<std::pair<std::string_view, std::string_view>> pairs_;
 };

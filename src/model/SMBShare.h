@@ -126,10 +126,22 @@ class SMBShare {
 
     void setType(std::int32_t type) { _type = type; }
 
-    /// The text between the header's brackets; empty for a comment block.
+    /// The string between the header's brackets; empty for a comment block.
     [[nodiscard]] const std::string& ShareName() const { return _sharename; }
 
-    void setShareName(std::string name) { _sharename = std::move(name); }
+    void setShareName(std::string name) {
+        _sharename = std::move(name);
+        isUnnamed_ = false;
+    }
+
+    /// True when the header has nothing between its brackets. It then stands for the name, whole, so that it
+    /// cannot be taken for another section's, and is written as it stood.
+    [[nodiscard]] bool isUnnamed() const { return isUnnamed_; }
+
+    void setUnnamedHeader(std::string header) {
+        _sharename = std::move(header);
+        isUnnamed_ = true;
+    }
 
     /// The live list, changed in place by its users. A key may occur more than once.
     [[nodiscard]] SMBPairs& Props() { return _props; }
@@ -162,4 +174,8 @@ class SMBShare {
     std::string _sharename;
     SMBPairs _props;
     std::string _text;
+    bool isUnnamed_ = false;
 };
+
+/// The entries of a file, in its order. They keep their addresses for as long as they are in the list.
+using SMBEntries = std::vector<std::unique_ptr<SMBShare>>;

@@ -1,11 +1,12 @@
 #include "privileged/NiutilTask.h"
 
 #include "platform/foundation/NSString.h"
+#include "platform/foundation/SystemPaths.h"
 #include "platform/posix/Secret.h"
 
 namespace {
 
-const std::string kNicl = "/usr/bin/nicl";
+namespace systempath = platform::systempath;
 
 std::string userPath(const std::string& shortName) {
     return stringWithFormat("/users/%@", shortName);
@@ -20,11 +21,11 @@ std::string publicFolder(bool isShared) {
     return isShared ? "Public" : "<no value>";
 }
 
-constexpr std::string_view kEntryMessage = "outString non empty for create User: %@";
+constexpr std::string_view entryCreationMessage = "outString non empty for create User: %@";
 
 /// An update leaves the entry as it is and writes the first properties only.
 std::string_view entryMessage(bool update) {
-    return update ? std::string_view() : kEntryMessage;
+    return update ? std::string_view() : entryCreationMessage;
 }
 
 } // namespace
@@ -32,7 +33,7 @@ std::string_view entryMessage(bool update) {
 bool NiutilTask::writeAccount(const std::string& path, std::string_view entryMessage,
                               std::span<const Property> properties) {
     if (!entryMessage.empty() &&
-        !runOrStop(kNicl, std::vector<std::string>{".", "-create", path}, entryMessage)) {
+        !runOrStop(systempath::nicl, std::vector<std::string>{".", "-create", path}, entryMessage)) {
         return false;
     }
     for (const Property& property : properties) {
@@ -40,7 +41,7 @@ bool NiutilTask::writeAccount(const std::string& path, std::string_view entryMes
         if (!property.value.empty()) {
             arguments.push_back(property.value);
         }
-        if (!runOrStop(kNicl, arguments, property.message)) {
+        if (!runOrStop(systempath::nicl, arguments, property.message)) {
             return false;
         }
     }
@@ -88,27 +89,28 @@ bool NiutilTask::createGroup(const std::string& groupName, const std::string& gi
 
 void NiutilTask::deleteUser(const std::string& shortName) {
     if (authenticate()) {
-        runAndLog(kNicl, std::vector<std::string>{".", "-delete", userPath(shortName)},
+        runAndLog(systempath::nicl, std::vector<std::string>{".", "-delete", userPath(shortName)},
                   "outString non empty for create Directory: %@");
     }
 }
 
 void NiutilTask::deleteGroup(const std::string& groupName) {
     if (authenticate()) {
-        runAndLog(kNicl, std::vector<std::string>{".", "-delete", groupPath(groupName)},
+        runAndLog(systempath::nicl, std::vector<std::string>{".", "-delete", groupPath(groupName)},
                   "outString non empty for deleteGroup: %@");
     }
 }
 
 bool NiutilTask::addUser(const std::string& shortName, const std::string& toGroup) {
     return authenticate() &&
-           runOrStop(kNicl, std::vector<std::string>{".", "-append", groupPath(toGroup), "users", shortName},
+           runOrStop(systempath::nicl,
+                     std::vector<std::string>{".", "-append", groupPath(toGroup), "users", shortName},
                      "outString non empty for add User to Group: %@");
 }
 
 bool NiutilTask::removeUser(const std::string& shortName, const std::string& fromGroup) {
     return authenticate() &&
-           runOrStop(kNicl,
+           runOrStop(systempath::nicl,
                      std::vector<std::string>{".", "-delete", groupPath(fromGroup), "users", shortName},
                      "outString non empty for add User to Group: %@");
 }
@@ -116,7 +118,7 @@ bool NiutilTask::removeUser(const std::string& shortName, const std::string& fro
 void NiutilTask::changeUserShare(const std::string& shortName, bool enable) {
     if (authenticate()) {
         runAndLog(
-            kNicl,
+            systempath::nicl,
             std::vector<std::string>{".", "-create", userPath(shortName), "sharedDir", publicFolder(enable)},
             "outString not empty for create directory_path: %@");
     }
@@ -128,6 +130,6 @@ void NiutilTask::runPasswd(const std::string& shortName, const std::string& pass
     }
     std::vector<std::string> arguments = {".", "-passwd", stringWithFormat("/Users/%@", shortName)};
     arguments.push_back(passwd); // in the list above it would leave a copy that nobody wipes
-    runAndLog("/usr/bin/dscl", arguments, "outString not empty for create passwd: %@");
+    runAndLog(systempath::dscl, arguments, "outString not empty for create passwd: %@", arguments.size() - 1);
     platform::wipe(arguments.back());
 }

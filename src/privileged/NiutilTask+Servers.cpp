@@ -4,6 +4,7 @@
 #include "platform/foundation/Host.h"
 #include "platform/foundation/NSLog.h"
 #include "platform/foundation/NSString.h"
+#include "platform/foundation/SystemPaths.h"
 #include "privileged/ToolStream.h"
 
 void NiutilTask::restartAFS() {
@@ -33,7 +34,7 @@ void NiutilTask::hangUp(const std::string& listingCommand) {
         const std::vector<std::string> arguments = {"-1", id};
         // No stream is asked for: what the tool says does not matter.
         const OSStatus status = AuthorizationExecuteWithPrivileges(
-            authorizationRef, "/bin/kill", kAuthorizationFlagDefaults, arguments, nullptr);
+            authorizationRef, platform::systempath::kill, kAuthorizationFlagDefaults, arguments, nullptr);
         if (status != errAuthorizationSuccess) {
             NSBeep();
             NSLog("Error %d in Kill AuthorizationExecuteWithPrivileges", status);

@@ -3,13 +3,14 @@
 #include "platform/appkit/NSAlert.h"
 #include "platform/foundation/NSLog.h"
 #include "platform/foundation/NSString.h"
+#include "platform/foundation/SystemPaths.h"
 
 #include <algorithm>
 #include <ranges>
 
 namespace {
 
-const std::string kNicl = "/usr/bin/nicl";
+namespace systempath = platform::systempath;
 
 std::string sharePath(const std::string& shareName) {
     return stringWithFormat("/config/Brindle/%@", shareName);
@@ -33,19 +34,20 @@ bool NiutilTask::createShare(const std::string& shareName, const std::string& di
          "outString not empty for create afp_use_parent_owner: %@"},
     };
     const std::string path = sharePath(shareName);
-    if (!runOrStop(kNicl, std::vector<std::string>{".", "-create", path},
+    if (!runOrStop(systempath::nicl, std::vector<std::string>{".", "-create", path},
                    "outString non empty for create Directory: %@")) {
         return false;
     }
     return std::ranges::all_of(properties, [&](const Property& property) {
-        return runOrStop(kNicl, std::vector<std::string>{".", "-create", path, property.name, property.value},
+        return runOrStop(systempath::nicl,
+                         std::vector<std::string>{".", "-create", path, property.name, property.value},
                          property.message);
     });
 }
 
 void NiutilTask::deleteShare(const std::string& shareName) {
     if (authenticate()) {
-        runAndLog(kNicl, std::vector<std::string>{".", "-delete", sharePath(shareName)},
+        runAndLog(systempath::nicl, std::vector<std::string>{".", "-delete", sharePath(shareName)},
                   "outString non empty for deleteGroup: %@");
     }
 }
@@ -57,7 +59,8 @@ void NiutilTask::deleteAllShares() {
     const std::vector<std::string> shares = currentShares();
     for (const std::string& line : std::views::reverse(shares)) {
         const std::string name = line.substr(0, line.find('\t'));
-        const RunResult result = runTool(kNicl, std::vector<std::string>{".", "-delete", sharePath(name)});
+        const RunResult result =
+            runTool(systempath::nicl, std::vector<std::string>{".", "-delete", sharePath(name)});
         if (result.output != "") {
             NSBeep();
             NSLog("Delete All Shares did not complete properly for share: %@ with error: %@", name,
@@ -72,7 +75,7 @@ void NiutilTask::deleteAllShares() {
 
 bool NiutilTask::cp(const std::string& source, const std::string& to) {
     return authenticate() &&
-           runOrStop("/bin/cp", std::vector<std::string>{source, to}, "outString non empty for cp: %@");
+           runOrStop(systempath::cp, std::vector<std::string>{source, to}, "outString non empty for cp: %@");
 }
 
 void NiutilTask::changePermissions(const std::string& directory, const std::string& owner,
@@ -81,8 +84,8 @@ void NiutilTask::changePermissions(const std::string& directory, const std::stri
         return;
     }
     constexpr const char* message = "outString non empty for create User: %@";
-    runAndLog("/usr/sbin/chown", std::vector<std::string>{stringWithFormat("%@:%@", owner, group), directory},
+    runAndLog(systempath::chown, std::vector<std::string>{stringWithFormat("%@:%@", owner, group), directory},
               message);
-    runAndLog("/bin/chmod", std::vector<std::string>{stringWithFormat("%o", permissions), directory},
+    runAndLog(systempath::chmod, std::vector<std::string>{stringWithFormat("%o", permissions), directory},
               message);
 }

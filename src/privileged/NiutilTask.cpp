@@ -6,11 +6,12 @@
 #include "platform/foundation/NSLog.h"
 #include "platform/foundation/NSNotificationCenter.h"
 #include "platform/foundation/NSString.h"
+#include "platform/foundation/SystemPaths.h"
 #include "privileged/ToolStream.h"
 
 namespace {
 
-constexpr const char* kStatusMessage = "Error %d in AuthorizationExecuteWithPrivileges";
+constexpr const char* statusMessage = "Error %d in AuthorizationExecuteWithPrivileges";
 
 std::vector<std::string> report(const std::string& path, std::span<const std::string> properties) {
     std::vector<std::string> lines;
@@ -63,7 +64,7 @@ void NiutilTask::deauthenticate() {
 
 bool NiutilTask::copyRights(AuthorizationFlags flags) {
     // One right serves every tool; the directory tool stands for all of them.
-    const AuthorizationRights rights = {{"system.privilege.admin", "/usr/bin/nicl", 0}};
+    const AuthorizationRights rights = {{"system.privilege.admin", platform::systempath::nicl, 0}};
     AuthorizationRights* granted = nullptr;
     if (AuthorizationCopyRights(authorizationRef, rights, flags, &granted) != errAuthorizationSuccess) {
         return false;
@@ -88,10 +89,11 @@ std::vector<std::string> NiutilTask::currentGroups() const {
     return report("/groups", properties);
 }
 
-NiutilTask::RunResult NiutilTask::runTool(const std::string& tool, std::span<const std::string> arguments) {
+NiutilTask::RunResult NiutilTask::runTool(const std::string& tool, std::span<const std::string> arguments,
+                                          std::optional<std::size_t> secretArgument) {
     std::FILE* stream = nullptr;
     const OSStatus status = AuthorizationExecuteWithPrivileges(
-        authorizationRef, tool, kAuthorizationFlagDefaults, arguments, &stream);
+        authorizationRef, tool, kAuthorizationFlagDefaults, arguments, &stream, secretArgument);
     if (status != errAuthorizationSuccess) {
         return {status, ""};
     }
@@ -110,21 +112,21 @@ bool NiutilTask::runOrStop(const std::string& tool, std::span<const std::string>
     }
     if (result.status != errAuthorizationSuccess) {
         NSBeep();
-        NSLog(kStatusMessage, result.status);
+        NSLog(statusMessage, result.status);
         return false;
     }
     return true;
 }
 
 void NiutilTask::runAndLog(const std::string& tool, std::span<const std::string> arguments,
-                           std::string_view message) {
-    const RunResult result = runTool(tool, arguments);
+                           std::string_view message, std::optional<std::size_t> secretArgument) {
+    const RunResult result = runTool(tool, arguments, secretArgument);
     if (result.output != "") {
         NSBeep();
         NSLog(message, result.output);
     }
     if (result.status != errAuthorizationSuccess) {
         NSBeep();
-        NSLog(kStatusMessage, result.status);
+        NSLog(statusMessage, result.status);
     }
 }

@@ -2,6 +2,7 @@
 
 #include "platform/security/Authorization.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <cstdio>
 #include <optional>
@@ -84,15 +85,18 @@ class NiutilTask {
     bool fetchPassword();
     /// Asks for the administrator right with these flags. True when it is granted.
     [[nodiscard]] bool copyRights(AuthorizationFlags flags);
-    /// Starts the tool as root and reads its standard output to the end.
-    [[nodiscard]] RunResult runTool(const std::string& tool, std::span<const std::string> arguments);
+    /// Starts the tool as root and reads its standard output to the end. `secretArgument` is the index of an
+    /// argument that is shown to nobody.
+    [[nodiscard]] RunResult runTool(const std::string& tool, std::span<const std::string> arguments,
+                                    std::optional<std::size_t> secretArgument = std::nullopt);
 
     // One judged run. `message` is the log's text for unexpected output, with one "%@" for it.
     /// Answers false at the first check that fails: the caller stops there.
     [[nodiscard]] bool runOrStop(const std::string& tool, std::span<const std::string> arguments,
                                  std::string_view message);
     /// Makes both checks, so that one run may log twice: the caller goes on.
-    void runAndLog(const std::string& tool, std::span<const std::string> arguments, std::string_view message);
+    void runAndLog(const std::string& tool, std::span<const std::string> arguments, std::string_view message,
+                   std::optional<std::size_t> secretArgument = std::nullopt);
 
     /// One property of a record to be written, with the log's text for unexpected output.
     struct Property {

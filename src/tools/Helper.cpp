@@ -1,5 +1,6 @@
 #include "tools/Helper.h"
 
+#include "platform/foundation/SystemPaths.h"
 #include "platform/host/EmbeddedRoot.h"
 #include "platform/security/HelperProtocol.h"
 #include "tools/HelperComplaint.h"
@@ -14,6 +15,8 @@
 using platform::Status;
 
 namespace {
+
+namespace systempath = platform::systempath;
 
 using Arguments = std::span<const std::string>;
 
@@ -52,7 +55,7 @@ HelperResult cp(const HelperPlace& place, Arguments arguments) {
     if (arguments.size() != 2) {
         return wrongArguments("cp", "cp SOURCE TARGET");
     }
-    constexpr std::array targets = {"/etc/smb.conf", "/Library/Preferences/com.apple.AppleFileServer.plist"};
+    constexpr std::array targets = {systempath::smbConf, systempath::appleFileServer};
     if (std::ranges::find(targets, arguments[1]) == targets.end()) {
         return said("cp", Status::failure("cannot replace", arguments[1],
                                           "is none of the settings files; only those are replaced"));
@@ -92,12 +95,12 @@ struct Tool {
     HelperResult (*run)(const HelperPlace& place, Arguments arguments);
 };
 
-constexpr std::array<Tool, 6> kTools = {{{"/usr/bin/nicl", nicl},
-                                         {"/usr/bin/dscl", dscl},
-                                         {"/bin/cp", cp},
-                                         {"/usr/sbin/chown", chown},
-                                         {"/bin/chmod", chmod},
-                                         {"/bin/kill", kill}}};
+constexpr std::array<Tool, 6> kTools = {{{systempath::nicl, nicl},
+                                         {systempath::dscl, dscl},
+                                         {systempath::cp, cp},
+                                         {systempath::chown, chown},
+                                         {systempath::chmod, chmod},
+                                         {systempath::kill, kill}}};
 
 const Tool* findTool(const std::string& path) {
     const auto* const found = std::ranges::find(kTools, path, &Tool::path);

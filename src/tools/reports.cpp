@@ -3,16 +3,11 @@
 #include "tools/DirectoryTools.h"
 #include "tools/ToolText.h"
 
-#include <memory>
 #include <vector>
 
 namespace {
 
 constexpr int timeoutSeconds = 30;
-
-struct CloseDomain {
-    void operator()(ni_domain* domain) const { ni_free(domain); }
-};
 
 ToolResult failed(const std::string& tool, const std::string& path, ni_status status) {
     std::string todo = "check the path";
@@ -30,7 +25,7 @@ ToolResult failed(const std::string& tool, const std::string& path, ni_status st
 ni_status readRecord(const std::string& path, std::string* lines) {
     ni_domain* opened = nullptr;
     ni_status status = ni_open(nullptr, ".", &opened);
-    const std::unique_ptr<ni_domain, CloseDomain> domain(opened);
+    const platform::OwnedDomain domain(opened);
     if (status != NI_OK) {
         return status;
     }

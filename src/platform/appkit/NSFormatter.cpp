@@ -3,9 +3,10 @@
 #include "platform/posix/UTF8.h"
 
 #include <algorithm>
+#include <charconv>
 #include <iterator>
-#include <limits>
 #include <stdexcept>
+#include <system_error>
 
 namespace {
 
@@ -41,7 +42,7 @@ std::optional<NSObjectValue> NSFormatter::getObjectValue(const std::string& text
 }
 
 std::optional<std::string> NSFormatter::stringForObjectValue(const NSObjectValue& value) const {
-    if (const auto* number = std::get_if<std::int32_t>(&value)) {
+    if (const auto* number = std::get_if<std::int64_t>(&value)) {
         return std::to_string(*number);
     }
     return std::get<std::string>(value);
@@ -67,25 +68,24 @@ void NSNumberFormatter::setFormat(const std::string& format) {
 
 std::optional<NSObjectValue> NSNumberFormatter::getObjectValue(const std::string& text,
                                                                std::string& error) const {
-    constexpr std::int64_t most = std::numeric_limits<std::int32_t>::max();
-    const bool negative = !text.empty() && text.front() == '-';
-    std::size_t offset = negative ? 1 : 0;
+    std::size_t offset = text.starts_with('-') ? 1 : 0;
+    std::string number = text.substr(0, offset);
     bool isNumber = offset < text.size();
-    std::int64_t value = 0;
     while (isNumber && offset < text.size()) {
         const auto digit = platform::decimalDigitValue(platform::nextCharacter(text, offset));
         isNumber = digit.has_value();
-        value = std::min(value * 10 + digit.value_or(0), most + 1);
+        number += std::to_string(digit.value_or(0));
     }
-    if (!isNumber) {
-        error = "\"" + text + "\" is not a whole number";
+    std::int64_t value = 0;
+    if (!isNumber || std::from_chars(number.data(), number.data() + number.size(), value).ec != std::errc()) {
+        error = "\"" + text + "\" is not a whole number of at most 64 bits";
         return std::nullopt;
     }
-    return static_cast<std::int32_t>(negative ? -value : std::min(value, most));
+    return value;
 }
 
 std::optional<std::string> NSNumberFormatter::stringForObjectValue(const NSObjectValue& value) const {
-    if (const auto* number = std::get_if<std::int32_t>(&value)) {
+    if (const auto* number = std::get_if<std::int64_t>(&value)) {
         return std::to_string(*number);
     }
     return std::nullopt;

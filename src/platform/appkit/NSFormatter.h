@@ -13,8 +13,8 @@ struct NSRange {
     std::size_t length = 0;
 };
 
-/// What a formatter's field holds: a text or a whole number.
-using NSObjectValue = std::variant<std::string, std::int32_t>;
+/// What a formatter's field holds: a string or a whole number.
+using NSObjectValue = std::variant<std::string, std::int64_t>;
 
 /// Checks edits of a text field before they are applied, and turns its text into a value and back. One
 /// formatter may serve several fields. The base class accepts everything.
@@ -45,14 +45,15 @@ namespace platform {
 [[nodiscard]] std::optional<int> decimalDigitValue(char32_t character);
 } // namespace platform
 
-/// Whole numbers. Digits of any script count by their value; a number beyond 32 bits saturates.
+/// Whole numbers. Digits of any script count by their value; a number beyond 64 bits has no value.
 class NSNumberFormatter : public NSFormatter {
   public:
     /// Only "##0" is known: no grouping, no decimals, at least one digit. Throws std::invalid_argument for
     /// another.
     void setFormat(const std::string& format);
 
-    /// The number that the whole text is (optional minus sign, digits); none for an empty or any other text.
+    /// The number that the whole text is (optional minus sign, digits); none for an empty or any other
+    /// string.
     [[nodiscard]] std::optional<NSObjectValue> getObjectValue(const std::string& text,
                                                               std::string& error) const override;
     [[nodiscard]] std::optional<std::string> stringForObjectValue(const NSObjectValue& value) const override;

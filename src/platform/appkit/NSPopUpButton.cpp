@@ -38,7 +38,7 @@ void NSPopUpButton::removeAllItems() {
     didChange();
 }
 
-void NSPopUpButton::setTag(int index, std::int32_t tag) {
+void NSPopUpButton::setTag(int index, std::int64_t tag) {
     if (index < 0 || index >= numberOfItems()) {
         throw std::out_of_range(stringWithFormat("the menu has no item %d to give the tag %d", index, tag));
     }
@@ -49,7 +49,7 @@ int NSPopUpButton::indexOfItemWithTitle(const std::string& title) const {
     return indexOfItem(items_, [&title](const Item& item) { return item.title == title; });
 }
 
-int NSPopUpButton::indexOfItemWithTag(std::int32_t tag) const {
+int NSPopUpButton::indexOfItemWithTag(std::int64_t tag) const {
     return indexOfItem(items_, [tag](const Item& item) { return item.tag == tag; });
 }
 
@@ -60,7 +60,7 @@ std::optional<std::string> NSPopUpButton::titleOfSelectedItem() const {
     return items_[static_cast<std::size_t>(selected_)].title;
 }
 
-std::int32_t NSPopUpButton::tagOfSelectedItem() const {
+std::int64_t NSPopUpButton::tagOfSelectedItem() const {
     return selected_ < 0 ? 0 : items_[static_cast<std::size_t>(selected_)].tag;
 }
 

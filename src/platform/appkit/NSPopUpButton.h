@@ -12,7 +12,7 @@ class NSPopUpButton : public NSControl {
   public:
     struct Item {
         std::string title;
-        std::int32_t tag = 0;
+        std::int64_t tag = 0;
     };
 
     [[nodiscard]] const std::vector<Item>& items() const { return items_; }
@@ -26,12 +26,12 @@ class NSPopUpButton : public NSControl {
     /// Takes all items away; nothing is selected then.
     void removeAllItems();
     /// Gives the item at `index` a tag. Throws std::out_of_range when there is no such item.
-    void setTag(int index, std::int32_t tag);
+    void setTag(int index, std::int64_t tag);
 
     /// The first item with the title, or -1.
     [[nodiscard]] int indexOfItemWithTitle(const std::string& title) const;
     /// The first item with the tag, or -1.
-    [[nodiscard]] int indexOfItemWithTag(std::int32_t tag) const;
+    [[nodiscard]] int indexOfItemWithTag(std::int64_t tag) const;
 
     /// -1 when nothing is selected.
     [[nodiscard]] int indexOfSelectedItem() const { return selected_; }
@@ -39,7 +39,7 @@ class NSPopUpButton : public NSControl {
     /// None when nothing is selected.
     [[nodiscard]] std::optional<std::string> titleOfSelectedItem() const;
     /// 0 when nothing is selected.
-    [[nodiscard]] std::int32_t tagOfSelectedItem() const;
+    [[nodiscard]] std::int64_t tagOfSelectedItem() const;
 
     /// -1 selects nothing. Throws std::out_of_range for another index without an item.
     void selectItemAtIndex(int index);

@@ -279,8 +279,8 @@ void NSMutableDictionary::setBool(bool value, const std::string& key) {
     node_->set(plist_new_bool(value ? 1 : 0), key);
 }
 
-void NSMutableDictionary::setInt(std::int32_t value, const std::string& key) {
-    node_->set(newInteger(std::int64_t{value}), key);
+void NSMutableDictionary::setInt(std::int64_t value, const std::string& key) {
+    node_->set(newInteger(value), key);
 }
 
 void NSMutableDictionary::setString(const std::string& value, const std::string& key) {

@@ -39,7 +39,7 @@ class NSMutableDictionary {
     /// Each replaces the value in its place among the keys, or adds the key at the end. A nested dictionary
     /// that is replaced so is gone: a view of it must not be used any more.
     void setBool(bool value, const std::string& key);
-    void setInt(std::int32_t value, const std::string& key);
+    void setInt(std::int64_t value, const std::string& key);
     void setString(const std::string& value, const std::string& key);
 
     /// The same property list with data of its own.

@@ -12,10 +12,6 @@ namespace {
 
 constexpr std::string_view whiteSpace = " \t\n\v\f\r";
 
-bool isDigit(char character) {
-    return character >= '0' && character <= '9';
-}
-
 char lowered(char character) {
     return character >= 'A' && character <= 'Z' ? static_cast<char>(character - 'A' + 'a') : character;
 }
@@ -27,20 +23,27 @@ std::size_t utf16Units(char32_t character) {
 } // namespace
 
 std::int32_t intValue(std::string_view text) {
-    std::size_t index = std::min(text.find_first_not_of(whiteSpace), text.size());
-    bool isNegative = false;
-    if (index < text.size() && (text[index] == '-' || text[index] == '+')) {
-        isNegative = text[index] == '-';
-        ++index;
-    }
     using Limits = std::numeric_limits<std::int32_t>;
-    std::int64_t value = 0;
-    for (; index < text.size() && isDigit(text[index]); ++index) {
-        const int digit = text[index] - '0';
-        value = value * 10 + (isNegative ? -digit : digit);
-        value = std::clamp<std::int64_t>(value, Limits::min(), Limits::max());
+    return static_cast<std::int32_t>(
+        std::clamp<std::int64_t>(longLongValue(text), Limits::min(), Limits::max()));
+}
+
+std::int64_t longLongValue(std::string_view text) {
+    text.remove_prefix(std::min(text.find_first_not_of(whiteSpace), text.size()));
+    const bool isNegative = text.starts_with('-');
+    if (text.starts_with('+')) {
+        text.remove_prefix(1);
+        if (text.starts_with('-')) {
+            return 0;
+        }
     }
-    return static_cast<std::int32_t>(value);
+    std::int64_t value = 0;
+    const auto result = std::from_chars(text.data(), text.data() + text.size(), value);
+    if (result.ec == std::errc::result_out_of_range) {
+        using Limits = std::numeric_limits<std::int64_t>;
+        return isNegative ? Limits::min() : Limits::max();
+    }
+    return value;
 }
 
 std::vector<std::string> componentsSeparatedByString(std::string_view text, std::string_view separator) {

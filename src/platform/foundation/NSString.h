@@ -12,6 +12,8 @@
 /// The integer that a text begins with: optional white space, an optional sign, decimal digits up to the
 /// first other character. No digits read as 0. Saturates at the bounds of 32 bits.
 [[nodiscard]] std::int32_t intValue(std::string_view text);
+/// The same, saturating at the bounds of 64 bits.
+[[nodiscard]] std::int64_t longLongValue(std::string_view text);
 
 /// `text` cut at every `separator` (not empty): n separators give n + 1 pieces, empty ones included. Read a
 /// piece with `.at()`, so that an unexpected text raises std::out_of_range.

@@ -3,7 +3,6 @@
 #include "platform/netinfo/AccountNumber.h"
 #include "platform/netinfo/ni.h"
 
-#include <memory>
 #include <vector>
 
 #include <cerrno>
@@ -17,18 +16,13 @@ namespace {
 
 constexpr int timeoutSeconds = 30;
 
-struct CloseDomain {
-    void operator()(ni_domain* domain) const { ni_free(domain); }
-};
-
 /// The directory at `path`; null when it cannot be read, which leaves the computer's own accounts.
-std::unique_ptr<ni_domain, CloseDomain> openAt(const std::string& storeFile, const std::string& path,
-                                               ni_id* id) {
+OwnedDomain openAt(const std::string& storeFile, const std::string& path, ni_id* id) {
     ni_domain* opened = nullptr;
     if (ni_openfile(storeFile, &opened) != NI_OK) {
         return nullptr;
     }
-    std::unique_ptr<ni_domain, CloseDomain> domain(opened);
+    OwnedDomain domain(opened);
     ni_setabort(opened, 1);
     ni_setreadtimeout(opened, timeoutSeconds);
     if (ni_root(opened, id) != NI_OK || ni_pathsearch(opened, id, path.c_str()) != NI_OK) {

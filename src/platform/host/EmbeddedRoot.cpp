@@ -1,5 +1,6 @@
 #include "platform/host/EmbeddedRoot.h"
 
+#include "platform/foundation/SystemPaths.h"
 #include "platform/host/RootContents.h"
 #include "platform/netinfo/Store.h"
 #include "platform/posix/FileDescriptor.h"
@@ -23,8 +24,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr const char* smbConf = "/etc/smb.conf";
-constexpr const char* appleFileServerPlist = "/Library/Preferences/com.apple.AppleFileServer.plist";
 constexpr const char* exampleFolder = "/Shared/Example";
 
 Status failure(const std::string& what, const std::string& why) {
@@ -67,10 +66,10 @@ Status makeFiles(const EmbeddedRoot& root) {
     const std::string example = root.folder() + exampleFolder;
     Status status = makeFolder(example);
     if (status.isOk()) {
-        status = makeFile(root.map(smbConf), sampleSmbConf(example));
+        status = makeFile(root.map(systempath::smbConf), sampleSmbConf(example));
     }
     if (status.isOk()) {
-        status = makeFile(root.map(appleFileServerPlist), sampleAppleFileServerPlist());
+        status = makeFile(root.map(systempath::appleFileServer), sampleAppleFileServerPlist());
     }
     return status.isOk() ? SambaAccounts(root.sambaPaths()).makeFolders() : status;
 }
@@ -120,11 +119,11 @@ std::string EmbeddedRoot::storeFile() const {
 }
 
 SambaPaths EmbeddedRoot::sambaPaths() const {
-    return {folder_ + "/samba", map(smbConf), storeFile()};
+    return {folder_ + "/samba", map(systempath::smbConf), storeFile()};
 }
 
 std::string EmbeddedRoot::map(const std::string& path) const {
-    return path == smbConf || path == appleFileServerPlist ? folder_ + path : path;
+    return path == systempath::smbConf || path == systempath::appleFileServer ? folder_ + path : path;
 }
 
 Status EmbeddedRoot::makeIfMissing() const {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -75,3 +76,14 @@ void ni_idlist_free(ni_idlist* list);
 void ni_free(ni_domain* domain);
 /// The text for a status.
 [[nodiscard]] const char* ni_error(ni_status status);
+
+namespace platform {
+
+struct CloseDomain {
+    void operator()(ni_domain* domain) const { ni_free(domain); }
+};
+
+/// A connection that is closed with its owner.
+using OwnedDomain = std::unique_ptr<ni_domain, CloseDomain>;
+
+} // namespace platform

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <cstdint>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -79,8 +80,24 @@ Result<std::string> readAll(int descriptor, const std::string& name, std::size_t
 }
 
 Result<std::string> readWholeFile(const std::string& path) {
-    const FileDescriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
-    return file.isOpen() ? readAll(file.get(), path) : Status::ofErrno(cannotRead, path, errno);
+    // Without O_NONBLOCK a pipe would be waited for until somebody writes to it.
+    const FileDescriptor file(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
+
+    struct stat status {};
+
+    if (!file.isOpen() || ::fstat(file.get(), &status) != 0) {
+        return Status::ofErrno(cannotRead, path, errno);
+    }
+    if (S_ISDIR(status.st_mode)) {
+        return Status::ofErrno(cannotRead, path, EISDIR);
+    }
+    if (!S_ISREG(status.st_mode)) {
+        return Status::failure(cannotRead, path, "it is not a regular file");
+    }
+    if (static_cast<std::uintmax_t>(status.st_size) > largestWholeFile) {
+        return Status::ofErrno(cannotRead, path, EFBIG);
+    }
+    return readAll(file.get(), path);
 }
 
 Status writeAll(int descriptor, std::string_view bytes, const std::string& name) {

@@ -26,7 +26,11 @@ inline constexpr std::size_t noLimit = static_cast<std::size_t>(-1);
 [[nodiscard]] Result<std::string> readAll(int descriptor, const std::string& name,
                                           std::size_t limit = noLimit);
 
-/// The bytes of the file at `path`, links followed. systemError() is ENOENT for a missing one.
+/// What is larger is no settings file, and reading it would take all memory. In bytes.
+inline constexpr std::size_t largestWholeFile = std::size_t{64} << 20;
+
+/// The bytes of the file at `path`, links followed. systemError() is ENOENT for a missing one, EFBIG for one
+/// larger than largestWholeFile. Only a regular file is read: a pipe or a device may never end.
 [[nodiscard]] Result<std::string> readWholeFile(const std::string& path);
 
 /// Writes all of `bytes` to `descriptor`, which blocks. `name` is what a failure is about; some of the bytes

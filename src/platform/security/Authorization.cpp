@@ -62,12 +62,13 @@ class ToolOutput {
     std::string seen_;
 };
 
-/// `arguments` as they may be shown: what follows an account's path after -passwd is a password.
-std::vector<std::string> shownArguments(const std::string& tool, std::span<const std::string> arguments) {
+/// `arguments` as they may be shown.
+std::vector<std::string> shownArguments(std::span<const std::string> arguments,
+                                        std::optional<std::size_t> secretArgument) {
     std::vector<std::string> shown;
-    const bool setsPassword = tool == "/usr/bin/dscl" && arguments.size() > 3 && arguments[1] == "-passwd";
+    shown.reserve(arguments.size());
     for (std::size_t index = 0; index < arguments.size(); ++index) {
-        shown.push_back(setsPassword && index >= 3 ? "********" : arguments[index]);
+        shown.push_back(index == secretArgument ? "********" : arguments[index]);
     }
     return shown;
 }
@@ -122,12 +123,13 @@ OSStatus AuthorizationFree(AuthorizationRef authorization, AuthorizationFlags fl
 
 OSStatus AuthorizationExecuteWithPrivileges(AuthorizationRef authorization, const std::string& tool,
                                             AuthorizationFlags /*options*/,
-                                            std::span<const std::string> arguments, std::FILE** stream) {
+                                            std::span<const std::string> arguments, std::FILE** stream,
+                                            std::optional<std::size_t> secretArgument) {
     if (authorization == nullptr) {
         return errAuthorizationInvalidRef;
     }
     platform::Host& host = platform::Host::current();
-    host.presenter().toolWillRun(tool, shownArguments(tool, arguments));
+    host.presenter().toolWillRun(tool, shownArguments(arguments, secretArgument));
     int descriptor = -1;
     const OSStatus status =
         host.authority().execute(*authorization, tool, arguments, stream != nullptr ? &descriptor : nullptr);

@@ -2,8 +2,10 @@
 
 #include "platform/security/Authority.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <cstdio>
+#include <optional>
 #include <span>
 #include <string>
 #include <vector>
@@ -27,7 +29,9 @@ OSStatus AuthorizationFree(AuthorizationRef authorization, AuthorizationFlags fl
 /// Starts `tool` as root (on the embedded host: as the user) with `arguments`. On success `*stream` (when
 /// `stream` is not null) is the tool's standard output, to be closed with fclose. The answer says only
 /// whether the tool started. The presenter is told before the start, and of the output when the stream's end
-/// has been read.
+/// has been read. `secretArgument` is the index of an argument that must not be shown; the presenter gets
+/// "********" in its place.
 OSStatus AuthorizationExecuteWithPrivileges(AuthorizationRef authorization, const std::string& tool,
                                             AuthorizationFlags options,
-                                            std::span<const std::string> arguments, std::FILE** stream);
+                                            std::span<const std::string> arguments, std::FILE** stream,
+                                            std::optional<std::size_t> secretArgument = std::nullopt);

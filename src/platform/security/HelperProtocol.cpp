@@ -1,5 +1,7 @@
 #include "platform/security/HelperProtocol.h"
 
+#include "platform/foundation/SystemPaths.h"
+
 #include <array>
 #include <cerrno>
 
@@ -45,7 +47,7 @@ std::optional<HelperStart> readStart(int descriptor) {
 } // namespace
 
 bool waitsForCommit(std::string_view tool) {
-    return tool == "/usr/bin/nicl";
+    return tool == systempath::nicl;
 }
 
 std::string frameHeader(std::size_t size) {

@@ -1,0 +1,114 @@
+#pragma once
+
+#include "directory/ReportLine.h"
+#include "platform/foundation/NSString.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+// The records of the directory as its reports show them. A line that lacks a piece raises std::out_of_range.
+
+inline constexpr std::int64_t highestSystemUserId = 99;
+inline constexpr std::int64_t highestSystemGroupId = 100;
+/// The system takes the one above for "no id".
+inline constexpr std::int64_t highestPossibleId = 4294967294;
+
+/// The id in a field of a report; none where the field holds no number.
+[[nodiscard]] inline std::optional<std::int64_t> idInField(std::string_view field) {
+    const std::size_t first = field.find_first_not_of(" \t\n\v\f\r+-");
+    const bool isNumber = first != std::string_view::npos && field[first] >= '0' && field[first] <= '9';
+    return isNumber ? std::optional(longLongValue(field)) : std::nullopt;
+}
+
+/// The short names of a member field.
+[[nodiscard]] inline std::vector<std::string> memberNames(const std::string& field) {
+    if (field.empty() || field == reportNoValue) {
+        return {};
+    }
+    return componentsSeparatedByString(field, ",");
+}
+
+struct ShareRecord {
+    explicit ShareRecord(std::string_view line) : ShareRecord(piecesOfReportLine(line)) {}
+
+    explicit ShareRecord(std::vector<std::string> pieces)
+        : name(std::move(pieces.at(0))), folder(std::move(pieces.at(1))), afpShared(std::move(pieces.at(2))),
+          afpName(std::move(pieces.at(3))), inheritsPrivileges(pieces.at(4) == "1"),
+          inheritsOwner(pieces.at(5) == "1") {}
+
+    std::string name;
+    std::string folder;
+    std::string afpShared;
+    std::string afpName;
+    bool inheritsPrivileges;
+    bool inheritsOwner;
+};
+
+struct UserRecord {
+    explicit UserRecord(std::string_view line) : UserRecord(piecesOfReportLine(line)) {}
+
+    explicit UserRecord(std::vector<std::string> pieces)
+        : name(std::move(pieces.at(0))), uid(std::move(pieces.at(1))), sharesPublicFolder(isShared(pieces)),
+          fullName(std::move(pieces.at(3))), gid(std::move(pieces.at(4))) {}
+
+    std::string name;
+    std::string uid;
+    bool sharesPublicFolder;
+    std::string fullName;
+    std::string gid; ///< the primary group's id
+
+    /// 0 without a number.
+    [[nodiscard]] std::int64_t id() const { return longLongValue(uid); }
+
+    [[nodiscard]] bool isSystem() const { return id() <= highestSystemUserId; }
+
+  private:
+    [[nodiscard]] static bool isShared(const std::vector<std::string>& pieces) {
+        constexpr std::size_t wholeReport = 6;
+        constexpr std::array<std::string_view, 3> notShared = {"<no entry>", "<no value>", reportNoValue};
+        return pieces.size() == wholeReport && std::ranges::find(notShared, pieces.at(2)) == notShared.end();
+    }
+};
+
+struct GroupRecord {
+    explicit GroupRecord(std::string_view line) : GroupRecord(piecesOfReportLine(line)) {}
+
+    explicit GroupRecord(std::vector<std::string> pieces)
+        : gid(std::move(pieces.at(0))), name(std::move(pieces.at(1))), memberField(std::move(pieces.at(2))) {}
+
+    std::string gid;
+    std::string name;
+    std::string memberField;
+
+    /// 0 without a number.
+    [[nodiscard]] std::int64_t id() const { return longLongValue(gid); }
+
+    /// Three groups with low ids are what users are put into: they are always listed.
+    [[nodiscard]] bool isSystem() const {
+        return id() <= highestSystemGroupId && name != "staff" && name != "admin" && name != "guest";
+    }
+
+    [[nodiscard]] std::vector<std::string> members() const { return memberNames(memberField); }
+};
+
+template <class Record>
+[[nodiscard]] std::vector<Record> recordsOfReport(const std::vector<std::string>& lines) {
+    std::vector<Record> records;
+    records.reserve(lines.size());
+    for (const std::string& line : lines) {
+        records.emplace_back(line);
+    }
+    return records;
+}
+
+/// True when the short name is a member of the first group named "admin".
+[[nodiscard]] inline bool isAdminUser(const std::vector<GroupRecord>& groups, const std::string& shortName) {
+    const auto admin = std::ranges::find(groups, std::string_view("admin"), &GroupRecord::name);
+    return admin != groups.end() && std::ranges::count(admin->members(), shortName) > 0;
+}
