@@ -23,6 +23,7 @@ int runWindow(Application& application, char** argv) {
     QtFrontend window(argc, argv, QtFrontend::Manner::Interactive);
     application.setPresenter(window.presenter());
     application.load();
+    window.useReviewer(*application.reviewer());
     const int status = window.run([&] { application.launch(); });
     application.end();
     return status;
@@ -33,6 +34,7 @@ int takeSnapshots(Application& application, char** argv, const std::string& fold
     QtFrontend window(argc, argv, QtFrontend::Manner::Silent);
     application.setPresenter(window.presenter());
     application.load();
+    window.useReviewer(*application.reviewer());
     application.launch();
     std::string error;
     const bool taken = window.takeSnapshots(folder, error);

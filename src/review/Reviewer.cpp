@@ -129,6 +129,12 @@ bool Reviewer::hasSMBConfChangedOnDisk() const {
            contentsOfFile(model->Path()).valueOr("") != model->textOnDisk();
 }
 
+bool Reviewer::hasUnwrittenSMBConf() const {
+    const SMBConf* model = controller().smbConfModel();
+    return model != nullptr && model->unreadableReason().empty() &&
+           model->writtenText() != SMBConf::ofText(model->textOnDisk())->writtenText();
+}
+
 std::vector<Remark> Reviewer::serverReadsOtherwise(const std::string& share) const {
     std::vector<Remark> remarks;
     if (const SMBConf* model = controller().smbConfModel()) {

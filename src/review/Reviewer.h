@@ -41,6 +41,8 @@ class Reviewer {
     void reread() const;
     /// Whether smb.conf on disk is another than what was read or written last.
     [[nodiscard]] bool hasSMBConfChangedOnDisk() const;
+    /// Whether the model of smb.conf holds a change that did not reach the disk.
+    [[nodiscard]] bool hasUnwrittenSMBConf() const;
     /// Where the SMB server reads smb.conf otherwise than the window shows it: a remark for each, "[NAME]"
     /// and the line named. Only those of the section `share` where it is not empty.
     [[nodiscard]] std::vector<Remark> serverReadsOtherwise(const std::string& share = "") const;

@@ -11,6 +11,7 @@
 namespace {
 
 constexpr const char* keyProperty = "keyEquivalent";
+constexpr const char* modelProperty = "model";
 constexpr int imageSize = 24;
 
 /// The image in its file; a null icon where there is none, or Qt has no reader for it: the button then shows
@@ -41,6 +42,7 @@ QAbstractButton* makeButton(const platform::InterfaceNode& node, WindowActions& 
         widget->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
     }
     widget->setProperty(keyProperty, shown(button.keyEquivalent()));
+    widget->setProperty(modelProperty, QVariant::fromValue<const void*>(&button));
     auto* binding = new Binding(widget, queue, button.changed, [widget, &button, withImage] {
         widget->setEnabled(button.isEnabled());
         widget->setText(title(button.title()));
@@ -60,6 +62,10 @@ QAbstractButton* makeButton(const platform::InterfaceNode& node, WindowActions& 
         actions.use(node);
     });
     return widget;
+}
+
+const NSButton* modelOfButton(const QAbstractButton& button) {
+    return static_cast<const NSButton*>(button.property(modelProperty).value<const void*>());
 }
 
 QString keyEquivalentOf(const QAbstractButton& button) {

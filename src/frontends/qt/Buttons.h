@@ -2,6 +2,7 @@
 
 #include "frontends/qt/Binding.h"
 #include "frontends/qt/WindowActions.h"
+#include "platform/appkit/NSButton.h"
 #include "platform/appkit/NSMatrix.h"
 
 #include <QAbstractButton>
@@ -11,6 +12,9 @@
 /// The widget of the node's push button or check box. `node` and `actions` outlive it.
 [[nodiscard]] QAbstractButton* makeButton(const platform::InterfaceNode& node, WindowActions& actions,
                                           RefreshQueue& queue);
+
+/// The model behind a button that makeButton made, or null.
+[[nodiscard]] const NSButton* modelOfButton(const QAbstractButton& button);
 
 /// The key that presses a button of this window, or an empty text: "\r" or "\033".
 [[nodiscard]] QString keyEquivalentOf(const QAbstractButton& button);

@@ -59,6 +59,10 @@ std::shared_ptr<platform::Presenter> QtFrontend::presenter() const {
     return implementation_->presenter;
 }
 
+void QtFrontend::useReviewer(review::Reviewer& reviewer) {
+    implementation_->presenter->useReviewer(reviewer);
+}
+
 int QtFrontend::run(const std::function<void()>& launch) {
     QtPresenter& presenter = *implementation_->presenter;
     QTimer::singleShot(0, &implementation_->application, [&presenter, &launch] {

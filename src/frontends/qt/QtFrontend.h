@@ -6,6 +6,10 @@
 #include <memory>
 #include <string>
 
+namespace review {
+class Reviewer;
+}
+
 /// The window front-end: the Qt application object, and the presenter that renders every interface file that
 /// is loaded. One a process at a time, main thread only. Made before the interface is loaded:
 ///
@@ -36,6 +40,10 @@ class QtFrontend {
 
     /// For Host::setPresenter, before an interface is loaded.
     [[nodiscard]] std::shared_ptr<platform::Presenter> presenter() const;
+
+    /// Has the main window ask before an action that holds a warning, and offer what a reviewer can tell.
+    /// After the main interface was loaded; `reviewer` outlives the windows.
+    void useReviewer(review::Reviewer& reviewer);
 
     /// Shows the main window, calls `launch` as the first event, and runs the event loop until the
     /// application has terminated. Answers the exit status. All windows are gone when it returns, so the

@@ -3,6 +3,7 @@
 #include "frontends/qt/Dialogs.h"
 #include "frontends/qt/NodeAttributes.h"
 #include "frontends/qt/TableView.h"
+#include "frontends/qt/WindowReview.h"
 #include "platform/foundation/NSLog.h"
 
 #include <QApplication>
@@ -117,6 +118,12 @@ void QtPresenter::interfaceDidLoad(Interface& interface) {
         if (window->kind() == NSWindowKind::Main && mainWidget_ == nullptr) {
             mainWidget_ = &views_.back()->widget();
         }
+    }
+}
+
+void QtPresenter::useReviewer(review::Reviewer& reviewer) {
+    if (auto* window = qobject_cast<QMainWindow*>(mainWidget_)) {
+        new WindowReview(reviewer, *window, *actions_.front(), *queue_); // the window's child
     }
 }
 

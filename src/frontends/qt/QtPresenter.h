@@ -37,6 +37,9 @@ class QtPresenter : public platform::Presenter {
     /// The view of a window, or null.
     [[nodiscard]] WindowView* viewOf(const NSWindow& window) const;
 
+    /// Gives the main window its side of the review.
+    void useReviewer(review::Reviewer& reviewer);
+
     [[nodiscard]] RefreshQueue& queue() const { return *queue_; }
 
     /// Takes all windows and timers down, for good.

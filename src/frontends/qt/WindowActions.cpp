@@ -63,6 +63,9 @@ void WindowActions::use(const InterfaceNode& node) {
                             std::nullopt, question) == NSAlertAlternateReturn;
         if (isMeant) {
             perform(node);
+            if (used_ && control != nullptr) {
+                used_(control->action().operation);
+            }
         }
     });
 }

@@ -3,7 +3,9 @@
 #include "frontends/qt/Binding.h"
 #include "platform/appkit/Interface.h"
 
+#include <functional>
 #include <string>
+#include <utility>
 
 class NSTableView;
 
@@ -18,6 +20,9 @@ class WindowActions {
 
     /// A user clicked the node's button or menu item.
     void use(const platform::InterfaceNode& node);
+
+    /// `used` is told the operation of each control that was used so, after its action.
+    void setUsed(std::function<void(const std::string& operation)> used) { used_ = std::move(used); }
 
     /// The node's text in which "%@" is what its field `about` shows now.
     [[nodiscard]] std::string textAbout(const platform::InterfaceNode& node,
@@ -40,4 +45,5 @@ class WindowActions {
 
     const platform::Interface& interface_;
     RefreshQueue& queue_;
+    std::function<void(const std::string&)> used_;
 };

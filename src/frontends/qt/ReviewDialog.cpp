@@ -1,0 +1,215 @@
+#include "frontends/qt/ReviewDialog.h"
+
+#include "frontends/qt/Binding.h"
+#include "platform/foundation/NSBundle.h"
+
+#include <QDialog>
+#include <QDialogButtonBox>
+#include <QFontDatabase>
+#include <QLabel>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QScrollArea>
+#include <QStyle>
+#include <QVBoxLayout>
+
+namespace {
+
+constexpr int dialogWidth = 560;
+constexpr int markSize = 32;
+constexpr int detailsHeight = 200;
+constexpr int mostRowsHeight = 300;
+
+QString localized(const char* key) {
+    return shown(NSLocalizedString(key));
+}
+
+QLabel* paragraph(const QString& text) {
+    auto* label = new QLabel(text);
+    label->setTextFormat(Qt::PlainText);
+    label->setWordWrap(true);
+    label->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    label->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Minimum);
+    return label;
+}
+
+QLabel* heading(const QString& text) {
+    QLabel* label = paragraph(text);
+    QFont bold = label->font();
+    bold.setBold(true);
+    label->setFont(bold);
+    return label;
+}
+
+/// Sentences below each other, each with a mark of its own.
+QWidget* sentenceList(const std::vector<std::string>& sentences, const QString& mark) {
+    auto* list = new QWidget;
+    auto* grid = new QGridLayout(list);
+    grid->setContentsMargins(0, 0, 0, 0);
+    grid->setColumnStretch(1, 1);
+    int row = 0;
+    for (const std::string& sentence : sentences) {
+        auto* point = new QLabel(mark.isEmpty() ? QString::number(row + 1) + QLatin1Char('.') : mark);
+        grid->addWidget(point, row, 0, Qt::AlignTop | Qt::AlignRight);
+        grid->addWidget(paragraph(shown(sentence)), row, 1);
+        ++row;
+    }
+    return list;
+}
+
+/// What a person would type, and the lines of smb.conf that go and come.
+QString detailsOf(const review::Plan& plan) {
+    QString text;
+    for (const review::PlannedRun& run : plan.runs) {
+        text += shown(run.tool);
+        for (const std::string& argument : run.arguments) {
+            text += QLatin1Char(' ') + shown(argument);
+        }
+        text += QLatin1Char('\n');
+    }
+    if (!plan.smbConfLines.empty()) {
+        text += QLatin1String("\n/etc/smb.conf\n");
+    }
+    for (const review::LineChange& line : plan.smbConfLines) {
+        const bool goes = line.kind == review::LineChange::Kind::Goes;
+        text += QLatin1String(goes ? "- " : "+ ") + shown(line.line) + QLatin1Char('\n');
+    }
+    for (const review::SettingChange& setting : plan.afpSettings) {
+        text += shown(setting.key + ": \"" + setting.before + "\" -> \"" + setting.after + "\"\n");
+    }
+    return text;
+}
+
+/// The dialog; its buttons are the caller's.
+class ReviewDialog : public QDialog {
+  public:
+    ReviewDialog(const review::Plan& plan, QWidget* parent)
+        : QDialog(parent), layout_(new QVBoxLayout(this)) {
+        setObjectName("review");
+        setWindowTitle(localized("Review"));
+        setMinimumWidth(dialogWidth);
+        layout_->setContentsMargins(20, 20, 20, 16);
+        layout_->setSpacing(12);
+        layout_->addWidget(scrolled(contentsOf(plan)), 1);
+        addDetails(plan);
+        buttons_ = new QDialogButtonBox;
+        if (details_ != nullptr) {
+            auto* toggle = buttons_->addButton(localized("Details"), QDialogButtonBox::ActionRole);
+            toggle->setObjectName("reviewDetails");
+            toggle->setAutoDefault(false);
+            toggle->setCheckable(true);
+            connect(toggle, &QPushButton::toggled, this, [this](bool isOn) {
+                details_->setVisible(isOn);
+                adjustSize();
+            });
+        }
+        layout_->addWidget(buttons_);
+    }
+
+    QPushButton* addButton(const char* key, QDialogButtonBox::ButtonRole role, bool isDefault) {
+        auto* button = buttons_->addButton(localized(key), role);
+        button->setAutoDefault(isDefault);
+        button->setDefault(isDefault);
+        connect(button, &QPushButton::clicked, this, [this, role] {
+            done(role == QDialogButtonBox::AcceptRole ? QDialog::Accepted : QDialog::Rejected);
+        });
+        if (isDefault) {
+            button->setFocus();
+        }
+        return button;
+    }
+
+  private:
+    QWidget* contentsOf(const review::Plan& plan) {
+        auto* contents = new QWidget;
+        auto* rows = new QVBoxLayout(contents);
+        rows->setContentsMargins(0, 0, 0, 0);
+        rows->setSpacing(10);
+        if (!plan.failure.empty()) {
+            rows->addWidget(paragraph(shown(plan.failure)));
+        }
+        if (!plan.blocks.empty()) {
+            rows->addWidget(heading(localized("This cannot be done:")));
+            rows->addWidget(sentenceList({plan.blocks.front().sentence}, QStringLiteral("✕")));
+        }
+        if (!plan.warnings.empty()) {
+            rows->addLayout(warningsOf(plan));
+        }
+        const std::vector<std::string> steps = review::sentencesOf(plan);
+        if (!steps.empty()) {
+            rows->addWidget(heading(localized("These are the steps:")));
+            rows->addWidget(sentenceList(steps, QString()));
+        } else if (plan.failure.empty() && plan.blocks.empty()) {
+            rows->addWidget(paragraph(localized("This changes nothing.")));
+        }
+        rows->addStretch(1);
+        return contents;
+    }
+
+    QLayout* warningsOf(const review::Plan& plan) const {
+        auto* row = new QHBoxLayout;
+        row->setSpacing(14);
+        auto* mark = new QLabel;
+        mark->setPixmap(style()->standardIcon(QStyle::SP_MessageBoxWarning).pixmap(markSize));
+        mark->setAccessibleName(localized("Warning"));
+        row->addWidget(mark, 0, Qt::AlignTop);
+        auto* text = new QVBoxLayout;
+        text->addWidget(heading(localized("Before you go on:")));
+        std::vector<std::string> sentences;
+        for (const review::Remark& warning : plan.warnings) {
+            sentences.push_back(warning.sentence);
+        }
+        text->addWidget(sentenceList(sentences, QStringLiteral("•")));
+        row->addLayout(text, 1);
+        return row;
+    }
+
+    /// As high as the contents, up to a limit from which on they scroll.
+    QScrollArea* scrolled(QWidget* contents) {
+        auto* area = new QScrollArea;
+        area->setFrameShape(QFrame::NoFrame);
+        area->setWidgetResizable(true);
+        area->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+        area->setWidget(contents);
+        const int width = dialogWidth - 60;
+        const int height =
+            contents->hasHeightForWidth() ? contents->heightForWidth(width) : contents->sizeHint().height();
+        area->setMinimumHeight(std::min(height + 4, mostRowsHeight));
+        return area;
+    }
+
+    void addDetails(const review::Plan& plan) {
+        const QString text = detailsOf(plan);
+        if (text.isEmpty()) {
+            return;
+        }
+        details_ = new QPlainTextEdit(text);
+        details_->setObjectName("reviewDetailsText");
+        details_->setReadOnly(true);
+        details_->setTabChangesFocus(true);
+        details_->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
+        details_->setLineWrapMode(QPlainTextEdit::NoWrap);
+        details_->setMinimumHeight(detailsHeight);
+        details_->hide();
+        layout_->addWidget(details_);
+    }
+
+    QVBoxLayout* layout_;
+    QPlainTextEdit* details_ = nullptr; ///< null when there are none
+    QDialogButtonBox* buttons_ = nullptr;
+};
+
+} // namespace
+
+bool askAboutPlan(const review::Plan& plan, QWidget* parent) {
+    ReviewDialog dialog(plan, parent);
+    dialog.addButton("Go On", QDialogButtonBox::AcceptRole, false);
+    dialog.addButton("Cancel", QDialogButtonBox::RejectRole, true);
+    return dialog.exec() == QDialog::Accepted;
+}
+
+void showPlan(const review::Plan& plan, QWidget* parent) {
+    ReviewDialog dialog(plan, parent);
+    dialog.addButton("Close", QDialogButtonBox::RejectRole, true);
+    dialog.exec();
+}

@@ -1,0 +1,12 @@
+#pragma once
+
+#include "review/Plan.h"
+
+class QWidget;
+
+/// Asks whether an action is to be performed: its warnings, its steps in words, and behind "Details" the
+/// commands and the lines of smb.conf that change. "Cancel" is the default. True for "Go On".
+[[nodiscard]] bool askAboutPlan(const review::Plan& plan, QWidget* parent);
+
+/// Shows the same of an action that is not performed, whatever it holds.
+void showPlan(const review::Plan& plan, QWidget* parent);

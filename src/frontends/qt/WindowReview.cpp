@@ -1,0 +1,180 @@
+#include "frontends/qt/WindowReview.h"
+
+#include "frontends/qt/Buttons.h"
+#include "frontends/qt/ReviewDialog.h"
+#include "frontends/qt/WindowActions.h"
+#include "platform/appkit/NSAlert.h"
+#include "platform/appkit/NSButton.h"
+#include "platform/foundation/NSBundle.h"
+#include "platform/foundation/NSUserDefaults.h"
+
+#include <QAction>
+#include <QBoxLayout>
+#include <QEvent>
+#include <QFrame>
+#include <QLabel>
+#include <QMenu>
+#include <QMenuBar>
+#include <QPushButton>
+#include <QTimer>
+
+namespace {
+
+constexpr const char* reviewAllKey = "BrindleReviewEveryChange";
+constexpr const char* shareTable = "normalTableView";
+
+QString localized(const char* key) {
+    return shown(NSLocalizedString(key));
+}
+
+/// The box layout that holds the widget itself, and the widget's place in it.
+QBoxLayout* layoutAround(QLayout* layout, const QWidget* widget, int* place) {
+    for (int index = 0; layout != nullptr && index < layout->count(); ++index) {
+        if (layout->itemAt(index)->widget() == widget) {
+            *place = index;
+            return qobject_cast<QBoxLayout*>(layout);
+        }
+        if (QBoxLayout* found = layoutAround(layout->itemAt(index)->layout(), widget, place)) {
+            return found;
+        }
+    }
+    return nullptr;
+}
+
+/// The button nearest to `from` whose action changes something, in the same box, else on the same page, and
+/// so on outwards. Of several, the one that Return presses. Null when there is none.
+const NSButton* changingButtonNear(const QWidget* from, const QWidget& window) {
+    for (const QWidget* around = from == nullptr ? &window : from; around != nullptr;
+         around = around == &window ? nullptr : around->parentWidget()) {
+        const NSButton* found = nullptr;
+        for (const QAbstractButton* button : around->findChildren<QAbstractButton*>()) {
+            const NSButton* model = modelOfButton(*button);
+            const bool isCandidate = model != nullptr && button->isVisible() && button->isEnabled() &&
+                                     review::Reviewer::isWriting(model->action().operation);
+            if (isCandidate && (found == nullptr || model->keyEquivalent() == "\r")) {
+                found = model;
+            }
+        }
+        if (found != nullptr) {
+            return found;
+        }
+    }
+    return nullptr;
+}
+
+} // namespace
+
+WindowReview::WindowReview(review::Reviewer& reviewer, QMainWindow& window, WindowActions& actions,
+                           RefreshQueue& queue)
+    : QObject(&window), reviewer_(reviewer), window_(window), actions_(actions), queue_(queue) {
+    addMenu();
+    addNotice();
+    window.installEventFilter(this);
+    reviewer.setQuestion([this](const review::Plan& plan) { return ask(plan); });
+    actions.setUsed([this](const std::string& operation) { actionWasUsed(operation); });
+}
+
+WindowReview::~WindowReview() {
+    reviewer_.setQuestion(nullptr);
+    actions_.setUsed(nullptr);
+}
+
+bool WindowReview::reviewsAll() const {
+    return NSUserDefaults::standardUserDefaults().integerForKey(reviewAllKey).value_or(0) != 0;
+}
+
+bool WindowReview::ask(const review::Plan& plan) {
+    const bool isWorthAsking = !plan.warnings.empty() || (reviewsAll() && !plan.runs.empty());
+    return !isWorthAsking || askAboutPlan(plan, &window_);
+}
+
+void WindowReview::addMenu() {
+    QList<QAction*> menus = window_.menuBar()->actions();
+    auto* menu = new QMenu(localized("Changes"), window_.menuBar());
+    // The last menu is the help's, as everywhere.
+    window_.menuBar()->insertMenu(menus.isEmpty() ? nullptr : menus.constLast(), menu);
+    menu->addAction(localized("What Would This Do?"), this, [this] { planButtonInUse(); })
+        ->setObjectName("whatWouldThisDo");
+    reviewAll_ = menu->addAction(localized("Review Every Change"));
+    reviewAll_->setObjectName("reviewEveryChange");
+    reviewAll_->setCheckable(true);
+    reviewAll_->setChecked(reviewsAll());
+    connect(reviewAll_, &QAction::toggled, this,
+            [](bool isOn) { NSUserDefaults::standardUserDefaults().setInteger(isOn ? 1 : 0, reviewAllKey); });
+    menu->addSeparator();
+    menu->addAction(localized("Read smb.conf Again"), this, [this] { reread(); })->setObjectName("readAgain");
+}
+
+void WindowReview::planButtonInUse() {
+    const QWidget* focus = window_.focusWidget();
+    const auto* button = qobject_cast<const QAbstractButton*>(focus);
+    const NSButton* model = button == nullptr ? nullptr : modelOfButton(*button);
+    if (model == nullptr || !review::Reviewer::isWriting(model->action().operation)) {
+        model = changingButtonNear(focus, window_);
+    }
+    if (model == nullptr) {
+        NSRunAlertPanel(
+            NSLocalizedString("What Would This Do?"), "%@", NSLocalizedString("OK"), std::nullopt,
+            std::nullopt,
+            NSLocalizedString("Put the cursor into a form, or on a button, whose changes you want to see."));
+        return;
+    }
+    showPlan(reviewer_.planPress(*model), &window_);
+}
+
+void WindowReview::addNotice() {
+    auto* table = window_.findChild<QWidget*>(shareTable);
+    int place = 0;
+    QBoxLayout* layout = table == nullptr || table->parentWidget() == nullptr
+                             ? nullptr
+                             : layoutAround(table->parentWidget()->layout(), table, &place);
+    if (layout == nullptr) {
+        return;
+    }
+    notice_ = new QFrame;
+    notice_->setObjectName("changedOutside");
+    notice_->setFrameShape(QFrame::StyledPanel);
+    auto* row = new QHBoxLayout(notice_);
+    auto* text = new QLabel(
+        localized("Another program has changed smb.conf since it was read.  What you see here is older."));
+    text->setWordWrap(true);
+    QPalette warning = text->palette();
+    warning.setColor(QPalette::WindowText, warningColor);
+    text->setPalette(warning);
+    row->addWidget(text, 1);
+    auto* button = new QPushButton(localized("Read smb.conf Again"));
+    button->setAutoDefault(false);
+    connect(button, &QPushButton::clicked, this, [this] { reread(); });
+    row->addWidget(button);
+    notice_->hide();
+    layout->insertWidget(place, notice_);
+}
+
+void WindowReview::showNotice() {
+    if (notice_ != nullptr) {
+        notice_->setVisible(reviewer_.hasSMBConfChangedOnDisk());
+    }
+}
+
+void WindowReview::reread() {
+    dispatchUserEvent(queue_, [this] { reviewer_.reread(); });
+    showNotice();
+}
+
+void WindowReview::actionWasUsed(const std::string& operation) {
+    if (!review::Reviewer::isWriting(operation)) {
+        return;
+    }
+    if (reviewer_.hasUnwrittenSMBConf()) {
+        reviewer_.reread();
+    }
+    showNotice();
+}
+
+bool WindowReview::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() == QEvent::WindowActivate) {
+        // After the window's own handling, and not while an alert is going away.
+        QTimer::singleShot(0, this, [this] { showNotice(); });
+    }
+    return QObject::eventFilter(watched, event);
+}

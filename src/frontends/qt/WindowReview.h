@@ -1,0 +1,46 @@
+#pragma once
+
+#include "frontends/qt/Binding.h"
+#include "review/Reviewer.h"
+
+#include <QMainWindow>
+#include <QObject>
+
+class QAction;
+class QFrame;
+class WindowActions;
+
+/// The window's side of the review: asks before an action that holds a warning, has the menu "Changes", says
+/// above the share table when smb.conf was changed by somebody else, and reads it again after a write that
+/// failed, so that no later save carries a change of which the user was told that it had failed. A child of
+/// the main window's widget.
+class WindowReview : public QObject {
+  public:
+    /// All but `window`, whose child it becomes, are kept.
+    WindowReview(review::Reviewer& reviewer, QMainWindow& window, WindowActions& actions,
+                 RefreshQueue& queue);
+
+    ~WindowReview() override;
+
+    /// A user's event has used the control with this operation.
+    void actionWasUsed(const std::string& operation);
+
+  protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+  private:
+    void addMenu();
+    void addNotice();
+    void showNotice();
+    void reread();
+    void planButtonInUse();
+    [[nodiscard]] bool ask(const review::Plan& plan);
+    [[nodiscard]] bool reviewsAll() const;
+
+    review::Reviewer& reviewer_;
+    QMainWindow& window_;
+    WindowActions& actions_;
+    RefreshQueue& queue_;
+    QFrame* notice_ = nullptr;
+    QAction* reviewAll_ = nullptr;
+};

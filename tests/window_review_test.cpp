@@ -1,0 +1,110 @@
+// The review in the application's own window.
+
+#include "review/Reviewer.h"
+#include "support/MainWindowFixture.h"
+
+#include <QFrame>
+#include <QPlainTextEdit>
+
+namespace {
+
+class WindowReviewTest : public MainWindow {
+  protected:
+    void openWith(const std::string& smbConf) {
+        host.write("etc/smb.conf", smbConf);
+        open();
+        reviewer = std::make_unique<review::Reviewer>(*interface);
+        frontend->useReviewer(*reviewer);
+        QApplication::processEvents();
+    }
+
+    void TearDown() override {
+        MainWindow::TearDown();
+        reviewer.reset();
+    }
+
+    void fillShare(const QString& name) {
+        clickTitled("Edit Share");
+        typeInto("shareName", name);
+        typeInto("directory", QString::fromStdString(host.root().string()));
+        control<NSPopUpButton>("sharingSMB").performSelect(1);
+        QApplication::processEvents();
+    }
+
+    [[nodiscard]] bool isOnDisk(const std::string& text) const {
+        return host.read("etc/smb.conf").find(text) != std::string::npos;
+    }
+
+    std::unique_ptr<review::Reviewer> reviewer;
+};
+
+constexpr const char* handWritten = "[global]\nworkgroup = HOME\na line that says nothing\n";
+
+TEST_F(WindowReviewTest, AnActionWithAWarningIsAskedAboutAndOnlyGoOnPerformsIt) {
+    openWith(handWritten);
+    fillShare("Films");
+    answer({"Cancel"});
+    click("createNewShare");
+    EXPECT_EQ(asked, QStringList{"Review"});
+    EXPECT_TRUE(lastText.contains("a line that says nothing")) << lastText.toStdString();
+    EXPECT_TRUE(lastText.contains("/config/Brindle/Films")) << lastText.toStdString();
+    EXPECT_TRUE(host.runs.empty());
+    EXPECT_FALSE(isOnDisk("[Films]"));
+    answer({"Go On"});
+    click("createNewShare");
+    EXPECT_EQ(asked, QStringList{"Review"});
+    EXPECT_TRUE(isOnDisk("[Films]"));
+}
+
+TEST_F(WindowReviewTest, EveryChangeIsReviewedOnDemandAndAPlanChangesNothing) {
+    openWith("");
+    showPage(4);
+    typeInto("smbWorkGroup", "OFFICE");
+    answer({"Close"});
+    useMenu("What Would This Do?");
+    EXPECT_EQ(asked, QStringList{"Review"});
+    EXPECT_TRUE(lastText.contains("/etc/smb.conf")) << lastText.toStdString();
+    EXPECT_TRUE(host.runs.empty());
+    useMenu("Review Every Change");
+    showPage(0);
+    fillShare("Films");
+    answer({"Details", "Cancel"});
+    click("createNewShare");
+    EXPECT_EQ(asked, (QStringList{"Review", "Review"}));
+    EXPECT_FALSE(isOnDisk("[Films]"));
+}
+
+TEST_F(WindowReviewTest, AFileThatSomebodyElseChangedIsNamedAboveTheSharesUntilItIsReadAgain) {
+    openWith("[Films]\npath = /films\n");
+    auto& notice = widget<QFrame>("changedOutside");
+    EXPECT_FALSE(notice.isVisible());
+    host.write("etc/smb.conf", "[Music]\npath = /music\n");
+    QEvent activated(QEvent::WindowActivate);
+    QApplication::sendEvent(&widget<QWidget>("mainWindow"), &activated);
+    QTest::qWait(5);
+    ASSERT_TRUE(notice.isVisible());
+    clickTitled("Read smb.conf Again");
+    EXPECT_FALSE(notice.isVisible());
+    EXPECT_EQ(columnOf("normalTableView", "ShareName"), std::vector<std::string>{"Music"});
+}
+
+TEST_F(WindowReviewTest, AfterACopyThatFailedTheWindowShowsWhatIsOnDisk) {
+    openWith("[global]\nworkgroup = HOME\n");
+    host.onRun = [](const RecordedRun& run) {
+        return TestHost::RunAnswer{run.tool == "/bin/cp" ? "no room\n" : "", 0};
+    };
+    host.allowUnaskedAlerts();
+    showPage(4);
+    typeInto("smbWorkGroup", "OFFICE");
+    answer({"Go On", "OK"});
+    for (auto* button : widget<QWidget>("smbPropsTabView").window()->findChildren<QPushButton*>()) {
+        if (button->isVisible() && button->text() == "Save") {
+            QTest::mouseClick(button, Qt::LeftButton);
+        }
+    }
+    EXPECT_TRUE(asked.contains("smb.conf Write Unsuccessful")) << asked.join(", ").toStdString();
+    EXPECT_EQ(text("smbWorkGroup"), "HOME");
+    EXPECT_FALSE(reviewer->hasUnwrittenSMBConf());
+}
+
+} // namespace
