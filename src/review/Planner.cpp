@@ -8,6 +8,7 @@
 #include "review/TextDifference.h"
 #include "review/Warnings.h"
 
+#include <exception>
 #include <map>
 
 namespace review {
@@ -59,31 +60,40 @@ void compare(const WorkingCopy& copy, Plan* plan) {
     }
 }
 
+/// Works the plan out on a copy that was made. Throws what keeps the application from being copied.
+void workOut(const platform::Interface& main, const std::shared_ptr<WorkingCopy>& copy,
+             const RehearsedAction& action, PlanDepth depth, Plan* plan) {
+    const auto& now = *static_cast<const BRController*>(main.owner());
+    const std::string storeBefore = platform::Host::current().localDomain().storeFile();
+    plan->smbConfBefore = bytesOf(smbConf);
+    const std::string afpBefore = bytesOf(afpSettings);
+    Rehearsal rehearsal(main, copy, plan);
+    rehearsal.perform([&] { action(rehearsal); });
+    copy->settle();
+    compare(*copy, plan);
+    plan->afpSettings = settingChanges(afpBefore, bytesOf(copy->settingsFile(afpSettings)));
+    plan->blocks = blocksOf(*plan, now);
+    if (plan->blocks.empty() && depth == PlanDepth::Warnings) {
+        plan->warnings = warningsOf({*plan, now, rehearsal.controller(), DirectoryView(storeBefore),
+                                     DirectoryView(copy->storeFile())});
+    }
+}
+
 } // namespace
 
 Plan planOf(const platform::Interface& main, const std::string& operation, const RehearsedAction& action,
             PlanDepth depth) {
     Plan plan;
     plan.operation = operation;
-    const std::string storeBefore = platform::Host::current().localDomain().storeFile();
-    const auto made = WorkingCopy::make();
-    if (!made.isOk()) {
-        plan.failure = made.status().text();
+    const auto copy = WorkingCopy::make();
+    if (!copy.isOk()) {
+        plan.failure = copy.status().text();
         return plan;
     }
-    const std::shared_ptr<WorkingCopy>& copy = *made;
-    plan.smbConfBefore = bytesOf(smbConf);
-    const std::string afpBefore = bytesOf(afpSettings);
-    Rehearsal rehearsal(main, copy, &plan);
-    rehearsal.perform([&] { action(rehearsal); });
-    copy->settle();
-    compare(*copy, &plan);
-    plan.afpSettings = settingChanges(afpBefore, bytesOf(copy->settingsFile(afpSettings)));
-    plan.blocks = blocksOf(plan, *static_cast<const BRController*>(main.owner()));
-    if (plan.blocks.empty() && depth == PlanDepth::Warnings) {
-        const auto& now = *static_cast<const BRController*>(main.owner());
-        plan.warnings = warningsOf({plan, now, rehearsal.controller(), DirectoryView(storeBefore),
-                                    DirectoryView(copy->storeFile())});
+    try {
+        workOut(main, *copy, action, depth, &plan);
+    } catch (const std::exception& error) { // as when the interface file was replaced meanwhile
+        plan.failure = error.what();
     }
     return plan;
 }
