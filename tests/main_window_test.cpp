@@ -64,6 +64,9 @@ TEST_F(MainWindow, AShareIsMadeInTheDrawerAndNamedBesideItsDeletion) {
     EXPECT_EQ(columnOf("normalTableView", "DirectoryPath"), std::vector<std::string>{folder});
     EXPECT_NE(host.read("etc/smb.conf").find("[Films]"), std::string::npos);
     EXPECT_EQ(widget<QLabel>("selectedShareName").text(), "Films");
+    // The folder counts as chosen: what belongs to it is as it is on disk.
+    EXPECT_EQ(control<NSPopUpButton>("ownerPrivs").indexOfSelectedItem(), 0);
+    EXPECT_TRUE(host.panels.empty());
     // The button says what it would do to the name as it is typed.
     EXPECT_EQ(widget<QPushButton>("createNewShare").text(), "Update Share");
     typeInto("shareName", "Filmsx");

@@ -6,6 +6,7 @@
 #include <QMimeData>
 
 #include <algorithm>
+#include <utility>
 
 LineEdit::LineEdit(NSTextField& field, RefreshQueue& queue) : field_(field), queue_(queue) {
     if (field.isSecure()) {
@@ -71,6 +72,7 @@ bool LineEdit::propose(const QString& text, int caret, const Caret& before) {
     bool taken = false;
     NSApp().dispatch(
         [&] { taken = field_.proposeEdit(text.toStdString(), static_cast<std::size_t>(caret), selection); });
+    isEdited_ = isEdited_ || taken;
     return taken;
 }
 
@@ -99,6 +101,9 @@ void LineEdit::userEdited(const QString& text) {
 
 void LineEdit::endEditing() {
     dispatchUserEvent(queue_, [this] { field_.endEditing(); });
+    if (std::exchange(isEdited_, false)) {
+        Q_EMIT left();
+    }
 }
 
 void LineEdit::focusOutEvent(QFocusEvent* event) {
@@ -150,4 +155,7 @@ void LineEdit::dropEvent(QDropEvent* event) {
     caret = std::max(position, caret - static_cast<int>(proposed.size() - taken.size()));
     restore(taken, {.position = caret, .selectionStart = position, .selectionLength = caret - position});
     queue_.flush();
+    if (!hasFocus()) {
+        endEditing(); // nobody will leave it
+    }
 }

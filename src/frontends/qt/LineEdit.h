@@ -18,6 +18,10 @@ class LineEdit : public QLineEdit {
     /// about to act on the field while it keeps the focus (a menu's shortcut).
     void endEditing();
 
+  Q_SIGNALS:
+    /// The user is done with the field after having changed its text.
+    void left();
+
   protected:
     void focusOutEvent(QFocusEvent* event) override;
     void inputMethodEvent(QInputMethodEvent* event) override;
@@ -41,9 +45,10 @@ class LineEdit : public QLineEdit {
 
     NSTextField& field_;
     RefreshQueue& queue_;
-    Caret before_;     ///< as of the last state that was not an edit under way
-    Caret dragged_;    ///< as it was when a drag came over the field
-    QString accepted_; ///< the text that the field has agreed to, as it is shown
+    Caret before_;          ///< as of the last state that was not an edit under way
+    Caret dragged_;         ///< as it was when a drag came over the field
+    QString accepted_;      ///< the text that the field has agreed to, as it is shown
+    bool isEdited_ = false; ///< by the user, since the field was left
     bool loading_ = false;
     bool holdsCaret_ = false; ///< `before_` stays as it is, whatever Qt tells
 };

@@ -52,6 +52,9 @@ AlertAnswer QtPresenter::runAlert(const platform::Alert& alert) {
 }
 
 std::optional<std::string> QtPresenter::runOpenPanel(const platform::OpenPanelRequest& request) {
+    if (panelAnswer_) {
+        return panelAnswer_;
+    }
     return asks() ? askPath(request, parentForDialogs()) : std::nullopt;
 }
 
@@ -106,6 +109,8 @@ void QtPresenter::interfaceDidLoad(Interface& interface) {
     const bool animated =
         manner_ == QtFrontend::Manner::Interactive && QGuiApplication::platformName() != "offscreen";
     actions_.push_back(std::make_unique<WindowActions>(interface, *queue_));
+    actions_.back()->setPanelAnswer(
+        [this](std::optional<std::string> path) { panelAnswer_ = std::move(path); });
     for (const auto& node : interface.root().children) {
         auto* window = modelOf<NSWindow>(*node);
         if (window == nullptr) {

@@ -58,6 +58,7 @@ class QtPresenter : public platform::Presenter {
     std::unique_ptr<FrameTimers> timers_;
     std::vector<platform::Interface*> interfaces_;
     std::vector<std::unique_ptr<WindowActions>> actions_; ///< outlive the views; one an interface
+    std::optional<std::string> panelAnswer_;              ///< of the next open panel, which is not shown then
     unsigned refusedIn_ = 0; ///< the user's event in which the administrator refused last
     int refusals_ = 0;       ///< how often in that event
     std::vector<std::unique_ptr<WindowView>> views_; ///< the main window's first

@@ -203,6 +203,9 @@ QWidget* WidgetBuilder::makeTextField(const InterfaceNode& node) {
     if (const int width = number(node, "maxWidth"); width > 0) {
         edit->setMaximumWidth(width);
     }
+    if (!node.attribute("chooses").empty()) {
+        QObject::connect(edit, &LineEdit::left, edit, [this, &node] { actions_.fieldWasLeft(node); });
+    }
     return edit;
 }
 

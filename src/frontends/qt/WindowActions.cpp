@@ -10,6 +10,9 @@
 #include "platform/appkit/NSWindow.h"
 #include "platform/foundation/NSBundle.h"
 
+#include <filesystem>
+#include <system_error>
+
 using platform::InterfaceNode;
 
 namespace {
@@ -67,6 +70,25 @@ void WindowActions::use(const InterfaceNode& node) {
                 used_(control->action().operation);
             }
         }
+    });
+}
+
+void WindowActions::fieldWasLeft(const InterfaceNode& node) {
+    const std::string& operation = node.attribute("chooses");
+    const auto* field = modelOf<NSTextField>(node);
+    NSControl* chooser = operation.empty() ? nullptr : interface_.findWiredTo(operation);
+    if (field == nullptr || chooser == nullptr || !answerPanel_) {
+        return;
+    }
+    const std::string path = field->stringValue();
+    std::error_code ignored; // a folder that cannot be looked at is none that can be chosen
+    if (!path.starts_with('/') || !std::filesystem::is_directory(path, ignored)) {
+        return;
+    }
+    dispatchUserEvent(queue_, [this, chooser, &path] {
+        answerPanel_(path);
+        chooser->sendAction();
+        answerPanel_(std::nullopt);
     });
 }
 

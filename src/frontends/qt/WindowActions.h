@@ -4,6 +4,7 @@
 #include "platform/appkit/Interface.h"
 
 #include <functional>
+#include <optional>
 #include <string>
 #include <utility>
 
@@ -23,6 +24,16 @@ class WindowActions {
 
     /// `used` is told the operation of each control that was used so, after its action.
     void setUsed(std::function<void(const std::string& operation)> used) { used_ = std::move(used); }
+
+    /// A user has changed a field and left it: where the field `chooses`, a folder in it counts as chosen in
+    /// the panel that this operation opens, so that what belongs to the folder is filled in from the disk.
+    void fieldWasLeft(const platform::InterfaceNode& node);
+
+    /// `answer` is given what the next open panel returns without being shown, and none when it is to be
+    /// shown again.
+    void setPanelAnswer(std::function<void(std::optional<std::string> path)> answer) {
+        answerPanel_ = std::move(answer);
+    }
 
     /// The node's text in which "%@" is what its field `about` shows now.
     [[nodiscard]] std::string textAbout(const platform::InterfaceNode& node,
@@ -46,4 +57,5 @@ class WindowActions {
     const platform::Interface& interface_;
     RefreshQueue& queue_;
     std::function<void(const std::string&)> used_;
+    std::function<void(std::optional<std::string>)> answerPanel_;
 };

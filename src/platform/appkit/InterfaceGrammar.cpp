@@ -40,7 +40,8 @@ Attributes joined(std::initializer_list<Attributes> parts) {
 std::vector<ElementRule> controlRules() {
     const Attributes common = joined({named, sized, control});
     return {
-        {"textField", "textField", joined({common, field}), {}},
+        // What is typed into the field counts in the window as chosen in the panel that `chooses` opens.
+        {"textField", "textField", joined({common, field, {{"chooses", Word}}}), {}},
         {"secureField", "secureField", joined({common, field}), {}},
         {"button",
          "button",
