@@ -252,11 +252,11 @@ TEST_F(SettingsTest, AnEmptyFileGetsBothSections) {
     type("smbWINSServer", "10.0.0.1");
     app().smbHideDotFiles->performClick();
     EXPECT_EQ(savedConf(),
-              ";[homes]\n;browseable = no\n;read only = no\n\n\n"
+              ";[homes]\n;browseable = yes\n;read only = yes\n\n\n"
               "[global]\nnetbios name = MAC\nmax connections = 7\nworkgroup = OFFICE\n"
               "wins server = 10.0.0.1\nserver string = Files\nmap to guest = Bad User\nsecurity = USER\n"
-              "dos charset = CP437\nhide files = /Icon/\nlocal master = no\nveto files = /*.exe/\n"
-              "hide dot files = yes\n\n\n"
+              "dos charset = CP850\nhide files = /Icon/\nlocal master = yes\nveto files = /*.exe/\n"
+              "hide dot files = no\n\n\n"
               "\n\n"); // the empty entry of an empty file
     EXPECT_EQ(takeRuns().back(), restartSMBRun);
 }
@@ -275,8 +275,8 @@ TEST_F(SettingsTest, ChangesReachTheFirstPairAndNothingElse) {
     app().smbCodePage->performSelect(app().smbCodePage->indexOfItemWithTag(437));
     EXPECT_EQ(savedConf(),
               "# top\n\n\n[global]\nworkgroup = TWO\nlocal master = no\nworkgroup = TWO\nsecurity = USER\n"
-              "dos charset = CP437\nprinting = bsd\nmap to guest = Bad User\nhide dot files = no\n\n\n"
-              "[homes]\ncomment = Home\nread only = yes\nbrowseable = no\n\n\n");
+              "dos charset = CP437\nprinting = bsd\nmap to guest = Bad User\nhide dot files = yes\n\n\n"
+              "[homes]\ncomment = Home\nread only = yes\nbrowseable = yes\n\n\n");
     app().smbSecurity->performSelect(1);
     EXPECT_NE(
         savedConf().find("security = SHARE\ndos charset = CP437\nprinting = bsd\nmap to guest = Never\n"),
@@ -294,17 +294,18 @@ TEST_F(SettingsTest, CommentedOutHomesBecomeLiveAndBack) {
     send("refreshSMBProperties:");
     EXPECT_EQ(app().smbSecurity->numberOfItems(), 3) << "the item is there already";
     const std::string global =
-        "[global]\nsecurity = DOMAIN\ndos charset = UTF8\nlocal master = no\nhide dot files = no\n\n\n";
+        "[global]\nsecurity = DOMAIN\ndos charset = UTF8\nlocal master = yes\nhide dot files = yes\n\n\n";
     app().smbShareHomeDirs->performClick();
     EXPECT_TRUE(app().smbHomeDirsBrowseable->isEnabled());
-    EXPECT_EQ(savedConf(), global + "[homes]\nbrowseable = yes\npath = /h\nread only = no\n; note\n\n\n");
+    EXPECT_EQ(savedConf(), global + "[homes]\nbrowseable = yes\npath = /h\nread only = yes\n; note\n\n\n");
     app().smbShareHomeDirs->performClick();
     EXPECT_FALSE(app().smbHomeDirsBrowseable->isEnabled());
-    EXPECT_EQ(savedConf(), global + ";[homes]\n;browseable = yes\n;path = /h\n;read only = no\n; note\n\n\n");
+    EXPECT_EQ(savedConf(),
+              global + ";[homes]\n;browseable = yes\n;path = /h\n;read only = yes\n; note\n\n\n");
 }
 
 TEST_F(SettingsTest, RevertDropsWhatWasTypedAndARefreshOnlyWhatTheFileHolds) {
-    startWithConf("[global]\nworkgroup = A\nhide dot files = yes\nsecurity = DOMAIN\n");
+    startWithConf("[global]\nworkgroup = A\nhide dot files = no\nsecurity = DOMAIN\n");
     const auto shown = [this] {
         return text("smbWorkGroup") + "|" + text("smbWINSServer") + "|" +
                std::to_string(app().smbWorkGroupMaster->state()) +
@@ -318,9 +319,9 @@ TEST_F(SettingsTest, RevertDropsWhatWasTypedAndARefreshOnlyWhatTheFileHolds) {
     app().smbWorkGroupMaster->performClick();
     app().smbHideDotFiles->performClick();
     app().smbSecurity->performSelect(1);
-    app().smbCodePage->performSelect(3);
+    app().smbCodePage->performSelect(4);
     send("refreshSMBProperties:");
-    EXPECT_EQ(shown(), "A|10.0.0.1|11|DOMAIN|850");
+    EXPECT_EQ(shown(), "A|10.0.0.1|00|DOMAIN|852");
     send("revertSMBProperties:");
     EXPECT_EQ(shown(), first);
 }
@@ -341,9 +342,9 @@ TEST_F(SettingsTest, AFailedSMBWriteIsShownAndTheServerRestartedAllTheSame) {
     EXPECT_EQ(takeRuns().back(), restartSMBRun);
 
     host.onRun = [this](const RecordedRun& run) { return carryOut(run); };
-    EXPECT_EQ(savedConf(), ";[homes]\n;browseable = no\n;read only = no\n\n\n"
+    EXPECT_EQ(savedConf(), ";[homes]\n;browseable = yes\n;read only = yes\n\n\n"
                            "[global]\nworkgroup = B\nmap to guest = Bad User\nsecurity = USER\n"
-                           "dos charset = CP437\nlocal master = no\nhide dot files = no\n\n\n");
+                           "dos charset = CP850\nlocal master = yes\nhide dot files = yes\n\n\n");
 }
 
 TEST_F(SettingsTest, AValueThatNamesNoCodePageStopsTheFillingAndNotTheStart) {

@@ -14,6 +14,7 @@ constexpr int shareSecurityItem = 1;
 constexpr int firstOtherSecurityItem = 2;
 // A code page's name is its number after "CP".
 constexpr std::size_t codePagePrefixLength = 2;
+constexpr std::int32_t serversCodePage = 850; // where the file names none
 
 /// Goes through the keys of the "global" section that the tab shows, in the order in which they are written.
 template <class Visitor>
@@ -135,13 +136,16 @@ class Writer {
     SMBShare& section_;
 };
 
-/// Puts the window's first values back.
+/// Puts the window's first values back: what the server does where its file says nothing, so that saving one
+/// setting changes no other.
 struct Resetter {
     static void text(std::string_view /*key*/, NSTextField& field) { field.setStringValue(""); }
 
-    static void flag(std::string_view /*key*/, NSButton& box) { box.setState(NSOffState); }
+    static void flag(std::string_view /*key*/, NSButton& box) { box.setState(NSOnState); }
 
-    static void codePage(std::string_view /*key*/, NSPopUpButton& menu) { menu.selectItemAtIndex(0); }
+    static void codePage(std::string_view /*key*/, NSPopUpButton& menu) {
+        menu.selectItemAtIndex(menu.indexOfItemWithTag(serversCodePage));
+    }
 
     static void security(std::string_view /*key*/, NSPopUpButton& menu) { menu.selectItemAtIndex(0); }
 };

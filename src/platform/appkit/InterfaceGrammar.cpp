@@ -61,7 +61,7 @@ std::vector<ElementRule> controlRules() {
          joined({common, {{"title", Text}, {"state", Choice, "on|off"}, {"rowOf", Word}, indent}}),
          {}},
         {"popUp", "popUp", joined({common, {{"typeAhead", YesNo}}}), {"popUpItem"}},
-        {"popUpItem", "item", {{"title", Text, "", true}, {"tag", Integer}}, {}},
+        {"popUpItem", "item", {{"title", Text, "", true}, {"tag", Integer}, {"selected", YesNo}}, {}},
         {"matrix",
          "matrix",
          joined({common, {{"rows", Size, "", true}, {"columns", Size, "", true}, indent}}),

@@ -47,6 +47,9 @@ std::unique_ptr<Element> makePopUp(const InterfaceNode& node) {
     for (const auto& item : node.children) {
         menu->addItemWithTitle(item->attribute("title"));
         menu->setTag(menu->numberOfItems() - 1, ::intValue(item->attribute("tag")));
+        if (isYes(*item, "selected")) {
+            menu->selectItemAtIndex(menu->numberOfItems() - 1);
+        }
     }
     return menu;
 }
