@@ -41,19 +41,16 @@ QLabel* heading(const QString& text) {
     return label;
 }
 
-/// Sentences below each other, each with a mark of its own.
-QWidget* sentenceList(const std::vector<std::string>& sentences, const QString& mark) {
-    auto* list = new QWidget;
-    auto* grid = new QGridLayout(list);
-    grid->setContentsMargins(0, 0, 0, 0);
-    grid->setColumnStretch(1, 1);
-    int row = 0;
+/// Sentences below each other, each with a mark or number of its own. Names in them stay as they are,
+/// whatever they hold.
+QLabel* sentenceList(const std::vector<std::string>& sentences, const char* element) {
+    QString html = QLatin1String("<style>li { margin-bottom: 4px; }</style><") + QLatin1String(element) +
+                   QLatin1String(" style='margin: 0; -qt-list-indent: 1'>");
     for (const std::string& sentence : sentences) {
-        auto* point = new QLabel(mark.isEmpty() ? QString::number(row + 1) + QLatin1Char('.') : mark);
-        grid->addWidget(point, row, 0, Qt::AlignTop | Qt::AlignRight);
-        grid->addWidget(paragraph(shown(sentence)), row, 1);
-        ++row;
+        html += QLatin1String("<li>") + shown(sentence).toHtmlEscaped() + QLatin1String("</li>");
     }
+    QLabel* list = paragraph(html + QLatin1String("</") + QLatin1String(element) + QLatin1Char('>'));
+    list->setTextFormat(Qt::RichText);
     return list;
 }
 
@@ -130,7 +127,7 @@ class ReviewDialog : public QDialog {
         }
         if (!plan.blocks.empty()) {
             rows->addWidget(heading(localized("This cannot be done:")));
-            rows->addWidget(sentenceList({plan.blocks.front().sentence}, QStringLiteral("✕")));
+            rows->addWidget(sentenceList({plan.blocks.front().sentence}, "ul"));
         }
         if (!plan.warnings.empty()) {
             rows->addLayout(warningsOf(plan));
@@ -138,7 +135,7 @@ class ReviewDialog : public QDialog {
         const std::vector<std::string> steps = review::sentencesOf(plan);
         if (!steps.empty()) {
             rows->addWidget(heading(localized("These are the steps:")));
-            rows->addWidget(sentenceList(steps, QString()));
+            rows->addWidget(sentenceList(steps, "ol"));
         } else if (plan.failure.empty() && plan.blocks.empty()) {
             rows->addWidget(paragraph(localized("This changes nothing.")));
         }
@@ -159,7 +156,8 @@ class ReviewDialog : public QDialog {
         for (const review::Remark& warning : plan.warnings) {
             sentences.push_back(warning.sentence);
         }
-        text->addWidget(sentenceList(sentences, QStringLiteral("•")));
+        text->addWidget(sentenceList(sentences, "ul"));
+        text->addStretch(1);
         row->addLayout(text, 1);
         return row;
     }
