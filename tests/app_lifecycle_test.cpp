@@ -148,11 +148,11 @@ TEST_F(Launch, AConfigurationThatShowsInPartIsWarnedAboutUntilItsSettingsAreSave
     host.write("etc/smb.conf", "[global]\ndos charset = C\nserver string = not shown\n");
     start();
     const std::string notice = "Only a part of the SMB settings could be shown.";
-    EXPECT_TRUE(text("smbConfNotice").starts_with(notice)) << text("smbConfNotice");
-    EXPECT_NE(text("smbConfNotice").find((host.root() / "etc/smb.conf").string()), std::string::npos);
+    EXPECT_TRUE(text("smbPartNotice").starts_with(notice)) << text("smbPartNotice");
+    EXPECT_NE(text("smbPartNotice").find((host.root() / "etc/smb.conf").string()), std::string::npos);
 
     send("revertSMBProperties:");
-    EXPECT_TRUE(text("smbConfNotice").starts_with(notice)) << text("smbConfNotice");
+    EXPECT_TRUE(text("smbPartNotice").starts_with(notice)) << text("smbPartNotice");
     EXPECT_TRUE(isLogged("email a copy of your smb.conf file"));
 
     type("shareName", "Docs");
@@ -160,16 +160,16 @@ TEST_F(Launch, AConfigurationThatShowsInPartIsWarnedAboutUntilItsSettingsAreSave
     control<NSPopUpButton>("sharingSMB").performSelect(1);
     send("createShare:");
     EXPECT_NE(host.read("etc/smb.conf").find("[Docs]"), std::string::npos);
-    EXPECT_TRUE(text("smbConfNotice").starts_with(notice)) << "a share's write changes none of the settings";
+    EXPECT_TRUE(text("smbPartNotice").starts_with(notice)) << "a share's write changes none of the settings";
 
     send("updateSMBProperties:");
-    EXPECT_EQ(text("smbConfNotice"), "");
+    EXPECT_EQ(text("smbPartNotice"), "");
 
     host.write("etc/smb.conf", "stray\n[global]\ndos charset = C\n");
     load();
     controller->applicationDidFinishLaunching();
     EXPECT_NE(text("smbConfNotice").find("line 1 stands outside a section"), std::string::npos);
-    EXPECT_NE(text("smbConfNotice").find(notice), std::string::npos);
+    EXPECT_NE(text("smbPartNotice").find(notice), std::string::npos);
 }
 
 TEST_F(Launch, AConfigurationThatCannotBeReadIsWarnedAboutAsLongAsItIsNotSaved) {

@@ -107,4 +107,24 @@ TEST_F(WindowReviewTest, AfterACopyThatFailedTheWindowShowsWhatIsOnDisk) {
     EXPECT_FALSE(reviewer->hasUnwrittenSMBConf());
 }
 
+TEST_F(WindowReviewTest, APageThatIsShownInPartCannotBeSavedUntilTheFileWasMended) {
+    openWith("[global]\nworkgroup = A\ndos charset = 8\nwins server = late\n");
+    showPage(4);
+    const auto save = [this] {
+        for (auto* button : widget<QWidget>("mainWindow").findChildren<QPushButton*>()) {
+            if (button->text() == "Save" && button->isVisible()) {
+                return button;
+            }
+        }
+        throw std::logic_error("the page has no button Save");
+    };
+    EXPECT_TRUE(widget<QLabel>("smbPartNotice").isVisible());
+    EXPECT_FALSE(save()->isEnabled());
+    host.write("etc/smb.conf", "[global]\nworkgroup = B\nwins server = late\n");
+    clickTitled("Revert");
+    EXPECT_EQ(text("smbWorkGroup") + text("smbWINSServer"), "Blate");
+    EXPECT_TRUE(save()->isEnabled());
+    EXPECT_FALSE(widget<QLabel>("smbPartNotice").isVisible());
+}
+
 } // namespace

@@ -200,15 +200,15 @@ void BRController::showSMBConfNotice() {
                               "it as smb.conf.previous until you save again: copy it if you need it."),
             file, lossesText(smbConf->lossNotices()));
     }
-    if (smbSettingsInPart) {
-        notice += notice.empty() ? "" : "  ";
-        notice += stringWithFormat(
-            NSLocalizedString(
-                "Only a part of the SMB settings could be shown.  Saving them would change those "
-                "that are not shown: mend the global section of %@ first, and start again."),
-            file);
-    }
     smbConfNotice->setStringValue(notice);
+    smbPartNotice->setStringValue(
+        smbSettingsInPart
+            ? stringWithFormat(
+                  NSLocalizedString("Only a part of the SMB settings could be shown.  Saving them "
+                                    "would change those that are not shown: mend the global "
+                                    "section of %@ first, and read it again."),
+                  file)
+            : "");
 }
 
 void BRController::showLockState(bool authenticated) {

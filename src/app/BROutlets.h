@@ -34,6 +34,8 @@ struct BROutlets : platform::OutletOwner {
         "selectedShareName", selectedShareName); ///< beside deleteButton: the share that it would delete
     NSTextField* smbConfNotice =
         outlet("smbConfNotice", smbConfNotice); ///< what writing smb.conf would lose of a hand-written file
+    NSTextField* smbPartNotice =
+        outlet("smbPartNotice", smbPartNotice); ///< that the SMB page shows a part of the settings only
     NSTableView* userTableView = outlet("userTableView", userTableView);
     NSTableView* groupTableView = outlet("groupTableView", groupTableView);
     NSTableView* groupUsersTableView = outlet("groupUsersTableView", groupUsersTableView);

@@ -2,6 +2,7 @@
 
 #include "frontends/qt/NodeAttributes.h"
 #include "platform/appkit/NSButton.h"
+#include "platform/appkit/NSTextField.h"
 
 #include <QCheckBox>
 #include <QGridLayout>
@@ -43,8 +44,10 @@ QAbstractButton* makeButton(const platform::InterfaceNode& node, WindowActions& 
     }
     widget->setProperty(keyProperty, shown(button.keyEquivalent()));
     widget->setProperty(modelProperty, QVariant::fromValue<const void*>(&button));
-    auto* binding = new Binding(widget, queue, button.changed, [widget, &button, withImage] {
-        widget->setEnabled(button.isEnabled());
+    // While that notice says something, the button would do harm.
+    auto* notice = actions.find<NSTextField>(node.attribute("offWith"));
+    auto* binding = new Binding(widget, queue, button.changed, [widget, &button, withImage, notice] {
+        widget->setEnabled(button.isEnabled() && (notice == nullptr || notice->stringValue().empty()));
         widget->setText(title(button.title()));
         if (withImage) {
             widget->setIcon(iconOf(button));
@@ -54,6 +57,9 @@ QAbstractButton* makeButton(const platform::InterfaceNode& node, WindowActions& 
             widget->setChecked(button.state() == NSOnState);
         }
     });
+    if (notice != nullptr) {
+        new Binding(widget, queue, notice->changed, [binding] { binding->markDirty(); });
+    }
     if (node.attribute("tabStop") == "no") {
         widget->setFocusPolicy(Qt::ClickFocus);
     }

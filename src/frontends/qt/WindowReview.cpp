@@ -5,6 +5,7 @@
 #include "frontends/qt/WindowActions.h"
 #include "platform/appkit/NSAlert.h"
 #include "platform/appkit/NSButton.h"
+#include "platform/appkit/NSTextField.h"
 #include "platform/foundation/NSBundle.h"
 #include "platform/foundation/NSUserDefaults.h"
 
@@ -22,6 +23,7 @@ namespace {
 
 constexpr const char* reviewAllKey = "BrindleReviewEveryChange";
 constexpr const char* shareTable = "normalTableView";
+constexpr const char* revertOperation = "revertSMBProperties:";
 
 QString localized(const char* key) {
     return shown(NSLocalizedString(key));
@@ -151,6 +153,11 @@ void WindowReview::addNotice() {
 }
 
 void WindowReview::showNotice() {
+    // A page that shows a part of the file cannot be saved; the file that was edited since may be whole.
+    const auto* part = actions_.find<NSTextField>("smbPartNotice");
+    if (part != nullptr && !part->stringValue().empty() && reviewer_.hasSMBConfChangedOnDisk()) {
+        dispatchUserEvent(queue_, [this] { reviewer_.reread(); });
+    }
     if (notice_ != nullptr) {
         notice_->setVisible(reviewer_.hasSMBConfChangedOnDisk());
     }
@@ -162,6 +169,11 @@ void WindowReview::reread() {
 }
 
 void WindowReview::actionWasUsed(const std::string& operation) {
+    // Reverting shows what is on disk, not what was there once.
+    if (operation == revertOperation && reviewer_.hasSMBConfChangedOnDisk()) {
+        reviewer_.reread();
+        showNotice();
+    }
     if (!review::Reviewer::isWriting(operation)) {
         return;
     }

@@ -53,6 +53,7 @@ std::vector<ElementRule> controlRules() {
                   {"image", YesNo},
                   {"tabStop", YesNo},
                   {"reverts", Word},
+                  {"offWith", Word},
                   {"role", Choice, "cancel|new"},
                   key}}),
          {}},

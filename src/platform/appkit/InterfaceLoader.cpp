@@ -197,7 +197,7 @@ void InterfaceLoader::nameElement(const InterfaceNode& node) {
 }
 
 void InterfaceLoader::wireAction(const InterfaceNode& node) {
-    for (const char* attribute : {"for", "about", "reverts", "rowOf"}) {
+    for (const char* attribute : {"for", "about", "reverts", "rowOf", "offWith"}) {
         if (node.attributes.contains(attribute)) {
             references_.emplace_back(node.line, node.attribute(attribute));
         }
