@@ -127,4 +127,32 @@ TEST_F(WindowReviewTest, APageThatIsShownInPartCannotBeSavedUntilTheFileWasMende
     EXPECT_FALSE(widget<QLabel>("smbPartNotice").isVisible());
 }
 
+TEST_F(WindowReviewTest, AShareThatTheServerReadsOtherwiseIsMarkedInItsRow) {
+    openWith("[Docs]\npath = /docs\nGuest OK = yes\n[Films]\npath = /films\n");
+    auto* model = widget<QTableView>("normalTableView").model();
+    const auto tip = [model](int row) { return model->index(row, 0).data(Qt::ToolTipRole).toString(); };
+    EXPECT_FALSE(model->index(0, 0).data(Qt::DecorationRole).isNull());
+    EXPECT_TRUE(tip(0).contains("Guest OK")) << tip(0).toStdString();
+    EXPECT_TRUE(model->index(1, 0).data(Qt::DecorationRole).isNull());
+    EXPECT_EQ(tip(1), "Films");
+}
+
+TEST_F(WindowReviewTest, APasswordThatNobodyCanHaveIsRefusedOnItsSheet) {
+    addGroup("staff", "20");
+    addUser("alice", "501");
+    openWith("");
+    showPage(1);
+    clickRow("userTableView", 0);
+    click("changePasswordButton");
+    for (const char* field : {"passwordSecureText1", "passwordSecureText2"}) {
+        control<NSTextField>(field).setStringValue(std::string(300, 'x'));
+    }
+    answer({"OK"});
+    QTest::keyClick(&widget<QLineEdit>("passwordSecureText2"), Qt::Key_Return);
+    EXPECT_EQ(asked, QStringList{"Not Possible"});
+    EXPECT_TRUE(widget<QWidget>("passwordWindow").isVisible());
+    EXPECT_NE(text("passwordErrorText"), "");
+    EXPECT_TRUE(host.runs.empty());
+}
+
 } // namespace

@@ -127,6 +127,7 @@ void QtPresenter::interfaceDidLoad(Interface& interface) {
 }
 
 void QtPresenter::useReviewer(review::Reviewer& reviewer) {
+    reviewer_ = &reviewer;
     if (auto* window = qobject_cast<QMainWindow*>(mainWidget_)) {
         new WindowReview(reviewer, *window, *actions_.front(), *queue_); // the window's child
     }

@@ -42,6 +42,9 @@ class QtPresenter : public platform::Presenter {
 
     [[nodiscard]] RefreshQueue& queue() const { return *queue_; }
 
+    /// As given to useReviewer; null before.
+    [[nodiscard]] const review::Reviewer* reviewer() const { return reviewer_; }
+
     /// Takes all windows and timers down, for good.
     void closeAll();
 
@@ -62,5 +65,6 @@ class QtPresenter : public platform::Presenter {
     unsigned refusedIn_ = 0; ///< the user's event in which the administrator refused last
     int refusals_ = 0;       ///< how often in that event
     std::vector<std::unique_ptr<WindowView>> views_; ///< the main window's first
+    review::Reviewer* reviewer_ = nullptr;
     QWidget* mainWidget_ = nullptr;
 };

@@ -199,11 +199,15 @@ class ReviewDialog : public QDialog {
 
 } // namespace
 
+std::unique_ptr<QDialog> makePlanDialog(const review::Plan& plan, QWidget* parent) {
+    auto dialog = std::make_unique<ReviewDialog>(plan, parent);
+    dialog->addButton("Go On", QDialogButtonBox::AcceptRole, false);
+    dialog->addButton("Cancel", QDialogButtonBox::RejectRole, true);
+    return dialog;
+}
+
 bool askAboutPlan(const review::Plan& plan, QWidget* parent) {
-    ReviewDialog dialog(plan, parent);
-    dialog.addButton("Go On", QDialogButtonBox::AcceptRole, false);
-    dialog.addButton("Cancel", QDialogButtonBox::RejectRole, true);
-    return dialog.exec() == QDialog::Accepted;
+    return makePlanDialog(plan, parent)->exec() == QDialog::Accepted;
 }
 
 void showPlan(const review::Plan& plan, QWidget* parent) {

@@ -1,15 +1,19 @@
 #include "frontends/qt/Snapshots.h"
 
 #include "frontends/qt/NodeAttributes.h"
+#include "frontends/qt/ReviewDialog.h"
 #include "platform/appkit/NSApplication.h"
 #include "platform/appkit/NSButton.h"
 #include "platform/appkit/NSPopUpButton.h"
 #include "platform/appkit/NSTabView.h"
 #include "platform/appkit/NSTableView.h"
+#include "review/Reviewer.h"
 
 #include <QCoreApplication>
+#include <QDialog>
 #include <QDir>
 #include <QPixmap>
+#include <QPushButton>
 
 #include <stdexcept>
 #include <vector>
@@ -76,6 +80,8 @@ class Photographer {
     void photographMain(const InterfaceNode& node);
     void photographPage(const InterfaceNode& window, const InterfaceNode& page, const QString& name);
     void take(const InterfaceNode& window, const QString& name);
+    void take(QWidget& widget, const QString& name);
+    void takeReview(const QString& name);
     void selectPage(const InterfaceNode& around, NSTabView& tabView, int page);
     void act(const std::function<void()>& event);
 
@@ -89,10 +95,17 @@ void Photographer::act(const std::function<void()>& event) {
 }
 
 void Photographer::take(const InterfaceNode& window, const QString& name) {
-    QCoreApplication::processEvents();
     const WindowView* view = presenter_.viewOf(*modelOf<NSWindow>(window));
+    if (view == nullptr) {
+        throw std::runtime_error("There is no window for the picture " + name.toStdString() + ".");
+    }
+    take(view->widget(), name);
+}
+
+void Photographer::take(QWidget& widget, const QString& name) {
+    QCoreApplication::processEvents();
     const QString path = folder_.filePath(name + QLatin1String(".png"));
-    if (view == nullptr || !view->widget().grab().save(path)) {
+    if (!widget.grab().save(path)) {
         throw std::runtime_error("The picture " + path.toStdString() +
                                  " cannot be written: check that the folder can be written to and has room.");
     }
@@ -142,10 +155,27 @@ void Photographer::photographMain(const InterfaceNode& node) {
         if (drawer != nullptr) {
             act([drawer] { modelOf<NSDrawer>(*drawer)->open(); });
             take(node, name + QLatin1String("-drawer"));
+            takeReview(QStringLiteral("review"));
             act([drawer] { modelOf<NSDrawer>(*drawer)->close(); });
         }
     }
     selectPage(node, tabView, 0);
+}
+
+void Photographer::takeReview(const QString& name) {
+    if (presenter_.reviewer() == nullptr) {
+        return;
+    }
+    const auto dialog = makePlanDialog(presenter_.reviewer()->planSend("createShare:"), nullptr);
+    dialog->setAttribute(Qt::WA_DontShowOnScreen, true);
+    dialog->show();
+    take(*dialog, name);
+    for (auto* button : dialog->findChildren<QPushButton*>()) {
+        if (button->isCheckable()) { // "Details"
+            button->click();
+            take(*dialog, name + QLatin1String("-details"));
+        }
+    }
 }
 
 void Photographer::photograph(const InterfaceNode& interface) {

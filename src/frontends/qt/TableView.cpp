@@ -2,8 +2,10 @@
 
 #include "platform/appkit/NSApplication.h"
 
+#include <QApplication>
 #include <QHeaderView>
 #include <QMenu>
+#include <QStyle>
 #include <QStyledItemDelegate>
 
 #include <algorithm>
@@ -68,7 +70,17 @@ int TableModel::columnCount(const QModelIndex& parent) const {
 }
 
 QVariant TableModel::data(const QModelIndex& index, int role) const {
-    if (role != Qt::DisplayRole && role != Qt::ToolTipRole) {
+    const bool isMarked = role == Qt::DecorationRole && index.column() == 0;
+    if (role != Qt::DisplayRole && role != Qt::ToolTipRole && !isMarked) {
+        return {};
+    }
+    if (role != Qt::DisplayRole && remarkOfRow_) {
+        if (const QString remark = remarkOfRow_(index.row()); !remark.isEmpty()) {
+            return isMarked ? QVariant(QApplication::style()->standardIcon(QStyle::SP_MessageBoxWarning))
+                            : QVariant(remark.toHtmlEscaped());
+        }
+    }
+    if (isMarked) {
         return {};
     }
     const auto& column = table_.tableColumns().at(static_cast<std::size_t>(index.column()));
@@ -193,6 +205,7 @@ void TableView::showColumnMenu(const QPoint& position) {
 }
 
 void TableView::reload() {
+    remarks_.clear();
     loading_ = true;
     if (model_.reload()) {
         shownSelection_.clear(); // Qt has dropped it with the old rows
@@ -200,6 +213,24 @@ void TableView::reload() {
     loading_ = false;
     dropRenamedRows();
     loadSelection();
+}
+
+void TableView::setRemarks(std::function<std::string(const std::string& name)> remark) {
+    remark_ = std::move(remark);
+    remarks_.clear();
+    model_.setRemarkOfRow(remark_ ? [this](int row) { return remarkOfRow(row); }
+                                  : std::function<QString(int)>());
+    viewport()->update();
+}
+
+QString TableView::remarkOfRow(int row) {
+    if (nameColumn_ == nullptr || !remark_) {
+        return {};
+    }
+    const std::string name = table_.objectValue(*nameColumn_, row);
+    const auto known = remarks_.find(name);
+    return known != remarks_.end() ? known->second
+                                   : remarks_.emplace(name, shown(remark_(name))).first->second;
 }
 
 void TableView::dropRenamedRows() {

@@ -138,6 +138,20 @@ void WindowActions::cancelSheet() const {
     });
 }
 
+void WindowActions::showInSheet(const std::string& text) const {
+    const NSWindow* sheet = NSApp().attachedSheet();
+    const InterfaceNode* node = sheet == nullptr ? nullptr : nodeOf(interface_.root(), sheet);
+    if (node == nullptr) {
+        return;
+    }
+    visitNodes(*node, [&text](const InterfaceNode& each) {
+        auto* label = modelOf<NSTextField>(each);
+        if (label != nullptr && each.attribute("style") == "warning") {
+            label->setStringValue(text);
+        }
+    });
+}
+
 std::string WindowActions::textAbout(const InterfaceNode& node, std::string_view attribute) const {
     const std::string& text = node.attribute(attribute);
     const auto* field = find<NSTextField>(node.attribute("about"));

@@ -49,6 +49,9 @@ class WindowActions {
     /// the last row must not go into a new one.
     void turnOffBoxesWithoutRow(const NSTableView& table) const;
 
+    /// Shows a text in the warning of the sheet that is up; nothing without one.
+    void showInSheet(const std::string& text) const;
+
   private:
     void perform(const platform::InterfaceNode& node) const;
     void beginNew(const platform::InterfaceNode& node) const;

@@ -2,6 +2,7 @@
 
 #include "frontends/qt/Buttons.h"
 #include "frontends/qt/ReviewDialog.h"
+#include "frontends/qt/TableView.h"
 #include "frontends/qt/WindowActions.h"
 #include "platform/appkit/NSAlert.h"
 #include "platform/appkit/NSButton.h"
@@ -72,12 +73,15 @@ WindowReview::WindowReview(review::Reviewer& reviewer, QMainWindow& window, Wind
     addMenu();
     addNotice();
     window.installEventFilter(this);
+    reviewer.setBlockedHandler([this](const review::Plan& plan) { showBlocked(plan); });
     reviewer.setQuestion([this](const review::Plan& plan) { return ask(plan); });
+    showRemarks();
     actions.setUsed([this](const std::string& operation) { actionWasUsed(operation); });
 }
 
 WindowReview::~WindowReview() {
     reviewer_.setQuestion(nullptr);
+    reviewer_.setBlockedHandler([](const review::Plan&) {}); // nobody is there to read it
     actions_.setUsed(nullptr);
 }
 
@@ -88,6 +92,31 @@ bool WindowReview::reviewsAll() const {
 bool WindowReview::ask(const review::Plan& plan) {
     const bool isWorthAsking = !plan.warnings.empty() || (reviewsAll() && !plan.runs.empty());
     return !isWorthAsking || askAboutPlan(plan, &window_);
+}
+
+void WindowReview::showBlocked(const review::Plan& plan) const {
+    const std::string& reason = plan.blocks.front().sentence;
+    actions_.showInSheet(reason);
+    NSRunAlertPanel(NSLocalizedString("Not Possible"), "%@", NSLocalizedString("OK"), std::nullopt,
+                    std::nullopt, reason);
+}
+
+void WindowReview::showRemarks() {
+    auto* table = window_.findChild<TableView*>(shareTable);
+    if (table == nullptr) {
+        return;
+    }
+    if (reviewer_.serverReadsOtherwise().empty()) { // as nearly always: no row need be asked about
+        table->setRemarks(nullptr);
+        return;
+    }
+    table->setRemarks([this](const std::string& share) {
+        std::string text;
+        for (const review::Remark& remark : reviewer_.serverReadsOtherwise(share)) {
+            text += (text.empty() ? "" : "\n") + remark.sentence;
+        }
+        return text;
+    });
 }
 
 void WindowReview::addMenu() {
@@ -161,6 +190,7 @@ void WindowReview::showNotice() {
     if (notice_ != nullptr) {
         notice_->setVisible(reviewer_.hasSMBConfChangedOnDisk());
     }
+    showRemarks();
 }
 
 void WindowReview::reread() {

@@ -32,6 +32,8 @@ class WindowReview : public QObject {
     void addMenu();
     void addNotice();
     void showNotice();
+    void showRemarks();
+    void showBlocked(const review::Plan& plan) const;
     void reread();
     void planButtonInUse();
     [[nodiscard]] bool ask(const review::Plan& plan);
