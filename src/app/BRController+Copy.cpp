@@ -1,6 +1,7 @@
 #include "app/BRController.h"
 
 #include "platform/foundation/NSBundle.h"
+#include "platform/foundation/SystemPaths.h"
 
 #include <algorithm>
 
@@ -33,6 +34,17 @@ void BRController::rereadSMBConf() {
     normalTableView->selectRow(isThere ? static_cast<int>(found - currentShares_.begin()) : -1);
     updateShareTextFields(nullptr);
     revertSMBProperties(nullptr);
+}
+
+void BRController::rereadEverything() {
+    rereadSMBConf();
+    afsProps = NSMutableDictionary::dictionaryWithContentsOfFile(platform::systempath::appleFileServer);
+    guarded([this] { parseAFSProperties(); }, bugMessage(FailedStep::AFPSettings));
+    refreshPublicList(nullptr);
+    updateUserTextFields(nullptr);
+    updateUsersGroupsList(nullptr);
+    updateGroupsList(nullptr);
+    refreshGroupList(nullptr);
 }
 
 std::string BRController::selectedUserName() const {

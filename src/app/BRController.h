@@ -142,6 +142,8 @@ class BRController : public BROutlets,
     /// Reads smb.conf again: the model, the rows of the share table and the SMB page, where edits that were
     /// not saved are gone. The selected share stays selected; the editor shows it as it is now.
     void rereadSMBConf();
+    /// That, and the AFP settings, the users and the groups.
+    void rereadEverything();
 
     /// The model of smb.conf; null before start-up.
     [[nodiscard]] const SMBConf* smbConfModel() const { return smbConf.get(); }

@@ -12,7 +12,7 @@
 
 namespace frontend {
 
-Application::Application(platform::Services services) : host_(std::move(services)) {}
+Application::Application(platform::Services services) : history_(services), host_(std::move(services)) {}
 
 void Application::setPresenter(std::shared_ptr<platform::Presenter> presenter) {
     host_.setPresenter(std::move(presenter));

@@ -2,6 +2,7 @@
 
 #include "platform/appkit/Interface.h"
 #include "platform/foundation/Host.h"
+#include "review/History.h"
 #include "review/Reviewer.h"
 
 #include <memory>
@@ -27,6 +28,9 @@ class Application {
     /// Stands before the actions of the main interface; null before load().
     [[nodiscard]] review::Reviewer* reviewer() const { return reviewer_.get(); }
 
+    /// What actions have changed, and how it is taken back.
+    [[nodiscard]] const review::History& history() const { return history_; }
+
     /// Brings the main window on screen and runs start-up, as one event.
     void launch();
 
@@ -37,6 +41,7 @@ class Application {
     [[nodiscard]] NSTableView& table(const std::string& name) const;
 
   private:
+    review::History history_; ///< stands before the authority of the host's services
     platform::Host host_;
     std::unique_ptr<platform::Interface> interface_; ///< goes before the host, which its controls need
     std::unique_ptr<review::Reviewer> reviewer_;

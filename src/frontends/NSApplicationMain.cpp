@@ -132,6 +132,7 @@ int runScript(const Options& options) {
         },
         std::cerr);
     runner.useReviewer([&] { return application.reviewer(); });
+    runner.useHistory(application.history());
     return runner.run();
 }
 

@@ -89,6 +89,10 @@ std::vector<std::string> NiutilTask::currentGroups() const {
     return report("/groups", properties);
 }
 
+bool NiutilTask::carryOut(const std::string& tool, std::span<const std::string> arguments) {
+    return authenticate() && runOrStop(tool, arguments, "outString not empty for " + tool + ": %@");
+}
+
 NiutilTask::RunResult NiutilTask::runTool(const std::string& tool, std::span<const std::string> arguments,
                                           std::optional<std::size_t> secretArgument) {
     std::FILE* stream = nullptr;

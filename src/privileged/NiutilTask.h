@@ -71,6 +71,9 @@ class NiutilTask {
     void changeUserShare(const std::string& shortName, bool enable);
     void runPasswd(const std::string& shortName, const std::string& passwd);
 
+    /// A run that the caller has put together, judged as every other: false when it failed.
+    bool carryOut(const std::string& tool, std::span<const std::string> arguments);
+
     // Servers: signal 1 to each process of AppleFileServer or smbd.
     void restartAFS();
     void restartSMB();

@@ -1,7 +1,9 @@
 #include "review/DryRun.h"
 
 #include "platform/foundation/Host.h"
+#include "platform/foundation/NSFileManager.h"
 #include "platform/host/DirectoryAccounts.h"
+#include "platform/posix/WholeFile.h"
 #include "platform/security/Authority.h"
 #include "review/WorkingCopy.h"
 
@@ -50,6 +52,12 @@ platform::Result<platform::Services> servicesOnCopies(const platform::Services& 
         return copy.status();
     }
     platform::Services services = (*copy)->services();
+    if (const auto history = contentsOfFile(real.historyFile); history.isOk()) {
+        services.historyFile = (*copy)->settingsFile("/history.db");
+        if (auto status = platform::writeWholeFile(services.historyFile, *history); !status.isOk()) {
+            return status;
+        }
+    }
     services.authority = std::make_shared<DryRunAuthority>(real.authority, *copy);
     // Accounts that the run makes have names, too.
     services.accountNames = std::make_shared<platform::DirectoryAccounts>((*copy)->storeFile());

@@ -123,6 +123,10 @@ void Reviewer::reread() const {
     controller().rereadSMBConf();
 }
 
+void Reviewer::rereadEverything() const {
+    controller().rereadEverything();
+}
+
 bool Reviewer::hasSMBConfChangedOnDisk() const {
     const SMBConf* model = controller().smbConfModel();
     return model != nullptr && model->unreadableReason().empty() &&

@@ -39,6 +39,8 @@ class Reviewer {
 
     /// Reads smb.conf again: model, rows and fields.
     void reread() const;
+    /// Reads all that the window shows again, as after a change that came from elsewhere than its controls.
+    void rereadEverything() const;
     /// Whether smb.conf on disk is another than what was read or written last.
     [[nodiscard]] bool hasSMBConfChangedOnDisk() const;
     /// Whether the model of smb.conf holds a change that did not reach the disk.

@@ -6,6 +6,7 @@
 #include "platform/host/DirectoryAccounts.h"
 #include "platform/netinfo/LocalDomain.h"
 #include "platform/netinfo/StoreCopy.h"
+#include "platform/posix/InputOutput.h"
 #include "platform/posix/WholeFile.h"
 #include "tools/DirectoryTools.h"
 #include "tools/Helper.h"
@@ -17,8 +18,6 @@
 #include <string_view>
 #include <utility>
 
-#include <fcntl.h>
-#include <sys/mman.h>
 #include <unistd.h>
 
 namespace review {
@@ -38,18 +37,6 @@ constexpr const char* homeName = "/home";
 constexpr const char* defaultsName = "/defaults.plist";
 /// An action would wait as long for the directory, and a plan is not to be worked out twice.
 constexpr int waitSeconds = 30;
-
-/// Memory rather than a disk, where there is such a folder: nothing needs to last.
-std::string makeScratchFolder() {
-    std::error_code ignored;
-    for (const fs::path& place : {fs::path("/dev/shm"), fs::temp_directory_path(ignored)}) {
-        std::string pattern = (place / "brindle-plan-XXXXXX").string();
-        if (::mkdtemp(pattern.data()) != nullptr) {
-            return pattern;
-        }
-    }
-    return {};
-}
 
 /// The copies' paths; every other path is the original's.
 class CopiedPaths : public platform::Paths {
@@ -98,6 +85,8 @@ class CopyWrites : public platform::PendingWrites {
 
     void settle() override { copy_->settle(); }
 
+    void takeBack() override { copy_->takeBack(); }
+
     void endAction() override { copy_->settle(); }
 
   private:
@@ -125,24 +114,18 @@ Status copyFileIfThere(const std::string& from, const std::string& to) {
     return contents.isOk() ? platform::writeWholeFile(to, *contents, {.mode = 0600}) : Status();
 }
 
-/// A descriptor from which `text` is read.
-int descriptorOf(std::string_view text) {
-    if (text.empty()) {
-        return ::open("/dev/null", O_RDONLY | O_CLOEXEC);
-    }
-    const int descriptor = ::memfd_create("tool output", MFD_CLOEXEC);
-    while (descriptor >= 0 && !text.empty()) {
-        const ssize_t written = ::write(descriptor, text.data(), text.size());
-        if (written < 0 && errno != EINTR) {
-            break;
-        }
-        text.remove_prefix(written < 0 ? 0 : static_cast<std::size_t>(written));
-    }
-    ::lseek(descriptor, 0, SEEK_SET);
-    return descriptor;
-}
-
 } // namespace
+
+std::string makeScratchFolder() {
+    std::error_code ignored;
+    for (const fs::path& place : {fs::path("/dev/shm"), fs::temp_directory_path(ignored)}) {
+        std::string pattern = (place / "brindle-plan-XXXXXX").string();
+        if (::mkdtemp(pattern.data()) != nullptr) {
+            return pattern;
+        }
+    }
+    return {};
+}
 
 Result<std::shared_ptr<WorkingCopy>> WorkingCopy::make() {
     platform::Host::settlePendingWrites();
@@ -193,6 +176,7 @@ platform::Services WorkingCopy::services() {
     copied.presenter = nullptr;
     copied.authority = nullptr;
     copied.pendingWrites = std::make_shared<CopyWrites>(shared_from_this());
+    copied.historyFile.clear();
     copied.paths = std::make_shared<CopiedPaths>(original_.paths, folder_);
     copied.localDomain = std::make_shared<CopiedDomain>(storeFile());
     copied.folderForecast = folders_;
@@ -201,6 +185,10 @@ platform::Services WorkingCopy::services() {
 
 std::string WorkingCopy::storeFile() const {
     return folder_ + storeName;
+}
+
+void WorkingCopy::takeBack() {
+    session_ = nullptr;
 }
 
 void WorkingCopy::settle() {
@@ -264,10 +252,15 @@ std::string WorkingCopy::copySettings(std::span<const std::string> arguments) {
 
 OSStatus WorkingCopy::execute(const std::string& tool, std::span<const std::string> arguments, int* output) {
     const std::string text = run(tool, arguments);
-    if (output != nullptr) {
-        *output = descriptorOf(text);
+    if (output == nullptr) {
+        return errAuthorizationSuccess;
     }
-    return output == nullptr || *output >= 0 ? errAuthorizationSuccess : errAuthorizationToolExecuteFailure;
+    auto bytes = platform::openBytes(text);
+    if (!bytes.isOk()) {
+        return errAuthorizationToolExecuteFailure;
+    }
+    *output = bytes->release();
+    return errAuthorizationSuccess;
 }
 
 } // namespace review

@@ -45,6 +45,8 @@ class WorkingCopy : public std::enable_shared_from_this<WorkingCopy> {
     /// Makes what runs of nicl have changed visible to readers of storeFile(): those that follow one another
     /// are one transaction. A failure takes them back, and is logged.
     void settle();
+    /// Takes it back instead.
+    void takeBack();
 
   private:
     WorkingCopy() = default;
@@ -57,5 +59,9 @@ class WorkingCopy : public std::enable_shared_from_this<WorkingCopy> {
     std::shared_ptr<FolderForecasts> folders_;
     std::unique_ptr<DirectorySession> session_; ///< of the runs since the last settling
 };
+
+/// Makes a folder for files that go again: in memory rather than on a disk, where there is such a place.
+/// Empty, with errno set, when it cannot be made.
+[[nodiscard]] std::string makeScratchFolder();
 
 } // namespace review

@@ -44,4 +44,39 @@ void ScriptRunner::reread(const Words& /*words*/) {
     perform([&] { found.reread(); });
 }
 
+const review::History& ScriptRunner::pastChanges() const {
+    if (history_ == nullptr) {
+        fail("no history is kept here");
+    }
+    return *history_;
+}
+
+void ScriptRunner::history(const Words& /*words*/) {
+    const auto entries = pastChanges().entries();
+    if (!entries.isOk()) {
+        fail(entries.status().text());
+    }
+    for (const review::HistoryEntry& entry : *entries) {
+        output_->line(std::to_string(entry.number) + " " + timeOf(entry) + " " + quotedText(entry.user) +
+                      " " + quotedText(entry.title) + " " + outcomeOf(entry));
+    }
+}
+
+void ScriptRunner::undo(const Words& words) {
+    std::optional<std::int64_t> wanted;
+    if (!words.empty()) {
+        wanted = number(words[0]);
+    }
+    const auto plan = pastChanges().describeUndo(wanted);
+    if (!plan.isOk()) {
+        fail(plan.status().text());
+    }
+    perform([&] {
+        if (review::announceUndo(*plan) && !pastChanges().undo(*plan).isOk()) {
+            review::showUndoFailed(*plan);
+        }
+        reviewer().rereadEverything();
+    });
+}
+
 } // namespace frontend

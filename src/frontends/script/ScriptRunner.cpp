@@ -95,6 +95,8 @@ const ScriptRunner::Command* ScriptRunner::findCommand(const std::string& name) 
         Command{"plan", "press OUTLET|send OPERATION", 2, 2, false, &ScriptRunner::plan},
         Command{"review", "on|off", 1, 1, false, &ScriptRunner::review},
         Command{"reread", "", 0, 0, false, &ScriptRunner::reread},
+        Command{"history", "", 0, 0, false, &ScriptRunner::history},
+        Command{"undo", "[NUMBER]", 0, 1, false, &ScriptRunner::undo},
         Command{"close", "WINDOW", 1, 1, false, &ScriptRunner::close},
         Command{"quit", "", 0, 0, false, &ScriptRunner::quit},
     };

@@ -2,6 +2,7 @@
 
 #include "frontends/script/ScriptOutput.h"
 #include "frontends/script/ScriptPresenter.h"
+#include "review/History.h"
 #include "review/Reviewer.h"
 
 #include <functional>
@@ -33,6 +34,9 @@ class ScriptRunner {
     /// `reviewer` is asked for once the script has started, by the commands that plan, review and read again;
     /// it may return null, where nobody can.
     void useReviewer(std::function<review::Reviewer*()> reviewer) { findReviewer_ = std::move(reviewer); }
+
+    /// `history` is for the commands that print it and take changes back; it must outlive the runner.
+    void useHistory(const review::History& history) { history_ = &history; }
 
     /// Runs the whole script and then ends the application. Answers the exit status: 0, or 1 after a fault,
     /// which has been written to the errors as "NAME:LINE: what is wrong".
@@ -76,7 +80,10 @@ class ScriptRunner {
     void plan(const Words& words);
     void review(const Words& words);
     void reread(const Words& words);
+    void history(const Words& words);
+    void undo(const Words& words);
     [[nodiscard]] review::Reviewer& reviewer() const;
+    [[nodiscard]] const review::History& pastChanges() const;
 
     /// Ends the script at the line that is carried out.
     [[noreturn]] void fail(const std::string& text) const;
@@ -103,6 +110,7 @@ class ScriptRunner {
     std::shared_ptr<ScriptPresenter> presenter_;
     std::function<void()> launch_;
     std::function<review::Reviewer*()> findReviewer_;
+    const review::History* history_ = nullptr;
     std::ostream& errors_;
     int line_ = 0;
     bool started_ = false;

@@ -84,7 +84,9 @@ class PendingWrites {
     /// Makes them lasting and visible. Nothing when there are none. A failure, which takes all of them back,
     /// is logged and beeps.
     virtual void settle() = 0;
-    /// The same at the end of an action; then lets go of what served its runs.
+    /// Takes them back instead.
+    virtual void takeBack() = 0;
+    /// The same as settling, at the end of an action; then lets go of what served its runs.
     virtual void endAction() = 0;
 };
 
@@ -102,6 +104,8 @@ struct Services {
     std::shared_ptr<PendingWrites> pendingWrites;
     std::shared_ptr<Presenter> presenter;
     std::shared_ptr<FolderForecast> folderForecast; ///< none: folders are as they are
+    /// Where what actions have changed is kept, so that it can be taken back; empty: nowhere.
+    std::string historyFile;
     /// Settings files are changed line by line, so that what a person wrote by hand stays; otherwise they are
     /// written whole.
     bool keepsLayout = false;

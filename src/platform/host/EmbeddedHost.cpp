@@ -119,6 +119,7 @@ Services makeEmbeddedServices(const EmbeddedHostOptions& options) {
         std::make_shared<ConsentAuthority>(orDefault(options.helper, &defaultHelper), root.folder());
     services.authority = authority;
     services.pendingWrites = authority;
+    services.historyFile = root.folder() + "/history.db";
     services.languages = languagesFromEnvironment();
     return services;
 }

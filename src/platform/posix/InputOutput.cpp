@@ -8,6 +8,7 @@
 #include <cstdint>
 
 #include <fcntl.h>
+#include <sys/mman.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -109,6 +110,19 @@ Status writeAll(int descriptor, std::string_view bytes, const std::string& name)
         bytes.remove_prefix(static_cast<std::size_t>(std::max<ssize_t>(count, 0)));
     }
     return {};
+}
+
+Result<FileDescriptor> openBytes(std::string_view bytes) {
+    constexpr const char* name = "bytes in memory";
+    FileDescriptor file(::memfd_create(name, MFD_CLOEXEC));
+    if (!file.isOpen()) {
+        return Status::ofErrno("cannot make", name, errno);
+    }
+    if (Status status = writeAll(file.get(), bytes, name); !status.isOk()) {
+        return status;
+    }
+    ::lseek(file.get(), 0, SEEK_SET);
+    return file;
 }
 
 } // namespace platform

@@ -38,4 +38,7 @@ inline constexpr std::size_t largestWholeFile = std::size_t{64} << 20;
 /// where SIGPIPE is ignored (see IgnoredBrokenPipe).
 [[nodiscard]] Status writeAll(int descriptor, std::string_view bytes, const std::string& name);
 
+/// A descriptor from which `bytes` are read, however many they are. They are kept in memory.
+[[nodiscard]] Result<FileDescriptor> openBytes(std::string_view bytes);
+
 } // namespace platform

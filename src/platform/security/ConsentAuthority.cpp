@@ -84,6 +84,10 @@ void ConsentAuthority::settle() {
     }
 }
 
+void ConsentAuthority::takeBack() {
+    helper_.end(); // what was not settled goes with it
+}
+
 void ConsentAuthority::endAction() {
     settle();
     helper_.end();

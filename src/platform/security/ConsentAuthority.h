@@ -33,6 +33,7 @@ class ConsentAuthority : public Authority, public PendingWrites {
                                    std::span<const std::string> arguments, int* output) override;
 
     void settle() override;
+    void takeBack() override;
     void endAction() override;
 
   private:

@@ -8,24 +8,9 @@
 #include <csignal>
 #include <utility>
 
-#include <sys/mman.h>
 #include <unistd.h>
 
 namespace platform {
-
-namespace {
-
-/// A descriptor from which `bytes` are read. A pipe might be too small for them.
-FileDescriptor readable(std::string_view bytes) {
-    FileDescriptor file(::memfd_create("output", MFD_CLOEXEC));
-    if (file.isOpen() && writeAll(file.get(), bytes, "output").isOk()) {
-        ::lseek(file.get(), 0, SEEK_SET);
-        return file;
-    }
-    return {};
-}
-
-} // namespace
 
 HelperSession::HelperSession(std::vector<std::string> command, std::chrono::milliseconds patience)
     : command_(std::move(command)), patience_(patience) {}
@@ -47,11 +32,11 @@ OSStatus HelperSession::run(const std::string& tool, std::span<const std::string
     }
     holdsChanges_ = holdsChanges_ || waitsForCommit(tool);
     if (output != nullptr) {
-        FileDescriptor file = readable((*answer)->output);
-        if (!file.isOpen()) {
+        auto bytes = openBytes((*answer)->output);
+        if (!bytes.isOk()) {
             return errAuthorizationToolExecuteFailure;
         }
-        *output = file.release();
+        *output = bytes->release();
     }
     return errAuthorizationSuccess;
 }

@@ -1,0 +1,90 @@
+#include "review/History.h"
+
+#include "platform/appkit/NSAlert.h"
+#include "platform/foundation/NSBundle.h"
+#include "platform/foundation/NSString.h"
+#include "review/Recorder.h"
+
+#include <algorithm>
+
+namespace review {
+
+using platform::Result;
+using platform::Status;
+
+History::History(platform::Services& services) {
+    if (!services.historyFile.empty() && services.authority) {
+        recorder_ = std::make_shared<Recorder>(services);
+        services.authority = recorder_;
+        services.pendingWrites = recorder_;
+    }
+}
+
+namespace {
+
+void showAlert(const std::string& title, const std::string& message) {
+    NSRunAlertPanel(title, "%@", NSLocalizedString("OK"), std::nullopt, std::nullopt, message);
+}
+
+} // namespace
+
+bool announceUndo(const UndoPlan& plan) {
+    if (!plan.refusal.empty()) {
+        showAlert(NSLocalizedString("Not Possible"), plan.refusal);
+        return false;
+    }
+    std::string message;
+    for (const std::string& loss : plan.losses) {
+        message += (message.empty() ? "" : "\n") + loss;
+    }
+    if (!message.empty()) {
+        showAlert(NSLocalizedString("Not Everything Comes Back"), message);
+    }
+    return true;
+}
+
+void showUndoFailed(const UndoPlan& plan) {
+    showAlert(NSLocalizedString("Not Taken Back"),
+              stringWithFormat(NSLocalizedString("Taking back %@ (%@) has stopped on its way.  What is left "
+                                                 "can be taken back when the reason in the log is mended."),
+                               std::to_string(plan.entry.number), plan.entry.title));
+}
+
+Result<std::vector<HistoryEntry>> History::entries() const {
+    return recorder_ ? recorder_->store().entries() : std::vector<HistoryEntry>();
+}
+
+Result<UndoPlan> History::describeUndo(std::optional<std::int64_t> number) const {
+    const auto all = entries();
+    if (!all.isOk()) {
+        return all.status();
+    }
+    const auto found = std::ranges::find_if(*all, [&](const HistoryEntry& entry) {
+        return number ? entry.number == *number : !entry.isUndone && entry.canComeBack();
+    });
+    if (found == all->end()) {
+        return Status::failure(NSLocalizedString("cannot take back"), {},
+                               number ? stringWithFormat(NSLocalizedString("the history has no change %@"),
+                                                         std::to_string(*number))
+                                      : NSLocalizedString("there is no change to take back"));
+    }
+    return planUndo(*found, *all);
+}
+
+Status History::undo(const UndoPlan& plan) const {
+    const auto now = describeUndo(plan.entry.number);
+    if (!now.isOk()) {
+        return now.status();
+    }
+    if (!now->refusal.empty()) {
+        return Status::failure(NSLocalizedString("cannot take back"), plan.entry.title, now->refusal);
+    }
+    recorder_->beginUndo(now->entry.number, now->title);
+    Status status = carryOut(*now);
+    if (!status.isOk()) {
+        recorder_->failUndo();
+    }
+    return status;
+}
+
+} // namespace review

@@ -1,0 +1,83 @@
+#pragma once
+
+#include "review/DirectoryView.h"
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include <sys/types.h>
+
+namespace review {
+
+/// A record of the directory before and after; none: there is no such record.
+struct RecordChange {
+    using State = std::optional<std::vector<DirectoryView::Property>>;
+
+    std::string path;
+    State before;
+    State after;
+};
+
+/// The bytes of a settings file, by the path that the application knows, before and after; none: there is no
+/// such file.
+struct FileChange {
+    std::string path;
+    std::optional<std::string> before;
+    std::optional<std::string> after;
+};
+
+struct FolderState {
+    uid_t owner = 0;
+    gid_t group = 0;
+    mode_t mode = 0;      ///< 07777
+    std::string accounts; ///< "OWNER:GROUP", empty where an id has no name
+
+    [[nodiscard]] bool isSame(const FolderState& other) const {
+        return owner == other.owner && group == other.group && mode == other.mode;
+    }
+};
+
+/// A folder's owner, group and mode before and after.
+struct FolderStep {
+    std::string path;
+    FolderState before;
+    FolderState after;
+};
+
+/// A tool run as it may be shown, and what came of it.
+struct PastRun {
+    std::string tool;
+    std::vector<std::string> arguments; ///< a password is "********"
+    std::string output;
+    bool hasFailed = false;
+};
+
+/// An action that changed something.
+struct HistoryEntry {
+    std::int64_t number = 0;
+    std::int64_t time = 0; ///< seconds since 1970
+    std::string user;      ///< the login name of who did it
+    std::string title;     ///< in the language of who did it
+    bool hasFailed = false;
+    bool isUndone = false;
+    std::int64_t undoes = 0; ///< the entry that this one has taken back; 0: it is no undo
+    std::vector<PastRun> runs;
+    std::vector<RecordChange> records; ///< in the order in which they were first touched
+    std::vector<FileChange> files;
+    std::vector<FolderStep> folders;
+
+    /// Whether there is anything that could be taken back: a password that was set cannot.
+    [[nodiscard]] bool canComeBack() const { return !records.empty() || !files.empty() || !folders.empty(); }
+};
+
+/// "done", "failed" or "undone".
+[[nodiscard]] const char* outcomeOf(const HistoryEntry& entry);
+/// "2026-11-25T14:03:07Z".
+[[nodiscard]] std::string timeOf(const HistoryEntry& entry);
+/// What was done by an action that is no undo, naming what it is about, in the user's language: `Share "Docs"
+/// created`.
+[[nodiscard]] std::string titleOf(const HistoryEntry& entry);
+
+} // namespace review

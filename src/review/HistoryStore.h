@@ -1,0 +1,40 @@
+#pragma once
+
+#include "platform/netinfo/Sqlite.h"
+#include "platform/posix/Status.h"
+#include "review/HistoryEntry.h"
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace review {
+
+/// The file that keeps what actions have changed. Opened for each operation, so that several programs can use
+/// it; each operation is one transaction and waits for the others a few seconds. The oldest entries go when
+/// there are too many. Failures say what to do.
+class HistoryStore {
+  public:
+    static constexpr int entryLimit = 500;
+    static constexpr std::size_t byteLimit = std::size_t{20} * 1024 * 1024;
+
+    explicit HistoryStore(std::string file) : file_(std::move(file)) {}
+
+    /// Keeps an entry, giving it the next number. One that takes another back marks that, and where that was
+    /// an undo itself, what it had taken back counts as done again.
+    [[nodiscard]] platform::Status add(const HistoryEntry& entry) const;
+
+    /// All entries, the newest first. None where nothing was kept yet.
+    [[nodiscard]] platform::Result<std::vector<HistoryEntry>> entries() const;
+
+  private:
+    [[nodiscard]] platform::Result<platform::SqliteConnection> open() const;
+    [[nodiscard]] platform::Status failure(std::string_view what, int error) const;
+    [[nodiscard]] int insert(sqlite3* database, const HistoryEntry& entry) const;
+
+    std::string file_;
+};
+
+} // namespace review

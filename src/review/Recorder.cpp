@@ -1,0 +1,253 @@
+#include "review/Recorder.h"
+
+#include "directory/DirectoryRules.h"
+#include "platform/foundation/Host.h"
+#include "platform/foundation/NSFileManager.h"
+#include "platform/foundation/NSLog.h"
+#include "platform/foundation/SystemPaths.h"
+#include "platform/netinfo/LocalDomain.h"
+#include "platform/netinfo/StoreCopy.h"
+#include "platform/posix/InputOutput.h"
+#include "review/WorkingCopy.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cmath>
+#include <filesystem>
+
+#include <pwd.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace review {
+
+namespace systempath = platform::systempath;
+
+namespace {
+
+constexpr mode_t modeBits = 07777;
+/// The platform's reference date in seconds since 1970.
+constexpr double referenceDate = 978307200;
+/// The action's own run waits longer.
+constexpr int waitSeconds = 5;
+
+std::string loginName() {
+    const passwd* entry = ::getpwuid(::getuid());
+    return entry != nullptr ? entry->pw_name : std::to_string(::getuid());
+}
+
+bool isSame(const RecordChange::State& one, const RecordChange::State& other) {
+    if (!one || !other) {
+        return !one && !other;
+    }
+    return std::ranges::equal(*one, *other, [](const auto& left, const auto& right) {
+        return left.name == right.name && left.values == right.values;
+    });
+}
+
+/// What follows an account's path after -passwd is a password.
+std::vector<std::string> withoutPasswords(const std::string& tool, std::span<const std::string> arguments) {
+    std::vector<std::string> shown(arguments.begin(), arguments.end());
+    constexpr std::size_t first = 3;
+    for (std::size_t index = first; tool == systempath::dscl && index < shown.size(); ++index) {
+        shown[index] = "********";
+    }
+    return shown;
+}
+
+} // namespace
+
+std::optional<FolderState> folderStateOf(const std::string& path) {
+    struct stat status {};
+
+    if (::stat(path.c_str(), &status) != 0) {
+        return std::nullopt;
+    }
+    const platform::AccountNames& names = platform::Host::current().accountNames();
+    return FolderState{status.st_uid, status.st_gid, status.st_mode & modeBits,
+                       names.userName(status.st_uid).value_or("") + ":" +
+                           names.groupName(status.st_gid).value_or("")};
+}
+
+std::optional<std::string> settingsBytes(const std::string& path) {
+    auto bytes = contentsOfFile(path);
+    return bytes.isOk() ? std::optional(std::move(*bytes)) : std::nullopt;
+}
+
+/// The directory is copied, because nobody can read it while the runs of an action are under way.
+class Recorder::Before {
+  public:
+    Before() : folder_(makeScratchFolder()), directory_(folder_ + "/directory.db") {
+        if (folder_.empty()) {
+            status_ = platform::Status::ofErrno("cannot make", "a folder for temporary files", errno);
+            return;
+        }
+        const std::string store = platform::Host::current().localDomain().storeFile();
+        std::error_code error;
+        if (std::filesystem::exists(store, error)) {
+            status_ = platform::copyStore(store, folder_ + "/directory.db", waitSeconds);
+        }
+    }
+
+    ~Before() {
+        if (!folder_.empty()) {
+            std::error_code ignored; // the system sweeps the folder that it stands in
+            std::filesystem::remove_all(folder_, ignored);
+        }
+    }
+
+    Before(const Before&) = delete;
+    Before& operator=(const Before&) = delete;
+
+    [[nodiscard]] const platform::Status& status() const { return status_; }
+
+    [[nodiscard]] const DirectoryView& directory() const { return directory_; }
+
+    std::vector<FileChange> files = {
+        {systempath::smbConf, settingsBytes(systempath::smbConf), std::nullopt},
+        {systempath::appleFileServer, settingsBytes(systempath::appleFileServer), std::nullopt}};
+
+  private:
+    std::string folder_;
+    DirectoryView directory_;
+    platform::Status status_;
+};
+
+Recorder::Recorder(const platform::Services& services)
+    : authority_(services.authority), pending_(services.pendingWrites), store_(services.historyFile) {}
+
+Recorder::~Recorder() = default;
+
+std::unique_ptr<platform::AuthorizationSession> Recorder::createSession(OSStatus* status) {
+    return authority_->createSession(status);
+}
+
+OSStatus Recorder::copyRights(platform::AuthorizationSession& session, const AuthorizationRights& rights,
+                              AuthorizationFlags flags) {
+    return authority_->copyRights(session, rights, flags);
+}
+
+void Recorder::destroyRights(platform::AuthorizationSession& session) {
+    authority_->destroyRights(session);
+}
+
+OSStatus Recorder::execute(platform::AuthorizationSession& session, const std::string& tool,
+                           std::span<const std::string> arguments, int* output) {
+    if (!before_) {
+        before_ = std::make_unique<Before>();
+        if (!before_->status().isOk()) {
+            NSLog("What this action changes is not kept in the history: %@", before_->status().text());
+        }
+    }
+    note(tool, arguments);
+    PastRun run{tool, withoutPasswords(tool, arguments), "", false};
+    const OSStatus status = authority_->execute(session, tool, arguments, output);
+    run.hasFailed = status != errAuthorizationSuccess;
+    if (!run.hasFailed && output != nullptr) {
+        // It is read here to the end, and handed on as it was.
+        const platform::FileDescriptor written(*output);
+        run.output = platform::readAll(written.get(), tool).valueOr("");
+        auto copy = platform::openBytes(run.output);
+        if (!copy.isOk()) {
+            return errAuthorizationToolExecuteFailure;
+        }
+        *output = copy->release();
+        run.hasFailed = !run.output.empty();
+    }
+    setsPassword_ = setsPassword_ || (tool == systempath::dscl && !run.hasFailed);
+    entry_.hasFailed = entry_.hasFailed || run.hasFailed;
+    entry_.runs.push_back(std::move(run));
+    return status;
+}
+
+void Recorder::note(const std::string& tool, std::span<const std::string> arguments) {
+    const auto noteRecord = [&](const std::string& path) {
+        if (std::ranges::find(entry_.records, path, &RecordChange::path) == entry_.records.end()) {
+            entry_.records.push_back({path, std::nullopt, std::nullopt});
+        }
+    };
+    if (tool == systempath::nicl) {
+        if (const auto change = directoryChange(arguments); change && recordPath(change->path)) {
+            noteRecord(change->path);
+            if (change->property == "name" && change->values.size() == 1) {
+                noteRecord(change->path.substr(0, change->path.rfind('/') + 1) + change->values.front());
+            }
+        }
+    } else if ((tool == systempath::chown || tool == systempath::chmod) && arguments.size() == 2) {
+        const std::string& path = arguments[1];
+        const auto state = folderStateOf(path);
+        if (state && std::ranges::find(entry_.folders, path, &FolderStep::path) == entry_.folders.end()) {
+            entry_.folders.push_back({path, *state, *state});
+        }
+    }
+}
+
+void Recorder::outputHasEnded() {
+    authority_->outputHasEnded();
+}
+
+void Recorder::settle() {
+    if (pending_) {
+        pending_->settle();
+    }
+}
+
+void Recorder::takeBack() {
+    if (pending_) {
+        pending_->takeBack();
+    }
+}
+
+void Recorder::endAction() {
+    if (pending_) {
+        pending_->endAction();
+    }
+    if (before_ && before_->status().isOk()) {
+        finish();
+    }
+    before_.reset();
+    entry_ = {};
+    setsPassword_ = false;
+    undoFailed_ = false;
+}
+
+void Recorder::beginUndo(std::int64_t undone, std::string title) {
+    entry_.undoes = undone;
+    entry_.title = std::move(title);
+}
+
+void Recorder::finish() {
+    const platform::Host& host = platform::Host::current();
+    const DirectoryView now(host.localDomain().storeFile());
+    for (RecordChange& record : entry_.records) {
+        record.before = before_->directory().record(record.path);
+        record.after = now.record(record.path);
+    }
+    std::erase_if(entry_.records,
+                  [](const RecordChange& record) { return isSame(record.before, record.after); });
+    for (FileChange& file : before_->files) {
+        file.after = settingsBytes(file.path);
+        if (file.before != file.after) {
+            entry_.files.push_back(std::move(file));
+        }
+    }
+    for (FolderStep& folder : entry_.folders) {
+        folder.after = folderStateOf(folder.path).value_or(folder.before);
+    }
+    std::erase_if(entry_.folders,
+                  [](const FolderStep& folder) { return folder.before.isSame(folder.after); });
+    if (!entry_.canComeBack() && !setsPassword_ && entry_.undoes == 0) {
+        return;
+    }
+    entry_.hasFailed = entry_.undoes == 0 ? entry_.hasFailed : undoFailed_;
+    entry_.time = std::llround(host.clock().now() + referenceDate);
+    entry_.user = loginName();
+    if (entry_.undoes == 0) {
+        entry_.title = titleOf(entry_);
+    }
+    if (const platform::Status status = store_.add(entry_); !status.isOk()) {
+        NSLog("What this action has changed is not kept in the history: %@", status.text());
+    }
+}
+
+} // namespace review

@@ -1,0 +1,61 @@
+#pragma once
+
+#include "platform/foundation/Services.h"
+#include "platform/security/Authority.h"
+#include "review/HistoryStore.h"
+
+#include <memory>
+#include <set>
+#include <string>
+
+namespace review {
+
+/// Stands before a host's authority and keeps what each action changes: at its first run a copy of all that
+/// runs can change, at its end what it has become. What cannot be kept is logged, and stops no action.
+class Recorder : public platform::Authority, public platform::PendingWrites {
+  public:
+    /// `services` are those of the host that this is made for.
+    explicit Recorder(const platform::Services& services);
+    ~Recorder() override;
+
+    [[nodiscard]] std::unique_ptr<platform::AuthorizationSession> createSession(OSStatus* status) override;
+    [[nodiscard]] OSStatus copyRights(platform::AuthorizationSession& session,
+                                      const AuthorizationRights& rights, AuthorizationFlags flags) override;
+    void destroyRights(platform::AuthorizationSession& session) override;
+    [[nodiscard]] OSStatus execute(platform::AuthorizationSession& session, const std::string& tool,
+                                   std::span<const std::string> arguments, int* output) override;
+    void outputHasEnded() override;
+
+    void settle() override;
+    void takeBack() override;
+    void endAction() override;
+
+    /// The action that is under way takes the entry of this number back; its own is titled so.
+    void beginUndo(std::int64_t undone, std::string title);
+
+    /// It has not got to its end.
+    void failUndo() { undoFailed_ = true; }
+
+    [[nodiscard]] const HistoryStore& store() const { return store_; }
+
+  private:
+    class Before; // what runs can change, as it was at the action's first run
+
+    void note(const std::string& tool, std::span<const std::string> arguments);
+    void finish();
+
+    std::shared_ptr<platform::Authority> authority_;
+    std::shared_ptr<platform::PendingWrites> pending_; ///< may be null
+    HistoryStore store_;
+    std::unique_ptr<Before> before_; ///< null before the action's first run
+    HistoryEntry entry_;             ///< of the action that is under way
+    bool setsPassword_ = false;
+    bool undoFailed_ = false;
+};
+
+/// The state of a folder; none when it cannot be examined.
+[[nodiscard]] std::optional<FolderState> folderStateOf(const std::string& path);
+/// The bytes of a settings file; none when there is no such file, or it cannot be read.
+[[nodiscard]] std::optional<std::string> settingsBytes(const std::string& path);
+
+} // namespace review

@@ -1,0 +1,136 @@
+#include "platform/foundation/Host.h"
+#include "review/DirectoryView.h"
+#include "review/History.h"
+#include "support/DrawnState.h"
+
+#include <array>
+#include <set>
+
+namespace {
+
+/// The application with a history before its authority.
+class HistoryTest : public DrawnState {
+  protected:
+    void beginWithHistory() {
+        platform::Services services = host.host().services();
+        services.historyFile = historyFile();
+        services.accountNames = std::make_shared<platform::DirectoryAccounts>(host.storeFile().string());
+        history.emplace(services);
+        inner.emplace(std::move(services));
+        BRController::registerClass();
+        AboutBox::registerClass();
+        begin();
+        NSApp().dispatch([] {}); // the start is an action of its own: it may have migrated records
+    }
+
+    void TearDown() override {
+        DrawnState::TearDown();
+        interface.reset();
+        inner.reset();
+    }
+
+    [[nodiscard]] std::string historyFile() const { return (host.root() / "history.db").string(); }
+
+    /// All that an action can change: records by their paths, settings files, folders.
+    [[nodiscard]] std::map<std::string, std::string> state() const {
+        std::map<std::string, std::string> all = {{"smb.conf", conf()}, {"afp", afp()}};
+        const review::DirectoryView directory(host.storeFile().string());
+        for (const char* parent : {"/users", "/groups", "/config/Brindle"}) {
+            for (const std::string& name : directory.names(parent)) {
+                const std::string path = std::string(parent) + "/" + name;
+                std::string& text = all[path];
+                const auto properties = directory.record(path).value();
+                for (const auto& property : properties) {
+                    text += property.name + ":";
+                    for (const std::string& value : property.values) {
+                        text += " \"" + value + "\"";
+                    }
+                    text += "\n";
+                }
+            }
+        }
+        for (const auto& [path, text] : everything()) {
+            if (std::filesystem::is_directory(path)) {
+                all[path] = text;
+            }
+        }
+        return all;
+    }
+
+    /// The newest entry's number; 0 when there is none.
+    [[nodiscard]] std::int64_t newest() const {
+        const auto entries = history->entries();
+        EXPECT_TRUE(entries.isOk()) << entries.status().text();
+        return entries->empty() ? 0 : entries->front().number;
+    }
+
+    /// Takes back; returns why not.
+    [[nodiscard]] std::string undo(std::optional<std::int64_t> number = std::nullopt) {
+        const auto plan = history->describeUndo(number);
+        if (!plan.isOk() || !plan->refusal.empty()) {
+            return plan.isOk() ? plan->refusal : plan.status().text();
+        }
+        std::string failure;
+        NSApp().dispatch([&] {
+            failure = history->undo(*plan).text();
+            reviewer->rereadEverything();
+        });
+        return failure;
+    }
+
+    std::vector<std::string> titles() const {
+        std::vector<std::string> texts;
+        for (const review::HistoryEntry& entry : *history->entries()) {
+            texts.push_back(std::to_string(entry.number) + " " + entry.title + " " + outcomeOf(entry));
+        }
+        return texts;
+    }
+
+    void act(const std::string& operation) {
+        NSApp().dispatch([&] { send(operation); });
+    }
+
+    std::optional<review::History> history;
+    std::optional<platform::Host> inner;
+};
+
+TEST_P(HistoryTest, BringsBackAllThatAnActionHasChanged) {
+    fillDirectory();
+    fillFiles();
+    host.allowUnaskedAlerts();
+    beginWithHistory();
+    for (int step = 0; step < 12; ++step) {
+        edit();
+        const std::string operation = anOperation();
+        SCOPED_TRACE(operation + ", step " + std::to_string(step));
+        NSControl* sender = interface->findWiredTo(operation);
+        if (sender == nullptr || !sender->isEnabled()) {
+            continue;
+        }
+        const auto before = state();
+        const std::int64_t earlier = newest();
+        const review::Plan plan = reviewer->planSteps(*sender);
+        for (std::size_t ask = 0; plan.blocks.empty() && ask < plan.asks.size(); ++ask) {
+            host.answerAlert(plan.asks[ask].title, plan.asks[ask].button);
+        }
+        NSApp().dispatch([&] { sender->sendAction(); });
+        const auto after = state();
+        ASSERT_EQ(newest() != earlier, after != before) << "what changed something is an entry";
+        if (NSWindow* sheet = NSApp().attachedSheet()) {
+            NSApp().dispatch([sheet] { NSApp().endSheet(sheet, 0); }); // a password, which changes none of it
+        }
+        if (after == before) {
+            continue;
+        }
+        const std::int64_t entry = earlier + 1;
+        ASSERT_EQ(undo(entry), "");
+        EXPECT_EQ(state(), before);
+        ASSERT_EQ(undo(), "") << "an undo is an entry, too";
+        EXPECT_EQ(state(), after);
+        ASSERT_FALSE(HasFailure());
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Drawn, HistoryTest, testing::Range(1U, 26U));
+
+} // namespace
