@@ -24,6 +24,7 @@ int runWindow(Application& application, char** argv) {
     application.setPresenter(window.presenter());
     application.load();
     window.useReviewer(*application.reviewer());
+    window.useHistory(application.history());
     const int status = window.run([&] { application.launch(); });
     application.end();
     return status;
@@ -35,6 +36,7 @@ int takeSnapshots(Application& application, char** argv, const std::string& fold
     application.setPresenter(window.presenter());
     application.load();
     window.useReviewer(*application.reviewer());
+    window.useHistory(application.history());
     application.launch();
     std::string error;
     const bool taken = window.takeSnapshots(folder, error);

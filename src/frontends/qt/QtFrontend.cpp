@@ -63,6 +63,10 @@ void QtFrontend::useReviewer(review::Reviewer& reviewer) {
     implementation_->presenter->useReviewer(reviewer);
 }
 
+void QtFrontend::useHistory(const review::History& history) {
+    implementation_->presenter->useHistory(history);
+}
+
 int QtFrontend::run(const std::function<void()>& launch) {
     QtPresenter& presenter = *implementation_->presenter;
     QTimer::singleShot(0, &implementation_->application, [&presenter, &launch] {

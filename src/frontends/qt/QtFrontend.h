@@ -7,8 +7,9 @@
 #include <string>
 
 namespace review {
+class History;
 class Reviewer;
-}
+} // namespace review
 
 /// The window front-end: the Qt application object, and the presenter that renders every interface file that
 /// is loaded. One a process at a time, main thread only. Made before the interface is loaded:
@@ -44,6 +45,10 @@ class QtFrontend {
     /// Has the main window ask before an action that holds a warning, and offer what a reviewer can tell.
     /// After the main interface was loaded; `reviewer` outlives the windows.
     void useReviewer(review::Reviewer& reviewer);
+
+    /// Has the main window take changes back and show the history. After useReviewer; `history` outlives the
+    /// windows.
+    void useHistory(const review::History& history);
 
     /// Shows the main window, calls `launch` as the first event, and runs the event loop until the
     /// application has terminated. Answers the exit status. All windows are gone when it returns, so the

@@ -3,11 +3,13 @@
 #include "frontends/qt/Dialogs.h"
 #include "frontends/qt/NodeAttributes.h"
 #include "frontends/qt/TableView.h"
+#include "frontends/qt/WindowHistory.h"
 #include "frontends/qt/WindowReview.h"
 #include "platform/foundation/NSLog.h"
 
 #include <QApplication>
 #include <QDesktopServices>
+#include <QMenu>
 #include <QUrl>
 
 #include <algorithm>
@@ -130,6 +132,14 @@ void QtPresenter::useReviewer(review::Reviewer& reviewer) {
     reviewer_ = &reviewer;
     if (auto* window = qobject_cast<QMainWindow*>(mainWidget_)) {
         new WindowReview(reviewer, *window, *actions_.front(), *queue_); // the window's child
+    }
+}
+
+void QtPresenter::useHistory(const review::History& history) {
+    auto* window = qobject_cast<QMainWindow*>(mainWidget_);
+    auto* menu = window == nullptr ? nullptr : window->findChild<QMenu*>("changesMenu");
+    if (menu != nullptr && reviewer_ != nullptr) {
+        new WindowHistory(history, *reviewer_, *window, *menu, *queue_); // the window's child
     }
 }
 

@@ -39,6 +39,8 @@ class QtPresenter : public platform::Presenter {
 
     /// Gives the main window its side of the review.
     void useReviewer(review::Reviewer& reviewer);
+    /// Gives it its history. After useReviewer.
+    void useHistory(const review::History& history);
 
     [[nodiscard]] RefreshQueue& queue() const { return *queue_; }
 

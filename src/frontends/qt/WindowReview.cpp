@@ -122,6 +122,7 @@ void WindowReview::showRemarks() {
 void WindowReview::addMenu() {
     QList<QAction*> menus = window_.menuBar()->actions();
     auto* menu = new QMenu(localized("Changes"), window_.menuBar());
+    menu->setObjectName("changesMenu");
     // The last menu is the help's, as everywhere.
     window_.menuBar()->insertMenu(menus.isEmpty() ? nullptr : menus.constLast(), menu);
     menu->addAction(localized("What Would This Do?"), this, [this] { planButtonInUse(); })

@@ -1,0 +1,219 @@
+#include "frontends/qt/WindowHistory.h"
+
+#include "frontends/qt/ReviewDialog.h"
+#include "platform/appkit/NSAlert.h"
+#include "platform/foundation/NSBundle.h"
+#include "platform/foundation/NSString.h"
+#include "review/TextDifference.h"
+
+#include <QDateTime>
+#include <QDialog>
+#include <QDialogButtonBox>
+#include <QFontDatabase>
+#include <QHeaderView>
+#include <QMenu>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QTreeWidget>
+#include <QVBoxLayout>
+
+namespace {
+
+constexpr int dialogWidth = 720;
+constexpr int dialogHeight = 480;
+constexpr int numberRole = Qt::UserRole;
+
+QString localized(const char* key) {
+    return shown(NSLocalizedString(key));
+}
+
+void showProblem(const std::string& title, const std::string& text) {
+    NSRunAlertPanel(title, "%@", NSLocalizedString("OK"), std::nullopt, std::nullopt, text);
+}
+
+/// What taking back would do, in the form in which every action is reviewed.
+review::Plan planOf(const review::UndoPlan& undo) {
+    review::Plan plan;
+    plan.operation = undo.title;
+    for (const std::string& loss : undo.losses) {
+        plan.warnings.push_back({"lost", loss});
+    }
+    plan.runs = undo.records;
+    for (const review::FileChange& file : undo.files) {
+        plan.runs.push_back({"/bin/cp", {"", file.path}, ""});
+    }
+    plan.runs.insert(plan.runs.end(), undo.folders.begin(), undo.folders.end());
+    return plan;
+}
+
+QString outcomeText(const review::HistoryEntry& entry) {
+    if (entry.isUndone) {
+        return localized("taken back");
+    }
+    return entry.hasFailed ? localized("failed") : localized("done");
+}
+
+std::string_view textOf(const std::optional<std::string>& bytes) {
+    return bytes ? std::string_view(*bytes) : std::string_view();
+}
+
+/// The runs with what their tools said, and the lines of smb.conf that went and came.
+QString detailsOf(const review::HistoryEntry& entry) {
+    QString text;
+    for (const review::PastRun& run : entry.runs) {
+        text += shown(run.tool);
+        for (const std::string& argument : run.arguments) {
+            text += QLatin1Char(' ') + shown(argument);
+        }
+        text += QLatin1Char('\n');
+        if (!run.output.empty()) {
+            text += QLatin1String("    ") + shown(run.output).trimmed() + QLatin1Char('\n');
+        }
+    }
+    for (const review::FileChange& file : entry.files) {
+        text += QLatin1Char('\n') + shown(file.path) + QLatin1Char('\n');
+        for (const review::LineChange& line :
+             review::lineChanges(review::linesOf(textOf(file.before)), review::linesOf(textOf(file.after)))) {
+            const bool goes = line.kind == review::LineChange::Kind::Goes;
+            text += QLatin1String(goes ? "- " : "+ ") + shown(line.line) + QLatin1Char('\n');
+        }
+    }
+    for (const review::FolderStep& folder : entry.folders) {
+        text += shown(folder.path) +
+                QString::asprintf(": %04o -> %04o, ", folder.before.mode, folder.after.mode) +
+                shown(folder.before.accounts + " -> " + folder.after.accounts) + QLatin1Char('\n');
+    }
+    return text;
+}
+
+/// The entries, the newest first, and what the selected one did.
+class HistoryDialog : public QDialog {
+  public:
+    HistoryDialog(const review::History& history, WindowHistory& owner, QWidget* parent)
+        : QDialog(parent), history_(history) {
+        setObjectName("history");
+        setWindowTitle(localized("History"));
+        resize(dialogWidth, dialogHeight);
+        list_ = new QTreeWidget;
+        list_->setObjectName("historyList");
+        list_->setRootIsDecorated(false);
+        list_->setUniformRowHeights(true);
+        list_->setHeaderLabels(
+            {localized("When"), localized("What"), localized("Who"), localized("Outcome")});
+        list_->header()->setSectionResizeMode(1, QHeaderView::Stretch);
+        list_->header()->setStretchLastSection(false);
+        details_ = new QPlainTextEdit;
+        details_->setObjectName("historyDetails");
+        details_->setReadOnly(true);
+        details_->setTabChangesFocus(true);
+        details_->setLineWrapMode(QPlainTextEdit::NoWrap);
+        details_->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
+        details_->setPlaceholderText(localized("Select a change to see what it did."));
+        auto* buttons = new QDialogButtonBox;
+        auto* close = buttons->addButton(localized("Close"), QDialogButtonBox::RejectRole);
+        close->setDefault(true);
+        takeBack_ = buttons->addButton(localized("Take Back…"), QDialogButtonBox::ActionRole);
+        takeBack_->setAutoDefault(false);
+        connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
+        connect(takeBack_, &QPushButton::clicked, this, [this, &owner] {
+            if (const auto* item = list_->currentItem()) {
+                owner.takeBack(item->data(0, numberRole).toLongLong(), this);
+                fill();
+            }
+        });
+        connect(list_, &QTreeWidget::currentItemChanged, this, [this] { showCurrent(); });
+        auto* layout = new QVBoxLayout(this);
+        layout->addWidget(list_, 2);
+        layout->addWidget(details_, 1);
+        layout->addWidget(buttons);
+        fill();
+    }
+
+  private:
+    void fill() {
+        list_->clear();
+        auto entries = history_.entries();
+        if (!entries.isOk()) {
+            details_->setPlainText(shown(entries.status().text()));
+        }
+        entries_ = std::move(entries).valueOr({});
+        for (const review::HistoryEntry& entry : entries_) {
+            const QString when =
+                QLocale().toString(QDateTime::fromSecsSinceEpoch(entry.time), QLocale::ShortFormat);
+            auto* item =
+                new QTreeWidgetItem(list_, {when, shown(entry.title), shown(entry.user), outcomeText(entry)});
+            item->setData(0, numberRole, QVariant::fromValue<qlonglong>(entry.number));
+        }
+        list_->resizeColumnToContents(0);
+        list_->resizeColumnToContents(2);
+        list_->resizeColumnToContents(3);
+        showCurrent();
+    }
+
+    void showCurrent() {
+        const auto* item = list_->currentItem();
+        const auto index = item == nullptr ? -1 : list_->indexOfTopLevelItem(list_->currentItem());
+        const review::HistoryEntry* entry = index < 0 ? nullptr : &entries_[static_cast<std::size_t>(index)];
+        takeBack_->setEnabled(entry != nullptr && !entry->isUndone && entry->canComeBack());
+        if (entry != nullptr) {
+            details_->setPlainText(detailsOf(*entry));
+        }
+    }
+
+    const review::History& history_;
+    std::vector<review::HistoryEntry> entries_; ///< in the list's order
+    QTreeWidget* list_ = nullptr;
+    QPlainTextEdit* details_ = nullptr;
+    QPushButton* takeBack_ = nullptr;
+};
+
+} // namespace
+
+WindowHistory::WindowHistory(const review::History& history, review::Reviewer& reviewer, QMainWindow& window,
+                             QMenu& menu, RefreshQueue& queue)
+    : QObject(&window), history_(history), reviewer_(reviewer), window_(window), queue_(queue) {
+    QAction* first = menu.actions().isEmpty() ? nullptr : menu.actions().constFirst();
+    undo_ = new QAction(localized("Undo"), this);
+    undo_->setObjectName("undo");
+    connect(undo_, &QAction::triggered, this, [this] { takeBack(std::nullopt, &window_); });
+    auto* all = new QAction(localized("History…"), this);
+    all->setObjectName("showHistory");
+    connect(all, &QAction::triggered, this, [this] { showHistory(); });
+    menu.insertAction(first, undo_);
+    menu.insertAction(first, all);
+    menu.insertSeparator(first);
+    connect(&menu, &QMenu::aboutToShow, this, [this] { nameUndo(); });
+}
+
+void WindowHistory::nameUndo() {
+    const auto plan = history_.describeUndo(std::nullopt);
+    undo_->setEnabled(plan.isOk());
+    undo_->setText(plan.isOk() ? title(stringWithFormat(NSLocalizedString("Undo “%@”"), plan->entry.title))
+                               : localized("Undo"));
+}
+
+bool WindowHistory::takeBack(std::optional<std::int64_t> number, QWidget* parent) {
+    bool isDone = false;
+    dispatchUserEvent(queue_, [&] {
+        const auto plan = history_.describeUndo(number);
+        if (!plan.isOk() || !plan->refusal.empty()) {
+            showProblem(NSLocalizedString("Not Possible"),
+                        plan.isOk() ? plan->refusal : plan.status().text());
+            return;
+        }
+        if (!askAboutPlan(planOf(*plan), parent)) {
+            return;
+        }
+        const platform::Status status = history_.undo(*plan);
+        reviewer_.rereadEverything();
+        isDone = status.isOk();
+        if (!isDone) {
+            showProblem(NSLocalizedString("Not Taken Back"), status.text());
+        }
+    });
+    return isDone;
+}
+
+void WindowHistory::showHistory() {
+    HistoryDialog(history_, *this, &window_).exec();
+}
