@@ -75,7 +75,7 @@ void describeServerActions(Description& controller) {
 BRController::BRController() = default;
 
 BRController::~BRController() {
-    // An application that did not end the orderly way must not leave an observer behind.
+    // An application that did not end in the usual way must not leave an observer registered.
     NSNotificationCenter::defaultCenter().removeObserver(this);
 }
 

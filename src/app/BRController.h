@@ -23,9 +23,9 @@ class KWIntegerFormatter;
 class KWSMBFormatter;
 class NSBundle;
 
-/// The application's one controller: it stands behind every control of the main window, reads the directory
+/// The application's one controller. It handles every control of the main window, reads the directory
 /// and the two configuration files, and writes them through the shared NiutilTask. Made by the main interface
-/// file; its life is the process's. An action takes the control that sends it, which may be null, and answers
+/// file; its life is the process's. An action takes the control that sends it, which may be null, and returns
 /// nothing: what the user must know is shown in alerts, and what the directory really holds by the lists that
 /// are read again afterwards. Every decision reads the directory afresh.
 class BRController : public BROutlets,
@@ -137,7 +137,7 @@ class BRController : public BROutlets,
 
     // Beside the window (BRController+Copy.cpp).
     /// Takes over the state of `other`, the controller of another host, but not that of the controls. The
-    /// password sheet is up where `sheetIsUp`. Shows nothing and tells nobody.
+    /// password sheet is up where `sheetIsUp`. Shows nothing and sends no notification.
     void copyState(const BRController& other, bool sheetIsUp);
     /// Reads smb.conf again: the model, the rows of the share table and the SMB page, where edits that were
     /// not saved are gone. The selected share stays selected; the editor shows it as it is now.
@@ -152,7 +152,8 @@ class BRController : public BROutlets,
     [[nodiscard]] std::string selectedUserName() const;
     [[nodiscard]] std::string selectedGroupName() const;
 
-    // The lists behind the tables, in their rows' order.
+    // The lists that the tables show, in their rows' order. Both are part of the controller's public
+    // operations.
     [[nodiscard]] const std::vector<NormalShare>& currentShares() const { return currentShares_; }
 
     void setCurrentShares(std::vector<NormalShare> shares) { currentShares_ = std::move(shares); }
@@ -187,7 +188,7 @@ class BRController : public BROutlets,
     void showFolderPrivileges(const std::string& path);
     void showShare(const NormalShare& share);
     void showNoShare();
-    /// Names the share that deleteShare would delete, so that nobody deletes another than the one meant.
+    /// Names the share that deleteShare would delete, so that the user sees which one it is.
     void showSelectedShareName();
     /// False, after an alert, when the fields cannot make a share.
     [[nodiscard]] bool validateShareFields() const;
@@ -196,7 +197,7 @@ class BRController : public BROutlets,
     void selectShareAfterWrite(int rowBefore);
 
     // Accounts (BRController+Accounts.cpp).
-    /// The row of `rows`, the list behind the table, that is selected in it; null when none is.
+    /// The row of `rows`, the list that the table shows, that is selected in it; null when none is.
     [[nodiscard]] static const BRRow* selectedRow(const NSTableView& table, const std::vector<BRRow>& rows);
     [[nodiscard]] bool checkUser(const std::string& shortNameText) const;
     [[nodiscard]] bool checkGroup(const std::string& groupNameText) const;
@@ -221,7 +222,7 @@ class BRController : public BROutlets,
     void changeMembership(MembershipChange change);
     void beginPasswordSheet();
     /// Draws a table again. A selected row that is no longer there leaves the editor as when none is
-    /// selected, since the table itself tells nobody: its buttons would act on an account that is gone.
+    /// selected, since the table sends no notification: its buttons would act on an account that is gone.
     void reloadUserTable();
     void reloadGroupTable();
 
@@ -235,7 +236,7 @@ class BRController : public BROutlets,
     void showPublicShared(const BRRow* row);
 
     // SMB settings.
-    /// refreshSMBProperties, guarded; the notice tells when it ended half way.
+    /// refreshSMBProperties, guarded; the notice says when it stopped part way.
     void showSMBSettings(NSControl* sender);
     /// Shows the alert for writeSMBConfFile's result, none for 0, and the notice anew.
     void showSMBWriteResult(int result);
@@ -246,7 +247,7 @@ class BRController : public BROutlets,
     NSBundle* mainBundle = nullptr;
     std::optional<NSMutableDictionary> afsProps; ///< none when the AFP server's file could not be read
     std::unique_ptr<SMBConf> smbConf;
-    bool smbSettingsInPart = false; ///< the last filling of the SMB page ended half way
+    bool smbSettingsInPart = false; ///< the last refresh of the SMB page stopped part way
     std::vector<NormalShare> currentShares_;
     std::vector<BRRow> userShares;
     std::vector<BRRow> groupShares;

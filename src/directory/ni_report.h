@@ -11,18 +11,18 @@
 // property its values joined by "," (or "#NoValue#") and a tab, then "\n". Values are not escaped. Main
 // thread only.
 
-/// Writes "LABEL: the status's text" and a line break to the system log. Returns.
+/// Writes "LABEL: the status's text" and a line break to the system log, and returns normally.
 void errexit(const char* label, ni_status status);
 
-/// Appends the line of the record `id`. Answers 0; what cannot be read is logged and shows as "#NoValue#".
+/// Appends the line of the record `id`. Returns 0; what cannot be read is logged and shows as "#NoValue#".
 int ni_report_dir(ni_domain* domain, ni_id id, std::span<const std::string> properties,
                   std::vector<std::string>& output);
 
-/// Appends the lines of the children of the directory `id`, in its order. Answers 0.
+/// Appends the lines of the children of the directory `id`, in its order. Returns 0.
 int ni_report(ni_domain* domain, ni_id id, std::span<const std::string> properties,
               std::vector<std::string>& output);
 
-/// Opens the local domain and appends the report of the directory at `path`. Answers 0, or the status of the
+/// Opens the local domain and appends the report of the directory at `path`. Returns 0, or the status of the
 /// step that failed, which is logged.
 int ni_report_local(const std::string& path, std::span<const std::string> properties,
                     std::vector<std::string>& output);

@@ -6,8 +6,8 @@
 #include <utility>
 
 /// One share point as the share table shows it: joined from its directory record, the SMB section of the same
-/// folder and the folder's permission bits. What the table shows is kept as display text. A record is rebuilt
-/// whenever the inventory is read.
+/// folder and the folder's permission bits. What the table shows is kept as display strings. A record is
+/// rebuilt whenever the inventory is read.
 class NormalShare {
   public:
     [[nodiscard]] const std::string& ShareName() const { return _sharename; }
@@ -19,7 +19,7 @@ class NormalShare {
 
     [[nodiscard]] const std::string& DirectoryPath() const { return _directorypath; }
 
-    // Privilege texts of the folder, not account names.
+    // The folder's privileges as strings, not account names.
     [[nodiscard]] const std::string& Owner() const { return _owner; }
 
     [[nodiscard]] const std::string& Group() const { return _group; }
@@ -46,6 +46,7 @@ class NormalShare {
 
     void setAFPName(std::string text) { _afpname = std::move(text); }
 
+    // Part of the record's public operations; setPathandPermissions sets these four.
     void setDirectoryPath(std::string text) { _directorypath = std::move(text); }
 
     void setOwner(std::string text) { _owner = std::move(text); }
@@ -69,8 +70,8 @@ class NormalShare {
 
     void setHasRecord(bool has) { hasRecord_ = has; }
 
-    /// Stores `path` as the folder and sets the three privilege texts from its mode, links followed; a folder
-    /// that cannot be examined has no privileges.
+    /// Stores `path` as the folder and sets the three privilege strings from its mode, links followed; a
+    /// folder that cannot be examined has no privileges.
     void setPathandPermissions(const std::string& path);
 
     /// "r/w", "r", "w" or "" for the privilege codes 3, 2, 1, 0; "" for any other.
@@ -79,7 +80,7 @@ class NormalShare {
     /// The field whose getter has that name, or null for an unknown name.
     [[nodiscard]] const std::string* valueForKey(std::string_view getterName) const;
 
-    /// For the log.
+    /// For the log. Part of the record's public operations; nothing here calls it.
     [[nodiscard]] std::string description() const;
 
   private:

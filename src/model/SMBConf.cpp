@@ -14,7 +14,7 @@
 
 namespace {
 
-// What writeSMBConfFile answers.
+// What writeSMBConfFile returns.
 constexpr int written = 0;
 constexpr int copyFailed = 1;
 constexpr int notWritten = 2;
@@ -74,24 +74,24 @@ void SMBConf::parseSMBConfFile() {
         NSLog("The SMB configuration %@ cannot be read (%@) and will not be written.  Make it readable and "
               "start again.",
               _path, contents.status().why());
-        _unreadableReason = contents.status().why();
+        unreadableReason_ = contents.status().why();
     }
     if (contents.isOk()) {
-        _bytes = std::move(*contents);
+        bytes_ = std::move(*contents);
     }
     parse();
 }
 
 void SMBConf::parse() {
-    _memory = std::make_unique<std::pmr::monotonic_buffer_resource>(std::max<std::size_t>(_bytes.size(), 1),
+    memory_ = std::make_unique<std::pmr::monotonic_buffer_resource>(std::max<std::size_t>(bytes_.size(), 1),
                                                                     &LargeBlocks::instance());
-    SMBParser parser(_bytes, _memory.get());
+    SMBParser parser(bytes_, memory_.get());
     parser.parse();
     _entries = std::move(parser.entries);
     _global = parser.global;
     _homes = parser.homes;
     if (!keepsLayout()) {
-        _lossNotices = std::move(parser.lossNotices);
+        lossNotices_ = std::move(parser.lossNotices);
     }
 }
 
@@ -109,7 +109,7 @@ bool SMBConf::isGroup(std::string_view line) {
 
 std::unique_ptr<SMBConf> SMBConf::ofText(std::string text) {
     std::unique_ptr<SMBConf> made(new SMBConf(Unread())); // make_unique cannot reach the constructor
-    made->_bytes = std::move(text);
+    made->bytes_ = std::move(text);
     made->parse();
     return made;
 }
@@ -117,11 +117,11 @@ std::unique_ptr<SMBConf> SMBConf::ofText(std::string text) {
 std::unique_ptr<SMBConf> SMBConf::copy() const {
     std::unique_ptr<SMBConf> made(new SMBConf(Unread()));
     made->_path = _path;
-    made->_bytes = _bytes;
-    made->_textOnDisk = _textOnDisk;
-    made->_hasWritten = _hasWritten;
-    made->_lossNotices = _lossNotices;
-    made->_unreadableReason = _unreadableReason;
+    made->bytes_ = bytes_;
+    made->textOnDisk_ = textOnDisk_;
+    made->hasWritten_ = hasWritten_;
+    made->lossNotices_ = lossNotices_;
+    made->unreadableReason_ = unreadableReason_;
     made->_entries.reserve(_entries.size());
     for (const auto& entry : _entries) {
         made->_entries.push_back(std::make_unique<SMBShare>(*entry));
@@ -149,7 +149,7 @@ void SMBConf::setHomes(std::unique_ptr<SMBShare> entry) {
 
 std::string SMBConf::writtenText() const {
     std::string text;
-    text.reserve(_bytes.size() + _bytes.size() / 4);
+    text.reserve(bytes_.size() + bytes_.size() / 4);
     for (const auto& entry : _entries) {
         appendEntry(text, *entry);
     }
@@ -171,7 +171,7 @@ std::string SMBConf::textToWrite(std::vector<SMBConflict>* conflicts) const {
 }
 
 int SMBConf::writeSMBConfFile() {
-    if (!_unreadableReason.empty()) {
+    if (!unreadableReason_.empty()) {
         NSLog("The SMB configuration %@ was not written because it could not be read at the start.", _path);
         return notWritten;
     }
@@ -185,9 +185,9 @@ int SMBConf::writeSMBConfFile() {
     if (!NiutilTask::sharedInstance().cp(temporary, _path)) {
         return copyFailed;
     }
-    _lossNotices.clear();
-    _textOnDisk = std::move(text);
-    _hasWritten = true;
+    lossNotices_.clear();
+    textOnDisk_ = std::move(text);
+    hasWritten_ = true;
     if (const auto status = removeFileAtPath(temporary); !status.isOk()) {
         NSLog("%@ could not be removed: %@", temporary, status.why());
         return notRemoved;

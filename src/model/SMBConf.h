@@ -32,11 +32,13 @@ class SMBConf {
 
     [[nodiscard]] const std::string& Path() const { return _path; }
 
+    /// Part of the model's public operations; nothing here calls it.
     void setPath(std::string path) { _path = std::move(path); }
 
     [[nodiscard]] const EntryList& Entries() const { return _entries; }
 
-    /// Global() and Homes() are none afterwards.
+    /// Global() and Homes() are none afterwards. Part of the model's public operations; nothing here calls
+    /// it.
     void setEntries(EntryList entries);
 
     /// The last section named exactly "global", or null.
@@ -51,14 +53,14 @@ class SMBConf {
 
     /// What a write would lose, in the file's order; found when the file was read. Empty once it was written,
     /// and on a host that keeps the layout.
-    [[nodiscard]] const std::vector<SMBLossNotice>& lossNotices() const { return _lossNotices; }
+    [[nodiscard]] const std::vector<SMBLossNotice>& lossNotices() const { return lossNotices_; }
 
     /// Why a file that exists could not be read; empty when it was read, or is missing.
-    [[nodiscard]] const std::string& unreadableReason() const { return _unreadableReason; }
+    [[nodiscard]] const std::string& unreadableReason() const { return unreadableReason_; }
 
     /// The file as this model read or wrote it last, empty for a missing one: what is on disk now unless
     /// somebody else changed it.
-    [[nodiscard]] const std::string& textOnDisk() const { return _hasWritten ? _textOnDisk : _bytes; }
+    [[nodiscard]] const std::string& textOnDisk() const { return hasWritten_ ? textOnDisk_ : bytes_; }
 
     // Part of the model's public operations: the parser's tests of one line, leading white space already
     // gone.
@@ -74,13 +76,13 @@ class SMBConf {
     /// `*conflicts`, when not null, gets the settings that somebody else changed in the file, too.
     [[nodiscard]] std::string textToWrite(std::vector<SMBConflict>* conflicts = nullptr) const;
 
-    /// Writes textToWrite(): to ~/smb_test.conf, then over the file by an administrator's copy. Answers 0;
+    /// Writes textToWrite(): to ~/smb_test.conf, then over the file by an administrator's copy. Returns 0;
     /// 1 when the copy failed or was refused (the temporary file stays); 2 when the temporary file could not
     /// be written, or the file could not be read at the start; 3 when the temporary file could not be
     /// removed. The entries stay as they are; lossNotices() is empty once the file was replaced.
     [[nodiscard]] int writeSMBConfFile();
 
-    /// Creates, updates or removes the section of a share, then writes the file. Answers the write's result,
+    /// Creates, updates or removes the section of a share, then writes the file. Returns the write's result,
     /// 0 when there was nothing to write. The change stays in the model when the write fails. The share is
     /// the first section of exactly that name. `sharingSMB` 0 removes it (Global() or Homes() goes with it);
     /// another value updates its two flags, and only 1 makes a new section, at the end. A flag is on for 1
@@ -88,7 +90,7 @@ class SMBConf {
     int modifySMBShare(const std::string& shareName, const std::string& withDirectory,
                        std::int32_t sharingSMB, std::int32_t inherit, std::int32_t guestAccess);
 
-    /// For the log.
+    /// For the log. Part of the model's public operations; nothing here calls it.
     [[nodiscard]] std::string description() const;
 
   private:
@@ -102,14 +104,14 @@ class SMBConf {
 
     explicit SMBConf(Unread /*tag*/) {}
 
-    std::string _bytes;      ///< the file as it was read; the entries' parameters are views of it
-    std::string _textOnDisk; ///< the file as it was written last
-    bool _hasWritten = false;
+    std::string bytes_;      ///< the file as it was read; the entries' parameters are views of it
+    std::string textOnDisk_; ///< the file as it was written last
+    bool hasWritten_ = false;
     /// The lists of parameters that were read: one block for a whole file, freed with the model.
-    std::unique_ptr<std::pmr::memory_resource> _memory;
+    std::unique_ptr<std::pmr::memory_resource> memory_;
     EntryList _entries;
     SMBShare* _global = nullptr;
     SMBShare* _homes = nullptr;
-    std::vector<SMBLossNotice> _lossNotices;
-    std::string _unreadableReason;
+    std::vector<SMBLossNotice> lossNotices_;
+    std::string unreadableReason_;
 };

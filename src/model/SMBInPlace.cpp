@@ -9,7 +9,7 @@
 
 namespace {
 
-/// Replaces [begin, end) of a text.
+/// Replaces [begin, end) of a string.
 struct Edit {
     std::size_t begin = 0;
     std::size_t end = 0;
@@ -20,7 +20,7 @@ bool isBlank(char c) {
     return c == ' ' || c == '\t';
 }
 
-/// Collects the edits of one text and carries them out.
+/// Collects the edits of one string and applies them.
 class Editor {
   public:
     explicit Editor(std::string_view text) : text_(text), lines_(text) {

@@ -15,8 +15,8 @@ inline constexpr std::int32_t SMBCommentGroup = 0; ///< a commented-out section
 inline constexpr std::int32_t SMBComment = 1;      ///< a block of comment lines outside any section
 inline constexpr std::int32_t SMBGroup = 2;        ///< a section
 
-/// A text of bytes in a parameter. What the parser read is a view into the file's bytes, which the model
-/// keeps, so that reading a long file copies nothing; every text made or copied elsewhere is its own.
+/// A string of bytes in a parameter. What the parser read is a view into the file's bytes, which the model
+/// keeps, so that reading a long file copies nothing; every string made or copied elsewhere owns its bytes.
 class SMBText {
   public:
     SMBText() : SMBText(nullptr, Ownership()) {}
@@ -44,7 +44,7 @@ class SMBText {
         return {text.data(), Ownership(text.size(), false)};
     }
 
-    /// Valid until the text is changed or destroyed.
+    /// Valid until this string is changed or destroyed.
     [[nodiscard]] std::string_view view() const { return {bytes_.get(), bytes_.get_deleter().size()}; }
 
     [[nodiscard]] std::string str() const { return std::string(view()); }
@@ -55,7 +55,7 @@ class SMBText {
 
     operator std::string() const { return str(); }
 
-    // One for each kind of text, because both conversions above would serve a comparison.
+    // One for each kind of string, because both conversions above would serve a comparison.
     [[nodiscard]] friend bool operator==(const SMBText& left, const SMBText& right) {
         return left.view() == right.view();
     }
@@ -73,7 +73,8 @@ class SMBText {
     }
 
   private:
-    /// The text's length, and whether its bytes are freed with it. One word, because a file has many texts.
+    /// The string's length, and whether its bytes are freed with it. One word, because a file has many
+    /// strings.
     class Ownership {
       public:
         Ownership() = default;
@@ -166,7 +167,7 @@ class SMBShare {
 
     /// The kind's name, "Error" for any code that is no kind.
     [[nodiscard]] std::string smbTypeToText() const;
-    /// For the log.
+    /// For the log. Part of the entry's public operations.
     [[nodiscard]] std::string description() const;
 
   private:

@@ -16,7 +16,7 @@ std::string groupPath(const std::string& groupName) {
     return stringWithFormat("/groups/%@", groupName);
 }
 
-/// The property's value as readers expect it: not shared is this text, not an empty property.
+/// The property's value as readers expect it: "not shared" is this string, not an empty property.
 std::string publicFolder(bool isShared) {
     return isShared ? "Public" : "<no value>";
 }
@@ -129,7 +129,7 @@ void NiutilTask::runPasswd(const std::string& shortName, const std::string& pass
         return;
     }
     std::vector<std::string> arguments = {".", "-passwd", stringWithFormat("/Users/%@", shortName)};
-    arguments.push_back(passwd); // in the list above it would leave a copy that nobody wipes
+    arguments.push_back(passwd); // in the list above it would leave a copy that is never wiped
     runAndLog(systempath::dscl, arguments, "outString not empty for create passwd: %@", arguments.size() - 1);
     platform::wipe(arguments.back());
 }

@@ -32,7 +32,7 @@ NiutilTask::~NiutilTask() {
 
 bool NiutilTask::isAuthenticated() {
     if (authorizationRef == nullptr) {
-        // Without a session every request below fails, which is all the answer that is needed.
+        // Without a session every request below fails, which is all that callers need to know.
         static_cast<void>(AuthorizationCreate({}, kAuthorizationFlagDefaults, &authorizationRef));
     }
     return copyRights(kAuthorizationFlagExtendRights);

@@ -22,8 +22,8 @@ inline const std::string NiutilDeauthenticatedNotification = "NiutilDeauthentica
 /// operation blocks until its runs have ended.
 ///
 /// An operation that changes something first makes sure that the right is held, asking the user if needed,
-/// and does nothing (answering false) when it is refused. A run fails when its tool wrote anything to its
-/// standard output, or could not be started; a failed run beeps and is logged. Operations that answer a
+/// and does nothing (returning false) when it is refused. A run fails when its tool wrote anything to its
+/// standard output, or could not be started; a failed run beeps and is logged. Operations that return a
 /// boolean stop at the first failed run; the others go on.
 class NiutilTask {
   public:
@@ -89,19 +89,19 @@ class NiutilTask {
     /// Asks for the administrator right with these flags. True when it is granted.
     [[nodiscard]] bool copyRights(AuthorizationFlags flags);
     /// Starts the tool as root and reads its standard output to the end. `secretArgument` is the index of an
-    /// argument that is shown to nobody.
+    /// argument that must not be shown.
     [[nodiscard]] RunResult runTool(const std::string& tool, std::span<const std::string> arguments,
                                     std::optional<std::size_t> secretArgument = std::nullopt);
 
-    // One judged run. `message` is the log's text for unexpected output, with one "%@" for it.
-    /// Answers false at the first check that fails: the caller stops there.
+    // One judged run. `message` is the log message for unexpected output, with one "%@" for it.
+    /// Returns false at the first check that fails: the caller stops there.
     [[nodiscard]] bool runOrStop(const std::string& tool, std::span<const std::string> arguments,
                                  std::string_view message);
     /// Makes both checks, so that one run may log twice: the caller goes on.
     void runAndLog(const std::string& tool, std::span<const std::string> arguments, std::string_view message,
                    std::optional<std::size_t> secretArgument = std::nullopt);
 
-    /// One property of a record to be written, with the log's text for unexpected output.
+    /// One property of a record to be written, with the log message for unexpected output.
     struct Property {
         std::string name;
         std::string value;
@@ -109,7 +109,7 @@ class NiutilTask {
     };
 
     /// Makes the account's record first when `entryMessage` is not empty, then writes the properties in
-    /// order, one with an empty value as a property without a value. Answers false at the first failed run.
+    /// order, one with an empty value as a property without a value. Returns false at the first failed run.
     [[nodiscard]] bool writeAccount(const std::string& path, std::string_view entryMessage,
                                     std::span<const Property> properties);
     /// Sends signal 1 to every process that the listing command prints.

@@ -10,7 +10,7 @@ class KWIntegerFormatter : public NSNumberFormatter {
 
     /// Accepts the edit when what it inserts, from the start of `originalSelection` to the proposed caret, is
     /// nothing but decimal digits of any script. The rest of the field is not looked at, so that a field that
-    /// the program filled with another text can still be corrected. Sets the localized `error` when it
+    /// the program filled with another string can still be corrected. Sets the localized `error` when it
     /// refuses.
     [[nodiscard]] bool isPartialStringValid(std::string& partial, NSRange& proposedSelection,
                                             const std::string& original, NSRange originalSelection,

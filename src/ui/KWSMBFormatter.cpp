@@ -12,7 +12,7 @@ constexpr std::size_t lengthLimit = 15;
 
 bool KWSMBFormatter::isPartialStringValid(const std::string& partial, std::optional<std::string>& newString,
                                           std::string& error) {
-    // The error texts are for the log of refusals only: nothing shows them, so they are not translated.
+    // The error messages are for the log of refusals only: nothing shows them, so they are not translated.
     if (utf16Length(partial) > lengthLimit) {
         error = "String too long.";
     } else if (partial.ends_with(' ')) {
