@@ -16,9 +16,11 @@
 namespace {
 
 constexpr int dialogWidth = 560;
+constexpr int sideMargin = 20;
+constexpr int scrollBarRoom = 20;
 constexpr int markSize = 32;
 constexpr int detailsHeight = 200;
-constexpr int mostRowsHeight = 300;
+constexpr int mostRowsHeight = 360;
 
 QString localized(const char* key) {
     return shown(NSLocalizedString(key));
@@ -85,7 +87,7 @@ class ReviewDialog : public QDialog {
         setObjectName("review");
         setWindowTitle(localized("Review"));
         setMinimumWidth(dialogWidth);
-        layout_->setContentsMargins(20, 20, 20, 16);
+        layout_->setContentsMargins(sideMargin, 20, sideMargin, 16);
         layout_->setSpacing(12);
         layout_->addWidget(scrolled(contentsOf(plan)), 1);
         addDetails(plan);
@@ -166,13 +168,13 @@ class ReviewDialog : public QDialog {
     QScrollArea* scrolled(QWidget* contents) {
         auto* area = new QScrollArea;
         area->setFrameShape(QFrame::NoFrame);
-        area->setWidgetResizable(true);
         area->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+        // Laid out at this width once: wrapped labels in a resizable area ask for the height of a narrow one.
+        constexpr int width = dialogWidth - 2 * sideMargin - scrollBarRoom;
+        const int height = contents->layout()->heightForWidth(width);
+        contents->setFixedSize(width, height);
         area->setWidget(contents);
-        const int width = dialogWidth - 60;
-        const int height =
-            contents->hasHeightForWidth() ? contents->heightForWidth(width) : contents->sizeHint().height();
-        area->setMinimumHeight(std::min(height + 4, mostRowsHeight));
+        area->setMinimumHeight(std::min(height, mostRowsHeight) + 2);
         return area;
     }
 
