@@ -175,6 +175,14 @@ int SMBConf::writeSMBConfFile() {
         NSLog("The SMB configuration %@ was not written because it could not be read at the start.", _path);
         return notWritten;
     }
+    if (keepsLayout()) {
+        // What is kept of the file has to be read: without it, next to nothing would take its place.
+        const auto onDisk = contentsOfFile(_path);
+        if (!onDisk.isOk() && onDisk.status().systemError() != ENOENT) {
+            NSLog("The SMB configuration %@ was not written: %@", _path, onDisk.status().text());
+            return notWritten;
+        }
+    }
     const std::string temporary = stringByExpandingTildeInPath(platform::systempath::temporarySmbConf);
     // Readable by its owner only: the configuration may be.
     std::string text = textToWrite();
