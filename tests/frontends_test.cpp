@@ -62,7 +62,6 @@ TEST(Options, ThatMakeNoSenseAreNamed) {
         {{"--print", "all"}, {"--print", "all", "shares", "users", "groups"}},
         {{"--print", "users", "--script", "-"}, {"--print", "--script"}},
         {{"--snapshot", "a", "--script", "-"}, {"--snapshot", "--script"}},
-        {{"--root", "a", "--system"}, {"--root", "--system"}},
         {{"--system", "--serve"}, {"--serve", "--system"}},
         {{"--root", "a", "--root", "a"}, {"--root", "2"}},
         {{"--port", "1"}, {"--port", "--serve"}},

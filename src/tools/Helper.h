@@ -17,6 +17,8 @@
 struct HelperPlace {
     std::string root; ///< the embedded root's folder; empty: this computer itself
     uid_t user = 0;   ///< who runs Brindle: only this user's files are copied
+    /// On this computer, of the files that are Brindle's own (host/SystemFiles.h).
+    std::string systemPrefix = {};
 };
 
 /// What a request asks for.

@@ -60,10 +60,10 @@ std::optional<uid_t> sudoUser() {
 
 /// Why the options are not served; empty when they are, and `place` says then what to work on.
 std::string placeOf(const platform::HostOptions& options, HelperPlace& place) {
-    place = {options.root, ::getuid()};
+    place = {options.root, ::getuid(), {}};
     if (options.system) {
         const auto user = sudoUser();
-        place.user = user.value_or(place.user);
+        place = {{}, user.value_or(place.user), options.root};
         return user && ::geteuid() == 0 ? "" : "--system is served through sudo only";
     }
     if (options.root.empty()) {

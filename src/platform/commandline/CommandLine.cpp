@@ -57,11 +57,9 @@ std::unique_ptr<CLI::App> makeParser(const std::string& program, const std::stri
     parser->formatter(std::make_shared<Formatter>(synopsis));
     parser->set_help_flag("--help", "Print this help");
     parser->set_version_flag("--version", program + " (Brindle) " BRINDLE_VERSION, "Print the version");
-    CLI::Option& root =
-        addText(*parser, "--root", host.root, "DIR",
-                "Work on the embedded root in DIR ($BRINDLE_ROOT, else ~/.local/share/brindle)");
-    parser->add_flag("--system", host.system, "Work on this computer itself (not built yet)")
-        ->excludes(&root);
+    addText(*parser, "--root", host.root, "DIR",
+            "Work on the embedded root in DIR ($BRINDLE_ROOT, else ~/.local/share/brindle)");
+    parser->add_flag("--system", host.system, "Work on this computer itself (not built yet)");
     return parser;
 }
 

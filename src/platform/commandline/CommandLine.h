@@ -15,7 +15,9 @@ namespace platform {
 
 /// Which computer a program works on.
 struct HostOptions {
-    std::string root;    ///< the embedded root's folder; empty for the default
+    /// The embedded root's folder, empty for the default. With `system`, the prefix of the files that are
+    /// Brindle's own on this computer (host/SystemFiles.h), for tests.
+    std::string root;
     bool system = false; ///< this computer itself
 };
 
