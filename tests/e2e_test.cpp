@@ -251,6 +251,10 @@ class Serving : public EndToEnd {
     [[nodiscard]] pid_t serve() const {
         const pid_t brindle = fork();
         if (brindle == 0) {
+            // A test that runs in the background may have been told to ignore some.
+            for (const int signal : {SIGTERM, SIGINT, SIGHUP}) {
+                std::signal(signal, SIG_DFL);
+            }
             platform::EmbeddedServer server(root_.sambaPaths());
             _exit(server.start(port_).isOk() ? ::pause() : 1);
         }
