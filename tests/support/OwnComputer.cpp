@@ -1,0 +1,56 @@
+#include "support/OwnComputer.h"
+
+#include "platform/posix/InputOutput.h"
+#include "platform/posix/Process.h"
+#include "support/Subprocess.h"
+
+#include <cstdlib>
+#include <filesystem>
+#include <vector>
+
+#include <unistd.h>
+
+namespace {
+
+const std::string kScript = BRINDLE_OWN_COMPUTER;
+
+/// Why the tests are skipped; empty when they are on a computer of their own.
+std::string& missing() {
+    static std::string reason = "support/own-computer has not started this";
+    return reason;
+}
+
+/// Starts this program once more, inside. Returns only when that cannot be done.
+void enter(int argc, char** argv) {
+    std::vector<std::string> words = {kScript, std::filesystem::read_symlink("/proc/self/exe")};
+    words.insert(words.end(), argv + 1, argv + argc);
+    ::execv(kScript.c_str(), platform::nullTerminated(words).data());
+    missing() = "there is no program " + kScript;
+}
+
+} // namespace
+
+int runTestsOnOwnComputer(int argc, char** argv) {
+    std::vector<char*> given(argv, argv + argc); // what follows takes its own words out of it
+    testing::InitGoogleTest(&argc, argv);
+    if (std::getenv("BRINDLE_OWN_COMPUTER") != nullptr) {
+        missing().clear();
+    } else if (!GTEST_FLAG_GET(list_tests)) {
+        const Finished check = runProgram({kScript, "--check"});
+        missing() = platform::lastLineOf(check.errors);
+        if (check.status == 0) {
+            enter(static_cast<int>(given.size()), given.data());
+        }
+    }
+    return RUN_ALL_TESTS();
+}
+
+void OwnComputer::SetUp() {
+    if (!missing().empty()) {
+        GTEST_SKIP() << missing();
+    }
+}
+
+std::string OwnComputer::contents(const std::string& file) {
+    return platform::readWholeFile(file).valueOr({});
+}
