@@ -155,4 +155,43 @@ TEST_F(WindowReviewTest, APasswordThatNobodyCanHaveIsRefusedOnItsSheet) {
     EXPECT_TRUE(host.runs.empty());
 }
 
+TEST_F(WindowReviewTest, TheMigrationShowsWhichRecordsItWouldRewriteBeforeItIsAgreedTo) {
+    nicl({"-create", "/config/Brindle/Old"});
+    nicl({"-create", "/config/Brindle/Old", "directory_path", "/shares/old"});
+    NSUserDefaults::standardUserDefaults().setInteger(11, "BrindleDonationReminder");
+    load();
+    reviewer = std::make_unique<review::Reviewer>(*interface);
+    frontend->useReviewer(*reviewer);
+    answer({"No"});
+    NSApp().finishLaunching();
+    EXPECT_EQ(asked, QStringList{"Shares Are Not Updated for Jaguar"});
+    EXPECT_TRUE(lastText.contains("Delete the record /config/Brindle/Old.")) << lastText.toStdString();
+    EXPECT_TRUE(lastText.contains("update them now?")) << lastText.toStdString();
+    EXPECT_TRUE(host.runs.empty());
+    answer({"Yes", "OK"});
+    controller->checkSharesFor10pt2();
+    EXPECT_EQ(asked, (QStringList{"Shares Are Not Updated for Jaguar", "Shares Updated for Jaguar"}));
+    EXPECT_FALSE(host.runs.empty());
+}
+
+TEST_F(WindowReviewTest, OneQuestionSaysAllThatIsToBeSaidOfADeletion) {
+    addShare("Docs", "/shares/docs");
+    addShare("Films", "/shares/films");
+    openWith("[Docs]\npath = /shares/docs\nvfs objects = recycle\n");
+    clickRow("normalTableView", 0);
+    answer({"No", "Yes", "No"});
+    click("deleteButton");
+    EXPECT_EQ(asked, QStringList{"Delete Share"});
+    EXPECT_TRUE(lastText.contains("stop sharing “Docs”?  Its folder stays")) << lastText.toStdString();
+    EXPECT_TRUE(lastText.contains("vfs objects")) << lastText.toStdString();
+    EXPECT_TRUE(host.runs.empty());
+    click("deleteButton");
+    EXPECT_EQ(asked.size(), 2);
+    EXPECT_FALSE(isOnDisk("[Docs]"));
+    clickRow("normalTableView", 0); // its deletion holds no surprise
+    click("deleteButton");
+    EXPECT_EQ(asked, (QStringList{"Delete Share", "Delete Share", "Delete Share"}));
+    EXPECT_EQ(columnOf("normalTableView", "ShareName"), std::vector<std::string>{"Films"});
+}
+
 } // namespace

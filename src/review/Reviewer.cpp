@@ -113,6 +113,10 @@ Plan Reviewer::planSend(const std::string& operation) const {
     return plan;
 }
 
+bool Reviewer::isMigrationQuestion(const platform::Alert& alert) {
+    return alert.title == NSLocalizedString("Shares Are Not Updated for Jaguar");
+}
+
 Plan Reviewer::planMigration() const {
     return planOf(main_, "updateSharesFor10pt2:", [](const Rehearsal& rehearsal) {
         rehearsal.controller().updateSharesFor10pt2(nullptr);
@@ -168,9 +172,6 @@ bool Reviewer::mayPerform(const NSControl& sender) const {
         return true;
     }
     const Plan plan = question_ ? planAction(sender) : planSteps(sender);
-    if (!plan.failure.empty()) {
-        return true; // what keeps the plan from reading the directory is the action's own to tell
-    }
     if (!plan.blocks.empty()) {
         showBlocked_(plan);
         return false;

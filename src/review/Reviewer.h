@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/appkit/Interface.h"
+#include "platform/appkit/Presenter.h"
 #include "review/Plan.h"
 
 #include <functional>
@@ -34,7 +35,9 @@ class Reviewer {
     [[nodiscard]] Plan planSteps(const NSControl& control) const;
     /// The same for the first control that is wired to the operation; its failure says so when there is none.
     [[nodiscard]] Plan planSend(const std::string& operation) const;
-    /// What answering "Yes" to the migration's question at the start would do.
+    /// Whether the alert is the question at the start whether old records are to be rewritten.
+    [[nodiscard]] static bool isMigrationQuestion(const platform::Alert& alert);
+    /// What answering "Yes" to it would do.
     [[nodiscard]] Plan planMigration() const;
 
     /// Reads smb.conf again: model, rows and fields.
@@ -56,8 +59,8 @@ class Reviewer {
     /// Shows why a blocked action cannot be done. At first the alert "Not Possible" does.
     void setBlockedHandler(Handler handler) { showBlocked_ = std::move(handler); }
 
-    /// Asked before an action that writes and is not blocked, warnings or none; false: it is not performed.
-    /// At first nothing is asked.
+    /// Asked before an action that writes and is not blocked, warnings or none, and also where there is no
+    /// plan (Plan::failure); false: it is not performed. At first nothing is asked.
     void setQuestion(Question question) { question_ = std::move(question); }
 
     /// The question of a script: an alert titled "Review" with the warnings of the plan, a line each, and the

@@ -2,6 +2,7 @@
 
 #include "frontends/qt/Dialogs.h"
 #include "frontends/qt/NodeAttributes.h"
+#include "frontends/qt/ReviewDialog.h"
 #include "frontends/qt/TableView.h"
 #include "frontends/qt/WindowHistory.h"
 #include "frontends/qt/WindowReview.h"
@@ -50,7 +51,24 @@ QWidget* QtPresenter::parentForDialogs() const {
 }
 
 AlertAnswer QtPresenter::runAlert(const platform::Alert& alert) {
+    if (asks() && reviewer_ != nullptr && review::Reviewer::isMigrationQuestion(alert)) {
+        return askAboutMigration(alert);
+    }
     return asks() ? askAlert(alert, parentForDialogs()) : harmlessAnswer(alert);
+}
+
+AlertAnswer QtPresenter::askAboutMigration(const platform::Alert& alert) const {
+    const review::Plan plan = reviewer_->planMigration();
+    if (!plan.failure.empty()) {
+        return askAlert(alert, parentForDialogs());
+    }
+    if (!plan.blocks.empty()) { // it would cost the records that it cannot make again
+        showPlan(plan, parentForDialogs());
+        return AlertAnswer::Alternate;
+    }
+    const PlanQuestion question{alert.title, alert.message, alert.defaultButton,
+                                alert.alternateButton.value_or("")};
+    return askAboutPlan(plan, parentForDialogs(), question) ? AlertAnswer::Default : AlertAnswer::Alternate;
 }
 
 std::optional<std::string> QtPresenter::runOpenPanel(const platform::OpenPanelRequest& request) {

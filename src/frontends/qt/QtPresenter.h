@@ -52,6 +52,8 @@ class QtPresenter : public platform::Presenter {
 
   private:
     [[nodiscard]] QWidget* parentForDialogs() const;
+    /// Shows which records would be rewritten, and how, with the question.
+    [[nodiscard]] platform::AlertAnswer askAboutMigration(const platform::Alert& alert) const;
     [[nodiscard]] bool refusalHolds() const;
 
     [[nodiscard]] bool asks() const {

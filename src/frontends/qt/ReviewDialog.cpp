@@ -82,14 +82,14 @@ QString detailsOf(const review::Plan& plan) {
 /// The dialog; its buttons are the caller's.
 class ReviewDialog : public QDialog {
   public:
-    ReviewDialog(const review::Plan& plan, QWidget* parent)
+    ReviewDialog(const review::Plan& plan, QWidget* parent, const std::optional<PlanQuestion>& question)
         : QDialog(parent), layout_(new QVBoxLayout(this)) {
         setObjectName("review");
-        setWindowTitle(localized("Review"));
+        setWindowTitle(question ? shown(question->title) : localized("Review"));
         setMinimumWidth(dialogWidth);
         layout_->setContentsMargins(sideMargin, 20, sideMargin, 16);
         layout_->setSpacing(12);
-        layout_->addWidget(scrolled(contentsOf(plan)), 1);
+        layout_->addWidget(scrolled(contentsOf(plan, question)), 1);
         addDetails(plan);
         buttons_ = new QDialogButtonBox;
         if (details_ != nullptr) {
@@ -105,8 +105,8 @@ class ReviewDialog : public QDialog {
         layout_->addWidget(buttons_);
     }
 
-    QPushButton* addButton(const char* key, QDialogButtonBox::ButtonRole role, bool isDefault) {
-        auto* button = buttons_->addButton(localized(key), role);
+    QPushButton* addButton(const std::string& text, QDialogButtonBox::ButtonRole role, bool isDefault) {
+        auto* button = buttons_->addButton(title(text), role);
         button->setAutoDefault(isDefault);
         button->setDefault(isDefault);
         connect(button, &QPushButton::clicked, this, [this, role] {
@@ -119,11 +119,14 @@ class ReviewDialog : public QDialog {
     }
 
   private:
-    QWidget* contentsOf(const review::Plan& plan) {
+    QWidget* contentsOf(const review::Plan& plan, const std::optional<PlanQuestion>& question) {
         auto* contents = new QWidget;
         auto* rows = new QVBoxLayout(contents);
         rows->setContentsMargins(0, 0, 0, 0);
         rows->setSpacing(10);
+        if (question) {
+            rows->addWidget(heading(shown(question->text)));
+        }
         if (!plan.failure.empty()) {
             rows->addWidget(paragraph(shown(plan.failure)));
         }
@@ -201,19 +204,22 @@ class ReviewDialog : public QDialog {
 
 } // namespace
 
-std::unique_ptr<QDialog> makePlanDialog(const review::Plan& plan, QWidget* parent) {
-    auto dialog = std::make_unique<ReviewDialog>(plan, parent);
-    dialog->addButton("Go On", QDialogButtonBox::AcceptRole, false);
-    dialog->addButton("Cancel", QDialogButtonBox::RejectRole, true);
+std::unique_ptr<QDialog> makePlanDialog(const review::Plan& plan, QWidget* parent,
+                                        const std::optional<PlanQuestion>& question) {
+    auto dialog = std::make_unique<ReviewDialog>(plan, parent, question);
+    dialog->addButton(question ? question->goOn : NSLocalizedString("Go On"), QDialogButtonBox::AcceptRole,
+                      false);
+    dialog->addButton(question ? question->cancel : NSLocalizedString("Cancel"), QDialogButtonBox::RejectRole,
+                      true);
     return dialog;
 }
 
-bool askAboutPlan(const review::Plan& plan, QWidget* parent) {
-    return makePlanDialog(plan, parent)->exec() == QDialog::Accepted;
+bool askAboutPlan(const review::Plan& plan, QWidget* parent, const std::optional<PlanQuestion>& question) {
+    return makePlanDialog(plan, parent, question)->exec() == QDialog::Accepted;
 }
 
 void showPlan(const review::Plan& plan, QWidget* parent) {
-    ReviewDialog dialog(plan, parent);
-    dialog.addButton("Close", QDialogButtonBox::RejectRole, true);
+    ReviewDialog dialog(plan, parent, std::nullopt);
+    dialog.addButton(NSLocalizedString("Close"), QDialogButtonBox::RejectRole, true);
     dialog.exec();
 }

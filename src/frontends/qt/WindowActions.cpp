@@ -60,17 +60,22 @@ void WindowActions::use(const InterfaceNode& node) {
         // What cannot be used is not asked about; and what stands beside it is picked by a slip of the hand.
         const std::string question = textAbout(node, "confirm");
         const auto* control = modelOf<NSControl>(node);
-        const bool isMeant =
-            question.empty() || control == nullptr || !control->isEnabled() ||
-            NSRunAlertPanel(titleOf(node), "%@", NSLocalizedString("No"), NSLocalizedString("Yes"),
-                            std::nullopt, question) == NSAlertAlternateReturn;
-        if (isMeant) {
+        if (!question.empty() && control != nullptr && control->isEnabled()) {
+            confirmation_ = Confirmation{titleOf(node), question};
+        }
+        if (leavesConfirmations_ || !confirmation_ || isConfirmed(*takeConfirmation())) {
             perform(node);
+            confirmation_.reset();
             if (used_ && control != nullptr) {
                 used_(control->action().operation);
             }
         }
     });
+}
+
+bool WindowActions::isConfirmed(const Confirmation& confirmation) {
+    return NSRunAlertPanel(confirmation.title, "%@", NSLocalizedString("No"), NSLocalizedString("Yes"),
+                           std::nullopt, confirmation.question) == NSAlertAlternateReturn;
 }
 
 void WindowActions::fieldWasLeft(const InterfaceNode& node) {

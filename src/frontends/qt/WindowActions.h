@@ -25,6 +25,24 @@ class WindowActions {
     /// `used` is told the operation of each control that was used so, after its action.
     void setUsed(std::function<void(const std::string& operation)> used) { used_ = std::move(used); }
 
+    /// What the control that is being used has to be confirmed with, in the interface file's words.
+    struct Confirmation {
+        std::string title;
+        std::string question;
+    };
+
+    /// From now on an action that changes something is confirmed by whoever takes its confirmation, and here
+    /// no more: one question says all that is to be said of it.
+    void leaveConfirmations() { leavesConfirmations_ = true; }
+
+    /// The confirmation that is left to be asked for, once; none when there is none.
+    [[nodiscard]] std::optional<Confirmation> takeConfirmation() {
+        return std::exchange(confirmation_, std::nullopt);
+    }
+
+    /// Asks for it in an alert; "No" is the default.
+    [[nodiscard]] static bool isConfirmed(const Confirmation& confirmation);
+
     /// A user has changed a field and left it: where the field `chooses`, a folder in it counts as chosen in
     /// the panel that this operation opens, so that what belongs to the folder is filled in from the disk.
     void fieldWasLeft(const platform::InterfaceNode& node);
@@ -59,6 +77,8 @@ class WindowActions {
 
     const platform::Interface& interface_;
     RefreshQueue& queue_;
+    std::optional<Confirmation> confirmation_;
+    bool leavesConfirmations_ = false;
     std::function<void(const std::string&)> used_;
     std::function<void(std::optional<std::string>)> answerPanel_;
 };

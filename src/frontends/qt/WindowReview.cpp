@@ -76,6 +76,7 @@ WindowReview::WindowReview(review::Reviewer& reviewer, QMainWindow& window, Wind
     reviewer.setBlockedHandler([this](const review::Plan& plan) { showBlocked(plan); });
     reviewer.setQuestion([this](const review::Plan& plan) { return ask(plan); });
     showRemarks();
+    actions.leaveConfirmations(); // every confirmed action writes
     actions.setUsed([this](const std::string& operation) { actionWasUsed(operation); });
 }
 
@@ -91,7 +92,16 @@ bool WindowReview::reviewsAll() const {
 
 bool WindowReview::ask(const review::Plan& plan) {
     const bool isWorthAsking = !plan.warnings.empty() || (reviewsAll() && !plan.runs.empty());
-    return !isWorthAsking || askAboutPlan(plan, &window_);
+    const auto confirmation = actions_.takeConfirmation();
+    if (!isWorthAsking) {
+        return !confirmation || WindowActions::isConfirmed(*confirmation);
+    }
+    std::optional<PlanQuestion> question;
+    if (confirmation) {
+        question = PlanQuestion{confirmation->title, confirmation->question, NSLocalizedString("Yes"),
+                                NSLocalizedString("No")};
+    }
+    return askAboutPlan(plan, &window_, question);
 }
 
 void WindowReview::showBlocked(const review::Plan& plan) const {

@@ -3,6 +3,7 @@
 #include "frontends/script/ScriptWords.h"
 #include "platform/appkit/NSWindow.h"
 #include "platform/foundation/NSBundle.h"
+#include "review/Reviewer.h"
 
 #include <algorithm>
 #include <filesystem>
@@ -32,11 +33,6 @@ std::string quotedTitles(const std::vector<Button>& buttons) {
         text += ' ' + quotedText(button.second);
     }
     return text;
-}
-
-/// The alert that nobody should say "Yes" to unasked: its default writes every share anew.
-bool asksToMigrate(const platform::Alert& alert) {
-    return alert.title == NSLocalizedString("Shares Are Not Updated for Jaguar");
 }
 
 /// Why a panel cannot be confirmed with `path`; empty when it can.
@@ -135,7 +131,7 @@ platform::AlertAnswer ScriptPresenter::runAlert(const platform::Alert& alert) {
             fail({answer->line, "the alert " + quotedText(alert.title) + " has no button " +
                                     quotedText(answer->button) + "; it has" + quotedTitles(buttons)});
         }
-    } else if (asksToMigrate(alert)) {
+    } else if (review::Reviewer::isMigrationQuestion(alert)) {
         pressed = std::find_if(buttons.begin(), buttons.end(), [](const Button& button) {
             return button.first == platform::AlertAnswer::Alternate;
         });
