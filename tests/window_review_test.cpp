@@ -1,5 +1,7 @@
 // The review in the application's own window.
 
+#include "platform/appkit/NSButton.h"
+#include "platform/appkit/NSWindow.h"
 #include "review/Reviewer.h"
 #include "support/MainWindowFixture.h"
 
@@ -153,6 +155,64 @@ TEST_F(WindowReviewTest, APasswordThatNobodyCanHaveIsRefusedOnItsSheet) {
     EXPECT_TRUE(widget<QWidget>("passwordWindow").isVisible());
     EXPECT_NE(text("passwordErrorText"), "");
     EXPECT_TRUE(host.runs.empty());
+}
+
+TEST_F(WindowReviewTest, WhatCannotBeUsedIsSaidBesideItsFieldUntilThatIsEdited) {
+    struct Case {
+        int page;
+        const char* field;
+        const char* text;
+        const char* button;
+    };
+
+    addGroup("staff", "20");
+    openWith("");
+    clickTitled("Edit Share");
+    control<NSTextField>("directory").setStringValue(host.root().string());
+    control<NSTextField>("uid").setStringValue("501");
+    control<NSTextField>("fullName").setStringValue("Al");
+    for (const Case& each :
+         {Case{0, "shareName", "a[b", "createNewShare"}, Case{1, "shortName", "a,b", "addNewUserButton"},
+          Case{2, "gid", "4294967295", "createNewGroupButton"}, Case{4, "smbHideFiles", "/a/\\", ""}}) {
+        SCOPED_TRACE(each.field);
+        showPage(each.page);
+        if (each.page == 0) {
+            control<NSDrawer>("drawer").open();
+        }
+        control<NSTextField>("groupName").setStringValue("team");
+        control<NSTextField>(each.field)
+            .setStringValue(each.text); // on a page of the SMB page that is hidden
+        QTest::qWait(20);
+        control<NSButton>("createNewShare").setEnabled(true);
+        control<NSButton>("addNewUserButton").setEnabled(true);
+        control<NSButton>("createNewGroupButton").setEnabled(true);
+        QApplication::processEvents();
+        answer({"OK"});
+        if (*each.button == '\0') {
+            clickTitled("Save");
+        } else {
+            click(each.button);
+        }
+        ASSERT_EQ(asked, QStringList{"Not Possible"});
+        auto& edit = widget<QLineEdit>(each.field);
+        EXPECT_TRUE(edit.isVisible());
+        EXPECT_EQ(edit.window()->focusWidget(), &edit);
+        EXPECT_TRUE(edit.accessibleDescription().contains(each.text))
+            << edit.accessibleDescription().toStdString();
+        const auto isSaid = [this, why = edit.accessibleDescription()] {
+            for (auto* label : widget<QWidget>("mainWindow").findChildren<QLabel*>()) {
+                if (label->text() == why && label->isVisible()) {
+                    return true;
+                }
+            }
+            return false;
+        };
+        EXPECT_TRUE(isSaid());
+        QTest::keyClick(&edit, Qt::Key_Delete);
+        EXPECT_FALSE(isSaid());
+        EXPECT_EQ(edit.accessibleDescription(), "");
+        EXPECT_TRUE(host.runs.empty());
+    }
 }
 
 TEST_F(WindowReviewTest, TheMigrationShowsWhichRecordsItWouldRewriteBeforeItIsAgreedTo) {

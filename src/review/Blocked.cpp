@@ -1,6 +1,7 @@
 #include "review/Blocked.h"
 
 #include "directory/DirectoryRules.h"
+#include "platform/appkit/NSTextField.h"
 #include "platform/foundation/NSBundle.h"
 #include "platform/foundation/NSString.h"
 #include "platform/samba/SambaAccounts.h"
@@ -46,19 +47,45 @@ std::string_view codeOf(const DirectoryChange& change) {
     return change.property == "directory_path" ? "folder" : "text";
 }
 
-void addDirectoryBlocks(const PlannedRun& run, std::vector<Remark>* blocks) {
+/// The field that the user gave it in; null where it was none.
+const NSTextField* fieldOf(const DirectoryChange& change, const std::string& operation,
+                           const BROutlets& controls) {
+    const std::string property = change.property.value_or("");
+    if (operation == "createShare:") {
+        return property == "directory_path" ? controls.directory : controls.shareName;
+    }
+    if (operation == "addNewUser:") {
+        return property == "realname" ? controls.fullName
+               : property == "uid"    ? controls.uid
+               : property == "gid"    ? nullptr
+                                      : controls.shortName;
+    }
+    if (operation == "addNewGroup:") {
+        return property == "gid" ? controls.gid : controls.groupName;
+    }
+    return nullptr;
+}
+
+void addDirectoryBlocks(const PlannedRun& run, const std::string& operation, const BROutlets& controls,
+                        std::vector<Remark>* blocks) {
     const auto change = directoryChange(run.arguments);
     if (!change || change->operation == "-delete") {
         return;
     }
+    const NSTextField* field = fieldOf(*change, operation, controls);
+    const std::string outlet = field == nullptr ? std::string() : field->name();
     const platform::Status status = checkDirectoryChange(*change);
     if (!status.isOk()) {
-        blocks->push_back({codeOf(*change), stringWithFormat(NSLocalizedString("\"%@\" cannot be used: %@."),
-                                                             subjectOf(*change), status.why())});
+        blocks->push_back({codeOf(*change),
+                           stringWithFormat(NSLocalizedString("\"%@\" cannot be used: %@."),
+                                            subjectOf(*change), status.why()),
+                           outlet});
     } else if (isId(*change) && std::ranges::any_of(change->values, isAboveLargestId)) {
         blocks->push_back(
-            {"number", stringWithFormat(NSLocalizedString("The id %@ is too large: the largest one is %@."),
-                                        change->values.front(), largestId)});
+            {"number",
+             stringWithFormat(NSLocalizedString("The id %@ is too large: the largest one is %@."),
+                              change->values.front(), largestId),
+             outlet});
     }
 }
 
@@ -74,10 +101,12 @@ void addSettingsBlocks(const BROutlets& controls, std::vector<Remark>* blocks) {
         const std::string& value = (controls.*field.field)->stringValue();
         if (endsInBackslash(value)) {
             blocks->push_back(
-                {"text", stringWithFormat(
-                             NSLocalizedString("\"%@\" cannot be the value of \"%@\": a value that ends in "
-                                               "a backslash takes in the line after it in smb.conf."),
-                             value, std::string(field.key))});
+                {"text",
+                 stringWithFormat(
+                     NSLocalizedString("\"%@\" cannot be the value of \"%@\": a value that ends in "
+                                       "a backslash takes in the line after it in smb.conf."),
+                     value, std::string(field.key)),
+                 (controls.*field.field)->name()});
         }
     }
 }
@@ -88,15 +117,16 @@ std::vector<Remark> blocksOf(const Plan& plan, const BROutlets& controls) {
     std::vector<Remark> blocks;
     for (const PlannedRun& run : plan.runs) {
         if (run.tool == "/usr/bin/nicl") {
-            addDirectoryBlocks(run, &blocks);
+            addDirectoryBlocks(run, plan.operation, controls, &blocks);
         } else if (run.tool == "/usr/bin/dscl") {
             const auto status =
                 platform::SambaAccounts::checkPassword(controls.passwordSecureText1->stringValue());
             if (!status.isOk()) {
-                blocks.push_back(
-                    {"text", stringWithFormat(NSLocalizedString("The password of \"%@\" cannot be "
-                                                                "used: %@."),
-                                              controls.shortName->stringValue(), status.why())});
+                blocks.push_back({"text",
+                                  stringWithFormat(NSLocalizedString("The password of \"%@\" cannot be "
+                                                                     "used: %@."),
+                                                   controls.shortName->stringValue(), status.why()),
+                                  controls.passwordSecureText1->name()});
             }
         }
     }

@@ -64,8 +64,9 @@ struct FolderChange {
 
 /// A warning, or why an action cannot be done.
 struct Remark {
-    std::string_view code; ///< a literal: "lines-lost"
-    std::string sentence;  ///< for the user, in the user's language
+    std::string_view code;    ///< a literal: "lines-lost"
+    std::string sentence;     ///< for the user, in the user's language
+    std::string control = {}; ///< the outlet of the control whose content it is about; empty: of none
 };
 
 /// What one action would do. Worked out on copies, so that it changes nothing.

@@ -24,7 +24,15 @@ LineEdit::LineEdit(NSTextField& field, RefreshQueue& queue) : field_(field), que
     connect(this, &QLineEdit::selectionChanged, this, remember);
     connect(this, &QLineEdit::textEdited, this, &LineEdit::userEdited);
     connect(this, &QLineEdit::returnPressed, this, &LineEdit::endEditing);
+    connect(this, &QLineEdit::textChanged, this, [this] { setProblem({}); });
     new Binding(this, queue, field.changed, [this] { load(); });
+}
+
+void LineEdit::setProblem(const QString& why) {
+    if (why != accessibleDescription()) {
+        setAccessibleDescription(why);
+        Q_EMIT problemChanged(why);
+    }
 }
 
 LineEdit::Caret LineEdit::caretNow() const {

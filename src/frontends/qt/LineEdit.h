@@ -18,7 +18,13 @@ class LineEdit : public QLineEdit {
     /// about to act on the field while it keeps the focus (a menu's shortcut).
     void endEditing();
 
+    /// Says why the text cannot be used, for as long as it stays as it is. A screen reader reads it with the
+    /// field.
+    void setProblem(const QString& why);
+
   Q_SIGNALS:
+    /// What is wrong with the text; empty: nothing any more.
+    void problemChanged(const QString& why);
     /// The user is done with the field after having changed its text.
     void left();
 

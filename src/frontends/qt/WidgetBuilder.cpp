@@ -2,6 +2,7 @@
 
 #include "frontends/qt/Buttons.h"
 #include "frontends/qt/Drawer.h"
+#include "frontends/qt/FieldProblems.h"
 #include "frontends/qt/LineEdit.h"
 #include "frontends/qt/NodeAttributes.h"
 #include "frontends/qt/PopUp.h"
@@ -306,7 +307,11 @@ void WidgetBuilder::fillGrid(QGridLayout& layout, const InterfaceNode& node) {
         }
         if (child.kind != "spacer") {
             QWidget* widget = make(child);
-            layout.addWidget(widget, cell / columns, column, 1, span, alignment);
+            layout.addWidget(widget, 2 * (cell / columns), column, 1, span, alignment);
+            if (QLabel* note =
+                    makeProblemNote(*widget)) { // in the row below, which is none until it is shown
+                layout.addWidget(note, 2 * (cell / columns) + 1, column, 1, span);
+            }
         }
         if (span == 1 && !isTitle && takesRoom(child, false)) {
             wide[static_cast<std::size_t>(column)] = true;

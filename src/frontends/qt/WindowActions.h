@@ -70,6 +70,9 @@ class WindowActions {
     /// Shows a text in the warning of the sheet that is up; nothing without one.
     void showInSheet(const std::string& text) const;
 
+    /// The interface as it was loaded.
+    [[nodiscard]] const platform::Interface& interface() const { return interface_; }
+
   private:
     void perform(const platform::InterfaceNode& node) const;
     void beginNew(const platform::InterfaceNode& node) const;

@@ -1,10 +1,13 @@
 #include "frontends/qt/WindowReview.h"
 
 #include "frontends/qt/Buttons.h"
+#include "frontends/qt/FieldProblems.h"
+#include "frontends/qt/LineEdit.h"
 #include "frontends/qt/ReviewDialog.h"
 #include "frontends/qt/TableView.h"
 #include "frontends/qt/WindowActions.h"
 #include "platform/appkit/NSAlert.h"
+#include "platform/appkit/NSApplication.h"
 #include "platform/appkit/NSButton.h"
 #include "platform/appkit/NSTextField.h"
 #include "platform/foundation/NSBundle.h"
@@ -105,10 +108,21 @@ bool WindowReview::ask(const review::Plan& plan) {
 }
 
 void WindowReview::showBlocked(const review::Plan& plan) const {
-    const std::string& reason = plan.blocks.front().sentence;
-    actions_.showInSheet(reason);
+    const review::Remark& block = plan.blocks.front();
+    actions_.showInSheet(block.sentence);
+    LineEdit* field = nullptr;
+    if (NSApp().attachedSheet() == nullptr) {
+        showPageOf(block.control, actions_.interface(), queue_);
+        field = window_.findChild<LineEdit*>(shown(block.control));
+    }
+    if (field != nullptr) {
+        field->setProblem(shown(block.sentence));
+    }
     NSRunAlertPanel(NSLocalizedString("Not Possible"), "%@", NSLocalizedString("OK"), std::nullopt,
-                    std::nullopt, reason);
+                    std::nullopt, block.sentence);
+    if (field != nullptr) {
+        field->setFocus();
+    }
 }
 
 void WindowReview::showRemarks() {
