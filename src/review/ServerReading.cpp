@@ -1,40 +1,15 @@
 #include "review/ServerReading.h"
 
+#include "model/ServerSettings.h"
 #include "platform/foundation/NSBundle.h"
 #include "platform/foundation/NSString.h"
 #include "review/SMBFields.h"
 
-#include <algorithm>
-#include <array>
-#include <cctype>
+#include <string_view>
 
 namespace review {
 
 namespace {
-
-struct Synonym {
-    std::string_view name;
-    std::string_view key;
-    bool inverted = false;
-};
-
-constexpr std::array<Synonym, 6> synonyms{{{"public", "guestok"},
-                                           {"writeable", "readonly", true},
-                                           {"writable", "readonly", true},
-                                           {"writeok", "readonly", true},
-                                           {"browsable", "browseable"},
-                                           {"directory", "path"}}};
-
-/// In lower case and without blanks, as the server compares names.
-std::string folded(std::string_view name) {
-    std::string result;
-    for (const char character : name) {
-        if (character != ' ' && character != '\t') {
-            result += static_cast<char>(std::tolower(static_cast<unsigned char>(character)));
-        }
-    }
-    return result;
-}
 
 /// The last setting written exactly so, which is what the window reads.
 const SMBPair* shownSetting(const SMBShare& section, std::string_view key) {
@@ -118,47 +93,6 @@ void readHomes(const SMBShare& section, Reader& reader) {
 }
 
 } // namespace
-
-std::optional<bool> serverBool(std::string_view value) {
-    const std::string word = folded(value);
-    if (word == "yes" || word == "true" || word == "on" || word == "1") {
-        return true;
-    }
-    if (word == "no" || word == "false" || word == "off" || word == "0") {
-        return false;
-    }
-    return std::nullopt;
-}
-
-bool isServerGlobal(std::string_view section) {
-    const std::string name = folded(section);
-    return name == "global" || name == "globals";
-}
-
-bool isServerHomes(std::string_view section) {
-    return folded(section) == "homes";
-}
-
-ServerSetting serverSetting(const SMBShare& section, std::string_view key) {
-    const std::string wanted = folded(key);
-    ServerSetting last;
-    for (const SMBPair& pair : section.Props()) {
-        const std::string name = folded(pair.Name);
-        const auto* const synonym = std::ranges::find(synonyms, name, &Synonym::name);
-        if (name == wanted) {
-            last = {&pair, false};
-        } else if (synonym != synonyms.end() && synonym->key == wanted) {
-            last = {&pair, synonym->inverted};
-        }
-    }
-    return last;
-}
-
-bool serverFlag(const SMBShare& section, std::string_view key, bool standard) {
-    const ServerSetting setting = serverSetting(section, key);
-    const auto value = setting.pair != nullptr ? serverBool(setting.pair->Value) : std::nullopt;
-    return value ? *value != setting.inverted : standard;
-}
 
 std::vector<OtherReading> otherReadings(const SMBConf& conf) {
     std::vector<OtherReading> found;

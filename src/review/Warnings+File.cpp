@@ -1,6 +1,7 @@
 #include "review/TextDifference.h"
 #include "review/Warnings.h"
 
+#include "model/ServerSettings.h"
 #include "platform/foundation/Host.h"
 #include "platform/foundation/NSBundle.h"
 #include "platform/foundation/NSString.h"

@@ -1,9 +1,9 @@
 #include "review/Warnings.h"
 
+#include "model/ServerSettings.h"
 #include "platform/foundation/NSBundle.h"
 #include "platform/foundation/NSString.h"
 #include "review/SMBFields.h"
-#include "review/ServerReading.h"
 
 #include <algorithm>
 #include <array>

@@ -1,8 +1,8 @@
 #include "review/Warnings.h"
 
+#include "model/ServerSettings.h"
 #include "platform/foundation/NSBundle.h"
 #include "platform/foundation/NSString.h"
-#include "review/ServerReading.h"
 
 #include <algorithm>
 #include <array>

@@ -5,6 +5,8 @@
 #include <csignal>
 #include <stdexcept>
 
+#include <netinet/in.h>
+#include <sys/socket.h>
 #include <unistd.h>
 
 namespace {
@@ -67,4 +69,17 @@ std::string Conversation::ask(const std::string& line, const std::string& part) 
         }
     }
     return answer;
+}
+
+int freePort() {
+    const platform::FileDescriptor socket(::socket(AF_INET, SOCK_STREAM, 0));
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    socklen_t size = sizeof address;
+    auto* const generic = reinterpret_cast<sockaddr*>(&address);
+    if (::bind(socket.get(), generic, size) != 0 || ::getsockname(socket.get(), generic, &size) != 0) {
+        throw std::runtime_error("no port is free");
+    }
+    return ntohs(address.sin_port);
 }

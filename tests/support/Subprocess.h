@@ -27,3 +27,6 @@ class Conversation {
   private:
     platform::ChildProcess child_;
 };
+
+/// A TCP port on which nothing listens now.
+[[nodiscard]] int freePort();

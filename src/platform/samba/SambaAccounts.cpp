@@ -305,4 +305,17 @@ Status SambaAccounts::removeUser(const std::string& user) const {
     return complaint("Samba did not forget the password", run, logFolder());
 }
 
+Result<std::optional<SambaUser>> SambaAccounts::user(const std::string& user) const {
+    std::error_code ignored;
+    if (!fs::exists(databaseFile(), ignored)) {
+        return std::optional<SambaUser>();
+    }
+    const std::string program = databaseProgram();
+    if (Status status = checkInstallation(program); !status.isOk()) {
+        return status;
+    }
+    auto run = changeDatabase(program, sambaUserWords(user), {});
+    return run.isOk() ? sambaUserOf(*run) : Result<std::optional<SambaUser>>(run.status());
+}
+
 } // namespace platform

@@ -3,8 +3,10 @@
 #include "platform/posix/Process.h"
 #include "platform/posix/Status.h"
 #include "platform/samba/SambaPaths.h"
+#include "platform/samba/SambaUser.h"
 
 #include <chrono>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -60,6 +62,9 @@ class SambaAccounts {
     /// Samba over its standard input only. Takes as long as Samba does: hold no store meanwhile. Fails when
     /// Samba or the wrapper is not installed, the password is too long, or Samba does not take it in time.
     [[nodiscard]] Status setPassword(const std::string& user, std::string_view password) const;
+    /// How `user` stands in the password database; none when they are not in it. Fails when Samba or the
+    /// wrapper is not installed, or the database cannot be read.
+    [[nodiscard]] Result<std::optional<SambaUser>> user(const std::string& user) const;
     /// Takes `user` out of the password database, where it need not be. Fails when Samba or the wrapper is
     /// not installed, or Samba does not take it out.
     [[nodiscard]] Status removeUser(const std::string& user) const;

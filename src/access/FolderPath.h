@@ -1,0 +1,42 @@
+#pragma once
+
+#include <deque>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace accesscheck {
+
+/// A share's path with the server's variables for the share (%S) and the user (%u, %U) filled in; none when
+/// it holds others (smb.conf(5), "VARIABLE SUBSTITUTIONS").
+[[nodiscard]] std::optional<std::string> expandedPath(std::string_view path, const std::string& share,
+                                                      const std::string& user);
+
+/// The folders that a process passes on its way to one, links followed as the kernel does, "/" first and the
+/// folder itself last.
+class FolderWalk {
+  public:
+    explicit FolderWalk(std::string_view path);
+
+    /// The next folder; none after the last one, or when the way ends: error() then says why.
+    [[nodiscard]] std::optional<std::string> next();
+
+    /// True when the folder that next() returned is the last one.
+    [[nodiscard]] bool isAtEnd() const { return parts_.empty(); }
+
+    /// Where the walk stands.
+    [[nodiscard]] const std::string& place() const { return place_; }
+
+    /// errno's value; 0 while all goes well.
+    [[nodiscard]] int error() const { return error_; }
+
+  private:
+    void queue(std::string_view path);
+
+    std::deque<std::string> parts_;
+    std::string place_;
+    int links_ = 0;
+    int error_ = 0;
+};
+
+} // namespace accesscheck

@@ -1,0 +1,192 @@
+#include "access/ServerAccounts.h"
+
+#include "platform/netinfo/AccountNumber.h"
+#include "platform/netinfo/ni.h"
+#include "platform/posix/LetterCase.h"
+#include "platform/posix/Process.h"
+
+#include <algorithm>
+#include <array>
+#include <chrono>
+
+#include <grp.h>
+#include <pwd.h>
+#include <unistd.h>
+
+namespace accesscheck {
+
+namespace {
+
+constexpr auto databaseLimit = std::chrono::seconds(10);
+constexpr int directorySeconds = 30;
+
+/// The record at `path`, and the connection that it belongs to; no connection when there is none.
+struct Record {
+    platform::OwnedDomain domain;
+    ni_id id;
+
+    [[nodiscard]] std::optional<std::string> value(std::string_view property) {
+        ni_namelist values;
+        return ni_lookupprop(domain.get(), &id, property, &values) == NI_OK && !values.ninl_val.empty()
+                   ? std::optional<std::string>(values.ninl_val.front())
+                   : std::nullopt;
+    }
+
+    [[nodiscard]] std::optional<unsigned> number(std::string_view property) {
+        bool isValid = false;
+        const unsigned number = platform::accountNumber(value(property).value_or(""), &isValid);
+        return isValid ? std::optional(number) : std::nullopt;
+    }
+};
+
+Record recordAt(const std::string& path) {
+    ni_domain* opened = nullptr;
+    if (ni_open(nullptr, ".", &opened) != NI_OK) {
+        return {};
+    }
+    Record record{platform::OwnedDomain(opened), {}};
+    ni_setabort(opened, 1);
+    ni_setreadtimeout(opened, directorySeconds);
+    if (ni_root(opened, &record.id) != NI_OK || ni_pathsearch(opened, &record.id, path.c_str()) != NI_OK) {
+        record.domain.reset();
+    }
+    return record;
+}
+
+std::optional<Account> directoryAccount(const std::string& name) {
+    Record record = name.find('/') == std::string::npos ? recordAt("/users/" + name) : Record();
+    if (!record.domain) {
+        return std::nullopt;
+    }
+    const auto uid = record.number("uid");
+    const auto gid = record.number("gid");
+    return uid && gid ? std::optional(Account{name, *uid, *gid, {*gid}}) : std::nullopt;
+}
+
+std::optional<Account> computerAccount(const std::string& name) {
+    // One program, one thread: the plain functions do.
+    const passwd* entry = ::getpwnam(name.c_str());
+    return entry != nullptr
+               ? std::optional(Account{entry->pw_name, entry->pw_uid, entry->pw_gid, {entry->pw_gid}})
+               : std::nullopt;
+}
+
+std::optional<Account> eitherAccount(const std::string& name) {
+    auto account = directoryAccount(name);
+    return account ? account : computerAccount(name);
+}
+
+std::vector<gid_t> computerGroups(const Account& account) {
+    std::vector<gid_t> groups(16);
+    int count = static_cast<int>(groups.size());
+    while (::getgrouplist(account.name.c_str(), account.gid, groups.data(), &count) < 0) {
+        groups.resize(std::max(groups.size() * 2, static_cast<std::size_t>(count)));
+        count = static_cast<int>(groups.size());
+    }
+    groups.resize(static_cast<std::size_t>(count));
+    return groups;
+}
+
+/// The state of a computer's own password database, which root alone may read.
+platform::Result<std::optional<platform::SambaUser>> computerUser(const std::string& name) {
+    platform::Command command{{"/usr/bin/pdbedit"}, platform::ErrorOutput::WithOutput};
+    for (std::string& word : platform::sambaUserWords(name)) {
+        command.words.push_back(std::move(word));
+    }
+    command.environment.emplace_back("LC_ALL=C");
+    auto run = platform::runProcess(command, {}, databaseLimit);
+    return run.isOk() ? platform::sambaUserOf(*run)
+                      : platform::Result<std::optional<platform::SambaUser>>(run.status());
+}
+
+} // namespace
+
+const std::map<std::string, ServerAccounts::Group>& ServerAccounts::groups() {
+    if (groups_) {
+        return *groups_;
+    }
+    groups_.emplace();
+    Record place = recordAt("/groups");
+    ni_idlist children;
+    if (!place.domain || ni_children(place.domain.get(), &place.id, &children) != NI_OK) {
+        return *groups_;
+    }
+    for (const std::uint32_t child : children.niil_val) {
+        place.id = {child, 0};
+        const auto name = place.value("name");
+        const auto gid = place.number("gid");
+        if (!name || !gid) {
+            continue;
+        }
+        ni_namelist members;
+        Group& group = (*groups_)[*name];
+        group.gid = *gid;
+        if (ni_lookupprop(place.domain.get(), &place.id, "users", &members) == NI_OK) {
+            group.members.assign(members.ninl_val.begin(), members.ninl_val.end());
+        }
+    }
+    return *groups_;
+}
+
+void ServerAccounts::addGroupsOf(Account& account) {
+    for (const auto& [name, group] : groups()) {
+        if (std::ranges::find(group.members, account.name) != group.members.end()) {
+            account.groups.push_back(group.gid);
+        }
+    }
+    for (const gid_t gid : computerGroups(account)) {
+        // A group that the directory has, too, has the directory's members.
+        const struct group* entry = ::getgrgid(gid);
+        if (entry != nullptr && !groups().contains(entry->gr_name)) {
+            account.groups.push_back(gid);
+        }
+    }
+}
+
+std::optional<Account> ServerAccounts::account(const std::string& name) {
+    auto account = eitherAccount(name);
+    if (!account) {
+        account = eitherAccount(platform::lowercased(name));
+    }
+    if (account) {
+        addGroupsOf(*account);
+    }
+    return account;
+}
+
+std::optional<gid_t> ServerAccounts::group(const std::string& name) {
+    if (const auto found = groups().find(name); found != groups().end()) {
+        return found->second.gid;
+    }
+    const struct group* entry = ::getgrnam(name.c_str());
+    return entry != nullptr ? std::optional(entry->gr_gid) : std::nullopt;
+}
+
+LogOn ServerAccounts::logOn(const std::string& name) {
+    if (!root_ && ::geteuid() != 0) {
+        return LogOn::Unknown;
+    }
+    const auto user = root_ ? root_->user(name) : computerUser(name);
+    if (!user.isOk()) {
+        return LogOn::Unknown;
+    }
+    if (!*user) {
+        return LogOn::NoAccount;
+    }
+    return (*user)->isDisabled ? LogOn::Disabled : (*user)->hasPassword ? LogOn::Possible : LogOn::NoPassword;
+}
+
+std::optional<Account> ServerAccounts::serverAccount() {
+    if (!root_ || ::geteuid() == 0) {
+        return std::nullopt;
+    }
+    const passwd* entry = ::getpwuid(::geteuid());
+    Account account{entry != nullptr ? entry->pw_name : std::to_string(::geteuid()), ::geteuid(), ::getegid(),
+                    std::vector<gid_t>(static_cast<std::size_t>(::getgroups(0, nullptr)))};
+    const int count = ::getgroups(static_cast<int>(account.groups.size()), account.groups.data());
+    account.groups.resize(static_cast<std::size_t>(std::max(count, 0)));
+    account.groups.push_back(account.gid);
+    return account;
+}
+
+} // namespace accesscheck

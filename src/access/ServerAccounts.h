@@ -1,0 +1,40 @@
+#pragma once
+
+#include "access/Accounts.h"
+#include "platform/samba/SambaAccounts.h"
+
+#include <functional>
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace accesscheck {
+
+/// The accounts that the host's SMB server knows: the directory's, and this computer's where the directory
+/// has none of the name. Groups are read from the directory once.
+class ServerAccounts : public Accounts {
+  public:
+    /// `root` is an embedded root's own server; none for this computer's.
+    explicit ServerAccounts(std::optional<platform::SambaAccounts> root) : root_(std::move(root)) {}
+
+    [[nodiscard]] std::optional<Account> account(const std::string& name) override;
+    [[nodiscard]] std::optional<gid_t> group(const std::string& name) override;
+    [[nodiscard]] LogOn logOn(const std::string& name) override;
+    [[nodiscard]] std::optional<Account> serverAccount() override;
+
+  private:
+    struct Group {
+        gid_t gid = 0;
+        std::vector<std::string> members;
+    };
+
+    /// The directory's groups by name.
+    [[nodiscard]] const std::map<std::string, Group>& groups();
+    void addGroupsOf(Account& account);
+
+    std::optional<platform::SambaAccounts> root_;
+    std::optional<std::map<std::string, Group>> groups_;
+};
+
+} // namespace accesscheck

@@ -1,0 +1,78 @@
+#include "model/ServerSettings.h"
+
+#include <algorithm>
+#include <array>
+#include <cctype>
+
+namespace {
+
+struct Synonym {
+    std::string_view name;
+    std::string_view key;
+    bool inverted = false;
+};
+
+constexpr std::array<Synonym, 11> synonyms{{{"public", "guestok"},
+                                            {"onlyguest", "guestonly"},
+                                            {"writeable", "readonly", true},
+                                            {"writable", "readonly", true},
+                                            {"writeok", "readonly", true},
+                                            {"browsable", "browseable"},
+                                            {"directory", "path"},
+                                            {"group", "forcegroup"},
+                                            {"allowhosts", "hostsallow"},
+                                            {"denyhosts", "hostsdeny"},
+                                            {"printok", "printable"}}};
+
+} // namespace
+
+std::string foldedSettingName(std::string_view name) {
+    std::string result;
+    for (const char character : name) {
+        if (character != ' ' && character != '\t') {
+            result += static_cast<char>(std::tolower(static_cast<unsigned char>(character)));
+        }
+    }
+    return result;
+}
+
+std::optional<bool> serverBool(std::string_view value) {
+    const std::string word = foldedSettingName(value);
+    if (word == "yes" || word == "true" || word == "on" || word == "1") {
+        return true;
+    }
+    if (word == "no" || word == "false" || word == "off" || word == "0") {
+        return false;
+    }
+    return std::nullopt;
+}
+
+bool isServerGlobal(std::string_view section) {
+    const std::string name = foldedSettingName(section);
+    return name == "global" || name == "globals";
+}
+
+bool isServerHomes(std::string_view section) {
+    return foldedSettingName(section) == "homes";
+}
+
+ServerSetting serverSetting(const SMBShare& section, std::string_view key) {
+    const std::string wanted = foldedSettingName(key);
+    ServerSetting last;
+    for (const SMBPair& pair : section.Props()) {
+        const std::string name = foldedSettingName(pair.Name);
+        const auto* const synonym = std::ranges::find(synonyms, name, &Synonym::name);
+        if (name == wanted) {
+            last = {&pair, false};
+        } else if (synonym != synonyms.end() && synonym->key == wanted) {
+            last = {&pair, synonym->inverted};
+        }
+    }
+    return last;
+}
+
+bool serverFlag(const SMBShare& section, std::string_view key, bool standard) {
+    const ServerSetting setting = serverSetting(section, key);
+    const auto value = setting.pair != nullptr ? serverBool(setting.pair->Value) : std::nullopt;
+    return value ? *value != setting.inverted : standard;
+}
