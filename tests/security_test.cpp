@@ -157,45 +157,141 @@ TEST(Runs, AreShownWithoutTheirSecretsAndTheirOutputOnceItIsRead) {
               errAuthorizationInvalidRef);
 }
 
-/// A sudo that takes the password "right", remembers it in a file, and writes down how it was called.
+/// A sudo that takes the password "right", remembers it in a file, and writes down how it was called. With a
+/// file "forgets" it remembers none, with "stranger" it lets nobody in, with "free" it runs the helper for
+/// all.
 constexpr const char* kSudo = R"sh(cd "$(dirname "$0")"; echo "$*" >>calls
+take() { IFS= read -r word; if test "$word" != right; then echo "Sorry, try again." >&2; exit 1; fi; }
 case "$*" in
 "-n -v") test -e held;;
-"-S -p  -v") read -r word; test "$word" = right && touch held;;
+"-S -p  -v")
+    take
+    if test -e stranger; then echo "Sorry, user eve may not run sudo on here." >&2; exit 1; fi
+    test -e forgets || touch held;;
+"-S -p  -- "*) take; shift 4; exec "$@";;
 -k) rm -f held;;
-*) test -e held || exit 1; shift 2; exec "$@";;
+*) test -e held || test -e free || exit 1; shift 2; exec "$@";;
 esac)sh";
 
-TEST(Sudo, AsksAgainForAWrongPasswordAndForgetsTheRightWhenItIsGivenUp) {
-    TestHost test;
-    const std::string helper = script(test, "helper", "cat >/dev/null; printf '\\006%s' \"$*\"");
-    const std::string sudo = script(test, "sudo", kSudo);
-    const platform::Host host(servicesWith(test, std::make_shared<platform::SudoAuthority>(helper, sudo)));
-    AuthorizationRef session = nullptr;
-    ASSERT_EQ(AuthorizationCreate({}, kAuthorizationFlagDefaults, &session), 0);
-    EXPECT_EQ(AuthorizationCopyRights(session, kRight, kAuthorizationFlagExtendRights, nullptr),
-              errAuthorizationInteractionNotAllowed);
-    std::FILE* stream = nullptr;
-    EXPECT_EQ(AuthorizationExecuteWithPrivileges(session, "/bin/cp", 0, {}, &stream), errAuthorizationDenied);
+/// Serves a session in which every tool says how the helper was called.
+constexpr const char* kSessionHelper = R"sh(case "$*" in *--version) exit 0;; esac
+while size=$(head -c 4 | od -An -tu4 --endian=big) && test -n "$size"; do
+    head -c $size >/dev/null
+    printf '\006\0\0\0\024%-20s\0' "$*"
+done)sh";
 
-    test.passwords = {"a", "b", "c"};
-    EXPECT_EQ(AuthorizationCopyRights(session, kRight, kAsk, nullptr), errAuthorizationDenied);
-    EXPECT_EQ(test.administratorDialogs, 3);
-    test.passwords = {"wrong", "right"};
-    EXPECT_EQ(AuthorizationCopyRights(session, kRight, kAsk, nullptr), 0);
-    ASSERT_EQ(test.administratorRequests.size(), 5U);
-    EXPECT_TRUE(test.administratorRequests[3].needsPassword);
-    EXPECT_EQ(test.administratorRequests[3].message, "") << "the first time there is nothing to explain";
-    EXPECT_NE(test.administratorRequests[4].message, "");
+class Sudo : public testing::Test {
+  protected:
+    Sudo() { ::setenv("BRINDLE_DEVELOPMENT", "1", 1); } // others may write where the test's files lie
 
-    ASSERT_EQ(AuthorizationExecuteWithPrivileges(session, "/bin/cp", 0, {}, &stream), 0);
-    std::string line(8, '\0');
-    EXPECT_EQ(std::fread(line.data(), 1, line.size(), stream), 8U);
-    EXPECT_EQ(line, "--system");
-    std::fclose(stream);
-    EXPECT_EQ(AuthorizationFree(session, kAuthorizationFlagDestroyRights), 0);
-    EXPECT_TRUE(test.read("calls").ends_with("-n -- " + helper + " --system\n-k\n")) << test.read("calls");
-    EXPECT_EQ(test.read("calls").find("right"), std::string::npos) << "a password became an argument";
+    ~Sudo() override { ::unsetenv("BRINDLE_DEVELOPMENT"); }
+
+    OSStatus ask() { return AuthorizationCopyRights(session_, kRight, kAsk, nullptr); }
+
+    OSStatus askSilently() {
+        return AuthorizationCopyRights(session_, kRight, kAuthorizationFlagExtendRights, nullptr);
+    }
+
+    OSStatus run(std::string* output) {
+        std::FILE* stream = nullptr;
+        const OSStatus status = AuthorizationExecuteWithPrivileges(session_, "/bin/cp", 0, {}, &stream);
+        output->assign(20, '\0');
+        if (status == 0) {
+            EXPECT_EQ(std::fread(output->data(), 1, output->size(), stream), output->size());
+            std::fclose(stream);
+        }
+        return status;
+    }
+
+    /// A file with which the sudo above does something else.
+    void set(const char* name) { test_.write(name, ""); }
+
+    TestHost test_;
+    std::string helper_ = script(test_, "helper", kSessionHelper);
+    std::shared_ptr<platform::SudoAuthority> authority_ =
+        std::make_shared<platform::SudoAuthority>(helper_, "", script(test_, "sudo", kSudo));
+    platform::Host host_{servicesWith(test_, authority_)};
+    AuthorizationRef session_ = [] {
+        AuthorizationRef made = nullptr;
+        EXPECT_EQ(AuthorizationCreate({}, kAuthorizationFlagDefaults, &made), 0);
+        return made;
+    }();
+};
+
+TEST_F(Sudo, AsksAgainForAWrongPasswordAndForgetsTheRightWhenItIsGivenUp) {
+    EXPECT_EQ(askSilently(), errAuthorizationInteractionNotAllowed);
+    std::string said;
+    EXPECT_EQ(run(&said), errAuthorizationDenied);
+
+    test_.passwords = {"a", "b", "c"};
+    EXPECT_EQ(ask(), errAuthorizationDenied);
+    EXPECT_EQ(test_.administratorDialogs, 3);
+    test_.passwords = {"wrong", "right"};
+    EXPECT_EQ(ask(), 0);
+    ASSERT_EQ(test_.administratorRequests.size(), 5U);
+    EXPECT_TRUE(test_.administratorRequests[3].needsPassword);
+    EXPECT_EQ(test_.administratorRequests[3].message, "") << "the first time there is nothing to explain";
+    EXPECT_NE(test_.administratorRequests[4].message, "");
+
+    EXPECT_EQ(run(&said), 0);
+    EXPECT_EQ(said, "--system --session  ");
+    EXPECT_EQ(run(&said), 0);
+    EXPECT_TRUE(test_.read("calls").ends_with("-n -- " + helper_ + " --system --session\n"))
+        << "one sudo serves the runs of an action";
+    EXPECT_EQ(AuthorizationFree(session_, kAuthorizationFlagDestroyRights), 0);
+    EXPECT_TRUE(test_.read("calls").ends_with("--session\n-k\n")) << test_.read("calls");
+    EXPECT_EQ(test_.read("calls").find("right"), std::string::npos) << "a password became an argument";
+}
+
+TEST_F(Sudo, ThatRemembersNoPasswordIsAskedOnceForAnAction) {
+    set("forgets");
+    std::string said;
+    for (int action = 1; action <= 2; ++action) {
+        test_.passwords = {"right"};
+        EXPECT_EQ(ask(), 0);
+        EXPECT_EQ(askSilently(), 0);
+        EXPECT_EQ(run(&said), 0);
+        EXPECT_EQ(run(&said), 0);
+        EXPECT_EQ(said, "--system --session  ");
+        authority_->endAction();
+        EXPECT_EQ(askSilently(), errAuthorizationInteractionNotAllowed);
+        EXPECT_EQ(test_.administratorDialogs, action);
+    }
+    EXPECT_EQ(AuthorizationFree(session_, kAuthorizationFlagDefaults), 0);
+}
+
+TEST_F(Sudo, ThatLetsTheHelperRunForNothingIsNotAskedForAPassword) {
+    set("free");
+    std::string said;
+    EXPECT_EQ(askSilently(), 0);
+    EXPECT_EQ(run(&said), 0);
+    EXPECT_EQ(test_.administratorDialogs, 0);
+    EXPECT_EQ(AuthorizationFree(session_, kAuthorizationFlagDefaults), 0);
+}
+
+TEST_F(Sudo, TellsAUserWhomItDoesNotLetInAndAsksNoMore) {
+    set("stranger");
+    test_.answerAlert("Changes Are Not Allowed", "OK");
+    test_.passwords = {"right", "right"};
+    EXPECT_EQ(ask(), errAuthorizationDenied);
+    EXPECT_EQ(test_.administratorDialogs, 1);
+    ASSERT_EQ(test_.alerts.size(), 1U);
+    EXPECT_NE(test_.alerts[0].message.find("sudo does not let"), std::string::npos);
+    EXPECT_EQ(AuthorizationFree(session_, kAuthorizationFlagDefaults), 0);
+}
+
+TEST_F(Sudo, RunsNoHelperThatOthersCouldReplace) {
+    ::unsetenv("BRINDLE_DEVELOPMENT");
+    test_.answerAlert("Changes Are Not Allowed", "OK");
+    test_.passwords = {"right"};
+    EXPECT_EQ(ask(), errAuthorizationDenied);
+    EXPECT_EQ(test_.administratorDialogs, 0);
+    ASSERT_EQ(test_.alerts.size(), 1U);
+    EXPECT_NE(test_.alerts[0].message.find("BRINDLE_DEVELOPMENT=1"), std::string::npos);
+    std::string said;
+    EXPECT_EQ(run(&said), errAuthorizationToolExecuteFailure);
+    EXPECT_FALSE(std::filesystem::exists(test_.root() / "calls")) << "sudo was called";
+    EXPECT_EQ(AuthorizationFree(session_, kAuthorizationFlagDefaults), 0);
 }
 
 } // namespace

@@ -7,8 +7,10 @@
 #include "frontends/WindowRun.h"
 #include "frontends/script/ScriptRunner.h"
 #include "platform/appkit/NSApplication.h"
+#include "platform/foundation/Computer.h"
 #include "platform/host/EmbeddedHost.h"
 #include "platform/host/EmbeddedRoot.h"
+#include "platform/host/SystemHost.h"
 #include "platform/samba/EmbeddedServer.h"
 #include "review/DryRun.h"
 
@@ -38,12 +40,16 @@ class QuietSystemLog : public platform::Log {
 };
 
 platform::Services makeServices(const Options& options) {
+    const bool keepsUserDefaults = options.mode == Mode::Window || options.mode == Mode::Script;
     if (options.host.system) {
-        throw std::runtime_error("--system is not built yet: leave it out to work on an embedded root");
+        platform::SystemHostOptions host;
+        host.prefix = options.host.root;
+        host.keepsUserDefaults = keepsUserDefaults;
+        return platform::makeSystemServices(host);
     }
     platform::EmbeddedHostOptions host;
     host.root = options.host.root;
-    host.keepsUserDefaults = options.mode == Mode::Window || options.mode == Mode::Script;
+    host.keepsUserDefaults = keepsUserDefaults;
     return platform::makeEmbeddedServices(host);
 }
 
@@ -76,10 +82,12 @@ class ScratchRoot {
 
 /// Services that change nothing.
 platform::Services makeDryServices(Options options, ScratchRoot& scratch) {
-    std::string& root = options.host.root;
-    root = root.empty() ? platform::EmbeddedRoot::defaultFolder() : root;
-    if (!std::filesystem::exists(platform::EmbeddedRoot(root).storeFile())) {
-        root = scratch.make();
+    if (!options.host.system) {
+        std::string& root = options.host.root;
+        root = root.empty() ? platform::EmbeddedRoot::defaultFolder() : root;
+        if (!std::filesystem::exists(platform::EmbeddedRoot(root).storeFile())) {
+            root = scratch.make();
+        }
     }
     const auto services = review::servicesOnCopies(makeServices(options));
     if (!services.isOk()) {
@@ -104,6 +112,15 @@ std::unique_ptr<platform::EmbeddedServer> startServer(const Options& options) {
     return server;
 }
 
+/// Says to whoever has no window to read it in what the computer lacks.
+void tellWhatIsMissing() {
+    const auto& computer = platform::Host::current().services().computer;
+    const std::string missing = computer ? computer->whatIsMissing() : std::string();
+    if (!missing.empty()) {
+        std::cerr << "brindle: " << missing << '\n';
+    }
+}
+
 int runScript(const Options& options) {
     const bool readsStandardInput = options.script == "-";
     std::ifstream file;
@@ -123,6 +140,7 @@ int runScript(const Options& options) {
     const auto presenter = std::make_shared<frontend::ScriptPresenter>(output);
     Application application(std::move(services));
     application.setPresenter(presenter);
+    tellWhatIsMissing();
     const auto server = startServer(options);
     frontend::ScriptRunner runner(
         options.script, readsStandardInput ? std::cin : file, output, presenter,
@@ -143,6 +161,7 @@ std::string tableName(const std::string& printed) {
 int printTable(const Options& options) {
     Application application(makeServices(options));
     application.setPresenter(std::make_shared<frontend::SilentPresenter>());
+    tellWhatIsMissing();
     application.load();
     application.launch();
     if (NSApp().isTerminated()) {

@@ -2,14 +2,18 @@
 
 #include "platform/foundation/SystemPaths.h"
 #include "platform/host/EmbeddedRoot.h"
+#include "platform/host/SystemHost.h"
 #include "platform/security/HelperProtocol.h"
 #include "tools/HelperComplaint.h"
 #include "tools/HelperCopy.h"
 #include "tools/HelperFolders.h"
 #include "tools/HelperSignal.h"
+#include "tools/SmbConfCheck.h"
 
 #include <algorithm>
 #include <array>
+#include <filesystem>
+#include <system_error>
 #include <utility>
 
 using platform::Status;
@@ -60,11 +64,20 @@ HelperResult cp(const HelperPlace& place, Arguments arguments) {
         return said("cp", Status::failure("cannot replace", arguments[1],
                                           "is none of the settings files; only those are replaced"));
     }
-    if (place.root.empty()) {
-        return notOnThisComputer("cp");
+    if (!place.root.empty()) {
+        const std::string target = platform::EmbeddedRoot(place.root).map(arguments[1]);
+        return said("cp", copyIntoPlace(arguments[0], target, place.user));
     }
-    return said(
-        "cp", copyIntoPlace(arguments[0], platform::EmbeddedRoot(place.root).map(arguments[1]), place.user));
+    const platform::SystemFiles files(place.systemPrefix);
+    const std::string target = platform::systemFileBehind(arguments[1], files);
+    if (arguments[1] == systempath::smbConf) {
+        return said("cp", copyIntoPlace(arguments[0], target, place.user, &checkSmbConf));
+    }
+    // The settings may be the first thing of all that is kept there.
+    std::error_code error;
+    std::filesystem::create_directories(files.folder(), error);
+    const Status status = error ? Status::failure("cannot make", files.folder(), error.message()) : Status();
+    return said("cp", status.isOk() ? copyIntoPlace(arguments[0], target, place.user) : status);
 }
 
 HelperResult chown(const HelperPlace& place, Arguments arguments) {
@@ -129,12 +142,15 @@ bool isHelperTool(const std::string& tool) {
     return findTool(tool) != nullptr;
 }
 
-HelperTools::HelperTools(HelperPlace place)
-    : place_(std::move(place)), directory_(DirectoryPlace::ofRoot(place_.root)) {}
+HelperTools::HelperTools(HelperPlace place) : place_(std::move(place)) {
+    if (!place_.root.empty()) {
+        directory_.emplace(DirectoryPlace::ofRoot(place_.root));
+    }
+}
 
 HelperResult HelperTools::run(const HelperRequest& request) {
-    if (platform::waitsForCommit(request.tool)) {
-        ToolResult result = directory_.nicl(request.arguments);
+    if (directory_ && platform::waitsForCommit(request.tool)) {
+        ToolResult result = directory_->nicl(request.arguments);
         return {std::move(result.output), "", result.status};
     }
     HelperResult committed = settle();
@@ -142,7 +158,7 @@ HelperResult HelperTools::run(const HelperRequest& request) {
 }
 
 HelperResult HelperTools::settle() {
-    return said("brindle-helper", directory_.commit());
+    return said("brindle-helper", directory_ ? directory_->commit() : Status());
 }
 
 HelperResult runHelperTool(const HelperPlace& place, const HelperRequest& request) {

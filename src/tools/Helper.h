@@ -43,7 +43,8 @@ struct HelperResult {
 /// Is the tool, which must be on the list. Needs a current host for its log.
 [[nodiscard]] HelperResult runHelperTool(const HelperPlace& place, const HelperRequest& request);
 
-/// The tools of one session on an embedded root: what nicl changes is one transaction up to a commit.
+/// The tools of one session. On an embedded root, what nicl changes is one transaction up to a commit; on
+/// this computer itself every run is done at once.
 class HelperTools {
   public:
     explicit HelperTools(HelperPlace place);
@@ -56,9 +57,9 @@ class HelperTools {
 
   private:
     HelperPlace place_;
-    DirectorySession directory_;
+    std::optional<DirectorySession> directory_; ///< of an embedded root
 };
 
-/// The whole program: `brindle-helper --root DIR [--session]` or `--system`, the requests on standard input
-/// (platform/security/HelperProtocol.h). Answers the exit status.
+/// The whole program: `brindle-helper --root DIR [--session]` or `--system [--session]`, the requests on
+/// standard input (platform/security/HelperProtocol.h). Answers the exit status.
 [[nodiscard]] int helperMain(int argc, char** argv);

@@ -95,7 +95,7 @@ Status keepPrevious(const FilePlace& place, const OpenedFile& old) {
 
 } // namespace
 
-Status copyIntoPlace(const std::string& source, const std::string& target, uid_t user) {
+Status copyIntoPlace(const std::string& source, const std::string& target, uid_t user, CopyCheck check) {
     const auto from = readSource(source, user);
     if (!from.isOk()) {
         return from.status();
@@ -107,6 +107,11 @@ Status copyIntoPlace(const std::string& source, const std::string& target, uid_t
     const auto old = readTarget(*place);
     if (!old.isOk()) {
         return old.status();
+    }
+    if (check != nullptr) {
+        if (Status status = check(from->text, *old ? (*old)->text : std::string()); !status.isOk()) {
+            return status;
+        }
     }
     const auto like = *old ? std::optional((*old)->status) : std::nullopt;
     // The new file first: where there is no room for it, nothing has been touched.

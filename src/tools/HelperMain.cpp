@@ -60,12 +60,11 @@ std::optional<uid_t> sudoUser() {
 
 /// Why the options are not served; empty when they are, and `place` says then what to work on.
 std::string placeOf(const platform::HostOptions& options, HelperPlace& place) {
-    place = {options.root, ::getuid(), {}};
     if (options.system) {
-        const auto user = sudoUser();
-        place = {{}, user.value_or(place.user), options.root};
-        return user && ::geteuid() == 0 ? "" : "--system is served through sudo only";
+        place = {"", sudoUser().value_or(::getuid()), options.root};
+        return ::geteuid() == 0 ? "" : "--system is served as root only; start it through sudo";
     }
+    place = {options.root, ::getuid(), ""};
     if (options.root.empty()) {
         return "Brindle starts it with --root DIR or --system";
     }
@@ -183,9 +182,6 @@ int helperMain(int argc, char** argv) {
     HelperPlace place;
     if (const std::string fault = placeOf(options, place); !fault.empty()) {
         return platform::complain(*parser, fault).print();
-    }
-    if (isSession && place.root.empty()) {
-        return platform::complain(*parser, "--session goes with --root DIR").print();
     }
     platform::Services services;
     services.log = std::make_shared<platform::SystemLog>(); // the tools may log what they cannot read

@@ -57,6 +57,10 @@ Status hangUpServer(const std::string& processId, const std::string& root) {
         return Status::failure(cannotSignal, processId,
                                "is no server of this root; only its own servers are signalled");
     }
+    if (root.empty() && !platform::isServerOfComputer(std::to_string(id))) {
+        return Status::failure(cannotSignal, processId,
+                               "is no server of this computer's own; only those are signalled");
+    }
     if (::syscall(SYS_pidfd_send_signal, process.get(), SIGHUP, nullptr, 0) != 0) {
         return Status::ofErrno(cannotSignal, processId, errno);
     }

@@ -59,7 +59,7 @@ std::unique_ptr<CLI::App> makeParser(const std::string& program, const std::stri
     parser->set_version_flag("--version", program + " (Brindle) " BRINDLE_VERSION, "Print the version");
     addText(*parser, "--root", host.root, "DIR",
             "Work on the embedded root in DIR ($BRINDLE_ROOT, else ~/.local/share/brindle)");
-    parser->add_flag("--system", host.system, "Work on this computer itself (not built yet)");
+    parser->add_flag("--system", host.system, "Work on this computer itself");
     return parser;
 }
 

@@ -14,6 +14,7 @@
 namespace platform {
 
 class Authority;   // platform/security
+class Computer;    // platform/foundation
 class LocalDomain; // platform/netinfo
 class Presenter;   // platform/appkit
 
@@ -103,6 +104,7 @@ struct Services {
     std::shared_ptr<Authority> authority;
     std::shared_ptr<PendingWrites> pendingWrites;
     std::shared_ptr<Presenter> presenter;
+    std::shared_ptr<Computer> computer;             ///< none: the computer is a folder
     std::shared_ptr<FolderForecast> folderForecast; ///< none: folders are as they are
     /// Where what actions have changed is kept, so that it can be taken back; empty: nowhere.
     std::string historyFile;

@@ -5,6 +5,7 @@
 #include "platform/host/DirectoryAccounts.h"
 #include "platform/host/EmbeddedRoot.h"
 #include "platform/host/HostProcesses.h"
+#include "platform/host/UserFiles.h"
 #include "platform/netinfo/LocalDomain.h"
 #include "platform/security/ConsentAuthority.h"
 
@@ -14,9 +15,6 @@
 #include <system_error>
 #include <utility>
 
-#include <pwd.h>
-#include <unistd.h>
-
 namespace platform {
 
 namespace {
@@ -24,25 +22,6 @@ namespace {
 std::string environment(const char* name) {
     const char* value = std::getenv(name);
     return value == nullptr ? std::string() : value;
-}
-
-std::string defaultHome() {
-    std::string home = environment("HOME");
-    if (home.empty()) {
-        const passwd* entry = ::getpwuid(::getuid());
-        home = entry == nullptr ? "/" : entry->pw_dir;
-    }
-    while (home.size() > 1 && home.ends_with('/')) {
-        home.pop_back();
-    }
-    return home;
-}
-
-std::string defaultsFileBelow(const std::string& home) {
-    const std::string configuration = environment("XDG_CONFIG_HOME");
-    // The variable's rules say that a relative path in it is to be ignored.
-    const std::string folder = configuration.starts_with('/') ? configuration : home + "/.config";
-    return folder + "/brindle/defaults.plist";
 }
 
 class EmbeddedPaths : public Paths {
@@ -80,16 +59,19 @@ std::string orDefault(const std::string& given, std::string (*makeDefault)()) {
     return given.empty() ? makeDefault() : given;
 }
 
-std::string defaultHelper() {
-    return programFolder() + "/brindle-helper";
-}
-
 } // namespace
 
 std::string programFolder() {
     std::error_code error;
     const auto program = std::filesystem::read_symlink("/proc/self/exe", error);
     return error ? "." : program.parent_path().string();
+}
+
+std::string defaultHelper() {
+    const std::string installed =
+        std::filesystem::path(programFolder() + "/../libexec/brindle-helper").lexically_normal().string();
+    std::error_code ignored; // one that cannot be looked at cannot be run either
+    return std::filesystem::exists(installed, ignored) ? installed : programFolder() + "/brindle-helper";
 }
 
 std::string defaultResources() {
@@ -104,12 +86,12 @@ Services makeEmbeddedServices(const EmbeddedHostOptions& options) {
     if (Status status = root.makeIfMissing(); !status.isOk()) {
         throw std::runtime_error(status.text());
     }
-    const std::string home = orDefault(options.home, &defaultHome);
+    const std::string home = orDefault(options.home, &homeFolder);
     Services services;
     services.log = options.log ? options.log : std::make_shared<SystemLog>();
     services.clock = std::make_shared<SystemClock>();
     services.paths = std::make_shared<EmbeddedPaths>(
-        root, home, options.keepsUserDefaults ? defaultsFileBelow(home) : std::string(),
+        root, home, options.keepsUserDefaults ? defaultsFileOf(home) : std::string(),
         orDefault(options.resources, &defaultResources));
     services.accountNames = std::make_shared<DirectoryAccounts>(root.storeFile());
     services.processes = std::make_shared<HostProcesses>(

@@ -12,7 +12,7 @@ struct EmbeddedHostOptions {
     std::string root;              ///< the root's folder; empty: $BRINDLE_ROOT, else defaultRoot()
     std::string home;              ///< empty: $HOME, else the account's home folder
     std::string resources;         ///< empty: defaultResources()
-    std::string helper;            ///< brindle-helper's file; empty: beside this program
+    std::string helper;            ///< brindle-helper's file; empty: defaultHelper()
     bool keepsUserDefaults = true; ///< false: user defaults live in memory only
     std::shared_ptr<Log> log;      ///< none: standard error and syslog
 };
@@ -25,6 +25,10 @@ struct EmbeddedHostOptions {
 /// The folder with Info.plist and the interface files: $BRINDLE_RESOURCES, else ../share/brindle beside the
 /// folder of the running program.
 [[nodiscard]] std::string defaultResources();
+
+/// The brindle-helper that is installed beside this program (../libexec), else the one in its folder, as in a
+/// build.
+[[nodiscard]] std::string defaultHelper();
 
 /// The folder that holds the running program.
 [[nodiscard]] std::string programFolder();

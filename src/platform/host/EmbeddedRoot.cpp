@@ -2,6 +2,7 @@
 
 #include "platform/foundation/SystemPaths.h"
 #include "platform/host/RootContents.h"
+#include "platform/host/UserFiles.h"
 #include "platform/netinfo/Store.h"
 #include "platform/posix/FileDescriptor.h"
 #include "platform/posix/WholeFile.h"
@@ -14,7 +15,6 @@
 #include <system_error>
 
 #include <fcntl.h>
-#include <pwd.h>
 #include <sys/file.h>
 #include <unistd.h>
 
@@ -84,14 +84,6 @@ Status makeStoreFile(const std::string& file) {
         return failure(file, status.text());
     }
     return ::rename(unfinished.c_str(), file.c_str()) == 0 ? Status() : failure(file, std::strerror(errno));
-}
-
-std::string homeFolder() {
-    if (const char* home = std::getenv("HOME"); home != nullptr && *home != '\0') {
-        return home;
-    }
-    const passwd* entry = ::getpwuid(::getuid());
-    return entry == nullptr ? "/" : entry->pw_dir;
 }
 
 } // namespace

@@ -15,6 +15,14 @@ namespace platform {
 
 namespace {
 
+/// 0 when the text is no number.
+pid_t processOf(const std::string& processId) {
+    pid_t process = 0;
+    const char* const end = processId.data() + processId.size();
+    const auto [rest, error] = std::from_chars(processId.data(), end, process);
+    return error == std::errc() && rest == end ? process : 0;
+}
+
 std::string readAll(std::FILE* stream) {
     std::string bytes;
     std::array<char, 4096> buffer{};
@@ -74,12 +82,7 @@ int HostProcesses::close(std::FILE* stream) {
 bool isServerOfRoot(const std::string& processId, const std::string& rootFolder) {
     const std::string configuration =
         SambaAccounts(EmbeddedRoot(rootFolder).sambaPaths()).configurationFile();
-    pid_t process = 0;
-    const auto [rest, error] =
-        std::from_chars(processId.data(), processId.data() + processId.size(), process);
-    if (error != std::errc() || rest != processId.data() + processId.size()) {
-        return false;
-    }
+    pid_t process = processOf(processId);
     // A process that serves a connection may have given itself another command line; its ancestor has not.
     constexpr int generations = 4;
     for (int generation = 0; generation < generations && process > 0; ++generation) {
@@ -92,6 +95,11 @@ bool isServerOfRoot(const std::string& processId, const std::string& rootFolder)
         process = intValue(statusNumberOf(process, "PPid"));
     }
     return false;
+}
+
+bool isServerOfComputer(const std::string& processId) {
+    const pid_t process = processOf(processId);
+    return process > 0 && isComputersServer(process);
 }
 
 } // namespace platform

@@ -29,4 +29,7 @@ class HostProcesses : public Processes {
 /// a child of one that serves a connection.
 [[nodiscard]] bool isServerOfRoot(const std::string& processId, const std::string& rootFolder);
 
+/// Whether it is a file server of this computer itself.
+[[nodiscard]] bool isServerOfComputer(const std::string& processId);
+
 } // namespace platform

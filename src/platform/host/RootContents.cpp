@@ -55,84 +55,6 @@ constexpr const char* smbConfAfterExample = R"(
 ;  guest ok = yes
 )";
 
-constexpr const char* appleFileServerPlist = R"(<?xml version="1.0" encoding="UTF-8"?>
-<!DOCTYPE plist PUBLIC "-//Apple//DTD PLIST 1.0//EN" "http://www.apple.com/DTDs/PropertyList-1.0.dtd">
-<plist version="1.0">
-<dict>
-	<key>activityLog</key>
-	<false/>
-	<key>activityLogPath</key>
-	<string>/Library/Logs/AppleFileService/AppleFileServiceAccess.log</string>
-	<key>activityLogTime</key>
-	<integer>7</integer>
-	<key>adminGetsSp</key>
-	<false/>
-	<key>afpServerEncoding</key>
-	<integer>0</integer>
-	<key>afpTCPPort</key>
-	<integer>548</integer>
-	<key>allowRootLogin</key>
-	<false/>
-	<key>authenticationMode</key>
-	<string>standard</string>
-	<key>clientSleepOnOff</key>
-	<true/>
-	<key>clientSleepTime</key>
-	<integer>24</integer>
-	<key>errorLogPath</key>
-	<string>/Library/Logs/AppleFileService/AppleFileServiceError.log</string>
-	<key>errorLogTime</key>
-	<integer>0</integer>
-	<key>guestAccess</key>
-	<true/>
-	<key>idleDisconnectFlag</key>
-	<dict>
-		<key>adminUsers</key>
-		<true/>
-		<key>guestUsers</key>
-		<true/>
-		<key>registeredUsers</key>
-		<true/>
-		<key>usersWithOpenFiles</key>
-		<true/>
-	</dict>
-	<key>idleDisconnectOnOff</key>
-	<false/>
-	<key>idleDisconnectTime</key>
-	<integer>10</integer>
-	<key>lock_manager</key>
-	<false/>
-	<key>loggingAttributes</key>
-	<dict>
-		<key>logCreateDir</key>
-		<true/>
-		<key>logCreateFile</key>
-		<true/>
-		<key>logDelete</key>
-		<true/>
-		<key>logLogin</key>
-		<true/>
-		<key>logLogout</key>
-		<true/>
-		<key>logOpenFork</key>
-		<true/>
-	</dict>
-	<key>loginGreeting</key>
-	<string></string>
-	<key>maxConnections</key>
-	<integer>-1</integer>
-	<key>maxGuests</key>
-	<integer>-1</integer>
-	<key>registerNSL</key>
-	<true/>
-	<key>sendGreetingOnce</key>
-	<false/>
-	<key>tickleTime</key>
-	<integer>30</integer>
-</dict>
-</plist>
-)";
-
 /// Writes the records of one kind, each name once.
 class Filler {
   public:
@@ -311,10 +233,6 @@ void fillGroups(Store& store, const People& people) {
 
 std::string sampleSmbConf(const std::string& exampleFolder) {
     return smbConfBeforeExample + exampleFolder + smbConfAfterExample;
-}
-
-std::string sampleAppleFileServerPlist() {
-    return appleFileServerPlist;
 }
 
 Status makeStore(const std::string& file) {

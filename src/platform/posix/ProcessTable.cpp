@@ -58,4 +58,12 @@ std::string statusNumberOf(pid_t process, std::string_view line) {
     return status.substr(start, status.find_first_of("\t\n", start) - start);
 }
 
+bool isInContainer(pid_t process) {
+    // One number for each namespace that it is in, this one's first.
+    constexpr std::string_view name = "\nNSpid:\t";
+    const std::string status = fileOf(process, "status");
+    const std::size_t place = status.find(name);
+    return place != std::string::npos && status[status.find_first_of("\t\n", place + name.size())] == '\t';
+}
+
 } // namespace platform

@@ -20,4 +20,7 @@ namespace platform {
 /// The first number of a line of /proc/PID/status: "PPid" its parent, "Uid" the user whose it is.
 [[nodiscard]] std::string statusNumberOf(pid_t process, std::string_view line);
 
+/// Whether it belongs to a container below this system, where it has a number of its own.
+[[nodiscard]] bool isInContainer(pid_t process);
+
 } // namespace platform

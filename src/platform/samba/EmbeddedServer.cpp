@@ -2,10 +2,10 @@
 
 #include "platform/posix/InputOutput.h"
 #include "platform/posix/Process.h"
+#include "platform/samba/InstalledSamba.h"
 #include "platform/samba/SambaAccounts.h"
 #include "platform/samba/ServerProcesses.h"
 
-#include <array>
 #include <cerrno>
 #include <chrono>
 #include <thread>
@@ -23,19 +23,9 @@ namespace platform {
 
 namespace {
 
-constexpr std::array programPaths{"/usr/sbin/smbd", "/usr/local/sbin/smbd", "/usr/local/samba/sbin/smbd"};
 constexpr auto startLimit = std::chrono::seconds(10);
 constexpr auto lockLimit = std::chrono::seconds(8); // longer than a keeper takes
 constexpr auto pause = std::chrono::milliseconds(20);
-
-std::string smbdProgram() {
-    for (const char* path : programPaths) {
-        if (access(path, X_OK) == 0) {
-            return path;
-        }
-    }
-    return {};
-}
 
 sockaddr_in loopback(int port) {
     sockaddr_in address{};
@@ -103,7 +93,7 @@ std::string EmbeddedServer::address() const {
 }
 
 Status EmbeddedServer::start(int port) {
-    const std::string program = smbdProgram();
+    const std::string program = sambaServer("smbd");
     if (program.empty()) {
         return Status::failure(cannotStart, "",
                                "no smbd is installed; install the package samba and try again");

@@ -6,6 +6,7 @@
 #include "platform/posix/Secret.h"
 #include "platform/posix/WholeFile.h"
 #include "platform/samba/AccountLists.h"
+#include "platform/samba/InstalledSamba.h"
 
 #include <algorithm>
 #include <array>
@@ -28,7 +29,6 @@ constexpr std::size_t longestPassword = 254;
 
 constexpr const char* refusedPassword = "Samba did not take the password";
 
-constexpr std::array programFolders{"/usr/bin/", "/usr/local/bin/", "/usr/local/samba/bin/"};
 constexpr std::array libraryFolders{"/usr/lib/", "/usr/lib64/", "/usr/local/lib/"};
 
 /// Each of Samba's folders: its setting, and its name below the root's samba folder.
@@ -47,15 +47,6 @@ constexpr std::array accountPrograms{"add user script",          "delete user sc
                                      "add machine script",       "delete group script",
                                      "add user to group script", "delete user from group script",
                                      "set primary group script"};
-
-std::string databaseProgram() {
-    for (const char* folder : programFolders) {
-        if (::access((std::string(folder) + "pdbedit").c_str(), X_OK) == 0) {
-            return std::string(folder) + "pdbedit";
-        }
-    }
-    return {};
-}
 
 /// Readers never meet half a list, and a list that stays as it is costs no write.
 Status replaceFile(const std::string& file, const std::string& text) {
@@ -271,7 +262,7 @@ Status SambaAccounts::checkPassword(std::string_view password) {
 }
 
 Status SambaAccounts::setPassword(const std::string& user, std::string_view password) const {
-    const std::string program = databaseProgram();
+    const std::string program = sambaCommand("pdbedit");
     if (Status status = checkInstallation(program); !status.isOk()) {
         return status;
     }
@@ -291,7 +282,7 @@ Status SambaAccounts::removeUser(const std::string& user) const {
     if (!fs::exists(databaseFile(), ignored)) {
         return {};
     }
-    const std::string program = databaseProgram();
+    const std::string program = sambaCommand("pdbedit");
     if (Status status = checkInstallation(program); !status.isOk()) {
         return status;
     }
@@ -310,7 +301,7 @@ Result<std::optional<SambaUser>> SambaAccounts::user(const std::string& user) co
     if (!fs::exists(databaseFile(), ignored)) {
         return std::optional<SambaUser>();
     }
-    const std::string program = databaseProgram();
+    const std::string program = sambaCommand("pdbedit");
     if (Status status = checkInstallation(program); !status.isOk()) {
         return status;
     }

@@ -1,10 +1,12 @@
 #include "platform/samba/ServerProcesses.h"
 
 #include "platform/posix/ProcessTable.h"
+#include "platform/samba/InstalledSamba.h"
 
 #include <algorithm>
 #include <chrono>
 #include <csignal>
+#include <cstdlib>
 #include <filesystem>
 #include <set>
 #include <system_error>
@@ -27,17 +29,24 @@ bool isSameFile(const std::string& word, const std::string& file) {
     return fs::weakly_canonical(word, ignored) == fs::weakly_canonical(file, ignored);
 }
 
-/// smbd is told its configuration by "-s FILE", and tells it to its daemons by "--configfile=FILE".
-bool namesConfiguration(const std::vector<std::string>& words, const std::string& file) {
+/// smbd is told its configuration by "-s FILE", and tells it to its daemons by "--configfile=FILE". Empty
+/// where the words name none.
+std::string configurationIn(const std::vector<std::string>& words) {
     constexpr std::string_view option = "--configfile=";
     for (std::size_t index = 1; index < words.size(); ++index) {
-        const std::string& word = words[index];
-        if ((words[index - 1] == "-s" && isSameFile(word, file)) ||
-            (word.starts_with(option) && isSameFile(word.substr(option.size()), file))) {
-            return true;
+        if (words[index].starts_with(option)) {
+            return words[index].substr(option.size());
+        }
+        if (words[index - 1] == "-s" || words[index - 1] == "--configfile") {
+            return words[index];
         }
     }
-    return false;
+    return {};
+}
+
+bool namesConfiguration(const std::vector<std::string>& words, const std::string& file) {
+    const std::string named = configurationIn(words);
+    return !named.empty() && isSameFile(named, file);
 }
 
 std::string programIn(const std::vector<std::string>& words) {
@@ -61,6 +70,29 @@ bool isDaemonWith(pid_t process, const std::string& file) {
     const std::string program = programIn(words);
     return (program == "smbd" || program == "samba-dcerpcd" || program.starts_with("rpcd_")) &&
            isOwn(process) && namesConfiguration(words, file);
+}
+
+bool isComputersServer(pid_t process) {
+    const auto isServer = [](pid_t id) {
+        const std::string name = programNameOf(id);
+        return name.starts_with("smbd") || name == "AppleFileServer";
+    };
+    // A process that serves a connection may have given itself another command line; its ancestor has not.
+    constexpr int generations = 4;
+    for (int generation = 0; generation < generations; ++generation) {
+        const bool isOurs =
+            isServer(process) && statusNumberOf(process, "Uid") == "0" && !isInContainer(process);
+        const std::string configuration = configurationIn(commandLineOf(process));
+        if (!isOurs || (!configuration.empty() && !isSameFile(configuration, sambaBuild().configFile))) {
+            return false;
+        }
+        const auto parent = static_cast<pid_t>(std::atoi(statusNumberOf(process, "PPid").c_str()));
+        if (parent <= 0 || !isServer(parent)) {
+            return true;
+        }
+        process = parent;
+    }
+    return false;
 }
 
 void endDaemonsWith(const std::string& file) {

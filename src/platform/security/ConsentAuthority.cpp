@@ -6,6 +6,7 @@
 #include "platform/security/HelperProtocol.h"
 
 #include <optional>
+#include <utility>
 
 namespace platform {
 
@@ -36,7 +37,9 @@ ConsentSession& consentOf(AuthorizationSession& session) {
 } // namespace
 
 ConsentAuthority::ConsentAuthority(const std::string& helper, const std::string& rootFolder)
-    : helper_({helper, "--root", rootFolder, "--session"}) {}
+    : ConsentAuthority({helper, "--root", rootFolder, "--session"}) {}
+
+ConsentAuthority::ConsentAuthority(std::vector<std::string> command) : helper_(std::move(command)) {}
 
 std::unique_ptr<AuthorizationSession> ConsentAuthority::createSession(OSStatus* status) {
     *status = errAuthorizationSuccess;

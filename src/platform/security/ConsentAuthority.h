@@ -5,6 +5,9 @@
 #include "platform/security/HelperSession.h"
 
 #include <string>
+#include <vector>
+
+#include <string>
 
 namespace platform {
 
@@ -22,6 +25,8 @@ class ConsentAuthority : public Authority, public PendingWrites {
 
     /// Tools are run by the program `helper` on the root at `rootFolder`.
     ConsentAuthority(const std::string& helper, const std::string& rootFolder);
+    /// They are run by a helper that `command` starts, for a session.
+    explicit ConsentAuthority(std::vector<std::string> command);
 
     [[nodiscard]] std::unique_ptr<AuthorizationSession> createSession(OSStatus* status) override;
     /// errAuthorizationCanceled when the user says no.

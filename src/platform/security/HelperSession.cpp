@@ -25,10 +25,11 @@ OSStatus HelperSession::run(const std::string& tool, std::span<const std::string
         return errAuthorizationToolExecuteFailure;
     }
     frame->replace(0, frameHeaderSize, frameHeader(frame->size() - frameHeaderSize));
+    wasDenied_ = false;
     auto answer = ask(*frame);
     wipe(*frame);
     if (!answer.isOk() || !*answer) {
-        return errAuthorizationToolExecuteFailure;
+        return wasDenied_ ? errAuthorizationDenied : errAuthorizationToolExecuteFailure;
     }
     holdsChanges_ = holdsChanges_ || waitsForCommit(tool);
     if (output != nullptr) {
@@ -39,6 +40,27 @@ OSStatus HelperSession::run(const std::string& tool, std::span<const std::string
         *output = bytes->release();
     }
     return errAuthorizationSuccess;
+}
+
+Status HelperSession::startWith(const std::vector<std::string>& command) {
+    auto started = startHelper(command);
+    if (started.isOk()) {
+        helper_ = std::move(*started);
+    }
+    return started.status();
+}
+
+Status HelperSession::start(const std::vector<std::string>& command, std::string_view firstInput) {
+    end();
+    if (Status status = startWith(command); !status.isOk()) {
+        return status;
+    }
+    std::string first;
+    first.reserve(firstInput.size() + frameHeaderSize);
+    first.append(firstInput).append(frameHeader(0)); // a commit of nothing tells that the helper is there
+    const auto answer = ask(first);
+    wipe(first);
+    return answer.isOk() && *answer ? Status() : answer.status();
 }
 
 Status HelperSession::settle() {
@@ -77,11 +99,9 @@ void HelperSession::giveUp() {
 Result<std::optional<HelperSession::Answer>> HelperSession::ask(std::string_view frame) {
     const IgnoredBrokenPipe ignored;
     if (!helper_) {
-        auto started = startHelper(command_);
-        if (!started.isOk()) {
-            return started.status();
+        if (Status status = startWith(command_); !status.isOk()) {
+            return status;
         }
-        helper_ = std::move(*started);
     }
     const HelperStart start = handOver(*helper_, frame, HelperInput::StaysOpen, patience_);
     if (start == HelperStart::Refused) {
@@ -91,6 +111,11 @@ Result<std::optional<HelperSession::Answer>> HelperSession::ask(std::string_view
                       ? readAnswer()
                       : Result<Answer>(Status::failure("cannot talk to", command_.front(), "try again"));
     if (!answer.isOk()) {
+        if (start == HelperStart::Ended) {
+            const auto status = waitForProcess(std::exchange(helper_, std::nullopt)->id);
+            // sudo's status of a refusal. The helper itself ends with another before it has started.
+            wasDenied_ = status.isOk() && *status == 1;
+        }
         giveUp();
         return answer.status();
     }

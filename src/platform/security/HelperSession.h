@@ -27,9 +27,17 @@ class HelperSession {
 
     /// Runs `tool` to its end, in the helper that runs already or in a new one. On success `*output` (when
     /// not null) is a descriptor, owned by the caller, from which the tool's standard output is read.
+    /// errAuthorizationDenied when the program in front of a new helper refused;
     /// errAuthorizationToolExecuteFailure when the helper could not be started, refused the tool, took too
     /// long or ended in the middle.
     [[nodiscard]] OSStatus run(const std::string& tool, std::span<const std::string> arguments, int* output);
+
+    /// Starts a helper by another `command`, whose first program reads `firstInput` before it; instead of one
+    /// that runs. `firstInput` may be a secret: no copy of it is left.
+    [[nodiscard]] Status start(const std::vector<std::string>& command, std::string_view firstInput);
+
+    /// Whether a helper waits for the next run.
+    [[nodiscard]] bool isRunning() const { return helper_.has_value(); }
 
     /// Commits. Ok when there is nothing to commit; a failure has taken back everything since the last
     /// commit.
@@ -44,6 +52,7 @@ class HelperSession {
         int status = 0;
     };
 
+    [[nodiscard]] Status startWith(const std::vector<std::string>& command);
     /// Hands a frame over and reads what is said to it; none when the helper refuses.
     [[nodiscard]] Result<std::optional<Answer>> ask(std::string_view frame);
     [[nodiscard]] Result<Answer> readAnswer() const;
@@ -56,6 +65,7 @@ class HelperSession {
     std::optional<ChildProcess> helper_;
     bool holdsChanges_ = false; ///< the directory's tools have run since the last commit
     std::string lost_;          ///< why their changes are gone
+    bool wasDenied_ = false;    ///< what stands before the helper has refused to start it
 };
 
 } // namespace platform

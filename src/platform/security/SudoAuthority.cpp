@@ -1,16 +1,18 @@
 #include "platform/security/SudoAuthority.h"
 
+#include "platform/appkit/NSAlert.h"
 #include "platform/appkit/Presenter.h"
 #include "platform/foundation/Host.h"
 #include "platform/foundation/NSBundle.h"
 #include "platform/foundation/NSLog.h"
-#include "platform/posix/Process.h"
 #include "platform/posix/Secret.h"
+#include "platform/security/HelperFile.h"
 
-#include <string_view>
+#include <algorithm>
+#include <array>
 #include <utility>
-#include <vector>
 
+#include <pwd.h>
 #include <unistd.h>
 
 namespace platform {
@@ -21,37 +23,109 @@ bool isProgram(const std::string& path) {
     return ::access(path.c_str(), X_OK) == 0;
 }
 
-bool succeeds(std::vector<std::string> command, std::string_view input = {}) {
-    const auto finished = runProcess({std::move(command)}, input);
-    return finished.isOk() && finished->status == 0;
+/// sudo's messages are read below, which takes them untranslated.
+std::vector<std::string> untranslatedEnvironment() {
+    std::vector<std::string> variables = currentEnvironment();
+    std::erase_if(variables, [](const std::string& each) { return each.starts_with("LC_ALL="); });
+    variables.emplace_back("LC_ALL=C");
+    return variables;
+}
+
+bool holdsOneOf(std::string_view text, std::initializer_list<std::string_view> parts) {
+    return std::ranges::any_of(
+        parts, [&](std::string_view part) { return text.find(part) != std::string_view::npos; });
+}
+
+std::string userName() {
+    const passwd* entry = ::getpwuid(::getuid());
+    return entry != nullptr ? entry->pw_name : std::to_string(::getuid());
+}
+
+template <class... Arguments>
+void tell(const std::string& message, const Arguments&... arguments) {
+    NSRunAlertPanel(NSLocalizedString("Changes Are Not Allowed"), message, NSLocalizedString("OK"),
+                    std::nullopt, std::nullopt, arguments...);
+}
+
+std::vector<std::string> joined(std::vector<std::string> words, const std::vector<std::string>& more) {
+    words.insert(words.end(), more.begin(), more.end());
+    return words;
 }
 
 } // namespace
 
-SudoAuthority::SudoAuthority(const std::string& helper, std::string sudo)
-    : helper_(helper), sudo_(std::move(sudo)), launcher_({sudo_, "-n", "--", helper, "--system"}) {}
+SudoAuthority::SudoAuthority(std::string helper, const std::string& prefix, std::string sudo)
+    : helperFile_(std::move(helper)), helperCommand_(systemHelperCommand(helperFile_, prefix)),
+      sudo_(std::move(sudo)), helper_(joined({sudo_, "-n", "--"}, helperCommand_)) {}
 
 std::unique_ptr<AuthorizationSession> SudoAuthority::createSession(OSStatus* status) {
     *status = errAuthorizationSuccess;
     return std::make_unique<AuthorizationSession>(); // sudo keeps what there is to keep
 }
 
-OSStatus SudoAuthority::copyRights(AuthorizationSession& /*session*/, const AuthorizationRights& /*rights*/,
-                                   AuthorizationFlags flags) {
-    if (!isProgram(sudo_)) {
-        NSLog("%@ is not installed: install sudo to administer this computer", sudo_);
-        return errAuthorizationDenied;
-    }
-    if (succeeds({sudo_, "-n", "-v"})) {
-        return errAuthorizationSuccess;
-    }
-    if ((flags & kAuthorizationFlagInteractionAllowed) == 0) {
-        return errAuthorizationInteractionNotAllowed;
-    }
-    return askForPassword();
+std::vector<std::string> SudoAuthority::sudoWords(std::vector<std::string> options) const {
+    return joined({sudo_}, options);
 }
 
-OSStatus SudoAuthority::askForPassword() const {
+bool SudoAuthority::succeeds(std::vector<std::string> options) const {
+    const auto finished = runProcess({sudoWords(std::move(options))});
+    return finished.isOk() && finished->status == 0;
+}
+
+OSStatus SudoAuthority::copyRights(AuthorizationSession& /*session*/, const AuthorizationRights& /*rights*/,
+                                   AuthorizationFlags flags) {
+    if (helper_.isRunning()) {
+        return errAuthorizationSuccess;
+    }
+    const bool mayAsk = (flags & kAuthorizationFlagInteractionAllowed) != 0;
+    Status status = isProgram(sudo_) ? checkHelperFile(helperFile_)
+                                     : Status::failure("cannot change anything", "",
+                                                       sudo_ + " is not installed; install the package sudo");
+    if (!status.isOk()) {
+        if (mayAsk) {
+            NSLog("%@", status.text());
+            tell("%@", status.text());
+        }
+        return errAuthorizationDenied;
+    }
+    if (holdsRight()) {
+        return errAuthorizationSuccess;
+    }
+    return mayAsk ? askForPassword() : errAuthorizationInteractionNotAllowed;
+}
+
+bool SudoAuthority::holdsRight() {
+    if (succeeds({"-n", "-v"})) {
+        return true;
+    }
+    // sudo may ask this user for a password in general, and for none where it is the helper that is run.
+    if (!helperIsFree_) {
+        helperIsFree_ = succeeds(joined({"-n", "--", helperFile_}, {"--system", "--version"}));
+    }
+    return *helperIsFree_;
+}
+
+SudoAuthority::Verdict SudoAuthority::check(std::string_view passwordLine) {
+    const auto finished = runProcess(
+        {sudoWords({"-S", "-p", "", "-v"}), ErrorOutput::Apart, untranslatedEnvironment()}, passwordLine);
+    if (!finished.isOk()) {
+        complaint_ = finished.status().text();
+        return Verdict::Failed;
+    }
+    if (finished->status == 0) {
+        return Verdict::Accepted;
+    }
+    complaint_ = lastLineOf(finished->errors);
+    if (holdsOneOf(finished->errors,
+                   {"may not run sudo", "is not in the sudoers file", "is not allowed to"})) {
+        return Verdict::NotAllowed;
+    }
+    const bool isWrong = complaint_.empty() ||
+                         holdsOneOf(finished->errors, {"try again", "incorrect password", "no password was"});
+    return isWrong ? Verdict::WrongPassword : Verdict::Failed;
+}
+
+OSStatus SudoAuthority::askForPassword() {
     AdministratorRequest request{true, ""};
     for (int attempt = 0; attempt < tries; ++attempt) {
         auto answer = Host::current().presenter().runAdministratorDialog(request);
@@ -63,19 +137,38 @@ OSStatus SudoAuthority::askForPassword() const {
         line.reserve(answer->password.size() + 1);
         line.append(answer->password).push_back('\n');
         wipe(answer->password);
-        const bool isAccepted = succeeds({sudo_, "-S", "-p", "", "-v"}, line);
-        wipe(line);
-        if (isAccepted) {
-            return errAuthorizationSuccess;
+        const Verdict verdict = check(line);
+        Status started;
+        if (verdict == Verdict::Accepted && !succeeds({"-n", "-v"})) {
+            started = helper_.start(joined({sudo_, "-S", "-p", "", "--"}, helperCommand_), line);
         }
-        request.message = NSLocalizedString("The password was not accepted, or this account may not "
-                                            "administer this computer.  Please try again.");
+        wipe(line);
+        switch (verdict) {
+        case Verdict::Accepted:
+            if (started.isOk()) {
+                return errAuthorizationSuccess;
+            }
+            tell("%@", started.text());
+            return errAuthorizationDenied;
+        case Verdict::NotAllowed:
+            tell(NSLocalizedString(
+                     "sudo does not let %@ administer this computer.  Ask an administrator to make "
+                     "the change, or to allow it to %@."),
+                 userName(), userName());
+            return errAuthorizationDenied;
+        case Verdict::Failed:
+            tell(NSLocalizedString("sudo cannot be used: %@"), complaint_);
+            return errAuthorizationDenied;
+        case Verdict::WrongPassword:
+            request.message = NSLocalizedString("The password was not accepted.  Please try again.");
+        }
     }
     return errAuthorizationDenied;
 }
 
 void SudoAuthority::destroyRights(AuthorizationSession& /*session*/) {
-    if (!succeeds({sudo_, "-k"})) {
+    helper_.end();
+    if (isProgram(sudo_) && !succeeds({"-k"})) {
         NSLog("%@ -k failed: the administrator right may last until sudo forgets it by itself", sudo_);
     }
 }
@@ -83,14 +176,26 @@ void SudoAuthority::destroyRights(AuthorizationSession& /*session*/) {
 OSStatus SudoAuthority::execute(AuthorizationSession& /*session*/, const std::string& tool,
                                 std::span<const std::string> arguments, int* output) {
     // sudo ends in the same way when it finds no such program as when it refuses.
-    if (!isProgram(helper_) || !isProgram(sudo_)) {
+    if (!isProgram(sudo_) || !checkHelperFile(helperFile_).isOk()) {
         return errAuthorizationToolExecuteFailure;
     }
-    return launcher_.run(tool, arguments, output);
+    return helper_.run(tool, arguments, output);
 }
 
-void SudoAuthority::outputHasEnded() {
-    launcher_.collect();
+void SudoAuthority::settle() {
+    if (Status status = helper_.settle(); !status.isOk()) {
+        Host::current().presenter().beep();
+        NSLog("%@", status.text());
+    }
+}
+
+void SudoAuthority::takeBack() {
+    helper_.end(); // what was not settled goes with it
+}
+
+void SudoAuthority::endAction() {
+    settle();
+    helper_.end();
 }
 
 } // namespace platform

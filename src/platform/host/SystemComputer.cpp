@@ -1,0 +1,68 @@
+#include "platform/host/SystemComputer.h"
+
+#include "platform/foundation/NSBundle.h"
+#include "platform/foundation/NSString.h"
+#include "platform/samba/InstalledSamba.h"
+#include "platform/security/HelperFile.h"
+#include "platform/security/SudoAuthority.h"
+
+#include <algorithm>
+#include <array>
+#include <vector>
+
+#include <unistd.h>
+
+namespace platform {
+
+namespace {
+
+/// Some of what the package has; where these are, the rest is.
+constexpr std::array accountTools{"/usr/sbin/useradd", "/usr/sbin/usermod", "/usr/sbin/groupadd"};
+
+bool isProgram(const char* path) {
+    return ::access(path, X_OK) == 0;
+}
+
+/// Why no change can be made at all, whoever asks for it.
+std::string problemOf(const std::string& helper) {
+    if (::geteuid() == 0) {
+        return isProgram(helper.c_str()) ? std::string() : checkHelperFile(helper).text();
+    }
+    if (!isProgram(SudoAuthority::defaultSudo)) {
+        return NSLocalizedString("sudo is not installed (package sudo)");
+    }
+    return checkHelperFile(helper).text();
+}
+
+} // namespace
+
+std::string missingText(const ComputersPrograms& programs) {
+    std::vector<std::string> sentences;
+    if (programs.smbd.empty()) {
+        sentences.push_back(
+            NSLocalizedString("Samba is not installed (package samba): shares, accounts and settings can be "
+                              "made, and nothing is served before it is."));
+    }
+    if (!programs.hasAccountTools) {
+        sentences.push_back(NSLocalizedString(
+            "The tools for accounts are not installed (package passwd): shares and settings can "
+            "be changed, and accounts cannot."));
+    }
+    if (!programs.helperProblem.empty()) {
+        sentences.push_back(
+            stringWithFormat(NSLocalizedString("%@: everything can be looked at, and nothing changed."),
+                             programs.helperProblem));
+    }
+    std::string line;
+    for (const std::string& each : sentences) {
+        line += (line.empty() ? "" : "  ") + each;
+    }
+    return line;
+}
+
+std::string SystemComputer::whatIsMissing() const {
+    return missingText(
+        {sambaServer("smbd"), std::ranges::all_of(accountTools, &isProgram), problemOf(helper_)});
+}
+
+} // namespace platform

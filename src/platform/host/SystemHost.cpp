@@ -1,0 +1,111 @@
+#include "platform/host/SystemHost.h"
+
+#include "platform/foundation/NSBundle.h"
+#include "platform/foundation/SystemPaths.h"
+#include "platform/foundation/SystemServices.h"
+#include "platform/host/DirectoryAccounts.h"
+#include "platform/host/EmbeddedHost.h"
+#include "platform/host/HostProcesses.h"
+#include "platform/host/SystemComputer.h"
+#include "platform/host/UserFiles.h"
+#include "platform/netinfo/LocalDomain.h"
+#include "platform/samba/InstalledSamba.h"
+#include "platform/security/ConsentAuthority.h"
+#include "platform/security/HelperFile.h"
+#include "platform/security/SudoAuthority.h"
+
+#include <filesystem>
+#include <system_error>
+#include <utility>
+
+#include <unistd.h>
+
+namespace platform {
+
+namespace {
+
+class SystemPaths : public Paths {
+  public:
+    SystemPaths(SystemFiles files, std::string home, std::string defaultsFile, std::string resources)
+        : files_(std::move(files)), home_(std::move(home)), defaultsFile_(std::move(defaultsFile)),
+          resources_(std::move(resources)) {}
+
+    /// Before they are saved for the first time, the AFP settings are those that a new root begins with.
+    [[nodiscard]] std::string map(const std::string& path) const override {
+        std::string file = systemFileBehind(path, files_);
+        std::error_code error;
+        const bool isNew =
+            path == systempath::appleFileServer && !std::filesystem::exists(file, error) && !error;
+        return isNew ? resources_ + "/AppleFileServer.plist" : file;
+    }
+
+    [[nodiscard]] std::string home() const override { return home_; }
+
+    [[nodiscard]] std::string defaultsFile() const override { return defaultsFile_; }
+
+    [[nodiscard]] std::string resources() const override { return resources_; }
+
+  private:
+    SystemFiles files_;
+    std::string home_;
+    std::string defaultsFile_;
+    std::string resources_;
+};
+
+/// The accounts are the lines of the computer's own files.
+class SystemDomain : public LocalDomain {
+  public:
+    explicit SystemDomain(const SystemFiles& files) : file_(files.storeFile()) {}
+
+    [[nodiscard]] std::string storeFile() const override { return file_; }
+
+    [[nodiscard]] std::optional<AccountFiles> accountFiles() const override { return AccountFiles(); }
+
+  private:
+    std::string file_;
+};
+
+/// Puts the authority in place: sudo's, or, where nobody has to be asked for a password, the user's consent.
+void useAuthority(Services& services, const SystemHostOptions& options, const std::string& helper) {
+    if (::geteuid() == 0) {
+        const auto authority =
+            std::make_shared<ConsentAuthority>(systemHelperCommand(helper, options.prefix));
+        services.authority = authority;
+        services.pendingWrites = authority;
+    } else {
+        const auto authority = std::make_shared<SudoAuthority>(helper, options.prefix);
+        services.authority = authority;
+        services.pendingWrites = authority;
+    }
+}
+
+} // namespace
+
+std::string systemFileBehind(const std::string& path, const SystemFiles& files) {
+    return path == systempath::smbConf           ? sambaBuild().configFile
+           : path == systempath::appleFileServer ? files.appleFileServer()
+                                                 : path;
+}
+
+Services makeSystemServices(const SystemHostOptions& options) {
+    const SystemFiles files(options.prefix);
+    const std::string home = options.home.empty() ? homeFolder() : options.home;
+    Services services;
+    services.log = options.log ? options.log : std::make_shared<SystemLog>();
+    services.clock = std::make_shared<SystemClock>();
+    services.paths = std::make_shared<SystemPaths>(
+        files, home, options.keepsUserDefaults ? defaultsFileOf(home) : std::string(),
+        options.resources.empty() ? defaultResources() : options.resources);
+    services.accountNames = std::make_shared<DirectoryAccounts>(""); // the computer's own
+    services.processes = std::make_shared<HostProcesses>(&isServerOfComputer);
+    services.localDomain = std::make_shared<SystemDomain>(files);
+    const std::string helper = options.helper.empty() ? defaultHelper() : options.helper;
+    useAuthority(services, options, helper);
+    services.computer = std::make_shared<SystemComputer>(helper);
+    services.historyFile = historyFileOf(home);
+    services.keepsLayout = true;
+    services.languages = languagesFromEnvironment();
+    return services;
+}
+
+} // namespace platform

@@ -1,0 +1,89 @@
+#include "tools/SmbConfCheck.h"
+
+#include "platform/posix/LetterCase.h"
+#include "platform/posix/Process.h"
+#include "platform/samba/InstalledSamba.h"
+
+#include <algorithm>
+#include <array>
+#include <chrono>
+
+using platform::Status;
+
+namespace {
+
+constexpr auto limit = std::chrono::seconds(20);
+
+/// What begins a complaint, or stands in one. All else that testparm says is about its work, or a piece of
+/// advice that the server does not act on.
+constexpr std::array<std::string_view, 7> complaints = {"Unknown parameter encountered",
+                                                        "Ignoring invalid value",
+                                                        "is not boolean",
+                                                        "ERROR: ",
+                                                        "Invalid ",
+                                                        "params.c",
+                                                        "Error loading services"};
+
+/// Whether a line says "security = share". Brindle offers that setting, which this Samba no longer knows:
+/// the server refuses it, and the page says so.
+bool isShareSecurity(std::string_view line) {
+    std::string plain = platform::lowercased(line);
+    std::erase_if(plain, [](char letter) { return letter == ' ' || letter == '\t' || letter == '\r'; });
+    return plain == "security=share";
+}
+
+std::string withoutShareSecurity(std::string_view text) {
+    std::string kept;
+    kept.reserve(text.size());
+    while (!text.empty()) {
+        const std::size_t end = std::min(text.find('\n'), text.size() - 1) + 1;
+        if (!isShareSecurity(text.substr(0, end - (text[end - 1] == '\n' ? 1 : 0)))) {
+            kept.append(text.substr(0, end));
+        }
+        text.remove_prefix(end);
+    }
+    return kept;
+}
+
+std::string firstComplaint(std::string_view said) {
+    while (!said.empty()) {
+        const std::string_view line = said.substr(0, said.find('\n'));
+        if (std::ranges::any_of(complaints,
+                                [&](std::string_view part) { return line.find(part) != line.npos; })) {
+            return std::string(line);
+        }
+        said.remove_prefix(std::min(said.size(), line.size() + 1));
+    }
+    return {};
+}
+
+} // namespace
+
+std::optional<std::string> complaintAboutSmbConf(std::string_view text) {
+    const std::string testparm = platform::sambaCommand("testparm");
+    if (testparm.empty()) {
+        return std::nullopt;
+    }
+    const platform::Command command{{testparm, "-s", "/dev/stdin"},
+                                    platform::ErrorOutput::Apart,
+                                    {"PATH=/usr/sbin:/usr/bin:/sbin:/bin", "LC_ALL=C"}};
+    const auto finished = platform::runProcess(command, withoutShareSecurity(text), limit);
+    if (!finished.isOk()) {
+        return std::nullopt;
+    }
+    // Its exit status says nothing of keys that it does not know.
+    std::string complaint = firstComplaint(finished->errors);
+    if (complaint.empty() && finished->status != 0) {
+        complaint = platform::lastLineOf(finished->errors);
+    }
+    return complaint.empty() ? std::nullopt : std::optional(std::move(complaint));
+}
+
+Status checkSmbConf(std::string_view text, std::string_view old) {
+    const auto complaint = complaintAboutSmbConf(text);
+    if (!complaint || complaintAboutSmbConf(old)) {
+        return {};
+    }
+    return Status::failure("cannot save", "smb.conf",
+                           "the server could not use it (testparm: " + *complaint + "); nothing was changed");
+}

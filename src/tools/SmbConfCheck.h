@@ -1,0 +1,15 @@
+#pragma once
+
+#include "platform/posix/Status.h"
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+/// Fails, with the first complaint, when the installed testparm finds `text` unusable as smb.conf and `old`,
+/// the text that it is to replace, usable: a server that runs must not be left without settings. Ok where
+/// nothing can be checked: no testparm is installed, or it does not end.
+[[nodiscard]] platform::Status checkSmbConf(std::string_view text, std::string_view old);
+
+/// testparm's first complaint about a text; none when the server can use it, or nothing can be checked.
+[[nodiscard]] std::optional<std::string> complaintAboutSmbConf(std::string_view text);

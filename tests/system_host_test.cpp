@@ -1,0 +1,120 @@
+#include "platform/host/SystemComputer.h"
+#include "platform/host/SystemHost.h"
+#include "platform/netinfo/LocalDomain.h"
+#include "platform/samba/InstalledSamba.h"
+#include "support/Subprocess.h"
+#include "support/TestHost.h"
+#include "tools/HelperCopy.h"
+#include "tools/SmbConfCheck.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <iterator>
+
+#include <unistd.h>
+
+namespace {
+
+namespace fs = std::filesystem;
+
+TEST(SystemHost, FindsTheFilesOfTheInstalledServerAndItsOwn) {
+    const auto build =
+        platform::sambaBuildOf("Paths:\n   SBINDIR: /usr/sbin\n   CONFIGFILE: /opt/my samba/smb.conf\n"
+                               "   PIDDIR: /run/samba\n   CONFIGFILE_OF: no\n");
+    EXPECT_EQ(build.configFile, "/opt/my samba/smb.conf");
+    EXPECT_EQ(build.pidFolder, "/run/samba");
+    EXPECT_EQ(platform::sambaBuildOf("").configFile, "/etc/samba/smb.conf");
+    const platform::SystemFiles files("/prefix");
+    EXPECT_EQ(platform::systemFileBehind("/etc/smb.conf", files), platform::sambaBuild().configFile);
+    EXPECT_EQ(platform::systemFileBehind("/Library/Preferences/com.apple.AppleFileServer.plist", files),
+              files.appleFileServer());
+    EXPECT_EQ(platform::systemFileBehind("/etc/passwd", files), "/etc/passwd");
+}
+
+TEST(SystemHost, ShowsTheComputerAtAFirstStartAndWritesNothing) {
+    const TestHost test;
+    const std::vector<std::string> environment = {"HOME=" + test.home().string(),
+                                                  "XDG_CONFIG_HOME=", "LC_ALL=C", "XDG_STATE_HOME="};
+    const fs::path own = test.root() / "own";
+    for (const char* table : {"shares", "users", "groups"}) {
+        const Finished printed = runProgram(
+            {BRINDLE_PROGRAMS "/brindle", "--system", "--root", own, "--print", table}, {}, environment);
+        EXPECT_EQ(printed.status, 0) << printed.errors;
+        EXPECT_NE(printed.output, "");
+    }
+    const Finished script =
+        runProgram({BRINDLE_PROGRAMS "/brindle", "--system", "--root", own, "--script", "-"},
+                   "answer Donation Cancel\nstart\nshow idleDisconnectTime tcpPort\n", environment);
+    EXPECT_NE(script.output.find("tcpPort \"548\""), std::string::npos)
+        << "the AFP settings are a new server's";
+    EXPECT_FALSE(fs::exists(own));
+    std::vector<std::string> written;
+    for (const auto& entry : fs::recursive_directory_iterator(test.home())) {
+        if (entry.is_regular_file()) {
+            written.push_back(entry.path().lexically_relative(test.home()));
+        }
+    }
+    EXPECT_EQ(written, std::vector<std::string>{".config/brindle/defaults.plist"})
+        << "the launches are counted";
+}
+
+TEST(SystemHost, SaysWhatTheComputerLacksInOneLine) {
+    const TestHost test;
+    EXPECT_EQ(platform::missingText({"/usr/sbin/smbd", true, ""}), "");
+    const std::string text = platform::missingText({"", false, "sudo is not installed (package sudo)"});
+    for (const char* package : {"(package samba)", "(package passwd)", "(package sudo)"}) {
+        EXPECT_NE(text.find(package), std::string::npos) << text;
+    }
+    EXPECT_EQ(text.find('\n'), std::string::npos);
+}
+
+TEST(SmbConf, IsRefusedWhereTheServerCouldUseTheOldTextAndNotTheNewOne) {
+    if (platform::sambaCommand("testparm").empty()) {
+        GTEST_SKIP() << "no testparm on this machine: install samba-common-bin";
+    }
+
+    struct Case {
+        const char* text;
+        const char* complaint; ///< a part of it; null where the text can be used
+    };
+
+    const std::vector<Case> cases = {
+        {"", nullptr},
+        {"[global]\n  workgroup = HOME\n[Docs]\n  path = /srv\n", nullptr},
+        {"[global]\nencrypt passwords = yes\n", nullptr}, // deprecated, and known
+        {"[Docs]\ncomment = no path yet\n", nullptr},
+        {"[global]\nsecurity = SHARE\nmap to guest = Never\n", nullptr},
+        {"[global]\n\tSecurity =share\r\nworkgroup = HOME\n", nullptr},
+        {"[global]\nsecurity = SHARE\n[Docs]\nread only = perhaps\n", "not boolean"},
+        {"[global]\nsecurity = SHARES\n", "SHARES"},
+        {"[global]\nfoo bar = 3\n", "Unknown parameter encountered: \"foo bar\""},
+        {"[Docs]\nfoo bar = 3\n", "Unknown parameter encountered: \"foo bar\""},
+        {"[Docs\npath = /srv\n", "Error loading services"},
+        {"[Docs]\ncreate mode = 9z\n", "Invalid octal number"},
+        {"[global]\nwins support = yes\nwins server = 10.0.0.1\n", "ERROR: both"},
+    };
+    for (const Case& each : cases) {
+        const std::string complaint = complaintAboutSmbConf(each.text).value_or("");
+        EXPECT_EQ(complaint.empty(), each.complaint == nullptr) << each.text << complaint;
+        EXPECT_NE(complaint.find(each.complaint == nullptr ? "" : each.complaint), std::string::npos)
+            << each.text << complaint;
+    }
+
+    TestHost test;
+    test.write("smb.conf", "[global]\n");
+    test.write("new.conf", "[global]\nfoo bar = 3\n");
+    const auto copy = [&](const char* source) {
+        return copyIntoPlace((test.root() / source).string(), (test.root() / "smb.conf").string(), ::getuid(),
+                             &checkSmbConf)
+            .text();
+    };
+    EXPECT_NE(copy("new.conf").find("foo bar"), std::string::npos);
+    EXPECT_EQ(test.read("smb.conf"), "[global]\n");
+    EXPECT_FALSE(fs::exists(test.root() / "smb.conf.before-brindle")) << "a refusal changes nothing";
+    test.write("smb.conf", "[global]\nunknown = 1\n");
+    EXPECT_EQ(copy("new.conf"), "") << "what was no better is replaced";
+    EXPECT_EQ(test.read("smb.conf.before-brindle"), "[global]\nunknown = 1\n");
+}
+
+} // namespace
