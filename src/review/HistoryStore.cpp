@@ -269,8 +269,8 @@ Result<platform::SqliteConnection> HistoryStore::open() const {
         return Status::ofErrno("cannot open", "the history " + file_, errno);
     }
     sqlite3* opened = nullptr;
-    int error = sqlite3_open_v2(file_.c_str(), &opened,
-                                SQLITE_OPEN_READWRITE | platform::kSqliteOwnConnection, nullptr);
+    int error = sqlite3_open_v2(file_.c_str(), &opened, SQLITE_OPEN_READWRITE | platform::sqliteOwnConnection,
+                                nullptr);
     platform::SqliteConnection database(opened);
     if (error == SQLITE_OK) {
         sqlite3_busy_timeout(opened, waitMilliseconds);

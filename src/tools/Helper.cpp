@@ -108,16 +108,16 @@ struct Tool {
     HelperResult (*run)(const HelperPlace& place, Arguments arguments);
 };
 
-constexpr std::array<Tool, 6> kTools = {{{systempath::nicl, nicl},
-                                         {systempath::dscl, dscl},
-                                         {systempath::cp, cp},
-                                         {systempath::chown, chown},
-                                         {systempath::chmod, chmod},
-                                         {systempath::kill, kill}}};
+constexpr std::array<Tool, 6> helperTools = {{{systempath::nicl, nicl},
+                                              {systempath::dscl, dscl},
+                                              {systempath::cp, cp},
+                                              {systempath::chown, chown},
+                                              {systempath::chmod, chmod},
+                                              {systempath::kill, kill}}};
 
 const Tool* findTool(const std::string& path) {
-    const auto* const found = std::ranges::find(kTools, path, &Tool::path);
-    return found == kTools.end() ? nullptr : found;
+    const auto* const found = std::ranges::find(helperTools, path, &Tool::path);
+    return found == helperTools.end() ? nullptr : found;
 }
 
 } // namespace

@@ -22,13 +22,13 @@ using platform::Status;
 namespace {
 
 /// Nothing at or below these is for sharing. The last four lead into /usr on most computers, not on all.
-constexpr std::array<std::string_view, 11> kSystemTrees = {"/etc", "/usr", "/boot", "/dev", "/proc", "/sys",
-                                                           "/run", "/bin", "/sbin", "/lib", "/lib64"};
+constexpr std::array<std::string_view, 11> systemTrees = {"/etc", "/usr", "/boot", "/dev", "/proc", "/sys",
+                                                          "/run", "/bin", "/sbin", "/lib", "/lib64"};
 /// Except for the volumes that people plug in.
-constexpr std::string_view kVolumes = "/run/media/";
+constexpr std::string_view volumes = "/run/media/";
 /// These hold folders that may be shared, but programs of all users count on their own mode. /srv and /mnt
 /// are the administrator's.
-constexpr std::array<std::string_view, 12> kSystemFolders = {
+constexpr std::array<std::string_view, 12> systemFolders = {
     "/",        "/var", "/var/cache", "/var/lib", "/var/log", "/var/spool",
     "/var/tmp", "/tmp", "/opt",       "/media",   "/home",    "/root"};
 
@@ -79,10 +79,10 @@ constexpr Id unchanged = static_cast<Id>(-1);
 bool isSystemFolder(const std::string& path, const struct stat& status) {
     const auto isInTree = [&](std::string_view tree) {
         const bool isBelow = path.starts_with(tree) && path.size() > tree.size() && path[tree.size()] == '/';
-        return path == tree || (isBelow && !path.starts_with(kVolumes)) || isSameFolder(status, tree);
+        return path == tree || (isBelow && !path.starts_with(volumes)) || isSameFolder(status, tree);
     };
-    return std::ranges::any_of(kSystemTrees, isInTree) ||
-           std::ranges::any_of(kSystemFolders, [&](std::string_view each) {
+    return std::ranges::any_of(systemTrees, isInTree) ||
+           std::ranges::any_of(systemFolders, [&](std::string_view each) {
                return path == each || isSameFolder(status, each);
            });
 }

@@ -23,7 +23,7 @@
 
 namespace {
 
-constexpr int kNotStarted = platform::HelperLauncher::notStartedStatus;
+constexpr int notStarted = platform::HelperLauncher::notStartedStatus;
 
 /// Nothing that the program that started this one had open can be reached from here on. What is missing of
 /// the first three is filled up, so that no file opened later takes the place of a standard stream.
@@ -43,7 +43,7 @@ void say(int descriptor, std::string_view text) {
 
 int refuse(const std::string& why) {
     say(STDERR_FILENO, "brindle-helper: " + why + "\n");
-    return kNotStarted;
+    return notStarted;
 }
 
 /// The user who called sudo; none when sudo did not start this.

@@ -107,7 +107,7 @@ std::string EmbeddedRoot::defaultFolder() {
 }
 
 std::string EmbeddedRoot::storeFile() const {
-    return folder_ + "/" + kStoreName;
+    return folder_ + "/" + storeName;
 }
 
 SambaPaths EmbeddedRoot::sambaPaths() const {

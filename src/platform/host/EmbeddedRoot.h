@@ -37,6 +37,6 @@ class EmbeddedRoot {
 };
 
 /// The store's file name in a root.
-inline constexpr const char* kStoreName = "directory.db";
+inline constexpr const char* storeName = "directory.db";
 
 } // namespace platform

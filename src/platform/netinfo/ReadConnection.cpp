@@ -109,7 +109,7 @@ int ReadConnection::open(const std::string& file) {
     begun_ = false;
     sqlite3* opened = nullptr;
     const int error =
-        sqlite3_open_v2(file.c_str(), &opened, SQLITE_OPEN_READONLY | kSqliteOwnConnection, nullptr);
+        sqlite3_open_v2(file.c_str(), &opened, SQLITE_OPEN_READONLY | sqliteOwnConnection, nullptr);
     database_.reset(opened);
     return error;
 }
@@ -117,7 +117,7 @@ int ReadConnection::open(const std::string& file) {
 int ReadConnection::openEmpty() {
     file_.clear();
     sqlite3* opened = nullptr;
-    int error = sqlite3_open_v2(":memory:", &opened, SQLITE_OPEN_READWRITE | kSqliteOwnConnection, nullptr);
+    int error = sqlite3_open_v2(":memory:", &opened, SQLITE_OPEN_READWRITE | sqliteOwnConnection, nullptr);
     database_.reset(opened);
     for (const char* sql : {storeSchema, standingRecords}) {
         error = error == SQLITE_OK ? sqlite3_exec(opened, sql, nullptr, nullptr, nullptr) : error;
@@ -170,7 +170,7 @@ int ReadConnection::beginHere() {
 
 int ReadConnection::upgradeCopy() {
     sqlite3* opened = nullptr;
-    int error = sqlite3_open_v2(":memory:", &opened, SQLITE_OPEN_READWRITE | kSqliteOwnConnection, nullptr);
+    int error = sqlite3_open_v2(":memory:", &opened, SQLITE_OPEN_READWRITE | sqliteOwnConnection, nullptr);
     SqliteConnection copy(opened);
     if (error != SQLITE_OK) {
         return error;
@@ -221,7 +221,7 @@ int ReadConnection::recoverCopy() {
     sqlite3* opened = nullptr;
     const std::string copy = (folder.path() / "copy.db").string();
     const int error =
-        sqlite3_open_v2(copy.c_str(), &opened, SQLITE_OPEN_READWRITE | kSqliteOwnConnection, nullptr);
+        sqlite3_open_v2(copy.c_str(), &opened, SQLITE_OPEN_READWRITE | sqliteOwnConnection, nullptr);
     database_.reset(opened);
     // Reading undoes the changes in the copy; from then on the open descriptor is all that is needed.
     return error == SQLITE_OK ? beginHere() : error;

@@ -16,7 +16,7 @@ struct CloseConnection {
 };
 
 /// A connection belongs to one thread: SQLite need not take a lock at every value that is read.
-inline constexpr int kSqliteOwnConnection = SQLITE_OPEN_PRIVATECACHE | SQLITE_OPEN_NOMUTEX;
+inline constexpr int sqliteOwnConnection = SQLITE_OPEN_PRIVATECACHE | SQLITE_OPEN_NOMUTEX;
 
 using SqliteConnection = std::unique_ptr<sqlite3, CloseConnection>;
 

@@ -146,7 +146,7 @@ Status Store::checkVersion(const std::string& file) {
 }
 
 void Store::open(Opening opening) {
-    int flags = SQLITE_OPEN_READWRITE | kSqliteOwnConnection;
+    int flags = SQLITE_OPEN_READWRITE | sqliteOwnConnection;
     if (opening == Opening::Create) {
         if (std::filesystem::exists(file_)) {
             return fail("it exists; choose another file");
