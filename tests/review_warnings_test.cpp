@@ -186,6 +186,29 @@ TEST_F(Surprises, AnAccountThatIsOverwrittenUnselectedAndAnIdThatChangesAreNamed
     EXPECT_EQ(warningsOf("addNewGroup:"), "overwrites-account id-changes");
 }
 
+TEST_F(Surprises, AMissingGroupIdReadsAsZeroAndIsNamed) {
+    addGroup("wheel", "0");
+    nicl({"-create", "/groups/bare"});
+    nicl({"-delete", "/users/bob", "gid"});
+    begin();
+    click("showSystemUsersGroups2");
+    selectRow(*app().userTableView, "User", "bob");
+    type("fullName", "Bob");
+    EXPECT_EQ(sentence("addNewUser:", "untouched-setting"),
+              "The user \"bob\" has no group id and gets the id 0, although nobody touched that menu.");
+    choose("groupPopUp", "wheel");
+    EXPECT_EQ(warningsOf("addNewUser:"), "");
+    app().groupPopUp->selectItemAtIndex(-1); // the record's is kept: none
+    EXPECT_EQ(warningsOf("addNewUser:"), "");
+    for (const char* user : {"bob", "adam"}) {
+        selectRow(*app().userTableView, "User", user);
+        type("fullName", "Adam or Bob");
+        choose("groupPopUp", "bare");
+        EXPECT_EQ(sentence("addNewUser:", "id-changes"), "The group \"bare\" has no id: the user \"" +
+                                                             std::string(user) + "\" gets the group id 0.");
+    }
+}
+
 TEST_F(Surprises, ASettingThatChangesUntouchedIsNamed) {
     std::string conf = plainConf();
     conf.replace(conf.find("local master = yes"), 18, "local master = Yes");

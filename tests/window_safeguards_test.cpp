@@ -47,6 +47,24 @@ TEST_F(MainWindow, ASelectionStaysWithItsNameWhenTheListChangesAndIsClearedOther
     EXPECT_FALSE(widget<QPushButton>("deleteUserButton").isEnabled());
 }
 
+TEST_F(MainWindow, AUserWithoutAGroupIdIsNotShownInGroupZero) {
+    addGroup("wheel", "0");
+    addGroup("guest", "0"); // listed at once
+    addUser("alice", "501", "0");
+    addUser("bob", "502");
+    nicl({"-delete", "/users/bob", "gid"});
+    open();
+    showPage(1);
+    const auto& menu = widget<QComboBox>("groupPopUp");
+    clickRow("userTableView", 0);
+    EXPECT_EQ(menu.currentText(), "guest");
+    clickRow("userTableView", 1);
+    EXPECT_EQ(menu.currentIndex(), -1);
+    control<NSPopUpButton>("groupPopUp").performSelect(0);
+    clickTitled("Revert");
+    EXPECT_EQ(menu.currentIndex(), -1);
+}
+
 TEST_F(MainWindow, APasswordSheetNamesItsUserAndIsCancelledWithoutATrace) {
     addGroup("staff", "20");
     addUser("alice", "501");

@@ -128,8 +128,7 @@ void BRController::updateUserTextFields(NSControl* /*sender*/) {
     uid->setStringValue(row != nullptr ? row->at("UID") : "");
     showPublicShared(row);
     if (row != nullptr) {
-        const auto id = idInField(row->at("GID")); // a user without a group is not in group 0
-        groupPopUp->selectItemAtIndex(id ? groupPopUp->indexOfItemWithTag(*id) : -1);
+        groupPopUp->selectItemAtIndex(groupPopUp->indexOfItemWithTag(longLongValue(row->at("GID"))));
     }
     addNewUserButton->setTitle(NSLocalizedString(row != nullptr ? "Update User" : "Add New User"));
     for (NSButton* button :
@@ -162,10 +161,8 @@ void BRController::updateUsersGroupsList(NSControl* sender) {
 }
 
 void BRController::updateGroupsList(NSControl* /*sender*/) {
-    auto groups = recordsOfReport<GroupRecord>(NiutilTask::sharedInstance().currentGroups());
-    // What a user takes from the menu is the id: a group that has none would put the user into group 0.
-    std::erase_if(groups, [](const GroupRecord& record) { return !idInField(record.gid); });
-    refillGroupMenu(*groupPopUp, groups, showSystemUsersGroups2->state() == NSOnState);
+    refillGroupMenu(*groupPopUp, recordsOfReport<GroupRecord>(NiutilTask::sharedInstance().currentGroups()),
+                    showSystemUsersGroups2->state() == NSOnState);
 }
 
 void BRController::reloadUserTable() {

@@ -6,7 +6,6 @@
 #include <algorithm>
 #include <array>
 #include <cstdint>
-#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -18,13 +17,6 @@ inline constexpr std::int64_t highestSystemUserId = 99;
 inline constexpr std::int64_t highestSystemGroupId = 100;
 /// The system takes the one above for "no id".
 inline constexpr std::int64_t highestPossibleId = 4294967294;
-
-/// The id in a field of a report; none where the field holds no number.
-[[nodiscard]] inline std::optional<std::int64_t> idInField(std::string_view field) {
-    const std::size_t first = field.find_first_not_of(" \t\n\v\f\r+-");
-    const bool isNumber = first != std::string_view::npos && field[first] >= '0' && field[first] <= '9';
-    return isNumber ? std::optional(longLongValue(field)) : std::nullopt;
-}
 
 /// The short names of a member field.
 [[nodiscard]] inline std::vector<std::string> memberNames(const std::string& field) {

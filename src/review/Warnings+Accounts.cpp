@@ -67,6 +67,33 @@ void addEditedAccount(const Situation& situation, const EditedAccount& account,
     }
 }
 
+/// An id that is missing reads as 0: the user would be in the system's own group.
+void addMissingGroupId(const Situation& situation, std::vector<Remark>* warnings) {
+    const BRController& now = situation.before;
+    const std::string name = now.shortName->stringValue();
+    const std::string before = situation.directoryBefore.value("/users/" + name, "gid");
+    const std::string after = situation.directoryAfter.value("/users/" + name, "gid");
+    if (before == after) {
+        return;
+    }
+    if (situation.directoryBefore.record("/users/" + name) && !beginsWithInteger(before) &&
+        !now.groupPopUp->isEdited()) {
+        warnings->push_back(remark("untouched-setting",
+                                   "The user \"%@\" has no group id and gets the id %@, although nobody "
+                                   "touched that menu.",
+                                   name, after));
+        return;
+    }
+    const std::string group = now.groupPopUp->titleOfSelectedItem().value_or("");
+    const std::string path = "/groups/" + group;
+    if (!group.empty() && situation.directoryBefore.record(path) &&
+        !beginsWithInteger(situation.directoryBefore.value(path, "gid"))) {
+        warnings->push_back(remark("id-changes",
+                                   "The group \"%@\" has no id: the user \"%@\" gets the group id %@.", group,
+                                   name, after));
+    }
+}
+
 void addNumberOfAccounts(const Plan& plan, std::vector<Remark>* warnings) {
     std::set<RecordPath> accounts;
     for (const PlannedRun& run : plan.runs) {
@@ -90,6 +117,7 @@ void addAccountWarnings(const Situation& situation, std::vector<Remark>* warning
         addEditedAccount(situation,
                          {"/users", "uid", now.shortName->stringValue(), now.selectedUserName(), userTexts},
                          warnings);
+        addMissingGroupId(situation, warnings);
     } else if (situation.is("addNewGroup:")) {
         addEditedAccount(
             situation, {"/groups", "gid", now.groupName->stringValue(), now.selectedGroupName(), groupTexts},

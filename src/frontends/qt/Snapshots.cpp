@@ -22,14 +22,6 @@ using platform::InterfaceNode;
 
 namespace {
 
-template <class Visit>
-void visitNodes(const InterfaceNode& node, const Visit& visit) {
-    visit(node);
-    for (const auto& child : node.children) {
-        visitNodes(*child, visit);
-    }
-}
-
 template <class Model>
 std::vector<Model*> modelsIn(const InterfaceNode& node) {
     std::vector<Model*> models;

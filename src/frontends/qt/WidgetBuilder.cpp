@@ -114,7 +114,10 @@ QWidget* WidgetBuilder::makeControl(const InterfaceNode& node) {
     }
     if (auto* table = modelOf<NSTableView>(node)) {
         auto* view = new TableView(*table, node.attribute("nameColumn"), queue_);
-        new Binding(view, queue_, table->changed, [this, table] { actions_.turnOffBoxesWithoutRow(*table); });
+        new Binding(view, queue_, table->changed, [this, table] {
+            actions_.turnOffBoxesWithoutRow(*table);
+            actions_.showNothingForMissingNumbers(*table);
+        });
         return view;
     }
     if (node.kind == "label") {

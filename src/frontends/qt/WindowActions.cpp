@@ -5,25 +5,19 @@
 #include "platform/appkit/NSAlert.h"
 #include "platform/appkit/NSApplication.h"
 #include "platform/appkit/NSButton.h"
+#include "platform/appkit/NSPopUpButton.h"
 #include "platform/appkit/NSTableView.h"
 #include "platform/appkit/NSTextField.h"
 #include "platform/appkit/NSWindow.h"
 #include "platform/foundation/NSBundle.h"
 
+#include <algorithm>
 #include <filesystem>
 #include <system_error>
 
 using platform::InterfaceNode;
 
 namespace {
-
-template <class Visit>
-void visitNodes(const InterfaceNode& node, const Visit& visit) {
-    visit(node);
-    for (const auto& child : node.children) {
-        visitNodes(*child, visit);
-    }
-}
 
 /// The node of `element` in the tree, or null.
 const InterfaceNode* nodeOf(const InterfaceNode& tree, const platform::Element* element) {
@@ -105,8 +99,9 @@ void WindowActions::perform(const InterfaceNode& node) const {
         beginNew(node);
     } else {
         click(node);
-        if (const auto* table = find<NSTableView>(node.attribute("reverts"))) {
+        if (auto* table = find<NSTableView>(node.attribute("reverts"))) {
             turnOffBoxesWithoutRow(*table);
+            showNothingForMissingNumbers(*table);
         }
     }
 }
@@ -171,6 +166,24 @@ void WindowActions::turnOffBoxesWithoutRow(const NSTableView& table) const {
         if (auto* box = modelOf<NSButton>(each);
             box != nullptr && each.attribute("rowOf") == table.name() && !table.name().empty()) {
             box->setState(NSOffState);
+        }
+    });
+}
+
+void WindowActions::showNothingForMissingNumbers(NSTableView& table) const {
+    const int row = table.selectedRow();
+    if (row < 0 || table.name().empty()) {
+        return;
+    }
+    visitNodes(interface_.root(), [&table, row](const InterfaceNode& each) {
+        auto* menu = modelOf<NSPopUpButton>(each);
+        if (menu == nullptr || each.attribute("rowOf") != table.name()) {
+            return;
+        }
+        const auto& columns = table.tableColumns();
+        const auto shown = std::ranges::find(columns, each.attribute("column"), &NSTableColumn::identifier);
+        if (shown != columns.end() && !beginsWithInteger(table.objectValue(*shown, row))) {
+            menu->selectItemAtIndex(-1);
         }
     });
 }

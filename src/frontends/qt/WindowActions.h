@@ -67,6 +67,10 @@ class WindowActions {
     /// the last row must not go into a new one.
     void turnOffBoxesWithoutRow(const NSTableView& table) const;
 
+    /// Selects nothing in the menus that show a number of the selected row of `table`, where the row has
+    /// none: a missing number reads as 0, and the menu would show, and write, what has the number 0.
+    void showNothingForMissingNumbers(NSTableView& table) const;
+
     /// Shows a text in the warning of the sheet that is up; nothing without one.
     void showInSheet(const std::string& text) const;
 

@@ -61,7 +61,11 @@ std::vector<ElementRule> controlRules() {
          "checkBox",
          joined({common, {{"title", Text}, {"state", Choice, "on|off"}, {"rowOf", Word}, indent}}),
          {}},
-        {"popUp", "popUp", joined({common, {{"typeAhead", YesNo}}}), {"popUpItem"}},
+        // What the menu selects is the number in the `column` of the selected row of the table `rowOf`.
+        {"popUp",
+         "popUp",
+         joined({common, {{"typeAhead", YesNo}, {"rowOf", Word}, {"column", Word}}}),
+         {"popUpItem"}},
         {"popUpItem", "item", {{"title", Text, "", true}, {"tag", Integer}, {"selected", YesNo}}, {}},
         {"matrix",
          "matrix",

@@ -46,6 +46,14 @@ std::int64_t longLongValue(std::string_view text) {
     return value;
 }
 
+bool beginsWithInteger(std::string_view text) {
+    text.remove_prefix(std::min(text.find_first_not_of(whiteSpace), text.size()));
+    if (text.starts_with('+') || text.starts_with('-')) {
+        text.remove_prefix(1);
+    }
+    return !text.empty() && text.front() >= '0' && text.front() <= '9';
+}
+
 std::vector<std::string> componentsSeparatedByString(std::string_view text, std::string_view separator) {
     if (separator.empty()) {
         throw std::invalid_argument("a text cannot be cut at an empty separator");

@@ -14,6 +14,8 @@
 [[nodiscard]] std::int32_t intValue(std::string_view text);
 /// The same, saturating at the bounds of 64 bits.
 [[nodiscard]] std::int64_t longLongValue(std::string_view text);
+/// Whether the text begins with such an integer: one that does not reads as 0 all the same.
+[[nodiscard]] bool beginsWithInteger(std::string_view text);
 
 /// `text` cut at every `separator` (not empty): n separators give n + 1 pieces, empty ones included. Read a
 /// piece with `.at()`, so that an unexpected text raises std::out_of_range.
