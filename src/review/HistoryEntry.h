@@ -20,6 +20,9 @@ struct RecordChange {
     State after;
 };
 
+/// Whether both have the same properties in the same order, or there is none in either.
+[[nodiscard]] bool isSameRecord(const RecordChange::State& one, const RecordChange::State& other);
+
 /// The bytes of a settings file, by the path that the application knows, before and after; none: there is no
 /// such file.
 struct FileChange {

@@ -140,6 +140,15 @@ std::string changeTitle(const HistoryEntry& entry) {
 
 } // namespace
 
+bool isSameRecord(const RecordChange::State& one, const RecordChange::State& other) {
+    if (!one || !other) {
+        return !one && !other;
+    }
+    return std::ranges::equal(*one, *other, [](const auto& left, const auto& right) {
+        return left.name == right.name && left.values == right.values;
+    });
+}
+
 const char* outcomeOf(const HistoryEntry& entry) {
     return entry.isUndone ? "undone" : (entry.hasFailed ? "failed" : "done");
 }

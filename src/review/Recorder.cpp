@@ -36,15 +36,6 @@ std::string loginName() {
     return entry != nullptr ? entry->pw_name : std::to_string(::getuid());
 }
 
-bool isSame(const RecordChange::State& one, const RecordChange::State& other) {
-    if (!one || !other) {
-        return !one && !other;
-    }
-    return std::ranges::equal(*one, *other, [](const auto& left, const auto& right) {
-        return left.name == right.name && left.values == right.values;
-    });
-}
-
 /// What follows an account's path after -passwd is a password.
 std::vector<std::string> withoutPasswords(const std::string& tool, std::span<const std::string> arguments) {
     std::vector<std::string> shown(arguments.begin(), arguments.end());
@@ -224,7 +215,7 @@ void Recorder::finish() {
         record.after = now.record(record.path);
     }
     std::erase_if(entry_.records,
-                  [](const RecordChange& record) { return isSame(record.before, record.after); });
+                  [](const RecordChange& record) { return isSameRecord(record.before, record.after); });
     for (FileChange& file : before_->files) {
         file.after = settingsBytes(file.path);
         if (file.before != file.after) {

@@ -24,15 +24,6 @@ namespace {
 using platform::Status;
 using Properties = std::vector<DirectoryView::Property>;
 
-bool isSameRecord(const RecordChange::State& one, const RecordChange::State& other) {
-    if (!one || !other) {
-        return !one && !other;
-    }
-    return std::ranges::equal(*one, *other, [](const auto& left, const auto& right) {
-        return left.name == right.name && left.values == right.values;
-    });
-}
-
 PlannedRun niclRun(const char* operation, const std::string& path, const std::string& property = {},
                    const std::vector<std::string>& values = {}) {
     PlannedRun run{systempath::nicl, {".", operation, path}, ""};
