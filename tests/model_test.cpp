@@ -261,6 +261,35 @@ TEST_F(SMBConfTest, AFailedWriteKeepsTheChangeAndTheWarningForTheNext) {
     EXPECT_TRUE(conf.lossNotices().empty()) << "what could be lost is lost";
 }
 
+TEST_F(SMBConfTest, LaterWritesKeepWhatSomebodyElseWroteInTheMeantime) {
+    platform::Services services = host.host().services();
+    services.keepsLayout = true;
+    const platform::Host keeping(std::move(services));
+    copy();
+    SMBConf conf = parse("# by hand\n[global]\n\tworkgroup = OFFICE\n");
+    const auto add = [](SMBConf& model, const std::string& name) {
+        return model.modifySMBShare(name, "/" + name, 1, 0, 0);
+    };
+    EXPECT_EQ(add(conf, "a"), 0);
+    const std::string theirs = "\n[theirs]\npath = /theirs\n";
+    host.write("etc/smb.conf", host.read("etc/smb.conf") + theirs);
+    EXPECT_EQ(add(conf, "b"), 0);
+    EXPECT_EQ(add(*conf.copy(), "c"), 0);
+    EXPECT_EQ(conf.modifySMBShare("b", "/b", 0, 0, 0), 0);
+    EXPECT_EQ(conf.modifySMBShare("a", "/a", 0, 0, 0), 0);
+    const std::string text = host.read("etc/smb.conf");
+    EXPECT_TRUE(text.starts_with("# by hand\n[global]\n\tworkgroup = OFFICE\n" + theirs + "\n[c]\n")) << text;
+    EXPECT_EQ(text.find("[a]") & text.find("[b]"), std::string::npos) << text;
+
+    fs::remove(host.root() / "etc/smb.conf");
+    EXPECT_EQ(add(conf, "d"), 0);
+    EXPECT_EQ(host.read("etc/smb.conf"), conf.writtenText()) << "nothing is left that could be kept";
+    fs::remove(host.root() / "etc/smb.conf");
+    fs::create_directory(host.root() / "etc/smb.conf");
+    EXPECT_EQ(add(conf, "e"), 2);
+    EXPECT_FALSE(conf.textToWrite().isOk());
+}
+
 TEST(SMBTextTest, ACopyOutlivesTheFile) {
     std::string file = "value";
     const SMBPair read{SMBText::borrowed(file), "own"};

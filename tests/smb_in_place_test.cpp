@@ -62,6 +62,9 @@ std::vector<std::string> meaning(const SMBConf::EntryList& entries) {
         }
         std::string shown = std::to_string(entry->Type()) + "[" + entry->ShareName() + "]";
         for (const SMBPair& pair : entry->Props()) {
+            if (SMBParser::isComment(pair.Name)) {
+                continue; // a comment of a section that was commented out
+            }
             shown += pair.Name.str() + "=" + pair.Value.str() + ";";
         }
         sections.push_back(shown);
@@ -87,6 +90,7 @@ const std::vector<std::string>& handWritten() {
         "[a]\nguest ok = yes\nguest ok = no\n[a]\npath = /two\n[b]\nx=1",
         "[data]\npath = /d\n\n\n\n",
         ";[homes]\n;browseable = no\nstray\n[x]\ny = 1 \\\n two\n# end",
+        "[a]\nx=1\n\n;[homes] of people\n;hosts allow = 1. \\\n;  2.\n;y=1\n\n[c]\nz=1\nz=2",
     };
     return texts;
 }
@@ -145,7 +149,7 @@ TEST(SmbInPlace, MeansTheSameAsTheWholeModelWritten) {
         for (std::size_t change = pick(4) + 1; change > 0; --change) {
             const std::size_t index = pick(now.entries.size());
             SMBShare& entry = *now.entries[index];
-            const std::size_t kind = entry.Type() == SMBComment ? 0 : pick(5);
+            const std::size_t kind = entry.Type() == SMBComment ? 0 : pick(6);
             if (kind == 0) {
                 addShare(now, "new" + std::to_string(pick(100)));
             } else if (kind == 1) {
@@ -154,6 +158,8 @@ TEST(SmbInPlace, MeansTheSameAsTheWholeModelWritten) {
                 entry.Props()[pick(entry.Props().size())].Value = SMBText("changed");
             } else if (kind == 3 && !entry.Props().empty()) {
                 entry.removeProp(entry.Props()[pick(entry.Props().size())].Name.view());
+            } else if (kind == 4) {
+                entry.setType(entry.Type() == SMBGroup ? SMBCommentGroup : SMBGroup);
             } else {
                 entry.setProp("added", "1");
             }
@@ -168,6 +174,50 @@ TEST(SmbInPlace, MeansTheSameAsTheWholeModelWritten) {
     }
 }
 
+TEST(SmbInPlace, LeavesAloneWhatTheServerJoinsToAnotherLine) {
+    struct Case {
+        std::string text;
+        std::function<void(Model&)> edit;
+        std::string result;
+    };
+
+    const auto set = [](const char* value) {
+        return [value](Model& model) { section(model, "a")->setProp("guest ok", value); };
+    };
+    const auto unset = [](Model& model) { section(model, "a")->removeProp("guest ok"); };
+    const auto toggle = [](std::int32_t type) {
+        return [type](Model& model) { section(model, "a")->setType(type); };
+    };
+    const std::string joined = "[a]\ncomment = one \\\nguest ok = no\npath = /a\n";
+    for (const auto& [text, edit, result] : std::vector<Case>{
+             {joined, set("Yes"), joined + "guest ok = Yes\n"},
+             {joined + "guest ok = no\n", set("Yes"), joined + "guest ok = Yes\n"},
+             {joined, unset, joined},
+             {"[a]\nx = 1 \\\n# two \\\n three\npath = /a", unset,
+              "[a]\nx = 1 \\\n# two \\\n three\npath = /a"},
+             // Nothing may come between a backslash and what it takes in.
+             {"[a]\n\tx = 1 \\\n[b]\n", set("Yes"), "[a]\n\tguest ok = Yes\n\tx = 1 \\\n[b]\n"},
+             {"[a]\nx = 1 \\", set("Yes"), "[a]\nguest ok = Yes\nx = 1 \\"},
+             {"[b]\nx = 1 \\\n\n[a]\ny = 1\n[c]\n", [](Model& model) { removeShare(model, "a"); },
+              "[b]\nx = 1 \\\n\n[c]\n"},
+             {"[b]\nx = 1 \\\n[a]\ny = 1\n[c]\n", [](Model& model) { removeShare(model, "a"); },
+              "[b]\nx = 1 \\\n\n[c]\n"},
+             // A section comes to life, or goes, with all its lines.
+             {"[a]\nx = 1 \\\n  2\n# y = 1\n# z\nstray\n", toggle(SMBCommentGroup),
+              ";[a]\n;x = 1 \\\n  ;2\n;# y = 1\n# z\n;stray\n"},
+             {"#[a] words\n;x = 1 \\\n;  2\n; words\n", toggle(SMBGroup), "[a]\nx = 1 \\\n  2\n; words\n"},
+             {"[b]\n\n[a]\nx = 1\n\nstray \\\ny = 2\n", [](Model& model) { removeShare(model, "a"); },
+              "[b]\n"},
+             {"[a]\nx = 1\nguest ok = no",
+              [&](Model& model) {
+                  toggle(SMBCommentGroup)(model);
+                  unset(model);
+              },
+              ";[a]\n;x = 1\n"}}) {
+        EXPECT_EQ(edited(text, edit), result) << text;
+    }
+}
+
 TEST(SmbInPlace, CarriesTheChangeIntoAFileThatSomebodyElseChanged) {
     const Model read("[a]\nx = 1\ny = 1\n[b]\nz = 1\n");
     Model now(read.bytes);
@@ -179,6 +229,18 @@ TEST(SmbInPlace, CarriesTheChangeIntoAFileThatSomebodyElseChanged) {
     EXPECT_TRUE(apart.conflicts.empty());
     const auto both = textWithChanges("[a]\nx = 7\n", changes);
     EXPECT_EQ(both.text, "[a]\nx = 2\n\n[b]\nz = 2\n");
+    const auto gone = textWithChanges("# gone\n[b]\nz = 2", changes);
+    EXPECT_EQ(gone.text, "# gone\n[b]\nz = 2\n\n[a]\nx = 2\ny = 1") << "whole, and once";
+    EXPECT_EQ(gone.conflicts, (std::vector<SMBConflict>{{"a", "x", "1", "", "2"}}));
+    section(now, "a")->setType(SMBCommentGroup);
+    EXPECT_EQ(textWithChanges("[b]\nz = 1\n", changesBetween(read.entries, now.entries)).text,
+              "[b]\nz = 2\n\n;[a]\n;x = 2\n;y = 1\n");
+    section(now, "a")->setProps({{"x", "1"}, {"y", "1"}, {"w", "1"}});
+    section(now, "a")->setType(SMBGroup);
+    EXPECT_EQ(
+        textWithChanges("[a]\nx = 7\nw = 0\n[b]\nz = 2\n", changesBetween(read.entries, now.entries)).text,
+        "[a]\nx = 7\nw = 1\n[b]\nz = 2\n")
+        << "somebody else added it, too";
     EXPECT_EQ(both.conflicts,
               (std::vector<SMBConflict>{{"a", "x", "1", "7", "2"}, {"b", "z", "1", "", "2"}}));
 }

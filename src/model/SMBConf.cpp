@@ -55,6 +55,15 @@ void appendEntry(std::string& text, const SMBShare& entry) {
     append(text, {entry.Text(), "\n\n"});
 }
 
+SMBConf::EntryList copyOf(const SMBConf::EntryList& entries) {
+    SMBConf::EntryList copies;
+    copies.reserve(entries.size());
+    for (const auto& entry : entries) {
+        copies.push_back(std::make_unique<SMBShare>(*entry));
+    }
+    return copies;
+}
+
 bool keepsLayout() {
     return platform::Host::current().services().keepsLayout;
 }
@@ -93,6 +102,13 @@ void SMBConf::parse() {
     if (!keepsLayout()) {
         lossNotices_ = std::move(parser.lossNotices);
     }
+    rememberEntries();
+}
+
+void SMBConf::rememberEntries() {
+    if (keepsLayout()) {
+        known_ = copyOf(_entries);
+    }
 }
 
 bool SMBConf::isCommentGroup(std::string_view line) {
@@ -122,11 +138,12 @@ std::unique_ptr<SMBConf> SMBConf::copy() const {
     made->hasWritten_ = hasWritten_;
     made->lossNotices_ = lossNotices_;
     made->unreadableReason_ = unreadableReason_;
-    made->_entries.reserve(_entries.size());
-    for (const auto& entry : _entries) {
-        made->_entries.push_back(std::make_unique<SMBShare>(*entry));
-        made->_global = entry.get() == _global ? made->_entries.back().get() : made->_global;
-        made->_homes = entry.get() == _homes ? made->_entries.back().get() : made->_homes;
+    made->known_ = copyOf(known_);
+    made->_entries = copyOf(_entries);
+    for (std::size_t index = 0; index < _entries.size(); ++index) {
+        SMBShare* const copied = made->_entries[index].get();
+        made->_global = _entries[index].get() == _global ? copied : made->_global;
+        made->_homes = _entries[index].get() == _homes ? copied : made->_homes;
     }
     return made;
 }
@@ -156,14 +173,18 @@ std::string SMBConf::writtenText() const {
     return text;
 }
 
-std::string SMBConf::textToWrite(std::vector<SMBConflict>* conflicts) const {
+platform::Result<std::string> SMBConf::textToWrite(std::vector<SMBConflict>* conflicts) const {
     if (!keepsLayout()) {
         return writtenText();
     }
-    SMBParser read(textOnDisk(), std::pmr::get_default_resource());
-    read.parse();
-    const std::string onDisk = contentsOfFile(_path).valueOr("");
-    SMBInPlaceText result = textWithChanges(onDisk, changesBetween(read.entries, _entries));
+    const auto onDisk = contentsOfFile(_path);
+    if (!onDisk.isOk()) {
+        // What is kept of the file has to be read: without it, next to nothing would take its place.
+        return onDisk.status().systemError() == ENOENT ? platform::Result(writtenText()) : onDisk.status();
+    }
+    // Told from what this model knew, not from the file as it wrote that: what somebody else had put there in
+    // the meantime would count as taken away here.
+    SMBInPlaceText result = textWithChanges(*onDisk, changesBetween(known_, _entries));
     if (conflicts != nullptr) {
         *conflicts = std::move(result.conflicts);
     }
@@ -175,18 +196,14 @@ int SMBConf::writeSMBConfFile() {
         NSLog("The SMB configuration %@ was not written because it could not be read at the start.", _path);
         return notWritten;
     }
-    if (keepsLayout()) {
-        // What is kept of the file has to be read: without it, next to nothing would take its place.
-        const auto onDisk = contentsOfFile(_path);
-        if (!onDisk.isOk() && onDisk.status().systemError() != ENOENT) {
-            NSLog("The SMB configuration %@ was not written: %@", _path, onDisk.status().text());
-            return notWritten;
-        }
+    auto text = textToWrite();
+    if (!text.isOk()) {
+        NSLog("The SMB configuration %@ was not written: %@", _path, text.status().text());
+        return notWritten;
     }
     const std::string temporary = stringByExpandingTildeInPath(platform::systempath::temporarySmbConf);
     // Readable by its owner only: the configuration may be.
-    std::string text = textToWrite();
-    if (const auto status = writeToFileAtomically(temporary, text, 0600); !status.isOk()) {
+    if (const auto status = writeToFileAtomically(temporary, *text, 0600); !status.isOk()) {
         NSLog("%@ could not be written: %@", temporary, status.why());
         return notWritten;
     }
@@ -194,8 +211,9 @@ int SMBConf::writeSMBConfFile() {
         return copyFailed;
     }
     lossNotices_.clear();
-    textOnDisk_ = std::move(text);
+    textOnDisk_ = std::move(*text);
     hasWritten_ = true;
+    rememberEntries();
     if (const auto status = removeFileAtPath(temporary); !status.isOk()) {
         NSLog("%@ could not be removed: %@", temporary, status.why());
         return notRemoved;

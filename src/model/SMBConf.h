@@ -2,6 +2,7 @@
 
 #include "model/SMBLoss.h"
 #include "model/SMBShare.h"
+#include "platform/posix/Status.h"
 
 #include <memory>
 #include <memory_resource>
@@ -73,13 +74,16 @@ class SMBConf {
 
     /// The text that a write puts in place: the whole model's, or, on a host that keeps the layout of
     /// settings files, the file as it is on disk now with only those lines changed that the model changes.
-    /// `*conflicts`, when not null, gets the settings that somebody else changed in the file, too.
-    [[nodiscard]] std::string textToWrite(std::vector<SMBConflict>* conflicts = nullptr) const;
+    /// There it fails when the file exists and cannot be read. `*conflicts`, when not null, gets the settings
+    /// that somebody else changed in the file, too.
+    [[nodiscard]] platform::Result<std::string>
+    textToWrite(std::vector<SMBConflict>* conflicts = nullptr) const;
 
     /// Writes textToWrite(): to ~/smb_test.conf, then over the file by an administrator's copy. Returns 0;
     /// 1 when the copy failed or was refused (the temporary file stays); 2 when the temporary file could not
-    /// be written, or the file could not be read at the start; 3 when the temporary file could not be
-    /// removed. The entries stay as they are; lossNotices() is empty once the file was replaced.
+    /// be written, or the file could not be read (at the start, or where its layout is kept); 3 when the
+    /// temporary file could not be removed. The entries stay as they are; lossNotices() is empty once the
+    /// file was replaced.
     [[nodiscard]] int writeSMBConfFile();
 
     /// Creates, updates or removes the section of a share, then writes the file. Returns the write's result,
@@ -96,6 +100,7 @@ class SMBConf {
   private:
     void parseSMBConfFile();
     void parse();
+    void rememberEntries();
     [[nodiscard]] std::size_t indexOfSection(std::string_view name) const;
 
     std::string _path;
@@ -110,6 +115,9 @@ class SMBConf {
     /// The lists of parameters that were read: one block for a whole file, freed with the model.
     std::unique_ptr<std::pmr::memory_resource> memory_;
     EntryList _entries;
+    /// The entries as they were last read or written, on a host that keeps the layout: from these the changes
+    /// are told.
+    EntryList known_;
     SMBShare* _global = nullptr;
     SMBShare* _homes = nullptr;
     std::vector<SMBLossNotice> lossNotices_;

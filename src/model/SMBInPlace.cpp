@@ -1,11 +1,13 @@
 #include "model/SMBInPlace.h"
 
 #include "model/SMBLines.h"
+#include "model/SMBParser.h"
 
 #include <algorithm>
-#include <iterator>
 #include <map>
 #include <optional>
+#include <set>
+#include <utility>
 
 namespace {
 
@@ -14,10 +16,26 @@ struct Edit {
     std::size_t begin = 0;
     std::size_t end = 0;
     std::string replacement;
+    bool isOwnLine = false; ///< of an insertion: whole lines
+
+    [[nodiscard]] bool isInsertion() const { return begin == end; }
 };
+
+/// In their order. What is inserted at a place comes before what is replaced there, and what replaces more
+/// before what replaces less of it.
+bool isBefore(const Edit& one, const Edit& other) {
+    if (one.begin != other.begin) {
+        return one.begin < other.begin;
+    }
+    return one.isInsertion() ? !other.isInsertion() : !other.isInsertion() && one.end > other.end;
+}
 
 bool isBlank(char c) {
     return c == ' ' || c == '\t';
+}
+
+bool isEnded(std::string_view text) {
+    return text.ends_with('\n') || text.ends_with('\r');
 }
 
 /// Collects the edits of one string and applies them.
@@ -37,15 +55,23 @@ class Editor {
     using Line = SMBLine;
 
     void addSection(const SMBChange& change);
+    void addMissingSection(const SMBChange& change);
     void removeSection(const SMBSectionLines& section);
     void comment(const SMBSectionLines& section, bool out);
+    void enableHeader(const Line& line);
     void setValue(const SMBSectionLines& section, const SMBChange& change);
     void removePair(const SMBSectionLines& section, const SMBChange& change);
     void addPair(const SMBSectionLines& section, const SMBChange& change);
     void conflict(const SMBChange& change, std::string_view inFile);
+    void appendAtEnd(std::string& text) const;
+    /// Where the parameter of a change stands that the server reads; none when it reads none.
+    [[nodiscard]] std::optional<std::size_t> pairInEffect(const SMBSectionLines& section,
+                                                          const SMBChange& change, std::size_t found) const;
     /// The text with this file's line breaks.
     [[nodiscard]] std::string withLineBreaks(std::string_view text) const;
     [[nodiscard]] std::string_view indentation(const Line& line) const;
+    /// One after the line's last byte before its line break.
+    [[nodiscard]] std::size_t contentEnd(const Line& line) const;
 
     [[nodiscard]] std::size_t offset(std::string_view view) const {
         return static_cast<std::size_t>(view.data() - text_.data());
@@ -55,15 +81,21 @@ class Editor {
         return index < lines_.lines().size() && lines_.lines()[index].kind == Line::Kind::Blank;
     }
 
+    [[nodiscard]] bool isRemark(std::size_t index) const {
+        return isBlankLine(index) || lines_.lines()[index].kind == Line::Kind::Comment;
+    }
+
     std::string_view text_;
     SMBLines lines_;
     std::string_view lineBreak_;
     std::vector<Edit> edits_;
     std::string atFront_;
-    std::string atEnd_;
+    std::vector<std::string> atEnd_;
+    bool dropsLastBreak_ = false; ///< of what is left of the text
     std::vector<SMBConflict> conflicts_;
     std::map<const SMBSectionLines*, bool>
         commentedOut_; ///< the sections that are being commented out, or no longer
+    std::set<std::pair<std::string, std::size_t>> missing_; ///< sections that were made anew
 };
 
 void Editor::make(const SMBChange& change) {
@@ -72,11 +104,9 @@ void Editor::make(const SMBChange& change) {
     if (change.kind == Kind::AddSection) {
         addSection(change);
     } else if (section == nullptr) {
-        if (change.kind == Kind::SetValue || change.kind == Kind::AddPair) {
-            conflict(change, "");
-            SMBChange added = change;
-            added.value = "[" + change.section + "]\n" + change.key + " = " + change.value + "\n";
-            addSection(added);
+        if (change.kind == Kind::SetValue || change.kind == Kind::AddPair ||
+            change.kind == Kind::EnableSection) {
+            addMissingSection(change);
         }
     } else if (change.kind == Kind::RemoveSection) {
         removeSection(*section);
@@ -87,7 +117,12 @@ void Editor::make(const SMBChange& change) {
     } else if (change.kind == Kind::RemovePair) {
         removePair(*section, change);
     } else {
-        addPair(*section, change);
+        const auto there = lines_.pair(*section, change.key, change.occurrence);
+        if (there && !lines_.lines()[*there].isJoined) {
+            setValue(*section, change); // somebody else has added it, too
+        } else {
+            addPair(*section, change);
+        }
     }
 }
 
@@ -115,47 +150,60 @@ std::string_view Editor::indentation(const Line& line) const {
     return text_.substr(line.begin, end - line.begin);
 }
 
-/// A section at the end is set off by an empty line, and a file whose last line is not ended stays like that:
-/// so its removal can leave exactly what was there before.
+std::size_t Editor::contentEnd(const Line& line) const {
+    std::size_t end = line.end;
+    while (end > line.begin && isEnded(text_.substr(0, end))) {
+        --end;
+    }
+    return end;
+}
+
 void Editor::addSection(const SMBChange& change) {
-    std::string block = change.value;
-    if (!block.ends_with('\n')) {
-        block += '\n';
-    }
+    const std::string block =
+        withLineBreaks(change.value.ends_with('\n') ? change.value : change.value + "\n");
     if (change.atFront) {
-        atFront_ += withLineBreaks(block + "\n");
-        return;
-    }
-    const std::string_view before = atEnd_.empty() ? text_ : std::string_view(atEnd_);
-    if (before.empty()) {
-        atEnd_ += withLineBreaks(block);
-    } else if (before.ends_with('\n') || before.ends_with('\r')) {
-        atEnd_ += withLineBreaks("\n" + block);
+        (atFront_ += block) += lineBreak_;
     } else {
-        block.pop_back();
-        atEnd_ += withLineBreaks("\n\n" + block);
+        atEnd_.push_back(block);
+    }
+}
+
+/// Half a section would share nothing, or something else: it comes back whole.
+void Editor::addMissingSection(const SMBChange& change) {
+    conflict(change, "");
+    if (missing_.emplace(change.section, change.sectionOccurrence).second) {
+        SMBChange section = change;
+        section.value = change.whole;
+        addSection(section);
     }
 }
 
 void Editor::removeSection(const SMBSectionLines& section) {
     const auto& lines = lines_.lines();
-    std::size_t last = lines_.endOfJoinedLines(lines_.lastSetting(section));
+    // A line that the server does not understand is the section's own, too: it must not come to the one
+    // above.
+    std::size_t last = section.last;
+    while (last > section.first + 1 && isRemark(last - 1)) {
+        --last;
+    }
     while (last < section.last && lines[last].kind != Line::Kind::Blank) {
         ++last; // the comments right below the parameters are the section's own
     }
-    std::size_t begin = lines[section.first].begin;
-    std::size_t end = lines[last - 1].end;
+    Edit edit{lines[section.first].begin, lines[last - 1].end, "", false};
     const bool isAtEnd = last == lines.size();
-    if (section.first > 0 && isBlankLine(section.first - 1)) {
-        begin = lines[section.first - 1].begin; // it set the section off
-        if (isAtEnd && begin > 0 && end > 0 && text_[end - 1] != '\n' && text_[end - 1] != '\r') {
-            // The line before was not ended when the section was added.
-            begin -= text_.substr(0, begin).ends_with("\r\n") ? 2 : 1;
-        }
+    const bool isSetOff = section.first > 0 && isBlankLine(section.first - 1);
+    const std::size_t above = section.first - (isSetOff ? 1 : 0);
+    if (above > 0 && lines[above - 1].isContinued && !isAtEnd) {
+        // The server would join what follows to the line above. An empty line below may go with its section.
+        edit.replacement = isSetOff ? "" : lineBreak_;
+    } else if (isSetOff) {
+        edit.begin = lines[section.first - 1].begin;
+        // The line before was not ended when the section was added.
+        dropsLastBreak_ = dropsLastBreak_ || (isAtEnd && !isEnded(text_));
     } else if (section.first == 0 && isBlankLine(last)) {
-        end = lines[last].end;
+        edit.end = lines[last].end;
     }
-    edits_.push_back({begin, end, ""});
+    edits_.push_back(std::move(edit));
 }
 
 void Editor::comment(const SMBSectionLines& section, bool out) {
@@ -163,232 +211,154 @@ void Editor::comment(const SMBSectionLines& section, bool out) {
         return; // somebody did the same in the file
     }
     commentedOut_[&section] = out;
-    const auto& lines = lines_.lines();
-    const std::size_t end = lines_.endOfJoinedLines(lines_.lastSetting(section));
-    for (std::size_t index = section.first; index < end; ++index) {
-        const Line& line = lines[index];
+    for (std::size_t index = section.first; index < section.last; ++index) {
+        const Line& line = lines_.lines()[index];
         const std::size_t begin = line.begin + indentation(line).size();
-        const bool isPlain = line.kind == Line::Kind::Blank || line.kind == Line::Kind::Comment;
-        if (out && !isPlain) {
-            edits_.push_back({begin, begin, ";"});
-        } else if (!out && (line.kind == Line::Kind::Header || line.kind == Line::Kind::Pair)) {
-            edits_.push_back({begin, begin + 1, ""});
+        if (out) {
+            // In a commented-out section, a comment with a "=" is a parameter, and would come to life with
+            // it.
+            const bool isComment = line.kind == Line::Kind::Comment &&
+                                   !SMBParser::pairOf(text_.substr(begin + 1, contentEnd(line) - begin - 1));
+            if (line.kind != Line::Kind::Blank && !isComment) {
+                edits_.push_back({begin, begin + 1, ";" + std::string(1, text_[begin]), false});
+            }
+        } else if (line.kind == Line::Kind::Header) {
+            enableHeader(line);
+        } else if (line.kind == Line::Kind::Pair || line.isJoined) {
+            edits_.push_back({begin, begin + 1, "", false});
         }
     }
 }
 
+/// A live header is one only when nothing follows its bracket.
+void Editor::enableHeader(const Line& line) {
+    const std::size_t begin = line.begin + indentation(line).size();
+    const std::size_t end = contentEnd(line);
+    const std::size_t bracket = text_.substr(0, end).find(']', begin);
+    edits_.push_back({begin, begin + 1, "", false});
+    if (bracket == std::string_view::npos) {
+        edits_.push_back({end, end, "]", false});
+    } else if (bracket + 1 < end) {
+        edits_.push_back({bracket + 1, end, "", false});
+    }
+}
+
+std::optional<std::size_t> Editor::pairInEffect(const SMBSectionLines& section, const SMBChange& change,
+                                                std::size_t found) const {
+    const auto& lines = lines_.lines();
+    if (!lines[found].isJoined) {
+        return found;
+    }
+    // The line is a part of another one. What was set in its stead before stands further down.
+    std::optional<std::size_t> inEffect;
+    for (std::size_t index = found; index < section.last; ++index) {
+        const Line& line = lines[index];
+        if (line.kind == Line::Kind::Pair && !line.isJoined && line.key == change.key &&
+            line.value == change.before) {
+            inEffect = index;
+        }
+    }
+    return inEffect;
+}
+
 void Editor::setValue(const SMBSectionLines& section, const SMBChange& change) {
-    const auto index = lines_.pair(section, change.key, change.occurrence);
+    const auto found = lines_.pair(section, change.key, change.occurrence);
+    const auto index = found ? pairInEffect(section, change, *found) : std::nullopt;
     if (!index) {
-        conflict(change, "");
+        if (!found) {
+            conflict(change, "");
+        }
         addPair(section, change);
         return;
     }
     const Line& line = lines_.lines()[*index];
-    if (line.value != change.before && line.value != change.value) {
+    if (line.value == change.value) {
+        return; // somebody else has set it, too
+    }
+    if (line.value != change.before) {
         conflict(change, line.value);
     }
     const std::size_t begin = offset(line.value);
     const std::size_t joined = lines_.endOfJoinedLines(*index);
-    std::size_t end = begin + line.value.size();
-    if (joined > *index + 1) { // the value goes on in the lines that the server joins to it
-        end = lines_.lines()[joined - 1].end;
-        while (end > begin && (text_[end - 1] == '\n' || text_[end - 1] == '\r')) {
-            --end;
-        }
-    }
-    edits_.push_back({begin, end, change.value});
+    // The value goes on in the lines that the server joins to it.
+    const std::size_t end =
+        joined > *index + 1 ? contentEnd(lines_.lines()[joined - 1]) : begin + line.value.size();
+    edits_.push_back({begin, end, change.value, false});
 }
 
 void Editor::removePair(const SMBSectionLines& section, const SMBChange& change) {
-    const auto index = lines_.pair(section, change.key, change.occurrence);
+    const auto found = lines_.pair(section, change.key, change.occurrence);
+    const auto index = found ? pairInEffect(section, change, *found) : std::nullopt;
     if (!index) {
-        return; // it is gone already
+        return; // it is gone already, or never was one for the server
     }
     const Line& line = lines_.lines()[*index];
     if (line.value != change.before) {
         conflict(change, line.value);
     }
-    edits_.push_back({line.begin, lines_.lines()[lines_.endOfJoinedLines(*index) - 1].end, ""});
+    edits_.push_back({line.begin, lines_.lines()[lines_.endOfJoinedLines(*index) - 1].end, "", false});
 }
 
 void Editor::addPair(const SMBSectionLines& section, const SMBChange& change) {
+    const auto& lines = lines_.lines();
     const std::size_t last = lines_.lastSetting(section);
-    const Line& line = lines_.lines()[last];
-    const std::size_t end = lines_.lines()[lines_.endOfJoinedLines(last) - 1].end;
-    const bool isEnded = end > 0 && (text_[end - 1] == '\n' || text_[end - 1] == '\r');
+    const Line& line = lines[last];
+    const Line& end = lines[lines_.endOfJoinedLines(last) - 1];
+    // Below a line that ends in a backslash, the server would take it for a part of that line.
+    const std::size_t place = end.isContinued ? line.begin : end.end;
     std::string added(line.kind == Line::Kind::Pair ? indentation(line) : std::string_view());
     const auto toggled = commentedOut_.find(&section);
     const bool isCommentedOut = toggled == commentedOut_.end() ? section.isCommentedOut : toggled->second;
     added += (isCommentedOut ? ";" : "") + change.key + " = " + change.value;
-    edits_.push_back({end, end, isEnded ? added + std::string(lineBreak_) : std::string(lineBreak_) + added});
+    if (isEnded(text_.substr(0, place)) || place == line.begin) {
+        added += lineBreak_;
+    }
+    edits_.push_back({place, place, std::move(added), true});
+}
+
+/// A section at the end is set off by an empty line, and a file whose last line is not ended stays like that:
+/// so its removal can leave exactly what was there before.
+void Editor::appendAtEnd(std::string& text) const {
+    for (const std::string& block : atEnd_) {
+        const bool stays = text.empty() || isEnded(text);
+        if (!text.empty()) {
+            text += lineBreak_;
+        }
+        if (!stays) {
+            text += lineBreak_;
+        }
+        text += stays ? block : block.substr(0, block.size() - lineBreak_.size());
+    }
 }
 
 SMBInPlaceText Editor::finish() {
     // Edits at one place keep the order in which they were asked for.
-    std::ranges::stable_sort(edits_, {}, &Edit::begin);
+    std::ranges::stable_sort(edits_, isBefore);
     SMBInPlaceText result;
-    result.text = atFront_;
     std::size_t position = 0;
     for (const Edit& edit : edits_) {
-        if (edit.begin > position) {
-            result.text += text_.substr(position, edit.begin - position);
-            position = edit.begin;
+        if (edit.begin < position) { // a part of what is replaced already
+            position = std::max(position, edit.end);
+            continue;
+        }
+        result.text += text_.substr(position, edit.begin - position);
+        if (edit.isOwnLine && !result.text.empty() && !isEnded(result.text)) {
+            result.text += lineBreak_;
         }
         result.text += edit.replacement;
-        position = std::max(position, edit.end);
+        position = edit.end;
     }
     result.text += text_.substr(position);
-    result.text += atEnd_;
+    if (dropsLastBreak_ && result.text.ends_with(lineBreak_)) {
+        result.text.erase(result.text.size() - lineBreak_.size());
+    }
+    appendAtEnd(result.text);
+    result.text.insert(0, atFront_);
     result.conflicts = std::move(conflicts_);
     return result;
 }
 
-bool isSection(const SMBShare& entry) {
-    return entry.Type() == SMBGroup || entry.Type() == SMBCommentGroup;
-}
-
-using Sections = std::vector<const SMBShare*>;
-
-/// The entries of each section's name, in order.
-std::map<std::string_view, Sections> sectionsByName(const SMBConf::EntryList& entries) {
-    std::map<std::string_view, Sections> byName;
-    for (const auto& entry : entries) {
-        if (isSection(*entry)) {
-            byName[entry->ShareName()].push_back(entry.get());
-        }
-    }
-    return byName;
-}
-
-/// For each of `now`, the index of the one of `read` that it was. Where there are fewer now, those are taken
-/// for gone that no longer occur.
-std::vector<std::optional<std::size_t>> matched(const Sections& read, const Sections& now) {
-    std::vector<std::optional<std::size_t>> matches(now.size());
-    std::size_t next = 0;
-    for (std::size_t index = 0; index < now.size() && next < read.size(); ++index) {
-        std::size_t found = next;
-        if (now.size() - index < read.size() - next) {
-            while (found < read.size() && read[found]->Props() != now[index]->Props()) {
-                ++found;
-            }
-            found = found == read.size() ? next : found;
-        }
-        matches[index] = found;
-        next = found + 1;
-    }
-    return matches;
-}
-
-std::string sectionText(const SMBShare& section) {
-    const std::string mark = section.Type() == SMBCommentGroup ? ";" : "";
-    std::string text = mark + "[" + section.ShareName() + "]\n";
-    for (const SMBPair& pair : section.Props()) {
-        text += mark + std::string(pair.Name.view()) + " = " + std::string(pair.Value.view()) + "\n";
-    }
-    return text + section.Text();
-}
-
-/// The changes within one section, whose place the changes' first fields are.
-void appendPairChanges(const SMBPairs& read, const SMBPairs& now, const SMBChange& place,
-                       std::vector<SMBChange>& changes) {
-    std::map<std::string_view, std::vector<std::string_view>> before;
-    for (const SMBPair& pair : read) {
-        before[pair.Name.view()].push_back(pair.Value.view());
-    }
-    std::map<std::string_view, std::size_t> seen;
-    for (const SMBPair& pair : now) {
-        const std::vector<std::string_view>& values = before[pair.Name.view()];
-        const std::size_t occurrence = seen[pair.Name.view()]++;
-        SMBChange change = place;
-        change.key = pair.Name.view();
-        change.occurrence = occurrence;
-        change.value = pair.Value.view();
-        if (occurrence >= values.size()) {
-            change.kind = SMBChange::Kind::AddPair;
-            changes.push_back(std::move(change));
-        } else if (values[occurrence] != pair.Value.view()) {
-            change.kind = SMBChange::Kind::SetValue;
-            change.before = values[occurrence];
-            changes.push_back(std::move(change));
-        }
-    }
-    for (const auto& [key, values] : before) {
-        for (std::size_t occurrence = seen[key]; occurrence < values.size(); ++occurrence) {
-            SMBChange change = place;
-            change.kind = SMBChange::Kind::RemovePair;
-            change.key = key;
-            change.occurrence = occurrence;
-            change.before = values[occurrence];
-            changes.push_back(std::move(change));
-        }
-    }
-}
-
-SMBChange changeOf(SMBChange::Kind kind, const SMBShare& section, std::size_t occurrence) {
-    SMBChange change;
-    change.kind = kind;
-    change.section = section.ShareName();
-    change.sectionOccurrence = occurrence;
-    return change;
-}
-
-/// Where a section that is there now was when the file was read.
-struct Origin {
-    const SMBShare* read = nullptr;
-    std::size_t occurrence = 0;
-};
-
-void appendSectionChanges(const Origin& origin, const SMBShare& now, std::vector<SMBChange>& changes) {
-    using Kind = SMBChange::Kind;
-    if (origin.read->Type() != now.Type()) {
-        const Kind kind = now.Type() == SMBGroup ? Kind::EnableSection : Kind::DisableSection;
-        changes.push_back(changeOf(kind, now, origin.occurrence));
-    }
-    appendPairChanges(origin.read->Props(), now.Props(), changeOf(Kind::SetValue, now, origin.occurrence),
-                      changes);
-}
-
 } // namespace
-
-std::vector<SMBChange> changesBetween(const SMBConf::EntryList& read, const SMBConf::EntryList& now) {
-    std::map<const SMBShare*, Origin> origins;
-    std::vector<SMBChange> gone;
-    const auto after = sectionsByName(now);
-    for (const auto& [name, sections] : sectionsByName(read)) {
-        const auto found = after.find(name);
-        const Sections remaining = found == after.end() ? Sections() : found->second;
-        std::vector<bool> isKept(sections.size());
-        const auto matches = matched(sections, remaining);
-        for (std::size_t index = 0; index < remaining.size(); ++index) {
-            if (const auto match = matches[index]) {
-                isKept[*match] = true;
-                origins[remaining[index]] = {sections[*match], *match};
-            }
-        }
-        for (std::size_t index = 0; index < sections.size(); ++index) {
-            if (!isKept[index]) {
-                gone.push_back(changeOf(SMBChange::Kind::RemoveSection, *sections[index], index));
-            }
-        }
-    }
-    std::vector<SMBChange> changes;
-    bool isAtFront = true; // until the first entry that was read
-    for (const auto& entry : now) {
-        const auto origin = origins.find(entry.get());
-        if (origin != origins.end()) {
-            appendSectionChanges(origin->second, *entry, changes);
-        } else if (isSection(*entry)) {
-            SMBChange change = changeOf(SMBChange::Kind::AddSection, *entry, 0);
-            change.value = sectionText(*entry);
-            change.atFront = isAtFront && !read.empty();
-            changes.push_back(std::move(change));
-        }
-        isAtFront = isAtFront && isSection(*entry) && origin == origins.end();
-    }
-    std::ranges::move(gone, std::back_inserter(changes));
-    return changes;
-}
 
 SMBInPlaceText textWithChanges(std::string_view text, std::span<const SMBChange> changes) {
     Editor editor(text);

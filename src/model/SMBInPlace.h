@@ -32,6 +32,7 @@ struct SMBChange {
     std::string value;
     std::string before;   ///< the value that was read, of SetValue and RemovePair
     bool atFront = false; ///< of AddSection: before all other lines
+    std::string whole;    ///< of a change within a section: that as it is now, for a file that has lost it
     [[nodiscard]] bool operator==(const SMBChange&) const = default;
 };
 

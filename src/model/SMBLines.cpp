@@ -38,32 +38,51 @@ SMBLines::SMBLines(std::string_view text) {
 }
 
 void SMBLines::take(std::string_view content, SMBLine line) {
-    line.isContinued = SMBParser::isContinued(content);
-    const bool isCommentedOut = isInSection_ && sections_.back().isCommentedOut;
+    const bool isInCommentedOut = isInSection_ && sections_.back().isCommentedOut;
+    line.isJoined = !content.empty() && !lines_.empty() && lines_.back().isContinued;
     if (content.empty()) {
         line.kind = SMBLine::Kind::Blank;
     } else if (takeHeader(content)) {
         line.kind = SMBLine::Kind::Header;
-    } else if (SMBParser::isComment(content) && !isCommentedOut) {
-        line.kind = SMBLine::Kind::Comment;
-        line.isContinued = false; // the server joins nothing to a comment
+        line.isJoined = false;
+    } else if (isInCommentedOut && SMBParser::isComment(content)) {
+        takeCommentedOut(content, line);
     } else {
-        if (isCommentedOut && !SMBParser::isComment(content)) {
+        if (isInCommentedOut) {
             // Any other line ends the commented-out section, and stands in none.
             sections_.back().last = lines_.size();
             isInSection_ = false;
+            line.isJoined = false;
         }
-        const auto pair =
-            isInSection_ ? SMBParser::pairOf(isCommentedOut ? content.substr(1) : content) : std::nullopt;
-        line.kind = pair ? SMBLine::Kind::Pair : SMBLine::Kind::Other;
-        if (pair) {
-            line.key = pair->key;
-            line.value = pair->value;
-        } else if (isCommentedOut && isInSection_) {
-            line.kind = SMBLine::Kind::Comment;
-        }
+        takeLive(content, line);
     }
     lines_.push_back(line);
+}
+
+void SMBLines::takeCommentedOut(std::string_view content, SMBLine& line) const {
+    const auto pair = SMBParser::pairOf(content.substr(1));
+    line.kind = pair ? SMBLine::Kind::Pair : SMBLine::Kind::Comment;
+    line.isContinued = (pair || line.isJoined) && SMBParser::isContinued(content);
+    if (pair) {
+        line.key = pair->key;
+        line.value = pair->value;
+    }
+}
+
+void SMBLines::takeLive(std::string_view content, SMBLine& line) const {
+    if (SMBParser::isComment(content)) {
+        line.kind = line.isJoined ? SMBLine::Kind::Other : SMBLine::Kind::Comment;
+        line.isContinued =
+            line.isJoined && SMBParser::isContinued(content); // the server joins none to a comment
+        return;
+    }
+    line.isContinued = SMBParser::isContinued(content);
+    const auto pair = isInSection_ ? SMBParser::pairOf(content) : std::nullopt;
+    line.kind = pair ? SMBLine::Kind::Pair : SMBLine::Kind::Other;
+    if (pair) {
+        line.key = pair->key;
+        line.value = pair->value;
+    }
 }
 
 bool SMBLines::takeHeader(std::string_view content) {
@@ -102,14 +121,13 @@ std::optional<std::size_t> SMBLines::pair(const SMBSectionLines& section, std::s
 std::size_t SMBLines::lastSetting(const SMBSectionLines& section) const {
     std::size_t last = section.first;
     for (std::size_t index = section.first; index < section.last; ++index) {
-        last = lines_[index].kind == SMBLine::Kind::Pair ? index : last;
+        last = lines_[index].kind == SMBLine::Kind::Pair && !lines_[index].isJoined ? index : last;
     }
     return last;
 }
 
 std::size_t SMBLines::endOfJoinedLines(std::size_t index) const {
-    while (index + 1 < lines_.size() && lines_[index].isContinued &&
-           lines_[index + 1].kind != SMBLine::Kind::Header) {
+    while (index + 1 < lines_.size() && lines_[index + 1].isJoined) {
         ++index;
     }
     return index + 1;

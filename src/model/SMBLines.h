@@ -20,8 +20,11 @@ struct SMBLine {
     std::size_t end = 0;
     Kind kind = Kind::Blank;
     bool isContinued = false; ///< ends in a backslash: the server joins the next line to it
-    std::string_view key;     ///< of a pair, as the model has it
-    std::string_view value;   ///< of a pair, likewise
+    /// The server joins it to the line before, whatever it reads like. Of a commented-out section: it would
+    /// once the section is live. A header is none: the model begins a section at it all the same.
+    bool isJoined = false;
+    std::string_view key;   ///< of a pair, as the model has it
+    std::string_view value; ///< of a pair, likewise
 };
 
 /// A section and the lines that are its own, from its header to the last line before the next header.
@@ -44,16 +47,20 @@ class SMBLines {
 
     /// The `occurrence`-th section (from 0, commented-out ones counted too) of that exact name, or null.
     [[nodiscard]] const SMBSectionLines* section(std::string_view name, std::size_t occurrence) const;
-    /// The index of the section's `occurrence`-th parameter with that exact key.
+    /// The index of the section's `occurrence`-th parameter with that exact key. Like the model, it counts
+    /// lines that the server joins to others.
     [[nodiscard]] std::optional<std::size_t> pair(const SMBSectionLines& section, std::string_view key,
                                                   std::size_t occurrence) const;
-    /// The index of the section's last parameter, or of its header when it has none.
+    /// The index of the section's last parameter that is not joined to another line, or of its header when it
+    /// has none.
     [[nodiscard]] std::size_t lastSetting(const SMBSectionLines& section) const;
     /// One after the last of the lines that the server joins to the line `index`.
     [[nodiscard]] std::size_t endOfJoinedLines(std::size_t index) const;
 
   private:
     void take(std::string_view content, SMBLine line);
+    void takeCommentedOut(std::string_view content, SMBLine& line) const;
+    void takeLive(std::string_view content, SMBLine& line) const;
     [[nodiscard]] bool takeHeader(std::string_view content);
 
     std::vector<SMBLine> lines_;

@@ -1,0 +1,189 @@
+#include "model/SMBInPlace.h"
+
+#include <algorithm>
+#include <functional>
+#include <iterator>
+#include <map>
+#include <optional>
+
+namespace {
+
+bool isSection(const SMBShare& entry) {
+    return entry.Type() == SMBGroup || entry.Type() == SMBCommentGroup;
+}
+
+using Sections = std::vector<const SMBShare*>;
+
+/// The entries of each section's name, in order.
+std::map<std::string_view, Sections> sectionsByName(const SMBConf::EntryList& entries) {
+    std::map<std::string_view, Sections> byName;
+    for (const auto& entry : entries) {
+        if (isSection(*entry)) {
+            byName[entry->ShareName()].push_back(entry.get());
+        }
+    }
+    return byName;
+}
+
+/// For each of `now`, the index of the one of `read` that it was. Where there are fewer now, those are taken
+/// for gone that no longer occur.
+template <class Element, class IsSame>
+std::vector<std::optional<std::size_t>> matched(const std::vector<Element>& read,
+                                                const std::vector<Element>& now, IsSame isSame) {
+    std::vector<std::optional<std::size_t>> matches(now.size());
+    std::size_t next = 0;
+    for (std::size_t index = 0; index < now.size() && next < read.size(); ++index) {
+        std::size_t found = next;
+        if (now.size() - index < read.size() - next) {
+            while (found < read.size() && !isSame(read[found], now[index])) {
+                ++found;
+            }
+            found = found == read.size() ? next : found;
+        }
+        matches[index] = found;
+        next = found + 1;
+    }
+    return matches;
+}
+
+std::string sectionText(const SMBShare& section) {
+    const std::string mark = section.Type() == SMBCommentGroup ? ";" : "";
+    std::string text = section.isUnnamed() ? section.ShareName() : mark + "[" + section.ShareName() + "]";
+    text += "\n";
+    for (const SMBPair& pair : section.Props()) {
+        text += mark + std::string(pair.Name.view()) + " = " + std::string(pair.Value.view()) + "\n";
+    }
+    return text + section.Text();
+}
+
+using Values = std::vector<std::string_view>;
+
+std::map<std::string_view, Values> valuesByKey(const SMBPairs& pairs) {
+    std::map<std::string_view, Values> values;
+    for (const SMBPair& pair : pairs) {
+        values[pair.Name.view()].push_back(pair.Value.view());
+    }
+    return values;
+}
+
+/// The parameters of one key, before and after.
+struct KeyValues {
+    Values read;
+    std::vector<std::optional<std::size_t>> matches; ///< those of now among those that were read
+    std::size_t next = 0;                            ///< of now, not looked at yet
+    std::size_t added = 0;
+};
+
+/// The changes within one section, whose place the changes' first fields are.
+void appendPairChanges(const SMBPairs& read, const SMBPairs& now, const SMBChange& place,
+                       std::vector<SMBChange>& changes) {
+    std::map<std::string_view, KeyValues> keys;
+    for (auto& [key, values] : valuesByKey(read)) {
+        keys[key].read = std::move(values);
+    }
+    for (const auto& [key, values] : valuesByKey(now)) {
+        keys[key].matches = matched(keys[key].read, values, std::equal_to<>());
+    }
+    for (const SMBPair& pair : now) {
+        KeyValues& key = keys[pair.Name.view()];
+        const auto match = key.matches[key.next++];
+        SMBChange change = place;
+        change.key = pair.Name.view();
+        change.value = pair.Value.view();
+        if (!match) {
+            change.kind = SMBChange::Kind::AddPair;
+            change.occurrence = key.read.size() + key.added++;
+            changes.push_back(std::move(change));
+        } else if (key.read[*match] != pair.Value.view()) {
+            change.occurrence = *match;
+            change.before = key.read[*match];
+            changes.push_back(std::move(change));
+        }
+    }
+    for (const auto& [name, key] : keys) {
+        std::size_t next = 0; // of the matches, which ascend
+        for (std::size_t occurrence = 0; occurrence < key.read.size(); ++occurrence) {
+            if (next < key.matches.size() && key.matches[next] == occurrence) {
+                ++next;
+            } else {
+                SMBChange change = place;
+                change.kind = SMBChange::Kind::RemovePair;
+                change.key = name;
+                change.occurrence = occurrence;
+                change.before = key.read[occurrence];
+                changes.push_back(std::move(change));
+            }
+        }
+    }
+}
+
+SMBChange changeOf(SMBChange::Kind kind, const SMBShare& section, std::size_t occurrence) {
+    SMBChange change;
+    change.kind = kind;
+    change.section = section.ShareName();
+    change.sectionOccurrence = occurrence;
+    return change;
+}
+
+/// Where a section that is there now was when the file was read.
+struct Origin {
+    const SMBShare* read = nullptr;
+    std::size_t occurrence = 0;
+};
+
+void appendSectionChanges(const Origin& origin, const SMBShare& now, std::vector<SMBChange>& changes) {
+    using Kind = SMBChange::Kind;
+    const std::size_t first = changes.size();
+    if (origin.read->Type() != now.Type()) {
+        const Kind kind = now.Type() == SMBGroup ? Kind::EnableSection : Kind::DisableSection;
+        changes.push_back(changeOf(kind, now, origin.occurrence));
+    }
+    appendPairChanges(origin.read->Props(), now.Props(), changeOf(Kind::SetValue, now, origin.occurrence),
+                      changes);
+    for (std::size_t index = first; index < changes.size(); ++index) {
+        changes[index].whole = index == first ? sectionText(now) : changes[first].whole;
+    }
+}
+
+} // namespace
+
+std::vector<SMBChange> changesBetween(const SMBConf::EntryList& read, const SMBConf::EntryList& now) {
+    std::map<const SMBShare*, Origin> origins;
+    std::vector<SMBChange> gone;
+    const auto after = sectionsByName(now);
+    for (const auto& [name, sections] : sectionsByName(read)) {
+        const auto found = after.find(name);
+        const Sections remaining = found == after.end() ? Sections() : found->second;
+        std::vector<bool> isKept(sections.size());
+        const auto matches = matched(sections, remaining, [](const SMBShare* one, const SMBShare* other) {
+            return one->Props() == other->Props();
+        });
+        for (std::size_t index = 0; index < remaining.size(); ++index) {
+            if (const auto match = matches[index]) {
+                isKept[*match] = true;
+                origins[remaining[index]] = {sections[*match], *match};
+            }
+        }
+        for (std::size_t index = 0; index < sections.size(); ++index) {
+            if (!isKept[index]) {
+                gone.push_back(changeOf(SMBChange::Kind::RemoveSection, *sections[index], index));
+            }
+        }
+    }
+    std::vector<SMBChange> changes;
+    bool isAtFront = true; // until the first entry that was read
+    for (const auto& entry : now) {
+        const auto origin = origins.find(entry.get());
+        if (origin != origins.end()) {
+            appendSectionChanges(origin->second, *entry, changes);
+        } else if (isSection(*entry)) {
+            SMBChange change = changeOf(SMBChange::Kind::AddSection, *entry, 0);
+            change.value = sectionText(*entry);
+            change.atFront = isAtFront && !read.empty();
+            changes.push_back(std::move(change));
+        }
+        isAtFront = isAtFront && isSection(*entry) && origin == origins.end();
+    }
+    std::ranges::move(gone, std::back_inserter(changes));
+    return changes;
+}
