@@ -80,7 +80,9 @@ class HistoryTest : public DrawnState {
 
     std::vector<std::string> titles() const {
         std::vector<std::string> texts;
-        for (const review::HistoryEntry& entry : *history->entries()) {
+        const auto entries = history->entries();
+        EXPECT_TRUE(entries.isOk()) << entries.status().text();
+        for (const review::HistoryEntry& entry : *entries) {
             texts.push_back(std::to_string(entry.number) + " " + entry.title + " " + outcomeOf(entry));
         }
         return texts;
@@ -130,6 +132,41 @@ TEST_P(HistoryTest, BringsBackAllThatAnActionHasChanged) {
         ASSERT_FALSE(HasFailure());
     }
 }
+
+class OneUndo : public HistoryTest {
+  protected:
+    /// A change, made and kept.
+    void addStaff() {
+        host.allowUnaskedAlerts();
+        beginWithHistory();
+        type("groupName", "crew");
+        type("gid", "7200");
+        host.answerAlert("Confirm Add New Group", "Yes");
+        act("addNewGroup:");
+        host.runs.clear();
+    }
+};
+
+TEST_P(OneUndo, WhatIsAsBeforeAlreadyCountsAsTakenBack) {
+    addStaff();
+    nicl({"-delete", "/groups/crew"}); // somebody else
+    EXPECT_EQ(undo(), "");
+    EXPECT_EQ(titles(), (std::vector<std::string>{"2 Taken back: Group \"crew\" created done",
+                                                  "1 Group \"crew\" created undone"}));
+    EXPECT_TRUE(host.runs.empty());
+}
+
+TEST_P(OneUndo, IsRefusedWhileTheDirectoryCannotBeRead) {
+    addStaff();
+    const auto store = host.storeFile();
+    std::filesystem::rename(store, store.string() + ".away");
+    EXPECT_EQ(undo(), "The directory cannot be read now.");
+    EXPECT_TRUE(host.runs.empty());
+    std::filesystem::rename(store.string() + ".away", store);
+    EXPECT_EQ(undo(), "");
+}
+
+INSTANTIATE_TEST_SUITE_P(Once, OneUndo, testing::Values(1U));
 
 INSTANTIATE_TEST_SUITE_P(Drawn, HistoryTest, testing::Range(1U, 26U));
 

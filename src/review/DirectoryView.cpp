@@ -34,6 +34,12 @@ DirectoryView::Domain* DirectoryView::open() const {
     return domain_->domain == nullptr ? nullptr : domain_.get();
 }
 
+bool DirectoryView::isReadable() const {
+    const Domain* opened = open();
+    ni_id id;
+    return opened != nullptr && ni_root(opened->domain, &id) == NI_OK;
+}
+
 std::optional<std::vector<DirectoryView::Property>> DirectoryView::record(const std::string& path) const {
     const Domain* opened = open();
     ni_id id;

@@ -16,6 +16,9 @@ class DirectoryView {
     DirectoryView(DirectoryView&& other) noexcept;
     DirectoryView& operator=(DirectoryView&& other) noexcept;
 
+    /// False when nothing can be read of it, so that what is asked for is not known to be missing.
+    [[nodiscard]] bool isReadable() const;
+
     /// The record at `path`, with its properties in order; none when there is none.
     struct Property {
         std::string name;

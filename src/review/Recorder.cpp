@@ -193,7 +193,8 @@ void Recorder::endAction() {
     if (pending_) {
         pending_->endAction();
     }
-    if (before_ && before_->status().isOk()) {
+    // An undo that found all as it was before needed no run, and counts.
+    if (before_ ? before_->status().isOk() : entry_.undoes != 0 && !undoFailed_) {
         finish();
     }
     before_.reset();
@@ -207,20 +208,30 @@ void Recorder::beginUndo(std::int64_t undone, std::string title) {
     entry_.title = std::move(title);
 }
 
+void Recorder::addFiles() {
+    for (FileChange& file : before_->files) {
+        file.after = settingsBytes(file.path);
+        if (file.before != file.after) {
+            entry_.files.push_back(std::move(file));
+        }
+    }
+}
+
 void Recorder::finish() {
     const platform::Host& host = platform::Host::current();
     const DirectoryView now(host.localDomain().storeFile());
+    if (!entry_.records.empty() && !now.isReadable()) {
+        NSLog("What this action has changed is not kept in the history: the directory cannot be read");
+        return; // all records would seem to be gone
+    }
     for (RecordChange& record : entry_.records) {
         record.before = before_->directory().record(record.path);
         record.after = now.record(record.path);
     }
     std::erase_if(entry_.records,
                   [](const RecordChange& record) { return isSameRecord(record.before, record.after); });
-    for (FileChange& file : before_->files) {
-        file.after = settingsBytes(file.path);
-        if (file.before != file.after) {
-            entry_.files.push_back(std::move(file));
-        }
+    if (before_) {
+        addFiles();
     }
     for (FolderStep& folder : entry_.folders) {
         folder.after = folderStateOf(folder.path).value_or(folder.before);

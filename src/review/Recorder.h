@@ -42,6 +42,7 @@ class Recorder : public platform::Authority, public platform::PendingWrites {
     class Before; // what runs can change, as it was at the action's first run
 
     void note(const std::string& tool, std::span<const std::string> arguments);
+    void addFiles();
     void finish();
 
     std::shared_ptr<platform::Authority> authority_;

@@ -98,6 +98,10 @@ class UndoPlanner {
                 NSLocalizedString("There is nothing that could be taken back: a password that was replaced "
                                   "is not known any more."));
         }
+        if (!entry.records.empty() && !directory_.isReadable()) {
+            refuse(
+                NSLocalizedString("The directory cannot be read now.")); // its records would seem to be gone
+        }
         for (const RecordChange& record : entry.records) {
             planRecord(record);
         }
@@ -282,6 +286,23 @@ Status carryOutRuns(const std::vector<PlannedRun>& runs) {
     return {};
 }
 
+/// A transaction that could not be committed has taken every run back that went well.
+Status checkRecords(const HistoryEntry& entry) {
+    if (entry.records.empty()) {
+        return {};
+    }
+    const DirectoryView now(platform::Host::current().localDomain().storeFile());
+    if (!now.isReadable()) {
+        return Status::failure("cannot take it all back", "the directory", "it cannot be read");
+    }
+    for (const RecordChange& record : entry.records) {
+        if (!isSameRecord(now.record(record.path), record.before)) {
+            return Status::failure("cannot take it all back", record.path, "it is not as it was");
+        }
+    }
+    return {};
+}
+
 Status restoreFile(const FileChange& file) {
     const std::string temporary =
         stringByExpandingTildeInPath(file.path == systempath::smbConf ? systempath::temporarySmbConf
@@ -310,6 +331,7 @@ Status carryOut(const UndoPlan& plan) {
         pending->takeBack();
     }
     platform::Host::settlePendingWrites();
+    status = status.isOk() ? checkRecords(plan.entry) : status;
     for (const FileChange& file : plan.files) {
         status = status.isOk() ? restoreFile(file) : status;
     }
@@ -324,13 +346,6 @@ Status carryOut(const UndoPlan& plan) {
     }
     if (plan.hangsUpSMB) {
         NiutilTask::sharedInstance().restartSMB();
-    }
-    // A transaction that could not be committed has taken every run back that went well.
-    const DirectoryView now(platform::Host::current().localDomain().storeFile());
-    for (const RecordChange& record : plan.entry.records) {
-        if (!isSameRecord(now.record(record.path), record.before)) {
-            return Status::failure("cannot take it all back", record.path, "it is not as it was");
-        }
     }
     return {};
 }

@@ -30,7 +30,8 @@ struct UndoPlan {
 
 /// Carries a plan out, run by run, as a part of the action that is under way: the directory first, in one
 /// transaction, then the settings files, the folders, and the servers. Stops at the first failed run, which
-/// has beeped and was logged. Fails also when something is not as it was before in the end.
+/// has beeped and was logged, and when the directory's records are not as they were before once the
+/// transaction is over.
 [[nodiscard]] platform::Status carryOut(const UndoPlan& plan);
 
 } // namespace review
