@@ -3,6 +3,7 @@
 #include "platform/appkit/NSButton.h"
 #include "platform/appkit/NSWindow.h"
 #include "review/Reviewer.h"
+#include "support/LockHolder.h"
 #include "support/MainWindowFixture.h"
 
 #include <QFrame>
@@ -252,6 +253,32 @@ TEST_F(WindowReviewTest, OneQuestionSaysAllThatIsToBeSaidOfADeletion) {
     click("deleteButton");
     EXPECT_EQ(asked, (QStringList{"Delete Share", "Delete Share", "Delete Share"}));
     EXPECT_EQ(columnOf("normalTableView", "ShareName"), std::vector<std::string>{"Films"});
+}
+
+TEST_F(WindowReviewTest, WhoHoldsTheDirectoryIsNamedOnceAndNeedNotBeWaitedFor) {
+    addShare("Docs", "/shares/docs");
+    openWith("");
+    auto& notice = widget<QFrame>("directoryNotice");
+    std::optional<LockHolder> holder(host.storeFile().string());
+    answer({"Stop Waiting"});
+    clickTitled("Refresh");
+    EXPECT_EQ(asked, QStringList{"Waiting"});
+    const QString process = QString::fromStdString(holder->process());
+    EXPECT_TRUE(lastText.contains(process)) << lastText.toStdString();
+    EXPECT_TRUE(notice.isVisible());
+    EXPECT_TRUE(notice.findChild<QLabel*>()->text().contains(process));
+    showPage(2);
+    typeInto("groupName", "team");
+    typeInto("gid", "600");
+    answer({"Stop Waiting", "OK"});
+    click("createNewGroupButton");
+    EXPECT_EQ(asked, (QStringList{"Waiting", "Not Possible"}));
+    EXPECT_TRUE(lastText.contains(process)) << lastText.toStdString();
+    EXPECT_TRUE(host.runs.empty());
+    holder.reset();
+    clickTitled("Try Again");
+    EXPECT_FALSE(notice.isVisible());
+    EXPECT_EQ(columnOf("normalTableView", "ShareName"), std::vector<std::string>{"Docs"});
 }
 
 } // namespace

@@ -176,11 +176,22 @@ int printTable(const Options& options) {
     return 0;
 }
 
-int runWithWindow(const Options& options, char** argv) {
+int openWindow(const Options& options, char** argv) {
     Application application(makeServices(options));
     const auto server = startServer(options);
     return options.mode == Mode::Window ? frontend::runWindow(application, argv)
                                         : frontend::takeSnapshots(application, argv, options.snapshotFolder);
+}
+
+int runWithWindow(const Options& options, char** argv) {
+    try {
+        return openWindow(options, argv);
+    } catch (const std::exception& error) {
+        if (options.mode == Mode::Window) {
+            frontend::showStartFailure(error.what(), argv);
+        }
+        throw;
+    }
 }
 
 int run(const Options& options, char** argv) {

@@ -30,6 +30,11 @@ int runWindow(Application& application, char** argv) {
     return status;
 }
 
+void showStartFailure(const std::string& text, char** argv) {
+    int argc = 1;
+    QtFrontend::showFailure(argc, argv, text);
+}
+
 int takeSnapshots(Application& application, char** argv, const std::string& folder) {
     int argc = 1;
     QtFrontend window(argc, argv, QtFrontend::Manner::Silent);
@@ -48,6 +53,8 @@ int takeSnapshots(Application& application, char** argv, const std::string& fold
 }
 
 #else
+
+void showStartFailure(const std::string& /*text*/, char** /*argv*/) {}
 
 int runWindow(Application& /*application*/, char** /*argv*/) {
     std::cerr << "brindle: this build has no window: install Qt 6 Widgets and build again, or use --print or "

@@ -80,8 +80,9 @@ struct Plan {
     std::vector<SettingChange> afpSettings;
     std::vector<FolderChange> folders;
     std::vector<Remark> warnings;
-    std::vector<Remark> blocks; ///< not empty: our own tools are bound to refuse it
-    std::string failure;        ///< why there is no plan; empty where there is one
+    std::vector<Remark> blocks;  ///< not empty: our own tools are bound to refuse it
+    std::string failure;         ///< why there is no plan; empty where there is one
+    bool lacksDirectory = false; ///< there is none because the directory cannot be read
 };
 
 /// The steps of a plan as sentences in the user's language, in their order.

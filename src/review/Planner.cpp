@@ -85,7 +85,7 @@ Plan planOf(const platform::Interface& main, const std::string& operation, const
             PlanDepth depth) {
     Plan plan;
     plan.operation = operation;
-    const auto copy = WorkingCopy::make();
+    const auto copy = WorkingCopy::make(&plan.lacksDirectory);
     if (!copy.isOk()) {
         plan.failure = copy.status().text();
         return plan;

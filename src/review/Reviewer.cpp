@@ -7,6 +7,8 @@
 #include "platform/foundation/Host.h"
 #include "platform/foundation/NSBundle.h"
 #include "platform/foundation/NSFileManager.h"
+#include "platform/netinfo/LocalDomain.h"
+#include "platform/netinfo/StoreWait.h"
 #include "review/Planner.h"
 #include "review/ServerReading.h"
 
@@ -34,6 +36,10 @@ constexpr std::array<std::string_view, 17> writingOperations = {"createShare:",
                                                                 "enableAllPublicShares:",
                                                                 "disableAllPublicShares:",
                                                                 "updateAFSProperties:",
+                                                                "updateSMBProperties:"};
+
+/// Those whose tools change the settings files alone.
+constexpr std::array<std::string_view, 2> settingsOperations = {"updateAFSProperties:",
                                                                 "updateSMBProperties:"};
 
 /// It asks a server on the network, which no plan may do, and changes nothing.
@@ -123,6 +129,14 @@ Plan Reviewer::planMigration() const {
     });
 }
 
+std::string Reviewer::directoryProblem() {
+    return platform::directoryProblem();
+}
+
+std::string Reviewer::directoryHolder() {
+    return platform::storeHolder(platform::Host::current().localDomain().storeFile());
+}
+
 void Reviewer::reread() const {
     controller().rereadSMBConf();
 }
@@ -171,7 +185,12 @@ bool Reviewer::mayPerform(const NSControl& sender) const {
     if (!isWriting(sender.action().operation)) {
         return true;
     }
-    const Plan plan = question_ ? planAction(sender) : planSteps(sender);
+    Plan plan = question_ ? planAction(sender) : planSteps(sender);
+    if (plan.lacksDirectory &&
+        std::ranges::find(settingsOperations, plan.operation) == settingsOperations.end()) {
+        // It was waited for, and every run would wait again and fail.
+        plan.blocks.push_back({"directory", plan.failure});
+    }
     if (!plan.blocks.empty()) {
         showBlocked_(plan);
         return false;

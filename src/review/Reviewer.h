@@ -40,6 +40,11 @@ class Reviewer {
     /// What answering "Yes" to it would do.
     [[nodiscard]] Plan planMigration() const;
 
+    /// What keeps the directory from being read, as the last attempt found; empty where nothing does.
+    [[nodiscard]] static std::string directoryProblem();
+    /// Who keeps others from using it now: "PROGRAM (process ID)"; empty where nobody does that can be told.
+    [[nodiscard]] static std::string directoryHolder();
+
     /// Reads smb.conf again: model, rows and fields.
     void reread() const;
     /// Reads all that the window shows again, as after a change that came from elsewhere than its controls.

@@ -127,7 +127,7 @@ std::string makeScratchFolder() {
     return {};
 }
 
-Result<std::shared_ptr<WorkingCopy>> WorkingCopy::make() {
+Result<std::shared_ptr<WorkingCopy>> WorkingCopy::make(bool* lacksDirectory) {
     platform::Host::settlePendingWrites();
     std::shared_ptr<WorkingCopy> copy(new WorkingCopy()); // make_shared cannot reach the constructor
     copy->original_ = platform::Host::current().services();
@@ -139,7 +139,14 @@ Result<std::shared_ptr<WorkingCopy>> WorkingCopy::make() {
     if (Status status = copy->fill(); !status.isOk()) {
         return status;
     }
-    return copy;
+    std::error_code error;
+    const std::string store = copy->original_.localDomain->storeFile();
+    Status status =
+        fs::exists(store, error) ? platform::copyStore(store, copy->storeFile(), waitSeconds) : Status();
+    if (lacksDirectory != nullptr) {
+        *lacksDirectory = !status.isOk();
+    }
+    return status.isOk() ? Result<std::shared_ptr<WorkingCopy>>(std::move(copy)) : status;
 }
 
 WorkingCopy::~WorkingCopy() {
@@ -166,8 +173,7 @@ Status WorkingCopy::fill() {
             return status;
         }
     }
-    const std::string store = original_.localDomain->storeFile();
-    return fs::exists(store, error) ? platform::copyStore(store, storeFile(), waitSeconds) : Status();
+    return {};
 }
 
 platform::Services WorkingCopy::services() {

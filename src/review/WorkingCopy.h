@@ -20,7 +20,7 @@ class WorkingCopy : public std::enable_shared_from_this<WorkingCopy> {
   public:
     /// Copies what the current host reads. Fails when the directory cannot be read or there is no room; a
     /// directory that does not exist is copied as such.
-    [[nodiscard]] static platform::Result<std::shared_ptr<WorkingCopy>> make();
+    [[nodiscard]] static platform::Result<std::shared_ptr<WorkingCopy>> make(bool* lacksDirectory = nullptr);
     ~WorkingCopy();
     WorkingCopy(const WorkingCopy&) = delete;
     WorkingCopy& operator=(const WorkingCopy&) = delete;

@@ -29,6 +29,9 @@ void RefreshQueue::remove(Binding* binding) {
 
 void RefreshQueue::flush() {
     scheduled_ = false;
+    if (isHeld_) {
+        return; // the end of the event that is under way asks again
+    }
     // A refresh may mark others: they are appended and done in the same pass, so no iterator stays valid.
     // NOLINTNEXTLINE(modernize-loop-convert)
     std::size_t next = 0;
@@ -50,6 +53,9 @@ void RefreshQueue::runUserEvent(const std::function<void()>& event) {
     NSApp().dispatch(event);
     --running_;
     flush();
+    if (running_ == 0 && eventEnded_) {
+        eventEnded_();
+    }
 }
 
 Binding::Binding(QObject* owner, RefreshQueue& queue, platform::Signal<>& signal,

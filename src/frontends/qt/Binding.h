@@ -8,6 +8,7 @@
 
 #include <functional>
 #include <string>
+#include <utility>
 #include <vector>
 
 class Binding;
@@ -21,8 +22,16 @@ class RefreshQueue : public QObject {
 
     void add(Binding* binding);
     void remove(Binding* binding);
-    /// Redraws everything that is waiting, now.
+    /// Redraws everything that is waiting, now, unless it is held.
     void flush();
+
+    /// Redraws nothing until it is let go: an action that is under way has left its lists half filled.
+    void hold(bool isHeld) { isHeld_ = isHeld; }
+
+    [[nodiscard]] bool isHeld() const { return isHeld_; }
+
+    /// `ended` is called after each event of the user.
+    void setEventEnded(std::function<void()> ended) { eventEnded_ = std::move(ended); }
 
     /// Runs one event of a user, then redraws what it changed.
     void runUserEvent(const std::function<void()>& event);
@@ -33,7 +42,9 @@ class RefreshQueue : public QObject {
 
   private:
     std::vector<Binding*> waiting_; ///< a null stands for a binding that has gone while it waited
+    std::function<void()> eventEnded_;
     bool scheduled_ = false;
+    bool isHeld_ = false;
     unsigned userEvent_ = 0;
     int running_ = 0; ///< user events under way, one within the other
 };

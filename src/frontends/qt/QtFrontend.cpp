@@ -8,6 +8,7 @@
 
 #include <QApplication>
 #include <QLoggingCategory>
+#include <QMessageBox>
 #include <QTimer>
 
 #include <cstdlib>
@@ -54,6 +55,15 @@ QtFrontend::QtFrontend(int& argc, char** argv, Manner manner)
     : implementation_(std::make_unique<Implementation>(argc, argv, manner)) {}
 
 QtFrontend::~QtFrontend() = default;
+
+void QtFrontend::showFailure(int& argc, char** argv, const std::string& text) {
+    if (displayIsThere()) {
+        const QApplication application(argc, argv);
+        QMessageBox(QMessageBox::Critical, QStringLiteral("Brindle"),
+                    QString::fromStdString(text).toHtmlEscaped(), QMessageBox::Close)
+            .exec();
+    }
+}
 
 std::shared_ptr<platform::Presenter> QtFrontend::presenter() const {
     return implementation_->presenter;

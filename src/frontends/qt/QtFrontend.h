@@ -39,6 +39,10 @@ class QtFrontend {
     QtFrontend(const QtFrontend&) = delete;
     QtFrontend& operator=(const QtFrontend&) = delete;
 
+    /// Shows a text in a dialog of its own until it is read; nothing without a display. While there is no
+    /// front-end.
+    static void showFailure(int& argc, char** argv, const std::string& text);
+
     /// For Host::setPresenter, before an interface is loaded.
     [[nodiscard]] std::shared_ptr<platform::Presenter> presenter() const;
 

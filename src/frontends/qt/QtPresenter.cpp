@@ -4,8 +4,10 @@
 #include "frontends/qt/NodeAttributes.h"
 #include "frontends/qt/ReviewDialog.h"
 #include "frontends/qt/TableView.h"
+#include "frontends/qt/WaitingDialog.h"
 #include "frontends/qt/WindowHistory.h"
 #include "frontends/qt/WindowReview.h"
+#include "platform/foundation/Host.h"
 #include "platform/foundation/NSLog.h"
 
 #include <QApplication>
@@ -28,13 +30,20 @@ constexpr int refusalsThatHold = 2;
 } // namespace
 
 QtPresenter::QtPresenter(QtFrontend::Manner manner)
-    : manner_(manner), queue_(std::make_unique<RefreshQueue>()), timers_(std::make_unique<FrameTimers>()) {}
+    : manner_(manner), queue_(std::make_unique<RefreshQueue>()), timers_(std::make_unique<FrameTimers>()) {
+    if (manner == QtFrontend::Manner::Interactive) {
+        patience_ = std::make_shared<WaitingDialog>([this] { return parentForDialogs(); }, *queue_);
+    }
+}
 
 QtPresenter::~QtPresenter() {
     closeAll();
 }
 
 void QtPresenter::closeAll() {
+    if (platform::Host* host = platform::Host::currentIfAny(); host != nullptr && patience_ != nullptr) {
+        host->setPatience(nullptr);
+    }
     timers_.reset();
     while (!views_.empty()) {
         views_.pop_back();
@@ -148,6 +157,7 @@ void QtPresenter::interfaceDidLoad(Interface& interface) {
 
 void QtPresenter::useReviewer(review::Reviewer& reviewer) {
     reviewer_ = &reviewer;
+    platform::Host::current().setPatience(patience_);
     if (auto* window = qobject_cast<QMainWindow*>(mainWidget_)) {
         new WindowReview(reviewer, *window, *actions_.front(), *queue_); // the window's child
     }

@@ -4,6 +4,7 @@
 #include "frontends/qt/QtFrontend.h"
 #include "frontends/qt/WindowView.h"
 #include "platform/appkit/Presenter.h"
+#include "platform/foundation/Services.h"
 
 #include <memory>
 #include <vector>
@@ -44,6 +45,9 @@ class QtPresenter : public platform::Presenter {
 
     [[nodiscard]] RefreshQueue& queue() const { return *queue_; }
 
+    /// What shows that another program is waited for; null where nobody is asked anything. Owned here.
+    [[nodiscard]] std::shared_ptr<platform::Patience> patience() const { return patience_; }
+
     /// As given to useReviewer; null before.
     [[nodiscard]] const review::Reviewer* reviewer() const { return reviewer_; }
 
@@ -63,6 +67,7 @@ class QtPresenter : public platform::Presenter {
     QtFrontend::Manner manner_;
     std::unique_ptr<RefreshQueue> queue_; ///< null after closeAll
     std::unique_ptr<FrameTimers> timers_;
+    std::shared_ptr<platform::Patience> patience_;
     std::vector<platform::Interface*> interfaces_;
     std::vector<std::unique_ptr<WindowActions>> actions_; ///< outlive the views; one an interface
     std::optional<std::string> panelAnswer_;              ///< of the next open panel, which is not shown then

@@ -11,6 +11,7 @@
 #include "platform/appkit/NSButton.h"
 #include "platform/appkit/NSTextField.h"
 #include "platform/foundation/NSBundle.h"
+#include "platform/foundation/NSString.h"
 #include "platform/foundation/NSUserDefaults.h"
 
 #include <QAction>
@@ -75,6 +76,8 @@ WindowReview::WindowReview(review::Reviewer& reviewer, QMainWindow& window, Wind
     : QObject(&window), reviewer_(reviewer), window_(window), actions_(actions), queue_(queue) {
     addMenu();
     addNotice();
+    addDirectoryNotice();
+    queue.setEventEnded([this] { showDirectoryNotice(); });
     window.installEventFilter(this);
     reviewer.setBlockedHandler([this](const review::Plan& plan) { showBlocked(plan); });
     reviewer.setQuestion([this](const review::Plan& plan) { return ask(plan); });
@@ -87,6 +90,7 @@ WindowReview::~WindowReview() {
     reviewer_.setQuestion(nullptr);
     reviewer_.setBlockedHandler([](const review::Plan&) {}); // nobody is there to read it
     actions_.setUsed(nullptr);
+    queue_.setEventEnded(nullptr);
 }
 
 bool WindowReview::reviewsAll() const {
@@ -94,7 +98,8 @@ bool WindowReview::reviewsAll() const {
 }
 
 bool WindowReview::ask(const review::Plan& plan) {
-    const bool isWorthAsking = !plan.warnings.empty() || (reviewsAll() && !plan.runs.empty());
+    const bool isWorthAsking =
+        !plan.failure.empty() || !plan.warnings.empty() || (reviewsAll() && !plan.runs.empty());
     const auto confirmation = actions_.takeConfirmation();
     if (!isWorthAsking) {
         return !confirmation || WindowActions::isConfirmed(*confirmation);
@@ -178,6 +183,59 @@ void WindowReview::planButtonInUse() {
     showPlan(reviewer_.planPress(*model), &window_);
 }
 
+namespace {
+
+/// A line with a warning and a button beside it, hidden.
+QFrame* makeNotice(const char* name, const QString& text, QPushButton* button) {
+    auto* notice = new QFrame;
+    notice->setObjectName(name);
+    notice->setFrameShape(QFrame::StyledPanel);
+    auto* row = new QHBoxLayout(notice);
+    auto* label = new QLabel(text);
+    label->setTextFormat(Qt::PlainText);
+    label->setWordWrap(true);
+    QPalette warning = label->palette();
+    warning.setColor(QPalette::WindowText, warningColor);
+    label->setPalette(warning);
+    row->addWidget(label, 1);
+    button->setAutoDefault(false);
+    row->addWidget(button);
+    notice->hide();
+    return notice;
+}
+
+} // namespace
+
+void WindowReview::addDirectoryNotice() {
+    // The page stands first, the drawer beside it.
+    const QLayout* central = window_.centralWidget() == nullptr ? nullptr : window_.centralWidget()->layout();
+    const QWidget* page =
+        central == nullptr || central->count() == 0 ? nullptr : central->itemAt(0)->widget();
+    auto* layout = page == nullptr ? nullptr : qobject_cast<QBoxLayout*>(page->layout());
+    if (layout == nullptr) {
+        return;
+    }
+    auto* again = new QPushButton(localized("Try Again"));
+    directoryNotice_ = makeNotice("directoryNotice", {}, again);
+    directoryText_ = directoryNotice_->findChild<QLabel*>();
+    connect(again, &QPushButton::clicked, this,
+            [this] { dispatchUserEvent(queue_, [this] { reviewer_.rereadEverything(); }); });
+    layout->insertWidget(0, directoryNotice_);
+}
+
+void WindowReview::showDirectoryNotice() {
+    if (directoryNotice_ == nullptr) {
+        return;
+    }
+    const std::string problem = review::Reviewer::directoryProblem();
+    if (!problem.empty()) {
+        directoryText_->setText(shown(stringWithFormat(
+            NSLocalizedString("The directory could not be read, so what you see is not all there is: %@."),
+            problem)));
+    }
+    directoryNotice_->setVisible(!problem.empty());
+}
+
 void WindowReview::addNotice() {
     auto* table = window_.findChild<QWidget*>(shareTable);
     int place = 0;
@@ -187,26 +245,19 @@ void WindowReview::addNotice() {
     if (layout == nullptr) {
         return;
     }
-    notice_ = new QFrame;
-    notice_->setObjectName("changedOutside");
-    notice_->setFrameShape(QFrame::StyledPanel);
-    auto* row = new QHBoxLayout(notice_);
-    auto* text = new QLabel(
-        localized("Another program has changed smb.conf since it was read.  What you see here is older."));
-    text->setWordWrap(true);
-    QPalette warning = text->palette();
-    warning.setColor(QPalette::WindowText, warningColor);
-    text->setPalette(warning);
-    row->addWidget(text, 1);
     auto* button = new QPushButton(localized("Read smb.conf Again"));
-    button->setAutoDefault(false);
+    notice_ = makeNotice(
+        "changedOutside",
+        localized("Another program has changed smb.conf since it was read.  What you see here is older."),
+        button);
     connect(button, &QPushButton::clicked, this, [this] { reread(); });
-    row->addWidget(button);
-    notice_->hide();
     layout->insertWidget(place, notice_);
 }
 
 void WindowReview::showNotice() {
+    if (queue_.isHeld()) {
+        return; // an action stands in its middle
+    }
     // A page that shows a part of the file cannot be saved; the file that was edited since may be whole.
     const auto* part = actions_.find<NSTextField>("smbPartNotice");
     if (part != nullptr && !part->stringValue().empty() && reviewer_.hasSMBConfChangedOnDisk()) {

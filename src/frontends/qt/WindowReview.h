@@ -8,12 +8,13 @@
 
 class QAction;
 class QFrame;
+class QLabel;
 class WindowActions;
 
 /// The window's side of the review: asks before an action that holds a warning, has the menu "Changes", says
-/// above the share table when smb.conf was changed by somebody else, and reads it again after a write that
-/// failed, so that no later save carries a change of which the user was told that it had failed. A child of
-/// the main window's widget.
+/// above the share table when smb.conf was changed by somebody else and above all when the directory cannot
+/// be read, and reads smb.conf again after a write that failed, so that no later save carries a change of
+/// which the user was told that it had failed. A child of the main window's widget.
 class WindowReview : public QObject {
   public:
     /// All but `window`, whose child it becomes, are kept.
@@ -32,6 +33,8 @@ class WindowReview : public QObject {
     void addMenu();
     void addNotice();
     void showNotice();
+    void addDirectoryNotice();
+    void showDirectoryNotice();
     void showRemarks();
     void showBlocked(const review::Plan& plan) const;
     void reread();
@@ -44,5 +47,7 @@ class WindowReview : public QObject {
     WindowActions& actions_;
     RefreshQueue& queue_;
     QFrame* notice_ = nullptr;
+    QFrame* directoryNotice_ = nullptr;
+    QLabel* directoryText_ = nullptr;
     QAction* reviewAll_ = nullptr;
 };

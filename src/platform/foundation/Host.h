@@ -70,6 +70,8 @@ class Host {
     /// Puts another presenter in place: a host is made before the front-end that shows it.
     void setPresenter(std::shared_ptr<Presenter> presenter) { services_.presenter = std::move(presenter); }
 
+    void setPatience(std::shared_ptr<Patience> patience) { services_.patience = std::move(patience); }
+
     [[nodiscard]] NSNotificationCenter& notificationCenter();
     [[nodiscard]] NSUserDefaults& userDefaults();
     [[nodiscard]] NSBundle& mainBundle();

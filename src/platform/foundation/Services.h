@@ -91,6 +91,16 @@ class PendingWrites {
     virtual void endAction() = 0;
 };
 
+/// Stands by while something waits for another program: shows what is waited for, and lets the user give up.
+class Patience {
+  public:
+    virtual ~Patience() = default;
+    /// Called many times a second with how long it has waited so far. False: the user has given up.
+    [[nodiscard]] virtual bool keepWaiting(double seconds) = 0;
+    /// It waits no longer.
+    virtual void waitHasEnded() = 0;
+};
+
 /// The services behind the platform's free functions. A host owns all of them; each may be shared with
 /// whoever made it. `authority` and `localDomain` may be left out where nothing uses them, `pendingWrites`
 /// where every change is lasting at once.
@@ -105,6 +115,7 @@ struct Services {
     std::shared_ptr<PendingWrites> pendingWrites;
     std::shared_ptr<Presenter> presenter;
     std::shared_ptr<Computer> computer;             ///< none: the computer is a folder
+    std::shared_ptr<Patience> patience;             ///< none: whatever is waited for is waited for to the end
     std::shared_ptr<FolderForecast> folderForecast; ///< none: folders are as they are
     /// Where what actions have changed is kept, so that it can be taken back; empty: nowhere.
     std::string historyFile;

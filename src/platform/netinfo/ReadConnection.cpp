@@ -1,7 +1,9 @@
 #include "platform/netinfo/ReadConnection.h"
 
+#include "platform/foundation/Host.h"
 #include "platform/netinfo/StoreSchema.h"
 #include "platform/netinfo/StoreUpgrade.h"
+#include "platform/netinfo/StoreWait.h"
 
 #include <chrono>
 #include <filesystem>
@@ -132,7 +134,12 @@ int ReadConnection::waitForWriter(void* connection, int tries) {
     if (tries == 0) {
         self.waitingSince_ = now;
     }
-    if (self.waitSeconds && now - self.waitingSince_ >= *self.waitSeconds) {
+    const double waited = now - self.waitingSince_;
+    self.waitedSeconds_ = static_cast<int>(waited);
+    const Host* host = Host::currentIfAny();
+    const auto patience = host == nullptr ? nullptr : host->services().patience;
+    if ((self.waitSeconds && (waited >= *self.waitSeconds || hasWaitedInVain(self.file_))) ||
+        (patience && !patience->keepWaiting(waited))) {
         return 0;
     }
     std::this_thread::sleep_for(std::chrono::milliseconds(tries < 10 ? 2 : 20));
@@ -194,6 +201,20 @@ int ReadConnection::begin() {
     if (begun_) {
         return SQLITE_OK;
     }
+    waitedSeconds_ = 0;
+    const int error = beginOrCopy();
+    const Host* host = Host::currentIfAny();
+    if (host != nullptr && host->services().patience) {
+        host->services().patience->waitHasEnded();
+    }
+    if ((error & 0xff) == SQLITE_BUSY) {
+        rememberVainWait(file_, waitedSeconds_);
+    }
+    begun_ = error == SQLITE_OK;
+    return error;
+}
+
+int ReadConnection::beginOrCopy() {
     int error = beginHere();
     // A read-only connection that finds a killed writer's journal says that it would have to write.
     // Between that answer and the copy another writer may have put the store in order: the copy then finds no
@@ -205,7 +226,6 @@ int ReadConnection::begin() {
             error = reopened == SQLITE_OK ? beginHere() : reopened;
         }
     }
-    begun_ = error == SQLITE_OK;
     return error;
 }
 

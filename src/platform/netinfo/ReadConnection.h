@@ -25,10 +25,15 @@ class ReadConnection {
 
     [[nodiscard]] sqlite3* database() const { return database_.get(); }
 
-    /// How long calls wait for a writer, in seconds; none: for ever.
+    /// How long calls wait for a writer, in seconds; none: for ever. Where the action under way has waited in
+    /// vain already they do not, and whoever shows what is waited for may end it earlier (Patience).
     std::optional<int> waitSeconds;
 
+    /// For how many whole seconds the last begin() waited.
+    [[nodiscard]] int waitedSeconds() const { return waitedSeconds_; }
+
   private:
+    [[nodiscard]] int beginOrCopy();
     [[nodiscard]] int beginHere();
     [[nodiscard]] int recoverCopy();
     [[nodiscard]] int upgradeCopy();
@@ -39,6 +44,7 @@ class ReadConnection {
     SqliteConnection database_;
     bool begun_ = false;
     double waitingSince_ = 0;
+    int waitedSeconds_ = 0;
 };
 
 } // namespace platform

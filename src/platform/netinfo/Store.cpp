@@ -4,6 +4,7 @@
 #include "platform/netinfo/Sqlite.h"
 #include "platform/netinfo/StoreSchema.h"
 #include "platform/netinfo/StoreUpgrade.h"
+#include "platform/netinfo/StoreWait.h"
 #include "platform/posix/LetterCase.h"
 
 #include <algorithm>
@@ -56,34 +57,6 @@ std::uint32_t headerNumber(std::span<const char> header, std::size_t offset) {
         number = number << 8U | static_cast<unsigned char>(each);
     }
     return number;
-}
-
-/// SQLite answers a missing file and a forbidden one alike, and people need to know which it is.
-std::string reason(const std::string& file, int error, int patience) {
-    std::error_code ignored;
-    switch (error & 0xff) {
-    case SQLITE_BUSY:
-    case SQLITE_LOCKED:
-        return (patience > 0
-                    ? "another program has been using it for " + std::to_string(patience) + " seconds"
-                    : std::string("another program is using it")) +
-               "; try again when it has ended";
-    case SQLITE_NOTADB:
-    case SQLITE_CORRUPT:
-        return "it is damaged or no directory; restore it from a copy, or move it away to have a new one "
-               "made";
-    case SQLITE_FULL:
-        return "the disk is full; make room and try again";
-    case SQLITE_READONLY:
-    case SQLITE_PERM:
-        return "it may only be read; allow writing to it and its folder";
-    case SQLITE_CANTOPEN:
-        return std::filesystem::exists(file, ignored)
-                   ? "it cannot be opened; check who may read and write it and its folder"
-                   : "it does not exist; start brindle once to have it made";
-    default:
-        return std::string(sqlite3_errstr(error)) + "; check the disk that holds it";
-    }
 }
 
 /// The first property of that name; a new one at the end when there is none.
@@ -184,7 +157,7 @@ void Store::change(std::string_view sql, const Values&... values) {
 
 void Store::check(int error) {
     if (error != SQLITE_OK) {
-        fail(reason(file_, error, patience_));
+        fail(storeProblem(file_, error, patience_));
     }
 }
 

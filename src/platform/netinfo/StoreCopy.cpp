@@ -1,6 +1,7 @@
 #include "platform/netinfo/StoreCopy.h"
 
 #include "platform/netinfo/ReadConnection.h"
+#include "platform/netinfo/StoreWait.h"
 
 namespace platform {
 
@@ -41,7 +42,8 @@ Status copyStore(const std::string& from, const std::string& to, int waitSeconds
         }
     }
     return error == SQLITE_OK ? Status()
-                              : Status::failure("cannot copy the directory", from, sqlite3_errstr(error));
+                              : Status::failure("cannot read the directory", from,
+                                                storeProblem(from, error, source.waitedSeconds()));
 }
 
 } // namespace platform

@@ -4,6 +4,7 @@
 #include "platform/netinfo/LocalDomain.h"
 #include "platform/netinfo/ReadConnection.h"
 #include "platform/netinfo/RecordBlock.h"
+#include "platform/netinfo/StoreWait.h"
 
 #include <algorithm>
 #include <array>
@@ -39,28 +40,6 @@ struct ni_domain {
 };
 
 namespace {
-
-/// The store that somebody held for longer than a reader waited, and in which action that was: an action
-/// reads the directory many times, and waits for it once.
-struct FailedWait {
-    std::string file;
-    std::uint64_t action = 0;
-};
-
-bool hasWaitedInVain(const std::string& file) {
-    platform::Host* host = platform::Host::currentIfAny();
-    if (host == nullptr) {
-        return false;
-    }
-    const FailedWait& failed = host->sharedInstance<FailedWait>();
-    return failed.file == file && failed.action == host->endedActions();
-}
-
-void rememberFailedWait(const std::string& file) {
-    if (platform::Host* host = platform::Host::currentIfAny()) {
-        host->sharedInstance<FailedWait>() = {file, host->endedActions()};
-    }
-}
 
 ni_status statusOf(int sqliteError) {
     switch (sqliteError & 0xff) {
@@ -204,7 +183,7 @@ ni_status readChildren(ni_domain& domain, std::uint32_t parent, const platform::
 
 void ni_domain::applyTimeout() {
     if (aborts) {
-        connection.waitSeconds = hasWaitedInVain(file) ? 0 : readTimeout;
+        connection.waitSeconds = readTimeout;
     } else {
         connection.waitSeconds.reset();
     }
@@ -212,10 +191,8 @@ void ni_domain::applyTimeout() {
 
 int ni_domain::begin() {
     const int error = connection.begin();
-    if ((error & 0xff) == SQLITE_BUSY) {
-        rememberFailedWait(file);
-        applyTimeout();
-    }
+    platform::setDirectoryProblem(
+        error == SQLITE_OK ? "" : platform::storeProblem(file, error, connection.waitedSeconds()));
     return error;
 }
 

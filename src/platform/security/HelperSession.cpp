@@ -1,5 +1,6 @@
 #include "platform/security/HelperSession.h"
 
+#include "platform/foundation/Host.h"
 #include "platform/posix/InputOutput.h"
 #include "platform/posix/Secret.h"
 #include "platform/security/HelperProtocol.h"
@@ -8,9 +9,16 @@
 #include <csignal>
 #include <utility>
 
+#include <poll.h>
 #include <unistd.h>
 
 namespace platform {
+
+namespace {
+
+constexpr int tryAgain = 20; // milliseconds
+
+} // namespace
 
 HelperSession::HelperSession(std::vector<std::string> command, std::chrono::milliseconds patience)
     : command_(std::move(command)), patience_(patience) {}
@@ -20,7 +28,7 @@ HelperSession::~HelperSession() {
 }
 
 OSStatus HelperSession::run(const std::string& tool, std::span<const std::string> arguments, int* output) {
-    auto frame = helperRequest(tool, arguments, frameHeaderSize);
+    auto frame = isGivenUp_ ? std::nullopt : helperRequest(tool, arguments, frameHeaderSize);
     if (!frame) {
         return errAuthorizationToolExecuteFailure;
     }
@@ -77,6 +85,11 @@ Status HelperSession::settle() {
 }
 
 void HelperSession::end() {
+    isGivenUp_ = false;
+    letGo();
+}
+
+void HelperSession::letGo() {
     holdsChanges_ = false;
     if (!helper_) {
         return;
@@ -93,7 +106,7 @@ void HelperSession::giveUp() {
     if (std::exchange(holdsChanges_, false)) {
         lost_ = "the helper has ended too early; try again";
     }
-    end();
+    letGo();
 }
 
 Result<std::optional<HelperSession::Answer>> HelperSession::ask(std::string_view frame) {
@@ -106,6 +119,11 @@ Result<std::optional<HelperSession::Answer>> HelperSession::ask(std::string_view
     const HelperStart start = handOver(*helper_, frame, HelperInput::StaysOpen, patience_);
     if (start == HelperStart::Refused) {
         return std::optional<Answer>();
+    }
+    if (start == HelperStart::Started && !isAnswered()) {
+        isGivenUp_ = true;
+        giveUp();
+        return Status::failure("cannot wait for", command_.front(), "it was given up");
     }
     auto answer = start == HelperStart::Started
                       ? readAnswer()
@@ -136,6 +154,24 @@ Result<HelperSession::Answer> HelperSession::readAnswer() const {
     }
     answer.status = static_cast<unsigned char>(exitStatus);
     return status.isOk() ? Result<Answer>(std::move(answer)) : status;
+}
+
+bool HelperSession::isAnswered() const {
+    const Host* host = Host::currentIfAny();
+    const auto patience = host == nullptr ? nullptr : host->services().patience;
+    const auto since = std::chrono::steady_clock::now();
+    bool isAnswered = true;
+    for (pollfd answer{helper_->output.get(), POLLIN, 0}; patience && ::poll(&answer, 1, tryAgain) == 0;) {
+        const std::chrono::duration<double> waited = std::chrono::steady_clock::now() - since;
+        isAnswered = patience->keepWaiting(waited.count());
+        if (!isAnswered) {
+            break;
+        }
+    }
+    if (patience) {
+        patience->waitHasEnded();
+    }
+    return isAnswered;
 }
 
 Status HelperSession::read(std::span<char> bytes) const {

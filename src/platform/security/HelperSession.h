@@ -43,7 +43,7 @@ class HelperSession {
     /// commit.
     [[nodiscard]] Status settle();
 
-    /// Lets the helper go, waiting for its end.
+    /// Ends the action: lets the helper go, waiting for its end.
     void end();
 
   private:
@@ -57,8 +57,11 @@ class HelperSession {
     [[nodiscard]] Result<std::optional<Answer>> ask(std::string_view frame);
     [[nodiscard]] Result<Answer> readAnswer() const;
     [[nodiscard]] Status read(std::span<char> bytes) const;
+    /// Waits for something to read; false: the user has given up.
+    [[nodiscard]] bool isAnswered() const;
     /// The helper cannot be talked to any more.
     void giveUp();
+    void letGo();
 
     std::vector<std::string> command_;
     std::chrono::milliseconds patience_;
@@ -66,6 +69,7 @@ class HelperSession {
     bool holdsChanges_ = false; ///< the directory's tools have run since the last commit
     std::string lost_;          ///< why their changes are gone
     bool wasDenied_ = false;    ///< what stands before the helper has refused to start it
+    bool isGivenUp_ = false;    ///< the user has given up waiting: the rest of the action is not begun
 };
 
 } // namespace platform

@@ -1,0 +1,167 @@
+#include "platform/netinfo/StoreWait.h"
+
+#include "platform/foundation/Host.h"
+#include "platform/foundation/NSLog.h"
+
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <system_error>
+#include <utility>
+
+#include <sqlite3.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace platform {
+
+namespace {
+
+/// SQLite's locks stand on bytes of their own, from this offset on (https://www.sqlite.org/fileformat.html).
+constexpr unsigned long long firstLockByte = 0x40000000;
+constexpr unsigned long long lockBytes = 512;
+
+/// The store that somebody held for longer than was waited, and in which action that was.
+struct VainWait {
+    std::string file;
+    std::uint64_t action = 0;
+};
+
+struct DirectoryProblem {
+    std::string text;
+};
+
+/// A lock as the system lists it; see proc_locks(5).
+struct FileLock {
+    bool isWriting = false;
+    bool isWaitedFor = true; ///< false: it waits itself
+    pid_t holder = 0;
+    unsigned long long inode = 0;
+    unsigned long long firstByte = 0;
+};
+
+/// "1: POSIX  ADVISORY  WRITE 708 08:02:131 1073741824 1073742335"
+FileLock parsedLock(const std::string& line) {
+    std::istringstream words(line);
+    std::string number;
+    std::string kind;
+    std::string manner;
+    std::string access;
+    std::string place;
+    FileLock lock;
+    words >> number >> kind;
+    lock.isWaitedFor = kind != "->";
+    if (!lock.isWaitedFor) {
+        words >> kind;
+    }
+    words >> manner >> access >> lock.holder >> place >> lock.firstByte;
+    lock.isWriting = access == "WRITE";
+    std::istringstream(place.substr(place.rfind(':') + 1)) >> lock.inode;
+    return lock;
+}
+
+/// Empty for a process that cannot be seen.
+std::string programOf(pid_t process) {
+    std::ifstream in("/proc/" + std::to_string(process) + "/comm");
+    std::string name;
+    std::getline(in, name);
+    return name;
+}
+
+/// A process that serves this one.
+bool isOwn(pid_t process) {
+    std::ifstream in("/proc/" + std::to_string(process) + "/status");
+    std::string word;
+    pid_t parent = 0;
+    while (in >> word) {
+        if (word == "PPid:") {
+            in >> parent;
+            break;
+        }
+    }
+    return process == ::getpid() || parent == ::getpid();
+}
+
+} // namespace
+
+std::string storeHolder(const std::string& file) {
+    struct stat status {};
+
+    if (::stat(file.c_str(), &status) != 0) {
+        return {};
+    }
+    std::ifstream locks("/proc/locks");
+    std::string holder;
+    std::string line;
+    while (std::getline(locks, line)) {
+        const FileLock lock = parsedLock(line);
+        const bool isStoreLock = lock.inode == status.st_ino && lock.firstByte >= firstLockByte &&
+                                 lock.firstByte < firstLockByte + lockBytes;
+        if (!isStoreLock || !lock.isWaitedFor || isOwn(lock.holder) || (!holder.empty() && !lock.isWriting)) {
+            continue;
+        }
+        if (const std::string program = programOf(lock.holder); !program.empty()) {
+            holder = program + " (process " + std::to_string(lock.holder) + ")";
+        }
+    }
+    return holder;
+}
+
+std::string storeProblem(const std::string& file, int error, int waited) {
+    std::error_code ignored;
+    switch (error & 0xff) {
+    case SQLITE_BUSY:
+    case SQLITE_LOCKED: {
+        const std::string known = storeHolder(file);
+        const std::string holder = known.empty() ? "another program" : known;
+        return (waited > 0 ? holder + " has been using it for " + std::to_string(waited) + " seconds"
+                           : holder + " is using it") +
+               "; try again when it has ended";
+    }
+    case SQLITE_NOTADB:
+    case SQLITE_CORRUPT:
+        return "it is damaged or no directory; restore it from a copy, or move it away to have a new one "
+               "made";
+    case SQLITE_FULL:
+        return "the disk is full; make room and try again";
+    case SQLITE_READONLY:
+    case SQLITE_PERM:
+        return "it may only be read; allow writing to it and its folder";
+    case SQLITE_CANTOPEN:
+        return std::filesystem::exists(file, ignored)
+                   ? "it cannot be opened; check who may read and write it and its folder"
+                   : "it does not exist; start brindle once to have it made";
+    default:
+        return std::string(sqlite3_errstr(error)) + "; check the disk that holds it";
+    }
+}
+
+bool hasWaitedInVain(const std::string& file) {
+    Host* host = Host::currentIfAny();
+    if (host == nullptr) {
+        return false;
+    }
+    const VainWait& failed = host->sharedInstance<VainWait>();
+    return failed.file == file && failed.action == host->endedActions();
+}
+
+void rememberVainWait(const std::string& file, int waited) {
+    Host* host = Host::currentIfAny();
+    if (host == nullptr || hasWaitedInVain(file)) {
+        return;
+    }
+    host->sharedInstance<VainWait>() = {file, host->endedActions()};
+    NSLog("The directory %@ cannot be used: %@.", file, storeProblem(file, SQLITE_BUSY, waited));
+}
+
+const std::string& directoryProblem() {
+    return Host::current().sharedInstance<DirectoryProblem>().text;
+}
+
+void setDirectoryProblem(std::string problem) {
+    if (Host* host = Host::currentIfAny()) {
+        host->sharedInstance<DirectoryProblem>().text = std::move(problem);
+    }
+}
+
+} // namespace platform
