@@ -1,21 +1,273 @@
-// Brindle on the computer itself. Each test has a computer of its own, which is gone when it ends.
+// Brindle on the computer itself: on copies of its accounts, which are gone when the program ends.
 
+#include "platform/posix/Process.h"
 #include "support/OwnComputer.h"
 #include "support/Subprocess.h"
+#include "support/TestHost.h"
+#include "tools/DirectoryTools.h"
+
+#include <algorithm>
+#include <initializer_list>
+#include <string>
+#include <utility>
+#include <vector>
 
 #include <gtest/gtest.h>
-
-#include <string>
+#include <sys/wait.h>
+#include <unistd.h>
 
 namespace {
 
-/// The accounts of the computer that the test has for itself.
-class SystemAccounts : public OwnComputer {};
+using Words = std::vector<std::string>;
 
-TEST_F(SystemAccounts, AreNotThoseOfTheComputerThatRunsTheTests) {
-    const Finished made = runProgram({"/usr/sbin/useradd", "-l", "-M", "-N", "-u", "1501", "scratch"});
-    EXPECT_EQ(made.status, 0) << made.errors; // whoever started this looks whether the real ones stay
-    EXPECT_NE(contents("/etc/passwd").find("\nscratch:x:1501:"), std::string::npos);
+constexpr uid_t kAdministrator = 1400;
+
+/// What runs said, one after another.
+std::string said(std::initializer_list<std::string> runs) {
+    std::string text;
+    for (const std::string& run : runs) {
+        text += run;
+    }
+    return text;
+}
+
+bool contains(const std::string& text, const std::string& part) {
+    return text.find(part) != std::string::npos;
+}
+
+/// The accounts of the computer that the test has for itself.
+class SystemAccounts : public OwnComputer {
+  protected:
+    static std::string nicl(Words words) {
+        words.insert(words.begin(), ".");
+        return runNicl(place(), words).output;
+    }
+
+    static std::string dscl(const std::string& name, const std::string& password) {
+        return runDscl(place(), Words{".", "-passwd", "/Users/" + name, password}).output;
+    }
+
+    /// The runs with which the application makes a user, up to the first that complains.
+    static std::string makeUser(const std::string& name, const std::string& uid, const std::string& gid) {
+        const std::string path = "/users/" + name;
+        std::string complaint = nicl({"-create", path});
+        for (const auto& [property, value] :
+             std::vector<std::pair<std::string, std::string>>{{"realname", "Alice A"},
+                                                              {"gid", gid},
+                                                              {"uid", uid},
+                                                              {"sharedDir", "Public"},
+                                                              {"hint", ""},
+                                                              {"home", "/dev/null"},
+                                                              {"passwd", "!"},
+                                                              {"shell", "/sbin/nologin"}}) {
+            if (complaint.empty()) {
+                complaint = value.empty() ? nicl({"-create", path, property})
+                                          : nicl({"-create", path, property, value});
+            }
+        }
+        return complaint;
+    }
+
+    static std::string makeGroup(const std::string& name, const std::string& gid) {
+        const std::string path = "/groups/" + name;
+        return said({nicl({"-create", path}), nicl({"-create", path, "gid", gid}),
+                     nicl({"-create", path, "passwd", "*"}), nicl({"-create", path, "users"})});
+    }
+
+    /// The values of a record, "name: alice" a line; empty where there is no record.
+    static std::string record(const std::string& path) {
+        const Finished read = runProgram({kPrograms + "/niutil", "--system", "-read", ".", path});
+        return read.status == 0 ? read.output : "";
+    }
+
+    static std::string line(const std::string& file, const std::string& name) {
+        const std::string text = "\n" + contents(file);
+        const std::size_t start = text.find("\n" + name + ":");
+        return start == std::string::npos ? ""
+                                          : text.substr(start + 1, text.find('\n', start + 1) - start - 1);
+    }
+
+    static std::string sambaAccounts() { return runProgram({"/usr/bin/pdbedit", "-L", "-w"}).output; }
+
+    /// All that the computer knows of its accounts, and what its own tools say of them.
+    static std::string accounts() {
+        std::string text;
+        for (const char* file :
+             {"/etc/passwd", "/etc/group", "/etc/shadow", "/etc/gshadow", "/etc/subuid", "/etc/subgid"}) {
+            text += contents(file);
+        }
+        for (const char* checker : {"/usr/sbin/pwck", "/usr/sbin/grpck"}) {
+            const Finished checked = runProgram({checker, "-r"});
+            text += checked.output + checked.errors;
+        }
+        return text + sambaAccounts();
+    }
+
+    static DirectoryPlace place() {
+        return DirectoryPlace::ofComputer(platform::SystemFiles(), kAdministrator);
+    }
+
+    static inline const std::string kPrograms = BRINDLE_PROGRAMS;
+};
+
+TEST_F(SystemAccounts, AreMadeChangedAndTakenAwayAsTheComputersOwn) {
+    const std::string before = accounts();
+    EXPECT_EQ(makeGroup("team", "1600"), "");
+    EXPECT_EQ(said({nicl({"-create", "/users/alice"}), nicl({"-create", "/users/alice", "gid", "1600"})}),
+              "");
+    EXPECT_EQ(record("/users/alice"), "") << "it is listed when it is whole";
+    EXPECT_EQ(makeUser("alice", "1501", "1600"), "");
+    EXPECT_EQ(line("/etc/passwd", "alice"), "alice:x:1501:1600:Alice A:/dev/null:/sbin/nologin");
+    EXPECT_TRUE(line("/etc/shadow", "alice").starts_with("alice:!:"));
+    EXPECT_EQ(record("/users/alice"),
+              "name: alice\nuid: 1501\ngid: 1600\nrealname: Alice A\nhome: /dev/null\nshell: "
+              "/sbin/nologin\npasswd: *\nsharedDir: Public\nhint:\n");
+    EXPECT_EQ(makeUser("bob", "70501", "1600"), "");
+    EXPECT_EQ(nicl({"-append", "/groups/team", "users", "alice"}), "");
+    EXPECT_EQ(nicl({"-append", "/groups/team", "users", "bob", "alice"}), "");
+    EXPECT_EQ(line("/etc/group", "team"), "team:x:1600:alice,bob");
+    EXPECT_EQ(nicl({"-delete", "/groups/team", "users", "alice"}), "");
+    EXPECT_TRUE(contains(nicl({"-delete", "/groups/team", "users", "alice"}), "has no value alice"));
+    EXPECT_TRUE(contains(nicl({"-append", "/groups/team", "users", "nobody else"}), "does not exist"));
+    EXPECT_EQ(line("/etc/group", "team"), "team:x:1600:bob");
+    EXPECT_EQ(nicl({"-create", "/users/alice", "realname", "Alice B"}), "");
+    EXPECT_EQ(line("/etc/passwd", "alice"), "alice:x:1501:1600:Alice B:/dev/null:/sbin/nologin");
+    EXPECT_TRUE(contains(nicl({"-delete", "/groups/team"}), "primary group"));
+    EXPECT_EQ(said({nicl({"-delete", "/users/alice"}), nicl({"-delete", "/users/bob"})}), "");
+    EXPECT_EQ(nicl({"-delete", "/groups/team", "users", "bob"}), "") << "who is gone has left the group";
+    EXPECT_EQ(nicl({"-delete", "/groups/team"}), "");
+    EXPECT_EQ(accounts(), before);
+}
+
+TEST_F(SystemAccounts, KeepTheirPasswordAndWhatStandsBesideTheirLineWhenTheyAreRenamedAndRenumbered) {
+    const std::string before = accounts();
+    EXPECT_TRUE(contains(dscl("alice", "secret"), "there is no such user"));
+    EXPECT_EQ(said({makeGroup("team", "1600"), makeUser("alice", "1501", "1600")}), "");
+    EXPECT_TRUE(contains(dscl("alice", ""), "choose one"));
+    EXPECT_EQ(dscl("alice", "secret"), "");
+    EXPECT_TRUE(line("/etc/shadow", "alice").starts_with("alice:$"));
+    const std::string samba = sambaAccounts();
+    ASSERT_TRUE(samba.starts_with("alice:1501:")) << samba;
+    EXPECT_EQ(nicl({"-create", "/users/alice", "uid", "1502"}), "");
+    EXPECT_EQ(nicl({"-create", "/users/alice", "name", "eve"}), "");
+    EXPECT_EQ(sambaAccounts(), "eve:1502:" + samba.substr(std::string("alice:1501:").size()));
+    EXPECT_TRUE(line("/etc/shadow", "eve").starts_with("eve:$"));
+    EXPECT_EQ(line("/etc/passwd", "eve"), "eve:x:1502:1600:Alice A:/dev/null:/sbin/nologin");
+    EXPECT_TRUE(contains(record("/users/eve"), "sharedDir: Public\n"));
+    EXPECT_EQ(nicl({"-append", "/groups/team", "users", "eve"}), "");
+    EXPECT_EQ(nicl({"-create", "/groups/team", "hint", "h"}), "");
+    EXPECT_EQ(nicl({"-create", "/groups/team", "gid", "1601"}), "");
+    EXPECT_EQ(nicl({"-create", "/groups/team", "name", "crew"}), "");
+    EXPECT_EQ(record("/groups/crew"), "name: crew\ngid: 1601\npasswd: *\nusers: eve\nhint: h\n");
+    EXPECT_TRUE(contains(line("/etc/passwd", "eve"), ":1601:")) << "it is still her group";
+    EXPECT_EQ(said({nicl({"-delete", "/users/eve"}), nicl({"-delete", "/groups/crew"})}), "");
+    EXPECT_EQ(accounts(), before);
+}
+
+TEST_F(SystemAccounts, StayAsTheyAreWhereBrindleMayNotOrCannotChangeThem) {
+    ASSERT_EQ(runProgram({"/usr/sbin/useradd", "-l", "-u", "1400", "boss"}).status, 0);
+    ASSERT_EQ(runProgram({"/usr/sbin/useradd", "-l", "-u", "1401", "guest"}).status, 0);
+    EXPECT_EQ(said({nicl({"-create", "/users/new"}), nicl({"-create", "/users/new", "gid", "1401"})}), "");
+    const std::string before = accounts();
+    const std::vector<std::pair<Words, std::string>> cases = {
+        {{"-delete", "/users/root"}, "the system itself needs"},
+        {{"-create", "/users/nobody", "uid", "1444"}, "the system itself needs"},
+        {{"-create", "/users/daemon", "name", "demon"}, "an account of the system"},
+        {{"-create", "/users/daemon", "realname", "D"}, "from 1000 on"},
+        {{"-delete", "/users/boss"}, "the user who runs Brindle"},
+        {{"-create", "/users/boss", "name", "chief"}, "the user who runs Brindle"},
+        {{"-create", "/users/guest", "name", "boss"}, "there is an account called boss"},
+        {{"-create", "/users/guest", "name", "BOSS"}, "the case of letters"},
+        {{"-create", "/users/Guest"}, "the case of letters"},
+        {{"-create", "/users/guest", "uid", "0"}, "choose another one"},
+        {{"-create", "/users/guest", "uid", "1400"}, "already exists"},
+        {{"-create", "/users/guest", "uid", "-1"}, "give one"},
+        {{"-create", "/users/guest", "gid", "0"}, "administer the computer"},
+        {{"-create", "/users/guest", "gid", "4711"}, "does not exist"},
+        {{"-create", "/users/guest", "realname", "G, Guest"}, "leave it out"},
+        {{"-create", "/users/guest", "passwd", "x"}, "dscl"},
+        {{"-append", "/users/guest", "shell", "/bin/sh"}, "-create"},
+        {{"-create", "/users/guest", "_brindle_account", "made"}, "for itself"},
+        {{"-create", "/users/new", "uid", "0"}, "choose another one"},
+        {{"-create", "/users/new", "uid", "1400"}, "not unique"},
+        {{"-create", "/users/none", "uid", "1444"}, "no such record"},
+        {{"-delete", "/users/none"}, "nothing was deleted"},
+        {{"-append", "/groups/admin", "users", "guest"}, "sudo"},
+        {{"-create", "/groups/admin"}, "sudo"},
+        {{"-append", "/groups/sudo", "users", "guest"}, "a group of the system"},
+        {{"-append", "/groups/daemon", "users", "guest"}, "a group of the system"},
+        {{"-delete", "/groups/daemon"}, "a group of the system"},
+        {{"-create", "/groups/guest", "name", "boss"}, "there is an account called boss"},
+    };
+    for (const auto& [words, part] : cases) {
+        const std::string complaint = nicl(words);
+        EXPECT_TRUE(contains(complaint, part)) << words[0] << " " << words[1] << ": " << complaint;
+        EXPECT_EQ(std::ranges::count(complaint, '\n'), 1) << complaint;
+    }
+    for (const char* name : {"root", "daemon"}) {
+        EXPECT_NE(dscl(name, "secret"), "") << name;
+    }
+    EXPECT_EQ(accounts(), before);
+    EXPECT_EQ(nicl({"-create", "/users/root", "sharedDir", "Public"}), "");
+    EXPECT_TRUE(contains(record("/users/root"), "sharedDir: Public\n"));
+    EXPECT_EQ(nicl({"-create", "/users/root", "uid", "0"}), "") << "nothing is to be changed";
+    EXPECT_EQ(nicl({"-create", "/users/new", "uid", "501"}), "") << "a number that nobody has";
+    EXPECT_EQ(nicl({"-create", "/users/new", "realname", "N"}), "") << "Brindle has made it";
+}
+
+TEST_F(SystemAccounts, InheritNothingFromAnAccountThatIsGone) {
+    EXPECT_EQ(said({makeGroup("team", "1600"), makeUser("alice", "1501", "1600")}), "");
+    ASSERT_EQ(runProgram({"/usr/sbin/userdel", "alice"}).status, 0); // by somebody else
+    EXPECT_EQ(nicl({"-create", "/users/alice"}), "");
+    EXPECT_EQ(nicl({"-create", "/users/alice", "home", "/half"}), "");
+    EXPECT_EQ(nicl({"-create", "/users/alice"}), "") << "the one before never became whole";
+    EXPECT_EQ(nicl({"-create", "/users/alice", "uid", "1501"}), "");
+    EXPECT_EQ(nicl({"-create", "/users/alice", "gid", "1600"}), "");
+    EXPECT_EQ(record("/users/alice"),
+              "name: alice\nuid: 1501\ngid: 1600\nrealname: \nhome: /dev/null\nshell: "
+              "/sbin/nologin\npasswd: *\n");
+}
+
+TEST_F(SystemAccounts, AreChangedByOneRunAfterAnother) {
+    constexpr int writers = 4;
+    std::vector<pid_t> children;
+    for (int writer = 0; writer < writers; ++writer) { // the first of all makes the store
+        const std::string number = std::to_string(writer);
+        if (children.emplace_back(::fork()) == 0) {
+            ::_exit(makeGroup("team" + number, "161" + number).empty() &&
+                            nicl({"-create", "/config/Brindle/share" + number}).empty()
+                        ? 0
+                        : 1);
+        }
+    }
+    for (const pid_t child : children) {
+        int status = 1;
+        EXPECT_TRUE(::waitpid(child, &status, 0) == child && status == 0);
+    }
+    for (int writer = 0; writer < writers; ++writer) {
+        EXPECT_NE(line("/etc/group", "team" + std::to_string(writer)), "");
+        EXPECT_NE(record("/config/Brindle/share" + std::to_string(writer)), "");
+    }
+}
+
+TEST_F(SystemAccounts, AreWrittenByTheHelperForTheUserWhoCalledSudo) {
+    const auto request = [](const Words& words, const std::string& user) {
+        std::string text;
+        for (const std::string& word : words) {
+            text += word + '\0';
+        }
+        return runProgram({kPrograms + "/brindle-helper", "--system"}, text, {"SUDO_UID=" + user});
+    };
+    ASSERT_EQ(runProgram({"/usr/sbin/useradd", "-l", "-u", "1410", "chief"}).status, 0);
+    const Words remove = {"/usr/bin/nicl", ".", "-delete", "/users/chief"};
+    EXPECT_TRUE(contains(request(remove, "1410").output, "the user who runs Brindle"));
+    EXPECT_EQ(request({"/usr/bin/dscl", ".", "-passwd", "/Users/chief", "s3cret pass:word"}, "1410").output,
+              "\x06");
+    EXPECT_TRUE(line("/etc/shadow", "chief").starts_with("chief:$"));
+    EXPECT_TRUE(sambaAccounts().starts_with("chief:1410:"));
+    EXPECT_EQ(request(remove, "1411").output, "\x06");
+    EXPECT_EQ(line("/etc/passwd", "chief"), "");
+    EXPECT_EQ(sambaAccounts(), "");
 }
 
 } // namespace

@@ -12,7 +12,8 @@
 /// The directory while run after run of nicl changes it, all in one transaction. The first run opens the
 /// store, and from then on nobody else reads or writes it until the commit. A run that fails leaves nothing
 /// of its own, and what the runs before it did as it is; only a failure of the disk takes all of them back.
-/// What was not committed is taken back at the end.
+/// What was not committed is taken back at the end. On this computer itself each run is done when it ends:
+/// its accounts know no transactions.
 class DirectorySession {
   public:
     explicit DirectorySession(DirectoryPlace place);

@@ -1,11 +1,15 @@
 #pragma once
 
+#include "platform/host/SystemFiles.h"
 #include "platform/netinfo/Store.h"
 
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
 #include <utility>
+
+#include <sys/types.h>
 
 // The directory's tools as functions, so that the programs, the helper and the tests run the same code. A
 // tool that cannot do what it was asked has changed nothing and says in one line what failed, on what, and
@@ -19,8 +23,18 @@ struct DirectoryPlace {
     /// The store of the embedded root at `rootFolder`; changes to accounts reach the root's file server too.
     [[nodiscard]] static DirectoryPlace ofRoot(const std::string& rootFolder);
 
+    /// This computer itself: its accounts, and the store for what they cannot hold. `user` is who runs
+    /// Brindle.
+    [[nodiscard]] static DirectoryPlace ofComputer(platform::SystemFiles files, uid_t user);
+
+    struct Computer {
+        platform::SystemFiles files;
+        uid_t user = 0;
+    };
+
     std::string storeFile;
-    std::string root;           ///< empty for a store alone
+    std::string root; ///< empty for a store alone and for this computer
+    std::optional<Computer> computer;
     bool keepsPasswords = true; ///< false: dscl checks its request and the user, and sets nothing
     int waitSeconds = platform::Store::waitSeconds;
 };

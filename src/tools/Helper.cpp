@@ -32,26 +32,25 @@ HelperResult wrongArguments(const std::string& tool, const char* usage) {
     return said(tool, Status::failure("wrong arguments", {}, std::string("use ") + usage));
 }
 
-/// What needs the computer's own directory or settings is not served there yet; doing half of it would be
-/// worse.
+/// What needs the computer's own settings is not served there yet; doing half of it would be worse.
 HelperResult notOnThisComputer(const std::string& tool) {
     return said(tool,
                 Status::failure("cannot serve", "--system", "is not built yet; use Brindle without it"));
 }
 
+DirectoryPlace directoryOf(const HelperPlace& place) {
+    return place.root.empty()
+               ? DirectoryPlace::ofComputer(platform::SystemFiles(place.systemPrefix), place.user)
+               : DirectoryPlace::ofRoot(place.root);
+}
+
 HelperResult nicl(const HelperPlace& place, Arguments arguments) {
-    if (place.root.empty()) {
-        return notOnThisComputer("nicl");
-    }
-    ToolResult result = runNicl(DirectoryPlace::ofRoot(place.root), arguments);
+    ToolResult result = runNicl(directoryOf(place), arguments);
     return {std::move(result.output), "", result.status};
 }
 
 HelperResult dscl(const HelperPlace& place, Arguments arguments) {
-    if (place.root.empty()) {
-        return notOnThisComputer("dscl");
-    }
-    ToolResult result = runDscl(DirectoryPlace::ofRoot(place.root), arguments);
+    ToolResult result = runDscl(directoryOf(place), arguments);
     return {std::move(result.output), "", result.status};
 }
 

@@ -7,9 +7,9 @@
 #include "platform/security/HelperProtocol.h"
 #include "tools/Helper.h"
 #include "tools/HelperComplaint.h"
+#include "tools/SudoUser.h"
 
 #include <cerrno>
-#include <charconv>
 #include <csignal>
 #include <cstdlib>
 #include <exception>
@@ -44,18 +44,6 @@ void say(int descriptor, std::string_view text) {
 int refuse(const std::string& why) {
     say(STDERR_FILENO, "brindle-helper: " + why + "\n");
     return notStarted;
-}
-
-/// The user who called sudo; none when sudo did not start this.
-std::optional<uid_t> sudoUser() {
-    const char* const text = std::getenv("SUDO_UID");
-    if (text == nullptr) {
-        return std::nullopt;
-    }
-    uid_t user = 0;
-    const std::string_view digits(text);
-    const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), user);
-    return error == std::errc() && end == digits.data() + digits.size() ? std::optional(user) : std::nullopt;
 }
 
 /// Why the options are not served; empty when they are, and `place` says then what to work on.

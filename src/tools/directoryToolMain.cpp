@@ -5,6 +5,7 @@
 #include "platform/netinfo/LocalDomain.h"
 #include "platform/posix/Secret.h"
 #include "tools/DirectoryTools.h"
+#include "tools/SudoUser.h"
 #include "tools/ToolText.h"
 
 #include <algorithm>
@@ -14,6 +15,8 @@
 #include <string_view>
 #include <utility>
 #include <vector>
+
+#include <unistd.h>
 
 namespace {
 
@@ -43,28 +46,58 @@ class ErrorLog : public platform::Log {
 
 class FileDomain : public platform::LocalDomain {
   public:
-    explicit FileDomain(std::string file) : file_(std::move(file)) {}
+    explicit FileDomain(const DirectoryPlace& place) : file_(place.storeFile) {
+        if (place.computer) {
+            accounts_.emplace();
+        }
+    }
 
     [[nodiscard]] std::string storeFile() const override { return file_; }
 
+    [[nodiscard]] std::optional<platform::AccountFiles> accountFiles() const override { return accounts_; }
+
   private:
     std::string file_;
+    std::optional<platform::AccountFiles> accounts_;
 };
 
-ToolResult run(std::string_view tool, const std::string& rootFolder, std::span<const std::string> arguments) {
-    const DirectoryPlace place = DirectoryPlace::ofRoot(rootFolder);
-    if (platform::Status status = platform::EmbeddedRoot(rootFolder).makeIfMissing(); !status.isOk()) {
-        return {oneLine(std::string(tool) + ": " + status.text()), 1};
+/// Who called sudo, else who runs this.
+uid_t caller() {
+    return sudoUser().value_or(::getuid());
+}
+
+/// The directory that the options name, made first where it can be; the complaint where it cannot.
+platform::Result<DirectoryPlace> placeOf(const platform::HostOptions& options, bool writes) {
+    if (options.system) {
+        if (writes && ::geteuid() != 0) {
+            return platform::Status::failure("cannot change", "this computer",
+                                             "only its administrator can; run this through sudo");
+        }
+        return DirectoryPlace::ofComputer(platform::SystemFiles(options.root), caller());
+    }
+    const platform::EmbeddedRoot root(options.root.empty() ? platform::EmbeddedRoot::defaultFolder()
+                                                           : options.root);
+    if (platform::Status status = root.makeIfMissing(); !status.isOk()) {
+        return status;
+    }
+    return DirectoryPlace::ofRoot(root.folder());
+}
+
+ToolResult run(std::string_view tool, const platform::HostOptions& options,
+               std::span<const std::string> arguments) {
+    const auto place = placeOf(options, tool == "nicl" || tool == "dscl");
+    if (!place.isOk()) {
+        return {oneLine(std::string(tool) + ": " + place.status().text()), 1};
     }
     if (tool == "nicl") {
-        return runNicl(place, arguments);
+        return runNicl(*place, arguments);
     }
     if (tool == "dscl") {
-        return runDscl(place, arguments);
+        return runDscl(*place, arguments);
     }
     platform::Services services;
     services.log = std::make_shared<ErrorLog>();
-    services.localDomain = std::make_shared<FileDomain>(place.storeFile);
+    services.localDomain = std::make_shared<FileDomain>(*place);
     const platform::Host host(std::move(services));
     return tool == "nireport" ? runNireport(arguments) : runNiutil(arguments);
 }
@@ -82,9 +115,6 @@ int directoryToolMain(std::string_view name, int argc, char** argv) {
     if (const auto end = platform::parse(*parser, {leading.begin(), leading.end()})) {
         return end->print();
     }
-    if (options.system) {
-        return platform::complain(*parser, "--system is not built yet").print();
-    }
     std::vector<std::string> arguments(words.begin(), words.end());
     const bool endsWithPassword = name == "dscl" && !arguments.empty();
     if (endsWithPassword) {
@@ -93,8 +123,7 @@ int directoryToolMain(std::string_view name, int argc, char** argv) {
     }
     ToolResult result;
     try {
-        result = run(name, options.root.empty() ? platform::EmbeddedRoot::defaultFolder() : options.root,
-                     arguments);
+        result = run(name, options, arguments);
     } catch (const std::runtime_error& error) {
         result = {std::string(name) + ": " + error.what() + "\n", 1};
     }

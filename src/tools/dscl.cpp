@@ -2,6 +2,7 @@
 #include "platform/host/EmbeddedRoot.h"
 #include "platform/netinfo/Store.h"
 #include "platform/samba/SambaAccounts.h"
+#include "tools/ComputerTools.h"
 #include "tools/DirectoryTools.h"
 #include "tools/ToolText.h"
 
@@ -9,7 +10,7 @@
 
 namespace {
 
-constexpr const char* usage = "usage: dscl [--root DIR] . -passwd /Users/NAME PASSWORD";
+constexpr const char* usage = "usage: dscl [--root DIR | --system] . -passwd /Users/NAME PASSWORD";
 
 /// The name in "/Users/NAME"; empty when `path` is another.
 std::string userOfPath(const std::string& path) {
@@ -31,6 +32,10 @@ platform::Status setPassword(const DirectoryPlace& place, const std::string& pat
     }
     if (const auto status = platform::SambaAccounts::checkPassword(password); !status.isOk()) {
         return refused(std::string(status.why()));
+    }
+    if (place.computer) {
+        const platform::Status status = setComputerPassword(place, user, password);
+        return status.isOk() ? status : refused(std::string(status.why()));
     }
     const platform::SambaPaths paths = platform::EmbeddedRoot(place.root).sambaPaths();
     const platform::SambaAccounts accounts(paths);

@@ -1,194 +1,23 @@
 #include "directory/DirectoryRules.h"
 #include "platform/host/EmbeddedRoot.h"
-#include "platform/netinfo/Store.h"
 #include "platform/posix/Status.h"
+#include "tools/ComputerTools.h"
 #include "tools/DirectorySession.h"
 #include "tools/DirectoryTools.h"
+#include "tools/StoreChange.h"
 #include "tools/ToolText.h"
 
-#include <algorithm>
-#include <array>
 #include <optional>
 #include <string_view>
-#include <unordered_set>
 #include <utility>
 
 using platform::Status;
-using platform::Store;
 
 namespace {
 
-constexpr const char* usage =
-    "usage: nicl [--root DIR] . -create PATH [PROPERTY [VALUE...]] | -append PATH PROPERTY VALUE... | "
-    "-delete PATH [PROPERTY [VALUE...]]";
-
-constexpr const char* noRecord = "there is no such record; create it first";
-
-/// One change of the directory, a step of a transaction.
-class Change {
-  public:
-    /// `request` keeps the rules, and so its path is one.
-    Change(Store& store, const DirectoryChange& request)
-        : request_(request), path_(recordPath(request.path).value()), store_(store) {}
-
-    Status run(DirectorySession::AccountChanges& accounts) {
-        Store::Step step(store_);
-        Status status = change();
-        if (!status.isOk() && store_.status().isOk()) {
-            return status;
-        }
-        step.keep();
-        if (!store_.status().isOk()) { // what a store that failed lacks is no reason
-            return refused(store_.status().text());
-        }
-        if (isChanged_ && isAccount(path_) && reachesLists()) {
-            accounts.reachLists = true;
-            if (losesPassword_) {
-                accounts.forgotten.insert(path_.back());
-            }
-        }
-        return {};
-    }
-
-  private:
-    [[nodiscard]] Status refused(std::string why) const { return refusal(request_, std::move(why)); }
-
-    Status change() {
-        if (request_.operation == "-delete") {
-            return request_.property ? removeFromRecord() : removeRecord();
-        }
-        if (!request_.property) {
-            return createRecord();
-        }
-        return request_.property == "name" ? rename() : write();
-    }
-
-    Status createRecord() {
-        if (store_.find(path_)) {
-            return {};
-        }
-        const auto parent = store_.find(std::span(path_).first(path_.size() - 1));
-        if (!parent) {
-            return refused("the record above it does not exist; create that first");
-        }
-        store_.addRecord(*parent, path_.back());
-        isChanged_ = true;
-        return checkOtherUsers(path_.back());
-    }
-
-    Status rename() {
-        RecordPath renamed = path_;
-        renamed.back() = request_.values.front();
-        const auto record = store_.find(path_);
-        if (!record) {
-            return refused(noRecord);
-        }
-        if (renamed == path_) {
-            return {};
-        }
-        if (store_.find(renamed)) {
-            return refused("there is a record called " + renamed.back() + "; choose another name");
-        }
-        losesPassword_ = isUser() && !otherUser(path_.back());
-        store_.rename(*record, renamed.back());
-        isChanged_ = true;
-        return checkOtherUsers(renamed.back());
-    }
-
-    /// Replaces or adds values of any other property.
-    Status write() {
-        const auto record = store_.find(path_);
-        if (!record) {
-            return refused(noRecord);
-        }
-        if (request_.operation == "-append") {
-            store_.appendValues(*record, *request_.property, request_.values);
-        } else {
-            store_.setValues(*record, *request_.property, request_.values);
-        }
-        isChanged_ = true;
-        return {};
-    }
-
-    Status removeRecord() {
-        const auto record = store_.find(path_);
-        if (!record) {
-            return refused("there is no such record; nothing was deleted");
-        }
-        losesPassword_ = isUser() && !otherUser(path_.back());
-        store_.removeRecord(*record);
-        isChanged_ = true;
-        return {};
-    }
-
-    Status removeFromRecord() {
-        const std::string& property = *request_.property;
-        const auto record = store_.find(path_);
-        if (!record) {
-            return refused(noRecord);
-        }
-        auto kept = store_.values(*record, property);
-        if (!kept) {
-            return refused("the record has no property " + property + "; nothing was deleted");
-        }
-        isChanged_ = true;
-        if (request_.values.empty()) {
-            store_.removeProperty(*record, property);
-            return {};
-        }
-        if (const auto missing = takeAway(request_.values, &*kept)) {
-            return refused("the property " + property + " has no value " + *missing +
-                           "; nothing was deleted");
-        }
-        store_.setValues(*record, property, *kept);
-        return {};
-    }
-
-    /// Returns a value that is not there to be taken away; `kept` is as it was then.
-    /// Sets, because a group of a large organisation may lose thousands of its members at once.
-    static std::optional<std::string> takeAway(const std::vector<std::string>& unwanted,
-                                               std::vector<std::string>* kept) {
-        const std::unordered_set<std::string_view> present(kept->begin(), kept->end());
-        for (const auto& value : unwanted) {
-            if (!present.contains(value)) {
-                return value;
-            }
-        }
-        const std::unordered_set<std::string_view> leaving(unwanted.begin(), unwanted.end());
-        std::erase_if(*kept, [&](const std::string& value) { return leaving.contains(value); });
-        return std::nullopt;
-    }
-
-    [[nodiscard]] bool isUser() const { return path_.size() == 2 && path_[0] == "users"; }
-
-    /// The user who shares an entry of the server's password database with the user of that name, because the
-    /// database ignores case.
-    [[nodiscard]] std::optional<std::string> otherUser(const std::string& name) {
-        const auto users = store_.child(Store::root, "users");
-        return users ? store_.childInOtherCase(*users, name) : std::nullopt;
-    }
-
-    /// One of two such users would have the other's password, and take it along when it is deleted.
-    Status checkOtherUsers(const std::string& name) {
-        const auto other = isUser() ? otherUser(name) : std::nullopt;
-        return other ? refused("there is a user called " + *other +
-                               ", and the case of letters does not tell users apart; choose another name")
-                     : Status();
-    }
-
-    /// Writing the lists takes as long as there are accounts: a property that they do not hold must not cost
-    /// that.
-    [[nodiscard]] bool reachesLists() const {
-        constexpr std::array listed{"name", "uid", "gid", "realname", "home", "shell", "users"};
-        return !request_.property || std::ranges::find(listed, *request_.property) != listed.end();
-    }
-
-    const DirectoryChange& request_;
-    RecordPath path_;
-    Store& store_;
-    bool isChanged_ = false;
-    bool losesPassword_ = false; ///< an entry of the password database has no user any more
-};
+constexpr const char* usage = "usage: nicl [--root DIR | --system] . -create PATH [PROPERTY [VALUE...]] | "
+                              "-append PATH PROPERTY VALUE... | "
+                              "-delete PATH [PROPERTY [VALUE...]]";
 
 ToolResult complaintOf(const Status& status) {
     return status.isOk() ? ToolResult() : ToolResult{oneLine("nicl: " + status.text()), 1};
@@ -203,6 +32,12 @@ DirectoryPlace DirectoryPlace::ofRoot(const std::string& rootFolder) {
     return place;
 }
 
+DirectoryPlace DirectoryPlace::ofComputer(platform::SystemFiles files, uid_t user) {
+    DirectoryPlace place(files.storeFile());
+    place.computer = Computer{std::move(files), user};
+    return place;
+}
+
 ToolResult DirectorySession::nicl(std::span<const std::string> arguments) {
     const auto change = directoryChange(arguments);
     if (!change) {
@@ -210,7 +45,7 @@ ToolResult DirectorySession::nicl(std::span<const std::string> arguments) {
     }
     Status status = checkDirectoryChange(*change);
     if (status.isOk()) {
-        status = Change(store(), *change).run(accounts_);
+        status = place_.computer ? changeComputer(place_, *change) : changeStore(store(), *change, accounts_);
     }
     return complaintOf(status);
 }

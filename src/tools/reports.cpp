@@ -61,7 +61,7 @@ ni_status readRecord(const std::string& path, std::string* lines) {
 
 ToolResult runNireport(std::span<const std::string> arguments) {
     if (arguments.size() < 3 || arguments[0] != ".") {
-        return {"usage: nireport [--root DIR] . PATH PROPERTY...\n", 1};
+        return {"usage: nireport [--root DIR | --system] . PATH PROPERTY...\n", 1};
     }
     std::vector<std::string> lines;
     if (const int status = ni_report_local(arguments[1], arguments.subspan(2), lines); status != NI_OK) {
@@ -76,7 +76,7 @@ ToolResult runNireport(std::span<const std::string> arguments) {
 
 ToolResult runNiutil(std::span<const std::string> arguments) {
     if (arguments.size() != 3 || arguments[0] != "-read" || arguments[1] != ".") {
-        return {"usage: niutil [--root DIR] -read . PATH\n", 1};
+        return {"usage: niutil [--root DIR | --system] -read . PATH\n", 1};
     }
     ToolResult result;
     if (const ni_status status = readRecord(arguments[2], &result.output); status != NI_OK) {

@@ -21,6 +21,12 @@ class SystemFiles {
     /// Whoever changes accounts holds it locked, so that one change follows another.
     [[nodiscard]] std::string lockFile() const { return folder() + "/lock"; }
 
+    /// A change of an account that a killed run may have left half done; only root reads it.
+    [[nodiscard]] std::string unfinishedChange() const { return folder() + "/unfinished"; }
+
+    /// For what Samba keeps of an account, on its way back; only root reads it.
+    [[nodiscard]] std::string sambaAccount() const { return folder() + "/smbpasswd"; }
+
     /// The settings of the AFP server.
     [[nodiscard]] std::string appleFileServer() const {
         return folder() + "/com.apple.AppleFileServer.plist";

@@ -1,32 +1,21 @@
 #include "platform/netinfo/AccountFiles.h"
 
+#include "platform/netinfo/AccountLines.h"
 #include "platform/netinfo/AccountNumber.h"
 #include "platform/netinfo/RecordContent.h"
 #include "platform/netinfo/Sqlite.h"
 
 #include <algorithm>
 #include <array>
-#include <cstdio>
-#include <memory>
 #include <span>
 #include <string>
 #include <string_view>
 #include <unordered_map>
-#include <unordered_set>
 #include <vector>
-
-#include <grp.h>
-#include <pwd.h>
 
 namespace platform {
 
 namespace {
-
-struct CloseFile {
-    void operator()(std::FILE* file) const { std::fclose(file); }
-};
-
-using File = std::unique_ptr<std::FILE, CloseFile>;
 
 /// What the store keeps for accounts, by name.
 class StoredAccounts {
@@ -83,24 +72,14 @@ class StoredAccounts {
     std::unordered_map<std::string_view, std::string_view> contents_;
 };
 
-constexpr std::array<std::string_view, 7> userProperties = {"name", "uid",   "gid",   "realname",
-                                                            "home", "shell", "passwd"};
-constexpr std::array<std::string_view, 4> groupProperties = {"name", "gid", "passwd", "users"};
+/// What the lines hold, and what only the writers of the store know.
+constexpr std::array<std::string_view, 8> userProperties = {"name", "uid",   "gid",    "realname",
+                                                            "home", "shell", "passwd", accountStateProperty};
+constexpr std::array<std::string_view, 5> groupProperties = {"name", "gid", "passwd", "users",
+                                                             accountStateProperty};
 
 std::string_view textOf(const char* text) {
     return text == nullptr ? std::string_view() : std::string_view(text);
-}
-
-/// A line that takes its accounts from elsewhere is no account.
-bool isAccount(std::string_view name) {
-    return !name.empty() && name.front() != '+' && name.front() != '-';
-}
-
-/// The first line of a name is the one that counts.
-using Names = std::unordered_set<std::string>;
-
-bool isAdministrators(std::string_view name) {
-    return name == "sudo" || name == "wheel" || name == administratorsGroup;
 }
 
 void addGroup(RecordBlock& block, std::int64_t id, std::string_view name, unsigned gid,
@@ -123,30 +102,24 @@ void addGroup(RecordBlock& block, std::int64_t id, std::string_view name, unsign
 RecordBlock userLines(const AccountFiles& files, sqlite3* store, std::int64_t usersDirectory, int* error) {
     RecordBlock block;
     StoredAccounts stored(store, usersDirectory, error);
-    const File file(std::fopen(files.passwd.c_str(), "re"));
-    if (*error != SQLITE_OK || !file) {
-        *error = *error != SQLITE_OK ? *error : SQLITE_CANTOPEN;
-        return block;
-    }
-    Names seen;
     std::int64_t id = firstUserLineId;
-    while (const passwd* line = ::fgetpwent(file.get())) {
-        const std::string_view name = textOf(line->pw_name);
-        if (!isAccount(name) || !seen.emplace(name).second) {
-            continue;
-        }
+    const auto add = [&](const passwd& line) {
+        const std::string_view name = textOf(line.pw_name);
         ContentWriter content;
-        const std::string_view comment = textOf(line->pw_gecos);
-        const std::string number = directoryNumber(line->pw_uid);
+        const std::string_view comment = textOf(line.pw_gecos);
+        const std::string number = directoryNumber(line.pw_uid);
         content.single("name", name);
         content.single("uid", number);
-        content.single("gid", directoryNumber(line->pw_gid));
+        content.single("gid", directoryNumber(line.pw_gid));
         content.single("realname", comment.substr(0, comment.find(',')));
-        content.single("home", textOf(line->pw_dir));
-        content.single("shell", textOf(line->pw_shell));
+        content.single("home", textOf(line.pw_dir));
+        content.single("shell", textOf(line.pw_shell));
         content.single("passwd", "*");
         stored.append(name, "uid", number, userProperties, content);
         block.add(id++, content.content());
+    };
+    if (*error == SQLITE_OK && !forEachUserLine(files, add).isOk()) {
+        *error = SQLITE_CANTOPEN;
     }
     return block;
 }
@@ -154,30 +127,25 @@ RecordBlock userLines(const AccountFiles& files, sqlite3* store, std::int64_t us
 RecordBlock groupLines(const AccountFiles& files, sqlite3* store, std::int64_t groupsDirectory, int* error) {
     RecordBlock block;
     StoredAccounts stored(store, groupsDirectory, error);
-    const File file(std::fopen(files.group.c_str(), "re"));
-    if (*error != SQLITE_OK || !file) {
-        *error = *error != SQLITE_OK ? *error : SQLITE_CANTOPEN;
-        return block;
-    }
-    Names seen;
     std::vector<std::string> administrators;
     std::int64_t id = firstGroupLineId;
-    while (const group* line = ::fgetgrent(file.get())) {
-        const std::string_view name = textOf(line->gr_name);
-        if (!isAccount(name) || !seen.emplace(name).second) {
-            continue;
-        }
+    const auto add = [&](const group& line) {
+        const std::string_view name = textOf(line.gr_name);
         std::vector<std::string> members;
-        for (char** member = line->gr_mem; *member != nullptr; ++member) {
+        for (char** member = line.gr_mem; *member != nullptr; ++member) {
             members.emplace_back(*member);
-            if (isAdministrators(name) &&
+            if (isGroupOfAdministrators(name) &&
                 std::ranges::find(administrators, *member) == administrators.end()) {
                 administrators.emplace_back(*member);
             }
         }
         if (name != administratorsGroup) {
-            addGroup(block, id++, name, line->gr_gid, members, stored);
+            addGroup(block, id++, name, line.gr_gid, members, stored);
         }
+    };
+    if (*error != SQLITE_OK || !forEachGroupLine(files, add).isOk()) {
+        *error = *error != SQLITE_OK ? *error : SQLITE_CANTOPEN;
+        return {};
     }
     addGroup(block, id, administratorsGroup, administratorsGroupId, administrators, stored);
     return block;

@@ -22,6 +22,9 @@ struct AccountFiles {
 inline constexpr std::int64_t firstUserLineId = std::int64_t{1} << 30;
 inline constexpr std::int64_t firstGroupLineId = firstUserLineId + (std::int64_t{1} << 29);
 
+/// How far the writers of the store have come with an account; no reader sees this property.
+inline constexpr const char* accountStateProperty = "_brindle_account";
+
 /// The group in which the directory lists whoever may administer the computer.
 inline constexpr const char* administratorsGroup = "admin";
 inline constexpr unsigned administratorsGroupId = 80;

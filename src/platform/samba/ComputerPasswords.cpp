@@ -1,0 +1,117 @@
+#include "platform/samba/ComputerPasswords.h"
+
+#include "platform/posix/Process.h"
+#include "platform/posix/Secret.h"
+#include "platform/posix/WholeFile.h"
+
+#include <cerrno>
+#include <chrono>
+#include <vector>
+
+#include <unistd.h>
+
+namespace platform {
+
+namespace {
+
+constexpr auto patience = std::chrono::seconds(10);
+constexpr const char* databaseProgram = "/usr/bin/pdbedit";
+constexpr const char* passwordProgram = "/usr/bin/smbpasswd";
+constexpr const char* unknown = "does not exist in the passdb";
+
+bool isInstalled(const char* program) {
+    return ::access(program, X_OK) == 0;
+}
+
+/// In the language that what it says is compared with.
+Result<FinishedProcess> run(std::vector<std::string> words, std::string_view input = {}) {
+    Command command{std::move(words), ErrorOutput::WithOutput};
+    std::erase_if(command.environment, [](const std::string& each) {
+        return each.starts_with("LC_") || each.starts_with("LANG");
+    });
+    command.environment.emplace_back("LC_ALL=C");
+    auto finished = runProcess(command, input, patience);
+    return finished.isOk() || finished.status().systemError() != ETIMEDOUT
+               ? std::move(finished)
+               : Status::failure("cannot use", "Samba's password database",
+                                 "it did not answer within ten seconds; try again when nothing else uses it");
+}
+
+Status failure(const char* what, const Result<FinishedProcess>& finished) {
+    if (!finished.isOk()) {
+        return finished.status();
+    }
+    const std::string line = lastLineOf(finished->output);
+    return Status::failure(what, "", line.empty() ? "no reason given; see Samba's log" : line);
+}
+
+bool says(const Result<FinishedProcess>& finished, std::string_view text) {
+    return finished.isOk() && finished->output.find(text) != std::string::npos;
+}
+
+} // namespace
+
+Status ComputerPasswords::set(const std::string& user, std::string_view password) {
+    if (!isInstalled(passwordProgram)) {
+        return Status::failure("cannot use", "Samba's password database",
+                               "smbpasswd is not installed; install the package samba-common-bin");
+    }
+    std::string input;
+    input.reserve(2 * password.size() + 2); // so that no copy of it is left behind by growing
+    input.append(password).append("\n").append(password).append("\n");
+    const auto finished = run({passwordProgram, "-s", "-a", "--", user}, input);
+    wipe(input);
+    return finished.isOk() && finished->status == 0 ? Status()
+                                                    : failure("Samba did not take the password", finished);
+}
+
+Result<std::string> ComputerPasswords::accountOf(const std::string& user) {
+    if (!isInstalled(databaseProgram)) {
+        return std::string();
+    }
+    auto finished = run({databaseProgram, "-L", "-w", "--user=" + user});
+    if (says(finished, "Username not found")) {
+        return std::string();
+    }
+    if (!finished.isOk() || finished->status != 0) {
+        return failure("Samba does not tell what it keeps of an account", finished);
+    }
+    std::string line = lastLineOf(finished->output);
+    wipe(finished->output);
+    return line;
+}
+
+Status ComputerPasswords::remove(const std::string& user) {
+    if (!isInstalled(databaseProgram)) {
+        return {};
+    }
+    const auto finished = run({databaseProgram, "-x", "--user=" + user});
+    return (finished.isOk() && finished->status == 0) || says(finished, unknown)
+               ? Status()
+               : failure("Samba did not forget the password", finished);
+}
+
+Status ComputerPasswords::putBack(std::string_view account, const std::string& user, unsigned uid,
+                                  const std::string& file) {
+    const std::size_t nameEnd = account.find(':');
+    const std::size_t numberEnd = account.find(':', nameEnd + 1);
+    if (nameEnd == std::string_view::npos || numberEnd == std::string_view::npos) {
+        return Status::failure("cannot keep the password of", user, "what Samba said of it cannot be read");
+    }
+    const std::string start = user + ":" + std::to_string(uid);
+    std::string line;
+    line.reserve(start.size() + account.size() + 1);
+    line.append(start).append(account.substr(numberEnd)).append("\n");
+    Status status = writeWholeFile(file, line, {.mode = 0600});
+    wipe(line);
+    if (!status.isOk()) {
+        return status;
+    }
+    const auto finished = run({databaseProgram, "-i", "smbpasswd:" + file});
+    ::unlink(file.c_str()); // where it stays, the next one replaces it
+    return finished.isOk() && finished->status == 0 && says(finished, "...ok")
+               ? Status()
+               : failure("Samba did not take the password back", finished);
+}
+
+} // namespace platform

@@ -1,0 +1,205 @@
+#include "tools/ComputerAccount.h"
+
+#include "platform/netinfo/AccountNumber.h"
+#include "tools/AccountPrograms.h"
+#include "tools/StoreChange.h"
+
+#include <limits>
+#include <utility>
+
+using platform::Status;
+using platform::Store;
+
+using State = ComputerDirectory::State;
+
+ComputerAccount::ComputerAccount(ComputerDirectory& directory, const DirectoryChange& change)
+    : directory_(directory), change_(change), path_(recordPath(change.path).value()),
+      isOurs_(directory.hasMade(path_)) {}
+
+Status ComputerAccount::refused(std::string why) const {
+    return refusal(change_, std::move(why));
+}
+
+Status ComputerAccount::runProgram(const std::vector<std::string>& words) const {
+    Status status = directory_.commit();
+    if (status.isOk()) {
+        status = runAccountProgram(words);
+    }
+    return status.isOk() ? Status() : refused(std::string(status.why()));
+}
+
+std::optional<unsigned> ComputerAccount::numberOfValues() const {
+    bool isValid = false;
+    const unsigned number =
+        change_.values.size() == 1 ? platform::accountNumber(change_.values.front(), &isValid) : 0;
+    // The highest stands for "none" everywhere in the system.
+    return isValid && number != std::numeric_limits<unsigned>::max() ? std::optional(number) : std::nullopt;
+}
+
+std::vector<std::string> ComputerAccount::collectedValues(Store::Record record, const char* property) const {
+    return directory_.store().values(record, property).value_or(std::vector<std::string>());
+}
+
+std::string ComputerAccount::collectedValue(Store::Record record, const char* property,
+                                            const char* other) const {
+    const auto values = collectedValues(record, property);
+    return values.empty() ? other : values.front();
+}
+
+Status ComputerAccount::run() {
+    if (change_.property == platform::accountStateProperty) {
+        return refused("Brindle keeps this property for itself; choose another name");
+    }
+    const bool writes = change_.operation != "-delete";
+    if (change_.property && writes && isPropertyOfLine(*change_.property)) {
+        if (Status status = checkValues(); !status.isOk()) {
+            return status;
+        }
+    }
+    return number() ? changeAccount() : collect();
+}
+
+Status ComputerAccount::collect() {
+    Store& store = directory_.store();
+    const auto record = store.find(path_);
+    if (!change_.property && change_.operation == "-create") {
+        return begin(record);
+    }
+    if (record && change_.property == "name") {
+        if (Status status = checkNewName(change_.values.front()); !status.isOk()) {
+            return status;
+        }
+    }
+    const auto before = record && change_.property ? store.values(*record, *change_.property) : std::nullopt;
+    if (Status status = writeStore(); !status.isOk()) { // it refuses what is not there
+        return status;
+    }
+    const auto program = record && change_.property ? programThatMakes(*record) : std::nullopt;
+    return program ? make(*record, before, *program) : directory_.commit();
+}
+
+Status ComputerAccount::begin(std::optional<Store::Record> left) {
+    Store& store = directory_.store();
+    if (left) {
+        store.removeRecord(*left); // one that never became whole
+    }
+    if (Status status = checkNewName(name()); !status.isOk()) {
+        return status;
+    }
+    const auto folder = store.find(RecordPath{path_.front()});
+    if (!folder) {
+        return refused(store.status().isOk() ? "the directory has no place for it" : store.status().text());
+    }
+    directory_.setState(store.addRecord(*folder, name()), State::Collecting);
+    return directory_.commit();
+}
+
+Status ComputerAccount::make(Store::Record record,
+                             const std::optional<std::vector<std::string>>& valuesBefore,
+                             const std::vector<std::string>& program) {
+    // Before the account is there, so that it is ours whatever becomes of this run.
+    directory_.setState(record, State::Made);
+    Status status = runProgram(program);
+    if (status.isOk()) {
+        return {};
+    }
+    directory_.setState(record, State::Collecting);
+    if (valuesBefore) {
+        directory_.store().setValues(record, *change_.property, *valuesBefore);
+    } else {
+        directory_.store().removeProperty(record, *change_.property);
+    }
+    static_cast<void>(directory_.commit()); // a record without an account is taken away by the next run
+    return status;
+}
+
+Status ComputerAccount::changeAccount() {
+    if (!change_.property) {
+        return change_.operation == "-create" ? Status() : remove();
+    }
+    const std::string& property = *change_.property;
+    if (property == "name") {
+        return rename();
+    }
+    if (!isPropertyOfLine(property)) {
+        return writeBesideLine();
+    }
+    if (change_.operation != "-delete" && property == numberProperty()) {
+        return renumber();
+    }
+    return writeLine();
+}
+
+Status ComputerAccount::checkNewName(const std::string& newName) const {
+    if (isTaken(newName)) {
+        return refused("there is an account called " + newName + "; choose another name");
+    }
+    const auto other = otherInCase(newName);
+    return other ? refused("there is a user called " + *other +
+                           ", and the case of letters does not tell users apart; choose another name")
+                 : Status();
+}
+
+Status ComputerAccount::rename() {
+    const std::string& newName = change_.values.front();
+    if (newName == name()) {
+        return {};
+    }
+    Status status = checkRemoval();
+    if (status.isOk()) {
+        status = checkNewName(newName);
+    }
+    if (!status.isOk()) {
+        return status;
+    }
+    const unsigned same = number().value_or(0);
+    status =
+        directory_.carryThrough({isUser(), {name(), same}, {newName, same}, {}}, programThatRenames(newName));
+    return status.isOk() ? Status() : refused(std::string(status.why()));
+}
+
+Status ComputerAccount::renumber() {
+    const unsigned before = number().value_or(0);
+    const unsigned after = numberOfValues().value_or(before);
+    if (after == before) {
+        return {};
+    }
+    if (Status status = checkAccount(); !status.isOk()) {
+        return status;
+    }
+    const Status status = directory_.carryThrough({isUser(), {name(), before}, {name(), after}, {}},
+                                                  programThatRenumbers(after));
+    return status.isOk() ? Status() : refused(std::string(status.why()));
+}
+
+Status ComputerAccount::remove() {
+    if (Status status = checkRemoval(); !status.isOk()) {
+        return status;
+    }
+    const Status status =
+        directory_.carryThrough({isUser(), {name(), number().value_or(0)}, {}, {}}, programThatDeletes());
+    return status.isOk() ? Status() : refused(std::string(status.why()));
+}
+
+Status ComputerAccount::writeBesideLine() {
+    Store& store = directory_.store();
+    const auto folder = store.find(RecordPath{path_.front()});
+    if (folder && change_.operation != "-delete" && !store.find(path_)) {
+        const Store::Record record = store.addRecord(*folder, name());
+        store.setValues(record, numberProperty(),
+                        std::vector{platform::directoryNumber(number().value_or(0))});
+        directory_.setState(record, State::Found);
+    }
+    Status status = writeStore();
+    return status.isOk() ? directory_.commit() : status;
+}
+
+Status ComputerAccount::writeStore() {
+    DirectorySession::AccountChanges ignored; // the computer's own server asks the computer
+    if (!change_.property || change_.property != numberProperty() || change_.operation != "-create") {
+        return changeStore(directory_.store(), change_, ignored);
+    }
+    DirectoryChange normal = change_;
+    normal.values = {platform::directoryNumber(numberOfValues().value_or(0))};
+    return changeStore(directory_.store(), normal, ignored);
+}

@@ -1,0 +1,99 @@
+#pragma once
+
+#include "directory/DirectoryRules.h"
+#include "platform/netinfo/AccountLines.h"
+#include "platform/netinfo/Store.h"
+#include "platform/posix/Status.h"
+#include "tools/ComputerDirectory.h"
+
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+/// One change of an account of this computer. An account is made by several changes, the record first and
+/// then a property each. They are collected in the store until all is known that the computer's own program
+/// needs, and it is made then. From then on what its line holds is changed by those programs, and the rest in
+/// the store.
+class ComputerAccount {
+  public:
+    virtual ~ComputerAccount() = default;
+    ComputerAccount(const ComputerAccount&) = delete;
+    ComputerAccount& operator=(const ComputerAccount&) = delete;
+
+    /// Carries the change out. Where it fails, nothing was changed.
+    [[nodiscard]] platform::Status run();
+
+  protected:
+    /// `change` keeps the directory's rules, and is about the account at its path. Both must outlive this.
+    ComputerAccount(ComputerDirectory& directory, const DirectoryChange& change);
+
+    // What users and groups differ in.
+
+    /// The account's number, where the computer has it.
+    [[nodiscard]] virtual std::optional<unsigned> number() const = 0;
+    [[nodiscard]] virtual const char* numberProperty() const = 0;
+    /// Another account that has this name but for the case of letters.
+    [[nodiscard]] virtual std::optional<std::string> otherInCase(const std::string& name) const = 0;
+    [[nodiscard]] virtual bool isTaken(const std::string& name) const = 0;
+    [[nodiscard]] virtual bool isPropertyOfLine(const std::string& property) const = 0;
+    /// Whether the values are such as the account's line can hold.
+    [[nodiscard]] virtual platform::Status checkValues() const = 0;
+    /// Fails for an account that Brindle does not change.
+    [[nodiscard]] virtual platform::Status checkAccount() const = 0;
+
+    /// Fails for an account that is not to be renamed or deleted either.
+    [[nodiscard]] virtual platform::Status checkRemoval() const { return checkAccount(); }
+
+    /// The program that makes the account from what was collected; none as long as something is missing.
+    [[nodiscard]] virtual std::optional<std::vector<std::string>>
+    programThatMakes(platform::Store::Record collected) = 0;
+    /// Writes a property of the line but for its name and number.
+    [[nodiscard]] virtual platform::Status writeLine() = 0;
+    [[nodiscard]] virtual std::vector<std::string> programThatRenames(const std::string& newName) const = 0;
+    [[nodiscard]] virtual std::vector<std::string> programThatRenumbers(unsigned newNumber) const = 0;
+    [[nodiscard]] virtual std::vector<std::string> programThatDeletes() const = 0;
+
+    [[nodiscard]] ComputerDirectory& directory() const { return directory_; }
+
+    [[nodiscard]] const DirectoryChange& change() const { return change_; }
+
+    [[nodiscard]] const std::string& name() const { return path_.back(); }
+
+    [[nodiscard]] bool isUser() const { return path_.front() == "users"; }
+
+    /// Whether Brindle has made the account.
+    [[nodiscard]] bool isOurs() const { return isOurs_; }
+
+    [[nodiscard]] platform::Status refused(std::string why) const;
+    /// Commits, and runs one of the computer's programs.
+    [[nodiscard]] platform::Status runProgram(const std::vector<std::string>& words) const;
+    /// The number among the change's values; none when they are no one number that an account can have.
+    [[nodiscard]] std::optional<unsigned> numberOfValues() const;
+    [[nodiscard]] std::vector<std::string> collectedValues(platform::Store::Record record,
+                                                           const char* property) const;
+    /// The first of the collected values, or `other`.
+    [[nodiscard]] std::string collectedValue(platform::Store::Record record, const char* property,
+                                             const char* other) const;
+
+  private:
+    [[nodiscard]] platform::Status collect();
+    [[nodiscard]] platform::Status begin(std::optional<platform::Store::Record> left);
+    [[nodiscard]] platform::Status make(platform::Store::Record record,
+                                        const std::optional<std::vector<std::string>>& valuesBefore,
+                                        const std::vector<std::string>& program);
+    [[nodiscard]] platform::Status changeAccount();
+    [[nodiscard]] platform::Status checkNewName(const std::string& newName) const;
+    [[nodiscard]] platform::Status rename();
+    [[nodiscard]] platform::Status renumber();
+    [[nodiscard]] platform::Status remove();
+    /// Changes what the account's line cannot hold.
+    [[nodiscard]] platform::Status writeBesideLine();
+    [[nodiscard]] platform::Status writeStore();
+
+    ComputerDirectory& directory_;
+    const DirectoryChange& change_;
+    RecordPath path_;
+    bool isOurs_;
+};
