@@ -32,12 +32,6 @@ HelperResult wrongArguments(const std::string& tool, const char* usage) {
     return said(tool, Status::failure("wrong arguments", {}, std::string("use ") + usage));
 }
 
-/// What needs the computer's own settings is not served there yet; doing half of it would be worse.
-HelperResult notOnThisComputer(const std::string& tool) {
-    return said(tool,
-                Status::failure("cannot serve", "--system", "is not built yet; use Brindle without it"));
-}
-
 DirectoryPlace directoryOf(const HelperPlace& place) {
     return place.root.empty()
                ? DirectoryPlace::ofComputer(platform::SystemFiles(place.systemPrefix), place.user)
