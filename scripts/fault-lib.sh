@@ -17,17 +17,18 @@ request() {
     printf '%s\0' "$@" | "${tracer[@]}" "$programs/brindle-helper" "${options[@]}" | tr -d '\006'
 }
 
-# at_each_call PREPARE CHECK TOOL ARGUMENT...: PREPARE, the request killed before one of its system calls, CHECK; for
-# every $step-th call of an undisturbed run, from the first on that names $first_call. strace counts calls by name, so
-# the n-th call is the k-th of its name.
+# at_each_call PREPARE CHECK RUN ARGUMENT...: PREPARE, the run with $tracer before its program killed before one of its
+# system calls, CHECK; for every $step-th call of an undisturbed run, from the first on that names $first_call, of those
+# that $traced names where it is set. strace counts calls by name, so the n-th call is the k-th of its name.
 first_call=
+traced=()
 at_each_call() {
     local prepare="$1" check="$2" calls=0 kills=0 begun= line name
     local -A seen=()
     shift 2
     "$prepare"
-    tracer=(strace -qq -o "$work/calls")
-    request "$@" >/dev/null
+    tracer=(strace -qq -o "$work/calls" "${traced[@]}")
+    "$@" >/dev/null
     tracer=() # the check makes requests of its own
     "$check" finished
     while read -r line <&3; do
@@ -41,7 +42,7 @@ at_each_call() {
         kills=$((kills + 1))
         "$prepare"
         tracer=(strace -qq -o /dev/null -e "inject=$name:signal=SIGKILL:when=${seen[$name]}")
-        { request "$@" >/dev/null; } 2>/dev/null || true
+        { "$@" >/dev/null; } 2>/dev/null || true
         tracer=()
         "$check" "killed at $name, call ${seen[$name]} of that name"
     done 3<"$work/calls" # what is run meanwhile may read the standard input

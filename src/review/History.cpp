@@ -22,6 +22,10 @@ History::History(platform::Services& services) {
 
 namespace {
 
+bool isNextToUndo(const HistoryEntry& entry) {
+    return !entry.isUndone && entry.canComeBack();
+}
+
 void showAlert(const std::string& title, const std::string& message) {
     NSRunAlertPanel(title, "%@", NSLocalizedString("OK"), std::nullopt, std::nullopt, message);
 }
@@ -54,13 +58,26 @@ Result<std::vector<HistoryEntry>> History::entries() const {
     return recorder_ ? recorder_->store().entries() : std::vector<HistoryEntry>();
 }
 
+std::string History::titleOfNextUndo() const {
+    std::string title;
+    if (recorder_) {
+        // What cannot be read cannot be undone; the attempt says why.
+        static_cast<void>(recorder_->store().visit([&title](HistoryEntry&& entry) {
+            const bool isNext = isNextToUndo(entry);
+            title = isNext ? std::move(entry.title) : std::string();
+            return !isNext;
+        }));
+    }
+    return title;
+}
+
 Result<UndoPlan> History::describeUndo(std::optional<std::int64_t> number) const {
     const auto all = entries();
     if (!all.isOk()) {
         return all.status();
     }
     const auto found = std::ranges::find_if(*all, [&](const HistoryEntry& entry) {
-        return number ? entry.number == *number : !entry.isUndone && entry.canComeBack();
+        return number ? entry.number == *number : isNextToUndo(entry);
     });
     if (found == all->end()) {
         return Status::failure(NSLocalizedString("cannot take back"), {},

@@ -9,6 +9,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -26,6 +27,10 @@ class History {
 
     /// All entries, the newest first, with all that they hold.
     [[nodiscard]] platform::Result<std::vector<HistoryEntry>> entries() const;
+
+    /// The title of the change that an undo takes back next; empty where there is none, or the history cannot
+    /// be read. Waits for no directory: a menu shows it.
+    [[nodiscard]] std::string titleOfNextUndo() const;
 
     /// What taking back entry `number` would do; none: the newest that is not taken back. Nothing changes.
     /// Fails when there is no such entry, or the history cannot be read.

@@ -310,8 +310,16 @@ Status HistoryStore::add(const HistoryEntry& entry) const {
 
 Result<std::vector<HistoryEntry>> HistoryStore::entries() const {
     std::vector<HistoryEntry> entries;
+    Status status = visit([&entries](HistoryEntry&& entry) {
+        entries.push_back(std::move(entry));
+        return true;
+    });
+    return status.isOk() ? Result<std::vector<HistoryEntry>>(std::move(entries)) : status;
+}
+
+Status HistoryStore::visit(const std::function<bool(HistoryEntry&& entry)>& takes) const {
     if (::access(file_.c_str(), F_OK) != 0 && errno == ENOENT) {
-        return entries;
+        return {};
     }
     const auto database = open();
     if (!database.isOk()) {
@@ -331,10 +339,11 @@ Result<std::vector<HistoryEntry>> HistoryStore::entries() const {
         if (!unpack(rows.text(7), &entry)) {
             return failure("cannot read", SQLITE_CORRUPT);
         }
-        entries.push_back(std::move(entry));
+        if (!takes(std::move(entry))) {
+            return {};
+        }
     }
-    return rows.error() == SQLITE_OK ? Result<std::vector<HistoryEntry>>(std::move(entries))
-                                     : failure("cannot read", rows.error());
+    return rows.error() == SQLITE_OK ? Status() : failure("cannot read", rows.error());
 }
 
 } // namespace review

@@ -5,6 +5,7 @@
 #include "review/HistoryEntry.h"
 
 #include <cstddef>
+#include <functional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -28,6 +29,9 @@ class HistoryStore {
 
     /// All entries, the newest first. None where nothing was kept yet.
     [[nodiscard]] platform::Result<std::vector<HistoryEntry>> entries() const;
+
+    /// Hands the entries over, the newest first, until `takes` returns false.
+    [[nodiscard]] platform::Status visit(const std::function<bool(HistoryEntry&& entry)>& takes) const;
 
   private:
     [[nodiscard]] platform::Result<platform::SqliteConnection> open() const;

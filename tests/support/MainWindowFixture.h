@@ -95,6 +95,8 @@ class MainWindow : public AppFixture {
     void answer(const QStringList& buttons) {
         answers = buttons;
         asked.clear();
+        said.clear();
+        finger.disconnect(); // it has one hand only
         finger.callOnTimeout(&finger, [this] { pressAnswer(); });
         finger.start(5);
     }
@@ -102,6 +104,7 @@ class MainWindow : public AppFixture {
     QStringList asked;   ///< the titles of the dialogs
     QStringList answers; ///< those that are still waiting
     QString lastText;    ///< all that the last dialog said
+    QStringList said;    ///< all that each of them said
 
     int argc = 1;
     char program[7] = "window";
@@ -121,8 +124,15 @@ class MainWindow : public AppFixture {
                 for (auto* label : dialog->findChildren<QLabel*>()) {
                     lastText += label->text() + '\n';
                 }
+                said.append(lastText);
                 answers.removeFirst();
-                QTest::mouseClick(button, Qt::LeftButton);
+                // Not from here: while a timer is served it does not fire, and the button may bring up the
+                // next.
+                finger.stop();
+                QTimer::singleShot(0, button, [this, button] {
+                    finger.start();
+                    QTest::mouseClick(button, Qt::LeftButton);
+                });
                 return;
             }
         }

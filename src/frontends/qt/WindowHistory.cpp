@@ -186,10 +186,10 @@ WindowHistory::WindowHistory(const review::History& history, review::Reviewer& r
 }
 
 void WindowHistory::nameUndo() {
-    const auto plan = history_.describeUndo(std::nullopt);
-    undo_->setEnabled(plan.isOk());
-    undo_->setText(plan.isOk() ? title(stringWithFormat(NSLocalizedString("Undo “%@”"), plan->entry.title))
-                               : localized("Undo"));
+    const std::string next = history_.titleOfNextUndo();
+    undo_->setEnabled(!next.empty());
+    undo_->setText(next.empty() ? localized("Undo")
+                                : title(stringWithFormat(NSLocalizedString("Undo “%@”"), next)));
 }
 
 bool WindowHistory::takeBack(std::optional<std::int64_t> number, QWidget* parent) {

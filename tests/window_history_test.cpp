@@ -1,0 +1,121 @@
+// Undo and the history in the application's own window.
+
+#include "platform/host/DirectoryAccounts.h"
+#include "review/History.h"
+#include "review/Reviewer.h"
+#include "support/MainWindowFixture.h"
+
+#include <QMainWindow>
+#include <QMenu>
+#include <QMenuBar>
+#include <QTreeWidget>
+
+namespace {
+
+class WindowHistoryTest : public MainWindow {
+  protected:
+    void openWithHistory() {
+        platform::Services services = host.host().services();
+        services.historyFile = (host.root() / "history.db").string();
+        services.accountNames = std::make_shared<platform::DirectoryAccounts>(host.storeFile().string());
+        history.emplace(services);
+        inner.emplace(std::move(services));
+        BRController::registerClass();
+        AboutBox::registerClass();
+        open();
+        reviewer.emplace(*interface);
+        frontend->useReviewer(*reviewer);
+        frontend->useHistory(*history);
+        NSApp().dispatch([] {}); // the start is an action of its own
+        QApplication::processEvents();
+    }
+
+    void TearDown() override {
+        MainWindow::TearDown();
+        reviewer.reset();
+        interface.reset();
+        history.reset();
+        inner.reset();
+    }
+
+    /// Opens the menu with the mouse and returns its undo item.
+    QAction& openChanges() {
+        auto& menu = widget<QMenu>("changesMenu");
+        auto* bar = widget<QMainWindow>("mainWindow").menuBar();
+        QTest::mouseClick(bar, Qt::LeftButton, {}, bar->actionGeometry(menu.menuAction()).center());
+        EXPECT_TRUE(menu.isVisible());
+        auto* undo = menu.findChild<QAction*>("undo");
+        undo = undo == nullptr ? widget<QWidget>("mainWindow").findChild<QAction*>("undo") : undo;
+        return *undo;
+    }
+
+    void clickInChanges(QAction& item) {
+        auto& menu = widget<QMenu>("changesMenu");
+        QTest::mouseClick(&menu, Qt::LeftButton, {}, menu.actionGeometry(&item).center());
+    }
+
+    void writeGroup(const char* gid, const QStringList& buttons) {
+        showPage(2);
+        typeInto("groupName", "team");
+        typeInto("gid", gid);
+        answer(buttons);
+        click("createNewGroupButton");
+    }
+
+    /// Takes an entry of the history back, answering what comes up.
+    void takeBack(int row, const QStringList& buttons) {
+        QTimer::singleShot(50, &widget<QWidget>("mainWindow"), [this, row, buttons] {
+            auto& list = widget<QTreeWidget>("historyList");
+            QTest::mouseClick(list.viewport(), Qt::LeftButton, {},
+                              list.visualItemRect(list.topLevelItem(row)).center());
+            answer(QStringList{"Take Back…"} + buttons + QStringList{"Close"});
+        });
+        useMenu("History…");
+    }
+
+    std::optional<review::History> history;
+    std::optional<platform::Host> inner;
+    std::optional<review::Reviewer> reviewer;
+};
+
+TEST_F(WindowHistoryTest, TheMenuNamesWhatItUndoesAndBringsADeletedShareBack) {
+    addShare("Docs", "/shares/docs");
+    const std::string conf = "[Docs]\n\tpath = /shares/docs\n";
+    host.write("etc/smb.conf", conf);
+    openWithHistory();
+    QAction& none = openChanges();
+    EXPECT_EQ(none.text(), "Undo");
+    EXPECT_FALSE(none.isEnabled());
+    QTest::keyClick(&widget<QMenu>("changesMenu"), Qt::Key_Escape);
+    clickRow("normalTableView", 0);
+    answer({"Yes"});
+    click("deleteButton");
+    ASSERT_EQ(columnOf("normalTableView", "ShareName"), std::vector<std::string>{});
+    QAction& undo = openChanges();
+    EXPECT_EQ(undo.text(), "Undo “Share \"Docs\" deleted”");
+    answer({"Cancel", "Go On"});
+    clickInChanges(undo);
+    EXPECT_EQ(columnOf("normalTableView", "ShareName"), std::vector<std::string>{});
+    clickInChanges(openChanges());
+    EXPECT_EQ(asked, (QStringList{"Review", "Review"}));
+    EXPECT_TRUE(said.front().contains("/config/Brindle/Docs")) << said.front().toStdString();
+    EXPECT_EQ(columnOf("normalTableView", "ShareName"), std::vector<std::string>{"Docs"});
+    EXPECT_EQ(host.read("etc/smb.conf"), conf);
+}
+
+TEST_F(WindowHistoryTest, AnEntryThatALaterOneBuildsOnIsNotTakenBackAndTheLaterOneIsNamed) {
+    openWithHistory();
+    writeGroup("600", {"Yes"});
+    writeGroup("601", {"Go On", "Yes"}); // an id that changes is worth a warning
+    takeBack(1, {"OK"});
+    EXPECT_EQ(asked, (QStringList{"History", "Not Possible", "History"}));
+    EXPECT_TRUE(said.at(1).contains("Change 2 (Group &quot;team&quot; changed) builds on it"))
+        << said.at(1).toStdString();
+    EXPECT_EQ(columnOf("groupTableView", "GID"), std::vector<std::string>{"601"});
+    takeBack(0, {"Go On"});
+    EXPECT_EQ(columnOf("groupTableView", "GID"), std::vector<std::string>{"600"});
+    takeBack(2, {"Go On"});
+    EXPECT_EQ(columnOf("groupTableView", "GID"), std::vector<std::string>{});
+}
+
+} // namespace
