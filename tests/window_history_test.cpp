@@ -109,7 +109,7 @@ TEST_F(WindowHistoryTest, AnEntryThatALaterOneBuildsOnIsNotTakenBackAndTheLaterO
     writeGroup("601", {"Go On", "Yes"}); // an id that changes is worth a warning
     takeBack(1, {"OK"});
     EXPECT_EQ(asked, (QStringList{"History", "Not Possible", "History"}));
-    EXPECT_TRUE(said.at(1).contains("Change 2 (Group &quot;team&quot; changed) builds on it"))
+    EXPECT_TRUE(said.at(1).contains("built on by 2 (Group &quot;team&quot; changed): take"))
         << said.at(1).toStdString();
     EXPECT_EQ(columnOf("groupTableView", "GID"), std::vector<std::string>{"601"});
     takeBack(0, {"Go On"});

@@ -125,13 +125,19 @@ class UndoPlanner {
     /// `what` is neither as the entry left it nor as it was before.
     template <class Touches>
     void refuseChanged(const std::string& what, Touches touches) {
+        std::string names;
         for (const HistoryEntry& later : all_) {
-            if (later.number > plan_.entry.number && !later.isUndone && touches(later)) {
-                refuse(
-                    stringWithFormat(NSLocalizedString("Change %@ (%@) builds on it: take that back first."),
-                                     std::to_string(later.number), later.title));
-                return;
+            // One that takes a later one back stands for nothing together with that.
+            const bool isLater = later.number > plan_.entry.number && later.undoes <= plan_.entry.number;
+            if (isLater && !later.isUndone && touches(later)) {
+                names +=
+                    (names.empty() ? "" : ", ") + std::to_string(later.number) + " (" + later.title + ")";
             }
+        }
+        if (!names.empty()) {
+            refuse(stringWithFormat(
+                NSLocalizedString("It is built on by %@: take that back first, the newest first."), names));
+            return;
         }
         refuse(stringWithFormat(
             NSLocalizedString("%@ has been changed since, and taking this back would undo that, too."),
