@@ -5,6 +5,7 @@
 #include "support/Subprocess.h"
 #include "support/TestHost.h"
 #include "tools/DirectoryTools.h"
+#include "tools/UnfinishedChange.h"
 
 #include <algorithm>
 #include <initializer_list>
@@ -226,6 +227,29 @@ TEST_F(SystemAccounts, InheritNothingFromAnAccountThatIsGone) {
     EXPECT_EQ(record("/users/alice"),
               "name: alice\nuid: 1501\ngid: 1600\nrealname: \nhome: /dev/null\nshell: "
               "/sbin/nologin\npasswd: *\n");
+}
+
+TEST_F(SystemAccounts, KeepTheirPasswordWhenAChangeOfThemIsRefusedOrKilledHalfWay) {
+    EXPECT_EQ(said({makeGroup("crew", "1620"), makeUser("carol", "1521", "1620"), dscl("carol", "secret")}),
+              "");
+    const std::string samba = sambaAccounts();
+    {
+        Conversation busy({"/usr/bin/setpriv", "--reuid=1521", "--clear-groups", "/usr/bin/cat"});
+        EXPECT_EQ(busy.ask("ready", "ready"), "ready");
+        EXPECT_TRUE(contains(nicl({"-delete", "/users/carol"}), "used by process"));
+    }
+    EXPECT_EQ(sambaAccounts(), samba);
+    const platform::SystemFiles files;
+    const UnfinishedChange change{true, {"carol", 1521}, {"dora", 1521}, samba.substr(0, samba.find('\n'))};
+    ASSERT_TRUE(change.write(files.unfinishedChange()).isOk());
+    ASSERT_EQ(runProgram({"/usr/bin/pdbedit", "-x", "carol"}).status, 0);
+    ASSERT_EQ(runProgram({"/usr/sbin/usermod", "-l", "dora", "carol"}).status, 0); // and then it was killed
+    EXPECT_TRUE(contains(nicl({"-delete", "/users/carol"}), "no such record")) << "any next run finishes it";
+    EXPECT_EQ(sambaAccounts(), "dora" + samba.substr(std::string("carol").size()));
+    EXPECT_TRUE(contains(record("/users/dora"), "sharedDir: Public\n"));
+    EXPECT_EQ(contents(files.unfinishedChange()), "");
+    EXPECT_EQ(said({nicl({"-delete", "/users/dora"}), nicl({"-delete", "/groups/crew"}), sambaAccounts()}),
+              "");
 }
 
 TEST_F(SystemAccounts, AreChangedByOneRunAfterAnother) {

@@ -7,10 +7,12 @@
 
 #include <algorithm>
 #include <array>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 namespace platform {
@@ -21,10 +23,10 @@ namespace {
 class StoredAccounts {
   public:
     StoredAccounts(sqlite3* store, std::int64_t directory, int* error) {
-        SqliteStatement rows(store, "SELECT name, content FROM record WHERE parent = ?1");
+        SqliteStatement rows(store, "SELECT name, content FROM record WHERE parent = ?1 ORDER BY id");
         rows.bind(1, directory);
         while (rows.step()) {
-            contents_.emplace(arena_.keep(rows.text(0)), arena_.keep(rows.text(1)));
+            records_.emplace_back(arena_.keep(rows.text(0)), arena_.keep(rows.text(1)));
         }
         *error = rows.error();
     }
@@ -33,11 +35,11 @@ class StoredAccounts {
     /// for `number`, the value of the property `numberName`.
     void append(std::string_view name, std::string_view numberName, std::string_view number,
                 std::span<const std::string_view> listed, ContentWriter& content) {
-        const auto found = contents_.find(name);
-        if (found == contents_.end() || !belongsTo(found->second, numberName, number)) {
+        const auto found = find(name);
+        if (!found || !belongsTo(*found, numberName, number)) {
             return;
         }
-        ContentReader reader(found->second);
+        ContentReader reader(*found);
         std::string_view property;
         std::size_t count = 0;
         while (reader.nextProperty(&property, &count)) {
@@ -54,6 +56,25 @@ class StoredAccounts {
     }
 
   private:
+    /// Accounts are mostly asked for in the order in which they came into the store.
+    std::optional<std::string_view> find(std::string_view name) {
+        if (next_ < records_.size() && records_[next_].first == name) {
+            return records_[next_++].second;
+        }
+        if (places_.empty()) {
+            places_.reserve(records_.size());
+            for (std::size_t place = 0; place < records_.size(); ++place) {
+                places_.emplace(records_[place].first, place);
+            }
+        }
+        const auto found = places_.find(name);
+        if (found == places_.end()) {
+            return std::nullopt;
+        }
+        next_ = found->second + 1;
+        return records_[found->second].second;
+    }
+
     static bool belongsTo(std::string_view stored, std::string_view numberName, std::string_view number) {
         ContentReader reader(stored);
         std::string_view property;
@@ -69,7 +90,9 @@ class StoredAccounts {
     }
 
     TextArena arena_;
-    std::unordered_map<std::string_view, std::string_view> contents_;
+    std::vector<std::pair<std::string_view, std::string_view>> records_; ///< their names and contents
+    std::unordered_map<std::string_view, std::size_t> places_;           ///< of names among them, when needed
+    std::size_t next_ = 0;                                               ///< where the next one probably is
 };
 
 /// What the lines hold, and what only the writers of the store know.
@@ -103,9 +126,10 @@ RecordBlock userLines(const AccountFiles& files, sqlite3* store, std::int64_t us
     RecordBlock block;
     StoredAccounts stored(store, usersDirectory, error);
     std::int64_t id = firstUserLineId;
+    ContentWriter content;
     const auto add = [&](const passwd& line) {
         const std::string_view name = textOf(line.pw_name);
-        ContentWriter content;
+        content.clear();
         const std::string_view comment = textOf(line.pw_gecos);
         const std::string number = directoryNumber(line.pw_uid);
         content.single("name", name);

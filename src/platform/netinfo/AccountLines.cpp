@@ -1,5 +1,9 @@
 #include "platform/netinfo/AccountLines.h"
 
+#include "platform/netinfo/RecordBlock.h"
+#include "platform/posix/InputOutput.h"
+
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cstdio>
@@ -7,6 +11,7 @@
 #include <fstream>
 #include <memory>
 #include <sstream>
+#include <string_view>
 #include <unordered_set>
 #include <utility>
 
@@ -23,21 +28,30 @@ std::string textOf(const char* text) {
 }
 
 /// A line that takes its accounts from elsewhere is no account.
-bool isAccountName(const std::string& name) {
+bool isAccountName(std::string_view name) {
     return !name.empty() && name.front() != '+' && name.front() != '-';
 }
 
 template <class Line, class Read, class NameOf>
 Status forEachLine(const std::string& path, Read read, NameOf nameOf,
                    const std::function<void(const Line&)>& use) {
-    const std::unique_ptr<std::FILE, CloseFile> file(std::fopen(path.c_str(), "re"));
+    auto bytes = readWholeFile(path);
+    if (!bytes.isOk() || bytes->empty()) {
+        return bytes.status();
+    }
+    // Of a file on the disk, the library would ask for its place in it at every line.
+    const std::unique_ptr<std::FILE, CloseFile> file(::fmemopen(bytes->data(), bytes->size(), "r"));
     if (!file) {
         return Status::ofErrno("cannot read", path, errno);
     }
-    std::unordered_set<std::string> seen;
+    TextArena names;
+    std::unordered_set<std::string_view> seen;
+    seen.reserve(static_cast<std::size_t>(std::ranges::count(*bytes, '\n')));
     while (const Line* line = read(file.get())) {
-        if (std::string name = textOf(nameOf(*line));
-            isAccountName(name) && seen.insert(std::move(name)).second) {
+        const char* text = nameOf(*line);
+        const std::string_view name = text == nullptr ? std::string_view() : text;
+        if (isAccountName(name) && !seen.contains(name)) {
+            seen.insert(names.keep(name));
             use(*line);
         }
     }

@@ -36,6 +36,9 @@ class ContentWriter {
 
     [[nodiscard]] const std::string& content() const { return content_; }
 
+    /// Begins anew.
+    void clear() { content_.clear(); }
+
   private:
     std::string content_;
 };
