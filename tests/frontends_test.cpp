@@ -1,8 +1,8 @@
 // What stands around the front-ends: the options, the printed table and the program's exit statuses.
 
 #include "frontends/Options.h"
-#include "frontends/SilentPresenter.h"
 #include "frontends/TableText.h"
+#include "frontends/cli/SilentPresenter.h"
 #include "platform/foundation/NSFileManager.h"
 #include "platform/posix/InputOutput.h"
 #include "support/AppFixture.h"

@@ -2,9 +2,9 @@
 
 #include "frontends/Application.h"
 #include "frontends/Options.h"
-#include "frontends/SilentPresenter.h"
 #include "frontends/TableText.h"
 #include "frontends/WindowRun.h"
+#include "frontends/cli/CommandRun.h"
 #include "frontends/script/ScriptRunner.h"
 #include "platform/appkit/NSApplication.h"
 #include "platform/foundation/Computer.h"
@@ -194,6 +194,34 @@ int runWithWindow(const Options& options, char** argv) {
     }
 }
 
+/// What the system logs while a command runs is for the log that is kept.
+int runCommand(const Options& options) {
+    platform::Services services = makeServices(options);
+    services.log = std::make_shared<QuietSystemLog>();
+    std::optional<platform::SambaPaths> rootServer;
+    if (!options.host.system) {
+        const std::string& root = options.host.root;
+        rootServer = platform::EmbeddedRoot(root.empty() ? platform::EmbeddedRoot::defaultFolder() : root)
+                         .sambaPaths();
+    }
+    Application application(std::move(services));
+    const auto presenter = std::make_shared<frontend::CommandPresenter>(options.command.saysYes);
+    application.setPresenter(presenter);
+    if (options.command.needsApplication) {
+        application.load();
+        application.launch();
+        if (application.reviewer() != nullptr) {
+            application.reviewer()->setQuestion(&review::Reviewer::askAboutWarnings);
+        }
+    }
+    presenter->begin();
+    const int status = frontend::CommandRun({options.command, *presenter, application.reviewer(),
+                                             application.history(), rootServer})
+                           .run();
+    application.end();
+    return status;
+}
+
 int run(const Options& options, char** argv) {
     if (options.end) {
         return options.end->print();
@@ -201,6 +229,8 @@ int run(const Options& options, char** argv) {
     switch (options.mode) {
     case Mode::Script:
         return runScript(options);
+    case Mode::Command:
+        return runCommand(options);
     case Mode::Print:
         return printTable(options);
     case Mode::Window:

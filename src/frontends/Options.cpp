@@ -8,8 +8,8 @@ Options parseOptions(std::vector<std::string> arguments) {
     Options options;
     const auto parser = platform::makeParser(
         "brindle",
-        "Administers the file sharing of one computer. Without --script, --print or --snapshot it opens its "
-        "window.",
+        "Administers the file sharing of one computer. Without a command, --script, --print or "
+        "--snapshot it opens its window.",
         "", options.host);
     CLI::Option& script =
         platform::addText(*parser, "--script", options.script, "FILE",
@@ -33,8 +33,13 @@ Options parseOptions(std::vector<std::string> arguments) {
         ->type_name("N")
         ->check(CLI::Range(1, 65535).description(""))
         ->needs(serve);
+    addCommands(*parser, options.command);
     options.end = platform::parse(*parser, std::move(arguments));
-    options.mode = script ? Mode::Script : print ? Mode::Print : snapshot ? Mode::Snapshot : Mode::Window;
+    options.mode = options.command.carryOut ? Mode::Command
+                   : script                 ? Mode::Script
+                   : print                  ? Mode::Print
+                   : snapshot               ? Mode::Snapshot
+                                            : Mode::Window;
     return options;
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "frontends/cli/CommandOptions.h"
 #include "platform/commandline/CommandLine.h"
 
 #include <optional>
@@ -9,7 +10,7 @@
 namespace frontend {
 
 /// What a run of the program is for.
-enum class Mode { Window, Script, Print, Snapshot };
+enum class Mode { Window, Script, Print, Snapshot, Command };
 
 /// What the command line asks for, checked. Nothing has been opened or made yet.
 struct Options {
@@ -20,13 +21,15 @@ struct Options {
     std::string snapshotFolder;
     bool dryRun = false;     ///< the script works on copies and changes nothing
     bool serve = false;      ///< with a file server of the root's own
+    CommandOptions command;  ///< in the mode Command
     std::optional<int> port; ///< the server's, 1 to 65535; none for its default
 
     /// Set when the run only prints this: the help, the version, or what is wrong with the command line.
     std::optional<platform::CommandLineEnd> end;
 };
 
-/// Reads the arguments after the program's name. A value stands in the next argument or after "=".
+/// Reads the arguments after the program's name. A value stands
+/// in the next argument or after "=".
 [[nodiscard]] Options parseOptions(std::vector<std::string> arguments);
 
 } // namespace frontend

@@ -1,4 +1,4 @@
-#include "frontends/SilentPresenter.h"
+#include "frontends/cli/SilentPresenter.h"
 
 namespace frontend {
 

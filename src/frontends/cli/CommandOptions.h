@@ -1,0 +1,47 @@
+#pragma once
+
+#include <CLI/CLI.hpp>
+
+#include <functional>
+#include <optional>
+#include <string>
+
+namespace frontend {
+
+class CommandRun;
+
+/// What the command line asks for where it names a command.
+struct CommandOptions {
+    std::function<void(CommandRun&)> carryOut; ///< empty: no command was named
+    std::string name;                          ///< "shares add"
+    bool printsJSON = false;
+    bool saysYes = false; ///< confirmations are answered beforehand
+    bool isDryRun = false;
+    bool needsApplication = true; ///< false: a host is all that it needs
+};
+
+/// Adds all commands to the parser. `options` must outlive it.
+void addCommands(CLI::App& parser, CommandOptions& options);
+
+// One for each noun, and what they add their commands with.
+
+void addShareCommands(CLI::App& parser, CommandOptions& options);
+void addUserCommands(CLI::App& parser, CommandOptions& options);
+void addGroupCommands(CLI::App& parser, CommandOptions& options);
+void addPublicCommands(CLI::App& parser, CommandOptions& options);
+void addSettingsCommands(CLI::App& parser, CommandOptions& options);
+void addServerCommands(CLI::App& parser, CommandOptions& options);
+void addHistoryCommands(CLI::App& parser, CommandOptions& options);
+void addAccessCommands(CLI::App& parser, CommandOptions& options);
+
+enum class CommandKind { Reading, Writing };
+
+/// Adds the command `name` below `parent`, with --json and, where it writes, --yes and --dry-run.
+CLI::App* addCommand(CLI::App& parent, CommandOptions& options, const std::string& name, CommandKind kind,
+                     const std::string& description, std::function<void(CommandRun&)> carryOut);
+
+/// Adds the two flags --NAME and --no-NAME for a thing that is on, off or left as it is.
+void addSwitch(CLI::App& command, const std::string& name, std::optional<bool>& state,
+               const std::string& description);
+
+} // namespace frontend

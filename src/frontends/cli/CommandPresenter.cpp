@@ -1,0 +1,89 @@
+#include "frontends/cli/CommandPresenter.h"
+
+#include "frontends/cli/Terminal.h"
+#include "frontends/script/ScriptWords.h"
+#include "platform/foundation/NSBundle.h"
+
+#include <utility>
+
+namespace frontend {
+
+bool CommandPresenter::isConfirmed(const platform::Alert& alert) {
+    const std::string question = alert.title + ": " + alert.message;
+    if (saysYes_) {
+        return true;
+    }
+    if (isAtTerminal()) {
+        return askYesOrNo(question);
+    }
+    unanswered_ = unanswered_.value_or(question);
+    return false;
+}
+
+platform::AlertAnswer CommandPresenter::runAlert(const platform::Alert& alert) {
+    if (!hasBegun_) {
+        return SilentPresenter::runAlert(alert);
+    }
+    if (!alert.alternateButton) {
+        faults_.push_back(alert.title + ": " + alert.message);
+        return platform::AlertAnswer::Default;
+    }
+    // The button that goes on is the one that is not the safe default, except where that itself says yes.
+    const bool defaultGoesOn = alert.defaultButton == NSLocalizedString("Yes");
+    return isConfirmed(alert) == defaultGoesOn ? platform::AlertAnswer::Default
+                                               : platform::AlertAnswer::Alternate;
+}
+
+std::optional<std::string> CommandPresenter::runOpenPanel(const platform::OpenPanelRequest& /*request*/) {
+    return std::exchange(choice_, std::nullopt);
+}
+
+std::optional<platform::AdministratorAnswer>
+CommandPresenter::runAdministratorDialog(const platform::AdministratorRequest& request) {
+    if (!request.needsPassword) {
+        return platform::AdministratorAnswer{}; // to give the command is to consent
+    }
+    if (hasBegun_ && isAtTerminal()) {
+        if (auto password = askSecret(NSLocalizedString("Administrator password"))) {
+            return platform::AdministratorAnswer{std::move(*password)};
+        }
+    }
+    wasRefused_ = hasBegun_;
+    return std::nullopt;
+}
+
+void CommandPresenter::editWasRefused(const NSTextField& /*field*/, const std::string& errorText) {
+    faults_.push_back(errorText);
+}
+
+void CommandPresenter::toolWillRun(const std::string& tool, std::span<const std::string> arguments) {
+    std::string run = tool;
+    for (const std::string& argument : arguments) {
+        run += " " + scriptWord(argument);
+    }
+    runs_.push_back(std::move(run));
+}
+
+void CommandPresenter::toolDidWrite(std::string_view output) {
+    faults_.emplace_back(output.substr(0, output.find_last_not_of('\n') + 1));
+}
+
+platform::Element* CommandPresenter::find(const std::string& name) const {
+    for (const platform::Interface* interface : interfaces_) {
+        if (platform::Element* found = interface->find(name)) {
+            return found;
+        }
+    }
+    return nullptr;
+}
+
+NSControl* CommandPresenter::findWiredTo(const std::string& operation) const {
+    for (const platform::Interface* interface : interfaces_) {
+        if (NSControl* found = interface->findWiredTo(operation)) {
+            return found;
+        }
+    }
+    return nullptr;
+}
+
+} // namespace frontend

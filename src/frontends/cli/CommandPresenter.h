@@ -1,0 +1,66 @@
+#pragma once
+
+#include "frontends/cli/SilentPresenter.h"
+#include "platform/appkit/Interface.h"
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace frontend {
+
+/// The front-end of a command. Start-up's questions are not put to it. From begin() on a question is answered
+/// beforehand (--yes), at the terminal, or ends the command; what an alert tells is why the command failed.
+class CommandPresenter : public SilentPresenter {
+  public:
+    explicit CommandPresenter(bool saysYes) : saysYes_(saysYes) {}
+
+    /// The application has started: from here on all that happens is the command's.
+    void begin() { hasBegun_ = true; }
+
+    [[nodiscard]] platform::AlertAnswer runAlert(const platform::Alert& alert) override;
+    [[nodiscard]] std::optional<std::string> runOpenPanel(const platform::OpenPanelRequest& request) override;
+    [[nodiscard]] std::optional<platform::AdministratorAnswer>
+    runAdministratorDialog(const platform::AdministratorRequest& request) override;
+
+    void beep() override { hasBeeped_ = hasBegun_; }
+
+    void interfaceDidLoad(platform::Interface& interface) override { interfaces_.push_back(&interface); }
+
+    void editWasRefused(const NSTextField& field, const std::string& errorText) override;
+    void toolWillRun(const std::string& tool, std::span<const std::string> arguments) override;
+    void toolDidWrite(std::string_view output) override;
+
+    /// The next open panel is confirmed with this path.
+    void choose(std::string path) { choice_ = std::move(path); }
+
+    /// The element of that name in the loaded interface files; null when there is none.
+    [[nodiscard]] platform::Element* find(const std::string& name) const;
+    [[nodiscard]] NSControl* findWiredTo(const std::string& operation) const;
+
+    // What has happened since begin().
+    [[nodiscard]] const std::vector<std::string>& runs() const { return runs_; }
+
+    [[nodiscard]] const std::vector<std::string>& faults() const { return faults_; }
+
+    [[nodiscard]] const std::optional<std::string>& unanswered() const { return unanswered_; }
+
+    [[nodiscard]] bool wasRefused() const { return wasRefused_; }
+
+    [[nodiscard]] bool hasBeeped() const { return hasBeeped_; }
+
+  private:
+    [[nodiscard]] bool isConfirmed(const platform::Alert& alert);
+
+    bool saysYes_;
+    bool hasBegun_ = false;
+    bool hasBeeped_ = false;
+    bool wasRefused_ = false;
+    std::optional<std::string> choice_;
+    std::optional<std::string> unanswered_;
+    std::vector<std::string> runs_;
+    std::vector<std::string> faults_;
+    std::vector<platform::Interface*> interfaces_;
+};
+
+} // namespace frontend

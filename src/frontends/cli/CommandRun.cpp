@@ -1,0 +1,208 @@
+#include "frontends/cli/CommandRun.h"
+
+#include "frontends/script/PlanText.h"
+#include "platform/appkit/NSApplication.h"
+#include "platform/foundation/NSBundle.h"
+#include "platform/foundation/NSString.h"
+
+#include <iostream>
+
+namespace frontend {
+
+namespace {
+
+/// JSON is UTF-8: other bytes become U+FFFD.
+std::string printed(const JSON& value) {
+    constexpr int indent = 2;
+    return value.dump(indent, ' ', false, JSON::error_handler_t::replace);
+}
+
+} // namespace
+
+void CommandRun::fail(const std::string& text, CommandStatus status) {
+    throw CommandFailure(status, text);
+}
+
+int CommandRun::run() {
+    const bool printsJSON = context_.options.printsJSON;
+    CommandStatus status = CommandStatus::Done;
+    try {
+        context_.options.carryOut(*this);
+        finish();
+    } catch (const CommandFailure& failure) {
+        status = failure.status();
+        if (printsJSON) {
+            result_ = {{"error", {{"status", static_cast<int>(status)}, {"text", failure.what()}}}};
+        } else {
+            std::cerr << "brindle: " << failure.what() << '\n';
+        }
+    }
+    if (printsJSON) {
+        std::cout << printed(result_) << '\n';
+    } else if (status == CommandStatus::Done) {
+        for (const std::string& line : lines_) {
+            std::cout << line << '\n';
+        }
+    }
+    std::cout << std::flush;
+    if (!std::cout) {
+        std::cerr << "brindle: standard output cannot be written\n";
+        return static_cast<int>(CommandStatus::Failed);
+    }
+    return static_cast<int>(status);
+}
+
+void CommandRun::finish() {
+    checkWhatHappened();
+    if (context_.options.isDryRun || !hasWritten_) {
+        return;
+    }
+    result_["changed"] = changes_;
+    result_["runs"] = context_.presenter.runs().size();
+    say(changes_ ? NSLocalizedString("changed") : NSLocalizedString("unchanged"));
+}
+
+std::string CommandRun::text(const std::string& field) const {
+    return control<NSTextField>(field).stringValue();
+}
+
+std::string CommandRun::cell(const std::string& table, const std::string& column, int row) const {
+    auto& view = control<NSTableView>(table);
+    for (const NSTableColumn& each : view.tableColumns()) {
+        if (each.identifier == column) {
+            return view.objectValue(each, row);
+        }
+    }
+    return {};
+}
+
+int CommandRun::rowOf(const std::string& table, const std::string& column, const std::string& value) const {
+    const int rows = control<NSTableView>(table).numberOfRows();
+    for (int row = 0; row < rows; ++row) {
+        if (cell(table, column, row) == value) {
+            return row;
+        }
+    }
+    return -1;
+}
+
+void CommandRun::selectRows(const std::string& table, std::vector<int> rows) {
+    perform([&] { control<NSTableView>(table).selectRows(std::move(rows)); });
+}
+
+void CommandRun::type(const std::string& field, const std::string& text) {
+    auto& target = control<NSTextField>(field);
+    perform([&] {
+        const NSRange all{0, utf16Length(target.stringValue())};
+        // A refused edit has been announced to the presenter.
+        static_cast<void>(target.proposeEdit(text, utf16Length(text), all));
+        target.endEditing();
+    });
+}
+
+void CommandRun::select(const std::string& popUp, int index) {
+    perform([&] { control<NSPopUpButton>(popUp).performSelect(index); });
+}
+
+void CommandRun::selectTitle(const std::string& popUp, const std::string& title, const std::string& what) {
+    const int index = control<NSPopUpButton>(popUp).indexOfItemWithTitle(title);
+    if (index < 0) {
+        fail(stringWithFormat(NSLocalizedString("there is no %@ \"%@\""), what, title));
+    }
+    select(popUp, index);
+}
+
+void CommandRun::check(const std::string& box, bool isOn) {
+    auto& button = control<NSButton>(box);
+    if ((button.state() == NSOnState) != isOn) {
+        perform([&] { button.performClick(); });
+    }
+}
+
+void CommandRun::set(const std::string& field, const std::optional<std::string>& text) {
+    if (text && this->text(field) != *text) {
+        type(field, *text);
+        noteChange();
+    }
+}
+
+void CommandRun::setItem(const std::string& popUp, const std::optional<std::string>& title,
+                         const std::string& what) {
+    if (title && control<NSPopUpButton>(popUp).titleOfSelectedItem() != title) {
+        selectTitle(popUp, *title, what);
+        noteChange();
+    }
+}
+
+void CommandRun::setIndex(const std::string& popUp, std::optional<int> index) {
+    if (index && control<NSPopUpButton>(popUp).indexOfSelectedItem() != *index) {
+        select(popUp, *index);
+        noteChange();
+    }
+}
+
+void CommandRun::setBox(const std::string& box, std::optional<bool> isOn) {
+    if (isOn && (control<NSButton>(box).state() == NSOnState) != *isOn) {
+        check(box, *isOn);
+        noteChange();
+    }
+}
+
+void CommandRun::press(NSControl& control) {
+    hasWritten_ = true;
+    if (!changes_) {
+        return;
+    }
+    if (context_.options.isDryRun) {
+        showPlan(context_.reviewer->planPress(control));
+        return;
+    }
+    perform([&] {
+        if (auto* button = dynamic_cast<NSButton*>(&control)) {
+            button->performClick();
+        } else {
+            control.sendAction();
+        }
+    });
+}
+
+void CommandRun::send(const std::string& operation) {
+    press(*context_.presenter.findWiredTo(operation));
+}
+
+void CommandRun::perform(const std::function<void()>& event) {
+    NSApp().dispatch(event);
+    checkWhatHappened();
+}
+
+void CommandRun::checkWhatHappened() const {
+    const CommandPresenter& presenter = context_.presenter;
+    if (presenter.unanswered()) {
+        fail(*presenter.unanswered() + " " + NSLocalizedString("(say --yes to go on)"),
+             CommandStatus::NeedsAnswer);
+    }
+    if (presenter.wasRefused()) {
+        fail(NSLocalizedString("an administrator's permission is needed, and was not given"),
+             CommandStatus::AdministratorRefused);
+    }
+    if (!presenter.faults().empty()) {
+        fail(presenter.faults().front());
+    }
+    if (presenter.hasBeeped()) {
+        fail(NSLocalizedString("it was not carried out; the system's log says why"));
+    }
+}
+
+void CommandRun::showPlan(const review::Plan& plan) {
+    if (!plan.failure.empty()) {
+        fail(plan.failure);
+    }
+    JSON& lines = result_["plan"];
+    lines = lines.is_array() ? lines : JSON::array();
+    for (const std::string& line : planLines(plan)) {
+        say(line);
+        lines.push_back(line);
+    }
+}
+
+} // namespace frontend

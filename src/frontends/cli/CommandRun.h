@@ -1,0 +1,105 @@
+#pragma once
+
+#include "frontends/cli/CommandFailure.h"
+#include "frontends/cli/CommandOptions.h"
+#include "frontends/cli/CommandPresenter.h"
+#include "platform/appkit/NSButton.h"
+#include "platform/appkit/NSPopUpButton.h"
+#include "platform/appkit/NSTableView.h"
+#include "platform/appkit/NSTextField.h"
+#include "platform/samba/SambaPaths.h"
+#include "review/History.h"
+#include "review/Reviewer.h"
+
+#include <nlohmann/json.hpp>
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace frontend {
+
+using JSON = nlohmann::ordered_json;
+
+/// What a command works with.
+struct CommandContext {
+    const CommandOptions& options;
+    CommandPresenter& presenter;
+    review::Reviewer* reviewer = nullptr; ///< null where the application is not loaded
+    const review::History& history;
+    std::optional<platform::SambaPaths> rootServer; ///< an embedded root's own server
+};
+
+/// A command under way: it uses the application's controls as a user would, and collects what there is to
+/// say. The first thing that cannot be done ends it with a CommandFailure.
+class CommandRun {
+  public:
+    explicit CommandRun(CommandContext context) : context_(context) {}
+
+    /// Carries the command out and prints what it says, or why it ended. Returns the exit status.
+    [[nodiscard]] int run();
+
+    // The controls.
+    template <class Kind>
+    [[nodiscard]] Kind& control(const std::string& name) const {
+        return dynamic_cast<Kind&>(*context_.presenter.find(name));
+    }
+
+    [[nodiscard]] std::string text(const std::string& field) const;
+    [[nodiscard]] std::string cell(const std::string& table, const std::string& column, int row) const;
+    /// The first row whose column holds `value`; -1 when there is none.
+    [[nodiscard]] int rowOf(const std::string& table, const std::string& column,
+                            const std::string& value) const;
+    void selectRows(const std::string& table, std::vector<int> rows);
+    void type(const std::string& field, const std::string& text);
+    void select(const std::string& popUp, int index);
+    /// Ends the command when there is no such item: `what` is what it would have been.
+    void selectTitle(const std::string& popUp, const std::string& title, const std::string& what);
+    void check(const std::string& box, bool isOn);
+
+    // What sets only what is another: it notes that something changes.
+    void set(const std::string& field, const std::optional<std::string>& text);
+    void setItem(const std::string& popUp, const std::optional<std::string>& title, const std::string& what);
+    void setIndex(const std::string& popUp, std::optional<int> index);
+    void setBox(const std::string& box, std::optional<bool> isOn);
+
+    void noteChange() { changes_ = true; }
+
+    /// Whether anything was found that is to be another.
+    [[nodiscard]] bool changes() const { return changes_; }
+
+    /// Uses the control: prints the plan instead in a dry run. Nothing when nothing changes, unless `always`.
+    void press(NSControl& control);
+
+    void press(const std::string& button) { press(control<NSControl>(button)); }
+
+    /// The same for what is wired to the operation.
+    void send(const std::string& operation);
+    /// Runs what a user does as one event; what goes wrong in it ends the command.
+    void perform(const std::function<void()>& event);
+
+    [[nodiscard]] CommandPresenter& presenter() const { return context_.presenter; }
+
+    [[nodiscard]] const CommandContext& context() const { return context_; }
+
+    // What the command says.
+    [[nodiscard]] JSON& result() { return result_; }
+
+    void say(const std::string& line) { lines_.push_back(line); }
+
+    [[noreturn]] static void fail(const std::string& text, CommandStatus status = CommandStatus::Failed);
+
+  private:
+    void checkWhatHappened() const;
+    void showPlan(const review::Plan& plan);
+    void finish();
+
+    CommandContext context_;
+    bool changes_ = false;
+    bool hasWritten_ = false;
+    JSON result_ = JSON::object();
+    std::vector<std::string> lines_;
+};
+
+} // namespace frontend

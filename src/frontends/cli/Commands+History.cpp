@@ -1,0 +1,69 @@
+#include "frontends/cli/CommandRun.h"
+#include "platform/foundation/NSBundle.h"
+#include "platform/foundation/NSString.h"
+
+#include <memory>
+
+namespace frontend {
+
+namespace {
+
+JSON entryOf(const review::HistoryEntry& entry) {
+    return {{"number", entry.number},
+            {"time", review::timeOf(entry)},
+            {"user", entry.user},
+            {"title", entry.title},
+            {"outcome", review::outcomeOf(entry)}};
+}
+
+void history(CommandRun& run) {
+    const auto entries = run.context().history.entries();
+    if (!entries.isOk()) {
+        CommandRun::fail(entries.status().text());
+    }
+    JSON& list = run.result()["history"] = JSON::array();
+    for (const review::HistoryEntry& entry : *entries) {
+        list.push_back(entryOf(entry));
+        run.say(std::to_string(entry.number) + "\t" + review::timeOf(entry) + "\t" + entry.user + "\t" +
+                entry.title + "\t" + review::outcomeOf(entry));
+    }
+}
+
+void undo(CommandRun& run, std::optional<std::int64_t> number) {
+    const auto plan = run.context().history.describeUndo(number);
+    if (!plan.isOk()) {
+        CommandRun::fail(plan.status().text());
+    }
+    if (!plan->refusal.empty()) {
+        CommandRun::fail(plan->refusal);
+    }
+    run.result()["undo"] = entryOf(plan->entry);
+    run.say(plan->title);
+    for (const std::string& loss : plan->losses) {
+        run.say(loss);
+    }
+    run.result()["losses"] = plan->losses;
+    if (run.context().options.isDryRun) {
+        return;
+    }
+    platform::Status status;
+    run.perform([&] { status = run.context().history.undo(*plan); });
+    if (!status.isOk()) {
+        CommandRun::fail(status.text());
+    }
+    run.result()["changed"] = true;
+    run.result()["runs"] = run.presenter().runs().size();
+}
+
+} // namespace
+
+void addHistoryCommands(CLI::App& parser, CommandOptions& options) {
+    addCommand(parser, options, "history", CommandKind::Reading, "List what was changed, newest first",
+               history);
+    const auto number = std::make_shared<std::optional<std::int64_t>>();
+    addCommand(parser, options, "undo", CommandKind::Writing, "Take a change back",
+               [number](CommandRun& run) { undo(run, *number); })
+        ->add_option("NUMBER", *number, "The change's number; the newest without one");
+}
+
+} // namespace frontend

@@ -1,0 +1,76 @@
+#include "frontends/cli/CommandRun.h"
+#include "platform/foundation/NSBundle.h"
+#include "platform/foundation/NSString.h"
+
+#include <memory>
+
+namespace frontend {
+
+namespace {
+
+constexpr const char* table = "userTableView";
+
+struct PublicOptions {
+    std::vector<std::string> users;
+    bool everybody = false;
+};
+
+bool isShared(const CommandRun& run, int row) {
+    return run.cell(table, "Public Shared", row) == NSLocalizedString("YES");
+}
+
+void setAll(CommandRun& run, bool on) {
+    const int rows = run.control<NSTableView>(table).numberOfRows();
+    for (int row = 0; row < rows && !run.changes(); ++row) {
+        if (isShared(run, row) != on) {
+            run.noteChange();
+        }
+    }
+    run.send(on ? "enableAllPublicShares:" : "disableAllPublicShares:");
+}
+
+void setSome(CommandRun& run, const std::vector<std::string>& users, bool on) {
+    const char* button = on ? "enablePublicSelectedButton" : "disablePublicSelectedButton";
+    // All of them before the first, so that a mistake in a name changes nothing.
+    std::vector<std::string> wanted;
+    for (const std::string& user : users) {
+        const int row = run.rowOf(table, "User", user);
+        if (row < 0) {
+            CommandRun::fail(stringWithFormat(NSLocalizedString("there is no user \"%@\""), user));
+        }
+        if (isShared(run, row) != on) {
+            wanted.push_back(user);
+            run.noteChange();
+        }
+    }
+    for (const std::string& user : wanted) {
+        run.selectRows(table, {run.rowOf(table, "User", user)});
+        run.press(button);
+    }
+    if (wanted.empty()) {
+        run.press(button);
+    }
+}
+
+} // namespace
+
+void addPublicCommands(CLI::App& parser, CommandOptions& options) {
+    CLI::App* const folders = parser.add_subcommand("public", "Sharing of users' Public folders");
+    folders->fallthrough();
+    folders->require_subcommand(1);
+    const auto given = std::make_shared<PublicOptions>();
+    for (const bool on : {true, false}) {
+        CLI::App* const command = addCommand(
+            *folders, options, on ? "on" : "off", CommandKind::Writing,
+            on ? "Share users' Public folders" : "Stop sharing them", [given, on](CommandRun& run) {
+                if (given->everybody != given->users.empty()) {
+                    CommandRun::fail(NSLocalizedString("say either users or --all"), CommandStatus::WrongUse);
+                }
+                given->everybody ? setAll(run, on) : setSome(run, given->users, on);
+            });
+        command->add_option("USER", given->users, "The users' names");
+        command->add_flag("--all", given->everybody, "All users");
+    }
+}
+
+} // namespace frontend

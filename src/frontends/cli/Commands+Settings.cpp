@@ -1,0 +1,200 @@
+#include "frontends/cli/CommandRun.h"
+#include "platform/appkit/NSMatrix.h"
+#include "platform/foundation/NSBundle.h"
+#include "platform/foundation/NSString.h"
+
+#include <algorithm>
+#include <memory>
+#include <span>
+
+namespace frontend {
+
+namespace {
+
+/// How a setting's control takes a value.
+enum class Kind {
+    Text,   ///< a field
+    Count,  ///< a field for a number, or nothing
+    OnOff,  ///< a check box
+    Choice, ///< a pop-up, by its titles
+    Number  ///< a pop-up, by its tags
+};
+
+struct Setting {
+    const char* key;
+    const char* outlet;
+    Kind kind;
+    int cell = -1; ///< of a matrix of boxes, counted row by row
+};
+
+constexpr Setting smbSettings[] = {
+    {"netbios-name", "smbNetBiosName", Kind::Text},
+    {"workgroup", "smbWorkGroup", Kind::Text},
+    {"description", "smbServerInfoString", Kind::Text},
+    {"wins-server", "smbWINSServer", Kind::Text},
+    {"local-master", "smbWorkGroupMaster", Kind::OnOff},
+    {"security", "smbSecurity", Kind::Choice},
+    {"max-connections", "smbMaxConnections", Kind::Count},
+    {"code-page", "smbCodePage", Kind::Number},
+    {"hidden-files", "smbHideFiles", Kind::Text},
+    {"vetoed-files", "smbVetoFiles", Kind::Text},
+    {"hide-dot-files", "smbHideDotFiles", Kind::OnOff},
+    {"home-folders", "smbShareHomeDirs", Kind::OnOff},
+    {"home-folders-browseable", "smbHomeDirsBrowseable", Kind::OnOff},
+    {"home-folders-read-only", "smbHomeDirsReadOnly", Kind::OnOff},
+};
+
+constexpr Setting afpSettings[] = {
+    {"greeting", "greeting", Kind::Text},
+    {"greeting-once", "greetingOnce", Kind::OnOff},
+    {"text-encoding", "afpTextEncoding", Kind::Number},
+    {"announce", "useRendezvous", Kind::OnOff},
+    {"guests", "allowGuestAccess", Kind::OnOff},
+    {"administrators-see-all", "adminSpPrivsButton", Kind::OnOff},
+    {"max-connections", "numConnections", Kind::Text},
+    {"max-guests", "numGuestConnections", Kind::Text},
+    {"port", "tcpPort", Kind::Text},
+    {"disconnect-idle", "idleDisconnectEnable", Kind::OnOff},
+    {"idle-minutes", "idleDisconnectTime", Kind::Text},
+    {"idle-guests", "idleDisconnectUsers", Kind::OnOff, 0},
+    {"idle-registered", "idleDisconnectUsers", Kind::OnOff, 1},
+    {"idle-administrators", "idleDisconnectUsers", Kind::OnOff, 2},
+    {"idle-open-files", "idleDisconnectUsers", Kind::OnOff, 3},
+    {"log", "loggingEnable", Kind::OnOff},
+    {"log-file", "logFilePath", Kind::Text},
+    {"log-days", "logRolloverText", Kind::Text},
+    {"log-logins", "loggingAttributes1", Kind::OnOff, 0},
+    {"log-logouts", "loggingAttributes1", Kind::OnOff, 1},
+    {"log-new-folders", "loggingAttributes2", Kind::OnOff, 0},
+    {"log-new-files", "loggingAttributes2", Kind::OnOff, 1},
+    {"log-opened-files", "loggingAttributes3", Kind::OnOff, 0},
+    {"log-deleted-items", "loggingAttributes3", Kind::OnOff, 1},
+};
+
+struct Page {
+    const char* name;
+    std::span<const Setting> settings;
+    const char* save; ///< the operation
+};
+
+constexpr Page smbPage{"smb", smbSettings, "updateSMBProperties:"};
+constexpr Page afpPage{"afp", afpSettings, "updateAFSProperties:"};
+
+bool isOn(const CommandRun& run, const Setting& setting) {
+    if (setting.cell < 0) {
+        return run.control<NSButton>(setting.outlet).state() == NSOnState;
+    }
+    const auto& boxes = run.control<NSMatrix>(setting.outlet);
+    const int columns = boxes.numberOfColumns();
+    return boxes.stateAt(setting.cell / columns, setting.cell % columns) == NSOnState;
+}
+
+std::string valueOf(const CommandRun& run, const Setting& setting) {
+    switch (setting.kind) {
+    case Kind::Text:
+    case Kind::Count:
+        return run.text(setting.outlet);
+    case Kind::OnOff:
+        return isOn(run, setting) ? "yes" : "no";
+    case Kind::Choice:
+        return run.control<NSPopUpButton>(setting.outlet).titleOfSelectedItem().value_or("");
+    case Kind::Number:
+        return std::to_string(run.control<NSPopUpButton>(setting.outlet).tagOfSelectedItem());
+    }
+    return {};
+}
+
+void show(CommandRun& run, const Page& page) {
+    JSON& values = run.result()[page.name] = JSON::object();
+    for (const Setting& setting : page.settings) {
+        const std::string value = valueOf(run, setting);
+        values[setting.key] = value;
+        run.say(std::string(setting.key) + ": " + value);
+    }
+}
+
+[[noreturn]] void refuse(const Setting& setting, const std::string& value) {
+    CommandRun::fail(
+        stringWithFormat(NSLocalizedString("%@ cannot be \"%@\""), std::string(setting.key), value));
+}
+
+int itemFor(const CommandRun& run, const Setting& setting, const std::string& value) {
+    const auto& popUp = run.control<NSPopUpButton>(setting.outlet);
+    if (setting.kind == Kind::Number) {
+        return popUp.indexOfItemWithTag(longLongValue(value));
+    }
+    const auto found = std::ranges::find_if(popUp.items(), [&](const NSPopUpButton::Item& item) {
+        return isEqualIgnoringCase(item.title, value);
+    });
+    return found == popUp.items().end() ? -1 : static_cast<int>(found - popUp.items().begin());
+}
+
+void apply(CommandRun& run, const Setting& setting, const std::string& value) {
+    if (valueOf(run, setting) == value) {
+        return;
+    }
+    if (setting.kind == Kind::Count && value.find_first_not_of("0123456789") != std::string::npos) {
+        refuse(setting, value);
+    }
+    if (setting.kind == Kind::Text || setting.kind == Kind::Count) {
+        run.set(setting.outlet, value);
+    } else if (setting.kind == Kind::OnOff) {
+        if (value != "yes" && value != "no") {
+            refuse(setting, value);
+        }
+        if (setting.cell < 0) {
+            run.setBox(setting.outlet, value == "yes");
+        } else {
+            auto& boxes = run.control<NSMatrix>(setting.outlet);
+            const int columns = boxes.numberOfColumns();
+            run.perform([&] { boxes.performClickAt(setting.cell / columns, setting.cell % columns); });
+            run.noteChange();
+        }
+    } else {
+        const int index = itemFor(run, setting, value);
+        if (index < 0) {
+            refuse(setting, value);
+        }
+        run.setIndex(setting.outlet, index);
+    }
+    if (setting.kind != Kind::Choice && valueOf(run, setting) != value) {
+        refuse(setting, value); // "abc" for a number, for example
+    }
+}
+
+void set(CommandRun& run, const Page& page, const std::vector<std::string>& words) {
+    if (words.size() % 2 != 0) {
+        CommandRun::fail(NSLocalizedString("each setting needs a value"), CommandStatus::WrongUse);
+    }
+    for (std::size_t index = 0; index < words.size(); index += 2) {
+        const auto found = std::ranges::find(page.settings, words[index], &Setting::key);
+        if (found == page.settings.end()) {
+            CommandRun::fail(stringWithFormat(NSLocalizedString("there is no setting \"%@\""), words[index]),
+                             CommandStatus::WrongUse);
+        }
+        apply(run, *found, words[index + 1]);
+    }
+    run.send(page.save);
+}
+
+void addPage(CLI::App& parser, CommandOptions& options, const Page& page, const char* description) {
+    CLI::App* const settings = parser.add_subcommand(page.name, description);
+    settings->fallthrough();
+    settings->require_subcommand(1);
+    addCommand(*settings, options, "show", CommandKind::Reading, "Show the settings",
+               [&page](CommandRun& run) { show(run, page); });
+    const auto words = std::make_shared<std::vector<std::string>>();
+    addCommand(*settings, options, "set", CommandKind::Writing, "Change settings",
+               [&page, words](CommandRun& run) { set(run, page, *words); })
+        ->add_option("KEY VALUE", *words, "Settings, as show names them, each with its value")
+        ->required();
+}
+
+} // namespace
+
+void addSettingsCommands(CLI::App& parser, CommandOptions& options) {
+    addPage(parser, options, smbPage, "The SMB server's settings");
+    addPage(parser, options, afpPage, "The AFP server's settings");
+}
+
+} // namespace frontend

@@ -1,0 +1,226 @@
+#include "frontends/cli/CommandRun.h"
+#include "platform/foundation/NSBundle.h"
+#include "platform/foundation/NSString.h"
+
+#include <array>
+#include <filesystem>
+#include <memory>
+
+namespace frontend {
+
+namespace {
+
+constexpr const char* table = "normalTableView";
+
+/// The words for the items of a privilege menu, in its order.
+constexpr std::array<const char*, 4> privileges{"rw", "r", "w", "none"};
+/// What the list shows for the same.
+constexpr std::array<const char*, 4> shownPrivileges{"r/w", "r", "w", ""};
+
+struct ShareOptions {
+    std::string name;
+    std::optional<std::string> folder;
+    std::optional<std::string> owner;
+    std::optional<std::string> ownerMay;
+    std::optional<std::string> group;
+    std::optional<std::string> groupMay;
+    std::optional<std::string> everyoneMay;
+    std::optional<bool> guests;
+    std::optional<bool> smb;
+    std::optional<bool> afp;
+};
+
+std::string privilegeOf(const std::string& shown) {
+    for (std::size_t index = 0; index < privileges.size(); ++index) {
+        if (shown == shownPrivileges.at(index)) {
+            return privileges.at(index);
+        }
+    }
+    return shown;
+}
+
+std::optional<int> indexOf(const std::optional<std::string>& privilege) {
+    for (std::size_t index = 0; privilege && index < privileges.size(); ++index) {
+        if (*privilege == privileges.at(index)) {
+            return static_cast<int>(index);
+        }
+    }
+    return std::nullopt;
+}
+
+JSON shareAt(const CommandRun& run, int row) {
+    const auto cell = [&](const char* column) { return run.cell(table, column, row); };
+    return {{"name", cell("ShareName")},
+            {"folder", cell("DirectoryPath")},
+            {"smb", cell("SMB") == "+"},
+            {"afp", cell("AFS") == "+"},
+            {"guests", isEqualIgnoringCase(cell("SMBGuestAccess"), NSLocalizedString("Yes"))},
+            {"ownerMay", privilegeOf(cell("Owner"))},
+            {"groupMay", privilegeOf(cell("Group"))},
+            {"everyoneMay", privilegeOf(cell("Everyone"))}};
+}
+
+std::string protocolsOf(const JSON& share) {
+    const bool smb = share["smb"];
+    const bool afp = share["afp"];
+    return smb && afp ? "SMB and AFP" : smb ? "SMB" : afp ? "AFP" : "not published";
+}
+
+void list(CommandRun& run) {
+    JSON& shares = run.result()["shares"] = JSON::array();
+    const int rows = run.control<NSTableView>(table).numberOfRows();
+    for (int row = 0; row < rows; ++row) {
+        const JSON share = shareAt(run, row);
+        run.say(share["name"].get<std::string>() + "\t" + share["folder"].get<std::string>() + "\t" +
+                protocolsOf(share) + (share["guests"].get<bool>() ? ", guests" : ""));
+        shares.push_back(share);
+    }
+}
+
+int requireRow(const CommandRun& run, const std::string& name) {
+    const int row = run.rowOf(table, "ShareName", name);
+    if (row < 0) {
+        CommandRun::fail(stringWithFormat(NSLocalizedString("there is no share \"%@\""), name));
+    }
+    return row;
+}
+
+/// The share's facts once more, with what only the editor shows.
+void describe(CommandRun& run, const std::string& name) {
+    const int row = run.rowOf(table, "ShareName", name);
+    if (row < 0) {
+        return;
+    }
+    run.selectRows(table, {row});
+    JSON share = shareAt(run, row);
+    share["owner"] = run.control<NSPopUpButton>("owner").titleOfSelectedItem().value_or("");
+    share["group"] = run.control<NSPopUpButton>("group").titleOfSelectedItem().value_or("");
+    run.result()["share"] = share;
+}
+
+void show(CommandRun& run, const ShareOptions& options) {
+    static_cast<void>(requireRow(run, options.name));
+    describe(run, options.name);
+    for (const auto& [key, value] : run.result()["share"].items()) {
+        run.say(key + ": " + (value.is_string() ? value.get<std::string>() : value.dump()));
+    }
+}
+
+/// Puts a folder into the editor as the open panel does, so that owner and privileges come from the disk.
+void chooseFolder(CommandRun& run, const std::string& folder) {
+    std::error_code error;
+    const auto absolute = std::filesystem::absolute(folder, error).lexically_normal();
+    if (error || !std::filesystem::is_directory(absolute, error)) {
+        CommandRun::fail(stringWithFormat(NSLocalizedString("there is no folder %@"), folder));
+    }
+    std::string path = absolute.string();
+    if (path.size() > 1 && path.ends_with('/')) {
+        path.pop_back();
+    }
+    if (run.text("directory") != path) {
+        run.presenter().choose(path);
+        run.perform([&] { run.presenter().findWiredTo("selectDirectory:")->sendAction(); });
+        run.noteChange();
+    }
+}
+
+void fill(CommandRun& run, const ShareOptions& options) {
+    if (options.folder) {
+        chooseFolder(run, *options.folder);
+    }
+    if (options.owner || options.group) {
+        run.check("showSystemUsersGroups", true); // so that every account can be named
+    }
+    run.setItem("owner", options.owner, "user");
+    run.setItem("group", options.group, "group");
+    run.setIndex("ownerPrivs", indexOf(options.ownerMay));
+    run.setIndex("groupPrivs", indexOf(options.groupMay));
+    run.setIndex("everyonePrivs", indexOf(options.everyoneMay));
+    run.setIndex("sharingSMB", options.smb ? std::optional(*options.smb ? 1 : 0) : std::nullopt);
+    run.setIndex("sharingAFS", options.afp ? std::optional(*options.afp ? 1 : 0) : std::nullopt);
+    run.setBox("guestAccessButton", options.guests);
+}
+
+void write(CommandRun& run, const ShareOptions& options) {
+    run.press("createNewShare");
+    describe(run, options.name);
+}
+
+void add(CommandRun& run, ShareOptions options) {
+    const int row = run.rowOf(table, "ShareName", options.name);
+    if (row < 0) {
+        run.selectRows(table, {});
+        run.type("shareName", options.name);
+        run.noteChange();
+        options.smb = options.smb.value_or(!options.afp.value_or(false));
+    } else {
+        // To add what is there is no change, and to add something else by its name a mistake.
+        run.selectRows(table, {row});
+    }
+    fill(run, options);
+    if (row >= 0 && run.changes()) {
+        CommandRun::fail(stringWithFormat(
+            NSLocalizedString("there is a share \"%@\" already, and it is another; use shares set"),
+            options.name));
+    }
+    write(run, options);
+}
+
+void set(CommandRun& run, const ShareOptions& options) {
+    run.selectRows(table, {requireRow(run, options.name)});
+    fill(run, options);
+    write(run, options);
+}
+
+void remove(CommandRun& run, const ShareOptions& options) {
+    const int row = run.rowOf(table, "ShareName", options.name);
+    run.selectRows(table, row < 0 ? std::vector<int>() : std::vector<int>{row});
+    if (row >= 0) {
+        run.noteChange();
+    }
+    run.press("deleteButton");
+}
+
+} // namespace
+
+void addShareCommands(CLI::App& parser, CommandOptions& options) {
+    CLI::App* const shares = parser.add_subcommand("shares", "Folders that this computer shares");
+    shares->fallthrough();
+    shares->require_subcommand(1);
+    const auto given = std::make_shared<ShareOptions>();
+    const auto addName = [&](CLI::App* command) {
+        command->add_option("NAME", given->name, "The share's name")->required();
+        return command;
+    };
+    addCommand(*shares, options, "list", CommandKind::Reading, "List all shares", list);
+    addName(addCommand(*shares, options, "show", CommandKind::Reading, "Show a share",
+                       [given](CommandRun& run) { show(run, *given); }));
+    const auto addFields = [&](CLI::App* command) {
+        command->add_option("--owner", given->owner, "The folder's owner")->type_name("USER");
+        command->add_option("--group", given->group, "The folder's group")->type_name("GROUP");
+        for (const auto& [name, privilege] :
+             {std::pair("--owner-may", &given->ownerMay), std::pair("--group-may", &given->groupMay),
+              std::pair("--everyone-may", &given->everyoneMay)}) {
+            command->add_option(name, *privilege, "What they may do with the folder")
+                ->type_name("rw|r|w|none")
+                ->check(CLI::IsMember({"rw", "r", "w", "none"}).description(""));
+        }
+        addSwitch(*command, "guests", given->guests, "Guests may use the share over SMB");
+        addSwitch(*command, "smb", given->smb, "Publish it over SMB");
+        addSwitch(*command, "afp", given->afp, "Publish it over AFP");
+    };
+    CLI::App* const adding =
+        addName(addCommand(*shares, options, "add", CommandKind::Writing, "Share a folder",
+                           [given](CommandRun& run) { add(run, *given); }));
+    adding->add_option("FOLDER", given->folder, "The folder")->required();
+    addFields(adding);
+    CLI::App* const setting =
+        addName(addCommand(*shares, options, "set", CommandKind::Writing, "Change a share",
+                           [given](CommandRun& run) { set(run, *given); }));
+    setting->add_option("--folder", given->folder, "The folder")->type_name("FOLDER");
+    addFields(setting);
+    addName(addCommand(*shares, options, "remove", CommandKind::Writing, "Stop sharing; the folder stays",
+                       [given](CommandRun& run) { remove(run, *given); }));
+}
+
+} // namespace frontend

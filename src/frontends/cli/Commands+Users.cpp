@@ -1,0 +1,194 @@
+#include "frontends/cli/CommandRun.h"
+#include "frontends/cli/PasswordSource.h"
+#include "platform/foundation/NSBundle.h"
+#include "platform/foundation/NSString.h"
+#include "platform/posix/Secret.h"
+
+#include <memory>
+
+namespace frontend {
+
+namespace {
+
+constexpr const char* table = "userTableView";
+constexpr const char* nextNumber = "next";
+constexpr const char* standardGroup = "staff";
+
+struct UserOptions {
+    std::string name;
+    std::optional<std::string> fullName;
+    std::optional<std::string> uid;
+    std::optional<std::string> group;
+    std::optional<bool> sharesPublicFolder;
+    bool hasNoPassword = false;
+    PasswordSource password;
+};
+
+JSON userAt(const CommandRun& run, int row) {
+    const auto cell = [&](const char* column) { return run.cell(table, column, row); };
+    return {{"name", cell("User")},
+            {"fullName", cell("Full Name")},
+            {"uid", longLongValue(cell("UID"))},
+            {"gid", longLongValue(cell("GID"))},
+            {"publicFolder", cell("Public Shared") == NSLocalizedString("YES")}};
+}
+
+void list(CommandRun& run) {
+    JSON& users = run.result()["users"] = JSON::array();
+    const int rows = run.control<NSTableView>(table).numberOfRows();
+    for (int row = 0; row < rows; ++row) {
+        JSON user = userAt(run, row);
+        run.say(user["name"].get<std::string>() + "\t" + user["uid"].dump() + "\t" +
+                user["fullName"].get<std::string>());
+        users.push_back(std::move(user));
+    }
+}
+
+int requireRow(const CommandRun& run, const std::string& name) {
+    const int row = run.rowOf(table, "User", name);
+    if (row < 0) {
+        CommandRun::fail(stringWithFormat(NSLocalizedString("there is no user \"%@\""), name));
+    }
+    return row;
+}
+
+void describe(CommandRun& run, const std::string& name) {
+    if (const int row = run.rowOf(table, "User", name); row >= 0) {
+        run.result()["user"] = userAt(run, row);
+    }
+}
+
+void show(CommandRun& run, const UserOptions& options) {
+    static_cast<void>(requireRow(run, options.name));
+    describe(run, options.name);
+    for (const auto& [key, value] : run.result()["user"].items()) {
+        run.say(key + ": " + (value.is_string() ? value.get<std::string>() : value.dump()));
+    }
+}
+
+void fill(CommandRun& run, const UserOptions& options) {
+    run.set("fullName", options.fullName);
+    if (options.uid == nextNumber) {
+        run.perform([&] { run.presenter().findWiredTo("getNextUID:")->sendAction(); });
+        run.noteChange();
+    } else {
+        run.set("uid", options.uid);
+    }
+    if (options.group) {
+        run.check("showSystemUsersGroups2", true); // so that every group can be named
+    }
+    run.setItem("groupPopUp", options.group, "group");
+    if (options.sharesPublicFolder) {
+        run.setIndex("publicSharedPopUp", *options.sharesPublicFolder ? 0 : 1);
+    }
+}
+
+/// Answers the sheet that is up for the user's password.
+void enterPassword(CommandRun& run, std::string password) {
+    for (const char* field : {"passwordSecureText1", "passwordSecureText2"}) {
+        run.type(field, password);
+    }
+    platform::wipe(password);
+    run.perform([&] { run.presenter().findWiredTo("setPassword:")->sendAction(); });
+    if (const std::string reason = run.text("passwordErrorText"); !reason.empty()) {
+        CommandRun::fail(reason);
+    }
+}
+
+void add(CommandRun& run, UserOptions options) {
+    const int row = run.rowOf(table, "User", options.name);
+    if (row >= 0) {
+        run.selectRows(table, {row});
+        fill(run, options);
+        if (run.changes()) {
+            CommandRun::fail(stringWithFormat(
+                NSLocalizedString("there is a user \"%@\" already, and it is another; use users set"),
+                options.name));
+        }
+        run.press("addNewUserButton");
+        describe(run, options.name);
+        return;
+    }
+    // Before anything is made, so that no user is left without one.
+    std::string password;
+    if (!options.hasNoPassword && !run.context().options.isDryRun) {
+        password = options.password.read(options.name);
+    }
+    run.selectRows(table, {});
+    run.type("shortName", options.name);
+    run.noteChange();
+    options.fullName = options.fullName.value_or(options.name);
+    options.uid = options.uid.value_or(nextNumber);
+    options.group = options.group.value_or(standardGroup);
+    options.sharesPublicFolder = options.sharesPublicFolder.value_or(false);
+    fill(run, options);
+    run.press("addNewUserButton");
+    if (!options.hasNoPassword && !run.context().options.isDryRun) {
+        enterPassword(run, std::move(password));
+    }
+    describe(run, options.name);
+}
+
+void set(CommandRun& run, const UserOptions& options) {
+    run.selectRows(table, {requireRow(run, options.name)});
+    fill(run, options);
+    run.press("addNewUserButton");
+    describe(run, options.name);
+}
+
+void remove(CommandRun& run, const UserOptions& options) {
+    if (const int row = run.rowOf(table, "User", options.name); row >= 0) {
+        run.selectRows(table, {row});
+        run.noteChange();
+    }
+    run.press("deleteUserButton");
+}
+
+void setPassword(CommandRun& run, const UserOptions& options) {
+    run.selectRows(table, {requireRow(run, options.name)});
+    std::string password;
+    if (!run.context().options.isDryRun) {
+        password = options.password.read(options.name);
+    }
+    run.noteChange();
+    run.press("changePasswordButton");
+    if (!run.context().options.isDryRun) {
+        enterPassword(run, std::move(password));
+    }
+}
+
+} // namespace
+
+void addUserCommands(CLI::App& parser, CommandOptions& options) {
+    CLI::App* const users = parser.add_subcommand("users", "Users, and their passwords for shares");
+    users->fallthrough();
+    users->require_subcommand(1);
+    const auto given = std::make_shared<UserOptions>();
+    const auto addNamed = [&](const char* name, CommandKind kind, const char* description,
+                              void (*carryOut)(CommandRun&, const UserOptions&)) {
+        CLI::App* const command = addCommand(*users, options, name, kind, description,
+                                             [given, carryOut](CommandRun& run) { carryOut(run, *given); });
+        command->add_option("NAME", given->name, "The user's short name")->required();
+        return command;
+    };
+    const auto addFields = [&](CLI::App* command) {
+        command->add_option("--full-name", given->fullName, "The full name")->type_name("TEXT");
+        command->add_option("--uid", given->uid, "The user's number, or next for the one after the highest")
+            ->type_name("N|next");
+        command->add_option("--group", given->group, "The user's group")->type_name("GROUP");
+        addSwitch(*command, "public", given->sharesPublicFolder, "Share the user's Public folder");
+    };
+    addCommand(*users, options, "list", CommandKind::Reading, "List all users", list);
+    addNamed("show", CommandKind::Reading, "Show a user", show);
+    CLI::App* const adding =
+        addNamed("add", CommandKind::Writing, "Add a user who can connect to shares only",
+                 [](CommandRun& run, const UserOptions& user) { add(run, user); });
+    addFields(adding);
+    given->password.addTo(*adding);
+    adding->add_flag("--no-password", given->hasNoPassword, "The user gets none now, and cannot connect yet");
+    addFields(addNamed("set", CommandKind::Writing, "Change a user", set));
+    addNamed("remove", CommandKind::Writing, "Delete a user", remove);
+    given->password.addTo(*addNamed("password", CommandKind::Writing, "Set a user's password", setPassword));
+}
+
+} // namespace frontend

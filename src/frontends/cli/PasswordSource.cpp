@@ -1,0 +1,46 @@
+#include "frontends/cli/PasswordSource.h"
+
+#include "frontends/cli/CommandRun.h"
+#include "frontends/cli/Terminal.h"
+#include "platform/foundation/NSBundle.h"
+#include "platform/foundation/NSString.h"
+#include "platform/posix/Secret.h"
+
+#include <unistd.h>
+
+namespace frontend {
+
+void PasswordSource::addTo(CLI::App& command) {
+    CLI::Option* const input =
+        command.add_flag("--password-stdin", isStandardInput, "The password is standard input's first line");
+    command.add_option("--password-fd", descriptor, "The same of an open descriptor")
+        ->type_name("N")
+        ->check(CLI::NonNegativeNumber.description(""))
+        ->excludes(input);
+}
+
+std::string PasswordSource::read(const std::string& user) const {
+    if (isGiven()) {
+        auto line = firstLineOf(descriptor.value_or(STDIN_FILENO));
+        if (!line) {
+            CommandRun::fail(NSLocalizedString("the password cannot be read"));
+        }
+        return std::move(*line);
+    }
+    if (!isAtTerminal()) {
+        CommandRun::fail(NSLocalizedString("a password is needed: use --password-stdin or --password-fd"),
+                         CommandStatus::NeedsAnswer);
+    }
+    auto first = askSecret(stringWithFormat(NSLocalizedString("Password for %@"), user));
+    auto second = askSecret(NSLocalizedString("Once more"));
+    const bool agree = first && second && *first == *second;
+    if (second) {
+        platform::wipe(*second);
+    }
+    if (!agree) {
+        CommandRun::fail(NSLocalizedString("the passwords are not the same"));
+    }
+    return std::move(*first);
+}
+
+} // namespace frontend

@@ -1,0 +1,79 @@
+#include "frontends/cli/Terminal.h"
+
+#include <cerrno>
+#include <iostream>
+
+#include <termios.h>
+#include <unistd.h>
+
+namespace frontend {
+
+namespace {
+
+constexpr std::size_t longestLine = 4096;
+
+/// Switches the terminal's echo off while it lives.
+class HiddenInput {
+  public:
+    HiddenInput() {
+        if (::tcgetattr(STDIN_FILENO, &before_) == 0) {
+            termios hidden = before_;
+            hidden.c_lflag &= ~static_cast<tcflag_t>(ECHO);
+            hidden.c_lflag |= ECHONL;
+            isHidden_ = ::tcsetattr(STDIN_FILENO, TCSAFLUSH, &hidden) == 0;
+        }
+    }
+
+    ~HiddenInput() {
+        if (isHidden_) {
+            ::tcsetattr(STDIN_FILENO, TCSAFLUSH, &before_);
+        }
+    }
+
+    HiddenInput(const HiddenInput&) = delete;
+    HiddenInput& operator=(const HiddenInput&) = delete;
+
+  private:
+    termios before_{};
+    bool isHidden_ = false;
+};
+
+} // namespace
+
+bool isAtTerminal() {
+    return ::isatty(STDIN_FILENO) == 1 && ::isatty(STDERR_FILENO) == 1;
+}
+
+std::optional<std::string> firstLineOf(int descriptor) {
+    std::string line;
+    line.reserve(longestLine); // a secret must not be left behind by growing
+    char character = '\0';
+    while (line.size() < longestLine) {
+        const ssize_t count = ::read(descriptor, &character, 1);
+        if (count < 0 && errno == EINTR) {
+            continue;
+        }
+        if (count < 0 || (count == 0 && line.empty())) {
+            return std::nullopt;
+        }
+        if (count == 0 || character == '\n') {
+            break;
+        }
+        line += character;
+    }
+    return line;
+}
+
+bool askYesOrNo(const std::string& question) {
+    std::cerr << question << " [y/N] " << std::flush;
+    const auto answer = firstLineOf(STDIN_FILENO);
+    return answer && (answer->starts_with('y') || answer->starts_with('Y'));
+}
+
+std::optional<std::string> askSecret(const std::string& prompt) {
+    std::cerr << prompt << ": " << std::flush;
+    const HiddenInput hidden;
+    return firstLineOf(STDIN_FILENO);
+}
+
+} // namespace frontend

@@ -1,0 +1,136 @@
+// The commands, as a program uses them: what they print, how they end, and that to ask for what is so already
+// changes nothing.
+
+#include "support/Subprocess.h"
+#include "support/TestHost.h"
+
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+#include <filesystem>
+#include <sstream>
+
+namespace {
+
+namespace fs = std::filesystem;
+using nlohmann::json;
+
+std::vector<std::string> wordsOf(const std::string& line) {
+    std::istringstream stream(line);
+    std::vector<std::string> words;
+    for (std::string word; stream >> word;) {
+        words.push_back(word);
+    }
+    return words;
+}
+
+class Commands : public testing::Test {
+  protected:
+    void SetUp() override {
+        fs::create_directories(folder());
+        fs::permissions(folder(), fs::perms(0755));
+    }
+
+    [[nodiscard]] fs::path folder() const { return test_.root() / "Documents"; }
+
+    Finished command(const std::string& line, const std::string& input = {}) const {
+        std::vector<std::string> words = wordsOf(line);
+        words.insert(words.begin(),
+                     {BRINDLE_PROGRAMS "/brindle", "--root", (test_.root() / "computer").string()});
+        return runProgram(words, input, {"HOME=" + test_.home().string(), "LC_ALL=C"});
+    }
+
+    /// What the command prints for programs; its exit status is to be `status`.
+    json answer(const std::string& line, int status = 0, const std::string& input = {}) const {
+        const Finished finished = command(line + " --json", input);
+        EXPECT_EQ(finished.status, status) << line << '\n' << finished.output << finished.errors;
+        EXPECT_EQ(finished.errors, "");
+        return json::parse(finished.output, nullptr, false);
+    }
+
+    TestHost test_;
+};
+
+} // namespace
+
+TEST_F(Commands, ChangeWhatIsOtherwiseAndNothingTwice) {
+    const std::string docs = "shares add Docs " + folder().string() + " --everyone-may r";
+
+    const struct {
+        std::string line;
+        std::string input;
+    } writing[] = {
+        {docs + " --yes", ""},
+        {"shares set Docs --group-may none --afp --yes", ""},
+        {"groups add crew --gid 7200 --yes", ""},
+        {"users add ann --full-name Ann --uid 7201 --group crew --password-stdin --yes", "Wonderland1\n"},
+        {"users set ann --full-name Anna --yes", ""},
+        {"groups leave crew ann --yes", ""},
+        {"groups join crew ann --yes", ""},
+        {"public on ann --yes", ""},
+        {"public on --all --yes", ""},
+        {"smb set workgroup HOME code-page 437 security user --yes", ""},
+        {"afp set greeting Hello log yes --yes", ""},
+        {"public off ann --yes", ""}};
+
+    for (const auto& [line, input] : writing) {
+        const json planned = answer(line + " --dry-run", 0, input);
+        EXPECT_TRUE(planned.contains("plan") && !planned.contains("changed")) << line << planned;
+        const json done = answer(line, 0, input);
+        EXPECT_EQ(done["changed"], true) << line << done;
+        EXPECT_GT(done["runs"], 0) << line;
+        const json again = answer(line, 0, input);
+        EXPECT_EQ(again["changed"], false) << line << again;
+        EXPECT_EQ(again["runs"], 0) << line;
+    }
+    EXPECT_EQ(
+        answer("shares show Docs")["share"],
+        json::parse(R"({"name": "Docs", "folder": ")" + folder().string() +
+                    R"(", "smb": true, "afp": true, "guests": false, "ownerMay": "rw", "groupMay": "none",
+                          "everyoneMay": "r", "owner": "root", "group": "root"})"));
+    EXPECT_EQ(answer("users show ann")["user"],
+              json::parse(
+                  R"({"name": "ann", "fullName": "Anna", "uid": 7201, "gid": 7200, "publicFolder": false})"));
+    EXPECT_EQ(answer("smb show")["smb"]["workgroup"], "HOME");
+    EXPECT_EQ(answer("afp show")["afp"]["log"], "yes");
+    const json access = answer("check-access Docs --guest");
+    EXPECT_EQ(access["may"]["connect"], false);
+    EXPECT_EQ(access["reason"]["code"], "guest-off");
+
+    for (const char* removal :
+         {"users remove ann --yes", "groups remove crew --yes", "shares remove Docs --yes"}) {
+        EXPECT_EQ(answer(removal)["changed"], true) << removal;
+        EXPECT_EQ(answer(removal)["changed"], false) << removal;
+    }
+    EXPECT_EQ(answer("undo")["changed"], true);
+    EXPECT_EQ(answer("shares list")["shares"].size(), 1U);
+    EXPECT_EQ(answer("history")["history"].front()["outcome"], "done");
+}
+
+TEST_F(Commands, EndWithAStatusThatTellsWhatIsMissing) {
+    const std::string add = "shares add Docs " + folder().string();
+    EXPECT_EQ(answer(add + " --yes")["changed"], true);
+
+    const struct {
+        const char* line;
+        int status;
+        const char* text;
+    } cases[] = {{"shares add Docs / --yes", 1, "there is a share \"Docs\" already"},
+                 {"shares set Nowhere --smb", 1, "there is no share \"Nowhere\""},
+                 {"shares add Other /no/such/folder --yes", 1, "there is no folder /no/such/folder"},
+                 {"shares set Docs --owner zoe --yes", 1, "there is no user \"zoe\""},
+                 {"smb set max-connections many --yes", 1, "max-connections cannot be"},
+                 {"smb set workgroup", 2, "each setting needs a value"},
+                 {"groups add crew --gid 7200", 3, "Are you sure"},
+                 {"users add zoe --yes", 3, "--password-stdin"},
+                 {"undo 99", 1, "99"}};
+
+    for (const auto& [line, status, text] : cases) {
+        const json error = answer(line, status)["error"];
+        EXPECT_EQ(error["status"], status) << line;
+        EXPECT_NE(error["text"].get<std::string>().find(text), std::string::npos) << line << error;
+    }
+    EXPECT_EQ(command("shares add").status, 2);
+    EXPECT_EQ(command("shares set Docs --owner-may everything").status, 2);
+    EXPECT_EQ(answer("groups list")["groups"].dump().find("crew"), std::string::npos);
+}
