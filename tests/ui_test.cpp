@@ -79,7 +79,7 @@ TEST(KWSMBFormatter, KeepsNamesToFifteenCharactersWithoutABlankAtTheEnd) {
 /// The project's panel with credits of a length of the test's choice.
 class AboutPanel : public testing::Test {
   protected:
-    AboutPanel() : host_({.strings = {{"Version %@", "Version %@"}}}) { AboutBox::registerClass(); }
+    AboutPanel() : host_({.strings = {{"Version %@", "Version %@"}}}) {}
 
     void setCredits(std::size_t characters) {
         host_.write("resources/Credits.rtf", "{\\rtf1\\ansi " + std::string(characters, 'x') + "}");

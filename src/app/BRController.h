@@ -4,6 +4,7 @@
 #include "app/BRRow.h"
 #include "model/NormalShare.h"
 #include "model/SMBConf.h"
+#include "platform/appkit/Interface.h"
 #include "platform/appkit/NSApplication.h"
 #include "platform/appkit/NSButton.h"
 #include "platform/appkit/NSTabView.h"
@@ -38,8 +39,8 @@ class BRController : public BROutlets,
     BRController();
     ~BRController() override;
 
-    /// Makes the class known to the interface loader of the current host, under the name "BRController".
-    static void registerClass();
+    /// Loads the bundle's main interface file, which makes the controller.
+    [[nodiscard]] static platform::Result<std::unique_ptr<platform::Interface>> loadInterface();
 
     // Application and start-up.
     void applicationDidFinishLaunching() override;

@@ -20,8 +20,6 @@ class AboutBox : public NSWindowDelegate, public platform::OutletOwner {
   public:
     /// The current host's one instance, made on first use.
     [[nodiscard]] static AboutBox& sharedInstance();
-    /// Makes the class known to the interface loader of the current host, under the name "AboutBox".
-    static void registerClass();
 
     ~AboutBox() override;
 

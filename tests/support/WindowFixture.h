@@ -150,7 +150,7 @@ class Window : public ::testing::Test {
         description.action("chosen:", &Desk::chosen).action("endSheet:", &Desk::endSheet);
         platform::registerClass(description.take());
         host.write("Desk.xml", deskInterface);
-        interface = platform::Interface::load((host.root() / "Desk.xml").string(), "Desk", &desk);
+        interface = std::move(*platform::Interface::load((host.root() / "Desk.xml").string(), "Desk", &desk));
         desk.number->setFormatter(std::make_shared<KWIntegerFormatter>());
     }
 

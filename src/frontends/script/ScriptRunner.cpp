@@ -19,8 +19,8 @@ constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
 } // namespace
 
 ScriptRunner::ScriptRunner(std::string name, std::istream& input, std::shared_ptr<ScriptOutput> output,
-                           std::shared_ptr<ScriptPresenter> presenter, std::function<void()> launch,
-                           std::ostream& errors)
+                           std::shared_ptr<ScriptPresenter> presenter,
+                           std::function<platform::Status()> launch, std::ostream& errors)
     : name_(std::move(name)), input_(input), output_(std::move(output)), presenter_(std::move(presenter)),
       launch_(std::move(launch)), errors_(errors) {}
 
@@ -137,7 +137,9 @@ void ScriptRunner::finish() {
 
 void ScriptRunner::start(const Words& /*words*/) {
     started_ = true;
-    launch_();
+    if (const auto launched = launch_(); !launched.isOk()) {
+        fail(launched.text());
+    }
     if (const auto& fault = presenter_->fault()) {
         throw ScriptError(*fault);
     }

@@ -28,7 +28,7 @@ class ScriptRunner {
     /// interface and starts the application; what it throws comes through run(). `presenter` must be the
     /// current host's.
     ScriptRunner(std::string name, std::istream& input, std::shared_ptr<ScriptOutput> output,
-                 std::shared_ptr<ScriptPresenter> presenter, std::function<void()> launch,
+                 std::shared_ptr<ScriptPresenter> presenter, std::function<platform::Status()> launch,
                  std::ostream& errors);
 
     /// `reviewer` is asked for once the script has started, by the commands that plan, review and read again;
@@ -108,7 +108,7 @@ class ScriptRunner {
     std::istream& input_;
     std::shared_ptr<ScriptOutput> output_;
     std::shared_ptr<ScriptPresenter> presenter_;
-    std::function<void()> launch_;
+    std::function<platform::Status()> launch_;
     std::function<review::Reviewer*()> findReviewer_;
     const review::History* history_ = nullptr;
     std::ostream& errors_;

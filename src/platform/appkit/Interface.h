@@ -2,10 +2,10 @@
 
 #include "platform/appkit/Element.h"
 #include "platform/appkit/ObjectClass.h"
+#include "platform/posix/Status.h"
 
 #include <map>
 #include <memory>
-#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -25,22 +25,16 @@ struct InterfaceNode {
     [[nodiscard]] const std::string& attribute(std::string_view name) const;
 };
 
-/// An interface file that was refused: what() is "FILE:LINE: what is wrong".
-class InterfaceError : public std::runtime_error {
-  public:
-    using std::runtime_error::runtime_error;
-};
-
 /// A loaded interface file: the tree of its windows and menus, and look-up by name and by operation. It owns
 /// the controls and, where the file made it, their owner.
 class Interface {
   public:
     /// Loads `path` for `owner`, an object of the registered class `ownerClass`, or for a new object of that
     /// class when `owner` is null. Connects outlets, actions and delegates, then tells the presenter.
-    /// Throws InterfaceError for a file that cannot be read, is not well formed, is for another class, names
-    /// an unknown element, attribute, outlet or operation, an outlet of another kind, or a name twice, or
-    /// leaves an outlet of the class out; no outlet stays connected then, and nobody is told.
-    [[nodiscard]] static std::unique_ptr<Interface>
+    /// Fails ("FILE:LINE: what is wrong") for a file that cannot be read, is not well formed, is for another
+    /// class, names an unknown element, attribute, outlet or operation, an outlet of another kind, or a name
+    /// twice, or leaves an outlet of the class out; no outlet stays connected then, and nobody is told.
+    [[nodiscard]] static Result<std::unique_ptr<Interface>>
     load(const std::string& path, const std::string& ownerClass, void* owner = nullptr);
     ~Interface();
 

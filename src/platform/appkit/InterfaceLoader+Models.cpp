@@ -98,8 +98,7 @@ std::unique_ptr<Element> InterfaceLoader::makeElement(const InterfaceNode& node,
 }
 
 template <class Delegate>
-Delegate* InterfaceLoader::ownerAs(const std::function<Delegate*(void*)>& cast,
-                                   const InterfaceNode& node) const {
+Delegate* InterfaceLoader::ownerAs(const std::function<Delegate*(void*)>& cast, const InterfaceNode& node) {
     Delegate* delegate = cast ? cast(interface_->owner_) : nullptr;
     if (delegate == nullptr) {
         refuse(node.line,
@@ -130,7 +129,7 @@ std::unique_ptr<Element> InterfaceLoader::makeWindow(const InterfaceNode& node) 
 }
 
 std::unique_ptr<Element> InterfaceLoader::makeField(const InterfaceNode& node,
-                                                    std::unique_ptr<NSTextField> field) const {
+                                                    std::unique_ptr<NSTextField> field) {
     field->setStringValue(node.attribute("text"));
     field->setEditable(node.attribute("editable") != "no");
     if (isYes(node, "delegate")) {
@@ -139,7 +138,7 @@ std::unique_ptr<Element> InterfaceLoader::makeField(const InterfaceNode& node,
     return field;
 }
 
-std::unique_ptr<Element> InterfaceLoader::makeTable(const InterfaceNode& node) const {
+std::unique_ptr<Element> InterfaceLoader::makeTable(const InterfaceNode& node) {
     auto table = std::make_unique<NSTableView>();
     std::set<std::string> identifiers;
     for (const auto& column : node.children) {
@@ -160,13 +159,14 @@ std::unique_ptr<Element> InterfaceLoader::makeTable(const InterfaceNode& node) c
     return table;
 }
 
-std::unique_ptr<Element> InterfaceLoader::makeMatrix(const InterfaceNode& node) const {
+std::unique_ptr<Element> InterfaceLoader::makeMatrix(const InterfaceNode& node) {
     const int rows = ::intValue(node.attribute("rows"));
     const int columns = ::intValue(node.attribute("columns"));
     const auto cells = static_cast<long long>(node.children.size());
     if (rows < 1 || columns < 1 || static_cast<long long>(rows) * columns != cells) {
         refuse(node.line,
                stringWithFormat("a matrix of %d x %d does not have %d cells", rows, columns, cells));
+        return nullptr;
     }
     auto matrix = std::make_unique<NSMatrix>(rows, columns);
     int index = 0;
@@ -177,7 +177,7 @@ std::unique_ptr<Element> InterfaceLoader::makeMatrix(const InterfaceNode& node) 
     return matrix;
 }
 
-std::unique_ptr<Element> InterfaceLoader::makeTabView(const InterfaceNode& node) const {
+std::unique_ptr<Element> InterfaceLoader::makeTabView(const InterfaceNode& node) {
     auto tabs = std::make_unique<NSTabView>();
     for (const auto& tab : node.children) {
         tabs->addTabViewItem(tab->attribute("label"));

@@ -12,15 +12,16 @@
 
 namespace platform {
 
-std::unique_ptr<Interface> Interface::load(const std::string& path, const std::string& ownerClass,
-                                           void* owner) {
+Result<std::unique_ptr<Interface>> Interface::load(const std::string& path, const std::string& ownerClass,
+                                                   void* owner) {
     return InterfaceLoader(path).load(ownerClass, owner);
 }
 
-std::unique_ptr<Interface> InterfaceLoader::load(const std::string& ownerClass, void* owner) {
+Result<std::unique_ptr<Interface>> InterfaceLoader::load(const std::string& ownerClass, void* owner) {
     const auto file = contentsOfFile(path_);
     if (!file.isOk()) {
         refuse(1, stringWithFormat("the interface file cannot be read: %@", file.status().why()));
+        return status_;
     }
     lineStarts_ = {0};
     for (std::size_t at = file->find('\n'); at != std::string::npos; at = file->find('\n', at + 1)) {
@@ -32,6 +33,7 @@ std::unique_ptr<Interface> InterfaceLoader::load(const std::string& ownerClass, 
     if (!parsed) {
         refuse(lineAt(parsed.offset),
                stringWithFormat("the XML is not well formed: %@", parsed.description()));
+        return status_;
     }
     const pugi::xml_node root = document.document_element();
     const int rootLine = lineAt(root.offset_debug());
@@ -41,22 +43,28 @@ std::unique_ptr<Interface> InterfaceLoader::load(const std::string& ownerClass, 
     }
     interface_ = std::unique_ptr<Interface>(new Interface());
     chooseClass(root.attribute("class").value(), ownerClass, rootLine);
-    chooseOwner(owner, rootLine);
-    try {
-        interface_->root_ = build(root, interfaceRule());
-        checkReferences();
-        checkOutlets(rootLine);
-    } catch (...) {
+    if (status_.isOk()) {
+        chooseOwner(owner, rootLine);
+    }
+    if (!status_.isOk()) {
+        return status_;
+    }
+    interface_->root_ = build(root, interfaceRule());
+    checkReferences();
+    checkOutlets(rootLine);
+    if (!status_.isOk()) {
         resetOutlets();
-        throw;
+        return status_;
     }
     tellApplication();
     Host::current().presenter().interfaceDidLoad(*interface_);
     return std::move(interface_);
 }
 
-void InterfaceLoader::refuse(int line, const std::string& fault) const {
-    throw InterfaceError(stringWithFormat("%@:%d: %@", path_, line, fault));
+void InterfaceLoader::refuse(int line, const std::string& fault) {
+    if (status_.isOk()) {
+        status_ = Status::failure(stringWithFormat("%@:%d", path_, line), "", fault);
+    }
 }
 
 int InterfaceLoader::lineAt(std::ptrdiff_t offset) const {
@@ -82,6 +90,7 @@ void InterfaceLoader::chooseOwner(void* owner, int line) {
         if (!known.make) {
             refuse(line,
                    stringWithFormat("the class \"%@\" cannot be made by an interface file", known.name));
+            return;
         }
         interface_->ownedOwner_ = known.make();
         owner = interface_->ownedOwner_.get();
@@ -111,18 +120,23 @@ std::unique_ptr<InterfaceNode> InterfaceLoader::build(const pugi::xml_node& xml,
     if (rule.oneLayout) {
         checkOneLayout(*node);
     }
-    node->element = makeElement(*node, rule);
-    nameElement(*node);
-    wireAction(*node);
+    if (status_.isOk()) {
+        node->element = makeElement(*node, rule);
+    }
+    if (status_.isOk()) {
+        nameElement(*node);
+        wireAction(*node);
+    }
     return node;
 }
 
 void InterfaceLoader::readAttributes(const pugi::xml_node& xml, const ElementRule& rule,
-                                     InterfaceNode& node) const {
+                                     InterfaceNode& node) {
     for (const pugi::xml_attribute& attribute : xml.attributes()) {
         const AttributeRule* known = rule.attribute(attribute.name());
         if (known == nullptr) {
             refuse(node.line, stringWithFormat("<%@> has no attribute \"%@\"", node.kind, attribute.name()));
+            return;
         }
         const std::string value = attribute.value();
         if (const std::string fault = faultOfValue(*known, value); !fault.empty()) {
@@ -150,15 +164,17 @@ void InterfaceLoader::buildChild(const pugi::xml_node& xml, const ElementRule& r
         const auto lineEnds = std::count(blank.begin(), blank.end(), '\n');
         refuse(line + static_cast<int>(lineEnds),
                stringWithFormat("<%@> holds text; texts are attributes", parent.kind));
+        return;
     }
     const ElementRule* known = rule.child(xml.name());
     if (known == nullptr) {
         refuse(line, stringWithFormat("<%@> does not belong in <%@>", xml.name(), parent.kind));
+        return;
     }
     parent.children.push_back(build(xml, *known));
 }
 
-void InterfaceLoader::checkOneLayout(const InterfaceNode& node) const {
+void InterfaceLoader::checkOneLayout(const InterfaceNode& node) {
     const auto count = std::count_if(node.children.begin(), node.children.end(),
                                      [](const auto& child) { return child->kind != "drawer"; });
     if (count != 1 || node.children.size() > 2) {
@@ -187,8 +203,7 @@ void InterfaceLoader::nameElement(const InterfaceNode& node) {
     if (found == known.end()) {
         refuse(node.line,
                stringWithFormat("the class \"%@\" has no outlet \"%@\"", interface_->class_->name, outlet));
-    }
-    if (!found->set(node.element.get())) {
+    } else if (!found->set(node.element.get())) {
         refuse(node.line,
                stringWithFormat("the outlet \"%@\" of the class \"%@\" is of another kind than <%@>", outlet,
                                 interface_->class_->name, node.kind));
@@ -219,6 +234,7 @@ void InterfaceLoader::wireAction(const InterfaceNode& node) {
     if (found == actions.end()) {
         refuse(node.line, stringWithFormat("the class \"%@\" has no operation \"%@\"",
                                            interface_->class_->name, operation));
+        return;
     }
     control->setAction({operation, [perform = found->second, owner = interface_->owner_](NSControl* sender) {
                             perform(owner, sender);
@@ -226,7 +242,7 @@ void InterfaceLoader::wireAction(const InterfaceNode& node) {
     interface_->byOperation_.emplace(operation, control);
 }
 
-void InterfaceLoader::checkReferences() const {
+void InterfaceLoader::checkReferences() {
     for (const auto& [line, name] : references_) {
         if (!interface_->byName_.contains(name)) {
             refuse(line, stringWithFormat("the element belongs to \"%@\", which is not in the file", name));
@@ -234,7 +250,7 @@ void InterfaceLoader::checkReferences() const {
     }
 }
 
-void InterfaceLoader::checkOutlets(int line) const {
+void InterfaceLoader::checkOutlets(int line) {
     std::string missing;
     for (const auto& [name, set] : outlets()) {
         if (!connectedOutlets_.contains(std::string(name))) {

@@ -11,7 +11,6 @@
 
 #include <cstdlib>
 #include <filesystem>
-#include <stdexcept>
 #include <system_error>
 #include <utility>
 
@@ -81,10 +80,10 @@ std::string defaultResources() {
                : resources;
 }
 
-Services makeEmbeddedServices(const EmbeddedHostOptions& options) {
+Result<Services> makeEmbeddedServices(const EmbeddedHostOptions& options) {
     const EmbeddedRoot root(orDefault(options.root, &EmbeddedRoot::defaultFolder));
     if (Status status = root.makeIfMissing(); !status.isOk()) {
-        throw std::runtime_error(status.text());
+        return status;
     }
     const std::string home = orDefault(options.home, &homeFolder);
     Services services;
