@@ -68,7 +68,6 @@ void AboutBox::fillPanel() {
     }
     copyrightField->setStringValue(bundle.objectForLocalInfoDictionaryKey("NSHumanReadableCopyright"));
     maxScrollHeight = static_cast<float>(creditsField->length());
-    aboutWindow->setExcludedFromWindowsMenu(true);
     aboutWindow->center();
 }
 

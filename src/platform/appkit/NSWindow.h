@@ -40,12 +40,6 @@ class NSWindow : public platform::Element {
 
     [[nodiscard]] bool isVisible() const { return visible_; }
 
-    [[nodiscard]] bool isKeyWindow() const { return key_; }
-
-    [[nodiscard]] bool isExcludedFromWindowsMenu() const { return excluded_; }
-
-    void setExcludedFromWindowsMenu(bool excluded) { excluded_ = excluded; }
-
     /// The front-end puts it in the middle of the screen when it shows it next.
     void center();
 
@@ -75,7 +69,6 @@ class NSWindow : public platform::Element {
     NSWindowDelegate* delegate_ = nullptr;
     bool visible_ = false;
     bool key_ = false;
-    bool excluded_ = false;
     bool centered_ = false;
     std::shared_ptr<std::vector<NSWindow*>> onScreen_; ///< the application's list while this window is on it
 };
