@@ -345,7 +345,6 @@ TEST_F(AppKit, ALoadedFileIsConnectedAndItsOwnerGoesBeforeItsControls) {
     EXPECT_EQ(NSApp().delegate(), owner);
     EXPECT_EQ(NSApp().mainWindow(), loaded->find("main"));
     EXPECT_EQ(loaded->findWiredTo("press:"), owner->press);
-    EXPECT_EQ(loaded->unwiredActions(), Names{});
     owner->press->performClick();
     EXPECT_EQ(owner->told, Names{"pressed"});
     EXPECT_EQ(owner->press->keyEquivalent(), "\r");

@@ -62,7 +62,6 @@ void LineEdit::restore(const QString& text, const Caret& caret) {
 
 void LineEdit::load() {
     setEnabled(field_.isEnabled());
-    setReadOnly(!field_.isEditable());
     const QString now = shown(field_.stringValue());
     accepted_ = now;
     if (now != text()) {
@@ -153,7 +152,7 @@ void LineEdit::dropEvent(QDropEvent* event) {
     proposed.insert(position, dropped);
     int caret = position + static_cast<int>(dropped.size());
     // To the field, a drop is an insertion where nothing was selected.
-    if (isReadOnly() || dropped.isEmpty() || !propose(proposed, caret, {.position = position})) {
+    if (dropped.isEmpty() || !propose(proposed, caret, {.position = position})) {
         event->ignore();
         place(dragged_);
         return;

@@ -18,6 +18,7 @@
 #include <stdexcept>
 #include <vector>
 
+using platform::InterfaceKind;
 using platform::InterfaceNode;
 
 namespace {
@@ -34,7 +35,7 @@ std::vector<Model*> modelsIn(const InterfaceNode& node) {
 }
 
 /// The first node of the kind in the tree, or null.
-const InterfaceNode* firstOf(const InterfaceNode& tree, std::string_view kind) {
+const InterfaceNode* firstOf(const InterfaceNode& tree, InterfaceKind kind) {
     const InterfaceNode* found = nullptr;
     visitNodes(tree, [&found, kind](const InterfaceNode& each) {
         if (found == nullptr && each.kind == kind) {
@@ -119,7 +120,7 @@ void Photographer::selectPage(const InterfaceNode& around, NSTabView& tabView, i
 
 void Photographer::photographPage(const InterfaceNode& window, const InterfaceNode& page,
                                   const QString& name) {
-    const InterfaceNode* inner = firstOf(page, "tabView");
+    const InterfaceNode* inner = firstOf(page, InterfaceKind::TabView);
     if (inner == nullptr) {
         take(window, name);
         return;
@@ -134,7 +135,7 @@ void Photographer::photographPage(const InterfaceNode& window, const InterfaceNo
 
 void Photographer::photographMain(const InterfaceNode& node) {
     act([&node] { modelOf<NSWindow>(node)->makeKeyAndOrderFront(); });
-    const InterfaceNode* tabs = firstOf(node, "tabView");
+    const InterfaceNode* tabs = firstOf(node, InterfaceKind::TabView);
     if (tabs == nullptr) {
         take(node, fileName(modelOf<NSWindow>(node)->name()));
         return;
@@ -147,7 +148,7 @@ void Photographer::photographMain(const InterfaceNode& node) {
         selectPage(node, tabView, page);
         const QString name = fileName(tabView.labels()[static_cast<std::size_t>(page)]);
         photographPage(node, *tabs->children[static_cast<std::size_t>(page)], name);
-        const InterfaceNode* drawer = page == 0 ? firstOf(node, "drawer") : nullptr;
+        const InterfaceNode* drawer = page == 0 ? firstOf(node, InterfaceKind::Drawer) : nullptr;
         if (drawer != nullptr) {
             act([drawer] { modelOf<NSDrawer>(*drawer)->open(); });
             take(node, name + QLatin1String("-drawer"));

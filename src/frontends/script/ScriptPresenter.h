@@ -41,7 +41,7 @@ class ScriptPresenter : public platform::Presenter {
 
     /// The element of that name in the loaded interface files, the first file's first; null when there is
     /// none.
-    [[nodiscard]] platform::Element* find(const std::string& name) const;
+    [[nodiscard]] const platform::InterfaceNode* find(const std::string& name) const;
     /// The first control or menu item that is wired to the operation, or null.
     [[nodiscard]] NSControl* findWiredTo(const std::string& operation) const;
     /// The window, sheet or panel that an element stands in; null for the menus'.

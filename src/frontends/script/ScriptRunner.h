@@ -90,7 +90,7 @@ class ScriptRunner {
     /// Runs what a user does as one event of the application; a fault inside ends the script.
     void perform(const std::function<void()>& event);
 
-    [[nodiscard]] platform::Element& element(const std::string& name) const;
+    [[nodiscard]] const platform::InterfaceNode& node(const std::string& name) const;
     /// The control of that name, which a user can use now; `what` names the kind that the command is for.
     template <class Kind>
     [[nodiscard]] Kind& usable(const std::string& name, const char* what) const;

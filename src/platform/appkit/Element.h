@@ -23,7 +23,7 @@ class Element {
 
     /// Takes over the state of `from`, the element in the same place of another interface that was made from
     /// the same file. Emits nothing and tells no delegate: the copy is nobody's yet.
-    virtual void copyState(const Element& /*from*/) {}
+    virtual void copyState(const Element& from) = 0;
 
     /// Something that a front-end shows has changed. Emitted once a setter, so a listener must be cheap: it
     /// marks itself dirty and redraws later. Never means that a user did something.

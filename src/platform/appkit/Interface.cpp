@@ -32,6 +32,11 @@ Interface::~Interface() {
 }
 
 Element* Interface::find(const std::string& name) const {
+    const InterfaceNode* node = findNode(name);
+    return node == nullptr ? nullptr : node->element.get();
+}
+
+const InterfaceNode* Interface::findNode(const std::string& name) const {
     const auto found = byName_.find(name);
     return found == byName_.end() ? nullptr : found->second;
 }
@@ -39,16 +44,6 @@ Element* Interface::find(const std::string& name) const {
 NSControl* Interface::findWiredTo(const std::string& operation) const {
     const auto found = byOperation_.find(operation);
     return found == byOperation_.end() ? nullptr : found->second;
-}
-
-std::vector<std::string> Interface::unwiredActions() const {
-    std::vector<std::string> names;
-    for (const auto& [name, perform] : class_->actions) {
-        if (!byOperation_.contains(name)) {
-            names.push_back(name);
-        }
-    }
-    return names;
 }
 
 } // namespace platform

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/appkit/Element.h"
+#include "platform/appkit/InterfaceKind.h"
 #include "platform/appkit/ObjectClass.h"
 #include "platform/posix/Status.h"
 
@@ -14,7 +15,7 @@ namespace platform {
 
 /// One element of an interface file, in its place: what a front-end lays out.
 struct InterfaceNode {
-    std::string kind; ///< the XML element's name ("tabView", "row", "label")
+    InterfaceKind kind = InterfaceKind::Interface;
     std::map<std::string, std::string, std::less<>>
         attributes; ///< texts that a user sees are localized already
     std::vector<std::unique_ptr<InterfaceNode>> children;
@@ -44,10 +45,10 @@ class Interface {
 
     /// The element of that name (outlet or other), or null.
     [[nodiscard]] Element* find(const std::string& name) const;
+    /// The node of that element, or null.
+    [[nodiscard]] const InterfaceNode* findNode(const std::string& name) const;
     /// The first control or menu item, in the file's order, that is wired to the operation, or null.
     [[nodiscard]] NSControl* findWiredTo(const std::string& operation) const;
-    /// The class's actions that nothing in the file is wired to, for a test.
-    [[nodiscard]] std::vector<std::string> unwiredActions() const;
 
   private:
     friend class InterfaceLoader;
@@ -56,10 +57,9 @@ class Interface {
     std::unique_ptr<InterfaceNode> root_;
     std::shared_ptr<void> ownedOwner_; ///< keeps an owner that the file made; destroyed before the controls
     void* owner_ = nullptr;
-    const ObjectClass* class_ = nullptr;
     NSApplication* application_ = nullptr;      ///< set where it may know a window or the owner of this file
     NSApplicationDelegate* delegate_ = nullptr; ///< the owner, where it is the application's delegate
-    std::map<std::string, Element*, std::less<>> byName_;
+    std::map<std::string, const InterfaceNode*, std::less<>> byName_;
     std::map<std::string, NSControl*, std::less<>> byOperation_;
 };
 

@@ -1,10 +1,9 @@
 #pragma once
 
 #include "platform/appkit/Interface.h"
-#include "platform/appkit/InterfaceGrammar.h"
+#include "platform/appkit/InterfaceKinds.h"
 
 #include <cstddef>
-#include <functional>
 #include <memory>
 #include <set>
 #include <span>
@@ -42,16 +41,8 @@ class InterfaceLoader {
     void checkOneLayout(const InterfaceNode& node);
 
     // From nodes to models; a node's children are complete by then.
-    [[nodiscard]] std::unique_ptr<Element> makeElement(const InterfaceNode& node, const ElementRule& rule);
-    [[nodiscard]] std::unique_ptr<Element> makeWindow(const InterfaceNode& node);
-    [[nodiscard]] std::unique_ptr<Element> makeField(const InterfaceNode& node,
-                                                     std::unique_ptr<NSTextField> field);
-    [[nodiscard]] std::unique_ptr<Element> makeTable(const InterfaceNode& node);
-    [[nodiscard]] std::unique_ptr<Element> makeMatrix(const InterfaceNode& node);
-    [[nodiscard]] std::unique_ptr<Element> makeTabView(const InterfaceNode& node);
-    /// The owner as the delegate that the node needs.
-    template <class Delegate>
-    [[nodiscard]] Delegate* ownerAs(const std::function<Delegate*(void*)>& cast, const InterfaceNode& node);
+    void makeElement(InterfaceNode& node, const ElementRule& rule);
+    void noteWindow(NSWindow& window, int line);
 
     // Connections.
     void nameElement(const InterfaceNode& node);
@@ -65,6 +56,7 @@ class InterfaceLoader {
     Status status_;
     std::vector<std::size_t> lineStarts_;
     std::unique_ptr<Interface> interface_;
+    const ObjectClass* class_ = nullptr;
     NSWindow* mainWindow_ = nullptr;
     bool hasSheet_ = false;
     std::set<std::string> connectedOutlets_;
