@@ -41,16 +41,6 @@ class ErrorLog : public platform::Log {
     }
 };
 
-class FileDomain : public platform::LocalDomain {
-  public:
-    explicit FileDomain(std::string file) : file_(std::move(file)) {}
-
-    [[nodiscard]] std::string storeFile() const override { return file_; }
-
-  private:
-    std::string file_;
-};
-
 ToolResult run(std::string_view tool, const std::string& rootFolder, std::span<const std::string> arguments) {
     const DirectoryPlace place = DirectoryPlace::ofRoot(rootFolder);
     if (platform::Status status = platform::EmbeddedRoot(rootFolder).makeIfMissing(); !status.isOk()) {
@@ -64,7 +54,7 @@ ToolResult run(std::string_view tool, const std::string& rootFolder, std::span<c
     }
     platform::Services services;
     services.log = std::make_shared<ErrorLog>();
-    services.localDomain = std::make_shared<FileDomain>(place.storeFile);
+    services.localDomain = std::make_shared<platform::StoreDomain>(place.storeFile);
     const platform::Host host(std::move(services));
     return tool == "nireport" ? runNireport(arguments) : runNiutil(arguments);
 }

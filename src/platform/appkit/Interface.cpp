@@ -2,19 +2,6 @@
 
 namespace platform {
 
-namespace {
-
-void forgetWindows(NSApplication& application, const InterfaceNode& node) {
-    if (const auto* window = dynamic_cast<const NSWindow*>(node.element.get())) {
-        application.forget(window);
-    }
-    for (const auto& child : node.children) {
-        forgetWindows(application, *child);
-    }
-}
-
-} // namespace
-
 const std::string& InterfaceNode::attribute(std::string_view name) const {
     static const std::string none;
     const auto found = attributes.find(name);
@@ -26,7 +13,11 @@ Interface::~Interface() {
         if (delegate_ != nullptr && application_->delegate() == delegate_) {
             application_->setDelegate(nullptr);
         }
-        forgetWindows(*application_, *root_);
+        visitNodes(*root_, [this](const InterfaceNode& node) {
+            if (const auto* window = dynamic_cast<const NSWindow*>(node.element.get())) {
+                application_->forget(window);
+            }
+        });
     }
     ownedOwner_.reset();
 }

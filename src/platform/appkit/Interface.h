@@ -26,6 +26,15 @@ struct InterfaceNode {
     [[nodiscard]] const std::string& attribute(std::string_view name) const;
 };
 
+/// Calls `visit` with the node and all below it, in the file's order.
+template <class Visit>
+void visitNodes(const InterfaceNode& node, const Visit& visit) {
+    visit(node);
+    for (const auto& child : node.children) {
+        visitNodes(*child, visit);
+    }
+}
+
 /// A loaded interface file: the tree of its windows and menus, and look-up by name and by operation. It owns
 /// the controls and, where the file made it, their owner.
 class Interface {

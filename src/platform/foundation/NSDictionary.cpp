@@ -133,24 +133,31 @@ std::string mendedXML(std::string_view xml) {
     return text;
 }
 
-std::string shownText(plist_t item) {
+/// The text of a single value, with the two words for a boolean; none for other types.
+std::optional<std::string> singleText(plist_t item, const char* yes, const char* no) {
     switch (plist_get_node_type(item)) {
     case PLIST_BOOLEAN:
-        return booleanIn(item) ? "true" : "false";
+        return booleanIn(item) ? yes : no;
     case PLIST_UINT:
         return std::to_string(integerIn(item));
     case PLIST_REAL:
         return textOf(realIn(item));
     case PLIST_STRING:
         return textIn(item);
-    default: {
-        char* xml = nullptr;
-        std::uint32_t length = 0;
-        plist_to_xml(item, &xml, &length);
-        const std::unique_ptr<char, decltype(&plist_to_xml_free)> owner(xml, &plist_to_xml_free);
-        return xml == nullptr ? std::string() : std::string(xml, length);
+    default:
+        return std::nullopt;
     }
+}
+
+std::string shownText(plist_t item) {
+    if (const auto text = singleText(item, "true", "false")) {
+        return *text;
     }
+    char* xml = nullptr;
+    std::uint32_t length = 0;
+    plist_to_xml(item, &xml, &length);
+    const std::unique_ptr<char, decltype(&plist_to_xml_free)> owner(xml, &plist_to_xml_free);
+    return xml == nullptr ? std::string() : std::string(xml, length);
 }
 
 void appendValues(plist_t dictionary, const std::string& prefix,
@@ -252,19 +259,7 @@ std::int32_t NSMutableDictionary::intForKey(const std::string& key) const {
 }
 
 std::optional<std::string> NSMutableDictionary::stringForKey(const std::string& key) const {
-    const plist_t item = node_->item(key);
-    switch (plist_get_node_type(item)) {
-    case PLIST_BOOLEAN:
-        return booleanIn(item) ? "1" : "0";
-    case PLIST_UINT:
-        return std::to_string(integerIn(item));
-    case PLIST_REAL:
-        return textOf(realIn(item));
-    case PLIST_STRING:
-        return textIn(item);
-    default:
-        return std::nullopt;
-    }
+    return singleText(node_->item(key), "1", "0");
 }
 
 std::optional<NSMutableDictionary> NSMutableDictionary::dictionaryForKey(const std::string& key) const {
