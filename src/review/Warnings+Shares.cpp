@@ -4,7 +4,6 @@
 #include "platform/foundation/NSBundle.h"
 #include "platform/foundation/NSString.h"
 #include "platform/foundation/SystemPaths.h"
-#include "review/ServerReading.h"
 
 #include <algorithm>
 #include <array>
