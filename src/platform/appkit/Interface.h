@@ -17,12 +17,12 @@ namespace platform {
 struct InterfaceNode {
     InterfaceKind kind = InterfaceKind::Interface;
     std::map<std::string, std::string, std::less<>>
-        attributes; ///< texts that a user sees are localized already
+        attributes; ///< strings that the user sees are localized already
     std::vector<std::unique_ptr<InterfaceNode>> children;
     std::unique_ptr<Element> element; ///< the model behind it; null for mere layout
     int line = 0;
 
-    /// The attribute's text, or "" when there is none.
+    /// The attribute's value, or "" when there is none.
     [[nodiscard]] const std::string& attribute(std::string_view name) const;
 };
 
@@ -43,7 +43,8 @@ class Interface {
     /// class when `owner` is null. Connects outlets, actions and delegates, then tells the presenter.
     /// Fails ("FILE:LINE: what is wrong") for a file that cannot be read, is not well formed, is for another
     /// class, names an unknown element, attribute, outlet or operation, an outlet of another kind, or a name
-    /// twice, or leaves an outlet of the class out; no outlet stays connected then, and nobody is told.
+    /// twice, or leaves an outlet of the class out; no outlet stays connected then, and the presenter is not
+    /// told.
     [[nodiscard]] static Result<std::unique_ptr<Interface>>
     load(const std::string& path, const std::string& ownerClass, void* owner = nullptr);
     ~Interface();

@@ -2,8 +2,8 @@
 
 namespace platform {
 
-/// The kinds of elements of an interface file. What each is stands in one table (InterfaceKinds.cpp). A
-/// front-end switches over all of them without a default, so that it does not compile when it lacks one.
+/// The kinds of elements in an interface file. One table describes them all (InterfaceKinds.cpp). Front-ends
+/// switch over them without a default, so that one which lacks a kind does not compile.
 enum class InterfaceKind {
     Interface,
     MenuBar,

@@ -8,10 +8,10 @@
 
 namespace platform {
 
-/// What the text of an attribute may be.
+/// What the value of an attribute may be.
 enum class AttributeKind {
-    Text,    ///< anything; a text that a user sees, so it passes through the string table
-    Word,    ///< anything but nothing: a name, an operation, an identifier
+    Text,    ///< anything; the user sees it, so it passes through the string table
+    Word,    ///< not empty: a name, an operation, an identifier
     YesNo,   ///< "yes" or "no"
     Size,    ///< a whole number from 0
     Integer, ///< a whole number of 32 bits
@@ -30,7 +30,7 @@ struct AttributeRule {
 struct ElementRule {
     InterfaceKind kind;
     std::string_view element; ///< the XML element's name; a layout's and a table's column share one
-    MakeModel make = nullptr; ///< null: mere layout
+    MakeModel make = nullptr; ///< null for layout alone
     std::vector<AttributeRule> attributes = {};
     std::vector<InterfaceKind> children = {};
     bool oneLayout = false; ///< holds exactly one layout element, which fills it

@@ -17,7 +17,7 @@ class xml_node;
 
 namespace platform {
 
-/// Reads one interface file and makes its models: a single use of Interface::load.
+/// Reads one interface file and makes its models: one call of Interface::load.
 class InterfaceLoader {
   public:
     explicit InterfaceLoader(std::string path) : path_(std::move(path)) {}
@@ -25,7 +25,7 @@ class InterfaceLoader {
     [[nodiscard]] Result<std::unique_ptr<Interface>> load(const std::string& ownerClass, void* owner);
 
   private:
-    /// Notes why the file is refused; the first fault counts, and what is read after it is thrown away.
+    /// Records why the file is refused. The first fault counts; what is read after it is thrown away.
     void refuse(int line, const std::string& fault);
     [[nodiscard]] int lineAt(std::ptrdiff_t offset) const;
 
@@ -48,7 +48,7 @@ class InterfaceLoader {
     void nameElement(const InterfaceNode& node);
     void wireAction(const InterfaceNode& node);
     void checkReferences();
-    /// A class may use each of its outlets without asking whether the file had it.
+    /// Every outlet must be there, so that the class may use them unchecked.
     void checkOutlets(int line);
     void tellApplication() const;
 

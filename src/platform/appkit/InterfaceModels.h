@@ -8,11 +8,11 @@
 
 namespace platform {
 
-/// What the makers of models get beside the node, whose children are complete.
+/// What the makers of models get in addition to the node, whose children are complete.
 struct ModelMaking {
     const ObjectClass& ownerClass;
     void* owner;
-    /// Refuses the file because of what stands in that line. What the maker returns is thrown away then.
+    /// Refuses the file because of that line. What the maker returns is then thrown away.
     std::function<void(int line, const std::string& fault)> refuse;
 };
 
