@@ -136,14 +136,14 @@ class BRController : public BROutlets,
     void sendDonationKagi(NSControl* sender);
     void sendFeedback(NSControl* sender);
 
-    // Beside the window (BRController+Copy.cpp).
+    // Used by the review (BRController+Copy.cpp).
     /// Takes over the state of `other`, the controller of another host, but not that of the controls. The
     /// password sheet is up where `sheetIsUp`. Shows nothing and sends no notification.
     void copyState(const BRController& other, bool sheetIsUp);
     /// Reads smb.conf again: the model, the rows of the share table and the SMB page, where edits that were
     /// not saved are gone. The selected share stays selected; the editor shows it as it is now.
     void rereadSMBConf();
-    /// That, and the AFP settings, the users and the groups.
+    /// The same, and also the AFP settings, the users and the groups.
     void rereadEverything();
 
     /// The model of smb.conf; null before start-up.
@@ -174,7 +174,7 @@ class BRController : public BROutlets,
     void fillTables();
 
     /// Names the lines of a hand-written smb.conf that the next write would lose, says that the file cannot
-    /// be read, or that the SMB page shows a part of it only; nothing when all is well.
+    /// be read, or that the SMB page shows a part of it only; nothing otherwise.
     void showSMBConfNotice();
 
     // Share inventory.
