@@ -33,7 +33,8 @@ class Application {
     /// Brings the main window on screen and runs start-up, as one event.
     void launch();
 
-    /// Ends the application, unless it has ended: administrator rights are given up. Nothing before load().
+    /// Ends the application, unless it has ended: administrator rights are given up. Does nothing before
+    /// load().
     void end();
 
     /// The table of that name, which the interface has.

@@ -13,7 +13,7 @@ namespace frontend {
 
 namespace {
 
-/// Some editors begin a file in UTF-8 with it.
+/// Some editors put it at the start of a file in UTF-8.
 constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
 
 } // namespace
@@ -42,7 +42,8 @@ int ScriptRunner::run() {
     } catch (const ScriptError& error) {
         errors_ << name_ << ':' << error.line() << ": " << error.what() << '\n' << std::flush;
     }
-    // The application still goes down in order, so that administrator rights are given up; nobody is told.
+    // The application still shuts down in order, so that administrator rights are given up, but without
+    // output.
     output_->silence();
     NSApp().dispatch([] { NSApp().terminate(); });
     return 1;

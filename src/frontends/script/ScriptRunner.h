@@ -25,7 +25,7 @@ namespace frontend {
 class ScriptRunner {
   public:
     /// `name` is the script's in messages; `input` and `errors` must outlive the runner. `launch` loads the
-    /// interface and starts the application; what it throws comes through run(). `presenter` must be the
+    /// interface and starts the application; its failure ends the script. `presenter` must be the
     /// current host's.
     ScriptRunner(std::string name, std::istream& input, std::shared_ptr<ScriptOutput> output,
                  std::shared_ptr<ScriptPresenter> presenter, std::function<platform::Status()> launch,
@@ -38,7 +38,7 @@ class ScriptRunner {
     /// `history` is for the commands that print it and take changes back; it must outlive the runner.
     void useHistory(const review::History& history) { history_ = &history; }
 
-    /// Runs the whole script and then ends the application. Answers the exit status: 0, or 1 after a fault,
+    /// Runs the whole script and then ends the application. Returns the exit status: 0, or 1 after a fault,
     /// which has been written to the errors as "NAME:LINE: what is wrong".
     [[nodiscard]] int run();
 
@@ -50,7 +50,7 @@ class ScriptRunner {
         std::string_view usage; ///< what follows the name, for messages
         std::size_t least;      ///< how many words follow it
         std::size_t most;
-        bool preparesOnly; ///< only lays answers ready: may come before `start`
+        bool preparesOnly; ///< only prepares answers: may come before `start`
         void (ScriptRunner::*run)(const Words& words);
     };
 
