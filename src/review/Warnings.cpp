@@ -9,7 +9,7 @@ namespace review {
 
 namespace {
 
-/// In which order they are told.
+/// The order in which they are shown.
 constexpr std::array<std::string_view, 19> codes = {
     "changed-outside",    "lines-lost",       "section-removed",       "record-removed",
     "owner-changes",      "mode-changes",     "owner-locked-out",      "no-folder",
