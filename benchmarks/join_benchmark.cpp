@@ -61,9 +61,7 @@ class Application {
   public:
     explicit Application(std::int64_t count) : host_(prepared(folder_.path(), count)) {
         host_.setPresenter(std::make_shared<frontend::SilentPresenter>());
-        BRController::registerClass();
-        interface_ =
-            platform::Interface::load(host_.mainBundle().resourcePath() + "/MainMenu.xml", "BRController");
+        interface_ = std::move(*BRController::loadInterface());
         controller().startUp();
     }
 
@@ -79,7 +77,7 @@ class Application {
         options.root = root.string();
         options.home = root.string();
         options.keepsUserDefaults = false;
-        platform::Services services = platform::makeEmbeddedServices(options);
+        platform::Services services = *platform::makeEmbeddedServices(options);
         writeRecords(platform::EmbeddedRoot(root.string()).storeFile(), count);
         return services;
     }

@@ -28,9 +28,7 @@ class Application {
   public:
     Application() : host_(services(folder_)) {
         host_.setPresenter(std::make_shared<frontend::SilentPresenter>());
-        BRController::registerClass();
-        interface_ =
-            platform::Interface::load(host_.mainBundle().resourcePath() + "/MainMenu.xml", "BRController");
+        interface_ = std::move(*BRController::loadInterface());
         reviewer_ = std::make_unique<review::Reviewer>(*interface_);
         auto& controller = *static_cast<BRController*>(interface_->owner());
         controller.startUp();
@@ -47,7 +45,7 @@ class Application {
   private:
     static platform::Services services(const TemporaryFolder& folder) {
         fillRoot(folder.path(), shares, users);
-        return platform::makeEmbeddedServices(optionsFor(folder.path().string()));
+        return *platform::makeEmbeddedServices(optionsFor(folder.path().string()));
     }
 
     TemporaryFolder folder_;

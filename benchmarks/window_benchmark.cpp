@@ -27,7 +27,7 @@ constexpr int users = 10000;
 
 /// Does what a start of Brindle in a display does, up to the first paint that shows all tables filled.
 int showBrindle(const std::string& root, char** argv) {
-    frontend::Application application(platform::makeEmbeddedServices(optionsFor(root)));
+    frontend::Application application(*platform::makeEmbeddedServices(optionsFor(root)));
     int argc = 1;
     QtFrontend window(argc, argv, QtFrontend::Manner::Interactive);
     application.setPresenter(window.presenter());
@@ -35,7 +35,9 @@ int showBrindle(const std::string& root, char** argv) {
     qApp->installEventFilter(&end);
     // A user who has turned the reminder off: nothing is to stand before the window.
     NSUserDefaults::standardUserDefaults().setInteger(0, "BrindleDonationReminder");
-    application.load();
+    if (!application.load().isOk()) {
+        return 1;
+    }
     return window.run([&] {
         application.launch();
         end.begin();

@@ -225,7 +225,7 @@ class CheckAccess : public testing::Test {
         platform::EmbeddedHostOptions options;
         options.root = (test_.root() / "computer").string();
         options.keepsUserDefaults = false;
-        const platform::Host host(platform::makeEmbeddedServices(options));
+        const platform::Host host(*platform::makeEmbeddedServices(options));
         const SMBConf conf;
         accesscheck::ServerAccounts accounts{platform::SambaAccounts(root_.sambaPaths())};
         accesscheck::AccessCheck check(conf, accounts, {"smb.conf", true});

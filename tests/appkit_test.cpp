@@ -108,7 +108,7 @@ class AppKit : public testing::Test {
                                     .take());
     }
 
-    std::unique_ptr<platform::Interface> load(const std::string& xml, Recorder* owner) {
+    platform::Result<std::unique_ptr<platform::Interface>> load(const std::string& xml, Recorder* owner) {
         host.write("file.xml", xml);
         return platform::Interface::load((host.root() / "file.xml").string(), "Recorder", owner);
     }
@@ -330,7 +330,7 @@ TEST_F(AppKit, APageIsToldOnceAndMustExist) {
 TEST_F(AppKit, ALoadedFileIsConnectedAndItsOwnerGoesBeforeItsControls) {
     Names obituary;
     madeObituary = &obituary;
-    auto loaded = load(R"(<interface class="Recorder">
+    auto result = load(R"(<interface class="Recorder">
         <window name="main" title="M"><column>
             <textField outlet="name" text="kept" delegate="yes"/>
             <button outlet="press" title="Press" action="press:" key="return"/>
@@ -340,11 +340,11 @@ TEST_F(AppKit, ALoadedFileIsConnectedAndItsOwnerGoesBeforeItsControls) {
         </column></window></interface>)",
                        nullptr);
     madeObituary = nullptr;
+    auto loaded = std::move(*result);
     auto* owner = static_cast<Recorder*>(loaded->owner());
     EXPECT_EQ(NSApp().delegate(), owner);
     EXPECT_EQ(NSApp().mainWindow(), loaded->find("main"));
     EXPECT_EQ(loaded->findWiredTo("press:"), owner->press);
-    EXPECT_EQ(loaded->unwiredActions(), Names{});
     owner->press->performClick();
     EXPECT_EQ(owner->told, Names{"pressed"});
     EXPECT_EQ(owner->press->keyEquivalent(), "\r");
@@ -385,19 +385,13 @@ TEST_F(AppKit, AFaultyFileIsRefusedWithItsLineAndLeavesNoOutletSet) {
         const std::string xml = "<interface class='Recorder'>\n<window><column>\n<textField name='first'/>"
                                 "<button outlet='press' action='press:'/>\n" +
                                 element + "\n</column></window></interface>\n";
-        try {
-            static_cast<void>(load(xml, &owner));
-            ADD_FAILURE() << element << " was taken";
-        } catch (const platform::InterfaceError& error) {
-            const std::string line = fault.find("well formed") == std::string::npos ? ":4: " : ":5: ";
-            EXPECT_NE(std::string(error.what()).find("file.xml" + line + fault), std::string::npos)
-                << error.what();
-        }
+        const std::string line = fault.find("well formed") == std::string::npos ? ":4: " : ":5: ";
+        const std::string error = load(xml, &owner).status().text();
+        EXPECT_NE(error.find("file.xml" + line + fault), std::string::npos) << element << error;
         EXPECT_EQ(owner.press, nullptr) << element;
         EXPECT_EQ(NSApp().delegate(), nullptr);
     }
-    EXPECT_THROW(static_cast<void>(platform::Interface::load("/missing.xml", "Recorder")),
-                 platform::InterfaceError);
+    EXPECT_FALSE(platform::Interface::load("/missing.xml", "Recorder").isOk());
 }
 
 TEST_F(AppKit, AFileThatDoesNotFitItsClassIsRefusedBeforeAnybodyIsTold) {
@@ -416,14 +410,10 @@ TEST_F(AppKit, AFileThatDoesNotFitItsClassIsRefusedBeforeAnybodyIsTold) {
     };
     for (const auto& [name, elements, fault] : cases) {
         Recorder owner;
-        try {
-            static_cast<void>(load("<?xml version='1.0'?>\n<interface class='" + name +
-                                       "'>\n<window><column>" + elements + "</column></window></interface>",
-                                   &owner));
-            ADD_FAILURE() << fault;
-        } catch (const platform::InterfaceError& error) {
-            EXPECT_EQ(error.what(), (host.root() / "file.xml").string() + fault);
-        }
+        const auto loaded = load("<?xml version='1.0'?>\n<interface class='" + name + "'>\n<window><column>" +
+                                     elements + "</column></window></interface>",
+                                 &owner);
+        EXPECT_EQ(loaded.status().text(), (host.root() / "file.xml").string() + fault);
         EXPECT_EQ(owner.table, nullptr) << fault;
         EXPECT_EQ(host.loadedInterface, nullptr) << fault;
         EXPECT_EQ(NSApp().mainWindow(), nullptr) << fault;

@@ -17,8 +17,6 @@ class HistoryTest : public DrawnState {
         services.accountNames = std::make_shared<platform::DirectoryAccounts>(host.storeFile().string());
         history.emplace(services);
         inner.emplace(std::move(services));
-        BRController::registerClass();
-        AboutBox::registerClass();
         begin();
         NSApp().dispatch([] {}); // the start is an action of its own: it may have migrated records
     }

@@ -12,7 +12,8 @@ TEST_F(MainWindow, EveryNamedControlOfTheInterfaceFileIsShown) {
     QTest::qWait(50); // the settings' other pages are built when nothing else is to do
     const std::function<void(const platform::InterfaceNode&)> visit =
         [&](const platform::InterfaceNode& node) {
-            if (node.element && !node.element->name().empty() && node.kind != "item") {
+            if (node.element && !node.element->name().empty() &&
+                node.kind != platform::InterfaceKind::MenuItem) {
                 EXPECT_NO_THROW((void)widget<QWidget>(node.element->name()));
             }
             for (const auto& child : node.children) {

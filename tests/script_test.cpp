@@ -181,9 +181,10 @@ Ran runScript(const std::string& script) {
         "it", input, lines, presenter,
         [&] {
             registerDesk();
-            interface = platform::Interface::load((test.root() / "Desk.xml").string(), "Desk");
+            interface = std::move(*platform::Interface::load((test.root() / "Desk.xml").string(), "Desk"));
             NSApp().mainWindow()->makeKeyAndOrderFront();
             NSApp().finishLaunching();
+            return platform::Status();
         },
         errors);
     const int status = runner.run();

@@ -139,9 +139,8 @@ class Pictures : public Window {
 TEST_F(Pictures, EveryPageSheetAndPanelIsWrittenUnderItsName) {
     desk.rows = 3;
     desk.table->reloadData();
-    std::string error;
     const auto folder = host.root() / "pictures";
-    ASSERT_TRUE(frontend->takeSnapshots(folder.string(), error)) << error;
+    EXPECT_EQ(frontend->takeSnapshots(folder.string()).text(), "");
     for (const char* name : {"first", "first-drawer", "second", "sheet", "panel"}) {
         const QImage image(QString::fromStdString((folder / (std::string(name) + ".png")).string()));
         EXPECT_GT(image.width(), 50) << name;
@@ -151,8 +150,7 @@ TEST_F(Pictures, EveryPageSheetAndPanelIsWrittenUnderItsName) {
 
 TEST_F(Pictures, AFolderThatCannotBeMadeIsNamed) {
     host.write("file", "");
-    std::string error;
-    EXPECT_FALSE(frontend->takeSnapshots((host.root() / "file" / "pictures").string(), error));
+    const std::string error = frontend->takeSnapshots((host.root() / "file" / "pictures").string()).text();
     EXPECT_NE(error.find("file/pictures"), std::string::npos);
 }
 

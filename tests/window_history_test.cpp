@@ -20,8 +20,6 @@ class WindowHistoryTest : public MainWindow {
         services.accountNames = std::make_shared<platform::DirectoryAccounts>(host.storeFile().string());
         history.emplace(services);
         inner.emplace(std::move(services));
-        BRController::registerClass();
-        AboutBox::registerClass();
         open();
         reviewer.emplace(*interface);
         frontend->useReviewer(*reviewer);

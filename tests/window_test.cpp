@@ -148,7 +148,7 @@ TEST_F(Window, APopUpCountsTheSameChoiceAgainAndFollowsTypedLetters) {
 
 TEST_F(Window, ManyChangesAreRedrawnOnce) {
     RefreshQueue queue;
-    platform::Element element;
+    NSButton element(NSButtonKind::Push);
     int refreshes = 0;
     QObject owner;
     new Binding(&owner, queue, element.changed, [&refreshes] { ++refreshes; });

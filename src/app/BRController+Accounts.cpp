@@ -39,7 +39,7 @@ std::vector<GroupRecord> currentGroups() {
 const BRRow* BRController::selectedRow(const NSTableView& table, const std::vector<BRRow>& rows) {
     const int row = table.selectedRow();
     const auto index = static_cast<std::size_t>(row);
-    // The list may have been read again, and be shorter than the table, until that is reloaded.
+    // After a reread, the list may be shorter than the table until the table is reloaded.
     return row >= 0 && index < rows.size() ? &rows[index] : nullptr;
 }
 

@@ -26,7 +26,7 @@ NormalShare shareFromRecord(const ShareRecord& record) {
     return share;
 }
 
-/// What the inventory wants to know of a section.
+/// What the inventory needs from a section.
 struct SectionFacts {
     std::optional<std::string> folder;
     std::optional<std::string> guestAccess;
@@ -63,8 +63,8 @@ NormalShare shareFromSection(const SMBShare& section, const SectionFacts& facts)
     return share;
 }
 
-/// System accounts are left out of a list unless its check box is on; one in a state of neither lists
-/// nothing.
+/// System accounts are left out of a list unless its check box is on; a box that is neither on
+/// nor off lists nothing.
 bool isListed(int showSystemState, bool isSystemAccount) {
     return showSystemState == NSOnState || (showSystemState == NSOffState && !isSystemAccount);
 }
@@ -180,7 +180,7 @@ int BRController::numberOfRowsInTableView(NSTableView* table) {
 
 std::string BRController::tableViewObjectValueForTableColumn(NSTableView* table, const NSTableColumn& column,
                                                              int row) {
-    // A list that was read again may be shorter than its table, until the table is reloaded.
+    // After a reread, the list may be shorter than its table until the table is reloaded.
     if (row < 0 || row >= numberOfRowsInTableView(table)) {
         return {};
     }

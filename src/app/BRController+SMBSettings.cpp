@@ -199,7 +199,7 @@ void BRController::updateSMBProperties(NSControl* /*sender*/) {
     SMBShare& homes = *smbConf->Homes();
     homes.setType(smbShareHomeDirs->state() == NSOnState ? SMBGroup : SMBCommentGroup);
     visitHomesSettings(*this, Writer(homes));
-    smbSettingsInPart = false; // what was not shown is what the page shows now
+    smbSettingsInPart = false; // the page now shows what it had not shown before
     showSMBWriteResult(smbConf->writeSMBConfFile());
     NiutilTask::sharedInstance().restartSMB();
 }

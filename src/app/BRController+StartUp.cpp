@@ -16,7 +16,7 @@
 namespace {
 
 constexpr std::int32_t oldestSystem = 0x1040; // 10.4.0
-// A file full of lines that would be lost must not grow the notice beyond the window.
+// However many lines would be lost, the notice must fit in the window.
 constexpr std::size_t namedLossesLimit = 12;
 
 std::string lossText(SMBLoss loss) {

@@ -79,11 +79,12 @@ BRController::~BRController() {
     NSNotificationCenter::defaultCenter().removeObserver(this);
 }
 
-void BRController::registerClass() {
+platform::Result<std::unique_ptr<platform::Interface>> BRController::loadInterface() {
     Description controller("BRController");
     controller.maker([] { return std::make_shared<BRController>(); });
     describeShareActions(controller);
     describeAccountActions(controller);
     describeServerActions(controller);
     platform::registerClass(controller.take());
+    return platform::Interface::load(NSBundle::mainBundle().resourcePath() + "/MainMenu.xml", "BRController");
 }

@@ -4,6 +4,7 @@
 #include "app/BRRow.h"
 #include "model/NormalShare.h"
 #include "model/SMBConf.h"
+#include "platform/appkit/Interface.h"
 #include "platform/appkit/NSApplication.h"
 #include "platform/appkit/NSButton.h"
 #include "platform/appkit/NSTabView.h"
@@ -38,8 +39,8 @@ class BRController : public BROutlets,
     BRController();
     ~BRController() override;
 
-    /// Makes the class known to the interface loader of the current host, under the name "BRController".
-    static void registerClass();
+    /// Loads the bundle's main interface file, which makes the controller.
+    [[nodiscard]] static platform::Result<std::unique_ptr<platform::Interface>> loadInterface();
 
     // Application and start-up.
     void applicationDidFinishLaunching() override;
@@ -135,14 +136,14 @@ class BRController : public BROutlets,
     void sendDonationKagi(NSControl* sender);
     void sendFeedback(NSControl* sender);
 
-    // Beside the window (BRController+Copy.cpp).
+    // Used by the review (BRController+Copy.cpp).
     /// Takes over the state of `other`, the controller of another host, but not that of the controls. The
     /// password sheet is up where `sheetIsUp`. Shows nothing and sends no notification.
     void copyState(const BRController& other, bool sheetIsUp);
     /// Reads smb.conf again: the model, the rows of the share table and the SMB page, where edits that were
     /// not saved are gone. The selected share stays selected; the editor shows it as it is now.
     void rereadSMBConf();
-    /// That, and the AFP settings, the users and the groups.
+    /// The same, and also the AFP settings, the users and the groups.
     void rereadEverything();
 
     /// The model of smb.conf; null before start-up.
@@ -173,7 +174,7 @@ class BRController : public BROutlets,
     void fillTables();
 
     /// Names the lines of a hand-written smb.conf that the next write would lose, says that the file cannot
-    /// be read, or that the SMB page shows a part of it only; nothing when all is well.
+    /// be read, or that the SMB page shows a part of it only; nothing otherwise.
     void showSMBConfNotice();
 
     // Share inventory.

@@ -24,7 +24,7 @@ class BRRow {
         return cell == cells_.end() ? nullptr : &cell->text;
     }
 
-    /// The same for a column that every row has; throws std::out_of_range for another.
+    /// The same for a column that every row has; throws std::out_of_range for any other.
     [[nodiscard]] const std::string& at(std::string_view identifier) const {
         const std::string* text = valueForKey(identifier);
         if (text == nullptr) {

@@ -34,7 +34,7 @@ std::string ruleBrokenByAccountName(const std::string& name) {
     return {};
 }
 
-/// As the SMB server compares the names of sections.
+/// The way in which the SMB server compares the names of sections.
 bool isSameSection(std::string name, std::string_view section) {
     std::erase(name, ' ');
     return isEqualIgnoringCase(name, section);
@@ -47,8 +47,8 @@ std::string ruleBrokenByShareName(const std::string& name) {
     if (name.starts_with(' ') || name.ends_with(' ')) {
         return "a share's name may not begin or end with a blank; leave it out";
     }
-    // Such a section is not a share's: it holds for other shares, and would be rewritten, or taken away, with
-    // this one.
+    // Such a section does not belong to one share: it applies to others too, and would be rewritten or
+    // removed with this one.
     constexpr std::array<std::string_view, 4> reserved{"global", "globals", "homes", "printers"};
     if (std::ranges::any_of(reserved, [&](std::string_view each) { return isSameSection(name, each); })) {
         return "the SMB server takes " + name + " for a section of its own; choose another name";

@@ -4,8 +4,6 @@
 #include "platform/appkit/NSApplication.h"
 #include "platform/appkit/NSTableView.h"
 #include "platform/appkit/NSWindow.h"
-#include "platform/foundation/NSBundle.h"
-#include "ui/AboutBox.h"
 
 #include <stdexcept>
 #include <utility>
@@ -18,12 +16,14 @@ void Application::setPresenter(std::shared_ptr<platform::Presenter> presenter) {
     host_.setPresenter(std::move(presenter));
 }
 
-void Application::load() {
-    BRController::registerClass();
-    AboutBox::registerClass();
-    interface_ =
-        platform::Interface::load(NSBundle::mainBundle().resourcePath() + "/MainMenu.xml", "BRController");
+platform::Status Application::load() {
+    auto loaded = BRController::loadInterface();
+    if (!loaded.isOk()) {
+        return loaded.status();
+    }
+    interface_ = std::move(*loaded);
     reviewer_ = std::make_unique<review::Reviewer>(*interface_);
+    return {};
 }
 
 void Application::launch() {
@@ -44,7 +44,7 @@ void Application::end() {
 NSTableView& Application::table(const std::string& name) const {
     auto* table = dynamic_cast<NSTableView*>(interface_ ? interface_->find(name) : nullptr);
     if (table == nullptr) {
-        throw std::runtime_error("the interface has no table " + name);
+        throw std::logic_error("the interface has no table " + name);
     }
     return *table;
 }

@@ -21,9 +21,8 @@ class Application {
     /// Puts the front-end in place. Before load().
     void setPresenter(std::shared_ptr<platform::Presenter> presenter);
 
-    /// Loads the main interface file of the bundle, which makes the controller. Throws
-    /// platform::InterfaceError.
-    void load();
+    /// Loads the main interface file of the bundle, which makes the controller.
+    [[nodiscard]] platform::Status load();
 
     /// Stands before the actions of the main interface; null before load().
     [[nodiscard]] review::Reviewer* reviewer() const { return reviewer_.get(); }
@@ -34,10 +33,11 @@ class Application {
     /// Brings the main window on screen and runs start-up, as one event.
     void launch();
 
-    /// Ends the application, unless it has ended: administrator rights are given up. Nothing before load().
+    /// Ends the application, unless it has ended: administrator rights are given up. Does nothing before
+    /// load().
     void end();
 
-    /// The table of that name. Throws std::runtime_error when the interface has none.
+    /// The table of that name, which the interface has.
     [[nodiscard]] NSTableView& table(const std::string& name) const;
 
   private:

@@ -16,7 +16,6 @@
 
 #include <cerrno>
 #include <csignal>
-#include <cstring>
 #include <exception>
 #include <filesystem>
 #include <fstream>
@@ -30,6 +29,8 @@ namespace {
 using frontend::Application;
 using frontend::Mode;
 using frontend::Options;
+using platform::Result;
+using platform::Status;
 
 /// The log of a scripted run, beside the script's output: standard error is for faults in the script.
 class QuietSystemLog : public platform::Log {
@@ -39,7 +40,7 @@ class QuietSystemLog : public platform::Log {
     }
 };
 
-platform::Services makeServices(const Options& options) {
+Result<platform::Services> makeServices(const Options& options) {
     const bool keepsUserDefaults = options.mode == Mode::Window || options.mode == Mode::Script;
     if (options.host.system) {
         platform::SystemHostOptions host;
@@ -66,11 +67,11 @@ class ScratchRoot {
     ScratchRoot(const ScratchRoot&) = delete;
     ScratchRoot& operator=(const ScratchRoot&) = delete;
 
-    /// Makes the folder.
-    [[nodiscard]] const std::string& make() {
+    /// Makes the folder and returns its path.
+    [[nodiscard]] Result<std::string> make() {
         std::string pattern = (std::filesystem::temp_directory_path() / "brindle-root-XXXXXX").string();
         if (::mkdtemp(pattern.data()) == nullptr) {
-            throw std::runtime_error("cannot make " + pattern + ": " + std::strerror(errno));
+            return Status::ofErrno("cannot make", pattern, errno);
         }
         folder_ = pattern;
         return folder_;
@@ -81,32 +82,35 @@ class ScratchRoot {
 };
 
 /// Services that change nothing.
-platform::Services makeDryServices(Options options, ScratchRoot& scratch) {
+Result<platform::Services> makeDryServices(Options options, ScratchRoot& scratch) {
     if (!options.host.system) {
         std::string& root = options.host.root;
         root = root.empty() ? platform::EmbeddedRoot::defaultFolder() : root;
         if (!std::filesystem::exists(platform::EmbeddedRoot(root).storeFile())) {
-            root = scratch.make();
+            const auto made = scratch.make();
+            if (!made.isOk()) {
+                return made.status();
+            }
+            root = *made;
         }
     }
-    const auto services = review::servicesOnCopies(makeServices(options));
-    if (!services.isOk()) {
-        throw std::runtime_error(services.status().text());
-    }
-    return *services;
+    const auto services = makeServices(options);
+    return services.isOk() ? review::servicesOnCopies(*services) : services;
 }
 
-/// The file server that --serve asks for, running; null when it was not asked for. Throws when it cannot run.
-std::unique_ptr<platform::EmbeddedServer> startServer(const Options& options) {
+using Server = std::unique_ptr<platform::EmbeddedServer>;
+
+/// The file server that --serve asks for, running; null when it was not asked for.
+Result<Server> startServer(const Options& options) {
     if (!options.serve) {
-        return nullptr;
+        return Server();
     }
     const std::string folder =
         options.host.root.empty() ? platform::EmbeddedRoot::defaultFolder() : options.host.root;
     auto server = std::make_unique<platform::EmbeddedServer>(platform::EmbeddedRoot(folder).sambaPaths());
-    const auto status = server->start(options.port.value_or(platform::EmbeddedServer::defaultPort));
-    if (!status.isOk()) {
-        throw std::runtime_error(status.text());
+    if (Status status = server->start(options.port.value_or(platform::EmbeddedServer::defaultPort));
+        !status.isOk()) {
+        return status;
     }
     std::cerr << "brindle: the shares are served at " << server->address() << '\n';
     return server;
@@ -121,32 +125,40 @@ void tellWhatIsMissing() {
     }
 }
 
-int runScript(const Options& options) {
+Result<int> runScript(const Options& options) {
     const bool readsStandardInput = options.script == "-";
     std::ifstream file;
     if (!readsStandardInput) {
         errno = 0;
         file.open(options.script);
         if (!file) {
-            throw std::runtime_error("the script " + options.script +
-                                     " cannot be read: " + std::strerror(errno));
+            return Status::ofErrno("the script " + options.script + " cannot be read", "", errno);
         }
     }
     ScratchRoot scratch;
-    platform::Services services = options.dryRun ? makeDryServices(options, scratch) : makeServices(options);
+    auto services = options.dryRun ? makeDryServices(options, scratch) : makeServices(options);
+    if (!services.isOk()) {
+        return services.status();
+    }
     const auto output = std::make_shared<frontend::ScriptOutput>(std::cout);
-    services.log = std::make_shared<frontend::ScriptLog>(
+    services->log = std::make_shared<frontend::ScriptLog>(
         output, options.dryRun ? nullptr : std::make_shared<QuietSystemLog>());
     const auto presenter = std::make_shared<frontend::ScriptPresenter>(output);
-    Application application(std::move(services));
+    Application application(std::move(*services));
     application.setPresenter(presenter);
     tellWhatIsMissing();
     const auto server = startServer(options);
+    if (!server.isOk()) {
+        return server.status();
+    }
     frontend::ScriptRunner runner(
         options.script, readsStandardInput ? std::cin : file, output, presenter,
         [&] {
-            application.load();
-            application.launch();
+            Status status = application.load();
+            if (status.isOk()) {
+                application.launch();
+            }
+            return status;
         },
         std::cerr);
     runner.useReviewer([&] { return application.reviewer(); });
@@ -154,65 +166,83 @@ int runScript(const Options& options) {
     return runner.run();
 }
 
+Result<int> exitStatusOf(Status status) {
+    return status.isOk() ? Result<int>(0) : Result<int>(std::move(status));
+}
+
 std::string tableName(const std::string& printed) {
     return printed == "shares" ? "normalTableView" : printed == "users" ? "userTableView" : "groupTableView";
 }
 
-int printTable(const Options& options) {
-    Application application(makeServices(options));
+Status printTable(const Options& options) {
+    auto services = makeServices(options);
+    if (!services.isOk()) {
+        return services.status();
+    }
+    Application application(std::move(*services));
     application.setPresenter(std::make_shared<frontend::SilentPresenter>());
     tellWhatIsMissing();
-    application.load();
+    if (Status status = application.load(); !status.isOk()) {
+        return status;
+    }
     application.launch();
     if (NSApp().isTerminated()) {
-        throw std::runtime_error("nothing was printed: Brindle does not run on this version of the system");
+        return Status::failure("nothing was printed", "",
+                               "Brindle does not run on this version of the system");
     }
     const std::string text = frontend::tableText(application.table(tableName(options.table)));
     application.end();
     std::cout << text << std::flush;
-    if (!std::cout) {
-        throw std::runtime_error("standard output cannot be written");
-    }
-    return 0;
+    return std::cout ? Status()
+                     : Status::failure("nothing was printed", "", "standard output cannot be written");
 }
 
-int openWindow(const Options& options, char** argv) {
-    Application application(makeServices(options));
+Result<int> openWindow(const Options& options, char** argv) {
+    auto services = makeServices(options);
+    if (!services.isOk()) {
+        return services.status();
+    }
+    Application application(std::move(*services));
     const auto server = startServer(options);
-    return options.mode == Mode::Window ? frontend::runWindow(application, argv)
-                                        : frontend::takeSnapshots(application, argv, options.snapshotFolder);
+    if (!server.isOk()) {
+        return server.status();
+    }
+    if (options.mode == Mode::Window) {
+        return frontend::runWindow(application, argv);
+    }
+    return exitStatusOf(frontend::takeSnapshots(application, argv, options.snapshotFolder));
 }
 
-int runWithWindow(const Options& options, char** argv) {
-    try {
-        return openWindow(options, argv);
-    } catch (const std::exception& error) {
-        if (options.mode == Mode::Window) {
-            frontend::showStartFailure(error.what(), argv);
-        }
-        throw;
+Result<int> runWithWindow(const Options& options, char** argv) {
+    Result<int> result = openWindow(options, argv);
+    if (!result.isOk() && options.mode == Mode::Window) {
+        frontend::showStartFailure(result.status().text(), argv);
     }
+    return result;
 }
 
 /// What the system logs while a command runs is for the log that is kept.
-int runCommand(const Options& options) {
-    platform::Services services = makeServices(options);
-    services.log = std::make_shared<QuietSystemLog>();
+Result<int> runCommand(const Options& options) {
+    auto services = makeServices(options);
+    if (!services.isOk()) {
+        return services.status();
+    }
+    services->log = std::make_shared<QuietSystemLog>();
     std::optional<platform::SambaPaths> rootServer;
     if (!options.host.system) {
         const std::string& root = options.host.root;
         rootServer = platform::EmbeddedRoot(root.empty() ? platform::EmbeddedRoot::defaultFolder() : root)
                          .sambaPaths();
     }
-    Application application(std::move(services));
+    Application application(std::move(*services));
     const auto presenter = std::make_shared<frontend::CommandPresenter>(options.command.saysYes);
     application.setPresenter(presenter);
     if (options.command.needsApplication) {
-        application.load();
-        application.launch();
-        if (application.reviewer() != nullptr) {
-            application.reviewer()->setQuestion(&review::Reviewer::askAboutWarnings);
+        if (Status status = application.load(); !status.isOk()) {
+            return status;
         }
+        application.launch();
+        application.reviewer()->setQuestion(&review::Reviewer::askAboutWarnings);
     }
     presenter->begin();
     const int status = frontend::CommandRun({options.command, *presenter, application.reviewer(),
@@ -222,7 +252,7 @@ int runCommand(const Options& options) {
     return status;
 }
 
-int run(const Options& options, char** argv) {
+Result<int> run(const Options& options, char** argv) {
     if (options.end) {
         return options.end->print();
     }
@@ -232,7 +262,7 @@ int run(const Options& options, char** argv) {
     case Mode::Command:
         return runCommand(options);
     case Mode::Print:
-        return printTable(options);
+        return exitStatusOf(printTable(options));
     case Mode::Window:
     case Mode::Snapshot:
         return runWithWindow(options, argv);
@@ -247,9 +277,13 @@ int NSApplicationMain(int argc, char** argv) {
     std::signal(SIGPIPE, SIG_IGN);
     try {
         const auto arguments = platform::argumentsOf(argc, argv);
-        return run(frontend::parseOptions({arguments.begin(), arguments.end()}), argv);
+        const auto status = run(frontend::parseOptions({arguments.begin(), arguments.end()}), argv);
+        if (status.isOk()) {
+            return *status;
+        }
+        std::cerr << "brindle: " << status.status().text() << '\n';
     } catch (const std::exception& error) {
         std::cerr << "brindle: " << error.what() << '\n';
-        return 1;
     }
+    return 1;
 }

@@ -9,7 +9,7 @@
 
 namespace frontend {
 
-/// What a run of the program is for.
+/// What the program is run for.
 enum class Mode { Window, Script, Print, Snapshot, Command };
 
 /// What the command line asks for, checked. Nothing has been opened or made yet.

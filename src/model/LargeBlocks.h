@@ -2,8 +2,8 @@
 
 #include <memory_resource>
 
-/// Memory in few large blocks, which the system is asked to give in large pages: a long file is read in half
-/// the time when its memory does not come page by page. A small block is an ordinary one. Has no state.
+/// Memory in a few large blocks, for which the system is asked to use large pages: a long file is then read
+/// in half the time. Small blocks are allocated as usual. Has no state.
 class LargeBlocks : public std::pmr::memory_resource {
   public:
     [[nodiscard]] static LargeBlocks& instance();

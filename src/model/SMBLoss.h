@@ -2,7 +2,7 @@
 
 #include <cstddef>
 
-/// What the whole-file write loses, or spoils, of a file written by hand.
+/// What writing the whole file loses or spoils in a file written by hand.
 enum class SMBLoss {
     Continuation, ///< a line ended by a backslash, live or in the commented-out "homes": it stays, and would
                   ///< swallow the line that is written after it

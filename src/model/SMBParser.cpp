@@ -95,9 +95,8 @@ bool SMBParser::nextLine() {
     return true;
 }
 
-/// The first `mark` from the position on, else the text's end. `known` is the one found last: it is looked
-/// for again only once it is passed, so that a file that never holds one of the marks is not searched for it
-/// at every line.
+/// The first `mark` from the position on, else the text's end. `known` is the last one found. It is searched
+/// for again only once it is behind the position, so that a file without that mark is searched only once.
 std::size_t SMBParser::nextOf(char mark, std::size_t& known) const {
     if (known <= position_) {
         known = std::min(text_.find(mark, position_), text_.size());
@@ -213,8 +212,7 @@ void SMBParser::appendLineToText() {
 
 void SMBParser::note(SMBLoss loss) {
     const auto offset = static_cast<std::size_t>(line_.data() - text_.data());
-    if (lossNotices.empty() ||
-        lossNotices.back().line != offset) { // the first that is wrong with a line is enough
+    if (lossNotices.empty() || lossNotices.back().line != offset) { // one notice for a line is enough
         lossNotices.push_back({offset, loss});
     }
 }

@@ -19,7 +19,7 @@ class SMBParser {
     /// `text` and `memory` must outlive the entries that are made of it.
     SMBParser(std::string_view text, std::pmr::memory_resource* memory);
 
-    /// Reads everything; then the results below stand. At least one entry is made.
+    /// Reads everything; the results below are valid afterwards. At least one entry is made.
     void parse();
 
     SMBEntries entries;
@@ -27,7 +27,7 @@ class SMBParser {
     SMBShare* homes = nullptr;
     std::vector<SMBLossNotice> lossNotices;
 
-    // The rules for one line, leading white space already gone, for whoever looks at the lines themselves.
+    // The rules for one line without its leading white space, for code that looks at single lines.
     [[nodiscard]] static bool isCommentGroup(std::string_view line) {
         return line.starts_with("#[") || line.starts_with(";[");
     }
@@ -40,7 +40,7 @@ class SMBParser {
         return line.starts_with('[') && line.ends_with(']');
     }
 
-    /// A parameter's key and value, blanks around them gone.
+    /// A parameter's key and value without the blanks around them.
     struct PairText {
         std::string_view key;
         std::string_view value;
@@ -80,7 +80,7 @@ class SMBParser {
     std::size_t carriageReturn_ = 0;
     bool hasValueEndMark_;  ///< looked for once, because most files hold none
     std::string_view line_; ///< the line that was read last
-    bool haveLine_ = false; ///< `line_` ended an entry and is still to be looked at
+    bool haveLine_ = false; ///< `line_` ended an entry and is still to be read
     State state_ = State::Start;
     std::pmr::memory_resource* memory_;
     std::unique_ptr<SMBShare> current_;

@@ -114,8 +114,8 @@ struct SMBPair {
 /// Parameters in the file's order. Those that the parser read lie in memory of the model's.
 using SMBPairs = std::pmr::vector<SMBPair>;
 
-/// One entry of smb.conf: a comment block, a section, or a commented-out section. Texts are bytes, as in the
-/// file.
+/// One entry of smb.conf: a comment block, a section, or a commented-out section. Strings are bytes, as in
+/// the file.
 class SMBShare {
   public:
     SMBShare() = default;
@@ -162,7 +162,7 @@ class SMBShare {
     [[nodiscard]] SMBPair* firstProp(std::string_view key);
     /// Gives the first parameter with that key the value, or adds one at the end.
     void setProp(std::string_view key, std::string_view value);
-    /// Takes away the first parameter with that key; nothing when there is none.
+    /// Removes the first parameter with that key; nothing when there is none.
     void removeProp(std::string_view key);
 
     /// The kind's name, "Error" for any code that is no kind.

@@ -1,5 +1,6 @@
 #include "privileged/NiutilTask.h"
 
+#include "directory/ReportLine.h"
 #include "platform/appkit/NSAlert.h"
 #include "platform/foundation/NSLog.h"
 #include "platform/foundation/NSString.h"
@@ -58,7 +59,7 @@ void NiutilTask::deleteAllShares() {
     }
     const std::vector<std::string> shares = currentShares();
     for (const std::string& line : std::views::reverse(shares)) {
-        const std::string name = line.substr(0, line.find('\t'));
+        const std::string name = piecesOfReportLine(line).front();
         const RunResult result =
             runTool(systempath::nicl, std::vector<std::string>{".", "-delete", sharePath(name)});
         if (result.output != "") {

@@ -15,7 +15,7 @@ constexpr const char* statusMessage = "Error %d in AuthorizationExecuteWithPrivi
 
 std::vector<std::string> report(const std::string& path, std::span<const std::string> properties) {
     std::vector<std::string> lines;
-    // A directory that cannot be read was logged there and shows as an empty list.
+    // A directory that cannot be read has been logged and shows as an empty list.
     static_cast<void>(ni_report_local(path, properties, lines));
     return lines;
 }

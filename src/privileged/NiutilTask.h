@@ -71,7 +71,7 @@ class NiutilTask {
     void changeUserShare(const std::string& shortName, bool enable);
     void runPasswd(const std::string& shortName, const std::string& passwd);
 
-    /// A run that the caller has put together, judged as every other: false when it failed.
+    /// A run that the caller has put together, checked like any other: false when it failed.
     bool carryOut(const std::string& tool, std::span<const std::string> arguments);
 
     // Servers: signal 1 to each process of AppleFileServer or smbd.
@@ -93,7 +93,7 @@ class NiutilTask {
     [[nodiscard]] RunResult runTool(const std::string& tool, std::span<const std::string> arguments,
                                     std::optional<std::size_t> secretArgument = std::nullopt);
 
-    // One judged run. `message` is the log message for unexpected output, with one "%@" for it.
+    // One checked run. `message` is the log message for unexpected output, which replaces its one "%@".
     /// Returns false at the first check that fails: the caller stops there.
     [[nodiscard]] bool runOrStop(const std::string& tool, std::span<const std::string> arguments,
                                  std::string_view message);

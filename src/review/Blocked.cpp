@@ -4,6 +4,7 @@
 #include "platform/appkit/NSTextField.h"
 #include "platform/foundation/NSBundle.h"
 #include "platform/foundation/NSString.h"
+#include "platform/foundation/SystemPaths.h"
 #include "platform/samba/SambaAccounts.h"
 #include "review/SMBFields.h"
 
@@ -116,9 +117,9 @@ void addSettingsBlocks(const BROutlets& controls, std::vector<Remark>* blocks) {
 std::vector<Remark> blocksOf(const Plan& plan, const BROutlets& controls) {
     std::vector<Remark> blocks;
     for (const PlannedRun& run : plan.runs) {
-        if (run.tool == "/usr/bin/nicl") {
+        if (run.tool == platform::systempath::nicl) {
             addDirectoryBlocks(run, plan.operation, controls, &blocks);
-        } else if (run.tool == "/usr/bin/dscl") {
+        } else if (run.tool == platform::systempath::dscl) {
             const auto status =
                 platform::SambaAccounts::checkPassword(controls.passwordSecureText1->stringValue());
             if (!status.isOk()) {

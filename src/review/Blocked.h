@@ -8,9 +8,10 @@
 namespace review {
 
 /// Why the runs of a plan cannot be done, whatever the directory holds: our own tools are bound to refuse one
-/// of them, or a value that ends in a backslash would take in the line after it. Looks at what the plan has
-/// noted, so that what the operation itself refuses first is not told again. Deleting is never blocked.
-/// `controls` are those that the plan was made with; the folder, key or name is quoted as it stands there.
+/// of them, or a value that ends in a backslash would take in the line after it. Looks only at the
+/// plan's runs, so that what the operation itself refuses first is not reported twice. Deleting is never
+/// blocked. `controls` are those that the plan was made with; the folder, key or name is quoted as it stands
+/// there.
 [[nodiscard]] std::vector<Remark> blocksOf(const Plan& plan, const BROutlets& controls);
 
 } // namespace review

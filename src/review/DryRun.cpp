@@ -46,7 +46,7 @@ class DryRunAuthority : public platform::Authority {
 } // namespace
 
 platform::Result<platform::Services> servicesOnCopies(const platform::Services& real) {
-    const platform::Host host(real); // what is copied is what it reads
+    const platform::Host host(real); // the copies are made of what this host reads
     const auto copy = WorkingCopy::make();
     if (!copy.isOk()) {
         return copy.status();

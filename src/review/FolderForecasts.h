@@ -13,7 +13,7 @@
 
 namespace review {
 
-/// What the runs of a plan have made of folders so far. The folders themselves stay as they are.
+/// What the runs of a plan have changed about folders so far. The folders themselves stay as they are.
 class FolderForecasts : public platform::FolderForecast {
   public:
     /// `outer` is what a plan around this one has predicted; may be null.
@@ -21,7 +21,7 @@ class FolderForecasts : public platform::FolderForecast {
 
     void apply(struct stat& status) const override;
 
-    /// Takes over what a tool would do to the folder at `path`.
+    /// Records what a tool would do to the folder at `path`.
     void add(const std::string& path, const FolderOrder& order);
 
     /// Each folder that a run has named, before all of them and after, in the order of the first runs.

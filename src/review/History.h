@@ -45,8 +45,8 @@ class History {
     std::shared_ptr<Recorder> recorder_; ///< null: no history is kept
 };
 
-/// Says in an alert what does not come back as it was; true then, and when all comes back. A plan that is
-/// refused is false, and the alert says why.
+/// Lists in an alert what will not be restored exactly. True unless the plan is refused; the alert then says
+/// why.
 [[nodiscard]] bool announceUndo(const UndoPlan& plan);
 /// Says that taking back has stopped on its way; the failed run was logged.
 void showUndoFailed(const UndoPlan& plan);

@@ -14,8 +14,8 @@
 namespace review {
 
 /// The file that keeps what actions have changed. Opened for each operation, so that several programs can use
-/// it; each operation is one transaction and waits for the others a few seconds. The oldest entries go when
-/// there are too many. Failures say what to do.
+/// it; each operation is one transaction and waits for the others a few seconds. The oldest entries are
+/// dropped when there are too many. Failures say what to do.
 class HistoryStore {
   public:
     static constexpr int entryLimit = 500;

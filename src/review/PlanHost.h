@@ -61,7 +61,7 @@ class PlanPresenter : public platform::Presenter {
     platform::TimerId lastTimer_ = 0;
 };
 
-/// A log that keeps nothing: what a plan runs into is nothing that has happened.
+/// A log that keeps nothing, because nothing in a plan really happens.
 class SilentLog : public platform::Log {
   public:
     void write(std::string_view /*text*/) override {}

@@ -2,6 +2,7 @@
 
 #include "platform/foundation/NSBundle.h"
 #include "platform/foundation/NSString.h"
+#include "platform/foundation/SystemPaths.h"
 
 #include <algorithm>
 
@@ -40,19 +41,19 @@ std::string directorySentence(const PlannedRun& run) {
 
 std::string sentenceOf(const PlannedRun& run) {
     const std::size_t count = run.arguments.size();
-    if (run.tool == "/usr/bin/nicl" && count > 2) {
+    if (run.tool == platform::systempath::nicl && count > 2) {
         return directorySentence(run);
     }
-    if (run.tool == "/usr/bin/dscl" && count > 2) {
+    if (run.tool == platform::systempath::dscl && count > 2) {
         return sentence("Set the password of %@.", run.arguments[2]);
     }
-    if (run.tool == "/bin/cp" && count > 1) {
+    if (run.tool == platform::systempath::cp && count > 1) {
         return sentence("Write %@.", run.arguments[1]);
     }
-    if (run.tool == "/usr/sbin/chown" && count > 1) {
+    if (run.tool == platform::systempath::chown && count > 1) {
         return sentence("Give the folder %@ to %@.", run.arguments[1], run.arguments[0]);
     }
-    if (run.tool == "/bin/chmod" && count > 1) {
+    if (run.tool == platform::systempath::chmod && count > 1) {
         return sentence("Give the folder %@ the mode %@.", run.arguments[1], run.arguments[0]);
     }
     return sentence("Make the file server read its settings again.");

@@ -3,6 +3,7 @@
 #include "platform/foundation/Host.h"
 #include "platform/foundation/NSDictionary.h"
 #include "platform/foundation/NSFileManager.h"
+#include "platform/foundation/SystemPaths.h"
 #include "platform/netinfo/LocalDomain.h"
 #include "review/Blocked.h"
 #include "review/TextDifference.h"
@@ -15,8 +16,8 @@ namespace review {
 
 namespace {
 
-constexpr const char* smbConf = "/etc/smb.conf";
-constexpr const char* afpSettings = "/Library/Preferences/com.apple.AppleFileServer.plist";
+using platform::systempath::appleFileServer;
+using platform::systempath::smbConf;
 
 std::string bytesOf(const std::string& path) {
     return contentsOfFile(path).valueOr("");
@@ -66,12 +67,12 @@ void workOut(const platform::Interface& main, const std::shared_ptr<WorkingCopy>
     const auto& now = *static_cast<const BRController*>(main.owner());
     const std::string storeBefore = platform::Host::current().localDomain().storeFile();
     plan->smbConfBefore = bytesOf(smbConf);
-    const std::string afpBefore = bytesOf(afpSettings);
+    const std::string afpBefore = bytesOf(appleFileServer);
     Rehearsal rehearsal(main, copy, plan);
     rehearsal.perform([&] { action(rehearsal); });
     copy->settle();
     compare(*copy, plan);
-    plan->afpSettings = settingChanges(afpBefore, bytesOf(copy->settingsFile(afpSettings)));
+    plan->afpSettings = settingChanges(afpBefore, bytesOf(copy->settingsFile(appleFileServer)));
     plan->blocks = blocksOf(*plan, now);
     if (plan->blocks.empty() && depth == PlanDepth::Warnings) {
         plan->warnings = warningsOf({*plan, now, rehearsal.controller(), DirectoryView(storeBefore),

@@ -12,10 +12,10 @@ namespace review {
 /// Does something to the rehearsal of an application.
 using RehearsedAction = std::function<void(const Rehearsal& rehearsal)>;
 
-/// How much is found out about a plan.
+/// How much of a plan is worked out.
 enum class PlanDepth {
-    Blocks,  ///< its steps, and whether it is blocked
-    Warnings ///< that, and what would surprise
+    Blocks,  ///< the steps, and whether they are blocked
+    Warnings ///< the warnings as well
 };
 
 /// Carries `action` out on a copy of the application of the current host, whose main interface is `main`, and

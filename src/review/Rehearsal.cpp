@@ -1,9 +1,7 @@
 #include "review/Rehearsal.h"
 
 #include "platform/appkit/NSApplication.h"
-#include "platform/foundation/NSBundle.h"
 #include "review/PlanHost.h"
-#include "ui/AboutBox.h"
 
 #include <stdexcept>
 
@@ -26,10 +24,11 @@ Rehearsal::Rehearsal(const platform::Interface& original, const std::shared_ptr<
     const auto& controllerNow = *static_cast<const BRController*>(original.owner());
     const bool sheetIsUp = NSApp().attachedSheet() != nullptr;
     host_ = std::make_unique<platform::Host>(planServices(copy, plan));
-    BRController::registerClass();
-    AboutBox::registerClass();
-    interface_ =
-        platform::Interface::load(NSBundle::mainBundle().resourcePath() + "/MainMenu.xml", "BRController");
+    auto loaded = BRController::loadInterface();
+    if (!loaded.isOk()) {
+        throw std::runtime_error(loaded.status().text()); // only if it was changed since the original's load
+    }
+    interface_ = std::move(*loaded);
     controller().copyState(controllerNow, sheetIsUp);
     copyStates(original.root(), interface_->root());
 }

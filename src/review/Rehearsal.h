@@ -12,9 +12,9 @@
 
 namespace review {
 
-/// The application a second time, on a host of its own whose services are a working copy: every control and
-/// the controller in the state that they have now. What is done to it changes nothing but the copy. Its host
-/// is the current one for as long as it lives.
+/// A second copy of the application, on a host of its own whose services are a working copy. Every control
+/// and the controller have their present state. Actions change nothing but the copy. Its host is the current
+/// one while this object lives.
 class Rehearsal {
   public:
     /// `original` is the main interface of the current host; alerts and runs are noted in `*plan`.
@@ -24,7 +24,7 @@ class Rehearsal {
     Rehearsal& operator=(const Rehearsal&) = delete;
 
     [[nodiscard]] BRController& controller() const;
-    /// The copy of a control; null when it is none of the main interface's.
+    /// The copy of a control; null when it does not belong to the main interface.
     [[nodiscard]] NSControl* copyOf(const NSControl& original) const;
     [[nodiscard]] NSControl* findWiredTo(const std::string& operation) const;
 

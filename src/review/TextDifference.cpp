@@ -11,7 +11,7 @@ namespace {
 
 using Lines = std::span<const std::string_view>;
 
-/// More changes than these are not searched for the fewest: the time grows with their square.
+/// Beyond this number the fewest changes are not searched for: the time grows with its square.
 constexpr int mostChanges = 1000;
 
 std::ptrdiff_t sizeOf(Lines lines) {

@@ -3,6 +3,7 @@
 #include "model/ServerSettings.h"
 #include "platform/foundation/NSBundle.h"
 #include "platform/foundation/NSString.h"
+#include "platform/foundation/SystemPaths.h"
 
 #include <algorithm>
 #include <array>
@@ -138,7 +139,7 @@ class ShareWarnings {
     void addRemovedRecords() {
         std::vector<std::string> seen;
         for (const PlannedRun& run : situation_.plan.runs) {
-            const bool deletes = run.tool == "/usr/bin/nicl" && run.arguments.size() == 3 &&
+            const bool deletes = run.tool == platform::systempath::nicl && run.arguments.size() == 3 &&
                                  run.arguments[1] == "-delete" && run.arguments[2].starts_with(sharesPlace);
             if (deletes && std::ranges::find(seen, run.arguments[2]) == seen.end()) {
                 seen.push_back(run.arguments[2]);

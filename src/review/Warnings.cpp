@@ -1,5 +1,7 @@
 #include "review/Warnings.h"
 
+#include "platform/foundation/SystemPaths.h"
+
 #include <algorithm>
 #include <array>
 
@@ -7,7 +9,7 @@ namespace review {
 
 namespace {
 
-/// In which order they are told.
+/// The order in which they are shown.
 constexpr std::array<std::string_view, 19> codes = {
     "changed-outside",    "lines-lost",       "section-removed",       "record-removed",
     "owner-changes",      "mode-changes",     "owner-locked-out",      "no-folder",
@@ -23,7 +25,8 @@ std::ptrdiff_t placeOf(const Remark& warning) {
 
 bool Situation::writesSMBConf() const {
     return std::ranges::any_of(plan.runs, [](const PlannedRun& run) {
-        return run.tool == "/bin/cp" && run.arguments.size() == 2 && run.arguments[1] == "/etc/smb.conf";
+        return run.tool == platform::systempath::cp && run.arguments.size() == 2 &&
+               run.arguments[1] == platform::systempath::smbConf;
     });
 }
 

@@ -8,7 +8,7 @@
 
 namespace review {
 
-/// A planned action, and what it was planned on.
+/// A planned action, and the state that it was planned on.
 struct Situation {
     const Plan& plan;
     const BRController& before; ///< the application as it is
@@ -22,10 +22,10 @@ struct Situation {
     [[nodiscard]] bool writesSMBConf() const;
 };
 
-/// What would surprise somebody who carries the plan out: each a sentence that names what it is about.
+/// What would surprise somebody who carries the plan out, each as a sentence that names what it is about.
 [[nodiscard]] std::vector<Remark> warningsOf(const Situation& situation);
 
-// The groups that it is made of; each adds its own.
+// Each of these adds one group of warnings.
 void addFileWarnings(const Situation& situation, std::vector<Remark>* warnings);    // smb.conf as a file
 void addShareWarnings(const Situation& situation, std::vector<Remark>* warnings);   // sections and records
 void addFolderWarnings(const Situation& situation, std::vector<Remark>* warnings);  // the shared folder

@@ -3,6 +3,7 @@
 #include "platform/foundation/Host.h"
 #include "platform/foundation/NSFileManager.h"
 #include "platform/foundation/NSLog.h"
+#include "platform/foundation/SystemPaths.h"
 #include "platform/host/DirectoryAccounts.h"
 #include "platform/netinfo/LocalDomain.h"
 #include "platform/netinfo/StoreCopy.h"
@@ -28,10 +29,12 @@ namespace fs = std::filesystem;
 using platform::Result;
 using platform::Status;
 
-constexpr std::array<const char*, 2> settingsFiles = {"/etc/smb.conf",
-                                                      "/Library/Preferences/com.apple.AppleFileServer.plist"};
+constexpr std::array<const char*, 2> settingsFiles = {platform::systempath::smbConf,
+                                                      platform::systempath::appleFileServer};
 /// What an action writes into the home folder before it is copied over one of the settings files.
-constexpr std::array<const char*, 2> temporaryFiles = {"/smb_test.conf", "/AppleFileServer.plist"};
+constexpr std::array temporaryFiles = {
+    std::string_view(platform::systempath::temporarySmbConf).substr(1), // after "~"
+    std::string_view(platform::systempath::temporaryAppleFileServer).substr(1)};
 constexpr const char* storeName = "/directory.db";
 constexpr const char* homeName = "/home";
 constexpr const char* defaultsName = "/defaults.plist";
@@ -91,16 +94,6 @@ class CopyWrites : public platform::PendingWrites {
 
   private:
     std::shared_ptr<WorkingCopy> copy_;
-};
-
-class CopiedDomain : public platform::LocalDomain {
-  public:
-    explicit CopiedDomain(std::string file) : file_(std::move(file)) {}
-
-    [[nodiscard]] std::string storeFile() const override { return file_; }
-
-  private:
-    std::string file_;
 };
 
 Status copyFileIfThere(const std::string& from, const std::string& to) {
@@ -184,7 +177,7 @@ platform::Services WorkingCopy::services() {
     copied.pendingWrites = std::make_shared<CopyWrites>(shared_from_this());
     copied.historyFile.clear();
     copied.paths = std::make_shared<CopiedPaths>(original_.paths, folder_);
-    copied.localDomain = std::make_shared<CopiedDomain>(storeFile());
+    copied.localDomain = std::make_shared<platform::StoreDomain>(storeFile());
     copied.folderForecast = folders_;
     return copied;
 }
@@ -210,21 +203,22 @@ void WorkingCopy::settle() {
 std::string WorkingCopy::run(const std::string& tool, std::span<const std::string> arguments) {
     DirectoryPlace directory(storeFile());
     directory.keepsPasswords = false;
-    if (tool == "/usr/bin/nicl") {
+    if (tool == platform::systempath::nicl) {
         if (!session_) {
             session_ = std::make_unique<DirectorySession>(directory);
         }
         return session_->nicl(arguments).output;
     }
     settle();
-    if (tool == "/usr/bin/dscl") {
+    if (tool == platform::systempath::dscl) {
         return runDscl(directory, arguments).output;
     }
-    if (tool == "/bin/cp") {
+    if (tool == platform::systempath::cp) {
         return copySettings(arguments);
     }
-    if ((tool == "/usr/sbin/chown" || tool == "/bin/chmod") && arguments.size() == 2) {
-        const bool isMode = tool == "/bin/chmod";
+    if ((tool == platform::systempath::chown || tool == platform::systempath::chmod) &&
+        arguments.size() == 2) {
+        const bool isMode = tool == platform::systempath::chmod;
         const auto order = isMode ? examineMode(arguments[0], arguments[1], ::geteuid())
                                   : examineOwner(arguments[0], arguments[1],
                                                  platform::DirectoryAccounts(storeFile()), ::geteuid());
@@ -238,7 +232,7 @@ std::string WorkingCopy::run(const std::string& tool, std::span<const std::strin
 }
 
 std::string WorkingCopy::copySettings(std::span<const std::string> arguments) {
-    HelperRequest request{"/bin/cp", {arguments.begin(), arguments.end()}};
+    HelperRequest request{platform::systempath::cp, {arguments.begin(), arguments.end()}};
     if (arguments.size() == 2) {
         const CopiedPaths paths(original_.paths, folder_);
         request.arguments[0] = paths.map(arguments[0]);

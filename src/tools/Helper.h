@@ -11,7 +11,7 @@
 #include <sys/types.h>
 
 // brindle-helper: the one program that runs with an administrator's rights. It is one tool of a short list,
-// once or in a session one after another, and refuses all else.
+// once or, in a session, several times, and refuses everything else.
 
 /// What one helper works on.
 struct HelperPlace {
@@ -40,7 +40,7 @@ struct HelperResult {
     int status = 0;
 };
 
-/// Is the tool, which must be on the list. Needs a current host for its log.
+/// Acts as the tool, which must be on the list. Needs a current host for its log.
 [[nodiscard]] HelperResult runHelperTool(const HelperPlace& place, const HelperRequest& request);
 
 /// The tools of one session. On an embedded root, what nicl changes is one transaction up to a commit; on
@@ -61,5 +61,5 @@ class HelperTools {
 };
 
 /// The whole program: `brindle-helper --root DIR [--session]` or `--system [--session]`, the requests on
-/// standard input (platform/security/HelperProtocol.h). Answers the exit status.
+/// standard input (platform/security/HelperProtocol.h). Returns the exit status.
 [[nodiscard]] int helperMain(int argc, char** argv);

@@ -10,7 +10,7 @@
 /// Whether a text may take the place of another.
 using CopyCheck = platform::Status (*)(std::string_view text, std::string_view old);
 
-/// The helper's cp: puts the text of a file that the user wrote in the place of a server's settings.
+/// The helper's cp: replaces a server's settings by a file that the user wrote.
 ///
 /// `source` must be a regular file that belongs to `user`, and no link. `target` is replaced in one step, so
 /// that a server reads the old text or the new one, never a part; where it is a link, the file that it names

@@ -27,7 +27,7 @@ std::string programOf(const std::string& processId) {
         return {};
     }
     std::string_view path(buffer.data(), static_cast<std::size_t>(length));
-    // The server runs on after its program was replaced by an update.
+    // A server keeps running after an update has replaced its program.
     constexpr std::string_view replaced = " (deleted)";
     if (path.ends_with(replaced)) {
         path.remove_suffix(replaced.size());
@@ -44,7 +44,7 @@ Status hangUpServer(const std::string& processId, const std::string& root) {
     if (error != std::errc() || parsed != end || id <= 1) {
         return Status::failure(cannotSignal, processId, "is no process; give its number");
     }
-    // Held open while its program is looked at, so that the signal reaches this process or none.
+    // Held open while its program is checked, so that the signal reaches this process or none.
     const platform::FileDescriptor process = platform::openProcess(id);
     if (!process.isOpen()) {
         return Status::ofErrno(cannotSignal, processId, errno);

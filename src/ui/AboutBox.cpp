@@ -28,10 +28,6 @@ AboutBox& AboutBox::sharedInstance() {
         [] { return std::shared_ptr<AboutBox>(new AboutBox); });
 }
 
-void AboutBox::registerClass() {
-    platform::registerClass(platform::describeClass<AboutBox>("AboutBox").take());
-}
-
 void AboutBox::showPanel(NSControl* /*sender*/) {
     if (appNameField == nullptr) {
         if (!loadPanel()) {
@@ -51,13 +47,11 @@ void AboutBox::showPanel(NSControl* /*sender*/) {
 }
 
 bool AboutBox::loadPanel() {
-    try {
-        interface_ = platform::Interface::load(NSBundle::mainBundle().resourcePath() + "/AboutBox.xml",
-                                               "AboutBox", this);
-    } catch (const platform::InterfaceError&) {
-        return false;
-    }
-    return true;
+    platform::registerClass(platform::describeClass<AboutBox>("AboutBox").take());
+    interface_ =
+        platform::Interface::load(NSBundle::mainBundle().resourcePath() + "/AboutBox.xml", "AboutBox", this)
+            .valueOr(nullptr);
+    return interface_ != nullptr;
 }
 
 void AboutBox::fillPanel() {
@@ -74,7 +68,6 @@ void AboutBox::fillPanel() {
     }
     copyrightField->setStringValue(bundle.objectForLocalInfoDictionaryKey("NSHumanReadableCopyright"));
     maxScrollHeight = static_cast<float>(creditsField->length());
-    aboutWindow->setExcludedFromWindowsMenu(true);
     aboutWindow->center();
 }
 
@@ -96,7 +89,7 @@ void AboutBox::scrollCredits() {
         restartAtTop = false;
         creditsField->scrollToPoint(0);
     } else if (currentPosition >= maxScrollHeight) {
-        // The end of the text stays in sight for the pause.
+        // The end of the text stays visible during the pause.
         startTime = time + pauseSeconds;
         currentPosition = 0;
         restartAtTop = true;

@@ -14,14 +14,12 @@ namespace platform {
 class Interface;
 }
 
-/// The About panel: name, version and copyright, and credits that scroll slowly upwards while the panel is
-/// the one that keys go to. One instance a host, which owns its interface file's controls. Main thread only.
+/// The About panel: name, version and copyright, and credits that scroll slowly upwards while it is the key
+/// window. One instance a host, which owns its interface file's controls. Main thread only.
 class AboutBox : public NSWindowDelegate, public platform::OutletOwner {
   public:
     /// The current host's one instance, made on first use.
     [[nodiscard]] static AboutBox& sharedInstance();
-    /// Makes the class known to the interface loader of the current host, under the name "AboutBox".
-    static void registerClass();
 
     ~AboutBox() override;
 
@@ -33,7 +31,7 @@ class AboutBox : public NSWindowDelegate, public platform::OutletOwner {
     void windowDidBecomeKey(NSWindow* window) override;
     void windowDidResignKey(NSWindow* window) override;
 
-    /// One step of the scroll: by a hundredth of a point, or what is due at the end of a pass.
+    /// One scroll step: a hundredth of a point, or the jump at the end of a pass.
     void scrollCredits();
 
   private:

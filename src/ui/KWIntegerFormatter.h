@@ -9,8 +9,8 @@ class KWIntegerFormatter : public NSNumberFormatter {
     using NSNumberFormatter::isPartialStringValid;
 
     /// Accepts the edit when what it inserts, from the start of `originalSelection` to the proposed caret, is
-    /// nothing but decimal digits of any script. The rest of the field is not looked at, so that a field that
-    /// the program filled with another string can still be corrected. Sets the localized `error` when it
+    /// nothing but decimal digits of any script. The rest of the field is not checked, so that a field that
+    /// the program filled with any other string can still be corrected. Sets the localized `error` when it
     /// refuses.
     [[nodiscard]] bool isPartialStringValid(std::string& partial, NSRange& proposedSelection,
                                             const std::string& original, NSRange originalSelection,

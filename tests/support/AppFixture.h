@@ -25,8 +25,6 @@
 class AppFixture : public testing::Test {
   protected:
     explicit AppFixture(const TestHost::Options& options = {}) : host(options) {
-        BRController::registerClass();
-        AboutBox::registerClass();
         platform::Store store(host.storeFile().string(), platform::Store::Opening::Create);
         store.addRecord(platform::Store::root, "users");
         store.addRecord(platform::Store::root, "groups");
@@ -97,8 +95,7 @@ class AppFixture : public testing::Test {
     }
 
     void load() {
-        interface = platform::Interface::load(NSBundle::mainBundle().resourcePath() + "/MainMenu.xml",
-                                              "BRController");
+        interface = std::move(*BRController::loadInterface());
         controller = static_cast<BRController*>(interface->owner());
     }
 

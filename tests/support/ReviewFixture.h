@@ -85,7 +85,7 @@ class ReviewFixture : public AppFixture {
     static std::string controlsBelow(const platform::InterfaceNode& node) {
         std::string text;
         if (node.element && !node.element->name().empty()) {
-            text += frontend::describeState(*node.element) + "\n";
+            text += frontend::describeState(node) + "\n";
         }
         for (const auto& child : node.children) {
             text += controlsBelow(*child);

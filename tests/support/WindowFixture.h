@@ -61,7 +61,7 @@ inline constexpr const char* deskInterface = R"(<interface class="Desk">
       </column></tab>
       <tab label="Second"><column><label name="second" text="Second page"/></column></tab>
     </tabView>
-    <drawer outlet="drawer" edge="right" width="200"><column><label name="inside" text="Inside"/></column></drawer>
+    <drawer outlet="drawer" width="200"><column><label name="inside" text="Inside"/></column></drawer>
   </window>
   <sheet outlet="sheet" title="Sheet"><column>
     <secureField outlet="secret"/><button title="Done" action="endSheet:" key="return"/>
@@ -150,7 +150,7 @@ class Window : public ::testing::Test {
         description.action("chosen:", &Desk::chosen).action("endSheet:", &Desk::endSheet);
         platform::registerClass(description.take());
         host.write("Desk.xml", deskInterface);
-        interface = platform::Interface::load((host.root() / "Desk.xml").string(), "Desk", &desk);
+        interface = std::move(*platform::Interface::load((host.root() / "Desk.xml").string(), "Desk", &desk));
         desk.number->setFormatter(std::make_shared<KWIntegerFormatter>());
     }
 

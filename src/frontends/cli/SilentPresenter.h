@@ -4,8 +4,8 @@
 
 namespace frontend {
 
-/// The front-end of a run that only prints: nobody is there to see or to answer. An alert is answered by the
-/// button that changes nothing, its alternate one, or the only one it has; all else that is asked is refused.
+/// The front-end of a run that only prints, where nobody can see or answer anything. An alert gets the button
+/// that changes nothing: its alternate button, or its only one. Everything else is refused.
 class SilentPresenter : public platform::Presenter {
   public:
     [[nodiscard]] platform::AlertAnswer runAlert(const platform::Alert& alert) override;

@@ -44,7 +44,7 @@ QAbstractButton* makeButton(const platform::InterfaceNode& node, WindowActions& 
     }
     widget->setProperty(keyProperty, shown(button.keyEquivalent()));
     widget->setProperty(modelProperty, QVariant::fromValue<const void*>(&button));
-    // While that notice says something, the button would do harm.
+    // While that notice is shown, the button would do harm.
     auto* notice = actions.find<NSTextField>(node.attribute("offWith"));
     auto* binding = new Binding(widget, queue, button.changed, [widget, &button, withImage, notice] {
         widget->setEnabled(button.isEnabled() && (notice == nullptr || notice->stringValue().empty()));
@@ -64,7 +64,7 @@ QAbstractButton* makeButton(const platform::InterfaceNode& node, WindowActions& 
         widget->setFocusPolicy(Qt::ClickFocus);
     }
     QObject::connect(widget, &QAbstractButton::clicked, widget, [binding, &node, &actions] {
-        binding->markDirty(); // Qt has changed the check mark already; the model may think otherwise
+        binding->markDirty(); // Qt has already changed the check mark; the model may disagree
         actions.use(node);
     });
     return widget;

@@ -13,10 +13,10 @@
 [[nodiscard]] QAbstractButton* makeButton(const platform::InterfaceNode& node, WindowActions& actions,
                                           RefreshQueue& queue);
 
-/// The model behind a button that makeButton made, or null.
+/// The model of a button that makeButton made, or null.
 [[nodiscard]] const NSButton* modelOfButton(const QAbstractButton& button);
 
-/// The key that presses a button of this window, or an empty text: "\r" or "\033".
+/// The key that presses a button of this window, or an empty string: "\r" or "\033".
 [[nodiscard]] QString keyEquivalentOf(const QAbstractButton& button);
 
 /// The widget of a matrix of check cells.

@@ -18,8 +18,8 @@
 
 namespace {
 
-/// The text as HTML that shows it as it is, blanks and line breaks too, so that a name that looks like markup
-/// stays a name.
+/// The text as HTML that shows it verbatim, with its blanks and line breaks, so that a name that looks like
+/// markup is shown as it is.
 QString asItIs(const std::string& text, const char* weight) {
     return QString::fromLatin1("<p style='white-space: pre-wrap; font-weight: %1'>%2</p>")
         .arg(QLatin1String(weight), shown(text).toHtmlEscaped());
@@ -74,7 +74,7 @@ platform::AlertAnswer askAlert(const platform::Alert& alert, QWidget* parent) {
     box.setText(asItIs(alert.title, "bold"));
     box.setInformativeText(asItIs(alert.message, "normal"));
     if (QWidget* message = box.findChild<QWidget*>("qt_msgbox_informativelabel")) {
-        message->setMinimumWidth(dialogWidth); // else a long message stands in a narrow column
+        message->setMinimumWidth(dialogWidth); // else a long message would be laid out in a narrow column
     }
     const AlertAnswer harmless = harmlessAnswer(alert);
     std::vector<std::pair<QAbstractButton*, AlertAnswer>> buttons;

@@ -7,9 +7,8 @@
 #include <optional>
 #include <string>
 
-/// The answer that changes least: the button "Cancel" or "No" where there is one, else the alternate button,
-/// else the only one. It is what Escape and closing an alert answer, and what is answered where nobody can be
-/// asked.
+/// The button that changes least: "Cancel" or "No" where there is one, else the alternate button, else the
+/// only one. Escape and closing the alert choose it, and so does a run in which nobody can be asked.
 [[nodiscard]] platform::AlertAnswer harmlessAnswer(const platform::Alert& alert);
 
 // Each blocks until the user has answered. `parent` may be null.

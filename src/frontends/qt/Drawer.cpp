@@ -74,7 +74,7 @@ void Drawer::load() {
     opened_ = drawer_.isOpen();
     QWidget* frame = window();
     if (opened_) {
-        // At least by what the rest of the window cannot spare.
+        // By at least the width that the rest of the window cannot spare.
         const int needed = frame->minimumSizeHint().width() + width_ - frame->width();
         grown_ = std::max(std::min(width_, roomBeside(*frame)), needed);
         frame->resize(frame->width() + grown_, frame->height());

@@ -13,7 +13,7 @@ LineEdit::LineEdit(NSTextField& field, RefreshQueue& queue) : field_(field), que
         setEchoMode(QLineEdit::Password);
         setInputMethodHints(Qt::ImhHiddenText | Qt::ImhNoPredictiveText | Qt::ImhNoAutoUppercase);
     }
-    // Qt tells of the new text before it tells of the new caret, so `before_` still holds the old one in
+    // Qt signals the new text before the new caret, so `before_` still holds the old one in
     // userEdited.
     const auto remember = [this] {
         if (!loading_ && !holdsCaret_) {
@@ -62,13 +62,12 @@ void LineEdit::restore(const QString& text, const Caret& caret) {
 
 void LineEdit::load() {
     setEnabled(field_.isEnabled());
-    setReadOnly(!field_.isEditable());
     const QString now = shown(field_.stringValue());
     accepted_ = now;
     if (now != text()) {
         restore(now, {.position = static_cast<int>(now.size())});
         if (!hasFocus()) {
-            home(false); // the beginning of a long text says more than its end
+            home(false); // the beginning of a long text is more telling than its end
         }
     }
 }
@@ -100,7 +99,7 @@ void LineEdit::userEdited(const QString& text) {
         before_ = caretNow();
     } else if (now == accepted_) {
         restore(now, before);
-    } else { // taken without what no field holds; what stands after the caret is as it was
+    } else { // taken without the characters that no field holds; what follows the caret is unchanged
         restore(now, {.position = std::max(0, after.position - static_cast<int>(text.size() - now.size()))});
         accepted_ = now;
     }
@@ -122,7 +121,7 @@ void LineEdit::focusOutEvent(QFocusEvent* event) {
 }
 
 void LineEdit::inputMethodEvent(QInputMethodEvent* event) {
-    // Here Qt tells of the new caret first.
+    // Here Qt signals the new caret first.
     holdsCaret_ = true;
     QLineEdit::inputMethodEvent(event);
     holdsCaret_ = false;
@@ -140,7 +139,7 @@ void LineEdit::dragLeaveEvent(QDragLeaveEvent* event) {
 }
 
 void LineEdit::dropEvent(QDropEvent* event) {
-    // Qt would insert, and for a move take away, as two edits of its own: the drop is proposed here as one.
+    // Qt would make two edits of a move, a removal and an insertion: here the drop is proposed as one.
     const QString dropped = event->mimeData()->text();
     QString proposed = text();
     int position = cursorPositionAt(event->position().toPoint());
@@ -153,7 +152,7 @@ void LineEdit::dropEvent(QDropEvent* event) {
     proposed.insert(position, dropped);
     int caret = position + static_cast<int>(dropped.size());
     // To the field, a drop is an insertion where nothing was selected.
-    if (isReadOnly() || dropped.isEmpty() || !propose(proposed, caret, {.position = position})) {
+    if (dropped.isEmpty() || !propose(proposed, caret, {.position = position})) {
         event->ignore();
         place(dragged_);
         return;

@@ -14,8 +14,8 @@ class LineEdit : public QLineEdit {
   public:
     LineEdit(NSTextField& field, RefreshQueue& queue);
 
-    /// Tells the field that the user is done with it. Done on Return, when the focus goes, and by whoever is
-    /// about to act on the field while it keeps the focus (a menu's shortcut).
+    /// Tells the field that the user is done with it. Called on Return, when the focus is lost, and before
+    /// anything acts on the field while it keeps the focus (a menu's shortcut).
     void endEditing();
 
     /// Says why the text cannot be used, for as long as it stays as it is. A screen reader reads it with the
@@ -51,10 +51,10 @@ class LineEdit : public QLineEdit {
 
     NSTextField& field_;
     RefreshQueue& queue_;
-    Caret before_;          ///< as of the last state that was not an edit under way
+    Caret before_;          ///< as it was before the edit in progress
     Caret dragged_;         ///< as it was when a drag came over the field
     QString accepted_;      ///< the text that the field has agreed to, as it is shown
     bool isEdited_ = false; ///< by the user, since the field was left
     bool loading_ = false;
-    bool holdsCaret_ = false; ///< `before_` stays as it is, whatever Qt tells
+    bool holdsCaret_ = false; ///< `before_` stays as it is, whatever Qt signals
 };

@@ -49,7 +49,7 @@ void fillMenuBar(QMainWindow& window, const InterfaceNode& menuBar, WindowAction
     for (const auto& node : menuBar.children) {
         QMenu* menu = window.menuBar()->addMenu(title(node->attribute("title")));
         for (const auto& entry : node->children) {
-            if (entry->kind == "separator") {
+            if (entry->kind == platform::InterfaceKind::MenuSeparator) {
                 menu->addSeparator();
             } else {
                 addItem(*menu, *entry, actions, queue);

@@ -15,15 +15,6 @@
     return node.attribute(attribute) == "yes";
 }
 
-/// Visits the node and all below it, each before what is below it.
-template <class Visit>
-void visitNodes(const platform::InterfaceNode& node, const Visit& visit) {
-    visit(node);
-    for (const auto& child : node.children) {
-        visitNodes(*child, visit);
-    }
-}
-
 /// The node's model, or null when it has none or one of another kind.
 template <class Model>
 [[nodiscard]] Model* modelOf(const platform::InterfaceNode& node) {

@@ -13,5 +13,5 @@ class PlainStyle : public QProxyStyle {
                            const QWidget* widget) const override;
 };
 
-/// Puts the style in place, unless the desktop or the user picked one.
+/// Installs the style, unless the desktop or the user chose one.
 void usePlainStyle();

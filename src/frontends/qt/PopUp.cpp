@@ -17,7 +17,7 @@ int PopUpItems::rowCount(const QModelIndex& parent) const {
 QVariant PopUpItems::data(const QModelIndex& index, int role) const {
     const auto row = static_cast<std::size_t>(index.row());
     if ((role != Qt::DisplayRole && role != Qt::EditRole) || row >= popUp_.items().size()) {
-        return {}; // the items may have been taken away since Qt was told
+        return {}; // the items may have been removed since Qt was told
     }
     return shown(popUp_.items()[row].title);
 }

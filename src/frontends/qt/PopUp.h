@@ -14,12 +14,12 @@ class PopUpItems : public QAbstractListModel {
     [[nodiscard]] int rowCount(const QModelIndex& parent = {}) const override;
     [[nodiscard]] QVariant data(const QModelIndex& index, int role) const override;
 
-    /// The items may be others than before.
+    /// The items may have changed.
     void reload();
 
   private:
     NSPopUpButton& popUp_;
-    int rows_; ///< as Qt was told last
+    int rows_; ///< as last reported to Qt
 };
 
 /// The widget of a pop-up menu. Choosing the item that is selected already counts as a choice; typing selects

@@ -97,10 +97,10 @@ int QtFrontend::run(const std::function<void()>& launch) {
     return status;
 }
 
-bool QtFrontend::takeSnapshots(const std::string& folder, std::string& error) {
-    const bool taken = writeSnapshots(*implementation_->presenter, folder, error);
+platform::Status QtFrontend::takeSnapshots(const std::string& folder) {
+    platform::Status status = writeSnapshots(*implementation_->presenter, folder);
     implementation_->presenter->closeAll();
-    return taken;
+    return status;
 }
 
 bool QtFrontend::displayIsThere() {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/appkit/Presenter.h"
+#include "platform/posix/Status.h"
 
 #include <functional>
 #include <memory>
@@ -55,15 +56,15 @@ class QtFrontend {
     void useHistory(const review::History& history);
 
     /// Shows the main window, calls `launch` as the first event, and runs the event loop until the
-    /// application has terminated. Answers the exit status. All windows are gone when it returns, so the
+    /// application has terminated. Returns the exit status. All windows are gone when it returns, so the
     /// interface may be destroyed.
     [[nodiscard]] int run(const std::function<void()>& launch);
 
     /// Writes a PNG of every page of the loaded interfaces, named after what it shows (shares.png,
     /// shares-drawer.png, afp-general.png, the sheets, about.png), into `folder`, which is made when it is
-    /// not there. To be called after the launch; all windows are gone when it returns. False when a picture
-    /// cannot be written; `error` then says which and why.
-    [[nodiscard]] bool takeSnapshots(const std::string& folder, std::string& error);
+    /// not there. To be called after the launch; all windows are gone when it returns. Fails at the first
+    /// picture that cannot be written.
+    [[nodiscard]] platform::Status takeSnapshots(const std::string& folder);
 
     /// True where a window can be shown: a display is there, or the environment picks a Qt platform.
     [[nodiscard]] static bool displayIsThere();

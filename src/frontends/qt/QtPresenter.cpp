@@ -133,7 +133,7 @@ void QtPresenter::interfaceDidLoad(Interface& interface) {
     interfaces_.push_back(&interface);
     const InterfaceNode* menuBar = nullptr;
     for (const auto& node : interface.root().children) {
-        menuBar = node->kind == "menuBar" ? node.get() : menuBar;
+        menuBar = node->kind == platform::InterfaceKind::MenuBar ? node.get() : menuBar;
     }
     const bool animated =
         manner_ == QtFrontend::Manner::Interactive && QGuiApplication::platformName() != "offscreen";

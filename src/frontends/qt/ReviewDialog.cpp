@@ -43,8 +43,7 @@ QLabel* heading(const QString& text) {
     return label;
 }
 
-/// Sentences below each other, each with a mark or number of its own. Names in them stay as they are,
-/// whatever they hold.
+/// A list of sentences, each with a mark or number of its own. Names in them are shown verbatim.
 QLabel* sentenceList(const std::vector<std::string>& sentences, const char* element) {
     QString html = QLatin1String("<style>li { margin-bottom: 4px; }</style><") + QLatin1String(element) +
                    QLatin1String(" style='margin: 0; -qt-list-indent: 1'>");

@@ -17,7 +17,7 @@ struct PlanQuestion {
     std::string cancel; ///< the default
 };
 
-/// Asks whether an action is to be performed: its warnings, its steps in words, and behind "Details" the
+/// Asks whether an action is to be performed: its warnings, its steps in words, and under "Details" the
 /// commands and the lines of smb.conf that change. "Cancel" is the default. True for "Go On". With a question
 /// of its own the dialog asks that, too.
 [[nodiscard]] bool askAboutPlan(const review::Plan& plan, QWidget* parent,

@@ -18,6 +18,7 @@
 #include <stdexcept>
 #include <vector>
 
+using platform::InterfaceKind;
 using platform::InterfaceNode;
 
 namespace {
@@ -34,7 +35,7 @@ std::vector<Model*> modelsIn(const InterfaceNode& node) {
 }
 
 /// The first node of the kind in the tree, or null.
-const InterfaceNode* firstOf(const InterfaceNode& tree, std::string_view kind) {
+const InterfaceNode* firstOf(const InterfaceNode& tree, InterfaceKind kind) {
     const InterfaceNode* found = nullptr;
     visitNodes(tree, [&found, kind](const InterfaceNode& each) {
         if (found == nullptr && each.kind == kind) {
@@ -61,12 +62,15 @@ QString fileName(const std::string& name) {
     return slug;
 }
 
-/// Takes the pictures. A failure ends it with a std::runtime_error that says what a person can do.
+/// Takes the pictures.
 class Photographer {
   public:
     Photographer(QtPresenter& presenter, const QString& folder) : presenter_(presenter), folder_(folder) {}
 
     void photograph(const InterfaceNode& interface);
+
+    /// The first failure.
+    [[nodiscard]] const platform::Status& status() const { return status_; }
 
   private:
     void photographMain(const InterfaceNode& node);
@@ -79,6 +83,7 @@ class Photographer {
 
     QtPresenter& presenter_;
     QDir folder_;
+    platform::Status status_;
 };
 
 void Photographer::act(const std::function<void()>& event) {
@@ -89,7 +94,7 @@ void Photographer::act(const std::function<void()>& event) {
 void Photographer::take(const InterfaceNode& window, const QString& name) {
     const WindowView* view = presenter_.viewOf(*modelOf<NSWindow>(window));
     if (view == nullptr) {
-        throw std::runtime_error("There is no window for the picture " + name.toStdString() + ".");
+        throw std::logic_error("no window for the picture " + name.toStdString());
     }
     take(view->widget(), name);
 }
@@ -97,9 +102,9 @@ void Photographer::take(const InterfaceNode& window, const QString& name) {
 void Photographer::take(QWidget& widget, const QString& name) {
     QCoreApplication::processEvents();
     const QString path = folder_.filePath(name + QLatin1String(".png"));
-    if (!widget.grab().save(path)) {
-        throw std::runtime_error("The picture " + path.toStdString() +
-                                 " cannot be written: check that the folder can be written to and has room.");
+    if (!widget.grab().save(path) && status_.isOk()) {
+        status_ = platform::Status::failure("cannot write the picture", path.toStdString(),
+                                            "check that the folder can be written to and has room");
     }
 }
 
@@ -115,7 +120,7 @@ void Photographer::selectPage(const InterfaceNode& around, NSTabView& tabView, i
 
 void Photographer::photographPage(const InterfaceNode& window, const InterfaceNode& page,
                                   const QString& name) {
-    const InterfaceNode* inner = firstOf(page, "tabView");
+    const InterfaceNode* inner = firstOf(page, InterfaceKind::TabView);
     if (inner == nullptr) {
         take(window, name);
         return;
@@ -130,7 +135,7 @@ void Photographer::photographPage(const InterfaceNode& window, const InterfaceNo
 
 void Photographer::photographMain(const InterfaceNode& node) {
     act([&node] { modelOf<NSWindow>(node)->makeKeyAndOrderFront(); });
-    const InterfaceNode* tabs = firstOf(node, "tabView");
+    const InterfaceNode* tabs = firstOf(node, InterfaceKind::TabView);
     if (tabs == nullptr) {
         take(node, fileName(modelOf<NSWindow>(node)->name()));
         return;
@@ -143,7 +148,7 @@ void Photographer::photographMain(const InterfaceNode& node) {
         selectPage(node, tabView, page);
         const QString name = fileName(tabView.labels()[static_cast<std::size_t>(page)]);
         photographPage(node, *tabs->children[static_cast<std::size_t>(page)], name);
-        const InterfaceNode* drawer = page == 0 ? firstOf(node, "drawer") : nullptr;
+        const InterfaceNode* drawer = page == 0 ? firstOf(node, InterfaceKind::Drawer) : nullptr;
         if (drawer != nullptr) {
             act([drawer] { modelOf<NSDrawer>(*drawer)->open(); });
             take(node, name + QLatin1String("-drawer"));
@@ -188,22 +193,15 @@ void Photographer::photograph(const InterfaceNode& interface) {
 
 } // namespace
 
-bool writeSnapshots(QtPresenter& presenter, const std::string& folder, std::string& error) {
+platform::Status writeSnapshots(QtPresenter& presenter, const std::string& folder) {
     if (!QDir().mkpath(shown(folder))) {
-        error = "The folder " + folder + " cannot be made: choose one that you may write to.";
-        return false;
+        return platform::Status::failure("cannot make the folder", folder,
+                                         "choose one that you may write to");
     }
-    try {
-        Photographer photographer(presenter, shown(folder));
-        // An interface may load another: the About panel's stands at the end of the list then.
-        std::size_t next = 0;
-        while (next < presenter.interfaces().size()) {
-            photographer.photograph(presenter.interfaces()[next]->root());
-            ++next;
-        }
-    } catch (const std::runtime_error& failure) {
-        error = failure.what();
-        return false;
+    Photographer photographer(presenter, shown(folder));
+    // An interface may load another: the About panel's stands at the end of the list then.
+    for (std::size_t next = 0; next < presenter.interfaces().size() && photographer.status().isOk(); ++next) {
+        photographer.photograph(presenter.interfaces()[next]->root());
     }
-    return true;
+    return photographer.status();
 }

@@ -1,9 +1,10 @@
 #pragma once
 
 #include "frontends/qt/QtPresenter.h"
+#include "platform/posix/Status.h"
 
 #include <string>
 
-/// Writes a picture of every page of every loaded interface into `folder`, named after what it shows. Answers
-/// false at the first picture that cannot be written; `error` then says which and why.
-[[nodiscard]] bool writeSnapshots(QtPresenter& presenter, const std::string& folder, std::string& error);
+/// Writes a picture of every page of every loaded interface into `folder`, named after what it shows. Fails
+/// at the first picture that cannot be written.
+[[nodiscard]] platform::Status writeSnapshots(QtPresenter& presenter, const std::string& folder);

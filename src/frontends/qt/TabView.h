@@ -10,7 +10,7 @@
 #include <vector>
 
 /// The widget of a tab view: a bar of labels, unless another control picks the page, and the page. A page is
-/// built when it is first shown, or when the event loop has nothing better to do.
+/// built when it is first shown, or when the event loop is idle.
 class TabView : public QWidget {
     Q_OBJECT
 

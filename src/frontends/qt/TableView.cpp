@@ -16,7 +16,7 @@ namespace {
 constexpr int rowPadding = 8;
 constexpr int smallestColumn = 40;
 constexpr int tightest =
-    80; // percent of their width that columns put up with before the table scrolls sideways
+    80; // percent of their width to which columns shrink before the table scrolls sideways
 
 /// Leaves the ends of a path readable where it does not fit; of other texts, the beginning.
 class CellDelegate : public QStyledItemDelegate {
@@ -85,7 +85,7 @@ QVariant TableModel::data(const QModelIndex& index, int role) const {
     }
     const auto& column = table_.tableColumns().at(static_cast<std::size_t>(index.column()));
     QString text = shown(table_.objectValue(column, index.row()));
-    // A tool tip reads a text that looks like HTML as HTML; a name is a name.
+    // A tool tip would render text that looks like HTML; a name is shown verbatim.
     return role == Qt::ToolTipRole ? text.toHtmlEscaped() : text;
 }
 

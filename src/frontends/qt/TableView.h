@@ -23,15 +23,15 @@ class TableModel : public QAbstractTableModel {
     [[nodiscard]] QVariant data(const QModelIndex& index, int role) const override;
     [[nodiscard]] QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
 
-    /// What a row is marked for, asked for rows that are drawn; an empty text: it bears no mark.
+    /// What a row is marked for, asked for rows that are drawn; an empty string means no mark.
     void setRemarkOfRow(std::function<QString(int row)> remark) { remarkOfRow_ = std::move(remark); }
 
-    /// The rows are others than before. True when the number of rows has changed.
+    /// The rows have changed. True when the number of rows has changed.
     bool reload();
 
   private:
     NSTableView& table_;
-    int rows_; ///< as Qt was told last
+    int rows_; ///< as last reported to Qt
     std::function<QString(int row)> remarkOfRow_;
 };
 
@@ -42,7 +42,7 @@ class TableView : public QTableView {
 
   public:
     /// `nameColumn` is the identifier of the column that names a row: when other rows come under a selection,
-    /// it is taken away. Empty: a selection stays where it is.
+    /// it is removed. Empty: a selection stays where it is.
     TableView(NSTableView& table, const std::string& nameColumn, RefreshQueue& queue);
 
     /// Marks the rows of whose name `remark` has something to say, which their tool tips say; asked once a

@@ -18,8 +18,10 @@
 #include <QVBoxLayout>
 
 #include <algorithm>
-#include <span>
+#include <initializer_list>
+#include <stdexcept>
 
+using Kind = platform::InterfaceKind;
 using platform::InterfaceNode;
 
 namespace {
@@ -30,52 +32,44 @@ constexpr int spacing = 8;
 constexpr int partSpacing = 20;
 constexpr int indentStep = 20;
 
+bool isOneOf(const InterfaceNode& node, std::initializer_list<Kind> kinds) {
+    return std::find(kinds.begin(), kinds.end(), node.kind) != kinds.end();
+}
+
 bool isLayout(const InterfaceNode& node) {
-    return node.kind == "column" || node.kind == "row" || node.kind == "grid";
+    return isOneOf(node, {Kind::Column, Kind::Row, Kind::Grid});
 }
 
 /// Does the node take the room that is left beside it (`vertical`: below it)?
 bool takesRoom(const InterfaceNode& node, bool vertical) {
-    static constexpr std::string_view wide[] = {"textField", "secureField", "tableView", "tabView",
-                                                "textView",  "box",         "separator", "spacer"};
-    static constexpr std::string_view high[] = {"tableView", "tabView", "textView"};
-    const auto isOneOf = [&node](std::span<const std::string_view> kinds) {
-        return std::find(kinds.begin(), kinds.end(), node.kind) != kinds.end();
-    };
-    if (number(node, "stretch") > 0 || (vertical ? isOneOf(high) : isOneOf(wide))) {
+    if (number(node, "stretch") > 0 || isOneOf(node, {Kind::TableView, Kind::TabView, Kind::TextView}) ||
+        (!vertical &&
+         isOneOf(node, {Kind::TextField, Kind::SecureField, Kind::Box, Kind::Separator, Kind::Spacer}))) {
         return true;
     }
     return std::any_of(node.children.begin(), node.children.end(), [&node, vertical](const auto& child) {
-        const bool along = node.kind == (vertical ? "column" : "row");
-        return (along && child->kind == "spacer") || (child->kind != "spacer" && takesRoom(*child, vertical));
+        const bool along = node.kind == (vertical ? Kind::Column : Kind::Row);
+        return (along && child->kind == Kind::Spacer) ||
+               (child->kind != Kind::Spacer && takesRoom(*child, vertical));
     });
 }
 
 /// Does the control need a label beside it to stand at its top?
 bool isHigh(const InterfaceNode& node) {
-    if (node.kind == "matrix") {
+    if (node.kind == Kind::Matrix) {
         return number(node, "rows") > 1;
     }
-    if (node.kind == "row") {
+    if (node.kind == Kind::Row) {
         return std::any_of(node.children.begin(), node.children.end(),
                            [](const auto& child) { return isHigh(*child); });
     }
-    return node.kind == "column" || node.kind == "textView" || node.kind == "grid" ||
-           node.kind == "tableView";
+    return isOneOf(node, {Kind::Column, Kind::TextView, Kind::Grid, Kind::TableView});
 }
 
 } // namespace
 
 QWidget* WidgetBuilder::make(const InterfaceNode& node) {
-    QWidget* widget = nullptr;
-    if (isLayout(node)) {
-        widget = new QWidget;
-        QLayout* layout = makeLayout(node);
-        layout->setContentsMargins(0, 0, 0, 0);
-        widget->setLayout(layout);
-    } else {
-        widget = makeControl(node);
-    }
+    QWidget* widget = makeKind(node);
     finish(*widget, node);
     return widget;
 }
@@ -102,45 +96,65 @@ QWidget* WidgetBuilder::makeDrawer(const InterfaceNode& node) {
     return drawer;
 }
 
-QWidget* WidgetBuilder::makeControl(const InterfaceNode& node) {
-    if (modelOf<NSButton>(node) != nullptr) {
-        return makeButton(node, actions_, queue_);
-    }
-    if (auto* popUp = modelOf<NSPopUpButton>(node)) {
-        return new PopUp(*popUp, isYes(node, "typeAhead"), queue_);
-    }
-    if (auto* matrix = modelOf<NSMatrix>(node)) {
-        return new Matrix(*matrix, queue_);
-    }
-    if (auto* table = modelOf<NSTableView>(node)) {
-        auto* view = new TableView(*table, node.attribute("nameColumn"), queue_);
-        new Binding(view, queue_, table->changed, [this, table] {
-            actions_.turnOffBoxesWithoutRow(*table);
-            actions_.showNothingForMissingNumbers(*table);
-        });
-        return view;
-    }
-    if (node.kind == "label") {
-        return makeLabel(node);
-    }
-    if (node.kind == "textField" || node.kind == "secureField") {
-        return makeTextField(node);
-    }
-    if (node.kind == "textView") {
-        return makeTextView(node);
-    }
-    if (node.kind == "tabView") {
-        return makeTabView(node);
-    }
-    if (node.kind == "box") {
+QWidget* WidgetBuilder::makeKind(const InterfaceNode& node) {
+    using enum Kind;
+    switch (node.kind) {
+    case Column:
+    case Row:
+    case Grid:
+        return makeLayoutWidget(node);
+    case Box:
         return makeBox(node);
-    }
-    if (node.kind == "separator") {
+    case Separator: {
         auto* line = new QFrame;
         line->setFrameStyle(static_cast<int>(QFrame::HLine) | static_cast<int>(QFrame::Sunken));
         return line;
     }
-    return new QWidget;
+    case Label:
+        return makeLabel(node);
+    case TextField:
+    case SecureField:
+        return makeTextField(node);
+    case Button:
+    case CheckBox:
+        return makeButton(node, actions_, queue_);
+    case PopUp:
+        return new ::PopUp(*modelOf<NSPopUpButton>(node), isYes(node, "typeAhead"), queue_);
+    case Matrix:
+        return new ::Matrix(*modelOf<NSMatrix>(node), queue_);
+    case TableView:
+        return makeTable(node);
+    case TextView:
+        return makeTextView(node);
+    case TabView:
+        return makeTabView(node);
+    case Interface:
+    case MenuBar:
+    case Menu:
+    case MenuItem:
+    case MenuSeparator:
+    case Window:
+    case Sheet:
+    case Panel:
+    case Drawer:
+    case Spacer:
+    case PopUpItem:
+    case Cell:
+    case TableColumn:
+    case Tab:
+        break; // made by whoever lays out what is around them
+    }
+    throw std::logic_error("no widget of its own stands for this kind of element");
+}
+
+QWidget* WidgetBuilder::makeTable(const InterfaceNode& node) {
+    auto* table = modelOf<NSTableView>(node);
+    auto* view = new TableView(*table, node.attribute("nameColumn"), queue_);
+    new Binding(view, queue_, table->changed, [this, table] {
+        actions_.turnOffBoxesWithoutRow(*table);
+        actions_.showNothingForMissingNumbers(*table);
+    });
+    return view;
 }
 
 QWidget* WidgetBuilder::makeBox(const InterfaceNode& node) {
@@ -237,29 +251,34 @@ QWidget* WidgetBuilder::makeTabView(const InterfaceNode& node) {
     return new TabView(*modelOf<NSTabView>(node), std::move(pages), queue_);
 }
 
-QLayout* WidgetBuilder::makeLayout(const InterfaceNode& node) {
-    if (node.kind == "grid") {
-        auto* grid = new QGridLayout;
+QWidget* WidgetBuilder::makeLayoutWidget(const InterfaceNode& node) {
+    auto* widget = new QWidget;
+    QLayout* layout = nullptr;
+    if (node.kind == Kind::Grid) {
+        auto* grid = new QGridLayout(widget);
         fillGrid(*grid, node);
-        return grid;
+        layout = grid;
+    } else {
+        auto* box = new QBoxLayout(node.kind == Kind::Row ? QBoxLayout::LeftToRight : QBoxLayout::TopToBottom,
+                                   widget);
+        fillBox(*box, node);
+        layout = box;
     }
-    QBoxLayout* box = node.kind == "row" ? static_cast<QBoxLayout*>(new QHBoxLayout) : new QVBoxLayout;
-    fillBox(*box, node);
-    return box;
+    layout->setContentsMargins(0, 0, 0, 0);
+    return widget;
 }
 
 void WidgetBuilder::fillBox(QBoxLayout& layout, const InterfaceNode& node) {
     // Columns side by side are parts of a page, and want more between them than controls of a row.
     const bool holdsParts =
-        node.kind == "row" && std::any_of(node.children.begin(), node.children.end(),
-                                          [](const auto& child) { return child->kind == "column"; });
-    const int usual = holdsParts ? partSpacing : spacing;
-    layout.setSpacing(node.attribute("spacing").empty() ? usual : number(node, "spacing"));
+        node.kind == Kind::Row && std::any_of(node.children.begin(), node.children.end(),
+                                              [](const auto& child) { return child->kind == Kind::Column; });
+    layout.setSpacing(holdsParts ? partSpacing : spacing);
     bool roomIsTaken = false;
-    const bool vertical = node.kind != "row";
+    const bool vertical = node.kind != Kind::Row;
     for (const auto& child : node.children) {
         addTo(layout, *child);
-        roomIsTaken = roomIsTaken || child->kind == "spacer" || takesRoom(*child, vertical);
+        roomIsTaken = roomIsTaken || child->kind == Kind::Spacer || takesRoom(*child, vertical);
     }
     if (!roomIsTaken) {
         layout.addStretch(); // keeps the children together at the start
@@ -268,14 +287,14 @@ void WidgetBuilder::fillBox(QBoxLayout& layout, const InterfaceNode& node) {
 
 void WidgetBuilder::addTo(QBoxLayout& layout, const InterfaceNode& node) {
     const int stretch = number(node, "stretch");
-    if (node.kind == "spacer") {
+    if (node.kind == Kind::Spacer) {
         layout.addStretch(std::max(stretch, 1));
         return;
     }
     QWidget* widget = make(node);
     const bool isRow = layout.direction() == QBoxLayout::LeftToRight;
     // A control keeps its own width in a column: a button as wide as the window is hard to look at.
-    const bool keepsWidth = !isRow && !takesRoom(node, false) && node.kind != "label" && !isLayout(node);
+    const bool keepsWidth = !isRow && !takesRoom(node, false) && node.kind != Kind::Label && !isLayout(node);
     const bool isIndented = number(node, "indent") > 0;
     if (!isRow && isIndented) {
         auto* line = new QHBoxLayout;
@@ -292,34 +311,31 @@ void WidgetBuilder::fillGrid(QGridLayout& layout, const InterfaceNode& node) {
     const int columns = std::max(1, number(node, "columns"));
     layout.setHorizontalSpacing(spacing);
     layout.setVerticalSpacing(spacing);
-    int cell = 0;
     std::vector<bool> wide(static_cast<std::size_t>(columns), false);
     for (std::size_t index = 0; index < node.children.size(); ++index) {
         const InterfaceNode& child = *node.children[index];
+        const int cell = static_cast<int>(index);
         const int column = cell % columns;
-        const int span = std::clamp(number(child, "span"), 1, columns - column);
-        const bool isTitle = child.kind == "label" && child.attribute("style").empty() &&
-                             child.element == nullptr && (span == 1 || !child.attribute("for").empty());
+        const bool isTitle =
+            child.kind == Kind::Label && child.attribute("style").empty() && child.element == nullptr;
         Qt::Alignment alignment;
         if (isTitle) {
             const bool nextIsHigh = index + 1 < node.children.size() && isHigh(*node.children[index + 1]);
             alignment = Qt::AlignRight | (nextIsHigh ? Qt::AlignTop : Qt::AlignVCenter);
-        } else if (!takesRoom(child, false) && !isLayout(child) && child.kind != "label" &&
-                   child.kind != "popUp") {
+        } else if (!takesRoom(child, false) && !isLayout(child) && child.kind != Kind::Label &&
+                   child.kind != Kind::PopUp) {
             alignment = Qt::AlignLeft | Qt::AlignVCenter;
         }
-        if (child.kind != "spacer") {
+        if (child.kind != Kind::Spacer) {
             QWidget* widget = make(child);
-            layout.addWidget(widget, 2 * (cell / columns), column, 1, span, alignment);
-            if (QLabel* note =
-                    makeProblemNote(*widget)) { // in the row below, which is none until it is shown
-                layout.addWidget(note, 2 * (cell / columns) + 1, column, 1, span);
+            layout.addWidget(widget, 2 * (cell / columns), column, alignment);
+            if (QLabel* note = makeProblemNote(*widget)) { // in the row below, which takes no room until then
+                layout.addWidget(note, 2 * (cell / columns) + 1, column);
             }
         }
-        if (span == 1 && !isTitle && takesRoom(child, false)) {
+        if (!isTitle && takesRoom(child, false)) {
             wide[static_cast<std::size_t>(column)] = true;
         }
-        cell += span;
     }
     const bool anyWide = std::find(wide.begin(), wide.end(), true) != wide.end();
     for (int column = 0; column < columns; ++column) {
@@ -332,7 +348,7 @@ void WidgetBuilder::finish(QWidget& widget, const InterfaceNode& node) {
     if (const std::string& tip = node.attribute("toolTip"); !tip.empty()) {
         widget.setToolTip(shown(tip));
     }
-    if (const int width = number(node, "width"); width > 0 && node.kind != "drawer") {
+    if (const int width = number(node, "width"); width > 0 && node.kind != Kind::Drawer) {
         widget.setMinimumWidth(width);
     }
     const std::string& name = node.element ? node.element->name() : node.attribute("name");

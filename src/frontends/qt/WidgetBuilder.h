@@ -31,13 +31,14 @@ class WidgetBuilder {
     [[nodiscard]] QWidget* makeDrawer(const platform::InterfaceNode& node);
 
   private:
-    [[nodiscard]] QWidget* makeControl(const platform::InterfaceNode& node);
+    [[nodiscard]] QWidget* makeKind(const platform::InterfaceNode& node);
     [[nodiscard]] QWidget* makeBox(const platform::InterfaceNode& node);
     [[nodiscard]] QWidget* makeLabel(const platform::InterfaceNode& node);
+    [[nodiscard]] QWidget* makeTable(const platform::InterfaceNode& node);
     [[nodiscard]] QWidget* makeTabView(const platform::InterfaceNode& node);
     [[nodiscard]] QWidget* makeTextField(const platform::InterfaceNode& node);
     [[nodiscard]] QWidget* makeTextView(const platform::InterfaceNode& node);
-    [[nodiscard]] QLayout* makeLayout(const platform::InterfaceNode& node);
+    [[nodiscard]] QWidget* makeLayoutWidget(const platform::InterfaceNode& node);
     void fillBox(QBoxLayout& layout, const platform::InterfaceNode& node);
     void fillGrid(QGridLayout& layout, const platform::InterfaceNode& node);
     void addTo(QBoxLayout& layout, const platform::InterfaceNode& node);

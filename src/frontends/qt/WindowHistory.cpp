@@ -4,6 +4,7 @@
 #include "platform/appkit/NSAlert.h"
 #include "platform/foundation/NSBundle.h"
 #include "platform/foundation/NSString.h"
+#include "platform/foundation/SystemPaths.h"
 #include "review/TextDifference.h"
 
 #include <QDateTime>
@@ -40,7 +41,7 @@ review::Plan planOf(const review::UndoPlan& undo) {
     }
     plan.runs = undo.records;
     for (const review::FileChange& file : undo.files) {
-        plan.runs.push_back({"/bin/cp", {"", file.path}, ""});
+        plan.runs.push_back({platform::systempath::cp, {"", file.path}, ""});
     }
     plan.runs.insert(plan.runs.end(), undo.folders.begin(), undo.folders.end());
     return plan;

@@ -21,7 +21,7 @@ namespace {
 
 const InterfaceNode* childOf(const InterfaceNode& node, bool drawer) {
     const auto found = std::find_if(node.children.begin(), node.children.end(), [drawer](const auto& child) {
-        return (child->kind == "drawer") == drawer;
+        return (child->kind == platform::InterfaceKind::Drawer) == drawer;
     });
     return found == node.children.end() ? nullptr : found->get();
 }

@@ -1,6 +1,7 @@
 #include "frontends/script/ControlState.h"
 
 #include "frontends/script/ScriptWords.h"
+#include "platform/appkit/Interface.h"
 #include "platform/appkit/NSButton.h"
 #include "platform/appkit/NSMatrix.h"
 #include "platform/appkit/NSPopUpButton.h"
@@ -11,8 +12,11 @@
 #include "platform/appkit/NSWindow.h"
 
 #include <algorithm>
+#include <stdexcept>
 
 namespace frontend {
+
+using platform::InterfaceKind;
 
 namespace {
 
@@ -84,34 +88,68 @@ std::string describe(const NSTextView& view) {
     return quotedText(text);
 }
 
-/// Describes `element` when it is of the kind asked for.
-template <class Kind>
-bool describeAs(const platform::Element& element, std::string& text) {
-    const auto* kind = dynamic_cast<const Kind*>(&element);
-    if (kind == nullptr) {
-        return false;
-    }
-    text = describe(*kind);
-    return true;
+std::string describe(const NSDrawer& drawer) {
+    return drawer.isOpen() ? "open" : "closed";
 }
 
-bool describeAnyKind(const platform::Element& element, std::string& text) {
-    if (const auto* drawer = dynamic_cast<const NSDrawer*>(&element)) {
-        text = drawer->isOpen() ? "open" : "closed";
-        return true;
+std::string describe(const NSTabView& tabView) {
+    return std::to_string(tabView.indexOfSelectedTabViewItem());
+}
+
+std::string describe(const NSMenuItem& item) {
+    return quotedText(item.title());
+}
+
+template <class Model>
+std::string describeAs(const platform::Element& element) {
+    return describe(dynamic_cast<const Model&>(element));
+}
+
+std::string describeModel(const platform::Element& element, InterfaceKind kind) {
+    using enum InterfaceKind;
+    switch (kind) {
+    case Window:
+    case Sheet:
+    case Panel:
+        return describeAs<NSWindow>(element);
+    case Drawer:
+        return describeAs<NSDrawer>(element);
+    case MenuItem:
+        return describeAs<NSMenuItem>(element);
+    case Label:
+    case TextField:
+    case SecureField:
+        return describeAs<NSTextField>(element);
+    case Button:
+    case CheckBox:
+        return describeAs<NSButton>(element);
+    case PopUp:
+        return describeAs<NSPopUpButton>(element);
+    case Matrix:
+        return describeAs<NSMatrix>(element);
+    case TableView:
+        return describeAs<NSTableView>(element);
+    case TextView:
+        return describeAs<NSTextView>(element);
+    case TabView:
+        return describeAs<NSTabView>(element);
+    case Interface:
+    case MenuBar:
+    case Menu:
+    case MenuSeparator:
+    case Column:
+    case Row:
+    case Grid:
+    case Box:
+    case Spacer:
+    case Separator:
+    case PopUpItem:
+    case Cell:
+    case TableColumn:
+    case Tab:
+        break; // no models
     }
-    if (const auto* tabView = dynamic_cast<const NSTabView*>(&element)) {
-        text = std::to_string(tabView->indexOfSelectedTabViewItem());
-        return true;
-    }
-    if (const auto* item = dynamic_cast<const NSMenuItem*>(&element)) {
-        text = quotedText(item->title());
-        return true;
-    }
-    return describeAs<NSTextField>(element, text) || describeAs<NSButton>(element, text) ||
-           describeAs<NSPopUpButton>(element, text) || describeAs<NSMatrix>(element, text) ||
-           describeAs<NSTableView>(element, text) || describeAs<NSWindow>(element, text) ||
-           describeAs<NSTextView>(element, text);
+    throw std::logic_error("this kind of element has no state");
 }
 
 std::string describeRows(NSTableView& table) {
@@ -127,12 +165,9 @@ std::string describeRows(NSTableView& table) {
 
 } // namespace
 
-std::string describeState(platform::Element& element) {
-    std::string state;
-    if (!describeAnyKind(element, state)) {
-        return "";
-    }
-    std::string text = element.name() + ' ' + state;
+std::string describeState(const platform::InterfaceNode& node) {
+    platform::Element& element = *node.element;
+    std::string text = element.name() + ' ' + describeModel(element, node.kind);
     if (const auto* control = dynamic_cast<const NSControl*>(&element);
         control != nullptr && !control->isEnabled()) {
         text += " disabled";

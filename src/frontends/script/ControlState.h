@@ -5,14 +5,13 @@
 class NSPopUpButton;
 
 namespace platform {
-class Element;
+struct InterfaceNode;
 }
 
 namespace frontend {
 
-/// What `element` shows, as the lines that a script's `show` prints, without the last line break. Empty for
-/// an element of a kind that shows nothing. A table asks its source for the cells, hence no const.
-[[nodiscard]] std::string describeState(platform::Element& element);
+/// What the model of `node` shows, as the lines that a script's `show` prints, without the last line break.
+[[nodiscard]] std::string describeState(const platform::InterfaceNode& node);
 
 /// The items of a pop-up, one line each, without the last line break; empty when it has none.
 [[nodiscard]] std::string describeItems(const NSPopUpButton& popUp);

@@ -16,10 +16,10 @@ class ScriptOutput {
     /// `stream` must outlive this.
     explicit ScriptOutput(std::ostream& stream) : stream_(stream) {}
 
-    /// Writes `text` and a line break. Nothing once silenced.
+    /// Writes `text` and a line break. Does nothing once silenced.
     void line(std::string_view text);
 
-    /// What happens after a fault of the script, while the application goes down, is no part of its output.
+    /// What happens after a fault in the script, while the application shuts down, is not part of its output.
     void silence() { silent_ = true; }
 
     [[nodiscard]] bool isSilent() const { return silent_; }

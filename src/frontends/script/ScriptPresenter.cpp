@@ -77,10 +77,10 @@ std::vector<ScriptError> ScriptPresenter::unused() const {
     return errors;
 }
 
-platform::Element* ScriptPresenter::find(const std::string& name) const {
+const platform::InterfaceNode* ScriptPresenter::find(const std::string& name) const {
     for (const platform::Interface* interface : interfaces_) {
-        if (platform::Element* element = interface->find(name)) {
-            return element;
+        if (const platform::InterfaceNode* node = interface->findNode(name)) {
+            return node;
         }
     }
     return nullptr;

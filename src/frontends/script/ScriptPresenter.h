@@ -14,15 +14,15 @@
 
 namespace frontend {
 
-/// The front-end of a scripted run: what would be shown, heard or asked becomes a line of output, and what is
-/// asked is answered from what the script has laid ready. It knows the loaded interface files, where the
-/// runner looks for the controls that the script names. Nothing waits: its timers are never fired, for nobody
-/// would see what they move.
+/// The front-end of a scripted run: what would be shown, heard or asked becomes a line of output, and
+/// questions are answered from what the script has prepared. It knows the loaded interface files, where the
+/// runner looks for the controls that the script names. It never waits: timers do not fire, because what
+/// they animate is not visible.
 class ScriptPresenter : public platform::Presenter {
   public:
     explicit ScriptPresenter(std::shared_ptr<ScriptOutput> output) : output_(std::move(output)) {}
 
-    // What the script lays ready; `line` is the script's, for messages.
+    // Answers that the script prepares; `line` is the script's, for messages.
     /// The next alert titled `alert` (none: any that has no answer of its own) is answered by its button
     /// `button`.
     void addAnswer(int line, std::optional<std::string> alert, std::string button);
@@ -41,7 +41,7 @@ class ScriptPresenter : public platform::Presenter {
 
     /// The element of that name in the loaded interface files, the first file's first; null when there is
     /// none.
-    [[nodiscard]] platform::Element* find(const std::string& name) const;
+    [[nodiscard]] const platform::InterfaceNode* find(const std::string& name) const;
     /// The first control or menu item that is wired to the operation, or null.
     [[nodiscard]] NSControl* findWiredTo(const std::string& operation) const;
     /// The window, sheet or panel that an element stands in; null for the menus'.

@@ -26,8 +26,8 @@ bool isNumber(const std::string& word) {
 
 } // namespace
 
-platform::Element& ScriptRunner::element(const std::string& name) const {
-    platform::Element* found = presenter_->find(name);
+const platform::InterfaceNode& ScriptRunner::node(const std::string& name) const {
+    const platform::InterfaceNode* found = presenter_->find(name);
     if (found == nullptr) {
         fail("there is no control or window " + quotedText(name));
     }
@@ -53,7 +53,7 @@ void ScriptRunner::requireUsable(const platform::Element& element, const std::st
 
 template <class Kind>
 Kind& ScriptRunner::usable(const std::string& name, const char* what) const {
-    platform::Element& found = element(name);
+    platform::Element& found = *node(name).element;
     auto* kind = dynamic_cast<Kind*>(&found);
     if (kind == nullptr) {
         fail(name + " is not a " + what);
@@ -196,21 +196,17 @@ void ScriptRunner::send(const Words& words) {
 }
 
 void ScriptRunner::show(const Words& words) {
-    std::vector<platform::Element*> shown;
+    std::vector<const platform::InterfaceNode*> shown;
     for (const std::string& name : words) {
-        shown.push_back(&element(name));
+        shown.push_back(&node(name));
     }
-    for (platform::Element* each : shown) {
-        const std::string state = describeState(*each);
-        if (state.empty()) {
-            fail(each->name() + " has nothing to show");
-        }
-        output_->line(state);
+    for (const platform::InterfaceNode* each : shown) {
+        output_->line(describeState(*each));
     }
 }
 
 void ScriptRunner::items(const Words& words) {
-    const auto* popUp = dynamic_cast<const NSPopUpButton*>(&element(words[0]));
+    const auto* popUp = dynamic_cast<const NSPopUpButton*>(node(words[0]).element.get());
     if (popUp == nullptr) {
         fail(words[0] + " is not a pop-up menu");
     }

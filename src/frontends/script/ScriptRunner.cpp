@@ -13,14 +13,14 @@ namespace frontend {
 
 namespace {
 
-/// Some editors begin a file in UTF-8 with it.
+/// Some editors put it at the start of a file in UTF-8.
 constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
 
 } // namespace
 
 ScriptRunner::ScriptRunner(std::string name, std::istream& input, std::shared_ptr<ScriptOutput> output,
-                           std::shared_ptr<ScriptPresenter> presenter, std::function<void()> launch,
-                           std::ostream& errors)
+                           std::shared_ptr<ScriptPresenter> presenter,
+                           std::function<platform::Status()> launch, std::ostream& errors)
     : name_(std::move(name)), input_(input), output_(std::move(output)), presenter_(std::move(presenter)),
       launch_(std::move(launch)), errors_(errors) {}
 
@@ -42,7 +42,8 @@ int ScriptRunner::run() {
     } catch (const ScriptError& error) {
         errors_ << name_ << ':' << error.line() << ": " << error.what() << '\n' << std::flush;
     }
-    // The application still goes down in order, so that administrator rights are given up; nobody is told.
+    // The application still shuts down in order, so that administrator rights are given up, but without
+    // output.
     output_->silence();
     NSApp().dispatch([] { NSApp().terminate(); });
     return 1;
@@ -137,7 +138,9 @@ void ScriptRunner::finish() {
 
 void ScriptRunner::start(const Words& /*words*/) {
     started_ = true;
-    launch_();
+    if (const auto launched = launch_(); !launched.isOk()) {
+        fail(launched.text());
+    }
     if (const auto& fault = presenter_->fault()) {
         throw ScriptError(*fault);
     }

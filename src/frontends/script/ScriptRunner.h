@@ -25,10 +25,10 @@ namespace frontend {
 class ScriptRunner {
   public:
     /// `name` is the script's in messages; `input` and `errors` must outlive the runner. `launch` loads the
-    /// interface and starts the application; what it throws comes through run(). `presenter` must be the
+    /// interface and starts the application; its failure ends the script. `presenter` must be the
     /// current host's.
     ScriptRunner(std::string name, std::istream& input, std::shared_ptr<ScriptOutput> output,
-                 std::shared_ptr<ScriptPresenter> presenter, std::function<void()> launch,
+                 std::shared_ptr<ScriptPresenter> presenter, std::function<platform::Status()> launch,
                  std::ostream& errors);
 
     /// `reviewer` is asked for once the script has started, by the commands that plan, review and read again;
@@ -38,7 +38,7 @@ class ScriptRunner {
     /// `history` is for the commands that print it and take changes back; it must outlive the runner.
     void useHistory(const review::History& history) { history_ = &history; }
 
-    /// Runs the whole script and then ends the application. Answers the exit status: 0, or 1 after a fault,
+    /// Runs the whole script and then ends the application. Returns the exit status: 0, or 1 after a fault,
     /// which has been written to the errors as "NAME:LINE: what is wrong".
     [[nodiscard]] int run();
 
@@ -50,7 +50,7 @@ class ScriptRunner {
         std::string_view usage; ///< what follows the name, for messages
         std::size_t least;      ///< how many words follow it
         std::size_t most;
-        bool preparesOnly; ///< only lays answers ready: may come before `start`
+        bool preparesOnly; ///< only prepares answers: may come before `start`
         void (ScriptRunner::*run)(const Words& words);
     };
 
@@ -90,7 +90,7 @@ class ScriptRunner {
     /// Runs what a user does as one event of the application; a fault inside ends the script.
     void perform(const std::function<void()>& event);
 
-    [[nodiscard]] platform::Element& element(const std::string& name) const;
+    [[nodiscard]] const platform::InterfaceNode& node(const std::string& name) const;
     /// The control of that name, which a user can use now; `what` names the kind that the command is for.
     template <class Kind>
     [[nodiscard]] Kind& usable(const std::string& name, const char* what) const;
@@ -108,7 +108,7 @@ class ScriptRunner {
     std::istream& input_;
     std::shared_ptr<ScriptOutput> output_;
     std::shared_ptr<ScriptPresenter> presenter_;
-    std::function<void()> launch_;
+    std::function<platform::Status()> launch_;
     std::function<review::Reviewer*()> findReviewer_;
     const review::History* history_ = nullptr;
     std::ostream& errors_;

@@ -23,7 +23,7 @@ char unescaped(char escape) {
     }
 }
 
-/// Reads the quoted word whose opening quote is at `position`, and moves `position` behind its closing quote.
+/// Reads the quoted word whose opening quote is at `position`, and moves `position` past its closing quote.
 std::string readQuoted(std::string_view line, std::size_t& position) {
     std::string word;
     for (++position; position < line.size(); ++position) {
@@ -57,7 +57,7 @@ std::string readBare(std::string_view line, std::size_t& position) {
 
 std::vector<std::string> splitScriptLine(std::string_view line) {
     if (line.ends_with('\r')) {
-        line.remove_suffix(1); // a script from a computer that ends lines with both
+        line.remove_suffix(1); // the script's lines end with \r\n
     }
     std::vector<std::string> words;
     std::size_t position = 0;

@@ -7,7 +7,7 @@
 
 namespace frontend {
 
-/// A line that is not made of words: an open quote, an escape that stands for nothing.
+/// A line that cannot be split into words: an open quote, or an unknown escape.
 class ScriptSyntaxError : public std::runtime_error {
   public:
     using std::runtime_error::runtime_error;

@@ -7,8 +7,9 @@
 
 namespace platform {
 
-/// Anything that an interface file makes and a front-end renders: controls, windows, tab views, drawers. A
-/// plain object with state and a signal; it knows no front-end. Owned by its Interface (or by a test).
+/// Anything that an interface file makes and a front-end renders: a control, window, tab view or drawer. A
+/// plain object with state and a signal that knows nothing of front-ends. Owned by its Interface (or by a
+/// test).
 class Element {
   public:
     Element() = default;
@@ -22,11 +23,11 @@ class Element {
     void setName(std::string name) { name_ = std::move(name); }
 
     /// Takes over the state of `from`, the element in the same place of another interface that was made from
-    /// the same file. Emits nothing and tells no delegate: the copy is nobody's yet.
-    virtual void copyState(const Element& /*from*/) {}
+    /// the same file. Emits nothing and calls no delegate: nobody uses the copy yet.
+    virtual void copyState(const Element& from) = 0;
 
-    /// Something that a front-end shows has changed. Emitted once a setter, so a listener must be cheap: it
-    /// marks itself dirty and redraws later. Never means that a user did something.
+    /// Something that a front-end shows has changed. Every setter emits it, so a listener must be cheap: it
+    /// marks itself dirty and redraws later. It never means that the user did something.
     Signal<> changed;
 
   protected:

@@ -2,19 +2,6 @@
 
 namespace platform {
 
-namespace {
-
-void forgetWindows(NSApplication& application, const InterfaceNode& node) {
-    if (const auto* window = dynamic_cast<const NSWindow*>(node.element.get())) {
-        application.forget(window);
-    }
-    for (const auto& child : node.children) {
-        forgetWindows(application, *child);
-    }
-}
-
-} // namespace
-
 const std::string& InterfaceNode::attribute(std::string_view name) const {
     static const std::string none;
     const auto found = attributes.find(name);
@@ -26,12 +13,21 @@ Interface::~Interface() {
         if (delegate_ != nullptr && application_->delegate() == delegate_) {
             application_->setDelegate(nullptr);
         }
-        forgetWindows(*application_, *root_);
+        visitNodes(*root_, [this](const InterfaceNode& node) {
+            if (const auto* window = dynamic_cast<const NSWindow*>(node.element.get())) {
+                application_->forget(window);
+            }
+        });
     }
     ownedOwner_.reset();
 }
 
 Element* Interface::find(const std::string& name) const {
+    const InterfaceNode* node = findNode(name);
+    return node == nullptr ? nullptr : node->element.get();
+}
+
+const InterfaceNode* Interface::findNode(const std::string& name) const {
     const auto found = byName_.find(name);
     return found == byName_.end() ? nullptr : found->second;
 }
@@ -39,16 +35,6 @@ Element* Interface::find(const std::string& name) const {
 NSControl* Interface::findWiredTo(const std::string& operation) const {
     const auto found = byOperation_.find(operation);
     return found == byOperation_.end() ? nullptr : found->second;
-}
-
-std::vector<std::string> Interface::unwiredActions() const {
-    std::vector<std::string> names;
-    for (const auto& [name, perform] : class_->actions) {
-        if (!byOperation_.contains(name)) {
-            names.push_back(name);
-        }
-    }
-    return names;
 }
 
 } // namespace platform

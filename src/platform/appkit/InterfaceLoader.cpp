@@ -12,15 +12,16 @@
 
 namespace platform {
 
-std::unique_ptr<Interface> Interface::load(const std::string& path, const std::string& ownerClass,
-                                           void* owner) {
+Result<std::unique_ptr<Interface>> Interface::load(const std::string& path, const std::string& ownerClass,
+                                                   void* owner) {
     return InterfaceLoader(path).load(ownerClass, owner);
 }
 
-std::unique_ptr<Interface> InterfaceLoader::load(const std::string& ownerClass, void* owner) {
+Result<std::unique_ptr<Interface>> InterfaceLoader::load(const std::string& ownerClass, void* owner) {
     const auto file = contentsOfFile(path_);
     if (!file.isOk()) {
         refuse(1, stringWithFormat("the interface file cannot be read: %@", file.status().why()));
+        return status_;
     }
     lineStarts_ = {0};
     for (std::size_t at = file->find('\n'); at != std::string::npos; at = file->find('\n', at + 1)) {
@@ -32,31 +33,38 @@ std::unique_ptr<Interface> InterfaceLoader::load(const std::string& ownerClass, 
     if (!parsed) {
         refuse(lineAt(parsed.offset),
                stringWithFormat("the XML is not well formed: %@", parsed.description()));
+        return status_;
     }
     const pugi::xml_node root = document.document_element();
     const int rootLine = lineAt(root.offset_debug());
-    if (std::string_view(root.name()) != interfaceRule().element) {
+    if (std::string_view(root.name()) != elementName(InterfaceKind::Interface)) {
         refuse(rootLine, stringWithFormat("an interface file begins with <%@>, not with <%@>",
-                                          interfaceRule().element, root.name()));
+                                          elementName(InterfaceKind::Interface), root.name()));
     }
     interface_ = std::unique_ptr<Interface>(new Interface());
     chooseClass(root.attribute("class").value(), ownerClass, rootLine);
-    chooseOwner(owner, rootLine);
-    try {
-        interface_->root_ = build(root, interfaceRule());
-        checkReferences();
-        checkOutlets(rootLine);
-    } catch (...) {
+    if (status_.isOk()) {
+        chooseOwner(owner, rootLine);
+    }
+    if (!status_.isOk()) {
+        return status_;
+    }
+    interface_->root_ = build(root, ruleOf(InterfaceKind::Interface));
+    checkReferences();
+    checkOutlets(rootLine);
+    if (!status_.isOk()) {
         resetOutlets();
-        throw;
+        return status_;
     }
     tellApplication();
     Host::current().presenter().interfaceDidLoad(*interface_);
     return std::move(interface_);
 }
 
-void InterfaceLoader::refuse(int line, const std::string& fault) const {
-    throw InterfaceError(stringWithFormat("%@:%d: %@", path_, line, fault));
+void InterfaceLoader::refuse(int line, const std::string& fault) {
+    if (status_.isOk()) {
+        status_ = Status::failure(stringWithFormat("%@:%d", path_, line), "", fault);
+    }
 }
 
 int InterfaceLoader::lineAt(std::ptrdiff_t offset) const {
@@ -73,15 +81,16 @@ void InterfaceLoader::chooseClass(const std::string& named, const std::string& e
     if (named != expected) {
         refuse(line, stringWithFormat("the file is for the class \"%@\", not for \"%@\"", named, expected));
     }
-    interface_->class_ = known;
+    class_ = known;
 }
 
 void InterfaceLoader::chooseOwner(void* owner, int line) {
-    const ObjectClass& known = *interface_->class_;
+    const ObjectClass& known = *class_;
     if (owner == nullptr) {
         if (!known.make) {
             refuse(line,
                    stringWithFormat("the class \"%@\" cannot be made by an interface file", known.name));
+            return;
         }
         interface_->ownedOwner_ = known.make();
         owner = interface_->ownedOwner_.get();
@@ -96,13 +105,13 @@ void InterfaceLoader::resetOutlets() const {
 }
 
 std::span<const OutletOwner::Outlet> InterfaceLoader::outlets() const {
-    const OutletOwner* owner = interface_->class_->outletOwner(interface_->owner_);
+    const OutletOwner* owner = class_->outletOwner(interface_->owner_);
     return owner == nullptr ? std::span<const OutletOwner::Outlet>() : owner->outlets();
 }
 
 std::unique_ptr<InterfaceNode> InterfaceLoader::build(const pugi::xml_node& xml, const ElementRule& rule) {
     auto node = std::make_unique<InterfaceNode>();
-    node->kind = rule.element;
+    node->kind = rule.kind;
     node->line = lineAt(xml.offset_debug());
     readAttributes(xml, rule, *node);
     for (const pugi::xml_node& child : xml.children()) {
@@ -111,33 +120,40 @@ std::unique_ptr<InterfaceNode> InterfaceLoader::build(const pugi::xml_node& xml,
     if (rule.oneLayout) {
         checkOneLayout(*node);
     }
-    node->element = makeElement(*node, rule);
-    nameElement(*node);
-    wireAction(*node);
+    if (status_.isOk()) {
+        makeElement(*node, rule);
+    }
+    if (status_.isOk()) {
+        nameElement(*node);
+        wireAction(*node);
+    }
     return node;
 }
 
 void InterfaceLoader::readAttributes(const pugi::xml_node& xml, const ElementRule& rule,
-                                     InterfaceNode& node) const {
+                                     InterfaceNode& node) {
     for (const pugi::xml_attribute& attribute : xml.attributes()) {
         const AttributeRule* known = rule.attribute(attribute.name());
         if (known == nullptr) {
-            refuse(node.line, stringWithFormat("<%@> has no attribute \"%@\"", node.kind, attribute.name()));
+            refuse(node.line, stringWithFormat("<%@> has no attribute \"%@\"", elementName(node.kind),
+                                               attribute.name()));
+            return;
         }
         const std::string value = attribute.value();
         if (const std::string fault = faultOfValue(*known, value); !fault.empty()) {
-            refuse(node.line,
-                   stringWithFormat("%@=\"%@\" of <%@> %@", attribute.name(), value, node.kind, fault));
+            refuse(node.line, stringWithFormat("%@=\"%@\" of <%@> %@", attribute.name(), value,
+                                               elementName(node.kind), fault));
         }
         const bool shown = known->kind == AttributeKind::Text && !value.empty();
         if (!node.attributes.emplace(attribute.name(), shown ? NSLocalizedString(value) : value).second) {
-            refuse(node.line,
-                   stringWithFormat("<%@> has the attribute \"%@\" twice", node.kind, attribute.name()));
+            refuse(node.line, stringWithFormat("<%@> has the attribute \"%@\" twice", elementName(node.kind),
+                                               attribute.name()));
         }
     }
     for (const AttributeRule& needed : rule.attributes) {
         if (needed.required && !node.attributes.contains(needed.name)) {
-            refuse(node.line, stringWithFormat("<%@> needs the attribute \"%@\"", node.kind, needed.name));
+            refuse(node.line,
+                   stringWithFormat("<%@> needs the attribute \"%@\"", elementName(node.kind), needed.name));
         }
     }
 }
@@ -149,21 +165,46 @@ void InterfaceLoader::buildChild(const pugi::xml_node& xml, const ElementRule& r
         const std::string_view blank = text.substr(0, text.find_first_not_of(" \t\n"));
         const auto lineEnds = std::count(blank.begin(), blank.end(), '\n');
         refuse(line + static_cast<int>(lineEnds),
-               stringWithFormat("<%@> holds text; texts are attributes", parent.kind));
+               stringWithFormat("<%@> holds text; texts are attributes", elementName(parent.kind)));
+        return;
     }
     const ElementRule* known = rule.child(xml.name());
     if (known == nullptr) {
-        refuse(line, stringWithFormat("<%@> does not belong in <%@>", xml.name(), parent.kind));
+        refuse(line, stringWithFormat("<%@> does not belong in <%@>", xml.name(), elementName(parent.kind)));
+        return;
     }
     parent.children.push_back(build(xml, *known));
 }
 
-void InterfaceLoader::checkOneLayout(const InterfaceNode& node) const {
+void InterfaceLoader::checkOneLayout(const InterfaceNode& node) {
     const auto count = std::count_if(node.children.begin(), node.children.end(),
-                                     [](const auto& child) { return child->kind != "drawer"; });
+                                     [](const auto& child) { return child->kind != InterfaceKind::Drawer; });
     if (count != 1 || node.children.size() > 2) {
-        refuse(node.line, stringWithFormat("<%@> holds %d layout elements; it needs one", node.kind, count));
+        refuse(node.line, stringWithFormat("<%@> holds %d layout elements; it needs one",
+                                           elementName(node.kind), count));
     }
+}
+
+void InterfaceLoader::makeElement(InterfaceNode& node, const ElementRule& rule) {
+    if (rule.make == nullptr) {
+        return;
+    }
+    node.element = rule.make(node, {*class_, interface_->owner_,
+                                    [this](int line, const std::string& fault) { refuse(line, fault); }});
+    if (auto* window = dynamic_cast<NSWindow*>(node.element.get())) {
+        noteWindow(*window, node.line);
+    }
+}
+
+void InterfaceLoader::noteWindow(NSWindow& window, int line) {
+    hasSheet_ = hasSheet_ || window.kind() == NSWindowKind::Sheet;
+    if (window.kind() != NSWindowKind::Main) {
+        return;
+    }
+    if (mainWindow_ != nullptr) {
+        refuse(line, "the file has a second <window>; other windows are panels and sheets");
+    }
+    mainWindow_ = &window;
 }
 
 void InterfaceLoader::nameElement(const InterfaceNode& node) {
@@ -175,7 +216,7 @@ void InterfaceLoader::nameElement(const InterfaceNode& node) {
     if (!outlet.empty() && node.attributes.contains("name")) {
         refuse(node.line, stringWithFormat("the outlet \"%@\" has a name besides", outlet));
     }
-    if (!interface_->byName_.emplace(name, node.element.get()).second) {
+    if (!interface_->byName_.emplace(name, &node).second) {
         refuse(node.line, stringWithFormat("the name \"%@\" is taken already", name));
     }
     node.element->setName(name);
@@ -185,13 +226,11 @@ void InterfaceLoader::nameElement(const InterfaceNode& node) {
     const auto known = outlets();
     const auto found = std::ranges::find(known, outlet, &OutletOwner::Outlet::name);
     if (found == known.end()) {
-        refuse(node.line,
-               stringWithFormat("the class \"%@\" has no outlet \"%@\"", interface_->class_->name, outlet));
-    }
-    if (!found->set(node.element.get())) {
+        refuse(node.line, stringWithFormat("the class \"%@\" has no outlet \"%@\"", class_->name, outlet));
+    } else if (!found->set(node.element.get())) {
         refuse(node.line,
                stringWithFormat("the outlet \"%@\" of the class \"%@\" is of another kind than <%@>", outlet,
-                                interface_->class_->name, node.kind));
+                                class_->name, elementName(node.kind)));
     }
     connectedOutlets_.insert(outlet);
 }
@@ -209,16 +248,17 @@ void InterfaceLoader::wireAction(const InterfaceNode& node) {
     control->setEnabled(node.attribute("enabled") != "no");
     const std::string& operation = node.attribute("action");
     if (operation.empty()) {
-        if (node.kind == "button" && node.attribute("role").empty()) {
+        if (node.kind == InterfaceKind::Button && node.attribute("role").empty()) {
             refuse(node.line, "<button> needs the attribute \"action\"");
         }
         return;
     }
-    const auto& actions = interface_->class_->actions;
+    const auto& actions = class_->actions;
     const auto found = actions.find(operation);
     if (found == actions.end()) {
-        refuse(node.line, stringWithFormat("the class \"%@\" has no operation \"%@\"",
-                                           interface_->class_->name, operation));
+        refuse(node.line,
+               stringWithFormat("the class \"%@\" has no operation \"%@\"", class_->name, operation));
+        return;
     }
     control->setAction({operation, [perform = found->second, owner = interface_->owner_](NSControl* sender) {
                             perform(owner, sender);
@@ -226,7 +266,7 @@ void InterfaceLoader::wireAction(const InterfaceNode& node) {
     interface_->byOperation_.emplace(operation, control);
 }
 
-void InterfaceLoader::checkReferences() const {
+void InterfaceLoader::checkReferences() {
     for (const auto& [line, name] : references_) {
         if (!interface_->byName_.contains(name)) {
             refuse(line, stringWithFormat("the element belongs to \"%@\", which is not in the file", name));
@@ -234,7 +274,7 @@ void InterfaceLoader::checkReferences() const {
     }
 }
 
-void InterfaceLoader::checkOutlets(int line) const {
+void InterfaceLoader::checkOutlets(int line) {
     std::string missing;
     for (const auto& [name, set] : outlets()) {
         if (!connectedOutlets_.contains(std::string(name))) {
@@ -242,13 +282,12 @@ void InterfaceLoader::checkOutlets(int line) const {
         }
     }
     if (!missing.empty()) {
-        refuse(line, stringWithFormat("outlets of the class \"%@\" are missing: %@", interface_->class_->name,
-                                      missing));
+        refuse(line, stringWithFormat("outlets of the class \"%@\" are missing: %@", class_->name, missing));
     }
 }
 
 void InterfaceLoader::tellApplication() const {
-    const auto& asDelegate = interface_->class_->applicationDelegate;
+    const auto& asDelegate = class_->applicationDelegate;
     interface_->delegate_ = asDelegate ? asDelegate(interface_->owner_) : nullptr;
     if (interface_->delegate_ == nullptr && mainWindow_ == nullptr && !hasSheet_) {
         return;

@@ -1,10 +1,9 @@
 #pragma once
 
 #include "platform/appkit/Interface.h"
-#include "platform/appkit/InterfaceGrammar.h"
+#include "platform/appkit/InterfaceKinds.h"
 
 #include <cstddef>
-#include <functional>
 #include <memory>
 #include <set>
 #include <span>
@@ -18,15 +17,16 @@ class xml_node;
 
 namespace platform {
 
-/// Reads one interface file and makes its models: a single use of Interface::load.
+/// Reads one interface file and makes its models: one call of Interface::load.
 class InterfaceLoader {
   public:
     explicit InterfaceLoader(std::string path) : path_(std::move(path)) {}
 
-    [[nodiscard]] std::unique_ptr<Interface> load(const std::string& ownerClass, void* owner);
+    [[nodiscard]] Result<std::unique_ptr<Interface>> load(const std::string& ownerClass, void* owner);
 
   private:
-    [[noreturn]] void refuse(int line, const std::string& fault) const;
+    /// Records why the file is refused. The first fault counts; what is read after it is thrown away.
+    void refuse(int line, const std::string& fault);
     [[nodiscard]] int lineAt(std::ptrdiff_t offset) const;
 
     void chooseClass(const std::string& named, const std::string& expected, int line);
@@ -36,34 +36,27 @@ class InterfaceLoader {
 
     // From XML to nodes. A node is checked by the grammar before its model is made.
     [[nodiscard]] std::unique_ptr<InterfaceNode> build(const pugi::xml_node& xml, const ElementRule& rule);
-    void readAttributes(const pugi::xml_node& xml, const ElementRule& rule, InterfaceNode& node) const;
+    void readAttributes(const pugi::xml_node& xml, const ElementRule& rule, InterfaceNode& node);
     void buildChild(const pugi::xml_node& xml, const ElementRule& rule, InterfaceNode& parent);
-    void checkOneLayout(const InterfaceNode& node) const;
+    void checkOneLayout(const InterfaceNode& node);
 
     // From nodes to models; a node's children are complete by then.
-    [[nodiscard]] std::unique_ptr<Element> makeElement(const InterfaceNode& node, const ElementRule& rule);
-    [[nodiscard]] std::unique_ptr<Element> makeWindow(const InterfaceNode& node);
-    [[nodiscard]] std::unique_ptr<Element> makeField(const InterfaceNode& node,
-                                                     std::unique_ptr<NSTextField> field) const;
-    [[nodiscard]] std::unique_ptr<Element> makeTable(const InterfaceNode& node) const;
-    [[nodiscard]] std::unique_ptr<Element> makeMatrix(const InterfaceNode& node) const;
-    [[nodiscard]] std::unique_ptr<Element> makeTabView(const InterfaceNode& node) const;
-    /// The owner as the delegate that the node needs.
-    template <class Delegate>
-    [[nodiscard]] Delegate* ownerAs(const std::function<Delegate*(void*)>& cast,
-                                    const InterfaceNode& node) const;
+    void makeElement(InterfaceNode& node, const ElementRule& rule);
+    void noteWindow(NSWindow& window, int line);
 
     // Connections.
     void nameElement(const InterfaceNode& node);
     void wireAction(const InterfaceNode& node);
-    void checkReferences() const;
-    /// A class may use each of its outlets without asking whether the file had it.
-    void checkOutlets(int line) const;
+    void checkReferences();
+    /// Every outlet must be there, so that the class may use them unchecked.
+    void checkOutlets(int line);
     void tellApplication() const;
 
     std::string path_;
+    Status status_;
     std::vector<std::size_t> lineStarts_;
     std::unique_ptr<Interface> interface_;
+    const ObjectClass* class_ = nullptr;
     NSWindow* mainWindow_ = nullptr;
     bool hasSheet_ = false;
     std::set<std::string> connectedOutlets_;

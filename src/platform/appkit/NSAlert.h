@@ -19,7 +19,7 @@ namespace platform {
                            const std::optional<std::string>& otherButton);
 } // namespace platform
 
-/// Shows a modal alert and answers with the button that ended it. `message` is a format for `arguments`
+/// Shows a modal alert and returns the button that ended it. `message` is a format for `arguments`
 /// (stringWithFormat); std::nullopt as a button means that there is no such button.
 template <class... Arguments>
 int NSRunAlertPanel(const std::string& title, const std::string& message, const std::string& defaultButton,

@@ -7,7 +7,7 @@
 
 class NSWindow;
 
-/// What the application's delegate is told.
+/// What the application reports to its delegate.
 class NSApplicationDelegate {
   public:
     virtual ~NSApplicationDelegate() = default;
@@ -43,14 +43,14 @@ class NSApplication {
     void mainWindowDidClose();
 
     /// Shows `sheet` as a sheet of `window` (null: it stands alone) and returns at once; `didEnd` is called
-    /// by endSheet. Nothing when a sheet is up already.
+    /// by endSheet. Does nothing when a sheet is up already.
     void beginSheet(NSWindow* sheet, NSWindow* window, SheetDidEnd didEnd);
-    /// Ends the sheet's session: calls its `didEnd`, which takes it off the screen. Nothing when it is not
-    /// up.
+    /// Ends the sheet's session: calls its `didEnd`, which takes it off the screen. Does nothing when it is
+    /// not up.
     void endSheet(NSWindow* sheet, int returnCode);
 
     /// Takes the sheet off the screen without an answer, as when the application ends while it is up: its
-    /// `didEnd` is not called. Nothing when it is not up.
+    /// `didEnd` is not called. Does nothing when it is not up.
     void cancelSheet(NSWindow* sheet);
 
     /// The sheet that is up, or null.
@@ -61,12 +61,11 @@ class NSApplication {
         return windowsOnScreen_;
     }
 
-    /// `window` is about to be destroyed: it is no longer the main window nor the sheet.
+    /// `window` is about to be destroyed: it is no longer the main window or the sheet.
     void forget(const NSWindow* window);
 
-    /// Runs one event of a user, which is one action of the host; one within another, as while an alert is
-    /// up, belongs to that. An exception that an action lets out is logged with its text, and the event is
-    /// over.
+    /// Runs one user event, which is one action of the host. An event inside another, as while an alert is
+    /// up, is part of the outer one. An exception that escapes an action is logged and ends the event.
     void dispatch(const std::function<void()>& event);
 
   private:
@@ -75,7 +74,7 @@ class NSApplication {
     NSWindow* sheet_ = nullptr;
     SheetDidEnd sheetDidEnd_;
     std::shared_ptr<std::vector<NSWindow*>> windowsOnScreen_ = std::make_shared<std::vector<NSWindow*>>();
-    int dispatches_ = 0; ///< events that are under way
+    int dispatches_ = 0; ///< events in progress
     bool launched_ = false;
     bool terminated_ = false;
 };

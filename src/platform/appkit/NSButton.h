@@ -16,7 +16,7 @@ class NSImage {
 
     [[nodiscard]] const std::string& path() const { return path_; }
 
-    /// The file's name less its ending.
+    /// The file's name without its extension.
     [[nodiscard]] std::string name() const;
 
   private:
@@ -57,7 +57,7 @@ class NSButton : public NSControl {
 
     void setKeyEquivalent(std::string key) { keyEquivalent_ = std::move(key); }
 
-    /// A user's click: a check box changes its state, then the action is sent. Nothing while disabled.
+    /// A user's click: a check box changes its state, then the action is sent. Does nothing while disabled.
     void performClick();
 
   private:
@@ -76,7 +76,7 @@ class NSMenuItem : public NSControl {
 
     void setTitle(std::string title) { title_ = std::move(title); }
 
-    /// A user's choice: sends the action. Nothing while disabled.
+    /// A user's choice: sends the action. Does nothing while disabled.
     void performClick();
 
   private:

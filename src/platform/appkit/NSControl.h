@@ -25,14 +25,14 @@ class NSControl : public platform::Element {
 
     void setAction(NSAction action) { action_ = std::move(action); }
 
-    /// Whether a user put the value there that the control holds: the last typed, chosen or clicked one still
-    /// stands. Setting it from the program is no edit, and another value set from the program ends one.
+    /// Whether the control's value is the user's: the one last typed, chosen or clicked still stands. Setting
+    /// a value from the program is not an edit, and setting a different one ends it.
     [[nodiscard]] virtual bool isEdited() const { return false; }
 
     void copyState(const Element& from) override;
 
-    /// Sends the action with this control as the sender; nothing when none is wired. What the action throws
-    /// comes through to the front-end's event dispatch (NSApplication::dispatch).
+    /// Sends the action with this control as the sender; nothing when none is wired. Exceptions
+    /// from the action reach the front-end's event dispatch (NSApplication::dispatch).
     void sendAction();
 
   private:

@@ -7,7 +7,7 @@
 #include <string_view>
 #include <variant>
 
-/// A range of a text in UTF-16 units.
+/// A range of a string in UTF-16 units.
 struct NSRange {
     std::size_t location = 0;
     std::size_t length = 0;
@@ -36,7 +36,7 @@ class NSFormatter {
     /// The value of `text`, or none (with `error` set) when it has none.
     [[nodiscard]] virtual std::optional<NSObjectValue> getObjectValue(const std::string& text,
                                                                       std::string& error) const;
-    /// The text that shows `value`, or none for a kind of value that the formatter does not show.
+    /// The string that shows `value`, or none for a kind of value that the formatter cannot show.
     [[nodiscard]] virtual std::optional<std::string> stringForObjectValue(const NSObjectValue& value) const;
 };
 
@@ -49,11 +49,10 @@ namespace platform {
 class NSNumberFormatter : public NSFormatter {
   public:
     /// Only "##0" is known: no grouping, no decimals, at least one digit. Throws std::invalid_argument for
-    /// another.
+    /// any other.
     void setFormat(const std::string& format);
 
-    /// The number that the whole text is (optional minus sign, digits); none for an empty or any other
-    /// string.
+    /// The number that the whole string represents (optional minus sign, digits); none for any other string.
     [[nodiscard]] std::optional<NSObjectValue> getObjectValue(const std::string& text,
                                                               std::string& error) const override;
     [[nodiscard]] std::optional<std::string> stringForObjectValue(const NSObjectValue& value) const override;

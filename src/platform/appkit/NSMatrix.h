@@ -23,12 +23,12 @@ class NSMatrix : public NSControl {
     [[nodiscard]] int stateAt(int row, int column) const;
     void setStateAt(int row, int column, int state);
 
-    /// Whether a user's click left the cell in its state.
+    /// Whether the cell's state is the one that a user's click left.
     [[nodiscard]] bool isEditedAt(int row, int column) const;
 
     void copyState(const Element& from) override;
 
-    /// A user's click: the cell changes its state, then the action is sent. Nothing while disabled.
+    /// A user's click: the cell changes its state, then the action is sent. Does nothing while disabled.
     void performClickAt(int row, int column);
 
   private:

@@ -23,7 +23,7 @@ class NSPopUpButton : public NSControl {
 
     /// Adds an item with tag 0 at the end. The first item of an empty menu becomes the selected one.
     void addItemWithTitle(std::string title);
-    /// Takes all items away; nothing is selected then.
+    /// Removes all items; nothing is selected then.
     void removeAllItems();
     /// Gives the item at `index` a tag. Throws std::out_of_range when there is no such item.
     void setTag(int index, std::int64_t tag);
@@ -46,7 +46,7 @@ class NSPopUpButton : public NSControl {
     /// Selects the first item with the title; nothing when there is none.
     void selectItemWithTitle(const std::string& title);
 
-    /// The item with the title that a user chose is the selected one, also after the menu was filled anew.
+    /// The selected item has the title that the user chose, even if the menu was refilled since.
     [[nodiscard]] bool isEdited() const override;
 
     void copyState(const Element& from) override;

@@ -10,7 +10,7 @@ class NSTabView;
 class NSTabViewDelegate {
   public:
     virtual ~NSTabViewDelegate() = default;
-    /// The page at `index` has come to show.
+    /// The page at `index` is now shown.
     virtual void tabViewDidSelectTabViewItem(NSTabView* tabView, int index) = 0;
 };
 
@@ -30,11 +30,11 @@ class NSTabView : public platform::Element {
 
     void setShowsTabs(bool shows) { showsTabs_ = shows; }
 
-    /// 0 at first.
+    /// Initially 0.
     [[nodiscard]] int indexOfSelectedTabViewItem() const { return selected_; }
 
-    /// Shows a page and tells the delegate, unless it shows already. Throws std::out_of_range when there is
-    /// none.
+    /// Shows a page and tells the delegate, unless it is shown already. Throws std::out_of_range when there
+    /// is none.
     void selectTabViewItemAtIndex(int index);
 
     void copyState(const Element& from) override;

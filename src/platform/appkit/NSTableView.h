@@ -10,8 +10,8 @@ class NSTableView;
 struct NSTableColumn {
     std::string identifier;
     std::string title;
-    int width = 100;     ///< in points, a front-end's first width
-    bool hidden = false; ///< not shown by a window at first; still one of the columns
+    int width = 100;     ///< in points, the initial width in a front-end
+    bool hidden = false; ///< a window does not show it initially; it is still one of the columns
 };
 
 /// Where a table's rows come from. Not owned by the table.
@@ -27,7 +27,7 @@ class NSTableViewDataSource {
 class NSTableViewDelegate {
   public:
     virtual ~NSTableViewDelegate() = default;
-    /// `table`'s selection is another than before, by a user's or the program's doing.
+    /// The selection of `table` has changed, by the user or the program.
     virtual void tableViewSelectionDidChange(NSTableView* table) = 0;
 };
 

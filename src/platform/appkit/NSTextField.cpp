@@ -42,8 +42,8 @@ std::string asLine(std::string_view text) {
     return line;
 }
 
-/// Makes a line of what `proposed` would bring into `text`, and nothing else, since the program may have put
-/// in what no user could. Returns by how many UTF-16 units it became shorter.
+/// Makes a line of what `proposed` would add to `text`. The rest stays as it is, because the program may have
+/// put in what no user could. Returns by how many UTF-16 units it became shorter.
 std::size_t makeLineOfWhatEnters(std::string_view text, std::string& proposed) {
     const auto differ = std::ranges::mismatch(text, proposed);
     auto begin = static_cast<std::size_t>(differ.in1 - text.begin());
@@ -63,7 +63,7 @@ std::size_t makeLineOfWhatEnters(std::string_view text, std::string& proposed) {
     std::string line = asLine(entered);
     const std::size_t shorter = utf16Length(entered) - utf16Length(line);
     proposed.replace(begin, end - begin, line);
-    wipe(line); // may be of a password
+    wipe(line); // may hold a password
     return shorter;
 }
 
@@ -75,7 +75,7 @@ void NSTextField::setStringValue(std::string text) {
 
 void NSTextField::takeText(std::string& text) {
     if (isSecure()) {
-        // Copied, not moved: a moved short text leaves its bytes behind.
+        // Copied, not moved: moving a short string leaves its bytes in memory.
         platform::wipe(text_);
         text_.assign(text);
         platform::wipe(text);

@@ -26,7 +26,7 @@ class NSTextField : public NSControl {
 
     void setStringValue(std::string text);
 
-    /// The text read by intValue.
+    /// The string as intValue reads it.
     [[nodiscard]] std::int32_t intValue() const;
     void setIntValue(std::int32_t value);
 
@@ -45,7 +45,7 @@ class NSTextField : public NSControl {
     /// True for a field whose text must not be shown.
     [[nodiscard]] virtual bool isSecure() const { return false; }
 
-    /// Never true of a secure field, of whose text no second copy is kept.
+    /// Never true for a secure field, because no second copy of its text is kept.
     [[nodiscard]] bool isEdited() const override { return typed_ == text_; }
 
     void copyState(const Element& from) override;
@@ -53,7 +53,7 @@ class NSTextField : public NSControl {
     /// A user's edit: the whole text as it would be, the caret after it and the selection before it. A line
     /// break in what is entered becomes a blank, and other control characters but the tab are left out. The
     /// formatter is asked first. When it refuses, the presenter is told, then the delegate, the field stays
-    /// as it was and the answer is false. Otherwise the text is taken and the action sent.
+    /// as it was, and false is returned. Otherwise the field takes the text and sends its action.
     [[nodiscard]] bool proposeEdit(std::string proposed, std::size_t proposedCaret,
                                    NSRange originalSelection);
     /// The user leaves the field: one with a formatter then shows its value's text (007 becomes 7); an empty

@@ -15,6 +15,12 @@ std::size_t NSTextView::length() const {
     return units;
 }
 
+void NSTextView::copyState(const Element& from) {
+    const auto& other = dynamic_cast<const NSTextView&>(from);
+    text_ = other.text_;
+    scrollPosition_ = other.scrollPosition_;
+}
+
 void NSTextView::scrollToPoint(float position) {
     scrollPosition_ = position;
     scrolled.emit();

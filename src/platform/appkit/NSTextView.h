@@ -21,6 +21,8 @@ class NSTextView : public platform::Element {
     /// Scrolls. Emits `scrolled` and not `changed`: a front-end redraws at most once a frame.
     void scrollToPoint(float position);
 
+    void copyState(const Element& from) override;
+
     platform::Signal<> scrolled;
 
   private:

@@ -55,7 +55,7 @@ void NSWindow::orderOut() {
 
 void NSWindow::close() {
     if (kind_ == NSWindowKind::Sheet) {
-        return; // only endSheet ends a sheet, so that its session always has an answer
+        return; // only endSheet ends a sheet, so that its session always gets a result
     }
     orderOut();
     if (kind_ == NSWindowKind::Main) {

@@ -26,7 +26,7 @@ class NSWindow : public platform::Element {
   public:
     explicit NSWindow(NSWindowKind kind = NSWindowKind::Main) : kind_(kind) {}
 
-    /// Leaves the screen without telling anybody.
+    /// Leaves the screen without notifying anybody.
     ~NSWindow() override;
 
     [[nodiscard]] NSWindowKind kind() const { return kind_; }
@@ -40,26 +40,20 @@ class NSWindow : public platform::Element {
 
     [[nodiscard]] bool isVisible() const { return visible_; }
 
-    [[nodiscard]] bool isKeyWindow() const { return key_; }
-
-    [[nodiscard]] bool isExcludedFromWindowsMenu() const { return excluded_; }
-
-    void setExcludedFromWindowsMenu(bool excluded) { excluded_ = excluded; }
-
-    /// The front-end puts it in the middle of the screen when it shows it next.
+    /// The front-end centres it on the screen when it next shows it.
     void center();
 
     [[nodiscard]] bool isCentered() const { return centered_; }
 
     /// Brings it on screen (the presenter is told when it was not), to the front, and makes it key; the
-    /// window that was key is so no longer.
+    /// previous key window is no longer key.
     void makeKeyAndOrderFront();
     /// Takes it off the screen; it is no longer key.
     void orderOut();
     /// The user, or `quit` of a script, closes it: off the screen, and a main window may end the application.
     /// Nothing for a sheet, which only NSApplication::endSheet ends.
     void close();
-    /// The front-end says that keys go to this window, or no longer. Tells the delegate when that is a
+    /// Called by the front-end when keys start or stop going to this window. Tells the delegate if that is a
     /// change. A window that is not on screen does not become key.
     void becomeKey();
     void resignKey();
@@ -75,7 +69,6 @@ class NSWindow : public platform::Element {
     NSWindowDelegate* delegate_ = nullptr;
     bool visible_ = false;
     bool key_ = false;
-    bool excluded_ = false;
     bool centered_ = false;
     std::shared_ptr<std::vector<NSWindow*>> onScreen_; ///< the application's list while this window is on it
 };

@@ -17,14 +17,14 @@
 
 namespace platform {
 
-/// What an interface file may bind of a class: its actions by name, its outlets, and the delegates it can be.
+/// What an interface file may use of a class: its actions by name, its outlets, and the delegates it can be.
 /// A class is described once (see describeClass) and registered under its name in the current host
 /// (registerClass).
 struct ObjectClass {
     std::string name;
     std::function<std::shared_ptr<void>()> make; ///< a new object, for files that make their owner
     std::map<std::string, std::function<void(void* object, NSControl* sender)>> actions;
-    // The object as another class, null where its own is no such class.
+    // The object as one of these classes, or null when its own class is not derived from it.
     std::function<OutletOwner*(void*)> outletOwner;
     std::function<NSApplicationDelegate*(void*)> applicationDelegate;
     std::function<NSTableViewDataSource*(void*)> tableDataSource;

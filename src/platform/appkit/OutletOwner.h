@@ -10,7 +10,7 @@
 namespace platform {
 
 /// An object with outlets: pointers to the controls of an interface file, which sets every one of them and
-/// owns what they point to. An outlet is a member that its own initializer declares, under its own name:
+/// owns what they point to. An outlet is a member whose initializer registers it under its own name:
 ///
 ///     NSButton* lockButton = outlet("lockButton", lockButton);
 class OutletOwner {
@@ -31,7 +31,7 @@ class OutletOwner {
     OutletOwner() = default;
     ~OutletOwner() = default;
 
-    /// Returns null, the member's first value. `name` must outlive the object.
+    /// Returns null, the member's initial value. `name` must outlive the object.
     template <class Kind>
     [[nodiscard]] Kind* outlet(std::string_view name, Kind*& member) {
         outlets_.push_back({name, [&member](Element* element) {

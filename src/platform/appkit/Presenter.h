@@ -36,10 +36,10 @@ struct OpenPanelRequest {
 /// What the administrator dialog asks for.
 struct AdministratorRequest {
     bool needsPassword = false; ///< a password is asked for; otherwise only consent
-    std::string message;        ///< why an earlier answer was not taken; empty the first time
+    std::string message;        ///< why an earlier answer was not accepted; empty the first time
 };
 
-/// The answer "allow"; `password` is empty where only consent was asked for.
+/// The user's consent; `password` is empty if only consent was asked for.
 struct AdministratorAnswer {
     std::string password;
 };

@@ -52,7 +52,7 @@ class Reader {
         }
         do {
             if (at_ >= rtf_.size()) {
-                return std::nullopt; // a group is open still
+                return std::nullopt; // a group is still open
             }
             readToken();
         } while (!groups_.empty());
@@ -81,7 +81,7 @@ class Reader {
             break;
         case '\r':
         case '\n':
-            break; // only lays out the file
+            break; // only formats the file itself
         default:
             addFallback({&character, 1});
         }
@@ -154,7 +154,7 @@ class Reader {
         }
         at_ = static_cast<std::size_t>(end - rtf_.data());
         if (at_ < rtf_.size() && rtf_[at_] == ' ') {
-            ++at_; // the blank that ends a word belongs to it
+            ++at_; // the blank after a word is part of it
         }
         applyWord(word, number);
     }
@@ -208,7 +208,7 @@ class Reader {
         }
     }
 
-    /// Text that may be the replacement that follows a \u word for readers that do not know it.
+    /// Text that may be the substitute after a \u word, for readers that do not know that word.
     void addFallback(std::string_view text) {
         if (toSkip_ > 0) {
             --toSkip_;

@@ -40,7 +40,7 @@ struct CommandLineEnd {
 [[nodiscard]] std::unique_ptr<CLI::App> makeParser(const std::string& program, const std::string& summary,
                                                    const std::string& synopsis, HostOptions& host);
 
-/// Adds an option that takes one text, which must not be empty. `type` stands for it in the help.
+/// Adds an option with one string as its value, which must not be empty. The help shows `type` for it.
 CLI::Option& addText(CLI::App& parser, const std::string& name, std::string& text, const std::string& type,
                      const std::string& description);
 
@@ -48,7 +48,7 @@ CLI::Option& addText(CLI::App& parser, const std::string& name, std::string& tex
 /// Returns why the program ends here, or none when it goes on.
 [[nodiscard]] std::optional<CommandLineEnd> parse(CLI::App& parser, std::vector<std::string> arguments);
 
-/// The complaint about an option that a program finds wrong after parsing.
+/// The complaint about an option that a program rejects after parsing.
 [[nodiscard]] CommandLineEnd complain(const CLI::App& parser, const std::string& fault);
 
 /// How many of `arguments` are options of the parser and their values: those before the first word that does

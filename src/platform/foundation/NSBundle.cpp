@@ -11,7 +11,7 @@
 
 namespace {
 
-/// Adds the entries of the table at `path` that no language before had.
+/// Adds those entries of the table at `path` that no earlier language had.
 void mergeTable(platform::StringTable& into, const std::string& path) {
     const auto contents = contentsOfFile(path);
     if (!contents.isOk()) {
@@ -35,7 +35,7 @@ std::string textFor(const platform::StringTable& table, const std::string& key,
     return found == table.end() ? otherwise : found->second;
 }
 
-/// The folder names of languages by their codes, for translations that are filed by name.
+/// The folder names of languages by code, for translations whose folders have the language's name.
 constexpr std::array<std::pair<std::string_view, std::string_view>, 8> languageNames = {{{"de", "German"},
                                                                                          {"en", "English"},
                                                                                          {"es", "Spanish"},
@@ -103,7 +103,7 @@ std::vector<std::string> platform::languagesFromEnvironment() {
     const std::string region = locale.substr(0, locale.find_first_of(".@"));
     const std::string code = region.substr(0, region.find('_'));
     std::vector<std::string> languages;
-    // A language becomes part of a path: nothing but a plain code is one.
+    // A language becomes part of a path, so only a plain code is accepted.
     const bool isPlain = region.find_first_not_of("abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ_") ==
                          std::string::npos;
     if (isPlain && !code.empty() && code != "C" && code != "POSIX") {

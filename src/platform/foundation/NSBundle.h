@@ -11,8 +11,8 @@
 /// ("English.lproj/Localizable.strings").
 class NSBundle {
   public:
-    /// `languages` in the order of preference, each the name of a folder less ".lproj"; missing folders are
-    /// passed over. A table that cannot be read is logged with its line and passed over.
+    /// `languages` in the order of preference, each the name of a folder without ".lproj"; missing folders
+    /// are skipped. A table that cannot be read is logged with its line and skipped.
     NSBundle(std::string resourcePath, const std::vector<std::string>& languages);
 
     /// The current host's.
@@ -20,9 +20,9 @@ class NSBundle {
 
     [[nodiscard]] const std::string& resourcePath() const { return resourcePath_; }
 
-    /// The text under `key` in Info.plist; "" when there is none (missing values show as nothing).
+    /// The string under `key` in Info.plist, or "" when there is none.
     [[nodiscard]] std::string objectForInfoDictionaryKey(const std::string& key) const;
-    /// The same with a translation from the language's table "InfoPlist" first.
+    /// The same, but a translation in the language's table "InfoPlist" comes first.
     [[nodiscard]] std::string objectForLocalInfoDictionaryKey(const std::string& key) const;
     /// The text for `key` in the table "Localizable" of the first language that has it; else `key` itself.
     [[nodiscard]] std::string localizedStringForKey(const std::string& key) const;
@@ -34,7 +34,7 @@ class NSBundle {
     platform::StringTable infoPlist_;
 };
 
-/// mainBundle()'s localized text for `key`.
+/// mainBundle()'s localized string for `key`.
 [[nodiscard]] std::string NSLocalizedString(const std::string& key);
 
 namespace platform {

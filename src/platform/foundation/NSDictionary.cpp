@@ -28,7 +28,7 @@ using Limits = std::numeric_limits<std::int32_t>;
 std::int64_t integerIn(plist_t item) {
     std::uint64_t bits = 0;
     plist_get_uint_val(item, &bits);
-    return static_cast<std::int64_t>(bits); // libplist hands a negative number out as its two's complement
+    return static_cast<std::int64_t>(bits); // libplist returns a negative number as its two's complement
 }
 
 double realIn(plist_t item) {
@@ -43,8 +43,8 @@ bool booleanIn(plist_t item) {
     return value != 0;
 }
 
-/// A newer libplist has a call for signed numbers and writes a negative one that comes by the other as a
-/// large one; an older one has the other call only.
+/// A newer libplist has a call for signed numbers; given a negative number through the unsigned call, it
+/// writes a large one. An older libplist has only the unsigned call.
 plist_t newInteger(std::signed_integral auto value) {
     if constexpr (requires { plist_new_int(value); }) {
         return plist_new_int(value);
@@ -82,7 +82,7 @@ std::string textOf(double value) {
     return {digits.data(), end.ptr};
 }
 
-/// Null when the bytes are no property list, or are too many for libplist.
+/// Null when the bytes are not a property list, or are too many for libplist.
 plist_t readAny(std::string_view bytes) {
     plist_t read = nullptr;
     if (bytes.starts_with(binaryMagic)) {
@@ -101,8 +101,8 @@ plist_t readAny(std::string_view bytes) {
     return read;
 }
 
-/// Characters that libplist writes as they are, although a reader of XML would change (a carriage return) or
-/// refuse them, become references. Between the values libplist writes no such character.
+/// Replaces characters that libplist writes unescaped by references, because an XML reader would change
+/// (a carriage return) or refuse them. Between the values libplist writes no such character.
 void appendWithReferences(std::string& text, std::string_view part) {
     for (const char character : part) {
         const auto byte = static_cast<unsigned char>(character);
@@ -114,7 +114,7 @@ void appendWithReferences(std::string& text, std::string_view part) {
     }
 }
 
-/// What libplist writes, mended where another reader would read another value.
+/// libplist's output, corrected where a different reader would read a different value.
 std::string mendedXML(std::string_view xml) {
     constexpr std::string_view date = "<date>"; // never within a string, whose "<" is "&lt;"
     constexpr std::size_t yearDigits = 4;
@@ -133,24 +133,31 @@ std::string mendedXML(std::string_view xml) {
     return text;
 }
 
-std::string shownText(plist_t item) {
+/// The string for a scalar, with the two words for a boolean; none for other types.
+std::optional<std::string> singleText(plist_t item, const char* yes, const char* no) {
     switch (plist_get_node_type(item)) {
     case PLIST_BOOLEAN:
-        return booleanIn(item) ? "true" : "false";
+        return booleanIn(item) ? yes : no;
     case PLIST_UINT:
         return std::to_string(integerIn(item));
     case PLIST_REAL:
         return textOf(realIn(item));
     case PLIST_STRING:
         return textIn(item);
-    default: {
-        char* xml = nullptr;
-        std::uint32_t length = 0;
-        plist_to_xml(item, &xml, &length);
-        const std::unique_ptr<char, decltype(&plist_to_xml_free)> owner(xml, &plist_to_xml_free);
-        return xml == nullptr ? std::string() : std::string(xml, length);
+    default:
+        return std::nullopt;
     }
+}
+
+std::string shownText(plist_t item) {
+    if (const auto text = singleText(item, "true", "false")) {
+        return *text;
     }
+    char* xml = nullptr;
+    std::uint32_t length = 0;
+    plist_to_xml(item, &xml, &length);
+    const std::unique_ptr<char, decltype(&plist_to_xml_free)> owner(xml, &plist_to_xml_free);
+    return xml == nullptr ? std::string() : std::string(xml, length);
 }
 
 void appendValues(plist_t dictionary, const std::string& prefix,
@@ -176,7 +183,7 @@ void appendValues(plist_t dictionary, const std::string& prefix,
 
 } // namespace
 
-/// A dictionary inside a property list, with a share in the ownership of the whole.
+/// A dictionary inside a property list, of which it shares the ownership.
 struct NSMutableDictionary::Node {
     std::shared_ptr<void> root;
     plist_t dictionary;
@@ -185,7 +192,7 @@ struct NSMutableDictionary::Node {
         return plist_dict_get_item(dictionary, key.c_str());
     }
 
-    /// libplist replaces a value where it stands, so the order of the keys stays.
+    /// libplist replaces a value in place, so the order of the keys stays.
     void set(plist_t value, const std::string& key) const {
         plist_dict_set_item(dictionary, key.c_str(), value);
     }
@@ -252,19 +259,7 @@ std::int32_t NSMutableDictionary::intForKey(const std::string& key) const {
 }
 
 std::optional<std::string> NSMutableDictionary::stringForKey(const std::string& key) const {
-    const plist_t item = node_->item(key);
-    switch (plist_get_node_type(item)) {
-    case PLIST_BOOLEAN:
-        return booleanIn(item) ? "1" : "0";
-    case PLIST_UINT:
-        return std::to_string(integerIn(item));
-    case PLIST_REAL:
-        return textOf(realIn(item));
-    case PLIST_STRING:
-        return textIn(item);
-    default:
-        return std::nullopt;
-    }
+    return singleText(node_->item(key), "1", "0");
 }
 
 std::optional<NSMutableDictionary> NSMutableDictionary::dictionaryForKey(const std::string& key) const {
@@ -286,10 +281,10 @@ void NSMutableDictionary::setInt(std::int64_t value, const std::string& key) {
 void NSMutableDictionary::setString(const std::string& value, const std::string& key) {
     const plist_t item = node_->item(key);
     if (plist_get_node_type(item) == PLIST_STRING && textIn(item) == value) {
-        return; // what nobody changes keeps its bytes, whatever they are
+        return; // an unchanged value keeps its bytes, whatever they are
     }
-    // Strict readers refuse a whole list for one character that XML has not, and libplist ends a text at a
-    // NUL.
+    // Strict readers refuse a whole list for one character that XML does not allow, and libplist ends a
+    // string at a NUL.
     node_->set(plist_new_string(stringForXML(value).c_str()), key);
 }
 

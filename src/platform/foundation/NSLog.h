@@ -5,7 +5,7 @@
 #include <string_view>
 
 namespace platform {
-/// Writes a finished text to the system log of the current host.
+/// Writes a finished string to the system log of the current host.
 void logText(std::string_view text);
 } // namespace platform
 

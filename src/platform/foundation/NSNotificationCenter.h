@@ -10,7 +10,7 @@ struct NSNotification {
     const void* object = nullptr; ///< the sender, compared by identity; null for none
 };
 
-/// Hands notifications on to observers, at once and in the order in which the observers were added.
+/// Delivers notifications to observers immediately, in the order in which the observers were added.
 class NSNotificationCenter {
   public:
     using Handler = std::function<void(const NSNotification&)>;
@@ -21,9 +21,9 @@ class NSNotificationCenter {
     /// `handler` is called for every notification named `name` whose object is `object` (null: any object),
     /// until removeObserver is called with the same `observer`, which serves as an identity only.
     void addObserver(const void* observer, Handler handler, std::string name, const void* object);
-    /// Takes away everything that was added for `observer`; nothing when there is none.
+    /// Removes everything that was added for `observer`; nothing when there is none.
     void removeObserver(const void* observer);
-    /// An observer that a handler removes meanwhile is not called any more.
+    /// An observer that a handler removes in the meantime is not called.
     void postNotificationName(const std::string& name, const void* object);
 
   private:
@@ -32,7 +32,7 @@ class NSNotificationCenter {
         Handler handler;
         std::string name;
         const void* object;
-        bool isRemoved = false; ///< taken away while a notification was being handed on
+        bool isRemoved = false; ///< removed while a notification was being delivered
     };
 
     std::vector<std::shared_ptr<Observation>> observations_;

@@ -17,10 +17,10 @@ class NSUserDefaults {
     /// The current host's.
     [[nodiscard]] static NSUserDefaults& standardUserDefaults();
 
-    /// The integer stored under `key` (a text is read by intValue), or none when there is no such key.
+    /// The integer stored under `key` (a string is read by intValue), or none when there is no such key.
     [[nodiscard]] std::optional<std::int32_t> integerForKey(const std::string& key) const;
     /// Stores `value` and writes the file, making its folder. A failure is logged with the file's name and
-    /// the reason; a file that exists and is no property list is left alone.
+    /// the reason; a file that exists and is not a property list is left alone.
     void setInteger(std::int32_t value, const std::string& key);
 
   private:
@@ -28,5 +28,5 @@ class NSUserDefaults {
 
     std::string path_;
     mutable std::optional<NSMutableDictionary> values_; ///< none until something is asked for
-    mutable bool mayWrite_ = true; ///< false when the file holds what is not ours to replace
+    mutable bool mayWrite_ = true; ///< false when the file holds something else that must not be replaced
 };

@@ -41,7 +41,7 @@ class OldStyleReader {
     }
 
   private:
-    static constexpr int deepest = 100; // nested values, so that a hostile file cannot exhaust the stack
+    static constexpr int deepest = 100; // levels of nesting, so that a hostile file cannot exhaust the stack
 
     void skipBlanks() {
         while (true) {
@@ -177,7 +177,7 @@ class OldStyleReader {
         std::uint32_t character = 0;
         const auto [end, error] =
             std::from_chars(digits.data(), digits.data() + digits.size(), character, isUnit ? 16 : 8);
-        // libplist ends a string at a NUL, and half of a surrogate pair is no character.
+        // libplist ends a string at a NUL, and half of a surrogate pair is not a character.
         if (error != std::errc() || character == 0 || (character >= 0xD800 && character <= 0xDFFF)) {
             return false;
         }

@@ -17,7 +17,7 @@ constexpr std::uint32_t firstHighSurrogate = 0xD800;
 constexpr std::uint32_t firstLowSurrogate = 0xDC00;
 constexpr std::uint32_t afterSurrogates = 0xE000;
 
-/// Ends a reading; the reader lets none out.
+/// Ends the reading of a table; never leaves this file.
 struct Fault {
     std::string why;
 };

@@ -9,10 +9,10 @@
 
 namespace platform {
 
-/// The translations of one language: what a user reads by the English text that stands for it.
+/// The translations of one language, by their English originals.
 using StringTable = std::map<std::string, std::string, std::less<>>;
 
-/// Reads the entries `"key" = "value";` with comments (/* */ and //) between their parts. A text may hold
+/// Reads the entries `"key" = "value";` with comments (/* */ and //) between their parts. A string may hold
 /// line breaks and the escapes \" \\ \n \t \r and \U with four hexadecimal digits of UTF-16. Of two entries
 /// with one key the first counts. The reason of a failure names the line and what was expected
 /// there.

@@ -1,8 +1,7 @@
 #pragma once
 
-// The paths that the system has wired in, once for those who ask for them and those who answer. They are
-// names: where a settings file really lies is the host's decision (Paths::map), and the tools are the
-// helper's.
+// The system's fixed paths, for those who send requests and those who serve them. They are names only: the
+// host decides where a settings file really lies (Paths::map), and the helper what a tool is.
 namespace platform::systempath {
 
 inline constexpr const char* smbConf = "/etc/smb.conf";

@@ -6,7 +6,7 @@
 
 namespace platform {
 
-/// The log of a program that people run: standard error, and the system's log for those who look later.
+/// Writes to standard error, for whoever runs the program, and to the system's log.
 class SystemLog : public Log {
   public:
     /// Each entry is one line on standard error, "brindle: " before it.

@@ -11,7 +11,6 @@
 
 #include <cstdlib>
 #include <filesystem>
-#include <stdexcept>
 #include <system_error>
 #include <utility>
 
@@ -45,16 +44,6 @@ class EmbeddedPaths : public Paths {
     std::string resources_;
 };
 
-class EmbeddedDomain : public LocalDomain {
-  public:
-    explicit EmbeddedDomain(std::string file) : file_(std::move(file)) {}
-
-    [[nodiscard]] std::string storeFile() const override { return file_; }
-
-  private:
-    std::string file_;
-};
-
 std::string orDefault(const std::string& given, std::string (*makeDefault)()) {
     return given.empty() ? makeDefault() : given;
 }
@@ -81,10 +70,10 @@ std::string defaultResources() {
                : resources;
 }
 
-Services makeEmbeddedServices(const EmbeddedHostOptions& options) {
+Result<Services> makeEmbeddedServices(const EmbeddedHostOptions& options) {
     const EmbeddedRoot root(orDefault(options.root, &EmbeddedRoot::defaultFolder));
     if (Status status = root.makeIfMissing(); !status.isOk()) {
-        throw std::runtime_error(status.text());
+        return status;
     }
     const std::string home = orDefault(options.home, &homeFolder);
     Services services;
@@ -96,7 +85,7 @@ Services makeEmbeddedServices(const EmbeddedHostOptions& options) {
     services.accountNames = std::make_shared<DirectoryAccounts>(root.storeFile());
     services.processes = std::make_shared<HostProcesses>(
         [folder = root.folder()](const std::string& processId) { return isServerOfRoot(processId, folder); });
-    services.localDomain = std::make_shared<EmbeddedDomain>(root.storeFile());
+    services.localDomain = std::make_shared<StoreDomain>(root.storeFile());
     const auto authority =
         std::make_shared<ConsentAuthority>(orDefault(options.helper, &defaultHelper), root.folder());
     services.authority = authority;

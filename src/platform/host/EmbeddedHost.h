@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/foundation/Services.h"
+#include "platform/posix/Status.h"
 
 #include <memory>
 #include <string>
@@ -18,9 +19,8 @@ struct EmbeddedHostOptions {
 };
 
 /// The services of the embedded host, its root made first when it has no directory yet. The presenter is left
-/// out: the front-end puts its own in place (Host::setPresenter). Throws std::runtime_error, whose text says
-/// what could not be made and what to do, when there can be no root.
-[[nodiscard]] Services makeEmbeddedServices(const EmbeddedHostOptions& options);
+/// out: the front-end puts its own in place (Host::setPresenter). Fails when there can be no root.
+[[nodiscard]] Result<Services> makeEmbeddedServices(const EmbeddedHostOptions& options);
 
 /// The folder with Info.plist and the interface files: $BRINDLE_RESOURCES, else ../share/brindle beside the
 /// folder of the running program.

@@ -35,8 +35,8 @@ std::string readAll(std::FILE* stream) {
 } // namespace
 
 std::FILE* HostProcesses::open(const std::string& command, const char* mode) {
-    // What a terminal exports for its own ps would cut the names off that a listing looks for, or move its
-    // columns.
+    // Variables that a terminal exports for ps would truncate the names that a listing searches for, or move
+    // its columns.
     const std::string plain = "unset COLUMNS PS_FORMAT PS_PERSONALITY; " + command;
     std::FILE* pipe = ::popen(plain.c_str(), mode);
     if (pipe == nullptr) {

@@ -22,7 +22,7 @@ class HostProcesses : public Processes {
 
   private:
     std::function<bool(const std::string&)> maySignal_;
-    std::map<std::FILE*, int> statuses_; ///< of the commands behind the open streams
+    std::map<std::FILE*, int> statuses_; ///< of the commands whose streams are open
 };
 
 /// Whether a process is a file server that was started with the configuration of the root at `rootFolder`, or

@@ -4,6 +4,7 @@
 
 #include <optional>
 #include <string>
+#include <utility>
 
 namespace platform {
 
@@ -17,6 +18,17 @@ class LocalDomain {
     /// The files whose lines are the domain's users and groups; none where all of them are in the store. With
     /// such files the store may be missing: it then holds nothing but the records that always exist.
     [[nodiscard]] virtual std::optional<AccountFiles> accountFiles() const { return std::nullopt; }
+};
+
+/// A domain that is one store and nothing else.
+class StoreDomain : public LocalDomain {
+  public:
+    explicit StoreDomain(std::string file) : file_(std::move(file)) {}
+
+    [[nodiscard]] std::string storeFile() const override { return file_; }
+
+  private:
+    std::string file_;
 };
 
 } // namespace platform

@@ -15,7 +15,7 @@ std::string_view TextArena::keep(std::string_view text) {
         end_ = chunks_.back().get() + size;
     }
     char* place = end_ - free_;
-    std::ranges::copy(text, place); // an empty text may have no place of its own
+    std::ranges::copy(text, place); // an empty string may have no data
     free_ -= text.size();
     return {place, text.size()};
 }

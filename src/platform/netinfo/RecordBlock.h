@@ -11,7 +11,7 @@ struct sqlite3;
 
 namespace platform {
 
-/// Keeps many short texts in few pieces of memory. The views it hands out live as long as it does.
+/// Keeps many short strings in a few blocks of memory. The views that it returns live as long as it does.
 class TextArena {
   public:
     [[nodiscard]] std::string_view keep(std::string_view text);
@@ -25,9 +25,9 @@ class TextArena {
 };
 
 /// Records read from a store in one pass over it, with all their properties and values in stored order.
-/// Asking for a directory's records one at a time would be a query each; a report of a large directory asks
-/// for all of them anyway. A record's content is taken apart when it is asked for, one record at a time, so
-/// that a large directory takes little more memory than its texts.
+/// Reading records one at a time would take a query each, and a report of a large directory needs them all. A
+/// record's content is unpacked on request, one record at a time, so that a large directory takes little more
+/// memory than its strings.
 class RecordBlock {
   public:
     struct Property {
@@ -41,7 +41,7 @@ class RecordBlock {
         std::string_view content;
     };
 
-    /// The records below `parent`. On failure the answer is empty and `*error` is SQLite's code.
+    /// The records below `parent`. On failure the result is empty and `*error` is SQLite's code.
     [[nodiscard]] static RecordBlock children(sqlite3* database, std::int64_t parent, int* error);
     /// The one record `id`; no record when there is none.
     [[nodiscard]] static RecordBlock single(sqlite3* database, std::int64_t id, int* error);
@@ -52,7 +52,7 @@ class RecordBlock {
     /// In the order in which they were made.
     [[nodiscard]] const std::vector<Record>& records() const { return records_; }
 
-    /// The record `id`, or null. Records that are asked for in their order are found at once.
+    /// The record `id`, or null. Finding records in their order is fast.
     [[nodiscard]] const Record* find(std::int64_t id) const;
 
     // What follows takes one of the records above. Spans and pointers last until another record is asked for,
@@ -64,21 +64,21 @@ class RecordBlock {
     /// The record's first property of that name, or null.
     [[nodiscard]] const Property* property(const Record& record, std::string_view name) const;
 
-    /// The values of a property of the record that was asked for last.
+    /// The values of a property of the record that was last asked for.
     [[nodiscard]] std::span<const std::string_view> values(const Property& property) const {
         return std::span(values_).subspan(property.firstValue, property.valueCount);
     }
 
   private:
-    /// `statement` answers the id and the content of each record.
+    /// Each row of `statement` is a record's id and content.
     [[nodiscard]] static RecordBlock read(sqlite3* database, std::string_view statement, std::int64_t key,
                                           int* error);
     void takeApart(const Record& record) const;
 
     TextArena arena_;
     std::vector<Record> records_;
-    mutable std::size_t next_ = 0; ///< where the next record asked for probably is
-    // The record that was asked for last.
+    mutable std::size_t next_ = 0; ///< where the next record is expected
+    // The record that was last asked for.
     mutable const char* takenApart_ = nullptr; ///< where its content begins
     mutable bool isWhole_ = false;
     mutable std::vector<Property> properties_;

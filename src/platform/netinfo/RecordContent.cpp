@@ -49,7 +49,7 @@ bool ContentReader::fail() {
 }
 
 bool ContentReader::number(std::size_t* number) {
-    constexpr unsigned most = 4 * bitsPerByte; // longer numbers than a content can have bytes are damage
+    constexpr unsigned most = 4 * bitsPerByte; // a number larger than any content is damage
     *number = 0;
     std::size_t length = 0;
     for (unsigned shift = 0; shift <= most && length < rest_.size(); shift += bitsPerByte) {
@@ -80,7 +80,7 @@ bool ContentReader::nextProperty(std::string_view* name, std::size_t* valueCount
     if (rest_.empty() || !text(name) || !number(valueCount)) {
         return false;
     }
-    return *valueCount <= rest_.size() || fail(); // each value has a byte at least
+    return *valueCount <= rest_.size() || fail(); // each value has at least one byte
 }
 
 bool unpackContent(std::string_view content, std::vector<StoredProperty>* properties) {

@@ -21,7 +21,7 @@ struct StoredProperty {
 
 [[nodiscard]] std::string packedContent(std::span<const StoredProperty> properties);
 
-/// Packs properties one after another, without keeping them.
+/// Packs properties one after another.
 class ContentWriter {
   public:
     /// Begins a property, of which `valueCount` values follow.
@@ -43,7 +43,7 @@ class ContentWriter {
     std::string content_;
 };
 
-/// Reads a record's content from its beginning. The texts are views into it.
+/// Reads a record's content from its beginning. The strings are views into it.
 class ContentReader {
   public:
     explicit ContentReader(std::string_view content) : rest_(content) {}
@@ -54,7 +54,7 @@ class ContentReader {
     /// False when the content is damaged. Asked `valueCount` times for each property.
     [[nodiscard]] bool nextValue(std::string_view* value) { return text(value); }
 
-    /// The content does not hold what its numbers promise. Nothing more is read then.
+    /// The content is shorter than its numbers say. Nothing more is read then.
     [[nodiscard]] bool damaged() const { return damaged_; }
 
   private:
@@ -66,7 +66,7 @@ class ContentReader {
     bool damaged_ = false;
 };
 
-/// All of it as values of their own; false when it is damaged.
+/// All of it as copies; false when it is damaged.
 [[nodiscard]] bool unpackContent(std::string_view content, std::vector<StoredProperty>* properties);
 
 } // namespace platform

@@ -14,7 +14,7 @@ SqliteStatement& SqliteStatement::bind(int parameter, std::int64_t number) {
 
 SqliteStatement& SqliteStatement::bind(int parameter, std::string_view text) {
     if (error_ == SQLITE_OK) {
-        // An empty view may have no data, which SQLite would take for NULL.
+        // An empty view may have a null pointer, which SQLite would take for NULL.
         const char* bytes = text.empty() ? "" : text.data();
         error_ = sqlite3_bind_text64(statement_, parameter, bytes, text.size(), SQLITE_STATIC, SQLITE_UTF8);
     }

@@ -2,7 +2,7 @@
 
 namespace platform {
 
-// What the reader and the writer of a store share: its marks and its layout.
+// What readers and writers of a store share: its marks and its layout.
 
 /// Marks an SQLite file as a directory's store (the bytes "BrDi").
 inline constexpr int storeApplicationId = 0x42724469;
@@ -12,7 +12,7 @@ inline constexpr int storeVersion = 2;
 inline constexpr int storeVersionOfRows = 1;
 
 /// A record's place in paths is its parent and name; its `name` property holds the same name. Ids grow and
-/// are never given twice, so that id order is the order of creation. `content` holds the properties
+/// are never reused, so that id order is the order of creation. `content` holds the properties
 /// (RecordContent.h).
 inline constexpr const char* storeSchema = R"(
 CREATE TABLE record (

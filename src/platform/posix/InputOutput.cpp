@@ -65,7 +65,8 @@ Result<std::string> readAll(int descriptor, const std::string& name, std::size_t
     struct stat status {};
 
     if (::fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode)) {
-        bytes.reserve(static_cast<std::size_t>(status.st_size)); // a long file is not copied as it grows
+        bytes.reserve(static_cast<std::size_t>(
+            status.st_size)); // so that a long file is not copied as the string grows
     }
     std::array<char, 65536> buffer{};
     while (true) {
@@ -81,7 +82,7 @@ Result<std::string> readAll(int descriptor, const std::string& name, std::size_t
 }
 
 Result<std::string> readWholeFile(const std::string& path) {
-    // Without O_NONBLOCK a pipe would be waited for until somebody writes to it.
+    // Without O_NONBLOCK, opening a pipe would wait until somebody writes to it.
     const FileDescriptor file(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
 
     struct stat status {};

@@ -21,12 +21,13 @@ struct Pipe {
 inline constexpr std::size_t noLimit = static_cast<std::size_t>(-1);
 
 /// Everything that can be read from `descriptor` to its end. `name` is the file or program that a failure is
-/// about. With a limit (in bytes), more than that is a failure, and the room for it is taken first: bytes do
-/// not move as they come in, so that a secret leaves no copies behind. The descriptor stays the caller's.
+/// about. With a limit (in bytes), more than that is a failure. The memory for it is reserved first, so that
+/// the bytes do not move while they are read and a secret leaves no copies. The descriptor stays the
+/// caller's.
 [[nodiscard]] Result<std::string> readAll(int descriptor, const std::string& name,
                                           std::size_t limit = noLimit);
 
-/// What is larger is no settings file, and reading it would take all memory. In bytes.
+/// In bytes. A larger file is not a settings file, and reading it could exhaust the memory.
 inline constexpr std::size_t largestWholeFile = std::size_t{64} << 20;
 
 /// The bytes of the file at `path`, links followed. systemError() is ENOENT for a missing one, EFBIG for one

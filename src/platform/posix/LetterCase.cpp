@@ -10,7 +10,8 @@
 namespace platform {
 
 std::string lowercased(std::string_view text) {
-    // Whatever language the user has chosen; where the system lacks it, "C" knows the ASCII letters.
+    // Independent of the user's language. Where the system lacks this locale, "C" still knows the ASCII
+    // letters.
     static const locale_t named = ::newlocale(LC_CTYPE_MASK, "C.UTF-8", nullptr);
     static const locale_t letters = named != nullptr ? named : ::newlocale(LC_CTYPE_MASK, "C", nullptr);
     std::string small;

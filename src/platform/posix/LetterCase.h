@@ -5,8 +5,8 @@
 
 namespace platform {
 
-/// The text with each capital letter of any script as its small one, character by character. Bytes that are
-/// no UTF-8 stay.
+/// The string with each capital letter of any script replaced by its small letter, character by character.
+/// Bytes that are no UTF-8 stay.
 [[nodiscard]] std::string lowercased(std::string_view text);
 
 } // namespace platform

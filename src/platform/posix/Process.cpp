@@ -21,7 +21,7 @@ namespace {
 
 using std::chrono::steady_clock;
 
-/// posix_spawn's list of what happens to descriptors in the child.
+/// posix_spawn's list of actions on descriptors in the child.
 class SpawnActions {
   public:
     SpawnActions() { error_ = ::posix_spawn_file_actions_init(&actions_); }
@@ -39,7 +39,7 @@ class SpawnActions {
         note(::posix_spawn_file_actions_addopen(&actions_, target, "/dev/null", O_WRONLY, 0));
     }
 
-    /// The first failure of all, an errno; 0 when there was none.
+    /// The errno of the first failure; 0 when there was none.
     [[nodiscard]] int error() const { return error_; }
 
     [[nodiscard]] const posix_spawn_file_actions_t* get() const { return &actions_; }
@@ -72,7 +72,7 @@ bool isTransient(int error) {
     return error == EINTR || error == EAGAIN;
 }
 
-/// Reads what has come in; closes the descriptor at its end.
+/// Reads what is available; closes the descriptor at its end.
 void readReady(FileDescriptor& from, std::string& into) {
     std::array<char, 16384> buffer{};
     const ssize_t count = ::read(from.get(), buffer.data(), buffer.size());
@@ -83,7 +83,7 @@ void readReady(FileDescriptor& from, std::string& into) {
     }
 }
 
-/// Writes what there is room for; closes the descriptor after the last byte, or when nobody reads it.
+/// Writes as much as fits; closes the descriptor after the last byte, or when nobody reads it.
 void writeReady(FileDescriptor& to, std::string_view& bytes) {
     const ssize_t count = ::write(to.get(), bytes.data(), bytes.size());
     bytes.remove_prefix(static_cast<std::size_t>(std::max<ssize_t>(count, 0)));
@@ -105,7 +105,7 @@ int pollTime(std::optional<steady_clock::time_point> deadline) {
 /// when the deadline comes first.
 bool converse(ChildProcess& child, std::string_view input, FinishedProcess& finished,
               std::optional<steady_clock::time_point> deadline) {
-    // Not open where the system has no such thing: then a child that has closed its outputs is waited for
+    // Not open on a system without pidfd_open: a child that has closed its outputs is then waited for
     // without a limit.
     FileDescriptor end = openProcess(child.id);
     ::fcntl(child.input.get(), F_SETFL, O_NONBLOCK);
@@ -113,7 +113,7 @@ bool converse(ChildProcess& child, std::string_view input, FinishedProcess& fini
         child.input.reset();
     }
     while (child.output.isOpen() || child.errors.isOpen() || end.isOpen()) {
-        // poll passes over a descriptor of -1.
+        // poll skips a descriptor of -1.
         std::array<pollfd, 4> waiting = {{{child.output.get(), POLLIN, 0},
                                           {child.errors.get(), POLLIN, 0},
                                           {child.input.get(), POLLOUT, 0},
@@ -178,7 +178,7 @@ Result<ChildProcess> startProcess(const Command& command) {
     actions.become(input->readEnd.get(), STDIN_FILENO);
     actions.become(output->writeEnd.get(), STDOUT_FILENO);
     redirectErrors(actions, command.errors, *output, *errors);
-    // posix_spawn wants texts that it could change.
+    // posix_spawn takes pointers to non-const strings.
     std::vector<std::string> words = command.words;
     std::vector<std::string> environment = command.environment;
     ChildProcess child;
@@ -222,7 +222,7 @@ Result<FinishedProcess> runProcess(const Command& command, std::string_view inpu
     if (!converse(*child, input, finished, deadline)) {
         const int error = errno;
         ::kill(child->id, SIGKILL);
-        static_cast<void>(waitForProcess(child->id)); // the failure is known already
+        static_cast<void>(waitForProcess(child->id)); // the failure is already known
         return Status::ofErrno("cannot wait for", command.words.front(), error);
     }
     const auto status = waitForProcess(child->id);

@@ -17,23 +17,23 @@ namespace platform {
 /// This process's environment, each "NAME=VALUE".
 [[nodiscard]] std::vector<std::string> currentEnvironment();
 
-/// What becomes of what a program writes to its standard error.
+/// Where a program's standard error goes.
 enum class ErrorOutput {
-    Inherited,  ///< it goes where this program's goes
-    Discarded,  ///< nobody reads it
-    WithOutput, ///< it is part of the program's output
-    Apart       ///< it is read by itself
+    Inherited,  ///< to this program's standard error
+    Discarded,  ///< nowhere
+    WithOutput, ///< into the program's output
+    Apart       ///< read separately
 };
 
 /// A program to start.
 struct Command {
     std::vector<std::string> words; ///< the program's path, then its arguments
     ErrorOutput errors = ErrorOutput::Discarded;
-    /// All that the program finds in its environment.
+    /// The program's whole environment.
     std::vector<std::string> environment = currentEnvironment();
 };
 
-/// A started program. Whoever holds it collects it with waitForProcess.
+/// A started program. Its owner must collect it with waitForProcess.
 struct ChildProcess {
     pid_t id = 0;
     FileDescriptor input;  ///< to its standard input
@@ -41,9 +41,8 @@ struct ChildProcess {
     FileDescriptor errors; ///< from its standard error with ErrorOutput::Apart, else closed
 };
 
-/// Ignores SIGPIPE while it lives, so that writing to a program that has ended is an error and not the end of
-/// this one. A program that is started meanwhile ignores it too: it finishes its work when nobody reads what
-/// it says.
+/// Ignores SIGPIPE while it lives, so that writing to a program that has ended fails instead of killing this
+/// one. A program started meanwhile ignores it too, and so finishes its work even if nobody reads its output.
 class IgnoredBrokenPipe {
   public:
     IgnoredBrokenPipe();
@@ -73,17 +72,18 @@ struct FinishedProcess {
     std::string errors; ///< with ErrorOutput::Apart
 };
 
-/// Runs a program to its end. `input` is all that its standard input holds; a program that does not read it
-/// is no failure. Fails when the program cannot be started, and when it has not ended within `timeLimit`: it
-/// is killed then. Programs that it started itself are not.
+/// Runs a program to its end. `input` is the whole of its standard input; it is no failure if the program
+/// does not read it. Fails when the program cannot be started or has not ended within `timeLimit`. It is then
+/// killed, but not the programs that it started itself.
 [[nodiscard]] Result<FinishedProcess>
 runProcess(const Command& command, std::string_view input = {},
            std::optional<std::chrono::milliseconds> timeLimit = std::nullopt);
 
-/// The texts as execve(2) takes them: pointers into `texts`, which must outlive them, and a null at the end.
+/// The strings as execve(2) takes them: pointers into `texts`, which must outlive them, and a null at the
+/// end.
 [[nodiscard]] std::vector<char*> nullTerminated(std::vector<std::string>& texts);
 
-/// The last line of what a program said that is not empty; empty when there is none.
+/// The last line of a program's output that is not empty; empty when there is none.
 [[nodiscard]] std::string lastLineOf(std::string_view text);
 
 } // namespace platform

@@ -8,16 +8,16 @@
 
 namespace platform {
 
-// The computer's processes as /proc shows them. A process may end at any time: what is asked about one that
-// is gone is empty.
+// The computer's processes as /proc shows them. A process may end at any time; everything about one that has
+// ended is empty.
 
 [[nodiscard]] std::vector<pid_t> processIds();
 
-/// The words that it was started with, or calls itself by now.
+/// Its command line, which the process may have changed since it was started.
 [[nodiscard]] std::vector<std::string> commandLineOf(pid_t process);
 /// The name of the program, cut to 15 bytes by the system.
 [[nodiscard]] std::string programNameOf(pid_t process);
-/// The first number of a line of /proc/PID/status: "PPid" its parent, "Uid" the user whose it is.
+/// The first number of a line of /proc/PID/status: "PPid" is its parent, "Uid" its owner.
 [[nodiscard]] std::string statusNumberOf(pid_t process, std::string_view line);
 
 /// Whether it belongs to a container below this system, where it has a number of its own.

@@ -7,12 +7,12 @@
 
 namespace platform {
 
-/// Overwrites bytes that held a password, in a way that the compiler keeps.
+/// Overwrites bytes that held a password, in a way that the compiler does not optimise away.
 inline void wipe(std::span<char> secret) {
     ::explicit_bzero(secret.data(), secret.size());
 }
 
-/// The same, and empties the text. One that has grown has left copies behind: reserve its room first.
+/// The same, and empties the string. A string that grew has left copies in memory: reserve its size first.
 inline void wipe(std::string& secret) {
     wipe(std::span(secret));
     secret.clear();

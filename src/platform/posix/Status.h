@@ -7,12 +7,12 @@
 
 namespace platform {
 
-/// How an operation ended that can fail in ordinary ways: well, or what failed, on what, and why. The one
-/// form in which our own code reports such failures; codes that the system itself defines (OSStatus,
-/// writeSMBConfFile's) stay beside it.
+/// The outcome of an operation that can fail in ordinary ways: success, or what failed, on what, and why. All
+/// of our own code reports failures in this form; codes that the system itself defines (OSStatus,
+/// writeSMBConfFile's) are kept.
 class [[nodiscard]] Status {
   public:
-    /// It went well.
+    /// Success.
     Status() = default;
 
     /// `what` is a verb phrase ("cannot write"), `on` the file, record or program that it is about (may be
@@ -23,9 +23,9 @@ class [[nodiscard]] Status {
 
     [[nodiscard]] bool isOk() const { return !failure_; }
 
-    /// "cannot write /etc/smb.conf: No space left on device". Empty when all went well.
+    /// "cannot write /etc/smb.conf: No space left on device". Empty for success.
     [[nodiscard]] std::string text() const;
-    /// The reason alone. Empty when all went well.
+    /// The reason alone. Empty for success.
     [[nodiscard]] std::string_view why() const;
 
     /// errno's value when a system call failed, else 0.
@@ -46,7 +46,7 @@ class [[nodiscard]] Status {
 template <class T>
 class [[nodiscard]] Result {
   public:
-    // Both are meant to be returned as they are.
+    // Implicit, so that both can be returned as they are.
     Result(T value) : value_(std::move(value)) {} // NOLINT(google-explicit-constructor)
 
     Result(Status failure) : status_(std::move(failure)) {} // NOLINT(google-explicit-constructor)

@@ -8,10 +8,10 @@
 namespace platform {
 
 // utfcpp reads and writes UTF-8 (utf8::is_valid, utf8::append). What it leaves open: a text may hold bytes
-// that are no UTF-8, which count as characters and pass through.
+// that are not UTF-8, which count as characters and pass through.
 
 /// The character of `text` at the byte `offset`, which must lie inside the text and is moved past it. A byte
-/// that is no UTF-8 is returned as U+FFFD, and passed alone.
+/// that is not UTF-8 is returned as U+FFFD, and passed alone.
 [[nodiscard]] inline char32_t nextCharacter(std::string_view text, std::size_t& offset) {
     constexpr char32_t replacement = 0xFFFD;
     constexpr std::size_t longest = 4;

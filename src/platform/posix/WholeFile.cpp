@@ -33,15 +33,15 @@ Result<fs::path> followLinks(fs::path path) {
         std::error_code error;
         const fs::path destination = fs::read_symlink(path, error);
         if (error) {
-            return path; // no link, or nothing there
+            return path; // not a link, or missing
         }
         path = path.parent_path() / destination; // an absolute destination stands for itself
     }
     return Status::ofErrno(cannotWrite, path, ELOOP);
 }
 
-/// Whether the caller is the only one who has the lock of a temporary file. A file system without locks says
-/// no to all.
+/// Whether the caller is the only one who has the lock of a temporary file. False on a file system without
+/// locks.
 bool lock(int file) {
     return ::flock(file, LOCK_EX | LOCK_NB) == 0;
 }
@@ -137,7 +137,7 @@ Result<WaitingFile> WaitingFile::write(const FilePlace& place, const std::string
                                        mode_t mode) {
     sweep(place.folder());
     WaitingFile file(place, name);
-    // Nobody else reads the text before it has the rights of the file that it replaces.
+    // Nobody else may read the text before it has the rights of the file that it replaces.
     Status status = file.create(like ? 0600 : mode);
     if (status.isOk()) {
         status = file.fill(bytes, like);
@@ -178,7 +178,7 @@ Status WaitingFile::fill(std::string_view bytes, const std::optional<struct stat
     if (!status.isOk()) {
         return status;
     }
-    // The owner before the mode: changing it may take bits of the mode away.
+    // The owner before the mode, because changing the owner may clear bits of the mode.
     if ((like && ::fchown(file_.get(), like->st_uid, like->st_gid) != 0) ||
         (like && ::fchmod(file_.get(), like->st_mode & 07777U) != 0) || ::fsync(file_.get()) != 0) {
         return failure(errno);

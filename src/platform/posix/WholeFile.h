@@ -23,7 +23,7 @@ enum class LinkRule {
 
 /// The rules under which a file is written.
 struct WholeFileRules {
-    mode_t mode = 0644; ///< of a new file; the process's umask takes bits away
+    mode_t mode = 0644; ///< of a new file, before the process's umask
     LinkRule links = LinkRule::Replace;
     /// The new file takes the owner, group and mode of the one that it replaces, which must be a regular
     /// file.

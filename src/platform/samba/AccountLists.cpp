@@ -11,7 +11,7 @@ namespace platform {
 
 namespace {
 
-/// What a field of a list cannot hold becomes a blank: it is shown to people only.
+/// Characters that a field cannot hold become blanks: the field is only shown to people.
 std::string field(std::string_view text) {
     std::string answer(text);
     for (char& character : answer) {

@@ -50,7 +50,7 @@ std::vector<std::string> serverArguments(const std::string& program, const Samba
                                          int port) {
     std::vector<std::string> arguments{
         program, "-F", "--no-process-group", "-s", accounts.configurationFile(), "--debug-stdout"};
-    // smbd hands this on to its daemons, which log before they have read where to.
+    // smbd passes this on to its daemons, which log before they have read their configuration.
     arguments.push_back("--log-basename=" + accounts.logFolder());
     for (std::string& option : accounts.privateOptions()) {
         arguments.push_back(std::move(option));

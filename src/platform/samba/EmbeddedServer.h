@@ -25,7 +25,7 @@ class EmbeddedServer {
     /// what to do, when Samba or libnss-wrapper is not installed, the root's server runs already, the port is
     /// taken, the root cannot be written, or smbd ends with a complaint of its own.
     [[nodiscard]] Status start(int port);
-    /// Ends smbd with all that it has started. Nothing when it does not run.
+    /// Ends smbd and all that it has started. Does nothing when it is not running.
     void stop();
 
     /// 0 when it does not run.

@@ -10,9 +10,9 @@
 
 namespace platform {
 
-/// A server, and a process between it and this one that keeps it: when this process ends, however it ends, or
-/// calls stop(), the keeper ends the server and every process that the server has started, those in sessions
-/// of their own too. The keeper ends with the server.
+/// A server and its keeper, a process between the server and this one. When this process ends in any way, or
+/// calls stop(), the keeper ends the server and every process that the server has started, including those in
+/// sessions of their own. The keeper ends with the server.
 class ServerKeeper {
   public:
     ServerKeeper() = default;
@@ -37,7 +37,7 @@ class ServerKeeper {
     [[nodiscard]] pid_t serverId() const { return server_; }
 
   private:
-    FileDescriptor lifeline_; ///< the keeper waits for its end
+    FileDescriptor lifeline_; ///< the keeper waits for it to be closed
     pid_t keeper_ = 0;
     pid_t server_ = 0;
 };

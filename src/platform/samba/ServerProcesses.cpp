@@ -53,7 +53,7 @@ std::string programIn(const std::vector<std::string>& words) {
     return words.empty() ? std::string() : fs::path(words.front()).filename().string();
 }
 
-/// The command line can be read whoever the process belongs to.
+/// The command line can be read whoever owns the process.
 bool isOwn(pid_t process) {
     return statusNumberOf(process, "Uid") == std::to_string(::getuid());
 }

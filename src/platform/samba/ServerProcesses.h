@@ -8,7 +8,7 @@ namespace platform {
 
 /// Whether `process` is this user's smbd that was started with the configuration `file`.
 [[nodiscard]] bool isServerWith(pid_t process, const std::string& file);
-/// The same of any of Samba's daemons: those that smbd starts live in sessions of their own and outlast it.
+/// The same for any of Samba's daemons: those that smbd starts live in sessions of their own and outlast it.
 [[nodiscard]] bool isDaemonWith(pid_t process, const std::string& file);
 
 /// Whether `process` serves this computer: it is root's smbd or AppleFileServer, of this computer and no

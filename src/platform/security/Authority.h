@@ -14,14 +14,14 @@ class AuthorizationSession {
     virtual ~AuthorizationSession() = default;
 };
 
-/// Who decides on administrator rights and starts tools with them: sudo, the user's consent, or a test.
+/// Decides on administrator rights and starts tools with them: sudo, the user's consent, or a test.
 class Authority {
   public:
     virtual ~Authority() = default;
 
     /// A new session, or null with `*status` set to an error.
     [[nodiscard]] virtual std::unique_ptr<AuthorizationSession> createSession(OSStatus* status) = 0;
-    /// Grants `rights` or answers an error. Only with kAuthorizationFlagInteractionAllowed may the user be
+    /// Grants `rights` or returns an error. Only with kAuthorizationFlagInteractionAllowed may the user be
     /// asked (through the presenter's administrator dialog).
     [[nodiscard]] virtual OSStatus copyRights(AuthorizationSession& session,
                                               const AuthorizationRights& rights,
@@ -29,7 +29,7 @@ class Authority {
     /// The session ends and its rights with it. The session is destroyed afterwards.
     virtual void destroyRights(AuthorizationSession& session) = 0;
     /// Starts `tool`. On success `*output` (when not null) is a descriptor, owned by the caller, from which
-    /// the tool's standard output is read. Answers whether the tool was started, not what became of it.
+    /// the tool's standard output is read. Returns whether the tool was started, not how it ended.
     [[nodiscard]] virtual OSStatus execute(AuthorizationSession& session, const std::string& tool,
                                            std::span<const std::string> arguments, int* output) = 0;
 

@@ -13,8 +13,8 @@
 
 namespace {
 
-/// What stands behind a run's stream: the tool's output as it comes, kept for the presenter as well, who
-/// hears of it once the caller has read to the end.
+/// The source of a run's stream: the tool's output as it arrives, also kept for the presenter, who is told of
+/// it once the caller has read to the end.
 class ToolOutput {
   public:
     explicit ToolOutput(int descriptor) : descriptor_(descriptor) {}
@@ -62,7 +62,7 @@ class ToolOutput {
     std::string seen_;
 };
 
-/// `arguments` as they may be shown.
+/// `arguments` with the secret one masked.
 std::vector<std::string> shownArguments(std::span<const std::string> arguments,
                                         std::optional<std::size_t> secretArgument) {
     std::vector<std::string> shown;

@@ -27,7 +27,7 @@ OSStatus AuthorizationFreeItemSet(AuthorizationItemSet* set);
 /// Ends the session; with kAuthorizationFlagDestroyRights its rights go with it.
 OSStatus AuthorizationFree(AuthorizationRef authorization, AuthorizationFlags flags);
 /// Starts `tool` as root (on the embedded host: as the user) with `arguments`. On success `*stream` (when
-/// `stream` is not null) is the tool's standard output, to be closed with fclose. The answer says only
+/// `stream` is not null) is the tool's standard output, to be closed with fclose. The result says only
 /// whether the tool started. The presenter is told before the start, and of the output when the stream's end
 /// has been read. `secretArgument` is the index of an argument that must not be shown; the presenter gets
 /// "********" in its place.

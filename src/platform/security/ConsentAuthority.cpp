@@ -19,7 +19,7 @@ class ConsentSession : public AuthorizationSession {
             return false;
         }
         const double age = Host::current().clock().now() - *lastUse_;
-        return age >= 0 && age <= ConsentAuthority::consentSeconds; // a clock that was put back ends it too
+        return age >= 0 && age <= ConsentAuthority::consentSeconds; // a clock that was set back ends it too
     }
 
     void use() { lastUse_ = Host::current().clock().now(); }
@@ -55,7 +55,7 @@ OSStatus ConsentAuthority::copyRights(AuthorizationSession& session, const Autho
     if ((flags & kAuthorizationFlagInteractionAllowed) == 0) {
         return errAuthorizationInteractionNotAllowed;
     }
-    settle(); // nobody else should wait for the answer
+    settle(); // nobody else should wait for the user
     if (!Host::current().presenter().runAdministratorDialog({})) {
         return errAuthorizationCanceled;
     }

@@ -41,7 +41,7 @@ OSStatus HelperLauncher::run(const std::string& tool, std::span<const std::strin
     }
     running_.push_back(child->id);
     if (start != HelperStart::Started) {
-        // A helper that comes round later must do nothing. One behind sudo cannot be killed from here, but
+        // A helper that starts later must do nothing. One started by sudo cannot be killed from here, but it
         // finds nobody to tell that it has started, and gives up.
         ::kill(child->id, SIGKILL);
         return errAuthorizationToolExecuteFailure;
@@ -50,7 +50,7 @@ OSStatus HelperLauncher::run(const std::string& tool, std::span<const std::strin
         *output = child->output.release();
     } else {
         // To the end, as a caller with a stream would read: what the tool was to do is done when this
-        // returns. Nobody wants to know what it wrote.
+        // returns. Its output is not needed.
         static_cast<void>(readAll(child->output.get(), tool));
     }
     return errAuthorizationSuccess;

@@ -22,8 +22,8 @@ class HelperLauncher {
     /// another.
     static constexpr int notStartedStatus = 125;
 
-    /// `command` is the helper's path with its options, or sudo's in front of these. `patience` is how long a
-    /// helper may take to start.
+    /// `command` is the helper's path with its options, with sudo's before them where it is needed.
+    /// `patience` is how long a helper may take to start.
     explicit HelperLauncher(std::vector<std::string> command,
                             std::chrono::milliseconds patience = std::chrono::seconds(30));
     ~HelperLauncher();
@@ -31,7 +31,7 @@ class HelperLauncher {
     HelperLauncher& operator=(const HelperLauncher&) = delete;
 
     /// Starts `tool` and waits until it has started. On success `*output` (when not null) is a descriptor for
-    /// the tool's standard output, owned by the caller; without it the output goes nowhere, and this answers
+    /// the tool's standard output, owned by the caller; without it the output goes nowhere, and this returns
     /// when the tool has ended. errAuthorizationDenied when the program in front of the helper refused;
     /// errAuthorizationToolExecuteFailure when the helper could not be started, refused the tool, said
     /// anything else first, or took too long.

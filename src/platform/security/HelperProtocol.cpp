@@ -79,7 +79,7 @@ std::optional<std::string> helperRequest(const std::string& tool, std::span<cons
         return std::nullopt;
     }
     std::string request;
-    request.reserve(reserved + size); // a text that grows would leave copies of a password behind
+    request.reserve(reserved + size); // a string that grows would leave copies of a password in memory
     request.append(reserved, '\0').append(tool).push_back('\0');
     for (const std::string& argument : arguments) {
         request.append(argument).push_back('\0');
@@ -98,7 +98,7 @@ HelperStart handOver(ChildProcess& helper, std::string_view request, HelperInput
     while (true) {
         const auto left =
             std::chrono::ceil<std::chrono::milliseconds>(deadline - std::chrono::steady_clock::now());
-        // poll passes a descriptor of -1 over: everything is written.
+        // poll skips a descriptor of -1: everything is written.
         const int writing = request.empty() ? -1 : helper.input.get();
         std::array<pollfd, 2> waiting = {{{helper.output.get(), POLLIN, 0}, {writing, POLLOUT, 0}}};
         const int ready =

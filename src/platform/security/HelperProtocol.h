@@ -15,7 +15,7 @@ namespace platform {
 // What Brindle and its helper say to each other. A request is the tool's path and its arguments, each ended
 // by a NUL. A helper that serves one request reads it up to the end of its input. One that serves a session
 // reads frames: a length of four bytes, the highest first, and that many bytes, which are a request; an empty
-// frame asks for the commit of what the directory's tools have changed since the last one. It answers each
+// frame asks for the commit of what the directory's tools have changed since the last one. It replies to each
 // frame before it reads the next: one byte that it has started, a frame with what the tool wrote, and one
 // byte for the exit status; or one byte alone where it refuses.
 
@@ -36,7 +36,7 @@ inline constexpr std::size_t frameHeaderSize = 4;
 /// The length that such a header, frameHeaderSize bytes, holds.
 [[nodiscard]] std::size_t frameSize(std::string_view header);
 
-/// The request as the helper reads it, behind `reserved` bytes that are left for a header. None when it is
+/// The request as the helper reads it, after `reserved` bytes that are left for a header. None when it is
 /// too large, or when a NUL in a word would cut it in two. May hold a password: wipe it.
 [[nodiscard]] std::optional<std::string>
 helperRequest(const std::string& tool, std::span<const std::string> arguments, std::size_t reserved = 0);
@@ -44,7 +44,7 @@ helperRequest(const std::string& tool, std::span<const std::string> arguments, s
 /// Starts the helper, or what stands in front of it, with pipes to it.
 [[nodiscard]] Result<ChildProcess> startHelper(const std::vector<std::string>& command);
 
-/// What comes of handing a request over.
+/// The outcome of handing a request over.
 enum class HelperStart { Started, Refused, Ended, Failed };
 /// Whether the request's end is told by the input's.
 enum class HelperInput { Closes, StaysOpen };

@@ -60,7 +60,7 @@ SudoAuthority::SudoAuthority(std::string helper, const std::string& prefix, std:
 
 std::unique_ptr<AuthorizationSession> SudoAuthority::createSession(OSStatus* status) {
     *status = errAuthorizationSuccess;
-    return std::make_unique<AuthorizationSession>(); // sudo keeps what there is to keep
+    return std::make_unique<AuthorizationSession>(); // sudo keeps all the state there is
 }
 
 std::vector<std::string> SudoAuthority::sudoWords(std::vector<std::string> options) const {
@@ -132,7 +132,7 @@ OSStatus SudoAuthority::askForPassword() {
         if (!answer) {
             return errAuthorizationCanceled;
         }
-        // Room for the line's end first: a text that grows would leave a copy of the password behind.
+        // Room for the line's end first: a string that grows would leave a copy of the password in memory.
         std::string line;
         line.reserve(answer->password.size() + 1);
         line.append(answer->password).push_back('\n');

@@ -1,15 +1,17 @@
 #pragma once
 
+#include "platform/appkit/InterfaceModels.h"
+
 #include <string>
 #include <string_view>
 #include <vector>
 
 namespace platform {
 
-/// What the text of an attribute may be.
+/// What the value of an attribute may be.
 enum class AttributeKind {
-    Text,    ///< anything; a text that a user sees, so it passes through the string table
-    Word,    ///< anything but nothing: a name, an operation, an identifier
+    Text,    ///< anything; the user sees it, so it passes through the string table
+    Word,    ///< not empty: a name, an operation, an identifier
     YesNo,   ///< "yes" or "no"
     Size,    ///< a whole number from 0
     Integer, ///< a whole number of 32 bits
@@ -23,24 +25,25 @@ struct AttributeRule {
     bool required = false;
 };
 
-/// One kind of element of an interface file: which attributes it takes and which elements it may hold.
+/// One kind of element of an interface file: how it is written, which attributes it takes, which elements it
+/// may hold, and what stands behind it.
 struct ElementRule {
-    std::string_view id; ///< tells apart kinds that share an element's name: a layout's and a table's column
-    std::string_view element; ///< the XML element's name
+    InterfaceKind kind;
+    std::string_view element; ///< the XML element's name; a layout's and a table's column share one
+    MakeModel make = nullptr; ///< null for layout alone
     std::vector<AttributeRule> attributes = {};
-    std::vector<std::string_view> children = {}; ///< ids
-    bool oneLayout = false;                      ///< holds exactly one layout element, which fills it
+    std::vector<InterfaceKind> children = {};
+    bool oneLayout = false; ///< holds exactly one layout element, which fills it
 
     [[nodiscard]] const AttributeRule* attribute(std::string_view name) const;
     /// The rule for an element of that name inside this one, or null when it does not belong here.
     [[nodiscard]] const ElementRule* child(std::string_view elementName) const;
 };
 
-/// The rule for the file's root element.
-[[nodiscard]] const ElementRule& interfaceRule();
+[[nodiscard]] const ElementRule& ruleOf(InterfaceKind kind);
 
-/// True for the kinds that a window lays out.
-[[nodiscard]] bool isLayout(const ElementRule& rule);
+/// The XML element's name.
+[[nodiscard]] std::string_view elementName(InterfaceKind kind);
 
 /// Why `text` is not a value for the attribute; "" when it is one.
 [[nodiscard]] std::string faultOfValue(const AttributeRule& rule, std::string_view text);
