@@ -18,6 +18,9 @@ struct DirectoryView::Domain {
 
 DirectoryView::DirectoryView(std::string storeFile) : storeFile_(std::move(storeFile)) {}
 
+DirectoryView::DirectoryView(std::shared_ptr<const platform::LocalDomain> domain)
+    : local_(std::move(domain)) {}
+
 DirectoryView::~DirectoryView() = default;
 DirectoryView::DirectoryView(DirectoryView&& other) noexcept = default;
 DirectoryView& DirectoryView::operator=(DirectoryView&& other) noexcept = default;
@@ -25,7 +28,9 @@ DirectoryView& DirectoryView::operator=(DirectoryView&& other) noexcept = defaul
 DirectoryView::Domain* DirectoryView::open() const {
     if (!domain_) {
         domain_ = std::make_unique<Domain>();
-        if (ni_openfile(storeFile_, &domain_->domain) == NI_OK) {
+        const ni_status status =
+            local_ ? ni_opendomain(*local_, &domain_->domain) : ni_openfile(storeFile_, &domain_->domain);
+        if (status == NI_OK) {
             constexpr int seconds = 30;
             ni_setabort(domain_->domain, 1);
             ni_setreadtimeout(domain_->domain, seconds);

@@ -6,12 +6,18 @@
 #include <string_view>
 #include <vector>
 
+namespace platform {
+class LocalDomain;
+} // namespace platform
+
 namespace review {
 
-/// A directory's store as it is when something is first asked of it. What cannot be read is not there.
+/// A directory as it is when something is first asked of it. What cannot be read is not there.
 class DirectoryView {
   public:
     explicit DirectoryView(std::string storeFile);
+    /// What `domain` shows.
+    explicit DirectoryView(std::shared_ptr<const platform::LocalDomain> domain);
     ~DirectoryView();
     DirectoryView(DirectoryView&& other) noexcept;
     DirectoryView& operator=(DirectoryView&& other) noexcept;
@@ -37,6 +43,7 @@ class DirectoryView {
     [[nodiscard]] Domain* open() const;
 
     std::string storeFile_;
+    std::shared_ptr<const platform::LocalDomain> local_; ///< null: the store alone
     mutable std::unique_ptr<Domain> domain_;
 };
 

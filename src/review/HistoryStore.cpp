@@ -5,7 +5,9 @@
 
 #include <cerrno>
 #include <charconv>
+#include <filesystem>
 #include <span>
+#include <system_error>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -263,6 +265,8 @@ Status HistoryStore::failure(std::string_view what, int error) const {
 }
 
 Result<platform::SqliteConnection> HistoryStore::open() const {
+    std::error_code ignored; // where there can be no folder, there can be no file, which says so
+    std::filesystem::create_directories(std::filesystem::path(file_).parent_path(), ignored);
     // It holds what the settings files hold, which not everybody may read.
     const FileDescriptor made(::open(file_.c_str(), O_CREAT | O_RDWR | O_CLOEXEC, S_IRUSR | S_IWUSR));
     if (!made.isOpen()) {

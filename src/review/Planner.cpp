@@ -65,7 +65,7 @@ void compare(const WorkingCopy& copy, Plan* plan) {
 void workOut(const platform::Interface& main, const std::shared_ptr<WorkingCopy>& copy,
              const RehearsedAction& action, PlanDepth depth, Plan* plan) {
     const auto& now = *static_cast<const BRController*>(main.owner());
-    const std::string storeBefore = platform::Host::current().localDomain().storeFile();
+    const auto directoryBefore = platform::Host::current().services().localDomain;
     plan->smbConfBefore = bytesOf(smbConf);
     const std::string afpBefore = bytesOf(appleFileServer);
     Rehearsal rehearsal(main, copy, plan);
@@ -75,7 +75,7 @@ void workOut(const platform::Interface& main, const std::shared_ptr<WorkingCopy>
     plan->afpSettings = settingChanges(afpBefore, bytesOf(copy->settingsFile(appleFileServer)));
     plan->blocks = blocksOf(*plan, now);
     if (plan->blocks.empty() && depth == PlanDepth::Warnings) {
-        plan->warnings = warningsOf({*plan, now, rehearsal.controller(), DirectoryView(storeBefore),
+        plan->warnings = warningsOf({*plan, now, rehearsal.controller(), DirectoryView(directoryBefore),
                                      DirectoryView(copy->storeFile())});
     }
 }

@@ -73,11 +73,8 @@ class Recorder::Before {
             status_ = platform::Status::ofErrno("cannot make", "a folder for temporary files", errno);
             return;
         }
-        const std::string store = platform::Host::current().localDomain().storeFile();
-        std::error_code error;
-        if (std::filesystem::exists(store, error)) {
-            status_ = platform::copyStore(store, folder_ + "/directory.db", waitSeconds);
-        }
+        status_ = platform::copyDirectory(platform::Host::current().localDomain(), folder_ + "/directory.db",
+                                          waitSeconds);
     }
 
     ~Before() {
@@ -219,7 +216,7 @@ void Recorder::addFiles() {
 
 void Recorder::finish() {
     const platform::Host& host = platform::Host::current();
-    const DirectoryView now(host.localDomain().storeFile());
+    const DirectoryView now(host.services().localDomain);
     if (!entry_.records.empty() && !now.isReadable()) {
         NSLog("What this action has changed is not kept in the history: the directory cannot be read");
         return; // all records would seem to be gone

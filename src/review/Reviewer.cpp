@@ -75,11 +75,22 @@ Plan planControl(const platform::Interface& main, const NSControl& control, Perf
 } // namespace
 
 Reviewer::Reviewer(const platform::Interface& main) : main_(main), showBlocked_(&showNotPossible) {
-    gate().mayPerform = [this](const NSControl& sender) { return mayPerform(sender); };
+    gate().mayPerform = [this](const NSControl& sender) {
+        if (const SMBConf* model = controller().smbConfModel()) {
+            textBefore_ = model->textOnDisk();
+        }
+        return mayPerform(sender);
+    };
+    gate().didPerform = [this](const NSControl& sender) {
+        if (isWriting(sender.action().operation)) {
+            takeUpWrittenFile();
+        }
+    };
 }
 
 Reviewer::~Reviewer() {
     gate().mayPerform = nullptr;
+    gate().didPerform = nullptr;
 }
 
 bool Reviewer::isWriting(const std::string& operation) {
@@ -155,6 +166,15 @@ bool Reviewer::hasUnwrittenSMBConf() const {
     const SMBConf* model = controller().smbConfModel();
     return model != nullptr && model->unreadableReason().empty() &&
            model->writtenText() != SMBConf::ofText(model->textOnDisk())->writtenText();
+}
+
+void Reviewer::takeUpWrittenFile() const {
+    const SMBConf* model = controller().smbConfModel();
+    // A write that failed has left the text as it was, and the model's change waits for the next one.
+    const bool hasWritten = model != nullptr && model->textOnDisk() != textBefore_;
+    if (hasWritten && platform::Host::current().services().keepsLayout && hasUnwrittenSMBConf()) {
+        controller().rereadSMBConf();
+    }
 }
 
 std::vector<Remark> Reviewer::serverReadsOtherwise(const std::string& share) const {

@@ -75,10 +75,14 @@ class Reviewer {
   private:
     [[nodiscard]] BRController& controller() const;
     [[nodiscard]] bool mayPerform(const NSControl& sender) const;
+    /// Where settings are saved line by line, the file holds more than the model when somebody else has
+    /// changed it, too: then it is read again.
+    void takeUpWrittenFile() const;
 
     const platform::Interface& main_;
     Handler showBlocked_;
     Question question_;
+    mutable std::string textBefore_; ///< smb.conf as the model knew it before the action
 };
 
 } // namespace review

@@ -80,7 +80,7 @@ void restoreProperties(const std::string& path, Properties now, const Properties
 class UndoPlanner {
   public:
     UndoPlanner(const HistoryEntry& entry, const std::vector<HistoryEntry>& all)
-        : all_(all), directory_(platform::Host::current().localDomain().storeFile()) {
+        : all_(all), directory_(platform::Host::current().services().localDomain) {
         plan_.entry = entry;
         plan_.title = stringWithFormat(NSLocalizedString("Taken back: %@"), entry.title);
         const auto done = std::ranges::find(all, entry.undoes, &HistoryEntry::number);
@@ -297,7 +297,7 @@ Status checkRecords(const HistoryEntry& entry) {
     if (entry.records.empty()) {
         return {};
     }
-    const DirectoryView now(platform::Host::current().localDomain().storeFile());
+    const DirectoryView now(platform::Host::current().services().localDomain);
     if (!now.isReadable()) {
         return Status::failure("cannot take it all back", "the directory", "it cannot be read");
     }

@@ -4,14 +4,13 @@
 #include "platform/foundation/NSFileManager.h"
 #include "platform/foundation/NSString.h"
 #include "platform/posix/Process.h"
+#include "platform/samba/InstalledSamba.h"
 #include "review/TextDifference.h"
 
 #include <algorithm>
 #include <array>
 #include <chrono>
 #include <filesystem>
-
-#include <unistd.h>
 
 namespace review {
 
@@ -26,16 +25,6 @@ constexpr std::array<std::string_view, 6> usualWords = {
 
 /// It asks the network for names: a slow one must not keep a plan waiting.
 constexpr std::chrono::seconds timeLimit{5};
-
-std::string testparm() {
-    for (const char* const place :
-         {"/usr/bin/testparm", "/usr/local/bin/testparm", "/usr/local/samba/bin/testparm"}) {
-        if (::access(place, X_OK) == 0) {
-            return place;
-        }
-    }
-    return {};
-}
 
 /// A folder of its own for the texts, removed at the end.
 class TextFolder {
@@ -66,7 +55,7 @@ std::vector<std::string> faultsOf(const std::string& text, const std::string& fi
     if (!writeToFileAtomically(file, text, 0600).isOk()) {
         return faults;
     }
-    const platform::Command command{{testparm(), "-s", "--suppress-prompt", file},
+    const platform::Command command{{platform::sambaCommand("testparm"), "-s", "--suppress-prompt", file},
                                     platform::ErrorOutput::Apart,
                                     {"PATH=/usr/bin:/bin", "LC_ALL=C"}};
     const auto run = platform::runProcess(command, {}, timeLimit);
@@ -88,7 +77,7 @@ std::vector<std::string> faultsOf(const std::string& text, const std::string& fi
 
 void addServerWarnings(const Situation& situation, std::vector<Remark>* warnings) {
     const Plan& plan = situation.plan;
-    if (plan.smbConfBefore == plan.smbConfAfter || testparm().empty()) {
+    if (plan.smbConfBefore == plan.smbConfAfter || platform::sambaCommand("testparm").empty()) {
         return;
     }
     const TextFolder folder;

@@ -12,6 +12,7 @@
 #include "tools/DirectoryTools.h"
 #include "tools/Helper.h"
 #include "tools/HelperComplaint.h"
+#include "tools/SmbConfCheck.h"
 
 #include <array>
 #include <cerrno>
@@ -132,10 +133,7 @@ Result<std::shared_ptr<WorkingCopy>> WorkingCopy::make(bool* lacksDirectory) {
     if (Status status = copy->fill(); !status.isOk()) {
         return status;
     }
-    std::error_code error;
-    const std::string store = copy->original_.localDomain->storeFile();
-    Status status =
-        fs::exists(store, error) ? platform::copyStore(store, copy->storeFile(), waitSeconds) : Status();
+    Status status = platform::copyDirectory(*copy->original_.localDomain, copy->storeFile(), waitSeconds);
     if (lacksDirectory != nullptr) {
         *lacksDirectory = !status.isOk();
     }
@@ -182,6 +180,10 @@ platform::Services WorkingCopy::services() {
     return copied;
 }
 
+bool WorkingCopy::changesComputer() const {
+    return original_.computer != nullptr;
+}
+
 std::string WorkingCopy::storeFile() const {
     return folder_ + storeName;
 }
@@ -219,9 +221,10 @@ std::string WorkingCopy::run(const std::string& tool, std::span<const std::strin
     if ((tool == platform::systempath::chown || tool == platform::systempath::chmod) &&
         arguments.size() == 2) {
         const bool isMode = tool == platform::systempath::chmod;
-        const auto order = isMode ? examineMode(arguments[0], arguments[1], ::geteuid())
+        const uid_t caller = changesComputer() ? 0 : ::geteuid();
+        const auto order = isMode ? examineMode(arguments[0], arguments[1], caller)
                                   : examineOwner(arguments[0], arguments[1],
-                                                 platform::DirectoryAccounts(storeFile()), ::geteuid());
+                                                 platform::DirectoryAccounts(storeFile()), caller);
         if (!order.isOk()) {
             return complaint(isMode ? "chmod" : "chown", order.status());
         }
@@ -236,6 +239,17 @@ std::string WorkingCopy::copySettings(std::span<const std::string> arguments) {
     if (arguments.size() == 2) {
         const CopiedPaths paths(original_.paths, folder_);
         request.arguments[0] = paths.map(arguments[0]);
+    }
+    if (arguments.size() == 2 && changesComputer()) {
+        // An administrator may write wherever the files lie; the texts are judged as they would be.
+        const auto text = contentsOfFile(arguments[0]);
+        if (text.isOk() && arguments[1] == settingsFiles[0]) {
+            const auto old = contentsOfFile(arguments[1]).valueOr("");
+            if (Status status = checkSmbConf(*text, old); !status.isOk()) {
+                return complaint("cp", status);
+            }
+        }
+    } else if (arguments.size() == 2) {
         const std::string target = original_.paths->map(arguments[1]);
         const std::string targetFolder = stringByDeletingLastPathComponent(target);
         std::error_code error;

@@ -52,6 +52,8 @@ class WorkingCopy : public std::enable_shared_from_this<WorkingCopy> {
     WorkingCopy() = default;
 
     [[nodiscard]] platform::Status fill();
+    /// Whether the runs are an administrator's, on the computer itself.
+    [[nodiscard]] bool changesComputer() const;
     [[nodiscard]] std::string copySettings(std::span<const std::string> arguments);
 
     std::string folder_;

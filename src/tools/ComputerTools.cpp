@@ -3,6 +3,7 @@
 #include "platform/netinfo/AccountFiles.h"
 #include "platform/posix/Secret.h"
 #include "platform/samba/ComputerPasswords.h"
+#include "platform/samba/UserShares.h"
 #include "tools/AccountPrograms.h"
 #include "tools/ComputerDirectory.h"
 #include "tools/ComputerGroup.h"
@@ -10,10 +11,12 @@
 #include "tools/StoreChange.h"
 
 #include <initializer_list>
+#include <optional>
 #include <string_view>
 #include <vector>
 
 using platform::ComputerPasswords;
+using platform::PublicFolderOwner;
 using platform::Status;
 using platform::Store;
 
@@ -60,6 +63,35 @@ Status checkPasswordOf(ComputerDirectory& directory, const std::string& user, co
     return checkOrdinaryUser(*line, directory.hasMade(RecordPath{"users", user}), directory.limits());
 }
 
+PublicFolderOwner ownerOf(const platform::UserLine& line) {
+    return {line.name, line.uid, line.gid, line.home};
+}
+
+/// Whether the directory says that the user's Public folder is shared.
+bool sharesPublicFolder(const DirectoryPlace& place, const std::string& user) {
+    Store store(place.storeFile, Store::Opening::Existing, place.waitSeconds);
+    const auto record = store.find(RecordPath{"users", user});
+    const auto values = record ? store.values(*record, "sharedDir") : std::nullopt;
+    return values && !values->empty() && values->front() == "Public";
+}
+
+/// Offers the user's Public folder, or takes the offer away, as a change has left the directory. `before` is
+/// the account as it was. Nothing is offered, and nothing complained of, where the account has none.
+Status followPublicFolder(const DirectoryPlace& place, const DirectoryChange& change,
+                          const platform::UserLine& before, const platform::AccountLimits& limits) {
+    const bool isDeletion = change.operation == "-delete" && !change.property;
+    const bool isRenaming = change.property == "name";
+    if (!isDeletion && !isRenaming && change.property != "sharedDir") {
+        return {};
+    }
+    PublicFolderOwner owner = ownerOf(before);
+    owner.name = isRenaming && !change.values.empty() ? change.values.front() : before.name;
+    const bool isOffered = !isDeletion && sharesPublicFolder(place, owner.name) &&
+                           platform::whyNoPublicFolder(owner, limits.lowestUser, limits.highestUser).empty();
+    Status status = isOffered && !isRenaming ? Status() : platform::takePublicFolderAway(before.name);
+    return status.isOk() && isOffered ? platform::offerPublicFolder(owner) : status;
+}
+
 } // namespace
 
 Status changeComputer(const DirectoryPlace& place, const DirectoryChange& change) {
@@ -74,8 +106,16 @@ Status changeComputer(const DirectoryPlace& place, const DirectoryChange& change
     if (path == RecordPath{"groups", platform::administratorsGroup}) {
         return refusal(change, whyAdministratorsStay(directory));
     }
-    return path.front() == "users" ? ComputerUser(directory, change).run()
-                                   : ComputerGroup(directory, change).run();
+    if (path.front() != "users") {
+        return ComputerGroup(directory, change).run();
+    }
+    const platform::UserLine* line = directory.findUser(path[1]);
+    const auto before = line != nullptr ? std::optional(*line) : std::nullopt;
+    Status status = ComputerUser(directory, change).run();
+    if (status.isOk() && before) {
+        status = directory.commit();
+    }
+    return status.isOk() && before ? followPublicFolder(place, change, *before, directory.limits()) : status;
 }
 
 Status setComputerPassword(const DirectoryPlace& place, const std::string& user,

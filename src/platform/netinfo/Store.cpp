@@ -228,6 +228,14 @@ Store::Record Store::addRecord(Record parent, std::string_view name) {
     return record;
 }
 
+Store::Record Store::addRecord(Record parent, std::span<const StoredProperty> properties) {
+    change("INSERT INTO record (parent, name) VALUES (?1, ?2)", parent,
+           std::string_view(properties.front().values.front()));
+    const Record record = sqlite3_last_insert_rowid(connection_->database.get());
+    save(record, properties);
+    return record;
+}
+
 void Store::rename(Record record, std::string_view name) {
     change("UPDATE record SET name = ?2 WHERE id = ?1", record, name);
     const std::string value(name);

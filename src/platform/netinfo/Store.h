@@ -60,6 +60,8 @@ class Store {
     [[nodiscard]] RecordBlock children(Record parent);
     /// Adds a record after its siblings, with the property `name`. No sibling has that name.
     Record addRecord(Record parent, std::string_view name);
+    /// The same with all its properties, the first of which is `name`.
+    Record addRecord(Record parent, std::span<const StoredProperty> properties);
     /// Renames a record: its place in paths and its `name` property. No sibling has that name.
     void rename(Record record, std::string_view name);
     /// Takes a record away, with all records below it. Fails in a damaged store where the root is one of

@@ -1,7 +1,17 @@
 #include "platform/netinfo/StoreCopy.h"
 
+#include "platform/netinfo/LocalDomain.h"
 #include "platform/netinfo/ReadConnection.h"
+#include "platform/netinfo/Store.h"
 #include "platform/netinfo/StoreWait.h"
+#include "platform/netinfo/ni.h"
+
+#include <array>
+#include <cstdint>
+#include <filesystem>
+#include <system_error>
+#include <utility>
+#include <vector>
 
 namespace platform {
 
@@ -23,7 +33,92 @@ int copyAll(sqlite3* from, sqlite3* to) {
     return sqlite3_backup_finish(backup);
 }
 
+using Properties = std::vector<StoredProperty>;
+
+constexpr std::array directoriesOfAccounts = {"users", "groups"};
+
+ni_status readRecord(ni_domain* domain, ni_id record, Properties* properties) {
+    ni_namelist names;
+    ni_status status = ni_listprops(domain, &record, &names);
+    for (const std::string_view name : names.ninl_val) {
+        ni_namelist values;
+        status = status == NI_OK ? ni_lookupprop(domain, &record, name, &values) : status;
+        properties->push_back({std::string(name), {values.ninl_val.begin(), values.ninl_val.end()}});
+    }
+    return status;
+}
+
+/// The records below /`directory`, as the domain shows them.
+ni_status readRecords(ni_domain* domain, const char* directory, std::vector<Properties>* records) {
+    ni_id id;
+    ni_idlist children;
+    ni_status status = ni_root(domain, &id);
+    status = status == NI_OK ? ni_pathsearch(domain, &id, directory) : status;
+    status = status == NI_OK ? ni_children(domain, &id, &children) : status;
+    for (const std::uint32_t child : children.niil_val) {
+        records->emplace_back();
+        status = status == NI_OK ? readRecord(domain, {child, 0}, &records->back()) : status;
+    }
+    return status;
+}
+
+/// A store with the records that always exist.
+Status makeEmptyStore(const std::string& file) {
+    Store store(file, Store::Opening::Create);
+    for (const char* directory : directoriesOfAccounts) {
+        store.addRecord(Store::root, directory);
+    }
+    store.addRecord(store.addRecord(Store::root, "config"), "Brindle");
+    return store.commit();
+}
+
+/// Puts the records in the place of those that the store has there.
+void replaceRecords(Store& store, const char* directory, const std::vector<Properties>& records) {
+    auto parent = store.child(Store::root, directory);
+    if (!parent) {
+        parent = store.addRecord(Store::root, directory);
+    }
+    const RecordBlock before = store.children(*parent);
+    for (const RecordBlock::Record& record : before.records()) {
+        store.removeRecord(record.id);
+    }
+    for (const Properties& properties : records) {
+        store.addRecord(*parent, properties);
+    }
+}
+
 } // namespace
+
+Status copyDirectory(const LocalDomain& domain, const std::string& to, int waitSeconds) {
+    std::error_code ignored; // what cannot be looked at cannot be copied either
+    const bool hasStore = std::filesystem::exists(domain.storeFile(), ignored);
+    if (!domain.accountFiles()) {
+        return hasStore ? copyStore(domain.storeFile(), to, waitSeconds) : Status();
+    }
+    if (Status status = hasStore ? copyStore(domain.storeFile(), to, waitSeconds) : makeEmptyStore(to);
+        !status.isOk()) {
+        return status;
+    }
+    ni_domain* opened = nullptr;
+    ni_status status = ni_opendomain(domain, &opened);
+    const OwnedDomain owned(opened);
+    std::array<std::vector<Properties>, directoriesOfAccounts.size()> records;
+    if (status == NI_OK) {
+        ni_setabort(opened, 1);
+        ni_setreadtimeout(opened, waitSeconds);
+    }
+    for (std::size_t i = 0; i < records.size() && status == NI_OK; ++i) {
+        status = readRecords(opened, directoriesOfAccounts[i], &records[i]);
+    }
+    if (status != NI_OK) {
+        return Status::failure("cannot copy the directory", domain.storeFile(), ni_error(status));
+    }
+    Store store(to);
+    for (std::size_t i = 0; i < records.size(); ++i) {
+        replaceRecords(store, directoriesOfAccounts[i], records[i]);
+    }
+    return store.commit();
+}
 
 Status copyStore(const std::string& from, const std::string& to, int waitSeconds) {
     ReadConnection source;

@@ -200,7 +200,10 @@ ni_status ni_open(ni_domain* relative, const char* name, ni_domain** domain) {
     if (relative != nullptr || name == nullptr || std::strcmp(name, ".") != 0) {
         return NI_FAILED;
     }
-    const platform::LocalDomain& local = platform::Host::current().localDomain();
+    return ni_opendomain(platform::Host::current().localDomain(), domain);
+}
+
+ni_status ni_opendomain(const platform::LocalDomain& local, ni_domain** domain) {
     const std::string file = local.storeFile();
     auto accounts = local.accountFiles();
     if (!accounts) {

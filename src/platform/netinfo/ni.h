@@ -15,6 +15,10 @@
 // be written serves as well, and where a writer was killed in the middle, a private copy is put in order and
 // read instead.
 
+namespace platform {
+class LocalDomain;
+} // namespace platform
+
 using ni_status = std::int32_t;
 
 inline constexpr ni_status NI_OK = 0;
@@ -50,6 +54,8 @@ struct ni_domain;
 /// Opens a connection to the domain whose store is `file`. Needs no host; settles the pending writes of the
 /// current one.
 [[nodiscard]] ni_status ni_openfile(const std::string& file, ni_domain** domain);
+/// Opens a connection to `local`, as ni_open does to the current host's.
+[[nodiscard]] ni_status ni_opendomain(const platform::LocalDomain& local, ni_domain** domain);
 /// 1: calls fail with a status when the store does not answer in time, and after one has waited in vain later
 /// ones of the same action do not wait again; 0 (as after opening): they try for ever.
 void ni_setabort(ni_domain* domain, int abort);

@@ -1,10 +1,10 @@
 #include "platform/posix/ProcessTable.h"
 
 #include <algorithm>
+#include <array>
 #include <charconv>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <system_error>
 
 namespace platform {
@@ -13,7 +13,13 @@ namespace {
 
 std::string fileOf(pid_t process, const char* name) {
     std::ifstream in("/proc/" + std::to_string(process) + "/" + name, std::ios::binary);
-    return {std::istreambuf_iterator<char>(in), {}};
+    std::string text;
+    std::array<char, 4096> part{};
+    // Not by a stream's iterators: a process that ends meanwhile would make them throw.
+    while (in.read(part.data(), part.size()) || in.gcount() > 0) {
+        text.append(part.data(), static_cast<std::size_t>(in.gcount()));
+    }
+    return text;
 }
 
 } // namespace

@@ -1,0 +1,136 @@
+#include "platform/samba/UserShares.h"
+
+#include "platform/posix/FileDescriptor.h"
+#include "platform/posix/Process.h"
+#include "platform/samba/InstalledSamba.h"
+
+#include <cerrno>
+#include <chrono>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace platform {
+
+namespace {
+
+constexpr const char* cannotOffer = "cannot offer the Public folder of";
+constexpr const char* cannotTakeAway = "cannot take away the Public folder of";
+constexpr const char* folderName = "Public";
+/// Everybody may read; by number, because the name is known to a running server only.
+constexpr const char* everyone = "S-1-1-0:R";
+constexpr mode_t folderMode = 0755;
+constexpr int folderFlags = O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC;
+constexpr auto limit = std::chrono::seconds(20);
+
+Result<FinishedProcess> runSamba(std::vector<std::string> words) {
+    return runProcess(
+        {std::move(words), ErrorOutput::WithOutput, {"PATH=/usr/sbin:/usr/bin:/sbin:/bin", "LC_ALL=C"}}, {},
+        limit);
+}
+
+/// Whether guests may use user shares at all.
+bool allowsGuests() {
+    const std::string testparm = sambaCommand("testparm");
+    if (testparm.empty()) {
+        return false;
+    }
+    const auto said = runProcess({{testparm, "-s", "--parameter-name=usershare allow guests"},
+                                  ErrorOutput::Discarded,
+                                  {"PATH=/usr/sbin:/usr/bin:/sbin:/bin", "LC_ALL=C"}},
+                                 {}, limit);
+    return said.isOk() && said->output.starts_with("Yes");
+}
+
+/// The account's home folder, where it is one and the account's own.
+Result<FileDescriptor> openHome(const PublicFolderOwner& owner) {
+    FileDescriptor home(::open(owner.home.c_str(), folderFlags));
+
+    struct stat status {};
+
+    if (!home.isOpen() || ::fstat(home.get(), &status) != 0) {
+        return Status::ofErrno(cannotOffer, owner.name, errno);
+    }
+    if (status.st_uid != owner.uid) {
+        return Status::failure(cannotOffer, owner.name, owner.home + " is not the user's own folder");
+    }
+    return home;
+}
+
+/// HOME/Public, the user's, for all to read where it is new.
+Status makeFolder(const PublicFolderOwner& owner) {
+    const auto home = openHome(owner);
+    if (!home.isOk()) {
+        return home.status();
+    }
+    const bool isNew = ::mkdirat(home->get(), folderName, folderMode) == 0;
+    if (!isNew && errno != EEXIST) {
+        return Status::ofErrno(cannotOffer, owner.name, errno);
+    }
+    const FileDescriptor folder(::openat(home->get(), folderName, folderFlags));
+
+    struct stat status {};
+
+    if (!folder.isOpen() || ::fstat(folder.get(), &status) != 0) {
+        return Status::failure(cannotOffer, owner.name, owner.home + "/Public is no folder; move it away");
+    }
+    if (isNew &&
+        (::fchown(folder.get(), owner.uid, owner.gid) != 0 || ::fchmod(folder.get(), folderMode) != 0)) {
+        return Status::ofErrno(cannotOffer, owner.name, errno);
+    }
+    if (!isNew && status.st_uid != owner.uid) {
+        return Status::failure(cannotOffer, owner.name, owner.home + "/Public is not the user's own folder");
+    }
+    return {};
+}
+
+Status complaint(const char* what, const std::string& name, const Result<FinishedProcess>& run) {
+    return Status::failure(what, name,
+                           run.isOk() ? "net: " + lastLineOf(run->output) : std::string(run.status().why()));
+}
+
+} // namespace
+
+std::string publicShareName(const std::string& user) {
+    return user + "'s Public";
+}
+
+std::string whyNoPublicFolder(const PublicFolderOwner& owner, uid_t lowest, uid_t highest) {
+    if (owner.uid < lowest || owner.uid > highest) {
+        return owner.name + " is an account of the system";
+    }
+    const auto home = openHome(owner);
+    return home.isOk() ? std::string() : owner.name + " has no home folder of its own";
+}
+
+Status offerPublicFolder(const PublicFolderOwner& owner) {
+    const std::string net = sambaCommand("net");
+    if (net.empty()) {
+        return Status::failure(cannotOffer, owner.name,
+                               "net is not installed; install the package samba-common-bin");
+    }
+    if (Status status = makeFolder(owner); !status.isOk()) {
+        return status;
+    }
+    const auto run =
+        runSamba({net, "usershare", "add", publicShareName(owner.name), owner.home + "/" + folderName, "",
+                  everyone, allowsGuests() ? "guest_ok=y" : "guest_ok=n"});
+    return run.isOk() && run->status == 0 ? Status() : complaint(cannotOffer, owner.name, run);
+}
+
+Status takePublicFolderAway(const std::string& name) {
+    const std::string net = sambaCommand("net");
+    if (net.empty()) {
+        return {}; // nothing is offered either
+    }
+    const auto run = runSamba({net, "usershare", "delete", publicShareName(name)});
+    const bool isGone =
+        run.isOk() && (run->status == 0 || run->output.find("No such file") != std::string::npos);
+    return isGone ? Status() : complaint(cannotTakeAway, name, run);
+}
+
+} // namespace platform

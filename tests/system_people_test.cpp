@@ -1,0 +1,148 @@
+// Accounts of this computer, made by scripts, and what its smbd makes of them.
+
+#include "support/InstalledBrindle.h"
+
+#include <atomic>
+#include <thread>
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr const char* makeUser = "answer \"Confirm Add New File Sharing Only User\" Yes\n"
+                                 "type fullName \"Alice A\"\ntype shortName alice\ntype uid 7201\n"
+                                 "select groupPopUp crew\npress addNewUserButton\n";
+
+std::string setPassword(const std::string& password) {
+    return "type passwordSecureText1 " + password + "\ntype passwordSecureText2 " + password +
+           "\nsend setPassword:\n";
+}
+
+/// Looks at every process's words all the while, for one text.
+class Watch {
+  public:
+    explicit Watch(std::string text) : text_(std::move(text)) {}
+
+    ~Watch() { stop(); }
+
+    Watch(const Watch&) = delete;
+    Watch& operator=(const Watch&) = delete;
+
+    /// Whether it was seen.
+    bool stop() {
+        ends_ = true;
+        if (thread_.joinable()) {
+            thread_.join();
+        }
+        return isSeen_;
+    }
+
+  private:
+    void look() {
+        while (!ends_) {
+            for (const pid_t process : platform::processIds()) {
+                for (const std::string& word : platform::commandLineOf(process)) {
+                    isSeen_ = isSeen_ || word.find(text_) != std::string::npos;
+                }
+            }
+        }
+    }
+
+    std::string text_;
+    std::atomic<bool> ends_ = false;
+    std::atomic<bool> isSeen_ = false;
+    std::thread thread_{[this] { look(); }};
+};
+
+class SystemPeople : public InstalledBrindle {
+  protected:
+    void SetUp() override {
+        InstalledBrindle::SetUp();
+        if (!IsSkipped()) {
+            fs::permissions(folder_, fs::perms(0777));
+            run({"/usr/sbin/groupadd", "-g", "7200", "crew"});
+        }
+    }
+
+    /// What the server says to the user's logon; empty when it lets the user in.
+    static std::string logon(const std::string& user) { return smb("Docs", user, "ls"); }
+
+    static bool refuses(const std::string& answer) { return contains(answer, "NT_STATUS_"); }
+
+    /// The number of the row in which a table shows the name.
+    static std::string rowOf(const std::string& table, const std::string& cell) {
+        const std::string shown = script("show " + table + "\n");
+        const std::size_t place = shown.find(cell);
+        EXPECT_NE(place, std::string::npos) << shown;
+        const std::size_t start = shown.rfind('\n', place) + 1;
+        return shown.substr(start, shown.find(' ', start) - start);
+    }
+};
+
+TEST_F(SystemPeople, ComeInWithTheirPasswordAndNoLongerAfterWhatEndsIt) {
+    Watch watch("Wonderland1");
+    const std::string made = script(makeDocs() + makeUser + setPassword("Wonderland1"));
+    EXPECT_FALSE(contains(made, "output ")) << made;
+    EXPECT_FALSE(contains(made, "Wonderland1")) << made;
+    EXPECT_TRUE(contains(contents("/etc/passwd"), "\nalice:x:7201:7200:Alice A:/dev/null:/sbin/nologin\n"));
+    run({"pwck", "-r", "-q"});
+    run({"grpck", "-r"});
+
+    const std::string put = smb("Docs", "alice%Wonderland1", "put /etc/hostname letter");
+    EXPECT_FALSE(refuses(put)) << put;
+    EXPECT_EQ(ownerOf(folder_ + "/letter"), "alice");
+    EXPECT_TRUE(refuses(logon("alice%wrong")));
+
+    // A new number takes the password along; what is written from then on has it.
+    const std::string alice = rowOf("userTableView", "User=\"alice\"");
+    const std::string updated = script("answer \"Confirm Update User\" Yes\nrows userTableView " + alice +
+                                       "\ntype uid 7301\npress addNewUserButton\n");
+    EXPECT_FALSE(contains(updated, "output ")) << updated;
+    EXPECT_FALSE(refuses(smb("Docs", "alice%Wonderland1", "put /etc/hostname second")));
+    EXPECT_EQ(ownerOf(folder_ + "/second"), "alice");
+
+    script("rows userTableView " + alice + "\npress changePasswordButton\n" + setPassword("Looking2Glass"));
+    EXPECT_TRUE(refuses(logon("alice%Wonderland1")));
+    EXPECT_FALSE(refuses(logon("alice%Looking2Glass")));
+
+    const std::string deleted = script("answer \"Confirm Delete Selected User\" Yes\nrows userTableView " +
+                                       alice + "\npress deleteUserButton\n");
+    EXPECT_FALSE(contains(deleted, "output ")) << deleted;
+    EXPECT_FALSE(contains(contents("/etc/passwd"), "\nalice:"));
+    EXPECT_FALSE(contains(runProgram({"/usr/bin/pdbedit", "-L"}).output, "alice"));
+    EXPECT_FALSE(contains(
+        smb("Docs", "alice%Looking2Glass", "put /etc/hostname third") + ownerOf(folder_ + "/third"), "alice"))
+        << "who is not known is a guest";
+    run({"pwck", "-r", "-q"});
+    run({"grpck", "-r"});
+    EXPECT_FALSE(watch.stop()) << "a password stood in the words of a process";
+    EXPECT_FALSE(contains(contents(sudoLog), "Wonderland1"));
+}
+
+TEST_F(SystemPeople, OfferTheirPublicFolderWhereTheyHaveAHome) {
+    run({"/usr/sbin/useradd", "-m", "-u", "7301", "dora"});
+    run({"/usr/sbin/useradd", "-M", "-u", "7302", "eve"}); // its home folder is not made
+    const std::string dora = rowOf("userTableView", "User=\"dora\"");
+    const std::string shared =
+        script("rows userTableView " + dora + "\npress enablePublicSelectedButton\nshow userTableView\n");
+    EXPECT_FALSE(contains(shared, "output ")) << shared;
+    EXPECT_TRUE(contains(shared, "User=\"dora\" \"Public Shared\"=\"YES\"")) << shared;
+    EXPECT_EQ(ownerOf("/home/dora/Public"), "dora");
+    EXPECT_TRUE(platform::writeWholeFile("/home/dora/Public/poem", "a poem").isOk());
+    fs::permissions("/home/dora", fs::perms(0755));
+    const std::string got = smb("dora's Public", "", "get poem /home/poem; put /etc/hostname no");
+    EXPECT_EQ(contents("/home/poem"), "a poem") << got;
+    EXPECT_FALSE(fs::exists("/home/dora/Public/no")) << "it is for reading";
+
+    const std::string eve = rowOf("userTableView", "User=\"eve\"");
+    const std::string without = script("rows userTableView " + eve + "\npress enablePublicSelectedButton\n");
+    EXPECT_FALSE(contains(without, "output ")) << "the property is written for all: " << without;
+    EXPECT_FALSE(fs::exists("/home/eve"));
+    EXPECT_FALSE(contains(run({"/usr/bin/net", "usershare", "list"}), "eve"));
+
+    script("rows userTableView " + dora + "\npress disablePublicSelectedButton\n");
+    EXPECT_TRUE(contains(smb("dora's Public", "", "ls"), "NT_STATUS_BAD_NETWORK_NAME"));
+    EXPECT_EQ(contents("/home/dora/Public/poem"), "a poem");
+}
+
+} // namespace

@@ -1,0 +1,100 @@
+// Shares of this computer, made by scripts.
+
+#include "support/InstalledBrindle.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+class SystemShares : public InstalledBrindle {};
+
+TEST_F(SystemShares, AreMadeByAScriptServedAtOnceAndGoWithoutATraceInTheFile) {
+    const std::string stock = contents(smbConf);
+    const std::string made = script(makeDocs() + "show normalTableView\nhistory\n");
+    EXPECT_TRUE(contains(made, "run /bin/cp /home/chief/smb_test.conf /etc/smb.conf\n")) << made;
+    EXPECT_TRUE(contains(made, "run /bin/kill -1 ")) << made;
+    EXPECT_FALSE(contains(made, "output ")) << made;
+    EXPECT_FALSE(contains(made, "administrator ")) << "sudo asks this administrator for nothing";
+    EXPECT_TRUE(contains(made, "ShareName=\"Docs\"")) << made;
+    EXPECT_TRUE(contains(made, "\"chief\"")) << made;
+    EXPECT_TRUE(contains(contents(smbConf), "[Docs]\npath = /home/shared\n"));
+    EXPECT_EQ(contents(smbConf + ".before-brindle"), stock);
+
+    const std::string put = smb("Docs", "", "put /etc/hostname letter");
+    EXPECT_FALSE(contains(put, "NT_STATUS")) << put;
+    EXPECT_EQ(ownerOf(folder_ + "/letter"), "nobody");
+
+    const std::string deleted =
+        script("answer \"Confirm Delete Selected Share\" Yes\nrows normalTableView 0\n"
+               "press deleteButton\nshow normalTableView\n");
+    EXPECT_FALSE(contains(deleted, "Docs\"")) << deleted;
+    EXPECT_EQ(contents(smbConf), stock);
+    EXPECT_TRUE(contains(smb("Docs", "", "ls"), "NT_STATUS_BAD_NETWORK_NAME"));
+
+    const std::string log = contents(sudoLog);
+    EXPECT_NE(log, "");
+    std::size_t commands = 0;
+    for (std::size_t at = log.find("COMMAND="); at != std::string::npos; at = log.find("COMMAND=", at + 1)) {
+        ++commands;
+        EXPECT_EQ(log.find("COMMAND=" + prefix + "/libexec/brindle-helper --system", at), at) << log;
+    }
+    EXPECT_GT(commands, 1U);
+    EXPECT_FALSE(fs::exists("/root/.local/state/brindle")) << "the history is the user's";
+    EXPECT_EQ(ownerOf("/home/chief/.local/state/brindle/history.db"), "chief");
+}
+
+TEST_F(SystemShares, AreTakenBackAndDoneAgain) {
+    const std::string stock = contents(smbConf);
+    script(makeDocs());
+    const std::string made = contents(smbConf);
+    const std::string planned = script("rows normalTableView 0\nplan press deleteButton\n");
+    EXPECT_TRUE(contains(planned, "would change /etc/smb.conf - \"[Docs]\"")) << planned;
+    EXPECT_EQ(contents(smbConf), made);
+    script("undo\n");
+    EXPECT_EQ(contents(smbConf), stock);
+    EXPECT_EQ(runProgram({prefix + "/bin/nireport", "--system", ".", "/config/Brindle", "name"}).output, "");
+    script("undo\n");
+    EXPECT_EQ(contents(smbConf), made);
+}
+
+TEST_F(SystemShares, KeepWhatSomebodyElseWritesMeanwhile) {
+    // Between the start and the action, as an editor would.
+    const std::string music = "\n[Music]\n   path = /srv/music ; all of it\n";
+    Conversation session({"/usr/sbin/runuser", "-u", "chief", "--", "env", "HOME=/home/chief", "LC_ALL=C",
+                          "stdbuf", "-oL", prefix + "/bin/brindle", "--system", "--script", "-"});
+    EXPECT_EQ(session.ask("answer Donation Cancel\nstart\nshow shareName", "shareName"), "shareName \"\"");
+    EXPECT_TRUE(platform::writeWholeFile(smbConf, contents(smbConf) + music).isOk());
+    EXPECT_TRUE(contains(session.ask(makeDocs() + "show shareName", "shareName"), "Docs"));
+    EXPECT_TRUE(contains(contents(smbConf), music));
+    // The last row but one, or, without it, the printer drivers' share; the new one stands last.
+    EXPECT_TRUE(contains(session.ask("show normalTableView", "normalTableView"), "3 rows"));
+}
+
+TEST_F(SystemShares, StayAsTheyAreWhereSudoAsksAScriptForAPassword) {
+    allow("ALL");
+    const std::string stock = contents(smbConf);
+    const std::string printed = script(makeDocs());
+    EXPECT_TRUE(contains(printed, "administrator -> refuse\n")) << printed;
+    EXPECT_FALSE(contains(printed, "\nrun ")) << printed;
+    EXPECT_EQ(contents(smbConf), stock);
+    EXPECT_FALSE(fs::exists("/var/lib/brindle"));
+}
+
+TEST_F(SystemShares, AreNotSavedIntoAFileThatTheServerCouldNotUse) {
+    const std::string stock = contents(smbConf);
+    const std::string printed =
+        script("type smbWorkGroup HOME\ntype smbMaxConnections 7\nsend updateSMBProperties:\n");
+    EXPECT_FALSE(contains(printed, "output ")) << printed;
+    EXPECT_TRUE(contains(contents(smbConf), "   workgroup = HOME\n")) << contents(smbConf);
+    const std::string usable = contents(smbConf);
+    EXPECT_TRUE(platform::writeWholeFile("/home/chief/smb_test.conf", "[global]\nnonsense = 1\n").isOk());
+    ASSERT_EQ(::chown("/home/chief/smb_test.conf", ::getpwnam("chief")->pw_uid, 0), 0);
+    const std::string request("/bin/cp\0/home/chief/smb_test.conf\0/etc/smb.conf\0", 48);
+    const Finished refused = runProgram({"/usr/sbin/runuser", "-u", "chief", "--", "sudo", "-n", "--",
+                                         prefix + "/libexec/brindle-helper", "--system"},
+                                        request);
+    EXPECT_TRUE(contains(refused.output, "nonsense")) << refused.output << refused.errors;
+    EXPECT_EQ(contents(smbConf), usable);
+}
+
+} // namespace
