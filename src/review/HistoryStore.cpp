@@ -328,9 +328,7 @@ Result<std::vector<HistoryEntry>> HistoryStore::entries() const {
         entry.hasFailed = rows.number(4) != 0;
         entry.isUndone = rows.number(5) != 0;
         entry.undoes = rows.number(6);
-        if (!unpack(rows.text(7), &entry)) {
-            return failure("cannot read", SQLITE_CORRUPT);
-        }
+        entry.isDamaged = !unpack(rows.text(7), &entry); // the others are told all the same
         entries.push_back(std::move(entry));
     }
     return rows.error() == SQLITE_OK ? Result<std::vector<HistoryEntry>>(std::move(entries))

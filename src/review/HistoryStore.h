@@ -26,7 +26,8 @@ class HistoryStore {
     /// an undo itself, what it had taken back counts as done again.
     [[nodiscard]] platform::Status add(const HistoryEntry& entry) const;
 
-    /// All entries, the newest first. None where nothing was kept yet.
+    /// All entries, the newest first. One whose content cannot be read is damaged, and tells nothing of what
+    /// it did. None where nothing was kept yet.
     [[nodiscard]] platform::Result<std::vector<HistoryEntry>> entries() const;
 
   private:
