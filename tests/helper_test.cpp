@@ -23,6 +23,7 @@
 #include <tuple>
 
 #include <pwd.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -317,6 +318,23 @@ TEST_F(Action, LeavesNothingOfItsRunsWhenItEndsBeforeTheyAreSettled) {
     EXPECT_EQ(shares(), "") << "another tool's run has committed";
     helper.end();
     EXPECT_TRUE(helper.settle().isOk());
+}
+
+TEST_F(Action, LeavesARunWhoseAnswerCouldNotBeTakenUndone) {
+    HelperSession helper(command_);
+    EXPECT_EQ(nicl(helper, {"-create", "/config/Brindle/Docs"}), "");
+    rlimit limit{};
+    ASSERT_EQ(::getrlimit(RLIMIT_NOFILE, &limit), 0);
+    const int next = ::dup(STDIN_FILENO);
+    ::close(next);
+    rlimit none = limit;
+    none.rlim_cur = static_cast<rlim_t>(next);
+    ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &none), 0);
+    const std::string said = nicl(helper, {"-create", "/config/Brindle/Films"});
+    ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &limit), 0);
+    EXPECT_EQ(said, "-60031");
+    EXPECT_TRUE(helper.settle().isOk());
+    EXPECT_EQ(shares(), "Docs\t#NoValue#\t\n");
 }
 
 TEST_F(Action, IsToldWhenWhatItDidIsLost) {

@@ -164,6 +164,18 @@ TEST_P(OneUndo, IsRefusedWhileTheDirectoryCannotBeRead) {
     EXPECT_EQ(undo(), "");
 }
 
+TEST_P(OneUndo, ADamagedEntryIsNamedAndHidesNoOther) {
+    addStaff();
+    EXPECT_EQ(undo(), "");
+    std::string bytes = host.read("history.db");
+    bytes.at(bytes.find("\x03run")) =
+        '\xff'; // a length of the entry that stands first in the file, the newest
+    host.write("history.db", bytes);
+    EXPECT_EQ(titles(), (std::vector<std::string>{"2 Taken back: Group \"crew\" created damaged",
+                                                  "1 Group \"crew\" created undone"}));
+    EXPECT_EQ(undo(2), "What it did cannot be read: the history is damaged there.");
+}
+
 INSTANTIATE_TEST_SUITE_P(Once, OneUndo, testing::Values(1U));
 
 INSTANTIATE_TEST_SUITE_P(Drawn, HistoryTest, testing::Range(1U, 26U));

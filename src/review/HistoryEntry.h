@@ -65,6 +65,7 @@ struct HistoryEntry {
     std::string title;     ///< in the language of who did it
     bool hasFailed = false;
     bool isUndone = false;
+    bool isDamaged = false;  ///< what it did cannot be read any more
     std::int64_t undoes = 0; ///< the entry that this one has taken back; 0: it is no undo
     std::vector<PastRun> runs;
     std::vector<RecordChange> records; ///< in the order in which they were first touched
@@ -75,7 +76,7 @@ struct HistoryEntry {
     [[nodiscard]] bool canComeBack() const { return !records.empty() || !files.empty() || !folders.empty(); }
 };
 
-/// "done", "failed" or "undone".
+/// "done", "failed", "undone" or "damaged".
 [[nodiscard]] const char* outcomeOf(const HistoryEntry& entry);
 /// "2026-11-25T14:03:07Z".
 [[nodiscard]] std::string timeOf(const HistoryEntry& entry);

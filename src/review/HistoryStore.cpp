@@ -340,9 +340,7 @@ Status HistoryStore::visit(const std::function<bool(HistoryEntry&& entry)>& take
         entry.hasFailed = rows.number(4) != 0;
         entry.isUndone = rows.number(5) != 0;
         entry.undoes = rows.number(6);
-        if (!unpack(rows.text(7), &entry)) {
-            return failure("cannot read", SQLITE_CORRUPT);
-        }
+        entry.isDamaged = !unpack(rows.text(7), &entry); // the others are told all the same
         if (!takes(std::move(entry))) {
             return {};
         }

@@ -27,7 +27,8 @@ class HistoryStore {
     /// an undo itself, what it had taken back counts as done again.
     [[nodiscard]] platform::Status add(const HistoryEntry& entry) const;
 
-    /// All entries, the newest first. None where nothing was kept yet.
+    /// All entries, the newest first. One whose content cannot be read is damaged, and tells nothing of what
+    /// it did. None where nothing was kept yet.
     [[nodiscard]] platform::Result<std::vector<HistoryEntry>> entries() const;
 
     /// Hands the entries over, the newest first, until `takes` returns false.

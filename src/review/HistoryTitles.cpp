@@ -150,6 +150,9 @@ bool isSameRecord(const RecordChange::State& one, const RecordChange::State& oth
 }
 
 const char* outcomeOf(const HistoryEntry& entry) {
+    if (entry.isDamaged) {
+        return "damaged";
+    }
     return entry.isUndone ? "undone" : (entry.hasFailed ? "failed" : "done");
 }
 

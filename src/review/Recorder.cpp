@@ -121,6 +121,11 @@ void Recorder::destroyRights(platform::AuthorizationSession& session) {
 
 OSStatus Recorder::execute(platform::AuthorizationSession& session, const std::string& tool,
                            std::span<const std::string> arguments, int* output) {
+    // Opened before the run: what was carried out must not seem to have failed for want of a descriptor.
+    auto copy = output == nullptr ? platform::Result(platform::FileDescriptor()) : platform::openBytes({});
+    if (!copy.isOk()) {
+        return errAuthorizationToolExecuteFailure;
+    }
     if (!before_) {
         before_ = std::make_unique<Before>();
         if (!before_->status().isOk()) {
@@ -129,18 +134,20 @@ OSStatus Recorder::execute(platform::AuthorizationSession& session, const std::s
     }
     note(tool, arguments);
     PastRun run{tool, withoutPasswords(tool, arguments), "", false};
-    const OSStatus status = authority_->execute(session, tool, arguments, output);
+    OSStatus status = authority_->execute(session, tool, arguments, output);
     run.hasFailed = status != errAuthorizationSuccess;
     if (!run.hasFailed && output != nullptr) {
         // It is read here to the end, and handed on as it was.
         const platform::FileDescriptor written(*output);
-        run.output = platform::readAll(written.get(), tool).valueOr("");
-        auto copy = platform::openBytes(run.output);
-        if (!copy.isOk()) {
-            return errAuthorizationToolExecuteFailure;
+        auto read = platform::readAll(written.get(), tool);
+        const bool isHandedOn = read.isOk() && platform::fillBytes(*copy, *read).isOk();
+        run.hasFailed = !read.isOk() || !read->empty();
+        run.output = std::move(read).valueOr("");
+        if (isHandedOn) {
+            *output = copy->release();
+        } else { // a tool that says something has failed, and so may one that cannot be read
+            status = errAuthorizationToolExecuteFailure;
         }
-        *output = copy->release();
-        run.hasFailed = !run.output.empty();
     }
     setsPassword_ = setsPassword_ || (tool == systempath::dscl && !run.hasFailed);
     entry_.hasFailed = entry_.hasFailed || run.hasFailed;

@@ -93,6 +93,8 @@ class UndoPlanner {
         const HistoryEntry& entry = plan_.entry;
         if (entry.isUndone) {
             refuse(NSLocalizedString("It has been taken back already."));
+        } else if (entry.isDamaged) {
+            refuse(NSLocalizedString("What it did cannot be read: the history is damaged there."));
         } else if (!entry.canComeBack()) {
             refuse(
                 NSLocalizedString("There is nothing that could be taken back: a password that was replaced "

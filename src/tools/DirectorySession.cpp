@@ -1,8 +1,10 @@
 #include "tools/DirectorySession.h"
 
+#include "directory/DirectoryRules.h"
 #include "platform/host/EmbeddedRoot.h"
 #include "platform/samba/SambaAccounts.h"
 
+#include <iterator>
 #include <utility>
 
 using platform::Status;
@@ -21,8 +23,9 @@ Store& DirectorySession::store() {
 }
 
 Status DirectorySession::commit() {
-    const std::unique_ptr<Store> store = std::exchange(store_, nullptr);
-    const AccountChanges accounts = std::exchange(accounts_, {});
+    std::unique_ptr<Store> store = std::exchange(store_, nullptr);
+    AccountChanges accounts = std::exchange(accounts_, {});
+    hasCommitted_ = false;
     if (!store || !isOpen_) {
         return {}; // no run has changed anything
     }
@@ -30,22 +33,36 @@ Status DirectorySession::commit() {
     if (status.isOk()) {
         status = tellServer(*store, accounts);
     }
-    return status.isOk() ? store->commit() : status;
+    const bool toldServer = status.isOk() && accounts.reachLists;
+    if (status.isOk()) {
+        status = store->commit();
+    }
+    hasCommitted_ = status.isOk();
+    store.reset();
+    if (hasCommitted_) {
+        return forgetPasswords(accounts.forgotten);
+    }
+    if (toldServer) {
+        Store asBefore(place_.storeFile, Store::Opening::Existing, place_.waitSeconds);
+        accounts.forgotten.clear();
+        static_cast<void>(tellServer(asBefore, accounts)); // the first failure says why
+    }
+    return status;
 }
 
-Status DirectorySession::tellServer(Store& store, const AccountChanges& changes) const {
+Status DirectorySession::tellServer(Store& store, AccountChanges& changes) const {
     if (!changes.reachLists || place_.root.empty()) {
+        changes.forgotten.clear();
         return {};
     }
     const platform::SambaAccounts accounts(platform::EmbeddedRoot(place_.root).sambaPaths());
     if (!accounts.exists()) {
+        changes.forgotten.clear();
         return {};
     }
     Status status = accounts.writeAccountLists(store);
-    // The passwords come last: lists can be written again, a password that is forgotten cannot be brought
-    // back.
-    for (auto user = changes.forgotten.begin(); status.isOk() && user != changes.forgotten.end(); ++user) {
-        status = accounts.removeUser(*user);
+    if (status.isOk()) {
+        status = checkForgotten(accounts, &changes.forgotten);
     }
     if (!status.isOk()) {
         store.undo();
@@ -53,4 +70,38 @@ Status DirectorySession::tellServer(Store& store, const AccountChanges& changes)
         static_cast<void>(accounts.writeAccountLists(store));
     }
     return status;
+}
+
+Status DirectorySession::checkForgotten(const platform::SambaAccounts& accounts,
+                                        std::set<std::string>* forgotten) {
+    for (auto user = forgotten->begin(); user != forgotten->end();) {
+        const auto known = accounts.user(*user);
+        if (!known.isOk()) {
+            return known.status();
+        }
+        user = known->has_value() ? std::next(user) : forgotten->erase(user);
+    }
+    return {};
+}
+
+/// A commit that fails must find the passwords still there: nobody could bring them back.
+Status DirectorySession::forgetPasswords(const std::set<std::string>& users) const {
+    if (users.empty()) {
+        return {};
+    }
+    const platform::SambaAccounts accounts(platform::EmbeddedRoot(place_.root).sambaPaths());
+    // Held open, so that nobody makes one of them anew meanwhile.
+    Store store(place_.storeFile, Store::Opening::Existing, place_.waitSeconds);
+    for (const std::string& user : users) {
+        const bool isBack = store.find(RecordPath{"users", user}).has_value();
+        Status status = store.status();
+        if (status.isOk() && !isBack) {
+            status = accounts.removeUser(user);
+        }
+        if (!status.isOk()) {
+            return Status::failure("cannot take the password away of", user,
+                                   "the user is deleted, but " + status.text());
+        }
+    }
+    return {};
 }

@@ -55,7 +55,9 @@ ToolResult runNicl(const DirectoryPlace& place, std::span<const std::string> arg
     ToolResult result = session.nicl(arguments);
     if (result.status == 0) {
         const Status status = session.commit();
-        result = complaintOf(status.isOk() ? status : refusal(*directoryChange(arguments), status.text()));
+        result = complaintOf(status.isOk() || session.hasCommitted()
+                                 ? status
+                                 : refusal(*directoryChange(arguments), status.text()));
     }
     return result;
 }

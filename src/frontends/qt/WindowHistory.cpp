@@ -48,6 +48,9 @@ review::Plan planOf(const review::UndoPlan& undo) {
 }
 
 QString outcomeText(const review::HistoryEntry& entry) {
+    if (entry.isDamaged) {
+        return localized("damaged");
+    }
     if (entry.isUndone) {
         return localized("taken back");
     }

@@ -17,6 +17,7 @@ namespace platform {
 namespace {
 
 constexpr const char* cannotRead = "cannot read";
+constexpr const char* bytesInMemory = "bytes in memory";
 
 ssize_t readSome(int descriptor, char* buffer, std::size_t size) {
     ssize_t count = 0;
@@ -114,16 +115,18 @@ Status writeAll(int descriptor, std::string_view bytes, const std::string& name)
 }
 
 Result<FileDescriptor> openBytes(std::string_view bytes) {
-    constexpr const char* name = "bytes in memory";
-    FileDescriptor file(::memfd_create(name, MFD_CLOEXEC));
+    FileDescriptor file(::memfd_create(bytesInMemory, MFD_CLOEXEC));
     if (!file.isOpen()) {
-        return Status::ofErrno("cannot make", name, errno);
+        return Status::ofErrno("cannot make", bytesInMemory, errno);
     }
-    if (Status status = writeAll(file.get(), bytes, name); !status.isOk()) {
-        return status;
-    }
-    ::lseek(file.get(), 0, SEEK_SET);
-    return file;
+    const Status status = fillBytes(file, bytes);
+    return status.isOk() ? Result<FileDescriptor>(std::move(file)) : status;
+}
+
+Status fillBytes(const FileDescriptor& opened, std::string_view bytes) {
+    Status status = writeAll(opened.get(), bytes, bytesInMemory);
+    ::lseek(opened.get(), 0, SEEK_SET);
+    return status;
 }
 
 } // namespace platform

@@ -43,7 +43,9 @@ Result<std::optional<SambaUser>> sambaUserOf(FinishedProcess& run) {
         user = userOfLine(rest.substr(0, end));
         rest.remove_prefix(end == std::string_view::npos ? rest.size() : end + 1);
     }
-    const bool isUnknown = run.output.find("Username not found") != std::string::npos;
+    const auto says = [&run](std::string_view text) { return run.output.find(text) != std::string::npos; };
+    // Nobody is found in a database that cannot be opened either.
+    const bool isUnknown = says("Username not found") && !says("ailed to open");
     const std::string complaint = user ? std::string() : lastLineOf(run.output);
     wipe(run.output);
     if (!user && !isUnknown) {

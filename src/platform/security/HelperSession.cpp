@@ -28,6 +28,11 @@ HelperSession::~HelperSession() {
 }
 
 OSStatus HelperSession::run(const std::string& tool, std::span<const std::string> arguments, int* output) {
+    // Opened before the run: what was carried out must not seem to have failed for want of a descriptor.
+    auto written = output == nullptr ? Result(FileDescriptor()) : openBytes({});
+    if (!written.isOk()) {
+        return errAuthorizationToolExecuteFailure;
+    }
     auto frame = isGivenUp_ ? std::nullopt : helperRequest(tool, arguments, frameHeaderSize);
     if (!frame) {
         return errAuthorizationToolExecuteFailure;
@@ -41,11 +46,10 @@ OSStatus HelperSession::run(const std::string& tool, std::span<const std::string
     }
     holdsChanges_ = holdsChanges_ || waitsForCommit(tool);
     if (output != nullptr) {
-        auto bytes = openBytes((*answer)->output);
-        if (!bytes.isOk()) {
-            return errAuthorizationToolExecuteFailure;
+        if (!fillBytes(*written, (*answer)->output).isOk()) {
+            return errAuthorizationToolExecuteFailure; // the tool complains of something: it has failed
         }
-        *output = bytes->release();
+        *output = written->release();
     }
     return errAuthorizationSuccess;
 }
