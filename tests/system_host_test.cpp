@@ -69,6 +69,21 @@ TEST(SystemHost, SaysWhatTheComputerLacksInOneLine) {
     EXPECT_EQ(text.find('\n'), std::string::npos);
 }
 
+TEST(SystemHost, SaysWhereTheServerListens) {
+    const TestHost test;
+    // As the kernel writes it: all addresses, one, another port, and a connection that is open.
+    const char* const four = "  sl  local_address rem_address   st\n"
+                             "   0: 00000000:01BD 00000000:0000 0A\n   1: 0100007F:008B 00000000:0000 0A\n"
+                             "   2: 00000000:0016 00000000:0000 0A\n   3: 0100007F:01BD 0100007F:9999 01\n";
+    EXPECT_EQ(platform::listeningPlaces(four), (std::vector<std::string>{"*:445", "127.0.0.1:139"}));
+    const char* const six = "   0: 00000000000000000000000001000000:01BD 0:0 0A\n";
+    EXPECT_EQ(platform::listeningPlaces(six), std::vector<std::string>{"[::1]:445"});
+    const std::string text = platform::serverText({7, 1764072000, {"*:445", "*:139"}});
+    EXPECT_TRUE(text.starts_with("The SMB server runs since 2025-11-2")) << text;
+    EXPECT_TRUE(text.ends_with("listens at *:445, *:139.")) << text;
+    EXPECT_NE(platform::serverText({}).find("does not run"), std::string::npos);
+}
+
 TEST(SmbConf, IsRefusedWhereTheServerCouldUseTheOldTextAndNotTheNewOne) {
     if (platform::sambaCommand("testparm").empty()) {
         GTEST_SKIP() << "no testparm on this machine: install samba-common-bin";

@@ -1,6 +1,10 @@
 // Shares of this computer, made by scripts.
 
+#include "platform/samba/ServerState.h"
 #include "support/InstalledBrindle.h"
+
+#include <algorithm>
+#include <ctime>
 
 namespace {
 
@@ -78,6 +82,23 @@ TEST_F(SystemShares, StayAsTheyAreWhereSudoAsksAScriptForAPassword) {
     EXPECT_FALSE(contains(printed, "\nrun ")) << printed;
     EXPECT_EQ(contents(smbConf), stock);
     EXPECT_FALSE(fs::exists("/var/lib/brindle"));
+}
+
+TEST_F(SystemShares, AreServedAgainByAServerThatTheHelperStarts) {
+    TearDown();
+    for (int tries = 0; tries < 100 && platform::smbServerState().process != 0; ++tries) {
+        ::usleep(50000);
+    }
+    ASSERT_EQ(platform::smbServerState().process, 0);
+    const auto helper = [&](const std::string& request) {
+        return runProgram({prefix + "/libexec/brindle-helper", "--system"}, request).output;
+    };
+    EXPECT_TRUE(contains(helper(std::string("/usr/sbin/service\0smbd\0stop\0", 28)), "use service smbd"));
+    EXPECT_EQ(helper(std::string("/usr/sbin/service\0smbd\0start\0", 29)), "\x06");
+    const platform::ServerState state = platform::smbServerState();
+    EXPECT_GT(state.process, 0);
+    EXPECT_LT(std::time(nullptr) - state.since, 60);
+    EXPECT_NE(std::ranges::find(state.listensAt, "*:445"), state.listensAt.end());
 }
 
 TEST_F(SystemShares, AreNotSavedIntoAFileThatTheServerCouldNotUse) {

@@ -7,8 +7,10 @@
 #include "platform/foundation/Host.h"
 #include "platform/foundation/NSBundle.h"
 #include "platform/foundation/NSFileManager.h"
+#include "platform/foundation/SystemPaths.h"
 #include "platform/netinfo/LocalDomain.h"
 #include "platform/netinfo/StoreWait.h"
+#include "privileged/NiutilTask.h"
 #include "review/Planner.h"
 #include "review/ServerReading.h"
 
@@ -146,6 +148,11 @@ std::string Reviewer::directoryProblem() {
 
 std::string Reviewer::directoryHolder() {
     return platform::storeHolder(platform::Host::current().localDomain().storeFile());
+}
+
+bool Reviewer::changeServer(ServerChange change) {
+    const std::vector<std::string> arguments = {"smbd", change == ServerChange::Start ? "start" : "enable"};
+    return NiutilTask::sharedInstance().carryOut(platform::systempath::service, arguments);
 }
 
 void Reviewer::reread() const {

@@ -45,6 +45,10 @@ class Reviewer {
     /// Who keeps others from using it now: "PROGRAM (process ID)"; empty where nobody does that can be told.
     [[nodiscard]] static std::string directoryHolder();
 
+    enum class ServerChange { Start, StartAtBoot };
+    /// Starts the computer's own SMB server, now or whenever the computer starts; false when that failed.
+    static bool changeServer(ServerChange change);
+
     /// Reads smb.conf again: model, rows and fields.
     void reread() const;
     /// Reads all that the window shows again, as after a change that came from elsewhere than its controls.

@@ -7,6 +7,7 @@
 #include "tools/HelperComplaint.h"
 #include "tools/HelperCopy.h"
 #include "tools/HelperFolders.h"
+#include "tools/HelperService.h"
 #include "tools/HelperSignal.h"
 #include "tools/SmbConfCheck.h"
 
@@ -96,17 +97,25 @@ HelperResult kill(const HelperPlace& place, Arguments arguments) {
     return result;
 }
 
+HelperResult service(const HelperPlace& place, Arguments arguments) {
+    return said("service", place.root.empty()
+                               ? controlService(arguments)
+                               : Status::failure("cannot start", "the SMB server",
+                                                 "it is not this root's; start Brindle with --serve"));
+}
+
 struct Tool {
     std::string_view path;
     HelperResult (*run)(const HelperPlace& place, Arguments arguments);
 };
 
-constexpr std::array<Tool, 6> helperTools = {{{systempath::nicl, nicl},
+constexpr std::array<Tool, 7> helperTools = {{{systempath::nicl, nicl},
                                               {systempath::dscl, dscl},
                                               {systempath::cp, cp},
                                               {systempath::chown, chown},
                                               {systempath::chmod, chmod},
-                                              {systempath::kill, kill}}};
+                                              {systempath::kill, kill},
+                                              {systempath::service, service}}};
 
 const Tool* findTool(const std::string& path) {
     const auto* const found = std::ranges::find(helperTools, path, &Tool::path);

@@ -5,6 +5,7 @@
 #include "frontends/qt/ReviewDialog.h"
 #include "frontends/qt/TableView.h"
 #include "frontends/qt/WaitingDialog.h"
+#include "frontends/qt/WindowComputer.h"
 #include "frontends/qt/WindowHistory.h"
 #include "frontends/qt/WindowReview.h"
 #include "platform/foundation/Host.h"
@@ -160,6 +161,11 @@ void QtPresenter::useReviewer(review::Reviewer& reviewer) {
     platform::Host::current().setPatience(patience_);
     if (auto* window = qobject_cast<QMainWindow*>(mainWidget_)) {
         new WindowReview(reviewer, *window, *actions_.front(), *queue_); // the window's child
+        const auto& computer = platform::Host::current().services().computer;
+        auto* tabs = dynamic_cast<NSTabView*>(interfaces_.front()->find("mainTabView"));
+        if (computer && tabs != nullptr) {
+            new WindowComputer(*computer, *tabs, *window, *queue_); // the same
+        }
     }
 }
 

@@ -4,6 +4,12 @@
 
 namespace platform {
 
+/// What is said of a server in one line.
+struct ServerLine {
+    std::string text;
+    bool canBeStarted = false; ///< it is installed and does not run
+};
+
 /// What a front-end can say of the computer beside what the application shows. Only the system host has one.
 class Computer {
   public:
@@ -11,6 +17,10 @@ class Computer {
     /// What is not installed, each with its package, and what works without it: one line, empty where nothing
     /// is missing. In the user's language.
     [[nodiscard]] virtual std::string whatIsMissing() const = 0;
+    /// Whether the SMB server runs, since when, and where it listens; empty where none is installed.
+    [[nodiscard]] virtual ServerLine smbServer() const = 0;
+    /// Whether there is an AFP server, and what becomes of its settings where there is none.
+    [[nodiscard]] virtual std::string afpServerLine() const = 0;
 };
 
 } // namespace platform

@@ -19,6 +19,9 @@ constexpr int timeoutSeconds = 30;
 /// The directory at `path`; null when it cannot be read, which leaves the computer's own accounts.
 OwnedDomain openAt(const std::string& storeFile, const std::string& path, ni_id* id) {
     ni_domain* opened = nullptr;
+    if (storeFile.empty()) {
+        return nullptr;
+    }
     if (ni_openfile(storeFile, &opened) != NI_OK) {
         return nullptr;
     }

@@ -2,12 +2,14 @@
 
 #include "platform/foundation/NSBundle.h"
 #include "platform/foundation/NSString.h"
+#include "platform/posix/ProcessTable.h"
 #include "platform/samba/InstalledSamba.h"
 #include "platform/security/HelperFile.h"
 #include "platform/security/SudoAuthority.h"
 
 #include <algorithm>
 #include <array>
+#include <ctime>
 #include <vector>
 
 #include <unistd.h>
@@ -58,6 +60,44 @@ std::string missingText(const ComputersPrograms& programs) {
         line += (line.empty() ? "" : "  ") + each;
     }
     return line;
+}
+
+std::string serverText(const ServerState& state) {
+    if (state.process == 0) {
+        return NSLocalizedString("The SMB server does not run: nothing is shared.");
+    }
+    std::string places;
+    for (const std::string& place : state.listensAt) {
+        places += (places.empty() ? "" : ", ") + place;
+    }
+    std::array<char, 64> since{};
+    const std::time_t time = state.since;
+    std::tm local{};
+    if (::localtime_r(&time, &local) != nullptr) {
+        std::strftime(since.data(), since.size(), "%Y-%m-%d %H:%M", &local);
+    }
+    return places.empty()
+               ? stringWithFormat(NSLocalizedString("The SMB server runs since %@ and listens nowhere."),
+                                  std::string(since.data()))
+               : stringWithFormat(NSLocalizedString("The SMB server runs since %@ and listens at %@."),
+                                  std::string(since.data()), places);
+}
+
+ServerLine SystemComputer::smbServer() const {
+    if (sambaServer("smbd").empty()) {
+        return {}; // that is among what is missing
+    }
+    const ServerState state = smbServerState();
+    return {serverText(state), state.process == 0};
+}
+
+std::string SystemComputer::afpServerLine() const {
+    const bool runs = std::ranges::any_of(
+        processIds(), [](pid_t process) { return programNameOf(process) == "AppleFileServer"; });
+    return runs ? NSLocalizedString("The AFP server runs.")
+                : NSLocalizedString(
+                      "No AFP server runs on this computer: AFP settings and shares are kept, and not "
+                      "served.");
 }
 
 std::string SystemComputer::whatIsMissing() const {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/foundation/Computer.h"
+#include "platform/samba/ServerState.h"
 
 #include <string>
 #include <utility>
@@ -17,6 +18,9 @@ struct ComputersPrograms {
 /// What is said of a computer with these programs; see Computer::whatIsMissing.
 [[nodiscard]] std::string missingText(const ComputersPrograms& programs);
 
+/// What is said of an smbd in this state; see Computer::smbServer.
+[[nodiscard]] std::string serverText(const ServerState& state);
+
 /// This computer itself.
 class SystemComputer : public Computer {
   public:
@@ -24,6 +28,8 @@ class SystemComputer : public Computer {
     explicit SystemComputer(std::string helper) : helper_(std::move(helper)) {}
 
     [[nodiscard]] std::string whatIsMissing() const override;
+    [[nodiscard]] ServerLine smbServer() const override;
+    [[nodiscard]] std::string afpServerLine() const override;
 
   private:
     std::string helper_;

@@ -1,0 +1,34 @@
+#pragma once
+
+#include "frontends/qt/Binding.h"
+#include "platform/appkit/NSTabView.h"
+#include "platform/foundation/Computer.h"
+#include "review/Reviewer.h"
+
+#include <QMainWindow>
+#include <QObject>
+
+class QLabel;
+class QPushButton;
+
+/// What the window says of the computer itself, in a line at its foot: whether the SMB server runs, since
+/// when and where it listens, and what is not installed; with it buttons that start the server, now or with
+/// the computer. While the AFP page is shown, it is about the AFP server. A child of the main window's
+/// widget.
+class WindowComputer : public QObject {
+  public:
+    /// All but `window`, whose child it becomes, are kept.
+    WindowComputer(const platform::Computer& computer, NSTabView& tabs, QMainWindow& window,
+                   RefreshQueue& queue);
+
+  private:
+    void showState();
+    void control(review::Reviewer::ServerChange change);
+
+    const platform::Computer& computer_;
+    NSTabView& tabs_;
+    RefreshQueue& queue_;
+    QLabel* state_ = nullptr;
+    QPushButton* start_ = nullptr;
+    QPushButton* atBoot_ = nullptr;
+};

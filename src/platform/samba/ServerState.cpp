@@ -1,0 +1,126 @@
+#include "platform/samba/ServerState.h"
+
+#include "platform/posix/ProcessTable.h"
+#include "platform/samba/InstalledSamba.h"
+#include "platform/samba/ServerProcesses.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <cstring>
+#include <fstream>
+#include <iterator>
+#include <optional>
+#include <sstream>
+
+#include <arpa/inet.h>
+#include <netinet/in.h>
+#include <unistd.h>
+
+namespace platform {
+
+namespace {
+
+constexpr std::array ports = {445U, 139U};
+constexpr std::string_view listening = "0A"; // the kernel's number of that state
+constexpr std::size_t wordDigits = 8;
+
+/// Files of /proc tell no size, which readWholeFile would ask for.
+std::string procFile(const std::string& path) {
+    std::ifstream in(path);
+    return {std::istreambuf_iterator<char>(in), {}};
+}
+
+std::optional<std::uint32_t> hexNumber(std::string_view digits) {
+    std::uint32_t number = 0;
+    const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), number, 16);
+    return error == std::errc() && end == digits.data() + digits.size() ? std::optional(number)
+                                                                        : std::nullopt;
+}
+
+/// The address as the kernel writes it: words of 32 bits in this computer's own order.
+std::string addressOf(std::string_view digits) {
+    std::array<std::uint32_t, 4> words{};
+    const std::size_t count = digits.size() / wordDigits;
+    if (count * wordDigits != digits.size() || (count != 1 && count != words.size())) {
+        return {};
+    }
+    for (std::size_t index = 0; index < count; ++index) {
+        words[index] = hexNumber(digits.substr(index * wordDigits, wordDigits)).value_or(0);
+    }
+    if (std::ranges::all_of(words, [](std::uint32_t word) { return word == 0; })) {
+        return "*";
+    }
+    std::array<char, INET6_ADDRSTRLEN> text{};
+    const bool isShort = count == 1;
+    ::inet_ntop(isShort ? AF_INET : AF_INET6, words.data(), text.data(), text.size());
+    return isShort ? std::string(text.data()) : "[" + std::string(text.data()) + "]";
+}
+
+/// When a process was started, from what the kernel counts since it was.
+std::int64_t startOf(pid_t process) {
+    const std::string status = procFile("/proc/" + std::to_string(process) + "/stat");
+    const std::string computer = procFile("/proc/stat");
+    const std::size_t name = status.rfind(')'); // the program's name may hold anything
+    const std::size_t boot = computer.find("\nbtime ");
+    if (name == std::string::npos || boot == std::string::npos) {
+        return 0;
+    }
+    std::istringstream fields(status.substr(name + 1));
+    constexpr int fieldsBefore = 19; // between the name and the time
+    std::string field;
+    for (int index = 0; index < fieldsBefore; ++index) {
+        fields >> field;
+    }
+    std::int64_t ticks = 0;
+    std::int64_t bootTime = 0;
+    std::istringstream(computer.substr(boot + std::strlen("\nbtime "))) >> bootTime;
+    return fields >> ticks ? bootTime + ticks / ::sysconf(_SC_CLK_TCK) : 0;
+}
+
+} // namespace
+
+std::vector<std::string> listeningPlaces(std::string_view table) {
+    std::vector<std::string> places;
+    std::istringstream lines{std::string(table)};
+    for (std::string line; std::getline(lines, line);) {
+        std::istringstream words(line);
+        std::string number;
+        std::string local;
+        std::string remote;
+        std::string state;
+        words >> number >> local >> remote >> state;
+        const std::size_t colon = local.find(':');
+        if (state != listening || colon == std::string::npos) {
+            continue;
+        }
+        const auto port = hexNumber(std::string_view(local).substr(colon + 1)).value_or(0);
+        const std::string address = addressOf(std::string_view(local).substr(0, colon));
+        std::string place = address + ":" + std::to_string(port);
+        if (!address.empty() && std::ranges::find(ports, port) != ports.end() &&
+            std::ranges::find(places, place) == places.end()) {
+            places.push_back(std::move(place));
+        }
+    }
+    return places;
+}
+
+ServerState smbServerState() {
+    ServerState state;
+    std::istringstream(procFile(sambaBuild().pidFolder + "/smbd.pid")) >> state.process;
+    if (state.process <= 0 || !isComputersServer(state.process)) {
+        state.process = 0;
+        return state;
+    }
+    state.since = startOf(state.process);
+    for (const char* table : {"/proc/net/tcp", "/proc/net/tcp6"}) {
+        for (std::string& place : listeningPlaces(procFile(table))) {
+            if (std::ranges::find(state.listensAt, place) == state.listensAt.end()) {
+                state.listensAt.push_back(std::move(place));
+            }
+        }
+    }
+    return state;
+}
+
+} // namespace platform
