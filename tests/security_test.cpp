@@ -1,8 +1,8 @@
 #include "platform/foundation/Host.h"
 #include "platform/security/Authorization.h"
 #include "platform/security/ConsentAuthority.h"
-#include "platform/security/HelperLauncher.h"
 #include "platform/security/HelperProtocol.h"
+#include "platform/security/HelperSession.h"
 #include "platform/security/SudoAuthority.h"
 #include "support/TestHost.h"
 
@@ -15,7 +15,7 @@
 namespace {
 
 using namespace std::chrono_literals;
-using platform::HelperLauncher;
+using platform::HelperSession;
 
 const AuthorizationRights kRight = {{"system.privilege.admin", "/usr/bin/nicl", 0}};
 constexpr AuthorizationFlags kAsk = kAuthorizationFlagInteractionAllowed | kAuthorizationFlagExtendRights;
@@ -38,7 +38,7 @@ std::string readAll(int descriptor) {
     return bytes;
 }
 
-TEST(HelperLauncherStart, CountsOnlyWhenTheHelperSaysSoFirst) {
+TEST(HelperStart, CountsOnlyWhenTheHelperSaysSoFirst) {
     struct Case {
         std::string helper;
         OSStatus status;
@@ -46,8 +46,9 @@ TEST(HelperLauncherStart, CountsOnlyWhenTheHelperSaysSoFirst) {
     };
 
     const std::vector<Case> cases = {
-        {"cat >/dev/null; printf '\\006said'", 0, "said"},
-        {"cat >/dev/null; printf '\\006'; exit 1", 0, ""},
+        {"head -c 300024 >/dev/null; printf '\\006\\0\\0\\0\\004said\\0'; cat >/dev/null", 0, "said"},
+        {"head -c 300024 >/dev/null; printf '\\006\\0\\0\\0\\0\\001'; cat >/dev/null", 0, ""},
+        {"head -c 300024 >/dev/null; printf '\\006\\0\\0\\0\\004sa'", -60031, ""}, // it ends in the middle
         {"printf 'hello\\006'", -60031, ""},
         {"exit 125", -60031, ""},
         {"exit 0", -60031, ""},
@@ -57,41 +58,37 @@ TEST(HelperLauncherStart, CountsOnlyWhenTheHelperSaysSoFirst) {
     };
     TestHost host;
     for (const Case& each : cases) {
-        HelperLauncher launcher({script(host, "helper", each.helper)}, 500ms);
+        HelperSession helper({script(host, "helper", each.helper)}, 500ms);
         int output = -1;
-        const std::vector<std::string> arguments = {"-1", std::string(300000, 'x')};
-        ASSERT_EQ(launcher.run("/bin/kill", arguments, &output), each.status) << each.helper;
+        const std::vector<std::string> arguments = {"-1", std::string(300006, 'x')};
+        ASSERT_EQ(helper.run("/bin/kill", arguments, &output), each.status) << each.helper;
+        EXPECT_EQ(helper.isRunning(), each.status == 0) << each.helper;
         if (each.status == 0) {
             EXPECT_EQ(readAll(output), each.output) << each.helper;
         }
     }
-    HelperLauncher missing({(host.root() / "missing").string()});
+    HelperSession missing({(host.root() / "missing").string()});
     EXPECT_EQ(missing.run("/bin/kill", {}, nullptr), -60031);
 }
 
-TEST(HelperLauncherRequest, ReachesTheHelperWholeOrNotAtAll) {
+TEST(HelperRequest, ReachesTheHelperWholeOrNotAtAll) {
     TestHost host;
-    HelperLauncher launcher({script(host, "helper", "n=$(tr '\\0' '|' | wc -c); printf '\\006%s' $n")});
+    const std::string helper =
+        script(host, "helper",
+               "n=$(head -c 4 | od -An -tu4 --endian=big | tr -d ' '); head -c $n >/dev/null\n"
+               "printf '\\006\\0\\0\\0\\007%7d\\0' $n; cat >/dev/null");
     const auto size = [&](const std::string& argument) {
+        HelperSession session({helper});
         int output = -1;
         const std::vector<std::string> arguments = {argument, ""};
-        const OSStatus status = launcher.run("/bin/cp", arguments, &output);
-        return status == 0 ? readAll(output) : std::to_string(status);
+        const OSStatus status = session.run("/bin/cp", arguments, &output);
+        return status == 0 ? std::stol(readAll(output)) : status;
     };
     const std::size_t rest = std::string("/bin/cp|||").size();
-    EXPECT_EQ(size("-R"), std::to_string(rest + 2));
-    EXPECT_EQ(size(std::string(platform::maximumHelperRequest - rest, 'x')), "1048576");
-    EXPECT_EQ(size(std::string(platform::maximumHelperRequest - rest + 1, 'x')), "-60031") << "too large";
-    EXPECT_EQ(size(std::string("a\0b", 3)), "-60031") << "would reach the helper as two arguments";
-}
-
-TEST(HelperLauncherRun, WithoutAStreamAnswersWhenTheToolHasEnded) {
-    TestHost host;
-    const auto done = host.root() / "done";
-    const std::string tool = "head -c 300000 /dev/zero; sleep 0.2; echo x >" + done.string();
-    HelperLauncher launcher({script(host, "helper", "cat >/dev/null; printf '\\006'; " + tool)});
-    EXPECT_EQ(launcher.run("/bin/kill", {}, nullptr), 0);
-    EXPECT_TRUE(std::filesystem::exists(done));
+    EXPECT_EQ(size("-R"), static_cast<long>(rest + 2));
+    EXPECT_EQ(size(std::string(platform::maximumHelperRequest - rest, 'x')), 1048576);
+    EXPECT_EQ(size(std::string(platform::maximumHelperRequest - rest + 1, 'x')), -60031) << "too large";
+    EXPECT_EQ(size(std::string("a\0b", 3)), -60031) << "would reach the helper as two arguments";
 }
 
 /// A host like the test's, with another authority.

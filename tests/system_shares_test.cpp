@@ -95,7 +95,11 @@ TEST_F(SystemShares, AreServedAgainByAServerThatTheHelperStarts) {
     };
     EXPECT_TRUE(contains(helper(std::string("/usr/sbin/service\0smbd\0stop\0", 28)), "use service smbd"));
     EXPECT_EQ(helper(std::string("/usr/sbin/service\0smbd\0start\0", 29)), "\x06");
-    const platform::ServerState state = platform::smbServerState();
+    platform::ServerState state = platform::smbServerState();
+    for (int tries = 0; tries < 200 && state.listensAt.empty(); ++tries) {
+        ::usleep(50000); // it opens its ports after it has said that it runs
+        state = platform::smbServerState();
+    }
     EXPECT_GT(state.process, 0);
     EXPECT_LT(std::time(nullptr) - state.since, 60);
     EXPECT_NE(std::ranges::find(state.listensAt, "*:445"), state.listensAt.end());

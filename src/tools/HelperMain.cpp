@@ -3,7 +3,6 @@
 #include "platform/foundation/SystemServices.h"
 #include "platform/posix/InputOutput.h"
 #include "platform/posix/Secret.h"
-#include "platform/security/HelperLauncher.h"
 #include "platform/security/HelperProtocol.h"
 #include "tools/Helper.h"
 #include "tools/HelperComplaint.h"
@@ -23,7 +22,7 @@
 
 namespace {
 
-constexpr int notStarted = platform::HelperLauncher::notStartedStatus;
+constexpr int notStarted = platform::helperNotStartedStatus;
 
 /// Nothing that the program that started this one had open can be reached from here on. What is missing of
 /// the first three is filled up, so that no file opened later takes the place of a standard stream.

@@ -21,6 +21,8 @@ namespace platform {
 
 /// The largest request, in bytes.
 inline constexpr std::size_t maximumHelperRequest = std::size_t{1024} * 1024;
+/// A helper that gives up before it has started ends with this status; sudo, when it refuses, with another.
+inline constexpr int helperNotStartedStatus = 125;
 /// What the helper writes first: it has read its request and is the tool from now on.
 inline constexpr char helperStarted = 0x06;
 /// What it writes instead in a session when the tool is not on its list.

@@ -63,12 +63,12 @@ std::unique_ptr<AuthorizationSession> SudoAuthority::createSession(OSStatus* sta
     return std::make_unique<AuthorizationSession>(); // sudo keeps all the state there is
 }
 
-std::vector<std::string> SudoAuthority::sudoWords(std::vector<std::string> options) const {
+std::vector<std::string> SudoAuthority::sudoWords(const std::vector<std::string>& options) const {
     return joined({sudo_}, options);
 }
 
-bool SudoAuthority::succeeds(std::vector<std::string> options) const {
-    const auto finished = runProcess({sudoWords(std::move(options))});
+bool SudoAuthority::succeeds(const std::vector<std::string>& options) const {
+    const auto finished = runProcess({sudoWords(options)});
     return finished.isOk() && finished->status == 0;
 }
 

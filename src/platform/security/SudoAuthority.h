@@ -52,8 +52,8 @@ class SudoAuthority : public Authority, public PendingWrites {
     [[nodiscard]] bool holdsRight();
     [[nodiscard]] OSStatus askForPassword();
     [[nodiscard]] Verdict check(std::string_view passwordLine);
-    [[nodiscard]] bool succeeds(std::vector<std::string> options) const;
-    [[nodiscard]] std::vector<std::string> sudoWords(std::vector<std::string> options) const;
+    [[nodiscard]] bool succeeds(const std::vector<std::string>& options) const;
+    [[nodiscard]] std::vector<std::string> sudoWords(const std::vector<std::string>& options) const;
 
     std::string helperFile_;
     std::vector<std::string> helperCommand_;
