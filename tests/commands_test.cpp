@@ -123,7 +123,8 @@ TEST_F(Commands, EndWithAStatusThatTellsWhatIsMissing) {
                  {"smb set workgroup", 2, "each setting needs a value"},
                  {"groups add crew --gid 7200", 3, "Are you sure"},
                  {"users add zoe --yes", 3, "--password-stdin"},
-                 {"undo 99", 1, "99"}};
+                 {"undo 99", 1, "99"},
+                 {"servers status", 1, "--serve"}};
 
     for (const auto& [line, status, text] : cases) {
         const json error = answer(line, status)["error"];

@@ -16,6 +16,13 @@ void addCommands(CLI::App& parser, CommandOptions& options) {
     parser.require_subcommand(0, 1);
 }
 
+CLI::App* addNoun(CLI::App& parser, const std::string& name, const std::string& description) {
+    CLI::App* const noun = parser.add_subcommand(name, description);
+    noun->fallthrough();
+    noun->require_subcommand(1);
+    return noun;
+}
+
 CLI::App* addCommand(CLI::App& parent, CommandOptions& options, const std::string& name, CommandKind kind,
                      const std::string& description, std::function<void(CommandRun&)> carryOut) {
     CLI::App* const command = parent.add_subcommand(name, description);

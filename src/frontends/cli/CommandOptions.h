@@ -36,6 +36,9 @@ void addAccessCommands(CLI::App& parser, CommandOptions& options);
 
 enum class CommandKind { Reading, Writing };
 
+/// Adds the noun that commands are about.
+CLI::App* addNoun(CLI::App& parser, const std::string& name, const std::string& description);
+
 /// Adds the command `name` below `parent`, with --json and, where it writes, --yes and --dry-run.
 CLI::App* addCommand(CLI::App& parent, CommandOptions& options, const std::string& name, CommandKind kind,
                      const std::string& description, std::function<void(CommandRun&)> carryOut);

@@ -62,6 +62,12 @@ void CommandRun::finish() {
     say(changes_ ? NSLocalizedString("changed") : NSLocalizedString("unchanged"));
 }
 
+void CommandRun::sayFields(const std::string& name) {
+    for (const auto& [key, value] : result_[name].items()) {
+        say(key + ": " + (value.is_string() ? value.get<std::string>() : value.dump()));
+    }
+}
+
 std::string CommandRun::text(const std::string& field) const {
     return control<NSTextField>(field).stringValue();
 }
@@ -168,6 +174,14 @@ void CommandRun::press(NSControl& control) {
 
 void CommandRun::send(const std::string& operation) {
     press(*context_.presenter.findWiredTo(operation));
+}
+
+void CommandRun::write(const std::function<void()>& change) {
+    hasWritten_ = true;
+    noteChange();
+    if (!context_.options.isDryRun) {
+        perform(change);
+    }
 }
 
 void CommandRun::perform(const std::function<void()>& event) {

@@ -16,6 +16,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace frontend {
@@ -35,7 +36,7 @@ struct CommandContext {
 /// say. The first thing that cannot be done ends it with a CommandFailure.
 class CommandRun {
   public:
-    explicit CommandRun(CommandContext context) : context_(context) {}
+    explicit CommandRun(CommandContext context) : context_(std::move(context)) {}
 
     /// Carries the command out and prints what it says, or why it ended. Returns the exit status.
     [[nodiscard]] int run();
@@ -76,6 +77,12 @@ class CommandRun {
 
     /// The same for what is wired to the operation.
     void send(const std::string& operation);
+    /// Carries out a change that has no control; in a dry run it is named only by the command itself.
+    void write(const std::function<void()>& change);
+
+    /// What was asked for is so already.
+    void finishUnchanged() { hasWritten_ = true; }
+
     /// Runs what a user does as one event; what goes wrong in it ends the command.
     void perform(const std::function<void()>& event);
 
@@ -87,6 +94,9 @@ class CommandRun {
     [[nodiscard]] JSON& result() { return result_; }
 
     void say(const std::string& line) { lines_.push_back(line); }
+
+    /// Says the fields of the result's object of that name, a line each.
+    void sayFields(const std::string& name);
 
     [[noreturn]] static void fail(const std::string& text, CommandStatus status = CommandStatus::Failed);
 

@@ -68,9 +68,7 @@ void describe(CommandRun& run, const std::string& name) {
 void show(CommandRun& run, const GroupOptions& options) {
     static_cast<void>(requireRow(run, options.name));
     describe(run, options.name);
-    for (const auto& [key, value] : run.result()["group"].items()) {
-        run.say(key + ": " + (value.is_string() ? value.get<std::string>() : value.dump()));
-    }
+    run.sayFields("group");
 }
 
 void setNumber(CommandRun& run, const std::optional<std::string>& gid) {
@@ -146,9 +144,7 @@ void leave(CommandRun& run, const GroupOptions& options) {
 } // namespace
 
 void addGroupCommands(CLI::App& parser, CommandOptions& options) {
-    CLI::App* const groups = parser.add_subcommand("groups", "Groups and their members");
-    groups->fallthrough();
-    groups->require_subcommand(1);
+    CLI::App* const groups = addNoun(parser, "groups", "Groups and their members");
     const auto given = std::make_shared<GroupOptions>();
     const auto addNamed = [&](const char* name, CommandKind kind, const char* description,
                               void (*carryOut)(CommandRun&, const GroupOptions&)) {

@@ -55,9 +55,7 @@ void setSome(CommandRun& run, const std::vector<std::string>& users, bool on) {
 } // namespace
 
 void addPublicCommands(CLI::App& parser, CommandOptions& options) {
-    CLI::App* const folders = parser.add_subcommand("public", "Sharing of users' Public folders");
-    folders->fallthrough();
-    folders->require_subcommand(1);
+    CLI::App* const folders = addNoun(parser, "public", "Sharing of users' Public folders");
     const auto given = std::make_shared<PublicOptions>();
     for (const bool on : {true, false}) {
         CLI::App* const command = addCommand(

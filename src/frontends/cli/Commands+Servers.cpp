@@ -1,13 +1,56 @@
 #include "frontends/cli/CommandRun.h"
+#include "platform/foundation/Computer.h"
+#include "platform/foundation/Host.h"
+#include "platform/foundation/NSBundle.h"
 
 #include <memory>
 
 namespace frontend {
 
+namespace {
+
+const platform::Computer& computer() {
+    const auto& found = platform::Host::current().services().computer;
+    if (!found) {
+        CommandRun::fail(
+            NSLocalizedString("an embedded root has a server only while Brindle runs with --serve"));
+    }
+    return *found;
+}
+
+void status(CommandRun& run) {
+    const platform::ServerLine smb = computer().smbServer();
+    const std::string afp = computer().afpServerLine();
+    const std::string missing = computer().whatIsMissing();
+    run.result()["smb"] = {{"text", smb.text}, {"canBeStarted", smb.canBeStarted}};
+    run.result()["afp"] = {{"text", afp}};
+    run.result()["missing"] = missing;
+    for (const std::string& line : {smb.text, afp, missing}) {
+        if (!line.empty()) {
+            run.say(line);
+        }
+    }
+}
+
+void start(CommandRun& run, bool atBoot) {
+    if (!computer().smbServer().canBeStarted && !atBoot) {
+        run.finishUnchanged();
+        return;
+    }
+    using Change = review::Reviewer::ServerChange;
+    run.write([atBoot] { review::Reviewer::changeServer(atBoot ? Change::StartAtBoot : Change::Start); });
+}
+
+} // namespace
+
 void addServerCommands(CLI::App& parser, CommandOptions& options) {
-    CLI::App* const servers = parser.add_subcommand("servers", "The file servers");
-    servers->fallthrough();
-    servers->require_subcommand(1);
+    CLI::App* const servers = addNoun(parser, "servers", "The file servers");
+    addCommand(*servers, options, "status", CommandKind::Reading, "Say whether the computer's servers run",
+               status);
+    const auto atBoot = std::make_shared<bool>(false);
+    addCommand(*servers, options, "start", CommandKind::Writing, "Start the computer's SMB server",
+               [atBoot](CommandRun& run) { start(run, *atBoot); })
+        ->add_flag("--at-boot", *atBoot, "Have it start with the computer instead");
     const auto which = std::make_shared<std::string>();
     addCommand(*servers, options, "restart", CommandKind::Writing, "Have a server read its settings again",
                [which](CommandRun& run) {

@@ -178,9 +178,7 @@ void set(CommandRun& run, const Page& page, const std::vector<std::string>& word
 }
 
 void addPage(CLI::App& parser, CommandOptions& options, const Page& page, const char* description) {
-    CLI::App* const settings = parser.add_subcommand(page.name, description);
-    settings->fallthrough();
-    settings->require_subcommand(1);
+    CLI::App* const settings = addNoun(parser, page.name, description);
     addCommand(*settings, options, "show", CommandKind::Reading, "Show the settings",
                [&page](CommandRun& run) { show(run, page); });
     const auto words = std::make_shared<std::vector<std::string>>();

@@ -101,9 +101,7 @@ void describe(CommandRun& run, const std::string& name) {
 void show(CommandRun& run, const ShareOptions& options) {
     static_cast<void>(requireRow(run, options.name));
     describe(run, options.name);
-    for (const auto& [key, value] : run.result()["share"].items()) {
-        run.say(key + ": " + (value.is_string() ? value.get<std::string>() : value.dump()));
-    }
+    run.sayFields("share");
 }
 
 /// Puts a folder into the editor as the open panel does, so that owner and privileges come from the disk.
@@ -184,9 +182,7 @@ void remove(CommandRun& run, const ShareOptions& options) {
 } // namespace
 
 void addShareCommands(CLI::App& parser, CommandOptions& options) {
-    CLI::App* const shares = parser.add_subcommand("shares", "Folders that this computer shares");
-    shares->fallthrough();
-    shares->require_subcommand(1);
+    CLI::App* const shares = addNoun(parser, "shares", "Folders that this computer shares");
     const auto given = std::make_shared<ShareOptions>();
     const auto addName = [&](CLI::App* command) {
         command->add_option("NAME", given->name, "The share's name")->required();

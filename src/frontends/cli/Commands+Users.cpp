@@ -61,9 +61,7 @@ void describe(CommandRun& run, const std::string& name) {
 void show(CommandRun& run, const UserOptions& options) {
     static_cast<void>(requireRow(run, options.name));
     describe(run, options.name);
-    for (const auto& [key, value] : run.result()["user"].items()) {
-        run.say(key + ": " + (value.is_string() ? value.get<std::string>() : value.dump()));
-    }
+    run.sayFields("user");
 }
 
 void fill(CommandRun& run, const UserOptions& options) {
@@ -160,9 +158,7 @@ void setPassword(CommandRun& run, const UserOptions& options) {
 } // namespace
 
 void addUserCommands(CLI::App& parser, CommandOptions& options) {
-    CLI::App* const users = parser.add_subcommand("users", "Users, and their passwords for shares");
-    users->fallthrough();
-    users->require_subcommand(1);
+    CLI::App* const users = addNoun(parser, "users", "Users, and their passwords for shares");
     const auto given = std::make_shared<UserOptions>();
     const auto addNamed = [&](const char* name, CommandKind kind, const char* description,
                               void (*carryOut)(CommandRun&, const UserOptions&)) {
