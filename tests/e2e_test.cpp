@@ -201,6 +201,33 @@ TEST_F(EndToEnd, OnlyAUserMadeInTheUsersTabGetsInWithGuestAccessOff) {
     EXPECT_TRUE(contains(smb("Docs", "alice%Wonderland1", put), "NT_STATUS_ACCESS_DENIED"));
 }
 
+TEST_F(EndToEnd, APublicFolderThatIsSharedCanBeReadAndNotWritten) {
+    const fs::path home = test_.root() / "home";
+    fs::create_directories(home / "Public");
+    std::ofstream(home / "Public" / "letter") << "Dear Ada";
+    for (const fs::path& each : {home, home / "Public"}) {
+        ASSERT_EQ(chown(each.c_str(), geteuid() == 0 ? 7201 : geteuid(), getegid()), 0);
+    }
+    const std::string uid = geteuid() == 0 ? "7201" : std::to_string(geteuid());
+    EXPECT_EQ(tool({"nicl", ".", "-create", "/users/ann"}).output, "");
+    for (const auto& [property, value] : {std::pair<std::string, std::string>("uid", uid),
+                                          {"gid", "7201"},
+                                          {"home", home.string()},
+                                          {"sharedDir", "Public"}}) {
+        EXPECT_EQ(tool({"nicl", ".", "-create", "/users/ann", property, value}).output, "");
+    }
+    EXPECT_EQ(tool({"dscl", ".", "-passwd", "/Users/ann", "Wonderland1"}).output, "");
+    const std::string read =
+        smb("ann's Public", "ann%Wonderland1", "ls; put " + configuration().string() + " new");
+    EXPECT_TRUE(contains(read, "letter")) << read;
+    EXPECT_TRUE(contains(read, "NT_STATUS_ACCESS_DENIED")) << read;
+    EXPECT_EQ(tool({"nicl", ".", "-create", "/users/ann", "sharedDir", ""}).output, "");
+    for (int tries = 0; contains(smb("ann's Public", "ann%Wonderland1", "ls"), "letter"); ++tries) {
+        ASSERT_LT(tries, 20) << "it is still there"; // the server takes a signal up when it has time
+        std::this_thread::sleep_for(std::chrono::milliseconds(250));
+    }
+}
+
 TEST_F(EndToEnd, SambaKnowsEveryParameterWrittenAndFindsTheOtherSectionsUnchanged) {
     std::ofstream(configuration(), std::ios::app)
         << "\n# kept by hand\n[Music]\n   path = /srv/music\n"

@@ -171,7 +171,7 @@ class Change {
     /// Writing the lists takes as long as there are accounts: a property that they do not hold must not cost
     /// that.
     [[nodiscard]] bool reachesLists() const {
-        constexpr std::array listed{"name", "uid", "gid", "realname", "home", "shell", "users"};
+        constexpr std::array listed{"name", "uid", "gid", "realname", "home", "shell", "users", "sharedDir"};
         return !request_.property || std::ranges::find(listed, *request_.property) != listed.end();
     }
 

@@ -1,11 +1,14 @@
 #include "platform/samba/AccountLists.h"
 
 #include "platform/netinfo/AccountNumber.h"
+#include "platform/samba/UserShares.h"
 
+#include <algorithm>
 #include <set>
 
 #include <grp.h>
 #include <pwd.h>
+#include <sys/stat.h>
 
 namespace platform {
 
@@ -77,6 +80,33 @@ std::string passwdList(const RecordBlock& users) {
     return list;
 }
 
+bool canStandInSettings(std::string_view text) {
+    return text.find_first_of("[]%;#") == std::string_view::npos && !text.ends_with('\\') &&
+           std::ranges::none_of(text, [](unsigned char character) { return character < ' '; });
+}
+
+bool isOwnFolder(const std::string& folder, uid_t owner) {
+    struct stat status {};
+
+    return ::lstat(folder.c_str(), &status) == 0 && S_ISDIR(status.st_mode) && status.st_uid == owner;
+}
+
+std::string publicFolderSections(const RecordBlock& users) {
+    std::string sections;
+    for (const auto& record : users.records()) {
+        const std::string name(value(users, record, "name"));
+        const std::string home(value(users, record, "home"));
+        const std::string folder = home + "/Public";
+        bool hasUid = false;
+        const uid_t uid = accountNumber(value(users, record, "uid"), &hasUid);
+        if (value(users, record, "sharedDir") == "Public" && canBeListed(name) && canStandInSettings(name) &&
+            hasUid && canStandInSettings(folder) && isOwnFolder(home, uid) && isOwnFolder(folder, uid)) {
+            sections += "[" + publicShareName(name) + "]\n  path = " + folder + "\n  read only = yes\n";
+        }
+    }
+    return sections;
+}
+
 std::string groupList(const RecordBlock& groups) {
     std::string list;
     std::set<std::string, std::less<>> listed;
@@ -106,7 +136,7 @@ std::string groupList(const RecordBlock& groups) {
 } // namespace
 
 AccountLists accountLists(const RecordBlock& users, const RecordBlock& groups) {
-    return {passwdList(users), groupList(groups)};
+    return {passwdList(users), groupList(groups), publicFolderSections(users)};
 }
 
 } // namespace platform

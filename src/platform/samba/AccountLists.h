@@ -10,6 +10,9 @@ namespace platform {
 struct AccountLists {
     std::string passwd;
     std::string group;
+    /// Sections of smb.conf(5): the Public folder of each user who shares it, for those who may log on to
+    /// read. Only a folder that is there and the user's own, reached by no link.
+    std::string publicFolders;
 };
 
 /// The accounts of `users` and `groups` (records of the directory), then those of this computer whose

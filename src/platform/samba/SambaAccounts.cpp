@@ -3,15 +3,18 @@
 #include "platform/netinfo/Store.h"
 #include "platform/posix/InputOutput.h"
 #include "platform/posix/Process.h"
+#include "platform/posix/ProcessTable.h"
 #include "platform/posix/Secret.h"
 #include "platform/posix/WholeFile.h"
 #include "platform/samba/AccountLists.h"
 #include "platform/samba/InstalledSamba.h"
+#include "platform/samba/ServerProcesses.h"
 
 #include <algorithm>
 #include <array>
 #include <cerrno>
 #include <chrono>
+#include <csignal>
 #include <filesystem>
 #include <system_error>
 #include <vector>
@@ -101,6 +104,10 @@ std::string SambaAccounts::groupFile() const {
     return paths_.folder + "/group";
 }
 
+std::string SambaAccounts::publicFoldersFile() const {
+    return paths_.folder + "/public.conf";
+}
+
 std::string SambaAccounts::logFolder() const {
     return paths_.folder + "/log";
 }
@@ -179,7 +186,7 @@ std::string SambaAccounts::configuration(bool includesSmbConf) const {
         "  disable spoolss = yes\n";
     if (includesSmbConf) {
         // The setting that is read last counts. The included file may end in a share.
-        text += "  include = " + paths_.smbConf + "\n" + own;
+        text += "  include = " + paths_.smbConf + "\n" + own + "  include = " + publicFoldersFile() + "\n";
     }
     return text;
 }
@@ -221,8 +228,20 @@ Status SambaAccounts::writeAccountLists(Store& store) const {
     if (!store.status().isOk()) {
         return store.status();
     }
-    const Status status = replaceFile(passwdFile(), lists.passwd);
-    return status.isOk() ? replaceFile(groupFile(), lists.group) : status;
+    Status status = replaceFile(passwdFile(), lists.passwd);
+    if (status.isOk()) {
+        status = replaceFile(groupFile(), lists.group);
+    }
+    if (!status.isOk() || readWholeFile(publicFoldersFile()).valueOr("") == lists.publicFolders) {
+        return status;
+    }
+    status = replaceFile(publicFoldersFile(), lists.publicFolders);
+    for (const pid_t process : processIds()) {
+        if (isServerWith(process, configurationFile())) {
+            ::kill(process, SIGHUP); // by itself it looks for changes once a minute
+        }
+    }
+    return status;
 }
 
 Result<FinishedProcess> SambaAccounts::changeDatabase(const std::string& program,

@@ -52,8 +52,9 @@ class SambaAccounts {
     /// The same, and the account lists from the directory as it is now. Waits for the directory's writers,
     /// and fails when they take too long or the directory cannot be read.
     [[nodiscard]] Status make() const;
-    /// Rewrites both account lists as the open transaction sees the directory, so that no other writer's
-    /// change is lost. Fails when a list cannot be written or the store has failed.
+    /// Rewrites both account lists, and the list of the Public folders that are shared, as the open
+    /// transaction sees the directory, so that no other writer's change is lost. Fails when a list cannot be
+    /// written or the store has failed.
     [[nodiscard]] Status writeAccountLists(Store& store) const;
     /// Fails with the reason when no user can have this password, whatever the directory and the database
     /// hold.
@@ -76,6 +77,7 @@ class SambaAccounts {
     };
 
     [[nodiscard]] std::string databaseFile() const;
+    [[nodiscard]] std::string publicFoldersFile() const; ///< the Public folders that are shared
     /// Runs pdbedit on the root's database. Fails when it does not end in time.
     [[nodiscard]] Result<FinishedProcess> changeDatabase(const std::string& program,
                                                          const std::vector<std::string>& operation,
