@@ -163,8 +163,9 @@ void QtPresenter::useReviewer(review::Reviewer& reviewer) {
         new WindowReview(reviewer, *window, *actions_.front(), *queue_); // the window's child
         const auto& computer = platform::Host::current().services().computer;
         auto* tabs = dynamic_cast<NSTabView*>(interfaces_.front()->find("mainTabView"));
-        if (computer && tabs != nullptr) {
-            new WindowComputer(*computer, *tabs, *window, *queue_); // the same
+        auto* users = dynamic_cast<NSTableView*>(interfaces_.front()->find("userTableView"));
+        if (computer && tabs != nullptr && users != nullptr) {
+            new WindowComputer(*computer, *tabs, *users, *window, *queue_); // the same
         }
     }
 }

@@ -215,7 +215,7 @@ void TableView::reload() {
     loadSelection();
 }
 
-void TableView::setRemarks(std::function<std::string(const std::string& name)> remark) {
+void TableView::setRemarks(std::function<std::string(const std::string& name, int row)> remark) {
     remark_ = std::move(remark);
     remarks_.clear();
     model_.setRemarkOfRow(remark_ ? [this](int row) { return remarkOfRow(row); }
@@ -230,7 +230,7 @@ QString TableView::remarkOfRow(int row) {
     const std::string name = table_.objectValue(*nameColumn_, row);
     const auto known = remarks_.find(name);
     return known != remarks_.end() ? known->second
-                                   : remarks_.emplace(name, shown(remark_(name))).first->second;
+                                   : remarks_.emplace(name, shown(remark_(name, row))).first->second;
 }
 
 void TableView::dropRenamedRows() {

@@ -47,7 +47,7 @@ class TableView : public QTableView {
 
     /// Marks the rows of whose name `remark` has something to say, which their tool tips say; asked once a
     /// name from now on, and again after each reload.
-    void setRemarks(std::function<std::string(const std::string& name)> remark);
+    void setRemarks(std::function<std::string(const std::string& name, int row)> remark);
 
     /// Compares the selection with the rows again soon: a sheet that works on the selected row has gone.
     void checkSelectionLater() { reloaded_->markDirty(); }
@@ -72,7 +72,7 @@ class TableView : public QTableView {
     const NSTableColumn* nameColumn_ = nullptr;
     Binding* reloaded_ = nullptr;
     std::map<int, std::string> namesOfSelected_; ///< the selected rows and their names, as of the last look
-    std::function<std::string(const std::string&)> remark_;
+    std::function<std::string(const std::string&, int)> remark_;
     std::map<std::string, QString> remarks_; ///< by row name, as of the last reload
     std::vector<int> shownSelection_;        ///< the selection that the widget was given last, or gave
     bool loading_ = false;

@@ -1,5 +1,6 @@
 #include "frontends/qt/WindowComputer.h"
 
+#include "frontends/qt/TableView.h"
 #include "platform/foundation/NSBundle.h"
 
 #include <QLabel>
@@ -7,10 +8,14 @@
 #include <QStatusBar>
 #include <QTimer>
 
+#include <algorithm>
+
 namespace {
 
 constexpr int milliseconds = 3000; // a server starts and ends by itself
 constexpr int afpPage = 3;
+constexpr const char* userTable = "userTableView";
+constexpr const char* sharedColumn = "Public Shared";
 
 QString localized(const char* key) {
     return shown(NSLocalizedString(key));
@@ -18,10 +23,10 @@ QString localized(const char* key) {
 
 } // namespace
 
-WindowComputer::WindowComputer(const platform::Computer& computer, NSTabView& tabs, QMainWindow& window,
-                               RefreshQueue& queue)
-    : QObject(&window), computer_(computer), tabs_(tabs), queue_(queue), state_(new QLabel),
-      start_(new QPushButton(localized("Start SMB Server"))),
+WindowComputer::WindowComputer(const platform::Computer& computer, NSTabView& tabs, NSTableView& users,
+                               QMainWindow& window, RefreshQueue& queue)
+    : QObject(&window), computer_(computer), tabs_(tabs), users_(users), window_(window), queue_(queue),
+      state_(new QLabel), start_(new QPushButton(localized("Start SMB Server"))),
       atBoot_(new QPushButton(localized("Start at Boot"))) {
     state_->setObjectName("serverState");
     state_->setTextFormat(Qt::PlainText);
@@ -41,7 +46,23 @@ WindowComputer::WindowComputer(const platform::Computer& computer, NSTabView& ta
     showState();
 }
 
+void WindowComputer::markUsers() {
+    // The page of the users is built when it is shown first.
+    auto* table = marked_ ? nullptr : window_.findChild<TableView*>(userTable);
+    const auto& columns = users_.tableColumns();
+    const auto shared = std::ranges::find(columns, sharedColumn, &NSTableColumn::identifier);
+    if (table == nullptr || shared == columns.end()) {
+        return;
+    }
+    marked_ = true;
+    table->setRemarks([this, column = *shared](const std::string& user, int row) {
+        return users_.objectValue(column, row) == NSLocalizedString("YES") ? computer_.whyNoPublicFolder(user)
+                                                                           : std::string();
+    });
+}
+
 void WindowComputer::showState() {
+    markUsers();
     const platform::ServerLine line = computer_.smbServer();
     const std::string missing = computer_.whatIsMissing();
     const std::string text =

@@ -18,17 +18,22 @@ class QPushButton;
 class WindowComputer : public QObject {
   public:
     /// All but `window`, whose child it becomes, are kept.
-    WindowComputer(const platform::Computer& computer, NSTabView& tabs, QMainWindow& window,
-                   RefreshQueue& queue);
+    WindowComputer(const platform::Computer& computer, NSTabView& tabs, NSTableView& users,
+                   QMainWindow& window, RefreshQueue& queue);
 
   private:
     void showState();
+    /// Marks the users whose Public folder is shared and cannot be offered, with the reason.
+    void markUsers();
     void control(review::Reviewer::ServerChange change);
 
     const platform::Computer& computer_;
     NSTabView& tabs_;
+    NSTableView& users_;
+    QMainWindow& window_;
     RefreshQueue& queue_;
     QLabel* state_ = nullptr;
     QPushButton* start_ = nullptr;
     QPushButton* atBoot_ = nullptr;
+    bool marked_ = false;
 };

@@ -139,7 +139,7 @@ void WindowReview::showRemarks() {
         table->setRemarks(nullptr);
         return;
     }
-    table->setRemarks([this](const std::string& share) {
+    table->setRemarks([this](const std::string& share, int /*row*/) {
         std::string text;
         for (const review::Remark& remark : reviewer_.serverReadsOtherwise(share)) {
             text += (text.empty() ? "" : "\n") + remark.sentence;

@@ -21,6 +21,8 @@ class Computer {
     [[nodiscard]] virtual ServerLine smbServer() const = 0;
     /// Whether there is an AFP server, and what becomes of its settings where there is none.
     [[nodiscard]] virtual std::string afpServerLine() const = 0;
+    /// Why no Public folder of the user can be offered, in a sentence; empty where one can be.
+    [[nodiscard]] virtual std::string whyNoPublicFolder(const std::string& user) const = 0;
 };
 
 } // namespace platform

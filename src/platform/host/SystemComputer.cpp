@@ -2,8 +2,10 @@
 
 #include "platform/foundation/NSBundle.h"
 #include "platform/foundation/NSString.h"
+#include "platform/netinfo/AccountLines.h"
 #include "platform/posix/ProcessTable.h"
 #include "platform/samba/InstalledSamba.h"
+#include "platform/samba/UserShares.h"
 #include "platform/security/HelperFile.h"
 #include "platform/security/SudoAuthority.h"
 
@@ -12,6 +14,7 @@
 #include <ctime>
 #include <vector>
 
+#include <pwd.h>
 #include <unistd.h>
 
 namespace platform {
@@ -98,6 +101,19 @@ std::string SystemComputer::afpServerLine() const {
                 : NSLocalizedString(
                       "No AFP server runs on this computer: AFP settings and shares are kept, and not "
                       "served.");
+}
+
+std::string SystemComputer::whyNoPublicFolder(const std::string& user) const {
+    const passwd* entry = ::getpwnam(user.c_str());
+    if (entry == nullptr) {
+        return {};
+    }
+    const AccountLimits limits = readAccountLimits();
+    const std::string reason = platform::whyNoPublicFolder(
+        {user, entry->pw_uid, entry->pw_gid, entry->pw_dir}, limits.lowestUser, limits.highestUser);
+    return reason.empty()
+               ? reason
+               : stringWithFormat(NSLocalizedString("The Public folder is not offered: %@."), reason);
 }
 
 std::string SystemComputer::whatIsMissing() const {

@@ -30,6 +30,7 @@ class SystemComputer : public Computer {
     [[nodiscard]] std::string whatIsMissing() const override;
     [[nodiscard]] ServerLine smbServer() const override;
     [[nodiscard]] std::string afpServerLine() const override;
+    [[nodiscard]] std::string whyNoPublicFolder(const std::string& user) const override;
 
   private:
     std::string helper_;

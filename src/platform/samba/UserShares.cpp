@@ -103,8 +103,12 @@ std::string whyNoPublicFolder(const PublicFolderOwner& owner, uid_t lowest, uid_
     if (owner.uid < lowest || owner.uid > highest) {
         return owner.name + " is an account of the system";
     }
-    const auto home = openHome(owner);
-    return home.isOk() ? std::string() : owner.name + " has no home folder of its own";
+
+    struct stat status {}; // a folder that may not be opened can be looked at
+
+    const bool isOwn =
+        ::lstat(owner.home.c_str(), &status) == 0 && S_ISDIR(status.st_mode) && status.st_uid == owner.uid;
+    return isOwn ? std::string() : owner.name + " has no home folder of its own";
 }
 
 Status offerPublicFolder(const PublicFolderOwner& owner) {
