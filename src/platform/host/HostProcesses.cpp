@@ -1,6 +1,5 @@
 #include "platform/host/HostProcesses.h"
 
-#include "platform/foundation/NSString.h"
 #include "platform/host/EmbeddedRoot.h"
 #include "platform/posix/ProcessTable.h"
 #include "platform/samba/SambaAccounts.h"
@@ -92,7 +91,7 @@ bool isServerOfRoot(const std::string& processId, const std::string& rootFolder)
         if (!programNameOf(process).starts_with("smbd")) {
             return false;
         }
-        process = intValue(statusNumberOf(process, "PPid"));
+        process = parentOf(process);
     }
     return false;
 }

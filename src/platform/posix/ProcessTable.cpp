@@ -64,6 +64,13 @@ std::string statusNumberOf(pid_t process, std::string_view line) {
     return status.substr(start, status.find_first_of("\t\n", start) - start);
 }
 
+pid_t parentOf(pid_t process) {
+    const std::string number = statusNumberOf(process, "PPid");
+    pid_t parent = 0;
+    std::from_chars(number.data(), number.data() + number.size(), parent);
+    return parent;
+}
+
 bool isInContainer(pid_t process) {
     // One number for each namespace that it is in, this one's first.
     constexpr std::string_view name = "\nNSpid:\t";

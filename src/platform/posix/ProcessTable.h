@@ -19,6 +19,8 @@ namespace platform {
 [[nodiscard]] std::string programNameOf(pid_t process);
 /// The first number of a line of /proc/PID/status: "PPid" is its parent, "Uid" its owner.
 [[nodiscard]] std::string statusNumberOf(pid_t process, std::string_view line);
+/// The process that started it, or that has adopted it; 0 when there is no such process.
+[[nodiscard]] pid_t parentOf(pid_t process);
 
 /// Whether it belongs to a container below this system, where it has a number of its own.
 [[nodiscard]] bool isInContainer(pid_t process);

@@ -6,7 +6,6 @@
 #include <algorithm>
 #include <chrono>
 #include <csignal>
-#include <cstdlib>
 #include <filesystem>
 #include <set>
 #include <system_error>
@@ -86,7 +85,7 @@ bool isComputersServer(pid_t process) {
         if (!isOurs || (!configuration.empty() && !isSameFile(configuration, sambaBuild().configFile))) {
             return false;
         }
-        const auto parent = static_cast<pid_t>(std::atoi(statusNumberOf(process, "PPid").c_str()));
+        const pid_t parent = parentOf(process);
         if (parent <= 0 || !isServer(parent)) {
             return true;
         }
