@@ -135,3 +135,21 @@ TEST_F(Commands, EndWithAStatusThatTellsWhatIsMissing) {
     EXPECT_EQ(command("shares set Docs --owner-may everything").status, 2);
     EXPECT_EQ(answer("groups list")["groups"].dump().find("crew"), std::string::npos);
 }
+
+TEST_F(Commands, AreCompletedWithTheNamesThatThereAre) {
+    EXPECT_EQ(command("shares add Docs " + folder().string() + " --yes").status, 0);
+    const auto completed = [&](const std::string& line) {
+        const std::string root = (test_.root() / "computer").string();
+        return runProgram({"bash", "-c",
+                           "source " BRINDLE_RESOURCES
+                           "/completion/brindle.bash; COMP_WORDS=(brindle --root " +
+                               root + " " + line +
+                               "); COMP_CWORD=$((${#COMP_WORDS[@]} - 1)); _brindle; echo ${COMPREPLY[@]}"},
+                          {}, {"PATH=" BRINDLE_PROGRAMS ":/usr/bin:/bin", "HOME=" + test_.home().string()})
+            .output;
+    };
+    EXPECT_EQ(completed("sh"), "shares\n");
+    EXPECT_EQ(completed("shares set ''"), "Docs\n");
+    EXPECT_EQ(completed("shares set Docs --owner-may ''"), "rw r w none\n");
+    EXPECT_EQ(completed("smb set wo"), "workgroup\n");
+}

@@ -1,0 +1,71 @@
+# Completion of brindle for fish. Names of shares, users and groups are asked of Brindle itself.
+
+function __brindle_names
+    set -l host
+    set -l words (commandline -opc)
+    contains -- --system $words; and set host --system
+    if set -l at (contains -i -- --root $words)
+        set host --root $words[(math $at + 1)]
+    end
+    # To ask for a name must not make a root.
+    if test (count $host) -eq 0
+        set -l data $HOME/.local/share
+        set -q XDG_DATA_HOME; and set data $XDG_DATA_HOME
+        set -l root $data/brindle
+        set -q BRINDLE_ROOT; and set root $BRINDLE_ROOT
+        test -e $root/directory.db; or return
+    end
+    brindle $host $argv[1] list 2>/dev/null </dev/null | cut -f 1
+end
+
+function __brindle_noun
+    set -l words (commandline -opc)
+    test (count $words) -eq 1
+end
+
+function __brindle_verb -a noun
+    set -l words (commandline -opc)
+    test (count $words) -eq 2; and test "$words[2]" = $noun
+end
+
+function __brindle_after
+    set -l words (commandline -opc)
+    test (count $words) -ge (math (count $argv) + 1); or return 1
+    for index in (seq (count $argv))
+        contains -- $words[(math $index + 1)] (string split , $argv[$index]); or return 1
+    end
+end
+
+complete -c brindle -f
+complete -c brindle -n __brindle_noun -a 'shares users groups public smb afp servers history undo check-access'
+complete -c brindle -n '__brindle_verb shares' -a 'list show add set remove'
+complete -c brindle -n '__brindle_verb users' -a 'list show add set remove password'
+complete -c brindle -n '__brindle_verb groups' -a 'list show add set remove join leave'
+complete -c brindle -n '__brindle_verb public' -a 'on off'
+complete -c brindle -n '__brindle_verb smb' -a 'show set'
+complete -c brindle -n '__brindle_verb afp' -a 'show set'
+complete -c brindle -n '__brindle_verb servers' -a 'status start restart'
+complete -c brindle -n '__brindle_after shares show,set,remove' -a '(__brindle_names shares)'
+complete -c brindle -n '__brindle_after shares add' -F
+complete -c brindle -n '__brindle_after users show,set,remove,password' -a '(__brindle_names users)'
+complete -c brindle -n '__brindle_after groups show,set,remove,join,leave' -a '(__brindle_names groups)'
+complete -c brindle -n '__brindle_after groups join,leave' -a '(__brindle_names users)'
+complete -c brindle -n '__brindle_after public on,off' -a '(__brindle_names users)'
+complete -c brindle -n '__brindle_after servers restart' -a 'smb afp'
+complete -c brindle -n '__brindle_after check-access' -a '(__brindle_names shares) (__brindle_names users)'
+complete -c brindle -n 'not __brindle_noun' -l json -d 'Print one JSON object'
+complete -c brindle -n 'not __brindle_noun' -l yes -d 'Answer every confirmation with yes'
+complete -c brindle -n 'not __brindle_noun' -l dry-run -d 'Print what would be done, and do nothing'
+complete -c brindle -l root -r -F -d 'Work on the embedded root in this folder'
+complete -c brindle -l system -d 'Work on this computer itself'
+complete -c brindle -n '__brindle_after shares add,set' -l owner -x -a '(__brindle_names users)'
+complete -c brindle -n '__brindle_after shares add,set; or __brindle_after users add,set' -l group -x -a '(__brindle_names groups)'
+for who in owner group everyone
+    complete -c brindle -n '__brindle_after shares add,set' -l $who-may -x -a 'rw r w none'
+end
+for what in guests smb afp
+    complete -c brindle -n '__brindle_after shares add,set' -l $what
+    complete -c brindle -n '__brindle_after shares add,set' -l no-$what
+end
+complete -c brindle -n '__brindle_after users add,password' -l password-stdin
+complete -c brindle -n '__brindle_after check-access' -l guest
