@@ -179,9 +179,10 @@ done)sh";
 
 class Sudo : public testing::Test {
   protected:
-    Sudo() { ::setenv("BRINDLE_DEVELOPMENT", "1", 1); } // others may write where the test's files lie
+    // Others may write where the test's files lie.
+    void SetUp() override { ::setenv("BRINDLE_DEVELOPMENT", "1", 1); }
 
-    ~Sudo() override { ::unsetenv("BRINDLE_DEVELOPMENT"); }
+    void TearDown() override { ::unsetenv("BRINDLE_DEVELOPMENT"); }
 
     OSStatus ask() { return AuthorizationCopyRights(session_, kRight, kAsk, nullptr); }
 

@@ -39,7 +39,7 @@ ConsentSession& consentOf(AuthorizationSession& session) {
 ConsentAuthority::ConsentAuthority(const std::string& helper, const std::string& rootFolder)
     : ConsentAuthority({helper, "--root", rootFolder, "--session"}) {}
 
-ConsentAuthority::ConsentAuthority(std::vector<std::string> command) : helper_(std::move(command)) {}
+ConsentAuthority::ConsentAuthority(std::vector<std::string> command) : HelperAuthority(std::move(command)) {}
 
 std::unique_ptr<AuthorizationSession> ConsentAuthority::createSession(OSStatus* status) {
     *status = errAuthorizationSuccess;
@@ -77,23 +77,7 @@ OSStatus ConsentAuthority::execute(AuthorizationSession& session, const std::str
     if (!waitsForCommit(tool)) {
         settle(); // the others read the directory, or take longer than anybody should wait for it
     }
-    return helper_.run(tool, arguments, output);
-}
-
-void ConsentAuthority::settle() {
-    if (Status status = helper_.settle(); !status.isOk()) {
-        Host::current().presenter().beep();
-        NSLog("%@", status.text());
-    }
-}
-
-void ConsentAuthority::takeBack() {
-    helper_.end(); // what was not settled goes with it
-}
-
-void ConsentAuthority::endAction() {
-    settle();
-    helper_.end();
+    return helper().run(tool, arguments, output);
 }
 
 } // namespace platform

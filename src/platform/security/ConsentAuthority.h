@@ -1,13 +1,9 @@
 #pragma once
 
-#include "platform/foundation/Services.h"
-#include "platform/security/Authority.h"
-#include "platform/security/HelperSession.h"
+#include "platform/security/HelperAuthority.h"
 
 #include <string>
 #include <vector>
-
-#include <string>
 
 namespace platform {
 
@@ -18,7 +14,7 @@ namespace platform {
 ///
 /// One helper serves the runs of an action. What its runs of the directory's tools change is one transaction,
 /// which is settled before a run of another tool, before anybody is asked, and at the action's end.
-class ConsentAuthority : public Authority, public PendingWrites {
+class ConsentAuthority : public HelperAuthority {
   public:
     /// How long a consent holds, in seconds.
     static constexpr double consentSeconds = 300;
@@ -36,13 +32,6 @@ class ConsentAuthority : public Authority, public PendingWrites {
     /// errAuthorizationDenied when the consent does not hold.
     [[nodiscard]] OSStatus execute(AuthorizationSession& session, const std::string& tool,
                                    std::span<const std::string> arguments, int* output) override;
-
-    void settle() override;
-    void takeBack() override;
-    void endAction() override;
-
-  private:
-    HelperSession helper_;
 };
 
 } // namespace platform

@@ -55,8 +55,9 @@ std::vector<std::string> joined(std::vector<std::string> words, const std::vecto
 } // namespace
 
 SudoAuthority::SudoAuthority(std::string helper, const std::string& prefix, std::string sudo)
-    : helperFile_(std::move(helper)), helperCommand_(systemHelperCommand(helperFile_, prefix)),
-      sudo_(std::move(sudo)), helper_(joined({sudo_, "-n", "--"}, helperCommand_)) {}
+    : HelperAuthority(joined({sudo, "-n", "--"}, systemHelperCommand(helper, prefix))),
+      helperFile_(std::move(helper)), helperCommand_(systemHelperCommand(helperFile_, prefix)),
+      sudo_(std::move(sudo)) {}
 
 std::unique_ptr<AuthorizationSession> SudoAuthority::createSession(OSStatus* status) {
     *status = errAuthorizationSuccess;
@@ -74,7 +75,7 @@ bool SudoAuthority::succeeds(const std::vector<std::string>& options) const {
 
 OSStatus SudoAuthority::copyRights(AuthorizationSession& /*session*/, const AuthorizationRights& /*rights*/,
                                    AuthorizationFlags flags) {
-    if (helper_.isRunning()) {
+    if (helper().isRunning()) {
         return errAuthorizationSuccess;
     }
     const bool mayAsk = (flags & kAuthorizationFlagInteractionAllowed) != 0;
@@ -140,7 +141,7 @@ OSStatus SudoAuthority::askForPassword() {
         const Verdict verdict = check(line);
         Status started;
         if (verdict == Verdict::Accepted && !succeeds({"-n", "-v"})) {
-            started = helper_.start(joined({sudo_, "-S", "-p", "", "--"}, helperCommand_), line);
+            started = helper().start(joined({sudo_, "-S", "-p", "", "--"}, helperCommand_), line);
         }
         wipe(line);
         switch (verdict) {
@@ -167,7 +168,7 @@ OSStatus SudoAuthority::askForPassword() {
 }
 
 void SudoAuthority::destroyRights(AuthorizationSession& /*session*/) {
-    helper_.end();
+    helper().end();
     if (isProgram(sudo_) && !succeeds({"-k"})) {
         NSLog("%@ -k failed: the administrator right may last until sudo forgets it by itself", sudo_);
     }
@@ -179,23 +180,7 @@ OSStatus SudoAuthority::execute(AuthorizationSession& /*session*/, const std::st
     if (!isProgram(sudo_) || !checkHelperFile(helperFile_).isOk()) {
         return errAuthorizationToolExecuteFailure;
     }
-    return helper_.run(tool, arguments, output);
-}
-
-void SudoAuthority::settle() {
-    if (Status status = helper_.settle(); !status.isOk()) {
-        Host::current().presenter().beep();
-        NSLog("%@", status.text());
-    }
-}
-
-void SudoAuthority::takeBack() {
-    helper_.end(); // what was not settled goes with it
-}
-
-void SudoAuthority::endAction() {
-    settle();
-    helper_.end();
+    return helper().run(tool, arguments, output);
 }
 
 } // namespace platform

@@ -1,9 +1,7 @@
 #pragma once
 
-#include "platform/foundation/Services.h"
 #include "platform/posix/Process.h"
-#include "platform/security/Authority.h"
-#include "platform/security/HelperSession.h"
+#include "platform/security/HelperAuthority.h"
 
 #include <optional>
 #include <string>
@@ -19,7 +17,7 @@ namespace platform {
 ///
 /// One helper serves the runs of an action. Where sudo remembers no password (timestamp_timeout=0), the one
 /// that was given starts the helper at once, and the right lasts as long as it: to the end of the action.
-class SudoAuthority : public Authority, public PendingWrites {
+class SudoAuthority : public HelperAuthority {
   public:
     /// How often the user may try a password before a request fails.
     static constexpr int tries = 3;
@@ -41,10 +39,6 @@ class SudoAuthority : public Authority, public PendingWrites {
     [[nodiscard]] OSStatus execute(AuthorizationSession& session, const std::string& tool,
                                    std::span<const std::string> arguments, int* output) override;
 
-    void settle() override;
-    void takeBack() override;
-    void endAction() override;
-
   private:
     enum class Verdict { Accepted, WrongPassword, NotAllowed, Failed };
 
@@ -58,7 +52,6 @@ class SudoAuthority : public Authority, public PendingWrites {
     std::string helperFile_;
     std::vector<std::string> helperCommand_;
     std::string sudo_;
-    HelperSession helper_;
     std::optional<bool> helperIsFree_; ///< sudo asks for no password for it; asked once
     std::string complaint_;            ///< sudo's own last one
 };

@@ -1,0 +1,25 @@
+#include "platform/security/HelperAuthority.h"
+
+#include "platform/appkit/Presenter.h"
+#include "platform/foundation/Host.h"
+#include "platform/foundation/NSLog.h"
+
+namespace platform {
+
+void HelperAuthority::settle() {
+    if (Status status = helper_.settle(); !status.isOk()) {
+        Host::current().presenter().beep();
+        NSLog("%@", status.text());
+    }
+}
+
+void HelperAuthority::takeBack() {
+    helper_.end(); // what was not settled goes with it
+}
+
+void HelperAuthority::endAction() {
+    settle();
+    helper_.end();
+}
+
+} // namespace platform
