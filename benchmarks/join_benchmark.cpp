@@ -3,7 +3,7 @@
 
 #include "TemporaryFolder.h"
 #include "app/BRController.h"
-#include "frontends/SilentPresenter.h"
+#include "frontends/cli/SilentPresenter.h"
 #include "platform/appkit/Interface.h"
 #include "platform/foundation/Host.h"
 #include "platform/foundation/NSBundle.h"

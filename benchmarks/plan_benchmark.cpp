@@ -5,7 +5,7 @@
 #include "FilledRoot.h"
 #include "TemporaryFolder.h"
 #include "app/BRController.h"
-#include "frontends/SilentPresenter.h"
+#include "frontends/cli/SilentPresenter.h"
 #include "platform/appkit/NSPopUpButton.h"
 #include "platform/appkit/NSTableView.h"
 #include "platform/appkit/NSTextField.h"
