@@ -1,75 +1,6 @@
-#include "tools/Helper.h"
-
-#include "platform/foundation/Host.h"
-#include "platform/foundation/NSFileManager.h"
-#include "platform/host/EmbeddedRoot.h"
-#include "platform/samba/SambaAccounts.h"
-#include "platform/security/ConsentAuthority.h"
-#include "platform/security/HelperSession.h"
-#include "platform/security/SudoAuthority.h"
-#include "privileged/NiutilTask.h"
-#include "support/ScratchAdministrator.h"
-#include "support/Subprocess.h"
-#include "support/TestHost.h"
-#include "tools/HelperFolders.h"
-
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <csignal>
-#include <filesystem>
-#include <fstream>
-#include <thread>
-#include <tuple>
-
-#include <pwd.h>
-#include <sys/resource.h>
-#include <sys/stat.h>
-#include <sys/wait.h>
-#include <unistd.h>
+#include "support/HelperFixture.h"
 
 namespace {
-
-namespace fs = std::filesystem;
-using platform::HelperSession;
-
-const std::string kHelper = std::string(BRINDLE_PROGRAMS) + "/brindle-helper";
-
-struct stat statusOf(const fs::path& path) {
-    struct stat status {};
-
-    EXPECT_EQ(::stat(path.c_str(), &status), 0) << path;
-    return status;
-}
-
-unsigned modeOf(const fs::path& path) {
-    return statusOf(path).st_mode & 07777U;
-}
-
-class HelperTest : public testing::Test {
-  protected:
-    HelperTest() { EXPECT_EQ(root_.makeIfMissing().text(), ""); }
-
-    std::string run(const std::string& tool, const std::vector<std::string>& arguments) const {
-        const HelperResult result = runHelperTool(place_, {tool, arguments});
-        const std::string text = result.output + result.errors;
-        EXPECT_EQ(result.status, text.empty() ? 0 : 1);
-        EXPECT_EQ(std::ranges::count(text, '\n'), text.empty() ? 0 : 1) << "one line: " << text;
-        return text;
-    }
-
-    fs::path folder(const std::string& name) const {
-        fs::create_directories(test_.root() / name);
-        return test_.root() / name;
-    }
-
-    /// Strings of its own mean resources of its own, which another account can read wherever the checkout is.
-    TestHost test_{TestHost::Options{.strings = {{"OK", "OK"}}}};
-    platform::EmbeddedRoot root_{(test_.root() / "computer").string()};
-    HelperPlace place_{root_.folder(), ::getuid()};
-    fs::path target_ = root_.map("/etc/smb.conf");
-    std::string source_ = (test_.root() / "new.conf").string();
-};
 
 TEST_F(HelperTest, RefusesWhatIsNotForSharingAndSaysWhy) {
     const fs::path shared = folder("shared");
@@ -238,122 +169,6 @@ TEST_F(HelperTest, HangsUpTheServersOfItsRootAndNoOthers) {
     EXPECT_FALSE(fs::exists(test_.root() / "foreign/HUP"));
 }
 
-TEST_F(HelperTest, ServesARealRunFromTheWindowsSideToTheDirectory) {
-    platform::Services services = test_.host().services();
-    const auto authority = std::make_shared<platform::ConsentAuthority>(kHelper, root_.folder());
-    services.authority = authority;
-    services.pendingWrites = authority;
-    const platform::Host host(std::move(services));
-    NiutilTask& task = NiutilTask::sharedInstance();
-    EXPECT_TRUE(task.createShare("Docs", "/srv/-Docs", 1, 0, 1));
-    const std::vector<std::string> read = {".", "/config/Brindle", "name", "directory_path"};
-    std::vector<std::string> command = {std::string(BRINDLE_PROGRAMS) + "/nireport", "--root",
-                                        root_.folder()};
-    command.insert(command.end(), read.begin(), read.end());
-    platform::Host::settlePendingWrites();
-    EXPECT_EQ(runProgram(command).output, "Docs\t/srv/-Docs\t\n");
-    test_.write("new.conf", "[global]\n");
-    EXPECT_TRUE(task.cp(source_, "/etc/smb.conf"));
-    EXPECT_EQ(contentsOfFile(target_.string()).valueOr("?"), "[global]\n");
-    EXPECT_TRUE(test_.log.empty());
-    task.deleteShare("Docs");
-    task.deleteShare("Docs");
-    ASSERT_EQ(test_.log.size(), 1U) << "the second time there is nothing to delete";
-    EXPECT_TRUE(test_.log[0].starts_with("outString non empty for deleteGroup: nicl: ")) << test_.log[0];
-}
-
-/// One action's runs through the real helper, and what everybody else sees of them.
-class Action : public HelperTest {
-  protected:
-    static std::string outputOf(HelperSession& helper, const std::string& tool,
-                                const std::vector<std::string>& arguments) {
-        int output = -1;
-        const OSStatus status = helper.run(tool, arguments, &output);
-        if (status != errAuthorizationSuccess) {
-            return std::to_string(status);
-        }
-        std::string text(4096, '\0');
-        const ssize_t size = ::read(output, text.data(), text.size());
-        ::close(output);
-        text.resize(static_cast<std::size_t>(std::max<ssize_t>(size, 0)));
-        return text;
-    }
-
-    static std::string nicl(HelperSession& helper, std::vector<std::string> words) {
-        words.insert(words.begin(), ".");
-        return outputOf(helper, "/usr/bin/nicl", words);
-    }
-
-    /// The shares as another program reads them.
-    [[nodiscard]] std::string shares() const {
-        return runProgram({std::string(BRINDLE_PROGRAMS) + "/nireport", "--root", root_.folder(), ".",
-                           "/config/Brindle", "name", "directory_path"})
-            .output;
-    }
-
-    std::vector<std::string> command_ = {kHelper, "--root", root_.folder(), "--session"};
-};
-
-TEST_F(Action, LeavesNothingOfItsRunsWhenItEndsBeforeTheyAreSettled) {
-    {
-        HelperSession helper(command_);
-        EXPECT_EQ(nicl(helper, {"-create", "/config/Brindle/Docs"}), "");
-        EXPECT_EQ(nicl(helper, {"-create", "/config/Brindle/Docs", "directory_path", "/srv"}), "");
-    }
-    EXPECT_EQ(shares(), "");
-    HelperSession helper(command_);
-    EXPECT_EQ(nicl(helper, {"-create", "/config/Brindle/Docs"}), "");
-    EXPECT_NE(nicl(helper, {"-create", "/config/Brindle/Docs", "directory_path", "/srv\\"}), "");
-    EXPECT_NE(nicl(helper, {"-delete", "/config/Brindle/other"}), "") << "each run is judged by itself";
-    EXPECT_EQ(nicl(helper, {"-create", "/config/Brindle/Docs", "directory_path", "/srv/a"}), "");
-    EXPECT_EQ(outputOf(helper, "/bin/rm", {"x"}), "-60031");
-    std::string seen;
-    std::thread other([&] { seen = shares(); });
-    ::usleep(100000); // long enough to find the directory half done, were it not kept from reading
-    EXPECT_TRUE(helper.settle().isOk());
-    other.join();
-    EXPECT_EQ(seen, "Docs\t/srv/a\t\n");
-    EXPECT_EQ(nicl(helper, {"-delete", "/config/Brindle/Docs"}), "");
-    EXPECT_EQ(outputOf(helper, "/bin/chmod", {"755", folder("shared").string()}), "");
-    EXPECT_EQ(shares(), "") << "another tool's run has committed";
-    helper.end();
-    EXPECT_TRUE(helper.settle().isOk());
-}
-
-TEST_F(Action, LeavesARunWhoseAnswerCouldNotBeTakenUndone) {
-    HelperSession helper(command_);
-    EXPECT_EQ(nicl(helper, {"-create", "/config/Brindle/Docs"}), "");
-    rlimit limit{};
-    ASSERT_EQ(::getrlimit(RLIMIT_NOFILE, &limit), 0);
-    const int next = ::dup(STDIN_FILENO);
-    ::close(next);
-    rlimit none = limit;
-    none.rlim_cur = static_cast<rlim_t>(next);
-    ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &none), 0);
-    const std::string said = nicl(helper, {"-create", "/config/Brindle/Films"});
-    ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &limit), 0);
-    EXPECT_EQ(said, "-60031");
-    EXPECT_TRUE(helper.settle().isOk());
-    EXPECT_EQ(shares(), "Docs\t#NoValue#\t\n");
-}
-
-TEST_F(Action, IsToldWhenWhatItDidIsLost) {
-    HelperSession helper(command_);
-    EXPECT_EQ(nicl(helper, {"-create", "/users/carol"}), "");
-    EXPECT_EQ(nicl(helper, {"-create", "/users/carol", "uid", "70502"}), "");
-    const fs::path list = platform::SambaAccounts(root_.sambaPaths()).groupFile();
-    const std::string passwd = *contentsOfFile(platform::SambaAccounts(root_.sambaPaths()).passwdFile());
-    fs::rename(list, list.string() + ".away");
-    fs::create_directory(list); // the server's account lists cannot be written
-    const platform::Status status = helper.settle();
-    EXPECT_NE(status.text().find("cannot write " + list.string()), std::string::npos) << status.text();
-    EXPECT_NE(nicl(helper, {"-create", "/users/carol", "uid", "70502"}), "") << "the user is gone";
-    EXPECT_EQ(*contentsOfFile(platform::SambaAccounts(root_.sambaPaths()).passwdFile()), passwd);
-    EXPECT_TRUE(helper.settle().isOk()) << "it is told once";
-    fs::remove(list);
-    fs::rename(list.string() + ".away", list);
-}
-
 TEST_F(HelperTest, StartsNothingForARequestThatItRefuses) {
     using Words = std::vector<std::string>;
     const Words root = {"--root", root_.folder()};
@@ -367,14 +182,14 @@ TEST_F(HelperTest, StartsNothingForARequestThatItRefuses) {
         {Words{}, good, {}},
     };
     for (const auto& [options, request, environment] : cases) {
-        Words command = {kHelper};
+        Words command = {helperProgram};
         command.insert(command.end(), options.begin(), options.end());
         const Finished finished = runProgram(command, request, environment);
         EXPECT_EQ(finished.output, "");
         EXPECT_NE(finished.errors, "") << "it says why";
         EXPECT_GT(finished.status, 1) << "1 is how sudo refuses";
     }
-    EXPECT_EQ(runProgram({kHelper, "--root", root_.folder()}, good).output, "\x06");
+    EXPECT_EQ(runProgram({helperProgram, "--root", root_.folder()}, good).output, "\x06");
 }
 
 TEST_F(HelperTest, ActsAsRootThroughTheRealSudoOnceThePasswordIsRight) {
@@ -384,7 +199,7 @@ TEST_F(HelperTest, ActsAsRootThroughTheRealSudoOnceThePasswordIsRight) {
     }
     fs::permissions(test_.root(), fs::perms(0755));
     const std::string helper = (test_.root() / "brindle-helper").string(); // where that account finds it
-    fs::copy_file(kHelper, helper);
+    fs::copy_file(helperProgram, helper);
     const fs::path shared = folder("shared");
     platform::Services services = test_.host().services();
     services.authority = std::make_shared<platform::SudoAuthority>(helper);

@@ -1,0 +1,125 @@
+// The runs of an action through the real helper, from the window's side.
+
+#include "support/HelperFixture.h"
+
+namespace {
+
+using platform::HelperSession;
+
+TEST_F(HelperTest, ServesARealRunFromTheWindowsSideToTheDirectory) {
+    platform::Services services = test_.host().services();
+    const auto authority = std::make_shared<platform::ConsentAuthority>(helperProgram, root_.folder());
+    services.authority = authority;
+    services.pendingWrites = authority;
+    const platform::Host host(std::move(services));
+    NiutilTask& task = NiutilTask::sharedInstance();
+    EXPECT_TRUE(task.createShare("Docs", "/srv/-Docs", 1, 0, 1));
+    const std::vector<std::string> read = {".", "/config/Brindle", "name", "directory_path"};
+    std::vector<std::string> command = {std::string(BRINDLE_PROGRAMS) + "/nireport", "--root",
+                                        root_.folder()};
+    command.insert(command.end(), read.begin(), read.end());
+    platform::Host::settlePendingWrites();
+    EXPECT_EQ(runProgram(command).output, "Docs\t/srv/-Docs\t\n");
+    test_.write("new.conf", "[global]\n");
+    EXPECT_TRUE(task.cp(source_, "/etc/smb.conf"));
+    EXPECT_EQ(contentsOfFile(target_.string()).valueOr("?"), "[global]\n");
+    EXPECT_TRUE(test_.log.empty());
+    task.deleteShare("Docs");
+    task.deleteShare("Docs");
+    ASSERT_EQ(test_.log.size(), 1U) << "the second time there is nothing to delete";
+    EXPECT_TRUE(test_.log[0].starts_with("outString non empty for deleteGroup: nicl: ")) << test_.log[0];
+}
+
+/// One action's runs through the real helper, and what everybody else sees of them.
+class Action : public HelperTest {
+  protected:
+    static std::string outputOf(HelperSession& helper, const std::string& tool,
+                                const std::vector<std::string>& arguments) {
+        int output = -1;
+        const OSStatus status = helper.run(tool, arguments, &output);
+        if (status != errAuthorizationSuccess) {
+            return std::to_string(status);
+        }
+        std::string text(4096, '\0');
+        const ssize_t size = ::read(output, text.data(), text.size());
+        ::close(output);
+        text.resize(static_cast<std::size_t>(std::max<ssize_t>(size, 0)));
+        return text;
+    }
+
+    static std::string nicl(HelperSession& helper, std::vector<std::string> words) {
+        words.insert(words.begin(), ".");
+        return outputOf(helper, "/usr/bin/nicl", words);
+    }
+
+    /// The shares as another program reads them.
+    [[nodiscard]] std::string shares() const {
+        return runProgram({std::string(BRINDLE_PROGRAMS) + "/nireport", "--root", root_.folder(), ".",
+                           "/config/Brindle", "name", "directory_path"})
+            .output;
+    }
+
+    std::vector<std::string> command_ = {helperProgram, "--root", root_.folder(), "--session"};
+};
+
+TEST_F(Action, LeavesNothingOfItsRunsWhenItEndsBeforeTheyAreSettled) {
+    {
+        HelperSession helper(command_);
+        EXPECT_EQ(nicl(helper, {"-create", "/config/Brindle/Docs"}), "");
+        EXPECT_EQ(nicl(helper, {"-create", "/config/Brindle/Docs", "directory_path", "/srv"}), "");
+    }
+    EXPECT_EQ(shares(), "");
+    HelperSession helper(command_);
+    EXPECT_EQ(nicl(helper, {"-create", "/config/Brindle/Docs"}), "");
+    EXPECT_NE(nicl(helper, {"-create", "/config/Brindle/Docs", "directory_path", "/srv\\"}), "");
+    EXPECT_NE(nicl(helper, {"-delete", "/config/Brindle/other"}), "") << "each run is judged by itself";
+    EXPECT_EQ(nicl(helper, {"-create", "/config/Brindle/Docs", "directory_path", "/srv/a"}), "");
+    EXPECT_EQ(outputOf(helper, "/bin/rm", {"x"}), "-60031");
+    std::string seen;
+    std::thread other([&] { seen = shares(); });
+    ::usleep(100000); // long enough to find the directory half done, were it not kept from reading
+    EXPECT_TRUE(helper.settle().isOk());
+    other.join();
+    EXPECT_EQ(seen, "Docs\t/srv/a\t\n");
+    EXPECT_EQ(nicl(helper, {"-delete", "/config/Brindle/Docs"}), "");
+    EXPECT_EQ(outputOf(helper, "/bin/chmod", {"755", folder("shared").string()}), "");
+    EXPECT_EQ(shares(), "") << "another tool's run has committed";
+    helper.end();
+    EXPECT_TRUE(helper.settle().isOk());
+}
+
+TEST_F(Action, LeavesARunWhoseAnswerCouldNotBeTakenUndone) {
+    HelperSession helper(command_);
+    EXPECT_EQ(nicl(helper, {"-create", "/config/Brindle/Docs"}), "");
+    rlimit limit{};
+    ASSERT_EQ(::getrlimit(RLIMIT_NOFILE, &limit), 0);
+    const int next = ::dup(STDIN_FILENO);
+    ::close(next);
+    rlimit none = limit;
+    none.rlim_cur = static_cast<rlim_t>(next);
+    ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &none), 0);
+    const std::string said = nicl(helper, {"-create", "/config/Brindle/Films"});
+    ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &limit), 0);
+    EXPECT_EQ(said, "-60031");
+    EXPECT_TRUE(helper.settle().isOk());
+    EXPECT_EQ(shares(), "Docs\t#NoValue#\t\n");
+}
+
+TEST_F(Action, IsToldWhenWhatItDidIsLost) {
+    HelperSession helper(command_);
+    EXPECT_EQ(nicl(helper, {"-create", "/users/carol"}), "");
+    EXPECT_EQ(nicl(helper, {"-create", "/users/carol", "uid", "70502"}), "");
+    const fs::path list = platform::SambaAccounts(root_.sambaPaths()).groupFile();
+    const std::string passwd = *contentsOfFile(platform::SambaAccounts(root_.sambaPaths()).passwdFile());
+    fs::rename(list, list.string() + ".away");
+    fs::create_directory(list); // the server's account lists cannot be written
+    const platform::Status status = helper.settle();
+    EXPECT_NE(status.text().find("cannot write " + list.string()), std::string::npos) << status.text();
+    EXPECT_NE(nicl(helper, {"-create", "/users/carol", "uid", "70502"}), "") << "the user is gone";
+    EXPECT_EQ(*contentsOfFile(platform::SambaAccounts(root_.sambaPaths()).passwdFile()), passwd);
+    EXPECT_TRUE(helper.settle().isOk()) << "it is told once";
+    fs::remove(list);
+    fs::rename(list.string() + ".away", list);
+}
+
+} // namespace
