@@ -2,6 +2,7 @@
 
 #include "platform/foundation/Host.h"
 #include "platform/foundation/NSLog.h"
+#include "platform/posix/ProcessTable.h"
 
 #include <filesystem>
 #include <fstream>
@@ -60,26 +61,9 @@ FileLock parsedLock(const std::string& line) {
     return lock;
 }
 
-/// Empty for a process that cannot be seen.
-std::string programOf(pid_t process) {
-    std::ifstream in("/proc/" + std::to_string(process) + "/comm");
-    std::string name;
-    std::getline(in, name);
-    return name;
-}
-
 /// A process that serves this one.
 bool isOwn(pid_t process) {
-    std::ifstream in("/proc/" + std::to_string(process) + "/status");
-    std::string word;
-    pid_t parent = 0;
-    while (in >> word) {
-        if (word == "PPid:") {
-            in >> parent;
-            break;
-        }
-    }
-    return process == ::getpid() || parent == ::getpid();
+    return process == ::getpid() || parentOf(process) == ::getpid();
 }
 
 } // namespace
@@ -100,7 +84,7 @@ std::string storeHolder(const std::string& file) {
         if (!isStoreLock || !lock.isWaitedFor || isOwn(lock.holder) || (!holder.empty() && !lock.isWriting)) {
             continue;
         }
-        if (const std::string program = programOf(lock.holder); !program.empty()) {
+        if (const std::string program = programNameOf(lock.holder); !program.empty()) {
             holder = program + " (process " + std::to_string(lock.holder) + ")";
         }
     }

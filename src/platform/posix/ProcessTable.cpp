@@ -12,7 +12,13 @@ namespace platform {
 namespace {
 
 std::string fileOf(pid_t process, const char* name) {
-    std::ifstream in("/proc/" + std::to_string(process) + "/" + name, std::ios::binary);
+    return kernelText("/proc/" + std::to_string(process) + "/" + name);
+}
+
+} // namespace
+
+std::string kernelText(const std::string& path) {
+    std::ifstream in(path, std::ios::binary);
     std::string text;
     std::array<char, 4096> part{};
     // Not by a stream's iterators: a process that ends meanwhile would make them throw.
@@ -21,8 +27,6 @@ std::string fileOf(pid_t process, const char* name) {
     }
     return text;
 }
-
-} // namespace
 
 std::vector<pid_t> processIds() {
     std::vector<pid_t> ids;

@@ -11,6 +11,9 @@ namespace platform {
 // The computer's processes as /proc shows them. A process may end at any time; everything about one that has
 // ended is empty.
 
+/// What a file of /proc holds, of which the kernel tells no size; empty for one that cannot be read.
+[[nodiscard]] std::string kernelText(const std::string& path);
+
 [[nodiscard]] std::vector<pid_t> processIds();
 
 /// Its command line, which the process may have changed since it was started.

@@ -8,8 +8,6 @@
 #include <array>
 #include <charconv>
 #include <cstring>
-#include <fstream>
-#include <iterator>
 #include <optional>
 #include <sstream>
 
@@ -24,12 +22,6 @@ namespace {
 constexpr std::array ports = {445U, 139U};
 constexpr std::string_view listening = "0A"; // the kernel's number of that state
 constexpr std::size_t wordDigits = 8;
-
-/// Files of /proc tell no size, which readWholeFile would ask for.
-std::string procFile(const std::string& path) {
-    std::ifstream in(path);
-    return {std::istreambuf_iterator<char>(in), {}};
-}
 
 std::optional<std::uint32_t> hexNumber(std::string_view digits) {
     std::uint32_t number = 0;
@@ -59,8 +51,8 @@ std::string addressOf(std::string_view digits) {
 
 /// When a process was started, from what the kernel counts since it was.
 std::int64_t startOf(pid_t process) {
-    const std::string status = procFile("/proc/" + std::to_string(process) + "/stat");
-    const std::string computer = procFile("/proc/stat");
+    const std::string status = kernelText("/proc/" + std::to_string(process) + "/stat");
+    const std::string computer = kernelText("/proc/stat");
     const std::size_t name = status.rfind(')'); // the program's name may hold anything
     const std::size_t boot = computer.find("\nbtime ");
     if (name == std::string::npos || boot == std::string::npos) {
@@ -107,14 +99,14 @@ std::vector<std::string> listeningPlaces(std::string_view table) {
 
 ServerState smbServerState() {
     ServerState state;
-    std::istringstream(procFile(sambaBuild().pidFolder + "/smbd.pid")) >> state.process;
+    std::istringstream(kernelText(sambaBuild().pidFolder + "/smbd.pid")) >> state.process;
     if (state.process <= 0 || !isComputersServer(state.process)) {
         state.process = 0;
         return state;
     }
     state.since = startOf(state.process);
     for (const char* table : {"/proc/net/tcp", "/proc/net/tcp6"}) {
-        for (std::string& place : listeningPlaces(procFile(table))) {
+        for (std::string& place : listeningPlaces(kernelText(table))) {
             if (std::ranges::find(state.listensAt, place) == state.listensAt.end()) {
                 state.listensAt.push_back(std::move(place));
             }
