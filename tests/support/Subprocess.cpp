@@ -57,18 +57,17 @@ Conversation::~Conversation() {
 std::string Conversation::ask(const std::string& line, const std::string& part) {
     // A program that does not read on shows in what it answers.
     static_cast<void>(platform::writeAll(child_.input.get(), line + "\n", "the program"));
-    std::string answer;
+    std::string printed;
+    std::size_t lineStart = 0;
     char byte = 0;
     while (::read(child_.output.get(), &byte, 1) == 1) {
-        if (byte != '\n') {
-            answer += byte;
-        } else if (answer.find(part) != std::string::npos) {
-            return answer;
-        } else {
-            answer.clear();
+        if (byte == '\n' && printed.find(part, lineStart) != std::string::npos) {
+            return printed.substr(lineStart);
         }
+        printed += byte;
+        lineStart = byte == '\n' ? printed.size() : lineStart;
     }
-    return answer;
+    return printed; // what it said before it ended is the reason
 }
 
 int freePort() {
