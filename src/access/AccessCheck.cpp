@@ -162,7 +162,9 @@ bool AccessCheck::logOn(Visit& visit) {
     if (logOn == LogOn::Disabled) {
         return visit.refuse("disabled",
                             stringWithFormat(NSLocalizedString("%@'s account for shares is disabled."), user),
-                            user, stringWithFormat("smbpasswd -e \"%@\"", user));
+                            user,
+                            // A root's server has a password database of its own, which that does not change.
+                            server_.isOfRoot ? std::string() : stringWithFormat("smbpasswd -e \"%@\"", user));
     }
     if (logOn == LogOn::NoPassword) {
         return visit.refuse(

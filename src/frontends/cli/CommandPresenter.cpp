@@ -14,7 +14,9 @@ bool CommandPresenter::isConfirmed(const platform::Alert& alert) {
         return true;
     }
     if (isAtTerminal()) {
-        return askYesOrNo(question);
+        const bool isConfirmed = askYesOrNo(question);
+        wasDeclined_ = wasDeclined_ || !isConfirmed;
+        return isConfirmed;
     }
     unanswered_ = unanswered_.value_or(question);
     return false;
@@ -68,22 +70,9 @@ void CommandPresenter::toolDidWrite(std::string_view output) {
     faults_.emplace_back(output.substr(0, output.find_last_not_of('\n') + 1));
 }
 
-platform::Element* CommandPresenter::find(const std::string& name) const {
-    for (const platform::Interface* interface : interfaces_) {
-        if (platform::Element* found = interface->find(name)) {
-            return found;
-        }
-    }
-    return nullptr;
-}
-
-NSControl* CommandPresenter::findWiredTo(const std::string& operation) const {
-    for (const platform::Interface* interface : interfaces_) {
-        if (NSControl* found = interface->findWiredTo(operation)) {
-            return found;
-        }
-    }
-    return nullptr;
+void CommandPresenter::interfaceDidLoad(platform::Interface& interface) {
+    // The main interface is the first: a command opens no other window.
+    interface_ = interface_ == nullptr ? &interface : interface_;
 }
 
 } // namespace frontend

@@ -25,7 +25,7 @@ class CommandPresenter : public SilentPresenter {
 
     void beep() override { hasBeeped_ = hasBegun_; }
 
-    void interfaceDidLoad(platform::Interface& interface) override { interfaces_.push_back(&interface); }
+    void interfaceDidLoad(platform::Interface& interface) override;
 
     void editWasRefused(const NSTextField& field, const std::string& errorText) override;
     void toolWillRun(const std::string& tool, std::span<const std::string> arguments) override;
@@ -34,9 +34,8 @@ class CommandPresenter : public SilentPresenter {
     /// The next open panel is confirmed with this path.
     void choose(std::string path) { choice_ = std::move(path); }
 
-    /// The element of that name in the loaded interface files; null when there is none.
-    [[nodiscard]] platform::Element* find(const std::string& name) const;
-    [[nodiscard]] NSControl* findWiredTo(const std::string& operation) const;
+    /// The main interface. Only once it is loaded.
+    [[nodiscard]] const platform::Interface& interface() const { return *interface_; }
 
     // What has happened since begin().
     [[nodiscard]] const std::vector<std::string>& runs() const { return runs_; }
@@ -47,6 +46,9 @@ class CommandPresenter : public SilentPresenter {
 
     [[nodiscard]] bool wasRefused() const { return wasRefused_; }
 
+    /// Whether the person at the terminal said no to a question.
+    [[nodiscard]] bool wasDeclined() const { return wasDeclined_; }
+
     [[nodiscard]] bool hasBeeped() const { return hasBeeped_; }
 
   private:
@@ -56,11 +58,12 @@ class CommandPresenter : public SilentPresenter {
     bool hasBegun_ = false;
     bool hasBeeped_ = false;
     bool wasRefused_ = false;
+    bool wasDeclined_ = false;
     std::optional<std::string> choice_;
     std::optional<std::string> unanswered_;
     std::vector<std::string> runs_;
     std::vector<std::string> faults_;
-    std::vector<platform::Interface*> interfaces_;
+    const platform::Interface* interface_ = nullptr;
 };
 
 } // namespace frontend

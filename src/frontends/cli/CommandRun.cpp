@@ -97,13 +97,7 @@ void CommandRun::selectRows(const std::string& table, std::vector<int> rows) {
 }
 
 void CommandRun::type(const std::string& field, const std::string& text) {
-    auto& target = control<NSTextField>(field);
-    perform([&] {
-        const NSRange all{0, utf16Length(target.stringValue())};
-        // A refused edit has been announced to the presenter.
-        static_cast<void>(target.proposeEdit(text, utf16Length(text), all));
-        target.endEditing();
-    });
+    perform([&] { control<NSTextField>(field).performReplace(text); });
 }
 
 void CommandRun::select(const std::string& popUp, int index) {
@@ -173,7 +167,7 @@ void CommandRun::press(NSControl& control) {
 }
 
 void CommandRun::send(const std::string& operation) {
-    press(*context_.presenter.findWiredTo(operation));
+    press(*context_.presenter.interface().findWiredTo(operation));
 }
 
 void CommandRun::write(const std::function<void()>& change) {
@@ -198,6 +192,9 @@ void CommandRun::checkWhatHappened() const {
     if (presenter.wasRefused()) {
         fail(NSLocalizedString("an administrator's permission is needed, and was not given"),
              CommandStatus::AdministratorRefused);
+    }
+    if (presenter.wasDeclined()) {
+        fail(NSLocalizedString("not confirmed: it was not carried out"));
     }
     if (!presenter.faults().empty()) {
         fail(presenter.faults().front());

@@ -44,7 +44,7 @@ class CommandRun {
     // The controls.
     template <class Kind>
     [[nodiscard]] Kind& control(const std::string& name) const {
-        return dynamic_cast<Kind&>(*context_.presenter.find(name));
+        return dynamic_cast<Kind&>(*context_.presenter.interface().find(name));
     }
 
     [[nodiscard]] std::string text(const std::string& field) const;

@@ -73,7 +73,7 @@ void show(CommandRun& run, const GroupOptions& options) {
 
 void setNumber(CommandRun& run, const std::optional<std::string>& gid) {
     if (gid == "next") {
-        run.perform([&] { run.presenter().findWiredTo("getNextGID:")->sendAction(); });
+        run.perform([&] { run.presenter().interface().findWiredTo("getNextGID:")->sendAction(); });
         run.noteChange();
     } else {
         run.set("gid", gid);

@@ -117,7 +117,7 @@ void chooseFolder(CommandRun& run, const std::string& folder) {
     }
     if (run.text("directory") != path) {
         run.presenter().choose(path);
-        run.perform([&] { run.presenter().findWiredTo("selectDirectory:")->sendAction(); });
+        run.perform([&] { run.presenter().interface().findWiredTo("selectDirectory:")->sendAction(); });
         run.noteChange();
     }
 }

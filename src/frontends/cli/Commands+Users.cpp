@@ -67,7 +67,7 @@ void show(CommandRun& run, const UserOptions& options) {
 void fill(CommandRun& run, const UserOptions& options) {
     run.set("fullName", options.fullName);
     if (options.uid == nextNumber) {
-        run.perform([&] { run.presenter().findWiredTo("getNextUID:")->sendAction(); });
+        run.perform([&] { run.presenter().interface().findWiredTo("getNextUID:")->sendAction(); });
         run.noteChange();
     } else {
         run.set("uid", options.uid);
@@ -87,7 +87,7 @@ void enterPassword(CommandRun& run, std::string password) {
         run.type(field, password);
     }
     platform::wipe(password);
-    run.perform([&] { run.presenter().findWiredTo("setPassword:")->sendAction(); });
+    run.perform([&] { run.presenter().interface().findWiredTo("setPassword:")->sendAction(); });
     if (const std::string reason = run.text("passwordErrorText"); !reason.empty()) {
         CommandRun::fail(reason);
     }

@@ -86,12 +86,7 @@ int ScriptRunner::state(const std::string& word) const {
 
 void ScriptRunner::type(const Words& words) {
     NSTextField& field = editableField(words[0]);
-    perform([&] {
-        const NSRange all{0, utf16Length(field.stringValue())};
-        // A refused edit has been announced, and leaves the field as it was.
-        static_cast<void>(field.proposeEdit(words[1], utf16Length(words[1]), all));
-        field.endEditing();
-    });
+    perform([&] { field.performReplace(words[1]); });
 }
 
 void ScriptRunner::append(const Words& words) {

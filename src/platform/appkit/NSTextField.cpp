@@ -134,6 +134,12 @@ bool NSTextField::proposeEdit(std::string proposed, std::size_t proposedCaret, N
     return true;
 }
 
+void NSTextField::performReplace(const std::string& text) {
+    const NSRange all{0, utf16Length(stringValue())};
+    static_cast<void>(proposeEdit(text, utf16Length(text), all)); // who is to know of a refusal is told
+    endEditing();
+}
+
 void NSTextField::endEditing() {
     if (!formatter_ || text_.empty()) {
         return;

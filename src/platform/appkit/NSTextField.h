@@ -59,6 +59,9 @@ class NSTextField : public NSControl {
     /// The user leaves the field: one with a formatter then shows its value's text (007 becomes 7); an empty
     /// text, or one that the formatter cannot read, stays. Sends nothing.
     void endEditing();
+    /// A user who selects all, enters `text` as one edit, which the formatter may refuse, and leaves the
+    /// field.
+    void performReplace(const std::string& text);
 
   protected:
     /// Overwrites the text in memory.
