@@ -20,8 +20,8 @@ class Conversation {
     Conversation(const Conversation&) = delete;
     Conversation& operator=(const Conversation&) = delete;
 
-    /// Sends a line and returns the next line that holds `part`; where the program ends without one, all that it
-    /// said since.
+    /// Sends a line and returns the next line that holds `part`; where the program ends without one, all that
+    /// it said since.
     [[nodiscard]] std::string ask(const std::string& line, const std::string& part);
 
   private:
