@@ -6,22 +6,14 @@
 #include "platform/appkit/NSTableView.h"
 #include "platform/appkit/NSTextField.h"
 #include "support/AppFixture.h"
+#include "support/WindowHands.h"
 
-#include <QAction>
-#include <QApplication>
 #include <QClipboard>
 #include <QComboBox>
-#include <QLabel>
-#include <QLineEdit>
 #include <QMessageBox>
-#include <QPushButton>
-#include <QTabBar>
-#include <QTableView>
-#include <QTest>
-#include <QTimer>
 
 /// The application's own window on Qt's offscreen platform, used with mouse and keys.
-class MainWindow : public AppFixture {
+class MainWindow : public AppFixture, protected WindowHands {
   protected:
     void SetUp() override {
         qputenv("QT_QPA_PLATFORM", "offscreen");
@@ -38,105 +30,8 @@ class MainWindow : public AppFixture {
         ASSERT_TRUE(QTest::qWaitForWindowActive(&widget<QWidget>("mainWindow")));
     }
 
-    template <class Widget>
-    Widget& widget(const std::string& name) {
-        for (QWidget* each : QApplication::allWidgets()) {
-            if (each->objectName().toStdString() == name && qobject_cast<Widget*>(each) != nullptr) {
-                return *qobject_cast<Widget*>(each);
-            }
-        }
-        throw std::logic_error("the window does not show " + name);
-    }
-
-    void showPage(int page) {
-        auto* bar = widget<QWidget>("mainTabView").findChild<QTabBar*>();
-        QTest::mouseClick(bar, Qt::LeftButton, {}, bar->tabRect(page).center());
-        QApplication::processEvents();
-    }
-
-    void click(const std::string& button) { QTest::mouseClick(&widget<QPushButton>(button), Qt::LeftButton); }
-
-    void clickTitled(const QString& title) {
-        for (auto* each : widget<QWidget>("mainWindow").findChildren<QPushButton*>()) {
-            if (each->text() == title && each->isVisible()) {
-                QTest::mouseClick(each, Qt::LeftButton);
-                return;
-            }
-        }
-        FAIL() << "no button " << title.toStdString();
-    }
-
-    void typeInto(const std::string& field, const QString& keys) {
-        auto& edit = widget<QLineEdit>(field);
-        edit.setFocus();
-        edit.selectAll();
-        QTest::keyClicks(&edit, keys);
-    }
-
-    void clickRow(const std::string& table, int row) {
-        auto& view = widget<QTableView>(table);
-        QTest::mouseClick(view.viewport(), Qt::LeftButton, {},
-                          view.visualRect(view.model()->index(row, 0)).center());
-    }
-
-    /// Uses the menu item whose title begins so.
-    void useMenu(const QString& title) {
-        for (auto* action : widget<QWidget>("mainWindow").findChildren<QAction*>()) {
-            if (action->text().startsWith(title)) {
-                action->trigger();
-                return;
-            }
-        }
-        FAIL() << "no menu item " << title.toStdString();
-    }
-
-    /// The dialogs that come up are answered by the buttons of these titles, in order; `asked` keeps what
-    /// they said.
-    void answer(const QStringList& buttons) {
-        answers = buttons;
-        asked.clear();
-        said.clear();
-        finger.disconnect(); // it has one hand only
-        finger.callOnTimeout(&finger, [this] { pressAnswer(); });
-        finger.start(5);
-    }
-
-    QStringList asked;   ///< the titles of the dialogs
-    QStringList answers; ///< those that are still waiting
-    QString lastText;    ///< all that the last dialog said
-    QStringList said;    ///< all that each of them said
-
     int argc = 1;
     char program[7] = "window";
     char* arguments[2] = {program, nullptr};
     std::unique_ptr<QtFrontend> frontend;
-
-  private:
-    void pressAnswer() {
-        auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
-        if (dialog == nullptr || answers.isEmpty()) {
-            return;
-        }
-        for (auto* button : dialog->findChildren<QAbstractButton*>()) {
-            if (button->text() == answers.front() && button->isVisible()) {
-                asked.append(dialog->windowTitle());
-                lastText.clear();
-                for (auto* label : dialog->findChildren<QLabel*>()) {
-                    lastText += label->text() + '\n';
-                }
-                said.append(lastText);
-                answers.removeFirst();
-                // Not from here: while a timer is served it does not fire, and the button may bring up the
-                // next.
-                finger.stop();
-                QTimer::singleShot(0, button, [this, button] {
-                    finger.start();
-                    QTest::mouseClick(button, Qt::LeftButton);
-                });
-                return;
-            }
-        }
-    }
-
-    QTimer finger;
 };
