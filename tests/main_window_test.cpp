@@ -52,7 +52,7 @@ TEST_F(MainWindow, AShareIsMadeInTheDrawerAndNamedBesideItsDeletion) {
     open();
     const std::string folder = host.root().string();
     EXPECT_FALSE(widget<QLineEdit>("shareName").isVisible());
-    clickTitled("Edit Share");
+    clickTitled("New Share");
     ASSERT_TRUE(widget<QLineEdit>("shareName").isVisible());
     typeInto("shareName", "Films");
     typeInto("directory", QString::fromStdString(folder));

@@ -27,7 +27,7 @@ class WindowReviewTest : public MainWindow {
     }
 
     void fillShare(const QString& name) {
-        clickTitled("Edit Share");
+        clickTitled("New Share");
         typeInto("shareName", name);
         typeInto("directory", QString::fromStdString(host.root().string()));
         control<NSPopUpButton>("sharingSMB").performSelect(1);
@@ -168,7 +168,7 @@ TEST_F(WindowReviewTest, WhatCannotBeUsedIsSaidBesideItsFieldUntilThatIsEdited) 
 
     addGroup("staff", "20");
     openWith("");
-    clickTitled("Edit Share");
+    clickTitled("New Share");
     control<NSTextField>("directory").setStringValue(host.root().string());
     control<NSTextField>("uid").setStringValue("501");
     control<NSTextField>("fullName").setStringValue("Al");
@@ -209,6 +209,7 @@ TEST_F(WindowReviewTest, WhatCannotBeUsedIsSaidBesideItsFieldUntilThatIsEdited) 
             return false;
         };
         EXPECT_TRUE(isSaid());
+        edit.home(false);
         QTest::keyClick(&edit, Qt::Key_Delete);
         EXPECT_FALSE(isSaid());
         EXPECT_EQ(edit.accessibleDescription(), "");

@@ -2,6 +2,7 @@
 
 #include "frontends/qt/NodeAttributes.h"
 #include "platform/appkit/NSButton.h"
+#include "platform/appkit/NSTableView.h"
 #include "platform/appkit/NSTextField.h"
 
 #include <QCheckBox>
@@ -46,8 +47,12 @@ QAbstractButton* makeButton(const platform::InterfaceNode& node, WindowActions& 
     widget->setProperty(modelProperty, QVariant::fromValue<const void*>(&button));
     // While that notice is shown, the button would do harm.
     auto* notice = actions.find<NSTextField>(node.attribute("offWith"));
-    auto* binding = new Binding(widget, queue, button.changed, [widget, &button, withImage, notice] {
-        widget->setEnabled(button.isEnabled() && (notice == nullptr || notice->stringValue().empty()));
+    // What edits a row needs one.
+    auto* table =
+        node.attribute("role") == "edit" ? actions.find<NSTableView>(node.attribute("reverts")) : nullptr;
+    auto* binding = new Binding(widget, queue, button.changed, [widget, &button, withImage, notice, table] {
+        widget->setEnabled(button.isEnabled() && (notice == nullptr || notice->stringValue().empty()) &&
+                           (table == nullptr || table->selectedRow() >= 0));
         widget->setText(title(button.title()));
         if (withImage) {
             widget->setIcon(iconOf(button));
@@ -59,6 +64,10 @@ QAbstractButton* makeButton(const platform::InterfaceNode& node, WindowActions& 
     });
     if (notice != nullptr) {
         new Binding(widget, queue, notice->changed, [binding] { binding->markDirty(); });
+    }
+    if (table != nullptr) {
+        new Binding(widget, queue, table->changed, [binding] { binding->markDirty(); });
+        new Binding(widget, queue, table->reloaded, [binding] { binding->markDirty(); });
     }
     if (node.attribute("tabStop") == "no") {
         widget->setFocusPolicy(Qt::ClickFocus);

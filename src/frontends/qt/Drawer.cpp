@@ -96,6 +96,7 @@ void Drawer::slideTo(int width) {
         setShownWidth(width);
         return;
     }
+    setShownWidth(std::max(1, this->width())); // what is in it can have the cursor at once
     slide_.setStartValue(this->width());
     slide_.setEndValue(width);
     slide_.start();

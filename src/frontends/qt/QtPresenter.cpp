@@ -1,6 +1,7 @@
 #include "frontends/qt/QtPresenter.h"
 
 #include "frontends/qt/Dialogs.h"
+#include "frontends/qt/LineEdit.h"
 #include "frontends/qt/NodeAttributes.h"
 #include "frontends/qt/ReviewDialog.h"
 #include "frontends/qt/TableView.h"
@@ -141,6 +142,12 @@ void QtPresenter::interfaceDidLoad(Interface& interface) {
     actions_.push_back(std::make_unique<WindowActions>(interface, *queue_));
     actions_.back()->setPanelAnswer(
         [this](std::optional<std::string> path) { panelAnswer_ = std::move(path); });
+    actions_.back()->setBegun([this](const std::string& field) {
+        if (auto* edit = mainWidget_ == nullptr ? nullptr : mainWidget_->findChild<LineEdit*>(shown(field))) {
+            edit->setFocus();
+            edit->selectAll();
+        }
+    });
     for (const auto& node : interface.root().children) {
         auto* window = modelOf<NSWindow>(*node);
         if (window == nullptr) {

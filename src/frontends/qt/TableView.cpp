@@ -1,5 +1,6 @@
 #include "frontends/qt/TableView.h"
 
+#include "frontends/qt/CellText.h"
 #include "platform/appkit/NSApplication.h"
 
 #include <QApplication>
@@ -71,10 +72,11 @@ int TableModel::columnCount(const QModelIndex& parent) const {
 
 QVariant TableModel::data(const QModelIndex& index, int role) const {
     const bool isMarked = role == Qt::DecorationRole && index.column() == 0;
-    if (role != Qt::DisplayRole && role != Qt::ToolTipRole && !isMarked) {
+    const bool isSpoken = role == Qt::AccessibleTextRole;
+    if (role != Qt::DisplayRole && role != Qt::ToolTipRole && !isMarked && !isSpoken) {
         return {};
     }
-    if (role != Qt::DisplayRole && remarkOfRow_) {
+    if (role != Qt::DisplayRole && !isSpoken && remarkOfRow_) {
         if (const QString remark = remarkOfRow_(index.row()); !remark.isEmpty()) {
             return isMarked ? QVariant(QApplication::style()->standardIcon(QStyle::SP_MessageBoxWarning))
                             : QVariant(remark.toHtmlEscaped());
@@ -84,7 +86,12 @@ QVariant TableModel::data(const QModelIndex& index, int role) const {
         return {};
     }
     const auto& column = table_.tableColumns().at(static_cast<std::size_t>(index.column()));
-    QString text = shown(table_.objectValue(column, index.row()));
+    const std::string value = table_.objectValue(column, index.row());
+    if (isSpoken) {
+        const QString spoken = spokenCellText(column, value);
+        return spoken.isNull() ? QVariant() : QVariant(spoken);
+    }
+    QString text = cellText(column, value);
     // A tool tip would render text that looks like HTML; a name is shown verbatim.
     return role == Qt::ToolTipRole ? text.toHtmlEscaped() : text;
 }

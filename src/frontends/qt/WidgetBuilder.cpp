@@ -2,6 +2,7 @@
 
 #include "frontends/qt/Buttons.h"
 #include "frontends/qt/Drawer.h"
+#include "frontends/qt/EmptyNote.h"
 #include "frontends/qt/FieldProblems.h"
 #include "frontends/qt/LineEdit.h"
 #include "frontends/qt/NodeAttributes.h"
@@ -154,6 +155,9 @@ QWidget* WidgetBuilder::makeTable(const InterfaceNode& node) {
         actions_.turnOffBoxesWithoutRow(*table);
         actions_.showNothingForMissingNumbers(*table);
     });
+    if (!node.attribute("empty").empty()) {
+        new EmptyNote(node, *view, actions_, queue_); // the view's child
+    }
     return view;
 }
 

@@ -28,10 +28,16 @@ const InterfaceNode* nodeOf(const InterfaceNode& tree, const platform::Element* 
     return found;
 }
 
+/// Without the dots that say that a question comes.
 std::string titleOf(const InterfaceNode& node) {
+    static constexpr std::string_view dots = "…";
     const auto* button = modelOf<NSButton>(node);
     const auto* item = modelOf<NSMenuItem>(node);
-    return button != nullptr ? button->title() : item != nullptr ? item->title() : std::string();
+    std::string title = button != nullptr ? button->title() : item != nullptr ? item->title() : std::string();
+    if (title.ends_with(dots)) {
+        title.resize(title.size() - dots.size());
+    }
+    return title;
 }
 
 void click(const InterfaceNode& node) {
@@ -65,6 +71,23 @@ void WindowActions::use(const InterfaceNode& node) {
             }
         }
     });
+    if (const std::string& field = node.attribute("edits"); begun_ && !field.empty()) {
+        begun_(field);
+    }
+}
+
+void WindowActions::useButtonOf(const std::string& table, const std::string& role) {
+    const InterfaceNode* found = nullptr;
+    visitNodes(interface_.root(), [&](const InterfaceNode& each) {
+        const auto* button = modelOf<NSButton>(each);
+        if (found == nullptr && button != nullptr && button->isEnabled() && each.attribute("role") == role &&
+            each.attribute("reverts") == table) {
+            found = &each;
+        }
+    });
+    if (found != nullptr) {
+        use(*found);
+    }
 }
 
 bool WindowActions::isConfirmed(const Confirmation& confirmation) {
@@ -97,6 +120,9 @@ void WindowActions::perform(const InterfaceNode& node) const {
         cancelSheet();
     } else if (role == "new") {
         beginNew(node);
+        beginEditing(node);
+    } else if (role == "edit") {
+        beginEditing(node);
     } else {
         click(node);
         if (auto* table = find<NSTableView>(node.attribute("reverts"))) {
@@ -115,8 +141,17 @@ void WindowActions::beginNew(const InterfaceNode& node) const {
     if (table != nullptr) {
         turnOffBoxesWithoutRow(*table);
     }
-    visitNodes(interface_.root(), [](const InterfaceNode& each) {
-        if (auto* drawer = modelOf<NSDrawer>(each); drawer != nullptr && !drawer->isOpen()) {
+    const std::string& also = node.attribute("also");
+    if (NSControl* control = also.empty() ? nullptr : interface_.findWiredTo(also)) {
+        control->sendAction();
+    }
+}
+
+void WindowActions::beginEditing(const InterfaceNode& node) const {
+    const platform::Element* field = interface_.find(node.attribute("edits"));
+    visitNodes(interface_.root(), [field](const InterfaceNode& each) {
+        auto* drawer = modelOf<NSDrawer>(each);
+        if (drawer != nullptr && !drawer->isOpen() && nodeOf(each, field) != nullptr) {
             drawer->open();
         }
     });

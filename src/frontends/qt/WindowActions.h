@@ -25,6 +25,13 @@ class WindowActions {
     /// `used` is told the operation of each control that was used so, after its action.
     void setUsed(std::function<void(const std::string& operation)> used) { used_ = std::move(used); }
 
+    /// The enabled button of that role ("new", "edit", "delete") for the table of that name is used, as if it
+    /// had been clicked; nothing where there is none.
+    void useButtonOf(const std::string& table, const std::string& role);
+
+    /// `begun` puts the cursor into that field, which is on screen by then: an editor begins with it.
+    void setBegun(std::function<void(const std::string& field)> begun) { begun_ = std::move(begun); }
+
     /// What the control that is being used has to be confirmed with, in the interface file's words.
     struct Confirmation {
         std::string title;
@@ -80,6 +87,7 @@ class WindowActions {
   private:
     void perform(const platform::InterfaceNode& node) const;
     void beginNew(const platform::InterfaceNode& node) const;
+    void beginEditing(const platform::InterfaceNode& node) const;
     void cancelSheet() const;
 
     const platform::Interface& interface_;
@@ -87,5 +95,6 @@ class WindowActions {
     std::optional<Confirmation> confirmation_;
     bool leavesConfirmations_ = false;
     std::function<void(const std::string&)> used_;
+    std::function<void(const std::string&)> begun_;
     std::function<void(std::optional<std::string>)> answerPanel_;
 };

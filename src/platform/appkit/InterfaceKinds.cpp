@@ -102,7 +102,11 @@ std::vector<ElementRule> controlRules() {
                   {"tabStop", YesNo},
                   {"reverts", Word},
                   {"offWith", Word},
-                  {"role", Choice, "cancel|new"},
+                  // "new" and "edit" begin the editor of the table `reverts` in the field `edits`; "new" does
+                  // the operation `also`, too.
+                  {"role", Choice, "cancel|new|edit|delete"},
+                  {"edits", Word},
+                  {"also", Word},
                   key}})},
         {CheckBox, "checkBox", makeButton,
          joined({common, {{"title", Text}, {"state", Choice, "on|off"}, {"rowOf", Word}, indent}})},
@@ -122,12 +126,25 @@ std::vector<ElementRule> controlRules() {
         {TableView,
          "tableView",
          makeTable,
-         joined({common, {{"multiple", YesNo}, {"height", Size}, {"nameColumn", Word}}}),
+         joined({common,
+                 {{"multiple", YesNo},
+                  {"height", Size},
+                  {"nameColumn", Word},
+                  // What is said over an empty table, and the button that begins, with its title there.
+                  {"empty", Text},
+                  {"begin", Word},
+                  {"beginTitle", Text}}}),
          {TableColumn}},
         {TableColumn,
          "column",
          nullptr,
-         {{"id", Word, "", true}, {"title", Text}, {"width", Size}, {"hidden", YesNo}}},
+         {{"id", Word, "", true},
+          {"title", Text},
+          {"width", Size},
+          {"hidden", YesNo},
+          // How a window shows the values: "check" marks those that mean yes, "privileges" spells a folder's
+          // out, "value" leaves a missing one empty, "list" parts what commas join.
+          {"display", Choice, "check|privileges|value|list"}}},
         {TextView, "textView", makeTextView, joined({named, sized, {{"height", Size}}})},
     };
 }

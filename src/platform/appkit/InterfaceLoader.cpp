@@ -236,7 +236,7 @@ void InterfaceLoader::nameElement(const InterfaceNode& node) {
 }
 
 void InterfaceLoader::wireAction(const InterfaceNode& node) {
-    for (const char* attribute : {"for", "about", "reverts", "rowOf", "offWith"}) {
+    for (const char* attribute : {"for", "about", "reverts", "rowOf", "offWith", "begin", "edits"}) {
         if (node.attributes.contains(attribute)) {
             references_.emplace_back(node.line, node.attribute(attribute));
         }
@@ -244,6 +244,9 @@ void InterfaceLoader::wireAction(const InterfaceNode& node) {
     auto* control = dynamic_cast<NSControl*>(node.element.get());
     if (control == nullptr) {
         return;
+    }
+    if (const std::string& also = node.attribute("also"); !also.empty() && !class_->actions.contains(also)) {
+        refuse(node.line, stringWithFormat("the class \"%@\" has no operation \"%@\"", class_->name, also));
     }
     control->setEnabled(node.attribute("enabled") != "no");
     const std::string& operation = node.attribute("action");

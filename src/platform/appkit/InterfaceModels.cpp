@@ -126,6 +126,7 @@ std::unique_ptr<Element> makeTable(const InterfaceNode& node, const ModelMaking&
             made.width = ::intValue(column->attribute("width"));
         }
         made.hidden = isYes(*column, "hidden");
+        made.display = column->attribute("display");
         table->addTableColumn(std::move(made));
     }
     table->setAllowsMultipleSelection(isYes(node, "multiple"));

@@ -12,6 +12,8 @@ struct NSTableColumn {
     std::string title;
     int width = 100;     ///< in points, the initial width in a front-end
     bool hidden = false; ///< a window does not show it initially; it is still one of the columns
+    std::string display =
+        {}; ///< how a window shows the values, which stay as they are; see the interface kinds
 };
 
 /// Where a table's rows come from. Not owned by the table.
