@@ -69,7 +69,7 @@ _brindle() {
             "public on" | "public off") options+=" --yes --dry-run --all" ;;
             "servers start") options+=" --yes --dry-run --at-boot" ;;
             "check-access "*) options+=" --guest" ;;
-            *" list" | *" show" | *" status" | "history ") ;;
+            *" list" | *" show" | *" status" | "history " | "doctor ") ;;
             " ") options="--help --version --root --system --script --print --snapshot --dry-run --serve --port" ;;
             *) options+=" --yes --dry-run" ;;
         esac
@@ -78,7 +78,7 @@ _brindle() {
     fi
 
     case "$noun" in
-        "") _brindle_reply <<<$'shares\nusers\ngroups\npublic\nsmb\nafp\nservers\nhistory\nundo\ncheck-access' ;;
+        "") _brindle_reply <<<$'shares\nusers\ngroups\npublic\nsmb\nafp\nservers\nhistory\nundo\ncheck-access\ndoctor' ;;
         check-access)
             if [ -z "$verb" ]; then
                 _brindle_reply < <(_brindle_names shares)

@@ -37,7 +37,7 @@ function __brindle_after
 end
 
 complete -c brindle -f
-complete -c brindle -n __brindle_noun -a 'shares users groups public smb afp servers history undo check-access'
+complete -c brindle -n __brindle_noun -a 'shares users groups public smb afp servers history undo check-access doctor'
 complete -c brindle -n '__brindle_verb shares' -a 'list show add set remove'
 complete -c brindle -n '__brindle_verb users' -a 'list show add set remove password'
 complete -c brindle -n '__brindle_verb groups' -a 'list show add set remove join leave'

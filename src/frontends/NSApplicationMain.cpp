@@ -234,6 +234,7 @@ Result<int> runCommand(const Options& options) {
         rootServer = platform::EmbeddedRoot(root.empty() ? platform::EmbeddedRoot::defaultFolder() : root)
                          .sambaPaths();
     }
+    const std::string calledAs = frontend::calledFor(options.host);
     Application application(std::move(*services));
     const auto presenter = std::make_shared<frontend::CommandPresenter>(options.command.saysYes);
     application.setPresenter(presenter);
@@ -246,7 +247,7 @@ Result<int> runCommand(const Options& options) {
     }
     presenter->begin();
     const int status = frontend::CommandRun({options.command, *presenter, application.reviewer(),
-                                             application.history(), rootServer})
+                                             application.history(), rootServer, calledAs})
                            .run();
     application.end();
     return status;

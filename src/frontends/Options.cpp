@@ -1,5 +1,7 @@
 #include "frontends/Options.h"
 
+#include "access/Doctor.h"
+
 #include <utility>
 
 namespace frontend {
@@ -41,6 +43,11 @@ Options parseOptions(std::vector<std::string> arguments) {
                    : snapshot               ? Mode::Snapshot
                                             : Mode::Window;
     return options;
+}
+
+std::string calledFor(const platform::HostOptions& host) {
+    return std::string("brindle") + (host.system ? " --system" : "") +
+           (host.root.empty() ? "" : " --root " + accesscheck::shellWord(host.root));
 }
 
 } // namespace frontend

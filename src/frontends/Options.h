@@ -32,4 +32,7 @@ struct Options {
 /// in the next argument or after "=".
 [[nodiscard]] Options parseOptions(std::vector<std::string> arguments);
 
+/// What a command for the same computer begins with: "brindle --system". For a shell.
+[[nodiscard]] std::string calledFor(const platform::HostOptions& host);
+
 } // namespace frontend

@@ -3,9 +3,9 @@
 #include "platform/posix/LetterCase.h"
 #include "platform/posix/Process.h"
 #include "platform/samba/InstalledSamba.h"
+#include "platform/samba/SettingsComplaints.h"
 
 #include <algorithm>
-#include <array>
 #include <chrono>
 
 using platform::Status;
@@ -13,16 +13,6 @@ using platform::Status;
 namespace {
 
 constexpr auto limit = std::chrono::seconds(20);
-
-/// What begins a complaint, or stands in one. All else that testparm says is about its work, or a piece of
-/// advice that the server does not act on.
-constexpr std::array<std::string_view, 7> complaints = {"Unknown parameter encountered",
-                                                        "Ignoring invalid value",
-                                                        "is not boolean",
-                                                        "ERROR: ",
-                                                        "Invalid ",
-                                                        "params.c",
-                                                        "Error loading services"};
 
 /// Whether a line says "security = share". Brindle offers that setting, which this Samba no longer knows:
 /// the server refuses it, and the page says so.
@@ -48,8 +38,7 @@ std::string withoutShareSecurity(std::string_view text) {
 std::string firstComplaint(std::string_view said) {
     while (!said.empty()) {
         const std::string_view line = said.substr(0, said.find('\n'));
-        if (std::ranges::any_of(complaints,
-                                [&](std::string_view part) { return line.find(part) != line.npos; })) {
+        if (platform::isSettingsComplaint(line)) {
             return std::string(line);
         }
         said.remove_prefix(std::min(said.size(), line.size() + 1));

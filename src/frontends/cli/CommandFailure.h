@@ -12,6 +12,7 @@ enum class CommandStatus {
     WrongUse = 2,
     NeedsAnswer = 3,          ///< it would have been asked, and nobody is there to answer
     AdministratorRefused = 4, ///< nobody gave the administrator's consent or password
+    HasProblems = 5,          ///< what was asked for was found out, and it is not as it should be
 };
 
 /// Ends a command.

@@ -25,21 +25,22 @@ void CommandRun::fail(const std::string& text, CommandStatus status) {
 
 int CommandRun::run() {
     const bool printsJSON = context_.options.printsJSON;
-    CommandStatus status = CommandStatus::Done;
+    bool hasFailed = false;
     try {
         context_.options.carryOut(*this);
         finish();
     } catch (const CommandFailure& failure) {
-        status = failure.status();
+        hasFailed = true;
+        status_ = failure.status();
         if (printsJSON) {
-            result_ = {{"error", {{"status", static_cast<int>(status)}, {"text", failure.what()}}}};
+            result_ = {{"error", {{"status", static_cast<int>(status_)}, {"text", failure.what()}}}};
         } else {
             std::cerr << "brindle: " << failure.what() << '\n';
         }
     }
     if (printsJSON) {
         std::cout << printed(result_) << '\n';
-    } else if (status == CommandStatus::Done) {
+    } else if (!hasFailed) {
         for (const std::string& line : lines_) {
             std::cout << line << '\n';
         }
@@ -49,7 +50,7 @@ int CommandRun::run() {
         std::cerr << "brindle: standard output cannot be written\n";
         return static_cast<int>(CommandStatus::Failed);
     }
-    return static_cast<int>(status);
+    return static_cast<int>(status_);
 }
 
 void CommandRun::finish() {

@@ -30,6 +30,7 @@ struct CommandContext {
     review::Reviewer* reviewer = nullptr; ///< null where the application is not loaded
     const review::History& history;
     std::optional<platform::SambaPaths> rootServer; ///< an embedded root's own server
+    std::string calledAs; ///< what a command for this computer begins with: "brindle --system"
 };
 
 /// A command under way: it uses the application's controls as a user would, and collects what there is to
@@ -98,6 +99,9 @@ class CommandRun {
     /// Says the fields of the result's object of that name, a line each.
     void sayFields(const std::string& name);
 
+    /// The command was carried out, and its exit status says something beyond that.
+    void endWith(CommandStatus status) { status_ = status; }
+
     [[noreturn]] static void fail(const std::string& text, CommandStatus status = CommandStatus::Failed);
 
   private:
@@ -108,6 +112,7 @@ class CommandRun {
     CommandContext context_;
     bool changes_ = false;
     bool hasWritten_ = false;
+    CommandStatus status_ = CommandStatus::Done;
     JSON result_ = JSON::object();
     std::vector<std::string> lines_;
 };

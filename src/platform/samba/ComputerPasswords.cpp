@@ -81,6 +81,17 @@ Result<std::string> ComputerPasswords::accountOf(const std::string& user) {
     return line;
 }
 
+Result<std::vector<SambaUser>> ComputerPasswords::users() {
+    if (!isInstalled(databaseProgram)) {
+        return Status::failure("cannot use", "Samba's password database",
+                               "pdbedit is not installed; install the package samba-common-bin");
+    }
+    std::vector<std::string> words = allSambaUsersWords();
+    words.insert(words.begin(), databaseProgram);
+    auto finished = run(std::move(words));
+    return finished.isOk() ? sambaUsersOf(*finished) : Result<std::vector<SambaUser>>(finished.status());
+}
+
 Status ComputerPasswords::remove(const std::string& user) {
     if (!isInstalled(databaseProgram)) {
         return {};

@@ -1,9 +1,11 @@
 #pragma once
 
 #include "platform/posix/Status.h"
+#include "platform/samba/SambaUser.h"
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace platform {
 
@@ -18,6 +20,10 @@ class ComputerPasswords {
     /// What Samba keeps of `user`, the password's hash in it, as one line that putBack() takes; empty when it
     /// keeps nothing, or is not installed. A secret.
     [[nodiscard]] static Result<std::string> accountOf(const std::string& user);
+
+    /// All whom Samba knows. Fails when Samba is not installed, or does not show its database: only root may
+    /// read it.
+    [[nodiscard]] static Result<std::vector<SambaUser>> users();
 
     /// Makes Samba forget `user`, where the account must still exist. Ok when Samba does not know it.
     [[nodiscard]] static Status remove(const std::string& user);

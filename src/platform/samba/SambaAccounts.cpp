@@ -328,4 +328,17 @@ Result<std::optional<SambaUser>> SambaAccounts::user(const std::string& user) co
     return run.isOk() ? sambaUserOf(*run) : Result<std::optional<SambaUser>>(run.status());
 }
 
+Result<std::vector<SambaUser>> SambaAccounts::users() const {
+    std::error_code ignored;
+    if (!fs::exists(databaseFile(), ignored)) {
+        return std::vector<SambaUser>();
+    }
+    const std::string program = sambaCommand("pdbedit");
+    if (Status status = checkInstallation(program); !status.isOk()) {
+        return status;
+    }
+    auto run = changeDatabase(program, allSambaUsersWords(), {});
+    return run.isOk() ? sambaUsersOf(*run) : Result<std::vector<SambaUser>>(run.status());
+}
+
 } // namespace platform

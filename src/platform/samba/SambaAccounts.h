@@ -66,6 +66,8 @@ class SambaAccounts {
     /// How `user` stands in the password database; none when they are not in it. Fails when Samba or the
     /// wrapper is not installed, or the database cannot be read.
     [[nodiscard]] Result<std::optional<SambaUser>> user(const std::string& user) const;
+    /// All who are in it. Fails as user() does.
+    [[nodiscard]] Result<std::vector<SambaUser>> users() const;
     /// Takes `user` out of the password database, where it need not be. Fails when Samba or the wrapper is
     /// not installed, or Samba does not take it out.
     [[nodiscard]] Status removeUser(const std::string& user) const;

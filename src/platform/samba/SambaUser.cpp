@@ -4,6 +4,7 @@
 
 #include <array>
 #include <string_view>
+#include <utility>
 
 namespace platform {
 
@@ -23,35 +24,60 @@ std::optional<SambaUser> userOfLine(std::string_view line) {
         line.remove_prefix(colon + 1);
     }
     SambaUser user;
+    user.name = fields[Name];
     user.isDisabled = fields[Flags].find('D') != std::string_view::npos;
     // Where there is no hash there are X's, or the words NO PASSWORD.
     user.hasPassword = fields[Hash].find_first_not_of("0123456789ABCDEF") == std::string_view::npos;
     return user;
 }
 
+std::vector<SambaUser> usersIn(std::string_view listing) {
+    std::vector<SambaUser> users;
+    while (!listing.empty()) {
+        const auto end = listing.find('\n');
+        if (auto user = userOfLine(listing.substr(0, end))) {
+            users.push_back(std::move(*user));
+        }
+        listing.remove_prefix(end == std::string_view::npos ? listing.size() : end + 1);
+    }
+    return users;
+}
+
+Status unreadable(const std::string& complaint) {
+    return Status::failure("cannot read the password database", "", complaint);
+}
+
 } // namespace
+
+std::vector<std::string> allSambaUsersWords() {
+    return {"-L", "-w"};
+}
 
 std::vector<std::string> sambaUserWords(const std::string& user) {
     return {"-L", "-w", "--user=" + user};
 }
 
 Result<std::optional<SambaUser>> sambaUserOf(FinishedProcess& run) {
-    std::optional<SambaUser> user;
-    std::string_view rest = run.output;
-    while (!user && !rest.empty()) {
-        const auto end = rest.find('\n');
-        user = userOfLine(rest.substr(0, end));
-        rest.remove_prefix(end == std::string_view::npos ? rest.size() : end + 1);
-    }
+    std::vector<SambaUser> users = usersIn(run.output);
     const auto says = [&run](std::string_view text) { return run.output.find(text) != std::string::npos; };
     // Nobody is found in a database that cannot be opened either.
     const bool isUnknown = says("Username not found") && !says("ailed to open");
-    const std::string complaint = user ? std::string() : lastLineOf(run.output);
+    const std::string complaint = users.empty() ? lastLineOf(run.output) : std::string();
     wipe(run.output);
-    if (!user && !isUnknown) {
-        return Status::failure("cannot read the password database", "", complaint);
+    if (users.empty() && !isUnknown) {
+        return unreadable(complaint);
     }
-    return user;
+    return users.empty() ? std::nullopt : std::optional(std::move(users.front()));
+}
+
+Result<std::vector<SambaUser>> sambaUsersOf(FinishedProcess& run) {
+    std::vector<SambaUser> users = usersIn(run.output);
+    const std::string complaint = users.empty() ? lastLineOf(run.output) : std::string();
+    wipe(run.output);
+    if (run.status != 0) {
+        return unreadable(complaint);
+    }
+    return users;
 }
 
 } // namespace platform

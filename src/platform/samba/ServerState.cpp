@@ -2,6 +2,7 @@
 
 #include "platform/posix/ProcessTable.h"
 #include "platform/samba/InstalledSamba.h"
+#include "platform/samba/SambaAccounts.h"
 #include "platform/samba/ServerProcesses.h"
 
 #include <algorithm>
@@ -19,7 +20,6 @@ namespace platform {
 
 namespace {
 
-constexpr std::array ports = {445U, 139U};
 constexpr std::string_view listening = "0A"; // the kernel's number of that state
 constexpr std::size_t wordDigits = 8;
 
@@ -72,7 +72,7 @@ std::int64_t startOf(pid_t process) {
 
 } // namespace
 
-std::vector<std::string> listeningPlaces(std::string_view table) {
+std::vector<std::string> listeningPlaces(std::string_view table, std::span<const unsigned> ports) {
     std::vector<std::string> places;
     std::istringstream lines{std::string(table)};
     for (std::string line; std::getline(lines, line);) {
@@ -97,6 +97,18 @@ std::vector<std::string> listeningPlaces(std::string_view table) {
     return places;
 }
 
+std::vector<std::string> listeningPlaces(std::span<const unsigned> ports) {
+    std::vector<std::string> places;
+    for (const char* table : {"/proc/net/tcp", "/proc/net/tcp6"}) {
+        for (std::string& place : listeningPlaces(kernelText(table), ports)) {
+            if (std::ranges::find(places, place) == places.end()) {
+                places.push_back(std::move(place));
+            }
+        }
+    }
+    return places;
+}
+
 ServerState smbServerState() {
     ServerState state;
     std::istringstream(kernelText(sambaBuild().pidFolder + "/smbd.pid")) >> state.process;
@@ -105,12 +117,27 @@ ServerState smbServerState() {
         return state;
     }
     state.since = startOf(state.process);
-    for (const char* table : {"/proc/net/tcp", "/proc/net/tcp6"}) {
-        for (std::string& place : listeningPlaces(kernelText(table))) {
-            if (std::ranges::find(state.listensAt, place) == state.listensAt.end()) {
-                state.listensAt.push_back(std::move(place));
-            }
+    state.listensAt = listeningPlaces(standardPorts);
+    return state;
+}
+
+ServerState rootServerState(const SambaPaths& paths) {
+    constexpr std::string_view option = "--option=smb ports=";
+    const std::string file = SambaAccounts(paths).configurationFile();
+    ServerState state;
+    for (const pid_t process : processIds()) {
+        const std::vector<std::string> words = commandLineOf(process);
+        const auto port =
+            std::ranges::find_if(words, [&](const std::string& word) { return word.starts_with(option); });
+        if (port == words.end() || !isServerWith(process, file)) {
+            continue;
         }
+        unsigned number = 0;
+        std::istringstream(port->substr(option.size())) >> number;
+        state.process = process;
+        state.since = startOf(process);
+        state.listensAt = listeningPlaces(std::array{number});
+        break;
     }
     return state;
 }

@@ -1,0 +1,251 @@
+#include "access/Examiner.h"
+#include "platform/foundation/Host.h"
+#include "platform/foundation/NSBundle.h"
+#include "platform/foundation/NSString.h"
+#include "platform/netinfo/AccountLines.h"
+#include "platform/netinfo/AccountNumber.h"
+#include "platform/netinfo/LocalDomain.h"
+#include "platform/netinfo/ni.h"
+#include "platform/posix/LetterCase.h"
+#include "platform/samba/ComputerPasswords.h"
+#include "platform/samba/InstalledSamba.h"
+#include "platform/samba/SambaAccounts.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <map>
+#include <set>
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace accesscheck {
+
+namespace {
+
+/// So many names are written out where users are named together.
+constexpr std::size_t mostNames = 8;
+
+/// A user who is there to connect to shares only.
+bool isForSharing(const std::string& shell) {
+    return shell.ends_with("/nologin") || shell.ends_with("/false") || shell == "/dev/null";
+}
+
+std::string joined(const std::vector<std::string>& names) {
+    std::string text;
+    for (std::size_t index = 0; index < std::min(names.size(), mostNames); ++index) {
+        text += (index == 0 ? "" : ", ") + names[index];
+    }
+    return names.size() > mostNames ? text + ", …" : text;
+}
+
+/// The records of a directory of the store, their names first, each with the value of one property.
+std::map<std::string, std::string> storedRecords(const std::string& file, const char* path,
+                                                 const char* property) {
+    std::map<std::string, std::string> records;
+    ni_domain* opened = nullptr;
+    ni_id id;
+    ni_idlist children;
+    if (ni_openfile(file, &opened) != NI_OK) {
+        return records;
+    }
+    const platform::OwnedDomain domain(opened);
+    ni_setabort(opened, 1);
+    if (ni_root(opened, &id) != NI_OK || ni_pathsearch(opened, &id, path) != NI_OK ||
+        ni_children(opened, &id, &children) != NI_OK) {
+        return records;
+    }
+    const auto first = [&](std::string_view name) {
+        ni_namelist values;
+        return ni_lookupprop(opened, &id, name, &values) == NI_OK && !values.ninl_val.empty()
+                   ? std::string(values.ninl_val.front())
+                   : std::string();
+    };
+    for (const std::uint32_t child : children.niil_val) {
+        id = {child, 0};
+        records.emplace(first("name"), first(property));
+    }
+    return records;
+}
+
+bool exists(const std::string& file) {
+    std::error_code ignored; // what cannot be looked at is not known to be there
+    return std::filesystem::exists(file, ignored);
+}
+
+} // namespace
+
+void Examiner::examineAccounts() {
+    std::map<std::string, std::string> known;
+    for (const User& user : users_) {
+        examineUser(user);
+        const auto [before, isNew] = known.emplace(platform::lowercased(user.name), user.name);
+        if (!isNew) {
+            find({.code = "name-case",
+                  .text = stringWithFormat(
+                      NSLocalizedString("The users \"%@\" and \"%@\" differ only in case: the SMB server "
+                                        "cannot tell them apart."),
+                      before->second, user.name),
+                  .where = user.name,
+                  .remedy = command({"users", "remove", user.name}),
+                  .user = user.name});
+        }
+    }
+    for (const Group& group : groups_) {
+        bool isNumber = false;
+        static_cast<void>(platform::accountNumber(group.gid, &isNumber));
+        if (!isNumber) {
+            find(
+                {.code = "half-made-group",
+                 .text = stringWithFormat(
+                     NSLocalizedString("The group \"%@\" has no number: it was only half made."), group.name),
+                 .where = "/groups/" + group.name,
+                 .remedy = command({"groups", "remove", group.name})});
+        }
+    }
+    examineHalfMade();
+    examinePasswords();
+}
+
+void Examiner::examineUser(const User& user) {
+    bool hasUid = false;
+    bool hasGid = false;
+    static_cast<void>(platform::accountNumber(user.uid, &hasUid));
+    static_cast<void>(platform::accountNumber(user.gid, &hasGid));
+    if (!hasUid || !hasGid) {
+        find({.code = "half-made-user",
+              .text = stringWithFormat(
+                  NSLocalizedString("The user \"%@\" has no number or no group: it was only half made."),
+                  user.name),
+              .where = "/users/" + user.name,
+              .remedy = deleteCommand("/users/" + user.name),
+              .user = user.name});
+    }
+    const std::string folder = user.home + "/Public";
+    if (user.sharedFolder == "Public" && !exists(folder)) {
+        find({.code = "public-folder-gone",
+              .text =
+                  stringWithFormat(NSLocalizedString("The Public folder of \"%@\" is to be shared, and there "
+                                                     "is no %@."),
+                                   user.name, folder),
+              .where = folder,
+              .remedy = command({"public", "off", user.name}),
+              .user = user.name});
+    }
+}
+
+void Examiner::examineHalfMade() {
+    const auto& domain = platform::Host::current().localDomain();
+    if (!domain.accountFiles()) {
+        return; // all that there is of an account is in the store, and was looked at
+    }
+    const std::string file = domain.storeFile();
+    std::set<std::string> made;
+    for (const User& user : users_) {
+        made.insert(user.name);
+    }
+    for (const auto& [name, state] : storedRecords(file, "/users", platform::accountStateProperty)) {
+        if (!made.contains(name)) {
+            find({.level = Finding::Level::Notice,
+                  .code = "half-made-user",
+                  .text = stringWithFormat(
+                      NSLocalizedString(
+                          "Brindle keeps something of the user \"%@\", whom the computer does not "
+                          "have: it was only half made, or deleted elsewhere."),
+                      name),
+                  .where = file,
+                  .remedy = NSLocalizedString("It goes with the next change of an account."),
+                  .user = name});
+        }
+    }
+    const std::string unfinished = std::filesystem::path(file).parent_path() / "unfinished";
+    if (exists(unfinished)) {
+        find({.code = "unfinished-change",
+              .text = NSLocalizedString("A change of an account was interrupted half way."),
+              .where = unfinished,
+              .remedy = NSLocalizedString("It is finished with the next change of an account.")});
+    }
+}
+
+void Examiner::examinePasswords() {
+    if (!patient_.root && ::geteuid() != 0) {
+        found_.notes.push_back(
+            NSLocalizedString("Samba's passwords were not looked at: only root may read them."));
+        return;
+    }
+    if (platform::sambaCommand("pdbedit").empty()) {
+        return; // that Samba is not installed is said of the server
+    }
+    const auto database = patient_.root ? platform::SambaAccounts(*patient_.root).users()
+                                        : platform::ComputerPasswords::users();
+    if (!database.isOk()) {
+        found_.notes.push_back(database.status().text());
+        return;
+    }
+    std::map<std::string, const platform::SambaUser*> known;
+    for (const platform::SambaUser& user : *database) {
+        known.emplace(platform::lowercased(user.name), &user);
+    }
+    const platform::AccountLimits limits = platform::readAccountLimits();
+    std::vector<std::string> without;
+    for (const User& user : users_) {
+        bool hasUid = false;
+        const unsigned uid = platform::accountNumber(user.uid, &hasUid);
+        const auto entry = known.find(platform::lowercased(user.name));
+        const bool isListed = entry != known.end();
+        if (isListed) {
+            const bool canLogOn = entry->second->hasPassword && !entry->second->isDisabled;
+            const bool isDisabled = entry->second->isDisabled;
+            known.erase(entry);
+            if (canLogOn) {
+                continue;
+            }
+            find({.code = isDisabled ? "disabled" : "no-password",
+                  .text = stringWithFormat(
+                      isDisabled
+                          ? NSLocalizedString("The user \"%@\" is disabled in Samba's password database.")
+                          : NSLocalizedString("The user \"%@\" has no Samba password and cannot connect."),
+                      user.name),
+                  .where = user.name,
+                  .remedy = isDisabled && !patient_.root ? "smbpasswd -e " + shellWord(user.name)
+                                                         : command({"users", "password", user.name}),
+                  .user = user.name});
+            continue;
+        }
+        if (!hasUid || uid < limits.lowestUser || uid > limits.highestUser) {
+            continue; // the system's own
+        }
+        if (!isForSharing(user.shell)) {
+            without.push_back(user.name);
+            continue;
+        }
+        find({.code = "no-password",
+              .text = stringWithFormat(
+                  NSLocalizedString("The user \"%@\" has no Samba password and cannot connect."), user.name),
+              .where = user.name,
+              .remedy = command({"users", "password", user.name}),
+              .user = user.name});
+    }
+    if (!without.empty()) {
+        find({.level = Finding::Level::Notice,
+              .code = "users-without-password",
+              .text = stringWithFormat(
+                  NSLocalizedString("Users who have no Samba password and cannot connect over SMB: %@ (%@)."),
+                  std::to_string(without.size()), joined(without)),
+              .where = NSLocalizedString("Samba's password database"),
+              .remedy = command({"users", "password", without.front()})});
+    }
+    for (const auto& [name, user] : known) {
+        if (hasDirectory_) {
+            find({.level = Finding::Level::Notice,
+                  .code = "password-without-user",
+                  .text = stringWithFormat(
+                      NSLocalizedString("Samba has a password for \"%@\", and there is no such user."),
+                      user->name),
+                  .where = NSLocalizedString("Samba's password database"),
+                  .remedy = patient_.root ? std::string() : "pdbedit -x " + shellWord(user->name)});
+        }
+    }
+}
+
+} // namespace accesscheck

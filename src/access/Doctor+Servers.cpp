@@ -1,0 +1,201 @@
+#include "access/Examiner.h"
+#include "platform/foundation/Computer.h"
+#include "platform/foundation/Host.h"
+#include "platform/foundation/NSBundle.h"
+#include "platform/foundation/NSString.h"
+#include "platform/foundation/SystemPaths.h"
+#include "platform/netinfo/LocalDomain.h"
+#include "platform/posix/InputOutput.h"
+#include "platform/posix/LetterCase.h"
+#include "platform/samba/InstalledSamba.h"
+#include "platform/samba/SambaAccounts.h"
+#include "platform/samba/ServerState.h"
+#include "platform/samba/SettingsComplaints.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <filesystem>
+#include <optional>
+
+#include <pwd.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace accesscheck {
+
+namespace {
+
+using Level = Finding::Level;
+
+bool isShareSecurity(std::string line) {
+    line = platform::lowercased(line);
+    std::erase_if(line, [](char letter) { return letter == ' ' || letter == '\t' || letter == '\r'; });
+    return line == "security=share";
+}
+
+/// The share in whose section the line stands; none where that is no share's.
+std::optional<std::string> shareAround(std::string_view text, std::size_t line) {
+    std::optional<std::string> share;
+    for (std::size_t number = 1; number <= line && !text.empty(); ++number) {
+        const std::string_view each = text.substr(0, text.find('\n'));
+        const std::size_t begin = each.find('[');
+        const std::size_t end = each.find(']');
+        if (each.find_first_not_of(" \t") == begin && begin < end && end != std::string_view::npos) {
+            const std::string name(each.substr(begin + 1, end - begin - 1));
+            share = platform::lowercased(name) == "global" ? std::nullopt : std::optional(name);
+        }
+        text.remove_prefix(std::min(text.size(), each.size() + 1));
+    }
+    return share;
+}
+
+std::string lineAt(std::string_view text, std::size_t line) {
+    for (std::size_t number = 1; number < line && !text.empty(); ++number) {
+        text.remove_prefix(std::min(text.size(), text.find('\n') + 1));
+    }
+    return std::string(text.substr(0, text.find('\n')));
+}
+
+} // namespace
+
+void Examiner::examineSettings() {
+    if (!conf_.unreadableReason().empty()) {
+        find({.code = "unreadable-file",
+              .text = conf_.unreadableReason(),
+              .where = smbConfFile_,
+              .remedy = {}});
+        return;
+    }
+    const std::string text = conf_.textOnDisk();
+    if (text.empty() || platform::sambaCommand("testparm").empty()) {
+        return;
+    }
+    const auto complaints = platform::settingsComplaints(text);
+    if (!complaints.isOk()) {
+        found_.notes.push_back(complaints.status().text());
+        return;
+    }
+    for (const platform::SettingsComplaint& each : *complaints) {
+        // A root's own server has folders of its own, and its security level.
+        const bool isOthers = each.line == 0 ? each.text.find(" directory ") != std::string::npos
+                                             : isShareSecurity(lineAt(text, each.line));
+        if (patient_.root && isOthers) {
+            continue;
+        }
+        find({.code = "smb-conf",
+              .text = stringWithFormat(NSLocalizedString("The SMB server complains: %@"), each.text),
+              .where = each.line == 0 ? smbConfFile_ : smbConfFile_ + ":" + std::to_string(each.line),
+              .remedy = each.line == 0
+                            ? NSLocalizedString("Change the SMB server's settings file.")
+                            : stringWithFormat(NSLocalizedString("Change or delete the line \"%@\"."),
+                                               lineAt(text, each.line)),
+              .share = shareAround(text, each.line)});
+    }
+}
+
+void Examiner::examineServers() {
+    const bool isNeeded = sharesOverSMB();
+    const auto& computer = platform::Host::current().services().computer;
+    if (computer && !computer->whatIsMissing().empty()) {
+        find({.level = isNeeded ? Level::Problem : Level::Notice,
+              .code = "not-installed",
+              .text = computer->whatIsMissing(),
+              .where = NSLocalizedString("this computer"),
+              .remedy = {}});
+    }
+    if (platform::sambaServer("smbd").empty()) {
+        if (!computer) {
+            find({.level = Level::Notice,
+                  .code = "not-installed",
+                  .text = NSLocalizedString("Samba is not installed (package samba): nothing is served."),
+                  .where = NSLocalizedString("this computer"),
+                  .remedy = {}});
+        }
+        return;
+    }
+    const platform::ServerState state =
+        patient_.root ? platform::rootServerState(*patient_.root) : platform::smbServerState();
+    if (state.process == 0) {
+        find({.level = isNeeded && !patient_.root ? Level::Problem : Level::Notice,
+              .code = "server-stopped",
+              .text = patient_.root ? NSLocalizedString(
+                                          "The root's SMB server does not run: it does while Brindle runs "
+                                          "with --serve.")
+                                    : NSLocalizedString("The SMB server does not run: nothing is shared."),
+              .where = "smbd",
+              .remedy = patient_.root ? command({"--serve"}) : command({"servers", "start"})});
+    } else if (state.listensAt.empty()) {
+        find({.code = "server-deaf",
+              .text =
+                  stringWithFormat(NSLocalizedString("The SMB server runs (process %@) and listens nowhere."),
+                                   std::to_string(state.process)),
+              .where = "smbd",
+              .remedy = patient_.root ? NSLocalizedString("End that Brindle and start it again.")
+                                      : "systemctl restart smbd"});
+    }
+}
+
+void Examiner::examineFile(const std::string& path, unsigned forbidden, unsigned owner) {
+    struct stat status {};
+
+    if (::lstat(path.c_str(), &status) != 0) {
+        return; // what is not there yet is made with the right ones
+    }
+    if (status.st_uid != owner) {
+        const passwd* entry = ::getpwuid(owner);
+        const std::string name = entry != nullptr ? entry->pw_name : std::to_string(owner);
+        find({.code = "wrong-owner",
+              .text = stringWithFormat(NSLocalizedString("%@ should belong to %@."), path, name),
+              .where = path,
+              .remedy = "chown " + name + " " + shellWord(path)});
+    }
+    const unsigned mode = status.st_mode & 07777U;
+    if (!S_ISLNK(status.st_mode) && (mode & forbidden) != 0) {
+        const bool isSecret = (forbidden & 044U) != 0;
+        std::array<char, 8> bits{};
+        std::snprintf(bits.data(), bits.size(), "%04o", mode & ~forbidden);
+        find({.code = isSecret ? "readable-by-others" : "writable-by-others",
+              .text = stringWithFormat(
+                  isSecret ? NSLocalizedString("Others than its owner may use %@, which holds "
+                                               "secrets.")
+                           : NSLocalizedString("Others than its owner may change %@."),
+                  path),
+              .where = path,
+              .remedy = "chmod " + std::string(bits.data()) + " " + shellWord(path)});
+    }
+}
+
+void Examiner::examineOwnFiles() {
+    constexpr unsigned othersWrite = 002;
+    constexpr unsigned allWrite = 022;
+    constexpr unsigned secret = 077;
+    const platform::Services& services = platform::Host::current().services();
+    const std::filesystem::path store = services.localDomain->storeFile();
+    const std::string folder = store.parent_path();
+    if (!patient_.root) {
+        for (const std::string& each : {folder, store.string(), smbConfFile_}) {
+            examineFile(each, allWrite, 0);
+        }
+        examineFile(services.paths->map(platform::systempath::appleFileServer), allWrite, 0);
+        for (const char* each : {"unfinished", "smbpasswd"}) {
+            examineFile(folder + "/" + each, secret, 0);
+        }
+        examineFile(services.historyFile, othersWrite, ::geteuid());
+        return;
+    }
+
+    struct stat status {};
+
+    // Whoever owns the root owns what is in it. Its group may be the user's own, and may write then.
+    const unsigned owner = ::stat(folder.c_str(), &status) == 0 ? status.st_uid : ::geteuid();
+    for (const std::string& each :
+         {folder, store.string(), smbConfFile_, services.historyFile,
+          services.paths->map(platform::systempath::appleFileServer), patient_.root->folder}) {
+        examineFile(each, othersWrite, owner);
+    }
+    examineFile(patient_.root->folder + "/private", secret, owner);
+    examineFile(patient_.root->folder + "/private/passdb.tdb", secret, owner);
+}
+
+} // namespace accesscheck

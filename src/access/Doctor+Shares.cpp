@@ -1,0 +1,236 @@
+#include "access/Examiner.h"
+#include "access/FolderPath.h"
+#include "model/ServerSettings.h"
+#include "platform/foundation/Host.h"
+#include "platform/foundation/NSBundle.h"
+#include "platform/foundation/NSString.h"
+#include "platform/posix/LetterCase.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <map>
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace accesscheck {
+
+namespace {
+
+std::string settingOf(const SMBShare& section, std::string_view key) {
+    const ServerSetting setting = serverSetting(section, key);
+    return setting.pair == nullptr ? std::string() : setting.pair->Value.str();
+}
+
+/// What the server offers beside folders.
+bool isForPrinters(const SMBShare& section) {
+    return platform::lowercased(section.ShareName()) == "printers" || serverFlag(section, "printable", false);
+}
+
+} // namespace
+
+std::vector<const SMBShare*> Examiner::sections() const {
+    std::vector<const SMBShare*> found;
+    for (const auto& entry : conf_.Entries()) {
+        const std::string& name = entry->ShareName();
+        if (entry->Type() == SMBGroup && !entry->isUnnamed() && !isServerGlobal(name) &&
+            !isServerHomes(name) && !isForPrinters(*entry)) {
+            found.push_back(entry.get());
+        }
+    }
+    return found;
+}
+
+bool Examiner::sharesOverSMB() const {
+    return std::ranges::any_of(sections(),
+                               [](const SMBShare* each) { return serverFlag(*each, "available", true); });
+}
+
+void Examiner::examineShares() {
+    for (const Share& share : shares_) {
+        examineRecord(share);
+    }
+    examineSections();
+    examineNames();
+}
+
+void Examiner::examineFolder(const std::string& share, const std::string& folder, const std::string& where) {
+    const auto path = expandedPath(folder, share, "");
+    if (!path || folder.find('%') != std::string::npos) {
+        return; // it is another folder for each user
+    }
+    if (!path->starts_with('/')) {
+        find({.code = "relative-folder",
+              .text = stringWithFormat(
+                  NSLocalizedString("The folder \"%@\" of the share \"%@\" is no absolute path."), *path,
+                  share),
+              .where = where,
+              .remedy = command({"shares", "set", share, "--folder", "/FOLDER"}),
+              .share = share});
+        return;
+    }
+
+    struct stat status {};
+
+    if (::stat(path->c_str(), &status) == 0) {
+        if (!S_ISDIR(status.st_mode)) {
+            find({.code = "no-folder",
+                  .text = stringWithFormat(NSLocalizedString("%@, which is shared as \"%@\", is no folder."),
+                                           *path, share),
+                  .where = where,
+                  .remedy = command({"shares", "set", share, "--folder", "/FOLDER"}),
+                  .share = share});
+        }
+    } else if (errno == EACCES) {
+        found_.notes.push_back(
+            stringWithFormat(NSLocalizedString("%@ could not be looked at: %@ may not."), *path,
+                             platform::Host::current().accountNames().userName(::geteuid()).value_or("")));
+    } else {
+        FolderWalk walk(*path);
+        std::string missing = *path;
+        while (const auto parent = walk.next()) {
+            if (::stat(parent->c_str(), &status) != 0) {
+                missing = *parent;
+                break;
+            }
+        }
+        find({.code = "folder-gone",
+              .text = missing == *path
+                          ? stringWithFormat(
+                                NSLocalizedString("The folder %@ of the share \"%@\" does not exist."), *path,
+                                share)
+                          : stringWithFormat(NSLocalizedString("The folder %@ of the share \"%@\" does not "
+                                                               "exist, because there is no %@."),
+                                             *path, share, missing),
+              .where = where,
+              .remedy = "mkdir -p " + shellWord(*path),
+              .share = share});
+    }
+}
+
+void Examiner::examineRecord(const Share& share) {
+    const std::string where = "/config/Brindle/" + share.name;
+    if (share.folder.empty()) {
+        find({.code = "half-made-share",
+              .text = stringWithFormat(
+                  NSLocalizedString("The record of the share \"%@\" names no folder: it was only half made."),
+                  share.name),
+              .where = where,
+              .remedy = command({"shares", "remove", share.name}),
+              .share = share.name});
+        return;
+    }
+    examineFolder(share.name, share.folder, where);
+    const auto published = sections();
+    const auto sectionOf = [&](const auto& test) {
+        const auto found = std::ranges::find_if(published, test);
+        return found == published.end() ? nullptr : *found;
+    };
+    const auto isSameName = [&](const SMBShare* each) { return each->ShareName() == share.name; };
+    const auto isSameFolder = [&](const SMBShare* each) { return settingOf(*each, "path") == share.folder; };
+    const auto isOthers = [&](const SMBShare* each) { // it is the section of a share of its own
+        return std::ranges::any_of(shares_, [each](const Share& other) {
+            return isEqualIgnoringCase(other.name, each->ShareName());
+        });
+    };
+    const SMBShare* sameName = sectionOf(isSameName);
+    const SMBShare* sameFolder =
+        sectionOf([&](const SMBShare* each) { return isSameFolder(each) && isSameName(each); });
+    if (sameFolder != nullptr) {
+        return;
+    }
+    sameFolder = sectionOf(isSameFolder);
+    if (sameName != nullptr) {
+        find({.code = "folders-differ",
+              .text = stringWithFormat(
+                  NSLocalizedString("The share \"%@\" is the folder %@ in its record, and %@ over SMB."),
+                  share.name, share.folder, settingOf(*sameName, "path")),
+              .where = section(share.name),
+              .remedy = moveCommand(share.name, share.folder),
+              .share = share.name});
+    } else if (sameFolder != nullptr && !isOthers(sameFolder)) {
+        find({.code = "names-differ",
+              .text = stringWithFormat(
+                  NSLocalizedString("The share \"%@\" is called \"%@\" over SMB: its section has that name."),
+                  share.name, sameFolder->ShareName()),
+              .where = section(sameFolder->ShareName()),
+              .remedy = renameCommand(sameFolder->ShareName(), share.name),
+              .share = share.name});
+    } else if (sameFolder == nullptr && share.afpShared != "1") {
+        find({.level = Finding::Level::Notice,
+              .code = "published-nowhere",
+              .text = stringWithFormat(
+                  NSLocalizedString("The share \"%@\" is published neither over SMB nor over AFP."),
+                  share.name),
+              .where = where,
+              .remedy = command({"shares", "set", share.name, "--smb"}),
+              .share = share.name});
+    }
+}
+
+void Examiner::examineSections() {
+    for (const SMBShare* each : sections()) {
+        const std::string path = settingOf(*each, "path");
+        const std::string& name = each->ShareName();
+        const auto completes = [&](const SMBShare* other) { // the server takes both for one section
+            return isEqualIgnoringCase(other->ShareName(), name) && !settingOf(*other, "path").empty();
+        };
+        const auto isRecordOf = [&](const Share& share) { return share.folder == path; };
+        if (path.empty() && std::ranges::any_of(sections(), completes)) {
+            continue;
+        }
+        if (path.empty()) {
+            find({.code = "no-path",
+                  .text = stringWithFormat(
+                      NSLocalizedString("The section [%@] names no folder, and the SMB server offers no such "
+                                        "share."),
+                      name),
+                  .where = section(name),
+                  .remedy = command({"shares", "set", name, "--folder", "/FOLDER"}),
+                  .share = name});
+        } else if (std::ranges::none_of(shares_, isRecordOf)) {
+            examineFolder(name, path, section(name)); // else its record was looked at
+        }
+    }
+}
+
+void Examiner::examineNames() {
+    const auto tell = [&](const std::string& text, const std::string& first, const std::string& second,
+                          const std::string& where, const std::string& remedy) {
+        find({.code = "name-case",
+              .text = stringWithFormat(text, first, second),
+              .where = where,
+              .remedy = remedy,
+              .share = second});
+    };
+    std::map<std::string, std::string> known;
+    for (const SMBShare* each : sections()) {
+        const std::string& name = each->ShareName();
+        const auto [before, isNew] = known.emplace(platform::lowercased(name), name);
+        if (!isNew) {
+            tell(before->second == name
+                     ? NSLocalizedString("There are two sections [%@]: the SMB server takes \"%@\" for one "
+                                         "share.")
+                     : NSLocalizedString(
+                           "The sections [%@] and [%@] differ only in case: the SMB server takes "
+                           "them for one share."),
+                 before->second, name, section(name),
+                 before->second == name ? NSLocalizedString("Delete one of the two.") : removeCommand(name));
+        }
+    }
+    std::map<std::string, std::string> records;
+    for (const Share& share : shares_) {
+        const auto [before, isNew] = records.emplace(platform::lowercased(share.name), share.name);
+        const auto published = known.find(platform::lowercased(share.name));
+        if (!isNew) {
+            tell(NSLocalizedString("The shares \"%@\" and \"%@\" differ only in case."), before->second,
+                 share.name, "/config/Brindle/" + share.name, command({"shares", "remove", share.name}));
+        } else if (published != known.end() && published->second != share.name) {
+            tell(NSLocalizedString("The section [%@] and the share \"%@\" differ in case."),
+                 published->second, share.name, section(published->second),
+                 renameCommand(published->second, share.name));
+        }
+    }
+}
+
+} // namespace accesscheck

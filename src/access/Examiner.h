@@ -1,0 +1,90 @@
+#pragma once
+
+#include "access/Doctor.h"
+#include "model/SMBConf.h"
+
+#include <initializer_list>
+#include <string>
+#include <vector>
+
+namespace accesscheck {
+
+/// The examination under way: what was read of the computer, and what was found. One function for each kind
+/// of thing looks at it.
+class Examiner {
+  public:
+    /// Reads the directory and smb.conf; finds fault where the directory cannot be read.
+    explicit Examiner(const Patient& patient);
+
+    void examineShares();
+    void examineAccounts();
+    void examineSettings();
+    void examineServers();
+    void examineOwnFiles();
+
+    [[nodiscard]] Examination take() { return std::move(found_); }
+
+  private:
+    struct Share {
+        std::string name;
+        std::string folder;
+        std::string afpShared;
+    };
+
+    struct User {
+        std::string name;
+        std::string uid;
+        std::string gid;
+        std::string home;
+        std::string shell;
+        std::string sharedFolder;
+    };
+
+    struct Group {
+        std::string name;
+        std::string gid;
+    };
+
+    void readDirectory();
+    [[nodiscard]] std::vector<std::vector<std::string>> report(const char* path,
+                                                               std::initializer_list<const char*> properties);
+
+    void examineFolder(const std::string& share, const std::string& folder, const std::string& where);
+    void examineRecord(const Share& share);
+    void examineSections();
+    void examineNames();
+    void examineUser(const User& user);
+    void examinePasswords();
+    void examineHalfMade();
+    void examineFile(const std::string& path, unsigned forbidden, unsigned owner);
+
+    void find(Finding finding) { found_.findings.push_back(std::move(finding)); }
+
+    /// A command of Brindle's own: its words, those that need it quoted.
+    [[nodiscard]] std::string command(std::initializer_list<std::string> words) const;
+
+    /// The same of the directory's own tool, for records that no command of Brindle's lists.
+    [[nodiscard]] std::string deleteCommand(const std::string& record) const;
+    /// Commands that change smb.conf where Brindle changes nothing, because the records are as they should
+    /// be: give a section another name, another folder, and take it away.
+    [[nodiscard]] std::string renameCommand(const std::string& section, const std::string& name) const;
+    [[nodiscard]] std::string moveCommand(const std::string& section, const std::string& folder) const;
+    [[nodiscard]] std::string removeCommand(const std::string& section) const;
+    [[nodiscard]] std::string editCommand(const std::string& script) const;
+
+    [[nodiscard]] std::string section(const std::string& name) const;
+    /// The sections that the server takes for shares.
+    [[nodiscard]] std::vector<const SMBShare*> sections() const;
+    [[nodiscard]] bool sharesOverSMB() const;
+
+    const Patient& patient_;
+    Examination found_;
+    SMBConf conf_;
+    std::string smbConfFile_;
+    bool hasDirectory_ = true;
+    std::vector<Share> shares_;
+    std::vector<User> users_;
+    std::vector<Group> groups_;
+};
+
+} // namespace accesscheck

@@ -1,0 +1,179 @@
+#include "platform/samba/SettingsComplaints.h"
+
+#include "platform/posix/LetterCase.h"
+#include "platform/posix/Process.h"
+#include "platform/samba/InstalledSamba.h"
+
+#include <algorithm>
+#include <array>
+#include <chrono>
+
+namespace platform {
+
+namespace {
+
+constexpr auto limit = std::chrono::seconds(20);
+/// Each that ends the reading takes a run of its own.
+constexpr int mostRuns = 25;
+
+/// What begins a complaint, or stands in one.
+constexpr std::array<std::string_view, 7> complaints = {"Unknown parameter encountered",
+                                                        "Ignoring invalid value",
+                                                        "is not boolean",
+                                                        "ERROR: ",
+                                                        "Invalid ",
+                                                        "params.c",
+                                                        "Error loading services"};
+
+std::vector<std::string> linesOf(std::string_view text) {
+    std::vector<std::string> lines;
+    while (!text.empty()) {
+        const std::size_t end = text.find('\n');
+        lines.emplace_back(text.substr(0, end));
+        text.remove_prefix(end == std::string_view::npos ? text.size() : end + 1);
+    }
+    return lines;
+}
+
+/// In lower case and without blanks, as Samba compares names.
+std::string folded(std::string_view name) {
+    std::string plain = lowercased(name);
+    std::erase_if(plain, [](char letter) { return letter == ' ' || letter == '\t' || letter == '\r'; });
+    return plain;
+}
+
+/// The name of the setting that a line holds; empty where it holds none.
+std::string keyOf(std::string_view line) {
+    const std::size_t end = line.find('=');
+    const std::string key = end == std::string_view::npos ? std::string() : folded(line.substr(0, end));
+    return key.starts_with('#') || key.starts_with(';') || key.starts_with('[') ? std::string() : key;
+}
+
+bool isHeader(std::string_view line) {
+    const std::size_t begin = line.find_first_not_of(" \t");
+    return begin != std::string_view::npos && line[begin] == '[';
+}
+
+bool saysSomething(std::string_view line) {
+    const std::size_t begin = line.find_first_not_of(" \t\r");
+    return begin != std::string_view::npos && line[begin] != '#' && line[begin] != ';';
+}
+
+/// Follows testparm, which tells each line that it comes to, through the lines of the text.
+class Reading {
+  public:
+    Reading(std::vector<std::string>& lines, std::vector<SettingsComplaint>& found)
+        : lines_(lines), found_(found) {}
+
+    /// Reads what it said. True when it ended at a line, which is taken out so that it can go on.
+    bool follow(std::string_view said) {
+        for (const std::string& line : linesOf(said)) {
+            constexpr std::string_view setting = "doing parameter ";
+            if (line.starts_with(setting)) {
+                const std::string key = keyOf(std::string_view(line).substr(setting.size()));
+                moveTo([&key](const std::string& each) { return keyOf(each) == key; });
+            } else if (line.starts_with("Processing section ")) {
+                moveTo(&isHeader);
+                header_ = place_;
+            } else if (line == "No service name in service entry.") {
+                complain(header_, line); // found out only when the section has ended
+                place_ = header_;
+            } else if (line == "pm_process() returned No") {
+                return takeOut();
+            } else if (line != "Error loading services." && isSettingsComplaint(line)) {
+                complain(place_, line);
+            }
+        }
+        return false;
+    }
+
+  private:
+    template <class Test>
+    void moveTo(Test test) {
+        const auto begin = lines_.begin() + static_cast<std::ptrdiff_t>(place_);
+        const auto next = std::find_if(begin, lines_.end(), test);
+        if (next != lines_.end()) {
+            place_ = static_cast<std::size_t>(next - lines_.begin()) + 1;
+            hasComplained_ = false;
+        }
+    }
+
+    void complain(std::size_t line, std::string text) {
+        hasComplained_ = true;
+        const auto isSame = [&](const SettingsComplaint& each) {
+            return each.line == line && each.text == text;
+        };
+        if (std::ranges::none_of(found_, isSame)) {
+            found_.push_back({line, std::move(text)});
+        }
+    }
+
+    bool takeOut() {
+        std::size_t index = place_ - 1; // the line that it complained about
+        if (!hasComplained_) {
+            // It names no line that it cannot make sense of: it is the next one after those that it named.
+            index = place_;
+            while (index < lines_.size() && !saysSomething(lines_[index])) {
+                ++index;
+            }
+            complain(index + 1, "The server cannot make sense of this line and reads no further.");
+        }
+        if (index >= lines_.size()) {
+            return false;
+        }
+        lines_[index].clear();
+        return true;
+    }
+
+    std::vector<std::string>& lines_;
+    std::vector<SettingsComplaint>& found_;
+    std::size_t place_ = 0;  ///< how many lines testparm has come past
+    std::size_t header_ = 0; ///< the last header among them
+    bool hasComplained_ = false;
+};
+
+std::string joined(const std::vector<std::string>& lines) {
+    std::string text;
+    for (const std::string& line : lines) {
+        text += line + "\n";
+    }
+    return text;
+}
+
+} // namespace
+
+bool isSettingsComplaint(std::string_view line) {
+    return std::ranges::any_of(
+        complaints, [line](std::string_view part) { return line.find(part) != std::string_view::npos; });
+}
+
+Result<std::vector<SettingsComplaint>> settingsComplaints(std::string_view text) {
+    const std::string testparm = sambaCommand("testparm");
+    if (testparm.empty()) {
+        return Status::failure("cannot check", "smb.conf",
+                               "testparm is not installed; install the package samba-common-bin");
+    }
+    std::vector<std::string> lines = linesOf(text);
+    for (std::string& line : lines) {
+        if (keyOf(line) == "include") {
+            line.clear();
+        }
+    }
+    const Command command{{testparm, "-s", "-d", "4", "/dev/stdin"},
+                          ErrorOutput::Apart,
+                          {"PATH=/usr/sbin:/usr/bin:/sbin:/bin", "LC_ALL=C"}};
+    std::vector<SettingsComplaint> found;
+    for (int run = 0; run < mostRuns; ++run) {
+        const auto finished = runProcess(command, joined(lines), limit);
+        if (!finished.isOk()) {
+            return finished.status();
+        }
+        if (!Reading(lines, found).follow(finished->errors)) {
+            break;
+        }
+    }
+    std::ranges::stable_sort(found, {}, &SettingsComplaint::line);
+    return found;
+}
+
+} // namespace platform
