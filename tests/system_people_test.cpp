@@ -70,8 +70,9 @@ class SystemPeople : public InstalledBrindle {
     static bool refuses(const std::string& answer) { return contains(answer, "NT_STATUS_"); }
 
     /// The number of the row in which a table shows the name.
-    static std::string rowOf(const std::string& table, const std::string& cell) {
-        const std::string shown = script("show " + table + "\n");
+    static std::string rowOf(const std::string& table, const std::string& cell,
+                             const std::string& before = "") {
+        const std::string shown = script(before + "show " + table + "\n");
         const std::size_t place = shown.find(cell);
         EXPECT_NE(place, std::string::npos) << shown;
         const std::size_t start = shown.rfind('\n', place) + 1;
@@ -117,6 +118,44 @@ TEST_F(SystemPeople, ComeInWithTheirPasswordAndNoLongerAfterWhatEndsIt) {
     run({"grpck", "-r"});
     EXPECT_FALSE(watch.stop()) << "a password stood in the words of a process";
     EXPECT_FALSE(contains(contents(sudoLog), "Wonderland1"));
+}
+
+TEST_F(SystemPeople, AreLeftAsTheyAreWithAReasonWhereTheComputerNeedsThem) {
+    run({"/usr/sbin/useradd", "-M", "-r", "-u", "150", "machine"});
+    const std::string before = contents("/etc/passwd") + contents("/etc/group");
+    const std::string chief = rowOf("userTableView", "User=\"chief\"");
+    const std::string tables = "check showSystemUsersGroups2 on\ncheck showSystemUsersGroups3 on\n";
+    const std::string daemon = rowOf("groupTableView", "Group=\"daemon\"", tables);
+    const std::string machine = rowOf("userTableView", "User=\"machine\"");
+    const std::string admin = rowOf("groupTableView", "Group=\"admin\"", tables);
+    const auto update = [](const std::string& name, const std::string& uid) {
+        return "type fullName Somebody\ntype shortName " + name + "\ntype uid " + uid +
+               "\nselect groupPopUp users\npress addNewUserButton\n";
+    };
+    const std::vector<std::pair<std::string, std::string>> cases = {
+        {update("root", "0"), "cannot be changed: root is an account that the system itself needs"},
+        {update("daemon", "1"), "cannot be changed: daemon is an account of the system"},
+        {update("alice", "0"), "cannot be used: number 0 is the system's administrator"},
+        {"rows userTableView " + chief + "\npress deleteUserButton\n", "the user who runs Brindle"},
+        {"rows groupTableView " + daemon + "\nrows groupUsersTableView 0\npress addUserToGroupButton\n",
+         "daemon is a group of the system"},
+        {"rows groupTableView " + admin + "\nrows groupUsersTableView 0\npress addUserToGroupButton\n",
+         "it shows who is in sudo"},
+        {"rows userTableView " + machine + "\npress changePasswordButton\n" + setPassword("Wonderland1"),
+         "machine is an account of the system"},
+    };
+    for (const auto& [commands, reason] : cases) {
+        const std::string printed = script(tables + commands);
+        EXPECT_TRUE(contains(printed, "alert \"Not Possible\" ") && contains(printed, reason))
+            << commands << printed;
+        EXPECT_FALSE(contains(printed, "\nrun ")) << printed;
+    }
+    EXPECT_EQ(contents("/etc/passwd") + contents("/etc/group"), before);
+    // A group of the system is a user's own one without the user in its list.
+    const std::string made =
+        script(tables + "answer \"Confirm Add New File Sharing Only User\" Yes\n" + update("alice", "7201"));
+    EXPECT_TRUE(contains(made, "\nrun ") && !contains(made, "output ")) << made;
+    EXPECT_TRUE(contains(contents("/etc/passwd"), "\nalice:x:7201:100:"));
 }
 
 TEST_F(SystemPeople, OfferTheirPublicFolderWhereTheyHaveAHome) {

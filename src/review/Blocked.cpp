@@ -67,15 +67,32 @@ const NSTextField* fieldOf(const DirectoryChange& change, const std::string& ope
     return nullptr;
 }
 
+/// What the tools keep of this computer's own accounts.
+void addAccountBlock(const DirectoryChange& change, const std::string& outlet, AccountForecast& accounts,
+                     std::vector<Remark>* blocks) {
+    const RecordPath path = recordPath(change.path).value();
+    const bool exists = accounts.exists(path);
+    const platform::Status status = accounts.take(change);
+    if (!status.isOk()) {
+        blocks->push_back({"account",
+                           exists ? stringWithFormat(NSLocalizedString("\"%@\" cannot be changed: %@."),
+                                                     path.back(), status.why())
+                                  : stringWithFormat(NSLocalizedString("\"%@\" cannot be used: %@."),
+                                                     subjectOf(change), status.why()),
+                           outlet});
+    }
+}
+
 void addDirectoryBlocks(const PlannedRun& run, const std::string& operation, const BROutlets& controls,
-                        std::vector<Remark>* blocks) {
+                        std::optional<AccountForecast>& accounts, std::vector<Remark>* blocks) {
     const auto change = directoryChange(run.arguments);
-    if (!change || change->operation == "-delete") {
+    if (!change) {
         return;
     }
     const NSTextField* field = fieldOf(*change, operation, controls);
     const std::string outlet = field == nullptr ? std::string() : field->name();
-    const platform::Status status = checkDirectoryChange(*change);
+    const platform::Status status =
+        change->operation == "-delete" ? platform::Status() : checkDirectoryChange(*change);
     if (!status.isOk()) {
         blocks->push_back({codeOf(*change),
                            stringWithFormat(NSLocalizedString("\"%@\" cannot be used: %@."),
@@ -87,6 +104,24 @@ void addDirectoryBlocks(const PlannedRun& run, const std::string& operation, con
              stringWithFormat(NSLocalizedString("The id %@ is too large: the largest one is %@."),
                               change->values.front(), largestId),
              outlet});
+    } else if (const auto path = recordPath(change->path); accounts && path && isAccount(*path)) {
+        addAccountBlock(*change, outlet, *accounts, blocks);
+    }
+}
+
+void addPasswordBlocks(const BROutlets& controls, const std::optional<AccountForecast>& accounts,
+                       std::vector<Remark>* blocks) {
+    const std::string& user = controls.shortName->stringValue();
+    if (const auto status = accounts ? accounts->checkPassword(user) : platform::Status(); !status.isOk()) {
+        blocks->push_back({"account", stringWithFormat(NSLocalizedString("\"%@\" cannot be changed: %@."),
+                                                       user, status.why())});
+    }
+    const auto status = platform::SambaAccounts::checkPassword(controls.passwordSecureText1->stringValue());
+    if (!status.isOk()) {
+        blocks->push_back({"text",
+                           stringWithFormat(NSLocalizedString("The password of \"%@\" cannot be used: %@."),
+                                            user, status.why()),
+                           controls.passwordSecureText1->name()});
     }
 }
 
@@ -114,21 +149,14 @@ void addSettingsBlocks(const BROutlets& controls, std::vector<Remark>* blocks) {
 
 } // namespace
 
-std::vector<Remark> blocksOf(const Plan& plan, const BROutlets& controls) {
+std::vector<Remark> blocksOf(const Plan& plan, const BROutlets& controls,
+                             std::optional<AccountForecast> accounts) {
     std::vector<Remark> blocks;
     for (const PlannedRun& run : plan.runs) {
         if (run.tool == platform::systempath::nicl) {
-            addDirectoryBlocks(run, plan.operation, controls, &blocks);
+            addDirectoryBlocks(run, plan.operation, controls, accounts, &blocks);
         } else if (run.tool == platform::systempath::dscl) {
-            const auto status =
-                platform::SambaAccounts::checkPassword(controls.passwordSecureText1->stringValue());
-            if (!status.isOk()) {
-                blocks.push_back({"text",
-                                  stringWithFormat(NSLocalizedString("The password of \"%@\" cannot be "
-                                                                     "used: %@."),
-                                                   controls.shortName->stringValue(), status.why()),
-                                  controls.passwordSecureText1->name()});
-            }
+            addPasswordBlocks(controls, accounts, &blocks);
         }
     }
     if (plan.operation == "updateSMBProperties:") {

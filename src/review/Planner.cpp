@@ -11,6 +11,7 @@
 
 #include <exception>
 #include <map>
+#include <utility>
 
 namespace review {
 
@@ -66,6 +67,7 @@ void workOut(const platform::Interface& main, const std::shared_ptr<WorkingCopy>
              const RehearsedAction& action, PlanDepth depth, Plan* plan) {
     const auto& now = *static_cast<const BRController*>(main.owner());
     const auto directoryBefore = platform::Host::current().services().localDomain;
+    auto accountsBefore = AccountForecast::ofComputer();
     plan->smbConfBefore = bytesOf(smbConf);
     const std::string afpBefore = bytesOf(appleFileServer);
     Rehearsal rehearsal(main, copy, plan);
@@ -73,7 +75,7 @@ void workOut(const platform::Interface& main, const std::shared_ptr<WorkingCopy>
     copy->settle();
     compare(*copy, plan);
     plan->afpSettings = settingChanges(afpBefore, bytesOf(copy->settingsFile(appleFileServer)));
-    plan->blocks = blocksOf(*plan, now);
+    plan->blocks = blocksOf(*plan, now, std::move(accountsBefore));
     if (plan->blocks.empty() && depth == PlanDepth::Warnings) {
         plan->warnings = warningsOf({*plan, now, rehearsal.controller(), DirectoryView(directoryBefore),
                                      DirectoryView(copy->storeFile())});

@@ -4,7 +4,6 @@
 #include "tools/AccountPrograms.h"
 #include "tools/StoreChange.h"
 
-#include <limits>
 #include <utility>
 
 using platform::Status;
@@ -28,14 +27,6 @@ Status ComputerAccount::runProgram(const std::vector<std::string>& words) const 
     return status.isOk() ? Status() : refused(std::string(status.why()));
 }
 
-std::optional<unsigned> ComputerAccount::numberOfValues() const {
-    bool isValid = false;
-    const unsigned number =
-        change_.values.size() == 1 ? platform::accountNumber(change_.values.front(), &isValid) : 0;
-    // The highest stands for "none" everywhere in the system.
-    return isValid && number != std::numeric_limits<unsigned>::max() ? std::optional(number) : std::nullopt;
-}
-
 std::vector<std::string> ComputerAccount::collectedValues(Store::Record record, const char* property) const {
     return directory_.store().values(record, property).value_or(std::vector<std::string>());
 }
@@ -47,14 +38,8 @@ std::string ComputerAccount::collectedValue(Store::Record record, const char* pr
 }
 
 Status ComputerAccount::run() {
-    if (change_.property == platform::accountStateProperty) {
-        return refused("Brindle keeps this property for itself; choose another name");
-    }
-    const bool writes = change_.operation != "-delete";
-    if (change_.property && writes && isPropertyOfLine(*change_.property)) {
-        if (Status status = checkValues(); !status.isOk()) {
-            return status;
-        }
+    if (Status status = checkAccountChange(directory_.accounts(), change_, isOurs_); !status.isOk()) {
+        return status;
     }
     return number() ? changeAccount() : collect();
 }
@@ -64,11 +49,6 @@ Status ComputerAccount::collect() {
     const auto record = store.find(path_);
     if (!change_.property && change_.operation == "-create") {
         return begin(record);
-    }
-    if (record && change_.property == "name") {
-        if (Status status = checkNewName(change_.values.front()); !status.isOk()) {
-            return status;
-        }
     }
     const auto before = record && change_.property ? store.values(*record, *change_.property) : std::nullopt;
     if (Status status = writeStore(); !status.isOk()) { // it refuses what is not there
@@ -82,9 +62,6 @@ Status ComputerAccount::begin(std::optional<Store::Record> left) {
     Store& store = directory_.store();
     if (left) {
         store.removeRecord(*left); // one that never became whole
-    }
-    if (Status status = checkNewName(name()); !status.isOk()) {
-        return status;
     }
     const auto folder = store.find(RecordPath{path_.front()});
     if (!folder) {
@@ -121,7 +98,7 @@ Status ComputerAccount::changeAccount() {
     if (property == "name") {
         return rename();
     }
-    if (!isPropertyOfLine(property)) {
+    if (!isPropertyOfLine(path_, property)) {
         return writeBesideLine();
     }
     if (change_.operation != "-delete" && property == numberProperty()) {
@@ -130,42 +107,22 @@ Status ComputerAccount::changeAccount() {
     return writeLine();
 }
 
-Status ComputerAccount::checkNewName(const std::string& newName) const {
-    if (isTaken(newName)) {
-        return refused("there is an account called " + newName + "; choose another name");
-    }
-    const auto other = otherInCase(newName);
-    return other ? refused("there is a user called " + *other +
-                           ", and the case of letters does not tell users apart; choose another name")
-                 : Status();
-}
-
 Status ComputerAccount::rename() {
     const std::string& newName = change_.values.front();
     if (newName == name()) {
         return {};
     }
-    Status status = checkRemoval();
-    if (status.isOk()) {
-        status = checkNewName(newName);
-    }
-    if (!status.isOk()) {
-        return status;
-    }
     const unsigned same = number().value_or(0);
-    status =
+    const Status status =
         directory_.carryThrough({isUser(), {name(), same}, {newName, same}, {}}, programThatRenames(newName));
     return status.isOk() ? Status() : refused(std::string(status.why()));
 }
 
 Status ComputerAccount::renumber() {
     const unsigned before = number().value_or(0);
-    const unsigned after = numberOfValues().value_or(before);
+    const unsigned after = numberOf(change_).value_or(before);
     if (after == before) {
         return {};
-    }
-    if (Status status = checkAccount(); !status.isOk()) {
-        return status;
     }
     const Status status = directory_.carryThrough({isUser(), {name(), before}, {name(), after}, {}},
                                                   programThatRenumbers(after));
@@ -173,9 +130,6 @@ Status ComputerAccount::renumber() {
 }
 
 Status ComputerAccount::remove() {
-    if (Status status = checkRemoval(); !status.isOk()) {
-        return status;
-    }
     const Status status =
         directory_.carryThrough({isUser(), {name(), number().value_or(0)}, {}, {}}, programThatDeletes());
     return status.isOk() ? Status() : refused(std::string(status.why()));
@@ -200,6 +154,6 @@ Status ComputerAccount::writeStore() {
         return changeStore(directory_.store(), change_, ignored);
     }
     DirectoryChange normal = change_;
-    normal.values = {platform::directoryNumber(numberOfValues().value_or(0))};
+    normal.values = {platform::directoryNumber(numberOf(change_).value_or(0))};
     return changeStore(directory_.store(), normal, ignored);
 }

@@ -22,7 +22,8 @@ class ComputerAccount {
     ComputerAccount(const ComputerAccount&) = delete;
     ComputerAccount& operator=(const ComputerAccount&) = delete;
 
-    /// Carries the change out. Where it fails, nothing was changed.
+    /// Carries the change out, as far as the rules for accounts allow it. Where it fails, nothing was
+    /// changed.
     [[nodiscard]] platform::Status run();
 
   protected:
@@ -34,18 +35,6 @@ class ComputerAccount {
     /// The account's number, where the computer has it.
     [[nodiscard]] virtual std::optional<unsigned> number() const = 0;
     [[nodiscard]] virtual const char* numberProperty() const = 0;
-    /// Another account that has this name but for the case of letters.
-    [[nodiscard]] virtual std::optional<std::string> otherInCase(const std::string& name) const = 0;
-    [[nodiscard]] virtual bool isTaken(const std::string& name) const = 0;
-    [[nodiscard]] virtual bool isPropertyOfLine(const std::string& property) const = 0;
-    /// Whether the values are such as the account's line can hold.
-    [[nodiscard]] virtual platform::Status checkValues() const = 0;
-    /// Fails for an account that Brindle does not change.
-    [[nodiscard]] virtual platform::Status checkAccount() const = 0;
-
-    /// Fails for an account that is not to be renamed or deleted either.
-    [[nodiscard]] virtual platform::Status checkRemoval() const { return checkAccount(); }
-
     /// The program that makes the account from what was collected; none as long as something is missing.
     [[nodiscard]] virtual std::optional<std::vector<std::string>>
     programThatMakes(platform::Store::Record collected) = 0;
@@ -69,8 +58,6 @@ class ComputerAccount {
     [[nodiscard]] platform::Status refused(std::string why) const;
     /// Commits, and runs one of the computer's programs.
     [[nodiscard]] platform::Status runProgram(const std::vector<std::string>& words) const;
-    /// The number among the change's values; none when they are no one number that an account can have.
-    [[nodiscard]] std::optional<unsigned> numberOfValues() const;
     [[nodiscard]] std::vector<std::string> collectedValues(platform::Store::Record record,
                                                            const char* property) const;
     /// The first of the collected values, or `other`.
@@ -84,7 +71,6 @@ class ComputerAccount {
                                         const std::optional<std::vector<std::string>>& valuesBefore,
                                         const std::vector<std::string>& program);
     [[nodiscard]] platform::Status changeAccount();
-    [[nodiscard]] platform::Status checkNewName(const std::string& newName) const;
     [[nodiscard]] platform::Status rename();
     [[nodiscard]] platform::Status renumber();
     [[nodiscard]] platform::Status remove();

@@ -22,7 +22,7 @@ namespace {
 using State = ComputerDirectory::State;
 
 constexpr std::array<std::pair<State, std::string_view>, 3> states = {
-    {{State::Collecting, "collecting"}, {State::Made, "made"}, {State::Found, "found"}}};
+    {{State::Collecting, "collecting"}, {State::Made, platform::accountStateMade}, {State::Found, "found"}}};
 
 const char* folderOf(bool isUser) {
     return isUser ? "users" : "groups";
@@ -32,15 +32,11 @@ const char* numberNameOf(bool isUser) {
     return isUser ? "uid" : "gid";
 }
 
-template <class Lines>
-auto findNamed(const Lines& lines, const std::string& name) {
-    const auto found = std::ranges::find(lines, name, &Lines::value_type::name);
-    return found == lines.end() ? nullptr : &*found;
-}
-
 } // namespace
 
 ComputerDirectory::ComputerDirectory(const DirectoryPlace& place) : place_(place) {
+    accounts_.limits = platform::readAccountLimits();
+    accounts_.user = place_.computer->user;
     lock_ = ComputerLock::take(place_.computer->files, place_.waitSeconds);
     status_ = lock_->status();
     if (status_.isOk()) {
@@ -53,19 +49,6 @@ ComputerDirectory::ComputerDirectory(const DirectoryPlace& place) : place_(place
         takeAwayGoneAccounts();
         status_ = store().status();
     }
-}
-
-const UserLine* ComputerDirectory::findUser(const std::string& name) const {
-    return findNamed(users_, name);
-}
-
-const GroupLine* ComputerDirectory::findGroup(const std::string& name) const {
-    return findNamed(groups_, name);
-}
-
-const GroupLine* ComputerDirectory::findGroup(unsigned gid) const {
-    const auto found = std::ranges::find(groups_, gid, &GroupLine::gid);
-    return found == groups_.end() ? nullptr : &*found;
 }
 
 Store& ComputerDirectory::store() {
@@ -108,17 +91,17 @@ Status ComputerDirectory::readLines() {
             return *status;
         }
     }
-    users_ = std::move(*users);
-    groups_ = std::move(*groups);
+    accounts_.users = std::move(*users);
+    accounts_.groups = std::move(*groups);
     return {};
 }
 
 bool ComputerDirectory::exists(bool isUser, const UnfinishedChange::Account& account) const {
     if (isUser) {
-        const UserLine* line = findUser(account.name);
+        const UserLine* line = accounts_.findUser(account.name);
         return line != nullptr && line->uid == account.number;
     }
-    const GroupLine* line = findGroup(account.name);
+    const GroupLine* line = accounts_.findGroup(account.name);
     return line != nullptr && line->gid == account.number;
 }
 
@@ -211,10 +194,10 @@ void ComputerDirectory::takeAwayGoneAccounts() {
         }
         std::unordered_map<std::string_view, unsigned> numbers;
         if (isUser) {
-            std::ranges::for_each(users_,
+            std::ranges::for_each(accounts_.users,
                                   [&](const UserLine& line) { numbers.emplace(line.name, line.uid); });
         } else {
-            std::ranges::for_each(groups_,
+            std::ranges::for_each(accounts_.groups,
                                   [&](const GroupLine& line) { numbers.emplace(line.name, line.gid); });
         }
         const platform::RecordBlock records = store().children(*folder);

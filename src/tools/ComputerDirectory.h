@@ -1,8 +1,9 @@
 #pragma once
 
+#include "directory/AccountRules.h"
 #include "directory/DirectoryRules.h"
 #include "platform/host/SystemFiles.h"
-#include "platform/netinfo/AccountLines.h"
+#include "platform/netinfo/AccountFiles.h"
 #include "platform/netinfo/Store.h"
 #include "platform/posix/Status.h"
 #include "tools/ComputerStore.h"
@@ -32,18 +33,8 @@ class ComputerDirectory {
 
     [[nodiscard]] const platform::Status& status() const { return status_; }
 
-    /// Who runs Brindle.
-    [[nodiscard]] uid_t user() const { return place_.computer->user; }
-
-    [[nodiscard]] const platform::AccountLimits& limits() const { return limits_; }
-
-    [[nodiscard]] const std::vector<platform::UserLine>& users() const { return users_; }
-
-    [[nodiscard]] const std::vector<platform::GroupLine>& groups() const { return groups_; }
-
-    [[nodiscard]] const platform::UserLine* findUser(const std::string& name) const;
-    [[nodiscard]] const platform::GroupLine* findGroup(const std::string& name) const;
-    [[nodiscard]] const platform::GroupLine* findGroup(unsigned gid) const;
+    /// The computer's accounts, as the rules look at them.
+    [[nodiscard]] const ComputerAccounts& accounts() const { return accounts_; }
 
     /// The store, with a transaction that has begun.
     [[nodiscard]] platform::Store& store();
@@ -71,10 +62,8 @@ class ComputerDirectory {
 
     DirectoryPlace place_;
     platform::AccountFiles files_;
-    platform::AccountLimits limits_ = platform::readAccountLimits();
+    ComputerAccounts accounts_;
     std::optional<platform::Result<ComputerLock>> lock_;
     platform::Status status_;
-    std::vector<platform::UserLine> users_;
-    std::vector<platform::GroupLine> groups_;
     std::unique_ptr<platform::Store> store_;
 };

@@ -1,6 +1,6 @@
 #include "tools/ComputerTools.h"
 
-#include "platform/netinfo/AccountFiles.h"
+#include "directory/AccountRules.h"
 #include "platform/posix/Secret.h"
 #include "platform/samba/ComputerPasswords.h"
 #include "platform/samba/UserShares.h"
@@ -53,14 +53,15 @@ Status setOwnPassword(const std::string& user, std::string_view password, const 
 
 Status checkPasswordOf(ComputerDirectory& directory, const std::string& user, const std::string& password) {
     constexpr const char* what = "cannot set the password of";
-    const platform::UserLine* line = directory.findUser(user);
+    const platform::UserLine* line = directory.accounts().findUser(user);
     if (line == nullptr) {
         return Status::failure(what, user, "there is no such user; create it first");
     }
     if (password.empty()) {
         return Status::failure(what, user, "an empty one would let everybody in; choose one");
     }
-    return checkOrdinaryUser(*line, directory.hasMade(RecordPath{"users", user}), directory.limits());
+    return checkOrdinaryUser(*line, directory.hasMade(RecordPath{"users", user}),
+                             directory.accounts().limits);
 }
 
 PublicFolderOwner ownerOf(const platform::UserLine& line) {
@@ -103,19 +104,17 @@ Status changeComputer(const DirectoryPlace& place, const DirectoryChange& change
     if (!directory.status().isOk()) {
         return refusal(change, directory.status().text());
     }
-    if (path == RecordPath{"groups", platform::administratorsGroup}) {
-        return refusal(change, whyAdministratorsStay(directory));
-    }
     if (path.front() != "users") {
         return ComputerGroup(directory, change).run();
     }
-    const platform::UserLine* line = directory.findUser(path[1]);
+    const platform::UserLine* line = directory.accounts().findUser(path[1]);
     const auto before = line != nullptr ? std::optional(*line) : std::nullopt;
     Status status = ComputerUser(directory, change).run();
     if (status.isOk() && before) {
         status = directory.commit();
     }
-    return status.isOk() && before ? followPublicFolder(place, change, *before, directory.limits()) : status;
+    return status.isOk() && before ? followPublicFolder(place, change, *before, directory.accounts().limits)
+                                   : status;
 }
 
 Status setComputerPassword(const DirectoryPlace& place, const std::string& user,

@@ -24,6 +24,8 @@ inline constexpr std::int64_t firstGroupLineId = firstUserLineId + (std::int64_t
 
 /// How far the writers of the store have come with an account; no reader sees this property.
 inline constexpr const char* accountStateProperty = "_brindle_account";
+/// Its value for an account that they have made.
+inline constexpr const char* accountStateMade = "made";
 
 /// The group in which the directory lists whoever may administer the computer.
 inline constexpr const char* administratorsGroup = "admin";

@@ -1,0 +1,316 @@
+#include "directory/AccountRules.h"
+
+#include "platform/netinfo/AccountNumber.h"
+#include "platform/posix/LetterCase.h"
+
+#include <algorithm>
+#include <array>
+#include <limits>
+#include <string_view>
+#include <utility>
+
+using platform::GroupLine;
+using platform::Status;
+using platform::UserLine;
+
+namespace {
+
+constexpr unsigned nobody = 65534; // and its group
+
+/// One change, and what it is about. Each rule returns an empty string when it is kept, else what is wrong
+/// and what to do.
+struct Request {
+    const ComputerAccounts& accounts;
+    const DirectoryChange& change;
+    const std::string& name; ///< of the account
+    bool isOurs;
+
+    [[nodiscard]] bool writes() const { return change.operation != "-delete"; }
+
+    [[nodiscard]] bool isRenaming() const { return change.property == "name"; }
+
+    /// The one value; empty where there is none.
+    [[nodiscard]] std::string value() const {
+        return writes() && !change.values.empty() ? change.values.front() : "";
+    }
+};
+
+template <class Lines>
+auto findNamed(const Lines& lines, const std::string& name) {
+    const auto found = std::ranges::find(lines, name, &Lines::value_type::name);
+    return found == lines.end() ? nullptr : &*found;
+}
+
+bool contains(const std::vector<std::string>& names, const std::string& name) {
+    return std::ranges::find(names, name) != names.end();
+}
+
+std::string ruleBrokenByTakenName(const std::string& name) {
+    return "there is an account called " + name + "; choose another name";
+}
+
+// Users.
+
+std::string ruleBrokenByUserOfSystem(const UserLine& line, bool isOurs,
+                                     const platform::AccountLimits& limits) {
+    if (line.uid == 0 || line.uid == nobody) {
+        return line.name + " is an account that the system itself needs; it stays as it is";
+    }
+    return line.uid < limits.lowestUser && !isOurs
+               ? line.name + " is an account of the system: users have numbers from " +
+                     std::to_string(limits.lowestUser) + " on; change it with the system's own tools"
+               : "";
+}
+
+std::string ruleBrokenByNewUser(const Request& request, const std::string& name) {
+    const std::string wanted = platform::lowercased(name);
+    for (const UserLine& line : request.accounts.users) {
+        if (line.name == name) {
+            return ruleBrokenByTakenName(name);
+        }
+        if (line.name != request.name && platform::lowercased(line.name) == wanted) {
+            return "there is a user called " + line.name +
+                   ", and the case of letters does not tell users apart; choose another name";
+        }
+    }
+    return {};
+}
+
+std::string ruleBrokenByNumber(const Request& request, const UserLine* line) {
+    const auto number = numberOf(request.change);
+    if (!number) {
+        return "it is a number; give one";
+    }
+    if (request.change.property == "uid") {
+        const bool isNew = line == nullptr || line->uid != *number;
+        return *number == 0 && isNew ? "number 0 is the system's administrator; choose another one" : "";
+    }
+    const GroupLine* group = request.accounts.findGroup(*number);
+    const bool isNew = line == nullptr || line->gid != *number;
+    const bool isPowerful =
+        *number == 0 || (group != nullptr && platform::isGroupOfAdministrators(group->name));
+    return isPowerful && isNew ? "the users of " + (group == nullptr ? "group 0" : group->name) +
+                                     " administer the computer; choose another group"
+                               : "";
+}
+
+/// Whether the line can hold what is to be written.
+std::string ruleBrokenByUserValues(const Request& request, const UserLine* line) {
+    const std::string& property = *request.change.property;
+    if (request.change.operation == "-append" || request.change.values.size() > 1) {
+        return "an account has one " + property + "; write it with -create and one value";
+    }
+    if (property == "uid" || property == "gid") {
+        return ruleBrokenByNumber(request, line);
+    }
+    const std::string value = request.value();
+    if (property == "passwd") {
+        return value.empty() || value == "!" || value == "*"
+                   ? ""
+                   : "a password is set with dscl; here is only \"!\", which matches none";
+    }
+    const bool breaksLine = value.find_first_of(property == "realname" ? ",:" : ":") != std::string::npos;
+    return breaksLine ? "the system's list of users cannot hold a comma or colon here; leave it out" : "";
+}
+
+/// Whether the change leaves the user's line as it is. Of the password, only root could tell.
+bool keepsLine(const Request& request, const UserLine& line) {
+    const std::string& property = *request.change.property;
+    if (property == "realname") {
+        const std::size_t nameEnd = std::min(line.comment.find(','), line.comment.size());
+        return line.comment.substr(0, nameEnd) == request.value();
+    }
+    if (!request.writes() || property == "passwd") {
+        return true;
+    }
+    if (property == "uid" || property == "gid") {
+        return numberOf(request.change) == (property == "uid" ? line.uid : line.gid);
+    }
+    return request.value() == (property == "home" ? line.home : line.shell);
+}
+
+std::string ruleBrokenByRemovingUser(const Request& request, const UserLine& line) {
+    return line.uid == request.accounts.user
+               ? "it is the user who runs Brindle; let another administrator do it"
+               : ruleBrokenByUserOfSystem(line, request.isOurs, request.accounts.limits);
+}
+
+std::string ruleBrokenByUser(const Request& request) {
+    const UserLine* line = request.accounts.findUser(request.name);
+    if (!request.change.property) {
+        if (request.writes()) {
+            return line == nullptr ? ruleBrokenByNewUser(request, request.name) : "";
+        }
+        return line == nullptr ? "" : ruleBrokenByRemovingUser(request, *line);
+    }
+    if (request.isRenaming()) {
+        const std::string newName = request.value();
+        std::string broken =
+            line == nullptr || newName == request.name ? "" : ruleBrokenByRemovingUser(request, *line);
+        return !broken.empty() || newName == request.name ? broken : ruleBrokenByNewUser(request, newName);
+    }
+    if (!isPropertyOfLine({"users", request.name}, *request.change.property)) {
+        return {};
+    }
+    std::string broken = request.writes() ? ruleBrokenByUserValues(request, line) : "";
+    return !broken.empty() || line == nullptr || keepsLine(request, *line)
+               ? broken
+               : ruleBrokenByUserOfSystem(*line, request.isOurs, request.accounts.limits);
+}
+
+// Groups.
+
+std::string whyAdministratorsStay(const ComputerAccounts& accounts) {
+    std::string names;
+    for (const GroupLine& line : accounts.groups) {
+        if (platform::isGroupOfAdministrators(line.name)) {
+            names += (names.empty() ? "" : ",") + line.name;
+        }
+    }
+    return names.empty()
+               ? "this computer has no group of administrators; make one with the system's own tools"
+               : "it shows who is in " + names +
+                     ", which decides who administers this computer; change that with the system's own tools";
+}
+
+std::string ruleBrokenByGroupOfSystem(const Request& request, const GroupLine& line) {
+    const unsigned lowest = request.accounts.limits.lowestGroup;
+    if (line.gid == 0 || line.gid == nobody || (line.gid < lowest && !request.isOurs)) {
+        return line.name + " is a group of the system: other groups have numbers from " +
+               std::to_string(lowest) + " on; change it with the system's own tools";
+    }
+    return platform::isGroupOfAdministrators(line.name)
+               ? "its members administer this computer; change it with the system's own tools"
+               : "";
+}
+
+std::string ruleBrokenByNewGroup(const Request& request, const std::string& name) {
+    const bool isTaken = name == platform::administratorsGroup || request.accounts.findGroup(name) != nullptr;
+    return isTaken ? ruleBrokenByTakenName(name) : "";
+}
+
+/// Whether the line can hold what is to be written.
+std::string ruleBrokenByGroupValues(const Request& request, const GroupLine* line) {
+    const std::string& property = *request.change.property;
+    if (property == "users") {
+        return {};
+    }
+    if (request.change.operation == "-append" || request.change.values.size() > 1) {
+        return "a group has one " + property + "; write it with -create and one value";
+    }
+    if (property == "passwd") {
+        const std::string value = request.value();
+        return value.empty() || value == "!" || value == "*"
+                   ? ""
+                   : "a group has no password; write \"*\", which matches none";
+    }
+    const auto number = numberOf(request.change);
+    if (!number) {
+        return "it is a number; give one";
+    }
+    const bool isNew = line == nullptr || line->gid != *number;
+    return *number == 0 && isNew ? "number 0 is the administrator's own group; choose another one" : "";
+}
+
+bool keepsLine(const Request& request, const GroupLine& line) {
+    const std::string& property = *request.change.property;
+    if (property == "users") {
+        return membersAfter(request.accounts, line, request.change, request.isOurs) == line.members;
+    }
+    return property == "passwd" || !request.writes() || numberOf(request.change) == line.gid;
+}
+
+std::string ruleBrokenByGroup(const Request& request) {
+    if (request.name == platform::administratorsGroup) {
+        return whyAdministratorsStay(request.accounts);
+    }
+    const GroupLine* line = request.accounts.findGroup(request.name);
+    if (!request.change.property) {
+        if (request.writes()) {
+            return line == nullptr ? ruleBrokenByNewGroup(request, request.name) : "";
+        }
+        return line == nullptr ? "" : ruleBrokenByGroupOfSystem(request, *line);
+    }
+    if (request.isRenaming()) {
+        const std::string newName = request.value();
+        std::string broken =
+            line == nullptr || newName == request.name ? "" : ruleBrokenByGroupOfSystem(request, *line);
+        return !broken.empty() || newName == request.name ? broken : ruleBrokenByNewGroup(request, newName);
+    }
+    if (!isPropertyOfLine({"groups", request.name}, *request.change.property)) {
+        return {};
+    }
+    std::string broken = request.writes() ? ruleBrokenByGroupValues(request, line) : "";
+    return !broken.empty() || line == nullptr || keepsLine(request, *line)
+               ? broken
+               : ruleBrokenByGroupOfSystem(request, *line);
+}
+
+} // namespace
+
+const UserLine* ComputerAccounts::findUser(const std::string& name) const {
+    return findNamed(users, name);
+}
+
+const GroupLine* ComputerAccounts::findGroup(const std::string& name) const {
+    return findNamed(groups, name);
+}
+
+const GroupLine* ComputerAccounts::findGroup(unsigned gid) const {
+    const auto found = std::ranges::find(groups, gid, &GroupLine::gid);
+    return found == groups.end() ? nullptr : &*found;
+}
+
+Status checkAccountChange(const ComputerAccounts& accounts, const DirectoryChange& change, bool isOurs) {
+    const RecordPath path = recordPath(change.path).value();
+    const Request request{accounts, change, path.back(), isOurs};
+    std::string why = change.property == platform::accountStateProperty
+                          ? "Brindle keeps this property for itself; choose another name"
+                      : path.front() == "users" ? ruleBrokenByUser(request)
+                                                : ruleBrokenByGroup(request);
+    return why.empty() ? Status() : refusal(change, std::move(why));
+}
+
+Status checkOrdinaryUser(const UserLine& line, bool isOurs, const platform::AccountLimits& limits) {
+    std::string why = ruleBrokenByUserOfSystem(line, isOurs, limits);
+    return why.empty() ? Status() : Status::failure("cannot change", line.name, std::move(why));
+}
+
+bool isPropertyOfLine(const RecordPath& path, const std::string& property) {
+    constexpr std::array ofUsers = {"uid", "gid", "realname", "home", "shell", "passwd"};
+    constexpr std::array ofGroups = {"gid", "passwd", "users"};
+    return path.front() == "users" ? std::ranges::find(ofUsers, property) != ofUsers.end()
+                                   : std::ranges::find(ofGroups, property) != ofGroups.end();
+}
+
+std::optional<unsigned> numberOf(const DirectoryChange& change) {
+    bool isValid = false;
+    const unsigned number =
+        change.values.size() == 1 ? platform::accountNumber(change.values.front(), &isValid) : 0;
+    // The highest stands for "none" everywhere in the system.
+    return isValid && number != std::numeric_limits<unsigned>::max() ? std::optional(number) : std::nullopt;
+}
+
+std::vector<std::string> membersAfter(const ComputerAccounts& accounts, const GroupLine& group,
+                                      const DirectoryChange& change, bool isOurs) {
+    if (change.operation == "-create") {
+        return change.values;
+    }
+    std::vector<std::string> members = group.members;
+    if (change.operation == "-delete") {
+        std::erase_if(members, [&](const std::string& member) {
+            return change.values.empty() || contains(change.values, member);
+        });
+        return members;
+    }
+    const bool isOrdinary = ruleBrokenByGroupOfSystem({accounts, change, group.name, isOurs}, group).empty();
+    for (const std::string& user : change.values) {
+        const UserLine* line = accounts.findUser(user);
+        // A group of the system may be a user's own group; nothing more comes of listing the user in it.
+        const bool isOwn = !isOrdinary && line != nullptr && line->gid == group.gid;
+        if (!isOwn && !contains(members, user)) {
+            members.push_back(user);
+        }
+    }
+    return members;
+}
