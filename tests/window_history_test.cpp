@@ -1,9 +1,6 @@
 // Undo and the history in the application's own window.
 
-#include "platform/host/DirectoryAccounts.h"
-#include "review/History.h"
-#include "review/Reviewer.h"
-#include "support/MainWindowFixture.h"
+#include "support/HistoryWindowFixture.h"
 
 #include <QMainWindow>
 #include <QMenu>
@@ -12,30 +9,8 @@
 
 namespace {
 
-class WindowHistoryTest : public MainWindow {
+class WindowHistoryTest : public WindowWithHistory {
   protected:
-    void openWithHistory() {
-        platform::Services services = host.host().services();
-        services.historyFile = (host.root() / "history.db").string();
-        services.accountNames = std::make_shared<platform::DirectoryAccounts>(host.storeFile().string());
-        history.emplace(services);
-        inner.emplace(std::move(services));
-        open();
-        reviewer.emplace(*interface);
-        frontend->useReviewer(*reviewer);
-        frontend->useHistory(*history);
-        NSApp().dispatch([] {}); // the start is an action of its own
-        QApplication::processEvents();
-    }
-
-    void TearDown() override {
-        MainWindow::TearDown();
-        reviewer.reset();
-        interface.reset();
-        history.reset();
-        inner.reset();
-    }
-
     /// Opens the menu with the mouse and returns its undo item.
     QAction& openChanges() {
         auto& menu = widget<QMenu>("changesMenu");
@@ -70,10 +45,6 @@ class WindowHistoryTest : public MainWindow {
         });
         useMenu("History…");
     }
-
-    std::optional<review::History> history;
-    std::optional<platform::Host> inner;
-    std::optional<review::Reviewer> reviewer;
 };
 
 TEST_F(WindowHistoryTest, TheMenuNamesWhatItUndoesAndBringsADeletedShareBack) {

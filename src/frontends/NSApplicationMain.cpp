@@ -8,12 +8,15 @@
 #include "frontends/script/ScriptRunner.h"
 #include "platform/appkit/NSApplication.h"
 #include "platform/foundation/Computer.h"
+#include "platform/foundation/NSBundle.h"
+#include "platform/foundation/NSString.h"
 #include "platform/host/EmbeddedHost.h"
 #include "platform/host/EmbeddedRoot.h"
 #include "platform/host/SystemHost.h"
 #include "platform/samba/EmbeddedServer.h"
 #include "review/DryRun.h"
 
+#include <array>
 #include <cerrno>
 #include <csignal>
 #include <exception>
@@ -23,6 +26,7 @@
 #include <stdexcept>
 
 #include <syslog.h>
+#include <unistd.h>
 
 namespace {
 
@@ -197,6 +201,24 @@ Status printTable(const Options& options) {
                      : Status::failure("nothing was printed", "", "standard output cannot be written");
 }
 
+/// What the window says of the server that --serve asked for. A port that is taken is no reason to be without
+/// a window.
+frontend::ServerLine serverLine(const Options& options, const Result<Server>& server) {
+    if (!server.isOk()) {
+        return {"", server.status().text(), true};
+    }
+    if (*server) {
+        const std::string address = (*server)->address();
+        return {address, stringWithFormat(NSLocalizedString("SMB server at %@"), address), false};
+    }
+    if (options.host.system) {
+        std::array<char, 256> name{};
+        const bool isKnown = ::gethostname(name.data(), name.size() - 1) == 0;
+        return {std::string("smb://") + (isKnown ? name.data() : "localhost") + "/", "", false};
+    }
+    return {"", NSLocalizedString("No server: start Brindle with --serve to reach the shares."), false};
+}
+
 Result<int> openWindow(const Options& options, char** argv) {
     auto services = makeServices(options);
     if (!services.isOk()) {
@@ -204,11 +226,11 @@ Result<int> openWindow(const Options& options, char** argv) {
     }
     Application application(std::move(*services));
     const auto server = startServer(options);
+    if (options.mode == Mode::Window) {
+        return frontend::runWindow(application, argv, serverLine(options, server));
+    }
     if (!server.isOk()) {
         return server.status();
-    }
-    if (options.mode == Mode::Window) {
-        return frontend::runWindow(application, argv);
     }
     return exitStatusOf(frontend::takeSnapshots(application, argv, options.snapshotFolder));
 }

@@ -26,7 +26,7 @@ Status loadInto(QtFrontend& window, Application& application) {
 
 } // namespace
 
-platform::Result<int> runWindow(Application& application, char** argv) {
+platform::Result<int> runWindow(Application& application, char** argv, const ServerLine& server) {
     if (!QtFrontend::displayIsThere()) {
         return Status::failure("there is no display to open the window on", "",
                                "set DISPLAY or WAYLAND_DISPLAY, or use --print or --script");
@@ -36,6 +36,7 @@ platform::Result<int> runWindow(Application& application, char** argv) {
     if (Status status = loadInto(window, application); !status.isOk()) {
         return status;
     }
+    window.useServer(server.address, server.state, server.hasFailed);
     const int exitStatus = window.run([&] { application.launch(); });
     application.end();
     return exitStatus;
@@ -62,7 +63,7 @@ void showStartFailure(const std::string& text, char** argv) {
 
 void showStartFailure(const std::string& /*text*/, char** /*argv*/) {}
 
-platform::Result<int> runWindow(Application& /*application*/, char** /*argv*/) {
+platform::Result<int> runWindow(Application& /*application*/, char** /*argv*/, const ServerLine& /*server*/) {
     return Status::failure("this build has no window", "",
                            "install Qt 6 Widgets and build again, or use --print or --script");
 }

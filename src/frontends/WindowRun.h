@@ -10,8 +10,16 @@ class Application;
 
 /// The runs that need the window front-end. In a build without it they say so and what to do.
 
+/// Where the shares are reached, as the window says it.
+struct ServerLine {
+    std::string address; ///< "smb://HOST:PORT/", empty where nothing serves them
+    std::string state;   ///< a sentence on it, empty where the computer itself says one
+    bool hasFailed = false;
+};
+
 /// Shows the window until the application has ended; returns the exit status.
-[[nodiscard]] platform::Result<int> runWindow(Application& application, char** argv);
+[[nodiscard]] platform::Result<int> runWindow(Application& application, char** argv,
+                                              const ServerLine& server);
 
 /// Says on screen, where there is one, why the window cannot be had: who starts it from a menu sees no
 /// terminal.

@@ -58,6 +58,18 @@ Result<std::vector<HistoryEntry>> History::entries() const {
     return recorder_ ? recorder_->store().entries() : std::vector<HistoryEntry>();
 }
 
+std::optional<HistoryEntry> History::newest() const {
+    std::optional<HistoryEntry> newest;
+    if (recorder_) {
+        // What cannot be read is said where the history is asked for.
+        static_cast<void>(recorder_->store().visit([&newest](HistoryEntry&& entry) {
+            newest = std::move(entry);
+            return false;
+        }));
+    }
+    return newest;
+}
+
 std::string History::titleOfNextUndo() const {
     std::string title;
     if (recorder_) {

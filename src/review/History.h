@@ -28,6 +28,9 @@ class History {
     /// All entries, the newest first, with all that they hold.
     [[nodiscard]] platform::Result<std::vector<HistoryEntry>> entries() const;
 
+    /// The newest entry; none where there is none, or the history cannot be read.
+    [[nodiscard]] std::optional<HistoryEntry> newest() const;
+
     /// The title of the change that an undo takes back next; empty where there is none, or the history cannot
     /// be read. Waits for no directory: a menu shows it.
     [[nodiscard]] std::string titleOfNextUndo() const;

@@ -53,8 +53,8 @@ void RefreshQueue::runUserEvent(const std::function<void()>& event) {
     NSApp().dispatch(event);
     --running_;
     flush();
-    if (running_ == 0 && eventEnded_) {
-        eventEnded_();
+    if (running_ == 0) {
+        eventEnded.emit();
     }
 }
 

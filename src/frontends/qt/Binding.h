@@ -30,8 +30,11 @@ class RefreshQueue : public QObject {
 
     [[nodiscard]] bool isHeld() const { return isHeld_; }
 
-    /// `ended` is called after each event of the user.
-    void setEventEnded(std::function<void()> ended) { eventEnded_ = std::move(ended); }
+    /// Each event of the user has ended, and what it changed is redrawn.
+    platform::Signal<> eventEnded;
+
+    /// Whether one is under way.
+    [[nodiscard]] bool isInEvent() const { return running_ > 0; }
 
     /// Runs one event of a user, then redraws what it changed.
     void runUserEvent(const std::function<void()>& event);
@@ -42,7 +45,6 @@ class RefreshQueue : public QObject {
 
   private:
     std::vector<Binding*> waiting_; ///< a null stands for a binding that has gone while it waited
-    std::function<void()> eventEnded_;
     bool scheduled_ = false;
     bool isHeld_ = false;
     unsigned userEvent_ = 0;

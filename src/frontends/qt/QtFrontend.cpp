@@ -77,6 +77,10 @@ void QtFrontend::useHistory(const review::History& history) {
     implementation_->presenter->useHistory(history);
 }
 
+void QtFrontend::useServer(const std::string& address, const std::string& state, bool hasFailed) {
+    implementation_->presenter->useServer({address, state, hasFailed});
+}
+
 int QtFrontend::run(const std::function<void()>& launch) {
     QtPresenter& presenter = *implementation_->presenter;
     QTimer::singleShot(0, &implementation_->application, [&presenter, &launch] {

@@ -55,6 +55,10 @@ class QtFrontend {
     /// windows.
     void useHistory(const review::History& history);
 
+    /// Has the main window say where the shares are reached: `address` is "smb://HOST:PORT/", or empty where
+    /// nothing serves them, and `state` says why; `hasFailed`: something should have.
+    void useServer(const std::string& address, const std::string& state, bool hasFailed);
+
     /// Shows the main window, calls `launch` as the first event, and runs the event loop until the
     /// application has terminated. Returns the exit status. All windows are gone when it returns, so the
     /// interface may be destroyed.

@@ -46,6 +46,8 @@ void QtPresenter::closeAll() {
     if (platform::Host* host = platform::Host::currentIfAny(); host != nullptr && patience_ != nullptr) {
         host->setPatience(nullptr);
     }
+    leaveLog();
+    status_ = nullptr;
     timers_.reset();
     while (!views_.empty()) {
         views_.pop_back();
@@ -65,7 +67,35 @@ AlertAnswer QtPresenter::runAlert(const platform::Alert& alert) {
     if (asks() && reviewer_ != nullptr && review::Reviewer::isMigrationQuestion(alert)) {
         return askAboutMigration(alert);
     }
-    return asks() ? askAlert(alert, parentForDialogs()) : harmlessAnswer(alert);
+    if (!asks()) {
+        return harmlessAnswer(alert);
+    }
+    platform::Alert shownAlert = alert;
+    // "Please try again" alone helps nobody: what the tool said is the reason.
+    if (const std::string& why = activity_.failureOfEvent(); !why.empty() && !alert.alternateButton) {
+        shownAlert.message += "\n\n" + why;
+    }
+    return askAlert(shownAlert, parentForDialogs());
+}
+
+void QtPresenter::watchLog() {
+    platform::Host& host = platform::Host::current();
+    log_ = host.services().log;
+    activityLog_ = std::make_shared<ActivityLog>(log_, activity_);
+    host.setLog(activityLog_);
+}
+
+void QtPresenter::leaveLog() {
+    if (!activityLog_) {
+        return;
+    }
+    activityLog_->takeActivityAway();
+    if (platform::Host* host = platform::Host::currentIfAny();
+        host != nullptr && host->services().log == activityLog_) {
+        host->setLog(log_);
+    }
+    activityLog_.reset();
+    log_.reset();
 }
 
 AlertAnswer QtPresenter::askAboutMigration(const platform::Alert& alert) const {
@@ -98,6 +128,7 @@ QtPresenter::runAdministratorDialog(const platform::AdministratorRequest& reques
     if (!answer) {
         refusals_ = refusedIn_ == queue_->userEvent() ? refusals_ + 1 : 1;
         refusedIn_ = queue_->userEvent();
+        activity_.permissionWasRefused();
     }
     return answer;
 }
@@ -107,6 +138,10 @@ bool QtPresenter::refusalHolds() const {
 }
 
 void QtPresenter::beep() {
+    activity_.beeped();
+    if (queue_ && !queue_->isInEvent()) { // a key that was refused
+        activity_.endEvent();
+    }
     if (asks()) {
         QApplication::beep();
     }
@@ -168,6 +203,8 @@ void QtPresenter::useReviewer(review::Reviewer& reviewer) {
     platform::Host::current().setPatience(patience_);
     if (auto* window = qobject_cast<QMainWindow*>(mainWidget_)) {
         new WindowReview(reviewer, *window, *actions_.front(), *queue_); // the window's child
+        watchLog();
+        status_ = new WindowStatus(activity_, *window, *actions_.front(), *queue_); // the same
         const auto& computer = platform::Host::current().services().computer;
         auto* tabs = dynamic_cast<NSTabView*>(interfaces_.front()->find("mainTabView"));
         auto* users = dynamic_cast<NSTableView*>(interfaces_.front()->find("userTableView"));
@@ -181,7 +218,16 @@ void QtPresenter::useHistory(const review::History& history) {
     auto* window = qobject_cast<QMainWindow*>(mainWidget_);
     auto* menu = window == nullptr ? nullptr : window->findChild<QMenu*>("changesMenu");
     if (menu != nullptr && reviewer_ != nullptr) {
-        new WindowHistory(history, *reviewer_, *window, *menu, *queue_); // the window's child
+        auto* changes = new WindowHistory(history, *reviewer_, *window, *menu, *queue_); // the window's child
+        status_->useHistory(history, *menu, [changes, window](std::int64_t number) {
+            static_cast<void>(changes->takeBack(number, window)); // what came of it is shown
+        });
+    }
+}
+
+void QtPresenter::useServer(ShareServer server) {
+    if (status_ != nullptr) {
+        status_->useServer(std::move(server));
     }
 }
 
@@ -209,11 +255,13 @@ void QtPresenter::applicationDidTerminate() {
 }
 
 void QtPresenter::editWasRefused(const NSTextField&, const std::string&) {
-    // The field's delegate beeps; the error text is for a script's reader.
+    activity_.editWasRefused(); // the field's delegate beeps; the error text is for a script's reader
 }
 
-void QtPresenter::toolWillRun(const std::string&, std::span<const std::string>) {
-    // A run is told of by what it changes; only a script's reader wants to see it.
+void QtPresenter::toolWillRun(const std::string& tool, std::span<const std::string> arguments) {
+    activity_.toolWillRun(tool, arguments);
 }
 
-void QtPresenter::toolDidWrite(std::string_view) {}
+void QtPresenter::toolDidWrite(std::string_view output) {
+    activity_.toolDidWrite(output);
+}

@@ -1,7 +1,9 @@
 #pragma once
 
+#include "frontends/qt/Activity.h"
 #include "frontends/qt/FrameTimers.h"
 #include "frontends/qt/QtFrontend.h"
+#include "frontends/qt/WindowStatus.h"
 #include "frontends/qt/WindowView.h"
 #include "platform/appkit/Presenter.h"
 #include "platform/foundation/Services.h"
@@ -42,6 +44,8 @@ class QtPresenter : public platform::Presenter {
     void useReviewer(review::Reviewer& reviewer);
     /// Gives it its history. After useReviewer.
     void useHistory(const review::History& history);
+    /// Has it say where the shares are reached. After useReviewer.
+    void useServer(ShareServer server);
 
     [[nodiscard]] RefreshQueue& queue() const { return *queue_; }
 
@@ -59,6 +63,8 @@ class QtPresenter : public platform::Presenter {
     /// Shows which records would be rewritten, and how, with the question.
     [[nodiscard]] platform::AlertAnswer askAboutMigration(const platform::Alert& alert) const;
     [[nodiscard]] bool refusalHolds() const;
+    void watchLog();
+    void leaveLog();
 
     [[nodiscard]] bool asks() const {
         return queue_ != nullptr && manner_ == QtFrontend::Manner::Interactive;
@@ -76,4 +82,8 @@ class QtPresenter : public platform::Presenter {
     std::vector<std::unique_ptr<WindowView>> views_; ///< the main window's first
     review::Reviewer* reviewer_ = nullptr;
     QWidget* mainWidget_ = nullptr;
+    Activity activity_;
+    std::shared_ptr<platform::Log> log_;       ///< the host's own; null while it is in place
+    std::shared_ptr<ActivityLog> activityLog_; ///< stands before it
+    WindowStatus* status_ = nullptr;           ///< the main window's child; null where there is none
 };

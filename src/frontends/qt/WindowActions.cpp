@@ -66,8 +66,8 @@ void WindowActions::use(const InterfaceNode& node) {
         if (leavesConfirmations_ || !confirmation_ || isConfirmed(*takeConfirmation())) {
             perform(node);
             confirmation_.reset();
-            if (used_ && control != nullptr) {
-                used_(control->action().operation);
+            if (control != nullptr) {
+                used.emit(control->action().operation);
             }
         }
     });

@@ -22,8 +22,8 @@ class WindowActions {
     /// A user clicked the node's button or menu item.
     void use(const platform::InterfaceNode& node);
 
-    /// `used` is told the operation of each control that was used so, after its action.
-    void setUsed(std::function<void(const std::string& operation)> used) { used_ = std::move(used); }
+    /// Told the operation of each control that was used so, after its action.
+    platform::Signal<const std::string&> used;
 
     /// The enabled button of that role ("new", "edit", "delete") for the table of that name is used, as if it
     /// had been clicked; nothing where there is none.
@@ -94,7 +94,6 @@ class WindowActions {
     RefreshQueue& queue_;
     std::optional<Confirmation> confirmation_;
     bool leavesConfirmations_ = false;
-    std::function<void(const std::string&)> used_;
     std::function<void(const std::string&)> begun_;
     std::function<void(std::optional<std::string>)> answerPanel_;
 };

@@ -1,9 +1,9 @@
 #include "frontends/qt/WindowComputer.h"
 
+#include "frontends/qt/ElidedLabel.h"
 #include "frontends/qt/TableView.h"
 #include "platform/foundation/NSBundle.h"
 
-#include <QLabel>
 #include <QPushButton>
 #include <QStatusBar>
 #include <QTimer>
@@ -13,6 +13,7 @@
 namespace {
 
 constexpr int milliseconds = 3000; // a server starts and ends by itself
+constexpr int stateStretch = 2;
 constexpr int afpPage = 3;
 constexpr const char* userTable = "userTableView";
 constexpr const char* sharedColumn = "Public Shared";
@@ -26,17 +27,17 @@ QString localized(const char* key) {
 WindowComputer::WindowComputer(const platform::Computer& computer, NSTabView& tabs, NSTableView& users,
                                QMainWindow& window, RefreshQueue& queue)
     : QObject(&window), computer_(computer), tabs_(tabs), users_(users), window_(window), queue_(queue),
-      state_(new QLabel), start_(new QPushButton(localized("Start SMB Server"))),
+      state_(new ElidedLabel), start_(new QPushButton(localized("Start SMB Server"))),
       atBoot_(new QPushButton(localized("Start at Boot"))) {
     state_->setObjectName("serverState");
-    state_->setTextFormat(Qt::PlainText);
+    state_->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
     start_->setObjectName("startServer");
     atBoot_->setObjectName("startServerAtBoot");
     using Change = review::Reviewer::ServerChange;
     connect(start_, &QPushButton::clicked, this, [this] { control(Change::Start); });
     connect(atBoot_, &QPushButton::clicked, this, [this] { control(Change::StartAtBoot); });
     QStatusBar* bar = window.statusBar();
-    bar->addWidget(state_, 1);
+    bar->addPermanentWidget(state_, stateStretch); // what was done stands at its left
     bar->addPermanentWidget(start_);
     bar->addPermanentWidget(atBoot_);
     new Binding(state_, queue, tabs.changed, [this] { showState(); });
@@ -67,8 +68,7 @@ void WindowComputer::showState() {
     const std::string missing = computer_.whatIsMissing();
     const std::string text =
         tabs_.indexOfSelectedTabViewItem() == afpPage ? computer_.afpServerLine() : line.text;
-    state_->setText(shown(text + (text.empty() || missing.empty() ? "" : "  ") + missing));
-    state_->setToolTip(state_->text());
+    state_->setWhole(shown(text + (text.empty() || missing.empty() ? "" : "  ") + missing));
     start_->setVisible(line.canBeStarted);
     atBoot_->setVisible(line.canBeStarted);
 }

@@ -8,7 +8,7 @@
 #include <QMainWindow>
 #include <QObject>
 
-class QLabel;
+class ElidedLabel;
 class QPushButton;
 
 /// What the window says of the computer itself, in a line at its foot: whether the SMB server runs, since
@@ -32,7 +32,7 @@ class WindowComputer : public QObject {
     NSTableView& users_;
     QMainWindow& window_;
     RefreshQueue& queue_;
-    QLabel* state_ = nullptr;
+    ElidedLabel* state_ = nullptr;
     QPushButton* start_ = nullptr;
     QPushButton* atBoot_ = nullptr;
     bool marked_ = false;

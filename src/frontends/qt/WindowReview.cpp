@@ -77,20 +77,18 @@ WindowReview::WindowReview(review::Reviewer& reviewer, QMainWindow& window, Wind
     addMenu();
     addNotice();
     addDirectoryNotice();
-    queue.setEventEnded([this] { showDirectoryNotice(); });
+    eventEnded_ = queue.eventEnded.connect([this] { showDirectoryNotice(); });
     window.installEventFilter(this);
     reviewer.setBlockedHandler([this](const review::Plan& plan) { showBlocked(plan); });
     reviewer.setQuestion([this](const review::Plan& plan) { return ask(plan); });
     showRemarks();
     actions.leaveConfirmations(); // every confirmed action writes
-    actions.setUsed([this](const std::string& operation) { actionWasUsed(operation); });
+    used_ = actions.used.connect([this](const std::string& operation) { actionWasUsed(operation); });
 }
 
 WindowReview::~WindowReview() {
     reviewer_.setQuestion(nullptr);
     reviewer_.setBlockedHandler([](const review::Plan&) {}); // nobody is there to read it
-    actions_.setUsed(nullptr);
-    queue_.setEventEnded(nullptr);
 }
 
 bool WindowReview::reviewsAll() const {

@@ -50,4 +50,6 @@ class WindowReview : public QObject {
     QFrame* directoryNotice_ = nullptr;
     QLabel* directoryText_ = nullptr;
     QAction* reviewAll_ = nullptr;
+    platform::Connection eventEnded_;
+    platform::Connection used_;
 };

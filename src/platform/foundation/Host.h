@@ -70,6 +70,9 @@ class Host {
     /// Puts another presenter in place: a host is made before the front-end that shows it.
     void setPresenter(std::shared_ptr<Presenter> presenter) { services_.presenter = std::move(presenter); }
 
+    /// Puts another log in place, as one that shows each line as well.
+    void setLog(std::shared_ptr<Log> log) { services_.log = std::move(log); }
+
     void setPatience(std::shared_ptr<Patience> patience) { services_.patience = std::move(patience); }
 
     [[nodiscard]] NSNotificationCenter& notificationCenter();

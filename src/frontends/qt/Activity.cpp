@@ -1,0 +1,112 @@
+#include "frontends/qt/Activity.h"
+
+#include "frontends/qt/Binding.h"
+#include "platform/foundation/NSBundle.h"
+
+#include <utility>
+
+namespace {
+
+constexpr std::size_t entryLimit = 20000;
+
+QString localized(const char* key) {
+    return shown(NSLocalizedString(key));
+}
+
+std::string trimmed(std::string_view text) {
+    constexpr std::string_view blanks = " \t\r\n";
+    const auto first = text.find_first_not_of(blanks);
+    return first == std::string_view::npos
+               ? std::string()
+               : std::string(text.substr(first, text.find_last_not_of(blanks) - first + 1));
+}
+
+} // namespace
+
+void Activity::add(ActivityEntry::Kind kind, std::string text) {
+    entries_.push_back({QDateTime::currentDateTime(), kind, std::move(text), {}, false, false});
+    ++entriesOfEvent_;
+    if (entries_.size() > entryLimit) {
+        entries_.pop_front();
+    }
+}
+
+void Activity::toolWillRun(const std::string& tool, std::span<const std::string> arguments) {
+    std::string text = tool;
+    for (const std::string& argument : arguments) {
+        text += ' ' + argument;
+    }
+    add(ActivityEntry::Kind::Run, std::move(text));
+    ++runs_;
+}
+
+void Activity::toolDidWrite(std::string_view output) {
+    if (entries_.empty() || entries_.back().kind != ActivityEntry::Kind::Run) {
+        return;
+    }
+    entries_.back().output = trimmed(output);
+    entries_.back().hasFailed = true; // a tool that succeeds is silent
+    if (failure_.empty()) {
+        failure_ = entries_.back().output;
+    }
+}
+
+void Activity::beeped() {
+    // A run that could not be started at all writes nothing.
+    if (!entries_.empty() && entries_.back().kind == ActivityEntry::Kind::Run) {
+        entries_.back().hasFailed = true;
+    }
+    beepWaits_ = true;
+}
+
+void Activity::logged(std::string_view text) {
+    add(ActivityEntry::Kind::Log, trimmed(text));
+    entries_.back().hasBeeped = std::exchange(beepWaits_, false);
+    if (entries_.back().hasBeeped && failure_.empty()) {
+        failure_ = entries_.back().text;
+    }
+}
+
+void Activity::endEvent() {
+    if (std::exchange(beepWaits_, false)) {
+        if (entriesOfEvent_ == 0 || entries_.back().kind != ActivityEntry::Kind::Log) {
+            add(ActivityEntry::Kind::Beep,
+                NSLocalizedString(isEditRefused_ ? "What was typed cannot stand in this field." : "Beep"));
+        }
+        entries_.back().hasBeeped = true;
+    }
+    entriesOfEvent_ = 0;
+    runs_ = 0;
+    isRefused_ = false;
+    isEditRefused_ = false;
+    failure_.clear();
+}
+
+QString outcomeText(const ActivityEntry& entry) {
+    return entry.kind != ActivityEntry::Kind::Run ? QString()
+           : entry.hasFailed                      ? localized("failed")
+                                                  : localized("done");
+}
+
+QString Activity::text() const {
+    QString all;
+    for (const ActivityEntry& entry : entries_) {
+        all += entry.time.toString(Qt::ISODate) + QLatin1String("  ") +
+               (entry.hasBeeped ? QStringLiteral("♪ ") : QString()) + shown(entry.text);
+        if (const QString outcome = outcomeText(entry); !outcome.isEmpty()) {
+            all += QLatin1String("  ") + outcome;
+        }
+        all += QLatin1Char('\n');
+        if (!entry.output.empty()) {
+            all += QLatin1String("    ") + shown(entry.output) + QLatin1Char('\n');
+        }
+    }
+    return all;
+}
+
+void ActivityLog::write(std::string_view text) {
+    log_->write(text);
+    if (activity_ != nullptr) {
+        activity_->logged(text);
+    }
+}

@@ -1,0 +1,48 @@
+#pragma once
+
+#include "frontends/qt/Activity.h"
+
+#include <QAbstractTableModel>
+#include <QDialog>
+
+class QPlainTextEdit;
+class QTableView;
+
+/// Rows of what happened, the newest at the end. Cells are made when they are drawn.
+class ActivityModel : public QAbstractTableModel {
+  public:
+    explicit ActivityModel(const Activity& activity) : activity_(activity) {}
+
+    [[nodiscard]] int rowCount(const QModelIndex& parent = {}) const override;
+    [[nodiscard]] int columnCount(const QModelIndex& parent = {}) const override;
+    [[nodiscard]] QVariant data(const QModelIndex& index, int role) const override;
+    [[nodiscard]] QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
+
+    /// The entry of the row, or null.
+    [[nodiscard]] const ActivityEntry* entry(int row) const;
+
+    void reload();
+
+  private:
+    const Activity& activity_;
+    int rows_ = 0;
+};
+
+/// The panel that lists every run, log line and beep with its time, outcome and output. It stays open beside
+/// the window.
+class ActivityDialog : public QDialog {
+  public:
+    ActivityDialog(const Activity& activity, QWidget* parent);
+
+    /// Something has happened.
+    void reload();
+
+  private:
+    void showCurrent();
+    void saveAsText();
+
+    const Activity& activity_;
+    ActivityModel model_;
+    QTableView* table_ = nullptr;
+    QPlainTextEdit* details_ = nullptr;
+};

@@ -1,0 +1,173 @@
+#include "frontends/qt/WindowStatus.h"
+
+#include "frontends/qt/ActivityDialog.h"
+#include "frontends/qt/ElidedLabel.h"
+#include "platform/appkit/NSTableView.h"
+#include "platform/appkit/NSTextField.h"
+#include "platform/appkit/Presenter.h"
+#include "platform/foundation/Host.h"
+#include "platform/foundation/NSBundle.h"
+#include "platform/foundation/NSString.h"
+
+#include <QAccessible>
+#include <QApplication>
+#include <QClipboard>
+#include <QMenu>
+#include <QPushButton>
+#include <QStatusBar>
+
+#include <algorithm>
+
+namespace {
+
+constexpr int textStretch = 3;
+constexpr int serverStretch = 2;
+
+QString localized(const char* key) {
+    return shown(NSLocalizedString(key));
+}
+
+std::string valueOf(NSTableView& table, const char* identifier, int row) {
+    const auto& columns = table.tableColumns();
+    const auto column = std::ranges::find(columns, identifier, &NSTableColumn::identifier);
+    return column == columns.end() ? std::string() : table.objectValue(*column, row);
+}
+
+std::string nameInEditor(const WindowActions& actions) {
+    const auto* field = actions.find<NSTextField>("shareName");
+    return field == nullptr ? std::string() : field->stringValue();
+}
+
+/// The share's address, percent-encoded as a file manager reads it.
+std::string addressOf(const std::string& base, const std::string& share) {
+    return base + QByteArray::fromStdString(share).toPercentEncoding().toStdString();
+}
+
+} // namespace
+
+WindowStatus::WindowStatus(Activity& activity, QMainWindow& window, WindowActions& actions,
+                           RefreshQueue& queue)
+    : QObject(&window), activity_(activity), window_(window), actions_(actions) {
+    text_ = new ElidedLabel;
+    text_->setObjectName("statusText");
+    window.statusBar()->addWidget(text_, textStretch);
+    copy_ = addButton("statusCopy", "Copy Address");
+    open_ = addButton("statusOpen", "Open");
+    undo_ = addButton("statusUndo", "Undo");
+    more_ = addButton("statusMore", "Why?");
+    connect(copy_, &QPushButton::clicked, this,
+            [this] { QApplication::clipboard()->setText(shown(address_)); });
+    connect(open_, &QPushButton::clicked, this,
+            [this] { platform::Host::current().presenter().openAddress(address_); });
+    connect(undo_, &QPushButton::clicked, this, [this] { takeBack_(number_); });
+    connect(more_, &QPushButton::clicked, this, [this] { showActivity(); });
+    eventEnded_ = queue.eventEnded.connect([this] { eventEnded(); });
+    used_ = actions.used.connect([this](const std::string& operation) { operation_ = operation; });
+}
+
+QPushButton* WindowStatus::addButton(const char* name, const char* text) {
+    auto* button = new QPushButton(localized(text));
+    button->setObjectName(name);
+    button->setAutoDefault(false);
+    window_.statusBar()->addWidget(button);
+    button->hide();
+    return button;
+}
+
+void WindowStatus::useHistory(const review::History& history, QMenu& menu,
+                              std::function<void(std::int64_t)> takeBack) {
+    history_ = &history;
+    takeBack_ = std::move(takeBack);
+    if (const auto newest = history.newest()) {
+        number_ = newest->number;
+    }
+    menu.addSeparator();
+    menu.addAction(localized("Activity…"), this, [this] { showActivity(); })->setObjectName("showActivity");
+}
+
+void WindowStatus::useServer(ShareServer server) {
+    server_ = std::move(server);
+    if (server_.hasFailed) {
+        show(shown(server_.state), true);
+    } else if (!server_.state.empty() && serverState_ == nullptr) {
+        serverState_ = new ElidedLabel;
+        serverState_->setObjectName("serverState");
+        serverState_->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+        serverState_->setWhole(shown(server_.state));
+        window_.statusBar()->addPermanentWidget(serverState_, serverStretch);
+    }
+}
+
+void WindowStatus::show(const QString& text, bool isFailure) {
+    for (QPushButton* button : {copy_, open_, undo_}) {
+        button->hide();
+    }
+    more_->setVisible(isFailure && !activity_.entries().empty());
+    text_->setWhole(text);
+    QPalette palette = QApplication::palette(text_);
+    if (isFailure) {
+        palette.setColor(QPalette::WindowText, warningColor);
+    }
+    text_->setPalette(palette);
+    QAccessibleEvent alert(text_, QAccessible::Alert); // a screen reader says it at once
+    QAccessible::updateAccessibility(&alert);
+}
+
+void WindowStatus::eventEnded() {
+    if (activity_.runsOfEvent() > 0 || activity_.isRefused() || !activity_.failureOfEvent().empty()) {
+        showOutcome();
+    }
+    activity_.endEvent();
+    operation_.clear();
+    if (dialog_ != nullptr && dialog_->isVisible()) {
+        dialog_->reload();
+    }
+}
+
+void WindowStatus::showOutcome() {
+    const auto newest = history_ == nullptr ? std::nullopt : history_->newest();
+    const bool isNew = newest && newest->number != number_;
+    if (newest) {
+        number_ = newest->number;
+    }
+    const std::string& failure = activity_.failureOfEvent();
+    if (!failure.empty()) {
+        show(shown(stringWithFormat(NSLocalizedString(isNew ? "Not everything was done: %@" : "Failed: %@"),
+                                    failure)),
+             true);
+    } else if (activity_.runsOfEvent() == 0) {
+        show(localized("Nothing was changed: the permission was not given."));
+    } else if (operation_ != "createShare:" || !isNew || !showShare(nameInEditor(actions_))) {
+        show(isNew ? shown(newest->title) + QLatin1Char('.') : localized("Done."));
+    }
+    undo_->setVisible(isNew && newest->canComeBack() && newest->undoes == 0 && takeBack_ != nullptr);
+}
+
+bool WindowStatus::showShare(const std::string& name) {
+    auto* table = actions_.find<NSTableView>("normalTableView");
+    for (int row = 0; table != nullptr && row < table->numberOfRows(); ++row) {
+        if (valueOf(*table, "ShareName", row) != name || valueOf(*table, "SMB", row) != "+") {
+            continue;
+        }
+        if (server_.address.empty()) {
+            show(shown(stringWithFormat(NSLocalizedString("%@ is shared over SMB."), name)));
+            return true;
+        }
+        address_ = addressOf(server_.address, name);
+        show(shown(stringWithFormat(NSLocalizedString("%@ is shared at %@."), name, address_)));
+        copy_->show();
+        open_->show();
+        return true;
+    }
+    return false;
+}
+
+void WindowStatus::showActivity() {
+    if (dialog_ == nullptr) {
+        dialog_ = new ActivityDialog(activity_, &window_);
+    }
+    dialog_->reload();
+    dialog_->show();
+    dialog_->raise();
+    dialog_->activateWindow();
+}
