@@ -152,4 +152,6 @@ TEST_F(Commands, AreCompletedWithTheNamesThatThereAre) {
     EXPECT_EQ(completed("shares set ''"), "Docs\n");
     EXPECT_EQ(completed("shares set Docs --owner-may ''"), "rw r w none\n");
     EXPECT_EQ(completed("smb set wo"), "workgroup\n");
+    EXPECT_EQ(completed("sessions disconnect --share ''"), "Docs\n");
+    EXPECT_EQ(completed("do"), "doctor\n");
 }

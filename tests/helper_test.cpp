@@ -29,6 +29,11 @@ TEST_F(HelperTest, RefusesWhatIsNotForSharingAndSaysWhy) {
         {"/bin/kill", {"-9", std::to_string(::getpid())}, "wrong arguments"},
         {"/bin/kill", {"-1", std::to_string(::getpid())}, "no file server"},
         {"/bin/kill", {"-1", "-1"}, "is no process"},
+        {"/usr/bin/smbstatus", {"-s", "/etc/shadow"}, "wrong arguments"},
+        {"/usr/bin/smbcontrol", {"smbd", "close-share", "*"}, "no share's name"},
+        {"/usr/bin/smbcontrol", {"smbd", "kill-client-ip", "tower"}, "no IP address"},
+        {"/usr/bin/smbcontrol", {"smbd", "shutdown", "1"}, "wrong arguments"},
+        {"/usr/bin/smbcontrol", {"1", "close-share", "Docs"}, "wrong arguments"},
         {"/bin/rm", {"x"}, "not on the list"},
     };
     for (const auto& [tool, arguments, why] : cases) {

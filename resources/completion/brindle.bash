@@ -33,6 +33,7 @@ _brindle() {
         case "${COMP_WORDS[index]}" in
             --root | --script | --snapshot | --print | --port) ((index++)) ;;
             --owner | --owner-may | --group | --group-may | --everyone-may | --folder) ((index++)) ;;
+            --share | --computer) ((index++)) ;;
             --full-name | --uid | --gid | --password-fd) ((index++)) ;;
             -*) ;;
             *)
@@ -48,6 +49,7 @@ _brindle() {
     done
 
     case "$previous" in
+        --share) _brindle_reply < <(_brindle_names shares); return ;;
         --owner) _brindle_reply < <(_brindle_names users); return ;;
         --group) _brindle_reply < <(_brindle_names groups); return ;;
         --owner-may | --group-may | --everyone-may) _brindle_reply <<<$'rw\nr\nw\nnone'; return ;;
@@ -69,7 +71,8 @@ _brindle() {
             "public on" | "public off") options+=" --yes --dry-run --all" ;;
             "servers start") options+=" --yes --dry-run --at-boot" ;;
             "check-access "*) options+=" --guest" ;;
-            *" list" | *" show" | *" status" | "history " | "doctor ") ;;
+            "sessions disconnect") options+=" --yes --dry-run --share --computer" ;;
+            *" list" | *" show" | *" status" | "history " | "doctor " | "sessions ") ;;
             " ") options="--help --version --root --system --script --print --snapshot --dry-run --serve --port" ;;
             *) options+=" --yes --dry-run" ;;
         esac
@@ -78,7 +81,8 @@ _brindle() {
     fi
 
     case "$noun" in
-        "") _brindle_reply <<<$'shares\nusers\ngroups\npublic\nsmb\nafp\nservers\nhistory\nundo\ncheck-access\ndoctor' ;;
+        "") _brindle_reply <<<$'shares\nusers\ngroups\npublic\nsmb\nafp\nservers\nhistory\nundo\ncheck-access\nsessions\ndoctor' ;;
+        sessions) [ -n "$verb" ] || _brindle_reply <<<disconnect ;;
         check-access)
             if [ -z "$verb" ]; then
                 _brindle_reply < <(_brindle_names shares)

@@ -37,7 +37,7 @@ function __brindle_after
 end
 
 complete -c brindle -f
-complete -c brindle -n __brindle_noun -a 'shares users groups public smb afp servers history undo check-access doctor'
+complete -c brindle -n __brindle_noun -a 'shares users groups public smb afp servers history undo check-access sessions doctor'
 complete -c brindle -n '__brindle_verb shares' -a 'list show add set remove'
 complete -c brindle -n '__brindle_verb users' -a 'list show add set remove password'
 complete -c brindle -n '__brindle_verb groups' -a 'list show add set remove join leave'
@@ -69,3 +69,6 @@ for what in guests smb afp
 end
 complete -c brindle -n '__brindle_after users add,password' -l password-stdin
 complete -c brindle -n '__brindle_after check-access' -l guest
+complete -c brindle -n '__brindle_verb sessions' -a disconnect
+complete -c brindle -n '__brindle_after sessions disconnect' -l share -x -a '(__brindle_names shares)'
+complete -c brindle -n '__brindle_after sessions disconnect' -l computer -x

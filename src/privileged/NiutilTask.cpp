@@ -93,6 +93,20 @@ bool NiutilTask::carryOut(const std::string& tool, std::span<const std::string> 
     return authenticate() && runOrStop(tool, arguments, "outString not empty for " + tool + ": %@");
 }
 
+std::optional<std::string> NiutilTask::outputOf(const std::string& tool,
+                                                std::span<const std::string> arguments) {
+    if (!authenticate()) {
+        return std::nullopt;
+    }
+    RunResult result = runTool(tool, arguments);
+    if (result.status != errAuthorizationSuccess) {
+        NSBeep();
+        NSLog(statusMessage, result.status);
+        return std::nullopt;
+    }
+    return std::move(result.output);
+}
+
 NiutilTask::RunResult NiutilTask::runTool(const std::string& tool, std::span<const std::string> arguments,
                                           std::optional<std::size_t> secretArgument) {
     std::FILE* stream = nullptr;

@@ -74,6 +74,10 @@ class NiutilTask {
     /// A run that the caller has put together, checked like any other: false when it failed.
     bool carryOut(const std::string& tool, std::span<const std::string> arguments);
 
+    /// What a tool that only tells something has written; none when the right was refused or the run failed.
+    [[nodiscard]] std::optional<std::string> outputOf(const std::string& tool,
+                                                      std::span<const std::string> arguments);
+
     // Servers: signal 1 to each process of AppleFileServer or smbd.
     void restartAFS();
     void restartSMB();

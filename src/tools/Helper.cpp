@@ -3,11 +3,13 @@
 #include "platform/foundation/SystemPaths.h"
 #include "platform/host/EmbeddedRoot.h"
 #include "platform/host/SystemHost.h"
+#include "platform/samba/SambaAccounts.h"
 #include "platform/security/HelperProtocol.h"
 #include "tools/HelperComplaint.h"
 #include "tools/HelperCopy.h"
 #include "tools/HelperFolders.h"
 #include "tools/HelperService.h"
+#include "tools/HelperSessions.h"
 #include "tools/HelperSignal.h"
 #include "tools/SmbConfCheck.h"
 
@@ -104,17 +106,35 @@ HelperResult service(const HelperPlace& place, Arguments arguments) {
                                                  "it is not this root's; start Brindle with --serve"));
 }
 
+std::optional<platform::SambaAccounts> serverOf(const HelperPlace& place) {
+    return place.root.empty()
+               ? std::nullopt
+               : std::optional(platform::SambaAccounts(platform::EmbeddedRoot(place.root).sambaPaths()));
+}
+
+/// The one tool that writes what it was asked for.
+HelperResult smbstatus(const HelperPlace& place, Arguments arguments) {
+    auto listing = listSessions(serverOf(place), arguments);
+    return listing.isOk() ? HelperResult{std::move(*listing), "", 0} : said("smbstatus", listing.status());
+}
+
+HelperResult smbcontrol(const HelperPlace& place, Arguments arguments) {
+    return said("smbcontrol", endSessions(serverOf(place), arguments));
+}
+
 struct Tool {
     std::string_view path;
     HelperResult (*run)(const HelperPlace& place, Arguments arguments);
 };
 
-constexpr std::array<Tool, 7> helperTools = {{{systempath::nicl, nicl},
+constexpr std::array<Tool, 9> helperTools = {{{systempath::nicl, nicl},
                                               {systempath::dscl, dscl},
                                               {systempath::cp, cp},
                                               {systempath::chown, chown},
                                               {systempath::chmod, chmod},
                                               {systempath::kill, kill},
+                                              {systempath::smbstatus, smbstatus},
+                                              {systempath::smbcontrol, smbcontrol},
                                               {systempath::service, service}}};
 
 const Tool* findTool(const std::string& path) {

@@ -13,6 +13,7 @@ void addCommands(CLI::App& parser, CommandOptions& options) {
     addServerCommands(parser, options);
     addHistoryCommands(parser, options);
     addAccessCommands(parser, options);
+    addSessionCommands(parser, options);
     addDoctorCommand(parser, options);
     parser.require_subcommand(0, 1);
 }

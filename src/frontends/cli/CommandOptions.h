@@ -33,6 +33,7 @@ void addSettingsCommands(CLI::App& parser, CommandOptions& options);
 void addServerCommands(CLI::App& parser, CommandOptions& options);
 void addHistoryCommands(CLI::App& parser, CommandOptions& options);
 void addAccessCommands(CLI::App& parser, CommandOptions& options);
+void addSessionCommands(CLI::App& parser, CommandOptions& options);
 void addDoctorCommand(CLI::App& parser, CommandOptions& options);
 
 enum class CommandKind { Reading, Writing };

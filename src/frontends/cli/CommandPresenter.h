@@ -59,6 +59,7 @@ class CommandPresenter : public SilentPresenter {
     bool hasBeeped_ = false;
     bool wasRefused_ = false;
     bool wasDeclined_ = false;
+    bool isTelling_ = false; ///< the run under way changes nothing
     std::optional<std::string> choice_;
     std::optional<std::string> unanswered_;
     std::vector<std::string> runs_;

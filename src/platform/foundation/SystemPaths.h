@@ -17,6 +17,8 @@ inline constexpr const char* cp = "/bin/cp";
 inline constexpr const char* chown = "/usr/sbin/chown";
 inline constexpr const char* chmod = "/bin/chmod";
 inline constexpr const char* kill = "/bin/kill";
+inline constexpr const char* smbstatus = "/usr/bin/smbstatus";
+inline constexpr const char* smbcontrol = "/usr/bin/smbcontrol";
 inline constexpr const char* service = "/usr/sbin/service";
 
 } // namespace platform::systempath

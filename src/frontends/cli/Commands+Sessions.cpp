@@ -1,0 +1,126 @@
+#include "frontends/cli/CommandRun.h"
+#include "frontends/script/ScriptWords.h"
+#include "platform/foundation/NSBundle.h"
+#include "platform/foundation/NSString.h"
+#include "platform/foundation/SystemPaths.h"
+#include "platform/posix/LetterCase.h"
+#include "review/ConnectedClients.h"
+
+#include <algorithm>
+#include <array>
+#include <ctime>
+#include <memory>
+
+namespace frontend {
+
+namespace {
+
+using platform::Session;
+using review::Disconnection;
+
+struct SessionOptions {
+    std::optional<std::string> share;
+    std::optional<std::string> computer;
+};
+
+JSON timeText(std::int64_t time) {
+    if (time == 0) {
+        return {};
+    }
+    std::array<char, 32> text{};
+    const std::time_t seconds = time;
+    std::tm utc{};
+    ::gmtime_r(&seconds, &utc);
+    std::strftime(text.data(), text.size(), "%Y-%m-%dT%H:%M:%SZ", &utc);
+    return text.data();
+}
+
+/// In an event of its own: it may ask for the administrator's right.
+std::vector<Session> sessionsOf(CommandRun& run) {
+    std::vector<Session> sessions;
+    platform::Status status;
+    run.perform([&] {
+        auto found = review::connectedClients(run.context().rootServer);
+        status = found.status();
+        sessions = std::move(found).valueOr({});
+    });
+    if (!status.isOk()) {
+        CommandRun::fail(status.text());
+    }
+    return sessions;
+}
+
+void list(CommandRun& run) {
+    JSON& list = run.result()["sessions"] = JSON::array();
+    for (const Session& each : sessionsOf(run)) {
+        JSON session = {{"user", each.user},         {"computer", each.computer},
+                        {"address", each.address},   {"process", each.process},
+                        {"protocol", each.protocol}, {"since", timeText(each.since())},
+                        {"shares", JSON::array()},   {"files", JSON::array()}};
+        std::string shares;
+        for (const Session::Share& share : each.shares) {
+            session["shares"].push_back({{"name", share.name}, {"since", timeText(share.since)}});
+            shares += (shares.empty() ? "" : ",") + share.name;
+        }
+        run.say(each.user + "\t" + each.computer + "\t" + shares + "\t" +
+                (each.since() == 0 ? "" : timeText(each.since()).get<std::string>()));
+        for (const Session::File& file : each.files) {
+            session["files"].push_back(
+                {{"path", file.path}, {"since", timeText(file.since)}, {"isWritten", file.isWritten}});
+            run.say("    " + file.path);
+        }
+        list.push_back(std::move(session));
+    }
+}
+
+bool concerns(const Session& session, const SessionOptions& options) {
+    return options.computer ? session.address == *options.computer
+                            : std::ranges::any_of(session.shares, [&](const Session::Share& share) {
+                                  return isEqualIgnoringCase(share.name, *options.share);
+                              });
+}
+
+void disconnect(CommandRun& run, const SessionOptions& options) {
+    if (options.share.has_value() == options.computer.has_value()) {
+        CommandRun::fail(NSLocalizedString("say either --share or --computer"), CommandStatus::WrongUse);
+    }
+    if (std::ranges::none_of(sessionsOf(run), [&](const Session& each) { return concerns(each, options); })) {
+        run.finishUnchanged();
+        return;
+    }
+    const Disconnection kind = options.share ? Disconnection::Share : Disconnection::Computer;
+    const std::string what = options.share ? *options.share : *options.computer;
+    if (run.context().options.isDryRun) {
+        std::string line = std::string("would run ") + platform::systempath::smbcontrol;
+        for (const std::string& word : review::disconnectionWords(kind, what)) {
+            line += " " + scriptWord(word);
+        }
+        run.result()["plan"] = {line};
+        run.say(line);
+    }
+    run.write([&] { review::disconnect(kind, what); });
+}
+
+} // namespace
+
+void addSessionCommands(CLI::App& parser, CommandOptions& options) {
+    CLI::App* const sessions = addCommand(parser, options, "sessions", CommandKind::Reading,
+                                          "Say who is connected to the SMB server", list);
+    const auto given = std::make_shared<SessionOptions>();
+    CLI::App* const command =
+        addCommand(*sessions, options, "disconnect", CommandKind::Writing, "End connections",
+                   [given](CommandRun& run) { disconnect(run, *given); });
+    command->add_option("--share", given->share, "All to this share")->type_name("NAME");
+    command->add_option("--computer", given->computer, "All of the computer with this address")
+        ->type_name("ADDRESS");
+    sessions->parse_complete_callback([&options] { options.needsApplication = false; });
+    // It is called after the subcommand's.
+    sessions->final_callback([&options, sessions] {
+        if (sessions->get_subcommands().empty()) {
+            options.name = sessions->get_name();
+            options.carryOut = list;
+        }
+    });
+}
+
+} // namespace frontend

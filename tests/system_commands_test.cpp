@@ -1,0 +1,73 @@
+// The commands on a computer of its own: what the administrator allows, what is refused, and the computer's
+// own server.
+
+#include "support/InstalledBrindle.h"
+
+#include <chrono>
+#include <thread>
+
+namespace {
+
+class SystemCommands : public InstalledBrindle {
+  protected:
+    static Finished command(const std::vector<std::string>& words) {
+        std::vector<std::string> all{
+            "/usr/sbin/runuser",     "-u",      "chief", "--", "env", "HOME=/home/chief", "LC_ALL=C",
+            prefix + "/bin/brindle", "--system"};
+        all.insert(all.end(), words.begin(), words.end());
+        all.emplace_back("--json");
+        return runProgram(all);
+    }
+
+    /// The same once its output holds `part`, within ten seconds.
+    static std::string comesTo(const std::vector<std::string>& words, const std::string& part) {
+        const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+        std::string output;
+        do {
+            output = command(words).output;
+            std::this_thread::sleep_for(std::chrono::milliseconds(100));
+        } while (!contains(output, part) && std::chrono::steady_clock::now() < end);
+        return output;
+    }
+};
+
+} // namespace
+
+TEST_F(SystemCommands, EndWithFourWhereTheAdministratorRefusesAndChangeNothing) {
+    allow("ALL"); // with a password, which nobody is there to give
+    const std::string before = run({"/usr/bin/cat", smbConf, "/etc/passwd"});
+    for (const std::vector<std::string>& words :
+         {std::vector<std::string>{"shares", "add", "Docs", folder_, "--yes"},
+          {"users", "add", "zoe", "--group", "chief", "--no-password", "--yes"},
+          {"servers", "start", "--at-boot", "--yes"},
+          {"sessions"}}) {
+        const Finished finished = command(words);
+        EXPECT_EQ(finished.status, 4) << words[0] << finished.output << finished.errors;
+        EXPECT_TRUE(contains(finished.output, "\"status\": 4")) << finished.output;
+    }
+    EXPECT_EQ(run({"/usr/bin/cat", smbConf, "/etc/passwd"}), before);
+    EXPECT_EQ(command({"shares", "list"}).status, 0);
+}
+
+TEST_F(SystemCommands, TellWhoIsConnectedAndEndItThroughTheHelper) {
+    EXPECT_EQ(command({"shares", "add", "Docs", folder_, "--guests", "--everyone-may", "rw", "--yes"}).status,
+              0);
+    Conversation client({"stdbuf", "-oL", "smbclient", "-N", "//127.0.0.1/Docs"});
+    EXPECT_TRUE(contains(client.ask("volume", "olume"), "olume"));
+    const std::string said = comesTo({"sessions"}, "\"Docs\"");
+    EXPECT_TRUE(contains(said, "\"Docs\"") && contains(said, "\"address\": \"127.0.0.1\"")) << said;
+    const Finished ended = command({"sessions", "disconnect", "--share", "Docs", "--yes"});
+    EXPECT_TRUE(contains(ended.output, "\"changed\": true")) << ended.output << ended.errors;
+    EXPECT_FALSE(contains(comesTo({"sessions"}, "\"shares\": []"), "\"Docs\""));
+}
+
+TEST_F(SystemCommands, FindOutWhatIsWrongWithTheComputer) {
+    EXPECT_FALSE(contains(command({"doctor"}).output, "server-")) << command({"doctor"}).output;
+    run({"/bin/sh", "-c", "printf '[Gone]\npath = /home/gone\ncolour = red\n' >>" + smbConf});
+    run({"/bin/sh", "-c", "chmod 666 " + smbConf + "; kill $(cat /run/samba/smbd.pid); sleep 1"});
+    const Finished finished = command({"doctor"});
+    EXPECT_EQ(finished.status, 5);
+    for (const char* code : {"folder-gone", "smb-conf", "server-stopped", "writable-by-others"}) {
+        EXPECT_TRUE(contains(finished.output, std::string("\"code\": \"") + code)) << code << finished.output;
+    }
+}
