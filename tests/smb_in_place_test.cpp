@@ -131,6 +131,15 @@ TEST(SmbInPlace, TouchesOnlyTheLinesOfWhatChanged) {
         std::string::npos)
         << commentedOut;
     EXPECT_EQ(edited(commentedOut, [](Model& model) { section(model, "homes")->setType(SMBGroup); }), text);
+    // Settings above the first section are the whole server's, and stay so.
+    const std::string early = "# mine\nserver role = standalone\n\n[docs]\npath = /d\n";
+    const auto withHomes = edited(early, [](Model& model) {
+        addShare(model, "homes");
+        std::ranges::rotate(model.entries, model.entries.end() - 1);
+    });
+    EXPECT_EQ(withHomes, "# mine\nserver role = standalone\n\n[homes]\npath = /srv/homes\nread only = No\n"
+                         ";Created by Brindle\n\n[docs]\npath = /d\n");
+    EXPECT_EQ(edited(withHomes, [](Model& model) { removeShare(model, "homes"); }), early);
     const auto removed = edited(text, [](Model& model) { removeShare(model, "printers"); });
     EXPECT_NE(removed.find("browseable = no\n\n# Windows clients look for this share\n[print$]"),
               std::string::npos)

@@ -64,6 +64,9 @@ class Editor {
     void addPair(const SMBSectionLines& section, const SMBChange& change);
     void conflict(const SMBChange& change, std::string_view inFile);
     void appendAtEnd(std::string& text) const;
+    /// Where a section begins that is to stand before all others. Settings above the first section are the
+    /// whole server's, and would become that section's.
+    [[nodiscard]] std::size_t beginningOfSections() const;
     /// Where the parameter of a change stands that the server reads; none when it reads none.
     [[nodiscard]] std::optional<std::size_t> pairInEffect(const SMBSectionLines& section,
                                                           const SMBChange& change, std::size_t found) const;
@@ -331,7 +334,26 @@ void Editor::appendAtEnd(std::string& text) const {
     }
 }
 
+std::size_t Editor::beginningOfSections() const {
+    const auto& lines = lines_.lines();
+    const std::size_t first = lines_.sections().empty() ? lines.size() : lines_.sections().front().first;
+    std::size_t begin = 0;
+    for (std::size_t index = 0; index < first; ++index) {
+        const bool isSetting = lines[index].kind == Line::Kind::Other || lines[index].isJoined;
+        begin = isSetting ? lines[index].end : begin;
+    }
+    return begin;
+}
+
 SMBInPlaceText Editor::finish() {
+    if (!atFront_.empty()) {
+        const std::size_t begin = beginningOfSections();
+        if (begin > 0) { // the blank line that keeps it apart comes first
+            atFront_.erase(atFront_.size() - lineBreak_.size());
+            atFront_.insert(0, lineBreak_);
+        }
+        edits_.insert(edits_.begin(), {begin, begin, atFront_, begin > 0});
+    }
     // Edits at one place keep the order in which they were asked for.
     std::ranges::stable_sort(edits_, isBefore);
     SMBInPlaceText result;
@@ -353,7 +375,6 @@ SMBInPlaceText Editor::finish() {
         result.text.erase(result.text.size() - lineBreak_.size());
     }
     appendAtEnd(result.text);
-    result.text.insert(0, atFront_);
     result.conflicts = std::move(conflicts_);
     return result;
 }
