@@ -158,6 +158,63 @@ TEST_F(SystemPeople, AreLeftAsTheyAreWithAReasonWhereTheComputerNeedsThem) {
     EXPECT_TRUE(contains(contents("/etc/passwd"), "\nalice:x:7201:100:"));
 }
 
+TEST_F(SystemPeople, LoseWhatTheyMayDoWithAGroupAndWithAName) {
+    const std::string made =
+        script(makeDocs() + makeUser + setPassword("Wonderland1") +
+               "answer \"Confirm Add New Group\" Yes\ntype groupName band\ntype gid 7202\n"
+               "press createNewGroupButton\n");
+    EXPECT_FALSE(contains(made, "output ")) << made;
+    run({"chown", "root:band", folder_});
+    fs::permissions(folder_, fs::perms(0770));
+    const auto mayWrite = [](const std::string& user) {
+        return !refuses(smb("Docs", user + "%Wonderland1", "put /etc/hostname letter"));
+    };
+    EXPECT_FALSE(mayWrite("alice"));
+    const std::string band = "rows groupTableView " + rowOf("groupTableView", "Group=\"band\"") + "\n";
+    const std::string member =
+        band + "rows groupUsersTableView " + rowOf("groupUsersTableView", "User=\"alice\"", band) + "\n";
+    script(member + "press addUserToGroupButton\n");
+    EXPECT_TRUE(contains(contents("/etc/group"), "\nband:x:7202:alice\n"));
+    EXPECT_TRUE(mayWrite("alice"));
+    script(member + "press removeUserFromGroupButton\n");
+    EXPECT_FALSE(mayWrite("alice"));
+    script(member + "press addUserToGroupButton\n");
+    const std::string rename("/usr/bin/nicl\0.\0-create\0/users/alice\0name\0eve\0", 46);
+    EXPECT_EQ(runProgram({prefix + "/libexec/brindle-helper", "--system"}, rename).output, "\x06");
+    EXPECT_TRUE(mayWrite("eve")) << "her password and her groups have gone with her";
+    EXPECT_FALSE(mayWrite("alice"));
+}
+
+TEST_F(SystemPeople, AreTakenBackAndDoneAgainButForTheirPassword) {
+    const auto accounts = [] { return contents("/etc/passwd") + contents("/etc/group"); };
+    const auto knownToSamba = [] { return contains(runProgram({"/usr/bin/pdbedit", "-L"}).output, "alice"); };
+    const std::string before = accounts();
+    script(makeDocs() + makeUser + setPassword("Wonderland1")); // changes 1, 2 and 3
+    const std::string made = accounts();
+    const auto undo = [](const std::string& number) {
+        const std::string printed = script("undo " + number + "\n");
+        EXPECT_FALSE(contains(printed, "output ")) << printed;
+    };
+    const std::string alice = rowOf("userTableView", "User=\"alice\"");
+    script("answer \"Confirm Update User\" Yes\nrows userTableView " + alice +
+           "\ntype uid 7301\ntype fullName \"Alice B\"\npress addNewUserButton\n");
+    EXPECT_TRUE(contains(accounts(), "\nalice:x:7301:7200:Alice B:"));
+    undo("4");
+    EXPECT_EQ(accounts(), made);
+    EXPECT_FALSE(refuses(logon("alice%Wonderland1")))
+        << "a change keeps the password, and so does its undoing";
+    script("answer \"Confirm Delete Selected User\" Yes\nrows userTableView " + alice +
+           "\npress deleteUserButton\n");
+    EXPECT_FALSE(knownToSamba());
+    undo("6");
+    EXPECT_EQ(accounts(), made);
+    EXPECT_FALSE(knownToSamba()) << "a password that is gone stays gone";
+    undo("2");
+    EXPECT_EQ(accounts(), before);
+    undo("8");
+    EXPECT_EQ(accounts(), made);
+}
+
 TEST_F(SystemPeople, OfferTheirPublicFolderWhereTheyHaveAHome) {
     run({"/usr/sbin/useradd", "-m", "-u", "7301", "dora"});
     run({"/usr/sbin/useradd", "-M", "-u", "7302", "eve"}); // its home folder is not made
