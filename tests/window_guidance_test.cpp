@@ -1,6 +1,10 @@
 // How the window leads: to the first share, the first field, and in words.
 
+#include "review/Reviewer.h"
 #include "support/MainWindowFixture.h"
+
+#include <QDropEvent>
+#include <QMimeData>
 
 namespace {
 
@@ -98,6 +102,133 @@ TEST_F(MainWindow, CellsSpeakInWordsAndMarksAndTheModelsKeepTheirValues) {
         ++smb;
     }
     EXPECT_EQ(shares.model()->index(0, smb).data(Qt::AccessibleTextRole).toString(), "No");
+}
+
+TEST_F(MainWindow, AFieldSaysAtOnceWhatTheButtonWouldMakeOfItsText) {
+    struct Case {
+        const char* field;
+        const char* typed;
+        const char* said; ///< how it begins
+    };
+
+    addShare("Docs", host.root().string());
+    addShare("Films", "/nowhere");
+    open();
+    clickRow("normalTableView", 0);
+    clickTitled("Edit Share");
+    const auto hintOf = [this](const char* field) {
+        QApplication::processEvents();
+        return widget<QLineEdit>(field).accessibleDescription().toStdString();
+    };
+    EXPECT_EQ(hintOf("shareName") + hintOf("directory"), "");
+    for (const Case& each :
+         {Case{"shareName", "Music", "The button creates another share; “Docs” stays"},
+          Case{"shareName", "Films", "“Films” is there already: the button changes it."},
+          Case{"shareName", "fILMS", "“Films” is there already, and differs only"},
+          Case{"shareName", "Docs", ""}, Case{"directory", "shares", "The path of a folder begins"},
+          Case{"directory", "/nowhere", "There is no such folder."},
+          Case{"directory", "/dev/null", "This is not a folder."}, Case{"directory", "/", ""}}) {
+        typeInto(each.field, each.typed);
+        EXPECT_TRUE(hintOf(each.field).starts_with(each.said)) << each.typed << ": " << hintOf(each.field);
+        EXPECT_EQ(hintOf(each.field).empty(), *each.said == '\0') << each.typed << ": " << hintOf(each.field);
+    }
+    clickRow("normalTableView", 1);
+    EXPECT_EQ(hintOf("directory"), "There is no such folder.");
+    EXPECT_EQ(hintOf("shareName"), "");
+}
+
+TEST_F(MainWindow, GuestsWhoMayWriteAndAnOldSecurityAreWarnedOfOnlyWhenChosen) {
+    open();
+    const auto isSaid = [this](const char* text) {
+        QApplication::processEvents();
+        for (auto* label : widget<QWidget>("mainWindow").findChildren<QLabel*>()) {
+            if (label->text().startsWith(text) && label->isVisible()) {
+                return true;
+            }
+        }
+        return false;
+    };
+    clickTitled("New Share");
+    EXPECT_FALSE(isSaid("Anybody may"));
+    control<NSPopUpButton>("sharingSMB").performSelect(1);
+    control<NSPopUpButton>("everyonePrivs").performSelect(0);
+    EXPECT_FALSE(isSaid("Anybody may"));
+    control<NSButton>("guestAccessButton").performClick();
+    EXPECT_TRUE(isSaid("Anybody may"));
+    control<NSPopUpButton>("everyonePrivs").performSelect(1);
+    EXPECT_FALSE(isSaid("Anybody may"));
+    showPage(4);
+    control<NSPopUpButton>("smbPropsPage").performSelect(1);
+    EXPECT_FALSE(isSaid("Samba 4"));
+    control<NSPopUpButton>("smbSecurity").performSelect(1);
+    EXPECT_TRUE(isSaid("Samba 4"));
+}
+
+TEST_F(MainWindow, ANumberOutsideItsLimitsIsSaidWhileItIsTypedAndNeverSaved) {
+    struct Case {
+        const char* field;
+        const char* typed;
+        const char* said;
+    };
+
+    host.write("Library/Preferences/com.apple.AppleFileServer.plist",
+               "<plist version=\"1.0\"><dict><key>maxGuests</key><integer>-1</integer></dict></plist>");
+    open();
+    showPage(3);
+    control<NSPopUpButton>("afsPropsPage").performSelect(1);
+    QApplication::processEvents();
+    auto& guests = widget<QLineEdit>("numGuestConnections");
+    EXPECT_EQ(guests.text(), "no limit");
+    guests.setFocus();
+    EXPECT_EQ(guests.text(), "-1");
+    for (const Case& each :
+         {Case{"tcpPort", "65536", "A whole number from 1 to 65535."},
+          Case{"tcpPort", "0", "A whole number from 1 to 65535."}, Case{"tcpPort", "548", ""},
+          Case{"numConnections", "abc", "A whole number, -1 or more."}, Case{"numConnections", "12", ""}}) {
+        typeInto(each.field, each.typed);
+        QApplication::processEvents();
+        EXPECT_EQ(widget<QLineEdit>(each.field).accessibleDescription(), each.said) << each.typed;
+    }
+    EXPECT_EQ(guests.text(), "no limit"); // it was left
+    typeInto("numConnections", "12abc");
+    control<NSPopUpButton>("afsPropsPage").performSelect(0);
+    QApplication::processEvents();
+    clickTitled("Save");
+    EXPECT_TRUE(host.runs.empty());
+    EXPECT_TRUE(widget<QLineEdit>("numConnections").hasFocus()); // its page has come up
+    typeInto("numConnections", "12");
+    clickTitled("Save");
+    EXPECT_FALSE(host.runs.empty());
+}
+
+TEST_F(MainWindow, AFolderDroppedOnThePageOfTheSharesBeginsAShareOfIt) {
+    const auto folder = host.root() / "My Films";
+    std::filesystem::create_directory(folder);
+    open();
+    review::Reviewer reviewer(*interface);
+    frontend->useReviewer(reviewer);
+    auto& window = widget<QWidget>("mainWindow");
+    const auto drop = [&window](const std::string& path) {
+        QMimeData data;
+        data.setUrls({QUrl::fromLocalFile(QString::fromStdString(path))});
+        QDragEnterEvent enter({400, 300}, Qt::CopyAction, &data, Qt::LeftButton, {});
+        QApplication::sendEvent(&window, &enter);
+        if (!enter.isAccepted()) {
+            return false;
+        }
+        QDropEvent event({400, 300}, Qt::CopyAction, &data, Qt::LeftButton, {});
+        QApplication::sendEvent(&window, &event);
+        return event.isAccepted();
+    };
+    EXPECT_FALSE(drop("/dev/null"));
+    EXPECT_TRUE(drop(folder.string() + "/"));
+    EXPECT_EQ(text("shareName"), "My Films");
+    EXPECT_EQ(text("directory"), folder.string());
+    EXPECT_EQ(control<NSPopUpButton>("ownerPrivs").indexOfSelectedItem(), 0); // as it is on the disk
+    EXPECT_TRUE(widget<QLineEdit>("shareName").hasFocus());
+    showPage(1);
+    EXPECT_FALSE(drop(folder.string()));
+    frontend.reset(); // before the reviewer
 }
 
 } // namespace

@@ -31,6 +31,13 @@ bool changesNothing(const std::string& button) {
     return button == NSLocalizedString("Cancel") || button == NSLocalizedString("No");
 }
 
+/// Neither a question about a change nor a failure.
+bool isInformation(const platform::Alert& alert) {
+    return alert.title == NSLocalizedString("Donation") ||
+           alert.title == NSLocalizedString("Your Software is up-to-date") ||
+           alert.title == NSLocalizedString("A New Version is Available");
+}
+
 QLabel* wrapped(const QString& text) {
     auto* label = new QLabel(text);
     label->setTextFormat(Qt::PlainText);
@@ -69,7 +76,7 @@ platform::AlertAnswer askAlert(const platform::Alert& alert, QWidget* parent) {
     using platform::AlertAnswer;
     QMessageBox box(parent);
     box.setObjectName("alert");
-    box.setIcon(QMessageBox::Warning);
+    box.setIcon(isInformation(alert) ? QMessageBox::Information : QMessageBox::Warning);
     box.setWindowTitle(shown(alert.title));
     box.setText(asItIs(alert.title, "bold"));
     box.setInformativeText(asItIs(alert.message, "normal"));

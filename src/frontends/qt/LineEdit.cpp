@@ -1,6 +1,8 @@
 #include "frontends/qt/LineEdit.h"
 
+#include "frontends/qt/WindowDrop.h"
 #include "platform/appkit/NSApplication.h"
+#include "platform/foundation/NSBundle.h"
 
 #include <QDropEvent>
 #include <QMimeData>
@@ -29,10 +31,26 @@ LineEdit::LineEdit(NSTextField& field, RefreshQueue& queue) : field_(field), que
 }
 
 void LineEdit::setProblem(const QString& why) {
-    if (why != accessibleDescription()) {
-        setAccessibleDescription(why);
-        Q_EMIT problemChanged(why);
+    problem_ = why;
+    tellProblem();
+}
+
+void LineEdit::setHint(const QString& hint) {
+    hint_ = hint;
+    tellProblem();
+}
+
+void LineEdit::tellProblem() {
+    const QString& said = problem_.isEmpty() ? hint_ : problem_;
+    if (said != accessibleDescription()) {
+        setAccessibleDescription(said);
+        Q_EMIT problemChanged(said);
     }
+}
+
+void LineEdit::setUnlimited(const std::string& value) {
+    unlimited_ = value;
+    load();
 }
 
 LineEdit::Caret LineEdit::caretNow() const {
@@ -62,7 +80,8 @@ void LineEdit::restore(const QString& text, const Caret& caret) {
 
 void LineEdit::load() {
     setEnabled(field_.isEnabled());
-    const QString now = shown(field_.stringValue());
+    const bool isUnlimited = !hasFocus() && !unlimited_.empty() && field_.stringValue() == unlimited_;
+    const QString now = shown(isUnlimited ? NSLocalizedString("no limit") : field_.stringValue());
     accepted_ = now;
     if (now != text()) {
         restore(now, {.position = static_cast<int>(now.size())});
@@ -113,10 +132,16 @@ void LineEdit::endEditing() {
     }
 }
 
+void LineEdit::focusInEvent(QFocusEvent* event) {
+    load(); // shows what can be edited
+    QLineEdit::focusInEvent(event);
+}
+
 void LineEdit::focusOutEvent(QFocusEvent* event) {
     QLineEdit::focusOutEvent(event);
     if (event->reason() != Qt::PopupFocusReason) { // the field's own menu is part of editing it
         endEditing();
+        load();
     }
 }
 
@@ -129,6 +154,10 @@ void LineEdit::inputMethodEvent(QInputMethodEvent* event) {
 }
 
 void LineEdit::dragEnterEvent(QDragEnterEvent* event) {
+    if (!draggedFolder(*event->mimeData()).isEmpty()) {
+        event->ignore(); // the page around the field takes it
+        return;
+    }
     dragged_ = caretNow(); // Qt shows with the caret where the text would go
     QLineEdit::dragEnterEvent(event);
 }

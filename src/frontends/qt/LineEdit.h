@@ -22,13 +22,20 @@ class LineEdit : public QLineEdit {
     /// field.
     void setProblem(const QString& why);
 
+    /// What is to be said of the text while nothing is wrong with it; empty: nothing.
+    void setHint(const QString& hint);
+
+    /// The text that is shown as "no limit" while nobody edits it.
+    void setUnlimited(const std::string& value);
+
   Q_SIGNALS:
-    /// What is wrong with the text; empty: nothing any more.
+    /// What is wrong with the text, or to be said of it; empty: nothing any more.
     void problemChanged(const QString& why);
     /// The user is done with the field after having changed its text.
     void left();
 
   protected:
+    void focusInEvent(QFocusEvent* event) override;
     void focusOutEvent(QFocusEvent* event) override;
     void inputMethodEvent(QInputMethodEvent* event) override;
     void dragEnterEvent(QDragEnterEvent* event) override;
@@ -48,12 +55,16 @@ class LineEdit : public QLineEdit {
     void load();
     [[nodiscard]] bool propose(const QString& text, int caret, const Caret& before);
     void userEdited(const QString& text);
+    void tellProblem();
 
     NSTextField& field_;
     RefreshQueue& queue_;
-    Caret before_;          ///< as it was before the edit in progress
-    Caret dragged_;         ///< as it was when a drag came over the field
-    QString accepted_;      ///< the text that the field has agreed to, as it is shown
+    Caret before_;     ///< as it was before the edit in progress
+    Caret dragged_;    ///< as it was when a drag came over the field
+    QString accepted_; ///< the text that the field has agreed to, as it is shown
+    QString problem_;
+    QString hint_;
+    std::string unlimited_; ///< empty: there is no such text
     bool isEdited_ = false; ///< by the user, since the field was left
     bool loading_ = false;
     bool holdsCaret_ = false; ///< `before_` stays as it is, whatever Qt signals

@@ -1,12 +1,14 @@
 #include "frontends/qt/QtPresenter.h"
 
 #include "frontends/qt/Dialogs.h"
+#include "frontends/qt/FieldProblems.h"
 #include "frontends/qt/LineEdit.h"
 #include "frontends/qt/NodeAttributes.h"
 #include "frontends/qt/ReviewDialog.h"
 #include "frontends/qt/TableView.h"
 #include "frontends/qt/WaitingDialog.h"
 #include "frontends/qt/WindowComputer.h"
+#include "frontends/qt/WindowDrop.h"
 #include "frontends/qt/WindowHistory.h"
 #include "frontends/qt/WindowReview.h"
 #include "platform/foundation/Host.h"
@@ -183,6 +185,14 @@ void QtPresenter::interfaceDidLoad(Interface& interface) {
             edit->selectAll();
         }
     });
+    actions_.back()->setRefused([this, &interface](const std::string& field, const std::string& why) {
+        showPageOf(field, interface, *queue_);
+        if (auto* edit = mainWidget_ == nullptr ? nullptr : mainWidget_->findChild<LineEdit*>(shown(field))) {
+            edit->setProblem(shown(why));
+            edit->setFocus();
+            edit->selectAll();
+        }
+    });
     for (const auto& node : interface.root().children) {
         auto* window = modelOf<NSWindow>(*node);
         if (window == nullptr) {
@@ -208,6 +218,9 @@ void QtPresenter::useReviewer(review::Reviewer& reviewer) {
         const auto& computer = platform::Host::current().services().computer;
         auto* tabs = dynamic_cast<NSTabView*>(interfaces_.front()->find("mainTabView"));
         auto* users = dynamic_cast<NSTableView*>(interfaces_.front()->find("userTableView"));
+        if (tabs != nullptr) {
+            new WindowDrop(*tabs, *window, *actions_.front()); // the same
+        }
         if (computer && tabs != nullptr && users != nullptr) {
             new WindowComputer(*computer, *tabs, *users, *window, *queue_); // the same
         }

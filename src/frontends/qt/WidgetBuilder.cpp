@@ -3,6 +3,7 @@
 #include "frontends/qt/Buttons.h"
 #include "frontends/qt/Drawer.h"
 #include "frontends/qt/EmptyNote.h"
+#include "frontends/qt/FieldHints.h"
 #include "frontends/qt/FieldProblems.h"
 #include "frontends/qt/LineEdit.h"
 #include "frontends/qt/NodeAttributes.h"
@@ -11,6 +12,7 @@
 #include "frontends/qt/TableView.h"
 #include "frontends/qt/TextView.h"
 #include "platform/appkit/NSButton.h"
+#include "platform/appkit/ShownWhen.h"
 
 #include <QFrame>
 #include <QGridLayout>
@@ -209,6 +211,19 @@ QWidget* WidgetBuilder::makeLabel(const InterfaceNode& node) {
         new Binding(label, queue_, field->changed,
                     [this, label, &node] { label->setText(shown(actions_.textAbout(node, "text"))); });
     }
+    if (const std::string& when = node.attribute("when"); !when.empty()) {
+        const auto follow = [this, label, &node] {
+            const bool holds = isShown(node, actions_);
+            if (!holds || label->parentWidget() != nullptr) { // as above
+                label->setVisible(holds);
+            }
+        };
+        for (const auto& side : platform::parseShownWhen(when)) {
+            for (const platform::ControlHas& each : side) {
+                new Binding(label, queue_, actions_.interface().find(each.control)->changed, follow);
+            }
+        }
+    }
     if (const std::string& control = node.attribute("for"); !control.empty()) {
         if (const auto found = named_.find(control); found != named_.end()) {
             label->setBuddy(found->second);
@@ -224,6 +239,14 @@ QWidget* WidgetBuilder::makeTextField(const InterfaceNode& node) {
     edit->setPlaceholderText(shown(node.attribute("placeholder")));
     if (const int width = number(node, "maxWidth"); width > 0) {
         edit->setMaximumWidth(width);
+    }
+    if (const std::string& unlimited = node.attribute("unlimited"); !unlimited.empty()) {
+        edit->setUnlimited(unlimited);
+    }
+    auto* hint = new Binding(edit, queue_, modelOf<NSTextField>(node)->changed,
+                             [this, edit, &node] { edit->setHint(shown(fieldHint(node, actions_))); });
+    if (auto* table = actions_.find<NSTableView>(node.attribute("namesRow"))) {
+        new Binding(edit, queue_, table->changed, [hint] { hint->markDirty(); });
     }
     if (!node.attribute("chooses").empty()) {
         QObject::connect(edit, &LineEdit::left, edit, [this, &node] { actions_.fieldWasLeft(node); });

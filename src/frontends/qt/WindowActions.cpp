@@ -1,5 +1,6 @@
 #include "frontends/qt/WindowActions.h"
 
+#include "frontends/qt/FieldHints.h"
 #include "frontends/qt/Menus.h"
 #include "frontends/qt/NodeAttributes.h"
 #include "platform/appkit/NSAlert.h"
@@ -56,6 +57,9 @@ void WindowActions::use(const InterfaceNode& node) {
         closeMainWindow(queue_);
         return;
     }
+    if (isYes(node, "checks") && !passesChecks(node)) {
+        return;
+    }
     dispatchUserEvent(queue_, [this, &node] {
         // What cannot be used is not asked about; and what stands beside it is picked by a slip of the hand.
         const std::string question = textAbout(node, "confirm");
@@ -87,6 +91,48 @@ void WindowActions::useButtonOf(const std::string& table, const std::string& rol
     });
     if (found != nullptr) {
         use(*found);
+    }
+}
+
+bool WindowActions::passesChecks(const InterfaceNode& node) const {
+    // The page with the button; the pages that a menu picks stand in it.
+    const InterfaceNode* page = nullptr;
+    visitNodes(interface_.root(), [&](const InterfaceNode& each) {
+        if (each.kind == platform::InterfaceKind::Tab && nodeOf(each, node.element.get()) != nullptr) {
+            page = &each;
+        }
+    });
+    if (page == nullptr) {
+        return true;
+    }
+    std::string field;
+    std::string why;
+    visitNodes(*page, [&](const InterfaceNode& each) {
+        if (std::string problem = why.empty() ? limitProblem(each) : std::string(); !problem.empty()) {
+            field = each.element->name();
+            why = std::move(problem);
+        }
+    });
+    if (!why.empty() && refused_) {
+        refused_(field, why);
+    }
+    return why.empty();
+}
+
+void WindowActions::beginWith(const std::string& table,
+                              const std::vector<std::pair<std::string, std::string>>& textsOfFields) {
+    useButtonOf(table, "new");
+    for (const auto& [name, text] : textsOfFields) {
+        auto* field = find<NSTextField>(name);
+        const InterfaceNode* node = interface_.findNode(name);
+        if (field == nullptr || node == nullptr) {
+            continue;
+        }
+        dispatchUserEvent(queue_, [field, &text = text] { field->performReplace(text); });
+        fieldWasLeft(*node);
+    }
+    if (begun_ && !textsOfFields.empty()) {
+        begun_(textsOfFields.front().first);
     }
 }
 

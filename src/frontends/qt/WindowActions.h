@@ -7,6 +7,7 @@
 #include <optional>
 #include <string>
 #include <utility>
+#include <vector>
 
 class NSTableView;
 
@@ -28,6 +29,15 @@ class WindowActions {
     /// The enabled button of that role ("new", "edit", "delete") for the table of that name is used, as if it
     /// had been clicked; nothing where there is none.
     void useButtonOf(const std::string& table, const std::string& role);
+
+    /// Begins a new row of that table with these texts in its editor's fields, as if a user had typed them.
+    void beginWith(const std::string& table,
+                   const std::vector<std::pair<std::string, std::string>>& textsOfFields);
+
+    /// `refused` shows why what stands in that field cannot be saved.
+    void setRefused(std::function<void(const std::string& field, const std::string& why)> refused) {
+        refused_ = std::move(refused);
+    }
 
     /// `begun` puts the cursor into that field, which is on screen by then: an editor begins with it.
     void setBegun(std::function<void(const std::string& field)> begun) { begun_ = std::move(begun); }
@@ -86,6 +96,7 @@ class WindowActions {
 
   private:
     void perform(const platform::InterfaceNode& node) const;
+    [[nodiscard]] bool passesChecks(const platform::InterfaceNode& node) const;
     void beginNew(const platform::InterfaceNode& node) const;
     void beginEditing(const platform::InterfaceNode& node) const;
     void cancelSheet() const;
@@ -95,5 +106,6 @@ class WindowActions {
     std::optional<Confirmation> confirmation_;
     bool leavesConfirmations_ = false;
     std::function<void(const std::string&)> begun_;
+    std::function<void(const std::string&, const std::string&)> refused_;
     std::function<void(std::optional<std::string>)> answerPanel_;
 };

@@ -77,6 +77,7 @@ std::vector<ElementRule> layoutRules() {
                   {"for", Word},
                   {"about", Word},
                   {"style", Choice, "note|heading|warning"},
+                  {"when", Word}, // which values of other controls it is shown with
                   indent}})},
         {TabView,
          "tabView",
@@ -92,7 +93,19 @@ std::vector<ElementRule> controlRules() {
     const Attributes common = joined({named, sized, control});
     return {
         // What is typed into the field counts in the window as chosen in the panel that `chooses` opens.
-        {TextField, "textField", makeField, joined({common, field, {{"chooses", Word}}})},
+        // Numbers lie between `least` and `most`, of which one is `unlimited`; a name is one of the table
+        // `namesRow`, or of `another` row.
+        {TextField, "textField", makeField,
+         joined({common,
+                 field,
+                 {{"chooses", Word},
+                  {"least", Integer},
+                  {"most", Word},
+                  {"unlimited", Integer},
+                  {"mayBeEmpty", YesNo},
+                  {"folder", YesNo},
+                  {"namesRow", Word},
+                  {"another", Text}}})},
         {SecureField, "secureField", makeField, joined({common, field})},
         {Button, "button", makeButton,
          joined({common,
@@ -106,6 +119,7 @@ std::vector<ElementRule> controlRules() {
                   // the operation `also`, too.
                   {"role", Choice, "cancel|new|edit|delete"},
                   {"edits", Word},
+                  {"checks", YesNo}, // the limits of the fields of its page
                   {"also", Word},
                   key}})},
         {CheckBox, "checkBox", makeButton,

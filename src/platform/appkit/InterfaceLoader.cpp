@@ -1,6 +1,7 @@
 #include "platform/appkit/InterfaceLoader.h"
 
 #include "platform/appkit/Presenter.h"
+#include "platform/appkit/ShownWhen.h"
 #include "platform/foundation/Host.h"
 #include "platform/foundation/NSBundle.h"
 #include "platform/foundation/NSFileManager.h"
@@ -236,9 +237,15 @@ void InterfaceLoader::nameElement(const InterfaceNode& node) {
 }
 
 void InterfaceLoader::wireAction(const InterfaceNode& node) {
-    for (const char* attribute : {"for", "about", "reverts", "rowOf", "offWith", "begin", "edits"}) {
+    for (const char* attribute :
+         {"for", "about", "reverts", "rowOf", "offWith", "begin", "edits", "namesRow"}) {
         if (node.attributes.contains(attribute)) {
             references_.emplace_back(node.line, node.attribute(attribute));
+        }
+    }
+    for (const auto& side : parseShownWhen(node.attribute("when"))) {
+        for (const ControlHas& each : side) {
+            references_.emplace_back(node.line, each.control);
         }
     }
     auto* control = dynamic_cast<NSControl*>(node.element.get());
