@@ -5,6 +5,7 @@
 #include "support/Subprocess.h"
 #include "support/TestHost.h"
 #include "tools/HelperCopy.h"
+#include "tools/HelperService.h"
 #include "tools/SmbConfCheck.h"
 
 #include <gtest/gtest.h>
@@ -82,6 +83,24 @@ TEST(SystemHost, SaysWhereTheServerListens) {
     EXPECT_TRUE(text.starts_with("The SMB server runs since 2025-11-2")) << text;
     EXPECT_TRUE(text.ends_with("listens at *:445, *:139.")) << text;
     EXPECT_NE(platform::serverText({}).find("does not run"), std::string::npos);
+}
+
+TEST(SystemHost, HasTheServerStartedByWhatRunsTheComputersServices) {
+    const TestHost test;
+    const auto commands = [&] {
+        std::string text;
+        for (const bool isStart : {true, false}) {
+            for (const std::string& word : serviceCommand(isStart, test.root())) {
+                text += word + " ";
+            }
+        }
+        return text;
+    };
+    EXPECT_EQ(commands(), "/usr/sbin/service smbd start /usr/sbin/update-rc.d smbd enable ");
+    fs::create_directories(test.root() / "run/systemd/system");
+    EXPECT_EQ(commands(), "/usr/bin/systemctl start smbd /usr/bin/systemctl enable smbd ");
+    fs::create_directories(test.root() / "lib/systemd/system/smb.service");
+    EXPECT_EQ(commands(), "/usr/bin/systemctl start smb /usr/bin/systemctl enable smb ");
 }
 
 TEST(SmbConf, IsRefusedWhereTheServerCouldUseTheOldTextAndNotTheNewOne) {

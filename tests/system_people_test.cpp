@@ -140,7 +140,7 @@ TEST_F(SystemPeople, AreLeftAsTheyAreWithAReasonWhereTheComputerNeedsThem) {
         {"rows groupTableView " + daemon + "\nrows groupUsersTableView 0\npress addUserToGroupButton\n",
          "daemon is a group of the system"},
         {"rows groupTableView " + admin + "\nrows groupUsersTableView 0\npress addUserToGroupButton\n",
-         "it shows who is in sudo"},
+         "cannot be changed: it shows who is in sudo"},
         {"rows userTableView " + machine + "\npress changePasswordButton\n" + setPassword("Wonderland1"),
          "machine is an account of the system"},
     };

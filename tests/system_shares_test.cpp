@@ -103,6 +103,13 @@ TEST_F(SystemShares, AreServedAgainByAServerThatTheHelperStarts) {
     EXPECT_GT(state.process, 0);
     EXPECT_LT(std::time(nullptr) - state.since, 60);
     EXPECT_NE(std::ranges::find(state.listensAt, "*:445"), state.listensAt.end());
+    if (fs::exists("/usr/sbin/update-rc.d")) {
+        const auto startsAtBoot = [] { return !run({"find", "/etc/rc2.d", "-name", "S*smbd"}).empty(); };
+        run({"/usr/sbin/update-rc.d", "smbd", "disable"});
+        EXPECT_FALSE(startsAtBoot());
+        EXPECT_EQ(helper(std::string("/usr/sbin/service\0smbd\0enable\0", 30)), "\x06");
+        EXPECT_TRUE(startsAtBoot());
+    }
 }
 
 TEST_F(SystemShares, AreNotSavedIntoAFileThatTheServerCouldNotUse) {

@@ -149,9 +149,6 @@ std::string ruleBrokenByUser(const Request& request) {
             line == nullptr || newName == request.name ? "" : ruleBrokenByRemovingUser(request, *line);
         return !broken.empty() || newName == request.name ? broken : ruleBrokenByNewUser(request, newName);
     }
-    if (!isPropertyOfLine({"users", request.name}, *request.change.property)) {
-        return {};
-    }
     std::string broken = request.writes() ? ruleBrokenByUserValues(request, line) : "";
     return !broken.empty() || line == nullptr || keepsLine(request, *line)
                ? broken
@@ -237,9 +234,6 @@ std::string ruleBrokenByGroup(const Request& request) {
             line == nullptr || newName == request.name ? "" : ruleBrokenByGroupOfSystem(request, *line);
         return !broken.empty() || newName == request.name ? broken : ruleBrokenByNewGroup(request, newName);
     }
-    if (!isPropertyOfLine({"groups", request.name}, *request.change.property)) {
-        return {};
-    }
     std::string broken = request.writes() ? ruleBrokenByGroupValues(request, line) : "";
     return !broken.empty() || line == nullptr || keepsLine(request, *line)
                ? broken
@@ -264,10 +258,16 @@ const GroupLine* ComputerAccounts::findGroup(unsigned gid) const {
 Status checkAccountChange(const ComputerAccounts& accounts, const DirectoryChange& change, bool isOurs) {
     const RecordPath path = recordPath(change.path).value();
     const Request request{accounts, change, path.back(), isOurs};
-    std::string why = change.property == platform::accountStateProperty
-                          ? "Brindle keeps this property for itself; choose another name"
-                      : path.front() == "users" ? ruleBrokenByUser(request)
-                                                : ruleBrokenByGroup(request);
+    if (change.property == platform::accountStateProperty) {
+        return refusal(change, "Brindle keeps this property for itself; choose another name");
+    }
+    const bool reachesLine =
+        !change.property || change.property == "name" || isPropertyOfLine(path, *change.property);
+    const bool isAdministrators = path == RecordPath{"groups", platform::administratorsGroup};
+    if (!reachesLine && !isAdministrators) {
+        return {};
+    }
+    std::string why = path.front() == "users" ? ruleBrokenByUser(request) : ruleBrokenByGroup(request);
     return why.empty() ? Status() : refusal(change, std::move(why));
 }
 

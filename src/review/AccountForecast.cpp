@@ -66,8 +66,9 @@ Status AccountForecast::checkPassword(const std::string& user) const {
 }
 
 bool AccountForecast::exists(const RecordPath& path) const {
-    return isUser(path) ? accounts_.findUser(path.back()) != nullptr
-                        : accounts_.findGroup(path.back()) != nullptr;
+    return isUser(path)
+               ? accounts_.findUser(path.back()) != nullptr
+               : path.back() == platform::administratorsGroup || accounts_.findGroup(path.back()) != nullptr;
 }
 
 void AccountForecast::follow(const DirectoryChange& change, const RecordPath& path) {
@@ -75,6 +76,8 @@ void AccountForecast::follow(const DirectoryChange& change, const RecordPath& pa
         if (change.operation == "-delete") {
             remove(path);
         }
+    } else if (!isPropertyOfLine(path, *change.property)) {
+        return; // nothing here looks at it
     } else if (exists(path)) {
         changeLine(change, path);
     } else {

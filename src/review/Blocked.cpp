@@ -71,14 +71,14 @@ const NSTextField* fieldOf(const DirectoryChange& change, const std::string& ope
 void addAccountBlock(const DirectoryChange& change, const std::string& outlet, AccountForecast& accounts,
                      std::vector<Remark>* blocks) {
     const RecordPath path = recordPath(change.path).value();
-    const bool exists = accounts.exists(path);
     const platform::Status status = accounts.take(change);
     if (!status.isOk()) {
         blocks->push_back({"account",
-                           exists ? stringWithFormat(NSLocalizedString("\"%@\" cannot be changed: %@."),
-                                                     path.back(), status.why())
-                                  : stringWithFormat(NSLocalizedString("\"%@\" cannot be used: %@."),
-                                                     subjectOf(change), status.why()),
+                           accounts.exists(path)
+                               ? stringWithFormat(NSLocalizedString("\"%@\" cannot be changed: %@."),
+                                                  path.back(), status.why())
+                               : stringWithFormat(NSLocalizedString("\"%@\" cannot be used: %@."),
+                                                  subjectOf(change), status.why()),
                            outlet});
     }
 }
