@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <map>
+#include <set>
 
 #include <sys/stat.h>
 #include <unistd.h>
@@ -29,21 +30,18 @@ bool isForPrinters(const SMBShare& section) {
 
 } // namespace
 
-std::vector<const SMBShare*> Examiner::sections() const {
-    std::vector<const SMBShare*> found;
+void Examiner::readSections() {
     for (const auto& entry : conf_.Entries()) {
         const std::string& name = entry->ShareName();
         if (entry->Type() == SMBGroup && !entry->isUnnamed() && !isServerGlobal(name) &&
             !isServerHomes(name) && !isForPrinters(*entry)) {
-            found.push_back(entry.get());
+            sections_.push_back({name, settingOf(*entry, "path"), serverFlag(*entry, "available", true)});
         }
     }
-    return found;
 }
 
 bool Examiner::sharesOverSMB() const {
-    return std::ranges::any_of(sections(),
-                               [](const SMBShare* each) { return serverFlag(*each, "available", true); });
+    return std::ranges::any_of(sections_, &Section::isOffered);
 }
 
 void Examiner::examineShares() {
@@ -121,40 +119,36 @@ void Examiner::examineRecord(const Share& share) {
         return;
     }
     examineFolder(share.name, share.folder, where);
-    const auto published = sections();
     const auto sectionOf = [&](const auto& test) {
-        const auto found = std::ranges::find_if(published, test);
-        return found == published.end() ? nullptr : *found;
+        const auto found = std::ranges::find_if(sections_, test);
+        return found == sections_.end() ? nullptr : &*found;
     };
-    const auto isSameName = [&](const SMBShare* each) { return each->ShareName() == share.name; };
-    const auto isSameFolder = [&](const SMBShare* each) { return settingOf(*each, "path") == share.folder; };
-    const auto isOthers = [&](const SMBShare* each) { // it is the section of a share of its own
-        return std::ranges::any_of(shares_, [each](const Share& other) {
-            return isEqualIgnoringCase(other.name, each->ShareName());
-        });
+    const auto isOthers = [&](const Section& each) { // it is the section of a share of its own
+        return std::ranges::any_of(
+            shares_, [&each](const Share& other) { return isEqualIgnoringCase(other.name, each.name); });
     };
-    const SMBShare* sameName = sectionOf(isSameName);
-    const SMBShare* sameFolder =
-        sectionOf([&](const SMBShare* each) { return isSameFolder(each) && isSameName(each); });
-    if (sameFolder != nullptr) {
+    if (sectionOf([&](const Section& each) {
+            return each.path == share.folder && each.name == share.name;
+        }) != nullptr) {
         return;
     }
-    sameFolder = sectionOf(isSameFolder);
+    const Section* sameName = sectionOf([&](const Section& each) { return each.name == share.name; });
+    const Section* sameFolder = sectionOf([&](const Section& each) { return each.path == share.folder; });
     if (sameName != nullptr) {
         find({.code = "folders-differ",
               .text = stringWithFormat(
                   NSLocalizedString("The share \"%@\" is the folder %@ in its record, and %@ over SMB."),
-                  share.name, share.folder, settingOf(*sameName, "path")),
+                  share.name, share.folder, sameName->path),
               .where = section(share.name),
               .remedy = moveCommand(share.name, share.folder),
               .share = share.name});
-    } else if (sameFolder != nullptr && !isOthers(sameFolder)) {
+    } else if (sameFolder != nullptr && !isOthers(*sameFolder)) {
         find({.code = "names-differ",
               .text = stringWithFormat(
                   NSLocalizedString("The share \"%@\" is called \"%@\" over SMB: its section has that name."),
-                  share.name, sameFolder->ShareName()),
-              .where = section(sameFolder->ShareName()),
-              .remedy = renameCommand(sameFolder->ShareName(), share.name),
+                  share.name, sameFolder->name),
+              .where = section(sameFolder->name),
+              .remedy = renameCommand(sameFolder->name, share.name),
               .share = share.name});
     } else if (sameFolder == nullptr && share.afpShared != "1") {
         find({.level = Finding::Level::Notice,
@@ -169,14 +163,15 @@ void Examiner::examineRecord(const Share& share) {
 }
 
 void Examiner::examineSections() {
-    for (const SMBShare* each : sections()) {
-        const std::string path = settingOf(*each, "path");
-        const std::string& name = each->ShareName();
-        const auto completes = [&](const SMBShare* other) { // the server takes both for one section
-            return isEqualIgnoringCase(other->ShareName(), name) && !settingOf(*other, "path").empty();
+    std::set<std::string, std::less<>> recorded;
+    for (const Share& share : shares_) {
+        recorded.insert(share.folder);
+    }
+    for (const auto& [name, path, isOffered] : sections_) {
+        const auto completes = [&section = name](const Section& other) { // both are one to the server
+            return isEqualIgnoringCase(other.name, section) && !other.path.empty();
         };
-        const auto isRecordOf = [&](const Share& share) { return share.folder == path; };
-        if (path.empty() && std::ranges::any_of(sections(), completes)) {
+        if (path.empty() && std::ranges::any_of(sections_, completes)) {
             continue;
         }
         if (path.empty()) {
@@ -188,7 +183,7 @@ void Examiner::examineSections() {
                   .where = section(name),
                   .remedy = command({"shares", "set", name, "--folder", "/FOLDER"}),
                   .share = name});
-        } else if (std::ranges::none_of(shares_, isRecordOf)) {
+        } else if (!recorded.contains(path)) {
             examineFolder(name, path, section(name)); // else its record was looked at
         }
     }
@@ -204,8 +199,8 @@ void Examiner::examineNames() {
               .share = second});
     };
     std::map<std::string, std::string> known;
-    for (const SMBShare* each : sections()) {
-        const std::string& name = each->ShareName();
+    for (const Section& each : sections_) {
+        const std::string& name = each.name;
         const auto [before, isNew] = known.emplace(platform::lowercased(name), name);
         if (!isNew) {
             tell(before->second == name

@@ -42,6 +42,12 @@ Examination examine(const Patient& patient) {
     return examiner.take();
 }
 
+std::vector<Finding> examineShares(const Patient& patient) {
+    Examiner examiner(patient);
+    examiner.examineShares();
+    return examiner.take().findings;
+}
+
 std::string shellWord(const std::string& word) {
     constexpr std::string_view plain =
         "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789/._-:=+@,";
@@ -57,6 +63,7 @@ std::string shellWord(const std::string& word) {
 
 Examiner::Examiner(const Patient& patient)
     : patient_(patient), smbConfFile_(platform::Host::current().paths().map(conf_.Path())) {
+    readSections();
     readDirectory();
 }
 

@@ -40,6 +40,9 @@ struct Patient {
 /// rights of Brindle's own files. Reads only.
 [[nodiscard]] Examination examine(const Patient& patient);
 
+/// What of it is wrong with shares, and found without asking another program: quick enough to be asked often.
+[[nodiscard]] std::vector<Finding> examineShares(const Patient& patient);
+
 /// A word as the shell takes it: in quotes where it has to be.
 [[nodiscard]] std::string shellWord(const std::string& word);
 

@@ -45,7 +45,15 @@ class Examiner {
         std::string gid;
     };
 
+    /// A section that the server takes for a share.
+    struct Section {
+        std::string name;
+        std::string path;
+        bool isOffered = true;
+    };
+
     void readDirectory();
+    void readSections();
     [[nodiscard]] std::vector<std::vector<std::string>> report(const char* path,
                                                                std::initializer_list<const char*> properties);
 
@@ -73,8 +81,6 @@ class Examiner {
     [[nodiscard]] std::string editCommand(const std::string& script) const;
 
     [[nodiscard]] std::string section(const std::string& name) const;
-    /// The sections that the server takes for shares.
-    [[nodiscard]] std::vector<const SMBShare*> sections() const;
     [[nodiscard]] bool sharesOverSMB() const;
 
     const Patient& patient_;
@@ -82,6 +88,7 @@ class Examiner {
     SMBConf conf_;
     std::string smbConfFile_;
     bool hasDirectory_ = true;
+    std::vector<Section> sections_;
     std::vector<Share> shares_;
     std::vector<User> users_;
     std::vector<Group> groups_;

@@ -4,10 +4,12 @@
 #include "platform/netinfo/ni.h"
 #include "platform/posix/LetterCase.h"
 #include "platform/posix/Process.h"
+#include "platform/samba/ComputerPasswords.h"
 
 #include <algorithm>
 #include <array>
 #include <chrono>
+#include <utility>
 
 #include <grp.h>
 #include <pwd.h>
@@ -89,6 +91,9 @@ std::vector<gid_t> computerGroups(const Account& account) {
 
 /// The state of a computer's own password database, which root alone may read.
 platform::Result<std::optional<platform::SambaUser>> computerUser(const std::string& name) {
+    if (!platform::ComputerPasswords::exists()) {
+        return std::optional<platform::SambaUser>();
+    }
     platform::Command command{{"/usr/bin/pdbedit"}, platform::ErrorOutput::WithOutput};
     for (std::string& word : platform::sambaUserWords(name)) {
         command.words.push_back(std::move(word));
@@ -162,11 +167,33 @@ std::optional<gid_t> ServerAccounts::group(const std::string& name) {
     return entry != nullptr ? std::optional(entry->gr_gid) : std::nullopt;
 }
 
+platform::Result<std::optional<platform::SambaUser>> ServerAccounts::sambaUser(const std::string& name) {
+    if (!std::exchange(hasAskedForOne_, true)) {
+        return root_ ? root_->user(name) : computerUser(name);
+    }
+    if (!passwords_) {
+        auto users = root_ ? root_->users() : platform::ComputerPasswords::users();
+        std::map<std::string, platform::SambaUser> known;
+        for (platform::SambaUser& user : users.isOk() ? *users : std::vector<platform::SambaUser>()) {
+            known.emplace(platform::lowercased(user.name), std::move(user));
+        }
+        passwords_ = users.isOk()
+                         ? platform::Result(std::move(known))
+                         : platform::Result<std::map<std::string, platform::SambaUser>>(users.status());
+    }
+    if (!passwords_->isOk()) {
+        return passwords_->status();
+    }
+    const auto found = (*passwords_)->find(platform::lowercased(name));
+    return found == (*passwords_)->end() ? std::optional<platform::SambaUser>()
+                                         : std::optional(found->second);
+}
+
 LogOn ServerAccounts::logOn(const std::string& name) {
     if (!root_ && ::geteuid() != 0) {
         return LogOn::Unknown;
     }
-    const auto user = root_ ? root_->user(name) : computerUser(name);
+    const auto user = sambaUser(name);
     if (!user.isOk()) {
         return LogOn::Unknown;
     }

@@ -32,9 +32,14 @@ class ServerAccounts : public Accounts {
     /// The directory's groups by name.
     [[nodiscard]] const std::map<std::string, Group>& groups();
     void addGroupsOf(Account& account);
+    [[nodiscard]] platform::Result<std::optional<platform::SambaUser>> sambaUser(const std::string& name);
 
     std::optional<platform::SambaAccounts> root_;
     std::optional<std::map<std::string, Group>> groups_;
+    bool hasAskedForOne_ = false;
+    /// The whole password database by name in lower case, once a second user is asked about: to ask Samba for
+    /// each would take a program each.
+    std::optional<platform::Result<std::map<std::string, platform::SambaUser>>> passwords_;
 };
 
 } // namespace accesscheck

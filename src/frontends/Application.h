@@ -1,5 +1,6 @@
 #pragma once
 
+#include "access/Doctor.h"
 #include "platform/appkit/Interface.h"
 #include "platform/foundation/Host.h"
 #include "review/History.h"
@@ -7,6 +8,7 @@
 
 #include <memory>
 #include <string>
+#include <utility>
 
 class NSTableView;
 
@@ -37,10 +39,16 @@ class Application {
     /// load().
     void end();
 
+    /// The computer as it is examined. Told before load().
+    void setPatient(accesscheck::Patient patient) { patient_ = std::move(patient); }
+
+    [[nodiscard]] const accesscheck::Patient& patient() const { return patient_; }
+
     /// The table of that name, which the interface has.
     [[nodiscard]] NSTableView& table(const std::string& name) const;
 
   private:
+    accesscheck::Patient patient_;
     review::History history_; ///< stands before the authority of the host's services
     platform::Host host_;
     std::unique_ptr<platform::Interface> interface_; ///< goes before the host, which its controls need

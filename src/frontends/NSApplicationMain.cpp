@@ -219,12 +219,24 @@ frontend::ServerLine serverLine(const Options& options, const Result<Server>& se
     return {"", NSLocalizedString("No server: start Brindle with --serve to reach the shares."), false};
 }
 
+/// The computer as the doctor is told of it.
+accesscheck::Patient patientOf(const platform::HostOptions& host) {
+    accesscheck::Patient patient{std::nullopt, frontend::calledFor(host)};
+    if (!host.system) {
+        patient.root =
+            platform::EmbeddedRoot(host.root.empty() ? platform::EmbeddedRoot::defaultFolder() : host.root)
+                .sambaPaths();
+    }
+    return patient;
+}
+
 Result<int> openWindow(const Options& options, char** argv) {
     auto services = makeServices(options);
     if (!services.isOk()) {
         return services.status();
     }
     Application application(std::move(*services));
+    application.setPatient(patientOf(options.host));
     const auto server = startServer(options);
     if (options.mode == Mode::Window) {
         return frontend::runWindow(application, argv, serverLine(options, server));
@@ -250,13 +262,6 @@ Result<int> runCommand(const Options& options) {
         return services.status();
     }
     services->log = std::make_shared<QuietSystemLog>();
-    std::optional<platform::SambaPaths> rootServer;
-    if (!options.host.system) {
-        const std::string& root = options.host.root;
-        rootServer = platform::EmbeddedRoot(root.empty() ? platform::EmbeddedRoot::defaultFolder() : root)
-                         .sambaPaths();
-    }
-    const std::string calledAs = frontend::calledFor(options.host);
     Application application(std::move(*services));
     const auto presenter = std::make_shared<frontend::CommandPresenter>(options.command.saysYes);
     application.setPresenter(presenter);
@@ -269,7 +274,7 @@ Result<int> runCommand(const Options& options) {
     }
     presenter->begin();
     const int status = frontend::CommandRun({options.command, *presenter, application.reviewer(),
-                                             application.history(), rootServer, calledAs})
+                                             application.history(), patientOf(options.host)})
                            .run();
     application.end();
     return status;

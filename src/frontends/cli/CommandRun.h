@@ -1,5 +1,6 @@
 #pragma once
 
+#include "access/Doctor.h"
 #include "frontends/cli/CommandFailure.h"
 #include "frontends/cli/CommandOptions.h"
 #include "frontends/cli/CommandPresenter.h"
@@ -7,7 +8,6 @@
 #include "platform/appkit/NSPopUpButton.h"
 #include "platform/appkit/NSTableView.h"
 #include "platform/appkit/NSTextField.h"
-#include "platform/samba/SambaPaths.h"
 #include "review/History.h"
 #include "review/Reviewer.h"
 
@@ -29,8 +29,7 @@ struct CommandContext {
     CommandPresenter& presenter;
     review::Reviewer* reviewer = nullptr; ///< null where the application is not loaded
     const review::History& history;
-    std::optional<platform::SambaPaths> rootServer; ///< an embedded root's own server
-    std::string calledAs; ///< what a command for this computer begins with: "brindle --system"
+    accesscheck::Patient patient;
 };
 
 /// A command under way: it uses the application's controls as a user would, and collects what there is to

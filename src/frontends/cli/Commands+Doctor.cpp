@@ -14,8 +14,7 @@ JSON orNull(const std::optional<std::string>& text) {
 }
 
 void doctor(CommandRun& run) {
-    const CommandContext& context = run.context();
-    const accesscheck::Examination found = accesscheck::examine({context.rootServer, context.calledAs});
+    const accesscheck::Examination found = accesscheck::examine(run.context().patient);
     JSON& list = run.result()["findings"] = JSON::array();
     for (const Finding& each : found.findings) {
         const bool isProblem = each.level == Finding::Level::Problem;

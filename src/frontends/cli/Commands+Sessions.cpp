@@ -40,7 +40,7 @@ std::vector<Session> sessionsOf(CommandRun& run) {
     std::vector<Session> sessions;
     platform::Status status;
     run.perform([&] {
-        auto found = review::connectedClients(run.context().rootServer);
+        auto found = review::connectedClients(run.context().patient.root);
         status = found.status();
         sessions = std::move(found).valueOr({});
     });

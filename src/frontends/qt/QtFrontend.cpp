@@ -81,6 +81,10 @@ void QtFrontend::useServer(const std::string& address, const std::string& state,
     implementation_->presenter->useServer({address, state, hasFailed});
 }
 
+void QtFrontend::useDoctor(accesscheck::Patient patient) {
+    implementation_->presenter->useDoctor(std::move(patient));
+}
+
 int QtFrontend::run(const std::function<void()>& launch) {
     QtPresenter& presenter = *implementation_->presenter;
     QTimer::singleShot(0, &implementation_->application, [&presenter, &launch] {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "access/Doctor.h"
 #include "platform/appkit/Presenter.h"
 #include "platform/posix/Status.h"
 
@@ -58,6 +59,10 @@ class QtFrontend {
     /// Has the main window say where the shares are reached: `address` is "smb://HOST:PORT/", or empty where
     /// nothing serves them, and `state` says why; `hasFailed`: something should have.
     void useServer(const std::string& address, const std::string& state, bool hasFailed);
+
+    /// Has the main window say who may use what, what is wrong with the computer and who is connected. After
+    /// useReviewer.
+    void useDoctor(accesscheck::Patient patient);
 
     /// Shows the main window, calls `launch` as the first event, and runs the event loop until the
     /// application has terminated. Returns the exit status. All windows are gone when it returns, so the

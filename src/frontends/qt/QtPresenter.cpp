@@ -10,6 +10,7 @@
 #include "frontends/qt/WindowComputer.h"
 #include "frontends/qt/WindowDrop.h"
 #include "frontends/qt/WindowHistory.h"
+#include "frontends/qt/WindowInquiries.h"
 #include "frontends/qt/WindowReview.h"
 #include "platform/foundation/Host.h"
 #include "platform/foundation/NSLog.h"
@@ -56,6 +57,8 @@ void QtPresenter::closeAll() {
     }
     actions_.clear();
     mainWidget_ = nullptr;
+    review_ = nullptr;
+    inquiries_ = nullptr;
     interfaces_.clear();
     queue_.reset();
 }
@@ -212,7 +215,7 @@ void QtPresenter::useReviewer(review::Reviewer& reviewer) {
     reviewer_ = &reviewer;
     platform::Host::current().setPatience(patience_);
     if (auto* window = qobject_cast<QMainWindow*>(mainWidget_)) {
-        new WindowReview(reviewer, *window, *actions_.front(), *queue_); // the window's child
+        review_ = new WindowReview(reviewer, *window, *actions_.front(), *queue_); // the window's child
         watchLog();
         status_ = new WindowStatus(activity_, *window, *actions_.front(), *queue_); // the same
         const auto& computer = platform::Host::current().services().computer;
@@ -241,6 +244,19 @@ void QtPresenter::useHistory(const review::History& history) {
 void QtPresenter::useServer(ShareServer server) {
     if (status_ != nullptr) {
         status_->useServer(std::move(server));
+    }
+}
+
+void QtPresenter::useDoctor(accesscheck::Patient patient) {
+    auto* window = qobject_cast<QMainWindow*>(mainWidget_);
+    auto* shares = interfaces_.empty()
+                       ? nullptr
+                       : dynamic_cast<NSTableView*>(interfaces_.front()->find("normalTableView"));
+    auto* users = interfaces_.empty()
+                      ? nullptr
+                      : dynamic_cast<NSTableView*>(interfaces_.front()->find("userTableView"));
+    if (window != nullptr && shares != nullptr && users != nullptr) {
+        inquiries_ = new WindowInquiries(std::move(patient), *shares, *users, *window, review_, *queue_);
     }
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "access/Doctor.h"
 #include "frontends/qt/Activity.h"
 #include "frontends/qt/FrameTimers.h"
 #include "frontends/qt/QtFrontend.h"
@@ -10,6 +11,9 @@
 
 #include <memory>
 #include <vector>
+
+class WindowInquiries;
+class WindowReview;
 
 /// The presenter of the window front-end: renders the interfaces that are loaded, and asks, shows and beeps.
 /// Owned by the front-end and the host together; after closeAll, when Qt may be gone, every operation answers
@@ -47,6 +51,12 @@ class QtPresenter : public platform::Presenter {
     /// Has it say where the shares are reached. After useReviewer.
     void useServer(ShareServer server);
 
+    /// Gives it the menu "Check". After useReviewer.
+    void useDoctor(accesscheck::Patient patient);
+
+    /// The menu's dialogs; null before useDoctor.
+    [[nodiscard]] WindowInquiries* inquiries() const { return inquiries_; }
+
     [[nodiscard]] RefreshQueue& queue() const { return *queue_; }
 
     /// What shows that another program is waited for; null where nobody is asked anything. Owned here.
@@ -81,6 +91,8 @@ class QtPresenter : public platform::Presenter {
     int refusals_ = 0;       ///< how often in that event
     std::vector<std::unique_ptr<WindowView>> views_; ///< the main window's first
     review::Reviewer* reviewer_ = nullptr;
+    WindowReview* review_ = nullptr;       ///< the main window's child
+    WindowInquiries* inquiries_ = nullptr; ///< the same
     QWidget* mainWidget_ = nullptr;
     Activity activity_;
     std::shared_ptr<platform::Log> log_;       ///< the host's own; null while it is in place

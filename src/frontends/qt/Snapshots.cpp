@@ -2,6 +2,7 @@
 
 #include "frontends/qt/NodeAttributes.h"
 #include "frontends/qt/ReviewDialog.h"
+#include "frontends/qt/WindowInquiries.h"
 #include "platform/appkit/NSApplication.h"
 #include "platform/appkit/NSButton.h"
 #include "platform/appkit/NSPopUpButton.h"
@@ -78,6 +79,8 @@ class Photographer {
     void take(const InterfaceNode& window, const QString& name);
     void take(QWidget& widget, const QString& name);
     void takeReview(const QString& name);
+    void takeInquiries();
+    void takeDialog(QDialog& dialog, const QString& name);
     void selectPage(const InterfaceNode& around, NSTabView& tabView, int page);
     void act(const std::function<void()>& event);
 
@@ -153,6 +156,7 @@ void Photographer::photographMain(const InterfaceNode& node) {
             act([drawer] { modelOf<NSDrawer>(*drawer)->open(); });
             take(node, name + QLatin1String("-drawer"));
             takeReview(QStringLiteral("review"));
+            takeInquiries();
             act([drawer] { modelOf<NSDrawer>(*drawer)->close(); });
         }
     }
@@ -164,14 +168,26 @@ void Photographer::takeReview(const QString& name) {
         return;
     }
     const auto dialog = makePlanDialog(presenter_.reviewer()->planSend("createShare:"), nullptr);
-    dialog->setAttribute(Qt::WA_DontShowOnScreen, true);
-    dialog->show();
-    take(*dialog, name);
+    takeDialog(*dialog, name);
     for (auto* button : dialog->findChildren<QPushButton*>()) {
         if (button->isCheckable()) { // "Details"
             button->click();
             take(*dialog, name + QLatin1String("-details"));
         }
+    }
+}
+
+void Photographer::takeDialog(QDialog& dialog, const QString& name) {
+    dialog.setAttribute(Qt::WA_DontShowOnScreen, true);
+    dialog.show();
+    take(dialog, name);
+}
+
+void Photographer::takeInquiries() {
+    if (WindowInquiries* inquiries = presenter_.inquiries()) {
+        takeDialog(*inquiries->makeAccessDialog(nullptr), QStringLiteral("check-access"));
+        takeDialog(*inquiries->makeFindingsDialog(nullptr), QStringLiteral("check-computer"));
+        takeDialog(*inquiries->makeSessionsDialog(nullptr), QStringLiteral("connected"));
     }
 }
 

@@ -133,7 +133,9 @@ void WindowReview::showRemarks() {
     if (table == nullptr) {
         return;
     }
-    if (reviewer_.serverReadsOtherwise().empty()) { // as nearly always: no row need be asked about
+    more_ = findMore_ ? findMore_() : std::multimap<std::string, std::string>();
+    if (more_.empty() &&
+        reviewer_.serverReadsOtherwise().empty()) { // as nearly always: no row need be asked about
         table->setRemarks(nullptr);
         return;
     }
@@ -142,8 +144,17 @@ void WindowReview::showRemarks() {
         for (const review::Remark& remark : reviewer_.serverReadsOtherwise(share)) {
             text += (text.empty() ? "" : "\n") + remark.sentence;
         }
+        const auto [begin, end] = more_.equal_range(share);
+        for (auto each = begin; each != end; ++each) {
+            text += (text.empty() ? "" : "\n") + each->second;
+        }
         return text;
     });
+}
+
+void WindowReview::setShareRemarks(std::function<std::multimap<std::string, std::string>()> find) {
+    findMore_ = std::move(find);
+    showRemarks();
 }
 
 void WindowReview::addMenu() {

@@ -6,6 +6,10 @@
 #include <QMainWindow>
 #include <QObject>
 
+#include <functional>
+#include <map>
+#include <string>
+
 class QAction;
 class QFrame;
 class QLabel;
@@ -22,6 +26,10 @@ class WindowReview : public QObject {
                  RefreshQueue& queue);
 
     ~WindowReview() override;
+
+    /// The share table marks what `find` has found, too: sentences by the name of a share. Asked whenever the
+    /// marks are looked for.
+    void setShareRemarks(std::function<std::multimap<std::string, std::string>()> find);
 
     /// A user's event has used the control with this operation.
     void actionWasUsed(const std::string& operation);
@@ -50,6 +58,8 @@ class WindowReview : public QObject {
     QFrame* directoryNotice_ = nullptr;
     QLabel* directoryText_ = nullptr;
     QAction* reviewAll_ = nullptr;
+    std::function<std::multimap<std::string, std::string>()> findMore_;
+    std::multimap<std::string, std::string> more_;
     platform::Connection eventEnded_;
     platform::Connection used_;
 };

@@ -1,8 +1,11 @@
 #include "platform/samba/ComputerPasswords.h"
 
+#include "platform/posix/InputOutput.h"
+#include "platform/posix/LetterCase.h"
 #include "platform/posix/Process.h"
 #include "platform/posix/Secret.h"
 #include "platform/posix/WholeFile.h"
+#include "platform/samba/InstalledSamba.h"
 
 #include <cerrno>
 #include <chrono>
@@ -81,10 +84,22 @@ Result<std::string> ComputerPasswords::accountOf(const std::string& user) {
     return line;
 }
 
+bool ComputerPasswords::exists() {
+    const SambaBuild& build = sambaBuild();
+    const std::string settings = lowercased(readWholeFile(build.configFile).valueOr(""));
+    // Where smb.conf names a place, or another kind of database, it is Samba's to find.
+    return settings.find("passdb backend") != std::string::npos ||
+           settings.find("private dir") != std::string::npos ||
+           ::access((build.privateFolder + "/passdb.tdb").c_str(), F_OK) == 0;
+}
+
 Result<std::vector<SambaUser>> ComputerPasswords::users() {
     if (!isInstalled(databaseProgram)) {
         return Status::failure("cannot use", "Samba's password database",
                                "pdbedit is not installed; install the package samba-common-bin");
+    }
+    if (!exists()) {
+        return std::vector<SambaUser>();
     }
     std::vector<std::string> words = allSambaUsersWords();
     words.insert(words.begin(), databaseProgram);

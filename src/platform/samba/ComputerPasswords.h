@@ -21,8 +21,11 @@ class ComputerPasswords {
     /// keeps nothing, or is not installed. A secret.
     [[nodiscard]] static Result<std::string> accountOf(const std::string& user);
 
-    /// All whom Samba knows. Fails when Samba is not installed, or does not show its database: only root may
-    /// read it.
+    /// Whether there is a database: to ask for somebody in one that is not there would make it.
+    [[nodiscard]] static bool exists();
+
+    /// All whom Samba knows; nobody where there is no database. Fails when Samba is not installed, or does
+    /// not show its database: only root may read it.
     [[nodiscard]] static Result<std::vector<SambaUser>> users();
 
     /// Makes Samba forget `user`, where the account must still exist. Ok when Samba does not know it.

@@ -48,7 +48,7 @@ std::string sambaCommand(const std::string& name) {
 }
 
 SambaBuild sambaBuildOf(const std::string& listing) {
-    SambaBuild build{"/etc/samba/smb.conf", "/run/samba"};
+    SambaBuild build{"/etc/samba/smb.conf", "/run/samba", "/var/lib/samba/private"};
     std::istringstream lines(listing);
     for (std::string line; std::getline(lines, line);) {
         std::istringstream words(line);
@@ -59,6 +59,7 @@ SambaBuild sambaBuildOf(const std::string& listing) {
         if (path.starts_with('/')) {
             build.configFile = name == "CONFIGFILE:" ? path : build.configFile;
             build.pidFolder = name == "PIDDIR:" ? path : build.pidFolder;
+            build.privateFolder = name == "PRIVATE_DIR:" ? path : build.privateFolder;
         }
     }
     return build;

@@ -14,8 +14,9 @@ namespace platform {
 
 /// What the installed smbd was built with.
 struct SambaBuild {
-    std::string configFile; ///< the smb.conf that it reads
-    std::string pidFolder;  ///< where it says which process it is
+    std::string configFile;    ///< the smb.conf that it reads
+    std::string pidFolder;     ///< where it says which process it is
+    std::string privateFolder; ///< where its secrets lie
 };
 
 /// What `smbd -b` says, asked once a process. Debian's places for what it does not say, and for all where no

@@ -1,0 +1,103 @@
+#include "frontends/qt/FindingsDialog.h"
+
+#include "frontends/qt/Binding.h"
+#include "platform/foundation/NSBundle.h"
+#include "platform/foundation/NSString.h"
+
+#include <QDialogButtonBox>
+#include <QHeaderView>
+#include <QLabel>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QStyle>
+#include <QTreeWidget>
+#include <QVBoxLayout>
+
+#include <algorithm>
+
+namespace {
+
+using accesscheck::Finding;
+
+constexpr int dialogWidth = 760;
+constexpr int dialogHeight = 460;
+
+QString localized(const char* key) {
+    return shown(NSLocalizedString(key));
+}
+
+} // namespace
+
+FindingsDialog::FindingsDialog(std::function<accesscheck::Examination()> examine, QWidget* parent)
+    : QDialog(parent), examine_(std::move(examine)) {
+    setObjectName("findings");
+    setWindowTitle(localized("Check This Computer"));
+    resize(dialogWidth, dialogHeight);
+    summary_ = new QLabel;
+    summary_->setObjectName("findingsSummary");
+    summary_->setTextFormat(Qt::PlainText);
+    list_ = new QTreeWidget;
+    list_->setObjectName("findingsList");
+    list_->setRootIsDecorated(false);
+    list_->setUniformRowHeights(true);
+    list_->setHeaderLabels({localized("What Is Wrong"), localized("Where")});
+    list_->header()->setSectionResizeMode(0, QHeaderView::Stretch);
+    list_->header()->setStretchLastSection(false);
+    details_ = new QPlainTextEdit;
+    details_->setObjectName("findingDetails");
+    details_->setReadOnly(true);
+    details_->setTabChangesFocus(true);
+    auto* buttons = new QDialogButtonBox;
+    buttons->addButton(localized("Close"), QDialogButtonBox::RejectRole)->setDefault(true);
+    auto* again = buttons->addButton(localized("Check Again"), QDialogButtonBox::ActionRole);
+    again->setAutoDefault(false);
+    connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
+    connect(again, &QPushButton::clicked, this, [this] { fill(); });
+    connect(list_, &QTreeWidget::currentItemChanged, this, [this] { showFinding(); });
+    auto* layout = new QVBoxLayout(this);
+    layout->addWidget(summary_);
+    layout->addWidget(list_, 2);
+    layout->addWidget(details_, 1);
+    layout->addWidget(buttons);
+    fill();
+}
+
+void FindingsDialog::fill() {
+    list_->clear();
+    found_ = examine_();
+    std::ranges::stable_sort(found_.findings, {}, &Finding::level);
+    const auto problems = std::ranges::count(found_.findings, Finding::Level::Problem, &Finding::level);
+    for (const Finding& each : found_.findings) {
+        auto* item = new QTreeWidgetItem(list_, {shown(each.text), shown(each.where)});
+        item->setIcon(0, style()->standardIcon(each.level == Finding::Level::Problem
+                                                   ? QStyle::SP_MessageBoxWarning
+                                                   : QStyle::SP_MessageBoxInformation));
+        item->setToolTip(0, shown(each.text));
+        item->setToolTip(1, shown(each.where));
+    }
+    summary_->setText(problems == 0   ? localized("No problem was found.")
+                      : problems == 1 ? localized("One problem was found.")
+                                      : shown(stringWithFormat(NSLocalizedString("%@ problems were found."),
+                                                               std::to_string(problems))));
+    constexpr int mostWhere = 260;
+    list_->resizeColumnToContents(1);
+    list_->setColumnWidth(1, std::min(list_->columnWidth(1), mostWhere));
+    list_->setCurrentItem(list_->topLevelItem(0));
+    showFinding();
+}
+
+void FindingsDialog::showFinding() {
+    const int row = list_->indexOfTopLevelItem(list_->currentItem());
+    QString text;
+    if (row >= 0) {
+        const Finding& finding = found_.findings[static_cast<std::size_t>(row)];
+        text = shown(finding.text + "\n" + finding.where);
+        if (!finding.remedy.empty()) {
+            text += shown("\n\n" + NSLocalizedString("What mends it:") + "\n" + finding.remedy);
+        }
+    }
+    for (const std::string& note : found_.notes) {
+        text += shown((text.isEmpty() ? "" : "\n\n") + note);
+    }
+    details_->setPlainText(text);
+}

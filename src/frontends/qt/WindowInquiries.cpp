@@ -1,0 +1,137 @@
+#include "frontends/qt/WindowInquiries.h"
+
+#include "access/AccessCheck.h"
+#include "access/ServerAccounts.h"
+#include "frontends/qt/FindingsDialog.h"
+#include "frontends/qt/SessionsDialog.h"
+#include "model/SMBConf.h"
+#include "platform/foundation/Host.h"
+#include "platform/foundation/NSBundle.h"
+#include "review/ConnectedClients.h"
+
+#include <QApplication>
+#include <QMenu>
+#include <QMenuBar>
+#include <QPointer>
+#include <QWidget>
+
+#include <algorithm>
+#include <map>
+
+namespace {
+
+QString localized(const char* key) {
+    return shown(NSLocalizedString(key));
+}
+
+const NSTableColumn* columnOf(const NSTableView& table, const char* identifier) {
+    const auto& columns = table.tableColumns();
+    const auto found = std::ranges::find(columns, std::string_view(identifier), &NSTableColumn::identifier);
+    return found == columns.end() ? nullptr : &*found;
+}
+
+std::vector<std::string> namesIn(NSTableView& table, const char* identifier) {
+    std::vector<std::string> names;
+    const NSTableColumn* column = columnOf(table, identifier);
+    const int rows = column == nullptr ? 0 : table.numberOfRows();
+    for (int row = 0; row < rows; ++row) {
+        names.push_back(table.objectValue(*column, row));
+    }
+    return names;
+}
+
+std::optional<std::string> selectedIn(NSTableView& table, const char* identifier) {
+    const NSTableColumn* column = columnOf(table, identifier);
+    return column == nullptr || table.selectedRow() < 0
+               ? std::nullopt
+               : std::optional(table.objectValue(*column, table.selectedRow()));
+}
+
+constexpr const char* shareColumn = "ShareName";
+constexpr const char* userColumn = "User";
+
+/// One list's questions: what the answers have in common is read once.
+struct Inquiry {
+    explicit Inquiry(const std::optional<platform::SambaPaths>& root)
+        : accounts(root ? std::optional<platform::SambaAccounts>(*root) : std::nullopt),
+          check(conf, accounts, {platform::Host::current().paths().map(conf.Path()), root.has_value()}) {}
+
+    SMBConf conf;
+    accesscheck::ServerAccounts accounts;
+    accesscheck::AccessCheck check;
+};
+
+} // namespace
+
+WindowInquiries::WindowInquiries(accesscheck::Patient patient, NSTableView& shares, NSTableView& users,
+                                 QMainWindow& window, WindowReview* review, RefreshQueue& queue)
+    : QObject(&window), patient_(std::move(patient)), shares_(shares), users_(users), queue_(queue) {
+    QList<QAction*> menus = window.menuBar()->actions();
+    auto* menu = new QMenu(localized("Check"), window.menuBar());
+    menu->setObjectName("checkMenu");
+    // The last menu is the help's, as everywhere.
+    window.menuBar()->insertMenu(menus.isEmpty() ? nullptr : menus.constLast(), menu);
+    using Make = std::unique_ptr<QDialog> (WindowInquiries::*)(QWidget*);
+    const auto add = [&](const char* title, const char* name, Make make) {
+        menu->addAction(localized(title), this,
+                        [this, make, &window] {
+                            QApplication::setOverrideCursor(Qt::WaitCursor);
+                            const auto dialog = (this->*make)(&window);
+                            QApplication::restoreOverrideCursor();
+                            dialog->exec();
+                        })
+            ->setObjectName(name);
+    };
+    add("Check Access…", "checkAccess", &WindowInquiries::makeAccessDialog);
+    add("Check This Computer…", "checkComputer", &WindowInquiries::makeFindingsDialog);
+    menu->addSeparator();
+    add("Who Is Connected…", "showSessions", &WindowInquiries::makeSessionsDialog);
+    if (review != nullptr) {
+        review->setShareRemarks([this] {
+            std::multimap<std::string, std::string> remarks;
+            for (const accesscheck::Finding& each : accesscheck::examineShares(patient_)) {
+                if (each.share && each.level == accesscheck::Finding::Level::Problem) {
+                    remarks.emplace(*each.share, each.text);
+                }
+            }
+            return remarks;
+        });
+    }
+}
+
+std::unique_ptr<QDialog> WindowInquiries::makeAccessDialog(QWidget* parent) {
+    const auto inquiry = std::make_shared<std::unique_ptr<Inquiry>>();
+    AccessDialog::Questions questions{
+        namesIn(shares_, shareColumn), namesIn(users_, userColumn),
+        [this, inquiry] { *inquiry = std::make_unique<Inquiry>(patient_.root); },
+        [inquiry](const std::string& share, const std::optional<std::string>& user) {
+            return (*inquiry)->check.check(share, user);
+        }};
+    // Whichever table was looked at last is in sight.
+    const QWidget* users = parent == nullptr ? nullptr : parent->findChild<QWidget*>(shown(users_.name()));
+    const bool isAboutUser = users != nullptr && users->isVisible();
+    return std::make_unique<AccessDialog>(
+        std::move(questions), isAboutUser ? std::nullopt : selectedIn(shares_, shareColumn),
+        isAboutUser ? selectedIn(users_, userColumn) : std::nullopt, parent);
+}
+
+std::unique_ptr<QDialog> WindowInquiries::makeFindingsDialog(QWidget* parent) {
+    return std::make_unique<FindingsDialog>([this] { return accesscheck::examine(patient_); }, parent);
+}
+
+std::unique_ptr<QDialog> WindowInquiries::makeSessionsDialog(QWidget* parent) {
+    using Sessions = platform::Result<std::vector<platform::Session>>;
+    return std::make_unique<SessionsDialog>(
+        SessionsDialog::Server{
+            [this] {
+                Sessions sessions = std::vector<platform::Session>();
+                dispatchUserEvent(queue_, [&] { sessions = review::connectedClients(patient_.root); });
+                return sessions;
+            },
+            [this](review::Disconnection kind, const std::string& what) {
+                bool isDone = false;
+                dispatchUserEvent(queue_, [&] { isDone = review::disconnect(kind, what); });
+                return isDone;
+            }},
+        parent);
+}

@@ -1,0 +1,37 @@
+#pragma once
+
+#include "access/Doctor.h"
+#include "frontends/qt/AccessDialog.h"
+#include "frontends/qt/Binding.h"
+#include "frontends/qt/WindowReview.h"
+#include "platform/appkit/NSTableView.h"
+
+#include <QDialog>
+#include <QMainWindow>
+#include <QObject>
+
+#include <memory>
+
+class QMenu;
+
+/// The window's menu "Check": who may use a share and what a user may do, what is wrong with the computer,
+/// and who is connected. The share table marks the shares with which something is wrong. A child of the main
+/// window's widget.
+class WindowInquiries : public QObject {
+  public:
+    /// All but `window`, whose child it becomes, and `patient` are kept. `review` gets the marks; it may be
+    /// null.
+    WindowInquiries(accesscheck::Patient patient, NSTableView& shares, NSTableView& users,
+                    QMainWindow& window, WindowReview* review, RefreshQueue& queue);
+
+    /// Each makes the dialog, not shown yet, as the menu item does.
+    [[nodiscard]] std::unique_ptr<QDialog> makeAccessDialog(QWidget* parent);
+    [[nodiscard]] std::unique_ptr<QDialog> makeFindingsDialog(QWidget* parent);
+    [[nodiscard]] std::unique_ptr<QDialog> makeSessionsDialog(QWidget* parent);
+
+  private:
+    accesscheck::Patient patient_;
+    NSTableView& shares_;
+    NSTableView& users_;
+    RefreshQueue& queue_;
+};
