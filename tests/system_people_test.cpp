@@ -236,6 +236,13 @@ TEST_F(SystemPeople, OfferTheirPublicFolderWhereTheyHaveAHome) {
     EXPECT_FALSE(fs::exists("/home/eve"));
     EXPECT_FALSE(contains(run({"/usr/bin/net", "usershare", "list"}), "eve"));
 
+    run({"/usr/sbin/useradd", "-m", "-u", "7303", "finn"});
+    fs::create_directory_symlink("/etc", "/home/finn/Public");
+    const std::string finn = rowOf("userTableView", "User=\"finn\"");
+    const std::string link = script("rows userTableView " + finn + "\npress enablePublicSelectedButton\n");
+    EXPECT_TRUE(contains(link, "/home/finn/Public is no folder; move it away")) << link;
+    EXPECT_FALSE(contains(run({"/usr/bin/net", "usershare", "list"}), "finn"));
+
     script("rows userTableView " + dora + "\npress disablePublicSelectedButton\n");
     EXPECT_TRUE(contains(smb("dora's Public", "", "ls"), "NT_STATUS_BAD_NETWORK_NAME"));
     EXPECT_EQ(contents("/home/dora/Public/poem"), "a poem");

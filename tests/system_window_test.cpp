@@ -8,6 +8,7 @@
 #include "support/WindowHands.h"
 
 #include <QComboBox>
+#include <QLabel>
 
 #include <cstdlib>
 
@@ -137,6 +138,24 @@ TEST_F(SystemWindow, AsksForThePasswordUntilItIsRightAndForNothingMoreAfterwards
     for (const char* secret : {"Wonderland1", "Abracadabra9", "wrong again"}) {
         EXPECT_FALSE(contains(contents(sudoLog), secret));
     }
+}
+
+TEST_F(SystemWindow, SaysWhetherTheServerRunsAndStartsIt) {
+    TearDown(); // ends it
+    inWindow([&] {
+        const auto& state = widget<QLabel>("serverState");
+        ASSERT_TRUE(QTest::qWaitFor([&] { return widget<QPushButton>("startServer").isVisible(); }, 10000));
+        EXPECT_TRUE(state.text().startsWith("The SMB server does not run")) << state.toolTip().toStdString();
+        passwords = {"Abracadabra9"};
+        answer({"Allow"});
+        click("startServer");
+        EXPECT_TRUE(answers.isEmpty() && passwords.isEmpty());
+        EXPECT_TRUE(QTest::qWaitFor([&] { return state.toolTip().contains("*:445"); }, 20000))
+            << state.toolTip().toStdString();
+        EXPECT_FALSE(widget<QPushButton>("startServer").isVisible());
+        comeBackTo(3);
+        EXPECT_TRUE(state.text().startsWith("No AFP server runs")) << state.toolTip().toStdString();
+    });
 }
 
 } // namespace
