@@ -69,17 +69,18 @@ PublicFolderOwner ownerOf(const platform::UserLine& line) {
 }
 
 /// Whether the directory says that the user's Public folder is shared.
-bool sharesPublicFolder(const DirectoryPlace& place, const std::string& user) {
-    Store store(place.storeFile, Store::Opening::Existing, place.waitSeconds);
+bool sharesPublicFolder(Store& store, const std::string& user) {
     const auto record = store.find(RecordPath{"users", user});
     const auto values = record ? store.values(*record, "sharedDir") : std::nullopt;
     return values && !values->empty() && values->front() == "Public";
 }
 
 /// Offers the user's Public folder, or takes the offer away, as a change has left the directory. `before` is
-/// the account as it was. Nothing is offered, and nothing complained of, where the account has none.
+/// the account as it was, and `wasShared` whether its folder was. Nothing is offered, and nothing complained
+/// of, where the account has none.
 Status followPublicFolder(const DirectoryPlace& place, const DirectoryChange& change,
-                          const platform::UserLine& before, const platform::AccountLimits& limits) {
+                          const platform::UserLine& before, bool wasShared,
+                          const platform::AccountLimits& limits) {
     const bool isDeletion = change.operation == "-delete" && !change.property;
     const bool isRenaming = change.property == "name";
     if (!isDeletion && !isRenaming && change.property != "sharedDir") {
@@ -87,8 +88,19 @@ Status followPublicFolder(const DirectoryPlace& place, const DirectoryChange& ch
     }
     PublicFolderOwner owner = ownerOf(before);
     owner.name = isRenaming && !change.values.empty() ? change.values.front() : before.name;
-    const bool isOffered = !isDeletion && sharesPublicFolder(place, owner.name) &&
-                           platform::whyNoPublicFolder(owner, limits.lowestUser, limits.highestUser).empty();
+    const bool canBeOffered =
+        platform::whyNoPublicFolder(owner, limits.lowestUser, limits.highestUser).empty();
+    if (!canBeOffered && !wasShared) {
+        return {}; // Samba is not asked: that takes longer than making a user
+    }
+    bool isOffered = false;
+    {
+        Store store(place.storeFile, Store::Opening::Existing, place.waitSeconds);
+        isOffered = !isDeletion && canBeOffered && sharesPublicFolder(store, owner.name);
+        if (!store.status().isOk()) {
+            return store.status();
+        }
+    }
     Status status = isOffered && !isRenaming ? Status() : platform::takePublicFolderAway(before.name);
     return status.isOk() && isOffered ? platform::offerPublicFolder(owner) : status;
 }
@@ -109,12 +121,14 @@ Status changeComputer(const DirectoryPlace& place, const DirectoryChange& change
     }
     const platform::UserLine* line = directory.accounts().findUser(path[1]);
     const auto before = line != nullptr ? std::optional(*line) : std::nullopt;
+    const bool wasShared = before && sharesPublicFolder(directory.store(), path[1]);
     Status status = ComputerUser(directory, change).run();
     if (status.isOk() && before) {
         status = directory.commit();
     }
-    return status.isOk() && before ? followPublicFolder(place, change, *before, directory.accounts().limits)
-                                   : status;
+    return status.isOk() && before
+               ? followPublicFolder(place, change, *before, wasShared, directory.accounts().limits)
+               : status;
 }
 
 Status setComputerPassword(const DirectoryPlace& place, const std::string& user,
