@@ -80,7 +80,7 @@ require_packages() {
 
 # Qt is wanted, but a machine that cannot have it still gets everything else.
 want_window_packages() {
-    install_missing window || say "Going on without the window."
+    install_missing window desktop || say "Going on without the window."
 }
 
 # build PRESET FOLDER [CMAKE_ARGUMENT...]: configures and builds; silent on standard output.
