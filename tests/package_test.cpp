@@ -82,6 +82,11 @@ TEST_F(Package, HasNoFaultAndRunsWhereDpkgInstalledIt) {
         "WAYLAND_DISPLAY=",         "BRINDLE_RESOURCES=", "BRINDLE_ROOT=" + (folder_ / "root").string()};
     run({program, "groups", "add", "friends", "--yes"}, environment); // by the installed helper
     EXPECT_NE(run({program, "--print", "groups"}, environment).find("friends"), std::string::npos);
+    // The address that Help leads to.
+    const std::string page = (computer / "usr/share/brindle/help/index.html").string();
+    EXPECT_NE(run({"cat", page}).find("<h1>Brindle: the guide</h1>"), std::string::npos);
+    run({"grep", "-q", "<string>help/index.html</string>",
+         (computer / "usr/share/brindle/Info.plist").string()});
     run({program, "--snapshot", (folder_ / "pictures").string()}, environment);
     EXPECT_TRUE(fs::exists(folder_ / "pictures/shares.png"));
 }

@@ -13,6 +13,7 @@
 #include "frontends/qt/WindowInquiries.h"
 #include "frontends/qt/WindowReview.h"
 #include "platform/foundation/Host.h"
+#include "platform/foundation/NSBundle.h"
 #include "platform/foundation/NSLog.h"
 
 #include <QApplication>
@@ -31,6 +32,14 @@ namespace {
 /// An action of many runs asks before each of them. One refusal may be a slip; a second one is meant for all
 /// that is left of the action.
 constexpr int refusalsThatHold = 2;
+
+/// An address without a scheme is that of a file that comes with Brindle.
+QUrl urlOf(const std::string& address) {
+    const QUrl url(shown(address));
+    return url.isRelative()
+               ? QUrl::fromLocalFile(shown(NSBundle::mainBundle().resourcePath() + "/" + address))
+               : url;
+}
 
 } // namespace
 
@@ -153,7 +162,7 @@ void QtPresenter::beep() {
 }
 
 void QtPresenter::openAddress(const std::string& address) {
-    if (asks() && !QDesktopServices::openUrl(QUrl(shown(address)))) {
+    if (asks() && !QDesktopServices::openUrl(urlOf(address))) {
         NSLog("The address %@ could not be opened: no application on this computer opens it.", address);
     }
 }
