@@ -1,12 +1,15 @@
 #include "frontends/qt/TableView.h"
 
-#include "frontends/qt/CellText.h"
 #include "platform/appkit/NSApplication.h"
+#include "platform/foundation/NSBundle.h"
+#include "platform/foundation/NSString.h"
+#include "platform/foundation/NSUserDefaults.h"
 
-#include <QApplication>
+#include <QClipboard>
+#include <QContextMenuEvent>
+#include <QGuiApplication>
 #include <QHeaderView>
 #include <QMenu>
-#include <QStyle>
 #include <QStyledItemDelegate>
 
 #include <algorithm>
@@ -32,7 +35,10 @@ class CellDelegate : public QStyledItemDelegate {
 };
 
 /// The rows as ranges of the model, one for each run of neighbours.
-QItemSelection selectionOf(const TableModel& model, std::span<const int> rows) {
+QItemSelection selectionOf(const TableModel& model, std::span<const int> selected) {
+    std::vector<int> rows(selected.size());
+    std::ranges::transform(selected, rows.begin(), [&model](int row) { return model.placeOf(row); });
+    std::ranges::sort(rows);
     QItemSelection selection;
     for (std::size_t first = 0; first < rows.size();) {
         std::size_t last = first;
@@ -46,11 +52,11 @@ QItemSelection selectionOf(const TableModel& model, std::span<const int> rows) {
     return selection;
 }
 
-std::vector<int> rowsOf(const QItemSelection& selection) {
+std::vector<int> rowsOf(const TableModel& model, const QItemSelection& selection) {
     std::vector<int> rows;
     for (const QItemSelectionRange& range : selection) {
         for (int row = range.top(); row <= range.bottom(); ++row) {
-            rows.push_back(row);
+            rows.push_back(model.rowAt(row));
         }
     }
     std::sort(rows.begin(), rows.end());
@@ -59,67 +65,6 @@ std::vector<int> rowsOf(const QItemSelection& selection) {
 }
 
 } // namespace
-
-TableModel::TableModel(NSTableView& table) : table_(table), rows_(table.numberOfRows()) {}
-
-int TableModel::rowCount(const QModelIndex& parent) const {
-    return parent.isValid() ? 0 : rows_;
-}
-
-int TableModel::columnCount(const QModelIndex& parent) const {
-    return parent.isValid() ? 0 : static_cast<int>(table_.tableColumns().size());
-}
-
-QVariant TableModel::data(const QModelIndex& index, int role) const {
-    const bool isMarked = role == Qt::DecorationRole && index.column() == 0;
-    const bool isSpoken = role == Qt::AccessibleTextRole;
-    if (role != Qt::DisplayRole && role != Qt::ToolTipRole && !isMarked && !isSpoken) {
-        return {};
-    }
-    if (role != Qt::DisplayRole && !isSpoken && remarkOfRow_) {
-        if (const QString remark = remarkOfRow_(index.row()); !remark.isEmpty()) {
-            return isMarked ? QVariant(QApplication::style()->standardIcon(QStyle::SP_MessageBoxWarning))
-                            : QVariant(remark.toHtmlEscaped());
-        }
-    }
-    if (isMarked) {
-        return {};
-    }
-    const auto& column = table_.tableColumns().at(static_cast<std::size_t>(index.column()));
-    const std::string value = table_.objectValue(column, index.row());
-    if (isSpoken) {
-        const QString spoken = spokenCellText(column, value);
-        return spoken.isNull() ? QVariant() : QVariant(spoken);
-    }
-    QString text = cellText(column, value);
-    // A tool tip would render text that looks like HTML; a name is shown verbatim.
-    return role == Qt::ToolTipRole ? text.toHtmlEscaped() : text;
-}
-
-QVariant TableModel::headerData(int section, Qt::Orientation orientation, int role) const {
-    if (orientation != Qt::Horizontal) {
-        return {};
-    }
-    if (role == Qt::TextAlignmentRole) {
-        return QVariant(Qt::AlignLeft | Qt::AlignVCenter);
-    }
-    return role == Qt::DisplayRole
-               ? QVariant(shown(table_.tableColumns().at(static_cast<std::size_t>(section)).title))
-               : QVariant();
-}
-
-bool TableModel::reload() {
-    if (rows_ == table_.numberOfRows()) {
-        if (rows_ > 0) {
-            dataChanged(index(0, 0), index(rows_ - 1, columnCount() - 1), {Qt::DisplayRole});
-        }
-        return false;
-    }
-    beginResetModel();
-    rows_ = table_.numberOfRows();
-    endResetModel();
-    return true;
-}
 
 TableView::TableView(NSTableView& table, const std::string& nameColumn, RefreshQueue& queue)
     : table_(table), queue_(queue), model_(table) {
@@ -159,15 +104,38 @@ void TableView::setUpHeader() {
     header->setMinimumSectionSize(smallestColumn);
     header->setStretchLastSection(true);
     header->setContextMenuPolicy(Qt::CustomContextMenu);
+    header->setSectionsMovable(true);
+    header->setSortIndicatorClearable(true); // a third click brings the list's own order back
+    header->setSortIndicator(-1, Qt::AscendingOrder);
+    header->setSectionsClickable(true);
+    header->setSortIndicatorShown(true);
     int section = 0;
     for (const NSTableColumn& column : table_.tableColumns()) {
         setColumnHidden(section, column.hidden);
         setColumnWidth(section, column.width);
         ++section;
     }
+    restoreColumns();
     connect(header, &QHeaderView::customContextMenuRequested, this, &TableView::showColumnMenu);
-    connect(header, &QHeaderView::sectionResized, this,
-            [this] { widthsAreUsers_ = widthsAreUsers_ || (!loading_ && horizontalHeader()->underMouse()); });
+    connect(header, &QHeaderView::sectionResized, this, [this] {
+        if (!loading_ && horizontalHeader()->underMouse()) {
+            widthsAreUsers_ = true;
+            remembering_.start();
+        }
+    });
+    connect(header, &QHeaderView::sectionMoved, &remembering_, qOverload<>(&QTimer::start));
+    connect(header, &QHeaderView::sortIndicatorChanged, this, [this](int column, Qt::SortOrder order) {
+        loading_ = true;
+        model_.sort(column, order);
+        loading_ = false;
+        shownSelection_.clear();
+        loadSelection();
+        remembering_.start();
+    });
+    constexpr int settled = 300; // milliseconds: a width changes with every step of the mouse
+    remembering_.setSingleShot(true);
+    remembering_.setInterval(settled);
+    connect(&remembering_, &QTimer::timeout, this, &TableView::rememberColumns);
 }
 
 void TableView::resizeEvent(QResizeEvent* event) {
@@ -191,24 +159,6 @@ void TableView::shareWidth() {
         setColumnWidth(section, room > wanted * tightest / 100 ? width * room / wanted : width);
     }
     loading_ = false;
-}
-
-void TableView::showColumnMenu(const QPoint& position) {
-    QMenu menu;
-    for (int section = 0; section < model_.columnCount(); ++section) {
-        QAction* action =
-            menu.addAction(title(table_.tableColumns()[static_cast<std::size_t>(section)].title));
-        action->setCheckable(true);
-        action->setChecked(!isColumnHidden(section));
-        // A table without a column could not be given one again: it would have no header to click.
-        action->setEnabled(isColumnHidden(section) ||
-                           horizontalHeader()->hiddenSectionCount() + 1 < model_.columnCount());
-        connect(action, &QAction::toggled, this, [this, section](bool on) {
-            setColumnHidden(section, !on);
-            shareWidth();
-        });
-    }
-    menu.exec(horizontalHeader()->mapToGlobal(position));
 }
 
 void TableView::reload() {
@@ -261,15 +211,16 @@ void TableView::dropRenamedRows() {
 }
 
 void TableView::loadSelection() {
-    if (shownSelection_ == table_.selectedRows() || model_.rowCount() != table_.numberOfRows()) {
+    if (shownSelection_ == table_.selectedRows() || model_.length() != table_.numberOfRows()) {
         return; // the second: a reload is waiting, which loads the selection as well
     }
     shownSelection_ = table_.selectedRows();
     loading_ = true;
+    model_.keepSelectedInView();
     selectionModel()->select(selectionOf(model_, shownSelection_),
                              QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
     if (!shownSelection_.empty()) {
-        const QModelIndex first = model_.index(shownSelection_.front(), firstShownColumn());
+        const QModelIndex first = model_.index(model_.placeOf(shownSelection_.front()), firstShownColumn());
         selectionModel()->setCurrentIndex(first, QItemSelectionModel::NoUpdate);
         scrollTo(first);
     }
@@ -288,7 +239,7 @@ void TableView::userSelected() {
     if (loading_) {
         return;
     }
-    shownSelection_ = rowsOf(selectionModel()->selection());
+    shownSelection_ = rowsOf(model_, selectionModel()->selection());
     dispatchUserEvent(queue_, [this] { table_.selectRows(shownSelection_); });
     loadSelection();
 }

@@ -5,6 +5,7 @@
 #include "frontends/qt/EmptyNote.h"
 #include "frontends/qt/FieldHints.h"
 #include "frontends/qt/FieldProblems.h"
+#include "frontends/qt/FilterField.h"
 #include "frontends/qt/LineEdit.h"
 #include "frontends/qt/NodeAttributes.h"
 #include "frontends/qt/PopUp.h"
@@ -18,6 +19,7 @@
 #include <QGridLayout>
 #include <QGroupBox>
 #include <QHBoxLayout>
+#include <QMenu>
 #include <QVBoxLayout>
 
 #include <algorithm>
@@ -153,6 +155,12 @@ QWidget* WidgetBuilder::makeKind(const InterfaceNode& node) {
 QWidget* WidgetBuilder::makeTable(const InterfaceNode& node) {
     auto* table = modelOf<NSTableView>(node);
     auto* view = new TableView(*table, node.attribute("nameColumn"), queue_);
+    QObject::connect(view, &TableView::editAsked, view,
+                     [this, table] { actions_.useButtonOf(table->name(), "edit"); });
+    QObject::connect(view, &TableView::deletionAsked, view,
+                     [this, table] { actions_.useButtonOf(table->name(), "delete"); });
+    QObject::connect(view, &TableView::menuAsked, view,
+                     [this, table](QMenu& menu) { actions_.addButtonsOf(table->name(), menu); });
     new Binding(view, queue_, table->changed, [this, table] {
         actions_.turnOffBoxesWithoutRow(*table);
         actions_.showNothingForMissingNumbers(*table);
@@ -319,6 +327,11 @@ void WidgetBuilder::addTo(QBoxLayout& layout, const InterfaceNode& node) {
         return;
     }
     QWidget* widget = make(node);
+    if (auto* table = qobject_cast<TableView*>(widget)) {
+        auto* filter = new FilterField(*table);
+        filter->setObjectName(table->objectName() + QLatin1String("Filter"));
+        layout.addWidget(filter);
+    }
     const bool isRow = layout.direction() == QBoxLayout::LeftToRight;
     // A control keeps its own width in a column: a button as wide as the window is hard to look at.
     const bool keepsWidth = !isRow && !takesRoom(node, false) && node.kind != Kind::Label && !isLayout(node);

@@ -12,6 +12,8 @@
 #include "platform/appkit/NSWindow.h"
 #include "platform/foundation/NSBundle.h"
 
+#include <QMenu>
+
 #include <algorithm>
 #include <filesystem>
 #include <system_error>
@@ -91,6 +93,20 @@ void WindowActions::useButtonOf(const std::string& table, const std::string& rol
     });
     if (found != nullptr) {
         use(*found);
+    }
+}
+
+void WindowActions::addButtonsOf(const std::string& table, QMenu& menu) {
+    visitNodes(interface_.root(), [&](const InterfaceNode& each) {
+        const auto* button = modelOf<NSButton>(each);
+        const std::string& role = each.attribute("role");
+        if (button != nullptr && (role == "edit" || role == "delete") && each.attribute("reverts") == table) {
+            QAction* entry = menu.addAction(::title(button->title()), [this, &each] { use(each); });
+            entry->setEnabled(button->isEnabled());
+        }
+    });
+    if (!menu.isEmpty()) {
+        menu.addSeparator();
     }
 }
 

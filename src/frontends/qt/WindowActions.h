@@ -10,6 +10,7 @@
 #include <vector>
 
 class NSTableView;
+class QMenu;
 
 /// What the window does with a click on a button or menu item before, beside and after the control's own
 /// action: what the interface file's attributes ask of the window alone. One an interface; a script follows
@@ -29,6 +30,9 @@ class WindowActions {
     /// The enabled button of that role ("new", "edit", "delete") for the table of that name is used, as if it
     /// had been clicked; nothing where there is none.
     void useButtonOf(const std::string& table, const std::string& role);
+
+    /// Adds an entry for each button that edits or deletes a row of that table.
+    void addButtonsOf(const std::string& table, QMenu& menu);
 
     /// Begins a new row of that table with these texts in its editor's fields, as if a user had typed them.
     void beginWith(const std::string& table,

@@ -47,6 +47,21 @@ std::optional<std::int32_t> NSUserDefaults::integerForKey(const std::string& key
 void NSUserDefaults::setInteger(std::int32_t value, const std::string& key) {
     readOnce();
     values_->setInt(value, key);
+    write();
+}
+
+std::optional<std::string> NSUserDefaults::stringForKey(const std::string& key) const {
+    readOnce();
+    return values_->stringForKey(key);
+}
+
+void NSUserDefaults::setString(const std::string& value, const std::string& key) {
+    readOnce();
+    values_->setString(value, key);
+    write();
+}
+
+void NSUserDefaults::write() const {
     if (path_.empty() || !mayWrite_) {
         return;
     }

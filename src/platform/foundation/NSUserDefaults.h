@@ -23,7 +23,12 @@ class NSUserDefaults {
     /// the reason; a file that exists and is not a property list is left alone.
     void setInteger(std::int32_t value, const std::string& key);
 
+    /// The same for a string.
+    [[nodiscard]] std::optional<std::string> stringForKey(const std::string& key) const;
+    void setString(const std::string& value, const std::string& key);
+
   private:
+    void write() const;
     void readOnce() const;
 
     std::string path_;

@@ -1,0 +1,108 @@
+#include "frontends/qt/TableView.h"
+
+#include "frontends/qt/CellText.h"
+
+#include <QApplication>
+#include <QStyle>
+
+#include <algorithm>
+
+TableModel::TableModel(NSTableView& table)
+    : table_(table), length_(table.numberOfRows()),
+      rows_(
+          [&table](int row, int column) {
+              const auto& shownAs = table.tableColumns()[static_cast<std::size_t>(column)];
+              const std::string value = table.objectValue(shownAs, row);
+              return shownAs.display.empty() ? value : cellText(shownAs, value).toStdString();
+          },
+          static_cast<int>(table.tableColumns().size())) {
+    rows_.setLength(length_);
+}
+
+int TableModel::rowCount(const QModelIndex& parent) const {
+    return parent.isValid() ? 0 : rows_.count();
+}
+
+int TableModel::columnCount(const QModelIndex& parent) const {
+    return parent.isValid() ? 0 : static_cast<int>(table_.tableColumns().size());
+}
+
+QVariant TableModel::data(const QModelIndex& index, int role) const {
+    const bool isMarked = role == Qt::DecorationRole && index.column() == 0;
+    const bool isSpoken = role == Qt::AccessibleTextRole;
+    if (role != Qt::DisplayRole && role != Qt::ToolTipRole && !isMarked && !isSpoken) {
+        return {};
+    }
+    if (role != Qt::DisplayRole && !isSpoken && remarkOfRow_) {
+        if (const QString remark = remarkOfRow_(rowAt(index.row())); !remark.isEmpty()) {
+            return isMarked ? QVariant(QApplication::style()->standardIcon(QStyle::SP_MessageBoxWarning))
+                            : QVariant(remark.toHtmlEscaped());
+        }
+    }
+    if (isMarked) {
+        return {};
+    }
+    const auto& column = table_.tableColumns().at(static_cast<std::size_t>(index.column()));
+    const std::string value = table_.objectValue(column, rowAt(index.row()));
+    if (isSpoken) {
+        const QString spoken = spokenCellText(column, value);
+        return spoken.isNull() ? QVariant() : QVariant(spoken);
+    }
+    QString text = cellText(column, value);
+    // A tool tip would render text that looks like HTML; a name is shown verbatim.
+    return role == Qt::ToolTipRole ? text.toHtmlEscaped() : text;
+}
+
+QVariant TableModel::headerData(int section, Qt::Orientation orientation, int role) const {
+    if (orientation != Qt::Horizontal) {
+        return {};
+    }
+    if (role == Qt::TextAlignmentRole) {
+        return QVariant(Qt::AlignLeft | Qt::AlignVCenter);
+    }
+    return role == Qt::DisplayRole
+               ? QVariant(shown(table_.tableColumns().at(static_cast<std::size_t>(section)).title))
+               : QVariant();
+}
+
+bool TableModel::reload() {
+    if (length_ == table_.numberOfRows() && !isArranged_) {
+        if (length_ > 0) {
+            dataChanged(index(0, 0), index(length_ - 1, columnCount() - 1), {Qt::DisplayRole});
+        }
+        return false;
+    }
+    beginResetModel();
+    length_ = table_.numberOfRows();
+    rows_.setLength(length_);
+    rows_.arrange(table_.selectedRows());
+    endResetModel();
+    return true;
+}
+
+void TableModel::sort(int column, Qt::SortOrder order) {
+    rows_.setOrder(column, order == Qt::DescendingOrder);
+    isArranged_ = column >= 0 || rows_.isFiltered();
+    rearrange();
+}
+
+void TableModel::setFilter(const std::string& text) {
+    rows_.setFilter(text);
+    isArranged_ = isArranged_ || rows_.isFiltered();
+    rearrange();
+}
+
+bool TableModel::keepSelectedInView() {
+    const auto& selected = table_.selectedRows();
+    if (std::ranges::all_of(selected, [this](int row) { return placeOf(row) >= 0; })) {
+        return false;
+    }
+    rearrange();
+    return true;
+}
+
+void TableModel::rearrange() {
+    beginResetModel();
+    rows_.arrange(table_.selectedRows());
+    endResetModel();
+}
