@@ -120,6 +120,7 @@ TEST_F(Commands, EndWithAStatusThatTellsWhatIsMissing) {
                  {"shares add Other /no/such/folder --yes", 1, "there is no folder /no/such/folder"},
                  {"shares set Docs --owner zoe --yes", 1, "there is no user \"zoe\""},
                  {"smb set max-connections many --yes", 1, "max-connections cannot be"},
+                 {"afp set max-guests 12abc --yes", 1, "max-guests cannot be"},
                  {"smb set workgroup", 2, "each setting needs a value"},
                  {"groups add crew --gid 7200", 3, "Are you sure"},
                  {"users add zoe --yes", 3, "--password-stdin"},

@@ -171,7 +171,7 @@ TEST_P(OneUndo, ADamagedEntryIsNamedAndHidesNoOther) {
     bytes.at(bytes.find("\x03run")) =
         '\xff'; // a length of the entry that stands first in the file, the newest
     host.write("history.db", bytes);
-    EXPECT_EQ(titles(), (std::vector<std::string>{"2 Taken back: Group \"crew\" created damaged",
+    EXPECT_EQ(titles(), (std::vector<std::string>{"2 Taken back: Group \"crew\" created failed",
                                                   "1 Group \"crew\" created undone"}));
     EXPECT_EQ(undo(2), "What it did cannot be read: the history is damaged there.");
 }

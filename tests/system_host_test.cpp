@@ -80,9 +80,9 @@ TEST(SystemHost, SaysWhereTheServerListens) {
     const char* const six = "   0: 00000000000000000000000001000000:01BD 0:0 0A\n";
     EXPECT_EQ(platform::listeningPlaces(six), std::vector<std::string>{"[::1]:445"});
     const std::string text = platform::serverText({7, 1764072000, {"*:445", "*:139"}});
-    EXPECT_TRUE(text.starts_with("The SMB server runs since 2025-11-2")) << text;
-    EXPECT_TRUE(text.ends_with("listens at *:445, *:139.")) << text;
-    EXPECT_NE(platform::serverText({}).find("does not run"), std::string::npos);
+    EXPECT_TRUE(text.starts_with("The SMB server has been running since 2025-11-2")) << text;
+    EXPECT_TRUE(text.ends_with("listening on *:445, *:139.")) << text;
+    EXPECT_NE(platform::serverText({}).find("is not running"), std::string::npos);
 }
 
 TEST(SystemHost, HasTheServerStartedByWhatRunsTheComputersServices) {

@@ -65,7 +65,7 @@ TEST_F(SystemShares, KeepWhatSomebodyElseWritesMeanwhile) {
     // Between the start and the action, as an editor would.
     const std::string music = "\n[Music]\n   path = /srv/music ; all of it\n";
     Conversation session({"/usr/sbin/runuser", "-u", "chief", "--", "env", "HOME=/home/chief", "LC_ALL=C",
-                          "stdbuf", "-oL", prefix + "/bin/brindle", "--system", "--script", "-"});
+                          prefix + "/bin/brindle", "--system", "--script", "-"});
     EXPECT_EQ(session.ask("answer Donation Cancel\nstart\nshow shareName", "shareName"), "shareName \"\"");
     EXPECT_TRUE(platform::writeWholeFile(smbConf, contents(smbConf) + music).isOk());
     EXPECT_TRUE(contains(session.ask(makeDocs() + "show shareName", "shareName"), "Docs"));

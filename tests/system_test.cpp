@@ -199,6 +199,8 @@ TEST_F(SystemAccounts, StayAsTheyAreWhereBrindleMayNotOrCannotChangeThem) {
         {{"-append", "/groups/daemon", "users", "guest"}, "a group of the system"},
         {{"-delete", "/groups/daemon"}, "a group of the system"},
         {{"-create", "/groups/guest", "name", "boss"}, "there is an account called boss"},
+        {{"-delete", "/users/none/guest"}, "name the account alone"},
+        {{"-append", "/groups/none/guest", "users", "boss"}, "name the account alone"},
     };
     for (const auto& [words, part] : cases) {
         const std::string complaint = nicl(words);
@@ -214,6 +216,8 @@ TEST_F(SystemAccounts, StayAsTheyAreWhereBrindleMayNotOrCannotChangeThem) {
     EXPECT_EQ(nicl({"-create", "/users/root", "uid", "0"}), "") << "nothing is to be changed";
     EXPECT_EQ(nicl({"-create", "/users/new", "uid", "501"}), "") << "a number that nobody has";
     EXPECT_EQ(nicl({"-create", "/users/new", "realname", "N"}), "") << "Brindle has made it";
+    EXPECT_EQ(nicl({"-delete", "/users/guest"}), "");
+    EXPECT_EQ(line("/etc/group", "guest"), "guest:x:1401:") << "the user's record alone is to go";
 }
 
 TEST_F(SystemAccounts, InheritNothingFromAnAccountThatIsGone) {

@@ -1,19 +1,33 @@
 # Completion of brindle for bash. Names of shares, users and groups are asked of Brindle itself.
 
-_brindle_names() {
-    # The first column of a list; the host that the line names so far.
-    local index host=()
+_brindle_ask() {
+    # What brindle answers on the host that the line names so far.
+    local index root="${BRINDLE_ROOT:-${XDG_DATA_HOME:-$HOME/.local/share}/brindle}" host=()
     for ((index = 1; index < COMP_CWORD; index++)); do
         case "${COMP_WORDS[index]}" in
-            --system) host+=(--system) ;;
-            --root) host+=(--root "${COMP_WORDS[index + 1]}") ;;
+            --system) host=(--system) ;;
+            --root)
+                root="${COMP_WORDS[index + 1]}"
+                [[ "$root" != "~" && "$root" != "~/"* ]] || root="$HOME${root:1}"
+                host=(--root "$root")
+                ;;
         esac
     done
-    # To ask for a name must not make a root.
-    if [ "${#host[@]}" -eq 0 ] && [ ! -e "${BRINDLE_ROOT:-${XDG_DATA_HOME:-$HOME/.local/share}/brindle}/directory.db" ]; then
+    # To ask must not make a root.
+    if [ "${host[0]-}" != --system ] && [ ! -e "$root/directory.db" ]; then
         return
     fi
-    brindle "${host[@]}" "$1" list 2>/dev/null </dev/null | cut -f 1
+    brindle "${host[@]}" "$@" 2>/dev/null </dev/null
+}
+
+_brindle_names() {
+    _brindle_ask "$1" list | cut -f 1
+}
+
+_brindle_files() {
+    # Of these bash itself quotes the names and adds the slash.
+    compopt -o filenames 2>/dev/null
+    COMPREPLY=($(compgen "$1" -- "$word"))
 }
 
 _brindle_reply() {
@@ -55,8 +69,8 @@ _brindle() {
         --owner-may | --group-may | --everyone-may) _brindle_reply <<<$'rw\nr\nw\nnone'; return ;;
         --uid | --gid) _brindle_reply <<<next; return ;;
         --print) _brindle_reply <<<$'shares\nusers\ngroups'; return ;;
-        --root | --snapshot | --folder) COMPREPLY=($(compgen -d -- "$word")); return ;;
-        --script) COMPREPLY=($(compgen -f -- "$word")); return ;;
+        --root | --snapshot | --folder) _brindle_files -d; return ;;
+        --script) _brindle_files -f; return ;;
     esac
 
     if [[ "$word" == -* ]]; then
@@ -103,7 +117,7 @@ _brindle() {
                 return
             fi
             case "$noun $verb" in
-                "shares add") [ "$count" -eq 1 ] && COMPREPLY=($(compgen -d -- "$word")) ;;
+                "shares add") [ "$count" -eq 1 ] && _brindle_files -d ;;
                 "shares show" | "shares set" | "shares remove") _brindle_reply < <(_brindle_names shares) ;;
                 "users show" | "users set" | "users remove" | "users password" | "public "*)
                     _brindle_reply < <(_brindle_names users)
@@ -119,7 +133,7 @@ _brindle() {
                 "servers restart") _brindle_reply <<<$'smb\nafp' ;;
                 "smb set" | "afp set")
                     if [ $((count % 2)) -eq 0 ]; then
-                        _brindle_reply < <(brindle "$noun" show 2>/dev/null </dev/null | cut -d : -f 1)
+                        _brindle_reply < <(_brindle_ask "$noun" show | cut -d : -f 1)
                     fi
                     ;;
             esac
@@ -127,4 +141,4 @@ _brindle() {
     esac
 }
 
-complete -o filenames -F _brindle brindle
+complete -F _brindle brindle

@@ -1,19 +1,21 @@
 # Completion of brindle for fish. Names of shares, users and groups are asked of Brindle itself.
 
 function __brindle_names
-    set -l host
     set -l words (commandline -opc)
-    contains -- --system $words; and set host --system
+    set -l data $HOME/.local/share
+    set -q XDG_DATA_HOME; and set data $XDG_DATA_HOME
+    set -l root $data/brindle
+    set -q BRINDLE_ROOT; and set root $BRINDLE_ROOT
+    set -l host
     if set -l at (contains -i -- --root $words)
-        set host --root $words[(math $at + 1)]
+        set root (string replace -r '^~(?=/|$)' $HOME -- $words[(math $at + 1)])
+        set host --root $root
     end
     # To ask for a name must not make a root.
-    if test (count $host) -eq 0
-        set -l data $HOME/.local/share
-        set -q XDG_DATA_HOME; and set data $XDG_DATA_HOME
-        set -l root $data/brindle
-        set -q BRINDLE_ROOT; and set root $BRINDLE_ROOT
-        test -e $root/directory.db; or return
+    if contains -- --system $words
+        set host --system
+    else if not test -e $root/directory.db
+        return
     end
     brindle $host $argv[1] list 2>/dev/null </dev/null | cut -f 1
 end

@@ -271,6 +271,7 @@ Result<int> runCommand(const Options& options) {
         }
         application.launch();
         application.reviewer()->setQuestion(&review::Reviewer::askAboutWarnings);
+        application.reviewer()->setRefusesWithoutDirectory(true);
     }
     presenter->begin();
     const int status = frontend::CommandRun({options.command, *presenter, application.reviewer(),

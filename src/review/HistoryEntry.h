@@ -76,7 +76,7 @@ struct HistoryEntry {
     [[nodiscard]] bool canComeBack() const { return !records.empty() || !files.empty() || !folders.empty(); }
 };
 
-/// "done", "failed", "undone" or "damaged".
+/// "done", "failed" or "undone"; a damaged entry has failed.
 [[nodiscard]] const char* outcomeOf(const HistoryEntry& entry);
 /// "2026-11-25T14:03:07Z".
 [[nodiscard]] std::string timeOf(const HistoryEntry& entry);

@@ -1,5 +1,6 @@
 #include "review/HistoryEntry.h"
 
+#include "model/SMBConf.h"
 #include "platform/foundation/NSBundle.h"
 #include "platform/foundation/NSString.h"
 #include "platform/foundation/SystemPaths.h"
@@ -70,18 +71,19 @@ struct Happening {
     }
 };
 
-/// The sections of smb.conf with their lines.
+/// The sections of smb.conf with what they say, however it is written.
 std::map<std::string, std::string> sectionsOf(const std::optional<std::string>& text) {
     std::map<std::string, std::string> sections;
-    std::string name = "global";
-    std::string_view rest = text ? std::string_view(*text) : std::string_view();
-    while (!rest.empty()) {
-        const std::string_view line = rest.substr(0, rest.find('\n'));
-        rest.remove_prefix(std::min(rest.size(), line.size() + 1));
-        if (line.starts_with('[') && line.find(']') != std::string_view::npos) {
-            name = line.substr(1, line.find(']') - 1);
-        } else if (!line.empty()) {
-            sections[name].append(line).push_back('\n');
+    const auto model = SMBConf::ofText(text.value_or(""));
+    for (const auto& entry : model->Entries()) {
+        if (entry->Type() == SMBGroup) {
+            for (const SMBPair& pair : entry->Props()) {
+                sections[entry->ShareName()]
+                    .append(pair.Name.str())
+                    .append("=")
+                    .append(pair.Value.str())
+                    .push_back('\n');
+            }
         }
     }
     return sections;
@@ -150,10 +152,7 @@ bool isSameRecord(const RecordChange::State& one, const RecordChange::State& oth
 }
 
 const char* outcomeOf(const HistoryEntry& entry) {
-    if (entry.isDamaged) {
-        return "damaged";
-    }
-    return entry.isUndone ? "undone" : (entry.hasFailed ? "failed" : "done");
+    return entry.isUndone ? "undone" : (entry.hasFailed || entry.isDamaged ? "failed" : "done");
 }
 
 std::string timeOf(const HistoryEntry& entry) {

@@ -14,7 +14,8 @@ namespace review {
 struct PlannedAsk {
     std::string title;
     std::string message;
-    std::string button; ///< the title of the button that the plan presses
+    std::string button;     ///< the title of the button that the plan presses
+    bool isQuestion = true; ///< false: it only tells something, and has that button alone
 };
 
 /// A tool run as the presenter is told of it: a password is "********".

@@ -32,7 +32,8 @@ platform::AlertAnswer PlanPresenter::runAlert(const platform::Alert& alert) {
         answer = platform::AlertAnswer::Other;
         button = yes;
     }
-    plan_.asks.push_back({alert.title, alert.message, button});
+    plan_.asks.push_back({alert.title, alert.message, button,
+                          alert.alternateButton.has_value() || alert.otherButton.has_value()});
     return answer;
 }
 

@@ -64,8 +64,9 @@ std::string sentenceOf(const PlannedRun& run) {
 std::vector<std::string> sentencesOf(const Plan& plan) {
     std::vector<std::string> sentences;
     for (const PlannedAsk& ask : plan.asks) {
-        sentences.push_back(
-            sentence("Ask \"%@\", which counts as answered with \"%@\".", ask.title, ask.button));
+        sentences.push_back(ask.isQuestion ? sentence("Ask \"%@\", which counts as answered with \"%@\".",
+                                                      ask.title, ask.button)
+                                           : sentence("Tell \"%@\".", ask.title));
     }
     for (const PlannedRun& run : plan.runs) {
         sentences.push_back(sentenceOf(run));

@@ -62,6 +62,11 @@ void compare(const WorkingCopy& copy, Plan* plan) {
     }
 }
 
+/// Whether the operation changes the settings files alone, and so needs no copy of the directory.
+bool isOfSettings(const std::string& operation) {
+    return operation == "updateAFSProperties:" || operation == "updateSMBProperties:";
+}
+
 /// Works the plan out on a copy that was made. Throws what keeps the application from being copied.
 void workOut(const platform::Interface& main, const std::shared_ptr<WorkingCopy>& copy,
              const RehearsedAction& action, PlanDepth depth, Plan* plan) {
@@ -88,7 +93,8 @@ Plan planOf(const platform::Interface& main, const std::string& operation, const
             PlanDepth depth) {
     Plan plan;
     plan.operation = operation;
-    const auto copy = WorkingCopy::make(&plan.lacksDirectory);
+    const auto copy = isOfSettings(operation) ? WorkingCopy::makeWithoutDirectory()
+                                              : WorkingCopy::make(&plan.lacksDirectory);
     if (!copy.isOk()) {
         plan.failure = copy.status().text();
         return plan;

@@ -160,7 +160,7 @@ OSStatus Recorder::execute(platform::AuthorizationSession& session, const std::s
 
 void Recorder::note(const std::string& tool, std::span<const std::string> arguments) {
     const auto noteRecord = [&](const std::string& path) {
-        if (std::ranges::find(entry_.records, path, &RecordChange::path) == entry_.records.end()) {
+        if (notedRecords_.insert(path).second) {
             entry_.records.push_back({path, std::nullopt, std::nullopt});
         }
     };
@@ -206,6 +206,7 @@ void Recorder::endAction() {
     }
     before_.reset();
     entry_ = {};
+    notedRecords_.clear();
     setsPassword_ = false;
     undoFailed_ = false;
 }

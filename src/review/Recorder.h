@@ -7,6 +7,7 @@
 #include <memory>
 #include <set>
 #include <string>
+#include <unordered_set>
 
 namespace review {
 
@@ -48,8 +49,9 @@ class Recorder : public platform::Authority, public platform::PendingWrites {
     std::shared_ptr<platform::Authority> authority_;
     std::shared_ptr<platform::PendingWrites> pending_; ///< may be null
     HistoryStore store_;
-    std::unique_ptr<Before> before_; ///< null before the action's first run
-    HistoryEntry entry_;             ///< of the action that is under way
+    std::unique_ptr<Before> before_;               ///< null before the action's first run
+    HistoryEntry entry_;                           ///< of the action that is under way
+    std::unordered_set<std::string> notedRecords_; ///< those that it names
     bool setsPassword_ = false;
     bool undoFailed_ = false;
 };

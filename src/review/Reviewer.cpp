@@ -40,9 +40,10 @@ constexpr std::array<std::string_view, 17> writingOperations = {"createShare:",
                                                                 "updateAFSProperties:",
                                                                 "updateSMBProperties:"};
 
-/// Those whose tools change the settings files alone.
-constexpr std::array<std::string_view, 2> settingsOperations = {"updateAFSProperties:",
-                                                                "updateSMBProperties:"};
+/// Whoever wants something gone is never kept from trying.
+bool isDeleting(std::string_view operation) {
+    return operation.starts_with("delete") || operation == "removeUserFromGroup:";
+}
 
 /// It asks a server on the network, which no plan may do, and changes nothing.
 constexpr std::string_view networkOperation = "checkForNewVersion:";
@@ -213,9 +214,7 @@ bool Reviewer::mayPerform(const NSControl& sender) const {
         return true;
     }
     Plan plan = question_ ? planAction(sender) : planSteps(sender);
-    if (plan.lacksDirectory &&
-        std::ranges::find(settingsOperations, plan.operation) == settingsOperations.end()) {
-        // It was waited for, and every run would wait again and fail.
+    if (plan.lacksDirectory && refusesWithoutDirectory_ && !isDeleting(plan.operation)) {
         plan.blocks.push_back({"directory", plan.failure});
     }
     if (!plan.blocks.empty()) {

@@ -68,6 +68,10 @@ class Reviewer {
     /// Shows why a blocked action cannot be done. At first the alert "Not Possible" does.
     void setBlockedHandler(Handler handler) { showBlocked_ = std::move(handler); }
 
+    /// Whether an action that makes or changes something is refused while the directory cannot be read: it
+    /// was waited for, and every run would wait again and fail. At first it is not: the tools report it.
+    void setRefusesWithoutDirectory(bool refuses) { refusesWithoutDirectory_ = refuses; }
+
     /// Asked before an action that writes and is not blocked, warnings or none, and also where there is no
     /// plan (Plan::failure); false: it is not performed. At first nothing is asked.
     void setQuestion(Question question) { question_ = std::move(question); }
@@ -86,6 +90,7 @@ class Reviewer {
     const platform::Interface& main_;
     Handler showBlocked_;
     Question question_;
+    bool refusesWithoutDirectory_ = false;
     mutable std::string textBefore_; ///< smb.conf as the model knew it before the action
 };
 

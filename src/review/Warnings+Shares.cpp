@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <array>
 #include <map>
+#include <set>
 
 namespace review {
 
@@ -137,12 +138,11 @@ class ShareWarnings {
     }
 
     void addRemovedRecords() {
-        std::vector<std::string> seen;
+        std::set<std::string> seen;
         for (const PlannedRun& run : situation_.plan.runs) {
             const bool deletes = run.tool == platform::systempath::nicl && run.arguments.size() == 3 &&
                                  run.arguments[1] == "-delete" && run.arguments[2].starts_with(sharesPlace);
-            if (deletes && std::ranges::find(seen, run.arguments[2]) == seen.end()) {
-                seen.push_back(run.arguments[2]);
+            if (deletes && seen.insert(run.arguments[2]).second) {
                 addRemovedRecord(run.arguments[2]);
             }
         }

@@ -121,7 +121,7 @@ std::string makeScratchFolder() {
     return {};
 }
 
-Result<std::shared_ptr<WorkingCopy>> WorkingCopy::make(bool* lacksDirectory) {
+Result<std::shared_ptr<WorkingCopy>> WorkingCopy::makeWithoutDirectory() {
     platform::Host::settlePendingWrites();
     std::shared_ptr<WorkingCopy> copy(new WorkingCopy()); // make_shared cannot reach the constructor
     copy->original_ = platform::Host::current().services();
@@ -130,14 +130,22 @@ Result<std::shared_ptr<WorkingCopy>> WorkingCopy::make(bool* lacksDirectory) {
     if (copy->folder_.empty()) {
         return Status::ofErrno("cannot make", "a folder for temporary files", errno);
     }
-    if (Status status = copy->fill(); !status.isOk()) {
-        return status;
-    }
-    Status status = platform::copyDirectory(*copy->original_.localDomain, copy->storeFile(), waitSeconds);
-    if (lacksDirectory != nullptr) {
-        *lacksDirectory = !status.isOk();
-    }
+    Status status = copy->fill();
     return status.isOk() ? Result<std::shared_ptr<WorkingCopy>>(std::move(copy)) : status;
+}
+
+Result<std::shared_ptr<WorkingCopy>> WorkingCopy::make(bool* lacksDirectory) {
+    auto copy = makeWithoutDirectory();
+    if (!copy.isOk()) {
+        return copy;
+    }
+    bool isUnreadable = false;
+    Status status = platform::copyDirectory(*(*copy)->original_.localDomain, (*copy)->storeFile(),
+                                            waitSeconds, &isUnreadable);
+    if (lacksDirectory != nullptr) {
+        *lacksDirectory = isUnreadable;
+    }
+    return status.isOk() ? std::move(copy) : status;
 }
 
 WorkingCopy::~WorkingCopy() {
@@ -257,8 +265,8 @@ std::string WorkingCopy::copySettings(std::span<const std::string> arguments) {
             return complaint("cp", Status::ofErrno("cannot write in", targetFolder, errno));
         }
         if (fs::exists(target, error) && !fs::is_regular_file(target, error)) {
-            return complaint("cp",
-                             Status::failure("cannot replace", target, "is no regular file; move it away"));
+            return complaint(
+                "cp", Status::failure("cannot replace", target, "is not a regular file; move it away"));
         }
     }
     return runHelperTool({folder_, ::getuid()}, request).output;

@@ -20,7 +20,10 @@ class WorkingCopy : public std::enable_shared_from_this<WorkingCopy> {
   public:
     /// Copies what the current host reads. Fails when the directory cannot be read or there is no room; a
     /// directory that does not exist is copied as such.
+    /// `*lacksDirectory`, when not null, tells whether it was the directory that failed it.
     [[nodiscard]] static platform::Result<std::shared_ptr<WorkingCopy>> make(bool* lacksDirectory = nullptr);
+    /// The same without the directory, for what does not touch it: there is none in the copy.
+    [[nodiscard]] static platform::Result<std::shared_ptr<WorkingCopy>> makeWithoutDirectory();
     ~WorkingCopy();
     WorkingCopy(const WorkingCopy&) = delete;
     WorkingCopy& operator=(const WorkingCopy&) = delete;

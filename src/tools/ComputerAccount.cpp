@@ -130,8 +130,10 @@ Status ComputerAccount::renumber() {
 }
 
 Status ComputerAccount::remove() {
-    const Status status =
-        directory_.carryThrough({isUser(), {name(), number().value_or(0)}, {}, {}}, programThatDeletes());
+    const platform::GroupLine* own = isUser() ? directory_.accounts().findGroup(name()) : nullptr;
+    const Status status = directory_.carryThrough(
+        {isUser(), {name(), number().value_or(0)}, {"", own != nullptr ? own->gid : 0}, {}},
+        programThatDeletes());
     return status.isOk() ? Status() : refused(std::string(status.why()));
 }
 

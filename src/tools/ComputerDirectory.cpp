@@ -149,6 +149,9 @@ Status ComputerDirectory::settle(const UnfinishedChange& change) {
     const bool isThere = exists(change.isUser, change.before);
     const bool isDone = isDeleted ? !isThere : exists(change.isUser, change.after);
     if (isDone) {
+        if (Status status = keepOwnGroup(change); !status.isOk()) {
+            return status;
+        }
         followInStore(change);
         if (Status status = commit(); !status.isOk()) {
             return status;
@@ -164,6 +167,18 @@ Status ComputerDirectory::settle(const UnfinishedChange& change) {
         }
     }
     return UnfinishedChange::forget(place_.computer->files.unfinishedChange());
+}
+
+Status ComputerDirectory::keepOwnGroup(const UnfinishedChange& change) {
+    const unsigned gid = change.after.number;
+    if (!change.isUser || !change.after.name.empty() || gid == 0 ||
+        findGroup(change.before.name) != nullptr) {
+        return {};
+    }
+    // userdel takes it along where USERGROUPS_ENAB is on (login.defs(5)).
+    Status status =
+        runAccountProgram({accountprogram::groupadd, "--gid", std::to_string(gid), "--", change.before.name});
+    return status.isOk() ? readLines() : status;
 }
 
 void ComputerDirectory::followInStore(const UnfinishedChange& change) {

@@ -56,6 +56,8 @@ class ComputerDirectory {
     [[nodiscard]] platform::Status finishKilledRun();
     /// Puts the store and Samba's database where the files of accounts are, and forgets the change.
     [[nodiscard]] platform::Status settle(const UnfinishedChange& change);
+    /// A deleted user leaves the group of that name behind.
+    [[nodiscard]] platform::Status keepOwnGroup(const UnfinishedChange& change);
     void followInStore(const UnfinishedChange& change);
     void takeAwayGoneAccounts();
     [[nodiscard]] bool exists(bool isUser, const UnfinishedChange::Account& account) const;

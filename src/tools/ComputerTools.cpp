@@ -22,6 +22,8 @@ using platform::Store;
 
 namespace {
 
+constexpr const char* sharedFolder = "sharedDir";
+
 /// A change that reaches no account.
 Status changeShares(const DirectoryPlace& place, const DirectoryChange& change) {
     const auto lock = ComputerLock::take(place.computer->files, place.waitSeconds); // it makes the store
@@ -71,7 +73,7 @@ PublicFolderOwner ownerOf(const platform::UserLine& line) {
 /// Whether the directory says that the user's Public folder is shared.
 bool sharesPublicFolder(Store& store, const std::string& user) {
     const auto record = store.find(RecordPath{"users", user});
-    const auto values = record ? store.values(*record, "sharedDir") : std::nullopt;
+    const auto values = record ? store.values(*record, sharedFolder) : std::nullopt;
     return values && !values->empty() && values->front() == "Public";
 }
 
@@ -83,7 +85,7 @@ Status followPublicFolder(const DirectoryPlace& place, const DirectoryChange& ch
                           const platform::AccountLimits& limits) {
     const bool isDeletion = change.operation == "-delete" && !change.property;
     const bool isRenaming = change.property == "name";
-    if (!isDeletion && !isRenaming && change.property != "sharedDir") {
+    if (!isDeletion && !isRenaming && change.property != sharedFolder) {
         return {};
     }
     PublicFolderOwner owner = ownerOf(before);
@@ -105,12 +107,25 @@ Status followPublicFolder(const DirectoryPlace& place, const DirectoryChange& ch
     return status.isOk() && isOffered ? platform::offerPublicFolder(owner) : status;
 }
 
+/// What brings the property back that `change` writes.
+DirectoryChange changeBack(Store& store, const RecordPath& path, const DirectoryChange& change) {
+    DirectoryChange back = change;
+    const auto record = store.find(path);
+    const auto values = record && change.property ? store.values(*record, *change.property) : std::nullopt;
+    back.operation = values ? "-create" : "-delete";
+    back.values = values.value_or(std::vector<std::string>());
+    return back;
+}
+
 } // namespace
 
 Status changeComputer(const DirectoryPlace& place, const DirectoryChange& change) {
     const RecordPath path = recordPath(change.path).value();
     if (!isAccount(path)) {
         return changeShares(place, change);
+    }
+    if (path.size() != 2) {
+        return refusal(change, "an account has no records below it; name the account alone");
     }
     ComputerDirectory directory(place);
     if (!directory.status().isOk()) {
@@ -122,13 +137,22 @@ Status changeComputer(const DirectoryPlace& place, const DirectoryChange& change
     const platform::UserLine* line = directory.accounts().findUser(path[1]);
     const auto before = line != nullptr ? std::optional(*line) : std::nullopt;
     const bool wasShared = before && sharesPublicFolder(directory.store(), path[1]);
+    const DirectoryChange back = changeBack(directory.store(), path, change);
     Status status = ComputerUser(directory, change).run();
     if (status.isOk() && before) {
         status = directory.commit();
     }
-    return status.isOk() && before
-               ? followPublicFolder(place, change, *before, wasShared, directory.accounts().limits)
-               : status;
+    if (!status.isOk() || !before) {
+        return status;
+    }
+    status = followPublicFolder(place, change, *before, wasShared, directory.accounts().limits);
+    if (!status.isOk() && change.property == sharedFolder) {
+        // The directory must not say that a folder is shared that is not. Where this fails, too, the first
+        // failure says why.
+        static_cast<void>(ComputerUser(directory, back).run());
+        static_cast<void>(directory.commit());
+    }
+    return status;
 }
 
 Status setComputerPassword(const DirectoryPlace& place, const std::string& user,

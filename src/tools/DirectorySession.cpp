@@ -99,7 +99,7 @@ Status DirectorySession::forgetPasswords(const std::set<std::string>& users) con
             status = accounts.removeUser(user);
         }
         if (!status.isOk()) {
-            return Status::failure("cannot take the password away of", user,
+            return Status::failure("cannot remove the password of", user,
                                    "the user is deleted, but " + status.text());
         }
     }

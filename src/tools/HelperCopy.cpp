@@ -30,15 +30,20 @@ struct OpenedFile {
 };
 
 /// Reads a file that is open. What is checked here is what is read, whatever stands at the path by then.
-Result<OpenedFile> readOpened(const FileDescriptor& file, const std::string& path, const char* advice) {
+Result<OpenedFile> readOpened(const FileDescriptor& file, const std::string& path, const char* advice,
+                              std::optional<uid_t> owner = {}) {
     OpenedFile opened;
     if (::fstat(file.get(), &opened.status) != 0) {
         return Status::ofErrno(cannotCopy, path, errno);
     }
     if (!S_ISREG(opened.status.st_mode)) {
-        return Status::failure(cannotCopy, path, std::string("is no regular file; ") + advice);
+        return Status::failure(cannotCopy, path, std::string("is not a regular file; ") + advice);
     }
-    auto text = platform::readAll(file.get(), path);
+    if (owner && opened.status.st_uid != *owner) {
+        return Status::failure(cannotCopy, path,
+                               "does not belong to the user who runs Brindle; name a file of that user's");
+    }
+    auto text = platform::readAll(file.get(), path, platform::largestWholeFile);
     if (!text.isOk()) {
         return text.status();
     }
@@ -54,12 +59,7 @@ Result<OpenedFile> readSource(const std::string& source, uid_t user) {
     if (!file.isOpen()) {
         return Status::ofErrno(cannotCopy, source, errno);
     }
-    auto opened = readOpened(file, source, "name one");
-    if (opened.isOk() && opened->status.st_uid != user) {
-        return Status::failure(cannotCopy, source,
-                               "does not belong to the user who runs Brindle; name a file of that user's");
-    }
-    return opened;
+    return readOpened(file, source, "name one", user);
 }
 
 /// The file that is to be replaced; none when there is none.

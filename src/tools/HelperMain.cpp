@@ -3,6 +3,7 @@
 #include "platform/foundation/SystemServices.h"
 #include "platform/posix/InputOutput.h"
 #include "platform/posix/Secret.h"
+#include "platform/security/HelperFile.h"
 #include "platform/security/HelperProtocol.h"
 #include "tools/Helper.h"
 #include "tools/HelperComplaint.h"
@@ -17,6 +18,7 @@
 #include <utility>
 
 #include <fcntl.h>
+#include <sys/prctl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -49,6 +51,11 @@ int refuse(const std::string& why) {
 std::string placeOf(const platform::HostOptions& options, HelperPlace& place) {
     if (options.system) {
         place = {"", sudoUser().value_or(::getuid()), options.root};
+        // Whoever sudo lets run this must not lead root into folders of their own.
+        if (const auto check = platform::checkRootsFolder(options.root);
+            sudoUser() && !options.root.empty() && !check.isOk()) {
+            return check.text();
+        }
         return ::geteuid() == 0 ? "" : "--system is served as root only; start it through sudo";
     }
     place = {options.root, ::getuid(), ""};
@@ -143,9 +150,11 @@ int serveSession(const HelperPlace& place) {
             answer(guarded("commit", [&] { return tools.settle(); }));
         } else if (request && isHelperTool(request->tool) && sayStarted()) {
             answer(guarded(request->tool, [&] { return tools.run(*request); }));
-            wipeArguments(*request);
         } else {
             say(STDOUT_FILENO, std::string(1, platform::helperRefused));
+        }
+        if (request) {
+            wipeArguments(*request);
         }
     }
     return 0;
@@ -155,6 +164,7 @@ int serveSession(const HelperPlace& place) {
 
 int helperMain(int argc, char** argv) {
     closeInheritedDescriptors();
+    ::prctl(PR_SET_DUMPABLE, 0); // a core would hold passwords
     ::umask(S_IWGRP | S_IWOTH);
     std::signal(SIGPIPE, SIG_IGN); // work once begun is finished, whether or not anybody listens
     platform::HostOptions options;

@@ -35,9 +35,11 @@ Status controlService(std::span<const std::string> arguments) {
         (arguments[1] != "start" && arguments[1] != "enable")) {
         return Status::failure("wrong arguments", {}, "use service smbd start|enable");
     }
-    const std::vector<std::string> words = serviceCommand(arguments[1] == "start");
+    const bool isStart = arguments[1] == "start";
+    const char* what = isStart ? "cannot start" : "cannot have the computer start";
+    const std::vector<std::string> words = serviceCommand(isStart);
     if (!exists(words.front())) {
-        return Status::failure("cannot start", "the SMB server", words.front() + " is not installed");
+        return Status::failure(what, "the SMB server", words.front() + " is not installed");
     }
     // What it says goes to nobody's terminal: a server that it starts would keep ours open.
     const auto run = platform::runProcess(
@@ -49,6 +51,7 @@ Status controlService(std::span<const std::string> arguments) {
     const std::string said = platform::lastLineOf(run->output);
     return run->status == 0
                ? Status()
-               : Status::failure("cannot start", "the SMB server",
-                                 words.front() + " has failed" + (said.empty() ? "" : ": " + said));
+               : Status::failure(what, "the SMB server",
+                                 words.front() + " has failed" + (said.empty() ? "" : ": " + said) +
+                                     "; the system's log says more");
 }

@@ -1,5 +1,6 @@
 #include "tools/SmbConfCheck.h"
 
+#include "platform/foundation/NSLog.h"
 #include "platform/posix/LetterCase.h"
 #include "platform/posix/Process.h"
 #include "platform/samba/InstalledSamba.h"
@@ -58,12 +59,14 @@ std::optional<std::string> complaintAboutSmbConf(std::string_view text) {
                                     {"PATH=/usr/sbin:/usr/bin:/sbin:/bin", "LC_ALL=C"}};
     const auto finished = platform::runProcess(command, withoutShareSecurity(text), limit);
     if (!finished.isOk()) {
+        NSLog("smb.conf could not be checked: %@", finished.status().text());
         return std::nullopt;
     }
     // Its exit status says nothing of keys that it does not know.
     std::string complaint = firstComplaint(finished->errors);
     if (complaint.empty() && finished->status != 0) {
         complaint = platform::lastLineOf(finished->errors);
+        complaint = complaint.empty() ? "it has failed and does not say why" : complaint;
     }
     return complaint.empty() ? std::nullopt : std::optional(std::move(complaint));
 }

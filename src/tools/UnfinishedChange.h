@@ -17,7 +17,7 @@ struct UnfinishedChange {
 
     bool isUser = false;
     Account before;
-    Account after;
+    Account after; ///< of a deleted user the number of the group of that name, 0 where there is none
     std::string sambaAccount; ///< what Samba keeps of it, a secret; may be empty
 
     /// Writes it down at `path`. Fails when it cannot be flushed to the disk.

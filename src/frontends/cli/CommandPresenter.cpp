@@ -46,12 +46,16 @@ CommandPresenter::runAdministratorDialog(const platform::AdministratorRequest& r
     if (!request.needsPassword) {
         return platform::AdministratorAnswer{}; // to give the command is to consent
     }
+    // Until a run shows that the right was given, it was not: sudo may take none of the passwords.
+    wasRefused_ = hasBegun_;
     if (hasBegun_ && isAtTerminal()) {
+        if (!request.message.empty()) {
+            tell(request.message);
+        }
         if (auto password = askSecret(NSLocalizedString("Administrator password"))) {
             return platform::AdministratorAnswer{std::move(*password)};
         }
     }
-    wasRefused_ = hasBegun_;
     return std::nullopt;
 }
 
@@ -64,6 +68,7 @@ void CommandPresenter::toolWillRun(const std::string& tool, std::span<const std:
     if (isTelling_) {
         return; // what it writes is what it was asked for, and changes nothing
     }
+    wasRefused_ = false;
     std::string run = tool;
     for (const std::string& argument : arguments) {
         run += " " + scriptWord(argument);

@@ -191,7 +191,9 @@ void CommandRun::checkWhatHappened() const {
              CommandStatus::NeedsAnswer);
     }
     if (presenter.wasRefused()) {
-        fail(NSLocalizedString("an administrator's permission is needed, and was not given"),
+        fail(presenter.faults().empty()
+                 ? NSLocalizedString("an administrator's permission is needed, and was not given")
+                 : presenter.faults().front(),
              CommandStatus::AdministratorRefused);
     }
     if (presenter.wasDeclined()) {

@@ -164,7 +164,7 @@ void addGroupCommands(CLI::App& parser, CommandOptions& options) {
     addNamed("remove", CommandKind::Writing, "Delete a group", remove);
     for (const auto& [name, carryOut] : {std::pair("join", &join), std::pair("leave", &leave)}) {
         addNamed(name, CommandKind::Writing,
-                 std::string_view(name) == "join" ? "Make users members" : "Make users members no more",
+                 std::string_view(name) == "join" ? "Make users members" : "Remove users from a group",
                  carryOut)
             ->add_option("USER", given->users, "The users' names")
             ->required();

@@ -46,12 +46,13 @@ void undo(CommandRun& run, std::optional<std::int64_t> number) {
     if (run.context().options.isDryRun) {
         return;
     }
-    platform::Status status;
+    std::optional<platform::Status> status;
     run.perform([&] { status = run.context().history.undo(*plan); });
-    if (!status.isOk()) {
-        CommandRun::fail(status.text());
+    if (!status || !status->isOk()) {
+        CommandRun::fail(status ? status->text()
+                                : NSLocalizedString("it was not carried out; the system's log says why"));
     }
-    run.result()["changed"] = true;
+    run.result()["changed"] = !run.presenter().runs().empty();
     run.result()["runs"] = run.presenter().runs().size();
 }
 

@@ -22,7 +22,9 @@ bool isShared(const CommandRun& run, int row) {
 void setAll(CommandRun& run, bool on) {
     const int rows = run.control<NSTableView>(table).numberOfRows();
     for (int row = 0; row < rows && !run.changes(); ++row) {
-        if (isShared(run, row) != on) {
+        // All at once leaves this number alone.
+        const bool isLeftOut = on && run.cell(table, "UID", row) == "100";
+        if (isShared(run, row) != on && !isLeftOut) {
             run.noteChange();
         }
     }

@@ -33,7 +33,11 @@ void status(CommandRun& run) {
 }
 
 void start(CommandRun& run, bool atBoot) {
-    if (!computer().smbServer().canBeStarted && !atBoot) {
+    const platform::ServerLine smb = computer().smbServer();
+    if (smb.text.empty()) {
+        CommandRun::fail(computer().whatIsMissing());
+    }
+    if (!smb.canBeStarted && !atBoot) {
         run.finishUnchanged();
         return;
     }

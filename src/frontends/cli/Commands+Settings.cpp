@@ -15,6 +15,7 @@ namespace {
 enum class Kind {
     Text,   ///< a field
     Count,  ///< a field for a number, or nothing
+    Limit,  ///< a field for a number, of which -1 is none
     OnOff,  ///< a check box
     Choice, ///< a pop-up, by its titles
     Number  ///< a pop-up, by its tags
@@ -51,8 +52,8 @@ constexpr Setting afpSettings[] = {
     {"announce", "useRendezvous", Kind::OnOff},
     {"guests", "allowGuestAccess", Kind::OnOff},
     {"administrators-see-all", "adminSpPrivsButton", Kind::OnOff},
-    {"max-connections", "numConnections", Kind::Text},
-    {"max-guests", "numGuestConnections", Kind::Text},
+    {"max-connections", "numConnections", Kind::Limit},
+    {"max-guests", "numGuestConnections", Kind::Limit},
     {"port", "tcpPort", Kind::Text},
     {"disconnect-idle", "idleDisconnectEnable", Kind::OnOff},
     {"idle-minutes", "idleDisconnectTime", Kind::Text},
@@ -62,7 +63,7 @@ constexpr Setting afpSettings[] = {
     {"idle-open-files", "idleDisconnectUsers", Kind::OnOff, 3},
     {"log", "loggingEnable", Kind::OnOff},
     {"log-file", "logFilePath", Kind::Text},
-    {"log-days", "logRolloverText", Kind::Text},
+    {"log-days", "logRolloverText", Kind::Limit},
     {"log-logins", "loggingAttributes1", Kind::OnOff, 0},
     {"log-logouts", "loggingAttributes1", Kind::OnOff, 1},
     {"log-new-folders", "loggingAttributes2", Kind::OnOff, 0},
@@ -93,6 +94,7 @@ std::string valueOf(const CommandRun& run, const Setting& setting) {
     switch (setting.kind) {
     case Kind::Text:
     case Kind::Count:
+    case Kind::Limit:
         return run.text(setting.outlet);
     case Kind::OnOff:
         return isOn(run, setting) ? "yes" : "no";
@@ -129,14 +131,32 @@ int itemFor(const CommandRun& run, const Setting& setting, const std::string& va
     return found == popUp.items().end() ? -1 : static_cast<int>(found - popUp.items().begin());
 }
 
+NSControl& control(const CommandRun& run, const Setting& setting) {
+    return run.control<NSControl>(setting.outlet);
+}
+
+/// Whether a field that holds a number could hold the value. Its own check comes when it is typed into.
+bool isNumberFor(Kind kind, std::string_view value) {
+    if (kind == Kind::Limit) {
+        value.remove_prefix(value.starts_with('-') ? 1 : 0);
+        return !value.empty() && value.find_first_not_of("0123456789") == std::string_view::npos;
+    }
+    return kind != Kind::Count || value.find_first_not_of("0123456789") == std::string_view::npos;
+}
+
 void apply(CommandRun& run, const Setting& setting, const std::string& value) {
     if (valueOf(run, setting) == value) {
         return;
     }
-    if (setting.kind == Kind::Count && value.find_first_not_of("0123456789") != std::string::npos) {
+    if (!control(run, setting).isEnabled()) {
+        CommandRun::fail(
+            stringWithFormat(NSLocalizedString("%@ cannot be changed while what it belongs to is off"),
+                             std::string(setting.key)));
+    }
+    if (!isNumberFor(setting.kind, value)) {
         refuse(setting, value);
     }
-    if (setting.kind == Kind::Text || setting.kind == Kind::Count) {
+    if (setting.kind == Kind::Text || setting.kind == Kind::Count || setting.kind == Kind::Limit) {
         run.set(setting.outlet, value);
     } else if (setting.kind == Kind::OnOff) {
         if (value != "yes" && value != "no") {

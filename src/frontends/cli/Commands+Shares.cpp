@@ -54,7 +54,7 @@ JSON shareAt(const CommandRun& run, int row) {
             {"folder", cell("DirectoryPath")},
             {"smb", cell("SMB") == "+"},
             {"afp", cell("AFS") == "+"},
-            {"guests", isEqualIgnoringCase(cell("SMBGuestAccess"), NSLocalizedString("Yes"))},
+            {"guests", isEqualIgnoringCase(cell("SMBGuestAccess"), "yes")},
             {"ownerMay", privilegeOf(cell("Owner"))},
             {"groupMay", privilegeOf(cell("Group"))},
             {"everyoneMay", privilegeOf(cell("Everyone"))}};

@@ -97,6 +97,9 @@ void add(CommandRun& run, UserOptions options) {
     const int row = run.rowOf(table, "User", options.name);
     if (row >= 0) {
         run.selectRows(table, {row});
+        if (options.uid == nextNumber) {
+            options.uid.reset(); // it was the next one when the user was made
+        }
         fill(run, options);
         if (run.changes()) {
             CommandRun::fail(stringWithFormat(

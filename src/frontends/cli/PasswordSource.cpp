@@ -33,12 +33,17 @@ std::string PasswordSource::read(const std::string& user) const {
     }
     auto first = askSecret(stringWithFormat(NSLocalizedString("Password for %@"), user));
     auto second = askSecret(NSLocalizedString("Once more"));
-    const bool agree = first && second && *first == *second;
+    const bool areRead = first && second;
+    const bool agree = areRead && *first == *second;
     if (second) {
         platform::wipe(*second);
     }
+    if (!agree && first) {
+        platform::wipe(*first);
+    }
     if (!agree) {
-        CommandRun::fail(NSLocalizedString("the passwords are not the same"));
+        CommandRun::fail(areRead ? NSLocalizedString("the passwords are not the same")
+                                 : NSLocalizedString("the password cannot be read"));
     }
     return std::move(*first);
 }

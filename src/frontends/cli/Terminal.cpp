@@ -64,6 +64,10 @@ std::optional<std::string> firstLineOf(int descriptor) {
     return line;
 }
 
+void tell(const std::string& text) {
+    std::cerr << text << '\n';
+}
+
 bool askYesOrNo(const std::string& question) {
     std::cerr << question << " [y/N] " << std::flush;
     const auto answer = firstLineOf(STDIN_FILENO);

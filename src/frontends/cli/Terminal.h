@@ -11,6 +11,9 @@ namespace frontend {
 /// True when somebody can be asked: standard input and standard error are a terminal.
 [[nodiscard]] bool isAtTerminal();
 
+/// Says something beside a question.
+void tell(const std::string& text);
+
 /// Asks a question of yes and no; anything but yes is no.
 [[nodiscard]] bool askYesOrNo(const std::string& question);
 

@@ -81,6 +81,7 @@ WindowReview::WindowReview(review::Reviewer& reviewer, QMainWindow& window, Wind
     window.installEventFilter(this);
     reviewer.setBlockedHandler([this](const review::Plan& plan) { showBlocked(plan); });
     reviewer.setQuestion([this](const review::Plan& plan) { return ask(plan); });
+    reviewer.setRefusesWithoutDirectory(true);
     showRemarks();
     actions.leaveConfirmations(); // every confirmed action writes
     used_ = actions.used.connect([this](const std::string& operation) { actionWasUsed(operation); });

@@ -3,6 +3,7 @@
 #include "frontends/script/ScriptWords.h"
 #include "platform/appkit/NSApplication.h"
 
+#include <algorithm>
 #include <array>
 #include <istream>
 #include <limits>
@@ -116,6 +117,12 @@ void ScriptRunner::checkTime(const Command& command) const {
     const bool isStart = command.run == &ScriptRunner::start;
     if (isStart && started_) {
         fail("the application has been started already");
+    }
+    static const std::array reachPastSheets = {&ScriptRunner::review, &ScriptRunner::reread,
+                                               &ScriptRunner::history, &ScriptRunner::undo};
+    if (started_ && std::ranges::find(reachPastSheets, command.run) != reachPastSheets.end() &&
+        NSApp().attachedSheet() != nullptr) {
+        fail("a sheet is up: " + std::string(command.name) + " must wait until it has gone");
     }
     if (!started_ && !isStart && !command.preparesOnly) {
         fail("start must come before " + std::string(command.name));

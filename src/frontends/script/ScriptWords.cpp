@@ -101,7 +101,8 @@ std::string quotedText(std::string_view text) {
 }
 
 std::string scriptWord(std::string_view text) {
-    const bool bare = !text.empty() && text.find_first_of(" \"\\\n\r\t#") == std::string_view::npos;
+    const bool bare = !text.empty() && !text.starts_with('#') &&
+                      text.find_first_of(" \"\\\n\r\t") == std::string_view::npos;
     return bare ? std::string(text) : quotedText(text);
 }
 

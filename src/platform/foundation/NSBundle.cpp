@@ -66,7 +66,7 @@ NSBundle::NSBundle(std::string resourcePath, const std::vector<std::string>& lan
         if (dictionary) {
             info_ = std::move(*dictionary);
         } else {
-            NSLog("%@ is no property list with a dictionary", infoFile);
+            NSLog("%@ is not a property list with a dictionary", infoFile);
         }
     } else {
         NSLog("%@", info.status().text());

@@ -33,7 +33,8 @@ void NSUserDefaults::readOnce() const {
         values_ = std::move(read);
     } else {
         mayWrite_ = false;
-        NSLog("%@ is no property list: it is left as it is, and settings last until the end of this session. "
+        NSLog("%@ is not a property list: it is left as it is, and settings last until the end of this "
+              "session. "
               "Remove the file to have them kept again",
               path_);
     }

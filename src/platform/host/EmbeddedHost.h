@@ -10,10 +10,10 @@ namespace platform {
 
 /// What the embedded host is made of. Empty texts stand for the defaults.
 struct EmbeddedHostOptions {
-    std::string root;              ///< the root's folder; empty: $BRINDLE_ROOT, else defaultRoot()
-    std::string home;              ///< empty: $HOME, else the account's home folder
-    std::string resources;         ///< empty: defaultResources()
-    std::string helper;            ///< brindle-helper's file; empty: defaultHelper()
+    std::string root;      ///< the root's folder; empty: $BRINDLE_ROOT, else EmbeddedRoot::defaultFolder()
+    std::string home;      ///< empty: $HOME, else the account's home folder
+    std::string resources; ///< empty: defaultResources()
+    std::string helper;    ///< brindle-helper's file; empty: defaultHelper()
     bool keepsUserDefaults = true; ///< false: user defaults live in memory only
     std::shared_ptr<Log> log;      ///< none: standard error and syslog
 };

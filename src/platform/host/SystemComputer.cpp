@@ -46,7 +46,7 @@ std::string missingText(const ComputersPrograms& programs) {
     if (programs.smbd.empty()) {
         sentences.push_back(
             NSLocalizedString("Samba is not installed (package samba): shares, accounts and settings can be "
-                              "made, and nothing is served before it is."));
+                              "made, and nothing is served until it is."));
     }
     if (!programs.hasAccountTools) {
         sentences.push_back(NSLocalizedString(
@@ -67,11 +67,14 @@ std::string missingText(const ComputersPrograms& programs) {
 
 std::string serverText(const ServerState& state) {
     if (state.process == 0) {
-        return NSLocalizedString("The SMB server does not run: nothing is shared.");
+        return NSLocalizedString("The SMB server is not running: nothing is shared.");
     }
     std::string places;
     for (const std::string& place : state.listensAt) {
         places += (places.empty() ? "" : ", ") + place;
+    }
+    if (state.since == 0) { // it cannot be told
+        return NSLocalizedString("The SMB server is running.");
     }
     std::array<char, 64> since{};
     const std::time_t time = state.since;
@@ -80,10 +83,13 @@ std::string serverText(const ServerState& state) {
         std::strftime(since.data(), since.size(), "%Y-%m-%d %H:%M", &local);
     }
     return places.empty()
-               ? stringWithFormat(NSLocalizedString("The SMB server runs since %@ and listens nowhere."),
-                                  std::string(since.data()))
-               : stringWithFormat(NSLocalizedString("The SMB server runs since %@ and listens at %@."),
-                                  std::string(since.data()), places);
+               ? stringWithFormat(
+                     NSLocalizedString(
+                         "The SMB server has been running since %@ and is not listening on any address."),
+                     std::string(since.data()))
+               : stringWithFormat(
+                     NSLocalizedString("The SMB server has been running since %@ and is listening on %@."),
+                     std::string(since.data()), places);
 }
 
 ServerLine SystemComputer::smbServer() const {
@@ -97,9 +103,9 @@ ServerLine SystemComputer::smbServer() const {
 std::string SystemComputer::afpServerLine() const {
     const bool runs = std::ranges::any_of(
         processIds(), [](pid_t process) { return programNameOf(process) == "AppleFileServer"; });
-    return runs ? NSLocalizedString("The AFP server runs.")
+    return runs ? NSLocalizedString("The AFP server is running.")
                 : NSLocalizedString(
-                      "No AFP server runs on this computer: AFP settings and shares are kept, and not "
+                      "No AFP server is running on this computer: AFP settings and shares are kept, and not "
                       "served.");
 }
 

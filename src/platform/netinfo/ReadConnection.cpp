@@ -172,6 +172,9 @@ int ReadConnection::beginHere() {
     if (version.number(0) == storeVersionOfRows) {
         return upgradeCopy();
     }
+    if (version.number(0) > storeVersion) {
+        return storeIsNewer;
+    }
     return version.number(0) == storeVersion ? SQLITE_OK : SQLITE_NOTADB;
 }
 

@@ -46,9 +46,6 @@ struct Store::Connection {
 
 namespace {
 
-constexpr const char* newerVersion =
-    "it was written by a newer Brindle; use that one, this one leaves the file as it is";
-
 /// A number in the header of an SQLite file (https://www.sqlite.org/fileformat.html): 4 bytes, the highest
 /// first.
 std::uint32_t headerNumber(std::span<const char> header, std::size_t offset) {
@@ -99,7 +96,7 @@ void Store::begin() {
         version.reset();
         check(upgradeStore(connection_->database.get()));
     } else if (layout > storeVersion) {
-        fail(newerVersion);
+        fail(newerStoreText);
     } else if (layout != storeVersion) {
         check(SQLITE_NOTADB);
     }
@@ -113,7 +110,7 @@ Status Store::checkVersion(const std::string& file) {
     if (in.read(header.data(), header.size()) &&
         headerNumber(header, applicationOffset) == std::uint32_t{storeApplicationId} &&
         headerNumber(header, versionOffset) > std::uint32_t{storeVersion}) {
-        return Status::failure("cannot use the directory", file, newerVersion);
+        return Status::failure("cannot use the directory", file, newerStoreText);
     }
     return {};
 }

@@ -89,13 +89,14 @@ void replaceRecords(Store& store, const char* directory, const std::vector<Prope
 
 } // namespace
 
-Status copyDirectory(const LocalDomain& domain, const std::string& to, int waitSeconds) {
+Status copyDirectory(const LocalDomain& domain, const std::string& to, int waitSeconds, bool* isUnreadable) {
     std::error_code ignored; // what cannot be looked at cannot be copied either
     const bool hasStore = std::filesystem::exists(domain.storeFile(), ignored);
     if (!domain.accountFiles()) {
-        return hasStore ? copyStore(domain.storeFile(), to, waitSeconds) : Status();
+        return hasStore ? copyStore(domain.storeFile(), to, waitSeconds, isUnreadable) : Status();
     }
-    if (Status status = hasStore ? copyStore(domain.storeFile(), to, waitSeconds) : makeEmptyStore(to);
+    if (Status status =
+            hasStore ? copyStore(domain.storeFile(), to, waitSeconds, isUnreadable) : makeEmptyStore(to);
         !status.isOk()) {
         return status;
     }
@@ -111,6 +112,9 @@ Status copyDirectory(const LocalDomain& domain, const std::string& to, int waitS
         status = readRecords(opened, directoriesOfAccounts[i], &records[i]);
     }
     if (status != NI_OK) {
+        if (isUnreadable != nullptr) {
+            *isUnreadable = true;
+        }
         return Status::failure("cannot copy the directory", domain.storeFile(), ni_error(status));
     }
     Store store(to);
@@ -120,14 +124,15 @@ Status copyDirectory(const LocalDomain& domain, const std::string& to, int waitS
     return store.commit();
 }
 
-Status copyStore(const std::string& from, const std::string& to, int waitSeconds) {
+Status copyStore(const std::string& from, const std::string& to, int waitSeconds, bool* isUnreadable) {
     ReadConnection source;
     source.waitSeconds = waitSeconds;
     int error = source.open(from);
     if (error == SQLITE_OK) {
         error = source.begin();
     }
-    if (error == SQLITE_OK) {
+    const bool isReadable = error == SQLITE_OK;
+    if (isReadable) {
         sqlite3* opened = nullptr;
         error = sqlite3_open_v2(to.c_str(), &opened,
                                 SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_NOMUTEX, nullptr);
@@ -136,9 +141,16 @@ Status copyStore(const std::string& from, const std::string& to, int waitSeconds
             error = copyAll(source.database(), target.get());
         }
     }
-    return error == SQLITE_OK ? Status()
-                              : Status::failure("cannot read the directory", from,
-                                                storeProblem(from, error, source.waitedSeconds()));
+    if (error == SQLITE_OK) {
+        return {};
+    }
+    const bool isOfSource = !isReadable || error == SQLITE_CORRUPT || error == SQLITE_NOTADB;
+    if (isUnreadable != nullptr) {
+        *isUnreadable = isOfSource;
+    }
+    return isOfSource ? Status::failure("cannot read the directory", from,
+                                        storeProblem(from, error, source.waitedSeconds()))
+                      : Status::failure("cannot copy the directory to", to, storeProblem(to, error, 0));
 }
 
 } // namespace platform

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <sqlite3.h>
+
 namespace platform {
 
 // What readers and writers of a store share: its marks and its layout.
@@ -8,6 +10,10 @@ namespace platform {
 inline constexpr int storeApplicationId = 0x42724469;
 /// The layout that is written. A later Brindle's store has a higher one.
 inline constexpr int storeVersion = 2;
+/// What reading a store with a higher one fails with; SQLite uses this number for nothing.
+inline constexpr int storeIsNewer = SQLITE_FORMAT;
+inline constexpr const char* newerStoreText =
+    "it was written by a newer Brindle; use that one, this one leaves the file as it is";
 /// The layout before: a row for each property and each value of a record.
 inline constexpr int storeVersionOfRows = 1;
 

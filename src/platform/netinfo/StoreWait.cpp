@@ -2,6 +2,7 @@
 
 #include "platform/foundation/Host.h"
 #include "platform/foundation/NSLog.h"
+#include "platform/netinfo/StoreSchema.h"
 #include "platform/posix/ProcessTable.h"
 
 #include <filesystem>
@@ -61,9 +62,12 @@ FileLock parsedLock(const std::string& line) {
     return lock;
 }
 
-/// A process that serves this one.
+/// A process that serves this one, behind sudo perhaps.
 bool isOwn(pid_t process) {
-    return process == ::getpid() || parentOf(process) == ::getpid();
+    while (process > 1 && process != ::getpid()) {
+        process = parentOf(process);
+    }
+    return process == ::getpid();
 }
 
 } // namespace
@@ -106,6 +110,8 @@ std::string storeProblem(const std::string& file, int error, int waited) {
     case SQLITE_CORRUPT:
         return "it is damaged or no directory; restore it from a copy, or move it away to have a new one "
                "made";
+    case storeIsNewer:
+        return newerStoreText;
     case SQLITE_FULL:
         return "the disk is full; make room and try again";
     case SQLITE_READONLY:

@@ -85,7 +85,8 @@ Result<std::optional<struct stat>> replacedFile(const FilePlace& place) {
                                : Status::ofErrno(cannotWrite, place.pathOf(place.name()), errno);
     }
     if (!S_ISREG(status.st_mode)) {
-        return Status::failure(cannotWrite, place.pathOf(place.name()), "is no regular file; move it away");
+        return Status::failure(cannotWrite, place.pathOf(place.name()),
+                               "is not a regular file; move it away");
     }
     return std::optional(status);
 }

@@ -18,16 +18,19 @@ namespace platform {
 namespace {
 
 constexpr auto patience = std::chrono::seconds(10);
-constexpr const char* databaseProgram = "/usr/bin/pdbedit";
-constexpr const char* passwordProgram = "/usr/bin/smbpasswd";
+constexpr const char* databaseProgram = "pdbedit";
+constexpr const char* passwordProgram = "smbpasswd";
 constexpr const char* unknown = "does not exist in the passdb";
+constexpr const char* notOpened =
+    "ailed to open"; // nobody is found in a database that cannot be opened either
 
 bool isInstalled(const char* program) {
-    return ::access(program, X_OK) == 0;
+    return !sambaCommand(program).empty();
 }
 
-/// In the language that what it says is compared with.
+/// In the language that what it says is compared with. The first word is the program's name.
 Result<FinishedProcess> run(std::vector<std::string> words, std::string_view input = {}) {
+    words.front() = sambaCommand(words.front());
     Command command{std::move(words), ErrorOutput::WithOutput};
     std::erase_if(command.environment, [](const std::string& each) {
         return each.starts_with("LC_") || each.starts_with("LANG");
@@ -73,7 +76,7 @@ Result<std::string> ComputerPasswords::accountOf(const std::string& user) {
         return std::string();
     }
     auto finished = run({databaseProgram, "-L", "-w", "--user=" + user});
-    if (says(finished, "Username not found")) {
+    if (says(finished, "Username not found") && !says(finished, notOpened)) {
         return std::string();
     }
     if (!finished.isOk() || finished->status != 0) {
@@ -112,7 +115,8 @@ Status ComputerPasswords::remove(const std::string& user) {
         return {};
     }
     const auto finished = run({databaseProgram, "-x", "--user=" + user});
-    return (finished.isOk() && finished->status == 0) || says(finished, unknown)
+    return (finished.isOk() && finished->status == 0) ||
+                   (says(finished, unknown) && !says(finished, notOpened))
                ? Status()
                : failure("Samba did not forget the password", finished);
 }

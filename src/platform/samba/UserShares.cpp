@@ -11,6 +11,7 @@
 #include <vector>
 
 #include <fcntl.h>
+#include <sys/fsuid.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -61,15 +62,27 @@ Result<FileDescriptor> openHome(const PublicFolderOwner& owner) {
     return home;
 }
 
+/// Makes the folder as its owner would, so that it is that user's from the first moment and nothing has to
+/// be given away that somebody could have put in its place meanwhile. Returns errno, 0 when it was made.
+int makeAs(const PublicFolderOwner& owner, int home) {
+    const mode_t mask = ::umask(S_IWGRP | S_IWOTH);
+    const int group = ::setfsgid(owner.gid);
+    const int user = ::setfsuid(owner.uid);
+    const int error = ::mkdirat(home, folderName, folderMode) == 0 ? 0 : errno;
+    ::setfsuid(static_cast<uid_t>(user));
+    ::setfsgid(static_cast<gid_t>(group));
+    ::umask(mask);
+    return error;
+}
+
 /// HOME/Public, the user's, for all to read where it is new.
 Status makeFolder(const PublicFolderOwner& owner) {
     const auto home = openHome(owner);
     if (!home.isOk()) {
         return home.status();
     }
-    const bool isNew = ::mkdirat(home->get(), folderName, folderMode) == 0;
-    if (!isNew && errno != EEXIST) {
-        return Status::ofErrno(cannotOffer, owner.name, errno);
+    if (const int error = makeAs(owner, home->get()); error != 0 && error != EEXIST) {
+        return Status::ofErrno(cannotOffer, owner.name, error);
     }
     const FileDescriptor folder(::openat(home->get(), folderName, folderFlags));
 
@@ -78,11 +91,7 @@ Status makeFolder(const PublicFolderOwner& owner) {
     if (!folder.isOpen() || ::fstat(folder.get(), &status) != 0) {
         return Status::failure(cannotOffer, owner.name, owner.home + "/Public is no folder; move it away");
     }
-    if (isNew &&
-        (::fchown(folder.get(), owner.uid, owner.gid) != 0 || ::fchmod(folder.get(), folderMode) != 0)) {
-        return Status::ofErrno(cannotOffer, owner.name, errno);
-    }
-    if (!isNew && status.st_uid != owner.uid) {
+    if (status.st_uid != owner.uid) {
         return Status::failure(cannotOffer, owner.name, owner.home + "/Public is not the user's own folder");
     }
     return {};
@@ -132,8 +141,10 @@ Status takePublicFolderAway(const std::string& name) {
         return {}; // nothing is offered either
     }
     const auto run = runSamba({net, "usershare", "delete", publicShareName(name)});
+    const auto says = [&](std::string_view text) { return run->output.find(text) != std::string::npos; };
+    // Where Samba allows no user shares there is none either.
     const bool isGone =
-        run.isOk() && (run->status == 0 || run->output.find("No such file") != std::string::npos);
+        run.isOk() && (run->status == 0 || says("No such file") || says("usershares are currently disabled"));
     return isGone ? Status() : complaint(cannotTakeAway, name, run);
 }
 

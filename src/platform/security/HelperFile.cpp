@@ -21,6 +21,23 @@ bool othersMayWrite(const struct stat& status) {
     return status.st_uid != 0 || groupMay || (status.st_mode & S_IWOTH) != 0;
 }
 
+/// The first of `place` and the folders above it that others than root may change; empty when there is none.
+Result<std::string> placeOfOthers(std::filesystem::path place) {
+    for (bool isTop = false; !isTop; place = place.parent_path()) {
+        struct stat status {};
+
+        isTop = place == place.parent_path();
+        if (::lstat(place.c_str(), &status) != 0) {
+            if (errno != ENOENT) {
+                return Status::ofErrno(cannotUse, place, errno);
+            }
+        } else if (S_ISLNK(status.st_mode) ? status.st_uid != 0 : othersMayWrite(status)) {
+            return place.string();
+        }
+    }
+    return std::string();
+}
+
 } // namespace
 
 bool isDevelopment() {
@@ -35,28 +52,33 @@ Status checkHelperFile(const std::string& path) {
     if (isDevelopment()) {
         return {};
     }
-    std::error_code error;
-    std::filesystem::path place = std::filesystem::canonical(path, error);
-    if (error) {
-        return Status::failure(cannotUse, path, error.message());
-    }
-    while (true) {
-        struct stat status {};
-
-        if (::lstat(place.c_str(), &status) != 0) {
-            return Status::ofErrno(cannotUse, place, errno);
+    // sudo is given the path itself: what its links stand in counts, too.
+    for (const std::filesystem::path& place :
+         {std::filesystem::absolute(path), std::filesystem::canonical(path)}) {
+        const auto open = placeOfOthers(place);
+        if (!open.isOk()) {
+            return open.status();
         }
-        if (othersMayWrite(status)) {
+        if (!open->empty()) {
             return Status::failure(cannotUse, path,
-                                   "others than root may change " + place.string() +
+                                   "others than root may change " + *open +
                                        "; install Brindle as root, or, to try a build of your own, set "
                                        "BRINDLE_DEVELOPMENT=1");
         }
-        if (place == place.parent_path()) {
-            return {};
-        }
-        place = place.parent_path();
     }
+    return {};
+}
+
+Status checkRootsFolder(const std::string& path) {
+    std::error_code ignored; // what cannot be followed is judged as it stands
+    const auto open = placeOfOthers(std::filesystem::weakly_canonical(path, ignored));
+    if (!open.isOk()) {
+        return open.status();
+    }
+    return open->empty()
+               ? Status()
+               : Status::failure("cannot work below", path,
+                                 "others than root may change " + *open + "; name a folder of root's");
 }
 
 std::vector<std::string> systemHelperCommand(const std::string& helper, const std::string& prefix) {

@@ -5,11 +5,13 @@
 #include "platform/posix/Secret.h"
 #include "platform/security/HelperProtocol.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <csignal>
 #include <utility>
 
 #include <poll.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 namespace platform {
@@ -44,7 +46,9 @@ OSStatus HelperSession::run(const std::string& tool, std::span<const std::string
     if (!answer.isOk() || !*answer) {
         return wasDenied_ ? errAuthorizationDenied : errAuthorizationToolExecuteFailure;
     }
-    holdsChanges_ = holdsChanges_ || waitsForCommit(tool);
+    // On the computer itself each run is lasting at once.
+    const bool isLasting = std::ranges::find(command_, "--system") != command_.end();
+    holdsChanges_ = holdsChanges_ || (!isLasting && waitsForCommit(tool));
     if (output != nullptr) {
         if (!fillBytes(*written, (*answer)->output).isOk()) {
             return errAuthorizationToolExecuteFailure; // the tool complains of something: it has failed
@@ -95,6 +99,7 @@ void HelperSession::end() {
 
 void HelperSession::letGo() {
     holdsChanges_ = false;
+    std::erase_if(abandoned_, [](pid_t process) { return ::waitpid(process, nullptr, WNOHANG) != 0; });
     if (!helper_) {
         return;
     }
@@ -104,8 +109,11 @@ void HelperSession::letGo() {
 }
 
 void HelperSession::giveUp() {
-    if (helper_) {
-        ::kill(helper_->id, SIGKILL); // one that comes round later must do nothing
+    // One that comes round later must do nothing. Where sudo has made it root's it cannot be killed: it finds
+    // nobody to tell that it begins, and ends.
+    if (helper_ && ::kill(helper_->id, SIGKILL) != 0 && errno == EPERM) {
+        abandoned_.push_back(helper_->id);
+        helper_.reset();
     }
     if (std::exchange(holdsChanges_, false)) {
         lost_ = "the helper has ended too early; try again";
@@ -165,7 +173,12 @@ bool HelperSession::isAnswered() const {
     const auto patience = host == nullptr ? nullptr : host->services().patience;
     const auto since = std::chrono::steady_clock::now();
     bool isAnswered = true;
-    for (pollfd answer{helper_->output.get(), POLLIN, 0}; patience && ::poll(&answer, 1, tryAgain) == 0;) {
+    const auto isSilent = [&] {
+        pollfd answer{helper_->output.get(), POLLIN, 0};
+        const int ready = ::poll(&answer, 1, tryAgain);
+        return ready == 0 || (ready < 0 && errno == EINTR);
+    };
+    while (patience && isSilent()) {
         const std::chrono::duration<double> waited = std::chrono::steady_clock::now() - since;
         isAnswered = patience->keepWaiting(waited.count());
         if (!isAnswered) {

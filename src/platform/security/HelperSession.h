@@ -66,10 +66,11 @@ class HelperSession {
     std::vector<std::string> command_;
     std::chrono::milliseconds patience_;
     std::optional<ChildProcess> helper_;
-    bool holdsChanges_ = false; ///< the directory's tools have run since the last commit
-    std::string lost_;          ///< why their changes are gone
-    bool wasDenied_ = false;    ///< what stands before the helper has refused to start it
-    bool isGivenUp_ = false;    ///< the user has given up waiting: the rest of the action is not begun
+    std::vector<pid_t> abandoned_; ///< helpers that end by themselves, to be collected
+    bool holdsChanges_ = false;    ///< the directory's tools have run since the last commit
+    std::string lost_;             ///< why their changes are gone
+    bool wasDenied_ = false;       ///< what stands before the helper has refused to start it
+    bool isGivenUp_ = false;       ///< the user has given up waiting: the rest of the action is not begun
 };
 
 } // namespace platform
