@@ -301,6 +301,8 @@ TEST(Script, StopsAtWhatAUserCouldNotDoAndSaysWhere) {
         {"press raise\nclose about", "it:3: about cannot be used while the sheet password is up"},
         {"press raise\npage tabs 1", "it:3: tabs cannot be used while the sheet password is up"},
         {"press raise\ncheck inDrawer on", "it:3: inDrawer cannot be used while the sheet password is up"},
+        {"press raise\nundo", "it:3: a sheet is up: undo must wait until it has gone"},
+        {"press raise\nreread", "it:3: a sheet is up: reread must wait until it has gone"},
         {"press raise\nclose password", "it:3: password is a sheet: only its own buttons end it"},
         {"choose here", "it:2: an open panel chooses an absolute path, and \"here\" does not begin with /"},
         {"choose /etc/passwd\npress pick", "it:2: /etc/passwd is a file and the open panel offers folders"},
