@@ -172,7 +172,7 @@ Status ComputerDirectory::settle(const UnfinishedChange& change) {
 Status ComputerDirectory::keepOwnGroup(const UnfinishedChange& change) {
     const unsigned gid = change.after.number;
     if (!change.isUser || !change.after.name.empty() || gid == 0 ||
-        findGroup(change.before.name) != nullptr) {
+        accounts_.findGroup(change.before.name) != nullptr) {
         return {};
     }
     // userdel takes it along where USERGROUPS_ENAB is on (login.defs(5)).

@@ -64,11 +64,11 @@ void CommandPresenter::editWasRefused(const NSTextField& /*field*/, const std::s
 }
 
 void CommandPresenter::toolWillRun(const std::string& tool, std::span<const std::string> arguments) {
+    wasRefused_ = false;
     isTelling_ = tool == platform::systempath::smbstatus;
     if (isTelling_) {
         return; // what it writes is what it was asked for, and changes nothing
     }
-    wasRefused_ = false;
     std::string run = tool;
     for (const std::string& argument : arguments) {
         run += " " + scriptWord(argument);
