@@ -1,10 +1,13 @@
+#include "app/DirectoryRecords.h"
 #include "frontends/cli/CommandRun.h"
 #include "frontends/cli/PasswordSource.h"
 #include "platform/foundation/NSBundle.h"
 #include "platform/foundation/NSString.h"
 #include "platform/posix/Secret.h"
+#include "privileged/NiutilTask.h"
 
 #include <memory>
+#include <utility>
 
 namespace frontend {
 
@@ -24,23 +27,36 @@ struct UserOptions {
     PasswordSource password;
 };
 
-JSON userAt(const CommandRun& run, int row) {
-    const auto cell = [&](const char* column) { return run.cell(table, column, row); };
-    return {{"name", cell("User")},
-            {"fullName", cell("Full Name")},
-            {"uid", longLongValue(cell("UID"))},
-            {"gid", longLongValue(cell("GID"))},
-            {"publicFolder", cell("Public Shared") == NSLocalizedString("YES")}};
+JSON userOf(std::string name, std::string fullName, const std::string& uid, const std::string& gid,
+            bool sharesPublicFolder) {
+    return {{"name", std::move(name)},
+            {"fullName", std::move(fullName)},
+            {"uid", longLongValue(uid)},
+            {"gid", longLongValue(gid)},
+            {"publicFolder", sharesPublicFolder}};
 }
 
+JSON userAt(const CommandRun& run, int row) {
+    const auto cell = [&](const char* column) { return run.cell(table, column, row); };
+    return userOf(cell("User"), cell("Full Name"), cell("UID"), cell("GID"),
+                  cell("Public Shared") == NSLocalizedString("YES"));
+}
+
+/// The rows that the window's table would have, without the window: who has ten thousand users asks often.
 void list(CommandRun& run) {
     JSON& users = run.result()["users"] = JSON::array();
-    const int rows = run.control<NSTableView>(table).numberOfRows();
-    for (int row = 0; row < rows; ++row) {
-        JSON user = userAt(run, row);
-        run.say(user["name"].get<std::string>() + "\t" + user["uid"].dump() + "\t" +
-                user["fullName"].get<std::string>());
-        users.push_back(std::move(user));
+    const bool printsJSON = run.context().options.printsJSON;
+    for (const std::string& line : NiutilTask::sharedInstance().currentUsers()) {
+        UserRecord user(line);
+        if (user.isSystem()) {
+            continue;
+        }
+        if (printsJSON) {
+            users.push_back(userOf(std::move(user.name), std::move(user.fullName), user.uid, user.gid,
+                                   user.sharesPublicFolder));
+        } else {
+            run.say(user.name + "\t" + std::to_string(longLongValue(user.uid)) + "\t" + user.fullName);
+        }
     }
 }
 
@@ -177,7 +193,8 @@ void addUserCommands(CLI::App& parser, CommandOptions& options) {
         command->add_option("--group", given->group, "The user's group")->type_name("GROUP");
         addSwitch(*command, "public", given->sharesPublicFolder, "Share the user's Public folder");
     };
-    addCommand(*users, options, "list", CommandKind::Reading, "List all users", list);
+    addCommand(*users, options, "list", CommandKind::Reading, "List all users", list)
+        ->parse_complete_callback([&options] { options.needsApplication = false; });
     addNamed("show", CommandKind::Reading, "Show a user", show);
     CLI::App* const adding =
         addNamed("add", CommandKind::Writing, "Add a user who can connect to shares only",

@@ -69,8 +69,9 @@ std::int64_t timeOf(const std::string& text) {
     }
     constexpr std::int64_t minute = 60;
     int hours = 0;
+    char colon = 0;
     int minutes = 0;
-    if (std::sscanf(rest, "%3d:%2d", &hours, &minutes) == 2) {
+    if (std::istringstream(rest) >> hours >> colon >> minutes) {
         minutes = hours * 60 + (*rest == '-' ? -minutes : minutes);
     }
     return ::timegm(&time) - minutes * minute;
