@@ -145,7 +145,7 @@ TEST_F(SystemWindow, SaysWhetherTheServerRunsAndStartsIt) {
     inWindow([&] {
         const auto& state = widget<QLabel>("serverState");
         ASSERT_TRUE(QTest::qWaitFor([&] { return widget<QPushButton>("startServer").isVisible(); }, 10000));
-        EXPECT_TRUE(state.text().startsWith("The SMB server does not run")) << state.toolTip().toStdString();
+        EXPECT_TRUE(state.text().startsWith("The SMB server is not running")) << state.toolTip().toStdString();
         passwords = {"Abracadabra9"};
         answer({"Allow"});
         click("startServer");
@@ -154,7 +154,7 @@ TEST_F(SystemWindow, SaysWhetherTheServerRunsAndStartsIt) {
             << state.toolTip().toStdString();
         EXPECT_FALSE(widget<QPushButton>("startServer").isVisible());
         comeBackTo(3);
-        EXPECT_TRUE(state.text().startsWith("No AFP server runs")) << state.toolTip().toStdString();
+        EXPECT_TRUE(state.text().startsWith("No AFP server is running")) << state.toolTip().toStdString();
     });
 }
 

@@ -93,4 +93,32 @@ TEST_F(WindowStatusTest, AServerThatCouldNotBeStartedIsSaidInTheWindow) {
     EXPECT_EQ(status(), "port 4455 is in use");
 }
 
+TEST_F(WindowStatusTest, ALongActionSaysHowFarItIsAndStopsAfterTheRunUnderWay) {
+    constexpr int users = 60;
+    for (int user = 0; user < users; ++user) {
+        addUser("user" + std::to_string(user), std::to_string(501 + user));
+    }
+    openWithHistory();
+    host.onRun = [this](const RecordedRun& run) {
+        QTest::qSleep(20); // a tool takes its time
+        return carryOut(run);
+    };
+    showPage(1);
+    answer({"Go On", "Stop"}); // so many accounts are worth a question
+    clickTitled("Enable All");
+    EXPECT_TRUE(lastText.contains(" of 60\nuser")) << lastText.toStdString();
+    const int made = static_cast<int>(host.runs.size());
+    EXPECT_GT(made, 0);
+    EXPECT_LT(made, users);
+    EXPECT_EQ(status(), "Stopped: " + std::to_string(made) + " of 60 steps are done.");
+    EXPECT_EQ(std::ranges::count(columnOf("userTableView", "Public Shared"), "YES"), made);
+    EXPECT_TRUE(host.alerts.empty());
+    EXPECT_TRUE(widget<QPushButton>("statusUndo").isVisible());
+    // The next action begins with the right again.
+    clickRow("userTableView", users - 1);
+    answer({"Go On"});
+    clickTitled("Share");
+    EXPECT_EQ(columnOf("userTableView", "Public Shared").back(), "YES");
+}
+
 } // namespace

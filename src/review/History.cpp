@@ -70,6 +70,12 @@ std::optional<HistoryEntry> History::newest() const {
     return newest;
 }
 
+void History::stopAction() const {
+    if (recorder_) {
+        recorder_->stopAction();
+    }
+}
+
 std::string History::titleOfNextUndo() const {
     std::string title;
     if (recorder_) {

@@ -31,6 +31,11 @@ class History {
     /// The newest entry; none where there is none, or the history cannot be read.
     [[nodiscard]] std::optional<HistoryEntry> newest() const;
 
+    /// Lets no further run of the action that is under way begin but the one that the presenter is being told
+    /// of: the right to make it is refused, and nobody is asked. What is done stays. Nothing where no history
+    /// is kept.
+    void stopAction() const;
+
     /// The title of the change that an undo takes back next; empty where there is none, or the history cannot
     /// be read. Waits for no directory: a menu shows it.
     [[nodiscard]] std::string titleOfNextUndo() const;

@@ -14,6 +14,7 @@
 #include <cerrno>
 #include <cmath>
 #include <filesystem>
+#include <utility>
 
 #include <pwd.h>
 #include <sys/stat.h>
@@ -112,7 +113,7 @@ std::unique_ptr<platform::AuthorizationSession> Recorder::createSession(OSStatus
 
 OSStatus Recorder::copyRights(platform::AuthorizationSession& session, const AuthorizationRights& rights,
                               AuthorizationFlags flags) {
-    return authority_->copyRights(session, rights, flags);
+    return isStopped_ ? errAuthorizationCanceled : authority_->copyRights(session, rights, flags);
 }
 
 void Recorder::destroyRights(platform::AuthorizationSession& session) {
@@ -123,6 +124,10 @@ OSStatus Recorder::execute(platform::AuthorizationSession& session, const std::s
                            std::span<const std::string> arguments, int* output) {
     if (tool == systempath::smbstatus || tool == systempath::smbcontrol) {
         return authority_->execute(session, tool, arguments, output); // nothing that could be taken back
+    }
+    // Some operations ask for the right only once.
+    if (isStopped_ && !std::exchange(finishesRun_, false)) {
+        return errAuthorizationCanceled;
     }
     // Opened before the run: what was carried out must not seem to have failed for want of a descriptor.
     auto copy = output == nullptr ? platform::Result(platform::FileDescriptor()) : platform::openBytes({});
@@ -209,6 +214,7 @@ void Recorder::endAction() {
     notedRecords_.clear();
     setsPassword_ = false;
     undoFailed_ = false;
+    isStopped_ = false;
 }
 
 void Recorder::beginUndo(std::int64_t undone, std::string title) {

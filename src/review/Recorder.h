@@ -34,6 +34,12 @@ class Recorder : public platform::Authority, public platform::PendingWrites {
     /// The action that is under way takes the entry of this number back; its own is titled so.
     void beginUndo(std::int64_t undone, std::string title);
 
+    /// No run but the one that is announced is made until the action that is under way has ended.
+    void stopAction() {
+        isStopped_ = true;
+        finishesRun_ = true;
+    }
+
     /// It has not got to its end.
     void failUndo() { undoFailed_ = true; }
 
@@ -54,6 +60,8 @@ class Recorder : public platform::Authority, public platform::PendingWrites {
     std::unordered_set<std::string> notedRecords_; ///< those that it names
     bool setsPassword_ = false;
     bool undoFailed_ = false;
+    bool isStopped_ = false;
+    bool finishesRun_ = false;
 };
 
 /// The state of a folder; none when it cannot be examined.

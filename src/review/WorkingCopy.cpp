@@ -278,7 +278,8 @@ OSStatus WorkingCopy::execute(const std::string& tool, std::span<const std::stri
     if (output == nullptr) {
         return errAuthorizationSuccess;
     }
-    if (text.empty()) { // as nearly always; a file in memory for each of 10,000 runs would take half of the time
+    if (text.empty()) { // as nearly always; a file in memory for each of 10,000 runs would take half of the
+                        // time
         *output = ::open("/dev/null", O_RDONLY | O_CLOEXEC);
         return *output < 0 ? errAuthorizationToolExecuteFailure : errAuthorizationSuccess;
     }

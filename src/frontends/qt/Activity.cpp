@@ -80,6 +80,7 @@ void Activity::endEvent() {
     isRefused_ = false;
     isEditRefused_ = false;
     failure_.clear();
+    stop_.clear();
 }
 
 QString outcomeText(const ActivityEntry& entry) {

@@ -39,6 +39,12 @@ class Activity {
     /// The user was asked for permission, and refused.
     void permissionWasRefused() { isRefused_ = true; }
 
+    /// The user has stopped the action that is under way; `text` says how far it has come.
+    void wasStopped(std::string text) { stop_ = std::move(text); }
+
+    /// As given to wasStopped in this event; empty where nothing was stopped.
+    [[nodiscard]] const std::string& stopOfEvent() const { return stop_; }
+
     /// The event under way has ended; what follows belongs to the next one.
     void endEvent();
 
@@ -65,6 +71,7 @@ class Activity {
     bool isEditRefused_ = false;
     bool beepWaits_ = false; ///< for the line that explains it
     std::string failure_;
+    std::string stop_;
 };
 
 /// What the outcome of an entry is called: "done", "failed", or nothing for a line of the log.

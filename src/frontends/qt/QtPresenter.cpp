@@ -60,6 +60,7 @@ void QtPresenter::closeAll() {
     }
     leaveLog();
     status_ = nullptr;
+    progress_.reset();
     timers_.reset();
     while (!views_.empty()) {
         views_.pop_back();
@@ -156,7 +157,7 @@ void QtPresenter::beep() {
     if (queue_ && !queue_->isInEvent()) { // a key that was refused
         activity_.endEvent();
     }
-    if (asks()) {
+    if (asks() && activity_.stopOfEvent().empty()) { // what was stopped need not be heard
         QApplication::beep();
     }
 }
@@ -225,6 +226,8 @@ void QtPresenter::useReviewer(review::Reviewer& reviewer) {
     platform::Host::current().setPatience(patience_);
     if (auto* window = qobject_cast<QMainWindow*>(mainWidget_)) {
         review_ = new WindowReview(reviewer, *window, *actions_.front(), *queue_); // the window's child
+        progress_ = std::make_unique<RunProgress>([this] { return parentForDialogs(); }, activity_, *queue_);
+        review_->setAllowed([this](std::size_t runs) { progress_->begin(asks() ? runs : 0); });
         watchLog();
         status_ = new WindowStatus(activity_, *window, *actions_.front(), *queue_); // the same
         const auto& computer = platform::Host::current().services().computer;
@@ -244,6 +247,7 @@ void QtPresenter::useHistory(const review::History& history) {
     auto* menu = window == nullptr ? nullptr : window->findChild<QMenu*>("changesMenu");
     if (menu != nullptr && reviewer_ != nullptr) {
         auto* changes = new WindowHistory(history, *reviewer_, *window, *menu, *queue_); // the window's child
+        progress_->setStop([&history] { history.stopAction(); });
         status_->useHistory(history, *menu, [changes, window](std::int64_t number) {
             static_cast<void>(changes->takeBack(number, window)); // what came of it is shown
         });
@@ -298,6 +302,9 @@ void QtPresenter::editWasRefused(const NSTextField&, const std::string&) {
 
 void QtPresenter::toolWillRun(const std::string& tool, std::span<const std::string> arguments) {
     activity_.toolWillRun(tool, arguments);
+    if (progress_) {
+        progress_->toolWillRun(tool, arguments);
+    }
 }
 
 void QtPresenter::toolDidWrite(std::string_view output) {

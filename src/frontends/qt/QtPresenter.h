@@ -4,6 +4,7 @@
 #include "frontends/qt/Activity.h"
 #include "frontends/qt/FrameTimers.h"
 #include "frontends/qt/QtFrontend.h"
+#include "frontends/qt/RunProgress.h"
 #include "frontends/qt/WindowStatus.h"
 #include "frontends/qt/WindowView.h"
 #include "platform/appkit/Presenter.h"
@@ -97,5 +98,6 @@ class QtPresenter : public platform::Presenter {
     Activity activity_;
     std::shared_ptr<platform::Log> log_;       ///< the host's own; null while it is in place
     std::shared_ptr<ActivityLog> activityLog_; ///< stands before it
+    std::unique_ptr<RunProgress> progress_;    ///< null where there is no reviewer
     WindowStatus* status_ = nullptr;           ///< the main window's child; null where there is none
 };

@@ -80,7 +80,13 @@ WindowReview::WindowReview(review::Reviewer& reviewer, QMainWindow& window, Wind
     eventEnded_ = queue.eventEnded.connect([this] { showDirectoryNotice(); });
     window.installEventFilter(this);
     reviewer.setBlockedHandler([this](const review::Plan& plan) { showBlocked(plan); });
-    reviewer.setQuestion([this](const review::Plan& plan) { return ask(plan); });
+    reviewer.setQuestion([this](const review::Plan& plan) {
+        const bool mayBegin = ask(plan);
+        if (mayBegin && allowed_) {
+            allowed_(plan.runs.size());
+        }
+        return mayBegin;
+    });
     reviewer.setRefusesWithoutDirectory(true);
     showRemarks();
     actions.leaveConfirmations(); // every confirmed action writes

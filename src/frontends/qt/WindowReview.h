@@ -31,6 +31,9 @@ class WindowReview : public QObject {
     /// marks are looked for.
     void setShareRemarks(std::function<std::multimap<std::string, std::string>()> find);
 
+    /// `allowed` is told how many runs an action that may begin now will make.
+    void setAllowed(std::function<void(std::size_t runs)> allowed) { allowed_ = std::move(allowed); }
+
     /// A user's event has used the control with this operation.
     void actionWasUsed(const std::string& operation);
 
@@ -60,6 +63,7 @@ class WindowReview : public QObject {
     QAction* reviewAll_ = nullptr;
     std::function<std::multimap<std::string, std::string>()> findMore_;
     std::multimap<std::string, std::string> more_;
+    std::function<void(std::size_t)> allowed_;
     platform::Connection eventEnded_;
     platform::Connection used_;
 };

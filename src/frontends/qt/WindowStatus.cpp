@@ -131,7 +131,9 @@ void WindowStatus::showOutcome() {
         number_ = newest->number;
     }
     const std::string& failure = activity_.failureOfEvent();
-    if (!failure.empty()) {
+    if (const std::string& stop = activity_.stopOfEvent(); !stop.empty()) {
+        show(shown(stop));
+    } else if (!failure.empty()) {
         show(shown(stringWithFormat(NSLocalizedString(isNew ? "Not everything was done: %@" : "Failed: %@"),
                                     failure)),
              true);
