@@ -145,7 +145,8 @@ TEST_F(SystemWindow, SaysWhetherTheServerRunsAndStartsIt) {
     inWindow([&] {
         const auto& state = widget<QLabel>("serverState");
         ASSERT_TRUE(QTest::qWaitFor([&] { return widget<QPushButton>("startServer").isVisible(); }, 10000));
-        EXPECT_TRUE(state.text().startsWith("The SMB server is not running")) << state.toolTip().toStdString();
+        EXPECT_TRUE(state.text().startsWith("The SMB server is not running"))
+            << state.toolTip().toStdString();
         passwords = {"Abracadabra9"};
         answer({"Allow"});
         click("startServer");
