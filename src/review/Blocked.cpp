@@ -72,8 +72,8 @@ void addAccountBlock(const DirectoryChange& change, const std::string& outlet, A
                      std::vector<Remark>* blocks) {
     const RecordPath path = recordPath(change.path).value();
     const platform::Status status = accounts.take(change);
-    if (!status.isOk()) {
-        blocks->push_back({"account",
+    if (!status.isOk() && change.operation != "-delete") { // whoever wants something gone may try
+        blocks->push_back({"name",
                            accounts.exists(path)
                                ? stringWithFormat(NSLocalizedString("\"%@\" cannot be changed: %@."),
                                                   path.back(), status.why())
@@ -113,8 +113,8 @@ void addPasswordBlocks(const BROutlets& controls, const std::optional<AccountFor
                        std::vector<Remark>* blocks) {
     const std::string& user = controls.shortName->stringValue();
     if (const auto status = accounts ? accounts->checkPassword(user) : platform::Status(); !status.isOk()) {
-        blocks->push_back({"account", stringWithFormat(NSLocalizedString("\"%@\" cannot be changed: %@."),
-                                                       user, status.why())});
+        blocks->push_back({"name", stringWithFormat(NSLocalizedString("\"%@\" cannot be changed: %@."), user,
+                                                    status.why())});
     }
     const auto status = platform::SambaAccounts::checkPassword(controls.passwordSecureText1->stringValue());
     if (!status.isOk()) {

@@ -13,7 +13,6 @@
 
 using platform::Status;
 using platform::Store;
-using platform::UserLine;
 
 namespace {
 

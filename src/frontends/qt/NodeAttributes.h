@@ -3,6 +3,8 @@
 #include "platform/appkit/Interface.h"
 #include "platform/foundation/NSString.h"
 
+#include <algorithm>
+#include <initializer_list>
 #include <string_view>
 
 /// The attribute as a number; 0 when there is none.
@@ -19,4 +21,15 @@
 template <class Model>
 [[nodiscard]] Model* modelOf(const platform::InterfaceNode& node) {
     return dynamic_cast<Model*>(node.element.get());
+}
+
+[[nodiscard]] inline bool isOneOf(const platform::InterfaceNode& node,
+                                  std::initializer_list<platform::InterfaceKind> kinds) {
+    return std::ranges::find(kinds, node.kind) != kinds.end();
+}
+
+/// Does the node only lay out what it holds?
+[[nodiscard]] inline bool isLayout(const platform::InterfaceNode& node) {
+    using enum platform::InterfaceKind;
+    return isOneOf(node, {Column, Row, Grid});
 }

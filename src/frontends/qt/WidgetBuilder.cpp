@@ -23,7 +23,6 @@
 #include <QVBoxLayout>
 
 #include <algorithm>
-#include <initializer_list>
 #include <stdexcept>
 
 using Kind = platform::InterfaceKind;
@@ -36,14 +35,6 @@ constexpr int boxMargin = 12;
 constexpr int spacing = 8;
 constexpr int partSpacing = 20;
 constexpr int indentStep = 20;
-
-bool isOneOf(const InterfaceNode& node, std::initializer_list<Kind> kinds) {
-    return std::find(kinds.begin(), kinds.end(), node.kind) != kinds.end();
-}
-
-bool isLayout(const InterfaceNode& node) {
-    return isOneOf(node, {Kind::Column, Kind::Row, Kind::Grid});
-}
 
 /// Does the node take the room that is left beside it (`vertical`: below it)?
 bool takesRoom(const InterfaceNode& node, bool vertical) {
