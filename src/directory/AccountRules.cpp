@@ -129,30 +129,14 @@ bool keepsLine(const Request& request, const UserLine& line) {
     return request.value() == (property == "home" ? line.home : line.shell);
 }
 
+std::string ruleBrokenByChangingUser(const Request& request, const UserLine& line) {
+    return ruleBrokenByUserOfSystem(line, request.isOurs, request.accounts.limits);
+}
+
 std::string ruleBrokenByRemovingUser(const Request& request, const UserLine& line) {
     return line.uid == request.accounts.user
                ? "it is the user who runs Brindle; let another administrator do it"
-               : ruleBrokenByUserOfSystem(line, request.isOurs, request.accounts.limits);
-}
-
-std::string ruleBrokenByUser(const Request& request) {
-    const UserLine* line = request.accounts.findUser(request.name);
-    if (!request.change.property) {
-        if (request.writes()) {
-            return line == nullptr ? ruleBrokenByNewUser(request, request.name) : "";
-        }
-        return line == nullptr ? "" : ruleBrokenByRemovingUser(request, *line);
-    }
-    if (request.isRenaming()) {
-        const std::string newName = request.value();
-        std::string broken =
-            line == nullptr || newName == request.name ? "" : ruleBrokenByRemovingUser(request, *line);
-        return !broken.empty() || newName == request.name ? broken : ruleBrokenByNewUser(request, newName);
-    }
-    std::string broken = request.writes() ? ruleBrokenByUserValues(request, line) : "";
-    return !broken.empty() || line == nullptr || keepsLine(request, *line)
-               ? broken
-               : ruleBrokenByUserOfSystem(*line, request.isOurs, request.accounts.limits);
+               : ruleBrokenByChangingUser(request, line);
 }
 
 // Groups.
@@ -217,27 +201,54 @@ bool keepsLine(const Request& request, const GroupLine& line) {
     return property == "passwd" || !request.writes() || numberOf(request.change) == line.gid;
 }
 
-std::string ruleBrokenByGroup(const Request& request) {
-    if (request.name == platform::administratorsGroup) {
-        return whyAdministratorsStay(request.accounts);
-    }
-    const GroupLine* line = request.accounts.findGroup(request.name);
+/// What users and groups differ in.
+template <class Line>
+struct Rules {
+    std::string (*ofNewName)(const Request& request, const std::string& name);
+    std::string (*ofValues)(const Request& request, const Line* line);
+    /// Of a line that is changed, and of one that goes away or is called otherwise.
+    std::string (*ofChange)(const Request& request, const Line& line);
+    std::string (*ofRemoval)(const Request& request, const Line& line);
+};
+
+constexpr Rules<UserLine> userRules{&ruleBrokenByNewUser, &ruleBrokenByUserValues, &ruleBrokenByChangingUser,
+                                    &ruleBrokenByRemovingUser};
+constexpr Rules<GroupLine> groupRules{&ruleBrokenByNewGroup, &ruleBrokenByGroupValues,
+                                      &ruleBrokenByGroupOfSystem, &ruleBrokenByGroupOfSystem};
+
+/// `line` is null where the computer has no such account yet.
+template <class Line>
+std::string ruleBroken(const Request& request, const Line* line, const Rules<Line>& rules) {
     if (!request.change.property) {
         if (request.writes()) {
-            return line == nullptr ? ruleBrokenByNewGroup(request, request.name) : "";
+            return line == nullptr ? rules.ofNewName(request, request.name) : "";
         }
-        return line == nullptr ? "" : ruleBrokenByGroupOfSystem(request, *line);
+        return line == nullptr ? "" : rules.ofRemoval(request, *line);
     }
+    std::string broken;
     if (request.isRenaming()) {
         const std::string newName = request.value();
-        std::string broken =
-            line == nullptr || newName == request.name ? "" : ruleBrokenByGroupOfSystem(request, *line);
-        return !broken.empty() || newName == request.name ? broken : ruleBrokenByNewGroup(request, newName);
+        if (newName == request.name) {
+            return {};
+        }
+        broken = line == nullptr ? "" : rules.ofRemoval(request, *line);
+        return broken.empty() ? rules.ofNewName(request, newName) : broken;
     }
-    std::string broken = request.writes() ? ruleBrokenByGroupValues(request, line) : "";
-    return !broken.empty() || line == nullptr || keepsLine(request, *line)
-               ? broken
-               : ruleBrokenByGroupOfSystem(request, *line);
+    broken = request.writes() ? rules.ofValues(request, line) : "";
+    return !broken.empty() || line == nullptr || keepsLine(request, *line) ? broken
+                                                                           : rules.ofChange(request, *line);
+}
+
+std::string ruleBroken(const Request& request, const RecordPath& path) {
+    if (path.size() != 2) {
+        return "an account has no records below it; name the account alone";
+    }
+    if (path.front() == "users") {
+        return ruleBroken(request, request.accounts.findUser(request.name), userRules);
+    }
+    return request.name == platform::administratorsGroup
+               ? whyAdministratorsStay(request.accounts)
+               : ruleBroken(request, request.accounts.findGroup(request.name), groupRules);
 }
 
 } // namespace
@@ -264,10 +275,10 @@ Status checkAccountChange(const ComputerAccounts& accounts, const DirectoryChang
     const bool reachesLine =
         !change.property || change.property == "name" || isPropertyOfLine(path, *change.property);
     const bool isAdministrators = path == RecordPath{"groups", platform::administratorsGroup};
-    if (!reachesLine && !isAdministrators) {
+    if (!reachesLine && !isAdministrators && path.size() == 2) {
         return {};
     }
-    std::string why = path.front() == "users" ? ruleBrokenByUser(request) : ruleBrokenByGroup(request);
+    std::string why = ruleBroken(request, path);
     return why.empty() ? Status() : refusal(change, std::move(why));
 }
 

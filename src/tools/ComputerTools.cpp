@@ -124,9 +124,6 @@ Status changeComputer(const DirectoryPlace& place, const DirectoryChange& change
     if (!isAccount(path)) {
         return changeShares(place, change);
     }
-    if (path.size() != 2) {
-        return refusal(change, "an account has no records below it; name the account alone");
-    }
     ComputerDirectory directory(place);
     if (!directory.status().isOk()) {
         return refusal(change, directory.status().text());

@@ -1,6 +1,7 @@
 #include "frontends/qt/AccessDialog.h"
 
 #include "frontends/qt/Binding.h"
+#include "frontends/qt/DialogParts.h"
 #include "platform/foundation/NSBundle.h"
 #include "platform/foundation/NSString.h"
 
@@ -24,10 +25,6 @@ constexpr int dialogWidth = 820;
 constexpr int dialogHeight = 520;
 constexpr int reasonColumn = 7;
 constexpr int reasonLines = 4;
-
-QString localized(const char* key) {
-    return shown(NSLocalizedString(key));
-}
 
 QString guestName() {
     return localized("Guest");
@@ -55,15 +52,14 @@ AccessDialog::AccessDialog(Questions questions, const std::optional<std::string>
     for (const std::string& each : questions_.users) {
         subject_->addItem(shown(stringWithFormat(NSLocalizedString("What \"%@\" may do"), each)));
     }
-    list_ = new QTreeWidget;
-    list_->setObjectName("accessList");
-    list_->setRootIsDecorated(false);
-    list_->setUniformRowHeights(true);
-    list_->setHeaderLabels({QString(), localized("Connect"), localized("List"), localized("Read"),
-                            localized("Write"), localized("Create"), localized("Delete"),
-                            localized("Why Not More")});
-    list_->header()->setSectionResizeMode(QHeaderView::ResizeToContents);
-    list_->header()->setStretchLastSection(true);
+    list_ =
+        makeList("accessList",
+                 {QString(), localized("Connect"), localized("List"), localized("Read"), localized("Write"),
+                  localized("Create"), localized("Delete"), localized("Why Not More")},
+                 reasonColumn);
+    for (int column = 0; column < reasonColumn; ++column) {
+        list_->header()->setSectionResizeMode(column, QHeaderView::ResizeToContents);
+    }
     reason_ = new QLabel;
     reason_->setObjectName("accessReason");
     reason_->setTextFormat(Qt::PlainText);
@@ -71,10 +67,8 @@ AccessDialog::AccessDialog(Questions questions, const std::optional<std::string>
     reason_->setWordWrap(true);
     reason_->setAlignment(Qt::AlignTop | Qt::AlignLeft);
     reason_->setMinimumHeight(reasonLines * reason_->fontMetrics().lineSpacing());
-    auto* buttons = new QDialogButtonBox;
-    buttons->addButton(localized("Close"), QDialogButtonBox::RejectRole)->setDefault(true);
-    auto* again = buttons->addButton(localized("Check Again"), QDialogButtonBox::ActionRole);
-    again->setAutoDefault(false);
+    auto* buttons = makeButtons(*this);
+    auto* again = addButton(*buttons, localized("Check Again"));
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(subject_);
     layout->addWidget(list_, 1);
@@ -95,7 +89,6 @@ AccessDialog::AccessDialog(Questions questions, const std::optional<std::string>
                                                : 1);
     connect(subject_, &QComboBox::currentIndexChanged, this, [this] { fill(); });
     connect(again, &QPushButton::clicked, this, [this] { fill(); });
-    connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
     connect(list_, &QTreeWidget::currentItemChanged, this, [this] { showReason(); });
     fill();
 }

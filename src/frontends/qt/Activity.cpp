@@ -9,10 +9,6 @@ namespace {
 
 constexpr std::size_t entryLimit = 20000;
 
-QString localized(const char* key) {
-    return shown(NSLocalizedString(key));
-}
-
 std::string trimmed(std::string_view text) {
     constexpr std::string_view blanks = " \t\r\n";
     const auto first = text.find_first_not_of(blanks);

@@ -1,6 +1,7 @@
 #include "frontends/qt/ActivityDialog.h"
 
 #include "frontends/qt/Binding.h"
+#include "frontends/qt/DialogParts.h"
 #include "platform/appkit/NSAlert.h"
 #include "platform/foundation/NSBundle.h"
 #include "platform/foundation/NSString.h"
@@ -29,10 +30,6 @@ constexpr int outcomeWidth = 80;
 constexpr std::array<const char*, 3> columnTitles = {"Time", "What", "Outcome"};
 
 enum Column { timeColumn, textColumn, outcomeColumn };
-
-QString localized(const char* key) {
-    return shown(NSLocalizedString(key));
-}
 
 QVariant markOf(const ActivityEntry& entry) {
     return entry.hasFailed || entry.hasBeeped
@@ -95,7 +92,7 @@ void ActivityModel::reload() {
 
 ActivityDialog::ActivityDialog(const Activity& activity, QWidget* parent)
     : QDialog(parent), activity_(activity), model_(activity), table_(new QTableView),
-      details_(new QPlainTextEdit) {
+      details_(makeDetails("activityDetails")) {
     setObjectName("activity");
     setWindowTitle(localized("Activity"));
     resize(dialogWidth, dialogHeight);
@@ -115,18 +112,10 @@ ActivityDialog::ActivityDialog(const Activity& activity, QWidget* parent)
     header->setSectionResizeMode(textColumn, QHeaderView::Stretch);
     header->resizeSection(timeColumn, timeWidth);
     header->resizeSection(outcomeColumn, outcomeWidth);
-    details_->setObjectName("activityDetails");
-    details_->setAccessibleName(localized("Details"));
-    details_->setReadOnly(true);
-    details_->setTabChangesFocus(true);
     details_->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
     details_->setPlaceholderText(localized("Select a line to see all of it, and what its tool said."));
-    auto* buttons = new QDialogButtonBox;
-    auto* close = buttons->addButton(localized("Close"), QDialogButtonBox::RejectRole);
-    close->setDefault(true);
-    auto* save = buttons->addButton(localized("Save as Text…"), QDialogButtonBox::ActionRole);
-    save->setAutoDefault(false);
-    connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
+    auto* buttons = makeButtons(*this);
+    auto* save = addButton(*buttons, localized("Save as Text…"));
     connect(save, &QPushButton::clicked, this, [this] { saveAsText(); });
     connect(table_->selectionModel(), &QItemSelectionModel::currentRowChanged, this,
             [this] { showCurrent(); });

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/appkit/Element.h"
+#include "platform/foundation/NSBundle.h"
 
 #include <QColor>
 #include <QObject>
@@ -80,6 +81,11 @@ inline constexpr QColor warningColor(0xa0, 0x3c, 0x00);
 /// The text as Qt shows it; a byte that is not UTF-8 shows as a replacement character.
 [[nodiscard]] inline QString shown(const std::string& text) {
     return QString::fromStdString(text);
+}
+
+/// The text in the user's language, by its English.
+[[nodiscard]] inline QString localized(const char* key) {
+    return shown(NSLocalizedString(key));
 }
 
 /// The text as a title in which "&" is an ampersand and underlines nothing.

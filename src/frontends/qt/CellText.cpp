@@ -9,10 +9,6 @@
 
 namespace {
 
-QString localized(const char* key) {
-    return shown(NSLocalizedString(key));
-}
-
 /// The words for yes that the lists hold: the application's own marks, and whatever stands in a settings
 /// file.
 bool meansYes(const std::string& value) {

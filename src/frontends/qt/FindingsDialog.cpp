@@ -1,6 +1,7 @@
 #include "frontends/qt/FindingsDialog.h"
 
 #include "frontends/qt/Binding.h"
+#include "frontends/qt/DialogParts.h"
 #include "platform/foundation/NSBundle.h"
 #include "platform/foundation/NSString.h"
 
@@ -22,10 +23,6 @@ using accesscheck::Finding;
 constexpr int dialogWidth = 760;
 constexpr int dialogHeight = 460;
 
-QString localized(const char* key) {
-    return shown(NSLocalizedString(key));
-}
-
 } // namespace
 
 FindingsDialog::FindingsDialog(std::function<accesscheck::Examination()> examine, QWidget* parent)
@@ -36,22 +33,10 @@ FindingsDialog::FindingsDialog(std::function<accesscheck::Examination()> examine
     summary_ = new QLabel;
     summary_->setObjectName("findingsSummary");
     summary_->setTextFormat(Qt::PlainText);
-    list_ = new QTreeWidget;
-    list_->setObjectName("findingsList");
-    list_->setRootIsDecorated(false);
-    list_->setUniformRowHeights(true);
-    list_->setHeaderLabels({localized("What Is Wrong"), localized("Where")});
-    list_->header()->setSectionResizeMode(0, QHeaderView::Stretch);
-    list_->header()->setStretchLastSection(false);
-    details_ = new QPlainTextEdit;
-    details_->setObjectName("findingDetails");
-    details_->setReadOnly(true);
-    details_->setTabChangesFocus(true);
-    auto* buttons = new QDialogButtonBox;
-    buttons->addButton(localized("Close"), QDialogButtonBox::RejectRole)->setDefault(true);
-    auto* again = buttons->addButton(localized("Check Again"), QDialogButtonBox::ActionRole);
-    again->setAutoDefault(false);
-    connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
+    list_ = makeList("findingsList", {localized("What Is Wrong"), localized("Where")}, 0);
+    details_ = makeDetails("findingDetails");
+    auto* buttons = makeButtons(*this);
+    auto* again = addButton(*buttons, localized("Check Again"));
     connect(again, &QPushButton::clicked, this, [this] { fill(); });
     connect(list_, &QTreeWidget::currentItemChanged, this, [this] { showFinding(); });
     auto* layout = new QVBoxLayout(this);

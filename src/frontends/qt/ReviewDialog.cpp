@@ -22,10 +22,6 @@ constexpr int markSize = 32;
 constexpr int detailsHeight = 200;
 constexpr int mostRowsHeight = 360;
 
-QString localized(const char* key) {
-    return shown(NSLocalizedString(key));
-}
-
 QLabel* paragraph(const QString& text) {
     auto* label = new QLabel(text);
     label->setTextFormat(Qt::PlainText);

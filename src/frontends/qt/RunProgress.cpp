@@ -1,5 +1,6 @@
 #include "frontends/qt/RunProgress.h"
 
+#include "frontends/qt/Binding.h"
 #include "platform/foundation/NSBundle.h"
 #include "platform/foundation/NSString.h"
 
@@ -19,10 +20,6 @@ constexpr std::size_t fewRuns = 10;
 constexpr int moment = 400; // milliseconds
 constexpr int betweenLooks = 50;
 constexpr int dialogWidth = 360;
-
-QString localized(const char* key) {
-    return shown(NSLocalizedString(key));
-}
 
 std::string numberText(std::size_t number) {
     return QLocale().toString(static_cast<qulonglong>(number)).toStdString();

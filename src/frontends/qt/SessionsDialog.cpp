@@ -1,6 +1,7 @@
 #include "frontends/qt/SessionsDialog.h"
 
 #include "frontends/qt/Binding.h"
+#include "frontends/qt/DialogParts.h"
 #include "platform/appkit/NSAlert.h"
 #include "platform/foundation/NSBundle.h"
 #include "platform/foundation/NSString.h"
@@ -24,10 +25,6 @@ constexpr int dialogHeight = 420;
 constexpr int kindRole = Qt::UserRole;     ///< of what can be disconnected: a Disconnection
 constexpr int nameRole = Qt::UserRole + 1; ///< and the address or the share
 
-QString localized(const char* key) {
-    return shown(NSLocalizedString(key));
-}
-
 QString timeText(std::int64_t time) {
     return time == 0 ? QString()
                      : QLocale().toString(QDateTime::fromSecsSinceEpoch(time), QLocale::ShortFormat);
@@ -48,20 +45,12 @@ SessionsDialog::SessionsDialog(Server server, QWidget* parent) : QDialog(parent)
     summary_->setObjectName("sessionsSummary");
     summary_->setTextFormat(Qt::PlainText);
     summary_->setWordWrap(true);
-    list_ = new QTreeWidget;
-    list_->setObjectName("sessionsList");
-    list_->setUniformRowHeights(true);
-    list_->setHeaderLabels({localized("User"), localized("Computer"), localized("Since")});
-    list_->header()->setSectionResizeMode(0, QHeaderView::Stretch);
-    list_->header()->setStretchLastSection(false);
-    auto* buttons = new QDialogButtonBox;
-    buttons->addButton(localized("Close"), QDialogButtonBox::RejectRole)->setDefault(true);
-    auto* again = buttons->addButton(localized("Look Again"), QDialogButtonBox::ActionRole);
-    again->setAutoDefault(false);
-    disconnect_ = buttons->addButton(localized("Disconnect…"), QDialogButtonBox::ActionRole);
+    list_ = makeList("sessionsList", {localized("User"), localized("Computer"), localized("Since")}, 0);
+    list_->setRootIsDecorated(true); // a session opens to show its shares
+    auto* buttons = makeButtons(*this);
+    auto* again = addButton(*buttons, localized("Look Again"));
+    disconnect_ = addButton(*buttons, localized("Disconnect…"));
     disconnect_->setObjectName("disconnect");
-    disconnect_->setAutoDefault(false);
-    connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
     connect(again, &QPushButton::clicked, this, [this] { fill(); });
     connect(disconnect_, &QPushButton::clicked, this, [this] { disconnectSelected(); });
     connect(list_, &QTreeWidget::currentItemChanged, this, [this] { updateButton(); });

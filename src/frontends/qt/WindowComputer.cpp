@@ -1,5 +1,6 @@
 #include "frontends/qt/WindowComputer.h"
 
+#include "frontends/qt/Binding.h"
 #include "frontends/qt/ElidedLabel.h"
 #include "frontends/qt/TableView.h"
 #include "platform/foundation/NSBundle.h"
@@ -17,10 +18,6 @@ constexpr int stateStretch = 2;
 constexpr int afpPage = 3;
 constexpr const char* userTable = "userTableView";
 constexpr const char* sharedColumn = "Public Shared";
-
-QString localized(const char* key) {
-    return shown(NSLocalizedString(key));
-}
 
 } // namespace
 

@@ -1,5 +1,7 @@
 #include "frontends/qt/WindowHistory.h"
 
+#include "frontends/qt/Binding.h"
+#include "frontends/qt/DialogParts.h"
 #include "frontends/qt/ReviewDialog.h"
 #include "platform/appkit/NSAlert.h"
 #include "platform/foundation/NSBundle.h"
@@ -23,10 +25,6 @@ namespace {
 constexpr int dialogWidth = 720;
 constexpr int dialogHeight = 480;
 constexpr int numberRole = Qt::UserRole;
-
-QString localized(const char* key) {
-    return shown(NSLocalizedString(key));
-}
 
 void showProblem(const std::string& title, const std::string& text) {
     NSRunAlertPanel(title, "%@", NSLocalizedString("OK"), std::nullopt, std::nullopt, text);
@@ -98,27 +96,14 @@ class HistoryDialog : public QDialog {
         setObjectName("history");
         setWindowTitle(localized("History"));
         resize(dialogWidth, dialogHeight);
-        list_ = new QTreeWidget;
-        list_->setObjectName("historyList");
-        list_->setRootIsDecorated(false);
-        list_->setUniformRowHeights(true);
-        list_->setHeaderLabels(
-            {localized("When"), localized("What"), localized("Who"), localized("Outcome")});
-        list_->header()->setSectionResizeMode(1, QHeaderView::Stretch);
-        list_->header()->setStretchLastSection(false);
-        details_ = new QPlainTextEdit;
-        details_->setObjectName("historyDetails");
-        details_->setReadOnly(true);
-        details_->setTabChangesFocus(true);
+        list_ = makeList("historyList",
+                         {localized("When"), localized("What"), localized("Who"), localized("Outcome")}, 1);
+        details_ = makeDetails("historyDetails");
         details_->setLineWrapMode(QPlainTextEdit::NoWrap);
         details_->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
         details_->setPlaceholderText(localized("Select a change to see what it did."));
-        auto* buttons = new QDialogButtonBox;
-        auto* close = buttons->addButton(localized("Close"), QDialogButtonBox::RejectRole);
-        close->setDefault(true);
-        takeBack_ = buttons->addButton(localized("Take Back…"), QDialogButtonBox::ActionRole);
-        takeBack_->setAutoDefault(false);
-        connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
+        auto* buttons = makeButtons(*this);
+        takeBack_ = addButton(*buttons, localized("Take Back…"));
         connect(takeBack_, &QPushButton::clicked, this, [this, &owner] {
             if (const auto* item = list_->currentItem()) {
                 owner.takeBack(item->data(0, numberRole).toLongLong(), this);

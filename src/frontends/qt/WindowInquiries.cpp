@@ -2,6 +2,7 @@
 
 #include "access/AccessCheck.h"
 #include "access/ServerAccounts.h"
+#include "frontends/qt/Binding.h"
 #include "frontends/qt/FindingsDialog.h"
 #include "frontends/qt/SessionsDialog.h"
 #include "model/SMBConf.h"
@@ -19,10 +20,6 @@
 #include <map>
 
 namespace {
-
-QString localized(const char* key) {
-    return shown(NSLocalizedString(key));
-}
 
 const NSTableColumn* columnOf(const NSTableView& table, const char* identifier) {
     const auto& columns = table.tableColumns();

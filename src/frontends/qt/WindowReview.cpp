@@ -1,5 +1,6 @@
 #include "frontends/qt/WindowReview.h"
 
+#include "frontends/qt/Binding.h"
 #include "frontends/qt/Buttons.h"
 #include "frontends/qt/FieldProblems.h"
 #include "frontends/qt/LineEdit.h"
@@ -29,10 +30,6 @@ namespace {
 constexpr const char* reviewAllKey = "BrindleReviewEveryChange";
 constexpr const char* shareTable = "normalTableView";
 constexpr const char* revertOperation = "revertSMBProperties:";
-
-QString localized(const char* key) {
-    return shown(NSLocalizedString(key));
-}
 
 /// The box layout that holds the widget itself, and the widget's place in it.
 QBoxLayout* layoutAround(QLayout* layout, const QWidget* widget, int* place) {

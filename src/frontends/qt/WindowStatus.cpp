@@ -1,6 +1,7 @@
 #include "frontends/qt/WindowStatus.h"
 
 #include "frontends/qt/ActivityDialog.h"
+#include "frontends/qt/Binding.h"
 #include "frontends/qt/ElidedLabel.h"
 #include "platform/appkit/NSTableView.h"
 #include "platform/appkit/NSTextField.h"
@@ -22,10 +23,6 @@ namespace {
 
 constexpr int textStretch = 3;
 constexpr int serverStretch = 2;
-
-QString localized(const char* key) {
-    return shown(NSLocalizedString(key));
-}
 
 std::string valueOf(NSTableView& table, const char* identifier, int row) {
     const auto& columns = table.tableColumns();

@@ -1,0 +1,39 @@
+#include "frontends/qt/DialogParts.h"
+
+#include "frontends/qt/Binding.h"
+
+#include <QDialog>
+#include <QHeaderView>
+
+QTreeWidget* makeList(const char* name, const QStringList& titles, int widest) {
+    auto* list = new QTreeWidget;
+    list->setObjectName(name);
+    list->setRootIsDecorated(false);
+    list->setUniformRowHeights(true);
+    list->setHeaderLabels(titles);
+    list->header()->setSectionResizeMode(widest, QHeaderView::Stretch);
+    list->header()->setStretchLastSection(false);
+    return list;
+}
+
+QPlainTextEdit* makeDetails(const char* name) {
+    auto* details = new QPlainTextEdit;
+    details->setObjectName(name);
+    details->setAccessibleName(localized("Details"));
+    details->setReadOnly(true);
+    details->setTabChangesFocus(true);
+    return details;
+}
+
+QDialogButtonBox* makeButtons(QDialog& dialog) {
+    auto* buttons = new QDialogButtonBox;
+    buttons->addButton(localized("Close"), QDialogButtonBox::RejectRole)->setDefault(true);
+    QObject::connect(buttons, &QDialogButtonBox::rejected, &dialog, &QDialog::reject);
+    return buttons;
+}
+
+QPushButton* addButton(QDialogButtonBox& buttons, const QString& title) {
+    auto* button = buttons.addButton(title, QDialogButtonBox::ActionRole);
+    button->setAutoDefault(false);
+    return button;
+}

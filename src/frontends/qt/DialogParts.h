@@ -1,0 +1,21 @@
+#pragma once
+
+#include <QDialogButtonBox>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QTreeWidget>
+
+// What the dialogs that only show something have in common. Each part is the caller's, who puts it into a
+// layout.
+
+/// A list of plain rows. `widest` is the column that takes the room that is left.
+[[nodiscard]] QTreeWidget* makeList(const char* name, const QStringList& titles, int widest);
+
+/// A text to be read beside a list.
+[[nodiscard]] QPlainTextEdit* makeDetails(const char* name);
+
+/// The row of buttons, with "Close", which is the default and ends the dialog.
+[[nodiscard]] QDialogButtonBox* makeButtons(QDialog& dialog);
+
+/// Another button of that row.
+QPushButton* addButton(QDialogButtonBox& buttons, const QString& title);
