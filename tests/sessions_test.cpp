@@ -134,7 +134,9 @@ Pid          User(ID)   DenyMode   Access      R/W        Oplock           Share
 302          1002       DENY_NONE  0x1         RDONLY     NONE             /srv/music   song   Wed Nov 25 14:33:54 2026
 )";
 
-    const auto sessions = platform::sessionsIn(text);
+    const auto read = platform::sessionsIn(text);
+    ASSERT_TRUE(read.isOk());
+    const std::vector<platform::Session>& sessions = *read;
     ASSERT_EQ(sessions.size(), 2U);
     EXPECT_EQ(sessions[0].user + " " + sessions[0].computer + " " + sessions[0].address,
               "ann tower 192.168.1.7");
@@ -148,9 +150,10 @@ Pid          User(ID)   DenyMode   Access      R/W        Oplock           Share
     EXPECT_EQ(sessions[1].address, "fe80::1");
     EXPECT_FALSE(sessions[1].files.at(0).isWritten);
 
-    for (const char* nothing :
-         {"", "{", "[]", "locking.tdb not initialised\n{\"sessions\": {}, \"tcons\": {}}",
-          "{\"sessions\": 3, \"tcons\": {\"1\": 2}}"}) {
-        EXPECT_TRUE(platform::sessionsIn(nothing).empty()) << nothing;
+    for (const char* nothing : {"", "[]", "locking.tdb not initialised\n{\"sessions\": {}, \"tcons\": {}}",
+                                "{\"sessions\": 3, \"tcons\": {\"1\": 2}}"}) {
+        EXPECT_TRUE(platform::sessionsIn(nothing).valueOr({{}}).empty()) << nothing;
     }
+    EXPECT_FALSE(platform::sessionsIn("{\"sessions\": ").isOk()) << "nobody must not be what is read from it";
+    EXPECT_TRUE(platform::sessionsIn("{\"smb_conf\": \"\xFF\"}").isOk()) << "a byte that is not UTF-8";
 }

@@ -15,8 +15,7 @@ connectedClients(const std::optional<platform::SambaPaths>& root) {
     if (root || ::geteuid() == 0) {
         const auto listing =
             platform::sessionListing(root ? std::optional(platform::SambaAccounts(*root)) : std::nullopt);
-        return listing.isOk() ? platform::sessionsIn(*listing)
-                              : platform::Result<std::vector<platform::Session>>(listing.status());
+        return listing.isOk() ? platform::sessionsIn(*listing) : listing.status();
     }
     const auto listing = NiutilTask::sharedInstance().outputOf(systempath::smbstatus, {});
     using Result = platform::Result<std::vector<platform::Session>>;

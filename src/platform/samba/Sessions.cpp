@@ -1,6 +1,7 @@
 #include "platform/samba/Sessions.h"
 
 #include "platform/posix/Process.h"
+#include "platform/posix/UTF8.h"
 #include "platform/samba/InstalledSamba.h"
 
 #include <nlohmann/json.hpp>
@@ -22,6 +23,7 @@ namespace {
 using nlohmann::json;
 
 constexpr auto limit = std::chrono::seconds(15);
+constexpr const char* cannotSee = "cannot see who is connected";
 constexpr const char* cannotDisconnect = "cannot disconnect";
 
 /// One of Samba's commands for the computer's own server, or a root's.
@@ -213,18 +215,24 @@ Result<std::string> sessionListing(const std::optional<SambaAccounts>& root) {
         return finished.status();
     }
     if (finished->errors.find("only works as root") != std::string::npos) {
-        return Status::failure("cannot see who is connected", {}, "Samba tells it to root only");
+        return Status::failure(cannotSee, {}, "Samba tells it to root only");
+    }
+    if (finished->status != 0) {
+        const std::string said = lastLineOf(finished->errors);
+        return Status::failure(cannotSee, {},
+                               said.empty() ? "smbstatus has failed and gives no reason" : said);
     }
     return finished->output;
 }
 
-std::vector<Session> sessionsIn(std::string_view listing) {
+Result<std::vector<Session>> sessionsIn(std::string_view listing) {
     const std::size_t begin = listing.find('{');
     if (begin != std::string_view::npos) {
-        // A file's name may be no UTF-8.
-        std::string text(listing.substr(begin));
+        const std::string text = utf8::replace_invalid(listing.substr(begin)); // a file's name may be none
         const json document = json::parse(text, nullptr, false);
-        return document.is_object() ? sessionsInJSON(document) : std::vector<Session>();
+        return document.is_object()
+                   ? Result(sessionsInJSON(document))
+                   : Status::failure(cannotSee, {}, "what smbstatus says of it cannot be read");
     }
     Tables tables;
     std::istringstream lines{std::string(listing)};

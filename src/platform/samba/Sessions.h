@@ -39,11 +39,11 @@ struct Session {
 };
 
 /// What smbstatus(1) says of the computer's own server, or of a root's: JSON where it can, else its tables.
-/// Fails when it is not installed, or must be run by root and is not.
+/// Fails when it is not installed, fails itself, or must be run by root and is not.
 [[nodiscard]] Result<std::string> sessionListing(const std::optional<SambaAccounts>& root);
 /// The sessions in such a listing of either kind. What Samba serves itself (IPC$) is left out of their
-/// shares.
-[[nodiscard]] std::vector<Session> sessionsIn(std::string_view listing);
+/// shares. Fails for what begins as JSON and is none.
+[[nodiscard]] Result<std::vector<Session>> sessionsIn(std::string_view listing);
 
 /// Each ends connections through smbcontrol(1): all to a share, or all of a computer. Programs reconnect when
 /// they need to. Fails when the server does not run, or `share` or `address` is none.
