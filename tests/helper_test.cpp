@@ -185,6 +185,9 @@ TEST_F(HelperTest, StartsNothingForARequestThatItRefuses) {
         {root, good + std::string(1024 * 1024, 'x') + '\0', {}},
         {root, good, {"SUDO_UID=1000"}}, // through sudo, a root could be anywhere
         {Words{}, good, {}},
+        // A folder of somebody else's, or one that a link may lead to another.
+        {Words{"--system", "--root", root_.folder()}, good, {"SUDO_UID=1000"}},
+        {Words{"--system", "--root", "usr/share"}, good, {"SUDO_UID=1000"}},
     };
     for (const auto& [options, request, environment] : cases) {
         Words command = {helperProgram};

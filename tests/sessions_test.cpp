@@ -130,7 +130,7 @@ Music        302     192.168.1.8   Wed Nov 25 14:32:54 2026 UTC     -           
 Locked files:
 Pid          User(ID)   DenyMode   Access      R/W        Oplock           SharePath   Name   Time
 --------------------------------------------------------------------------------------------------
-301          1001       DENY_NONE  0x3         RDWR       NONE             /srv/my docs   a letter.txt   Wed Nov 25 14:33:53 2026
+301          1001       DENY_NONE  0x3         RDWR       NONE             /srv/my docs   a {letter}.txt   Wed Nov 25 14:33:53 2026
 302          1002       DENY_NONE  0x1         RDONLY     NONE             /srv/music   song   Wed Nov 25 14:33:54 2026
 )";
 
@@ -144,14 +144,14 @@ Pid          User(ID)   DenyMode   Access      R/W        Oplock           Share
     EXPECT_EQ(sessions[0].shares[0].name, "My Docs");
     EXPECT_NE(sessions[0].since(), 0);
     ASSERT_EQ(sessions[0].files.size(), 1U);
-    EXPECT_EQ(sessions[0].files[0].path, "/srv/my docs/a letter.txt");
+    EXPECT_EQ(sessions[0].files[0].path, "/srv/my docs/a {letter}.txt");
     EXPECT_TRUE(sessions[0].files[0].isWritten);
     EXPECT_EQ(sessions[0].files[0].since - sessions[0].since(), 60);
     EXPECT_EQ(sessions[1].address, "fe80::1");
     EXPECT_FALSE(sessions[1].files.at(0).isWritten);
 
-    for (const char* nothing : {"", "[]", "locking.tdb not initialised\n{\"sessions\": {}, \"tcons\": {}}",
-                                "{\"sessions\": 3, \"tcons\": {\"1\": 2}}"}) {
+    for (const char* nothing :
+         {"", "[]", "\n{\"sessions\": {}, \"tcons\": {}}", "{\"sessions\": 3, \"tcons\": {\"1\": 2}}"}) {
         EXPECT_TRUE(platform::sessionsIn(nothing).valueOr({{}}).empty()) << nothing;
     }
     EXPECT_FALSE(platform::sessionsIn("{\"sessions\": ").isOk()) << "nobody must not be what is read from it";

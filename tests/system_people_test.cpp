@@ -149,6 +149,11 @@ TEST_F(SystemPeople, AreLeftAsTheyAreWithAReasonWhereTheComputerNeedsThem) {
             << commands << printed;
         EXPECT_FALSE(contains(printed, "\nrun ")) << printed;
     }
+    const Finished dry =
+        runProgram({"/usr/sbin/runuser", "-u", "chief", "--", "env", "HOME=/home/chief", "LC_ALL=C",
+                    prefix + "/bin/brindle", "--system", "--dry-run", "--script", "-"},
+                   "answer Donation Cancel\nstart\n" + tables + update("daemon", "1"));
+    EXPECT_TRUE(contains(dry.output, "alert \"Not Possible\" ")) << dry.output << dry.errors;
     const std::string tried =
         script(tables + "answer \"Confirm Delete Selected User\" Yes\nrows userTableView " + chief +
                "\npress deleteUserButton\n");
@@ -243,7 +248,7 @@ TEST_F(SystemPeople, OfferTheirPublicFolderWhereTheyHaveAHome) {
     fs::create_directory_symlink("/etc", "/home/finn/Public");
     const std::string finn = rowOf("userTableView", "User=\"finn\"");
     const std::string link = script("rows userTableView " + finn + "\npress enablePublicSelectedButton\n");
-    EXPECT_TRUE(contains(link, "/home/finn/Public is no folder; move it away")) << link;
+    EXPECT_TRUE(contains(link, "/home/finn/Public is not a folder; move it away")) << link;
     EXPECT_FALSE(contains(run({"/usr/bin/net", "usershare", "list"}), "finn"));
 
     script("rows userTableView " + dora + "\npress disablePublicSelectedButton\n");

@@ -39,33 +39,29 @@ std::string joined(const std::vector<std::string>& names) {
     return names.size() > mostNames ? text + ", …" : text;
 }
 
-/// The records of a directory of the store, their names first, each with the value of one property.
-std::map<std::string, std::string> storedRecords(const std::string& file, const char* path,
-                                                 const char* property) {
-    std::map<std::string, std::string> records;
+/// The names of the records that the store itself has at `path`.
+std::vector<std::string> storedNames(const std::string& file, const char* path) {
+    std::vector<std::string> names;
     ni_domain* opened = nullptr;
     ni_id id;
     ni_idlist children;
     if (ni_openfile(file, &opened) != NI_OK) {
-        return records;
+        return names;
     }
     const platform::OwnedDomain domain(opened);
     ni_setabort(opened, 1);
     if (ni_root(opened, &id) != NI_OK || ni_pathsearch(opened, &id, path) != NI_OK ||
         ni_children(opened, &id, &children) != NI_OK) {
-        return records;
+        return names;
     }
-    const auto first = [&](std::string_view name) {
-        ni_namelist values;
-        return ni_lookupprop(opened, &id, name, &values) == NI_OK && !values.ninl_val.empty()
-                   ? std::string(values.ninl_val.front())
-                   : std::string();
-    };
     for (const std::uint32_t child : children.niil_val) {
         id = {child, 0};
-        records.emplace(first("name"), first(property));
+        ni_namelist values;
+        if (ni_lookupprop(opened, &id, "name", &values) == NI_OK && !values.ninl_val.empty()) {
+            names.emplace_back(values.ninl_val.front());
+        }
     }
-    return records;
+    return names;
 }
 
 bool exists(const std::string& file) {
@@ -76,6 +72,7 @@ bool exists(const std::string& file) {
 } // namespace
 
 void Examiner::examineAccounts() {
+    readAccounts();
     std::map<std::string, std::string> known;
     for (const User& user : users_) {
         examineUser(user);
@@ -140,22 +137,32 @@ void Examiner::examineHalfMade() {
         return; // all that there is of an account is in the store, and was looked at
     }
     const std::string file = domain.storeFile();
-    std::set<std::string> made;
-    for (const User& user : users_) {
-        made.insert(user.name);
+    std::set<std::string> users;
+    std::set<std::string> groups;
+    std::ranges::transform(users_, std::inserter(users, users.end()), &User::name);
+    std::ranges::transform(groups_, std::inserter(groups, groups.end()), &Group::name);
+    const auto tell = [&](const char* code, const std::string& text, const std::string& name) {
+        find({.level = Finding::Level::Notice,
+              .code = code,
+              .text = stringWithFormat(text, name),
+              .where = file,
+              .remedy = NSLocalizedString("It goes with the next change of an account."),
+              .user = code == std::string_view("half-made-user") ? name : std::string()});
+    };
+    for (const std::string& name : storedNames(file, "/users")) {
+        if (!users.contains(name)) {
+            tell("half-made-user",
+                 NSLocalizedString("Brindle keeps something of the user \"%@\", whom the computer does not "
+                                   "have: it was only half made, or deleted elsewhere."),
+                 name);
+        }
     }
-    for (const auto& [name, state] : storedRecords(file, "/users", platform::accountStateProperty)) {
-        if (!made.contains(name)) {
-            find({.level = Finding::Level::Notice,
-                  .code = "half-made-user",
-                  .text = stringWithFormat(
-                      NSLocalizedString(
-                          "Brindle keeps something of the user \"%@\", whom the computer does not "
-                          "have: it was only half made, or deleted elsewhere."),
-                      name),
-                  .where = file,
-                  .remedy = NSLocalizedString("It goes with the next change of an account."),
-                  .user = name});
+    for (const std::string& name : storedNames(file, "/groups")) {
+        if (!groups.contains(name)) {
+            tell("half-made-group",
+                 NSLocalizedString("Brindle keeps something of the group \"%@\", which the computer does not "
+                                   "have: it was only half made, or deleted elsewhere."),
+                 name);
         }
     }
     const std::string unfinished = std::filesystem::path(file).parent_path() / "unfinished";

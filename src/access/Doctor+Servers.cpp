@@ -120,16 +120,17 @@ void Examiner::examineServers() {
         find({.level = isNeeded && !patient_.root ? Level::Problem : Level::Notice,
               .code = "server-stopped",
               .text = patient_.root ? NSLocalizedString(
-                                          "The root's SMB server does not run: it does while Brindle runs "
+                                          "The root's SMB server is not running: it does while Brindle runs "
                                           "with --serve.")
-                                    : NSLocalizedString("The SMB server does not run: nothing is shared."),
+                                    : NSLocalizedString("The SMB server is not running: nothing is shared."),
               .where = "smbd",
               .remedy = patient_.root ? command({"--serve"}) : command({"servers", "start"})});
     } else if (state.listensAt.empty()) {
         find({.code = "server-deaf",
-              .text =
-                  stringWithFormat(NSLocalizedString("The SMB server runs (process %@) and listens nowhere."),
-                                   std::to_string(state.process)),
+              .text = stringWithFormat(
+                  NSLocalizedString(
+                      "The SMB server is running (process %@) and is not listening on any address."),
+                  std::to_string(state.process)),
               .where = "smbd",
               .remedy = patient_.root ? NSLocalizedString("End that Brindle and start it again.")
                                       : "systemctl restart smbd"});

@@ -45,8 +45,17 @@ bool Examiner::sharesOverSMB() const {
 }
 
 void Examiner::examineShares() {
+    Known known;
+    for (const Section& each : sections_) {
+        known.whole.emplace(each.name, each.path);
+        known.byName.emplace(each.name, &each); // the first of a name counts
+        known.byFolder.emplace(each.path, &each);
+    }
     for (const Share& share : shares_) {
-        examineRecord(share);
+        known.shares.insert(platform::lowercased(share.name));
+    }
+    for (const Share& share : shares_) {
+        examineRecord(share, known);
     }
     examineSections();
     examineNames();
@@ -60,7 +69,7 @@ void Examiner::examineFolder(const std::string& share, const std::string& folder
     if (!path->starts_with('/')) {
         find({.code = "relative-folder",
               .text = stringWithFormat(
-                  NSLocalizedString("The folder \"%@\" of the share \"%@\" is no absolute path."), *path,
+                  NSLocalizedString("The folder \"%@\" of the share \"%@\" is not an absolute path."), *path,
                   share),
               .where = where,
               .remedy = command({"shares", "set", share, "--folder", "/FOLDER"}),
@@ -73,8 +82,8 @@ void Examiner::examineFolder(const std::string& share, const std::string& folder
     if (::stat(path->c_str(), &status) == 0) {
         if (!S_ISDIR(status.st_mode)) {
             find({.code = "no-folder",
-                  .text = stringWithFormat(NSLocalizedString("%@, which is shared as \"%@\", is no folder."),
-                                           *path, share),
+                  .text = stringWithFormat(
+                      NSLocalizedString("%@, which is shared as \"%@\", is not a folder."), *path, share),
                   .where = where,
                   .remedy = command({"shares", "set", share, "--folder", "/FOLDER"}),
                   .share = share});
@@ -106,7 +115,7 @@ void Examiner::examineFolder(const std::string& share, const std::string& folder
     }
 }
 
-void Examiner::examineRecord(const Share& share) {
+void Examiner::examineRecord(const Share& share, const Known& known) {
     const std::string where = "/config/Brindle/" + share.name;
     if (share.folder.empty()) {
         find({.code = "half-made-share",
@@ -119,21 +128,18 @@ void Examiner::examineRecord(const Share& share) {
         return;
     }
     examineFolder(share.name, share.folder, where);
-    const auto sectionOf = [&](const auto& test) {
-        const auto found = std::ranges::find_if(sections_, test);
-        return found == sections_.end() ? nullptr : &*found;
-    };
-    const auto isOthers = [&](const Section& each) { // it is the section of a share of its own
-        return std::ranges::any_of(
-            shares_, [&each](const Share& other) { return isEqualIgnoringCase(other.name, each.name); });
-    };
-    if (sectionOf([&](const Section& each) {
-            return each.path == share.folder && each.name == share.name;
-        }) != nullptr) {
+    if (known.whole.contains({share.name, share.folder})) {
         return;
     }
-    const Section* sameName = sectionOf([&](const Section& each) { return each.name == share.name; });
-    const Section* sameFolder = sectionOf([&](const Section& each) { return each.path == share.folder; });
+    const auto sectionIn = [](const auto& sections, const std::string& key) {
+        const auto found = sections.find(key);
+        return found == sections.end() ? nullptr : found->second;
+    };
+    const Section* sameName = sectionIn(known.byName, share.name);
+    const Section* sameFolder = sectionIn(known.byFolder, share.folder);
+    const auto isOthers = [&](const Section& each) { // it is the section of a share of its own
+        return known.shares.contains(platform::lowercased(each.name));
+    };
     if (sameName != nullptr) {
         find({.code = "folders-differ",
               .text = stringWithFormat(
@@ -167,11 +173,14 @@ void Examiner::examineSections() {
     for (const Share& share : shares_) {
         recorded.insert(share.folder);
     }
+    std::set<std::string> complete; // sections of one name are one to the server
+    for (const Section& each : sections_) {
+        if (!each.path.empty()) {
+            complete.insert(platform::lowercased(each.name));
+        }
+    }
     for (const auto& [name, path, isOffered] : sections_) {
-        const auto completes = [&section = name](const Section& other) { // both are one to the server
-            return isEqualIgnoringCase(other.name, section) && !other.path.empty();
-        };
-        if (path.empty() && std::ranges::any_of(sections_, completes)) {
+        if (path.empty() && complete.contains(platform::lowercased(name))) {
             continue;
         }
         if (path.empty()) {

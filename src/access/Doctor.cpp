@@ -64,7 +64,7 @@ std::string shellWord(const std::string& word) {
 Examiner::Examiner(const Patient& patient)
     : patient_(patient), smbConfFile_(platform::Host::current().paths().map(conf_.Path())) {
     readSections();
-    readDirectory();
+    readShares();
 }
 
 std::vector<std::vector<std::string>> Examiner::report(const char* path,
@@ -93,10 +93,13 @@ std::vector<std::vector<std::string>> Examiner::report(const char* path,
     return rows;
 }
 
-void Examiner::readDirectory() {
+void Examiner::readShares() {
     for (auto& row : report("/config/Brindle", {"name", "directory_path", "afp_shared"})) {
         shares_.push_back({std::move(row[0]), std::move(row[1]), std::move(row[2])});
     }
+}
+
+void Examiner::readAccounts() {
     for (auto& row : report("/users", {"name", "uid", "gid", "home", "shell", "sharedDir"})) {
         users_.push_back({std::move(row[0]), std::move(row[1]), std::move(row[2]), std::move(row[3]),
                           std::move(row[4]), std::move(row[5])});

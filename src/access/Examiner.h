@@ -4,7 +4,10 @@
 #include "model/SMBConf.h"
 
 #include <initializer_list>
+#include <map>
+#include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace accesscheck {
@@ -13,7 +16,7 @@ namespace accesscheck {
 /// of thing looks at it.
 class Examiner {
   public:
-    /// Reads the directory and smb.conf; finds fault where the directory cannot be read.
+    /// Reads the shares and smb.conf; finds fault where the directory cannot be read.
     explicit Examiner(const Patient& patient);
 
     void examineShares();
@@ -52,13 +55,22 @@ class Examiner {
         bool isOffered = true;
     };
 
-    void readDirectory();
+    /// The shares and sections by what they are looked up by.
+    struct Known {
+        std::set<std::pair<std::string, std::string>> whole; ///< sections' names and folders
+        std::map<std::string, const Section*> byName;
+        std::map<std::string, const Section*> byFolder;
+        std::set<std::string> shares; ///< records' names, in lower case
+    };
+
+    void readShares();
+    void readAccounts();
     void readSections();
     [[nodiscard]] std::vector<std::vector<std::string>> report(const char* path,
                                                                std::initializer_list<const char*> properties);
 
     void examineFolder(const std::string& share, const std::string& folder, const std::string& where);
-    void examineRecord(const Share& share);
+    void examineRecord(const Share& share, const Known& known);
     void examineSections();
     void examineNames();
     void examineUser(const User& user);

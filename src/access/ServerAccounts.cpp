@@ -5,6 +5,7 @@
 #include "platform/posix/LetterCase.h"
 #include "platform/posix/Process.h"
 #include "platform/samba/ComputerPasswords.h"
+#include "platform/samba/InstalledSamba.h"
 
 #include <algorithm>
 #include <array>
@@ -94,7 +95,7 @@ platform::Result<std::optional<platform::SambaUser>> computerUser(const std::str
     if (!platform::ComputerPasswords::exists()) {
         return std::optional<platform::SambaUser>();
     }
-    platform::Command command{{"/usr/bin/pdbedit"}, platform::ErrorOutput::WithOutput};
+    platform::Command command{{platform::sambaCommand("pdbedit")}, platform::ErrorOutput::WithOutput};
     for (std::string& word : platform::sambaUserWords(name)) {
         command.words.push_back(std::move(word));
     }

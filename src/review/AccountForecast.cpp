@@ -1,6 +1,7 @@
 #include "review/AccountForecast.h"
 
 #include "platform/foundation/Host.h"
+#include "platform/foundation/NSLog.h"
 #include "platform/netinfo/AccountNumber.h"
 #include "platform/netinfo/LocalDomain.h"
 #include "platform/netinfo/MadeAccounts.h"
@@ -25,7 +26,7 @@ bool isUser(const RecordPath& path) {
 } // namespace
 
 std::optional<AccountForecast> AccountForecast::ofComputer() {
-    const platform::LocalDomain& domain = platform::Host::current().localDomain();
+    const platform::LocalDomain& domain = platform::Host::current().localDomain().original();
     const auto files = domain.accountFiles();
     if (!files) {
         return std::nullopt;
@@ -33,8 +34,11 @@ std::optional<AccountForecast> AccountForecast::ofComputer() {
     auto users = platform::readUserLines(*files);
     auto groups = platform::readGroupLines(*files);
     const auto made = platform::madeAccounts(domain, platform::Store::waitSeconds);
-    if (!users.isOk() || !groups.isOk() || !made.isOk()) {
-        return std::nullopt;
+    for (const Status* status : {&users.status(), &groups.status(), &made.status()}) {
+        if (!status->isOk()) {
+            NSLog("What the computer's tools will refuse cannot be said beforehand: %@", status->text());
+            return std::nullopt;
+        }
     }
     AccountForecast forecast;
     forecast.accounts_ = {std::move(*users), std::move(*groups), platform::readAccountLimits(),

@@ -72,7 +72,7 @@ void workOut(const platform::Interface& main, const std::shared_ptr<WorkingCopy>
              const RehearsedAction& action, PlanDepth depth, Plan* plan) {
     const auto& now = *static_cast<const BRController*>(main.owner());
     const auto directoryBefore = platform::Host::current().services().localDomain;
-    auto accountsBefore = AccountForecast::ofComputer();
+    auto accountsBefore = isOfSettings(plan->operation) ? std::nullopt : AccountForecast::ofComputer();
     plan->smbConfBefore = bytesOf(smbConf);
     const std::string afpBefore = bytesOf(appleFileServer);
     Rehearsal rehearsal(main, copy, plan);

@@ -184,7 +184,7 @@ platform::Services WorkingCopy::services() {
     copied.pendingWrites = std::make_shared<CopyWrites>(shared_from_this());
     copied.historyFile.clear();
     copied.paths = std::make_shared<CopiedPaths>(original_.paths, folder_);
-    copied.localDomain = std::make_shared<platform::StoreDomain>(storeFile());
+    copied.localDomain = std::make_shared<platform::CopiedDomain>(storeFile(), original_.localDomain);
     copied.folderForecast = folders_;
     return copied;
 }

@@ -1,5 +1,6 @@
 #include "tools/ComputerDirectory.h"
 
+#include "platform/foundation/NSLog.h"
 #include "platform/netinfo/AccountNumber.h"
 #include "platform/posix/Secret.h"
 #include "platform/samba/ComputerPasswords.h"
@@ -149,8 +150,9 @@ Status ComputerDirectory::settle(const UnfinishedChange& change) {
     const bool isThere = exists(change.isUser, change.before);
     const bool isDone = isDeleted ? !isThere : exists(change.isUser, change.after);
     if (isDone) {
-        if (Status status = keepOwnGroup(change); !status.isOk()) {
-            return status;
+        if (const Status status = keepOwnGroup(change); !status.isOk()) {
+            // The user has gone all the same, and nothing must wait for the group.
+            NSLog("The group %@ went with its user: %@", change.before.name, status.text());
         }
         followInStore(change);
         if (Status status = commit(); !status.isOk()) {

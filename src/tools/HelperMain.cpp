@@ -51,10 +51,13 @@ int refuse(const std::string& why) {
 std::string placeOf(const platform::HostOptions& options, HelperPlace& place) {
     if (options.system) {
         place = {"", sudoUser().value_or(::getuid()), options.root};
-        // Whoever sudo lets run this must not lead root into folders of their own.
-        if (const auto check = platform::checkRootsFolder(options.root);
-            sudoUser() && !options.root.empty() && !check.isOk()) {
-            return check.text();
+        if (sudoUser() && !options.root.empty()) {
+            // Whoever sudo lets run this must not lead root into folders of their own.
+            auto folder = platform::rootsFolder(options.root);
+            if (!folder.isOk()) {
+                return folder.status().text();
+            }
+            place.systemPrefix = std::move(*folder);
         }
         return ::geteuid() == 0 ? "" : "--system is served as root only; start it through sudo";
     }

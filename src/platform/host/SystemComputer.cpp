@@ -74,7 +74,10 @@ std::string serverText(const ServerState& state) {
         places += (places.empty() ? "" : ", ") + place;
     }
     if (state.since == 0) { // it cannot be told
-        return NSLocalizedString("The SMB server is running.");
+        return places.empty()
+                   ? NSLocalizedString("The SMB server is running and is not listening on any address.")
+                   : stringWithFormat(NSLocalizedString("The SMB server is running and is listening on %@."),
+                                      places);
     }
     std::array<char, 64> since{};
     const std::time_t time = state.since;

@@ -3,6 +3,7 @@
 #include "platform/netinfo/LocalDomain.h"
 #include "platform/netinfo/ReadConnection.h"
 #include "platform/netinfo/RecordContent.h"
+#include "platform/netinfo/StoreWait.h"
 
 #include <algorithm>
 #include <filesystem>
@@ -49,7 +50,8 @@ Result<std::vector<MadeAccount>> madeAccounts(const LocalDomain& domain, int wai
         error = error == SQLITE_OK ? readMade(store.database(), isUser, &made) : error;
     }
     if (error != SQLITE_OK) {
-        return Status::failure("cannot read the directory", domain.storeFile(), sqlite3_errstr(error));
+        return Status::failure("cannot read the directory", domain.storeFile(),
+                               storeProblem(domain.storeFile(), error, store.waitedSeconds()));
     }
     return made;
 }

@@ -9,6 +9,7 @@
 
 #include <cerrno>
 #include <chrono>
+#include <sstream>
 #include <vector>
 
 #include <unistd.h>
@@ -89,11 +90,14 @@ Result<std::string> ComputerPasswords::accountOf(const std::string& user) {
 
 bool ComputerPasswords::exists() {
     const SambaBuild& build = sambaBuild();
-    const std::string settings = lowercased(readWholeFile(build.configFile).valueOr(""));
     // Where smb.conf names a place, or another kind of database, it is Samba's to find.
-    return settings.find("passdb backend") != std::string::npos ||
-           settings.find("private dir") != std::string::npos ||
-           ::access((build.privateFolder + "/passdb.tdb").c_str(), F_OK) == 0;
+    std::istringstream settings(lowercased(readWholeFile(build.configFile).valueOr("")));
+    for (std::string line; std::getline(settings >> std::ws, line);) {
+        if (line.starts_with("passdb backend") || line.starts_with("private dir")) {
+            return true;
+        }
+    }
+    return ::access((build.privateFolder + "/passdb.tdb").c_str(), F_OK) == 0;
 }
 
 Result<std::vector<SambaUser>> ComputerPasswords::users() {

@@ -26,6 +26,12 @@ constexpr auto limit = std::chrono::seconds(15);
 constexpr const char* cannotSee = "cannot see who is connected";
 constexpr const char* cannotDisconnect = "cannot disconnect";
 
+/// A file's name in one of the tables may hold braces, too.
+bool isJSON(std::string_view listing) {
+    const std::size_t first = listing.find_first_not_of(" \t\r\n");
+    return first != std::string_view::npos && listing[first] == '{';
+}
+
 /// One of Samba's commands for the computer's own server, or a root's.
 Result<FinishedProcess> run(const std::optional<SambaAccounts>& root, const std::string& program,
                             const std::vector<std::string>& words) {
@@ -201,14 +207,15 @@ class Tables {
 std::int64_t Session::since() const {
     std::int64_t first = 0;
     for (const Share& share : shares) {
-        first = first == 0 || share.since < first ? share.since : first;
+        const bool isKnown = share.since != 0;
+        first = isKnown && (first == 0 || share.since < first) ? share.since : first;
     }
     return first;
 }
 
 Result<std::string> sessionListing(const std::optional<SambaAccounts>& root) {
     auto finished = run(root, "smbstatus", {"--json"});
-    if (finished.isOk() && finished->output.find('{') == std::string::npos) {
+    if (finished.isOk() && !isJSON(finished->output)) {
         finished = run(root, "smbstatus", {}); // an older one
     }
     if (!finished.isOk()) {
@@ -226,9 +233,8 @@ Result<std::string> sessionListing(const std::optional<SambaAccounts>& root) {
 }
 
 Result<std::vector<Session>> sessionsIn(std::string_view listing) {
-    const std::size_t begin = listing.find('{');
-    if (begin != std::string_view::npos) {
-        const std::string text = utf8::replace_invalid(listing.substr(begin)); // a file's name may be none
+    if (isJSON(listing)) {
+        const std::string text = utf8::replace_invalid(listing); // a file's name may be none
         const json document = json::parse(text, nullptr, false);
         return document.is_object()
                    ? Result(sessionsInJSON(document))
@@ -246,7 +252,7 @@ Status closeShare(const std::optional<SambaAccounts>& root, const std::string& s
     const auto isControl = [](unsigned char letter) { return letter < ' '; };
     // "*" would mean all of them.
     if (share.empty() || share == "*" || share.starts_with('-') || std::ranges::any_of(share, isControl)) {
-        return Status::failure(cannotDisconnect, share, "is no share's name");
+        return Status::failure(cannotDisconnect, share, "is not a share's name");
     }
     return control(root, share, {"smbd", "close-share", share});
 }
@@ -255,7 +261,7 @@ Status disconnectComputer(const std::optional<SambaAccounts>& root, const std::s
     std::array<unsigned char, sizeof(in6_addr)> bytes{};
     if (::inet_pton(AF_INET, address.c_str(), bytes.data()) != 1 &&
         ::inet_pton(AF_INET6, address.c_str(), bytes.data()) != 1) {
-        return Status::failure(cannotDisconnect, address, "is no IP address");
+        return Status::failure(cannotDisconnect, address, "is not an IP address");
     }
     return control(root, address, {"smbd", "kill-client-ip", address});
 }

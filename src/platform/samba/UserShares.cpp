@@ -89,7 +89,7 @@ Status makeFolder(const PublicFolderOwner& owner) {
     struct stat status {};
 
     if (!folder.isOpen() || ::fstat(folder.get(), &status) != 0) {
-        return Status::failure(cannotOffer, owner.name, owner.home + "/Public is no folder; move it away");
+        return Status::failure(cannotOffer, owner.name, owner.home + "/Public is not a folder; move it away");
     }
     if (status.st_uid != owner.uid) {
         return Status::failure(cannotOffer, owner.name, owner.home + "/Public is not the user's own folder");

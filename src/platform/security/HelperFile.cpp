@@ -52,9 +52,13 @@ Status checkHelperFile(const std::string& path) {
     if (isDevelopment()) {
         return {};
     }
+    std::error_code error;
+    const std::filesystem::path real = std::filesystem::canonical(path, error);
+    if (error) {
+        return Status::failure(cannotUse, path, error.message());
+    }
     // sudo is given the path itself: what its links stand in counts, too.
-    for (const std::filesystem::path& place :
-         {std::filesystem::absolute(path), std::filesystem::canonical(path)}) {
+    for (const std::filesystem::path& place : {std::filesystem::path(path), real}) {
         const auto open = placeOfOthers(place);
         if (!open.isOk()) {
             return open.status();
@@ -69,15 +73,24 @@ Status checkHelperFile(const std::string& path) {
     return {};
 }
 
-Status checkRootsFolder(const std::string& path) {
-    std::error_code ignored; // what cannot be followed is judged as it stands
-    const auto open = placeOfOthers(std::filesystem::weakly_canonical(path, ignored));
+Result<std::string> rootsFolder(const std::string& path) {
+    constexpr const char* cannotWork = "cannot work below";
+    if (!path.starts_with('/')) {
+        return Status::failure(cannotWork, path,
+                               "it is not an absolute path; name a folder of root's by one");
+    }
+    std::error_code error;
+    const std::filesystem::path place = std::filesystem::weakly_canonical(path, error);
+    if (error) {
+        return Status::failure(cannotWork, path, error.message());
+    }
+    const auto open = placeOfOthers(place);
     if (!open.isOk()) {
         return open.status();
     }
     return open->empty()
-               ? Status()
-               : Status::failure("cannot work below", path,
+               ? Result(place.string())
+               : Status::failure(cannotWork, path,
                                  "others than root may change " + *open + "; name a folder of root's");
 }
 

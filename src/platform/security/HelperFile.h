@@ -12,9 +12,10 @@ namespace platform {
 /// whatever they put there. With BRINDLE_DEVELOPMENT=1 in the environment any helper that is there is taken.
 [[nodiscard]] Status checkHelperFile(const std::string& path);
 
-/// Ok when nobody but root can put anything at `path` or in its place, in the same sense. What does not exist
-/// yet is judged by the folders above it.
-[[nodiscard]] Status checkRootsFolder(const std::string& path);
+/// The folder at the absolute `path` without links, where nobody but root can put anything there or in its
+/// place, in the same sense; to be used instead of `path`, whose links may be another's to change. What does
+/// not exist yet is judged by the folders above it.
+[[nodiscard]] Result<std::string> rootsFolder(const std::string& path);
 
 /// True when BRINDLE_DEVELOPMENT=1 stands in the environment.
 [[nodiscard]] bool isDevelopment();
