@@ -74,7 +74,7 @@ class Translation : public AppFixture {
     /// Every text below `node` that is not data of the computer's.
     void expectMarked(const platform::InterfaceNode& node) {
         for (const char* attribute : {"title", "text", "label", "toolTip", "placeholder", "confirm", "empty",
-                                      "beginTitle", "another"}) {
+                                      "beginTitle", "another", "spoken"}) {
             EXPECT_TRUE(isMarked(node.attribute(attribute)))
                 << node.line << ": " << node.attribute(attribute);
         }

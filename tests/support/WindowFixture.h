@@ -1,6 +1,7 @@
 #pragma once
 
 #include "frontends/qt/Binding.h"
+#include "frontends/qt/Mnemonics.h"
 #include "frontends/qt/QtFrontend.h"
 #include "platform/appkit/Interface.h"
 #include "platform/appkit/NSAlert.h"

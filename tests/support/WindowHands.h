@@ -1,5 +1,7 @@
 #pragma once
 
+#include "frontends/qt/Mnemonics.h"
+
 #include <QAction>
 #include <QApplication>
 #include <QDialog>
@@ -16,7 +18,8 @@
 #include <stdexcept>
 #include <string>
 
-/// A user's hands on the application's own window, on Qt's offscreen platform.
+/// A user's hands on the application's own window, on Qt's offscreen platform. Titles are meant as they are
+/// read, without their letters.
 class WindowHands {
   protected:
     template <class Widget>
@@ -39,7 +42,7 @@ class WindowHands {
 
     void clickTitled(const QString& title) {
         for (auto* each : widget<QWidget>("mainWindow").findChildren<QPushButton*>()) {
-            if (each->text() == title && each->isVisible()) {
+            if (plainTitle(each->text()) == title && each->isVisible()) {
                 QTest::mouseClick(each, Qt::LeftButton);
                 return;
             }
@@ -63,7 +66,7 @@ class WindowHands {
     /// Uses the menu item whose title begins so.
     void useMenu(const QString& title) {
         for (auto* action : widget<QWidget>("mainWindow").findChildren<QAction*>()) {
-            if (action->text().startsWith(title)) {
+            if (plainTitle(action->text()).startsWith(title)) {
                 action->trigger();
                 return;
             }
@@ -95,7 +98,7 @@ class WindowHands {
             return;
         }
         for (auto* button : dialog->findChildren<QAbstractButton*>()) {
-            if (button->text() == answers.front() && button->isVisible()) {
+            if (plainTitle(button->text()) == answers.front() && button->isVisible()) {
                 asked.append(dialog->windowTitle());
                 typePassword(*dialog);
                 lastText.clear();

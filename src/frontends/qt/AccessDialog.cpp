@@ -44,6 +44,7 @@ AccessDialog::AccessDialog(Questions questions, const std::optional<std::string>
     resize(dialogWidth, dialogHeight);
     subject_ = new QComboBox;
     subject_->setObjectName("accessSubject");
+    subject_->setAccessibleName(windowTitle());
     for (const std::string& each : questions_.shares) {
         subject_->addItem(shown(stringWithFormat(NSLocalizedString("Who may use the share \"%@\""), each)));
     }
@@ -53,7 +54,7 @@ AccessDialog::AccessDialog(Questions questions, const std::optional<std::string>
         subject_->addItem(shown(stringWithFormat(NSLocalizedString("What \"%@\" may do"), each)));
     }
     list_ =
-        makeList("accessList",
+        makeList("accessList", windowTitle(),
                  {QString(), localized("Connect"), localized("List"), localized("Read"), localized("Write"),
                   localized("Create"), localized("Delete"), localized("Why Not More")},
                  reasonColumn);
@@ -68,7 +69,7 @@ AccessDialog::AccessDialog(Questions questions, const std::optional<std::string>
     reason_->setAlignment(Qt::AlignTop | Qt::AlignLeft);
     reason_->setMinimumHeight(reasonLines * reason_->fontMetrics().lineSpacing());
     auto* buttons = makeButtons(*this);
-    auto* again = addButton(*buttons, localized("Check Again"));
+    auto* again = addButton(*buttons, localizedTitle("Check Again"));
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(subject_);
     layout->addWidget(list_, 1);
@@ -129,6 +130,8 @@ void AccessDialog::fill() {
                                           answer.reason ? shown(answer.reason->text) : QString()});
         for (int column = 1; column < reasonColumn; ++column) {
             item->setTextAlignment(column, Qt::AlignCenter);
+            item->setData(column, Qt::AccessibleTextRole,
+                          localized(item->text(column) == mark(true) ? "Yes" : "No"));
         }
         items.push_back(item);
     }

@@ -115,7 +115,7 @@ ActivityDialog::ActivityDialog(const Activity& activity, QWidget* parent)
     details_->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
     details_->setPlaceholderText(localized("Select a line to see all of it, and what its tool said."));
     auto* buttons = makeButtons(*this);
-    auto* save = addButton(*buttons, localized("Save as Text…"));
+    auto* save = addButton(*buttons, localizedTitle("Save as Text…"));
     connect(save, &QPushButton::clicked, this, [this] { saveAsText(); });
     connect(table_->selectionModel(), &QItemSelectionModel::currentRowChanged, this,
             [this] { showCurrent(); });

@@ -92,3 +92,8 @@ inline constexpr QColor warningColor(0xa0, 0x3c, 0x00);
 [[nodiscard]] inline QString title(const std::string& text) {
     return shown(text).replace(QLatin1Char('&'), QLatin1String("&&"));
 }
+
+/// The title in the user's language, by its English.
+[[nodiscard]] inline QString localizedTitle(const char* key) {
+    return title(NSLocalizedString(key));
+}

@@ -1,5 +1,6 @@
 #include "frontends/qt/Buttons.h"
 
+#include "frontends/qt/Mnemonics.h"
 #include "frontends/qt/NodeAttributes.h"
 #include "platform/appkit/NSButton.h"
 #include "platform/appkit/NSTableView.h"
@@ -53,7 +54,7 @@ QAbstractButton* makeButton(const platform::InterfaceNode& node, WindowActions& 
     auto* binding = new Binding(widget, queue, button.changed, [widget, &button, withImage, notice, table] {
         widget->setEnabled(button.isEnabled() && (notice == nullptr || notice->stringValue().empty()) &&
                            (table == nullptr || table->selectedRow() >= 0));
-        widget->setText(title(button.title()));
+        setTitle(*widget, button.title());
         if (withImage) {
             widget->setIcon(iconOf(button));
         }
@@ -102,6 +103,10 @@ Matrix::Matrix(NSMatrix& matrix, RefreshQueue& queue) : matrix_(matrix) {
             });
         }
     }
+    if (!cells_.empty()) { // a label's letter leads to the first
+        setFocusPolicy(Qt::TabFocus);
+        setFocusProxy(cells_.front());
+    }
     new Binding(this, queue, matrix.changed, [this] { load(); });
 }
 
@@ -110,7 +115,7 @@ void Matrix::load() {
         const int row = static_cast<int>(index) / matrix_.numberOfColumns();
         const int column = static_cast<int>(index) % matrix_.numberOfColumns();
         cells_[index]->setEnabled(matrix_.isEnabled());
-        cells_[index]->setText(title(matrix_.titleAt(row, column)));
+        setTitle(*cells_[index], matrix_.titleAt(row, column));
         cells_[index]->setChecked(matrix_.stateAt(row, column) == NSOnState);
     }
 }

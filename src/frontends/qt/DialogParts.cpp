@@ -5,9 +5,10 @@
 #include <QDialog>
 #include <QHeaderView>
 
-QTreeWidget* makeList(const char* name, const QStringList& titles, int widest) {
+QTreeWidget* makeList(const char* name, const QString& spoken, const QStringList& titles, int widest) {
     auto* list = new QTreeWidget;
     list->setObjectName(name);
+    list->setAccessibleName(spoken);
     list->setRootIsDecorated(false);
     list->setUniformRowHeights(true);
     list->setHeaderLabels(titles);
@@ -27,7 +28,7 @@ QPlainTextEdit* makeDetails(const char* name) {
 
 QDialogButtonBox* makeButtons(QDialog& dialog) {
     auto* buttons = new QDialogButtonBox;
-    buttons->addButton(localized("Close"), QDialogButtonBox::RejectRole)->setDefault(true);
+    buttons->addButton(localizedTitle("Close"), QDialogButtonBox::RejectRole)->setDefault(true);
     QObject::connect(buttons, &QDialogButtonBox::rejected, &dialog, &QDialog::reject);
     return buttons;
 }

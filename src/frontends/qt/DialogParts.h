@@ -8,8 +8,10 @@
 // What the dialogs that only show something have in common. Each part is the caller's, who puts it into a
 // layout.
 
-/// A list of plain rows. `widest` is the column that takes the room that is left.
-[[nodiscard]] QTreeWidget* makeList(const char* name, const QStringList& titles, int widest);
+/// A list of plain rows, which a screen reader calls `spoken`. `widest` is the column that takes the room
+/// that is left.
+[[nodiscard]] QTreeWidget* makeList(const char* name, const QString& spoken, const QStringList& titles,
+                                    int widest);
 
 /// A text to be read beside a list.
 [[nodiscard]] QPlainTextEdit* makeDetails(const char* name);

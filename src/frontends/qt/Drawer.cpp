@@ -50,6 +50,7 @@ int roomBeside(const QWidget& window) {
 Drawer::Drawer(NSDrawer& drawer, QWidget* contents, int width, bool animated, RefreshQueue& queue)
     : drawer_(drawer), width_(width), animated_(animated) {
     setFrameShape(QFrame::NoFrame);
+    setFocusPolicy(Qt::NoFocus); // it scrolls to what has the cursor
     QPalette shade = palette();
     shade.setColor(QPalette::Window, shade.color(QPalette::Window).darker(shadeFactor));
     setPalette(shade);

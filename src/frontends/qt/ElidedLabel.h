@@ -1,12 +1,14 @@
 #pragma once
 
+#include <QAccessible>
 #include <QLabel>
 #include <QResizeEvent>
 
 /// A line of text that ends in dots where it has no room, and says all of it in its tool tip.
 class ElidedLabel : public QLabel {
   public:
-    ElidedLabel() {
+    /// `isNews`: a screen reader says a new text at once, wherever its reader is.
+    explicit ElidedLabel(bool isNews = false) : isNews_(isNews) {
         setTextFormat(Qt::PlainText);
         setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
     }
@@ -16,9 +18,18 @@ class ElidedLabel : public QLabel {
         setToolTip(text.toHtmlEscaped());
         setAccessibleName(text);
         elide();
+        if (isNews_) {
+            // Where alerts are not passed on, one that comes into sight is what is read out.
+            for (const QAccessible::Event kind : {QAccessible::Alert, QAccessible::ObjectShow}) {
+                QAccessibleEvent news(this, kind);
+                QAccessible::updateAccessibility(&news);
+            }
+        }
     }
 
     [[nodiscard]] const QString& whole() const { return whole_; }
+
+    [[nodiscard]] bool isNews() const { return isNews_; }
 
   protected:
     void resizeEvent(QResizeEvent* event) override {
@@ -30,4 +41,5 @@ class ElidedLabel : public QLabel {
     void elide() { setText(fontMetrics().elidedText(whole_, Qt::ElideRight, width())); }
 
     QString whole_;
+    bool isNews_;
 };

@@ -33,10 +33,10 @@ FindingsDialog::FindingsDialog(std::function<accesscheck::Examination()> examine
     summary_ = new QLabel;
     summary_->setObjectName("findingsSummary");
     summary_->setTextFormat(Qt::PlainText);
-    list_ = makeList("findingsList", {localized("What Is Wrong"), localized("Where")}, 0);
+    list_ = makeList("findingsList", windowTitle(), {localized("What Is Wrong"), localized("Where")}, 0);
     details_ = makeDetails("findingDetails");
     auto* buttons = makeButtons(*this);
-    auto* again = addButton(*buttons, localized("Check Again"));
+    auto* again = addButton(*buttons, localizedTitle("Check Again"));
     connect(again, &QPushButton::clicked, this, [this] { fill(); });
     connect(list_, &QTreeWidget::currentItemChanged, this, [this] { showFinding(); });
     auto* layout = new QVBoxLayout(this);
@@ -57,6 +57,9 @@ void FindingsDialog::fill() {
         item->setIcon(0, style()->standardIcon(each.level == Finding::Level::Problem
                                                    ? QStyle::SP_MessageBoxWarning
                                                    : QStyle::SP_MessageBoxInformation));
+        if (each.level == Finding::Level::Problem) { // what the icon says, in words
+            item->setData(0, Qt::AccessibleTextRole, localized("Warning") + ": " + shown(each.text));
+        }
         item->setToolTip(0, shown(each.text));
         item->setToolTip(1, shown(each.where));
     }

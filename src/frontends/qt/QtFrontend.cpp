@@ -1,5 +1,7 @@
 #include "frontends/qt/QtFrontend.h"
 
+#include "frontends/qt/Accessibility.h"
+#include "frontends/qt/KeyAccess.h"
 #include "frontends/qt/PlainStyle.h"
 #include "frontends/qt/QtPresenter.h"
 #include "frontends/qt/Snapshots.h"
@@ -9,9 +11,11 @@
 #include <QApplication>
 #include <QLoggingCategory>
 #include <QMessageBox>
+#include <QSocketNotifier>
 #include <QTimer>
 
 #include <cstdlib>
+#include <utility>
 
 namespace {
 
@@ -48,6 +52,8 @@ struct QtFrontend::Implementation {
 
     Platform platform;
     QApplication application;
+    Accessibility accessibility;
+    KeyAccess keyAccess;
     std::shared_ptr<QtPresenter> presenter;
 };
 
@@ -83,6 +89,15 @@ void QtFrontend::useServer(const std::string& address, const std::string& state,
 
 void QtFrontend::useDoctor(accesscheck::Patient patient) {
     implementation_->presenter->useDoctor(std::move(patient));
+}
+
+void QtFrontend::useListener(
+    int descriptor, std::function<void(const std::function<void(const std::string& token)>& raise)> answer) {
+    auto* notifier =
+        new QSocketNotifier(descriptor, QSocketNotifier::Read, &implementation_->application); // its child
+    QObject::connect(notifier, &QSocketNotifier::activated, notifier, [this, answer = std::move(answer)] {
+        answer([this](const std::string& token) { implementation_->presenter->bringToFront(token); });
+    });
 }
 
 int QtFrontend::run(const std::function<void()>& launch) {

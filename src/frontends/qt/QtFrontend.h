@@ -64,6 +64,11 @@ class QtFrontend {
     /// useReviewer.
     void useDoctor(accesscheck::Patient patient);
 
+    /// Whenever `descriptor` can be read, calls `answer` with what brings the main window to the front. That
+    /// takes the desktop's token for the start that asked for it; it may be empty.
+    void useListener(int descriptor,
+                     std::function<void(const std::function<void(const std::string& token)>& raise)> answer);
+
     /// Shows the main window, calls `launch` as the first event, and runs the event loop until the
     /// application has terminated. Returns the exit status. All windows are gone when it returns, so the
     /// interface may be destroyed.

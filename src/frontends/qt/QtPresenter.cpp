@@ -4,13 +4,16 @@
 #include "frontends/qt/FieldProblems.h"
 #include "frontends/qt/LineEdit.h"
 #include "frontends/qt/NodeAttributes.h"
+#include "frontends/qt/ReadingOrder.h"
 #include "frontends/qt/ReviewDialog.h"
+#include "frontends/qt/TabView.h"
 #include "frontends/qt/TableView.h"
 #include "frontends/qt/WaitingDialog.h"
 #include "frontends/qt/WindowComputer.h"
 #include "frontends/qt/WindowDrop.h"
 #include "frontends/qt/WindowHistory.h"
 #include "frontends/qt/WindowInquiries.h"
+#include "frontends/qt/WindowPages.h"
 #include "frontends/qt/WindowReview.h"
 #include "platform/foundation/Host.h"
 #include "platform/foundation/NSBundle.h"
@@ -193,9 +196,12 @@ void QtPresenter::interfaceDidLoad(Interface& interface) {
     actions_.back()->setPanelAnswer(
         [this](std::optional<std::string> path) { panelAnswer_ = std::move(path); });
     actions_.back()->setBegun([this](const std::string& field) {
-        if (auto* edit = mainWidget_ == nullptr ? nullptr : mainWidget_->findChild<LineEdit*>(shown(field))) {
+        auto* edit = mainWidget_ == nullptr ? nullptr : mainWidget_->findChild<LineEdit*>(shown(field));
+        if (edit != nullptr && edit->isVisible()) {
             edit->setFocus();
             edit->selectAll();
+        } else if (const auto* view = mainWidget_ == nullptr ? nullptr : mainWidget_->findChild<TabView*>()) {
+            focusBeginningOf(view->currentPage()); // the editor has closed
         }
     });
     actions_.back()->setRefused([this, &interface](const std::string& field, const std::string& why) {
@@ -217,6 +223,11 @@ void QtPresenter::interfaceDidLoad(Interface& interface) {
         views_.back()->widget().setAttribute(Qt::WA_DontShowOnScreen, manner_ == QtFrontend::Manner::Silent);
         if (window->kind() == NSWindowKind::Main && mainWidget_ == nullptr) {
             mainWidget_ = &views_.back()->widget();
+            auto* main = qobject_cast<QMainWindow*>(mainWidget_);
+            auto* tabs = dynamic_cast<NSTabView*>(interface.find("mainTabView"));
+            if (main != nullptr && menuBar != nullptr && tabs != nullptr) {
+                new WindowPages(*tabs, *main, *actions_.back(), *queue_); // the window's child
+            }
         }
     }
 }
@@ -271,6 +282,21 @@ void QtPresenter::useDoctor(accesscheck::Patient patient) {
     if (window != nullptr && shares != nullptr && users != nullptr) {
         inquiries_ = new WindowInquiries(std::move(patient), *shares, *users, *window, review_, *queue_);
     }
+}
+
+void QtPresenter::bringToFront(const std::string& token) {
+    if (mainWidget_ == nullptr) {
+        return;
+    }
+    if (!token.empty()) {
+        qputenv("XDG_ACTIVATION_TOKEN", QByteArray::fromStdString(token)); // Qt uses it up
+    }
+    mainWidget_->setWindowState(mainWidget_->windowState() & ~Qt::WindowMinimized);
+    mainWidget_->raise();
+    QWidget* asking = QApplication::activeModalWidget();
+    QWidget& front = asking == nullptr ? *mainWidget_ : *asking;
+    front.raise();
+    front.activateWindow();
 }
 
 WindowView* QtPresenter::viewOf(const NSWindow& window) const {

@@ -55,6 +55,10 @@ class QtPresenter : public platform::Presenter {
     /// Gives it the menu "Check". After useReviewer.
     void useDoctor(accesscheck::Patient patient);
 
+    /// Brings the main window, and what is asked before it, to the front. `token` is the desktop's leave to
+    /// do so; it may be empty.
+    void bringToFront(const std::string& token);
+
     /// The menu's dialogs; null before useDoctor.
     [[nodiscard]] WindowInquiries* inquiries() const { return inquiries_; }
 

@@ -88,7 +88,7 @@ class ReviewDialog : public QDialog {
         addDetails(plan);
         buttons_ = new QDialogButtonBox;
         if (details_ != nullptr) {
-            auto* toggle = buttons_->addButton(localized("Details"), QDialogButtonBox::ActionRole);
+            auto* toggle = buttons_->addButton(localizedTitle("Details"), QDialogButtonBox::ActionRole);
             toggle->setObjectName("reviewDetails");
             toggle->setAutoDefault(false);
             toggle->setCheckable(true);
@@ -165,6 +165,7 @@ class ReviewDialog : public QDialog {
     /// As high as the contents, up to a limit from which on they scroll.
     QScrollArea* scrolled(QWidget* contents) {
         auto* area = new QScrollArea;
+        area->setAccessibleName(windowTitle());
         area->setFrameShape(QFrame::NoFrame);
         area->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
         // Laid out at this width once: wrapped labels in a resizable area ask for the height of a narrow one.
@@ -183,6 +184,7 @@ class ReviewDialog : public QDialog {
         }
         details_ = new QPlainTextEdit(text);
         details_->setObjectName("reviewDetailsText");
+        details_->setAccessibleName(localized("Details"));
         details_->setReadOnly(true);
         details_->setTabChangesFocus(true);
         details_->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));

@@ -86,7 +86,7 @@ void RunProgress::show() {
     layout->addWidget(subject_);
     if (stop_) {
         auto* buttons = new QDialogButtonBox;
-        auto* button = buttons->addButton(localized("Stop"), QDialogButtonBox::RejectRole);
+        auto* button = buttons->addButton(localizedTitle("Stop"), QDialogButtonBox::RejectRole);
         QObject::connect(button, &QPushButton::clicked, dialog_.get(), [this] { stop(); });
         QObject::connect(dialog_.get(), &QDialog::rejected, dialog_.get(), [this] { stop(); });
         layout->addWidget(buttons);

@@ -45,11 +45,12 @@ SessionsDialog::SessionsDialog(Server server, QWidget* parent) : QDialog(parent)
     summary_->setObjectName("sessionsSummary");
     summary_->setTextFormat(Qt::PlainText);
     summary_->setWordWrap(true);
-    list_ = makeList("sessionsList", {localized("User"), localized("Computer"), localized("Since")}, 0);
+    list_ = makeList("sessionsList", windowTitle(),
+                     {localized("User"), localized("Computer"), localized("Since")}, 0);
     list_->setRootIsDecorated(true); // a session opens to show its shares
     auto* buttons = makeButtons(*this);
-    auto* again = addButton(*buttons, localized("Look Again"));
-    disconnect_ = addButton(*buttons, localized("Disconnect…"));
+    auto* again = addButton(*buttons, localizedTitle("Look Again"));
+    disconnect_ = addButton(*buttons, localizedTitle("Disconnect…"));
     disconnect_->setObjectName("disconnect");
     connect(again, &QPushButton::clicked, this, [this] { fill(); });
     connect(disconnect_, &QPushButton::clicked, this, [this] { disconnectSelected(); });

@@ -16,6 +16,7 @@ TabView::TabView(NSTabView& tabView, std::vector<MakePage> pages, RefreshQueue& 
         bar_ = new QTabBar;
         bar_->setDocumentMode(true);
         bar_->setExpanding(false);
+        bar_->setAccessibleName(localized("Page"));
         for (const std::string& label : tabView.labels()) {
             bar_->addTab(title(label));
         }

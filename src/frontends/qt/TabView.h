@@ -22,6 +22,9 @@ class TabView : public QWidget {
     /// Builds the pages that were not shown yet.
     void buildAll();
 
+    /// The page in sight.
+    [[nodiscard]] const QWidget& currentPage() const { return *stack_->currentWidget(); }
+
   protected:
     void showEvent(QShowEvent* event) override;
 

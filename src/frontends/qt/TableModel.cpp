@@ -30,11 +30,14 @@ int TableModel::columnCount(const QModelIndex& parent) const {
 QVariant TableModel::data(const QModelIndex& index, int role) const {
     const bool isMarked = role == Qt::DecorationRole && index.column() == 0;
     const bool isSpoken = role == Qt::AccessibleTextRole;
+    if (role == Qt::AccessibleDescriptionRole) {
+        return remarkOf(index);
+    }
     if (role != Qt::DisplayRole && role != Qt::ToolTipRole && !isMarked && !isSpoken) {
         return {};
     }
-    if (role != Qt::DisplayRole && !isSpoken && remarkOfRow_) {
-        if (const QString remark = remarkOfRow_(rowAt(index.row())); !remark.isEmpty()) {
+    if (role != Qt::DisplayRole && !isSpoken) {
+        if (const QString remark = remarkOf(index); !remark.isEmpty()) {
             return isMarked ? QVariant(QApplication::style()->standardIcon(QStyle::SP_MessageBoxWarning))
                             : QVariant(remark.toHtmlEscaped());
         }
@@ -46,11 +49,18 @@ QVariant TableModel::data(const QModelIndex& index, int role) const {
     const std::string value = table_.objectValue(column, rowAt(index.row()));
     if (isSpoken) {
         const QString spoken = spokenCellText(column, value);
+        if (index.column() == 0 && !remarkOf(index).isEmpty()) { // what the icon says, in words
+            return (spoken.isNull() ? cellText(column, value) : spoken) + " (" + localized("Warning") + ')';
+        }
         return spoken.isNull() ? QVariant() : QVariant(spoken);
     }
     QString text = cellText(column, value);
     // A tool tip would render text that looks like HTML; a name is shown verbatim.
     return role == Qt::ToolTipRole ? text.toHtmlEscaped() : text;
+}
+
+QString TableModel::remarkOf(const QModelIndex& index) const {
+    return remarkOfRow_ ? remarkOfRow_(rowAt(index.row())) : QString();
 }
 
 QVariant TableModel::headerData(int section, Qt::Orientation orientation, int role) const {

@@ -49,6 +49,7 @@ class TableModel : public QAbstractTableModel {
     [[nodiscard]] int length() const { return length_; }
 
   private:
+    [[nodiscard]] QString remarkOf(const QModelIndex& index) const;
     void rearrange();
 
     NSTableView& table_;

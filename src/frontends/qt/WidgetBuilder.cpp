@@ -7,6 +7,7 @@
 #include "frontends/qt/FieldProblems.h"
 #include "frontends/qt/FilterField.h"
 #include "frontends/qt/LineEdit.h"
+#include "frontends/qt/Mnemonics.h"
 #include "frontends/qt/NodeAttributes.h"
 #include "frontends/qt/PopUp.h"
 #include "frontends/qt/TabView.h"
@@ -60,6 +61,13 @@ bool isHigh(const InterfaceNode& node) {
                            [](const auto& child) { return isHigh(*child); });
     }
     return isOneOf(node, {Kind::Column, Kind::TextView, Kind::Grid, Kind::TableView});
+}
+
+void makeBuddies(QLabel& label, QWidget& widget) {
+    label.setBuddy(&widget);
+    if (widget.accessibleName().isEmpty()) {
+        widget.setAccessibleName(plainTitle(label.text()));
+    }
 }
 
 } // namespace
@@ -171,7 +179,9 @@ QWidget* WidgetBuilder::makeBox(const InterfaceNode& node) {
 }
 
 QWidget* WidgetBuilder::makeLabel(const InterfaceNode& node) {
-    auto* label = new QLabel(shown(node.attribute("text")));
+    // The label of a field has a letter that leads there, for which "&" would stand.
+    auto* label = new QLabel(node.attribute("for").empty() ? shown(node.attribute("text"))
+                                                           : title(node.attribute("text")));
     label->setTextFormat(Qt::PlainText); // what it shows may come from a file or an account's name
     const std::string& style = node.attribute("style");
     QFont font = label->font();
@@ -225,7 +235,7 @@ QWidget* WidgetBuilder::makeLabel(const InterfaceNode& node) {
     }
     if (const std::string& control = node.attribute("for"); !control.empty()) {
         if (const auto found = named_.find(control); found != named_.end()) {
-            label->setBuddy(found->second);
+            makeBuddies(*label, *found->second);
         } else {
             buddies_.emplace(control, label);
         }
@@ -376,6 +386,13 @@ void WidgetBuilder::fillGrid(QGridLayout& layout, const InterfaceNode& node) {
 }
 
 void WidgetBuilder::finish(QWidget& widget, const InterfaceNode& node) {
+    if (const std::string& spoken = node.attribute("spoken"); !spoken.empty()) {
+        widget.setAccessibleName(shown(spoken));
+    }
+    if (auto* label = actions_.find<NSTextField>(node.attribute("describedBy"))) {
+        new Binding(&widget, queue_, label->changed,
+                    [&widget, label] { widget.setAccessibleDescription(shown(label->stringValue())); });
+    }
     if (const std::string& tip = node.attribute("toolTip"); !tip.empty()) {
         widget.setToolTip(shown(tip));
     }
@@ -389,8 +406,7 @@ void WidgetBuilder::finish(QWidget& widget, const InterfaceNode& node) {
     widget.setObjectName(shown(name));
     named_[name] = &widget;
     for (auto [label, end] = buddies_.equal_range(name); label != end; ++label) {
-        label->second->setBuddy(&widget);
-        widget.setAccessibleName(label->second->text());
+        makeBuddies(*label->second, widget);
     }
     buddies_.erase(name);
 }

@@ -103,6 +103,9 @@ void WindowActions::addButtonsOf(const std::string& table, QMenu& menu) {
         if (button != nullptr && (role == "edit" || role == "delete") && each.attribute("reverts") == table) {
             QAction* entry = menu.addAction(::title(button->title()), [this, &each] { use(each); });
             entry->setEnabled(button->isEnabled());
+            // It is the table that takes the key.
+            entry->setShortcut(role == "edit" ? Qt::Key_Return : Qt::Key_Delete);
+            entry->setShortcutContext(Qt::WidgetShortcut);
         }
     });
     if (!menu.isEmpty()) {

@@ -43,7 +43,8 @@ class WindowActions {
         refused_ = std::move(refused);
     }
 
-    /// `begun` puts the cursor into that field, which is on screen by then: an editor begins with it.
+    /// `begun` puts the cursor into that field: an editor begins with it. Where it is not on screen by then,
+    /// the editor has closed.
     void setBegun(std::function<void(const std::string& field)> begun) { begun_ = std::move(begun); }
 
     /// What the control that is being used has to be confirmed with, in the interface file's words.

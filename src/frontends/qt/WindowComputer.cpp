@@ -24,8 +24,8 @@ constexpr const char* sharedColumn = "Public Shared";
 WindowComputer::WindowComputer(const platform::Computer& computer, NSTabView& tabs, NSTableView& users,
                                QMainWindow& window, RefreshQueue& queue)
     : QObject(&window), computer_(computer), tabs_(tabs), users_(users), window_(window), queue_(queue),
-      state_(new ElidedLabel), start_(new QPushButton(localized("Start SMB Server"))),
-      atBoot_(new QPushButton(localized("Start at Boot"))) {
+      state_(new ElidedLabel), start_(new QPushButton(localizedTitle("Start SMB Server"))),
+      atBoot_(new QPushButton(localizedTitle("Start at Boot"))) {
     state_->setObjectName("serverState");
     state_->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
     start_->setObjectName("startServer");

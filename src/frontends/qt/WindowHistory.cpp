@@ -96,14 +96,14 @@ class HistoryDialog : public QDialog {
         setObjectName("history");
         setWindowTitle(localized("History"));
         resize(dialogWidth, dialogHeight);
-        list_ = makeList("historyList",
+        list_ = makeList("historyList", windowTitle(),
                          {localized("When"), localized("What"), localized("Who"), localized("Outcome")}, 1);
         details_ = makeDetails("historyDetails");
         details_->setLineWrapMode(QPlainTextEdit::NoWrap);
         details_->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
         details_->setPlaceholderText(localized("Select a change to see what it did."));
         auto* buttons = makeButtons(*this);
-        takeBack_ = addButton(*buttons, localized("Take Back…"));
+        takeBack_ = addButton(*buttons, localizedTitle("Take Back…"));
         connect(takeBack_, &QPushButton::clicked, this, [this, &owner] {
             if (const auto* item = list_->currentItem()) {
                 owner.takeBack(item->data(0, numberRole).toLongLong(), this);
@@ -164,6 +164,7 @@ WindowHistory::WindowHistory(const review::History& history, review::Reviewer& r
     QAction* first = menu.actions().isEmpty() ? nullptr : menu.actions().constFirst();
     undo_ = new QAction(localized("Undo"), this);
     undo_->setObjectName("undo");
+    undo_->setShortcut(QKeySequence::Undo); // in a field it is the field's own
     connect(undo_, &QAction::triggered, this, [this] { takeBack(std::nullopt, &window_); });
     auto* all = new QAction(localized("History…"), this);
     all->setObjectName("showHistory");
@@ -172,6 +173,8 @@ WindowHistory::WindowHistory(const review::History& history, review::Reviewer& r
     menu.insertAction(first, all);
     menu.insertSeparator(first);
     connect(&menu, &QMenu::aboutToShow, this, [this] { nameUndo(); });
+    // What its key would do is looked up when it is pressed.
+    connect(&menu, &QMenu::aboutToHide, this, [this] { undo_->setEnabled(true); });
 }
 
 void WindowHistory::nameUndo() {

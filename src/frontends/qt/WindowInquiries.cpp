@@ -64,13 +64,13 @@ WindowInquiries::WindowInquiries(accesscheck::Patient patient, NSTableView& shar
                                  QMainWindow& window, WindowReview* review, RefreshQueue& queue)
     : QObject(&window), patient_(std::move(patient)), shares_(shares), users_(users), queue_(queue) {
     QList<QAction*> menus = window.menuBar()->actions();
-    auto* menu = new QMenu(localized("Check"), window.menuBar());
+    auto* menu = new QMenu(localizedTitle("Check"), window.menuBar());
     menu->setObjectName("checkMenu");
     // The last menu is the help's, as everywhere.
     window.menuBar()->insertMenu(menus.isEmpty() ? nullptr : menus.constLast(), menu);
     using Make = std::unique_ptr<QDialog> (WindowInquiries::*)(QWidget*);
     const auto add = [&](const char* title, const char* name, Make make) {
-        menu->addAction(localized(title), this,
+        menu->addAction(localizedTitle(title), this,
                         [this, make, &window] {
                             QApplication::setOverrideCursor(Qt::WaitCursor);
                             const auto dialog = (this->*make)(&window);

@@ -163,20 +163,21 @@ void WindowReview::setShareRemarks(std::function<std::multimap<std::string, std:
 
 void WindowReview::addMenu() {
     QList<QAction*> menus = window_.menuBar()->actions();
-    auto* menu = new QMenu(localized("Changes"), window_.menuBar());
+    auto* menu = new QMenu(localizedTitle("Changes"), window_.menuBar());
     menu->setObjectName("changesMenu");
     // The last menu is the help's, as everywhere.
     window_.menuBar()->insertMenu(menus.isEmpty() ? nullptr : menus.constLast(), menu);
-    menu->addAction(localized("What Would This Do?"), this, [this] { planButtonInUse(); })
+    menu->addAction(localizedTitle("What Would This Do?"), this, [this] { planButtonInUse(); })
         ->setObjectName("whatWouldThisDo");
-    reviewAll_ = menu->addAction(localized("Review Every Change"));
+    reviewAll_ = menu->addAction(localizedTitle("Review Every Change"));
     reviewAll_->setObjectName("reviewEveryChange");
     reviewAll_->setCheckable(true);
     reviewAll_->setChecked(reviewsAll());
     connect(reviewAll_, &QAction::toggled, this,
             [](bool isOn) { NSUserDefaults::standardUserDefaults().setInteger(isOn ? 1 : 0, reviewAllKey); });
     menu->addSeparator();
-    menu->addAction(localized("Read smb.conf Again"), this, [this] { reread(); })->setObjectName("readAgain");
+    menu->addAction(localizedTitle("Read smb.conf Again"), this, [this] { reread(); })
+        ->setObjectName("readAgain");
 }
 
 void WindowReview::planButtonInUse() {
@@ -228,7 +229,7 @@ void WindowReview::addDirectoryNotice() {
     if (layout == nullptr) {
         return;
     }
-    auto* again = new QPushButton(localized("Try Again"));
+    auto* again = new QPushButton(localizedTitle("Try Again"));
     directoryNotice_ = makeNotice("directoryNotice", {}, again);
     directoryText_ = directoryNotice_->findChild<QLabel*>();
     connect(again, &QPushButton::clicked, this,
@@ -258,7 +259,7 @@ void WindowReview::addNotice() {
     if (layout == nullptr) {
         return;
     }
-    auto* button = new QPushButton(localized("Read smb.conf Again"));
+    auto* button = new QPushButton(localizedTitle("Read smb.conf Again"));
     notice_ = makeNotice(
         "changedOutside",
         localized("Another program has changed smb.conf since it was read.  What you see here is older."),

@@ -10,7 +10,6 @@
 #include "platform/foundation/NSBundle.h"
 #include "platform/foundation/NSString.h"
 
-#include <QAccessible>
 #include <QApplication>
 #include <QClipboard>
 #include <QMenu>
@@ -45,7 +44,7 @@ std::string addressOf(const std::string& base, const std::string& share) {
 WindowStatus::WindowStatus(Activity& activity, QMainWindow& window, WindowActions& actions,
                            RefreshQueue& queue)
     : QObject(&window), activity_(activity), window_(window), actions_(actions) {
-    text_ = new ElidedLabel;
+    text_ = new ElidedLabel(true);
     text_->setObjectName("statusText");
     window.statusBar()->addWidget(text_, textStretch);
     copy_ = addButton("statusCopy", "Copy Address");
@@ -63,7 +62,7 @@ WindowStatus::WindowStatus(Activity& activity, QMainWindow& window, WindowAction
 }
 
 QPushButton* WindowStatus::addButton(const char* name, const char* text) {
-    auto* button = new QPushButton(localized(text));
+    auto* button = new QPushButton(localizedTitle(text));
     button->setObjectName(name);
     button->setAutoDefault(false);
     window_.statusBar()->addWidget(button);
@@ -79,7 +78,8 @@ void WindowStatus::useHistory(const review::History& history, QMenu& menu,
         number_ = newest->number;
     }
     menu.addSeparator();
-    menu.addAction(localized("Activity…"), this, [this] { showActivity(); })->setObjectName("showActivity");
+    menu.addAction(localizedTitle("Activity…"), this, [this] { showActivity(); })
+        ->setObjectName("showActivity");
 }
 
 void WindowStatus::useServer(ShareServer server) {
@@ -106,8 +106,6 @@ void WindowStatus::show(const QString& text, bool isFailure) {
         palette.setColor(QPalette::WindowText, warningColor);
     }
     text_->setPalette(palette);
-    QAccessibleEvent alert(text_, QAccessible::Alert); // a screen reader says it at once
-    QAccessible::updateAccessibility(&alert);
 }
 
 void WindowStatus::eventEnded() {

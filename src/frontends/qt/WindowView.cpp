@@ -4,6 +4,7 @@
 #include "frontends/qt/Drawer.h"
 #include "frontends/qt/Menus.h"
 #include "frontends/qt/NodeAttributes.h"
+#include "frontends/qt/ReadingOrder.h"
 #include "platform/appkit/NSApplication.h"
 
 #include <QApplication>
@@ -125,6 +126,12 @@ void WindowView::followVisibility() {
     queue_.flush();
     place();
     widget_->show();
+    if (window_.kind() == NSWindowKind::Sheet) {
+        widget_->activateWindow();
+    }
+    if (window_.kind() == NSWindowKind::Sheet || widget_->focusWidget() == nullptr) {
+        focusBeginningOf(*widget_);
+    }
 }
 
 void WindowView::place() {

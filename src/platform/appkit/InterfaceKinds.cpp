@@ -23,7 +23,11 @@ const std::vector<InterfaceKind> layouts = {
 
 const Attributes named = {{"outlet", Word}, {"name", Word}};
 const Attributes sized = {{"stretch", Size}, {"width", Size}};
-const Attributes control = {{"action", Word}, {"enabled", YesNo}, {"toolTip", Text}};
+// What a screen reader calls the element, where no title or label beside it does; and the label that says
+// more.
+const AttributeRule spoken = {"spoken", Text};
+const Attributes control = {
+    {"action", Word}, {"enabled", YesNo}, {"toolTip", Text}, spoken, {"describedBy", Word}};
 const Attributes field = {{"text", Text}, {"placeholder", Text}, {"delegate", YesNo}, {"maxWidth", Size}};
 const Attributes window = {{"title", Text}, {"width", Size}, {"height", Size}, {"delegate", YesNo}};
 // What the window asks before the action; "%@" in it is what the field `about` shows.
@@ -51,12 +55,15 @@ std::vector<ElementRule> windowRules() {
          joined({named,
                  control,
                  asked,
-                 {{"title", Text, "", true}, {"key", Word}, {"role", Choice, "about|quit|preferences"}}})},
+                 {{"title", Text, "", true},
+                  {"key", Word},
+                  {"edits", Word}, // as a button's
+                  {"role", Choice, "about|quit|preferences"}}})},
         {MenuSeparator, "separator"},
         {Window, "window", makeWindow, joined({named, window}), inWindow, true},
         {Sheet, "sheet", makeWindow, joined({named, window}), layouts, true},
         {Panel, "panel", makeWindow, joined({named, window}), layouts, true},
-        {Drawer, "drawer", makeDrawer, joined({named, {{"width", Size}}}), layouts, true},
+        {Drawer, "drawer", makeDrawer, joined({named, {{"width", Size}, spoken}}), layouts, true},
     };
 }
 
@@ -117,7 +124,7 @@ std::vector<ElementRule> controlRules() {
                   {"offWith", Word},
                   // "new" and "edit" begin the editor of the table `reverts` in the field `edits`; "new" does
                   // the operation `also`, too.
-                  {"role", Choice, "cancel|new|edit|delete"},
+                  {"role", Choice, "cancel|new|edit|delete|refresh"},
                   {"edits", Word},
                   {"checks", YesNo}, // the limits of the fields of its page
                   {"also", Word},
@@ -159,7 +166,7 @@ std::vector<ElementRule> controlRules() {
           // How a window shows the values: "check" marks those that mean yes, "privileges" spells a folder's
           // out, "value" leaves a missing one empty, "list" parts what commas join.
           {"display", Choice, "check|privileges|value|list"}}},
-        {TextView, "textView", makeTextView, joined({named, sized, {{"height", Size}}})},
+        {TextView, "textView", makeTextView, joined({named, sized, {{"height", Size}, spoken}})},
     };
 }
 

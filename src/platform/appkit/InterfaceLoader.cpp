@@ -238,7 +238,7 @@ void InterfaceLoader::nameElement(const InterfaceNode& node) {
 
 void InterfaceLoader::wireAction(const InterfaceNode& node) {
     for (const char* attribute :
-         {"for", "about", "reverts", "rowOf", "offWith", "begin", "edits", "namesRow"}) {
+         {"for", "about", "reverts", "rowOf", "offWith", "begin", "edits", "namesRow", "describedBy"}) {
         if (node.attributes.contains(attribute)) {
             references_.emplace_back(node.line, node.attribute(attribute));
         }

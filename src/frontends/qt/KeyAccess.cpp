@@ -1,0 +1,185 @@
+#include "frontends/qt/KeyAccess.h"
+
+#include "frontends/qt/Buttons.h"
+#include "frontends/qt/Drawer.h"
+#include "frontends/qt/Mnemonics.h"
+#include "frontends/qt/ReadingOrder.h"
+#include "review/Reviewer.h"
+
+#include <QAbstractButton>
+#include <QAction>
+#include <QApplication>
+#include <QEvent>
+#include <QFileDialog>
+#include <QLabel>
+#include <QMainWindow>
+#include <QMenu>
+#include <QMenuBar>
+#include <QStatusBar>
+#include <QTimer>
+#include <QToolButton>
+
+#include <algorithm>
+#include <utility>
+
+namespace {
+
+constexpr QChar beforeKeys(u'\t'); ///< in titles that name their keys themselves
+
+bool standsInBar(const QAction* action) {
+    return std::ranges::any_of(action->associatedObjects(), [](const QObject* each) {
+        return qobject_cast<const QMenuBar*>(each) != nullptr;
+    });
+}
+
+void markActions(QList<QAction*> marked, QSet<QChar>& taken) {
+    marked.removeIf([](const QAction* each) { return each->isSeparator() || !each->isVisible(); });
+    std::vector<Titled> titles;
+    for (const QAction* each : marked) {
+        titles.push_back({plainTitle(each->text().section(beforeKeys, 0, 0)), each->objectName()});
+    }
+    const QStringList texts = titlesWithMnemonics(titles, taken);
+    for (qsizetype place = 0; place < marked.size(); ++place) {
+        const QString keys = marked[place]->text().section(beforeKeys, 1);
+        marked[place]->setText(keys.isEmpty() ? texts[place] : texts[place] + beforeKeys + keys);
+    }
+}
+
+/// A button with a title, or the label of a field.
+bool hasTitle(QWidget* widget) {
+    const auto* button = qobject_cast<const QAbstractButton*>(widget);
+    const auto* label = qobject_cast<const QLabel*>(widget);
+    return (button != nullptr && qobject_cast<const QToolButton*>(widget) == nullptr &&
+            !button->text().isEmpty()) ||
+           (label != nullptr && label->buddy() != nullptr);
+}
+
+QString titleOf(QWidget* widget) {
+    const auto* button = qobject_cast<const QAbstractButton*>(widget);
+    return button != nullptr ? button->text() : qobject_cast<const QLabel*>(widget)->text();
+}
+
+QString nameOf(QWidget* widget) {
+    const auto* label = qobject_cast<const QLabel*>(widget);
+    return label == nullptr ? widget->objectName() : label->buddy()->objectName();
+}
+
+void giveTitle(QWidget* widget, const QString& title) {
+    if (title == titleOf(widget)) {
+        return;
+    }
+    if (auto* button = qobject_cast<QAbstractButton*>(widget)) {
+        button->setText(title);
+    } else {
+        qobject_cast<QLabel*>(widget)->setText(title);
+    }
+}
+
+/// Does the button change something?
+bool isWriting(const QWidget* widget) {
+    const auto* button = qobject_cast<const QAbstractButton*>(widget);
+    const NSButton* model = button == nullptr ? nullptr : modelOfButton(*button);
+    return model != nullptr && review::Reviewer::isWriting(model->action().operation);
+}
+
+void markWidgets(QList<QWidget*> widgets, QSet<QChar>& taken) {
+    // Where letters run out, it is not for what one came for.
+    std::stable_partition(widgets.begin(), widgets.end(), isWriting);
+    std::vector<Titled> titles;
+    for (QWidget* each : widgets) {
+        titles.push_back({plainTitle(titleOf(each)), nameOf(each)});
+    }
+    const QStringList texts = titlesWithMnemonics(titles, taken);
+    for (qsizetype place = 0; place < widgets.size(); ++place) {
+        giveTitle(widgets[place], texts[place]);
+    }
+}
+
+/// Where the widget stands in its window: letters are given part by part.
+enum Part { Page, InDrawer, Foot };
+
+Part partOf(const QWidget* widget) {
+    for (const QWidget* around = widget; around != nullptr; around = around->parentWidget()) {
+        if (qobject_cast<const QStatusBar*>(around) != nullptr) {
+            return Foot;
+        }
+        if (qobject_cast<const Drawer*>(around) != nullptr) {
+            return InDrawer;
+        }
+    }
+    return Page;
+}
+
+void settle(QWidget& window) {
+    QSet<QChar> taken;
+    if (auto* menu = qobject_cast<QMenu*>(&window)) {
+        QList<QAction*> actions = menu->actions();
+        // What has no room in a bar hangs in a menu, and keeps its letter.
+        actions.removeIf(standsInBar);
+        markActions(actions, taken);
+        return;
+    }
+    orderFocus(window);
+    if (const auto* main = qobject_cast<const QMainWindow*>(&window)) {
+        markActions(main->menuBar()->actions(), taken);
+    }
+    QList<QWidget*> titled = widgetsAsRead(window);
+    titled.removeIf([&window](QWidget* each) { return !hasTitle(each) || !each->isVisibleTo(&window); });
+    for (const Part part : {Page, InDrawer, Foot}) {
+        QList<QWidget*> standing = titled;
+        standing.removeIf([part](const QWidget* each) { return partOf(each) != part; });
+        markWidgets(standing, taken);
+    }
+}
+
+/// The system's own way to choose a file has letters of its own.
+bool isOurs(const QWidget& window) {
+    const Qt::WindowType type = window.windowType();
+    return qobject_cast<const QMenu*>(&window) != nullptr ||
+           ((type == Qt::Window || type == Qt::Dialog) &&
+            qobject_cast<const QFileDialog*>(&window) == nullptr);
+}
+
+} // namespace
+
+KeyAccess::KeyAccess() {
+    QCoreApplication::instance()->installEventFilter(this);
+}
+
+bool KeyAccess::eventFilter(QObject* watched, QEvent* event) {
+    const QEvent::Type type = event->type();
+    const bool isOfActions = type == QEvent::ActionAdded || type == QEvent::ActionChanged;
+    if (type != QEvent::Show && type != QEvent::HideToParent && type != QEvent::LayoutRequest &&
+        !isOfActions) {
+        return false;
+    }
+    auto* widget = qobject_cast<QWidget*>(watched);
+    QWidget* window = widget == nullptr ? nullptr : widget->window();
+    if (window == nullptr || !isOurs(*window)) {
+        return false;
+    }
+    if (type == QEvent::Show && widget == window) {
+        settle(*window); // before anybody sees it
+    } else if (!isOfActions || widget == window || qobject_cast<QMenuBar*>(widget) != nullptr) {
+        settleSoon(window);
+    }
+    return false;
+}
+
+void KeyAccess::settleSoon(QWidget* window) {
+    if (std::ranges::any_of(waiting_, [window](const auto& each) { return each == window; })) {
+        return;
+    }
+    if (waiting_.empty()) {
+        QTimer::singleShot(0, this, &KeyAccess::settleWaiting);
+    }
+    waiting_.emplace_back(window);
+}
+
+void KeyAccess::settleWaiting() {
+    for (const QPointer<QWidget>& each : std::exchange(waiting_, {})) {
+        if (each != nullptr && (each->isVisible() || qobject_cast<QMenu*>(each) != nullptr)) {
+            settle(*each);
+        }
+    }
+}

@@ -1,0 +1,160 @@
+#include "frontends/qt/Mnemonics.h"
+
+#include "frontends/qt/Binding.h"
+
+#include <QHash>
+#include <QRegularExpression>
+
+#include <algorithm>
+#include <array>
+
+namespace {
+
+constexpr QChar mark(u'&');
+
+bool isEastAsian(QChar letter) {
+    const QChar::Script script = letter.script();
+    return script == QChar::Script_Han || script == QChar::Script_Hiragana ||
+           script == QChar::Script_Katakana || script == QChar::Script_Hangul;
+}
+
+/// Is the text written in characters that no key stands for?
+bool needsLetterBehind(const QString& text) {
+    return std::ranges::any_of(text, isEastAsian);
+}
+
+/// The letters of the text that keys stand for, the best first: its first one, those that begin its words,
+/// the others, and last those that take more than one key on many keyboards.
+QString lettersIn(const QString& text) {
+    enum Rank { First, OfWord, Inner, Accented };
+
+    std::array<QString, 4> ranked;
+    QChar before;
+    for (const QChar each : text) {
+        if (each.isLetterOrNumber() && !isEastAsian(each)) {
+            const bool begins = !before.isLetterOrNumber();
+            const Rank rank = each.decompositionTag() != QChar::NoDecomposition ? Accented
+                              : !begins                                         ? Inner
+                              : ranked[First].isEmpty()                         ? First
+                                                                                : OfWord;
+            ranked.at(rank) += each.toUpper();
+        }
+        before = each;
+    }
+    return ranked[First] + ranked[OfWord] + ranked[Inner] + ranked[Accented];
+}
+
+QString lettersFor(const Titled& titled) {
+    if (!needsLetterBehind(titled.text)) {
+        return lettersIn(titled.text);
+    }
+    return lettersIn(titled.text) + lettersIn(titled.name) + QLatin1String("ABCDEFGHIJKLMNOPQRSTUVWXYZ");
+}
+
+/// Who has which letter. A text that comes late takes one from an earlier text that can have another.
+class Letters {
+  public:
+    Letters(const std::vector<Titled>& texts, const QSet<QChar>& taken) {
+        for (const Titled& each : texts) {
+            QString wanted = lettersFor(each);
+            wanted.removeIf([&taken](QChar letter) { return taken.contains(letter); });
+            wanted_.push_back(wanted);
+        }
+        for (std::size_t text = 0; text < wanted_.size(); ++text) {
+            QSet<QChar> tried;
+            give(text, tried);
+        }
+    }
+
+    /// A null character where the text has none.
+    [[nodiscard]] QChar of(std::size_t text) const { return holders_.key(text); }
+
+  private:
+    bool give(std::size_t text, QSet<QChar>& tried) {
+        for (const QChar letter : wanted_[text]) {
+            if (!holders_.contains(letter)) {
+                holders_.insert(letter, text);
+                return true;
+            }
+        }
+        for (const QChar letter : wanted_[text]) {
+            if (!tried.contains(letter)) {
+                tried.insert(letter);
+                if (give(holders_.value(letter), tried)) {
+                    holders_.insert(letter, text);
+                    return true;
+                }
+            }
+        }
+        return false;
+    }
+
+    std::vector<QString> wanted_;
+    QHash<QChar, std::size_t> holders_;
+};
+
+QString escaped(QString text) {
+    return text.replace(mark, QLatin1String("&&"));
+}
+
+/// The place of the letter: where a word begins with it, else where it stands first; -1 without one.
+qsizetype placeOf(QChar letter, const QString& text) {
+    qsizetype inside = -1;
+    for (qsizetype place = 0; place < text.size(); ++place) {
+        if (text[place].toUpper() != letter) {
+            continue;
+        }
+        if (place == 0 || !text[place - 1].isLetterOrNumber()) {
+            return place;
+        }
+        inside = inside < 0 ? place : inside;
+    }
+    return inside;
+}
+
+QString marked(const QString& text, QChar letter) {
+    if (letter.isNull()) {
+        return escaped(text);
+    }
+    if (needsLetterBehind(text)) { // before the colon or the dots
+        static const QRegularExpression ending(QStringLiteral("(?:[:：…]|\\.\\.\\.)?$"));
+        const qsizetype place = text.indexOf(ending);
+        return escaped(text.left(place)) + QLatin1String("(&") + letter + QLatin1Char(')') +
+               escaped(text.mid(place));
+    }
+    const qsizetype place = placeOf(letter, text);
+    return escaped(text.left(place)) + mark + escaped(text.mid(place));
+}
+
+} // namespace
+
+QStringList titlesWithMnemonics(const std::vector<Titled>& texts, QSet<QChar>& taken) {
+    const Letters letters(texts, taken);
+    QStringList titles;
+    for (std::size_t text = 0; text < texts.size(); ++text) {
+        const QChar letter = letters.of(text);
+        titles += marked(texts[text].text, letter);
+        if (!letter.isNull()) {
+            taken.insert(letter);
+        }
+    }
+    return titles;
+}
+
+QString plainTitle(const QString& title) {
+    static const QRegularExpression marks(QStringLiteral("\\(&[^&]\\)|&(.?)"));
+    QString plain;
+    qsizetype from = 0;
+    for (auto found = marks.globalMatch(title); found.hasNext();) {
+        const QRegularExpressionMatch match = found.next();
+        plain += title.mid(from, match.capturedStart() - from) + match.captured(1);
+        from = match.capturedEnd();
+    }
+    return plain + title.mid(from);
+}
+
+void setTitle(QAbstractButton& button, const std::string& text) {
+    if (plainTitle(button.text()) != shown(text)) {
+        button.setText(title(text));
+    }
+}

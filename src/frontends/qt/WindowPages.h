@@ -1,0 +1,38 @@
+#pragma once
+
+#include "frontends/qt/Binding.h"
+#include "frontends/qt/WindowActions.h"
+#include "platform/appkit/NSTabView.h"
+
+#include <QMainWindow>
+#include <QObject>
+
+#include <string>
+
+class QAction;
+
+/// The window's menu "Page": what a key does on the page that is in sight, whichever it is, and the way from
+/// page to page. F10 opens the menu bar. A child of the main window's widget.
+class WindowPages : public QObject {
+  public:
+    /// All but `window`, whose child it becomes, are kept.
+    WindowPages(NSTabView& tabs, QMainWindow& window, WindowActions& actions, RefreshQueue& queue);
+
+  private:
+    QAction* addAction(QMenu& menu, const char* name, const QString& text, const QKeySequence& key,
+                       std::function<void()> act);
+    void load();
+    /// The button with that role on the page in sight; null where it has none.
+    [[nodiscard]] const platform::InterfaceNode* buttonOf(const std::string& role) const;
+    void use(const std::string& role);
+    void find();
+    void turn(int pages);
+
+    NSTabView& tabs_;
+    QMainWindow& window_;
+    WindowActions& actions_;
+    RefreshQueue& queue_;
+    QAction* new_ = nullptr;
+    QAction* find_ = nullptr;
+    QAction* refresh_ = nullptr;
+};

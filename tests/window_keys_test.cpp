@@ -1,0 +1,349 @@
+// The window with keys alone, and as a screen reader meets it.
+
+#include "support/HistoryWindowFixture.h"
+
+#include <QAccessible>
+#include <QCheckBox>
+#include <QMainWindow>
+#include <QMenu>
+#include <QMenuBar>
+
+namespace {
+
+class Keys : public WindowWithHistory {
+  protected:
+    void openAll() {
+        openWithHistory();
+        frontend->useDoctor(
+            {platform::SambaPaths{(host.root() / "samba").string(), (host.root() / "etc/smb.conf").string(),
+                                  host.storeFile().string()},
+             "brindle"});
+        frontend->useServer("smb://127.0.0.1:4455/", "SMB server", false);
+    }
+
+    QMainWindow& window() { return widget<QMainWindow>("mainWindow"); }
+
+    /// What is put off until the events that are waiting are done, is done.
+    static void settle() { QTest::qWait(1); }
+
+    void press(Qt::Key key, Qt::KeyboardModifiers modifiers = {}) {
+        if (QApplication::focusWidget() == nullptr) { // a question has gone
+            window().activateWindow();
+            ASSERT_TRUE(QTest::qWaitForWindowActive(&window()));
+        }
+        QTest::keyClick(QApplication::focusWidget(), key, modifiers);
+        settle();
+    }
+
+    static std::string focused() {
+        const QWidget* widget = QApplication::focusWidget();
+        const auto* button = qobject_cast<const QAbstractButton*>(widget);
+        return widget == nullptr                                ? "nothing"
+               : button != nullptr && !button->text().isEmpty() ? plainTitle(button->text()).toStdString()
+               : !widget->objectName().isEmpty()                ? widget->objectName().toStdString()
+                                                                : widget->metaObject()->className();
+    }
+
+    /// Calls `see` with every window as it stands: each page with each of its settings' pages, the editor,
+    /// the sheet, and each dialog and panel that the menus open.
+    void forEveryWindow(const std::function<void(QWidget&, const std::string&)>& look) {
+        const auto see = [&look](QWidget& shown, const std::string& where) {
+            settle();
+            look(shown, where);
+        };
+        for (int page = 0; page < 5; ++page) {
+            showPage(page);
+            see(window(), "page " + std::to_string(page));
+            for (const char* menu : {"afsPropsPage", "smbPropsPage"}) {
+                auto& pages = control<NSPopUpButton>(menu);
+                for (int each = 0; page == (menu[0] == 'a' ? 3 : 4) && each < pages.numberOfItems(); ++each) {
+                    pages.performSelect(each);
+                    QApplication::processEvents();
+                    see(window(), std::string(menu) + " " + std::to_string(each));
+                }
+            }
+        }
+        showPage(1);
+        clickRow("userTableView", 0);
+        click("changePasswordButton");
+        see(widget<QWidget>("passwordWindow"), "passwordWindow");
+        press(Qt::Key_Escape);
+        EXPECT_FALSE(widget<QWidget>("passwordWindow").isVisible());
+        showPage(0);
+        clickTitled("New Share");
+        see(window(), "editor");
+        QTimer eye;
+        eye.callOnTimeout([&] {
+            if (auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget())) {
+                see(*dialog, dialog->objectName().toStdString());
+                QTest::keyClick(dialog, Qt::Key_Escape);
+                EXPECT_FALSE(dialog->isVisible()) << dialog->objectName().toStdString();
+            }
+        });
+        eye.start(20);
+        for (const char* item : {"What Would This Do?", "History…", "Check Access…", "Check This Computer…",
+                                 "Who Is Connected…"}) {
+            useMenu(item);
+        }
+        click("deleteButton"); // which asks
+        useMenu("Activity…");
+        see(widget<QWidget>("activity"), "activity");
+        useMenu("About Brindle");
+        see(widget<QWidget>("aboutWindow"), "aboutWindow");
+    }
+};
+
+TEST(Mnemonics, AreTheTextsOwnLettersEachOnceAndAsManyAsThereCanBe) {
+    struct Case {
+        std::vector<Titled> texts;
+        QString taken;
+        QStringList titles;
+    };
+
+    for (const Case& each :
+         {Case{{{"Save", ""}, {"Save As", ""}, {"Undo", ""}}, "", {"&Save", "Save &As", "&Undo"}},
+          // A later text has an earlier one give way; the last one has none left.
+          Case{{{"AB", ""}, {"A", ""}, {"B A", ""}}, "", {"A&B", "&A", "B A"}},
+          Case{{{"Save", ""}}, "SA", {"Sa&ve"}}, Case{{{"R&D", ""}, {"Q & A", ""}}, "", {"&R&&D", "&Q && A"}},
+          Case{{{"Ändern", ""}, {"Öffnen…", ""}}, "", {"Ä&ndern", "Ö&ffnen…"}},
+          Case{{{"Файл", ""}, {"Сеть", ""}}, "", {"&Файл", "&Сеть"}},
+          Case{{{"名前:", "shareName"}, {"開く…", "open"}, {"AFP サーバ", ""}, {"Share", ""}},
+               "",
+               {"名前(&S):", "開く(&O)…", "AFP サーバ(&A)", "S&hare"}}}) {
+        QSet<QChar> taken(each.taken.begin(), each.taken.end());
+        const QStringList titles = titlesWithMnemonics(each.texts, taken);
+        EXPECT_EQ(titles, each.titles) << titles.join('|').toStdString();
+        for (qsizetype text = 0; text < titles.size(); ++text) {
+            EXPECT_EQ(plainTitle(titles[text]), each.texts[static_cast<std::size_t>(text)].text);
+        }
+    }
+}
+
+TEST_F(Keys, EachWindowAndMenuHasEachLetterOnceAndLeavesNoFreeOneUnused) {
+    addShare("R&D", host.root().string());
+    addUser("alice", "501");
+    openAll();
+    clickRow("normalTableView", 0);
+    settle();
+    EXPECT_EQ(widget<QLabel>("selectedShareName").text(), "R&D"); // no letter leads there
+    int withoutLetter = 0;
+    const auto check = [&](const QStringList& titles, QSet<QChar> used, const std::string& where) {
+        QStringList without;
+        for (const QString& each : titles) {
+            const QKeySequence letter = QKeySequence::mnemonic(each);
+            const QChar key = letter.isEmpty() ? QChar() : QChar(letter[0].key());
+            EXPECT_FALSE(used.contains(key)) << where << ": " << each.toStdString();
+            key.isNull() ? without.append(each) : static_cast<void>(used.insert(key));
+        }
+        for (const QString& each : without) {
+            for (const QChar letter : plainTitle(each)) {
+                EXPECT_TRUE(!letter.isLetterOrNumber() || used.contains(letter.toUpper()))
+                    << where << ": " << each.toStdString() << " could have " << QString(letter).toStdString();
+            }
+        }
+        withoutLetter += static_cast<int>(without.size());
+        return used;
+    };
+    const auto titlesOf = [](const QList<QAction*>& actions) {
+        QStringList titles;
+        for (const QAction* each : actions) {
+            titles += each->isSeparator() ? QStringList() : QStringList(each->text());
+        }
+        return titles;
+    };
+    forEveryWindow([&](QWidget& shown, const std::string& where) {
+        QStringList titles;
+        for (auto* each : shown.findChildren<QAbstractButton*>()) {
+            titles +=
+                each->isVisible() && !each->text().isEmpty() ? QStringList(each->text()) : QStringList();
+        }
+        for (auto* each : shown.findChildren<QLabel*>()) {
+            titles +=
+                each->isVisible() && each->buddy() != nullptr ? QStringList(each->text()) : QStringList();
+        }
+        const auto* main = qobject_cast<QMainWindow*>(&shown);
+        const QSet<QChar> menus = main == nullptr
+                                      ? QSet<QChar>()
+                                      : check(titlesOf(main->menuBar()->actions()), {}, where + ", menus");
+        check(titles, menus, where);
+    });
+    EXPECT_LE(withoutLetter, 8); // the fullest page and the editor
+    for (auto* menu : window().findChildren<QMenu*>()) {
+        check(titlesOf(menu->actions()), {}, menu->title().toStdString());
+    }
+}
+
+TEST_F(Keys, NoKeyOfTheWindowMeansTwoThings) {
+    openAll();
+    std::map<QString, QString> meanings;
+    for (auto* each : window().findChildren<QAction*>()) {
+        for (const QKeySequence& key : each->shortcuts()) {
+            EXPECT_TRUE(meanings.emplace(key.toString(), each->text()).second)
+                << key.toString().toStdString() << ": " << each->text().toStdString();
+        }
+    }
+    for (const auto& [key, title] : {std::pair("Ctrl+N", "New Share"),
+                                     {"Ctrl+F", "Filter"},
+                                     {"F5", "Refresh"},
+                                     {"F1", "Brindle Guide"},
+                                     {"Ctrl+Z", "Undo"},
+                                     {"Ctrl+PgDown", "Next Page"}}) {
+        EXPECT_EQ(plainTitle(meanings[key]), title) << key;
+    }
+}
+
+TEST_F(Keys, DoOnEachPageWhatThePageIsFor) {
+    openAll();
+    EXPECT_EQ(focused(), "normalTableView"); // where the work begins
+    for (const char* field : {"shareName", "fullName", "groupName"}) {
+        press(Qt::Key_N, Qt::ControlModifier);
+        EXPECT_EQ(focused(), field);
+        press(Qt::Key_PageDown, Qt::ControlModifier);
+    }
+    press(Qt::Key_Tab, Qt::ControlModifier | Qt::ShiftModifier);
+    EXPECT_EQ(focused(), "groupTableView");
+    press(Qt::Key_F, Qt::ControlModifier);
+    EXPECT_EQ(focused(), "groupTableViewFilter");
+    press(Qt::Key_F, Qt::ControlModifier);
+    EXPECT_EQ(focused(), "groupUsersTableViewFilter");
+    addGroup("staff", "120");
+    press(Qt::Key_F5);
+    EXPECT_EQ(columnOf("groupTableView", "Group"), std::vector<std::string>{"staff"});
+    QTest::keyClick(&window(), Qt::Key_Alt, Qt::AltModifier);
+    EXPECT_NE(window().menuBar()->activeAction(), nullptr);
+    QTest::keyClick(window().menuBar(), Qt::Key_Escape);
+    press(Qt::Key_F10);
+    EXPECT_EQ(QApplication::activePopupWidget(), window().menuBar()->actions().constFirst()->menu());
+    QTest::keyClick(QApplication::activePopupWidget(), Qt::Key_Escape);
+}
+
+TEST_F(Keys, TakeBackTheLastChangeAndInAFieldWhatWasTyped) {
+    addShare("Docs", "/shares/docs");
+    openAll();
+    clickRow("normalTableView", 0);
+    answer({"Yes"});
+    press(Qt::Key_Delete);
+    ASSERT_EQ(columnOf("normalTableView", "ShareName"), std::vector<std::string>{});
+    press(Qt::Key_E, Qt::ControlModifier);
+    EXPECT_EQ(focused(), "shareName");
+    typeInto("shareName", "abc");
+    press(Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_NE(text("shareName"), "abc");
+    EXPECT_EQ(columnOf("normalTableView", "ShareName"), std::vector<std::string>{});
+    press(Qt::Key_E, Qt::ControlModifier);
+    EXPECT_EQ(focused(), "normalTableView"); // the editor has closed
+    answer({"Go On"});
+    press(Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(columnOf("normalTableView", "ShareName"), std::vector<std::string>{"Docs"});
+}
+
+TEST_F(Keys, TabGoesAsTheEyeReads) {
+    addShare("Docs", host.root().string());
+    addUser("alice", "501");
+    openAll();
+    clickRow("normalTableView", 0);
+    press(Qt::Key_Return);
+    std::vector<std::string> met;
+    for (int step = 0; step < 27; ++step) {
+        met.push_back(focused());
+        press(Qt::Key_Tab);
+    }
+    const std::vector<std::string> read = {"shareName",
+                                           "directory",
+                                           "Choose…",
+                                           "sharingAFS",
+                                           "sharingSMB",
+                                           "Guests may use the SMB share",
+                                           "Use the privileges of the enclosing folder",
+                                           "owner",
+                                           "ownerPrivs",
+                                           "group",
+                                           "groupPrivs",
+                                           "everyonePrivs",
+                                           "List system users and groups",
+                                           "Revert",
+                                           "Close",
+                                           "Update Share",
+                                           "QTabBar",
+                                           "normalTableViewFilter",
+                                           "normalTableView",
+                                           "New Share",
+                                           "Edit Share",
+                                           "Delete Share…",
+                                           "Refresh",
+                                           "lockButton",
+                                           "shareName"};
+    EXPECT_TRUE(std::ranges::equal(std::span(met).first(read.size()), read)) << testing::PrintToString(met);
+    showPage(1);
+    clickRow("userTableView", 0);
+    click("changePasswordButton");
+    EXPECT_TRUE(QTest::qWaitFor([] { return focused() == "passwordSecureText1"; })) << focused();
+}
+
+/// The names of what a user can work with in the tree, where there is one.
+void walk(QAccessibleInterface& each, const std::function<void(QAccessibleInterface&)>& see) {
+    const QAccessible::State state = each.state();
+    if (state.invisible && !state.offscreen) {
+        return;
+    }
+    see(each);
+    const QAccessible::Role role = each.role();
+    if (role == QAccessible::Table || role == QAccessible::Tree || role == QAccessible::ScrollBar ||
+        role == QAccessible::ComboBox || role == QAccessible::List) {
+        return; // their parts are named by what they show
+    }
+    for (int child = 0; child < each.childCount(); ++child) {
+        if (auto* inner = each.child(child)) {
+            walk(*inner, see);
+        }
+    }
+}
+
+TEST_F(Keys, EveryControlHasANameAndTheSpecialOnesTheirRoles) {
+    addShare("Docs", "/no/such/folder");
+    addUser("alice", "501");
+    openAll();
+    clickRow("normalTableView", 0);
+    std::map<std::string, QAccessible::Role> roles;
+    std::map<std::string, std::string> names;
+    forEveryWindow([&](QWidget& shown, const std::string& where) {
+        walk(*QAccessible::queryAccessibleInterface(&shown), [&](QAccessibleInterface& each) {
+            const QString name = each.text(QAccessible::Name);
+            const auto* actions = each.actionInterface();
+            const bool isUsed =
+                each.state().focusable || (actions != nullptr && !actions->actionNames().isEmpty());
+            const std::string object =
+                each.object() == nullptr ? std::string() : each.object()->objectName().toStdString();
+            EXPECT_FALSE(isUsed && name.isEmpty() && each.role() != QAccessible::ScrollBar)
+                << where << ": " << object << ", a "
+                << (each.object() == nullptr ? "part" : each.object()->metaObject()->className());
+            roles.emplace(object, each.role());
+            names.emplace(object, name.toStdString());
+        });
+    });
+    for (const auto& [object, role, name] :
+         {std::tuple("lockButton", QAccessible::Button, "Lock"),
+          {"normalTableView", QAccessible::Table, "Shares"},
+          {"drawer", QAccessible::Grouping, "Share Editor"},
+          {"ownerPrivs", QAccessible::ComboBox, "Owner may"},
+          {"groupPrivs", QAccessible::ComboBox, "Group may"},
+          {"everyonePrivs", QAccessible::ComboBox, "Everyone may"},
+          {"passwordWindow", QAccessible::Dialog, "Password"},
+          {"statusText", QAccessible::AlertMessage, ""}, // nothing has been done yet
+
+          {"shareName", QAccessible::EditableText, "Name:"},
+          {"normalTableViewFilter", QAccessible::EditableText, "Filter (Shares)"},
+          {"idleDisconnectUsers", QAccessible::Grouping, "Applies to:"}}) {
+        EXPECT_EQ(roles[object], role) << object;
+        EXPECT_EQ(names[object], name) << object;
+    }
+    auto* table = QAccessible::queryAccessibleInterface(&widget<QTableView>("normalTableView"));
+    EXPECT_EQ(table->tableInterface()->columnDescription(0), "Share");
+    // What an icon says is said in words, too.
+    const auto marked = widget<QTableView>("normalTableView").model()->index(0, 0);
+    EXPECT_EQ(marked.data(Qt::AccessibleTextRole).toString(), "Docs (Warning)");
+    EXPECT_TRUE(marked.data(Qt::AccessibleDescriptionRole).toString().contains("/no/such/folder"));
+    EXPECT_EQ(widget<QWidget>("lockButton").accessibleDescription(), widget<QLabel>("authLabel").text());
+}
+
+} // namespace
