@@ -1,5 +1,6 @@
 // What stands around the front-ends: the options, the printed table and the program's exit statuses.
 
+#include "frontends/OneWindow.h"
 #include "frontends/Options.h"
 #include "frontends/TableText.h"
 #include "frontends/cli/SilentPresenter.h"
@@ -11,7 +12,13 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <chrono>
+#include <csignal>
+#include <set>
+#include <thread>
 #include <tuple>
+
+#include <sys/stat.h>
 
 namespace {
 
@@ -155,9 +162,10 @@ TEST_F(Program, SaysWhatIsWrongAndEndsWithTheStatusForIt) {
 TEST_F(Program, RefusesAnInterfaceFileThatLacksAnOutlet) {
     const std::string resources = (test_.root() / "resources").string();
     std::string xml = contentsOfFile(NSBundle::mainBundle().resourcePath() + "/MainMenu.xml").valueOr("");
-    const std::string outlet = " outlet=\"authLabel\"";
-    ASSERT_NE(xml.find(outlet), std::string::npos);
-    xml.erase(xml.find(outlet), outlet.size());
+    for (const std::string outlet : {" outlet=\"authLabel\"", " describedBy=\"authLabel\""}) {
+        ASSERT_NE(xml.find(outlet), std::string::npos);
+        xml.erase(xml.find(outlet), outlet.size());
+    }
     test_.write("resources/MainMenu.xml", xml);
     test_.write("resources/Info.plist", "<plist version=\"1.0\"><dict/></plist>");
     std::vector<std::string> variables = environment();
@@ -247,6 +255,100 @@ TEST_F(Program, ShowsInADryRunWhatThenComesAndChangesNothing) {
     EXPECT_NE(dry.output.find("alert \"Not Possible\""), std::string::npos);
     EXPECT_EQ(dry.output, run({"--script", "-"}, commands).output);
     EXPECT_NE(everything(), before);
+}
+
+/// Starts of the program with its window, which is drawn nowhere.
+class OneWindowARoot : public Program {
+  protected:
+    OneWindowARoot() {
+        std::filesystem::create_directory(runtime_);
+        std::filesystem::permissions(runtime_, std::filesystem::perms::owner_all);
+    }
+
+    ~OneWindowARoot() override {
+        for (const auto& each : open_) {
+            end(each);
+        }
+    }
+
+    [[nodiscard]] std::vector<std::string> variables() const {
+        std::vector<std::string> all = environment();
+        all.insert(all.end(), {"QT_QPA_PLATFORM=offscreen", "XDG_RUNTIME_DIR=" + runtime_});
+        return all;
+    }
+
+    /// Opens a window and waits until it can be found; returns its process.
+    pid_t open(std::vector<std::string> arguments) {
+        arguments.insert(arguments.begin(), {"/usr/bin/env", "-u", "BRINDLE_ROOT"});
+        for (const std::string& each : variables()) {
+            arguments.insert(arguments.begin() + 3, each);
+        }
+        const auto before = sockets();
+        open_.push_back(std::move(*platform::startProcess({arguments})));
+        while (sockets() == before) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(20));
+        }
+        return open_.back().id;
+    }
+
+    static void end(const platform::ChildProcess& process) {
+        ::kill(process.id, SIGKILL);
+        static_cast<void>(platform::waitForProcess(process.id));
+    }
+
+    [[nodiscard]] Finished again(std::vector<std::string> arguments) const {
+        arguments.insert(arguments.begin(), BRINDLE_PROGRAMS "/brindle");
+        return runProgram(arguments, {}, variables());
+    }
+
+    /// The sockets at which windows are found, by when they were made.
+    [[nodiscard]] std::set<std::pair<time_t, long>> sockets() const {
+        std::set<std::pair<time_t, long>> made;
+        std::error_code missing;
+        for (const auto& each : std::filesystem::directory_iterator(runtime_ + "/brindle", missing)) {
+            struct stat status {};
+
+            if (each.path().extension() == ".socket" && ::stat(each.path().c_str(), &status) == 0) {
+                made.emplace(status.st_ctim.tv_sec, status.st_ctim.tv_nsec);
+            }
+        }
+        return made;
+    }
+
+    std::string runtime_ = (test_.root() / "runtime").string();
+    std::string root_ = (test_.root() / "one").string();
+    std::vector<platform::ChildProcess> open_;
+};
+
+TEST_F(OneWindowARoot, ASecondStartShowsTheFirstOnesWindowAndAKilledOneLeavesNothingInTheWay) {
+    const std::string brindle = BRINDLE_PROGRAMS "/brindle";
+    open({brindle, "--root", root_});
+    const std::string found = "Brindle is already open on " + root_ + "; its window has come to the front.\n";
+    for (const std::string& name : {root_, root_ + "/", root_ + "/../one"}) {
+        const Finished second = again({"--root", name});
+        EXPECT_EQ(second.status, 0) << second.errors;
+        EXPECT_EQ(second.output, found);
+    }
+    open({brindle, "--root", root_ + " too"}); // another place
+    EXPECT_EQ(sockets().size(), 2U);
+    EXPECT_EQ(again({"--root", root_, "--print", "shares"}).errors, "");
+    EXPECT_EQ(again({"--root", root_, "--snapshot", runtime_ + "/pictures"}).status, 0);
+    end(open_.front());
+    open_.erase(open_.begin());
+    open({brindle, "--root", root_});
+    EXPECT_EQ(again({"--root", root_}).output, found);
+}
+
+TEST_F(OneWindowARoot, AFolderThatOthersMayEnterHoldsNoLock) {
+    std::filesystem::permissions(runtime_, std::filesystem::perms::all);
+    std::filesystem::create_directory(test_.root() / "tmp");
+    std::filesystem::create_directory(test_.root() / "tmp" / ("brindle-" + std::to_string(::geteuid())));
+    ::setenv("TMPDIR", (test_.root() / "tmp").c_str(), 1);
+    const auto taken = frontend::OneWindow::take("place");
+    ::unsetenv("TMPDIR");
+    EXPECT_FALSE(taken.isOk());
+    EXPECT_TRUE(taken.status().text().starts_with("cannot use the folder ")) << taken.status().text();
+    EXPECT_TRUE(std::filesystem::is_empty(runtime_));
 }
 
 TEST_F(Program, AnswersEachCommandBeforeItReadsTheNext) {

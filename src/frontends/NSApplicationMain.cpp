@@ -1,6 +1,7 @@
 #include "frontends/NSApplicationMain.h"
 
 #include "frontends/Application.h"
+#include "frontends/OneWindow.h"
 #include "frontends/Options.h"
 #include "frontends/TableText.h"
 #include "frontends/WindowRun.h"
@@ -230,7 +231,39 @@ accesscheck::Patient patientOf(const platform::HostOptions& host) {
     return patient;
 }
 
+/// What the window works on, under one name however it was given.
+std::string placeOf(const platform::HostOptions& host) {
+    if (host.system && host.root.empty()) {
+        return "this computer";
+    }
+    std::filesystem::path folder =
+        std::filesystem::absolute(host.root.empty() ? platform::EmbeddedRoot::defaultFolder() : host.root);
+    std::error_code error;
+    if (const auto real = std::filesystem::weakly_canonical(folder, error); !error) {
+        folder = real.has_filename() ? real : real.parent_path();
+    }
+    return host.system ? "the computer" + (host.root.empty() ? "" : " in " + folder.string())
+                       : folder.string();
+}
+
 Result<int> openWindow(const Options& options, char** argv) {
+    std::unique_ptr<frontend::OneWindow> only; // to the very end: what is done there is done by one
+    if (options.mode == Mode::Window) {
+        const std::string place = placeOf(options.host);
+        auto taken = frontend::OneWindow::take(place);
+        if (taken.isOk() && *taken == nullptr) {
+            std::cout << "Brindle is already open on " << place << "; its window has come to the front.\n";
+            return 0;
+        }
+        if (!taken.isOk() && taken.status().systemError() == 0) {
+            return taken.status();
+        }
+        if (!taken.isOk()) {
+            std::cerr << "brindle: a second start will not find this window: " << taken.status().text()
+                      << '\n';
+        }
+        only = std::move(taken).valueOr(nullptr);
+    }
     auto services = makeServices(options);
     if (!services.isOk()) {
         return services.status();
@@ -239,7 +272,7 @@ Result<int> openWindow(const Options& options, char** argv) {
     application.setPatient(patientOf(options.host));
     const auto server = startServer(options);
     if (options.mode == Mode::Window) {
-        return frontend::runWindow(application, argv, serverLine(options, server));
+        return frontend::runWindow(application, argv, serverLine(options, server), only.get());
     }
     if (!server.isOk()) {
         return server.status();

@@ -1,6 +1,7 @@
 #include "frontends/WindowRun.h"
 
 #include "frontends/Application.h"
+#include "frontends/OneWindow.h"
 
 #ifdef BRINDLE_HAS_QT
 #include "frontends/qt/QtFrontend.h"
@@ -27,7 +28,8 @@ Status loadInto(QtFrontend& window, Application& application) {
 
 } // namespace
 
-platform::Result<int> runWindow(Application& application, char** argv, const ServerLine& server) {
+platform::Result<int> runWindow(Application& application, char** argv, const ServerLine& server,
+                                const OneWindow* only) {
     if (!QtFrontend::displayIsThere()) {
         return Status::failure("there is no display to open the window on", "",
                                "set DISPLAY or WAYLAND_DISPLAY, or use --print or --script");
@@ -38,6 +40,11 @@ platform::Result<int> runWindow(Application& application, char** argv, const Ser
         return status;
     }
     window.useServer(server.address, server.state, server.hasFailed);
+    if (only != nullptr) {
+        window.useListener(only->listener(), [only](const std::function<void(const std::string&)>& raise) {
+            only->answer(raise);
+        });
+    }
     const int exitStatus = window.run([&] { application.launch(); });
     application.end();
     return exitStatus;
@@ -64,7 +71,8 @@ void showStartFailure(const std::string& text, char** argv) {
 
 void showStartFailure(const std::string& /*text*/, char** /*argv*/) {}
 
-platform::Result<int> runWindow(Application& /*application*/, char** /*argv*/, const ServerLine& /*server*/) {
+platform::Result<int> runWindow(Application& /*application*/, char** /*argv*/, const ServerLine& /*server*/,
+                                const OneWindow* /*only*/) {
     return Status::failure("this build has no window", "",
                            "install Qt 6 Widgets and build again, or use --print or --script");
 }

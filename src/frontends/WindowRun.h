@@ -7,6 +7,7 @@
 namespace frontend {
 
 class Application;
+class OneWindow;
 
 /// The runs that need the window front-end. In a build without it they say so and what to do.
 
@@ -17,9 +18,10 @@ struct ServerLine {
     bool hasFailed = false;
 };
 
-/// Shows the window until the application has ended; returns the exit status.
-[[nodiscard]] platform::Result<int> runWindow(Application& application, char** argv,
-                                              const ServerLine& server);
+/// Shows the window until the application has ended; returns the exit status. `only` (may be null) says when
+/// others ask for it.
+[[nodiscard]] platform::Result<int> runWindow(Application& application, char** argv, const ServerLine& server,
+                                              const OneWindow* only);
 
 /// Says on screen, where there is one, why the window cannot be had: who starts it from a menu sees no
 /// terminal.
