@@ -1,15 +1,20 @@
 #include "platform/netinfo/ni.h"
 #include "platform/posix/FileDescriptor.h"
+#include "platform/samba/PasswordFile.h"
 #include "support/RootFixture.h"
 
+#include <array>
 #include <atomic>
 #include <chrono>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <iterator>
 #include <thread>
 
 #include <fcntl.h>
+#include <sys/wait.h>
+#include <tdb.h>
 #include <unistd.h>
 
 namespace fs = std::filesystem;
@@ -156,4 +161,62 @@ TEST_F(RootWithPassword, KeepsItUntilNobodyOfThatNameInAnyCaseIsLeft) {
     EXPECT_TRUE(hasPassword());
     EXPECT_EQ(deleteAlice(1), "");
     EXPECT_FALSE(hasPassword());
+}
+
+TEST_F(RootWithPassword, IsReadFromTheDatabaseAsSambaTellsIt) {
+    const std::string database = root.sambaPaths().folder + "/private/passdb.tdb";
+    const auto known = [&](const std::string& user) { return platform::userInPasswordFile(database, user); };
+    ASSERT_TRUE(known("Alice") && *known("Alice")) << "names are alike in any case";
+    EXPECT_EQ((*known("alice"))->name, "alice");
+    EXPECT_TRUE((*known("alice"))->hasPassword);
+    EXPECT_FALSE((*known("alice"))->isDisabled);
+    EXPECT_TRUE(known("bob") && !*known("bob"));
+    EXPECT_TRUE(contains(pdbedit({"-c", "[D]", "--user=alice"}), "D"));
+    EXPECT_TRUE((*known("alice"))->isDisabled);
+    EXPECT_TRUE((*known("alice"))->hasPassword);
+    EXPECT_FALSE(platform::userInPasswordFile(database + ".none", "alice")) << "who is in it is not known";
+    std::ofstream(database, std::ios::binary) << "not a database";
+    EXPECT_FALSE(known("alice"));
+}
+
+/// Does `work` on the database in a process of its own, then `check` here while the other one waits.
+void whileAnotherProcess(const std::string& database, const std::function<void(tdb_context*)>& work,
+                         const std::function<void()>& check) {
+    std::array<int, 2> ready{};
+    std::array<int, 2> done{};
+    ASSERT_EQ(pipe(ready.data()) + pipe(done.data()), 0);
+    const pid_t child = fork();
+    char byte = 0;
+    if (child == 0) {
+        close(done[1]);
+        tdb_context* open = tdb_open(database.c_str(), 0, TDB_DEFAULT, O_RDWR, 0);
+        work(open);
+        (void)write(ready[1], &byte, 1);
+        (void)read(done[0], &byte, 1); // until the other end is closed
+        _exit(0);
+    }
+    EXPECT_EQ(read(ready[0], &byte, 1), 1);
+    check();
+    for (const int descriptor : {ready[0], ready[1], done[0], done[1]}) {
+        close(descriptor);
+    }
+    waitpid(child, nullptr, 0);
+}
+
+TEST_F(RootWithPassword, IsLeftToSambaWhileTheDatabaseIsWrittenOrNewer) {
+    const std::string database = root.sambaPaths().folder + "/private/passdb.tdb";
+    const auto isKnown = [&] { return platform::userInPasswordFile(database, "alice").has_value(); };
+    whileAnotherProcess(
+        database, [](tdb_context* open) { tdb_transaction_start(open); }, [&] { EXPECT_FALSE(isKnown()); });
+    EXPECT_TRUE(isKnown());
+    const auto makeVersion = [](unsigned char version) {
+        return [version](tdb_context* open) {
+            std::string key("INFO/version\0", 13);
+            std::array<unsigned char, 4> bytes{version};
+            tdb_store(open, {reinterpret_cast<unsigned char*>(key.data()), key.size()},
+                      {bytes.data(), bytes.size()}, TDB_REPLACE);
+        };
+    };
+    whileAnotherProcess(database, makeVersion(5), [&] { EXPECT_FALSE(isKnown()); });
+    whileAnotherProcess(database, makeVersion(4), [&] { EXPECT_TRUE(isKnown()); });
 }

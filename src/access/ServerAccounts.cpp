@@ -3,13 +3,10 @@
 #include "platform/netinfo/AccountNumber.h"
 #include "platform/netinfo/ni.h"
 #include "platform/posix/LetterCase.h"
-#include "platform/posix/Process.h"
 #include "platform/samba/ComputerPasswords.h"
-#include "platform/samba/InstalledSamba.h"
 
 #include <algorithm>
 #include <array>
-#include <chrono>
 #include <utility>
 
 #include <grp.h>
@@ -20,7 +17,6 @@ namespace accesscheck {
 
 namespace {
 
-constexpr auto databaseLimit = std::chrono::seconds(10);
 constexpr int directorySeconds = 30;
 
 /// The record at `path`, and the connection that it belongs to; no connection when there is none.
@@ -90,21 +86,6 @@ std::vector<gid_t> computerGroups(const Account& account) {
     return groups;
 }
 
-/// The state of a computer's own password database, which root alone may read.
-platform::Result<std::optional<platform::SambaUser>> computerUser(const std::string& name) {
-    if (!platform::ComputerPasswords::exists()) {
-        return std::optional<platform::SambaUser>();
-    }
-    platform::Command command{{platform::sambaCommand("pdbedit")}, platform::ErrorOutput::WithOutput};
-    for (std::string& word : platform::sambaUserWords(name)) {
-        command.words.push_back(std::move(word));
-    }
-    command.environment.emplace_back("LC_ALL=C");
-    auto run = platform::runProcess(command, {}, databaseLimit);
-    return run.isOk() ? platform::sambaUserOf(*run)
-                      : platform::Result<std::optional<platform::SambaUser>>(run.status());
-}
-
 } // namespace
 
 const std::map<std::string, ServerAccounts::Group>& ServerAccounts::groups() {
@@ -170,7 +151,7 @@ std::optional<gid_t> ServerAccounts::group(const std::string& name) {
 
 platform::Result<std::optional<platform::SambaUser>> ServerAccounts::sambaUser(const std::string& name) {
     if (!std::exchange(hasAskedForOne_, true)) {
-        return root_ ? root_->user(name) : computerUser(name);
+        return root_ ? root_->user(name) : platform::ComputerPasswords::user(name);
     }
     if (!passwords_) {
         auto users = root_ ? root_->users() : platform::ComputerPasswords::users();

@@ -26,13 +26,15 @@ class Root : public testing::Test {
     }
 
     /// The users in the root's password database, one a line.
-    [[nodiscard]] std::string passwordDatabase() const {
+    [[nodiscard]] std::string passwordDatabase() const { return pdbedit({"-L"}); }
+
+    [[nodiscard]] std::string pdbedit(const std::vector<std::string>& words) const {
         const platform::SambaAccounts accounts(root.sambaPaths());
-        return platform::runProcess(
-                   {{"/usr/bin/pdbedit", "-s", root.sambaPaths().folder + "/accounts.conf", "-L"},
-                    platform::ErrorOutput::WithOutput,
-                    accounts.environment()})
-            ->output;
+        platform::Command command{{"/usr/bin/pdbedit", "-s", root.sambaPaths().folder + "/accounts.conf"},
+                                  platform::ErrorOutput::WithOutput,
+                                  accounts.environment()};
+        command.words.insert(command.words.end(), words.begin(), words.end());
+        return platform::runProcess(command)->output;
     }
 
     TestHost host;

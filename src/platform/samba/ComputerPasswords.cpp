@@ -6,6 +6,7 @@
 #include "platform/posix/Secret.h"
 #include "platform/posix/WholeFile.h"
 #include "platform/samba/InstalledSamba.h"
+#include "platform/samba/PasswordFile.h"
 
 #include <cerrno>
 #include <chrono>
@@ -20,6 +21,7 @@ namespace {
 
 constexpr auto patience = std::chrono::seconds(10);
 constexpr const char* databaseProgram = "pdbedit";
+constexpr const char* notInstalled = "pdbedit is not installed; install the package samba-common-bin";
 constexpr const char* passwordProgram = "smbpasswd";
 constexpr const char* unknown = "does not exist in the passdb";
 constexpr const char* notOpened =
@@ -50,6 +52,22 @@ Status failure(const char* what, const Result<FinishedProcess>& finished) {
     }
     const std::string line = lastLineOf(finished->output);
     return Status::failure(what, "", line.empty() ? "no reason given; see Samba's log" : line);
+}
+
+/// True where smb.conf names a place, or another kind of database: that is Samba's to find.
+bool settingsNamePlace() {
+    std::istringstream settings(lowercased(readWholeFile(sambaBuild().configFile).valueOr("")));
+    for (std::string line; std::getline(settings >> std::ws, line);) {
+        if (line.starts_with("passdb backend") || line.starts_with("private dir")) {
+            return true;
+        }
+    }
+    return false;
+}
+
+/// Where Samba keeps its database when nothing else is set.
+std::string ownFile() {
+    return sambaBuild().privateFolder + "/passdb.tdb";
 }
 
 bool says(const Result<FinishedProcess>& finished, std::string_view text) {
@@ -89,21 +107,30 @@ Result<std::string> ComputerPasswords::accountOf(const std::string& user) {
 }
 
 bool ComputerPasswords::exists() {
-    const SambaBuild& build = sambaBuild();
-    // Where smb.conf names a place, or another kind of database, it is Samba's to find.
-    std::istringstream settings(lowercased(readWholeFile(build.configFile).valueOr("")));
-    for (std::string line; std::getline(settings >> std::ws, line);) {
-        if (line.starts_with("passdb backend") || line.starts_with("private dir")) {
-            return true;
+    return settingsNamePlace() || ::access(ownFile().c_str(), F_OK) == 0;
+}
+
+Result<std::optional<SambaUser>> ComputerPasswords::user(const std::string& user) {
+    if (!exists()) {
+        return std::optional<SambaUser>();
+    }
+    if (!settingsNamePlace()) {
+        if (auto known = userInPasswordFile(ownFile(), user)) {
+            return std::move(*known);
         }
     }
-    return ::access((build.privateFolder + "/passdb.tdb").c_str(), F_OK) == 0;
+    if (!isInstalled(databaseProgram)) {
+        return Status::failure("cannot use", "Samba's password database", notInstalled);
+    }
+    std::vector<std::string> words = sambaUserWords(user);
+    words.insert(words.begin(), databaseProgram);
+    auto finished = run(std::move(words));
+    return finished.isOk() ? sambaUserOf(*finished) : Result<std::optional<SambaUser>>(finished.status());
 }
 
 Result<std::vector<SambaUser>> ComputerPasswords::users() {
     if (!isInstalled(databaseProgram)) {
-        return Status::failure("cannot use", "Samba's password database",
-                               "pdbedit is not installed; install the package samba-common-bin");
+        return Status::failure("cannot use", "Samba's password database", notInstalled);
     }
     if (!exists()) {
         return std::vector<SambaUser>();

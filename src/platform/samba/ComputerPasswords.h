@@ -3,6 +3,7 @@
 #include "platform/posix/Status.h"
 #include "platform/samba/SambaUser.h"
 
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -23,6 +24,9 @@ class ComputerPasswords {
 
     /// Whether there is a database: to ask for somebody in one that is not there would make it.
     [[nodiscard]] static bool exists();
+
+    /// How `user` stands in it; none when they are not in it, or there is no database. Fails as users() does.
+    [[nodiscard]] static Result<std::optional<SambaUser>> user(const std::string& user);
 
     /// All whom Samba knows; nobody where there is no database. Fails when Samba is not installed, or does
     /// not show its database: only root may read it.

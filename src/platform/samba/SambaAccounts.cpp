@@ -8,6 +8,7 @@
 #include "platform/posix/WholeFile.h"
 #include "platform/samba/AccountLists.h"
 #include "platform/samba/InstalledSamba.h"
+#include "platform/samba/PasswordFile.h"
 #include "platform/samba/ServerProcesses.h"
 
 #include <algorithm>
@@ -319,6 +320,9 @@ Result<std::optional<SambaUser>> SambaAccounts::user(const std::string& user) co
     std::error_code ignored;
     if (!fs::exists(databaseFile(), ignored)) {
         return std::optional<SambaUser>();
+    }
+    if (auto known = userInPasswordFile(databaseFile(), user)) {
+        return std::move(*known);
     }
     const std::string program = sambaCommand("pdbedit");
     if (Status status = checkInstallation(program); !status.isOk()) {
