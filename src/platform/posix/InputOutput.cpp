@@ -6,6 +6,7 @@
 #include <array>
 #include <cerrno>
 #include <cstdint>
+#include <utility>
 
 #include <fcntl.h>
 #include <sys/mman.h>
@@ -27,10 +28,24 @@ ssize_t readSome(int descriptor, char* buffer, std::size_t size) {
     return count;
 }
 
+/// How many bytes to make room for at first: what a regular file has and one more, which would show that it
+/// grows; of anything else, all that may come.
+std::size_t firstRoom(int descriptor, std::size_t limit) {
+    struct stat status {};
+    const bool isFile = ::fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode);
+    return isFile ? std::min(limit, static_cast<std::size_t>(status.st_size)) + 1 : limit + 1;
+}
+
 Result<std::string> readLimited(int descriptor, const std::string& name, std::size_t limit) {
-    std::string bytes(limit + 1, '\0');
+    std::string bytes(firstRoom(descriptor, limit), '\0');
     std::size_t size = 0;
     while (size <= limit) {
+        if (size == bytes.size()) {
+            std::string larger(std::min(2 * size, limit + 1), '\0');
+            std::ranges::copy(bytes, larger.begin());
+            std::swap(bytes, larger);
+            wipe(larger);
+        }
         const ssize_t count = readSome(descriptor, bytes.data() + size, bytes.size() - size);
         if (count < 0) {
             const Status failure = Status::ofErrno(cannotRead, name, errno);
