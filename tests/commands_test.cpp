@@ -8,6 +8,8 @@
 #include <nlohmann/json.hpp>
 
 #include <filesystem>
+#include <map>
+#include <regex>
 #include <sstream>
 
 namespace {
@@ -46,6 +48,14 @@ class Commands : public testing::Test {
         EXPECT_EQ(finished.status, status) << line << '\n' << finished.output << finished.errors;
         EXPECT_EQ(finished.errors, "");
         return json::parse(finished.output, nullptr, false);
+    }
+
+    /// What the application shows to a script.
+    std::string runScript(const std::string& script) const {
+        return runProgram({BRINDLE_PROGRAMS "/brindle", "--root", (test_.root() / "computer").string(),
+                           "--script", "-"},
+                          script, {"HOME=" + test_.home().string(), "LC_ALL=C"})
+            .output;
     }
 
     TestHost test_;
@@ -137,6 +147,71 @@ TEST_F(Commands, EndWithAStatusThatTellsWhatIsMissing) {
     EXPECT_EQ(answer("groups list")["groups"].dump().find("crew"), std::string::npos);
 }
 
+TEST_F(Commands, PrintForProgramsWhatTheApplicationShows) {
+    const fs::path other = test_.root() / "Other";
+    fs::create_directories(other);
+    for (const std::string& line :
+         {"shares add Docs " + folder().string() +
+              " --guests --afp --smb --group-may w --everyone-may r --yes",
+          "shares add Hidden " + other.string() + " --no-smb --owner-may r --group-may none --yes",
+          std::string("groups add crew --gid 7200 --yes"),
+          std::string("users add ann --full-name Ann --uid 7201 --group crew --public --no-password --yes"),
+          std::string("users add bob --group crew --no-password --yes"),
+          std::string("smb set workgroup HOME security share max-connections 7 hide-dot-files no --yes"),
+          std::string("afp set greeting Hello max-guests 5 idle-guests yes --yes")}) {
+        EXPECT_EQ(answer(line)["changed"], true) << line;
+    }
+    // The lines that a script would print, made from what programs get.
+    std::ostringstream lines;
+    const std::map<std::string, std::string> privileges{
+        {"rw", "\"r/w\""}, {"r", "\"r\""}, {"w", "\"w\""}, {"none", "\"\""}};
+    int row = 0;
+    const json shares = answer("shares list")["shares"];
+    for (const json& share : shares) {
+        const auto mark = [&](const char* key) { return share[key].get<bool>() ? "\"+\"" : "\"-\""; };
+        lines << row++ << " ShareName=" << share["name"] << " DirectoryPath=" << share["folder"]
+              << " Owner=" << privileges.at(share["ownerMay"])
+              << " Group=" << privileges.at(share["groupMay"])
+              << " Everyone=" << privileges.at(share["everyoneMay"]) << " AFS=" << mark("afp")
+              << " SMB=" << mark("smb")
+              << " SMBGuestAccess=" << (share["guests"].get<bool>() ? "\"Yes\"" : "\"No\"") << '\n';
+    }
+    row = 0;
+    const json users = answer("users list")["users"];
+    for (const json& user : users) {
+        lines << row++ << " User=" << user["name"]
+              << " \"Public Shared\"=" << (user["publicFolder"].get<bool>() ? "\"YES\"" : "\"NO\"")
+              << " UID=\"" << user["uid"] << "\" \"Full Name\"=" << user["fullName"] << " GID=\""
+              << user["gid"] << "\"\n";
+    }
+    row = 0;
+    const json groups = answer("groups list")["groups"];
+    for (const json& group : groups) {
+        std::string members;
+        for (const json& member : group["members"]) {
+            members += (members.empty() ? "" : ",") + member.get<std::string>();
+        }
+        lines << row++ << " GID=\"" << group["gid"] << "\" Group=" << group["name"]
+              << " \"Users in Group\"=\"" << (members.empty() ? "#NoValue#" : members) << "\"\n";
+    }
+    const json smb = answer("smb show")["smb"];
+    lines << "smbWorkGroup " << smb["workgroup"] << "\nsmbSecurity 1 " << smb["security"]
+          << "\nsmbMaxConnections " << smb["max-connections"] << "\nsmbHideDotFiles "
+          << (smb["hide-dot-files"] == "yes" ? "on" : "off") << '\n';
+    const json afp = answer("afp show")["afp"];
+    lines << "greeting " << afp["greeting"] << "\nnumGuestConnections " << afp["max-guests"] << '\n';
+    EXPECT_EQ(afp["idle-guests"], "yes");
+
+    // Columns that programs do not get are left out of the comparison.
+    const std::string shown = std::regex_replace(
+        runScript("start\nshow normalTableView userTableView groupTableView smbWorkGroup smbSecurity "
+                  "smbMaxConnections smbHideDotFiles greeting numGuestConnections\n"),
+        std::regex(
+            R"( (AFPShared|AFPName|Inherit|InheritOwner)="[^"]*"|(^|\n)(alert|open|quit|\w+TableView)\b[^\n]*)"),
+        "");
+    EXPECT_EQ("\n" + lines.str(), shown);
+}
+
 TEST_F(Commands, AreCompletedWithTheNamesThatThereAre) {
     EXPECT_EQ(command("shares add Docs " + folder().string() + " --yes").status, 0);
     const auto completed = [&](const std::string& line) {
@@ -155,4 +230,17 @@ TEST_F(Commands, AreCompletedWithTheNamesThatThereAre) {
     EXPECT_EQ(completed("smb set wo"), "workgroup\n");
     EXPECT_EQ(completed("sessions disconnect --share ''"), "Docs\n");
     EXPECT_EQ(completed("do"), "doctor\n");
+
+    const auto completedByFish = [&](const std::string& line) {
+        return runProgram({"fish", "-c",
+                           "source " BRINDLE_RESOURCES
+                           "/completion/brindle.fish; complete -C 'brindle --root " +
+                               (test_.root() / "computer").string() + " " + line + "' | cut -f 1"},
+                          {}, {"PATH=" BRINDLE_PROGRAMS ":/usr/bin:/bin", "HOME=" + test_.home().string()})
+            .output;
+    };
+    EXPECT_EQ(completedByFish("sh"), "shares\n");
+    EXPECT_EQ(completedByFish("shares set "), "Docs\n");
+    EXPECT_EQ(completedByFish("shares set Docs --owner-may r"), "r\nrw\n");
+    EXPECT_EQ(completedByFish("smb set wo"), "workgroup\n");
 }

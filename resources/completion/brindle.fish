@@ -1,6 +1,7 @@
 # Completion of brindle for fish. Names of shares, users and groups are asked of Brindle itself.
 
-function __brindle_names
+# What brindle answers on the host that the line names so far.
+function __brindle_ask
     set -l words (commandline -opc)
     set -l data $HOME/.local/share
     set -q XDG_DATA_HOME; and set data $XDG_DATA_HOME
@@ -17,24 +18,47 @@ function __brindle_names
     else if not test -e $root/directory.db
         return
     end
-    brindle $host $argv[1] list 2>/dev/null </dev/null | cut -f 1
+    brindle $host $argv 2>/dev/null </dev/null
+end
+
+function __brindle_names
+    __brindle_ask $argv[1] list | cut -f 1
+end
+
+# The names of a server's settings.
+function __brindle_keys
+    __brindle_ask $argv[1] show | string replace -r ':.*' ''
+end
+
+# What stands before the cursor, without the program and without the options that say which computer is meant.
+function __brindle_words
+    set -l words (commandline -opc)[2..-1]
+    while set -q words[1]
+        switch $words[1]
+            case --root
+                set -e words[1]
+            case '--root=*' --system
+            case '*'
+                echo -- $words[1]
+        end
+        set -e words[1]
+    end
 end
 
 function __brindle_noun
-    set -l words (commandline -opc)
-    test (count $words) -eq 1
+    test (count (__brindle_words)) -eq 0
 end
 
 function __brindle_verb -a noun
-    set -l words (commandline -opc)
-    test (count $words) -eq 2; and test "$words[2]" = $noun
+    set -l words (__brindle_words)
+    test (count $words) -eq 1; and test "$words[1]" = $noun
 end
 
 function __brindle_after
-    set -l words (commandline -opc)
-    test (count $words) -ge (math (count $argv) + 1); or return 1
+    set -l words (__brindle_words)
+    test (count $words) -ge (count $argv); or return 1
     for index in (seq (count $argv))
-        contains -- $words[(math $index + 1)] (string split , $argv[$index]); or return 1
+        contains -- $words[$index] (string split , $argv[$index]); or return 1
     end
 end
 
@@ -53,6 +77,8 @@ complete -c brindle -n '__brindle_after users show,set,remove,password' -a '(__b
 complete -c brindle -n '__brindle_after groups show,set,remove,join,leave' -a '(__brindle_names groups)'
 complete -c brindle -n '__brindle_after groups join,leave' -a '(__brindle_names users)'
 complete -c brindle -n '__brindle_after public on,off' -a '(__brindle_names users)'
+complete -c brindle -n '__brindle_after smb set' -a '(__brindle_keys smb)'
+complete -c brindle -n '__brindle_after afp set' -a '(__brindle_keys afp)'
 complete -c brindle -n '__brindle_after servers restart' -a 'smb afp'
 complete -c brindle -n '__brindle_after check-access' -a '(__brindle_names shares) (__brindle_names users)'
 complete -c brindle -n 'not __brindle_noun' -l json -d 'Print one JSON object'

@@ -39,7 +39,7 @@ int CommandRun::run() {
         }
     }
     if (printsJSON) {
-        std::cout << printed(result_) << '\n';
+        std::cout << (resultText_.empty() || hasFailed ? printed(result_) : resultText_) << '\n';
     } else if (!hasFailed) {
         for (const std::string& line : lines_) {
             std::cout << line << '\n';

@@ -93,6 +93,9 @@ class CommandRun {
     // What the command says.
     [[nodiscard]] JSON& result() { return result_; }
 
+    /// What is printed instead, where the command has written it out itself.
+    void setResultText(std::string text) { resultText_ = std::move(text); }
+
     void say(const std::string& line) { lines_.push_back(line); }
 
     /// Says the fields of the result's object of that name, a line each.
@@ -113,6 +116,7 @@ class CommandRun {
     bool hasWritten_ = false;
     CommandStatus status_ = CommandStatus::Done;
     JSON result_ = JSON::object();
+    std::string resultText_;
     std::vector<std::string> lines_;
 };
 

@@ -13,12 +13,12 @@ namespace {
 
 /// How a setting's control takes a value.
 enum class Kind {
-    Text,   ///< a field
-    Count,  ///< a field for a number, or nothing
-    Limit,  ///< a field for a number, of which -1 is none
-    OnOff,  ///< a check box
-    Choice, ///< a pop-up, by its titles
-    Number  ///< a pop-up, by its tags
+    Text,  ///< a field
+    Count, ///< a field for a number, or nothing
+    Limit, ///< a field for a number, of which -1 is none
+    OnOff, ///< a check box
+    Level, ///< the pop-up of the levels of security
+    Number ///< a pop-up, by its tags
 };
 
 struct Setting {
@@ -34,7 +34,7 @@ constexpr Setting smbSettings[] = {
     {"description", "smbServerInfoString", Kind::Text},
     {"wins-server", "smbWINSServer", Kind::Text},
     {"local-master", "smbWorkGroupMaster", Kind::OnOff},
-    {"security", "smbSecurity", Kind::Choice},
+    {"security", "smbSecurity", Kind::Level},
     {"max-connections", "smbMaxConnections", Kind::Count},
     {"code-page", "smbCodePage", Kind::Number},
     {"hidden-files", "smbHideFiles", Kind::Text},
@@ -72,6 +72,9 @@ constexpr Setting afpSettings[] = {
     {"log-deleted-items", "loggingAttributes3", Kind::OnOff, 1},
 };
 
+/// In the order of the pop-up's items, whose titles are in the user's language.
+constexpr const char* securityLevels[] = {"User", "Share"};
+
 struct Page {
     const char* name;
     std::span<const Setting> settings;
@@ -98,8 +101,10 @@ std::string valueOf(const CommandRun& run, const Setting& setting) {
         return run.text(setting.outlet);
     case Kind::OnOff:
         return isOn(run, setting) ? "yes" : "no";
-    case Kind::Choice:
-        return run.control<NSPopUpButton>(setting.outlet).titleOfSelectedItem().value_or("");
+    case Kind::Level: {
+        const int item = run.control<NSPopUpButton>(setting.outlet).indexOfSelectedItem();
+        return item >= 0 && item < std::ssize(securityLevels) ? securityLevels[item] : "";
+    }
     case Kind::Number:
         return std::to_string(run.control<NSPopUpButton>(setting.outlet).tagOfSelectedItem());
     }
@@ -125,10 +130,9 @@ int itemFor(const CommandRun& run, const Setting& setting, const std::string& va
     if (setting.kind == Kind::Number) {
         return popUp.indexOfItemWithTag(longLongValue(value));
     }
-    const auto found = std::ranges::find_if(popUp.items(), [&](const NSPopUpButton::Item& item) {
-        return isEqualIgnoringCase(item.title, value);
-    });
-    return found == popUp.items().end() ? -1 : static_cast<int>(found - popUp.items().begin());
+    const auto* found = std::ranges::find_if(
+        securityLevels, [&](const char* level) { return isEqualIgnoringCase(level, value); });
+    return found == std::end(securityLevels) ? -1 : static_cast<int>(found - securityLevels);
 }
 
 NSControl& control(const CommandRun& run, const Setting& setting) {
@@ -177,7 +181,7 @@ void apply(CommandRun& run, const Setting& setting, const std::string& value) {
         }
         run.setIndex(setting.outlet, index);
     }
-    if (setting.kind != Kind::Choice && valueOf(run, setting) != value) {
+    if (setting.kind != Kind::Level && valueOf(run, setting) != value) {
         refuse(setting, value); // "abc" for a number, for example
     }
 }

@@ -1,5 +1,6 @@
 #include "app/DirectoryRecords.h"
 #include "frontends/cli/CommandRun.h"
+#include "frontends/cli/JSONRows.h"
 #include "frontends/cli/PasswordSource.h"
 #include "platform/foundation/NSBundle.h"
 #include "platform/foundation/NSString.h"
@@ -27,37 +28,36 @@ struct UserOptions {
     PasswordSource password;
 };
 
-JSON userOf(std::string name, std::string fullName, const std::string& uid, const std::string& gid,
-            bool sharesPublicFolder) {
-    return {{"name", std::move(name)},
-            {"fullName", std::move(fullName)},
-            {"uid", longLongValue(uid)},
-            {"gid", longLongValue(gid)},
-            {"publicFolder", sharesPublicFolder}};
-}
-
 JSON userAt(const CommandRun& run, int row) {
     const auto cell = [&](const char* column) { return run.cell(table, column, row); };
-    return userOf(cell("User"), cell("Full Name"), cell("UID"), cell("GID"),
-                  cell("Public Shared") == NSLocalizedString("YES"));
+    return {{"name", cell("User")},
+            {"fullName", cell("Full Name")},
+            {"uid", longLongValue(cell("UID"))},
+            {"gid", longLongValue(cell("GID"))},
+            {"publicFolder", cell("Public Shared") == NSLocalizedString("YES")}};
 }
 
 /// The rows that the window's table would have, without the window: who has ten thousand users asks often.
 void list(CommandRun& run) {
-    JSON& users = run.result()["users"] = JSON::array();
+    JSONRows users("users");
     const bool printsJSON = run.context().options.printsJSON;
     for (const std::string& line : NiutilTask::sharedInstance().currentUsers()) {
-        UserRecord user(line);
+        const UserRecord user(line);
         if (user.isSystem()) {
             continue;
         }
-        if (printsJSON) {
-            users.push_back(userOf(std::move(user.name), std::move(user.fullName), user.uid, user.gid,
-                                   user.sharesPublicFolder));
-        } else {
+        if (!printsJSON) {
             run.say(user.name + "\t" + std::to_string(longLongValue(user.uid)) + "\t" + user.fullName);
+            continue;
         }
+        users.beginRow();
+        users.addText("name", user.name);
+        users.addText("fullName", user.fullName);
+        users.addNumber("uid", longLongValue(user.uid));
+        users.addNumber("gid", longLongValue(user.gid));
+        users.addTruth("publicFolder", user.sharesPublicFolder);
     }
+    run.setResultText(users.finish());
 }
 
 int requireRow(const CommandRun& run, const std::string& name) {
