@@ -10,7 +10,10 @@ FilterField::FilterField(TableView& table) : table_(table) {
     const QString name = table.accessibleName();
     setAccessibleName(name.isEmpty() ? placeholderText() : placeholderText() + " (" + name + ')');
     setToolTip(shown(NSLocalizedString("Leaves the rows in view in which these words occur (Ctrl+F).")));
-    setClearButtonEnabled(true);
+    // Only when there is something to clear: its picture makes Qt load what reads all kinds of pictures.
+    connect(
+        this, &QLineEdit::textChanged, this, [this] { setClearButtonEnabled(true); },
+        Qt::SingleShotConnection);
     connect(this, &QLineEdit::textChanged, &table,
             [&table](const QString& text) { table.setFilter(text.toStdString()); });
 }

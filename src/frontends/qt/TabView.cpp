@@ -5,6 +5,7 @@
 #include <QVBoxLayout>
 
 #include <algorithm>
+#include <chrono>
 #include <utility>
 
 TabView::TabView(NSTabView& tabView, std::vector<MakePage> pages, RefreshQueue& queue)
@@ -66,7 +67,9 @@ void TabView::buildAll() {
 
 void TabView::showEvent(QShowEvent* event) {
     QWidget::showEvent(event);
-    QTimer::singleShot(0, this, &TabView::buildNext);
+    // What is in view is painted first.
+    constexpr auto whenPainted = std::chrono::milliseconds(50);
+    QTimer::singleShot(whenPainted, this, &TabView::buildNext);
 }
 
 void TabView::buildNext() {
