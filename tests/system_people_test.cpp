@@ -254,6 +254,15 @@ TEST_F(SystemPeople, OfferTheirPublicFolderWhereTheyHaveAHome) {
     script("rows userTableView " + dora + "\npress disablePublicSelectedButton\n");
     EXPECT_TRUE(contains(smb("dora's Public", "", "ls"), "NT_STATUS_BAD_NETWORK_NAME"));
     EXPECT_EQ(contents("/home/dora/Public/poem"), "a poem");
+
+    std::string settings = contents("/etc/samba/smb.conf");
+    const std::size_t line = settings.find("usershare allow guests = yes");
+    ASSERT_NE(line, std::string::npos);
+    settings.replace(line, 28, "usershare allow guests = no");
+    ASSERT_TRUE(platform::writeWholeFile("/etc/samba/smb.conf", settings).isOk());
+    script("rows userTableView " + dora + "\npress enablePublicSelectedButton\n");
+    const std::string offered = run({"/usr/bin/net", "usershare", "info", "dora's Public"});
+    EXPECT_TRUE(contains(offered, "path=/home/dora/Public\n") && contains(offered, "guest_ok=n")) << offered;
 }
 
 } // namespace

@@ -9,6 +9,7 @@
 
 #include <QComboBox>
 #include <QLabel>
+#include <QTableView>
 
 #include <cstdlib>
 
@@ -157,6 +158,37 @@ TEST_F(SystemWindow, SaysWhetherTheServerRunsAndStartsIt) {
         comeBackTo(3);
         EXPECT_TRUE(state.text().startsWith("No AFP server is running")) << state.toolTip().toStdString();
     });
+}
+
+TEST_F(SystemWindow, ShowsWhatSomebodyElseChangedMeanwhileAndWhyAFolderIsNotOffered) {
+    run({"/usr/sbin/useradd", "-M", "-u", "7302", "eve"}); // its home folder is not made
+    const std::string settings = contents("/etc/samba/smb.conf");
+    run({prefix + "/bin/nicl", "--system", ".", "-create", "/users/eve", "sharedDir", "Public"});
+    inWindow([&] {
+        comeBackTo(1);
+        const auto& users = *widget<QTableView>("userTableView").model();
+        const QModelIndexList eve = users.match(users.index(0, 0), Qt::DisplayRole, "eve");
+        ASSERT_FALSE(eve.isEmpty());
+        QString remarks;
+        for (int column = 0; column < users.columnCount(); ++column) {
+            remarks += users.data(eve.front().siblingAtColumn(column), Qt::ToolTipRole).toString();
+        }
+        EXPECT_TRUE(remarks.contains("eve has no home folder of its own")) << remarks.toStdString();
+
+        comeBackTo(4);
+        typeInto("smbWorkGroup", "HOME");
+        const auto edited = runProgram({"/usr/bin/sudo", "-S", "/usr/bin/sed", "-i",
+                                        "s/^ *workgroup *=.*/   workgroup = CELLAR/", "/etc/samba/smb.conf"},
+                                       "Abracadabra9\n");
+        EXPECT_EQ(edited.status, 0) << edited.errors;
+        answer({"Cancel"});
+        clickTitled("Save");
+        EXPECT_TRUE(lastText.contains("to &quot;CELLAR&quot;: your &quot;HOME&quot; takes its place"))
+            << lastText.toStdString();
+        EXPECT_TRUE(answers.isEmpty()) << asked.join(", ").toStdString();
+    });
+    EXPECT_TRUE(contains(contents("/etc/samba/smb.conf"), "workgroup = CELLAR"));
+    EXPECT_NE(contents("/etc/samba/smb.conf"), settings);
 }
 
 } // namespace

@@ -1,6 +1,7 @@
 #include "review/TextDifference.h"
 #include "review/Warnings.h"
 
+#include "model/SMBInPlace.h"
 #include "model/ServerSettings.h"
 #include "platform/foundation/Host.h"
 #include "platform/foundation/NSBundle.h"
@@ -150,6 +151,43 @@ bool concerns(const Situation& situation, const SMBShare& section) {
            (path.pair != nullptr && path.pair->Value == now.directory->stringValue());
 }
 
+std::string sentenceOf(const SMBConflict& conflict) {
+    if (conflict.key.empty()) {
+        return stringWithFormat(
+            NSLocalizedString("Meanwhile somebody else took [%@] away: it comes back with this change."),
+            conflict.section);
+    }
+    if (conflict.inFile.empty()) {
+        return stringWithFormat(
+            NSLocalizedString("Meanwhile somebody else took \"%@\" of [%@] away: it comes back as \"%@\"."),
+            conflict.key, conflict.section, conflict.written);
+    }
+    if (conflict.written.empty()) {
+        return stringWithFormat(
+            NSLocalizedString("Meanwhile somebody else set \"%@\" of [%@] to \"%@\": it is taken away."),
+            conflict.key, conflict.section, conflict.inFile);
+    }
+    return stringWithFormat(
+        NSLocalizedString(
+            "Meanwhile somebody else set \"%@\" of [%@] to \"%@\": your \"%@\" takes its place."),
+        conflict.key, conflict.section, conflict.inFile, conflict.written);
+}
+
+/// Names each setting that the action and somebody else have both changed.
+void addConflicts(const Situation& situation, const SMBConf& model, std::vector<Remark>* warnings) {
+    const SMBConf* changed = situation.after.smbConfModel();
+    if (changed == nullptr) {
+        return;
+    }
+    const auto read = SMBConf::ofText(model.textOnDisk());
+    const auto conflicts =
+        textWithChanges(situation.plan.smbConfBefore, changesBetween(read->Entries(), changed->Entries()))
+            .conflicts;
+    for (const SMBConflict& conflict : conflicts) {
+        warnings->push_back({"changed-outside", sentenceOf(conflict)});
+    }
+}
+
 } // namespace
 
 void addFileWarnings(const Situation& situation, std::vector<Remark>* warnings) {
@@ -169,6 +207,8 @@ void addFileWarnings(const Situation& situation, std::vector<Remark>* warnings) 
     }
     if (!keepsLayout) {
         addLosses(*model, warnings);
+    } else if (situation.plan.smbConfBefore != model->textOnDisk()) {
+        addConflicts(situation, *model, warnings);
     }
     for (const OtherReading& reading : otherReadings(*model)) {
         if (concerns(situation, *reading.section)) {
