@@ -32,6 +32,7 @@ ssize_t readSome(int descriptor, char* buffer, std::size_t size) {
 /// grows; of anything else, all that may come.
 std::size_t firstRoom(int descriptor, std::size_t limit) {
     struct stat status {};
+
     const bool isFile = ::fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode);
     return isFile ? std::min(limit, static_cast<std::size_t>(status.st_size)) + 1 : limit + 1;
 }
