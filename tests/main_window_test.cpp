@@ -9,7 +9,11 @@ TEST_F(MainWindow, EveryNamedControlOfTheInterfaceFileIsShown) {
     for (int page = 0; page < 5; ++page) {
         showPage(page);
     }
-    QTest::qWait(50); // the settings' other pages are built when nothing else is to do
+    const auto& window = widget<QWidget>("mainWindow");
+    for (const char* last : {"loggingEnable", "smbHomeDirsReadOnly"}) {
+        // The settings' other pages are built when nothing else is to do.
+        EXPECT_TRUE(QTest::qWaitFor([&] { return window.findChild<QWidget*>(last) != nullptr; })) << last;
+    }
     const std::function<void(const platform::InterfaceNode&)> visit =
         [&](const platform::InterfaceNode& node) {
             if (node.element && !node.element->name().empty() &&
