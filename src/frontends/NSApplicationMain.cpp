@@ -246,7 +246,7 @@ std::string placeOf(const platform::HostOptions& host) {
                        : folder.string();
 }
 
-Result<int> openWindow(const Options& options, char** argv) {
+Result<int> openWindow(const Options& options, frontend::WindowRun& window) {
     std::unique_ptr<frontend::OneWindow> only; // to the very end: what is done there is done by one
     if (options.mode == Mode::Window) {
         const std::string place = placeOf(options.host);
@@ -272,20 +272,33 @@ Result<int> openWindow(const Options& options, char** argv) {
     application.setPatient(patientOf(options.host));
     const auto server = startServer(options);
     if (options.mode == Mode::Window) {
-        return frontend::runWindow(application, argv, serverLine(options, server), only.get());
+        return window.show(application, serverLine(options, server), only.get());
     }
     if (!server.isOk()) {
         return server.status();
     }
-    return exitStatusOf(frontend::takeSnapshots(application, argv, options.snapshotFolder));
+    return exitStatusOf(window.takeSnapshots(application, options.snapshotFolder));
 }
 
-Result<int> runWithWindow(const Options& options, char** argv) {
-    Result<int> result = openWindow(options, argv);
+Result<int> runWithWindow(const Options& options, frontend::WindowRun& window) {
+    Result<int> result = openWindow(options, window);
     if (!result.isOk() && options.mode == Mode::Window) {
-        frontend::showStartFailure(result.status().text(), argv);
+        window.showFailure(result.status().text());
     }
     return result;
+}
+
+/// Becomes the program that has the window: the installed one (../libexec), or the one in this program's
+/// folder, as in a build. Returns only when there is none.
+Status becomeWindow(char** argv) {
+    for (const char* place : {"/../libexec/brindle-window", "/brindle-window"}) {
+        ::execv((platform::programFolder() + place).c_str(), argv);
+        if (errno != ENOENT) {
+            return Status::ofErrno("cannot open the window", "brindle-window", errno);
+        }
+    }
+    return Status::failure("this build has no window", "",
+                           "install Qt 6 Widgets and build again, or use --print or --script");
 }
 
 /// What the system logs while a command runs is for the log that is kept.
@@ -314,7 +327,7 @@ Result<int> runCommand(const Options& options) {
     return status;
 }
 
-Result<int> run(const Options& options, char** argv) {
+Result<int> run(const Options& options, char** argv, frontend::WindowRun* window) {
     if (options.end) {
         return options.end->print();
     }
@@ -327,19 +340,19 @@ Result<int> run(const Options& options, char** argv) {
         return exitStatusOf(printTable(options));
     case Mode::Window:
     case Mode::Snapshot:
-        return runWithWindow(options, argv);
+        return window != nullptr ? runWithWindow(options, *window) : Result<int>(becomeWindow(argv));
     }
     throw std::logic_error("no such mode");
 }
 
 } // namespace
 
-int NSApplicationMain(int argc, char** argv) {
+int NSApplicationMain(int argc, char** argv, frontend::WindowRun* window) {
     // A reader that goes away, or a tool that ends early, is seen where it is written to.
     std::signal(SIGPIPE, SIG_IGN);
     try {
         const auto arguments = platform::argumentsOf(argc, argv);
-        const auto status = run(frontend::parseOptions({arguments.begin(), arguments.end()}), argv);
+        const auto status = run(frontend::parseOptions({arguments.begin(), arguments.end()}), argv, window);
         if (status.isOk()) {
             return *status;
         }

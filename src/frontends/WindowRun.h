@@ -9,8 +9,6 @@ namespace frontend {
 class Application;
 class OneWindow;
 
-/// The runs that need the window front-end. In a build without it they say so and what to do.
-
 /// Where the shares are reached, as the window says it.
 struct ServerLine {
     std::string address; ///< "smb://HOST:PORT/", empty where nothing serves them
@@ -18,17 +16,23 @@ struct ServerLine {
     bool hasFailed = false;
 };
 
-/// Shows the window until the application has ended; returns the exit status. `only` (may be null) says when
-/// others ask for it.
-[[nodiscard]] platform::Result<int> runWindow(Application& application, char** argv, const ServerLine& server,
-                                              const OneWindow* only);
+/// The runs that need the window. A program that has none hands them to the one that has.
+class WindowRun {
+  public:
+    virtual ~WindowRun() = default;
 
-/// Says on screen, where there is one, why the window cannot be had: who starts it from a menu sees no
-/// terminal.
-void showStartFailure(const std::string& text, char** argv);
+    /// Shows the window until the application has ended; returns the exit status. `only` (may be null) says
+    /// when others ask for it. Fails where there is no display.
+    [[nodiscard]] virtual platform::Result<int> show(Application& application, const ServerLine& server,
+                                                     const OneWindow* only) = 0;
 
-/// Writes a picture of every page into `folder`.
-[[nodiscard]] platform::Status takeSnapshots(Application& application, char** argv,
-                                             const std::string& folder);
+    /// Says on screen, where there is one, why the window cannot be had: who starts it from a menu sees no
+    /// terminal.
+    virtual void showFailure(const std::string& text) = 0;
+
+    /// Writes a picture of every page into `folder`. Fails when one cannot be written.
+    [[nodiscard]] virtual platform::Status takeSnapshots(Application& application,
+                                                         const std::string& folder) = 0;
+};
 
 } // namespace frontend
