@@ -74,6 +74,8 @@ list(REMOVE_ITEM needed grep) # every Debian system has it, and a package does n
 if(BRINDLE_HAS_QT)
     brindle_packages(desktop desktop)
     list(APPEND needed ${desktop})
+    brindle_packages(recommend recommended)
+    list(JOIN recommended ", " CPACK_DEBIAN_PACKAGE_RECOMMENDS)
 endif()
 list(JOIN needed ", " CPACK_DEBIAN_PACKAGE_DEPENDS)
 

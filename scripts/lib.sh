@@ -81,6 +81,7 @@ require_packages() {
 # Qt is wanted, but a machine that cannot have it still gets everything else.
 want_window_packages() {
     install_missing window desktop || say "Going on without the window."
+    install_missing recommend || say "Going on with Qt's own texts in English."
 }
 
 # build PRESET FOLDER [CMAKE_ARGUMENT...]: configures and builds; silent on standard output.

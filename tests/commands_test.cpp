@@ -39,7 +39,7 @@ class Commands : public testing::Test {
         std::vector<std::string> words = wordsOf(line);
         words.insert(words.begin(),
                      {BRINDLE_PROGRAMS "/brindle", "--root", (test_.root() / "computer").string()});
-        return runProgram(words, input, {"HOME=" + test_.home().string(), "LC_ALL=C"});
+        return runProgram(words, input, {"HOME=" + test_.home().string(), "LC_ALL=" + locale});
     }
 
     /// What the command prints for programs; its exit status is to be `status`.
@@ -58,12 +58,27 @@ class Commands : public testing::Test {
             .output;
     }
 
+    std::string locale = "C";
     TestHost test_;
 };
 
+/// The words that programs write and read are the same in every language.
+class CommandsInALanguage : public Commands, public testing::WithParamInterface<const char*> {
+  protected:
+    void SetUp() override {
+        Commands::SetUp();
+        locale = GetParam();
+    }
+};
+
+INSTANTIATE_TEST_SUITE_P(
+    Of, CommandsInALanguage, testing::Values("C.UTF-8", "de_DE.UTF-8"), [](const auto& test) {
+        return std::string(test.param).substr(0, std::string(test.param).find_first_of("._"));
+    });
+
 } // namespace
 
-TEST_F(Commands, ChangeWhatIsOtherwiseAndNothingTwice) {
+TEST_P(CommandsInALanguage, ChangeWhatIsOtherwiseAndNothingTwice) {
     const std::string docs = "shares add Docs " + folder().string() + " --everyone-may r";
 
     const struct {
@@ -102,6 +117,8 @@ TEST_F(Commands, ChangeWhatIsOtherwiseAndNothingTwice) {
               json::parse(
                   R"({"name": "ann", "fullName": "Anna", "uid": 7201, "gid": 7200, "publicFolder": false})"));
     EXPECT_EQ(answer("smb show")["smb"]["workgroup"], "HOME");
+    EXPECT_EQ(answer("smb show")["smb"]["security"], "User");
+    EXPECT_EQ(command("public off ann").output, "unchanged\n");
     EXPECT_EQ(answer("afp show")["afp"]["log"], "yes");
     const json access = answer("check-access Docs --guest");
     EXPECT_EQ(access["may"]["connect"], false);
@@ -115,6 +132,15 @@ TEST_F(Commands, ChangeWhatIsOtherwiseAndNothingTwice) {
     EXPECT_EQ(answer("undo")["changed"], true);
     EXPECT_EQ(answer("shares list")["shares"].size(), 1U);
     EXPECT_EQ(answer("history")["history"].front()["outcome"], "done");
+    EXPECT_EQ(command("--print groups").output.substr(0, 8), "Group ID");
+}
+
+TEST_F(Commands, TellPeopleInTheirLanguage) {
+    locale = "de_DE.UTF-8"; // need not be one that this system knows
+    EXPECT_EQ(command("shares set Nowhere --smb").errors, "brindle: es gibt keine Freigabe „Nowhere“\n");
+    EXPECT_EQ(
+        answer("groups add crew --gid 7200", 3)["error"]["text"],
+        "Gruppe hinzufügen: Möchten Sie wirklich eine neue Gruppe hinzufügen? (mit --yes fahren Sie fort)");
 }
 
 TEST_F(Commands, EndWithAStatusThatTellsWhatIsMissing) {

@@ -81,6 +81,7 @@ TEST(Texts, AFormatTakesItsArgumentsInOrder) {
     EXPECT_EQ(stringWithFormat("%@ has %d of %s, mode %o, 100%%", "a%@b", 3, std::string("x"), 0755),
               "a%@b has 3 of x, mode 755, 100%");
     EXPECT_EQ(stringWithFormat("%@ %@ %q %", std::optional<std::string>()), "(null) %@ %q %");
+    EXPECT_EQ(stringWithFormat("%3$o %@ %1$@ %@ %4$@ %2$", "a", "b", 8), "10 a a b %4$@ %2$");
 }
 
 TEST(Files, AttributesFollowLinksAndNameTheOwner) {
@@ -193,22 +194,38 @@ TEST(Bundle, TheFirstLanguageWithATextWins) {
     EXPECT_EQ(bundle.objectForInfoDictionaryKey("Name"), "Plain");
     EXPECT_EQ(bundle.objectForLocalInfoDictionaryKey("Name"), "Schlicht");
     EXPECT_EQ(bundle.objectForInfoDictionaryKey("Missing"), "");
+    EXPECT_EQ(bundle.languageCode(), "de");
     ASSERT_EQ(host.log.size(), 1U); // the French table is faulty, and only that is worth a word
     EXPECT_NE(host.log.front().find("fr.lproj/Localizable.strings: line 2"), std::string::npos);
 }
 
-TEST(Bundle, TheEnvironmentNamesTheLanguages) {
+TEST(Bundle, TheEnvironmentNamesTheLanguagesAsGettextReadsIt) {
+    using Variables = std::vector<std::pair<const char*, const char*>>;
     using Names = std::vector<std::string>;
-    const std::vector<std::pair<const char*, Names>> cases = {
-        {"de_AT.UTF-8@euro", {"de_AT", "de", "German", "English"}},
-        {"C.UTF-8", {"English"}},
-        {"en", {"en", "English"}},
-        {"../x", {"English"}}};
-    for (const auto& [locale, names] : cases) {
-        ::setenv("LC_ALL", locale, 1);
-        EXPECT_EQ(platform::languagesFromEnvironment(), names) << locale;
+    const Names german = {"de", "German", "English"};
+    const std::vector<std::pair<Variables, Names>> cases = {
+        {{}, {"English"}},
+        {{{"LC_ALL", "de_AT.UTF-8@euro"}}, {"de_AT", "de", "German", "English"}},
+        {{{"LC_ALL", ""}, {"LC_MESSAGES", "de"}, {"LANG", "fr"}}, german},
+        {{{"LC_ALL", "C.UTF-8"}, {"LANG", "de"}, {"LANGUAGE", "de"}}, {"English"}},
+        {{{"LANGUAGE", "de"}}, {"English"}},
+        {{{"LANG", "POSIX"}, {"LANGUAGE", "de"}}, {"English"}},
+        {{{"LANG", "en"}}, {"en", "English"}},
+        {{{"LANG", "../x"}}, {"English"}},
+        {{{"LANG", "nl"}, {"LANGUAGE", "de"}}, german},
+        {{{"LANG", "de"}, {"LANGUAGE", ""}}, german},
+        {{{"LANG", "de"}, {"LANGUAGE", "fr_CA::ja:../x"}},
+         {"fr_CA", "fr", "French", "ja", "Japanese", "English"}},
+        {{{"LANG", "de"}, {"LANGUAGE", "en:de"}}, {"en", "English", "de", "German"}}};
+    for (const auto& [variables, names] : cases) {
+        for (const char* each : {"LC_ALL", "LC_MESSAGES", "LANG", "LANGUAGE"}) {
+            ::unsetenv(each);
+        }
+        for (const auto& [name, value] : variables) {
+            ::setenv(name, value, 1);
+        }
+        EXPECT_EQ(platform::languagesFromEnvironment(), names) << ::testing::PrintToString(variables);
     }
-    ::unsetenv("LC_ALL");
 }
 
 TEST(Notifications, ReachObserversInOrderAndNotThoseRemovedMeanwhile) {

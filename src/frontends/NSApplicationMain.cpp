@@ -184,6 +184,7 @@ Status printTable(const Options& options) {
     if (!services.isOk()) {
         return services.status();
     }
+    services->languages = {"English"}; // whatever reads the table expects its words
     Application application(std::move(*services));
     application.setPresenter(std::make_shared<frontend::SilentPresenter>());
     tellWhatIsMissing();

@@ -15,6 +15,8 @@
 /// The application's own window on Qt's offscreen platform, used with mouse and keys.
 class MainWindow : public AppFixture, protected WindowHands {
   protected:
+    explicit MainWindow(const TestHost::Options& options = {}) : AppFixture(options) {}
+
     void SetUp() override {
         qputenv("QT_QPA_PLATFORM", "offscreen");
         qputenv("QT_LOGGING_RULES", "default.warning=false");

@@ -96,6 +96,7 @@ struct TestHost::Implementation {
         services.authority = std::make_shared<RecordingAuthority>(state);
         services.presenter = std::make_shared<RecordingPresenter>(state);
         services.systemVersion = options.systemVersion;
+        services.languages = options.languages;
         return services;
     }
 

@@ -38,6 +38,7 @@ class TestHost {
         std::map<std::string, std::string> strings;
         bool realResources = true; ///< the project's own resources folder
         std::optional<std::int32_t> systemVersion = 0x1040;
+        std::vector<std::string> languages = {"English"}; ///< the names of their folders
     };
 
     TestHost();

@@ -60,7 +60,7 @@ void CommandRun::finish() {
     }
     result_["changed"] = changes_;
     result_["runs"] = context_.presenter.runs().size();
-    say(changes_ ? NSLocalizedString("changed") : NSLocalizedString("unchanged"));
+    say(changes_ ? "changed" : "unchanged"); // words for programs, in every language
 }
 
 void CommandRun::sayFields(const std::string& name) {
@@ -105,10 +105,10 @@ void CommandRun::select(const std::string& popUp, int index) {
     perform([&] { control<NSPopUpButton>(popUp).performSelect(index); });
 }
 
-void CommandRun::selectTitle(const std::string& popUp, const std::string& title, const std::string& what) {
+void CommandRun::selectTitle(const std::string& popUp, const std::string& title, const char* complaint) {
     const int index = control<NSPopUpButton>(popUp).indexOfItemWithTitle(title);
     if (index < 0) {
-        fail(stringWithFormat(NSLocalizedString("there is no %@ \"%@\""), what, title));
+        fail(stringWithFormat(NSLocalizedString(complaint), title));
     }
     select(popUp, index);
 }
@@ -128,9 +128,9 @@ void CommandRun::set(const std::string& field, const std::optional<std::string>&
 }
 
 void CommandRun::setItem(const std::string& popUp, const std::optional<std::string>& title,
-                         const std::string& what) {
+                         const char* complaint) {
     if (title && control<NSPopUpButton>(popUp).titleOfSelectedItem() != title) {
-        selectTitle(popUp, *title, what);
+        selectTitle(popUp, *title, complaint);
         noteChange();
     }
 }

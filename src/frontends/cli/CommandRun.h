@@ -55,13 +55,13 @@ class CommandRun {
     void selectRows(const std::string& table, std::vector<int> rows);
     void type(const std::string& field, const std::string& text);
     void select(const std::string& popUp, int index);
-    /// Ends the command when there is no such item: `what` is what it would have been.
-    void selectTitle(const std::string& popUp, const std::string& title, const std::string& what);
+    /// Ends the command with the complaint, which names the title, when there is no such item.
+    void selectTitle(const std::string& popUp, const std::string& title, const char* complaint);
     void check(const std::string& box, bool isOn);
 
     // What sets only what is another: it notes that something changes.
     void set(const std::string& field, const std::optional<std::string>& text);
-    void setItem(const std::string& popUp, const std::optional<std::string>& title, const std::string& what);
+    void setItem(const std::string& popUp, const std::optional<std::string>& title, const char* complaint);
     void setIndex(const std::string& popUp, std::optional<int> index);
     void setBox(const std::string& box, std::optional<bool> isOn);
 

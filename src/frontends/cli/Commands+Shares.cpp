@@ -129,8 +129,8 @@ void fill(CommandRun& run, const ShareOptions& options) {
     if (options.owner || options.group) {
         run.check("showSystemUsersGroups", true); // so that every account can be named
     }
-    run.setItem("owner", options.owner, "user");
-    run.setItem("group", options.group, "group");
+    run.setItem("owner", options.owner, "there is no user \"%@\"");
+    run.setItem("group", options.group, "there is no group \"%@\"");
     run.setIndex("ownerPrivs", indexOf(options.ownerMay));
     run.setIndex("groupPrivs", indexOf(options.groupMay));
     run.setIndex("everyonePrivs", indexOf(options.everyoneMay));

@@ -91,7 +91,7 @@ void fill(CommandRun& run, const UserOptions& options) {
     if (options.group) {
         run.check("showSystemUsersGroups2", true); // so that every group can be named
     }
-    run.setItem("groupPopUp", options.group, "group");
+    run.setItem("groupPopUp", options.group, "there is no group \"%@\"");
     if (options.sharesPublicFolder) {
         run.setIndex("publicSharedPopUp", *options.sharesPublicFolder ? 0 : 1);
     }

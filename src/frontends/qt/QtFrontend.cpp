@@ -7,12 +7,15 @@
 #include "frontends/qt/Snapshots.h"
 #include "platform/appkit/NSApplication.h"
 #include "platform/appkit/NSWindow.h"
+#include "platform/foundation/NSBundle.h"
 
 #include <QApplication>
+#include <QLibraryInfo>
 #include <QLoggingCategory>
 #include <QMessageBox>
 #include <QSocketNotifier>
 #include <QTimer>
+#include <QTranslator>
 
 #include <cstdlib>
 #include <utility>
@@ -42,6 +45,7 @@ struct QtFrontend::Implementation {
 
     Implementation(int& argc, char** argv, Manner manner)
         : platform(manner), application(argc, argv), presenter(std::make_shared<QtPresenter>(manner)) {
+        speakOneLanguage();
         usePlainStyle();
         QApplication::setApplicationName("Brindle");
         QApplication::setDesktopFileName("brindle");
@@ -50,8 +54,19 @@ struct QtFrontend::Implementation {
 
     ~Implementation() { presenter->closeAll(); }
 
+    /// Has Qt name its keys and the buttons of its file dialog in the language of our texts, which the
+    /// environment alone does not tell: we have fewer. Without Qt's own translations they are English.
+    void speakOneLanguage() {
+        const std::string language = NSBundle::mainBundle().languageCode();
+        if (translator.load(QStringLiteral("qtbase_") + QString::fromStdString(language),
+                            QLibraryInfo::path(QLibraryInfo::TranslationsPath))) {
+            QCoreApplication::installTranslator(&translator);
+        }
+    }
+
     Platform platform;
     QApplication application;
+    QTranslator translator;
     Accessibility accessibility;
     KeyAccess keyAccess;
     std::shared_ptr<QtPresenter> presenter;

@@ -74,7 +74,7 @@ class QtFrontend {
     /// interface may be destroyed.
     [[nodiscard]] int run(const std::function<void()>& launch);
 
-    /// Writes a PNG of every page of the loaded interfaces, named after what it shows (shares.png,
+    /// Writes a PNG of every page of the loaded interfaces, named in English after what it shows (shares.png,
     /// shares-drawer.png, afp-general.png, the sheets, about.png), into `folder`, which is made when it is
     /// not there. To be called after the launch; all windows are gone when it returns. Fails at the first
     /// picture that cannot be written.

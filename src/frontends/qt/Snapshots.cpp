@@ -131,7 +131,8 @@ void Photographer::photographPage(const InterfaceNode& window, const InterfaceNo
     auto& tabView = *modelOf<NSTabView>(*inner);
     for (int each = 0; each < tabView.numberOfTabViewItems(); ++each) {
         selectPage(page, tabView, each);
-        take(window, name + QLatin1Char('-') + fileName(tabView.labels()[static_cast<std::size_t>(each)]));
+        const InterfaceNode& shownPage = *inner->children[static_cast<std::size_t>(each)];
+        take(window, name + QLatin1Char('-') + fileName(shownPage.key("label")));
     }
     selectPage(page, tabView, 0);
 }
@@ -149,8 +150,9 @@ void Photographer::photographMain(const InterfaceNode& node) {
     auto& tabView = *modelOf<NSTabView>(*tabs);
     for (int page = 0; page < tabView.numberOfTabViewItems(); ++page) {
         selectPage(node, tabView, page);
-        const QString name = fileName(tabView.labels()[static_cast<std::size_t>(page)]);
-        photographPage(node, *tabs->children[static_cast<std::size_t>(page)], name);
+        const InterfaceNode& shownPage = *tabs->children[static_cast<std::size_t>(page)];
+        const QString name = fileName(shownPage.key("label"));
+        photographPage(node, shownPage, name);
         const InterfaceNode* drawer = page == 0 ? firstOf(node, InterfaceKind::Drawer) : nullptr;
         if (drawer != nullptr) {
             act([drawer] { modelOf<NSDrawer>(*drawer)->open(); });

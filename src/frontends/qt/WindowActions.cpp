@@ -34,11 +34,13 @@ const InterfaceNode* nodeOf(const InterfaceNode& tree, const platform::Element* 
 /// Without the dots that say that a question comes.
 std::string titleOf(const InterfaceNode& node) {
     static constexpr std::string_view dots = "…";
+    static constexpr std::string_view gap = "\u00A0"; // before the dots in some languages
     const auto* button = modelOf<NSButton>(node);
     const auto* item = modelOf<NSMenuItem>(node);
     std::string title = button != nullptr ? button->title() : item != nullptr ? item->title() : std::string();
     if (title.ends_with(dots)) {
         title.resize(title.size() - dots.size());
+        title.resize(title.size() - (title.ends_with(gap) ? gap.size() : 0));
     }
     return title;
 }

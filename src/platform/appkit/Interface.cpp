@@ -2,10 +2,23 @@
 
 namespace platform {
 
-const std::string& InterfaceNode::attribute(std::string_view name) const {
+namespace {
+
+const std::string& valueIn(const std::map<std::string, std::string, std::less<>>& values,
+                           std::string_view name) {
     static const std::string none;
-    const auto found = attributes.find(name);
-    return found == attributes.end() ? none : found->second;
+    const auto found = values.find(name);
+    return found == values.end() ? none : found->second;
+}
+
+} // namespace
+
+const std::string& InterfaceNode::attribute(std::string_view name) const {
+    return valueIn(attributes, name);
+}
+
+const std::string& InterfaceNode::key(std::string_view name) const {
+    return valueIn(keys, name);
 }
 
 Interface::~Interface() {

@@ -18,12 +18,15 @@ struct InterfaceNode {
     InterfaceKind kind = InterfaceKind::Interface;
     std::map<std::string, std::string, std::less<>>
         attributes; ///< strings that the user sees are localized already
+    std::map<std::string, std::string, std::less<>> keys; ///< what those strings are localized from
     std::vector<std::unique_ptr<InterfaceNode>> children;
     std::unique_ptr<Element> element; ///< the model behind it; null for mere layout
     int line = 0;
 
     /// The attribute's value, or "" when there is none.
     [[nodiscard]] const std::string& attribute(std::string_view name) const;
+    /// The same before it was localized, so that it is called the same in every language.
+    [[nodiscard]] const std::string& key(std::string_view name) const;
 };
 
 /// Calls `visit` with the node and all below it, in the file's order.

@@ -150,6 +150,9 @@ void InterfaceLoader::readAttributes(const pugi::xml_node& xml, const ElementRul
             refuse(node.line, stringWithFormat("<%@> has the attribute \"%@\" twice", elementName(node.kind),
                                                attribute.name()));
         }
+        if (shown) {
+            node.keys.emplace(attribute.name(), value);
+        }
     }
     for (const AttributeRule& needed : rule.attributes) {
         if (needed.required && !node.attributes.contains(needed.name)) {

@@ -3,23 +3,27 @@
 #include "platform/foundation/Host.h"
 #include "platform/foundation/NSFileManager.h"
 #include "platform/foundation/NSLog.h"
+#include "platform/foundation/NSString.h"
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cstdlib>
+#include <initializer_list>
 #include <utility>
 
 namespace {
 
-/// Adds those entries of the table at `path` that no earlier language had.
-void mergeTable(platform::StringTable& into, const std::string& path) {
+/// Adds those entries of the table at `path` that no earlier language had. False where there is no such
+/// table that can be read.
+bool mergeTable(platform::StringTable& into, const std::string& path) {
     const auto contents = contentsOfFile(path);
     if (!contents.isOk()) {
         const int error = contents.status().systemError();
         if (error != ENOENT && error != ENOTDIR) {
             NSLog("cannot read the texts in %@: %@", path, contents.status().why());
         }
-        return;
+        return false;
     }
     auto table = platform::readStringTable(*contents);
     if (table.isOk()) {
@@ -27,6 +31,7 @@ void mergeTable(platform::StringTable& into, const std::string& path) {
     } else {
         NSLog("cannot read the texts in %@: %@", path, table.status().why());
     }
+    return table.isOk();
 }
 
 std::string textFor(const platform::StringTable& table, const std::string& key,
@@ -45,14 +50,50 @@ constexpr std::array<std::pair<std::string_view, std::string_view>, 8> languageN
                                                                                          {"nl", "Dutch"},
                                                                                          {"sv", "Swedish"}}};
 
-std::string environmentLocale() {
-    for (const char* variable : {"LC_ALL", "LC_MESSAGES", "LANG"}) {
+constexpr std::string_view fallback = "English";
+
+/// The value of the first of the variables that is set to something.
+std::string environmentValue(std::initializer_list<const char*> variables) {
+    for (const char* variable : variables) {
         const char* value = std::getenv(variable);
         if (value != nullptr && *value != '\0') {
             return value;
         }
     }
     return {};
+}
+
+/// The locale of programs that know no language, in whatever encoding.
+bool isPlainLocale(const std::string& locale) {
+    const std::string name = locale.substr(0, locale.find('.'));
+    return name.empty() || name == "C" || name == "POSIX";
+}
+
+/// Adds the folder names of one language, as "de_AT.UTF-8", that are not among them yet.
+void addLanguage(std::vector<std::string>& languages, const std::string& locale) {
+    const auto add = [&languages](std::string_view name) {
+        if (std::ranges::find(languages, name) == languages.end()) {
+            languages.emplace_back(name);
+        }
+    };
+    const std::string region = locale.substr(0, locale.find_first_of(".@"));
+    const std::string code = region.substr(0, region.find('_'));
+    if (isPlainLocale(locale)) {
+        add(fallback);
+        return;
+    }
+    // A language becomes part of a path, so only a plain code is accepted.
+    if (code.empty() || region.find_first_not_of("abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ_") !=
+                            std::string::npos) {
+        return;
+    }
+    add(region);
+    add(code);
+    for (const auto& [known, name] : languageNames) {
+        if (known == code) {
+            add(name);
+        }
+    }
 }
 
 } // namespace
@@ -73,7 +114,8 @@ NSBundle::NSBundle(std::string resourcePath, const std::vector<std::string>& lan
     }
     for (const auto& language : languages) {
         const std::string folder = resourcePath_ + "/" + language + ".lproj/";
-        mergeTable(localizable_, folder + "Localizable.strings");
+        const bool isThere = mergeTable(localizable_, folder + "Localizable.strings");
+        language_ = isThere && language_.empty() ? language : language_;
         mergeTable(infoPlist_, folder + "InfoPlist.strings");
     }
 }
@@ -94,29 +136,30 @@ std::string NSBundle::localizedStringForKey(const std::string& key) const {
     return textFor(localizable_, key, key);
 }
 
+std::string NSBundle::languageCode() const {
+    for (const auto& [code, name] : languageNames) {
+        if (name == language_) {
+            return std::string(code);
+        }
+    }
+    return language_;
+}
+
 std::string NSLocalizedString(const std::string& key) {
     return NSBundle::mainBundle().localizedStringForKey(key);
 }
 
 std::vector<std::string> platform::languagesFromEnvironment() {
-    const std::string locale = environmentLocale();
-    const std::string region = locale.substr(0, locale.find_first_of(".@"));
-    const std::string code = region.substr(0, region.find('_'));
+    const std::string locale = environmentValue({"LC_ALL", "LC_MESSAGES", "LANG"});
     std::vector<std::string> languages;
-    // A language becomes part of a path, so only a plain code is accepted.
-    const bool isPlain = region.find_first_not_of("abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ_") ==
-                         std::string::npos;
-    if (isPlain && !code.empty() && code != "C" && code != "POSIX") {
-        if (region != code) {
-            languages.push_back(region);
-        }
-        languages.push_back(code);
-        for (const auto& [known, name] : languageNames) {
-            if (known == code && name != "English") {
-                languages.emplace_back(name);
+    if (!isPlainLocale(locale)) {
+        const std::string wanted = environmentValue({"LANGUAGE"});
+        for (const auto& each : componentsSeparatedByString(wanted.empty() ? locale : wanted, ":")) {
+            if (!each.empty()) {
+                addLanguage(languages, each);
             }
         }
     }
-    languages.emplace_back("English");
+    addLanguage(languages, "C");
     return languages;
 }

@@ -26,21 +26,25 @@ class NSBundle {
     [[nodiscard]] std::string objectForLocalInfoDictionaryKey(const std::string& key) const;
     /// The text for `key` in the table "Localizable" of the first language that has it; else `key` itself.
     [[nodiscard]] std::string localizedStringForKey(const std::string& key) const;
+    /// The first language that has such a table, as ISO 639 names it ("de") where that is known; else its
+    /// folder's name; empty where there is none.
+    [[nodiscard]] std::string languageCode() const;
 
   private:
     std::string resourcePath_;
     NSMutableDictionary info_;
     platform::StringTable localizable_;
     platform::StringTable infoPlist_;
+    std::string language_;
 };
 
 /// mainBundle()'s localized string for `key`.
 [[nodiscard]] std::string NSLocalizedString(const std::string& key);
 
 namespace platform {
-/// The languages that the environment asks for (LC_ALL, LC_MESSAGES, LANG: the first that is set), as names
-/// for NSBundle: the region's folder where one is named ("de_AT"), the language's ("de"), its English name
-/// where known
-/// ("German"), then "English".
+/// The languages that the environment asks for, as gettext reads it: those of LANGUAGE, else the one of
+/// LC_ALL, LC_MESSAGES, LANG (the first that is set), and in the locale C none. As names for NSBundle: of
+/// each language the region's folder where one is named ("de_AT"), the language's ("de"), its English name
+/// where known ("German"); "English" at the latest at the end. The system need not know the locale.
 [[nodiscard]] std::vector<std::string> languagesFromEnvironment();
 } // namespace platform

@@ -136,21 +136,26 @@ std::string FormatArgument::rendered(char conversion) const {
 std::string formatWithArguments(std::string_view format, std::initializer_list<FormatArgument> arguments) {
     constexpr std::string_view conversions = "@dso";
     std::string result;
-    const auto* next = arguments.begin();
+    std::size_t next = 0;
     for (std::size_t index = 0; index < format.size(); ++index) {
-        const char following = index + 1 < format.size() ? format[index + 1] : '\0';
-        if (format[index] != '%' || following == '\0') {
-            result += format[index];
-        } else if (following == '%') {
+        const std::string_view rest = format.substr(index);
+        if (rest.starts_with("%%")) {
             result += '%';
             ++index;
-        } else if (conversions.find(following) != std::string_view::npos && next != arguments.end()) {
-            result += next->rendered(following);
-            ++next;
-            ++index;
-        } else {
-            result += '%';
+            continue;
         }
+        // "%2$@" has its place between the percent sign and what "%@" has after it.
+        const bool hasPlace = rest.size() > 3 && rest[1] >= '1' && rest[1] <= '9' && rest[2] == '$';
+        const std::size_t place = hasPlace ? static_cast<std::size_t>(rest[1] - '1') : next;
+        const std::size_t length = hasPlace ? 4 : 2;
+        if (rest.front() != '%' || rest.size() < length || place >= arguments.size() ||
+            conversions.find(rest[length - 1]) == std::string_view::npos) {
+            result += rest.front();
+            continue;
+        }
+        result += std::data(arguments)[place].rendered(rest[length - 1]);
+        next += hasPlace ? 0 : 1;
+        index += length - 1;
     }
     return result;
 }

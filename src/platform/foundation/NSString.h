@@ -67,8 +67,9 @@ class FormatArgument {
 } // namespace platform
 
 /// `format` with each "%@", "%d", "%s" and "%o" (octal) replaced by the next argument and "%%" by a percent
-/// sign. Arguments that are not used are ignored; a directive without an argument, or an unknown one, stays
-/// as it is.
+/// sign. "%2$@" is replaced by the second argument, for a language that has its words in another order, and
+/// does not count for the next one. Arguments that are not used are ignored; a directive without an argument,
+/// or an unknown one, stays as it is.
 template <class... Arguments>
 [[nodiscard]] std::string stringWithFormat(std::string_view format, const Arguments&... arguments) {
     return platform::formatWithArguments(format, {platform::FormatArgument(arguments)...});

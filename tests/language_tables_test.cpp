@@ -1,0 +1,77 @@
+// That each language has every text of the English table, and that a text of it can stand in the English
+// one's place.
+
+#include "platform/foundation/NSBundle.h"
+#include "platform/foundation/NSFileManager.h"
+#include "platform/foundation/StringTable.h"
+#include "support/TestHost.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <set>
+
+namespace {
+
+using platform::StringTable;
+
+StringTable tableAt(const std::filesystem::path& folder) {
+    const auto file = contentsOfFile((folder / "Localizable.strings").string());
+    auto table = platform::readStringTable(file.valueOr(""));
+    EXPECT_TRUE(table.isOk()) << folder << ": " << table.status().why();
+    return std::move(table).valueOr({});
+}
+
+/// The directives of a text, each with the place of its argument, in the order of the arguments: "1@ 2d".
+std::set<std::string> directivesOf(const std::string& text) {
+    std::set<std::string> directives;
+    int next = 1;
+    for (std::size_t at = text.find('%'); at + 1 < text.size(); at = text.find('%', at)) {
+        const bool hasPlace = at + 3 < text.size() && text[at + 2] == '$';
+        const char place = hasPlace ? text[at + 1] : static_cast<char>('0' + next++);
+        at += hasPlace ? 3 : 1;
+        directives.insert({place, text[at]});
+        ++at;
+    }
+    return directives;
+}
+
+/// Blanks and line breaks that the text begins or ends with stand between it and what it is put together
+/// with.
+std::pair<bool, bool> joinsOf(const std::string& text) {
+    static const std::string comma = "、"; // has its blank within
+    const auto isGap = [](char character) { return character == ' ' || character == '\n'; };
+    return {!text.empty() && (isGap(text.front()) || text.starts_with(comma)),
+            !text.empty() && isGap(text.back())};
+}
+
+TEST(LanguageTables, HoldTheEnglishTablesTextsWithTheirDirectives) {
+    const TestHost host;
+    const std::filesystem::path resources = NSBundle::mainBundle().resourcePath();
+    const StringTable english = tableAt(resources / "English.lproj");
+    std::set<std::string> languages;
+    for (const auto& entry : std::filesystem::directory_iterator(resources)) {
+        if (entry.path().extension() != ".lproj" || entry.path().stem() == "English") {
+            continue;
+        }
+        const std::string language = entry.path().stem().string();
+        languages.insert(language);
+        const StringTable table = tableAt(entry.path());
+        for (const auto& [key, text] : table) {
+            EXPECT_TRUE(english.contains(key)) << language << " has a text that nothing shows: " << key;
+        }
+        for (const auto& [key, text] : english) {
+            const auto found = table.find(key);
+            if (found == table.end()) {
+                ADD_FAILURE() << language << " lacks: " << key;
+                continue;
+            }
+            EXPECT_EQ(directivesOf(found->second), directivesOf(text)) << language << ": " << key;
+            EXPECT_EQ(joinsOf(found->second), joinsOf(text)) << language << ": " << key;
+        }
+    }
+    EXPECT_EQ(languages, (std::set<std::string>{"French", "German", "Japanese"}));
+}
+
+} // namespace

@@ -1,0 +1,134 @@
+// That every text of the window has the room it needs, in every language, at the size that the window opens
+// with.
+
+#include "frontends/qt/ElidedLabel.h"
+#include "platform/appkit/NSDrawer.h"
+#include "support/MainWindowFixture.h"
+
+#include <QCheckBox>
+#include <QGroupBox>
+#include <QHeaderView>
+#include <QStyleOptionComboBox>
+
+namespace {
+
+int widthOf(const QWidget& widget, const QString& text) {
+    return widget.fontMetrics().horizontalAdvance(text);
+}
+
+/// The width for the text of a pop-up's chosen item.
+int roomIn(const QComboBox& popUp) {
+    QStyleOptionComboBox option;
+    option.initFrom(&popUp);
+    option.subControls = QStyle::SC_All;
+    return popUp.style()
+        ->subControlRect(QStyle::CC_ComboBox, &option, QStyle::SC_ComboBoxEditField, &popUp)
+        .width();
+}
+
+class WindowInALanguage : public MainWindow, public testing::WithParamInterface<const char*> {
+  protected:
+    WindowInALanguage() : MainWindow({.languages = {GetParam(), "English"}}) {}
+
+    /// What is in the window, and can be seen now.
+    template <class Kind>
+    static std::vector<Kind*> shownIn(const QWidget& window) {
+        std::vector<Kind*> found;
+        for (Kind* each : window.findChildren<Kind*>()) {
+            if (each->isVisible()) {
+                found.push_back(each);
+            }
+        }
+        return found;
+    }
+
+    static void expectRoom(const QString& text, int needed, int there) {
+        EXPECT_LE(needed, there) << text.toStdString();
+    }
+
+    static void expectRoomForTexts(const QWidget& window) {
+        for (const QLabel* label : shownIn<QLabel>(window)) {
+            if (dynamic_cast<const ElidedLabel*>(label) != nullptr) {
+                continue;
+            }
+            const QRect room(0, 0, label->width(), QWIDGETSIZE_MAX);
+            const int wrap = label->wordWrap() ? Qt::TextWordWrap : 0;
+            const QRect needed = label->fontMetrics().boundingRect(room, wrap, label->text());
+            expectRoom(label->text(), needed.width(), label->width());
+            expectRoom(label->text(), needed.height(), label->height());
+            expectRoom(label->text(), label->width(), label->visibleRegion().boundingRect().width());
+        }
+        for (const QAbstractButton* button : shownIn<QAbstractButton>(window)) {
+            if (!button->text().isEmpty()) {
+                expectRoom(button->text(), button->sizeHint().width(), button->width());
+                expectRoom(button->text(), button->width(), button->visibleRegion().boundingRect().width());
+            }
+        }
+        for (const QGroupBox* box : shownIn<QGroupBox>(window)) {
+            expectRoom(box->title(), widthOf(*box, box->title()), box->width());
+        }
+        for (const QComboBox* popUp : shownIn<QComboBox>(window)) {
+            for (int item = 0; item < popUp->count(); ++item) {
+                expectRoom(popUp->itemText(item), widthOf(*popUp, popUp->itemText(item)), roomIn(*popUp));
+            }
+        }
+        expectRoomForTitles(window);
+    }
+
+    /// Of columns and of pages.
+    static void expectRoomForTitles(const QWidget& window) {
+        for (const QHeaderView* header : shownIn<QHeaderView>(window)) {
+            for (int section = 0; header->orientation() == Qt::Horizontal && section < header->count();
+                 ++section) {
+                if (!header->isSectionHidden(section)) {
+                    const QVariant title =
+                        header->model()->headerData(section, Qt::Horizontal, Qt::DisplayRole);
+                    expectRoom(title.toString(), header->sectionSizeHint(section),
+                               header->sectionSize(section));
+                }
+            }
+        }
+        for (const QTabBar* bar : shownIn<QTabBar>(window)) {
+            expectRoom(bar->tabText(bar->count() - 1), bar->tabRect(bar->count() - 1).right(), bar->width());
+        }
+    }
+};
+
+INSTANTIATE_TEST_SUITE_P(Of, WindowInALanguage, testing::Values("English", "French", "German", "Japanese"),
+                         [](const auto& test) { return std::string(test.param); });
+
+TEST_P(WindowInALanguage, HasRoomForItsTexts) {
+    addUser("alice", "501");
+    addGroup("staff", "20", {"alice"});
+    addShare("Docs", "/shares/docs");
+    open();
+    const auto& window = widget<QWidget>("mainWindow");
+    if (!window.fontMetrics().inFont(QString::fromStdString(NSLocalizedString("Shares")).front())) {
+        GTEST_SKIP() << "no font has this language's letters";
+    }
+    const QSize opened = window.size();
+    for (int page = 0; page < 5; ++page) {
+        showPage(page);
+        const char* pages = page == 3 ? "afsPropsPage" : page == 4 ? "smbPropsPage" : nullptr;
+        for (int part = 0; part < (pages == nullptr ? 1 : 4); ++part) {
+            SCOPED_TRACE(std::to_string(page) + "." + std::to_string(part));
+            if (pages != nullptr) {
+                control<NSPopUpButton>(pages).performSelect(part);
+            }
+            QTest::qWait(0);
+            expectRoomForTexts(window);
+        }
+    }
+    EXPECT_EQ(window.size(), opened) << "no page made the window wider";
+    EXPECT_EQ(opened, QSize(900, 600)) << "as the interface file has it";
+
+    showPage(0);
+    app().drawer->open();
+    QTest::qWait(300); // it slides
+    expectRoomForTexts(window);
+    app().passwordWindow->makeKeyAndOrderFront();
+    QApplication::processEvents();
+    expectRoomForTexts(widget<QWidget>("passwordWindow"));
+}
+
+} // namespace
