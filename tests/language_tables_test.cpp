@@ -27,23 +27,19 @@ StringTable tableAt(const std::filesystem::path& folder) {
 std::set<std::string> directivesOf(const std::string& text) {
     std::set<std::string> directives;
     int next = 1;
-    for (std::size_t at = text.find('%'); at + 1 < text.size(); at = text.find('%', at)) {
+    for (std::size_t at = 0; (at = text.find('%', at)) != std::string::npos && at + 1 < text.size(); ++at) {
         const bool hasPlace = at + 3 < text.size() && text[at + 2] == '$';
         const char place = hasPlace ? text[at + 1] : static_cast<char>('0' + next++);
         at += hasPlace ? 3 : 1;
         directives.insert({place, text[at]});
-        ++at;
     }
     return directives;
 }
 
-/// Blanks and line breaks that the text begins or ends with stand between it and what it is put together
-/// with.
+/// Whether a text begins, and ends, with what stands between it and the text that it is put together with.
 std::pair<bool, bool> joinsOf(const std::string& text) {
-    static const std::string comma = "、"; // has its blank within
-    const auto isGap = [](char character) { return character == ' ' || character == '\n'; };
-    return {!text.empty() && (isGap(text.front()) || text.starts_with(comma)),
-            !text.empty() && isGap(text.back())};
+    const bool begins = text.starts_with(' ') || text.starts_with(',') || text.starts_with("、");
+    return {begins, text.ends_with(' ') || text.ends_with('\n')};
 }
 
 TEST(LanguageTables, HoldTheEnglishTablesTextsWithTheirDirectives) {

@@ -67,6 +67,11 @@ const NSTextField* fieldOf(const DirectoryChange& change, const std::string& ope
     return nullptr;
 }
 
+/// Why a tool refuses. The tools speak English; what names nothing of the computer is in the table.
+std::string reasonOf(const platform::Status& status) {
+    return NSLocalizedString(std::string(status.why()));
+}
+
 /// What the tools keep of this computer's own accounts.
 void addAccountBlock(const DirectoryChange& change, const std::string& outlet, AccountForecast& accounts,
                      std::vector<Remark>* blocks) {
@@ -76,9 +81,9 @@ void addAccountBlock(const DirectoryChange& change, const std::string& outlet, A
         blocks->push_back({"name",
                            accounts.exists(path)
                                ? stringWithFormat(NSLocalizedString("\"%@\" cannot be changed: %@."),
-                                                  path.back(), status.why())
+                                                  path.back(), reasonOf(status))
                                : stringWithFormat(NSLocalizedString("\"%@\" cannot be used: %@."),
-                                                  subjectOf(change), status.why()),
+                                                  subjectOf(change), reasonOf(status)),
                            outlet});
     }
 }
@@ -96,7 +101,7 @@ void addDirectoryBlocks(const PlannedRun& run, const std::string& operation, con
     if (!status.isOk()) {
         blocks->push_back({codeOf(*change),
                            stringWithFormat(NSLocalizedString("\"%@\" cannot be used: %@."),
-                                            subjectOf(*change), status.why()),
+                                            subjectOf(*change), reasonOf(status)),
                            outlet});
     } else if (isId(*change) && std::ranges::any_of(change->values, isAboveLargestId)) {
         blocks->push_back(
@@ -114,13 +119,13 @@ void addPasswordBlocks(const BROutlets& controls, const std::optional<AccountFor
     const std::string& user = controls.shortName->stringValue();
     if (const auto status = accounts ? accounts->checkPassword(user) : platform::Status(); !status.isOk()) {
         blocks->push_back({"name", stringWithFormat(NSLocalizedString("\"%@\" cannot be changed: %@."), user,
-                                                    status.why())});
+                                                    reasonOf(status))});
     }
     const auto status = platform::SambaAccounts::checkPassword(controls.passwordSecureText1->stringValue());
     if (!status.isOk()) {
         blocks->push_back({"text",
                            stringWithFormat(NSLocalizedString("The password of \"%@\" cannot be used: %@."),
-                                            user, status.why()),
+                                            user, reasonOf(status)),
                            controls.passwordSecureText1->name()});
     }
 }

@@ -111,6 +111,8 @@ class TableView : public QTableView {
     [[nodiscard]] std::string settingsKey() const;
     void setUpHeader();
     void shareWidth();
+    /// What the column's title needs.
+    [[nodiscard]] int leastWidth(int section) const;
     void showColumnMenu(const QPoint& position);
     void reload();
     void loadSelection();
