@@ -6,8 +6,10 @@
 #include "support/MainWindowFixture.h"
 
 #include <QCheckBox>
+#include <QFile>
 #include <QGroupBox>
 #include <QHeaderView>
+#include <QLibraryInfo>
 #include <QStyleOptionComboBox>
 
 namespace {
@@ -15,8 +17,13 @@ namespace {
 constexpr int buttonEdges = 12;
 constexpr int fieldEdges = 8;
 
+/// Without the marks of the letters that press it.
+QString plain(QString text) {
+    return text.replace("&&", "\1").remove('&').replace('\1', '&');
+}
+
 int widthOf(const QWidget& widget, const QString& text) {
-    return widget.fontMetrics().horizontalAdvance(text);
+    return widget.fontMetrics().horizontalAdvance(plain(text));
 }
 
 /// The width for the text of a pop-up's chosen item.
@@ -62,7 +69,7 @@ class WindowInALanguage : public MainWindow, public testing::WithParamInterface<
             }
             const QRect room(0, 0, label->width(), QWIDGETSIZE_MAX);
             const int wrap = label->wordWrap() ? Qt::TextWordWrap : 0;
-            const QRect needed = label->fontMetrics().boundingRect(room, wrap, label->text());
+            const QRect needed = label->fontMetrics().boundingRect(room, wrap, plain(label->text()));
             expectRoom(label->text(), needed.width(), label->width());
             expectRoom(label->text(), needed.height(), label->height());
             expectRoom(label->text(), label->width(), label->visibleRegion().boundingRect().width());
@@ -142,6 +149,14 @@ TEST_P(WindowInALanguage, HasRoomForItsTexts) {
     app().passwordWindow->makeKeyAndOrderFront();
     QApplication::processEvents();
     expectRoomForTexts(widget<QWidget>("passwordWindow"));
+}
+
+TEST_P(WindowInALanguage, HasQtsOwnTextsInTheSameLanguage) {
+    if (!QFile::exists(QLibraryInfo::path(QLibraryInfo::TranslationsPath) + "/qtbase_de.qm")) {
+        GTEST_SKIP() << "Qt's translations are not installed";
+    }
+    EXPECT_EQ(QCoreApplication::translate("QPlatformTheme", "Cancel").toStdString(),
+              NSLocalizedString("Cancel"));
 }
 
 } // namespace
