@@ -102,8 +102,11 @@ std::string valueOf(const CommandRun& run, const Setting& setting) {
     case Kind::OnOff:
         return isOn(run, setting) ? "yes" : "no";
     case Kind::Level: {
-        const int item = run.control<NSPopUpButton>(setting.outlet).indexOfSelectedItem();
-        return item >= 0 && item < std::ssize(securityLevels) ? securityLevels[item] : "";
+        const auto& popUp = run.control<NSPopUpButton>(setting.outlet);
+        const int item = popUp.indexOfSelectedItem();
+        return item >= 0 && item < std::ssize(securityLevels)
+                   ? securityLevels[item]
+                   : popUp.titleOfSelectedItem().value_or(""); // one that only smb.conf has
     }
     case Kind::Number:
         return std::to_string(run.control<NSPopUpButton>(setting.outlet).tagOfSelectedItem());
