@@ -2,6 +2,7 @@
 
 #include "frontends/qt/Buttons.h"
 #include "frontends/qt/Drawer.h"
+#include "frontends/qt/EmptyNote.h"
 #include "frontends/qt/Mnemonics.h"
 #include "frontends/qt/ReadingOrder.h"
 #include "review/Reviewer.h"
@@ -83,8 +84,11 @@ bool isWriting(const QWidget* widget) {
 }
 
 void markWidgets(QList<QWidget*> widgets, QSet<QChar>& taken) {
-    // Where letters run out, it is not for what one came for.
-    std::stable_partition(widgets.begin(), widgets.end(), isWriting);
+    // Where letters run out, it is not for what one came for: the buttons that change something, and the
+    // fields.
+    const auto others = std::stable_partition(widgets.begin(), widgets.end(), isWriting);
+    std::stable_partition(others, widgets.end(),
+                          [](const QWidget* each) { return qobject_cast<const QLabel*>(each) != nullptr; });
     std::vector<Titled> titles;
     for (QWidget* each : widgets) {
         titles.push_back({plainTitle(titleOf(each)), nameOf(each)});
@@ -124,6 +128,9 @@ void settle(QWidget& window) {
         markActions(main->menuBar()->actions(), taken);
     }
     QList<QWidget*> titled = widgetsAsRead(window);
+    // What lies over an empty table does what a button below it does.
+    titled.removeIf(
+        [](const QWidget* each) { return dynamic_cast<EmptyNote*>(each->parentWidget()) != nullptr; });
     titled.removeIf([&window](QWidget* each) { return !hasTitle(each) || !each->isVisibleTo(&window); });
     for (const Part part : {Page, InDrawer, Foot}) {
         QList<QWidget*> standing = titled;

@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <QStyleOption>
+#include <QWidget>
 
 namespace {
 
@@ -29,6 +30,19 @@ int PlainStyle::pixelMetric(PixelMetric metric, const QStyleOption* option, cons
     default:
         return QProxyStyle::pixelMetric(metric, option, widget);
     }
+}
+
+void PlainStyle::drawControl(ControlElement element, const QStyleOption* option, QPainter* painter,
+                             const QWidget* widget) const {
+    const auto* item = qstyleoption_cast<const QStyleOptionMenuItem*>(option);
+    if (element == CE_MenuBarItem && item != nullptr && widget != nullptr && widget->hasFocus() &&
+        item->state.testFlag(State_Selected)) {
+        QStyleOptionMenuItem reached = *item;
+        reached.state |= State_Sunken;
+        QProxyStyle::drawControl(element, &reached, painter, widget);
+        return;
+    }
+    QProxyStyle::drawControl(element, option, painter, widget);
 }
 
 QSize PlainStyle::sizeFromContents(ContentsType type, const QStyleOption* option, const QSize& size,
