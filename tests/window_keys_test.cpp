@@ -154,6 +154,9 @@ TEST_F(Keys, EachWindowAndMenuHasEachLetterOnceAndLeavesNoFreeOneUnused) {
     forEveryWindow([&](QWidget& shown, const std::string& where) {
         QStringList titles;
         for (auto* each : shown.findChildren<QAbstractButton*>()) {
+            if (each->parentWidget()->objectName().endsWith("Empty")) {
+                continue; // it does what a button below the table does
+            }
             titles +=
                 each->isVisible() && !each->text().isEmpty() ? QStringList(each->text()) : QStringList();
         }
