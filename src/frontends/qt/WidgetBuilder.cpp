@@ -7,7 +7,6 @@
 #include "frontends/qt/FieldProblems.h"
 #include "frontends/qt/FilterField.h"
 #include "frontends/qt/LineEdit.h"
-#include "frontends/qt/Mnemonics.h"
 #include "frontends/qt/NodeAttributes.h"
 #include "frontends/qt/PopUp.h"
 #include "frontends/qt/TabView.h"
@@ -61,13 +60,6 @@ bool isHigh(const InterfaceNode& node) {
                            [](const auto& child) { return isHigh(*child); });
     }
     return isOneOf(node, {Kind::Column, Kind::TextView, Kind::Grid, Kind::TableView});
-}
-
-void makeBuddies(QLabel& label, QWidget& widget) {
-    label.setBuddy(&widget);
-    if (widget.accessibleName().isEmpty()) {
-        widget.setAccessibleName(plainTitle(label.text()));
-    }
 }
 
 } // namespace
@@ -383,30 +375,4 @@ void WidgetBuilder::fillGrid(QGridLayout& layout, const InterfaceNode& node) {
         layout.setColumnStretch(
             column, wide[static_cast<std::size_t>(column)] || (!anyWide && column == columns - 1) ? 1 : 0);
     }
-}
-
-void WidgetBuilder::finish(QWidget& widget, const InterfaceNode& node) {
-    if (const std::string& spoken = node.attribute("spoken"); !spoken.empty()) {
-        widget.setAccessibleName(shown(spoken));
-    }
-    if (auto* label = actions_.find<NSTextField>(node.attribute("describedBy"))) {
-        new Binding(&widget, queue_, label->changed,
-                    [&widget, label] { widget.setAccessibleDescription(shown(label->stringValue())); });
-    }
-    if (const std::string& tip = node.attribute("toolTip"); !tip.empty()) {
-        widget.setToolTip(shown(tip));
-    }
-    if (const int width = number(node, "width"); width > 0 && node.kind != Kind::Drawer) {
-        widget.setMinimumWidth(width);
-    }
-    const std::string& name = node.element ? node.element->name() : node.attribute("name");
-    if (name.empty()) {
-        return;
-    }
-    widget.setObjectName(shown(name));
-    named_[name] = &widget;
-    for (auto [label, end] = buddies_.equal_range(name); label != end; ++label) {
-        makeBuddies(*label->second, widget);
-    }
-    buddies_.erase(name);
 }

@@ -43,6 +43,7 @@ class WidgetBuilder {
     void fillGrid(QGridLayout& layout, const platform::InterfaceNode& node);
     void addTo(QBoxLayout& layout, const platform::InterfaceNode& node);
     void finish(QWidget& widget, const platform::InterfaceNode& node);
+    static void makeBuddies(QLabel& label, QWidget& widget);
 
     WindowActions& actions_;
     RefreshQueue& queue_;

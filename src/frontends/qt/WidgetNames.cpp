@@ -1,0 +1,39 @@
+#include "frontends/qt/Mnemonics.h"
+#include "frontends/qt/NodeAttributes.h"
+#include "frontends/qt/WidgetBuilder.h"
+#include "platform/appkit/NSTextField.h"
+
+// What is said of a widget, and what it is called: by programs, by the label beside it, by a screen reader.
+
+void WidgetBuilder::makeBuddies(QLabel& label, QWidget& widget) {
+    label.setBuddy(&widget);
+    if (widget.accessibleName().isEmpty()) {
+        widget.setAccessibleName(plainTitle(label.text()));
+    }
+}
+
+void WidgetBuilder::finish(QWidget& widget, const platform::InterfaceNode& node) {
+    if (const std::string& spoken = node.attribute("spoken"); !spoken.empty()) {
+        widget.setAccessibleName(shown(spoken));
+    }
+    if (auto* label = actions_.find<NSTextField>(node.attribute("describedBy"))) {
+        new Binding(&widget, queue_, label->changed,
+                    [&widget, label] { widget.setAccessibleDescription(shown(label->stringValue())); });
+    }
+    if (const std::string& tip = node.attribute("toolTip"); !tip.empty()) {
+        widget.setToolTip(shown(tip));
+    }
+    if (const int width = number(node, "width"); width > 0 && node.kind != platform::InterfaceKind::Drawer) {
+        widget.setMinimumWidth(width);
+    }
+    const std::string& name = node.element ? node.element->name() : node.attribute("name");
+    if (name.empty()) {
+        return;
+    }
+    widget.setObjectName(shown(name));
+    named_[name] = &widget;
+    for (auto [label, end] = buddies_.equal_range(name); label != end; ++label) {
+        makeBuddies(*label->second, widget);
+    }
+    buddies_.erase(name);
+}
