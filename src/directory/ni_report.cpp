@@ -63,6 +63,7 @@ int ni_report(ni_domain* domain, ni_id id, std::span<const std::string> properti
     if (const ni_status status = ni_children(domain, &id, &children); status != NI_OK) {
         errexit("ni_children", status);
     }
+    output.reserve(output.size() + children.niil_val.size()); // a long list would move several times
     for (const std::uint32_t child : children.niil_val) {
         ni_report_dir(domain, {child, 0}, properties, output);
     }

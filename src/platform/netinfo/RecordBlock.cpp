@@ -21,25 +21,18 @@ std::string_view TextArena::keep(std::string_view text) {
 }
 
 RecordBlock RecordBlock::children(sqlite3* database, std::int64_t parent, int* error) {
-    return read(database, "SELECT id, content FROM record WHERE parent = ?1 ORDER BY id", parent, error);
+    SqliteStatement rows(database, "SELECT id, content FROM record WHERE parent = ?1 ORDER BY id");
+    rows.bind(1, parent);
+    return of(rows, error);
 }
 
-RecordBlock RecordBlock::single(sqlite3* database, std::int64_t id, int* error) {
-    return read(database, "SELECT id, content FROM record WHERE id = ?1", id, error);
-}
-
-RecordBlock RecordBlock::read(sqlite3* database, std::string_view statement, std::int64_t key, int* error) {
+RecordBlock RecordBlock::of(SqliteStatement& rows, int* error) {
     RecordBlock block;
-    SqliteStatement rows(database, statement);
-    rows.bind(1, key);
     while (rows.step()) {
         block.add(rows.number(0), rows.text(1));
     }
     *error = rows.error();
-    if (*error != SQLITE_OK) {
-        return {};
-    }
-    return block;
+    return *error == SQLITE_OK ? std::move(block) : RecordBlock();
 }
 
 void RecordBlock::add(std::int64_t id, std::string_view content) {

@@ -11,6 +11,8 @@ struct sqlite3;
 
 namespace platform {
 
+class SqliteStatement;
+
 /// Keeps many short strings in a few blocks of memory. The views that it returns live as long as it does.
 class TextArena {
   public:
@@ -43,8 +45,8 @@ class RecordBlock {
 
     /// The records below `parent`. On failure the result is empty and `*error` is SQLite's code.
     [[nodiscard]] static RecordBlock children(sqlite3* database, std::int64_t parent, int* error);
-    /// The one record `id`; no record when there is none.
-    [[nodiscard]] static RecordBlock single(sqlite3* database, std::int64_t id, int* error);
+    /// The records that `rows` answers, each an id and a content, from the lowest id on. On failure as above.
+    [[nodiscard]] static RecordBlock of(SqliteStatement& rows, int* error);
 
     /// Adds a record at the end; its id is higher than those before it.
     void add(std::int64_t id, std::string_view content);
@@ -70,9 +72,6 @@ class RecordBlock {
     }
 
   private:
-    /// Each row of `statement` is a record's id and content.
-    [[nodiscard]] static RecordBlock read(sqlite3* database, std::string_view statement, std::int64_t key,
-                                          int* error);
     void takeApart(const Record& record) const;
 
     TextArena arena_;

@@ -11,32 +11,64 @@
 #include <cerrno>
 #include <cstdint>
 #include <cstring>
-#include <deque>
 #include <limits>
 #include <memory>
 #include <optional>
+#include <unordered_map>
 #include <utility>
 
 #include <unistd.h>
+
+namespace {
+
+using Block = std::shared_ptr<const platform::RecordBlock>;
+
+/// The records of a directory that are the lines of a file.
+struct Lines {
+    Block block;
+    std::unordered_map<std::string_view, std::int64_t> byName; ///< the first of each name
+};
+
+/// How many records are read ahead: enough that a query for them costs next to nothing, and few enough to
+/// stay in a processor's cache.
+constexpr std::int64_t readAhead = 256;
+
+} // namespace
 
 struct ni_domain {
     platform::ReadConnection connection;
     bool aborts = false;
     int readTimeout = 30;
-    std::deque<platform::RecordBlock>
-        blocks;           ///< what was read ahead; views into it were handed out, so all of it stays
-    std::size_t last = 0; ///< the block that answered last
+    /// The records that were read last. Whoever was handed texts of others keeps those alive.
+    Block block;
+    // Children are mostly asked for in their order: the record that is expected next, and whose child it is.
+    std::int64_t expected = -1;
+    std::int64_t expectedParent = 0;
     std::optional<platform::AccountFiles> accounts;
     // The ids of /users and /groups, where their records are the lines of files; else 0.
     std::int64_t usersDirectory = 0;
     std::int64_t groupsDirectory = 0;
-    // Their blocks among `blocks`, once they have been read.
-    const platform::RecordBlock* users = nullptr;
-    const platform::RecordBlock* groups = nullptr;
+    // Their records, once they have been read.
+    std::optional<Lines> users;
+    std::optional<Lines> groups;
     std::string file;
+    // Prepared once: a report of many records would spend most of its time on it. Gone before the connection.
+    std::optional<platform::SqliteStatement> oneRecord;
+    std::optional<platform::SqliteStatement> nextRecords;
+    std::optional<platform::SqliteStatement> childNamed;
 
     void applyTimeout();
     [[nodiscard]] int begin();
+
+    /// `statement`, ready for new values.
+    [[nodiscard]] platform::SqliteStatement& prepared(std::optional<platform::SqliteStatement>& statement,
+                                                      std::string_view sql) {
+        if (!statement || statement->error() != SQLITE_OK) {
+            statement.emplace(connection.database(), sql);
+        }
+        statement->reset();
+        return *statement;
+    }
 };
 
 namespace {
@@ -58,24 +90,9 @@ ni_status statusOf(int sqliteError) {
 }
 
 struct Found {
-    const platform::RecordBlock* block = nullptr;
+    const Block* block = nullptr; ///< of the domain's own
     const platform::RecordBlock::Record* record = nullptr;
 };
-
-Found findAmongRead(ni_domain& domain, std::uint32_t id) {
-    if (domain.last < domain.blocks.size()) {
-        if (const auto* record = domain.blocks[domain.last].find(id)) {
-            return {&domain.blocks[domain.last], record};
-        }
-    }
-    for (std::size_t index = 0; index < domain.blocks.size(); ++index) {
-        if (const auto* record = domain.blocks[index].find(id)) {
-            domain.last = index;
-            return {&domain.blocks[index], record};
-        }
-    }
-    return {};
-}
 
 /// Begins to read, and finds the directories whose records are lines of files.
 int begin(ni_domain& domain) {
@@ -98,55 +115,80 @@ int begin(ni_domain& domain) {
 
 /// The records of a directory that are lines of a file, read when they are first asked for; null when the
 /// directory is none of those, or with `*error` set.
-const platform::RecordBlock* linesOf(ni_domain& domain, std::int64_t directory, int* error) {
+const Lines* linesOf(ni_domain& domain, std::int64_t directory, int* error) {
     *error = SQLITE_OK;
     const bool isUsers = directory == domain.usersDirectory;
     if (!domain.accounts || directory == 0 || (!isUsers && directory != domain.groupsDirectory)) {
         return nullptr;
     }
-    const platform::RecordBlock*& known = isUsers ? domain.users : domain.groups;
-    if (known == nullptr) {
+    std::optional<Lines>& known = isUsers ? domain.users : domain.groups;
+    if (!known) {
         const auto read = isUsers ? platform::userLines : platform::groupLines;
-        auto block = read(*domain.accounts, domain.connection.database(), directory, error);
+        auto block = std::make_shared<platform::RecordBlock>(
+            read(*domain.accounts, domain.connection.database(), directory, error));
         if (*error != SQLITE_OK) {
             return nullptr;
         }
-        domain.blocks.push_back(std::move(block));
-        known = &domain.blocks.back();
+        Lines lines{std::move(block), {}};
+        for (const auto& record : lines.block->records()) {
+            if (const auto* property = lines.block->property(record, "name")) {
+                lines.byName.emplace(lines.block->values(*property).front(), record.id);
+            }
+        }
+        known = std::move(lines);
     }
-    return known;
+    return &*known;
 }
 
-std::optional<std::int64_t> lineNamed(const platform::RecordBlock& lines, std::string_view name) {
-    for (const auto& record : lines.records()) {
-        const auto* property = lines.property(record, "name");
-        if (property != nullptr && lines.values(*property).front() == name) {
-            return record.id;
-        }
+/// The record among those that have been read.
+Found findAmongRead(const ni_domain& domain, std::uint32_t id) {
+    const bool isLine = id >= platform::firstUserLineId;
+    const auto& lines = id >= platform::firstGroupLineId ? domain.groups : domain.users;
+    const Block* block = !isLine ? &domain.block : (lines ? &lines->block : nullptr);
+    return {block, block != nullptr && *block ? (*block)->find(id) : nullptr};
+}
+
+/// Reads the record, and those after it where it is the one that is expected next.
+ni_status readRecord(ni_domain& domain, std::uint32_t id, Found* found) {
+    const bool isExpected = domain.expected == id;
+    platform::SqliteStatement& rows =
+        isExpected
+            ? domain.prepared(domain.nextRecords, "SELECT id, content FROM record WHERE parent = ?2 AND id "
+                                                  ">= ?1 ORDER BY id LIMIT ?3")
+            : domain.prepared(domain.oneRecord, "SELECT id, content FROM record WHERE id = ?1");
+    rows.bind(1, std::int64_t{id});
+    if (isExpected) {
+        rows.bind(2, domain.expectedParent).bind(3, readAhead);
     }
-    return std::nullopt;
+    int error = SQLITE_OK;
+    auto block = std::make_shared<platform::RecordBlock>(platform::RecordBlock::of(rows, &error));
+    if (error != SQLITE_OK) {
+        return statusOf(error);
+    }
+    const auto* record = block->find(id);
+    if (record == nullptr) {
+        return NI_BADID;
+    }
+    if (isExpected) {
+        // The last one is read again with those after it.
+        const bool isFull = std::ssize(block->records()) == readAhead;
+        domain.expected = isFull ? block->records().back().id : -1;
+    }
+    domain.block = std::move(block);
+    *found = {&domain.block, record};
+    return NI_OK;
 }
 
 ni_status findRecord(ni_domain& domain, std::uint32_t id, Found* found) {
-    *found = findAmongRead(domain, id);
-    if (found->record != nullptr) {
-        return found->block->isWhole(*found->record) ? NI_OK : NI_SYSTEMERR;
+    if (*found = findAmongRead(domain, id); found->record == nullptr || domain.expected == id) {
+        if (const int error = begin(domain); error != SQLITE_OK) {
+            return statusOf(error);
+        }
+        if (const ni_status status = readRecord(domain, id, found); status != NI_OK) {
+            return status;
+        }
     }
-    int error = begin(domain);
-    if (error != SQLITE_OK) {
-        return statusOf(error);
-    }
-    auto block = platform::RecordBlock::single(domain.connection.database(), id, &error);
-    if (error != SQLITE_OK) {
-        return statusOf(error);
-    }
-    if (block.records().empty()) {
-        return NI_BADID;
-    }
-    domain.blocks.push_back(std::move(block));
-    domain.last = domain.blocks.size() - 1;
-    *found = {&domain.blocks.back(), &domain.blocks.back().records().front()};
-    return found->block->isWhole(*found->record) ? NI_OK : NI_SYSTEMERR;
+    return (*found->block)->isWhole(*found->record) ? NI_OK : NI_SYSTEMERR;
 }
 
 bool recordExists(ni_domain& domain, std::uint32_t id, int* error) {
@@ -157,26 +199,33 @@ bool recordExists(ni_domain& domain, std::uint32_t id, int* error) {
     return exists;
 }
 
-ni_status readChildren(ni_domain& domain, std::uint32_t parent, const platform::RecordBlock** children) {
-    int error = begin(domain);
-    if (error != SQLITE_OK) {
-        return statusOf(error);
+/// Appends the ids of the children that have `value` among the values of `property`.
+void addMatches(const platform::RecordBlock& block, std::string_view property, std::string_view value,
+                ni_idlist* children) {
+    for (const auto& record : block.records()) {
+        const auto* stored = block.property(record, property);
+        if (stored != nullptr && std::ranges::count(block.values(*stored), value) > 0) {
+            children->niil_val.push_back(static_cast<std::uint32_t>(record.id));
+        }
     }
-    *children = linesOf(domain, parent, &error);
-    if (*children != nullptr || error != SQLITE_OK) {
-        return statusOf(error);
+}
+
+ni_status addStoredChildren(ni_domain& domain, std::uint32_t parent, ni_idlist* children) {
+    platform::SqliteStatement rows(domain.connection.database(),
+                                   "SELECT id FROM record WHERE parent = ?1 ORDER BY id");
+    rows.bind(1, std::int64_t{parent});
+    const std::size_t before = children->niil_val.size();
+    while (rows.step()) {
+        children->niil_val.push_back(static_cast<std::uint32_t>(rows.number(0)));
     }
-    auto block = platform::RecordBlock::children(domain.connection.database(), parent, &error);
-    if (error != SQLITE_OK) {
-        return statusOf(error);
-    }
-    if (block.records().empty() && !recordExists(domain, parent, &error)) {
+    int error = rows.error();
+    if (error == SQLITE_OK && children->niil_val.size() > before) {
+        domain.expected = children->niil_val[before];
+        domain.expectedParent = parent;
+    } else if (error == SQLITE_OK && !recordExists(domain, parent, &error)) {
         return error == SQLITE_OK ? NI_BADID : statusOf(error);
     }
-    domain.blocks.push_back(std::move(block));
-    domain.last = domain.blocks.size() - 1;
-    *children = &domain.blocks.back();
-    return NI_OK;
+    return statusOf(error);
 }
 
 } // namespace
@@ -261,8 +310,6 @@ ni_status ni_pathsearch(ni_domain* domain, ni_id* id, const char* path) {
     if (id->nii_object < platform::firstUserLineId && !recordExists(*domain, id->nii_object, &error)) {
         return error == SQLITE_OK ? NI_BADID : statusOf(error);
     }
-    platform::SqliteStatement child(domain->connection.database(),
-                                    "SELECT id FROM record WHERE parent = ?1 AND name = ?2");
     std::int64_t place = id->nii_object;
     std::string_view rest = path;
     while (!rest.empty()) {
@@ -271,15 +318,19 @@ ni_status ni_pathsearch(ni_domain* domain, ni_id* id, const char* path) {
         if (name.empty()) {
             continue;
         }
-        if (const auto* lines = linesOf(*domain, place, &error); lines != nullptr || error != SQLITE_OK) {
-            const auto line = lines == nullptr ? std::nullopt : lineNamed(*lines, name);
-            if (!line) {
-                return error == SQLITE_OK ? NI_NODIR : statusOf(error);
+        if (const Lines* lines = linesOf(*domain, place, &error); lines != nullptr) {
+            const auto line = lines->byName.find(name);
+            if (line == lines->byName.end()) {
+                return NI_NODIR;
             }
-            place = *line;
+            place = line->second;
             continue;
         }
-        child.reset();
+        if (error != SQLITE_OK) {
+            return statusOf(error);
+        }
+        platform::SqliteStatement& child =
+            domain->prepared(domain->childNamed, "SELECT id FROM record WHERE parent = ?1 AND name = ?2");
         if (!child.bind(1, place).bind(2, name).step()) {
             return child.error() == SQLITE_OK ? NI_NODIR : statusOf(child.error());
         }
@@ -290,12 +341,15 @@ ni_status ni_pathsearch(ni_domain* domain, ni_id* id, const char* path) {
 }
 
 ni_status ni_children(ni_domain* domain, ni_id* id, ni_idlist* children) {
-    const platform::RecordBlock* block = nullptr;
-    if (const ni_status status = readChildren(*domain, id->nii_object, &block); status != NI_OK) {
-        return status;
+    int error = begin(*domain);
+    if (error != SQLITE_OK) {
+        return statusOf(error);
     }
-    children->niil_val.reserve(children->niil_val.size() + block->records().size());
-    for (const auto& record : block->records()) {
+    const Lines* lines = linesOf(*domain, id->nii_object, &error);
+    if (lines == nullptr) {
+        return error == SQLITE_OK ? addStoredChildren(*domain, id->nii_object, children) : statusOf(error);
+    }
+    for (const auto& record : lines->block->records()) {
         children->niil_val.push_back(static_cast<std::uint32_t>(record.id));
     }
     return NI_OK;
@@ -303,17 +357,23 @@ ni_status ni_children(ni_domain* domain, ni_id* id, ni_idlist* children) {
 
 ni_status ni_lookup(ni_domain* domain, ni_id* id, std::string_view property, std::string_view value,
                     ni_idlist* children) {
-    const platform::RecordBlock* block = nullptr;
-    if (const ni_status status = readChildren(*domain, id->nii_object, &block); status != NI_OK) {
-        return status;
+    int error = begin(*domain);
+    if (error != SQLITE_OK) {
+        return statusOf(error);
     }
-    for (const auto& record : block->records()) {
-        const auto* stored = block->property(record, property);
-        if (stored != nullptr && std::ranges::count(block->values(*stored), value) > 0) {
-            children->niil_val.push_back(static_cast<std::uint32_t>(record.id));
+    const Lines* lines = linesOf(*domain, id->nii_object, &error);
+    if (lines != nullptr || error != SQLITE_OK) {
+        if (lines != nullptr) {
+            addMatches(*lines->block, property, value, children);
         }
+        return statusOf(error);
     }
-    return NI_OK;
+    const auto block = platform::RecordBlock::children(domain->connection.database(), id->nii_object, &error);
+    if (error == SQLITE_OK && block.records().empty() && !recordExists(*domain, id->nii_object, &error)) {
+        return error == SQLITE_OK ? NI_BADID : statusOf(error);
+    }
+    addMatches(block, property, value, children);
+    return statusOf(error);
 }
 
 ni_status ni_listprops(ni_domain* domain, ni_id* id, ni_namelist* properties) {
@@ -321,11 +381,12 @@ ni_status ni_listprops(ni_domain* domain, ni_id* id, ni_namelist* properties) {
     if (const ni_status status = findRecord(*domain, id->nii_object, &found); status != NI_OK) {
         return status;
     }
-    const auto all = found.block->properties(*found.record);
+    const auto all = (*found.block)->properties(*found.record);
     properties->ninl_val.reserve(properties->ninl_val.size() + all.size());
     for (const auto& property : all) {
         properties->ninl_val.push_back(property.name);
     }
+    properties->texts_.push_back(*found.block);
     return NI_OK;
 }
 
@@ -334,17 +395,19 @@ ni_status ni_lookupprop(ni_domain* domain, ni_id* id, std::string_view property,
     if (const ni_status status = findRecord(*domain, id->nii_object, &found); status != NI_OK) {
         return status;
     }
-    const auto* stored = found.block->property(*found.record, property);
+    const auto* stored = (*found.block)->property(*found.record, property);
     if (stored == nullptr) {
         return NI_NOPROP;
     }
-    const auto all = found.block->values(*stored);
+    const auto all = (*found.block)->values(*stored);
     values->ninl_val.insert(values->ninl_val.end(), all.begin(), all.end());
+    values->texts_.push_back(*found.block);
     return NI_OK;
 }
 
 void ni_namelist_free(ni_namelist* list) {
     list->ninl_val.clear();
+    list->texts_.clear();
 }
 
 void ni_idlist_free(ni_idlist* list) {

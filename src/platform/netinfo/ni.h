@@ -40,9 +40,10 @@ struct ni_idlist {
     std::vector<std::uint32_t> niil_val;
 };
 
-/// Texts that belong to the domain which listed them, and live until its ni_free.
+/// Texts that live as long as the list, and until its ni_namelist_free.
 struct ni_namelist {
     std::vector<std::string_view> ninl_val;
+    std::vector<std::shared_ptr<const void>> texts_; ///< what the views look into
 };
 
 /// A connection; made by ni_open, closed by ni_free.
