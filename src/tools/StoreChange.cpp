@@ -24,12 +24,18 @@ class Change {
         : request_(request), path_(recordPath(request.path).value()), store_(store) {}
 
     Status run(DirectorySession::AccountChanges& accounts) {
-        Store::Step step(store_);
+        // Any other change asks all its questions first.
+        std::optional<Store::Step> step;
+        if (!request_.property || request_.property == "name") {
+            step.emplace(store_);
+        }
         Status status = change();
         if (!status.isOk() && store_.status().isOk()) {
             return status;
         }
-        step.keep();
+        if (step) {
+            step->keep();
+        }
         if (!store_.status().isOk()) { // what a store that failed lacks is no reason
             return refused(store_.status().text());
         }
