@@ -4,6 +4,7 @@
 #include "platform/foundation/NSBundle.h"
 #include "privileged/NiutilTask.h"
 
+#include <string_view>
 #include <unordered_map>
 
 namespace {
@@ -77,16 +78,22 @@ std::string valueOf(const std::string* text) {
 
 void BRController::parseCurrentShares() {
     currentShares_.clear();
-    for (const std::string& line : NiutilTask::sharedInstance().currentShares()) {
+    const std::vector<std::string> lines = NiutilTask::sharedInstance().currentShares();
+    currentShares_.reserve(lines.size() +
+                           smbConf->Entries().size()); // rows are large, and stay where they are
+    for (const std::string& line : lines) {
         currentShares_.push_back(shareFromRecord(ShareRecord(line)));
     }
     joinSMBSections();
 }
 
 void BRController::joinSMBSections() {
-    // The first row of each folder, kept up to date with the rows that sections add.
-    std::unordered_map<std::string, std::size_t> rowOfFolder;
-    rowOfFolder.reserve(currentShares_.size() + smbConf->Entries().size());
+    // The first row of each folder, kept up to date with the rows that sections add. Its keys lie in the
+    // rows.
+    const std::size_t rows = currentShares_.size() + smbConf->Entries().size();
+    currentShares_.reserve(rows);
+    std::unordered_map<std::string_view, std::size_t> rowOfFolder;
+    rowOfFolder.reserve(rows);
     for (std::size_t row = 0; row < currentShares_.size(); ++row) {
         rowOfFolder.emplace(currentShares_[row].DirectoryPath(), row);
     }

@@ -196,9 +196,9 @@ Status printTable(const Options& options) {
         return Status::failure("nothing was printed", "",
                                "Brindle does not run on this version of the system");
     }
-    const std::string text = frontend::tableText(application.table(tableName(options.table)));
+    frontend::writeTable(application.table(tableName(options.table)), std::cout);
+    std::cout << std::flush;
     application.end();
-    std::cout << text << std::flush;
     return std::cout ? Status()
                      : Status::failure("nothing was printed", "", "standard output cannot be written");
 }

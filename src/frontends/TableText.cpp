@@ -5,8 +5,11 @@
 
 #include <algorithm>
 #include <memory>
+#include <ostream>
+#include <string>
 #include <string_view>
 #include <type_traits>
+#include <utility>
 #include <vector>
 
 #include <locale.h>
@@ -60,63 +63,67 @@ struct Cell {
     std::size_t width = 0;
 };
 
-Cell makeCell(std::string_view text, const TerminalWidths& widths) {
+Cell makeCell(std::string text, const TerminalWidths& widths) {
+    const auto isPlain = [](char character) { return character >= 0x20 && character < 0x7F; };
+    if (std::ranges::all_of(text, isPlain)) { // as nearly all of a long list
+        const std::size_t width = text.size();
+        return {std::move(text), width};
+    }
     Cell cell;
     for (std::size_t at = 0; at < text.size();) {
         const std::size_t begin = at;
         const char32_t character = platform::nextCharacter(text, at);
         const int width = widths.width(character);
         const bool isShown = width >= 0 && character != replacementCharacter;
-        cell.text += isShown ? text.substr(begin, at - begin) : replacement;
+        cell.text += isShown ? std::string_view(text).substr(begin, at - begin) : replacement;
         cell.width += isShown ? static_cast<std::size_t>(width) : 1U;
     }
     return cell;
 }
 
-std::string joined(const std::vector<std::vector<Cell>>& lines,
-                   const std::vector<std::size_t>& columnWidths) {
-    std::string text;
-    for (const auto& line : lines) {
-        std::size_t blanks = 0;
-        for (std::size_t column = 0; column < line.size(); ++column) {
-            if (!line[column].text.empty()) {
-                text.append(blanks, ' ').append(line[column].text);
-                blanks = 0;
-            }
-            blanks += columnWidths[column] - line[column].width + gap.size();
-        }
-        text += '\n';
-    }
-    return text;
+/// A column that is shown, and the places that its widest cell takes.
+struct Column {
+    const NSTableColumn* column = nullptr;
+    std::size_t width = 0;
+};
+
+constexpr int titles = -1; ///< the number of the row above all others
+
+Cell cellAt(NSTableView& table, const NSTableColumn& column, int row, const TerminalWidths& widths) {
+    return makeCell(row == titles ? column.title : table.objectValue(column, row), widths);
 }
 
 } // namespace
 
-std::string tableText(NSTableView& table) {
+void writeTable(NSTableView& table, std::ostream& out) {
     const TerminalWidths widths;
-    std::vector<const NSTableColumn*> columns;
+    std::vector<Column> columns;
     for (const NSTableColumn& column : table.tableColumns()) {
         if (!column.hidden) {
-            columns.push_back(&column);
+            columns.push_back({&column});
         }
     }
-    std::vector<std::vector<Cell>> lines(1);
-    for (const NSTableColumn* column : columns) {
-        lines.front().push_back(makeCell(column->title, widths));
-    }
-    for (int row = 0; row < table.numberOfRows(); ++row) {
-        auto& line = lines.emplace_back();
-        for (const NSTableColumn* column : columns) {
-            line.push_back(makeCell(table.objectValue(*column, row), widths));
+    // Every cell is made twice: to keep them all would take more memory than the table itself.
+    for (int row = titles; row < table.numberOfRows(); ++row) {
+        for (Column& each : columns) {
+            each.width = std::max(each.width, cellAt(table, *each.column, row, widths).width);
         }
     }
-    std::vector<std::size_t> columnWidths(columns.size(), 0);
-    for (const auto& line : lines) {
-        for (std::size_t column = 0; column < line.size(); ++column) {
-            columnWidths[column] = std::max(columnWidths[column], line[column].width);
+    std::string line;
+    for (int row = titles; row < table.numberOfRows(); ++row) {
+        line.clear();
+        std::size_t blanks = 0;
+        for (const Column& each : columns) {
+            const Cell cell = cellAt(table, *each.column, row, widths);
+            if (!cell.text.empty()) {
+                line.append(blanks, ' ').append(cell.text);
+                blanks = 0;
+            }
+            blanks += each.width - cell.width + gap.size();
         }
+        line += '\n';
+        out << line;
     }
-    return joined(lines, columnWidths);
 }
 
 } // namespace frontend

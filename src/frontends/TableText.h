@@ -1,14 +1,14 @@
 #pragma once
 
-#include <string>
+#include <iosfwd>
 
 class NSTableView;
 
 namespace frontend {
 
-/// The columns of `table` that its window shows, titles and rows, as text in aligned columns. Each line ends
-/// with a line break. What cannot stand in a line of text (control characters, bytes that are not UTF-8) is
-/// replaced by U+FFFD.
-[[nodiscard]] std::string tableText(NSTableView& table);
+/// Writes the columns of `table` that its window shows, titles and rows, as text in aligned columns. Each
+/// line ends with a line break. What cannot stand in a line of text (control characters, bytes that are not
+/// UTF-8) is replaced by U+FFFD.
+void writeTable(NSTableView& table, std::ostream& out);
 
 } // namespace frontend

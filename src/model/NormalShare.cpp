@@ -5,14 +5,28 @@
 
 #include <algorithm>
 #include <array>
+#include <functional>
+#include <unordered_set>
+
+SharedText::SharedText(std::string_view text) {
+    struct Hash {
+        using is_transparent = void;
+
+        std::size_t operator()(std::string_view key) const { return std::hash<std::string_view>()(key); }
+    };
+
+    static std::unordered_set<std::string, Hash, std::equal_to<>> texts; // an element keeps its address
+    const auto known = texts.find(text);
+    text_ = known != texts.end() ? &*known : &*texts.emplace(text).first;
+}
 
 void NormalShare::setPathandPermissions(const std::string& path) {
     _directorypath = path;
     const auto attributes = fileAttributesAtPath(path);
     const int mode = attributes ? attributes->posixPermissions : 0;
-    _owner = permissionsToString(ownerPrivilegeCode(mode));
-    _group = permissionsToString(groupPrivilegeCode(mode));
-    _everyone = permissionsToString(everyonePrivilegeCode(mode));
+    setOwner(permissionsToString(ownerPrivilegeCode(mode)));
+    setGroup(permissionsToString(groupPrivilegeCode(mode)));
+    setEveryone(permissionsToString(everyonePrivilegeCode(mode)));
 }
 
 std::string NormalShare::permissionsToString(int code) {
@@ -31,32 +45,33 @@ std::string NormalShare::permissionsToString(int code) {
 const std::string* NormalShare::valueForKey(std::string_view getterName) const {
     struct Key {
         std::string_view name;
-        std::string NormalShare::*field;
+        const std::string& (NormalShare::*getter)() const;
     };
 
     static constexpr std::array<Key, 12> keys{{
-        {"ShareName", &NormalShare::_sharename},
-        {"AFPShared", &NormalShare::_afpshared},
-        {"AFPName", &NormalShare::_afpname},
-        {"DirectoryPath", &NormalShare::_directorypath},
-        {"Owner", &NormalShare::_owner},
-        {"Group", &NormalShare::_group},
-        {"Everyone", &NormalShare::_everyone},
-        {"AFS", &NormalShare::_afs},
-        {"Inherit", &NormalShare::_inheritperms},
-        {"InheritOwner", &NormalShare::_inheritowner},
-        {"SMB", &NormalShare::_smb},
-        {"SMBGuestAccess", &NormalShare::_smbguestaccess},
+        {"ShareName", &NormalShare::ShareName},
+        {"AFPShared", &NormalShare::AFPShared},
+        {"AFPName", &NormalShare::AFPName},
+        {"DirectoryPath", &NormalShare::DirectoryPath},
+        {"Owner", &NormalShare::Owner},
+        {"Group", &NormalShare::Group},
+        {"Everyone", &NormalShare::Everyone},
+        {"AFS", &NormalShare::AFS},
+        {"Inherit", &NormalShare::Inherit},
+        {"InheritOwner", &NormalShare::InheritOwner},
+        {"SMB", &NormalShare::SMB},
+        {"SMBGuestAccess", &NormalShare::SMBGuestAccess},
     }};
     const auto* const key = std::find_if(keys.begin(), keys.end(),
                                          [&](const Key& candidate) { return candidate.name == getterName; });
-    return key == keys.end() ? nullptr : &(this->*key->field);
+    return key == keys.end() ? nullptr : &(this->*key->getter)();
 }
 
 std::string NormalShare::description() const {
     return stringWithFormat("Share Name: %@\nAFP Shared: %@   AFP Name: %@\nDirectory Path: %@\n"
                             "Owner: %@   Group: %@   Everyone: %@\nAFS: %@   SMB: %@\n"
                             "Inherit: %@   Inherit Owner: %@   SMB Guest Access: %@\n",
-                            _sharename, _afpshared, _afpname, _directorypath, _owner, _group, _everyone, _afs,
-                            _smb, _inheritperms, _inheritowner, _smbguestaccess);
+                            _sharename, _afpshared.str(), _afpname, _directorypath, _owner.str(),
+                            _group.str(), _everyone.str(), _afs.str(), _smb.str(), _inheritperms.str(),
+                            _inheritowner.str(), _smbguestaccess.str());
 }

@@ -5,6 +5,22 @@
 #include <string_view>
 #include <utility>
 
+/// A text that many rows hold, like a privilege or "Yes": all of them share one copy, which stays until the
+/// program ends. Only for texts of which there are few different ones. Main thread only.
+class SharedText {
+  public:
+    SharedText() : SharedText(std::string_view()) {}
+
+    SharedText(std::string_view text);
+
+    SharedText(const char* text) : SharedText(std::string_view(text)) {}
+
+    [[nodiscard]] const std::string& str() const { return *text_; }
+
+  private:
+    const std::string* text_;
+};
+
 /// One share point as the share table shows it: joined from its directory record, the SMB section of the same
 /// folder and the folder's permission bits. What the table shows is kept as display strings. A record is
 /// rebuilt whenever the inventory is read.
@@ -13,57 +29,57 @@ class NormalShare {
     [[nodiscard]] const std::string& ShareName() const { return _sharename; }
 
     /// "1", "0", or "#NoValue#" when the record lacks the property.
-    [[nodiscard]] const std::string& AFPShared() const { return _afpshared; }
+    [[nodiscard]] const std::string& AFPShared() const { return _afpshared.str(); }
 
     [[nodiscard]] const std::string& AFPName() const { return _afpname; }
 
     [[nodiscard]] const std::string& DirectoryPath() const { return _directorypath; }
 
     // The folder's privileges as strings, not account names.
-    [[nodiscard]] const std::string& Owner() const { return _owner; }
+    [[nodiscard]] const std::string& Owner() const { return _owner.str(); }
 
-    [[nodiscard]] const std::string& Group() const { return _group; }
+    [[nodiscard]] const std::string& Group() const { return _group.str(); }
 
-    [[nodiscard]] const std::string& Everyone() const { return _everyone; }
+    [[nodiscard]] const std::string& Everyone() const { return _everyone.str(); }
 
     /// "+" when published over AFP, else "-".
-    [[nodiscard]] const std::string& AFS() const { return _afs; }
+    [[nodiscard]] const std::string& AFS() const { return _afs.str(); }
 
     /// The localized "Yes" or "No"; empty for a share that only the SMB configuration knows.
-    [[nodiscard]] const std::string& Inherit() const { return _inheritperms; }
+    [[nodiscard]] const std::string& Inherit() const { return _inheritperms.str(); }
 
-    [[nodiscard]] const std::string& InheritOwner() const { return _inheritowner; }
+    [[nodiscard]] const std::string& InheritOwner() const { return _inheritowner.str(); }
 
     /// "+" when an SMB section shares this folder, else "-".
-    [[nodiscard]] const std::string& SMB() const { return _smb; }
+    [[nodiscard]] const std::string& SMB() const { return _smb.str(); }
 
     /// The section's "guest ok" as the file has it; "No" without one.
-    [[nodiscard]] const std::string& SMBGuestAccess() const { return _smbguestaccess; }
+    [[nodiscard]] const std::string& SMBGuestAccess() const { return _smbguestaccess.str(); }
 
     void setShareName(std::string text) { _sharename = std::move(text); }
 
-    void setAFPShared(std::string text) { _afpshared = std::move(text); }
+    void setAFPShared(std::string_view text) { _afpshared = text; }
 
     void setAFPName(std::string text) { _afpname = std::move(text); }
 
     // Part of the record's public operations; setPathandPermissions sets these four.
     void setDirectoryPath(std::string text) { _directorypath = std::move(text); }
 
-    void setOwner(std::string text) { _owner = std::move(text); }
+    void setOwner(std::string_view text) { _owner = text; }
 
-    void setGroup(std::string text) { _group = std::move(text); }
+    void setGroup(std::string_view text) { _group = text; }
 
-    void setEveryone(std::string text) { _everyone = std::move(text); }
+    void setEveryone(std::string_view text) { _everyone = text; }
 
-    void setAFS(std::string text) { _afs = std::move(text); }
+    void setAFS(std::string_view text) { _afs = text; }
 
-    void setInherit(std::string text) { _inheritperms = std::move(text); }
+    void setInherit(std::string_view text) { _inheritperms = text; }
 
-    void setInheritOwner(std::string text) { _inheritowner = std::move(text); }
+    void setInheritOwner(std::string_view text) { _inheritowner = text; }
 
-    void setSMB(std::string text) { _smb = std::move(text); }
+    void setSMB(std::string_view text) { _smb = text; }
 
-    void setSMBGuestAccess(std::string text) { _smbguestaccess = std::move(text); }
+    void setSMBGuestAccess(std::string_view text) { _smbguestaccess = text; }
 
     /// True for a share that has a record in the directory; false for one that only smb.conf knows.
     [[nodiscard]] bool hasRecord() const { return hasRecord_; }
@@ -85,17 +101,17 @@ class NormalShare {
 
   private:
     std::string _sharename;
-    std::string _afpshared;
+    SharedText _afpshared;
     std::string _afpname;
     std::string _directorypath = "Directory Not Set";
-    std::string _owner;
-    std::string _group;
-    std::string _everyone;
-    std::string _afs = "-";
-    std::string _inheritperms;
-    std::string _inheritowner;
-    std::string _smb = "-";
-    std::string _smbguestaccess = "No";
+    SharedText _owner;
+    SharedText _group;
+    SharedText _everyone;
+    SharedText _afs = "-";
+    SharedText _inheritperms;
+    SharedText _inheritowner;
+    SharedText _smb = "-";
+    SharedText _smbguestaccess = "No";
     bool hasRecord_ = false;
 };
 
