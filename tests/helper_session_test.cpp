@@ -35,16 +35,9 @@ class Action : public HelperTest {
   protected:
     static std::string outputOf(HelperSession& helper, const std::string& tool,
                                 const std::vector<std::string>& arguments) {
-        int output = -1;
+        std::string output;
         const OSStatus status = helper.run(tool, arguments, &output);
-        if (status != errAuthorizationSuccess) {
-            return std::to_string(status);
-        }
-        std::string text(4096, '\0');
-        const ssize_t size = ::read(output, text.data(), text.size());
-        ::close(output);
-        text.resize(static_cast<std::size_t>(std::max<ssize_t>(size, 0)));
-        return text;
+        return status == errAuthorizationSuccess ? output : std::to_string(status);
     }
 
     static std::string nicl(HelperSession& helper, std::vector<std::string> words) {
@@ -88,21 +81,22 @@ TEST_F(Action, LeavesNothingOfItsRunsWhenItEndsBeforeTheyAreSettled) {
     EXPECT_TRUE(helper.settle().isOk());
 }
 
-TEST_F(Action, LeavesARunWhoseAnswerCouldNotBeTakenUndone) {
+TEST_F(Action, LeavesItsHelperToTheNextOneWhichTakesAnotherWhereThatHasEnded) {
     HelperSession helper(command_);
-    EXPECT_EQ(nicl(helper, {"-create", "/config/Brindle/Docs"}), "");
-    rlimit limit{};
-    ASSERT_EQ(::getrlimit(RLIMIT_NOFILE, &limit), 0);
-    const int next = ::dup(STDIN_FILENO);
-    ::close(next);
-    rlimit none = limit;
-    none.rlim_cur = static_cast<rlim_t>(next);
-    ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &none), 0);
-    const std::string said = nicl(helper, {"-create", "/config/Brindle/Films"});
-    ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &limit), 0);
-    EXPECT_EQ(said, "-60031");
-    EXPECT_TRUE(helper.settle().isOk());
-    EXPECT_EQ(shares(), "Docs\t#NoValue#\t\n");
+    const auto helperOf = [&](const std::vector<std::string>& words) {
+        EXPECT_EQ(nicl(helper, words), "");
+        EXPECT_TRUE(helper.settle().isOk());
+        helper.endAction();
+        const std::string children = "/proc/self/task/" + std::to_string(::getpid()) + "/children";
+        return std::stoi(*contentsOfFile(children));
+    };
+    const int first = helperOf({"-create", "/config/Brindle/Docs"});
+    EXPECT_EQ(helperOf({"-create", "/config/Brindle/Docs", "directory_path", "/srv"}), first);
+    ASSERT_EQ(::kill(first, SIGTERM), 0); // as one that nothing was asked of for minutes ends
+    siginfo_t ended{};
+    ASSERT_EQ(::waitid(P_PID, static_cast<id_t>(first), &ended, WEXITED | WNOWAIT), 0);
+    EXPECT_NE(helperOf({"-create", "/config/Brindle/Films"}), first);
+    EXPECT_EQ(shares(), "Docs\t/srv\t\nFilms\t#NoValue#\t\n");
 }
 
 TEST_F(Action, IsToldWhenWhatItDidIsLost) {

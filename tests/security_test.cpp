@@ -28,16 +28,6 @@ std::string script(TestHost& host, const std::string& name, const std::string& t
     return file.string();
 }
 
-std::string readAll(int descriptor) {
-    std::FILE* const stream = ::fdopen(descriptor, "r");
-    std::string bytes;
-    for (int byte = 0; (byte = std::fgetc(stream)) != EOF;) {
-        bytes.push_back(static_cast<char>(byte));
-    }
-    std::fclose(stream);
-    return bytes;
-}
-
 TEST(HelperStart, CountsOnlyWhenTheHelperSaysSoFirst) {
     struct Case {
         std::string helper;
@@ -59,12 +49,12 @@ TEST(HelperStart, CountsOnlyWhenTheHelperSaysSoFirst) {
     TestHost host;
     for (const Case& each : cases) {
         HelperSession helper({script(host, "helper", each.helper)}, 500ms);
-        int output = -1;
+        std::string output;
         const std::vector<std::string> arguments = {"-1", std::string(300006, 'x')};
         ASSERT_EQ(helper.run("/bin/kill", arguments, &output), each.status) << each.helper;
         EXPECT_EQ(helper.isRunning(), each.status == 0) << each.helper;
         if (each.status == 0) {
-            EXPECT_EQ(readAll(output), each.output) << each.helper;
+            EXPECT_EQ(output, each.output) << each.helper;
         }
     }
     HelperSession missing({(host.root() / "missing").string()});
@@ -79,10 +69,10 @@ TEST(HelperRequest, ReachesTheHelperWholeOrNotAtAll) {
                "printf '\\006\\0\\0\\0\\007%7d\\0' $n; cat >/dev/null");
     const auto size = [&](const std::string& argument) {
         HelperSession session({helper});
-        int output = -1;
+        std::string output;
         const std::vector<std::string> arguments = {argument, ""};
         const OSStatus status = session.run("/bin/cp", arguments, &output);
-        return status == 0 ? std::stol(readAll(output)) : status;
+        return status == 0 ? std::stol(output) : status;
     };
     const std::size_t rest = std::string("/bin/cp|||").size();
     EXPECT_EQ(size("-R"), static_cast<long>(rest + 2));

@@ -64,7 +64,7 @@ void NiutilTask::deauthenticate() {
 
 bool NiutilTask::copyRights(AuthorizationFlags flags) {
     // One right serves every tool; the directory tool stands for all of them.
-    const AuthorizationRights rights = {{"system.privilege.admin", platform::systempath::nicl, 0}};
+    static const AuthorizationRights rights = {{"system.privilege.admin", platform::systempath::nicl, 0}};
     AuthorizationRights* granted = nullptr;
     if (AuthorizationCopyRights(authorizationRef, rights, flags, &granted) != errAuthorizationSuccess) {
         return false;

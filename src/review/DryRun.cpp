@@ -32,7 +32,7 @@ class DryRunAuthority : public platform::Authority {
     void destroyRights(platform::AuthorizationSession& session) override { real_->destroyRights(session); }
 
     [[nodiscard]] OSStatus execute(platform::AuthorizationSession& session, const std::string& tool,
-                                   std::span<const std::string> arguments, int* output) override {
+                                   std::span<const std::string> arguments, std::string* output) override {
         const bool isGranted =
             real_->copyRights(session, {}, kAuthorizationFlagDefaults) == errAuthorizationSuccess;
         return isGranted ? copy_->execute(tool, arguments, output) : errAuthorizationDenied;

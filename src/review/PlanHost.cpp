@@ -17,7 +17,7 @@ OSStatus PlanAuthority::copyRights(platform::AuthorizationSession& /*session*/,
 void PlanAuthority::destroyRights(platform::AuthorizationSession& /*session*/) {}
 
 OSStatus PlanAuthority::execute(platform::AuthorizationSession& /*session*/, const std::string& tool,
-                                std::span<const std::string> arguments, int* output) {
+                                std::span<const std::string> arguments, std::string* output) {
     return copy_->execute(tool, arguments, output);
 }
 

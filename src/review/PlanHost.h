@@ -20,7 +20,7 @@ class PlanAuthority : public platform::Authority {
                                       const AuthorizationRights& rights, AuthorizationFlags flags) override;
     void destroyRights(platform::AuthorizationSession& session) override;
     [[nodiscard]] OSStatus execute(platform::AuthorizationSession& session, const std::string& tool,
-                                   std::span<const std::string> arguments, int* output) override;
+                                   std::span<const std::string> arguments, std::string* output) override;
 
   private:
     std::shared_ptr<WorkingCopy> copy_;

@@ -7,7 +7,6 @@
 #include "platform/foundation/SystemPaths.h"
 #include "platform/netinfo/LocalDomain.h"
 #include "platform/netinfo/StoreCopy.h"
-#include "platform/posix/InputOutput.h"
 #include "review/WorkingCopy.h"
 
 #include <algorithm>
@@ -121,18 +120,13 @@ void Recorder::destroyRights(platform::AuthorizationSession& session) {
 }
 
 OSStatus Recorder::execute(platform::AuthorizationSession& session, const std::string& tool,
-                           std::span<const std::string> arguments, int* output) {
+                           std::span<const std::string> arguments, std::string* output) {
     if (tool == systempath::smbstatus || tool == systempath::smbcontrol) {
         return authority_->execute(session, tool, arguments, output); // nothing that could be taken back
     }
     // Some operations ask for the right only once.
     if (isStopped_ && !std::exchange(finishesRun_, false)) {
         return errAuthorizationCanceled;
-    }
-    // Opened before the run: what was carried out must not seem to have failed for want of a descriptor.
-    auto copy = output == nullptr ? platform::Result(platform::FileDescriptor()) : platform::openBytes({});
-    if (!copy.isOk()) {
-        return errAuthorizationToolExecuteFailure;
     }
     if (!before_) {
         before_ = std::make_unique<Before>();
@@ -142,20 +136,11 @@ OSStatus Recorder::execute(platform::AuthorizationSession& session, const std::s
     }
     note(tool, arguments);
     PastRun run{tool, withoutPasswords(tool, arguments), "", false};
-    OSStatus status = authority_->execute(session, tool, arguments, output);
+    const OSStatus status = authority_->execute(session, tool, arguments, output);
     run.hasFailed = status != errAuthorizationSuccess;
     if (!run.hasFailed && output != nullptr) {
-        // It is read here to the end, and handed on as it was.
-        const platform::FileDescriptor written(*output);
-        auto read = platform::readAll(written.get(), tool);
-        const bool isHandedOn = read.isOk() && platform::fillBytes(*copy, *read).isOk();
-        run.hasFailed = !read.isOk() || !read->empty();
-        run.output = std::move(read).valueOr("");
-        if (isHandedOn) {
-            *output = copy->release();
-        } else { // a tool that says something has failed, and so may one that cannot be read
-            status = errAuthorizationToolExecuteFailure;
-        }
+        run.output = *output;
+        run.hasFailed = !output->empty(); // a tool that says something has failed
     }
     setsPassword_ = setsPassword_ || (tool == systempath::dscl && !run.hasFailed);
     entry_.hasFailed = entry_.hasFailed || run.hasFailed;
@@ -183,10 +168,6 @@ void Recorder::note(const std::string& tool, std::span<const std::string> argume
             entry_.folders.push_back({path, *state, *state});
         }
     }
-}
-
-void Recorder::outputHasEnded() {
-    authority_->outputHasEnded();
 }
 
 void Recorder::settle() {

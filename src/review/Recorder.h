@@ -24,8 +24,7 @@ class Recorder : public platform::Authority, public platform::PendingWrites {
                                       const AuthorizationRights& rights, AuthorizationFlags flags) override;
     void destroyRights(platform::AuthorizationSession& session) override;
     [[nodiscard]] OSStatus execute(platform::AuthorizationSession& session, const std::string& tool,
-                                   std::span<const std::string> arguments, int* output) override;
-    void outputHasEnded() override;
+                                   std::span<const std::string> arguments, std::string* output) override;
 
     void settle() override;
     void takeBack() override;

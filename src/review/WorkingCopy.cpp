@@ -7,7 +7,6 @@
 #include "platform/host/DirectoryAccounts.h"
 #include "platform/netinfo/LocalDomain.h"
 #include "platform/netinfo/StoreCopy.h"
-#include "platform/posix/InputOutput.h"
 #include "platform/posix/WholeFile.h"
 #include "tools/DirectoryTools.h"
 #include "tools/Helper.h"
@@ -20,7 +19,6 @@
 #include <string_view>
 #include <utility>
 
-#include <fcntl.h>
 #include <unistd.h>
 
 namespace review {
@@ -273,21 +271,12 @@ std::string WorkingCopy::copySettings(std::span<const std::string> arguments) {
     return runHelperTool({folder_, ::getuid()}, request).output;
 }
 
-OSStatus WorkingCopy::execute(const std::string& tool, std::span<const std::string> arguments, int* output) {
-    const std::string text = run(tool, arguments);
-    if (output == nullptr) {
-        return errAuthorizationSuccess;
+OSStatus WorkingCopy::execute(const std::string& tool, std::span<const std::string> arguments,
+                              std::string* output) {
+    std::string text = run(tool, arguments);
+    if (output != nullptr) {
+        *output = std::move(text);
     }
-    if (text.empty()) { // as nearly always; a file in memory for each of 10,000 runs would take half of the
-                        // time
-        *output = ::open("/dev/null", O_RDONLY | O_CLOEXEC);
-        return *output < 0 ? errAuthorizationToolExecuteFailure : errAuthorizationSuccess;
-    }
-    auto bytes = platform::openBytes(text);
-    if (!bytes.isOk()) {
-        return errAuthorizationToolExecuteFailure;
-    }
-    *output = bytes->release();
     return errAuthorizationSuccess;
 }
 

@@ -36,7 +36,7 @@ class WorkingCopy : public std::enable_shared_from_this<WorkingCopy> {
     [[nodiscard]] std::string run(const std::string& tool, std::span<const std::string> arguments);
     /// The same as an authority does it: see platform::Authority::execute.
     [[nodiscard]] OSStatus execute(const std::string& tool, std::span<const std::string> arguments,
-                                   int* output);
+                                   std::string* output);
 
     [[nodiscard]] std::string storeFile() const;
 

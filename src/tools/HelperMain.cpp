@@ -18,6 +18,7 @@
 #include <utility>
 
 #include <fcntl.h>
+#include <poll.h>
 #include <sys/prctl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -134,11 +135,21 @@ void answer(const HelperResult& result) {
         platform::frameHeader(result.output.size()) + result.output + static_cast<char>(result.status));
 }
 
-/// Until the input ends, which takes back what was not committed.
+/// Waits for the next request. False when none comes for too long.
+bool isAsked() {
+    pollfd input{STDIN_FILENO, POLLIN, 0};
+    int ready = 0;
+    do {
+        ready = ::poll(&input, 1, static_cast<int>(platform::helperIdleLimit.count()));
+    } while (ready < 0 && errno == EINTR);
+    return ready != 0;
+}
+
+/// Until the input ends or nothing more is asked, which takes back what was not committed.
 int serveSession(const HelperPlace& place) {
     HelperTools tools(place);
     std::string header(platform::frameHeaderSize, '\0');
-    while (readExactly(header)) {
+    while (isAsked() && readExactly(header)) {
         const std::size_t size = platform::frameSize(header);
         if (size > platform::maximumHelperRequest) {
             return refuse("the request is larger than 1 MiB");

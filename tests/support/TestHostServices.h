@@ -185,7 +185,7 @@ class RecordingAuthority : public platform::Authority {
     void destroyRights(platform::AuthorizationSession&) override { state_.seen.rightHeld = false; }
 
     [[nodiscard]] OSStatus execute(platform::AuthorizationSession&, const std::string& tool,
-                                   std::span<const std::string> arguments, int* output) override {
+                                   std::span<const std::string> arguments, std::string* output) override {
         TestHost& seen = state_.seen;
         const RecordedRun run{tool, {arguments.begin(), arguments.end()}};
         seen.runs.push_back(run);
@@ -194,8 +194,8 @@ class RecordingAuthority : public platform::Authority {
         if (answer.status != errAuthorizationSuccess || output == nullptr) {
             return answer.status;
         }
-        *output = descriptorHolding(answer.output);
-        return *output < 0 ? errAuthorizationToolExecuteFailure : errAuthorizationSuccess;
+        *output = answer.output;
+        return errAuthorizationSuccess;
     }
 
   private:

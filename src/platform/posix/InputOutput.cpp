@@ -9,7 +9,6 @@
 #include <utility>
 
 #include <fcntl.h>
-#include <sys/mman.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -18,7 +17,6 @@ namespace platform {
 namespace {
 
 constexpr const char* cannotRead = "cannot read";
-constexpr const char* bytesInMemory = "bytes in memory";
 
 ssize_t readSome(int descriptor, char* buffer, std::size_t size) {
     ssize_t count = 0;
@@ -128,21 +126,6 @@ Status writeAll(int descriptor, std::string_view bytes, const std::string& name)
         bytes.remove_prefix(static_cast<std::size_t>(std::max<ssize_t>(count, 0)));
     }
     return {};
-}
-
-Result<FileDescriptor> openBytes(std::string_view bytes) {
-    FileDescriptor file(::memfd_create(bytesInMemory, MFD_CLOEXEC));
-    if (!file.isOpen()) {
-        return Status::ofErrno("cannot make", bytesInMemory, errno);
-    }
-    const Status status = fillBytes(file, bytes);
-    return status.isOk() ? Result<FileDescriptor>(std::move(file)) : status;
-}
-
-Status fillBytes(const FileDescriptor& opened, std::string_view bytes) {
-    Status status = writeAll(opened.get(), bytes, bytesInMemory);
-    ::lseek(opened.get(), 0, SEEK_SET);
-    return status;
 }
 
 } // namespace platform

@@ -39,9 +39,4 @@ inline constexpr std::size_t largestWholeFile = std::size_t{64} << 20;
 /// where SIGPIPE is ignored (see IgnoredBrokenPipe).
 [[nodiscard]] Status writeAll(int descriptor, std::string_view bytes, const std::string& name);
 
-/// A descriptor from which `bytes` are read, however many they are. They are kept in memory.
-[[nodiscard]] Result<FileDescriptor> openBytes(std::string_view bytes);
-/// Puts bytes into what openBytes has opened without any, to be read from its beginning.
-[[nodiscard]] Status fillBytes(const FileDescriptor& opened, std::string_view bytes);
-
 } // namespace platform

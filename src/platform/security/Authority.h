@@ -28,13 +28,10 @@ class Authority {
                                               AuthorizationFlags flags) = 0;
     /// The session ends and its rights with it. The session is destroyed afterwards.
     virtual void destroyRights(AuthorizationSession& session) = 0;
-    /// Starts `tool`. On success `*output` (when not null) is a descriptor, owned by the caller, from which
-    /// the tool's standard output is read. Returns whether the tool was started, not how it ended.
+    /// Runs `tool` to its end. On success `*output` (when not null) is what it wrote to its standard output.
+    /// Returns whether the tool was started, not how it ended.
     [[nodiscard]] virtual OSStatus execute(AuthorizationSession& session, const std::string& tool,
-                                           std::span<const std::string> arguments, int* output) = 0;
-
-    /// The output of a run has been read and closed: a chance to collect what ran it. Must not wait.
-    virtual void outputHasEnded() {}
+                                           std::span<const std::string> arguments, std::string* output) = 0;
 };
 
 } // namespace platform

@@ -4,44 +4,31 @@
 #include "platform/foundation/Host.h"
 
 #include <array>
-#include <cerrno>
 #include <memory>
 #include <utility>
 
 #include <sys/types.h>
-#include <unistd.h>
 
 namespace {
 
-/// The source of a run's stream: the tool's output as it arrives, also kept for the presenter, who is told of
-/// it once the caller has read to the end.
+/// The source of a run's stream: what the tool wrote. The presenter is told of it once the caller has read to
+/// the end.
 class ToolOutput {
   public:
-    explicit ToolOutput(int descriptor) : descriptor_(descriptor) {}
-
-    ~ToolOutput() {
-        ::close(descriptor_);
-        platform::Host::current().authority().outputHasEnded();
-    }
-
-    ToolOutput(const ToolOutput&) = delete;
-    ToolOutput& operator=(const ToolOutput&) = delete;
+    explicit ToolOutput(std::string text) : text_(std::move(text)) {}
 
     [[nodiscard]] ssize_t read(char* buffer, std::size_t size) {
-        ssize_t count = 0;
-        do {
-            count = ::read(descriptor_, buffer, size);
-        } while (count < 0 && errno == EINTR);
-        if (count > 0) {
-            seen_.append(buffer, static_cast<std::size_t>(count));
-        } else if (!seen_.empty()) {
-            platform::Host::current().presenter().toolDidWrite(std::exchange(seen_, {}));
+        const std::size_t count = text_.copy(buffer, size, position_);
+        position_ += count;
+        if (count == 0 && !text_.empty()) {
+            platform::Host::current().presenter().toolDidWrite(std::exchange(text_, {}));
+            position_ = 0;
         }
-        return count;
+        return static_cast<ssize_t>(count);
     }
 
-    [[nodiscard]] static std::FILE* openStream(int descriptor) {
-        auto output = std::make_unique<ToolOutput>(descriptor);
+    [[nodiscard]] static std::FILE* openStream(std::string text) {
+        auto output = std::make_unique<ToolOutput>(std::move(text));
         cookie_io_functions_t functions{};
         functions.read = [](void* cookie, char* buffer, std::size_t size) {
             return static_cast<ToolOutput*>(cookie)->read(buffer, size);
@@ -58,19 +45,24 @@ class ToolOutput {
     }
 
   private:
-    int descriptor_;
-    std::string seen_;
+    std::string text_;
+    std::size_t position_ = 0; ///< of what is read next
 };
 
-/// `arguments` with the secret one masked.
-std::vector<std::string> shownArguments(std::span<const std::string> arguments,
-                                        std::optional<std::size_t> secretArgument) {
+/// Tells the presenter of a run, the secret argument masked.
+void announce(const std::string& tool, std::span<const std::string> arguments,
+              std::optional<std::size_t> secretArgument) {
+    platform::Presenter& presenter = platform::Host::current().presenter();
+    if (!secretArgument) {
+        presenter.toolWillRun(tool, arguments);
+        return;
+    }
     std::vector<std::string> shown;
     shown.reserve(arguments.size());
     for (std::size_t index = 0; index < arguments.size(); ++index) {
         shown.push_back(index == secretArgument ? "********" : arguments[index]);
     }
-    return shown;
+    presenter.toolWillRun(tool, shown);
 }
 
 } // namespace
@@ -128,14 +120,13 @@ OSStatus AuthorizationExecuteWithPrivileges(AuthorizationRef authorization, cons
     if (authorization == nullptr) {
         return errAuthorizationInvalidRef;
     }
-    platform::Host& host = platform::Host::current();
-    host.presenter().toolWillRun(tool, shownArguments(arguments, secretArgument));
-    int descriptor = -1;
-    const OSStatus status =
-        host.authority().execute(*authorization, tool, arguments, stream != nullptr ? &descriptor : nullptr);
+    announce(tool, arguments, secretArgument);
+    std::string output;
+    const OSStatus status = platform::Host::current().authority().execute(
+        *authorization, tool, arguments, stream != nullptr ? &output : nullptr);
     if (status != errAuthorizationSuccess || stream == nullptr) {
         return status;
     }
-    *stream = ToolOutput::openStream(descriptor);
+    *stream = ToolOutput::openStream(std::move(output));
     return *stream != nullptr ? errAuthorizationSuccess : errAuthorizationToolExecuteFailure;
 }

@@ -56,6 +56,7 @@ OSStatus ConsentAuthority::copyRights(AuthorizationSession& session, const Autho
         return errAuthorizationInteractionNotAllowed;
     }
     settle(); // nobody else should wait for the user
+    helper().end();
     if (!Host::current().presenter().runAdministratorDialog({})) {
         return errAuthorizationCanceled;
     }
@@ -65,10 +66,12 @@ OSStatus ConsentAuthority::copyRights(AuthorizationSession& session, const Autho
 
 void ConsentAuthority::destroyRights(AuthorizationSession& session) {
     consentOf(session).forget();
+    settle();
+    helper().end();
 }
 
 OSStatus ConsentAuthority::execute(AuthorizationSession& session, const std::string& tool,
-                                   std::span<const std::string> arguments, int* output) {
+                                   std::span<const std::string> arguments, std::string* output) {
     ConsentSession& consent = consentOf(session);
     if (!consent.holds()) {
         return errAuthorizationDenied;

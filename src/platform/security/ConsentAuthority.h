@@ -12,8 +12,9 @@ namespace platform {
 /// password, and holds for five minutes (of the host's clock) after it was given or last used for a tool run.
 /// Merely asking whether it holds does not prolong it.
 ///
-/// One helper serves the runs of an action. What its runs of the directory's tools change is one transaction,
-/// which is settled before a run of another tool, before anybody is asked, and at the action's end.
+/// One helper serves the runs of all actions for as long as the consent holds. What its runs of the
+/// directory's tools change is one transaction, which is settled before a run of another tool, before anybody
+/// is asked, and at the action's end.
 class ConsentAuthority : public HelperAuthority {
   public:
     /// How long a consent holds, in seconds.
@@ -31,7 +32,7 @@ class ConsentAuthority : public HelperAuthority {
     void destroyRights(AuthorizationSession& session) override;
     /// errAuthorizationDenied when the consent does not hold.
     [[nodiscard]] OSStatus execute(AuthorizationSession& session, const std::string& tool,
-                                   std::span<const std::string> arguments, int* output) override;
+                                   std::span<const std::string> arguments, std::string* output) override;
 };
 
 } // namespace platform

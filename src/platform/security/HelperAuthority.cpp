@@ -19,7 +19,7 @@ void HelperAuthority::takeBack() {
 
 void HelperAuthority::endAction() {
     settle();
-    helper_.end();
+    helper_.endAction();
 }
 
 } // namespace platform

@@ -19,6 +19,9 @@ namespace platform {
 // frame before it reads the next: one byte that it has started, a frame with what the tool wrote, and one
 // byte for the exit status; or one byte alone where it refuses.
 
+/// A helper that serves a session ends when it was asked nothing for so long.
+inline constexpr std::chrono::milliseconds helperIdleLimit = std::chrono::minutes(5);
+
 /// The largest request, in bytes.
 inline constexpr std::size_t maximumHelperRequest = std::size_t{1024} * 1024;
 /// A helper that gives up before it has started ends with this status; sudo, when it refuses, with another.

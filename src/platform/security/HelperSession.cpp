@@ -1,7 +1,6 @@
 #include "platform/security/HelperSession.h"
 
 #include "platform/foundation/Host.h"
-#include "platform/posix/InputOutput.h"
 #include "platform/posix/Secret.h"
 #include "platform/security/HelperProtocol.h"
 
@@ -29,12 +28,8 @@ HelperSession::~HelperSession() {
     end();
 }
 
-OSStatus HelperSession::run(const std::string& tool, std::span<const std::string> arguments, int* output) {
-    // Opened before the run: what was carried out must not seem to have failed for want of a descriptor.
-    auto written = output == nullptr ? Result(FileDescriptor()) : openBytes({});
-    if (!written.isOk()) {
-        return errAuthorizationToolExecuteFailure;
-    }
+OSStatus HelperSession::run(const std::string& tool, std::span<const std::string> arguments,
+                            std::string* output) {
     auto frame = isGivenUp_ ? std::nullopt : helperRequest(tool, arguments, frameHeaderSize);
     if (!frame) {
         return errAuthorizationToolExecuteFailure;
@@ -50,10 +45,7 @@ OSStatus HelperSession::run(const std::string& tool, std::span<const std::string
     const bool isLasting = std::ranges::find(command_, "--system") != command_.end();
     holdsChanges_ = holdsChanges_ || (!isLasting && waitsForCommit(tool));
     if (output != nullptr) {
-        if (!fillBytes(*written, (*answer)->output).isOk()) {
-            return errAuthorizationToolExecuteFailure; // the tool complains of something: it has failed
-        }
-        *output = written->release();
+        *output = std::move((*answer)->output);
     }
     return errAuthorizationSuccess;
 }
@@ -62,6 +54,7 @@ Status HelperSession::startWith(const std::vector<std::string>& command) {
     auto started = startHelper(command);
     if (started.isOk()) {
         helper_ = std::move(*started);
+        lastAsked_ = std::chrono::steady_clock::now();
     }
     return started.status();
 }
@@ -92,9 +85,25 @@ Status HelperSession::settle() {
     return lost.empty() ? Status() : Status::failure("cannot keep", "what was changed", lost);
 }
 
-void HelperSession::end() {
+void HelperSession::endAction() {
     isGivenUp_ = false;
+}
+
+void HelperSession::end() {
+    endAction();
     letGo();
+}
+
+void HelperSession::letGoIdle() {
+    if (!helper_ || holdsChanges_) {
+        return; // what becomes of its changes is told where they are settled
+    }
+    // One that waits for the next run says nothing.
+    pollfd output{helper_->output.get(), POLLIN, 0};
+    const bool hasEnded = ::poll(&output, 1, 0) > 0;
+    if (hasEnded || std::chrono::steady_clock::now() - lastAsked_ > helperIdleLimit - patience_) {
+        letGo();
+    }
 }
 
 void HelperSession::letGo() {
@@ -123,6 +132,8 @@ void HelperSession::giveUp() {
 
 Result<std::optional<HelperSession::Answer>> HelperSession::ask(std::string_view frame) {
     const IgnoredBrokenPipe ignored;
+    letGoIdle();
+    lastAsked_ = std::chrono::steady_clock::now();
     if (!helper_) {
         if (Status status = startWith(command_); !status.isOk()) {
             return status;
@@ -152,7 +163,8 @@ Result<std::optional<HelperSession::Answer>> HelperSession::ask(std::string_view
     return std::optional(std::move(*answer));
 }
 
-Result<HelperSession::Answer> HelperSession::readAnswer() const {
+Result<HelperSession::Answer> HelperSession::readAnswer() {
+    unread_ = {};
     std::string header(frameHeaderSize, '\0');
     Status status = read(header);
     Answer answer;
@@ -191,16 +203,22 @@ bool HelperSession::isAnswered() const {
     return isAnswered;
 }
 
-Status HelperSession::read(std::span<char> bytes) const {
+Status HelperSession::read(std::span<char> bytes) {
     while (!bytes.empty()) {
-        const ssize_t count = ::read(helper_->output.get(), bytes.data(), bytes.size());
-        if (count == 0) {
-            return Status::failure("cannot talk to", command_.front(), "it has ended; try again");
+        if (unread_.empty()) {
+            const ssize_t count = ::read(helper_->output.get(), received_.data(), received_.size());
+            if (count == 0) {
+                return Status::failure("cannot talk to", command_.front(), "it has ended; try again");
+            }
+            if (count < 0 && errno != EINTR) {
+                return Status::ofErrno("cannot talk to", command_.front(), errno);
+            }
+            unread_ = std::span(received_).first(count < 0 ? 0 : static_cast<std::size_t>(count));
         }
-        if (count < 0 && errno != EINTR) {
-            return Status::ofErrno("cannot talk to", command_.front(), errno);
-        }
-        bytes = bytes.subspan(count < 0 ? 0 : static_cast<std::size_t>(count));
+        const std::size_t taken = std::min(unread_.size(), bytes.size());
+        std::ranges::copy(unread_.first(taken), bytes.begin());
+        unread_ = unread_.subspan(taken);
+        bytes = bytes.subspan(taken);
     }
     return {};
 }

@@ -174,8 +174,13 @@ void SudoAuthority::destroyRights(AuthorizationSession& /*session*/) {
     }
 }
 
+void SudoAuthority::endAction() {
+    HelperAuthority::endAction();
+    helper().end();
+}
+
 OSStatus SudoAuthority::execute(AuthorizationSession& /*session*/, const std::string& tool,
-                                std::span<const std::string> arguments, int* output) {
+                                std::span<const std::string> arguments, std::string* output) {
     // sudo ends in the same way when it finds no such program as when it refuses.
     if (!isProgram(sudo_) || !checkHelperFile(helperFile_).isOk()) {
         return errAuthorizationToolExecuteFailure;

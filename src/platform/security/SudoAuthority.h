@@ -15,8 +15,10 @@ namespace platform {
 /// and is wiped from memory at once. Every sudo is a child of this process: without a terminal, that is what
 /// sudo knows by whom it has let in.
 ///
-/// One helper serves the runs of an action. Where sudo remembers no password (timestamp_timeout=0), the one
-/// that was given starts the helper at once, and the right lasts as long as it: to the end of the action.
+/// One helper serves the runs of an action, and no more: only sudo knows when the right that it gave has
+/// ended, and a helper that waits for the next action would be root's for longer than that. Where sudo
+/// remembers no password (timestamp_timeout=0), the one that was given starts the helper at once, and the
+/// right lasts as long as it: to the end of the action.
 class SudoAuthority : public HelperAuthority {
   public:
     /// How often the user may try a password before a request fails.
@@ -36,8 +38,9 @@ class SudoAuthority : public HelperAuthority {
     [[nodiscard]] OSStatus copyRights(AuthorizationSession& session, const AuthorizationRights& rights,
                                       AuthorizationFlags flags) override;
     void destroyRights(AuthorizationSession& session) override;
+    void endAction() override;
     [[nodiscard]] OSStatus execute(AuthorizationSession& session, const std::string& tool,
-                                   std::span<const std::string> arguments, int* output) override;
+                                   std::span<const std::string> arguments, std::string* output) override;
 
   private:
     enum class Verdict { Accepted, WrongPassword, NotAllowed, Failed };
