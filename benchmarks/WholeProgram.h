@@ -5,8 +5,16 @@
 
 #include <fcntl.h>
 #include <spawn.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
+
+/// The memory of the largest of the programs that have been run, in MB.
+[[nodiscard]] inline double largestProgram() {
+    rusage usage{};
+    ::getrusage(RUSAGE_CHILDREN, &usage);
+    return static_cast<double>(usage.ru_maxrss) / 1024;
+}
 
 /// Runs a program to its end, its output thrown away; the first of `words` is its name or path. False when it
 /// could not be started, or failed.

@@ -1,6 +1,8 @@
 // How long the share list takes to read: as many directory records as smb.conf has sections, each record
-// joined with the section of its folder. Half of the sections share folders of their own.
+// joined with the section of its folder. Half of the sections share folders of their own. And how long the
+// application takes to start, without a window, with as many users as well.
 
+#include "FilledRoot.h"
 #include "TemporaryFolder.h"
 #include "app/BRController.h"
 #include "frontends/cli/SilentPresenter.h"
@@ -87,6 +89,20 @@ class Application {
     std::unique_ptr<platform::Interface> interface_;
 };
 
+void startUp(benchmark::State& state) {
+    const auto count = static_cast<int>(state.range(0));
+    const TemporaryFolder folder;
+    fillRoot(folder.path(), 0, count);
+    writeSections(folder.path() / "etc/smb.conf", count);
+    writeRecords(platform::EmbeddedRoot(folder.path().string()).storeFile(), count);
+    for (auto _ : state) {
+        platform::Host host(*platform::makeEmbeddedServices(optionsFor(folder.path().string())));
+        host.setPresenter(std::make_shared<frontend::SilentPresenter>());
+        const auto interface = std::move(*BRController::loadInterface());
+        static_cast<BRController*>(interface->owner())->startUp();
+    }
+}
+
 void parseCurrentShares(benchmark::State& state) {
     const Application application(state.range(0));
     for (auto _ : state) {
@@ -104,6 +120,7 @@ BENCHMARK(parseCurrentShares)
     ->Range(1000, 100000)
     ->Unit(benchmark::kMillisecond)
     ->Complexity(benchmark::oN);
+BENCHMARK(startUp)->RangeMultiplier(10)->Range(1000, 100000)->Unit(benchmark::kMillisecond);
 
 } // namespace
 

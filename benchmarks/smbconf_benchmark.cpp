@@ -1,7 +1,9 @@
 // How long smb.conf takes to read: within this process for three lengths, to see that it grows with the file
 // and not faster, and as whole programs beside one that only scans the file's lines and beside Samba's own
-// reader.
+// reader. Also how long Brindle takes to print the shares of such a file, as a whole program.
 
+#include "FilledRoot.h"
+#include "TemporaryFolder.h"
 #include "WholeProgram.h"
 #include "model/SMBConf.h"
 #include "platform/foundation/Host.h"
@@ -100,6 +102,20 @@ void process(benchmark::State& state, const char* program, const char* option) {
     }
 }
 
+void printShares(benchmark::State& state) {
+    const TemporaryFolder root;
+    fillRoot(root.path(), 0, 0);
+    fs::copy_file(fileOf(state.range(0)), root.path() / "etc/smb.conf", fs::copy_options::overwrite_existing);
+    for (auto _ : state) {
+        if (!runProgram({platform::programFolder() + "/brindle", "--root", root.path().string(), "--print",
+                         "shares"})) {
+            state.SkipWithError("the program has failed");
+            break;
+        }
+    }
+    state.counters["MB"] = largestProgram();
+}
+
 constexpr const char* thisProgram = "/proc/self/exe";
 constexpr std::int64_t longest = 100000;
 
@@ -126,6 +142,7 @@ BENCHMARK_CAPTURE(process, testparm, "testparm", "-s")
     ->Unit(benchmark::kMillisecond)
     ->UseRealTime()
     ->Iterations(1);
+BENCHMARK(printShares)->Arg(longest)->Unit(benchmark::kMillisecond)->UseRealTime();
 
 } // namespace
 
