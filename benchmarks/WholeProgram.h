@@ -9,16 +9,10 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-/// The memory of the largest of the programs that have been run, in MB.
-[[nodiscard]] inline double largestProgram() {
-    rusage usage{};
-    ::getrusage(RUSAGE_CHILDREN, &usage);
-    return static_cast<double>(usage.ru_maxrss) / 1024;
-}
-
 /// Runs a program to its end, its output thrown away; the first of `words` is its name or path. False when it
-/// could not be started, or failed.
-[[nodiscard]] inline bool runProgram(std::vector<std::string> words) {
+/// could not be started, or failed. `*megabytes`, when not null, is the most memory that it has taken, and
+/// never less than this program has.
+[[nodiscard]] inline bool runProgram(std::vector<std::string> words, double* megabytes = nullptr) {
     posix_spawn_file_actions_t actions;
     posix_spawn_file_actions_init(&actions);
     for (const int descriptor : {STDOUT_FILENO, STDERR_FILENO}) {
@@ -33,5 +27,10 @@
     int status = -1;
     const bool started = ::posix_spawnp(&child, argv[0], &actions, nullptr, argv.data(), environ) == 0;
     posix_spawn_file_actions_destroy(&actions);
-    return started && ::waitpid(child, &status, 0) == child && WIFEXITED(status) && WEXITSTATUS(status) == 0;
+    rusage usage{};
+    const bool hasEnded = started && ::wait4(child, &status, 0, &usage) == child;
+    if (megabytes != nullptr) {
+        *megabytes = static_cast<double>(usage.ru_maxrss) / 1024;
+    }
+    return hasEnded && WIFEXITED(status) && WEXITSTATUS(status) == 0;
 }

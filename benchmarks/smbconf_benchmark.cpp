@@ -106,14 +106,16 @@ void printShares(benchmark::State& state) {
     const TemporaryFolder root;
     fillRoot(root.path(), 0, 0);
     fs::copy_file(fileOf(state.range(0)), root.path() / "etc/smb.conf", fs::copy_options::overwrite_existing);
+    double megabytes = 0;
     for (auto _ : state) {
-        if (!runProgram({platform::programFolder() + "/brindle", "--root", root.path().string(), "--print",
-                         "shares"})) {
+        if (!runProgram(
+                {platform::programFolder() + "/brindle", "--root", root.path().string(), "--print", "shares"},
+                &megabytes)) {
             state.SkipWithError("the program has failed");
             break;
         }
     }
-    state.counters["MB"] = largestProgram();
+    state.SetLabel(std::to_string(static_cast<int>(megabytes)) + " MB");
 }
 
 constexpr const char* thisProgram = "/proc/self/exe";
