@@ -26,6 +26,7 @@
 #include <iostream>
 #include <stdexcept>
 
+#include <sys/resource.h>
 #include <syslog.h>
 #include <unistd.h>
 
@@ -351,6 +352,8 @@ Result<int> run(const Options& options, char** argv, frontend::WindowRun* window
 int NSApplicationMain(int argc, char** argv, frontend::WindowRun* window) {
     // A reader that goes away, or a tool that ends early, is seen where it is written to.
     std::signal(SIGPIPE, SIG_IGN);
+    const rlimit none{0, 0};
+    ::setrlimit(RLIMIT_CORE, &none); // a core would hold the passwords that were typed
     try {
         const auto arguments = platform::argumentsOf(argc, argv);
         const auto status = run(frontend::parseOptions({arguments.begin(), arguments.end()}), argv, window);

@@ -6,6 +6,7 @@
 #include <array>
 #include <cerrno>
 #include <charconv>
+#include <filesystem>
 #include <optional>
 #include <string_view>
 #include <utility>
@@ -22,15 +23,24 @@ using platform::Status;
 namespace {
 
 /// Nothing at or below these is for sharing. The last four lead into /usr on most computers, not on all.
-constexpr std::array<std::string_view, 11> systemTrees = {"/etc", "/usr", "/boot", "/dev", "/proc", "/sys",
-                                                          "/run", "/bin", "/sbin", "/lib", "/lib64"};
+constexpr std::array<std::string_view, 13> systemTrees = {"/etc",   "/usr",     "/boot",     "/dev",  "/proc",
+                                                          "/sys",   "/run",     "/bin",      "/sbin", "/lib",
+                                                          "/lib64", "/var/lib", "/var/spool"};
 /// Except for the volumes that people plug in.
 constexpr std::string_view volumes = "/run/media/";
 /// These hold folders that may be shared, but programs of all users count on their own mode. /srv and /mnt
 /// are the administrator's.
-constexpr std::array<std::string_view, 12> systemFolders = {
-    "/",        "/var", "/var/cache", "/var/lib", "/var/log", "/var/spool",
-    "/var/tmp", "/tmp", "/opt",       "/media",   "/home",    "/root"};
+constexpr std::array<std::string_view, 10> systemFolders = {
+    "/", "/var", "/var/cache", "/var/log", "/var/tmp", "/tmp", "/opt", "/media", "/home", "/root"};
+/// Who may write to these may log on, or sign, as the user whose they are; ssh refuses keys in a folder that
+/// others may write to.
+constexpr std::array<std::string_view, 2> keyFolders = {".ssh", ".gnupg"};
+
+bool isKeyFolder(const std::string& path) {
+    return std::ranges::any_of(std::filesystem::path(path), [](const std::filesystem::path& name) {
+        return std::ranges::find(keyFolders, name.string()) != keyFolders.end();
+    });
+}
 
 bool isSameFolder(const struct stat& status, std::string_view path) {
     struct stat other {};
@@ -51,7 +61,26 @@ struct OpenFolder {
     [[nodiscard]] std::string path() const { return "/proc/self/fd/" + std::to_string(descriptor.get()); }
 };
 
-Result<OpenFolder> openFolder(const std::string& path) {
+/// Fails when anybody could put another folder in the place of the one at `path`, which holds no links: what
+/// an administrator looked at is not what root then changes. A folder like /tmp is safe, because there
+/// everybody may only replace what is theirs.
+Status checkParents(const std::string& path, const std::string& asNamed) {
+    std::filesystem::path parent = std::filesystem::path(path).parent_path();
+    for (; parent != parent.root_path(); parent = parent.parent_path()) {
+        struct stat status {};
+
+        if (::stat(parent.c_str(), &status) == 0 && (status.st_mode & S_IWOTH) != 0 &&
+            (status.st_mode & S_ISVTX) == 0) {
+            return Status::failure(cannotChange, asNamed,
+                                   "could be replaced by anybody, because everyone may write to " +
+                                       parent.string() + "; change that first");
+        }
+    }
+    return {};
+}
+
+/// With the rights of the user `caller`.
+Result<OpenFolder> openFolder(const std::string& path, uid_t caller) {
     OpenFolder folder;
     // O_PATH, because the owner of a folder may change one that nobody is allowed to read.
     folder.descriptor = FileDescriptor(::open(path.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
@@ -63,9 +92,13 @@ Result<OpenFolder> openFolder(const std::string& path) {
     if (length < 0) {
         return Status::ofErrno(cannotChange, path, errno);
     }
-    if (isSystemFolder({resolved.data(), static_cast<std::size_t>(length)}, folder.status)) {
+    const std::string real(resolved.data(), static_cast<std::size_t>(length));
+    if (isSystemFolder(real, folder.status)) {
         return Status::failure(cannotChange, path,
                                "is a folder of the system and stays as it is; share another one");
+    }
+    if (Status status = caller == 0 ? checkParents(real, path) : Status(); !status.isOk()) {
+        return status;
     }
     return folder;
 }
@@ -81,7 +114,7 @@ bool isSystemFolder(const std::string& path, const struct stat& status) {
         const bool isBelow = path.starts_with(tree) && path.size() > tree.size() && path[tree.size()] == '/';
         return path == tree || (isBelow && !path.starts_with(volumes)) || isSameFolder(status, tree);
     };
-    return std::ranges::any_of(systemTrees, isInTree) ||
+    return isKeyFolder(path) || std::ranges::any_of(systemTrees, isInTree) ||
            std::ranges::any_of(systemFolders, [&](std::string_view each) {
                return path == each || isSameFolder(status, each);
            });
@@ -95,8 +128,8 @@ struct OpenOrder {
     FolderOrder order;
 };
 
-Result<OpenOrder> withFolder(FolderOrder order, const std::string& path) {
-    auto opened = openFolder(path);
+Result<OpenOrder> withFolder(FolderOrder order, const std::string& path, uid_t caller) {
+    auto opened = openFolder(path, caller);
     if (!opened.isOk()) {
         return opened.status();
     }
@@ -105,7 +138,7 @@ Result<OpenOrder> withFolder(FolderOrder order, const std::string& path) {
 }
 
 Result<OpenOrder> ownerOrder(const std::string& ownerAndGroup, const std::string& folder,
-                             const platform::DirectoryAccounts& accounts) {
+                             const platform::DirectoryAccounts& accounts, uid_t caller) {
     FolderOrder order;
     const std::size_t colon = ownerAndGroup.find(':');
     const std::string owner = ownerAndGroup.substr(0, colon);
@@ -124,10 +157,10 @@ Result<OpenOrder> ownerOrder(const std::string& ownerAndGroup, const std::string
                                    "there is no such group; choose one of the list");
         }
     }
-    return withFolder(order, folder);
+    return withFolder(order, folder, caller);
 }
 
-Result<OpenOrder> modeOrder(const std::string& mode, const std::string& folder) {
+Result<OpenOrder> modeOrder(const std::string& mode, const std::string& folder, uid_t caller) {
     constexpr unsigned largest = 0777;
     unsigned bits = 0;
     const char* const end = mode.data() + mode.size();
@@ -135,7 +168,7 @@ Result<OpenOrder> modeOrder(const std::string& mode, const std::string& folder) 
     if (error != std::errc() || parsed != end || bits > largest) {
         return Status::failure("cannot use", mode, "is no mode; give one from 0 to 777 in octal");
     }
-    auto opened = withFolder({}, folder);
+    auto opened = withFolder({}, folder, caller);
     if (opened.isOk()) {
         opened->order.mode = (opened->order.status.st_mode & 07000U) | bits;
     }
@@ -171,16 +204,16 @@ Result<FolderOrder> examined(const Result<OpenOrder>& opened, const std::string&
 
 Result<FolderOrder> examineOwner(const std::string& ownerAndGroup, const std::string& folder,
                                  const platform::DirectoryAccounts& accounts, uid_t caller) {
-    return examined(ownerOrder(ownerAndGroup, folder, accounts), folder, caller);
+    return examined(ownerOrder(ownerAndGroup, folder, accounts, caller), folder, caller);
 }
 
 Result<FolderOrder> examineMode(const std::string& mode, const std::string& folder, uid_t caller) {
-    return examined(modeOrder(mode, folder), folder, caller);
+    return examined(modeOrder(mode, folder, caller), folder, caller);
 }
 
 Status changeOwner(const std::string& ownerAndGroup, const std::string& folder,
                    const platform::DirectoryAccounts& accounts) {
-    const auto opened = ownerOrder(ownerAndGroup, folder, accounts);
+    const auto opened = ownerOrder(ownerAndGroup, folder, accounts, ::geteuid());
     if (!opened.isOk()) {
         return opened.status();
     }
@@ -192,7 +225,7 @@ Status changeOwner(const std::string& ownerAndGroup, const std::string& folder,
 }
 
 Status changeMode(const std::string& mode, const std::string& folder) {
-    const auto opened = modeOrder(mode, folder);
+    const auto opened = modeOrder(mode, folder, ::geteuid());
     if (!opened.isOk()) {
         return opened.status();
     }

@@ -10,10 +10,12 @@
 
 // The helper's chown and chmod. Both change one folder, never a file, and none of the system's: an
 // administrator shares folders for people, and a slip must not lock the computer. A link is followed, and
-// what it leads to is judged. An argument is a name, whatever it begins with.
+// what it leads to is judged. As root, a folder that anybody could replace is refused. An argument is a name,
+// whatever it begins with.
 
-/// Whether a folder is the system's own: one of /etc, /usr, /boot, /dev, /proc, /sys or /run (but for the
-/// volumes in /run/media) with all below, or one of /, /var, /tmp, /home, /root and the like themselves.
+/// Whether a folder is the system's own: one of /etc, /usr, /boot, /dev, /proc, /sys, /run (but for the
+/// volumes in /run/media), /var/lib or /var/spool with all below, one of /, /var, /tmp, /home, /root and the
+/// like themselves, or one of a user's keys (.ssh, .gnupg) with all below.
 /// `path` holds no links. `status` tells the folder too, because a mount can show it under another path.
 [[nodiscard]] bool isSystemFolder(const std::string& path, const struct stat& status);
 

@@ -20,6 +20,7 @@
 #include <fcntl.h>
 #include <poll.h>
 #include <sys/prctl.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -36,6 +37,13 @@ void closeInheritedDescriptors() {
         }
     }
     ::closefrom(STDERR_FILENO + 1);
+}
+
+/// A core would hold passwords: neither this process nor a program that it starts leaves one.
+void leaveNoCore() {
+    ::prctl(PR_SET_DUMPABLE, 0);
+    const rlimit none{0, 0};
+    ::setrlimit(RLIMIT_CORE, &none);
 }
 
 /// Where nobody listens, there is nobody to tell.
@@ -178,7 +186,7 @@ int serveSession(const HelperPlace& place) {
 
 int helperMain(int argc, char** argv) {
     closeInheritedDescriptors();
-    ::prctl(PR_SET_DUMPABLE, 0); // a core would hold passwords
+    leaveNoCore();
     ::umask(S_IWGRP | S_IWOTH);
     std::signal(SIGPIPE, SIG_IGN); // work once begun is finished, whether or not anybody listens
     platform::HostOptions options;
@@ -193,6 +201,9 @@ int helperMain(int argc, char** argv) {
     HelperPlace place;
     if (const std::string fault = placeOf(options, place); !fault.empty()) {
         return platform::complain(*parser, fault).print();
+    }
+    if (!options.system) {
+        ::prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0); // what is the user's own needs no program that gives rights
     }
     platform::Services services;
     services.log = std::make_shared<platform::SystemLog>(); // the tools may log what they cannot read
