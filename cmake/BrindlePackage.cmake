@@ -71,6 +71,8 @@ endfunction()
 
 brindle_packages(run needed)
 list(REMOVE_ITEM needed grep) # every Debian system has it, and a package does not say so
+brindle_packages(loaded loaded)
+list(APPEND needed ${loaded})
 if(BRINDLE_HAS_QT)
     brindle_packages(desktop desktop)
     list(APPEND needed ${desktop})

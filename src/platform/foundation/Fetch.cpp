@@ -7,6 +7,7 @@
 #include <utility>
 
 #include <curl/curl.h>
+#include <dlfcn.h>
 
 namespace platform {
 
@@ -35,24 +36,55 @@ std::size_t takeBytes(const char* data, std::size_t size, std::size_t count, voi
     return length;
 }
 
+/// libcurl, loaded when it is first needed: it stands on thirty libraries, and next to no start fetches
+/// anything.
+class Curl {
+  public:
+    Curl() : library_(::dlopen("libcurl.so.4", RTLD_NOW | RTLD_LOCAL)) {
+        load(globalInit, "curl_global_init");
+        load(init, "curl_easy_init");
+        load(setOption, "curl_easy_setopt");
+        load(perform, "curl_easy_perform");
+        load(information, "curl_easy_getinfo");
+        load(reason, "curl_easy_strerror");
+        load(cleanUp, "curl_easy_cleanup");
+    }
+
+    [[nodiscard]] bool isThere() const { return isWhole_; }
+
+    decltype(&curl_global_init) globalInit = nullptr;
+    decltype(&curl_easy_init) init = nullptr;
+    decltype(&curl_easy_setopt) setOption = nullptr;
+    decltype(&curl_easy_perform) perform = nullptr;
+    decltype(&curl_easy_getinfo) information = nullptr;
+    decltype(&curl_easy_strerror) reason = nullptr;
+    decltype(&curl_easy_cleanup) cleanUp = nullptr;
+
+  private:
+    template <class Function>
+    void load(Function& function, const char* name) {
+        function = library_ != nullptr ? reinterpret_cast<Function>(::dlsym(library_, name)) : nullptr;
+        isWhole_ = isWhole_ && function != nullptr;
+    }
+
+    void* library_; // stays loaded to the end, as a linked one would
+    bool isWhole_ = true;
+};
+
 using Transfer = std::unique_ptr<CURL, decltype(&curl_easy_cleanup)>;
 
-CURLcode perform(CURL* transfer, const std::string& address, Body& body) {
-    const CURLcode initialised = curl_global_init(CURL_GLOBAL_DEFAULT);
-    if (initialised != CURLE_OK) {
-        return initialised;
-    }
-    curl_easy_setopt(transfer, CURLOPT_URL, address.c_str());
-    curl_easy_setopt(transfer, CURLOPT_PROTOCOLS_STR, protocols);
-    curl_easy_setopt(transfer, CURLOPT_REDIR_PROTOCOLS_STR, protocols);
-    curl_easy_setopt(transfer, CURLOPT_FOLLOWLOCATION, 1L);
-    curl_easy_setopt(transfer, CURLOPT_MAXREDIRS, redirectsAtMost);
-    curl_easy_setopt(transfer, CURLOPT_TIMEOUT, timeoutInSeconds);
-    curl_easy_setopt(transfer, CURLOPT_NOSIGNAL, 1L);
-    curl_easy_setopt(transfer, CURLOPT_USERAGENT, "Brindle");
-    curl_easy_setopt(transfer, CURLOPT_WRITEFUNCTION, takeBytes);
-    curl_easy_setopt(transfer, CURLOPT_WRITEDATA, &body);
-    return curl_easy_perform(transfer);
+CURLcode perform(const Curl& curl, CURL* transfer, const std::string& address, Body& body) {
+    curl.setOption(transfer, CURLOPT_URL, address.c_str());
+    curl.setOption(transfer, CURLOPT_PROTOCOLS_STR, protocols);
+    curl.setOption(transfer, CURLOPT_REDIR_PROTOCOLS_STR, protocols);
+    curl.setOption(transfer, CURLOPT_FOLLOWLOCATION, 1L);
+    curl.setOption(transfer, CURLOPT_MAXREDIRS, redirectsAtMost);
+    curl.setOption(transfer, CURLOPT_TIMEOUT, timeoutInSeconds);
+    curl.setOption(transfer, CURLOPT_NOSIGNAL, 1L);
+    curl.setOption(transfer, CURLOPT_USERAGENT, "Brindle");
+    curl.setOption(transfer, CURLOPT_WRITEFUNCTION, takeBytes);
+    curl.setOption(transfer, CURLOPT_WRITEDATA, &body);
+    return curl.perform(transfer);
 }
 
 Status failure(const std::string& address, const std::string& reason) {
@@ -63,20 +95,25 @@ Status failure(const std::string& address, const std::string& reason) {
 } // namespace
 
 Result<std::string> fetchContentsOfURL(const std::string& address) {
-    const Transfer transfer(curl_easy_init(), &curl_easy_cleanup);
+    static const Curl curl;
+    if (!curl.isThere()) {
+        return failure(address, NSLocalizedString("libcurl is not installed; install the package libcurl4"));
+    }
+    const bool isReady = curl.globalInit(CURL_GLOBAL_DEFAULT) == CURLE_OK;
+    const Transfer transfer(isReady ? curl.init() : nullptr, curl.cleanUp);
     if (!transfer) {
         return failure(address, NSLocalizedString("no memory"));
     }
     Body body;
-    const CURLcode result = perform(transfer.get(), address, body);
+    const CURLcode result = perform(curl, transfer.get(), address, body);
     if (body.isTooLarge) {
         return failure(address, NSLocalizedString("the document is larger than 1 MiB"));
     }
     if (result != CURLE_OK) {
-        return failure(address, curl_easy_strerror(result));
+        return failure(address, curl.reason(result));
     }
     long status = 0;
-    curl_easy_getinfo(transfer.get(), CURLINFO_RESPONSE_CODE, &status);
+    curl.information(transfer.get(), CURLINFO_RESPONSE_CODE, &status);
     if (status < 200 || status > 299) {
         return failure(address,
                        stringWithFormat(NSLocalizedString("the server answered with status %d"), status));
