@@ -10,6 +10,7 @@
 #include <QGroupBox>
 #include <QHeaderView>
 #include <QLibraryInfo>
+#include <QMenuBar>
 #include <QStyleOptionComboBox>
 
 namespace {
@@ -157,6 +158,16 @@ TEST_P(WindowInALanguage, HasQtsOwnTextsInTheSameLanguage) {
     }
     EXPECT_EQ(QCoreApplication::translate("QPlatformTheme", "Cancel").toStdString(),
               NSLocalizedString("Cancel"));
+}
+
+TEST_P(WindowInALanguage, HasLettersForItsMenusThatAKeyStandsFor) {
+    open();
+    QTest::qWait(0);
+    for (const QAction* each : widget<QWidget>("mainWindow").findChild<QMenuBar*>()->actions()) {
+        const qsizetype place = each->text().indexOf('&') + 1;
+        EXPECT_TRUE(place == 0 || each->text().at(place).script() == QChar::Script_Latin)
+            << each->text().toStdString();
+    }
 }
 
 } // namespace
