@@ -10,6 +10,7 @@
 #include <QGroupBox>
 #include <QHeaderView>
 #include <QLibraryInfo>
+#include <QMenuBar>
 #include <QStyleOptionComboBox>
 
 namespace {
@@ -62,6 +63,13 @@ class WindowInALanguage : public MainWindow, public testing::WithParamInterface<
         EXPECT_LE(needed, there) << text.toStdString();
     }
 
+    /// Nothing lies over its ends. What scrolls may be out of sight.
+    static void expectWhole(const QWidget& widget, const QString& text) {
+        if (const QRegion seen = widget.visibleRegion(); !seen.isEmpty()) {
+            expectRoom(text, widget.width(), seen.boundingRect().width());
+        }
+    }
+
     static void expectRoomForTexts(const QWidget& window) {
         for (const QLabel* label : shownIn<QLabel>(window)) {
             if (dynamic_cast<const ElidedLabel*>(label) != nullptr) {
@@ -72,7 +80,7 @@ class WindowInALanguage : public MainWindow, public testing::WithParamInterface<
             const QRect needed = label->fontMetrics().boundingRect(room, wrap, plain(label->text()));
             expectRoom(label->text(), needed.width(), label->width());
             expectRoom(label->text(), needed.height(), label->height());
-            expectRoom(label->text(), label->width(), label->visibleRegion().boundingRect().width());
+            expectWhole(*label, label->text());
         }
         for (const QAbstractButton* button : shownIn<QAbstractButton>(window)) {
             if (!button->text().isEmpty()) {
@@ -80,16 +88,14 @@ class WindowInALanguage : public MainWindow, public testing::WithParamInterface<
                 const int needed =
                     isBox ? button->sizeHint().width() : widthOf(*button, button->text()) + buttonEdges;
                 expectRoom(button->text(), needed, button->width());
-                expectRoom(button->text(), button->width(), button->visibleRegion().boundingRect().width());
+                expectWhole(*button, button->text());
             }
         }
         for (const QGroupBox* box : shownIn<QGroupBox>(window)) {
             expectRoom(box->title(), widthOf(*box, box->title()), box->width());
         }
         for (const QComboBox* popUp : shownIn<QComboBox>(window)) {
-            for (int item = 0; item < popUp->count(); ++item) {
-                expectRoom(popUp->itemText(item), widthOf(*popUp, popUp->itemText(item)), roomIn(*popUp));
-            }
+            expectRoom(popUp->currentText(), widthOf(*popUp, popUp->currentText()), roomIn(*popUp));
         }
         for (const QLineEdit* field : shownIn<QLineEdit>(window)) {
             if (field->maximumWidth() < QWIDGETSIZE_MAX) { // for a number, or what stands in its place
@@ -97,6 +103,15 @@ class WindowInALanguage : public MainWindow, public testing::WithParamInterface<
             }
         }
         expectRoomForTitles(window);
+    }
+
+    /// Whatever is chosen.
+    static void expectRoomForItems(const QWidget& window) {
+        for (const QComboBox* popUp : shownIn<QComboBox>(window)) {
+            for (int item = 0; item < popUp->count(); ++item) {
+                expectRoom(popUp->itemText(item), widthOf(*popUp, popUp->itemText(item)), roomIn(*popUp));
+            }
+        }
     }
 
     /// Of columns and of pages.
@@ -141,11 +156,16 @@ TEST_P(WindowInALanguage, HasRoomForItsTexts) {
             }
             QTest::qWait(0);
             expectRoomForTexts(window);
+            expectRoomForItems(window);
         }
     }
     EXPECT_EQ(window.size(), opened) << "no page made the window wider";
     EXPECT_EQ(opened, QSize(900, 600)) << "as the interface file has it";
 
+    showPage(0);
+    app().drawer->open();
+    QTest::qWait(300); // it slides
+    expectRoomForTexts(window);
     app().passwordWindow->makeKeyAndOrderFront();
     QApplication::processEvents();
     expectRoomForTexts(widget<QWidget>("passwordWindow"));
@@ -157,6 +177,16 @@ TEST_P(WindowInALanguage, HasQtsOwnTextsInTheSameLanguage) {
     }
     EXPECT_EQ(QCoreApplication::translate("QPlatformTheme", "Cancel").toStdString(),
               NSLocalizedString("Cancel"));
+}
+
+TEST_P(WindowInALanguage, HasLettersForItsMenusThatAKeyStandsFor) {
+    open();
+    QTest::qWait(0);
+    for (const QAction* each : widget<QWidget>("mainWindow").findChild<QMenuBar*>()->actions()) {
+        const qsizetype place = each->text().indexOf('&') + 1;
+        EXPECT_TRUE(place == 0 || each->text().at(place).script() == QChar::Script_Latin)
+            << each->text().toStdString();
+    }
 }
 
 } // namespace

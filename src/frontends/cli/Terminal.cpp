@@ -1,5 +1,8 @@
 #include "frontends/cli/Terminal.h"
 
+#include "platform/foundation/NSBundle.h"
+#include "platform/foundation/NSString.h"
+
 #include <cerrno>
 #include <iostream>
 
@@ -69,9 +72,11 @@ void tell(const std::string& text) {
 }
 
 bool askYesOrNo(const std::string& question) {
-    std::cerr << question << " [y/N] " << std::flush;
+    const std::string choice = NSLocalizedString("[y/N]"); // the letter for yes comes first
+    std::cerr << question << ' ' << choice << ' ' << std::flush;
     const auto answer = firstLineOf(STDIN_FILENO);
-    return answer && (answer->starts_with('y') || answer->starts_with('Y'));
+    return answer && (isEqualIgnoringCase(answer->substr(0, 1), "y") ||
+                      isEqualIgnoringCase(answer->substr(0, 1), choice.substr(1, 1)));
 }
 
 std::optional<std::string> askSecret(const std::string& prompt) {

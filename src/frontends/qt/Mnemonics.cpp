@@ -13,8 +13,9 @@ namespace {
 constexpr QChar mark(u'&');
 
 bool isEastAsian(QChar letter) {
+    constexpr QChar longVowel(u'\u30FC'); // stands in words of more than one script
     const QChar::Script script = letter.script();
-    return script == QChar::Script_Han || script == QChar::Script_Hiragana ||
+    return letter == longVowel || script == QChar::Script_Han || script == QChar::Script_Hiragana ||
            script == QChar::Script_Katakana || script == QChar::Script_Hangul;
 }
 
