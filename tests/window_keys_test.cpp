@@ -109,7 +109,8 @@ TEST(Mnemonics, AreTheTextsOwnLettersEachOnceAndAsManyAsThereCanBe) {
           Case{{{"Файл", ""}, {"Сеть", ""}}, "", {"&Файл", "&Сеть"}},
           Case{{{"名前:", "shareName"}, {"開く…", "open"}, {"AFP サーバ", ""}, {"Share", ""}},
                "",
-               {"名前(&S):", "開く(&O)…", "AFP サーバ(&A)", "S&hare"}}}) {
+               {"名前(&S):", "開く(&O)…", "AFP サーバ(&A)", "S&hare"}},
+          Case{{{"ページ", "pageMenu"}, {"ページ", ""}}, "A", {"ページ(&P)", "ページ(&B)"}}}) {
         QSet<QChar> taken(each.taken.begin(), each.taken.end());
         const QStringList titles = titlesWithMnemonics(each.texts, taken);
         EXPECT_EQ(titles, each.titles) << titles.join('|').toStdString();

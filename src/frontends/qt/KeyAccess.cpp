@@ -37,7 +37,9 @@ void markActions(QList<QAction*> marked, QSet<QChar>& taken) {
     marked.removeIf([](const QAction* each) { return each->isSeparator() || !each->isVisible(); });
     std::vector<Titled> titles;
     for (const QAction* each : marked) {
-        titles.push_back({plainTitle(each->text().section(beforeKeys, 0, 0)), each->objectName()});
+        const QMenu* menu = each->menu();
+        titles.push_back({plainTitle(each->text().section(beforeKeys, 0, 0)),
+                          menu == nullptr ? each->objectName() : menu->objectName()});
     }
     const QStringList texts = titlesWithMnemonics(titles, taken);
     for (qsizetype place = 0; place < marked.size(); ++place) {

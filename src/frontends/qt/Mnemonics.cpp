@@ -49,7 +49,9 @@ QString lettersFor(const Titled& titled) {
     if (!needsLetterBehind(titled.text)) {
         return lettersIn(titled.text);
     }
-    return lettersIn(titled.text) + lettersIn(titled.name) + QLatin1String("ABCDEFGHIJKLMNOPQRSTUVWXYZ");
+    QString letters = lettersIn(titled.text) + lettersIn(titled.name);
+    letters.removeIf([](QChar each) { return each.unicode() > 0x7f; }); // the sign that makes a vowel long
+    return letters + QLatin1String("ABCDEFGHIJKLMNOPQRSTUVWXYZ");
 }
 
 /// Who has which letter. A text that comes late takes one from an earlier text that can have another.
