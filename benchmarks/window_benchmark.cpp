@@ -1,6 +1,6 @@
 // How long Brindle takes from its start until its window stands painted, with 1,000 shares and 10,000 users,
-// against a program that only shows an empty window; and how long a selection takes in the window. The first two are
-// whole programs; both use Qt's offscreen platform, so that no display's speed is measured, unless
+// against a program that only shows an empty window; and how long a selection takes in the window. The first
+// two are whole programs; both use Qt's offscreen platform, so that no display's speed is measured, unless
 // QT_QPA_PLATFORM names another.
 
 #include "FilledRoot.h"
