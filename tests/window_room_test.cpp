@@ -1,13 +1,16 @@
 // The room that the window takes on small and large screens, where it comes back, and its colours.
 
 #include "frontends/qt/Inks.h"
+#include "frontends/qt/ReviewDialog.h"
 #include "frontends/qt/ScreenRoom.h"
 #include "review/Reviewer.h"
 #include "support/MainWindowFixture.h"
 
 #include <QCheckBox>
+#include <QStyle>
+#include <QStyleOptionButton>
 
-#include <cmath>
+#include <algorithm>
 
 namespace {
 
@@ -123,6 +126,29 @@ TEST_F(Room, TheDrawerIsOpenAgainWhereItWasLeftOpen) {
     EXPECT_FALSE(drawer().isVisible());
 }
 
+TEST_F(Room, AReviewFitsTheScreenWithItsDetailsAndScrolls) {
+    openOn(1024, 600);
+    review::Plan plan;
+    for (int run = 0; run < 80; ++run) {
+        plan.runs.push_back({"/usr/bin/nicl", {".", "-delete", "/users/user" + std::to_string(run)}, ""});
+        plan.warnings.push_back({"name", "User " + std::to_string(run) + " is the last one in a group."});
+    }
+    const auto dialog = makePlanDialog(plan, &window());
+    dialog->show();
+    for (const bool hasDetails : {false, true}) {
+        if (hasDetails) {
+            QTest::mouseClick(dialog->findChild<QPushButton*>("reviewDetails"), Qt::LeftButton);
+            EXPECT_TRUE(widget<QWidget>("reviewDetailsText").isVisible());
+        }
+        QApplication::processEvents();
+        EXPECT_GT(dialog->height(), 300);
+        EXPECT_LE(dialog->frameGeometry().height(), 600);
+        for (const auto* button : dialog->findChildren<QPushButton*>()) {
+            EXPECT_TRUE(isInSight(*button)) << button->text().toStdString();
+        }
+    }
+}
+
 TEST(AWindowsPlace, IsKeptWhereItsTitleCanBeReachedAndElseBroughtIntoView) {
     const std::vector<QRect> screens = {QRect(0, 0, 1280, 800), QRect(1280, 0, 1024, 600)};
 
@@ -197,6 +223,23 @@ class Colours : public MainWindow {
         }
         return inks;
     }
+
+    /// How well the drawer's box that is not ticked stands out.
+    double edgeOfEmptyBox() {
+        const auto& box = widget<QCheckBox>("showSystemUsersGroups");
+        EXPECT_TRUE(box.isVisible());
+        QStyleOptionButton option;
+        option.initFrom(&box);
+        const QRect square = box.style()->subElementRect(QStyle::SE_CheckBoxIndicator, &option, &box);
+        const QImage drawn =
+            box.window()->grab(QRect(box.mapTo(box.window(), QPoint()), box.size())).toImage();
+        const QColor around = drawn.pixelColor(square.right() + 3, square.center().y());
+        double edge = 0;
+        for (int x = square.left(); x <= square.right(); ++x) {
+            edge = std::max(edge, contrast(drawn.pixelColor(x, square.center().y()), around));
+        }
+        return edge;
+    }
 };
 
 TEST_F(Colours, NotesWarningsAndMarksCanBeReadOnEveryDesktop) {
@@ -213,6 +256,7 @@ TEST_F(Colours, NotesWarningsAndMarksCanBeReadOnEveryDesktop) {
             inks += expectInksAreReadable(desktop);
         }
         EXPECT_GE(inks, 6) << desktop;
+        EXPECT_GT(edgeOfEmptyBox(), 1.2) << desktop << ": a box can be seen though it is empty";
         for (const Mark mark : {Mark::Warning, Mark::Information}) {
             for (const auto ground : {QPalette::Base, QPalette::AlternateBase, QPalette::Window}) {
                 const auto drawnOn = ground == QPalette::Window ? ground : QPalette::Base;

@@ -31,11 +31,11 @@ WindowAccounts::WindowAccounts(const platform::Computer& computer, WindowActions
 
 void WindowAccounts::addMenu() {
     QList<QAction*> menus = window_.menuBar()->actions();
-    auto* menu = new QMenu(localized("View"), window_.menuBar());
+    auto* menu = new QMenu(localizedTitle("View"), window_.menuBar());
     menu->setObjectName("viewMenu");
     // The last menu is the help's, as everywhere.
     window_.menuBar()->insertMenu(menus.isEmpty() ? nullptr : menus.constLast(), menu);
-    show_ = menu->addAction(localized("Show System Accounts"));
+    show_ = menu->addAction(localizedTitle("Show System Accounts"));
     show_->setObjectName("showSystemAccounts");
     show_->setCheckable(true);
     show_->setChecked(NSUserDefaults::standardUserDefaults().integerForKey(settingKey).value_or(0) != 0);

@@ -157,12 +157,12 @@ bool WindowStatus::showShare(const std::string& name) {
 void WindowStatus::fillShareMenu(QMenu& menu, NSTableView& shares, int row) {
     const QString folder = shown(valueOf(shares, "DirectoryPath", row));
     const QString address = shown(addressOf(server_, shares, row));
-    QAction* open = menu.addAction(localized("Open Folder"), this, [folder] {
+    QAction* open = menu.addAction(localizedTitle("Open Folder"), this, [folder] {
         platform::Host::current().presenter().openAddress(
             QUrl::fromLocalFile(folder).toString(QUrl::FullyEncoded).toStdString());
     });
     open->setEnabled(QFileInfo(folder).isDir());
-    QAction* copy = menu.addAction(localized("Copy Address"), this,
+    QAction* copy = menu.addAction(localizedTitle("Copy Address"), this,
                                    [address] { QApplication::clipboard()->setText(address); });
     copy->setEnabled(!address.isEmpty());
 }
