@@ -298,7 +298,7 @@ class RowMenu : public SystemAccounts {
             auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
             ASSERT_NE(menu, nullptr);
             for (QAction* action : menu->actions()) {
-                if (action->text() == entry && action->isEnabled()) {
+                if (action->text().remove('&') == entry && action->isEnabled()) {
                     menu->setActiveAction(action);
                     QTest::keyClick(menu, Qt::Key_Return);
                     isPicked = true;
