@@ -92,7 +92,7 @@ QWidget* WidgetBuilder::makePage(const InterfaceNode& node) {
 QWidget* WidgetBuilder::makeDrawer(const InterfaceNode& node, int windowWidth) {
     constexpr int usualWidth = 340;
     const int width = number(node, "width");
-    const int leastBeside = windowWidth * 2 / 3; // a page keeps two thirds of the width that it was made for
+    const int leastBeside = windowWidth * 5 / 6; // what a page can do with of the width that it was made for
     const InterfaceNode& contents = *node.children.at(0);
     const auto foot =
         std::ranges::find_if(contents.children, [](const auto& child) { return isFoot(*child); });
