@@ -67,6 +67,7 @@ void selectShare(benchmark::State& state, char** argv) {
     }
     NSApp().mainWindow()->makeKeyAndOrderFront();
     application.launch();
+    QApplication::processEvents();
     QTableView* table = nullptr;
     for (QWidget* each : QApplication::allWidgets()) {
         table =
