@@ -1,6 +1,8 @@
 #include "platform/host/SystemComputer.h"
 #include "platform/host/SystemHost.h"
+#include "platform/netinfo/AccountLines.h"
 #include "platform/netinfo/LocalDomain.h"
+#include "platform/netinfo/Store.h"
 #include "platform/samba/InstalledSamba.h"
 #include "support/Subprocess.h"
 #include "support/TestHost.h"
@@ -10,6 +12,7 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <filesystem>
 #include <iterator>
 
@@ -68,6 +71,44 @@ TEST(SystemHost, SaysWhatTheComputerLacksInOneLine) {
         EXPECT_NE(text.find(package), std::string::npos) << text;
     }
     EXPECT_EQ(text.find('\n'), std::string::npos);
+}
+
+TEST(SystemHost, TellsItsProgramsAccountsFromThoseOfPeopleAndThoseThatBrindleMade) {
+    TestHost test;
+    test.write("passwd", "root:x:0:0::/root:/bin/sh\ngames:x:105:60::/:/bin/sh\nmade:x:501:501::/:/bin/sh\n"
+                         "stale:x:502:501::/:/bin/sh\nalice:x:1000:1000::/home/alice:/bin/sh\n"
+                         "nobody:x:65534:65534::/:/bin/sh\n");
+    test.write("group", "root:x:0:\nstaff:x:50:\nmail:x:8:\ncrew:x:600:\nalice:x:1000:\n");
+
+    struct Domain : platform::LocalDomain {
+        explicit Domain(fs::path folder) : folder_(std::move(folder)) {}
+
+        [[nodiscard]] std::string storeFile() const override { return folder_ / "directory.db"; }
+
+        [[nodiscard]] std::optional<platform::AccountFiles> accountFiles() const override {
+            return platform::AccountFiles{folder_ / "passwd", folder_ / "group"};
+        }
+
+        fs::path folder_;
+    };
+
+    const Domain domain(test.root());
+    platform::Store store(domain.storeFile(), platform::Store::Opening::Create);
+    const auto make = [&store](std::int64_t folder, const char* name, const char* property,
+                               const char* number) {
+        const auto record = store.addRecord(folder, name);
+        store.setValues(record, property, std::array{std::string(number)});
+        store.setValues(record, platform::accountStateProperty,
+                        std::array{std::string(platform::accountStateMade)});
+    };
+    const auto users = store.addRecord(platform::Store::root, "users");
+    make(users, "made", "uid", "501");
+    make(users, "stale", "uid", "777"); // of another account that had the name
+    make(store.addRecord(platform::Store::root, "groups"), "crew", "gid", "600");
+    ASSERT_TRUE(store.commit().isOk());
+    const platform::SystemAccounts found = platform::systemAccountsOf(domain, {});
+    EXPECT_EQ(found.users, (std::set<std::string>{"games", "root", "stale"}));
+    EXPECT_EQ(found.groups, (std::set<std::string>{"mail", "root"}));
 }
 
 TEST(SystemHost, SaysWhereTheServerListens) {

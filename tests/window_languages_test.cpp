@@ -41,6 +41,11 @@ class WindowInALanguage : public MainWindow, public testing::WithParamInterface<
   protected:
     WindowInALanguage() : MainWindow(optionsFor(GetParam())) {}
 
+    void SetUp() override {
+        useScreen(1024, 768); // the window has the size of its interface file
+        MainWindow::SetUp();
+    }
+
     static TestHost::Options optionsFor(const char* language) {
         TestHost::Options options;
         options.languages = {language, "English"};

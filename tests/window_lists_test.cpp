@@ -2,9 +2,18 @@
 
 #include "frontends/qt/TableRows.h"
 #include "platform/appkit/NSWindow.h"
+#include "platform/foundation/Computer.h"
+#include "review/Reviewer.h"
 #include "support/MainWindowFixture.h"
+#include "support/WindowFixture.h"
 
+#include <QCheckBox>
+#include <QContextMenuEvent>
+#include <QDesktopServices>
 #include <QHeaderView>
+#include <QListView>
+#include <QMenu>
+#include <QUrl>
 
 #include <random>
 
@@ -132,4 +141,215 @@ TEST_F(Lists, ColumnsComeBackAsTheyWereArranged) {
         << defaults.stringForKey(key).value_or("");
 }
 
+/// A menu of a hundred thousand people.
+class LongMenu : public Window {
+  protected:
+    void fill() {
+        desk.popUp->removeAllItems();
+        for (int person = 0; person < people; ++person) {
+            desk.popUp->addItemWithTitle("person" + std::to_string(person));
+        }
+        show();
+        QApplication::processEvents();
+    }
+
+    QWidget& opened() {
+        QTest::mouseClick(widget<QComboBox>("popUp"), Qt::LeftButton);
+        EXPECT_TRUE(QTest::qWaitFor([this] { return QApplication::activePopupWidget() != nullptr; }));
+        return *QApplication::activePopupWidget();
+    }
+
+    static constexpr int people = 100000;
+};
+
+TEST_F(LongMenu, IsSearchedByAPartOfTheNameAndChangesOnlyByAChoice) {
+    fill();
+    const QWidget& menu = opened();
+    auto* field = menu.findChild<QLineEdit*>();
+    const auto* list = menu.findChild<QListView*>();
+    ASSERT_TRUE(field != nullptr && list != nullptr && field->hasFocus());
+    EXPECT_EQ(list->model()->rowCount(), people);
+    QTest::keyClicks(field, "ON9999");
+    EXPECT_EQ(list->model()->rowCount(), 11); // 9999 and 99990 to 99999
+    QTest::keyClick(field, Qt::Key_Down);
+    EXPECT_EQ(desk.told, Told{});
+    QTest::keyClick(field, Qt::Key_Escape);
+    EXPECT_EQ(QApplication::activePopupWidget(), nullptr);
+    EXPECT_EQ(desk.popUp->indexOfSelectedItem(), 0);
+
+    field = opened().findChild<QLineEdit*>();
+    QTest::keyClicks(field, "nobody");
+    QTest::keyClick(field, Qt::Key_Return); // there is nothing to take
+    ASSERT_NE(QApplication::activePopupWidget(), nullptr);
+    field->clear();
+    QTest::keyClicks(field, "9999");
+    QTest::keyClick(field, Qt::Key_Down);
+    QTest::keyClick(field, Qt::Key_Return);
+    EXPECT_EQ(desk.told, Told{"chose person19999"});
+    EXPECT_EQ(widget<QComboBox>("popUp")->currentText(), "person19999");
+
+    auto* shown = opened().findChild<QListView*>();
+    QTest::mouseClick(shown->viewport(), Qt::LeftButton, {},
+                      shown->visualRect(shown->currentIndex()).center());
+    EXPECT_EQ(desk.told, (Told{"chose person19999", "chose person19999"})); // a choice all the same
+    EXPECT_EQ(QApplication::activePopupWidget(), nullptr);
+}
+
+TEST_F(LongMenu, IsLookedAtAgainOnlyWhenItsItemsHaveChanged) {
+    fill();
+    int resets = 0;
+    QObject::connect(widget<QComboBox>("popUp")->model(), &QAbstractItemModel::modelReset, [&] { ++resets; });
+    desk.popUp->selectItemWithTitle("person77777");
+    QApplication::processEvents();
+    EXPECT_EQ(widget<QComboBox>("popUp")->currentText(), "person77777");
+    EXPECT_EQ(resets, 0);
+    desk.popUp->removeAllItems();
+    desk.popUp->addItemWithTitle("person77777");
+    QApplication::processEvents();
+    EXPECT_EQ(resets, 1);
+    EXPECT_EQ(widget<QComboBox>("popUp")->currentText(), "person77777");
+}
+
+/// A computer with programs' accounts of its own.
+struct ServicesComputer : platform::Computer {
+    [[nodiscard]] std::string whatIsMissing() const override { return {}; }
+
+    [[nodiscard]] platform::ServerLine smbServer() const override { return {}; }
+
+    [[nodiscard]] std::string afpServerLine() const override { return {}; }
+
+    [[nodiscard]] std::string whyNoPublicFolder(const std::string& /*user*/) const override { return {}; }
+
+    [[nodiscard]] platform::SystemAccounts systemAccounts() const override { return accounts; }
+
+    platform::SystemAccounts accounts;
+};
+
+class SystemAccounts : public Lists {
+  protected:
+    void openOnComputer() {
+        platform::Services services = host.host().services();
+        services.computer = computer;
+        inner.emplace(std::move(services));
+        open();
+        reviewer.emplace(*interface);
+        frontend->useReviewer(*reviewer);
+    }
+
+    void TearDown() override {
+        MainWindow::TearDown();
+        reviewer.reset();
+        interface.reset();
+        inner.reset();
+    }
+
+    QStringList names(const std::string& table, int column = 0) {
+        QApplication::processEvents();
+        const auto* model = widget<QTableView>(table).model();
+        QStringList shown;
+        for (int place = 0; place < model->rowCount(); ++place) {
+            shown += model->index(place, column).data().toString();
+        }
+        return shown;
+    }
+
+    std::shared_ptr<ServicesComputer> computer = std::make_shared<ServicesComputer>();
+    std::optional<platform::Host> inner;
+    std::optional<review::Reviewer> reviewer;
+};
+
+TEST_F(SystemAccounts, AreLeftOutOfViewUntilTheyAreAskedFor) {
+    addUser("games", "105");
+    addUser("alice", "1001");
+    addGroup("mail", "108");
+    addGroup("crew", "1600");
+    computer->accounts = {{"games"}, {"mail"}};
+    openOnComputer();
+    showPage(1);
+    EXPECT_EQ(names("userTableView"), QStringList{"alice"});
+    clickRow("userTableView", 0);
+    EXPECT_EQ(control<NSTableView>("userTableView").selectedRow(), 1); // the list's own numbers
+    showPage(2);
+    EXPECT_EQ(names("groupTableView", 1), QStringList{"crew"});
+    EXPECT_EQ(names("groupUsersTableView"), QStringList{"alice"});
+    // The page's own box asks for them as well.
+    QTest::mouseClick(&widget<QCheckBox>("showSystemUsersGroups3"), Qt::LeftButton, {}, QPoint(8, 8));
+    EXPECT_TRUE(names("groupTableView", 1).contains("mail"));
+    useMenu("Show System Accounts");
+    showPage(1);
+    EXPECT_EQ(names("userTableView"), (QStringList{"games", "alice"}));
+    EXPECT_EQ(NSUserDefaults::standardUserDefaults().integerForKey("BrindleShowSystemAccounts"), 1);
+    clickRow("userTableView", 0);
+    useMenu("Show System Accounts");
+    EXPECT_EQ(names("userTableView"), (QStringList{"games", "alice"})); // what is selected stays in sight
+    clickRow("userTableView", 1);
+    computer->accounts.users.insert("alice");
+    clickTitled("Refresh");
+    EXPECT_EQ(names("userTableView"), QStringList{"alice"});
+}
+
+/// The row's menu, of which an entry is picked.
+class RowMenu : public SystemAccounts {
+  protected:
+    /// Whether the entry could be used.
+    bool pick(int row, const QString& entry) {
+        bool isPicked = false;
+        QTimer::singleShot(0, [&] {
+            auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+            ASSERT_NE(menu, nullptr);
+            for (QAction* action : menu->actions()) {
+                if (action->text().remove('&') == entry && action->isEnabled()) {
+                    menu->setActiveAction(action);
+                    QTest::keyClick(menu, Qt::Key_Return);
+                    isPicked = true;
+                    return;
+                }
+            }
+            menu->close();
+        });
+        const QPoint place = table().visualRect(table().model()->index(row, 0)).center();
+        clickRow("normalTableView", row);
+        QContextMenuEvent event(QContextMenuEvent::Mouse, place, table().viewport()->mapToGlobal(place));
+        QApplication::sendEvent(table().viewport(), &event);
+        return isPicked;
+    }
+};
+
+/// Takes what would be opened on the desktop.
+class Desktop : public QObject {
+    Q_OBJECT
+
+  public:
+    Desktop() { QDesktopServices::setUrlHandler("file", this, "open"); }
+
+    ~Desktop() override { QDesktopServices::unsetUrlHandler("file"); }
+
+    Q_INVOKABLE void open(const QUrl& url) { opened.append(url.toLocalFile()); }
+
+    QStringList opened;
+};
+
+TEST_F(RowMenu, OpensTheFolderAndCopiesTheAddressUnderWhichOthersReachIt) {
+    const Desktop desktop;
+    const std::string folder = (host.root() / "my docs").string();
+    std::filesystem::create_directory(folder);
+    addShare("My Docs", folder);
+    addShare("Old Mac", "/gone");
+    addShare("Kept", "/gone", "0");
+    host.write("etc/smb.conf", "[My Docs]\n\tpath = " + folder + "\n");
+    openOnComputer();
+    EXPECT_FALSE(pick(0, "Copy Address")); // nothing serves it
+    frontend->useServer("smb://desk:4455/", "", false);
+    EXPECT_TRUE(pick(0, "Copy Address"));
+    EXPECT_EQ(QApplication::clipboard()->text(), "smb://desk:4455/My%20Docs");
+    EXPECT_TRUE(pick(1, "Copy Address"));
+    EXPECT_EQ(QApplication::clipboard()->text(), "afp://desk/Old%20Mac");
+    EXPECT_FALSE(pick(2, "Copy Address"));
+    EXPECT_TRUE(pick(0, "Open Folder"));
+    EXPECT_FALSE(pick(1, "Open Folder"));
+    EXPECT_EQ(desktop.opened, QStringList{QString::fromStdString(folder)});
+}
+
 } // namespace
+
+#include "window_lists_test.moc"

@@ -18,7 +18,7 @@ class MainWindow : public AppFixture, protected WindowHands {
     explicit MainWindow(const TestHost::Options& options = {}) : AppFixture(options) {}
 
     void SetUp() override {
-        qputenv("QT_QPA_PLATFORM", "offscreen");
+        qputenv("QT_QPA_PLATFORM", qtPlatform);
         qputenv("QT_LOGGING_RULES", "default.warning=false");
         frontend = std::make_unique<QtFrontend>(argc, arguments, QtFrontend::Manner::Interactive);
         host.host().setPresenter(frontend->presenter());
@@ -32,6 +32,19 @@ class MainWindow : public AppFixture, protected WindowHands {
         ASSERT_TRUE(QTest::qWaitForWindowActive(&widget<QWidget>("mainWindow")));
     }
 
+    /// Has the window stand on a screen of that size. Before SetUp.
+    void useScreen(int width, int height) {
+        const std::string size =
+            "\"width\": " + std::to_string(width) + ", \"height\": " + std::to_string(height);
+        host.write("screen.json", "{\"synchronousWindowSystemEvents\": false, \"windowFrameMargins\": true, "
+                                  "\"screens\": [{\"name\": \"one\", \"x\": 0, \"y\": 0, \"logicalDpi\": 96, "
+                                  "\"logicalBaseDpi\": 96, \"dpr\": 1, " +
+                                      size + "}]}");
+        qtPlatform =
+            QByteArray::fromStdString("offscreen:configfile=" + (host.root() / "screen.json").string());
+    }
+
+    QByteArray qtPlatform = "offscreen";
     int argc = 1;
     char program[7] = "window";
     char* arguments[2] = {program, nullptr};

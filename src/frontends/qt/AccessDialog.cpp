@@ -2,6 +2,7 @@
 
 #include "frontends/qt/Binding.h"
 #include "frontends/qt/DialogParts.h"
+#include "frontends/qt/ScreenRoom.h"
 #include "platform/foundation/NSBundle.h"
 #include "platform/foundation/NSString.h"
 
@@ -41,7 +42,7 @@ AccessDialog::AccessDialog(Questions questions, const std::optional<std::string>
     : QDialog(parent), questions_(std::move(questions)) {
     setObjectName("access");
     setWindowTitle(localized("Check Access"));
-    resize(dialogWidth, dialogHeight);
+    resize(fittedToScreen(*this, QSize(dialogWidth, dialogHeight)));
     subject_ = new QComboBox;
     subject_->setObjectName("accessSubject");
     subject_->setAccessibleName(windowTitle());

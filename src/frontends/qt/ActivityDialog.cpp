@@ -2,11 +2,12 @@
 
 #include "frontends/qt/Binding.h"
 #include "frontends/qt/DialogParts.h"
+#include "frontends/qt/Inks.h"
+#include "frontends/qt/ScreenRoom.h"
 #include "platform/appkit/NSAlert.h"
 #include "platform/foundation/NSBundle.h"
 #include "platform/foundation/NSString.h"
 
-#include <QApplication>
 #include <QDialogButtonBox>
 #include <QFileDialog>
 #include <QFontDatabase>
@@ -14,7 +15,6 @@
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QSaveFile>
-#include <QStyle>
 #include <QTableView>
 #include <QVBoxLayout>
 
@@ -32,9 +32,7 @@ constexpr std::array<const char*, 3> columnTitles = {"Time", "What", "Outcome"};
 enum Column { timeColumn, textColumn, outcomeColumn };
 
 QVariant markOf(const ActivityEntry& entry) {
-    return entry.hasFailed || entry.hasBeeped
-               ? QVariant(QApplication::style()->standardIcon(QStyle::SP_MessageBoxWarning))
-               : QVariant();
+    return entry.hasFailed || entry.hasBeeped ? QVariant(markIcon(Mark::Warning)) : QVariant();
 }
 
 } // namespace
@@ -95,7 +93,7 @@ ActivityDialog::ActivityDialog(const Activity& activity, QWidget* parent)
       details_(makeDetails("activityDetails")) {
     setObjectName("activity");
     setWindowTitle(localized("Activity"));
-    resize(dialogWidth, dialogHeight);
+    resize(fittedToScreen(*this, QSize(dialogWidth, dialogHeight)));
     table_->setObjectName("activityList");
     table_->setAccessibleName(localized("Activity"));
     table_->setModel(&model_);

@@ -3,7 +3,6 @@
 #include "platform/appkit/Element.h"
 #include "platform/foundation/NSBundle.h"
 
-#include <QColor>
 #include <QObject>
 #include <QString>
 
@@ -74,9 +73,6 @@ class Binding : public QObject {
 
 /// queue.runUserEvent(event).
 void dispatchUserEvent(RefreshQueue& queue, const std::function<void()>& event);
-
-/// The colour of what a user should not overlook.
-inline constexpr QColor warningColor(0xa0, 0x3c, 0x00);
 
 /// The text as Qt shows it; a byte that is not UTF-8 shows as a replacement character.
 [[nodiscard]] inline QString shown(const std::string& text) {

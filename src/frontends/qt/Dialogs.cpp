@@ -1,6 +1,7 @@
 #include "frontends/qt/Dialogs.h"
 
 #include "frontends/qt/Binding.h"
+#include "frontends/qt/Inks.h"
 #include "platform/foundation/NSBundle.h"
 
 #include <QAbstractButton>
@@ -76,7 +77,9 @@ platform::AlertAnswer askAlert(const platform::Alert& alert, QWidget* parent) {
     using platform::AlertAnswer;
     QMessageBox box(parent);
     box.setObjectName("alert");
-    box.setIcon(isInformation(alert) ? QMessageBox::Information : QMessageBox::Warning);
+    constexpr int markSize = 40;
+    box.setIconPixmap(markIcon(isInformation(alert) ? Mark::Information : Mark::Warning, QPalette::Window)
+                          .pixmap(markSize));
     box.setWindowTitle(shown(alert.title));
     box.setText(asItIs(alert.title, "bold"));
     box.setInformativeText(asItIs(alert.message, "normal"));
@@ -160,9 +163,7 @@ std::optional<platform::AdministratorAnswer> askAdministrator(const platform::Ad
     }
     if (!request.message.empty()) {
         auto* message = wrapped(shown(request.message));
-        QPalette warning = message->palette();
-        warning.setColor(QPalette::WindowText, warningColor);
-        message->setPalette(warning);
+        useInk(*message, Ink::Warning);
         layout->addWidget(message);
     }
     auto* buttons = new QDialogButtonBox;

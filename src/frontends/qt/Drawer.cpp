@@ -1,43 +1,42 @@
 #include "frontends/qt/Drawer.h"
 
+#include "frontends/qt/Inks.h"
+
+#include <QEvent>
 #include <QFrame>
 #include <QHBoxLayout>
 #include <QScreen>
+#include <QScrollArea>
 #include <QScrollBar>
 
 #include <algorithm>
 
 namespace {
 
-constexpr int slideTime = 180;   // milliseconds
-constexpr int shadeFactor = 103; // percent: the drawer lies a little lower than the window
+constexpr int slideTime = 180; // milliseconds
 
-/// The contents with the line that stands for the window's edge.
-QWidget* besideEdge(QWidget* contents) {
-    auto* holder = new QWidget;
-    auto* edge = new QFrame;
-    edge->setFrameStyle(static_cast<int>(QFrame::VLine) | static_cast<int>(QFrame::Sunken));
-    auto* layout = new QHBoxLayout(holder);
-    layout->setContentsMargins(0, 0, 0, 0);
-    layout->setSpacing(0);
-    layout->addWidget(edge);
-    layout->addWidget(contents, 1);
-    return holder;
+/// The contents, which scroll and keep their width, as nothing slides sideways.
+QScrollArea* scrolled(QWidget* contents, int width) {
+    auto* area = new QScrollArea;
+    area->setFrameShape(QFrame::NoFrame);
+    area->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    contents->setMinimumWidth(width - area->verticalScrollBar()->sizeHint().width());
+    area->setWidgetResizable(true);
+    area->setWidget(contents);
+    area->setFocusPolicy(Qt::NoFocus); // the fields in it have it, and scroll into view
+    return area;
 }
 
-/// Makes the window's smallest size the one that its widgets have now.
-void settleLayouts(const QWidget& inner) {
-    for (const QWidget* outer = inner.parentWidget(); outer != nullptr; outer = outer->parentWidget()) {
-        if (outer->layout() != nullptr) {
-            outer->layout()->activate();
-        }
-    }
+QFrame* line(QFrame::Shape shape) {
+    auto* drawn = new QFrame;
+    drawn->setFrameStyle(static_cast<int>(shape) | static_cast<int>(QFrame::Sunken));
+    return drawn;
 }
 
 /// How much wider the window may become on its screen.
 int roomBeside(const QWidget& window) {
     if (window.testAttribute(Qt::WA_DontShowOnScreen)) {
-        return QWIDGETSIZE_MAX;
+        return std::max(0, window.maximumWidth() - window.width()); // a picture's size may be asked for
     }
     if (window.isMaximized() || window.isFullScreen() || window.screen() == nullptr) {
         return 0;
@@ -47,19 +46,24 @@ int roomBeside(const QWidget& window) {
 
 } // namespace
 
-Drawer::Drawer(NSDrawer& drawer, QWidget* contents, int width, bool animated, RefreshQueue& queue)
-    : drawer_(drawer), width_(width), animated_(animated) {
-    setFrameShape(QFrame::NoFrame);
-    setFocusPolicy(Qt::NoFocus); // it scrolls to what has the cursor
-    QPalette shade = palette();
-    shade.setColor(QPalette::Window, shade.color(QPalette::Window).darker(shadeFactor));
-    setPalette(shade);
-    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    // The contents keep their width while the drawer slides, and scroll where the window is too low for them.
-    contents->setMinimumWidth(width - verticalScrollBar()->sizeHint().width());
-    setWidgetResizable(true);
-    setWidget(besideEdge(contents));
-    setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Expanding);
+Drawer::Drawer(NSDrawer& drawer, Parts parts, int width, int leastBeside, bool animated, RefreshQueue& queue)
+    : drawer_(drawer), width_(width), leastBeside_(leastBeside), animated_(animated),
+      holder_(new QWidget(this)) {
+    setAutoFillBackground(true); // it may lie over the page
+    auto* sides = new QHBoxLayout(holder_);
+    sides->setContentsMargins(0, 0, 0, 0);
+    sides->setSpacing(0);
+    QFrame* edge = line(QFrame::VLine);
+    sides->addWidget(edge);
+    auto* inside = new QVBoxLayout;
+    inside->setSpacing(0);
+    inside->addWidget(scrolled(parts.contents, width - edge->sizeHint().width()), 1);
+    if (parts.foot != nullptr) {
+        inside->addWidget(line(QFrame::HLine));
+        inside->addWidget(parts.foot);
+    }
+    sides->addLayout(inside, 1);
+    shade();
     setShownWidth(0);
     slide_.setDuration(slideTime);
     slide_.setEasingCurve(QEasingCurve::OutCubic);
@@ -68,26 +72,63 @@ Drawer::Drawer(NSDrawer& drawer, QWidget* contents, int width, bool animated, Re
     new Binding(this, queue, drawer.changed, [this] { load(); });
 }
 
+void Drawer::shade() {
+    const QWidget* around = parentWidget();
+    QPalette own;
+    own.setColor(QPalette::Window, loweredWindow(around == nullptr ? QPalette() : around->palette()));
+    if (own.color(QPalette::Window) != palette().color(QPalette::Window)) {
+        setPalette(own);
+    }
+}
+
+void Drawer::changeEvent(QEvent* event) {
+    if (event->type() == QEvent::PaletteChange) {
+        shade();
+    }
+    QWidget::changeEvent(event);
+}
+
+void Drawer::resizeEvent(QResizeEvent* event) {
+    QWidget::resizeEvent(event);
+    holder_->setGeometry(0, 0, width_, height());
+}
+
 void Drawer::load() {
     if (opened_ == drawer_.isOpen()) {
         return;
     }
     opened_ = drawer_.isOpen();
-    QWidget* frame = window();
     if (opened_) {
-        // By at least the width that the rest of the window cannot spare.
-        const int needed = frame->minimumSizeHint().width() + width_ - frame->width();
-        grown_ = std::max(std::min(width_, roomBeside(*frame)), needed);
-        frame->resize(frame->width() + grown_, frame->height());
+        grow(*window());
         slideTo(width_);
     } else {
         slideTo(0);
-        settleLayouts(*this);
-        if (!frame->isMaximized() && !frame->isFullScreen()) {
-            frame->resize(frame->width() - grown_, frame->height());
-        }
-        grown_ = 0;
+        giveBack(*window());
     }
+}
+
+void Drawer::grow(QWidget& window) {
+    const int growth = std::min(width_, roomBeside(window));
+    grown_ = isBeside(window.width() + growth) ? growth : 0;
+    if (grown_ == 0) {
+        return;
+    }
+    window.resize(window.width() + grown_, window.height());
+    if (!window.testAttribute(Qt::WA_DontShowOnScreen)) {
+        const int right = window.screen()->availableGeometry().right();
+        shifted_ = std::max(0, window.frameGeometry().right() - right);
+        shiftedTo_ = window.x() - shifted_;
+        window.move(shiftedTo_, window.y());
+    }
+}
+
+void Drawer::giveBack(QWidget& window) {
+    if (grown_ > 0 && !window.isMaximized() && !window.isFullScreen()) {
+        window.resize(window.width() - grown_, window.height());
+        window.move(window.x() + shifted(), window.y());
+    }
+    grown_ = 0;
+    shifted_ = 0;
 }
 
 void Drawer::slideTo(int width) {
@@ -97,13 +138,68 @@ void Drawer::slideTo(int width) {
         setShownWidth(width);
         return;
     }
-    setShownWidth(std::max(1, this->width())); // what is in it can have the cursor at once
-    slide_.setStartValue(this->width());
+    setShownWidth(std::max(1, shownWidth_)); // what is in it can have the cursor at once
+    slide_.setStartValue(shownWidth_);
     slide_.setEndValue(width);
     slide_.start();
 }
 
 void Drawer::setShownWidth(int width) {
-    setFixedWidth(width);
+    shownWidth_ = width;
     setVisible(width > 0);
+    updateGeometry();
+    if (QWidget* around = parentWidget(); around != nullptr && around->layout() != nullptr) {
+        around->layout()->activate(); // a page beside it gives up its room in the same step
+    }
+}
+
+DrawerLayout::~DrawerLayout() = default;
+
+void DrawerLayout::addItem(QLayoutItem* item) {
+    items_.emplace_back(item);
+}
+
+QLayoutItem* DrawerLayout::itemAt(int index) const {
+    return index < 0 || index >= count() ? nullptr : items_[static_cast<std::size_t>(index)].get();
+}
+
+QLayoutItem* DrawerLayout::takeAt(int index) {
+    if (index < 0 || index >= count()) {
+        return nullptr;
+    }
+    QLayoutItem* taken = items_[static_cast<std::size_t>(index)].release();
+    items_.erase(items_.begin() + index);
+    return taken;
+}
+
+void DrawerLayout::setGeometry(const QRect& rect) {
+    QLayout::setGeometry(rect);
+    QRect page = rect;
+    for (const auto& item : items_) {
+        const auto* drawer = qobject_cast<const Drawer*>(item->widget());
+        if (drawer == nullptr) {
+            continue;
+        }
+        const int shownWidth = std::min(drawer->shownWidth(), rect.width());
+        QRect strip = rect;
+        strip.setLeft(rect.right() + 1 - shownWidth);
+        item->setGeometry(strip);
+        item->widget()->raise();
+        page.setWidth(drawer->isBeside(rect.width()) ? rect.width() - shownWidth : rect.width());
+    }
+    if (!items_.empty()) {
+        items_.front()->setGeometry(page);
+    }
+}
+
+QSize DrawerLayout::sizeHint() const {
+    return items_.empty() ? QSize() : items_.front()->sizeHint();
+}
+
+QSize DrawerLayout::minimumSize() const {
+    QSize least = items_.empty() ? QSize() : items_.front()->minimumSize();
+    for (const auto& item : items_) {
+        least.setHeight(std::max(least.height(), item->minimumSize().height()));
+    }
+    return least;
 }

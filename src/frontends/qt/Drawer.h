@@ -3,28 +3,86 @@
 #include "frontends/qt/Binding.h"
 #include "platform/appkit/NSWindow.h"
 
-#include <QScrollArea>
+#include <QLayout>
 #include <QVariantAnimation>
+#include <QWidget>
 
-/// The widget of a drawer: slides out of the right edge of the window that it stands in. Where the screen has
-/// room the window grows by the drawer's width, so that the rest keeps its own; when the drawer closes the
-/// window gets it back.
-class Drawer : public QScrollArea {
+#include <memory>
+
+/// The widget of a drawer, at the window's right edge: what it holds scrolls where the window is too low, and
+/// its foot stays in sight below. The window is widened for it as far as the screen has room. Where the page
+/// would become too narrow beside it, it lies over the page instead.
+class Drawer : public QWidget {
     Q_OBJECT
 
   public:
-    /// Shows `contents`, `width` points wide. `animated` false: it is open or closed at once.
-    Drawer(NSDrawer& drawer, QWidget* contents, int width, bool animated, RefreshQueue& queue);
+    struct Parts {
+        QWidget* contents;
+        QWidget* foot; ///< null: none
+    };
+
+    /// Both parts become its own. `width` is its width, and `leastBeside` that of the narrowest page that it
+    /// stands beside. `animated` false: it is open or closed at once.
+    Drawer(NSDrawer& drawer, Parts parts, int width, int leastBeside, bool animated, RefreshQueue& queue);
+
+    /// As far as it has slid out.
+    [[nodiscard]] int shownWidth() const { return shownWidth_; }
+
+    /// Whether it takes its room from a page in a window so wide.
+    [[nodiscard]] bool isBeside(int windowWidth) const { return windowWidth - width_ >= leastBeside_; }
+
+    /// What the window has grown for it.
+    [[nodiscard]] int grown() const { return grown_; }
+
+    /// How far it has moved to the left for that, unless it was moved since.
+    [[nodiscard]] int shifted() const { return window()->x() == shiftedTo_ ? shifted_ : 0; }
+
+    [[nodiscard]] NSDrawer& model() const { return drawer_; }
+
+  protected:
+    void resizeEvent(QResizeEvent* event) override;
+    void changeEvent(QEvent* event) override;
 
   private:
     void load();
+    void grow(QWidget& window);
+    void giveBack(QWidget& window);
     void slideTo(int width);
     void setShownWidth(int width);
+    void shade();
 
     NSDrawer& drawer_;
     int width_;
+    int leastBeside_;
     bool animated_;
     bool opened_ = false; ///< as it is shown, or being slid to
-    int grown_ = 0;       ///< what the window has grown for the drawer
+    int shownWidth_ = 0;
+    int grown_ = 0;
+    int shifted_ = 0;
+    int shiftedTo_ = 0;
+    QWidget* holder_; ///< keeps the drawer's whole width while it slides
     QVariantAnimation slide_;
+};
+
+/// Lays out a window's page, which comes first, and its drawer.
+class DrawerLayout : public QLayout {
+    Q_OBJECT
+
+  public:
+    explicit DrawerLayout(QWidget* window) : QLayout(window) { setContentsMargins(0, 0, 0, 0); }
+
+    ~DrawerLayout() override;
+
+    void addItem(QLayoutItem* item) override;
+
+    [[nodiscard]] int count() const override { return static_cast<int>(items_.size()); }
+
+    [[nodiscard]] QLayoutItem* itemAt(int index) const override;
+    QLayoutItem* takeAt(int index) override;
+    void setGeometry(const QRect& rect) override;
+    [[nodiscard]] QSize sizeHint() const override;
+    [[nodiscard]] QSize minimumSize() const override;
+
+  private:
+    std::vector<std::unique_ptr<QLayoutItem>> items_;
 };

@@ -1,5 +1,6 @@
 #include "frontends/qt/FieldProblems.h"
 
+#include "frontends/qt/Inks.h"
 #include "frontends/qt/LineEdit.h"
 #include "frontends/qt/NodeAttributes.h"
 #include "platform/appkit/NSPopUpButton.h"
@@ -47,9 +48,7 @@ QLabel* makeProblemNote(QWidget& widget) {
     note->setTextFormat(Qt::PlainText);
     note->setWordWrap(true);
     note->setTextInteractionFlags(Qt::TextSelectableByMouse);
-    QPalette palette = note->palette();
-    palette.setColor(QPalette::WindowText, warningColor);
-    note->setPalette(palette);
+    useInk(*note, Ink::Warning);
     note->hide();
     QObject::connect(edit, &LineEdit::problemChanged, note, [note](const QString& why) {
         note->setText(why);

@@ -2,6 +2,8 @@
 
 #include "frontends/qt/Binding.h"
 #include "frontends/qt/DialogParts.h"
+#include "frontends/qt/Inks.h"
+#include "frontends/qt/ScreenRoom.h"
 #include "platform/foundation/NSBundle.h"
 #include "platform/foundation/NSString.h"
 
@@ -10,7 +12,6 @@
 #include <QLabel>
 #include <QPlainTextEdit>
 #include <QPushButton>
-#include <QStyle>
 #include <QTreeWidget>
 #include <QVBoxLayout>
 
@@ -29,7 +30,7 @@ FindingsDialog::FindingsDialog(std::function<accesscheck::Examination()> examine
     : QDialog(parent), examine_(std::move(examine)) {
     setObjectName("findings");
     setWindowTitle(localized("Check This Computer"));
-    resize(dialogWidth, dialogHeight);
+    resize(fittedToScreen(*this, QSize(dialogWidth, dialogHeight)));
     summary_ = new QLabel;
     summary_->setObjectName("findingsSummary");
     summary_->setTextFormat(Qt::PlainText);
@@ -54,9 +55,7 @@ void FindingsDialog::fill() {
     const auto problems = std::ranges::count(found_.findings, Finding::Level::Problem, &Finding::level);
     for (const Finding& each : found_.findings) {
         auto* item = new QTreeWidgetItem(list_, {shown(each.text), shown(each.where)});
-        item->setIcon(0, style()->standardIcon(each.level == Finding::Level::Problem
-                                                   ? QStyle::SP_MessageBoxWarning
-                                                   : QStyle::SP_MessageBoxInformation));
+        item->setIcon(0, markIcon(each.level == Finding::Level::Problem ? Mark::Warning : Mark::Information));
         if (each.level == Finding::Level::Problem) { // what the icon says, in words
             item->setData(0, Qt::AccessibleTextRole, localized("Warning") + ": " + shown(each.text));
         }

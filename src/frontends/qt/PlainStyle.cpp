@@ -1,6 +1,9 @@
 #include "frontends/qt/PlainStyle.h"
 
+#include "frontends/qt/Inks.h"
+
 #include <QApplication>
+#include <QPainter>
 #include <QStyleOption>
 #include <QWidget>
 
@@ -15,6 +18,14 @@ constexpr int fieldAir = 4;
 bool isFlat(const QStyleOption* option) {
     const auto* button = qstyleoption_cast<const QStyleOptionButton*>(option);
     return button != nullptr && button->features.testFlag(QStyleOptionButton::Flat);
+}
+
+/// Whether the style's outlines, which are darker than the window, look like the window itself.
+bool edgesVanish(const QPalette& palette) {
+    constexpr int outline = 140; // percent
+    constexpr double leastEdge = 1.1;
+    const QColor window = palette.color(QPalette::Window);
+    return contrast(window.darker(outline), window) < leastEdge;
 }
 
 } // namespace
@@ -60,6 +71,20 @@ QSize PlainStyle::sizeFromContents(ContentsType type, const QStyleOption* option
         break;
     }
     return made;
+}
+
+void PlainStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,
+                               const QWidget* widget) const {
+    QProxyStyle::drawPrimitive(element, option, painter, widget);
+    const bool hasEdge =
+        element == PE_IndicatorCheckBox || element == PE_FrameLineEdit || element == PE_Frame;
+    if (hasEdge && edgesVanish(option->palette)) {
+        painter->save();
+        painter->setPen(inkOn(Ink::Note, option->palette));
+        painter->setBrush(Qt::NoBrush);
+        painter->drawRect(option->rect.adjusted(0, 0, -1, -1));
+        painter->restore();
+    }
 }
 
 void usePlainStyle() {

@@ -1,12 +1,14 @@
 #include "frontends/qt/PopUp.h"
 
+#include "frontends/qt/SearchList.h"
+
 #include <QListView>
 #include <QWheelEvent>
 
 namespace {
 
 constexpr int longListLength = 14; ///< letters of a title that a pop-up with a long list has room for
-constexpr int longListRows = 16;
+constexpr int mostWithoutSearch = 20;
 
 } // namespace
 
@@ -23,7 +25,11 @@ QVariant PopUpItems::data(const QModelIndex& index, int role) const {
 }
 
 void PopUpItems::reload() {
+    if (content_ == popUp_.content()) {
+        return; // as after every selection: a hundred thousand items are not to be looked at again
+    }
     beginResetModel();
+    content_ = popUp_.content();
     rows_ = popUp_.numberOfItems();
     endResetModel();
 }
@@ -31,15 +37,12 @@ void PopUpItems::reload() {
 PopUp::PopUp(NSPopUpButton& popUp, bool longList, RefreshQueue& queue)
     : popUp_(popUp), queue_(queue), items_(popUp) {
     if (longList) {
-        // A list with a scroll bar: a menu of ten thousand items would be laid out whole.
-        setStyleSheet("QComboBox { combobox-popup: 0; }");
         auto* list = new QListView(this);
         list->setUniformItemSizes(true); // else every item is measured
         setView(list);
         setSizeAdjustPolicy(AdjustToMinimumContentsLengthWithIcon);
         setMinimumContentsLength(longListLength);
         setIconSize(QSize(1, 1)); // there are no icons to leave room for
-        setMaxVisibleItems(longListRows);
     } else {
         setSizeAdjustPolicy(AdjustToContents);
     }
@@ -52,6 +55,16 @@ void PopUp::load() {
     setEnabled(popUp_.isEnabled());
     items_.reload();
     setCurrentIndex(popUp_.indexOfSelectedItem());
+}
+
+void PopUp::showPopup() {
+    if (popUp_.numberOfItems() <= mostWithoutSearch) {
+        QComboBox::showPopup();
+        return;
+    }
+    auto* list = new SearchList(popUp_.itemTitles(), popUp_.indexOfSelectedItem(), *this);
+    connect(list, &SearchList::chosen, this, &PopUp::userChose);
+    list->open();
 }
 
 void PopUp::userChose(int index) {

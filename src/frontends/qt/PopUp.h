@@ -6,10 +6,13 @@
 #include <QAbstractListModel>
 #include <QComboBox>
 
+#include <cstdint>
+
 /// Shows a pop-up's items without copying them.
 class PopUpItems : public QAbstractListModel {
   public:
-    explicit PopUpItems(NSPopUpButton& popUp) : popUp_(popUp), rows_(popUp.numberOfItems()) {}
+    explicit PopUpItems(NSPopUpButton& popUp)
+        : popUp_(popUp), rows_(popUp.numberOfItems()), content_(popUp.content()) {}
 
     [[nodiscard]] int rowCount(const QModelIndex& parent = {}) const override;
     [[nodiscard]] QVariant data(const QModelIndex& index, int role) const override;
@@ -19,19 +22,21 @@ class PopUpItems : public QAbstractListModel {
 
   private:
     NSPopUpButton& popUp_;
-    int rows_; ///< as last reported to Qt
+    int rows_;              ///< as last reported to Qt
+    std::uint64_t content_; ///< the same
 };
 
 /// The widget of a pop-up menu. Choosing the item that is selected already counts as a choice; typing selects
 /// the item that begins with what is typed; the mouse wheel changes nothing, because a page is scrolled over
-/// it.
+/// it. A menu of many items opens as a list that is searched.
 class PopUp : public QComboBox {
     Q_OBJECT
 
   public:
-    /// `longList`: the items may be many; they are shown in a list with a scroll bar, and do not decide the
-    /// width.
+    /// `longList`: the items may be many; they do not decide the width.
     PopUp(NSPopUpButton& popUp, bool longList, RefreshQueue& queue);
+
+    void showPopup() override;
 
   protected:
     void wheelEvent(QWheelEvent* event) override;

@@ -9,11 +9,13 @@
 #include "frontends/qt/TabView.h"
 #include "frontends/qt/TableView.h"
 #include "frontends/qt/WaitingDialog.h"
+#include "frontends/qt/WindowAccounts.h"
 #include "frontends/qt/WindowComputer.h"
 #include "frontends/qt/WindowDrop.h"
 #include "frontends/qt/WindowHistory.h"
 #include "frontends/qt/WindowInquiries.h"
 #include "frontends/qt/WindowPages.h"
+#include "frontends/qt/WindowPlace.h"
 #include "frontends/qt/WindowReview.h"
 #include "platform/foundation/Host.h"
 #include "platform/foundation/NSBundle.h"
@@ -225,8 +227,11 @@ void QtPresenter::interfaceDidLoad(Interface& interface) {
             mainWidget_ = &views_.back()->widget();
             auto* main = qobject_cast<QMainWindow*>(mainWidget_);
             auto* tabs = dynamic_cast<NSTabView*>(interface.find("mainTabView"));
+            if (main != nullptr && manner_ == QtFrontend::Manner::Interactive) {
+                new WindowPlace(*window, tabs, *main); // the window's child
+            }
             if (main != nullptr && menuBar != nullptr && tabs != nullptr) {
-                new WindowPages(*tabs, *main, *actions_.back(), *queue_); // the window's child
+                new WindowPages(*tabs, *main, *actions_.back(), *queue_); // the same
             }
         }
     }
@@ -249,6 +254,7 @@ void QtPresenter::useReviewer(review::Reviewer& reviewer) {
         }
         if (computer && tabs != nullptr && users != nullptr) {
             new WindowComputer(*computer, *tabs, *users, *window, *queue_); // the same
+            new WindowAccounts(*computer, *actions_.front(), *window);      // the same
         }
     }
 }

@@ -1,6 +1,8 @@
 #include "frontends/qt/ReviewDialog.h"
 
 #include "frontends/qt/Binding.h"
+#include "frontends/qt/Inks.h"
+#include "frontends/qt/ScreenRoom.h"
 #include "platform/foundation/NSBundle.h"
 
 #include <QDialog>
@@ -10,7 +12,6 @@
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QScrollArea>
-#include <QStyle>
 #include <QVBoxLayout>
 
 namespace {
@@ -21,6 +22,7 @@ constexpr int scrollBarRoom = 20;
 constexpr int markSize = 32;
 constexpr int detailsHeight = 200;
 constexpr int mostRowsHeight = 360;
+constexpr int leastHeight = 80; // of each part, from which on it scrolls
 
 QLabel* paragraph(const QString& text) {
     auto* label = new QLabel(text);
@@ -74,6 +76,23 @@ QString detailsOf(const review::Plan& plan) {
     return text;
 }
 
+/// Asks for the height of what it holds, up to a limit from which on that scrolls.
+class ContentsArea : public QScrollArea {
+  public:
+    [[nodiscard]] QSize sizeHint() const override {
+        return {widget()->width() + scrollBarRoom, std::min(widget()->height(), mostRowsHeight) + 2};
+    }
+};
+
+class DetailsText : public QPlainTextEdit {
+  public:
+    using QPlainTextEdit::QPlainTextEdit;
+
+    [[nodiscard]] QSize sizeHint() const override {
+        return {QPlainTextEdit::sizeHint().width(), detailsHeight};
+    }
+};
+
 /// The dialog; its buttons are the caller's.
 class ReviewDialog : public QDialog {
   public:
@@ -94,10 +113,11 @@ class ReviewDialog : public QDialog {
             toggle->setCheckable(true);
             connect(toggle, &QPushButton::toggled, this, [this](bool isOn) {
                 details_->setVisible(isOn);
-                adjustSize();
+                fit();
             });
         }
         layout_->addWidget(buttons_);
+        fit();
     }
 
     QPushButton* addButton(const std::string& text, QDialogButtonBox::ButtonRole role, bool isDefault) {
@@ -111,6 +131,13 @@ class ReviewDialog : public QDialog {
             button->setFocus();
         }
         return button;
+    }
+
+    /// Makes it as high as what it shows, as far as the screen has room.
+    void fit() {
+        layout_->activate();
+        const int wide = isVisible() ? width() : dialogWidth;
+        resize(fittedToScreen(*this, {wide, layout_->totalSizeHint().height()}));
     }
 
   private:
@@ -147,7 +174,7 @@ class ReviewDialog : public QDialog {
         auto* row = new QHBoxLayout;
         row->setSpacing(14);
         auto* mark = new QLabel;
-        mark->setPixmap(style()->standardIcon(QStyle::SP_MessageBoxWarning).pixmap(markSize));
+        mark->setPixmap(markIcon(Mark::Warning, QPalette::Window).pixmap(markSize));
         mark->setAccessibleName(localized("Warning"));
         row->addWidget(mark, 0, Qt::AlignTop);
         auto* text = new QVBoxLayout;
@@ -164,7 +191,7 @@ class ReviewDialog : public QDialog {
 
     /// As high as the contents, up to a limit from which on they scroll.
     QScrollArea* scrolled(QWidget* contents) {
-        auto* area = new QScrollArea;
+        auto* area = new ContentsArea;
         area->setAccessibleName(windowTitle());
         area->setFrameShape(QFrame::NoFrame);
         area->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
@@ -173,7 +200,7 @@ class ReviewDialog : public QDialog {
         const int height = contents->layout()->heightForWidth(width);
         contents->setFixedSize(width, height);
         area->setWidget(contents);
-        area->setMinimumHeight(std::min(height, mostRowsHeight) + 2);
+        area->setMinimumHeight(std::min(height, leastHeight) + 2);
         return area;
     }
 
@@ -182,14 +209,14 @@ class ReviewDialog : public QDialog {
         if (text.isEmpty()) {
             return;
         }
-        details_ = new QPlainTextEdit(text);
+        details_ = new DetailsText(text);
         details_->setObjectName("reviewDetailsText");
         details_->setAccessibleName(localized("Details"));
         details_->setReadOnly(true);
         details_->setTabChangesFocus(true);
         details_->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
         details_->setLineWrapMode(QPlainTextEdit::NoWrap);
-        details_->setMinimumHeight(detailsHeight);
+        details_->setMinimumHeight(leastHeight);
         details_->hide();
         layout_->addWidget(details_);
     }

@@ -2,6 +2,7 @@
 
 #include "frontends/qt/Binding.h"
 #include "frontends/qt/DialogParts.h"
+#include "frontends/qt/ScreenRoom.h"
 #include "platform/appkit/NSAlert.h"
 #include "platform/foundation/NSBundle.h"
 #include "platform/foundation/NSString.h"
@@ -40,7 +41,7 @@ void offer(QTreeWidgetItem& item, Disconnection kind, const std::string& what) {
 SessionsDialog::SessionsDialog(Server server, QWidget* parent) : QDialog(parent), server_(std::move(server)) {
     setObjectName("sessions");
     setWindowTitle(localized("Who Is Connected"));
-    resize(dialogWidth, dialogHeight);
+    resize(fittedToScreen(*this, QSize(dialogWidth, dialogHeight)));
     summary_ = new QLabel;
     summary_->setObjectName("sessionsSummary");
     summary_->setTextFormat(Qt::PlainText);

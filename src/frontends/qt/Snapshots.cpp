@@ -10,9 +10,10 @@
 #include "platform/appkit/NSTableView.h"
 #include "review/Reviewer.h"
 
-#include <QCoreApplication>
+#include <QApplication>
 #include <QDialog>
 #include <QDir>
+#include <QPalette>
 #include <QPixmap>
 #include <QPushButton>
 
@@ -21,6 +22,7 @@
 
 using platform::InterfaceKind;
 using platform::InterfaceNode;
+using platform::Status;
 
 namespace {
 
@@ -63,6 +65,41 @@ QString fileName(const std::string& name) {
     return slug;
 }
 
+/// "1024x600" as a size; an invalid one where it is none.
+QSize sizeFrom(const QString& text) {
+    const QStringList parts = text.split(QLatin1Char('x'));
+    return parts.size() == 2 ? QSize(parts[0].toInt(), parts[1].toInt()) : QSize();
+}
+
+/// For looking at the window as it is elsewhere: the environment may ask for the main window's size, and for
+/// other colours than the desktop's.
+Status followWishes(QtPresenter& presenter) {
+    const QString colours = qEnvironmentVariable("BRINDLE_SNAPSHOT_COLORS");
+    const QString text = qEnvironmentVariable("BRINDLE_SNAPSHOT_SIZE");
+    if (colours == QLatin1String("dark")) {
+        QApplication::setPalette(QPalette(QColor(0x3a, 0x3a, 0x3a)));
+    } else if (colours == QLatin1String("contrast")) {
+        QPalette palette(Qt::black);
+        palette.setColor(QPalette::Highlight, Qt::yellow);
+        palette.setColor(QPalette::HighlightedText, Qt::black);
+        QApplication::setPalette(palette);
+    } else if (!colours.isEmpty()) {
+        return Status::failure("there are no such colours", colours.toStdString(), "choose dark or contrast");
+    }
+    if (text.isEmpty()) {
+        return {};
+    }
+    const QSize size = sizeFrom(text);
+    const NSWindow* main = NSApp().mainWindow();
+    const WindowView* view = main == nullptr ? nullptr : presenter.viewOf(*main);
+    if (view == nullptr || size.isEmpty()) {
+        return Status::failure("this is no size", text.toStdString(), "write one like 1024x600");
+    }
+    view->widget().setMaximumSize(size); // as on a screen so large
+    view->widget().resize(size);
+    return {};
+}
+
 /// Takes the pictures.
 class Photographer {
   public:
@@ -71,7 +108,7 @@ class Photographer {
     void photograph(const InterfaceNode& interface);
 
     /// The first failure.
-    [[nodiscard]] const platform::Status& status() const { return status_; }
+    [[nodiscard]] const Status& status() const { return status_; }
 
   private:
     void photographMain(const InterfaceNode& node);
@@ -86,12 +123,12 @@ class Photographer {
 
     QtPresenter& presenter_;
     QDir folder_;
-    platform::Status status_;
+    Status status_;
 };
 
 void Photographer::act(const std::function<void()>& event) {
     dispatchUserEvent(presenter_.queue(), event);
-    QCoreApplication::processEvents();
+    QApplication::processEvents();
 }
 
 void Photographer::take(const InterfaceNode& window, const QString& name) {
@@ -103,11 +140,11 @@ void Photographer::take(const InterfaceNode& window, const QString& name) {
 }
 
 void Photographer::take(QWidget& widget, const QString& name) {
-    QCoreApplication::processEvents();
+    QApplication::processEvents();
     const QString path = folder_.filePath(name + QLatin1String(".png"));
     if (!widget.grab().save(path) && status_.isOk()) {
-        status_ = platform::Status::failure("cannot write the picture", path.toStdString(),
-                                            "check that the folder can be written to and has room");
+        status_ = Status::failure("cannot write the picture", path.toStdString(),
+                                  "check that the folder can be written to and has room");
     }
 }
 
@@ -211,10 +248,12 @@ void Photographer::photograph(const InterfaceNode& interface) {
 
 } // namespace
 
-platform::Status writeSnapshots(QtPresenter& presenter, const std::string& folder) {
+Status writeSnapshots(QtPresenter& presenter, const std::string& folder) {
+    if (Status status = followWishes(presenter); !status.isOk()) {
+        return status;
+    }
     if (!QDir().mkpath(shown(folder))) {
-        return platform::Status::failure("cannot make the folder", folder,
-                                         "choose one that you may write to");
+        return Status::failure("cannot make the folder", folder, "choose one that you may write to");
     }
     Photographer photographer(presenter, shown(folder));
     // An interface may load another: the About panel's stands at the end of the list then.

@@ -1,11 +1,10 @@
 #include "frontends/qt/TableView.h"
 
 #include "frontends/qt/CellText.h"
-
-#include <QApplication>
-#include <QStyle>
+#include "frontends/qt/Inks.h"
 
 #include <algorithm>
+#include <utility>
 
 TableModel::TableModel(NSTableView& table)
     : table_(table), length_(table.numberOfRows()),
@@ -38,8 +37,7 @@ QVariant TableModel::data(const QModelIndex& index, int role) const {
     }
     if (role != Qt::DisplayRole && !isSpoken) {
         if (const QString remark = remarkOf(index); !remark.isEmpty()) {
-            return isMarked ? QVariant(QApplication::style()->standardIcon(QStyle::SP_MessageBoxWarning))
-                            : QVariant(remark.toHtmlEscaped());
+            return isMarked ? QVariant(markIcon(Mark::Warning)) : QVariant(remark.toHtmlEscaped());
         }
     }
     if (isMarked) {
@@ -100,6 +98,11 @@ void TableModel::setFilter(const std::string& text) {
     rows_.setFilter(text);
     isArranged_ = isArranged_ || rows_.isFiltered();
     rearrange();
+}
+
+void TableModel::setLeftOut(std::function<bool(int row)> test) {
+    rows_.setLeftOut(std::move(test));
+    isArranged_ = isArranged_ || rows_.isFiltered();
 }
 
 bool TableModel::keepSelectedInView() {

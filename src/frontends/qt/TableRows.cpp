@@ -152,17 +152,20 @@ void TableRows::sort() {
 void TableRows::arrange(const std::vector<int>& kept) {
     rows_.clear();
     places_.clear();
-    isPlain_ = words_.empty() && column_ < 0;
+    isPlain_ = !isFiltered() && column_ < 0;
     if (isPlain_) {
         return;
     }
-    if (words_.empty()) {
+    if (!isFiltered()) {
         rows_.resize(static_cast<std::size_t>(length_));
         std::iota(rows_.begin(), rows_.end(), 0);
     } else {
-        readTexts();
+        if (!words_.empty()) {
+            readTexts();
+        }
         for (int row = 0; row < length_; ++row) {
-            if (matches(row) || std::ranges::binary_search(kept, row)) {
+            const bool isWanted = (words_.empty() || matches(row)) && !(isLeftOut_ && isLeftOut_(row));
+            if (isWanted || std::ranges::binary_search(kept, row)) {
                 rows_.push_back(row);
             }
         }

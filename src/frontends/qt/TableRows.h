@@ -29,7 +29,10 @@ class TableRows {
     /// Shows the rows in which each word of `text` occurs; all of them when there is none.
     void setFilter(const std::string& text);
 
-    /// Works out the places anew. The rows `kept` are shown whether the filter takes them or not.
+    /// Leaves out the rows of which `test` says so; none: no row.
+    void setLeftOut(std::function<bool(int row)> test) { isLeftOut_ = std::move(test); }
+
+    /// Works out the places anew. The rows `kept` are shown whatever else leaves them out.
     void arrange(const std::vector<int>& kept);
 
     [[nodiscard]] int count() const { return isPlain_ ? length_ : static_cast<int>(rows_.size()); }
@@ -44,7 +47,7 @@ class TableRows {
         return isPlain_ ? row : places_[static_cast<std::size_t>(row)];
     }
 
-    [[nodiscard]] bool isFiltered() const { return !words_.empty(); }
+    [[nodiscard]] bool isFiltered() const { return !words_.empty() || isLeftOut_; }
 
   private:
     void readTexts();
@@ -57,6 +60,7 @@ class TableRows {
     int column_ = -1;
     bool isDescending_ = false;
     std::vector<std::string> words_;
+    std::function<bool(int row)> isLeftOut_;
     bool isPlain_ = true; ///< every row at its own number: neither vector below is filled
     std::vector<int> rows_;
     std::vector<int> places_;

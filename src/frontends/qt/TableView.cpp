@@ -183,6 +183,13 @@ void TableView::shareWidth() {
 void TableView::reload() {
     remarks_.clear();
     loading_ = true;
+    if (namesLeftOut_ && nameColumn_ != nullptr) {
+        std::set<std::string> names = namesLeftOut_();
+        const auto isLeftOut = [this, names](int row) {
+            return names.contains(table_.objectValue(*nameColumn_, row));
+        };
+        model_.setLeftOut(names.empty() ? std::function<bool(int)>() : isLeftOut);
+    }
     if (model_.reload()) {
         shownSelection_.clear(); // Qt has dropped it with the old rows
     }
@@ -197,6 +204,11 @@ void TableView::setRemarks(std::function<std::string(const std::string& name, in
     model_.setRemarkOfRow(remark_ ? [this](int row) { return remarkOfRow(row); }
                                   : std::function<QString(int)>());
     viewport()->update();
+}
+
+void TableView::setLeftOut(std::function<std::set<std::string>()> names) {
+    namesLeftOut_ = std::move(names);
+    leaveOutAgain();
 }
 
 QString TableView::remarkOfRow(int row) {

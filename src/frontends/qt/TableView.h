@@ -13,6 +13,7 @@ class QMenu;
 
 #include <functional>
 #include <map>
+#include <set>
 #include <string>
 #include <utility>
 #include <vector>
@@ -38,6 +39,8 @@ class TableModel : public QAbstractTableModel {
     /// Sorts by the column; -1 is the order of the list.
     void sort(int column, Qt::SortOrder order) override;
     void setFilter(const std::string& text);
+    /// Leaves out of view the rows that `test` names from now on; none: no row.
+    void setLeftOut(std::function<bool(int row)> test);
     /// Has the selected rows in view, which a filter may not take. True when it had to rearrange.
     bool keepSelectedInView();
 
@@ -76,6 +79,13 @@ class TableView : public QTableView {
     /// Shows the rows in which the words of `text` occur, and the selected ones, so that nobody acts on a row
     /// that is out of sight.
     void setFilter(const std::string& text);
+    /// Leaves rows out of view, but for selected ones: those whose name is among what `names` returns, which
+    /// is asked again after each reload.
+    void setLeftOut(std::function<std::set<std::string>()> names);
+
+    /// Asks it now.
+    void leaveOutAgain() { reloaded_->markDirty(); }
+
     /// Puts the cursor into the rows, on the first where none is selected.
     void goOnInRows();
 
@@ -126,6 +136,7 @@ class TableView : public QTableView {
     TableModel model_;
     const NSTableColumn* nameColumn_ = nullptr;
     Binding* reloaded_ = nullptr;
+    std::function<std::set<std::string>()> namesLeftOut_;
     std::map<int, std::string> namesOfSelected_; ///< the selected rows and their names, as of the last look
     std::function<std::string(const std::string&, int)> remark_;
     std::map<std::string, QString> remarks_; ///< by row name, as of the last reload

@@ -6,6 +6,7 @@
 #include "frontends/qt/FieldHints.h"
 #include "frontends/qt/FieldProblems.h"
 #include "frontends/qt/FilterField.h"
+#include "frontends/qt/Inks.h"
 #include "frontends/qt/LineEdit.h"
 #include "frontends/qt/NodeAttributes.h"
 #include "frontends/qt/PopUp.h"
@@ -50,6 +51,11 @@ bool takesRoom(const InterfaceNode& node, bool vertical) {
     });
 }
 
+/// Does the row stay in sight below what scrolls?
+bool isFoot(const InterfaceNode& node) {
+    return isYes(node, "foot");
+}
+
 /// Does the control need a label beside it to stand at its top?
 bool isHigh(const InterfaceNode& node) {
     if (node.kind == Kind::Matrix) {
@@ -83,11 +89,17 @@ QWidget* WidgetBuilder::makePage(const InterfaceNode& node) {
     return framed;
 }
 
-QWidget* WidgetBuilder::makeDrawer(const InterfaceNode& node) {
+QWidget* WidgetBuilder::makeDrawer(const InterfaceNode& node, int windowWidth) {
     constexpr int usualWidth = 340;
     const int width = number(node, "width");
-    auto* drawer = new Drawer(*modelOf<NSDrawer>(node), makePage(*node.children.at(0)),
-                              width > 0 ? width : usualWidth, animated_, queue_);
+    const int leastBeside = windowWidth * 5 / 6; // what a page can do with of the width that it was made for
+    const InterfaceNode& contents = *node.children.at(0);
+    const auto foot =
+        std::ranges::find_if(contents.children, [](const auto& child) { return isFoot(*child); });
+    auto* drawer =
+        new Drawer(*modelOf<NSDrawer>(node),
+                   {makePage(contents), foot == contents.children.end() ? nullptr : makePage(**foot)},
+                   width > 0 ? width : usualWidth, leastBeside, animated_, queue_);
     finish(*drawer, node);
     return drawer;
 }
@@ -159,6 +171,8 @@ QWidget* WidgetBuilder::makeTable(const InterfaceNode& node) {
     if (!node.attribute("empty").empty()) {
         new EmptyNote(node, *view, actions_, queue_); // the view's child
     }
+    view->setObjectName(shown(table->name()));
+    actions_.tableMade.emit(*view);
     return view;
 }
 
@@ -182,16 +196,10 @@ QWidget* WidgetBuilder::makeLabel(const InterfaceNode& node) {
         font.setBold(true);
     } else if (style == "note") {
         font.setPointSizeF(font.pointSizeF() * 0.9);
-        QPalette palette = label->palette();
-        QColor soft = palette.color(QPalette::WindowText);
-        soft.setAlphaF(0.65F);
-        palette.setColor(QPalette::WindowText, soft);
-        label->setPalette(palette);
+        useInk(*label, Ink::Note);
         label->setWordWrap(true);
     } else if (style == "warning") {
-        QPalette palette = label->palette();
-        palette.setColor(QPalette::WindowText, warningColor);
-        label->setPalette(palette);
+        useInk(*label, Ink::Warning);
         label->setWordWrap(true);
     }
     label->setFont(font);
@@ -305,6 +313,9 @@ void WidgetBuilder::fillBox(QBoxLayout& layout, const InterfaceNode& node) {
     bool roomIsTaken = false;
     const bool vertical = node.kind != Kind::Row;
     for (const auto& child : node.children) {
+        if (isFoot(*child)) {
+            continue; // made by the drawer
+        }
         addTo(layout, *child);
         roomIsTaken = roomIsTaken || child->kind == Kind::Spacer || takesRoom(*child, vertical);
     }

@@ -27,8 +27,8 @@ class WidgetBuilder {
     [[nodiscard]] QWidget* make(const platform::InterfaceNode& node);
     /// A layout node as a page of its own, with margins.
     [[nodiscard]] QWidget* makePage(const platform::InterfaceNode& node);
-    /// The drawer's widget.
-    [[nodiscard]] QWidget* makeDrawer(const platform::InterfaceNode& node);
+    /// The drawer's widget, in a window that was designed to be so wide.
+    [[nodiscard]] QWidget* makeDrawer(const platform::InterfaceNode& node, int windowWidth);
 
   private:
     [[nodiscard]] QWidget* makeKind(const platform::InterfaceNode& node);

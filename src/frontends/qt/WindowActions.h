@@ -11,6 +11,7 @@
 
 class NSTableView;
 class QMenu;
+class TableView;
 
 /// What the window does with a click on a button or menu item before, beside and after the control's own
 /// action: what the interface file's attributes ask of the window alone. One an interface; a script follows
@@ -26,6 +27,9 @@ class WindowActions {
 
     /// Told the operation of each control that was used so, after its action.
     platform::Signal<const std::string&> used;
+
+    /// Told each table's view when it has been made, which is when its page is shown first.
+    platform::Signal<TableView&> tableMade;
 
     /// The enabled button of that role ("new", "edit", "delete") for the table of that name is used, as if it
     /// had been clicked; nothing where there is none.

@@ -3,6 +3,7 @@
 #include "frontends/qt/Binding.h"
 #include "frontends/qt/DialogParts.h"
 #include "frontends/qt/ReviewDialog.h"
+#include "frontends/qt/ScreenRoom.h"
 #include "platform/appkit/NSAlert.h"
 #include "platform/foundation/NSBundle.h"
 #include "platform/foundation/NSString.h"
@@ -95,7 +96,7 @@ class HistoryDialog : public QDialog {
         : QDialog(parent), history_(history) {
         setObjectName("history");
         setWindowTitle(localized("History"));
-        resize(dialogWidth, dialogHeight);
+        resize(fittedToScreen(*this, QSize(dialogWidth, dialogHeight)));
         list_ = makeList("historyList", windowTitle(),
                          {localized("When"), localized("What"), localized("Who"), localized("Outcome")}, 1);
         details_ = makeDetails("historyDetails");

@@ -3,6 +3,7 @@
 #include "frontends/qt/Binding.h"
 #include "frontends/qt/Buttons.h"
 #include "frontends/qt/FieldProblems.h"
+#include "frontends/qt/Inks.h"
 #include "frontends/qt/LineEdit.h"
 #include "frontends/qt/ReviewDialog.h"
 #include "frontends/qt/TableView.h"
@@ -208,9 +209,7 @@ QFrame* makeNotice(const char* name, const QString& text, QPushButton* button) {
     auto* label = new QLabel(text);
     label->setTextFormat(Qt::PlainText);
     label->setWordWrap(true);
-    QPalette warning = label->palette();
-    warning.setColor(QPalette::WindowText, warningColor);
-    label->setPalette(warning);
+    useInk(*label, Ink::Warning);
     row->addWidget(label, 1);
     button->setAutoDefault(false);
     row->addWidget(button);

@@ -3,6 +3,8 @@
 #include "frontends/qt/ActivityDialog.h"
 #include "frontends/qt/Binding.h"
 #include "frontends/qt/ElidedLabel.h"
+#include "frontends/qt/Inks.h"
+#include "frontends/qt/TableView.h"
 #include "platform/appkit/NSTableView.h"
 #include "platform/appkit/NSTextField.h"
 #include "platform/appkit/Presenter.h"
@@ -12,31 +14,22 @@
 
 #include <QApplication>
 #include <QClipboard>
+#include <QFileInfo>
 #include <QMenu>
 #include <QPushButton>
 #include <QStatusBar>
-
-#include <algorithm>
+#include <QUrl>
 
 namespace {
 
 constexpr int textStretch = 3;
 constexpr int serverStretch = 2;
 
-std::string valueOf(NSTableView& table, const char* identifier, int row) {
-    const auto& columns = table.tableColumns();
-    const auto column = std::ranges::find(columns, identifier, &NSTableColumn::identifier);
-    return column == columns.end() ? std::string() : table.objectValue(*column, row);
-}
+constexpr const char* shareTable = "normalTableView";
 
 std::string nameInEditor(const WindowActions& actions) {
     const auto* field = actions.find<NSTextField>("shareName");
     return field == nullptr ? std::string() : field->stringValue();
-}
-
-/// The share's address, percent-encoded as a file manager reads it.
-std::string addressOf(const std::string& base, const std::string& share) {
-    return base + QByteArray::fromStdString(share).toPercentEncoding().toStdString();
 }
 
 } // namespace
@@ -57,6 +50,12 @@ WindowStatus::WindowStatus(Activity& activity, QMainWindow& window, WindowAction
             [this] { platform::Host::current().presenter().openAddress(address_); });
     connect(undo_, &QPushButton::clicked, this, [this] { takeBack_(number_); });
     connect(more_, &QPushButton::clicked, this, [this] { showActivity(); });
+    auto* view = window.findChild<TableView*>(shareTable);
+    auto* shares = actions.find<NSTableView>(shareTable);
+    if (view != nullptr && shares != nullptr) {
+        connect(view, &TableView::menuAsked, this,
+                [this, shares](QMenu& menu, int row) { fillShareMenu(menu, *shares, row); });
+    }
     eventEnded_ = queue.eventEnded.connect([this] { eventEnded(); });
     used_ = actions.used.connect([this](const std::string& operation) { operation_ = operation; });
 }
@@ -101,11 +100,7 @@ void WindowStatus::show(const QString& text, bool isFailure) {
     }
     more_->setVisible(isFailure && !activity_.entries().empty());
     text_->setWhole(text);
-    QPalette palette = QApplication::palette(text_);
-    if (isFailure) {
-        palette.setColor(QPalette::WindowText, warningColor);
-    }
-    text_->setPalette(palette);
+    useInk(*text_, isFailure ? std::optional(Ink::Warning) : std::nullopt);
 }
 
 void WindowStatus::eventEnded() {
@@ -141,7 +136,7 @@ void WindowStatus::showOutcome() {
 }
 
 bool WindowStatus::showShare(const std::string& name) {
-    auto* table = actions_.find<NSTableView>("normalTableView");
+    auto* table = actions_.find<NSTableView>(shareTable);
     for (int row = 0; table != nullptr && row < table->numberOfRows(); ++row) {
         if (valueOf(*table, "ShareName", row) != name || valueOf(*table, "SMB", row) != "+") {
             continue;
@@ -150,13 +145,26 @@ bool WindowStatus::showShare(const std::string& name) {
             show(shown(stringWithFormat(NSLocalizedString("%@ is shared over SMB."), name)));
             return true;
         }
-        address_ = addressOf(server_.address, name);
+        address_ = addressOf(server_, *table, row);
         show(shown(stringWithFormat(NSLocalizedString("%@ is shared at %@."), name, address_)));
         copy_->show();
         open_->show();
         return true;
     }
     return false;
+}
+
+void WindowStatus::fillShareMenu(QMenu& menu, NSTableView& shares, int row) {
+    const QString folder = shown(valueOf(shares, "DirectoryPath", row));
+    const QString address = shown(addressOf(server_, shares, row));
+    QAction* open = menu.addAction(localizedTitle("Open Folder"), this, [folder] {
+        platform::Host::current().presenter().openAddress(
+            QUrl::fromLocalFile(folder).toString(QUrl::FullyEncoded).toStdString());
+    });
+    open->setEnabled(QFileInfo(folder).isDir());
+    QAction* copy = menu.addAction(localizedTitle("Copy Address"), this,
+                                   [address] { QApplication::clipboard()->setText(address); });
+    copy->setEnabled(!address.isEmpty());
 }
 
 void WindowStatus::showActivity() {

@@ -2,6 +2,7 @@
 
 #include "frontends/qt/Activity.h"
 #include "frontends/qt/Binding.h"
+#include "frontends/qt/ShareAddress.h"
 #include "frontends/qt/WindowActions.h"
 #include "review/History.h"
 
@@ -16,13 +17,6 @@ class ActivityDialog;
 class ElidedLabel;
 class QMenu;
 class QPushButton;
-
-/// Where the shares are reached.
-struct ShareServer {
-    std::string address; ///< "smb://HOST:PORT/", empty where nothing serves them
-    std::string state;   ///< a sentence on it, or on why there is none; may be empty
-    bool hasFailed = false;
-};
 
 /// The line at the window's foot that says what the last action has done, or what failed and why, with what
 /// can be done about it; and the panel "Activity". A child of the main window's widget.
@@ -46,6 +40,7 @@ class WindowStatus : public QObject {
     void showOutcome();
     [[nodiscard]] bool showShare(const std::string& name);
     void showActivity();
+    void fillShareMenu(QMenu& menu, NSTableView& shares, int row);
     [[nodiscard]] QPushButton* addButton(const char* name, const char* text);
 
     Activity& activity_;

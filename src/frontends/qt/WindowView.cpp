@@ -82,14 +82,12 @@ void WindowView::buildMain(const InterfaceNode& node, const InterfaceNode* menuB
     auto* main = new QMainWindow;
     widget_ = main;
     auto* central = new QWidget;
-    auto* layout = new QHBoxLayout(central);
-    layout->setContentsMargins(0, 0, 0, 0);
-    layout->setSpacing(0);
+    auto* layout = new DrawerLayout(central);
     if (const InterfaceNode* contents = childOf(node, false)) {
-        layout->addWidget(builder_.makePage(*contents), 1);
+        layout->addWidget(builder_.makePage(*contents));
     }
     if (const InterfaceNode* drawer = childOf(node, true)) {
-        layout->addWidget(builder_.makeDrawer(*drawer));
+        layout->addWidget(builder_.makeDrawer(*drawer, number(node, "width")));
     }
     main->setCentralWidget(central);
     if (menuBar != nullptr) {

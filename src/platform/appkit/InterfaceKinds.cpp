@@ -71,7 +71,8 @@ std::vector<ElementRule> layoutRules() {
     using enum InterfaceKind;
     return {
         {Column, "column", nullptr, sized, layouts},
-        {Row, "row", nullptr, sized, layouts},
+        // What a drawer holds scrolls, but for a row at its `foot`.
+        {Row, "row", nullptr, joined({sized, {{"foot", YesNo}}}), layouts},
         {Grid, "grid", nullptr, joined({sized, {{"columns", Size, "", true}}}), layouts},
         {Box, "box", nullptr, joined({sized, {{"title", Text}}}), layouts},
         {Spacer, "spacer", nullptr, sized},

@@ -26,6 +26,7 @@ std::vector<std::string> NSPopUpButton::itemTitles() const {
 
 void NSPopUpButton::addItemWithTitle(std::string title) {
     items_.push_back({std::move(title), 0});
+    ++content_;
     if (items_.size() == 1) {
         selected_ = 0;
     }
@@ -34,6 +35,7 @@ void NSPopUpButton::addItemWithTitle(std::string title) {
 
 void NSPopUpButton::removeAllItems() {
     items_.clear();
+    ++content_;
     selected_ = -1;
     didChange();
 }
@@ -85,6 +87,7 @@ void NSPopUpButton::copyState(const Element& from) {
     NSControl::copyState(from);
     const auto& other = dynamic_cast<const NSPopUpButton&>(from);
     items_ = other.items_;
+    ++content_;
     selected_ = other.selected_;
     chosen_ = other.chosen_;
 }

@@ -17,6 +17,10 @@ class NSPopUpButton : public NSControl {
 
     [[nodiscard]] const std::vector<Item>& items() const { return items_; }
 
+    /// Another number whenever items came, went or were called otherwise: whoever shows them has to look at
+    /// them again only then.
+    [[nodiscard]] std::uint64_t content() const { return content_; }
+
     [[nodiscard]] int numberOfItems() const { return static_cast<int>(items_.size()); }
 
     [[nodiscard]] std::vector<std::string> itemTitles() const;
@@ -57,6 +61,7 @@ class NSPopUpButton : public NSControl {
 
   private:
     std::vector<Item> items_;
+    std::uint64_t content_ = 0;
     int selected_ = -1;
     std::optional<std::string> chosen_; ///< the title that a user chose last
 };

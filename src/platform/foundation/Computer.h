@@ -1,5 +1,6 @@
 #pragma once
 
+#include <set>
 #include <string>
 
 namespace platform {
@@ -8,6 +9,13 @@ namespace platform {
 struct ServerLine {
     std::string text;
     bool canBeStarted = false; ///< it is installed and does not run
+};
+
+/// Names of accounts that the computer has for its own programs. Nobody who shares folders has to do with
+/// them.
+struct SystemAccounts {
+    std::set<std::string> users;
+    std::set<std::string> groups;
 };
 
 /// What a front-end can say of the computer beside what the application shows. Only the system host has one.
@@ -23,6 +31,10 @@ class Computer {
     [[nodiscard]] virtual std::string afpServerLine() const = 0;
     /// Why no Public folder of the user can be offered, in a sentence; empty where one can be.
     [[nodiscard]] virtual std::string whyNoPublicFolder(const std::string& user) const = 0;
+    /// The accounts whose numbers are below those of people and their groups, as they are now: without those
+    /// that Brindle has made, and without the groups that users are put into all the same. Empty where that
+    /// cannot be told.
+    [[nodiscard]] virtual SystemAccounts systemAccounts() const = 0;
 };
 
 } // namespace platform

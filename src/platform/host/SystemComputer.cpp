@@ -3,6 +3,8 @@
 #include "platform/foundation/NSBundle.h"
 #include "platform/foundation/NSString.h"
 #include "platform/netinfo/AccountLines.h"
+#include "platform/netinfo/LocalDomain.h"
+#include "platform/netinfo/MadeAccounts.h"
 #include "platform/posix/ProcessTable.h"
 #include "platform/samba/InstalledSamba.h"
 #include "platform/samba/UserShares.h"
@@ -12,6 +14,7 @@
 #include <algorithm>
 #include <array>
 #include <ctime>
+#include <string_view>
 #include <vector>
 
 #include <pwd.h>
@@ -23,6 +26,9 @@ namespace {
 
 /// Some of what the package has; where these are, the rest is.
 constexpr std::array accountTools{"/usr/sbin/useradd", "/usr/sbin/usermod", "/usr/sbin/groupadd"};
+
+/// Users are put into them, whatever their numbers are.
+constexpr std::array<std::string_view, 3> groupsForPeople{"staff", administratorsGroup, "guest"};
 
 bool isProgram(const char* path) {
     return ::access(path, X_OK) == 0;
@@ -123,6 +129,39 @@ std::string SystemComputer::whyNoPublicFolder(const std::string& user) const {
     return reason.empty()
                ? reason
                : stringWithFormat(NSLocalizedString("The Public folder is not offered: %@."), reason);
+}
+
+SystemAccounts systemAccountsOf(const LocalDomain& domain, const AccountLimits& limits) {
+    // Reading for the eye: where somebody writes just now, this list goes without.
+    constexpr int waitSeconds = 0;
+    const auto files = domain.accountFiles();
+    const auto made = madeAccounts(domain, waitSeconds);
+    if (!files || !made.isOk()) {
+        return {};
+    }
+    const auto isMade = [&made](bool isUser, const std::string& name, unsigned number) {
+        return std::ranges::any_of(*made, [&](const MadeAccount& each) {
+            return each.isUser == isUser && each.name == name && each.number == std::to_string(number);
+        });
+    };
+    SystemAccounts accounts;
+    const Status users = forEachUserLine(*files, [&](const passwd& line) {
+        if (line.pw_uid < limits.lowestUser && !isMade(true, line.pw_name, line.pw_uid)) {
+            accounts.users.insert(line.pw_name);
+        }
+    });
+    const Status groups = forEachGroupLine(*files, [&](const group& line) {
+        const bool isForPeople =
+            std::ranges::find(groupsForPeople, std::string_view(line.gr_name)) != groupsForPeople.end();
+        if (line.gr_gid < limits.lowestGroup && !isForPeople && !isMade(false, line.gr_name, line.gr_gid)) {
+            accounts.groups.insert(line.gr_name);
+        }
+    });
+    return users.isOk() && groups.isOk() ? accounts : SystemAccounts();
+}
+
+SystemAccounts SystemComputer::systemAccounts() const {
+    return systemAccountsOf(*domain_, readAccountLimits());
 }
 
 std::string SystemComputer::whatIsMissing() const {

@@ -3,10 +3,17 @@
 #include "platform/foundation/Computer.h"
 #include "platform/samba/ServerState.h"
 
+#include <memory>
 #include <string>
 #include <utility>
 
 namespace platform {
+
+struct AccountLimits;
+class LocalDomain;
+
+/// The accounts of the domain's files below the limits; see Computer::systemAccounts.
+[[nodiscard]] SystemAccounts systemAccountsOf(const LocalDomain& domain, const AccountLimits& limits);
 
 /// The programs of a computer that Brindle works with.
 struct ComputersPrograms {
@@ -24,16 +31,19 @@ struct ComputersPrograms {
 /// This computer itself.
 class SystemComputer : public Computer {
   public:
-    /// `helper` is the file of brindle-helper.
-    explicit SystemComputer(std::string helper) : helper_(std::move(helper)) {}
+    /// `helper` is the file of brindle-helper, and `domain` has the computer's accounts.
+    SystemComputer(std::string helper, std::shared_ptr<const LocalDomain> domain)
+        : helper_(std::move(helper)), domain_(std::move(domain)) {}
 
     [[nodiscard]] std::string whatIsMissing() const override;
     [[nodiscard]] ServerLine smbServer() const override;
     [[nodiscard]] std::string afpServerLine() const override;
     [[nodiscard]] std::string whyNoPublicFolder(const std::string& user) const override;
+    [[nodiscard]] SystemAccounts systemAccounts() const override;
 
   private:
     std::string helper_;
+    std::shared_ptr<const LocalDomain> domain_;
 };
 
 } // namespace platform

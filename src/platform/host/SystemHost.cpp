@@ -101,7 +101,7 @@ Services makeSystemServices(const SystemHostOptions& options) {
     services.localDomain = std::make_shared<SystemDomain>(files);
     const std::string helper = options.helper.empty() ? defaultHelper() : options.helper;
     useAuthority(services, options, helper);
-    services.computer = std::make_shared<SystemComputer>(helper);
+    services.computer = std::make_shared<SystemComputer>(helper, services.localDomain);
     services.historyFile = historyFileOf(home);
     services.keepsLayout = true;
     services.languages = languagesFromEnvironment();

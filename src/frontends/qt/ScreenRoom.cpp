@@ -1,0 +1,49 @@
+#include "frontends/qt/ScreenRoom.h"
+
+#include <QScreen>
+#include <QWidget>
+
+#include <algorithm>
+
+namespace {
+
+constexpr int titleHeight = 36; // of a window's frame, by and large
+constexpr QSize handle(80, 20); ///< of the title, enough to move the window by
+
+} // namespace
+
+QSize fittedToScreen(const QWidget& window, QSize wanted) {
+    const QScreen* screen = window.screen();
+    // For pictures, no screen matters.
+    if (screen == nullptr || window.testAttribute(Qt::WA_DontShowOnScreen)) {
+        return wanted;
+    }
+    const QSize room = screen->availableGeometry().size() - QSize(0, titleHeight);
+    return wanted.boundedTo(room);
+}
+
+QRect placeInView(QRect place, const std::vector<QRect>& screens) {
+    if (screens.empty()) {
+        return place;
+    }
+    const auto titleOn = [&place](const QRect& screen) {
+        return screen.intersected(QRect(place.topLeft(), QSize(place.width(), titleHeight)));
+    };
+    const auto found = std::ranges::find_if(screens, [&titleOn](const QRect& screen) {
+        const QRect title = titleOn(screen);
+        return title.width() >= handle.width() && title.height() >= handle.height();
+    });
+    const QRect& screen = found == screens.end() ? screens.front() : *found;
+    const QSize size = place.size().boundedTo(screen.size() - QSize(0, titleHeight));
+    if (found == screens.end()) {
+        QRect middle(QPoint(), size);
+        middle.moveCenter(screen.center());
+        return middle;
+    }
+    if (size != place.size()) { // it was made smaller, and has room somewhere
+        place.setSize(size);
+        place.moveTo(std::clamp(place.x(), screen.x(), screen.x() + screen.width() - size.width()),
+                     std::clamp(place.y(), screen.y(), screen.y() + screen.height() - size.height()));
+    }
+    return place;
+}

@@ -1,0 +1,35 @@
+#include "frontends/qt/ShareAddress.h"
+
+#include <QUrl>
+
+#include <algorithm>
+
+namespace {
+
+std::string encoded(const std::string& name) {
+    return QByteArray::fromStdString(name).toPercentEncoding().toStdString();
+}
+
+/// The same computer's AFP server, at its usual port.
+std::string afpAddress(const ShareServer& server) {
+    return "afp://" + QUrl(QString::fromStdString(server.address)).host().toStdString() + "/";
+}
+
+} // namespace
+
+std::string valueOf(NSTableView& table, const char* identifier, int row) {
+    const auto& columns = table.tableColumns();
+    const auto column = std::ranges::find(columns, identifier, &NSTableColumn::identifier);
+    return column == columns.end() ? std::string() : table.objectValue(*column, row);
+}
+
+std::string addressOf(const ShareServer& server, NSTableView& shares, int row) {
+    if (server.address.empty()) {
+        return {};
+    }
+    if (valueOf(shares, "SMB", row) == "+") {
+        return server.address + encoded(valueOf(shares, "ShareName", row));
+    }
+    return valueOf(shares, "AFS", row) == "+" ? afpAddress(server) + encoded(valueOf(shares, "AFPName", row))
+                                              : std::string();
+}

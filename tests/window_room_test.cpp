@@ -1,0 +1,273 @@
+// The room that the window takes on small and large screens, where it comes back, and its colours.
+
+#include "frontends/qt/Inks.h"
+#include "frontends/qt/ReviewDialog.h"
+#include "frontends/qt/ScreenRoom.h"
+#include "review/Reviewer.h"
+#include "support/MainWindowFixture.h"
+
+#include <QCheckBox>
+#include <QStyle>
+#include <QStyleOptionButton>
+
+#include <algorithm>
+
+namespace {
+
+class Room : public MainWindow {
+  protected:
+    void SetUp() override {} // openOn is the beginning
+
+    void openOn(int width, int height) {
+        useScreen(width, height);
+        MainWindow::SetUp();
+        open();
+    }
+
+    QWidget& window() { return widget<QWidget>("mainWindow"); }
+
+    /// Whether all of it is drawn, and so within reach of the mouse.
+    static bool isInSight(const QWidget& widget) {
+        return widget.isVisible() && widget.visibleRegion().boundingRect() == widget.rect();
+    }
+
+    QWidget& drawer() { return widget<QWidget>("drawer"); }
+
+    QRect within(const QWidget& inner) { return {inner.mapTo(&window(), QPoint()), inner.size()}; }
+};
+
+TEST_F(Room, OnASmallScreenTheDrawerLiesOverTheTableAndItsButtonsStayInSight) {
+    addShare("Docs", "/folders/Docs");
+    openOn(1024, 600);
+    for (const QSize size : {QSize(900, 560), QSize(820, 520)}) {
+        window().resize(size);
+        QApplication::processEvents();
+        const QSize before = window().size();
+        const int table = widget<QTableView>("normalTableView").width();
+        clickRow("normalTableView", 0);
+        clickTitled("Edit Share");
+        QApplication::processEvents();
+        EXPECT_EQ(window().height(), before.height());
+        EXPECT_LE(window().width(), 1024);
+        if (window().width() == before.width()) {
+            EXPECT_EQ(widget<QTableView>("normalTableView").width(), table);
+        }
+        EXPECT_TRUE(isInSight(widget<QPushButton>("createNewShare")));
+        // What is further down comes into sight with the cursor.
+        widget<QLineEdit>("shareName").setFocus();
+        for (int step = 0; step < 30 && !widget<QCheckBox>("showSystemUsersGroups").hasFocus(); ++step) {
+            QTest::keyClick(window().focusWidget(), Qt::Key_Tab);
+        }
+        EXPECT_TRUE(isInSight(widget<QCheckBox>("showSystemUsersGroups")));
+        EXPECT_TRUE(isInSight(widget<QPushButton>("createNewShare")));
+        clickTitled("Close");
+        QApplication::processEvents();
+        EXPECT_EQ(window().size(), before);
+        EXPECT_FALSE(drawer().isVisible());
+    }
+}
+
+TEST_F(Room, OnALargeScreenTheDrawerStandsBesideTheTableUntilTheWindowIsMadeNarrow) {
+    openOn(1600, 900);
+    const int table = widget<QTableView>("normalTableView").width();
+    clickTitled("New Share");
+    QApplication::processEvents();
+    EXPECT_EQ(window().width(), 900 + drawer().width());
+    EXPECT_EQ(widget<QTableView>("normalTableView").width(), table);
+    EXPECT_LT(within(widget<QTableView>("normalTableView")).right(), within(drawer()).left());
+    window().resize(900, 600);
+    QApplication::processEvents();
+    EXPECT_GT(within(widget<QTableView>("normalTableView")).right(), within(drawer()).left());
+    EXPECT_EQ(within(drawer()).right(), window().rect().right());
+}
+
+TEST_F(Room, EveryControlOfEveryPageIsWithinReachOnASmallScreen) {
+    openOn(1024, 600);
+    window().resize(900, 564);
+    for (int page = 0; page < 5; ++page) {
+        showPage(page);
+        QTest::qWait(20);
+        EXPECT_LE(window().height(), 564) << page;
+        EXPECT_LE(window().width(), 900) << page;
+        int controls = 0;
+        for (const QWidget* each : window().findChildren<QWidget*>()) {
+            const bool isControl = qobject_cast<const QAbstractButton*>(each) != nullptr ||
+                                   qobject_cast<const QLineEdit*>(each) != nullptr ||
+                                   qobject_cast<const QComboBox*>(each) != nullptr;
+            if (isControl && each->isVisible() && !each->objectName().startsWith("qt_")) {
+                ++controls;
+                EXPECT_TRUE(isInSight(*each)) << page << ' ' << each->objectName().toStdString();
+            }
+        }
+        EXPECT_GT(controls, 5);
+    }
+}
+
+TEST_F(Room, TheDrawerIsOpenAgainWhereItWasLeftOpen) {
+    openOn(1024, 600);
+    clickTitled("New Share");
+    showPage(1);
+    EXPECT_FALSE(drawer().isVisible());
+    showPage(3);
+    showPage(0);
+    EXPECT_TRUE(drawer().isVisible());
+    clickTitled("Close");
+    showPage(2);
+    showPage(0);
+    EXPECT_FALSE(drawer().isVisible());
+    // One that is opened elsewhere counts as well, and as little once it was closed there.
+    showPage(1);
+    useMenu("Show or Hide Share Editor");
+    showPage(2);
+    EXPECT_FALSE(drawer().isVisible());
+    useMenu("Show or Hide Share Editor");
+    useMenu("Show or Hide Share Editor");
+    showPage(0);
+    EXPECT_FALSE(drawer().isVisible());
+}
+
+TEST_F(Room, AReviewFitsTheScreenWithItsDetailsAndScrolls) {
+    openOn(1024, 600);
+    review::Plan plan;
+    for (int run = 0; run < 80; ++run) {
+        plan.runs.push_back({"/usr/bin/nicl", {".", "-delete", "/users/user" + std::to_string(run)}, ""});
+        plan.warnings.push_back({"name", "User " + std::to_string(run) + " is the last one in a group."});
+    }
+    const auto dialog = makePlanDialog(plan, &window());
+    dialog->show();
+    for (const bool hasDetails : {false, true}) {
+        if (hasDetails) {
+            QTest::mouseClick(dialog->findChild<QPushButton*>("reviewDetails"), Qt::LeftButton);
+            EXPECT_TRUE(widget<QWidget>("reviewDetailsText").isVisible());
+        }
+        QApplication::processEvents();
+        EXPECT_GT(dialog->height(), 300);
+        EXPECT_LE(dialog->frameGeometry().height(), 600);
+        for (const auto* button : dialog->findChildren<QPushButton*>()) {
+            EXPECT_TRUE(isInSight(*button)) << button->text().toStdString();
+        }
+    }
+}
+
+TEST(AWindowsPlace, IsKeptWhereItsTitleCanBeReachedAndElseBroughtIntoView) {
+    const std::vector<QRect> screens = {QRect(0, 0, 1280, 800), QRect(1280, 0, 1024, 600)};
+
+    struct Case {
+        QRect left;
+        QRect back;
+    };
+
+    for (const Case& each : {
+             Case{QRect(100, 50, 900, 600), QRect(100, 50, 900, 600)},
+             Case{QRect(-700, 300, 900, 600), QRect(-700, 300, 900, 600)},  // partly outside, as it was left
+             Case{QRect(1300, 20, 900, 540), QRect(1300, 20, 900, 540)},    // on the other screen
+             Case{QRect(3000, 20, 900, 600), QRect(190, 100, 900, 600)},    // on one that has gone
+             Case{QRect(100, -500, 900, 600), QRect(190, 100, 900, 600)},   // its title is out of reach
+             Case{QRect(1400, 200, 1600, 900), QRect(1280, 36, 1024, 564)}, // from a larger screen
+         }) {
+        EXPECT_EQ(placeInView(each.left, screens), each.back) << each.left.x() << ' ' << each.left.y();
+    }
+}
+
+TEST_F(Room, TheWindowComesBackAsItWasLeft) {
+    const std::string key = "BrindleWindow.mainWindow";
+    auto& defaults = NSUserDefaults::standardUserDefaults();
+    defaults.setString("9000\t40\t910\t540\tnormal\topen", key);
+    openOn(1600, 900);
+    constexpr int frame = 8; // known only once it is shown
+    EXPECT_TRUE(QRect(0, 0, 1600 + frame, 900).contains(window().geometry()));
+    EXPECT_TRUE(drawer().isVisible());
+    EXPECT_EQ(window().size(), QSize(910 + drawer().width(), 540));
+    const QPoint place(30, 20);
+    window().move(place);
+    window().resize(1400, 700);
+    QTest::qWait(400); // it is written once the hand is still
+    const std::string normal = "30\t20\t" + std::to_string(1400 - drawer().width()) + "\t700\t";
+    EXPECT_EQ(defaults.stringForKey(key), normal + "normal\topen");
+    window().showMaximized();
+    clickTitled("Close");
+    QTest::qWait(400);
+    EXPECT_EQ(defaults.stringForKey(key), normal + "maximized\tclosed");
+    showPage(1);
+    EXPECT_EQ(defaults.stringForKey(key), normal + "maximized\tclosed");
+}
+
+/// The window in the colours of three desktops.
+class Colours : public MainWindow {
+  protected:
+    static std::vector<std::pair<const char*, QPalette>> desktops() {
+        QPalette high(Qt::black);
+        high.setColor(QPalette::Highlight, Qt::yellow);
+        high.setColor(QPalette::HighlightedText, Qt::black);
+        return {{"light", QPalette(QColor(0xef, 0xef, 0xef))},
+                {"dark", QPalette(QColor(0x35, 0x35, 0x35))},
+                {"high contrast", high}};
+    }
+
+    /// Of the texts in an ink of the window's own, each against what is drawn behind it.
+    int expectInksAreReadable(const char* desktop) {
+        QWidget& window = widget<QWidget>("mainWindow");
+        const QImage picture = window.grab().toImage();
+        int inks = 0;
+        for (const QLabel* each : window.findChildren<QLabel*>()) {
+            if (!each->isVisible() || each->text().isEmpty() ||
+                each->findChild<QObject*>("inkKeeper") == nullptr) {
+                continue;
+            }
+            ++inks;
+            const QColor ground = picture.pixelColor(each->mapTo(&window, QPoint(0, 0)));
+            const QColor ink = each->palette().color(QPalette::WindowText);
+            EXPECT_GE(contrast(ink, ground), leastContrast)
+                << desktop << ": " << each->text().toStdString() << ' ' << ink.name().toStdString() << " on "
+                << ground.name().toStdString();
+        }
+        return inks;
+    }
+
+    /// How well the drawer's box that is not ticked stands out.
+    double edgeOfEmptyBox() {
+        const auto& box = widget<QCheckBox>("showSystemUsersGroups");
+        EXPECT_TRUE(box.isVisible());
+        QStyleOptionButton option;
+        option.initFrom(&box);
+        const QRect square = box.style()->subElementRect(QStyle::SE_CheckBoxIndicator, &option, &box);
+        const QImage drawn =
+            box.window()->grab(QRect(box.mapTo(box.window(), QPoint()), box.size())).toImage();
+        const QColor around = drawn.pixelColor(square.right() + 3, square.center().y());
+        double edge = 0;
+        for (int x = square.left(); x <= square.right(); ++x) {
+            edge = std::max(edge, contrast(drawn.pixelColor(x, square.center().y()), around));
+        }
+        return edge;
+    }
+};
+
+TEST_F(Colours, NotesWarningsAndMarksCanBeReadOnEveryDesktop) {
+    addShare("Docs", host.root().string());
+    open();
+    control<NSTextField>("smbConfNotice").setStringValue("Something is wrong with smb.conf.");
+    clickTitled("New Share");
+    typeInto("directory", "nowhere");
+    for (const auto& [desktop, palette] : desktops()) {
+        QApplication::setPalette(palette); // as when the desktop changes while the window is open
+        int inks = 0;
+        for (const int page : {1, 2, 4, 0}) {
+            showPage(page);
+            inks += expectInksAreReadable(desktop);
+        }
+        EXPECT_GE(inks, 6) << desktop;
+        EXPECT_GT(edgeOfEmptyBox(), 1.2) << desktop << ": a box can be seen though it is empty";
+        for (const Mark mark : {Mark::Warning, Mark::Information}) {
+            for (const auto ground : {QPalette::Base, QPalette::AlternateBase, QPalette::Window}) {
+                const auto drawnOn = ground == QPalette::Window ? ground : QPalette::Base;
+                const QImage drawn = markIcon(mark, drawnOn).pixmap(QSize(32, 32), 1.0).toImage();
+                EXPECT_GE(contrast(drawn.pixelColor(8, 26), palette.color(ground)), leastContrast) << desktop;
+            }
+            const QImage selected = markIcon(mark).pixmap(QSize(32, 32), 1.0, QIcon::Selected).toImage();
+            EXPECT_GE(contrast(selected.pixelColor(8, 26), palette.color(QPalette::Highlight)), 3)
+                << desktop << ": as well as the desktop's own text";
+        }
+    }
+}
+
+} // namespace
