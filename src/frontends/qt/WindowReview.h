@@ -9,6 +9,7 @@
 #include <functional>
 #include <map>
 #include <string>
+#include <vector>
 
 class QAction;
 class QFrame;
@@ -28,8 +29,10 @@ class WindowReview : public QObject {
     ~WindowReview() override;
 
     /// The share table marks what `find` has found, too: sentences by the name of a share. Asked whenever the
-    /// marks are looked for.
-    void setShareRemarks(std::function<std::multimap<std::string, std::string>()> find);
+    /// table was read again, so it must not wait for anything.
+    using FindRemarks = std::function<std::multimap<std::string, std::string>(
+        const SMBConf& conf, const std::vector<NormalShare>& shares)>;
+    void setShareRemarks(FindRemarks find);
 
     /// `allowed` is told how many runs an action that may begin now will make.
     void setAllowed(std::function<void(std::size_t runs)> allowed) { allowed_ = std::move(allowed); }
@@ -44,6 +47,7 @@ class WindowReview : public QObject {
     void addMenu();
     void addNotice();
     void showNotice();
+    void lookAtFile();
     void addDirectoryNotice();
     void showDirectoryNotice();
     void showRemarks();
@@ -61,8 +65,9 @@ class WindowReview : public QObject {
     QFrame* directoryNotice_ = nullptr;
     QLabel* directoryText_ = nullptr;
     QAction* reviewAll_ = nullptr;
-    std::function<std::multimap<std::string, std::string>()> findMore_;
-    std::multimap<std::string, std::string> more_;
+    FindRemarks findMore_;
+    std::multimap<std::string, std::string> remarks_; ///< by the name of a share
+    std::string stamp_;                               ///< of smb.conf, as of the last look at it
     std::function<void(std::size_t)> allowed_;
     platform::Connection eventEnded_;
     platform::Connection used_;
