@@ -51,6 +51,7 @@ class TableModel : public QAbstractTableModel {
   private:
     [[nodiscard]] QString remarkOf(const QModelIndex& index) const;
     void rearrange();
+    [[nodiscard]] bool lacksFolder(int row) const;
 
     NSTableView& table_;
     int length_;
@@ -76,6 +77,9 @@ class TableView : public QTableView {
     /// Shows the rows in which the words of `text` occur, and the selected ones, so that nobody acts on a row
     /// that is out of sight.
     void setFilter(const std::string& text);
+
+    [[nodiscard]] const std::string& filter() const { return filter_; }
+
     /// Puts the cursor into the rows, on the first where none is selected.
     void goOnInRows();
 
@@ -126,6 +130,7 @@ class TableView : public QTableView {
     TableModel model_;
     const NSTableColumn* nameColumn_ = nullptr;
     Binding* reloaded_ = nullptr;
+    std::string filter_;
     std::map<int, std::string> namesOfSelected_; ///< the selected rows and their names, as of the last look
     std::function<std::string(const std::string&, int)> remark_;
     std::map<std::string, QString> remarks_; ///< by row name, as of the last reload

@@ -112,6 +112,7 @@ std::vector<ElementRule> controlRules() {
                   {"mayBeEmpty", YesNo},
                   {"folder", YesNo},
                   {"namesRow", Word},
+                  {"records", Word},
                   {"another", Text}}})},
         {SecureField, "secureField", makeField, joined({common, field})},
         {Button, "button", makeButton,
