@@ -104,7 +104,7 @@ WindowReview::WindowReview(review::Reviewer& reviewer, QMainWindow& window, Wind
     reviewer.setQuestion([this](const review::Plan& plan) {
         const bool mayBegin = ask(plan);
         if (mayBegin && allowed_) {
-            allowed_(plan.runs.size());
+            allowed_(plan);
         }
         return mayBegin;
     });

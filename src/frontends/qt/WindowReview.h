@@ -34,8 +34,8 @@ class WindowReview : public QObject {
         const SMBConf& conf, const std::vector<NormalShare>& shares)>;
     void setShareRemarks(FindRemarks find);
 
-    /// `allowed` is told how many runs an action that may begin now will make.
-    void setAllowed(std::function<void(std::size_t runs)> allowed) { allowed_ = std::move(allowed); }
+    /// `allowed` is given the plan of an action that may begin now.
+    void setAllowed(std::function<void(const review::Plan& plan)> allowed) { allowed_ = std::move(allowed); }
 
     /// A user's event has used the control with this operation.
     void actionWasUsed(const std::string& operation);
@@ -68,7 +68,7 @@ class WindowReview : public QObject {
     FindRemarks findMore_;
     std::multimap<std::string, std::string> remarks_; ///< by the name of a share
     std::string stamp_;                               ///< of smb.conf, as of the last look at it
-    std::function<void(std::size_t)> allowed_;
+    std::function<void(const review::Plan&)> allowed_;
     platform::Connection eventEnded_;
     platform::Connection used_;
 };

@@ -3,7 +3,6 @@
 #include "frontends/qt/ActivityDialog.h"
 #include "frontends/qt/Binding.h"
 #include "frontends/qt/ElidedLabel.h"
-#include "platform/appkit/NSTableView.h"
 #include "platform/appkit/NSTextField.h"
 #include "platform/appkit/Presenter.h"
 #include "platform/foundation/Host.h"
@@ -16,18 +15,10 @@
 #include <QPushButton>
 #include <QStatusBar>
 
-#include <algorithm>
-
 namespace {
 
 constexpr int textStretch = 3;
 constexpr int serverStretch = 2;
-
-std::string valueOf(NSTableView& table, const char* identifier, int row) {
-    const auto& columns = table.tableColumns();
-    const auto column = std::ranges::find(columns, identifier, &NSTableColumn::identifier);
-    return column == columns.end() ? std::string() : table.objectValue(*column, row);
-}
 
 std::string nameInEditor(const WindowActions& actions) {
     const auto* field = actions.find<NSTextField>("shareName");
@@ -74,9 +65,6 @@ void WindowStatus::useHistory(const review::History& history, QMenu& menu,
                               std::function<void(std::int64_t)> takeBack) {
     history_ = &history;
     takeBack_ = std::move(takeBack);
-    if (const auto newest = history.newest()) {
-        number_ = newest->number;
-    }
     menu.addSeparator();
     menu.addAction(localizedTitle("Activity…"), this, [this] { showActivity(); })
         ->setObjectName("showActivity");
@@ -109,8 +97,9 @@ void WindowStatus::show(const QString& text, bool isFailure) {
 }
 
 void WindowStatus::eventEnded() {
+    const auto added = history_ == nullptr ? std::nullopt : history_->takeAdded();
     if (activity_.runsOfEvent() > 0 || activity_.isRefused() || !activity_.failureOfEvent().empty()) {
-        showOutcome();
+        showOutcome(added);
     }
     activity_.endEvent();
     operation_.clear();
@@ -119,12 +108,9 @@ void WindowStatus::eventEnded() {
     }
 }
 
-void WindowStatus::showOutcome() {
-    const auto newest = history_ == nullptr ? std::nullopt : history_->newest();
-    const bool isNew = newest && newest->number != number_;
-    if (newest) {
-        number_ = newest->number;
-    }
+void WindowStatus::showOutcome(const std::optional<review::HistoryEntry>& added) {
+    const bool isNew = added.has_value();
+    number_ = isNew ? added->number : 0;
     const std::string& failure = activity_.failureOfEvent();
     if (const std::string& stop = activity_.stopOfEvent(); !stop.empty()) {
         show(shown(stop));
@@ -135,28 +121,26 @@ void WindowStatus::showOutcome() {
     } else if (activity_.runsOfEvent() == 0) {
         show(localized("Nothing was changed: the permission was not given."));
     } else if (operation_ != "createShare:" || !isNew || !showShare(nameInEditor(actions_))) {
-        show(isNew ? shown(newest->title) + QLatin1Char('.') : localized("Done."));
+        show(isNew ? shown(added->title) + QLatin1Char('.') : localized("Done."));
     }
-    undo_->setVisible(isNew && newest->canComeBack() && newest->undoes == 0 && takeBack_ != nullptr);
+    undo_->setVisible(isNew && added->canComeBack() && added->undoes == 0 && takeBack_ != nullptr);
 }
 
 bool WindowStatus::showShare(const std::string& name) {
-    auto* table = actions_.find<NSTableView>("normalTableView");
-    for (int row = 0; table != nullptr && row < table->numberOfRows(); ++row) {
-        if (valueOf(*table, "ShareName", row) != name || valueOf(*table, "SMB", row) != "+") {
-            continue;
-        }
-        if (server_.address.empty()) {
-            show(shown(stringWithFormat(NSLocalizedString("%@ is shared over SMB."), name)));
-            return true;
-        }
-        address_ = addressOf(server_.address, name);
-        show(shown(stringWithFormat(NSLocalizedString("%@ is shared at %@."), name, address_)));
-        copy_->show();
-        open_->show();
+    // The table marks whatever folder is offered, under another name perhaps: its address would lead nowhere.
+    if (!hasSection_ || !hasSection_(name)) {
+        return false;
+    }
+    if (server_.address.empty()) {
+        show(shown(stringWithFormat(NSLocalizedString("%@ will be shared over SMB as soon as a server runs."),
+                                    name)));
         return true;
     }
-    return false;
+    address_ = addressOf(server_.address, name);
+    show(shown(stringWithFormat(NSLocalizedString("%@ is shared at %@."), name, address_)));
+    copy_->show();
+    open_->show();
+    return true;
 }
 
 void WindowStatus::showActivity() {
