@@ -119,7 +119,7 @@ std::string UnsavedEdits::pages() const {
             return saved == saved_.end() || saved->second != edit.second;
         });
         if (isUnsaved) {
-            titles += (titles.empty() ? "“" : ", “") + title + "”";
+            titles += (titles.empty() ? "" : ", ") + title;
         }
     }
     return titles;

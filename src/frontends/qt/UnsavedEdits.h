@@ -12,7 +12,7 @@ class UnsavedEdits {
     /// `actions` is kept.
     explicit UnsavedEdits(WindowActions& actions);
 
-    /// The titles of the pages with such changes, in quotation marks; empty where there is none.
+    /// The titles of the pages with such changes; empty where there is none.
     [[nodiscard]] std::string pages() const;
 
   private:
