@@ -257,6 +257,7 @@ TEST_F(Launch, LinksOpenTheirAddresses) {
     EXPECT_EQ(host.opened,
               (Texts{infoText("BRHomePage"), infoText("BRDonationAddress"), infoText("BRStoreAddress"),
                      "mailto:" + infoText("BRSupportAddress") + "?subject=Brindle"}));
+    EXPECT_TRUE(infoText("BRHomePage").starts_with("http://"));
     EXPECT_TRUE(infoText("BRDonationAddress").ends_with("&no_shipping=1&item_name=Brindle"));
     EXPECT_TRUE(infoText("BRStoreAddress").ends_with("&lang=en"));
 }

@@ -257,15 +257,15 @@ TEST_F(Surprises, WhatTheServerReadsOtherwiseIsNamed) {
     selectShare("Docs");
     EXPECT_EQ(sentence("createShare:", "server-reads-otherwise"),
               "The SMB server follows \"Public = yes\" in the section [Docs], which Brindle does not show.");
-    const auto all = reviewer->serverReadsOtherwise();
+    const auto all = reviewer->otherReadings();
     const auto tells = [&](const std::string& words) {
         return std::ranges::any_of(
-            all, [&](const review::Remark& each) { return each.sentence.find(words) != std::string::npos; });
+            all, [&](const auto& each) { return each.second.find(words) != std::string::npos; });
     };
     EXPECT_TRUE(tells("[GLOBALS]"));
     EXPECT_TRUE(tells("[Home s]"));
-    EXPECT_EQ(reviewer->serverReadsOtherwise("Docs").size(), 1U);
-    EXPECT_EQ(reviewer->serverReadsOtherwise("Films").size(), 0U);
+    EXPECT_EQ(all.count("Docs"), 1U);
+    EXPECT_EQ(all.count("Films"), 0U);
 }
 
 TEST_F(Surprises, TheServersOwnComplaintIsTold) {

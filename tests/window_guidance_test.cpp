@@ -42,7 +42,14 @@ TEST_F(MainWindow, AnEmptyTableHasTheButtonThatBegins) {
     addUser("alice", "501");
     showPage(1);
     clickTitled("Refresh");
-    EXPECT_FALSE(widget<QWidget>("userTableViewEmpty").isVisible());
+    auto& note = widget<QWidget>("userTableViewEmpty");
+    EXPECT_FALSE(note.isVisible());
+    QTest::keyClicks(&widget<QLineEdit>("userTableViewFilter"), "zed");
+    EXPECT_TRUE(note.isVisible());
+    EXPECT_EQ(note.findChild<QLabel*>()->text(), "Nothing matches “zed”.");
+    EXPECT_FALSE(note.findChild<QPushButton*>()->isVisible());
+    widget<QLineEdit>("userTableViewFilter").clear();
+    EXPECT_FALSE(note.isVisible());
 }
 
 TEST_F(MainWindow, NewDropsTheSelectedRowAndEditNeedsOne) {
@@ -91,6 +98,7 @@ TEST_F(MainWindow, CellsSpeakInWordsAndMarksAndTheModelsKeepTheirValues) {
     EXPECT_EQ(shownIn(shares, 0, "SMB"), "");
     EXPECT_EQ(shownIn(shares, 0, "Guests"), "");
     EXPECT_EQ(shownIn(shares, 1, "Guests"), "✓");
+    EXPECT_EQ(shownIn(shares, 1, "Owner may"), "") << "of a folder that is gone nothing is known";
     EXPECT_EQ(shownIn(users, 0, "Public Folder"), "");
     EXPECT_EQ(shownIn(users, 0, "Full Name"), "");
     EXPECT_EQ(shownIn(groups, 0, "Users in Group"), "alice, bob");
@@ -113,6 +121,8 @@ TEST_F(MainWindow, AFieldSaysAtOnceWhatTheButtonWouldMakeOfItsText) {
 
     addShare("Docs", host.root().string());
     addShare("Films", "/nowhere");
+    addUser("alice", "501");
+    addUser("root", "0");
     open();
     clickRow("normalTableView", 0);
     clickTitled("Edit Share");
@@ -135,6 +145,34 @@ TEST_F(MainWindow, AFieldSaysAtOnceWhatTheButtonWouldMakeOfItsText) {
     clickRow("normalTableView", 1);
     EXPECT_EQ(hintOf("directory"), "There is no such folder.");
     EXPECT_EQ(hintOf("shareName"), "");
+    showPage(1);
+    clickRow("userTableView", 0);
+    typeInto("shortName", "root"); // no list shows it
+    EXPECT_EQ(hintOf("shortName"), "“root” is there already: the button changes it.");
+    typeInto("shortName", "roo");
+    EXPECT_TRUE(hintOf("shortName").starts_with("The button adds another user")) << hintOf("shortName");
+}
+
+TEST_F(MainWindow, LeavingTheFolderAsItWasLeavesThePrivilegesThatWereChosen) {
+    std::filesystem::permissions(host.root(), std::filesystem::perms(0711));
+    addShare("Docs", host.root().string());
+    open();
+    clickRow("normalTableView", 0);
+    clickTitled("Edit Share");
+    auto& everyone = control<NSPopUpButton>("everyonePrivs");
+    everyone.performSelect(1);
+    auto& folder = widget<QLineEdit>("directory");
+    folder.setFocus();
+    QTest::keyClick(&folder, Qt::Key_End);
+    QTest::keyClicks(&folder, "x");
+    QTest::keyClick(&folder, Qt::Key_Backspace);
+    widget<QLineEdit>("shareName").setFocus();
+    EXPECT_EQ(everyone.indexOfSelectedItem(), 1);
+    typeInto("directory", "/");
+    widget<QLineEdit>("shareName").setFocus();
+    typeInto("directory", QString::fromStdString(host.root().string()));
+    widget<QLineEdit>("shareName").setFocus();
+    EXPECT_EQ(everyone.indexOfSelectedItem(), 3) << "as it is on disk";
 }
 
 TEST_F(MainWindow, GuestsWhoMayWriteAndAnOldSecurityAreWarnedOfOnlyWhenChosen) {
@@ -184,12 +222,22 @@ TEST_F(MainWindow, ANumberOutsideItsLimitsIsSaidWhileItIsTypedAndNeverSaved) {
     for (const Case& each :
          {Case{"tcpPort", "65536", "A whole number from 1 to 65535."},
           Case{"tcpPort", "0", "A whole number from 1 to 65535."}, Case{"tcpPort", "548", ""},
-          Case{"numConnections", "abc", "A whole number, -1 or more."}, Case{"numConnections", "12", ""}}) {
+          Case{"numConnections", "abc", "A whole number, -1 or more."},
+          Case{"numConnections", "2147483648", "A whole number from -1 to 2147483647."},
+          Case{"numConnections", "12", ""}}) {
         typeInto(each.field, each.typed);
         QApplication::processEvents();
         EXPECT_EQ(widget<QLineEdit>(each.field).accessibleDescription(), each.said) << each.typed;
     }
     EXPECT_EQ(guests.text(), "no limit"); // it was left
+    QMimeData dropped;
+    dropped.setText("2");
+    QDragEnterEvent over(QPoint(1, 5), Qt::CopyAction, &dropped, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(&guests, &over);
+    QDropEvent drop(QPointF(1, 5), Qt::CopyAction, &dropped, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(&guests, &drop);
+    EXPECT_EQ(text("numGuestConnections"), "2-1") << "the words are not the number";
+    control<NSTextField>("numGuestConnections").setStringValue("-1");
     typeInto("numConnections", "12abc");
     control<NSPopUpButton>("afsPropsPage").performSelect(0);
     QApplication::processEvents();

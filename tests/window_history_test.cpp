@@ -60,14 +60,17 @@ TEST_F(WindowHistoryTest, TheMenuNamesWhatItUndoesAndBringsADeletedShareBack) {
     answer({"Yes"});
     click("deleteButton");
     ASSERT_EQ(columnOf("normalTableView", "ShareName"), std::vector<std::string>{});
+    showPage(3);
+    typeInto("greeting", "Welcome");
     QAction& undo = openChanges();
     EXPECT_EQ(plainTitle(undo.text()), "Undo “Share \"Docs\" deleted”");
-    answer({"Cancel", "Go On"});
+    answer({"No", "Yes"});
     clickInChanges(undo);
     EXPECT_EQ(columnOf("normalTableView", "ShareName"), std::vector<std::string>{});
     clickInChanges(openChanges());
-    EXPECT_EQ(asked, (QStringList{"Review", "Review"}));
+    EXPECT_EQ(asked, (QStringList{"Undo", "Undo"}));
     EXPECT_TRUE(said.front().contains("/config/Brindle/Docs")) << said.front().toStdString();
+    EXPECT_TRUE(said.front().contains("will be gone: AFP.")) << said.front().toStdString();
     EXPECT_EQ(columnOf("normalTableView", "ShareName"), std::vector<std::string>{"Docs"});
     EXPECT_EQ(host.read("etc/smb.conf"), conf);
 }
@@ -81,9 +84,9 @@ TEST_F(WindowHistoryTest, AnEntryThatALaterOneBuildsOnIsNotTakenBackAndTheLaterO
     EXPECT_TRUE(said.at(1).contains("built on by 2 (Group &quot;team&quot; changed): take"))
         << said.at(1).toStdString();
     EXPECT_EQ(columnOf("groupTableView", "GID"), std::vector<std::string>{"601"});
-    takeBack(0, {"Go On"});
+    takeBack(0, {"Yes"});
     EXPECT_EQ(columnOf("groupTableView", "GID"), std::vector<std::string>{"600"});
-    takeBack(2, {"Go On"});
+    takeBack(2, {"Yes"});
     EXPECT_EQ(columnOf("groupTableView", "GID"), std::vector<std::string>{});
 }
 

@@ -56,6 +56,13 @@ TEST_F(WindowInquiriesTest, AShareWhoseFolderIsGoneIsMarkedAndListedWithItsRemed
     EXPECT_TRUE(model->index(0, 0).data(Qt::DecorationRole).isNull());
     EXPECT_FALSE(model->index(1, 0).data(Qt::DecorationRole).isNull());
     EXPECT_TRUE(model->index(1, 0).data(Qt::ToolTipRole).toString().contains("/no/such/folder"));
+    int reads = 0;
+    host.onReport = [&reads] { ++reads; };
+    QEvent activation(QEvent::WindowActivate); // whoever comes back to the window waits for nobody
+    QApplication::sendEvent(&widget<QWidget>("mainWindow"), &activation);
+    QTest::qWait(20);
+    EXPECT_EQ(reads, 0);
+    host.onReport = nullptr;
     look("Check This Computer", [this](QDialog&) {
         EXPECT_TRUE(column(widget<QTreeWidget>("findingsList"), 1).contains("/config/Brindle/Gone"));
     });

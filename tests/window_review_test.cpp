@@ -137,7 +137,7 @@ TEST_F(WindowReviewTest, AShareThatTheServerReadsOtherwiseIsMarkedInItsRow) {
     EXPECT_FALSE(model->index(0, 0).data(Qt::DecorationRole).isNull());
     EXPECT_TRUE(tip(0).contains("Guest OK")) << tip(0).toStdString();
     EXPECT_TRUE(model->index(1, 0).data(Qt::DecorationRole).isNull());
-    EXPECT_EQ(tip(1), "Films");
+    EXPECT_TRUE(tip(1).contains(">Films<")) << tip(1).toStdString();
 }
 
 TEST_F(WindowReviewTest, APasswordThatNobodyCanHaveIsRefusedOnItsSheet) {

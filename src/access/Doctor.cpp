@@ -42,8 +42,9 @@ Examination examine(const Patient& patient) {
     return examiner.take();
 }
 
-std::vector<Finding> examineShares(const Patient& patient) {
-    Examiner examiner(patient);
+std::vector<Finding> examineShares(const Patient& patient, const SMBConf& conf,
+                                   std::span<const NormalShare> shares) {
+    Examiner examiner(patient, conf, shares);
     examiner.examineShares();
     return examiner.take().findings;
 }
@@ -62,9 +63,23 @@ std::string shellWord(const std::string& word) {
 }
 
 Examiner::Examiner(const Patient& patient)
-    : patient_(patient), smbConfFile_(platform::Host::current().paths().map(conf_.Path())) {
+    : patient_(patient), own_(std::in_place), conf_(*own_),
+      smbConfFile_(platform::Host::current().paths().map(conf_.Path())) {
     readSections();
     readShares();
+}
+
+Examiner::Examiner(const Patient& patient, const SMBConf& conf, std::span<const NormalShare> shares)
+    : patient_(patient), conf_(conf), smbConfFile_(platform::Host::current().paths().map(conf_.Path())) {
+    readSections();
+    const std::string noFolder = NormalShare().DirectoryPath();
+    for (const NormalShare& share : shares) {
+        if (share.hasRecord()) {
+            const std::string& folder = share.DirectoryPath();
+            shares_.push_back(
+                {share.ShareName(), folder == noFolder ? std::string() : folder, share.AFPShared()});
+        }
+    }
 }
 
 std::vector<std::vector<std::string>> Examiner::report(const char* path,

@@ -1,8 +1,11 @@
 #pragma once
 
+#include "model/NormalShare.h"
+#include "model/SMBConf.h"
 #include "platform/samba/SambaPaths.h"
 
 #include <optional>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -40,8 +43,10 @@ struct Patient {
 /// rights of Brindle's own files. Reads only.
 [[nodiscard]] Examination examine(const Patient& patient);
 
-/// What of it is wrong with shares, and found without asking another program: quick enough to be asked often.
-[[nodiscard]] std::vector<Finding> examineShares(const Patient& patient);
+/// What of it is wrong with shares, as somebody has read them: neither the directory nor smb.conf is read, so
+/// that nothing is waited for. Only the folders are looked at.
+[[nodiscard]] std::vector<Finding> examineShares(const Patient& patient, const SMBConf& conf,
+                                                 std::span<const NormalShare> shares);
 
 /// A word as the shell takes it: in quotes where it has to be.
 [[nodiscard]] std::string shellWord(const std::string& word);

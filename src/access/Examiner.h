@@ -5,7 +5,9 @@
 
 #include <initializer_list>
 #include <map>
+#include <optional>
 #include <set>
+#include <span>
 #include <string>
 #include <utility>
 #include <vector>
@@ -18,6 +20,8 @@ class Examiner {
   public:
     /// Reads the shares and smb.conf; finds fault where the directory cannot be read.
     explicit Examiner(const Patient& patient);
+    /// Takes the shares and smb.conf as they were read before; `conf` outlives this.
+    Examiner(const Patient& patient, const SMBConf& conf, std::span<const NormalShare> shares);
 
     void examineShares();
     void examineAccounts();
@@ -97,7 +101,8 @@ class Examiner {
 
     const Patient& patient_;
     Examination found_;
-    SMBConf conf_;
+    std::optional<SMBConf> own_; ///< none where somebody else has read it
+    const SMBConf& conf_;
     std::string smbConfFile_;
     bool hasDirectory_ = true;
     std::vector<Section> sections_;

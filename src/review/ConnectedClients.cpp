@@ -1,5 +1,6 @@
 #include "review/ConnectedClients.h"
 
+#include "platform/foundation/NSBundle.h"
 #include "platform/foundation/SystemPaths.h"
 #include "platform/posix/Process.h"
 #include "privileged/NiutilTask.h"
@@ -19,9 +20,9 @@ connectedClients(const std::optional<platform::SambaPaths>& root) {
     }
     const auto listing = NiutilTask::sharedInstance().outputOf(systempath::smbstatus, {});
     using Result = platform::Result<std::vector<platform::Session>>;
-    constexpr const char* what = "cannot see who is connected";
+    const std::string what = NSLocalizedString("cannot see who is connected");
     if (!listing) {
-        return Result(platform::Status::failure(what, {}, "only an administrator may"));
+        return Result(platform::Status::failure(what, {}, NSLocalizedString("only an administrator may")));
     }
     // How the helper's tools complain.
     constexpr std::string_view complaint = "smbstatus: ";

@@ -58,21 +58,13 @@ Result<std::vector<HistoryEntry>> History::entries() const {
     return recorder_ ? recorder_->store().entries() : std::vector<HistoryEntry>();
 }
 
-std::optional<HistoryEntry> History::newest() const {
-    std::optional<HistoryEntry> newest;
-    if (recorder_) {
-        // What cannot be read is said where the history is asked for.
-        static_cast<void>(recorder_->store().visit([&newest](HistoryEntry&& entry) {
-            newest = std::move(entry);
-            return false;
-        }));
-    }
-    return newest;
+std::optional<HistoryEntry> History::takeAdded() const {
+    return recorder_ ? recorder_->takeAdded() : std::nullopt;
 }
 
-void History::stopAction() const {
+void History::stopAction(bool madeStill) const {
     if (recorder_) {
-        recorder_->stopAction();
+        recorder_->stopAction(madeStill);
     }
 }
 

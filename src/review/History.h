@@ -28,13 +28,14 @@ class History {
     /// All entries, the newest first, with all that they hold.
     [[nodiscard]] platform::Result<std::vector<HistoryEntry>> entries() const;
 
-    /// The newest entry; none where there is none, or the history cannot be read.
-    [[nodiscard]] std::optional<HistoryEntry> newest() const;
+    /// What this program has added since this was asked last; of several entries the newest. Other programs
+    /// may have added later ones.
+    [[nodiscard]] std::optional<HistoryEntry> takeAdded() const;
 
-    /// Lets no further run of the action that is under way begin but the one that the presenter is being told
-    /// of: the right to make it is refused, and nobody is asked. What is done stays. Nothing where no history
-    /// is kept.
-    void stopAction() const;
+    /// Lets no further run of the action that is under way begin: the right to make it is refused, and nobody
+    /// is asked. The one that the presenter is being told of is `madeStill` or not. What is done stays.
+    /// Nothing where no history is kept.
+    void stopAction(bool madeStill) const;
 
     /// The title of the change that an undo takes back next; empty where there is none, or the history cannot
     /// be read. Waits for no directory: a menu shows it.

@@ -284,7 +284,7 @@ Result<platform::SqliteConnection> HistoryStore::open() const {
                               : failure("cannot open", error);
 }
 
-int HistoryStore::insert(sqlite3* database, const HistoryEntry& entry) const {
+int HistoryStore::insert(sqlite3* database, const HistoryEntry& entry, std::int64_t* number) const {
     if (const int error = execute(database, "BEGIN IMMEDIATE"); error != SQLITE_OK) {
         return error;
     }
@@ -294,6 +294,7 @@ int HistoryStore::insert(sqlite3* database, const HistoryEntry& entry) const {
     row.bind(1, entry.time).bind(2, entry.user).bind(3, entry.title);
     row.bind(4, std::int64_t{entry.hasFailed}).bind(5, entry.undoes).bindBytes(6, content);
     int error = finish(row);
+    *number = sqlite3_last_insert_rowid(database);
     if (error == SQLITE_OK && entry.undoes != 0 && !entry.hasFailed) {
         error = markUndone(database, entry.undoes);
     }
@@ -303,13 +304,14 @@ int HistoryStore::insert(sqlite3* database, const HistoryEntry& entry) const {
     return error == SQLITE_OK ? execute(database, "COMMIT") : error;
 }
 
-Status HistoryStore::add(const HistoryEntry& entry) const {
+Result<std::int64_t> HistoryStore::add(const HistoryEntry& entry) const {
     const auto database = open();
     if (!database.isOk()) {
         return database.status();
     }
-    const int error = insert(database->get(), entry);
-    return error == SQLITE_OK ? Status() : failure("cannot write", error);
+    std::int64_t number = 0;
+    const int error = insert(database->get(), entry, &number);
+    return error == SQLITE_OK ? Result<std::int64_t>(number) : failure("cannot write", error);
 }
 
 Result<std::vector<HistoryEntry>> HistoryStore::entries() const {

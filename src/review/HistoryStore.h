@@ -5,6 +5,7 @@
 #include "review/HistoryEntry.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <string>
 #include <string_view>
@@ -23,9 +24,9 @@ class HistoryStore {
 
     explicit HistoryStore(std::string file) : file_(std::move(file)) {}
 
-    /// Keeps an entry, giving it the next number. One that takes another back marks that, and where that was
-    /// an undo itself, what it had taken back counts as done again.
-    [[nodiscard]] platform::Status add(const HistoryEntry& entry) const;
+    /// Keeps an entry under the next number, which it returns. One that takes another back marks that, and
+    /// where that was an undo itself, what it had taken back counts as done again.
+    [[nodiscard]] platform::Result<std::int64_t> add(const HistoryEntry& entry) const;
 
     /// All entries, the newest first. One whose content cannot be read is damaged, and tells nothing of what
     /// it did. None where nothing was kept yet.
@@ -37,7 +38,7 @@ class HistoryStore {
   private:
     [[nodiscard]] platform::Result<platform::SqliteConnection> open() const;
     [[nodiscard]] platform::Status failure(std::string_view what, int error) const;
-    [[nodiscard]] int insert(sqlite3* database, const HistoryEntry& entry) const;
+    [[nodiscard]] int insert(sqlite3* database, const HistoryEntry& entry, std::int64_t* number) const;
 
     std::string file_;
 };

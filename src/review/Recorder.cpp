@@ -242,9 +242,13 @@ void Recorder::finish() {
     if (entry_.undoes == 0) {
         entry_.title = titleOf(entry_);
     }
-    if (const platform::Status status = store_.add(entry_); !status.isOk()) {
-        NSLog("What this action has changed is not kept in the history: %@", status.text());
+    const auto number = store_.add(entry_);
+    if (!number.isOk()) {
+        NSLog("What this action has changed is not kept in the history: %@", number.status().text());
+        return;
     }
+    entry_.number = *number;
+    added_ = std::move(entry_);
 }
 
 } // namespace review

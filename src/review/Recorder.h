@@ -5,9 +5,11 @@
 #include "review/HistoryStore.h"
 
 #include <memory>
+#include <optional>
 #include <set>
 #include <string>
 #include <unordered_set>
+#include <utility>
 
 namespace review {
 
@@ -33,16 +35,20 @@ class Recorder : public platform::Authority, public platform::PendingWrites {
     /// The action that is under way takes the entry of this number back; its own is titled so.
     void beginUndo(std::int64_t undone, std::string title);
 
-    /// No run but the one that is announced is made until the action that is under way has ended.
-    void stopAction() {
+    /// No run is made any more until the action that is under way has ended, but for the one that is
+    /// announced where that is `madeStill`.
+    void stopAction(bool madeStill) {
         isStopped_ = true;
-        finishesRun_ = true;
+        finishesRun_ = madeStill;
     }
 
     /// It has not got to its end.
     void failUndo() { undoFailed_ = true; }
 
     [[nodiscard]] const HistoryStore& store() const { return store_; }
+
+    /// What was added to the history since this was asked last; of several the newest.
+    [[nodiscard]] std::optional<HistoryEntry> takeAdded() { return std::exchange(added_, std::nullopt); }
 
   private:
     class Before; // what runs can change, as it was at the action's first run
@@ -56,6 +62,7 @@ class Recorder : public platform::Authority, public platform::PendingWrites {
     HistoryStore store_;
     std::unique_ptr<Before> before_;               ///< null before the action's first run
     HistoryEntry entry_;                           ///< of the action that is under way
+    std::optional<HistoryEntry> added_;            ///< since somebody has asked
     std::unordered_set<std::string> notedRecords_; ///< those that it names
     bool setsPassword_ = false;
     bool undoFailed_ = false;

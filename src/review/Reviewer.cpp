@@ -11,6 +11,7 @@
 #include "platform/netinfo/LocalDomain.h"
 #include "platform/netinfo/StoreWait.h"
 #include "privileged/NiutilTask.h"
+#include "review/DirectoryView.h"
 #include "review/Planner.h"
 #include "review/ServerReading.h"
 
@@ -151,6 +152,17 @@ std::string Reviewer::directoryHolder() {
     return platform::storeHolder(platform::Host::current().localDomain().storeFile());
 }
 
+bool Reviewer::hasRecord(const std::string& path) {
+    if (!directoryHolder().empty()) {
+        return false;
+    }
+    const std::string problem = platform::directoryProblem();
+    const bool isThere =
+        DirectoryView(platform::Host::current().services().localDomain).record(path).has_value();
+    platform::setDirectoryProblem(problem); // the lists are as they were read before
+    return isThere;
+}
+
 bool Reviewer::changeServer(ServerChange change) {
     const std::vector<std::string> arguments = {"smbd", change == ServerChange::Start ? "start" : "enable"};
     return NiutilTask::sharedInstance().carryOut(platform::systempath::service, arguments);
@@ -185,16 +197,29 @@ void Reviewer::takeUpWrittenFile() const {
     }
 }
 
-std::vector<Remark> Reviewer::serverReadsOtherwise(const std::string& share) const {
-    std::vector<Remark> remarks;
-    if (const SMBConf* model = controller().smbConfModel()) {
-        for (const OtherReading& reading : otherReadings(*model)) {
-            if (share.empty() || reading.section->ShareName() == share) {
-                remarks.push_back({"server-reads-otherwise", reading.sentence});
-            }
+std::multimap<std::string, std::string> Reviewer::otherReadings() const {
+    std::multimap<std::string, std::string> sentences;
+    if (const SMBConf* model = smbConf()) {
+        for (const OtherReading& reading : review::otherReadings(*model)) {
+            sentences.emplace(reading.section->ShareName(), reading.sentence);
         }
     }
-    return remarks;
+    return sentences;
+}
+
+const SMBConf* Reviewer::smbConf() const {
+    return controller().smbConfModel();
+}
+
+bool Reviewer::hasSection(const std::string& name) const {
+    const SMBConf* model = smbConf();
+    return model != nullptr && std::ranges::any_of(model->Entries(), [&name](const auto& entry) {
+               return entry->Type() == SMBGroup && entry->ShareName() == name;
+           });
+}
+
+const std::vector<NormalShare>& Reviewer::shares() const {
+    return controller().currentShares();
 }
 
 bool Reviewer::askAboutWarnings(const Plan& plan) {

@@ -1,11 +1,15 @@
 #pragma once
 
+#include "model/NormalShare.h"
+#include "model/SMBConf.h"
 #include "platform/appkit/Interface.h"
 #include "platform/appkit/Presenter.h"
 #include "review/Plan.h"
 
 #include <functional>
+#include <map>
 #include <string>
+#include <vector>
 
 class BRController;
 class NSControl;
@@ -45,6 +49,10 @@ class Reviewer {
     /// Who keeps others from using it now: "PROGRAM (process ID)"; empty where nobody does that can be told.
     [[nodiscard]] static std::string directoryHolder();
 
+    /// Whether the directory has that record ("/users/root"), as far as can be told without waiting for
+    /// anybody. What the window says of the directory stays.
+    [[nodiscard]] static bool hasRecord(const std::string& path);
+
     enum class ServerChange { Start, StartAtBoot };
     /// Starts the computer's own SMB server, now or whenever the computer starts; false when that failed.
     static bool changeServer(ServerChange change);
@@ -57,9 +65,16 @@ class Reviewer {
     [[nodiscard]] bool hasSMBConfChangedOnDisk() const;
     /// Whether the model of smb.conf holds a change that did not reach the disk.
     [[nodiscard]] bool hasUnwrittenSMBConf() const;
-    /// Where the SMB server reads smb.conf otherwise than the window shows it: a remark for each, "[NAME]"
-    /// and the line named. Only those of the section `share` where it is not empty.
-    [[nodiscard]] std::vector<Remark> serverReadsOtherwise(const std::string& share = "") const;
+    /// Where the SMB server reads smb.conf otherwise than the window shows it: sentences that name "[NAME]"
+    /// and the line, by the name of the section.
+    [[nodiscard]] std::multimap<std::string, std::string> otherReadings() const;
+
+    // What was read last, and shows in the window.
+    /// Null before start-up.
+    [[nodiscard]] const SMBConf* smbConf() const;
+    /// Whether it has a section of exactly that name, so that the server offers a share called so.
+    [[nodiscard]] bool hasSection(const std::string& name) const;
+    [[nodiscard]] const std::vector<NormalShare>& shares() const;
 
     // The gate. Each handler is called with the plan of an action that is about to be performed.
     using Handler = std::function<void(const Plan& plan)>;

@@ -83,9 +83,11 @@ class UndoPlanner {
         : all_(all), directory_(platform::Host::current().services().localDomain) {
         plan_.entry = entry;
         plan_.title = stringWithFormat(NSLocalizedString("Taken back: %@"), entry.title);
+        plan_.question = stringWithFormat(NSLocalizedString("Do you want to take back “%@”?"), entry.title);
         const auto done = std::ranges::find(all, entry.undoes, &HistoryEntry::number);
         if (entry.undoes != 0 && done != all.end()) {
             plan_.title = stringWithFormat(NSLocalizedString("Done again: %@"), done->title);
+            plan_.question = stringWithFormat(NSLocalizedString("Do you want “%@” done again?"), done->title);
         }
     }
 
@@ -277,12 +279,16 @@ class UndoPlanner {
     UndoPlan plan_;
 };
 
+std::string cannotTakeBack() {
+    return NSLocalizedString("cannot take it all back");
+}
+
 Status failedRun(const PlannedRun& run) {
     std::string text = run.tool;
     for (const std::string& argument : run.arguments) {
         text += " " + argument;
     }
-    return Status::failure("cannot take it all back", {}, "failed: " + text);
+    return Status::failure(cannotTakeBack(), {}, stringWithFormat(NSLocalizedString("failed: %@"), text));
 }
 
 Status carryOutRuns(const std::vector<PlannedRun>& runs) {
@@ -301,11 +307,12 @@ Status checkRecords(const HistoryEntry& entry) {
     }
     const DirectoryView now(platform::Host::current().services().localDomain);
     if (!now.isReadable()) {
-        return Status::failure("cannot take it all back", "the directory", "it cannot be read");
+        return Status::failure(cannotTakeBack(), NSLocalizedString("the directory"),
+                               NSLocalizedString("it cannot be read"));
     }
     for (const RecordChange& record : entry.records) {
         if (!isSameRecord(now.record(record.path), record.before)) {
-            return Status::failure("cannot take it all back", record.path, "it is not as it was");
+            return Status::failure(cannotTakeBack(), record.path, NSLocalizedString("it is not as it was"));
         }
     }
     return {};

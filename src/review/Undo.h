@@ -12,8 +12,9 @@ namespace review {
 /// What taking an entry back would do.
 struct UndoPlan {
     HistoryEntry entry;
-    std::string title;   ///< of the entry that it would leave itself
-    std::string refusal; ///< why it cannot be taken back now, in the user's language; empty: it can
+    std::string title;    ///< of the entry that it would leave itself
+    std::string question; ///< whether it is meant, with the entry's title
+    std::string refusal;  ///< why it cannot be taken back now, in the user's language; empty: it can
     std::vector<std::string> losses; ///< what does not come back as it was, a sentence each
     /// The runs, in their order; those that hang servers up follow.
     std::vector<PlannedRun> records;

@@ -2,6 +2,7 @@
 
 #include "frontends/qt/Binding.h"
 #include "platform/foundation/NSBundle.h"
+#include "platform/foundation/SystemPaths.h"
 
 #include <utility>
 
@@ -24,6 +25,7 @@ void Activity::add(ActivityEntry::Kind kind, std::string text) {
     ++entriesOfEvent_;
     if (entries_.size() > entryLimit) {
         entries_.pop_front();
+        ++dropped_;
     }
 }
 
@@ -33,7 +35,16 @@ void Activity::toolWillRun(const std::string& tool, std::span<const std::string>
         text += ' ' + argument;
     }
     add(ActivityEntry::Kind::Run, std::move(text));
-    ++runs_;
+    readsOutput_ = tool == platform::systempath::smbstatus;
+    runs_ += readsOutput_ ? 0 : 1;
+}
+
+void Activity::noteFailure(const std::string& why) {
+    for (std::string* kept : {&failure_, &reason_}) {
+        if (kept->empty()) {
+            *kept = why;
+        }
+    }
 }
 
 void Activity::toolDidWrite(std::string_view output) {
@@ -41,13 +52,18 @@ void Activity::toolDidWrite(std::string_view output) {
         return;
     }
     entries_.back().output = trimmed(output);
-    entries_.back().hasFailed = true; // a tool that succeeds is silent
-    if (failure_.empty()) {
-        failure_ = entries_.back().output;
+    if (readsOutput_) {
+        entries_.back().hasFailed = output.starts_with("smbstatus: "); // how the tools complain
+        return;
     }
+    entries_.back().hasFailed = true; // a tool that succeeds is silent
+    noteFailure(entries_.back().output);
 }
 
 void Activity::beeped() {
+    if (leavesOut_) {
+        return;
+    }
     // A run that could not be started at all writes nothing.
     if (!entries_.empty() && entries_.back().kind == ActivityEntry::Kind::Run) {
         entries_.back().hasFailed = true;
@@ -56,10 +72,13 @@ void Activity::beeped() {
 }
 
 void Activity::logged(std::string_view text) {
+    if (leavesOut_) {
+        return;
+    }
     add(ActivityEntry::Kind::Log, trimmed(text));
     entries_.back().hasBeeped = std::exchange(beepWaits_, false);
-    if (entries_.back().hasBeeped && failure_.empty()) {
-        failure_ = entries_.back().text;
+    if (entries_.back().hasBeeped) {
+        noteFailure(entries_.back().text);
     }
 }
 
@@ -75,7 +94,9 @@ void Activity::endEvent() {
     runs_ = 0;
     isRefused_ = false;
     isEditRefused_ = false;
+    leavesOut_ = false;
     failure_.clear();
+    reason_.clear();
     stop_.clear();
 }
 

@@ -5,12 +5,14 @@
 #include <QDateTime>
 #include <QString>
 
+#include <cstddef>
 #include <deque>
 #include <functional>
 #include <memory>
 #include <span>
 #include <string>
 #include <string_view>
+#include <utility>
 
 /// One thing that happened: a tool run, a line of the log, or a beep that nothing explains.
 struct ActivityEntry {
@@ -42,6 +44,9 @@ class Activity {
     /// The user has stopped the action that is under way; `text` says how far it has come.
     void wasStopped(std::string text) { stop_ = std::move(text); }
 
+    /// What the event still tries is not done any more, and so not worth an entry.
+    void leaveRestOut() { leavesOut_ = true; }
+
     /// As given to wasStopped in this event; empty where nothing was stopped.
     [[nodiscard]] const std::string& stopOfEvent() const { return stop_; }
 
@@ -50,6 +55,10 @@ class Activity {
 
     [[nodiscard]] const std::deque<ActivityEntry>& entries() const { return entries_; }
 
+    /// How many were kept before the first of them, and are no more.
+    [[nodiscard]] std::size_t droppedEntries() const { return dropped_; }
+
+    /// Those that could change something.
     [[nodiscard]] int runsOfEvent() const { return runs_; }
 
     [[nodiscard]] bool isRefused() const { return isRefused_; }
@@ -58,19 +67,28 @@ class Activity {
     /// nothing has failed.
     [[nodiscard]] const std::string& failureOfEvent() const { return failure_; }
 
+    /// The same of what has failed since this was asked last: an alert's reason is not the one of the alert
+    /// before.
+    [[nodiscard]] std::string takeReason() { return std::exchange(reason_, std::string()); }
+
     /// All entries as lines of text.
     [[nodiscard]] QString text() const;
 
   private:
     void add(ActivityEntry::Kind kind, std::string text);
+    void noteFailure(const std::string& why);
 
     std::deque<ActivityEntry> entries_;
+    std::size_t dropped_ = 0;
     int entriesOfEvent_ = 0;
     int runs_ = 0;
     bool isRefused_ = false;
     bool isEditRefused_ = false;
-    bool beepWaits_ = false; ///< for the line that explains it
+    bool leavesOut_ = false;
+    bool readsOutput_ = false; ///< what the last run writes is what it was made for
+    bool beepWaits_ = false;   ///< for the line that explains it
     std::string failure_;
+    std::string reason_;
     std::string stop_;
 };
 

@@ -15,9 +15,11 @@
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QSaveFile>
+#include <QScrollBar>
 #include <QTableView>
 #include <QVBoxLayout>
 
+#include <algorithm>
 #include <array>
 
 namespace {
@@ -47,9 +49,9 @@ int ActivityModel::columnCount(const QModelIndex& parent) const {
 
 const ActivityEntry* ActivityModel::entry(int row) const {
     const auto& entries = activity_.entries();
-    return row < 0 || static_cast<std::size_t>(row) >= entries.size()
-               ? nullptr
-               : &entries[static_cast<std::size_t>(row)];
+    const std::size_t number = dropped_ + static_cast<std::size_t>(std::max(row, 0));
+    const std::size_t place = number - activity_.droppedEntries(); // beyond the end for one that is gone
+    return row < 0 || place >= entries.size() ? nullptr : &entries[place];
 }
 
 QVariant ActivityModel::data(const QModelIndex& index, int role) const {
@@ -82,10 +84,21 @@ QVariant ActivityModel::headerData(int section, Qt::Orientation orientation, int
                : QVariant();
 }
 
-void ActivityModel::reload() {
-    beginResetModel();
-    rows_ = static_cast<int>(activity_.entries().size());
-    endResetModel();
+void ActivityModel::update() {
+    const auto gone = static_cast<int>(
+        std::min<std::size_t>(activity_.droppedEntries() - dropped_, static_cast<std::size_t>(rows_)));
+    if (gone > 0) {
+        beginRemoveRows({}, 0, gone - 1);
+        rows_ -= gone;
+        dropped_ = activity_.droppedEntries();
+        endRemoveRows();
+    }
+    dropped_ = activity_.droppedEntries();
+    if (const auto rows = static_cast<int>(activity_.entries().size()); rows > rows_) {
+        beginInsertRows({}, rows_, rows - 1);
+        rows_ = rows;
+        endInsertRows();
+    }
 }
 
 ActivityDialog::ActivityDialog(const Activity& activity, QWidget* parent)
@@ -125,8 +138,12 @@ ActivityDialog::ActivityDialog(const Activity& activity, QWidget* parent)
 }
 
 void ActivityDialog::reload() {
-    model_.reload();
-    table_->scrollToBottom();
+    const QScrollBar* bar = table_->verticalScrollBar();
+    const bool isAtEnd = bar->value() == bar->maximum(); // whoever reads further up stays there
+    model_.update();
+    if (isAtEnd) {
+        table_->scrollToBottom();
+    }
 }
 
 void ActivityDialog::showCurrent() {

@@ -21,10 +21,12 @@ class ActivityModel : public QAbstractTableModel {
     /// The entry of the row, or null.
     [[nodiscard]] const ActivityEntry* entry(int row) const;
 
-    void reload();
+    /// Takes over what has happened since; the other rows stay.
+    void update();
 
   private:
     const Activity& activity_;
+    std::size_t dropped_ = 0; ///< entries before the first row
     int rows_ = 0;
 };
 

@@ -84,6 +84,15 @@ void dispatchUserEvent(RefreshQueue& queue, const std::function<void()>& event);
     return shown(NSLocalizedString(key));
 }
 
+/// The text as HTML that shows it verbatim, with its blanks and line breaks, where Qt guesses whether a text
+/// is HTML (tool tips, message boxes): a name that looks like markup is shown as it is, and "&" is no entity.
+/// Empty for an empty text.
+[[nodiscard]] inline QString asItIs(const QString& text, const char* weight = "normal") {
+    return text.isEmpty() ? QString()
+                          : QString::fromLatin1("<p style='white-space: pre-wrap; font-weight: %1'>%2</p>")
+                                .arg(QLatin1String(weight), text.toHtmlEscaped());
+}
+
 /// The text as a title in which "&" is an ampersand and underlines nothing.
 [[nodiscard]] inline QString title(const std::string& text) {
     return shown(text).replace(QLatin1Char('&'), QLatin1String("&&"));

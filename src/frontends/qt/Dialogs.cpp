@@ -19,24 +19,10 @@
 
 namespace {
 
-/// The text as HTML that shows it verbatim, with its blanks and line breaks, so that a name that looks like
-/// markup is shown as it is.
-QString asItIs(const std::string& text, const char* weight) {
-    return QString::fromLatin1("<p style='white-space: pre-wrap; font-weight: %1'>%2</p>")
-        .arg(QLatin1String(weight), shown(text).toHtmlEscaped());
-}
-
 constexpr int dialogWidth = 340;
 
 bool changesNothing(const std::string& button) {
     return button == NSLocalizedString("Cancel") || button == NSLocalizedString("No");
-}
-
-/// Neither a question about a change nor a failure.
-bool isInformation(const platform::Alert& alert) {
-    return alert.title == NSLocalizedString("Donation") ||
-           alert.title == NSLocalizedString("Your Software is up-to-date") ||
-           alert.title == NSLocalizedString("A New Version is Available");
 }
 
 QLabel* wrapped(const QString& text) {
@@ -58,6 +44,13 @@ std::string takePassword(QLineEdit& field) {
 }
 
 } // namespace
+
+bool isInformation(const platform::Alert& alert) {
+    return alert.title == NSLocalizedString("Donation") ||
+           alert.title == NSLocalizedString("Your Software is up-to-date") ||
+           alert.title == NSLocalizedString("A New Version is Available") ||
+           alert.title == NSLocalizedString("Shares Updated for Jaguar");
+}
 
 platform::AlertAnswer harmlessAnswer(const platform::Alert& alert) {
     using platform::AlertAnswer;
@@ -81,8 +74,8 @@ platform::AlertAnswer askAlert(const platform::Alert& alert, QWidget* parent) {
     box.setIconPixmap(markIcon(isInformation(alert) ? Mark::Information : Mark::Warning, QPalette::Window)
                           .pixmap(markSize));
     box.setWindowTitle(shown(alert.title));
-    box.setText(asItIs(alert.title, "bold"));
-    box.setInformativeText(asItIs(alert.message, "normal"));
+    box.setText(asItIs(shown(alert.title), "bold"));
+    box.setInformativeText(asItIs(shown(alert.message)));
     if (QWidget* message = box.findChild<QWidget*>("qt_msgbox_informativelabel")) {
         message->setMinimumWidth(dialogWidth); // else a long message would be laid out in a narrow column
     }

@@ -11,6 +11,9 @@
 /// only one. Escape and closing the alert choose it, and so does a run in which nobody can be asked.
 [[nodiscard]] platform::AlertAnswer harmlessAnswer(const platform::Alert& alert);
 
+/// Neither a question about a change nor a failure.
+[[nodiscard]] bool isInformation(const platform::Alert& alert);
+
 // Each blocks until the user has answered. `parent` may be null.
 [[nodiscard]] platform::AlertAnswer askAlert(const platform::Alert& alert, QWidget* parent);
 [[nodiscard]] std::optional<std::string> askPath(const platform::OpenPanelRequest& request, QWidget* parent);

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "frontends/qt/Binding.h"
+
 #include <QAccessible>
 #include <QLabel>
 #include <QResizeEvent>
@@ -15,7 +17,7 @@ class ElidedLabel : public QLabel {
 
     void setWhole(const QString& text) {
         whole_ = text;
-        setToolTip(text.toHtmlEscaped());
+        setToolTip(asItIs(text));
         setAccessibleName(text);
         elide();
         if (isNews_) {

@@ -7,6 +7,7 @@
 #include "platform/appkit/NSTextField.h"
 #include "platform/appkit/ShownWhen.h"
 #include "platform/foundation/NSBundle.h"
+#include "review/Reviewer.h"
 
 #include <algorithm>
 #include <charconv>
@@ -44,11 +45,14 @@ std::string nameHint(const InterfaceNode& node, const NSTextField& field, const 
     if (name == selected) {
         return {};
     }
+    const auto isThere = [&name] {
+        return stringWithFormat(NSLocalizedString("“%@” is there already: the button changes it."), name);
+    };
     std::string similar;
     for (int row = 0; row < table->numberOfRows(); ++row) {
         std::string other = table->objectValue(*column, row);
         if (other == name) {
-            return stringWithFormat(NSLocalizedString("“%@” is there already: the button changes it."), name);
+            return isThere();
         }
         if (other.size() == name.size() && shown(other).compare(shown(name), Qt::CaseInsensitive) == 0) {
             similar = std::move(other);
@@ -58,6 +62,11 @@ std::string nameHint(const InterfaceNode& node, const NSTextField& field, const 
         return stringWithFormat(
             NSLocalizedString("“%@” is there already, and differs only in capital and small letters."),
             similar);
+    }
+    // The lists leave system accounts out.
+    if (const std::string& records = node.attribute("records");
+        !records.empty() && review::Reviewer::hasRecord(records + name)) {
+        return isThere();
     }
     return selected.empty() ? std::string() : stringWithFormat(node.attribute("another"), selected);
 }
@@ -105,9 +114,15 @@ std::string limitProblem(const InterfaceNode& node) {
     if (isWithin) {
         return {};
     }
-    return most ? stringWithFormat(NSLocalizedString("A whole number from %@ to %@."), std::to_string(*least),
-                                   std::to_string(*most))
-                : stringWithFormat(NSLocalizedString("A whole number, %@ or more."), std::to_string(*least));
+    // One so long that it is no number here is above it, too.
+    const bool isTooHigh =
+        number ? *number > INT32_MAX : !text.empty() && std::ranges::all_of(text, [](char digit) {
+            return digit >= '0' && digit <= '9';
+        });
+    return most || isTooHigh
+               ? stringWithFormat(NSLocalizedString("A whole number from %@ to %@."), std::to_string(*least),
+                                  std::to_string(most.value_or(INT32_MAX)))
+               : stringWithFormat(NSLocalizedString("A whole number, %@ or more."), std::to_string(*least));
 }
 
 std::string fieldHint(const InterfaceNode& node, const WindowActions& actions) {

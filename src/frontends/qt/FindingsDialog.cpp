@@ -59,8 +59,8 @@ void FindingsDialog::fill() {
         if (each.level == Finding::Level::Problem) { // what the icon says, in words
             item->setData(0, Qt::AccessibleTextRole, localized("Warning") + ": " + shown(each.text));
         }
-        item->setToolTip(0, shown(each.text));
-        item->setToolTip(1, shown(each.where));
+        item->setToolTip(0, asItIs(shown(each.text)));
+        item->setToolTip(1, asItIs(shown(each.where)));
     }
     summary_->setText(problems == 0   ? localized("No problem was found.")
                       : problems == 1 ? localized("One problem was found.")

@@ -80,10 +80,12 @@ void LineEdit::restore(const QString& text, const Caret& caret) {
 
 void LineEdit::load() {
     setEnabled(field_.isEnabled());
-    const bool isUnlimited = !hasFocus() && !unlimited_.empty() && field_.stringValue() == unlimited_;
+    const bool isUnlimited =
+        !hasFocus() && !isDraggedOn_ && !unlimited_.empty() && field_.stringValue() == unlimited_;
     const QString now = shown(isUnlimited ? NSLocalizedString("no limit") : field_.stringValue());
     accepted_ = now;
     if (now != text()) {
+        noteEntered();
         restore(now, {.position = static_cast<int>(now.size())});
         if (!hasFocus()) {
             home(false); // the beginning of a long text is more telling than its end
@@ -127,12 +129,15 @@ void LineEdit::userEdited(const QString& text) {
 
 void LineEdit::endEditing() {
     dispatchUserEvent(queue_, [this] { field_.endEditing(); });
-    if (std::exchange(isEdited_, false)) {
+    const std::string before = entered_;
+    noteEntered();
+    if (std::exchange(isEdited_, false) && before != entered_) {
         Q_EMIT left();
     }
 }
 
 void LineEdit::focusInEvent(QFocusEvent* event) {
+    noteEntered();
     load(); // shows what can be edited
     QLineEdit::focusInEvent(event);
 }
@@ -158,6 +163,8 @@ void LineEdit::dragEnterEvent(QDragEnterEvent* event) {
         event->ignore(); // the page around the field takes it
         return;
     }
+    isDraggedOn_ = true;
+    load();                // a drop goes into what can be edited
     dragged_ = caretNow(); // Qt shows with the caret where the text would go
     QLineEdit::dragEnterEvent(event);
 }
@@ -165,6 +172,7 @@ void LineEdit::dragEnterEvent(QDragEnterEvent* event) {
 void LineEdit::dragLeaveEvent(QDragLeaveEvent* event) {
     QLineEdit::dragLeaveEvent(event);
     place(dragged_);
+    endDrag();
 }
 
 void LineEdit::dropEvent(QDropEvent* event) {
@@ -184,6 +192,7 @@ void LineEdit::dropEvent(QDropEvent* event) {
     if (dropped.isEmpty() || !propose(proposed, caret, {.position = position})) {
         event->ignore();
         place(dragged_);
+        endDrag();
         return;
     }
     event->acceptProposedAction();
@@ -194,4 +203,16 @@ void LineEdit::dropEvent(QDropEvent* event) {
     if (!hasFocus()) {
         endEditing(); // nobody will leave it
     }
+    endDrag();
+}
+
+void LineEdit::noteEntered() {
+    if (!field_.isSecure()) { // else it would leave a copy that is never wiped
+        entered_ = field_.stringValue();
+    }
+}
+
+void LineEdit::endDrag() {
+    isDraggedOn_ = false;
+    load();
 }

@@ -31,7 +31,7 @@ class LineEdit : public QLineEdit {
   Q_SIGNALS:
     /// What is wrong with the text, or to be said of it; empty: nothing any more.
     void problemChanged(const QString& why);
-    /// The user is done with the field after having changed its text.
+    /// The user is done with the field, and its text is another than when they began.
     void left();
 
   protected:
@@ -53,6 +53,8 @@ class LineEdit : public QLineEdit {
     void place(const Caret& caret);
     void restore(const QString& text, const Caret& caret);
     void load();
+    void endDrag();
+    void noteEntered();
     [[nodiscard]] bool propose(const QString& text, int caret, const Caret& before);
     void userEdited(const QString& text);
     void tellProblem();
@@ -64,8 +66,10 @@ class LineEdit : public QLineEdit {
     QString accepted_; ///< the text that the field has agreed to, as it is shown
     QString problem_;
     QString hint_;
-    std::string unlimited_; ///< empty: there is no such text
-    bool isEdited_ = false; ///< by the user, since the field was left
+    std::string unlimited_;    ///< empty: there is no such text
+    bool isEdited_ = false;    ///< by the user, since the field was left
+    bool isDraggedOn_ = false; ///< something is held over it
+    std::string entered_;      ///< the field's text when the user began with it; never a password
     bool loading_ = false;
     bool holdsCaret_ = false; ///< `before_` stays as it is, whatever Qt signals
 };

@@ -1,6 +1,7 @@
 #include "frontends/qt/QtFrontend.h"
 
 #include "frontends/qt/Accessibility.h"
+#include "frontends/qt/Binding.h"
 #include "frontends/qt/KeyAccess.h"
 #include "frontends/qt/PlainStyle.h"
 #include "frontends/qt/QtPresenter.h"
@@ -80,8 +81,7 @@ QtFrontend::~QtFrontend() = default;
 void QtFrontend::showFailure(int& argc, char** argv, const std::string& text) {
     if (displayIsThere()) {
         const QApplication application(argc, argv);
-        QMessageBox(QMessageBox::Critical, QStringLiteral("Brindle"),
-                    QString::fromStdString(text).toHtmlEscaped(), QMessageBox::Close)
+        QMessageBox(QMessageBox::Critical, QStringLiteral("Brindle"), asItIs(shown(text)), QMessageBox::Close)
             .exec();
     }
 }

@@ -4,6 +4,7 @@
 #include "frontends/qt/FieldProblems.h"
 #include "frontends/qt/LineEdit.h"
 #include "frontends/qt/NodeAttributes.h"
+#include "frontends/qt/Question.h"
 #include "frontends/qt/ReadingOrder.h"
 #include "frontends/qt/ReviewDialog.h"
 #include "frontends/qt/TabView.h"
@@ -90,11 +91,17 @@ AlertAnswer QtPresenter::runAlert(const platform::Alert& alert) {
     if (!asks()) {
         return harmlessAnswer(alert);
     }
+    if (!activity_.stopOfEvent().empty() && !alert.alternateButton) {
+        return harmlessAnswer(alert); // it tells of what the user has stopped
+    }
     platform::Alert shownAlert = alert;
     // "Please try again" alone helps nobody: what the tool said is the reason.
-    if (const std::string& why = activity_.failureOfEvent(); !why.empty() && !alert.alternateButton) {
-        shownAlert.message += "\n\n" + why;
+    if (!alert.alternateButton && !isInformation(alert)) {
+        if (const std::string why = activity_.takeReason(); !why.empty()) {
+            shownAlert.message += "\n\n" + why;
+        }
     }
+    const Question question(progress_);
     return askAlert(shownAlert, parentForDialogs());
 }
 
@@ -129,13 +136,24 @@ AlertAnswer QtPresenter::askAboutMigration(const platform::Alert& alert) const {
     }
     const PlanQuestion question{alert.title, alert.message, alert.defaultButton,
                                 alert.alternateButton.value_or("")};
-    return askAboutPlan(plan, parentForDialogs(), question) ? AlertAnswer::Default : AlertAnswer::Alternate;
+    if (!askAboutPlan(plan, parentForDialogs(), question)) {
+        return AlertAnswer::Alternate;
+    }
+    beginProgress(plan.operation, plan.runs.size());
+    return AlertAnswer::Default;
+}
+
+void QtPresenter::beginProgress(const std::string& operation, std::size_t runs) const {
+    if (progress_ && asks()) {
+        progress_->begin(runs, RunProgress::stopsOf(operation));
+    }
 }
 
 std::optional<std::string> QtPresenter::runOpenPanel(const platform::OpenPanelRequest& request) {
     if (panelAnswer_) {
         return panelAnswer_;
     }
+    const Question question(progress_);
     return asks() ? askPath(request, parentForDialogs()) : std::nullopt;
 }
 
@@ -144,6 +162,7 @@ QtPresenter::runAdministratorDialog(const platform::AdministratorRequest& reques
     if (!asks() || refusalHolds()) {
         return std::nullopt;
     }
+    const Question question(progress_);
     auto answer = askAdministrator(request, parentForDialogs());
     if (!answer) {
         refusals_ = refusedIn_ == queue_->userEvent() ? refusals_ + 1 : 1;
@@ -243,9 +262,11 @@ void QtPresenter::useReviewer(review::Reviewer& reviewer) {
     if (auto* window = qobject_cast<QMainWindow*>(mainWidget_)) {
         review_ = new WindowReview(reviewer, *window, *actions_.front(), *queue_); // the window's child
         progress_ = std::make_unique<RunProgress>([this] { return parentForDialogs(); }, activity_, *queue_);
-        review_->setAllowed([this](std::size_t runs) { progress_->begin(asks() ? runs : 0); });
+        review_->setAllowed(
+            [this](const review::Plan& plan) { beginProgress(plan.operation, plan.runs.size()); });
         watchLog();
         status_ = new WindowStatus(activity_, *window, *actions_.front(), *queue_); // the same
+        status_->setSections([&reviewer](const std::string& name) { return reviewer.hasSection(name); });
         const auto& computer = platform::Host::current().services().computer;
         auto* tabs = dynamic_cast<NSTabView*>(interfaces_.front()->find("mainTabView"));
         auto* users = dynamic_cast<NSTableView*>(interfaces_.front()->find("userTableView"));
@@ -263,8 +284,10 @@ void QtPresenter::useHistory(const review::History& history) {
     auto* window = qobject_cast<QMainWindow*>(mainWidget_);
     auto* menu = window == nullptr ? nullptr : window->findChild<QMenu*>("changesMenu");
     if (menu != nullptr && reviewer_ != nullptr) {
-        auto* changes = new WindowHistory(history, *reviewer_, *window, *menu, *queue_); // the window's child
-        progress_->setStop([&history] { history.stopAction(); });
+        auto* changes = new WindowHistory(history, *reviewer_, *actions_.front(), *window, *menu,
+                                          *queue_); // the window's child
+        changes->setAllowed([this](std::size_t runs) { beginProgress({}, runs); });
+        progress_->setStop([&history](bool madeStill) { history.stopAction(madeStill); });
         status_->useHistory(history, *menu, [changes, window](std::int64_t number) {
             static_cast<void>(changes->takeBack(number, window)); // what came of it is shown
         });
@@ -333,10 +356,11 @@ void QtPresenter::editWasRefused(const NSTextField&, const std::string&) {
 }
 
 void QtPresenter::toolWillRun(const std::string& tool, std::span<const std::string> arguments) {
-    activity_.toolWillRun(tool, arguments);
-    if (progress_) {
-        progress_->toolWillRun(tool, arguments);
+    if (progress_ && !progress_->toolWillRun(tool, arguments)) {
+        activity_.leaveRestOut();
+        return;
     }
+    activity_.toolWillRun(tool, arguments);
 }
 
 void QtPresenter::toolDidWrite(std::string_view output) {

@@ -78,6 +78,7 @@ class QtPresenter : public platform::Presenter {
     /// Shows which records would be rewritten, and how, with the question.
     [[nodiscard]] platform::AlertAnswer askAboutMigration(const platform::Alert& alert) const;
     [[nodiscard]] bool refusalHolds() const;
+    void beginProgress(const std::string& operation, std::size_t runs) const;
     void watchLog();
     void leaveLog();
 

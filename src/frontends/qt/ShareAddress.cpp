@@ -23,12 +23,19 @@ std::string valueOf(NSTableView& table, const char* identifier, int row) {
     return column == columns.end() ? std::string() : table.objectValue(*column, row);
 }
 
-std::string addressOf(const ShareServer& server, NSTableView& shares, int row) {
+std::string smbAddressOf(const ShareServer& server, const std::string& share) {
+    return server.address.empty() ? std::string() : server.address + encoded(share);
+}
+
+std::string addressOf(const ShareServer& server, NSTableView& shares, int row,
+                      const std::function<bool(const std::string&)>& hasSection) {
     if (server.address.empty()) {
         return {};
     }
-    if (valueOf(shares, "SMB", row) == "+") {
-        return server.address + encoded(valueOf(shares, "ShareName", row));
+    // The table marks whatever folder is offered, under another name perhaps.
+    const std::string name = valueOf(shares, "ShareName", row);
+    if (valueOf(shares, "SMB", row) == "+" && (!hasSection || hasSection(name))) {
+        return smbAddressOf(server, name);
     }
     return valueOf(shares, "AFS", row) == "+" ? afpAddress(server) + encoded(valueOf(shares, "AFPName", row))
                                               : std::string();

@@ -3,6 +3,8 @@
 #include "frontends/qt/CellText.h"
 #include "frontends/qt/Inks.h"
 
+#include <QFileInfo>
+
 #include <algorithm>
 #include <utility>
 
@@ -37,7 +39,7 @@ QVariant TableModel::data(const QModelIndex& index, int role) const {
     }
     if (role != Qt::DisplayRole && !isSpoken) {
         if (const QString remark = remarkOf(index); !remark.isEmpty()) {
-            return isMarked ? QVariant(markIcon(Mark::Warning)) : QVariant(remark.toHtmlEscaped());
+            return isMarked ? QVariant(markIcon(Mark::Warning)) : QVariant(asItIs(remark));
         }
     }
     if (isMarked) {
@@ -52,9 +54,23 @@ QVariant TableModel::data(const QModelIndex& index, int role) const {
         }
         return spoken.isNull() ? QVariant() : QVariant(spoken);
     }
+    if (column.display == "privileges" && value.empty() && lacksFolder(rowAt(index.row()))) {
+        return role == Qt::ToolTipRole ? asItIs(localized("There is no such folder.")) : QString();
+    }
     QString text = cellText(column, value);
-    // A tool tip would render text that looks like HTML; a name is shown verbatim.
-    return role == Qt::ToolTipRole ? text.toHtmlEscaped() : text;
+    return role == Qt::ToolTipRole ? asItIs(text) : text;
+}
+
+bool TableModel::lacksFolder(int row) const {
+    // A folder that nobody may use says no more in these columns than one that is gone.
+    const NSTableColumn* folder = nullptr;
+    for (const NSTableColumn& column : table_.tableColumns()) {
+        if (column.display == "privileges" && !table_.objectValue(column, row).empty()) {
+            return false;
+        }
+        folder = column.identifier == "DirectoryPath" ? &column : folder;
+    }
+    return folder != nullptr && !QFileInfo::exists(shown(table_.objectValue(*folder, row)));
 }
 
 QString TableModel::remarkOf(const QModelIndex& index) const {

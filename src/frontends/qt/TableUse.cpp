@@ -13,6 +13,7 @@
 // them.
 
 void TableView::setFilter(const std::string& text) {
+    filter_ = text;
     loading_ = true;
     model_.setFilter(text);
     loading_ = false;

@@ -54,6 +54,7 @@ class TableModel : public QAbstractTableModel {
   private:
     [[nodiscard]] QString remarkOf(const QModelIndex& index) const;
     void rearrange();
+    [[nodiscard]] bool lacksFolder(int row) const;
 
     NSTableView& table_;
     int length_;
@@ -85,6 +86,8 @@ class TableView : public QTableView {
 
     /// Asks it now.
     void leaveOutAgain() { reloaded_->markDirty(); }
+
+    [[nodiscard]] const std::string& filter() const { return filter_; }
 
     /// Puts the cursor into the rows, on the first where none is selected.
     void goOnInRows();
@@ -137,6 +140,7 @@ class TableView : public QTableView {
     const NSTableColumn* nameColumn_ = nullptr;
     Binding* reloaded_ = nullptr;
     std::function<std::set<std::string>()> namesLeftOut_;
+    std::string filter_;
     std::map<int, std::string> namesOfSelected_; ///< the selected rows and their names, as of the last look
     std::function<std::string(const std::string&, int)> remark_;
     std::map<std::string, QString> remarks_; ///< by row name, as of the last reload

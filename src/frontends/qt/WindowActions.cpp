@@ -61,6 +61,10 @@ void WindowActions::use(const InterfaceNode& node) {
         closeMainWindow(queue_);
         return;
     }
+    if (node.attribute("role") == "guide") {
+        NSWorkspace::openURL(NSBundle::mainBundle().objectForInfoDictionaryKey("BRGuide"));
+        return;
+    }
     if (isYes(node, "checks") && !passesChecks(node)) {
         return;
     }

@@ -159,9 +159,10 @@ class HistoryDialog : public QDialog {
 
 } // namespace
 
-WindowHistory::WindowHistory(const review::History& history, review::Reviewer& reviewer, QMainWindow& window,
-                             QMenu& menu, RefreshQueue& queue)
-    : QObject(&window), history_(history), reviewer_(reviewer), window_(window), queue_(queue) {
+WindowHistory::WindowHistory(const review::History& history, review::Reviewer& reviewer,
+                             WindowActions& actions, QMainWindow& window, QMenu& menu, RefreshQueue& queue)
+    : QObject(&window), history_(history), reviewer_(reviewer), edits_(actions), window_(window),
+      queue_(queue) {
     QAction* first = menu.actions().isEmpty() ? nullptr : menu.actions().constFirst();
     undo_ = new QAction(localized("Undo"), this);
     undo_->setObjectName("undo");
@@ -194,8 +195,20 @@ bool WindowHistory::takeBack(std::optional<std::int64_t> number, QWidget* parent
                         plan.isOk() ? plan->refusal : plan.status().text());
             return;
         }
-        if (!askAboutPlan(planOf(*plan), parent)) {
+        review::Plan steps = planOf(*plan);
+        if (const std::string pages = edits_.pages(); !pages.empty()) {
+            steps.warnings.push_back(
+                {"unsaved", stringWithFormat(NSLocalizedString("What you have changed and not saved on these "
+                                                               "pages will be gone: %@."),
+                                             pages)});
+        }
+        const PlanQuestion question{NSLocalizedString("Undo"), plan->question, NSLocalizedString("Yes"),
+                                    NSLocalizedString("No")};
+        if (!askAboutPlan(steps, parent, question)) {
             return;
+        }
+        if (allowed_) {
+            allowed_(steps.runs.size());
         }
         const platform::Status status = history_.undo(*plan);
         reviewer_.rereadEverything();

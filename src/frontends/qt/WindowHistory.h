@@ -1,11 +1,16 @@
 #pragma once
 
 #include "frontends/qt/Binding.h"
+#include "frontends/qt/UnsavedEdits.h"
 #include "review/History.h"
 #include "review/Reviewer.h"
 
 #include <QMainWindow>
 #include <QObject>
+
+#include <cstddef>
+#include <functional>
+#include <utility>
 
 class QAction;
 class QMenu;
@@ -15,8 +20,11 @@ class QMenu;
 class WindowHistory : public QObject {
   public:
     /// All but `window`, whose child it becomes, are kept. `menu` gets the items.
-    WindowHistory(const review::History& history, review::Reviewer& reviewer, QMainWindow& window,
-                  QMenu& menu, RefreshQueue& queue);
+    WindowHistory(const review::History& history, review::Reviewer& reviewer, WindowActions& actions,
+                  QMainWindow& window, QMenu& menu, RefreshQueue& queue);
+
+    /// `allowed` is told how many runs an undo that may begin now will make.
+    void setAllowed(std::function<void(std::size_t runs)> allowed) { allowed_ = std::move(allowed); }
 
     /// Takes a change back after asking; none: the newest. True when something was taken back.
     bool takeBack(std::optional<std::int64_t> number, QWidget* parent);
@@ -27,7 +35,9 @@ class WindowHistory : public QObject {
 
     const review::History& history_;
     review::Reviewer& reviewer_;
+    UnsavedEdits edits_;
     QMainWindow& window_;
     RefreshQueue& queue_;
     QAction* undo_ = nullptr;
+    std::function<void(std::size_t)> allowed_;
 };

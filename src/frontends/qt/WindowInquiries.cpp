@@ -84,9 +84,9 @@ WindowInquiries::WindowInquiries(accesscheck::Patient patient, NSTableView& shar
     menu->addSeparator();
     add("Who Is Connected…", "showSessions", &WindowInquiries::makeSessionsDialog);
     if (review != nullptr) {
-        review->setShareRemarks([this] {
+        review->setShareRemarks([this](const SMBConf& conf, const std::vector<NormalShare>& rows) {
             std::multimap<std::string, std::string> remarks;
-            for (const accesscheck::Finding& each : accesscheck::examineShares(patient_)) {
+            for (const accesscheck::Finding& each : accesscheck::examineShares(patient_, conf, rows)) {
                 if (each.share && each.level == accesscheck::Finding::Level::Problem) {
                     remarks.emplace(*each.share, each.text);
                 }

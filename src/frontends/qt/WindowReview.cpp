@@ -11,7 +11,9 @@
 #include "platform/appkit/NSAlert.h"
 #include "platform/appkit/NSApplication.h"
 #include "platform/appkit/NSButton.h"
+#include "platform/appkit/NSTableView.h"
 #include "platform/appkit/NSTextField.h"
+#include "platform/foundation/Host.h"
 #include "platform/foundation/NSBundle.h"
 #include "platform/foundation/NSString.h"
 #include "platform/foundation/NSUserDefaults.h"
@@ -25,6 +27,10 @@
 #include <QMenuBar>
 #include <QPushButton>
 #include <QTimer>
+
+#include <cstdint>
+
+#include <sys/stat.h>
 
 namespace {
 
@@ -67,6 +73,24 @@ const NSButton* changingButtonNear(const QWidget* from, const QWidget& window) {
     return nullptr;
 }
 
+/// Changes whenever the file does.
+std::string stampOf(const SMBConf* conf) {
+    struct stat status {};
+
+    if (conf == nullptr ||
+        ::stat(platform::Host::current().paths().map(conf->Path()).c_str(), &status) != 0) {
+        return {};
+    }
+    std::string stamp;
+    for (const std::int64_t each :
+         {static_cast<std::int64_t>(status.st_ino), static_cast<std::int64_t>(status.st_size),
+          static_cast<std::int64_t>(status.st_mtim.tv_sec),
+          static_cast<std::int64_t>(status.st_mtim.tv_nsec)}) {
+        stamp += std::to_string(each) + " ";
+    }
+    return stamp;
+}
+
 } // namespace
 
 WindowReview::WindowReview(review::Reviewer& reviewer, QMainWindow& window, WindowActions& actions,
@@ -81,12 +105,14 @@ WindowReview::WindowReview(review::Reviewer& reviewer, QMainWindow& window, Wind
     reviewer.setQuestion([this](const review::Plan& plan) {
         const bool mayBegin = ask(plan);
         if (mayBegin && allowed_) {
-            allowed_(plan.runs.size());
+            allowed_(plan);
         }
         return mayBegin;
     });
     reviewer.setRefusesWithoutDirectory(true);
-    showRemarks();
+    if (auto* shares = actions.find<NSTableView>(shareTable)) {
+        new Binding(this, queue, shares->reloaded, [this] { showRemarks(); });
+    }
     actions.leaveConfirmations(); // every confirmed action writes
     used_ = actions.used.connect([this](const std::string& operation) { actionWasUsed(operation); });
 }
@@ -138,18 +164,17 @@ void WindowReview::showRemarks() {
     if (table == nullptr) {
         return;
     }
-    more_ = findMore_ ? findMore_() : std::multimap<std::string, std::string>();
-    if (more_.empty() &&
-        reviewer_.serverReadsOtherwise().empty()) { // as nearly always: no row need be asked about
+    remarks_ = reviewer_.otherReadings();
+    if (const SMBConf* conf = reviewer_.smbConf(); conf != nullptr && findMore_) {
+        remarks_.merge(findMore_(*conf, reviewer_.shares()));
+    }
+    if (remarks_.empty()) { // as nearly always: no row need be asked about
         table->setRemarks(nullptr);
         return;
     }
     table->setRemarks([this](const std::string& share, int /*row*/) {
         std::string text;
-        for (const review::Remark& remark : reviewer_.serverReadsOtherwise(share)) {
-            text += (text.empty() ? "" : "\n") + remark.sentence;
-        }
-        const auto [begin, end] = more_.equal_range(share);
+        const auto [begin, end] = remarks_.equal_range(share);
         for (auto each = begin; each != end; ++each) {
             text += (text.empty() ? "" : "\n") + each->second;
         }
@@ -157,7 +182,7 @@ void WindowReview::showRemarks() {
     });
 }
 
-void WindowReview::setShareRemarks(std::function<std::multimap<std::string, std::string>()> find) {
+void WindowReview::setShareRemarks(FindRemarks find) {
     findMore_ = std::move(find);
     showRemarks();
 }
@@ -271,6 +296,7 @@ void WindowReview::showNotice() {
     if (queue_.isHeld()) {
         return; // an action stands in its middle
     }
+    stamp_ = stampOf(reviewer_.smbConf());
     // A page that shows a part of the file cannot be saved; the file that was edited since may be whole.
     const auto* part = actions_.find<NSTextField>("smbPartNotice");
     if (part != nullptr && !part->stringValue().empty() && reviewer_.hasSMBConfChangedOnDisk()) {
@@ -279,7 +305,13 @@ void WindowReview::showNotice() {
     if (notice_ != nullptr) {
         notice_->setVisible(reviewer_.hasSMBConfChangedOnDisk());
     }
-    showRemarks();
+}
+
+void WindowReview::lookAtFile() {
+    // Whoever comes back to the window should not wait for it.
+    if (stampOf(reviewer_.smbConf()) != stamp_) {
+        showNotice();
+    }
 }
 
 void WindowReview::reread() {
@@ -300,12 +332,13 @@ void WindowReview::actionWasUsed(const std::string& operation) {
         reviewer_.reread();
     }
     showNotice();
+    showRemarks();
 }
 
 bool WindowReview::eventFilter(QObject* watched, QEvent* event) {
     if (event->type() == QEvent::WindowActivate) {
         // After the window's own handling, and not while an alert is going away.
-        QTimer::singleShot(0, this, [this] { showNotice(); });
+        QTimer::singleShot(0, this, [this] { lookAtFile(); });
     }
     return QObject::eventFilter(watched, event);
 }

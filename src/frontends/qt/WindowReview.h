@@ -9,6 +9,7 @@
 #include <functional>
 #include <map>
 #include <string>
+#include <vector>
 
 class QAction;
 class QFrame;
@@ -28,11 +29,13 @@ class WindowReview : public QObject {
     ~WindowReview() override;
 
     /// The share table marks what `find` has found, too: sentences by the name of a share. Asked whenever the
-    /// marks are looked for.
-    void setShareRemarks(std::function<std::multimap<std::string, std::string>()> find);
+    /// table was read again, so it must not wait for anything.
+    using FindRemarks = std::function<std::multimap<std::string, std::string>(
+        const SMBConf& conf, const std::vector<NormalShare>& shares)>;
+    void setShareRemarks(FindRemarks find);
 
-    /// `allowed` is told how many runs an action that may begin now will make.
-    void setAllowed(std::function<void(std::size_t runs)> allowed) { allowed_ = std::move(allowed); }
+    /// `allowed` is given the plan of an action that may begin now.
+    void setAllowed(std::function<void(const review::Plan& plan)> allowed) { allowed_ = std::move(allowed); }
 
     /// A user's event has used the control with this operation.
     void actionWasUsed(const std::string& operation);
@@ -44,6 +47,7 @@ class WindowReview : public QObject {
     void addMenu();
     void addNotice();
     void showNotice();
+    void lookAtFile();
     void addDirectoryNotice();
     void showDirectoryNotice();
     void showRemarks();
@@ -61,9 +65,10 @@ class WindowReview : public QObject {
     QFrame* directoryNotice_ = nullptr;
     QLabel* directoryText_ = nullptr;
     QAction* reviewAll_ = nullptr;
-    std::function<std::multimap<std::string, std::string>()> findMore_;
-    std::multimap<std::string, std::string> more_;
-    std::function<void(std::size_t)> allowed_;
+    FindRemarks findMore_;
+    std::multimap<std::string, std::string> remarks_; ///< by the name of a share
+    std::string stamp_;                               ///< of smb.conf, as of the last look at it
+    std::function<void(const review::Plan&)> allowed_;
     platform::Connection eventEnded_;
     platform::Connection used_;
 };

@@ -73,9 +73,6 @@ void WindowStatus::useHistory(const review::History& history, QMenu& menu,
                               std::function<void(std::int64_t)> takeBack) {
     history_ = &history;
     takeBack_ = std::move(takeBack);
-    if (const auto newest = history.newest()) {
-        number_ = newest->number;
-    }
     menu.addSeparator();
     menu.addAction(localizedTitle("Activity…"), this, [this] { showActivity(); })
         ->setObjectName("showActivity");
@@ -104,8 +101,9 @@ void WindowStatus::show(const QString& text, bool isFailure) {
 }
 
 void WindowStatus::eventEnded() {
+    const auto added = history_ == nullptr ? std::nullopt : history_->takeAdded();
     if (activity_.runsOfEvent() > 0 || activity_.isRefused() || !activity_.failureOfEvent().empty()) {
-        showOutcome();
+        showOutcome(added);
     }
     activity_.endEvent();
     operation_.clear();
@@ -114,12 +112,9 @@ void WindowStatus::eventEnded() {
     }
 }
 
-void WindowStatus::showOutcome() {
-    const auto newest = history_ == nullptr ? std::nullopt : history_->newest();
-    const bool isNew = newest && newest->number != number_;
-    if (newest) {
-        number_ = newest->number;
-    }
+void WindowStatus::showOutcome(const std::optional<review::HistoryEntry>& added) {
+    const bool isNew = added.has_value();
+    number_ = isNew ? added->number : 0;
     const std::string& failure = activity_.failureOfEvent();
     if (const std::string& stop = activity_.stopOfEvent(); !stop.empty()) {
         show(shown(stop));
@@ -130,33 +125,31 @@ void WindowStatus::showOutcome() {
     } else if (activity_.runsOfEvent() == 0) {
         show(localized("Nothing was changed: the permission was not given."));
     } else if (operation_ != "createShare:" || !isNew || !showShare(nameInEditor(actions_))) {
-        show(isNew ? shown(newest->title) + QLatin1Char('.') : localized("Done."));
+        show(isNew ? shown(added->title) + QLatin1Char('.') : localized("Done."));
     }
-    undo_->setVisible(isNew && newest->canComeBack() && newest->undoes == 0 && takeBack_ != nullptr);
+    undo_->setVisible(isNew && added->canComeBack() && added->undoes == 0 && takeBack_ != nullptr);
 }
 
 bool WindowStatus::showShare(const std::string& name) {
-    auto* table = actions_.find<NSTableView>(shareTable);
-    for (int row = 0; table != nullptr && row < table->numberOfRows(); ++row) {
-        if (valueOf(*table, "ShareName", row) != name || valueOf(*table, "SMB", row) != "+") {
-            continue;
-        }
-        if (server_.address.empty()) {
-            show(shown(stringWithFormat(NSLocalizedString("%@ is shared over SMB."), name)));
-            return true;
-        }
-        address_ = addressOf(server_, *table, row);
-        show(shown(stringWithFormat(NSLocalizedString("%@ is shared at %@."), name, address_)));
-        copy_->show();
-        open_->show();
+    // The table marks whatever folder is offered, under another name perhaps: its address would lead nowhere.
+    if (!hasSection_ || !hasSection_(name)) {
+        return false;
+    }
+    if (server_.address.empty()) {
+        show(shown(stringWithFormat(NSLocalizedString("%@ will be shared over SMB as soon as a server runs."),
+                                    name)));
         return true;
     }
-    return false;
+    address_ = smbAddressOf(server_, name);
+    show(shown(stringWithFormat(NSLocalizedString("%@ is shared at %@."), name, address_)));
+    copy_->show();
+    open_->show();
+    return true;
 }
 
 void WindowStatus::fillShareMenu(QMenu& menu, NSTableView& shares, int row) {
     const QString folder = shown(valueOf(shares, "DirectoryPath", row));
-    const QString address = shown(addressOf(server_, shares, row));
+    const QString address = shown(addressOf(server_, shares, row, hasSection_));
     QAction* open = menu.addAction(localizedTitle("Open Folder"), this, [folder] {
         platform::Host::current().presenter().openAddress(
             QUrl::fromLocalFile(folder).toString(QUrl::FullyEncoded).toStdString());

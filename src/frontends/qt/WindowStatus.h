@@ -32,12 +32,17 @@ class WindowStatus : public QObject {
     /// Says where the shares are reached, at the right of the line.
     void useServer(ShareServer server);
 
+    /// `hasSection` says whether the server's settings have a section of that name.
+    void setSections(std::function<bool(const std::string& name)> hasSection) {
+        hasSection_ = std::move(hasSection);
+    }
+
     /// Shows a text for the last action.
     void show(const QString& text, bool isFailure = false);
 
   private:
     void eventEnded();
-    void showOutcome();
+    void showOutcome(const std::optional<review::HistoryEntry>& added);
     [[nodiscard]] bool showShare(const std::string& name);
     void showActivity();
     void fillShareMenu(QMenu& menu, NSTableView& shares, int row);
@@ -49,6 +54,7 @@ class WindowStatus : public QObject {
     const review::History* history_ = nullptr;
     std::function<void(std::int64_t)> takeBack_;
     ShareServer server_;
+    std::function<bool(const std::string&)> hasSection_;
     ElidedLabel* text_ = nullptr;
     ElidedLabel* serverState_ = nullptr;
     QPushButton* copy_ = nullptr;
@@ -58,7 +64,7 @@ class WindowStatus : public QObject {
     QPointer<ActivityDialog> dialog_;
     std::string operation_;   ///< of the control that was used in this event
     std::string address_;     ///< of the share that the line is about
-    std::int64_t number_ = 0; ///< of the newest change that the line has told of
+    std::int64_t number_ = 0; ///< of the change that the line tells of
     platform::Connection eventEnded_;
     platform::Connection used_;
 };

@@ -58,7 +58,7 @@ std::vector<ElementRule> windowRules() {
                  {{"title", Text, "", true},
                   {"key", Word},
                   {"edits", Word}, // as a button's
-                  {"role", Choice, "about|quit|preferences"}}})},
+                  {"role", Choice, "about|quit|preferences|guide"}}})},
         {MenuSeparator, "separator"},
         {Window, "window", makeWindow, joined({named, window}), inWindow, true},
         {Sheet, "sheet", makeWindow, joined({named, window}), layouts, true},
@@ -113,6 +113,7 @@ std::vector<ElementRule> controlRules() {
                   {"mayBeEmpty", YesNo},
                   {"folder", YesNo},
                   {"namesRow", Word},
+                  {"records", Word},
                   {"another", Text}}})},
         {SecureField, "secureField", makeField, joined({common, field})},
         {Button, "button", makeButton,

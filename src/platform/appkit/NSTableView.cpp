@@ -18,6 +18,7 @@ std::string NSTableView::objectValue(const NSTableColumn& column, int row) {
 void NSTableView::reloadData() {
     rows_ = source_ == nullptr ? 0 : std::max(0, source_->numberOfRowsInTableView(this));
     selection_.erase(std::lower_bound(selection_.begin(), selection_.end(), rows_), selection_.end());
+    isLoaded_ = true;
     reloaded.emit();
 }
 

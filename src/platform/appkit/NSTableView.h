@@ -52,6 +52,8 @@ class NSTableView : public NSControl {
     /// As of the last reload; 0 before the first.
     [[nodiscard]] int numberOfRows() const { return rows_; }
 
+    [[nodiscard]] bool isLoaded() const { return isLoaded_; }
+
     /// The cell's text as the source has it now; "" without a source or for a row that is not there.
     [[nodiscard]] std::string objectValue(const NSTableColumn& column, int row);
 
@@ -86,5 +88,6 @@ class NSTableView : public NSControl {
     NSTableViewDelegate* delegate_ = nullptr;
     bool multiple_ = false;
     int rows_ = 0;
+    bool isLoaded_ = false; ///< its rows have been asked for
     std::vector<int> selection_;
 };

@@ -102,7 +102,8 @@ std::string storeProblem(const std::string& file, int error, int waited) {
     case SQLITE_LOCKED: {
         const std::string known = storeHolder(file);
         const std::string holder = known.empty() ? "another program" : known;
-        return (waited > 0 ? holder + " has been using it for " + std::to_string(waited) + " seconds"
+        return (waited > 0 ? holder + " has been using it for " + std::to_string(waited) +
+                                 (waited == 1 ? " second" : " seconds")
                            : holder + " is using it") +
                "; try again when it has ended";
     }

@@ -1,0 +1,126 @@
+#include "frontends/qt/UnsavedEdits.h"
+
+#include "frontends/qt/NodeAttributes.h"
+#include "platform/appkit/NSButton.h"
+#include "platform/appkit/NSMatrix.h"
+#include "platform/appkit/NSPopUpButton.h"
+#include "platform/appkit/NSTextField.h"
+#include "platform/foundation/NSBundle.h"
+
+#include <algorithm>
+#include <array>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace {
+
+/// Such a control says what is shown, and nothing that is saved.
+bool choosesView(std::string_view operation) {
+    static constexpr std::array<std::string_view, 5> operations = {
+        "updateUsersGroupsList:", "updateGroupsList:", "refreshGroupList:", "changeAFSPropsTabView:",
+        "changeSMBPropsTabView:"};
+    return std::ranges::find(operations, operation) != operations.end();
+}
+
+/// It writes all that stands on its page.
+bool savesForm(std::string_view operation) {
+    static constexpr std::array<std::string_view, 5> operations = {
+        "createShare:", "addNewUser:", "addNewGroup:", "updateAFSProperties:", "updateSMBProperties:"};
+    return std::ranges::find(operations, operation) != operations.end();
+}
+
+/// What of the control's content is a user's and would be saved; empty where nothing is.
+std::string editOf(const platform::InterfaceNode& node) {
+    std::string edit;
+    if (const auto* matrix = modelOf<NSMatrix>(node)) {
+        for (int row = 0; row < matrix->numberOfRows(); ++row) {
+            for (int column = 0; column < matrix->numberOfColumns(); ++column) {
+                edit += matrix->isEditedAt(row, column) ? std::to_string(matrix->stateAt(row, column)) : "";
+            }
+        }
+        return edit;
+    }
+    const auto* control = modelOf<NSControl>(node);
+    if (control == nullptr || !control->isEdited() || choosesView(control->action().operation)) {
+        return edit;
+    }
+    const auto* field = modelOf<NSTextField>(node);
+    const auto* box = modelOf<NSButton>(node);
+    const auto* menu = modelOf<NSPopUpButton>(node);
+    return "=" + (field != nullptr  ? field->stringValue()
+                  : box != nullptr  ? std::to_string(box->state())
+                  : menu != nullptr ? std::to_string(menu->indexOfSelectedItem())
+                                    : std::string());
+}
+
+using Edits = std::map<const platform::Element*, std::string>;
+
+Edits editsBelow(const platform::InterfaceNode& page) {
+    Edits edits;
+    platform::visitNodes(page, [&edits](const platform::InterfaceNode& each) {
+        if (std::string edit = editOf(each); !edit.empty()) {
+            edits.emplace(each.element.get(), std::move(edit));
+        }
+    });
+    return edits;
+}
+
+/// The main window's pages with their titles; the drawer is one.
+std::vector<std::pair<const platform::InterfaceNode*, std::string>>
+pagesOf(const platform::Interface& interface) {
+    std::vector<std::pair<const platform::InterfaceNode*, std::string>> pages;
+    platform::visitNodes(interface.root(), [&pages](const platform::InterfaceNode& each) {
+        if (each.kind == platform::InterfaceKind::Drawer) {
+            pages.emplace_back(&each, NSLocalizedString("Share"));
+        } else if (each.element != nullptr && each.element->name() == "mainTabView") {
+            for (const auto& page : each.children) {
+                pages.emplace_back(page.get(), page->attribute("label"));
+            }
+        }
+    });
+    return pages;
+}
+
+bool sends(const platform::InterfaceNode& page, const std::string& operation) {
+    bool isThere = false;
+    platform::visitNodes(page, [&](const platform::InterfaceNode& each) {
+        const auto* control = modelOf<NSControl>(each);
+        isThere = isThere || (control != nullptr && control->action().operation == operation);
+    });
+    return isThere;
+}
+
+} // namespace
+
+UnsavedEdits::UnsavedEdits(WindowActions& actions) : actions_(actions) {
+    used_ = actions.used.connect([this](const std::string& operation) { noteSaved(operation); });
+}
+
+void UnsavedEdits::noteSaved(const std::string& operation) {
+    if (!savesForm(operation)) {
+        return;
+    }
+    for (const auto& [page, title] : pagesOf(actions_.interface())) {
+        if (sends(*page, operation)) {
+            for (auto& [control, edit] : editsBelow(*page)) {
+                saved_[control] = edit;
+            }
+        }
+    }
+}
+
+std::string UnsavedEdits::pages() const {
+    std::string titles;
+    for (const auto& [page, title] : pagesOf(actions_.interface())) {
+        const Edits edits = editsBelow(*page);
+        const bool isUnsaved = std::ranges::any_of(edits, [this](const auto& edit) {
+            const auto saved = saved_.find(edit.first);
+            return saved == saved_.end() || saved->second != edit.second;
+        });
+        if (isUnsaved) {
+            titles += (titles.empty() ? "" : ", ") + title;
+        }
+    }
+    return titles;
+}
