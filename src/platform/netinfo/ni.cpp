@@ -4,6 +4,7 @@
 #include "platform/netinfo/LocalDomain.h"
 #include "platform/netinfo/ReadConnection.h"
 #include "platform/netinfo/RecordBlock.h"
+#include "platform/netinfo/RecordContent.h"
 #include "platform/netinfo/StoreWait.h"
 
 #include <algorithm>
@@ -202,7 +203,12 @@ bool recordExists(ni_domain& domain, std::uint32_t id, int* error) {
 /// Appends the ids of the children that have `value` among the values of `property`.
 void addMatches(const platform::RecordBlock& block, std::string_view property, std::string_view value,
                 ni_idlist* children) {
+    platform::ContentWriter packed;
+    packed.value(value);
     for (const auto& record : block.records()) {
+        if (record.content.find(packed.content()) == std::string_view::npos) {
+            continue; // nearly all of a large directory, which need not be taken apart
+        }
         const auto* stored = block.property(record, property);
         if (stored != nullptr && std::ranges::count(block.values(*stored), value) > 0) {
             children->niil_val.push_back(static_cast<std::uint32_t>(record.id));
