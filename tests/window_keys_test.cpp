@@ -236,7 +236,7 @@ TEST_F(Keys, TakeBackTheLastChangeAndInAFieldWhatWasTyped) {
     EXPECT_EQ(columnOf("normalTableView", "ShareName"), std::vector<std::string>{});
     press(Qt::Key_E, Qt::ControlModifier);
     EXPECT_EQ(focused(), "normalTableView"); // the editor has closed
-    answer({"Go On"});
+    answer({"Yes"});
     press(Qt::Key_Z, Qt::ControlModifier);
     EXPECT_EQ(columnOf("normalTableView", "ShareName"), std::vector<std::string>{"Docs"});
 }
