@@ -187,9 +187,10 @@ TEST_F(Directory, KeepsTextsOfAnyLengthAndAnyBytes) {
 }
 
 TEST_F(Directory, ReportsADamagedRecordAndStillReadsTheOthers) {
-    // Each promises more than it holds: a name without an end, more values than bytes, a value cut short.
-    for (const char* content :
-         {"x'056e616d'", "x'046e616d65ffffffff0f'", "x'046e616d650105616461'", "x'ffffffffffff'"}) {
+    // Each promises more than it holds: a name without an end, more values than bytes, a value cut short. The
+    // last one's number is longer than any that is written.
+    for (const char* content : {"x'056e616d'", "x'046e616d65ffffffff0f'", "x'046e616d650105616461'",
+                                "x'ffffffffffff'", "x'84006e616d650103616461'"}) {
         host.write("damaged.db", "");
         fs::copy_file(host.storeFile(), host.root() / "damaged.db", fs::copy_options::overwrite_existing);
         const std::string sql = std::string("INSERT INTO record (parent, name, content) SELECT id, 'ada', ") +

@@ -215,6 +215,11 @@ TEST(SmbInPlace, LeavesAloneWhatTheServerJoinsToAnotherLine) {
              {"[a]\nx = 1 \\\n  2\n# y = 1\n# z\nstray\n", toggle(SMBCommentGroup),
               ";[a]\n;x = 1 \\\n  ;2\n;# y = 1\n# z\n;stray\n"},
              {"#[a] words\n;x = 1 \\\n;  2\n; words\n", toggle(SMBGroup), "[a]\nx = 1 \\\n  2\n; words\n"},
+             // Nothing becomes another section by it, and nothing comes to life later.
+             {"[a]\n[b = 1\n[c]\n", toggle(SMBCommentGroup), ";[a]\n; [b = 1\n[c]\n"},
+             {";[a]\n; [b]=[c]\n;x = 1\n", toggle(SMBGroup), "[a]\n; [b]=[c]\nx = 1\n"},
+             {";[b]\n;y = 1\n\n[a]\nx = 1\n\n# z\n;x = 2\n\n# c\n[c]\n",
+              [](Model& model) { removeShare(model, "a"); }, ";[b]\n;y = 1\n\n# c\n[c]\n"},
              {"[b]\n\n[a]\nx = 1\n\nstray \\\ny = 2\n", [](Model& model) { removeShare(model, "a"); },
               "[b]\n"},
              {"[a]\nx = 1\nguest ok = no",

@@ -30,10 +30,6 @@ bool isBefore(const Edit& one, const Edit& other) {
     return one.isInsertion() ? !other.isInsertion() : !other.isInsertion() && one.end > other.end;
 }
 
-bool isBlank(char c) {
-    return c == ' ' || c == '\t';
-}
-
 bool isEnded(std::string_view text) {
     return text.ends_with('\n') || text.ends_with('\r');
 }
@@ -59,6 +55,10 @@ class Editor {
     void removeSection(const SMBSectionLines& section);
     void comment(const SMBSectionLines& section, bool out);
     void enableHeader(const Line& line);
+    /// As it will be.
+    [[nodiscard]] bool isCommentedOut(const SMBSectionLines& section) const;
+    /// Of the sections that stay, the one right above is commented out.
+    [[nodiscard]] bool isBelowCommentedOut(const SMBSectionLines& section) const;
     void setValue(const SMBSectionLines& section, const SMBChange& change);
     void removePair(const SMBSectionLines& section, const SMBChange& change);
     void addPair(const SMBSectionLines& section, const SMBChange& change);
@@ -72,9 +72,6 @@ class Editor {
                                                           const SMBChange& change, std::size_t found) const;
     /// The text with this file's line breaks.
     [[nodiscard]] std::string withLineBreaks(std::string_view text) const;
-    [[nodiscard]] std::string_view indentation(const Line& line) const;
-    /// One after the line's last byte before its line break.
-    [[nodiscard]] std::size_t contentEnd(const Line& line) const;
 
     [[nodiscard]] std::size_t offset(std::string_view view) const {
         return static_cast<std::size_t>(view.data() - text_.data());
@@ -98,6 +95,7 @@ class Editor {
     std::vector<SMBConflict> conflicts_;
     std::map<const SMBSectionLines*, bool>
         commentedOut_; ///< the sections that are being commented out, or no longer
+    std::set<const SMBSectionLines*> removed_;
     std::set<std::pair<std::string, std::size_t>> missing_; ///< sections that were made anew
 };
 
@@ -145,22 +143,6 @@ std::string Editor::withLineBreaks(std::string_view text) const {
     return result;
 }
 
-std::string_view Editor::indentation(const Line& line) const {
-    std::size_t end = line.begin;
-    while (end < line.end && isBlank(text_[end])) {
-        ++end;
-    }
-    return text_.substr(line.begin, end - line.begin);
-}
-
-std::size_t Editor::contentEnd(const Line& line) const {
-    std::size_t end = line.end;
-    while (end > line.begin && isEnded(text_.substr(0, end))) {
-        --end;
-    }
-    return end;
-}
-
 void Editor::addSection(const SMBChange& change) {
     const std::string block =
         withLineBreaks(change.value.ends_with('\n') ? change.value : change.value + "\n");
@@ -192,6 +174,13 @@ void Editor::removeSection(const SMBSectionLines& section) {
     while (last < section.last && lines[last].kind != Line::Kind::Blank) {
         ++last; // the comments right below the parameters are the section's own
     }
+    if (isBelowCommentedOut(section)) {
+        // That would take a comment with a "=" for a parameter, which would come to life with it.
+        for (std::size_t index = last; index < section.last; ++index) {
+            last = lines_.isParameterInMarks(lines[index]) ? index + 1 : last;
+        }
+    }
+    removed_.insert(&section);
     Edit edit{lines[section.first].begin, lines[last - 1].end, "", false};
     const bool isAtEnd = last == lines.size();
     const bool isSetOff = section.first > 0 && isBlankLine(section.first - 1);
@@ -209,6 +198,22 @@ void Editor::removeSection(const SMBSectionLines& section) {
     edits_.push_back(std::move(edit));
 }
 
+bool Editor::isBelowCommentedOut(const SMBSectionLines& section) const {
+    std::size_t first = section.first;
+    for (auto above = lines_.sections().rbegin(); above != lines_.sections().rend(); ++above) {
+        if (above->last == first && !removed_.contains(&*above)) {
+            return isCommentedOut(*above);
+        }
+        first = above->last == first ? above->first : first;
+    }
+    return false;
+}
+
+bool Editor::isCommentedOut(const SMBSectionLines& section) const {
+    const auto toggled = commentedOut_.find(&section);
+    return toggled == commentedOut_.end() ? section.isCommentedOut : toggled->second;
+}
+
 void Editor::comment(const SMBSectionLines& section, bool out) {
     if (section.isCommentedOut == out) {
         return; // somebody did the same in the file
@@ -216,18 +221,20 @@ void Editor::comment(const SMBSectionLines& section, bool out) {
     commentedOut_[&section] = out;
     for (std::size_t index = section.first; index < section.last; ++index) {
         const Line& line = lines_.lines()[index];
-        const std::size_t begin = line.begin + indentation(line).size();
+        const std::size_t begin = line.begin + lines_.indentation(line).size();
         if (out) {
             // In a commented-out section, a comment with a "=" is a parameter, and would come to life with
             // it.
-            const bool isComment = line.kind == Line::Kind::Comment &&
-                                   !SMBParser::pairOf(text_.substr(begin + 1, contentEnd(line) - begin - 1));
+            const bool isComment = line.kind == Line::Kind::Comment && !lines_.isParameterInMarks(line);
             if (line.kind != Line::Kind::Blank && !isComment) {
-                edits_.push_back({begin, begin + 1, ";" + std::string(1, text_[begin]), false});
+                // A broken header may not become that of another commented-out section.
+                const bool isBroken = line.kind != Line::Kind::Header && text_[begin] == '[';
+                edits_.push_back(
+                    {begin, begin + 1, (isBroken ? "; " : ";") + std::string(1, text_[begin]), false});
             }
         } else if (line.kind == Line::Kind::Header) {
             enableHeader(line);
-        } else if (line.kind == Line::Kind::Pair || line.isJoined) {
+        } else if ((line.kind == Line::Kind::Pair || line.isJoined) && !lines_.isHeaderOnceLive(line)) {
             edits_.push_back({begin, begin + 1, "", false});
         }
     }
@@ -235,8 +242,8 @@ void Editor::comment(const SMBSectionLines& section, bool out) {
 
 /// A live header is one only when nothing follows its bracket.
 void Editor::enableHeader(const Line& line) {
-    const std::size_t begin = line.begin + indentation(line).size();
-    const std::size_t end = contentEnd(line);
+    const std::size_t begin = line.begin + lines_.indentation(line).size();
+    const std::size_t end = lines_.contentEnd(line);
     const std::size_t bracket = text_.substr(0, end).find(']', begin);
     edits_.push_back({begin, begin + 1, "", false});
     if (bracket == std::string_view::npos) {
@@ -285,7 +292,7 @@ void Editor::setValue(const SMBSectionLines& section, const SMBChange& change) {
     const std::size_t joined = lines_.endOfJoinedLines(*index);
     // The value goes on in the lines that the server joins to it.
     const std::size_t end =
-        joined > *index + 1 ? contentEnd(lines_.lines()[joined - 1]) : begin + line.value.size();
+        joined > *index + 1 ? lines_.contentEnd(lines_.lines()[joined - 1]) : begin + line.value.size();
     edits_.push_back({begin, end, change.value, false});
 }
 
@@ -309,10 +316,8 @@ void Editor::addPair(const SMBSectionLines& section, const SMBChange& change) {
     const Line& end = lines[lines_.endOfJoinedLines(last) - 1];
     // Below a line that ends in a backslash, the server would take it for a part of that line.
     const std::size_t place = end.isContinued ? line.begin : end.end;
-    std::string added(line.kind == Line::Kind::Pair ? indentation(line) : std::string_view());
-    const auto toggled = commentedOut_.find(&section);
-    const bool isCommentedOut = toggled == commentedOut_.end() ? section.isCommentedOut : toggled->second;
-    added += (isCommentedOut ? ";" : "") + change.key + " = " + change.value;
+    std::string added(line.kind == Line::Kind::Pair ? lines_.indentation(line) : std::string_view());
+    added += (isCommentedOut(section) ? ";" : "") + change.key + " = " + change.value;
     if (isEnded(text_.substr(0, place)) || place == line.begin) {
         added += lineBreak_;
     }

@@ -23,7 +23,7 @@ LineEnd endOfLine(std::string_view text, std::size_t begin) {
 
 } // namespace
 
-SMBLines::SMBLines(std::string_view text) {
+SMBLines::SMBLines(std::string_view text) : text_(text) {
     for (std::size_t begin = 0; begin < text.size();) {
         const LineEnd end = endOfLine(text, begin);
         SMBLine line;
@@ -131,4 +131,27 @@ std::size_t SMBLines::endOfJoinedLines(std::size_t index) const {
         ++index;
     }
     return index + 1;
+}
+
+std::string_view SMBLines::indentation(const SMBLine& line) const {
+    const std::string_view whole = text_.substr(line.begin, line.end - line.begin);
+    return whole.substr(0, whole.find_first_not_of(" \t"));
+}
+
+std::size_t SMBLines::contentEnd(const SMBLine& line) const {
+    const std::string_view whole = text_.substr(line.begin, line.end - line.begin);
+    return line.begin + whole.find_last_not_of("\r\n") + 1; // npos + 1 is 0: nothing but a line break
+}
+
+std::string_view SMBLines::behindMark(const SMBLine& line) const {
+    const std::size_t begin = line.begin + indentation(line).size() + 1;
+    return text_.substr(begin, contentEnd(line) - begin);
+}
+
+bool SMBLines::isParameterInMarks(const SMBLine& line) const {
+    return line.kind == SMBLine::Kind::Comment && SMBParser::pairOf(behindMark(line)).has_value();
+}
+
+bool SMBLines::isHeaderOnceLive(const SMBLine& line) const {
+    return SMBParser::isGroup(SMBParser::withoutLeadingWhiteSpace(behindMark(line)));
 }

@@ -57,12 +57,24 @@ class SMBLines {
     /// One after the last of the lines that the server joins to the line `index`.
     [[nodiscard]] std::size_t endOfJoinedLines(std::size_t index) const;
 
+    /// The blanks and tabs that the line begins with.
+    [[nodiscard]] std::string_view indentation(const SMBLine& line) const;
+    /// One after the line's last byte before its line break.
+    [[nodiscard]] std::size_t contentEnd(const SMBLine& line) const;
+    /// Of a comment: in a commented-out section it would be a parameter.
+    [[nodiscard]] bool isParameterInMarks(const SMBLine& line) const;
+    /// Of a line of a commented-out section: without its mark, another section would begin at it.
+    [[nodiscard]] bool isHeaderOnceLive(const SMBLine& line) const;
+
   private:
+    /// The line behind its indentation and its mark.
+    [[nodiscard]] std::string_view behindMark(const SMBLine& line) const;
     void take(std::string_view content, SMBLine line);
     void takeCommentedOut(std::string_view content, SMBLine& line) const;
     void takeLive(std::string_view content, SMBLine& line) const;
     [[nodiscard]] bool takeHeader(std::string_view content);
 
+    std::string_view text_;
     std::vector<SMBLine> lines_;
     std::vector<SMBSectionLines> sections_;
     bool isInSection_ = false;

@@ -100,7 +100,7 @@ std::string packed(const HistoryEntry& entry) {
     return platform::packedContent(parts);
 }
 
-/// Reads the texts of a part in their order. What is missing reads as empty.
+/// Reads the texts of a part in their order. What is missing reads as empty; unpack sees that it was missing.
 class Texts {
   public:
     explicit Texts(StoredProperty& part) : values_(part.values) {}
@@ -187,14 +187,24 @@ void unpackPart(StoredProperty& part, HistoryEntry* entry) {
     }
 }
 
+/// False, and nothing read, where the content is not what such an entry is packed into: parts that are
+/// missing or unknown are damage, too, and would have an undo bring back something else than what was there.
 bool unpack(std::string_view content, HistoryEntry* entry) {
     std::vector<StoredProperty> parts;
     if (!platform::unpackContent(content, &parts)) {
         return false;
     }
+    HistoryEntry read;
     for (StoredProperty& part : parts) {
-        unpackPart(part, entry);
+        unpackPart(part, &read);
     }
+    if (packed(read) != content) {
+        return false;
+    }
+    entry->runs = std::move(read.runs);
+    entry->records = std::move(read.records);
+    entry->files = std::move(read.files);
+    entry->folders = std::move(read.folders);
     return true;
 }
 

@@ -83,8 +83,15 @@ class Reader {
         case '\n':
             break; // only formats the file itself
         default:
-            addFallback({&character, 1});
+            addByte(static_cast<unsigned char>(character));
         }
+    }
+
+    /// A character of the code page.
+    void addByte(char32_t byte) {
+        const bool special = byte >= 0x80 && byte < 0xA0;
+        const char32_t character = special ? windows1252.at(byte - 0x80) : byte;
+        addFallback(utf8Text(character == 0 ? 0xFFFD : character));
     }
 
     void readControl() {
@@ -134,10 +141,7 @@ class Reader {
         if (high < 0 || low < 0) {
             return;
         }
-        const auto byte = static_cast<char32_t>(high * 16 + low);
-        const bool special = byte >= 0x80 && byte < 0xA0;
-        const char32_t character = special ? windows1252.at(byte - 0x80) : byte;
-        addFallback(utf8Text(character == 0 ? 0xFFFD : character));
+        addByte(static_cast<char32_t>(high * 16 + low));
     }
 
     void readWord() {

@@ -82,23 +82,13 @@ std::string textOf(double value) {
     return {digits.data(), end.ptr};
 }
 
-/// Null when the bytes are not a property list, or are too many for libplist.
-plist_t readAny(std::string_view bytes) {
-    plist_t read = nullptr;
-    if (bytes.starts_with(binaryMagic)) {
-        plist_from_bin(bytes.data(), static_cast<std::uint32_t>(bytes.size()), &read);
-        return read;
-    }
-    const auto text = propertyListTextAsUTF8(bytes);
-    if (!text || text->size() > std::numeric_limits<std::uint32_t>::max()) {
-        return nullptr;
-    }
-    const std::size_t start = text->find_first_not_of(" \t\r\n");
-    if (start == std::string::npos || (*text)[start] != '<') {
-        return readOldStylePropertyList(*text);
-    }
-    plist_from_xml(text->data(), static_cast<std::uint32_t>(text->size()), &read);
-    return read;
+/// libplist's XML as it is.
+std::string plainXML(plist_t item) {
+    char* xml = nullptr;
+    std::uint32_t length = 0;
+    plist_to_xml(item, &xml, &length);
+    const std::unique_ptr<char, decltype(&plist_to_xml_free)> owner(xml, &plist_to_xml_free);
+    return xml == nullptr ? std::string() : std::string(xml, length);
 }
 
 /// Replaces characters that libplist writes unescaped by references, because an XML reader would change
@@ -133,6 +123,39 @@ std::string mendedXML(std::string_view xml) {
     return text;
 }
 
+/// Null when the text is not XML of a property list, or is too long for libplist.
+plist_t readXML(std::string_view text) {
+    plist_t read = nullptr;
+    if (text.find('\0') == std::string_view::npos &&
+        text.size() <= std::numeric_limits<std::uint32_t>::max()) {
+        plist_from_xml(text.data(), static_cast<std::uint32_t>(text.size()), &read);
+    }
+    return read;
+}
+
+/// A binary list as the XML that will be written for it: what XML cannot hold (a NUL in a key, which ends
+/// libplist, a key twice) is refused or settled here.
+plist_t readBinary(std::string_view bytes) {
+    plist_t read = nullptr;
+    plist_from_bin(bytes.data(), static_cast<std::uint32_t>(bytes.size()), &read);
+    const std::unique_ptr<void, Free> owner(read);
+    const std::string xml = read == nullptr ? std::string() : plainXML(read);
+    return xml.find('\0') == std::string::npos ? readXML(mendedXML(xml)) : nullptr;
+}
+
+/// Null when the bytes are not a property list.
+plist_t readAny(std::string_view bytes) {
+    if (bytes.starts_with(binaryMagic)) {
+        return readBinary(bytes);
+    }
+    const auto text = propertyListTextAsUTF8(bytes);
+    const std::size_t start = text ? text->find_first_not_of(" \t\r\n") : std::string::npos;
+    if (start == std::string::npos || (*text)[start] != '<') {
+        return text ? readOldStylePropertyList(*text) : nullptr;
+    }
+    return readXML(*text);
+}
+
 /// The string for a scalar, with the two words for a boolean; none for other types.
 std::optional<std::string> singleText(plist_t item, const char* yes, const char* no) {
     switch (plist_get_node_type(item)) {
@@ -153,11 +176,7 @@ std::string shownText(plist_t item) {
     if (const auto text = singleText(item, "true", "false")) {
         return *text;
     }
-    char* xml = nullptr;
-    std::uint32_t length = 0;
-    plist_to_xml(item, &xml, &length);
-    const std::unique_ptr<char, decltype(&plist_to_xml_free)> owner(xml, &plist_to_xml_free);
-    return xml == nullptr ? std::string() : std::string(xml, length);
+    return plainXML(item);
 }
 
 void appendValues(plist_t dictionary, const std::string& prefix,
@@ -300,14 +319,11 @@ std::vector<std::pair<std::string, std::string>> NSMutableDictionary::values() c
 }
 
 std::string NSMutableDictionary::xmlText() const {
-    char* xml = nullptr;
-    std::uint32_t length = 0;
-    plist_to_xml(node_->dictionary, &xml, &length);
-    if (xml == nullptr) {
+    const std::string xml = plainXML(node_->dictionary);
+    if (xml.empty()) {
         throw std::runtime_error("a property list could not be written as XML");
     }
-    const std::unique_ptr<char, decltype(&plist_to_xml_free)> owner(xml, &plist_to_xml_free);
-    std::string text = mendedXML({xml, length});
+    std::string text = mendedXML(xml);
     if (!text.ends_with('\n')) {
         text += '\n';
     }

@@ -55,6 +55,9 @@ bool ContentReader::number(std::size_t* number) {
     for (unsigned shift = 0; shift <= most && length < rest_.size(); shift += bitsPerByte) {
         const auto byte = static_cast<unsigned char>(rest_[length++]);
         *number |= static_cast<std::size_t>(byte & (moreFollows - 1U)) << shift;
+        if (byte == 0 && length > 1) {
+            return fail(); // no writer makes a number longer than it need be
+        }
         if (byte < moreFollows) {
             rest_.remove_prefix(length);
             return true;

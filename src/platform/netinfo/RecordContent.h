@@ -12,7 +12,7 @@ namespace platform {
 // a record. Properties and values stand in their order, and nothing in them is special. For each property its
 // name, the number of its values, and each value; a name and a value are their length and their bytes.
 // Numbers are unsigned LEB128: seven bits a byte, the lowest first, and the top bit set in all bytes but the
-// last.
+// last, and never more bytes than the number needs.
 
 struct StoredProperty {
     std::string name;
@@ -54,7 +54,8 @@ class ContentReader {
     /// False when the content is damaged. Asked `valueCount` times for each property.
     [[nodiscard]] bool nextValue(std::string_view* value) { return text(value); }
 
-    /// The content is shorter than its numbers say. Nothing more is read then.
+    /// The content is shorter than its numbers say, or a number is longer than it need be. Nothing more is read
+    /// then: what is read whole packs into the same bytes.
     [[nodiscard]] bool damaged() const { return damaged_; }
 
   private:

@@ -88,6 +88,7 @@ class Value {
     Value(tdb_context* database, const std::string& key) {
         std::string bytes = key + '\0';
         data_ = tdb_fetch(database, {reinterpret_cast<unsigned char*>(bytes.data()), bytes.size()});
+        error_ = data_.dptr == nullptr ? tdb_error(database) : TDB_SUCCESS;
     }
 
     ~Value() {
@@ -102,12 +103,16 @@ class Value {
 
     [[nodiscard]] bool isThere() const { return data_.dptr != nullptr; }
 
+    /// Why it is not there.
+    [[nodiscard]] TDB_ERROR error() const { return error_; }
+
     [[nodiscard]] std::string_view bytes() const {
         return {reinterpret_cast<const char*>(data_.dptr), data_.dsize};
     }
 
   private:
     TDB_DATA data_{};
+    TDB_ERROR error_ = TDB_SUCCESS;
 };
 
 /// True when a program is about to write. Who opens a database for reading alone takes no lock, and could
@@ -136,11 +141,17 @@ std::optional<std::optional<SambaUser>> userInPasswordFile(const std::string& fi
     if (isBeingWritten(database.get())) {
         return std::nullopt;
     }
-    if (!record.isThere()) {
-        return std::optional<SambaUser>();
+    if (record.isThere()) {
+        auto known = userOf(record.bytes());
+        if (!known) {
+            return std::nullopt; // not an account without a record
+        }
+        return known;
     }
-    auto known = userOf(record.bytes());
-    return known ? std::optional(std::move(known)) : std::nullopt;
+    if (record.error() != TDB_ERR_NOEXIST) {
+        return std::nullopt; // in a damaged file, whoever cannot be found may be there
+    }
+    return std::optional<SambaUser>();
 }
 
 } // namespace platform
