@@ -54,8 +54,8 @@ class ContentReader {
     /// False when the content is damaged. Asked `valueCount` times for each property.
     [[nodiscard]] bool nextValue(std::string_view* value) { return text(value); }
 
-    /// The content is shorter than its numbers say, or a number is longer than it need be. Nothing more is read
-    /// then: what is read whole packs into the same bytes.
+    /// The content is shorter than its numbers say, or a number is longer than it need be. Nothing more is
+    /// read then: what is read whole packs into the same bytes.
     [[nodiscard]] bool damaged() const { return damaged_; }
 
   private:
