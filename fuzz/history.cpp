@@ -37,7 +37,7 @@ HistoryEntry newest(const review::HistoryStore& store) {
 
 void keep(const review::HistoryStore& store, const HistoryEntry& entry) {
     const auto status = store.add(entry);
-    fuzz::require(status.isOk(), "an entry can be kept", status.text());
+    fuzz::require(status.isOk(), "an entry can be kept", status.status().text());
 }
 
 std::optional<std::string> drawnText(fuzz::Draw& draw) {
