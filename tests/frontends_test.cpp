@@ -267,10 +267,11 @@ class OneWindowARoot : public Program {
         std::filesystem::permissions(runtime_, std::filesystem::perms::owner_all);
     }
 
-    ~OneWindowARoot() override {
+    void TearDown() override {
         for (const auto& each : open_) {
             end(each);
         }
+        Program::TearDown();
     }
 
     [[nodiscard]] std::vector<std::string> variables() const {

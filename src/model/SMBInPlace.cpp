@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <map>
 #include <optional>
+#include <ranges>
 #include <set>
 #include <utility>
 
@@ -200,11 +201,11 @@ void Editor::removeSection(const SMBSectionLines& section) {
 
 bool Editor::isBelowCommentedOut(const SMBSectionLines& section) const {
     std::size_t first = section.first;
-    for (auto above = lines_.sections().rbegin(); above != lines_.sections().rend(); ++above) {
-        if (above->last == first && !removed_.contains(&*above)) {
-            return isCommentedOut(*above);
+    for (const SMBSectionLines& above : std::views::reverse(lines_.sections())) {
+        if (above.last == first && !removed_.contains(&above)) {
+            return isCommentedOut(above);
         }
-        first = above->last == first ? above->first : first;
+        first = above.last == first ? above.first : first;
     }
     return false;
 }

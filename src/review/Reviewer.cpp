@@ -18,6 +18,7 @@
 #include <algorithm>
 #include <array>
 #include <string_view>
+#include <utility>
 
 namespace review {
 
@@ -156,10 +157,10 @@ bool Reviewer::hasRecord(const std::string& path) {
     if (!directoryHolder().empty()) {
         return false;
     }
-    const std::string problem = platform::directoryProblem();
+    std::string problem = platform::directoryProblem(); // which reading sets anew
     const bool isThere =
         DirectoryView(platform::Host::current().services().localDomain).record(path).has_value();
-    platform::setDirectoryProblem(problem); // the lists are as they were read before
+    platform::setDirectoryProblem(std::move(problem)); // the lists are as they were read before
     return isThere;
 }
 
