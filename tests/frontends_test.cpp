@@ -267,6 +267,13 @@ class OneWindowARoot : public Program {
         std::filesystem::permissions(runtime_, std::filesystem::perms::owner_all);
     }
 
+    void SetUp() override {
+        Program::SetUp();
+        if (!std::filesystem::exists(BRINDLE_PROGRAMS "/brindle-window")) {
+            GTEST_SKIP() << "this build has no window";
+        }
+    }
+
     void TearDown() override {
         for (const auto& each : open_) {
             end(each);
