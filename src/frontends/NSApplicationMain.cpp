@@ -146,6 +146,7 @@ Result<int> runScript(const Options& options) {
     if (!services.isOk()) {
         return services.status();
     }
+    services->languages = platform::languagesOfLocale(); // a desktop's list of languages is not the script's
     const auto output = std::make_shared<frontend::ScriptOutput>(std::cout);
     services->log = std::make_shared<frontend::ScriptLog>(
         output, options.dryRun ? nullptr : std::make_shared<QuietSystemLog>());
