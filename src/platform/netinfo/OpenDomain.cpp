@@ -141,10 +141,12 @@ ni_status addStoredChildren(ni_domain& domain, std::uint32_t parent, ni_idlist* 
         children->niil_val.push_back(static_cast<std::uint32_t>(rows.number(0)));
     }
     int error = rows.error();
-    if (error == SQLITE_OK && children->niil_val.size() > before) {
+    if (error != SQLITE_OK) {
+        children->niil_val.resize(before); // part of a list would pass for the whole
+    } else if (children->niil_val.size() > before) {
         domain.expected = children->niil_val[before];
         domain.expectedParent = parent;
-    } else if (error == SQLITE_OK && !recordExists(domain, parent, &error)) {
+    } else if (!recordExists(domain, parent, &error)) {
         return error == SQLITE_OK ? NI_BADID : statusOf(error);
     }
     return statusOf(error);
