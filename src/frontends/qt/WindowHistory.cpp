@@ -14,7 +14,6 @@
 #include <QDialog>
 #include <QDialogButtonBox>
 #include <QFontDatabase>
-#include <QHeaderView>
 #include <QMenu>
 #include <QPlainTextEdit>
 #include <QPushButton>
@@ -161,7 +160,7 @@ class HistoryDialog : public QDialog {
 
 WindowHistory::WindowHistory(const review::History& history, review::Reviewer& reviewer,
                              WindowActions& actions, QMainWindow& window, QMenu& menu, RefreshQueue& queue)
-    : QObject(&window), history_(history), reviewer_(reviewer), edits_(actions), window_(window),
+    : QObject(&window), history_(history), reviewer_(reviewer), edits_(actions, queue), window_(window),
       queue_(queue) {
     QAction* first = menu.actions().isEmpty() ? nullptr : menu.actions().constFirst();
     undo_ = new QAction(localized("Undo"), this);

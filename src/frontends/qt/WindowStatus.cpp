@@ -105,6 +105,9 @@ void WindowStatus::eventEnded() {
     if (activity_.runsOfEvent() > 0 || activity_.isRefused() || !activity_.failureOfEvent().empty()) {
         showOutcome(added);
     }
+    if (added && activity_.failureOfEvent().empty() && activity_.stopOfEvent().empty()) {
+        saved.emit(operation_);
+    }
     activity_.endEvent();
     operation_.clear();
     if (dialog_ != nullptr && dialog_->isVisible()) {
