@@ -8,7 +8,6 @@
 #include "frontends/cli/SilentPresenter.h"
 #include "platform/appkit/Interface.h"
 #include "platform/foundation/Host.h"
-#include "platform/foundation/NSBundle.h"
 #include "platform/host/EmbeddedHost.h"
 #include "platform/host/EmbeddedRoot.h"
 #include "platform/netinfo/Store.h"

@@ -17,12 +17,12 @@ if(BRINDLE_SANITIZE)
     target_link_options(brindle_options INTERFACE -fsanitize=${BRINDLE_SANITIZE})
 endif()
 
-# brindle_check_includes(FILES file... LINKS target... ROOMS room...): fails, with file and line, when a quoted include
-# of these files names a folder of src/ that is neither the files' own, nor that of a target in LINKS, nor in ROOMS.
+# brindle_check_includes(FILES file... LINKS target...): fails, with file and line, when a quoted include
+# of these files names a folder of src/ that is neither the files' own, nor that of a target in LINKS.
 function(brindle_check_includes)
-    cmake_parse_arguments(ARG "" "" "FILES;LINKS;ROOMS" ${ARGN})
+    cmake_parse_arguments(ARG "" "" "FILES;LINKS" ${ARGN})
     file(RELATIVE_PATH own ${CMAKE_SOURCE_DIR}/src ${CMAKE_CURRENT_SOURCE_DIR})
-    set(rooms ${own} ${ARG_ROOMS})
+    set(rooms ${own})
     foreach(link ${ARG_LINKS})
         if(TARGET ${link})
             get_target_property(room ${link} BRINDLE_ROOM)
@@ -54,16 +54,15 @@ function(brindle_line_of file header result)
     set(${result} ${line} PARENT_SCOPE)
 endfunction()
 
-# brindle_library(NAME LINKS target... PRIVATE_LINKS target... OPTIONAL_ROOMS room...): the library brindle_NAME of this
-# folder's sources. LINKS are what its headers need, PRIVATE_LINKS what only its sources do, OPTIONAL_ROOMS the rooms
-# that the sources include only where they are built.
+# brindle_library(NAME LINKS target... PRIVATE_LINKS target...): the library brindle_NAME of this
+# folder's sources. LINKS are what its headers need, PRIVATE_LINKS what only its sources do.
 function(brindle_library name)
-    cmake_parse_arguments(ARG "" "" "LINKS;PRIVATE_LINKS;OPTIONAL_ROOMS" ${ARGN})
+    cmake_parse_arguments(ARG "" "" "LINKS;PRIVATE_LINKS" ${ARGN})
     file(GLOB sources CONFIGURE_DEPENDS *.cpp *.h)
     add_library(brindle_${name} STATIC ${sources})
     file(RELATIVE_PATH room ${CMAKE_SOURCE_DIR}/src ${CMAKE_CURRENT_SOURCE_DIR})
     set_target_properties(brindle_${name} PROPERTIES BRINDLE_ROOM ${room})
-    brindle_check_includes(FILES ${sources} LINKS ${ARG_LINKS} ${ARG_PRIVATE_LINKS} ROOMS ${ARG_OPTIONAL_ROOMS})
+    brindle_check_includes(FILES ${sources} LINKS ${ARG_LINKS} ${ARG_PRIVATE_LINKS})
     target_link_libraries(brindle_${name} PUBLIC ${ARG_LINKS} PRIVATE brindle_options ${ARG_PRIVATE_LINKS})
 endfunction()
 

@@ -6,7 +6,6 @@
 #include "platform/samba/ComputerPasswords.h"
 
 #include <algorithm>
-#include <array>
 #include <utility>
 
 #include <grp.h>

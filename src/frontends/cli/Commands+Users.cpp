@@ -57,7 +57,9 @@ void list(CommandRun& run) {
         users.addNumber("gid", longLongValue(user.gid));
         users.addTruth("publicFolder", user.sharesPublicFolder);
     }
-    run.setResultText(users.finish());
+    if (printsJSON) {
+        run.setResultText(users.finish());
+    }
 }
 
 int requireRow(const CommandRun& run, const std::string& name) {

@@ -8,6 +8,7 @@
 #include <QWidget>
 
 #include <memory>
+#include <vector>
 
 /// The widget of a drawer, at the window's right edge: what it holds scrolls where the window is too low, and
 /// its foot stays in sight below. The window is widened for it as far as the screen has room. Where the page

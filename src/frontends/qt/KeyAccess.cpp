@@ -9,7 +9,6 @@
 
 #include <QAbstractButton>
 #include <QAction>
-#include <QApplication>
 #include <QEvent>
 #include <QFileDialog>
 #include <QLabel>

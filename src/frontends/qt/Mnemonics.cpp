@@ -145,15 +145,14 @@ QStringList titlesWithMnemonics(const std::vector<Titled>& texts, QSet<QChar>& t
 }
 
 QString plainTitle(const QString& title) {
-    static const QRegularExpression marks(QStringLiteral("\\(&[^&]\\)|&(.?)"));
-    QString plain;
-    qsizetype from = 0;
-    for (auto found = marks.globalMatch(title); found.hasNext();) {
-        const QRegularExpressionMatch match = found.next();
-        plain += title.mid(from, match.capturedStart() - from) + match.captured(1);
-        from = match.capturedEnd();
+    static const QRegularExpression behind(QStringLiteral("\\(&[^&]\\)"));
+    static const QRegularExpression marks(QStringLiteral("&(.?)"));
+    QString plain = title;
+    // A title of its own may end like that, where letters are marked in their places.
+    if (plain.remove(behind); !needsLetterBehind(plain)) {
+        plain = title;
     }
-    return plain + title.mid(from);
+    return plain.replace(marks, QStringLiteral("\\1"));
 }
 
 void setTitle(QAbstractButton& button, const std::string& text) {

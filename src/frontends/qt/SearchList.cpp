@@ -7,7 +7,6 @@
 #include <QLineEdit>
 #include <QListView>
 #include <QScreen>
-#include <QScrollBar>
 #include <QVBoxLayout>
 
 #include <algorithm>

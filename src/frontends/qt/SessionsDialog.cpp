@@ -9,7 +9,6 @@
 
 #include <QDateTime>
 #include <QDialogButtonBox>
-#include <QHeaderView>
 #include <QLabel>
 #include <QLocale>
 #include <QPushButton>

@@ -184,11 +184,11 @@ void TableView::reload() {
     remarks_.clear();
     loading_ = true;
     if (namesLeftOut_ && nameColumn_ != nullptr) {
-        std::set<std::string> names = namesLeftOut_();
+        const auto names = std::make_shared<const std::set<std::string>>(namesLeftOut_());
         const auto isLeftOut = [this, names](int row) {
-            return names.contains(table_.objectValue(*nameColumn_, row));
+            return names->contains(table_.objectValue(*nameColumn_, row));
         };
-        model_.setLeftOut(names.empty() ? std::function<bool(int)>() : isLeftOut);
+        model_.setLeftOut(names->empty() ? std::function<bool(int)>() : isLeftOut);
     }
     if (model_.reload()) {
         shownSelection_.clear(); // Qt has dropped it with the old rows

@@ -6,7 +6,6 @@
 #include "frontends/qt/ReadingOrder.h"
 #include "frontends/qt/TabView.h"
 #include "platform/appkit/NSButton.h"
-#include "platform/foundation/NSBundle.h"
 
 #include <QAction>
 #include <QMenu>
