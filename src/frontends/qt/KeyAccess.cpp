@@ -9,6 +9,7 @@
 
 #include <QAbstractButton>
 #include <QAction>
+#include <QCoreApplication>
 #include <QEvent>
 #include <QFileDialog>
 #include <QLabel>
