@@ -27,9 +27,3 @@ template <class Model>
                                   std::initializer_list<platform::InterfaceKind> kinds) {
     return std::ranges::find(kinds, node.kind) != kinds.end();
 }
-
-/// Does the node only lay out what it holds?
-[[nodiscard]] inline bool isLayout(const platform::InterfaceNode& node) {
-    using enum platform::InterfaceKind;
-    return isOneOf(node, {Column, Row, Grid});
-}

@@ -13,6 +13,7 @@
 #include "frontends/qt/TabView.h"
 #include "frontends/qt/TableView.h"
 #include "frontends/qt/TextView.h"
+#include "frontends/qt/WidgetKinds.h"
 #include "platform/appkit/NSButton.h"
 #include "platform/appkit/ShownWhen.h"
 
@@ -39,9 +40,8 @@ constexpr int indentStep = 20;
 
 /// Does the node take the room that is left beside it (`vertical`: below it)?
 bool takesRoom(const InterfaceNode& node, bool vertical) {
-    if (number(node, "stretch") > 0 || isOneOf(node, {Kind::TableView, Kind::TabView, Kind::TextView}) ||
-        (!vertical &&
-         isOneOf(node, {Kind::TextField, Kind::SecureField, Kind::Box, Kind::Separator, Kind::Spacer}))) {
+    const Room room = widgetKind(node).room;
+    if (number(node, "stretch") > 0 || room == Room::All || (!vertical && room == Room::Beside)) {
         return true;
     }
     return std::any_of(node.children.begin(), node.children.end(), [&node, vertical](const auto& child) {
@@ -51,21 +51,14 @@ bool takesRoom(const InterfaceNode& node, bool vertical) {
     });
 }
 
+/// Does the node only lay out what it holds?
+bool isLayout(const InterfaceNode& node) {
+    return isOneOf(node, {Kind::Column, Kind::Row, Kind::Grid});
+}
+
 /// Does the row stay in sight below what scrolls?
 bool isFoot(const InterfaceNode& node) {
     return isYes(node, "foot");
-}
-
-/// Does the control need a label beside it to stand at its top?
-bool isHigh(const InterfaceNode& node) {
-    if (node.kind == Kind::Matrix) {
-        return number(node, "rows") > 1;
-    }
-    if (node.kind == Kind::Row) {
-        return std::any_of(node.children.begin(), node.children.end(),
-                           [](const auto& child) { return isHigh(*child); });
-    }
-    return isOneOf(node, {Kind::Column, Kind::TextView, Kind::Grid, Kind::TableView});
 }
 
 } // namespace
@@ -105,54 +98,29 @@ QWidget* WidgetBuilder::makeDrawer(const InterfaceNode& node, int windowWidth) {
 }
 
 QWidget* WidgetBuilder::makeKind(const InterfaceNode& node) {
-    using enum Kind;
-    switch (node.kind) {
-    case Column:
-    case Row:
-    case Grid:
-        return makeLayoutWidget(node);
-    case Box:
-        return makeBox(node);
-    case Separator: {
-        auto* line = new QFrame;
-        line->setFrameStyle(static_cast<int>(QFrame::HLine) | static_cast<int>(QFrame::Sunken));
-        return line;
+    const auto makeWidget = widgetKind(node).make;
+    if (makeWidget == nullptr) {
+        throw std::logic_error("no widget of its own stands for this kind of element");
     }
-    case Label:
-        return makeLabel(node);
-    case TextField:
-    case SecureField:
-        return makeTextField(node);
-    case Button:
-    case CheckBox:
-        return makeButton(node, actions_, queue_);
-    case PopUp:
-        return new ::PopUp(*modelOf<NSPopUpButton>(node), isYes(node, "typeAhead"), queue_);
-    case Matrix:
-        return new ::Matrix(*modelOf<NSMatrix>(node), queue_);
-    case TableView:
-        return makeTable(node);
-    case TextView:
-        return makeTextView(node);
-    case TabView:
-        return makeTabView(node);
-    case Interface:
-    case MenuBar:
-    case Menu:
-    case MenuItem:
-    case MenuSeparator:
-    case Window:
-    case Sheet:
-    case Panel:
-    case Drawer:
-    case Spacer:
-    case PopUpItem:
-    case Cell:
-    case TableColumn:
-    case Tab:
-        break; // made by whoever lays out what is around them
-    }
-    throw std::logic_error("no widget of its own stands for this kind of element");
+    return (this->*makeWidget)(node);
+}
+
+QWidget* WidgetBuilder::makeSeparator(const InterfaceNode& /*node*/) {
+    auto* line = new QFrame;
+    line->setFrameStyle(static_cast<int>(QFrame::HLine) | static_cast<int>(QFrame::Sunken));
+    return line;
+}
+
+QWidget* WidgetBuilder::makeButton(const InterfaceNode& node) {
+    return ::makeButton(node, actions_, queue_);
+}
+
+QWidget* WidgetBuilder::makePopUp(const InterfaceNode& node) {
+    return new PopUp(*modelOf<NSPopUpButton>(node), isYes(node, "typeAhead"), queue_);
+}
+
+QWidget* WidgetBuilder::makeMatrix(const InterfaceNode& node) {
+    return new Matrix(*modelOf<NSMatrix>(node), queue_);
 }
 
 QWidget* WidgetBuilder::makeTable(const InterfaceNode& node) {
@@ -338,7 +306,7 @@ void WidgetBuilder::addTo(QBoxLayout& layout, const InterfaceNode& node) {
     }
     const bool isRow = layout.direction() == QBoxLayout::LeftToRight;
     // A control keeps its own width in a column: a button as wide as the window is hard to look at.
-    const bool keepsWidth = !isRow && !takesRoom(node, false) && node.kind != Kind::Label && !isLayout(node);
+    const bool keepsWidth = !isRow && !takesRoom(node, false) && widgetKind(node).room < Room::Offered;
     const bool isIndented = number(node, "indent") > 0;
     if (!isRow && isIndented) {
         auto* line = new QHBoxLayout;
@@ -366,8 +334,7 @@ void WidgetBuilder::fillGrid(QGridLayout& layout, const InterfaceNode& node) {
         if (isTitle) {
             const bool nextIsHigh = index + 1 < node.children.size() && isHigh(*node.children[index + 1]);
             alignment = Qt::AlignRight | (nextIsHigh ? Qt::AlignTop : Qt::AlignVCenter);
-        } else if (!takesRoom(child, false) && !isLayout(child) && child.kind != Kind::Label &&
-                   child.kind != Kind::PopUp) {
+        } else if (!takesRoom(child, false) && widgetKind(child).room < Room::OfferedInGrid) {
             alignment = Qt::AlignLeft | Qt::AlignVCenter;
         }
         if (child.kind != Kind::Spacer) {

@@ -31,6 +31,8 @@ class WidgetBuilder {
     [[nodiscard]] QWidget* makeDrawer(const platform::InterfaceNode& node, int windowWidth);
 
   private:
+    friend struct WidgetKinds; // which names what makes each kind
+
     [[nodiscard]] QWidget* makeKind(const platform::InterfaceNode& node);
     [[nodiscard]] QWidget* makeBox(const platform::InterfaceNode& node);
     [[nodiscard]] QWidget* makeLabel(const platform::InterfaceNode& node);
@@ -38,6 +40,10 @@ class WidgetBuilder {
     [[nodiscard]] QWidget* makeTabView(const platform::InterfaceNode& node);
     [[nodiscard]] QWidget* makeTextField(const platform::InterfaceNode& node);
     [[nodiscard]] QWidget* makeTextView(const platform::InterfaceNode& node);
+    [[nodiscard]] QWidget* makeSeparator(const platform::InterfaceNode& node);
+    [[nodiscard]] QWidget* makeButton(const platform::InterfaceNode& node);
+    [[nodiscard]] QWidget* makePopUp(const platform::InterfaceNode& node);
+    [[nodiscard]] QWidget* makeMatrix(const platform::InterfaceNode& node);
     [[nodiscard]] QWidget* makeLayoutWidget(const platform::InterfaceNode& node);
     void fillBox(QBoxLayout& layout, const platform::InterfaceNode& node);
     void fillGrid(QGridLayout& layout, const platform::InterfaceNode& node);

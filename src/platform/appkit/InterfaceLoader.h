@@ -46,6 +46,7 @@ class InterfaceLoader {
 
     // Connections.
     void nameElement(const InterfaceNode& node);
+    void noteReferences(const InterfaceNode& node, const ElementRule& rule);
     void wireAction(const InterfaceNode& node);
     void checkReferences();
     /// Every outlet must be there, so that the class may use them unchecked.
