@@ -14,6 +14,7 @@
 namespace {
 
 constexpr const char* keyProperty = "keyEquivalent";
+constexpr const char* keysProperty = "hasKeys";
 constexpr const char* modelProperty = "model";
 constexpr int imageSize = 24;
 
@@ -46,6 +47,7 @@ QAbstractButton* makeButton(const platform::InterfaceNode& node, WindowActions& 
     }
     widget->setProperty(keyProperty, shown(button.keyEquivalent()));
     widget->setProperty(modelProperty, QVariant::fromValue<const void*>(&button));
+    widget->setProperty(keysProperty, !node.attribute("role").empty());
     // While that notice is shown, the button would do harm.
     auto* notice = actions.find<NSTextField>(node.attribute("offWith"));
     // What edits a row needs one.
@@ -82,6 +84,10 @@ QAbstractButton* makeButton(const platform::InterfaceNode& node, WindowActions& 
 
 const NSButton* modelOfButton(const QAbstractButton& button) {
     return static_cast<const NSButton*>(button.property(modelProperty).value<const void*>());
+}
+
+bool hasKeys(const QWidget& button) {
+    return button.property(keysProperty).toBool();
 }
 
 QString keyEquivalentOf(const QAbstractButton& button) {

@@ -16,6 +16,9 @@
 /// The model of a button that makeButton made, or null.
 [[nodiscard]] const NSButton* modelOfButton(const QAbstractButton& button);
 
+/// Does the button what a key of the menu "Page", or of a row, does as well?
+[[nodiscard]] bool hasKeys(const QWidget& button);
+
 /// The key that presses a button of this window, or an empty string: "\r" or "\033".
 [[nodiscard]] QString keyEquivalentOf(const QAbstractButton& button);
 
