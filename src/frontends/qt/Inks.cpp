@@ -35,12 +35,13 @@ QColor mixed(const QColor& colour, const QColor& other, double share) {
                             part(colour.blueF(), other.blueF()));
 }
 
-/// The first colour on the way from one to the other that can be read on the ground; the other at its end.
-QColor readable(const QColor& from, const QColor& to, const QColor& ground) {
+/// The first colour on the way from one to the other that stands out so far from the ground; the other at its
+/// end.
+QColor readable(const QColor& from, const QColor& to, const QColor& ground, double wanted = wantedContrast) {
     constexpr int steps = 20;
     for (int step = 0; step < steps; ++step) {
         const QColor colour = mixed(to, from, static_cast<double>(step) / steps);
-        if (contrast(colour, ground) >= wantedContrast) {
+        if (contrast(colour, ground) >= wanted) {
             return colour;
         }
     }
@@ -179,6 +180,19 @@ void useInk(QWidget& widget, std::optional<Ink> ink) {
         keeper->setObjectName(name);
     }
     keeper->use(ink);
+}
+
+QColor placeholderOn(const QPalette& palette) {
+    const QColor ground = palette.color(QPalette::Base);
+    const QColor ink = palette.color(QPalette::PlaceholderText); // Qt's own lets the ground through
+    return contrast(mixed(ink, ground, ink.alphaF()), ground) < leastEdgeContrast
+               ? inkOn(Ink::Note, palette, QPalette::Base)
+               : ink;
+}
+
+QColor edgeOn(const QPalette& palette) {
+    const QColor ground = palette.color(QPalette::Window);
+    return readable(ground, palette.color(QPalette::WindowText), ground, leastEdgeContrast);
 }
 
 QColor loweredWindow(const QPalette& palette) {

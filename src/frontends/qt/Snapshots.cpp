@@ -71,18 +71,30 @@ QSize sizeFrom(const QString& text) {
     return parts.size() == 2 ? QSize(parts[0].toInt(), parts[1].toInt()) : QSize();
 }
 
+/// The colours of desktops, as far as Qt would derive others than those have.
+QPalette desktopColours(const QColor& window, const QColor& base, const QColor& highlight,
+                        const QColor& highlightedText) {
+    QPalette palette(window);
+    palette.setColor(QPalette::Base, base);
+    palette.setColor(QPalette::AlternateBase, window);
+    palette.setColor(QPalette::Highlight, highlight);
+    palette.setColor(QPalette::HighlightedText, highlightedText);
+    for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText}) {
+        palette.setColor(QPalette::Disabled, role, Qt::gray);
+    }
+    return palette;
+}
+
 /// For looking at the window as it is elsewhere: the environment may ask for the main window's size, and for
 /// other colours than the desktop's.
 Status followWishes(QtPresenter& presenter) {
     const QString colours = qEnvironmentVariable("BRINDLE_SNAPSHOT_COLORS");
     const QString text = qEnvironmentVariable("BRINDLE_SNAPSHOT_SIZE");
     if (colours == QLatin1String("dark")) {
-        QApplication::setPalette(QPalette(QColor(0x3a, 0x3a, 0x3a)));
+        QApplication::setPalette(
+            desktopColours(QColor(0x2a2e32), QColor(0x1b1e20), QColor(0x2f7fb5), Qt::white));
     } else if (colours == QLatin1String("contrast")) {
-        QPalette palette(Qt::black);
-        palette.setColor(QPalette::Highlight, Qt::yellow);
-        palette.setColor(QPalette::HighlightedText, Qt::black);
-        QApplication::setPalette(palette);
+        QApplication::setPalette(desktopColours(Qt::black, Qt::black, Qt::yellow, Qt::black));
     } else if (!colours.isEmpty()) {
         return Status::failure("there are no such colours", colours.toStdString(), "choose dark or contrast");
     }
