@@ -128,6 +128,8 @@ class TableView : public QTableView {
     void shareWidth();
     /// What the column's title needs.
     [[nodiscard]] int leastWidth(int section) const;
+    /// What that and the first rows in view need.
+    [[nodiscard]] int neededWidth(int section) const;
     void showColumnMenu(const QPoint& position);
     void reload();
     void loadSelection();
