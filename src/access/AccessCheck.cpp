@@ -139,8 +139,9 @@ bool AccessCheck::logOn(Visit& visit) {
     if (mapping.empty() && server_.isOfRoot) {
         mapping = "baduser";
     }
-    if (logOn == LogOn::NoAccount && (mapping == "baduser" || mapping == "badpassword")) {
-        // Whoever is not known comes in as the guest.
+    if (logOn == LogOn::NoAccount && (mapping == "baduser" || mapping == "badpassword") &&
+        visit.share->flag("guest ok", false)) {
+        // Whoever is not known comes in as the guest. Where guests may not, a password is what is missing.
         visit.isGuest = true;
         visit.answer.notes.push_back(stringWithFormat(
             NSLocalizedString(
