@@ -33,6 +33,9 @@ if(BRINDLE_HAS_QT)
     install(FILES resources/desktop/icons/brindle.svg DESTINATION ${icons}/scalable/apps)
     foreach(size 16 24 32 48 64 128 256)
         install(FILES resources/desktop/icons/${size}.png DESTINATION ${icons}/${size}x${size}/apps RENAME brindle.png)
+        # Beside the programs in the layout of an installation, too.
+        configure_file(resources/desktop/icons/${size}.png
+            ${CMAKE_BINARY_DIR}/share/icons/hicolor/${size}x${size}/apps/brindle.png COPYONLY)
     endforeach()
 endif()
 

@@ -11,6 +11,8 @@
 #include "platform/foundation/NSBundle.h"
 
 #include <QApplication>
+#include <QFileInfo>
+#include <QIcon>
 #include <QLibraryInfo>
 #include <QLoggingCategory>
 #include <QMessageBox>
@@ -26,6 +28,20 @@ namespace {
 bool isSet(const char* variable) {
     const char* value = std::getenv(variable);
     return value != nullptr && *value != '\0';
+}
+
+/// The icon of the menu entry, for desktops that do not find the entry of a window; none where it is not
+/// installed.
+QIcon windowIcon() {
+    QIcon icon;
+    for (const int size : {16, 32, 48}) {
+        const QString file = QString::fromStdString(NSBundle::mainBundle().resourcePath()) +
+                             QStringLiteral("/../icons/hicolor/%1x%1/apps/brindle.png").arg(size);
+        if (QFileInfo::exists(file)) {
+            icon.addFile(file);
+        }
+    }
+    return icon;
 }
 
 } // namespace
@@ -50,6 +66,7 @@ struct QtFrontend::Implementation {
         usePlainStyle();
         QApplication::setApplicationName("Brindle");
         QApplication::setDesktopFileName("brindle");
+        QApplication::setWindowIcon(windowIcon());
         QApplication::setQuitOnLastWindowClosed(false); // the application's delegate decides
     }
 
