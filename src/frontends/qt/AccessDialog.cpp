@@ -22,7 +22,7 @@ namespace {
 using accesscheck::Answer;
 using accesscheck::Permissions;
 
-constexpr int dialogWidth = 820;
+constexpr int dialogWidth = 960;
 constexpr int dialogHeight = 520;
 constexpr int reasonColumn = 7;
 constexpr int reasonLines = 4;

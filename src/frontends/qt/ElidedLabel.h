@@ -10,15 +10,21 @@
 class ElidedLabel : public QLabel {
   public:
     /// `isNews`: a screen reader says a new text at once, wherever its reader is.
-    explicit ElidedLabel(bool isNews = false) : isNews_(isNews) {
-        setTextFormat(Qt::PlainText);
-        setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+    explicit ElidedLabel(bool isNews = false) : isNews_(isNews) { setTextFormat(Qt::PlainText); }
+
+    /// All of the text, where there is room.
+    [[nodiscard]] QSize sizeHint() const override {
+        const QSize elided = QLabel::sizeHint();
+        return {fontMetrics().horizontalAdvance(whole_) + 2 * margin(), elided.height()};
     }
+
+    [[nodiscard]] QSize minimumSizeHint() const override { return {0, QLabel::minimumSizeHint().height()}; }
 
     void setWhole(const QString& text) {
         whole_ = text;
         setToolTip(asItIs(text));
         setAccessibleName(text);
+        updateGeometry();
         elide();
         if (isNews_) {
             // Where alerts are not passed on, one that comes into sight is what is read out.

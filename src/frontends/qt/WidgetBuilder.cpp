@@ -17,6 +17,7 @@
 #include "platform/appkit/NSButton.h"
 #include "platform/appkit/ShownWhen.h"
 
+#include <QCheckBox>
 #include <QFrame>
 #include <QGridLayout>
 #include <QGroupBox>
@@ -59,6 +60,11 @@ bool isLayout(const InterfaceNode& node) {
 /// Does the row stay in sight below what scrolls?
 bool isFoot(const InterfaceNode& node) {
     return isYes(node, "foot");
+}
+
+/// Does the node only keep a cell of a grid?
+bool isNothing(const InterfaceNode& node) {
+    return node.kind == Kind::Label && node.attributes.empty();
 }
 
 } // namespace
@@ -166,9 +172,14 @@ QWidget* WidgetBuilder::makeLabel(const InterfaceNode& node) {
         font.setPointSizeF(font.pointSizeF() * 0.9);
         useInk(*label, Ink::Note);
         label->setWordWrap(true);
+        QSizePolicy besideControls(QSizePolicy::Ignored, QSizePolicy::Preferred); // which decide the width
+        besideControls.setHeightForWidth(true);
+        label->setSizePolicy(besideControls);
     } else if (style == "warning") {
         useInk(*label, Ink::Warning);
         label->setWordWrap(true);
+    } else {
+        label->setContentsMargins(0, 1, 0, 1); // some fonts draw the dots of a capital above their own height
     }
     label->setFont(font);
     if (auto* field = modelOf<NSTextField>(node)) {
@@ -330,15 +341,20 @@ void WidgetBuilder::fillGrid(QGridLayout& layout, const InterfaceNode& node) {
         const int column = cell % columns;
         const bool isTitle =
             child.kind == Kind::Label && child.attribute("style").empty() && child.element == nullptr;
+        const bool besideHigh =
+            isTitle && index + 1 < node.children.size() && isHigh(*node.children[index + 1]);
         Qt::Alignment alignment;
         if (isTitle) {
-            const bool nextIsHigh = index + 1 < node.children.size() && isHigh(*node.children[index + 1]);
-            alignment = Qt::AlignRight | (nextIsHigh ? Qt::AlignTop : Qt::AlignVCenter);
+            alignment = Qt::AlignRight | (besideHigh ? Qt::AlignTop : Qt::AlignVCenter);
         } else if (!takesRoom(child, false) && widgetKind(child).room < Room::OfferedInGrid) {
             alignment = Qt::AlignLeft | Qt::AlignVCenter;
         }
-        if (child.kind != Kind::Spacer) {
+        if (child.kind != Kind::Spacer && !isNothing(child)) {
             QWidget* widget = make(child);
+            if (besideHigh) { // its line is the first one's
+                const int line = QCheckBox(QStringLiteral("X")).sizeHint().height();
+                widget->setContentsMargins(0, (line - widget->fontMetrics().height()) / 2, 0, 0);
+            }
             layout.addWidget(widget, 2 * (cell / columns), column, alignment);
             if (QLabel* note = makeProblemNote(*widget)) { // in the row below, which takes no room until then
                 layout.addWidget(note, 2 * (cell / columns) + 1, column);
@@ -350,7 +366,7 @@ void WidgetBuilder::fillGrid(QGridLayout& layout, const InterfaceNode& node) {
     }
     const bool anyWide = std::find(wide.begin(), wide.end(), true) != wide.end();
     for (int column = 0; column < columns; ++column) {
-        layout.setColumnStretch(
-            column, wide[static_cast<std::size_t>(column)] || (!anyWide && column == columns - 1) ? 1 : 0);
+        layout.setColumnStretch(column, wide[static_cast<std::size_t>(column)] ? 1 : 0);
     }
+    layout.setColumnStretch(columns, anyWide ? 0 : 1);
 }

@@ -37,7 +37,7 @@ struct WidgetKinds {
         {Kind::TabView, &WidgetBuilder::makeTabView, Room::All},
         {Kind::TextField, &WidgetBuilder::makeTextField, Room::Beside},
         {Kind::SecureField, &WidgetBuilder::makeTextField, Room::Beside},
-        {Kind::Button, &WidgetBuilder::makeButton},
+        {Kind::Button, &WidgetBuilder::makeButton, Room::OfferedInGrid},
         {Kind::CheckBox, &WidgetBuilder::makeButton},
         {Kind::PopUp, &WidgetBuilder::makePopUp, Room::OfferedInGrid},
         {Kind::Matrix, &WidgetBuilder::makeMatrix, Room::Own, withSeveralRows},

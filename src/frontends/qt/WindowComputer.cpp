@@ -14,7 +14,6 @@
 namespace {
 
 constexpr int milliseconds = 3000; // a server starts and ends by itself
-constexpr int stateStretch = 2;
 constexpr int afpPage = 3;
 constexpr const char* userTable = "userTableView";
 constexpr const char* sharedColumn = "Public Shared";
@@ -34,7 +33,7 @@ WindowComputer::WindowComputer(const platform::Computer& computer, NSTabView& ta
     connect(start_, &QPushButton::clicked, this, [this] { control(Change::Start); });
     connect(atBoot_, &QPushButton::clicked, this, [this] { control(Change::StartAtBoot); });
     QStatusBar* bar = window.statusBar();
-    bar->addPermanentWidget(state_, stateStretch); // what was done stands at its left
+    bar->addPermanentWidget(state_); // what was done stands at its left
     bar->addPermanentWidget(start_);
     bar->addPermanentWidget(atBoot_);
     new Binding(state_, queue, tabs.changed, [this] { showState(); });

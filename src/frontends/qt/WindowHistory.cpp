@@ -136,6 +136,7 @@ class HistoryDialog : public QDialog {
         list_->resizeColumnToContents(0);
         list_->resizeColumnToContents(2);
         list_->resizeColumnToContents(3);
+        list_->setCurrentItem(list_->topLevelItem(0));
         showCurrent();
     }
 
