@@ -26,14 +26,15 @@ constexpr const char* smbConfBeforeExample = R"(# The SMB server's settings of t
 #
 # A line that begins with "#" or ";" is a comment.  Settings stand as "name = value" below the name of their
 # section.  Brindle writes this file anew when a share or the SMB settings are changed, and keeps the comments.
+#
+# "map to guest": a user whom the server does not know is a guest, and gets in where guests may.
+# "dos charset": old clients name files in this code page.
 
 [global]
   workgroup = WORKGROUP
   server string = Brindle
   security = USER
-  # A user whom the server does not know is a guest, and gets in where guests may.
   map to guest = Bad User
-  # Old clients name files in this code page.
   dos charset = CP437
   unix charset = UTF-8
   load printers = no
