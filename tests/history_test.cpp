@@ -1,4 +1,5 @@
 #include "platform/foundation/Host.h"
+#include "platform/foundation/SystemPaths.h"
 #include "review/DirectoryView.h"
 #include "review/History.h"
 #include "support/DrawnState.h"
@@ -128,6 +129,18 @@ TEST_P(HistoryTest, BringsBackAllThatAnActionHasChanged) {
         ASSERT_EQ(undo(), "") << "an undo is an entry, too";
         EXPECT_EQ(state(), after);
         ASSERT_FALSE(HasFailure());
+    }
+}
+
+TEST(HistoryTitle, IsTheFoldersWhereSmbConfOnlyLooksDifferent) {
+    const TestHost host;
+    review::HistoryEntry entry;
+    entry.folders = {{"/srv/team", {}, {}}};
+    for (const auto& [after, title] :
+         {std::pair("[global]\n\n  workgroup = HOME\n", "Owner or privileges of \"/srv/team\" changed"),
+          {"[global]\nworkgroup = OFFICE\n", "SMB settings changed"}}) {
+        entry.files = {{platform::systempath::smbConf, "[global]\nworkgroup = HOME\n", after}};
+        EXPECT_EQ(titleOf(entry), title);
     }
 }
 

@@ -89,9 +89,13 @@ std::map<std::string, std::string> sectionsOf(const std::optional<std::string>& 
     return sections;
 }
 
-std::string smbConfTitle(const FileChange& file) {
+/// None where the file says what it said before: its lines stand elsewhere.
+std::optional<std::string> smbConfTitle(const FileChange& file) {
     const auto before = sectionsOf(file.before);
     const auto after = sectionsOf(file.after);
+    if (before == after) {
+        return std::nullopt;
+    }
     Happening shares;
     const auto isShare = [](const std::string& name) { return name != "global" && name != "homes"; };
     for (const auto& [name, lines] : after) {
@@ -121,10 +125,12 @@ std::string changeTitle(const HistoryEntry& entry) {
             return happening.title(texts);
         }
     }
-    if (!entry.files.empty()) {
-        return entry.files.front().path == platform::systempath::smbConf
-                   ? smbConfTitle(entry.files.front())
-                   : NSLocalizedString("AFP settings changed");
+    const bool isOfSMB = !entry.files.empty() && entry.files.front().path == platform::systempath::smbConf;
+    if (const auto title = isOfSMB ? smbConfTitle(entry.files.front()) : std::nullopt) {
+        return *title;
+    }
+    if (!entry.files.empty() && !isOfSMB) {
+        return NSLocalizedString("AFP settings changed");
     }
     if (!entry.folders.empty()) {
         return stringWithFormat(NSLocalizedString("Owner or privileges of %@ changed"),
@@ -137,7 +143,7 @@ std::string changeTitle(const HistoryEntry& entry) {
                                     quoted(path.substr(path.rfind('/') + 1)));
         }
     }
-    return NSLocalizedString("Nothing changed");
+    return NSLocalizedString(isOfSMB ? "SMB settings changed" : "Nothing changed");
 }
 
 } // namespace
