@@ -5,6 +5,9 @@
 #include "platform/foundation/SystemPaths.h"
 
 #include <algorithm>
+#include <array>
+#include <string_view>
+#include <utility>
 
 namespace review {
 
@@ -23,9 +26,44 @@ std::string valuesOf(const PlannedRun& run, std::size_t first) {
     return text;
 }
 
+/// What is said of the records of one folder of the directory.
+struct RecordTexts {
+    std::string_view folder;
+    const char* written;
+    const char* deleted;
+};
+
+constexpr std::array<RecordTexts, 3> recordTexts = {{
+    {"/config/Brindle/", "Write the share \"%@\" into the directory.",
+     "Take the share \"%@\" out of the directory."},
+    {"/users/", "Write the user \"%@\" into the directory.", "Take the user \"%@\" out of the directory."},
+    {"/groups/", "Write the group \"%@\" into the directory.", "Take the group \"%@\" out of the directory."},
+}};
+
+/// What becomes of a share, a user or a group as a whole: its parts are the details.
+std::string recordSentence(const RecordTexts& texts, const PlannedRun& run) {
+    const std::string& operation = run.arguments[1];
+    const std::string name = run.arguments[2].substr(texts.folder.size());
+    const bool isOfMembers =
+        texts.folder == "/groups/" && run.arguments.size() > 4 && run.arguments[3] == "users";
+    if (isOfMembers && operation == "-append") {
+        return sentence("Add %@ to the group \"%@\".", valuesOf(run, 4), name);
+    }
+    if (isOfMembers && operation == "-delete") {
+        return sentence("Take %@ out of the group \"%@\".", valuesOf(run, 4), name);
+    }
+    const bool goes = operation == "-delete" && run.arguments.size() == 3;
+    return sentence(goes ? texts.deleted : texts.written, name);
+}
+
 std::string directorySentence(const PlannedRun& run) {
     const std::string& operation = run.arguments[1];
     const std::string& record = run.arguments[2];
+    const auto known = std::ranges::find_if(
+        recordTexts, [&record](const RecordTexts& each) { return record.starts_with(each.folder); });
+    if (known != recordTexts.end()) {
+        return recordSentence(*known, run);
+    }
     const bool isRecord = run.arguments.size() == 3;
     if (operation == "-delete") {
         return isRecord ? sentence("Delete the record %@.", record)
@@ -54,7 +92,7 @@ std::string sentenceOf(const PlannedRun& run) {
         return sentence("Give the folder %@ to %@.", run.arguments[1], run.arguments[0]);
     }
     if (run.tool == platform::systempath::chmod && count > 1) {
-        return sentence("Give the folder %@ the mode %@.", run.arguments[1], run.arguments[0]);
+        return sentence("Set the privileges of the folder %@ (mode %@).", run.arguments[1], run.arguments[0]);
     }
     return sentence("Make the file server read its settings again.");
 }
@@ -69,7 +107,10 @@ std::vector<std::string> sentencesOf(const Plan& plan) {
                                            : sentence("Tell \"%@\".", ask.title));
     }
     for (const PlannedRun& run : plan.runs) {
-        sentences.push_back(sentenceOf(run));
+        std::string said = sentenceOf(run);
+        if (sentences.empty() || sentences.back() != said) { // a share is written property by property
+            sentences.push_back(std::move(said));
+        }
     }
     return sentences;
 }

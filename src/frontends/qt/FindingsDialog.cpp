@@ -24,6 +24,18 @@ using accesscheck::Finding;
 constexpr int dialogWidth = 760;
 constexpr int dialogHeight = 460;
 
+/// Where something is wrong, by the names in the window's lists.
+std::string placeOf(const Finding& finding) {
+    using Text = std::pair<std::string_view, const char*>;
+    for (const auto& [folder, text] : {Text("/config/Brindle/", "Share \"%@\""),
+                                       Text("/users/", "User \"%@\""), Text("/groups/", "Group \"%@\"")}) {
+        if (finding.where.starts_with(folder)) {
+            return stringWithFormat(NSLocalizedString(text), finding.where.substr(folder.size()));
+        }
+    }
+    return finding.where;
+}
+
 } // namespace
 
 FindingsDialog::FindingsDialog(std::function<accesscheck::Examination()> examine, QWidget* parent)
@@ -54,13 +66,13 @@ void FindingsDialog::fill() {
     std::ranges::stable_sort(found_.findings, {}, &Finding::level);
     const auto problems = std::ranges::count(found_.findings, Finding::Level::Problem, &Finding::level);
     for (const Finding& each : found_.findings) {
-        auto* item = new QTreeWidgetItem(list_, {shown(each.text), shown(each.where)});
+        auto* item = new QTreeWidgetItem(list_, {shown(each.text), shown(placeOf(each))});
         item->setIcon(0, markIcon(each.level == Finding::Level::Problem ? Mark::Warning : Mark::Information));
         if (each.level == Finding::Level::Problem) { // what the icon says, in words
             item->setData(0, Qt::AccessibleTextRole, localized("Warning") + ": " + shown(each.text));
         }
         item->setToolTip(0, asItIs(shown(each.text)));
-        item->setToolTip(1, asItIs(shown(each.where)));
+        item->setToolTip(1, asItIs(shown(placeOf(each))));
     }
     summary_->setText(problems == 0   ? localized("No problem was found.")
                       : problems == 1 ? localized("One problem was found.")
@@ -78,7 +90,7 @@ void FindingsDialog::showFinding() {
     QString text;
     if (row >= 0) {
         const Finding& finding = found_.findings[static_cast<std::size_t>(row)];
-        text = shown(finding.text + "\n" + finding.where);
+        text = shown(finding.text + "\n" + placeOf(finding));
         if (!finding.remedy.empty()) {
             text += shown("\n\n" + NSLocalizedString("What mends it:") + "\n" + finding.remedy);
         }
