@@ -2,6 +2,8 @@
 
 #include "frontends/qt/Binding.h"
 #include "frontends/qt/Inks.h"
+#include "frontends/qt/LineEdit.h"
+#include "frontends/qt/ScreenRoom.h"
 #include "platform/foundation/NSBundle.h"
 
 #include <QAbstractButton>
@@ -15,11 +17,14 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
+#include <algorithm>
 #include <utility>
 
 namespace {
 
 constexpr int dialogWidth = 340;
+constexpr int fileDialogWidth = 800;
+constexpr int fileDialogHeight = 480;
 
 bool changesNothing(const std::string& button) {
     return button == NSLocalizedString("Cancel") || button == NSLocalizedString("No");
@@ -30,6 +35,14 @@ QLabel* wrapped(const QString& text) {
     label->setTextFormat(Qt::PlainText);
     label->setWordWrap(true);
     return label;
+}
+
+/// What stands in the field in sight that names a folder: where another one is looked for first.
+QString folderNamedIn(const QWidget* window) {
+    const auto fields = window == nullptr ? QList<LineEdit*>() : window->findChildren<LineEdit*>();
+    const auto found = std::ranges::find_if(
+        fields, [](const LineEdit* each) { return each->isVisible() && each->namesFolder(); });
+    return found == fields.end() ? QString() : (*found)->text();
 }
 
 /// The field's text, which it no longer holds. Copies made on the way are overwritten.
@@ -49,7 +62,8 @@ bool isInformation(const platform::Alert& alert) {
     return alert.title == NSLocalizedString("Donation") ||
            alert.title == NSLocalizedString("Your Software is up-to-date") ||
            alert.title == NSLocalizedString("A New Version is Available") ||
-           alert.title == NSLocalizedString("Shares Updated for Jaguar");
+           alert.title == NSLocalizedString("Shares Updated for Jaguar") ||
+           alert.title == NSLocalizedString("What Would This Do?");
 }
 
 platform::AlertAnswer harmlessAnswer(const platform::Alert& alert) {
@@ -114,9 +128,12 @@ std::optional<std::string> askPath(const platform::OpenPanelRequest& request, QW
     dialog.setFileMode(foldersOnly ? QFileDialog::Directory : QFileDialog::ExistingFile);
     dialog.setOption(QFileDialog::ShowDirsOnly, foldersOnly);
     dialog.setLabelText(QFileDialog::Accept, shown(NSLocalizedString("Choose")));
-    if (const QString folder = shown(request.directory); !folder.isEmpty() && QFileInfo(folder).isDir()) {
+    const QString asked = shown(request.directory);
+    if (const QString folder = asked.isEmpty() && foldersOnly ? folderNamedIn(parent) : asked;
+        !folder.isEmpty() && QFileInfo(folder).isDir()) {
         dialog.setDirectory(folder);
     }
+    dialog.resize(fittedToScreen(dialog, QSize(fileDialogWidth, fileDialogHeight)));
     if (!request.file.empty()) {
         dialog.selectFile(shown(request.file));
     }

@@ -15,7 +15,7 @@ class ElidedLabel : public QLabel {
     /// All of the text, where there is room.
     [[nodiscard]] QSize sizeHint() const override {
         const QSize elided = QLabel::sizeHint();
-        return {fontMetrics().horizontalAdvance(whole_) + 2 * margin(), elided.height()};
+        return {fontMetrics().horizontalAdvance(whole_) + 1, elided.height()}; // which has been rounded
     }
 
     [[nodiscard]] QSize minimumSizeHint() const override { return {0, QLabel::minimumSizeHint().height()}; }

@@ -28,6 +28,10 @@ class LineEdit : public QLineEdit {
     /// The text that is shown as "no limit" while nobody edits it.
     void setUnlimited(const std::string& value);
 
+    void setNamesFolder(bool isPath) { namesFolder_ = isPath; }
+
+    [[nodiscard]] bool namesFolder() const { return namesFolder_; }
+
   Q_SIGNALS:
     /// What is wrong with the text, or to be said of it; empty: nothing any more.
     void problemChanged(const QString& why);
@@ -66,6 +70,7 @@ class LineEdit : public QLineEdit {
     QString accepted_; ///< the text that the field has agreed to, as it is shown
     QString problem_;
     QString hint_;
+    bool namesFolder_ = false;
     std::string unlimited_;    ///< empty: there is no such text
     bool isEdited_ = false;    ///< by the user, since the field was left
     bool isDraggedOn_ = false; ///< something is held over it

@@ -82,6 +82,8 @@ void TableView::keyPressEvent(QKeyEvent* event) {
         Q_EMIT editAsked();
     } else if (event->key() == Qt::Key_Delete && selectionModel()->hasSelection()) {
         Q_EMIT deletionAsked();
+    } else if (event->key() == Qt::Key_Down && !selectionModel()->hasSelection()) {
+        goOnInRows(); // Qt has its cursor on the first row before anybody has, and would pass it over
     } else {
         QTableView::keyPressEvent(event);
     }

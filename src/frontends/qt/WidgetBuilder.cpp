@@ -225,6 +225,7 @@ QWidget* WidgetBuilder::makeLabel(const InterfaceNode& node) {
 QWidget* WidgetBuilder::makeTextField(const InterfaceNode& node) {
     auto* edit = new LineEdit(*modelOf<NSTextField>(node), queue_);
     edit->setPlaceholderText(shown(node.attribute("placeholder")));
+    edit->setNamesFolder(isYes(node, "folder"));
     if (const int width = number(node, "maxWidth"); width > 0) {
         edit->setMaximumWidth(width);
     }

@@ -36,6 +36,8 @@ WindowStatus::WindowStatus(Activity& activity, QMainWindow& window, WindowAction
     : QObject(&window), activity_(activity), window_(window), actions_(actions) {
     text_ = new ElidedLabel(true);
     text_->setObjectName("statusText");
+    constexpr int inset = 14; // with the bar's own, as far from the edge as the page
+    window.statusBar()->setContentsMargins(inset, 0, 0, 0);
     window.statusBar()->addWidget(text_, 1);
     copy_ = addButton("statusCopy", "Copy Address");
     open_ = addButton("statusOpen", "Open");
