@@ -69,7 +69,7 @@ TEST_F(WindowHistoryTest, TheMenuNamesWhatItUndoesAndBringsADeletedShareBack) {
     EXPECT_EQ(columnOf("normalTableView", "ShareName"), std::vector<std::string>{});
     clickInChanges(openChanges());
     EXPECT_EQ(asked, (QStringList{"Undo", "Undo"}));
-    EXPECT_TRUE(said.front().contains("/config/Brindle/Docs")) << said.front().toStdString();
+    EXPECT_TRUE(said.front().contains("Write the share &quot;Docs&quot;")) << said.front().toStdString();
     EXPECT_TRUE(said.front().contains("will be gone: AFP.")) << said.front().toStdString();
     EXPECT_EQ(columnOf("normalTableView", "ShareName"), std::vector<std::string>{"Docs"});
     EXPECT_EQ(host.read("etc/smb.conf"), conf);

@@ -159,7 +159,7 @@ TEST_P(WindowInALanguage, HasRoomForItsTexts) {
             if (pages != nullptr) {
                 control<NSPopUpButton>(pages).performSelect(part);
             }
-            QTest::qWait(20); // the letters of a page that is made just now change its labels once more
+            QTest::qWait(100); // the letters of a page that is made just now change its labels once more
             expectRoomForTexts(window);
             expectRoomForItems(window);
         }

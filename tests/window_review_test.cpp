@@ -50,7 +50,7 @@ TEST_F(WindowReviewTest, AnActionWithAWarningIsAskedAboutAndOnlyGoOnPerformsIt) 
     click("createNewShare");
     EXPECT_EQ(asked, QStringList{"Review"});
     EXPECT_TRUE(lastText.contains("a line that says nothing")) << lastText.toStdString();
-    EXPECT_TRUE(lastText.contains("/config/Brindle/Films")) << lastText.toStdString();
+    EXPECT_TRUE(lastText.count("Write the share &quot;Films&quot;") == 1) << lastText.toStdString();
     EXPECT_TRUE(host.runs.empty());
     EXPECT_FALSE(isOnDisk("[Films]"));
     answer({"Go On"});
@@ -227,7 +227,8 @@ TEST_F(WindowReviewTest, TheMigrationShowsWhichRecordsItWouldRewriteBeforeItIsAg
     answer({"No"});
     NSApp().finishLaunching();
     EXPECT_EQ(asked, QStringList{"Shares Are Not Updated for Jaguar"});
-    EXPECT_TRUE(lastText.contains("Delete the record /config/Brindle/Old.")) << lastText.toStdString();
+    EXPECT_TRUE(lastText.contains("Take the share &quot;Old&quot; out of the directory."))
+        << lastText.toStdString();
     EXPECT_TRUE(lastText.contains("update them now?")) << lastText.toStdString();
     EXPECT_TRUE(host.runs.empty());
     answer({"Yes", "OK"});
