@@ -26,7 +26,7 @@ Options parseOptions(std::vector<std::string> arguments) {
                                            "Carry the script out on copies: every line as it would come, and "
                                            "nothing changes");
     dryRun->needs(&script);
-    // The server lasts as long as the window or a script, and this computer has one of its own.
+    // The server lasts as long as the window or a script. With --system there is the computer's own server.
     CLI::Option* serve =
         parser->add_flag("--serve", options.serve,
                          "Start a file server of the embedded root's own for as long as Brindle runs");

@@ -35,7 +35,7 @@ JSON timeText(std::int64_t time) {
     return text.data();
 }
 
-/// In an event of its own: it may ask for the administrator's right.
+/// Runs in its own event because it may ask for the administrator's permission.
 std::vector<Session> sessionsOf(CommandRun& run) {
     std::vector<Session> sessions;
     platform::Status status;
@@ -114,7 +114,7 @@ void addSessionCommands(CLI::App& parser, CommandOptions& options) {
     command->add_option("--computer", given->computer, "All of the computer with this address")
         ->type_name("ADDRESS");
     sessions->parse_complete_callback([&options] { options.needsApplication = false; });
-    // It is called after the subcommand's.
+    // This runs after the subcommand's callback.
     sessions->final_callback([&options, sessions] {
         if (sessions->get_subcommands().empty()) {
             options.name = sessions->get_name();
