@@ -62,7 +62,8 @@ void addPublicCommands(CLI::App& parser, CommandOptions& options) {
     for (const bool on : {true, false}) {
         CLI::App* const command = addCommand(
             *folders, options, on ? "on" : "off", CommandKind::Writing,
-            on ? "Share users' Public folders" : "Stop sharing them", [given, on](CommandRun& run) {
+            on ? "Share users' Public folders" : "Stop sharing users' Public folders",
+            [given, on](CommandRun& run) {
                 if (given->everybody != given->users.empty()) {
                     CommandRun::fail(NSLocalizedString("say either users or --all"), CommandStatus::WrongUse);
                 }

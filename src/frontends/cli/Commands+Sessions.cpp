@@ -110,8 +110,9 @@ void addSessionCommands(CLI::App& parser, CommandOptions& options) {
     CLI::App* const command =
         addCommand(*sessions, options, "disconnect", CommandKind::Writing, "End connections",
                    [given](CommandRun& run) { disconnect(run, *given); });
-    command->add_option("--share", given->share, "All to this share")->type_name("NAME");
-    command->add_option("--computer", given->computer, "All of the computer with this address")
+    command->add_option("--share", given->share, "End all connections to this share")->type_name("NAME");
+    command
+        ->add_option("--computer", given->computer, "End all connections of the computer with this address")
         ->type_name("ADDRESS");
     sessions->parse_complete_callback([&options] { options.needsApplication = false; });
     // This runs after the subcommand's callback.

@@ -212,7 +212,7 @@ void addPage(CLI::App& parser, CommandOptions& options, const Page& page, const 
     const auto words = std::make_shared<std::vector<std::string>>();
     addCommand(*settings, options, "set", CommandKind::Writing, "Change settings",
                [&page, words](CommandRun& run) { set(run, page, *words); })
-        ->add_option("KEY VALUE", *words, "Settings, as show names them, each with its value")
+        ->add_option("KEY VALUE", *words, "Settings by the names that show prints, each with its value")
         ->required();
 }
 

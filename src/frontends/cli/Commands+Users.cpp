@@ -204,7 +204,7 @@ void addUserCommands(CLI::App& parser, CommandOptions& options) {
                  [](CommandRun& run, const UserOptions& user) { add(run, user); });
     addFields(adding);
     given->password.addTo(*adding);
-    adding->add_flag("--no-password", given->hasNoPassword, "The user gets none now, and cannot connect yet");
+    adding->add_flag("--no-password", given->hasNoPassword, "Set no password; the user cannot connect yet");
     addFields(addNamed("set", CommandKind::Writing, "Change a user", set));
     addNamed("remove", CommandKind::Writing, "Delete a user", remove);
     given->password.addTo(*addNamed("password", CommandKind::Writing, "Set a user's password", setPassword));
