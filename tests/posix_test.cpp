@@ -1,5 +1,6 @@
 #include "platform/posix/InputOutput.h"
 #include "platform/posix/Process.h"
+#include "platform/posix/Secret.h"
 #include "platform/posix/UTF8.h"
 #include "platform/posix/WholeFile.h"
 #include "support/TestHost.h"
@@ -14,8 +15,10 @@
 #include <thread>
 
 #include <sys/file.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/time.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 namespace fs = std::filesystem;
@@ -142,6 +145,36 @@ TEST(Process, ATimeLimitKillsTheChild) {
         EXPECT_NE(::kill(std::stoi(textOf(id)), 0), 0) << "it still runs";
     }
     EXPECT_TRUE(runProcess(shell("sleep 0.01"), {}, 60s).isOk());
+}
+
+TEST(Secrets, AreInNoCoreOfWhatAProgramStartsHoweverItMightBeWritten) {
+    const TestHost host;
+    // Whether a program that crashes there leaves a core, with the largest limit that there may be.
+    const auto leavesCore = [&](bool isForbidden) {
+        const pid_t child = ::fork();
+        if (child == 0) {
+            rlimit limit{};
+            ::getrlimit(RLIMIT_CORE, &limit);
+            limit.rlim_cur = limit.rlim_max;
+            ::setrlimit(RLIMIT_CORE, &limit);
+            if (isForbidden) {
+                platform::leaveNoCore();
+            }
+            const std::string script = "cd '" + host.root().string() +
+                                       "' && cat /proc/self/coredump_filter >filter && kill -ABRT $$";
+            ::execl("/bin/sh", "sh", "-c", script.c_str(), nullptr);
+            ::_exit(1);
+        }
+        int status = 0;
+        EXPECT_EQ(::waitpid(child, &status, 0), child);
+        EXPECT_TRUE(WIFSIGNALED(status));
+        return WIFSIGNALED(status) && WCOREDUMP(status);
+    };
+    if (!leavesCore(false)) {
+        GTEST_SKIP() << "this computer leaves no cores";
+    }
+    EXPECT_FALSE(leavesCore(true));
+    EXPECT_EQ(textOf(host.root() / "filter"), "00000000\n") << "nor any memory in one";
 }
 
 TEST(WholeFile, LinksOwnersAndModesAreTreatedAsTold) {

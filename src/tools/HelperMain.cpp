@@ -20,7 +20,6 @@
 #include <fcntl.h>
 #include <poll.h>
 #include <sys/prctl.h>
-#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -37,13 +36,6 @@ void closeInheritedDescriptors() {
         }
     }
     ::closefrom(STDERR_FILENO + 1);
-}
-
-/// A core would hold passwords: neither this process nor a program that it starts leaves one.
-void leaveNoCore() {
-    ::prctl(PR_SET_DUMPABLE, 0);
-    const rlimit none{0, 0};
-    ::setrlimit(RLIMIT_CORE, &none);
 }
 
 /// Where nobody listens, there is nobody to tell.
@@ -186,7 +178,8 @@ int serveSession(const HelperPlace& place) {
 
 int helperMain(int argc, char** argv) {
     closeInheritedDescriptors();
-    leaveNoCore();
+    platform::leaveNoCore();
+    ::prctl(PR_SET_DUMPABLE, 0); // nor does the user whom it serves as root look into its memory
     ::umask(S_IWGRP | S_IWOTH);
     std::signal(SIGPIPE, SIG_IGN); // work once begun is finished, whether or not anybody listens
     platform::HostOptions options;

@@ -18,4 +18,8 @@ inline void wipe(std::string& secret) {
     secret.clear();
 }
 
+/// Neither this process nor a program that it starts leaves a core from here on: it would hold passwords.
+/// Does what the computer lets it.
+void leaveNoCore();
+
 } // namespace platform
