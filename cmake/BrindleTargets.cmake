@@ -6,6 +6,8 @@ target_include_directories(brindle_options INTERFACE ${CMAKE_SOURCE_DIR}/src)
 target_compile_options(brindle_options INTERFACE
     -Wall -Wextra -Wpedantic -Wshadow -Wconversion
     $<$<BOOL:${BRINDLE_WERROR}>:-Werror>)
+# A program loads what it uses, not all that its libraries might use.
+target_link_options(brindle_options INTERFACE -Wl,--as-needed)
 # An optimizing GCC 12 sees faults in plain text concatenation and in vectors of one element (bug 105651 among others).
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
     # Not in a debug build, whose commands clang-tidy reads: it does not know the option.

@@ -3,6 +3,7 @@
 #include "platform/foundation/SystemServices.h"
 #include "platform/posix/InputOutput.h"
 #include "platform/posix/Secret.h"
+#include "platform/posix/SystemCallFilter.h"
 #include "platform/security/HelperFile.h"
 #include "platform/security/HelperProtocol.h"
 #include "tools/Helper.h"
@@ -196,7 +197,10 @@ int helperMain(int argc, char** argv) {
         return platform::complain(*parser, fault).print();
     }
     if (!options.system) {
-        ::prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0); // what is the user's own needs no program that gives rights
+        // What is the user's own needs no program that gives rights, and few of the system's calls. Where the
+        // kernel has no filter for these, the user's rights are the limit.
+        ::prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0);
+        platform::takeSystemCallFilter();
     }
     platform::Services services;
     services.log = std::make_shared<platform::SystemLog>(); // the tools may log what they cannot read
