@@ -3,7 +3,7 @@
 namespace platform {
 
 /// The kinds of elements in an interface file. One table describes them all (InterfaceKinds.cpp). Front-ends
-/// switch over them without a default, so that one which lacks a kind does not compile.
+/// switch over them without a default, so that a front-end that misses a kind does not compile.
 enum class InterfaceKind {
     Interface,
     MenuBar,

@@ -23,14 +23,14 @@ const std::vector<InterfaceKind> layouts = {
 
 const Attributes named = {{"outlet", Word}, {"name", Word}};
 const Attributes sized = {{"stretch", Size}, {"width", Size}};
-// What a screen reader calls the element, where no title or label beside it does; and the label that says
-// more.
+// What a screen reader calls an element that has no title or label beside it. `describedBy` names the label
+// that says more.
 const AttributeRule spoken = {"spoken", Text};
 const Attributes control = {
     {"action", Word}, {"enabled", YesNo}, {"toolTip", Text}, spoken, {"describedBy", Word}};
 const Attributes field = {{"text", Text}, {"placeholder", Text}, {"delegate", YesNo}, {"maxWidth", Size}};
 const Attributes window = {{"title", Text}, {"width", Size}, {"height", Size}, {"delegate", YesNo}};
-// What the window asks before the action; "%@" in it is what the field `about` shows.
+// The question that the window asks before the action; "%@" in it stands for the text of the field `about`.
 const Attributes asked = {{"confirm", Text}, {"about", Word}};
 const AttributeRule key = {"key", Choice, "return|escape"};
 const AttributeRule indent = {"indent", Size};
@@ -57,7 +57,7 @@ std::vector<ElementRule> windowRules() {
                  asked,
                  {{"title", Text, "", true},
                   {"key", Word},
-                  {"edits", Word}, // as a button's
+                  {"edits", Word}, // as for a button
                   {"role", Choice, "about|quit|preferences|guide"}}})},
         {MenuSeparator, "separator"},
         {Window, "window", makeWindow, joined({named, window}), inWindow, true},
@@ -71,7 +71,7 @@ std::vector<ElementRule> layoutRules() {
     using enum InterfaceKind;
     return {
         {Column, "column", nullptr, sized, layouts},
-        // What a drawer holds scrolls, but for a row at its `foot`.
+        // A drawer's content scrolls, except for a row at its `foot`.
         {Row, "row", nullptr, joined({sized, {{"foot", YesNo}}}), layouts},
         {Grid, "grid", nullptr, joined({sized, {{"columns", Size, "", true}}}), layouts},
         {Box, "box", nullptr, joined({sized, {{"title", Text}}}), layouts},
@@ -85,7 +85,7 @@ std::vector<ElementRule> layoutRules() {
                   {"for", Word},
                   {"about", Word},
                   {"style", Choice, "note|heading|warning"},
-                  {"when", Word}, // which values of other controls it is shown with
+                  {"when", Word}, // with which values of other controls it is shown
                   indent}})},
         {TabView,
          "tabView",
@@ -100,9 +100,10 @@ std::vector<ElementRule> controlRules() {
     using enum InterfaceKind;
     const Attributes common = joined({named, sized, control});
     return {
-        // What is typed into the field counts in the window as chosen in the panel that `chooses` opens.
-        // Numbers lie between `least` and `most`, of which one is `unlimited`; a name is one of the table
-        // `namesRow`, or of `another` row.
+        // In the window, text typed into the field counts as chosen in the panel that `chooses` opens. A
+        // number lies between `least` and `most`; the value `unlimited` means no limit. The name in the field
+        // is that of a row of the table `namesRow`; where it is not the selected row's, the window says
+        // `another`.
         {TextField, "textField", makeField,
          joined({common,
                  field,
@@ -124,16 +125,17 @@ std::vector<ElementRule> controlRules() {
                   {"tabStop", YesNo},
                   {"reverts", Word},
                   {"offWith", Word},
-                  // "new" and "edit" begin the editor of the table `reverts` in the field `edits`; "new" does
-                  // the operation `also`, too.
+                  // "new" and "edit" start the editor of the table `reverts` in the field `edits`; "new" also
+                  // performs the operation `also`.
                   {"role", Choice, "cancel|new|edit|delete|refresh"},
                   {"edits", Word},
-                  {"checks", YesNo}, // the limits of the fields of its page
+                  {"checks", YesNo}, // checks the limits of the fields on its page
                   {"also", Word},
                   key}})},
         {CheckBox, "checkBox", makeButton,
          joined({common, {{"title", Text}, {"state", Choice, "on|off"}, {"rowOf", Word}, indent}})},
-        // What the menu selects is the number in the `column` of the selected row of the table `rowOf`.
+        // The selected item is the one whose number is in the `column` of the selected row of the table
+        // `rowOf`.
         {PopUp,
          "popUp",
          makePopUp,
@@ -153,7 +155,8 @@ std::vector<ElementRule> controlRules() {
                  {{"multiple", YesNo},
                   {"height", Size},
                   {"nameColumn", Word},
-                  // What is said over an empty table, and the button that begins, with its title there.
+                  // What an empty table shows instead of rows: a text, and the button `begin` under another
+                  // title.
                   {"empty", Text},
                   {"begin", Word},
                   {"beginTitle", Text}}}),
@@ -165,8 +168,9 @@ std::vector<ElementRule> controlRules() {
           {"title", Text},
           {"width", Size},
           {"hidden", YesNo},
-          // How a window shows the values: "check" marks those that mean yes, "privileges" spells a folder's
-          // out, "value" leaves a missing one empty, "list" parts what commas join.
+          // How a window shows the values: "check" marks those that mean yes, "privileges" spells out a
+          // folder's privileges, "value" leaves a missing one empty, "list" separates what is joined by
+          // commas.
           {"display", Choice, "check|privileges|value|list"}}},
         {TextView, "textView", makeTextView, joined({named, sized, {{"height", Size}, spoken}})},
     };
@@ -210,7 +214,7 @@ const ElementRule* ElementRule::child(std::string_view elementName) const {
 const ElementRule& ruleOf(InterfaceKind kind) {
     const auto found = std::ranges::find(rules(), kind, &ElementRule::kind);
     if (found == rules().end()) {
-        throw std::logic_error("a kind of element stands in no table");
+        throw std::logic_error("a kind of element is missing from the table of kinds");
     }
     return *found;
 }
