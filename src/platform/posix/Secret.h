@@ -12,7 +12,8 @@ inline void wipe(std::span<char> secret) {
     ::explicit_bzero(secret.data(), secret.size());
 }
 
-/// The same, and empties the string. A string that grew has left copies in memory: reserve its size first.
+/// The same, then empties the string. A string that has grown has left copies in memory: reserve its size
+/// first.
 inline void wipe(std::string& secret) {
     wipe(std::span(secret));
     secret.clear();
