@@ -118,7 +118,7 @@ std::unique_ptr<InterfaceNode> InterfaceLoader::build(const pugi::xml_node& xml,
     for (const pugi::xml_node& child : xml.children()) {
         buildChild(child, rule, *node);
     }
-    if (rule.oneLayout) {
+    if (rule.layout == Layout::One) {
         checkOneLayout(*node);
     }
     if (status_.isOk()) {
@@ -126,6 +126,7 @@ std::unique_ptr<InterfaceNode> InterfaceLoader::build(const pugi::xml_node& xml,
     }
     if (status_.isOk()) {
         nameElement(*node);
+        noteReferences(*node, rule);
         wireAction(*node);
     }
     return node;
@@ -239,11 +240,10 @@ void InterfaceLoader::nameElement(const InterfaceNode& node) {
     connectedOutlets_.insert(outlet);
 }
 
-void InterfaceLoader::wireAction(const InterfaceNode& node) {
-    for (const char* attribute :
-         {"for", "about", "reverts", "rowOf", "offWith", "begin", "edits", "namesRow", "describedBy"}) {
-        if (node.attributes.contains(attribute)) {
-            references_.emplace_back(node.line, node.attribute(attribute));
+void InterfaceLoader::noteReferences(const InterfaceNode& node, const ElementRule& rule) {
+    for (const AttributeRule& attribute : rule.attributes) {
+        if (attribute.kind == AttributeKind::Reference && node.attributes.contains(attribute.name)) {
+            references_.emplace_back(node.line, node.attribute(attribute.name));
         }
     }
     for (const auto& side : parseShownWhen(node.attribute("when"))) {
@@ -251,6 +251,9 @@ void InterfaceLoader::wireAction(const InterfaceNode& node) {
             references_.emplace_back(node.line, each.control);
         }
     }
+}
+
+void InterfaceLoader::wireAction(const InterfaceNode& node) {
     auto* control = dynamic_cast<NSControl*>(node.element.get());
     if (control == nullptr) {
         return;

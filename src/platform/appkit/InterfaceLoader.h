@@ -47,6 +47,7 @@ class InterfaceLoader {
 
     // Connections.
     void nameElement(const InterfaceNode& node);
+    void noteReferences(const InterfaceNode& node, const ElementRule& rule);
     void wireAction(const InterfaceNode& node);
     void checkReferences();
     /// Every outlet must be connected, so that the class may use them unchecked.

@@ -1,0 +1,215 @@
+#pragma once
+
+#include "platform/appkit/InterfaceKinds.h"
+
+#include <algorithm>
+#include <array>
+
+namespace platform {
+
+// The table of all kinds of elements, in three parts. It is a constant, so that a layer with a table of its
+// own (the window's widgets, what a script shows) can have the compiler compare the two: see hasLineForEach.
+
+namespace interfacetable {
+
+using enum AttributeKind;
+using Attributes = decltype(ElementRule::attributes);
+
+inline constexpr Attributes named = {{"outlet", Word}, {"name", Word}};
+inline constexpr Attributes sized = {{"stretch", Size}, {"width", Size}};
+// What a screen reader calls the element, where no title or label beside it does; and the label that says
+// more.
+inline constexpr Attributes spoken = {{"spoken", Text}};
+inline constexpr Attributes control = Attributes{{"action", Word}, {"enabled", YesNo}, {"toolTip", Text}} +
+                                      spoken + Attributes{{"describedBy", Reference}};
+inline constexpr Attributes field = {
+    {"text", Text}, {"placeholder", Text}, {"delegate", YesNo}, {"maxWidth", Size}};
+inline constexpr Attributes window = {
+    {"title", Text}, {"width", Size}, {"height", Size}, {"delegate", YesNo}};
+// What the window asks before the action; "%@" in it is what the field `about` shows.
+inline constexpr Attributes asked = {{"confirm", Text}, {"about", Reference}};
+inline constexpr Attributes indent = {{"indent", Size}};
+inline constexpr Attributes common = named + sized + control; // of the controls that stand in a layout
+
+consteval auto windowRules() {
+    using enum InterfaceKind;
+    using enum Place;
+    return std::to_array<ElementRule>({
+        {Interface,
+         Named,
+         "interface",
+         nullptr,
+         {{"class", Word, "", true}},
+         {MenuBar, Window, Sheet, Panel}},
+        {MenuBar, Named, "menuBar", nullptr, {}, {Menu}},
+        {Menu, Named, "menu", nullptr, {{"title", Text, "", true}}, {MenuItem, MenuSeparator}},
+        {MenuItem, Named, "item", makeMenuItem,
+         named + control + asked +
+             Attributes{{"title", Text, "", true},
+                        {"key", Word},
+                        {"edits", Reference}, // as a button's
+                        {"role", Choice, "about|quit|preferences|guide"}}},
+        {MenuSeparator, Named, "separator"},
+        {Window, Named, "window", makeWindow, named + window, {Drawer}, Layout::One},
+        {Sheet, Named, "sheet", makeWindow, named + window, {}, Layout::One},
+        {Panel, Named, "panel", makeWindow, named + window, {}, Layout::One},
+        {Drawer, Named, "drawer", makeDrawer, named + Attributes{{"width", Size}} + spoken, {}, Layout::One},
+    });
+}
+
+consteval auto layoutRules() {
+    using enum InterfaceKind;
+    using enum Place;
+    return std::to_array<ElementRule>({
+        {Column, InLayout, "column", nullptr, sized, {}, Layout::Any},
+        // What a drawer holds scrolls, but for a row at its `foot`.
+        {Row, InLayout, "row", nullptr, sized + Attributes{{"foot", YesNo}}, {}, Layout::Any},
+        {Grid, InLayout, "grid", nullptr, sized + Attributes{{"columns", Size, "", true}}, {}, Layout::Any},
+        {Box, InLayout, "box", nullptr, sized + Attributes{{"title", Text}}, {}, Layout::Any},
+        {Spacer, InLayout, "spacer", nullptr, sized},
+        {Separator, InLayout, "separator", nullptr, sized},
+        {Label, InLayout, "label", makeLabel,
+         named + sized +
+             Attributes{{"text", Text},
+                        {"toolTip", Text},
+                        {"for", Reference},
+                        {"about", Reference},
+                        {"style", Choice, "note|heading|warning"},
+                        {"when", Word}} + // which values of other controls it is shown with
+             indent},
+        {TabView,
+         InLayout,
+         "tabView",
+         makeTabView,
+         named + sized + Attributes{{"tabs", Choice, "hidden"}, {"delegate", YesNo}},
+         {Tab}},
+        {Tab, Named, "tab", nullptr, {{"label", Text, "", true}}, {}, Layout::One},
+    });
+}
+
+consteval auto controlRules() {
+    using enum InterfaceKind;
+    using enum Place;
+    return std::to_array<ElementRule>({
+        // What is typed into the field counts in the window as chosen in the panel that `chooses` opens.
+        // Numbers lie between `least` and `most`, of which one is `unlimited`; a name is one of the table
+        // `namesRow`, or of `another` row.
+        {TextField, InLayout, "textField", makeField,
+         common + field +
+             Attributes{{"chooses", Word},
+                        {"least", Integer},
+                        {"most", Word},
+                        {"unlimited", Integer},
+                        {"mayBeEmpty", YesNo},
+                        {"folder", YesNo},
+                        {"namesRow", Reference},
+                        {"records", Word},
+                        {"another", Text}}},
+        {SecureField, InLayout, "secureField", makeField, common + field},
+        {Button, InLayout, "button", makeButton,
+         common + asked +
+             Attributes{
+                 {"title", Text},
+                 {"image", YesNo},
+                 {"tabStop", YesNo},
+                 {"reverts", Reference},
+                 {"offWith", Reference},
+                 // "new" and "edit" begin the editor of the table `reverts` in the field `edits`; "new"
+                 // does the operation `also`, too.
+                 {"role", Choice, "cancel|new|edit|delete|refresh"},
+                 {"edits", Reference},
+                 {"checks", YesNo}, // the limits of the fields of its page
+                 {"also", Word},
+                 {"key", Choice, "return|escape"}}},
+        {CheckBox, InLayout, "checkBox", makeButton,
+         common + Attributes{{"title", Text}, {"state", Choice, "on|off"}, {"rowOf", Reference}} + indent},
+        // What the menu selects is the number in the `column` of the selected row of the table `rowOf`.
+        {PopUp,
+         InLayout,
+         "popUp",
+         makePopUp,
+         common + Attributes{{"typeAhead", YesNo}, {"rowOf", Reference}, {"column", Word}},
+         {PopUpItem}},
+        {PopUpItem,
+         Named,
+         "item",
+         nullptr,
+         {{"title", Text, "", true}, {"tag", Integer}, {"selected", YesNo}}},
+        {Matrix,
+         InLayout,
+         "matrix",
+         makeMatrix,
+         common + Attributes{{"rows", Size, "", true}, {"columns", Size, "", true}} + indent,
+         {Cell}},
+        {Cell, Named, "cell", nullptr, {{"title", Text, "", true}}},
+        {TableView,
+         InLayout,
+         "tableView",
+         makeTable,
+         common + Attributes{{"multiple", YesNo},
+                             {"height", Size},
+                             {"nameColumn", Word},
+                             // What is said over an empty table, and the button that begins, with its title
+                             // there.
+                             {"empty", Text},
+                             {"begin", Reference},
+                             {"beginTitle", Text}},
+         {TableColumn}},
+        {TableColumn,
+         Named,
+         "column",
+         nullptr,
+         {{"id", Word, "", true},
+          {"title", Text},
+          {"width", Size},
+          {"hidden", YesNo},
+          // How a window shows the values: "check" marks those that mean yes, "privileges" spells a folder's
+          // out, "value" leaves a missing one empty, "list" parts what commas join.
+          {"display", Choice, "check|privileges|value|list"}}},
+        {TextView, InLayout, "textView", makeTextView, named + sized + Attributes{{"height", Size}} + spoken},
+    });
+}
+
+consteval auto allRules() {
+    constexpr auto windows = windowRules();
+    constexpr auto layouts = layoutRules();
+    constexpr auto controls = controlRules();
+    std::array<ElementRule, windows.size() + layouts.size() + controls.size()> all{};
+    auto* end = std::ranges::copy(windows, all.begin()).out;
+    end = std::ranges::copy(layouts, end).out;
+    std::ranges::copy(controls, end);
+    return all;
+}
+
+} // namespace interfacetable
+
+inline constexpr auto elementRules = interfacetable::allRules();
+
+static_assert(
+    [] {
+        for (std::size_t index = 0; index < elementRules.size(); ++index) {
+            if (static_cast<std::size_t>(elementRules.at(index).kind) != index) {
+                return false;
+            }
+        }
+        return true;
+    }(),
+    "the table describes the kinds of InterfaceKind in their order, without a gap");
+
+/// The line for that kind in a table of another layer, whose lines have a member `kind`; null when it has
+/// none.
+template <class Lines>
+[[nodiscard]] constexpr const typename Lines::value_type* lineFor(InterfaceKind kind, const Lines& lines) {
+    const auto found = std::ranges::find(lines, kind, &Lines::value_type::kind);
+    return found == lines.end() ? nullptr : &*found;
+}
+
+/// Whether such a table has a line for each kind that `needsLine` holds for.
+template <class Lines>
+[[nodiscard]] consteval bool hasLineForEach(const Lines& lines, bool (*needsLine)(const ElementRule& rule)) {
+    return std::ranges::all_of(elementRules, [&](const ElementRule& rule) {
+        return !needsLine(rule) || lineFor(rule.kind, lines) != nullptr;
+    });
+}
+
+} // namespace platform
