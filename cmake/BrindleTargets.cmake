@@ -1,16 +1,17 @@
-# One folder of src/ is one room and one library, brindle_NAME. Includes name their room from src/, and configuring
-# fails on an include of a room that the including library does not link.
+# Each folder of src/ is one room and one library, brindle_NAME. Quoted includes give the path from src/, and
+# configuring fails on an include of a room that the including library does not link.
 
 add_library(brindle_options INTERFACE)
 target_include_directories(brindle_options INTERFACE ${CMAKE_SOURCE_DIR}/src)
 target_compile_options(brindle_options INTERFACE
     -Wall -Wextra -Wpedantic -Wshadow -Wconversion
     $<$<BOOL:${BRINDLE_WERROR}>:-Werror>)
-# A program loads what it uses, not all that its libraries might use.
+# Link only the libraries that a program uses, not everything that its own libraries might use.
 target_link_options(brindle_options INTERFACE -Wl,--as-needed)
-# An optimizing GCC 12 sees faults in plain text concatenation and in vectors of one element (bug 105651 among others).
+# With optimization, GCC 12 reports false faults in plain string concatenation and in vectors of one element (GCC bug
+# 105651 and others).
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
-    # Not in a debug build, whose commands clang-tidy reads: it does not know the option.
+    # Not in a debug build: clang-tidy reads its commands, and does not know the option.
     target_compile_options(brindle_options INTERFACE $<$<CONFIG:Release>:-Wno-restrict;-Wno-array-bounds>)
 endif()
 if(BRINDLE_SANITIZE)
@@ -19,12 +20,12 @@ if(BRINDLE_SANITIZE)
     target_link_options(brindle_options INTERFACE -fsanitize=${BRINDLE_SANITIZE})
 endif()
 
-# brindle_check_includes(FILES file... LINKS target... ROOMS room...): fails, with file and line, when a quoted include
-# of these files names a folder of src/ that is neither the files' own, nor that of a target in LINKS, nor in ROOMS.
+# brindle_check_includes(FILES file... LINKS target...): fails, with file and line, when a quoted include
+# of these files names a folder of src/ that is neither the files' own, nor that of a target in LINKS.
 function(brindle_check_includes)
-    cmake_parse_arguments(ARG "" "" "FILES;LINKS;ROOMS" ${ARGN})
+    cmake_parse_arguments(ARG "" "" "FILES;LINKS" ${ARGN})
     file(RELATIVE_PATH own ${CMAKE_SOURCE_DIR}/src ${CMAKE_CURRENT_SOURCE_DIR})
-    set(rooms ${own} ${ARG_ROOMS})
+    set(rooms ${own})
     foreach(link ${ARG_LINKS})
         if(TARGET ${link})
             get_target_property(room ${link} BRINDLE_ROOM)
@@ -56,20 +57,19 @@ function(brindle_line_of file header result)
     set(${result} ${line} PARENT_SCOPE)
 endfunction()
 
-# brindle_library(NAME LINKS target... PRIVATE_LINKS target... OPTIONAL_ROOMS room...): the library brindle_NAME of this
-# folder's sources. LINKS are what its headers need, PRIVATE_LINKS what only its sources do, OPTIONAL_ROOMS the rooms
-# that the sources include only where they are built.
+# brindle_library(NAME LINKS target... PRIVATE_LINKS target...): the library brindle_NAME of this
+# folder's sources. LINKS are what its headers need, PRIVATE_LINKS what only its sources do.
 function(brindle_library name)
-    cmake_parse_arguments(ARG "" "" "LINKS;PRIVATE_LINKS;OPTIONAL_ROOMS" ${ARGN})
+    cmake_parse_arguments(ARG "" "" "LINKS;PRIVATE_LINKS" ${ARGN})
     file(GLOB sources CONFIGURE_DEPENDS *.cpp *.h)
     add_library(brindle_${name} STATIC ${sources})
     file(RELATIVE_PATH room ${CMAKE_SOURCE_DIR}/src ${CMAKE_CURRENT_SOURCE_DIR})
     set_target_properties(brindle_${name} PROPERTIES BRINDLE_ROOM ${room})
-    brindle_check_includes(FILES ${sources} LINKS ${ARG_LINKS} ${ARG_PRIVATE_LINKS} ROOMS ${ARG_OPTIONAL_ROOMS})
+    brindle_check_includes(FILES ${sources} LINKS ${ARG_LINKS} ${ARG_PRIVATE_LINKS})
     target_link_libraries(brindle_${name} PUBLIC ${ARG_LINKS} PRIVATE brindle_options ${ARG_PRIVATE_LINKS})
 endfunction()
 
-# brindle_test(NAME LABEL LINKS target... [SOURCES file...]): tests/NAME.cpp as one program of GoogleTest cases.
+# brindle_test(NAME LABEL LINKS target... [SOURCES file...]): builds tests/NAME.cpp as one GoogleTest program.
 function(brindle_test name label)
     cmake_parse_arguments(ARG "" "" "LINKS;SOURCES" ${ARGN})
     if(NOT ARG_SOURCES)

@@ -226,6 +226,7 @@ TEST(Bundle, TheEnvironmentNamesTheLanguagesAsGettextReadsIt) {
         }
         EXPECT_EQ(platform::languagesFromEnvironment(), names) << ::testing::PrintToString(variables);
     }
+    EXPECT_EQ(platform::languagesOfLocale(), german) << "LANGUAGE is not for scripts";
 }
 
 TEST(Notifications, ReachObserversInOrderAndNotThoseRemovedMeanwhile) {

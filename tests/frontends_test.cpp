@@ -259,6 +259,25 @@ TEST_F(Program, ShowsInADryRunWhatThenComesAndChangesNothing) {
     EXPECT_NE(everything(), before);
 }
 
+/// A variable of the environment that is another until the end of the block.
+class ScratchVariable {
+  public:
+    ScratchVariable(const char* name, const std::string& value) : name_(name) {
+        const char* before = ::getenv(name);
+        before_ = before == nullptr ? std::nullopt : std::optional<std::string>(before);
+        ::setenv(name, value.c_str(), 1);
+    }
+
+    ~ScratchVariable() { before_ ? ::setenv(name_, before_->c_str(), 1) : ::unsetenv(name_); }
+
+    ScratchVariable(const ScratchVariable&) = delete;
+    ScratchVariable& operator=(const ScratchVariable&) = delete;
+
+  private:
+    const char* name_;
+    std::optional<std::string> before_;
+};
+
 /// Starts of the program with its window, which is drawn nowhere.
 class OneWindowARoot : public Program {
   protected:
@@ -295,9 +314,11 @@ class OneWindowARoot : public Program {
         }
         const auto before = sockets();
         open_.push_back(std::move(*platform::startProcess({arguments})));
-        while (sockets() == before) {
+        const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(60);
+        while (sockets() == before && std::chrono::steady_clock::now() < end) {
             std::this_thread::sleep_for(std::chrono::milliseconds(20));
         }
+        EXPECT_NE(sockets(), before) << "the window has not opened";
         return open_.back().id;
     }
 
@@ -352,10 +373,12 @@ TEST_F(OneWindowARoot, ASecondStartShowsTheFirstOnesWindowAndAKilledOneLeavesNot
 TEST_F(OneWindowARoot, AFolderThatOthersMayEnterHoldsNoLock) {
     std::filesystem::permissions(runtime_, std::filesystem::perms::all);
     std::filesystem::create_directory(test_.root() / "tmp");
-    std::filesystem::create_directory(test_.root() / "tmp" / ("brindle-" + std::to_string(::geteuid())));
-    ::setenv("TMPDIR", (test_.root() / "tmp").c_str(), 1);
+    const auto ours = test_.root() / "tmp" / ("brindle-" + std::to_string(::geteuid()));
+    std::filesystem::create_directory(ours);
+    std::filesystem::permissions(ours, std::filesystem::perms(0755));
+    const ScratchVariable temporary("TMPDIR", (test_.root() / "tmp").string());
+    const ScratchVariable runtime("XDG_RUNTIME_DIR", runtime_);
     const auto taken = frontend::OneWindow::take("place");
-    ::unsetenv("TMPDIR");
     EXPECT_FALSE(taken.isOk());
     EXPECT_TRUE(taken.status().text().starts_with("cannot use the folder ")) << taken.status().text();
     EXPECT_TRUE(std::filesystem::is_empty(runtime_));

@@ -101,6 +101,16 @@ TEST_F(Action, LeavesItsHelperToTheNextOneWhichTakesAnotherWhereThatHasEnded) {
     ASSERT_EQ(::waitid(P_PID, static_cast<id_t>(first), &ended, WEXITED | WNOWAIT), 0);
     EXPECT_NE(helperOf({"-create", "/config/Brindle/Films"}), first);
     EXPECT_EQ(shares(), "Docs\t/srv\t\nFilms\t#NoValue#\t\n");
+    const auto endAt = [&](pid_t process) {
+        ASSERT_EQ(::kill(process, SIGKILL), 0);
+        ASSERT_EQ(::waitid(P_PID, static_cast<id_t>(process), &ended, WEXITED | WNOWAIT), 0);
+    };
+    const int second = helperOf({"-create", "/config/Brindle/Films", "directory_path", "/srv"});
+    EXPECT_EQ(nicl(helper, {"-create", "/config/Brindle/Music"}), "");
+    endAt(second);
+    EXPECT_FALSE(helper.settle().isOk()) << "another helper has nothing of it";
+    EXPECT_TRUE(helper.settle().isOk()) << "it is told once";
+    EXPECT_EQ(shares(), "Docs\t/srv\t\nFilms\t/srv\t\n");
 }
 
 TEST_F(Action, IsServedWithoutRightsAndSystemCallsThatFilesDoNotNeed) {

@@ -45,15 +45,24 @@ TEST_F(HelperTest, RefusesWhatIsNotForSharingAndSaysWhy) {
 TEST(SystemFolders, AreThoseThatProgramsOfAllUsersCountOn) {
     const struct stat other {}; // of no folder
 
-    for (const char* path : {"/tmp", "/var/lib", "/var/spool/cron", "/run", "/run/sudo/ts", "/run/media",
-                             "/etc/samba", "/home/ada/.ssh", "/home/ada/.gnupg/private-keys-v1.d"}) {
-        EXPECT_TRUE(isSystemFolder(path, other)) << path;
+    const auto isSystem = [&](const char* path, FolderHost host) {
+        return isSystemFolder(path, other, host);
+    };
+    for (const FolderHost host : {FolderHost::Embedded, FolderHost::Computer}) {
+        for (const char* path : {"/tmp", "/var/lib", "/run", "/run/sudo/ts", "/run/media", "/etc/samba"}) {
+            EXPECT_TRUE(isSystem(path, host)) << path;
+        }
+        for (const char* path : {"/tmp/docs", "/tmpdocs", "/var/library", "/run/media/ada/Stick", "/running",
+                                 "/etcetera", "/srv", "/mnt", "/home/ada", "/home/ada/ssh"}) {
+            EXPECT_FALSE(isSystem(path, host)) << path;
+        }
     }
-    for (const char* path : {"/tmp/docs", "/tmpdocs", "/var/library", "/home/ada/ssh", "/run/media/ada/Stick",
-                             "/running", "/etcetera", "/srv", "/mnt", "/home/ada"}) {
-        EXPECT_FALSE(isSystemFolder(path, other)) << path;
+    for (const char* path : {"/var/lib/docs", "/var/spool/cron", "/home/ada/.ssh", "/home/ada/.gnupg/keys"}) {
+        EXPECT_TRUE(isSystem(path, FolderHost::Computer)) << path;
+        EXPECT_FALSE(isSystem(path, FolderHost::Embedded)) << path;
     }
-    EXPECT_TRUE(isSystemFolder("/mnt/elsewhere", statusOf("/tmp"))) << "the same folder under another path";
+    EXPECT_TRUE(isSystemFolder("/mnt/elsewhere", statusOf("/tmp"), FolderHost::Embedded))
+        << "the same folder under another path";
 }
 
 TEST_F(HelperTest, ChangesAFoldersModeBelow01000Only) {
@@ -63,15 +72,15 @@ TEST_F(HelperTest, ChangesAFoldersModeBelow01000Only) {
     EXPECT_EQ(modeOf(shared), 03051U);
     EXPECT_EQ(run("/bin/chmod", {"0", shared.string()}), "");
     EXPECT_EQ(run("/bin/chmod", {"755", shared.string()}), "") << "its owner may open what nobody may read";
-    if (::geteuid() == 0) {
-        const fs::path inside = shared / "inside";
-        fs::create_directory(inside);
-        fs::permissions(shared, fs::perms::all); // anybody could rename what is in it
-        EXPECT_NE(run("/bin/chmod", {"700", inside.string()}).find("could be replaced by anybody"),
-                  std::string::npos);
-        ASSERT_EQ(::chmod(shared.c_str(), 01777), 0);
-        EXPECT_EQ(run("/bin/chmod", {"700", inside.string()}), "");
-    }
+    const fs::path inside = shared / "inside";
+    fs::create_directory(inside);
+    fs::permissions(shared, fs::perms::all); // anybody could rename what is in it
+    EXPECT_EQ(run("/bin/chmod", {"700", inside.string()}), "");
+    const platform::Status status = changeMode("755", inside.string(), FolderHost::Computer);
+    EXPECT_NE(status.text().find("could be replaced by anybody"), std::string::npos) << status.text();
+    EXPECT_EQ(modeOf(inside) & 0777U, 0700U);
+    ASSERT_EQ(::chmod(shared.c_str(), 01777), 0);
+    EXPECT_TRUE(changeMode("755", inside.string(), FolderHost::Computer).isOk());
 }
 
 TEST_F(HelperTest, GivesAFolderToAnAccountOfTheDirectoryBeforeOneOfTheComputer) {

@@ -31,10 +31,10 @@ std::function<bool(NiutilTask&)> unanswered(Perform perform) {
     };
 }
 
-const std::string kPath = "outString not empty for create directory_path: no";
-const std::string kUser = "outString not empty for create userProps: no";
-const std::string kGroup = "outString not empty for create groupProps: no";
-const std::string kEntry = "outString non empty for create User: no";
+const std::string pathFailed = "outString not empty for create directory_path: no";
+const std::string userFailed = "outString not empty for create userProps: no";
+const std::string groupFailed = "outString not empty for create groupProps: no";
+const std::string entryFailed = "outString non empty for create User: no";
 
 std::vector<Operation> operations() {
     const std::string nicl = "/usr/bin/nicl . ";
@@ -46,7 +46,7 @@ std::vector<Operation> operations() {
          [](NiutilTask& task) { return task.createShare("a/b", "/srv/Docs", 1, 0, 1); },
          {share, share + " directory_path /srv/Docs", share + " afp_shared 1", share + " afp_name a/b",
           share + " afp_use_parent_privs 0", share + " afp_use_parent_owner 1"},
-         {"outString non empty for create Directory: no", kPath, kPath, kPath,
+         {"outString non empty for create Directory: no", pathFailed, pathFailed, pathFailed,
           "outString not empty for create afp_use_parent_privs: no",
           "outString not empty for create afp_use_parent_owner: no"}},
         {"deleteShare",
@@ -61,7 +61,7 @@ std::vector<Operation> operations() {
         {"changePermissions",
          unanswered([](NiutilTask& task) { task.changePermissions("/srv/Docs", "alice", "staff", 489); }),
          {"/usr/sbin/chown alice:staff /srv/Docs", "/bin/chmod 751 /srv/Docs"},
-         {kEntry, kEntry},
+         {entryFailed, entryFailed},
          false},
         {"createUser",
          [](NiutilTask& task) { return task.createUser("alice", "Alice A", "501", "20", true, false); },
@@ -69,19 +69,20 @@ std::vector<Operation> operations() {
           user + " _shadow_passwd", user + " hint", user + " _writers_hint alice",
           user + " _writers_passwd alice", user + " home /dev/null", user + " passwd !",
           user + " shell /sbin/nologin"},
-         {kEntry, kUser, kUser, kUser, kUser, kUser, kUser, kUser, kUser, kUser, kUser, kUser}},
+         {entryFailed, userFailed, userFailed, userFailed, userFailed, userFailed, userFailed, userFailed,
+          userFailed, userFailed, userFailed, userFailed}},
         {"updateUser",
          [](NiutilTask& task) { return task.createUser("alice", "", "501", "20", false, true); },
          {user + " realname", user + " gid 20", user + " uid 501", user + " sharedDir <no value>"},
-         {kUser, kUser, kUser, kUser}},
+         {userFailed, userFailed, userFailed, userFailed}},
         {"createGroup",
          [](NiutilTask& task) { return task.createGroup("team", "600", false); },
          {group, group + " gid 600", group + " passwd *", group + " users"},
-         {kEntry, kGroup, kGroup, kGroup}},
+         {entryFailed, groupFailed, groupFailed, groupFailed}},
         {"updateGroup",
          [](NiutilTask& task) { return task.createGroup("team", "600", true); },
          {group + " gid 600"},
-         {kGroup}},
+         {groupFailed}},
         {"deleteUser",
          unanswered([](NiutilTask& task) { task.deleteUser("alice"); }),
          {nicl + "-delete /users/alice"},
@@ -103,7 +104,7 @@ std::vector<Operation> operations() {
         {"changeUserShare",
          unanswered([](NiutilTask& task) { task.changeUserShare("alice", false); }),
          {user + " sharedDir <no value>"},
-         {kPath},
+         {pathFailed},
          false},
         {"runPasswd",
          unanswered([](NiutilTask& task) { task.runPasswd("alice", "s3cret"); }),

@@ -18,7 +18,7 @@
 
 namespace {
 
-constexpr const char* kDeskFile = R"(<interface class="Desk">
+constexpr const char* deskFile = R"(<interface class="Desk">
   <menuBar><menu title="File"><item title="Ask" action="ask:"/><item title="Never" action="never:" enabled="no"/></menu></menuBar>
   <window name="deskWindow" title="The Desk" width="100" height="100">
     <column>
@@ -166,7 +166,7 @@ struct Ran {
 
 Ran runScript(const std::string& script) {
     TestHost test;
-    test.write("Desk.xml", kDeskFile);
+    test.write("Desk.xml", deskFile);
     std::istringstream input(script);
     std::ostringstream output;
     std::ostringstream errors;

@@ -17,8 +17,8 @@ namespace {
 using namespace std::chrono_literals;
 using platform::HelperSession;
 
-const AuthorizationRights kRight = {{"system.privilege.admin", "/usr/bin/nicl", 0}};
-constexpr AuthorizationFlags kAsk = kAuthorizationFlagInteractionAllowed | kAuthorizationFlagExtendRights;
+const AuthorizationRights adminRight = {{"system.privilege.admin", "/usr/bin/nicl", 0}};
+constexpr AuthorizationFlags askFlags = kAuthorizationFlagInteractionAllowed | kAuthorizationFlagExtendRights;
 
 /// An executable script in the test's root. Answers its path.
 std::string script(TestHost& host, const std::string& name, const std::string& text) {
@@ -97,7 +97,7 @@ TEST(Consent, HoldsForFiveMinutesAfterItsLastUse) {
     AuthorizationRef session = nullptr;
     ASSERT_EQ(AuthorizationCreate({}, kAuthorizationFlagDefaults, &session), 0);
     const auto held = [&] {
-        return AuthorizationCopyRights(session, kRight, kAuthorizationFlagExtendRights, nullptr) == 0;
+        return AuthorizationCopyRights(session, adminRight, kAuthorizationFlagExtendRights, nullptr) == 0;
     };
     const auto run = [&] {
         return AuthorizationExecuteWithPrivileges(session, "/bin/cp", kAuthorizationFlagDefaults, {},
@@ -106,9 +106,9 @@ TEST(Consent, HoldsForFiveMinutesAfterItsLastUse) {
     EXPECT_FALSE(held());
     EXPECT_EQ(run(), errAuthorizationDenied);
     test.administratorAllows = false;
-    EXPECT_EQ(AuthorizationCopyRights(session, kRight, kAsk, nullptr), errAuthorizationCanceled);
+    EXPECT_EQ(AuthorizationCopyRights(session, adminRight, askFlags, nullptr), errAuthorizationCanceled);
     test.administratorAllows = true;
-    EXPECT_EQ(AuthorizationCopyRights(session, kRight, kAsk, nullptr), 0);
+    EXPECT_EQ(AuthorizationCopyRights(session, adminRight, askFlags, nullptr), 0);
     EXPECT_FALSE(test.administratorRequests.back().needsPassword);
     test.now = 300;
     EXPECT_TRUE(held());
@@ -117,7 +117,7 @@ TEST(Consent, HoldsForFiveMinutesAfterItsLastUse) {
     EXPECT_TRUE(held());
     test.now = 601;
     EXPECT_FALSE(held()) << "asking whether it holds is no use";
-    EXPECT_EQ(AuthorizationCopyRights(session, kRight, kAsk, nullptr), 0);
+    EXPECT_EQ(AuthorizationCopyRights(session, adminRight, askFlags, nullptr), 0);
     EXPECT_EQ(test.administratorDialogs, 3);
     test.now = 500;
     EXPECT_FALSE(held()) << "the clock was put back";
@@ -147,7 +147,7 @@ TEST(Runs, AreShownWithoutTheirSecretsAndTheirOutputOnceItIsRead) {
 /// A sudo that takes the password "right", remembers it in a file, and writes down how it was called. With a
 /// file "forgets" it remembers none, with "stranger" it lets nobody in, with "free" it runs the helper for
 /// all.
-constexpr const char* kSudo = R"sh(cd "$(dirname "$0")"; echo "$*" >>calls
+constexpr const char* sudoScript = R"sh(cd "$(dirname "$0")"; echo "$*" >>calls
 take() { IFS= read -r word; if test "$word" != right; then echo "Sorry, try again." >&2; exit 1; fi; }
 case "$*" in
 "-n -v") test -e held;;
@@ -161,7 +161,7 @@ case "$*" in
 esac)sh";
 
 /// Serves a session in which every tool says how the helper was called.
-constexpr const char* kSessionHelper = R"sh(case "$*" in *--version) exit 0;; esac
+constexpr const char* sessionHelperScript = R"sh(case "$*" in *--version) exit 0;; esac
 while size=$(head -c 4 | od -An -tu4 --endian=big) && test -n "$size"; do
     head -c $size >/dev/null
     printf '\006\0\0\0\024%-20s\0' "$*"
@@ -174,10 +174,10 @@ class Sudo : public testing::Test {
 
     void TearDown() override { ::unsetenv("BRINDLE_DEVELOPMENT"); }
 
-    OSStatus ask() { return AuthorizationCopyRights(session_, kRight, kAsk, nullptr); }
+    OSStatus ask() { return AuthorizationCopyRights(session_, adminRight, askFlags, nullptr); }
 
     OSStatus askSilently() {
-        return AuthorizationCopyRights(session_, kRight, kAuthorizationFlagExtendRights, nullptr);
+        return AuthorizationCopyRights(session_, adminRight, kAuthorizationFlagExtendRights, nullptr);
     }
 
     OSStatus run(std::string* output) {
@@ -195,9 +195,9 @@ class Sudo : public testing::Test {
     void set(const char* name) { test_.write(name, ""); }
 
     TestHost test_;
-    std::string helper_ = script(test_, "helper", kSessionHelper);
+    std::string helper_ = script(test_, "helper", sessionHelperScript);
     std::shared_ptr<platform::SudoAuthority> authority_ =
-        std::make_shared<platform::SudoAuthority>(helper_, "", script(test_, "sudo", kSudo));
+        std::make_shared<platform::SudoAuthority>(helper_, "", script(test_, "sudo", sudoScript));
     platform::Host host_{servicesWith(test_, authority_)};
     AuthorizationRef session_ = [] {
         AuthorizationRef made = nullptr;

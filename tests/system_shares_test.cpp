@@ -61,6 +61,18 @@ TEST_F(SystemShares, AreTakenBackAndDoneAgain) {
     EXPECT_EQ(contents(smbConf), made);
 }
 
+TEST_F(SystemShares, AreNotMadeOfAFolderThatAnybodyCouldReplace) {
+    const std::string stock = contents(smbConf);
+    fs::permissions(fs::path(folder_), fs::perms(0777));
+    folder_ += "/inside";
+    fs::create_directory(folder_);
+    const std::string refused = script(makeDocs());
+    EXPECT_TRUE(contains(refused, "Not Possible")) << refused;
+    EXPECT_TRUE(contains(refused, "could be replaced by anybody")) << refused;
+    EXPECT_FALSE(contains(refused, "run ")) << "nothing is half done";
+    EXPECT_EQ(contents(smbConf), stock);
+}
+
 TEST_F(SystemShares, KeepWhatSomebodyElseWritesMeanwhile) {
     // Between the start and the action, as an editor would.
     const std::string music = "\n[Music]\n   path = /srv/music ; all of it\n";

@@ -21,7 +21,7 @@ namespace {
 
 using Words = std::vector<std::string>;
 
-constexpr uid_t kAdministrator = 1400;
+constexpr uid_t administrator = 1400;
 
 /// What runs said, one after another.
 std::string said(std::initializer_list<std::string> runs) {
@@ -77,7 +77,7 @@ class SystemAccounts : public OwnComputer {
 
     /// The values of a record, "name: alice" a line; empty where there is no record.
     static std::string record(const std::string& path) {
-        const Finished read = runProgram({kPrograms + "/niutil", "--system", "-read", ".", path});
+        const Finished read = runProgram({programs + "/niutil", "--system", "-read", ".", path});
         return read.status == 0 ? read.output : "";
     }
 
@@ -105,10 +105,10 @@ class SystemAccounts : public OwnComputer {
     }
 
     static DirectoryPlace place() {
-        return DirectoryPlace::ofComputer(platform::SystemFiles(), kAdministrator);
+        return DirectoryPlace::ofComputer(platform::SystemFiles(), administrator);
     }
 
-    static inline const std::string kPrograms = BRINDLE_PROGRAMS;
+    static inline const std::string programs = BRINDLE_PROGRAMS;
 };
 
 TEST_F(SystemAccounts, AreMadeChangedAndTakenAwayAsTheComputersOwn) {
@@ -284,7 +284,7 @@ TEST_F(SystemAccounts, AreWrittenByTheHelperForTheUserWhoCalledSudo) {
         for (const std::string& word : words) {
             text += word + '\0';
         }
-        return runProgram({kPrograms + "/brindle-helper", "--system"}, text, {"SUDO_UID=" + user});
+        return runProgram({programs + "/brindle-helper", "--system"}, text, {"SUDO_UID=" + user});
     };
     ASSERT_EQ(runProgram({"/usr/sbin/useradd", "-l", "-u", "1410", "chief"}).status, 0);
     const Words remove = {"/usr/bin/nicl", ".", "-delete", "/users/chief"};

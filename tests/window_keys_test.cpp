@@ -1,5 +1,6 @@
 // The window with keys alone, and as a screen reader meets it.
 
+#include "frontends/qt/Buttons.h"
 #include "support/HistoryWindowFixture.h"
 
 #include <QAccessible>
@@ -98,6 +99,7 @@ TEST(Mnemonics, AreTheTextsOwnLettersEachOnceAndAsManyAsThereCanBe) {
         std::vector<Titled> texts;
         QString taken;
         QStringList titles;
+        QString shared = {};
     };
 
     for (const Case& each :
@@ -110,9 +112,12 @@ TEST(Mnemonics, AreTheTextsOwnLettersEachOnceAndAsManyAsThereCanBe) {
           Case{{{"名前:", "shareName"}, {"開く…", "open"}, {"AFP サーバ", ""}, {"Share", ""}},
                "",
                {"名前(&S):", "開く(&O)…", "AFP サーバ(&A)", "S&hare"}},
+          // What stands for something elsewhere is for the text that has no other.
+          Case{{{"No", ""}, {"On", ""}}, "", {"N&o", "O&n"}, "N"},
           Case{{{"ページ", "pageMenu"}, {"ページ", ""}}, "A", {"ページ(&P)", "ページ(&B)"}}}) {
         QSet<QChar> taken(each.taken.begin(), each.taken.end());
-        const QStringList titles = titlesWithMnemonics(each.texts, taken);
+        const QStringList titles =
+            titlesWithMnemonics(each.texts, taken, {each.shared.begin(), each.shared.end()});
         EXPECT_EQ(titles, each.titles) << titles.join('|').toStdString();
         for (qsizetype text = 0; text < titles.size(); ++text) {
             EXPECT_EQ(plainTitle(titles[text]), each.texts[static_cast<std::size_t>(text)].text);
@@ -120,7 +125,7 @@ TEST(Mnemonics, AreTheTextsOwnLettersEachOnceAndAsManyAsThereCanBe) {
     }
 }
 
-TEST_F(Keys, EachWindowAndMenuHasEachLetterOnceAndLeavesNoFreeOneUnused) {
+TEST_F(Keys, EachPageDrawerDialogAndMenuGivesEverythingALetterOfItsOwn) {
     addShare("R&D", host.root().string());
     addUser("alice", "501");
     openAll();
@@ -154,27 +159,71 @@ TEST_F(Keys, EachWindowAndMenuHasEachLetterOnceAndLeavesNoFreeOneUnused) {
     };
     forEveryWindow([&](QWidget& shown, const std::string& where) {
         QStringList titles;
+        QStringList ofDrawer;
+        const auto add = [&](const QWidget& each, const QString& title) {
+            const auto* drawer = shown.findChild<QWidget*>("drawer");
+            const bool isInDrawer = drawer != nullptr && drawer->isAncestorOf(&each);
+            (isInDrawer ? ofDrawer : titles) += title;
+        };
         for (auto* each : shown.findChildren<QAbstractButton*>()) {
-            if (each->parentWidget()->objectName().endsWith("Empty")) {
-                continue; // it does what a button below the table does
+            const bool isOverTable = each->parentWidget()->objectName().endsWith("Empty");
+            // The first does what a button below the table does, and the second has keys of its own.
+            const bool needsNone =
+                isOverTable || (each->text() == plainTitle(each->text()) && hasKeys(*each));
+            if (each->isVisible() && !each->text().isEmpty() && !needsNone) {
+                add(*each, each->text());
             }
-            titles +=
-                each->isVisible() && !each->text().isEmpty() ? QStringList(each->text()) : QStringList();
         }
         for (auto* each : shown.findChildren<QLabel*>()) {
-            titles +=
-                each->isVisible() && each->buddy() != nullptr ? QStringList(each->text()) : QStringList();
+            if (each->isVisible() && each->buddy() != nullptr) {
+                add(*each, each->text());
+            }
         }
         const auto* main = qobject_cast<QMainWindow*>(&shown);
         const QSet<QChar> menus = main == nullptr
                                       ? QSet<QChar>()
                                       : check(titlesOf(main->menuBar()->actions()), {}, where + ", menus");
         check(titles, menus, where);
+        check(ofDrawer, menus, where + ", drawer");
     });
-    EXPECT_LE(withoutLetter, 8); // the fullest page and the editor
+    EXPECT_EQ(withoutLetter, 0);
     for (auto* menu : window().findChildren<QMenu*>()) {
         check(titlesOf(menu->actions()), {}, menu->title().toStdString());
     }
+}
+
+TEST_F(Keys, ALetterOfThePageAndTheEditorMeansWhatIsNearerToTheCursor) {
+    addShare("Docs", host.root().string());
+    openAll();
+    clickRow("normalTableView", 0);
+    clickTitled("Edit Share");
+    settle();
+    const auto& drawer = widget<QWidget>("drawer");
+    const auto hasLetter = [](const QString& title, const QString& other) {
+        return QKeySequence::mnemonic(title) == QKeySequence::mnemonic(other);
+    };
+    int shared = 0;
+    for (auto* label : drawer.findChildren<QLabel*>()) {
+        for (auto* button : window().findChildren<QAbstractButton*>()) {
+            if (label->buddy() == nullptr || !button->isVisible() || drawer.isAncestorOf(button) ||
+                QKeySequence::mnemonic(button->text()).isEmpty() ||
+                !hasLetter(label->text(), button->text())) {
+                continue;
+            }
+            ++shared;
+            const auto key = static_cast<Qt::Key>(QKeySequence::mnemonic(button->text())[0].key());
+            drawer.findChild<QWidget*>("createNewShare")->setFocus();
+            press(key, Qt::AltModifier);
+            EXPECT_EQ(QApplication::focusWidget(), label->buddy()) << label->text().toStdString();
+            widget<QWidget>("normalTableView").setFocus();
+            int clicks = 0;
+            QObject::connect(button, &QAbstractButton::clicked, &window(), [&clicks] { ++clicks; });
+            press(key, Qt::AltModifier);
+            EXPECT_TRUE(QTest::qWaitFor([&clicks] { return clicks == 1; })) << button->text().toStdString();
+            button->disconnect(&window());
+        }
+    }
+    EXPECT_GT(shared, 0);
 }
 
 TEST_F(Keys, NoKeyOfTheWindowMeansTwoThings) {

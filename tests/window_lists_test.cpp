@@ -7,6 +7,7 @@
 #include "support/MainWindowFixture.h"
 #include "support/WindowFixture.h"
 
+#include <QAccessible>
 #include <QCheckBox>
 #include <QContextMenuEvent>
 #include <QDesktopServices>
@@ -169,12 +170,16 @@ TEST_F(LongMenu, IsSearchedByAPartOfTheNameAndChangesOnlyByAChoice) {
     const auto* list = menu.findChild<QListView*>();
     ASSERT_TRUE(field != nullptr && list != nullptr && field->hasFocus());
     EXPECT_EQ(list->model()->rowCount(), people);
+    auto* spoken = QAccessible::queryAccessibleInterface(widget<QComboBox>("popUp"));
+    EXPECT_TRUE(spoken->state().expanded);
+    EXPECT_EQ(spoken->child(0)->object(), &menu);
     QTest::keyClicks(field, "ON9999");
     EXPECT_EQ(list->model()->rowCount(), 11); // 9999 and 99990 to 99999
     QTest::keyClick(field, Qt::Key_Down);
     EXPECT_EQ(desk.told, Told{});
     QTest::keyClick(field, Qt::Key_Escape);
     EXPECT_EQ(QApplication::activePopupWidget(), nullptr);
+    EXPECT_FALSE(spoken->state().expanded);
     EXPECT_EQ(desk.popUp->indexOfSelectedItem(), 0);
 
     field = opened().findChild<QLineEdit*>();

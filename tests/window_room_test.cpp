@@ -256,7 +256,12 @@ TEST_F(Colours, NotesWarningsAndMarksCanBeReadOnEveryDesktop) {
             inks += expectInksAreReadable(desktop);
         }
         EXPECT_GE(inks, 6) << desktop;
-        EXPECT_GT(edgeOfEmptyBox(), 1.2) << desktop << ": a box can be seen though it is empty";
+        const bool hasStylesOwn = std::string_view(desktop) == "light";
+        EXPECT_GT(edgeOfEmptyBox(), hasStylesOwn ? 1.2 : leastEdgeContrast - 0.1)
+            << desktop << ": a box can be seen though it is empty";
+        QPalette hiding = palette;
+        hiding.setColor(QPalette::PlaceholderText, palette.color(QPalette::Base).darker(110));
+        EXPECT_GE(contrast(placeholderOn(hiding), palette.color(QPalette::Base)), leastContrast) << desktop;
         for (const Mark mark : {Mark::Warning, Mark::Information}) {
             for (const auto ground : {QPalette::Base, QPalette::AlternateBase, QPalette::Window}) {
                 const auto drawnOn = ground == QPalette::Window ? ground : QPalette::Base;

@@ -146,6 +146,7 @@ Result<int> runScript(const Options& options) {
     if (!services.isOk()) {
         return services.status();
     }
+    services->languages = platform::languagesOfLocale(); // a desktop's list of languages is not the script's
     const auto output = std::make_shared<frontend::ScriptOutput>(std::cout);
     services->log = std::make_shared<frontend::ScriptLog>(
         output, options.dryRun ? nullptr : std::make_shared<QuietSystemLog>());
@@ -255,6 +256,9 @@ Result<int> openWindow(const Options& options, frontend::WindowRun& window) {
         auto taken = frontend::OneWindow::take(place);
         if (taken.isOk() && *taken == nullptr) {
             std::cout << "Brindle is already open on " << place << "; its window has come to the front.\n";
+            if (options.serve) {
+                std::cout << "No server was started: --serve is for the start that opens the window.\n";
+            }
             return 0;
         }
         if (!taken.isOk() && taken.status().systemError() == 0) {

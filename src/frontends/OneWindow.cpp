@@ -6,7 +6,6 @@
 #include <chrono>
 #include <cstdint>
 #include <cstdlib>
-#include <cstring>
 #include <filesystem>
 #include <thread>
 #include <utility>
@@ -52,10 +51,15 @@ FileDescriptor openPrivateFolder(const std::string& path) {
 Result<FileDescriptor> openFolder() {
     const char* runtime = std::getenv("XDG_RUNTIME_DIR");
     const bool isUsable = runtime != nullptr && *runtime == '/' && openPrivateFolder(runtime).isOpen();
-    const std::string path =
-        isUsable
-            ? std::string(runtime) + "/brindle"
-            : (std::filesystem::temp_directory_path() / ("brindle-" + std::to_string(::geteuid()))).string();
+    std::string path = std::string(isUsable ? runtime : "") + "/brindle";
+    if (!isUsable) {
+        std::error_code error;
+        const std::filesystem::path temporary = std::filesystem::temp_directory_path(error);
+        if (error) {
+            return Status::ofErrno("cannot use the folder", "for temporary files", error.value());
+        }
+        path = (temporary / ("brindle-" + std::to_string(::geteuid()))).string();
+    }
     ::mkdir(path.c_str(), privateFolder); // where that fails, so does what follows
     FileDescriptor folder = openPrivateFolder(path);
     return folder.isOpen() ? Result<FileDescriptor>(std::move(folder))
@@ -80,8 +84,8 @@ sockaddr_un addressOf(const FileDescriptor& folder, const std::string& name) {
     return address;
 }
 
-FileDescriptor makeSocket() {
-    return FileDescriptor(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
+FileDescriptor makeSocket(int flags = 0) {
+    return FileDescriptor(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | flags, 0));
 }
 
 void limitWaiting(const FileDescriptor& socket, int seconds) {
@@ -146,7 +150,7 @@ Result<std::unique_ptr<OneWindow>> OneWindow::take(const std::string& place) {
 
 Status OneWindow::listen() {
     ::unlinkat(folder_.get(), socket_.c_str(), 0); // of a process that was killed
-    listener_ = FileDescriptor(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
+    listener_ = makeSocket(SOCK_NONBLOCK);
     const sockaddr_un address = addressOf(folder_, socket_);
     if (!listener_.isOpen() ||
         ::bind(listener_.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0 ||

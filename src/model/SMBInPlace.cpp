@@ -156,8 +156,8 @@ void Editor::addSection(const SMBChange& change) {
 
 /// Half a section would share nothing, or something else: it comes back whole.
 void Editor::addMissingSection(const SMBChange& change) {
-    conflict(change, "");
     if (missing_.emplace(change.section, change.sectionOccurrence).second) {
+        conflicts_.push_back({change.section, "", "", "", ""});
         SMBChange section = change;
         section.value = change.whole;
         addSection(section);

@@ -7,6 +7,7 @@
 #include "platform/foundation/SystemPaths.h"
 #include "platform/samba/SambaAccounts.h"
 #include "review/SMBFields.h"
+#include "tools/HelperFolders.h"
 
 #include <algorithm>
 
@@ -130,6 +131,17 @@ void addPasswordBlocks(const BROutlets& controls, const std::optional<AccountFor
     }
 }
 
+/// The helper changes no folder that somebody could put another one in the place of.
+void addFolderBlock(const PlannedRun& run, const BROutlets& controls, std::vector<Remark>* blocks) {
+    const auto status = run.arguments.size() == 2 ? checkWayTo(run.arguments[1]) : platform::Status();
+    if (!status.isOk()) {
+        blocks->push_back({"folder",
+                           stringWithFormat(NSLocalizedString("\"%@\" cannot be changed: %@."),
+                                            run.arguments[1], reasonOf(status)),
+                           controls.directory->name()});
+    }
+}
+
 bool endsInBackslash(std::string_view value) {
     while (value.ends_with(' ') || value.ends_with('\t')) {
         value.remove_suffix(1);
@@ -162,6 +174,9 @@ std::vector<Remark> blocksOf(const Plan& plan, const BROutlets& controls,
             addDirectoryBlocks(run, plan.operation, controls, accounts, &blocks);
         } else if (run.tool == platform::systempath::dscl) {
             addPasswordBlocks(controls, accounts, &blocks);
+        } else if (accounts &&
+                   (run.tool == platform::systempath::chown || run.tool == platform::systempath::chmod)) {
+            addFolderBlock(run, controls, &blocks);
         }
     }
     if (plan.operation == "updateSMBProperties:") {

@@ -229,9 +229,10 @@ std::string WorkingCopy::run(const std::string& tool, std::span<const std::strin
         arguments.size() == 2) {
         const bool isMode = tool == platform::systempath::chmod;
         const uid_t caller = changesComputer() ? 0 : ::geteuid();
-        const auto order = isMode ? examineMode(arguments[0], arguments[1], caller)
+        const auto host = changesComputer() ? FolderHost::Computer : FolderHost::Embedded;
+        const auto order = isMode ? examineMode(arguments[0], arguments[1], caller, host)
                                   : examineOwner(arguments[0], arguments[1],
-                                                 platform::DirectoryAccounts(storeFile()), caller);
+                                                 platform::DirectoryAccounts(storeFile()), caller, host);
         if (!order.isOk()) {
             return complaint(isMode ? "chmod" : "chown", order.status());
         }

@@ -65,7 +65,7 @@ HelperResult cp(const HelperPlace& place, Arguments arguments) {
         return said("cp", copyIntoPlace(arguments[0], target, place.user));
     }
     const platform::SystemFiles files(place.systemPrefix);
-    const std::string target = platform::systemFileBehind(arguments[1], files);
+    const std::string target = platform::systemFileFor(arguments[1], files);
     if (arguments[1] == systempath::smbConf) {
         return said("cp", copyIntoPlace(arguments[0], target, place.user, &checkSmbConf));
     }
@@ -76,16 +76,21 @@ HelperResult cp(const HelperPlace& place, Arguments arguments) {
     return said("cp", status.isOk() ? copyIntoPlace(arguments[0], target, place.user) : status);
 }
 
+FolderHost hostOf(const HelperPlace& place) {
+    return place.root.empty() ? FolderHost::Computer : FolderHost::Embedded;
+}
+
 HelperResult chown(const HelperPlace& place, Arguments arguments) {
     if (arguments.size() != 2) {
         return wrongArguments("chown", "chown OWNER:GROUP FOLDER");
     }
     const std::string storeFile = place.root.empty() ? "" : platform::EmbeddedRoot(place.root).storeFile();
-    return said("chown", changeOwner(arguments[0], arguments[1], platform::DirectoryAccounts(storeFile)));
+    return said("chown", changeOwner(arguments[0], arguments[1], platform::DirectoryAccounts(storeFile),
+                                     hostOf(place)));
 }
 
-HelperResult chmod(const HelperPlace& /*place*/, Arguments arguments) {
-    return arguments.size() == 2 ? said("chmod", changeMode(arguments[0], arguments[1]))
+HelperResult chmod(const HelperPlace& place, Arguments arguments) {
+    return arguments.size() == 2 ? said("chmod", changeMode(arguments[0], arguments[1], hostOf(place)))
                                  : wrongArguments("chmod", "chmod MODE FOLDER");
 }
 

@@ -23,15 +23,17 @@ using platform::Status;
 namespace {
 
 /// Nothing at or below these is for sharing. The last four lead into /usr on most computers, not on all.
-constexpr std::array<std::string_view, 13> systemTrees = {"/etc",   "/usr",     "/boot",     "/dev",  "/proc",
-                                                          "/sys",   "/run",     "/bin",      "/sbin", "/lib",
-                                                          "/lib64", "/var/lib", "/var/spool"};
+constexpr std::array<std::string_view, 11> systemTrees = {"/etc", "/usr", "/boot", "/dev", "/proc", "/sys",
+                                                          "/run", "/bin", "/sbin", "/lib", "/lib64"};
+/// The same where root acts: programs keep what they count on there.
+constexpr std::array<std::string_view, 2> treesOfComputer = {"/var/lib", "/var/spool"};
 /// Except for the volumes that people plug in.
 constexpr std::string_view volumes = "/run/media/";
 /// These hold folders that may be shared, but programs of all users count on their own mode. /srv and /mnt
 /// are the administrator's.
-constexpr std::array<std::string_view, 10> systemFolders = {
-    "/", "/var", "/var/cache", "/var/log", "/var/tmp", "/tmp", "/opt", "/media", "/home", "/root"};
+constexpr std::array<std::string_view, 12> systemFolders = {
+    "/",        "/var", "/var/cache", "/var/lib", "/var/log", "/var/spool",
+    "/var/tmp", "/tmp", "/opt",       "/media",   "/home",    "/root"};
 /// Who may write to these may log on, or sign, as the user whose they are; ssh refuses keys in a folder that
 /// others may write to.
 constexpr std::array<std::string_view, 2> keyFolders = {".ssh", ".gnupg"};
@@ -79,8 +81,7 @@ Status checkParents(const std::string& path, const std::string& asNamed) {
     return {};
 }
 
-/// With the rights of the user `caller`.
-Result<OpenFolder> openFolder(const std::string& path, uid_t caller) {
+Result<OpenFolder> openFolder(const std::string& path, FolderHost host) {
     OpenFolder folder;
     // O_PATH, because the owner of a folder may change one that nobody is allowed to read.
     folder.descriptor = FileDescriptor(::open(path.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
@@ -93,11 +94,11 @@ Result<OpenFolder> openFolder(const std::string& path, uid_t caller) {
         return Status::ofErrno(cannotChange, path, errno);
     }
     const std::string real(resolved.data(), static_cast<std::size_t>(length));
-    if (isSystemFolder(real, folder.status)) {
+    if (isSystemFolder(real, folder.status, host)) {
         return Status::failure(cannotChange, path,
                                "is a folder of the system and stays as it is; share another one");
     }
-    if (Status status = caller == 0 ? checkParents(real, path) : Status(); !status.isOk()) {
+    if (Status status = host == FolderHost::Computer ? checkParents(real, path) : Status(); !status.isOk()) {
         return status;
     }
     return folder;
@@ -109,12 +110,14 @@ constexpr Id unchanged = static_cast<Id>(-1);
 
 } // namespace
 
-bool isSystemFolder(const std::string& path, const struct stat& status) {
+bool isSystemFolder(const std::string& path, const struct stat& status, FolderHost host) {
     const auto isInTree = [&](std::string_view tree) {
         const bool isBelow = path.starts_with(tree) && path.size() > tree.size() && path[tree.size()] == '/';
         return path == tree || (isBelow && !path.starts_with(volumes)) || isSameFolder(status, tree);
     };
-    return isKeyFolder(path) || std::ranges::any_of(systemTrees, isInTree) ||
+    const bool isOfComputer =
+        host == FolderHost::Computer && (isKeyFolder(path) || std::ranges::any_of(treesOfComputer, isInTree));
+    return isOfComputer || std::ranges::any_of(systemTrees, isInTree) ||
            std::ranges::any_of(systemFolders, [&](std::string_view each) {
                return path == each || isSameFolder(status, each);
            });
@@ -128,8 +131,8 @@ struct OpenOrder {
     FolderOrder order;
 };
 
-Result<OpenOrder> withFolder(FolderOrder order, const std::string& path, uid_t caller) {
-    auto opened = openFolder(path, caller);
+Result<OpenOrder> withFolder(FolderOrder order, const std::string& path, FolderHost host) {
+    auto opened = openFolder(path, host);
     if (!opened.isOk()) {
         return opened.status();
     }
@@ -138,7 +141,7 @@ Result<OpenOrder> withFolder(FolderOrder order, const std::string& path, uid_t c
 }
 
 Result<OpenOrder> ownerOrder(const std::string& ownerAndGroup, const std::string& folder,
-                             const platform::DirectoryAccounts& accounts, uid_t caller) {
+                             const platform::DirectoryAccounts& accounts, FolderHost host) {
     FolderOrder order;
     const std::size_t colon = ownerAndGroup.find(':');
     const std::string owner = ownerAndGroup.substr(0, colon);
@@ -157,10 +160,10 @@ Result<OpenOrder> ownerOrder(const std::string& ownerAndGroup, const std::string
                                    "there is no such group; choose one of the list");
         }
     }
-    return withFolder(order, folder, caller);
+    return withFolder(order, folder, host);
 }
 
-Result<OpenOrder> modeOrder(const std::string& mode, const std::string& folder, uid_t caller) {
+Result<OpenOrder> modeOrder(const std::string& mode, const std::string& folder, FolderHost host) {
     constexpr unsigned largest = 0777;
     unsigned bits = 0;
     const char* const end = mode.data() + mode.size();
@@ -168,7 +171,7 @@ Result<OpenOrder> modeOrder(const std::string& mode, const std::string& folder, 
     if (error != std::errc() || parsed != end || bits > largest) {
         return Status::failure("cannot use", mode, "is no mode; give one from 0 to 777 in octal");
     }
-    auto opened = withFolder({}, folder, caller);
+    auto opened = withFolder({}, folder, host);
     if (opened.isOk()) {
         opened->order.mode = (opened->order.status.st_mode & 07000U) | bits;
     }
@@ -203,17 +206,18 @@ Result<FolderOrder> examined(const Result<OpenOrder>& opened, const std::string&
 } // namespace
 
 Result<FolderOrder> examineOwner(const std::string& ownerAndGroup, const std::string& folder,
-                                 const platform::DirectoryAccounts& accounts, uid_t caller) {
-    return examined(ownerOrder(ownerAndGroup, folder, accounts, caller), folder, caller);
+                                 const platform::DirectoryAccounts& accounts, uid_t caller, FolderHost host) {
+    return examined(ownerOrder(ownerAndGroup, folder, accounts, host), folder, caller);
 }
 
-Result<FolderOrder> examineMode(const std::string& mode, const std::string& folder, uid_t caller) {
-    return examined(modeOrder(mode, folder, caller), folder, caller);
+Result<FolderOrder> examineMode(const std::string& mode, const std::string& folder, uid_t caller,
+                                FolderHost host) {
+    return examined(modeOrder(mode, folder, host), folder, caller);
 }
 
 Status changeOwner(const std::string& ownerAndGroup, const std::string& folder,
-                   const platform::DirectoryAccounts& accounts) {
-    const auto opened = ownerOrder(ownerAndGroup, folder, accounts, ::geteuid());
+                   const platform::DirectoryAccounts& accounts, FolderHost host) {
+    const auto opened = ownerOrder(ownerAndGroup, folder, accounts, host);
     if (!opened.isOk()) {
         return opened.status();
     }
@@ -224,8 +228,8 @@ Status changeOwner(const std::string& ownerAndGroup, const std::string& folder,
     return {};
 }
 
-Status changeMode(const std::string& mode, const std::string& folder) {
-    const auto opened = modeOrder(mode, folder, ::geteuid());
+Status changeMode(const std::string& mode, const std::string& folder, FolderHost host) {
+    const auto opened = modeOrder(mode, folder, host);
     if (!opened.isOk()) {
         return opened.status();
     }
@@ -233,4 +237,10 @@ Status changeMode(const std::string& mode, const std::string& folder) {
         return Status::ofErrno(cannotChange, folder, errno);
     }
     return {};
+}
+
+Status checkWayTo(const std::string& folder) {
+    std::error_code error;
+    const std::filesystem::path real = std::filesystem::canonical(folder, error);
+    return error ? Status() : checkParents(real, folder);
 }

@@ -12,7 +12,7 @@
 
 namespace {
 
-const std::string kScript = BRINDLE_OWN_COMPUTER;
+const std::string ownComputer = BRINDLE_OWN_COMPUTER;
 
 /// Why the tests are skipped; empty when they are on a computer of their own.
 std::string& missing() {
@@ -22,10 +22,10 @@ std::string& missing() {
 
 /// Starts this program once more, inside. Returns only when that cannot be done.
 void enter(int argc, char** argv) {
-    std::vector<std::string> words = {kScript, std::filesystem::read_symlink("/proc/self/exe")};
+    std::vector<std::string> words = {ownComputer, std::filesystem::read_symlink("/proc/self/exe")};
     words.insert(words.end(), argv + 1, argv + argc);
-    ::execv(kScript.c_str(), platform::nullTerminated(words).data());
-    missing() = "there is no program " + kScript;
+    ::execv(ownComputer.c_str(), platform::nullTerminated(words).data());
+    missing() = "there is no program " + ownComputer;
 }
 
 } // namespace
@@ -36,7 +36,7 @@ int runTestsOnOwnComputer(int argc, char** argv) {
     if (std::getenv("BRINDLE_OWN_COMPUTER") != nullptr) {
         missing().clear();
     } else if (!GTEST_FLAG_GET(list_tests)) {
-        const Finished check = runProgram({kScript, "--check"});
+        const Finished check = runProgram({ownComputer, "--check"});
         missing() = platform::lastLineOf(check.errors);
         if (check.status == 0) {
             enter(static_cast<int>(given.size()), given.data());

@@ -32,10 +32,11 @@ class ReviewFixture : public AppFixture {
         };
         if (run.tool == "/usr/sbin/chown") {
             return said(changeOwner(run.arguments.at(0), run.arguments.at(1),
-                                    platform::DirectoryAccounts(place.storeFile)));
+                                    platform::DirectoryAccounts(place.storeFile), FolderHost::Embedded));
         }
-        return run.tool == "/bin/chmod" ? said(changeMode(run.arguments.at(0), run.arguments.at(1)))
-                                        : carryOut(run);
+        return run.tool == "/bin/chmod"
+                   ? said(changeMode(run.arguments.at(0), run.arguments.at(1), FolderHost::Embedded))
+                   : carryOut(run);
     }
 
     /// Loads and launches, with the reviewer.

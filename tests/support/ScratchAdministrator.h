@@ -33,8 +33,8 @@ class ScratchAdministrator {
             runProgram({"/usr/sbin/chpasswd"}, name_ + ":" + password_ + "\n").status != 0) {
             missing_ = "no account can be made on this computer";
         } else {
-            std::ofstream(kRules / name_) << name_ << " ALL=(ALL) ALL\n";
-            ::chmod((kRules / name_).c_str(), 0440);
+            std::ofstream(sudoRules / name_) << name_ << " ALL=(ALL) ALL\n";
+            ::chmod((sudoRules / name_).c_str(), 0440);
         }
     }
 
@@ -74,14 +74,14 @@ class ScratchAdministrator {
                 ::usleep(50000);
             }
         }
-        std::filesystem::remove(kRules / name);
+        std::filesystem::remove(sudoRules / name);
     }
 
     /// Takes away the accounts of tests that were killed: those whose number is no process any more.
     static void removeLeftOver() {
-        for (const auto& rule : std::filesystem::directory_iterator(kRules)) {
+        for (const auto& rule : std::filesystem::directory_iterator(sudoRules)) {
             const std::string name = rule.path().filename();
-            const std::string number = name.starts_with(kPrefix) ? name.substr(kPrefix.size()) : "";
+            const std::string number = name.starts_with(namePrefix) ? name.substr(namePrefix.size()) : "";
             if (!number.empty() && std::ranges::all_of(number, ::isdigit) &&
                 !std::filesystem::exists("/proc/" + number)) {
                 remove(name);
@@ -89,8 +89,8 @@ class ScratchAdministrator {
         }
     }
 
-    static inline const std::string kPrefix = "brindle-t";
-    static inline const std::filesystem::path kRules = "/etc/sudoers.d";
+    static inline const std::string namePrefix = "brindle-t";
+    static inline const std::filesystem::path sudoRules = "/etc/sudoers.d";
 
     /// Nobody knows it: a test that is killed leaves the account behind until the next one.
     static std::string randomPassword() {
@@ -102,7 +102,7 @@ class ScratchAdministrator {
         return text;
     }
 
-    std::string name_ = kPrefix + std::to_string(::getpid());
+    std::string name_ = namePrefix + std::to_string(::getpid());
     std::string password_ = randomPassword();
     std::string missing_;
 };

@@ -10,20 +10,20 @@ namespace frontend {
 
 class CommandRun;
 
-/// What the command line asks for where it names a command.
+/// The options of a command line that names a command.
 struct CommandOptions {
-    std::function<void(CommandRun&)> carryOut; ///< empty: no command was named
+    std::function<void(CommandRun&)> carryOut; ///< empty when no command was named
     std::string name;                          ///< "shares add"
     bool printsJSON = false;
-    bool saysYes = false; ///< confirmations are answered beforehand
+    bool saysYes = false; ///< every confirmation is answered with yes
     bool isDryRun = false;
-    bool needsApplication = true; ///< false: a host is all that it needs
+    bool needsApplication = true; ///< false when the command only needs a host
 };
 
 /// Adds all commands to the parser. `options` must outlive it.
 void addCommands(CLI::App& parser, CommandOptions& options);
 
-// One for each noun, and what they add their commands with.
+// One function for each noun, and the functions that they add their commands with.
 
 void addShareCommands(CLI::App& parser, CommandOptions& options);
 void addUserCommands(CLI::App& parser, CommandOptions& options);
@@ -38,14 +38,16 @@ void addDoctorCommand(CLI::App& parser, CommandOptions& options);
 
 enum class CommandKind { Reading, Writing };
 
-/// Adds the noun that commands are about.
+/// Adds a noun, such as "shares", and returns its parser, which gets the commands.
 CLI::App* addNoun(CLI::App& parser, const std::string& name, const std::string& description);
 
-/// Adds the command `name` below `parent`, with --json and, where it writes, --yes and --dry-run.
+/// Adds the command `name` to `parent`, with --json and, if it writes, --yes and --dry-run. Returns its
+/// parser.
 CLI::App* addCommand(CLI::App& parent, CommandOptions& options, const std::string& name, CommandKind kind,
                      const std::string& description, std::function<void(CommandRun&)> carryOut);
 
-/// Adds the two flags --NAME and --no-NAME for a thing that is on, off or left as it is.
+/// Adds the two flags --NAME and --no-NAME, which turn something on or off; with neither, `state` stays
+/// empty.
 void addSwitch(CLI::App& command, const std::string& name, std::optional<bool>& state,
                const std::string& description);
 

@@ -31,7 +31,7 @@ JSON groupAt(const CommandRun& run, int row) {
             {"members", membersAt(run, row)}};
 }
 
-/// Every group, those of the system too.
+/// Returns the group's row; ends the command when there is none. Looks at system groups too.
 int rowOf(CommandRun& run, const std::string& name) {
     run.check("showSystemUsersGroups3", true);
     return run.rowOf(table, "Group", name);
@@ -111,7 +111,7 @@ void remove(CommandRun& run, const GroupOptions& options) {
     run.press("deleteGroupButton");
 }
 
-/// Makes the users members, or no members any more: those that are not so already.
+/// Adds the users to the group or removes them, and leaves out those for whom that is already so.
 void change(CommandRun& run, const GroupOptions& options, bool join, const char* button) {
     const int group = requireRow(run, options.name);
     const auto before = membersAt(run, group);

@@ -16,7 +16,7 @@ SilentPresenter::runAdministratorDialog(const platform::AdministratorRequest& /*
 }
 
 platform::TimerId SilentPresenter::startTimer(double /*interval*/, std::function<void()> /*fire*/) {
-    return ++lastTimer_; // what it would animate is not visible
+    return ++lastTimer_; // nothing that it would animate is visible
 }
 
 } // namespace frontend

@@ -4,8 +4,8 @@
 
 namespace frontend {
 
-/// The front-end of a run that only prints, where nobody can see or answer anything. An alert gets the button
-/// that changes nothing: its alternate button, or its only one. Everything else is refused.
+/// The front-end of a run that only prints, where nobody can see or answer anything. It answers an alert with
+/// the button that changes nothing: its alternate button, or its only one. Everything else is refused.
 class SilentPresenter : public platform::Presenter {
   public:
     [[nodiscard]] platform::AlertAnswer runAlert(const platform::Alert& alert) override;

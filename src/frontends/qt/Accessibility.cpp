@@ -24,18 +24,18 @@ class AccessiblePopUp : public QAccessibleWidget {
     [[nodiscard]] QAccessible::State state() const override {
         QAccessible::State state = QAccessibleWidget::state();
         state.expandable = true;
-        state.expanded = popUp_.view()->isVisible();
+        state.expanded = popUp_.isOpen();
         return state;
     }
 
     [[nodiscard]] int childCount() const override { return 1; }
 
     [[nodiscard]] QAccessibleInterface* child(int index) const override {
-        return index == 0 ? QAccessible::queryAccessibleInterface(popUp_.view()) : nullptr;
+        return index == 0 ? QAccessible::queryAccessibleInterface(popUp_.list()) : nullptr;
     }
 
     [[nodiscard]] int indexOfChild(const QAccessibleInterface* child) const override {
-        return child->object() == popUp_.view() ? 0 : -1;
+        return child->object() == popUp_.list() ? 0 : -1;
     }
 
     [[nodiscard]] QStringList actionNames() const override {
@@ -45,7 +45,7 @@ class AccessiblePopUp : public QAccessibleWidget {
     void doAction(const QString& name) override {
         if (name != showMenuAction()) {
             QAccessibleWidget::doAction(name);
-        } else if (popUp_.view()->isVisible()) {
+        } else if (popUp_.isOpen()) {
             popUp_.hidePopup();
         } else {
             popUp_.showPopup();

@@ -9,13 +9,14 @@
 
 #include <QAbstractButton>
 #include <QAction>
-#include <QApplication>
+#include <QCoreApplication>
 #include <QEvent>
 #include <QFileDialog>
 #include <QLabel>
 #include <QMainWindow>
 #include <QMenu>
 #include <QMenuBar>
+#include <QShortcutEvent>
 #include <QStatusBar>
 #include <QTimer>
 #include <QToolButton>
@@ -25,7 +26,7 @@
 
 namespace {
 
-constexpr QChar beforeKeys(u'\t'); ///< in titles that name their keys themselves
+constexpr QChar beforeKeys(u'\t'); ///< separates a title from the keys that it names
 
 bool standsInBar(const QAction* action) {
     return std::ranges::any_of(action->associatedObjects(), [](const QObject* each) {
@@ -35,6 +36,15 @@ bool standsInBar(const QAction* action) {
 
 void markActions(QList<QAction*> marked, QSet<QChar>& taken) {
     marked.removeIf([](const QAction* each) { return each->isSeparator() || !each->isVisible(); });
+    // Those that can have their first letter come before those that make do with another.
+    QSet<QChar> firsts;
+    std::stable_partition(marked.begin(), marked.end(), [&firsts](const QAction* each) {
+        const QString text = plainTitle(each->text());
+        const QChar first = text.isEmpty() ? QChar() : text.front().toUpper();
+        const bool isNew = !firsts.contains(first);
+        firsts.insert(first);
+        return isNew;
+    });
     std::vector<Titled> titles;
     for (const QAction* each : marked) {
         const QMenu* menu = each->menu();
@@ -48,7 +58,7 @@ void markActions(QList<QAction*> marked, QSet<QChar>& taken) {
     }
 }
 
-/// A button with a title, or the label of a field.
+/// True for a button with a title and for the label of a field.
 bool hasTitle(QWidget* widget) {
     const auto* button = qobject_cast<const QAbstractButton*>(widget);
     const auto* label = qobject_cast<const QLabel*>(widget);
@@ -78,30 +88,34 @@ void giveTitle(QWidget* widget, const QString& title) {
     }
 }
 
-/// Does the button change something?
+/// True when the widget is a button that changes something.
 bool isWriting(const QWidget* widget) {
     const auto* button = qobject_cast<const QAbstractButton*>(widget);
     const NSButton* model = button == nullptr ? nullptr : modelOfButton(*button);
     return model != nullptr && review::Reviewer::isWriting(model->action().operation);
 }
 
-void markWidgets(QList<QWidget*> widgets, QSet<QChar>& taken) {
-    // Where letters run out, it is not for what one came for: the buttons that change something, and the
-    // fields.
-    const auto others = std::stable_partition(widgets.begin(), widgets.end(), isWriting);
-    std::stable_partition(others, widgets.end(),
-                          [](const QWidget* each) { return qobject_cast<const QLabel*>(each) != nullptr; });
+void markWidgets(QList<QWidget*> widgets, QSet<QChar>& taken, const QSet<QChar>& shared) {
+    // Where letters run out, it is for what has keys of its own, and not for what one came for: the buttons
+    // that change something, and the fields.
+    const auto rank = [](const QWidget* each) {
+        return hasKeys(*each)                                 ? 3
+               : isWriting(each)                              ? 0
+               : qobject_cast<const QLabel*>(each) != nullptr ? 1
+                                                              : 2;
+    };
+    std::ranges::stable_sort(widgets, {}, rank);
     std::vector<Titled> titles;
     for (QWidget* each : widgets) {
         titles.push_back({plainTitle(titleOf(each)), nameOf(each)});
     }
-    const QStringList texts = titlesWithMnemonics(titles, taken);
+    const QStringList texts = titlesWithMnemonics(titles, taken, shared);
     for (qsizetype place = 0; place < widgets.size(); ++place) {
         giveTitle(widgets[place], texts[place]);
     }
 }
 
-/// Where the widget stands in its window: letters are given part by part.
+/// The part of the window that a widget is in: letters are assigned part by part.
 enum Part { Page, InDrawer, Foot };
 
 Part partOf(const QWidget* widget) {
@@ -116,11 +130,21 @@ Part partOf(const QWidget* widget) {
     return Page;
 }
 
+/// What can have a letter in the window, as it is read.
+QList<QWidget*> titledWidgets(const QWidget& window) {
+    QList<QWidget*> titled = widgetsAsRead(window);
+    // The note over an empty table has a button that does the same as one below the table.
+    titled.removeIf(
+        [](const QWidget* each) { return dynamic_cast<EmptyNote*>(each->parentWidget()) != nullptr; });
+    titled.removeIf([&window](QWidget* each) { return !hasTitle(each) || !each->isVisibleTo(&window); });
+    return titled;
+}
+
 void settle(QWidget& window) {
     QSet<QChar> taken;
     if (auto* menu = qobject_cast<QMenu*>(&window)) {
         QList<QAction*> actions = menu->actions();
-        // What has no room in a bar hangs in a menu, and keeps its letter.
+        // An action without room in the bar is shown in a menu instead, and keeps its letter.
         actions.removeIf(standsInBar);
         markActions(actions, taken);
         return;
@@ -129,19 +153,42 @@ void settle(QWidget& window) {
     if (const auto* main = qobject_cast<const QMainWindow*>(&window)) {
         markActions(main->menuBar()->actions(), taken);
     }
-    QList<QWidget*> titled = widgetsAsRead(window);
-    // What lies over an empty table does what a button below it does.
-    titled.removeIf(
-        [](const QWidget* each) { return dynamic_cast<EmptyNote*>(each->parentWidget()) != nullptr; });
-    titled.removeIf([&window](QWidget* each) { return !hasTitle(each) || !each->isVisibleTo(&window); });
-    for (const Part part : {Page, InDrawer, Foot}) {
+    const QList<QWidget*> titled = titledWidgets(window);
+    const auto mark = [&titled](Part part, QSet<QChar>& used, const QSet<QChar>& shared) {
         QList<QWidget*> standing = titled;
         standing.removeIf([part](const QWidget* each) { return partOf(each) != part; });
-        markWidgets(standing, taken);
+        markWidgets(standing, used, shared);
+    };
+    QSet<QChar> ofPage = taken;
+    mark(Page, ofPage, {});
+    ofPage -= taken;
+    // There are not letters enough for a page and a drawer beside it.
+    mark(InDrawer, taken, ofPage);
+    mark(Foot, taken, ofPage);
+}
+
+/// The letters' buttons and labels of the window's that the key press may mean.
+QList<QWidget*> meantBy(const QKeySequence& key, const QWidget& window) {
+    QList<QWidget*> meant = titledWidgets(window);
+    meant.removeIf([&key](QWidget* each) {
+        const QLabel* label = qobject_cast<const QLabel*>(each);
+        const QWidget* used = label == nullptr ? each : label->buddy();
+        return !used->isEnabled() || QKeySequence::mnemonic(titleOf(each)) != key;
+    });
+    return meant;
+}
+
+/// Does what the letter of a button or of a label does.
+void useLetterOf(QWidget& titled) {
+    if (auto* button = qobject_cast<QAbstractButton*>(&titled)) {
+        button->setFocus(Qt::ShortcutFocusReason);
+        button->animateClick();
+    } else {
+        qobject_cast<QLabel*>(&titled)->buddy()->setFocus(Qt::ShortcutFocusReason);
     }
 }
 
-/// The system's own way to choose a file has letters of its own.
+/// False for the desktop's file dialog, which has its own letters.
 bool isOurs(const QWidget& window) {
     const Qt::WindowType type = window.windowType();
     return qobject_cast<const QMenu*>(&window) != nullptr ||
@@ -157,6 +204,10 @@ KeyAccess::KeyAccess() {
 
 bool KeyAccess::eventFilter(QObject* watched, QEvent* event) {
     const QEvent::Type type = event->type();
+    if (type == QEvent::Shortcut) {
+        const auto& shortcut = static_cast<const QShortcutEvent&>(*event);
+        return shortcut.isAmbiguous() && useNearest(shortcut.key());
+    }
     const bool isOfActions = type == QEvent::ActionAdded || type == QEvent::ActionChanged;
     if (type != QEvent::Show && type != QEvent::HideToParent && type != QEvent::LayoutRequest &&
         !isOfActions) {
@@ -168,11 +219,27 @@ bool KeyAccess::eventFilter(QObject* watched, QEvent* event) {
         return false;
     }
     if (type == QEvent::Show && widget == window) {
-        settle(*window); // before anybody sees it
+        settle(*window); // before it is painted
     } else if (!isOfActions || widget == window || qobject_cast<QMenuBar*>(widget) != nullptr) {
         settleSoon(window);
     }
     return false;
+}
+
+bool KeyAccess::useNearest(const QKeySequence& key) {
+    const QWidget* window = QApplication::activeWindow();
+    const QList<QWidget*> meant = window == nullptr ? QList<QWidget*>() : meantBy(key, *window);
+    if (meant.isEmpty()) {
+        return false;
+    }
+    const QWidget* focused = QApplication::focusWidget();
+    const Part here = focused == nullptr ? Page : partOf(focused);
+    const auto distance = [here](const QWidget* each) {
+        const Part part = partOf(each);
+        return part == here ? 0 : part == Foot ? 1 : 2; // the foot shows what has just come
+    };
+    useLetterOf(**std::ranges::min_element(meant, {}, distance));
+    return true;
 }
 
 void KeyAccess::settleSoon(QWidget* window) {

@@ -71,3 +71,8 @@ void endEditingOfFocusedField() {
         edit->endEditing();
     }
 }
+
+void insertBeforeHelp(QMenuBar& bar, QMenu& menu) {
+    const QList<QAction*> menus = bar.actions();
+    bar.insertMenu(menus.isEmpty() ? nullptr : menus.constLast(), &menu);
+}

@@ -17,3 +17,6 @@ void closeMainWindow(RefreshQueue& queue);
 /// Lets a field that is being edited finish, where something is about to happen that does not take the focus
 /// from it.
 void endEditingOfFocusedField();
+
+/// Adds a menu before the last one, which is the help's, as everywhere.
+void insertBeforeHelp(QMenuBar& bar, QMenu& menu);

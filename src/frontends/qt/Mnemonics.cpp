@@ -57,22 +57,34 @@ QString lettersFor(const Titled& titled) {
 /// Who has which letter. A text that comes late takes one from an earlier text that can have another.
 class Letters {
   public:
-    Letters(const std::vector<Titled>& texts, const QSet<QChar>& taken) {
+    Letters(const std::vector<Titled>& texts, const QSet<QChar>& taken, const QSet<QChar>& shared) {
         for (const Titled& each : texts) {
             QString wanted = lettersFor(each);
             wanted.removeIf([&taken](QChar letter) { return taken.contains(letter); });
             wanted_.push_back(wanted);
         }
-        for (std::size_t text = 0; text < wanted_.size(); ++text) {
-            QSet<QChar> tried;
-            give(text, tried);
+        std::vector<QString> all = wanted_;
+        for (QString& each : wanted_) {
+            each.removeIf([&shared](QChar letter) { return shared.contains(letter); });
         }
+        giveAll();
+        wanted_ = std::move(all);
+        giveAll();
     }
 
     /// A null character where the text has none.
     [[nodiscard]] QChar of(std::size_t text) const { return holders_.key(text); }
 
   private:
+    void giveAll() {
+        for (std::size_t text = 0; text < wanted_.size(); ++text) {
+            QSet<QChar> tried;
+            if (of(text).isNull()) {
+                give(text, tried);
+            }
+        }
+    }
+
     bool give(std::size_t text, QSet<QChar>& tried) {
         for (const QChar letter : wanted_[text]) {
             if (!holders_.contains(letter)) {
@@ -131,8 +143,9 @@ QString marked(const QString& text, QChar letter) {
 
 } // namespace
 
-QStringList titlesWithMnemonics(const std::vector<Titled>& texts, QSet<QChar>& taken) {
-    const Letters letters(texts, taken);
+QStringList titlesWithMnemonics(const std::vector<Titled>& texts, QSet<QChar>& taken,
+                                const QSet<QChar>& shared) {
+    const Letters letters(texts, taken, shared);
     QStringList titles;
     for (std::size_t text = 0; text < texts.size(); ++text) {
         const QChar letter = letters.of(text);
@@ -145,15 +158,14 @@ QStringList titlesWithMnemonics(const std::vector<Titled>& texts, QSet<QChar>& t
 }
 
 QString plainTitle(const QString& title) {
-    static const QRegularExpression marks(QStringLiteral("\\(&[^&]\\)|&(.?)"));
-    QString plain;
-    qsizetype from = 0;
-    for (auto found = marks.globalMatch(title); found.hasNext();) {
-        const QRegularExpressionMatch match = found.next();
-        plain += title.mid(from, match.capturedStart() - from) + match.captured(1);
-        from = match.capturedEnd();
+    static const QRegularExpression behind(QStringLiteral("\\(&[^&]\\)"));
+    static const QRegularExpression marks(QStringLiteral("&(.?)"));
+    QString plain = title;
+    // A title of its own may end like that, where letters are marked in their places.
+    if (plain.remove(behind); !needsLetterBehind(plain)) {
+        plain = title;
     }
-    return plain + title.mid(from);
+    return plain.replace(marks, QStringLiteral("\\1"));
 }
 
 void setTitle(QAbstractButton& button, const std::string& text) {

@@ -19,10 +19,12 @@ struct Titled {
 };
 
 /// Each text as a title with its letter marked. No letter is used twice, none is of `taken`, and as many
-/// texts have one as the letters allow; the earlier ones have the better. Where a writing has no letters on
-/// the keyboard, one is put behind the text: "(&S)". A text that is left without one stands as it is. The
-/// letters that are used are added to `taken`.
-[[nodiscard]] QStringList titlesWithMnemonics(const std::vector<Titled>& texts, QSet<QChar>& taken);
+/// texts have one as the letters allow; the earlier ones have the better. Letters of `shared` stand for
+/// something elsewhere in the window, too, and are for texts that are left without one. Where a writing has
+/// no letters on the keyboard, one is put behind the text: "(&S)". A text without a letter stands as it is.
+/// The letters that are used are added to `taken`.
+[[nodiscard]] QStringList titlesWithMnemonics(const std::vector<Titled>& texts, QSet<QChar>& taken,
+                                              const QSet<QChar>& shared = {});
 
 /// The text that such a title, or one that title() made, shows.
 [[nodiscard]] QString plainTitle(const QString& title);

@@ -7,40 +7,94 @@
 #include <QStyleOption>
 #include <QWidget>
 
+#include <algorithm>
+
 namespace {
 
 constexpr const char* fusion = "fusion";
 constexpr int cellMargin = 6;
 constexpr int buttonAir = 16;
 constexpr int fieldAir = 4;
+constexpr int fieldInset = 3; ///< from where the style has a field's text, so that it begins as a cell's does
+constexpr int menuInset = 2;
+constexpr int rowPadding = 8; ///< as in the tables
 
-/// A button that is a picture and nothing else.
+/// True for a button that is only a picture.
 bool isFlat(const QStyleOption* option) {
     const auto* button = qstyleoption_cast<const QStyleOptionButton*>(option);
     return button != nullptr && button->features.testFlag(QStyleOptionButton::Flat);
 }
 
-/// Whether the style's outlines, which are darker than the window, look like the window itself.
-bool edgesVanish(const QPalette& palette) {
+/// How much the style's outlines, which are darker than the window, stand out from it.
+double contrastOfEdges(const QPalette& palette) {
     constexpr int outline = 140; // percent
-    constexpr double leastEdge = 1.1;
     const QColor window = palette.color(QPalette::Window);
-    return contrast(window.darker(outline), window) < leastEdge;
+    return contrast(window.darker(outline), window);
+}
+
+/// Whether the edges of what is drawn look like the window itself; those of fields and boxes, which are all
+/// that is seen of them, sooner than those of buttons.
+bool edgesVanish(const QPalette& palette, bool isButton) {
+    constexpr double leastOfFields = 1.5;
+    constexpr double leastOfButtons = 1.1;
+    return contrastOfEdges(palette) < (isButton ? leastOfButtons : leastOfFields);
+}
+
+void drawEdge(const QRect& rect, const QStyleOption& option, QPainter& painter) {
+    constexpr double radius = 2;
+    const bool hasKeys = option.state.testFlag(QStyle::State_HasFocus);
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(hasKeys ? option.palette.color(QPalette::Highlight) : edgeOn(option.palette));
+    painter.setBrush(Qt::NoBrush);
+    painter.drawRoundedRect(QRectF(rect).adjusted(0.5, 0.5, -0.5, -0.5), radius, radius);
+    painter.restore();
+}
+
+/// Is it a frame that holds what is typed or chosen?
+bool isField(QStyle::PrimitiveElement element) {
+    return element == QStyle::PE_IndicatorCheckBox || element == QStyle::PE_FrameLineEdit ||
+           element == QStyle::PE_Frame || element == QStyle::PE_FrameMenu;
 }
 
 } // namespace
 
 PlainStyle::PlainStyle() : QProxyStyle(QString::fromLatin1(fusion)) {}
 
+void PlainStyle::polish(QPalette& palette) {
+    QProxyStyle::polish(palette);
+    // Not every desktop has a colour for what stands in an empty field.
+    for (const QPalette::ColorGroup group : {QPalette::Active, QPalette::Inactive}) {
+        palette.setCurrentColorGroup(group);
+        palette.setColor(group, QPalette::PlaceholderText, placeholderOn(palette));
+    }
+    palette.setCurrentColorGroup(QPalette::Active);
+}
+
 int PlainStyle::pixelMetric(PixelMetric metric, const QStyleOption* option, const QWidget* widget) const {
     switch (metric) {
     case PM_HeaderMargin:
         return cellMargin;
-    case PM_FocusFrameHMargin: // what stands beside a cell's text, less one
+    case PM_FocusFrameHMargin: // the margin beside a cell's text, minus one pixel
         return cellMargin - 1;
     default:
         return QProxyStyle::pixelMetric(metric, option, widget);
     }
+}
+
+QRect PlainStyle::subElementRect(SubElement element, const QStyleOption* option,
+                                 const QWidget* widget) const {
+    const QRect rect = QProxyStyle::subElementRect(element, option, widget);
+    return element == SE_LineEditContents ? rect.adjusted(fieldInset, 0, -fieldInset, 0) : rect;
+}
+
+QRect PlainStyle::subControlRect(ComplexControl control, const QStyleOptionComplex* option, SubControl part,
+                                 const QWidget* widget) const {
+    const QRect rect = QProxyStyle::subControlRect(control, option, part, widget);
+    const bool isMirrored = option != nullptr && option->direction == Qt::RightToLeft;
+    return control != CC_ComboBox || part != SC_ComboBoxEditField ? rect
+           : isMirrored                                           ? rect.adjusted(0, 0, -menuInset, 0)
+                                                                  : rect.adjusted(menuInset, 0, 0, 0);
 }
 
 void PlainStyle::drawControl(ControlElement element, const QStyleOption* option, QPainter* painter,
@@ -53,7 +107,23 @@ void PlainStyle::drawControl(ControlElement element, const QStyleOption* option,
         QProxyStyle::drawControl(element, &reached, painter, widget);
         return;
     }
+    const auto* menu = qstyleoption_cast<const QStyleOptionComboBox*>(option);
+    if (element == CE_ComboBoxLabel && menu != nullptr) {
+        QStyleOptionComboBox whole = *menu;
+        const int room = subControlRect(CC_ComboBox, menu, SC_ComboBoxEditField, widget).width();
+        whole.currentText = menu->fontMetrics.elidedText(menu->currentText, Qt::ElideRight, room);
+        QProxyStyle::drawControl(element, &whole, painter, widget);
+        return;
+    }
     QProxyStyle::drawControl(element, option, painter, widget);
+}
+
+void PlainStyle::drawComplexControl(ComplexControl control, const QStyleOptionComplex* option,
+                                    QPainter* painter, const QWidget* widget) const {
+    QProxyStyle::drawComplexControl(control, option, painter, widget);
+    if (control == CC_ComboBox && edgesVanish(option->palette, true)) {
+        drawEdge(option->rect, *option, *painter);
+    }
 }
 
 QSize PlainStyle::sizeFromContents(ContentsType type, const QStyleOption* option, const QSize& size,
@@ -64,8 +134,13 @@ QSize PlainStyle::sizeFromContents(ContentsType type, const QStyleOption* option
         made += isFlat(option) ? QSize() : QSize(buttonAir, fieldAir);
         break;
     case CT_LineEdit:
-    case CT_ComboBox:
         made.rheight() += fieldAir;
+        break;
+    case CT_ComboBox:
+        made += QSize(menuInset, fieldAir);
+        break;
+    case CT_ItemViewItem:
+        made.setHeight(std::max(made.height(), option->fontMetrics.height() + rowPadding));
         break;
     default:
         break;
@@ -76,19 +151,16 @@ QSize PlainStyle::sizeFromContents(ContentsType type, const QStyleOption* option
 void PlainStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,
                                const QWidget* widget) const {
     QProxyStyle::drawPrimitive(element, option, painter, widget);
-    const bool hasEdge =
-        element == PE_IndicatorCheckBox || element == PE_FrameLineEdit || element == PE_Frame;
-    if (hasEdge && edgesVanish(option->palette)) {
-        painter->save();
-        painter->setPen(inkOn(Ink::Note, option->palette));
-        painter->setBrush(Qt::NoBrush);
-        painter->drawRect(option->rect.adjusted(0, 0, -1, -1));
-        painter->restore();
+    const bool isButton = element == PE_PanelButtonCommand && !isFlat(option);
+    // A list with the cursor is told by its edge, as a field is by the style itself.
+    const bool hasKeys = element == PE_Frame && option->state.testFlag(State_HasFocus);
+    if (hasKeys || ((isButton || isField(element)) && edgesVanish(option->palette, isButton))) {
+        drawEdge(option->rect, *option, *painter);
     }
 }
 
 void usePlainStyle() {
     if (QApplication::style()->name() == QLatin1String(fusion)) {
-        QApplication::setStyle(new PlainStyle); // the application owns it
+        QApplication::setStyle(new PlainStyle); // the application takes ownership
     }
 }

@@ -62,9 +62,22 @@ void PopUp::showPopup() {
         QComboBox::showPopup();
         return;
     }
+    hidePopup();
     auto* list = new SearchList(popUp_.itemTitles(), popUp_.indexOfSelectedItem(), *this);
     connect(list, &SearchList::chosen, this, &PopUp::userChose);
+    searched_ = list;
     list->open();
+}
+
+void PopUp::hidePopup() {
+    if (searched_ != nullptr) {
+        searched_->close();
+    }
+    QComboBox::hidePopup();
+}
+
+QWidget* PopUp::list() const {
+    return searched_ != nullptr && searched_->isVisible() ? static_cast<QWidget*>(searched_) : view();
 }
 
 void PopUp::userChose(int index) {

@@ -5,8 +5,11 @@
 
 #include <QAbstractListModel>
 #include <QComboBox>
+#include <QPointer>
 
 #include <cstdint>
+
+class SearchList;
 
 /// Shows a pop-up's items without copying them.
 class PopUpItems : public QAbstractListModel {
@@ -37,6 +40,12 @@ class PopUp : public QComboBox {
     PopUp(NSPopUpButton& popUp, bool longList, RefreshQueue& queue);
 
     void showPopup() override;
+    void hidePopup() override;
+
+    /// The list that stands open, or would; of many items the one that is searched.
+    [[nodiscard]] QWidget* list() const;
+
+    [[nodiscard]] bool isOpen() const { return list()->isVisible(); }
 
   protected:
     void wheelEvent(QWheelEvent* event) override;
@@ -48,4 +57,5 @@ class PopUp : public QComboBox {
     NSPopUpButton& popUp_;
     RefreshQueue& queue_;
     PopUpItems items_;
+    QPointer<SearchList> searched_; ///< closed ones go later
 };

@@ -287,6 +287,8 @@ void QtPresenter::useHistory(const review::History& history) {
         auto* changes = new WindowHistory(history, *reviewer_, *actions_.front(), *window, *menu,
                                           *queue_); // the window's child
         changes->setAllowed([this](std::size_t runs) { beginProgress({}, runs); });
+        saved_ = status_->saved.connect(
+            [changes](const std::string& operation) { changes->noteSaved(operation); });
         progress_->setStop([&history](bool madeStill) { history.stopAction(madeStill); });
         status_->useHistory(history, *menu, [changes, window](std::int64_t number) {
             static_cast<void>(changes->takeBack(number, window)); // what came of it is shown

@@ -104,5 +104,6 @@ class QtPresenter : public platform::Presenter {
     std::shared_ptr<platform::Log> log_;       ///< the host's own; null while it is in place
     std::shared_ptr<ActivityLog> activityLog_; ///< stands before it
     std::unique_ptr<RunProgress> progress_;    ///< null where there is no reviewer
-    WindowStatus* status_ = nullptr;           ///< the main window's child; null where there is none
+    platform::Connection saved_;
+    WindowStatus* status_ = nullptr; ///< the main window's child; null where there is none
 };

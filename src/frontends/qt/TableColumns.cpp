@@ -10,8 +10,40 @@
 
 #include <algorithm>
 
-// What a user arranges in a table's columns: which are shown, in which order and how wide, and which of them
-// sorts the rows.
+namespace {
+
+constexpr int tightest =
+    80; ///< percent of their width to which columns shrink before the table scrolls sideways
+
+/// Has columns that are wider than they need give to those that are not wide enough: first to those that lack
+/// little, so that one long path does not keep every name short.
+void evenOut(std::vector<int>& widths, const std::vector<int>& needs) {
+    std::vector<std::size_t> narrow;
+    int spare = 0;
+    for (std::size_t column = 0; column < widths.size(); ++column) {
+        spare += std::max(0, widths[column] - needs[column]);
+        if (widths[column] < needs[column]) {
+            narrow.push_back(column);
+        }
+    }
+    std::ranges::sort(narrow, {}, [&](std::size_t column) { return needs[column] - widths[column]; });
+    int given = 0;
+    for (auto each = narrow.begin(); each != narrow.end(); ++each) {
+        const int share = (spare - given) / static_cast<int>(narrow.end() - each);
+        const int more = std::min(share, needs[*each] - widths[*each]);
+        widths[*each] += more;
+        given += more;
+    }
+    for (std::size_t column = 0; column < widths.size() && given > 0; ++column) {
+        const int own = std::max(0, widths[column] - needs[column]);
+        widths[column] -= (own * given + spare - 1) / spare; // rounded so that no column ends out of sight
+    }
+}
+
+} // namespace
+
+// A table's columns: how they share the room, and what a user arranges in them: which are shown, in which
+// order and how wide, and which of them sorts the rows.
 
 void TableView::showColumnMenu(const QPoint& position) {
     QMenu menu;
@@ -25,7 +57,7 @@ void TableView::fillColumnMenu(QMenu& menu) {
             menu.addAction(title(table_.tableColumns()[static_cast<std::size_t>(section)].title));
         action->setCheckable(true);
         action->setChecked(!isColumnHidden(section));
-        // A table without a column could not be given one again: it would have no header to click.
+        // The last column cannot be hidden: without a header to click, none could be shown again.
         action->setEnabled(isColumnHidden(section) ||
                            horizontalHeader()->hiddenSectionCount() + 1 < model_.columnCount());
         connect(action, &QAction::toggled, this, [this, section](bool on) {
@@ -91,7 +123,7 @@ void TableView::restoreColumns() {
         const auto& columns = table_.tableColumns();
         const auto found = std::ranges::find(columns, parts.front(), &NSTableColumn::identifier);
         if (parts.size() != 4 || found == columns.end()) {
-            continue; // of another version
+            continue; // a column of another version
         }
         const int section = static_cast<int>(found - columns.begin());
         header->moveSection(header->visualIndex(section), place++);
@@ -107,6 +139,60 @@ void TableView::restoreColumns() {
         }
     }
     if (header->hiddenSectionCount() == header->count()) {
-        setColumnHidden(0, false); // its header is the way to the others
+        setColumnHidden(0, false); // its header is needed to show the others
     }
+}
+
+int TableView::leastWidth(int section) const {
+    const QHeaderView* header = horizontalHeader();
+    const QString title = model_.headerData(section, Qt::Horizontal, Qt::DisplayRole).toString();
+    return header->fontMetrics().horizontalAdvance(title) +
+           2 * style()->pixelMetric(QStyle::PM_HeaderMargin, nullptr, header);
+}
+
+int TableView::neededWidth(int section) const {
+    const int inView = viewport()->height() / verticalHeader()->defaultSectionSize() + 1;
+    int width = std::max(leastWidth(section), horizontalHeader()->minimumSectionSize());
+    for (int place = 0; place < std::min(model_.rowCount(), inView); ++place) {
+        width = std::max(width, sizeHintForIndex(model_.index(place, section)).width());
+    }
+    return width;
+}
+
+void TableView::shareWidth() {
+    if (widthsAreUsers_) {
+        return;
+    }
+    const auto columns = static_cast<std::size_t>(model_.columnCount());
+    std::vector<int> widths(columns, 0);
+    std::vector<int> needs(columns, 0);
+    int wanted = 0;
+    int least = 0;
+    for (std::size_t column = 0; column < columns; ++column) {
+        const int section = static_cast<int>(column);
+        if (!isColumnHidden(section)) {
+            widths[column] = std::max(table_.tableColumns()[column].width, leastWidth(section));
+            needs[column] = neededWidth(section);
+            wanted += widths[column];
+            least += leastWidth(section);
+        }
+    }
+    const int room = viewport()->width();
+    const bool isTight = room < wanted && room >= least && room > wanted * tightest / 100;
+    for (std::size_t column = 0; column < columns && wanted > 0; ++column) {
+        const int title = leastWidth(static_cast<int>(column));
+        if (widths[column] > 0 && isTight) {
+            widths[column] = title + (widths[column] - title) * (room - least) / (wanted - least);
+        } else if (room > wanted) {
+            widths[column] = widths[column] * room / wanted;
+        }
+    }
+    evenOut(widths, needs);
+    loading_ = true;
+    for (std::size_t column = 0; column < columns; ++column) {
+        if (widths[column] > 0) {
+            setColumnWidth(static_cast<int>(column), widths[column]);
+        }
+    }
+    loading_ = false;
 }

@@ -62,6 +62,12 @@ QVariant TableModel::data(const QModelIndex& index, int role) const {
 }
 
 bool TableModel::lacksFolder(int row) const {
+    const auto known = lacksFolder_.find(row);
+    return known != lacksFolder_.end() ? known->second
+                                       : lacksFolder_.emplace(row, looksForFolder(row)).first->second;
+}
+
+bool TableModel::looksForFolder(int row) const {
     // A folder that nobody may use says no more in these columns than one that is gone.
     const NSTableColumn* folder = nullptr;
     for (const NSTableColumn& column : table_.tableColumns()) {
@@ -90,6 +96,7 @@ QVariant TableModel::headerData(int section, Qt::Orientation orientation, int ro
 }
 
 bool TableModel::reload() {
+    lacksFolder_.clear();
     if (length_ == table_.numberOfRows() && !isArranged_) {
         if (length_ > 0) {
             dataChanged(index(0, 0), index(length_ - 1, columnCount() - 1), {Qt::DisplayRole});

@@ -19,8 +19,6 @@ namespace {
 
 constexpr int rowPadding = 8;
 constexpr int smallestColumn = 40;
-constexpr int tightest =
-    80; // percent of their width to which columns shrink before the table scrolls sideways
 
 /// Leaves the ends of a path readable where it does not fit; of other texts, the beginning.
 class CellDelegate : public QStyledItemDelegate {
@@ -143,57 +141,21 @@ void TableView::resizeEvent(QResizeEvent* event) {
     shareWidth();
 }
 
-int TableView::leastWidth(int section) const {
-    const QHeaderView* header = horizontalHeader();
-    const QString title = model_.headerData(section, Qt::Horizontal, Qt::DisplayRole).toString();
-    return header->fontMetrics().horizontalAdvance(title) +
-           2 * style()->pixelMetric(QStyle::PM_HeaderMargin, nullptr, header);
-}
-
-void TableView::shareWidth() {
-    if (widthsAreUsers_) {
-        return;
-    }
-    std::vector<int> widths(static_cast<std::size_t>(model_.columnCount()), 0);
-    int wanted = 0;
-    int least = 0;
-    for (int section = 0; section < model_.columnCount(); ++section) {
-        if (!isColumnHidden(section)) {
-            const auto place = static_cast<std::size_t>(section);
-            widths[place] = std::max(table_.tableColumns()[place].width, leastWidth(section));
-            wanted += widths[place];
-            least += leastWidth(section);
-        }
-    }
-    const int room = viewport()->width();
-    const bool isTight = room < wanted && room >= least && room > wanted * tightest / 100;
-    loading_ = true;
-    for (int section = 0; section < model_.columnCount() && wanted > 0; ++section) {
-        const int width = widths[static_cast<std::size_t>(section)];
-        if (width > 0 && isTight) {
-            const int title = leastWidth(section);
-            setColumnWidth(section, title + (width - title) * (room - least) / (wanted - least));
-        } else if (width > 0) {
-            setColumnWidth(section, room > wanted ? width * room / wanted : width);
-        }
-    }
-    loading_ = false;
-}
-
 void TableView::reload() {
     remarks_.clear();
     loading_ = true;
     if (namesLeftOut_ && nameColumn_ != nullptr) {
-        std::set<std::string> names = namesLeftOut_();
+        const auto names = std::make_shared<const std::set<std::string>>(namesLeftOut_());
         const auto isLeftOut = [this, names](int row) {
-            return names.contains(table_.objectValue(*nameColumn_, row));
+            return names->contains(table_.objectValue(*nameColumn_, row));
         };
-        model_.setLeftOut(names.empty() ? std::function<bool(int)>() : isLeftOut);
+        model_.setLeftOut(names->empty() ? std::function<bool(int)>() : isLeftOut);
     }
     if (model_.reload()) {
         shownSelection_.clear(); // Qt has dropped it with the old rows
     }
     loading_ = false;
+    shareWidth();
     dropRenamedRows();
     loadSelection();
 }

@@ -55,8 +55,10 @@ class TableModel : public QAbstractTableModel {
     [[nodiscard]] QString remarkOf(const QModelIndex& index) const;
     void rearrange();
     [[nodiscard]] bool lacksFolder(int row) const;
+    [[nodiscard]] bool looksForFolder(int row) const;
 
     NSTableView& table_;
+    mutable std::map<int, bool> lacksFolder_; ///< of rows that were looked at since the last reload
     int length_;
     bool isArranged_ = false; ///< not in the list's own order, or not with all of its rows
     TableRows rows_;
@@ -126,6 +128,8 @@ class TableView : public QTableView {
     void shareWidth();
     /// What the column's title needs.
     [[nodiscard]] int leastWidth(int section) const;
+    /// What that and the first rows in view need.
+    [[nodiscard]] int neededWidth(int section) const;
     void showColumnMenu(const QPoint& position);
     void reload();
     void loadSelection();

@@ -93,8 +93,16 @@ bool sends(const platform::InterfaceNode& page, const std::string& operation) {
 
 } // namespace
 
-UnsavedEdits::UnsavedEdits(WindowActions& actions) : actions_(actions) {
-    used_ = actions.used.connect([this](const std::string& operation) { noteSaved(operation); });
+UnsavedEdits::UnsavedEdits(WindowActions& actions, RefreshQueue& queue) : actions_(actions) {
+    eventEnded_ = queue.eventEnded.connect([this] { forgetReplaced(); });
+}
+
+/// What another row was loaded into says nothing of what is typed there next.
+void UnsavedEdits::forgetReplaced() {
+    if (!saved_.empty()) {
+        const Edits edits = editsBelow(actions_.interface().root());
+        std::erase_if(saved_, [&edits](const auto& saved) { return !edits.contains(saved.first); });
+    }
 }
 
 void UnsavedEdits::noteSaved(const std::string& operation) {

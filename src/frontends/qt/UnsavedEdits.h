@@ -1,5 +1,6 @@
 #pragma once
 
+#include "frontends/qt/Binding.h"
 #include "frontends/qt/WindowActions.h"
 
 #include <map>
@@ -10,15 +11,18 @@
 class UnsavedEdits {
   public:
     /// `actions` is kept.
-    explicit UnsavedEdits(WindowActions& actions);
+    UnsavedEdits(WindowActions& actions, RefreshQueue& queue);
+
+    /// The operation has saved what stands on its page.
+    void noteSaved(const std::string& operation);
 
     /// The titles of the pages with such changes; empty where there is none.
     [[nodiscard]] std::string pages() const;
 
   private:
-    void noteSaved(const std::string& operation);
+    void forgetReplaced();
 
     WindowActions& actions_;
     std::map<const platform::Element*, std::string> saved_; ///< what controls held when they were saved last
-    platform::Connection used_;
+    platform::Connection eventEnded_;
 };

@@ -13,9 +13,11 @@
 #include "frontends/qt/TabView.h"
 #include "frontends/qt/TableView.h"
 #include "frontends/qt/TextView.h"
+#include "frontends/qt/WidgetKinds.h"
 #include "platform/appkit/NSButton.h"
 #include "platform/appkit/ShownWhen.h"
 
+#include <QCheckBox>
 #include <QFrame>
 #include <QGridLayout>
 #include <QGroupBox>
@@ -37,11 +39,10 @@ constexpr int spacing = 8;
 constexpr int partSpacing = 20;
 constexpr int indentStep = 20;
 
-/// Does the node take the room that is left beside it (`vertical`: below it)?
+/// True when the node takes the remaining room beside it, or, if `vertical`, below it.
 bool takesRoom(const InterfaceNode& node, bool vertical) {
-    if (number(node, "stretch") > 0 || isOneOf(node, {Kind::TableView, Kind::TabView, Kind::TextView}) ||
-        (!vertical &&
-         isOneOf(node, {Kind::TextField, Kind::SecureField, Kind::Box, Kind::Separator, Kind::Spacer}))) {
+    const Room room = widgetKind(node).room;
+    if (number(node, "stretch") > 0 || room == Room::All || (!vertical && room == Room::Beside)) {
         return true;
     }
     return std::any_of(node.children.begin(), node.children.end(), [&node, vertical](const auto& child) {
@@ -51,21 +52,19 @@ bool takesRoom(const InterfaceNode& node, bool vertical) {
     });
 }
 
-/// Does the row stay in sight below what scrolls?
+/// Does the node only lay out what it holds?
+bool isLayout(const InterfaceNode& node) {
+    return isOneOf(node, {Kind::Column, Kind::Row, Kind::Grid});
+}
+
+/// True for a row that stays visible below the scrolling contents.
 bool isFoot(const InterfaceNode& node) {
     return isYes(node, "foot");
 }
 
-/// Does the control need a label beside it to stand at its top?
-bool isHigh(const InterfaceNode& node) {
-    if (node.kind == Kind::Matrix) {
-        return number(node, "rows") > 1;
-    }
-    if (node.kind == Kind::Row) {
-        return std::any_of(node.children.begin(), node.children.end(),
-                           [](const auto& child) { return isHigh(*child); });
-    }
-    return isOneOf(node, {Kind::Column, Kind::TextView, Kind::Grid, Kind::TableView});
+/// Does the node only keep a cell of a grid?
+bool isNothing(const InterfaceNode& node) {
+    return node.kind == Kind::Label && node.attributes.empty();
 }
 
 } // namespace
@@ -92,7 +91,8 @@ QWidget* WidgetBuilder::makePage(const InterfaceNode& node) {
 QWidget* WidgetBuilder::makeDrawer(const InterfaceNode& node, int windowWidth) {
     constexpr int usualWidth = 340;
     const int width = number(node, "width");
-    const int leastBeside = windowWidth * 5 / 6; // what a page can do with of the width that it was made for
+    const int leastBeside =
+        windowWidth * 5 / 6; // a page can still be used at this part of its designed width
     const InterfaceNode& contents = *node.children.at(0);
     const auto foot =
         std::ranges::find_if(contents.children, [](const auto& child) { return isFoot(*child); });
@@ -105,54 +105,29 @@ QWidget* WidgetBuilder::makeDrawer(const InterfaceNode& node, int windowWidth) {
 }
 
 QWidget* WidgetBuilder::makeKind(const InterfaceNode& node) {
-    using enum Kind;
-    switch (node.kind) {
-    case Column:
-    case Row:
-    case Grid:
-        return makeLayoutWidget(node);
-    case Box:
-        return makeBox(node);
-    case Separator: {
-        auto* line = new QFrame;
-        line->setFrameStyle(static_cast<int>(QFrame::HLine) | static_cast<int>(QFrame::Sunken));
-        return line;
+    const auto makeWidget = widgetKind(node).make;
+    if (makeWidget == nullptr) {
+        throw std::logic_error("no widget of its own stands for this kind of element");
     }
-    case Label:
-        return makeLabel(node);
-    case TextField:
-    case SecureField:
-        return makeTextField(node);
-    case Button:
-    case CheckBox:
-        return makeButton(node, actions_, queue_);
-    case PopUp:
-        return new ::PopUp(*modelOf<NSPopUpButton>(node), isYes(node, "typeAhead"), queue_);
-    case Matrix:
-        return new ::Matrix(*modelOf<NSMatrix>(node), queue_);
-    case TableView:
-        return makeTable(node);
-    case TextView:
-        return makeTextView(node);
-    case TabView:
-        return makeTabView(node);
-    case Interface:
-    case MenuBar:
-    case Menu:
-    case MenuItem:
-    case MenuSeparator:
-    case Window:
-    case Sheet:
-    case Panel:
-    case Drawer:
-    case Spacer:
-    case PopUpItem:
-    case Cell:
-    case TableColumn:
-    case Tab:
-        break; // made by whoever lays out what is around them
-    }
-    throw std::logic_error("no widget of its own stands for this kind of element");
+    return (this->*makeWidget)(node);
+}
+
+QWidget* WidgetBuilder::makeSeparator(const InterfaceNode& /*node*/) {
+    auto* line = new QFrame;
+    line->setFrameStyle(static_cast<int>(QFrame::HLine) | static_cast<int>(QFrame::Sunken));
+    return line;
+}
+
+QWidget* WidgetBuilder::makeButton(const InterfaceNode& node) {
+    return ::makeButton(node, actions_, queue_);
+}
+
+QWidget* WidgetBuilder::makePopUp(const InterfaceNode& node) {
+    return new PopUp(*modelOf<NSPopUpButton>(node), isYes(node, "typeAhead"), queue_);
+}
+
+QWidget* WidgetBuilder::makeMatrix(const InterfaceNode& node) {
+    return new Matrix(*modelOf<NSMatrix>(node), queue_);
 }
 
 QWidget* WidgetBuilder::makeTable(const InterfaceNode& node) {
@@ -169,7 +144,7 @@ QWidget* WidgetBuilder::makeTable(const InterfaceNode& node) {
         actions_.showNothingForMissingNumbers(*table);
     });
     if (!node.attribute("empty").empty()) {
-        new EmptyNote(node, *view, actions_, queue_); // the view's child
+        new EmptyNote(node, *view, actions_, queue_); // a child of the view
     }
     view->setObjectName(shown(table->name()));
     actions_.tableMade.emit(*view);
@@ -185,10 +160,10 @@ QWidget* WidgetBuilder::makeBox(const InterfaceNode& node) {
 }
 
 QWidget* WidgetBuilder::makeLabel(const InterfaceNode& node) {
-    // The label of a field has a letter that leads there, for which "&" would stand.
+    // Only the label of a field has a mnemonic, so only there "&" has to be escaped.
     auto* label = new QLabel(node.attribute("for").empty() ? shown(node.attribute("text"))
                                                            : title(node.attribute("text")));
-    label->setTextFormat(Qt::PlainText); // what it shows may come from a file or an account's name
+    label->setTextFormat(Qt::PlainText); // its text may come from a file or an account's name
     const std::string& style = node.attribute("style");
     QFont font = label->font();
     if (style == "heading") {
@@ -198,21 +173,26 @@ QWidget* WidgetBuilder::makeLabel(const InterfaceNode& node) {
         font.setPointSizeF(font.pointSizeF() * 0.9);
         useInk(*label, Ink::Note);
         label->setWordWrap(true);
+        QSizePolicy besideControls(QSizePolicy::Ignored, QSizePolicy::Preferred); // which decide the width
+        besideControls.setHeightForWidth(true);
+        label->setSizePolicy(besideControls);
     } else if (style == "warning") {
         useInk(*label, Ink::Warning);
         label->setWordWrap(true);
+    } else {
+        label->setContentsMargins(0, 1, 0, 1); // some fonts draw the dots of a capital above their own height
     }
     label->setFont(font);
     if (auto* field = modelOf<NSTextField>(node)) {
         if (style == "warning") {
-            label->setTextInteractionFlags(Qt::TextSelectableByMouse); // worth quoting in a report
+            label->setTextInteractionFlags(Qt::TextSelectableByMouse); // may be quoted in a report
         }
         const bool goesWhenEmpty = style == "note" || style == "warning";
         new Binding(label, queue_, field->changed, [label, field, goesWhenEmpty] {
             label->setText(shown(field->stringValue()));
             const bool isEmpty = field->stringValue().empty();
             if (goesWhenEmpty && (isEmpty || label->parentWidget() != nullptr)) {
-                label->setVisible(!isEmpty); // not before it stands in a window: it would become one
+                label->setVisible(!isEmpty); // only with a parent: without one it would become a window
             }
         });
     }
@@ -223,7 +203,7 @@ QWidget* WidgetBuilder::makeLabel(const InterfaceNode& node) {
     if (const std::string& when = node.attribute("when"); !when.empty()) {
         const auto follow = [this, label, &node] {
             const bool holds = isShown(node, actions_);
-            if (!holds || label->parentWidget() != nullptr) { // as above
+            if (!holds || label->parentWidget() != nullptr) { // as for the label above
                 label->setVisible(holds);
             }
         };
@@ -278,7 +258,7 @@ QWidget* WidgetBuilder::makeTabView(const InterfaceNode& node) {
         const InterfaceNode& inside = *tab->children.at(0);
         pages.push_back([this, &inside, framed] {
             QWidget* page = makePage(inside);
-            if (!framed) { // stands directly in the window, and lines up with what is around it
+            if (!framed) { // directly in the window: align it with its surroundings
                 page->layout()->setContentsMargins(0, boxMargin, 0, 0);
             }
             return page;
@@ -305,7 +285,7 @@ QWidget* WidgetBuilder::makeLayoutWidget(const InterfaceNode& node) {
 }
 
 void WidgetBuilder::fillBox(QBoxLayout& layout, const InterfaceNode& node) {
-    // Columns side by side are parts of a page, and want more between them than controls of a row.
+    // Columns side by side are parts of a page, and need more space between them than the controls of a row.
     const bool holdsParts =
         node.kind == Kind::Row && std::any_of(node.children.begin(), node.children.end(),
                                               [](const auto& child) { return child->kind == Kind::Column; });
@@ -314,7 +294,7 @@ void WidgetBuilder::fillBox(QBoxLayout& layout, const InterfaceNode& node) {
     const bool vertical = node.kind != Kind::Row;
     for (const auto& child : node.children) {
         if (isFoot(*child)) {
-            continue; // made by the drawer
+            continue; // made with the drawer
         }
         addTo(layout, *child);
         roomIsTaken = roomIsTaken || child->kind == Kind::Spacer || takesRoom(*child, vertical);
@@ -337,8 +317,8 @@ void WidgetBuilder::addTo(QBoxLayout& layout, const InterfaceNode& node) {
         layout.addWidget(filter);
     }
     const bool isRow = layout.direction() == QBoxLayout::LeftToRight;
-    // A control keeps its own width in a column: a button as wide as the window is hard to look at.
-    const bool keepsWidth = !isRow && !takesRoom(node, false) && node.kind != Kind::Label && !isLayout(node);
+    // A control keeps its own width in a column: a button as wide as the window looks wrong.
+    const bool keepsWidth = !isRow && !takesRoom(node, false) && widgetKind(node).room < Room::Offered;
     const bool isIndented = number(node, "indent") > 0;
     if (!isRow && isIndented) {
         auto* line = new QHBoxLayout;
@@ -362,18 +342,23 @@ void WidgetBuilder::fillGrid(QGridLayout& layout, const InterfaceNode& node) {
         const int column = cell % columns;
         const bool isTitle =
             child.kind == Kind::Label && child.attribute("style").empty() && child.element == nullptr;
+        const bool besideHigh =
+            isTitle && index + 1 < node.children.size() && isHigh(*node.children[index + 1]);
         Qt::Alignment alignment;
         if (isTitle) {
-            const bool nextIsHigh = index + 1 < node.children.size() && isHigh(*node.children[index + 1]);
-            alignment = Qt::AlignRight | (nextIsHigh ? Qt::AlignTop : Qt::AlignVCenter);
-        } else if (!takesRoom(child, false) && !isLayout(child) && child.kind != Kind::Label &&
-                   child.kind != Kind::PopUp) {
+            alignment = Qt::AlignRight | (besideHigh ? Qt::AlignTop : Qt::AlignVCenter);
+        } else if (!takesRoom(child, false) && widgetKind(child).room < Room::OfferedInGrid) {
             alignment = Qt::AlignLeft | Qt::AlignVCenter;
         }
-        if (child.kind != Kind::Spacer) {
+        if (child.kind != Kind::Spacer && !isNothing(child)) {
             QWidget* widget = make(child);
+            if (besideHigh) { // its line is the first one's
+                const int line = QCheckBox(QStringLiteral("X")).sizeHint().height();
+                widget->setContentsMargins(0, (line - widget->fontMetrics().height()) / 2, 0, 0);
+            }
             layout.addWidget(widget, 2 * (cell / columns), column, alignment);
-            if (QLabel* note = makeProblemNote(*widget)) { // in the row below, which takes no room until then
+            if (QLabel* note = makeProblemNote(
+                    *widget)) { // in the row below, which takes no room while the note is hidden
                 layout.addWidget(note, 2 * (cell / columns) + 1, column);
             }
         }
@@ -383,7 +368,7 @@ void WidgetBuilder::fillGrid(QGridLayout& layout, const InterfaceNode& node) {
     }
     const bool anyWide = std::find(wide.begin(), wide.end(), true) != wide.end();
     for (int column = 0; column < columns; ++column) {
-        layout.setColumnStretch(
-            column, wide[static_cast<std::size_t>(column)] || (!anyWide && column == columns - 1) ? 1 : 0);
+        layout.setColumnStretch(column, wide[static_cast<std::size_t>(column)] ? 1 : 0);
     }
+    layout.setColumnStretch(columns, anyWide ? 0 : 1);
 }

@@ -1,6 +1,7 @@
 #include "frontends/qt/WindowAccounts.h"
 
 #include "frontends/qt/Binding.h"
+#include "frontends/qt/Menus.h"
 #include "frontends/qt/TableView.h"
 #include "platform/appkit/NSButton.h"
 #include "platform/foundation/NSUserDefaults.h"
@@ -30,11 +31,9 @@ WindowAccounts::WindowAccounts(const platform::Computer& computer, WindowActions
 }
 
 void WindowAccounts::addMenu() {
-    QList<QAction*> menus = window_.menuBar()->actions();
     auto* menu = new QMenu(localizedTitle("View"), window_.menuBar());
     menu->setObjectName("viewMenu");
-    // The last menu is the help's, as everywhere.
-    window_.menuBar()->insertMenu(menus.isEmpty() ? nullptr : menus.constLast(), menu);
+    insertBeforeHelp(*window_.menuBar(), *menu);
     show_ = menu->addAction(localizedTitle("Show System Accounts"));
     show_->setObjectName("showSystemAccounts");
     show_->setCheckable(true);

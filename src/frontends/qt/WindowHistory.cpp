@@ -14,7 +14,6 @@
 #include <QDialog>
 #include <QDialogButtonBox>
 #include <QFontDatabase>
-#include <QHeaderView>
 #include <QMenu>
 #include <QPlainTextEdit>
 #include <QPushButton>
@@ -137,6 +136,7 @@ class HistoryDialog : public QDialog {
         list_->resizeColumnToContents(0);
         list_->resizeColumnToContents(2);
         list_->resizeColumnToContents(3);
+        list_->setCurrentItem(list_->topLevelItem(0));
         showCurrent();
     }
 
@@ -161,7 +161,7 @@ class HistoryDialog : public QDialog {
 
 WindowHistory::WindowHistory(const review::History& history, review::Reviewer& reviewer,
                              WindowActions& actions, QMainWindow& window, QMenu& menu, RefreshQueue& queue)
-    : QObject(&window), history_(history), reviewer_(reviewer), edits_(actions), window_(window),
+    : QObject(&window), history_(history), reviewer_(reviewer), edits_(actions, queue), window_(window),
       queue_(queue) {
     QAction* first = menu.actions().isEmpty() ? nullptr : menu.actions().constFirst();
     undo_ = new QAction(localized("Undo"), this);

@@ -26,6 +26,9 @@ class WindowHistory : public QObject {
     /// `allowed` is told how many runs an undo that may begin now will make.
     void setAllowed(std::function<void(std::size_t runs)> allowed) { allowed_ = std::move(allowed); }
 
+    /// The operation has changed what stands on its page.
+    void noteSaved(const std::string& operation) { edits_.noteSaved(operation); }
+
     /// Takes a change back after asking; none: the newest. True when something was taken back.
     bool takeBack(std::optional<std::int64_t> number, QWidget* parent);
 

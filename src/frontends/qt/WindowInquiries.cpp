@@ -4,10 +4,10 @@
 #include "access/ServerAccounts.h"
 #include "frontends/qt/Binding.h"
 #include "frontends/qt/FindingsDialog.h"
+#include "frontends/qt/Menus.h"
 #include "frontends/qt/SessionsDialog.h"
 #include "model/SMBConf.h"
 #include "platform/foundation/Host.h"
-#include "platform/foundation/NSBundle.h"
 #include "review/ConnectedClients.h"
 
 #include <QApplication>
@@ -63,11 +63,9 @@ struct Inquiry {
 WindowInquiries::WindowInquiries(accesscheck::Patient patient, NSTableView& shares, NSTableView& users,
                                  QMainWindow& window, WindowReview* review, RefreshQueue& queue)
     : QObject(&window), patient_(std::move(patient)), shares_(shares), users_(users), queue_(queue) {
-    QList<QAction*> menus = window.menuBar()->actions();
     auto* menu = new QMenu(localizedTitle("Check"), window.menuBar());
     menu->setObjectName("checkMenu");
-    // The last menu is the help's, as everywhere.
-    window.menuBar()->insertMenu(menus.isEmpty() ? nullptr : menus.constLast(), menu);
+    insertBeforeHelp(*window.menuBar(), *menu);
     using Make = std::unique_ptr<QDialog> (WindowInquiries::*)(QWidget*);
     const auto add = [&](const char* title, const char* name, Make make) {
         menu->addAction(localizedTitle(title), this,

@@ -5,6 +5,7 @@
 #include "frontends/qt/FieldProblems.h"
 #include "frontends/qt/Inks.h"
 #include "frontends/qt/LineEdit.h"
+#include "frontends/qt/Menus.h"
 #include "frontends/qt/ReviewDialog.h"
 #include "frontends/qt/TableView.h"
 #include "frontends/qt/WindowActions.h"
@@ -111,7 +112,7 @@ WindowReview::WindowReview(review::Reviewer& reviewer, QMainWindow& window, Wind
     });
     reviewer.setRefusesWithoutDirectory(true);
     if (auto* shares = actions.find<NSTableView>(shareTable)) {
-        new Binding(this, queue, shares->reloaded, [this] { showRemarks(); });
+        remarksShown_ = new Binding(this, queue, shares->reloaded, [this] { showRemarks(); });
     }
     actions.leaveConfirmations(); // every confirmed action writes
     used_ = actions.used.connect([this](const std::string& operation) { actionWasUsed(operation); });
@@ -188,11 +189,9 @@ void WindowReview::setShareRemarks(FindRemarks find) {
 }
 
 void WindowReview::addMenu() {
-    QList<QAction*> menus = window_.menuBar()->actions();
     auto* menu = new QMenu(localizedTitle("Changes"), window_.menuBar());
     menu->setObjectName("changesMenu");
-    // The last menu is the help's, as everywhere.
-    window_.menuBar()->insertMenu(menus.isEmpty() ? nullptr : menus.constLast(), menu);
+    insertBeforeHelp(*window_.menuBar(), *menu);
     menu->addAction(localizedTitle("What Would This Do?"), this, [this] { planButtonInUse(); })
         ->setObjectName("whatWouldThisDo");
     reviewAll_ = menu->addAction(localizedTitle("Review Every Change"));
@@ -332,7 +331,9 @@ void WindowReview::actionWasUsed(const std::string& operation) {
         reviewer_.reread();
     }
     showNotice();
-    showRemarks();
+    if (remarksShown_ != nullptr) {
+        remarksShown_->markDirty(); // once, also where the table is read again
+    }
 }
 
 bool WindowReview::eventFilter(QObject* watched, QEvent* event) {

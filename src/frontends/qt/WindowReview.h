@@ -65,6 +65,7 @@ class WindowReview : public QObject {
     QFrame* directoryNotice_ = nullptr;
     QLabel* directoryText_ = nullptr;
     QAction* reviewAll_ = nullptr;
+    Binding* remarksShown_ = nullptr; ///< in the table, after each reload
     FindRemarks findMore_;
     std::multimap<std::string, std::string> remarks_; ///< by the name of a share
     std::string stamp_;                               ///< of smb.conf, as of the last look at it

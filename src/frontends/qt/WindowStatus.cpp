@@ -22,9 +22,6 @@
 
 namespace {
 
-constexpr int textStretch = 3;
-constexpr int serverStretch = 2;
-
 constexpr const char* shareTable = "normalTableView";
 
 std::string nameInEditor(const WindowActions& actions) {
@@ -39,7 +36,7 @@ WindowStatus::WindowStatus(Activity& activity, QMainWindow& window, WindowAction
     : QObject(&window), activity_(activity), window_(window), actions_(actions) {
     text_ = new ElidedLabel(true);
     text_->setObjectName("statusText");
-    window.statusBar()->addWidget(text_, textStretch);
+    window.statusBar()->addWidget(text_, 1);
     copy_ = addButton("statusCopy", "Copy Address");
     open_ = addButton("statusOpen", "Open");
     undo_ = addButton("statusUndo", "Undo");
@@ -87,7 +84,7 @@ void WindowStatus::useServer(ShareServer server) {
         serverState_->setObjectName("serverState");
         serverState_->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
         serverState_->setWhole(shown(server_.state));
-        window_.statusBar()->addPermanentWidget(serverState_, serverStretch);
+        window_.statusBar()->addPermanentWidget(serverState_);
     }
 }
 
@@ -104,6 +101,9 @@ void WindowStatus::eventEnded() {
     const auto added = history_ == nullptr ? std::nullopt : history_->takeAdded();
     if (activity_.runsOfEvent() > 0 || activity_.isRefused() || !activity_.failureOfEvent().empty()) {
         showOutcome(added);
+    }
+    if (added && activity_.failureOfEvent().empty() && activity_.stopOfEvent().empty()) {
+        saved.emit(operation_);
     }
     activity_.endEvent();
     operation_.clear();

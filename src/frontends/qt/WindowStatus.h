@@ -37,6 +37,9 @@ class WindowStatus : public QObject {
         hasSection_ = std::move(hasSection);
     }
 
+    /// Told the operation of each control whose action has changed something, and all that it was to.
+    platform::Signal<const std::string&> saved;
+
     /// Shows a text for the last action.
     void show(const QString& text, bool isFailure = false);
 

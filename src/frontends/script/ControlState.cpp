@@ -1,7 +1,7 @@
 #include "frontends/script/ControlState.h"
 
 #include "frontends/script/ScriptWords.h"
-#include "platform/appkit/Interface.h"
+#include "platform/appkit/InterfaceTable.h"
 #include "platform/appkit/NSButton.h"
 #include "platform/appkit/NSMatrix.h"
 #include "platform/appkit/NSPopUpButton.h"
@@ -12,7 +12,7 @@
 #include "platform/appkit/NSWindow.h"
 
 #include <algorithm>
-#include <stdexcept>
+#include <array>
 
 namespace frontend {
 
@@ -24,7 +24,7 @@ const char* onOrOff(int state) {
     return state == NSOnState ? "on" : "off";
 }
 
-/// The number of Unicode characters: of bytes that do not continue one.
+/// The number of Unicode characters: bytes that do not continue one are counted.
 std::size_t characterCount(const std::string& text) {
     return static_cast<std::size_t>(std::count_if(text.begin(), text.end(), [](char byte) {
         return (static_cast<unsigned char>(byte) & 0xC0U) != 0x80U;
@@ -76,7 +76,7 @@ std::string describe(const NSTableView& table) {
 
 std::string describe(const NSWindow& window) {
     const std::string text = window.isVisible() ? "shown" : "hidden";
-    // A sheet hangs from its window and has no title bar.
+    // A sheet has no title bar.
     return window.kind() == NSWindowKind::Sheet ? text : text + ' ' + quotedText(window.title());
 }
 
@@ -105,52 +105,35 @@ std::string describeAs(const platform::Element& element) {
     return describe(dynamic_cast<const Model&>(element));
 }
 
-std::string describeModel(const platform::Element& element, InterfaceKind kind) {
-    using enum InterfaceKind;
-    switch (kind) {
-    case Window:
-    case Sheet:
-    case Panel:
-        return describeAs<NSWindow>(element);
-    case Drawer:
-        return describeAs<NSDrawer>(element);
-    case MenuItem:
-        return describeAs<NSMenuItem>(element);
-    case Label:
-    case TextField:
-    case SecureField:
-        return describeAs<NSTextField>(element);
-    case Button:
-    case CheckBox:
-        return describeAs<NSButton>(element);
-    case PopUp:
-        return describeAs<NSPopUpButton>(element);
-    case Matrix:
-        return describeAs<NSMatrix>(element);
-    case TableView:
-        return describeAs<NSTableView>(element);
-    case TextView:
-        return describeAs<NSTextView>(element);
-    case TabView:
-        return describeAs<NSTabView>(element);
-    case Interface:
-    case MenuBar:
-    case Menu:
-    case MenuSeparator:
-    case Column:
-    case Row:
-    case Grid:
-    case Box:
-    case Spacer:
-    case Separator:
-    case PopUpItem:
-    case Cell:
-    case TableColumn:
-    case Tab:
-        break; // no models
-    }
-    throw std::logic_error("this kind of element has no state");
-}
+/// What a script shows of the kinds of elements that have a model.
+struct ShownKind {
+    InterfaceKind kind;
+    std::string (*describe)(const platform::Element& element);
+};
+
+constexpr auto shownKinds = std::to_array<ShownKind>({
+    {InterfaceKind::MenuItem, describeAs<NSMenuItem>},
+    {InterfaceKind::Window, describeAs<NSWindow>},
+    {InterfaceKind::Sheet, describeAs<NSWindow>},
+    {InterfaceKind::Panel, describeAs<NSWindow>},
+    {InterfaceKind::Drawer, describeAs<NSDrawer>},
+    {InterfaceKind::Label, describeAs<NSTextField>},
+    {InterfaceKind::TabView, describeAs<NSTabView>},
+    {InterfaceKind::TextField, describeAs<NSTextField>},
+    {InterfaceKind::SecureField, describeAs<NSTextField>},
+    {InterfaceKind::Button, describeAs<NSButton>},
+    {InterfaceKind::CheckBox, describeAs<NSButton>},
+    {InterfaceKind::PopUp, describeAs<NSPopUpButton>},
+    {InterfaceKind::Matrix, describeAs<NSMatrix>},
+    {InterfaceKind::TableView, describeAs<NSTableView>},
+    {InterfaceKind::TextView, describeAs<NSTextView>},
+});
+
+static_assert(platform::hasLineForEach(shownKinds,
+                                       [](const platform::ElementRule& rule) {
+                                           return rule.make != nullptr;
+                                       }),
+              "a script can show each kind of element that has a model");
 
 std::string describeRows(NSTableView& table) {
     std::string text;
@@ -167,7 +150,7 @@ std::string describeRows(NSTableView& table) {
 
 std::string describeState(const platform::InterfaceNode& node) {
     platform::Element& element = *node.element;
-    std::string text = element.name() + ' ' + describeModel(element, node.kind);
+    std::string text = element.name() + ' ' + lineFor(node.kind, shownKinds)->describe(element);
     if (const auto* control = dynamic_cast<const NSControl*>(&element);
         control != nullptr && !control->isEnabled()) {
         text += " disabled";

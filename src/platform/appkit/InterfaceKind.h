@@ -2,8 +2,8 @@
 
 namespace platform {
 
-/// The kinds of elements in an interface file. One table describes them all (InterfaceKinds.cpp). Front-ends
-/// switch over them without a default, so that one which lacks a kind does not compile.
+/// The kinds of elements in an interface file, in the order of the table that describes them
+/// (InterfaceTable.h).
 enum class InterfaceKind {
     Interface,
     MenuBar,
@@ -14,6 +14,7 @@ enum class InterfaceKind {
     Sheet,
     Panel,
     Drawer,
+
     Column,
     Row,
     Grid,
@@ -21,6 +22,9 @@ enum class InterfaceKind {
     Spacer,
     Separator,
     Label,
+    TabView,
+    Tab,
+
     TextField,
     SecureField,
     Button,
@@ -31,9 +35,7 @@ enum class InterfaceKind {
     Cell,
     TableView,
     TableColumn,
-    TextView,
-    TabView,
-    Tab
+    TextView
 };
 
 } // namespace platform

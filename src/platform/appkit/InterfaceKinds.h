@@ -1,21 +1,23 @@
 #pragma once
 
 #include "platform/appkit/InterfaceModels.h"
+#include "platform/appkit/ShortList.h"
 
+#include <cstddef>
 #include <string>
 #include <string_view>
-#include <vector>
 
 namespace platform {
 
 /// What the value of an attribute may be.
 enum class AttributeKind {
-    Text,    ///< anything; the user sees it, so it passes through the string table
-    Word,    ///< not empty: a name, an operation, an identifier
-    YesNo,   ///< "yes" or "no"
-    Size,    ///< a whole number from 0
-    Integer, ///< a whole number of 32 bits
-    Choice   ///< one of the rule's choices
+    Text,      ///< anything; the user sees it, so it passes through the string table
+    Word,      ///< a name, an operation or an identifier; not empty
+    Reference, ///< the name of another element of the file
+    YesNo,     ///< "yes" or "no"
+    Size,      ///< a whole number from 0
+    Integer,   ///< a whole number of 32 bits
+    Choice     ///< one of the rule's choices
 };
 
 struct AttributeRule {
@@ -25,18 +27,32 @@ struct AttributeRule {
     bool required = false;
 };
 
+/// Where an element may be.
+enum class Place {
+    Named,   ///< only in elements that list it as a child
+    InLayout ///< there, and wherever there is a layout
+};
+
+/// Which layout elements an element holds besides the children that it lists.
+enum class Layout {
+    None,
+    One, ///< exactly one, which fills it
+    Any
+};
+
 /// One kind of element of an interface file: how it is written, which attributes it takes, which elements it
-/// may hold, and what stands behind it.
+/// may hold, and how its model is made.
 struct ElementRule {
     InterfaceKind kind;
-    std::string_view element; ///< the XML element's name; a layout's and a table's column share one
-    MakeModel make = nullptr; ///< null for layout alone
-    std::vector<AttributeRule> attributes = {};
-    std::vector<InterfaceKind> children = {};
-    bool oneLayout = false; ///< holds exactly one layout element, which fills it
+    Place place = Place::Named;
+    std::string_view element; ///< the XML element's name; a layout's column and a table's column share one
+    MakeModel make = nullptr; ///< null for an element without a model
+    ShortList<AttributeRule, 24> attributes = {};
+    ShortList<InterfaceKind, 4> children = {};
+    Layout layout = Layout::None;
 
     [[nodiscard]] const AttributeRule* attribute(std::string_view name) const;
-    /// The rule for an element of that name inside this one, or null when it does not belong here.
+    /// The rule for an element of that name inside this one, or null when it may not be here.
     [[nodiscard]] const ElementRule* child(std::string_view elementName) const;
 };
 
@@ -45,7 +61,7 @@ struct ElementRule {
 /// The XML element's name.
 [[nodiscard]] std::string_view elementName(InterfaceKind kind);
 
-/// Why `text` is not a value for the attribute; "" when it is one.
+/// Why `text` is not a valid value for the attribute; "" when it is one.
 [[nodiscard]] std::string faultOfValue(const AttributeRule& rule, std::string_view text);
 
 } // namespace platform

@@ -96,6 +96,22 @@ void addLanguage(std::vector<std::string>& languages, const std::string& locale)
     }
 }
 
+std::string environmentLocale() {
+    return environmentValue({"LC_ALL", "LC_MESSAGES", "LANG"});
+}
+
+/// Of locales with colons between them; English at the latest at the end.
+std::vector<std::string> languagesIn(const std::string& locales) {
+    std::vector<std::string> languages;
+    for (const auto& each : componentsSeparatedByString(locales, ":")) {
+        if (!each.empty()) {
+            addLanguage(languages, each);
+        }
+    }
+    addLanguage(languages, "C");
+    return languages;
+}
+
 } // namespace
 
 NSBundle::NSBundle(std::string resourcePath, const std::vector<std::string>& languages)
@@ -150,16 +166,10 @@ std::string NSLocalizedString(const std::string& key) {
 }
 
 std::vector<std::string> platform::languagesFromEnvironment() {
-    const std::string locale = environmentValue({"LC_ALL", "LC_MESSAGES", "LANG"});
-    std::vector<std::string> languages;
-    if (!isPlainLocale(locale)) {
-        const std::string wanted = environmentValue({"LANGUAGE"});
-        for (const auto& each : componentsSeparatedByString(wanted.empty() ? locale : wanted, ":")) {
-            if (!each.empty()) {
-                addLanguage(languages, each);
-            }
-        }
-    }
-    addLanguage(languages, "C");
-    return languages;
+    const std::string wanted = environmentValue({"LANGUAGE"});
+    return wanted.empty() || isPlainLocale(environmentLocale()) ? languagesOfLocale() : languagesIn(wanted);
+}
+
+std::vector<std::string> platform::languagesOfLocale() {
+    return languagesIn(environmentLocale());
 }

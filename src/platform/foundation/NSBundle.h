@@ -47,4 +47,6 @@ namespace platform {
 /// each language the region's folder where one is named ("de_AT"), the language's ("de"), its English name
 /// where known ("German"); "English" at the latest at the end. The system need not know the locale.
 [[nodiscard]] std::vector<std::string> languagesFromEnvironment();
+/// The same without LANGUAGE.
+[[nodiscard]] std::vector<std::string> languagesOfLocale();
 } // namespace platform

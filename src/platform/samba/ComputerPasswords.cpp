@@ -8,6 +8,8 @@
 #include "platform/samba/InstalledSamba.h"
 #include "platform/samba/PasswordFile.h"
 
+#include <algorithm>
+#include <array>
 #include <cerrno>
 #include <chrono>
 #include <sstream>
@@ -54,20 +56,38 @@ Status failure(const char* what, const Result<FinishedProcess>& finished) {
     return Status::failure(what, "", line.empty() ? "no reason given; see Samba's log" : line);
 }
 
-/// True where smb.conf names a place, or another kind of database: that is Samba's to find.
-bool settingsNamePlace() {
+/// Where smb.conf says that the database is.
+enum class DatabasePlace {
+    Own,       ///< nowhere: it is the one that Samba takes of itself
+    Elsewhere, ///< a setting names a place or another kind, which is Samba's to find
+    Unknown    ///< settings are read from other places, too
+};
+
+DatabasePlace placeInSettings() {
+    constexpr std::array<std::string_view, 2> naming = {"passdbbackend", "privatedir"};
+    constexpr std::array<std::string_view, 2> including = {"include", "configbackend"};
     std::istringstream settings(lowercased(readWholeFile(sambaBuild().configFile).valueOr("")));
-    for (std::string line; std::getline(settings >> std::ws, line);) {
-        if (line.starts_with("passdb backend") || line.starts_with("private dir")) {
-            return true;
+    auto place = DatabasePlace::Own;
+    for (std::string line; std::getline(settings, line);) {
+        std::string key = line.substr(0, line.find('='));
+        std::erase_if(key, [](char c) { return c == ' ' || c == '\t' || c == '\r'; }); // as Samba reads it
+        if (std::ranges::find(naming, key) != naming.end()) {
+            return DatabasePlace::Elsewhere;
+        }
+        if (std::ranges::find(including, key) != including.end()) {
+            place = DatabasePlace::Unknown;
         }
     }
-    return false;
+    return place;
 }
 
 /// Where Samba keeps its database when nothing else is set.
 std::string ownFile() {
     return sambaBuild().privateFolder + "/passdb.tdb";
+}
+
+bool existsAt(DatabasePlace place) {
+    return place != DatabasePlace::Own || ::access(ownFile().c_str(), F_OK) == 0;
 }
 
 bool says(const Result<FinishedProcess>& finished, std::string_view text) {
@@ -107,14 +127,15 @@ Result<std::string> ComputerPasswords::accountOf(const std::string& user) {
 }
 
 bool ComputerPasswords::exists() {
-    return settingsNamePlace() || ::access(ownFile().c_str(), F_OK) == 0;
+    return existsAt(placeInSettings());
 }
 
 Result<std::optional<SambaUser>> ComputerPasswords::user(const std::string& user) {
-    if (!exists()) {
+    const DatabasePlace place = placeInSettings();
+    if (!existsAt(place)) {
         return std::optional<SambaUser>();
     }
-    if (!settingsNamePlace()) {
+    if (place == DatabasePlace::Own) {
         if (auto known = userInPasswordFile(ownFile(), user)) {
             return std::move(*known);
         }

@@ -36,6 +36,7 @@ OSStatus HelperSession::run(const std::string& tool, std::span<const std::string
     }
     frame->replace(0, frameHeaderSize, frameHeader(frame->size() - frameHeaderSize));
     wasDenied_ = false;
+    letGoIdle(); // never elsewhere: what a helper holds must not be settled by another
     auto answer = ask(*frame);
     wipe(*frame);
     if (!answer.isOk() || !*answer) {
@@ -132,7 +133,6 @@ void HelperSession::giveUp() {
 
 Result<std::optional<HelperSession::Answer>> HelperSession::ask(std::string_view frame) {
     const IgnoredBrokenPipe ignored;
-    letGoIdle();
     lastAsked_ = std::chrono::steady_clock::now();
     if (!helper_) {
         if (Status status = startWith(command_); !status.isOk()) {
