@@ -25,14 +25,15 @@ class NSControl : public platform::Element {
 
     void setAction(NSAction action) { action_ = std::move(action); }
 
-    /// Whether the control's value is the user's: the one last typed, chosen or clicked still stands. Setting
-    /// a value from the program is not an edit, and setting a different one ends it.
+    /// Whether the control's value is the user's: it is still the one last typed, chosen or clicked. Setting
+    /// a value from the program is not an edit, and setting a different one ends the user's edit.
     [[nodiscard]] virtual bool isEdited() const { return false; }
 
     void copyState(const Element& from) override;
 
-    /// Sends the action with this control as the sender; nothing when none is wired. Exceptions
-    /// from the action reach the front-end's event dispatch (NSApplication::dispatch).
+    /// Sends the action with this control as the sender; does nothing when no action is set or the host's
+    /// ActionGate refuses it. Exceptions from the action reach the front-end's event dispatch
+    /// (NSApplication::dispatch).
     void sendAction();
 
   private:
