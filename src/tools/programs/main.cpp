@@ -1,4 +1,4 @@
-// The one body of the five tools' programs; the build says which of them it is.
+// The main function of all five tools; the build says which one.
 
 #include "tools/DirectoryTools.h"
 #include "tools/Helper.h"
