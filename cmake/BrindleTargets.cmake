@@ -6,6 +6,8 @@ target_include_directories(brindle_options INTERFACE ${CMAKE_SOURCE_DIR}/src)
 target_compile_options(brindle_options INTERFACE
     -Wall -Wextra -Wpedantic -Wshadow -Wconversion
     $<$<BOOL:${BRINDLE_WERROR}>:-Werror>)
+# Link only the libraries that a program uses, not everything that its own libraries might use.
+target_link_options(brindle_options INTERFACE -Wl,--as-needed)
 # With optimization, GCC 12 reports false faults in plain string concatenation and in vectors of one element (GCC bug
 # 105651 and others).
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)

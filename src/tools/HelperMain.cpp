@@ -3,6 +3,7 @@
 #include "platform/foundation/SystemServices.h"
 #include "platform/posix/InputOutput.h"
 #include "platform/posix/Secret.h"
+#include "platform/posix/SystemCallFilter.h"
 #include "platform/security/HelperFile.h"
 #include "platform/security/HelperProtocol.h"
 #include "tools/Helper.h"
@@ -20,7 +21,6 @@
 #include <fcntl.h>
 #include <poll.h>
 #include <sys/prctl.h>
-#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -37,13 +37,6 @@ void closeInheritedDescriptors() {
         }
     }
     ::closefrom(STDERR_FILENO + 1);
-}
-
-/// Prevents core dumps, which would contain passwords, of this process and of programs that it starts.
-void leaveNoCore() {
-    ::prctl(PR_SET_DUMPABLE, 0);
-    const rlimit none{0, 0};
-    ::setrlimit(RLIMIT_CORE, &none);
 }
 
 /// Ignores failures: if nobody reads the output, there is nobody to tell.
@@ -186,7 +179,8 @@ int serveSession(const HelperPlace& place) {
 
 int helperMain(int argc, char** argv) {
     closeInheritedDescriptors();
-    leaveNoCore();
+    platform::leaveNoCore();
+    ::prctl(PR_SET_DUMPABLE, 0); // so that the user whom it serves as root cannot look into its memory
     ::umask(S_IWGRP | S_IWOTH);
     std::signal(SIGPIPE, SIG_IGN); // finish a tool's work even if nobody reads the output
     platform::HostOptions options;
@@ -203,7 +197,10 @@ int helperMain(int argc, char** argv) {
         return platform::complain(*parser, fault).print();
     }
     if (!options.system) {
-        ::prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0); // as the user no program that grants rights is needed
+        // As the user, no program that grants rights is needed, and few of the system's calls. If the kernel
+        // has no filter for calls, the user's rights are the limit.
+        ::prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0);
+        platform::takeSystemCallFilter();
     }
     platform::Services services;
     services.log = std::make_shared<platform::SystemLog>(); // the tools log what they cannot read
