@@ -5,7 +5,7 @@
 
 int main(int argc, char** argv) {
     constexpr std::string_view tool = BRINDLE_TOOL;
-    // Not "?:": what only the helper needs is then linked into the helper only.
+    // "if constexpr", so that what only the helper needs is linked only into the helper.
     if constexpr (tool == "brindle-helper") {
         return helperMain(argc, argv);
     } else {
