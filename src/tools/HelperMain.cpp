@@ -180,7 +180,7 @@ int serveSession(const HelperPlace& place) {
 int helperMain(int argc, char** argv) {
     closeInheritedDescriptors();
     platform::leaveNoCore();
-    ::prctl(PR_SET_DUMPABLE, 0); // nor does the user whom it serves as root look into its memory
+    ::prctl(PR_SET_DUMPABLE, 0); // so the user for whom it acts as root cannot read its memory
     ::umask(S_IWGRP | S_IWOTH);
     std::signal(SIGPIPE, SIG_IGN); // work once begun is finished, whether or not anybody listens
     platform::HostOptions options;
@@ -197,8 +197,8 @@ int helperMain(int argc, char** argv) {
         return platform::complain(*parser, fault).print();
     }
     if (!options.system) {
-        // What is the user's own needs no program that gives rights, and few of the system's calls. Where the
-        // kernel has no filter for these, the user's rights are the limit.
+        // Work on the user's own files needs no program that gains rights, and few system calls. Without
+        // filters in the kernel, the user's rights are still the limit.
         ::prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0);
         platform::takeSystemCallFilter();
     }

@@ -2,11 +2,11 @@
 
 namespace platform {
 
-/// Refuses, to this process and whatever it starts, the system calls that none of them needs to work on
-/// files: those that look into other processes, reach a network, load something into the kernel, or change
-/// what the computer is (EPERM, or what says that there is no such thing). It cannot be taken back, and takes
-/// along the right to gain rights by starting programs. False where the kernel has no such filters: nothing
-/// is refused then.
+/// Makes the kernel refuse, to this process and every program that it starts, the system calls that work on
+/// files does not need: those that look into other processes, use a network, load something into the kernel,
+/// or change the state of the computer. They fail with EPERM, or with an error that says that there is no
+/// such thing. This cannot be undone, and these programs can no longer gain rights either. False when the
+/// kernel has no such filters; then nothing is refused.
 bool takeSystemCallFilter();
 
 } // namespace platform

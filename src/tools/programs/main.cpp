@@ -5,7 +5,7 @@
 
 int main(int argc, char** argv) {
     constexpr std::string_view tool = BRINDLE_TOOL;
-    // Not "?:": what only the helper needs is then linked into the helper only.
+    // With "if constexpr", only the helper links the libraries that only the helper needs.
     if constexpr (tool == "brindle-helper") {
         return helperMain(argc, argv);
     } else {
