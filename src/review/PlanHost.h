@@ -26,8 +26,8 @@ class PlanAuthority : public platform::Authority {
     std::shared_ptr<WorkingCopy> copy_;
 };
 
-/// The presenter of a plan: shows nothing, notes alerts and runs, presses "Yes" where an alert has such a
-/// button and its default elsewhere, and cancels open panels.
+/// The presenter of a plan: shows nothing, records alerts and runs, presses "Yes" in an alert that has such a
+/// button and otherwise the default button, and cancels open panels.
 class PlanPresenter : public platform::Presenter {
   public:
     explicit PlanPresenter(Plan* plan) : plan_(*plan) {}
@@ -61,7 +61,7 @@ class PlanPresenter : public platform::Presenter {
     platform::TimerId lastTimer_ = 0;
 };
 
-/// A log that keeps nothing, because nothing in a plan really happens.
+/// A log that drops everything, because nothing in a plan really happens.
 class SilentLog : public platform::Log {
   public:
     void write(std::string_view /*text*/) override {}

@@ -62,12 +62,12 @@ void compare(const WorkingCopy& copy, Plan* plan) {
     }
 }
 
-/// Whether the operation changes the settings files alone, and so needs no copy of the directory.
+/// Whether the operation changes only the settings files, so that it needs no copy of the directory.
 bool isOfSettings(const std::string& operation) {
     return operation == "updateAFSProperties:" || operation == "updateSMBProperties:";
 }
 
-/// Works the plan out on a copy that was made. Throws what keeps the application from being copied.
+/// Works the plan out on `copy`. Throws when the application cannot be copied.
 void workOut(const platform::Interface& main, const std::shared_ptr<WorkingCopy>& copy,
              const RehearsedAction& action, PlanDepth depth, Plan* plan) {
     const auto& now = *static_cast<const BRController*>(main.owner());
@@ -101,7 +101,7 @@ Plan planOf(const platform::Interface& main, const std::string& operation, const
     }
     try {
         workOut(main, *copy, action, depth, &plan);
-    } catch (const std::exception& error) { // as when the interface file was replaced meanwhile
+    } catch (const std::exception& error) { // for example when the interface file has been replaced meanwhile
         plan.failure = error.what();
     }
     return plan;

@@ -26,7 +26,8 @@ Rehearsal::Rehearsal(const platform::Interface& original, const std::shared_ptr<
     host_ = std::make_unique<platform::Host>(planServices(copy, plan));
     auto loaded = BRController::loadInterface();
     if (!loaded.isOk()) {
-        throw std::runtime_error(loaded.status().text()); // only if it was changed since the original's load
+        throw std::runtime_error(
+            loaded.status().text()); // only if the file has changed since it was first loaded
     }
     interface_ = std::move(*loaded);
     controller().copyState(controllerNow, sheetIsUp);
@@ -34,7 +35,7 @@ Rehearsal::Rehearsal(const platform::Interface& original, const std::shared_ptr<
 }
 
 Rehearsal::~Rehearsal() {
-    interface_ = nullptr; // its controls need the host
+    interface_ = nullptr; // destroyed first, because its controls need the host
 }
 
 BRController& Rehearsal::controller() const {

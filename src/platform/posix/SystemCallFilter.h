@@ -2,11 +2,11 @@
 
 namespace platform {
 
-/// Makes the kernel refuse, to this process and every program that it starts, the system calls that work on
-/// files does not need: those that look into other processes, use a network, load something into the kernel,
-/// or change the state of the computer. They fail with EPERM, or with an error that says that there is no
-/// such thing. This cannot be undone, and these programs can no longer gain rights either. False when the
-/// kernel has no such filters; then nothing is refused.
+/// From now on refuses, to this process and everything it starts, system calls that are not needed for
+/// working on files: those that look into other processes, reach a network, load something into the kernel,
+/// or change the computer itself. They fail with EPERM, or as if the call did not exist. The filter cannot be
+/// removed, and also prevents gaining rights by starting programs. Returns false, refusing nothing, when the
+/// kernel has no such filters.
 bool takeSystemCallFilter();
 
 } // namespace platform
