@@ -1,6 +1,5 @@
 #include "platform/commandline/CommandLine.h"
 #include "platform/foundation/Host.h"
-#include "platform/host/EmbeddedHost.h"
 #include "platform/host/EmbeddedRoot.h"
 #include "platform/netinfo/LocalDomain.h"
 #include "platform/posix/Secret.h"
