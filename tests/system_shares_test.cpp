@@ -82,7 +82,7 @@ TEST_F(SystemShares, KeepWhatSomebodyElseHasWrittenMeanwhile) {
     EXPECT_TRUE(platform::writeWholeFile(smbConf, contents(smbConf) + music).isOk());
     EXPECT_TRUE(contains(session.ask(makeDocs() + "show shareName", "shareName"), "Docs"));
     EXPECT_TRUE(contains(contents(smbConf), music));
-    // Wait for the new section. There is also the printer drivers' share.
+    // The printer drivers' share, Music, and the new one.
     EXPECT_TRUE(contains(session.ask("show normalTableView", "normalTableView"), "3 rows"));
 }
 

@@ -37,7 +37,7 @@ class WindowStatus : public QObject {
         hasSection_ = std::move(hasSection);
     }
 
-    /// Emitted with the operation of each control whose action has made all its changes.
+    /// Emitted with the operation of each control whose action made changes, and made all of them.
     platform::Signal<const std::string&> saved;
 
     /// Shows a text for the last action.
