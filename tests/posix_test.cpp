@@ -141,6 +141,12 @@ TEST(Process, InputOutputErrorsAndStatusArriveWhole) {
               "cannot start /missing/program: No such file or directory");
 }
 
+TEST(Process, AChildThatWritesWithoutEndIsKilled) {
+    const auto finished = runProcess(shell("exec cat /dev/zero"));
+    ASSERT_FALSE(finished.isOk());
+    EXPECT_EQ(finished.status().systemError(), EFBIG);
+}
+
 TEST(Process, ATimeLimitKillsTheChild) {
     const TestHost host;
     const std::string id = host.root() / "id";
