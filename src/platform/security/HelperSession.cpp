@@ -20,7 +20,7 @@ namespace {
 
 constexpr int tryAgain = 20; // milliseconds
 
-/// Waits until `descriptor` can be read. False when it cannot be before `deadline`.
+/// Waits until `descriptor` can be read. Returns false when `deadline` passes first.
 bool isReadableBy(int descriptor, std::chrono::steady_clock::time_point deadline) {
     int ready = 0;
     do {
@@ -54,7 +54,7 @@ OSStatus HelperSession::run(const std::string& tool, std::span<const std::string
     auto answer = ask(*frame);
     wipe(*frame);
     if (!answer.isOk() && !wasDenied_ && !isGivenUp_ && Host::currentIfAny() != nullptr) {
-        NSLog("%@", answer.status().text()); // the caller only learns that it failed
+        NSLog("%@", answer.status().text()); // the caller only gets a status code
     }
     if (!answer.isOk() || !*answer) {
         return wasDenied_ ? errAuthorizationDenied : errAuthorizationToolExecuteFailure;

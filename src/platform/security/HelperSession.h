@@ -21,7 +21,7 @@ namespace platform {
 class HelperSession {
   public:
     /// `command` is the helper's path with its options. `patience` is how long the helper may take to start a
-    /// run, `answerLimit` how long the whole answer may take.
+    /// run, and `answerLimit` how long its whole reply may take.
     explicit HelperSession(std::vector<std::string> command,
                            std::chrono::milliseconds patience = std::chrono::seconds(30),
                            std::chrono::milliseconds answerLimit = std::chrono::minutes(10));
@@ -79,7 +79,7 @@ class HelperSession {
     std::vector<std::string> command_;
     std::chrono::milliseconds patience_;
     std::chrono::milliseconds answerLimit_;
-    std::chrono::steady_clock::time_point answerBy_; ///< when the present answer must be there
+    std::chrono::steady_clock::time_point answerBy_; ///< when the current reply must be complete
     std::optional<ChildProcess> helper_;
     std::chrono::steady_clock::time_point lastAsked_; ///< when the helper was last asked
     // A buffer for what the helper has written.
