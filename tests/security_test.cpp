@@ -131,7 +131,7 @@ TEST(Consent, HoldsForFiveMinutesAfterItsLastUse) {
     EXPECT_EQ(AuthorizationCopyRights(session, adminRight, askFlags, nullptr), 0);
     EXPECT_EQ(test.administratorDialogs, 3);
     test.now = 500;
-    EXPECT_FALSE(held()) << "the clock was put back";
+    EXPECT_FALSE(held()) << "the clock was set back";
     EXPECT_EQ(AuthorizationFree(session, kAuthorizationFlagDestroyRights), 0);
 }
 
