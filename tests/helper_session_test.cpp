@@ -1,4 +1,4 @@
-// The runs of an action through the real helper, from the window's side.
+// The runs of an action through the real helper, as the window makes them.
 
 #include "support/HelperFixture.h"
 
@@ -132,7 +132,7 @@ TEST_F(Action, IsNotifiedWhenItsChangesAreLost) {
     fs::create_directory(list); // the server's account lists cannot be written
     const platform::Status status = helper.settle();
     EXPECT_NE(status.text().find("cannot write " + list.string()), std::string::npos) << status.text();
-    EXPECT_NE(nicl(helper, {"-create", "/users/carol", "uid", "70502"}), "") << "the user is gone";
+    EXPECT_NE(nicl(helper, {"-create", "/users/carol", "uid", "70502"}), "") << "the user is lost";
     EXPECT_EQ(*contentsOfFile(platform::SambaAccounts(root_.sambaPaths()).passwdFile()), passwd);
     EXPECT_TRUE(helper.settle().isOk()) << "it is told once";
     fs::remove(list);

@@ -113,7 +113,7 @@ class Translation : public AppFixture {
     std::set<std::string> expectedAlerts_;
 };
 
-TEST_F(Translation, ReachesEveryTextOfTheWindowsAndTheFirstLaunch) {
+TEST_F(Translation, CoversEveryTextOfTheWindowsAndTheFirstLaunch) {
     addUser("alice", "501");
     addGroup("staff", "20", {"alice"});
     addShare("Docs", "/shares/docs");
@@ -160,7 +160,7 @@ TEST_F(Translation, ReachesEveryTextOfTheWindowsAndTheFirstLaunch) {
     expectMarked(host.loadedInterface->root());
 }
 
-TEST_F(Translation, ReachesEveryAlertAboutSharesAndAccounts) {
+TEST_F(Translation, CoversEveryAlertAboutSharesAndAccounts) {
     addUser("alice", "501");
     addUser("adam", "502");
     addGroup("friends", "501", {"alice"});
@@ -217,7 +217,7 @@ TEST_F(Translation, ReachesEveryAlertAboutSharesAndAccounts) {
     expectMarkedAlerts();
 }
 
-TEST_F(Translation, ReachesEveryAlertAboutTheServersSettings) {
+TEST_F(Translation, CoversEveryAlertAboutTheServersSettings) {
     host.write("Library/Preferences/com.apple.AppleFileServer.plist",
                "<plist version=\"1.0\"><dict/></plist>");
     start();

@@ -32,7 +32,7 @@ bool contains(const std::string& text, const std::string& part) {
 
 } // namespace
 
-TEST_F(Root, PasswordsGoToTheRootsOwnServerAndLeaveWithTheUser) {
+TEST_F(Root, PasswordsGoToTheRootsOwnServerAndAreRemovedWithTheUser) {
     ASSERT_TRUE(root.makeIfMissing().isOk());
     EXPECT_TRUE(contains(dscl("/Users/alice", "secret"), "there is no such user"));
     EXPECT_TRUE(contains(dscl("/Groups/alice", "secret"), "/Users/NAME"));

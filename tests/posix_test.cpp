@@ -141,6 +141,12 @@ TEST(Process, InputOutputErrorsAndStatusArriveWhole) {
               "cannot start /missing/program: No such file or directory");
 }
 
+TEST(Process, AChildThatWritesWithoutEndIsKilled) {
+    const auto finished = runProcess(shell("exec cat /dev/zero"));
+    ASSERT_FALSE(finished.isOk());
+    EXPECT_EQ(finished.status().systemError(), EFBIG);
+}
+
 TEST(Process, ATimeLimitKillsTheChild) {
     const TestHost host;
     const std::string id = host.root() / "id";
@@ -150,7 +156,7 @@ TEST(Process, ATimeLimitKillsTheChild) {
             runProcess(shell(std::string(silent) + "echo $$ >" + id + "; exec sleep 60"), {}, 200ms);
         EXPECT_EQ(finished.status().systemError(), ETIMEDOUT);
         EXPECT_LT(std::chrono::steady_clock::now() - begin, 30s);
-        EXPECT_NE(::kill(std::stoi(textOf(id)), 0), 0) << "it still runs";
+        EXPECT_NE(::kill(std::stoi(textOf(id)), 0), 0) << "it is still running";
     }
     EXPECT_TRUE(runProcess(shell("sleep 0.01"), {}, 60s).isOk());
 }
@@ -292,7 +298,7 @@ TEST(WholeFile, TheNextWriterRemovesWhatAKilledOneLeft) {
     EXPECT_EQ(namesIn(folder), (std::vector<std::string>{".brindle-2.tmp", ".brindle.tmp", "file"}));
 }
 
-TEST(WholeFile, WritersAtOnceLeaveOneWholeText) {
+TEST(WholeFile, SimultaneousWritersLeaveOneWholeText) {
     const TestHost host;
     const fs::path folder = host.root() / "folder";
     fs::create_directory(folder);

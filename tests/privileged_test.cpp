@@ -280,7 +280,7 @@ TEST(Restart, ListsNothingWhenTheUserRefuses) {
     TestHost host;
     host.rightHeld = host.administratorAllows = false;
     host.onListing = [](const std::string&) -> std::optional<std::string> {
-        ADD_FAILURE() << "a listing was made";
+        ADD_FAILURE() << "processes were listed";
         return "210\n";
     };
     NiutilTask::sharedInstance().restartSMB();

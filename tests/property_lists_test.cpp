@@ -138,7 +138,7 @@ TEST(PropertyLists, EveryFormOfAFileIsRead) {
     }
 }
 
-TEST(PropertyLists, ReadersOfXMLReadTheValuesThatWereThere) {
+TEST(PropertyLists, OtherReadersOfTheXMLReadTheSameValues) {
     const char* dates = "<key>a</key>\n\t<date>0900-01-02T03:04:05Z</date>\n\t"
                         "<key>b</key>\n\t<date>0001-12-31T00:00:00Z</date>\n\t"
                         "<key>c</key>\n\t<string>1\t2&#13;\n3&#13;4&#1;</string>\n";

@@ -90,7 +90,7 @@ TEST_P(Plans, SayRunForRunAndLineForLineWhatTheActionThenDoesAndChangeNothing) {
 
 INSTANTIATE_TEST_SUITE_P(Drawn, Plans, testing::Range(1U, 26U));
 
-TEST(TextDifference, HasTheFewestLinesInTheirOrder) {
+TEST(TextDifference, HasTheFewestLinesInOrder) {
     const auto changes = [](std::string_view before, std::string_view after) {
         std::string text;
         for (const LineChange& change :

@@ -270,7 +270,7 @@ TEST_F(Surprises, SettingsThatTheServerReadsDifferentlyAreNamed) {
 
 TEST_F(Surprises, TheServersOwnComplaintIsReported) {
     if (!std::filesystem::exists("/usr/bin/testparm")) {
-        GTEST_SKIP() << "no testparm here";
+        GTEST_SKIP() << "testparm is not installed";
     }
     writeConf(plainConf("no such key = 1\n"));
     begin();

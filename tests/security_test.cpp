@@ -45,10 +45,17 @@ TEST(HelperStart, CountsOnlyWhenTheHelperSaysSoFirst) {
         {"exit 1", -60005, ""}, // the status with which sudo refuses
         {"kill -9 $$", -60031, ""},
         {"exec sleep 100", -60031, ""},
+        // These have started, but do not end with an answer, or not at all.
+        {"printf '\\006'; exec sleep 100", -60031, ""},
+        {"printf '\\006'; exec >&-; exec sleep 100", -60031, ""},
+        {"exec >&-; exec sleep 100", -60031, ""},
+        {"printf '\\006\\377\\377\\377\\377'; exec cat /dev/zero", -60031, ""},
+        {"printf '\\006\\003\\0\\0\\0'; exec sleep 100", -60031, ""},
+        {"head -c 300024 >/dev/null; printf '\\006\\0\\0\\0\\004said\\0'; exec sleep 100", 0, "said"},
     };
     TestHost host;
     for (const Case& each : cases) {
-        HelperSession helper({script(host, "helper", each.helper)}, 500ms);
+        HelperSession helper({script(host, "helper", each.helper)}, 500ms, 500ms);
         std::string output;
         const std::vector<std::string> arguments = {"-1", std::string(300006, 'x')};
         ASSERT_EQ(helper.run("/bin/kill", arguments, &output), each.status) << each.helper;
@@ -56,6 +63,10 @@ TEST(HelperStart, CountsOnlyWhenTheHelperSaysSoFirst) {
         if (each.status == 0) {
             EXPECT_EQ(output, each.output) << each.helper;
         }
+        const bool hasFailed = each.status == errAuthorizationToolExecuteFailure;
+        EXPECT_EQ(!host.log.empty() && host.log.back().starts_with("cannot talk to"), hasFailed)
+            << each.helper;
+        host.log.clear();
     }
     HelperSession missing({(host.root() / "missing").string()});
     EXPECT_EQ(missing.run("/bin/kill", {}, nullptr), -60031);
@@ -120,7 +131,7 @@ TEST(Consent, HoldsForFiveMinutesAfterItsLastUse) {
     EXPECT_EQ(AuthorizationCopyRights(session, adminRight, askFlags, nullptr), 0);
     EXPECT_EQ(test.administratorDialogs, 3);
     test.now = 500;
-    EXPECT_FALSE(held()) << "the clock was put back";
+    EXPECT_FALSE(held()) << "the clock was set back";
     EXPECT_EQ(AuthorizationFree(session, kAuthorizationFlagDestroyRights), 0);
 }
 

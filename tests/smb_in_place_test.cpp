@@ -244,7 +244,7 @@ TEST(SmbInPlace, AppliesTheChangeToAFileThatSomebodyElseChanged) {
     const auto both = textWithChanges("[a]\nx = 7\n", changes);
     EXPECT_EQ(both.text, "[a]\nx = 2\n\n[b]\nz = 2\n");
     const auto gone = textWithChanges("# gone\n[b]\nz = 2", changes);
-    EXPECT_EQ(gone.text, "# gone\n[b]\nz = 2\n\n[a]\nx = 2\ny = 1") << "whole, and once";
+    EXPECT_EQ(gone.text, "# gone\n[b]\nz = 2\n\n[a]\nx = 2\ny = 1") << "the whole section, and only once";
     EXPECT_EQ(gone.conflicts, (std::vector<SMBConflict>{{"a", "", "", "", ""}}));
     section(now, "a")->setType(SMBCommentGroup);
     EXPECT_EQ(textWithChanges("[b]\nz = 1\n", changesBetween(read.entries, now.entries)).text,

@@ -51,7 +51,7 @@ TEST(SystemHost, ShowsTheComputerAtAFirstStartAndWritesNothing) {
         runProgram({BRINDLE_PROGRAMS "/brindle", "--system", "--root", own, "--script", "-"},
                    "answer Donation Cancel\nstart\nshow idleDisconnectTime tcpPort\n", environment);
     EXPECT_NE(script.output.find("tcpPort \"548\""), std::string::npos)
-        << "the AFP settings are a new server's";
+        << "the AFP settings are those of a new root";
     EXPECT_FALSE(fs::exists(own));
     std::vector<std::string> written;
     for (const auto& entry : fs::recursive_directory_iterator(test.home())) {

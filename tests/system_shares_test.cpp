@@ -18,7 +18,7 @@ TEST_F(SystemShares, AreMadeByAScriptServedAtOnceAndDeletedWithoutATraceInTheFil
     EXPECT_TRUE(contains(made, "run /bin/cp /home/chief/smb_test.conf /etc/smb.conf\n")) << made;
     EXPECT_TRUE(contains(made, "run /bin/kill -1 ")) << made;
     EXPECT_FALSE(contains(made, "output ")) << made;
-    EXPECT_FALSE(contains(made, "administrator ")) << "sudo asks this administrator for nothing";
+    EXPECT_FALSE(contains(made, "administrator ")) << "sudo does not ask this administrator";
     EXPECT_TRUE(contains(made, "ShareName=\"Docs\"")) << made;
     EXPECT_TRUE(contains(made, "\"chief\"")) << made;
     EXPECT_TRUE(contains(contents(smbConf), "[Docs]\npath = /home/shared\n"));

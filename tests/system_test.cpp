@@ -222,7 +222,7 @@ TEST_F(SystemAccounts, StayUnchangedIfBrindleMayNotOrCannotChangeThem) {
 
 TEST_F(SystemAccounts, InheritNothingFromAnAccountThatIsGone) {
     EXPECT_EQ(said({makeGroup("team", "1600"), makeUser("alice", "1501", "1600")}), "");
-    ASSERT_EQ(runProgram({"/usr/sbin/userdel", "alice"}).status, 0); // done by somebody else
+    ASSERT_EQ(runProgram({"/usr/sbin/userdel", "alice"}).status, 0); // done by another program
     EXPECT_EQ(nicl({"-create", "/users/alice"}), "");
     EXPECT_EQ(nicl({"-create", "/users/alice", "home", "/half"}), "");
     EXPECT_EQ(nicl({"-create", "/users/alice"}), "") << "the previous one was never completed";

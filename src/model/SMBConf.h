@@ -72,7 +72,7 @@ class SMBConf {
     [[nodiscard]] std::string writtenText() const;
 
     /// The text that a write would write: writtenText(), or, on a host that keeps the layout of settings
-    /// files, the text that is on disk now with only those lines changed that the model changes. On such a
+    /// files, the text that is on disk now, with only the lines changed that the model changes. On such a
     /// host it fails when the file exists but cannot be read. `*conflicts` (unless null) receives the
     /// settings that somebody else has also changed in the file.
     [[nodiscard]] platform::Result<std::string>

@@ -156,7 +156,7 @@ void Editor::addSection(const SMBChange& change) {
     }
 }
 
-/// Half a section would share nothing, or something else: it comes back whole.
+/// Half a section would share nothing, or something else, so the whole section is written again.
 void Editor::addMissingSection(const SMBChange& change) {
     if (missing_.emplace(change.section, change.sectionOccurrence).second) {
         conflicts_.push_back({change.section, "", "", "", ""});

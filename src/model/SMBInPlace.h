@@ -32,8 +32,8 @@ struct SMBChange {
     std::string value;
     std::string before;   ///< for SetValue and RemovePair: the value that was read
     bool atFront = false; ///< for AddSection: before all other sections
-    std::string
-        whole; ///< for a change within a section: the whole section's text, for a file that has lost it
+    /// For a change within a section: the text of the whole section, for a file that has lost it.
+    std::string whole;
     [[nodiscard]] bool operator==(const SMBChange&) const = default;
 };
 
@@ -55,7 +55,7 @@ struct SMBConflict {
 
 struct SMBInPlaceText {
     std::string text;
-    std::vector<SMBConflict> conflicts; ///< in all of which `text` has our value
+    std::vector<SMBConflict> conflicts; ///< `text` has our value in all of them
 };
 
 /// `text`, the file as it is on disk now, with the changes applied.

@@ -25,7 +25,7 @@ namespace {
 /// computers, but not on all.
 constexpr std::array<std::string_view, 11> systemTrees = {"/etc", "/usr", "/boot", "/dev", "/proc", "/sys",
                                                           "/run", "/bin", "/sbin", "/lib", "/lib64"};
-/// The same when root makes the change: programs rely on what they keep there.
+/// Nor are these when root makes the change: programs rely on what they keep there.
 constexpr std::array<std::string_view, 2> treesOfComputer = {"/var/lib", "/var/spool"};
 /// The exception: removable volumes.
 constexpr std::string_view volumes = "/run/media/";

@@ -20,7 +20,7 @@ struct InterfaceNode {
         attributes; ///< strings that the user sees are already localized
     std::map<std::string, std::string, std::less<>> keys; ///< the keys of those strings in the string table
     std::vector<std::unique_ptr<InterfaceNode>> children;
-    std::unique_ptr<Element> element; ///< its model; null for layout alone
+    std::unique_ptr<Element> element; ///< its model; null when the element only lays out others
     int line = 0;
 
     /// The attribute's value, or "" when there is none.

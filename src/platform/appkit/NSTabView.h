@@ -14,7 +14,7 @@ class NSTabViewDelegate {
     virtual void tabViewDidSelectTabViewItem(NSTabView* tabView, int index) = 0;
 };
 
-/// Pages, numbered from 0, of which one is shown. A front-end lets the user pick one by its label, unless the
+/// Pages, numbered from 0. One of them is shown. A front-end lets the user pick one by its label, unless the
 /// tabs are hidden and another control picks the page.
 class NSTabView : public platform::Element {
   public:

@@ -9,7 +9,7 @@
 
 namespace platform {
 
-/// Names the store of the local domain. Every ni_open opens its file anew.
+/// Names the store of the local domain. Every ni_open opens its file again.
 class LocalDomain {
   public:
     virtual ~LocalDomain() = default;

@@ -61,7 +61,7 @@ class Store {
     [[nodiscard]] RecordBlock children(Record parent);
     /// Adds a record after its siblings, with the property `name`. No sibling may have that name.
     Record addRecord(Record parent, std::string_view name);
-    /// The same with several properties, of which the first must be `name`.
+    /// The same with several properties. The first must be `name`.
     Record addRecord(Record parent, std::span<const StoredProperty> properties);
     /// Renames a record, in paths and in its property `name`. No sibling may have that name.
     void rename(Record record, std::string_view name);

@@ -4,9 +4,9 @@
 
 namespace platform {
 
-/// Which other process has locked the SQLite file, as "PROGRAM (process ID)"; of several the one that writes.
-/// Empty when no other process has, or none that can be seen. Does not open the file, because closing a
-/// descriptor of it would release this process's locks.
+/// Which other process has locked the SQLite file, as "PROGRAM (process ID)"; if there are several, the one
+/// that writes. Empty when no other process has locked it, or none that can be seen. Does not open the file,
+/// because closing a descriptor of it would release this process's locks.
 [[nodiscard]] std::string storeHolder(const std::string& file);
 
 /// Says why the store `file` cannot be used, given SQLite's `error`, and what to do. `waited` is how many

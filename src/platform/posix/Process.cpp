@@ -102,7 +102,7 @@ int pollTime(std::optional<steady_clock::time_point> deadline) {
 }
 
 /// Writes to and reads from the child's pipes until both outputs and the child have ended. Returns false,
-/// with errno set, when the deadline comes first.
+/// with errno set, when the deadline comes first or the child writes too much.
 bool converse(ChildProcess& child, std::string_view input, FinishedProcess& finished,
               std::optional<steady_clock::time_point> deadline) {
     // Not open on a system without pidfd_open; a child that has closed its outputs is then waited for without
@@ -133,6 +133,10 @@ bool converse(ChildProcess& child, std::string_view input, FinishedProcess& fini
         }
         if (waiting[1].revents != 0) {
             readReady(child.errors, finished.errors);
+        }
+        if (std::max(finished.output.size(), finished.errors.size()) > largestOutput) {
+            errno = EFBIG;
+            return false;
         }
         if (waiting[2].revents != 0) {
             writeReady(child.input, input);

@@ -5,6 +5,7 @@
 
 #include <chrono>
 #include <csignal>
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -66,6 +67,9 @@ class IgnoredBrokenPipe {
 /// when `process` is not a child of this one.
 [[nodiscard]] Result<int> waitForProcess(pid_t process);
 
+/// The most that a program may write, in bytes.
+inline constexpr std::size_t largestOutput = std::size_t{64} * 1024 * 1024;
+
 /// How a program ended, and what it wrote.
 struct FinishedProcess {
     int status = 0; ///< its exit status, or 128 plus the signal that killed it
@@ -74,8 +78,8 @@ struct FinishedProcess {
 };
 
 /// Runs a program to its end. `input` is the whole of its standard input; it is no failure if the program
-/// does not read it. Fails when the program cannot be started or has not ended within `timeLimit`; the
-/// program is then killed, but programs that it has started itself are not.
+/// does not read it. Fails when the program cannot be started, has not ended within `timeLimit`, or writes
+/// more than largestOutput; the program is then killed, but programs that it has started itself are not.
 [[nodiscard]] Result<FinishedProcess>
 runProcess(const Command& command, std::string_view input = {},
            std::optional<std::chrono::milliseconds> timeLimit = std::nullopt);

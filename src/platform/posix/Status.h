@@ -25,7 +25,7 @@ class [[nodiscard]] Status {
 
     /// "cannot write /etc/smb.conf: No space left on device". Empty for success.
     [[nodiscard]] std::string text() const;
-    /// The reason alone. Empty for success.
+    /// Only the reason. Empty for success.
     [[nodiscard]] std::string_view why() const;
 
     /// errno's value when a system call failed, otherwise 0.

@@ -19,7 +19,7 @@ struct SambaBuild {
     std::string privateFolder; ///< where its secrets lie
 };
 
-/// What `smbd -b` says; it is run once per process. What it does not say is as on Debian, and so is
+/// What `smbd -b` says; it is run once per process. What it does not say has Debian's value. So does
 /// everything when no smbd is installed, because its settings can be made before it is installed.
 [[nodiscard]] const SambaBuild& sambaBuild();
 

@@ -22,6 +22,8 @@ namespace platform {
 /// A helper in session mode ends after so long without a request.
 inline constexpr std::chrono::milliseconds helperIdleLimit = std::chrono::minutes(5);
 
+/// The largest reply, in bytes: far more than the longest list of sessions.
+inline constexpr std::size_t maximumHelperAnswer = std::size_t{64} * 1024 * 1024;
 /// The largest request, in bytes.
 inline constexpr std::size_t maximumHelperRequest = std::size_t{1024} * 1024;
 /// The exit status of a helper that gives up before it has started. sudo uses another one when it refuses.

@@ -21,9 +21,10 @@ namespace platform {
 class HelperSession {
   public:
     /// `command` is the helper's path with its options. `patience` is how long the helper may take to start a
-    /// run.
+    /// run, and `answerLimit` how long its whole reply may take.
     explicit HelperSession(std::vector<std::string> command,
-                           std::chrono::milliseconds patience = std::chrono::seconds(30));
+                           std::chrono::milliseconds patience = std::chrono::seconds(30),
+                           std::chrono::milliseconds answerLimit = std::chrono::minutes(10));
     /// Undoes what was not settled.
     ~HelperSession();
     HelperSession(const HelperSession&) = delete;
@@ -68,12 +69,17 @@ class HelperSession {
     [[nodiscard]] Status read(std::span<char> bytes);
     /// Waits until there is something to read; false when the user has given up.
     [[nodiscard]] bool isAnswered() const;
+    /// Lets go of the helper and returns its exit status. A helper that does not end in time is killed. If it
+    /// cannot be killed, it is abandoned and there is no status.
+    std::optional<int> collect();
     /// Gives up a helper with which communication has failed.
     void giveUp();
     void letGo();
 
     std::vector<std::string> command_;
     std::chrono::milliseconds patience_;
+    std::chrono::milliseconds answerLimit_;
+    std::chrono::steady_clock::time_point answerBy_; ///< when the current reply must be complete
     std::optional<ChildProcess> helper_;
     std::chrono::steady_clock::time_point lastAsked_; ///< when the helper was last asked
     // A buffer for what the helper has written.
