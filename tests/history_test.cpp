@@ -138,11 +138,15 @@ class OneUndo : public HistoryTest {
     void addStaff() {
         host.allowUnaskedAlerts();
         beginWithHistory();
-        type("groupName", "crew");
-        type("gid", "7200");
+        addGroup("crew", "7200");
+        host.runs.clear();
+    }
+
+    void addGroup(const std::string& name, const std::string& gid) {
+        type("groupName", name);
+        type("gid", gid);
         host.answerAlert("Confirm Add New Group", "Yes");
         act("addNewGroup:");
-        host.runs.clear();
     }
 };
 
@@ -153,6 +157,16 @@ TEST_P(OneUndo, WhatIsAlreadyAsBeforeCountsAsTakenBack) {
     EXPECT_EQ(titles(), (std::vector<std::string>{"2 Taken back: Group \"crew\" created done",
                                                   "1 Group \"crew\" created undone"}));
     EXPECT_TRUE(host.runs.empty());
+}
+
+TEST_P(OneUndo, TakesBackTheNewestChangeEvenIfTheClockWasSetBackBeforeIt) {
+    addStaff();
+    host.now -= 7200;
+    addGroup("team", "7300");
+    EXPECT_EQ(undo(), "");
+    EXPECT_EQ(titles(),
+              (std::vector<std::string>{"3 Taken back: Group \"team\" created done",
+                                        "2 Group \"team\" created undone", "1 Group \"crew\" created done"}));
 }
 
 TEST_P(OneUndo, IsRefusedWhileTheDirectoryCannotBeRead) {

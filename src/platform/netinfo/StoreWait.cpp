@@ -13,6 +13,7 @@
 
 #include <sqlite3.h>
 #include <sys/stat.h>
+#include <sys/statvfs.h>
 #include <unistd.h>
 
 namespace platform {
@@ -70,6 +71,14 @@ bool isOwn(pid_t process) {
     return process == ::getpid();
 }
 
+/// Whether the disk of `file` takes more files, however much room there is for bytes.
+bool hasRoomForFiles(const std::string& file) {
+    struct statvfs disk {};
+
+    // Some file systems have no limit and report neither number.
+    return ::statvfs(file.c_str(), &disk) != 0 || disk.f_files == 0 || disk.f_favail > 0;
+}
+
 } // namespace
 
 std::string storeHolder(const std::string& file) {
@@ -119,6 +128,9 @@ std::string storeProblem(const std::string& file, int error, int waited) {
     case SQLITE_PERM:
         return "it may only be read; allow writing to it and its folder";
     case SQLITE_CANTOPEN:
+        if (!hasRoomForFiles(file)) { // a change needs a journal beside the store
+            return "its disk has no room for another file; remove files that are not needed, and try again";
+        }
         return std::filesystem::exists(file, ignored)
                    ? "it cannot be opened; check who may read and write it and its folder"
                    : "it does not exist; start brindle once to have it made";
