@@ -6,6 +6,7 @@
 #include "platform/foundation/SystemPaths.h"
 #include "platform/netinfo/LocalDomain.h"
 #include "review/Blocked.h"
+#include "review/Operations.h"
 #include "review/TextDifference.h"
 #include "review/Warnings.h"
 
@@ -64,7 +65,8 @@ void compare(const WorkingCopy& copy, Plan* plan) {
 
 /// Whether the operation changes the settings files alone, and so needs no copy of the directory.
 bool isOfSettings(const std::string& operation) {
-    return operation == "updateAFSProperties:" || operation == "updateSMBProperties:";
+    const WritingOperation* found = findWritingOperation(operation);
+    return found != nullptr && found->isOfSettings;
 }
 
 /// Works the plan out on a copy that was made. Throws what keeps the application from being copied.

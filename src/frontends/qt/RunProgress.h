@@ -2,6 +2,7 @@
 
 #include "frontends/qt/Activity.h"
 #include "frontends/qt/Binding.h"
+#include "review/Operations.h"
 
 #include <QElapsedTimer>
 
@@ -20,16 +21,6 @@ class QWidget;
 /// button that ends it after one of them: half a share is worse than to wait.
 class RunProgress {
   public:
-    /// Where an action can be ended.
-    enum class Stops {
-        Nowhere,
-        AfterRun,   ///< each run is for an object of its own
-        AfterObject ///< several runs in a row are for one
-    };
-
-    /// Where the action of that operation can be.
-    [[nodiscard]] static Stops stopsOf(const std::string& operation);
-
     /// `parent` says which widget the dialog stands over. The others are kept.
     RunProgress(std::function<QWidget*()> parent, Activity& activity, RefreshQueue& queue);
     ~RunProgress();
@@ -41,7 +32,7 @@ class RunProgress {
     void setStop(std::function<void(bool madeStill)> stop) { stop_ = std::move(stop); }
 
     /// An action of that many runs is about to begin.
-    void begin(std::size_t runs, Stops stops);
+    void begin(std::size_t runs, review::Stops stops);
     /// A run of it begins. False: it is not made, because the user has stopped the action before.
     bool toolWillRun(const std::string& tool, std::span<const std::string> arguments);
     /// The user was asked something on the way.
@@ -67,7 +58,7 @@ class RunProgress {
     QElapsedTimer sinceShown_;
     std::size_t runs_ = 0; ///< of the action under way; 0: none that is worth it
     std::size_t done_ = 0; ///< with the one that is announced
-    Stops stops_ = Stops::Nowhere;
+    review::Stops stops_ = review::Stops::Nowhere;
     std::string object_; ///< that the last run was for
     bool stopsSoon_ = false;
     bool isStopped_ = false;

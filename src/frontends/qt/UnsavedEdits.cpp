@@ -6,6 +6,7 @@
 #include "platform/appkit/NSPopUpButton.h"
 #include "platform/appkit/NSTextField.h"
 #include "platform/foundation/NSBundle.h"
+#include "review/Operations.h"
 
 #include <algorithm>
 #include <array>
@@ -20,13 +21,6 @@ bool choosesView(std::string_view operation) {
     static constexpr std::array<std::string_view, 5> operations = {
         "updateUsersGroupsList:", "updateGroupsList:", "refreshGroupList:", "changeAFSPropsTabView:",
         "changeSMBPropsTabView:"};
-    return std::ranges::find(operations, operation) != operations.end();
-}
-
-/// It writes all that stands on its page.
-bool savesForm(std::string_view operation) {
-    static constexpr std::array<std::string_view, 5> operations = {
-        "createShare:", "addNewUser:", "addNewGroup:", "updateAFSProperties:", "updateSMBProperties:"};
     return std::ranges::find(operations, operation) != operations.end();
 }
 
@@ -106,7 +100,8 @@ void UnsavedEdits::forgetReplaced() {
 }
 
 void UnsavedEdits::noteSaved(const std::string& operation) {
-    if (!savesForm(operation)) {
+    const review::WritingOperation* writing = review::findWritingOperation(operation);
+    if (writing == nullptr || !writing->savesPage) {
         return;
     }
     for (const auto& [page, title] : pagesOf(actions_.interface())) {
