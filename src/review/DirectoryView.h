@@ -20,7 +20,6 @@ class DirectoryView {
     explicit DirectoryView(std::shared_ptr<const platform::LocalDomain> domain);
     ~DirectoryView();
     DirectoryView(DirectoryView&& other) noexcept;
-    DirectoryView& operator=(DirectoryView&& other) noexcept;
 
     /// False when nothing can be read of it, so that what is asked for is not known to be missing.
     [[nodiscard]] bool isReadable() const;

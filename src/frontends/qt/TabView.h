@@ -19,9 +19,6 @@ class TabView : public QWidget {
 
     TabView(NSTabView& tabView, std::vector<MakePage> pages, RefreshQueue& queue);
 
-    /// Builds the pages that were not shown yet.
-    void buildAll();
-
     /// The page in sight.
     [[nodiscard]] const QWidget& currentPage() const { return *stack_->currentWidget(); }
 
