@@ -1,10 +1,7 @@
 #include "frontends/qt/UnsavedEdits.h"
 
 #include "frontends/qt/NodeAttributes.h"
-#include "platform/appkit/NSButton.h"
-#include "platform/appkit/NSMatrix.h"
-#include "platform/appkit/NSPopUpButton.h"
-#include "platform/appkit/NSTextField.h"
+#include "platform/appkit/NSControl.h"
 #include "platform/foundation/NSBundle.h"
 #include "review/Operations.h"
 
@@ -26,26 +23,12 @@ bool choosesView(std::string_view operation) {
 
 /// What of the control's content is a user's and would be saved; empty where nothing is.
 std::string editOf(const platform::InterfaceNode& node) {
-    std::string edit;
-    if (const auto* matrix = modelOf<NSMatrix>(node)) {
-        for (int row = 0; row < matrix->numberOfRows(); ++row) {
-            for (int column = 0; column < matrix->numberOfColumns(); ++column) {
-                edit += matrix->isEditedAt(row, column) ? std::to_string(matrix->stateAt(row, column)) : "";
-            }
-        }
-        return edit;
-    }
     const auto* control = modelOf<NSControl>(node);
-    if (control == nullptr || !control->isEdited() || choosesView(control->action().operation)) {
-        return edit;
+    if (control == nullptr || choosesView(control->action().operation)) {
+        return {};
     }
-    const auto* field = modelOf<NSTextField>(node);
-    const auto* box = modelOf<NSButton>(node);
-    const auto* menu = modelOf<NSPopUpButton>(node);
-    return "=" + (field != nullptr  ? field->stringValue()
-                  : box != nullptr  ? std::to_string(box->state())
-                  : menu != nullptr ? std::to_string(menu->indexOfSelectedItem())
-                                    : std::string());
+    const auto edit = control->edit();
+    return edit ? "=" + *edit : "";
 }
 
 using Edits = std::map<const platform::Element*, std::string>;

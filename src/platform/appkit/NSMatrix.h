@@ -26,6 +26,9 @@ class NSMatrix : public NSControl {
     /// Whether the cell's state is the one that a user's click left.
     [[nodiscard]] bool isEditedAt(int row, int column) const;
 
+    /// The states of the cells that are edited.
+    [[nodiscard]] std::optional<std::string> edit() const override;
+
     void copyState(const Element& from) override;
 
     /// A user's click: the cell changes its state, then the action is sent. Does nothing while disabled.
@@ -36,6 +39,8 @@ class NSMatrix : public NSControl {
         std::string title;
         int state = 0;
         std::optional<int> clicked; ///< the state that a user's last click left
+
+        [[nodiscard]] bool isEdited() const { return clicked == state; }
     };
 
     [[nodiscard]] std::size_t indexOf(int row, int column) const;

@@ -51,7 +51,7 @@ class NSPopUpButton : public NSControl {
     void selectItemWithTitle(const std::string& title);
 
     /// The selected item has the title that the user chose, even if the menu was refilled since.
-    [[nodiscard]] bool isEdited() const override;
+    [[nodiscard]] std::optional<std::string> edit() const override;
 
     void copyState(const Element& from) override;
 
