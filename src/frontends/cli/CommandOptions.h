@@ -3,8 +3,10 @@
 #include <CLI/CLI.hpp>
 
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 
 namespace frontend {
 
@@ -44,6 +46,32 @@ CLI::App* addNoun(CLI::App& parser, const std::string& name, const std::string& 
 /// Adds the command `name` below `parent`, with --json and, where it writes, --yes and --dry-run.
 CLI::App* addCommand(CLI::App& parent, CommandOptions& options, const std::string& name, CommandKind kind,
                      const std::string& description, std::function<void(CommandRun&)> carryOut);
+
+/// Adds the commands of a noun that are about one thing: its NAME goes into `given`, with which they are
+/// carried out.
+template <class Given>
+class NamedCommands {
+  public:
+    /// `whatItNames` explains NAME. The others are kept.
+    NamedCommands(CLI::App& noun, CommandOptions& options, std::shared_ptr<Given> given,
+                  const char* whatItNames)
+        : noun_(noun), options_(options), given_(std::move(given)), whatItNames_(whatItNames) {}
+
+    CLI::App* add(const std::string& name, CommandKind kind, const std::string& description,
+                  void (*carryOut)(CommandRun& run, const Given& given)) const {
+        CLI::App* const command =
+            addCommand(noun_, options_, name, kind, description,
+                       [given = given_, carryOut](CommandRun& run) { carryOut(run, *given); });
+        command->add_option("NAME", given_->name, whatItNames_)->required();
+        return command;
+    }
+
+  private:
+    CLI::App& noun_;
+    CommandOptions& options_;
+    std::shared_ptr<Given> given_;
+    const char* whatItNames_;
+};
 
 /// Adds the two flags --NAME and --no-NAME for a thing that is on, off or left as it is.
 void addSwitch(CLI::App& command, const std::string& name, std::optional<bool>& state,

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "frontends/cli/SilentPresenter.h"
 #include "platform/appkit/Interface.h"
+#include "platform/appkit/SilentPresenter.h"
 
 #include <optional>
 #include <string>
@@ -11,7 +11,7 @@ namespace frontend {
 
 /// The front-end of a command. Start-up's questions are not put to it. From begin() on a question is answered
 /// beforehand (--yes), at the terminal, or ends the command; what an alert tells is why the command failed.
-class CommandPresenter : public SilentPresenter {
+class CommandPresenter : public platform::SilentPresenter {
   public:
     explicit CommandPresenter(bool saysYes) : saysYes_(saysYes) {}
 

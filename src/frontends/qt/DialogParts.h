@@ -1,9 +1,14 @@
 #pragma once
 
+#include "review/TextDifference.h"
+
 #include <QDialogButtonBox>
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QTreeWidget>
+
+#include <string>
+#include <vector>
 
 // What the dialogs that only show something have in common. Each part is the caller's, who puts it into a
 // layout.
@@ -21,3 +26,9 @@
 
 /// Another button of that row.
 QPushButton* addButton(QDialogButtonBox& buttons, const QString& title);
+
+/// A run as a person would type it, as a line.
+[[nodiscard]] QString runLine(const std::string& tool, const std::vector<std::string>& arguments);
+
+/// The lines that a file loses and gets, each behind its sign.
+[[nodiscard]] QString changedLines(const std::vector<review::LineChange>& changes);
