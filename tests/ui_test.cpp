@@ -55,8 +55,11 @@ TEST(KWIntegerFormatter, LetsOnlyDigitsBeTypedOrPasted) {
                  {"", {0, 0}, "\u0661\u0662", 2, ""}, // Arabic digits
                  {"", {0, 0}, "\u00bd", 1, refusal},
                  {"\U0001d7d9", {2, 0}, "\U0001d7d9x", 3, refusal}, // a digit of two UTF-16 units
-                 // What the program filled in is not checked with what is typed.
-                 {"n/a", {3, 0}, "n/a5", 4, ""}});
+                 {"123", {1, 1}, "1x3", 2, refusal},
+                 // What the program filled in is not checked with what is typed, on neither side of it.
+                 {"n/a", {3, 0}, "n/a5", 4, ""},
+                 {"n/a", {0, 0}, "5n/a", 1, ""},
+                 {"5n/a", {2, 0}, "5/a", 1, ""}});
     EXPECT_EQ(host.beeps, 0) << "the controller beeps, not the formatter";
 }
 
