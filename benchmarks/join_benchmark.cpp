@@ -1,6 +1,6 @@
-// How long the share list takes to read: as many directory records as smb.conf has sections, each record
-// joined with the section of its folder. Half of the sections share folders of their own. And how long the
-// application takes to start, without a window, with as many users as well.
+// How long it takes to read the share list: there are as many directory records as sections in smb.conf, and
+// each record is joined with the section of its folder. Half of the sections share other folders. Also how
+// long the application takes to start without a window, with as many users.
 
 #include "FilledRoot.h"
 #include "TemporaryFolder.h"
@@ -57,7 +57,7 @@ void writeRecords(const std::string& storeFile, std::int64_t count) {
     }
 }
 
-/// The application, started on a root of so many shares.
+/// The application, started on a root with that many shares.
 class Application {
   public:
     explicit Application(std::int64_t count) : host_(prepared(folder_.path(), count)) {

@@ -1,6 +1,5 @@
-// How long it takes to say what an action would do, with 10,000 users and 1,000 shares: the steps alone, as
-// the gate before every action needs them, and with all that would surprise, testparm's own time included
-// where smb.conf changes.
+// How long it takes to plan an action with 10,000 users and 1,000 shares: only the steps, as the check before
+// every action needs them, and with all warnings, which includes testparm's own time if smb.conf changes.
 
 #include "FilledRoot.h"
 #include "TemporaryFolder.h"
@@ -23,7 +22,7 @@ namespace {
 constexpr int users = 10000;
 constexpr int shares = 1000;
 
-/// The application on such a root, with a share, a user and a new user's name in its editors.
+/// The application on such a root, with a share, a user and a new user's name in the editors.
 class Application {
   public:
     Application() : host_(services(folder_)) {

@@ -45,6 +45,11 @@ class Action : public HelperTest {
         return outputOf(helper, "/usr/bin/nicl", words);
     }
 
+    /// The one that this program has started.
+    static int helperProcess() {
+        return std::stoi(*contentsOfFile("/proc/self/task/" + std::to_string(::getpid()) + "/children"));
+    }
+
     /// The shares as another program reads them.
     [[nodiscard]] std::string shares() const {
         return runProgram({std::string(BRINDLE_PROGRAMS) + "/nireport", "--root", root_.folder(), ".",
@@ -87,8 +92,7 @@ TEST_F(Action, LeavesItsHelperToTheNextOneWhichTakesAnotherWhereThatHasEnded) {
         EXPECT_EQ(nicl(helper, words), "");
         EXPECT_TRUE(helper.settle().isOk());
         helper.endAction();
-        const std::string children = "/proc/self/task/" + std::to_string(::getpid()) + "/children";
-        return std::stoi(*contentsOfFile(children));
+        return helperProcess();
     };
     const int first = helperOf({"-create", "/config/Brindle/Docs"});
     EXPECT_EQ(helperOf({"-create", "/config/Brindle/Docs", "directory_path", "/srv"}), first);
@@ -107,6 +111,15 @@ TEST_F(Action, LeavesItsHelperToTheNextOneWhichTakesAnotherWhereThatHasEnded) {
     EXPECT_FALSE(helper.settle().isOk()) << "another helper has nothing of it";
     EXPECT_TRUE(helper.settle().isOk()) << "it is told once";
     EXPECT_EQ(shares(), "Docs\t/srv\t\nFilms\t/srv\t\n");
+}
+
+TEST_F(Action, IsServedWithoutRightsAndSystemCallsThatFilesDoNotNeed) {
+    HelperSession helper(command_);
+    EXPECT_EQ(nicl(helper, {"-create", "/config/Brindle/Docs"}), "");
+    const std::string status = *contentsOfFile("/proc/" + std::to_string(helperProcess()) + "/status");
+    EXPECT_NE(status.find("NoNewPrivs:\t1"), std::string::npos);
+    const bool hasFilters = ::prctl(PR_GET_SECCOMP) >= 0;
+    EXPECT_EQ(status.find("Seccomp:\t2") != std::string::npos, hasFilters) << status;
 }
 
 TEST_F(Action, IsToldWhenWhatItDidIsLost) {

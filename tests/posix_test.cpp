@@ -1,5 +1,7 @@
 #include "platform/posix/InputOutput.h"
 #include "platform/posix/Process.h"
+#include "platform/posix/Secret.h"
+#include "platform/posix/SystemCallFilter.h"
 #include "platform/posix/UTF8.h"
 #include "platform/posix/WholeFile.h"
 #include "support/TestHost.h"
@@ -9,13 +11,22 @@
 #include <algorithm>
 #include <chrono>
 #include <csignal>
+#include <cstring>
 #include <filesystem>
 #include <fstream>
+#include <functional>
+#include <iostream>
 #include <thread>
 
+#include <sched.h>
 #include <sys/file.h>
+#include <sys/ioctl.h>
+#include <sys/resource.h>
+#include <sys/socket.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
 #include <sys/time.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 namespace fs = std::filesystem;
@@ -142,6 +153,86 @@ TEST(Process, ATimeLimitKillsTheChild) {
         EXPECT_NE(::kill(std::stoi(textOf(id)), 0), 0) << "it still runs";
     }
     EXPECT_TRUE(runProcess(shell("sleep 0.01"), {}, 60s).isOk());
+}
+
+TEST(Secrets, AreInNoCoreOfWhatAProgramStartsHoweverItMightBeWritten) {
+    const TestHost host;
+    // Whether a program that crashes there leaves a core, with the largest limit that there may be.
+    const auto leavesCore = [&](bool isForbidden) {
+        const pid_t child = ::fork();
+        if (child == 0) {
+            rlimit limit{};
+            ::getrlimit(RLIMIT_CORE, &limit);
+            limit.rlim_cur = limit.rlim_max;
+            ::setrlimit(RLIMIT_CORE, &limit);
+            if (isForbidden) {
+                platform::leaveNoCore();
+            }
+            const std::string script = "cd '" + host.root().string() +
+                                       "' && cat /proc/self/coredump_filter >filter && kill -ABRT $$";
+            ::execl("/bin/sh", "sh", "-c", script.c_str(), nullptr);
+            ::_exit(1);
+        }
+        int status = 0;
+        EXPECT_EQ(::waitpid(child, &status, 0), child);
+        EXPECT_TRUE(WIFSIGNALED(status));
+        return WIFSIGNALED(status) && WCOREDUMP(status);
+    };
+    if (!leavesCore(false)) {
+        GTEST_SKIP() << "this computer leaves no cores";
+    }
+    EXPECT_FALSE(leavesCore(true));
+    EXPECT_EQ(textOf(host.root() / "filter"), "00000000\n") << "nor any memory in one";
+}
+
+TEST(SystemCallFilter, RefusesWhatWorkOnFilesDoesWithoutAndNothingElse) {
+    struct Case {
+        const char* name;
+        int error; ///< 0: it succeeds, which is 0 or more
+        std::function<long()> call;
+    };
+
+    const std::vector<Case> cases = {
+        {"a namespace", EPERM, [] { return ::syscall(SYS_unshare, 0L); }},
+        {"another one", EPERM,
+         [] { return ::syscall(SYS_clone, static_cast<long>(CLONE_NEWUSER | SIGCHLD), 0L, 0L, 0L, 0L); }},
+        {"a keyring", EPERM, [] { return ::syscall(SYS_keyctl, 0L, -3L, 0L); }}, // this process's own
+        {"another process's memory", EPERM,
+         [] { return ::syscall(SYS_process_vm_readv, static_cast<long>(::getpid()), 0L, 0L, 0L, 0L, 0L); }},
+        {"a mount", EPERM, [] { return ::syscall(SYS_fsopen, "tmpfs", 0L); }},
+        {"a network", EAFNOSUPPORT, [] { return ::socket(AF_INET, SOCK_STREAM, 0); }},
+        {"a terminal's input", EPERM, [] { return ::ioctl(STDIN_FILENO, TIOCSTI, "x"); }},
+        {"a socket of this computer", 0, [] { return ::socket(AF_UNIX, SOCK_STREAM, 0); }},
+        {"a thread", 0, [] { return std::thread([] {}).join(), 0; }},
+        {"a program", 0,
+         [] {
+             return -runProcess(shell("exit 0")).valueOr({1, {}, {}}).status;
+         }},
+    };
+    // In a process of its own, which nothing could take the filter from again. 255: no filter here.
+    const pid_t child = ::fork();
+    if (child == 0) {
+        if (!platform::takeSystemCallFilter()) {
+            ::_exit(255);
+        }
+        int failed = 0;
+        for (const Case& each : cases) {
+            errno = 0;
+            const long result = each.call();
+            if (each.error == 0 ? result < 0 : result != -1 || errno != each.error) {
+                std::cerr << each.name << ": " << result << ", " << std::strerror(errno) << '\n';
+                ++failed;
+            }
+        }
+        ::_exit(failed);
+    }
+    int status = 0;
+    ASSERT_EQ(::waitpid(child, &status, 0), child);
+    ASSERT_TRUE(WIFEXITED(status));
+    if (WEXITSTATUS(status) == 255) {
+        GTEST_SKIP() << "this kernel refuses no system calls";
+    }
+    EXPECT_EQ(WEXITSTATUS(status), 0);
 }
 
 TEST(WholeFile, LinksOwnersAndModesAreTreatedAsTold) {

@@ -30,10 +30,10 @@ TEST(SystemHost, FindsTheFilesOfTheInstalledServerAndItsOwn) {
     EXPECT_EQ(build.pidFolder, "/run/samba");
     EXPECT_EQ(platform::sambaBuildOf("").configFile, "/etc/samba/smb.conf");
     const platform::SystemFiles files("/prefix");
-    EXPECT_EQ(platform::systemFileBehind("/etc/smb.conf", files), platform::sambaBuild().configFile);
-    EXPECT_EQ(platform::systemFileBehind("/Library/Preferences/com.apple.AppleFileServer.plist", files),
+    EXPECT_EQ(platform::systemFileFor("/etc/smb.conf", files), platform::sambaBuild().configFile);
+    EXPECT_EQ(platform::systemFileFor("/Library/Preferences/com.apple.AppleFileServer.plist", files),
               files.appleFileServer());
-    EXPECT_EQ(platform::systemFileBehind("/etc/passwd", files), "/etc/passwd");
+    EXPECT_EQ(platform::systemFileFor("/etc/passwd", files), "/etc/passwd");
 }
 
 TEST(SystemHost, ShowsTheComputerAtAFirstStartAndWritesNothing) {

@@ -14,6 +14,7 @@
 #include "platform/host/EmbeddedHost.h"
 #include "platform/host/EmbeddedRoot.h"
 #include "platform/host/SystemHost.h"
+#include "platform/posix/Secret.h"
 #include "platform/samba/EmbeddedServer.h"
 #include "review/DryRun.h"
 
@@ -26,7 +27,6 @@
 #include <iostream>
 #include <stdexcept>
 
-#include <sys/resource.h>
 #include <syslog.h>
 #include <unistd.h>
 
@@ -356,8 +356,7 @@ Result<int> run(const Options& options, char** argv, frontend::WindowRun* window
 int NSApplicationMain(int argc, char** argv, frontend::WindowRun* window) {
     // A reader that goes away, or a tool that ends early, is seen where it is written to.
     std::signal(SIGPIPE, SIG_IGN);
-    const rlimit none{0, 0};
-    ::setrlimit(RLIMIT_CORE, &none); // a core would hold the passwords that were typed
+    platform::leaveNoCore(); // passwords are typed here
     try {
         const auto arguments = platform::argumentsOf(argc, argv);
         const auto status = run(frontend::parseOptions({arguments.begin(), arguments.end()}), argv, window);

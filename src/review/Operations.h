@@ -4,25 +4,27 @@
 
 namespace review {
 
-/// Where the runs of an action can be ended before the last.
+/// Where an action can be stopped.
 enum class Stops {
     Nowhere,
-    AfterRun,   ///< each run is for an object of its own
-    AfterObject ///< several runs in a row are for one
+    AfterRun,   ///< each run is for another object
+    AfterObject ///< several consecutive runs are for one object
 };
 
-/// An operation of the controller that changes something: what those who stand around its action need to know.
+/// An operation of the controller that changes something, with what the review and the window need to know of
+/// it.
 struct WritingOperation {
     std::string_view name; ///< the full name, "createShare:"
     Stops stops = Stops::Nowhere;
-    bool removes = false;      ///< wants something gone
+    bool removes = false;      ///< takes something away
     bool savesPage = false;    ///< writes all that stands on its page
     bool isOfSettings = false; ///< changes the settings files alone
 };
 
-/// The operation of that name; null when it changes nothing.
+/// Returns the operation of that name, or null when it changes nothing.
 [[nodiscard]] const WritingOperation* findWritingOperation(std::string_view name);
 
+/// Returns where the action of that operation can be stopped.
 [[nodiscard]] Stops stopsOf(std::string_view operation);
 
 } // namespace review

@@ -65,7 +65,7 @@ HelperResult cp(const HelperPlace& place, Arguments arguments) {
         return said("cp", copyIntoPlace(arguments[0], target, place.user));
     }
     const platform::SystemFiles files(place.systemPrefix);
-    const std::string target = platform::systemFileBehind(arguments[1], files);
+    const std::string target = platform::systemFileFor(arguments[1], files);
     if (arguments[1] == systempath::smbConf) {
         return said("cp", copyIntoPlace(arguments[0], target, place.user, &checkSmbConf));
     }

@@ -3,6 +3,7 @@
 #include "platform/foundation/SystemServices.h"
 #include "platform/posix/InputOutput.h"
 #include "platform/posix/Secret.h"
+#include "platform/posix/SystemCallFilter.h"
 #include "platform/security/HelperFile.h"
 #include "platform/security/HelperProtocol.h"
 #include "tools/Helper.h"
@@ -20,7 +21,6 @@
 #include <fcntl.h>
 #include <poll.h>
 #include <sys/prctl.h>
-#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -37,13 +37,6 @@ void closeInheritedDescriptors() {
         }
     }
     ::closefrom(STDERR_FILENO + 1);
-}
-
-/// A core would hold passwords: neither this process nor a program that it starts leaves one.
-void leaveNoCore() {
-    ::prctl(PR_SET_DUMPABLE, 0);
-    const rlimit none{0, 0};
-    ::setrlimit(RLIMIT_CORE, &none);
 }
 
 /// Where nobody listens, there is nobody to tell.
@@ -186,7 +179,8 @@ int serveSession(const HelperPlace& place) {
 
 int helperMain(int argc, char** argv) {
     closeInheritedDescriptors();
-    leaveNoCore();
+    platform::leaveNoCore();
+    ::prctl(PR_SET_DUMPABLE, 0); // nor does the user whom it serves as root look into its memory
     ::umask(S_IWGRP | S_IWOTH);
     std::signal(SIGPIPE, SIG_IGN); // work once begun is finished, whether or not anybody listens
     platform::HostOptions options;
@@ -203,7 +197,10 @@ int helperMain(int argc, char** argv) {
         return platform::complain(*parser, fault).print();
     }
     if (!options.system) {
-        ::prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0); // what is the user's own needs no program that gives rights
+        // What is the user's own needs no program that gives rights, and few of the system's calls. Where the
+        // kernel has no filter for these, the user's rights are the limit.
+        ::prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0);
+        platform::takeSystemCallFilter();
     }
     platform::Services services;
     services.log = std::make_shared<platform::SystemLog>(); // the tools may log what they cannot read

@@ -105,6 +105,7 @@ ToolResult run(std::string_view tool, const platform::HostOptions& options,
 } // namespace
 
 int directoryToolMain(std::string_view name, int argc, char** argv) {
+    platform::leaveNoCore(); // dscl is given a password
     const Tool& tool = *std::ranges::find(tools, name, &Tool::name);
     platform::HostOptions options;
     const auto parser = platform::makeParser(std::string(name), tool.summary, tool.synopsis, options);

@@ -48,7 +48,7 @@ void addSwitch(CLI::App& command, const std::string& name, std::optional<bool>& 
         "--" + name, [&state] { state = true; }, description);
     command
         .add_flag_callback(
-            "--no-" + name, [&state] { state = false; }, "The opposite")
+            "--no-" + name, [&state] { state = false; }, "The opposite of --" + name)
         ->excludes(on);
 }
 

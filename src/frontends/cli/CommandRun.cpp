@@ -60,7 +60,7 @@ void CommandRun::finish() {
     }
     result_["changed"] = changes_;
     result_["runs"] = context_.presenter.runs().size();
-    say(changes_ ? "changed" : "unchanged"); // words for programs, in every language
+    say(changes_ ? "changed" : "unchanged"); // for programs: not translated
 }
 
 void CommandRun::sayFields(const std::string& name) {

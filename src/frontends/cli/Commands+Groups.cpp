@@ -31,11 +31,12 @@ JSON groupAt(const CommandRun& run, int row) {
             {"members", membersAt(run, row)}};
 }
 
-/// Every group, those of the system too.
+/// Lists system groups too.
 void showAll(CommandRun& run) {
     run.check("showSystemUsersGroups3", true);
 }
 
+/// Returns the group's row, or -1 when there is none.
 int rowOf(CommandRun& run, const std::string& name) {
     showAll(run);
     return run.rowOf(table, "Group", name);
@@ -112,7 +113,7 @@ void remove(CommandRun& run, const GroupOptions& options) {
     run.press("deleteGroupButton");
 }
 
-/// Makes the users members, or no members any more: those that are not so already.
+/// Adds the users to the group or removes them, and leaves out those for whom that is already so.
 void change(CommandRun& run, const GroupOptions& options, bool join, const char* button) {
     const int group = requireRow(run, options.name);
     const auto before = membersAt(run, group);

@@ -12,9 +12,9 @@ namespace {
 
 constexpr const char* table = "normalTableView";
 
-/// The words for the items of a privilege menu, in its order.
+/// The command's words for the items of a privilege menu, in its order.
 constexpr std::array<const char*, 4> privileges{"rw", "r", "w", "none"};
-/// What the list shows for the same.
+/// What the list shows for the same privileges.
 constexpr std::array<const char*, 4> shownPrivileges{"r/w", "r", "w", ""};
 
 struct ShareOptions {
@@ -81,7 +81,7 @@ int requireRow(const CommandRun& run, const std::string& name) {
     return run.requireRow(table, "ShareName", name, "there is no share \"%@\"");
 }
 
-/// The share's facts once more, with what only the editor shows.
+/// Adds the share to the output, with the values that only the editor shows.
 void describe(CommandRun& run, const std::string& name) {
     const int row = run.rowOf(table, "ShareName", name);
     if (row < 0) {
@@ -100,7 +100,7 @@ void show(CommandRun& run, const ShareOptions& options) {
     run.sayFields("share");
 }
 
-/// Puts a folder into the editor as the open panel does, so that owner and privileges come from the disk.
+/// Chooses a folder through the open panel, so that the editor reads the owner and privileges from the disk.
 void chooseFolder(CommandRun& run, const std::string& folder) {
     std::error_code error;
     const auto absolute = std::filesystem::absolute(folder, error).lexically_normal();
@@ -148,7 +148,7 @@ void add(CommandRun& run, ShareOptions options) {
         run.noteChange();
         options.smb = options.smb.value_or(!options.afp.value_or(false));
     } else {
-        // To add what is there is no change, and to add something else by its name a mistake.
+        // Adding the same share again changes nothing; adding a different one with its name is a mistake.
         run.selectRows(table, {row});
     }
     fill(run, options);

@@ -37,7 +37,8 @@ JSON userAt(const CommandRun& run, int row) {
             {"publicFolder", cell("Public Shared") == NSLocalizedString("YES")}};
 }
 
-/// The rows that the window's table would have, without the window: who has ten thousand users asks often.
+/// Lists the rows of the window's table without loading the window, which keeps the command fast with tens of
+/// thousands of users.
 void list(CommandRun& run) {
     JSONRows users("users");
     const bool printsJSON = run.context().options.printsJSON;
@@ -95,7 +96,7 @@ void fill(CommandRun& run, const UserOptions& options) {
     }
 }
 
-/// Answers the sheet that is up for the user's password.
+/// Types the password into the open sheet and confirms it.
 void enterPassword(CommandRun& run, std::string password) {
     for (const char* field : {"passwordSecureText1", "passwordSecureText2"}) {
         run.type(field, password);
@@ -112,7 +113,7 @@ void add(CommandRun& run, UserOptions options) {
     if (row >= 0) {
         run.selectRows(table, {row});
         if (options.uid == nextNumber) {
-            options.uid.reset(); // it was the next one when the user was made
+            options.uid.reset(); // "next" was resolved when the user was first made
         }
         fill(run, options);
         if (run.changes()) {
@@ -124,7 +125,7 @@ void add(CommandRun& run, UserOptions options) {
         describe(run, options.name);
         return;
     }
-    // Before anything is made, so that no user is left without one.
+    // Read it before anything is made, so that no user is left without a password.
     std::string password;
     if (!options.hasNoPassword && !run.context().options.isDryRun) {
         password = options.password.read(options.name);
@@ -193,7 +194,7 @@ void addUserCommands(CLI::App& parser, CommandOptions& options) {
                   [](CommandRun& run, const UserOptions& user) { add(run, user); });
     addFields(adding);
     given->password.addTo(*adding);
-    adding->add_flag("--no-password", given->hasNoPassword, "The user gets none now, and cannot connect yet");
+    adding->add_flag("--no-password", given->hasNoPassword, "Set no password; the user cannot connect yet");
     addFields(named.add("set", CommandKind::Writing, "Change a user", set));
     named.add("remove", CommandKind::Writing, "Delete a user", remove);
     given->password.addTo(*named.add("password", CommandKind::Writing, "Set a user's password", setPassword));

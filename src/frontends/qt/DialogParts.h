@@ -10,25 +10,24 @@
 #include <string>
 #include <vector>
 
-// What the dialogs that only show something have in common. Each part is the caller's, who puts it into a
-// layout.
+// Parts that the dialogs for reading have in common. The caller owns each part, and puts it into a layout.
 
-/// A list of plain rows, which a screen reader calls `spoken`. `widest` is the column that takes the room
-/// that is left.
+/// Makes a list of plain rows. A screen reader calls it `spoken`. The column `widest` takes the remaining
+/// width.
 [[nodiscard]] QTreeWidget* makeList(const char* name, const QString& spoken, const QStringList& titles,
                                     int widest);
 
-/// A text to be read beside a list.
+/// Makes a read-only text for the details of a list's row.
 [[nodiscard]] QPlainTextEdit* makeDetails(const char* name);
 
-/// The row of buttons, with "Close", which is the default and ends the dialog.
+/// Makes the row of buttons with "Close", which is the default and ends the dialog.
 [[nodiscard]] QDialogButtonBox* makeButtons(QDialog& dialog);
 
-/// Another button of that row.
+/// Adds another button to that row.
 QPushButton* addButton(QDialogButtonBox& buttons, const QString& title);
 
-/// A run as a person would type it, as a line.
+/// Returns a line with the run as a person would type it.
 [[nodiscard]] QString runLine(const std::string& tool, const std::vector<std::string>& arguments);
 
-/// The lines that a file loses and gets, each behind its sign.
+/// Returns the lines that a file loses and gains, with "- " or "+ " before each.
 [[nodiscard]] QString changedLines(const std::vector<review::LineChange>& changes);

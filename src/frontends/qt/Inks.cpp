@@ -12,12 +12,12 @@
 
 namespace {
 
-/// What inks are chosen by: frames and alternating rows change the ground a little.
+/// The contrast that inks are chosen for. It is higher because frames and alternating rows vary the ground.
 constexpr double wantedContrast = leastContrast + 0.5;
 
 constexpr QColor warningOnLight(0xa0, 0x3c, 0x00);
 constexpr QColor warningOnDark(0xff, 0xb0, 0x6a);
-constexpr double noteShare = 0.65; // of the text's colour; the rest is the ground's
+constexpr double noteShare = 0.65; // the share of the text's colour; the rest is the ground's
 
 double luminance(const QColor& colour) {
     const auto linear = [](double part) {
@@ -48,12 +48,12 @@ QColor readable(const QColor& from, const QColor& to, const QColor& ground, doub
     return to;
 }
 
-/// Black or white, whichever can be read on the ground.
+/// Returns black or white, whichever is readable on the ground.
 QColor extremeOn(const QColor& ground) {
     return contrast(Qt::white, ground) > contrast(Qt::black, ground) ? Qt::white : Qt::black;
 }
 
-/// Follows the colours of the desktop and of what the widget stands in.
+/// Updates a widget's ink when the colours of the desktop or of its surroundings change.
 class InkKeeper : public QObject {
   public:
     explicit InkKeeper(QWidget& widget) : QObject(&widget), widget_(widget) {
@@ -106,7 +106,7 @@ class MarkEngine : public QIconEngine {
                                                     : inkOn(Ink::Note, palette, ground_);
         painter->save();
         painter->setRenderHint(QPainter::Antialiasing);
-        // In a square of 16 by 16, as large as there is room for.
+        // Draw in a square of 16 by 16 units, scaled to the available room.
         constexpr double side = 16;
         const double scale = std::min(rect.width(), rect.height()) / side;
         painter->translate(rect.center().x() + 1 - side * scale / 2,
@@ -142,7 +142,7 @@ class MarkEngine : public QIconEngine {
         return path;
     }
 
-    /// "!", or "i".
+    /// Draws "!" or "i".
     void drawLetter(QPainter& painter) const {
         const bool isWarning = mark_ == Mark::Warning;
         painter.drawRoundedRect(QRectF(7.1, isWarning ? 5.2 : 6.8, 1.8, 5.2), 0.8, 0.8);

@@ -26,7 +26,7 @@
 
 namespace {
 
-constexpr QChar beforeKeys(u'\t'); ///< in titles that name their keys themselves
+constexpr QChar beforeKeys(u'\t'); ///< separates a title from the keys that it names
 
 bool standsInBar(const QAction* action) {
     return std::ranges::any_of(action->associatedObjects(), [](const QObject* each) {
@@ -58,7 +58,7 @@ void markActions(QList<QAction*> marked, QSet<QChar>& taken) {
     }
 }
 
-/// A button with a title, or the label of a field.
+/// True for a button with a title and for the label of a field.
 bool hasTitle(QWidget* widget) {
     const auto* button = qobject_cast<const QAbstractButton*>(widget);
     const auto* label = qobject_cast<const QLabel*>(widget);
@@ -88,7 +88,7 @@ void giveTitle(QWidget* widget, const QString& title) {
     }
 }
 
-/// Does the button change something?
+/// True when the widget is a button that changes something.
 bool isWriting(const QWidget* widget) {
     const auto* button = qobject_cast<const QAbstractButton*>(widget);
     const NSButton* model = button == nullptr ? nullptr : modelOfButton(*button);
@@ -115,7 +115,7 @@ void markWidgets(QList<QWidget*> widgets, QSet<QChar>& taken, const QSet<QChar>&
     }
 }
 
-/// Where the widget stands in its window: letters are given part by part.
+/// The part of the window that a widget is in: letters are assigned part by part.
 enum Part { Page, InDrawer, Foot };
 
 Part partOf(const QWidget* widget) {
@@ -133,7 +133,7 @@ Part partOf(const QWidget* widget) {
 /// What can have a letter in the window, as it is read.
 QList<QWidget*> titledWidgets(const QWidget& window) {
     QList<QWidget*> titled = widgetsAsRead(window);
-    // What lies over an empty table does what a button below it does.
+    // The note over an empty table has a button that does the same as one below the table.
     titled.removeIf(
         [](const QWidget* each) { return dynamic_cast<EmptyNote*>(each->parentWidget()) != nullptr; });
     titled.removeIf([&window](QWidget* each) { return !hasTitle(each) || !each->isVisibleTo(&window); });
@@ -144,7 +144,7 @@ void settle(QWidget& window) {
     QSet<QChar> taken;
     if (auto* menu = qobject_cast<QMenu*>(&window)) {
         QList<QAction*> actions = menu->actions();
-        // What has no room in a bar hangs in a menu, and keeps its letter.
+        // An action without room in the bar is shown in a menu instead, and keeps its letter.
         actions.removeIf(standsInBar);
         markActions(actions, taken);
         return;
@@ -188,7 +188,7 @@ void useLetterOf(QWidget& titled) {
     }
 }
 
-/// The system's own way to choose a file has letters of its own.
+/// False for the desktop's file dialog, which has its own letters.
 bool isOurs(const QWidget& window) {
     const Qt::WindowType type = window.windowType();
     return qobject_cast<const QMenu*>(&window) != nullptr ||
@@ -219,7 +219,7 @@ bool KeyAccess::eventFilter(QObject* watched, QEvent* event) {
         return false;
     }
     if (type == QEvent::Show && widget == window) {
-        settle(*window); // before anybody sees it
+        settle(*window); // before it is painted
     } else if (!isOfActions || widget == window || qobject_cast<QMenuBar*>(widget) != nullptr) {
         settleSoon(window);
     }

@@ -19,7 +19,7 @@ constexpr int fieldInset = 3; ///< from where the style has a field's text, so t
 constexpr int menuInset = 2;
 constexpr int rowPadding = 8; ///< as in the tables
 
-/// A button that is a picture and nothing else.
+/// True for a button that is only a picture.
 bool isFlat(const QStyleOption* option) {
     const auto* button = qstyleoption_cast<const QStyleOptionButton*>(option);
     return button != nullptr && button->features.testFlag(QStyleOptionButton::Flat);
@@ -75,7 +75,7 @@ int PlainStyle::pixelMetric(PixelMetric metric, const QStyleOption* option, cons
     switch (metric) {
     case PM_HeaderMargin:
         return cellMargin;
-    case PM_FocusFrameHMargin: // what stands beside a cell's text, less one
+    case PM_FocusFrameHMargin: // the margin beside a cell's text, minus one pixel
         return cellMargin - 1;
     default:
         return QProxyStyle::pixelMetric(metric, option, widget);
@@ -161,6 +161,6 @@ void PlainStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* opt
 
 void usePlainStyle() {
     if (QApplication::style()->name() == QLatin1String(fusion)) {
-        QApplication::setStyle(new PlainStyle); // the application owns it
+        QApplication::setStyle(new PlainStyle); // the application takes ownership
     }
 }

@@ -27,14 +27,15 @@ namespace {
 constexpr std::size_t fewRuns = 10;
 constexpr int moment = 400; // milliseconds
 constexpr int betweenLooks = 50;
-constexpr int deafFor = 500; // to the keyboard: the key was for the question before
+constexpr int deafFor =
+    500; // milliseconds without the keyboard: a key may have been meant for the question before
 constexpr int dialogWidth = 360;
 
 std::string numberText(std::size_t number) {
     return QLocale().toString(static_cast<qulonglong>(number)).toStdString();
 }
 
-/// The path of what the run is about; empty for servers.
+/// Returns the path of the object that the run is about; empty for servers.
 std::string objectOf(const std::string& tool, std::span<const std::string> arguments) {
     const std::size_t place = tool == systempath::nicl || tool == systempath::dscl ? 2 : 1;
     return tool == systempath::kill || arguments.size() <= place ? std::string() : arguments[place];
@@ -69,7 +70,7 @@ class RunProgress::Dialog : public QDialog {
     }
 
   private:
-    QElapsedTimer deaf_; ///< since when it is
+    QElapsedTimer deaf_; ///< since it began to ignore the keyboard
     bool canStop_;
 };
 
@@ -116,7 +117,7 @@ bool RunProgress::toolWillRun(const std::string& tool, std::span<const std::stri
     if (dialog_ == nullptr) {
         show();
     }
-    queue_.hold(true); // the action stands in its middle, and so do the lists
+    queue_.hold(true); // the action is unfinished, so the lists are too
     const std::size_t under = std::min(done_, runs_);
     text_->setText(
         shown(stringWithFormat(NSLocalizedString("%@ of %@"), numberText(under), numberText(runs_))));

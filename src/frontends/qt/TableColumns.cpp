@@ -57,7 +57,7 @@ void TableView::fillColumnMenu(QMenu& menu) {
             menu.addAction(title(table_.tableColumns()[static_cast<std::size_t>(section)].title));
         action->setCheckable(true);
         action->setChecked(!isColumnHidden(section));
-        // A table without a column could not be given one again: it would have no header to click.
+        // The last column cannot be hidden: without a header to click, none could be shown again.
         action->setEnabled(isColumnHidden(section) ||
                            horizontalHeader()->hiddenSectionCount() + 1 < model_.columnCount());
         connect(action, &QAction::toggled, this, [this, section](bool on) {
@@ -123,7 +123,7 @@ void TableView::restoreColumns() {
         const auto& columns = table_.tableColumns();
         const auto found = std::ranges::find(columns, parts.front(), &NSTableColumn::identifier);
         if (parts.size() != 4 || found == columns.end()) {
-            continue; // of another version
+            continue; // a column of another version
         }
         const int section = static_cast<int>(found - columns.begin());
         header->moveSection(header->visualIndex(section), place++);
@@ -139,7 +139,7 @@ void TableView::restoreColumns() {
         }
     }
     if (header->hiddenSectionCount() == header->count()) {
-        setColumnHidden(0, false); // its header is the way to the others
+        setColumnHidden(0, false); // its header is needed to show the others
     }
 }
 

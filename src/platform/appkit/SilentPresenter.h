@@ -4,8 +4,8 @@
 
 namespace platform {
 
-/// The front-end of a run that nobody can see or answer anything in. An alert gets the button that changes
-/// nothing: its alternate button, or its only one. Everything else is refused.
+/// The front-end of a run in which nobody can see or answer anything. It answers an alert with the button
+/// that changes nothing: its alternate button, or its only one. Everything else is refused.
 class SilentPresenter : public Presenter {
   public:
     [[nodiscard]] AlertAnswer runAlert(const Alert& alert) override;
@@ -17,7 +17,7 @@ class SilentPresenter : public Presenter {
 
     void openAddress(const std::string& /*address*/) override {}
 
-    /// The timer never fires: what it would animate is not visible.
+    /// The timer never fires: nothing that it would animate is visible.
     [[nodiscard]] TimerId startTimer(double interval, std::function<void()> fire) override;
 
     void stopTimer(TimerId /*timer*/) override {}

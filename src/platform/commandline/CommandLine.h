@@ -9,14 +9,14 @@
 #include <vector>
 
 // The command line of a program: every program of Brindle takes --root, --system, --help and --version, and
-// complains in the same way. The program adds its own options and subcommands to the parser.
+// reports errors in the same way. The program adds its own options and subcommands to the parser.
 
 namespace platform {
 
 /// Which computer a program works on.
 struct HostOptions {
-    /// The embedded root's folder, empty for the default. With `system`, the prefix of the files that are
-    /// Brindle's own on this computer (host/SystemFiles.h), for tests.
+    /// The embedded root's folder, empty for the default. With `system`, the prefix of Brindle's own files on
+    /// this computer (host/SystemFiles.h), for tests.
     std::string root;
     bool system = false; ///< this computer itself
 };

@@ -49,7 +49,7 @@ std::string programFolder() {
 std::string defaultHelper() {
     const std::string installed =
         std::filesystem::path(programFolder() + "/../libexec/brindle-helper").lexically_normal().string();
-    std::error_code ignored; // one that cannot be looked at cannot be run either
+    std::error_code ignored; // a helper that cannot be examined cannot be run either
     return std::filesystem::exists(installed, ignored) ? installed : programFolder() + "/brindle-helper";
 }
 

@@ -10,7 +10,7 @@ namespace platform {
 
 namespace {
 
-/// The folder that `variable` names. Its rules say that a relative path in it is to be ignored.
+/// The folder that `variable` names, or `otherwise`. A relative path in such a variable must be ignored.
 std::string folderOf(const char* variable, const std::string& otherwise) {
     const char* value = std::getenv(variable);
     return value != nullptr && *value == '/' ? value : otherwise;

@@ -6,9 +6,9 @@
 
 namespace platform {
 
-// The files that are the user's own, whichever computer is administered.
+// The user's own files, whichever host is used.
 
-/// $HOME, else the account's home folder. No trailing slash.
+/// $HOME, or else the account's home folder. No trailing slash.
 [[nodiscard]] std::string homeFolder();
 /// The user defaults: `brindle/defaults.plist` in $XDG_CONFIG_HOME or ~/.config.
 [[nodiscard]] std::string defaultsFileOf(const std::string& home);

@@ -5,5 +5,10 @@
 
 int main(int argc, char** argv) {
     constexpr std::string_view tool = BRINDLE_TOOL;
-    return tool == "brindle-helper" ? helperMain(argc, argv) : directoryToolMain(tool, argc, argv);
+    // Not "?:": what only the helper needs is then linked into the helper only.
+    if constexpr (tool == "brindle-helper") {
+        return helperMain(argc, argv);
+    } else {
+        return directoryToolMain(tool, argc, argv);
+    }
 }
