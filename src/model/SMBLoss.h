@@ -2,7 +2,7 @@
 
 #include <cstddef>
 
-/// What writing the whole file loses or spoils in a file written by hand.
+/// What rewriting the whole file loses or spoils in a file that was written by hand.
 enum class SMBLoss {
     Continuation, ///< a line ended by a backslash, live or in the commented-out "homes": it stays, and would
                   ///< swallow the line that is written after it
@@ -14,7 +14,7 @@ enum class SMBLoss {
                   ///< for the SMB server as well: lost
 };
 
-/// A line of the file that a write would not keep as it is. Lines count from 1.
+/// A line of the file that a write would not keep as it is. Lines are numbered from 1.
 struct SMBLossNotice {
     std::size_t line = 0;
     SMBLoss loss = SMBLoss::NoValue;

@@ -26,9 +26,15 @@ class PlanAuthority : public platform::Authority {
     std::shared_ptr<WorkingCopy> copy_;
 };
 
+<<<<<<< HEAD
 /// The presenter of a plan: notes alerts and runs, presses "Yes" where an alert has such a button and its
 /// default elsewhere, and cancels open panels.
 class PlanPresenter : public platform::SilentPresenter {
+=======
+/// The presenter of a plan: shows nothing, records alerts and runs, presses "Yes" in an alert that has such a
+/// button and otherwise the default button, and cancels open panels.
+class PlanPresenter : public platform::Presenter {
+>>>>>>> main
   public:
     explicit PlanPresenter(Plan* plan) : plan_(*plan) {}
 
@@ -42,7 +48,7 @@ class PlanPresenter : public platform::SilentPresenter {
     Plan& plan_;
 };
 
-/// A log that keeps nothing, because nothing in a plan really happens.
+/// A log that drops everything, because nothing in a plan really happens.
 class SilentLog : public platform::Log {
   public:
     void write(std::string_view /*text*/) override {}

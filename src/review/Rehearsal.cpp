@@ -27,7 +27,12 @@ Rehearsal::make(const platform::Interface& original, const std::shared_ptr<Worki
     made->host_ = std::make_unique<platform::Host>(planServices(copy, plan));
     auto loaded = BRController::loadInterface();
     if (!loaded.isOk()) {
+<<<<<<< HEAD
         return loaded.status();
+=======
+        throw std::runtime_error(
+            loaded.status().text()); // only if the file has changed since it was first loaded
+>>>>>>> main
     }
     made->interface_ = std::move(*loaded);
     made->controller().copyState(controllerNow, sheetIsUp);
@@ -39,7 +44,7 @@ Rehearsal::make(const platform::Interface& original, const std::shared_ptr<Worki
 }
 
 Rehearsal::~Rehearsal() {
-    interface_ = nullptr; // its controls need the host
+    interface_ = nullptr; // destroyed first, because its controls need the host
 }
 
 BRController& Rehearsal::controller() const {

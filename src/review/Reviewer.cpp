@@ -24,7 +24,7 @@ namespace review {
 
 namespace {
 
-/// It asks a server on the network, which no plan may do, and changes nothing.
+/// This operation asks a server on the network, which a plan must not do, and changes nothing.
 constexpr std::string_view networkOperation = "checkForNewVersion:";
 
 platform::ActionGate& gate() {
@@ -36,7 +36,7 @@ void showNotPossible(const Plan& plan) {
                     std::nullopt, plan.blocks.front().sentence);
 }
 
-/// Plans what `perform` does to the copy of a control.
+/// Makes the plan for what `perform` does to the copy of `control`.
 template <class Perform>
 Plan planControl(const platform::Interface& main, const NSControl& control, Perform perform,
                  PlanDepth depth = PlanDepth::Warnings) {
@@ -134,10 +134,10 @@ bool Reviewer::hasRecord(const std::string& path) {
     if (!directoryHolder().empty()) {
         return false;
     }
-    std::string problem = platform::directoryProblem(); // which reading sets anew
+    std::string problem = platform::directoryProblem(); // reading sets it again
     const bool isThere =
         DirectoryView(platform::Host::current().services().localDomain).record(path).has_value();
-    platform::setDirectoryProblem(std::move(problem)); // the lists are as they were read before
+    platform::setDirectoryProblem(std::move(problem)); // the lists still show what was read before
     return isThere;
 }
 
@@ -168,7 +168,7 @@ bool Reviewer::hasUnwrittenSMBConf() const {
 
 void Reviewer::takeUpWrittenFile() const {
     const SMBConf* model = controller().smbConfModel();
-    // A write that failed has left the text as it was, and the model's change waits for the next one.
+    // A failed write leaves this text unchanged, and the change stays in the model for the next write.
     const bool hasWritten = model != nullptr && model->textOnDisk() != textBefore_;
     if (hasWritten && platform::Host::current().services().keepsLayout && hasUnwrittenSMBConf()) {
         controller().rereadSMBConf();
@@ -218,7 +218,7 @@ bool Reviewer::mayPerform(const NSControl& sender) const {
         return true;
     }
     Plan plan = question_ ? planAction(sender) : planSteps(sender);
-    // Whoever wants something gone is never kept from trying.
+    // Deleting may always be tried.
     if (plan.lacksDirectory && refusesWithoutDirectory_ && !operation->removes) {
         plan.blocks.push_back({"directory", plan.failure});
     }

@@ -15,7 +15,7 @@ class NSNotificationCenter {
   public:
     using Handler = std::function<void(const NSNotification&)>;
 
-    /// The current host's.
+    /// The notification centre of the current host.
     [[nodiscard]] static NSNotificationCenter& defaultCenter();
 
     /// Calls `handler` for every notification named `name` whose object is `object` (null: any object), until

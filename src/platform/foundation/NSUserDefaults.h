@@ -14,7 +14,7 @@ class NSUserDefaults {
   public:
     explicit NSUserDefaults(std::string path) : path_(std::move(path)) {}
 
-    /// The current host's.
+    /// The user defaults of the current host.
     [[nodiscard]] static NSUserDefaults& standardUserDefaults();
 
     /// The integer stored under `key` (a string is read by intValue), or none when there is no such key.

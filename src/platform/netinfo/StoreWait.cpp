@@ -19,11 +19,11 @@ namespace platform {
 
 namespace {
 
-/// SQLite's locks stand on bytes of their own, from this offset on (https://www.sqlite.org/fileformat.html).
+/// SQLite locks bytes from this offset on (https://www.sqlite.org/fileformat.html).
 constexpr unsigned long long firstLockByte = 0x40000000;
 constexpr unsigned long long lockBytes = 512;
 
-/// The store that somebody held for longer than was waited, and in which action that was.
+/// The store that was last waited for in vain, and the action in which that happened.
 struct VainWait {
     std::string file;
     std::uint64_t action = 0;
@@ -33,10 +33,10 @@ struct DirectoryProblem {
     std::string text;
 };
 
-/// A lock as the system lists it; see proc_locks(5).
+/// A lock as /proc/locks lists it; see proc_locks(5).
 struct FileLock {
     bool isWriting = false;
-    bool isWaitedFor = true; ///< false: it waits itself
+    bool isWaitedFor = true; ///< false: it is itself waiting for a lock
     pid_t holder = 0;
     unsigned long long inode = 0;
     unsigned long long firstByte = 0;
@@ -62,7 +62,7 @@ FileLock parsedLock(const std::string& line) {
     return lock;
 }
 
-/// A process that serves this one, behind sudo perhaps.
+/// Whether the process is this one or was started by it, perhaps through sudo.
 bool isOwn(pid_t process) {
     while (process > 1 && process != ::getpid()) {
         process = parentOf(process);

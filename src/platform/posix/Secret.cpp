@@ -11,16 +11,16 @@
 namespace platform {
 
 void leaveNoCore() {
-    // Where cores are piped to a program, a limit of no bytes holds nothing back, but one of a single byte
-    // does (core(5), and the kernel's do_coredump). No file is written with either.
+    // When cores are piped to a program, a limit of 0 has no effect, but a limit of 1 byte prevents them
+    // (core(5), and do_coredump in the kernel). Either prevents core files.
     rlimit limit{1, 1};
     if (rlimit before{}; ::getrlimit(RLIMIT_CORE, &before) == 0) {
         limit.rlim_cur = limit.rlim_max = std::min<rlim_t>(before.rlim_max, 1);
     }
     ::setrlimit(RLIMIT_CORE, &limit);
-    // For where it was none already: a core without any of the memory that programs write to.
+    // In case the limit was 0 already: leave all writable memory out of a core.
     const FileDescriptor filter(::open("/proc/self/coredump_filter", O_WRONLY | O_CLOEXEC));
-    static_cast<void>(writeAll(filter.get(), "0", {})); // where there is no such file, the limit stands alone
+    static_cast<void>(writeAll(filter.get(), "0", {})); // without that file only the limit applies
 }
 
 } // namespace platform

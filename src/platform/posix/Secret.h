@@ -19,8 +19,8 @@ inline void wipe(std::string& secret) {
     secret.clear();
 }
 
-/// From now on neither this process nor a program that it starts leaves a core, which could hold passwords.
-/// Does as much of that as the system allows.
+/// Prevents core dumps, which could contain passwords, of this process and of programs that it starts from
+/// now on, as far as the system allows.
 void leaveNoCore();
 
 } // namespace platform

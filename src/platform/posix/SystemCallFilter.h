@@ -2,11 +2,11 @@
 
 namespace platform {
 
-/// Refuses, to this process and whatever it starts, the system calls that none of them needs to work on
-/// files: those that look into other processes, reach a network, load something into the kernel, or change
-/// what the computer is (EPERM, or what says that there is no such thing). It cannot be taken back, and takes
-/// along the right to gain rights by starting programs. False where the kernel has no such filters: nothing
-/// is refused then.
+/// From now on refuses, to this process and everything it starts, system calls that are not needed for
+/// working on files: those that look into other processes, reach a network, load something into the kernel,
+/// or change the computer itself. They fail with EPERM, or as if the call did not exist. The filter cannot be
+/// removed, and also prevents gaining rights by starting programs. Returns false, refusing nothing, when the
+/// kernel has no such filters.
 bool takeSystemCallFilter();
 
 } // namespace platform

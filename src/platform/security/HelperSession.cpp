@@ -36,13 +36,13 @@ OSStatus HelperSession::run(const std::string& tool, std::span<const std::string
     }
     frame->replace(0, frameHeaderSize, frameHeader(frame->size() - frameHeaderSize));
     wasDenied_ = false;
-    letGoIdle(); // never elsewhere: what a helper holds must not be settled by another
+    letGoIdle(); // only here, so that changes that one helper holds are never settled with another
     auto answer = ask(*frame);
     wipe(*frame);
     if (!answer.isOk() || !*answer) {
         return wasDenied_ ? errAuthorizationDenied : errAuthorizationToolExecuteFailure;
     }
-    // On the computer itself each run is lasting at once.
+    // On the system host each run is committed at once.
     const bool isLasting = std::ranges::find(command_, "--system") != command_.end();
     holdsChanges_ = holdsChanges_ || (!isLasting && waitsForCommit(tool));
     if (output != nullptr) {
@@ -67,7 +67,7 @@ Status HelperSession::start(const std::vector<std::string>& command, std::string
     }
     std::string first;
     first.reserve(firstInput.size() + frameHeaderSize);
-    first.append(firstInput).append(frameHeader(0)); // a commit of nothing tells that the helper is there
+    first.append(firstInput).append(frameHeader(0)); // an empty commit shows that the helper is there
     const auto answer = ask(first);
     wipe(first);
     return answer.isOk() && *answer ? Status() : answer.status();
@@ -97,9 +97,9 @@ void HelperSession::end() {
 
 void HelperSession::letGoIdle() {
     if (!helper_ || holdsChanges_) {
-        return; // what becomes of its changes is told where they are settled
+        return; // settle() reports what becomes of its changes
     }
-    // One that waits for the next run says nothing.
+    // A helper that waits for the next run writes nothing.
     pollfd output{helper_->output.get(), POLLIN, 0};
     const bool hasEnded = ::poll(&output, 1, 0) > 0;
     if (hasEnded || std::chrono::steady_clock::now() - lastAsked_ > helperIdleLimit - patience_) {
@@ -113,14 +113,14 @@ void HelperSession::letGo() {
     if (!helper_) {
         return;
     }
-    helper_->input.reset();                         // its end is what tells the helper to go
-    static_cast<void>(waitForProcess(helper_->id)); // what it had to say it has said
+    helper_->input.reset();                         // the end of its input tells the helper to end
+    static_cast<void>(waitForProcess(helper_->id)); // its output has been read already
     helper_.reset();
 }
 
 void HelperSession::giveUp() {
-    // One that comes round later must do nothing. Where sudo has made it root's it cannot be killed: it finds
-    // nobody to tell that it begins, and ends.
+    // A helper that continues later must do nothing. If sudo has started it as root, it cannot be killed, but
+    // it ends because it cannot write its first byte.
     if (helper_ && ::kill(helper_->id, SIGKILL) != 0 && errno == EPERM) {
         abandoned_.push_back(helper_->id);
         helper_.reset();
@@ -154,7 +154,8 @@ Result<std::optional<HelperSession::Answer>> HelperSession::ask(std::string_view
     if (!answer.isOk()) {
         if (start == HelperStart::Ended) {
             const auto status = waitForProcess(std::exchange(helper_, std::nullopt)->id);
-            // sudo's status of a refusal. The helper itself ends with another before it has started.
+            // sudo's status when it refuses. The helper itself ends with another status before it has
+            // started.
             wasDenied_ = status.isOk() && *status == 1;
         }
         giveUp();
