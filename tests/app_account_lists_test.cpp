@@ -82,7 +82,7 @@ TEST_F(AccountsTest, ProposesTheNextFreeIds) {
     }
     addGroup("only", "4");
     send("getNextGID:");
-    EXPECT_EQ(app().gid->stringValue(), "100");
+    EXPECT_EQ(app().gid->stringValue(), "101");
     nicl({"-delete", "/groups/only"});
     addUser("highest", "4294967294");
     addGroup("highest", "4294967294");
@@ -90,12 +90,12 @@ TEST_F(AccountsTest, ProposesTheNextFreeIds) {
         host.answerAlert(std::string(kind) + " Not Proposed", "OK");
         send(std::string("getNext") + kind + ":");
     }
-    EXPECT_EQ(app().uid->stringValue() + " " + app().gid->stringValue(), "2147483648 100");
+    EXPECT_EQ(app().uid->stringValue() + " " + app().gid->stringValue(), "2147483648 101");
     nicl({"-delete", "/groups/highest"});
     host.events.clear();
     send("getNextGID:");
     EXPECT_EQ(host.events, (Texts{"log No Groups found to update the GID", "beep"}));
-    EXPECT_EQ(app().gid->stringValue(), "100");
+    EXPECT_EQ(app().gid->stringValue(), "101");
 }
 
 TEST_F(AccountsTest, SystemAccountsAreHiddenUntilTheirBoxIsChecked) {
