@@ -26,15 +26,9 @@ class PlanAuthority : public platform::Authority {
     std::shared_ptr<WorkingCopy> copy_;
 };
 
-<<<<<<< HEAD
-/// The presenter of a plan: notes alerts and runs, presses "Yes" where an alert has such a button and its
-/// default elsewhere, and cancels open panels.
-class PlanPresenter : public platform::SilentPresenter {
-=======
 /// The presenter of a plan: shows nothing, records alerts and runs, presses "Yes" in an alert that has such a
 /// button and otherwise the default button, and cancels open panels.
-class PlanPresenter : public platform::Presenter {
->>>>>>> main
+class PlanPresenter : public platform::SilentPresenter {
   public:
     explicit PlanPresenter(Plan* plan) : plan_(*plan) {}
 

@@ -68,15 +68,9 @@ bool isOfSettings(const std::string& operation) {
     return found != nullptr && found->isOfSettings;
 }
 
-<<<<<<< HEAD
-/// Works the plan out on a copy that was made. Fails when the application cannot be copied.
+/// Works the plan out on `copy`. Fails when the application cannot be copied.
 platform::Status workOut(const platform::Interface& main, const std::shared_ptr<WorkingCopy>& copy,
                          const RehearsedAction& action, PlanDepth depth, Plan* plan) {
-=======
-/// Works the plan out on `copy`. Throws when the application cannot be copied.
-void workOut(const platform::Interface& main, const std::shared_ptr<WorkingCopy>& copy,
-             const RehearsedAction& action, PlanDepth depth, Plan* plan) {
->>>>>>> main
     const auto& now = *static_cast<const BRController*>(main.owner());
     const auto directoryBefore = platform::Host::current().services().localDomain;
     auto accountsBefore = isOfSettings(plan->operation) ? std::nullopt : AccountForecast::ofComputer();
@@ -110,15 +104,7 @@ Plan planOf(const platform::Interface& main, const std::string& operation, const
         plan.failure = copy.status().text();
         return plan;
     }
-<<<<<<< HEAD
     plan.failure = workOut(main, *copy, action, depth, &plan).text();
-=======
-    try {
-        workOut(main, *copy, action, depth, &plan);
-    } catch (const std::exception& error) { // for example when the interface file has been replaced meanwhile
-        plan.failure = error.what();
-    }
->>>>>>> main
     return plan;
 }
 

@@ -27,12 +27,7 @@ Rehearsal::make(const platform::Interface& original, const std::shared_ptr<Worki
     made->host_ = std::make_unique<platform::Host>(planServices(copy, plan));
     auto loaded = BRController::loadInterface();
     if (!loaded.isOk()) {
-<<<<<<< HEAD
-        return loaded.status();
-=======
-        throw std::runtime_error(
-            loaded.status().text()); // only if the file has changed since it was first loaded
->>>>>>> main
+        return loaded.status(); // only if the file has changed since it was first loaded
     }
     made->interface_ = std::move(*loaded);
     made->controller().copyState(controllerNow, sheetIsUp);

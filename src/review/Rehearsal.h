@@ -18,16 +18,10 @@ namespace review {
 /// long as this object lives.
 class Rehearsal {
   public:
-<<<<<<< HEAD
-    /// `original` is the main interface of the current host; alerts and runs are noted in `*plan`. Fails when
-    /// the interface file has been changed since, as by a new version of Brindle.
+    /// `original` is the main interface of the current host; alerts and runs are recorded in `*plan`. Fails
+    /// when the interface file has changed since it was loaded, as by a new version of Brindle.
     [[nodiscard]] static platform::Result<std::unique_ptr<Rehearsal>>
     make(const platform::Interface& original, const std::shared_ptr<WorkingCopy>& copy, Plan* plan);
-=======
-    /// `original` is the main interface of the current host; alerts and runs are recorded in `*plan`. Throws
-    /// when the interface file has changed since it was loaded.
-    Rehearsal(const platform::Interface& original, const std::shared_ptr<WorkingCopy>& copy, Plan* plan);
->>>>>>> main
     ~Rehearsal();
     Rehearsal(const Rehearsal&) = delete;
     Rehearsal& operator=(const Rehearsal&) = delete;
