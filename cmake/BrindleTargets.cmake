@@ -57,8 +57,8 @@ function(brindle_line_of file header result)
     set(${result} ${line} PARENT_SCOPE)
 endfunction()
 
-# brindle_library(NAME LINKS target... PRIVATE_LINKS target...): the library brindle_NAME of this
-# folder's sources. LINKS are what its headers need, PRIVATE_LINKS what only its sources do.
+# brindle_library(NAME LINKS target... PRIVATE_LINKS target...): makes the library brindle_NAME of this folder's
+# sources. LINKS are needed by its headers, PRIVATE_LINKS only by its sources.
 function(brindle_library name)
     cmake_parse_arguments(ARG "" "" "LINKS;PRIVATE_LINKS" ${ARGN})
     file(GLOB sources CONFIGURE_DEPENDS *.cpp *.h)

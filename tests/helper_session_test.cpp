@@ -30,7 +30,7 @@ TEST_F(HelperTest, ServesARealRunFromTheWindowsSideToTheDirectory) {
     EXPECT_TRUE(test_.log[0].starts_with("outString non empty for deleteGroup: nicl: ")) << test_.log[0];
 }
 
-/// One action's runs through the real helper, and what everybody else sees of them.
+/// The runs of one action through the real helper, and what other programs see of them.
 class Action : public HelperTest {
   protected:
     static std::string outputOf(HelperSession& helper, const std::string& tool,
@@ -45,12 +45,12 @@ class Action : public HelperTest {
         return outputOf(helper, "/usr/bin/nicl", words);
     }
 
-    /// The one that this program has started.
+    /// Returns the helper process that this program has started.
     static int helperProcess() {
         return std::stoi(*contentsOfFile("/proc/self/task/" + std::to_string(::getpid()) + "/children"));
     }
 
-    /// The shares as another program reads them.
+    /// Returns the shares as another program reads them.
     [[nodiscard]] std::string shares() const {
         return runProgram({std::string(BRINDLE_PROGRAMS) + "/nireport", "--root", root_.folder(), ".",
                            "/config/Brindle", "name", "directory_path"})
@@ -60,7 +60,7 @@ class Action : public HelperTest {
     std::vector<std::string> command_ = {helperProgram, "--root", root_.folder(), "--session"};
 };
 
-TEST_F(Action, LeavesNothingOfItsRunsWhenItEndsBeforeTheyAreSettled) {
+TEST_F(Action, LeavesNoTraceOfItsRunsWhenItEndsBeforeTheyAreCommitted) {
     {
         HelperSession helper(command_);
         EXPECT_EQ(nicl(helper, {"-create", "/config/Brindle/Docs"}), "");
@@ -70,12 +70,12 @@ TEST_F(Action, LeavesNothingOfItsRunsWhenItEndsBeforeTheyAreSettled) {
     HelperSession helper(command_);
     EXPECT_EQ(nicl(helper, {"-create", "/config/Brindle/Docs"}), "");
     EXPECT_NE(nicl(helper, {"-create", "/config/Brindle/Docs", "directory_path", "/srv\\"}), "");
-    EXPECT_NE(nicl(helper, {"-delete", "/config/Brindle/other"}), "") << "each run is judged by itself";
+    EXPECT_NE(nicl(helper, {"-delete", "/config/Brindle/other"}), "") << "each run has its own result";
     EXPECT_EQ(nicl(helper, {"-create", "/config/Brindle/Docs", "directory_path", "/srv/a"}), "");
     EXPECT_EQ(outputOf(helper, "/bin/rm", {"x"}), "-60031");
     std::string seen;
     std::thread other([&] { seen = shares(); });
-    ::usleep(100000); // long enough to find the directory half done, were it not kept from reading
+    ::usleep(100000); // long enough to read an incomplete directory if the lock did not prevent that
     EXPECT_TRUE(helper.settle().isOk());
     other.join();
     EXPECT_EQ(seen, "Docs\t/srv/a\t\n");
@@ -86,7 +86,7 @@ TEST_F(Action, LeavesNothingOfItsRunsWhenItEndsBeforeTheyAreSettled) {
     EXPECT_TRUE(helper.settle().isOk());
 }
 
-TEST_F(Action, LeavesItsHelperToTheNextOneWhichTakesAnotherWhereThatHasEnded) {
+TEST_F(Action, LeavesItsHelperToTheNextActionWhichStartsAnotherIfItHasEnded) {
     HelperSession helper(command_);
     const auto helperOf = [&](const std::vector<std::string>& words) {
         EXPECT_EQ(nicl(helper, words), "");
@@ -96,7 +96,7 @@ TEST_F(Action, LeavesItsHelperToTheNextOneWhichTakesAnotherWhereThatHasEnded) {
     };
     const int first = helperOf({"-create", "/config/Brindle/Docs"});
     EXPECT_EQ(helperOf({"-create", "/config/Brindle/Docs", "directory_path", "/srv"}), first);
-    ASSERT_EQ(::kill(first, SIGTERM), 0); // as one that nothing was asked of for minutes ends
+    ASSERT_EQ(::kill(first, SIGTERM), 0); // the way in which an idle helper ends
     siginfo_t ended{};
     ASSERT_EQ(::waitid(P_PID, static_cast<id_t>(first), &ended, WEXITED | WNOWAIT), 0);
     EXPECT_NE(helperOf({"-create", "/config/Brindle/Films"}), first);
@@ -108,7 +108,7 @@ TEST_F(Action, LeavesItsHelperToTheNextOneWhichTakesAnotherWhereThatHasEnded) {
     const int second = helperOf({"-create", "/config/Brindle/Films", "directory_path", "/srv"});
     EXPECT_EQ(nicl(helper, {"-create", "/config/Brindle/Music"}), "");
     endAt(second);
-    EXPECT_FALSE(helper.settle().isOk()) << "another helper has nothing of it";
+    EXPECT_FALSE(helper.settle().isOk()) << "another helper does not have its changes";
     EXPECT_TRUE(helper.settle().isOk()) << "it is told once";
     EXPECT_EQ(shares(), "Docs\t/srv\t\nFilms\t/srv\t\n");
 }
@@ -122,7 +122,7 @@ TEST_F(Action, IsServedWithoutRightsAndSystemCallsThatFilesDoNotNeed) {
     EXPECT_EQ(status.find("Seccomp:\t2") != std::string::npos, hasFilters) << status;
 }
 
-TEST_F(Action, IsToldWhenWhatItDidIsLost) {
+TEST_F(Action, IsNotifiedWhenItsChangesAreLost) {
     HelperSession helper(command_);
     EXPECT_EQ(nicl(helper, {"-create", "/users/carol"}), "");
     EXPECT_EQ(nicl(helper, {"-create", "/users/carol", "uid", "70502"}), "");

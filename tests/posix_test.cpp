@@ -43,7 +43,7 @@ Command shell(const std::string& text, ErrorOutput errors = ErrorOutput::Discard
     return {{"/bin/sh", "-c", text}, errors};
 }
 
-/// Interrupts every slow system call of this process while it lives.
+/// Interrupts every slow system call of this process during its lifetime.
 class Interruptions {
   public:
     Interruptions() {
@@ -68,7 +68,7 @@ class Interruptions {
     struct sigaction before_ {};
 };
 
-/// More than a pipe holds.
+/// More than a pipe can buffer.
 const std::string longText = [] {
     std::string text;
     for (int number = 0; number < 100000; ++number) {
@@ -126,14 +126,14 @@ TEST(InputOutput, ALimitIsKeptToTheByte) {
 
 TEST(Process, InputOutputErrorsAndStatusArriveWhole) {
     const Interruptions interruptions;
-    // Both outputs fill up while the input is not read to its end.
+    // Both outputs fill up before the input is read to its end.
     const auto finished = runProcess(shell("tee /dev/stderr; exit 7", ErrorOutput::Apart), longText);
     ASSERT_TRUE(finished.isOk());
     EXPECT_TRUE(finished->output == longText);
     EXPECT_TRUE(finished->errors == longText);
     EXPECT_EQ(finished->status, 7);
     EXPECT_EQ(runProcess(shell("echo a; echo b >&2", ErrorOutput::WithOutput))->output, "a\nb\n");
-    EXPECT_EQ(runProcess(shell("kill -9 $$"), longText)->status, 128 + SIGKILL) << "it does not read";
+    EXPECT_EQ(runProcess(shell("kill -9 $$"), longText)->status, 128 + SIGKILL) << "it reads nothing";
     Command command = shell("echo $A$HOME");
     command.environment = {"A=b"};
     EXPECT_EQ(runProcess(command)->output, "b\n");
@@ -144,7 +144,7 @@ TEST(Process, InputOutputErrorsAndStatusArriveWhole) {
 TEST(Process, ATimeLimitKillsTheChild) {
     const TestHost host;
     const std::string id = host.root() / "id";
-    for (const char* silent : {"", "exec >&- 2>&-; "}) { // one that has closed its output is waited for too
+    for (const char* silent : {"", "exec >&- 2>&-; "}) { // also one that has closed its output
         const auto begin = std::chrono::steady_clock::now();
         const auto finished =
             runProcess(shell(std::string(silent) + "echo $$ >" + id + "; exec sleep 60"), {}, 200ms);
@@ -235,7 +235,7 @@ TEST(SystemCallFilter, RefusesWhatWorkOnFilesDoesWithoutAndNothingElse) {
     EXPECT_EQ(WEXITSTATUS(status), 0);
 }
 
-TEST(WholeFile, LinksOwnersAndModesAreTreatedAsTold) {
+TEST(WholeFile, LinksOwnersAndModesAreTreatedAsRequested) {
     const TestHost host;
     const fs::path folder = host.root() / "folder";
     fs::create_directory(folder);
@@ -255,7 +255,7 @@ TEST(WholeFile, LinksOwnersAndModesAreTreatedAsTold) {
 
     ASSERT_TRUE(writeWholeFile(link, "new", {.mode = 0600}).isOk());
     EXPECT_EQ(statusOf(link).st_mode, S_IFREG | 0600U);
-    EXPECT_TRUE(textOf(file) == longText) << "what the link led to stays";
+    EXPECT_TRUE(textOf(file) == longText) << "the target of the link stays";
 
     const fs::path dangling = folder / "dangling";
     fs::create_symlink(folder / "fresh", dangling);
@@ -265,7 +265,7 @@ TEST(WholeFile, LinksOwnersAndModesAreTreatedAsTold) {
     const fs::path loop = folder / "loop";
     fs::create_symlink("loop", loop);
     EXPECT_EQ(writeWholeFile(loop, "x", {.links = LinkRule::Follow}).systemError(), ELOOP);
-    EXPECT_FALSE(writeWholeFile(loop, "x", {.keepsRights = true}).isOk()) << "no regular file";
+    EXPECT_FALSE(writeWholeFile(loop, "x", {.keepsRights = true}).isOk()) << "not a regular file";
     EXPECT_EQ(namesIn(folder), (std::vector<std::string>{"dangling", "file", "fresh", "link", "loop"}));
 }
 
@@ -273,7 +273,7 @@ TEST(WholeFile, AFailedWriteLeavesNothingBehind) {
     const TestHost host;
     const fs::path folder = host.root() / "folder";
     fs::create_directories(folder / "target");
-    const auto status = writeWholeFile(folder / "target", "bytes"); // a folder is in the way
+    const auto status = writeWholeFile(folder / "target", "bytes"); // the target is a folder
     EXPECT_EQ(status.text(), "cannot write " + (folder / "target").string() + ": Is a directory");
     EXPECT_EQ(namesIn(folder), std::vector<std::string>{"target"});
     EXPECT_EQ(writeWholeFile(host.root() / "missing" / "file", "bytes").systemError(), ENOENT);
@@ -284,7 +284,7 @@ TEST(WholeFile, TheNextWriterRemovesWhatAKilledOneLeft) {
     const fs::path folder = host.root() / "folder";
     fs::create_directory(folder);
     std::ofstream(folder / ".brindle-1.tmp") << "half a te";
-    std::ofstream(folder / ".brindle-2.tmp") << "of a writer that is alive";
+    std::ofstream(folder / ".brindle-2.tmp") << "the file of a running writer";
     std::ofstream(folder / ".brindle.tmp") << "somebody else's";
     const platform::FileDescriptor alive(::open((folder / ".brindle-2.tmp").c_str(), O_WRONLY | O_CLOEXEC));
     ASSERT_EQ(::flock(alive.get(), LOCK_EX), 0);

@@ -1,4 +1,4 @@
-// The window's controls as a user meets them: real mouse and key events on Qt's offscreen platform.
+// The window's controls as a user uses them: real mouse and key events on Qt's offscreen platform.
 
 #include "support/WindowFixture.h"
 
@@ -36,7 +36,7 @@ TEST_F(Window, AnEditThatTheFieldRefusesChangesNeitherTextNorCaretNorSelection) 
         desk.number->setStringValue("1234");
         QApplication::processEvents();
         edit->setFocus();
-        edit->setSelection(3, -2); // the caret at its start
+        edit->setSelection(3, -2); // with the caret at its start
         desk.told.clear();
         perform();
         EXPECT_EQ(desk.told, Told{told});
@@ -44,11 +44,11 @@ TEST_F(Window, AnEditThatTheFieldRefusesChangesNeitherTextNorCaretNorSelection) 
         EXPECT_EQ(desk.number->stringValue(), "1234") << told;
         EXPECT_EQ(edit->selectedText(), "23") << told;
         EXPECT_EQ(edit->cursorPosition(), 1) << told;
-        EXPECT_FALSE(QToolTip::isVisible()) << "a refusal is only heard";
+        EXPECT_FALSE(QToolTip::isVisible()) << "a refusal only beeps";
     }
 }
 
-TEST_F(Window, AnEditThatTheFieldTakesIsSentOnceAndTheFieldTidiesUpWhenItIsLeft) {
+TEST_F(Window, AnAcceptedEditIsSentOnceAndTheFieldIsTidiedWhenItIsLeft) {
     show();
     QLineEdit* edit = numberEdit();
     edit->setFocus();
@@ -63,7 +63,7 @@ TEST_F(Window, AnEditThatTheFieldTakesIsSentOnceAndTheFieldTidiesUpWhenItIsLeft)
     EXPECT_EQ(desk.number->stringValue(), "7");
 }
 
-TEST_F(Window, WhatIsPastedOrDroppedEntersWithoutItsControlCharacters) {
+TEST_F(Window, PastedOrDroppedTextEntersWithoutItsControlCharacters) {
     show();
     QLineEdit* edit = numberEdit();
     const QString text = "\x1B"
@@ -85,7 +85,7 @@ TEST_F(Window, WhatIsPastedOrDroppedEntersWithoutItsControlCharacters) {
     }
 }
 
-TEST_F(Window, WhatAnInputMethodEntersIsALine) {
+TEST_F(Window, TextFromAnInputMethodBecomesOneLineWithoutControlCharacters) {
     show();
     desk.number->setFormatter(nullptr);
     QLineEdit* edit = numberEdit();
@@ -137,7 +137,7 @@ TEST_F(Window, AFieldsFormatterIsToldWhatWasSelectedAndWhereTheCaretWillBe) {
     EXPECT_EQ(edit->text(), "1x5");
 }
 
-TEST_F(Window, WhatTheProgramFillsInIsShownUnaskedAndIsNoEdit) {
+TEST_F(Window, TextFromTheProgramIsShownUncheckedAndIsNoEdit) {
     show();
     desk.number->setStringValue("-2");
     desk.check->setState(NSOnState);
@@ -156,7 +156,7 @@ TEST_F(Window, WhatTheProgramFillsInIsShownUnaskedAndIsNoEdit) {
 
 TEST_F(Window, ButtonsBoxesAndCellsAreClickedThroughTheirModels) {
     show();
-    // An ampersand, not an underlined blank.
+    // An ampersand, not a mnemonic.
     EXPECT_EQ(plainTitle(widget<QAbstractButton>("press")->text()), "Press & Go");
     QTest::mouseClick(widget<QWidget>("press"), Qt::LeftButton);
     QTest::mouseClick(widget<QWidget>("check"), Qt::LeftButton, {},
@@ -233,7 +233,7 @@ TEST_F(Window, ATableAsksOnlyForTheCellsThatItDraws) {
     EXPECT_LT(desk.cellsAsked, 1000);
 }
 
-TEST_F(Window, ATipShowsDataAsItIsAndReadsNoMarkupInIt) {
+TEST_F(Window, AToolTipShowsMarkupInDataAsPlainText) {
     show();
     desk.rows = 1;
     desk.cell = "<b>Films</b> & <i>more</i>";
@@ -245,7 +245,7 @@ TEST_F(Window, ATipShowsDataAsItIsAndReadsNoMarkupInIt) {
     EXPECT_EQ(tip.toPlainText().toStdString(), desk.cell);
 }
 
-TEST_F(Window, SelectingRowsTellsOnceWhoeverDidIt) {
+TEST_F(Window, SelectingRowsNotifiesOnceWhoeverDoesIt) {
     show();
     desk.rows = 5;
     desk.table->reloadData();
@@ -265,7 +265,7 @@ TEST_F(Window, SelectingRowsTellsOnceWhoeverDidIt) {
     desk.table->selectRow(4);
     QApplication::processEvents();
     EXPECT_EQ(desk.told.size(), 3U);
-    desk.rows = 3; // the selected row goes, and nobody is told
+    desk.rows = 3; // the selected row goes away without a notification
     desk.table->reloadData();
     QApplication::processEvents();
     EXPECT_FALSE(view->selectionModel()->hasSelection());

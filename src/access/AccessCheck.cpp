@@ -141,7 +141,8 @@ bool AccessCheck::logOn(Visit& visit) {
     }
     if (logOn == LogOn::NoAccount && (mapping == "baduser" || mapping == "badpassword") &&
         visit.share->flag("guest ok", false)) {
-        // An unknown user is let in as the guest. Where guests may not, a password is what is missing.
+        // An unknown user is let in as the guest. If guests are not allowed, the missing password is the
+        // reason.
         visit.isGuest = true;
         visit.answer.notes.push_back(stringWithFormat(
             NSLocalizedString(

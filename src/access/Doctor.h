@@ -23,9 +23,8 @@ struct Finding {
     std::string text;   ///< one sentence
     std::string where;  ///< the section, the record, the account, or the file with its line
     std::string remedy; ///< the command that mends it, or what to do; empty when there is nothing to do
-    std::optional<std::string> share =
-        std::nullopt; ///< the share concerned, by the name that the window shows
-    std::optional<std::string> user = std::nullopt; ///< the user concerned
+    std::optional<std::string> share = std::nullopt; ///< the share concerned, as the window names it
+    std::optional<std::string> user = std::nullopt;  ///< the user concerned
 };
 
 struct Examination {

@@ -11,7 +11,7 @@
 
 namespace accesscheck {
 
-/// Bits of a file's mode, which combine to what an account may do with it. The kernel takes them from the
+/// Bits of a file's mode. Combined, they say what an account may do with it. The kernel takes them from the
 /// owner, group and other bits and an access control list (acl(5)).
 inline constexpr unsigned mayRead = 4;
 inline constexpr unsigned mayWrite = 2;

@@ -6,7 +6,6 @@
 #include <algorithm>
 #include <array>
 #include <limits>
-#include <string_view>
 #include <utility>
 
 using platform::GroupLine;

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <cstdint>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -22,7 +21,7 @@ class SharedText {
 };
 
 /// One share point as the share table shows it: combined from its directory record, the SMB section for the
-/// same folder and the folder's permission bits. The values are display strings. The objects are made anew
+/// same folder and the folder's permission bits. The values are display strings. The objects are made again
 /// whenever the inventory is read.
 class NormalShare {
   public:

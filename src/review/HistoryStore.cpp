@@ -6,7 +6,6 @@
 #include <cerrno>
 #include <charconv>
 #include <filesystem>
-#include <span>
 #include <system_error>
 
 #include <fcntl.h>

@@ -4,8 +4,6 @@
 #include "platform/foundation/NSString.h"
 #include "platform/foundation/SystemPaths.h"
 
-#include <algorithm>
-
 namespace review {
 
 namespace {

@@ -6,7 +6,6 @@
 
 #include <memory>
 #include <optional>
-#include <set>
 #include <string>
 #include <unordered_set>
 #include <utility>

@@ -4,7 +4,6 @@
 #include "platform/foundation/NSBundle.h"
 #include "platform/foundation/NSString.h"
 
-#include <algorithm>
 #include <set>
 
 namespace review {

@@ -5,8 +5,6 @@
 #include "platform/foundation/NSString.h"
 #include "review/SMBFields.h"
 
-#include <algorithm>
-#include <array>
 #include <functional>
 #include <map>
 #include <string_view>

@@ -1,15 +1,12 @@
 #pragma once
 
 #include "directory/DirectoryRules.h"
-#include "platform/netinfo/AccountLines.h"
 #include "platform/netinfo/Store.h"
 #include "platform/posix/Status.h"
 #include "tools/ComputerDirectory.h"
 
 #include <optional>
-#include <span>
 #include <string>
-#include <string_view>
 #include <vector>
 
 /// One change of an account of this computer. An account is made by several changes, first of the record and

@@ -5,7 +5,6 @@
 #include "tools/AccountPrograms.h"
 
 #include <algorithm>
-#include <utility>
 
 using platform::Status;
 using platform::Store;

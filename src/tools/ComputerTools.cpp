@@ -10,7 +10,6 @@
 #include "tools/ComputerUser.h"
 #include "tools/StoreChange.h"
 
-#include <initializer_list>
 #include <optional>
 #include <string_view>
 #include <vector>

@@ -3,7 +3,6 @@
 #include "tools/DirectorySession.h"
 
 #include <optional>
-#include <span>
 #include <string>
 #include <string_view>
 #include <vector>

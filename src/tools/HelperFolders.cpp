@@ -7,7 +7,6 @@
 #include <cerrno>
 #include <charconv>
 #include <filesystem>
-#include <optional>
 #include <string_view>
 #include <utility>
 #include <vector>

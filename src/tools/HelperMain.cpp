@@ -14,7 +14,6 @@
 #include <csignal>
 #include <cstdlib>
 #include <exception>
-#include <iostream>
 #include <memory>
 #include <utility>
 

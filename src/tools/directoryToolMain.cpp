@@ -1,6 +1,5 @@
 #include "platform/commandline/CommandLine.h"
 #include "platform/foundation/Host.h"
-#include "platform/host/EmbeddedHost.h"
 #include "platform/host/EmbeddedRoot.h"
 #include "platform/netinfo/LocalDomain.h"
 #include "platform/posix/Secret.h"
@@ -105,7 +104,7 @@ ToolResult run(std::string_view tool, const platform::HostOptions& options,
 } // namespace
 
 int directoryToolMain(std::string_view name, int argc, char** argv) {
-    platform::leaveNoCore(); // dscl is given a password
+    platform::leaveNoCore(); // dscl gets a password
     const Tool& tool = *std::ranges::find(tools, name, &Tool::name);
     platform::HostOptions options;
     const auto parser = platform::makeParser(std::string(name), tool.summary, tool.synopsis, options);

@@ -44,7 +44,7 @@
 #include <string>
 #include <vector>
 
-/// A small interface of every kind of control.
+/// A small interface with every kind of control.
 inline constexpr const char* deskInterface = R"(<interface class="Desk">
   <window name="main" title="Desk" width="500" height="400">
     <tabView outlet="tabs" delegate="yes">
@@ -72,7 +72,7 @@ inline constexpr const char* deskInterface = R"(<interface class="Desk">
   <panel outlet="panel" title="Panel" delegate="yes" width="200" height="100"><column><label text="Hello"/></column></panel>
 </interface>)";
 
-/// Stands behind the interface and writes down what it is told.
+/// The class of the interface. It records what it is told.
 struct Desk : platform::OutletOwner,
               NSApplicationDelegate,
               NSTableViewDataSource,
@@ -146,7 +146,7 @@ class Window : public ::testing::Test {
   protected:
     explicit Window(QtFrontend::Manner manner = QtFrontend::Manner::Interactive) {
         qputenv("QT_QPA_PLATFORM", "offscreen");
-        qputenv("QT_LOGGING_RULES", "default.warning=false"); // what that platform cannot do
+        qputenv("QT_LOGGING_RULES", "default.warning=false"); // suppress the offscreen platform's warnings
         frontend = std::make_unique<QtFrontend>(argc, arguments, manner);
         host.host().setPresenter(frontend->presenter());
         auto description = platform::describeClass<Desk>("Desk");
@@ -158,7 +158,7 @@ class Window : public ::testing::Test {
         desk.number->setFormatter(std::make_shared<KWIntegerFormatter>());
     }
 
-    void TearDown() override { frontend.reset(); } // before the interface that it shows
+    void TearDown() override { frontend.reset(); } // must be destroyed before the interface that it shows
 
     void show() {
         NSApp().mainWindow()->makeKeyAndOrderFront();

@@ -139,8 +139,8 @@ ActivityDialog::ActivityDialog(const Activity& activity, QWidget* parent)
 
 void ActivityDialog::reload() {
     const QScrollBar* bar = table_->verticalScrollBar();
-    const bool isAtEnd =
-        bar->value() == bar->maximum(); // someone who reads further up must not lose their place
+    // Someone who reads further up must not lose their place.
+    const bool isAtEnd = bar->value() == bar->maximum();
     model_.update();
     if (isAtEnd) {
         table_->scrollToBottom();

@@ -16,7 +16,7 @@
 /// Returns the model of a button that makeButton made, or null for any other button.
 [[nodiscard]] const NSButton* modelOfButton(const QAbstractButton& button);
 
-/// Does the button what a key of the menu "Page", or of a row, does as well?
+/// True when a key of the menu "Page", or of a row, does the same as the button.
 [[nodiscard]] bool hasKeys(const QWidget& button);
 
 /// Returns the key that presses the button in its window, "\r" or "\033", or an empty string.

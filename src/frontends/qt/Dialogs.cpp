@@ -77,8 +77,7 @@ platform::AlertAnswer askAlert(const platform::Alert& alert, QWidget* parent) {
     box.setText(asItIs(shown(alert.title), "bold"));
     box.setInformativeText(asItIs(shown(alert.message)));
     if (QWidget* message = box.findChild<QWidget*>("qt_msgbox_informativelabel")) {
-        message->setMinimumWidth(
-            dialogWidth); // otherwise a long message would be laid out in a narrow column
+        message->setMinimumWidth(dialogWidth); // otherwise long messages get a narrow column
     }
     const AlertAnswer harmless = harmlessAnswer(alert);
     std::vector<std::pair<QAbstractButton*, AlertAnswer>> buttons;

@@ -12,7 +12,7 @@ class ElidedLabel : public QLabel {
     /// With `isNews`, a screen reader reads out a new text at once, wherever the focus is.
     explicit ElidedLabel(bool isNews = false) : isNews_(isNews) { setTextFormat(Qt::PlainText); }
 
-    /// All of the text, where there is room.
+    /// The size of the whole text.
     [[nodiscard]] QSize sizeHint() const override {
         const QSize elided = QLabel::sizeHint();
         return {fontMetrics().horizontalAdvance(whole_) + 2 * margin(), elided.height()};

@@ -35,8 +35,7 @@ QColor mixed(const QColor& colour, const QColor& other, double share) {
                             part(colour.blueF(), other.blueF()));
 }
 
-/// The first colour on the way from one to the other that stands out so far from the ground; the other at its
-/// end.
+/// Returns the first colour between `from` and `to` with that contrast to the ground; `to` if there is none.
 QColor readable(const QColor& from, const QColor& to, const QColor& ground, double wanted = wantedContrast) {
     constexpr int steps = 20;
     for (int step = 0; step < steps; ++step) {
@@ -184,7 +183,7 @@ void useInk(QWidget& widget, std::optional<Ink> ink) {
 
 QColor placeholderOn(const QPalette& palette) {
     const QColor ground = palette.color(QPalette::Base);
-    const QColor ink = palette.color(QPalette::PlaceholderText); // Qt's own lets the ground through
+    const QColor ink = palette.color(QPalette::PlaceholderText); // Qt's own is translucent
     return contrast(mixed(ink, ground, ink.alphaF()), ground) < leastEdgeContrast
                ? inkOn(Ink::Note, palette, QPalette::Base)
                : ink;

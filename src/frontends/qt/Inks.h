@@ -22,7 +22,7 @@ enum class Ink {
 /// The least contrast of anything drawn here: what WCAG 2 demands for texts of any size.
 inline constexpr double leastContrast = 4.5;
 
-/// The same of what is no text, as an outline.
+/// The least contrast of anything that is not a text, such as an outline.
 inline constexpr double leastEdgeContrast = 3;
 
 /// Returns the colour of the ink for a text on the palette's `ground`.
@@ -32,10 +32,10 @@ inline constexpr double leastEdgeContrast = 3;
 /// the desktop changes its colours. Without an ink it gets the ordinary colour back.
 void useInk(QWidget& widget, std::optional<Ink> ink);
 
-/// The colour for what stands in an empty field: the palette's own where it can be seen.
+/// Returns the colour of the placeholder in an empty field: the palette's own if it is readable.
 [[nodiscard]] QColor placeholderOn(const QPalette& palette);
 
-/// The colour of an outline that is to be seen on the palette's window, and stands back where that can be.
+/// Returns the colour of an outline that is visible on the palette's window, but as unobtrusive as possible.
 [[nodiscard]] QColor edgeOn(const QPalette& palette);
 
 /// Returns a shade of the window's colour for areas that should look slightly recessed.

@@ -36,7 +36,7 @@ bool standsInBar(const QAction* action) {
 
 void markActions(QList<QAction*> marked, QSet<QChar>& taken) {
     marked.removeIf([](const QAction* each) { return each->isSeparator() || !each->isVisible(); });
-    // Those that can have their first letter come before those that make do with another.
+    // Titles that can have their first letter come before those that need another one.
     QSet<QChar> firsts;
     std::stable_partition(marked.begin(), marked.end(), [&firsts](const QAction* each) {
         const QString text = plainTitle(each->text());
@@ -96,8 +96,8 @@ bool isWriting(const QWidget* widget) {
 }
 
 void markWidgets(QList<QWidget*> widgets, QSet<QChar>& taken, const QSet<QChar>& shared) {
-    // Where letters run out, it is for what has keys of its own, and not for what one came for: the buttons
-    // that change something, and the fields.
+    // Letters may run out, so widgets with their own keys get theirs last, and the most important ones first:
+    // buttons that change something, and fields.
     const auto rank = [](const QWidget* each) {
         return hasKeys(*each)                                 ? 3
                : isWriting(each)                              ? 0
@@ -130,7 +130,7 @@ Part partOf(const QWidget* widget) {
     return Page;
 }
 
-/// What can have a letter in the window, as it is read.
+/// Returns the widgets in the window that can have a letter, in reading order.
 QList<QWidget*> titledWidgets(const QWidget& window) {
     QList<QWidget*> titled = widgetsAsRead(window);
     // The note over an empty table has a button that does the same as one below the table.
@@ -162,12 +162,12 @@ void settle(QWidget& window) {
     QSet<QChar> ofPage = taken;
     mark(Page, ofPage, {});
     ofPage -= taken;
-    // There are not letters enough for a page and a drawer beside it.
+    // There are not enough letters for both a page and the drawer beside it.
     mark(InDrawer, taken, ofPage);
     mark(Foot, taken, ofPage);
 }
 
-/// The letters' buttons and labels of the window's that the key press may mean.
+/// Returns the buttons and labels in the window whose letter the key press may mean.
 QList<QWidget*> meantBy(const QKeySequence& key, const QWidget& window) {
     QList<QWidget*> meant = titledWidgets(window);
     meant.removeIf([&key](QWidget* each) {
@@ -178,7 +178,7 @@ QList<QWidget*> meantBy(const QKeySequence& key, const QWidget& window) {
     return meant;
 }
 
-/// Does what the letter of a button or of a label does.
+/// Does what pressing the letter of a button or label does.
 void useLetterOf(QWidget& titled) {
     if (auto* button = qobject_cast<QAbstractButton*>(&titled)) {
         button->setFocus(Qt::ShortcutFocusReason);
@@ -236,7 +236,7 @@ bool KeyAccess::useNearest(const QKeySequence& key) {
     const Part here = focused == nullptr ? Page : partOf(focused);
     const auto distance = [here](const QWidget* each) {
         const Part part = partOf(each);
-        return part == here ? 0 : part == Foot ? 1 : 2; // the foot shows what has just come
+        return part == here ? 0 : part == Foot ? 1 : 2; // the foot shows what is new
     };
     useLetterOf(**std::ranges::min_element(meant, {}, distance));
     return true;

@@ -30,8 +30,8 @@ bool isSet(const char* variable) {
     return value != nullptr && *value != '\0';
 }
 
-/// The icon of the menu entry, for desktops that do not find the entry of a window; none where it is not
-/// installed.
+/// Returns the menu entry's icon, for desktops that cannot match a window to its menu entry; none when it is
+/// not installed.
 QIcon windowIcon() {
     QIcon icon;
     for (const int size : {16, 32, 48}) {

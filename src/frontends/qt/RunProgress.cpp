@@ -27,8 +27,7 @@ namespace {
 constexpr std::size_t fewRuns = 10;
 constexpr int moment = 400; // milliseconds
 constexpr int betweenLooks = 50;
-constexpr int deafFor =
-    500; // milliseconds without the keyboard: a key may have been meant for the question before
+constexpr int deafFor = 500; // milliseconds: a key may have been meant for the question before
 constexpr int dialogWidth = 360;
 
 std::string numberText(std::size_t number) {

@@ -71,7 +71,7 @@ QSize sizeFrom(const QString& text) {
     return parts.size() == 2 ? QSize(parts[0].toInt(), parts[1].toInt()) : QSize();
 }
 
-/// The colours of desktops, as far as Qt would derive others than those have.
+/// Returns a desktop's colours, including those that Qt would derive differently.
 QPalette desktopColours(const QColor& window, const QColor& base, const QColor& highlight,
                         const QColor& highlightedText) {
     QPalette palette(window);

@@ -13,7 +13,7 @@
 
 namespace {
 
-/// Such a control says what is shown, and nothing that is saved.
+/// True for a control that only determines what is shown, and is not saved.
 bool choosesView(std::string_view operation) {
     static constexpr std::array<std::string_view, 5> operations = {
         "updateUsersGroupsList:", "updateGroupsList:", "refreshGroupList:", "changeAFSPropsTabView:",
@@ -21,7 +21,7 @@ bool choosesView(std::string_view operation) {
     return std::ranges::find(operations, operation) != operations.end();
 }
 
-/// What of the control's content is a user's and would be saved; empty where nothing is.
+/// Returns the control's content that a user has entered and that would be saved; empty when there is none.
 std::string editOf(const platform::InterfaceNode& node) {
     const auto* control = modelOf<NSControl>(node);
     if (control == nullptr || choosesView(control->action().operation)) {
@@ -43,7 +43,7 @@ Edits editsBelow(const platform::InterfaceNode& page) {
     return edits;
 }
 
-/// The main window's pages with their titles; the drawer is one.
+/// Returns the main window's pages, including the drawer, with their titles.
 std::vector<std::pair<const platform::InterfaceNode*, std::string>>
 pagesOf(const platform::Interface& interface) {
     std::vector<std::pair<const platform::InterfaceNode*, std::string>> pages;
@@ -74,7 +74,7 @@ UnsavedEdits::UnsavedEdits(WindowActions& actions, RefreshQueue& queue) : action
     eventEnded_ = queue.eventEnded.connect([this] { forgetReplaced(); });
 }
 
-/// What another row was loaded into says nothing of what is typed there next.
+/// When another row is loaded into an editor, forgets what was saved there.
 void UnsavedEdits::forgetReplaced() {
     if (!saved_.empty()) {
         const Edits edits = editsBelow(actions_.interface().root());

@@ -52,7 +52,7 @@ bool takesRoom(const InterfaceNode& node, bool vertical) {
     });
 }
 
-/// Does the node only lay out what it holds?
+/// True when the node only lays out its children.
 bool isLayout(const InterfaceNode& node) {
     return isOneOf(node, {Kind::Column, Kind::Row, Kind::Grid});
 }
@@ -62,7 +62,7 @@ bool isFoot(const InterfaceNode& node) {
     return isYes(node, "foot");
 }
 
-/// Does the node only keep a cell of a grid?
+/// True when the node only fills a cell of a grid.
 bool isNothing(const InterfaceNode& node) {
     return node.kind == Kind::Label && node.attributes.empty();
 }
@@ -91,8 +91,7 @@ QWidget* WidgetBuilder::makePage(const InterfaceNode& node) {
 QWidget* WidgetBuilder::makeDrawer(const InterfaceNode& node, int windowWidth) {
     constexpr int usualWidth = 340;
     const int width = number(node, "width");
-    const int leastBeside =
-        windowWidth * 5 / 6; // a page can still be used at this part of its designed width
+    const int leastBeside = windowWidth * 5 / 6; // a page is still usable at this width
     const InterfaceNode& contents = *node.children.at(0);
     const auto foot =
         std::ranges::find_if(contents.children, [](const auto& child) { return isFoot(*child); });
@@ -173,14 +172,14 @@ QWidget* WidgetBuilder::makeLabel(const InterfaceNode& node) {
         font.setPointSizeF(font.pointSizeF() * 0.9);
         useInk(*label, Ink::Note);
         label->setWordWrap(true);
-        QSizePolicy besideControls(QSizePolicy::Ignored, QSizePolicy::Preferred); // which decide the width
+        QSizePolicy besideControls(QSizePolicy::Ignored, QSizePolicy::Preferred); // controls set the width
         besideControls.setHeightForWidth(true);
         label->setSizePolicy(besideControls);
     } else if (style == "warning") {
         useInk(*label, Ink::Warning);
         label->setWordWrap(true);
     } else {
-        label->setContentsMargins(0, 1, 0, 1); // some fonts draw the dots of a capital above their own height
+        label->setContentsMargins(0, 1, 0, 1); // some fonts draw dots of capitals above their height
     }
     label->setFont(font);
     if (auto* field = modelOf<NSTextField>(node)) {
@@ -352,13 +351,12 @@ void WidgetBuilder::fillGrid(QGridLayout& layout, const InterfaceNode& node) {
         }
         if (child.kind != Kind::Spacer && !isNothing(child)) {
             QWidget* widget = make(child);
-            if (besideHigh) { // its line is the first one's
+            if (besideHigh) { // align it with the first line
                 const int line = QCheckBox(QStringLiteral("X")).sizeHint().height();
                 widget->setContentsMargins(0, (line - widget->fontMetrics().height()) / 2, 0, 0);
             }
             layout.addWidget(widget, 2 * (cell / columns), column, alignment);
-            if (QLabel* note = makeProblemNote(
-                    *widget)) { // in the row below, which takes no room while the note is hidden
+            if (QLabel* note = makeProblemNote(*widget)) { // in the row below, empty while the note is hidden
                 layout.addWidget(note, 2 * (cell / columns) + 1, column);
             }
         }

@@ -31,7 +31,7 @@ class WidgetBuilder {
     [[nodiscard]] QWidget* makeDrawer(const platform::InterfaceNode& node, int windowWidth);
 
   private:
-    friend struct WidgetKinds; // which names what makes each kind
+    friend struct WidgetKinds; // names the function that makes each kind
 
     [[nodiscard]] QWidget* makeKind(const platform::InterfaceNode& node);
     [[nodiscard]] QWidget* makeBox(const platform::InterfaceNode& node);

@@ -30,7 +30,7 @@ void showProblem(const std::string& title, const std::string& text) {
     NSRunAlertPanel(title, "%@", NSLocalizedString("OK"), std::nullopt, std::nullopt, text);
 }
 
-/// What taking back would do, in the form in which every action is reviewed.
+/// Returns an undo as a plan, so that it is reviewed like any other action.
 review::Plan planOf(const review::UndoPlan& undo) {
     review::Plan plan;
     plan.operation = undo.title;
@@ -59,7 +59,7 @@ std::string_view textOf(const std::optional<std::string>& bytes) {
     return bytes ? std::string_view(*bytes) : std::string_view();
 }
 
-/// The runs with what their tools said, and the lines of smb.conf that went and came.
+/// Returns the runs with their outputs, and the removed and added lines of smb.conf.
 QString detailsOf(const review::HistoryEntry& entry) {
     QString text;
     for (const review::PastRun& run : entry.runs) {
@@ -81,7 +81,7 @@ QString detailsOf(const review::HistoryEntry& entry) {
     return text;
 }
 
-/// The entries, the newest first, and what the selected one did.
+/// Shows the entries, the newest first, and the details of the selected one.
 class HistoryDialog : public QDialog {
   public:
     HistoryDialog(const review::History& history, WindowHistory& owner, QWidget* parent)
@@ -144,7 +144,7 @@ class HistoryDialog : public QDialog {
     }
 
     const review::History& history_;
-    std::vector<review::HistoryEntry> entries_; ///< in the list's order
+    std::vector<review::HistoryEntry> entries_; ///< in the order of the list
     QTreeWidget* list_ = nullptr;
     QPlainTextEdit* details_ = nullptr;
     QPushButton* takeBack_ = nullptr;
@@ -159,7 +159,7 @@ WindowHistory::WindowHistory(const review::History& history, review::Reviewer& r
     QAction* first = menu.actions().isEmpty() ? nullptr : menu.actions().constFirst();
     undo_ = new QAction(localized("Undo"), this);
     undo_->setObjectName("undo");
-    undo_->setShortcut(QKeySequence::Undo); // in a field it is the field's own
+    undo_->setShortcut(QKeySequence::Undo); // a field that has the focus handles this key itself
     connect(undo_, &QAction::triggered, this, [this] { takeBack(std::nullopt, &window_); });
     auto* all = new QAction(localized("History…"), this);
     all->setObjectName("showHistory");
@@ -168,7 +168,7 @@ WindowHistory::WindowHistory(const review::History& history, review::Reviewer& r
     menu.insertAction(first, all);
     menu.insertSeparator(first);
     connect(&menu, &QMenu::aboutToShow, this, [this] { nameUndo(); });
-    // What its key would do is looked up when it is pressed.
+    // Keep it enabled: what its shortcut would do is determined when it is pressed.
     connect(&menu, &QMenu::aboutToHide, this, [this] { undo_->setEnabled(true); });
 }
 

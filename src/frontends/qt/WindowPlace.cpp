@@ -117,8 +117,7 @@ bool WindowPlace::eventFilter(QObject* watched, QEvent* event) {
         }
         break;
     case QEvent::Hide:
-        if (settled_.isActive() &&
-            platform::Host::currentIfAny() != nullptr) { // save the last change before going away
+        if (settled_.isActive() && platform::Host::currentIfAny() != nullptr) { // save the last change
             settled_.stop();
             remember();
         }

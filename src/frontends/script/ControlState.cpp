@@ -105,7 +105,7 @@ std::string describeAs(const platform::Element& element) {
     return describe(dynamic_cast<const Model&>(element));
 }
 
-/// What a script shows of the kinds of elements that have a model.
+/// How a script shows a kind of element that has a model.
 struct ShownKind {
     InterfaceKind kind;
     std::string (*describe)(const platform::Element& element);

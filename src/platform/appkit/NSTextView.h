@@ -3,8 +3,6 @@
 #include "platform/appkit/Element.h"
 #include "platform/appkit/RichText.h"
 
-#include <string>
-
 /// A read-only view of styled text inside a scroll view.
 class NSTextView : public platform::Element {
   public:

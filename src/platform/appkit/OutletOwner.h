@@ -4,7 +4,6 @@
 
 #include <functional>
 #include <string_view>
-#include <utility>
 #include <vector>
 
 namespace platform {

@@ -52,8 +52,8 @@ CLI::Option& addText(CLI::App& parser, const std::string& name, std::string& tex
 [[nodiscard]] CommandLineEnd complain(const CLI::App& parser, const std::string& fault);
 
 /// How many of `arguments` are options of the parser and their values: those before the first word that does
-/// not begin with "--". For a program whose further words may look like options, or are secrets, of which the
-/// parser would keep copies.
+/// not begin with "--". For a program whose other arguments may look like options, or are secrets that the
+/// parser must not copy.
 [[nodiscard]] std::size_t countLeadingOptions(const CLI::App& parser, std::span<char* const> arguments);
 
 } // namespace platform

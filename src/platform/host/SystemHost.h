@@ -2,7 +2,6 @@
 
 #include "platform/foundation/Services.h"
 #include "platform/host/SystemFiles.h"
-#include "platform/posix/Status.h"
 
 #include <memory>
 #include <string>

@@ -10,7 +10,6 @@
 #include <cstdint>
 #include <filesystem>
 #include <system_error>
-#include <utility>
 #include <vector>
 
 namespace platform {

@@ -3,7 +3,6 @@
 #include "platform/posix/ProcessTable.h"
 #include "platform/samba/InstalledSamba.h"
 
-#include <algorithm>
 #include <chrono>
 #include <csignal>
 #include <filesystem>

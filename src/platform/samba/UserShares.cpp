@@ -13,7 +13,6 @@
 #include <fcntl.h>
 #include <sys/fsuid.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
 namespace platform {
 

@@ -3,7 +3,6 @@
 #include "platform/appkit/Presenter.h"
 #include "platform/foundation/Host.h"
 
-#include <array>
 #include <memory>
 #include <utility>
 

@@ -2,7 +2,6 @@
 
 #include "platform/appkit/Presenter.h"
 #include "platform/foundation/Host.h"
-#include "platform/foundation/NSLog.h"
 #include "platform/security/HelperProtocol.h"
 
 #include <optional>

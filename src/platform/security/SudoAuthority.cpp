@@ -5,11 +5,11 @@
 #include "platform/foundation/Host.h"
 #include "platform/foundation/NSBundle.h"
 #include "platform/foundation/NSLog.h"
+#include "platform/posix/Process.h"
 #include "platform/posix/Secret.h"
 #include "platform/security/HelperFile.h"
 
 #include <algorithm>
-#include <array>
 #include <utility>
 
 #include <pwd.h>

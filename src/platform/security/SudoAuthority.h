@@ -1,6 +1,5 @@
 #pragma once
 
-#include "platform/posix/Process.h"
 #include "platform/security/HelperAuthority.h"
 
 #include <optional>
