@@ -56,7 +56,8 @@ void Rehearsal::perform(const std::function<void()>& action) {
 }
 
 bool Rehearsal::copyStates(const platform::InterfaceNode& from, const platform::InterfaceNode& to) {
-    if (from.kind != to.kind || from.children.size() != to.children.size()) {
+    if (from.kind != to.kind || from.children.size() != to.children.size() ||
+        (from.element == nullptr) != (to.element == nullptr)) {
         return false;
     }
     if (from.element) {
