@@ -252,8 +252,11 @@ TEST_F(Directory, LosesARecordWithAllThatStandsBelowIt) {
     };
     nicl({"-create", "/users/zoe"});
     const int before = recordCount();
-    for (const char* path : {"/users/ada", "/users/ada/info", "/users/ada/info/deep"}) {
-        nicl({"-create", path});
+    {
+        Store store(host.storeFile());
+        const Store::Record ada = store.addRecord(store.child(Store::root, "users").value(), "ada");
+        store.addRecord(store.addRecord(ada, "info"), "deep");
+        EXPECT_TRUE(store.commit().isOk());
     }
     EXPECT_EQ(recordCount(), before + 3);
     nicl({"-delete", "/users/ada"});
