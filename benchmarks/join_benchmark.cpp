@@ -5,8 +5,8 @@
 #include "FilledRoot.h"
 #include "TemporaryFolder.h"
 #include "app/BRController.h"
-#include "frontends/cli/SilentPresenter.h"
 #include "platform/appkit/Interface.h"
+#include "platform/appkit/SilentPresenter.h"
 #include "platform/foundation/Host.h"
 #include "platform/host/EmbeddedHost.h"
 #include "platform/host/EmbeddedRoot.h"
@@ -61,7 +61,7 @@ void writeRecords(const std::string& storeFile, std::int64_t count) {
 class Application {
   public:
     explicit Application(std::int64_t count) : host_(prepared(folder_.path(), count)) {
-        host_.setPresenter(std::make_shared<frontend::SilentPresenter>());
+        host_.setPresenter(std::make_shared<platform::SilentPresenter>());
         interface_ = std::move(*BRController::loadInterface());
         controller().startUp();
     }
@@ -96,7 +96,7 @@ void startUp(benchmark::State& state) {
     writeRecords(platform::EmbeddedRoot(folder.path().string()).storeFile(), count);
     for (auto _ : state) {
         platform::Host host(*platform::makeEmbeddedServices(optionsFor(folder.path().string())));
-        host.setPresenter(std::make_shared<frontend::SilentPresenter>());
+        host.setPresenter(std::make_shared<platform::SilentPresenter>());
         const auto interface = std::move(*BRController::loadInterface());
         static_cast<BRController*>(interface->owner())->startUp();
     }

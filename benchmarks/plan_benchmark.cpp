@@ -4,10 +4,10 @@
 #include "FilledRoot.h"
 #include "TemporaryFolder.h"
 #include "app/BRController.h"
-#include "frontends/cli/SilentPresenter.h"
 #include "platform/appkit/NSPopUpButton.h"
 #include "platform/appkit/NSTableView.h"
 #include "platform/appkit/NSTextField.h"
+#include "platform/appkit/SilentPresenter.h"
 #include "platform/foundation/Host.h"
 #include "platform/foundation/NSBundle.h"
 #include "review/Reviewer.h"
@@ -26,7 +26,7 @@ constexpr int shares = 1000;
 class Application {
   public:
     Application() : host_(services(folder_)) {
-        host_.setPresenter(std::make_shared<frontend::SilentPresenter>());
+        host_.setPresenter(std::make_shared<platform::SilentPresenter>());
         interface_ = std::move(*BRController::loadInterface());
         reviewer_ = std::make_unique<review::Reviewer>(*interface_);
         auto& controller = *static_cast<BRController*>(interface_->owner());

@@ -3,12 +3,12 @@
 // connected.
 
 #include "Fuzz.h"
-#include "frontends/cli/SilentPresenter.h"
 #include "platform/appkit/Interface.h"
 #include "platform/appkit/NSButton.h"
 #include "platform/appkit/NSTableView.h"
 #include "platform/appkit/NSTextField.h"
 #include "platform/appkit/ObjectClass.h"
+#include "platform/appkit/SilentPresenter.h"
 
 #include <algorithm>
 
@@ -22,7 +22,7 @@ struct Owner : platform::OutletOwner {
     void pressed(NSControl* /*sender*/) {}
 };
 
-class Presenter : public frontend::SilentPresenter {
+class Presenter : public platform::SilentPresenter {
   public:
     void interfaceDidLoad(platform::Interface& /*interface*/) override { ++loaded; }
 

@@ -80,18 +80,22 @@ TEST_F(AccountsTest, ProposesTheNextFreeIds) {
     for (const char* path : {"wheel", "staff", "admin", "hundred", "friends", "last"}) {
         nicl({"-delete", std::string("/groups/") + path});
     }
+    addGroup("only", "4");
+    send("getNextGID:");
+    EXPECT_EQ(app().gid->stringValue(), "101");
+    nicl({"-delete", "/groups/only"});
     addUser("highest", "4294967294");
     addGroup("highest", "4294967294");
     for (const char* kind : {"UID", "GID"}) {
         host.answerAlert(std::string(kind) + " Not Proposed", "OK");
         send(std::string("getNext") + kind + ":");
     }
-    EXPECT_EQ(app().uid->stringValue() + " " + app().gid->stringValue(), "2147483648 102");
+    EXPECT_EQ(app().uid->stringValue() + " " + app().gid->stringValue(), "2147483648 101");
     nicl({"-delete", "/groups/highest"});
     host.events.clear();
     send("getNextGID:");
     EXPECT_EQ(host.events, (Texts{"log No Groups found to update the GID", "beep"}));
-    EXPECT_EQ(app().gid->stringValue(), "102");
+    EXPECT_EQ(app().gid->stringValue(), "101");
 }
 
 TEST_F(AccountsTest, SystemAccountsAreHiddenUntilTheirBoxIsChecked) {

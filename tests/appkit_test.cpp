@@ -119,6 +119,10 @@ TEST_F(AppKit, APopUpSelectsByTitleTagAndIndexOrNothing) {
     menu.performSelect(2);
     menu.performSelect(9);
     EXPECT_EQ(sent, 2) << "choosing the selected item again counts; choosing a missing one does not";
+    menu.setEnabled(false);
+    menu.performSelect(0);
+    EXPECT_EQ(sent, 2);
+    EXPECT_EQ(menu.indexOfSelectedItem(), 2) << "nobody can choose from a disabled menu";
     menu.removeAllItems();
     EXPECT_EQ(menu.indexOfSelectedItem(), -1);
 }

@@ -3,7 +3,7 @@
 #include "frontends/OneWindow.h"
 #include "frontends/Options.h"
 #include "frontends/TableText.h"
-#include "frontends/cli/SilentPresenter.h"
+#include "platform/appkit/SilentPresenter.h"
 #include "platform/foundation/NSFileManager.h"
 #include "platform/posix/InputOutput.h"
 #include "support/AppFixture.h"
@@ -90,7 +90,7 @@ TEST(Options, ThatAreWrongAreNamed) {
 }
 
 TEST(SilentPresenter, PressesTheButtonThatChangesNothing) {
-    frontend::SilentPresenter presenter;
+    platform::SilentPresenter presenter;
     EXPECT_EQ(presenter.runAlert({"Update?", "", "Yes", "No", std::nullopt}),
               platform::AlertAnswer::Alternate);
     EXPECT_EQ(presenter.runAlert({"Failed", "", "OK", std::nullopt, std::nullopt}),

@@ -237,6 +237,33 @@ TEST_F(Directory, WithACycleOfParentsLosesNothingByADeletion) {
     EXPECT_EQ(record("/users/ada"), "name: ada\n");
 }
 
+TEST_F(Directory, LosesARecordWithAllThatStandsBelowIt) {
+    const auto recordCount = [this] {
+        sqlite3* database = nullptr;
+        sqlite3_stmt* statement = nullptr;
+        EXPECT_EQ(sqlite3_open(host.storeFile().c_str(), &database), SQLITE_OK);
+        EXPECT_EQ(sqlite3_prepare_v2(database, "SELECT count(*) FROM record", -1, &statement, nullptr),
+                  SQLITE_OK);
+        EXPECT_EQ(sqlite3_step(statement), SQLITE_ROW);
+        const int count = sqlite3_column_int(statement, 0);
+        sqlite3_finalize(statement);
+        sqlite3_close(database);
+        return count;
+    };
+    nicl({"-create", "/users/zoe"});
+    const int before = recordCount();
+    {
+        Store store(host.storeFile());
+        const Store::Record ada = store.addRecord(store.child(Store::root, "users").value(), "ada");
+        store.addRecord(store.addRecord(ada, "info"), "deep");
+        EXPECT_TRUE(store.commit().isOk());
+    }
+    EXPECT_EQ(recordCount(), before + 3);
+    nicl({"-delete", "/users/ada"});
+    EXPECT_EQ(recordCount(), before);
+    EXPECT_EQ(record("/users/zoe"), "name: zoe\n");
+}
+
 TEST_F(Directory, SaysWhichKindOfThingIsMissing) {
     const Domain domain = openLocal();
     ni_id id;

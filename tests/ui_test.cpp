@@ -54,8 +54,11 @@ TEST(KWIntegerFormatter, AcceptsOnlyDigitsWhetherTypedOrPasted) {
                  {"", {0, 0}, "\u0661\u0662", 2, ""}, // Arabic digits
                  {"", {0, 0}, "\u00bd", 1, refusal},
                  {"\U0001d7d9", {2, 0}, "\U0001d7d9x", 3, refusal}, // a digit of two UTF-16 units
-                 // Only what is typed is checked, not the program's text.
-                 {"n/a", {3, 0}, "n/a5", 4, ""}});
+                 {"123", {1, 1}, "1x3", 2, refusal},
+                 // Only what is typed is checked, not the program's text before or after it.
+                 {"n/a", {3, 0}, "n/a5", 4, ""},
+                 {"n/a", {0, 0}, "5n/a", 1, ""},
+                 {"5n/a", {2, 0}, "5/a", 1, ""}});
     EXPECT_EQ(host.beeps, 0) << "the controller beeps, not the formatter";
 }
 

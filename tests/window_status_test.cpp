@@ -245,7 +245,7 @@ TEST_F(WindowStatusTest, AnActionWithSeveralRunsPerObjectStopsBetweenTwoObjects)
     RunProgress running([] { return nullptr; }, activity, queue);
     std::vector<bool> stops;
     running.setStop([&stops](bool madeStill) { stops.push_back(madeStill); });
-    running.begin(100, RunProgress::stopsOf("updateSharesFor10pt2:"));
+    running.begin(100, review::stopsOf("updateSharesFor10pt2:"));
     const std::vector<std::string> first = {".", "-create", "/config/Brindle/Docs"};
     const std::vector<std::string> second = {".", "-delete", "/config/Brindle/Films"};
     EXPECT_TRUE(running.toolWillRun("/usr/bin/nicl", first));

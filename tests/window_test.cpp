@@ -85,6 +85,58 @@ TEST_F(Window, PastedOrDroppedTextEntersWithoutItsControlCharacters) {
     }
 }
 
+TEST_F(Window, TextFromAnInputMethodBecomesOneLineWithoutControlCharacters) {
+    show();
+    desk.number->setFormatter(nullptr);
+    QLineEdit* edit = numberEdit();
+    edit->setFocus();
+    QInputMethodEvent event;
+    event.setCommitString("a\r\nb\x01\tc\x1B");
+    QApplication::sendEvent(edit, &event);
+    EXPECT_EQ(desk.number->stringValue(), "a b\tc");
+    EXPECT_EQ(edit->text().toStdString(), desk.number->stringValue());
+    EXPECT_EQ(edit->cursorPosition(), 5);
+    EXPECT_EQ(desk.told, Told{"typed a b\tc"});
+}
+
+TEST_F(Window, AFieldThatOnlyShowsItsTextTakesNoDrop) {
+    show();
+    desk.number->setStringValue("12");
+    desk.number->setEditable(false);
+    QApplication::processEvents();
+    dropOnto(*numberEdit(), "5");
+    EXPECT_EQ(desk.number->stringValue(), "12");
+    EXPECT_EQ(numberEdit()->text(), "12");
+    EXPECT_EQ(desk.told, Told{});
+}
+
+TEST_F(Window, AFieldsFormatterIsToldWhatWasSelectedAndWhereTheCaretWillBe) {
+    struct Ranges : NSFormatter {
+        bool isPartialStringValid(std::string&, NSRange& caret, const std::string&, NSRange selected,
+                                  std::string&) override {
+            told.push_back({selected.location, selected.length, caret.location, caret.length});
+            return true;
+        }
+
+        std::vector<std::array<std::size_t, 4>> told;
+    };
+
+    show();
+    const auto ranges = std::make_shared<Ranges>();
+    desk.number->setFormatter(ranges);
+    desk.number->setStringValue("12345");
+    QApplication::processEvents();
+    QLineEdit* edit = numberEdit();
+    edit->setFocus();
+    edit->setSelection(4, -3); // from right to left
+    QTest::keyClick(edit, 'x');
+    QTest::keyClick(edit, 'y');
+    QTest::keyClick(edit, Qt::Key_Backspace);
+    EXPECT_EQ(ranges->told,
+              (std::vector<std::array<std::size_t, 4>>{{1, 3, 2, 0}, {2, 0, 3, 0}, {3, 0, 2, 0}}));
+    EXPECT_EQ(edit->text(), "1x5");
+}
+
 TEST_F(Window, TextFromTheProgramIsShownUncheckedAndIsNoEdit) {
     show();
     desk.number->setStringValue("-2");
@@ -134,6 +186,11 @@ TEST_F(Window, APopUpCountsTheSameChoiceAgainAndFollowsTypedLetters) {
     combo->showPopup();
     QTest::keyClick(combo->view(), Qt::Key_Return);
     EXPECT_EQ(desk.told, (Told{"chose Banana", "chose Banana"}));
+    desk.popUp->setEnabled(false);
+    QApplication::processEvents();
+    QTest::keyClick(combo, 'c');
+    EXPECT_FALSE(combo->isEnabled());
+    EXPECT_EQ(combo->currentText(), "Banana");
     desk.popUp->removeAllItems();
     QApplication::processEvents();
     EXPECT_EQ(combo->currentIndex(), -1);
@@ -176,6 +233,18 @@ TEST_F(Window, ATableAsksOnlyForTheCellsThatItDraws) {
     EXPECT_LT(desk.cellsAsked, 1000);
 }
 
+TEST_F(Window, AToolTipShowsMarkupInDataAsPlainText) {
+    show();
+    desk.rows = 1;
+    desk.cell = "<b>Films</b> & <i>more</i>";
+    desk.table->reloadData();
+    QApplication::processEvents();
+    const auto* model = widget<QTableView>("table")->model();
+    QTextDocument tip; // reads what a tip reads
+    tip.setHtml(model->data(model->index(0, 0), Qt::ToolTipRole).toString());
+    EXPECT_EQ(tip.toPlainText().toStdString(), desk.cell);
+}
+
 TEST_F(Window, SelectingRowsNotifiesOnceWhoeverDoesIt) {
     show();
     desk.rows = 5;
@@ -189,6 +258,10 @@ TEST_F(Window, SelectingRowsNotifiesOnceWhoeverDoesIt) {
     click(1, Qt::NoModifier);
     click(3, Qt::ControlModifier);
     EXPECT_EQ(desk.told, (Told{"selected 1", "selected 1 3"}));
+    click(1, Qt::NoModifier);
+    click(3, Qt::ShiftModifier);
+    EXPECT_EQ(desk.told.back(), "selected 1 2 3");
+    desk.told.resize(2);
     desk.table->selectRow(4);
     QApplication::processEvents();
     EXPECT_EQ(desk.told.size(), 3U);

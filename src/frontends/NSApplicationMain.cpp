@@ -188,7 +188,7 @@ Status printTable(const Options& options) {
     }
     services->languages = {"English"}; // programs that read the table expect its words
     Application application(std::move(*services));
-    application.setPresenter(std::make_shared<frontend::SilentPresenter>());
+    application.setPresenter(std::make_shared<platform::SilentPresenter>());
     tellWhatIsMissing();
     if (Status status = application.load(); !status.isOk()) {
         return status;

@@ -23,7 +23,6 @@ DirectoryView::DirectoryView(std::shared_ptr<const platform::LocalDomain> domain
 
 DirectoryView::~DirectoryView() = default;
 DirectoryView::DirectoryView(DirectoryView&& other) noexcept = default;
-DirectoryView& DirectoryView::operator=(DirectoryView&& other) noexcept = default;
 
 DirectoryView::Domain* DirectoryView::open() const {
     if (!domain_) {

@@ -20,7 +20,6 @@ class DirectoryView {
     explicit DirectoryView(std::shared_ptr<const platform::LocalDomain> domain);
     ~DirectoryView();
     DirectoryView(DirectoryView&& other) noexcept;
-    DirectoryView& operator=(DirectoryView&& other) noexcept;
 
     /// False when the directory cannot be read, so that a missing record may in fact exist.
     [[nodiscard]] bool isReadable() const;

@@ -3,6 +3,7 @@
 #include "app/BRController.h"
 #include "platform/appkit/Interface.h"
 #include "platform/foundation/Host.h"
+#include "platform/posix/Status.h"
 #include "review/Plan.h"
 #include "review/WorkingCopy.h"
 
@@ -17,9 +18,10 @@ namespace review {
 /// long as this object lives.
 class Rehearsal {
   public:
-    /// `original` is the main interface of the current host; alerts and runs are recorded in `*plan`. Throws
-    /// when the interface file has changed since it was loaded.
-    Rehearsal(const platform::Interface& original, const std::shared_ptr<WorkingCopy>& copy, Plan* plan);
+    /// `original` is the main interface of the current host; alerts and runs are recorded in `*plan`. Fails
+    /// when the interface file has changed since it was loaded, as by a new version of Brindle.
+    [[nodiscard]] static platform::Result<std::unique_ptr<Rehearsal>>
+    make(const platform::Interface& original, const std::shared_ptr<WorkingCopy>& copy, Plan* plan);
     ~Rehearsal();
     Rehearsal(const Rehearsal&) = delete;
     Rehearsal& operator=(const Rehearsal&) = delete;
@@ -27,13 +29,15 @@ class Rehearsal {
     [[nodiscard]] BRController& controller() const;
     /// The copy of a control of the main interface; null for any other control.
     [[nodiscard]] NSControl* copyOf(const NSControl& original) const;
-    [[nodiscard]] NSControl* findWiredTo(const std::string& operation) const;
 
     /// Performs an action as one event.
     void perform(const std::function<void()>& action);
 
   private:
-    void copyStates(const platform::InterfaceNode& from, const platform::InterfaceNode& to);
+    Rehearsal() = default;
+
+    /// False when the two trees differ.
+    [[nodiscard]] bool copyStates(const platform::InterfaceNode& from, const platform::InterfaceNode& to);
 
     std::unique_ptr<platform::Host> host_;
     std::unique_ptr<platform::Interface> interface_;

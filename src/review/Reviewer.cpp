@@ -12,40 +12,17 @@
 #include "platform/netinfo/StoreWait.h"
 #include "privileged/NiutilTask.h"
 #include "review/DirectoryView.h"
+#include "review/Operations.h"
 #include "review/Planner.h"
 #include "review/ServerReading.h"
 
 #include <algorithm>
-#include <array>
 #include <string_view>
 #include <utility>
 
 namespace review {
 
 namespace {
-
-constexpr std::array<std::string_view, 17> writingOperations = {"createShare:",
-                                                                "deleteShare:",
-                                                                "deleteAllShares:",
-                                                                "updateSharesFor10pt2:",
-                                                                "addNewUser:",
-                                                                "addNewGroup:",
-                                                                "deleteSelectedUser:",
-                                                                "deleteSelectedGroup:",
-                                                                "addUserToGroup:",
-                                                                "removeUserFromGroup:",
-                                                                "setPassword:",
-                                                                "enableSelectedPublicShare:",
-                                                                "disableSelectedPublicShare:",
-                                                                "enableAllPublicShares:",
-                                                                "disableAllPublicShares:",
-                                                                "updateAFSProperties:",
-                                                                "updateSMBProperties:"};
-
-/// Deleting may always be tried.
-bool isDeleting(std::string_view operation) {
-    return operation.starts_with("delete") || operation == "removeUserFromGroup:";
-}
 
 /// This operation asks a server on the network, which a plan must not do, and changes nothing.
 constexpr std::string_view networkOperation = "checkForNewVersion:";
@@ -99,7 +76,7 @@ Reviewer::~Reviewer() {
 }
 
 bool Reviewer::isWriting(const std::string& operation) {
-    return std::ranges::find(writingOperations, operation) != writingOperations.end();
+    return findWritingOperation(operation) != nullptr;
 }
 
 BRController& Reviewer::controller() const {
@@ -236,11 +213,13 @@ bool Reviewer::askAboutWarnings(const Plan& plan) {
 }
 
 bool Reviewer::mayPerform(const NSControl& sender) const {
-    if (!isWriting(sender.action().operation)) {
+    const WritingOperation* operation = findWritingOperation(sender.action().operation);
+    if (operation == nullptr) {
         return true;
     }
     Plan plan = question_ ? planAction(sender) : planSteps(sender);
-    if (plan.lacksDirectory && refusesWithoutDirectory_ && !isDeleting(plan.operation)) {
+    // Deleting may always be tried.
+    if (plan.lacksDirectory && refusesWithoutDirectory_ && !operation->removes) {
         plan.blocks.push_back({"directory", plan.failure});
     }
     if (!plan.blocks.empty()) {

@@ -31,12 +31,14 @@
 #include <QTabBar>
 #include <QTableView>
 #include <QTest>
+#include <QTextDocument>
 #include <QTimer>
 #include <QToolTip>
 #include <QWindow>
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <filesystem>
 #include <memory>
 #include <string>
@@ -91,6 +93,7 @@ struct Desk : platform::OutletOwner,
     NSWindow* panel = outlet("panel", panel);
     int rows = 0;
     int cellsAsked = 0;
+    std::string cell; ///< what each cell shows; empty: its column and row
     std::vector<std::string> told;
 
     void typed(NSControl*) { told.push_back("typed " + number->stringValue()); }
@@ -112,7 +115,7 @@ struct Desk : platform::OutletOwner,
     std::string tableViewObjectValueForTableColumn(NSTableView*, const NSTableColumn& column,
                                                    int row) override {
         ++cellsAsked;
-        return column.identifier + std::to_string(row);
+        return cell.empty() ? column.identifier + std::to_string(row) : cell;
     }
 
     void tableViewSelectionDidChange(NSTableView* changed) override {

@@ -3,8 +3,10 @@
 #include <CLI/CLI.hpp>
 
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 
 namespace frontend {
 
@@ -45,6 +47,32 @@ CLI::App* addNoun(CLI::App& parser, const std::string& name, const std::string& 
 /// parser.
 CLI::App* addCommand(CLI::App& parent, CommandOptions& options, const std::string& name, CommandKind kind,
                      const std::string& description, std::function<void(CommandRun&)> carryOut);
+
+/// Adds the commands of a noun that are about one thing. Each takes its NAME into `given`, and is carried out
+/// with it.
+template <class Given>
+class NamedCommands {
+  public:
+    /// `whatItNames` explains NAME. `noun` and `options` must outlive this object.
+    NamedCommands(CLI::App& noun, CommandOptions& options, std::shared_ptr<Given> given,
+                  const char* whatItNames)
+        : noun_(noun), options_(options), given_(std::move(given)), whatItNames_(whatItNames) {}
+
+    CLI::App* add(const std::string& name, CommandKind kind, const std::string& description,
+                  void (*carryOut)(CommandRun& run, const Given& given)) const {
+        CLI::App* const command =
+            addCommand(noun_, options_, name, kind, description,
+                       [given = given_, carryOut](CommandRun& run) { carryOut(run, *given); });
+        command->add_option("NAME", given_->name, whatItNames_)->required();
+        return command;
+    }
+
+  private:
+    CLI::App& noun_;
+    CommandOptions& options_;
+    std::shared_ptr<Given> given_;
+    const char* whatItNames_;
+};
 
 /// Adds the two flags --NAME and --no-NAME, which turn something on or off; with neither, `state` stays
 /// empty.

@@ -25,7 +25,7 @@ bool CommandPresenter::isConfirmed(const platform::Alert& alert) {
 
 platform::AlertAnswer CommandPresenter::runAlert(const platform::Alert& alert) {
     if (!hasBegun_) {
-        return SilentPresenter::runAlert(alert);
+        return platform::SilentPresenter::runAlert(alert);
     }
     if (!alert.alternateButton) {
         faults_.push_back(alert.title + ": " + alert.message);

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "frontends/cli/SilentPresenter.h"
 #include "platform/appkit/Interface.h"
+#include "platform/appkit/SilentPresenter.h"
 
 #include <optional>
 #include <string>
@@ -12,7 +12,7 @@ namespace frontend {
 /// The front-end of a command. It suppresses the questions of the start-up. From begin() on, a question is
 /// answered by --yes or at the terminal, or else it ends the command. An alert that asks nothing is the
 /// reason why the command failed.
-class CommandPresenter : public SilentPresenter {
+class CommandPresenter : public platform::SilentPresenter {
   public:
     explicit CommandPresenter(bool saysYes) : saysYes_(saysYes) {}
 

@@ -93,6 +93,15 @@ int CommandRun::rowOf(const std::string& table, const std::string& column, const
     return -1;
 }
 
+int CommandRun::requireRow(const std::string& table, const std::string& column, const std::string& value,
+                           const char* complaint) const {
+    const int row = rowOf(table, column, value);
+    if (row < 0) {
+        fail(stringWithFormat(NSLocalizedString(complaint), value));
+    }
+    return row;
+}
+
 void CommandRun::selectRows(const std::string& table, std::vector<int> rows) {
     perform([&] { control<NSTableView>(table).selectRows(std::move(rows)); });
 }

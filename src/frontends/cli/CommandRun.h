@@ -52,6 +52,9 @@ class CommandRun {
     /// Returns the first row whose column holds `value`; -1 when there is none.
     [[nodiscard]] int rowOf(const std::string& table, const std::string& column,
                             const std::string& value) const;
+    /// The same, and ends the command with the complaint, which names the value, when there is none.
+    [[nodiscard]] int requireRow(const std::string& table, const std::string& column,
+                                 const std::string& value, const char* complaint) const;
     void selectRows(const std::string& table, std::vector<int> rows);
     void type(const std::string& field, const std::string& text);
     void select(const std::string& popUp, int index);

@@ -78,11 +78,7 @@ void list(CommandRun& run) {
 }
 
 int requireRow(const CommandRun& run, const std::string& name) {
-    const int row = run.rowOf(table, "ShareName", name);
-    if (row < 0) {
-        CommandRun::fail(stringWithFormat(NSLocalizedString("there is no share \"%@\""), name));
-    }
-    return row;
+    return run.requireRow(table, "ShareName", name, "there is no share \"%@\"");
 }
 
 /// Adds the share to the output, with the values that only the editor shows.
@@ -184,13 +180,9 @@ void remove(CommandRun& run, const ShareOptions& options) {
 void addShareCommands(CLI::App& parser, CommandOptions& options) {
     CLI::App* const shares = addNoun(parser, "shares", "Folders that this computer shares");
     const auto given = std::make_shared<ShareOptions>();
-    const auto addName = [&](CLI::App* command) {
-        command->add_option("NAME", given->name, "The share's name")->required();
-        return command;
-    };
+    const NamedCommands named(*shares, options, given, "The share's name");
     addCommand(*shares, options, "list", CommandKind::Reading, "List all shares", list);
-    addName(addCommand(*shares, options, "show", CommandKind::Reading, "Show a share",
-                       [given](CommandRun& run) { show(run, *given); }));
+    named.add("show", CommandKind::Reading, "Show a share", show);
     const auto addFields = [&](CLI::App* command) {
         command->add_option("--owner", given->owner, "The folder's owner")->type_name("USER");
         command->add_option("--group", given->group, "The folder's group")->type_name("GROUP");
@@ -205,18 +197,14 @@ void addShareCommands(CLI::App& parser, CommandOptions& options) {
         addSwitch(*command, "smb", given->smb, "Publish it over SMB");
         addSwitch(*command, "afp", given->afp, "Publish it over AFP");
     };
-    CLI::App* const adding =
-        addName(addCommand(*shares, options, "add", CommandKind::Writing, "Share a folder",
-                           [given](CommandRun& run) { add(run, *given); }));
+    CLI::App* const adding = named.add("add", CommandKind::Writing, "Share a folder",
+                                       [](CommandRun& run, const ShareOptions& share) { add(run, share); });
     adding->add_option("FOLDER", given->folder, "The folder")->required();
     addFields(adding);
-    CLI::App* const setting =
-        addName(addCommand(*shares, options, "set", CommandKind::Writing, "Change a share",
-                           [given](CommandRun& run) { set(run, *given); }));
+    CLI::App* const setting = named.add("set", CommandKind::Writing, "Change a share", set);
     setting->add_option("--folder", given->folder, "The folder")->type_name("FOLDER");
     addFields(setting);
-    addName(addCommand(*shares, options, "remove", CommandKind::Writing, "Stop sharing; the folder stays",
-                       [given](CommandRun& run) { remove(run, *given); }));
+    named.add("remove", CommandKind::Writing, "Stop sharing; the folder stays", remove);
 }
 
 } // namespace frontend

@@ -64,11 +64,7 @@ void list(CommandRun& run) {
 }
 
 int requireRow(const CommandRun& run, const std::string& name) {
-    const int row = run.rowOf(table, "User", name);
-    if (row < 0) {
-        CommandRun::fail(stringWithFormat(NSLocalizedString("there is no user \"%@\""), name));
-    }
-    return row;
+    return run.requireRow(table, "User", name, "there is no user \"%@\"");
 }
 
 void describe(CommandRun& run, const std::string& name) {
@@ -182,13 +178,7 @@ void setPassword(CommandRun& run, const UserOptions& options) {
 void addUserCommands(CLI::App& parser, CommandOptions& options) {
     CLI::App* const users = addNoun(parser, "users", "Users, and their passwords for shares");
     const auto given = std::make_shared<UserOptions>();
-    const auto addNamed = [&](const char* name, CommandKind kind, const char* description,
-                              void (*carryOut)(CommandRun&, const UserOptions&)) {
-        CLI::App* const command = addCommand(*users, options, name, kind, description,
-                                             [given, carryOut](CommandRun& run) { carryOut(run, *given); });
-        command->add_option("NAME", given->name, "The user's short name")->required();
-        return command;
-    };
+    const NamedCommands named(*users, options, given, "The user's short name");
     const auto addFields = [&](CLI::App* command) {
         command->add_option("--full-name", given->fullName, "The full name")->type_name("TEXT");
         command->add_option("--uid", given->uid, "The user's number, or next for the one after the highest")
@@ -198,16 +188,16 @@ void addUserCommands(CLI::App& parser, CommandOptions& options) {
     };
     addCommand(*users, options, "list", CommandKind::Reading, "List all users", list)
         ->parse_complete_callback([&options] { options.needsApplication = false; });
-    addNamed("show", CommandKind::Reading, "Show a user", show);
+    named.add("show", CommandKind::Reading, "Show a user", show);
     CLI::App* const adding =
-        addNamed("add", CommandKind::Writing, "Add a user who can connect to shares only",
-                 [](CommandRun& run, const UserOptions& user) { add(run, user); });
+        named.add("add", CommandKind::Writing, "Add a user who can connect to shares only",
+                  [](CommandRun& run, const UserOptions& user) { add(run, user); });
     addFields(adding);
     given->password.addTo(*adding);
     adding->add_flag("--no-password", given->hasNoPassword, "Set no password; the user cannot connect yet");
-    addFields(addNamed("set", CommandKind::Writing, "Change a user", set));
-    addNamed("remove", CommandKind::Writing, "Delete a user", remove);
-    given->password.addTo(*addNamed("password", CommandKind::Writing, "Set a user's password", setPassword));
+    addFields(named.add("set", CommandKind::Writing, "Change a user", set));
+    named.add("remove", CommandKind::Writing, "Delete a user", remove);
+    given->password.addTo(*named.add("password", CommandKind::Writing, "Set a user's password", setPassword));
 }
 
 } // namespace frontend

@@ -1,9 +1,14 @@
 #pragma once
 
+#include "review/TextDifference.h"
+
 #include <QDialogButtonBox>
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QTreeWidget>
+
+#include <string>
+#include <vector>
 
 // Parts that the dialogs for reading have in common. The caller owns each part, and puts it into a layout.
 
@@ -20,3 +25,9 @@
 
 /// Adds another button to that row.
 QPushButton* addButton(QDialogButtonBox& buttons, const QString& title);
+
+/// Returns a line with the run as a person would type it.
+[[nodiscard]] QString runLine(const std::string& tool, const std::vector<std::string>& arguments);
+
+/// Returns the lines that a file loses and gains, with "- " or "+ " before each.
+[[nodiscard]] QString changedLines(const std::vector<review::LineChange>& changes);

@@ -145,7 +145,7 @@ AlertAnswer QtPresenter::askAboutMigration(const platform::Alert& alert) const {
 
 void QtPresenter::beginProgress(const std::string& operation, std::size_t runs) const {
     if (progress_ && asks()) {
-        progress_->begin(runs, RunProgress::stopsOf(operation));
+        progress_->begin(runs, review::stopsOf(operation));
     }
 }
 

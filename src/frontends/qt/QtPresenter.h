@@ -64,9 +64,6 @@ class QtPresenter : public platform::Presenter {
 
     [[nodiscard]] RefreshQueue& queue() const { return *queue_; }
 
-    /// The dialog that shows that Brindle waits for another program; null in a silent run. Shared with this.
-    [[nodiscard]] std::shared_ptr<platform::Patience> patience() const { return patience_; }
-
     /// The reviewer given to useReviewer; null before.
     [[nodiscard]] const review::Reviewer* reviewer() const { return reviewer_; }
 
@@ -89,7 +86,8 @@ class QtPresenter : public platform::Presenter {
     QtFrontend::Manner manner_;
     std::unique_ptr<RefreshQueue> queue_; ///< null after closeAll
     std::unique_ptr<FrameTimers> timers_;
-    std::shared_ptr<platform::Patience> patience_;
+    std::shared_ptr<platform::Patience>
+        patience_; ///< shows that another program is waited for; null where nobody is asked anything
     std::vector<platform::Interface*> interfaces_;
     std::vector<std::unique_ptr<WindowActions>> actions_; ///< one per interface; outlive the views
     std::optional<std::string> panelAnswer_; ///< the result of the next open panel, which is then not shown

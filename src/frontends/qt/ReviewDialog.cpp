@@ -1,6 +1,7 @@
 #include "frontends/qt/ReviewDialog.h"
 
 #include "frontends/qt/Binding.h"
+#include "frontends/qt/DialogParts.h"
 #include "frontends/qt/Inks.h"
 #include "frontends/qt/ScreenRoom.h"
 #include "platform/foundation/NSBundle.h"
@@ -57,19 +58,12 @@ QLabel* sentenceList(const std::vector<std::string>& sentences, const char* elem
 QString detailsOf(const review::Plan& plan) {
     QString text;
     for (const review::PlannedRun& run : plan.runs) {
-        text += shown(run.tool);
-        for (const std::string& argument : run.arguments) {
-            text += QLatin1Char(' ') + shown(argument);
-        }
-        text += QLatin1Char('\n');
+        text += runLine(run.tool, run.arguments);
     }
     if (!plan.smbConfLines.empty()) {
         text += QLatin1String("\n/etc/smb.conf\n");
     }
-    for (const review::LineChange& line : plan.smbConfLines) {
-        const bool goes = line.kind == review::LineChange::Kind::Goes;
-        text += QLatin1String(goes ? "- " : "+ ") + shown(line.line) + QLatin1Char('\n');
-    }
+    text += changedLines(plan.smbConfLines);
     for (const review::SettingChange& setting : plan.afpSettings) {
         text += shown(setting.key + ": \"" + setting.before + "\" -> \"" + setting.after + "\"\n");
     }

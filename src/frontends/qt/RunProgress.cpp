@@ -73,16 +73,6 @@ class RunProgress::Dialog : public QDialog {
     bool canStop_;
 };
 
-RunProgress::Stops RunProgress::stopsOf(const std::string& operation) {
-    static constexpr std::array<std::string_view, 5> forMany = {
-        "enableAllPublicShares:", "disableAllPublicShares:", "deleteAllShares:", "addUserToGroup:",
-        "removeUserFromGroup:"};
-    if (operation == "updateSharesFor10pt2:") {
-        return Stops::AfterObject;
-    }
-    return std::ranges::find(forMany, operation) == forMany.end() ? Stops::Nowhere : Stops::AfterRun;
-}
-
 RunProgress::RunProgress(std::function<QWidget*()> parent, Activity& activity, RefreshQueue& queue)
     : parent_(std::move(parent)), activity_(activity), queue_(queue) {
     eventEnded_ = queue.eventEnded.connect([this] { end(); });
@@ -90,7 +80,7 @@ RunProgress::RunProgress(std::function<QWidget*()> parent, Activity& activity, R
 
 RunProgress::~RunProgress() = default;
 
-void RunProgress::begin(std::size_t runs, Stops stops) {
+void RunProgress::begin(std::size_t runs, review::Stops stops) {
     runs_ = runs > fewRuns ? runs : 0;
     stops_ = stops;
     done_ = 0;
@@ -138,7 +128,7 @@ bool RunProgress::toolWillRun(const std::string& tool, std::span<const std::stri
 }
 
 void RunProgress::show() {
-    const bool canStop = stop_ && stops_ != Stops::Nowhere;
+    const bool canStop = stop_ && stops_ != review::Stops::Nowhere;
     dialog_ = std::make_unique<Dialog>(parent_(), canStop);
     dialog_->setObjectName("progress");
     dialog_->setWindowTitle(localized("Making Changes"));
@@ -173,7 +163,7 @@ void RunProgress::stop() {
     if (runs_ == 0 || stopsSoon_) {
         return; // once is enough
     }
-    if (stops_ == Stops::AfterRun) {
+    if (stops_ == review::Stops::AfterRun) {
         stopNow(true);
     } else {
         stopsSoon_ = true;

@@ -2,6 +2,7 @@
 
 #include "frontends/qt/Activity.h"
 #include "frontends/qt/Binding.h"
+#include "review/Operations.h"
 
 #include <QElapsedTimer>
 
@@ -20,16 +21,6 @@ class QWidget;
 /// gets a button that stops it between two objects: leaving one half done would be worse than waiting.
 class RunProgress {
   public:
-    /// Where an action can be stopped.
-    enum class Stops {
-        Nowhere,
-        AfterRun,   ///< each run is for another object
-        AfterObject ///< several consecutive runs are for one object
-    };
-
-    /// Returns where the action of that operation can be stopped.
-    [[nodiscard]] static Stops stopsOf(const std::string& operation);
-
     /// `parent` returns the widget to show the dialog over. `activity` and `queue` must outlive this object.
     RunProgress(std::function<QWidget*()> parent, Activity& activity, RefreshQueue& queue);
     ~RunProgress();
@@ -41,7 +32,7 @@ class RunProgress {
     void setStop(std::function<void(bool madeStill)> stop) { stop_ = std::move(stop); }
 
     /// Says that an action of that many runs is about to begin.
-    void begin(std::size_t runs, Stops stops);
+    void begin(std::size_t runs, review::Stops stops);
     /// Says that a run of it is about to begin. Returns false when the user has stopped the action: the run
     /// is then not made.
     bool toolWillRun(const std::string& tool, std::span<const std::string> arguments);
@@ -68,7 +59,7 @@ class RunProgress {
     QElapsedTimer sinceShown_;
     std::size_t runs_ = 0; ///< of the current action; 0 when there is none that needs progress
     std::size_t done_ = 0; ///< including the one that was announced
-    Stops stops_ = Stops::Nowhere;
+    review::Stops stops_ = review::Stops::Nowhere;
     std::string object_; ///< the object of the last run
     bool stopsSoon_ = false;
     bool isStopped_ = false;

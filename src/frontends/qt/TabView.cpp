@@ -59,12 +59,6 @@ void TabView::build(int page) {
     }
 }
 
-void TabView::buildAll() {
-    for (int page = 0; page < static_cast<int>(pages_.size()); ++page) {
-        build(page);
-    }
-}
-
 void TabView::showEvent(QShowEvent* event) {
     QWidget::showEvent(event);
     // Let the visible page be painted first.

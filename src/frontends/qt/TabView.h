@@ -19,9 +19,6 @@ class TabView : public QWidget {
 
     TabView(NSTabView& tabView, std::vector<MakePage> pages, RefreshQueue& queue);
 
-    /// Builds the pages that are not built yet.
-    void buildAll();
-
     /// The visible page.
     [[nodiscard]] const QWidget& currentPage() const { return *stack_->currentWidget(); }
 

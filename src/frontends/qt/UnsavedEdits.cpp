@@ -1,11 +1,9 @@
 #include "frontends/qt/UnsavedEdits.h"
 
 #include "frontends/qt/NodeAttributes.h"
-#include "platform/appkit/NSButton.h"
-#include "platform/appkit/NSMatrix.h"
-#include "platform/appkit/NSPopUpButton.h"
-#include "platform/appkit/NSTextField.h"
+#include "platform/appkit/NSControl.h"
 #include "platform/foundation/NSBundle.h"
+#include "review/Operations.h"
 
 #include <algorithm>
 #include <array>
@@ -23,35 +21,14 @@ bool choosesView(std::string_view operation) {
     return std::ranges::find(operations, operation) != operations.end();
 }
 
-/// True for an operation that saves its whole page.
-bool savesForm(std::string_view operation) {
-    static constexpr std::array<std::string_view, 5> operations = {
-        "createShare:", "addNewUser:", "addNewGroup:", "updateAFSProperties:", "updateSMBProperties:"};
-    return std::ranges::find(operations, operation) != operations.end();
-}
-
 /// Returns the control's content that a user has entered and that would be saved; empty when there is none.
 std::string editOf(const platform::InterfaceNode& node) {
-    std::string edit;
-    if (const auto* matrix = modelOf<NSMatrix>(node)) {
-        for (int row = 0; row < matrix->numberOfRows(); ++row) {
-            for (int column = 0; column < matrix->numberOfColumns(); ++column) {
-                edit += matrix->isEditedAt(row, column) ? std::to_string(matrix->stateAt(row, column)) : "";
-            }
-        }
-        return edit;
-    }
     const auto* control = modelOf<NSControl>(node);
-    if (control == nullptr || !control->isEdited() || choosesView(control->action().operation)) {
-        return edit;
+    if (control == nullptr || choosesView(control->action().operation)) {
+        return {};
     }
-    const auto* field = modelOf<NSTextField>(node);
-    const auto* box = modelOf<NSButton>(node);
-    const auto* menu = modelOf<NSPopUpButton>(node);
-    return "=" + (field != nullptr  ? field->stringValue()
-                  : box != nullptr  ? std::to_string(box->state())
-                  : menu != nullptr ? std::to_string(menu->indexOfSelectedItem())
-                                    : std::string());
+    const auto edit = control->edit();
+    return edit ? "=" + *edit : "";
 }
 
 using Edits = std::map<const platform::Element*, std::string>;
@@ -106,7 +83,8 @@ void UnsavedEdits::forgetReplaced() {
 }
 
 void UnsavedEdits::noteSaved(const std::string& operation) {
-    if (!savesForm(operation)) {
+    const review::WritingOperation* writing = review::findWritingOperation(operation);
+    if (writing == nullptr || !writing->savesPage) {
         return;
     }
     for (const auto& [page, title] : pagesOf(actions_.interface())) {

@@ -63,22 +63,15 @@ std::string_view textOf(const std::optional<std::string>& bytes) {
 QString detailsOf(const review::HistoryEntry& entry) {
     QString text;
     for (const review::PastRun& run : entry.runs) {
-        text += shown(run.tool);
-        for (const std::string& argument : run.arguments) {
-            text += QLatin1Char(' ') + shown(argument);
-        }
-        text += QLatin1Char('\n');
+        text += runLine(run.tool, run.arguments);
         if (!run.output.empty()) {
             text += QLatin1String("    ") + shown(run.output).trimmed() + QLatin1Char('\n');
         }
     }
     for (const review::FileChange& file : entry.files) {
         text += QLatin1Char('\n') + shown(file.path) + QLatin1Char('\n');
-        for (const review::LineChange& line :
-             review::lineChanges(review::linesOf(textOf(file.before)), review::linesOf(textOf(file.after)))) {
-            const bool goes = line.kind == review::LineChange::Kind::Goes;
-            text += QLatin1String(goes ? "- " : "+ ") + shown(line.line) + QLatin1Char('\n');
-        }
+        text += changedLines(
+            review::lineChanges(review::linesOf(textOf(file.before)), review::linesOf(textOf(file.after))));
     }
     for (const review::FolderStep& folder : entry.folders) {
         text += shown(folder.path) +

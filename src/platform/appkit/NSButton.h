@@ -48,7 +48,7 @@ class NSButton : public NSControl {
 
     void setState(int state);
 
-    [[nodiscard]] bool isEdited() const override { return clicked_ == state_; }
+    [[nodiscard]] std::optional<std::string> edit() const override;
 
     void copyState(const Element& from) override;
 

@@ -3,6 +3,7 @@
 #include "platform/appkit/Element.h"
 
 #include <functional>
+#include <optional>
 #include <string>
 
 class NSControl;
@@ -25,9 +26,12 @@ class NSControl : public platform::Element {
 
     void setAction(NSAction action) { action_ = std::move(action); }
 
-    /// Whether the control's value is the user's: it is still the one last typed, chosen or clicked. Setting
-    /// a value from the program is not an edit, and setting a different one ends the user's edit.
-    [[nodiscard]] virtual bool isEdited() const { return false; }
+    /// The control's value as a text, where it is the user's: it is still the one last typed, chosen or
+    /// clicked. Setting a value from the program is not an edit, and setting a different one ends the user's
+    /// edit.
+    [[nodiscard]] virtual std::optional<std::string> edit() const { return std::nullopt; }
+
+    [[nodiscard]] bool isEdited() const { return edit().has_value(); }
 
     void copyState(const Element& from) override;
 

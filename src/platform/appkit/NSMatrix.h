@@ -26,6 +26,9 @@ class NSMatrix : public NSControl {
     /// Whether the cell is still in the state that the user's last click left it in.
     [[nodiscard]] bool isEditedAt(int row, int column) const;
 
+    /// The states of the cells that are edited.
+    [[nodiscard]] std::optional<std::string> edit() const override;
+
     void copyState(const Element& from) override;
 
     /// Does what a user's click does: the cell changes its state, then the action is sent. Does nothing while
@@ -37,6 +40,8 @@ class NSMatrix : public NSControl {
         std::string title;
         int state = 0;
         std::optional<int> clicked; ///< the state after the user's last click
+
+        [[nodiscard]] bool isEdited() const { return clicked == state; }
     };
 
     [[nodiscard]] std::size_t indexOf(int row, int column) const;

@@ -50,9 +50,9 @@ class NSPopUpButton : public NSControl {
     /// Selects the first item with the title; nothing when there is none.
     void selectItemWithTitle(const std::string& title);
 
-    /// True while the selected item has the title that the user chose last, even if the menu has been
+    /// The index, while the selected item has the title that the user chose last, even if the menu has been
     /// refilled since.
-    [[nodiscard]] bool isEdited() const override;
+    [[nodiscard]] std::optional<std::string> edit() const override;
 
     void copyState(const Element& from) override;
 

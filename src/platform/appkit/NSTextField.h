@@ -30,8 +30,6 @@ class NSTextField : public NSControl {
     [[nodiscard]] std::int32_t intValue() const;
     void setIntValue(std::int32_t value);
 
-    [[nodiscard]] NSFormatter* formatter() const { return formatter_.get(); }
-
     void setFormatter(std::shared_ptr<NSFormatter> formatter) { formatter_ = std::move(formatter); }
 
     /// Not owned; may be null.
@@ -45,8 +43,10 @@ class NSTextField : public NSControl {
     /// True for a field whose text must not be shown.
     [[nodiscard]] virtual bool isSecure() const { return false; }
 
-    /// Never true for a secure field, because no second copy of its text is kept.
-    [[nodiscard]] bool isEdited() const override { return typed_ == text_; }
+    /// Never one of a secure field, because no second copy of its text is kept.
+    [[nodiscard]] std::optional<std::string> edit() const override {
+        return typed_ == text_ ? typed_ : std::nullopt;
+    }
 
     void copyState(const Element& from) override;
 

@@ -24,11 +24,11 @@ namespace platform {
 
 namespace {
 
-class SystemPaths : public Paths {
+class SystemPaths : public UserPaths {
   public:
     SystemPaths(SystemFiles files, std::string home, std::string defaultsFile, std::string resources)
-        : files_(std::move(files)), home_(std::move(home)), defaultsFile_(std::move(defaultsFile)),
-          resources_(std::move(resources)) {}
+        : UserPaths(std::move(home), std::move(defaultsFile), std::move(resources)),
+          files_(std::move(files)) {}
 
     /// Until they are saved for the first time, the AFP settings are those of a new root.
     [[nodiscard]] std::string map(const std::string& path) const override {
@@ -36,20 +36,11 @@ class SystemPaths : public Paths {
         std::error_code error;
         const bool isNew =
             path == systempath::appleFileServer && !std::filesystem::exists(file, error) && !error;
-        return isNew ? resources_ + "/AppleFileServer.plist" : file;
+        return isNew ? resources() + "/AppleFileServer.plist" : file;
     }
-
-    [[nodiscard]] std::string home() const override { return home_; }
-
-    [[nodiscard]] std::string defaultsFile() const override { return defaultsFile_; }
-
-    [[nodiscard]] std::string resources() const override { return resources_; }
 
   private:
     SystemFiles files_;
-    std::string home_;
-    std::string defaultsFile_;
-    std::string resources_;
 };
 
 /// The directory of this computer, whose accounts are in the computer's own files.

@@ -1,6 +1,7 @@
 #include "platform/host/UserFiles.h"
 
 #include <cstdlib>
+#include <utility>
 
 #include <pwd.h>
 #include <unistd.h>
@@ -37,5 +38,8 @@ std::string defaultsFileOf(const std::string& home) {
 std::string historyFileOf(const std::string& home) {
     return folderOf("XDG_STATE_HOME", home + "/.local/state") + "/brindle/history.db";
 }
+
+UserPaths::UserPaths(std::string home, std::string defaultsFile, std::string resources)
+    : home_(std::move(home)), defaultsFile_(std::move(defaultsFile)), resources_(std::move(resources)) {}
 
 } // namespace platform
