@@ -14,7 +14,7 @@
 #include <utility>
 #include <vector>
 
-/// The options of a benchmark's host: all that it touches is below `root`.
+/// Returns options for a benchmark's host that only uses files below `root`.
 inline platform::EmbeddedHostOptions optionsFor(const std::string& root) {
     platform::EmbeddedHostOptions options;
     options.root = root;
@@ -23,7 +23,7 @@ inline platform::EmbeddedHostOptions optionsFor(const std::string& root) {
     return options;
 }
 
-/// Adds a record below `place` ("config/Brindle"), with a property for each pair.
+/// Adds a record to the folder `place` ("config/Brindle"), with a property for each pair.
 inline void addRecord(platform::Store& store, std::string_view place, const std::string& name,
                       const std::vector<std::pair<const char*, std::string>>& properties) {
     std::vector<std::string> components;
@@ -38,8 +38,8 @@ inline void addRecord(platform::Store& store, std::string_view place, const std:
     }
 }
 
-/// Makes a root with so many shares and users besides the computer's own. The shares have folders that exist;
-/// every second one is shared over SMB as well.
+/// Makes a root with that many shares and users in addition to the computer's own. The shares' folders exist;
+/// every second one is also shared over SMB.
 inline void fillRoot(const std::filesystem::path& root, int shares, int users) {
     constexpr int firstUserId = 1001;
     std::filesystem::create_directories(root / "etc");

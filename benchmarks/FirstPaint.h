@@ -7,8 +7,8 @@
 
 #include <cstdlib>
 
-/// Ends the program, at once and without tidying up, when a window has been painted with all that is in it.
-/// Watches the whole application; begin() says from when on a paint counts.
+/// Ends the program immediately, without cleaning up, when a window has been painted with all its contents.
+/// Watches the whole application; paints count from begin() on.
 class EndAtFirstPaint : public QObject {
   public:
     void begin() { counts_ = true; }
@@ -16,7 +16,7 @@ class EndAtFirstPaint : public QObject {
     bool eventFilter(QObject* watched, QEvent* event) override {
         const auto* widget = qobject_cast<QWidget*>(watched);
         if (counts_ && event->type() == QEvent::Paint && widget != nullptr && widget->isWindow()) {
-            // The next turn of the event loop: what is in the window is painted in this one.
+            // Wait for the next turn of the event loop: the window's contents are painted in this one.
             QTimer::singleShot(0, [] { std::_Exit(EXIT_SUCCESS); });
         }
         return QObject::eventFilter(watched, event);

@@ -6,7 +6,7 @@
 
 #include <cstdlib>
 
-/// A new folder of a benchmark's own, gone with the object.
+/// A new folder for a benchmark, removed with the object.
 class TemporaryFolder {
   public:
     TemporaryFolder() {
@@ -18,7 +18,7 @@ class TemporaryFolder {
     }
 
     ~TemporaryFolder() {
-        std::error_code ignored; // the system's temporary folder is swept anyway
+        std::error_code ignored; // the system cleans its temporary folder anyway
         std::filesystem::remove_all(path_, ignored);
     }
 

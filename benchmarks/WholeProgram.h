@@ -9,9 +9,9 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-/// Runs a program to its end, its output thrown away; the first of `words` is its name or path. False when it
-/// could not be started, or failed. `*megabytes`, when not null, is the most memory that it has taken, and
-/// never less than this program has.
+/// Runs a program to its end and discards its output; the first of `words` is its name or path. Returns false
+/// when it could not be started, or failed. If `megabytes` is not null, it gets the program's peak memory,
+/// which is never less than that of this process.
 [[nodiscard]] inline bool runProgram(std::vector<std::string> words, double* megabytes = nullptr) {
     posix_spawn_file_actions_t actions;
     posix_spawn_file_actions_init(&actions);

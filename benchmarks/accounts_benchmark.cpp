@@ -1,6 +1,6 @@
-// How long the computer's own accounts take: the report of all users, beside the system's own reading of the
-// file and one SQL join over the store, and a user being made, beside the computer's own programs that it
-// comes to. The latter needs root and a computer of its own (tests/support/own-computer).
+// How long work with the computer's own accounts takes: the report of all users, compared with the system's
+// own reading of the file and one SQL join over the store; and making a user, compared with the computer's
+// own programs that this runs. The latter needs root and namespaces (tests/support/own-computer).
 
 #include "TemporaryFolder.h"
 #include "directory/ni_report.h"
@@ -34,7 +34,8 @@ class SilentLog : public platform::Log {
     void write(std::string_view /*text*/) override {}
 };
 
-/// A computer with so many users, each with properties that a line cannot hold; gone with the object.
+/// A computer with that many users, each with properties that have no place in passwd; removed with the
+/// object.
 class Computer : public platform::LocalDomain {
   public:
     explicit Computer(std::int64_t users) {
@@ -111,7 +112,7 @@ void linesAndJoin(benchmark::State& state) {
     }
 }
 
-/// The computer's own programs, as a person would call them.
+/// Runs the computer's own programs as a person would.
 bool byHand(const std::vector<std::pair<Words, std::string>>& programs) {
     for (const auto& [words, input] : programs) {
         const auto finished = platform::runProcess({words}, input);
@@ -122,7 +123,7 @@ bool byHand(const std::vector<std::pair<Words, std::string>>& programs) {
     return true;
 }
 
-/// Deletes what a round has made, which is not timed.
+/// Deletes what a round has made. Not timed.
 void takeAway() {
     static_cast<void>(byHand({{{"/usr/bin/pdbedit", "-x", "--user=bench"}, ""},
                               {{"/usr/sbin/userdel", "bench"}, ""},
@@ -147,7 +148,7 @@ void userMadeByHand(benchmark::State& state) {
     }
 }
 
-/// The runs of the application's actions, through one helper each as it uses it.
+/// Makes the tool runs of the application's actions, with one helper per action, as the application does.
 void userMade(benchmark::State& state) {
     const std::string helper =
         std::filesystem::read_symlink("/proc/self/exe").parent_path() / "brindle-helper";
@@ -196,7 +197,7 @@ BENCHMARK(accountReport)->Arg(10000)->Unit(benchmark::kMillisecond);
 
 int main(int argc, char** argv) {
     if (std::getenv("BRINDLE_OWN_COMPUTER") != nullptr) {
-        // Their work is other programs', so that only the time that passes says anything.
+        // Other programs do the work, so only the real time is meaningful.
         benchmark::RegisterBenchmark("userMadeByHand", userMadeByHand)
             ->Unit(benchmark::kMillisecond)
             ->UseRealTime();

@@ -1,4 +1,4 @@
-// The least that a program with a Qt main window can be: what Brindle's start is measured against.
+// The smallest program with a Qt main window, which Brindle's start is compared with.
 
 #include "FirstPaint.h"
 

@@ -1,12 +1,12 @@
-// How long the share list takes to read: as many directory records as smb.conf has sections, each record
-// joined with the section of its folder. Half of the sections share folders of their own. And how long the
-// application takes to start, without a window, with as many users as well.
+// How long it takes to read the share list: there are as many directory records as sections in smb.conf, and
+// each record is joined with the section of its folder. Half of the sections share other folders. Also how
+// long the application takes to start without a window, with as many users.
 
 #include "FilledRoot.h"
 #include "TemporaryFolder.h"
 #include "app/BRController.h"
-#include "frontends/cli/SilentPresenter.h"
 #include "platform/appkit/Interface.h"
+#include "platform/appkit/SilentPresenter.h"
 #include "platform/foundation/Host.h"
 #include "platform/host/EmbeddedHost.h"
 #include "platform/host/EmbeddedRoot.h"
@@ -57,11 +57,11 @@ void writeRecords(const std::string& storeFile, std::int64_t count) {
     }
 }
 
-/// The application, started on a root of so many shares.
+/// The application, started on a root with that many shares.
 class Application {
   public:
     explicit Application(std::int64_t count) : host_(prepared(folder_.path(), count)) {
-        host_.setPresenter(std::make_shared<frontend::SilentPresenter>());
+        host_.setPresenter(std::make_shared<platform::SilentPresenter>());
         interface_ = std::move(*BRController::loadInterface());
         controller().startUp();
     }
@@ -96,7 +96,7 @@ void startUp(benchmark::State& state) {
     writeRecords(platform::EmbeddedRoot(folder.path().string()).storeFile(), count);
     for (auto _ : state) {
         platform::Host host(*platform::makeEmbeddedServices(optionsFor(folder.path().string())));
-        host.setPresenter(std::make_shared<frontend::SilentPresenter>());
+        host.setPresenter(std::make_shared<platform::SilentPresenter>());
         const auto interface = std::move(*BRController::loadInterface());
         static_cast<BRController*>(interface->owner())->startUp();
     }

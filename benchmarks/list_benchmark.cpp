@@ -1,5 +1,5 @@
-// How long sorting and filtering a list of 100,000 users takes, from the rows as the application holds them
-// to the places in which a table shows them. Each goal is 100 ms.
+// How long it takes to sort and to filter a list of 100,000 users, from the application's rows to their
+// places in a table. The goal for each is 100 ms.
 
 #include "app/BRRow.h"
 #include "frontends/qt/TableRows.h"
@@ -15,7 +15,7 @@ namespace {
 constexpr int users = 100000;
 constexpr std::array columns = {"User", "Public Shared", "UID", "Full Name", "GID"};
 
-/// In no order that sorting would gain from.
+/// Rows in an order that does not help sorting.
 std::vector<BRRow> makeRows() {
     constexpr int step = 7919;
     std::vector<BRRow> rows;
@@ -49,7 +49,7 @@ BENCHMARK_DEFINE_F(UserRows, sort)(benchmark::State& state) {
     }
 }
 
-/// The first letter, at which every row is read.
+/// Filters by a first letter, for which every row is read.
 BENCHMARK_DEFINE_F(UserRows, filter)(benchmark::State& state) {
     rows.setOrder(-1, false);
     for (auto _ : state) {

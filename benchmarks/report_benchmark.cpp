@@ -13,10 +13,10 @@
 #include <string>
 #include <vector>
 
-// How long the report of all users takes. Each user has twelve properties, of which the report shows five.
-// Two yardsticks fetch the same records in the order of their ids: one SQL join over the store, which hands
-// out each record's content as it is stored, and one over the same texts in a plain relational layout, which
-// hands out each property with its value.
+// How long the report of all users takes. Each user has twelve properties, and the report shows five of them.
+// It is compared with two SQL joins that fetch the same records in the order of their ids: one over the
+// store, which returns each record's content as stored, and one over the same texts in a plain relational
+// layout, which returns each property with its value.
 
 namespace {
 
@@ -81,7 +81,7 @@ class SilentLog : public platform::Log {
     void write(std::string_view /*text*/) override {}
 };
 
-/// A directory with so many users, and the host whose local domain it is; gone with the object.
+/// A directory with that many users, and a host that has it as its local domain; removed with the object.
 class UserDirectory {
   public:
     explicit UserDirectory(std::int64_t users) {
@@ -111,7 +111,7 @@ void report(benchmark::State& state) {
     state.SetComplexityN(state.range(0));
 }
 
-/// Opens the file, runs the statement to its end and looks at the bytes of every column, as often as asked.
+/// Opens the file, runs the statement to its end and reads the bytes of every column, once per iteration.
 void fetchAll(benchmark::State& state, const std::string& file, const char* statement,
               std::int64_t expected) {
     for (auto _ : state) {

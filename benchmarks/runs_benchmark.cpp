@@ -1,7 +1,7 @@
-// How long it takes to turn on the Public folders of 2,000 users at one click, as a whole program: each is a
-// tool run of its own, and all of them one transaction. Beside it as many bare changes of an SQLite table in
-// one process, each of which waits for the disk (write-ahead log, synchronous=FULL); and, to see what the
-// runs themselves cost, the same changes in one transaction.
+// How long a whole program takes to turn on the Public folders of 2,000 users in one action: each is a
+// separate tool run, and all of them are one transaction. It is compared with as many bare changes of an
+// SQLite table in one process, each of which waits for the disk (write-ahead log, synchronous=FULL); and, to
+// show what the runs themselves cost, with the same changes in one transaction.
 
 #include "FilledRoot.h"
 #include "TemporaryFolder.h"
@@ -19,7 +19,7 @@ namespace {
 
 constexpr int users = 2000;
 
-/// A table of so many rows, as the bare changes find it.
+/// A table with that many rows, for the bare changes.
 class Table {
   public:
     Table() {
@@ -34,7 +34,7 @@ class Table {
     Table(const Table&) = delete;
     Table& operator=(const Table&) = delete;
 
-    /// Gives every row this content, one after another, each as a change of its own unless `isOne`.
+    /// Gives every row this content, one after another, in separate transactions unless `isOne`.
     void change(const std::string& content, bool isOne) {
         execute(isOne ? "BEGIN" : "");
         sqlite3_stmt* upsert = nullptr;
@@ -74,7 +74,7 @@ void bareUpserts(benchmark::State& state, bool isOne) {
     }
 }
 
-/// What a user's program runs; each turn changes what the one before has left.
+/// Runs the program as a user would. Each iteration reverses the change of the one before.
 void publicFolders(benchmark::State& state) {
     const TemporaryFolder folder;
     fillRoot(folder.path() / "root", 0, users);

@@ -1,6 +1,6 @@
-// How long smb.conf takes to read: within this process for three lengths, to see that it grows with the file
-// and not faster, and as whole programs beside one that only scans the file's lines and beside Samba's own
-// reader. Also how long Brindle takes to print the shares of such a file, as a whole program.
+// How long it takes to read smb.conf: within this process for three lengths, to see that the time grows no
+// faster than the file; and as whole programs, compared with one that only scans the file's lines and with
+// Samba's own reader. Also how long Brindle takes to print the shares of such a file, as a whole program.
 
 #include "FilledRoot.h"
 #include "TemporaryFolder.h"
@@ -40,7 +40,7 @@ platform::Services services() {
     return services;
 }
 
-/// A file of so many sections, kept for the next benchmark that asks for it.
+/// Returns a file with that many sections, which is kept for the next benchmark that needs it.
 std::string fileOf(std::int64_t sections) {
     const fs::path folder = fs::temp_directory_path() / ("brindle-smbconf-" + std::to_string(::getuid()));
     fs::create_directories(folder);

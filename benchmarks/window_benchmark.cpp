@@ -1,7 +1,7 @@
-// How long Brindle takes from its start until its window stands painted, with 1,000 shares and 10,000 users,
-// against a program that only shows an empty window; and how long a selection takes in the window. The first
-// two are whole programs; both use Qt's offscreen platform, so that no display's speed is measured, unless
-// QT_QPA_PLATFORM names another.
+// How long Brindle takes from its start until its window is painted, with 1,000 shares and 10,000 users,
+// compared with a program that only shows an empty window; and how long a selection takes in the window. The
+// first two are whole programs. Both use Qt's offscreen platform, so that the display's speed does not
+// matter, unless QT_QPA_PLATFORM names another.
 
 #include "FilledRoot.h"
 #include "FirstPaint.h"
@@ -30,7 +30,7 @@ namespace {
 constexpr int shares = 1000;
 constexpr int users = 10000;
 
-/// Does what a start of Brindle in a display does, up to the first paint that shows all tables filled.
+/// Does what Brindle does when it starts on a display, up to the first paint with all tables filled.
 int showBrindle(const std::string& root, char** argv) {
     frontend::Application application(*platform::makeEmbeddedServices(optionsFor(root)));
     int argc = 1;
@@ -38,7 +38,7 @@ int showBrindle(const std::string& root, char** argv) {
     application.setPresenter(window.presenter());
     EndAtFirstPaint end;
     qApp->installEventFilter(&end);
-    // A user who has turned the reminder off: nothing is to stand before the window.
+    // The reminder is turned off, so that no alert precedes the window.
     NSUserDefaults::standardUserDefaults().setInteger(0, "BrindleDonationReminder");
     if (!application.load().isOk()) {
         return 1;
@@ -49,8 +49,8 @@ int showBrindle(const std::string& root, char** argv) {
     });
 }
 
-/// A share is selected until its editor is filled and drawn, with a hundred thousand users in the menus
-/// (goal: under 16 ms, a frame).
+/// Selects a share until its editor is filled and drawn, with a hundred thousand users in the menus (goal:
+/// under 16 ms, one frame).
 void selectShare(benchmark::State& state, char** argv) {
     constexpr int manyUsers = 100000;
     constexpr int fewShares = 100;
@@ -79,7 +79,7 @@ void selectShare(benchmark::State& state, char** argv) {
     }
     for (QAction* action : table->window()->findChildren<QAction*>()) {
         if (action->shortcut() == QKeySequence(QStringLiteral("Ctrl+E"))) {
-            action->trigger(); // the editor
+            action->trigger(); // opens the editor
         }
     }
     QApplication::processEvents();
@@ -90,7 +90,7 @@ void selectShare(benchmark::State& state, char** argv) {
     }
 }
 
-/// Runs a program again and again; the time is that from its start to its end.
+/// Measures a program from its start to its end, repeatedly.
 void program(benchmark::State& state, const std::vector<std::string>& words) {
     for (auto _ : state) {
         if (!runProgram(words)) {

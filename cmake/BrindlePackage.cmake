@@ -1,9 +1,9 @@
-# What a desktop and a Debian system know of Brindle besides its programs: menu entry, icons, man pages, completion, the
-# package's own papers, and the package, which `cpack` makes in the build folder.
+# What is installed on a desktop or a Debian system besides the programs: menu entry, icons, man pages, completion and
+# the package's own documents. Also the package itself, which `cpack` makes in the build folder.
 
 set(papers ${CMAKE_BINARY_DIR}/package)
 
-# brindle_compressed(FILE RESULT): FILE as Debian wants man pages and changelogs, made with the build.
+# brindle_compressed(FILE RESULT): compresses FILE in the build as Debian requires for man pages and changelogs.
 function(brindle_compressed file result)
     get_filename_component(name ${file} NAME)
     set(compressed ${papers}/${name}.gz)
@@ -23,7 +23,7 @@ install(FILES resources/completion/brindle.bash DESTINATION ${CMAKE_INSTALL_DATA
 install(FILES resources/completion/_brindle DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/vendor-completions)
 install(FILES resources/completion/brindle.fish DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d)
 
-# A menu has nothing to start where there is no window.
+# Without the window, a desktop's menu has nothing to start.
 if(BRINDLE_HAS_QT)
     set(metainfo example.brindle.Brindle.metainfo.xml)
     configure_file(resources/desktop/${metainfo}.in ${papers}/${metainfo} @ONLY)
@@ -39,7 +39,7 @@ if(BRINDLE_HAS_QT)
     endforeach()
 endif()
 
-# The license, as the package's file on copyright quotes it.
+# The license in the form in which the package's copyright file quotes it.
 file(READ LICENSE license)
 string(REGEX MATCH "Copyright [^\n]*" copyright "${license}")
 string(REGEX REPLACE "^Copyright (\\(c\\) )?" "" BRINDLE_COPYRIGHT "${copyright}")
@@ -55,7 +55,7 @@ install(FILES ${papers}/copyright ${changelog} DESTINATION ${CMAKE_INSTALL_DATAD
 
 get_property(compressed GLOBAL PROPERTY BRINDLE_COMPRESSED)
 add_custom_target(brindle_papers ALL DEPENDS ${compressed})
-add_dependencies(brindle_resources brindle_papers) # whoever installs one installs both
+add_dependencies(brindle_resources brindle_papers) # so that installing builds these too
 
 # brindle_packages(SECTION RESULT): the names in a section of packages.txt.
 function(brindle_packages section result)
@@ -73,7 +73,7 @@ function(brindle_packages section result)
 endfunction()
 
 brindle_packages(run needed)
-list(REMOVE_ITEM needed grep) # every Debian system has it, and a package does not say so
+list(REMOVE_ITEM needed grep) # essential on Debian, so packages do not declare it
 brindle_packages(loaded loaded)
 list(APPEND needed ${loaded})
 if(BRINDLE_HAS_QT)
@@ -100,7 +100,7 @@ set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_SECTION admin)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
-# Otherwise folders take the mode of whoever builds.
+# Otherwise the modes of folders depend on the umask of whoever builds.
 set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE
     WORLD_READ WORLD_EXECUTE)
 include(CPack)

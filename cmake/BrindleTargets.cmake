@@ -1,14 +1,17 @@
-# One folder of src/ is one room and one library, brindle_NAME. Includes name their room from src/, and configuring
-# fails on an include of a room that the including library does not link.
+# Each folder of src/ is one room and one library, brindle_NAME. Quoted includes give the path from src/, and
+# configuring fails on an include of a room that the including library does not link.
 
 add_library(brindle_options INTERFACE)
 target_include_directories(brindle_options INTERFACE ${CMAKE_SOURCE_DIR}/src)
 target_compile_options(brindle_options INTERFACE
     -Wall -Wextra -Wpedantic -Wshadow -Wconversion
     $<$<BOOL:${BRINDLE_WERROR}>:-Werror>)
-# An optimizing GCC 12 sees faults in plain text concatenation and in vectors of one element (bug 105651 among others).
+# Link only the libraries that a program uses, not everything that its own libraries might use.
+target_link_options(brindle_options INTERFACE -Wl,--as-needed)
+# With optimization, GCC 12 reports false faults in plain string concatenation and in vectors of one element (GCC bug
+# 105651 and others).
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
-    # Not in a debug build, whose commands clang-tidy reads: it does not know the option.
+    # Not in a debug build: clang-tidy reads its commands, and does not know the option.
     target_compile_options(brindle_options INTERFACE $<$<CONFIG:Release>:-Wno-restrict;-Wno-array-bounds>)
 endif()
 if(BRINDLE_SANITIZE)
@@ -54,8 +57,8 @@ function(brindle_line_of file header result)
     set(${result} ${line} PARENT_SCOPE)
 endfunction()
 
-# brindle_library(NAME LINKS target... PRIVATE_LINKS target...): the library brindle_NAME of this
-# folder's sources. LINKS are what its headers need, PRIVATE_LINKS what only its sources do.
+# brindle_library(NAME LINKS target... PRIVATE_LINKS target...): makes the library brindle_NAME of this folder's
+# sources. LINKS are needed by its headers, PRIVATE_LINKS only by its sources.
 function(brindle_library name)
     cmake_parse_arguments(ARG "" "" "LINKS;PRIVATE_LINKS" ${ARGN})
     file(GLOB sources CONFIGURE_DEPENDS *.cpp *.h)
@@ -66,7 +69,7 @@ function(brindle_library name)
     target_link_libraries(brindle_${name} PUBLIC ${ARG_LINKS} PRIVATE brindle_options ${ARG_PRIVATE_LINKS})
 endfunction()
 
-# brindle_test(NAME LABEL LINKS target... [SOURCES file...]): tests/NAME.cpp as one program of GoogleTest cases.
+# brindle_test(NAME LABEL LINKS target... [SOURCES file...]): builds tests/NAME.cpp as one GoogleTest program.
 function(brindle_test name label)
     cmake_parse_arguments(ARG "" "" "LINKS;SOURCES" ${ARGN})
     if(NOT ARG_SOURCES)

@@ -15,8 +15,8 @@
 
 #include <unistd.h>
 
-// What the targets beside this file have in common. A target is one function, which libFuzzer calls with
-// inputs that it makes up (scripts/fuzz), and the test of its corpus with those that are kept
+// What the targets in this folder have in common. A target is one function. libFuzzer calls it with inputs
+// that it generates (scripts/fuzz), and the test of its corpus calls it with the stored inputs
 // (run_corpus.cpp).
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
@@ -27,7 +27,7 @@ inline std::string_view textOf(const std::uint8_t* data, std::size_t size) {
     return {reinterpret_cast<const char*>(data), size};
 }
 
-/// Ends the program where a promise is broken, so that the fuzzer keeps the input.
+/// Ends the program when a promise is broken, so that the fuzzer keeps the input.
 inline void require(bool isKept, const char* promise, std::string_view detail = "") {
     if (!isKept) {
         std::fprintf(stderr, "BROKEN: %s\n%.*s\n", promise, static_cast<int>(detail.size()), detail.data());
@@ -35,26 +35,26 @@ inline void require(bool isKept, const char* promise, std::string_view detail = 
     }
 }
 
-/// Takes an input apart into numbers and texts.
+/// Splits an input into numbers and texts.
 class Draw {
   public:
     explicit Draw(std::string_view bytes) : rest_(bytes) {}
 
     [[nodiscard]] bool isAtEnd() const { return rest_.empty(); }
 
-    /// A number below `limit`, which is at most 256; 0 at the end.
+    /// Returns a number below `limit`, which is at most 256; 0 at the end of the input.
     [[nodiscard]] std::size_t below(std::size_t limit) {
         const std::string_view byte = take(1);
         return byte.empty() ? 0 : static_cast<unsigned char>(byte.front()) % limit;
     }
 
-    /// One of these.
+    /// Returns one of the choices.
     template <std::size_t Size>
     [[nodiscard]] std::string_view oneOf(const std::array<std::string_view, Size>& choices) {
         return choices.at(below(Size));
     }
 
-    /// What stands before the next separator, which is left out, or before the end.
+    /// Returns the text up to the next separator, which is skipped, or up to the end.
     [[nodiscard]] std::string upTo(char separator) {
         const std::string_view text = take(rest_.find(separator));
         static_cast<void>(take(1));
@@ -73,7 +73,7 @@ class Draw {
     std::string_view rest_;
 };
 
-/// A folder that is removed with the program.
+/// A folder that is removed with the object.
 class ScratchFolder {
   public:
     ScratchFolder() : path_((std::filesystem::temp_directory_path() / "brindle-fuzz-XXXXXX").string()) {
@@ -81,7 +81,7 @@ class ScratchFolder {
     }
 
     ~ScratchFolder() {
-        std::error_code ignored; // whoever sweeps the temporary folder will find it
+        std::error_code ignored; // the system cleans its temporary folder anyway
         std::filesystem::remove_all(path_, ignored);
     }
 
@@ -105,7 +105,7 @@ class QuietLog : public platform::Log {
     void write(std::string_view /*text*/) override {}
 };
 
-/// No path is another one, and there is no home.
+/// Paths without any mapping, and without a home folder.
 class PlainPaths : public platform::Paths {
   public:
     [[nodiscard]] std::string map(const std::string& path) const override { return path; }
@@ -117,7 +117,7 @@ class PlainPaths : public platform::Paths {
     [[nodiscard]] std::string resources() const override { return BRINDLE_RESOURCES; }
 };
 
-/// For a host that does nothing.
+/// Returns the services of a host that does nothing.
 inline platform::Services quietServices() {
     platform::Services services;
     services.log = std::make_shared<QuietLog>();

@@ -1,4 +1,4 @@
-// Command lines, an argument a line: each is understood, or ends the program with a text. None throws.
+// Command lines with one argument per line. Each is accepted, or ends the program with a text; none throws.
 
 #include "Fuzz.h"
 #include "frontends/Options.h"

@@ -1,5 +1,5 @@
-// What the helper is asked, once and in a session. Nothing is carried out. A request that is taken says just
-// what its bytes say, so that nothing that was judged is another thing than what is run.
+// Requests to the helper, single ones and sessions. Nothing is carried out. An accepted request corresponds
+// exactly to its bytes, so that what was checked is what would run.
 
 #include "Fuzz.h"
 #include "directory/DirectoryRules.h"

@@ -1,5 +1,5 @@
-// The history: what is kept is read as it is, and an entry whose content is damaged says so instead of
-// telling of something else.
+// The history: an entry is read as it was stored, and an entry with damaged content says so instead of
+// describing something else.
 
 #include "Fuzz.h"
 #include "platform/netinfo/Sqlite.h"
@@ -13,7 +13,7 @@ namespace {
 using platform::SqliteStatement;
 using review::HistoryEntry;
 
-/// The content of the newest entry, after it was replaced where there is something to replace it by.
+/// Returns the content of the newest entry, after replacing it if `replacement` is not null.
 std::string content(const std::string& file, const std::string* replacement = nullptr) {
     sqlite3* opened = nullptr;
     const int error = sqlite3_open_v2(file.c_str(), &opened, SQLITE_OPEN_READWRITE, nullptr);
@@ -86,7 +86,7 @@ HistoryEntry drawnEntry(fuzz::Draw& draw) {
     return entry;
 }
 
-/// What an entry says, for comparing two.
+/// Returns an entry as text, to compare two.
 std::string told(const HistoryEntry& entry) {
     std::string text =
         std::to_string(entry.time) + "\n" + entry.user + "\n" + entry.title + "\n" + outcomeOf(entry);

@@ -1,13 +1,14 @@
-// Interface files, for a class of three outlets and an operation. A file is refused, naming one of its lines
-// and leaving nothing connected, or loaded with every outlet and every name in its place.
+// Interface files, for a class with three outlets and one operation. A file is either loaded with every
+// outlet and name in its place, or refused with an error that names one of its lines, and nothing is
+// connected.
 
 #include "Fuzz.h"
-#include "frontends/cli/SilentPresenter.h"
 #include "platform/appkit/Interface.h"
 #include "platform/appkit/NSButton.h"
 #include "platform/appkit/NSTableView.h"
 #include "platform/appkit/NSTextField.h"
 #include "platform/appkit/ObjectClass.h"
+#include "platform/appkit/SilentPresenter.h"
 
 #include <algorithm>
 
@@ -21,14 +22,14 @@ struct Owner : platform::OutletOwner {
     void pressed(NSControl* /*sender*/) {}
 };
 
-class Presenter : public frontend::SilentPresenter {
+class Presenter : public platform::SilentPresenter {
   public:
     void interfaceDidLoad(platform::Interface& /*interface*/) override { ++loaded; }
 
     int loaded = 0;
 };
 
-/// A host of which every input has its own: a file that was loaded is known to the application.
+/// A new host for every input, because the application remembers loaded files.
 struct Place {
     Place() : host(services()) {
         platform::registerClass(
@@ -45,10 +46,10 @@ struct Place {
     platform::Host host;
 };
 
-/// The line that a refusal names: "FILE:LINE: why".
+/// Returns the line number in a refusal: "FILE:LINE: why".
 int lineIn(const std::string& refusal, const std::string& file) {
     fuzz::require(refusal.starts_with(file + ":"), "a refusal names the file", refusal);
-    return std::atoi(refusal.c_str() + file.size() + 1); // NOLINT(cert-err34-c): 0 is no line
+    return std::atoi(refusal.c_str() + file.size() + 1); // NOLINT(cert-err34-c): 0 is not a line
 }
 
 } // namespace

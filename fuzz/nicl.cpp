@@ -1,5 +1,5 @@
-// Runs of nicl, a line each, its words apart by tabs, on a directory of their own. Whatever they are, the
-// directory keeps its rules; and a record that is made and deleted leaves the directory as it was.
+// Runs of nicl on a new directory, one per line, with words separated by tabs. Whatever they are, the
+// directory keeps its rules, and making and deleting a record leaves the directory unchanged.
 
 #include "Fuzz.h"
 #include "directory/DirectoryRules.h"
@@ -13,7 +13,7 @@ namespace {
 
 using platform::Store;
 
-/// Holds the records that always exist.
+/// Makes a store with the records that always exist, and returns its file.
 std::string madeStore(const std::string& file) {
     Store store(file, Store::Opening::Create);
     store.addRecord(Store::root, "users");
@@ -47,7 +47,7 @@ void checkRecord(const platform::RecordBlock& block, const platform::RecordBlock
     }
 }
 
-/// All records with their paths, each checked.
+/// Adds all records with their paths to `all`, and checks each.
 void addRecords(Store& store, Store::Record parent, const std::string& path, std::string* all) {
     const auto block = store.children(parent);
     for (const auto& record : block.records()) {
@@ -96,7 +96,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const auto committed = session.commit();
     fuzz::require(committed.isOk(), "the changes can be committed", committed.text());
     const std::string before = recordsIn(file);
-    // A record at the last path, or below it.
+    // Make a record at the last path, and one below it.
     for (const std::string& made : {path, path + "/made"}) {
         const bool isThere = ("\n" + before).find("\n" + made + "\n") != std::string::npos;
         if (isThere || runNicl(file, std::vector<std::string>{".", "-create", made}).status != 0) {

@@ -1,5 +1,5 @@
-// Samba's password database. An input is the file itself, or, behind a "u", the record of an account in a
-// sound file. It is refused, or read to the account that was asked for.
+// Samba's password database. An input is the file itself or, after a "u", the record of an account in an
+// intact file. It is refused, or the account that was asked for is read.
 
 #include "Fuzz.h"
 #include "platform/samba/PasswordFile.h"

@@ -1,5 +1,5 @@
-// A record of the directory's store. Bytes are refused, or are the very ones that what was read is packed
-// into: so no damage goes unseen that leaves the record another one of the same bytes' length.
+// A record of the directory's store. Bytes are either refused, or packing what was read from them gives the
+// same bytes, so that no damage goes unnoticed.
 
 #include "Fuzz.h"
 #include "platform/netinfo/RecordBlock.h"
@@ -37,7 +37,7 @@ void requireNoMisreading(std::string_view content) {
 
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     requireNoMisreading(fuzz::textOf(data, size));
-    // The same bytes as a drawing: of a record, a line a property, and of the byte that is damaged.
+    // Use the same bytes to draw a record, one line per property, and the byte to damage.
     fuzz::Draw draw(fuzz::textOf(data, size));
     const std::size_t place = draw.below(256);
     const char damage = static_cast<char>(1 + draw.below(255));

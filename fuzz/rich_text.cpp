@@ -1,4 +1,4 @@
-// Rich text: runs of whole characters, which read as they are when they are written again.
+// Rich text: it is read as runs of whole characters, and is the same when written and read again.
 
 #include "Fuzz.h"
 #include "platform/appkit/RichText.h"

@@ -4,8 +4,7 @@
 #include <iterator>
 #include <vector>
 
-/// Runs a target with each file of the folder that is its argument: the inputs that it has been given before.
-/// Needs no fuzzer.
+/// Runs a target with each file of the folder in its argument, the stored inputs. Needs no fuzzer.
 int main(int argc, char** argv) {
     fuzz::require(argc == 2, "a corpus is named");
     std::vector<std::filesystem::path> files;
@@ -15,7 +14,7 @@ int main(int argc, char** argv) {
     for (const auto& file : files) {
         std::fprintf(stderr, "%s\n", file.c_str()); // the last one is to blame
         std::ifstream in(file, std::ios::binary);
-        // As large as the input, so that a sanitizer sees a read past its end.
+        // Exactly as large as the input, so that a sanitizer notices a read past its end.
         const std::vector<char> bytes{std::istreambuf_iterator<char>(in), {}};
         fuzz::require(!in.bad() && LLVMFuzzerTestOneInput(reinterpret_cast<const std::uint8_t*>(bytes.data()),
                                                           bytes.size()) == 0,

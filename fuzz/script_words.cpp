@@ -1,4 +1,4 @@
-// The words of a script: what was read reads the same when it is quoted, and every text can be quoted.
+// The words of a script: a word reads the same after quoting, and every text can be quoted.
 
 #include "Fuzz.h"
 #include "frontends/script/ScriptWords.h"
@@ -12,7 +12,7 @@ void requireReadable(const std::string& word) {
                   "a quoted text reads as itself", word);
     const std::string shown = frontend::scriptWord(word);
     const bool isBare = shown == word;
-    // A bare word of the output may hold what begins a comment in a script.
+    // A bare word of the output may contain "#", which begins a comment in a script.
     fuzz::require((isBare && word.find('#') != std::string::npos) ||
                       frontend::splitScriptLine(shown) == Words{word},
                   "a word reads as itself", word);

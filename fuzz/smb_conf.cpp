@@ -1,6 +1,6 @@
-// smb.conf, read and written whole: what was written reads as it was written. Two things may read otherwise:
-// where a write has lost lines, and said so, a comment that they kept apart from a commented-out section; and
-// what a commented-out section holds behind a bracket, which looks like a header.
+// smb.conf, read and written whole: the written text reads the same again. Two things may read differently.
+// When a write has lost lines, and said so, a comment may join a commented-out section that the lines
+// separated it from. And text after a bracket in a commented-out section looks like a header.
 
 #include "Fuzz.h"
 #include "model/SMBConf.h"

@@ -1,6 +1,6 @@
-// smb.conf, changed line by line. The first line of an input draws changes, the rest is the file. The changed
-// file means what the changed model means, what was not changed stays to the byte, and no change leaves every
-// byte.
+// smb.conf, changed line by line. The first line of an input determines the changes, the rest is the file.
+// The changed file means the same as the changed model, sections without a change keep every byte, and
+// without any change the whole file does.
 
 #include "Fuzz.h"
 #include "model/SMBInPlace.h"
@@ -22,7 +22,7 @@ struct Model {
     SMBEntries& entries = parser.entries;
 };
 
-/// Sections with their kinds and parameters.
+/// Returns the sections with their kinds and parameters as text.
 std::vector<std::string> meaning(const SMBEntries& entries) {
     std::vector<std::string> sections;
     for (const auto& entry : entries) {
@@ -31,11 +31,11 @@ std::vector<std::string> meaning(const SMBEntries& entries) {
         }
         std::vector<std::pair<std::string, std::string>> pairs;
         for (const SMBPair& pair : entry->Props()) {
-            if (!SMBParser::isComment(pair.Name)) { // one of a section that was commented out
+            if (!SMBParser::isComment(pair.Name)) { // a parameter of a commented-out section
                 pairs.emplace_back(pair.Name.str(), pair.Value.str());
             }
         }
-        // Only those of one key have an order that matters.
+        // The order only matters among parameters with the same key.
         std::ranges::stable_sort(pairs, {}, &std::pair<std::string, std::string>::first);
         std::string shown = std::to_string(entry->Type()) + "[" + entry->ShareName() + "]";
         for (const auto& [key, value] : pairs) {
@@ -43,7 +43,7 @@ std::vector<std::string> meaning(const SMBEntries& entries) {
         }
         sections.push_back(shown);
     }
-    std::ranges::sort(sections); // a new section may stand elsewhere
+    std::ranges::sort(sections); // a new section may be in another place
     return sections;
 }
 
@@ -53,7 +53,7 @@ constexpr std::array<std::string_view, 3> keys{"path", "guest ok", "added"};
 
 constexpr const char* created = ";Created by Brindle";
 
-/// Makes one change, and says of which section; empty: none.
+/// Makes one change and returns the section's name; empty when nothing changed.
 std::string makeChange(SMBEntries& entries, fuzz::Draw& draw) {
     const std::size_t kind = draw.below(6);
     const std::size_t index = draw.below(entries.size());
@@ -83,7 +83,7 @@ std::string makeChange(SMBEntries& entries, fuzz::Draw& draw) {
         entry.setProp(drawn, draw.oneOf(values));
     } else if (kind == 3 && hasPairs) {
         entry.removeProp(drawn);
-    } else if (kind == 4 && entry.Text() != created) { // a section is commented out where it stands
+    } else if (kind == 4 && entry.Text() != created) { // comment a section out in place
         entry.setType(entry.Type() == SMBGroup ? SMBCommentGroup : SMBGroup);
     } else {
         entry.setProp(draw.oneOf(keys), draw.oneOf(values));
@@ -91,7 +91,7 @@ std::string makeChange(SMBEntries& entries, fuzz::Draw& draw) {
     return name;
 }
 
-/// The bytes of the sections of that name, each without what is blank at its end.
+/// Returns the bytes of the sections with that name, each without trailing blanks.
 std::vector<std::string_view> sectionsCalled(std::string_view name, std::string_view text) {
     std::vector<std::string_view> found;
     const SMBLines lines(text);
@@ -129,8 +129,8 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
             std::ranges::equal(before, after, [](auto one, auto other) { return other.starts_with(one); });
         fuzz::require(isKept, "a section that was not changed stays to the byte", result.text);
     }
-    // Lines that the model does not keep, or that the server joins, mean something to the server alone; and a
-    // parameter in brackets is a section's header once it is live.
+    // Lines that the model does not keep, or that the server joins, mean something only to the server. And a
+    // parameter in brackets becomes a section's header when it is no longer commented out.
     const SMBLines lines(text);
     const auto isPlain = [](const SMBLine& line) { return !line.isContinued && !line.key.starts_with('['); };
     if (read.parser.lossNotices.empty() && std::ranges::all_of(lines.lines(), isPlain)) {

@@ -1,25 +1,26 @@
-# Shared by the scripts that kill what writes files: killing at each system call, and what failed.
+# Shared by the scripts that kill programs at each system call; it also counts failures.
 # shellcheck shell=bash
 
 step=1     # kill at every call
 failures=0
-options=() # the helper's
+options=() # for the helper
 
 failed() {
     say "FAILED: $*"
     failures=$((failures + 1))
 }
 
-# request TOOL ARGUMENT...: runs the helper on a request; the started byte is taken off its output. Words in $tracer go
-# before the helper.
+# request TOOL ARGUMENT...: runs the helper on a request and removes the start byte from its output. The words in
+# $tracer are put before the helper.
 tracer=()
 request() {
     printf '%s\0' "$@" | "${tracer[@]}" "$programs/brindle-helper" "${options[@]}" | tr -d '\006'
 }
 
-# at_each_call PREPARE CHECK RUN ARGUMENT...: PREPARE, the run with $tracer before its program killed before one of its
-# system calls, CHECK; for every $step-th call of an undisturbed run, from the first on that names $first_call, of those
-# that $traced names where it is set. strace counts calls by name, so the n-th call is the k-th of its name.
+# at_each_call PREPARE CHECK RUN ARGUMENT...: for every $step-th system call of an undisturbed run, does PREPARE, kills
+# the run before that call, and does CHECK. RUN must put $tracer before its program. Calls before the first one that
+# names $first_call are left out, and so are those that $traced, if set, does not name. strace counts calls by name, so
+# the n-th call is the k-th of its name.
 first_call=
 traced=()
 at_each_call() {
@@ -29,7 +30,7 @@ at_each_call() {
     "$prepare"
     tracer=(strace -qq -o "$work/calls" "${traced[@]}")
     "$@" >/dev/null
-    tracer=() # the check makes requests of its own
+    tracer=() # the check makes its own requests
     "$check" finished
     while read -r line <&3; do
         name="${line%%(*}"
@@ -45,7 +46,7 @@ at_each_call() {
         { "$@" >/dev/null; } 2>/dev/null || true
         tracer=()
         "$check" "killed at $name, call ${seen[$name]} of that name"
-    done 3<"$work/calls" # what is run meanwhile may read the standard input
+    done 3<"$work/calls" # the programs in the loop may read standard input
     tracer=()
     say "$*: killed at $kills of $calls system calls"
 }

@@ -15,8 +15,8 @@ fail() {
     exit 1
 }
 
-# The builds for the tests with and without Qt compile the same files to the same objects. Where ccache is installed,
-# the second takes them from the first: the folder that a file is compiled in is no part of what it looks for.
+# The test builds with and without Qt compile the same files to the same objects. With ccache, the second build reuses
+# those of the first, because the build folder is left out of the hash.
 if command -v ccache >/dev/null; then
     export CMAKE_CXX_COMPILER_LAUNCHER="${CMAKE_CXX_COMPILER_LAUNCHER:-ccache}" CCACHE_NOHASHDIR=1
 fi
@@ -29,7 +29,7 @@ packages_of() {
     done
 }
 
-# missing_of SECTION...: those of them that this machine does not have.
+# missing_of SECTION...: those packages of the sections that this machine does not have.
 missing_of() {
     local package
     for package in $(packages_of "$@"); do
@@ -39,7 +39,7 @@ missing_of() {
     done
 }
 
-# apt_get ARGUMENT...: as root, with the user's leave where the user is another.
+# apt_get ARGUMENT...: runs apt-get as root, through sudo for any other user.
 apt_get() {
     local -a environment=(env DEBIAN_FRONTEND=noninteractive)
     if [ "$(id -u)" -eq 0 ]; then
@@ -52,8 +52,8 @@ apt_get() {
     fi
 }
 
-# install_missing SECTION...: installs what these sections lack. When nothing is missing, nothing is called and no
-# network is used. Fails when something cannot be installed.
+# install_missing SECTION...: installs the packages of these sections that are missing. When none is missing, it neither
+# runs apt-get nor uses the network. Fails when something cannot be installed.
 install_missing() {
     if ! command -v dpkg-query >/dev/null || ! command -v apt-get >/dev/null; then
         say "This machine has no apt-get: the packages in packages.txt are taken to be installed by other means."
@@ -84,7 +84,7 @@ want_window_packages() {
     install_missing recommend || say "Going on with Qt's own texts in English."
 }
 
-# build PRESET FOLDER [CMAKE_ARGUMENT...]: configures and builds; silent on standard output.
+# build PRESET FOLDER [CMAKE_ARGUMENT...]: configures and builds. Writes nothing to standard output.
 build() {
     local preset="$1" folder="$2"
     shift 2

@@ -1,4 +1,4 @@
-// Check Access against the truth: each answer is compared with what smbclient can do on a real smbd.
+// Check Access compared with the truth: what smbclient can do on a real smbd.
 
 #include "access/AccessCheck.h"
 #include "access/ServerAccounts.h"
@@ -23,11 +23,11 @@ namespace fs = std::filesystem;
 using accesscheck::Answer;
 using accesscheck::Permissions;
 
-constexpr uid_t ann = 7301;  // of the group crew
-constexpr gid_t crew = 7200; // and bob is its member
+constexpr uid_t ann = 7301;  // a member of the group crew
+constexpr gid_t crew = 7200; // bob is listed as a member
 constexpr gid_t others = 7299;
 
-/// A share: its settings, and what becomes of its folder.
+/// A share with its settings, and the mode and owner of its folder.
 struct Case {
     const char* name;
     const char* settings;
@@ -99,7 +99,7 @@ void PrintTo(const Permissions& may, std::ostream* stream) {
 
 namespace {
 
-/// A root with the users ann, bob, eve and a few who cannot log on, and its server.
+/// A root with its server, the users ann, bob and eve, and a few who cannot log on.
 class CheckAccess : public testing::Test {
   protected:
     void SetUp() override {
@@ -107,7 +107,7 @@ class CheckAccess : public testing::Test {
             GTEST_SKIP() << "no smbd on this machine: install samba, smbclient and libnss-wrapper";
         }
         if (geteuid() != 0) {
-            GTEST_SKIP() << "only root's smbd becomes each user in turn";
+            GTEST_SKIP() << "only root's smbd can become each user";
         }
         fs::permissions(test_.root(), fs::perms(0755));
         ASSERT_EQ(root_.makeIfMissing().text(), "");
@@ -161,7 +161,7 @@ class CheckAccess : public testing::Test {
         tool(std::move(words));
     }
 
-    /// What `user`, or the guest, can really do.
+    /// Returns what `user`, or the guest, can really do.
     [[nodiscard]] Permissions truth(const std::string& share, const char* user,
                                     const fs::path& folder) const {
         const fs::path got = test_.root() / "got";
@@ -241,7 +241,7 @@ class CheckAccess : public testing::Test {
 
 } // namespace
 
-TEST_F(CheckAccess, EveryAnswerIsWhatTheServerDoes) {
+TEST_F(CheckAccess, EveryAnswerMatchesTheServer) {
     for (const Case& each : cases) {
         compare(each.name, folder(each.name), each);
     }

@@ -76,7 +76,7 @@ class AccountFilesTest : public testing::Test {
 
 } // namespace
 
-TEST_F(AccountFilesTest, TheLinesAreTheUsersAndGroupsOfAComputerWhereNothingWasChanged) {
+TEST_F(AccountFilesTest, TheLinesAreTheUsersAndGroupsOfAnUnchangedComputer) {
     EXPECT_EQ(
         report("/users", {"name", "uid", "sharedDir", "realname", "gid"}),
         (std::vector<std::string>{"root\t0\t#NoValue#\troot\t0\t\n", "nobody\t-2\t#NoValue#\tnobody\t-2\t\n",
@@ -88,7 +88,7 @@ TEST_F(AccountFilesTest, TheLinesAreTheUsersAndGroupsOfAComputerWhereNothingWasC
     EXPECT_FALSE(fs::exists(folder / "directory.db"));
 }
 
-TEST_F(AccountFilesTest, WhatALineCannotHoldBelongsToTheAccountOfThatNameAndId) {
+TEST_F(AccountFilesTest, PropertiesOutsideALineBelongToTheAccountOfThatNameAndId) {
     Store store((folder / "directory.db").string(), Store::Opening::Create);
     const auto users = store.addRecord(Store::root, "users");
     store.addRecord(Store::root, "groups");
@@ -97,7 +97,7 @@ TEST_F(AccountFilesTest, WhatALineCannotHoldBelongsToTheAccountOfThatNameAndId) 
     set(store, alice, "realname", "Not Alice");
     set(store, alice, "sharedDir", "Public");
     const auto root = store.addRecord(users, "root");
-    set(store, root, "uid", "5"); // of another account, which had the name before
+    set(store, root, "uid", "5"); // the number of another account that had the name before
     set(store, root, "sharedDir", "Public");
     set(store, store.addRecord(users, "halfmade"), "realname", "H");
     EXPECT_TRUE(store.commit().isOk());

@@ -1,4 +1,4 @@
-// What the account tabs list and propose, and what the editors and the Public folders make of it.
+// What the account tabs list and propose, and what the editors and the Public folders do with it.
 
 #include "support/AccountsFixture.h"
 
@@ -18,7 +18,7 @@ TEST_F(AccountsTest, AReportThatCannotBeReadIsLoggedAndTheOtherTableIsStillFille
     const std::string groupsBug = bug + "/groups gid name users";
     const std::string usersBug = bug + "/users name uid sharedDir";
 
-    // Which reports fail, counted from 0, what is logged, and the rows that are listed then.
+    // Which reports fail, counted from 0, what is logged, and how many rows are then listed.
     using Case = std::tuple<const char*, std::set<int>, Texts, int, int>;
     for (const auto& [operation, failing, log, groups, users] :
          std::vector<Case>{{"refreshGroupList:", {0}, {groupsBug}, 0, 3},
@@ -45,7 +45,7 @@ TEST_F(AccountsTest, AReportThatCannotBeReadIsLoggedAndTheOtherTableIsStillFille
     }
 }
 
-TEST_F(AccountsTest, NoRowMeansNothingHappens) {
+TEST_F(AccountsTest, WithoutARowNothingHappens) {
     app().userTableView->deselectAll();
     app().groupTableView->deselectAll();
     host.events.clear();
@@ -80,18 +80,22 @@ TEST_F(AccountsTest, ProposesTheNextFreeIds) {
     for (const char* path : {"wheel", "staff", "admin", "hundred", "friends", "last"}) {
         nicl({"-delete", std::string("/groups/") + path});
     }
+    addGroup("only", "4");
+    send("getNextGID:");
+    EXPECT_EQ(app().gid->stringValue(), "101");
+    nicl({"-delete", "/groups/only"});
     addUser("highest", "4294967294");
     addGroup("highest", "4294967294");
     for (const char* kind : {"UID", "GID"}) {
         host.answerAlert(std::string(kind) + " Not Proposed", "OK");
         send(std::string("getNext") + kind + ":");
     }
-    EXPECT_EQ(app().uid->stringValue() + " " + app().gid->stringValue(), "2147483648 102");
+    EXPECT_EQ(app().uid->stringValue() + " " + app().gid->stringValue(), "2147483648 101");
     nicl({"-delete", "/groups/highest"});
     host.events.clear();
     send("getNextGID:");
     EXPECT_EQ(host.events, (Texts{"log No Groups found to update the GID", "beep"}));
-    EXPECT_EQ(app().gid->stringValue(), "102");
+    EXPECT_EQ(app().gid->stringValue(), "101");
 }
 
 TEST_F(AccountsTest, SystemAccountsAreHiddenUntilTheirBoxIsChecked) {
@@ -107,7 +111,7 @@ TEST_F(AccountsTest, SystemAccountsAreHiddenUntilTheirBoxIsChecked) {
     EXPECT_EQ(app().groupPopUp->numberOfItems(), 5);
     EXPECT_EQ(app().groupTableView->numberOfRows(), 5);
 
-    // What was selected stays selected, with its id, when the box hides it again, and when its group is gone.
+    // The selected title stays selected, with its id, when the box hides it again and when its group is gone.
     app().groupPopUp->selectItemWithTitle("hundred");
     app().showSystemUsersGroups2->performClick();
     EXPECT_EQ(app().groupPopUp->itemTitles(), (Names{"staff", "admin", "friends", "hundred"}));
@@ -160,7 +164,7 @@ TEST_F(AccountsTest, FieldsAndButtonsFollowTheRowAndTheTypedName) {
     EXPECT_EQ(app().createNewGroupButton->title(), "Update Group");
 }
 
-TEST_F(AccountsTest, ASelectedRowThatGoesAwayLeavesNothingToActOn) {
+TEST_F(AccountsTest, AfterTheSelectedRowIsGoneThereIsNothingToActOn) {
     const auto groupEditor = [this] {
         const BRController& shown = app();
         return Texts{shown.groupName->stringValue(),
@@ -180,7 +184,7 @@ TEST_F(AccountsTest, ASelectedRowThatGoesAwayLeavesNothingToActOn) {
     host.answerAlert("Confirm Delete Selected Group", "Yes");
     send("deleteSelectedGroup:");
     EXPECT_EQ(groupEditor(), (Texts{"staff", "20", "Update Group", "delete", "add", "remove"}))
-        << "the row is there, with the next group in it, and the fields are left alone";
+        << "the row still exists, with the next group in it, and the fields are unchanged";
     nicl({"-delete", "/groups/admin"});
     send("addUserToGroup:");
     EXPECT_EQ(groupEditor(), noGroup);
@@ -195,7 +199,7 @@ TEST_F(AccountsTest, ASelectedRowThatGoesAwayLeavesNothingToActOn) {
     }
 }
 
-TEST_F(AccountsTest, AnUpdateKeepsThePublicFolderAsItsButtonLeftIt) {
+TEST_F(AccountsTest, AnUpdateKeepsWhatTheButtonsDidToThePublicFolder) {
     selectUser("bob");
     const auto choiceAfter = [this](const char* operation) {
         send(operation);
@@ -210,7 +214,7 @@ TEST_F(AccountsTest, AnUpdateKeepsThePublicFolderAsItsButtonLeftIt) {
     host.answerAlert("Confirm Update User", "Yes");
     send("addNewUser:");
     EXPECT_EQ(takeRuns().back(), "/usr/bin/nicl . -create /users/bob sharedDir Public");
-    // The menu is another user's choice once another name is typed.
+    // When another name is typed, the menu is a choice for another user.
     app().shortName->setStringValue("alice");
     EXPECT_EQ(choiceAfter("disableSelectedPublicShare:"), 0);
 }

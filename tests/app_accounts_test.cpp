@@ -1,4 +1,4 @@
-// Users and groups are added, changed and deleted.
+// Adding, changing and deleting users and groups.
 
 #include "support/AccountsFixture.h"
 
@@ -11,7 +11,7 @@ namespace {
 using Titles = std::vector<std::string>;
 using Runs = std::vector<std::string>;
 
-TEST_F(AccountsTest, ANewUserIsMadeAskedForAPasswordAndPutIntoItsGroup) {
+TEST_F(AccountsTest, ANewUserIsMadeGetsAPasswordSheetAndJoinsItsGroup) {
     fillUser("Alice A", "alice", "503");
     app().groupPopUp->selectItemWithTitle("friends");
     app().publicSharedPopUp->selectItemAtIndex(0);
@@ -64,7 +64,7 @@ TEST_F(AccountsTest, ACreationThatFailsAsksForNoPasswordAndStillJoinsTheGroup) {
     EXPECT_EQ(host.beeps, 1);
 }
 
-TEST_F(AccountsTest, AUserLeavesTheDirectoryAsItWasBefore) {
+TEST_F(AccountsTest, MakingAndDeletingAUserLeavesTheDirectoryUnchanged) {
     const auto directory = [this] {
         const Runs words{".",   "/users",    "name", "realname", "gid",
                          "uid", "sharedDir", "home", "passwd",   "shell"};
@@ -117,7 +117,7 @@ TEST_F(AccountsTest, EachUserGetsItsOwnQuestion) {
         {"new", "501", "friends", {add, {"UID is Not Unique", "No"}}, {}},
         {"adam", "502", "friends", {{"Confirm Update Admin User", "No"}}, {}},
         {"low", "99", "friends", {{change.first, "No"}}, {}}, // hidden from the list, but not new
-        // Another user's id is not looked for, and a member is not appended again.
+        // An update does not check the id, and does not append a member again.
         {"bob", "502", "friends", {change}, update("501", "502")},
         {"bob", "501", "hundred", {change}, joins},
         {"bob", "501", "", {change}, update("100", "501")},
@@ -197,10 +197,12 @@ TEST_F(AccountsTest, GroupsAreMadeChangedAndDeleted) {
     send("addNewGroup:");
     EXPECT_EQ(takeRuns(), (Runs{create, create + " gid 501", create + " passwd *", create + " users"}));
     EXPECT_GE(app().groupPopUp->indexOfItemWithTitle("club"), 0);
-    host.answerAlert("Confirm Update Group", "Yes");
-    fillGroup("club", "600");
-    send("addNewGroup:");
-    EXPECT_EQ(takeRuns(), Runs{create + " gid 600"});
+    for (const char* number : {"600", "501"}) { // the other group's number is not looked for
+        host.answerAlert("Confirm Update Group", "Yes");
+        fillGroup("club", number);
+        send("addNewGroup:");
+        EXPECT_EQ(takeRuns(), Runs{create + " gid " + number});
+    }
     const std::map<std::string, std::string> questions{
         {"Confirm Add New Group", "Are you sure you want to add a new Group?"},
         {"Confirm Update Group", "Are you sure you want to update the selected group?"},
@@ -241,12 +243,12 @@ TEST_F(AccountsTest, ADeletedUserLeavesEveryGroup) {
     EXPECT_EQ(groups(),
               "wheel\t0\troot\t\nstaff\t20\t#NoValue#\t\nadmin\t80\troot,adam\t\nhundred\t100\t#NoValue#\t\n"
               "friends\t501\tadam\t\n");
-    // The row's place is taken by the user who came after.
+    // The next user has taken the row's place.
     EXPECT_EQ(app().shortName->stringValue(), "adam");
 }
 
 TEST_F(AccountsTest, MembershipFollowsTheSelectedRowsInOrder) {
-    send("addUserToGroup:"); // no group is selected: nothing
+    send("addUserToGroup:"); // does nothing without a selected group
     selectGroup("staff");
     ASSERT_EQ(app().groupUsersTableView->numberOfRows(), 3); // edge, bob, adam
     app().groupUsersTableView->selectRows({2, 1, 0});
@@ -260,7 +262,7 @@ TEST_F(AccountsTest, MembershipFollowsTheSelectedRowsInOrder) {
     EXPECT_NE(groups().find("staff\t20\tedge\t"), std::string::npos);
 }
 
-TEST_F(AccountsTest, ANewUsersPasswordIsSetAlsoWhenTheSelectedRowWentAway) {
+TEST_F(AccountsTest, ANewUsersPasswordIsSetEvenIfTheSelectedRowIsGone) {
     selectUser("adam");
     fillUser("Alice A", "alice", "9"); // not listed
     nicl({"-delete", "/users/adam"});

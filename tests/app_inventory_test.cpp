@@ -1,4 +1,4 @@
-// What the four tables show of a directory and a configuration.
+// What the four tables show for a directory and a configuration.
 
 #include "support/AppFixture.h"
 
@@ -21,7 +21,7 @@ TEST_F(Inventory, SharesAreRecordsJoinedWithTheSectionsOfTheirFolder) {
                                "[Printers]\npath = /p\nGuest OK = yes\n"
                                "[more]\npath = /p\n"
                                "[nowhere]\nguest ok = yes\n");
-    host.answerAlert("Shares Are Not Updated for Jaguar", "No"); // the bare record is an outdated one
+    host.answerAlert("Shares Are Not Updated for Jaguar", "No"); // the bare record is outdated
     start();
     const std::vector<std::pair<std::string, Texts>> columns = {
         {"ShareName", {"Both", "Slash", "Bare", "second", "slash", "Printers", "nowhere"}},
@@ -40,7 +40,8 @@ TEST_F(Inventory, SharesAreRecordsJoinedWithTheSectionsOfTheirFolder) {
 
     host.write("etc/smb.conf", "");
     send("refreshNormalList:");
-    EXPECT_EQ(control<NSTableView>("normalTableView").numberOfRows(), 7) << "the configuration is read once";
+    EXPECT_EQ(control<NSTableView>("normalTableView").numberOfRows(), 7)
+        << "the configuration is only read once";
 }
 
 TEST_F(Inventory, LaterSectionsOfOneFolderMarkTheSameRow) {

@@ -29,7 +29,7 @@ class Launch : public AppFixture {
             host.log, [&text](const std::string& line) { return line.find(text) != std::string::npos; });
     }
 
-    /// What the lock shows: the image's name and the label.
+    /// Returns what the lock shows: the image's name and the label.
     std::string lock() { return control<NSButton>("lockButton").image()->name() + " " + text("authLabel"); }
 };
 
@@ -46,7 +46,7 @@ TEST_F(Launch, ShowsTheVersionAndAnEmptyEditor) {
 
 TEST_F(Launch, TheLockFollowsTheAuthorizationUntilTheEnd) {
     start();
-    EXPECT_EQ(lock(), "unlock Click to disallow changes") << "a right that is still held is found at once";
+    EXPECT_EQ(lock(), "unlock Click to disallow changes") << "a right that is still held is noticed at once";
     send("toggleAuthorization:");
     EXPECT_EQ(lock(), "lock Click to allow changes");
     EXPECT_EQ(host.administratorDialogs, 0);
@@ -55,15 +55,15 @@ TEST_F(Launch, TheLockFollowsTheAuthorizationUntilTheEnd) {
     EXPECT_EQ(lock(), "lock Click to allow changes");
     host.administratorAllows = true;
     NiutilTask::sharedInstance().authenticate();
-    EXPECT_EQ(lock(), "unlock Click to disallow changes") << "whoever asked";
+    EXPECT_EQ(lock(), "unlock Click to disallow changes") << "whichever control asked";
 
     control<NSWindow>("mainWindow").close();
     EXPECT_TRUE(NSApp().isTerminated());
     EXPECT_FALSE(host.rightHeld);
-    EXPECT_EQ(lock(), "unlock Click to disallow changes") << "nobody looks at the lock any more";
+    EXPECT_EQ(lock(), "unlock Click to disallow changes") << "the lock is no longer updated";
 }
 
-TEST_F(Launch, AListThatCannotBeReadIsLoggedAndEmptyAndTheOthersGoOn) {
+TEST_F(Launch, AListThatCannotBeReadIsLoggedAndEmptyAndTheOthersAreFilled) {
     addUser("alice", "501");
     addGroup("staff", "20");
     addShare("Docs", "/shares/docs");
@@ -74,7 +74,7 @@ TEST_F(Launch, AListThatCannotBeReadIsLoggedAndEmptyAndTheOthersGoOn) {
     int asked = 0;
     host.onReport = [&asked] { ++asked; };
     controller->applicationDidFinishLaunching();
-    const int before = asked - static_cast<int>(tables.size()); // of the menus, which are filled first
+    const int before = asked - static_cast<int>(tables.size()); // for the menus, which are filled first
     for (std::size_t failing = 0; failing < tables.size(); ++failing) {
         SCOPED_TRACE(tables[failing]);
         int next = -before;
@@ -95,7 +95,7 @@ TEST_F(Launch, AListThatCannotBeReadIsLoggedAndEmptyAndTheOthersGoOn) {
     }
 }
 
-TEST_F(Launch, AStepThatFailsIsLoggedAndTheOthersGoOn) {
+TEST_F(Launch, AFailedStepIsLoggedAndTheOthersAreDone) {
     addUser("alice", "501");
     host.write("etc/smb.conf", "[global]\nworkgroup = OFFICE\n[Docs]\npath = /shares/docs\n");
     host.write("Library/Preferences/com.apple.AppleFileServer.plist",
@@ -129,7 +129,7 @@ TEST_F(Launch, AHandWrittenConfigurationIsWarnedAboutLineByLine) {
     EXPECT_TRUE(host.alerts.empty());
 
     send("updateSMBProperties:");
-    EXPECT_EQ(text("smbConfNotice"), "") << "what a write has lost needs no warning";
+    EXPECT_EQ(text("smbConfNotice"), "") << "after the write nothing is left to warn of";
 
     std::string many = "[Docs]\n";
     for (int line = 0; line < 100; ++line) {
@@ -146,7 +146,7 @@ TEST_F(Launch, AHandWrittenConfigurationIsWarnedAboutLineByLine) {
     EXPECT_EQ(text("smbConfNotice"), "");
 }
 
-TEST_F(Launch, AConfigurationThatShowsInPartIsWarnedAboutUntilItsSettingsAreSaved) {
+TEST_F(Launch, APartlyShownConfigurationIsWarnedAboutUntilItsSettingsAreSaved) {
     host.write("etc/smb.conf", "[global]\ndos charset = C\nserver string = not shown\n");
     start();
     const std::string notice = "Only a part of the SMB settings could be shown.";
@@ -162,7 +162,7 @@ TEST_F(Launch, AConfigurationThatShowsInPartIsWarnedAboutUntilItsSettingsAreSave
     control<NSPopUpButton>("sharingSMB").performSelect(1);
     send("createShare:");
     EXPECT_NE(host.read("etc/smb.conf").find("[Docs]"), std::string::npos);
-    EXPECT_TRUE(text("smbPartNotice").starts_with(notice)) << "a share's write changes none of the settings";
+    EXPECT_TRUE(text("smbPartNotice").starts_with(notice)) << "writing a share changes no setting";
 
     send("updateSMBProperties:");
     EXPECT_EQ(text("smbPartNotice"), "");
@@ -175,7 +175,7 @@ TEST_F(Launch, AConfigurationThatShowsInPartIsWarnedAboutUntilItsSettingsAreSave
 }
 
 TEST_F(Launch, AConfigurationThatCannotBeReadIsWarnedAboutAsLongAsItIsNotSaved) {
-    std::filesystem::create_directory(host.root() / "etc/smb.conf"); // nobody can read it as a file
+    std::filesystem::create_directory(host.root() / "etc/smb.conf"); // it cannot be read as a file
     start();
     const std::string notice = (host.root() / "etc/smb.conf").string() +
                                " cannot be read (Is a directory), and nothing will be saved to it.  Make it "
@@ -186,7 +186,7 @@ TEST_F(Launch, AConfigurationThatCannotBeReadIsWarnedAboutAsLongAsItIsNotSaved) 
     EXPECT_EQ(text("smbConfNotice"), notice);
 }
 
-TEST_F(Launch, TheDrawerStaysClosedOnceAnotherPageWasShown) {
+TEST_F(Launch, TheDrawerStaysClosedAfterAnotherPageWasShown) {
     start();
     auto& drawer = control<NSDrawer>("drawer");
     auto& pages = control<NSTabView>("mainTabView");

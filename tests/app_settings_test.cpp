@@ -10,7 +10,7 @@ constexpr const char* plistPath = "Library/Preferences/com.apple.AppleFileServer
 constexpr const char* restartAFSRun = "/bin/kill -1 210";
 constexpr const char* restartSMBRun = "/bin/kill -1 310";
 
-/// Every setting that the tab shows, in its own type, and some that it does not show.
+/// Every setting that the tab shows, with its type, and some that it does not show.
 constexpr const char* fullSettings = R"(<?xml version="1.0" encoding="UTF-8"?>
 <plist version="1.0"><dict>
 <key>loginGreeting</key><string>Hello &amp; welcome</string>
@@ -56,7 +56,7 @@ class SettingsTest : public AppFixture {
         start();
     }
 
-    /// The text after one press of the SMB page's save button.
+    /// Returns the file's text after the SMB page's save button is pressed.
     std::string savedConf() {
         send("updateSMBProperties:");
         return host.read("etc/smb.conf");
@@ -66,7 +66,7 @@ class SettingsTest : public AppFixture {
 
     std::string copyRun() const { return "/bin/cp " + temporary().string() + " /" + plistPath; }
 
-    /// Both files as this system's property lists, so that only keys, values and types count.
+    /// Returns the list as our property lists write it, so that only keys, values and types are compared.
     static std::string canonical(const std::string& plist) {
         return NSMutableDictionary::dictionaryWithData(plist).value_or(NSMutableDictionary()).xmlText();
     }
@@ -102,11 +102,11 @@ TEST_F(SettingsTest, EveryControlIsSavedUnderItsOwnKey) {
         SCOPED_TRACE(key);
         const std::string before = "<key>" + key + "</key>";
         const std::size_t at = expected.find(before + from);
-        ASSERT_NE(at, std::string::npos) << "the setting is not what it is thought to be";
+        ASSERT_NE(at, std::string::npos) << "the setting is not what this test expects";
         expected.replace(at + before.size(), from.size(), to);
         send("updateAFSProperties:");
         EXPECT_EQ(canonical(host.read(plistPath)), canonical(expected));
-        send("refreshAFSProperties:"); // shows what was saved, and the next save must keep it
+        send("refreshAFSProperties:"); // shows what was saved; the next save must keep it
     };
     const auto flips = [&](const std::string& key, int stateBefore) {
         const bool on = stateBefore == NSOnState;
@@ -165,7 +165,7 @@ TEST_F(SettingsTest, SettingsThatCouldNotBeReadAreNotReplaced) {
     EXPECT_FALSE(fs::exists(temporary()) || fs::exists(host.root() / plistPath));
 }
 
-TEST_F(SettingsTest, MissingSettingsShowAsOffAndNothing) {
+TEST_F(SettingsTest, MissingSettingsShowAsOffOrEmpty) {
     startWithSettings("<plist version=\"1.0\"><dict><key>afpServerEncoding</key><integer>99</integer>"
                       "<key>activityLog</key><true/></dict></plist>");
     EXPECT_EQ(app().greeting->stringValue() + "|" + app().tcpPort->stringValue(), "|0");
@@ -224,7 +224,7 @@ TEST_F(SettingsTest, AFailedSaveSaysWhichStepFailedAndWhatIsLeft) {
     EXPECT_EQ(app().greeting->stringValue(), "edited");
 }
 
-TEST_F(SettingsTest, TheLogFileIsChosenBesideTheOneThatIsSet) {
+TEST_F(SettingsTest, TheLogFileIsChosenInTheFolderOfTheCurrentOne) {
     startWithSettings(fullSettings);
     app().loggingEnable->performClick();
     host.choosePath("/var/log/afp.log");
@@ -268,7 +268,7 @@ TEST_F(SettingsTest, ChangesReachTheFirstPairAndNothingElse) {
     EXPECT_EQ(app().smbWorkGroup->stringValue(), "TWO");
     EXPECT_EQ(app().smbSecurity->indexOfSelectedItem(), 1);
     EXPECT_EQ(app().smbCodePage->tagOfSelectedItem(), 850);
-    EXPECT_EQ(app().smbWorkGroupMaster->state(), NSOffState) << "only the exact text is a yes";
+    EXPECT_EQ(app().smbWorkGroupMaster->state(), NSOffState) << "only the exact text means yes";
     EXPECT_EQ(app().smbHomeDirsReadOnly->state(), NSOnState);
     app().smbSecurity->performSelect(0);
     app().smbWINSServer->setStringValue("");
@@ -283,7 +283,7 @@ TEST_F(SettingsTest, ChangesReachTheFirstPairAndNothingElse) {
         std::string::npos);
 }
 
-TEST_F(SettingsTest, CommentedOutHomesBecomeLiveAndBack) {
+TEST_F(SettingsTest, CommentedOutHomesCanBeEnabledAndDisabledAgain) {
     startWithConf(
         "[global]\nsecurity = DOMAIN\ndos charset = UTF8\n;[homes]\n;browseable = yes\n; note\n;path = /h\n");
     EXPECT_EQ(app().smbShareHomeDirs->state(), NSOffState);
@@ -304,7 +304,7 @@ TEST_F(SettingsTest, CommentedOutHomesBecomeLiveAndBack) {
               global + ";[homes]\n;browseable = yes\n;path = /h\n;read only = yes\n; note\n\n\n");
 }
 
-TEST_F(SettingsTest, RevertDropsWhatWasTypedAndARefreshOnlyWhatTheFileHolds) {
+TEST_F(SettingsTest, RevertDropsAllEditsAndARefreshOnlyThoseOfKeysInTheFile) {
     startWithConf("[global]\nworkgroup = A\nhide dot files = no\nsecurity = DOMAIN\n");
     const auto shown = [this] {
         return text("smbWorkGroup") + "|" + text("smbWINSServer") + "|" +
@@ -326,7 +326,7 @@ TEST_F(SettingsTest, RevertDropsWhatWasTypedAndARefreshOnlyWhatTheFileHolds) {
     EXPECT_EQ(shown(), first);
 }
 
-TEST_F(SettingsTest, AFailedSMBWriteIsShownAndTheServerRestartedAllTheSame) {
+TEST_F(SettingsTest, AFailedSMBWriteIsShownAndTheServerIsStillRestarted) {
     startWithConf("[global]\nworkgroup = A\n");
     const auto copyFails = [](const RecordedRun& run) {
         return TestHost::RunAnswer{run.tool == "/bin/cp" ? "cp: no\n" : "", 0};
@@ -347,7 +347,7 @@ TEST_F(SettingsTest, AFailedSMBWriteIsShownAndTheServerRestartedAllTheSame) {
                            "dos charset = CP850\nlocal master = yes\nhide dot files = yes\n\n\n");
 }
 
-TEST_F(SettingsTest, AValueThatNamesNoCodePageStopsTheFillingAndNotTheStart) {
+TEST_F(SettingsTest, AnInvalidCodePageStopsTheFillingButNotTheStart) {
     startWithConf("[global]\nworkgroup = A\ndos charset = 8\nserver string = late\n");
     EXPECT_EQ(app().smbWorkGroup->stringValue(), "A");
     EXPECT_EQ(app().smbServerInfoString->stringValue(), "");

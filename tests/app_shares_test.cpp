@@ -19,7 +19,7 @@ class Shares : public AppFixture {
         };
     }
 
-    /// A folder that exists, of that mode.
+    /// Makes a folder with that mode and returns its path.
     std::string folder(const std::string& name, mode_t mode = 0755) {
         const std::string path = (host.root() / name).string();
         std::filesystem::create_directories(path);
@@ -27,7 +27,7 @@ class Shares : public AppFixture {
         return path;
     }
 
-    /// The privilege menus' items: 0 read and write, 1 read only, 2 write only, 3 none.
+    /// Returns the items of the privilege menus: 0 read and write, 1 read only, 2 write only, 3 none.
     std::vector<int> privileges() {
         return {index("ownerPrivs"), index("groupPrivs"), index("everyonePrivs")};
     }
@@ -104,7 +104,7 @@ TEST_F(Shares, TheEditorShowsTheFolderOfTheSelectedShareAsItIsNow) {
     const auto attributes = fileAttributesAtPath(docs);
     EXPECT_EQ(text("shareName") + " " + text("directory"), "Docs " + docs);
     EXPECT_EQ(control<NSPopUpButton>("owner").titleOfSelectedItem(), attributes->ownerAccountName())
-        << "an owner that the menu does not list is added";
+        << "an owner that is not in the menu is added to it";
     EXPECT_EQ(control<NSPopUpButton>("group").titleOfSelectedItem(), attributes->groupOwnerAccountName());
     EXPECT_EQ(privileges(), (std::vector<int>{0, 1, 1}));
     EXPECT_EQ(controller->menuToPermissions(), 0755);
@@ -139,7 +139,7 @@ TEST_F(Shares, TheButtonSaysWhetherTheTypedNameIsAnUpdate) {
     }
 }
 
-TEST_F(Shares, AChosenFolderBringsItsOwnerAndPrivilegesButNoName) {
+TEST_F(Shares, AChosenFolderSetsTheOwnerAndPrivilegesButNotTheName) {
     const std::string drop = folder("drop", 0733);
     start();
     host.choosePath(std::nullopt);
@@ -171,9 +171,9 @@ TEST_F(Shares, AShareThatCannotBeMadeIsRefusedBeforeAnythingIsWritten) {
 
     host.rightHeld = false;
     host.administratorAllows = false;
-    fillEditor(" ", "/d"); // a name of blanks is a name
+    fillEditor(" ", "/d"); // a name of blanks is accepted
     send("createShare:");
-    EXPECT_EQ(host.events.back(), "administrator refuse") << "and nothing is said about it";
+    EXPECT_EQ(host.events.back(), "administrator refuse") << "without any alert";
     EXPECT_TRUE(host.runs.empty());
 }
 
@@ -187,13 +187,13 @@ TEST_F(Shares, AreWrittenToTheDirectoryTheConfigurationTheFolderAndTheServersInT
     EXPECT_EQ(host.runTexts(), all);
     EXPECT_NE(host.read("etc/smb.conf").find("[Docs]\npath = " + docs + "\nread only = No\n"),
               std::string::npos);
-    EXPECT_EQ(table().selectedRow(), 0) << "the new share is the selected one";
+    EXPECT_EQ(table().selectedRow(), 0) << "the new share is selected";
     EXPECT_EQ(control<NSButton>("createNewShare").title(), "Update Share");
 
     host.runs.clear();
     fillEditor("Docs", docs, false);
     send("createShare:");
-    EXPECT_EQ(host.runTexts(), all) << "an update is the same runs";
+    EXPECT_EQ(host.runTexts(), all) << "an update makes the same runs";
     EXPECT_EQ(columnOf("normalTableView", "SMB"), Texts{"-"});
 
     host.runs.clear();
@@ -236,7 +236,7 @@ TEST_F(Shares, TheOwnerIsInheritedOnlyWithThePrivileges) {
     }
 }
 
-TEST_F(Shares, AFailedStepOfTheRecordTakesTheRecordBackAndTheRestGoesOn) {
+TEST_F(Shares, AFailedStepOfTheRecordRemovesTheRecordAndTheRestIsDone) {
     addAccounts();
     const std::string docs = folder("docs");
     start();
@@ -256,13 +256,13 @@ TEST_F(Shares, AFailedStepOfTheRecordTakesTheRecordBackAndTheRestGoesOn) {
                           folderRuns(docs),
                           restartRuns()}));
         EXPECT_EQ(table().numberOfRows(), 0);
-        EXPECT_EQ(text("shareName"), "Docs") << "what was typed is still there to try again";
+        EXPECT_EQ(text("shareName"), "Docs") << "the typed text is kept for another try";
     }
     EXPECT_EQ(host.alerts.back().message,
               "An Error occured while creating the share \"Docs\", please try again.");
 }
 
-TEST_F(Shares, AFailedConfigurationWriteIsShownAndTheRestGoesOn) {
+TEST_F(Shares, AFailedConfigurationWriteIsShownAndTheRestIsDone) {
     addAccounts();
     const std::string docs = folder("docs");
     start();
@@ -309,7 +309,7 @@ TEST_F(Shares, AMovedShareLeavesItsSectionBehindAsAShareOfItsOwn) {
     EXPECT_EQ(table().selectedRow(), 0);
 }
 
-TEST_F(Shares, DeletingTakesTheSelectedShareOnly) {
+TEST_F(Shares, DeletingRemovesOnlyTheSelectedShare) {
     addShare("First", "/shares/first");
     addShare("Second", "/shares/second");
     host.write("etc/smb.conf", "[First]\npath = /shares/first\n[Second]\npath = /shares/second\n");
@@ -330,7 +330,7 @@ TEST_F(Shares, DeletingTakesTheSelectedShareOnly) {
     EXPECT_EQ(control<NSButton>("createNewShare").title(), "Create New Share");
 }
 
-TEST_F(Shares, DeletingAllAsksFirstAndLeavesTheConfiguration) {
+TEST_F(Shares, DeletingAllAsksFirstAndKeepsTheConfiguration) {
     addShare("First", "/shares/first");
     addShare("Second", "/shares/second");
     host.write("etc/smb.conf", "[First]\npath = /shares/first\n");
@@ -348,7 +348,7 @@ TEST_F(Shares, DeletingAllAsksFirstAndLeavesTheConfiguration) {
     EXPECT_EQ(columnOf("normalTableView", "SMB"), Texts{"+"});
 }
 
-TEST_F(Shares, OfAnOlderSystemAreRewrittenOnRequestAtEachStart) {
+TEST_F(Shares, FromAnOlderSystemAreRewrittenOnRequestAtEachStart) {
     addShare("New", "/shares/new");
     nicl({"-create", "/config/Brindle/New", "afp_use_parent_privs", "1"});
     nicl({"-create", "/config/Brindle/Old"});
@@ -375,8 +375,8 @@ TEST_F(Shares, OfAnOlderSystemAreRewrittenOnRequestAtEachStart) {
                                        {recordRun("-delete", "Old")},
                                        created,
                                        {recordRun("-delete", "Old")}}))
-        << "every record, and no share that only the SMB configuration knows";
-    EXPECT_EQ(recordNames(), (Texts{"New", "Old", "smbonly"})) << "shown as they were read";
+        << "every record, but no share that only the SMB configuration knows";
+    EXPECT_EQ(recordNames(), (Texts{"New", "Old", "smbonly"})) << "the list is not read again";
 
     NormalShare withoutRecord;
     withoutRecord.setInherit("Yes");

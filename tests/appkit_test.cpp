@@ -1,10 +1,10 @@
-// The control models and the application as a user, the controller and a front-end meet them.
+// The control models and the application as a user, the controller and a front-end use them.
 
 #include "support/AppKitFixture.h"
 
 namespace {
 
-TEST_F(AppKit, AReloadKeepsTheSelectedRowsThatStillExistAndTellsNobody) {
+TEST_F(AppKit, AReloadKeepsTheSelectedRowsThatStillExistWithoutANotification) {
     Recorder source;
     NSTableView table;
     table.setDataSource(&source);
@@ -15,11 +15,11 @@ TEST_F(AppKit, AReloadKeepsTheSelectedRowsThatStillExistAndTellsNobody) {
     table.selectRows({4, 1, 9, 1, -1});
     EXPECT_EQ(table.selectedRows(), (std::vector<int>{1, 4}));
     source.rows = 3;
-    EXPECT_EQ(table.numberOfRows(), 5) << "the number is the last reload's";
+    EXPECT_EQ(table.numberOfRows(), 5) << "the number of rows at the last reload";
     table.reloadData();
     EXPECT_EQ(table.selectedRows(), std::vector<int>{1});
     table.selectRow(1);
-    EXPECT_EQ(source.told, Names{"selected 1"}) << "once, for the first selection";
+    EXPECT_EQ(source.told, Names{"selected 1"}) << "only for the first selection";
     EXPECT_EQ(table.objectValue({"User", "User"}, 2), "User2");
     EXPECT_EQ(table.objectValue({"User", "User"}, 3), "");
 }
@@ -50,7 +50,7 @@ TEST_F(AppKit, ARefusedEditLeavesTheFieldAndIsReported) {
     EXPECT_EQ(delegate.told, Names{"hey->hey!: too loud"});
     EXPECT_EQ(sent, 1);
     field.setStringValue("LOUD!");
-    EXPECT_EQ(field.stringValue(), "LOUD!") << "the program is not asked";
+    EXPECT_EQ(field.stringValue(), "LOUD!") << "text from the program is not checked";
     field.setEnabled(false);
     EXPECT_FALSE(field.proposeEdit("quiet", 5, {}));
 }
@@ -66,9 +66,9 @@ TEST_F(AppKit, NoLineBreakOrControlCharacterEntersAField) {
         {"", "a\nb\r\nc\rd\u2028e\u0085f", "a b c d e f"},
         {"", "a\x1B\x7F\u0090\tb", "a\tb"},
         {"", std::string("a\0b", 3), "ab"},
-        {"", "\xFF\x85", "\xFF\x85"},    // bytes that are no characters
-        {"a\nb", "a\nbc", "a\nbc"},      // what the program put in stays
-        {"a\u2026b", "a\u2028b", "a b"}, // shares bytes with what it takes the place of
+        {"", "\xFF\x85", "\xFF\x85"},    // bytes that are not characters
+        {"a\nb", "a\nbc", "a\nbc"},      // the program's text stays
+        {"a\u2026b", "a\u2028b", "a b"}, // shares bytes with the character that it replaces
         {"a\u2028b", "a\u2028\u2028b", "a\u2028 b"},
         {"x\n\n", "x\n", "x\n"},
     };
@@ -118,7 +118,11 @@ TEST_F(AppKit, APopUpSelectsByTitleTagAndIndexOrNothing) {
     menu.performSelect(2);
     menu.performSelect(2);
     menu.performSelect(9);
-    EXPECT_EQ(sent, 2) << "choosing the chosen item counts; an item that is not there does not";
+    EXPECT_EQ(sent, 2) << "choosing the selected item again counts; choosing a missing one does not";
+    menu.setEnabled(false);
+    menu.performSelect(0);
+    EXPECT_EQ(sent, 2);
+    EXPECT_EQ(menu.indexOfSelectedItem(), 2) << "nobody can choose from a disabled menu";
     menu.removeAllItems();
     EXPECT_EQ(menu.indexOfSelectedItem(), -1);
 }
@@ -185,7 +189,7 @@ TEST_F(AppKit, ClosingTheMainWindowEndsTheApplicationOnceWithoutConfirmingASheet
     NSApp().setDelegate(nullptr);
 }
 
-TEST_F(AppKit, WhatAnActionLetsOutIsLoggedAndTheNextEventRuns) {
+TEST_F(AppKit, AnExceptionFromAnActionIsLoggedAndTheNextEventRuns) {
     bool ran = false;
     NSApp().dispatch([] { throw std::out_of_range("piece 3"); });
     NSApp().dispatch([] { throw 1; });
@@ -195,14 +199,14 @@ TEST_F(AppKit, WhatAnActionLetsOutIsLoggedAndTheNextEventRuns) {
     EXPECT_TRUE(ran);
 }
 
-TEST_F(AppKit, AnAlertFormatsItsMessageAndAnswersTheButton) {
+TEST_F(AppKit, AnAlertFormatsItsMessageAndReturnsTheButton) {
     host.answerAlert("Delete", "Yes");
     EXPECT_EQ(NSRunAlertPanel("Delete", "Really %@?", "No", "Yes", std::nullopt, "all"),
               NSAlertAlternateReturn);
     EXPECT_EQ(host.alerts.back().message, "Really all?");
 }
 
-TEST_F(AppKit, APageIsToldOnceAndMustExist) {
+TEST_F(AppKit, APageChangeIsNotifiedOnceAndThePageMustExist) {
     Recorder delegate;
     NSTabView tabs;
     tabs.setDelegate(&delegate);

@@ -1,5 +1,5 @@
-// The commands, as a program uses them: what they print, how they end, and that to ask for what is so already
-// changes nothing.
+// The commands as a program uses them: what they print, how they end, and that a command without anything to
+// change changes nothing.
 
 #include "support/Subprocess.h"
 #include "support/TestHost.h"
@@ -42,7 +42,7 @@ class Commands : public testing::Test {
         return runProgram(words, input, {"HOME=" + test_.home().string(), "LC_ALL=" + locale});
     }
 
-    /// What the command prints for programs; its exit status is to be `status`.
+    /// Returns the command's JSON output; expects `status` as its exit status.
     json answer(const std::string& line, int status = 0, const std::string& input = {}) const {
         const Finished finished = command(line + " --json", input);
         EXPECT_EQ(finished.status, status) << line << '\n' << finished.output << finished.errors;
@@ -50,7 +50,7 @@ class Commands : public testing::Test {
         return json::parse(finished.output, nullptr, false);
     }
 
-    /// What the application shows to a script.
+    /// Returns the output of a script.
     std::string runScript(const std::string& script) const {
         return runProgram({BRINDLE_PROGRAMS "/brindle", "--root", (test_.root() / "computer").string(),
                            "--script", "-"},
@@ -78,7 +78,7 @@ INSTANTIATE_TEST_SUITE_P(
 
 } // namespace
 
-TEST_P(CommandsInALanguage, ChangeWhatIsOtherwiseAndNothingTwice) {
+TEST_P(CommandsInALanguage, ChangeOnlyWhatDiffersAndNothingTwice) {
     const std::string docs = "shares add Docs " + folder().string() + " --everyone-may r";
 
     const struct {
@@ -135,15 +135,15 @@ TEST_P(CommandsInALanguage, ChangeWhatIsOtherwiseAndNothingTwice) {
     EXPECT_EQ(command("--print groups").output.substr(0, 8), "Group ID");
 }
 
-TEST_F(Commands, TellPeopleInTheirLanguage) {
-    locale = "de_DE.UTF-8"; // need not be one that this system knows
+TEST_F(Commands, SpeakThePersonsLanguage) {
+    locale = "de_DE.UTF-8"; // need not be installed
     EXPECT_EQ(command("shares set Nowhere --smb").errors, "brindle: es gibt keine Freigabe „Nowhere“\n");
     EXPECT_EQ(
         answer("groups add crew --gid 7200", 3)["error"]["text"],
         "Gruppe hinzufügen: Möchten Sie wirklich eine neue Gruppe hinzufügen? (mit --yes fahren Sie fort)");
 }
 
-TEST_F(Commands, EndWithAStatusThatTellsWhatIsMissing) {
+TEST_F(Commands, EndWithAStatusThatSaysWhatIsMissing) {
     const std::string add = "shares add Docs " + folder().string();
     EXPECT_EQ(answer(add + " --yes")["changed"], true);
 
@@ -187,7 +187,7 @@ TEST_F(Commands, PrintForProgramsWhatTheApplicationShows) {
           std::string("afp set greeting Hello max-guests 5 idle-guests yes --yes")}) {
         EXPECT_EQ(answer(line)["changed"], true) << line;
     }
-    // The lines that a script would print, made from what programs get.
+    // The lines that a script would print, made from the JSON output.
     std::ostringstream lines;
     const std::map<std::string, std::string> privileges{
         {"rw", "\"r/w\""}, {"r", "\"r\""}, {"w", "\"w\""}, {"none", "\"\""}};
@@ -228,7 +228,7 @@ TEST_F(Commands, PrintForProgramsWhatTheApplicationShows) {
     lines << "greeting " << afp["greeting"] << "\nnumGuestConnections " << afp["max-guests"] << '\n';
     EXPECT_EQ(afp["idle-guests"], "yes");
 
-    // Columns that programs do not get are left out of the comparison.
+    // Columns that are not in the JSON output are left out of the comparison.
     const std::string shown = std::regex_replace(
         runScript("start\nshow normalTableView userTableView groupTableView smbWorkGroup smbSecurity "
                   "smbMaxConnections smbHideDotFiles greeting numGuestConnections\n"),
@@ -238,7 +238,7 @@ TEST_F(Commands, PrintForProgramsWhatTheApplicationShows) {
     EXPECT_EQ("\n" + lines.str(), shown);
 }
 
-TEST_F(Commands, AreCompletedWithTheNamesThatThereAre) {
+TEST_F(Commands, AreCompletedWithExistingNames) {
     EXPECT_EQ(command("shares add Docs " + folder().string() + " --yes").status, 0);
     const auto completed = [&](const std::string& line) {
         const std::string root = (test_.root() / "computer").string();

@@ -15,7 +15,7 @@ Texts report(const std::string& path, const Texts& properties) {
 
 class Report : public DirectoryFixture {};
 
-TEST_F(Report, HasALineARecordInTheDirectorysOrderAndAFieldAProperty) {
+TEST_F(Report, HasALinePerRecordInTheDirectorysOrderAndAFieldPerProperty) {
     nicl({"-create", "/groups/staff"});
     nicl({"-create", "/groups/staff", "gid", "20"});
     nicl({"-create", "/groups/staff", "users", "bob", "alice"});
@@ -41,7 +41,7 @@ TEST_F(Report, IsEmptyAndLoggedWhenTheDirectoryOrThePathIsMissing) {
     EXPECT_EQ(host.log, (Texts{"Error opening /nowhere", "Can't connect to local NetInfo server\n"}));
 }
 
-TEST_F(Report, GoesOnPastWhatCannotBeReadAndLogsIt) {
+TEST_F(Report, SkipsWhatCannotBeReadAndLogsIt) {
     ni_domain* domain = nullptr;
     ASSERT_EQ(ni_open(nullptr, ".", &domain), 0);
     Texts lines;

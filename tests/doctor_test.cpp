@@ -1,5 +1,4 @@
-// The doctor: each thing that is wrong is found, named with its place, and mended by the command that it
-// gives.
+// The doctor: each fault is found, named with its place, and repaired by the command that the doctor prints.
 
 #include "platform/samba/SettingsComplaints.h"
 #include "support/Subprocess.h"
@@ -29,7 +28,7 @@ class Doctor : public testing::Test {
 
     [[nodiscard]] fs::path root() const { return test_.root() / "computer"; }
 
-    /// "brindle" in it is the one that was built, for this root; "FOLDER" the test's folder.
+    /// Runs a command. "brindle" in it is the built program with this root, "FOLDER" the test's folder.
     Finished shell(std::string command, const std::string& input = {}) const {
         for (std::size_t at = 0; (at = command.find("FOLDER", at)) != std::string::npos;) {
             command.replace(at, 6, test_.root().string());
@@ -39,7 +38,7 @@ class Doctor : public testing::Test {
                            "PATH=" BRINDLE_PROGRAMS ":/usr/sbin:/usr/bin:/bin"});
     }
 
-    /// The findings of that kind.
+    /// Returns the findings with that code.
     json findings(const std::string& code) const {
         const json said = json::parse(shell("brindle doctor --json").output, nullptr, false);
         json found = json::array();
@@ -58,7 +57,7 @@ class Doctor : public testing::Test {
     TestHost test_;
 };
 
-/// The remedy as a person who answers every question gives it.
+/// Returns the remedy with --yes, to answer every question.
 std::string answered(std::string remedy) {
     for (std::size_t at = 0; (at = remedy.find(" &&", at)) != std::string::npos; at += 9) {
         remedy.insert(at, " --yes");
@@ -68,7 +67,7 @@ std::string answered(std::string remedy) {
 
 } // namespace
 
-TEST_F(Doctor, NamesWhatIsWrongAndTheCommandThatMendsIt) {
+TEST_F(Doctor, NamesEachFaultAndTheCommandThatRepairsIt) {
     const struct {
         const char* code;
         const char* damage; ///< a command
@@ -129,7 +128,7 @@ TEST_F(Doctor, NamesWhatIsWrongAndTheCommandThatMendsIt) {
     }
 }
 
-TEST_F(Doctor, EndsWithFiveWhereThereIsAProblemAndChangesNothing) {
+TEST_F(Doctor, EndsWithFiveIfThereIsAProblemAndChangesNothing) {
     EXPECT_EQ(shell("brindle doctor").status, 0) << shell("brindle doctor").output;
     const std::string listing = "find $BRINDLE_ROOT -printf '%p %T@ %m\\n' | sort";
     addSettings("[Docs]\npath = " + (test_.root() / "Nowhere").string() + "\n");
@@ -137,8 +136,7 @@ TEST_F(Doctor, EndsWithFiveWhereThereIsAProblemAndChangesNothing) {
     EXPECT_EQ(shell("brindle doctor").status, 5);
     EXPECT_EQ(shell(listing).output, before);
     fs::permissions(root() / "directory.db", fs::perms(0600));
-    std::ofstream(root() / "directory.db")
-        << "no store at all, but some other file of more than a header's size";
+    std::ofstream(root() / "directory.db") << "not a store, but some other file that is longer than a header";
     EXPECT_EQ(findings("directory-unreadable").size(), 1U);
 }
 
@@ -168,7 +166,7 @@ TEST(SettingsComplaints, NameTheLine) {
         ASSERT_TRUE(complaints.isOk()) << complaints.status().text();
         std::vector<std::size_t> found;
         for (const auto& each : *complaints) {
-            if (each.line != 0) { // else about this machine's folders
+            if (each.line != 0) { // the others are about this machine's folders
                 found.push_back(each.line);
             }
         }

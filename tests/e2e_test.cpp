@@ -1,5 +1,5 @@
-// The whole of Brindle on a temporary root: the program itself driven by scripts, its helper, the directory's
-// tools, and a real smbd on a loopback port with smbclient as the person at the other end.
+// All of Brindle on a temporary root: the program itself driven by scripts, its helper, the directory's
+// tools, and a real smbd on a loopback port with smbclient as the client.
 
 #include "platform/host/EmbeddedRoot.h"
 #include "platform/posix/ProcessTable.h"
@@ -32,14 +32,14 @@ bool contains(const std::string& text, const std::string& part) {
     return text.find(part) != std::string::npos;
 }
 
-/// One computer of its own: a root with a share folder in it, and its SMB server.
+/// A root with a share folder in it, and its SMB server.
 class EndToEnd : public testing::Test {
   protected:
     void SetUp() override {
         if (access("/usr/sbin/smbd", X_OK) != 0) {
             GTEST_SKIP() << "no smbd on this machine: install samba, smbclient and libnss-wrapper";
         }
-        // A guest must be able to walk to the folder.
+        // A guest must be able to reach the folder.
         fs::permissions(test_.root(), fs::perms(0755));
         fs::create_directories(folder());
         fs::permissions(folder(), fs::perms(0700));
@@ -58,7 +58,7 @@ class EndToEnd : public testing::Test {
                 "LC_ALL=C"};
     }
 
-    /// Runs a script to its end and answers what it printed.
+    /// Runs a script to its end and returns its output.
     std::string script(const std::string& commands) {
         const Finished finished =
             runProgram({BRINDLE_PROGRAMS "/brindle", "--root", computer(), "--script", "-"},
@@ -80,7 +80,8 @@ class EndToEnd : public testing::Test {
         return command;
     }
 
-    /// What smbclient says to `commands` as `user` ("NAME%PASSWORD"), or as nobody at all.
+    /// Returns what smbclient prints for `commands` as `user` ("NAME%PASSWORD"), or as a guest if it is
+    /// empty.
     std::string smb(const std::string& share, const std::string& user, const std::string& commands) {
         const std::vector<std::string> who =
             user.empty() ? std::vector<std::string>{"-N"} : std::vector<std::string>{"-U", user};
@@ -103,8 +104,8 @@ class EndToEnd : public testing::Test {
     int port_ = freePort();
 };
 
-/// True when the open session is told `answer` about the share within twenty seconds: the server takes a
-/// signal up when it has nothing else to do.
+/// True when the open session gets `answer` about the share within twenty seconds: the server handles a
+/// signal only when it has nothing else to do.
 bool comesTo(Conversation& session, const std::string& answer) {
     const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(20);
     while (!contains(session.ask("tcon Docs", "tcon "), answer)) {
@@ -116,7 +117,7 @@ bool comesTo(Conversation& session, const std::string& answer) {
     return true;
 }
 
-/// The parameters of each section as testparm lists them.
+/// Returns the parameters of each section as testparm lists them.
 std::map<std::string, std::string> sections(const std::string& listing) {
     std::map<std::string, std::string> answer;
     std::istringstream lines(listing);
@@ -136,9 +137,9 @@ std::map<std::string, std::string> sections(const std::string& listing) {
 
 TEST_F(EndToEnd, AShareMadeInTheEditorReachesAnOpenConnectionAndIsGoneAfterItsDeletion) {
     const pid_t process = server_.processId();
-    // A new connection reads the file anyway: only one that is open already shows that the server was told.
+    // A new connection reads the file anyway: only an open one shows that the server was notified.
     std::vector<std::string> command = client("IPC$", {"-N"});
-    command.insert(command.begin(), {"stdbuf", "-oL"}); // smbclient keeps its answers back from a pipe
+    command.insert(command.begin(), {"stdbuf", "-oL"}); // smbclient buffers its output to a pipe
     Conversation session(command);
     EXPECT_TRUE(contains(session.ask("tcon Docs", "tcon "), "NT_STATUS_BAD_NETWORK_NAME"));
 
@@ -155,8 +156,8 @@ TEST_F(EndToEnd, AShareMadeInTheEditorReachesAnOpenConnectionAndIsGoneAfterItsDe
     std::ifstream back(letter.string() + ".back");
     EXPECT_EQ(std::string(std::istreambuf_iterator<char>(back), {}), "Dear Ada");
 
-    // Each connection takes the signal up by itself, and one that asks for the share before that uses it and
-    // keeps it, as the first session does. So each bystander asks once, later than the one before.
+    // Each connection handles the signal by itself, and one that asks for the share before that keeps using
+    // it, like the first session. So each bystander asks only once, later than the one before.
     std::vector<std::unique_ptr<Conversation>> bystanders;
     for (int number = 0; number < 6; ++number) {
         bystanders.push_back(std::make_unique<Conversation>(command));
@@ -197,11 +198,11 @@ TEST_F(EndToEnd, OnlyAUserMadeInTheUsersTabGetsInWithGuestAccessOff) {
     const std::string row = rows.substr(rows.rfind('\n', alice) + 1, alice - rows.rfind('\n', alice) - 1);
     script("answer \"Confirm Delete Selected User\" Yes\nrows userTableView " + row +
            "\npress deleteUserButton\n");
-    // An account that no longer exists becomes the guest, whom this share does not let in.
+    // An account that no longer exists becomes the guest, who may not use this share.
     EXPECT_TRUE(contains(smb("Docs", "alice%Wonderland1", put), "NT_STATUS_ACCESS_DENIED"));
 }
 
-TEST_F(EndToEnd, APublicFolderThatIsSharedCanBeReadAndNotWritten) {
+TEST_F(EndToEnd, ASharedPublicFolderCanBeReadButNotWritten) {
     const fs::path home = test_.root() / "home";
     fs::create_directories(home / "Public");
     std::ofstream(home / "Public" / "letter") << "Dear Ada";
@@ -223,7 +224,7 @@ TEST_F(EndToEnd, APublicFolderThatIsSharedCanBeReadAndNotWritten) {
     EXPECT_TRUE(contains(read, "NT_STATUS_ACCESS_DENIED")) << read;
     EXPECT_EQ(tool({"nicl", ".", "-create", "/users/ann", "sharedDir", ""}).output, "");
     for (int tries = 0; contains(smb("ann's Public", "ann%Wonderland1", "ls"), "letter"); ++tries) {
-        ASSERT_LT(tries, 20) << "it is still there"; // the server takes a signal up when it has time
+        ASSERT_LT(tries, 20) << "it is still there"; // the server handles a signal when it has time
         std::this_thread::sleep_for(std::chrono::milliseconds(250));
     }
 }
@@ -245,7 +246,7 @@ TEST_F(EndToEnd, SambaKnowsEveryParameterWrittenAndFindsTheOtherSectionsUnchange
     EXPECT_TRUE(fs::exists(configuration().string() + ".before-brindle"));
 }
 
-/// A Brindle of its own that serves the root.
+/// A Brindle that serves the root.
 class Serving : public EndToEnd {
   protected:
     void SetUp() override {
@@ -253,7 +254,7 @@ class Serving : public EndToEnd {
         server_.stop();
     }
 
-    /// The root's Samba processes, those in sessions of their own too.
+    /// Returns the root's Samba processes, including those in their own sessions.
     [[nodiscard]] std::vector<pid_t> daemons() const {
         auto ids = platform::processIds();
         std::erase_if(ids, [&](pid_t id) {
@@ -269,11 +270,11 @@ class Serving : public EndToEnd {
         return daemons().empty();
     }
 
-    /// Starts one and lists its shares, for which smbd starts its daemons.
+    /// Starts Brindle and lists its shares, which makes smbd start its daemons.
     [[nodiscard]] pid_t serve() const {
         const pid_t brindle = fork();
         if (brindle == 0) {
-            // A test that runs in the background may have been told to ignore some.
+            // A test that runs in the background may inherit that some are ignored.
             for (const int signal : {SIGTERM, SIGINT, SIGHUP}) {
                 std::signal(signal, SIG_DFL);
             }
@@ -296,7 +297,7 @@ class Serving : public EndToEnd {
     }
 };
 
-TEST_F(Serving, EveryEndOfBrindleTakesTheServerDownWithAllItsDaemons) {
+TEST_F(Serving, HoweverBrindleEndsTheServerEndsWithAllItsDaemons) {
     EXPECT_TRUE(allEnd());
     for (const int signal : {SIGTERM, SIGINT, SIGHUP, SIGKILL}) {
         const pid_t brindle = serve();

@@ -1,5 +1,5 @@
-// What the system asks of its foundation: texts, files, settings, translations,
-// notifications, addresses.
+// What the application needs of its foundation: texts, files, settings, translations, notifications,
+// addresses.
 
 #include "platform/foundation/Fetch.h"
 #include "platform/foundation/Gestalt.h"
@@ -53,7 +53,7 @@ TEST(Texts, AnIntegerIsReadUpToTheFirstOtherCharacter) {
                                                  INT32_MIN, INT32_MIN, INT32_MAX}));
 }
 
-TEST(Texts, CuttingKeepsEmptyPieces) {
+TEST(Texts, SplittingKeepsEmptyPieces) {
     using Pieces = std::vector<std::string>;
     EXPECT_EQ(componentsSeparatedByString("a\t\tb\t", "\t"), (Pieces{"a", "", "b", ""}));
     EXPECT_EQ(componentsSeparatedByString("", ","), Pieces{""});
@@ -110,7 +110,7 @@ TEST(Files, SystemFilesAreReadWrittenAndRemovedBelowTheRoot) {
     EXPECT_EQ(stringByExpandingTildeInPath("~bob/a"), "~bob/a");
 }
 
-TEST(Files, PathsAreCutLikeTheShellDoes) {
+TEST(Files, PathsAreSplitAsTheShellDoes) {
     const std::vector<std::vector<std::string>> cases = {
         {"/a/b", "/a", "b"}, {"/a/b/", "/a", "b"}, {"/a", "/", "a"}, {"/", "/", "/"},
         {"a", ".", "a"},     {"a//b", "a", "b"},   {"", "", ""},     {"//a", "/", "a"}};
@@ -133,7 +133,7 @@ TEST(UserDefaults, ValuesOutliveTheHostAndKeepOtherKeys) {
     EXPECT_TRUE(host.log.empty());
 }
 
-TEST(UserDefaults, AFileThatIsNoPropertyListIsLeftAlone) {
+TEST(UserDefaults, AFileThatIsNotAPropertyListIsLeftAlone) {
     TestHost host;
     host.write("home/broken.plist", "notes");
     NSUserDefaults defaults((host.home() / "broken.plist").string());
@@ -195,7 +195,7 @@ TEST(Bundle, TheFirstLanguageWithATextWins) {
     EXPECT_EQ(bundle.objectForLocalInfoDictionaryKey("Name"), "Schlicht");
     EXPECT_EQ(bundle.objectForInfoDictionaryKey("Missing"), "");
     EXPECT_EQ(bundle.languageCode(), "de");
-    ASSERT_EQ(host.log.size(), 1U); // the French table is faulty, and only that is worth a word
+    ASSERT_EQ(host.log.size(), 1U); // only the faulty French table is logged
     EXPECT_NE(host.log.front().find("fr.lproj/Localizable.strings: line 2"), std::string::npos);
 }
 
@@ -251,14 +251,14 @@ TEST(Notifications, ReachObserversInOrderAndNotThoseRemovedMeanwhile) {
     observe(1, nullptr);
     observe(2, &sender);
     center.postNotificationName("held", &center);
-    EXPECT_EQ(heard, "2"); // only the observer of any sender
+    EXPECT_EQ(heard, "2"); // only the observer for any sender
     center.postNotificationName("other", &sender);
     center.postNotificationName("held", &sender);
     center.postNotificationName("held", &sender);
     EXPECT_EQ(heard, "2133");
 }
 
-/// Something that the whole process shares, and that still uses the host while it goes.
+/// A shared instance whose destructor still uses the host.
 struct Shared {
     explicit Shared(std::string& order, std::string name) : order_(order), name_(std::move(name)) {}
 
@@ -278,7 +278,7 @@ struct Younger : Shared {
     using Shared::Shared;
 };
 
-TEST(HostScope, TakesItsInstancesAlongTheYoungestFirst) {
+TEST(HostScope, DestroysItsInstancesTheYoungestFirst) {
     std::string order;
     const TestHost outer;
     {
@@ -300,7 +300,7 @@ TEST(HostScope, AServiceOutsideAHostFailsAtOnce) {
     EXPECT_THROW(NSLog("nobody listens"), std::logic_error);
 }
 
-TEST(SystemVersion, IsTheHostsAnswerOrAnError) {
+TEST(SystemVersion, IsTheHostsOrAnError) {
     std::int32_t version = 7;
     {
         const TestHost host;
@@ -315,7 +315,7 @@ TEST(SystemVersion, IsTheHostsAnswerOrAnError) {
     EXPECT_EQ(version, 0x1040);
 }
 
-TEST(Fetching, ADocumentOfUpToOneMebibyteComesWhole) {
+TEST(Fetching, ADocumentOfUpToOneMebibyteIsFetchedWhole) {
     const std::string largest(1024 * 1024, 'x');
     const LoopbackServer server(response("200 OK", largest));
     const auto fetched = platform::fetchContentsOfURL(server.address());

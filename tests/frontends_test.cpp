@@ -1,9 +1,9 @@
-// What stands around the front-ends: the options, the printed table and the program's exit statuses.
+// What is around the front-ends: the options, the printed table and the program's exit statuses.
 
 #include "frontends/OneWindow.h"
 #include "frontends/Options.h"
 #include "frontends/TableText.h"
-#include "frontends/cli/SilentPresenter.h"
+#include "platform/appkit/SilentPresenter.h"
 #include "platform/foundation/NSFileManager.h"
 #include "platform/posix/InputOutput.h"
 #include "support/AppFixture.h"
@@ -46,7 +46,7 @@ TEST(TableText, AlignsByWhatATerminalShowsAndLeavesHiddenColumnsOut) {
     EXPECT_EQ(written.str(), "Name    Value\n日本    x\ne\xCC\x81\xEF\xBF\xBD[31m\n\xEF\xBF\xBD       x\n");
 }
 
-TEST(Options, AreUnderstood) {
+TEST(Options, AreRead) {
     using frontend::Mode;
     const auto parsed = [](std::vector<std::string> arguments) {
         frontend::Options options = frontend::parseOptions(std::move(arguments));
@@ -60,7 +60,7 @@ TEST(Options, AreUnderstood) {
     EXPECT_EQ(parsed({"--serve", "--port", "65535"}).port, 65535);
 }
 
-TEST(Options, ThatMakeNoSenseAreNamed) {
+TEST(Options, ThatAreWrongAreNamed) {
     const std::pair<std::vector<std::string>, std::vector<std::string>> cases[] = {
         {{"--colour"}, {"--colour"}},
         {{"script"}, {"script"}},
@@ -90,7 +90,7 @@ TEST(Options, ThatMakeNoSenseAreNamed) {
 }
 
 TEST(SilentPresenter, PressesTheButtonThatChangesNothing) {
-    frontend::SilentPresenter presenter;
+    platform::SilentPresenter presenter;
     EXPECT_EQ(presenter.runAlert({"Update?", "", "Yes", "No", std::nullopt}),
               platform::AlertAnswer::Alternate);
     EXPECT_EQ(presenter.runAlert({"Failed", "", "OK", std::nullopt, std::nullopt}),
@@ -99,7 +99,7 @@ TEST(SilentPresenter, PressesTheButtonThatChangesNothing) {
     EXPECT_FALSE(presenter.runAdministratorDialog({}));
 }
 
-/// The program on a root of its own, started as people start it.
+/// The program on a new root, started as people start it.
 class Program : public testing::Test {
   protected:
     [[nodiscard]] std::vector<std::string> environment() const {
@@ -202,7 +202,7 @@ TEST_F(Program, PrintsWithoutCountingALaunchOrChangingWhatAnAlertAsksAbout) {
                   "answer \"Shares Are Not Updated for Jaguar\" No\nstart\nsend updateSharesFor10pt2:\n")
                   .status,
               1)
-        << "it would work on a list that was read long ago";
+        << "it would work on an outdated list";
 }
 
 TEST_F(Program, AsksForConsentOnceAndForgetsItAtItsEnd) {
@@ -216,7 +216,7 @@ TEST_F(Program, AsksForConsentOnceAndForgetsItAtItsEnd) {
     }
 }
 
-TEST_F(Program, ShowsARefusedToolRunBeforeWhatBrindleMakesOfIt) {
+TEST_F(Program, ShowsARefusedToolRunBeforeBrindlesReaction) {
     const std::string output =
         script("answer Cancel\nanswer Yes\nstart\ntype shortName ROOT\ntype fullName R\ntype uid 5000\n"
                "press addNewUserButton\n");
@@ -226,10 +226,10 @@ TEST_F(Program, ShowsARefusedToolRunBeforeWhatBrindleMakesOfIt) {
     EXPECT_EQ(output.substr(end + 1, 11), "beep\nlog \"o") << output;
 }
 
-TEST_F(Program, ShowsInADryRunWhatThenComesAndChangesNothing) {
+TEST_F(Program, ShowsInADryRunWhatWouldHappenAndChangesNothing) {
     const std::string folder = (test_.root() / "f").string();
     std::filesystem::create_directories(folder);
-    EXPECT_NE(script("start\n"), ""); // the root is made
+    EXPECT_NE(script("start\n"), ""); // creates the root
     const std::string commands =
         "start\ntype shareName Docs\ntype directory " + folder +
         "\nselect sharingSMB 1\ncheck guestAccessButton on\nplan press createNewShare\nreview on\n"
@@ -259,7 +259,7 @@ TEST_F(Program, ShowsInADryRunWhatThenComesAndChangesNothing) {
     EXPECT_NE(everything(), before);
 }
 
-/// A variable of the environment that is another until the end of the block.
+/// Changes a variable of the environment until the end of the block.
 class ScratchVariable {
   public:
     ScratchVariable(const char* name, const std::string& value) : name_(name) {
@@ -278,7 +278,7 @@ class ScratchVariable {
     std::optional<std::string> before_;
 };
 
-/// Starts of the program with its window, which is drawn nowhere.
+/// Starts of the program with its window, on Qt's offscreen platform.
 class OneWindowARoot : public Program {
   protected:
     OneWindowARoot() {
@@ -306,7 +306,7 @@ class OneWindowARoot : public Program {
         return all;
     }
 
-    /// Opens a window and waits until it can be found; returns its process.
+    /// Opens a window, waits until it can be found, and returns its process.
     pid_t open(std::vector<std::string> arguments) {
         arguments.insert(arguments.begin(), {"/usr/bin/env", "-u", "BRINDLE_ROOT"});
         for (const std::string& each : variables()) {
@@ -332,7 +332,7 @@ class OneWindowARoot : public Program {
         return runProgram(arguments, {}, variables());
     }
 
-    /// The sockets at which windows are found, by when they were made.
+    /// Returns the sockets of open windows, by the time of their creation.
     [[nodiscard]] std::set<std::pair<time_t, long>> sockets() const {
         std::set<std::pair<time_t, long>> made;
         std::error_code missing;
@@ -351,7 +351,7 @@ class OneWindowARoot : public Program {
     std::vector<platform::ChildProcess> open_;
 };
 
-TEST_F(OneWindowARoot, ASecondStartShowsTheFirstOnesWindowAndAKilledOneLeavesNothingInTheWay) {
+TEST_F(OneWindowARoot, ASecondStartShowsTheFirstOnesWindowAndAKilledOneBlocksNothing) {
     const std::string brindle = BRINDLE_PROGRAMS "/brindle";
     open({brindle, "--root", root_});
     const std::string found = "Brindle is already open on " + root_ + "; its window has come to the front.\n";
@@ -370,7 +370,7 @@ TEST_F(OneWindowARoot, ASecondStartShowsTheFirstOnesWindowAndAKilledOneLeavesNot
     EXPECT_EQ(again({"--root", root_}).output, found);
 }
 
-TEST_F(OneWindowARoot, AFolderThatOthersMayEnterHoldsNoLock) {
+TEST_F(OneWindowARoot, AFolderThatOthersMayEnterIsNotUsedForTheLock) {
     std::filesystem::permissions(runtime_, std::filesystem::perms::all);
     std::filesystem::create_directory(test_.root() / "tmp");
     const auto ours = test_.root() / "tmp" / ("brindle-" + std::to_string(::geteuid()));

@@ -1,4 +1,4 @@
-// The runs of an action through the real helper, from the window's side.
+// The runs of an action through the real helper, as the window makes them.
 
 #include "support/HelperFixture.h"
 
@@ -30,7 +30,7 @@ TEST_F(HelperTest, ServesARealRunFromTheWindowsSideToTheDirectory) {
     EXPECT_TRUE(test_.log[0].starts_with("outString non empty for deleteGroup: nicl: ")) << test_.log[0];
 }
 
-/// One action's runs through the real helper, and what everybody else sees of them.
+/// The runs of one action through the real helper, and what other programs see of them.
 class Action : public HelperTest {
   protected:
     static std::string outputOf(HelperSession& helper, const std::string& tool,
@@ -45,7 +45,12 @@ class Action : public HelperTest {
         return outputOf(helper, "/usr/bin/nicl", words);
     }
 
-    /// The shares as another program reads them.
+    /// Returns the helper process that this program has started.
+    static int helperProcess() {
+        return std::stoi(*contentsOfFile("/proc/self/task/" + std::to_string(::getpid()) + "/children"));
+    }
+
+    /// Returns the shares as another program reads them.
     [[nodiscard]] std::string shares() const {
         return runProgram({std::string(BRINDLE_PROGRAMS) + "/nireport", "--root", root_.folder(), ".",
                            "/config/Brindle", "name", "directory_path"})
@@ -55,7 +60,7 @@ class Action : public HelperTest {
     std::vector<std::string> command_ = {helperProgram, "--root", root_.folder(), "--session"};
 };
 
-TEST_F(Action, LeavesNothingOfItsRunsWhenItEndsBeforeTheyAreSettled) {
+TEST_F(Action, LeavesNoTraceOfItsRunsWhenItEndsBeforeTheyAreCommitted) {
     {
         HelperSession helper(command_);
         EXPECT_EQ(nicl(helper, {"-create", "/config/Brindle/Docs"}), "");
@@ -65,12 +70,12 @@ TEST_F(Action, LeavesNothingOfItsRunsWhenItEndsBeforeTheyAreSettled) {
     HelperSession helper(command_);
     EXPECT_EQ(nicl(helper, {"-create", "/config/Brindle/Docs"}), "");
     EXPECT_NE(nicl(helper, {"-create", "/config/Brindle/Docs", "directory_path", "/srv\\"}), "");
-    EXPECT_NE(nicl(helper, {"-delete", "/config/Brindle/other"}), "") << "each run is judged by itself";
+    EXPECT_NE(nicl(helper, {"-delete", "/config/Brindle/other"}), "") << "each run has its own result";
     EXPECT_EQ(nicl(helper, {"-create", "/config/Brindle/Docs", "directory_path", "/srv/a"}), "");
     EXPECT_EQ(outputOf(helper, "/bin/rm", {"x"}), "-60031");
     std::string seen;
     std::thread other([&] { seen = shares(); });
-    ::usleep(100000); // long enough to find the directory half done, were it not kept from reading
+    ::usleep(100000); // long enough to read an incomplete directory if the lock did not prevent that
     EXPECT_TRUE(helper.settle().isOk());
     other.join();
     EXPECT_EQ(seen, "Docs\t/srv/a\t\n");
@@ -81,18 +86,17 @@ TEST_F(Action, LeavesNothingOfItsRunsWhenItEndsBeforeTheyAreSettled) {
     EXPECT_TRUE(helper.settle().isOk());
 }
 
-TEST_F(Action, LeavesItsHelperToTheNextOneWhichTakesAnotherWhereThatHasEnded) {
+TEST_F(Action, LeavesItsHelperToTheNextActionWhichStartsAnotherIfItHasEnded) {
     HelperSession helper(command_);
     const auto helperOf = [&](const std::vector<std::string>& words) {
         EXPECT_EQ(nicl(helper, words), "");
         EXPECT_TRUE(helper.settle().isOk());
         helper.endAction();
-        const std::string children = "/proc/self/task/" + std::to_string(::getpid()) + "/children";
-        return std::stoi(*contentsOfFile(children));
+        return helperProcess();
     };
     const int first = helperOf({"-create", "/config/Brindle/Docs"});
     EXPECT_EQ(helperOf({"-create", "/config/Brindle/Docs", "directory_path", "/srv"}), first);
-    ASSERT_EQ(::kill(first, SIGTERM), 0); // as one that nothing was asked of for minutes ends
+    ASSERT_EQ(::kill(first, SIGTERM), 0); // the way in which an idle helper ends
     siginfo_t ended{};
     ASSERT_EQ(::waitid(P_PID, static_cast<id_t>(first), &ended, WEXITED | WNOWAIT), 0);
     EXPECT_NE(helperOf({"-create", "/config/Brindle/Films"}), first);
@@ -104,12 +108,21 @@ TEST_F(Action, LeavesItsHelperToTheNextOneWhichTakesAnotherWhereThatHasEnded) {
     const int second = helperOf({"-create", "/config/Brindle/Films", "directory_path", "/srv"});
     EXPECT_EQ(nicl(helper, {"-create", "/config/Brindle/Music"}), "");
     endAt(second);
-    EXPECT_FALSE(helper.settle().isOk()) << "another helper has nothing of it";
+    EXPECT_FALSE(helper.settle().isOk()) << "another helper does not have its changes";
     EXPECT_TRUE(helper.settle().isOk()) << "it is told once";
     EXPECT_EQ(shares(), "Docs\t/srv\t\nFilms\t/srv\t\n");
 }
 
-TEST_F(Action, IsToldWhenWhatItDidIsLost) {
+TEST_F(Action, IsServedWithoutRightsAndSystemCallsThatFilesDoNotNeed) {
+    HelperSession helper(command_);
+    EXPECT_EQ(nicl(helper, {"-create", "/config/Brindle/Docs"}), "");
+    const std::string status = *contentsOfFile("/proc/" + std::to_string(helperProcess()) + "/status");
+    EXPECT_NE(status.find("NoNewPrivs:\t1"), std::string::npos);
+    const bool hasFilters = ::prctl(PR_GET_SECCOMP) >= 0;
+    EXPECT_EQ(status.find("Seccomp:\t2") != std::string::npos, hasFilters) << status;
+}
+
+TEST_F(Action, IsNotifiedWhenItsChangesAreLost) {
     HelperSession helper(command_);
     EXPECT_EQ(nicl(helper, {"-create", "/users/carol"}), "");
     EXPECT_EQ(nicl(helper, {"-create", "/users/carol", "uid", "70502"}), "");
@@ -119,7 +132,7 @@ TEST_F(Action, IsToldWhenWhatItDidIsLost) {
     fs::create_directory(list); // the server's account lists cannot be written
     const platform::Status status = helper.settle();
     EXPECT_NE(status.text().find("cannot write " + list.string()), std::string::npos) << status.text();
-    EXPECT_NE(nicl(helper, {"-create", "/users/carol", "uid", "70502"}), "") << "the user is gone";
+    EXPECT_NE(nicl(helper, {"-create", "/users/carol", "uid", "70502"}), "") << "the user is lost";
     EXPECT_EQ(*contentsOfFile(platform::SambaAccounts(root_.sambaPaths()).passwdFile()), passwd);
     EXPECT_TRUE(helper.settle().isOk()) << "it is told once";
     fs::remove(list);

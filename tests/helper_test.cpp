@@ -6,7 +6,7 @@ TEST_F(HelperTest, RefusesWhatIsNotForSharingAndSaysWhy) {
     const fs::path shared = folder("shared");
     test_.write("file", "");
     fs::create_directory_symlink("/etc", test_.root() / "link");
-    std::ostringstream asItIs; // so that even a broken helper changes nothing here
+    std::ostringstream asItIs; // the present mode, so that even a broken helper changes nothing here
     asItIs << std::oct << modeOf("/etc");
 
     const std::vector<std::tuple<std::string, std::vector<std::string>, std::string>> cases = {
@@ -42,8 +42,8 @@ TEST_F(HelperTest, RefusesWhatIsNotForSharingAndSaysWhy) {
     }
 }
 
-TEST(SystemFolders, AreThoseThatProgramsOfAllUsersCountOn) {
-    const struct stat other {}; // of no folder
+TEST(SystemFolders, AreThoseThatProgramsOfAllUsersDependOn) {
+    const struct stat other {}; // of no existing folder
 
     const auto isSystem = [&](const char* path, FolderHost host) {
         return isSystemFolder(path, other, host);
@@ -71,10 +71,11 @@ TEST_F(HelperTest, ChangesAFoldersModeBelow01000Only) {
     EXPECT_EQ(run("/bin/chmod", {"51", shared.string()}), "");
     EXPECT_EQ(modeOf(shared), 03051U);
     EXPECT_EQ(run("/bin/chmod", {"0", shared.string()}), "");
-    EXPECT_EQ(run("/bin/chmod", {"755", shared.string()}), "") << "its owner may open what nobody may read";
+    EXPECT_EQ(run("/bin/chmod", {"755", shared.string()}), "")
+        << "its owner may open a folder that nobody may read";
     const fs::path inside = shared / "inside";
     fs::create_directory(inside);
-    fs::permissions(shared, fs::perms::all); // anybody could rename what is in it
+    fs::permissions(shared, fs::perms::all); // anybody could rename its contents
     EXPECT_EQ(run("/bin/chmod", {"700", inside.string()}), "");
     const platform::Status status = changeMode("755", inside.string(), FolderHost::Computer);
     EXPECT_NE(status.text().find("could be replaced by anybody"), std::string::npos) << status.text();
@@ -93,7 +94,7 @@ TEST_F(HelperTest, GivesAFolderToAnAccountOfTheDirectoryBeforeOneOfTheComputer) 
         EXPECT_EQ(said.empty(), value != "abc") << said;
     }
     EXPECT_EQ(statusOf(shared).st_uid, uid);
-    EXPECT_EQ(run("/usr/sbin/chown", {":", shared.string()}), "") << "nothing to change";
+    EXPECT_EQ(run("/usr/sbin/chown", {":", shared.string()}), "") << "there is nothing to change";
     EXPECT_EQ(statusOf(shared).st_uid, uid);
 }
 
@@ -112,7 +113,7 @@ TEST_F(HelperTest, CopiesOnlyARegularFileOfTheUser) {
     EXPECT_FALSE(fs::exists(target_.string() + ".previous"));
 }
 
-TEST_F(HelperTest, KeepsTheFirstTextForEverAndTheOneReplacedLast) {
+TEST_F(HelperTest, KeepsTheFirstTextForeverAndTheOneReplacedLast) {
     std::ofstream(target_) << "original";
     ASSERT_EQ(::chmod(target_.c_str(), 0640), 0);
     for (const char* text : {"first", "second", ""}) {
@@ -141,10 +142,10 @@ TEST_F(HelperTest, FollowsALinkAtTheTargetToItsFileEvenToOneThatIsMissing) {
     EXPECT_EQ(contentsOfFile(real.string() + ".before-brindle").valueOr("?"), "") << "there was no file";
     EXPECT_EQ(contentsOfFile(real.string() + ".previous").valueOr("?"), "first");
     fs::remove_all(real.parent_path());
-    EXPECT_NE(run("/bin/cp", {source_, "/etc/smb.conf"}), "") << "no folder to write to";
+    EXPECT_NE(run("/bin/cp", {source_, "/etc/smb.conf"}), "") << "there is no folder to write to";
 }
 
-/// A program called smbd that writes the file HUP when it is hung up, started as `smbd -s CONFIGURATION`.
+/// A program called smbd, started as `smbd -s CONFIGURATION`, that makes the file HUP when it gets SIGHUP.
 class FakeServer {
   public:
     FakeServer(const fs::path& folder, const std::string& configuration) : folder_(folder) {
@@ -199,12 +200,12 @@ TEST_F(HelperTest, StartsNothingForARequestThatItRefuses) {
     const std::string good("/usr/bin/nicl\0.\0-create\0/users/eve\0", 35);
     const std::vector<std::tuple<Words, std::string, Words>> cases = {
         {root, std::string("/bin/sh\0-c\0true\0", 16), {}},
-        {root, good.substr(0, good.size() - 1), {}}, // its last text has no end
+        {root, good.substr(0, good.size() - 1), {}}, // its last word has no end
         {root, "", {}},
         {root, good + std::string(1024 * 1024, 'x') + '\0', {}},
         {root, good, {"SUDO_UID=1000"}}, // through sudo, a root could be anywhere
         {Words{}, good, {}},
-        // A folder of somebody else's, or one that a link may lead to another.
+        // A folder of another user, or one that a link may redirect.
         {Words{"--system", "--root", root_.folder()}, good, {"SUDO_UID=1000"}},
         {Words{"--system", "--root", "usr/share"}, good, {"SUDO_UID=1000"}},
     };
@@ -214,7 +215,7 @@ TEST_F(HelperTest, StartsNothingForARequestThatItRefuses) {
         const Finished finished = runProgram(command, request, environment);
         EXPECT_EQ(finished.output, "");
         EXPECT_NE(finished.errors, "") << "it says why";
-        EXPECT_GT(finished.status, 1) << "1 is how sudo refuses";
+        EXPECT_GT(finished.status, 1) << "sudo refuses with 1";
     }
     EXPECT_EQ(runProgram({helperProgram, "--root", root_.folder()}, good).output, "\x06");
 }
@@ -225,7 +226,7 @@ TEST_F(HelperTest, ActsAsRootThroughTheRealSudoOnceThePasswordIsRight) {
         GTEST_SKIP() << administrator.missing();
     }
     fs::permissions(test_.root(), fs::perms(0755));
-    const std::string helper = (test_.root() / "brindle-helper").string(); // where that account finds it
+    const std::string helper = (test_.root() / "brindle-helper").string(); // where that account can find it
     fs::copy_file(helperProgram, helper);
     const fs::path shared = folder("shared");
     platform::Services services = test_.host().services();
@@ -235,7 +236,7 @@ TEST_F(HelperTest, ActsAsRootThroughTheRealSudoOnceThePasswordIsRight) {
         test_.answerAlert("Changes Are Not Allowed", "OK");
         NiutilTask& task = NiutilTask::sharedInstance();
         test_.passwords = {"wrong", administrator.password()};
-        // Others may write in the folder that holds the test's.
+        // Others may write to the parent of the test's folder.
         const bool refused = !task.authenticate() && test_.administratorDialogs == 0;
         ::setenv("BRINDLE_DEVELOPMENT", "1", 1);
         const bool asked =

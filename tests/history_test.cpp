@@ -9,7 +9,7 @@
 
 namespace {
 
-/// The application with a history before its authority.
+/// The application with a history that wraps its authority.
 class HistoryTest : public DrawnState {
   protected:
     void beginWithHistory() {
@@ -19,7 +19,7 @@ class HistoryTest : public DrawnState {
         history.emplace(services);
         inner.emplace(std::move(services));
         begin();
-        NSApp().dispatch([] {}); // the start is an action of its own: it may have migrated records
+        NSApp().dispatch([] {}); // ends the action of the start, which may have migrated records
     }
 
     void TearDown() override {
@@ -30,7 +30,7 @@ class HistoryTest : public DrawnState {
 
     [[nodiscard]] std::string historyFile() const { return (host.root() / "history.db").string(); }
 
-    /// All that an action can change: records by their paths, settings files, folders.
+    /// Returns everything that an action can change: records by their paths, settings files, folders.
     [[nodiscard]] std::map<std::string, std::string> state() const {
         std::map<std::string, std::string> all = {{"smb.conf", conf()}, {"afp", afp()}};
         const review::DirectoryView directory(host.storeFile().string());
@@ -56,14 +56,14 @@ class HistoryTest : public DrawnState {
         return all;
     }
 
-    /// The newest entry's number; 0 when there is none.
+    /// Returns the newest entry's number; 0 when there is none.
     [[nodiscard]] std::int64_t newest() const {
         const auto entries = history->entries();
         EXPECT_TRUE(entries.isOk()) << entries.status().text();
         return entries->empty() ? 0 : entries->front().number;
     }
 
-    /// Takes back; returns why not.
+    /// Takes back a change. Returns why it could not; empty when it could.
     [[nodiscard]] std::string undo(std::optional<std::int64_t> number = std::nullopt) {
         const auto plan = history->describeUndo(number);
         if (!plan.isOk() || !plan->refusal.empty()) {
@@ -95,7 +95,7 @@ class HistoryTest : public DrawnState {
     std::optional<platform::Host> inner;
 };
 
-TEST_P(HistoryTest, BringsBackAllThatAnActionHasChanged) {
+TEST_P(HistoryTest, RestoresEverythingThatAnActionHasChanged) {
     fillDirectory();
     fillFiles();
     host.allowUnaskedAlerts();
@@ -116,9 +116,10 @@ TEST_P(HistoryTest, BringsBackAllThatAnActionHasChanged) {
         }
         NSApp().dispatch([&] { sender->sendAction(); });
         const auto after = state();
-        ASSERT_EQ(newest() != earlier, after != before) << "what changed something is an entry";
+        ASSERT_EQ(newest() != earlier, after != before)
+            << "an action that changes something becomes an entry";
         if (NSWindow* sheet = NSApp().attachedSheet()) {
-            NSApp().dispatch([sheet] { NSApp().endSheet(sheet, 0); }); // a password, which changes none of it
+            NSApp().dispatch([sheet] { NSApp().endSheet(sheet, 0); }); // a password sheet
         }
         if (after == before) {
             continue;
@@ -126,7 +127,7 @@ TEST_P(HistoryTest, BringsBackAllThatAnActionHasChanged) {
         const std::int64_t entry = earlier + 1;
         ASSERT_EQ(undo(entry), "");
         EXPECT_EQ(state(), before);
-        ASSERT_EQ(undo(), "") << "an undo is an entry, too";
+        ASSERT_EQ(undo(), "") << "an undo is also an entry";
         EXPECT_EQ(state(), after);
         ASSERT_FALSE(HasFailure());
     }
@@ -146,25 +147,39 @@ TEST(HistoryTitle, IsTheFoldersWhereSmbConfOnlyLooksDifferent) {
 
 class OneUndo : public HistoryTest {
   protected:
-    /// A change, made and kept.
+    /// Makes a change that gets into the history.
     void addStaff() {
         host.allowUnaskedAlerts();
         beginWithHistory();
-        type("groupName", "crew");
-        type("gid", "7200");
+        addGroup("crew", "7200");
+        host.runs.clear();
+    }
+
+    void addGroup(const std::string& name, const std::string& gid) {
+        type("groupName", name);
+        type("gid", gid);
         host.answerAlert("Confirm Add New Group", "Yes");
         act("addNewGroup:");
-        host.runs.clear();
     }
 };
 
-TEST_P(OneUndo, WhatIsAsBeforeAlreadyCountsAsTakenBack) {
+TEST_P(OneUndo, WhatIsAlreadyAsBeforeCountsAsTakenBack) {
     addStaff();
-    nicl({"-delete", "/groups/crew"}); // somebody else
+    nicl({"-delete", "/groups/crew"}); // done by somebody else
     EXPECT_EQ(undo(), "");
     EXPECT_EQ(titles(), (std::vector<std::string>{"2 Taken back: Group \"crew\" created done",
                                                   "1 Group \"crew\" created undone"}));
     EXPECT_TRUE(host.runs.empty());
+}
+
+TEST_P(OneUndo, TakesBackTheNewestChangeEvenIfTheClockWasSetBackBeforeIt) {
+    addStaff();
+    host.now -= 7200;
+    addGroup("team", "7300");
+    EXPECT_EQ(undo(), "");
+    EXPECT_EQ(titles(),
+              (std::vector<std::string>{"3 Taken back: Group \"team\" created done",
+                                        "2 Group \"team\" created undone", "1 Group \"crew\" created done"}));
 }
 
 TEST_P(OneUndo, IsRefusedWhileTheDirectoryCannotBeRead) {
@@ -181,8 +196,7 @@ TEST_P(OneUndo, ADamagedEntryIsNamedAndHidesNoOther) {
     addStaff();
     EXPECT_EQ(undo(), "");
     std::string bytes = host.read("history.db");
-    bytes.at(bytes.find("\x03run")) =
-        '\xff'; // a length of the entry that stands first in the file, the newest
+    bytes.at(bytes.find("\x03run")) = '\xff'; // a length in the first entry of the file, which is the newest
     host.write("history.db", bytes);
     EXPECT_EQ(titles(), (std::vector<std::string>{"2 Taken back: Group \"crew\" created failed",
                                                   "1 Group \"crew\" created undone"}));

@@ -4,7 +4,7 @@
 
 namespace {
 
-TEST_F(AppKit, ALoadedFileIsConnectedAndItsOwnerGoesBeforeItsControls) {
+TEST_F(AppKit, ALoadedFileIsConnectedAndItsOwnerIsDestroyedBeforeItsControls) {
     Names obituary;
     madeObituary = &obituary;
     auto result = load(R"(<interface class="Recorder">
@@ -71,7 +71,7 @@ TEST_F(AppKit, AFaultyFileIsRefusedWithItsLineAndLeavesNoOutletSet) {
     EXPECT_FALSE(platform::Interface::load("/missing.xml", "Recorder").isOk());
 }
 
-TEST_F(AppKit, AFileThatDoesNotFitItsClassIsRefusedBeforeAnybodyIsTold) {
+TEST_F(AppKit, AFileThatDoesNotFitItsClassIsRefusedBeforeAnyNotification) {
     struct Other : Recorder {};
 
     platform::registerClass(platform::describeClass<Other>("Other").take());

@@ -1,5 +1,4 @@
-// That each language has every text of the English table, and that a text of it can stand in the English
-// one's place.
+// Each language has every text of the English table, and each of its texts can replace the English one.
 
 #include "platform/foundation/NSBundle.h"
 #include "platform/foundation/NSFileManager.h"
@@ -23,7 +22,7 @@ StringTable tableAt(const std::filesystem::path& folder) {
     return std::move(table).valueOr({});
 }
 
-/// The directives of a text, each with the place of its argument, in the order of the arguments: "1@ 2d".
+/// Returns the directives of a text with the positions of their arguments, in that order: "1@ 2d".
 std::set<std::string> directivesOf(const std::string& text) {
     std::set<std::string> directives;
     int next = 1;
@@ -36,13 +35,13 @@ std::set<std::string> directivesOf(const std::string& text) {
     return directives;
 }
 
-/// Whether a text begins, and ends, with what stands between it and the text that it is put together with.
+/// Returns whether a text begins, and whether it ends, with a separator for joining it with another text.
 std::pair<bool, bool> joinsOf(const std::string& text) {
     const bool begins = text.starts_with(' ') || text.starts_with(',') || text.starts_with("、");
     return {begins, text.ends_with(' ') || text.ends_with('\n')};
 }
 
-TEST(LanguageTables, HoldTheEnglishTablesTextsWithTheirDirectives) {
+TEST(LanguageTables, HaveTheTextsOfTheEnglishTableWithTheirDirectives) {
     const TestHost host;
     const std::filesystem::path resources = NSBundle::mainBundle().resourcePath();
     const StringTable english = tableAt(resources / "English.lproj");

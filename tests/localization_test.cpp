@@ -1,5 +1,5 @@
-// That every text is looked up in the table of its language; and what depends on the version of the system or
-// on the list of Brindle's versions.
+// Every text is looked up in the table of its language. Also, what depends on the version of the system or on
+// the list of Brindle's versions.
 
 #include "platform/foundation/NSFileManager.h"
 #include "platform/foundation/StringTable.h"
@@ -29,8 +29,8 @@ bool isMarked(const std::string& text) {
     return text.empty() || text.find(mark) != std::string::npos;
 }
 
-/// The project's own table with a mark around each text: a text without one was not looked up, or is missing
-/// from the table.
+/// Returns the project's own table with a mark around each text: a shown text without a mark was not looked
+/// up, or is missing from the table.
 platform::StringTable markedTable() {
     const TestHost plain;
     const auto file =
@@ -57,7 +57,7 @@ class Translation : public AppFixture {
         expectedAlerts_.insert(marked(title));
     }
 
-    /// Every alert so far is marked in all its texts, and those that were answered are all there are.
+    /// Expects marks in all texts of all alerts so far, and no alerts except those that were answered.
     void expectMarkedAlerts() {
         std::set<std::string> seen;
         for (const platform::Alert& alert : host.alerts) {
@@ -71,7 +71,7 @@ class Translation : public AppFixture {
         EXPECT_EQ(seen, expectedAlerts_);
     }
 
-    /// Every text below `node` that is not data of the computer's.
+    /// Expects marks in every text below `node` that is not the computer's data.
     void expectMarked(const platform::InterfaceNode& node) {
         for (const char* attribute : {"title", "text", "label", "toolTip", "placeholder", "confirm", "empty",
                                       "beginTitle", "another", "spoken"}) {
@@ -92,8 +92,8 @@ class Translation : public AppFixture {
     }
 
   private:
-    /// What a control shows that the program put there. A field that a user edits holds data, and so do the
-    /// version and the name of a share.
+    /// Returns the texts that the program has put into a control. A field that a user edits has data, and so
+    /// have the version and the name of a share.
     static std::vector<std::string> textsOf(const platform::Element* element) {
         static const std::set<std::string> data = {"version", "selectedShareName", "versionField",
                                                    "appNameField", "copyrightField"};
@@ -113,7 +113,7 @@ class Translation : public AppFixture {
     std::set<std::string> expectedAlerts_;
 };
 
-TEST_F(Translation, ReachesEveryTextOfTheWindowsAndTheFirstLaunch) {
+TEST_F(Translation, CoversEveryTextOfTheWindowsAndTheFirstLaunch) {
     addUser("alice", "501");
     addGroup("staff", "20", {"alice"});
     addShare("Docs", "/shares/docs");
@@ -160,7 +160,7 @@ TEST_F(Translation, ReachesEveryTextOfTheWindowsAndTheFirstLaunch) {
     expectMarked(host.loadedInterface->root());
 }
 
-TEST_F(Translation, ReachesEveryAlertAboutSharesAndAccounts) {
+TEST_F(Translation, CoversEveryAlertAboutSharesAndAccounts) {
     addUser("alice", "501");
     addUser("adam", "502");
     addGroup("friends", "501", {"alice"});
@@ -217,7 +217,7 @@ TEST_F(Translation, ReachesEveryAlertAboutSharesAndAccounts) {
     expectMarkedAlerts();
 }
 
-TEST_F(Translation, ReachesEveryAlertAboutTheServersSettings) {
+TEST_F(Translation, CoversEveryAlertAboutTheServersSettings) {
     host.write("Library/Preferences/com.apple.AppleFileServer.plist",
                "<plist version=\"1.0\"><dict/></plist>");
     start();
@@ -227,8 +227,8 @@ TEST_F(Translation, ReachesEveryAlertAboutTheServersSettings) {
         send("updateAFSProperties:");
         send("updateSMBProperties:");
     };
-    // The copy fails; then it takes the temporary file away, so that the removal fails; then nothing can be
-    // written.
+    // First the copy fails; then it removes the temporary file, so that the removal fails; then nothing can
+    // be written.
     host.onRun = [](const RecordedRun&) { return TestHost::RunAnswer{"no room", 0}; };
     save();
     host.onRun = [](const RecordedRun& run) {
@@ -245,15 +245,15 @@ TEST_F(Translation, ReachesEveryAlertAboutTheServersSettings) {
     for (const platform::Alert& alert : host.alerts) {
         messages.insert(alert.message);
     }
-    EXPECT_EQ(messages.size(), 6U) << "each failure has a message of its own";
+    EXPECT_EQ(messages.size(), 6U) << "each failure has its own message";
 }
 
 struct ListCase {
     const char* name;
-    std::string response; ///< of the server with the version list
+    std::string response; ///< the response of the server with the version list
     const char* title;
     const char* button;
-    const char* message; ///< a part of it, as it is marked
+    const char* message; ///< a part of the marked message
     bool opensPage;
 };
 
@@ -261,7 +261,7 @@ void PrintTo(const ListCase& list, std::ostream* stream) {
     *stream << list.name;
 }
 
-/// Brindle 2.0, whose version list is on a server of the test's own.
+/// Brindle 2.0, with a version list on the test's own server.
 class VersionCheck : public Translation, public testing::WithParamInterface<ListCase> {};
 
 TEST_P(VersionCheck, SaysWhatTheListSays) {

@@ -11,7 +11,7 @@ TEST_F(MainWindow, EveryNamedControlOfTheInterfaceFileIsShown) {
     }
     const auto& window = widget<QWidget>("mainWindow");
     for (const char* last : {"loggingEnable", "smbHomeDirsReadOnly"}) {
-        // The settings' other pages are built when nothing else is to do.
+        // The other pages of the settings are built when the event loop is idle.
         EXPECT_TRUE(QTest::qWaitFor([&] { return window.findChild<QWidget*>(last) != nullptr; })) << last;
     }
     const std::function<void(const platform::InterfaceNode&)> visit =
@@ -69,10 +69,10 @@ TEST_F(MainWindow, AShareIsMadeInTheDrawerAndNamedBesideItsDeletion) {
     EXPECT_EQ(columnOf("normalTableView", "DirectoryPath"), std::vector<std::string>{folder});
     EXPECT_NE(host.read("etc/smb.conf").find("[Films]"), std::string::npos);
     EXPECT_EQ(widget<QLabel>("selectedShareName").text(), "Films");
-    // The folder counts as chosen: what belongs to it is as it is on disk.
+    // The folder is treated as chosen, so its privileges are read from the disk.
     EXPECT_EQ(control<NSPopUpButton>("ownerPrivs").indexOfSelectedItem(), 0);
     EXPECT_TRUE(host.panels.empty());
-    // The button says what it would do to the name as it is typed.
+    // The button says what it would do to the typed name.
     EXPECT_EQ(plainTitle(widget<QPushButton>("createNewShare").text()), "Update Share");
     typeInto("shareName", "Filmsx");
     EXPECT_EQ(plainTitle(widget<QPushButton>("createNewShare").text()), "Create New Share");
@@ -103,7 +103,7 @@ TEST_F(MainWindow, APasswordIsAskedForOnASheetUntilBothFieldsAgree) {
     EXPECT_EQ(host.runs.front().arguments.back(), "secret");
 }
 
-TEST_F(MainWindow, AMenuPicksThePageOfTheSettingsAndAnotherShowsTheAboutPanel) {
+TEST_F(MainWindow, AMenuSelectsThePageOfTheSettingsAndAnotherShowsTheAboutPanel) {
     open();
     showPage(3);
     auto& pages = widget<QComboBox>("afsPropsPage");

@@ -16,7 +16,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-/// "KIND NAME {KEY=VALUE;...} TEXT", for comparing entries in one line.
+/// Returns "KIND NAME {KEY=VALUE;...} TEXT", to compare entries in one line.
 std::string shown(const SMBShare& entry) {
     std::string text = std::to_string(entry.Type()) + " " + entry.ShareName() + " {";
     for (const SMBPair& pair : entry.Props()) {
@@ -41,7 +41,7 @@ class SMBConfTest : public testing::Test {
         return texts;
     }
 
-    /// The administrator's copy succeeds.
+    /// Makes the administrator's copy succeed.
     void copy() {
         host.onRun = [this](const RecordedRun& run) {
             host.write("etc/smb.conf", host.read(fs::relative(run.arguments.at(0), host.root()).string()));
@@ -123,7 +123,7 @@ TEST_F(SMBConfTest, NamesTheLinesThatAWriteWouldSpoil) {
               (std::vector<SMBLossNotice>{{1, SMBLoss::BrokenHeader}, {7, SMBLoss::BrokenHeader}}));
     const SMBConf sleeping = parse(";[homes]\n;a = 1 \\\n;b = 2\n;[Homes]\n;a = 1 \\\n;b = 2\n");
     EXPECT_EQ(sleeping.lossNotices(), (std::vector<SMBLossNotice>{{2, SMBLoss::Continuation}}))
-        << "only the section that the home folders' check box can bring to life";
+        << "only the section that the home folders' check box can enable";
 }
 
 TEST_F(SMBConfTest, AByteOrderMarkSpoilsTheFirstLineAsItDoesForTheServer) {
@@ -222,8 +222,8 @@ TEST_F(SMBConfTest, MapsAShareOntoItsSection) {
     const std::string before = "[Docs]\npath = /d\n# mine\n;[Old]\n;path = /o\n";
     const std::string written = "[Docs]\npath = /d\n# mine\n\n\n;[Old]\n;path = /o\n\n\n";
 
-    // The share, whether it is shared, inherits and lets guests in; the file afterwards, empty when nothing
-    // is written.
+    // The share's name, whether it is shared, inherits and admits guests; the file afterwards, empty when
+    // nothing is written.
     const std::vector<std::tuple<std::string, int, int, int, std::string>> cases{
         {"Docs", 1, 0, 0, written},
         {"Docs", 1, 0, 1, "[Docs]\npath = /d\nguest ok = Yes\n# mine\n\n\n;[Old]\n;path = /o\n\n\n"},
@@ -249,7 +249,7 @@ TEST_F(SMBConfTest, MapsAShareOntoItsSection) {
     EXPECT_EQ(host.read("etc/smb.conf"), "[Docs]\nguest ok = No\nguest ok = maybe\n\n\n");
 }
 
-TEST_F(SMBConfTest, AFailedWriteKeepsTheChangeAndTheWarningForTheNext) {
+TEST_F(SMBConfTest, AFailedWriteKeepsTheChangeAndTheWarningForTheNextWrite) {
     SMBConf conf = parse("[homes]\nlost\n[Docs]\n");
     host.onRun = [](const RecordedRun&) { return TestHost::RunAnswer{"cp: no\n", 0}; };
     EXPECT_EQ(conf.modifySMBShare("Docs", "", 0, 0, 0), 1);
@@ -257,8 +257,8 @@ TEST_F(SMBConfTest, AFailedWriteKeepsTheChangeAndTheWarningForTheNext) {
     copy();
     EXPECT_EQ(conf.modifySMBShare("homes", "", 0, 0, 0), 0);
     EXPECT_EQ(host.read("etc/smb.conf"), "");
-    EXPECT_EQ(conf.Homes(), nullptr) << "the entry is gone, and the reference must go with it";
-    EXPECT_TRUE(conf.lossNotices().empty()) << "what could be lost is lost";
+    EXPECT_EQ(conf.Homes(), nullptr) << "the entry is gone, so the reference must be null";
+    EXPECT_TRUE(conf.lossNotices().empty()) << "there is nothing left to lose";
 }
 
 TEST_F(SMBConfTest, LaterWritesKeepWhatSomebodyElseWroteInTheMeantime) {
@@ -283,7 +283,7 @@ TEST_F(SMBConfTest, LaterWritesKeepWhatSomebodyElseWroteInTheMeantime) {
 
     fs::remove(host.root() / "etc/smb.conf");
     EXPECT_EQ(add(conf, "d"), 0);
-    EXPECT_EQ(host.read("etc/smb.conf"), conf.writtenText()) << "nothing is left that could be kept";
+    EXPECT_EQ(host.read("etc/smb.conf"), conf.writtenText()) << "there is nothing to keep";
     fs::remove(host.root() / "etc/smb.conf");
     fs::create_directory(host.root() / "etc/smb.conf");
     EXPECT_EQ(add(conf, "e"), 2);

@@ -43,7 +43,7 @@ std::string bytes(const fs::path& file) {
     return {std::istreambuf_iterator<char>(in), {}};
 }
 
-/// The directory as Brindle kept it first, with a row for each property and each value.
+/// Makes a directory in Brindle's first layout, with a row for each property and each value.
 void makeStoreOfRows(const fs::path& file) {
     fs::remove(file);
     sqlite3* database = nullptr;
@@ -75,7 +75,7 @@ void execute(const fs::path& file, const std::string& sql) {
     sqlite3_close(database);
 }
 
-/// So many records that SQLite writes some of them to the file before the commit.
+/// Adds so many records that SQLite writes some of them to the file before the commit.
 void addTooManyForMemory(Store& store) {
     const Store::Record users = store.child(Store::root, "users").value();
     for (int index = 0; index < 12000; ++index) {
@@ -85,7 +85,7 @@ void addTooManyForMemory(Store& store) {
     }
 }
 
-/// A writer that is killed when its changes are half in the file.
+/// Kills a writer when half of its changes are in the file.
 void killWriter(const fs::path& file) {
     const pid_t child = fork();
     if (child == 0) {
@@ -140,7 +140,7 @@ TEST_F(Directory, ListsRecordsPropertiesAndValuesInTheOrderInWhichTheyWereMade) 
     EXPECT_EQ(found.niil_val, (std::vector<std::uint32_t>{zoe.nii_object}));
 }
 
-TEST_F(Directory, OfTheFirstLayoutIsReadAsItIsAndTurnedIntoTodaysByTheFirstWriter) {
+TEST_F(Directory, InTheFirstLayoutIsReadAndConvertedByTheFirstWriter) {
     makeStoreOfRows(host.storeFile());
     const std::string before = bytes(host.storeFile());
     const std::string ada = "name: ada\nmail: b  a\nhint:\nuid: 501\n";
@@ -153,7 +153,7 @@ TEST_F(Directory, OfTheFirstLayoutIsReadAsItIsAndTurnedIntoTodaysByTheFirstWrite
 
     {
         Store store(host.storeFile());
-        store.undo(); // takes the new layout back as well
+        store.undo(); // undoes the new layout, too
         EXPECT_EQ(store.children(store.child(Store::root, "users").value()).records().size(), 3U);
     }
     EXPECT_EQ(nicl({"-create", "/users/eve"}), "");
@@ -187,8 +187,8 @@ TEST_F(Directory, KeepsTextsOfAnyLengthAndAnyBytes) {
 }
 
 TEST_F(Directory, ReportsADamagedRecordAndStillReadsTheOthers) {
-    // Each promises more than it holds: a name without an end, more values than bytes, a value cut short. The
-    // last one's number is longer than any that is written.
+    // Each announces more than it contains: a name without an end, more values than bytes, a value that is
+    // cut short. The last one has a longer number than is ever written.
     for (const char* content : {"x'056e616d'", "x'046e616d65ffffffff0f'", "x'046e616d650105616461'",
                                 "x'ffffffffffff'", "x'84006e616d650103616461'"}) {
         host.write("damaged.db", "");
@@ -207,7 +207,7 @@ TEST_F(Directory, ReportsADamagedRecordAndStillReadsTheOthers) {
         ASSERT_EQ(search(opened, "/groups", &id), NI_OK);
         EXPECT_EQ(ni_listprops(opened, &id, &names), NI_OK) << content;
 
-        domain.reset(); // a writer waits for readers
+        domain.reset(); // a writer would wait for this reader
         for (const bool writes : {false, true}) {
             Store store(host.root() / "damaged.db");
             const auto users = store.child(Store::root, "users").value();
@@ -221,7 +221,7 @@ TEST_F(Directory, ReportsADamagedRecordAndStillReadsTheOthers) {
     }
 }
 
-TEST_F(Directory, OfANewerBrindleIsNamedAndLeftAlone) {
+TEST_F(Directory, FromANewerBrindleIsNamedAndLeftAlone) {
     execute(host.storeFile(), "PRAGMA user_version = 9");
     const std::string before = bytes(host.storeFile());
     EXPECT_NE(nicl({"-create", "/users/ada"}).find("newer Brindle"), std::string::npos);
@@ -229,12 +229,39 @@ TEST_F(Directory, OfANewerBrindleIsNamedAndLeftAlone) {
     EXPECT_TRUE(bytes(host.storeFile()) == before);
 }
 
-TEST_F(Directory, WhoseParentsStandInACircleLosesNothingByADeletion) {
+TEST_F(Directory, WithACycleOfParentsLosesNothingByADeletion) {
     nicl({"-create", "/users/ada"});
     execute(host.storeFile(),
             "UPDATE record SET parent = (SELECT id FROM record WHERE name = 'ada') WHERE id = 0");
     EXPECT_NE(nicl({"-delete", "/users/ada"}).find("damaged"), std::string::npos);
     EXPECT_EQ(record("/users/ada"), "name: ada\n");
+}
+
+TEST_F(Directory, LosesARecordWithAllThatStandsBelowIt) {
+    const auto recordCount = [this] {
+        sqlite3* database = nullptr;
+        sqlite3_stmt* statement = nullptr;
+        EXPECT_EQ(sqlite3_open(host.storeFile().c_str(), &database), SQLITE_OK);
+        EXPECT_EQ(sqlite3_prepare_v2(database, "SELECT count(*) FROM record", -1, &statement, nullptr),
+                  SQLITE_OK);
+        EXPECT_EQ(sqlite3_step(statement), SQLITE_ROW);
+        const int count = sqlite3_column_int(statement, 0);
+        sqlite3_finalize(statement);
+        sqlite3_close(database);
+        return count;
+    };
+    nicl({"-create", "/users/zoe"});
+    const int before = recordCount();
+    {
+        Store store(host.storeFile());
+        const Store::Record ada = store.addRecord(store.child(Store::root, "users").value(), "ada");
+        store.addRecord(store.addRecord(ada, "info"), "deep");
+        EXPECT_TRUE(store.commit().isOk());
+    }
+    EXPECT_EQ(recordCount(), before + 3);
+    nicl({"-delete", "/users/ada"});
+    EXPECT_EQ(recordCount(), before);
+    EXPECT_EQ(record("/users/zoe"), "name: zoe\n");
 }
 
 TEST_F(Directory, SaysWhichKindOfThingIsMissing) {
@@ -260,15 +287,15 @@ TEST_F(Directory, SaysWhichKindOfThingIsMissing) {
     EXPECT_FALSE(fs::exists(host.root() / "missing.db"));
 }
 
-TEST_F(Directory, IsReadWhereNothingMayBeWrittenAndHoldsWhatWasThereBeforeAWriterWasKilled) {
+TEST_F(Directory, IsReadableWithoutWriteAccessAndHasTheStateBeforeAKilledWriter) {
     nicl({"-create", "/users/ada"});
     killWriter(host.storeFile());
     const fs::path journal = host.storeFile().string() + "-journal";
-    ASSERT_TRUE(fs::exists(journal)) << "the writer wrote nothing before it was killed";
+    ASSERT_TRUE(fs::exists(journal)) << "the writer was killed before it wrote anything";
     const std::string before = bytes(host.storeFile());
     EXPECT_EQ(countUsers(), 1U);
 
-    // As a user who may only read, in a process of its own because the tests may run as root.
+    // As a user who may only read, in another process because the tests may run as root.
     fs::permissions(host.root(), fs::perms(0555));
     for (const auto& file : {host.storeFile(), journal}) {
         fs::permissions(file, fs::perms(0444));
@@ -282,7 +309,7 @@ TEST_F(Directory, IsReadWhereNothingMayBeWrittenAndHoldsWhatWasThereBeforeAWrite
     waitpid(child, &status, 0);
     EXPECT_EQ(status, 0);
     EXPECT_EQ(bytes(host.storeFile()), before) << "reading wrote to the store";
-    EXPECT_TRUE(fs::exists(journal)) << "reading took the journal away";
+    EXPECT_TRUE(fs::exists(journal)) << "reading removed the journal";
 
     fs::permissions(host.root(), fs::perms(0755));
     for (const auto& file : {host.storeFile(), journal}) {
@@ -292,7 +319,7 @@ TEST_F(Directory, IsReadWhereNothingMayBeWrittenAndHoldsWhatWasThereBeforeAWrite
     EXPECT_EQ(countUsers(), 2U);
 }
 
-TEST_F(Directory, FailsInsteadOfWaitingForEverWhileAWriterHoldsTheStore) {
+TEST_F(Directory, FailsInsteadOfWaitingForeverWhileAWriterHoldsTheStore) {
     Store store(host.storeFile());
     addTooManyForMemory(store);
     const Domain domain = openLocal();

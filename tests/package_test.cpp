@@ -1,4 +1,4 @@
-// What a desktop and a Debian system take of Brindle: the menu entry, its description, and the package.
+// What desktops and Debian systems use: the menu entry, its description, and the package.
 
 #include "support/Subprocess.h"
 
@@ -13,7 +13,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// A folder of the test's own, with the package in it.
+/// A new folder with the package in it.
 class Package : public testing::Test {
   protected:
     void SetUp() override {
@@ -55,7 +55,7 @@ class Package : public testing::Test {
     fs::path folder_;
 };
 
-TEST_F(Package, HasAMenuEntryAndADescriptionThatDesktopsTake) {
+TEST_F(Package, HasAMenuEntryAndADescriptionThatDesktopsAccept) {
     run({"cmake", "--install", BRINDLE_BUILD, "--prefix", folder_.string()});
     const std::string share = folder_.string() + "/share/";
     EXPECT_EQ(run({"desktop-file-validate", share + "applications/brindle.desktop"}), "");
@@ -66,9 +66,9 @@ TEST_F(Package, HasNoFaultAndRunsWhereDpkgInstalledIt) {
     const std::string package = make();
     run({"lintian", "--fail-on", "error", package});
     if (::geteuid() != 0) {
-        GTEST_SKIP() << "only root can have dpkg install something";
+        GTEST_SKIP() << "only root can install something with dpkg";
     }
-    // What this computer has installed is what the package's dependencies are held against.
+    // The package's dependencies are checked against what this computer has installed.
     const fs::path computer = folder_ / "computer";
     const fs::path state = computer / "var/lib/dpkg";
     fs::create_directories(state / "info");
@@ -80,9 +80,9 @@ TEST_F(Package, HasNoFaultAndRunsWhereDpkgInstalledIt) {
     const std::vector<std::string> environment = {
         "HOME=" + folder_.string(), "LC_ALL=C",           "DISPLAY=",
         "WAYLAND_DISPLAY=",         "BRINDLE_RESOURCES=", "BRINDLE_ROOT=" + (folder_ / "root").string()};
-    run({program, "groups", "add", "friends", "--yes"}, environment); // by the installed helper
+    run({program, "groups", "add", "friends", "--yes"}, environment); // through the installed helper
     EXPECT_NE(run({program, "--print", "groups"}, environment).find("friends"), std::string::npos);
-    // The address that Help leads to.
+    // The page that Help opens.
     const std::string page = (computer / "usr/share/brindle/help/index.html").string();
     EXPECT_NE(run({"cat", page}).find("<h1>Brindle: the guide</h1>"), std::string::npos);
     run({"grep", "-q", "<string>help/index.html</string>",

@@ -32,7 +32,7 @@ bool contains(const std::string& text, const std::string& part) {
 
 } // namespace
 
-TEST_F(Root, PasswordsGoToTheRootsOwnServerAndLeaveWithTheUser) {
+TEST_F(Root, PasswordsGoToTheRootsOwnServerAndAreRemovedWithTheUser) {
     ASSERT_TRUE(root.makeIfMissing().isOk());
     EXPECT_TRUE(contains(dscl("/Users/alice", "secret"), "there is no such user"));
     EXPECT_TRUE(contains(dscl("/Groups/alice", "secret"), "/Users/NAME"));
@@ -113,7 +113,7 @@ TEST_F(RootWithPassword, KeepsItWhenTheUserCannotBeDeleted) {
     fs::remove(database);
     fs::rename(database.string() + ".away", database);
     EXPECT_TRUE(hasPassword());
-    EXPECT_TRUE(isListed()) << "who is still a user of the directory is one of the server's";
+    EXPECT_TRUE(isListed()) << "a user who is still in the directory is still one of the server's";
 
     EXPECT_EQ(deleteAlice(1), "");
     EXPECT_FALSE(hasPassword());
@@ -121,7 +121,7 @@ TEST_F(RootWithPassword, KeepsItWhenTheUserCannotBeDeleted) {
 }
 
 TEST_F(RootWithPassword, WaitsForASlowDatabaseWithoutHoldingTheDirectory) {
-    // Locked as another of Samba's programs would lock it.
+    // Locked as another Samba program would lock it.
     const platform::FileDescriptor database(
         ::open((root.sambaPaths().folder + "/private/passdb.tdb").c_str(), O_RDWR | O_CLOEXEC));
 
@@ -151,9 +151,9 @@ TEST_F(RootWithPassword, WaitsForASlowDatabaseWithoutHoldingTheDirectory) {
     EXPECT_EQ(said, "");
 }
 
-TEST_F(RootWithPassword, KeepsItUntilNobodyOfThatNameInAnyCaseIsLeft) {
+TEST_F(RootWithPassword, KeepsItUntilNobodyWithThatNameIsLeftWhateverTheCase) {
     {
-        platform::Store store(root.storeFile()); // as directories were filled before nicl refused such names
+        platform::Store store(root.storeFile()); // as in directories from before nicl refused such names
         store.addRecord(store.child(platform::Store::root, "users").value(), "ALICE");
         ASSERT_TRUE(store.commit().isOk());
     }
@@ -163,10 +163,10 @@ TEST_F(RootWithPassword, KeepsItUntilNobodyOfThatNameInAnyCaseIsLeft) {
     EXPECT_FALSE(hasPassword());
 }
 
-TEST_F(RootWithPassword, IsReadFromTheDatabaseAsSambaTellsIt) {
+TEST_F(RootWithPassword, IsReadFromTheDatabaseAsSambaReportsIt) {
     const std::string database = root.sambaPaths().folder + "/private/passdb.tdb";
     const auto known = [&](const std::string& user) { return platform::userInPasswordFile(database, user); };
-    ASSERT_TRUE(known("Alice") && *known("Alice")) << "names are alike in any case";
+    ASSERT_TRUE(known("Alice") && *known("Alice")) << "names are compared without case";
     EXPECT_EQ((*known("alice"))->name, "alice");
     EXPECT_TRUE((*known("alice"))->hasPassword);
     EXPECT_FALSE((*known("alice"))->isDisabled);
@@ -174,12 +174,12 @@ TEST_F(RootWithPassword, IsReadFromTheDatabaseAsSambaTellsIt) {
     EXPECT_TRUE(contains(pdbedit({"-c", "[D]", "--user=alice"}), "D"));
     EXPECT_TRUE((*known("alice"))->isDisabled);
     EXPECT_TRUE((*known("alice"))->hasPassword);
-    EXPECT_FALSE(platform::userInPasswordFile(database + ".none", "alice")) << "who is in it is not known";
+    EXPECT_FALSE(platform::userInPasswordFile(database + ".none", "alice")) << "its users are not known";
     std::ofstream(database, std::ios::binary) << "not a database";
     EXPECT_FALSE(known("alice"));
 }
 
-/// Does `work` on the database in a process of its own, then `check` here while the other one waits.
+/// Does `work` on the database in another process, then `check` here while that process waits.
 void whileAnotherProcess(const std::string& database, const std::function<void(tdb_context*)>& work,
                          const std::function<void()>& check) {
     std::array<int, 2> ready{};
@@ -192,7 +192,7 @@ void whileAnotherProcess(const std::string& database, const std::function<void(t
         tdb_context* open = tdb_open(database.c_str(), 0, TDB_DEFAULT, O_RDWR, 0);
         work(open);
         (void)write(ready[1], &byte, 1);
-        (void)read(done[0], &byte, 1); // until the other end is closed
+        (void)read(done[0], &byte, 1); // waits until the other end is closed
         _exit(0);
     }
     EXPECT_EQ(read(ready[0], &byte, 1), 1);

@@ -1,5 +1,7 @@
 #include "platform/posix/InputOutput.h"
 #include "platform/posix/Process.h"
+#include "platform/posix/Secret.h"
+#include "platform/posix/SystemCallFilter.h"
 #include "platform/posix/UTF8.h"
 #include "platform/posix/WholeFile.h"
 #include "support/TestHost.h"
@@ -9,13 +11,22 @@
 #include <algorithm>
 #include <chrono>
 #include <csignal>
+#include <cstring>
 #include <filesystem>
 #include <fstream>
+#include <functional>
+#include <iostream>
 #include <thread>
 
+#include <sched.h>
 #include <sys/file.h>
+#include <sys/ioctl.h>
+#include <sys/resource.h>
+#include <sys/socket.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
 #include <sys/time.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 namespace fs = std::filesystem;
@@ -32,7 +43,7 @@ Command shell(const std::string& text, ErrorOutput errors = ErrorOutput::Discard
     return {{"/bin/sh", "-c", text}, errors};
 }
 
-/// Interrupts every slow system call of this process while it lives.
+/// Interrupts every slow system call of this process during its lifetime.
 class Interruptions {
   public:
     Interruptions() {
@@ -57,7 +68,7 @@ class Interruptions {
     struct sigaction before_ {};
 };
 
-/// More than a pipe holds.
+/// More than a pipe can buffer.
 const std::string longText = [] {
     std::string text;
     for (int number = 0; number < 100000; ++number) {
@@ -115,14 +126,14 @@ TEST(InputOutput, ALimitIsKeptToTheByte) {
 
 TEST(Process, InputOutputErrorsAndStatusArriveWhole) {
     const Interruptions interruptions;
-    // Both outputs fill up while the input is not read to its end.
+    // Both outputs fill up before the input is read to its end.
     const auto finished = runProcess(shell("tee /dev/stderr; exit 7", ErrorOutput::Apart), longText);
     ASSERT_TRUE(finished.isOk());
     EXPECT_TRUE(finished->output == longText);
     EXPECT_TRUE(finished->errors == longText);
     EXPECT_EQ(finished->status, 7);
     EXPECT_EQ(runProcess(shell("echo a; echo b >&2", ErrorOutput::WithOutput))->output, "a\nb\n");
-    EXPECT_EQ(runProcess(shell("kill -9 $$"), longText)->status, 128 + SIGKILL) << "it does not read";
+    EXPECT_EQ(runProcess(shell("kill -9 $$"), longText)->status, 128 + SIGKILL) << "it reads nothing";
     Command command = shell("echo $A$HOME");
     command.environment = {"A=b"};
     EXPECT_EQ(runProcess(command)->output, "b\n");
@@ -130,21 +141,107 @@ TEST(Process, InputOutputErrorsAndStatusArriveWhole) {
               "cannot start /missing/program: No such file or directory");
 }
 
+TEST(Process, AChildThatWritesWithoutEndIsKilled) {
+    const auto finished = runProcess(shell("exec cat /dev/zero"));
+    ASSERT_FALSE(finished.isOk());
+    EXPECT_EQ(finished.status().systemError(), EFBIG);
+}
+
 TEST(Process, ATimeLimitKillsTheChild) {
     const TestHost host;
     const std::string id = host.root() / "id";
-    for (const char* silent : {"", "exec >&- 2>&-; "}) { // one that has closed its output is waited for too
+    for (const char* silent : {"", "exec >&- 2>&-; "}) { // also one that has closed its output
         const auto begin = std::chrono::steady_clock::now();
         const auto finished =
             runProcess(shell(std::string(silent) + "echo $$ >" + id + "; exec sleep 60"), {}, 200ms);
         EXPECT_EQ(finished.status().systemError(), ETIMEDOUT);
         EXPECT_LT(std::chrono::steady_clock::now() - begin, 30s);
-        EXPECT_NE(::kill(std::stoi(textOf(id)), 0), 0) << "it still runs";
+        EXPECT_NE(::kill(std::stoi(textOf(id)), 0), 0) << "it is still running";
     }
     EXPECT_TRUE(runProcess(shell("sleep 0.01"), {}, 60s).isOk());
 }
 
-TEST(WholeFile, LinksOwnersAndModesAreTreatedAsTold) {
+TEST(Secrets, AreInNoCoreOfWhatAProgramStartsHoweverItMightBeWritten) {
+    const TestHost host;
+    // Whether a program that crashes there leaves a core, with the largest limit that there may be.
+    const auto leavesCore = [&](bool isForbidden) {
+        const pid_t child = ::fork();
+        if (child == 0) {
+            rlimit limit{};
+            ::getrlimit(RLIMIT_CORE, &limit);
+            limit.rlim_cur = limit.rlim_max;
+            ::setrlimit(RLIMIT_CORE, &limit);
+            if (isForbidden) {
+                platform::leaveNoCore();
+            }
+            const std::string script = "cd '" + host.root().string() +
+                                       "' && cat /proc/self/coredump_filter >filter && kill -ABRT $$";
+            ::execl("/bin/sh", "sh", "-c", script.c_str(), nullptr);
+            ::_exit(1);
+        }
+        int status = 0;
+        EXPECT_EQ(::waitpid(child, &status, 0), child);
+        EXPECT_TRUE(WIFSIGNALED(status));
+        return WIFSIGNALED(status) && WCOREDUMP(status);
+    };
+    if (!leavesCore(false)) {
+        GTEST_SKIP() << "this computer leaves no cores";
+    }
+    EXPECT_FALSE(leavesCore(true));
+    EXPECT_EQ(textOf(host.root() / "filter"), "00000000\n") << "nor any memory in one";
+}
+
+TEST(SystemCallFilter, RefusesWhatWorkOnFilesDoesWithoutAndNothingElse) {
+    struct Case {
+        const char* name;
+        int error; ///< 0: it succeeds, which is 0 or more
+        std::function<long()> call;
+    };
+
+    const std::vector<Case> cases = {
+        {"a namespace", EPERM, [] { return ::syscall(SYS_unshare, 0L); }},
+        {"another one", EPERM,
+         [] { return ::syscall(SYS_clone, static_cast<long>(CLONE_NEWUSER | SIGCHLD), 0L, 0L, 0L, 0L); }},
+        {"a keyring", EPERM, [] { return ::syscall(SYS_keyctl, 0L, -3L, 0L); }}, // this process's own
+        {"another process's memory", EPERM,
+         [] { return ::syscall(SYS_process_vm_readv, static_cast<long>(::getpid()), 0L, 0L, 0L, 0L, 0L); }},
+        {"a mount", EPERM, [] { return ::syscall(SYS_fsopen, "tmpfs", 0L); }},
+        {"a network", EAFNOSUPPORT, [] { return ::socket(AF_INET, SOCK_STREAM, 0); }},
+        {"a terminal's input", EPERM, [] { return ::ioctl(STDIN_FILENO, TIOCSTI, "x"); }},
+        {"a socket of this computer", 0, [] { return ::socket(AF_UNIX, SOCK_STREAM, 0); }},
+        {"a thread", 0, [] { return std::thread([] {}).join(), 0; }},
+        {"a program", 0,
+         [] {
+             return -runProcess(shell("exit 0")).valueOr({1, {}, {}}).status;
+         }},
+    };
+    // In a process of its own, which nothing could take the filter from again. 255: no filter here.
+    const pid_t child = ::fork();
+    if (child == 0) {
+        if (!platform::takeSystemCallFilter()) {
+            ::_exit(255);
+        }
+        int failed = 0;
+        for (const Case& each : cases) {
+            errno = 0;
+            const long result = each.call();
+            if (each.error == 0 ? result < 0 : result != -1 || errno != each.error) {
+                std::cerr << each.name << ": " << result << ", " << std::strerror(errno) << '\n';
+                ++failed;
+            }
+        }
+        ::_exit(failed);
+    }
+    int status = 0;
+    ASSERT_EQ(::waitpid(child, &status, 0), child);
+    ASSERT_TRUE(WIFEXITED(status));
+    if (WEXITSTATUS(status) == 255) {
+        GTEST_SKIP() << "this kernel refuses no system calls";
+    }
+    EXPECT_EQ(WEXITSTATUS(status), 0);
+}
+
+TEST(WholeFile, LinksOwnersAndModesAreTreatedAsRequested) {
     const TestHost host;
     const fs::path folder = host.root() / "folder";
     fs::create_directory(folder);
@@ -164,7 +261,7 @@ TEST(WholeFile, LinksOwnersAndModesAreTreatedAsTold) {
 
     ASSERT_TRUE(writeWholeFile(link, "new", {.mode = 0600}).isOk());
     EXPECT_EQ(statusOf(link).st_mode, S_IFREG | 0600U);
-    EXPECT_TRUE(textOf(file) == longText) << "what the link led to stays";
+    EXPECT_TRUE(textOf(file) == longText) << "the target of the link stays";
 
     const fs::path dangling = folder / "dangling";
     fs::create_symlink(folder / "fresh", dangling);
@@ -174,7 +271,7 @@ TEST(WholeFile, LinksOwnersAndModesAreTreatedAsTold) {
     const fs::path loop = folder / "loop";
     fs::create_symlink("loop", loop);
     EXPECT_EQ(writeWholeFile(loop, "x", {.links = LinkRule::Follow}).systemError(), ELOOP);
-    EXPECT_FALSE(writeWholeFile(loop, "x", {.keepsRights = true}).isOk()) << "no regular file";
+    EXPECT_FALSE(writeWholeFile(loop, "x", {.keepsRights = true}).isOk()) << "not a regular file";
     EXPECT_EQ(namesIn(folder), (std::vector<std::string>{"dangling", "file", "fresh", "link", "loop"}));
 }
 
@@ -182,7 +279,7 @@ TEST(WholeFile, AFailedWriteLeavesNothingBehind) {
     const TestHost host;
     const fs::path folder = host.root() / "folder";
     fs::create_directories(folder / "target");
-    const auto status = writeWholeFile(folder / "target", "bytes"); // a folder is in the way
+    const auto status = writeWholeFile(folder / "target", "bytes"); // the target is a folder
     EXPECT_EQ(status.text(), "cannot write " + (folder / "target").string() + ": Is a directory");
     EXPECT_EQ(namesIn(folder), std::vector<std::string>{"target"});
     EXPECT_EQ(writeWholeFile(host.root() / "missing" / "file", "bytes").systemError(), ENOENT);
@@ -193,7 +290,7 @@ TEST(WholeFile, TheNextWriterRemovesWhatAKilledOneLeft) {
     const fs::path folder = host.root() / "folder";
     fs::create_directory(folder);
     std::ofstream(folder / ".brindle-1.tmp") << "half a te";
-    std::ofstream(folder / ".brindle-2.tmp") << "of a writer that is alive";
+    std::ofstream(folder / ".brindle-2.tmp") << "the file of a running writer";
     std::ofstream(folder / ".brindle.tmp") << "somebody else's";
     const platform::FileDescriptor alive(::open((folder / ".brindle-2.tmp").c_str(), O_WRONLY | O_CLOEXEC));
     ASSERT_EQ(::flock(alive.get(), LOCK_EX), 0);
@@ -201,7 +298,7 @@ TEST(WholeFile, TheNextWriterRemovesWhatAKilledOneLeft) {
     EXPECT_EQ(namesIn(folder), (std::vector<std::string>{".brindle-2.tmp", ".brindle.tmp", "file"}));
 }
 
-TEST(WholeFile, WritersAtOnceLeaveOneWholeText) {
+TEST(WholeFile, SimultaneousWritersLeaveOneWholeText) {
     const TestHost host;
     const fs::path folder = host.root() / "folder";
     fs::create_directory(folder);

@@ -10,13 +10,13 @@ namespace {
 
 using Events = std::vector<std::string>;
 
-/// An operation, the runs that it makes, and the log's text when the run of the same index writes "no".
+/// An operation, the runs that it makes, and the logged texts when the run with the same index writes "no".
 struct Operation {
     std::string name;
-    std::function<bool(NiutilTask&)> perform; ///< true for operations without an answer
+    std::function<bool(NiutilTask&)> perform; ///< returns true for operations without a result
     Events runs;
     std::vector<std::string> messages;
-    bool stops = true; ///< at the first failed run
+    bool stops = true; ///< whether it stops at the first failed run
 };
 
 void PrintTo(const Operation& operation, std::ostream* stream) {
@@ -116,7 +116,7 @@ std::vector<Operation> operations() {
 
 class PrivilegedOperation : public testing::TestWithParam<Operation> {};
 
-TEST_P(PrivilegedOperation, MakesItsRunsInOrderAndNothingElseIsHeard) {
+TEST_P(PrivilegedOperation, MakesItsRunsInOrderAndNothingElse) {
     TestHost host;
     EXPECT_TRUE(GetParam().perform(NiutilTask::sharedInstance()));
     EXPECT_EQ(host.runTexts(), GetParam().runs);
@@ -130,7 +130,7 @@ TEST_P(PrivilegedOperation, RunsNothingWhenTheUserRefuses) {
     TestHost host;
     host.rightHeld = false;
     host.administratorAllows = false;
-    const bool answersWhenRefused = !GetParam().stops; // those without an answer
+    const bool answersWhenRefused = !GetParam().stops; // operations without a result
     EXPECT_EQ(GetParam().perform(NiutilTask::sharedInstance()), answersWhenRefused);
     EXPECT_EQ(host.events, Events{"administrator refuse"});
 }
@@ -191,8 +191,8 @@ TEST(DeletingAllShares, GoesFromTheLastToTheFirstAndOnAfterAFailure) {
                       nicl + "One"}));
 }
 
-TEST(Session, AsksOnceAndTellsWhenTheRightComesAndGoes) {
-    Events posted; // outlives the host, whose end gives the session up and is heard too
+TEST(Session, AsksOnceAndNotifiesWhenTheRightIsGainedAndLost) {
+    Events posted; // outlives the host, because the end of the session is notified too
     TestHost host;
     host.rightHeld = false;
     NiutilTask& task = NiutilTask::sharedInstance();
@@ -210,13 +210,13 @@ TEST(Session, AsksOnceAndTellsWhenTheRightComesAndGoes) {
     host.administratorAllows = true;
     EXPECT_TRUE(task.authenticate());
     EXPECT_TRUE(task.authenticate());
-    EXPECT_EQ(host.administratorDialogs, 2) << "a right that is held is not asked for again";
+    EXPECT_EQ(host.administratorDialogs, 2) << "a right that is held is not requested again";
     task.deauthenticate();
     EXPECT_FALSE(task.isAuthenticated());
     EXPECT_EQ(posted, (Events{"NiutilAuthenticatedNotification", "NiutilDeauthenticatedNotification"}));
 }
 
-TEST(Session, RequestsTheAdministratorRightAndLetsTheUserBeAskedOnlyAfterASilentTest) {
+TEST(Session, RequestsTheAdministratorRightAndAsksTheUserOnlyAfterASilentTest) {
     TestHost host;
     host.rightHeld = false;
     EXPECT_TRUE(NiutilTask::sharedInstance().authenticate());
@@ -231,7 +231,7 @@ TEST(Session, RequestsTheAdministratorRightAndLetsTheUserBeAskedOnlyAfterASilent
     EXPECT_EQ(flags, (std::vector<AuthorizationFlags>{2, 3, 2}));
 }
 
-TEST(ToolOutput, IsReadWholeAndShownAsMissingWhenItIsNoText) {
+TEST(ToolOutput, IsReadWholeAndShownAsMissingWhenItIsNotText) {
     for (const std::size_t size : {511U, 512U, 1024U, 200000U}) {
         TestHost host;
         host.onRun = [&](const RecordedRun&) { return TestHost::RunAnswer{std::string(size, 'x'), 0}; };
@@ -255,7 +255,7 @@ TEST(Restart, SignalsEveryListedProcessAndGoesOnAfterAFailure) {
         {"210\n211\n",
          {first, "beep", "log Error -60031 in Kill AuthorizationExecuteWithPrivileges",
           "run /bin/kill -1 211"}},
-        {"211\n210", {"run /bin/kill -1 211"}}, // the last line has no end
+        {"211\n210", {"run /bin/kill -1 211"}}, // the last line has no line break
         {"", {}},
         {std::nullopt, {"log Error opening pipe: " + smb, "beep"}},
     };
@@ -280,7 +280,7 @@ TEST(Restart, ListsNothingWhenTheUserRefuses) {
     TestHost host;
     host.rightHeld = host.administratorAllows = false;
     host.onListing = [](const std::string&) -> std::optional<std::string> {
-        ADD_FAILURE() << "a listing was made";
+        ADD_FAILURE() << "processes were listed";
         return "210\n";
     };
     NiutilTask::sharedInstance().restartSMB();

@@ -1,4 +1,4 @@
-// Property lists: what is read of them, and that everything that nobody asked for survives a change.
+// Property lists: how they are read, and that everything else survives a change.
 
 #include "platform/foundation/NSDictionary.h"
 #include "platform/foundation/NSFileManager.h"
@@ -46,7 +46,7 @@ TEST(PropertyLists, ValuesAreReadByTheirMeaning) {
     EXPECT_FALSE(plist->dictionaryForKey("text"));
 }
 
-TEST(PropertyLists, ChangesKeepTheOrderAndEverythingThatNobodyAskedFor) {
+TEST(PropertyLists, ChangesKeepTheOrderAndEverythingElse) {
     auto plist = NSMutableDictionary::dictionaryWithData(settings).value();
     plist.setBool(true, "guest");
     plist.setString("<new>", "big");
@@ -64,7 +64,7 @@ TEST(PropertyLists, ChangesKeepTheOrderAndEverythingThatNobodyAskedFor) {
     EXPECT_EQ(NSMutableDictionary::dictionaryWithData(xml).value().xmlText(), xml);
 }
 
-/// A binary property list of one text.
+/// Returns a binary property list with one text.
 std::string binaryList(const char* key, const char* text) {
     plist_t root = plist_new_dict();
     plist_dict_set_item(root, key, plist_new_string(text));
@@ -92,7 +92,7 @@ TEST(PropertyLists, ABinaryFileIsReadAndWrittenAsXML) {
               "hé");
 }
 
-TEST(PropertyLists, CharactersThatXMLHasNotAreReplacedInWhatIsChangedOnly) {
+TEST(PropertyLists, CharactersThatXMLLacksAreReplacedOnlyInChangedTexts) {
     const std::string none = "\xef\xbf\xbd";
     const std::vector<std::pair<std::string, std::string>> texts{
         {"\t\n<h\xc3\xa9>\xf0\x9f\x98\x80", "\t\n<h\xc3\xa9>\xf0\x9f\x98\x80"},
@@ -138,7 +138,7 @@ TEST(PropertyLists, EveryFormOfAFileIsRead) {
     }
 }
 
-TEST(PropertyLists, ReadersOfXMLReadTheValuesThatWereThere) {
+TEST(PropertyLists, OtherReadersOfTheXMLReadTheSameValues) {
     const char* dates = "<key>a</key>\n\t<date>0900-01-02T03:04:05Z</date>\n\t"
                         "<key>b</key>\n\t<date>0001-12-31T00:00:00Z</date>\n\t"
                         "<key>c</key>\n\t<string>1\t2&#13;\n3&#13;4&#1;</string>\n";
@@ -151,7 +151,7 @@ TEST(PropertyLists, ReadersOfXMLReadTheValuesThatWereThere) {
     EXPECT_NE(changed.xmlText().find("<string>1&#13;\n2</string>"), std::string::npos) << changed.xmlText();
 }
 
-TEST(PropertyLists, WhatIsNoDictionaryIsNone) {
+TEST(PropertyLists, AnythingButADictionaryIsRefused) {
     for (const std::string& bytes :
          {std::string(), std::string("no plist"), std::string("<plist><array/></plist>"),
           std::string("<plist><dict><key>a</key>"), std::string("bplist00"), std::string("{a=b}"),

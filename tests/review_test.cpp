@@ -16,7 +16,7 @@ class Plans : public DrawnState {
         return texts;
     }
 
-    /// Does what was planned, answering as the plan did, and compares.
+    /// Performs the planned action with the plan's answers, and compares.
     void expectSameAs(const review::Plan& plan, NSControl& sender) {
         for (const review::PlannedAsk& ask : plan.asks) {
             host.answerAlert(ask.title, ask.button);
@@ -39,7 +39,7 @@ class Plans : public DrawnState {
             EXPECT_EQ(status.st_gid, change.groupAfter);
             EXPECT_EQ(status.st_mode & 07777U, change.modeAfter);
         }
-        if (NSWindow* sheet = NSApp().attachedSheet()) { // of a new user
+        if (NSWindow* sheet = NSApp().attachedSheet()) { // the password sheet of a new user
             enterPassword(*sheet);
         }
     }
@@ -57,7 +57,7 @@ class Plans : public DrawnState {
 TEST_P(Plans, SayRunForRunAndLineForLineWhatTheActionThenDoesAndChangeNothing) {
     fillDirectory();
     fillFiles();
-    host.allowUnaskedAlerts(); // the migration's at the start
+    host.allowUnaskedAlerts(); // for the migration's alert at the start
     begin();
     for (int step = 0; step < 12; ++step) {
         edit();
@@ -90,7 +90,7 @@ TEST_P(Plans, SayRunForRunAndLineForLineWhatTheActionThenDoesAndChangeNothing) {
 
 INSTANTIATE_TEST_SUITE_P(Drawn, Plans, testing::Range(1U, 26U));
 
-TEST(TextDifference, HasTheFewestLinesInTheirOrder) {
+TEST(TextDifference, HasTheFewestLinesInOrder) {
     const auto changes = [](std::string_view before, std::string_view after) {
         std::string text;
         for (const LineChange& change :

@@ -4,8 +4,8 @@
 
 namespace {
 
-/// A computer with two shares, some people, and settings as Brindle writes them. Each test makes one thing
-/// otherwise, as a person would find it, and expects to be told of that and of nothing else.
+/// A computer with two shares, some people, and settings as Brindle writes them. Each test changes one thing,
+/// and expects a warning about that and nothing else.
 class Surprises : public ReviewFixture {
   protected:
     Surprises() {
@@ -31,7 +31,7 @@ class Surprises : public ReviewFixture {
 
     void selectShare(const std::string& name) { selectRow(*app().normalTableView, "ShareName", name); }
 
-    /// A new share of that folder, whose owner and rights are shown from the disk.
+    /// Fills the editor for a new share of that folder, whose owner and rights are read from the disk.
     void newShare(const std::string& name, const std::string& path) {
         host.choosePath(path);
         send("selectDirectory:");
@@ -59,7 +59,7 @@ TEST_F(Surprises, ThereAreNoneWhenOnlyWhatWasTouchedChanges) {
     EXPECT_EQ(warningsOf("createShare:"), "");
 }
 
-TEST_F(Surprises, AChangeOfSomebodyElseIsToldUntilTheFileIsReadAgain) {
+TEST_F(Surprises, AChangeBySomebodyElseIsReportedUntilTheFileIsReadAgain) {
     begin();
     writeConf(plainConf("wins support = yes\n"));
     EXPECT_TRUE(reviewer->hasSMBConfChangedOnDisk());
@@ -84,10 +84,10 @@ TEST_F(Surprises, LinesThatASaveLosesOrMovesAreNamed) {
     EXPECT_EQ(plan.warnings[1].sentence,
               "Saving moves these lines of smb.conf to another place: line 16 \"# by hand\".");
     send("updateSMBProperties:");
-    EXPECT_EQ(warningsOf("updateSMBProperties:"), ""); // what is lost is lost
+    EXPECT_EQ(warningsOf("updateSMBProperties:"), ""); // there is nothing left to lose
 }
 
-TEST_F(Surprises, ASectionThatGoesAwayWithMoreThanTheEditorShowsIsNamed) {
+TEST_F(Surprises, ASectionRemovedWithMoreThanTheEditorShowsIsNamed) {
     writeConf(plainConf("", "veto files = /x/\n"));
     begin();
     selectShare("Docs");
@@ -101,11 +101,11 @@ TEST_F(Surprises, ASectionThatGoesAwayWithMoreThanTheEditorShowsIsNamed) {
     writeConf(plainConf());
     reviewer->reread();
     control<NSTableView>("normalTableView").deselectAll();
-    newShare("Docs", docs); // not selected, so that nothing was shown of it
+    newShare("Docs", docs); // not selected, so the editor did not show it
     EXPECT_NE(warningsOf("createShare:").find("section-removed"), std::string::npos);
 }
 
-TEST_F(Surprises, ARecordThatGoesAwayUnaskedIsNamed) {
+TEST_F(Surprises, ARecordRemovedUnaskedIsNamed) {
     nicl({"-create", "/config/Brindle/Docs", "comment", "mine"});
     nicl({"-create", "/config/Brindle/Old"});
     nicl({"-create", "/config/Brindle/Old", "directory_path", films});
@@ -116,14 +116,14 @@ TEST_F(Surprises, ARecordThatGoesAwayUnaskedIsNamed) {
         sentence("deleteShare:", "record-removed"),
         "The record of the share \"Docs\" goes away with what Brindle did not write there: \"comment\".");
     const review::Plan migration = reviewer->planMigration();
-    EXPECT_EQ(migration.runs.size(), 21U); // three records, each deleted and made anew with its properties
+    EXPECT_EQ(migration.runs.size(), 21U); // three records, each deleted and made again with its properties
     EXPECT_EQ(migration.warnings.size(), 1U);
 }
 
-TEST_F(Surprises, AFolderThatChangesHandsUnseenIsNamedAndOneThatLocksItsOwnerOut) {
+TEST_F(Surprises, AFolderWhoseOwnerChangesUnseenOrIsLockedOutIsNamed) {
     begin();
     type("shareName", "New");
-    type("directory", folder("private", 0750)); // typed: the menus show another folder, or none
+    type("directory", folder("private", 0750)); // typed, so the menus show another folder or none
     EXPECT_EQ(warningsOf("createShare:"), ::geteuid() == 0 ? "owner-changes mode-changes owner-locked-out"
                                                            : "mode-changes owner-locked-out");
     choose("owner", "bob");
@@ -198,7 +198,7 @@ TEST_F(Surprises, AMissingGroupIdReadsAsZeroAndIsNamed) {
               "The user \"bob\" has no group id and gets the id 0, although nobody touched that menu.");
     choose("groupPopUp", "wheel");
     EXPECT_EQ(warningsOf("addNewUser:"), "");
-    app().groupPopUp->selectItemAtIndex(-1); // the record's is kept: none
+    app().groupPopUp->selectItemAtIndex(-1); // keeps the record's, which is none
     EXPECT_EQ(warningsOf("addNewUser:"), "");
     for (const char* user : {"bob", "adam"}) {
         selectRow(*app().userTableView, "User", user);
@@ -222,7 +222,7 @@ TEST_F(Surprises, ASettingThatChangesUntouchedIsNamed) {
     selectShare("Docs");
     EXPECT_NE(sentence("createShare:", "untouched-setting").find("\"guest ok\""), std::string::npos);
     nicl({"-create", "/config/Brindle/Films", "afp_use_parent_privs", "1"});
-    newShare("Films", films); // over the record that is there, with every box off
+    newShare("Films", films); // over the existing record, with every box off
     EXPECT_NE(sentence("createShare:", "untouched-setting").find("\"afp_use_parent_privs\""),
               std::string::npos);
     type("greeting", "Hello");
@@ -232,10 +232,10 @@ TEST_F(Surprises, ASettingThatChangesUntouchedIsNamed) {
     EXPECT_TRUE(std::ranges::none_of(afp.warnings, [](const review::Remark& warning) {
         return warning.sentence.find("loginGreeting") != std::string::npos;
     }));
-    EXPECT_NE(sentence("updateAFSProperties:", "untouched-setting"), ""); // the keys that the file lacks
+    EXPECT_NE(sentence("updateAFSProperties:", "untouched-setting"), ""); // keys that the file lacks
 }
 
-TEST_F(Surprises, GuestsWhoMayWriteAndManyAccountsAreTold) {
+TEST_F(Surprises, GuestsWhoMayWriteAndManyAccountsAreReported) {
     begin();
     newShare("New", folder("new"));
     choose("sharingSMB", 1);
@@ -248,7 +248,7 @@ TEST_F(Surprises, GuestsWhoMayWriteAndManyAccountsAreTold) {
               "22 accounts change, from \"adam\" to \"u9\".");
 }
 
-TEST_F(Surprises, WhatTheServerReadsOtherwiseIsNamed) {
+TEST_F(Surprises, SettingsThatTheServerReadsDifferentlyAreNamed) {
     writeConf(plainConf("Workgroup = OTHER\n", "Public = yes\n") +
               "[GLOBALS]\nserver string = x\n[Home s]\n");
     begin();
@@ -268,18 +268,18 @@ TEST_F(Surprises, WhatTheServerReadsOtherwiseIsNamed) {
     EXPECT_EQ(all.count("Films"), 0U);
 }
 
-TEST_F(Surprises, TheServersOwnComplaintIsTold) {
+TEST_F(Surprises, TheServersOwnComplaintIsReported) {
     if (!std::filesystem::exists("/usr/bin/testparm")) {
-        GTEST_SKIP() << "no testparm here";
+        GTEST_SKIP() << "testparm is not installed";
     }
     writeConf(plainConf("no such key = 1\n"));
     begin();
-    EXPECT_EQ(sentence("updateSMBProperties:", "server-complains"), ""); // it is there already
+    EXPECT_EQ(sentence("updateSMBProperties:", "server-complains"), ""); // the old file has it, too
     choose("smbSecurity", "Share");
     EXPECT_NE(sentence("updateSMBProperties:", "server-complains").find("SHARE"), std::string::npos);
 }
 
-TEST_F(Surprises, WhatOurToolsAreBoundToRefuseIsBlockedBeforeTheFirstRun) {
+TEST_F(Surprises, WhatOurToolsWouldCertainlyRefuseIsBlockedBeforeTheFirstRun) {
     begin();
     const auto expectBlocked = [this](const std::string& operation, const std::string& code,
                                       const std::string& named) {
@@ -339,7 +339,7 @@ TEST_F(Surprises, WhatTheOperationRefusesItselfAndDeletingAreNotBlocked) {
     EXPECT_FALSE(host.runs.empty());
 }
 
-TEST_F(Surprises, AnActionIsAskedAboutOnlyWhenItHoldsAWarning) {
+TEST_F(Surprises, AnActionIsAskedAboutOnlyWhenItHasAWarning) {
     begin();
     reviewer->setQuestion(&review::Reviewer::askAboutWarnings);
     selectShare("Films");

@@ -50,7 +50,7 @@ constexpr const char* deskFile = R"(<interface class="Desk">
   <panel outlet="about" title="About"><column><label name="credit" text="us"/></column></panel>
 </interface>)";
 
-/// An owner of one control of every kind, whose actions say in the log what reached them.
+/// The owner of one control of every kind. Its actions log what they are sent.
 class Desk : public platform::OutletOwner,
              public NSApplicationDelegate,
              public NSTableViewDataSource,
@@ -197,7 +197,7 @@ struct ScriptCase {
 };
 
 TEST(Script, PrintsWhatAUserWouldSeeInTheOrderInWhichItHappens) {
-    // Each starts the application before, and ends it after, without saying so.
+    // Each case is run between "start" and the end of the script.
     const ScriptCase cases[] = {
         {"show title amount locked status",
          "title \"\"\namount \"\"\nlocked \"fixed\" disabled\nstatus \"ready\"\n"},
@@ -320,7 +320,7 @@ TEST(Script, StopsAtWhatAUserCouldNotDoAndSaysWhere) {
     }
 }
 
-TEST(Script, EndsAnActionWhoseAnswerDoesNotFitAndPrintsNothingOfTheEnd) {
+TEST(Script, EndsAnActionWhoseAnswerDoesNotFitAndPrintsNothingAfterwards) {
     const Ran ran = runScript("start\nanswer Second Later\npress go\nshow title\n");
     EXPECT_EQ(ran.output, "alert \"First\" \"Delete it?\" \"No\" \"Yes\" \"Maybe\" -> \"No\"\n");
     EXPECT_EQ(ran.errors, "it:2: the alert \"Second\" has no button \"Later\"; it has \"OK\"\n");
@@ -349,7 +349,7 @@ TEST(Script, NamesAnswersThatNothingAskedFor) {
                           "it:3: no alert came for the answer \"OK\"\n");
 }
 
-TEST(Script, QuitsWithASheetUpWithoutConfirmingIt) {
+TEST(Script, QuitsWithAnOpenSheetWithoutConfirmingIt) {
     EXPECT_EQ(runScript("start\npress raise\nquit").output,
               "window about shown\nwindow password shown\nlog \"bye\"\n"
               "window password hidden\nwindow about hidden\nquit\n");
@@ -362,7 +362,7 @@ TEST(ScriptWords, AreReadBackAsTheyWereWritten) {
                   (std::vector<std::string>{"x", text}));
     }
     EXPECT_EQ(frontend::scriptWord("\xFFraw"), "\xFFraw");
-    EXPECT_EQ(frontend::scriptWord("x#y"), "x#y"); // only at the start it would hide the word
+    EXPECT_EQ(frontend::scriptWord("x#y"), "x#y"); // "#" begins a comment only at the start of a word
 }
 
 } // namespace

@@ -20,7 +20,7 @@ using platform::HelperSession;
 const AuthorizationRights adminRight = {{"system.privilege.admin", "/usr/bin/nicl", 0}};
 constexpr AuthorizationFlags askFlags = kAuthorizationFlagInteractionAllowed | kAuthorizationFlagExtendRights;
 
-/// An executable script in the test's root. Answers its path.
+/// Makes an executable script in the test's root and returns its path.
 std::string script(TestHost& host, const std::string& name, const std::string& text) {
     host.write(name, "#!/bin/sh\n" + text + "\n");
     const auto file = host.root() / name;
@@ -42,13 +42,20 @@ TEST(HelperStart, CountsOnlyWhenTheHelperSaysSoFirst) {
         {"printf 'hello\\006'", -60031, ""},
         {"exit 125", -60031, ""},
         {"exit 0", -60031, ""},
-        {"exit 1", -60005, ""}, // as sudo ends when it refuses
+        {"exit 1", -60005, ""}, // the status with which sudo refuses
         {"kill -9 $$", -60031, ""},
         {"exec sleep 100", -60031, ""},
+        // These have started, but do not end with an answer, or not at all.
+        {"printf '\\006'; exec sleep 100", -60031, ""},
+        {"printf '\\006'; exec >&-; exec sleep 100", -60031, ""},
+        {"exec >&-; exec sleep 100", -60031, ""},
+        {"printf '\\006\\377\\377\\377\\377'; exec cat /dev/zero", -60031, ""},
+        {"printf '\\006\\003\\0\\0\\0'; exec sleep 100", -60031, ""},
+        {"head -c 300024 >/dev/null; printf '\\006\\0\\0\\0\\004said\\0'; exec sleep 100", 0, "said"},
     };
     TestHost host;
     for (const Case& each : cases) {
-        HelperSession helper({script(host, "helper", each.helper)}, 500ms);
+        HelperSession helper({script(host, "helper", each.helper)}, 500ms, 500ms);
         std::string output;
         const std::vector<std::string> arguments = {"-1", std::string(300006, 'x')};
         ASSERT_EQ(helper.run("/bin/kill", arguments, &output), each.status) << each.helper;
@@ -56,6 +63,10 @@ TEST(HelperStart, CountsOnlyWhenTheHelperSaysSoFirst) {
         if (each.status == 0) {
             EXPECT_EQ(output, each.output) << each.helper;
         }
+        const bool hasFailed = each.status == errAuthorizationToolExecuteFailure;
+        EXPECT_EQ(!host.log.empty() && host.log.back().starts_with("cannot talk to"), hasFailed)
+            << each.helper;
+        host.log.clear();
     }
     HelperSession missing({(host.root() / "missing").string()});
     EXPECT_EQ(missing.run("/bin/kill", {}, nullptr), -60031);
@@ -78,10 +89,10 @@ TEST(HelperRequest, ReachesTheHelperWholeOrNotAtAll) {
     EXPECT_EQ(size("-R"), static_cast<long>(rest + 2));
     EXPECT_EQ(size(std::string(platform::maximumHelperRequest - rest, 'x')), 1048576);
     EXPECT_EQ(size(std::string(platform::maximumHelperRequest - rest + 1, 'x')), -60031) << "too large";
-    EXPECT_EQ(size(std::string("a\0b", 3)), -60031) << "would reach the helper as two arguments";
+    EXPECT_EQ(size(std::string("a\0b", 3)), -60031) << "it would reach the helper as two arguments";
 }
 
-/// A host like the test's, with another authority.
+/// Returns the services of the test's host with another authority.
 platform::Services servicesWith(TestHost& host, std::shared_ptr<platform::Authority> authority) {
     platform::Services services = host.host().services();
     services.authority = std::move(authority);
@@ -112,15 +123,15 @@ TEST(Consent, HoldsForFiveMinutesAfterItsLastUse) {
     EXPECT_FALSE(test.administratorRequests.back().needsPassword);
     test.now = 300;
     EXPECT_TRUE(held());
-    EXPECT_EQ(run(), 0); // a use: it holds for five minutes from here
+    EXPECT_EQ(run(), 0); // a use, which extends it by five minutes
     test.now = 600;
     EXPECT_TRUE(held());
     test.now = 601;
-    EXPECT_FALSE(held()) << "asking whether it holds is no use";
+    EXPECT_FALSE(held()) << "asking whether it holds does not extend it";
     EXPECT_EQ(AuthorizationCopyRights(session, adminRight, askFlags, nullptr), 0);
     EXPECT_EQ(test.administratorDialogs, 3);
     test.now = 500;
-    EXPECT_FALSE(held()) << "the clock was put back";
+    EXPECT_FALSE(held()) << "the clock was set back";
     EXPECT_EQ(AuthorizationFree(session, kAuthorizationFlagDestroyRights), 0);
 }
 
@@ -144,9 +155,9 @@ TEST(Runs, AreShownWithoutTheirSecretsAndTheirOutputOnceItIsRead) {
               errAuthorizationInvalidRef);
 }
 
-/// A sudo that takes the password "right", remembers it in a file, and writes down how it was called. With a
-/// file "forgets" it remembers none, with "stranger" it lets nobody in, with "free" it runs the helper for
-/// all.
+/// A sudo that accepts the password "right", remembers it in a file, and records its calls. With a file
+/// "forgets" it remembers nothing, with "stranger" it rejects everybody, with "free" it runs the helper for
+/// everybody.
 constexpr const char* sudoScript = R"sh(cd "$(dirname "$0")"; echo "$*" >>calls
 take() { IFS= read -r word; if test "$word" != right; then echo "Sorry, try again." >&2; exit 1; fi; }
 case "$*" in
@@ -160,7 +171,7 @@ case "$*" in
 *) test -e held || test -e free || exit 1; shift 2; exec "$@";;
 esac)sh";
 
-/// Serves a session in which every tool says how the helper was called.
+/// Serves a session in which every tool prints how the helper was called.
 constexpr const char* sessionHelperScript = R"sh(case "$*" in *--version) exit 0;; esac
 while size=$(head -c 4 | od -An -tu4 --endian=big) && test -n "$size"; do
     head -c $size >/dev/null
@@ -169,7 +180,7 @@ done)sh";
 
 class Sudo : public testing::Test {
   protected:
-    // Others may write where the test's files lie.
+    // Others may write to the folder of the test's files.
     void SetUp() override { ::setenv("BRINDLE_DEVELOPMENT", "1", 1); }
 
     void TearDown() override { ::unsetenv("BRINDLE_DEVELOPMENT"); }
@@ -191,7 +202,7 @@ class Sudo : public testing::Test {
         return status;
     }
 
-    /// A file with which the sudo above does something else.
+    /// Makes one of the files that change what the sudo above does.
     void set(const char* name) { test_.write(name, ""); }
 
     TestHost test_;
@@ -206,7 +217,7 @@ class Sudo : public testing::Test {
     }();
 };
 
-TEST_F(Sudo, AsksAgainForAWrongPasswordAndForgetsTheRightWhenItIsGivenUp) {
+TEST_F(Sudo, AsksAgainAfterAWrongPasswordAndForgetsTheRightWhenItIsGivenUp) {
     EXPECT_EQ(askSilently(), errAuthorizationInteractionNotAllowed);
     std::string said;
     EXPECT_EQ(run(&said), errAuthorizationDenied);
@@ -218,7 +229,7 @@ TEST_F(Sudo, AsksAgainForAWrongPasswordAndForgetsTheRightWhenItIsGivenUp) {
     EXPECT_EQ(ask(), 0);
     ASSERT_EQ(test_.administratorRequests.size(), 5U);
     EXPECT_TRUE(test_.administratorRequests[3].needsPassword);
-    EXPECT_EQ(test_.administratorRequests[3].message, "") << "the first time there is nothing to explain";
+    EXPECT_EQ(test_.administratorRequests[3].message, "") << "the first dialog has nothing to explain";
     EXPECT_NE(test_.administratorRequests[4].message, "");
 
     EXPECT_EQ(run(&said), 0);
@@ -231,7 +242,7 @@ TEST_F(Sudo, AsksAgainForAWrongPasswordAndForgetsTheRightWhenItIsGivenUp) {
     EXPECT_EQ(test_.read("calls").find("right"), std::string::npos) << "a password became an argument";
 }
 
-TEST_F(Sudo, ThatRemembersNoPasswordIsAskedOnceForAnAction) {
+TEST_F(Sudo, ThatRemembersNoPasswordIsAskedOncePerAction) {
     set("forgets");
     std::string said;
     for (int action = 1; action <= 2; ++action) {
@@ -248,7 +259,7 @@ TEST_F(Sudo, ThatRemembersNoPasswordIsAskedOnceForAnAction) {
     EXPECT_EQ(AuthorizationFree(session_, kAuthorizationFlagDefaults), 0);
 }
 
-TEST_F(Sudo, ThatLetsTheHelperRunForNothingIsNotAskedForAPassword) {
+TEST_F(Sudo, ThatRunsTheHelperFreelyIsNotGivenAPassword) {
     set("free");
     std::string said;
     EXPECT_EQ(askSilently(), 0);
@@ -257,7 +268,7 @@ TEST_F(Sudo, ThatLetsTheHelperRunForNothingIsNotAskedForAPassword) {
     EXPECT_EQ(AuthorizationFree(session_, kAuthorizationFlagDefaults), 0);
 }
 
-TEST_F(Sudo, TellsAUserWhomItDoesNotLetInAndAsksNoMore) {
+TEST_F(Sudo, TellsAUserWhomItRejectsAndAsksNoMore) {
     set("stranger");
     test_.answerAlert("Changes Are Not Allowed", "OK");
     test_.passwords = {"right", "right"};

@@ -1,4 +1,4 @@
-// Who is connected: told by a real smbd, and disconnected; and what smbstatus says in either of its forms.
+// Sessions of a real smbd, and disconnecting them; and both forms of smbstatus's output.
 
 #include "platform/host/EmbeddedRoot.h"
 #include "platform/samba/EmbeddedServer.h"
@@ -29,7 +29,7 @@ class Sessions : public testing::Test {
   protected:
     void SetUp() override {
         if (access("/usr/sbin/smbd", X_OK) != 0 || geteuid() != 0) {
-            GTEST_SKIP() << "smbstatus tells it to root, and needs samba, smbclient and libnss-wrapper";
+            GTEST_SKIP() << "only root may use smbstatus, and it needs samba, smbclient and libnss-wrapper";
         }
         fs::permissions(test_.root(), fs::perms(0755));
         for (const char* name : {"Docs", "Music"}) {
@@ -59,7 +59,7 @@ class Sessions : public testing::Test {
         return client;
     }
 
-    /// The shares in use once there are so many, within ten seconds.
+    /// Waits up to ten seconds for that many shares in use, and returns them.
     std::string sharesOnceThereAre(std::size_t count) const {
         const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(10);
         while (true) {
@@ -110,7 +110,7 @@ TEST_F(Sessions, AreListedWithTheirFilesAndDisconnectedByShareAndByComputer) {
     EXPECT_EQ(command("sessions disconnect --computer 127.0.0.2 --yes")["changed"], false);
     EXPECT_EQ(command("sessions disconnect --computer 127.0.0.1 --yes")["changed"], true);
     EXPECT_EQ(sharesOnceThereAre(0), "[]");
-    EXPECT_EQ(command("history")["history"].size(), 2U) << "the two shares that were made";
+    EXPECT_EQ(command("history")["history"].size(), 2U) << "only the two new shares";
 }
 
 TEST(SessionListing, IsReadInBothOfItsForms) {
@@ -154,6 +154,6 @@ Pid          User(ID)   DenyMode   Access      R/W        Oplock           Share
          {"", "[]", "\n{\"sessions\": {}, \"tcons\": {}}", "{\"sessions\": 3, \"tcons\": {\"1\": 2}}"}) {
         EXPECT_TRUE(platform::sessionsIn(nothing).valueOr({{}}).empty()) << nothing;
     }
-    EXPECT_FALSE(platform::sessionsIn("{\"sessions\": ").isOk()) << "nobody must not be what is read from it";
+    EXPECT_FALSE(platform::sessionsIn("{\"sessions\": ").isOk()) << "it must not be read as an empty list";
     EXPECT_TRUE(platform::sessionsIn("{\"smb_conf\": \"\xFF\"}").isOk()) << "a byte that is not UTF-8";
 }

@@ -45,7 +45,7 @@ void removeShare(Model& model, std::string_view name) {
                   [&](const auto& entry) { return entry->Type() == SMBGroup && entry->ShareName() == name; });
 }
 
-/// The text after `edit` changes what `text` holds.
+/// Returns `text` after `edit` has changed its model.
 std::string edited(const std::string& text, const std::function<void(Model&)>& edit) {
     const Model read(text);
     Model now(text);
@@ -53,7 +53,7 @@ std::string edited(const std::string& text, const std::function<void(Model&)>& e
     return textWithChanges(text, changesBetween(read.entries, now.entries)).text;
 }
 
-/// Sections with their kinds and parameters, for comparing what two texts mean.
+/// Returns the sections with their kinds and parameters, to compare the meaning of two texts.
 std::vector<std::string> meaning(const SMBConf::EntryList& entries) {
     std::vector<std::string> sections;
     for (const auto& entry : entries) {
@@ -63,13 +63,13 @@ std::vector<std::string> meaning(const SMBConf::EntryList& entries) {
         std::string shown = std::to_string(entry->Type()) + "[" + entry->ShareName() + "]";
         for (const SMBPair& pair : entry->Props()) {
             if (SMBParser::isComment(pair.Name)) {
-                continue; // a comment of a section that was commented out
+                continue; // a comment of a commented-out section
             }
             shown += pair.Name.str() + "=" + pair.Value.str() + ";";
         }
         sections.push_back(shown);
     }
-    std::ranges::sort(sections); // a new section may stand elsewhere
+    std::ranges::sort(sections); // a new section may be in another place
     return sections;
 }
 
@@ -131,7 +131,7 @@ TEST(SmbInPlace, TouchesOnlyTheLinesOfWhatChanged) {
         std::string::npos)
         << commentedOut;
     EXPECT_EQ(edited(commentedOut, [](Model& model) { section(model, "homes")->setType(SMBGroup); }), text);
-    // Settings above the first section are the whole server's, and stay so.
+    // Settings above the first section are global, and must stay so.
     const std::string early = "# mine\nserver role = standalone\n\n[docs]\npath = /d\n";
     const auto withHomes = edited(early, [](Model& model) {
         addShare(model, "homes");
@@ -183,7 +183,7 @@ TEST(SmbInPlace, MeansTheSameAsTheWholeModelWritten) {
     }
 }
 
-TEST(SmbInPlace, LeavesAloneWhatTheServerJoinsToAnotherLine) {
+TEST(SmbInPlace, DoesNotTouchLinesThatTheServerJoinsToOthers) {
     struct Case {
         std::string text;
         std::function<void(Model&)> edit;
@@ -204,18 +204,18 @@ TEST(SmbInPlace, LeavesAloneWhatTheServerJoinsToAnotherLine) {
              {joined, unset, joined},
              {"[a]\nx = 1 \\\n# two \\\n three\npath = /a", unset,
               "[a]\nx = 1 \\\n# two \\\n three\npath = /a"},
-             // Nothing may come between a backslash and what it takes in.
+             // Nothing may come between a backslash and the line that it joins.
              {"[a]\n\tx = 1 \\\n[b]\n", set("Yes"), "[a]\n\tguest ok = Yes\n\tx = 1 \\\n[b]\n"},
              {"[a]\nx = 1 \\", set("Yes"), "[a]\nguest ok = Yes\nx = 1 \\"},
              {"[b]\nx = 1 \\\n\n[a]\ny = 1\n[c]\n", [](Model& model) { removeShare(model, "a"); },
               "[b]\nx = 1 \\\n\n[c]\n"},
              {"[b]\nx = 1 \\\n[a]\ny = 1\n[c]\n", [](Model& model) { removeShare(model, "a"); },
               "[b]\nx = 1 \\\n\n[c]\n"},
-             // A section comes to life, or goes, with all its lines.
+             // A section is enabled, or disabled, with all its lines.
              {"[a]\nx = 1 \\\n  2\n# y = 1\n# z\nstray\n", toggle(SMBCommentGroup),
               ";[a]\n;x = 1 \\\n  ;2\n;# y = 1\n# z\n;stray\n"},
              {"#[a] words\n;x = 1 \\\n;  2\n; words\n", toggle(SMBGroup), "[a]\nx = 1 \\\n  2\n; words\n"},
-             // Nothing becomes another section by it, and nothing comes to life later.
+             // No line becomes another section, and none is enabled later.
              {"[a]\n[b = 1\n[c]\n", toggle(SMBCommentGroup), ";[a]\n; [b = 1\n[c]\n"},
              {";[a]\n; [b]=[c]\n;x = 1\n", toggle(SMBGroup), "[a]\n; [b]=[c]\nx = 1\n"},
              {";[b]\n;y = 1\n\n[a]\nx = 1\n\n# z\n;x = 2\n\n# c\n[c]\n",
@@ -232,7 +232,7 @@ TEST(SmbInPlace, LeavesAloneWhatTheServerJoinsToAnotherLine) {
     }
 }
 
-TEST(SmbInPlace, CarriesTheChangeIntoAFileThatSomebodyElseChanged) {
+TEST(SmbInPlace, AppliesTheChangeToAFileThatSomebodyElseChanged) {
     const Model read("[a]\nx = 1\ny = 1\n[b]\nz = 1\n");
     Model now(read.bytes);
     section(now, "a")->setProp("x", "2");
@@ -244,7 +244,7 @@ TEST(SmbInPlace, CarriesTheChangeIntoAFileThatSomebodyElseChanged) {
     const auto both = textWithChanges("[a]\nx = 7\n", changes);
     EXPECT_EQ(both.text, "[a]\nx = 2\n\n[b]\nz = 2\n");
     const auto gone = textWithChanges("# gone\n[b]\nz = 2", changes);
-    EXPECT_EQ(gone.text, "# gone\n[b]\nz = 2\n\n[a]\nx = 2\ny = 1") << "whole, and once";
+    EXPECT_EQ(gone.text, "# gone\n[b]\nz = 2\n\n[a]\nx = 2\ny = 1") << "the whole section, and only once";
     EXPECT_EQ(gone.conflicts, (std::vector<SMBConflict>{{"a", "", "", "", ""}}));
     section(now, "a")->setType(SMBCommentGroup);
     EXPECT_EQ(textWithChanges("[b]\nz = 1\n", changesBetween(read.entries, now.entries)).text,
@@ -254,6 +254,6 @@ TEST(SmbInPlace, CarriesTheChangeIntoAFileThatSomebodyElseChanged) {
     EXPECT_EQ(
         textWithChanges("[a]\nx = 7\nw = 0\n[b]\nz = 2\n", changesBetween(read.entries, now.entries)).text,
         "[a]\nx = 7\nw = 1\n[b]\nz = 2\n")
-        << "somebody else added it, too";
+        << "somebody else has added it, too";
     EXPECT_EQ(both.conflicts, (std::vector<SMBConflict>{{"a", "x", "1", "7", "2"}, {"b", "", "", "", ""}}));
 }

@@ -1,4 +1,4 @@
-// The commands on a computer of its own: what the administrator allows, what is refused, and the computer's
+// The commands on a computer of their own: what the administrator allows, what is refused, and the computer's
 // own server.
 
 #include "support/InstalledBrindle.h"
@@ -19,7 +19,7 @@ class SystemCommands : public InstalledBrindle {
         return runProgram(all);
     }
 
-    /// The same once its output holds `part`, within ten seconds.
+    /// Repeats the command for up to ten seconds until its output contains `part`, and returns that.
     static std::string comesTo(const std::vector<std::string>& words, const std::string& part) {
         const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(10);
         std::string output;
@@ -33,8 +33,8 @@ class SystemCommands : public InstalledBrindle {
 
 } // namespace
 
-TEST_F(SystemCommands, EndWithFourWhereTheAdministratorRefusesAndChangeNothing) {
-    allow("ALL"); // with a password, which nobody is there to give
+TEST_F(SystemCommands, EndWithFourIfTheAdministratorRefusesAndChangeNothing) {
+    allow("ALL"); // with a password, and nobody is there to give it
     const std::string before = run({"/usr/bin/cat", smbConf, "/etc/passwd"});
     for (const std::vector<std::string>& words :
          {std::vector<std::string>{"shares", "add", "Docs", folder_, "--yes"},
@@ -49,7 +49,7 @@ TEST_F(SystemCommands, EndWithFourWhereTheAdministratorRefusesAndChangeNothing) 
     EXPECT_EQ(command({"shares", "list"}).status, 0);
 }
 
-TEST_F(SystemCommands, TellWhoIsConnectedAndEndItThroughTheHelper) {
+TEST_F(SystemCommands, ShowWhoIsConnectedAndDisconnectThroughTheHelper) {
     EXPECT_EQ(command({"shares", "add", "Docs", folder_, "--guests", "--everyone-may", "rw", "--yes"}).status,
               0);
     Conversation client({"stdbuf", "-oL", "smbclient", "-N", "//127.0.0.1/Docs"});
@@ -61,7 +61,7 @@ TEST_F(SystemCommands, TellWhoIsConnectedAndEndItThroughTheHelper) {
     EXPECT_FALSE(contains(comesTo({"sessions"}, "\"shares\": []"), "\"Docs\""));
 }
 
-TEST_F(SystemCommands, FindOutWhatIsWrongWithTheComputer) {
+TEST_F(SystemCommands, FindFaultsOfTheComputer) {
     EXPECT_FALSE(contains(command({"doctor"}).output, "server-")) << command({"doctor"}).output;
     run({"/bin/sh", "-c", "printf '[Gone]\npath = /home/gone\ncolour = red\n' >>" + smbConf});
     run({"/bin/sh", "-c", "chmod 666 " + smbConf + "; kill $(cat /run/samba/smbd.pid); sleep 1"});

@@ -30,10 +30,10 @@ TEST(SystemHost, FindsTheFilesOfTheInstalledServerAndItsOwn) {
     EXPECT_EQ(build.pidFolder, "/run/samba");
     EXPECT_EQ(platform::sambaBuildOf("").configFile, "/etc/samba/smb.conf");
     const platform::SystemFiles files("/prefix");
-    EXPECT_EQ(platform::systemFileBehind("/etc/smb.conf", files), platform::sambaBuild().configFile);
-    EXPECT_EQ(platform::systemFileBehind("/Library/Preferences/com.apple.AppleFileServer.plist", files),
+    EXPECT_EQ(platform::systemFileFor("/etc/smb.conf", files), platform::sambaBuild().configFile);
+    EXPECT_EQ(platform::systemFileFor("/Library/Preferences/com.apple.AppleFileServer.plist", files),
               files.appleFileServer());
-    EXPECT_EQ(platform::systemFileBehind("/etc/passwd", files), "/etc/passwd");
+    EXPECT_EQ(platform::systemFileFor("/etc/passwd", files), "/etc/passwd");
 }
 
 TEST(SystemHost, ShowsTheComputerAtAFirstStartAndWritesNothing) {
@@ -51,7 +51,7 @@ TEST(SystemHost, ShowsTheComputerAtAFirstStartAndWritesNothing) {
         runProgram({BRINDLE_PROGRAMS "/brindle", "--system", "--root", own, "--script", "-"},
                    "answer Donation Cancel\nstart\nshow idleDisconnectTime tcpPort\n", environment);
     EXPECT_NE(script.output.find("tcpPort \"548\""), std::string::npos)
-        << "the AFP settings are a new server's";
+        << "the AFP settings are those of a new root";
     EXPECT_FALSE(fs::exists(own));
     std::vector<std::string> written;
     for (const auto& entry : fs::recursive_directory_iterator(test.home())) {
@@ -73,7 +73,7 @@ TEST(SystemHost, SaysWhatTheComputerLacksInOneLine) {
     EXPECT_EQ(text.find('\n'), std::string::npos);
 }
 
-TEST(SystemHost, TellsItsProgramsAccountsFromThoseOfPeopleAndThoseThatBrindleMade) {
+TEST(SystemHost, DistinguishesProgramsAccountsFromPeoplesAndThoseThatBrindleMade) {
     TestHost test;
     test.write("passwd", "root:x:0:0::/root:/bin/sh\ngames:x:105:60::/:/bin/sh\nmade:x:501:501::/:/bin/sh\n"
                          "stale:x:502:501::/:/bin/sh\nalice:x:1000:1000::/home/alice:/bin/sh\n"
@@ -103,7 +103,7 @@ TEST(SystemHost, TellsItsProgramsAccountsFromThoseOfPeopleAndThoseThatBrindleMad
     };
     const auto users = store.addRecord(platform::Store::root, "users");
     make(users, "made", "uid", "501");
-    make(users, "stale", "uid", "777"); // of another account that had the name
+    make(users, "stale", "uid", "777"); // the number of another account that had the name
     make(store.addRecord(platform::Store::root, "groups"), "crew", "gid", "600");
     ASSERT_TRUE(store.commit().isOk());
     const platform::SystemAccounts found = platform::systemAccountsOf(domain, {});
@@ -113,7 +113,7 @@ TEST(SystemHost, TellsItsProgramsAccountsFromThoseOfPeopleAndThoseThatBrindleMad
 
 TEST(SystemHost, SaysWhereTheServerListens) {
     const TestHost test;
-    // As the kernel writes it: all addresses, one, another port, and a connection that is open.
+    // As the kernel writes it: all addresses, one address, another port, and an open connection.
     const char* const four = "  sl  local_address rem_address   st\n"
                              "   0: 00000000:01BD 00000000:0000 0A\n   1: 0100007F:008B 00000000:0000 0A\n"
                              "   2: 00000000:0016 00000000:0000 0A\n   3: 0100007F:01BD 0100007F:9999 01\n";
@@ -126,7 +126,7 @@ TEST(SystemHost, SaysWhereTheServerListens) {
     EXPECT_NE(platform::serverText({}).find("is not running"), std::string::npos);
 }
 
-TEST(SystemHost, HasTheServerStartedByWhatRunsTheComputersServices) {
+TEST(SystemHost, StartsTheServerThroughTheComputersServiceManager) {
     const TestHost test;
     const auto commands = [&] {
         std::string text;
@@ -144,20 +144,20 @@ TEST(SystemHost, HasTheServerStartedByWhatRunsTheComputersServices) {
     EXPECT_EQ(commands(), "/usr/bin/systemctl start smb /usr/bin/systemctl enable smb ");
 }
 
-TEST(SmbConf, IsRefusedWhereTheServerCouldUseTheOldTextAndNotTheNewOne) {
+TEST(SmbConf, IsRefusedIfTheServerCouldUseTheOldTextButNotTheNewOne) {
     if (platform::sambaCommand("testparm").empty()) {
         GTEST_SKIP() << "no testparm on this machine: install samba-common-bin";
     }
 
     struct Case {
         const char* text;
-        const char* complaint; ///< a part of it; null where the text can be used
+        const char* complaint; ///< a part of the complaint; null when the text can be used
     };
 
     const std::vector<Case> cases = {
         {"", nullptr},
         {"[global]\n  workgroup = HOME\n[Docs]\n  path = /srv\n", nullptr},
-        {"[global]\nencrypt passwords = yes\n", nullptr}, // deprecated, and known
+        {"[global]\nencrypt passwords = yes\n", nullptr}, // deprecated, but known
         {"[Docs]\ncomment = no path yet\n", nullptr},
         {"[global]\nsecurity = SHARE\nmap to guest = Never\n", nullptr},
         {"[global]\n\tSecurity =share\r\nworkgroup = HOME\n", nullptr},
@@ -188,7 +188,7 @@ TEST(SmbConf, IsRefusedWhereTheServerCouldUseTheOldTextAndNotTheNewOne) {
     EXPECT_EQ(test.read("smb.conf"), "[global]\n");
     EXPECT_FALSE(fs::exists(test.root() / "smb.conf.before-brindle")) << "a refusal changes nothing";
     test.write("smb.conf", "[global]\nunknown = 1\n");
-    EXPECT_EQ(copy("new.conf"), "") << "what was no better is replaced";
+    EXPECT_EQ(copy("new.conf"), "") << "a text with the same fault may be replaced";
     EXPECT_EQ(test.read("smb.conf.before-brindle"), "[global]\nunknown = 1\n");
 }
 

@@ -1,4 +1,4 @@
-// Accounts of this computer, made by scripts, and what its smbd makes of them.
+// Accounts of this computer, made by scripts, and how its smbd treats them.
 
 #include "support/InstalledBrindle.h"
 
@@ -18,7 +18,7 @@ std::string setPassword(const std::string& password) {
            "\nsend setPassword:\n";
 }
 
-/// Looks at every process's words all the while, for one text.
+/// Watches the arguments of all processes for a text.
 class Watch {
   public:
     explicit Watch(std::string text) : text_(std::move(text)) {}
@@ -28,7 +28,7 @@ class Watch {
     Watch(const Watch&) = delete;
     Watch& operator=(const Watch&) = delete;
 
-    /// Whether it was seen.
+    /// Returns whether the text was seen.
     bool stop() {
         ends_ = true;
         if (thread_.joinable()) {
@@ -64,12 +64,12 @@ class SystemPeople : public InstalledBrindle {
         }
     }
 
-    /// What the server says to the user's logon; empty when it lets the user in.
+    /// Returns the server's answer to the user's logon; empty when it succeeds.
     static std::string logon(const std::string& user) { return smb("Docs", user, "ls"); }
 
     static bool refuses(const std::string& answer) { return contains(answer, "NT_STATUS_"); }
 
-    /// The number of the row in which a table shows the name.
+    /// Returns the number of the row with that cell.
     static std::string rowOf(const std::string& table, const std::string& cell,
                              const std::string& before = "") {
         const std::string shown = script(before + "show " + table + "\n");
@@ -80,7 +80,7 @@ class SystemPeople : public InstalledBrindle {
     }
 };
 
-TEST_F(SystemPeople, ComeInWithTheirPasswordAndNoLongerAfterWhatEndsIt) {
+TEST_F(SystemPeople, ConnectWithTheirPasswordUntilSomethingEndsIt) {
     Watch watch("Wonderland1");
     const std::string made = script(makeDocs() + makeUser + setPassword("Wonderland1"));
     EXPECT_FALSE(contains(made, "output ")) << made;
@@ -94,7 +94,7 @@ TEST_F(SystemPeople, ComeInWithTheirPasswordAndNoLongerAfterWhatEndsIt) {
     EXPECT_EQ(ownerOf(folder_ + "/letter"), "alice");
     EXPECT_TRUE(refuses(logon("alice%wrong")));
 
-    // A new number takes the password along; what is written from then on has it.
+    // A new number keeps the password, and new files get that number.
     const std::string alice = rowOf("userTableView", "User=\"alice\"");
     const std::string updated = script("answer \"Confirm Update User\" Yes\nrows userTableView " + alice +
                                        "\ntype uid 7301\npress addNewUserButton\n");
@@ -113,14 +113,14 @@ TEST_F(SystemPeople, ComeInWithTheirPasswordAndNoLongerAfterWhatEndsIt) {
     EXPECT_FALSE(contains(runProgram({"/usr/bin/pdbedit", "-L"}).output, "alice"));
     EXPECT_FALSE(contains(
         smb("Docs", "alice%Looking2Glass", "put /etc/hostname third") + ownerOf(folder_ + "/third"), "alice"))
-        << "who is not known is a guest";
+        << "an unknown user is a guest";
     run({"pwck", "-r", "-q"});
     run({"grpck", "-r"});
-    EXPECT_FALSE(watch.stop()) << "a password stood in the words of a process";
+    EXPECT_FALSE(watch.stop()) << "a password was in the arguments of a process";
     EXPECT_FALSE(contains(contents(sudoLog), "Wonderland1"));
 }
 
-TEST_F(SystemPeople, AreLeftAsTheyAreWithAReasonWhereTheComputerNeedsThem) {
+TEST_F(SystemPeople, AreLeftUnchangedWithAReasonIfTheComputerNeedsThem) {
     run({"/usr/sbin/useradd", "-M", "-r", "-u", "150", "machine"});
     const std::string before = contents("/etc/passwd") + contents("/etc/group");
     const std::string chief = rowOf("userTableView", "User=\"chief\"");
@@ -159,14 +159,14 @@ TEST_F(SystemPeople, AreLeftAsTheyAreWithAReasonWhereTheComputerNeedsThem) {
                "\npress deleteUserButton\n");
     EXPECT_TRUE(contains(tried, "\noutput ") && contains(tried, "the user who runs Brindle")) << tried;
     EXPECT_EQ(contents("/etc/passwd") + contents("/etc/group"), before);
-    // A group of the system is a user's own one without the user in its list.
+    // A system group can be a user's own group without listing the user.
     const std::string made =
         script(tables + "answer \"Confirm Add New File Sharing Only User\" Yes\n" + update("alice", "7201"));
     EXPECT_TRUE(contains(made, "\nrun ") && !contains(made, "output ")) << made;
     EXPECT_TRUE(contains(contents("/etc/passwd"), "\nalice:x:7201:100:"));
 }
 
-TEST_F(SystemPeople, LoseWhatTheyMayDoWithAGroupAndWithAName) {
+TEST_F(SystemPeople, LoseTheirRightsWithAGroupAndWithAName) {
     const std::string made =
         script(makeDocs() + makeUser + setPassword("Wonderland1") +
                "answer \"Confirm Add New Group\" Yes\ntype groupName band\ntype gid 7202\n"
@@ -189,11 +189,11 @@ TEST_F(SystemPeople, LoseWhatTheyMayDoWithAGroupAndWithAName) {
     script(member + "press addUserToGroupButton\n");
     const std::string rename("/usr/bin/nicl\0.\0-create\0/users/alice\0name\0eve\0", 46);
     EXPECT_EQ(runProgram({prefix + "/libexec/brindle-helper", "--system"}, rename).output, "\x06");
-    EXPECT_TRUE(mayWrite("eve")) << "her password and her groups have gone with her";
+    EXPECT_TRUE(mayWrite("eve")) << "her password and her groups are kept under her new name";
     EXPECT_FALSE(mayWrite("alice"));
 }
 
-TEST_F(SystemPeople, AreTakenBackAndDoneAgainButForTheirPassword) {
+TEST_F(SystemPeople, CanBeUndoneAndRedoneExceptForTheirPassword) {
     const auto accounts = [] { return contents("/etc/passwd") + contents("/etc/group"); };
     const auto knownToSamba = [] { return contains(runProgram({"/usr/bin/pdbedit", "-L"}).output, "alice"); };
     const std::string before = accounts();
@@ -209,23 +209,22 @@ TEST_F(SystemPeople, AreTakenBackAndDoneAgainButForTheirPassword) {
     EXPECT_TRUE(contains(accounts(), "\nalice:x:7301:7200:Alice B:"));
     undo("4");
     EXPECT_EQ(accounts(), made);
-    EXPECT_FALSE(refuses(logon("alice%Wonderland1")))
-        << "a change keeps the password, and so does its undoing";
+    EXPECT_FALSE(refuses(logon("alice%Wonderland1"))) << "a change keeps the password, and so does its undo";
     script("answer \"Confirm Delete Selected User\" Yes\nrows userTableView " + alice +
            "\npress deleteUserButton\n");
     EXPECT_FALSE(knownToSamba());
     undo("6");
     EXPECT_EQ(accounts(), made);
-    EXPECT_FALSE(knownToSamba()) << "a password that is gone stays gone";
+    EXPECT_FALSE(knownToSamba()) << "a deleted password is not restored";
     undo("2");
     EXPECT_EQ(accounts(), before);
     undo("8");
     EXPECT_EQ(accounts(), made);
 }
 
-TEST_F(SystemPeople, OfferTheirPublicFolderWhereTheyHaveAHome) {
+TEST_F(SystemPeople, OfferTheirPublicFolderIfTheyHaveAHome) {
     run({"/usr/sbin/useradd", "-m", "-u", "7301", "dora"});
-    run({"/usr/sbin/useradd", "-M", "-u", "7302", "eve"}); // its home folder is not made
+    run({"/usr/sbin/useradd", "-M", "-u", "7302", "eve"}); // without a home folder
     const std::string dora = rowOf("userTableView", "User=\"dora\"");
     const std::string shared =
         script("rows userTableView " + dora + "\npress enablePublicSelectedButton\nshow userTableView\n");
@@ -236,11 +235,11 @@ TEST_F(SystemPeople, OfferTheirPublicFolderWhereTheyHaveAHome) {
     fs::permissions("/home/dora", fs::perms(0755));
     const std::string got = smb("dora's Public", "", "get poem /home/poem; put /etc/hostname no");
     EXPECT_EQ(contents("/home/poem"), "a poem") << got;
-    EXPECT_FALSE(fs::exists("/home/dora/Public/no")) << "it is for reading";
+    EXPECT_FALSE(fs::exists("/home/dora/Public/no")) << "it is read only";
 
     const std::string eve = rowOf("userTableView", "User=\"eve\"");
     const std::string without = script("rows userTableView " + eve + "\npress enablePublicSelectedButton\n");
-    EXPECT_FALSE(contains(without, "output ")) << "the property is written for all: " << without;
+    EXPECT_FALSE(contains(without, "output ")) << "the property is written for every user: " << without;
     EXPECT_FALSE(fs::exists("/home/eve"));
     EXPECT_FALSE(contains(run({"/usr/bin/net", "usershare", "list"}), "eve"));
 

@@ -12,13 +12,13 @@ namespace fs = std::filesystem;
 
 class SystemShares : public InstalledBrindle {};
 
-TEST_F(SystemShares, AreMadeByAScriptServedAtOnceAndGoWithoutATraceInTheFile) {
+TEST_F(SystemShares, AreMadeByAScriptServedAtOnceAndDeletedWithoutATraceInTheFile) {
     const std::string stock = contents(smbConf);
     const std::string made = script(makeDocs() + "show normalTableView\nhistory\n");
     EXPECT_TRUE(contains(made, "run /bin/cp /home/chief/smb_test.conf /etc/smb.conf\n")) << made;
     EXPECT_TRUE(contains(made, "run /bin/kill -1 ")) << made;
     EXPECT_FALSE(contains(made, "output ")) << made;
-    EXPECT_FALSE(contains(made, "administrator ")) << "sudo asks this administrator for nothing";
+    EXPECT_FALSE(contains(made, "administrator ")) << "sudo does not ask this administrator";
     EXPECT_TRUE(contains(made, "ShareName=\"Docs\"")) << made;
     EXPECT_TRUE(contains(made, "\"chief\"")) << made;
     EXPECT_TRUE(contains(contents(smbConf), "[Docs]\npath = /home/shared\n"));
@@ -43,11 +43,11 @@ TEST_F(SystemShares, AreMadeByAScriptServedAtOnceAndGoWithoutATraceInTheFile) {
         EXPECT_EQ(log.find("COMMAND=" + prefix + "/libexec/brindle-helper --system", at), at) << log;
     }
     EXPECT_GT(commands, 1U);
-    EXPECT_FALSE(fs::exists("/root/.local/state/brindle")) << "the history is the user's";
+    EXPECT_FALSE(fs::exists("/root/.local/state/brindle")) << "the history belongs to the user";
     EXPECT_EQ(ownerOf("/home/chief/.local/state/brindle/history.db"), "chief");
 }
 
-TEST_F(SystemShares, AreTakenBackAndDoneAgain) {
+TEST_F(SystemShares, CanBeUndoneAndRedone) {
     const std::string stock = contents(smbConf);
     script(makeDocs());
     const std::string made = contents(smbConf);
@@ -61,7 +61,7 @@ TEST_F(SystemShares, AreTakenBackAndDoneAgain) {
     EXPECT_EQ(contents(smbConf), made);
 }
 
-TEST_F(SystemShares, AreNotMadeOfAFolderThatAnybodyCouldReplace) {
+TEST_F(SystemShares, AreNotMadeFromAFolderThatAnybodyCouldReplace) {
     const std::string stock = contents(smbConf);
     fs::permissions(fs::path(folder_), fs::perms(0777));
     folder_ += "/inside";
@@ -73,8 +73,8 @@ TEST_F(SystemShares, AreNotMadeOfAFolderThatAnybodyCouldReplace) {
     EXPECT_EQ(contents(smbConf), stock);
 }
 
-TEST_F(SystemShares, KeepWhatSomebodyElseWritesMeanwhile) {
-    // Between the start and the action, as an editor would.
+TEST_F(SystemShares, KeepWhatSomebodyElseHasWrittenMeanwhile) {
+    // Between the start and the action, as with an editor.
     const std::string music = "\n[Music]\n   path = /srv/music ; all of it\n";
     Conversation session({"/usr/sbin/runuser", "-u", "chief", "--", "env", "HOME=/home/chief", "LC_ALL=C",
                           prefix + "/bin/brindle", "--system", "--script", "-"});
@@ -82,11 +82,11 @@ TEST_F(SystemShares, KeepWhatSomebodyElseWritesMeanwhile) {
     EXPECT_TRUE(platform::writeWholeFile(smbConf, contents(smbConf) + music).isOk());
     EXPECT_TRUE(contains(session.ask(makeDocs() + "show shareName", "shareName"), "Docs"));
     EXPECT_TRUE(contains(contents(smbConf), music));
-    // The last row but one, or, without it, the printer drivers' share; the new one stands last.
+    // The printer drivers' share, Music, and the new one.
     EXPECT_TRUE(contains(session.ask("show normalTableView", "normalTableView"), "3 rows"));
 }
 
-TEST_F(SystemShares, StayAsTheyAreWhereSudoAsksAScriptForAPassword) {
+TEST_F(SystemShares, StayUnchangedIfSudoAsksAScriptForAPassword) {
     allow("ALL");
     const std::string stock = contents(smbConf);
     const std::string printed = script(makeDocs());
@@ -109,7 +109,7 @@ TEST_F(SystemShares, AreServedAgainByAServerThatTheHelperStarts) {
     EXPECT_EQ(helper(std::string("/usr/sbin/service\0smbd\0start\0", 29)), "\x06");
     platform::ServerState state = platform::smbServerState();
     for (int tries = 0; tries < 200 && state.listensAt.empty(); ++tries) {
-        ::usleep(50000); // it opens its ports after it has said that it runs
+        ::usleep(50000); // it opens its ports after it has reported that it runs
         state = platform::smbServerState();
     }
     EXPECT_GT(state.process, 0);

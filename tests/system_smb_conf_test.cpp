@@ -1,4 +1,4 @@
-// The smb.conf of this computer as people write it by hand, changed by actions.
+// Hand-written smb.conf files of this computer, changed by actions.
 
 #include "support/InstalledBrindle.h"
 
@@ -10,8 +10,9 @@ namespace {
 /// A file as somebody wrote it.
 struct HandWritten {
     const char* text;
-    const char* settings; ///< the lines that go ("-") and come ("+") when the workgroup and the homes are set
-    bool survivesWriting = true; ///< what the server makes of it does, where it is written whole
+    const char*
+        settings; ///< the lines removed ("-") and added ("+") when the workgroup and the homes are set
+    bool survivesWriting = true; ///< whether its meaning for the server survives being written whole
 };
 
 class SystemSmbConf : public InstalledBrindle {
@@ -20,7 +21,7 @@ class SystemSmbConf : public InstalledBrindle {
         EXPECT_TRUE(platform::writeWholeFile(file, text, {.mode = 0644}).isOk());
     }
 
-    /// The lines that differ.
+    /// Returns the lines that differ.
     static std::string difference(std::string before, std::string after) {
         for (std::string* text : {&before, &after}) {
             *text += text->ends_with('\n') ? "" : "\n";
@@ -32,7 +33,7 @@ class SystemSmbConf : public InstalledBrindle {
             .output;
     }
 
-    /// What the server makes of a file: a line for each setting, with its section.
+    /// Returns how the server reads a file: a line for each setting, with its section.
     static std::set<std::string> meaning(const std::string& file) {
         std::istringstream said(runProgram({"testparm", "-s", file}).output);
         std::set<std::string> settings;
@@ -46,7 +47,7 @@ class SystemSmbConf : public InstalledBrindle {
         return settings;
     }
 
-    /// The same on a folder that stands for the computer, where the file is written whole.
+    /// Returns the same for an embedded root, where the file is written whole.
     static std::set<std::string> meaningWrittenWhole(const std::string& before, const std::string& commands) {
         const std::string root = "/home/whole";
         std::filesystem::remove_all(root);
@@ -60,23 +61,23 @@ class SystemSmbConf : public InstalledBrindle {
     }
 };
 
-TEST_F(SystemSmbConf, KeepsWhatIsWrittenByHandButForTheLinesOfAnAction) {
+TEST_F(SystemSmbConf, KeepsHandWrittenTextExceptForTheLinesOfAnAction) {
     const std::vector<HandWritten> samples = {
-        // Settings last, in other words and spellings, over several lines, nothing indented.
+        // Global settings last, with synonyms and other spellings, over several lines, without indentation.
         {"# the shed's server, 2019\n[Plans]\npath = /srv/plans ; drawings\npublic = yes\n\n[global]\n"
          "Server String = shed\nhosts allow = 192.168.7. \\\n  127.\nWORKGROUP=SHED\nguest account = "
          "nobody\n\n\n",
          "+[homes]\n+browseable = yes\n+read only = yes\n+\n+workgroup = HOME\n+map to guest = Bad User\n"
          "+security = USER\n+dos charset = CP850\n+local master = yes\n+hide dot files = yes\n",
          false},
-        // A part of it elsewhere, tabs, no homes any more, and no end of the last line.
+        // An included file, tabs, commented-out homes, and no line break at the end.
         {"[global]\n\t; see also\n\tinclude = /etc/samba/local.conf\n\tlog level = 1\n\n;[homes]\n;\tread "
          "only = "
          "no\n\n[scans]\n\tpath = /srv/scans\n\tread only = no\n\tcreate mask = 0660\n\tvalid users = chief",
          "+\tworkgroup = HOME\n+\tmap to guest = Bad User\n+\tsecurity = USER\n+\tdos charset = CP850\n"
          "+\tlocal master = yes\n+\thide dot files = yes\n-;[homes]\n-;\tread only = no\n+[homes]\n"
          "+\tread only = no\n+browseable = yes\n"},
-        // An office's, as it came and was added to.
+        // A default file with additions, as in an office.
         {"[global]\n   workgroup = OFFICE\n   log file = /var/log/samba/log.%m\n   max log size = 1000\n\n"
          "#======= Shares =======\n\n[homes]\n   comment = Home Directories\n   browseable = no\n   valid "
          "users = "
@@ -86,7 +87,7 @@ TEST_F(SystemSmbConf, KeepsWhatIsWrittenByHandButForTheLinesOfAnAction) {
          "   write list = root, @lpadmin\n",
          "-   workgroup = OFFICE\n+   workgroup = HOME\n+   map to guest = Bad User\n+   security = USER\n"
          "+   dos charset = CP850\n+   local master = yes\n+   hide dot files = yes\n+   read only = yes\n"},
-        // The same section twice, and settings before the first, which are the whole server's.
+        // The same section twice, and settings before the first section, which are global.
         {"netbios aliases = early\n[global]\nmap to guest = bad user\n\n[a b]\npath = /srv\n[global]\nwins "
          "support = no\n",
          "+\n+[homes]\n+browseable = yes\n+read only = yes\n+workgroup = HOME\n+map to guest = Bad User\n"
@@ -100,7 +101,7 @@ TEST_F(SystemSmbConf, KeepsWhatIsWrittenByHandButForTheLinesOfAnAction) {
         const std::string before = sample.text;
         write(smbConf, before);
         const auto meant = meaning(smbConf);
-        std::filesystem::remove("/home/chief/.local/state/brindle/history.db"); // its numbers begin anew
+        std::filesystem::remove("/home/chief/.local/state/brindle/history.db"); // restarts its numbers
         script(makeDocs());
         const std::string shared = contents(smbConf);
         EXPECT_EQ(

@@ -1,4 +1,4 @@
-// sudo as administrators set it up, asked for a password by Brindle, on a computer of its own.
+// Brindle with sudo in several configurations, on a computer of its own.
 
 #include "platform/foundation/Host.h"
 #include "platform/posix/InputOutput.h"
@@ -23,17 +23,18 @@ class SystemSudo : public InstalledBrindle {
         }
     }
 
-    /// What a user may type, and what comes of one action that changes the folder's mode.
+    /// The passwords that a user types, and the expected effects of one action that changes the folder's
+    /// mode.
     struct Attempt {
         std::vector<std::string> passwords;
         int dialogs = 0;
         int alerts = 0;
         bool isAllowed = false;
-        bool isStillAllowed = false; ///< after the action's end
+        bool isStillAllowed = false; ///< whether the right is still held after the action
     };
 
-    /// Tries it as the administrator, in a process of its own. Returns what differed; empty where nothing
-    /// did.
+    /// Makes the attempt as the administrator, in another process. Returns the differences; empty when there
+    /// are none.
     [[nodiscard]] static std::string differenceFrom(const Attempt& expected, const std::string& folder) {
         const auto pipe = platform::makePipe();
         const passwd account = *::getpwnam("chief");
@@ -79,7 +80,7 @@ class SystemSudo : public InstalledBrindle {
     }
 };
 
-TEST_F(SystemSudo, IsAskedAsItIsSetUp) {
+TEST_F(SystemSudo, IsAskedAccordingToItsConfiguration) {
     struct Case {
         const char* rule;
         Attempt attempt;
@@ -98,10 +99,10 @@ TEST_F(SystemSudo, IsAskedAsItIsSetUp) {
         EXPECT_EQ(differenceFrom(each.attempt, folder_), "\n") << each.rule;
         EXPECT_EQ(std::filesystem::status(folder_).permissions(), std::filesystem::perms(0751)) << each.rule;
     }
-    // Whom sudo does not know is told so, once.
+    // A user whom sudo does not know is told so, once.
     EXPECT_TRUE(platform::writeWholeFile("/etc/sudoers.d/chief", "# nobody\n", {.mode = 0440}).isOk());
     const Attempt stranger{
-        {right, right, right, right}, 2, 2, false, false}; // once for each of the two attempts
+        {right, right, right, right}, 2, 2, false, false}; // two dialogs for each of the two attempts
     EXPECT_EQ(differenceFrom(stranger, folder_), "\n");
     EXPECT_EQ(std::filesystem::status(folder_).permissions(), std::filesystem::perms(0751));
 }

@@ -1,4 +1,4 @@
-// Brindle on the computer itself: on copies of its accounts, which are gone when the program ends.
+// Brindle on the computer itself, with copies of its accounts that are discarded at the end.
 
 #include "platform/posix/Process.h"
 #include "support/OwnComputer.h"
@@ -23,7 +23,7 @@ using Words = std::vector<std::string>;
 
 constexpr uid_t administrator = 1400;
 
-/// What runs said, one after another.
+/// Joins the outputs of runs.
 std::string said(std::initializer_list<std::string> runs) {
     std::string text;
     for (const std::string& run : runs) {
@@ -36,7 +36,7 @@ bool contains(const std::string& text, const std::string& part) {
     return text.find(part) != std::string::npos;
 }
 
-/// The accounts of the computer that the test has for itself.
+/// The accounts of the test's own computer.
 class SystemAccounts : public OwnComputer {
   protected:
     static std::string nicl(Words words) {
@@ -48,7 +48,7 @@ class SystemAccounts : public OwnComputer {
         return runDscl(place(), Words{".", "-passwd", "/Users/" + name, password}).output;
     }
 
-    /// The runs with which the application makes a user, up to the first that complains.
+    /// Makes the runs with which the application makes a user, up to the first one that fails.
     static std::string makeUser(const std::string& name, const std::string& uid, const std::string& gid) {
         const std::string path = "/users/" + name;
         std::string complaint = nicl({"-create", path});
@@ -75,7 +75,7 @@ class SystemAccounts : public OwnComputer {
                      nicl({"-create", path, "passwd", "*"}), nicl({"-create", path, "users"})});
     }
 
-    /// The values of a record, "name: alice" a line; empty where there is no record.
+    /// Returns a record as lines such as "name: alice"; empty when there is no record.
     static std::string record(const std::string& path) {
         const Finished read = runProgram({programs + "/niutil", "--system", "-read", ".", path});
         return read.status == 0 ? read.output : "";
@@ -90,7 +90,7 @@ class SystemAccounts : public OwnComputer {
 
     static std::string sambaAccounts() { return runProgram({"/usr/bin/pdbedit", "-L", "-w"}).output; }
 
-    /// All that the computer knows of its accounts, and what its own tools say of them.
+    /// Returns everything about the computer's accounts, including the output of its own checks.
     static std::string accounts() {
         std::string text;
         for (const char* file :
@@ -111,12 +111,12 @@ class SystemAccounts : public OwnComputer {
     static inline const std::string programs = BRINDLE_PROGRAMS;
 };
 
-TEST_F(SystemAccounts, AreMadeChangedAndTakenAwayAsTheComputersOwn) {
+TEST_F(SystemAccounts, AreMadeChangedAndDeletedAsTheComputersOwn) {
     const std::string before = accounts();
     EXPECT_EQ(makeGroup("team", "1600"), "");
     EXPECT_EQ(said({nicl({"-create", "/users/alice"}), nicl({"-create", "/users/alice", "gid", "1600"})}),
               "");
-    EXPECT_EQ(record("/users/alice"), "") << "it is listed when it is whole";
+    EXPECT_EQ(record("/users/alice"), "") << "it is listed once it is complete";
     EXPECT_EQ(makeUser("alice", "1501", "1600"), "");
     EXPECT_EQ(line("/etc/passwd", "alice"), "alice:x:1501:1600:Alice A:/dev/null:/sbin/nologin");
     EXPECT_TRUE(line("/etc/shadow", "alice").starts_with("alice:!:"));
@@ -135,12 +135,12 @@ TEST_F(SystemAccounts, AreMadeChangedAndTakenAwayAsTheComputersOwn) {
     EXPECT_EQ(line("/etc/passwd", "alice"), "alice:x:1501:1600:Alice B:/dev/null:/sbin/nologin");
     EXPECT_TRUE(contains(nicl({"-delete", "/groups/team"}), "primary group"));
     EXPECT_EQ(said({nicl({"-delete", "/users/alice"}), nicl({"-delete", "/users/bob"})}), "");
-    EXPECT_EQ(nicl({"-delete", "/groups/team", "users", "bob"}), "") << "who is gone has left the group";
+    EXPECT_EQ(nicl({"-delete", "/groups/team", "users", "bob"}), "") << "a deleted user has left the group";
     EXPECT_EQ(nicl({"-delete", "/groups/team"}), "");
     EXPECT_EQ(accounts(), before);
 }
 
-TEST_F(SystemAccounts, KeepTheirPasswordAndWhatStandsBesideTheirLineWhenTheyAreRenamedAndRenumbered) {
+TEST_F(SystemAccounts, KeepTheirPasswordAndPropertiesWhenTheyAreRenamedAndRenumbered) {
     const std::string before = accounts();
     EXPECT_TRUE(contains(dscl("alice", "secret"), "there is no such user"));
     EXPECT_EQ(said({makeGroup("team", "1600"), makeUser("alice", "1501", "1600")}), "");
@@ -165,7 +165,7 @@ TEST_F(SystemAccounts, KeepTheirPasswordAndWhatStandsBesideTheirLineWhenTheyAreR
     EXPECT_EQ(accounts(), before);
 }
 
-TEST_F(SystemAccounts, StayAsTheyAreWhereBrindleMayNotOrCannotChangeThem) {
+TEST_F(SystemAccounts, StayUnchangedIfBrindleMayNotOrCannotChangeThem) {
     ASSERT_EQ(runProgram({"/usr/sbin/useradd", "-l", "-u", "1400", "boss"}).status, 0);
     ASSERT_EQ(runProgram({"/usr/sbin/useradd", "-l", "-u", "1401", "guest"}).status, 0);
     EXPECT_EQ(said({nicl({"-create", "/users/new"}), nicl({"-create", "/users/new", "gid", "1401"})}), "");
@@ -213,19 +213,19 @@ TEST_F(SystemAccounts, StayAsTheyAreWhereBrindleMayNotOrCannotChangeThem) {
     EXPECT_EQ(accounts(), before);
     EXPECT_EQ(nicl({"-create", "/users/root", "sharedDir", "Public"}), "");
     EXPECT_TRUE(contains(record("/users/root"), "sharedDir: Public\n"));
-    EXPECT_EQ(nicl({"-create", "/users/root", "uid", "0"}), "") << "nothing is to be changed";
-    EXPECT_EQ(nicl({"-create", "/users/new", "uid", "501"}), "") << "a number that nobody has";
+    EXPECT_EQ(nicl({"-create", "/users/root", "uid", "0"}), "") << "this changes nothing";
+    EXPECT_EQ(nicl({"-create", "/users/new", "uid", "501"}), "") << "a number that is not in use";
     EXPECT_EQ(nicl({"-create", "/users/new", "realname", "N"}), "") << "Brindle has made it";
     EXPECT_EQ(nicl({"-delete", "/users/guest"}), "");
-    EXPECT_EQ(line("/etc/group", "guest"), "guest:x:1401:") << "the user's record alone is to go";
+    EXPECT_EQ(line("/etc/group", "guest"), "guest:x:1401:") << "only the user's record is to be deleted";
 }
 
 TEST_F(SystemAccounts, InheritNothingFromAnAccountThatIsGone) {
     EXPECT_EQ(said({makeGroup("team", "1600"), makeUser("alice", "1501", "1600")}), "");
-    ASSERT_EQ(runProgram({"/usr/sbin/userdel", "alice"}).status, 0); // by somebody else
+    ASSERT_EQ(runProgram({"/usr/sbin/userdel", "alice"}).status, 0); // done by another program
     EXPECT_EQ(nicl({"-create", "/users/alice"}), "");
     EXPECT_EQ(nicl({"-create", "/users/alice", "home", "/half"}), "");
-    EXPECT_EQ(nicl({"-create", "/users/alice"}), "") << "the one before never became whole";
+    EXPECT_EQ(nicl({"-create", "/users/alice"}), "") << "the previous one was never completed";
     EXPECT_EQ(nicl({"-create", "/users/alice", "uid", "1501"}), "");
     EXPECT_EQ(nicl({"-create", "/users/alice", "gid", "1600"}), "");
     EXPECT_EQ(record("/users/alice"),
@@ -247,7 +247,7 @@ TEST_F(SystemAccounts, KeepTheirPasswordWhenAChangeOfThemIsRefusedOrKilledHalfWa
     const UnfinishedChange change{true, {"carol", 1521}, {"dora", 1521}, samba.substr(0, samba.find('\n'))};
     ASSERT_TRUE(change.write(files.unfinishedChange()).isOk());
     ASSERT_EQ(runProgram({"/usr/bin/pdbedit", "-x", "carol"}).status, 0);
-    ASSERT_EQ(runProgram({"/usr/sbin/usermod", "-l", "dora", "carol"}).status, 0); // and then it was killed
+    ASSERT_EQ(runProgram({"/usr/sbin/usermod", "-l", "dora", "carol"}).status, 0); // then it was killed
     EXPECT_TRUE(contains(nicl({"-delete", "/users/carol"}), "no such record")) << "any next run finishes it";
     EXPECT_EQ(sambaAccounts(), "dora" + samba.substr(std::string("carol").size()));
     EXPECT_TRUE(contains(record("/users/dora"), "sharedDir: Public\n"));
@@ -259,7 +259,7 @@ TEST_F(SystemAccounts, KeepTheirPasswordWhenAChangeOfThemIsRefusedOrKilledHalfWa
 TEST_F(SystemAccounts, AreChangedByOneRunAfterAnother) {
     constexpr int writers = 4;
     std::vector<pid_t> children;
-    for (int writer = 0; writer < writers; ++writer) { // the first of all makes the store
+    for (int writer = 0; writer < writers; ++writer) { // the first one makes the store
         const std::string number = std::to_string(writer);
         if (children.emplace_back(::fork()) == 0) {
             ::_exit(makeGroup("team" + number, "161" + number).empty() &&

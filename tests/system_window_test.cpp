@@ -28,7 +28,7 @@ class SystemWindow : public InstalledBrindle, protected WindowHands {
         }
     }
 
-    /// Opens the window as the administrator, in a process of its own, and has `use` use it.
+    /// Opens the window as the administrator, in another process, and calls `use` to use it.
     template <class Use>
     void inWindow(Use use) {
         const pid_t child = ::fork();
@@ -52,7 +52,7 @@ class SystemWindow : public InstalledBrindle, protected WindowHands {
         EXPECT_EQ(box.currentText(), title) << popUp;
     }
 
-    /// Shows the page once the window is the active one, as window managers make it after a dialog.
+    /// Shows the page once the window is active, as window managers make it after a dialog.
     void comeBackTo(int page) {
         widget<QWidget>("mainWindow").activateWindow();
         ASSERT_TRUE(QTest::qWaitForWindowActive(&widget<QWidget>("mainWindow")));
@@ -79,7 +79,7 @@ class SystemWindow : public InstalledBrindle, protected WindowHands {
                                           .helper = prefix + "/libexec/brindle-helper",
                                           .keepsUserDefaults = false,
                                           .log = nullptr}));
-        NSUserDefaults::standardUserDefaults().setInteger(11, "BrindleDonationReminder"); // asks for none
+        NSUserDefaults::standardUserDefaults().setInteger(11, "BrindleDonationReminder"); // asks nothing
         int argc = 1;
         char program[] = "window";
         char* arguments[] = {program, nullptr};
@@ -142,7 +142,7 @@ TEST_F(SystemWindow, AsksForThePasswordUntilItIsRightAndForNothingMoreAfterwards
 }
 
 TEST_F(SystemWindow, SaysWhetherTheServerRunsAndStartsIt) {
-    TearDown(); // ends it
+    TearDown(); // ends the server
     inWindow([&] {
         const auto& state = widget<QLabel>("serverState");
         ASSERT_TRUE(QTest::qWaitFor([&] { return widget<QPushButton>("startServer").isVisible(); }, 10000));
@@ -160,8 +160,8 @@ TEST_F(SystemWindow, SaysWhetherTheServerRunsAndStartsIt) {
     });
 }
 
-TEST_F(SystemWindow, ShowsWhatSomebodyElseChangedMeanwhileAndWhyAFolderIsNotOffered) {
-    run({"/usr/sbin/useradd", "-M", "-u", "7302", "eve"}); // its home folder is not made
+TEST_F(SystemWindow, ShowsChangesBySomebodyElseAndWhyAFolderIsNotOffered) {
+    run({"/usr/sbin/useradd", "-M", "-u", "7302", "eve"}); // without a home folder
     const std::string settings = contents("/etc/samba/smb.conf");
     run({prefix + "/bin/nicl", "--system", ".", "-create", "/users/eve", "sharedDir", "Public"});
     inWindow([&] {

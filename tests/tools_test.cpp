@@ -32,7 +32,7 @@ bool contains(const std::string& text, const std::string& part) {
     return text.find(part) != std::string::npos;
 }
 
-/// Runs `work` in as many processes at once; true when each of them answered true.
+/// Runs `work` in that many processes at once. Returns true when each returned true.
 template <class Work>
 bool inProcesses(int count, Work work) {
     for (int index = 0; index < count; ++index) {
@@ -51,7 +51,7 @@ bool inProcesses(int count, Work work) {
 
 class Tools : public DirectoryFixture {};
 
-TEST_F(Tools, NiclMakesChangesAndTakesAwayPropertiesInPlace) {
+TEST_F(Tools, NiclMakesChangesAndDeletesPropertiesInPlace) {
     struct Step {
         Words words;
         std::string record;
@@ -89,7 +89,7 @@ TEST_F(Tools, NiclRefusesInOneLineAndChangesNothing) {
     nicl({"-create", "/groups/staff"});
     nicl({"-create", "/config/Brindle/Docs"});
     const std::array refused{
-        Words{"-create", "/users"}, // not refused: it is there, and stays as it is
+        Words{"-create", "/users"}, // not refused: it exists already and stays unchanged
         Words{"-create", "/nowhere/x"},
         Words{"-create", "/users//x"},
         Words{"-create", "/users/"},
@@ -147,7 +147,7 @@ TEST_F(Tools, NiclRefusesInOneLineAndChangesNothing) {
     EXPECT_EQ(record("/users/ada"), "name: ada\nmail: one two\n");
     EXPECT_EQ(record("/config/Brindle/Docs"), "name: Docs\n");
     EXPECT_EQ(runNireport(Words{".", "/users", "name"}).output, "ada\t\nbob\t\nünï\t\n");
-    EXPECT_EQ(nicl({"-create", "/users/ada", "name", "Ada"}), "") << "no other user is called so";
+    EXPECT_EQ(nicl({"-create", "/users/ada", "name", "Ada"}), "") << "no other user has this name";
     EXPECT_EQ(nicl({"-delete", "/users/Ada", "mail", "one"}), "");
     EXPECT_EQ(nicl({"-delete", "/config/Brindle/Docs"}), "");
 }
@@ -166,7 +166,7 @@ TEST_F(Tools, ThatRunTogetherWaitForEachOtherAndLoseNothing) {
     EXPECT_EQ(std::ranges::count(members, ' '), 1 + 3 * writers) << members;
 }
 
-TEST_F(Tools, OptionsThatMakeNoSenseEndWithTwoAndTheOthersLeaveTheirWords) {
+TEST_F(Tools, WrongOptionsEndWithTwoAndRightOnesLeaveTheOtherWords) {
     std::string root = (host.root() / "other").string();
     std::array<std::string, 6> words{"nicl", "--root", root, ".", "-create", "/users/--system"};
     std::array<char*, 6> pointers{};
@@ -182,7 +182,7 @@ TEST_F(Tools, OptionsThatMakeNoSenseEndWithTwoAndTheOthersLeaveTheirWords) {
     }
 }
 
-TEST_F(Root, IsMadeOnceByProgramsThatComeTogetherAndKeepsFilesThatAreThere) {
+TEST_F(Root, IsMadeOnceByProgramsThatStartTogetherAndKeepsExistingFiles) {
     host.write("new root/etc/smb.conf", "[mine]\n");
     EXPECT_TRUE(inProcesses(4, [this](int index) {
         return root.makeIfMissing().isOk() &&
@@ -206,16 +206,16 @@ TEST_F(Root, IsMadeOnceByProgramsThatComeTogetherAndKeepsFilesThatAreThere) {
     EXPECT_EQ(store.values(record, "passwd"), Words{"*"});
     EXPECT_TRUE(store.find(Words{"users", "root"}));
     for (const char* name : {"daemon", "bin", "sys", "nobody"}) {
-        EXPECT_FALSE(store.find(Words{"users", name})) << name << " is nobody to share with";
+        EXPECT_FALSE(store.find(Words{"users", name})) << name << " is not somebody to share with";
         EXPECT_FALSE(store.find(Words{"groups", name})) << name;
     }
 }
 
-TEST_F(Root, ConfigurationOfTheServersDaemonsHoldsWhateverTheIncludedFileSays) {
+TEST_F(Root, ConfigurationOfTheServersDaemonsOverridesTheIncludedFile) {
     if (access("/usr/bin/testparm", X_OK) != 0) {
         GTEST_SKIP() << "no testparm on this machine: install samba-common-bin";
     }
-    // As in an smb.conf that was copied from the computer's own, and it ends in a share.
+    // As in an smb.conf that was copied from the computer's own; it ends in a share.
     const std::string computer = (host.root() / "computer").string();
     host.write(
         "new root/etc/smb.conf",
@@ -235,7 +235,7 @@ TEST_F(Root, ConfigurationOfTheServersDaemonsHoldsWhateverTheIncludedFileSays) {
     }
 }
 
-TEST_F(Root, AccountsFollowTheDirectoryAtOnceInNamesAndInTheServersLists) {
+TEST_F(Root, AccountsAreUpToDateAtOnceInNamesAndInTheServersLists) {
     ASSERT_TRUE(root.makeIfMissing().isOk());
     const platform::DirectoryAccounts names(root.storeFile());
     const platform::SambaAccounts server(root.sambaPaths());
@@ -273,7 +273,7 @@ TEST_F(Root, OnlyProcessesOfItsOwnServerAreListed) {
     EXPECT_EQ(processes.close(listing), 0);
 
     const std::string self = std::to_string(getpid());
-    ::setenv("COLUMNS", "12", 1); // as a terminal exports it: the program's name no longer fits
+    ::setenv("COLUMNS", "12", 1); // as terminals export it: the program's name no longer fits
     listing = processes.open("/bin/ps -ax | grep tools_test | grep -v grep | awk '{print $1}'", "r");
     ::unsetenv("COLUMNS");
     ASSERT_NE(listing, nullptr);

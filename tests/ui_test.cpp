@@ -15,14 +15,13 @@
 
 namespace {
 
-/// One edit of a user: what the field held, what was selected, what it would hold and where the caret would
-/// stand.
+/// One edit by a user: the field's text and selection before, and the text and caret afterwards.
 struct Edit {
     std::string before;
     NSRange selected;
     std::string after;
     std::size_t caret;
-    std::string refusal; ///< the error text; empty when the edit is taken
+    std::string refusal; ///< the error text; empty when the edit is accepted
 };
 
 void expectEdits(TestHost& host, const std::shared_ptr<NSFormatter>& formatter,
@@ -41,7 +40,7 @@ void expectEdits(TestHost& host, const std::shared_ptr<NSFormatter>& formatter,
     }
 }
 
-TEST(KWIntegerFormatter, LetsOnlyDigitsBeTypedOrPasted) {
+TEST(KWIntegerFormatter, AcceptsOnlyDigitsWhetherTypedOrPasted) {
     TestHost host;
     const std::string refusal = "Input is not an integer";
     const auto formatter = std::make_shared<KWIntegerFormatter>();
@@ -55,8 +54,11 @@ TEST(KWIntegerFormatter, LetsOnlyDigitsBeTypedOrPasted) {
                  {"", {0, 0}, "\u0661\u0662", 2, ""}, // Arabic digits
                  {"", {0, 0}, "\u00bd", 1, refusal},
                  {"\U0001d7d9", {2, 0}, "\U0001d7d9x", 3, refusal}, // a digit of two UTF-16 units
-                 // What the program filled in is not checked with what is typed.
-                 {"n/a", {3, 0}, "n/a5", 4, ""}});
+                 {"123", {1, 1}, "1x3", 2, refusal},
+                 // Only what is typed is checked, not the program's text before or after it.
+                 {"n/a", {3, 0}, "n/a5", 4, ""},
+                 {"n/a", {0, 0}, "5n/a", 1, ""},
+                 {"5n/a", {2, 0}, "5/a", 1, ""}});
     EXPECT_EQ(host.beeps, 0) << "the controller beeps, not the formatter";
 }
 
@@ -76,7 +78,7 @@ TEST(KWSMBFormatter, KeepsNamesToFifteenCharactersWithoutABlankAtTheEnd) {
         << "a number shows nothing";
 }
 
-/// The project's panel with credits of a length of the test's choice.
+/// The project's panel with credits whose length the test chooses.
 class AboutPanel : public testing::Test {
   protected:
     AboutPanel() : host_({.strings = {{"Version %@", "Version %@"}}}) {}
@@ -97,7 +99,7 @@ class AboutPanel : public testing::Test {
         return dynamic_cast<Kind*>(host_.loadedInterface->find(name));
     }
 
-    /// Ticks until nothing moves any more, and answers how often the credits were scrolled.
+    /// Ticks until nothing moves any more, and returns how often the credits were scrolled.
     int runPass() {
         host_.now += 3.0;
         const int before = steps_;
@@ -134,9 +136,9 @@ TEST_F(AboutPanel, ScrollsAHundredthOfAPointAtATimeInSinglePrecision) {
     show();
     host_.now += 2.9;
     host_.fireTimers();
-    EXPECT_EQ(steps_, 0) << "the credits stand still for three seconds";
+    EXPECT_EQ(steps_, 0) << "the credits do not move for three seconds";
     EXPECT_EQ(runPass(), 10'000);
-    EXPECT_NEAR(credits_->scrollPosition(), 100, 0.1) << "the end stays in sight";
+    EXPECT_NEAR(credits_->scrollPosition(), 100, 0.1) << "the end stays visible";
 
     host_.now += 3.0;
     host_.fireTimers();
@@ -144,13 +146,13 @@ TEST_F(AboutPanel, ScrollsAHundredthOfAPointAtATimeInSinglePrecision) {
     EXPECT_EQ(runPass(), 10'000);
 }
 
-TEST_F(AboutPanel, ALongerTextIsPassedALittleSoonerThanItsLengthSays) {
+TEST_F(AboutPanel, ALongerTextEndsALittleSoonerThanItsLengthSays) {
     setCredits(500);
     show();
     EXPECT_EQ(runPass(), 49'983);
 }
 
-TEST_F(AboutPanel, ScrollsOnlyWhileKeyAndGoesOnFromTheSamePlace) {
+TEST_F(AboutPanel, ScrollsOnlyWhileKeyAndContinuesFromTheSamePlace) {
     setCredits(100);
     show();
     host_.now += 3.0;
@@ -167,7 +169,7 @@ TEST_F(AboutPanel, ScrollsOnlyWhileKeyAndGoesOnFromTheSamePlace) {
 
     panel_->close();
     show();
-    EXPECT_EQ(credits_->scrollPosition(), 0) << "hidden and shown, it starts at the top";
+    EXPECT_EQ(credits_->scrollPosition(), 0) << "hidden and shown again, it starts at the top";
     steps_ = 0;
     host_.fireTimers();
     EXPECT_EQ(steps_, 0) << "after a pause";

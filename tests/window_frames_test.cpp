@@ -1,10 +1,10 @@
-// Sheets, alerts, the drawer, pages and panels as a user meets them, the window's end, and the pictures.
+// Sheets, alerts, the drawer, pages and panels as a user sees them, the window's end, and the pictures.
 
 #include "support/WindowFixture.h"
 
 namespace {
 
-TEST_F(Window, ASheetKeepsTheUserFromTheWindowUntilItIsAnswered) {
+TEST_F(Window, ASheetBlocksTheWindowUntilItIsAnswered) {
     show();
     bool ended = false;
     NSApp().beginSheet(desk.sheet, NSApp().mainWindow(), [&ended](NSWindow* sheet, int) {
@@ -53,7 +53,7 @@ TEST_F(Window, AnAlertIsAnsweredByKeysAndNeverChangesAnythingUnasked) {
         QTimer::singleShot(0, [&each] {
             auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
             ASSERT_NE(box, nullptr);
-            EXPECT_TRUE(box->text().contains("About &lt;b&gt;")); // a name that looks like markup stays one
+            EXPECT_TRUE(box->text().contains("About &lt;b&gt;")); // markup in a name is shown verbatim
             QTest::keyClick(box, each.key);
         });
         EXPECT_EQ(NSRunAlertPanel("About <b>", "Message", each.first, each.second, each.third), each.answer)
@@ -79,7 +79,7 @@ TEST_F(Window, TheDrawerWidensTheWindowAndGivesTheRoomBack) {
     EXPECT_EQ(main->width(), before);
 }
 
-TEST_F(Window, TabsPickThePageAndFollowTheProgram) {
+TEST_F(Window, TabsSelectThePageAndFollowTheProgram) {
     show();
     auto* bar = widget<QWidget>("tabs")->findChild<QTabBar*>();
     QTest::mouseClick(bar, Qt::LeftButton, {}, bar->tabRect(1).center());

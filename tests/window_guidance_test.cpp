@@ -1,4 +1,4 @@
-// How the window leads: to the first share, the first field, and in words.
+// How the window guides a user: to the first share, the first field, and with hints.
 
 #include "review/Reviewer.h"
 #include "support/MainWindowFixture.h"
@@ -18,7 +18,7 @@ std::string shownIn(const QTableView& table, int row, const char* title) {
     return "no such column";
 }
 
-TEST_F(MainWindow, AnEmptyTableHasTheButtonThatBegins) {
+TEST_F(MainWindow, AnEmptyTableHasAButtonToBegin) {
     struct Case {
         int page;
         const char* table;
@@ -98,7 +98,7 @@ TEST_F(MainWindow, CellsSpeakInWordsAndMarksAndTheModelsKeepTheirValues) {
     EXPECT_EQ(shownIn(shares, 0, "SMB"), "");
     EXPECT_EQ(shownIn(shares, 0, "Guests"), "");
     EXPECT_EQ(shownIn(shares, 1, "Guests"), "✓");
-    EXPECT_EQ(shownIn(shares, 1, "Owner may"), "") << "of a folder that is gone nothing is known";
+    EXPECT_EQ(shownIn(shares, 1, "Owner may"), "") << "nothing is known about a missing folder";
     EXPECT_EQ(shownIn(users, 0, "Public Folder"), "");
     EXPECT_EQ(shownIn(users, 0, "Full Name"), "");
     EXPECT_EQ(shownIn(groups, 0, "Users in Group"), "alice, bob");
@@ -112,11 +112,11 @@ TEST_F(MainWindow, CellsSpeakInWordsAndMarksAndTheModelsKeepTheirValues) {
     EXPECT_EQ(shares.model()->index(0, smb).data(Qt::AccessibleTextRole).toString(), "No");
 }
 
-TEST_F(MainWindow, AFieldSaysAtOnceWhatTheButtonWouldMakeOfItsText) {
+TEST_F(MainWindow, AFieldSaysAtOnceWhatTheButtonWouldDoWithItsText) {
     struct Case {
         const char* field;
         const char* typed;
-        const char* said; ///< how it begins
+        const char* said; ///< the beginning of the hint
     };
 
     addShare("Docs", host.root().string());
@@ -147,13 +147,13 @@ TEST_F(MainWindow, AFieldSaysAtOnceWhatTheButtonWouldMakeOfItsText) {
     EXPECT_EQ(hintOf("shareName"), "");
     showPage(1);
     clickRow("userTableView", 0);
-    typeInto("shortName", "root"); // no list shows it
+    typeInto("shortName", "root"); // not in any list
     EXPECT_EQ(hintOf("shortName"), "“root” is there already: the button changes it.");
     typeInto("shortName", "roo");
     EXPECT_TRUE(hintOf("shortName").starts_with("The button adds another user")) << hintOf("shortName");
 }
 
-TEST_F(MainWindow, LeavingTheFolderAsItWasLeavesThePrivilegesThatWereChosen) {
+TEST_F(MainWindow, LeavingTheFolderUnchangedKeepsTheChosenPrivileges) {
     std::filesystem::permissions(host.root(), std::filesystem::perms(0711));
     addShare("Docs", host.root().string());
     open();
@@ -202,7 +202,7 @@ TEST_F(MainWindow, GuestsWhoMayWriteAndAnOldSecurityAreWarnedOfOnlyWhenChosen) {
     EXPECT_TRUE(isSaid("Samba 4"));
 }
 
-TEST_F(MainWindow, ANumberOutsideItsLimitsIsSaidWhileItIsTypedAndNeverSaved) {
+TEST_F(MainWindow, ANumberOutsideItsLimitsIsReportedWhileItIsTypedAndNeverSaved) {
     struct Case {
         const char* field;
         const char* typed;
@@ -229,7 +229,7 @@ TEST_F(MainWindow, ANumberOutsideItsLimitsIsSaidWhileItIsTypedAndNeverSaved) {
         QApplication::processEvents();
         EXPECT_EQ(widget<QLineEdit>(each.field).accessibleDescription(), each.said) << each.typed;
     }
-    EXPECT_EQ(guests.text(), "no limit"); // it was left
+    EXPECT_EQ(guests.text(), "no limit"); // the field was left
     QMimeData dropped;
     dropped.setText("2");
     QDragEnterEvent over(QPoint(1, 5), Qt::CopyAction, &dropped, Qt::LeftButton, Qt::NoModifier);
@@ -243,13 +243,13 @@ TEST_F(MainWindow, ANumberOutsideItsLimitsIsSaidWhileItIsTypedAndNeverSaved) {
     QApplication::processEvents();
     clickTitled("Save");
     EXPECT_TRUE(host.runs.empty());
-    EXPECT_TRUE(widget<QLineEdit>("numConnections").hasFocus()); // its page has come up
+    EXPECT_TRUE(widget<QLineEdit>("numConnections").hasFocus()); // its page is shown
     typeInto("numConnections", "12");
     clickTitled("Save");
     EXPECT_FALSE(host.runs.empty());
 }
 
-TEST_F(MainWindow, AFolderDroppedOnThePageOfTheSharesBeginsAShareOfIt) {
+TEST_F(MainWindow, AFolderDroppedOnThePageOfTheSharesBeginsAShare) {
     const auto folder = host.root() / "My Films";
     std::filesystem::create_directory(folder);
     open();
@@ -272,11 +272,11 @@ TEST_F(MainWindow, AFolderDroppedOnThePageOfTheSharesBeginsAShareOfIt) {
     EXPECT_TRUE(drop(folder.string() + "/"));
     EXPECT_EQ(text("shareName"), "My Films");
     EXPECT_EQ(text("directory"), folder.string());
-    EXPECT_EQ(control<NSPopUpButton>("ownerPrivs").indexOfSelectedItem(), 0); // as it is on the disk
+    EXPECT_EQ(control<NSPopUpButton>("ownerPrivs").indexOfSelectedItem(), 0); // as on disk
     EXPECT_TRUE(widget<QLineEdit>("shareName").hasFocus());
     showPage(1);
     EXPECT_FALSE(drop(folder.string()));
-    frontend.reset(); // before the reviewer
+    frontend.reset(); // must be destroyed before the reviewer
 }
 
 } // namespace

@@ -35,7 +35,7 @@ class WindowHistoryTest : public WindowWithHistory {
         click("createNewGroupButton");
     }
 
-    /// Takes an entry of the history back, answering what comes up.
+    /// Takes an entry of the history back, and answers the dialogs with `buttons`.
     void takeBack(int row, const QStringList& buttons) {
         QTimer::singleShot(50, &widget<QWidget>("mainWindow"), [this, row, buttons] {
             auto& list = widget<QTreeWidget>("historyList");
@@ -47,7 +47,7 @@ class WindowHistoryTest : public WindowWithHistory {
     }
 };
 
-TEST_F(WindowHistoryTest, TheMenuNamesWhatItUndoesAndBringsADeletedShareBack) {
+TEST_F(WindowHistoryTest, TheMenuNamesWhatItUndoesAndRestoresADeletedShare) {
     addShare("Docs", "/shares/docs");
     const std::string conf = "[Docs]\n\tpath = /shares/docs\n";
     host.write("etc/smb.conf", conf);
@@ -75,10 +75,10 @@ TEST_F(WindowHistoryTest, TheMenuNamesWhatItUndoesAndBringsADeletedShareBack) {
     EXPECT_EQ(host.read("etc/smb.conf"), conf);
 }
 
-TEST_F(WindowHistoryTest, AnEntryThatALaterOneBuildsOnIsNotTakenBackAndTheLaterOneIsNamed) {
+TEST_F(WindowHistoryTest, AnEntryThatALaterOneDependsOnIsNotTakenBackAndTheLaterOneIsNamed) {
     openWithHistory();
     writeGroup("600", {"Yes"});
-    writeGroup("601", {"Go On", "Yes"}); // an id that changes is worth a warning
+    writeGroup("601", {"Go On", "Yes"}); // a changed id causes a warning
     takeBack(1, {"OK"});
     EXPECT_EQ(asked, (QStringList{"History", "Not Possible", "History"}));
     EXPECT_TRUE(said.at(1).contains("built on by 2 (Group &quot;team&quot; changed): take"))

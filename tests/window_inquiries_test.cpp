@@ -16,14 +16,14 @@ class WindowInquiriesTest : public WindowWithHistory {
   protected:
     void openWithDoctor() {
         openWithHistory();
-        // A root's: nothing of this machine's own is looked at.
+        // A root's, so that nothing of this machine is examined.
         frontend->useDoctor(
             {platform::SambaPaths{(host.root() / "samba").string(), (host.root() / "etc/smb.conf").string(),
                                   host.storeFile().string()},
              "brindle"});
     }
 
-    /// Opens the dialog of a menu item, looks at it, and closes it.
+    /// Opens the dialog of a menu item, calls `see` with it, and closes it.
     void look(const QString& title, const std::function<void(QDialog&)>& see) {
         QTimer::singleShot(50, &widget<QWidget>("mainWindow"), [this, see] {
             auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
@@ -58,7 +58,7 @@ TEST_F(WindowInquiriesTest, AShareWhoseFolderIsGoneIsMarkedAndListedWithItsRemed
     EXPECT_TRUE(model->index(1, 0).data(Qt::ToolTipRole).toString().contains("/no/such/folder"));
     int reads = 0;
     host.onReport = [&reads] { ++reads; };
-    QEvent activation(QEvent::WindowActivate); // whoever comes back to the window waits for nobody
+    QEvent activation(QEvent::WindowActivate); // coming back to the window must not wait for anything
     QApplication::sendEvent(&widget<QWidget>("mainWindow"), &activation);
     QTest::qWait(20);
     EXPECT_EQ(reads, 0);
@@ -73,7 +73,7 @@ TEST_F(WindowInquiriesTest, AShareWhoseFolderIsGoneIsMarkedAndListedWithItsRemed
     });
 }
 
-TEST_F(WindowInquiriesTest, AccessIsShownOfAShareAndOfAUserWithTheReasonOfTheRow) {
+TEST_F(WindowInquiriesTest, AccessIsShownForAShareAndForAUserWithTheReasonOfTheRow) {
     openWithDoctor();
     int begun = 0;
     AccessDialog dialog(
@@ -102,7 +102,7 @@ TEST_F(WindowInquiriesTest, AccessIsShownOfAShareAndOfAUserWithTheReasonOfTheRow
     subject.setCurrentIndex(subject.count() - 1);
     EXPECT_EQ(column(list, 0), QStringList({"Docs", "Music"}));
     EXPECT_EQ(column(list, 7), QStringList({"may not write to Docs", "may not write to Music"}));
-    EXPECT_EQ(begun, 2) << "what was read is read again for each list";
+    EXPECT_EQ(begun, 2) << "everything is read again for each list";
     EXPECT_EQ(AccessDialog({{"Docs"},
                             {"ann"},
                             [] {},
@@ -115,7 +115,7 @@ TEST_F(WindowInquiriesTest, AccessIsShownOfAShareAndOfAUserWithTheReasonOfTheRow
               "What \"ann\" may do");
 }
 
-TEST_F(WindowInquiriesTest, WhatIsSelectedIsDisconnectedOnceThatIsConfirmed) {
+TEST_F(WindowInquiriesTest, TheSelectionIsDisconnectedAfterConfirmation) {
     openWithDoctor();
     std::vector<std::string> done;
     platform::Session session;

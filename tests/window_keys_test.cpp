@@ -1,4 +1,4 @@
-// The window with keys alone, and as a screen reader meets it.
+// The window with the keyboard alone, and as a screen reader sees it.
 
 #include "frontends/qt/Buttons.h"
 #include "support/HistoryWindowFixture.h"
@@ -24,11 +24,11 @@ class Keys : public WindowWithHistory {
 
     QMainWindow& window() { return widget<QMainWindow>("mainWindow"); }
 
-    /// What is put off until the events that are waiting are done, is done.
+    /// Handles events that are delayed until the waiting ones are done.
     static void settle() { QTest::qWait(1); }
 
     void press(Qt::Key key, Qt::KeyboardModifiers modifiers = {}) {
-        if (QApplication::focusWidget() == nullptr) { // a question has gone
+        if (QApplication::focusWidget() == nullptr) { // a question has just closed
             window().activateWindow();
             ASSERT_TRUE(QTest::qWaitForWindowActive(&window()));
         }
@@ -45,8 +45,8 @@ class Keys : public WindowWithHistory {
                                                                 : widget->metaObject()->className();
     }
 
-    /// Calls `see` with every window as it stands: each page with each of its settings' pages, the editor,
-    /// the sheet, and each dialog and panel that the menus open.
+    /// Calls `look` with every window: each page with each of its settings' pages, the editor, the sheet, and
+    /// each dialog and panel that the menus open.
     void forEveryWindow(const std::function<void(QWidget&, const std::string&)>& look) {
         const auto see = [&look](QWidget& shown, const std::string& where) {
             settle();
@@ -104,7 +104,7 @@ TEST(Mnemonics, AreTheTextsOwnLettersEachOnceAndAsManyAsThereCanBe) {
 
     for (const Case& each :
          {Case{{{"Save", ""}, {"Save As", ""}, {"Undo", ""}}, "", {"&Save", "Save &As", "&Undo"}},
-          // A later text has an earlier one give way; the last one has none left.
+          // A later text takes a letter from an earlier one; none is left for the last one.
           Case{{{"AB", ""}, {"A", ""}, {"B A", ""}}, "", {"A&B", "&A", "B A"}},
           Case{{{"Save", ""}}, "SA", {"Sa&ve"}}, Case{{{"R&D", ""}, {"Q & A", ""}}, "", {"&R&&D", "&Q && A"}},
           Case{{{"Ändern", ""}, {"Öffnen…", ""}}, "", {"Ä&ndern", "Ö&ffnen…"}},
@@ -112,7 +112,7 @@ TEST(Mnemonics, AreTheTextsOwnLettersEachOnceAndAsManyAsThereCanBe) {
           Case{{{"名前:", "shareName"}, {"開く…", "open"}, {"AFP サーバ", ""}, {"Share", ""}},
                "",
                {"名前(&S):", "開く(&O)…", "AFP サーバ(&A)", "S&hare"}},
-          // What stands for something elsewhere is for the text that has no other.
+          // A letter that is used elsewhere is only for a text without any other.
           Case{{{"No", ""}, {"On", ""}}, "", {"N&o", "O&n"}, "N"},
           Case{{{"ページ", "pageMenu"}, {"ページ", ""}}, "A", {"ページ(&P)", "ページ(&B)"}}}) {
         QSet<QChar> taken(each.taken.begin(), each.taken.end());
@@ -125,13 +125,13 @@ TEST(Mnemonics, AreTheTextsOwnLettersEachOnceAndAsManyAsThereCanBe) {
     }
 }
 
-TEST_F(Keys, EachPageDrawerDialogAndMenuGivesEverythingALetterOfItsOwn) {
+TEST_F(Keys, EachPageDrawerDialogAndMenuGivesEverythingItsOwnLetter) {
     addShare("R&D", host.root().string());
     addUser("alice", "501");
     openAll();
     clickRow("normalTableView", 0);
     settle();
-    EXPECT_EQ(widget<QLabel>("selectedShareName").text(), "R&D"); // no letter leads there
+    EXPECT_EQ(widget<QLabel>("selectedShareName").text(), "R&D"); // it has no mnemonic
     int withoutLetter = 0;
     const auto check = [&](const QStringList& titles, QSet<QChar> used, const std::string& where) {
         QStringList without;
@@ -167,7 +167,7 @@ TEST_F(Keys, EachPageDrawerDialogAndMenuGivesEverythingALetterOfItsOwn) {
         };
         for (auto* each : shown.findChildren<QAbstractButton*>()) {
             const bool isOverTable = each->parentWidget()->objectName().endsWith("Empty");
-            // The first does what a button below the table does, and the second has keys of its own.
+            // The first does the same as a button below the table, and the second has its own keys.
             const bool needsNone =
                 isOverTable || (each->text() == plainTitle(each->text()) && hasKeys(*each));
             if (each->isVisible() && !each->text().isEmpty() && !needsNone) {
@@ -226,7 +226,7 @@ TEST_F(Keys, ALetterOfThePageAndTheEditorMeansWhatIsNearerToTheCursor) {
     EXPECT_GT(shared, 0);
 }
 
-TEST_F(Keys, NoKeyOfTheWindowMeansTwoThings) {
+TEST_F(Keys, NoKeyOfTheWindowHasTwoMeanings) {
     openAll();
     std::map<QString, QString> meanings;
     for (auto* each : window().findChildren<QAction*>()) {
@@ -247,7 +247,7 @@ TEST_F(Keys, NoKeyOfTheWindowMeansTwoThings) {
 
 TEST_F(Keys, DoOnEachPageWhatThePageIsFor) {
     openAll();
-    EXPECT_EQ(focused(), "normalTableView"); // where the work begins
+    EXPECT_EQ(focused(), "normalTableView"); // the starting point
     for (const char* field : {"shareName", "fullName", "groupName"}) {
         press(Qt::Key_N, Qt::ControlModifier);
         EXPECT_EQ(focused(), field);
@@ -290,7 +290,7 @@ TEST_F(Keys, TakeBackTheLastChangeAndInAFieldWhatWasTyped) {
     EXPECT_EQ(columnOf("normalTableView", "ShareName"), std::vector<std::string>{"Docs"});
 }
 
-TEST_F(Keys, TabGoesAsTheEyeReads) {
+TEST_F(Keys, TabFollowsTheReadingOrder) {
     addShare("Docs", host.root().string());
     addUser("alice", "501");
     openAll();
@@ -333,7 +333,7 @@ TEST_F(Keys, TabGoesAsTheEyeReads) {
     EXPECT_TRUE(QTest::qWaitFor([] { return focused() == "passwordSecureText1"; })) << focused();
 }
 
-/// The names of what a user can work with in the tree, where there is one.
+/// Calls `see` with everything in the accessibility tree that a user can work with.
 void walk(QAccessibleInterface& each, const std::function<void(QAccessibleInterface&)>& see) {
     const QAccessible::State state = each.state();
     if (state.invisible && !state.offscreen) {
@@ -343,7 +343,7 @@ void walk(QAccessibleInterface& each, const std::function<void(QAccessibleInterf
     const QAccessible::Role role = each.role();
     if (role == QAccessible::Table || role == QAccessible::Tree || role == QAccessible::ScrollBar ||
         role == QAccessible::ComboBox || role == QAccessible::List) {
-        return; // their parts are named by what they show
+        return; // their parts are named after their contents
     }
     for (int child = 0; child < each.childCount(); ++child) {
         if (auto* inner = each.child(child)) {
@@ -392,7 +392,7 @@ TEST_F(Keys, EveryControlHasANameAndTheSpecialOnesTheirRoles) {
     }
     auto* table = QAccessible::queryAccessibleInterface(&widget<QTableView>("normalTableView"));
     EXPECT_EQ(table->tableInterface()->columnDescription(0), "Share");
-    // What an icon says is said in words, too.
+    // The meaning of an icon is also said in words.
     const auto marked = widget<QTableView>("normalTableView").model()->index(0, 0);
     EXPECT_EQ(marked.data(Qt::AccessibleTextRole).toString(), "Docs (Warning)");
     EXPECT_TRUE(marked.data(Qt::AccessibleDescriptionRole).toString().contains("/no/such/folder"));

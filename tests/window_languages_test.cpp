@@ -1,5 +1,4 @@
-// That every text of the window has the room it needs, in every language, at the size that the window opens
-// with.
+// Every text of the window has enough room, in every language, at the size with which the window opens.
 
 #include "frontends/qt/ElidedLabel.h"
 #include "platform/appkit/NSWindow.h"
@@ -18,7 +17,7 @@ namespace {
 constexpr int buttonEdges = 12;
 constexpr int fieldEdges = 8;
 
-/// Without the marks of the letters that press it.
+/// Returns the text without mnemonics.
 QString plain(QString text) {
     return text.replace("&&", "\1").remove('&').replace('\1', '&');
 }
@@ -27,7 +26,7 @@ int widthOf(const QWidget& widget, const QString& text) {
     return widget.fontMetrics().horizontalAdvance(plain(text));
 }
 
-/// The width for the text of a pop-up's chosen item.
+/// Returns the width for the text of a pop-up's selected item.
 int roomIn(const QComboBox& popUp) {
     QStyleOptionComboBox option;
     option.initFrom(&popUp);
@@ -42,7 +41,7 @@ class WindowInALanguage : public MainWindow, public testing::WithParamInterface<
     WindowInALanguage() : MainWindow(optionsFor(GetParam())) {}
 
     void SetUp() override {
-        useScreen(1024, 768); // the window has the size of its interface file
+        useScreen(1024, 768); // large enough for the size in the interface file
         MainWindow::SetUp();
     }
 
@@ -52,7 +51,7 @@ class WindowInALanguage : public MainWindow, public testing::WithParamInterface<
         return options;
     }
 
-    /// What is in the window, and can be seen now.
+    /// Returns the visible widgets of a kind.
     template <class Kind>
     static std::vector<Kind*> shownIn(const QWidget& window) {
         std::vector<Kind*> found;
@@ -68,7 +67,7 @@ class WindowInALanguage : public MainWindow, public testing::WithParamInterface<
         EXPECT_LE(needed, there) << text.toStdString();
     }
 
-    /// Nothing lies over its ends. What scrolls may be out of sight.
+    /// Expects that nothing covers its ends. Scrolling contents may be out of sight.
     static void expectWhole(const QWidget& widget, const QString& text) {
         if (const QRegion seen = widget.visibleRegion(); !seen.isEmpty()) {
             expectRoom(text, widget.width(), seen.boundingRect().width());
@@ -103,14 +102,14 @@ class WindowInALanguage : public MainWindow, public testing::WithParamInterface<
             expectRoom(popUp->currentText(), widthOf(*popUp, popUp->currentText()), roomIn(*popUp));
         }
         for (const QLineEdit* field : shownIn<QLineEdit>(window)) {
-            if (field->maximumWidth() < QWIDGETSIZE_MAX) { // for a number, or what stands in its place
+            if (field->maximumWidth() < QWIDGETSIZE_MAX) { // a field for a number or "no limit"
                 expectRoom(field->text(), widthOf(*field, field->text()) + fieldEdges, field->width());
             }
         }
         expectRoomForTitles(window);
     }
 
-    /// Whatever is chosen.
+    /// Expects room for every item of each pop-up.
     static void expectRoomForItems(const QWidget& window) {
         for (const QComboBox* popUp : shownIn<QComboBox>(window)) {
             for (int item = 0; item < popUp->count(); ++item) {
@@ -119,7 +118,7 @@ class WindowInALanguage : public MainWindow, public testing::WithParamInterface<
         }
     }
 
-    /// Of columns and of pages.
+    /// Expects room for the titles of columns and pages.
     static void expectRoomForTitles(const QWidget& window) {
         for (const QHeaderView* header : shownIn<QHeaderView>(window)) {
             for (int section = 0; header->orientation() == Qt::Horizontal && section < header->count();
@@ -159,7 +158,7 @@ TEST_P(WindowInALanguage, HasRoomForItsTexts) {
             if (pages != nullptr) {
                 control<NSPopUpButton>(pages).performSelect(part);
             }
-            QTest::qWait(100); // the letters of a page that is made just now change its labels once more
+            QTest::qWait(100); // the labels of a new page change once more when it gets its mnemonics
             expectRoomForTexts(window);
             expectRoomForItems(window);
         }
@@ -169,7 +168,7 @@ TEST_P(WindowInALanguage, HasRoomForItsTexts) {
 
     showPage(0);
     app().drawer->open();
-    QTest::qWait(300); // it slides
+    QTest::qWait(300); // wait until it has slid open
     expectRoomForTexts(window);
     app().passwordWindow->makeKeyAndOrderFront();
     QApplication::processEvents();
@@ -184,7 +183,7 @@ TEST_P(WindowInALanguage, HasQtsOwnTextsInTheSameLanguage) {
               NSLocalizedString("Cancel"));
 }
 
-TEST_P(WindowInALanguage, HasLettersForItsMenusThatAKeyStandsFor) {
+TEST_P(WindowInALanguage, HasMenuLettersThatAreOnTheKeyboard) {
     open();
     QTest::qWait(0);
     for (const QAction* each : widget<QWidget>("mainWindow").findChild<QMenuBar*>()->actions()) {

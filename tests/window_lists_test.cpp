@@ -1,4 +1,4 @@
-// The lists as a user sorts, searches and uses them: the application's own rows stay what they are.
+// Sorting, searching and using the lists: the application's own rows do not change.
 
 #include "frontends/qt/TableRows.h"
 #include "platform/appkit/NSWindow.h"
@@ -44,7 +44,7 @@ class Lists : public MainWindow {
     std::string selected() { return text("selectedShareName"); }
 };
 
-TEST(ATableRowsOrder, CountsNumbersByTheirValueAndPassesOverCaseAndAccents) {
+TEST(ATableRowsOrder, ComparesNumbersByValueAndIgnoresCaseAndAccents) {
     struct Case {
         std::vector<std::string> texts;
         std::vector<std::string> ordered;
@@ -73,7 +73,7 @@ TEST(ATableRowsOrder, CountsNumbersByTheirValueAndPassesOverCaseAndAccents) {
     }
 }
 
-TEST_F(Lists, ASortedRowIsStillTheRowThatItsDeletionTakes) {
+TEST_F(Lists, DeletingASortedRowDeletesThatRow) {
     openWith({"Music", "Docs", "Films"});
     auto* header = table().horizontalHeader();
     QTest::mouseClick(header->viewport(), Qt::LeftButton, {},
@@ -88,7 +88,7 @@ TEST_F(Lists, ASortedRowIsStillTheRowThatItsDeletionTakes) {
     EXPECT_EQ(columnOf("normalTableView", "ShareName"), (std::vector<std::string>{"Music", "Docs"}));
 }
 
-TEST_F(Lists, AFilterLeavesTheRowsThatHoldAllWordsAndNeverHidesTheSelectedOne) {
+TEST_F(Lists, AFilterShowsTheRowsWithAllWordsAndNeverHidesTheSelectedOne) {
     openWith({"Music", "Docs", "Film Music", "Films"});
     clickRow("normalTableView", 1);
     QTest::keyClick(&table(), 'f', Qt::ControlModifier);
@@ -101,7 +101,7 @@ TEST_F(Lists, AFilterLeavesTheRowsThatHoldAllWordsAndNeverHidesTheSelectedOne) {
     filter().setFocus();
     QTest::keyClicks(&filter(), "x");
     EXPECT_EQ(names(), QStringList{"Film Music"});
-    // What the program selects comes into view as well.
+    // A row that the program selects is shown, too.
     control<NSTableView>("normalTableView").selectRow(3);
     QApplication::processEvents();
     EXPECT_TRUE(names().contains("Films"));
@@ -111,7 +111,7 @@ TEST_F(Lists, AFilterLeavesTheRowsThatHoldAllWordsAndNeverHidesTheSelectedOne) {
     EXPECT_TRUE(table().selectionModel()->isRowSelected(3));
 }
 
-TEST_F(Lists, TypingFindsARowReturnOpensItsEditorAndCopyTakesWhatIsShown) {
+TEST_F(Lists, TypingFindsARowReturnOpensItsEditorAndCopyCopiesWhatIsShown) {
     openWith({"Music", "Docs", "Films", "Dogs"});
     table().setFocus();
     QTest::keyClicks(&table(), "dog");
@@ -124,7 +124,7 @@ TEST_F(Lists, TypingFindsARowReturnOpensItsEditorAndCopyTakesWhatIsShown) {
     EXPECT_TRUE(widget<QLineEdit>("shareName").hasFocus());
 }
 
-TEST_F(Lists, ColumnsComeBackAsTheyWereArranged) {
+TEST_F(Lists, ColumnsAreRestoredAsTheyWereArranged) {
     const std::string key = "BrindleColumns.normalTableView";
     auto& defaults = NSUserDefaults::standardUserDefaults();
     defaults.setString("SMB\t0\tshown\t\nGone\t0\thidden\t\nShareName\t0\tshown\tdown\nAFS\t0\thidden\t",
@@ -137,12 +137,12 @@ TEST_F(Lists, ColumnsComeBackAsTheyWereArranged) {
     header->moveSection(1, 0);
     header->setSortIndicator(-1, Qt::AscendingOrder);
     EXPECT_EQ(names(), (QStringList{"Docs", "Music"}));
-    QTest::qWait(400); // it is written once the hand is still
+    QTest::qWait(400); // it is saved after the last change
     EXPECT_TRUE(defaults.stringForKey(key).value_or("").starts_with("ShareName\t0\tshown\t\nSMB\t"))
         << defaults.stringForKey(key).value_or("");
 }
 
-/// A menu of a hundred thousand people.
+/// A menu with a hundred thousand people.
 class LongMenu : public Window {
   protected:
     void fill() {
@@ -184,7 +184,7 @@ TEST_F(LongMenu, IsSearchedByAPartOfTheNameAndChangesOnlyByAChoice) {
 
     field = opened().findChild<QLineEdit*>();
     QTest::keyClicks(field, "nobody");
-    QTest::keyClick(field, Qt::Key_Return); // there is nothing to take
+    QTest::keyClick(field, Qt::Key_Return); // there is nothing to choose
     ASSERT_NE(QApplication::activePopupWidget(), nullptr);
     field->clear();
     QTest::keyClicks(field, "9999");
@@ -196,7 +196,7 @@ TEST_F(LongMenu, IsSearchedByAPartOfTheNameAndChangesOnlyByAChoice) {
     auto* shown = opened().findChild<QListView*>();
     QTest::mouseClick(shown->viewport(), Qt::LeftButton, {},
                       shown->visualRect(shown->currentIndex()).center());
-    EXPECT_EQ(desk.told, (Told{"chose person19999", "chose person19999"})); // a choice all the same
+    EXPECT_EQ(desk.told, (Told{"chose person19999", "chose person19999"})); // choosing it again counts
     EXPECT_EQ(QApplication::activePopupWidget(), nullptr);
 }
 
@@ -215,7 +215,7 @@ TEST_F(LongMenu, IsLookedAtAgainOnlyWhenItsItemsHaveChanged) {
     EXPECT_EQ(widget<QComboBox>("popUp")->currentText(), "person77777");
 }
 
-/// A computer with programs' accounts of its own.
+/// A computer that names programs' accounts.
 struct ServicesComputer : platform::Computer {
     [[nodiscard]] std::string whatIsMissing() const override { return {}; }
 
@@ -263,7 +263,7 @@ class SystemAccounts : public Lists {
     std::optional<review::Reviewer> reviewer;
 };
 
-TEST_F(SystemAccounts, AreLeftOutOfViewUntilTheyAreAskedFor) {
+TEST_F(SystemAccounts, AreHiddenUntilTheyAreAskedFor) {
     addUser("games", "105");
     addUser("alice", "1001");
     addGroup("mail", "108");
@@ -273,11 +273,11 @@ TEST_F(SystemAccounts, AreLeftOutOfViewUntilTheyAreAskedFor) {
     showPage(1);
     EXPECT_EQ(names("userTableView"), QStringList{"alice"});
     clickRow("userTableView", 0);
-    EXPECT_EQ(control<NSTableView>("userTableView").selectedRow(), 1); // the list's own numbers
+    EXPECT_EQ(control<NSTableView>("userTableView").selectedRow(), 1); // row numbers of the list
     showPage(2);
     EXPECT_EQ(names("groupTableView", 1), QStringList{"crew"});
     EXPECT_EQ(names("groupUsersTableView"), QStringList{"alice"});
-    // The page's own box asks for them as well.
+    // The page's own box shows them as well.
     QTest::mouseClick(&widget<QCheckBox>("showSystemUsersGroups3"), Qt::LeftButton, {}, QPoint(8, 8));
     EXPECT_TRUE(names("groupTableView", 1).contains("mail"));
     useMenu("Show System Accounts");
@@ -286,17 +286,17 @@ TEST_F(SystemAccounts, AreLeftOutOfViewUntilTheyAreAskedFor) {
     EXPECT_EQ(NSUserDefaults::standardUserDefaults().integerForKey("BrindleShowSystemAccounts"), 1);
     clickRow("userTableView", 0);
     useMenu("Show System Accounts");
-    EXPECT_EQ(names("userTableView"), (QStringList{"games", "alice"})); // what is selected stays in sight
+    EXPECT_EQ(names("userTableView"), (QStringList{"games", "alice"})); // the selected row stays visible
     clickRow("userTableView", 1);
     computer->accounts.users.insert("alice");
     clickTitled("Refresh");
     EXPECT_EQ(names("userTableView"), QStringList{"alice"});
 }
 
-/// The row's menu, of which an entry is picked.
+/// Chooses entries of a row's menu.
 class RowMenu : public SystemAccounts {
   protected:
-    /// Whether the entry could be used.
+    /// Chooses the entry. Returns whether it was enabled.
     bool pick(int row, const QString& entry) {
         bool isPicked = false;
         QTimer::singleShot(0, [&] {
@@ -322,7 +322,7 @@ class RowMenu : public SystemAccounts {
 
 } // namespace
 
-/// Takes what would be opened on the desktop.
+/// Records addresses that would be opened on the desktop.
 class Desktop : public QObject {
     Q_OBJECT
 
@@ -338,7 +338,7 @@ class Desktop : public QObject {
 
 namespace {
 
-TEST_F(RowMenu, OpensTheFolderAndCopiesTheAddressUnderWhichOthersReachIt) {
+TEST_F(RowMenu, OpensTheFolderAndCopiesTheAddressForOthers) {
     const Desktop desktop;
     const std::string folder = (host.root() / "my docs").string();
     std::filesystem::create_directory(folder);
@@ -361,7 +361,7 @@ TEST_F(RowMenu, OpensTheFolderAndCopiesTheAddressUnderWhichOthersReachIt) {
 
 } // namespace
 
-// The analysis of the sources comes before anything is generated.
+// Static analysis runs before this file is generated.
 #if __has_include("window_lists_test.moc")
 #include "window_lists_test.moc"
 #endif

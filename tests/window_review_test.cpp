@@ -91,7 +91,7 @@ TEST_F(WindowReviewTest, AFileThatSomebodyElseChangedIsNamedAboveTheSharesUntilI
     EXPECT_EQ(columnOf("normalTableView", "ShareName"), std::vector<std::string>{"Music"});
 }
 
-TEST_F(WindowReviewTest, AfterACopyThatFailedTheWindowShowsWhatIsOnDisk) {
+TEST_F(WindowReviewTest, AfterAFailedCopyTheWindowShowsWhatIsOnDisk) {
     openWith("[global]\nworkgroup = HOME\n");
     host.onRun = [](const RecordedRun& run) {
         return TestHost::RunAnswer{run.tool == "/bin/cp" ? "no room\n" : "", 0};
@@ -110,7 +110,7 @@ TEST_F(WindowReviewTest, AfterACopyThatFailedTheWindowShowsWhatIsOnDisk) {
     EXPECT_FALSE(reviewer->hasUnwrittenSMBConf());
 }
 
-TEST_F(WindowReviewTest, APageThatIsShownInPartCannotBeSavedUntilTheFileWasMended) {
+TEST_F(WindowReviewTest, APartlyShownPageCannotBeSavedUntilTheFileIsRepaired) {
     openWith("[global]\nworkgroup = A\ndos charset = 8\nwins server = late\n");
     showPage(4);
     const auto save = [this] {
@@ -130,7 +130,7 @@ TEST_F(WindowReviewTest, APageThatIsShownInPartCannotBeSavedUntilTheFileWasMende
     EXPECT_FALSE(widget<QLabel>("smbPartNotice").isVisible());
 }
 
-TEST_F(WindowReviewTest, AShareThatTheServerReadsOtherwiseIsMarkedInItsRow) {
+TEST_F(WindowReviewTest, AShareThatTheServerReadsDifferentlyIsMarkedInItsRow) {
     openWith("[Docs]\npath = /docs\nGuest OK = yes\n[Films]\npath = /films\n");
     auto* model = widget<QTableView>("normalTableView").model();
     const auto tip = [model](int row) { return model->index(row, 0).data(Qt::ToolTipRole).toString(); };
@@ -140,7 +140,7 @@ TEST_F(WindowReviewTest, AShareThatTheServerReadsOtherwiseIsMarkedInItsRow) {
     EXPECT_TRUE(tip(1).contains(">Films<")) << tip(1).toStdString();
 }
 
-TEST_F(WindowReviewTest, APasswordThatNobodyCanHaveIsRefusedOnItsSheet) {
+TEST_F(WindowReviewTest, AnImpossiblePasswordIsRefusedOnItsSheet) {
     addGroup("staff", "20");
     addUser("alice", "501");
     openWith("");
@@ -158,7 +158,7 @@ TEST_F(WindowReviewTest, APasswordThatNobodyCanHaveIsRefusedOnItsSheet) {
     EXPECT_TRUE(host.runs.empty());
 }
 
-TEST_F(WindowReviewTest, WhatCannotBeUsedIsSaidBesideItsFieldUntilThatIsEdited) {
+TEST_F(WindowReviewTest, AnUnusableValueIsExplainedBesideItsFieldUntilItIsEdited) {
     struct Case {
         int page;
         const char* field;
@@ -181,8 +181,7 @@ TEST_F(WindowReviewTest, WhatCannotBeUsedIsSaidBesideItsFieldUntilThatIsEdited) 
             control<NSDrawer>("drawer").open();
         }
         control<NSTextField>("groupName").setStringValue("team");
-        control<NSTextField>(each.field)
-            .setStringValue(each.text); // on a page of the SMB page that is hidden
+        control<NSTextField>(each.field).setStringValue(each.text); // on a hidden page of the SMB settings
         QTest::qWait(20);
         control<NSButton>("createNewShare").setEnabled(true);
         control<NSButton>("addNewUserButton").setEnabled(true);
@@ -217,7 +216,7 @@ TEST_F(WindowReviewTest, WhatCannotBeUsedIsSaidBesideItsFieldUntilThatIsEdited) 
     }
 }
 
-TEST_F(WindowReviewTest, TheMigrationShowsWhichRecordsItWouldRewriteBeforeItIsAgreedTo) {
+TEST_F(WindowReviewTest, TheMigrationShowsWhichRecordsItWouldRewriteBeforeItIsConfirmed) {
     nicl({"-create", "/config/Brindle/Old"});
     nicl({"-create", "/config/Brindle/Old", "directory_path", "/shares/old"});
     NSUserDefaults::standardUserDefaults().setInteger(11, "BrindleDonationReminder");
@@ -237,7 +236,7 @@ TEST_F(WindowReviewTest, TheMigrationShowsWhichRecordsItWouldRewriteBeforeItIsAg
     EXPECT_FALSE(host.runs.empty());
 }
 
-TEST_F(WindowReviewTest, OneQuestionSaysAllThatIsToBeSaidOfADeletion) {
+TEST_F(WindowReviewTest, ADeletionIsConfirmedWithASingleQuestion) {
     addShare("Docs", "/shares/docs");
     addShare("Films", "/shares/films");
     openWith("[Docs]\npath = /shares/docs\nvfs objects = recycle\n");
@@ -251,13 +250,13 @@ TEST_F(WindowReviewTest, OneQuestionSaysAllThatIsToBeSaidOfADeletion) {
     click("deleteButton");
     EXPECT_EQ(asked.size(), 2);
     EXPECT_FALSE(isOnDisk("[Docs]"));
-    clickRow("normalTableView", 0); // its deletion holds no surprise
+    clickRow("normalTableView", 0); // its deletion has no warnings
     click("deleteButton");
     EXPECT_EQ(asked, (QStringList{"Delete Share", "Delete Share", "Delete Share"}));
     EXPECT_EQ(columnOf("normalTableView", "ShareName"), std::vector<std::string>{"Films"});
 }
 
-TEST_F(WindowReviewTest, WhoHoldsTheDirectoryIsNamedOnceAndNeedNotBeWaitedFor) {
+TEST_F(WindowReviewTest, TheHolderOfTheDirectoryIsNamedOnceAndTheWaitCanBeEnded) {
     addShare("Docs", "/shares/docs");
     openWith("");
     auto& notice = widget<QFrame>("directoryNotice");

@@ -1,4 +1,4 @@
-// The room that the window takes on small and large screens, where it comes back, and its colours.
+// The window's size on small and large screens, its place at the next start, and its colours.
 
 #include "frontends/qt/Inks.h"
 #include "frontends/qt/ReviewDialog.h"
@@ -16,7 +16,7 @@ namespace {
 
 class Room : public MainWindow {
   protected:
-    void SetUp() override {} // openOn is the beginning
+    void SetUp() override {} // tests call openOn instead
 
     void openOn(int width, int height) {
         useScreen(width, height);
@@ -26,7 +26,7 @@ class Room : public MainWindow {
 
     QWidget& window() { return widget<QWidget>("mainWindow"); }
 
-    /// Whether all of it is drawn, and so within reach of the mouse.
+    /// True when the whole widget is drawn, so that the mouse can reach it.
     static bool isInSight(const QWidget& widget) {
         return widget.isVisible() && widget.visibleRegion().boundingRect() == widget.rect();
     }
@@ -36,7 +36,7 @@ class Room : public MainWindow {
     QRect within(const QWidget& inner) { return {inner.mapTo(&window(), QPoint()), inner.size()}; }
 };
 
-TEST_F(Room, OnASmallScreenTheDrawerLiesOverTheTableAndItsButtonsStayInSight) {
+TEST_F(Room, OnASmallScreenTheDrawerCoversTheTableAndItsButtonsStayVisible) {
     addShare("Docs", "/folders/Docs");
     openOn(1024, 600);
     for (const QSize size : {QSize(900, 560), QSize(820, 520)}) {
@@ -53,7 +53,7 @@ TEST_F(Room, OnASmallScreenTheDrawerLiesOverTheTableAndItsButtonsStayInSight) {
             EXPECT_EQ(widget<QTableView>("normalTableView").width(), table);
         }
         EXPECT_TRUE(isInSight(widget<QPushButton>("createNewShare")));
-        // What is further down comes into sight with the cursor.
+        // A field further down scrolls into view when it gets the focus.
         widget<QLineEdit>("shareName").setFocus();
         for (int step = 0; step < 30 && !widget<QCheckBox>("showSystemUsersGroups").hasFocus(); ++step) {
             QTest::keyClick(window().focusWidget(), Qt::Key_Tab);
@@ -67,7 +67,7 @@ TEST_F(Room, OnASmallScreenTheDrawerLiesOverTheTableAndItsButtonsStayInSight) {
     }
 }
 
-TEST_F(Room, OnALargeScreenTheDrawerStandsBesideTheTableUntilTheWindowIsMadeNarrow) {
+TEST_F(Room, OnALargeScreenTheDrawerIsBesideTheTableUntilTheWindowIsMadeNarrow) {
     openOn(1600, 900);
     const int table = widget<QTableView>("normalTableView").width();
     clickTitled("New Share");
@@ -103,7 +103,7 @@ TEST_F(Room, EveryControlOfEveryPageIsWithinReachOnASmallScreen) {
     }
 }
 
-TEST_F(Room, TheDrawerIsOpenAgainWhereItWasLeftOpen) {
+TEST_F(Room, TheDrawerOpensAgainOnThePageWhereItWasLeftOpen) {
     openOn(1024, 600);
     clickTitled("New Share");
     showPage(1);
@@ -115,7 +115,7 @@ TEST_F(Room, TheDrawerIsOpenAgainWhereItWasLeftOpen) {
     showPage(2);
     showPage(0);
     EXPECT_FALSE(drawer().isVisible());
-    // One that is opened elsewhere counts as well, and as little once it was closed there.
+    // Opening or closing it on another page counts as well.
     showPage(1);
     useMenu("Show or Hide Share Editor");
     showPage(2);
@@ -149,7 +149,7 @@ TEST_F(Room, AReviewFitsTheScreenWithItsDetailsAndScrolls) {
     }
 }
 
-TEST(AWindowsPlace, IsKeptWhereItsTitleCanBeReachedAndElseBroughtIntoView) {
+TEST(AWindowsPlace, IsKeptIfItsTitleCanBeReachedAndElseMovedIntoView) {
     const std::vector<QRect> screens = {QRect(0, 0, 1280, 800), QRect(1280, 0, 1024, 600)};
 
     struct Case {
@@ -159,29 +159,29 @@ TEST(AWindowsPlace, IsKeptWhereItsTitleCanBeReachedAndElseBroughtIntoView) {
 
     for (const Case& each : {
              Case{QRect(100, 50, 900, 600), QRect(100, 50, 900, 600)},
-             Case{QRect(-700, 300, 900, 600), QRect(-700, 300, 900, 600)},  // partly outside, as it was left
+             Case{QRect(-700, 300, 900, 600), QRect(-700, 300, 900, 600)},  // partly outside, kept
              Case{QRect(1300, 20, 900, 540), QRect(1300, 20, 900, 540)},    // on the other screen
-             Case{QRect(3000, 20, 900, 600), QRect(190, 100, 900, 600)},    // on one that has gone
-             Case{QRect(100, -500, 900, 600), QRect(190, 100, 900, 600)},   // its title is out of reach
+             Case{QRect(3000, 20, 900, 600), QRect(190, 100, 900, 600)},    // on a screen that is gone
+             Case{QRect(100, -500, 900, 600), QRect(190, 100, 900, 600)},   // its title cannot be reached
              Case{QRect(1400, 200, 1600, 900), QRect(1280, 36, 1024, 564)}, // from a larger screen
          }) {
         EXPECT_EQ(placeInView(each.left, screens), each.back) << each.left.x() << ' ' << each.left.y();
     }
 }
 
-TEST_F(Room, TheWindowComesBackAsItWasLeft) {
+TEST_F(Room, TheWindowIsRestoredAsItWasLeft) {
     const std::string key = "BrindleWindow.mainWindow";
     auto& defaults = NSUserDefaults::standardUserDefaults();
     defaults.setString("9000\t40\t910\t540\tnormal\topen", key);
     openOn(1600, 900);
-    constexpr int frame = 8; // known only once it is shown
+    constexpr int frame = 8; // only known once it is shown
     EXPECT_TRUE(QRect(0, 0, 1600 + frame, 900).contains(window().geometry()));
     EXPECT_TRUE(drawer().isVisible());
     EXPECT_EQ(window().size(), QSize(910 + drawer().width(), 540));
     const QPoint place(30, 20);
     window().move(place);
     window().resize(1400, 700);
-    QTest::qWait(400); // it is written once the hand is still
+    QTest::qWait(400); // it is saved after the last change
     const std::string normal = "30\t20\t" + std::to_string(1400 - drawer().width()) + "\t700\t";
     EXPECT_EQ(defaults.stringForKey(key), normal + "normal\topen");
     window().showMaximized();
@@ -192,7 +192,7 @@ TEST_F(Room, TheWindowComesBackAsItWasLeft) {
     EXPECT_EQ(defaults.stringForKey(key), normal + "maximized\tclosed");
 }
 
-/// The window in the colours of three desktops.
+/// The window with the colours of three desktops.
 class Colours : public MainWindow {
   protected:
     static std::vector<std::pair<const char*, QPalette>> desktops() {
@@ -204,7 +204,7 @@ class Colours : public MainWindow {
                 {"high contrast", high}};
     }
 
-    /// Of the texts in an ink of the window's own, each against what is drawn behind it.
+    /// Expects readable texts in the window's own inks on their backgrounds. Returns how many there are.
     int expectInksAreReadable(const char* desktop) {
         QWidget& window = widget<QWidget>("mainWindow");
         const QImage picture = window.grab().toImage();
@@ -224,7 +224,7 @@ class Colours : public MainWindow {
         return inks;
     }
 
-    /// How well the drawer's box that is not ticked stands out.
+    /// Returns the contrast of the edge of an empty check box in the drawer.
     double edgeOfEmptyBox() {
         const auto& box = widget<QCheckBox>("showSystemUsersGroups");
         EXPECT_TRUE(box.isVisible());
@@ -249,7 +249,7 @@ TEST_F(Colours, NotesWarningsAndMarksCanBeReadOnEveryDesktop) {
     clickTitled("New Share");
     typeInto("directory", "nowhere");
     for (const auto& [desktop, palette] : desktops()) {
-        QApplication::setPalette(palette); // as when the desktop changes while the window is open
+        QApplication::setPalette(palette); // as if the desktop changes while the window is open
         int inks = 0;
         for (const int page : {1, 2, 4, 0}) {
             showPage(page);
@@ -258,7 +258,7 @@ TEST_F(Colours, NotesWarningsAndMarksCanBeReadOnEveryDesktop) {
         EXPECT_GE(inks, 6) << desktop;
         const bool hasStylesOwn = std::string_view(desktop) == "light";
         EXPECT_GT(edgeOfEmptyBox(), hasStylesOwn ? 1.2 : leastEdgeContrast - 0.1)
-            << desktop << ": a box can be seen though it is empty";
+            << desktop << ": an empty box must be visible";
         QPalette hiding = palette;
         hiding.setColor(QPalette::PlaceholderText, palette.color(QPalette::Base).darker(110));
         EXPECT_GE(contrast(placeholderOn(hiding), palette.color(QPalette::Base)), leastContrast) << desktop;
@@ -270,7 +270,7 @@ TEST_F(Colours, NotesWarningsAndMarksCanBeReadOnEveryDesktop) {
             }
             const QImage selected = markIcon(mark).pixmap(QSize(32, 32), 1.0, QIcon::Selected).toImage();
             EXPECT_GE(contrast(selected.pixelColor(8, 26), palette.color(QPalette::Highlight)), 3)
-                << desktop << ": as well as the desktop's own text";
+                << desktop << ": at least like the desktop's own text";
         }
     }
 }

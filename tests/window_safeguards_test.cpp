@@ -1,10 +1,10 @@
-// What the window asks, clears and leaves alone so that a slip of the hand does no harm.
+// What the window asks, clears and leaves alone so that a slip does no harm.
 
 #include "support/MainWindowFixture.h"
 
 namespace {
 
-TEST_F(MainWindow, DeletingAShareAsksForItByNameAndLeavesNothingDangerousUnderTheHand) {
+TEST_F(MainWindow, DeletingAShareNamesItAndLeavesNothingSelectedOrFocusedThatDeletes) {
     addShare("Docs", "/shares/docs");
     addShare("Films", "/shares/films");
     open();
@@ -17,7 +17,7 @@ TEST_F(MainWindow, DeletingAShareAsksForItByNameAndLeavesNothingDangerousUnderTh
     click("deleteButton");
     EXPECT_FALSE(host.runs.empty());
     EXPECT_EQ(columnOf("normalTableView", "ShareName"), std::vector<std::string>{"Films"});
-    // Films has come under the selection of Docs; the hand is still on the button.
+    // Films is now in the row where Docs was selected, and the pointer is still on the button.
     EXPECT_FALSE(widget<QTableView>("normalTableView").selectionModel()->hasSelection());
     EXPECT_FALSE(widget<QPushButton>("deleteButton").isEnabled());
     EXPECT_EQ(text("shareName"), "");
@@ -31,7 +31,7 @@ TEST_F(MainWindow, DeletingAShareAsksForItByNameAndLeavesNothingDangerousUnderTh
     }
 }
 
-TEST_F(MainWindow, ASelectionStaysWithItsNameWhenTheListChangesAndIsClearedOtherwise) {
+TEST_F(MainWindow, ASelectionFollowsItsNameWhenTheListChangesOrIsCleared) {
     addGroup("staff", "20");
     addUser("alice", "501");
     addUser("bob", "502");
@@ -42,14 +42,14 @@ TEST_F(MainWindow, ASelectionStaysWithItsNameWhenTheListChangesAndIsClearedOther
     clickTitled("Refresh");
     EXPECT_EQ(text("shortName"), "bob");
     nicl({"-delete", "/users/alice"});
-    clickTitled("Refresh"); // carol stands where bob stood
+    clickTitled("Refresh"); // carol is now in bob's row
     EXPECT_EQ(text("shortName"), "");
     EXPECT_FALSE(widget<QPushButton>("deleteUserButton").isEnabled());
 }
 
 TEST_F(MainWindow, AUserWithoutAGroupIdIsNotShownInGroupZero) {
     addGroup("wheel", "0");
-    addGroup("guest", "0"); // listed at once
+    addGroup("guest", "0"); // listed first
     addUser("alice", "501", "0");
     addUser("bob", "502");
     nicl({"-delete", "/users/bob", "gid"});
@@ -83,7 +83,7 @@ TEST_F(MainWindow, APasswordSheetNamesItsUserAndIsCancelledWithoutATrace) {
     EXPECT_FALSE(sheet.isVisible());
     EXPECT_TRUE(host.runs.empty());
     EXPECT_EQ(text("passwordSecureText1") + text("passwordErrorText"), "");
-    click("changePasswordButton"); // it can come up again
+    click("changePasswordButton"); // it can be opened again
     EXPECT_TRUE(sheet.isVisible());
 }
 
@@ -103,13 +103,13 @@ TEST_F(MainWindow, ANewShareStartsWithEveryBoxOff) {
 
 TEST_F(MainWindow, AnAdministratorWhoRefusesIsAskedOnceMoreInAnAction) {
     open();
-    host.onReport = [this] { // stands for an action of three runs, which asks before each of them
+    host.onReport = [this] { // simulates an action with three runs that asks before each of them
         for (int run = 0; run < 3; ++run) {
             EXPECT_FALSE(frontend->presenter()->runAdministratorDialog({}));
         }
     };
     for (int action = 0; action < 2; ++action) {
-        answer({"Refuse", "Refuse"}); // a third dialog would wait for an answer for ever
+        answer({"Refuse", "Refuse"}); // a third dialog would wait forever
         clickTitled("Refresh");
         EXPECT_EQ(asked, (QStringList{"Allow Changes", "Allow Changes"}));
     }

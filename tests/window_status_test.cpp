@@ -1,4 +1,4 @@
-// What the window says after an action: what was done or why not, and all that happened.
+// What the window says after an action: what was done or why not, and everything that happened.
 
 #include "frontends/qt/RunProgress.h"
 #include "review/HistoryStore.h"
@@ -16,12 +16,12 @@ class WindowStatusTest : public WindowWithHistory {
 
     void slowDown(int milliseconds) {
         host.onRun = [this, milliseconds](const RecordedRun& run) {
-            QTest::qSleep(milliseconds); // a tool takes its time
+            QTest::qSleep(milliseconds); // simulates a slow tool
             return carryOut(run);
         };
     }
 
-    /// The dialog, or null while it is not shown.
+    /// Returns the dialog, or null while it is not shown.
     static QDialog* progress() {
         for (QWidget* each : QApplication::topLevelWidgets()) {
             if (each->objectName() == "progress" && each->isVisible()) {
@@ -40,7 +40,7 @@ class WindowStatusTest : public WindowWithHistory {
         click("createNewShare");
     }
 
-    /// The panel's lines: what, outcome.
+    /// Returns the panel's lines with their outcomes.
     QStringList activity() {
         useMenu("Activity…");
         const auto* model = widget<QAbstractItemView>("activityList").model();
@@ -70,11 +70,11 @@ TEST_F(WindowStatusTest, AShareIsAnnouncedWithItsAddressToCopyAndTakenBackFromTh
     EXPECT_FALSE(widget<QPushButton>("statusCopy").isVisible());
 }
 
-TEST_F(WindowStatusTest, NoAddressIsGivenWhereNothingAnswersToIt) {
+TEST_F(WindowStatusTest, NoAddressIsShownIfNothingServesIt) {
     host.write("etc/smb.conf", "[Old]\n\tpath = " + host.root().string() + "\n");
     openWithHistory();
     frontend->useServer("smb://127.0.0.1:4455/", "SMB server", false);
-    share("New", 0); // its folder is offered, under another name
+    share("New", 0); // its folder is offered under another name
     EXPECT_EQ(status(), "Share \"New\" created.");
     EXPECT_FALSE(widget<QPushButton>("statusCopy").isVisible());
     frontend->useServer("", "No server", false);
@@ -82,7 +82,7 @@ TEST_F(WindowStatusTest, NoAddressIsGivenWhereNothingAnswersToIt) {
     EXPECT_EQ(status(), "Newer will be shared over SMB as soon as a server runs.");
 }
 
-TEST_F(WindowStatusTest, ThePanelGetsTheNewLinesAndKeepsTheOneThatIsRead) {
+TEST_F(WindowStatusTest, ThePanelAddsNewLinesAndKeepsTheSelectedOne) {
     openWithHistory();
     host.onListing = [](const std::string&) -> std::optional<std::string> { return "310\n"; };
     useMenu("Restart SMB Server");
@@ -96,7 +96,7 @@ TEST_F(WindowStatusTest, ThePanelGetsTheNewLinesAndKeepsTheOneThatIsRead) {
     EXPECT_TRUE(list.selectionModel()->hasSelection());
 }
 
-TEST_F(WindowStatusTest, AFailureIsSaidInTheToolsOwnWordsInTheAlertAndTheLine) {
+TEST_F(WindowStatusTest, AFailureIsShownInTheToolsOwnWordsInTheAlertAndTheLine) {
     openWithHistory();
     host.onRun = [this](const RecordedRun& run) -> TestHost::RunAnswer {
         if (run.arguments.size() > 2 && run.arguments[1] == "-create") {
@@ -135,13 +135,13 @@ TEST_F(WindowStatusTest, APasswordIsNeverListed) {
     EXPECT_FALSE(lines.contains("geheim"));
 }
 
-TEST_F(WindowStatusTest, AServerThatCouldNotBeStartedIsSaidInTheWindow) {
+TEST_F(WindowStatusTest, AServerThatCouldNotBeStartedIsReportedInTheWindow) {
     openWithHistory();
     frontend->useServer("", "port 4455 is in use", true);
     EXPECT_EQ(status(), "port 4455 is in use");
 }
 
-TEST_F(WindowStatusTest, ALongActionSaysHowFarItIsAndStopsAfterTheRunUnderWay) {
+TEST_F(WindowStatusTest, ALongActionShowsItsProgressAndStopsAfterTheCurrentRun) {
     constexpr int users = 60;
     for (int user = 0; user < users; ++user) {
         addUser("user" + std::to_string(user), std::to_string(501 + user));
@@ -149,7 +149,7 @@ TEST_F(WindowStatusTest, ALongActionSaysHowFarItIsAndStopsAfterTheRunUnderWay) {
     openWithHistory();
     slowDown(20);
     showPage(1);
-    answer({"Go On", "Stop"}); // so many accounts are worth a question
+    answer({"Go On", "Stop"}); // so many accounts cause a question
     clickTitled("Enable All");
     EXPECT_TRUE(lastText.contains(" of 60\nuser")) << lastText.toStdString();
     const int made = static_cast<int>(host.runs.size());
@@ -159,14 +159,14 @@ TEST_F(WindowStatusTest, ALongActionSaysHowFarItIsAndStopsAfterTheRunUnderWay) {
     EXPECT_EQ(std::ranges::count(columnOf("userTableView", "Public Shared"), "YES"), made);
     EXPECT_TRUE(host.alerts.empty());
     EXPECT_TRUE(widget<QPushButton>("statusUndo").isVisible());
-    // The next action begins with the right again.
+    // The next action may make runs again.
     clickRow("userTableView", users - 1);
     answer({"Go On"});
     clickTitled("Share");
     EXPECT_EQ(columnOf("userTableView", "Public Shared").back(), "YES");
 }
 
-TEST_F(WindowStatusTest, RunsThatAStopHasKeptFromBeingMadeAreNotListed) {
+TEST_F(WindowStatusTest, RunsPreventedByAStopAreNotListed) {
     constexpr int shares = 40;
     for (int share = 0; share < shares; ++share) {
         addShare("share" + std::to_string(share), "/shares/" + std::to_string(share));
@@ -182,7 +182,7 @@ TEST_F(WindowStatusTest, RunsThatAStopHasKeptFromBeingMadeAreNotListed) {
     EXPECT_EQ(lines.filter("|done").size(), made);
 }
 
-TEST_F(WindowStatusTest, AKeyThatWasMeantForTheQuestionBeforeDoesNotStopTheAction) {
+TEST_F(WindowStatusTest, AKeyMeantForThePreviousQuestionDoesNotStopTheAction) {
     constexpr int users = 40;
     for (int user = 0; user < users; ++user) {
         addUser("user" + std::to_string(user), std::to_string(501 + user));
@@ -191,12 +191,12 @@ TEST_F(WindowStatusTest, AKeyThatWasMeantForTheQuestionBeforeDoesNotStopTheActio
     bool isAsked = false;
     bool isPressed = false;
     host.onRun = [&](const RecordedRun& run) {
-        if (!std::exchange(isAsked, true)) { // the right has run out
+        if (!std::exchange(isAsked, true)) { // the right has expired
             QTimer::singleShot(600, &widget<QWidget>("mainWindow"), [this] { answer({"Allow"}); });
             EXPECT_TRUE(frontend->presenter()->runAdministratorDialog({}));
         }
         if (host.runs.size() == 2) {
-            EXPECT_EQ(progress(), nullptr) << "it is the user who took so long";
+            EXPECT_EQ(progress(), nullptr) << "only the user took so long";
         }
         if (auto* dialog = progress(); dialog != nullptr && !std::exchange(isPressed, true)) {
             for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Escape, Qt::Key_Space}) {
@@ -238,14 +238,14 @@ TEST_F(WindowStatusTest, AnActionOnOneObjectShowsItsProgressAndCannotBeStopped) 
     EXPECT_GE(host.runs.size(), 12U);
 }
 
-TEST_F(WindowStatusTest, WhatWorksOnObjectsOfSeveralRunsStopsBetweenTwoOfThem) {
+TEST_F(WindowStatusTest, AnActionWithSeveralRunsPerObjectStopsBetweenTwoObjects) {
     openWithHistory();
     Activity activity;
     RefreshQueue queue;
     RunProgress running([] { return nullptr; }, activity, queue);
     std::vector<bool> stops;
     running.setStop([&stops](bool madeStill) { stops.push_back(madeStill); });
-    running.begin(100, RunProgress::stopsOf("updateSharesFor10pt2:"));
+    running.begin(100, review::stopsOf("updateSharesFor10pt2:"));
     const std::vector<std::string> first = {".", "-create", "/config/Brindle/Docs"};
     const std::vector<std::string> second = {".", "-delete", "/config/Brindle/Films"};
     EXPECT_TRUE(running.toolWillRun("/usr/bin/nicl", first));
@@ -256,18 +256,18 @@ TEST_F(WindowStatusTest, WhatWorksOnObjectsOfSeveralRunsStopsBetweenTwoOfThem) {
         EXPECT_TRUE(running.toolWillRun("/usr/bin/nicl", first));
     }
     QApplication::processEvents();
-    EXPECT_TRUE(running.toolWillRun("/usr/bin/nicl", first)) << "half a share is worse than none";
+    EXPECT_TRUE(running.toolWillRun("/usr/bin/nicl", first)) << "a share must not be left half done";
     EXPECT_TRUE(stops.empty());
     EXPECT_FALSE(running.toolWillRun("/usr/bin/nicl", second));
     EXPECT_EQ(stops, std::vector<bool>{false});
     EXPECT_TRUE(activity.stopOfEvent().starts_with("Stopped: "));
 }
 
-TEST_F(WindowStatusTest, WhatAnotherProgramHasDoneIsNotOfferedToBeTakenBack) {
+TEST_F(WindowStatusTest, AChangeByAnotherProgramIsNotOfferedForUndo) {
     addUser("ann", "501");
     openWithHistory();
     host.onListing = [this](const std::string&) -> std::optional<std::string> {
-        review::HistoryEntry entry; // as the action restarts the server, somebody deletes ann
+        review::HistoryEntry entry; // while the action restarts the server, somebody deletes ann
         entry.title = "User \"ann\" deleted";
         entry.records.push_back({"/users/ann", review::RecordChange::State::value_type{}, std::nullopt});
         EXPECT_TRUE(review::HistoryStore((host.root() / "history.db").string()).add(entry).isOk());
@@ -278,7 +278,7 @@ TEST_F(WindowStatusTest, WhatAnotherProgramHasDoneIsNotOfferedToBeTakenBack) {
     EXPECT_FALSE(widget<QPushButton>("statusUndo").isVisible());
 }
 
-TEST_F(WindowStatusTest, WhatARunWasMadeToReadIsNoFailureAndAnAlertHasTheReasonOfItsOwn) {
+TEST_F(WindowStatusTest, OutputThatWasAskedForIsNoFailureAndEachAlertHasItsOwnReason) {
     Activity activity;
     activity.toolWillRun("/usr/bin/smbstatus", std::vector<std::string>{"--json"});
     activity.toolDidWrite("{\"sessions\": {}}");

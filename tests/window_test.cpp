@@ -1,4 +1,4 @@
-// The window's controls as a user meets them: real mouse and key events on Qt's offscreen platform.
+// The window's controls as a user uses them: real mouse and key events on Qt's offscreen platform.
 
 #include "support/WindowFixture.h"
 
@@ -36,7 +36,7 @@ TEST_F(Window, AnEditThatTheFieldRefusesChangesNeitherTextNorCaretNorSelection) 
         desk.number->setStringValue("1234");
         QApplication::processEvents();
         edit->setFocus();
-        edit->setSelection(3, -2); // the caret at its start
+        edit->setSelection(3, -2); // with the caret at its start
         desk.told.clear();
         perform();
         EXPECT_EQ(desk.told, Told{told});
@@ -44,11 +44,11 @@ TEST_F(Window, AnEditThatTheFieldRefusesChangesNeitherTextNorCaretNorSelection) 
         EXPECT_EQ(desk.number->stringValue(), "1234") << told;
         EXPECT_EQ(edit->selectedText(), "23") << told;
         EXPECT_EQ(edit->cursorPosition(), 1) << told;
-        EXPECT_FALSE(QToolTip::isVisible()) << "a refusal is only heard";
+        EXPECT_FALSE(QToolTip::isVisible()) << "a refusal only beeps";
     }
 }
 
-TEST_F(Window, AnEditThatTheFieldTakesIsSentOnceAndTheFieldTidiesUpWhenItIsLeft) {
+TEST_F(Window, AnAcceptedEditIsSentOnceAndTheFieldIsTidiedWhenItIsLeft) {
     show();
     QLineEdit* edit = numberEdit();
     edit->setFocus();
@@ -63,7 +63,7 @@ TEST_F(Window, AnEditThatTheFieldTakesIsSentOnceAndTheFieldTidiesUpWhenItIsLeft)
     EXPECT_EQ(desk.number->stringValue(), "7");
 }
 
-TEST_F(Window, WhatIsPastedOrDroppedEntersWithoutItsControlCharacters) {
+TEST_F(Window, PastedOrDroppedTextEntersWithoutItsControlCharacters) {
     show();
     QLineEdit* edit = numberEdit();
     const QString text = "\x1B"
@@ -85,7 +85,59 @@ TEST_F(Window, WhatIsPastedOrDroppedEntersWithoutItsControlCharacters) {
     }
 }
 
-TEST_F(Window, WhatTheProgramFillsInIsShownUnaskedAndIsNoEdit) {
+TEST_F(Window, TextFromAnInputMethodBecomesOneLineWithoutControlCharacters) {
+    show();
+    desk.number->setFormatter(nullptr);
+    QLineEdit* edit = numberEdit();
+    edit->setFocus();
+    QInputMethodEvent event;
+    event.setCommitString("a\r\nb\x01\tc\x1B");
+    QApplication::sendEvent(edit, &event);
+    EXPECT_EQ(desk.number->stringValue(), "a b\tc");
+    EXPECT_EQ(edit->text().toStdString(), desk.number->stringValue());
+    EXPECT_EQ(edit->cursorPosition(), 5);
+    EXPECT_EQ(desk.told, Told{"typed a b\tc"});
+}
+
+TEST_F(Window, AFieldThatOnlyShowsItsTextTakesNoDrop) {
+    show();
+    desk.number->setStringValue("12");
+    desk.number->setEditable(false);
+    QApplication::processEvents();
+    dropOnto(*numberEdit(), "5");
+    EXPECT_EQ(desk.number->stringValue(), "12");
+    EXPECT_EQ(numberEdit()->text(), "12");
+    EXPECT_EQ(desk.told, Told{});
+}
+
+TEST_F(Window, AFieldsFormatterIsToldWhatWasSelectedAndWhereTheCaretWillBe) {
+    struct Ranges : NSFormatter {
+        bool isPartialStringValid(std::string&, NSRange& caret, const std::string&, NSRange selected,
+                                  std::string&) override {
+            told.push_back({selected.location, selected.length, caret.location, caret.length});
+            return true;
+        }
+
+        std::vector<std::array<std::size_t, 4>> told;
+    };
+
+    show();
+    const auto ranges = std::make_shared<Ranges>();
+    desk.number->setFormatter(ranges);
+    desk.number->setStringValue("12345");
+    QApplication::processEvents();
+    QLineEdit* edit = numberEdit();
+    edit->setFocus();
+    edit->setSelection(4, -3); // from right to left
+    QTest::keyClick(edit, 'x');
+    QTest::keyClick(edit, 'y');
+    QTest::keyClick(edit, Qt::Key_Backspace);
+    EXPECT_EQ(ranges->told,
+              (std::vector<std::array<std::size_t, 4>>{{1, 3, 2, 0}, {2, 0, 3, 0}, {3, 0, 2, 0}}));
+    EXPECT_EQ(edit->text(), "1x5");
+}
+
+TEST_F(Window, TextFromTheProgramIsShownUncheckedAndIsNoEdit) {
     show();
     desk.number->setStringValue("-2");
     desk.check->setState(NSOnState);
@@ -104,7 +156,7 @@ TEST_F(Window, WhatTheProgramFillsInIsShownUnaskedAndIsNoEdit) {
 
 TEST_F(Window, ButtonsBoxesAndCellsAreClickedThroughTheirModels) {
     show();
-    // An ampersand, not an underlined blank.
+    // An ampersand, not a mnemonic.
     EXPECT_EQ(plainTitle(widget<QAbstractButton>("press")->text()), "Press & Go");
     QTest::mouseClick(widget<QWidget>("press"), Qt::LeftButton);
     QTest::mouseClick(widget<QWidget>("check"), Qt::LeftButton, {},
@@ -134,6 +186,11 @@ TEST_F(Window, APopUpCountsTheSameChoiceAgainAndFollowsTypedLetters) {
     combo->showPopup();
     QTest::keyClick(combo->view(), Qt::Key_Return);
     EXPECT_EQ(desk.told, (Told{"chose Banana", "chose Banana"}));
+    desk.popUp->setEnabled(false);
+    QApplication::processEvents();
+    QTest::keyClick(combo, 'c');
+    EXPECT_FALSE(combo->isEnabled());
+    EXPECT_EQ(combo->currentText(), "Banana");
     desk.popUp->removeAllItems();
     QApplication::processEvents();
     EXPECT_EQ(combo->currentIndex(), -1);
@@ -176,7 +233,19 @@ TEST_F(Window, ATableAsksOnlyForTheCellsThatItDraws) {
     EXPECT_LT(desk.cellsAsked, 1000);
 }
 
-TEST_F(Window, SelectingRowsTellsOnceWhoeverDidIt) {
+TEST_F(Window, AToolTipShowsMarkupInDataAsPlainText) {
+    show();
+    desk.rows = 1;
+    desk.cell = "<b>Films</b> & <i>more</i>";
+    desk.table->reloadData();
+    QApplication::processEvents();
+    const auto* model = widget<QTableView>("table")->model();
+    QTextDocument tip; // reads what a tip reads
+    tip.setHtml(model->data(model->index(0, 0), Qt::ToolTipRole).toString());
+    EXPECT_EQ(tip.toPlainText().toStdString(), desk.cell);
+}
+
+TEST_F(Window, SelectingRowsNotifiesOnceWhoeverDoesIt) {
     show();
     desk.rows = 5;
     desk.table->reloadData();
@@ -189,10 +258,14 @@ TEST_F(Window, SelectingRowsTellsOnceWhoeverDidIt) {
     click(1, Qt::NoModifier);
     click(3, Qt::ControlModifier);
     EXPECT_EQ(desk.told, (Told{"selected 1", "selected 1 3"}));
+    click(1, Qt::NoModifier);
+    click(3, Qt::ShiftModifier);
+    EXPECT_EQ(desk.told.back(), "selected 1 2 3");
+    desk.told.resize(2);
     desk.table->selectRow(4);
     QApplication::processEvents();
     EXPECT_EQ(desk.told.size(), 3U);
-    desk.rows = 3; // the selected row goes, and nobody is told
+    desk.rows = 3; // the selected row goes away without a notification
     desk.table->reloadData();
     QApplication::processEvents();
     EXPECT_FALSE(view->selectionModel()->hasSelection());

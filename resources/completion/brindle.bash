@@ -1,7 +1,7 @@
-# Completion of brindle for bash. Names of shares, users and groups are asked of Brindle itself.
+# Completion of brindle for bash. Brindle itself is asked for the names of shares, users and groups.
 
 _brindle_ask() {
-    # What brindle answers on the host that the line names so far.
+    # Runs brindle on the host that the command line names so far, and prints its output.
     local index root="${BRINDLE_ROOT:-${XDG_DATA_HOME:-$HOME/.local/share}/brindle}" host=()
     for ((index = 1; index < COMP_CWORD; index++)); do
         case "${COMP_WORDS[index]}" in
@@ -13,7 +13,7 @@ _brindle_ask() {
                 ;;
         esac
     done
-    # To ask must not make a root.
+    # Asking must not create a root.
     if [ "${host[0]-}" != --system ] && [ ! -e "$root/directory.db" ]; then
         return
     fi
@@ -25,7 +25,7 @@ _brindle_names() {
 }
 
 _brindle_files() {
-    # Of these bash itself quotes the names and adds the slash.
+    # For files, bash itself quotes the names and adds the slash.
     compopt -o filenames 2>/dev/null
     COMPREPLY=($(compgen "$1" -- "$word"))
 }

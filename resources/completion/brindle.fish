@@ -1,6 +1,6 @@
-# Completion of brindle for fish. Names of shares, users and groups are asked of Brindle itself.
+# Completion of brindle for fish. Brindle itself is asked for the names of shares, users and groups.
 
-# What brindle answers on the host that the line names so far.
+# Runs brindle on the host that the command line names so far, and prints its output.
 function __brindle_ask
     set -l words (commandline -opc)
     set -l data $HOME/.local/share
@@ -12,7 +12,7 @@ function __brindle_ask
         set root (string replace -r '^~(?=/|$)' $HOME -- $words[(math $at + 1)])
         set host --root $root
     end
-    # To ask for a name must not make a root.
+    # Asking for names must not create a root.
     if contains -- --system $words
         set host --system
     else if not test -e $root/directory.db
@@ -30,7 +30,7 @@ function __brindle_keys
     __brindle_ask $argv[1] show | string replace -r ':.*' ''
 end
 
-# What stands before the cursor, without the program and without the options that say which computer is meant.
+# The words before the cursor, without the program and without the options that select the computer.
 function __brindle_words
     set -l words (commandline -opc)[2..-1]
     while set -q words[1]

@@ -16,7 +16,7 @@ namespace {
 
 constexpr const char* standardGuest = "nobody";
 
-/// What the sentences call somebody.
+/// The name that the sentences use: the user's, or a word for the guest.
 std::string nameOf(const std::optional<std::string>& user) {
     return user ? *user : NSLocalizedString("the guest");
 }
@@ -40,8 +40,8 @@ struct AccessCheck::Visit {
     Answer& answer;
     const ServerShare* share = nullptr;
     bool isGuest = false;
-    Account account; ///< as whom the server looks at lists of users
-    Account actor;   ///< as whom it uses the file system
+    Account account; ///< the account that the server looks up in lists of users
+    Account actor;   ///< the account that it uses the file system as
     std::string path;
 
     bool refuse(std::string code, std::string text, std::string where, std::string remedy = {}) {
@@ -141,7 +141,8 @@ bool AccessCheck::logOn(Visit& visit) {
     }
     if (logOn == LogOn::NoAccount && (mapping == "baduser" || mapping == "badpassword") &&
         visit.share->flag("guest ok", false)) {
-        // Whoever is not known comes in as the guest. Where guests may not, a password is what is missing.
+        // An unknown user is let in as the guest. If guests are not allowed, the missing password is the
+        // reason.
         visit.isGuest = true;
         visit.answer.notes.push_back(stringWithFormat(
             NSLocalizedString(
@@ -164,7 +165,7 @@ bool AccessCheck::logOn(Visit& visit) {
         return visit.refuse("disabled",
                             stringWithFormat(NSLocalizedString("%@'s account for shares is disabled."), user),
                             user,
-                            // A root's server has a password database of its own, which that does not change.
+                            // A root's server has its own password database, which smbpasswd does not change.
                             server_.isOfRoot ? std::string() : stringWithFormat("smbpasswd -e \"%@\"", user));
     }
     if (logOn == LogOn::NoPassword) {
@@ -300,7 +301,7 @@ bool AccessCheck::walkTo(Visit& visit) {
         return missing(walk.place());
     }
     visit.path = walk.place();
-    // The server looks at the folder as root when somebody connects, and as them from then on.
+    // The server looks at the folder as root when somebody connects, and as that user afterwards.
     visit.answer.may.connect = true;
     return !closed ||
            visit.refuse("no-search",

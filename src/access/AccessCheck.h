@@ -12,30 +12,31 @@
 
 namespace accesscheck {
 
-/// The SMB server that is asked about.
+/// The SMB server that the check is about.
 struct Server {
-    std::string file; ///< its smb.conf, for sentences
-    /// An embedded root's own: it takes whoever it does not know for the guest unless smb.conf says
-    /// otherwise, and starts with any security level.
+    std::string file; ///< the path of its smb.conf, for the sentences
+    /// True for an embedded root's own server: unless smb.conf says otherwise, it treats unknown users as the
+    /// guest, and it starts with any security level.
     bool isOfRoot = false;
 };
 
-/// Says what a user or the guest may do with a share, and what stands in the way, by the SMB server's own
-/// order: the log-on, the share's settings, the folders down to the shared one. Reads only, and remembers
-/// what it has read of accounts and folders: make one for each question, or for many asked at once.
+/// Says what a user or the guest may do with a share, and what prevents the rest. It checks in the SMB
+/// server's own order: the log-on, the share's settings, the folders down to the shared one. It only reads,
+/// and caches the accounts and folders that it has read: make a new one for each question, or for many that
+/// are asked at once.
 class AccessCheck {
   public:
     /// `conf` and `accounts` must outlive it.
     AccessCheck(const SMBConf& conf, Accounts& accounts, Server server);
 
-    /// `user` none: the guest, who logs on with no name.
+    /// Checks one share for one user. Without a `user` it checks for the guest, who logs on with no name.
     [[nodiscard]] Answer check(const std::string& share, const std::optional<std::string>& user);
 
   private:
-    /// A check under way: the answer, and as whom the server acts.
+    /// A check in progress: the answer so far, and the accounts that the server acts as.
     struct Visit;
 
-    /// Each puts the reason into the visit and returns false when the way ends there.
+    /// Each step returns false, with the reason in the visit, when access ends there.
     bool logOn(Visit& visit);
     bool findShare(Visit& visit);
     bool enter(Visit& visit);

@@ -13,22 +13,22 @@ struct Account {
     std::string name;
     uid_t uid = 0;
     gid_t gid = 0;
-    std::vector<gid_t> groups; ///< all that it is a member of, the primary one included
+    std::vector<gid_t> groups; ///< every group that it is a member of, including the primary one
 };
 
 /// Whether the SMB server lets somebody log on with the right password.
 enum class LogOn { Possible, NoAccount, NoPassword, Disabled, Unknown };
 
-/// The accounts as the SMB server knows them. The tests supply their own.
+/// The accounts as the SMB server knows them. Tests supply their own.
 class Accounts {
   public:
     virtual ~Accounts() = default;
-    /// None when the server knows no such account.
+    /// Returns none when the server knows no such account.
     [[nodiscard]] virtual std::optional<Account> account(const std::string& name) = 0;
     [[nodiscard]] virtual std::optional<gid_t> group(const std::string& name) = 0;
     [[nodiscard]] virtual LogOn logOn(const std::string& name) = 0;
-    /// The account that the server uses for everything, because it does not run as root; none when it can
-    /// become each user.
+    /// Returns the account that the server uses for everything because it does not run as root; none when it
+    /// can become each user.
     [[nodiscard]] virtual std::optional<Account> serverAccount() = 0;
 };
 

@@ -6,8 +6,8 @@
 
 namespace accesscheck {
 
-/// What somebody may do in a share's own folder. What stands deeper has owners and modes of its own, and so
-/// have the files in it: these say what the share and its folder allow.
+/// What somebody may do in a share's own folder. Files and deeper folders have their own owners and modes,
+/// so this covers only what the share and its folder allow.
 struct Permissions {
     bool connect = false;
     bool list = false;
@@ -18,20 +18,20 @@ struct Permissions {
     [[nodiscard]] bool operator==(const Permissions&) const = default;
 };
 
-/// The first thing on the way that keeps somebody from something.
+/// The first thing that prevents some kind of access.
 struct Reason {
-    std::string code;   ///< what kind of thing, for programs: "read-only-share"
+    std::string code;   ///< the kind of reason, for programs: "read-only-share"
     std::string text;   ///< one sentence
     std::string where;  ///< the section with its line, the account or the folder
-    std::string remedy; ///< the button or the command that changes it; empty where there is none
+    std::string remedy; ///< the button or command that changes it; empty when there is none
 };
 
 struct Answer {
     std::string share;
-    std::optional<std::string> user; ///< none: the guest
+    std::optional<std::string> user; ///< none for the guest
     Permissions may;
-    std::optional<Reason> reason;   ///< none where everything is allowed
-    std::vector<std::string> notes; ///< sentences about what was not judged
+    std::optional<Reason> reason;   ///< none when everything is allowed
+    std::vector<std::string> notes; ///< sentences about settings that were not taken into account
 };
 
 } // namespace accesscheck

@@ -23,10 +23,10 @@ namespace accesscheck {
 
 namespace {
 
-/// So many names are written out where users are named together.
+/// At most this many names are written out in a finding about several users.
 constexpr std::size_t mostNames = 8;
 
-/// A user who is there to connect to shares only.
+/// True for a user who exists only to connect to shares.
 bool isForSharing(const std::string& shell) {
     return shell.ends_with("/nologin") || shell.ends_with("/false") || shell == "/dev/null";
 }
@@ -65,7 +65,7 @@ std::vector<std::string> storedNames(const std::string& file, const char* path) 
 }
 
 bool exists(const std::string& file) {
-    std::error_code ignored; // what cannot be looked at is not known to be there
+    std::error_code ignored; // a path that cannot be looked at counts as missing
     return std::filesystem::exists(file, ignored);
 }
 
@@ -134,7 +134,7 @@ void Examiner::examineUser(const User& user) {
 void Examiner::examineHalfMade() {
     const auto& domain = platform::Host::current().localDomain();
     if (!domain.accountFiles()) {
-        return; // all that there is of an account is in the store, and was looked at
+        return; // a root's accounts are wholly in the store, which was checked above
     }
     const std::string file = domain.storeFile();
     std::set<std::string> users;
@@ -181,7 +181,7 @@ void Examiner::examinePasswords() {
         return;
     }
     if (platform::sambaCommand("pdbedit").empty()) {
-        return; // that Samba is not installed is said of the server
+        return; // the server's findings say that Samba is not installed
     }
     const auto database = patient_.root ? platform::SambaAccounts(*patient_.root).users()
                                         : platform::ComputerPasswords::users();
@@ -220,7 +220,7 @@ void Examiner::examinePasswords() {
             continue;
         }
         if (!hasUid || uid < limits.lowestUser || uid > limits.highestUser) {
-            continue; // the system's own
+            continue; // a system account
         }
         if (!isForSharing(user.shell)) {
             without.push_back(user.name);

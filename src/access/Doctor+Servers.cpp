@@ -34,7 +34,7 @@ bool isShareSecurity(std::string line) {
     return line == "security=share";
 }
 
-/// The share in whose section the line stands; none where that is no share's.
+/// The share whose section holds the line; none when the section is not a share's.
 std::optional<std::string> shareAround(std::string_view text, std::size_t line) {
     std::optional<std::string> share;
     for (std::size_t number = 1; number <= line && !text.empty(); ++number) {
@@ -77,7 +77,7 @@ void Examiner::examineSettings() {
         return;
     }
     for (const platform::SettingsComplaint& each : *complaints) {
-        // A root's own server has folders of its own, and its security level.
+        // A root's own server is started with its own folders and security level.
         const bool isOthers = each.line == 0 ? each.text.find(" directory ") != std::string::npos
                                              : isShareSecurity(lineAt(text, each.line));
         if (patient_.root && isOthers) {
@@ -141,7 +141,7 @@ void Examiner::examineFile(const std::string& path, unsigned forbidden, unsigned
     struct stat status {};
 
     if (::lstat(path.c_str(), &status) != 0) {
-        return; // what is not there yet is made with the right ones
+        return; // a missing file is created with the right owner and mode
     }
     if (status.st_uid != owner) {
         const passwd* entry = ::getpwuid(owner);
@@ -188,7 +188,7 @@ void Examiner::examineOwnFiles() {
 
     struct stat status {};
 
-    // Whoever owns the root owns what is in it. Its group may be the user's own, and may write then.
+    // The root's owner owns everything in it. Its group may be the user's own group, which may then write.
     const unsigned owner = ::stat(folder.c_str(), &status) == 0 ? status.st_uid : ::geteuid();
     for (const std::string& each :
          {folder, store.string(), smbConfFile_, services.historyFile,

@@ -23,7 +23,7 @@ std::string settingOf(const SMBShare& section, std::string_view key) {
     return setting.pair == nullptr ? std::string() : setting.pair->Value.str();
 }
 
-/// What the server offers beside folders.
+/// True for a section that offers printers, not a folder.
 bool isForPrinters(const SMBShare& section) {
     return platform::lowercased(section.ShareName()) == "printers" || serverFlag(section, "printable", false);
 }
@@ -48,7 +48,7 @@ void Examiner::examineShares() {
     Known known;
     for (const Section& each : sections_) {
         known.whole.emplace(each.name, each.path);
-        known.byName.emplace(each.name, &each); // the first of a name counts
+        known.byName.emplace(each.name, &each); // the first section of a name wins
         known.byFolder.emplace(each.path, &each);
     }
     for (const Share& share : shares_) {
@@ -64,7 +64,7 @@ void Examiner::examineShares() {
 void Examiner::examineFolder(const std::string& share, const std::string& folder, const std::string& where) {
     const auto path = expandedPath(folder, share, "");
     if (!path || folder.find('%') != std::string::npos) {
-        return; // it is another folder for each user
+        return; // the path is different for each user
     }
     if (!path->starts_with('/')) {
         find({.code = "relative-folder",
@@ -137,7 +137,7 @@ void Examiner::examineRecord(const Share& share, const Known& known) {
     };
     const Section* sameName = sectionIn(known.byName, share.name);
     const Section* sameFolder = sectionIn(known.byFolder, share.folder);
-    const auto isOthers = [&](const Section& each) { // it is the section of a share of its own
+    const auto isOthers = [&](const Section& each) { // it belongs to another share
         return known.shares.contains(platform::lowercased(each.name));
     };
     if (sameName != nullptr) {
@@ -173,7 +173,7 @@ void Examiner::examineSections() {
     for (const Share& share : shares_) {
         recorded.insert(share.folder);
     }
-    std::set<std::string> complete; // sections of one name are one to the server
+    std::set<std::string> complete; // the server merges sections of the same name
     for (const Section& each : sections_) {
         if (!each.path.empty()) {
             complete.insert(platform::lowercased(each.name));
@@ -193,7 +193,7 @@ void Examiner::examineSections() {
                   .remedy = command({"shares", "set", name, "--folder", "/FOLDER"}),
                   .share = name});
         } else if (!recorded.contains(path)) {
-            examineFolder(name, path, section(name)); // else its record was looked at
+            examineFolder(name, path, section(name)); // a section with a record was examined with the record
         }
     }
 }

@@ -15,7 +15,7 @@ namespace accesscheck {
 
 namespace {
 
-/// A text that stands for itself in both halves of sed(1)'s "s".
+/// Escapes a text so that both halves of sed(1)'s "s" take it literally.
 std::string escapedForSed(const std::string& text) {
     std::string escaped;
     for (const char letter : text) {
@@ -98,7 +98,7 @@ std::vector<std::vector<std::string>> Examiner::report(const char* path,
     }
     for (const std::string& line : lines) {
         std::vector<std::string> pieces = piecesOfReportLine(line);
-        if (pieces.size() == names.size() + 1) { // a value with a tab in it is none of those looked at
+        if (pieces.size() == names.size() + 1) { // a value that contains a tab cannot be one that is examined
             for (std::string& piece : pieces) {
                 piece = piece == reportNoValue ? std::string() : piece;
             }

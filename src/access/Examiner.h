@@ -14,13 +14,13 @@
 
 namespace accesscheck {
 
-/// The examination under way: what was read of the computer, and what was found. One function for each kind
-/// of thing looks at it.
+/// An examination in progress: what was read of the computer, and what was found. There is one function for
+/// each kind of thing to examine.
 class Examiner {
   public:
-    /// Reads the shares and smb.conf; finds fault where the directory cannot be read.
+    /// Reads the shares and smb.conf. A directory that cannot be read becomes a finding.
     explicit Examiner(const Patient& patient);
-    /// Takes the shares and smb.conf as they were read before; `conf` outlives this.
+    /// Uses shares and an smb.conf that were read before; `conf` must outlive this object.
     Examiner(const Patient& patient, const SMBConf& conf, std::span<const NormalShare> shares);
 
     void examineShares();
@@ -52,19 +52,19 @@ class Examiner {
         std::string gid;
     };
 
-    /// A section that the server takes for a share.
+    /// A section that the server treats as a share.
     struct Section {
         std::string name;
         std::string path;
         bool isOffered = true;
     };
 
-    /// The shares and sections by what they are looked up by.
+    /// The shares and sections, indexed by what they are looked up by.
     struct Known {
-        std::set<std::pair<std::string, std::string>> whole; ///< sections' names and folders
+        std::set<std::pair<std::string, std::string>> whole; ///< the name and folder of each section
         std::map<std::string, const Section*> byName;
         std::map<std::string, const Section*> byFolder;
-        std::set<std::string> shares; ///< records' names, in lower case
+        std::set<std::string> shares; ///< the names of the records, in lower case
     };
 
     void readShares();
@@ -84,13 +84,13 @@ class Examiner {
 
     void find(Finding finding) { found_.findings.push_back(std::move(finding)); }
 
-    /// A command of Brindle's own: its words, those that need it quoted.
+    /// A command of Brindle's own, made of these words, each quoted where necessary.
     [[nodiscard]] std::string command(std::initializer_list<std::string> words) const;
 
-    /// The same of the directory's own tool, for records that no command of Brindle's lists.
+    /// A command of the directory's own tool, for records that no command of Brindle's lists.
     [[nodiscard]] std::string deleteCommand(const std::string& record) const;
-    /// Commands that change smb.conf where Brindle changes nothing, because the records are as they should
-    /// be: give a section another name, another folder, and take it away.
+    /// Commands that rename, move and remove a section of smb.conf. They are for cases where Brindle would
+    /// change nothing because the records are already right.
     [[nodiscard]] std::string renameCommand(const std::string& section, const std::string& name) const;
     [[nodiscard]] std::string moveCommand(const std::string& section, const std::string& folder) const;
     [[nodiscard]] std::string removeCommand(const std::string& section) const;
@@ -101,7 +101,7 @@ class Examiner {
 
     const Patient& patient_;
     Examination found_;
-    std::optional<SMBConf> own_; ///< none where somebody else has read it
+    std::optional<SMBConf> own_; ///< none when the caller has read it
     const SMBConf& conf_;
     std::string smbConfFile_;
     bool hasDirectory_ = true;

@@ -11,7 +11,7 @@ namespace accesscheck {
 
 namespace {
 
-constexpr int mostLinks = 40; // as path_resolution(7) has it
+constexpr int mostLinks = 40; // the kernel's limit: path_resolution(7)
 
 } // namespace
 

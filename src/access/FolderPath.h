@@ -7,27 +7,28 @@
 
 namespace accesscheck {
 
-/// A share's path with the server's variables for the share (%S) and the user (%u, %U) filled in; none when
-/// it holds others (smb.conf(5), "VARIABLE SUBSTITUTIONS").
+/// Returns a share's path with the server's variables for the share (%S) and the user (%u, %U) filled in;
+/// none when it contains any other (smb.conf(5), "VARIABLE SUBSTITUTIONS").
 [[nodiscard]] std::optional<std::string> expandedPath(std::string_view path, const std::string& share,
                                                       const std::string& user);
 
-/// The folders that a process passes on its way to one, links followed as the kernel does, "/" first and the
-/// folder itself last.
+/// The folders that a process passes on its way to a folder, "/" first and the folder itself last. Links are
+/// followed as the kernel does.
 class FolderWalk {
   public:
     explicit FolderWalk(std::string_view path);
 
-    /// The next folder; none after the last one, or when the way ends: error() then says why.
+    /// Returns the next folder; none after the last one, or when the walk cannot go on: error() then says
+    /// why.
     [[nodiscard]] std::optional<std::string> next();
 
     /// True when the folder that next() returned is the last one.
     [[nodiscard]] bool isAtEnd() const { return parts_.empty(); }
 
-    /// Where the walk stands.
+    /// The path that the walk has reached.
     [[nodiscard]] const std::string& place() const { return place_; }
 
-    /// errno's value; 0 while all goes well.
+    /// The errno that ended the walk; 0 when there was no error.
     [[nodiscard]] int error() const { return error_; }
 
   private:

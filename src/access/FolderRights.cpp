@@ -71,7 +71,7 @@ platform::Result<FolderRights> FolderRights::of(const std::string& path) {
 }
 
 std::optional<bool> FolderRights::groupsAllow(const Account& account, unsigned wanted) const {
-    // One entry has to hold everything: two that hold a part each do not add up.
+    // A single entry must grant everything wanted: the rights of several entries do not add up.
     std::optional<bool> allowed;
     for (const Entry& entry : groups_) {
         if (std::ranges::find(account.groups, entry.id) != account.groups.end()) {

@@ -11,24 +11,24 @@
 
 namespace accesscheck {
 
-/// What an account may do with a file or folder, by the bits of its mode: any of 4 (read), 2 (write) and 1
-/// (search), as the kernel reads owner, group, others and an access control list (acl(5)).
+/// Bits of a file's mode. Combined, they say what an account may do with it. The kernel takes them from the
+/// owner, group and other bits and an access control list (acl(5)).
 inline constexpr unsigned mayRead = 4;
 inline constexpr unsigned mayWrite = 2;
 inline constexpr unsigned maySearch = 1;
 
-/// How the kernel came to what it allows.
+/// Which rule of the kernel decided what is allowed.
 enum class RightsClass { Root, Owner, Group, Others, List };
 
-/// A folder, looked at once.
+/// The permissions of a folder, read once.
 class FolderRights {
   public:
-    /// Fails when the folder cannot be looked at; its systemError() is errno's.
+    /// Reads the folder's permissions. Fails, with errno as the systemError(), when they cannot be read.
     [[nodiscard]] static platform::Result<FolderRights> of(const std::string& path);
 
-    /// Whether the account may do all of `wanted`.
+    /// True when the account may do everything in `wanted` (mayRead, mayWrite, maySearch).
     [[nodiscard]] bool allow(const Account& account, unsigned wanted) const;
-    /// Which of its entries decides for the account.
+    /// Returns which entry decides for the account.
     [[nodiscard]] RightsClass decidedBy(const Account& account) const;
 
     [[nodiscard]] const struct stat& status() const { return status_; }
@@ -42,7 +42,7 @@ class FolderRights {
         unsigned rights = 0;
     };
 
-    /// None when the account is a member of none of the groups.
+    /// Returns none when the account is in none of the groups.
     [[nodiscard]] std::optional<bool> groupsAllow(const Account& account, unsigned wanted) const;
 
     struct stat status_ {};

@@ -18,7 +18,7 @@ namespace {
 
 constexpr int directorySeconds = 30;
 
-/// The record at `path`, and the connection that it belongs to; no connection when there is none.
+/// The record at `path`, with the connection that it belongs to. Without a record there is no connection.
 struct Record {
     platform::OwnedDomain domain;
     ni_id id;
@@ -62,7 +62,7 @@ std::optional<Account> directoryAccount(const std::string& name) {
 }
 
 std::optional<Account> computerAccount(const std::string& name) {
-    // One program, one thread: the plain functions do.
+    // The program has one thread, so that the functions that are not reentrant are safe.
     const passwd* entry = ::getpwnam(name.c_str());
     return entry != nullptr
                ? std::optional(Account{entry->pw_name, entry->pw_uid, entry->pw_gid, {entry->pw_gid}})
@@ -121,7 +121,7 @@ void ServerAccounts::addGroupsOf(Account& account) {
         }
     }
     for (const gid_t gid : computerGroups(account)) {
-        // A group that the directory has, too, has the directory's members.
+        // If the directory has the group as well, its list of members is the one that counts.
         const struct group* entry = ::getgrgid(gid);
         if (entry != nullptr && !groups().contains(entry->gr_name)) {
             account.groups.push_back(gid);

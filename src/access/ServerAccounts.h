@@ -11,8 +11,8 @@
 
 namespace accesscheck {
 
-/// The accounts that the host's SMB server knows: the directory's, and this computer's where the directory
-/// has none of the name. Groups are read from the directory once.
+/// The accounts that the host's SMB server knows: the directory's, and this computer's for names that the
+/// directory does not have. Groups are read from the directory once.
 class ServerAccounts : public Accounts {
   public:
     /// `root` is an embedded root's own server; none for this computer's.
@@ -37,8 +37,8 @@ class ServerAccounts : public Accounts {
     std::optional<platform::SambaAccounts> root_;
     std::optional<std::map<std::string, Group>> groups_;
     bool hasAskedForOne_ = false;
-    /// The whole password database by name in lower case, once a second user is asked about: to ask Samba for
-    /// each would take a program each.
+    /// The whole password database by name in lower case, read when a second user is asked about: every
+    /// question to Samba starts a program.
     std::optional<platform::Result<std::map<std::string, platform::SambaUser>>> passwords_;
 };
 

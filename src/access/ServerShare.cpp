@@ -94,7 +94,7 @@ bool isNamed(const std::vector<std::string>& list, const Account& account, Accou
             return false;
         }
         const std::string_view mark = std::string_view(word).substr(0, begin);
-        // "DOMAIN\name" is a name of this computer's, which knows no other domain.
+        // "DOMAIN\name" can only be a name of this computer, which knows no other domain.
         const auto domain = word.rfind('\\');
         const std::string name = word.substr(domain == std::string::npos ? begin : domain + 1);
         return mark.empty() ? isEqualIgnoringCase(name, account.name)

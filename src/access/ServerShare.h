@@ -11,21 +11,22 @@
 
 namespace accesscheck {
 
-/// A share as the SMB server reads it: all sections of its name, in any case, and what "global" says for all
-/// shares. It refers to the model, which must outlive it.
+/// A share as the SMB server reads it: all sections with its name, whatever the case, and the defaults in
+/// "global". It refers to the model, which must outlive it.
 class ServerShare {
   public:
     ServerShare(std::string name, std::vector<const SMBShare*> sections,
                 const std::vector<const SMBShare*>* globals)
         : name_(std::move(name)), sections_(std::move(sections)), globals_(globals) {}
 
-    /// As the section's header has it.
+    /// The name as the section's header spells it.
     [[nodiscard]] const std::string& name() const { return name_; }
 
-    /// The value of a setting; empty when neither the share nor "global" has it.
+    /// Returns the value of a setting; empty when neither the share nor "global" has it.
     [[nodiscard]] std::string_view text(std::string_view key) const;
     [[nodiscard]] bool flag(std::string_view key, bool standard) const;
-    /// The words of a list: separated by blanks and commas, or quoted. "%S" stands for the share's name.
+    /// Returns the words of a list, which are separated by blanks and commas, or quoted. "%S" stands for the
+    /// share's name.
     [[nodiscard]] std::vector<std::string> list(std::string_view key) const;
 
   private:
@@ -41,10 +42,10 @@ class ServerShares {
   public:
     explicit ServerShares(const SMBConf& conf);
 
-    /// The share of that name in any case; null when there is none.
+    /// Returns the share with that name, whatever the case; null when there is none.
     [[nodiscard]] const ServerShare* find(std::string_view name) const;
 
-    /// The settings of "global" alone.
+    /// The settings in "global".
     [[nodiscard]] const ServerShare& global() const { return global_; }
 
   private:
@@ -53,8 +54,8 @@ class ServerShares {
     std::map<std::string, ServerShare, std::less<>> shares_; ///< by name in lower case
 };
 
-/// Whether a list of users names the account: by its own name or, with "@" or "+", by a group's
-/// (smb.conf(5), "invalid users"). A group of a network's ("&") names nobody here.
+/// True when a list of users names the account, by its own name or, with "@" or "+", by one of its groups
+/// (smb.conf(5), "invalid users"). Network groups ("&") match nobody.
 [[nodiscard]] bool isNamed(const std::vector<std::string>& list, const Account& account, Accounts& accounts);
 
 } // namespace accesscheck

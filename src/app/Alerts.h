@@ -16,7 +16,7 @@ void showAlert(const std::string& titleKey, const std::string& messageKey, const
                     std::nullopt, std::nullopt, arguments...);
 }
 
-/// Asks a question whose default button is "No". True for "Yes".
+/// Asks a question whose default button is "No". Returns true for "Yes".
 template <class... Arguments>
 [[nodiscard]] bool confirm(const std::string& titleKey, const std::string& messageKey,
                            const Arguments&... arguments) {

@@ -14,8 +14,8 @@ namespace systempath = platform::systempath;
 
 using ToggleAction = void (BRController::*)(NSControl*);
 
-/// Goes through the settings that the tab shows, in the order in which they are read and written. A toggle is
-/// a flag on whose value others depend; its action enables or disables their controls.
+/// Visits the settings that the tab shows, in the order in which they are read and written. A toggle is a
+/// flag that other settings depend on; its action enables or disables their controls.
 template <class Visitor>
 void visitSettings(const BROutlets& tab, Visitor& visit) {
     visit.text("loginGreeting", *tab.greeting);
@@ -109,7 +109,8 @@ void showFailure(const std::string& messageKey) {
               NSBundle::mainBundle().objectForInfoDictionaryKey("BRSupportAddress"));
 }
 
-/// The state of the check box that sent an action, or of `standard` when another kind of control did.
+/// Returns the state of the check box that sent an action, or of `standard` when another kind of control sent
+/// it.
 int stateOf(const NSControl* sender, const NSButton* standard) {
     const auto* box = dynamic_cast<const NSButton*>(sender);
     return (box != nullptr ? box : standard)->state();

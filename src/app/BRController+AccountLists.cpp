@@ -10,13 +10,13 @@
 
 namespace {
 
-/// The first free group id: those below are the system's.
+/// The lowest group id that is proposed: lower ones belong to the system.
 constexpr std::int64_t lowestProposedGroupId = 101;
 
 using IdOfName = std::map<std::string, std::int64_t, std::less<>>;
 
-/// Fills a menu anew and selects the title that was selected, also when it is no longer listed: a refill must
-/// not change what an editor is about to write. `idOfName` knows the tags of all names, listed or not.
+/// Refills a menu and selects the same title as before, even when it is no longer listed: a refill must not
+/// change what an editor is about to write. `idOfName` has the tags of all names, listed or not.
 void refillMenu(NSPopUpButton& menu, const std::vector<NSPopUpButton::Item>& items,
                 const IdOfName& idOfName) {
     const std::optional<std::string> remembered = menu.titleOfSelectedItem();
@@ -33,7 +33,7 @@ void refillMenu(NSPopUpButton& menu, const std::vector<NSPopUpButton::Item>& ite
         menu.selectItemAtIndex(-1);
         return;
     }
-    if (*remembered == NSLocalizedString("Item1")) { // what the interface file holds in its place
+    if (*remembered == NSLocalizedString("Item1")) { // the interface file's placeholder
         return;
     }
     if (menu.indexOfItemWithTitle(*remembered) < 0) {
@@ -65,7 +65,7 @@ void refillUserMenu(NSPopUpButton& menu, const std::vector<UserRecord>& users, b
     refillMenu(menu, items, {});
 }
 
-/// The highest id that is not negative, or none.
+/// Returns the highest id that is not negative; none when there is none.
 template <class Record>
 std::optional<std::int64_t> highestIdOf(const std::vector<Record>& records) {
     std::int64_t highest = -1;

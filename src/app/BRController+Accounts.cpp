@@ -15,7 +15,7 @@ struct FieldState {
     bool empty;
 };
 
-/// The names of the empty fields, joined by ", ". They stand in the alert as they are, in every language.
+/// Returns the names of the empty fields, joined by ", ". They are not translated.
 std::string namesOfEmptyFields(std::initializer_list<FieldState> fields) {
     std::string names;
     for (const FieldState& field : fields) {
@@ -121,7 +121,7 @@ bool BRController::writeGroup() {
 void BRController::addNewUser(NSControl* /*sender*/) {
     const bool isNew = checkUser(shortName->stringValue());
     if (confirmUserWrite(isNew)) {
-        // An existing user's record has a group already, so that only a new one must choose.
+        // An existing user's record already has a group, so only a new user needs a choice.
         const std::string empty =
             namesOfEmptyFields({{"Full Name", fullName->stringValue().empty()},
                                 {"Short Name", shortName->stringValue().empty()},
@@ -175,8 +175,8 @@ void BRController::createUser() {
     }
     addUser(name, groupPopUp->titleOfSelectedItem().value_or(""), {});
     refreshPublicList(nullptr);
-    // The open sheet sets the password of the user in this field, which a selected row that went away
-    // empties.
+    // The sheet that is open sets the password of the user in this field, but the field is emptied when the
+    // selected row goes away.
     shortName->setStringValue(name);
 }
 
@@ -200,7 +200,7 @@ void BRController::updateUser() {
 std::string BRController::recordedGroupId(const std::string& shortNameText) {
     const std::vector<UserRecord> users = currentUsers();
     const auto user = std::ranges::find(users, shortNameText, &UserRecord::name);
-    // An empty id writes the property without a value, as it was.
+    // An empty id writes the property without a value, so that a record without one stays so.
     return user == users.end() || user->gid == reportNoValue ? std::string() : user->gid;
 }
 

@@ -27,13 +27,13 @@ NormalShare shareFromRecord(const ShareRecord& record) {
     return share;
 }
 
-/// What the inventory needs from a section.
+/// The values that the inventory needs from a section.
 struct SectionFacts {
     std::optional<std::string> folder;
     std::optional<std::string> guestAccess;
 };
 
-/// The last "path" and "guest ok" up to where both have been seen.
+/// Returns the last "path" and "guest ok" up to the point where both have been seen.
 SectionFacts factsOfSection(const SMBShare& section) {
     SectionFacts facts;
     for (const SMBPair& pair : section.Props()) {
@@ -64,8 +64,8 @@ NormalShare shareFromSection(const SMBShare& section, const SectionFacts& facts)
     return share;
 }
 
-/// System accounts are left out of a list unless its check box is on; a box that is neither on
-/// nor off lists nothing.
+/// A list leaves out system accounts unless its check box is on. When the box is neither on nor off, nothing
+/// is listed.
 bool isListed(int showSystemState, bool isSystemAccount) {
     return showSystemState == NSOnState || (showSystemState == NSOffState && !isSystemAccount);
 }
@@ -80,7 +80,7 @@ void BRController::parseCurrentShares() {
     currentShares_.clear();
     const std::vector<std::string> lines = NiutilTask::sharedInstance().currentShares();
     currentShares_.reserve(lines.size() +
-                           smbConf->Entries().size()); // rows are large, and stay where they are
+                           smbConf->Entries().size()); // rows are large: reserve so that none is moved
     for (const std::string& line : lines) {
         currentShares_.push_back(shareFromRecord(ShareRecord(line)));
     }
@@ -88,8 +88,8 @@ void BRController::parseCurrentShares() {
 }
 
 void BRController::joinSMBSections() {
-    // The first row of each folder, kept up to date with the rows that sections add. Its keys lie in the
-    // rows.
+    // The first row of each folder, including rows that sections add. The keys are views of the rows'
+    // strings.
     const std::size_t rows = currentShares_.size() + smbConf->Entries().size();
     currentShares_.reserve(rows);
     std::unordered_map<std::string_view, std::size_t> rowOfFolder;
@@ -157,7 +157,7 @@ void BRController::parseGroupUserShares() {
 void BRController::refreshNormalList(NSControl* /*sender*/) {
     parseCurrentShares();
     normalTableView->reloadData();
-    // The selected row stays selected, and may hold another share now.
+    // The selected row stays selected, but may now hold another share.
     showSelectedShareName();
 }
 

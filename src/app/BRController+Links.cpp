@@ -115,7 +115,7 @@ void BRController::remindOfDonation() {
             "donation if you enjoy and use this software.  This message will not appear again.  Thank you.");
         defaults.setInteger(launchOfSecondRequest + 1, launchCounterKey);
     } else if (*launches != 0 && *launches < launchOfSecondRequest) {
-        // 0 turns the reminder off for good.
+        // 0 turns the reminder off permanently.
         defaults.setInteger(*launches + 1, launchCounterKey);
     }
 }

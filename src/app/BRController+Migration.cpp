@@ -32,8 +32,8 @@ void BRController::checkSharesFor10pt2() {
 void BRController::updateSharesFor10pt2(NSControl* /*sender*/) {
     NiutilTask& task = NiutilTask::sharedInstance();
     for (const NormalShare& share : currentShares_) {
-        // A share that only smb.conf knows must not be given a record: that would publish a folder over AFP
-        // that never was.
+        // A share that only smb.conf knows must not be given a record: that would publish its folder over
+        // AFP.
         if (!share.hasRecord()) {
             continue;
         }

@@ -14,9 +14,9 @@ constexpr int shareSecurityItem = 1;
 constexpr int firstOtherSecurityItem = 2;
 // A code page's name is its number after "CP".
 constexpr std::size_t codePagePrefixLength = 2;
-constexpr std::int32_t serversCodePage = 850; // where the file names none
+constexpr std::int32_t serversCodePage = 850; // the server's default
 
-/// Goes through the keys of the "global" section that the tab shows, in the order in which they are written.
+/// Visits the keys of the "global" section that the tab shows, in the order in which they are written.
 template <class Visitor>
 void visitGlobalSettings(const BROutlets& tab, Visitor&& visit) {
     visit.text("netbios name", *tab.smbNetBiosName);
@@ -39,7 +39,7 @@ void visitHomesSettings(const BROutlets& tab, Visitor&& visit) {
     visit.flag("read only", *tab.smbHomeDirsReadOnly);
 }
 
-/// Shows one parameter of the file in the control of its key.
+/// Shows one parameter of the file in the control for its key.
 class Reader {
   public:
     explicit Reader(const SMBPair& pair) : pair_(pair) {}
@@ -75,7 +75,7 @@ class Reader {
         if (value == "USER" || value == "SHARE") {
             return value == "USER" ? userSecurityItem : shareSecurityItem;
         }
-        // Shown as it is, so that an update keeps it; once only, however often the tab is filled.
+        // Added as an item, so that an update keeps it; only once, however often the tab is filled.
         int index = firstOtherSecurityItem;
         while (index < menu.numberOfItems() && menu.items()[static_cast<std::size_t>(index)].title != value) {
             ++index;
@@ -89,12 +89,12 @@ class Reader {
     const SMBPair& pair_;
 };
 
-/// Takes the parameters of a section from the controls.
+/// Sets the parameters of a section from the controls.
 class Writer {
   public:
     explicit Writer(SMBShare& section) : section_(section) {}
 
-    /// An empty field takes its key out of the file.
+    /// An empty field removes its key from the file.
     void text(std::string_view key, const NSTextField& field) const {
         if (field.stringValue().empty()) {
             section_.removeProp(key);
@@ -108,7 +108,7 @@ class Writer {
     }
 
     void codePage(std::string_view key, const NSPopUpButton& menu) const {
-        // With nothing selected, the file names a page that the menu does not offer: it is kept.
+        // Nothing is selected when the file names a page that the menu does not offer: keep that page.
         if (menu.indexOfSelectedItem() >= 0) {
             section_.setProp(key, stringWithFormat("CP%d", menu.tagOfSelectedItem()));
         }
@@ -136,8 +136,8 @@ class Writer {
     SMBShare& section_;
 };
 
-/// Puts the window's first values back: what the server does where its file says nothing, so that saving one
-/// setting changes no other.
+/// Restores the window's initial values, which are the server's defaults, so that saving one setting changes
+/// no other.
 struct Resetter {
     static void text(std::string_view /*key*/, NSTextField& field) { field.setStringValue(""); }
 
@@ -177,7 +177,7 @@ void BRController::refreshSMBProperties(NSControl* /*sender*/) {
 }
 
 void BRController::revertSMBProperties(NSControl* sender) {
-    // A refresh leaves alone what the file does not hold, and would leave what was typed there.
+    // A refresh does not touch settings that the file does not contain, so that edits to those would stay.
     visitGlobalSettings(*this, Resetter());
     visitHomesSettings(*this, Resetter());
     showSMBSettings(sender);
@@ -199,7 +199,7 @@ void BRController::updateSMBProperties(NSControl* /*sender*/) {
     SMBShare& homes = *smbConf->Homes();
     homes.setType(smbShareHomeDirs->state() == NSOnState ? SMBGroup : SMBCommentGroup);
     visitHomesSettings(*this, Writer(homes));
-    smbSettingsInPart = false; // the page now shows what it had not shown before
+    smbSettingsInPart = false; // the page now shows every setting that it writes
     showSMBWriteResult(smbConf->writeSMBConfFile());
     NiutilTask::sharedInstance().restartSMB();
 }
@@ -215,7 +215,7 @@ void BRController::showSMBWriteResult(int result) {
         showAlert("smb.conf Write Unsuccessful", messageKeys.at(static_cast<std::size_t>(result)),
                   NSBundle::mainBundle().objectForInfoDictionaryKey("BRSupportAddress"));
     }
-    showSMBConfNotice(); // what a write has lost needs no warning any more
+    showSMBConfNotice(); // nothing is left to warn of after the write
 }
 
 void BRController::changeSMBHomeSharing(NSControl* sender) {

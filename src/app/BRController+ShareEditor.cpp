@@ -17,8 +17,8 @@ int privilegeOf(const NSPopUpButton& menu) {
     return highestPrivilege - menu.indexOfSelectedItem();
 }
 
-/// Selects the account's name, which is added at the end when the menu does not list it. Without a name
-/// nothing is selected, so that a write leaves the folder's account as it is.
+/// Selects the account's name, and first appends it when the menu does not list it. Without a name nothing is
+/// selected, so that a write leaves the folder's account unchanged.
 void selectAccount(NSPopUpButton& menu, const std::optional<std::string>& name) {
     if (!name) {
         menu.selectItemAtIndex(-1);

@@ -16,7 +16,7 @@
 namespace {
 
 constexpr std::int32_t oldestSystem = 0x1040; // 10.4.0
-// However many lines would be lost, the notice must fit in the window.
+// The notice must fit in the window, however many lines would be lost.
 constexpr std::size_t namedLossesLimit = 12;
 
 std::string lossText(SMBLoss loss) {
@@ -58,7 +58,8 @@ bool BRController::applicationShouldTerminateAfterLastWindowClosed() {
 }
 
 void BRController::applicationWillTerminate() {
-    // No longer observing, the controller is not told that the authorization ends with the application.
+    // Stop observing, so that the controller is not notified when the authorization ends with the
+    // application.
     NSNotificationCenter::defaultCenter().removeObserver(this);
     NiutilTask::sharedInstance().deauthenticate();
 }
@@ -185,7 +186,7 @@ std::string BRController::bugMessage(FailedStep step) {
 }
 
 void BRController::showSMBConfNotice() {
-    // The file that a user can look at, wherever the host keeps it.
+    // Name the file that the user can open, wherever the host keeps it.
     const std::string file = platform::Host::current().paths().map(smbConf->Path());
     std::string notice;
     if (!smbConf->unreadableReason().empty()) {
@@ -240,7 +241,7 @@ void BRController::toggleDrawer(NSControl* sender) {
 }
 
 void BRController::tabViewDidSelectTabViewItem(NSTabView* /*tabView*/, int index) {
-    // The drawer edits shares, which only the first page shows.
+    // The drawer edits shares, and only the first page shows shares.
     if (index != 0) {
         drawer->close();
     }

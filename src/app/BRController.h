@@ -24,11 +24,11 @@ class KWIntegerFormatter;
 class KWSMBFormatter;
 class NSBundle;
 
-/// The application's one controller. It handles every control of the main window, reads the directory
-/// and the two configuration files, and writes them through the shared NiutilTask. Made by the main interface
-/// file; its life is the process's. An action takes the control that sends it, which may be null, and returns
-/// nothing: what the user must know is shown in alerts, and what the directory really holds by the lists that
-/// are read again afterwards. Every decision reads the directory afresh.
+/// The application's one controller. It handles every control of the main window, reads the directory and the
+/// two configuration files, and writes them through the shared NiutilTask. The main interface file creates
+/// it, and it lives as long as the process. An action takes the control that sends it, which may be null, and
+/// returns nothing: alerts show what the user must know, and the lists, which are read again afterwards, show
+/// what the directory now holds. Every decision reads the directory afresh.
 class BRController : public BROutlets,
                      public NSApplicationDelegate,
                      public NSTableViewDataSource,
@@ -39,7 +39,7 @@ class BRController : public BROutlets,
     BRController();
     ~BRController() override;
 
-    /// Loads the bundle's main interface file, which makes the controller.
+    /// Loads the bundle's main interface file, which creates the controller.
     [[nodiscard]] static platform::Result<std::unique_ptr<platform::Interface>> loadInterface();
 
     // Application and start-up.
@@ -136,12 +136,12 @@ class BRController : public BROutlets,
     void sendDonationKagi(NSControl* sender);
     void sendFeedback(NSControl* sender);
 
-    // Used by the review (BRController+Copy.cpp).
-    /// Takes over the state of `other`, the controller of another host, but not that of the controls. The
-    /// password sheet is up where `sheetIsUp`. Shows nothing and sends no notification.
+    // For the review (BRController+Copy.cpp).
+    /// Copies the state of `other`, the controller of another host, but not the state of its controls.
+    /// `sheetIsUp` says whether the password sheet is up. Shows nothing and sends no notification.
     void copyState(const BRController& other, bool sheetIsUp);
-    /// Reads smb.conf again: the model, the rows of the share table and the SMB page, where edits that were
-    /// not saved are gone. The selected share stays selected; the editor shows it as it is now.
+    /// Reads smb.conf again into the model, the rows of the share table and the SMB page, where unsaved edits
+    /// are lost. The selected share stays selected, and the editor shows its present state.
     void rereadSMBConf();
     /// The same, and also the AFP settings, the users and the groups.
     void rereadEverything();
@@ -149,12 +149,11 @@ class BRController : public BROutlets,
     /// The model of smb.conf; null before start-up.
     [[nodiscard]] const SMBConf* smbConfModel() const { return smbConf.get(); }
 
-    /// The user that is selected in the user table; empty when none is.
+    /// The name of the user that is selected in the user table; empty when none is.
     [[nodiscard]] std::string selectedUserName() const;
     [[nodiscard]] std::string selectedGroupName() const;
 
-    // The lists that the tables show, in their rows' order. Both are part of the controller's public
-    // operations.
+    // The shares in the order of the share table's rows.
     [[nodiscard]] const std::vector<NormalShare>& currentShares() const { return currentShares_; }
 
     void setCurrentShares(std::vector<NormalShare> shares) { currentShares_ = std::move(shares); }
@@ -163,42 +162,43 @@ class BRController : public BROutlets,
     enum class FailedStep { Shares, Users, Groups, AFPSettings, SMBSettings };
 
     // Start-up (BRController+StartUp.cpp).
-    /// Runs one step; what it throws is dropped and `message` logged in its place. False then.
+    /// Runs one step. When it throws, drops the exception, logs `message` in its place and returns false.
     static bool guarded(const std::function<void()>& step, const std::string& message);
-    /// The localized log message for a parsing step that failed: what to run or send, and to whom.
+    /// Returns the localized log message for a parsing step that failed: what to run or send, and to whom.
     [[nodiscard]] static std::string bugMessage(FailedStep step);
-    /// False when this system is too old: the application has been asked to terminate.
+    /// Returns false when this system is too old; the application has then been asked to terminate.
     [[nodiscard]] bool checkSystemVersion();
     void installFormatters();
     void showLockState(bool authenticated);
     void fillTables();
 
-    /// Names the lines of a hand-written smb.conf that the next write would lose, says that the file cannot
-    /// be read, or that the SMB page shows a part of it only; nothing otherwise.
+    /// Shows which lines of a hand-written smb.conf the next write would lose, that the file cannot be read,
+    /// or that the SMB page shows only a part of it; otherwise clears the notice.
     void showSMBConfNotice();
 
     // Share inventory.
-    /// Adds to the list what smb.conf knows: each section marks the first share of its folder, or becomes a
+    /// Adds what smb.conf knows to the list: each section marks the first share of its folder, or becomes a
     /// share.
     void joinSMBSections();
-    /// The share at `row` of the share table, or null when there is none.
+    /// Returns the share at `row` of the share table, or null when there is none.
     [[nodiscard]] const NormalShare* shareAtRow(int row) const;
 
     // Share editor.
-    /// Fills the owner's, the group's and the three privilege menus from a folder as it is on disk now.
+    /// Fills the owner menu, the group menu and the three privilege menus from the folder on disk.
     void showFolderPrivileges(const std::string& path);
     void showShare(const NormalShare& share);
     void showNoShare();
-    /// Names the share that deleteShare would delete, so that the user sees which one it is.
+    /// Shows the name of the share that deleteShare would delete.
     void showSelectedShareName();
-    /// False, after an alert, when the fields cannot make a share.
+    /// Returns false, after an alert, when the fields do not describe a valid share.
     [[nodiscard]] bool validateShareFields() const;
-    /// Says that the share's record could not be written; the migration says so too.
+    /// Shows the alert for a share record that could not be written. The migration uses it too.
     static void showCreateShareFailed(const std::string& name);
     void selectShareAfterWrite(int rowBefore);
 
     // Accounts (BRController+Accounts.cpp).
-    /// The row of `rows`, the list that the table shows, that is selected in it; null when none is.
+    /// Returns the row of `rows`, the list behind the table, that is selected in the table; null when none
+    /// is.
     [[nodiscard]] static const BRRow* selectedRow(const NSTableView& table, const std::vector<BRRow>& rows);
     [[nodiscard]] bool checkUser(const std::string& shortNameText) const;
     [[nodiscard]] bool checkGroup(const std::string& groupNameText) const;
@@ -212,34 +212,34 @@ class BRController : public BROutlets,
 
     using MembershipChange = void (BRController::*)(const std::string&, const std::string&,
                                                     const std::vector<std::string>&);
-    /// True when the lists are to be read again: the fields were complete.
+    /// Returns true when the fields were complete, so that the lists must be read again.
     [[nodiscard]] bool writeGroup();
     [[nodiscard]] bool confirmUserWrite(bool isNew) const;
     void createUser();
     void updateUser();
-    /// The primary group id in the user's record; empty when it has none.
+    /// Returns the primary group id in the user's record; empty when it has none.
     [[nodiscard]] static std::string recordedGroupId(const std::string& shortNameText);
     /// Makes the change for every selected candidate and the selected group.
     void changeMembership(MembershipChange change);
     void beginPasswordSheet();
-    /// Draws a table again. A selected row that is no longer there leaves the editor as when none is
-    /// selected, since the table sends no notification: its buttons would act on an account that is gone.
+    /// Reloads a table. When the selected row is gone, shows the editor as if none were selected: the table
+    /// sends no notification for that, and the buttons would act on an account that no longer exists.
     void reloadUserTable();
     void reloadGroupTable();
 
     // Public folders.
     void changeSelectedPublicShare(bool enable);
     void changePublicSharesAbove(std::int64_t highestIdLeftOut, bool enable);
-    /// Makes the AFP server see a change, and reads the users again. The menu of the user in the editor
-    /// follows: the next update would write its old choice back.
+    /// Makes the AFP server see a change, and reads the users again. Updates the editor's menu too, or the
+    /// next update would write its old choice back.
     void showChangedPublicShares();
-    /// Chooses in the editor's menu what the user's row says; "not shared" for no row.
+    /// Selects in the editor's menu what the user's row says; "not shared" without a row.
     void showPublicShared(const BRRow* row);
 
     // SMB settings.
-    /// refreshSMBProperties, guarded; the notice says when it stopped part way.
+    /// Calls refreshSMBProperties, guarded. The notice says so when it stopped part way.
     void showSMBSettings(NSControl* sender);
-    /// Shows the alert for writeSMBConfFile's result, none for 0, and the notice anew.
+    /// Shows the alert for writeSMBConfFile's result (none for 0) and updates the notice.
     void showSMBWriteResult(int result);
 
     // Links.
@@ -248,7 +248,7 @@ class BRController : public BROutlets,
     NSBundle* mainBundle = nullptr;
     std::optional<NSMutableDictionary> afsProps; ///< none when the AFP server's file could not be read
     std::unique_ptr<SMBConf> smbConf;
-    bool smbSettingsInPart = false; ///< the last refresh of the SMB page stopped part way
+    bool smbSettingsInPart = false; ///< true when the last refresh of the SMB page stopped part way
     std::vector<NormalShare> currentShares_;
     std::vector<BRRow> userShares;
     std::vector<BRRow> groupShares;

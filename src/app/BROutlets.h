@@ -9,7 +9,7 @@
 #include "platform/appkit/NSWindow.h"
 #include "platform/appkit/OutletOwner.h"
 
-/// The controller's outlets, under the names that the main interface file gives them.
+/// The controller's outlets, by the names that the main interface file uses.
 struct BROutlets : platform::OutletOwner {
     NSButton* lockButton = outlet("lockButton", lockButton);
     NSTextField* authLabel = outlet("authLabel", authLabel);
@@ -30,12 +30,12 @@ struct BROutlets : platform::OutletOwner {
     NSButton* guestAccessButton = outlet("guestAccessButton", guestAccessButton);
     NSButton* createNewShare = outlet("createNewShare", createNewShare);
     NSButton* deleteButton = outlet("deleteButton", deleteButton);
-    NSTextField* selectedShareName = outlet(
-        "selectedShareName", selectedShareName); ///< beside deleteButton: the share that it would delete
+    NSTextField* selectedShareName =
+        outlet("selectedShareName", selectedShareName); ///< names the share that deleteButton would delete
     NSTextField* smbConfNotice =
         outlet("smbConfNotice", smbConfNotice); ///< what writing smb.conf would lose of a hand-written file
     NSTextField* smbPartNotice =
-        outlet("smbPartNotice", smbPartNotice); ///< that the SMB page shows a part of the settings only
+        outlet("smbPartNotice", smbPartNotice); ///< says that the SMB page shows only a part of the settings
     NSTableView* userTableView = outlet("userTableView", userTableView);
     NSTableView* groupTableView = outlet("groupTableView", groupTableView);
     NSTableView* groupUsersTableView = outlet("groupUsersTableView", groupUsersTableView);

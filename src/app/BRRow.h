@@ -8,7 +8,7 @@
 #include <vector>
 
 /// A row of the user or the group table: strings by column identifier. A computer may have tens of thousands
-/// of users, so a row is one piece of memory.
+/// of users, so a row is a single allocation.
 class BRRow {
   public:
     struct Cell {
@@ -18,7 +18,7 @@ class BRRow {
 
     BRRow(std::initializer_list<Cell> cells) : cells_(cells) {}
 
-    /// The string in that column, or null.
+    /// Returns the string in that column, or null.
     [[nodiscard]] const std::string* valueForKey(std::string_view identifier) const {
         const auto cell = std::ranges::find(cells_, identifier, &Cell::identifier);
         return cell == cells_.end() ? nullptr : &cell->text;

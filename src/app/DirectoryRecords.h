@@ -11,14 +11,15 @@
 #include <utility>
 #include <vector>
 
-// The records of the directory as its reports show them. A line that lacks a piece raises std::out_of_range.
+// The directory's records as its reports list them. A report line with a missing piece raises
+// std::out_of_range.
 
 inline constexpr std::int64_t highestSystemUserId = 99;
 inline constexpr std::int64_t highestSystemGroupId = 100;
-/// The system takes the one above for "no id".
+/// The next higher number means "no id" to the system.
 inline constexpr std::int64_t highestPossibleId = 4294967294;
 
-/// The short names of a member field.
+/// Returns the short names in a member field.
 [[nodiscard]] inline std::vector<std::string> memberNames(const std::string& field) {
     if (field.empty() || field == reportNoValue) {
         return {};
@@ -55,7 +56,7 @@ struct UserRecord {
     std::string fullName;
     std::string gid; ///< the primary group's id
 
-    /// 0 without a number.
+    /// 0 when there is no number.
     [[nodiscard]] std::int64_t id() const { return longLongValue(uid); }
 
     [[nodiscard]] bool isSystem() const { return id() <= highestSystemUserId; }
@@ -78,10 +79,10 @@ struct GroupRecord {
     std::string name;
     std::string memberField;
 
-    /// 0 without a number.
+    /// 0 when there is no number.
     [[nodiscard]] std::int64_t id() const { return longLongValue(gid); }
 
-    /// Three groups with low ids are what users are put into: they are always listed.
+    /// Three groups with low ids are meant for users, and so are always listed.
     [[nodiscard]] bool isSystem() const {
         return id() <= highestSystemGroupId && name != "staff" && name != "admin" && name != "guest";
     }

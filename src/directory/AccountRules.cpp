@@ -6,7 +6,6 @@
 #include <algorithm>
 #include <array>
 #include <limits>
-#include <string_view>
 #include <utility>
 
 using platform::GroupLine;
@@ -15,21 +14,21 @@ using platform::UserLine;
 
 namespace {
 
-constexpr unsigned nobody = 65534; // and its group
+constexpr unsigned nobody = 65534; // also the number of its group
 
-/// One change, and what it is about. Each rule returns an empty string when it is kept, else what is wrong
-/// and what to do.
+/// A change and what the rules need to know about it. Each rule returns an empty string when it is kept,
+/// otherwise what is wrong and what to do.
 struct Request {
     const ComputerAccounts& accounts;
     const DirectoryChange& change;
-    const std::string& name; ///< of the account
+    const std::string& name; ///< the account's name
     bool isOurs;
 
     [[nodiscard]] bool writes() const { return change.operation != "-delete"; }
 
     [[nodiscard]] bool isRenaming() const { return change.property == "name"; }
 
-    /// The one value; empty where there is none.
+    /// The first value to be written; "" when there is none.
     [[nodiscard]] std::string value() const {
         return writes() && !change.values.empty() ? change.values.front() : "";
     }
@@ -94,7 +93,7 @@ std::string ruleBrokenByNumber(const Request& request, const UserLine* line) {
                                : "";
 }
 
-/// Whether the line can hold what is to be written.
+/// Checks whether the user's line can hold the values.
 std::string ruleBrokenByUserValues(const Request& request, const UserLine* line) {
     const std::string& property = *request.change.property;
     if (request.change.operation == "-append" || request.change.values.size() > 1) {
@@ -113,7 +112,8 @@ std::string ruleBrokenByUserValues(const Request& request, const UserLine* line)
     return breaksLine ? "the system's list of users cannot hold a comma or colon here; leave it out" : "";
 }
 
-/// Whether the change leaves the user's line as it is. Of the password, only root could tell.
+/// Whether the change leaves the user's line as it is. A password counts as unchanged, because only root
+/// could compare it.
 bool keepsLine(const Request& request, const UserLine& line) {
     const std::string& property = *request.change.property;
     if (property == "realname") {
@@ -170,7 +170,7 @@ std::string ruleBrokenByNewGroup(const Request& request, const std::string& name
     return isTaken ? ruleBrokenByTakenName(name) : "";
 }
 
-/// Whether the line can hold what is to be written.
+/// Checks whether the group's line can hold the values.
 std::string ruleBrokenByGroupValues(const Request& request, const GroupLine* line) {
     const std::string& property = *request.change.property;
     if (property == "users") {
@@ -201,12 +201,12 @@ bool keepsLine(const Request& request, const GroupLine& line) {
     return property == "passwd" || !request.writes() || numberOf(request.change) == line.gid;
 }
 
-/// What users and groups differ in.
+/// The rules that differ between users and groups.
 template <class Line>
 struct Rules {
     std::string (*ofNewName)(const Request& request, const std::string& name);
     std::string (*ofValues)(const Request& request, const Line* line);
-    /// Of a line that is changed, and of one that goes away or is called otherwise.
+    /// For a line that is changed, and for one that is removed or renamed.
     std::string (*ofChange)(const Request& request, const Line& line);
     std::string (*ofRemoval)(const Request& request, const Line& line);
 };
@@ -216,7 +216,7 @@ constexpr Rules<UserLine> userRules{&ruleBrokenByNewUser, &ruleBrokenByUserValue
 constexpr Rules<GroupLine> groupRules{&ruleBrokenByNewGroup, &ruleBrokenByGroupValues,
                                       &ruleBrokenByGroupOfSystem, &ruleBrokenByGroupOfSystem};
 
-/// `line` is null where the computer has no such account yet.
+/// `line` is null when the computer has no such account yet.
 template <class Line>
 std::string ruleBroken(const Request& request, const Line* line, const Rules<Line>& rules) {
     if (!request.change.property) {
@@ -298,7 +298,7 @@ std::optional<unsigned> numberOf(const DirectoryChange& change) {
     bool isValid = false;
     const unsigned number =
         change.values.size() == 1 ? platform::accountNumber(change.values.front(), &isValid) : 0;
-    // The highest stands for "none" everywhere in the system.
+    // The highest number means "none" everywhere in the system.
     return isValid && number != std::numeric_limits<unsigned>::max() ? std::optional(number) : std::nullopt;
 }
 
@@ -317,7 +317,7 @@ std::vector<std::string> membersAfter(const ComputerAccounts& accounts, const Gr
     const bool isOrdinary = ruleBrokenByGroupOfSystem({accounts, change, group.name, isOurs}, group).empty();
     for (const std::string& user : change.values) {
         const UserLine* line = accounts.findUser(user);
-        // A group of the system may be a user's own group; nothing more comes of listing the user in it.
+        // A group of the system may be the user's primary group; listing the user in it would change nothing.
         const bool isOwn = !isOrdinary && line != nullptr && line->gid == group.gid;
         if (!isOwn && !contains(members, user)) {
             members.push_back(user);

@@ -10,7 +10,7 @@ namespace {
 
 using Values = std::span<const std::string>;
 
-// Each rule below returns an empty string when it is kept, else what is wrong and what to do.
+// Each rule below returns an empty string when it is kept, otherwise what is wrong and what to do.
 
 constexpr std::size_t accountDepth = 2; // "/users/NAME"
 constexpr std::size_t shareDepth = 3;   // "/config/Brindle/NAME"
@@ -22,7 +22,7 @@ bool hasControlCharacter(const std::string& text) {
     });
 }
 
-/// A share, or a record below one.
+/// True for a share, and for a record below one.
 bool isShare(const RecordPath& path) {
     return path.size() >= shareDepth && path[0] == "config" && path[1] == "Brindle";
 }
@@ -34,7 +34,7 @@ std::string ruleBrokenByAccountName(const std::string& name) {
     return {};
 }
 
-/// The way in which the SMB server compares the names of sections.
+/// Compares names of sections as the SMB server does.
 bool isSameSection(std::string name, std::string_view section) {
     std::erase(name, ' ');
     return isEqualIgnoringCase(name, section);
@@ -47,8 +47,7 @@ std::string ruleBrokenByShareName(const std::string& name) {
     if (name.starts_with(' ') || name.ends_with(' ')) {
         return "a share's name may not begin or end with a blank; leave it out";
     }
-    // Such a section does not belong to one share: it applies to others too, and would be rewritten or
-    // removed with this one.
+    // Such a section applies to other shares too, and would be rewritten or removed with this one.
     constexpr std::array<std::string_view, 4> reserved{"global", "globals", "homes", "printers"};
     if (std::ranges::any_of(reserved, [&](std::string_view each) { return isSameSection(name, each); })) {
         return "the SMB server takes " + name + " for a section of its own; choose another name";
@@ -56,7 +55,7 @@ std::string ruleBrokenByShareName(const std::string& name) {
     return {};
 }
 
-/// The rules for a record's name, `path` being the record's path with that name.
+/// The rules for a record's name. `path` is the record's path, ending in that name.
 std::string ruleBrokenByName(const RecordPath& path) {
     const std::string& name = path.back();
     if (name.empty()) {
@@ -81,8 +80,8 @@ std::string ruleBrokenByName(const RecordPath& path) {
     return {};
 }
 
-/// The folder is a value of the SMB server's configuration, where blanks around it are left out and a
-/// backslash takes in the next line: another folder would be served.
+/// The folder becomes a value in the SMB server's configuration, where blanks around it are dropped and a
+/// backslash at its end joins the next line: another folder would be served.
 std::string ruleBrokenByFolder(const std::string& folder) {
     if (folder.ends_with('\\')) {
         return "a share's folder may not end in a backslash; choose another folder";
@@ -93,7 +92,7 @@ std::string ruleBrokenByFolder(const std::string& folder) {
     return {};
 }
 
-/// The first rule that one of the values breaks.
+/// What is wrong with the first value that breaks the rule.
 std::string firstBroken(Values values, std::string (*rule)(const std::string&)) {
     for (const auto& value : values) {
         if (std::string broken = rule(value); !broken.empty()) {

@@ -7,7 +7,7 @@
 /// What a report shows for a property without values.
 inline constexpr std::string_view reportNoValue = "#NoValue#";
 
-/// The fields of a report line in the order in which they were asked for, and one last piece, the line's end.
-/// A value that holds a tab makes further pieces. Read a piece with `.at()`: a line that lacks it then raises
+/// The fields of a report line in the requested order, and a last piece with the line's end. A value that
+/// contains a tab gives additional pieces. Read a piece with `.at()`, so that a line without it raises
 /// std::out_of_range.
 [[nodiscard]] std::vector<std::string> piecesOfReportLine(std::string_view line);

@@ -8,7 +8,7 @@ namespace {
 
 constexpr int timeoutSeconds = 30;
 
-/// The field of one requested property, without its tab.
+/// Appends the field of one requested property, without the tab after it.
 void appendField(ni_domain* domain, ni_id& id, const ni_namelist& names, const std::string& wanted,
                  ni_namelist& values, std::string& line) {
     const auto name = std::ranges::find(names.ninl_val, wanted);
@@ -40,8 +40,7 @@ void errexit(const char* label, ni_status status) {
 int ni_report_dir(ni_domain* domain, ni_id id, std::span<const std::string> properties,
                   std::vector<std::string>& output) {
     std::string line;
-    line.reserve(output.empty() ? 0
-                                : output.back().size()); // most lines are about as long as their neighbours
+    line.reserve(output.empty() ? 0 : output.back().size()); // most lines are about as long as the one before
     ni_namelist names;
     ni_namelist values;
     if (const ni_status status = ni_listprops(domain, &id, &names); status != NI_OK) {
@@ -63,7 +62,7 @@ int ni_report(ni_domain* domain, ni_id id, std::span<const std::string> properti
     if (const ni_status status = ni_children(domain, &id, &children); status != NI_OK) {
         errexit("ni_children", status);
     }
-    output.reserve(output.size() + children.niil_val.size()); // a long list would move several times
+    output.reserve(output.size() + children.niil_val.size()); // so that a long list is not moved as it grows
     for (const std::uint32_t child : children.niil_val) {
         ni_report_dir(domain, {child, 0}, properties, output);
     }

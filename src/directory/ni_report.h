@@ -7,22 +7,21 @@
 #include <string>
 #include <vector>
 
-// The local directory as report lines: for each child record of a directory one line, for each requested
-// property its values joined by "," (or "#NoValue#") and a tab, then "\n". Values are not escaped. Main
-// thread only.
+// Reports on the local directory, one line for each child record of a directory: for each requested property
+// its values joined by "," (or "#NoValue#") and a tab, then "\n". Values are not escaped. Main thread only.
 
-/// Writes "LABEL: the status's text" and a line break to the system log, and returns normally.
+/// Writes "LABEL: text of the status" and a line break to the system log. Returns, in spite of its name.
 void errexit(const char* label, ni_status status);
 
-/// Appends the line of the record `id`. Returns 0; what cannot be read is logged and shows as "#NoValue#".
+/// Appends the line of the record `id`. Returns 0; what cannot be read is logged and appears as "#NoValue#".
 int ni_report_dir(ni_domain* domain, ni_id id, std::span<const std::string> properties,
                   std::vector<std::string>& output);
 
-/// Appends the lines of the children of the directory `id`, in its order. Returns 0.
+/// Appends the lines of the children of the directory `id`, in stored order. Returns 0.
 int ni_report(ni_domain* domain, ni_id id, std::span<const std::string> properties,
               std::vector<std::string>& output);
 
-/// Opens the local domain and appends the report of the directory at `path`. Returns 0, or the status of the
-/// step that failed, which is logged.
+/// Opens the local domain and appends the report on the directory at `path`. Returns 0, or the status of the
+/// step that failed; a failure is logged.
 int ni_report_local(const std::string& path, std::span<const std::string> properties,
                     std::vector<std::string>& output);

@@ -14,44 +14,44 @@ class NSTableView;
 
 namespace frontend {
 
-/// The application on its host, as every front-end starts it: made with the host's services, given its
-/// presenter, loaded, launched.
+/// The application on its host. Every front-end makes it with the host's services, then calls setPresenter(),
+/// load() and launch(), in this order.
 class Application {
   public:
     explicit Application(platform::Services services);
 
-    /// Puts the front-end in place. Before load().
+    /// Installs the front-end. Must come before load().
     void setPresenter(std::shared_ptr<platform::Presenter> presenter);
 
-    /// Loads the main interface file of the bundle, which makes the controller.
+    /// Loads the bundle's main interface file, which creates the controller.
     [[nodiscard]] platform::Status load();
 
-    /// Stands before the actions of the main interface; null before load().
+    /// The reviewer, which intercepts the actions of the main interface; null before load().
     [[nodiscard]] review::Reviewer* reviewer() const { return reviewer_.get(); }
 
-    /// What actions have changed, and how it is taken back.
+    /// The record of what actions have changed, from which changes are undone.
     [[nodiscard]] const review::History& history() const { return history_; }
 
     /// Brings the main window on screen and runs start-up, as one event.
     void launch();
 
-    /// Ends the application, unless it has ended: administrator rights are given up. Does nothing before
-    /// load().
+    /// Ends the application, which gives up administrator rights. Does nothing before load() or when it has
+    /// already ended.
     void end();
 
-    /// The computer as it is examined. Told before load().
+    /// Says which computer the doctor examines. Must come before load().
     void setPatient(accesscheck::Patient patient) { patient_ = std::move(patient); }
 
     [[nodiscard]] const accesscheck::Patient& patient() const { return patient_; }
 
-    /// The table of that name, which the interface has.
+    /// Returns the table with that name. Throws std::logic_error when the interface has none.
     [[nodiscard]] NSTableView& table(const std::string& name) const;
 
   private:
     accesscheck::Patient patient_;
-    review::History history_; ///< stands before the authority of the host's services
+    review::History history_; ///< wraps the authority in the host's services
     platform::Host host_;
-    std::unique_ptr<platform::Interface> interface_; ///< goes before the host, which its controls need
+    std::unique_ptr<platform::Interface> interface_; ///< destroyed before the host, which its controls need
     std::unique_ptr<review::Reviewer> reviewer_;
 };
 

@@ -14,6 +14,7 @@
 #include "platform/host/EmbeddedHost.h"
 #include "platform/host/EmbeddedRoot.h"
 #include "platform/host/SystemHost.h"
+#include "platform/posix/Secret.h"
 #include "platform/samba/EmbeddedServer.h"
 #include "review/DryRun.h"
 
@@ -26,7 +27,6 @@
 #include <iostream>
 #include <stdexcept>
 
-#include <sys/resource.h>
 #include <syslog.h>
 #include <unistd.h>
 
@@ -38,7 +38,7 @@ using frontend::Options;
 using platform::Result;
 using platform::Status;
 
-/// The log of a scripted run, beside the script's output: standard error is for faults in the script.
+/// The log of a scripted run, in addition to the script's output: standard error is for faults in the script.
 class QuietSystemLog : public platform::Log {
   public:
     void write(std::string_view text) override {
@@ -66,7 +66,7 @@ class ScratchRoot {
     ScratchRoot() = default;
 
     ~ScratchRoot() {
-        std::error_code ignored; // the system sweeps the folder that it stands in
+        std::error_code ignored; // the system cleans the folder for temporary files
         std::filesystem::remove_all(folder_, ignored);
     }
 
@@ -106,7 +106,7 @@ Result<platform::Services> makeDryServices(Options options, ScratchRoot& scratch
 
 using Server = std::unique_ptr<platform::EmbeddedServer>;
 
-/// The file server that --serve asks for, running; null when it was not asked for.
+/// Starts the file server for --serve; returns null without that option.
 Result<Server> startServer(const Options& options) {
     if (!options.serve) {
         return Server();
@@ -122,7 +122,7 @@ Result<Server> startServer(const Options& options) {
     return server;
 }
 
-/// Says to whoever has no window to read it in what the computer lacks.
+/// Says on standard error what the computer lacks, for runs without a window.
 void tellWhatIsMissing() {
     const auto& computer = platform::Host::current().services().computer;
     const std::string missing = computer ? computer->whatIsMissing() : std::string();
@@ -146,7 +146,7 @@ Result<int> runScript(const Options& options) {
     if (!services.isOk()) {
         return services.status();
     }
-    services->languages = platform::languagesOfLocale(); // a desktop's list of languages is not the script's
+    services->languages = platform::languagesOfLocale(); // a desktop's LANGUAGE is not meant for scripts
     const auto output = std::make_shared<frontend::ScriptOutput>(std::cout);
     services->log = std::make_shared<frontend::ScriptLog>(
         output, options.dryRun ? nullptr : std::make_shared<QuietSystemLog>());
@@ -186,9 +186,9 @@ Status printTable(const Options& options) {
     if (!services.isOk()) {
         return services.status();
     }
-    services->languages = {"English"}; // whatever reads the table expects its words
+    services->languages = {"English"}; // programs that read the table expect its words
     Application application(std::move(*services));
-    application.setPresenter(std::make_shared<frontend::SilentPresenter>());
+    application.setPresenter(std::make_shared<platform::SilentPresenter>());
     tellWhatIsMissing();
     if (Status status = application.load(); !status.isOk()) {
         return status;
@@ -205,8 +205,8 @@ Status printTable(const Options& options) {
                      : Status::failure("nothing was printed", "", "standard output cannot be written");
 }
 
-/// What the window says of the server that --serve asked for. A port that is taken is no reason to be without
-/// a window.
+/// Returns what the window says about the server for --serve. A port that is in use must not prevent the
+/// window.
 frontend::ServerLine serverLine(const Options& options, const Result<Server>& server) {
     if (!server.isOk()) {
         return {"", server.status().text(), true};
@@ -223,7 +223,7 @@ frontend::ServerLine serverLine(const Options& options, const Result<Server>& se
     return {"", NSLocalizedString("No server: start Brindle with --serve to reach the shares."), false};
 }
 
-/// The computer as the doctor is told of it.
+/// Returns what the doctor has to know of the host.
 accesscheck::Patient patientOf(const platform::HostOptions& host) {
     accesscheck::Patient patient{std::nullopt, frontend::calledFor(host)};
     if (!host.system) {
@@ -234,7 +234,7 @@ accesscheck::Patient patientOf(const platform::HostOptions& host) {
     return patient;
 }
 
-/// What the window works on, under one name however it was given.
+/// Returns the name of what the window works on, which is the same however it was given.
 std::string placeOf(const platform::HostOptions& host) {
     if (host.system && host.root.empty()) {
         return "this computer";
@@ -250,7 +250,7 @@ std::string placeOf(const platform::HostOptions& host) {
 }
 
 Result<int> openWindow(const Options& options, frontend::WindowRun& window) {
-    std::unique_ptr<frontend::OneWindow> only; // to the very end: what is done there is done by one
+    std::unique_ptr<frontend::OneWindow> only; // until the very end: only one process works there
     if (options.mode == Mode::Window) {
         const std::string place = placeOf(options.host);
         auto taken = frontend::OneWindow::take(place);
@@ -294,8 +294,8 @@ Result<int> runWithWindow(const Options& options, frontend::WindowRun& window) {
     return result;
 }
 
-/// Becomes the program that has the window: the installed one (../libexec), or the one in this program's
-/// folder, as in a build. Returns only when there is none.
+/// Executes the program with the window: the installed one (../libexec), or the one in this program's folder,
+/// as in a build. Returns only on failure.
 Status becomeWindow(char** argv) {
     for (const char* place : {"/../libexec/brindle-window", "/brindle-window"}) {
         ::execv((platform::programFolder() + place).c_str(), argv);
@@ -307,7 +307,7 @@ Status becomeWindow(char** argv) {
                            "install Qt 6 Widgets and build again, or use --print or --script");
 }
 
-/// What the system logs while a command runs is for the log that is kept.
+/// Runs a command. What is logged meanwhile only goes to the system's log.
 Result<int> runCommand(const Options& options) {
     auto services = makeServices(options);
     if (!services.isOk()) {
@@ -354,10 +354,9 @@ Result<int> run(const Options& options, char** argv, frontend::WindowRun* window
 } // namespace
 
 int NSApplicationMain(int argc, char** argv, frontend::WindowRun* window) {
-    // A reader that goes away, or a tool that ends early, is seen where it is written to.
+    // The writing code detects a reader that goes away, or a tool that ends early.
     std::signal(SIGPIPE, SIG_IGN);
-    const rlimit none{0, 0};
-    ::setrlimit(RLIMIT_CORE, &none); // a core would hold the passwords that were typed
+    platform::leaveNoCore(); // passwords are typed here
     try {
         const auto arguments = platform::argumentsOf(argc, argv);
         const auto status = run(frontend::parseOptions({arguments.begin(), arguments.end()}), argv, window);

@@ -5,6 +5,6 @@ class WindowRun;
 }
 
 /// Runs the application: reads the options, makes the host and the front-end that they ask for, and returns
-/// the process's exit status when the application has ended. Without `window`, the process becomes
-/// brindle-window, which has one, when the options ask for it.
+/// the process's exit status when the application has ended. When the options ask for a window and `window`
+/// is null, the process executes brindle-window, which has one.
 int NSApplicationMain(int argc, char** argv, frontend::WindowRun* window = nullptr);

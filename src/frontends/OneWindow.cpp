@@ -26,7 +26,7 @@ using platform::Status;
 
 namespace {
 
-constexpr std::chrono::seconds patience{10}; ///< the first one may be in the midst of starting or ending
+constexpr std::chrono::seconds patience{10}; ///< the first process may be starting or ending
 constexpr std::chrono::milliseconds pause{50};
 constexpr int answerSeconds = 2;
 constexpr int questionSeconds = 1;
@@ -34,7 +34,7 @@ constexpr std::size_t longestToken = 4096;
 constexpr mode_t privateFolder = 0700;
 constexpr std::string_view done = "raised\n";
 
-/// The folder at `path`; not open, with errno set, where it is not there or not this user's alone.
+/// Opens the folder at `path`. Fails, with errno set, unless it exists and only this user may use it.
 FileDescriptor openPrivateFolder(const std::string& path) {
     FileDescriptor folder(::open(path.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
 
@@ -60,13 +60,13 @@ Result<FileDescriptor> openFolder() {
         }
         path = (temporary / ("brindle-" + std::to_string(::geteuid()))).string();
     }
-    ::mkdir(path.c_str(), privateFolder); // where that fails, so does what follows
+    ::mkdir(path.c_str(), privateFolder); // if this fails, opening the folder fails as well
     FileDescriptor folder = openPrivateFolder(path);
     return folder.isOpen() ? Result<FileDescriptor>(std::move(folder))
                            : Status::ofErrno("cannot use the folder", path, errno);
 }
 
-/// A file's name for the place, of the same length for each (FNV-1a).
+/// Returns a file name for the place, which always has the same length (FNV-1a).
 std::string nameFor(const std::string& place) {
     std::uint64_t hash = 0xcbf29ce484222325;
     for (const char each : place) {
@@ -75,7 +75,7 @@ std::string nameFor(const std::string& place) {
     return "window-" + std::to_string(hash);
 }
 
-/// The socket of that name in the folder, by a path that is short wherever the folder lies.
+/// Returns the address of a socket in the folder, by a path that is short wherever the folder is.
 sockaddr_un addressOf(const FileDescriptor& folder, const std::string& name) {
     sockaddr_un address{};
     address.sun_family = AF_UNIX;
@@ -94,7 +94,7 @@ void limitWaiting(const FileDescriptor& socket, int seconds) {
     ::setsockopt(socket.get(), SOL_SOCKET, SO_SNDTIMEO, &limit, sizeof limit);
 }
 
-/// Asks the process that has the window to show it; true when it says that it has.
+/// Asks the process that has the window to show it. Returns true when it confirms that.
 bool askForWindow(const FileDescriptor& folder, const std::string& socketName) {
     const FileDescriptor socket = makeSocket();
     const sockaddr_un address = addressOf(folder, socketName);
@@ -128,7 +128,7 @@ Result<std::unique_ptr<OneWindow>> OneWindow::take(const std::string& place) {
     const std::string socketName = name + ".socket";
     const auto end = std::chrono::steady_clock::now() + patience;
     do {
-        // The system lets go of the lock of a process that has ended, whatever ended it.
+        // The system releases the lock of a process that has ended, however it ended.
         FileDescriptor lock(::openat(folder->get(), (name + ".lock").c_str(),
                                      O_RDWR | O_CREAT | O_NOFOLLOW | O_CLOEXEC, 0600));
         if (!lock.isOpen()) {
@@ -149,7 +149,7 @@ Result<std::unique_ptr<OneWindow>> OneWindow::take(const std::string& place) {
 }
 
 Status OneWindow::listen() {
-    ::unlinkat(folder_.get(), socket_.c_str(), 0); // of a process that was killed
+    ::unlinkat(folder_.get(), socket_.c_str(), 0); // left by a killed process
     listener_ = makeSocket(SOCK_NONBLOCK);
     const sockaddr_un address = addressOf(folder_, socket_);
     if (!listener_.isOpen() ||
@@ -163,13 +163,13 @@ Status OneWindow::listen() {
 void OneWindow::answer(const std::function<void(const std::string& token)>& raise) const {
     const FileDescriptor asking(::accept4(listener_.get(), nullptr, nullptr, SOCK_CLOEXEC));
     if (!asking.isOpen()) {
-        return; // gone again
+        return; // the other process has gone
     }
     limitWaiting(asking, questionSeconds);
     const auto token = platform::readAll(asking.get(), socket_, longestToken);
     if (token.isOk()) {
         raise(*token);
-        // Who does not wait for the answer misses nothing.
+        // A process that no longer waits for the answer does not need it.
         static_cast<void>(platform::writeAll(asking.get(), done, socket_));
     }
 }

@@ -9,30 +9,30 @@
 
 namespace frontend {
 
-/// The right to show the window on one place, a root or the computer itself, which one process of a user has
-/// at a time, from here to its end, however it ends. Who comes second has the first one's window brought to
+/// The right to show the window on one place: a root, or the computer itself. Only one process of a user has
+/// it at a time, until that process ends, however it ends. A second start brings the first one's window to
 /// the front instead.
 ///
-/// It is a lock on a file and a socket beside it, in a folder that nobody else may enter: `brindle` in
-/// $XDG_RUNTIME_DIR, or, where that is no private folder of the user's, `brindle-UID` among the temporary
-/// files.
+/// The right consists of a lock on a file and a socket beside it, in a folder that nobody else may enter:
+/// `brindle` in $XDG_RUNTIME_DIR or, when that is not a private folder of the user's, `brindle-UID` in the
+/// folder for temporary files.
 class OneWindow {
   public:
-    /// Takes the right to the window on `place`, an absolute path or any other name. Where another process
-    /// has it, asks that one to show its window, handing on what the desktop gave this process for it
-    /// (XDG_ACTIVATION_TOKEN), and returns null once it has. Fails where that process does not answer, and
-    /// with a system error where there can be no lock.
+    /// Takes the right to the window on `place`, an absolute path or any other name. When another process has
+    /// it, asks that process to show its window, passes on the token that the desktop gave this process
+    /// (XDG_ACTIVATION_TOKEN), and returns null once the window is shown. Fails when that process does not
+    /// answer, and with a system error when the lock cannot be made.
     [[nodiscard]] static platform::Result<std::unique_ptr<OneWindow>> take(const std::string& place);
 
     ~OneWindow();
     OneWindow(const OneWindow&) = delete;
     OneWindow& operator=(const OneWindow&) = delete;
 
-    /// Can be read whenever somebody asks for the window.
+    /// A descriptor that becomes readable when another process asks for the window.
     [[nodiscard]] int listener() const { return listener_.get(); }
 
-    /// Has `raise` show the window to the one who asks; it gets the token of that start, which may be empty.
-    /// Waits for nobody for longer than a moment.
+    /// Answers the process that asks: calls `raise` with that process's token, which may be empty, to show
+    /// the window. Never waits for long.
     void answer(const std::function<void(const std::string& token)>& raise) const;
 
   private:

@@ -17,19 +17,19 @@ Options parseOptions(std::vector<std::string> arguments) {
         platform::addText(*parser, "--script", options.script, "FILE",
                           "Carry out the commands in FILE without a window; - is standard input");
     CLI::Option& print = platform::addText(*parser, "--print", options.table, "shares|users|groups",
-                                           "Print the table and end");
-    CLI::Option& snapshot = platform::addText(*parser, "--snapshot", options.snapshotFolder, "DIR",
-                                              "Write a picture of every page of the window into DIR and end");
+                                           "Print the table, and end");
+    CLI::Option& snapshot =
+        platform::addText(*parser, "--snapshot", options.snapshotFolder, "DIR",
+                          "Write a picture of every page of the window into DIR, and end");
     print.check(CLI::IsMember({"shares", "users", "groups"}).description(""))->excludes(&script, &snapshot);
     snapshot.excludes(&script);
     CLI::Option* dryRun = parser->add_flag("--dry-run", options.dryRun,
-                                           "Carry the script out on copies: every line as it would come, and "
-                                           "nothing changes");
+                                           "Carry the script out on copies: print every line that would be "
+                                           "printed, and change nothing");
     dryRun->needs(&script);
-    // The server lasts as long as the window or a script, and this computer has one of its own.
-    CLI::Option* serve =
-        parser->add_flag("--serve", options.serve,
-                         "Start a file server of the embedded root's own for as long as Brindle runs");
+    // The server lasts as long as the window or a script. With --system there is the computer's own server.
+    CLI::Option* serve = parser->add_flag(
+        "--serve", options.serve, "Run a file server for the embedded root for as long as Brindle runs");
     serve->excludes(&print, &snapshot, dryRun, parser->get_option("--system"));
     parser->add_option("--port", options.port, "The server's port (4455)")
         ->type_name("N")

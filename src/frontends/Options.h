@@ -9,30 +9,31 @@
 
 namespace frontend {
 
-/// What the program is run for.
+/// What the program is to do.
 enum class Mode { Window, Script, Print, Snapshot, Command };
 
-/// What the command line asks for, checked. Nothing has been opened or made yet.
+/// The checked command line. Nothing has been opened or made yet.
 struct Options {
     Mode mode = Mode::Window;
     platform::HostOptions host;
-    std::string script; ///< the script's file, "-" for standard input
-    std::string table;  ///< the printed table: "shares", "users" or "groups"
+    std::string script; ///< the path of the script, "-" for standard input
+    std::string table;  ///< the table to print: "shares", "users" or "groups"
     std::string snapshotFolder;
-    bool dryRun = false;     ///< the script works on copies and changes nothing
-    bool serve = false;      ///< with a file server of the root's own
-    CommandOptions command;  ///< in the mode Command
-    std::optional<int> port; ///< the server's, 1 to 65535; none for its default
+    bool dryRun = false;     ///< carry the script out on copies and change nothing
+    bool serve = false;      ///< run a file server of the root's own
+    CommandOptions command;  ///< for Mode::Command
+    std::optional<int> port; ///< the server's port, 1 to 65535; none for its default
 
-    /// Set when the run only prints this: the help, the version, or what is wrong with the command line.
+    /// Set when the program only prints this and ends: the help, the version, or an error in the command
+    /// line.
     std::optional<platform::CommandLineEnd> end;
 };
 
-/// Reads the arguments after the program's name. A value stands
-/// in the next argument or after "=".
+/// Reads the arguments after the program's name. A value is given in the next argument or after "=". Errors
+/// are returned in `end`.
 [[nodiscard]] Options parseOptions(std::vector<std::string> arguments);
 
-/// What a command for the same computer begins with: "brindle --system". For a shell.
+/// Returns the start of a shell command for the same computer: "brindle --system".
 [[nodiscard]] std::string calledFor(const platform::HostOptions& host);
 
 } // namespace frontend

@@ -23,7 +23,7 @@ constexpr std::string_view gap = "  ";
 constexpr char32_t replacementCharacter = 0xFFFD;
 constexpr std::string_view replacement = "\xEF\xBF\xBD";
 
-/// How many places of a terminal a character takes, whatever the language of the environment: -1 for a
+/// How many columns of a terminal a character takes, independent of the environment's language; -1 for a
 /// control character.
 class TerminalWidths {
   public:
@@ -65,7 +65,7 @@ struct Cell {
 
 Cell makeCell(std::string text, const TerminalWidths& widths) {
     const auto isPlain = [](char character) { return character >= 0x20 && character < 0x7F; };
-    if (std::ranges::all_of(text, isPlain)) { // as nearly all of a long list
+    if (std::ranges::all_of(text, isPlain)) { // true for most cells of a long list, and fast
         const std::size_t width = text.size();
         return {std::move(text), width};
     }
@@ -81,13 +81,13 @@ Cell makeCell(std::string text, const TerminalWidths& widths) {
     return cell;
 }
 
-/// A column that is shown, and the places that its widest cell takes.
+/// A column that is shown, and the width of its widest cell in terminal columns.
 struct Column {
     const NSTableColumn* column = nullptr;
     std::size_t width = 0;
 };
 
-constexpr int titles = -1; ///< the number of the row above all others
+constexpr int titles = -1; ///< the row number that stands for the titles
 
 Cell cellAt(NSTableView& table, const NSTableColumn& column, int row, const TerminalWidths& widths) {
     return makeCell(row == titles ? column.title : table.objectValue(column, row), widths);
@@ -103,7 +103,7 @@ void writeTable(NSTableView& table, std::ostream& out) {
             columns.push_back({&column});
         }
     }
-    // Every cell is made twice: to keep them all would take more memory than the table itself.
+    // Every cell is made twice: keeping them all would take more memory than the table itself.
     for (int row = titles; row < table.numberOfRows(); ++row) {
         for (Column& each : columns) {
             each.width = std::max(each.width, cellAt(table, *each.column, row, widths).width);

@@ -23,7 +23,8 @@ LargeBlocks& LargeBlocks::instance() {
 void* LargeBlocks::do_allocate(std::size_t size, std::size_t alignment) {
     void* const block = ::operator new(size, std::align_val_t(alignmentOf(size, alignment)));
     if (size >= largePage) {
-        (void)::madvise(block, size, MADV_HUGEPAGE); // if refused, the block still works, only slower
+        (void)::madvise(block, size,
+                        MADV_HUGEPAGE); // if this is refused, the block still works, only more slowly
     }
     return block;
 }

@@ -2,8 +2,8 @@
 
 #include <memory_resource>
 
-/// Memory in a few large blocks, for which the system is asked to use large pages: a long file is then read
-/// in half the time. Small blocks are allocated as usual. Has no state.
+/// Asks the system for large pages for large blocks, which halves the time to read a long file. Small blocks
+/// are allocated as usual. Has no state.
 class LargeBlocks : public std::pmr::memory_resource {
   public:
     [[nodiscard]] static LargeBlocks& instance();

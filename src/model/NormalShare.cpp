@@ -15,7 +15,7 @@ SharedText::SharedText(std::string_view text) {
         std::size_t operator()(std::string_view key) const { return std::hash<std::string_view>()(key); }
     };
 
-    static std::unordered_set<std::string, Hash, std::equal_to<>> texts; // an element keeps its address
+    static std::unordered_set<std::string, Hash, std::equal_to<>> texts; // elements keep their addresses
     const auto known = texts.find(text);
     text_ = known != texts.end() ? &*known : &*texts.emplace(text).first;
 }

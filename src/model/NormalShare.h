@@ -1,12 +1,11 @@
 #pragma once
 
-#include <cstdint>
 #include <string>
 #include <string_view>
 #include <utility>
 
-/// A text that many rows hold, like a privilege or "Yes": all of them share one copy, which stays until the
-/// program ends. Only for texts of which there are few different ones. Main thread only.
+/// A string that occurs in many rows, like a privilege or "Yes". Equal strings share one copy, which is kept
+/// until the program ends, so it is meant for columns with few different values. Main thread only.
 class SharedText {
   public:
     SharedText() : SharedText(std::string_view()) {}
@@ -21,9 +20,9 @@ class SharedText {
     const std::string* text_;
 };
 
-/// One share point as the share table shows it: joined from its directory record, the SMB section of the same
-/// folder and the folder's permission bits. What the table shows is kept as display strings. A record is
-/// rebuilt whenever the inventory is read.
+/// One share point as the share table shows it: combined from its directory record, the SMB section for the
+/// same folder and the folder's permission bits. The values are display strings. The objects are made again
+/// whenever the inventory is read.
 class NormalShare {
   public:
     [[nodiscard]] const std::string& ShareName() const { return _sharename; }
@@ -35,25 +34,25 @@ class NormalShare {
 
     [[nodiscard]] const std::string& DirectoryPath() const { return _directorypath; }
 
-    // The folder's privileges as strings, not account names.
+    // The folder's privileges, not the names of accounts.
     [[nodiscard]] const std::string& Owner() const { return _owner.str(); }
 
     [[nodiscard]] const std::string& Group() const { return _group.str(); }
 
     [[nodiscard]] const std::string& Everyone() const { return _everyone.str(); }
 
-    /// "+" when published over AFP, else "-".
+    /// "+" when published over AFP, otherwise "-".
     [[nodiscard]] const std::string& AFS() const { return _afs.str(); }
 
-    /// The localized "Yes" or "No"; empty for a share that only the SMB configuration knows.
+    /// The localized "Yes" or "No"; empty for a share that exists only in the SMB configuration.
     [[nodiscard]] const std::string& Inherit() const { return _inheritperms.str(); }
 
     [[nodiscard]] const std::string& InheritOwner() const { return _inheritowner.str(); }
 
-    /// "+" when an SMB section shares this folder, else "-".
+    /// "+" when an SMB section shares this folder, otherwise "-".
     [[nodiscard]] const std::string& SMB() const { return _smb.str(); }
 
-    /// The section's "guest ok" as the file has it; "No" without one.
+    /// The section's "guest ok" as written in the file; "No" without one.
     [[nodiscard]] const std::string& SMBGuestAccess() const { return _smbguestaccess.str(); }
 
     void setShareName(std::string text) { _sharename = std::move(text); }
@@ -62,7 +61,7 @@ class NormalShare {
 
     void setAFPName(std::string text) { _afpname = std::move(text); }
 
-    // Part of the record's public operations; setPathandPermissions sets these four.
+    // Part of the class's public operations; setPathandPermissions sets these four.
     void setDirectoryPath(std::string text) { _directorypath = std::move(text); }
 
     void setOwner(std::string_view text) { _owner = text; }
@@ -81,13 +80,13 @@ class NormalShare {
 
     void setSMBGuestAccess(std::string_view text) { _smbguestaccess = text; }
 
-    /// True for a share that has a record in the directory; false for one that only smb.conf knows.
+    /// True for a share that has a record in the directory; false for one that exists only in smb.conf.
     [[nodiscard]] bool hasRecord() const { return hasRecord_; }
 
     void setHasRecord(bool has) { hasRecord_ = has; }
 
-    /// Stores `path` as the folder and sets the three privilege strings from its mode, links followed; a
-    /// folder that cannot be examined has no privileges.
+    /// Stores `path` as the folder and sets the three privilege strings from its mode, following links; all
+    /// three are empty for a folder that cannot be examined.
     void setPathandPermissions(const std::string& path);
 
     /// "r/w", "r", "w" or "" for the privilege codes 3, 2, 1, 0; "" for any other.
@@ -96,7 +95,7 @@ class NormalShare {
     /// The field whose getter has that name, or null for an unknown name.
     [[nodiscard]] const std::string* valueForKey(std::string_view getterName) const;
 
-    /// For the log. Part of the record's public operations; nothing here calls it.
+    /// For the log. Part of the class's public operations; nothing here calls it.
     [[nodiscard]] std::string description() const;
 
   private:
@@ -115,8 +114,8 @@ class NormalShare {
     bool hasRecord_ = false;
 };
 
-/// The two-bit privilege code of a class of users (3 read and write, 2 read only, 1 write only, 0 none) in a
-/// folder's mode; bits above 0777 do not matter.
+/// The two-bit privilege code of a class of users in a folder's mode: 3 read and write, 2 read only, 1 write
+/// only, 0 none. Bits above 0777 do not matter.
 [[nodiscard]] constexpr int ownerPrivilegeCode(int mode) {
     return (mode & 0700) >> 7;
 }
@@ -129,7 +128,7 @@ class NormalShare {
     return (mode & 07) >> 1;
 }
 
-/// The mode that is written for three codes: every class gets its search bit.
+/// The mode for three privilege codes. Every class gets its search bit.
 [[nodiscard]] constexpr int modeForPrivilegeCodes(int owner, int group, int everyone) {
     return (owner << 7) | 0100 | (group << 4) | 010 | (everyone << 1) | 01;
 }

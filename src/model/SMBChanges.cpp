@@ -14,7 +14,7 @@ bool isSection(const SMBShare& entry) {
 
 using Sections = std::vector<const SMBShare*>;
 
-/// The entries of each section's name, in order.
+/// The sections of each name, in order.
 std::map<std::string_view, Sections> sectionsByName(const SMBConf::EntryList& entries) {
     std::map<std::string_view, Sections> byName;
     for (const auto& entry : entries) {
@@ -25,8 +25,8 @@ std::map<std::string_view, Sections> sectionsByName(const SMBConf::EntryList& en
     return byName;
 }
 
-/// For each of `now`, the index of the one of `read` that it was. Where there are fewer now, those are taken
-/// for gone that no longer occur.
+/// For each element of `now` the index of the element of `read` that it comes from, if any. If there are
+/// fewer now, those that no longer occur are taken to be gone.
 template <class Element, class IsSame>
 std::vector<std::optional<std::size_t>> matched(const std::vector<Element>& read,
                                                 const std::vector<Element>& now, IsSame isSame) {
@@ -69,12 +69,13 @@ std::map<std::string_view, Values> valuesByKey(const SMBPairs& pairs) {
 /// The parameters of one key, before and after.
 struct KeyValues {
     Values read;
-    std::vector<std::optional<std::size_t>> matches; ///< those of now among those that were read
-    std::size_t next = 0;                            ///< of now, not looked at yet
+    std::vector<std::optional<std::size_t>>
+        matches;          ///< for each current parameter its index in `read`, if any
+    std::size_t next = 0; ///< the first current parameter not looked at yet
     std::size_t added = 0;
 };
 
-/// The changes within one section, whose place the changes' first fields are.
+/// Appends the changes within one section. `place` has the section's fields set.
 void appendPairChanges(const SMBPairs& read, const SMBPairs& now, const SMBChange& place,
                        std::vector<SMBChange>& changes) {
     std::map<std::string_view, KeyValues> keys;
@@ -101,7 +102,7 @@ void appendPairChanges(const SMBPairs& read, const SMBPairs& now, const SMBChang
         }
     }
     for (const auto& [name, key] : keys) {
-        std::size_t next = 0; // of the matches, which ascend
+        std::size_t next = 0; // in the matches, which ascend
         for (std::size_t occurrence = 0; occurrence < key.read.size(); ++occurrence) {
             if (next < key.matches.size() && key.matches[next] == occurrence) {
                 ++next;
@@ -125,7 +126,7 @@ SMBChange changeOf(SMBChange::Kind kind, const SMBShare& section, std::size_t oc
     return change;
 }
 
-/// Where a section that is there now was when the file was read.
+/// A current section's counterpart when the file was read.
 struct Origin {
     const SMBShare* read = nullptr;
     std::size_t occurrence = 0;
@@ -171,7 +172,7 @@ std::vector<SMBChange> changesBetween(const SMBConf::EntryList& read, const SMBC
         }
     }
     std::vector<SMBChange> changes;
-    bool isAtFront = true; // until the first entry that was read
+    bool isAtFront = true; // before the first entry that was in the file
     for (const auto& entry : now) {
         const auto origin = origins.find(entry.get());
         if (origin != origins.end()) {

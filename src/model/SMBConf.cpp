@@ -24,7 +24,7 @@ const char* yesOrNo(std::int32_t flag) {
     return flag == 1 ? "Yes" : "No";
 }
 
-/// A section that lacks the flag is off already: only "Yes" is worth adding a line to a file written by hand.
+/// In a section without the flag it is off already, so a line is added only for "Yes".
 void updateFlag(SMBShare& section, std::string_view key, std::int32_t flag) {
     if (flag == 1 || section.firstProp(key) != nullptr) {
         section.setProp(key, yesOrNo(flag));
@@ -50,7 +50,7 @@ void appendEntry(std::string& text, const SMBShare& entry) {
             append(text, {mark, pair.Name.view(), " = ", pair.Value.view(), "\n"});
         }
     } else if (entry.Type() != SMBComment) {
-        return; // no kind that the file knows
+        return; // not a kind of entry that can be written
     }
     append(text, {entry.Text(), "\n\n"});
 }
@@ -79,7 +79,7 @@ SMBConf::SMBConf(std::string path) : _path(std::move(path)) {
 void SMBConf::parseSMBConfFile() {
     auto contents = contentsOfFile(_path);
     if (!contents.isOk() && contents.status().systemError() != ENOENT) {
-        // To write the model over such a file would replace it with next to nothing.
+        // Writing the model would replace such a file with next to nothing.
         NSLog("The SMB configuration %@ cannot be read (%@) and will not be written.  Make it readable and "
               "start again.",
               _path, contents.status().why());
@@ -124,7 +124,7 @@ bool SMBConf::isGroup(std::string_view line) {
 }
 
 std::unique_ptr<SMBConf> SMBConf::ofText(std::string text) {
-    std::unique_ptr<SMBConf> made(new SMBConf(Unread())); // make_unique cannot reach the constructor
+    std::unique_ptr<SMBConf> made(new SMBConf(Unread())); // make_unique cannot call the private constructor
     made->bytes_ = std::move(text);
     made->parse();
     return made;
@@ -179,11 +179,12 @@ platform::Result<std::string> SMBConf::textToWrite(std::vector<SMBConflict>* con
     }
     const auto onDisk = contentsOfFile(_path);
     if (!onDisk.isOk()) {
-        // What is kept of the file has to be read: without it, next to nothing would take its place.
+        // The part of the file that is kept has to be read; without it the file would be replaced with next
+        // to nothing.
         return onDisk.status().systemError() == ENOENT ? platform::Result(writtenText()) : onDisk.status();
     }
-    // Told from what this model knew, not from the file as it wrote that: what somebody else had put there in
-    // the meantime would count as taken away here.
+    // The changes are found by comparing with the entries that this model knew, not with the file that it
+    // wrote: that may hold what somebody else had added, which would count as removed here.
     SMBInPlaceText result = textWithChanges(*onDisk, changesBetween(known_, _entries));
     if (conflicts != nullptr) {
         *conflicts = std::move(result.conflicts);
@@ -202,7 +203,7 @@ int SMBConf::writeSMBConfFile() {
         return notWritten;
     }
     const std::string temporary = stringByExpandingTildeInPath(platform::systempath::temporarySmbConf);
-    // Readable by its owner only: the configuration may be.
+    // Readable only by its owner, as the configuration may be.
     if (const auto status = writeToFileAtomically(temporary, *text, 0600); !status.isOk()) {
         NSLog("%@ could not be written: %@", temporary, status.why());
         return notWritten;

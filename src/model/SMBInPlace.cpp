@@ -17,13 +17,13 @@ struct Edit {
     std::size_t begin = 0;
     std::size_t end = 0;
     std::string replacement;
-    bool isOwnLine = false; ///< of an insertion: whole lines
+    bool isOwnLine = false; ///< for an insertion: whole lines
 
     [[nodiscard]] bool isInsertion() const { return begin == end; }
 };
 
-/// In their order. What is inserted at a place comes before what is replaced there, and what replaces more
-/// before what replaces less of it.
+/// The order in which edits are applied. At the same place an insertion comes before a replacement, and a
+/// longer replacement before a shorter one.
 bool isBefore(const Edit& one, const Edit& other) {
     if (one.begin != other.begin) {
         return one.begin < other.begin;
@@ -35,7 +35,7 @@ bool isEnded(std::string_view text) {
     return text.ends_with('\n') || text.ends_with('\r');
 }
 
-/// Collects the edits of one string and applies them.
+/// Collects the edits to one text and applies them.
 class Editor {
   public:
     explicit Editor(std::string_view text) : text_(text), lines_(text) {
@@ -56,22 +56,23 @@ class Editor {
     void removeSection(const SMBSectionLines& section);
     void comment(const SMBSectionLines& section, bool out);
     void enableHeader(const Line& line);
-    /// As it will be.
+    /// Whether the section will be commented out after the edits.
     [[nodiscard]] bool isCommentedOut(const SMBSectionLines& section) const;
-    /// Of the sections that stay, the one right above is commented out.
+    /// Whether the nearest section above that stays will be commented out.
     [[nodiscard]] bool isBelowCommentedOut(const SMBSectionLines& section) const;
     void setValue(const SMBSectionLines& section, const SMBChange& change);
     void removePair(const SMBSectionLines& section, const SMBChange& change);
     void addPair(const SMBSectionLines& section, const SMBChange& change);
     void conflict(const SMBChange& change, std::string_view inFile);
     void appendAtEnd(std::string& text) const;
-    /// Where a section begins that is to stand before all others. Settings above the first section are the
-    /// whole server's, and would become that section's.
+    /// Where a section is inserted that must come before all others: after settings above the first section,
+    /// which apply to the whole server and would otherwise become part of that section.
     [[nodiscard]] std::size_t beginningOfSections() const;
-    /// Where the parameter of a change stands that the server reads; none when it reads none.
+    /// The index of the parameter's line that the server reads, given the line that the model counts; none
+    /// when the server reads none.
     [[nodiscard]] std::optional<std::size_t> pairInEffect(const SMBSectionLines& section,
                                                           const SMBChange& change, std::size_t found) const;
-    /// The text with this file's line breaks.
+    /// `text` with this file's kind of line breaks.
     [[nodiscard]] std::string withLineBreaks(std::string_view text) const;
 
     [[nodiscard]] std::size_t offset(std::string_view view) const {
@@ -92,12 +93,13 @@ class Editor {
     std::vector<Edit> edits_;
     std::string atFront_;
     std::vector<std::string> atEnd_;
-    bool dropsLastBreak_ = false; ///< of what is left of the text
+    bool dropsLastBreak_ = false; ///< the last line break of the remaining text
     std::vector<SMBConflict> conflicts_;
     std::map<const SMBSectionLines*, bool>
-        commentedOut_; ///< the sections that are being commented out, or no longer
+        commentedOut_; ///< sections whose state changes, and whether they will be commented out
     std::set<const SMBSectionLines*> removed_;
-    std::set<std::pair<std::string, std::size_t>> missing_; ///< sections that were made anew
+    std::set<std::pair<std::string, std::size_t>>
+        missing_; ///< sections that the file has lost and that are added again
 };
 
 void Editor::make(const SMBChange& change) {
@@ -121,7 +123,7 @@ void Editor::make(const SMBChange& change) {
     } else {
         const auto there = lines_.pair(*section, change.key, change.occurrence);
         if (there && !lines_.lines()[*there].isJoined) {
-            setValue(*section, change); // somebody else has added it, too
+            setValue(*section, change); // somebody else has added it too
         } else {
             addPair(*section, change);
         }
@@ -154,7 +156,7 @@ void Editor::addSection(const SMBChange& change) {
     }
 }
 
-/// Half a section would share nothing, or something else: it comes back whole.
+/// Half a section would share nothing, or something else, so the whole section is written again.
 void Editor::addMissingSection(const SMBChange& change) {
     if (missing_.emplace(change.section, change.sectionOccurrence).second) {
         conflicts_.push_back({change.section, "", "", "", ""});
@@ -166,17 +168,17 @@ void Editor::addMissingSection(const SMBChange& change) {
 
 void Editor::removeSection(const SMBSectionLines& section) {
     const auto& lines = lines_.lines();
-    // A line that the server does not understand is the section's own, too: it must not come to the one
-    // above.
+    // A line that the server does not understand belongs to the section too. It must not become part of the
+    // section above.
     std::size_t last = section.last;
     while (last > section.first + 1 && isRemark(last - 1)) {
         --last;
     }
     while (last < section.last && lines[last].kind != Line::Kind::Blank) {
-        ++last; // the comments right below the parameters are the section's own
+        ++last; // comments right below the parameters belong to the section
     }
     if (isBelowCommentedOut(section)) {
-        // That would take a comment with a "=" for a parameter, which would come to life with it.
+        // A comment with a "=" would count as a parameter of that section, and become active with it.
         for (std::size_t index = last; index < section.last; ++index) {
             last = lines_.isParameterInMarks(lines[index]) ? index + 1 : last;
         }
@@ -187,11 +189,12 @@ void Editor::removeSection(const SMBSectionLines& section) {
     const bool isSetOff = section.first > 0 && isBlankLine(section.first - 1);
     const std::size_t above = section.first - (isSetOff ? 1 : 0);
     if (above > 0 && lines[above - 1].isContinued && !isAtEnd) {
-        // The server would join what follows to the line above. An empty line below may go with its section.
+        // The server would join what follows to the line above. An empty line below the section may be
+        // removed with it.
         edit.replacement = isSetOff ? "" : lineBreak_;
     } else if (isSetOff) {
         edit.begin = lines[section.first - 1].begin;
-        // The line before was not ended when the section was added.
+        // The last line had no line break when the section was added.
         dropsLastBreak_ = dropsLastBreak_ || (isAtEnd && !isEnded(text_));
     } else if (section.first == 0 && isBlankLine(last)) {
         edit.end = lines[last].end;
@@ -217,18 +220,18 @@ bool Editor::isCommentedOut(const SMBSectionLines& section) const {
 
 void Editor::comment(const SMBSectionLines& section, bool out) {
     if (section.isCommentedOut == out) {
-        return; // somebody did the same in the file
+        return; // somebody else has done the same in the file
     }
     commentedOut_[&section] = out;
     for (std::size_t index = section.first; index < section.last; ++index) {
         const Line& line = lines_.lines()[index];
         const std::size_t begin = line.begin + lines_.indentation(line).size();
         if (out) {
-            // In a commented-out section, a comment with a "=" is a parameter, and would come to life with
-            // it.
+            // In a commented-out section a comment with a "=" counts as a parameter, and would become active
+            // with the section.
             const bool isComment = line.kind == Line::Kind::Comment && !lines_.isParameterInMarks(line);
             if (line.kind != Line::Kind::Blank && !isComment) {
-                // A broken header may not become that of another commented-out section.
+                // A broken header must not become the header of a commented-out section.
                 const bool isBroken = line.kind != Line::Kind::Header && text_[begin] == '[';
                 edits_.push_back(
                     {begin, begin + 1, (isBroken ? "; " : ";") + std::string(1, text_[begin]), false});
@@ -241,7 +244,7 @@ void Editor::comment(const SMBSectionLines& section, bool out) {
     }
 }
 
-/// A live header is one only when nothing follows its bracket.
+/// Makes a commented-out header active. An active header must end at its bracket.
 void Editor::enableHeader(const Line& line) {
     const std::size_t begin = line.begin + lines_.indentation(line).size();
     const std::size_t end = lines_.contentEnd(line);
@@ -260,7 +263,7 @@ std::optional<std::size_t> Editor::pairInEffect(const SMBSectionLines& section, 
     if (!lines[found].isJoined) {
         return found;
     }
-    // The line is a part of another one. What was set in its stead before stands further down.
+    // The server joins the line to another one. What was set instead is further down.
     std::optional<std::size_t> inEffect;
     for (std::size_t index = found; index < section.last; ++index) {
         const Line& line = lines[index];
@@ -284,14 +287,14 @@ void Editor::setValue(const SMBSectionLines& section, const SMBChange& change) {
     }
     const Line& line = lines_.lines()[*index];
     if (line.value == change.value) {
-        return; // somebody else has set it, too
+        return; // somebody else has set it too
     }
     if (line.value != change.before) {
         conflict(change, line.value);
     }
     const std::size_t begin = offset(line.value);
     const std::size_t joined = lines_.endOfJoinedLines(*index);
-    // The value goes on in the lines that the server joins to it.
+    // The value continues in the lines that the server joins to this one.
     const std::size_t end =
         joined > *index + 1 ? lines_.contentEnd(lines_.lines()[joined - 1]) : begin + line.value.size();
     edits_.push_back({begin, end, change.value, false});
@@ -301,7 +304,7 @@ void Editor::removePair(const SMBSectionLines& section, const SMBChange& change)
     const auto found = lines_.pair(section, change.key, change.occurrence);
     const auto index = found ? pairInEffect(section, change, *found) : std::nullopt;
     if (!index) {
-        return; // it is gone already, or never was one for the server
+        return; // it is gone already, or the server never read it
     }
     const Line& line = lines_.lines()[*index];
     if (line.value != change.before) {
@@ -315,7 +318,7 @@ void Editor::addPair(const SMBSectionLines& section, const SMBChange& change) {
     const std::size_t last = lines_.lastSetting(section);
     const Line& line = lines[last];
     const Line& end = lines[lines_.endOfJoinedLines(last) - 1];
-    // Below a line that ends in a backslash, the server would take it for a part of that line.
+    // The server would join it to a line above that ends in a backslash.
     const std::size_t place = end.isContinued ? line.begin : end.end;
     std::string added(line.kind == Line::Kind::Pair ? lines_.indentation(line) : std::string_view());
     added += (isCommentedOut(section) ? ";" : "") + change.key + " = " + change.value;
@@ -325,8 +328,8 @@ void Editor::addPair(const SMBSectionLines& section, const SMBChange& change) {
     edits_.push_back({place, place, std::move(added), true});
 }
 
-/// A section at the end is set off by an empty line, and a file whose last line is not ended stays like that:
-/// so its removal can leave exactly what was there before.
+/// A section at the end is set off by an empty line, and a file whose last line has no line break still has
+/// none afterwards. So removing the section can leave exactly what was there before.
 void Editor::appendAtEnd(std::string& text) const {
     for (const std::string& block : atEnd_) {
         const bool stays = text.empty() || isEnded(text);
@@ -354,18 +357,18 @@ std::size_t Editor::beginningOfSections() const {
 SMBInPlaceText Editor::finish() {
     if (!atFront_.empty()) {
         const std::size_t begin = beginningOfSections();
-        if (begin > 0) { // the blank line that keeps it apart comes first
+        if (begin > 0) { // the blank line that separates it comes first
             atFront_.erase(atFront_.size() - lineBreak_.size());
             atFront_.insert(0, lineBreak_);
         }
         edits_.insert(edits_.begin(), {begin, begin, atFront_, begin > 0});
     }
-    // Edits at one place keep the order in which they were asked for.
+    // Edits at the same place stay in the order in which they were made.
     std::ranges::stable_sort(edits_, isBefore);
     SMBInPlaceText result;
     std::size_t position = 0;
     for (const Edit& edit : edits_) {
-        if (edit.begin < position) { // a part of what is replaced already
+        if (edit.begin < position) { // inside something that is replaced already
             position = std::max(position, edit.end);
             continue;
         }

@@ -6,7 +6,7 @@
 
 namespace {
 
-/// Where the line that begins at `begin` ends, and where the next one begins: "\r\n" ends one line.
+/// Where a line ends, and where the next one begins. "\r\n" is one line break.
 struct LineEnd {
     std::size_t content = 0;
     std::size_t next = 0;
@@ -49,7 +49,7 @@ void SMBLines::take(std::string_view content, SMBLine line) {
         takeCommentedOut(content, line);
     } else {
         if (isInCommentedOut) {
-            // Any other line ends the commented-out section, and stands in none.
+            // Any other line ends the commented-out section, and belongs to no section.
             sections_.back().last = lines_.size();
             isInSection_ = false;
             line.isJoined = false;
@@ -73,7 +73,7 @@ void SMBLines::takeLive(std::string_view content, SMBLine& line) const {
     if (SMBParser::isComment(content)) {
         line.kind = line.isJoined ? SMBLine::Kind::Other : SMBLine::Kind::Comment;
         line.isContinued =
-            line.isJoined && SMBParser::isContinued(content); // the server joins none to a comment
+            line.isJoined && SMBParser::isContinued(content); // the server does not join a line to a comment
         return;
     }
     line.isContinued = SMBParser::isContinued(content);
@@ -140,18 +140,18 @@ std::string_view SMBLines::indentation(const SMBLine& line) const {
 
 std::size_t SMBLines::contentEnd(const SMBLine& line) const {
     const std::string_view whole = text_.substr(line.begin, line.end - line.begin);
-    return line.begin + whole.find_last_not_of("\r\n") + 1; // npos + 1 is 0: nothing but a line break
+    return line.begin + whole.find_last_not_of("\r\n") + 1; // npos + 1 is 0, right for a line break alone
 }
 
-std::string_view SMBLines::behindMark(const SMBLine& line) const {
+std::string_view SMBLines::afterMark(const SMBLine& line) const {
     const std::size_t begin = line.begin + indentation(line).size() + 1;
     return text_.substr(begin, contentEnd(line) - begin);
 }
 
 bool SMBLines::isParameterInMarks(const SMBLine& line) const {
-    return line.kind == SMBLine::Kind::Comment && SMBParser::pairOf(behindMark(line)).has_value();
+    return line.kind == SMBLine::Kind::Comment && SMBParser::pairOf(afterMark(line)).has_value();
 }
 
 bool SMBLines::isHeaderOnceLive(const SMBLine& line) const {
-    return SMBParser::isGroup(SMBParser::withoutLeadingWhiteSpace(behindMark(line)));
+    return SMBParser::isGroup(SMBParser::withoutLeadingWhiteSpace(afterMark(line)));
 }

@@ -6,37 +6,38 @@
 #include <string_view>
 #include <vector>
 
-/// One line of smb.conf's text. Offsets are bytes from the text's beginning; `end` is after the line break.
+/// One line of smb.conf. Offsets are in bytes from the start of the text; `end` is after the line break.
 struct SMBLine {
     enum class Kind {
         Blank,
-        Comment, ///< outside the parameters of a commented-out section
-        Header,  ///< of a section, or of a commented-out one
+        Comment, ///< a comment that is not a commented-out parameter
+        Header,  ///< the header of a section, commented out or not
         Pair,    ///< a parameter
-        Other    ///< what the model does not keep: a line without a key or a value, or outside any section
+        Other    ///< a line that the model does not keep: without a key or a value, or outside any section
     };
 
     std::size_t begin = 0;
     std::size_t end = 0;
     Kind kind = Kind::Blank;
-    bool isContinued = false; ///< ends in a backslash: the server joins the next line to it
-    /// The server joins it to the line before, whatever it reads like. Of a commented-out section: it would
-    /// once the section is live. A header is none: the model begins a section at it all the same.
+    bool isContinued = false; ///< ends in a backslash, so that the server joins the next line to it
+    /// The server joins it to the line before, whatever it looks like; in a commented-out section it would do
+    /// so once the section is active. Never true for a header, at which the model begins a section in any
+    /// case.
     bool isJoined = false;
-    std::string_view key;   ///< of a pair, as the model has it
-    std::string_view value; ///< of a pair, likewise
+    std::string_view key;   ///< for a pair: the key as in the model
+    std::string_view value; ///< for a pair: the value as in the model
 };
 
-/// A section and the lines that are its own, from its header to the last line before the next header.
+/// A section and its lines, from its header to the last line before the next header.
 struct SMBSectionLines {
     std::string name;
     bool isCommentedOut = false;
-    std::size_t first = 0; ///< the header's index among the lines
-    std::size_t last = 0;  ///< one after its last line
+    std::size_t first = 0; ///< the index of the header's line
+    std::size_t last = 0;  ///< one after the index of its last line
 };
 
-/// The text of smb.conf taken apart into lines, by the same rules by which the model reads it, so that some
-/// of them can be changed and every other byte kept. The views are into the text, which must outlive this.
+/// The text of smb.conf split into lines by the rules of the model's parser, so that single lines can be
+/// changed and every other byte kept. The views refer to the text, which must outlive this object.
 class SMBLines {
   public:
     explicit SMBLines(std::string_view text);
@@ -45,30 +46,31 @@ class SMBLines {
 
     [[nodiscard]] const std::vector<SMBSectionLines>& sections() const { return sections_; }
 
-    /// The `occurrence`-th section (from 0, commented-out ones counted too) of that exact name, or null.
+    /// The section number `occurrence` (from 0, counting commented-out sections too) with exactly that name,
+    /// or null.
     [[nodiscard]] const SMBSectionLines* section(std::string_view name, std::size_t occurrence) const;
-    /// The index of the section's `occurrence`-th parameter with that exact key. Like the model, it counts
-    /// lines that the server joins to others.
+    /// The index of the section's parameter number `occurrence` with exactly that key. Like the model, this
+    /// counts lines that the server joins to others.
     [[nodiscard]] std::optional<std::size_t> pair(const SMBSectionLines& section, std::string_view key,
                                                   std::size_t occurrence) const;
-    /// The index of the section's last parameter that is not joined to another line, or of its header when it
-    /// has none.
+    /// The index of the section's last parameter that is not joined to another line, or of its header if
+    /// there is none.
     [[nodiscard]] std::size_t lastSetting(const SMBSectionLines& section) const;
     /// One after the last of the lines that the server joins to the line `index`.
     [[nodiscard]] std::size_t endOfJoinedLines(std::size_t index) const;
 
-    /// The blanks and tabs that the line begins with.
+    /// The blanks and tabs at the start of the line.
     [[nodiscard]] std::string_view indentation(const SMBLine& line) const;
-    /// One after the line's last byte before its line break.
+    /// The offset of the line's end without its line break.
     [[nodiscard]] std::size_t contentEnd(const SMBLine& line) const;
-    /// Of a comment: in a commented-out section it would be a parameter.
+    /// Whether the line is a comment that would count as a parameter in a commented-out section.
     [[nodiscard]] bool isParameterInMarks(const SMBLine& line) const;
-    /// Of a line of a commented-out section: without its mark, another section would begin at it.
+    /// For a line of a commented-out section: whether it would be a header without its comment mark.
     [[nodiscard]] bool isHeaderOnceLive(const SMBLine& line) const;
 
   private:
-    /// The line behind its indentation and its mark.
-    [[nodiscard]] std::string_view behindMark(const SMBLine& line) const;
+    /// The line after its indentation and its comment mark.
+    [[nodiscard]] std::string_view afterMark(const SMBLine& line) const;
     void take(std::string_view content, SMBLine line);
     void takeCommentedOut(std::string_view content, SMBLine& line) const;
     void takeLive(std::string_view content, SMBLine& line) const;

@@ -2,19 +2,26 @@
 
 #include <cstddef>
 
-/// What writing the whole file loses or spoils in a file written by hand.
+/// What rewriting the whole file loses or spoils in a file that was written by hand.
 enum class SMBLoss {
-    Continuation, ///< a line ended by a backslash, live or in the commented-out "homes": it stays, and would
-                  ///< swallow the line that is written after it
-    NoValue,      ///< a section's line without a key or a value, or cut at the reader's end mark: lost
-    BrokenHeader, ///< a line begins with "[" and is no header: what follows counts to the section before it;
-                  ///< or it goes on after a "]", where its name is cut
-    OutsideSection, ///< a line that stands in no section: lost
-    ByteOrderMark ///< the first line begins with a byte order mark, which makes it no header and no comment,
-                  ///< for the SMB server as well: lost
+    /// A line that ends with a backslash, in a section or in the commented-out "homes". It is kept, and would
+    /// swallow the line that is written after it.
+    Continuation,
+    /// A section's line that has no key or no value, or that the reader's end mark cuts short. It is lost.
+    NoValue,
+    /// A line that begins with "[" but is no header, so the lines after it count as part of the section
+    /// before
+    /// it. Or a header whose name contains a "]": the name is cut there.
+    BrokenHeader,
+    /// A line outside any section. It is lost.
+    OutsideSection,
+    /// The first line begins with a byte order mark, so neither this program nor the SMB server takes it for
+    /// a
+    /// header or a comment. It is lost.
+    ByteOrderMark
 };
 
-/// A line of the file that a write would not keep as it is. Lines count from 1.
+/// A line of the file that a write would not keep as it is. Lines are numbered from 1.
 struct SMBLossNotice {
     std::size_t line = 0;
     SMBLoss loss = SMBLoss::NoValue;

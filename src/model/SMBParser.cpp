@@ -5,7 +5,7 @@
 
 namespace {
 
-/// The end mark of the scanner that reads values: a value holding it ends there.
+/// The end mark of the scanner that reads values: a value that contains it ends there.
 constexpr std::string_view valueEndMark = "#$%BLAK";
 constexpr std::string_view byteOrderMark = "\xef\xbb\xbf";
 
@@ -13,7 +13,7 @@ constexpr bool isWhiteSpace(char c) {
     return c == ' ' || (c >= '\t' && c <= '\r');
 }
 
-/// Blanks only: tabs belong to a key or value.
+/// Removes only blanks: tabs belong to a key or value.
 std::string_view withoutBlanks(std::string_view text) {
     while (!text.empty() && text.back() == ' ') {
         text.remove_suffix(1);
@@ -24,7 +24,7 @@ std::string_view withoutBlanks(std::string_view text) {
     return text;
 }
 
-/// True when a header goes on after its name: that is not kept.
+/// True when a header continues after its name; the rest is not kept.
 bool isCut(std::string_view line) {
     const std::size_t end = line.find(']');
     return end != std::string_view::npos &&
@@ -95,8 +95,9 @@ bool SMBParser::nextLine() {
     return true;
 }
 
-/// The first `mark` from the position on, else the text's end. `known` is the last one found. It is searched
-/// for again only once it is behind the position, so that a file without that mark is searched only once.
+/// The first `mark` at or after the position, or the end of the text. `known` is the last result. It is
+/// searched for again only when the position has passed it, so that a file without that mark is searched only
+/// once.
 std::size_t SMBParser::nextOf(char mark, std::size_t& known) const {
     if (known <= position_) {
         known = std::min(text_.find(mark, position_), text_.size());
@@ -190,7 +191,7 @@ void SMBParser::addPair(std::string_view text, bool commentedOut) {
         }
         return;
     }
-    // Home folders that are switched on bring the section's commented-out parameters to life.
+    // Turning on home folders makes the commented-out parameters of this section active.
     if (isContinued(pair->value) && (!commentedOut || current_.get() == homes)) {
         note(SMBLoss::Continuation);
     }
@@ -212,18 +213,19 @@ void SMBParser::appendLineToText() {
 
 void SMBParser::note(SMBLoss loss) {
     const auto offset = static_cast<std::size_t>(line_.data() - text_.data());
-    if (lossNotices.empty() || lossNotices.back().line != offset) { // one notice for a line is enough
+    if (lossNotices.empty() || lossNotices.back().line != offset) { // one notice per line is enough
         lossNotices.push_back({offset, loss});
     }
 }
 
-/// While reading, a notice holds its line's offset: most files have none, and so need no counting of lines.
+/// Replaces offsets by line numbers. While reading, a notice holds its line's offset, because most files have
+/// no notices and then no lines need to be counted.
 void SMBParser::numberNotices() {
     std::size_t line = 1;
     const char* counted = text_.data();
     for (SMBLossNotice& notice : lossNotices) {
         const char* const start = text_.data() + notice.line;
-        // "\r\n" and "\n" end a line, as every editor counts them; so does a lone "\r".
+        // A line ends with "\r\n", "\n" or a lone "\r", as in an editor.
         for (; counted != start; ++counted) {
             line += *counted == '\n' || (*counted == '\r' && counted[1] != '\n') ? 1U : 0U;
         }

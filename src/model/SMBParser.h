@@ -12,14 +12,15 @@
 #include <utility>
 #include <vector>
 
-/// Reads the text of smb.conf into entries, once. Nothing is refused: a line that fits no rule is dropped,
-/// and noted when a user would miss it. Linear in the text's length, and copies no parameter.
+/// Parses the text of smb.conf into entries. Nothing is refused: a line that fits no rule is dropped, with a
+/// notice if a user would miss it. Takes time linear in the text's length, and copies no parameters. An
+/// object parses only once.
 class SMBParser {
   public:
-    /// `text` and `memory` must outlive the entries that are made of it.
+    /// `text` and `memory` must outlive the entries.
     SMBParser(std::string_view text, std::pmr::memory_resource* memory);
 
-    /// Reads everything; the results below are valid afterwards. At least one entry is made.
+    /// Parses everything; the results below are valid afterwards. Makes at least one entry.
     void parse();
 
     SMBEntries entries;
@@ -27,7 +28,7 @@ class SMBParser {
     SMBShare* homes = nullptr;
     std::vector<SMBLossNotice> lossNotices;
 
-    // The rules for one line without its leading white space, for code that looks at single lines.
+    // The rules for one line without leading white space, also for other code that looks at single lines.
     [[nodiscard]] static bool isCommentGroup(std::string_view line) {
         return line.starts_with("#[") || line.starts_with(";[");
     }
@@ -44,14 +45,14 @@ class SMBParser {
     struct PairText {
         std::string_view key;
         std::string_view value;
-        bool isCut = false; ///< the value went on after the reader's end mark
+        bool isCut = false; ///< the value continued after the scanner's end mark
     };
 
-    /// None when the text has no key or no value. `mayBeCut` is false where the end mark is known not to
+    /// None when the text has no key or no value. `mayBeCut` may be false when the end mark is known not to
     /// occur.
     [[nodiscard]] static std::optional<PairText> pairOf(std::string_view text, bool mayBeCut = true);
-    /// The name in a header, of which `openingLength` bytes come before it. A header that names nothing is
-    /// named by its whole text, so that it cannot be taken for another section.
+    /// The name in a header, after its first `openingLength` bytes. For a header without a name, its whole
+    /// text, so that it cannot be confused with another section.
     [[nodiscard]] static std::string_view headerName(std::string_view line, std::size_t openingLength);
     /// True when the SMB server would join the next line to this one.
     [[nodiscard]] static bool isContinued(std::string_view line);
@@ -74,16 +75,16 @@ class SMBParser {
     void numberNotices();
 
     std::string_view text_;
-    std::size_t position_ = 0; ///< where the next line is looked for
-    // The line ends that were found last.
+    std::size_t position_ = 0; ///< where the next line is searched for
+    // The line ends that were last found.
     std::size_t lineFeed_ = 0;
     std::size_t carriageReturn_ = 0;
-    bool hasValueEndMark_;  ///< looked for once, because most files hold none
-    std::string_view line_; ///< the line that was read last
+    bool hasValueEndMark_;  ///< searched for once, because most files have none
+    std::string_view line_; ///< the line that was last read
     bool haveLine_ = false; ///< `line_` ended an entry and is still to be read
     State state_ = State::Start;
     std::pmr::memory_resource* memory_;
     std::unique_ptr<SMBShare> current_;
-    /// Keys and values of the current entry, until it ends and their number is known.
+    /// Keys and values of the current entry, collected until it ends, when their number is known.
     std::vector<std::pair<std::string_view, std::string_view>> pairs_;
 };

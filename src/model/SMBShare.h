@@ -15,8 +15,9 @@ inline constexpr std::int32_t SMBCommentGroup = 0; ///< a commented-out section
 inline constexpr std::int32_t SMBComment = 1;      ///< a block of comment lines outside any section
 inline constexpr std::int32_t SMBGroup = 2;        ///< a section
 
-/// A string of bytes in a parameter. What the parser read is a view into the file's bytes, which the model
-/// keeps, so that reading a long file copies nothing; every string made or copied elsewhere owns its bytes.
+/// A string of bytes in a parameter. One that the parser made is a view into the file's bytes, which the
+/// model keeps, so that reading a long file copies nothing. Every string that is made or copied elsewhere
+/// owns its bytes.
 class SMBText {
   public:
     SMBText() : SMBText(nullptr, Ownership()) {}
@@ -39,7 +40,7 @@ class SMBText {
 
     ~SMBText() = default;
 
-    /// A view of `text`, whose bytes must outlive it.
+    /// A view of `text`, whose bytes must outlive the result.
     [[nodiscard]] static SMBText borrowed(std::string_view text) {
         return {text.data(), Ownership(text.size(), false)};
     }
@@ -55,7 +56,7 @@ class SMBText {
 
     operator std::string() const { return str(); }
 
-    // One for each kind of string, because both conversions above would serve a comparison.
+    // One for each kind of string, because with the two conversions above a comparison would be ambiguous.
     [[nodiscard]] friend bool operator==(const SMBText& left, const SMBText& right) {
         return left.view() == right.view();
     }
@@ -73,7 +74,7 @@ class SMBText {
     }
 
   private:
-    /// The string's length, and whether its bytes are freed with it. One word, because a file has many
+    /// The string's length and whether it owns its bytes, packed into one word because a file has many
     /// strings.
     class Ownership {
       public:
@@ -104,14 +105,14 @@ class SMBText {
     std::unique_ptr<const char[], Ownership> bytes_;
 };
 
-/// A parameter of a section, as written.
+/// A parameter of a section, as written in the file.
 struct SMBPair {
     SMBText Name;
     SMBText Value;
     [[nodiscard]] bool operator==(const SMBPair&) const = default;
 };
 
-/// Parameters in the file's order. Those that the parser read lie in memory of the model's.
+/// Parameters in the file's order. A list made by the parser is in the model's memory.
 using SMBPairs = std::pmr::vector<SMBPair>;
 
 /// One entry of smb.conf: a comment block, a section, or a commented-out section. Strings are bytes, as in
@@ -127,7 +128,7 @@ class SMBShare {
 
     void setType(std::int32_t type) { _type = type; }
 
-    /// The string between the header's brackets; empty for a comment block.
+    /// The text between the header's brackets; empty for a comment block.
     [[nodiscard]] const std::string& ShareName() const { return _sharename; }
 
     void setShareName(std::string name) {
@@ -135,8 +136,8 @@ class SMBShare {
         isUnnamed_ = false;
     }
 
-    /// True when the header has nothing between its brackets. It then stands for the name, whole, so that it
-    /// cannot be taken for another section's, and is written as it stood.
+    /// True when the header has nothing between its brackets. The name is then the whole header, so that it
+    /// cannot be confused with another section, and is written as it was.
     [[nodiscard]] bool isUnnamed() const { return isUnnamed_; }
 
     void setUnnamedHeader(std::string header) {
@@ -144,7 +145,7 @@ class SMBShare {
         isUnnamed_ = true;
     }
 
-    /// The live list, changed in place by its users. A key may occur more than once.
+    /// The parameters, which callers may change in place. A key may occur more than once.
     [[nodiscard]] SMBPairs& Props() { return _props; }
 
     [[nodiscard]] const SMBPairs& Props() const { return _props; }
@@ -160,12 +161,12 @@ class SMBShare {
 
     /// The first parameter with that key, exactly as written, or null.
     [[nodiscard]] SMBPair* firstProp(std::string_view key);
-    /// Gives the first parameter with that key the value, or adds one at the end.
+    /// Sets the value of the first parameter with that key, or adds a parameter at the end.
     void setProp(std::string_view key, std::string_view value);
-    /// Removes the first parameter with that key; nothing when there is none.
+    /// Removes the first parameter with that key, if there is one.
     void removeProp(std::string_view key);
 
-    /// The kind's name, "Error" for any code that is no kind.
+    /// The name of the kind; "Error" for a code that is not a kind.
     [[nodiscard]] std::string smbTypeToText() const;
     /// For the log. Part of the entry's public operations.
     [[nodiscard]] std::string description() const;
@@ -178,5 +179,5 @@ class SMBShare {
     bool isUnnamed_ = false;
 };
 
-/// The entries of a file, in its order. They keep their addresses for as long as they are in the list.
+/// The entries of a file, in order. They keep their addresses as long as they are in the list.
 using SMBEntries = std::vector<std::unique_ptr<SMBShare>>;

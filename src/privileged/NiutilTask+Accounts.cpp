@@ -16,14 +16,15 @@ std::string groupPath(const std::string& groupName) {
     return stringWithFormat("/groups/%@", groupName);
 }
 
-/// The property's value as readers expect it: "not shared" is this string, not an empty property.
+/// The value of "sharedDir". Readers expect this string for a folder that is not shared, not an empty
+/// property.
 std::string publicFolder(bool isShared) {
     return isShared ? "Public" : "<no value>";
 }
 
 constexpr std::string_view entryCreationMessage = "outString non empty for create User: %@";
 
-/// An update leaves the entry as it is and writes the first properties only.
+/// Empty for an update, which does not make the record and writes only the first properties.
 std::string_view entryMessage(bool update) {
     return update ? std::string_view() : entryCreationMessage;
 }
@@ -129,7 +130,7 @@ void NiutilTask::runPasswd(const std::string& shortName, const std::string& pass
         return;
     }
     std::vector<std::string> arguments = {".", "-passwd", stringWithFormat("/Users/%@", shortName)};
-    arguments.push_back(passwd); // in the list above it would leave a copy that is never wiped
+    arguments.push_back(passwd); // in the initializer list there would be a copy that is never wiped
     runAndLog(systempath::dscl, arguments, "outString not empty for create passwd: %@", arguments.size() - 1);
     platform::wipe(arguments.back());
 }

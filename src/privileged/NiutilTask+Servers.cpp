@@ -29,10 +29,10 @@ void NiutilTask::hangUp(const std::string& listingCommand) {
     const std::optional<std::string> text = readToolStream(listing);
     processes.close(listing);
     std::vector<std::string> ids = componentsSeparatedByString(text.value_or(""), "\n");
-    ids.pop_back(); // what follows the last line break is no line
+    ids.pop_back(); // what follows the last line break is not a line
     for (const std::string& id : ids) {
         const std::vector<std::string> arguments = {"-1", id};
-        // No stream is asked for: what the tool says does not matter.
+        // No stream: what the tool writes does not matter.
         const OSStatus status = AuthorizationExecuteWithPrivileges(
             authorizationRef, platform::systempath::kill, kAuthorizationFlagDefaults, arguments, nullptr);
         if (status != errAuthorizationSuccess) {

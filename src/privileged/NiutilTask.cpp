@@ -15,7 +15,7 @@ constexpr const char* statusMessage = "Error %d in AuthorizationExecuteWithPrivi
 
 std::vector<std::string> report(const std::string& path, std::span<const std::string> properties) {
     std::vector<std::string> lines;
-    // A directory that cannot be read has been logged and shows as an empty list.
+    // A failure has been logged and shows as an empty list.
     static_cast<void>(ni_report_local(path, properties, lines));
     return lines;
 }
@@ -32,7 +32,7 @@ NiutilTask::~NiutilTask() {
 
 bool NiutilTask::isAuthenticated() {
     if (authorizationRef == nullptr) {
-        // Without a session every request below fails, which is all that callers need to know.
+        // Without a session every request below fails, so the status is not needed.
         static_cast<void>(AuthorizationCreate({}, kAuthorizationFlagDefaults, &authorizationRef));
     }
     return copyRights(kAuthorizationFlagExtendRights);
@@ -63,7 +63,7 @@ void NiutilTask::deauthenticate() {
 }
 
 bool NiutilTask::copyRights(AuthorizationFlags flags) {
-    // One right serves every tool; the directory tool stands for all of them.
+    // One right covers every tool; nicl is named for all of them.
     static const AuthorizationRights rights = {{"system.privilege.admin", platform::systempath::nicl, 0}};
     AuthorizationRights* granted = nullptr;
     if (AuthorizationCopyRights(authorizationRef, rights, flags, &granted) != errAuthorizationSuccess) {

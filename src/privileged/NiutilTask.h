@@ -4,7 +4,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <cstdio>
 #include <optional>
 #include <span>
 #include <string>
@@ -14,20 +13,20 @@
 /// Posted by the shared NiutilTask, with itself as the object, when the user has granted the administrator
 /// right.
 inline const std::string NiutilAuthenticatedNotification = "NiutilAuthenticatedNotification";
-/// Posted likewise when the authorization has been given up.
+/// Posted in the same way when the authorization has been given up.
 inline const std::string NiutilDeauthenticatedNotification = "NiutilDeauthenticatedNotification";
 
-/// The one place that holds the administrator's rights: every change to the directory, to protected files and
-/// to running servers is a tool run of this object. Reading needs no rights. Main thread only; every
-/// operation blocks until its runs have ended.
+/// Holds the administrator's rights. Every change to the directory, to protected files and to running servers
+/// is a tool run by this object. Reading needs no rights. Main thread only; every operation blocks until its
+/// runs have ended.
 ///
-/// An operation that changes something first makes sure that the right is held, asking the user if needed,
-/// and does nothing (returning false) when it is refused. A run fails when its tool wrote anything to its
-/// standard output, or could not be started; a failed run beeps and is logged. Operations that return a
-/// boolean stop at the first failed run; the others go on.
+/// An operation that changes something first makes sure that the right is held, asking the user if necessary,
+/// and does nothing (returning false) when it is refused. A run fails when its tool could not be started or
+/// wrote anything to its standard output. A failed run beeps and is logged. Operations that return a boolean
+/// stop at the first failed run; the others go on.
 class NiutilTask {
   public:
-    /// The current host's one instance, made on first use.
+    /// The current host's instance, made on first use.
     [[nodiscard]] static NiutilTask& sharedInstance();
 
     NiutilTask() = default;
@@ -35,15 +34,15 @@ class NiutilTask {
     NiutilTask(const NiutilTask&) = delete;
     NiutilTask& operator=(const NiutilTask&) = delete;
 
-    /// True when the right can be had now without asking the user. Makes the session when there is none.
+    /// True when the right is available now without asking the user. Makes the session if there is none.
     [[nodiscard]] bool isAuthenticated();
-    /// Makes sure the right is held, asking the user if needed. True when it is held afterwards.
+    /// Makes sure that the right is held, asking the user if necessary. Returns whether it is held.
     bool authenticate();
-    /// Gives the session and its rights up and posts the notification; nothing without a session.
+    /// Gives up the session and its rights and posts the notification. Does nothing without a session.
     void deauthenticate();
 
-    // Reports: one line a record, each property's values joined by ",", each followed by a tab, then "\n".
-    // Empty when the directory cannot be read.
+    // Reports with one line per record (see directory/ni_report.h), empty when the directory cannot be read.
+    // The properties are:
     /// name, directory_path, afp_shared, afp_name, afp_use_parent_privs, afp_use_parent_owner.
     [[nodiscard]] std::vector<std::string> currentShares() const;
     /// name, uid, sharedDir, realname, gid.
@@ -71,49 +70,51 @@ class NiutilTask {
     void changeUserShare(const std::string& shortName, bool enable);
     void runPasswd(const std::string& shortName, const std::string& passwd);
 
-    /// A run that the caller has put together, checked like any other: false when it failed.
+    /// Makes a run that the caller has put together, with the usual checks. Returns false when it failed.
     bool carryOut(const std::string& tool, std::span<const std::string> arguments);
 
-    /// What a tool that only tells something has written; none when the right was refused or the run failed.
+    /// Runs a tool whose output is its result, and returns that output; none when the right was refused or
+    /// the run failed.
     [[nodiscard]] std::optional<std::string> outputOf(const std::string& tool,
                                                       std::span<const std::string> arguments);
 
-    // Servers: signal 1 to each process of AppleFileServer or smbd.
+    // Servers: these send signal 1 to each process of AppleFileServer or smbd.
     void restartAFS();
     void restartSMB();
 
   private:
     struct RunResult {
         OSStatus status = 0;
-        std::optional<std::string> output; ///< none when the tool's bytes are not UTF-8
+        std::optional<std::string> output; ///< none when it is not UTF-8
     };
 
-    /// Asks the user for the right; posts the notification when it was granted. The session exists already.
+    /// Asks the user for the right and posts the notification when it is granted. The session must exist.
     bool fetchPassword();
-    /// Asks for the administrator right with these flags. True when it is granted.
+    /// Requests the administrator right with these flags. Returns whether it is granted.
     [[nodiscard]] bool copyRights(AuthorizationFlags flags);
-    /// Starts the tool as root and reads its standard output to the end. `secretArgument` is the index of an
-    /// argument that must not be shown.
+    /// Runs the tool and reads its standard output to the end. `secretArgument` is the index of an argument
+    /// that must not be shown.
     [[nodiscard]] RunResult runTool(const std::string& tool, std::span<const std::string> arguments,
                                     std::optional<std::size_t> secretArgument = std::nullopt);
 
-    // One checked run. `message` is the log message for unexpected output, which replaces its one "%@".
-    /// Returns false at the first check that fails: the caller stops there.
+    // One run with its checks. `message` is the log message for unexpected output, which replaces the "%@" in
+    // it.
+    /// Returns false at the first check that fails; the caller then stops.
     [[nodiscard]] bool runOrStop(const std::string& tool, std::span<const std::string> arguments,
                                  std::string_view message);
-    /// Makes both checks, so that one run may log twice: the caller goes on.
+    /// Makes both checks, so that a run may log twice; the caller goes on.
     void runAndLog(const std::string& tool, std::span<const std::string> arguments, std::string_view message,
                    std::optional<std::size_t> secretArgument = std::nullopt);
 
-    /// One property of a record to be written, with the log message for unexpected output.
+    /// A property to be written, with the log message for unexpected output.
     struct Property {
         std::string name;
         std::string value;
         std::string_view message;
     };
 
-    /// Makes the account's record first when `entryMessage` is not empty, then writes the properties in
-    /// order, one with an empty value as a property without a value. Returns false at the first failed run.
+    /// Makes the account's record if `entryMessage` is not empty, then writes the properties in order; an
+    /// empty value is written as a property without values. Returns false at the first failed run.
     [[nodiscard]] bool writeAccount(const std::string& path, std::string_view entryMessage,
                                     std::span<const Property> properties);
     /// Sends signal 1 to every process that the listing command prints.

@@ -81,7 +81,7 @@ void AccountForecast::follow(const DirectoryChange& change, const RecordPath& pa
             remove(path);
         }
     } else if (!isPropertyOfLine(path, *change.property)) {
-        return; // nothing here looks at it
+        return; // nothing here depends on it
     } else if (exists(path)) {
         changeLine(change, path);
     } else {

@@ -9,22 +9,22 @@
 
 namespace review {
 
-/// This computer's own accounts while the runs of a plan would change them, and what its tools are bound to
-/// refuse on the way.
+/// Follows how the runs of a plan would change this computer's own accounts, and finds the runs that its
+/// tools are bound to refuse.
 class AccountForecast {
   public:
-    /// The accounts as they are now; none where the directory of the current host has all of them itself, or
-    /// where they cannot be read.
+    /// Starts with the current accounts. None when the current host keeps its accounts in the directory
+    /// alone, or when they cannot be read.
     [[nodiscard]] static std::optional<AccountForecast> ofComputer();
 
-    /// Why the change of an account, which keeps the directory's rules, is bound to be refused; ok when it is
-    /// not, and the accounts are then as it leaves them.
+    /// Fails, saying why, when the computer's tools are bound to refuse this change of an account. Otherwise
+    /// applies the change. It must pass checkDirectoryChange.
     [[nodiscard]] platform::Status take(const DirectoryChange& change);
 
-    /// Why the password of the user cannot be set; ok when nothing is known against it.
+    /// Fails, saying why, when the user's password cannot be set.
     [[nodiscard]] platform::Status checkPassword(const std::string& user) const;
 
-    /// Whether there is such an account.
+    /// Whether there is an account at this path.
     [[nodiscard]] bool exists(const RecordPath& path) const;
 
   private:
@@ -33,11 +33,11 @@ class AccountForecast {
     void follow(const DirectoryChange& change, const RecordPath& path);
     void remove(const RecordPath& path);
     void changeLine(const DirectoryChange& change, const RecordPath& path);
-    /// Makes the account when its numbers are known, as the tools do.
+    /// Makes the account as soon as its numbers are known, as the tools do.
     void collect(const DirectoryChange& change, const RecordPath& path);
 
     ComputerAccounts accounts_;
-    std::set<RecordPath> ours_; ///< those that Brindle has made
+    std::set<RecordPath> ours_; ///< accounts that Brindle has made
     std::map<RecordPath, std::map<std::string, unsigned>> collected_;
 };
 

@@ -15,7 +15,7 @@ namespace review {
 
 namespace {
 
-/// What the system's own ids end at: the number above stands for "no id".
+/// The largest id of the system: the next number means "no id".
 constexpr std::string_view largestId = "4294967294";
 
 bool isAboveLargestId(std::string_view number) {
@@ -29,7 +29,7 @@ bool isId(const DirectoryChange& change) {
     return change.property == "uid" || change.property == "gid";
 }
 
-/// The text that the user gave for what the rule is about.
+/// What the user entered that the rule is about.
 std::string subjectOf(const DirectoryChange& change) {
     if (change.property && !change.values.empty()) {
         return change.values.front();
@@ -49,7 +49,7 @@ std::string_view codeOf(const DirectoryChange& change) {
     return change.property == "directory_path" ? "folder" : "text";
 }
 
-/// The field that the user gave it in; null where it was none.
+/// The field in which the user entered it, or null.
 const NSTextField* fieldOf(const DirectoryChange& change, const std::string& operation,
                            const BROutlets& controls) {
     const std::string property = change.property.value_or("");
@@ -68,17 +68,17 @@ const NSTextField* fieldOf(const DirectoryChange& change, const std::string& ope
     return nullptr;
 }
 
-/// Why a tool refuses. The tools speak English; what names nothing of the computer is in the table.
+/// Why a tool refuses, translated if the string table has the sentence. The tools write English.
 std::string reasonOf(const platform::Status& status) {
     return NSLocalizedString(std::string(status.why()));
 }
 
-/// What the tools keep of this computer's own accounts.
+/// Adds a block if the computer's tools would refuse the change of an account.
 void addAccountBlock(const DirectoryChange& change, const std::string& outlet, AccountForecast& accounts,
                      std::vector<Remark>* blocks) {
     const RecordPath path = recordPath(change.path).value();
     const platform::Status status = accounts.take(change);
-    if (!status.isOk() && change.operation != "-delete") { // whoever wants something gone may try
+    if (!status.isOk() && change.operation != "-delete") { // deleting may always be tried
         blocks->push_back({"name",
                            accounts.exists(path)
                                ? stringWithFormat(NSLocalizedString("\"%@\" cannot be changed: %@."),
@@ -131,9 +131,10 @@ void addPasswordBlocks(const BROutlets& controls, const std::optional<AccountFor
     }
 }
 
-/// The helper changes no folder that somebody could put another one in the place of.
+/// Adds a block if the helper would refuse to change the folder, because anybody could replace it.
 void addFolderBlock(const PlannedRun& run, const BROutlets& controls, std::vector<Remark>* blocks) {
-    const auto status = run.arguments.size() == 2 ? checkWayTo(run.arguments[1]) : platform::Status();
+    const auto status =
+        run.arguments.size() == 2 ? checkNotReplaceable(run.arguments[1]) : platform::Status();
     if (!status.isOk()) {
         blocks->push_back({"folder",
                            stringWithFormat(NSLocalizedString("\"%@\" cannot be changed: %@."),

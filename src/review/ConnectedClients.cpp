@@ -24,7 +24,7 @@ connectedClients(const std::optional<platform::SambaPaths>& root) {
     if (!listing) {
         return Result(platform::Status::failure(what, {}, NSLocalizedString("only an administrator may")));
     }
-    // How the helper's tools complain.
+    // How an error message of the helper begins.
     constexpr std::string_view complaint = "smbstatus: ";
     return listing->starts_with(complaint)
                ? Result(platform::Status::failure(what, {}, platform::lastLineOf(*listing)))

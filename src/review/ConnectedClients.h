@@ -10,16 +10,17 @@
 
 namespace review {
 
-/// Who is connected to the SMB server of the current host: an embedded root's, or this computer's. There, the
-/// administrator's right is asked for where another than root wants to know. Fails when Samba does not tell.
+/// Who is connected to the SMB server of the embedded root `root`, or without it to this computer's own. For
+/// the latter a user other than root is asked for the administrator's right. Fails when Samba does not tell.
 [[nodiscard]] platform::Result<std::vector<platform::Session>>
 connectedClients(const std::optional<platform::SambaPaths>& root);
 
 enum class Disconnection { Share, Computer };
 
-/// The arguments of the run that ends all connections to a share, or of a computer with this address.
+/// The arguments of smbcontrol that end all connections to the share `what`, or from the computer with the
+/// address `what`.
 [[nodiscard]] std::vector<std::string> disconnectionWords(Disconnection kind, const std::string& what);
-/// Makes it. False when it failed; the log says why.
+/// Makes that run. Returns false when it failed; the log says why.
 bool disconnect(Disconnection kind, const std::string& what);
 
 } // namespace review

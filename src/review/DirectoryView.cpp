@@ -23,7 +23,6 @@ DirectoryView::DirectoryView(std::shared_ptr<const platform::LocalDomain> domain
 
 DirectoryView::~DirectoryView() = default;
 DirectoryView::DirectoryView(DirectoryView&& other) noexcept = default;
-DirectoryView& DirectoryView::operator=(DirectoryView&& other) noexcept = default;
 
 DirectoryView::Domain* DirectoryView::open() const {
     if (!domain_) {
@@ -59,7 +58,8 @@ std::optional<std::vector<DirectoryView::Property>> DirectoryView::record(const 
     std::vector<Property> properties;
     for (const std::string_view name : names.ninl_val) {
         ni_namelist values;
-        static_cast<void>(ni_lookupprop(opened->domain, &id, name, &values)); // listed above: it is there
+        static_cast<void>(
+            ni_lookupprop(opened->domain, &id, name, &values)); // it was listed above, so it exists
         properties.push_back({std::string(name), {values.ninl_val.begin(), values.ninl_val.end()}});
     }
     return properties;

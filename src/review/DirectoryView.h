@@ -12,17 +12,16 @@ class LocalDomain;
 
 namespace review {
 
-/// A directory as it is when something is first asked of it. What cannot be read is not there.
+/// A directory as it is when it is first read. What cannot be read seems to be missing.
 class DirectoryView {
   public:
     explicit DirectoryView(std::string storeFile);
-    /// What `domain` shows.
+    /// A view of what `domain` shows.
     explicit DirectoryView(std::shared_ptr<const platform::LocalDomain> domain);
     ~DirectoryView();
     DirectoryView(DirectoryView&& other) noexcept;
-    DirectoryView& operator=(DirectoryView&& other) noexcept;
 
-    /// False when nothing can be read of it, so that what is asked for is not known to be missing.
+    /// False when the directory cannot be read, so that a missing record may in fact exist.
     [[nodiscard]] bool isReadable() const;
 
     /// The record at `path`, with its properties in order; none when there is none.

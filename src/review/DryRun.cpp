@@ -14,7 +14,7 @@ namespace review {
 
 namespace {
 
-/// Asks for rights as the real authority does, and carries runs out on the copies.
+/// Requests rights from the real authority, and carries runs out on the copies.
 class DryRunAuthority : public platform::Authority {
   public:
     DryRunAuthority(std::shared_ptr<platform::Authority> real, std::shared_ptr<WorkingCopy> copy)
@@ -46,7 +46,7 @@ class DryRunAuthority : public platform::Authority {
 } // namespace
 
 platform::Result<platform::Services> servicesOnCopies(const platform::Services& real) {
-    const platform::Host host(real); // the copies are made of what this host reads
+    const platform::Host host(real); // the copies are made from this host
     const auto copy = WorkingCopy::make();
     if (!copy.isOk()) {
         return copy.status();
@@ -59,7 +59,7 @@ platform::Result<platform::Services> servicesOnCopies(const platform::Services& 
         }
     }
     services.authority = std::make_shared<DryRunAuthority>(real.authority, *copy);
-    // Accounts that the run makes have names, too.
+    // Accounts that the dry run makes have names too.
     services.accountNames = std::make_shared<platform::DirectoryAccounts>((*copy)->storeFile());
     return services;
 }

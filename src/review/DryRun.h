@@ -5,9 +5,9 @@
 
 namespace review {
 
-/// The services `real` with working copies in place of all that a tool run can change: what is done with them
-/// looks as it would come, and changes nothing. The administrator right is asked for as it would be. The log
-/// and the presenter are left out. Fails where nothing can be copied.
+/// The services `real`, but with working copies of everything that a tool run can change: what is done with
+/// them looks real but changes nothing. The administrator right is still requested from the real authority.
+/// The log and the presenter are left out. Fails when the copies cannot be made.
 [[nodiscard]] platform::Result<platform::Services> servicesOnCopies(const platform::Services& real);
 
 } // namespace review

@@ -13,10 +13,10 @@
 
 namespace review {
 
-/// What the runs of a plan have changed about folders so far. The folders themselves stay as they are.
+/// What the runs of a plan would have changed about folders so far. The folders themselves do not change.
 class FolderForecasts : public platform::FolderForecast {
   public:
-    /// `outer` is what a plan around this one has predicted; may be null.
+    /// `outer` is the forecast of an enclosing plan; may be null.
     explicit FolderForecasts(std::shared_ptr<platform::FolderForecast> outer) : outer_(std::move(outer)) {}
 
     void apply(struct stat& status) const override;
@@ -24,7 +24,8 @@ class FolderForecasts : public platform::FolderForecast {
     /// Records what a tool would do to the folder at `path`.
     void add(const std::string& path, const FolderOrder& order);
 
-    /// Each folder that a run has named, before all of them and after, in the order of the first runs.
+    /// Each folder that a run has named, with its state before and after all runs, in the order in which the
+    /// folders were first named.
     [[nodiscard]] std::vector<FolderChange> changes(const platform::AccountNames& names) const;
 
   private:

@@ -71,7 +71,7 @@ void History::stopAction(bool madeStill) const {
 std::string History::titleOfNextUndo() const {
     std::string title;
     if (recorder_) {
-        // What cannot be read cannot be undone; the attempt says why.
+        // A history that cannot be read offers no undo; trying to undo says why.
         static_cast<void>(recorder_->store().visit([&title](HistoryEntry&& entry) {
             const bool isNext = isNextToUndo(entry);
             title = isNext ? std::move(entry.title) : std::string();

@@ -6,58 +6,56 @@
 #include "review/Undo.h"
 
 #include <cstdint>
-#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
-#include <utility>
 #include <vector>
 
 namespace review {
 
 class Recorder;
 
-/// What actions have changed, and how it is taken back. One for a host, for which it stands before the
-/// authority; all but attach() needs that host to be the current one. Main thread only.
+/// What actions have changed, and undoing it. There is one for a host, whose authority it wraps; everything
+/// except the constructor needs that host to be the current one. Main thread only.
 class History {
   public:
-    /// Puts a recorder before the authority of `services`, which a host is made of afterwards. Where they
-    /// name no file for the history, none is kept.
+    /// Wraps the authority of `services` in a recorder; make the host from `services` afterwards. No history
+    /// is kept if `services` name no file for it.
     explicit History(platform::Services& services);
 
-    /// All entries, the newest first, with all that they hold.
+    /// All entries with their contents, the newest first.
     [[nodiscard]] platform::Result<std::vector<HistoryEntry>> entries() const;
 
-    /// What this program has added since this was asked last; of several entries the newest. Other programs
-    /// may have added later ones.
+    /// The newest entry that this program has added since the last call, or none. Other programs may have
+    /// added later ones.
     [[nodiscard]] std::optional<HistoryEntry> takeAdded() const;
 
-    /// Lets no further run of the action that is under way begin: the right to make it is refused, and nobody
-    /// is asked. The one that the presenter is being told of is `madeStill` or not. What is done stays.
-    /// Nothing where no history is kept.
+    /// Stops the current action: further runs are refused the right, and the user is not asked. `madeStill`
+    /// says whether the run that the presenter is being told of is still made. What has been done stays. Does
+    /// nothing when no history is kept.
     void stopAction(bool madeStill) const;
 
-    /// The title of the change that an undo takes back next; empty where there is none, or the history cannot
-    /// be read. Waits for no directory: a menu shows it.
+    /// The title of the change that would be undone next; empty when there is none or the history cannot be
+    /// read. Does not wait for the directory, because a menu shows it.
     [[nodiscard]] std::string titleOfNextUndo() const;
 
-    /// What taking back entry `number` would do; none: the newest that is not taken back. Nothing changes.
-    /// Fails when there is no such entry, or the history cannot be read.
+    /// What undoing entry `number` would do; without a number, the newest entry that is not undone. Changes
+    /// nothing. Fails when there is no such entry or the history cannot be read.
     [[nodiscard]] platform::Result<UndoPlan> describeUndo(std::optional<std::int64_t> number) const;
 
-    /// Takes back what the plan says, as a part of the event that is under way (NSApp().dispatch). Fails,
-    /// with nothing changed, when the plan is refused or things have changed since it was made; and when a
-    /// run failed. The caller then reads all that is shown again (Reviewer::rereadEverything).
+    /// Carries the plan out as a part of the current event (NSApp().dispatch). Fails without changing
+    /// anything when the plan is refused or things have changed since it was made; also fails when a run
+    /// failed. In any case the caller then reads again everything that is shown (Reviewer::rereadEverything).
     [[nodiscard]] platform::Status undo(const UndoPlan& plan) const;
 
   private:
     std::shared_ptr<Recorder> recorder_; ///< null: no history is kept
 };
 
-/// Lists in an alert what will not be restored exactly. True unless the plan is refused; the alert then says
-/// why.
+/// Shows an alert if something will not be restored exactly, or if the plan is refused. Returns false when it
+/// is refused.
 [[nodiscard]] bool announceUndo(const UndoPlan& plan);
-/// Says that taking back has stopped on its way; the failed run was logged.
+/// Says in an alert that the undo stopped half way. The failed run has been logged.
 void showUndoFailed(const UndoPlan& plan);
 
 } // namespace review

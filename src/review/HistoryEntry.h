@@ -11,7 +11,7 @@
 
 namespace review {
 
-/// A record of the directory before and after; none: there is no such record.
+/// A record of the directory before and after; none means that there is no such record.
 struct RecordChange {
     using State = std::optional<std::vector<DirectoryView::Property>>;
 
@@ -20,11 +20,11 @@ struct RecordChange {
     State after;
 };
 
-/// Whether both have the same properties in the same order, or there is none in either.
+/// Whether both have the same properties in the same order, or neither exists.
 [[nodiscard]] bool isSameRecord(const RecordChange::State& one, const RecordChange::State& other);
 
-/// The bytes of a settings file, by the path that the application knows, before and after; none: there is no
-/// such file.
+/// The contents of a settings file before and after, with the path that the application uses; none means that
+/// there is no such file.
 struct FileChange {
     std::string path;
     std::optional<std::string> before;
@@ -35,7 +35,7 @@ struct FolderState {
     uid_t owner = 0;
     gid_t group = 0;
     mode_t mode = 0;      ///< 07777
-    std::string accounts; ///< "OWNER:GROUP", empty where an id has no name
+    std::string accounts; ///< "OWNER:GROUP"; a part is empty if its id has no name
 
     [[nodiscard]] bool isSame(const FolderState& other) const {
         return owner == other.owner && group == other.group && mode == other.mode;
@@ -49,7 +49,7 @@ struct FolderStep {
     FolderState after;
 };
 
-/// A tool run as it may be shown, and what came of it.
+/// A tool run in the form in which it may be shown, and its result.
 struct PastRun {
     std::string tool;
     std::vector<std::string> arguments; ///< a password is "********"
@@ -61,26 +61,26 @@ struct PastRun {
 struct HistoryEntry {
     std::int64_t number = 0;
     std::int64_t time = 0; ///< seconds since 1970
-    std::string user;      ///< the login name of who did it
-    std::string title;     ///< in the language of who did it
+    std::string user;      ///< the login name of the user who did it
+    std::string title;     ///< in that user's language
     bool hasFailed = false;
     bool isUndone = false;
-    bool isDamaged = false;  ///< what it did cannot be read any more
-    std::int64_t undoes = 0; ///< the entry that this one has taken back; 0: it is no undo
+    bool isDamaged = false;  ///< its contents cannot be read any more
+    std::int64_t undoes = 0; ///< the entry that this one has undone; 0: it is not an undo
     std::vector<PastRun> runs;
     std::vector<RecordChange> records; ///< in the order in which they were first touched
     std::vector<FileChange> files;
     std::vector<FolderStep> folders;
 
-    /// Whether there is anything that could be taken back: a password that was set cannot.
+    /// Whether the entry holds anything that can be undone. Setting a password cannot.
     [[nodiscard]] bool canComeBack() const { return !records.empty() || !files.empty() || !folders.empty(); }
 };
 
-/// "done", "failed" or "undone"; a damaged entry has failed.
+/// "done", "failed" or "undone"; "failed" for a damaged entry.
 [[nodiscard]] const char* outcomeOf(const HistoryEntry& entry);
-/// "2026-11-25T14:03:07Z".
+/// The entry's time in UTC: "2026-11-25T14:03:07Z".
 [[nodiscard]] std::string timeOf(const HistoryEntry& entry);
-/// What was done by an action that is no undo, naming what it is about, in the user's language: `Share "Docs"
+/// A title, in the user's language, that says what an action other than an undo has done: `Share "Docs"
 /// created`.
 [[nodiscard]] std::string titleOf(const HistoryEntry& entry);
 

@@ -6,7 +6,6 @@
 #include <cerrno>
 #include <charconv>
 #include <filesystem>
-#include <span>
 #include <system_error>
 
 #include <fcntl.h>
@@ -41,8 +40,8 @@ CREATE TABLE entry (
 );
 )";
 
-// An entry's content is a list of named texts, as a record's is (RecordContent.h): a part's name, then what
-// it holds. "before" and "after" follow the record that they are properties of.
+// An entry's content is packed like a record's (RecordContent.h): each part is a name with a list of strings.
+// The parts "before" and "after" are properties of the record part that they follow.
 constexpr const char* runPart = "run";
 constexpr const char* recordPart = "record";
 constexpr const char* beforePart = "before";
@@ -100,7 +99,7 @@ std::string packed(const HistoryEntry& entry) {
     return platform::packedContent(parts);
 }
 
-/// Reads the texts of a part in their order. What is missing reads as empty; unpack sees that it was missing.
+/// Reads the strings of a part in order. A missing string reads as empty; unpack notices that it was missing.
 class Texts {
   public:
     explicit Texts(StoredProperty& part) : values_(part.values) {}
@@ -187,8 +186,8 @@ void unpackPart(StoredProperty& part, HistoryEntry* entry) {
     }
 }
 
-/// False, and nothing read, where the content is not what such an entry is packed into: parts that are
-/// missing or unknown are damage, too, and would have an undo bring back something else than what was there.
+/// Returns false, reading nothing, unless the content is exactly what the entry would be packed into. Missing
+/// or unknown parts are damage too: an undo would then restore something other than what was there.
 bool unpack(std::string_view content, HistoryEntry* entry) {
     std::vector<StoredProperty> parts;
     if (!platform::unpackContent(content, &parts)) {
@@ -223,7 +222,7 @@ int finish(SqliteStatement& statement) {
     return statement.error();
 }
 
-/// Makes the tables of a new file. SQLITE_NOTADB when the file is something else.
+/// Makes the tables in a new file. Returns SQLITE_NOTADB when the file is something else.
 int prepare(sqlite3* database) {
     if (const int error = execute(database, "BEGIN IMMEDIATE"); error != SQLITE_OK) {
         return error;
@@ -240,7 +239,7 @@ int prepare(sqlite3* database) {
     return isHistory ? SQLITE_OK : SQLITE_NOTADB;
 }
 
-/// What an undo had taken back is done again when the undo is taken back itself, and so on.
+/// When an undo is itself undone, what it had undone counts as done again, and so on.
 int markUndone(sqlite3* database, std::int64_t number) {
     int error = SQLITE_OK;
     for (bool isUndone = true; error == SQLITE_OK && number != 0; isUndone = !isUndone) {
@@ -252,7 +251,7 @@ int markUndone(sqlite3* database, std::int64_t number) {
     return error;
 }
 
-/// The newest entry stays, however large it is.
+/// Keeps the newest entry, however large it is.
 int removeOldest(sqlite3* database) {
     SqliteStatement remove(database,
                            "DELETE FROM entry WHERE number IN (SELECT number FROM (SELECT number, "
@@ -275,9 +274,9 @@ Status HistoryStore::failure(std::string_view what, int error) const {
 }
 
 Result<platform::SqliteConnection> HistoryStore::open() const {
-    std::error_code ignored; // where there can be no folder, there can be no file, which says so
+    std::error_code ignored; // without the folder, opening the file fails
     std::filesystem::create_directories(std::filesystem::path(file_).parent_path(), ignored);
-    // It holds what the settings files hold, which not everybody may read.
+    // Private, because it contains settings files, which not everybody may read.
     const FileDescriptor made(::open(file_.c_str(), O_CREAT | O_RDWR | O_CLOEXEC, S_IRUSR | S_IWUSR));
     if (!made.isOpen()) {
         return Status::ofErrno("cannot open", "the history " + file_, errno);
@@ -352,7 +351,7 @@ Status HistoryStore::visit(const std::function<bool(HistoryEntry&& entry)>& take
         entry.hasFailed = rows.number(4) != 0;
         entry.isUndone = rows.number(5) != 0;
         entry.undoes = rows.number(6);
-        entry.isDamaged = !unpack(rows.text(7), &entry); // the others are told all the same
+        entry.isDamaged = !unpack(rows.text(7), &entry); // the other entries are still read
         if (!takes(std::move(entry))) {
             return {};
         }

@@ -14,9 +14,9 @@
 
 namespace review {
 
-/// The file that keeps what actions have changed. Opened for each operation, so that several programs can use
-/// it; each operation is one transaction and waits for the others a few seconds. The oldest entries are
-/// dropped when there are too many. Failures say what to do.
+/// The file that records what actions have changed. It is opened for each operation, so that several programs
+/// can use it; each operation is one transaction, and waits a few seconds for other programs. The oldest
+/// entries are dropped when there are too many. Failures say what to do.
 class HistoryStore {
   public:
     static constexpr int entryLimit = 500;
@@ -24,15 +24,15 @@ class HistoryStore {
 
     explicit HistoryStore(std::string file) : file_(std::move(file)) {}
 
-    /// Keeps an entry under the next number, which it returns. One that takes another back marks that, and
-    /// where that was an undo itself, what it had taken back counts as done again.
+    /// Adds an entry with the next number, which it returns. If the entry undoes another one, marks that as
+    /// undone; if that was itself an undo, what it had undone counts as done again.
     [[nodiscard]] platform::Result<std::int64_t> add(const HistoryEntry& entry) const;
 
-    /// All entries, the newest first. One whose content cannot be read is damaged, and tells nothing of what
-    /// it did. None where nothing was kept yet.
+    /// All entries, the newest first; empty when nothing has been recorded yet. An entry whose content cannot
+    /// be read is marked as damaged and has no content.
     [[nodiscard]] platform::Result<std::vector<HistoryEntry>> entries() const;
 
-    /// Hands the entries over, the newest first, until `takes` returns false.
+    /// Calls `takes` with each entry, the newest first, until it returns false.
     [[nodiscard]] platform::Status visit(const std::function<bool(HistoryEntry&& entry)>& takes) const;
 
   private:

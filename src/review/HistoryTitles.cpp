@@ -14,16 +14,16 @@ namespace review {
 
 namespace {
 
-/// How many records a title names; of more it tells the number.
+/// How many records a title names; of the others it gives the number.
 constexpr std::size_t namedLimit = 3;
 
 enum class Kind { Created, Changed, Deleted };
 
-/// The titles of what happened to records of one folder of the directory.
+/// The titles for changes of records below one folder of the directory.
 struct Titles {
     std::string_view folder;
     std::array<const char*, 3> one;     ///< by Kind
-    std::array<const char*, 3> several; ///< with the names, or the names and a number
+    std::array<const char*, 3> several; ///< with the names, or with some names and a number
 };
 
 constexpr std::array<Titles, 3> titles = {{
@@ -46,7 +46,7 @@ Kind kindOf(bool wasThere, bool isThere) {
     return wasThere && isThere ? Kind::Changed : (isThere ? Kind::Created : Kind::Deleted);
 }
 
-/// What happened to things of one kind, by their names.
+/// What happened to things of one kind, with their names.
 struct Happening {
     std::vector<std::string> names;
     std::vector<Kind> kinds;
@@ -71,7 +71,7 @@ struct Happening {
     }
 };
 
-/// The sections of smb.conf with what they say, however it is written.
+/// The settings of each section of smb.conf, independent of how the file is laid out.
 std::map<std::string, std::string> sectionsOf(const std::optional<std::string>& text) {
     std::map<std::string, std::string> sections;
     const auto model = SMBConf::ofText(text.value_or(""));

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cstddef>
-#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -10,49 +9,49 @@
 
 namespace review {
 
-/// An alert on the way, and how the plan takes it.
+/// An alert that the action would show, and the button that the plan presses.
 struct PlannedAsk {
     std::string title;
     std::string message;
     std::string button;     ///< the title of the button that the plan presses
-    bool isQuestion = true; ///< false: it only tells something, and has that button alone
+    bool isQuestion = true; ///< false: the alert only tells something, and has only that button
 };
 
-/// A tool run as the presenter is told of it: a password is "********".
+/// A tool run as the presenter is told of it, with "********" instead of a password.
 struct PlannedRun {
     std::string tool;
     std::vector<std::string> arguments;
-    std::string output; ///< what the tool would write; empty where it would do what it is asked
+    std::string output; ///< what the tool would write; empty when it would succeed
 };
 
-/// A line of a text that goes or comes.
+/// A line that is removed from a text or added to it.
 struct LineChange {
     enum class Kind { Goes, Comes };
 
     Kind kind = Kind::Goes;
     std::string line;       ///< without its line break
-    std::size_t number = 0; ///< in the text that it goes from or comes to, from 1
+    std::size_t number = 0; ///< its number, from 1, in the old text for Goes, in the new text for Comes
     [[nodiscard]] bool operator==(const LineChange&) const = default;
 };
 
-/// A key of the AFP settings; an absent value is empty.
+/// A changed key of the AFP settings. A missing value is empty.
 struct SettingChange {
-    std::string key; ///< nested ones as "loggingAttributes.logLogin"
+    std::string key; ///< a nested key as "loggingAttributes.logLogin"
     std::string before;
     std::string after;
     [[nodiscard]] bool operator==(const SettingChange&) const = default;
 };
 
-/// A folder's owner, group and mode (07777) before and after. Both sides of one that stays are equal.
+/// A folder's owner, group and mode (07777) before and after.
 struct FolderChange {
-    std::string path; ///< as the tool was given it
+    std::string path; ///< as given to the tool
     uid_t ownerBefore = 0;
     uid_t ownerAfter = 0;
     gid_t groupBefore = 0;
     gid_t groupAfter = 0;
     mode_t modeBefore = 0;
     mode_t modeAfter = 0;
-    /// "OWNER:GROUP", names where the ids have one.
+    /// "OWNER:GROUP", as names if the ids have names.
     std::string accountsBefore;
     std::string accountsAfter;
 
@@ -65,28 +64,28 @@ struct FolderChange {
 
 /// A warning, or why an action cannot be done.
 struct Remark {
-    std::string_view code;    ///< a literal: "lines-lost"
+    std::string_view code;    ///< a string literal like "lines-lost"
     std::string sentence;     ///< for the user, in the user's language
-    std::string control = {}; ///< the outlet of the control whose content it is about; empty: of none
+    std::string control = {}; ///< the outlet of the control whose content it is about, if any
 };
 
-/// What one action would do. Worked out on copies, so that it changes nothing.
+/// What an action would do, found by performing it on copies.
 struct Plan {
-    std::string operation; ///< the full name, "createShare:"
+    std::string operation; ///< its full name: "createShare:"
     std::vector<PlannedAsk> asks;
     std::vector<PlannedRun> runs;
-    std::string smbConfBefore; ///< the file as it is on disk, and as it would be
+    std::string smbConfBefore; ///< the file on disk, and below what it would become
     std::string smbConfAfter;
     std::vector<LineChange> smbConfLines;
     std::vector<SettingChange> afpSettings;
     std::vector<FolderChange> folders;
     std::vector<Remark> warnings;
-    std::vector<Remark> blocks;  ///< not empty: our own tools are bound to refuse it
-    std::string failure;         ///< why there is no plan; empty where there is one
-    bool lacksDirectory = false; ///< there is none because the directory cannot be read
+    std::vector<Remark> blocks;  ///< if not empty, the action cannot be carried out
+    std::string failure;         ///< why there is no plan; empty when there is one
+    bool lacksDirectory = false; ///< there is no plan because the directory cannot be read
 };
 
-/// The steps of a plan as sentences in the user's language, in their order.
+/// The steps of a plan as sentences in the user's language, in order.
 [[nodiscard]] std::vector<std::string> sentencesOf(const Plan& plan);
 
 } // namespace review

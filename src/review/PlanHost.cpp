@@ -37,17 +37,9 @@ platform::AlertAnswer PlanPresenter::runAlert(const platform::Alert& alert) {
     return answer;
 }
 
-std::optional<std::string> PlanPresenter::runOpenPanel(const platform::OpenPanelRequest& /*request*/) {
-    return std::nullopt;
-}
-
 std::optional<platform::AdministratorAnswer>
 PlanPresenter::runAdministratorDialog(const platform::AdministratorRequest& /*request*/) {
     return platform::AdministratorAnswer{};
-}
-
-platform::TimerId PlanPresenter::startTimer(double /*interval*/, std::function<void()> /*fire*/) {
-    return ++lastTimer_;
 }
 
 void PlanPresenter::toolWillRun(const std::string& tool, std::span<const std::string> arguments) {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/appkit/Presenter.h"
+#include "platform/appkit/SilentPresenter.h"
 #include "platform/security/Authority.h"
 #include "review/Plan.h"
 #include "review/WorkingCopy.h"
@@ -26,42 +26,23 @@ class PlanAuthority : public platform::Authority {
     std::shared_ptr<WorkingCopy> copy_;
 };
 
-/// The presenter of a plan: shows nothing, notes alerts and runs, presses "Yes" where an alert has such a
-/// button and its default elsewhere, and cancels open panels.
-class PlanPresenter : public platform::Presenter {
+/// The presenter of a plan: shows nothing, records alerts and runs, presses "Yes" in an alert that has such a
+/// button and otherwise the default button, and cancels open panels.
+class PlanPresenter : public platform::SilentPresenter {
   public:
     explicit PlanPresenter(Plan* plan) : plan_(*plan) {}
 
     [[nodiscard]] platform::AlertAnswer runAlert(const platform::Alert& alert) override;
-    [[nodiscard]] std::optional<std::string> runOpenPanel(const platform::OpenPanelRequest& request) override;
     [[nodiscard]] std::optional<platform::AdministratorAnswer>
     runAdministratorDialog(const platform::AdministratorRequest& request) override;
-
-    void beep() override {}
-
-    void openAddress(const std::string& /*address*/) override {}
-
-    [[nodiscard]] platform::TimerId startTimer(double interval, std::function<void()> fire) override;
-
-    void stopTimer(platform::TimerId /*timer*/) override {}
-
-    void interfaceDidLoad(platform::Interface& /*interface*/) override {}
-
-    void windowVisibilityDidChange(NSWindow& /*window*/) override {}
-
-    void editWasRefused(const NSTextField& /*field*/, const std::string& /*errorText*/) override {}
-
-    void applicationDidTerminate() override {}
-
     void toolWillRun(const std::string& tool, std::span<const std::string> arguments) override;
     void toolDidWrite(std::string_view output) override;
 
   private:
     Plan& plan_;
-    platform::TimerId lastTimer_ = 0;
 };
 
-/// A log that keeps nothing, because nothing in a plan really happens.
+/// A log that drops everything, because nothing in a plan really happens.
 class SilentLog : public platform::Log {
   public:
     void write(std::string_view /*text*/) override {}

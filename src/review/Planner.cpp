@@ -6,10 +6,10 @@
 #include "platform/foundation/SystemPaths.h"
 #include "platform/netinfo/LocalDomain.h"
 #include "review/Blocked.h"
+#include "review/Operations.h"
 #include "review/TextDifference.h"
 #include "review/Warnings.h"
 
-#include <exception>
 #include <map>
 #include <utility>
 
@@ -62,29 +62,34 @@ void compare(const WorkingCopy& copy, Plan* plan) {
     }
 }
 
-/// Whether the operation changes the settings files alone, and so needs no copy of the directory.
+/// Whether the operation changes only the settings files, so that it needs no copy of the directory.
 bool isOfSettings(const std::string& operation) {
-    return operation == "updateAFSProperties:" || operation == "updateSMBProperties:";
+    const WritingOperation* found = findWritingOperation(operation);
+    return found != nullptr && found->isOfSettings;
 }
 
-/// Works the plan out on a copy that was made. Throws what keeps the application from being copied.
-void workOut(const platform::Interface& main, const std::shared_ptr<WorkingCopy>& copy,
-             const RehearsedAction& action, PlanDepth depth, Plan* plan) {
+/// Works the plan out on `copy`. Fails when the application cannot be copied.
+platform::Status workOut(const platform::Interface& main, const std::shared_ptr<WorkingCopy>& copy,
+                         const RehearsedAction& action, PlanDepth depth, Plan* plan) {
     const auto& now = *static_cast<const BRController*>(main.owner());
     const auto directoryBefore = platform::Host::current().services().localDomain;
     auto accountsBefore = isOfSettings(plan->operation) ? std::nullopt : AccountForecast::ofComputer();
     plan->smbConfBefore = bytesOf(smbConf);
     const std::string afpBefore = bytesOf(appleFileServer);
-    Rehearsal rehearsal(main, copy, plan);
-    rehearsal.perform([&] { action(rehearsal); });
+    const auto rehearsal = Rehearsal::make(main, copy, plan);
+    if (!rehearsal.isOk()) {
+        return rehearsal.status();
+    }
+    (*rehearsal)->perform([&] { action(**rehearsal); });
     copy->settle();
     compare(*copy, plan);
     plan->afpSettings = settingChanges(afpBefore, bytesOf(copy->settingsFile(appleFileServer)));
     plan->blocks = blocksOf(*plan, now, std::move(accountsBefore));
     if (plan->blocks.empty() && depth == PlanDepth::Warnings) {
-        plan->warnings = warningsOf({*plan, now, rehearsal.controller(), DirectoryView(directoryBefore),
+        plan->warnings = warningsOf({*plan, now, (*rehearsal)->controller(), DirectoryView(directoryBefore),
                                      DirectoryView(copy->storeFile())});
     }
+    return {};
 }
 
 } // namespace
@@ -99,11 +104,7 @@ Plan planOf(const platform::Interface& main, const std::string& operation, const
         plan.failure = copy.status().text();
         return plan;
     }
-    try {
-        workOut(main, *copy, action, depth, &plan);
-    } catch (const std::exception& error) { // as when the interface file was replaced meanwhile
-        plan.failure = error.what();
-    }
+    plan.failure = workOut(main, *copy, action, depth, &plan).text();
     return plan;
 }
 

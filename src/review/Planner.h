@@ -9,17 +9,18 @@
 
 namespace review {
 
-/// Does something to the rehearsal of an application.
+/// Performs the action to be planned on the rehearsal.
 using RehearsedAction = std::function<void(const Rehearsal& rehearsal)>;
 
-/// How much of a plan is worked out.
+/// How much of a plan to work out.
 enum class PlanDepth {
     Blocks,  ///< the steps, and whether they are blocked
     Warnings ///< the warnings as well
 };
 
-/// Carries `action` out on a copy of the application of the current host, whose main interface is `main`, and
-/// tells what it has done to the copy, with warnings and blocks. Nothing else is changed.
+/// Performs `action` on a copy of the current host's application, whose main interface is `main`, and returns
+/// what it has done to the copy, with warnings and blocks. Nothing else is changed. A plan that cannot be
+/// worked out has its `failure` set.
 [[nodiscard]] Plan planOf(const platform::Interface& main, const std::string& operation,
                           const RehearsedAction& action, PlanDepth depth = PlanDepth::Warnings);
 

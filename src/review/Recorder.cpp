@@ -28,7 +28,7 @@ namespace {
 constexpr mode_t modeBits = 07777;
 /// The platform's reference date in seconds since 1970.
 constexpr double referenceDate = 978307200;
-/// The action's own run waits longer.
+/// Short, because the action's own run waits longer.
 constexpr int waitSeconds = 5;
 
 std::string loginName() {
@@ -36,7 +36,7 @@ std::string loginName() {
     return entry != nullptr ? entry->pw_name : std::to_string(::getuid());
 }
 
-/// What follows an account's path after -passwd is a password.
+/// Masks the arguments after the account's path of "dscl . -passwd", which are passwords.
 std::vector<std::string> withoutPasswords(const std::string& tool, std::span<const std::string> arguments) {
     std::vector<std::string> shown(arguments.begin(), arguments.end());
     constexpr std::size_t first = 3;
@@ -65,7 +65,8 @@ std::optional<std::string> settingsBytes(const std::string& path) {
     return bytes.isOk() ? std::optional(std::move(*bytes)) : std::nullopt;
 }
 
-/// The directory is copied, because nobody can read it while the runs of an action are under way.
+/// What runs can change, in its state before the action's first run. The directory is copied, because nobody
+/// can read it while runs of an action are pending.
 class Recorder::Before {
   public:
     Before() : folder_(makeScratchFolder()), directory_(folder_ + "/directory.db") {
@@ -79,7 +80,7 @@ class Recorder::Before {
 
     ~Before() {
         if (!folder_.empty()) {
-            std::error_code ignored; // the system sweeps the folder that it stands in
+            std::error_code ignored; // the system cleans its folder for temporary files
             std::filesystem::remove_all(folder_, ignored);
         }
     }
@@ -122,9 +123,10 @@ void Recorder::destroyRights(platform::AuthorizationSession& session) {
 OSStatus Recorder::execute(platform::AuthorizationSession& session, const std::string& tool,
                            std::span<const std::string> arguments, std::string* output) {
     if (tool == systempath::smbstatus || tool == systempath::smbcontrol) {
-        return authority_->execute(session, tool, arguments, output); // nothing that could be taken back
+        return authority_->execute(session, tool, arguments,
+                                   output); // these change nothing that could be undone
     }
-    // Some operations ask for the right only once.
+    // Checked here too, because some operations request the right only once.
     if (isStopped_ && !std::exchange(finishesRun_, false)) {
         return errAuthorizationCanceled;
     }
@@ -140,7 +142,7 @@ OSStatus Recorder::execute(platform::AuthorizationSession& session, const std::s
     run.hasFailed = status != errAuthorizationSuccess;
     if (!run.hasFailed && output != nullptr) {
         run.output = *output;
-        run.hasFailed = !output->empty(); // a tool that says something has failed
+        run.hasFailed = !output->empty(); // a tool that writes something has failed
     }
     setsPassword_ = setsPassword_ || (tool == systempath::dscl && !run.hasFailed);
     entry_.hasFailed = entry_.hasFailed || run.hasFailed;
@@ -186,7 +188,7 @@ void Recorder::endAction() {
     if (pending_) {
         pending_->endAction();
     }
-    // An undo that found all as it was before needed no run, and counts.
+    // An undo that needed no run, because everything was already as before, is recorded too.
     if (before_ ? before_->status().isOk() : entry_.undoes != 0 && !undoFailed_) {
         finish();
     }
@@ -217,7 +219,7 @@ void Recorder::finish() {
     const DirectoryView now(host.services().localDomain);
     if (!entry_.records.empty() && !now.isReadable()) {
         NSLog("What this action has changed is not kept in the history: the directory cannot be read");
-        return; // all records would seem to be gone
+        return; // all records would seem to have been deleted
     }
     for (RecordChange& record : entry_.records) {
         record.before = before_->directory().record(record.path);

@@ -6,18 +6,18 @@
 
 #include <memory>
 #include <optional>
-#include <set>
 #include <string>
 #include <unordered_set>
 #include <utility>
 
 namespace review {
 
-/// Stands before a host's authority and keeps what each action changes: at its first run a copy of all that
-/// runs can change, at its end what it has become. What cannot be kept is logged, and stops no action.
+/// Wraps a host's authority and records what each action changes: at the action's first run it copies
+/// everything that runs can change, and at the action's end compares. A failure to record is logged, but does
+/// not stop the action.
 class Recorder : public platform::Authority, public platform::PendingWrites {
   public:
-    /// `services` are those of the host that this is made for.
+    /// `services` are those of the host that will use this recorder.
     explicit Recorder(const platform::Services& services);
     ~Recorder() override;
 
@@ -32,26 +32,26 @@ class Recorder : public platform::Authority, public platform::PendingWrites {
     void takeBack() override;
     void endAction() override;
 
-    /// The action that is under way takes the entry of this number back; its own is titled so.
+    /// The current action undoes the entry number `undone`; its own entry gets this title.
     void beginUndo(std::int64_t undone, std::string title);
 
-    /// No run is made any more until the action that is under way has ended, but for the one that is
-    /// announced where that is `madeStill`.
+    /// Refuses all further runs until the current action has ended, except the run that has been announced if
+    /// `madeStill`.
     void stopAction(bool madeStill) {
         isStopped_ = true;
         finishesRun_ = madeStill;
     }
 
-    /// It has not got to its end.
+    /// The undo did not get to its end.
     void failUndo() { undoFailed_ = true; }
 
     [[nodiscard]] const HistoryStore& store() const { return store_; }
 
-    /// What was added to the history since this was asked last; of several the newest.
+    /// The newest entry that was added to the history since the last call, or none.
     [[nodiscard]] std::optional<HistoryEntry> takeAdded() { return std::exchange(added_, std::nullopt); }
 
   private:
-    class Before; // what runs can change, as it was at the action's first run
+    class Before; // what runs can change, before the action's first run
 
     void note(const std::string& tool, std::span<const std::string> arguments);
     void addFiles();
@@ -60,10 +60,10 @@ class Recorder : public platform::Authority, public platform::PendingWrites {
     std::shared_ptr<platform::Authority> authority_;
     std::shared_ptr<platform::PendingWrites> pending_; ///< may be null
     HistoryStore store_;
-    std::unique_ptr<Before> before_;               ///< null before the action's first run
-    HistoryEntry entry_;                           ///< of the action that is under way
-    std::optional<HistoryEntry> added_;            ///< since somebody has asked
-    std::unordered_set<std::string> notedRecords_; ///< those that it names
+    std::unique_ptr<Before> before_;               ///< null until the action's first run
+    HistoryEntry entry_;                           ///< the current action's
+    std::optional<HistoryEntry> added_;            ///< the newest since takeAdded()
+    std::unordered_set<std::string> notedRecords_; ///< paths of the records that entry_ names
     bool setsPassword_ = false;
     bool undoFailed_ = false;
     bool isStopped_ = false;

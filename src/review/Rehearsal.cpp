@@ -3,7 +3,7 @@
 #include "platform/appkit/NSApplication.h"
 #include "review/PlanHost.h"
 
-#include <stdexcept>
+#include <utility>
 
 namespace review {
 
@@ -19,22 +19,27 @@ platform::Services planServices(const std::shared_ptr<WorkingCopy>& copy, Plan* 
 
 } // namespace
 
-Rehearsal::Rehearsal(const platform::Interface& original, const std::shared_ptr<WorkingCopy>& copy,
-                     Plan* plan) {
+platform::Result<std::unique_ptr<Rehearsal>>
+Rehearsal::make(const platform::Interface& original, const std::shared_ptr<WorkingCopy>& copy, Plan* plan) {
     const auto& controllerNow = *static_cast<const BRController*>(original.owner());
     const bool sheetIsUp = NSApp().attachedSheet() != nullptr;
-    host_ = std::make_unique<platform::Host>(planServices(copy, plan));
+    std::unique_ptr<Rehearsal> made(new Rehearsal());
+    made->host_ = std::make_unique<platform::Host>(planServices(copy, plan));
     auto loaded = BRController::loadInterface();
     if (!loaded.isOk()) {
-        throw std::runtime_error(loaded.status().text()); // only if it was changed since the original's load
+        return loaded.status(); // only if the file has changed since it was first loaded
     }
-    interface_ = std::move(*loaded);
-    controller().copyState(controllerNow, sheetIsUp);
-    copyStates(original.root(), interface_->root());
+    made->interface_ = std::move(*loaded);
+    made->controller().copyState(controllerNow, sheetIsUp);
+    if (!made->copyStates(original.root(), made->interface_->root())) {
+        return platform::Status::failure("cannot make a plan", "",
+                                         "the interface file has changed since it was loaded");
+    }
+    return made;
 }
 
 Rehearsal::~Rehearsal() {
-    interface_ = nullptr; // its controls need the host
+    interface_ = nullptr; // destroyed first, because its controls need the host
 }
 
 BRController& Rehearsal::controller() const {
@@ -46,25 +51,25 @@ NSControl* Rehearsal::copyOf(const NSControl& original) const {
     return found == copies_.end() ? nullptr : dynamic_cast<NSControl*>(found->second);
 }
 
-NSControl* Rehearsal::findWiredTo(const std::string& operation) const {
-    return interface_->findWiredTo(operation);
-}
-
 void Rehearsal::perform(const std::function<void()>& action) {
     NSApp().dispatch(action);
 }
 
-void Rehearsal::copyStates(const platform::InterfaceNode& from, const platform::InterfaceNode& to) {
-    if (from.kind != to.kind || from.children.size() != to.children.size()) {
-        throw std::logic_error("the interface file has changed since it was loaded");
+bool Rehearsal::copyStates(const platform::InterfaceNode& from, const platform::InterfaceNode& to) {
+    if (from.kind != to.kind || from.children.size() != to.children.size() ||
+        (from.element == nullptr) != (to.element == nullptr)) {
+        return false;
     }
     if (from.element) {
         to.element->copyState(*from.element);
         copies_.emplace(from.element.get(), to.element.get());
     }
     for (std::size_t index = 0; index < from.children.size(); ++index) {
-        copyStates(*from.children[index], *to.children[index]);
+        if (!copyStates(*from.children[index], *to.children[index])) {
+            return false;
+        }
     }
+    return true;
 }
 
 } // namespace review

@@ -12,11 +12,11 @@
 #include "platform/netinfo/StoreWait.h"
 #include "privileged/NiutilTask.h"
 #include "review/DirectoryView.h"
+#include "review/Operations.h"
 #include "review/Planner.h"
 #include "review/ServerReading.h"
 
 #include <algorithm>
-#include <array>
 #include <string_view>
 #include <utility>
 
@@ -24,30 +24,7 @@ namespace review {
 
 namespace {
 
-constexpr std::array<std::string_view, 17> writingOperations = {"createShare:",
-                                                                "deleteShare:",
-                                                                "deleteAllShares:",
-                                                                "updateSharesFor10pt2:",
-                                                                "addNewUser:",
-                                                                "addNewGroup:",
-                                                                "deleteSelectedUser:",
-                                                                "deleteSelectedGroup:",
-                                                                "addUserToGroup:",
-                                                                "removeUserFromGroup:",
-                                                                "setPassword:",
-                                                                "enableSelectedPublicShare:",
-                                                                "disableSelectedPublicShare:",
-                                                                "enableAllPublicShares:",
-                                                                "disableAllPublicShares:",
-                                                                "updateAFSProperties:",
-                                                                "updateSMBProperties:"};
-
-/// Whoever wants something gone is never kept from trying.
-bool isDeleting(std::string_view operation) {
-    return operation.starts_with("delete") || operation == "removeUserFromGroup:";
-}
-
-/// It asks a server on the network, which no plan may do, and changes nothing.
+/// This operation asks a server on the network, which a plan must not do, and changes nothing.
 constexpr std::string_view networkOperation = "checkForNewVersion:";
 
 platform::ActionGate& gate() {
@@ -59,7 +36,7 @@ void showNotPossible(const Plan& plan) {
                     std::nullopt, plan.blocks.front().sentence);
 }
 
-/// Plans what `perform` does to the copy of a control.
+/// Makes the plan for what `perform` does to the copy of `control`.
 template <class Perform>
 Plan planControl(const platform::Interface& main, const NSControl& control, Perform perform,
                  PlanDepth depth = PlanDepth::Warnings) {
@@ -99,7 +76,7 @@ Reviewer::~Reviewer() {
 }
 
 bool Reviewer::isWriting(const std::string& operation) {
-    return std::ranges::find(writingOperations, operation) != writingOperations.end();
+    return findWritingOperation(operation) != nullptr;
 }
 
 BRController& Reviewer::controller() const {
@@ -157,10 +134,10 @@ bool Reviewer::hasRecord(const std::string& path) {
     if (!directoryHolder().empty()) {
         return false;
     }
-    std::string problem = platform::directoryProblem(); // which reading sets anew
+    std::string problem = platform::directoryProblem(); // reading sets it again
     const bool isThere =
         DirectoryView(platform::Host::current().services().localDomain).record(path).has_value();
-    platform::setDirectoryProblem(std::move(problem)); // the lists are as they were read before
+    platform::setDirectoryProblem(std::move(problem)); // the lists still show what was read before
     return isThere;
 }
 
@@ -191,7 +168,7 @@ bool Reviewer::hasUnwrittenSMBConf() const {
 
 void Reviewer::takeUpWrittenFile() const {
     const SMBConf* model = controller().smbConfModel();
-    // A write that failed has left the text as it was, and the model's change waits for the next one.
+    // A failed write leaves this text unchanged, and the change stays in the model for the next write.
     const bool hasWritten = model != nullptr && model->textOnDisk() != textBefore_;
     if (hasWritten && platform::Host::current().services().keepsLayout && hasUnwrittenSMBConf()) {
         controller().rereadSMBConf();
@@ -236,11 +213,13 @@ bool Reviewer::askAboutWarnings(const Plan& plan) {
 }
 
 bool Reviewer::mayPerform(const NSControl& sender) const {
-    if (!isWriting(sender.action().operation)) {
+    const WritingOperation* operation = findWritingOperation(sender.action().operation);
+    if (operation == nullptr) {
         return true;
     }
     Plan plan = question_ ? planAction(sender) : planSteps(sender);
-    if (plan.lacksDirectory && refusesWithoutDirectory_ && !isDeleting(plan.operation)) {
+    // Deleting may always be tried.
+    if (plan.lacksDirectory && refusesWithoutDirectory_ && !operation->removes) {
         plan.blocks.push_back({"directory", plan.failure});
     }
     if (!plan.blocks.empty()) {

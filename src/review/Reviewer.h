@@ -16,9 +16,9 @@ class NSControl;
 
 namespace review {
 
-/// Says beforehand what an action would do, and stands before every action that writes: what our own tools
-/// are bound to refuse never begins, and what holds a warning can be asked about first. One for the main
-/// interface of a host, whose action gate it is for as long as it lives. Main thread only.
+/// Says beforehand what an action would do, and checks every action that writes: an action that our own tools
+/// are bound to refuse is not started, and the user can be asked about warnings first. There is one for the
+/// main interface of a host; it is the host's action gate as long as it lives. Main thread only.
 class Reviewer {
   public:
     /// `main` is the current host's main interface and must outlive this.
@@ -27,52 +27,54 @@ class Reviewer {
     Reviewer(const Reviewer&) = delete;
     Reviewer& operator=(const Reviewer&) = delete;
 
-    /// Whether the operation changes anything: those that do not are never planned by the gate.
+    /// Whether the operation changes anything. The gate does not plan operations that do not.
     [[nodiscard]] static bool isWriting(const std::string& operation);
 
-    /// What pressing the control would do: a check box changes its state first. Nothing is changed, shown or
+    /// What pressing the control would do; a check box changes its state first. Nothing is changed, shown or
     /// asked.
     [[nodiscard]] Plan planPress(const NSControl& control) const;
-    /// What sending the control's action would do, with the control as it is.
+    /// What sending the control's action would do, with the control in its current state.
     [[nodiscard]] Plan planAction(const NSControl& control) const;
-    /// The same without looking for warnings.
+    /// The same as planAction, without looking for warnings.
     [[nodiscard]] Plan planSteps(const NSControl& control) const;
-    /// The same for the first control that is wired to the operation; its failure says so when there is none.
+    /// The same as planAction for the first control that is wired to the operation. If there is none, the
+    /// plan's failure says so.
     [[nodiscard]] Plan planSend(const std::string& operation) const;
-    /// Whether the alert is the question at the start whether old records are to be rewritten.
+    /// Whether the alert is the question, asked at start-up, whether to rewrite old records.
     [[nodiscard]] static bool isMigrationQuestion(const platform::Alert& alert);
-    /// What answering "Yes" to it would do.
+    /// What answering "Yes" to that question would do.
     [[nodiscard]] Plan planMigration() const;
 
-    /// What keeps the directory from being read, as the last attempt found; empty where nothing does.
+    /// Why the last attempt to read the directory failed; empty when it succeeded.
     [[nodiscard]] static std::string directoryProblem();
-    /// Who keeps others from using it now: "PROGRAM (process ID)"; empty where nobody does that can be told.
+    /// Which program has the directory locked now: "PROGRAM (process ID)"; empty when none is known.
     [[nodiscard]] static std::string directoryHolder();
 
-    /// Whether the directory has that record ("/users/root"), as far as can be told without waiting for
-    /// anybody. What the window says of the directory stays.
+    /// Whether the directory has that record ("/users/root"); false if finding out would mean waiting. Does
+    /// not change directoryProblem().
     [[nodiscard]] static bool hasRecord(const std::string& path);
 
     enum class ServerChange { Start, StartAtBoot };
-    /// Starts the computer's own SMB server, now or whenever the computer starts; false when that failed.
+    /// Starts the computer's own SMB server now, or has it started whenever the computer starts. Returns
+    /// false when that failed.
     static bool changeServer(ServerChange change);
 
-    /// Reads smb.conf again: model, rows and fields.
+    /// Reads smb.conf again and updates the model, rows and fields.
     void reread() const;
-    /// Reads all that the window shows again, as after a change that came from elsewhere than its controls.
+    /// Reads again everything that the window shows, as after a change that was not made with its controls.
     void rereadEverything() const;
-    /// Whether smb.conf on disk is another than what was read or written last.
+    /// Whether smb.conf on disk differs from what was last read or written.
     [[nodiscard]] bool hasSMBConfChangedOnDisk() const;
-    /// Whether the model of smb.conf holds a change that did not reach the disk.
+    /// Whether the model of smb.conf has a change that is not on disk.
     [[nodiscard]] bool hasUnwrittenSMBConf() const;
-    /// Where the SMB server reads smb.conf otherwise than the window shows it: sentences that name "[NAME]"
-    /// and the line, by the name of the section.
+    /// Where the SMB server reads smb.conf differently from what the window shows: by the name of the
+    /// section, sentences that name "[NAME]" and the line.
     [[nodiscard]] std::multimap<std::string, std::string> otherReadings() const;
 
-    // What was read last, and shows in the window.
+    // What was last read and is shown in the window.
     /// Null before start-up.
     [[nodiscard]] const SMBConf* smbConf() const;
-    /// Whether it has a section of exactly that name, so that the server offers a share called so.
+    /// Whether smb.conf has a section of exactly that name, so that the server offers a share with that name.
     [[nodiscard]] bool hasSection(const std::string& name) const;
     [[nodiscard]] const std::vector<NormalShare>& shares() const;
 
@@ -80,26 +82,28 @@ class Reviewer {
     using Handler = std::function<void(const Plan& plan)>;
     using Question = std::function<bool(const Plan& plan)>;
 
-    /// Shows why a blocked action cannot be done. At first the alert "Not Possible" does.
+    /// Sets what shows why a blocked action cannot be done; initially the alert "Not Possible".
     void setBlockedHandler(Handler handler) { showBlocked_ = std::move(handler); }
 
-    /// Whether an action that makes or changes something is refused while the directory cannot be read: it
-    /// was waited for, and every run would wait again and fail. At first it is not: the tools report it.
+    /// Whether an action that makes or changes something is refused while the directory cannot be read.
+    /// Planning has then already waited for it, and every run would wait again and fail. Initially false: the
+    /// tools report it.
     void setRefusesWithoutDirectory(bool refuses) { refusesWithoutDirectory_ = refuses; }
 
-    /// Asked before an action that writes and is not blocked, warnings or none, and also where there is no
-    /// plan (Plan::failure); false: it is not performed. At first nothing is asked.
+    /// Sets a question that is asked before every action that writes and is not blocked, with or without
+    /// warnings, and also when there is no plan (Plan::failure). If it returns false, the action is not
+    /// performed. Initially nothing is asked.
     void setQuestion(Question question) { question_ = std::move(question); }
 
-    /// The question of a script: an alert titled "Review" with the warnings of the plan, a line each, and the
-    /// buttons "Cancel", which is the default, and "Go On". True at once for a plan without a warning.
+    /// The question for a script: an alert titled "Review" with the plan's warnings, one per line, and the
+    /// buttons "Cancel", the default, and "Go On". Returns true at once for a plan without warnings.
     [[nodiscard]] static bool askAboutWarnings(const Plan& plan);
 
   private:
     [[nodiscard]] BRController& controller() const;
     [[nodiscard]] bool mayPerform(const NSControl& sender) const;
-    /// Where settings are saved line by line, the file holds more than the model when somebody else has
-    /// changed it, too: then it is read again.
+    /// If settings are saved line by line and somebody else has changed the file too, it now holds more than
+    /// the model, so it is read again.
     void takeUpWrittenFile() const;
 
     const platform::Interface& main_;

@@ -11,7 +11,7 @@ namespace review {
 
 namespace {
 
-/// The last setting written exactly so, which is what the window reads.
+/// The last setting with exactly this key, which is what the window shows.
 const SMBPair* shownSetting(const SMBShare& section, std::string_view key) {
     const SMBPair* last = nullptr;
     for (const SMBPair& pair : section.Props()) {
@@ -28,7 +28,8 @@ class Reader {
   public:
     explicit Reader(std::vector<OtherReading>* found) : found_(*found) {}
 
-    /// `isOn` is what the window makes of a value; `standard` what it and the server take without one.
+    /// `isOn` is how the window interprets a value; `standard` is what the window and the server assume
+    /// without one.
     void flag(const SMBShare& section, std::string_view key, bool standard, bool (*isOn)(std::string_view)) {
         const SMBPair* shown = shownSetting(section, key);
         const bool shownState = shown != nullptr ? isOn(shown->Value) : standard;

@@ -7,7 +7,7 @@
 
 namespace review {
 
-/// A place where the window shows something else than the server does.
+/// A setting that the server reads differently from what the window shows.
 struct OtherReading {
     const SMBShare* section = nullptr;
     std::string sentence;

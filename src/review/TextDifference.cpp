@@ -11,20 +11,20 @@ namespace {
 
 using Lines = std::span<const std::string_view>;
 
-/// Beyond this number the fewest changes are not searched for: the time grows with its square.
+/// The search for the fewest changes ends at this number, because its time grows with the square.
 constexpr int mostChanges = 1000;
 
 std::ptrdiff_t sizeOf(Lines lines) {
     return static_cast<std::ptrdiff_t>(lines.size());
 }
 
-/// Eugene W. Myers, "An O(ND) difference algorithm and its variations": the furthest places that so many
-/// changes reach, diagonal by diagonal, kept for the way back.
+/// The algorithm of Eugene W. Myers, "An O(ND) difference algorithm and its variations": for each number of
+/// changes the furthest place that they reach on each diagonal, kept for tracing back.
 class FewestChanges {
   public:
     FewestChanges(Lines before, Lines after) : before_(before), after_(after) {}
 
-    /// False when there are too many.
+    /// False when there are too many changes.
     [[nodiscard]] bool find() {
         std::vector<std::ptrdiff_t> furthest(2 * static_cast<std::size_t>(mostChanges) + 3, 0);
         for (int changes = 0; changes <= mostChanges; ++changes) {
@@ -47,7 +47,7 @@ class FewestChanges {
         return false;
     }
 
-    /// After find(): for each line whether it stays.
+    /// Call after find(). Marks the lines that stay.
     void markStaying(std::vector<bool>* before, std::vector<bool>* after) {
         std::ptrdiff_t x = sizeOf(before_);
         std::ptrdiff_t y = sizeOf(after_);
@@ -71,7 +71,7 @@ class FewestChanges {
 
   private:
     static std::ptrdiff_t& at(std::vector<std::ptrdiff_t>& furthest, int diagonal) {
-        const int index = diagonal + mostChanges + 1; // diagonals count from -mostChanges - 1
+        const int index = diagonal + mostChanges + 1; // diagonals are numbered from -mostChanges - 1
         return furthest[static_cast<std::size_t>(index)];
     }
 
@@ -85,7 +85,7 @@ class FewestChanges {
     std::vector<std::vector<std::ptrdiff_t>> rounds_;
 };
 
-/// `first` lines stand before both.
+/// Appends the changes. `first` equal lines come before `before` and `after`.
 void addChanges(std::vector<LineChange>* changes, Lines before, Lines after, std::size_t first) {
     FewestChanges fewest(before, after);
     std::vector<bool> staysBefore(before.size());

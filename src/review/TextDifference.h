@@ -7,11 +7,12 @@
 
 namespace review {
 
-/// The lines of `text`; what follows the last line break is a line unless it is empty.
+/// The lines of `text`, without their line breaks. What follows the last line break is a line unless it is
+/// empty.
 [[nodiscard]] std::vector<std::string_view> linesOf(std::string_view text);
 
-/// The fewest lines that go from `before` and come to `after`, in the files' order; where both happen at one
-/// place, what goes stands first. Texts that differ almost everywhere may get more lines than the fewest.
+/// The smallest set of lines that are removed from `before` and added in `after`, in order; at the same
+/// place, removals come first. For texts that differ almost everywhere the set may not be the smallest.
 [[nodiscard]] std::vector<LineChange> lineChanges(const std::vector<std::string_view>& before,
                                                   const std::vector<std::string_view>& after);
 

@@ -48,8 +48,8 @@ void addRecord(const std::string& path, const Properties& properties, std::vecto
     }
 }
 
-/// The runs that make the properties of the record at `path`, which are `now`, those of `before`, in their
-/// order.
+/// Appends the runs that change the properties of the record at `path` from `now` to `before`, including
+/// their order.
 void restoreProperties(const std::string& path, Properties now, const Properties& before,
                        std::vector<PlannedRun>* runs) {
     const auto take = [&](std::size_t index) {
@@ -65,7 +65,7 @@ void restoreProperties(const std::string& path, Properties now, const Properties
     while (same < now.size() && same < before.size() && now[same].name == before[same].name) {
         ++same;
     }
-    // A new property comes to stand last: what stands elsewhere than before is made anew.
+    // A new property is added at the end, so properties in a different place are deleted and made again.
     while (now.size() > same && now.back().name != "name") {
         take(now.size() - 1);
     }
@@ -103,8 +103,8 @@ class UndoPlanner {
                                   "is not known any more."));
         }
         if (!entry.records.empty() && !directory_.isReadable()) {
-            refuse(
-                NSLocalizedString("The directory cannot be read now.")); // its records would seem to be gone
+            refuse(NSLocalizedString(
+                "The directory cannot be read now.")); // its records would seem to have been deleted
         }
         for (const RecordChange& record : entry.records) {
             planRecord(record);
@@ -126,12 +126,12 @@ class UndoPlanner {
         }
     }
 
-    /// `what` is neither as the entry left it nor as it was before.
+    /// Refuses because `what` is neither as the entry left it nor as it was before the entry.
     template <class Touches>
     void refuseChanged(const std::string& what, Touches touches) {
         std::string names;
         for (const HistoryEntry& later : all_) {
-            // One that takes a later one back stands for nothing together with that.
+            // An entry that undoes a later one cancels out with it.
             const bool isLater = later.number > plan_.entry.number && later.undoes <= plan_.entry.number;
             if (isLater && !later.isUndone && touches(later)) {
                 names +=
@@ -224,7 +224,7 @@ class UndoPlanner {
         if (now->isSame(folder.before)) {
             return;
         }
-        // Each of the three may have been set back already.
+        // Each of the three may have been restored already.
         const auto is = [](auto value, auto one, auto other) { return value == one || value == other; };
         if (!is(now->owner, folder.before.owner, folder.after.owner) ||
             !is(now->group, folder.before.group, folder.after.group) ||
@@ -238,7 +238,7 @@ class UndoPlanner {
         if (now->owner != folder.before.owner || now->group != folder.before.group) {
             planOwner(folder, *now);
         }
-        // Changing the owner may take bits of the mode away, but none of those that chmod sets.
+        // Changing the owner may clear bits of the mode, but none of those that chmod sets.
         if ((now->mode & permissionBits) != (folder.before.mode & permissionBits)) {
             std::array<char, 8> mode{};
             std::snprintf(mode.data(), mode.size(), "%o", folder.before.mode & permissionBits);
@@ -300,7 +300,7 @@ Status carryOutRuns(const std::vector<PlannedRun>& runs) {
     return {};
 }
 
-/// A transaction that could not be committed has taken every run back that went well.
+/// Checks the records, because a failed commit undoes even the runs that succeeded.
 Status checkRecords(const HistoryEntry& entry) {
     if (entry.records.empty()) {
         return {};

@@ -9,30 +9,29 @@
 
 namespace review {
 
-/// What taking an entry back would do.
+/// What undoing an entry would do.
 struct UndoPlan {
     HistoryEntry entry;
-    std::string title;    ///< of the entry that it would leave itself
-    std::string question; ///< whether it is meant, with the entry's title
-    std::string refusal;  ///< why it cannot be taken back now, in the user's language; empty: it can
-    std::vector<std::string> losses; ///< what does not come back as it was, a sentence each
-    /// The runs, in their order; those that hang servers up follow.
+    std::string title;    ///< the title of the entry that the undo itself would add
+    std::string question; ///< asks the user to confirm; contains the entry's title
+    std::string refusal;  ///< why it cannot be undone now, in the user's language; empty when it can
+    std::vector<std::string> losses; ///< a sentence for each thing that is not restored exactly
+    /// The runs, in order; after them the servers are told to read their settings again.
     std::vector<PlannedRun> records;
-    std::vector<FileChange> files; ///< `before` is to take the place of what is there
+    std::vector<FileChange> files; ///< `before` is to replace what is there
     std::vector<PlannedRun> folders;
     bool hangsUpAFP = false;
     bool hangsUpSMB = false;
 };
 
-/// Works out how `entry` is taken back, as things are now. `all` are the entries of the history, the newest
-/// first: a later one that builds on this is named in the refusal. What is already as it was before is left
-/// alone, so that an undo that was cut short can be done again.
+/// Works out how to undo `entry` in the current state. `all` are the entries of the history, the newest
+/// first; a later one that builds on this entry is named in the refusal. What is already as it was before the
+/// entry is left alone, so that an interrupted undo can be repeated.
 [[nodiscard]] UndoPlan planUndo(const HistoryEntry& entry, const std::vector<HistoryEntry>& all);
 
-/// Carries a plan out, run by run, as a part of the action that is under way: the directory first, in one
-/// transaction, then the settings files, the folders, and the servers. Stops at the first failed run, which
-/// has beeped and was logged, and when the directory's records are not as they were before once the
-/// transaction is over.
+/// Carries a plan out, run by run, as a part of the current action: first the directory, in one transaction,
+/// then the settings files, the folders and the servers. Fails at the first failed run, which has beeped and
+/// been logged, or if after the transaction the directory's records are not as they should be.
 [[nodiscard]] platform::Status carryOut(const UndoPlan& plan);
 
 } // namespace review

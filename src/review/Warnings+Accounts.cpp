@@ -4,14 +4,13 @@
 #include "platform/foundation/NSBundle.h"
 #include "platform/foundation/NSString.h"
 
-#include <algorithm>
 #include <set>
 
 namespace review {
 
 namespace {
 
-/// An action on more accounts than these is told.
+/// An action on more accounts than this gives a warning.
 constexpr std::size_t manyAccounts = 20;
 
 template <class... Arguments>
@@ -19,7 +18,7 @@ Remark remark(std::string_view code, const std::string& key, const Arguments&...
     return {code, stringWithFormat(NSLocalizedString(key), arguments...)};
 }
 
-/// What is said of an account, depending on whether it is a user or a group.
+/// The warnings about an account, for users or for groups.
 struct AccountTexts {
     const char* nameCase;
     const char* overwrites;
@@ -42,7 +41,7 @@ struct EditedAccount {
     std::string place; ///< "/users"
     const char* idProperty;
     std::string name;
-    std::string selected; ///< in the list
+    std::string selected; ///< the name of the account selected in the list
     const AccountTexts& texts;
 };
 
@@ -67,7 +66,7 @@ void addEditedAccount(const Situation& situation, const EditedAccount& account,
     }
 }
 
-/// An id that is missing reads as 0: the user would be in the system's own group.
+/// A missing id reads as 0, and the user would get the system's own group.
 void addMissingGroupId(const Situation& situation, std::vector<Remark>* warnings) {
     const BRController& now = situation.before;
     const std::string name = now.shortName->stringValue();

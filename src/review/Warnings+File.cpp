@@ -15,7 +15,7 @@ namespace review {
 
 namespace {
 
-/// So many lines are named; the rest is counted.
+/// How many lines are named; the rest are only counted.
 constexpr std::size_t namedLines = 6;
 
 std::string_view trimmed(std::string_view text) {
@@ -25,7 +25,7 @@ std::string_view trimmed(std::string_view text) {
     return text;
 }
 
-/// A line as far as it matters to a reader: blanks around its parts do not.
+/// A line reduced to what matters: without blanks around its parts.
 std::string essence(std::string_view line) {
     line = trimmed(line);
     std::string mark;
@@ -44,7 +44,7 @@ std::string essence(std::string_view line) {
            std::string(trimmed(line.substr(equals + 1)));
 }
 
-/// The lines of a text that are not blank.
+/// The lines of a text that are not blank, in that form.
 struct Essence {
     explicit Essence(std::string_view text) {
         const std::vector<std::string_view> lines = linesOf(text);
@@ -82,7 +82,7 @@ std::string namesOf(const std::vector<NamedLine>& lines) {
     return names;
 }
 
-/// What writing the whole model makes of the lines that were read.
+/// The lines of the file that rewriting it loses or moves.
 struct Rewriting {
     std::vector<NamedLine> lost;
     std::vector<NamedLine> moved;
@@ -138,8 +138,8 @@ void addLosses(const SMBConf& model, std::vector<Remark>* warnings) {
     }
 }
 
-/// Whether the action is about the section: the SMB page about the server's own, the editor about its
-/// share's.
+/// Whether the action concerns the section: on the SMB page "global" and "homes", in the editor the share's
+/// section.
 bool concerns(const Situation& situation, const SMBShare& section) {
     const std::string& name = section.ShareName();
     if (situation.is("updateSMBProperties:")) {

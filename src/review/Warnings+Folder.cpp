@@ -25,7 +25,7 @@ Remark remark(std::string_view code, const std::string& key, const Arguments&...
     return {code, stringWithFormat(NSLocalizedString(key), arguments...)};
 }
 
-/// The folder itself, where there is one behind links; else its path as it is written, in order.
+/// The path with links resolved, or, when that fails, only normalized.
 fs::path resolved(const std::string& path) {
     std::error_code error;
     const fs::path real = fs::weakly_canonical(path, error);
@@ -41,7 +41,7 @@ std::optional<Identity> identityOf(const std::string& path) {
                                               : std::nullopt;
 }
 
-/// The folders that `folder` is in. By identity, because a share's path may lead over links.
+/// The folders that contain `folder`, by identity, because a share's path may contain links.
 std::set<Identity> foldersAround(const fs::path& folder) {
     std::set<Identity> around;
     for (fs::path each = folder; each != each.parent_path(); each = each.parent_path()) {
@@ -91,7 +91,7 @@ void addPlaceWarnings(const Situation& situation, const std::string& folder, std
     }
 }
 
-/// Whether a class of users gets other rights although its menu was not touched.
+/// Whether a class of users gets other rights although the user did not touch its menu.
 bool changesUntouchedMode(const BRController& now, const FolderChange& change) {
     const std::array<std::pair<const NSControl*, mode_t>, 3> classes{
         {{now.ownerPrivs, 0700}, {now.groupPrivs, 0070}, {now.everyonePrivs, 0007}}};

@@ -18,15 +18,15 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// What testparm says of every text.
+/// What testparm writes for every text.
 constexpr std::array<std::string_view, 6> usualWords = {
     "Load smb config files", "Loaded services file", "Weak crypto is allowed",
     "Server role:",          "rlimit_max:",          "Processing section"};
 
-/// It asks the network for names: a slow one must not keep a plan waiting.
+/// testparm looks names up on the network, and a slow network must not keep a plan waiting.
 constexpr std::chrono::seconds timeLimit{5};
 
-/// A folder of its own for the texts, removed at the end.
+/// A temporary folder for the texts, removed by the destructor.
 class TextFolder {
   public:
     TextFolder() {
@@ -36,7 +36,7 @@ class TextFolder {
     }
 
     ~TextFolder() {
-        std::error_code ignored; // the system sweeps the folder that it stands in
+        std::error_code ignored; // the system cleans its folder for temporary files
         fs::remove_all(path_, ignored);
     }
 
@@ -49,7 +49,7 @@ class TextFolder {
     std::string path_;
 };
 
-/// What testparm finds fault with in the text, line by line.
+/// The complaints of testparm about the text, one per line.
 std::vector<std::string> faultsOf(const std::string& text, const std::string& file) {
     std::vector<std::string> faults;
     if (!writeToFileAtomically(file, text, 0600).isOk()) {
@@ -60,7 +60,7 @@ std::vector<std::string> faultsOf(const std::string& text, const std::string& fi
                                     {"PATH=/usr/bin:/bin", "LC_ALL=C"}};
     const auto run = platform::runProcess(command, {}, timeLimit);
     if (!run.isOk()) {
-        return faults; // without its judgement there is nothing to warn of
+        return faults; // without testparm's result there is nothing to warn of
     }
     for (const std::string_view line : linesOf(run->errors)) {
         const bool isUsual = line.empty() || std::ranges::any_of(usualWords, [line](std::string_view words) {
@@ -84,7 +84,8 @@ void addServerWarnings(const Situation& situation, std::vector<Remark>* warnings
     if (folder.path().empty()) {
         return;
     }
-    const std::string file = folder.path() + "/smb.conf"; // one name, because some complaints hold it
+    const std::string file =
+        folder.path() + "/smb.conf"; // the same name for both texts, because some complaints contain it
     const std::vector<std::string> before = faultsOf(plan.smbConfBefore, file);
     for (const std::string& fault : faultsOf(plan.smbConfAfter, file)) {
         if (std::ranges::find(before, fault) == before.end()) {

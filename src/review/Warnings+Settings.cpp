@@ -5,8 +5,6 @@
 #include "platform/foundation/NSString.h"
 #include "review/SMBFields.h"
 
-#include <algorithm>
-#include <array>
 #include <functional>
 #include <map>
 #include <string_view>
@@ -15,10 +13,10 @@ namespace review {
 
 namespace {
 
-/// A setting of the SMB page: its control, and what the server takes where the file does not say.
+/// A setting of the SMB page, its control, and what the server assumes without it.
 struct SMBSetting {
     std::string_view key;
-    const NSControl* control; ///< null for one that follows another
+    const NSControl* control; ///< null for a setting that depends on another one
     std::string_view standard;
 };
 
@@ -39,7 +37,7 @@ std::vector<SMBSetting> homesSettings(const BROutlets& page) {
             {"read only", page.smbHomeDirsReadOnly, "yes"}};
 }
 
-/// What the server makes of a setting, so that two spellings of one meaning are equal.
+/// How the server interprets a setting, so that different spellings of the same meaning are equal.
 std::string meaningOf(const SMBShare* section, const SMBSetting& setting) {
     const ServerSetting read = section != nullptr ? serverSetting(*section, setting.key) : ServerSetting();
     std::string written = read.pair != nullptr ? read.pair->Value.str() : std::string(setting.standard);
@@ -86,7 +84,7 @@ void addSMBPage(const Situation& situation, std::vector<Remark>* warnings) {
     }
 }
 
-/// Whether a user put the value there that the control of an AFP setting holds.
+/// Whether the user set the value of the control of an AFP setting.
 using IsEdited = std::function<bool(const BROutlets& page)>;
 
 template <class Kind>

@@ -30,7 +30,7 @@ std::string sharePath(const std::string& name) {
     return std::string(sharesPlace) + "/" + name;
 }
 
-/// What stands in a section that Brindle did not write there: keys, and comments as such.
+/// The parts of a section that Brindle did not write: keys, and the first line of comments.
 std::vector<std::string> foreignParts(const SMBShare& section) {
     constexpr std::array<std::string_view, 4> own = {"path", "read only", "inherit permissions", "guest ok"};
     std::vector<std::string> parts;
@@ -46,7 +46,8 @@ std::vector<std::string> foreignParts(const SMBShare& section) {
     return parts;
 }
 
-/// The live sections that are in `before` and no longer in `after`. The first of a name goes first.
+/// The active sections that are in `before` but not in `after`. Of several with the same name, the first are
+/// taken to be removed.
 std::vector<const SMBShare*> removedSections(const SMBConf& before, const SMBConf& after) {
     std::map<std::string, int> left;
     for (const auto& entry : before.Entries()) {
@@ -202,7 +203,7 @@ class ShareWarnings {
         }
     }
 
-    /// A menu or box that nobody touched changes the record of a share that is there already.
+    /// Warns if a menu or check box that the user did not touch changes an existing share's record.
     void addUntouchedRecord() {
         const std::array<std::pair<const char*, const NSControl*>, 3> properties{
             {{"afp_shared", now_.sharingAFS},

@@ -9,7 +9,7 @@ namespace review {
 
 namespace {
 
-/// The order in which they are shown.
+/// The codes of all warnings, in the order in which they are shown.
 constexpr std::array<std::string_view, 19> codes = {
     "changed-outside",    "lines-lost",       "section-removed",       "record-removed",
     "owner-changes",      "mode-changes",     "owner-locked-out",      "no-folder",
@@ -33,7 +33,7 @@ bool Situation::writesSMBConf() const {
 std::vector<Remark> warningsOf(const Situation& situation) {
     std::vector<Remark> warnings;
     if (situation.plan.runs.empty()) {
-        return warnings; // nothing would happen
+        return warnings; // the action would do nothing
     }
     addFileWarnings(situation, &warnings);
     addShareWarnings(situation, &warnings);

@@ -8,21 +8,22 @@
 
 namespace review {
 
-/// A planned action, and the state that it was planned on.
+/// A planned action, with the state before and after it.
 struct Situation {
     const Plan& plan;
-    const BRController& before; ///< the application as it is
+    const BRController& before; ///< the application
     const BRController& after;  ///< its copy after the action
     DirectoryView directoryBefore;
     DirectoryView directoryAfter;
 
     [[nodiscard]] bool is(std::string_view operation) const { return plan.operation == operation; }
 
-    /// Whether the plan copies a text over smb.conf.
+    /// Whether the plan writes smb.conf.
     [[nodiscard]] bool writesSMBConf() const;
 };
 
-/// What would surprise somebody who carries the plan out, each as a sentence that names what it is about.
+/// What might surprise the user when the plan is carried out. Each warning is a sentence that names what it
+/// is about.
 [[nodiscard]] std::vector<Remark> warningsOf(const Situation& situation);
 
 // Each of these adds one group of warnings.
@@ -32,7 +33,7 @@ void addFolderWarnings(const Situation& situation, std::vector<Remark>* warnings
 void addAccountWarnings(const Situation& situation, std::vector<Remark>* warnings); // users and groups
 void addSettingWarnings(const Situation& situation,
                         std::vector<Remark>* warnings); // the two servers' settings
-/// Whether testparm finds fault with the new smb.conf and not with the old one.
+/// Adds testparm's complaints about the new smb.conf that it does not have about the old one.
 void addServerWarnings(const Situation& situation, std::vector<Remark>* warnings);
 
 } // namespace review

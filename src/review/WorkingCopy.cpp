@@ -31,17 +31,17 @@ using platform::Status;
 
 constexpr std::array<const char*, 2> settingsFiles = {platform::systempath::smbConf,
                                                       platform::systempath::appleFileServer};
-/// What an action writes into the home folder before it is copied over one of the settings files.
+/// The files that an action writes in the home folder before they are copied over the settings files.
 constexpr std::array temporaryFiles = {
     std::string_view(platform::systempath::temporarySmbConf).substr(1), // after "~"
     std::string_view(platform::systempath::temporaryAppleFileServer).substr(1)};
 constexpr const char* storeName = "/directory.db";
 constexpr const char* homeName = "/home";
 constexpr const char* defaultsName = "/defaults.plist";
-/// An action would wait as long for the directory, and a plan is not to be worked out twice.
+/// As long as an action would wait for the directory.
 constexpr int waitSeconds = 30;
 
-/// The copies' paths; every other path is the original's.
+/// Maps the copied files to their copies, and every other path as the original does.
 class CopiedPaths : public platform::Paths {
   public:
     CopiedPaths(std::shared_ptr<platform::Paths> original, std::string folder)
@@ -71,7 +71,8 @@ class CopiedPaths : public platform::Paths {
     [[nodiscard]] std::string resources() const override { return original_->resources(); }
 
   private:
-    /// Where nothing can be written, nothing can be written in the copy either: its folder does not exist.
+    /// If the home folder is not writable, the path in the copy is in a folder that does not exist, so that
+    /// writing fails there too.
     [[nodiscard]] std::string mapTemporary(const std::string& home, std::string_view name) const {
         const bool isWritable = ::access(home.c_str(), W_OK | X_OK) == 0;
         return folder_ + (isWritable ? homeName : "/no-home") + std::string(name);
@@ -81,7 +82,7 @@ class CopiedPaths : public platform::Paths {
     std::string folder_;
 };
 
-/// Settles a working copy where the application reads the directory.
+/// Settles a working copy whenever the application is about to read the directory.
 class CopyWrites : public platform::PendingWrites {
   public:
     explicit CopyWrites(std::shared_ptr<WorkingCopy> copy) : copy_(std::move(copy)) {}
@@ -103,7 +104,7 @@ Status copyFileIfThere(const std::string& from, const std::string& to) {
         return Status::failure("cannot make a folder for", to, error.message());
     }
     const auto contents = contentsOfFile(from);
-    // What cannot be read is not there for the plan either.
+    // A file that cannot be read is missing for the plan too.
     return contents.isOk() ? platform::writeWholeFile(to, *contents, {.mode = 0600}) : Status();
 }
 
@@ -122,7 +123,7 @@ std::string makeScratchFolder() {
 
 Result<std::shared_ptr<WorkingCopy>> WorkingCopy::makeWithoutDirectory() {
     platform::Host::settlePendingWrites();
-    std::shared_ptr<WorkingCopy> copy(new WorkingCopy()); // make_shared cannot reach the constructor
+    std::shared_ptr<WorkingCopy> copy(new WorkingCopy()); // make_shared cannot call the private constructor
     copy->original_ = platform::Host::current().services();
     copy->folders_ = std::make_shared<FolderForecasts>(copy->original_.folderForecast);
     copy->folder_ = makeScratchFolder();
@@ -149,7 +150,7 @@ Result<std::shared_ptr<WorkingCopy>> WorkingCopy::make(bool* lacksDirectory) {
 
 WorkingCopy::~WorkingCopy() {
     if (!folder_.empty()) {
-        std::error_code ignored; // the system sweeps the folder that it stands in
+        std::error_code ignored; // the system cleans its folder for temporary files
         fs::remove_all(folder_, ignored);
     }
 }
@@ -239,7 +240,7 @@ std::string WorkingCopy::run(const std::string& tool, std::span<const std::strin
         folders_->add(arguments[1], *order);
         return {};
     }
-    return {}; // kill: nobody is signalled, and it says nothing to standard output
+    return {}; // kill: no process is signalled, and kill writes nothing to standard output
 }
 
 std::string WorkingCopy::copySettings(std::span<const std::string> arguments) {
@@ -249,7 +250,7 @@ std::string WorkingCopy::copySettings(std::span<const std::string> arguments) {
         request.arguments[0] = paths.map(arguments[0]);
     }
     if (arguments.size() == 2 && changesComputer()) {
-        // An administrator may write wherever the files lie; the texts are judged as they would be.
+        // root may write the files wherever they are, but the text of smb.conf is checked as the helper does.
         const auto text = contentsOfFile(arguments[0]);
         if (text.isOk() && arguments[1] == settingsFiles[0]) {
             const auto old = contentsOfFile(arguments[1]).valueOr("");

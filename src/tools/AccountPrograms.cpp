@@ -11,7 +11,7 @@ Status runAccountProgram(const std::vector<std::string>& words, std::string_view
     if (::access(program.c_str(), X_OK) != 0) {
         return Status::failure("cannot run", program, "it is not installed; install the package passwd");
     }
-    // No time limit: stopped half way, it would leave one of the files changed and another not.
+    // No time limit: if the program were stopped half way, one of the files could be changed and another not.
     const auto finished = platform::runProcess({words, platform::ErrorOutput::WithOutput}, input);
     if (!finished.isOk()) {
         return finished.status();

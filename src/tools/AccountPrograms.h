@@ -6,11 +6,11 @@
 #include <string_view>
 #include <vector>
 
-// The computer's own programs that change its accounts (shadow-utils), which know the files of accounts, lock
-// them, and tell whoever else has to know.
+// The computer's own programs that change its accounts (shadow-utils). They know the account files, lock
+// them, and notify other services.
 
-/// Runs such a program: its path, then its arguments, as they are and never through a shell. `input` is its
-/// standard input. Fails with what the program complained of.
+/// Runs such a program directly, not through a shell. `words` are its path and its arguments, `input` its
+/// standard input. Fails with the program's error message.
 [[nodiscard]] platform::Status runAccountProgram(const std::vector<std::string>& words,
                                                  std::string_view input = {});
 

@@ -51,7 +51,7 @@ Status ComputerAccount::collect() {
         return begin(record);
     }
     const auto before = record && change_.property ? store.values(*record, *change_.property) : std::nullopt;
-    if (Status status = writeStore(); !status.isOk()) { // it refuses what is not there
+    if (Status status = writeStore(); !status.isOk()) { // fails when the record or value does not exist
         return status;
     }
     const auto program = record && change_.property ? programThatMakes(*record) : std::nullopt;
@@ -61,7 +61,7 @@ Status ComputerAccount::collect() {
 Status ComputerAccount::begin(std::optional<Store::Record> left) {
     Store& store = directory_.store();
     if (left) {
-        store.removeRecord(*left); // one that never became whole
+        store.removeRecord(*left); // left by an account that was never made
     }
     const auto folder = store.find(RecordPath{path_.front()});
     if (!folder) {
@@ -74,7 +74,7 @@ Status ComputerAccount::begin(std::optional<Store::Record> left) {
 Status ComputerAccount::make(Store::Record record,
                              const std::optional<std::vector<std::string>>& valuesBefore,
                              const std::vector<std::string>& program) {
-    // Before the account is there, so that it is ours whatever becomes of this run.
+    // Set before the account exists, so that it counts as ours even if this run is killed.
     directory_.setState(record, State::Made);
     Status status = runProgram(program);
     if (status.isOk()) {
@@ -86,7 +86,7 @@ Status ComputerAccount::make(Store::Record record,
     } else {
         directory_.store().removeProperty(record, *change_.property);
     }
-    static_cast<void>(directory_.commit()); // a record without an account is taken away by the next run
+    static_cast<void>(directory_.commit()); // the next run removes a record without an account
     return status;
 }
 
@@ -151,7 +151,7 @@ Status ComputerAccount::writeBesideLine() {
 }
 
 Status ComputerAccount::writeStore() {
-    DirectorySession::AccountChanges ignored; // the computer's own server asks the computer
+    DirectorySession::AccountChanges ignored; // only a root's server needs them
     if (!change_.property || change_.property != numberProperty() || change_.operation != "-create") {
         return changeStore(directory_.store(), change_, ignored);
     }

@@ -1,44 +1,41 @@
 #pragma once
 
 #include "directory/DirectoryRules.h"
-#include "platform/netinfo/AccountLines.h"
 #include "platform/netinfo/Store.h"
 #include "platform/posix/Status.h"
 #include "tools/ComputerDirectory.h"
 
 #include <optional>
-#include <span>
 #include <string>
-#include <string_view>
 #include <vector>
 
-/// One change of an account of this computer. An account is made by several changes, the record first and
-/// then a property each. They are collected in the store until all is known that the computer's own program
-/// needs, and it is made then. From then on what its line holds is changed by those programs, and the rest in
-/// the store.
+/// One change of an account of this computer. An account is made by several changes, first of the record and
+/// then one for each property. They are collected in the store until everything is known that the computer's
+/// own program needs to make the account. From then on, what the account's line holds is changed by those
+/// programs, and the rest in the store.
 class ComputerAccount {
   public:
     virtual ~ComputerAccount() = default;
     ComputerAccount(const ComputerAccount&) = delete;
     ComputerAccount& operator=(const ComputerAccount&) = delete;
 
-    /// Carries the change out, as far as the rules for accounts allow it. Where it fails, nothing was
-    /// changed.
+    /// Carries the change out if the rules for accounts allow it. On failure nothing has changed.
     [[nodiscard]] platform::Status run();
 
   protected:
-    /// `change` keeps the directory's rules, and is about the account at its path. Both must outlive this.
+    /// `change` must pass checkDirectoryChange and be the change of an account. Both arguments must outlive
+    /// this object.
     ComputerAccount(ComputerDirectory& directory, const DirectoryChange& change);
 
-    // What users and groups differ in.
+    // What differs between users and groups.
 
-    /// The account's number, where the computer has it.
+    /// The account's number; none when the computer has no such account.
     [[nodiscard]] virtual std::optional<unsigned> number() const = 0;
     [[nodiscard]] virtual const char* numberProperty() const = 0;
-    /// The program that makes the account from what was collected; none as long as something is missing.
+    /// The command that makes the account from what was collected; none as long as something is missing.
     [[nodiscard]] virtual std::optional<std::vector<std::string>>
     programThatMakes(platform::Store::Record collected) = 0;
-    /// Writes a property of the line but for its name and number.
+    /// Writes a property of the account's line other than its name and number.
     [[nodiscard]] virtual platform::Status writeLine() = 0;
     [[nodiscard]] virtual std::vector<std::string> programThatRenames(const std::string& newName) const = 0;
     [[nodiscard]] virtual std::vector<std::string> programThatRenumbers(unsigned newNumber) const = 0;
@@ -56,7 +53,7 @@ class ComputerAccount {
     [[nodiscard]] bool isOurs() const { return isOurs_; }
 
     [[nodiscard]] platform::Status refused(std::string why) const;
-    /// Commits, and runs one of the computer's programs.
+    /// Commits, then runs one of the computer's programs.
     [[nodiscard]] platform::Status runProgram(const std::vector<std::string>& words) const;
     [[nodiscard]] std::vector<std::string> collectedValues(platform::Store::Record record,
                                                            const char* property) const;
@@ -74,7 +71,7 @@ class ComputerAccount {
     [[nodiscard]] platform::Status rename();
     [[nodiscard]] platform::Status renumber();
     [[nodiscard]] platform::Status remove();
-    /// Changes what the account's line cannot hold.
+    /// Writes a property that the account's line cannot hold.
     [[nodiscard]] platform::Status writeBesideLine();
     [[nodiscard]] platform::Status writeStore();
 

@@ -132,7 +132,8 @@ Status ComputerDirectory::carryThrough(UnfinishedChange change, const std::vecto
         return status;
     }
     if (!change.sambaAccount.empty()) {
-        status = ComputerPasswords::remove(change.before.name); // it finds nobody whose account is gone
+        status = ComputerPasswords::remove(
+            change.before.name); // now, because it does not find a user whose account is gone
     }
     if (status.isOk()) {
         status = runAccountProgram(program);
@@ -151,7 +152,7 @@ Status ComputerDirectory::settle(const UnfinishedChange& change) {
     const bool isDone = isDeleted ? !isThere : exists(change.isUser, change.after);
     if (isDone) {
         if (const Status status = keepOwnGroup(change); !status.isOk()) {
-            // The user has gone all the same, and nothing must wait for the group.
+            // Only logged, because the user has been deleted and the rest must go on.
             NSLog("The group %@ went with its user: %@", change.before.name, status.text());
         }
         followInStore(change);
@@ -177,7 +178,7 @@ Status ComputerDirectory::keepOwnGroup(const UnfinishedChange& change) {
         accounts_.findGroup(change.before.name) != nullptr) {
         return {};
     }
-    // userdel takes it along where USERGROUPS_ENAB is on (login.defs(5)).
+    // userdel deletes the group too if USERGROUPS_ENAB is on (login.defs(5)).
     Status status =
         runAccountProgram({accountprogram::groupadd, "--gid", std::to_string(gid), "--", change.before.name});
     return status.isOk() ? readLines() : status;
@@ -195,7 +196,7 @@ void ComputerDirectory::followInStore(const UnfinishedChange& change) {
     }
     if (change.after.name != change.before.name) {
         if (const auto taken = store().find(RecordPath{folder, change.after.name})) {
-            store().removeRecord(*taken); // of an account that never became whole
+            store().removeRecord(*taken); // left by an account that was never made
         }
         store().rename(*record, change.after.name);
     }

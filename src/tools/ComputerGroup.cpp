@@ -5,7 +5,6 @@
 #include "tools/AccountPrograms.h"
 
 #include <algorithm>
-#include <utility>
 
 using platform::Status;
 using platform::Store;
@@ -45,7 +44,7 @@ std::optional<std::vector<std::string>> ComputerGroup::programThatMakes(Store::R
 
 Status ComputerGroup::writeLine() {
     if (change().property == "passwd") {
-        return {}; // "*" is all that it can be
+        return {}; // it can only be "*"
     }
     if (change().property != "users") {
         return refused("a group always has it; write another value with -create");
@@ -58,7 +57,7 @@ Status ComputerGroup::changeMembers() const {
     if (change().operation == "-delete") {
         for (const std::string& user : users) {
             const bool isMember = std::ranges::find(line_->members, user) != line_->members.end();
-            // Whoever is deleted has left all groups already.
+            // A user who has been deleted has already left all groups.
             if (!isMember && directory().accounts().findUser(user) != nullptr) {
                 return refused("the property users has no value " + user + "; nothing was deleted");
             }

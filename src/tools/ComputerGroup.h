@@ -23,5 +23,5 @@ class ComputerGroup : public ComputerAccount {
     /// Runs gpasswd.
     [[nodiscard]] platform::Status edit(const std::vector<std::string>& options) const;
 
-    const platform::GroupLine* line_; ///< null: not made yet
+    const platform::GroupLine* line_; ///< null if the group has not been made yet
 };

@@ -34,7 +34,8 @@ Status makeFolder(const std::string& folder) {
 }
 
 Result<FileDescriptor> lock(const std::string& path, int waitSeconds) {
-    // Programs inherit it: see ComputerLock. Only root opens it, so that nobody else keeps others waiting.
+    // Programs inherit the descriptor: see ComputerLock. Only root can open the file, so that nobody else can
+    // block changes.
     FileDescriptor file(
         ::open(path.c_str(), O_RDWR | O_CREAT | O_NOFOLLOW, 0600)); // NOLINT(android-cloexec-open)
     if (!file.isOpen()) {
@@ -55,7 +56,8 @@ Result<FileDescriptor> lock(const std::string& path, int waitSeconds) {
     return file;
 }
 
-/// The whole store at once, with nothing in it but the records that always exist.
+/// Makes a store with only the records that always exist, under another name first, so that it is never there
+/// half made.
 Status makeStore(const std::string& file) {
     const std::string unfinished = file + ".new";
     std::error_code ignored;

@@ -5,13 +5,13 @@
 #include "platform/posix/FileDescriptor.h"
 #include "platform/posix/Status.h"
 
-/// The right to change this computer's directory, one run after another; held while it lives. A program that
-/// is started meanwhile holds it too until it ends, so that nobody judges what a killed run has done while
-/// the program that it started is still at it.
+/// A lock, held as long as this object lives, that lets only one run at a time change this computer's
+/// directory. A program that is started meanwhile inherits the lock and holds it until it ends, so that
+/// nobody finishes the work of a killed run while the program that it started is still running.
 class ComputerLock {
   public:
-    /// Waits so many seconds for other runs, and makes the folder and the store where there are none yet.
-    /// Fails when others take too long or something cannot be made.
+    /// Takes the lock, waiting up to `waitSeconds` for other runs, and makes the folder and the store if
+    /// there are none yet. Fails when others take too long or something cannot be made.
     [[nodiscard]] static platform::Result<ComputerLock> take(const platform::SystemFiles& files,
                                                              int waitSeconds);
 

@@ -10,7 +10,6 @@
 #include "tools/ComputerUser.h"
 #include "tools/StoreChange.h"
 
-#include <initializer_list>
 #include <optional>
 #include <string_view>
 #include <vector>
@@ -24,9 +23,10 @@ namespace {
 
 constexpr const char* sharedFolder = "sharedDir";
 
-/// A change that reaches no account.
+/// Carries out a change that does not concern an account.
 Status changeShares(const DirectoryPlace& place, const DirectoryChange& change) {
-    const auto lock = ComputerLock::take(place.computer->files, place.waitSeconds); // it makes the store
+    const auto lock =
+        ComputerLock::take(place.computer->files, place.waitSeconds); // this also makes the store
     if (!lock.isOk()) {
         return refusal(change, lock.status().text());
     }
@@ -39,10 +39,10 @@ Status changeShares(const DirectoryPlace& place, const DirectoryChange& change) 
     return status;
 }
 
-/// Sets the password by which the computer knows the user. With `option` "--encrypted" it is a hash.
+/// Sets the user's own password on the computer. With `option` "--encrypted", `password` is a hash.
 Status setOwnPassword(const std::string& user, std::string_view password, const std::string& option = {}) {
     std::string line;
-    line.reserve(user.size() + password.size() + 2); // so that no copy of it is left behind by growing
+    line.reserve(user.size() + password.size() + 2); // so that growing leaves no copy of it in memory
     line.append(user).append(":").append(password).append("\n");
     std::vector<std::string> words = {accountprogram::chpasswd};
     if (!option.empty()) {
@@ -77,9 +77,9 @@ bool sharesPublicFolder(Store& store, const std::string& user) {
     return values && !values->empty() && values->front() == "Public";
 }
 
-/// Offers the user's Public folder, or takes the offer away, as a change has left the directory. `before` is
-/// the account as it was, and `wasShared` whether its folder was. Nothing is offered, and nothing complained
-/// of, where the account has none.
+/// Offers the user's Public folder or withdraws the offer, depending on what `change` has left in the
+/// directory. `before` is the account before the change, `wasShared` whether its folder was shared. It is no
+/// failure if an account has no folder to offer.
 Status followPublicFolder(const DirectoryPlace& place, const DirectoryChange& change,
                           const platform::UserLine& before, bool wasShared,
                           const platform::AccountLimits& limits) {
@@ -93,7 +93,7 @@ Status followPublicFolder(const DirectoryPlace& place, const DirectoryChange& ch
     const bool canBeOffered =
         platform::whyNoPublicFolder(owner, limits.lowestUser, limits.highestUser).empty();
     if (!canBeOffered && !wasShared) {
-        return {}; // Samba is not asked: that takes longer than making a user
+        return {}; // without asking Samba, which takes longer than making a user
     }
     bool isOffered = false;
     {
@@ -107,7 +107,7 @@ Status followPublicFolder(const DirectoryPlace& place, const DirectoryChange& ch
     return status.isOk() && isOffered ? platform::offerPublicFolder(owner) : status;
 }
 
-/// What brings the property back that `change` writes.
+/// The change that would undo `change` of a property.
 DirectoryChange changeBack(Store& store, const RecordPath& path, const DirectoryChange& change) {
     DirectoryChange back = change;
     const auto record = store.find(path);
@@ -144,8 +144,8 @@ Status changeComputer(const DirectoryPlace& place, const DirectoryChange& change
     }
     status = followPublicFolder(place, change, *before, wasShared, directory.accounts().limits);
     if (!status.isOk() && change.property == sharedFolder) {
-        // The directory must not say that a folder is shared that is not. Where this fails, too, the first
-        // failure says why.
+        // The directory must not say that a folder is shared when it is not. If this fails too, the first
+        // failure is the one to report.
         static_cast<void>(ComputerUser(directory, back).run());
         static_cast<void>(directory.commit());
     }
@@ -170,7 +170,7 @@ Status setComputerPassword(const DirectoryPlace& place, const std::string& user,
     if (status.isOk()) {
         status = ComputerPasswords::set(user, password);
         if (!status.isOk() && !before.empty()) {
-            // Where this fails too, the first failure says why.
+            // If this fails too, the first failure is the one to report.
             static_cast<void>(setOwnPassword(user, before, "--encrypted"));
         }
     }

@@ -6,14 +6,14 @@
 
 #include <string>
 
-// The directory's tools on this computer itself. What they refuse beyond the directory's rules: accounts of
-// the system, which have numbers below those of login.defs(5) and are not Brindle's own, the administrators'
-// groups, number 0, and deleting or renaming the user who runs Brindle.
+// The directory's tools on this computer itself. In addition to what the directory's rules refuse, they
+// refuse what directory/AccountRules.h does: changing accounts of the system, changing who administers the
+// computer, and deleting or renaming the user who runs Brindle.
 
-/// Carries out a change that keeps the directory's rules. On failure nothing was changed.
+/// Carries out a change, which must pass checkDirectoryChange. On failure nothing has changed.
 [[nodiscard]] platform::Status changeComputer(const DirectoryPlace& place, const DirectoryChange& change);
 
-/// Sets the password of the user at `path` ("/Users/NAME"), for the computer and for Samba alike. Never
-/// quotes the password. On failure the user has the password from before.
+/// Sets the password of `user`, both for the computer and for Samba. A failure never quotes the password, and
+/// leaves the user with the old one.
 [[nodiscard]] platform::Status setComputerPassword(const DirectoryPlace& place, const std::string& user,
                                                    const std::string& password);

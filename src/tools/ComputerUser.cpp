@@ -7,7 +7,6 @@
 #include <algorithm>
 #include <cstdio>
 #include <memory>
-#include <utility>
 
 #include <shadow.h>
 
@@ -16,7 +15,7 @@ using platform::Store;
 
 namespace {
 
-/// Neither a home folder nor a shell: the account connects to shares, and nothing else.
+/// No home folder and no shell, because the account is only for connecting to shares.
 constexpr const char* noHome = "/dev/null";
 constexpr const char* noShell = "/sbin/nologin";
 
@@ -62,7 +61,7 @@ std::optional<std::vector<std::string>> ComputerUser::programThatMakes(Store::Re
     if (!uid || !gid) {
         return std::nullopt;
     }
-    // No home folder, no group of its own, no numbers for containers, no record of past logins.
+    // No home folder, no group of its own, no subordinate ids, no entries in the login logs.
     return std::vector<std::string>{accountprogram::useradd,
                                     "--no-create-home",
                                     "--no-user-group",

@@ -22,8 +22,8 @@ class ComputerUser : public ComputerAccount {
     [[nodiscard]] platform::Status modify(const char* option, const std::string& value) const;
     [[nodiscard]] platform::Status lockPassword() const;
 
-    const platform::UserLine* line_; ///< null: not made yet
+    const platform::UserLine* line_; ///< null if the user has not been made yet
 };
 
-/// The hash of the user's password, or what stands in its place; empty when it cannot be read.
+/// The password field of the user's line in /etc/shadow, which may be a hash; empty when it cannot be read.
 [[nodiscard]] std::string passwordHashOf(const std::string& user);

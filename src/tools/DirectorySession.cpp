@@ -45,7 +45,7 @@ Status DirectorySession::commit() {
     if (toldServer) {
         Store asBefore(place_.storeFile, Store::Opening::Existing, place_.waitSeconds);
         accounts.forgotten.clear();
-        static_cast<void>(tellServer(asBefore, accounts)); // the first failure says why
+        static_cast<void>(tellServer(asBefore, accounts)); // the first failure is the one to report
     }
     return status;
 }
@@ -66,7 +66,8 @@ Status DirectorySession::tellServer(Store& store, AccountChanges& changes) const
     }
     if (!status.isOk()) {
         store.undo();
-        // One of the lists may be written; where it cannot be written back, the first failure says why.
+        // One of the lists may have been written. If it cannot be restored, the first failure is the one to
+        // report.
         static_cast<void>(accounts.writeAccountLists(store));
     }
     return status;
@@ -84,13 +85,13 @@ Status DirectorySession::checkForgotten(const platform::SambaAccounts& accounts,
     return {};
 }
 
-/// A commit that fails must find the passwords still there: nobody could bring them back.
+/// Called only after a successful commit, because a password that has been removed cannot be restored.
 Status DirectorySession::forgetPasswords(const std::set<std::string>& users) const {
     if (users.empty()) {
         return {};
     }
     const platform::SambaAccounts accounts(platform::EmbeddedRoot(place_.root).sambaPaths());
-    // Held open, so that nobody makes one of them anew meanwhile.
+    // Held open so that nobody makes one of these users again meanwhile.
     Store store(place_.storeFile, Store::Opening::Existing, place_.waitSeconds);
     for (const std::string& user : users) {
         const bool isBack = store.find(RecordPath{"users", user}).has_value();

@@ -12,19 +12,19 @@
 #include <sys/types.h>
 
 // The directory's tools as functions, so that the programs, the helper and the tests run the same code. A
-// tool that cannot do what it was asked has changed nothing and says in one line what failed, on what, and
-// what to do; its status is then 1.
+// tool that fails changes nothing, writes one line that says what failed, on what, and what to do, and has
+// the status 1.
 
 /// The directory that a tool works on.
 struct DirectoryPlace {
-    /// A store alone: no server's password database belongs to it.
+    /// Only a store, without a server and its password database.
     DirectoryPlace(std::string file) : storeFile(std::move(file)) {}
 
     /// The store of the embedded root at `rootFolder`; changes to accounts reach the root's file server too.
     [[nodiscard]] static DirectoryPlace ofRoot(const std::string& rootFolder);
 
-    /// This computer itself: its accounts, and the store for what they cannot hold. `user` is who runs
-    /// Brindle.
+    /// This computer itself: its accounts, and the store for what they cannot hold. `user` is the user who
+    /// runs Brindle.
     [[nodiscard]] static DirectoryPlace ofComputer(platform::SystemFiles files, uid_t user);
 
     struct Computer {
@@ -33,39 +33,38 @@ struct DirectoryPlace {
     };
 
     std::string storeFile;
-    std::string root; ///< empty for a store alone and for this computer
+    std::string root; ///< empty for only a store and for this computer
     std::optional<Computer> computer;
-    bool keepsPasswords = true; ///< false: dscl checks its request and the user, and sets nothing
+    bool keepsPasswords = true; ///< false: dscl only checks its request and the user
     int waitSeconds = platform::Store::waitSeconds;
 };
 
-/// What a tool wrote to its standard output (complaints included), and its exit status.
+/// A tool's standard output, which includes error messages, and its exit status.
 struct ToolResult {
     std::string output;
     int status = 0;
 };
 
-/// `nicl DOMAIN OPERATION PATH [PROPERTY [VALUE...]]`, the domain being ".". -create makes the record, or the
-/// property with these values in place of its earlier ones; -append adds values at the end; -delete takes
-/// away the record with all below it, the property, or the values. Waits for other programs that use the
-/// directory. After a change below /users or /groups the account lists of the root's file server are
-/// rewritten.
+/// `nicl DOMAIN OPERATION PATH [PROPERTY [VALUE...]]`, with the domain ".". -create makes the record, or sets
+/// the property to these values; -append adds values at the end; -delete removes the record with all below
+/// it, the property, or the values. Waits for other programs that use the directory. After a change below
+/// /users or /groups the account lists of the root's file server are rewritten.
 [[nodiscard]] ToolResult runNicl(const DirectoryPlace& place, std::span<const std::string> arguments);
 
-/// `dscl DOMAIN -passwd /Users/NAME PASSWORD`: hands the password to the password database of the root's file
-/// server and keeps no copy; the caller wipes its own. The directory is free again by the time that the
-/// database is asked, which may take ten seconds.
+/// `dscl DOMAIN -passwd /Users/NAME PASSWORD`: sets the password in the password database of the root's file
+/// server and keeps no copy; the caller wipes its own. The directory is not locked while the database is
+/// used, which may take ten seconds.
 [[nodiscard]] ToolResult runDscl(const DirectoryPlace& place, std::span<const std::string> arguments);
 
-/// `nireport DOMAIN PATH PROPERTY...`: the report lines of the records below PATH. Needs the current host,
-/// whose local domain it reads.
+/// `nireport DOMAIN PATH PROPERTY...`: prints the report lines of the records below PATH. Reads the current
+/// host's local domain.
 [[nodiscard]] ToolResult runNireport(std::span<const std::string> arguments);
 
-/// `niutil -read DOMAIN PATH`: one line a property, "NAME: VALUE VALUE...". Reads the current host's local
-/// domain.
+/// `niutil -read DOMAIN PATH`: prints one line per property, "NAME: VALUE VALUE...". Reads the current host's
+/// local domain.
 [[nodiscard]] ToolResult runNiutil(std::span<const std::string> arguments);
 
-/// The whole of a directory tool's program: reads `--root DIR`, `--system`, `--help` and `--version` before
-/// the first word that is none of these, makes the root when it is missing, runs the tool, which is one of
-/// the four above, prints, and returns the exit status (2 for a wrong option).
+/// The whole program of a directory tool, which is one of the four above: reads the options `--root DIR`,
+/// `--system`, `--help` and `--version` before the first other word, makes the root if it is missing, runs
+/// the tool, prints its output, and returns the exit status (2 for a wrong option).
 [[nodiscard]] int directoryToolMain(std::string_view tool, int argc, char** argv);

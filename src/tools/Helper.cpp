@@ -65,11 +65,11 @@ HelperResult cp(const HelperPlace& place, Arguments arguments) {
         return said("cp", copyIntoPlace(arguments[0], target, place.user));
     }
     const platform::SystemFiles files(place.systemPrefix);
-    const std::string target = platform::systemFileBehind(arguments[1], files);
+    const std::string target = platform::systemFileFor(arguments[1], files);
     if (arguments[1] == systempath::smbConf) {
         return said("cp", copyIntoPlace(arguments[0], target, place.user, &checkSmbConf));
     }
-    // The settings may be the first thing of all that is kept there.
+    // Nothing may have been kept in that folder before.
     std::error_code error;
     std::filesystem::create_directories(files.folder(), error);
     const Status status = error ? Status::failure("cannot make", files.folder(), error.message()) : Status();
@@ -94,8 +94,8 @@ HelperResult chmod(const HelperPlace& place, Arguments arguments) {
                                  : wrongArguments("chmod", "chmod MODE FOLDER");
 }
 
-/// Complains to standard error: a server that has ended meanwhile is nothing that its administrator must hear
-/// of.
+/// Writes errors to standard error, because the administrator need not be told that a server has ended
+/// meanwhile.
 HelperResult kill(const HelperPlace& place, Arguments arguments) {
     HelperResult result = arguments.size() == 2 && arguments[0] == "-1"
                               ? said("kill", hangUpServer(arguments[1], place.root))
@@ -117,7 +117,7 @@ std::optional<platform::SambaAccounts> serverOf(const HelperPlace& place) {
                : std::optional(platform::SambaAccounts(platform::EmbeddedRoot(place.root).sambaPaths()));
 }
 
-/// The one tool that writes what it was asked for.
+/// The only tool whose output is its result.
 HelperResult smbstatus(const HelperPlace& place, Arguments arguments) {
     auto listing = listSessions(serverOf(place), arguments);
     return listing.isOk() ? HelperResult{std::move(*listing), "", 0} : said("smbstatus", listing.status());

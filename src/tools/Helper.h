@@ -3,63 +3,62 @@
 #include "tools/DirectorySession.h"
 
 #include <optional>
-#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include <sys/types.h>
 
-// brindle-helper: the one program that runs with an administrator's rights. It is one tool of a short list,
-// once or, in a session, several times, and refuses everything else.
+// brindle-helper: the only program that runs with an administrator's rights. It acts as one of a short list
+// of tools, once or, in session mode, many times, and refuses everything else.
 
-/// What one helper works on.
+/// What a helper works on.
 struct HelperPlace {
     std::string root; ///< the embedded root's folder; empty: this computer itself
-    uid_t user = 0;   ///< who runs Brindle: only this user's files are copied
-    /// On this computer, of the files that are Brindle's own (host/SystemFiles.h).
+    uid_t user = 0;   ///< the user who runs Brindle; only this user's files are copied
+    /// On this computer, the prefix of Brindle's own files (host/SystemFiles.h).
     std::string systemPrefix = {};
 };
 
-/// What a request asks for.
+/// A request to the helper.
 struct HelperRequest {
     std::string tool;
     std::vector<std::string> arguments;
 };
 
-/// Reads a request as Brindle sends it: the tool's path and each argument, each ended by a NUL. None when it
-/// is empty or its last text has no end.
+/// Parses a request: the tool's path and the arguments, each ended by a NUL. None when it is empty or does
+/// not end with a NUL.
 [[nodiscard]] std::optional<HelperRequest> parseHelperRequest(std::string_view bytes);
 
 [[nodiscard]] bool isHelperTool(const std::string& tool);
 
-/// What a tool says, and its exit status: 0, or 1 with one line of complaint.
+/// A tool's output and its exit status: 0, or 1 with one line that says what failed.
 struct HelperResult {
     std::string output; ///< for standard output
     std::string errors; ///< for standard error
     int status = 0;
 };
 
-/// Acts as the tool, which must be on the list. Needs a current host for its log.
+/// Acts as the requested tool. Needs a current host for its log.
 [[nodiscard]] HelperResult runHelperTool(const HelperPlace& place, const HelperRequest& request);
 
-/// The tools of one session. On an embedded root, what nicl changes is one transaction up to a commit; on
-/// this computer itself every run is done at once.
+/// The tools in one session. On an embedded root, the changes of nicl are one transaction until a commit; on
+/// this computer itself every run is committed at once.
 class HelperTools {
   public:
     explicit HelperTools(HelperPlace place);
 
-    /// Is the tool. Any but nicl commits first, and does nothing where that fails: it reads the directory, or
-    /// takes longer than others should wait for it.
+    /// Acts as the requested tool. Any tool except nicl commits first, because it reads the directory, or
+    /// takes so long that others should not have to wait for it. If the commit fails, the tool does nothing.
     [[nodiscard]] HelperResult run(const HelperRequest& request);
-    /// Commits.
+    /// Commits the changes of nicl.
     [[nodiscard]] HelperResult settle();
 
   private:
     HelperPlace place_;
-    std::optional<DirectorySession> directory_; ///< of an embedded root
+    std::optional<DirectorySession> directory_; ///< only on an embedded root
 };
 
-/// The whole program: `brindle-helper --root DIR [--session]` or `--system [--session]`, the requests on
+/// The whole program: `brindle-helper --root DIR [--session]` or `--system [--session]`, with requests on
 /// standard input (platform/security/HelperProtocol.h). Returns the exit status.
 [[nodiscard]] int helperMain(int argc, char** argv);

@@ -4,6 +4,6 @@
 
 #include <string>
 
-/// Why a tool of the helper could not do what it was asked: "TOOL: FAILURE; ADVICE\n", one line. The advice
-/// is what the user can do about a system error. Empty for success.
+/// The error message of a tool of the helper in one line: "TOOL: FAILURE; ADVICE\n". The advice says what the
+/// user can do about a system error. Empty for success.
 [[nodiscard]] std::string complaint(const std::string& tool, const platform::Status& status);

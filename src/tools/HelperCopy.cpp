@@ -22,14 +22,14 @@ namespace {
 constexpr mode_t newFileMode = 0644;
 constexpr const char* cannotCopy = "cannot copy";
 
-/// A regular file as one opening showed it.
+/// The content and attributes of a regular file, read through one descriptor.
 struct OpenedFile {
     std::string text;
 
     struct stat status {};
 };
 
-/// Reads a file that is open. What is checked here is what is read, whatever stands at the path by then.
+/// Reads an open file, so that what is checked is also what is read, even if the path changes meanwhile.
 Result<OpenedFile> readOpened(const FileDescriptor& file, const std::string& path, const char* advice,
                               std::optional<uid_t> owner = {}) {
     OpenedFile opened;
@@ -51,7 +51,7 @@ Result<OpenedFile> readOpened(const FileDescriptor& file, const std::string& pat
     return opened;
 }
 
-// Without O_NONBLOCK a pipe at a path would keep the helper waiting.
+// Without O_NONBLOCK, opening a pipe would keep the helper waiting.
 constexpr int openFlags = O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC;
 
 Result<OpenedFile> readSource(const std::string& source, uid_t user) {
@@ -62,7 +62,7 @@ Result<OpenedFile> readSource(const std::string& source, uid_t user) {
     return readOpened(file, source, "name one", user);
 }
 
-/// The file that is to be replaced; none when there is none.
+/// The file that is to be replaced; none when it does not exist.
 Result<std::optional<OpenedFile>> readTarget(const FilePlace& place) {
     const std::string path = place.pathOf(place.name());
     const FileDescriptor file(::openat(place.folder(), place.name().c_str(), openFlags));
@@ -74,8 +74,8 @@ Result<std::optional<OpenedFile>> readTarget(const FilePlace& place) {
     return opened.isOk() ? Result(std::optional(std::move(*opened))) : opened.status();
 }
 
-/// Keeps the first text of all under a name that nothing writes again. Where there is none yet, an empty one
-/// stands for it: without it the next copy would take Brindle's own text for the first.
+/// Keeps the very first original under a name that is never written again. If there was no file, an empty one
+/// is kept: otherwise the next copy would take Brindle's own text for the original.
 Status keepFirst(const FilePlace& place, const std::string& text, const std::optional<struct stat>& status) {
     const std::string first = place.name() + ".before-brindle";
 
@@ -114,7 +114,7 @@ Status copyIntoPlace(const std::string& source, const std::string& target, uid_t
         }
     }
     const auto like = *old ? std::optional((*old)->status) : std::nullopt;
-    // The new file first: where there is no room for it, nothing has been touched.
+    // The new file is written first: if there is no room for it, nothing else has been touched.
     auto replacement = WaitingFile::write(*place, place->name(), from->text, like, newFileMode);
     Status status = replacement.status();
     if (status.isOk()) {

@@ -7,7 +7,6 @@
 #include <cerrno>
 #include <charconv>
 #include <filesystem>
-#include <optional>
 #include <string_view>
 #include <utility>
 #include <vector>
@@ -22,20 +21,21 @@ using platform::Status;
 
 namespace {
 
-/// Nothing at or below these is for sharing. The last four lead into /usr on most computers, not on all.
+/// These folders and everything below them are not for sharing. The last four are links into /usr on most
+/// computers, but not on all.
 constexpr std::array<std::string_view, 11> systemTrees = {"/etc", "/usr", "/boot", "/dev", "/proc", "/sys",
                                                           "/run", "/bin", "/sbin", "/lib", "/lib64"};
-/// The same where root acts: programs keep what they count on there.
+/// Nor are these when root makes the change: programs rely on what they keep there.
 constexpr std::array<std::string_view, 2> treesOfComputer = {"/var/lib", "/var/spool"};
-/// Except for the volumes that people plug in.
+/// The exception: removable volumes.
 constexpr std::string_view volumes = "/run/media/";
-/// These hold folders that may be shared, but programs of all users count on their own mode. /srv and /mnt
-/// are the administrator's.
+/// Folders in these may be shared, but programs of all users rely on the mode of these folders themselves.
+/// /srv and /mnt are left to the administrator.
 constexpr std::array<std::string_view, 12> systemFolders = {
     "/",        "/var", "/var/cache", "/var/lib", "/var/log", "/var/spool",
     "/var/tmp", "/tmp", "/opt",       "/media",   "/home",    "/root"};
-/// Who may write to these may log on, or sign, as the user whose they are; ssh refuses keys in a folder that
-/// others may write to.
+/// Whoever may write to these can log on or sign as their owner, and ssh refuses keys in a folder that others
+/// may write to.
 constexpr std::array<std::string_view, 2> keyFolders = {".ssh", ".gnupg"};
 
 bool isKeyFolder(const std::string& path) {
@@ -53,19 +53,19 @@ bool isSameFolder(const struct stat& status, std::string_view path) {
 
 constexpr const char* cannotChange = "cannot change";
 
-/// A folder that may be changed.
+/// An open folder that may be changed.
 struct OpenFolder {
     FileDescriptor descriptor;
 
     struct stat status {};
 
-    /// A path that leads to the opened folder itself, whatever has become of the path it was found at.
+    /// A path to the open folder itself, even if the path at which it was found has changed.
     [[nodiscard]] std::string path() const { return "/proc/self/fd/" + std::to_string(descriptor.get()); }
 };
 
-/// Fails when anybody could put another folder in the place of the one at `path`, which holds no links: what
-/// an administrator looked at is not what root then changes. A folder like /tmp is safe, because there
-/// everybody may only replace what is theirs.
+/// Fails when anybody could replace the folder at `path`, which holds no links: root might then change
+/// another folder than the administrator looked at. Folders in one like /tmp are safe, because there users
+/// may only replace what is theirs.
 Status checkParents(const std::string& path, const std::string& asNamed) {
     std::filesystem::path parent = std::filesystem::path(path).parent_path();
     for (; parent != parent.root_path(); parent = parent.parent_path()) {
@@ -104,7 +104,7 @@ Result<OpenFolder> openFolder(const std::string& path, FolderHost host) {
     return folder;
 }
 
-/// What the system takes for "leave the owner, the group, as it is". No account may have this number.
+/// The number with which chown leaves the owner or group as it is. No account may have it.
 template <class Id>
 constexpr Id unchanged = static_cast<Id>(-1);
 
@@ -125,7 +125,7 @@ bool isSystemFolder(const std::string& path, const struct stat& status, FolderHo
 
 namespace {
 
-/// An opened folder and what is to become of it.
+/// An open folder and what is to be done to it.
 struct OpenOrder {
     OpenFolder folder;
     FolderOrder order;
@@ -185,7 +185,7 @@ bool isGroupOfCaller(gid_t group) {
     return group == ::getegid() || std::ranges::find(groups, group) != groups.end();
 }
 
-/// Whether the system lets `caller` carry the order out.
+/// Whether the system would let `caller` carry the order out.
 bool mayChange(const FolderOrder& order, uid_t caller) {
     if (caller == 0) {
         return true;
@@ -239,7 +239,7 @@ Status changeMode(const std::string& mode, const std::string& folder, FolderHost
     return {};
 }
 
-Status checkWayTo(const std::string& folder) {
+Status checkNotReplaceable(const std::string& folder) {
     std::error_code error;
     const std::filesystem::path real = std::filesystem::canonical(folder, error);
     return error ? Status() : checkParents(real, folder);

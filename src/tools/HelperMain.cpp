@@ -3,6 +3,7 @@
 #include "platform/foundation/SystemServices.h"
 #include "platform/posix/InputOutput.h"
 #include "platform/posix/Secret.h"
+#include "platform/posix/SystemCallFilter.h"
 #include "platform/security/HelperFile.h"
 #include "platform/security/HelperProtocol.h"
 #include "tools/Helper.h"
@@ -13,14 +14,12 @@
 #include <csignal>
 #include <cstdlib>
 #include <exception>
-#include <iostream>
 #include <memory>
 #include <utility>
 
 #include <fcntl.h>
 #include <poll.h>
 #include <sys/prctl.h>
-#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -28,8 +27,8 @@ namespace {
 
 constexpr int notStarted = platform::helperNotStartedStatus;
 
-/// Nothing that the program that started this one had open can be reached from here on. What is missing of
-/// the first three is filled up, so that no file opened later takes the place of a standard stream.
+/// Closes everything that the starting program left open. Missing standard streams are opened on /dev/null,
+/// so that no file that is opened later becomes a standard stream.
 void closeInheritedDescriptors() {
     for (int descriptor = STDIN_FILENO; descriptor <= STDERR_FILENO; ++descriptor) {
         if (::fcntl(descriptor, F_GETFD) < 0 && ::open("/dev/null", O_RDWR) != descriptor) {
@@ -39,14 +38,7 @@ void closeInheritedDescriptors() {
     ::closefrom(STDERR_FILENO + 1);
 }
 
-/// A core would hold passwords: neither this process nor a program that it starts leaves one.
-void leaveNoCore() {
-    ::prctl(PR_SET_DUMPABLE, 0);
-    const rlimit none{0, 0};
-    ::setrlimit(RLIMIT_CORE, &none);
-}
-
-/// Where nobody listens, there is nobody to tell.
+/// Ignores failures: if nobody reads the output, there is nobody to tell.
 void say(int descriptor, std::string_view text) {
     static_cast<void>(platform::writeAll(descriptor, text, {}));
 }
@@ -56,12 +48,12 @@ int refuse(const std::string& why) {
     return notStarted;
 }
 
-/// Why the options are not served; empty when they are, and `place` says then what to work on.
+/// Fills in `place` from the options. Returns why the options cannot be served, or "".
 std::string placeOf(const platform::HostOptions& options, HelperPlace& place) {
     if (options.system) {
         place = {"", sudoUser().value_or(::getuid()), options.root};
         if (sudoUser() && !options.root.empty()) {
-            // Whoever sudo lets run this must not lead root into folders of their own.
+            // A user whom sudo lets run this must not make root work in folders of that user's own.
             auto folder = platform::rootsFolder(options.root);
             if (!folder.isOk()) {
                 return folder.status().text();
@@ -78,7 +70,7 @@ std::string placeOf(const platform::HostOptions& options, HelperPlace& place) {
                                               : "--root is served as the user only; start it without sudo";
 }
 
-/// What a tool says; an exception is its complaint.
+/// Runs a tool; an exception becomes its error message.
 template <class Run>
 HelperResult guarded(const std::string& tool, Run run) {
     try {
@@ -91,11 +83,11 @@ HelperResult guarded(const std::string& tool, Run run) {
 
 void wipeArguments(HelperRequest& request) {
     for (std::string& argument : request.arguments) {
-        platform::wipe(argument); // one may be a password
+        platform::wipe(argument); // one of them may be a password
     }
 }
 
-/// False when nobody listens.
+/// False when nobody reads the output.
 bool sayStarted() {
     const char started = platform::helperStarted;
     return platform::writeAll(STDOUT_FILENO, {&started, 1}, "the started byte").isOk();
@@ -124,7 +116,7 @@ int serveOne(const HelperPlace& place) {
     return result.status;
 }
 
-/// False when the input ends before.
+/// Fills `bytes` from the input; false when the input ends first.
 bool readExactly(std::string& bytes) {
     std::size_t size = 0;
     while (size < bytes.size()) {
@@ -137,7 +129,7 @@ bool readExactly(std::string& bytes) {
     return true;
 }
 
-void answer(const HelperResult& result) {
+void reply(const HelperResult& result) {
     say(STDERR_FILENO, result.errors);
     say(STDOUT_FILENO,
         platform::frameHeader(result.output.size()) + result.output + static_cast<char>(result.status));
@@ -153,7 +145,7 @@ bool isAsked() {
     return ready != 0;
 }
 
-/// Until the input ends or nothing more is asked, which takes back what was not committed.
+/// Serves requests until the input ends or none comes for too long. Then what was not committed is undone.
 int serveSession(const HelperPlace& place) {
     HelperTools tools(place);
     std::string header(platform::frameHeaderSize, '\0');
@@ -169,9 +161,9 @@ int serveSession(const HelperPlace& place) {
         auto request = parseHelperRequest(bytes);
         platform::wipe(bytes);
         if (size == 0 && sayStarted()) {
-            answer(guarded("commit", [&] { return tools.settle(); }));
+            reply(guarded("commit", [&] { return tools.settle(); }));
         } else if (request && isHelperTool(request->tool) && sayStarted()) {
-            answer(guarded(request->tool, [&] { return tools.run(*request); }));
+            reply(guarded(request->tool, [&] { return tools.run(*request); }));
         } else {
             say(STDOUT_FILENO, std::string(1, platform::helperRefused));
         }
@@ -186,9 +178,10 @@ int serveSession(const HelperPlace& place) {
 
 int helperMain(int argc, char** argv) {
     closeInheritedDescriptors();
-    leaveNoCore();
+    platform::leaveNoCore();
+    ::prctl(PR_SET_DUMPABLE, 0); // so that the user whom it serves as root cannot look into its memory
     ::umask(S_IWGRP | S_IWOTH);
-    std::signal(SIGPIPE, SIG_IGN); // work once begun is finished, whether or not anybody listens
+    std::signal(SIGPIPE, SIG_IGN); // finish a tool's work even if nobody reads the output
     platform::HostOptions options;
     const auto parser = platform::makeParser(
         "brindle-helper", "Runs one tool for Brindle; the request comes on standard input.", "", options);
@@ -203,10 +196,13 @@ int helperMain(int argc, char** argv) {
         return platform::complain(*parser, fault).print();
     }
     if (!options.system) {
-        ::prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0); // what is the user's own needs no program that gives rights
+        // As the user, no program that grants rights is needed, and few of the system's calls. If the kernel
+        // has no filter for calls, the user's rights are the limit.
+        ::prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0);
+        platform::takeSystemCallFilter();
     }
     platform::Services services;
-    services.log = std::make_shared<platform::SystemLog>(); // the tools may log what they cannot read
+    services.log = std::make_shared<platform::SystemLog>(); // the tools log what they cannot read
     const platform::Host host(std::move(services));
     return isSession ? serveSession(place) : serveOne(place);
 }

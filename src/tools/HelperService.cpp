@@ -11,10 +11,10 @@ using platform::Status;
 
 namespace {
 
-constexpr auto limit = std::chrono::seconds(60); // a server may wait for its network
+constexpr auto limit = std::chrono::seconds(60); // a server may wait for the network
 
 bool exists(const std::string& path) {
-    std::error_code ignored; // what cannot be looked at cannot be used either
+    std::error_code ignored; // a file that cannot be examined cannot be used either
     return std::filesystem::exists(path, ignored);
 }
 
@@ -41,7 +41,7 @@ Status controlService(std::span<const std::string> arguments) {
     if (!exists(words.front())) {
         return Status::failure(what, "the SMB server", words.front() + " is not installed");
     }
-    // What it says goes to nobody's terminal: a server that it starts would keep ours open.
+    // Its errors are not inherited: a server that it starts would keep our standard error open.
     const auto run = platform::runProcess(
         {words, platform::ErrorOutput::Discarded, {"PATH=/usr/sbin:/usr/bin:/sbin:/bin", "LC_ALL=C"}}, {},
         limit);

@@ -6,11 +6,11 @@
 #include <string>
 #include <vector>
 
-/// The helper's service: starts the computer's own SMB server ("smbd start"), or has it start with the
-/// computer ("smbd enable"), by systemd where that runs, else by the programs of System V. Anything else is
-/// refused. On this computer itself only.
+/// The helper's service: starts the computer's own SMB server ("smbd start"), or makes it start with the
+/// computer ("smbd enable"), with systemd if that is running, otherwise with the System V programs. Anything
+/// else is refused.
 [[nodiscard]] platform::Status controlService(std::span<const std::string> arguments);
 
-/// The words of the program that does it: systemd's where that runs, else System V's. `computer` is where the
-/// computer's files lie, "" for this one.
+/// The command that does this. `computer` is the folder below which the computer's files lie, "" for this
+/// computer.
 [[nodiscard]] std::vector<std::string> serviceCommand(bool isStart, const std::string& computer = {});

@@ -19,7 +19,7 @@ namespace {
 
 constexpr const char* cannotSignal = "cannot hang up process";
 
-/// The file name of the program that a process runs; empty when that cannot be seen.
+/// The file name of the program that a process runs; empty when it cannot be found out.
 std::string programOf(const std::string& processId) {
     std::array<char, 4096> buffer{};
     const ssize_t length = ::readlink(("/proc/" + processId + "/exe").c_str(), buffer.data(), buffer.size());
@@ -44,7 +44,7 @@ Status hangUpServer(const std::string& processId, const std::string& root) {
     if (error != std::errc() || parsed != end || id <= 1) {
         return Status::failure(cannotSignal, processId, "is no process; give its number");
     }
-    // Held open while its program is checked, so that the signal reaches this process or none.
+    // Held open while the program is checked, so that the signal reaches this process or none.
     const platform::FileDescriptor process = platform::openProcess(id);
     if (!process.isOpen()) {
         return Status::ofErrno(cannotSignal, processId, errno);

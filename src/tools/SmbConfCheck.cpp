@@ -15,8 +15,8 @@ namespace {
 
 constexpr auto limit = std::chrono::seconds(20);
 
-/// Whether a line says "security = share". Brindle offers that setting, which this Samba no longer knows:
-/// the server refuses it, and the page says so.
+/// Whether a line says "security = share". Brindle offers that setting although today's Samba refuses it; the
+/// SMB page says so.
 bool isShareSecurity(std::string_view line) {
     std::string plain = platform::lowercased(line);
     std::erase_if(plain, [](char letter) { return letter == ' ' || letter == '\t' || letter == '\r'; });
@@ -62,7 +62,7 @@ std::optional<std::string> complaintAboutSmbConf(std::string_view text) {
         NSLog("smb.conf could not be checked: %@", finished.status().text());
         return std::nullopt;
     }
-    // Its exit status says nothing of keys that it does not know.
+    // Its exit status does not reflect unknown keys.
     std::string complaint = firstComplaint(finished->errors);
     if (complaint.empty() && finished->status != 0) {
         complaint = platform::lastLineOf(finished->errors);

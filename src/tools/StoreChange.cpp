@@ -16,15 +16,15 @@ namespace {
 
 constexpr const char* noRecord = "there is no such record; create it first";
 
-/// One change of the directory, a step of a transaction.
+/// One change of the directory, as a step of a transaction.
 class Change {
   public:
-    /// `request` keeps the rules, and so its path is one.
+    /// `request` must pass checkDirectoryChange, so its path is valid.
     Change(Store& store, const DirectoryChange& request)
         : request_(request), path_(recordPath(request.path).value()), store_(store) {}
 
     Status run(DirectorySession::AccountChanges& accounts) {
-        // Any other change asks all its questions first.
+        // Any other change makes all its checks before it writes.
         std::optional<Store::Step> step;
         if (!request_.property || request_.property == "name") {
             step.emplace(store_);
@@ -36,7 +36,7 @@ class Change {
         if (step) {
             step->keep();
         }
-        if (!store_.status().isOk()) { // what a store that failed lacks is no reason
+        if (!store_.status().isOk()) { // in a failed store everything seems to be missing
             return refused(store_.status().text());
         }
         if (isChanged_ && isAccount(path_) && reachesLists()) {
@@ -93,7 +93,7 @@ class Change {
         return checkOtherUsers(renamed.back());
     }
 
-    /// Replaces or adds values of any other property.
+    /// Replaces or adds values of a property other than "name".
     Status write() {
         const auto record = store_.find(path_);
         if (!record) {
@@ -142,8 +142,8 @@ class Change {
         return {};
     }
 
-    /// Returns a value that is not there to be taken away; `kept` is as it was then.
-    /// Sets, because a group of a large organisation may lose thousands of its members at once.
+    /// Removes `unwanted` from `kept`. Returns a value that is not there, in which case `kept` is unchanged.
+    /// Uses sets, because a large group may lose thousands of members at once.
     static std::optional<std::string> takeAway(const std::vector<std::string>& unwanted,
                                                std::vector<std::string>* kept) {
         const std::unordered_set<std::string_view> present(kept->begin(), kept->end());
@@ -159,14 +159,14 @@ class Change {
 
     [[nodiscard]] bool isUser() const { return path_.size() == 2 && path_[0] == "users"; }
 
-    /// The user who shares an entry of the server's password database with the user of that name, because the
+    /// Another user who would share an entry of the server's password database with this one, because the
     /// database ignores case.
     [[nodiscard]] std::optional<std::string> otherUser(const std::string& name) {
         const auto users = store_.child(Store::root, "users");
         return users ? store_.childInOtherCase(*users, name) : std::nullopt;
     }
 
-    /// One of two such users would have the other's password, and take it along when it is deleted.
+    /// Of two such users each would have the other's password, and deleting one would remove it.
     Status checkOtherUsers(const std::string& name) {
         const auto other = isUser() ? otherUser(name) : std::nullopt;
         return other ? refused("there is a user called " + *other +
@@ -174,8 +174,8 @@ class Change {
                      : Status();
     }
 
-    /// Writing the lists takes as long as there are accounts: a property that they do not hold must not cost
-    /// that.
+    /// Whether the change affects the account lists. Writing them takes long when there are many accounts, so
+    /// it is not done for properties that they do not contain.
     [[nodiscard]] bool reachesLists() const {
         constexpr std::array listed{"name", "uid", "gid", "realname", "home", "shell", "users", "sharedDir"};
         return !request_.property || std::ranges::find(listed, *request_.property) != listed.end();
@@ -185,7 +185,7 @@ class Change {
     RecordPath path_;
     Store& store_;
     bool isChanged_ = false;
-    bool losesPassword_ = false; ///< an entry of the password database has no user any more
+    bool losesPassword_ = false; ///< the password database has an entry without a user
 };
 
 } // namespace

@@ -5,8 +5,8 @@
 #include "platform/posix/Status.h"
 #include "tools/DirectorySession.h"
 
-/// Carries out `change`, which keeps the directory's rules, in the store's transaction. Where it fails, the
-/// store is as it was, unless the store itself failed. Notes in `accounts` what reaches the root's file
-/// server.
+/// Carries out `change`, which must pass checkDirectoryChange, in the store's transaction. On failure the
+/// store is unchanged, unless the store itself has failed. Records in `accounts` what concerns the root's
+/// file server.
 [[nodiscard]] platform::Status changeStore(platform::Store& store, const DirectoryChange& change,
                                            DirectorySession::AccountChanges& accounts);

@@ -4,5 +4,5 @@
 
 #include <sys/types.h>
 
-/// The user who called sudo; none when sudo did not start this.
+/// The user who called sudo; none when sudo has not started this program.
 [[nodiscard]] std::optional<uid_t> sudoUser();

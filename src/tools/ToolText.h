@@ -2,6 +2,6 @@
 
 #include <string>
 
-/// `text` as one line that ends in a line break: what a complaint quotes may hold line breaks of its own,
-/// which show as "?".
+/// `text` as one line with a line break at the end. Other control characters, which quoted text may contain,
+/// become "?".
 [[nodiscard]] std::string oneLine(std::string text);

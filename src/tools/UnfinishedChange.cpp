@@ -19,7 +19,7 @@ namespace {
 constexpr std::string_view user = "user";
 constexpr std::string_view group = "group";
 
-/// The next line of `text`, which is cut off.
+/// Removes the first line from `text` and returns it; none when there is no whole line.
 std::optional<std::string_view> nextLine(std::string_view& text) {
     const std::size_t end = text.find('\n');
     if (end == std::string_view::npos) {

@@ -5,27 +5,27 @@
 #include <optional>
 #include <string>
 
-/// A change of an account that several places must follow one after another: the files of accounts, the
-/// store, and Samba's password database, which finds an account by its name and number and so has to let go
-/// of it meanwhile. It is written down before the first step, in a file that only root reads, so that the
-/// next run finishes what a killed one began.
+/// A change of an account that has to be made in several places in turn: in the account files, in the store,
+/// and in Samba's password database, from which the account is removed meanwhile because it is found there by
+/// its name and number. The change is written to a file, readable only by root, before the first step, so
+/// that the next run can finish what a killed run began.
 struct UnfinishedChange {
     struct Account {
-        std::string name; ///< empty: none, the account is deleted
+        std::string name; ///< empty: there is no such account, it is deleted
         unsigned number = 0;
     };
 
     bool isUser = false;
     Account before;
-    Account after; ///< of a deleted user the number of the group of that name, 0 where there is none
-    std::string sambaAccount; ///< what Samba keeps of it, a secret; may be empty
+    Account after;            ///< for a deleted user: the number of the group with that name, or 0
+    std::string sambaAccount; ///< what Samba stores about the account, a secret; may be empty
 
-    /// Writes it down at `path`. Fails when it cannot be flushed to the disk.
+    /// Writes the change to the file at `path`. Fails when it cannot be flushed to disk.
     [[nodiscard]] platform::Status write(const std::string& path) const;
 
-    /// The change that was written down at `path`; none when there is no file. Fails when it cannot be read.
+    /// The change in the file at `path`; none when there is no file. Fails when it cannot be read.
     [[nodiscard]] static platform::Result<std::optional<UnfinishedChange>> read(const std::string& path);
 
-    /// Takes the file away.
+    /// Removes the file.
     [[nodiscard]] static platform::Status forget(const std::string& path);
 };

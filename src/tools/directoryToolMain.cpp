@@ -1,6 +1,5 @@
 #include "platform/commandline/CommandLine.h"
 #include "platform/foundation/Host.h"
-#include "platform/host/EmbeddedHost.h"
 #include "platform/host/EmbeddedRoot.h"
 #include "platform/netinfo/LocalDomain.h"
 #include "platform/posix/Secret.h"
@@ -33,7 +32,7 @@ constexpr Tool tools[] = {
     {"niutil", "-read . PATH", "Prints a record of the directory."},
 };
 
-/// What the directory reader logs goes to standard error, which nobody takes for the tool's output.
+/// Logs to standard error, so that log lines are not taken for the tool's output.
 class ErrorLog : public platform::Log {
   public:
     void write(std::string_view text) override {
@@ -61,12 +60,12 @@ class FileDomain : public platform::LocalDomain {
     std::optional<platform::AccountFiles> accounts_;
 };
 
-/// Who called sudo, else who runs this.
+/// The user who called sudo, or else the user who runs this program.
 uid_t caller() {
     return sudoUser().value_or(::getuid());
 }
 
-/// The directory that the options name, made first where it can be; the complaint where it cannot.
+/// The directory that the options name. Makes an embedded root if it is missing.
 platform::Result<DirectoryPlace> placeOf(const platform::HostOptions& options, bool writes) {
     if (options.system) {
         if (writes && ::geteuid() != 0) {
@@ -105,6 +104,7 @@ ToolResult run(std::string_view tool, const platform::HostOptions& options,
 } // namespace
 
 int directoryToolMain(std::string_view name, int argc, char** argv) {
+    platform::leaveNoCore(); // dscl gets a password
     const Tool& tool = *std::ranges::find(tools, name, &Tool::name);
     platform::HostOptions options;
     const auto parser = platform::makeParser(std::string(name), tool.summary, tool.synopsis, options);
@@ -119,7 +119,7 @@ int directoryToolMain(std::string_view name, int argc, char** argv) {
     const bool endsWithPassword = name == "dscl" && !arguments.empty();
     if (endsWithPassword) {
         platform::wipe(
-            std::span(words.back(), arguments.back().size())); // others can read a process's arguments
+            std::span(words.back(), arguments.back().size())); // other users can read a process's arguments
     }
     ToolResult result;
     try {

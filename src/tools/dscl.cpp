@@ -12,7 +12,7 @@ namespace {
 
 constexpr const char* usage = "usage: dscl [--root DIR | --system] . -passwd /Users/NAME PASSWORD";
 
-/// The name in "/Users/NAME"; empty when `path` is another.
+/// The name in "/Users/NAME"; empty for any other path.
 std::string userOfPath(const std::string& path) {
     const auto components = recordPath(path);
     const bool isUser = components && components->size() == 2 &&
@@ -20,7 +20,7 @@ std::string userOfPath(const std::string& path) {
     return isUser ? components->back() : std::string();
 }
 
-/// Never quotes the password.
+/// A failure never quotes the password.
 platform::Status setPassword(const DirectoryPlace& place, const std::string& path,
                              const std::string& password) {
     const auto refused = [&](std::string why) {
@@ -65,7 +65,7 @@ platform::Status setPassword(const DirectoryPlace& place, const std::string& pat
         if (!status.isOk()) {
             return refused(status.text());
         }
-    } // the store is free again: the password database may be slow
+    } // release the store, because the password database may be slow
     const platform::Status status = accounts.setPassword(user, password);
     return status.isOk() ? status : refused(status.text());
 }

@@ -7,8 +7,6 @@
 #include "tools/StoreChange.h"
 #include "tools/ToolText.h"
 
-#include <optional>
-#include <string_view>
 #include <utility>
 
 using platform::Status;

@@ -21,7 +21,7 @@ ToolResult failed(const std::string& tool, const std::string& path, ni_status st
     return {oneLine(tool + ": cannot read " + path + ": " + ni_error(status) + "; " + todo), 1};
 }
 
-/// The record's properties as lines, or a status.
+/// Appends the record's properties as lines. Returns NI_OK or what failed.
 ni_status readRecord(const std::string& path, std::string* lines) {
     ni_domain* opened = nullptr;
     ni_status status = ni_open(nullptr, ".", &opened);

@@ -89,7 +89,7 @@ void AboutBox::scrollCredits() {
         restartAtTop = false;
         creditsField->scrollToPoint(0);
     } else if (currentPosition >= maxScrollHeight) {
-        // The end of the text stays visible during the pause.
+        // Keep the end of the text visible during the pause.
         startTime = time + pauseSeconds;
         currentPosition = 0;
         restartAtTop = true;

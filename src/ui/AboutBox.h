@@ -15,7 +15,7 @@ class Interface;
 }
 
 /// The About panel: name, version and copyright, and credits that scroll slowly upwards while it is the key
-/// window. One instance a host, which owns its interface file's controls. Main thread only.
+/// window. There is one instance per host, which owns its interface file's controls. Main thread only.
 class AboutBox : public NSWindowDelegate, public platform::OutletOwner {
   public:
     /// The current host's one instance, made on first use.
@@ -24,7 +24,7 @@ class AboutBox : public NSWindowDelegate, public platform::OutletOwner {
     ~AboutBox() override;
 
     /// Brings the panel to the front; the first call loads and fills it. The credits start again at the top
-    /// when the panel was not on screen. A panel that cannot be loaded is logged with a beep, and the next
+    /// if the panel was not on screen. When the panel cannot be loaded, this logs and beeps, and the next
     /// call tries again.
     void showPanel(NSControl* sender);
 
@@ -46,9 +46,9 @@ class AboutBox : public NSWindowDelegate, public platform::OutletOwner {
     NSTextField* versionField = outlet("versionField", versionField);
     NSWindow* aboutWindow = outlet("aboutWindow", aboutWindow);
     std::unique_ptr<NSTimer> scrollTimer; ///< only while the panel is key
-    float currentPosition = 0;            ///< in points: what the next step shows at the top
+    float currentPosition = 0;            ///< the offset that the next step shows at the top, in points
     float maxScrollHeight = 0;            ///< where a pass ends: one point for each character of the credits
-    double startTime = 0;                 ///< the credits stand still before it
+    double startTime = 0;                 ///< the time before which the credits do not move, in seconds
     bool restartAtTop = false;            ///< a pass has ended: the next step jumps back to the top
     std::unique_ptr<platform::Interface> interface_;
 };

@@ -5,7 +5,7 @@
 
 namespace {
 
-/// True when every character of `text` is by itself a number to `formatter`, which rules out signs and
+/// True when `formatter` accepts every single character of `text` as a number, which rules out signs and
 /// blanks.
 bool hasOnlyDigits(std::string_view text, const NSNumberFormatter& formatter) {
     std::string ignored;

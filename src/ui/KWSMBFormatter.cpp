@@ -5,14 +5,14 @@
 
 namespace {
 
-// A NetBIOS name has 16 bytes, of which the protocol keeps the last.
+// A NetBIOS name has 16 bytes, and the protocol reserves the last one.
 constexpr std::size_t lengthLimit = 15;
 
 } // namespace
 
 bool KWSMBFormatter::isPartialStringValid(const std::string& partial, std::optional<std::string>& newString,
                                           std::string& error) {
-    // The error messages are for the log of refusals only: nothing shows them, so they are not translated.
+    // The error messages only go to the log, so they are not translated.
     if (utf16Length(partial) > lengthLimit) {
         error = "String too long.";
     } else if (partial.ends_with(' ')) {

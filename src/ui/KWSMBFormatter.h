@@ -2,9 +2,9 @@
 
 #include "platform/appkit/NSFormatter.h"
 
-/// Keeps the names of an SMB server (NetBIOS name, workgroup) to 15 characters without a blank at the end,
-/// while the user types. One instance, owned by the controller, serves both fields. A value is the string
-/// itself; what the program fills in is not checked.
+/// Restricts the names of an SMB server (NetBIOS name, workgroup) to 15 characters without a blank at the
+/// end, while the user types. One instance, owned by the controller, serves both fields. A field's value is
+/// the string itself; text that the program fills in is not checked.
 class KWSMBFormatter : public NSFormatter {
   public:
     using NSFormatter::isPartialStringValid;
@@ -13,9 +13,9 @@ class KWSMBFormatter : public NSFormatter {
     /// character is a blank. An accepted string is returned unchanged in `newString`.
     [[nodiscard]] bool isPartialStringValid(const std::string& partial, std::optional<std::string>& newString,
                                             std::string& error) override;
-    /// The string itself.
+    /// Returns the string itself.
     [[nodiscard]] std::optional<NSObjectValue> getObjectValue(const std::string& text,
                                                               std::string& error) const override;
-    /// A string as it is; none for a number.
+    /// Returns a string unchanged, and none for a number.
     [[nodiscard]] std::optional<std::string> stringForObjectValue(const NSObjectValue& value) const override;
 };

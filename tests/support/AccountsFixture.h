@@ -2,7 +2,7 @@
 
 #include "support/AppFixture.h"
 
-/// The application on a directory of a few users and groups, system accounts among them.
+/// The application on a directory with a few users and groups, including system accounts.
 class AccountsTest : public AppFixture {
   protected:
     void SetUp() override {

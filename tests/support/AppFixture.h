@@ -19,8 +19,8 @@
 #include <string>
 #include <vector>
 
-/// The application on a host of the test's own: the project's main window, a real directory that privileged
-/// runs of nicl change, and copies that reach the mapped files. A test fills the directory, calls start() and
+/// The application on the test's own host: the project's main window, a real directory that privileged runs
+/// of nicl change, and runs of cp that change the mapped files. A test fills the directory, calls start() and
 /// then uses the controls as a user does.
 class AppFixture : public testing::Test {
   protected:
@@ -33,8 +33,8 @@ class AppFixture : public testing::Test {
         host.onRun = [this](const RecordedRun& run) { return carryOut(run); };
     }
 
-    /// What a privileged run does to this test's directory and files. Runs that change accounts or the modes
-    /// of folders do nothing.
+    /// Applies a privileged run to this test's directory and files. Runs that change accounts or the modes of
+    /// folders do nothing.
     TestHost::RunAnswer carryOut(const RecordedRun& run) {
         if (run.tool == "/usr/bin/nicl") {
             return {runNicl(DirectoryPlace(host.storeFile().string()), run.arguments).output, 0};
@@ -72,7 +72,7 @@ class AppFixture : public testing::Test {
         }
     }
 
-    /// A record as the share editor writes it.
+    /// Adds a record as the share editor writes it.
     void addShare(const std::string& name, const std::string& folder, const std::string& afpShared = "1") {
         nicl({"-create", "/config/Brindle/" + name});
         nicl({"-create", "/config/Brindle/" + name, "directory_path", folder});
@@ -82,8 +82,8 @@ class AppFixture : public testing::Test {
         nicl({"-create", "/config/Brindle/" + name, "afp_use_parent_owner", "0"});
     }
 
-    /// Loads the main window and launches. `launches` is the launch counter before, none on the first launch;
-    /// 11 asks for no donation.
+    /// Loads the main window and launches. `launches` is the previous launch counter, none for the first
+    /// launch; with 11 no donation is asked for.
     void start(std::optional<std::int32_t> launches = 11) {
         if (launches) {
             NSUserDefaults::standardUserDefaults().setInteger(*launches, "BrindleDonationReminder");
@@ -99,7 +99,7 @@ class AppFixture : public testing::Test {
         controller = static_cast<BRController*>(interface->owner());
     }
 
-    /// The control of that name in the main interface file.
+    /// Returns the control with that name in the main interface file.
     template <class Kind>
     Kind& control(const std::string& name) {
         auto* found = dynamic_cast<Kind*>(interface->find(name));
@@ -109,7 +109,7 @@ class AppFixture : public testing::Test {
         return *found;
     }
 
-    /// Sends an operation as the control that is wired to it does.
+    /// Sends an operation like the control that is wired to it.
     void send(const std::string& operation) {
         NSControl* sender = interface->findWiredTo(operation);
         if (sender == nullptr) {
@@ -126,7 +126,7 @@ class AppFixture : public testing::Test {
         ASSERT_TRUE(edited.proposeEdit(text, utf16Length(text), all)) << field << " refuses " << text;
     }
 
-    /// The texts of one column, row by row.
+    /// Returns the texts of one column, row by row.
     std::vector<std::string> columnOf(const std::string& table, const std::string& identifier) {
         NSTableView& view = control<NSTableView>(table);
         std::vector<std::string> values;
@@ -136,10 +136,10 @@ class AppFixture : public testing::Test {
         return values;
     }
 
-    /// The application's controls by their outlets' names.
+    /// The controller, with the application's controls as its outlets.
     [[nodiscard]] BRController& app() const { return *controller; }
 
-    /// The runs since the last call.
+    /// Returns the runs since the last call.
     std::vector<std::string> takeRuns() {
         std::vector<std::string> texts = host.runTexts();
         host.runs.clear();
@@ -156,5 +156,5 @@ class AppFixture : public testing::Test {
 
     TestHost host;
     std::unique_ptr<platform::Interface> interface;
-    BRController* controller = nullptr; ///< the interface file's
+    BRController* controller = nullptr; ///< made by the interface file
 };

@@ -27,7 +27,7 @@
 
 using Names = std::vector<std::string>;
 
-/// Stands behind an interface file and its tables, and writes down what it is told.
+/// The class of an interface file and its tables' source; it records what it is told.
 struct Recorder : platform::OutletOwner,
                   NSApplicationDelegate,
                   NSTableViewDataSource,
@@ -43,7 +43,7 @@ struct Recorder : platform::OutletOwner,
     Names* obituary = nullptr;
 
     ~Recorder() override {
-        if (obituary != nullptr) { // the controls are there still
+        if (obituary != nullptr) { // the controls still exist
             obituary->push_back(name != nullptr ? name->stringValue() : "no field");
         }
     }
@@ -81,7 +81,7 @@ struct Recorder : platform::OutletOwner,
     void windowDidResignKey(NSWindow* window) override { told.push_back(window->title() + " not key"); }
 };
 
-/// Refuses a text that holds a "!".
+/// Refuses a text with a "!".
 struct NoShouting : NSFormatter {
     using NSFormatter::isPartialStringValid;
 
@@ -111,5 +111,5 @@ class AppKit : public testing::Test {
     }
 
     TestHost host;
-    Names* madeObituary = nullptr; ///< of what the class makes
+    Names* madeObituary = nullptr; ///< for the objects that the class makes
 };

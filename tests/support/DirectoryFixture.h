@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-/// A host with a directory in which only the records that always exist are made.
+/// A host with a directory that only has the records that always exist.
 class DirectoryFixture : public testing::Test {
   protected:
     void SetUp() override {
@@ -20,7 +20,7 @@ class DirectoryFixture : public testing::Test {
         EXPECT_TRUE(store.commit().isOk());
     }
 
-    /// Runs `nicl . WORDS...` and answers what it printed.
+    /// Runs `nicl . WORDS...` and returns its output.
     std::string nicl(std::vector<std::string> words) {
         words.insert(words.begin(), ".");
         const ToolResult result = runNicl(host.storeFile().string(), words);
@@ -28,7 +28,7 @@ class DirectoryFixture : public testing::Test {
         return result.output;
     }
 
-    /// The record as niutil prints it.
+    /// Returns the record as niutil prints it.
     static std::string record(const std::string& path) {
         return runNiutil(std::vector<std::string>{"-read", ".", path}).output;
     }

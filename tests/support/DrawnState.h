@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-/// A computer in some state, and a user who does something: both of them drawn by lot.
+/// A computer in a random state, and random actions of a user.
 class DrawnState : public ReviewFixture, public testing::WithParamInterface<unsigned> {
   protected:
     DrawnState() : random_(GetParam()) {}
@@ -31,7 +31,7 @@ class DrawnState : public ReviewFixture, public testing::WithParamInterface<unsi
             addShare(oneOf<std::string>({"Docs", "docs", "Films", "A b"}),
                      folder("f" + std::to_string(upTo(3))), std::to_string(upTo(1)));
         }
-        if (sometimes()) { // a record as older systems wrote it
+        if (sometimes()) { // a record as older systems write it
             nicl({"-create", "/config/Brindle/Old"});
             nicl({"-create", "/config/Brindle/Old", "directory_path", folder("old")});
             nicl({"-create", "/config/Brindle/Old", "comment", "mine"});

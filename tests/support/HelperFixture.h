@@ -25,6 +25,7 @@
 #include <tuple>
 
 #include <pwd.h>
+#include <sys/prctl.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -62,7 +63,8 @@ class HelperTest : public testing::Test {
         return test_.root() / name;
     }
 
-    /// Strings of its own mean resources of its own, which another account can read wherever the checkout is.
+    /// With its own strings it gets its own resources folder, which another account can read wherever the
+    /// checkout is.
     TestHost test_{TestHost::Options{.strings = {{"OK", "OK"}}}};
     platform::EmbeddedRoot root_{(test_.root() / "computer").string()};
     HelperPlace place_{root_.folder(), ::getuid()};

@@ -7,7 +7,7 @@
 
 #include <optional>
 
-/// The application's own window with its reviewer and a history.
+/// The application's own window with a reviewer and a history.
 class WindowWithHistory : public MainWindow {
   protected:
     void openWithHistory() {
@@ -20,7 +20,7 @@ class WindowWithHistory : public MainWindow {
         reviewer.emplace(*interface);
         frontend->useReviewer(*reviewer);
         frontend->useHistory(*history);
-        NSApp().dispatch([] {}); // the start is an action of its own
+        NSApp().dispatch([] {}); // ends the action of the start
         QApplication::processEvents();
     }
 

@@ -14,8 +14,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-/// Brindle installed on a computer of its own: an administrator who runs scripts, sudo, the helper where it
-/// is installed, and the computer's own smbd.
+/// Brindle installed on a computer of its own: an administrator who runs scripts, sudo, the installed helper,
+/// and the computer's own smbd.
 class InstalledBrindle : public OwnComputer {
   protected:
     void SetUp() override {
@@ -55,13 +55,13 @@ class InstalledBrindle : public OwnComputer {
         return finished.output;
     }
 
-    /// What sudo lets the administrator do.
+    /// Sets what sudo lets the administrator do.
     static void allow(const std::string& rule) {
         const std::string text = "Defaults logfile=" + sudoLog + "\nchief ALL=(root) " + rule + "\n";
         EXPECT_TRUE(platform::writeWholeFile("/etc/sudoers.d/chief", text, {.mode = 0440}).isOk());
     }
 
-    /// Runs a script as the administrator and returns what it printed, the alert at the first start left out.
+    /// Runs a script as the administrator and returns its output without the alert at the first start.
     static std::string script(const std::string& commands) {
         const Finished finished =
             runProgram({"/usr/sbin/runuser", "-u", "chief", "--", "env", "HOME=/home/chief", "LC_ALL=C",
@@ -77,13 +77,14 @@ class InstalledBrindle : public OwnComputer {
                "select sharingAFS 1\nselect sharingSMB 1\ncheck guestAccessButton on\npress createNewShare\n";
     }
 
-    /// What smbclient says to `commands` as `user` ("NAME%PASSWORD"), or as nobody at all.
+    /// Returns what smbclient prints for `commands` as `user` ("NAME%PASSWORD"), or as a guest if it is
+    /// empty.
     static std::string smb(const std::string& share, const std::string& user, const std::string& commands) {
         std::vector<std::string> words = {"smbclient", "//127.0.0.1/" + share, "-c", commands};
         if (user.empty()) {
             words.emplace_back("-N");
         } else {
-            // In a file: no list of processes is to show it.
+            // In a file, so that no list of processes shows it.
             const std::size_t end = user.find('%');
             const std::string text =
                 "username=" + user.substr(0, end) + "\npassword=" + user.substr(end + 1) + "\n";
@@ -105,7 +106,7 @@ class InstalledBrindle : public OwnComputer {
         return text.find(part) != std::string::npos;
     }
 
-    inline static const std::string prefix = "/var/lib/installed"; // nothing but root may write above it
+    inline static const std::string prefix = "/var/lib/installed"; // only root may write above it
     inline static const std::string smbConf = "/etc/samba/smb.conf";
     inline static const std::string sudoLog = "/var/log/samba/sudo.log";
 

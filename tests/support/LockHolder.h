@@ -10,8 +10,8 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-/// Another program that holds the directory's lock for as long as this lives. No child of this process: a
-/// process that it started itself would be its own helper.
+/// Another program that holds the directory's lock for the lifetime of this object. It is not a child of this
+/// process, because a child would be taken for its helper.
 class LockHolder {
   public:
     explicit LockHolder(const std::string& store) {
@@ -34,7 +34,7 @@ class LockHolder {
         ::waitpid(child, nullptr, 0);
         const platform::FileDescriptor answer(told[0]);
         if (::read(answer.get(), &process_, sizeof process_) != sizeof process_) {
-            throw std::runtime_error("the lock was not had");
+            throw std::runtime_error("the lock could not be taken");
         }
     }
 

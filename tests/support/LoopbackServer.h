@@ -11,7 +11,7 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
-/// A web server on loopback that gives each of its visitors the same answer, until it goes.
+/// A web server on the loopback that sends every client the same response, until it is destroyed.
 class LoopbackServer {
   public:
     explicit LoopbackServer(std::string answer)
@@ -20,7 +20,7 @@ class LoopbackServer {
         name.sin_family = AF_INET;
         name.sin_addr.s_addr = ::htonl(INADDR_LOOPBACK);
         socklen_t size = sizeof name;
-        auto* generic = reinterpret_cast<sockaddr*>(&name); // how sockets take every kind of address
+        auto* generic = reinterpret_cast<sockaddr*>(&name); // the socket interface wants the generic type
         EXPECT_EQ(::bind(listener_, generic, size), 0);
         EXPECT_EQ(::getsockname(listener_, generic, &size), 0);
         EXPECT_EQ(::listen(listener_, 4), 0);
@@ -47,7 +47,7 @@ class LoopbackServer {
             if (::recv(visitor, request.data(), request.size(), 0) > 0) {
                 std::size_t sent = 0;
                 ssize_t count = 1;
-                while (sent < answer_.size() && count > 0) { // a visitor that has had enough hangs up
+                while (sent < answer_.size() && count > 0) { // a client may hang up early
                     count = ::send(visitor, answer_.data() + sent, answer_.size() - sent, MSG_NOSIGNAL);
                     sent += count > 0 ? static_cast<std::size_t>(count) : 0;
                 }
@@ -63,7 +63,7 @@ class LoopbackServer {
     std::thread thread_;
 };
 
-/// A whole HTTP answer, for LoopbackServer.
+/// Returns a whole HTTP response, for LoopbackServer.
 [[nodiscard]] inline std::string response(const std::string& status, const std::string& body,
                                           const std::string& header = {}) {
     return "HTTP/1.1 " + status + "\r\nConnection: close\r\n" + header + "\r\n" + body;

@@ -24,7 +24,7 @@ class MainWindow : public AppFixture, protected WindowHands {
         host.host().setPresenter(frontend->presenter());
     }
 
-    void TearDown() override { frontend.reset(); } // before the interface that it shows
+    void TearDown() override { frontend.reset(); } // must be destroyed before the interface that it shows
 
     void open() {
         start();
@@ -32,7 +32,7 @@ class MainWindow : public AppFixture, protected WindowHands {
         ASSERT_TRUE(QTest::qWaitForWindowActive(&widget<QWidget>("mainWindow")));
     }
 
-    /// Has the window stand on a screen of that size. Before SetUp.
+    /// Puts the window on a screen of that size. Must come before SetUp.
     void useScreen(int width, int height) {
         const std::string size =
             "\"width\": " + std::to_string(width) + ", \"height\": " + std::to_string(height);

@@ -14,13 +14,13 @@ namespace {
 
 const std::string ownComputer = BRINDLE_OWN_COMPUTER;
 
-/// Why the tests are skipped; empty when they are on a computer of their own.
+/// Returns why the tests are skipped; empty when they run on a computer of their own.
 std::string& missing() {
     static std::string reason = "support/own-computer has not started this";
     return reason;
 }
 
-/// Starts this program once more, inside. Returns only when that cannot be done.
+/// Starts this program again, inside. Returns only when that fails.
 void enter(int argc, char** argv) {
     std::vector<std::string> words = {ownComputer, std::filesystem::read_symlink("/proc/self/exe")};
     words.insert(words.end(), argv + 1, argv + argc);
@@ -31,7 +31,7 @@ void enter(int argc, char** argv) {
 } // namespace
 
 int runTestsOnOwnComputer(int argc, char** argv) {
-    std::vector<char*> given(argv, argv + argc); // what follows takes its own words out of it
+    std::vector<char*> given(argv, argv + argc); // GoogleTest removes its own options from argv
     testing::InitGoogleTest(&argc, argv);
     if (std::getenv("BRINDLE_OWN_COMPUTER") != nullptr) {
         missing().clear();

@@ -16,8 +16,8 @@
 
 #include <sys/stat.h>
 
-/// The application with a reviewer before it. Runs change the directory, the files and the folders of this
-/// test as they would a root's.
+/// The application with a reviewer. Runs change this test's directory, files and folders as they would change
+/// a root's.
 class ReviewFixture : public AppFixture {
   protected:
     ReviewFixture() {
@@ -55,7 +55,7 @@ class ReviewFixture : public AppFixture {
                        "</dict></plist>\n");
     }
 
-    /// A folder of this test's root.
+    /// Makes a folder in this test's root and returns its path.
     std::string folder(const std::string& name, mode_t mode = 0755) {
         const std::string path = (host.root() / name).string();
         std::filesystem::create_directories(path);
@@ -63,7 +63,7 @@ class ReviewFixture : public AppFixture {
         return path;
     }
 
-    /// Every file and folder of the root by its path, with owner, mode and bytes.
+    /// Returns every file and folder of the root by its path, with owner, mode and bytes.
     std::map<std::string, std::string> everything() const {
         std::map<std::string, std::string> all;
         for (const auto& entry : std::filesystem::recursive_directory_iterator(host.root())) {
@@ -80,7 +80,7 @@ class ReviewFixture : public AppFixture {
         return all;
     }
 
-    /// The state of every control that has a name.
+    /// Returns the state of every control with a name.
     std::string controls() const { return controlsBelow(interface->root()); }
 
     static std::string controlsBelow(const platform::InterfaceNode& node) {
@@ -94,7 +94,7 @@ class ReviewFixture : public AppFixture {
         return text;
     }
 
-    /// What a user does.
+    // What a user does.
     void choose(const std::string& menu, const std::string& title) {
         auto& popUp = control<NSPopUpButton>(menu);
         popUp.performSelect(popUp.indexOfItemWithTitle(title));
@@ -104,8 +104,7 @@ class ReviewFixture : public AppFixture {
 
     void click(const std::string& box) { control<NSButton>(box).performClick(); }
 
-    /// The codes of the warnings of what sending the operation would do, each once, with a blank between
-    /// them.
+    /// Returns the codes of the warnings of a plan to send the operation, each once, separated by blanks.
     std::string warningsOf(const std::string& operation) {
         std::string codes;
         for (const review::Remark& warning : reviewer->planSend(operation).warnings) {
@@ -117,7 +116,7 @@ class ReviewFixture : public AppFixture {
         return codes;
     }
 
-    /// The first sentence of that code; empty when the plan has none.
+    /// Returns the first warning with that code; empty when the plan has none.
     std::string sentence(const std::string& operation, const std::string& code) {
         const review::Plan plan = reviewer->planSend(operation);
         for (const auto* remarks : {&plan.warnings, &plan.blocks}) {

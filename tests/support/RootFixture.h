@@ -11,7 +11,7 @@
 #include <string>
 #include <vector>
 
-/// An embedded root that is not made yet, and the tools that work on it.
+/// An embedded root that does not exist yet, and the tools that work on it.
 class Root : public testing::Test {
   protected:
     std::string nicl(std::vector<std::string> words) const {
@@ -25,7 +25,7 @@ class Root : public testing::Test {
             .output;
     }
 
-    /// The users in the root's password database, one a line.
+    /// Returns the users in the root's password database, one per line.
     [[nodiscard]] std::string passwordDatabase() const { return pdbedit({"-L"}); }
 
     [[nodiscard]] std::string pdbedit(const std::vector<std::string>& words) const {

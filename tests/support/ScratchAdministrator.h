@@ -14,7 +14,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-/// An account of this computer that may use sudo with its password, for as long as the test takes.
+/// An account of this computer that may use sudo with its password for the duration of the test.
 class ScratchAdministrator {
   public:
     ScratchAdministrator() {
@@ -25,7 +25,7 @@ class ScratchAdministrator {
             }
         }
         if (::getuid() != 0) {
-            missing_ = "only root makes the account that this needs";
+            missing_ = "only root can make the account that this needs";
             return;
         }
         removeLeftOver();
@@ -51,7 +51,7 @@ class ScratchAdministrator {
 
     [[nodiscard]] const std::string& password() const { return password_; }
 
-    /// Does `work` as the account, in a process of its own. True when it answers true.
+    /// Does `work` as the account, in another process. Returns true when `work` returns true.
     template <class Work>
     [[nodiscard]] bool does(Work work) const {
         const passwd account = *::getpwnam(name_.c_str());
@@ -66,8 +66,8 @@ class ScratchAdministrator {
 
   private:
     static void remove(const std::string& name) {
-        // Another test may be changing the accounts: then they are locked. The rule goes last, by which the
-        // next test finds what is left over.
+        // The accounts may be locked because another test is changing them. Remove the rule last, because the
+        // next test finds left-over accounts by it.
         constexpr int tries = 100;
         for (int attempt = 0; attempt < tries && ::getpwnam(name.c_str()) != nullptr; ++attempt) {
             if (runProgram({"/usr/sbin/userdel", name}).status != 0) {
@@ -77,7 +77,7 @@ class ScratchAdministrator {
         std::filesystem::remove(sudoRules / name);
     }
 
-    /// Takes away the accounts of tests that were killed: those whose number is no process any more.
+    /// Removes the accounts of killed tests: those whose number is no longer a process.
     static void removeLeftOver() {
         for (const auto& rule : std::filesystem::directory_iterator(sudoRules)) {
             const std::string name = rule.path().filename();
@@ -92,7 +92,7 @@ class ScratchAdministrator {
     static inline const std::string namePrefix = "brindle-t";
     static inline const std::filesystem::path sudoRules = "/etc/sudoers.d";
 
-    /// Nobody knows it: a test that is killed leaves the account behind until the next one.
+    /// Random, because a killed test leaves the account behind until the next one.
     static std::string randomPassword() {
         std::random_device random;
         std::string text;

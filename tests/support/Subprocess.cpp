@@ -13,7 +13,7 @@ namespace {
 
 using platform::ErrorOutput;
 
-/// The value of a result that a test cannot do without.
+/// Returns the value of a result, or throws: the test cannot go on without it.
 template <class T>
 T valueOf(platform::Result<T> result) {
     if (!result.isOk()) {
@@ -22,7 +22,7 @@ T valueOf(platform::Result<T> result) {
     return std::move(*result);
 }
 
-/// A program that is named without its folder is looked for in $PATH.
+/// Looks up a program that is named without its folder in $PATH.
 std::vector<std::string> located(std::vector<std::string> command) {
     if (command.front().find('/') == std::string::npos) {
         command.insert(command.begin(), "/usr/bin/env");
@@ -55,7 +55,7 @@ Conversation::~Conversation() {
 }
 
 std::string Conversation::ask(const std::string& line, const std::string& part) {
-    // A program that does not read on shows in what it answers.
+    // If the program no longer reads, its output will show that.
     static_cast<void>(platform::writeAll(child_.input.get(), line + "\n", "the program"));
     std::string printed;
     std::size_t lineStart = 0;
@@ -67,7 +67,7 @@ std::string Conversation::ask(const std::string& line, const std::string& part) 
         printed += byte;
         lineStart = byte == '\n' ? printed.size() : lineStart;
     }
-    return printed; // what it said before it ended is the reason
+    return printed; // what it printed before it ended is the reason
 }
 
 int freePort() {

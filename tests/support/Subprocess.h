@@ -8,11 +8,11 @@
 using Finished = platform::FinishedProcess;
 
 /// Runs a program to its end with `input` as its standard input. `environment` ("NAME=VALUE") is added to
-/// this process's.
+/// this process's environment.
 [[nodiscard]] Finished runProgram(const std::vector<std::string>& command, const std::string& input = {},
                                   const std::vector<std::string>& environment = {});
 
-/// A program that is talked to line by line. The destructor closes its input and waits for it.
+/// A conversation with a program, line by line. The destructor closes its input and waits for it.
 class Conversation {
   public:
     explicit Conversation(const std::vector<std::string>& command);
@@ -20,13 +20,13 @@ class Conversation {
     Conversation(const Conversation&) = delete;
     Conversation& operator=(const Conversation&) = delete;
 
-    /// Sends a line and returns the next line that holds `part`; where the program ends without one, all that
-    /// it said since.
+    /// Sends a line and returns the next line that contains `part`. If the program ends without one, returns
+    /// everything that it printed since.
     [[nodiscard]] std::string ask(const std::string& line, const std::string& part);
 
   private:
     platform::ChildProcess child_;
 };
 
-/// A TCP port on which nothing listens now.
+/// Returns a TCP port on which nothing listens at the moment.
 [[nodiscard]] int freePort();

@@ -38,8 +38,8 @@ void writeFile(const fs::path& file, std::string_view bytes) {
     }
 }
 
-/// The project's own resources, or a folder below `root` that has the test's string table (and, when the test
-/// wants them, everything else of the project's).
+/// Returns the project's own resources, or a folder in `root` with the test's string table (and, if the test
+/// wants them, all other resources of the project).
 fs::path resourcesFor(const TestHost::Options& options, const fs::path& root) {
     const fs::path project = BRINDLE_TEST_RESOURCES;
     if (options.realResources && options.strings.empty()) {
@@ -120,13 +120,12 @@ TestHost::~TestHost() {
     const State& state = implementation_->state;
     implementation_->host.reset();
     for (const auto& answer : state.answers) {
-        ADD_FAILURE() << "no alert \"" << answer.title << "\" came to be answered with \"" << answer.button
-                      << '"';
+        ADD_FAILURE() << "no alert \"" << answer.title << "\" came for the answer \"" << answer.button << '"';
     }
     for (const auto& chosen : state.paths) {
         ADD_FAILURE() << "no open panel came for " << chosen.path.value_or("a cancellation");
     }
-    std::error_code ignored; // a folder that cannot be removed harms no other test
+    std::error_code ignored; // a folder that cannot be removed does not harm other tests
     fs::remove_all(state.root, ignored);
 }
 
@@ -168,7 +167,7 @@ void TestHost::allowUnaskedAlerts() {
 
 void TestHost::fireTimers() {
     auto& timers = implementation_->state.timers;
-    const auto due = timers; // a timer may stop itself, another, or start one that is not due yet
+    const auto due = timers; // a timer may stop itself or another one, or start one that is not due yet
     for (const auto& timer : due) {
         if (std::ranges::find(timers, timer.id, &RunningTimer::id) != timers.end()) {
             timer.fire();

@@ -13,58 +13,57 @@
 #include <string>
 #include <vector>
 
-/// A privileged tool run that a test saw.
+/// A recorded privileged tool run.
 struct RecordedRun {
     std::string tool;
     std::vector<std::string> arguments;
-    /// "TOOL ARGUMENT ARGUMENT", for comparing lists of runs.
+    /// Returns "TOOL ARGUMENT ARGUMENT", to compare lists of runs.
     [[nodiscard]] std::string text() const;
 };
 
-/// A request for rights that a test saw.
+/// A recorded request for rights.
 struct RecordedRightsRequest {
     AuthorizationRights rights;
     AuthorizationFlags flags = kAuthorizationFlagDefaults;
 };
 
 /// A host for one test: a temporary folder as the root (with HOME in it), recorded tool runs, queued answers,
-/// a captured log, a clock that the test sets. It is the current host for as long as it lives; the destructor
-/// removes the folder and fails the test when a queued answer was never used, or an alert came that had none
-/// and was not allowed (allowUnaskedAlerts).
+/// a captured log, a clock that the test sets. It is the current host during its lifetime. The destructor
+/// removes the folder, and fails the test when a queued answer was not used or an alert came without an
+/// answer (unless allowUnaskedAlerts was called).
 class TestHost {
   public:
     struct Options {
-        /// Extra entries of "Localizable", instead of the real bundle's.
+        /// Entries of "Localizable", in place of the real bundle's.
         std::map<std::string, std::string> strings;
-        bool realResources = true; ///< the project's own resources folder
+        bool realResources = true; ///< use the project's own resources folder
         std::optional<std::int32_t> systemVersion = 0x1040;
-        std::vector<std::string> languages = {"English"}; ///< the names of their folders
+        std::vector<std::string> languages = {"English"}; ///< by the names of their folders
     };
 
     TestHost();
     explicit TestHost(Options options);
     ~TestHost();
 
-    // Where things are.
-    /// Mapped system files are below it: root()/"etc/smb.conf".
+    // Paths.
+    /// Mapped system files are in it: root()/"etc/smb.conf".
     [[nodiscard]] std::filesystem::path root() const;
     [[nodiscard]] std::filesystem::path home() const;
-    [[nodiscard]] std::filesystem::path storeFile() const; ///< the local domain's store; not made by TestHost
-    /// Writes a file below root(), with its folders.
+    [[nodiscard]] std::filesystem::path storeFile() const; ///< the domain's store; not made here
     void write(const std::string& relativePath, std::string_view bytes);
     [[nodiscard]] std::string read(const std::string& relativePath) const;
 
-    // What is answered. Alerts are matched by title, first in first out.
+    // Answers. Alerts are matched by title, first in, first out.
     void answerAlert(const std::string& title, const std::string& button);
-    void choosePath(std::optional<std::string> path); ///< for the next open panel; none cancels
-    void allowUnaskedAlerts();                        ///< they are answered by their default button
+    void choosePath(std::optional<std::string> path); ///< for the next open panel; none cancels it
+    void allowUnaskedAlerts();                        ///< they get their default button
     bool administratorAllows = true;
-    std::deque<std::string> passwords; ///< for the administrator dialogs, in order; none left: ""
+    std::deque<std::string> passwords; ///< for the administrator dialogs, in order; then ""
 
     // The authority.
-    bool rightHeld = true; ///< what the silent test answers
+    bool rightHeld = true; ///< the result of the silent test
 
-    /// What a run writes and how its launch ends; by default nothing and 0. Called after the run was
+    /// The output of a run and the status of its launch; by default empty and 0. Called after the run was
     /// recorded.
     struct RunAnswer {
         std::string output;
@@ -72,13 +71,13 @@ class TestHost {
     };
 
     std::function<RunAnswer(const RecordedRun&)> onRun;
-    /// What a listing command prints; none makes the pipe fail to open.
+    /// Returns the output of a listing command; with none, the pipe cannot be opened.
     std::function<std::optional<std::string>(const std::string& command)> onListing;
 
-    /// Called before the directory is opened for a report; what it throws leaves the report.
+    /// Called before the directory is opened for a report. It may throw, to end the report.
     std::function<void()> onReport;
 
-    // What was seen, in order.
+    // Recorded, in order.
     std::vector<RecordedRightsRequest> rightsRequests;
     std::vector<RecordedRun> runs;
     [[nodiscard]] std::vector<std::string> runTexts() const;
@@ -87,17 +86,17 @@ class TestHost {
     std::vector<std::string> log;
     std::vector<std::string> opened;
     std::vector<std::string> refusals;
-    std::vector<std::string> events; ///< all of the above but requests for rights, and beeps, as short lines:
-                                     ///< "beep", "log ...", "run ...", "alert TITLE"
+    std::vector<std::string> events; ///< all of the above except requests for rights, and beeps, as short
+                                     ///< lines: "beep", "log ...", "run ...", "alert TITLE"
     int beeps = 0;
     int administratorDialogs = 0;
     std::vector<platform::AdministratorRequest>
-        administratorRequests;             ///< of the dialogs that the presenter showed
-    std::vector<std::string> shownRuns;    ///< what the presenter was told of runs: "TOOL ARGUMENT ARGUMENT"
-    std::vector<std::string> shownOutputs; ///< and of their outputs
-    platform::Interface* loadedInterface = nullptr; ///< of the interface file that was loaded last
+        administratorRequests;          ///< the dialogs that the presenter showed
+    std::vector<std::string> shownRuns; ///< the runs that the presenter was told of: "TOOL ARGUMENT ARGUMENT"
+    std::vector<std::string> shownOutputs;          ///< the outputs that the presenter was told of
+    platform::Interface* loadedInterface = nullptr; ///< the interface file that was loaded last
 
-    double now = 0; ///< the clock
+    double now = 0; ///< the clock's time in seconds
     /// Fires every running timer once.
     void fireTimers();
     [[nodiscard]] std::size_t runningTimers() const;

@@ -16,7 +16,7 @@
 #include <sys/mman.h>
 #include <unistd.h>
 
-/// The services of a TestHost: each answers as the test has said and tells it what was asked.
+/// The services of a TestHost: each answers as the test has prepared, and records the requests.
 namespace testhost {
 
 namespace fs = std::filesystem;
@@ -35,7 +35,7 @@ struct RunningTimer {
     std::function<void()> fire;
 };
 
-/// What the parts of a host share with the TestHost that shows them to the test.
+/// The state that the services of a host share with their TestHost.
 struct State {
     explicit State(TestHost& host) : seen(host) {}
 
@@ -51,7 +51,7 @@ struct State {
     void happened(const std::string& event) const { seen.events.push_back(event); }
 };
 
-/// A descriptor from which `bytes` can be read, however many there are. -1 with errno set when there is none.
+/// Returns a descriptor from which `bytes` can be read, however many they are; -1 with errno set on failure.
 inline int descriptorHolding(std::string_view bytes) {
     const int descriptor = ::memfd_create("brindle-test", MFD_CLOEXEC);
     if (descriptor >= 0 && !platform::writeAll(descriptor, bytes, "a tool's output").isOk()) {
@@ -213,7 +213,7 @@ class RecordingPresenter : public platform::Presenter {
         const auto found = std::ranges::find(answers, alert.title, &QueuedAnswer::title);
         if (found == answers.end()) {
             EXPECT_TRUE(state_.mayAnswerUnasked)
-                << "nobody answers the alert \"" << alert.title << "\": " << alert.message;
+                << "there is no answer for the alert \"" << alert.title << "\": " << alert.message;
             return platform::AlertAnswer::Default;
         }
         const std::string button = found->button;

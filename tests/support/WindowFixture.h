@@ -31,18 +31,20 @@
 #include <QTabBar>
 #include <QTableView>
 #include <QTest>
+#include <QTextDocument>
 #include <QTimer>
 #include <QToolTip>
 #include <QWindow>
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <filesystem>
 #include <memory>
 #include <string>
 #include <vector>
 
-/// A small interface of every kind of control.
+/// A small interface with every kind of control.
 inline constexpr const char* deskInterface = R"(<interface class="Desk">
   <window name="main" title="Desk" width="500" height="400">
     <tabView outlet="tabs" delegate="yes">
@@ -70,7 +72,7 @@ inline constexpr const char* deskInterface = R"(<interface class="Desk">
   <panel outlet="panel" title="Panel" delegate="yes" width="200" height="100"><column><label text="Hello"/></column></panel>
 </interface>)";
 
-/// Stands behind the interface and writes down what it is told.
+/// The class of the interface. It records what it is told.
 struct Desk : platform::OutletOwner,
               NSApplicationDelegate,
               NSTableViewDataSource,
@@ -91,6 +93,7 @@ struct Desk : platform::OutletOwner,
     NSWindow* panel = outlet("panel", panel);
     int rows = 0;
     int cellsAsked = 0;
+    std::string cell; ///< what each cell shows; empty: its column and row
     std::vector<std::string> told;
 
     void typed(NSControl*) { told.push_back("typed " + number->stringValue()); }
@@ -112,7 +115,7 @@ struct Desk : platform::OutletOwner,
     std::string tableViewObjectValueForTableColumn(NSTableView*, const NSTableColumn& column,
                                                    int row) override {
         ++cellsAsked;
-        return column.identifier + std::to_string(row);
+        return cell.empty() ? column.identifier + std::to_string(row) : cell;
     }
 
     void tableViewSelectionDidChange(NSTableView* changed) override {
@@ -143,7 +146,7 @@ class Window : public ::testing::Test {
   protected:
     explicit Window(QtFrontend::Manner manner = QtFrontend::Manner::Interactive) {
         qputenv("QT_QPA_PLATFORM", "offscreen");
-        qputenv("QT_LOGGING_RULES", "default.warning=false"); // what that platform cannot do
+        qputenv("QT_LOGGING_RULES", "default.warning=false"); // suppress the offscreen platform's warnings
         frontend = std::make_unique<QtFrontend>(argc, arguments, manner);
         host.host().setPresenter(frontend->presenter());
         auto description = platform::describeClass<Desk>("Desk");
@@ -155,7 +158,7 @@ class Window : public ::testing::Test {
         desk.number->setFormatter(std::make_shared<KWIntegerFormatter>());
     }
 
-    void TearDown() override { frontend.reset(); } // before the interface that it shows
+    void TearDown() override { frontend.reset(); } // must be destroyed before the interface that it shows
 
     void show() {
         NSApp().mainWindow()->makeKeyAndOrderFront();

@@ -18,8 +18,8 @@
 #include <stdexcept>
 #include <string>
 
-/// A user's hands on the application's own window, on Qt's offscreen platform. Titles are meant as they are
-/// read, without their letters.
+/// Uses the application's own window as a user does, on Qt's offscreen platform. Titles are given as they are
+/// read, without mnemonics.
 class WindowHands {
   protected:
     template <class Widget>
@@ -63,7 +63,7 @@ class WindowHands {
                           view.visualRect(view.model()->index(row, 0)).center());
     }
 
-    /// Uses the menu item whose title begins so.
+    /// Uses the menu item whose title begins with `title`.
     void useMenu(const QString& title) {
         for (auto* action : widget<QWidget>("mainWindow").findChildren<QAction*>()) {
             if (plainTitle(action->text()).startsWith(title)) {
@@ -74,22 +74,22 @@ class WindowHands {
         FAIL() << "no menu item " << title.toStdString();
     }
 
-    /// The dialogs that come up are answered by the buttons of these titles, in order; `asked` keeps what
-    /// they said.
+    /// Answers the dialogs that open with the buttons of these titles, in order. `asked` keeps the dialogs'
+    /// titles.
     void answer(const QStringList& buttons) {
         answers = buttons;
         asked.clear();
         said.clear();
-        finger.disconnect(); // it has one hand only
+        finger.disconnect(); // one dialog is answered at a time
         finger.callOnTimeout(&finger, [this] { pressAnswer(); });
         finger.start(5);
     }
 
     QStringList asked;     ///< the titles of the dialogs
-    QStringList answers;   ///< those that are still waiting
-    QString lastText;      ///< all that the last dialog said
-    QStringList said;      ///< all that each of them said
-    QStringList passwords; ///< typed into the dialogs that ask for one, in order
+    QStringList answers;   ///< the answers that are not used yet
+    QString lastText;      ///< the whole text of the last dialog
+    QStringList said;      ///< the whole text of each dialog
+    QStringList passwords; ///< the passwords to type into the dialogs that ask for one, in order
 
   private:
     void pressAnswer() {
@@ -107,8 +107,8 @@ class WindowHands {
                 }
                 said.append(lastText);
                 answers.removeFirst();
-                // Not from here: while a timer is served it does not fire, and the button may bring up the
-                // next.
+                // Not from within this timer: it does not fire while it is handled, and the button may open
+                // the next dialog.
                 finger.stop();
                 QTimer::singleShot(0, button, [this, button] {
                     finger.start();

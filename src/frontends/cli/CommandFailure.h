@@ -10,12 +10,12 @@ enum class CommandStatus {
     Done = 0,
     Failed = 1,
     WrongUse = 2,
-    NeedsAnswer = 3,          ///< it would have been asked, and nobody is there to answer
-    AdministratorRefused = 4, ///< nobody gave the administrator's consent or password
-    HasProblems = 5,          ///< what was asked for was found out, and it is not as it should be
+    NeedsAnswer = 3,          ///< a question came up, and nobody was there to answer it
+    AdministratorRefused = 4, ///< the administrator's consent or password was not given
+    HasProblems = 5,          ///< the command was carried out and found problems
 };
 
-/// Ends a command.
+/// Thrown to end a command, with its exit status.
 class CommandFailure : public std::runtime_error {
   public:
     CommandFailure(CommandStatus status, const std::string& text)

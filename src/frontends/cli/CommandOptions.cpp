@@ -28,7 +28,7 @@ CLI::App* addNoun(CLI::App& parser, const std::string& name, const std::string& 
 CLI::App* addCommand(CLI::App& parent, CommandOptions& options, const std::string& name, CommandKind kind,
                      const std::string& description, std::function<void(CommandRun&)> carryOut) {
     CLI::App* const command = parent.add_subcommand(name, description);
-    command->fallthrough(); // --root and --system may stand anywhere
+    command->fallthrough(); // --root and --system may be anywhere
     command->add_flag("--json", options.printsJSON, "Print one JSON object");
     if (kind == CommandKind::Writing) {
         command->add_flag("--yes", options.saysYes, "Answer every confirmation with yes");
@@ -48,7 +48,7 @@ void addSwitch(CLI::App& command, const std::string& name, std::optional<bool>& 
         "--" + name, [&state] { state = true; }, description);
     command
         .add_flag_callback(
-            "--no-" + name, [&state] { state = false; }, "The opposite")
+            "--no-" + name, [&state] { state = false; }, "The opposite of --" + name)
         ->excludes(on);
 }
 

@@ -25,13 +25,13 @@ bool CommandPresenter::isConfirmed(const platform::Alert& alert) {
 
 platform::AlertAnswer CommandPresenter::runAlert(const platform::Alert& alert) {
     if (!hasBegun_) {
-        return SilentPresenter::runAlert(alert);
+        return platform::SilentPresenter::runAlert(alert);
     }
     if (!alert.alternateButton) {
         faults_.push_back(alert.title + ": " + alert.message);
         return platform::AlertAnswer::Default;
     }
-    // The button that goes on is the one that is not the safe default, except where that itself says yes.
+    // The button that goes on is the one that is not the default, unless the default itself is "Yes".
     const bool defaultGoesOn = alert.defaultButton == NSLocalizedString("Yes");
     return isConfirmed(alert) == defaultGoesOn ? platform::AlertAnswer::Default
                                                : platform::AlertAnswer::Alternate;
@@ -44,9 +44,9 @@ std::optional<std::string> CommandPresenter::runOpenPanel(const platform::OpenPa
 std::optional<platform::AdministratorAnswer>
 CommandPresenter::runAdministratorDialog(const platform::AdministratorRequest& request) {
     if (!request.needsPassword) {
-        return platform::AdministratorAnswer{}; // to give the command is to consent
+        return platform::AdministratorAnswer{}; // giving the command is consent
     }
-    // Until a run shows that the right was given, it was not: sudo may take none of the passwords.
+    // Count the right as refused until a tool runs: sudo may reject every password.
     wasRefused_ = hasBegun_;
     if (hasBegun_ && isAtTerminal()) {
         if (!request.message.empty()) {
@@ -67,7 +67,7 @@ void CommandPresenter::toolWillRun(const std::string& tool, std::span<const std:
     wasRefused_ = false;
     isTelling_ = tool == platform::systempath::smbstatus;
     if (isTelling_) {
-        return; // what it writes is what it was asked for, and changes nothing
+        return; // it only writes what it was asked for, and changes nothing
     }
     std::string run = tool;
     for (const std::string& argument : arguments) {
@@ -84,7 +84,7 @@ void CommandPresenter::toolDidWrite(std::string_view output) {
 }
 
 void CommandPresenter::interfaceDidLoad(platform::Interface& interface) {
-    // The main interface is the first: a command opens no other window.
+    // The main interface is the first one loaded: a command opens no other window.
     interface_ = interface_ == nullptr ? &interface : interface_;
 }
 

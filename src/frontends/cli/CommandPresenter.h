@@ -1,7 +1,7 @@
 #pragma once
 
-#include "frontends/cli/SilentPresenter.h"
 #include "platform/appkit/Interface.h"
+#include "platform/appkit/SilentPresenter.h"
 
 #include <optional>
 #include <string>
@@ -9,13 +9,14 @@
 
 namespace frontend {
 
-/// The front-end of a command. Start-up's questions are not put to it. From begin() on a question is answered
-/// beforehand (--yes), at the terminal, or ends the command; what an alert tells is why the command failed.
-class CommandPresenter : public SilentPresenter {
+/// The front-end of a command. It suppresses the questions of the start-up. From begin() on, a question is
+/// answered by --yes or at the terminal, or else it ends the command. An alert that asks nothing is the
+/// reason why the command failed.
+class CommandPresenter : public platform::SilentPresenter {
   public:
     explicit CommandPresenter(bool saysYes) : saysYes_(saysYes) {}
 
-    /// The application has started: from here on all that happens is the command's.
+    /// Says that the application has started: everything from here on belongs to the command.
     void begin() { hasBegun_ = true; }
 
     [[nodiscard]] platform::AlertAnswer runAlert(const platform::Alert& alert) override;
@@ -31,10 +32,10 @@ class CommandPresenter : public SilentPresenter {
     void toolWillRun(const std::string& tool, std::span<const std::string> arguments) override;
     void toolDidWrite(std::string_view output) override;
 
-    /// The next open panel is confirmed with this path.
+    /// Confirms the next open panel with this path.
     void choose(std::string path) { choice_ = std::move(path); }
 
-    /// The main interface. Only once it is loaded.
+    /// The main interface. Must not be called before it is loaded.
     [[nodiscard]] const platform::Interface& interface() const { return *interface_; }
 
     // What has happened since begin().
@@ -46,7 +47,7 @@ class CommandPresenter : public SilentPresenter {
 
     [[nodiscard]] bool wasRefused() const { return wasRefused_; }
 
-    /// Whether the person at the terminal said no to a question.
+    /// True when the person at the terminal said no to a question.
     [[nodiscard]] bool wasDeclined() const { return wasDeclined_; }
 
     [[nodiscard]] bool hasBeeped() const { return hasBeeped_; }
@@ -59,7 +60,7 @@ class CommandPresenter : public SilentPresenter {
     bool hasBeeped_ = false;
     bool wasRefused_ = false;
     bool wasDeclined_ = false;
-    bool isTelling_ = false; ///< the run under way changes nothing
+    bool isTelling_ = false; ///< the present tool run changes nothing
     std::optional<std::string> choice_;
     std::optional<std::string> unanswered_;
     std::vector<std::string> runs_;

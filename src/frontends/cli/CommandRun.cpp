@@ -60,7 +60,7 @@ void CommandRun::finish() {
     }
     result_["changed"] = changes_;
     result_["runs"] = context_.presenter.runs().size();
-    say(changes_ ? "changed" : "unchanged"); // words for programs, in every language
+    say(changes_ ? "changed" : "unchanged"); // for programs: not translated
 }
 
 void CommandRun::sayFields(const std::string& name) {
@@ -91,6 +91,15 @@ int CommandRun::rowOf(const std::string& table, const std::string& column, const
         }
     }
     return -1;
+}
+
+int CommandRun::requireRow(const std::string& table, const std::string& column, const std::string& value,
+                           const char* complaint) const {
+    const int row = rowOf(table, column, value);
+    if (row < 0) {
+        fail(stringWithFormat(NSLocalizedString(complaint), value));
+    }
+    return row;
 }
 
 void CommandRun::selectRows(const std::string& table, std::vector<int> rows) {

@@ -27,18 +27,18 @@ using JSON = nlohmann::ordered_json;
 struct CommandContext {
     const CommandOptions& options;
     CommandPresenter& presenter;
-    review::Reviewer* reviewer = nullptr; ///< null where the application is not loaded
+    review::Reviewer* reviewer = nullptr; ///< null when the application is not loaded
     const review::History& history;
     accesscheck::Patient patient;
 };
 
-/// A command under way: it uses the application's controls as a user would, and collects what there is to
-/// say. The first thing that cannot be done ends it with a CommandFailure.
+/// A command that is being carried out: it uses the application's controls as a user would, and collects the
+/// output. The first step that cannot be done ends it with a CommandFailure.
 class CommandRun {
   public:
     explicit CommandRun(CommandContext context) : context_(std::move(context)) {}
 
-    /// Carries the command out and prints what it says, or why it ended. Returns the exit status.
+    /// Carries the command out and prints its output, or why it failed. Returns the exit status.
     [[nodiscard]] int run();
 
     // The controls.
@@ -49,17 +49,20 @@ class CommandRun {
 
     [[nodiscard]] std::string text(const std::string& field) const;
     [[nodiscard]] std::string cell(const std::string& table, const std::string& column, int row) const;
-    /// The first row whose column holds `value`; -1 when there is none.
+    /// Returns the first row whose column holds `value`; -1 when there is none.
     [[nodiscard]] int rowOf(const std::string& table, const std::string& column,
                             const std::string& value) const;
+    /// The same, and ends the command with the complaint, which names the value, when there is none.
+    [[nodiscard]] int requireRow(const std::string& table, const std::string& column,
+                                 const std::string& value, const char* complaint) const;
     void selectRows(const std::string& table, std::vector<int> rows);
     void type(const std::string& field, const std::string& text);
     void select(const std::string& popUp, int index);
-    /// Ends the command with the complaint, which names the title, when there is no such item.
+    /// Ends the command with `complaint`, a format that takes the title, when there is no such item.
     void selectTitle(const std::string& popUp, const std::string& title, const char* complaint);
     void check(const std::string& box, bool isOn);
 
-    // What sets only what is another: it notes that something changes.
+    // These set a control only when its value differs, and then note that something changes.
     void set(const std::string& field, const std::optional<std::string>& text);
     void setItem(const std::string& popUp, const std::optional<std::string>& title, const char* complaint);
     void setIndex(const std::string& popUp, std::optional<int> index);
@@ -67,41 +70,42 @@ class CommandRun {
 
     void noteChange() { changes_ = true; }
 
-    /// Whether anything was found that is to be another.
+    /// True when anything is to change.
     [[nodiscard]] bool changes() const { return changes_; }
 
-    /// Uses the control: prints the plan instead in a dry run. Nothing when nothing changes, unless `always`.
+    /// Uses the control, or prints the plan in a dry run.
     void press(NSControl& control);
 
     void press(const std::string& button) { press(control<NSControl>(button)); }
 
-    /// The same for what is wired to the operation.
+    /// The same for the control that is wired to the operation.
     void send(const std::string& operation);
-    /// Carries out a change that has no control; in a dry run it is named only by the command itself.
+    /// Carries out a change that has no control. In a dry run it does nothing: the command itself says what
+    /// it would do.
     void write(const std::function<void()>& change);
 
-    /// What was asked for is so already.
+    /// Ends a command that has nothing to change.
     void finishUnchanged() { hasWritten_ = true; }
 
-    /// Runs what a user does as one event; what goes wrong in it ends the command.
+    /// Runs a user's action as one event; a failure in it ends the command.
     void perform(const std::function<void()>& event);
 
     [[nodiscard]] CommandPresenter& presenter() const { return context_.presenter; }
 
     [[nodiscard]] const CommandContext& context() const { return context_; }
 
-    // What the command says.
+    // The command's output.
     [[nodiscard]] JSON& result() { return result_; }
 
-    /// What is printed instead, where the command has written it out itself.
+    /// Sets the JSON to print in place of result(), for a command that writes it itself.
     void setResultText(std::string text) { resultText_ = std::move(text); }
 
     void say(const std::string& line) { lines_.push_back(line); }
 
-    /// Says the fields of the result's object of that name, a line each.
+    /// Prints the fields of the object with that name in the result, one line each.
     void sayFields(const std::string& name);
 
-    /// The command was carried out, and its exit status says something beyond that.
+    /// Sets the exit status of a command that was carried out.
     void endWith(CommandStatus status) { status_ = status; }
 
     [[noreturn]] static void fail(const std::string& text, CommandStatus status = CommandStatus::Failed);

@@ -83,7 +83,8 @@ void addAccessCommands(CLI::App& parser, CommandOptions& options) {
                    [given](CommandRun& run) { checkAccess(run, *given); });
     command->add_option("SHARE", given->share, "The share's name")->required();
     CLI::Option* const user = command->add_option("USER", given->user, "The user's name");
-    command->add_flag("--guest", given->isGuest, "Whoever connects without a name")->excludes(user);
+    command->add_flag("--guest", given->isGuest, "Check for a guest, who connects without a name")
+        ->excludes(user);
     command->parse_complete_callback([&options] { options.needsApplication = false; });
 }
 

@@ -31,18 +31,20 @@ JSON groupAt(const CommandRun& run, int row) {
             {"members", membersAt(run, row)}};
 }
 
-/// Every group, those of the system too.
-int rowOf(CommandRun& run, const std::string& name) {
+/// Lists system groups too.
+void showAll(CommandRun& run) {
     run.check("showSystemUsersGroups3", true);
+}
+
+/// Returns the group's row, or -1 when there is none.
+int rowOf(CommandRun& run, const std::string& name) {
+    showAll(run);
     return run.rowOf(table, "Group", name);
 }
 
 int requireRow(CommandRun& run, const std::string& name) {
-    const int row = rowOf(run, name);
-    if (row < 0) {
-        CommandRun::fail(stringWithFormat(NSLocalizedString("there is no group \"%@\""), name));
-    }
-    return row;
+    showAll(run);
+    return run.requireRow(table, "Group", name, "there is no group \"%@\"");
 }
 
 void list(CommandRun& run) {
@@ -111,7 +113,7 @@ void remove(CommandRun& run, const GroupOptions& options) {
     run.press("deleteGroupButton");
 }
 
-/// Makes the users members, or no members any more: those that are not so already.
+/// Adds the users to the group or removes them, and leaves out those for whom that is already so.
 void change(CommandRun& run, const GroupOptions& options, bool join, const char* button) {
     const int group = requireRow(run, options.name);
     const auto before = membersAt(run, group);
@@ -120,11 +122,7 @@ void change(CommandRun& run, const GroupOptions& options, bool join, const char*
         if ((std::ranges::find(before, user) != before.end()) == join) {
             continue;
         }
-        const int row = run.rowOf(members, "User", user);
-        if (row < 0) {
-            CommandRun::fail(stringWithFormat(NSLocalizedString("there is no user \"%@\""), user));
-        }
-        rows.push_back(row);
+        rows.push_back(run.requireRow(members, "User", user, "there is no user \"%@\""));
         run.noteChange();
     }
     run.selectRows(table, {group});
@@ -146,24 +144,19 @@ void leave(CommandRun& run, const GroupOptions& options) {
 void addGroupCommands(CLI::App& parser, CommandOptions& options) {
     CLI::App* const groups = addNoun(parser, "groups", "Groups and their members");
     const auto given = std::make_shared<GroupOptions>();
-    const auto addNamed = [&](const char* name, CommandKind kind, const char* description,
-                              void (*carryOut)(CommandRun&, const GroupOptions&)) {
-        CLI::App* const command = addCommand(*groups, options, name, kind, description,
-                                             [given, carryOut](CommandRun& run) { carryOut(run, *given); });
-        command->add_option("NAME", given->name, "The group's name")->required();
-        return command;
-    };
+    const NamedCommands named(*groups, options, given, "The group's name");
     const auto addNumber = [&](CLI::App* command) {
         command->add_option("--gid", given->gid, "The group's number, or next for the one after the highest")
             ->type_name("N|next");
     };
     addCommand(*groups, options, "list", CommandKind::Reading, "List the groups", list);
-    addNamed("show", CommandKind::Reading, "Show a group", show);
-    addNumber(addNamed("add", CommandKind::Writing, "Add a group", add));
-    addNumber(addNamed("set", CommandKind::Writing, "Change a group", set));
-    addNamed("remove", CommandKind::Writing, "Delete a group", remove);
+    named.add("show", CommandKind::Reading, "Show a group", show);
+    addNumber(named.add("add", CommandKind::Writing, "Add a group", add));
+    addNumber(named.add("set", CommandKind::Writing, "Change a group", set));
+    named.add("remove", CommandKind::Writing, "Delete a group", remove);
     for (const auto& [name, carryOut] : {std::pair("join", &join), std::pair("leave", &leave)}) {
-        addNamed(name, CommandKind::Writing,
+        named
+            .add(name, CommandKind::Writing,
                  std::string_view(name) == "join" ? "Make users members" : "Remove users from a group",
                  carryOut)
             ->add_option("USER", given->users, "The users' names")

@@ -22,7 +22,7 @@ bool isShared(const CommandRun& run, int row) {
 void setAll(CommandRun& run, bool on) {
     const int rows = run.control<NSTableView>(table).numberOfRows();
     for (int row = 0; row < rows && !run.changes(); ++row) {
-        // All at once leaves this number alone.
+        // Turning all on at once leaves out this user id.
         const bool isLeftOut = on && run.cell(table, "UID", row) == "100";
         if (isShared(run, row) != on && !isLeftOut) {
             run.noteChange();
@@ -33,7 +33,7 @@ void setAll(CommandRun& run, bool on) {
 
 void setSome(CommandRun& run, const std::vector<std::string>& users, bool on) {
     const char* button = on ? "enablePublicSelectedButton" : "disablePublicSelectedButton";
-    // All of them before the first, so that a mistake in a name changes nothing.
+    // Check all names first, so that a mistake in one changes nothing.
     std::vector<std::string> wanted;
     for (const std::string& user : users) {
         const int row = run.rowOf(table, "User", user);
@@ -62,7 +62,8 @@ void addPublicCommands(CLI::App& parser, CommandOptions& options) {
     for (const bool on : {true, false}) {
         CLI::App* const command = addCommand(
             *folders, options, on ? "on" : "off", CommandKind::Writing,
-            on ? "Share users' Public folders" : "Stop sharing them", [given, on](CommandRun& run) {
+            on ? "Share users' Public folders" : "Stop sharing users' Public folders",
+            [given, on](CommandRun& run) {
                 if (given->everybody != given->users.empty()) {
                     CommandRun::fail(NSLocalizedString("say either users or --all"), CommandStatus::WrongUse);
                 }

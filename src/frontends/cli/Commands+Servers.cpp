@@ -54,9 +54,9 @@ void addServerCommands(CLI::App& parser, CommandOptions& options) {
     const auto atBoot = std::make_shared<bool>(false);
     addCommand(*servers, options, "start", CommandKind::Writing, "Start the computer's SMB server",
                [atBoot](CommandRun& run) { start(run, *atBoot); })
-        ->add_flag("--at-boot", *atBoot, "Have it start with the computer instead");
+        ->add_flag("--at-boot", *atBoot, "Make it start with the computer instead");
     const auto which = std::make_shared<std::string>();
-    addCommand(*servers, options, "restart", CommandKind::Writing, "Have a server read its settings again",
+    addCommand(*servers, options, "restart", CommandKind::Writing, "Make a server read its settings again",
                [which](CommandRun& run) {
                    run.noteChange();
                    run.send(*which == "afp" ? "restartAFS:" : "restartSMB:");

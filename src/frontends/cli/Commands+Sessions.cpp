@@ -35,7 +35,7 @@ JSON timeText(std::int64_t time) {
     return text.data();
 }
 
-/// In an event of its own: it may ask for the administrator's right.
+/// Runs in its own event because it may ask for the administrator's permission.
 std::vector<Session> sessionsOf(CommandRun& run) {
     std::vector<Session> sessions;
     platform::Status status;
@@ -110,11 +110,12 @@ void addSessionCommands(CLI::App& parser, CommandOptions& options) {
     CLI::App* const command =
         addCommand(*sessions, options, "disconnect", CommandKind::Writing, "End connections",
                    [given](CommandRun& run) { disconnect(run, *given); });
-    command->add_option("--share", given->share, "All to this share")->type_name("NAME");
-    command->add_option("--computer", given->computer, "All of the computer with this address")
+    command->add_option("--share", given->share, "End all connections to this share")->type_name("NAME");
+    command
+        ->add_option("--computer", given->computer, "End all connections of the computer with this address")
         ->type_name("ADDRESS");
     sessions->parse_complete_callback([&options] { options.needsApplication = false; });
-    // It is called after the subcommand's.
+    // This runs after the subcommand's callback.
     sessions->final_callback([&options, sessions] {
         if (sessions->get_subcommands().empty()) {
             options.name = sessions->get_name();

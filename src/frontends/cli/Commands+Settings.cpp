@@ -11,13 +11,13 @@ namespace frontend {
 
 namespace {
 
-/// How a setting's control takes a value.
+/// The kind of control that a setting has.
 enum class Kind {
     Text,  ///< a field
     Count, ///< a field for a number, or nothing
-    Limit, ///< a field for a number, of which -1 is none
+    Limit, ///< a field for a number, where -1 means no limit
     OnOff, ///< a check box
-    Level, ///< the pop-up of the levels of security
+    Level, ///< the pop-up of security levels
     Number ///< a pop-up, by its tags
 };
 
@@ -25,7 +25,7 @@ struct Setting {
     const char* key;
     const char* outlet;
     Kind kind;
-    int cell = -1; ///< of a matrix of boxes, counted row by row
+    int cell = -1; ///< the cell of a matrix of boxes, counted row by row
 };
 
 constexpr Setting smbSettings[] = {
@@ -72,13 +72,13 @@ constexpr Setting afpSettings[] = {
     {"log-deleted-items", "loggingAttributes3", Kind::OnOff, 1},
 };
 
-/// In the order of the pop-up's items, whose titles are in the user's language.
+/// In the order of the pop-up's items, whose own titles are translated.
 constexpr const char* securityLevels[] = {"User", "Share"};
 
 struct Page {
     const char* name;
     std::span<const Setting> settings;
-    const char* save; ///< the operation
+    const char* save; ///< the operation that saves the settings
 };
 
 constexpr Page smbPage{"smb", smbSettings, "updateSMBProperties:"};
@@ -106,7 +106,7 @@ std::string valueOf(const CommandRun& run, const Setting& setting) {
         const int item = popUp.indexOfSelectedItem();
         return item >= 0 && item < std::ssize(securityLevels)
                    ? securityLevels[item]
-                   : popUp.titleOfSelectedItem().value_or(""); // one that only smb.conf has
+                   : popUp.titleOfSelectedItem().value_or(""); // a level that only smb.conf names
     }
     case Kind::Number:
         return std::to_string(run.control<NSPopUpButton>(setting.outlet).tagOfSelectedItem());
@@ -142,7 +142,8 @@ NSControl& control(const CommandRun& run, const Setting& setting) {
     return run.control<NSControl>(setting.outlet);
 }
 
-/// Whether a field that holds a number could hold the value. Its own check comes when it is typed into.
+/// True when the value could be a number in such a field. The field's formatter checks it again when it is
+/// typed.
 bool isNumberFor(Kind kind, std::string_view value) {
     if (kind == Kind::Limit) {
         value.remove_prefix(value.starts_with('-') ? 1 : 0);
@@ -211,7 +212,7 @@ void addPage(CLI::App& parser, CommandOptions& options, const Page& page, const 
     const auto words = std::make_shared<std::vector<std::string>>();
     addCommand(*settings, options, "set", CommandKind::Writing, "Change settings",
                [&page, words](CommandRun& run) { set(run, page, *words); })
-        ->add_option("KEY VALUE", *words, "Settings, as show names them, each with its value")
+        ->add_option("KEY VALUE", *words, "Settings by the names that show prints, each with its value")
         ->required();
 }
 

@@ -12,9 +12,9 @@ namespace {
 
 constexpr const char* table = "normalTableView";
 
-/// The words for the items of a privilege menu, in its order.
+/// The command's words for the items of a privilege menu, in its order.
 constexpr std::array<const char*, 4> privileges{"rw", "r", "w", "none"};
-/// What the list shows for the same.
+/// What the list shows for the same privileges.
 constexpr std::array<const char*, 4> shownPrivileges{"r/w", "r", "w", ""};
 
 struct ShareOptions {
@@ -78,14 +78,10 @@ void list(CommandRun& run) {
 }
 
 int requireRow(const CommandRun& run, const std::string& name) {
-    const int row = run.rowOf(table, "ShareName", name);
-    if (row < 0) {
-        CommandRun::fail(stringWithFormat(NSLocalizedString("there is no share \"%@\""), name));
-    }
-    return row;
+    return run.requireRow(table, "ShareName", name, "there is no share \"%@\"");
 }
 
-/// The share's facts once more, with what only the editor shows.
+/// Adds the share to the output, with the values that only the editor shows.
 void describe(CommandRun& run, const std::string& name) {
     const int row = run.rowOf(table, "ShareName", name);
     if (row < 0) {
@@ -104,7 +100,7 @@ void show(CommandRun& run, const ShareOptions& options) {
     run.sayFields("share");
 }
 
-/// Puts a folder into the editor as the open panel does, so that owner and privileges come from the disk.
+/// Chooses a folder through the open panel, so that the editor reads the owner and privileges from the disk.
 void chooseFolder(CommandRun& run, const std::string& folder) {
     std::error_code error;
     const auto absolute = std::filesystem::absolute(folder, error).lexically_normal();
@@ -152,7 +148,7 @@ void add(CommandRun& run, ShareOptions options) {
         run.noteChange();
         options.smb = options.smb.value_or(!options.afp.value_or(false));
     } else {
-        // To add what is there is no change, and to add something else by its name a mistake.
+        // Adding the same share again changes nothing; adding a different one with its name is a mistake.
         run.selectRows(table, {row});
     }
     fill(run, options);
@@ -184,13 +180,9 @@ void remove(CommandRun& run, const ShareOptions& options) {
 void addShareCommands(CLI::App& parser, CommandOptions& options) {
     CLI::App* const shares = addNoun(parser, "shares", "Folders that this computer shares");
     const auto given = std::make_shared<ShareOptions>();
-    const auto addName = [&](CLI::App* command) {
-        command->add_option("NAME", given->name, "The share's name")->required();
-        return command;
-    };
+    const NamedCommands named(*shares, options, given, "The share's name");
     addCommand(*shares, options, "list", CommandKind::Reading, "List all shares", list);
-    addName(addCommand(*shares, options, "show", CommandKind::Reading, "Show a share",
-                       [given](CommandRun& run) { show(run, *given); }));
+    named.add("show", CommandKind::Reading, "Show a share", show);
     const auto addFields = [&](CLI::App* command) {
         command->add_option("--owner", given->owner, "The folder's owner")->type_name("USER");
         command->add_option("--group", given->group, "The folder's group")->type_name("GROUP");
@@ -205,18 +197,14 @@ void addShareCommands(CLI::App& parser, CommandOptions& options) {
         addSwitch(*command, "smb", given->smb, "Publish it over SMB");
         addSwitch(*command, "afp", given->afp, "Publish it over AFP");
     };
-    CLI::App* const adding =
-        addName(addCommand(*shares, options, "add", CommandKind::Writing, "Share a folder",
-                           [given](CommandRun& run) { add(run, *given); }));
+    CLI::App* const adding = named.add("add", CommandKind::Writing, "Share a folder",
+                                       [](CommandRun& run, const ShareOptions& share) { add(run, share); });
     adding->add_option("FOLDER", given->folder, "The folder")->required();
     addFields(adding);
-    CLI::App* const setting =
-        addName(addCommand(*shares, options, "set", CommandKind::Writing, "Change a share",
-                           [given](CommandRun& run) { set(run, *given); }));
+    CLI::App* const setting = named.add("set", CommandKind::Writing, "Change a share", set);
     setting->add_option("--folder", given->folder, "The folder")->type_name("FOLDER");
     addFields(setting);
-    addName(addCommand(*shares, options, "remove", CommandKind::Writing, "Stop sharing; the folder stays",
-                       [given](CommandRun& run) { remove(run, *given); }));
+    named.add("remove", CommandKind::Writing, "Stop sharing; the folder stays", remove);
 }
 
 } // namespace frontend

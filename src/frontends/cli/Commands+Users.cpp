@@ -37,7 +37,8 @@ JSON userAt(const CommandRun& run, int row) {
             {"publicFolder", cell("Public Shared") == NSLocalizedString("YES")}};
 }
 
-/// The rows that the window's table would have, without the window: who has ten thousand users asks often.
+/// Lists the rows of the window's table without loading the window, which keeps the command fast with tens of
+/// thousands of users.
 void list(CommandRun& run) {
     JSONRows users("users");
     const bool printsJSON = run.context().options.printsJSON;
@@ -63,11 +64,7 @@ void list(CommandRun& run) {
 }
 
 int requireRow(const CommandRun& run, const std::string& name) {
-    const int row = run.rowOf(table, "User", name);
-    if (row < 0) {
-        CommandRun::fail(stringWithFormat(NSLocalizedString("there is no user \"%@\""), name));
-    }
-    return row;
+    return run.requireRow(table, "User", name, "there is no user \"%@\"");
 }
 
 void describe(CommandRun& run, const std::string& name) {
@@ -99,7 +96,7 @@ void fill(CommandRun& run, const UserOptions& options) {
     }
 }
 
-/// Answers the sheet that is up for the user's password.
+/// Types the password into the open sheet and confirms it.
 void enterPassword(CommandRun& run, std::string password) {
     for (const char* field : {"passwordSecureText1", "passwordSecureText2"}) {
         run.type(field, password);
@@ -116,7 +113,7 @@ void add(CommandRun& run, UserOptions options) {
     if (row >= 0) {
         run.selectRows(table, {row});
         if (options.uid == nextNumber) {
-            options.uid.reset(); // it was the next one when the user was made
+            options.uid.reset(); // "next" was resolved when the user was first made
         }
         fill(run, options);
         if (run.changes()) {
@@ -128,7 +125,7 @@ void add(CommandRun& run, UserOptions options) {
         describe(run, options.name);
         return;
     }
-    // Before anything is made, so that no user is left without one.
+    // Read it before anything is made, so that no user is left without a password.
     std::string password;
     if (!options.hasNoPassword && !run.context().options.isDryRun) {
         password = options.password.read(options.name);
@@ -181,13 +178,7 @@ void setPassword(CommandRun& run, const UserOptions& options) {
 void addUserCommands(CLI::App& parser, CommandOptions& options) {
     CLI::App* const users = addNoun(parser, "users", "Users, and their passwords for shares");
     const auto given = std::make_shared<UserOptions>();
-    const auto addNamed = [&](const char* name, CommandKind kind, const char* description,
-                              void (*carryOut)(CommandRun&, const UserOptions&)) {
-        CLI::App* const command = addCommand(*users, options, name, kind, description,
-                                             [given, carryOut](CommandRun& run) { carryOut(run, *given); });
-        command->add_option("NAME", given->name, "The user's short name")->required();
-        return command;
-    };
+    const NamedCommands named(*users, options, given, "The user's short name");
     const auto addFields = [&](CLI::App* command) {
         command->add_option("--full-name", given->fullName, "The full name")->type_name("TEXT");
         command->add_option("--uid", given->uid, "The user's number, or next for the one after the highest")
@@ -197,16 +188,16 @@ void addUserCommands(CLI::App& parser, CommandOptions& options) {
     };
     addCommand(*users, options, "list", CommandKind::Reading, "List all users", list)
         ->parse_complete_callback([&options] { options.needsApplication = false; });
-    addNamed("show", CommandKind::Reading, "Show a user", show);
+    named.add("show", CommandKind::Reading, "Show a user", show);
     CLI::App* const adding =
-        addNamed("add", CommandKind::Writing, "Add a user who can connect to shares only",
-                 [](CommandRun& run, const UserOptions& user) { add(run, user); });
+        named.add("add", CommandKind::Writing, "Add a user who can connect to shares only",
+                  [](CommandRun& run, const UserOptions& user) { add(run, user); });
     addFields(adding);
     given->password.addTo(*adding);
-    adding->add_flag("--no-password", given->hasNoPassword, "The user gets none now, and cannot connect yet");
-    addFields(addNamed("set", CommandKind::Writing, "Change a user", set));
-    addNamed("remove", CommandKind::Writing, "Delete a user", remove);
-    given->password.addTo(*addNamed("password", CommandKind::Writing, "Set a user's password", setPassword));
+    adding->add_flag("--no-password", given->hasNoPassword, "Set no password; the user cannot connect yet");
+    addFields(named.add("set", CommandKind::Writing, "Change a user", set));
+    named.add("remove", CommandKind::Writing, "Delete a user", remove);
+    given->password.addTo(*named.add("password", CommandKind::Writing, "Set a user's password", setPassword));
 }
 
 } // namespace frontend

@@ -5,21 +5,21 @@
 
 namespace frontend {
 
-/// An array of objects as a command prints it, written out row by row: for lists of which somebody may have
-/// tens of thousands of rows. Looks like what JSON::dump() writes.
+/// Writes an array of objects row by row, for lists that may have tens of thousands of rows. The text is the
+/// same as JSON::dump() writes.
 class JSONRows {
   public:
-    /// `name` is the array's, in the one object that a command prints.
+    /// `name` is the key of the array in the object that the command prints.
     explicit JSONRows(std::string_view name);
 
-    /// Begins the next row. What follows are its fields, in the order in which they are to stand.
+    /// Begins the next row. The fields that are added next belong to it, in that order.
     void beginRow();
-    /// Bytes that are no UTF-8 become U+FFFD.
+    /// Adds a field. Bytes that are not UTF-8 become U+FFFD.
     void addText(std::string_view key, std::string_view text);
     void addNumber(std::string_view key, long long number);
     void addTruth(std::string_view key, bool isTrue);
 
-    /// The whole object. Nothing can be added after it.
+    /// Returns the whole object. Nothing can be added afterwards.
     [[nodiscard]] std::string finish();
 
   private:

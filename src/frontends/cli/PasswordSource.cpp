@@ -11,9 +11,9 @@
 namespace frontend {
 
 void PasswordSource::addTo(CLI::App& command) {
-    CLI::Option* const input =
-        command.add_flag("--password-stdin", isStandardInput, "The password is standard input's first line");
-    command.add_option("--password-fd", descriptor, "The same of an open descriptor")
+    CLI::Option* const input = command.add_flag("--password-stdin", isStandardInput,
+                                                "The password is the first line of standard input");
+    command.add_option("--password-fd", descriptor, "The password is the first line of this open descriptor")
         ->type_name("N")
         ->check(CLI::NonNegativeNumber.description(""))
         ->excludes(input);

@@ -17,8 +17,8 @@ struct PasswordSource {
 
     [[nodiscard]] bool isGiven() const { return isStandardInput || descriptor; }
 
-    /// The password: the first line of what was named, else asked for twice at the terminal. Ends the command
-    /// when there is none.
+    /// Returns the password: the first line of the given source, or else what is typed twice at the terminal.
+    /// Ends the command when there is none.
     [[nodiscard]] std::string read(const std::string& user) const;
 };
 

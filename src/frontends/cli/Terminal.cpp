@@ -15,7 +15,7 @@ namespace {
 
 constexpr std::size_t longestLine = 4096;
 
-/// Switches the terminal's echo off while it lives.
+/// Switches off the terminal's echo for its lifetime.
 class HiddenInput {
   public:
     HiddenInput() {
@@ -49,7 +49,7 @@ bool isAtTerminal() {
 
 std::optional<std::string> firstLineOf(int descriptor) {
     std::string line;
-    line.reserve(longestLine); // a secret must not be left behind by growing
+    line.reserve(longestLine); // growing would leave copies of a secret in memory
     char character = '\0';
     while (line.size() < longestLine) {
         const ssize_t count = ::read(descriptor, &character, 1);

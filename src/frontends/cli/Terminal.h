@@ -5,22 +5,22 @@
 
 namespace frontend {
 
-// The person at the terminal, if there is one. What is asked goes to the terminal itself, so that a command's
-// output stays its own.
+// Talking to the person at the terminal, if there is one. Questions go to standard error, so that they do not
+// mix with the command's output.
 
-/// True when somebody can be asked: standard input and standard error are a terminal.
+/// True when there is somebody to ask: standard input and standard error are terminals.
 [[nodiscard]] bool isAtTerminal();
 
-/// Says something beside a question.
+/// Writes a line that needs no answer.
 void tell(const std::string& text);
 
-/// Asks a question of yes and no; anything but yes is no.
+/// Asks a yes-or-no question. Any answer but yes counts as no.
 [[nodiscard]] bool askYesOrNo(const std::string& question);
 
-/// Asks for a line that is not shown while it is typed; none at the end of the input.
+/// Asks for a line that is not shown while it is typed. Returns none at the end of the input.
 [[nodiscard]] std::optional<std::string> askSecret(const std::string& prompt);
 
-/// The first line of what can be read from a descriptor; none when it cannot be read.
+/// Returns the first line that can be read from a descriptor; none when reading fails.
 [[nodiscard]] std::optional<std::string> firstLineOf(int descriptor);
 
 } // namespace frontend

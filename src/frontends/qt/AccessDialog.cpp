@@ -84,7 +84,7 @@ AccessDialog::AccessDialog(Questions questions, const std::optional<std::string>
     const int shares = static_cast<int>(questions_.shares.size());
     const int sharePlace = share ? placeIn(questions_.shares, *share) : -1;
     const int userPlace = user ? placeIn(questions_.users, *user) : -1;
-    constexpr int aboveUsers = 2; // the line and the guest
+    constexpr int aboveUsers = 2; // the separator and the guest
     subject_->setCurrentIndex(sharePlace >= 0  ? sharePlace
                               : userPlace >= 0 ? shares + aboveUsers + userPlace
                               : shares > 0     ? 0

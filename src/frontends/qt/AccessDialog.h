@@ -14,13 +14,13 @@ class QComboBox;
 class QLabel;
 class QTreeWidget;
 
-/// Answers "why can't Ann write?": for one share who may do what with it, or for one user what they may do
-/// with each share. The reason, and what would help, stand below the row that is selected. It changes
-/// nothing.
+/// Answers questions such as "why can't Ann write?". For one share it lists who may do what with it; for one
+/// user, what they may do with each share. Below the list it shows the reason for the selected row, and what
+/// would help. It changes nothing.
 class AccessDialog : public QDialog {
   public:
-    /// What it asks. `begin` is called once before the questions of one list: what has been read for them is
-    /// then remembered up to the next list.
+    /// Where the dialog gets its answers. It calls `begin` once before the questions for a list, so that what
+    /// was read for one question can be reused until the next list.
     struct Questions {
         std::vector<std::string> shares;
         std::vector<std::string> users;
@@ -29,7 +29,7 @@ class AccessDialog : public QDialog {
             ask;
     };
 
-    /// Shows the share, or, without one, the user; without either the first share.
+    /// Shows `share`; without one, shows `user`; without either, shows the first share.
     AccessDialog(Questions questions, const std::optional<std::string>& share,
                  const std::optional<std::string>& user, QWidget* parent);
 
@@ -39,7 +39,7 @@ class AccessDialog : public QDialog {
     [[nodiscard]] bool isAboutShare() const;
 
     Questions questions_;
-    std::vector<accesscheck::Answer> answers_; ///< in the list's order
+    std::vector<accesscheck::Answer> answers_; ///< in the order of the list
     QComboBox* subject_ = nullptr;             ///< the shares, then the guest and the users
     QTreeWidget* list_ = nullptr;
     QLabel* reason_ = nullptr;

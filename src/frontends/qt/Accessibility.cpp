@@ -11,7 +11,8 @@
 
 namespace {
 
-/// Qt gives a pop-up's choice as its name and leaves the name to the label beside it, which not each has.
+/// Qt reports a pop-up's choice as its name, and expects the real name in a label, which not every pop-up
+/// has.
 class AccessiblePopUp : public QAccessibleWidget {
   public:
     explicit AccessiblePopUp(PopUp& popUp)
@@ -56,7 +57,7 @@ class AccessiblePopUp : public QAccessibleWidget {
     PopUp& popUp_;
 };
 
-/// Asked for each class of an object, the most special one first; null leaves it to Qt.
+/// Qt calls this for each class of an object, the most derived one first. Null leaves the object to Qt.
 QAccessibleInterface* interfaceOf(const QString& className, QObject* object) {
     if (qobject_cast<Drawer*>(object) != nullptr || qobject_cast<Matrix*>(object) != nullptr) {
         return new QAccessibleWidget(static_cast<QWidget*>(object), QAccessible::Grouping);

@@ -1,8 +1,8 @@
 #pragma once
 
-/// Tells screen readers what Qt cannot know: that a sheet is a dialog, a drawer and a row of check cells are
-/// groups, and which line says what has just been done. For as long as it lives; made once the Qt application
-/// object is there.
+/// Tells screen readers what Qt cannot know: that a sheet is a dialog, that a drawer and a row of check cells
+/// are groups, and which line reports the last action. It works during its lifetime. Create it after the Qt
+/// application object.
 class Accessibility {
   public:
     Accessibility();

@@ -53,10 +53,10 @@ void Activity::toolDidWrite(std::string_view output) {
     }
     entries_.back().output = trimmed(output);
     if (readsOutput_) {
-        entries_.back().hasFailed = output.starts_with("smbstatus: "); // how the tools complain
+        entries_.back().hasFailed = output.starts_with("smbstatus: "); // the prefix of its error messages
         return;
     }
-    entries_.back().hasFailed = true; // a tool that succeeds is silent
+    entries_.back().hasFailed = true; // these tools write nothing when they succeed
     noteFailure(entries_.back().output);
 }
 
@@ -64,7 +64,7 @@ void Activity::beeped() {
     if (leavesOut_) {
         return;
     }
-    // A run that could not be started at all writes nothing.
+    // A run that could not be started writes nothing.
     if (!entries_.empty() && entries_.back().kind == ActivityEntry::Kind::Run) {
         entries_.back().hasFailed = true;
     }

@@ -14,20 +14,20 @@
 #include <string_view>
 #include <utility>
 
-/// One thing that happened: a tool run, a line of the log, or a beep that nothing explains.
+/// Something that happened: a tool run, a line of the log, or a beep without an explanation.
 struct ActivityEntry {
     enum class Kind { Run, Log, Beep };
 
     QDateTime time;
     Kind kind = Kind::Log;
-    std::string text;   ///< the run as a person would type it, a password as "********"; or the line
-    std::string output; ///< what the run's tool wrote
+    std::string text; ///< the run as a person would type it, with passwords as "********"; or the log's line
+    std::string output; ///< the output of the tool
     bool hasFailed = false;
-    bool hasBeeped = false; ///< it is what a beep was about
+    bool hasBeeped = false; ///< a beep came with it
 };
 
-/// Keeps what happened since the window opened, the last twenty thousand entries of it, and what of it
-/// belongs to the user's event that is under way. Main thread only.
+/// Keeps the last twenty thousand entries since the window opened, and knows which of them belong to the
+/// current user event. Main thread only.
 class Activity {
   public:
     void toolWillRun(const std::string& tool, std::span<const std::string> arguments);
@@ -35,43 +35,43 @@ class Activity {
     void logged(std::string_view text);
     void beeped();
 
-    /// A field's formatter has refused what was typed.
+    /// Notes that a field's formatter has refused what was typed.
     void editWasRefused() { isEditRefused_ = true; }
 
-    /// The user was asked for permission, and refused.
+    /// Notes that the user was asked for permission, and refused.
     void permissionWasRefused() { isRefused_ = true; }
 
-    /// The user has stopped the action that is under way; `text` says how far it has come.
+    /// Notes that the user has stopped the current action; `text` says how far it got.
     void wasStopped(std::string text) { stop_ = std::move(text); }
 
-    /// What the event still tries is not done any more, and so not worth an entry.
+    /// Stops making entries until the event ends, because its remaining runs are not carried out.
     void leaveRestOut() { leavesOut_ = true; }
 
-    /// As given to wasStopped in this event; empty where nothing was stopped.
+    /// The text given to wasStopped in this event; empty when nothing was stopped.
     [[nodiscard]] const std::string& stopOfEvent() const { return stop_; }
 
-    /// The event under way has ended; what follows belongs to the next one.
+    /// Ends the current event: everything that follows belongs to the next one.
     void endEvent();
 
     [[nodiscard]] const std::deque<ActivityEntry>& entries() const { return entries_; }
 
-    /// How many were kept before the first of them, and are no more.
+    /// The number of older entries that were dropped.
     [[nodiscard]] std::size_t droppedEntries() const { return dropped_; }
 
-    /// Those that could change something.
+    /// The number of tool runs in this event that could change something.
     [[nodiscard]] int runsOfEvent() const { return runs_; }
 
     [[nodiscard]] bool isRefused() const { return isRefused_; }
 
-    /// Why the first thing that failed in this event did: the tool's own sentence, or the log's; empty where
-    /// nothing has failed.
+    /// Why the first failure in this event happened, in the words of the tool or the log; empty when nothing
+    /// failed.
     [[nodiscard]] const std::string& failureOfEvent() const { return failure_; }
 
-    /// The same of what has failed since this was asked last: an alert's reason is not the one of the alert
-    /// before.
+    /// Returns the same for failures since the last call, so that an alert does not show the reason for an
+    /// earlier one.
     [[nodiscard]] std::string takeReason() { return std::exchange(reason_, std::string()); }
 
-    /// All entries as lines of text.
+    /// Returns all entries as lines of text.
     [[nodiscard]] QString text() const;
 
   private:
@@ -85,20 +85,20 @@ class Activity {
     bool isRefused_ = false;
     bool isEditRefused_ = false;
     bool leavesOut_ = false;
-    bool readsOutput_ = false; ///< what the last run writes is what it was made for
-    bool beepWaits_ = false;   ///< for the line that explains it
+    bool readsOutput_ = false; ///< the last run only reads: its output is not a complaint
+    bool beepWaits_ = false;   ///< a beep waits for the line that explains it
     std::string failure_;
     std::string reason_;
     std::string stop_;
 };
 
-/// What the outcome of an entry is called: "done", "failed", or nothing for a line of the log.
+/// Returns the outcome of an entry in words: "done", "failed", or nothing for a line of the log.
 [[nodiscard]] QString outcomeText(const ActivityEntry& entry);
 
-/// A log that has an activity keep each line, too.
+/// A log that also gives each line to an activity.
 class ActivityLog : public platform::Log {
   public:
-    /// `activity` outlives this, or is taken away first.
+    /// `activity` must outlive this object or be taken away first.
     ActivityLog(std::shared_ptr<platform::Log> log, Activity& activity)
         : log_(std::move(log)), activity_(&activity) {}
 

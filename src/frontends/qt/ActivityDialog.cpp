@@ -50,7 +50,7 @@ int ActivityModel::columnCount(const QModelIndex& parent) const {
 const ActivityEntry* ActivityModel::entry(int row) const {
     const auto& entries = activity_.entries();
     const std::size_t number = dropped_ + static_cast<std::size_t>(std::max(row, 0));
-    const std::size_t place = number - activity_.droppedEntries(); // beyond the end for one that is gone
+    const std::size_t place = number - activity_.droppedEntries(); // wraps beyond the end for a dropped entry
     return row < 0 || place >= entries.size() ? nullptr : &entries[place];
 }
 
@@ -139,7 +139,8 @@ ActivityDialog::ActivityDialog(const Activity& activity, QWidget* parent)
 
 void ActivityDialog::reload() {
     const QScrollBar* bar = table_->verticalScrollBar();
-    const bool isAtEnd = bar->value() == bar->maximum(); // whoever reads further up stays there
+    // Someone who reads further up must not lose their place.
+    const bool isAtEnd = bar->value() == bar->maximum();
     model_.update();
     if (isAtEnd) {
         table_->scrollToBottom();

@@ -8,7 +8,7 @@
 class QPlainTextEdit;
 class QTableView;
 
-/// Rows of what happened, the newest at the end. Cells are made when they are drawn.
+/// The rows of an activity, the newest last. Cells are made when they are drawn.
 class ActivityModel : public QAbstractTableModel {
   public:
     explicit ActivityModel(const Activity& activity) : activity_(activity) {}
@@ -18,10 +18,10 @@ class ActivityModel : public QAbstractTableModel {
     [[nodiscard]] QVariant data(const QModelIndex& index, int role) const override;
     [[nodiscard]] QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
 
-    /// The entry of the row, or null.
+    /// Returns the entry of the row, or null.
     [[nodiscard]] const ActivityEntry* entry(int row) const;
 
-    /// Takes over what has happened since; the other rows stay.
+    /// Adds the entries that are new since the last call, and removes those that were dropped.
     void update();
 
   private:
@@ -36,7 +36,7 @@ class ActivityDialog : public QDialog {
   public:
     ActivityDialog(const Activity& activity, QWidget* parent);
 
-    /// Something has happened.
+    /// Shows what has happened since the last call.
     void reload();
 
   private:

@@ -30,9 +30,10 @@ void RefreshQueue::remove(Binding* binding) {
 void RefreshQueue::flush() {
     scheduled_ = false;
     if (isHeld_) {
-        return; // the end of the event that is under way asks again
+        return; // flush() is called again at the end of the current event
     }
-    // A refresh may mark others: they are appended and done in the same pass, so no iterator stays valid.
+    // A refresh may mark other bindings. They are appended and refreshed in this pass, which would invalidate
+    // iterators.
     // NOLINTNEXTLINE(modernize-loop-convert)
     std::size_t next = 0;
     while (next < waiting_.size()) {

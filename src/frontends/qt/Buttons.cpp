@@ -18,8 +18,8 @@ constexpr const char* keysProperty = "hasKeys";
 constexpr const char* modelProperty = "model";
 constexpr int imageSize = 24;
 
-/// The image in its file; a null icon where there is none, or Qt has no reader for it: the button then shows
-/// its title.
+/// Returns the button's image; a null icon when there is none or Qt cannot read it. The button then shows its
+/// title.
 QIcon iconOf(const NSButton& button) {
     return button.image() ? QIcon(QPixmap(shown(button.image()->path()))) : QIcon();
 }
@@ -36,7 +36,7 @@ QAbstractButton* makeButton(const platform::InterfaceNode& node, WindowActions& 
     } else {
         auto* push = new QPushButton;
         push->setAutoDefault(
-            false); // Return belongs to the button that the window names, not to the one with the focus
+            false); // Return presses the button that the window names, not the one with the focus
         push->setDefault(button.keyEquivalent() == "\r");
         push->setFlat(withImage);
         widget = push;
@@ -48,9 +48,9 @@ QAbstractButton* makeButton(const platform::InterfaceNode& node, WindowActions& 
     widget->setProperty(keyProperty, shown(button.keyEquivalent()));
     widget->setProperty(modelProperty, QVariant::fromValue<const void*>(&button));
     widget->setProperty(keysProperty, !node.attribute("role").empty());
-    // While that notice is shown, the button would do harm.
+    // While this notice is shown, the button would do harm, and is disabled.
     auto* notice = actions.find<NSTextField>(node.attribute("offWith"));
-    // What edits a row needs one.
+    // A button that edits a row needs a selected row.
     auto* table =
         node.attribute("role") == "edit" ? actions.find<NSTableView>(node.attribute("reverts")) : nullptr;
     auto* binding = new Binding(widget, queue, button.changed, [widget, &button, withImage, notice, table] {
@@ -109,7 +109,7 @@ Matrix::Matrix(NSMatrix& matrix, RefreshQueue& queue) : matrix_(matrix) {
             });
         }
     }
-    if (!cells_.empty()) { // a label's letter leads to the first
+    if (!cells_.empty()) { // a label's mnemonic moves the focus to the first cell
         setFocusPolicy(Qt::TabFocus);
         setFocusProxy(cells_.front());
     }

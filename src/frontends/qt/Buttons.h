@@ -9,20 +9,20 @@
 
 #include <vector>
 
-/// The widget of the node's push button or check box. `node` and `actions` outlive it.
+/// Makes the widget for the node's push button or check box. `node` and `actions` must outlive it.
 [[nodiscard]] QAbstractButton* makeButton(const platform::InterfaceNode& node, WindowActions& actions,
                                           RefreshQueue& queue);
 
-/// The model of a button that makeButton made, or null.
+/// Returns the model of a button that makeButton made, or null for any other button.
 [[nodiscard]] const NSButton* modelOfButton(const QAbstractButton& button);
 
-/// Does the button what a key of the menu "Page", or of a row, does as well?
+/// True when a key of the menu "Page", or of a row, does the same as the button.
 [[nodiscard]] bool hasKeys(const QWidget& button);
 
-/// The key that presses a button of this window, or an empty string: "\r" or "\033".
+/// Returns the key that presses the button in its window, "\r" or "\033", or an empty string.
 [[nodiscard]] QString keyEquivalentOf(const QAbstractButton& button);
 
-/// The widget of a matrix of check cells.
+/// The widget for a matrix of check cells.
 class Matrix : public QWidget {
     Q_OBJECT
 

@@ -9,8 +9,8 @@
 
 namespace {
 
-/// The words for yes that the lists hold: the application's own marks, and whatever stands in a settings
-/// file.
+/// Recognizes every word for yes in the lists: the application's own marks, and what a settings file may
+/// contain.
 bool meansYes(const std::string& value) {
     static constexpr std::array<std::string_view, 4> words = {"+", "1", "yes", "true"};
     std::string lower = value;

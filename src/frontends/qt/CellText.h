@@ -6,8 +6,9 @@
 
 #include <string>
 
-/// What a cell shows for `value`, as the column's `display` asks.
+/// Returns what a cell shows for `value`, according to the column's `display`.
 [[nodiscard]] QString cellText(const NSTableColumn& column, const std::string& value);
 
-/// What a screen reader says of it, where that is not what the cell shows: a mark is "Yes". Null otherwise.
+/// Returns what a screen reader says for the cell when that differs from what the cell shows: "Yes" for a
+/// mark. Null otherwise.
 [[nodiscard]] QString spokenCellText(const NSTableColumn& column, const std::string& value);

@@ -1,23 +1,33 @@
 #pragma once
 
+#include "review/TextDifference.h"
+
 #include <QDialogButtonBox>
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QTreeWidget>
 
-// What the dialogs that only show something have in common. Each part is the caller's, who puts it into a
-// layout.
+#include <string>
+#include <vector>
 
-/// A list of plain rows, which a screen reader calls `spoken`. `widest` is the column that takes the room
-/// that is left.
+// Parts that the dialogs for reading have in common. The caller owns each part, and puts it into a layout.
+
+/// Makes a list of plain rows. A screen reader calls it `spoken`. The column `widest` takes the remaining
+/// width.
 [[nodiscard]] QTreeWidget* makeList(const char* name, const QString& spoken, const QStringList& titles,
                                     int widest);
 
-/// A text to be read beside a list.
+/// Makes a read-only text for the details of a list's row.
 [[nodiscard]] QPlainTextEdit* makeDetails(const char* name);
 
-/// The row of buttons, with "Close", which is the default and ends the dialog.
+/// Makes the row of buttons with "Close", which is the default and ends the dialog.
 [[nodiscard]] QDialogButtonBox* makeButtons(QDialog& dialog);
 
-/// Another button of that row.
+/// Adds another button to that row.
 QPushButton* addButton(QDialogButtonBox& buttons, const QString& title);
+
+/// Returns a line with the run as a person would type it.
+[[nodiscard]] QString runLine(const std::string& tool, const std::vector<std::string>& arguments);
+
+/// Returns the lines that a file loses and gains, with "- " or "+ " before each.
+[[nodiscard]] QString changedLines(const std::vector<review::LineChange>& changes);

@@ -45,10 +45,10 @@ QString folderNamedIn(const QWidget* window) {
     return found == fields.end() ? QString() : (*found)->text();
 }
 
-/// The field's text, which it no longer holds. Copies made on the way are overwritten.
+/// Returns the field's text and clears the field. Intermediate copies are overwritten.
 std::string takePassword(QLineEdit& field) {
     QString text = field.text();
-    field.clear(); // so that `text` alone holds the characters, and fill() writes over them in place
+    field.clear(); // now `text` alone holds the characters, and fill() overwrites them in place
     QByteArray bytes = text.toUtf8();
     std::string password(bytes.constData(), static_cast<std::size_t>(bytes.size()));
     text.fill(QChar());
@@ -91,7 +91,7 @@ platform::AlertAnswer askAlert(const platform::Alert& alert, QWidget* parent) {
     box.setText(asItIs(shown(alert.title), "bold"));
     box.setInformativeText(asItIs(shown(alert.message)));
     if (QWidget* message = box.findChild<QWidget*>("qt_msgbox_informativelabel")) {
-        message->setMinimumWidth(dialogWidth); // else a long message would be laid out in a narrow column
+        message->setMinimumWidth(dialogWidth); // otherwise long messages get a narrow column
     }
     const AlertAnswer harmless = harmlessAnswer(alert);
     std::vector<std::pair<QAbstractButton*, AlertAnswer>> buttons;

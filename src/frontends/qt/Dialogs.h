@@ -7,14 +7,14 @@
 #include <optional>
 #include <string>
 
-/// The button that changes least: "Cancel" or "No" where there is one, else the alternate button, else the
-/// only one. Escape and closing the alert choose it, and so does a run in which nobody can be asked.
+/// Returns the button that changes least: "Cancel" or "No" if there is one, else the alternate button, else
+/// the only one. Escape and closing the alert choose it, and so does a run in which nobody can be asked.
 [[nodiscard]] platform::AlertAnswer harmlessAnswer(const platform::Alert& alert);
 
-/// Neither a question about a change nor a failure.
+/// True for an alert that is neither a question about a change nor a failure.
 [[nodiscard]] bool isInformation(const platform::Alert& alert);
 
-// Each blocks until the user has answered. `parent` may be null.
+// Each of these blocks until the user has answered. `parent` may be null.
 [[nodiscard]] platform::AlertAnswer askAlert(const platform::Alert& alert, QWidget* parent);
 [[nodiscard]] std::optional<std::string> askPath(const platform::OpenPanelRequest& request, QWidget* parent);
 [[nodiscard]] std::optional<platform::AdministratorAnswer>

@@ -15,7 +15,7 @@ namespace {
 
 constexpr int slideTime = 180; // milliseconds
 
-/// The contents, which scroll and keep their width, as nothing slides sideways.
+/// Makes a scroll area for the contents, which keep their width: they only scroll vertically.
 QScrollArea* scrolled(QWidget* contents, int width) {
     auto* area = new QScrollArea;
     area->setFrameShape(QFrame::NoFrame);
@@ -23,7 +23,7 @@ QScrollArea* scrolled(QWidget* contents, int width) {
     contents->setMinimumWidth(width - area->verticalScrollBar()->sizeHint().width());
     area->setWidgetResizable(true);
     area->setWidget(contents);
-    area->setFocusPolicy(Qt::NoFocus); // the fields in it have it, and scroll into view
+    area->setFocusPolicy(Qt::NoFocus); // its fields take the focus, and scroll into view
     return area;
 }
 
@@ -33,10 +33,10 @@ QFrame* line(QFrame::Shape shape) {
     return drawn;
 }
 
-/// How much wider the window may become on its screen.
+/// Returns how much wider the window may become on its screen.
 int roomBeside(const QWidget& window) {
     if (window.testAttribute(Qt::WA_DontShowOnScreen)) {
-        return std::max(0, window.maximumWidth() - window.width()); // a picture's size may be asked for
+        return std::max(0, window.maximumWidth() - window.width()); // a requested picture size is the maximum
     }
     if (window.isMaximized() || window.isFullScreen() || window.screen() == nullptr) {
         return 0;
@@ -49,7 +49,7 @@ int roomBeside(const QWidget& window) {
 Drawer::Drawer(NSDrawer& drawer, Parts parts, int width, int leastBeside, bool animated, RefreshQueue& queue)
     : drawer_(drawer), width_(width), leastBeside_(leastBeside), animated_(animated),
       holder_(new QWidget(this)) {
-    setAutoFillBackground(true); // it may lie over the page
+    setAutoFillBackground(true); // it may cover the page
     auto* sides = new QHBoxLayout(holder_);
     sides->setContentsMargins(0, 0, 0, 0);
     sides->setSpacing(0);
@@ -133,12 +133,12 @@ void Drawer::giveBack(QWidget& window) {
 
 void Drawer::slideTo(int width) {
     slide_.stop();
-    // Closing takes the window's extra width away at once, so only opening is worth a movement.
+    // Closing takes away the window's extra width at once, so only opening is animated.
     if (!animated_ || width == 0 || !window()->isVisible()) {
         setShownWidth(width);
         return;
     }
-    setShownWidth(std::max(1, shownWidth_)); // what is in it can have the cursor at once
+    setShownWidth(std::max(1, shownWidth_)); // so that its contents can take the focus at once
     slide_.setStartValue(shownWidth_);
     slide_.setEndValue(width);
     slide_.start();
@@ -149,7 +149,7 @@ void Drawer::setShownWidth(int width) {
     setVisible(width > 0);
     updateGeometry();
     if (QWidget* around = parentWidget(); around != nullptr && around->layout() != nullptr) {
-        around->layout()->activate(); // a page beside it gives up its room in the same step
+        around->layout()->activate(); // a page beside it shrinks in the same step
     }
 }
 

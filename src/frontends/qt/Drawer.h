@@ -10,32 +10,32 @@
 #include <memory>
 #include <vector>
 
-/// The widget of a drawer, at the window's right edge: what it holds scrolls where the window is too low, and
-/// its foot stays in sight below. The window is widened for it as far as the screen has room. Where the page
-/// would become too narrow beside it, it lies over the page instead.
+/// The widget for a drawer, at the window's right edge. Its contents scroll when the window is too low, and
+/// its foot stays visible below them. The window is widened for it as far as the screen has room. When the
+/// page beside it would become too narrow, the drawer covers the page instead.
 class Drawer : public QWidget {
     Q_OBJECT
 
   public:
     struct Parts {
         QWidget* contents;
-        QWidget* foot; ///< null: none
+        QWidget* foot; ///< null when there is none
     };
 
-    /// Both parts become its own. `width` is its width, and `leastBeside` that of the narrowest page that it
-    /// stands beside. `animated` false: it is open or closed at once.
+    /// Takes ownership of both parts. `width` is the drawer's width, and `leastBeside` that of the narrowest
+    /// page that it is shown beside, in pixels. Without `animated` it opens and closes at once.
     Drawer(NSDrawer& drawer, Parts parts, int width, int leastBeside, bool animated, RefreshQueue& queue);
 
-    /// As far as it has slid out.
+    /// The width that is visible while it slides out.
     [[nodiscard]] int shownWidth() const { return shownWidth_; }
 
-    /// Whether it takes its room from a page in a window so wide.
+    /// True when it is shown beside the page in a window of that width.
     [[nodiscard]] bool isBeside(int windowWidth) const { return windowWidth - width_ >= leastBeside_; }
 
-    /// What the window has grown for it.
+    /// How much the window has been widened for it, in pixels.
     [[nodiscard]] int grown() const { return grown_; }
 
-    /// How far it has moved to the left for that, unless it was moved since.
+    /// How far the window was moved to the left for that; 0 when it has been moved since.
     [[nodiscard]] int shifted() const { return window()->x() == shiftedTo_ ? shifted_ : 0; }
 
     [[nodiscard]] NSDrawer& model() const { return drawer_; }
@@ -56,7 +56,7 @@ class Drawer : public QWidget {
     int width_;
     int leastBeside_;
     bool animated_;
-    bool opened_ = false; ///< as it is shown, or being slid to
+    bool opened_ = false; ///< its present state, or the one that it slides to
     int shownWidth_ = 0;
     int grown_ = 0;
     int shifted_ = 0;

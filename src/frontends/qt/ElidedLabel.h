@@ -6,13 +6,13 @@
 #include <QLabel>
 #include <QResizeEvent>
 
-/// A line of text that ends in dots where it has no room, and says all of it in its tool tip.
+/// A line of text that is elided when there is no room, with the whole text in its tool tip.
 class ElidedLabel : public QLabel {
   public:
-    /// `isNews`: a screen reader says a new text at once, wherever its reader is.
+    /// With `isNews`, a screen reader reads out a new text at once, wherever the focus is.
     explicit ElidedLabel(bool isNews = false) : isNews_(isNews) { setTextFormat(Qt::PlainText); }
 
-    /// All of the text, where there is room.
+    /// The size of the whole text.
     [[nodiscard]] QSize sizeHint() const override {
         const QSize elided = QLabel::sizeHint();
         return {fontMetrics().horizontalAdvance(whole_) + 1, elided.height()}; // which has been rounded
@@ -27,7 +27,7 @@ class ElidedLabel : public QLabel {
         updateGeometry();
         elide();
         if (isNews_) {
-            // Where alerts are not passed on, one that comes into sight is what is read out.
+            // Some screen readers do not announce alerts, but read out what becomes visible.
             for (const QAccessible::Event kind : {QAccessible::Alert, QAccessible::ObjectShow}) {
                 QAccessibleEvent news(this, kind);
                 QAccessible::updateAccessibility(&news);

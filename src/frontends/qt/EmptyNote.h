@@ -9,11 +9,11 @@ class QLabel;
 class QPushButton;
 class TableView;
 
-/// Lies over a table in which no row is in view: says what the table is for, with the button that begins, or
-/// that the list could not be read, or that the filter takes no row. A child of the table's widget.
+/// Covers a table that shows no rows. It says what the table is for, with a button to begin; or that the list
+/// could not be read; or that nothing matches the filter. A child of the table's widget.
 class EmptyNote : public QWidget {
   public:
-    /// `node` is the table's, with the attribute `empty`; both it and `actions` outlive this.
+    /// `node` is the table's node, with the attribute `empty`. `node` and `actions` must outlive this object.
     EmptyNote(const platform::InterfaceNode& node, TableView& view, WindowActions& actions,
               RefreshQueue& queue);
 
@@ -27,5 +27,5 @@ class EmptyNote : public QWidget {
     const platform::InterfaceNode& node_;
     TableView& view_;
     QLabel* text_ = nullptr;
-    QPushButton* button_ = nullptr; ///< null where there is none
+    QPushButton* button_ = nullptr; ///< null when there is none
 };

@@ -63,7 +63,7 @@ std::string nameHint(const InterfaceNode& node, const NSTextField& field, const 
             NSLocalizedString("“%@” is there already, and differs only in capital and small letters."),
             similar);
     }
-    // The lists leave system accounts out.
+    // The lists leave out system accounts.
     if (const std::string& records = node.attribute("records");
         !records.empty() && review::Reviewer::hasRecord(records + name)) {
         return isThere();
@@ -114,7 +114,7 @@ std::string limitProblem(const InterfaceNode& node) {
     if (isWithin) {
         return {};
     }
-    // One so long that it is no number here is above it, too.
+    // A number too long to be read is also above the limit.
     const bool isTooHigh =
         number ? *number > INT32_MAX : !text.empty() && std::ranges::all_of(text, [](char digit) {
             return digit >= '0' && digit <= '9';

@@ -5,14 +5,14 @@
 
 #include <string>
 
-/// Why the number that a user has typed into the field of `node` is not within its limits; empty where it is,
-/// where the field has none, or is off, and for what the program has filled in.
+/// Returns why the number that a user has typed into the field of `node` is outside its limits. Empty when it
+/// is within them, when the field has no limits or is disabled, and for text that the program has filled in.
 [[nodiscard]] std::string limitProblem(const platform::InterfaceNode& node);
 
-/// What is to be said of the field's text before any button is pressed: its limits, what the button would do
-/// to a name, a folder that is not there; empty where nothing is. Looks at all names, so ask where a user has
-/// typed.
+/// Returns what the user should know about the field's text before pressing a button: its limits, what the
+/// button would do to that name, a folder that does not exist. Empty when there is nothing to say. It
+/// searches all names, so call it only after a user has typed.
 [[nodiscard]] std::string fieldHint(const platform::InterfaceNode& node, const WindowActions& actions);
 
-/// Whether what `when` of the node asks of other controls is so; true where it asks nothing.
+/// True when the other controls meet the condition in the node's attribute `when`, or when it has none.
 [[nodiscard]] bool isShown(const platform::InterfaceNode& node, const WindowActions& actions);

@@ -22,7 +22,7 @@ bool holds(const InterfaceNode& tree, const platform::Element* element) {
                        [element](const auto& child) { return holds(*child, element); });
 }
 
-/// The pop-up whose items are these; null when there is none.
+/// Returns the pop-up with exactly these items; null when there is none.
 NSPopUpButton* findPopUpOf(const InterfaceNode& tree, const std::vector<std::string>& titles) {
     auto* popUp = modelOf<NSPopUpButton>(tree);
     if (popUp != nullptr && popUp->itemTitles() == titles) {

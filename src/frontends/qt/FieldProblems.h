@@ -8,9 +8,9 @@
 
 #include <string>
 
-/// A label that shows what is wrong with the field that `widget` is or holds, and is hidden where nothing is.
-/// Null when it holds none. The caller's.
+/// Makes a label that shows what is wrong with the field that `widget` is or contains, and is hidden when
+/// nothing is wrong. Null when there is no such field. The caller owns it.
 [[nodiscard]] QLabel* makeProblemNote(QWidget& widget);
 
-/// Turns to the page that shows the control of that name, where a menu picks the pages.
+/// Switches to the page that shows the control with that name, if a pop-up selects the pages.
 void showPageOf(const std::string& control, const platform::Interface& interface, RefreshQueue& queue);

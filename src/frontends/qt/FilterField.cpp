@@ -10,7 +10,7 @@ FilterField::FilterField(TableView& table) : table_(table) {
     const QString name = table.accessibleName();
     setAccessibleName(name.isEmpty() ? placeholderText() : placeholderText() + " (" + name + ')');
     setToolTip(shown(NSLocalizedString("Leaves the rows in view in which these words occur (Ctrl+F).")));
-    // Only when there is something to clear: its picture makes Qt load what reads all kinds of pictures.
+    // Add the button only when there is something to clear: its picture makes Qt load all image readers.
     connect(
         this, &QLineEdit::textChanged, this, [this] { setClearButtonEnabled(true); },
         Qt::SingleShotConnection);

@@ -4,13 +4,13 @@
 
 class TableView;
 
-/// The field above a table that leaves only the rows with certain words in view. Ctrl+F leads to it, Escape
-/// empties it and goes back to the table, Down and Return go on in the rows that are left.
+/// The field above a table that shows only the rows with certain words. Ctrl+F moves the focus to it, Escape
+/// empties it and returns to the table, Down and Return move to the rows that are left.
 class FilterField : public QLineEdit {
     Q_OBJECT
 
   public:
-    /// Filters `table`, which outlives it or goes with it.
+    /// Filters `table`, which must not be destroyed before this field.
     explicit FilterField(TableView& table);
 
   protected:

@@ -68,7 +68,7 @@ void FindingsDialog::fill() {
     for (const Finding& each : found_.findings) {
         auto* item = new QTreeWidgetItem(list_, {shown(each.text), shown(placeOf(each))});
         item->setIcon(0, markIcon(each.level == Finding::Level::Problem ? Mark::Warning : Mark::Information));
-        if (each.level == Finding::Level::Problem) { // what the icon says, in words
+        if (each.level == Finding::Level::Problem) { // the icon's meaning in words
             item->setData(0, Qt::AccessibleTextRole, localized("Warning") + ": " + shown(each.text));
         }
         item->setToolTip(0, asItIs(shown(each.text)));

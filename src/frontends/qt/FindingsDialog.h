@@ -10,8 +10,8 @@ class QLabel;
 class QPlainTextEdit;
 class QTreeWidget;
 
-/// What is wrong with the computer: a list, and for the row that is selected the place and the command that
-/// mends it. It changes nothing.
+/// Lists what is wrong with the computer, and shows where the selected fault is and the command that mends
+/// it. It changes nothing.
 class FindingsDialog : public QDialog {
   public:
     FindingsDialog(std::function<accesscheck::Examination()> examine, QWidget* parent);

@@ -7,7 +7,7 @@
 namespace {
 
 constexpr int frameTime = 16;           // milliseconds
-constexpr qint64 mostTicksAtOnce = 100; // after the process stood still, what was missed is not made up for
+constexpr qint64 mostTicksAtOnce = 100; // after a pause of the process, not all missed ticks are made up for
 constexpr double millisecondsPerSecond = 1000;
 
 } // namespace
@@ -37,7 +37,7 @@ void FrameTimers::tick(platform::TimerId id) {
         return;
     }
     const std::shared_ptr<Timer> timer =
-        found->second; // stays until its tick is over, also when it stops itself
+        found->second; // keeps it alive during its tick, even when it stops itself
     const qint64 ticks = timer->catchesUp ? std::min(timer->sinceTick.restart(), mostTicksAtOnce) : 1;
     for (qint64 done = 0; done < ticks && timers_.contains(id); ++done) {
         NSApp().dispatch(timer->fire);

@@ -9,8 +9,8 @@
 #include <map>
 #include <memory>
 
-/// The application's timers on Qt's event loop. An interval of 0 means a thousand ticks a second in effect:
-/// they are made up for once a frame, so that the processor rests in between.
+/// The application's timers on Qt's event loop. Intervals are in seconds. An interval of 0 means a thousand
+/// ticks per second, which are fired together once per frame, so that the processor can rest in between.
 class FrameTimers {
   public:
     [[nodiscard]] platform::TimerId start(double interval, std::function<void()> fire);

@@ -12,12 +12,12 @@
 
 namespace {
 
-/// What inks are chosen by: frames and alternating rows change the ground a little.
+/// The contrast that inks are chosen for. It is higher because frames and alternating rows vary the ground.
 constexpr double wantedContrast = leastContrast + 0.5;
 
 constexpr QColor warningOnLight(0xa0, 0x3c, 0x00);
 constexpr QColor warningOnDark(0xff, 0xb0, 0x6a);
-constexpr double noteShare = 0.65; // of the text's colour; the rest is the ground's
+constexpr double noteShare = 0.65; // the share of the text's colour; the rest is the ground's
 
 double luminance(const QColor& colour) {
     const auto linear = [](double part) {
@@ -35,8 +35,7 @@ QColor mixed(const QColor& colour, const QColor& other, double share) {
                             part(colour.blueF(), other.blueF()));
 }
 
-/// The first colour on the way from one to the other that stands out so far from the ground; the other at its
-/// end.
+/// Returns the first colour between `from` and `to` with that contrast to the ground; `to` if there is none.
 QColor readable(const QColor& from, const QColor& to, const QColor& ground, double wanted = wantedContrast) {
     constexpr int steps = 20;
     for (int step = 0; step < steps; ++step) {
@@ -48,12 +47,12 @@ QColor readable(const QColor& from, const QColor& to, const QColor& ground, doub
     return to;
 }
 
-/// Black or white, whichever can be read on the ground.
+/// Returns black or white, whichever is readable on the ground.
 QColor extremeOn(const QColor& ground) {
     return contrast(Qt::white, ground) > contrast(Qt::black, ground) ? Qt::white : Qt::black;
 }
 
-/// Follows the colours of the desktop and of what the widget stands in.
+/// Updates a widget's ink when the colours of the desktop or of its surroundings change.
 class InkKeeper : public QObject {
   public:
     explicit InkKeeper(QWidget& widget) : QObject(&widget), widget_(widget) {
@@ -106,7 +105,7 @@ class MarkEngine : public QIconEngine {
                                                     : inkOn(Ink::Note, palette, ground_);
         painter->save();
         painter->setRenderHint(QPainter::Antialiasing);
-        // In a square of 16 by 16, as large as there is room for.
+        // Draw in a square of 16 by 16 units, scaled to the available room.
         constexpr double side = 16;
         const double scale = std::min(rect.width(), rect.height()) / side;
         painter->translate(rect.center().x() + 1 - side * scale / 2,
@@ -142,7 +141,7 @@ class MarkEngine : public QIconEngine {
         return path;
     }
 
-    /// "!", or "i".
+    /// Draws "!" or "i".
     void drawLetter(QPainter& painter) const {
         const bool isWarning = mark_ == Mark::Warning;
         painter.drawRoundedRect(QRectF(7.1, isWarning ? 5.2 : 6.8, 1.8, 5.2), 0.8, 0.8);
@@ -184,7 +183,7 @@ void useInk(QWidget& widget, std::optional<Ink> ink) {
 
 QColor placeholderOn(const QPalette& palette) {
     const QColor ground = palette.color(QPalette::Base);
-    const QColor ink = palette.color(QPalette::PlaceholderText); // Qt's own lets the ground through
+    const QColor ink = palette.color(QPalette::PlaceholderText); // Qt's own is translucent
     return contrast(mixed(ink, ground, ink.alphaF()), ground) < leastEdgeContrast
                ? inkOn(Ink::Note, palette, QPalette::Base)
                : ink;

@@ -27,7 +27,7 @@
 
 namespace {
 
-constexpr QChar beforeKeys(u'\t'); ///< in titles that name their keys themselves
+constexpr QChar beforeKeys(u'\t'); ///< separates a title from the keys that it names
 
 bool standsInBar(const QAction* action) {
     return std::ranges::any_of(action->associatedObjects(), [](const QObject* each) {
@@ -37,7 +37,7 @@ bool standsInBar(const QAction* action) {
 
 void markActions(QList<QAction*> marked, QSet<QChar>& taken) {
     marked.removeIf([](const QAction* each) { return each->isSeparator() || !each->isVisible(); });
-    // Those that can have their first letter come before those that make do with another.
+    // Titles that can have their first letter come before those that need another one.
     QSet<QChar> firsts;
     std::stable_partition(marked.begin(), marked.end(), [&firsts](const QAction* each) {
         const QString text = plainTitle(each->text());
@@ -59,7 +59,7 @@ void markActions(QList<QAction*> marked, QSet<QChar>& taken) {
     }
 }
 
-/// A button with a title, or the label of a field.
+/// True for a button with a title and for the label of a field.
 bool hasTitle(QWidget* widget) {
     const auto* button = qobject_cast<const QAbstractButton*>(widget);
     const auto* label = qobject_cast<const QLabel*>(widget);
@@ -89,7 +89,7 @@ void giveTitle(QWidget* widget, const QString& title) {
     }
 }
 
-/// Does the button change something?
+/// True when the widget is a button that changes something.
 bool isWriting(const QWidget* widget) {
     const auto* button = qobject_cast<const QAbstractButton*>(widget);
     const NSButton* model = button == nullptr ? nullptr : modelOfButton(*button);
@@ -97,8 +97,8 @@ bool isWriting(const QWidget* widget) {
 }
 
 void markWidgets(QList<QWidget*> widgets, QSet<QChar>& taken, const QSet<QChar>& shared) {
-    // Where letters run out, it is for what has keys of its own, and not for what one came for: the buttons
-    // that change something, and the fields.
+    // Letters may run out, so widgets with their own keys get theirs last, and the most important ones first:
+    // buttons that change something, and fields.
     const auto rank = [](const QWidget* each) {
         return hasKeys(*each)                                 ? 3
                : isWriting(each)                              ? 0
@@ -116,7 +116,7 @@ void markWidgets(QList<QWidget*> widgets, QSet<QChar>& taken, const QSet<QChar>&
     }
 }
 
-/// Where the widget stands in its window: letters are given part by part.
+/// The part of the window that a widget is in: letters are assigned part by part.
 enum Part { Page, InDrawer, Foot };
 
 Part partOf(const QWidget* widget) {
@@ -131,10 +131,10 @@ Part partOf(const QWidget* widget) {
     return Page;
 }
 
-/// What can have a letter in the window, as it is read.
+/// Returns the widgets in the window that can have a letter, in reading order.
 QList<QWidget*> titledWidgets(const QWidget& window) {
     QList<QWidget*> titled = widgetsAsRead(window);
-    // What lies over an empty table does what a button below it does.
+    // The note over an empty table has a button that does the same as one below the table.
     titled.removeIf(
         [](const QWidget* each) { return dynamic_cast<EmptyNote*>(each->parentWidget()) != nullptr; });
     titled.removeIf([&window](QWidget* each) { return !hasTitle(each) || !each->isVisibleTo(&window); });
@@ -145,7 +145,7 @@ void settle(QWidget& window) {
     QSet<QChar> taken;
     if (auto* menu = qobject_cast<QMenu*>(&window)) {
         QList<QAction*> actions = menu->actions();
-        // What has no room in a bar hangs in a menu, and keeps its letter.
+        // An action without room in the bar is shown in a menu instead, and keeps its letter.
         actions.removeIf(standsInBar);
         markActions(actions, taken);
         return;
@@ -163,12 +163,12 @@ void settle(QWidget& window) {
     QSet<QChar> ofPage = taken;
     mark(Page, ofPage, {});
     ofPage -= taken;
-    // There are not letters enough for a page and a drawer beside it.
+    // There are not enough letters for both a page and the drawer beside it.
     mark(InDrawer, taken, ofPage);
     mark(Foot, taken, ofPage);
 }
 
-/// The letters' buttons and labels of the window's that the key press may mean.
+/// Returns the buttons and labels in the window whose letter the key press may mean.
 QList<QWidget*> meantBy(const QKeySequence& key, const QWidget& window) {
     QList<QWidget*> meant = titledWidgets(window);
     meant.removeIf([&key](QWidget* each) {
@@ -179,7 +179,7 @@ QList<QWidget*> meantBy(const QKeySequence& key, const QWidget& window) {
     return meant;
 }
 
-/// Does what the letter of a button or of a label does.
+/// Does what pressing the letter of a button or label does.
 void useLetterOf(QWidget& titled) {
     if (auto* button = qobject_cast<QAbstractButton*>(&titled)) {
         button->setFocus(Qt::ShortcutFocusReason);
@@ -189,7 +189,7 @@ void useLetterOf(QWidget& titled) {
     }
 }
 
-/// The system's own way to choose a file has letters of its own.
+/// False for the desktop's file dialog, which has its own letters.
 bool isOurs(const QWidget& window) {
     const Qt::WindowType type = window.windowType();
     return qobject_cast<const QMenu*>(&window) != nullptr ||
@@ -220,7 +220,7 @@ bool KeyAccess::eventFilter(QObject* watched, QEvent* event) {
         return false;
     }
     if (type == QEvent::Show && widget == window) {
-        settle(*window); // before anybody sees it
+        settle(*window); // before it is painted
     } else if (!isOfActions || widget == window || qobject_cast<QMenuBar*>(widget) != nullptr) {
         settleSoon(window);
     }
@@ -237,7 +237,7 @@ bool KeyAccess::useNearest(const QKeySequence& key) {
     const Part here = focused == nullptr ? Page : partOf(focused);
     const auto distance = [here](const QWidget* each) {
         const Part part = partOf(each);
-        return part == here ? 0 : part == Foot ? 1 : 2; // the foot shows what has just come
+        return part == here ? 0 : part == Foot ? 1 : 2; // the foot shows what is new
     };
     useLetterOf(**std::ranges::min_element(meant, {}, distance));
     return true;

@@ -10,12 +10,11 @@ class QKeySequence;
 class QMenu;
 class QMenuBar;
 
-/// Keeps all of the application's windows and menus usable with keys alone: Tab goes through a window as it
-/// is read, and titles have letters (Mnemonics.h). A window's letters are settled anew when what it shows has
-/// changed; those of its menu bar come first, then those of its page, then those of its drawer and of its
-/// foot, so that what comes and goes there moves no others. Where a letter stands for something on the page
-/// and for something beside it, the one counts that is nearer to the cursor. Made once the Qt application
-/// object is there.
+/// Keeps all of the application's windows and menus usable with the keyboard alone: Tab follows the reading
+/// order, and titles have mnemonics (Mnemonics.h). A window's mnemonics are assigned again when its contents
+/// change: first the menu bar's, then the page's, then the drawer's and the foot's, so that what comes and
+/// goes there does not change the others. If a letter is used on the page and beside it, the use nearer to
+/// the focus counts. Create it after the Qt application object.
 class KeyAccess : public QObject {
   public:
     KeyAccess();
@@ -24,7 +23,7 @@ class KeyAccess : public QObject {
     bool eventFilter(QObject* watched, QEvent* event) override;
 
   private:
-    /// Does what the letter stands for that several have; false when nothing has it.
+    /// Uses the nearest widget with a letter that several widgets have. Returns false when none has it.
     static bool useNearest(const QKeySequence& key);
     void settleSoon(QWidget* window);
     void settleWaiting();

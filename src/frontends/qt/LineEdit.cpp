@@ -15,8 +15,7 @@ LineEdit::LineEdit(NSTextField& field, RefreshQueue& queue) : field_(field), que
         setEchoMode(QLineEdit::Password);
         setInputMethodHints(Qt::ImhHiddenText | Qt::ImhNoPredictiveText | Qt::ImhNoAutoUppercase);
     }
-    // Qt signals the new text before the new caret, so `before_` still holds the old one in
-    // userEdited.
+    // Qt signals the new text before the new caret, so `before_` still holds the old caret in userEdited.
     const auto remember = [this] {
         if (!loading_ && !holdsCaret_) {
             before_ = caretNow();
@@ -62,7 +61,7 @@ LineEdit::Caret LineEdit::caretNow() const {
 void LineEdit::place(const Caret& caret) {
     loading_ = true;
     if (caret.selectionStart < 0) {
-        setCursorPosition(caret.position);               // drops a selection as well
+        setCursorPosition(caret.position);               // also clears the selection
     } else if (caret.position == caret.selectionStart) { // selected from right to left
         setSelection(caret.selectionStart + caret.selectionLength, -caret.selectionLength);
     } else {
@@ -88,7 +87,7 @@ void LineEdit::load() {
         noteEntered();
         restore(now, {.position = static_cast<int>(now.size())});
         if (!hasFocus()) {
-            home(false); // the beginning of a long text is more telling than its end
+            home(false); // the beginning of a long text says more than its end
         }
     }
 }
@@ -107,20 +106,20 @@ bool LineEdit::propose(const QString& text, int caret, const Caret& before) {
 void LineEdit::userEdited(const QString& text) {
     const Caret before = before_;
     const Caret after = caretNow();
-    loading_ = true; // an alert that the edit brings up must not disturb what is remembered
+    loading_ = true; // an alert that the edit causes must not change `before_`
     (void)propose(text, after.position, before);
     loading_ = false;
-    // What counts is the field: it may have refused, or changed the text that it took.
+    // The field decides: it may have refused the text, or changed it.
     const QString now = shown(field_.stringValue());
     if (now == text) {
         accepted_ = text;
         if (field_.isSecure()) {
-            restore(text, after); // setting the text forgets the undo history, and with it the old passwords
+            restore(text, after); // setting the text discards the undo history, and with it old passwords
         }
         before_ = caretNow();
     } else if (now == accepted_) {
         restore(now, before);
-    } else { // taken without the characters that no field holds; what follows the caret is unchanged
+    } else { // accepted without characters that no field can hold; what follows the caret is unchanged
         restore(now, {.position = std::max(0, after.position - static_cast<int>(text.size() - now.size()))});
         accepted_ = now;
     }
@@ -138,7 +137,7 @@ void LineEdit::endEditing() {
 
 void LineEdit::focusInEvent(QFocusEvent* event) {
     noteEntered();
-    load(); // shows what can be edited
+    load(); // show the text that can be edited
     QLineEdit::focusInEvent(event);
 }
 
@@ -151,7 +150,7 @@ void LineEdit::focusOutEvent(QFocusEvent* event) {
 }
 
 void LineEdit::inputMethodEvent(QInputMethodEvent* event) {
-    // Here Qt signals the new caret first.
+    // For input methods Qt signals the new caret first.
     holdsCaret_ = true;
     QLineEdit::inputMethodEvent(event);
     holdsCaret_ = false;
@@ -160,12 +159,12 @@ void LineEdit::inputMethodEvent(QInputMethodEvent* event) {
 
 void LineEdit::dragEnterEvent(QDragEnterEvent* event) {
     if (!draggedFolder(*event->mimeData()).isEmpty()) {
-        event->ignore(); // the page around the field takes it
+        event->ignore(); // lets the page around the field handle it
         return;
     }
     isDraggedOn_ = true;
-    load();                // a drop goes into what can be edited
-    dragged_ = caretNow(); // Qt shows with the caret where the text would go
+    load();                // the drop goes into the text that can be edited
+    dragged_ = caretNow(); // during the drag Qt moves the caret to where the text would go
     QLineEdit::dragEnterEvent(event);
 }
 
@@ -176,7 +175,7 @@ void LineEdit::dragLeaveEvent(QDragLeaveEvent* event) {
 }
 
 void LineEdit::dropEvent(QDropEvent* event) {
-    // Qt would make two edits of a move, a removal and an insertion: here the drop is proposed as one.
+    // Qt would turn a move into two edits, a removal and an insertion. Propose the drop as one edit instead.
     const QString dropped = event->mimeData()->text();
     QString proposed = text();
     int position = cursorPositionAt(event->position().toPoint());
@@ -188,7 +187,7 @@ void LineEdit::dropEvent(QDropEvent* event) {
     }
     proposed.insert(position, dropped);
     int caret = position + static_cast<int>(dropped.size());
-    // To the field, a drop is an insertion where nothing was selected.
+    // For the field, a drop is an insertion without a selection.
     if (dropped.isEmpty() || !propose(proposed, caret, {.position = position})) {
         event->ignore();
         place(dragged_);
@@ -201,13 +200,13 @@ void LineEdit::dropEvent(QDropEvent* event) {
     restore(taken, {.position = caret, .selectionStart = position, .selectionLength = caret - position});
     queue_.flush();
     if (!hasFocus()) {
-        endEditing(); // nobody will leave it
+        endEditing(); // the focus will not be lost
     }
     endDrag();
 }
 
 void LineEdit::noteEntered() {
-    if (!field_.isSecure()) { // else it would leave a copy that is never wiped
+    if (!field_.isSecure()) { // a password's copy would never be wiped
         entered_ = field_.stringValue();
     }
 }

@@ -5,27 +5,27 @@
 
 #include <QLineEdit>
 
-/// A line edit over a text field's model. Every edit of the user (a key, a paste, a drop, an input method's
-/// text, cut, undo) is proposed to the field before it counts: a refused one leaves text, caret and selection
-/// as they were. What the program puts into the field is shown without being asked about.
+/// A line edit for a text field's model. Every edit by the user (a key, a paste, a drop, an input method's
+/// text, cut, undo) is first proposed to the field; when it is refused, text, caret and selection stay
+/// unchanged. What the program puts into the field is shown without a check.
 class LineEdit : public QLineEdit {
     Q_OBJECT
 
   public:
     LineEdit(NSTextField& field, RefreshQueue& queue);
 
-    /// Tells the field that the user is done with it. Called on Return, when the focus is lost, and before
-    /// anything acts on the field while it keeps the focus (a menu's shortcut).
+    /// Tells the field that the user has finished editing. Called on Return, when the focus is lost, and
+    /// before anything acts on the field while it keeps the focus (a menu's shortcut).
     void endEditing();
 
-    /// Says why the text cannot be used, for as long as it stays as it is. A screen reader reads it with the
-    /// field.
+    /// Says why the present text cannot be used. Cleared when the text changes. A screen reader reads it with
+    /// the field.
     void setProblem(const QString& why);
 
-    /// What is to be said of the text while nothing is wrong with it; empty: nothing.
+    /// Sets a hint about the text that is shown while there is no problem; empty for none.
     void setHint(const QString& hint);
 
-    /// The text that is shown as "no limit" while nobody edits it.
+    /// Sets the text that is shown as "no limit" unless it is being edited.
     void setUnlimited(const std::string& value);
 
     void setNamesFolder(bool isPath) { namesFolder_ = isPath; }
@@ -33,9 +33,9 @@ class LineEdit : public QLineEdit {
     [[nodiscard]] bool namesFolder() const { return namesFolder_; }
 
   Q_SIGNALS:
-    /// What is wrong with the text, or to be said of it; empty: nothing any more.
+    /// The problem or hint has changed; empty when there is none any more.
     void problemChanged(const QString& why);
-    /// The user is done with the field, and its text is another than when they began.
+    /// The user has finished editing, and has changed the text.
     void left();
 
   protected:
@@ -65,16 +65,16 @@ class LineEdit : public QLineEdit {
 
     NSTextField& field_;
     RefreshQueue& queue_;
-    Caret before_;     ///< as it was before the edit in progress
-    Caret dragged_;    ///< as it was when a drag came over the field
-    QString accepted_; ///< the text that the field has agreed to, as it is shown
+    Caret before_;     ///< the caret before the edit in progress
+    Caret dragged_;    ///< the caret when a drag entered the field
+    QString accepted_; ///< the text that the field has accepted, as shown
     QString problem_;
     QString hint_;
     bool namesFolder_ = false;
-    std::string unlimited_;    ///< empty: there is no such text
-    bool isEdited_ = false;    ///< by the user, since the field was left
-    bool isDraggedOn_ = false; ///< something is held over it
+    std::string unlimited_;    ///< empty when there is no such text
+    bool isEdited_ = false;    ///< the user has edited it since it was last left
+    bool isDraggedOn_ = false; ///< a drag is over it
     std::string entered_;      ///< the field's text when the user began with it; never a password
     bool loading_ = false;
-    bool holdsCaret_ = false; ///< `before_` stays as it is, whatever Qt signals
+    bool holdsCaret_ = false; ///< do not update `before_`, whatever Qt signals
 };

@@ -7,16 +7,15 @@
 
 class WindowActions;
 
-/// Fills the window's menu bar with the menus of `menuBar`, which outlive it, like `actions`.
+/// Fills the window's menu bar with the menus of `menuBar`. `menuBar` and `actions` must outlive the window.
 void fillMenuBar(QMainWindow& window, const platform::InterfaceNode& menuBar, WindowActions& actions,
                  RefreshQueue& queue);
 
-/// What the Quit item does: the main window is closed, and the application decides what follows.
+/// Does what the Quit item does: closes the main window. The application decides whether it ends.
 void closeMainWindow(RefreshQueue& queue);
 
-/// Lets a field that is being edited finish, where something is about to happen that does not take the focus
-/// from it.
+/// Ends the editing of the focused field. For actions that do not take the focus from it.
 void endEditingOfFocusedField();
 
-/// Adds a menu before the last one, which is the help's, as everywhere.
+/// Adds a menu before the last one, which is the help menu.
 void insertBeforeHelp(QMenuBar& bar, QMenu& menu);

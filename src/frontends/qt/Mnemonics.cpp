@@ -13,19 +13,19 @@ namespace {
 constexpr QChar mark(u'&');
 
 bool isEastAsian(QChar letter) {
-    constexpr QChar longVowel(u'\u30FC'); // stands in words of more than one script
+    constexpr QChar longVowel(u'\u30FC'); // used in words of several scripts
     const QChar::Script script = letter.script();
     return letter == longVowel || script == QChar::Script_Han || script == QChar::Script_Hiragana ||
            script == QChar::Script_Katakana || script == QChar::Script_Hangul;
 }
 
-/// Is the text written in characters that no key stands for?
+/// True when the text is written in characters that are not on a keyboard.
 bool needsLetterBehind(const QString& text) {
     return std::ranges::any_of(text, isEastAsian);
 }
 
-/// The letters of the text that keys stand for, the best first: its first one, those that begin its words,
-/// the others, and last those that take more than one key on many keyboards.
+/// Returns the letters of the text that are on a keyboard, the best first: its first one, those that begin
+/// its words, the others, and last those that need several keys on many keyboards.
 QString lettersIn(const QString& text) {
     enum Rank { First, OfWord, Inner, Accented };
 
@@ -50,11 +50,11 @@ QString lettersFor(const Titled& titled) {
         return lettersIn(titled.text);
     }
     QString letters = lettersIn(titled.text) + lettersIn(titled.name);
-    letters.removeIf([](QChar each) { return each.unicode() > 0x7f; }); // the sign that makes a vowel long
+    letters.removeIf([](QChar each) { return each.unicode() > 0x7f; }); // removes the long-vowel sign
     return letters + QLatin1String("ABCDEFGHIJKLMNOPQRSTUVWXYZ");
 }
 
-/// Who has which letter. A text that comes late takes one from an earlier text that can have another.
+/// Which text has which letter. A later text may take one from an earlier text that can use another.
 class Letters {
   public:
     Letters(const std::vector<Titled>& texts, const QSet<QChar>& taken, const QSet<QChar>& shared) {
@@ -72,7 +72,7 @@ class Letters {
         giveAll();
     }
 
-    /// A null character where the text has none.
+    /// Returns the text's letter; a null character when it has none.
     [[nodiscard]] QChar of(std::size_t text) const { return holders_.key(text); }
 
   private:
@@ -112,7 +112,7 @@ QString escaped(QString text) {
     return text.replace(mark, QLatin1String("&&"));
 }
 
-/// The place of the letter: where a word begins with it, else where it stands first; -1 without one.
+/// Returns the position of the letter: at the beginning of a word, else its first one; -1 without a letter.
 qsizetype placeOf(QChar letter, const QString& text) {
     qsizetype inside = -1;
     for (qsizetype place = 0; place < text.size(); ++place) {
@@ -131,7 +131,7 @@ QString marked(const QString& text, QChar letter) {
     if (letter.isNull()) {
         return escaped(text);
     }
-    if (needsLetterBehind(text)) { // before the colon or the dots
+    if (needsLetterBehind(text)) { // insert it before the colon or the dots
         static const QRegularExpression ending(QStringLiteral("(?:[:：…]|\\.\\.\\.)?$"));
         const qsizetype place = text.indexOf(ending);
         return escaped(text.left(place)) + QLatin1String("(&") + letter + QLatin1Char(')') +
@@ -161,7 +161,7 @@ QString plainTitle(const QString& title) {
     static const QRegularExpression behind(QStringLiteral("\\(&[^&]\\)"));
     static const QRegularExpression marks(QStringLiteral("&(.?)"));
     QString plain = title;
-    // A title of its own may end like that, where letters are marked in their places.
+    // Other titles, with letters marked in place, may end like that.
     if (plain.remove(behind); !needsLetterBehind(plain)) {
         plain = title;
     }

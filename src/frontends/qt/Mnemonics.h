@@ -8,26 +8,25 @@
 #include <string>
 #include <vector>
 
-// The letters that are underlined in titles, and that choose them together with Alt (in an open menu alone).
-// They are picked from the texts as they are shown, so that every language has its own and no string table
-// holds marks.
+// Mnemonics: the underlined letters in titles, which are pressed with Alt (in an open menu without it). They
+// are chosen from the shown texts, so that every language has its own, and no string table contains them.
 
-/// Something that can have a letter.
+/// Something that can have a mnemonic.
 struct Titled {
-    QString text; ///< as it is to be read, without marks
-    QString name; ///< by which programs know it, in Latin letters: used where the text has none; may be empty
+    QString text; ///< the text without marks
+    QString name; ///< its internal name in Latin letters, used when the text has none; may be empty
 };
 
-/// Each text as a title with its letter marked. No letter is used twice, none is of `taken`, and as many
-/// texts have one as the letters allow; the earlier ones have the better. Letters of `shared` stand for
-/// something elsewhere in the window, too, and are for texts that are left without one. Where a writing has
-/// no letters on the keyboard, one is put behind the text: "(&S)". A text without a letter stands as it is.
-/// The letters that are used are added to `taken`.
+/// Returns each text as a title with its letter marked. No letter is used twice, none is in `taken`, and as
+/// many texts as possible get one; earlier texts get better letters. Letters in `shared` are also used
+/// elsewhere in the window, and only for texts that would get none. If a script has no letters on the
+/// keyboard, one is appended to the text: "(&S)". A text without a letter stays unchanged. The used letters
+/// are added to `taken`.
 [[nodiscard]] QStringList titlesWithMnemonics(const std::vector<Titled>& texts, QSet<QChar>& taken,
                                               const QSet<QChar>& shared = {});
 
-/// The text that such a title, or one that title() made, shows.
+/// Returns the text that such a title, or a title from title(), shows.
 [[nodiscard]] QString plainTitle(const QString& title);
 
-/// Gives the button the title, unless it has it already, with a letter or without.
+/// Sets the button's title, unless it already has that title, with or without a mnemonic.
 void setTitle(QAbstractButton& button, const std::string& text);

@@ -7,17 +7,17 @@
 #include <initializer_list>
 #include <string_view>
 
-/// The attribute as a number; 0 when there is none.
+/// Returns the attribute as a number; 0 when there is none.
 [[nodiscard]] inline int number(const platform::InterfaceNode& node, std::string_view attribute) {
     return intValue(node.attribute(attribute));
 }
 
-/// Is the attribute there, and "yes"?
+/// True when the attribute is "yes".
 [[nodiscard]] inline bool isYes(const platform::InterfaceNode& node, std::string_view attribute) {
     return node.attribute(attribute) == "yes";
 }
 
-/// The node's model, or null when it has none or one of another kind.
+/// Returns the node's model; null when it has none or one of another kind.
 template <class Model>
 [[nodiscard]] Model* modelOf(const platform::InterfaceNode& node) {
     return dynamic_cast<Model*>(node.element.get());

@@ -15,25 +15,25 @@ constexpr const char* fusion = "fusion";
 constexpr int cellMargin = 6;
 constexpr int buttonAir = 16;
 constexpr int fieldAir = 4;
-constexpr int fieldInset = 3; ///< from where the style has a field's text, so that it begins as a cell's does
+constexpr int fieldInset = 3; ///< added to the style's margin, to align a field's text with a cell's
 constexpr int menuInset = 2;
-constexpr int rowPadding = 8; ///< as in the tables
+constexpr int rowPadding = 8; ///< the same as in tables
 
-/// A button that is a picture and nothing else.
+/// True for a button that is only a picture.
 bool isFlat(const QStyleOption* option) {
     const auto* button = qstyleoption_cast<const QStyleOptionButton*>(option);
     return button != nullptr && button->features.testFlag(QStyleOptionButton::Flat);
 }
 
-/// How much the style's outlines, which are darker than the window, stand out from it.
+/// Returns the contrast of the style's outlines, which are darker than the window, to the window.
 double contrastOfEdges(const QPalette& palette) {
     constexpr int outline = 140; // percent
     const QColor window = palette.color(QPalette::Window);
     return contrast(window.darker(outline), window);
 }
 
-/// Whether the edges of what is drawn look like the window itself; those of fields and boxes, which are all
-/// that is seen of them, sooner than those of buttons.
+/// True when the edges can hardly be told from the window. The limit is stricter for fields and boxes, of
+/// which only the edges are visible, than for buttons.
 bool edgesVanish(const QPalette& palette, bool isButton) {
     constexpr double leastOfFields = 1.5;
     constexpr double leastOfButtons = 1.1;
@@ -51,7 +51,7 @@ void drawEdge(const QRect& rect, const QStyleOption& option, QPainter& painter) 
     painter.restore();
 }
 
-/// Is it a frame that holds what is typed or chosen?
+/// True for the frame of something that is typed into or chosen from.
 bool isField(QStyle::PrimitiveElement element) {
     return element == QStyle::PE_IndicatorCheckBox || element == QStyle::PE_FrameLineEdit ||
            element == QStyle::PE_Frame || element == QStyle::PE_FrameMenu;
@@ -63,7 +63,7 @@ PlainStyle::PlainStyle() : QProxyStyle(QString::fromLatin1(fusion)) {}
 
 void PlainStyle::polish(QPalette& palette) {
     QProxyStyle::polish(palette);
-    // Not every desktop has a colour for what stands in an empty field.
+    // Not every desktop has a colour for placeholders.
     for (const QPalette::ColorGroup group : {QPalette::Active, QPalette::Inactive}) {
         palette.setCurrentColorGroup(group);
         palette.setColor(group, QPalette::PlaceholderText, placeholderOn(palette));
@@ -75,7 +75,7 @@ int PlainStyle::pixelMetric(PixelMetric metric, const QStyleOption* option, cons
     switch (metric) {
     case PM_HeaderMargin:
         return cellMargin;
-    case PM_FocusFrameHMargin: // what stands beside a cell's text, less one
+    case PM_FocusFrameHMargin: // the margin beside a cell's text, minus one pixel
         return cellMargin - 1;
     default:
         return QProxyStyle::pixelMetric(metric, option, widget);
@@ -152,7 +152,7 @@ void PlainStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* opt
                                const QWidget* widget) const {
     QProxyStyle::drawPrimitive(element, option, painter, widget);
     const bool isButton = element == PE_PanelButtonCommand && !isFlat(option);
-    // A list with the cursor is told by its edge, as a field is by the style itself.
+    // A list with the focus is shown by its edge, as the style itself does for a field.
     const bool hasKeys = element == PE_Frame && option->state.testFlag(State_HasFocus);
     if (hasKeys || ((isButton || isField(element)) && edgesVanish(option->palette, isButton))) {
         drawEdge(option->rect, *option, *painter);
@@ -161,6 +161,6 @@ void PlainStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* opt
 
 void usePlainStyle() {
     if (QApplication::style()->name() == QLatin1String(fusion)) {
-        QApplication::setStyle(new PlainStyle); // the application owns it
+        QApplication::setStyle(new PlainStyle); // the application takes ownership
     }
 }

@@ -2,10 +2,10 @@
 
 #include <QProxyStyle>
 
-/// Qt's own style with more air: wider buttons, rows that stand apart, and texts that stand clear of the
-/// edges of their fields and cells. The menu that keys have reached stands out before it is opened. On a dark
-/// desktop, where that style's own edges can hardly be seen, fields and boxes have an outline, and on a black
-/// one buttons, too. Used where the desktop brings no style of its own.
+/// Qt's own style with more space: wider buttons, higher rows, and margins around the texts of fields and
+/// cells. A menu title that was reached with the keyboard is highlighted before the menu opens. With dark
+/// desktop colours, where that style's own edges are hardly visible, fields and boxes get an outline, and
+/// with black ones buttons, too. Used when the desktop has no style of its own.
 class PlainStyle : public QProxyStyle {
   public:
     PlainStyle();

@@ -7,7 +7,7 @@
 
 namespace {
 
-constexpr int longListLength = 14; ///< letters of a title that a pop-up with a long list has room for
+constexpr int longListLength = 14; ///< the width of a pop-up with a long list, in letters
 constexpr int mostWithoutSearch = 20;
 
 } // namespace
@@ -26,7 +26,7 @@ QVariant PopUpItems::data(const QModelIndex& index, int role) const {
 
 void PopUpItems::reload() {
     if (content_ == popUp_.content()) {
-        return; // as after every selection: a hundred thousand items are not to be looked at again
+        return; // only the selection changed: do not look at a hundred thousand items again
     }
     beginResetModel();
     content_ = popUp_.content();
@@ -38,11 +38,11 @@ PopUp::PopUp(NSPopUpButton& popUp, bool longList, RefreshQueue& queue)
     : popUp_(popUp), queue_(queue), items_(popUp) {
     if (longList) {
         auto* list = new QListView(this);
-        list->setUniformItemSizes(true); // else every item is measured
+        list->setUniformItemSizes(true); // otherwise Qt measures every item
         setView(list);
         setSizeAdjustPolicy(AdjustToMinimumContentsLengthWithIcon);
         setMinimumContentsLength(longListLength);
-        setIconSize(QSize(1, 1)); // there are no icons to leave room for
+        setIconSize(QSize(1, 1)); // leave no room for icons
     } else {
         setSizeAdjustPolicy(AdjustToContents);
     }

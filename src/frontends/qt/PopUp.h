@@ -20,29 +20,29 @@ class PopUpItems : public QAbstractListModel {
     [[nodiscard]] int rowCount(const QModelIndex& parent = {}) const override;
     [[nodiscard]] QVariant data(const QModelIndex& index, int role) const override;
 
-    /// The items may have changed.
+    /// Tells Qt that the items may have changed.
     void reload();
 
   private:
     NSPopUpButton& popUp_;
-    int rows_;              ///< as last reported to Qt
-    std::uint64_t content_; ///< the same
+    int rows_;              ///< the number last reported to Qt
+    std::uint64_t content_; ///< the content last reported to Qt
 };
 
-/// The widget of a pop-up menu. Choosing the item that is selected already counts as a choice; typing selects
-/// the item that begins with what is typed; the mouse wheel changes nothing, because a page is scrolled over
-/// it. A menu of many items opens as a list that is searched.
+/// The widget for a pop-up menu. Choosing the selected item again counts as a choice; typing selects the item
+/// that begins with the typed text; the mouse wheel does nothing, because it scrolls the page. A menu with
+/// many items opens as a searchable list.
 class PopUp : public QComboBox {
     Q_OBJECT
 
   public:
-    /// `longList`: the items may be many; they do not decide the width.
+    /// With `longList`, there may be many items, and they do not determine the width.
     PopUp(NSPopUpButton& popUp, bool longList, RefreshQueue& queue);
 
     void showPopup() override;
     void hidePopup() override;
 
-    /// The list that stands open, or would; of many items the one that is searched.
+    /// Returns the list that opens: for many items, the searchable one.
     [[nodiscard]] QWidget* list() const;
 
     [[nodiscard]] bool isOpen() const { return list()->isVisible(); }
@@ -57,5 +57,5 @@ class PopUp : public QComboBox {
     NSPopUpButton& popUp_;
     RefreshQueue& queue_;
     PopUpItems items_;
-    QPointer<SearchList> searched_; ///< closed ones go later
+    QPointer<SearchList> searched_; ///< a closed one is destroyed later
 };

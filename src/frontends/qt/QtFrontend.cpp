@@ -30,8 +30,8 @@ bool isSet(const char* variable) {
     return value != nullptr && *value != '\0';
 }
 
-/// The icon of the menu entry, for desktops that do not find the entry of a window; none where it is not
-/// installed.
+/// Returns the menu entry's icon, for desktops that cannot match a window to its menu entry; none when it is
+/// not installed.
 QIcon windowIcon() {
     QIcon icon;
     for (const int size : {16, 32, 48}) {
@@ -47,14 +47,14 @@ QIcon windowIcon() {
 } // namespace
 
 struct QtFrontend::Implementation {
-    // Before the application object, which picks its platform when it is made.
+    // Constructed before the application object, which picks its platform in its constructor.
     struct Platform {
         explicit Platform(Manner manner) {
             if (manner == Manner::Silent) {
                 if (!displayIsThere()) {
                     qputenv("QT_QPA_PLATFORM", "offscreen");
                 }
-                // The offscreen platform says of every window what it cannot do with it.
+                // The offscreen platform warns about every window.
                 QLoggingCategory::setFilterRules("default.warning=false");
             }
         }
@@ -72,8 +72,9 @@ struct QtFrontend::Implementation {
 
     ~Implementation() { presenter->closeAll(); }
 
-    /// Has Qt name its keys and the buttons of its file dialog in the language of our texts, which the
-    /// environment alone does not tell: we have fewer. Without Qt's own translations they are English.
+    /// Makes Qt name keys and the buttons of its file dialog in the language of our texts. The environment's
+    /// language alone is not enough, because we have fewer translations than Qt. Without Qt's own
+    /// translations these texts are English.
     void speakOneLanguage() {
         const std::string language = NSBundle::mainBundle().languageCode();
         if (translator.load(QStringLiteral("qtbase_") + QString::fromStdString(language),
@@ -125,8 +126,8 @@ void QtFrontend::useDoctor(accesscheck::Patient patient) {
 
 void QtFrontend::useListener(
     int descriptor, std::function<void(const std::function<void(const std::string& token)>& raise)> answer) {
-    auto* notifier =
-        new QSocketNotifier(descriptor, QSocketNotifier::Read, &implementation_->application); // its child
+    auto* notifier = new QSocketNotifier(descriptor, QSocketNotifier::Read,
+                                         &implementation_->application); // a child of the application object
     QObject::connect(notifier, &QSocketNotifier::activated, notifier, [this, answer = std::move(answer)] {
         answer([this](const std::string& token) { implementation_->presenter->bringToFront(token); });
     });
@@ -146,7 +147,7 @@ int QtFrontend::run(const std::function<void()>& launch) {
         }
     });
     const int status = QApplication::exec();
-    // Ended from outside (the session closes): the application still has to give up what it holds.
+    // When it was ended from outside (the session closes), the application must still terminate properly.
     NSApp().dispatch([] { NSApp().terminate(); });
     presenter.closeAll();
     return status;

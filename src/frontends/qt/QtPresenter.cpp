@@ -35,11 +35,11 @@ using platform::InterfaceNode;
 
 namespace {
 
-/// An action of many runs asks before each of them. One refusal may be a slip; a second one is meant for all
-/// that is left of the action.
+/// An action with many runs asks before each of them. One refusal may be a slip; a second one applies to the
+/// rest of the action.
 constexpr int refusalsThatHold = 2;
 
-/// An address without a scheme is that of a file that comes with Brindle.
+/// An address without a scheme names a file of Brindle's resources.
 QUrl urlOf(const std::string& address) {
     const QUrl url(shown(address));
     return url.isRelative()
@@ -92,10 +92,10 @@ AlertAnswer QtPresenter::runAlert(const platform::Alert& alert) {
         return harmlessAnswer(alert);
     }
     if (!activity_.stopOfEvent().empty() && !alert.alternateButton) {
-        return harmlessAnswer(alert); // it tells of what the user has stopped
+        return harmlessAnswer(alert); // the alert is about what the user has stopped
     }
     platform::Alert shownAlert = alert;
-    // "Please try again" alone helps nobody: what the tool said is the reason.
+    // "Please try again" alone does not help: add the tool's message as the reason.
     if (!alert.alternateButton && !isInformation(alert)) {
         if (const std::string why = activity_.takeReason(); !why.empty()) {
             shownAlert.message += "\n\n" + why;
@@ -130,7 +130,7 @@ AlertAnswer QtPresenter::askAboutMigration(const platform::Alert& alert) const {
     if (!plan.failure.empty()) {
         return askAlert(alert, parentForDialogs());
     }
-    if (!plan.blocks.empty()) { // it would cost the records that it cannot make again
+    if (!plan.blocks.empty()) { // it would delete records that it cannot make again
         showPlan(plan, parentForDialogs());
         return AlertAnswer::Alternate;
     }
@@ -145,7 +145,7 @@ AlertAnswer QtPresenter::askAboutMigration(const platform::Alert& alert) const {
 
 void QtPresenter::beginProgress(const std::string& operation, std::size_t runs) const {
     if (progress_ && asks()) {
-        progress_->begin(runs, RunProgress::stopsOf(operation));
+        progress_->begin(runs, review::stopsOf(operation));
     }
 }
 
@@ -178,10 +178,10 @@ bool QtPresenter::refusalHolds() const {
 
 void QtPresenter::beep() {
     activity_.beeped();
-    if (queue_ && !queue_->isInEvent()) { // a key that was refused
+    if (queue_ && !queue_->isInEvent()) { // a refused key
         activity_.endEvent();
     }
-    if (asks() && activity_.stopOfEvent().empty()) { // what was stopped need not be heard
+    if (asks() && activity_.stopOfEvent().empty()) { // no beep for what the user has stopped
         QApplication::beep();
     }
 }
@@ -240,7 +240,7 @@ void QtPresenter::interfaceDidLoad(Interface& interface) {
         }
         views_.push_back(
             std::make_unique<WindowView>(*node, menuBar, mainWidget_, animated, *actions_.back(), *queue_));
-        // For pictures a window is laid out and drawn as ever, but not where anybody is working.
+        // For pictures a window is laid out and drawn as usual, but not shown on the user's screen.
         views_.back()->widget().setAttribute(Qt::WA_DontShowOnScreen, manner_ == QtFrontend::Manner::Silent);
         if (window->kind() == NSWindowKind::Main && mainWidget_ == nullptr) {
             mainWidget_ = &views_.back()->widget();
@@ -291,7 +291,7 @@ void QtPresenter::useHistory(const review::History& history) {
             [changes](const std::string& operation) { changes->noteSaved(operation); });
         progress_->setStop([&history](bool madeStill) { history.stopAction(madeStill); });
         status_->useHistory(history, *menu, [changes, window](std::int64_t number) {
-            static_cast<void>(changes->takeBack(number, window)); // what came of it is shown
+            static_cast<void>(changes->takeBack(number, window)); // the result is shown to the user
         });
     }
 }
@@ -320,7 +320,7 @@ void QtPresenter::bringToFront(const std::string& token) {
         return;
     }
     if (!token.empty()) {
-        qputenv("XDG_ACTIVATION_TOKEN", QByteArray::fromStdString(token)); // Qt uses it up
+        qputenv("XDG_ACTIVATION_TOKEN", QByteArray::fromStdString(token)); // Qt uses it and removes it
     }
     mainWidget_->setWindowState(mainWidget_->windowState() & ~Qt::WindowMinimized);
     mainWidget_->raise();
@@ -354,7 +354,7 @@ void QtPresenter::applicationDidTerminate() {
 }
 
 void QtPresenter::editWasRefused(const NSTextField&, const std::string&) {
-    activity_.editWasRefused(); // the field's delegate beeps; the error text is for a script's reader
+    activity_.editWasRefused(); // the field's delegate beeps; the error text is for scripts
 }
 
 void QtPresenter::toolWillRun(const std::string& tool, std::span<const std::string> arguments) {

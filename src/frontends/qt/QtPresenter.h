@@ -16,9 +16,9 @@
 class WindowInquiries;
 class WindowReview;
 
-/// The presenter of the window front-end: renders the interfaces that are loaded, and asks, shows and beeps.
-/// Owned by the front-end and the host together; after closeAll, when Qt may be gone, every operation answers
-/// as if the user refused.
+/// The presenter of the window front-end: renders the loaded interfaces, and asks, shows and beeps. The
+/// front-end and the host share it. After closeAll, when Qt may be gone, every operation returns as if the
+/// user had refused.
 class QtPresenter : public platform::Presenter {
   public:
     explicit QtPresenter(QtFrontend::Manner manner);
@@ -39,24 +39,24 @@ class QtPresenter : public platform::Presenter {
     void toolWillRun(const std::string& tool, std::span<const std::string> arguments) override;
     void toolDidWrite(std::string_view output) override;
 
-    /// The interfaces that were loaded, in order.
+    /// The loaded interfaces, in the order of loading.
     [[nodiscard]] const std::vector<platform::Interface*>& interfaces() const { return interfaces_; }
 
-    /// The view of a window, or null.
+    /// Returns the view of a window, or null.
     [[nodiscard]] WindowView* viewOf(const NSWindow& window) const;
 
-    /// Gives the main window its side of the review.
+    /// Adds the review to the main window.
     void useReviewer(review::Reviewer& reviewer);
-    /// Gives it its history. After useReviewer.
+    /// Adds the history to it. Call it after useReviewer.
     void useHistory(const review::History& history);
-    /// Has it say where the shares are reached. After useReviewer.
+    /// Makes it say where the shares can be reached. Call it after useReviewer.
     void useServer(ShareServer server);
 
-    /// Gives it the menu "Check". After useReviewer.
+    /// Adds the menu "Check" to it. Call it after useReviewer.
     void useDoctor(accesscheck::Patient patient);
 
-    /// Brings the main window, and what is asked before it, to the front. `token` is the desktop's leave to
-    /// do so; it may be empty.
+    /// Brings the main window and its open dialogs to the front. `token` is the desktop's permission to do
+    /// so; it may be empty.
     void bringToFront(const std::string& token);
 
     /// The menu's dialogs; null before useDoctor.
@@ -64,18 +64,15 @@ class QtPresenter : public platform::Presenter {
 
     [[nodiscard]] RefreshQueue& queue() const { return *queue_; }
 
-    /// What shows that another program is waited for; null where nobody is asked anything. Owned here.
-    [[nodiscard]] std::shared_ptr<platform::Patience> patience() const { return patience_; }
-
-    /// As given to useReviewer; null before.
+    /// The reviewer given to useReviewer; null before.
     [[nodiscard]] const review::Reviewer* reviewer() const { return reviewer_; }
 
-    /// Takes all windows and timers down, for good.
+    /// Destroys all windows and timers, permanently.
     void closeAll();
 
   private:
     [[nodiscard]] QWidget* parentForDialogs() const;
-    /// Shows which records would be rewritten, and how, with the question.
+    /// Asks the question together with the plan of how records would be rewritten.
     [[nodiscard]] platform::AlertAnswer askAboutMigration(const platform::Alert& alert) const;
     [[nodiscard]] bool refusalHolds() const;
     void beginProgress(const std::string& operation, std::size_t runs) const;
@@ -89,21 +86,22 @@ class QtPresenter : public platform::Presenter {
     QtFrontend::Manner manner_;
     std::unique_ptr<RefreshQueue> queue_; ///< null after closeAll
     std::unique_ptr<FrameTimers> timers_;
-    std::shared_ptr<platform::Patience> patience_;
+    std::shared_ptr<platform::Patience>
+        patience_; ///< shows that another program is waited for; null where nobody is asked anything
     std::vector<platform::Interface*> interfaces_;
-    std::vector<std::unique_ptr<WindowActions>> actions_; ///< outlive the views; one an interface
-    std::optional<std::string> panelAnswer_;              ///< of the next open panel, which is not shown then
-    unsigned refusedIn_ = 0; ///< the user's event in which the administrator refused last
-    int refusals_ = 0;       ///< how often in that event
+    std::vector<std::unique_ptr<WindowActions>> actions_; ///< one per interface; outlive the views
+    std::optional<std::string> panelAnswer_; ///< the result of the next open panel, which is then not shown
+    unsigned refusedIn_ = 0;                 ///< the user's event in which the administrator refused last
+    int refusals_ = 0;                       ///< the number of refusals in that event
     std::vector<std::unique_ptr<WindowView>> views_; ///< the main window's first
     review::Reviewer* reviewer_ = nullptr;
     WindowReview* review_ = nullptr;       ///< the main window's child
-    WindowInquiries* inquiries_ = nullptr; ///< the same
+    WindowInquiries* inquiries_ = nullptr; ///< the main window's child
     QWidget* mainWidget_ = nullptr;
     Activity activity_;
-    std::shared_ptr<platform::Log> log_;       ///< the host's own; null while it is in place
-    std::shared_ptr<ActivityLog> activityLog_; ///< stands before it
-    std::unique_ptr<RunProgress> progress_;    ///< null where there is no reviewer
+    std::shared_ptr<platform::Log> log_;       ///< the host's own log while activityLog_ replaces it
+    std::shared_ptr<ActivityLog> activityLog_; ///< wraps log_
+    std::unique_ptr<RunProgress> progress_;    ///< null when there is no reviewer
     platform::Connection saved_;
-    WindowStatus* status_ = nullptr; ///< the main window's child; null where there is none
+    WindowStatus* status_ = nullptr; ///< the main window's child; null when there is none
 };

@@ -6,10 +6,11 @@
 
 #include <memory>
 
-/// The user is asked something: the cursor is theirs, and the time that they take is not the work's.
+/// Lives while the user is asked something: shows the normal cursor, and keeps the user's time out of the
+/// action's progress.
 class Question {
   public:
-    /// `progress` is kept; it may be null, or become so meanwhile.
+    /// Keeps a reference to `progress`, which may be null or become null meanwhile.
     explicit Question(const std::unique_ptr<RunProgress>& progress)
         : progress_(progress), isWaiting_(QApplication::overrideCursor() != nullptr) {
         if (isWaiting_) {

@@ -23,7 +23,7 @@ bool isA(const QWidget& widget) {
 
 class Reader {
   public:
-    /// Adds what stands in the widget, but not the widget itself.
+    /// Adds the contents of the widget, but not the widget itself.
     void read(const QWidget& widget);
 
     QList<QWidget*> widgets;
@@ -50,20 +50,20 @@ class Reader {
 
 void Reader::read(const QWidget& widget) {
     if (isA<QComboBox>(widget) || isA<QLineEdit>(widget) || isA<QTabBar>(widget) || isA<QMenuBar>(widget)) {
-        return; // their parts are their own
+        return; // controls handle the focus of their parts themselves
     }
     if (const auto* area = qobject_cast<const QScrollArea*>(&widget)) {
         add(area->widget());
         return;
     }
-    if (isA<QAbstractScrollArea>(widget)) { // of which the scroll bars and titles are its own, too
+    if (isA<QAbstractScrollArea>(widget)) { // handles its scroll bars and headers itself
         for (QObject* child : widget.children()) {
             add(dynamic_cast<EmptyNote*>(child));
         }
         return;
     }
     if (const auto* main = qobject_cast<const QMainWindow*>(&widget)) {
-        add(main->centralWidget()); // what stands around it comes after it
+        add(main->centralWidget()); // the bars around it come after it
     } else if (widget.layout() != nullptr && !isA<QStatusBar>(widget)) {
         read(*widget.layout());
     }
@@ -72,7 +72,7 @@ void Reader::read(const QWidget& widget) {
     }
 }
 
-/// Does Tab stop there, once it is in sight and in use?
+/// True when Tab stops at the widget while it is visible and enabled.
 bool isTabStop(const QWidget* widget) {
     return (widget->focusPolicy() & Qt::TabFocus) == Qt::TabFocus && widget->focusProxy() == nullptr;
 }

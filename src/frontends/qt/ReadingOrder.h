@@ -3,13 +3,13 @@
 #include <QList>
 #include <QWidget>
 
-/// The widgets in `top` from its beginning to its end as the eye goes: as its layouts hold them, hidden ones
-/// too. Of what stands within a control (a table's cells, a field's buttons) only the control.
+/// Returns the widgets in `top` in reading order, which is the order of its layouts, including hidden ones. A
+/// control's own parts (a table's cells, a field's buttons) are left out.
 [[nodiscard]] QList<QWidget*> widgetsAsRead(const QWidget& top);
 
-/// Has Tab go through the window in that order.
+/// Makes Tab go through the window in that order.
 void orderFocus(const QWidget& window);
 
-/// Puts the cursor where reading `part` begins: into its first table, field or other control that can be
-/// used. Nothing where there is none.
+/// Moves the focus to the first table, field or other control in `part` that can be used. Does nothing when
+/// there is none.
 void focusBeginningOf(const QWidget& part);

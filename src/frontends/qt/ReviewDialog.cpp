@@ -1,6 +1,7 @@
 #include "frontends/qt/ReviewDialog.h"
 
 #include "frontends/qt/Binding.h"
+#include "frontends/qt/DialogParts.h"
 #include "frontends/qt/Inks.h"
 #include "frontends/qt/ScreenRoom.h"
 #include "platform/foundation/NSBundle.h"
@@ -22,7 +23,7 @@ constexpr int scrollBarRoom = 20;
 constexpr int markSize = 32;
 constexpr int detailsHeight = 200;
 constexpr int mostRowsHeight = 360;
-constexpr int leastHeight = 80; // of each part, from which on it scrolls
+constexpr int leastHeight = 80; // of each part, in pixels; it scrolls when it has less room
 
 QLabel* paragraph(const QString& text) {
     auto* label = new QLabel(text);
@@ -41,7 +42,7 @@ QLabel* heading(const QString& text) {
     return label;
 }
 
-/// A list of sentences, each with a mark or number of its own. Names in them are shown verbatim.
+/// Makes a list of sentences, each with a bullet or number. Names in them are shown verbatim.
 QLabel* sentenceList(const std::vector<std::string>& sentences, const char* element) {
     QString html = QLatin1String("<style>li { margin-bottom: 4px; }</style><") + QLatin1String(element) +
                    QLatin1String(" style='margin: 0; -qt-list-indent: 1'>");
@@ -53,30 +54,23 @@ QLabel* sentenceList(const std::vector<std::string>& sentences, const char* elem
     return list;
 }
 
-/// What a person would type, and the lines of smb.conf that go and come.
+/// Returns the commands that a person would type, and the removed and added lines of smb.conf.
 QString detailsOf(const review::Plan& plan) {
     QString text;
     for (const review::PlannedRun& run : plan.runs) {
-        text += shown(run.tool);
-        for (const std::string& argument : run.arguments) {
-            text += QLatin1Char(' ') + shown(argument);
-        }
-        text += QLatin1Char('\n');
+        text += runLine(run.tool, run.arguments);
     }
     if (!plan.smbConfLines.empty()) {
         text += QLatin1String("\n/etc/smb.conf\n");
     }
-    for (const review::LineChange& line : plan.smbConfLines) {
-        const bool goes = line.kind == review::LineChange::Kind::Goes;
-        text += QLatin1String(goes ? "- " : "+ ") + shown(line.line) + QLatin1Char('\n');
-    }
+    text += changedLines(plan.smbConfLines);
     for (const review::SettingChange& setting : plan.afpSettings) {
         text += shown(setting.key + ": \"" + setting.before + "\" -> \"" + setting.after + "\"\n");
     }
     return text;
 }
 
-/// Asks for the height of what it holds, up to a limit from which on that scrolls.
+/// A scroll area that asks for the height of its contents up to a limit, and scrolls beyond it.
 class ContentsArea : public QScrollArea {
   public:
     [[nodiscard]] QSize sizeHint() const override {
@@ -93,7 +87,7 @@ class DetailsText : public QPlainTextEdit {
     }
 };
 
-/// The dialog; its buttons are the caller's.
+/// The dialog. The caller adds the buttons.
 class ReviewDialog : public QDialog {
   public:
     ReviewDialog(const review::Plan& plan, QWidget* parent, const std::optional<PlanQuestion>& question)
@@ -133,7 +127,7 @@ class ReviewDialog : public QDialog {
         return button;
     }
 
-    /// Makes it as high as what it shows, as far as the screen has room.
+    /// Makes it as high as its contents, as far as the screen has room.
     void fit() {
         layout_->activate();
         const int wide = isVisible() ? width() : dialogWidth;
@@ -189,13 +183,13 @@ class ReviewDialog : public QDialog {
         return row;
     }
 
-    /// As high as the contents, up to a limit from which on they scroll.
+    /// Makes an area as high as the contents up to a limit; beyond it they scroll.
     QScrollArea* scrolled(QWidget* contents) {
         auto* area = new ContentsArea;
         area->setAccessibleName(windowTitle());
         area->setFrameShape(QFrame::NoFrame);
         area->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-        // Laid out at this width once: wrapped labels in a resizable area ask for the height of a narrow one.
+        // Lay out once at this width: wrapped labels in a resizable area ask for the height of a narrow one.
         constexpr int width = dialogWidth - 2 * sideMargin - scrollBarRoom;
         const int height = contents->layout()->heightForWidth(width);
         contents->setFixedSize(width, height);

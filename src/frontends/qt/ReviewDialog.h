@@ -9,24 +9,24 @@
 class QDialog;
 class QWidget;
 
-/// What the dialog asks above the plan, and the titles of its buttons.
+/// The question that the dialog shows above the plan, and the titles of its buttons.
 struct PlanQuestion {
-    std::string title; ///< of the dialog
+    std::string title; ///< the dialog's title
     std::string text;
     std::string goOn;
-    std::string cancel; ///< the default
+    std::string cancel; ///< the default button
 };
 
-/// Asks whether an action is to be performed: its warnings, its steps in words, and under "Details" the
-/// commands and the lines of smb.conf that change. "Cancel" is the default. True for "Go On". With a question
-/// of its own the dialog asks that, too.
+/// Asks whether to perform an action. Shows its warnings, its steps in words, and under "Details" the
+/// commands and the changed lines of smb.conf. "Cancel" is the default. Returns true for "Go On". With a
+/// `question`, the dialog shows that as well.
 [[nodiscard]] bool askAboutPlan(const review::Plan& plan, QWidget* parent,
                                 const std::optional<PlanQuestion>& question = std::nullopt);
 
-/// The dialog of askAboutPlan, not on screen yet. For pictures.
+/// Makes the dialog of askAboutPlan without showing it. For pictures.
 [[nodiscard]] std::unique_ptr<QDialog>
 makePlanDialog(const review::Plan& plan, QWidget* parent,
                const std::optional<PlanQuestion>& question = std::nullopt);
 
-/// Shows the same of an action that is not performed, whatever it holds.
+/// Shows the plan of an action that is not going to be performed.
 void showPlan(const review::Plan& plan, QWidget* parent);

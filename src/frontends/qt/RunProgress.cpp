@@ -27,14 +27,14 @@ namespace {
 constexpr std::size_t fewRuns = 10;
 constexpr int moment = 400; // milliseconds
 constexpr int betweenLooks = 50;
-constexpr int deafFor = 500; // to the keyboard: the key was for the question before
+constexpr int deafFor = 500; // milliseconds: a key may have been meant for the question before
 constexpr int dialogWidth = 360;
 
 std::string numberText(std::size_t number) {
     return QLocale().toString(static_cast<qulonglong>(number)).toStdString();
 }
 
-/// The path of what the run is about; empty for servers.
+/// Returns the path of the object that the run is about; empty for servers.
 std::string objectOf(const std::string& tool, std::span<const std::string> arguments) {
     const std::size_t place = tool == systempath::nicl || tool == systempath::dscl ? 2 : 1;
     return tool == systempath::kill || arguments.size() <= place ? std::string() : arguments[place];
@@ -69,19 +69,9 @@ class RunProgress::Dialog : public QDialog {
     }
 
   private:
-    QElapsedTimer deaf_; ///< since when it is
+    QElapsedTimer deaf_; ///< since it began to ignore the keyboard
     bool canStop_;
 };
-
-RunProgress::Stops RunProgress::stopsOf(const std::string& operation) {
-    static constexpr std::array<std::string_view, 5> forMany = {
-        "enableAllPublicShares:", "disableAllPublicShares:", "deleteAllShares:", "addUserToGroup:",
-        "removeUserFromGroup:"};
-    if (operation == "updateSharesFor10pt2:") {
-        return Stops::AfterObject;
-    }
-    return std::ranges::find(forMany, operation) == forMany.end() ? Stops::Nowhere : Stops::AfterRun;
-}
 
 RunProgress::RunProgress(std::function<QWidget*()> parent, Activity& activity, RefreshQueue& queue)
     : parent_(std::move(parent)), activity_(activity), queue_(queue) {
@@ -90,7 +80,7 @@ RunProgress::RunProgress(std::function<QWidget*()> parent, Activity& activity, R
 
 RunProgress::~RunProgress() = default;
 
-void RunProgress::begin(std::size_t runs, Stops stops) {
+void RunProgress::begin(std::size_t runs, review::Stops stops) {
     runs_ = runs > fewRuns ? runs : 0;
     stops_ = stops;
     done_ = 0;
@@ -126,7 +116,7 @@ bool RunProgress::toolWillRun(const std::string& tool, std::span<const std::stri
     if (dialog_ == nullptr) {
         show();
     }
-    queue_.hold(true); // the action stands in its middle, and so do the lists
+    queue_.hold(true); // the action is unfinished, so the lists are too
     const std::size_t under = std::min(done_, runs_);
     text_->setText(
         shown(stringWithFormat(NSLocalizedString("%@ of %@"), numberText(under), numberText(runs_))));
@@ -138,7 +128,7 @@ bool RunProgress::toolWillRun(const std::string& tool, std::span<const std::stri
 }
 
 void RunProgress::show() {
-    const bool canStop = stop_ && stops_ != Stops::Nowhere;
+    const bool canStop = stop_ && stops_ != review::Stops::Nowhere;
     dialog_ = std::make_unique<Dialog>(parent_(), canStop);
     dialog_->setObjectName("progress");
     dialog_->setWindowTitle(localized("Making Changes"));
@@ -173,7 +163,7 @@ void RunProgress::stop() {
     if (runs_ == 0 || stopsSoon_) {
         return; // once is enough
     }
-    if (stops_ == Stops::AfterRun) {
+    if (stops_ == review::Stops::AfterRun) {
         stopNow(true);
     } else {
         stopsSoon_ = true;

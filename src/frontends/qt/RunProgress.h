@@ -2,6 +2,7 @@
 
 #include "frontends/qt/Activity.h"
 #include "frontends/qt/Binding.h"
+#include "review/Operations.h"
 
 #include <QElapsedTimer>
 
@@ -15,36 +16,27 @@ class QLabel;
 class QProgressBar;
 class QWidget;
 
-/// Says of an action with many runs how far it has come and what is under way. Only what takes longer than a
-/// moment is shown; the window is drawn meanwhile, and its input waits. What works on many objects has a
-/// button that ends it after one of them: half a share is worse than to wait.
+/// Shows how far an action with many runs has come, and what it is doing. It appears only when the action
+/// takes longer than a moment. Meanwhile the window is redrawn but takes no input. An action on many objects
+/// gets a button that stops it between two objects: leaving one half done would be worse than waiting.
 class RunProgress {
   public:
-    /// Where an action can be ended.
-    enum class Stops {
-        Nowhere,
-        AfterRun,   ///< each run is for an object of its own
-        AfterObject ///< several runs in a row are for one
-    };
-
-    /// Where the action of that operation can be.
-    [[nodiscard]] static Stops stopsOf(const std::string& operation);
-
-    /// `parent` says which widget the dialog stands over. The others are kept.
+    /// `parent` returns the widget to show the dialog over. `activity` and `queue` must outlive this object.
     RunProgress(std::function<QWidget*()> parent, Activity& activity, RefreshQueue& queue);
     ~RunProgress();
     RunProgress(const RunProgress&) = delete;
     RunProgress& operator=(const RunProgress&) = delete;
 
-    /// `stop` lets no further run of the action begin, but for the one that is announced where that is
-    /// `madeStill`; without it there is no such button.
+    /// Sets the function that lets no further run of the action begin. With `madeStill`, the run that was
+    /// just announced is still made. Without `stop` there is no button.
     void setStop(std::function<void(bool madeStill)> stop) { stop_ = std::move(stop); }
 
-    /// An action of that many runs is about to begin.
-    void begin(std::size_t runs, Stops stops);
-    /// A run of it begins. False: it is not made, because the user has stopped the action before.
+    /// Says that an action of that many runs is about to begin.
+    void begin(std::size_t runs, review::Stops stops);
+    /// Says that a run of it is about to begin. Returns false when the user has stopped the action: the run
+    /// is then not made.
     bool toolWillRun(const std::string& tool, std::span<const std::string> arguments);
-    /// The user was asked something on the way.
+    /// Says that the user was asked something during the action.
     void wasInterrupted();
 
   private:
@@ -63,12 +55,12 @@ class RunProgress {
     QLabel* text_ = nullptr;
     QLabel* subject_ = nullptr;
     QProgressBar* bar_ = nullptr;
-    QElapsedTimer sinceBegin_; ///< of the work: it is not the user who is waited for
+    QElapsedTimer sinceBegin_; ///< excludes the time spent waiting for the user
     QElapsedTimer sinceShown_;
-    std::size_t runs_ = 0; ///< of the action under way; 0: none that is worth it
-    std::size_t done_ = 0; ///< with the one that is announced
-    Stops stops_ = Stops::Nowhere;
-    std::string object_; ///< that the last run was for
+    std::size_t runs_ = 0; ///< of the current action; 0 when there is none that needs progress
+    std::size_t done_ = 0; ///< including the one that was announced
+    review::Stops stops_ = review::Stops::Nowhere;
+    std::string object_; ///< the object of the last run
     bool stopsSoon_ = false;
     bool isStopped_ = false;
     platform::Connection eventEnded_;

@@ -7,14 +7,14 @@
 
 namespace {
 
-constexpr int titleHeight = 36; // of a window's frame, by and large
-constexpr QSize handle(80, 20); ///< of the title, enough to move the window by
+constexpr int titleHeight = 36; // of a window's frame, approximately
+constexpr QSize handle(80, 20); ///< the part of the title that is enough to move the window with
 
 } // namespace
 
 QSize fittedToScreen(const QWidget& window, QSize wanted) {
     const QScreen* screen = window.screen();
-    // For pictures, no screen matters.
+    // Pictures are not limited by the screen.
     if (screen == nullptr || window.testAttribute(Qt::WA_DontShowOnScreen)) {
         return wanted;
     }
@@ -40,7 +40,7 @@ QRect placeInView(QRect place, const std::vector<QRect>& screens) {
         middle.moveCenter(screen.center());
         return middle;
     }
-    if (size != place.size()) { // it was made smaller, and has room somewhere
+    if (size != place.size()) { // it was made smaller, so it fits somewhere
         place.setSize(size);
         place.moveTo(std::clamp(place.x(), screen.x(), screen.x() + screen.width() - size.width()),
                      std::clamp(place.y(), screen.y(), screen.y() + screen.height() - size.height()));

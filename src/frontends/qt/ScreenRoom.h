@@ -7,10 +7,10 @@
 
 class QWidget;
 
-/// The size as far as the window's screen has room for it, with its frame.
+/// Returns the wanted size, limited so that the window and its frame fit on its screen.
 [[nodiscard]] QSize fittedToScreen(const QWidget& window, QSize wanted);
 
-/// Where a window that stood at `place` is shown on screens with these free areas, of which the first is the
-/// main one: where it stood as long as its title can be got hold of there, else in the middle of the main
-/// one; never larger than the screen.
+/// Returns where to show a window that was last at `place`, on screens with these free areas; the first one
+/// is the main screen's. It is the same place if its title can be reached there, else the middle of the main
+/// screen. The window is never larger than the screen.
 [[nodiscard]] QRect placeInView(QRect place, const std::vector<QRect>& screens);

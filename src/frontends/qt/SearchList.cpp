@@ -56,9 +56,9 @@ SearchList::SearchList(std::vector<std::string> titles, int selected, QWidget& m
     field_->setAccessibleName(field_->placeholderText());
     field_->setClearButtonEnabled(true);
     list_->setAccessibleName(menu.accessibleName());
-    list_->setUniformItemSizes(true); // else every item is measured
+    list_->setUniformItemSizes(true); // otherwise Qt measures every item
     list_->setEditTriggers(QListView::NoEditTriggers);
-    list_->setFocusPolicy(Qt::NoFocus); // the keys go to the field, and from there here
+    list_->setFocusPolicy(Qt::NoFocus); // keys go to the field, which forwards them
     list_->setModel(&titles_);
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(margin, margin, margin, margin);
@@ -98,7 +98,7 @@ void SearchList::open() {
 
 void SearchList::search(const QString& text) {
     titles_.search(text.toStdString());
-    // What Return takes: the first that was found.
+    // Return takes the current item: the first match.
     list_->setCurrentIndex(titles_.index(text.isEmpty() ? selected_ : 0, 0));
     list_->scrollTo(list_->currentIndex());
 }
@@ -134,7 +134,7 @@ bool SearchList::eventFilter(QObject* watched, QEvent* event) {
 }
 
 void SearchList::mousePressEvent(QMouseEvent* event) {
-    // A press on the menu itself closes the list, and is not to open it again.
+    // A press on the menu itself closes the list, and must not open it again.
     setAttribute(Qt::WA_NoMouseReplay,
                  menu_.rect().contains(menu_.mapFromGlobal(event->globalPosition().toPoint())));
     QFrame::mousePressEvent(event);

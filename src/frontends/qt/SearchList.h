@@ -11,7 +11,7 @@
 class QLineEdit;
 class QListView;
 
-/// Titles in their order, without those in which a word that is searched for does not occur.
+/// The titles that contain every word of the search, in their own order.
 class SearchedTitles : public QAbstractListModel {
   public:
     explicit SearchedTitles(std::vector<std::string> titles);
@@ -28,21 +28,20 @@ class SearchedTitles : public QAbstractListModel {
     TableRows rows_;
 };
 
-/// A long menu as it is opened: a field, and below it the items that hold what is typed there. Return or a
-/// click takes an item, Escape or a click elsewhere leaves everything as it is. Deletes itself when it is
-/// closed.
+/// The open list of a long menu: a field, and below it the items that match what is typed there. Return or a
+/// click chooses an item, Escape or a click elsewhere changes nothing. Deletes itself when it is closed.
 class SearchList : public QFrame {
     Q_OBJECT
 
   public:
-    /// `selected` is the number of the selected title, -1 for none. It opens below `menu`, whose child it
-    /// becomes, or above where there is more room.
+    /// `selected` is the index of the selected title, -1 for none. The list becomes a child of `menu`, and
+    /// opens below it, or above it when there is more room.
     SearchList(std::vector<std::string> titles, int selected, QWidget& menu);
 
     void open();
 
   Q_SIGNALS:
-    /// The user has taken the title of that number.
+    /// The user has chosen the title with that index.
     void chosen(int title);
 
   protected:

@@ -22,8 +22,8 @@ using review::Disconnection;
 
 constexpr int dialogWidth = 700;
 constexpr int dialogHeight = 420;
-constexpr int kindRole = Qt::UserRole;     ///< of what can be disconnected: a Disconnection
-constexpr int nameRole = Qt::UserRole + 1; ///< and the address or the share
+constexpr int kindRole = Qt::UserRole;     ///< the Disconnection that the row offers
+constexpr int nameRole = Qt::UserRole + 1; ///< the address or the share to disconnect
 
 QString timeText(std::int64_t time) {
     return time == 0 ? QString()
@@ -47,7 +47,7 @@ SessionsDialog::SessionsDialog(Server server, QWidget* parent) : QDialog(parent)
     summary_->setWordWrap(true);
     list_ = makeList("sessionsList", windowTitle(),
                      {localized("User"), localized("Computer"), localized("Since")}, 0);
-    list_->setRootIsDecorated(true); // a session opens to show its shares
+    list_->setRootIsDecorated(true); // a session can be expanded to show its shares
     auto* buttons = makeButtons(*this);
     auto* again = addButton(*buttons, localizedTitle("Look Again"));
     disconnect_ = addButton(*buttons, localizedTitle("Disconnect…"));

@@ -14,9 +14,9 @@ class QLabel;
 class QPushButton;
 class QTreeWidget;
 
-/// Who is connected to the SMB server: a row for each session, below it its shares and the files that it has
-/// open. "Disconnect" ends all connections of the session's computer, or, where a share is selected, all to
-/// that share, after asking.
+/// Shows who is connected to the SMB server: a row for each session, and below it its shares and open files.
+/// "Disconnect" ends, after asking, all connections of the session's computer, or all connections to the
+/// share if a share is selected.
 class SessionsDialog : public QDialog {
   public:
     struct Server {

@@ -10,7 +10,7 @@ std::string encoded(const std::string& name) {
     return QByteArray::fromStdString(name).toPercentEncoding().toStdString();
 }
 
-/// The same computer's AFP server, at its usual port.
+/// Returns the address of the same computer's AFP server, at its usual port.
 std::string afpAddress(const ShareServer& server) {
     return "afp://" + QUrl(QString::fromStdString(server.address)).host().toStdString() + "/";
 }
@@ -32,7 +32,7 @@ std::string addressOf(const ShareServer& server, NSTableView& shares, int row,
     if (server.address.empty()) {
         return {};
     }
-    // The table marks whatever folder is offered, under another name perhaps.
+    // The table marks every folder that is offered, perhaps under another name.
     const std::string name = valueOf(shares, "ShareName", row);
     if (valueOf(shares, "SMB", row) == "+" && (!hasSection || hasSection(name))) {
         return smbAddressOf(server, name);

@@ -5,22 +5,22 @@
 #include <functional>
 #include <string>
 
-/// Where the shares are reached.
+/// The server that offers the shares.
 struct ShareServer {
-    std::string address; ///< "smb://HOST:PORT/", empty where nothing serves them
-    std::string state;   ///< a sentence on it, or on why there is none; may be empty
+    std::string address; ///< "smb://HOST:PORT/", empty when nothing serves them
+    std::string state;   ///< a sentence about it, or about why there is none; may be empty
     bool hasFailed = false;
 };
 
-/// What the column says of the row; empty where there is no such column.
+/// Returns the row's value in the column; empty when there is no such column.
 [[nodiscard]] std::string valueOf(NSTableView& table, const char* identifier, int row);
 
-/// Where others reach the share of that name over SMB, percent-encoded as a file manager reads it. Empty
-/// where nothing serves it.
+/// Returns the SMB address of the share with that name, percent-encoded for a file manager. Empty when
+/// nothing serves it.
 [[nodiscard]] std::string smbAddressOf(const ShareServer& server, const std::string& share);
 
-/// Where others reach the share of that row, percent-encoded as a file manager reads it: over SMB, or over
-/// AFP where nothing else publishes it. Empty where nothing serves it. `hasSection` says whether smb.conf has
-/// a section of a name.
+/// Returns the address of the share in that row, percent-encoded for a file manager: over SMB, or over AFP if
+/// that alone publishes it. Empty when nothing serves it. `hasSection` says whether smb.conf has a section
+/// with a name.
 [[nodiscard]] std::string addressOf(const ShareServer& server, NSTableView& shares, int row,
                                     const std::function<bool(const std::string&)>& hasSection);

@@ -37,7 +37,7 @@ std::vector<Model*> modelsIn(const InterfaceNode& node) {
     return models;
 }
 
-/// The first node of the kind in the tree, or null.
+/// Returns the first node of the kind in the tree, or null.
 const InterfaceNode* firstOf(const InterfaceNode& tree, InterfaceKind kind) {
     const InterfaceNode* found = nullptr;
     visitNodes(tree, [&found, kind](const InterfaceNode& each) {
@@ -48,7 +48,7 @@ const InterfaceNode* firstOf(const InterfaceNode& tree, InterfaceKind kind) {
     return found;
 }
 
-/// "AFP" and "Log Files" as parts of a file's name: "afp", "log-files"; "passwordWindow" is "password".
+/// Makes a part of a file's name: "afp" of "AFP", "log-files" of "Log Files", "password" of "passwordWindow".
 QString fileName(const std::string& name) {
     QString text = shown(name);
     if (text.endsWith(QLatin1String("Window"))) {
@@ -65,13 +65,13 @@ QString fileName(const std::string& name) {
     return slug;
 }
 
-/// "1024x600" as a size; an invalid one where it is none.
+/// Reads a size such as "1024x600"; returns an invalid one for any other text.
 QSize sizeFrom(const QString& text) {
     const QStringList parts = text.split(QLatin1Char('x'));
     return parts.size() == 2 ? QSize(parts[0].toInt(), parts[1].toInt()) : QSize();
 }
 
-/// The colours of desktops, as far as Qt would derive others than those have.
+/// Returns a desktop's colours, including those that Qt would derive differently.
 QPalette desktopColours(const QColor& window, const QColor& base, const QColor& highlight,
                         const QColor& highlightedText) {
     QPalette palette(window);
@@ -85,8 +85,8 @@ QPalette desktopColours(const QColor& window, const QColor& base, const QColor& 
     return palette;
 }
 
-/// For looking at the window as it is elsewhere: the environment may ask for the main window's size, and for
-/// other colours than the desktop's.
+/// The environment may ask for a size of the main window and for other colours, to show the window as it
+/// looks on other desktops.
 Status followWishes(QtPresenter& presenter) {
     const QString colours = qEnvironmentVariable("BRINDLE_SNAPSHOT_COLORS");
     const QString text = qEnvironmentVariable("BRINDLE_SNAPSHOT_SIZE");
@@ -107,7 +107,7 @@ Status followWishes(QtPresenter& presenter) {
     if (view == nullptr || size.isEmpty()) {
         return Status::failure("this is no size", text.toStdString(), "write one like 1024x600");
     }
-    view->widget().setMaximumSize(size); // as on a screen so large
+    view->widget().setMaximumSize(size); // as on a screen of that size
     view->widget().resize(size);
     return {};
 }
@@ -119,7 +119,7 @@ class Photographer {
 
     void photograph(const InterfaceNode& interface);
 
-    /// The first failure.
+    /// The first failure, if there was one.
     [[nodiscard]] const Status& status() const { return status_; }
 
   private:
@@ -161,7 +161,7 @@ void Photographer::take(QWidget& widget, const QString& name) {
 }
 
 void Photographer::selectPage(const InterfaceNode& around, NSTabView& tabView, int page) {
-    // Where a pop-up offers the pages, it is used, so that the picture shows the page and its name together.
+    // If a pop-up selects the pages, use it, so that the picture shows the page with its name.
     for (NSPopUpButton* popUp : modelsIn<NSPopUpButton>(around)) {
         if (!tabView.showsTabs() && popUp->itemTitles() == tabView.labels()) {
             act([popUp, page] { popUp->performSelect(page); });
@@ -194,7 +194,7 @@ void Photographer::photographMain(const InterfaceNode& node) {
         return;
     }
     for (NSTableView* table : modelsIn<NSTableView>(node)) {
-        act([table] { table->selectRow(0); }); // an editor with something in it says more
+        act([table] { table->selectRow(0); }); // a filled editor shows more
     }
     auto& tabView = *modelOf<NSTabView>(*tabs);
     for (int page = 0; page < tabView.numberOfTabViewItems(); ++page) {
@@ -268,7 +268,7 @@ Status writeSnapshots(QtPresenter& presenter, const std::string& folder) {
         return Status::failure("cannot make the folder", folder, "choose one that you may write to");
     }
     Photographer photographer(presenter, shown(folder));
-    // An interface may load another: the About panel's stands at the end of the list then.
+    // An interface may load another one, which is appended to the list: the About panel's.
     for (std::size_t next = 0; next < presenter.interfaces().size() && photographer.status().isOk(); ++next) {
         photographer.photograph(presenter.interfaces()[next]->root());
     }

@@ -5,6 +5,6 @@
 
 #include <string>
 
-/// Writes a picture of every page of every loaded interface into `folder`, named after what it shows. Fails
+/// Writes a picture of every page of every loaded interface into `folder`, each named after its page. Fails
 /// at the first picture that cannot be written.
 [[nodiscard]] platform::Status writeSnapshots(QtPresenter& presenter, const std::string& folder);

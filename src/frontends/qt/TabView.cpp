@@ -33,7 +33,7 @@ TabView::TabView(NSTabView& tabView, std::vector<MakePage> pages, RefreshQueue& 
         inside->setContentsMargins(0, 0, 0, 0);
         stack_->addWidget(holder);
     }
-    if (bar_ == nullptr) { // without labels, a frame holds the page together
+    if (bar_ == nullptr) { // without a tab bar, draw a frame around the page
         stack_->setFrameStyle(static_cast<int>(QFrame::StyledPanel) | static_cast<int>(QFrame::Sunken));
     }
     layout->addWidget(stack_, 1);
@@ -59,15 +59,9 @@ void TabView::build(int page) {
     }
 }
 
-void TabView::buildAll() {
-    for (int page = 0; page < static_cast<int>(pages_.size()); ++page) {
-        build(page);
-    }
-}
-
 void TabView::showEvent(QShowEvent* event) {
     QWidget::showEvent(event);
-    // What is in view is painted first.
+    // Let the visible page be painted first.
     constexpr auto whenPainted = std::chrono::milliseconds(50);
     QTimer::singleShot(whenPainted, this, &TabView::buildNext);
 }

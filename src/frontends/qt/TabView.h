@@ -9,7 +9,7 @@
 #include <functional>
 #include <vector>
 
-/// The widget of a tab view: a bar of labels, unless another control picks the page, and the page. A page is
+/// The widget for a tab view: the page, and a tab bar unless another control selects the page. A page is
 /// built when it is first shown, or when the event loop is idle.
 class TabView : public QWidget {
     Q_OBJECT
@@ -19,10 +19,7 @@ class TabView : public QWidget {
 
     TabView(NSTabView& tabView, std::vector<MakePage> pages, RefreshQueue& queue);
 
-    /// Builds the pages that were not shown yet.
-    void buildAll();
-
-    /// The page in sight.
+    /// The visible page.
     [[nodiscard]] const QWidget& currentPage() const { return *stack_->currentWidget(); }
 
   protected:
@@ -35,7 +32,7 @@ class TabView : public QWidget {
 
     NSTabView& tabView_;
     RefreshQueue& queue_;
-    std::vector<MakePage> pages_; ///< empty functions for pages that are built
+    std::vector<MakePage> pages_; ///< empty functions for pages that are already built
     QTabBar* bar_ = nullptr;      ///< null when the tabs are hidden
     QStackedWidget* stack_;
 };

@@ -15,8 +15,8 @@ namespace {
 constexpr int tightest =
     80; ///< percent of their width to which columns shrink before the table scrolls sideways
 
-/// Has columns that are wider than they need give to those that are not wide enough: first to those that lack
-/// little, so that one long path does not keep every name short.
+/// Gives the spare width of columns that are wider than necessary to those that are too narrow, first to
+/// those that need little, so that one long path does not keep every name short.
 void evenOut(std::vector<int>& widths, const std::vector<int>& needs) {
     std::vector<std::size_t> narrow;
     int spare = 0;
@@ -36,14 +36,14 @@ void evenOut(std::vector<int>& widths, const std::vector<int>& needs) {
     }
     for (std::size_t column = 0; column < widths.size() && given > 0; ++column) {
         const int own = std::max(0, widths[column] - needs[column]);
-        widths[column] -= (own * given + spare - 1) / spare; // rounded so that no column ends out of sight
+        widths[column] -= (own * given + spare - 1) / spare; // round up: no column may end outside the view
     }
 }
 
 } // namespace
 
-// A table's columns: how they share the room, and what a user arranges in them: which are shown, in which
-// order and how wide, and which of them sorts the rows.
+// A table's columns: how they share the width, and what a user can arrange: which are shown, in which order,
+// how wide, and which one sorts the rows.
 
 void TableView::showColumnMenu(const QPoint& position) {
     QMenu menu;
@@ -57,7 +57,7 @@ void TableView::fillColumnMenu(QMenu& menu) {
             menu.addAction(title(table_.tableColumns()[static_cast<std::size_t>(section)].title));
         action->setCheckable(true);
         action->setChecked(!isColumnHidden(section));
-        // A table without a column could not be given one again: it would have no header to click.
+        // The last column cannot be hidden: without a header to click, none could be shown again.
         action->setEnabled(isColumnHidden(section) ||
                            horizontalHeader()->hiddenSectionCount() + 1 < model_.columnCount());
         connect(action, &QAction::toggled, this, [this, section](bool on) {
@@ -123,7 +123,7 @@ void TableView::restoreColumns() {
         const auto& columns = table_.tableColumns();
         const auto found = std::ranges::find(columns, parts.front(), &NSTableColumn::identifier);
         if (parts.size() != 4 || found == columns.end()) {
-            continue; // of another version
+            continue; // a column of another version
         }
         const int section = static_cast<int>(found - columns.begin());
         header->moveSection(header->visualIndex(section), place++);
@@ -139,7 +139,7 @@ void TableView::restoreColumns() {
         }
     }
     if (header->hiddenSectionCount() == header->count()) {
-        setColumnHidden(0, false); // its header is the way to the others
+        setColumnHidden(0, false); // its header is needed to show the others
     }
 }
 

@@ -49,7 +49,7 @@ QVariant TableModel::data(const QModelIndex& index, int role) const {
     const std::string value = table_.objectValue(column, rowAt(index.row()));
     if (isSpoken) {
         const QString spoken = spokenCellText(column, value);
-        if (index.column() == 0 && !remarkOf(index).isEmpty()) { // what the icon says, in words
+        if (index.column() == 0 && !remarkOf(index).isEmpty()) { // the icon's meaning in words
             return (spoken.isNull() ? cellText(column, value) : spoken) + " (" + localized("Warning") + ')';
         }
         return spoken.isNull() ? QVariant() : QVariant(spoken);
@@ -68,7 +68,7 @@ bool TableModel::lacksFolder(int row) const {
 }
 
 bool TableModel::looksForFolder(int row) const {
-    // A folder that nobody may use says no more in these columns than one that is gone.
+    // In these columns a folder without any rights would look like a missing one.
     const NSTableColumn* folder = nullptr;
     for (const NSTableColumn& column : table_.tableColumns()) {
         if (column.display == "privileges" && !table_.objectValue(column, row).empty()) {

@@ -16,8 +16,8 @@ bool isDigit(char letter) {
     return letter >= '0' && letter <= '9';
 }
 
-/// Appends the text so that comparing bytes compares numbers by their value: how long a number is stands
-/// before its digits.
+/// Appends the text so that comparing bytes compares numbers by value: the length of a number is put before
+/// its digits.
 void appendKey(std::string& keys, std::string_view text) {
     constexpr std::size_t longest = 255;
     for (std::size_t at = 0; at < text.size();) {
@@ -32,7 +32,7 @@ void appendKey(std::string& keys, std::string_view text) {
         while (end < text.size() && end - at < longest && isDigit(text[end])) {
             ++end;
         }
-        keys += '0'; // among other letters a number stands where digits do
+        keys += '0'; // numbers sort among other characters where digits do
         keys += static_cast<char>(end - at);
         keys += text.substr(at, end - at);
         at = end;
@@ -40,7 +40,7 @@ void appendKey(std::string& keys, std::string_view text) {
 }
 
 struct Key {
-    std::uint64_t beginning; ///< decides most comparisons
+    std::uint64_t beginning; ///< the first bytes of the key, which decide most comparisons
     std::string_view text;
     int row;
 };
@@ -99,7 +99,7 @@ void TableRows::setFilter(const std::string& text) {
         begin = end;
     }
     if (words_.empty()) {
-        setLength(length_); // lets go of the texts
+        setLength(length_); // frees the texts
     }
 }
 

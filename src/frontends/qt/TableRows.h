@@ -6,43 +6,41 @@
 #include <string_view>
 #include <vector>
 
-/// The text without what tells capital from small letters or a letter from the same one with an accent: what
-/// a search and an order go by.
+/// Returns the text without differences of case and accents, for searching and sorting.
 [[nodiscard]] std::string foldedText(std::string_view text);
 
-/// Which rows of a list a view shows, and in which order. The list's own row numbers stay what they are: a
-/// place is where a row stands in the view.
+/// Decides which rows of a list a view shows, and in which order. A "row" is a row number of the list, which
+/// never changes here; a "place" is a position in the view.
 class TableRows {
   public:
-    /// The text of a list's row in a column.
+    /// Returns the text of a list's row in a column.
     using CellText = std::function<std::string(int row, int column)>;
 
     TableRows(CellText text, int columns) : text_(std::move(text)), columns_(columns) {}
 
-    /// The list has been read again and has so many rows.
+    /// Says that the list was read again and now has that many rows.
     void setLength(int rows);
 
-    /// By the texts of that column, in which digits count as the numbers that they make; -1: the list's own
-    /// order.
+    /// Sorts by the texts of that column, comparing numbers in them by value; -1 for the list's own order.
     void setOrder(int column, bool isDescending);
 
-    /// Shows the rows in which each word of `text` occurs; all of them when there is none.
+    /// Shows only the rows that contain every word of `text`; all rows when it has no words.
     void setFilter(const std::string& text);
 
-    /// Leaves out the rows of which `test` says so; none: no row.
+    /// Leaves out the rows for which `test` returns true; an empty function leaves out none.
     void setLeftOut(std::function<bool(int row)> test) { isLeftOut_ = std::move(test); }
 
-    /// Works out the places anew. The rows `kept` are shown whatever else leaves them out.
+    /// Recomputes the places. The rows in `kept` are shown even if something else leaves them out.
     void arrange(const std::vector<int>& kept);
 
     [[nodiscard]] int count() const { return isPlain_ ? length_ : static_cast<int>(rows_.size()); }
 
-    /// The row at that place.
+    /// Returns the row at that place.
     [[nodiscard]] int rowAt(int place) const {
         return isPlain_ ? place : rows_[static_cast<std::size_t>(place)];
     }
 
-    /// Where the row stands; -1 when it is not shown.
+    /// Returns the place of the row; -1 when it is not shown.
     [[nodiscard]] int placeOf(int row) const {
         return isPlain_ ? row : places_[static_cast<std::size_t>(row)];
     }
@@ -61,10 +59,10 @@ class TableRows {
     bool isDescending_ = false;
     std::vector<std::string> words_;
     std::function<bool(int row)> isLeftOut_;
-    bool isPlain_ = true; ///< every row at its own number: neither vector below is filled
+    bool isPlain_ = true; ///< every row is at its own place: neither vector below is filled
     std::vector<int> rows_;
     std::vector<int> places_;
-    // What is searched while a filter stands: the folded texts of all rows one behind the other.
+    // While there is a filter: the folded texts of all rows, one after the other, and where each ends.
     std::string texts_;
     std::vector<std::size_t> ends_;
 };

@@ -9,8 +9,8 @@
 #include <QHeaderView>
 #include <QMenu>
 
-// What a user does with a table's rows beside selecting them: finding, copying, and asking for what acts on
-// them.
+// What a user does with a table's rows apart from selecting them: finding and copying them, and asking for
+// actions on them.
 
 void TableView::setFilter(const std::string& text) {
     filter_ = text;
@@ -29,7 +29,7 @@ void TableView::goOnInRows() {
 }
 
 void TableView::keyboardSearch(const QString& search) {
-    constexpr int pause = 1000; // milliseconds after which what is typed begins another name
+    constexpr int pause = 1000; // milliseconds after which typing begins a new name
     typed_ = typedWhen_.isValid() && !typedWhen_.hasExpired(pause) ? typed_ + search : search;
     typedWhen_.start();
     const std::string beginning = foldedText(typed_.toStdString());
@@ -38,7 +38,7 @@ void TableView::keyboardSearch(const QString& search) {
         nameColumn_ != nullptr
             ? *nameColumn_
             : table_.tableColumns()[static_cast<std::size_t>(std::max(0, currentIndex().column()))];
-    // The first letter looks behind the row that the cursor is on, further ones at it as well.
+    // The first letter searches after the current row; further letters include it.
     const int first = currentIndex().isValid() ? currentIndex().row() + (typed_ == search ? 1 : 0) : 0;
     for (int step = 0; step < rows; ++step) {
         const int place = (first + step) % rows;

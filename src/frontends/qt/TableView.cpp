@@ -20,7 +20,7 @@ namespace {
 constexpr int rowPadding = 8;
 constexpr int smallestColumn = 40;
 
-/// Leaves the ends of a path readable where it does not fit; of other texts, the beginning.
+/// Elides a path in its middle, so that both ends stay readable, and other texts at the end.
 class CellDelegate : public QStyledItemDelegate {
   public:
     using QStyledItemDelegate::QStyledItemDelegate;
@@ -32,7 +32,7 @@ class CellDelegate : public QStyledItemDelegate {
     }
 };
 
-/// The rows as ranges of the model, one for each run of neighbours.
+/// Returns the rows as ranges of the model, one for each run of adjacent rows.
 QItemSelection selectionOf(const TableModel& model, std::span<const int> selected) {
     std::vector<int> rows(selected.size());
     std::ranges::transform(selected, rows.begin(), [&model](int row) { return model.placeOf(row); });
@@ -92,7 +92,7 @@ TableView::TableView(NSTableView& table, const std::string& nameColumn, RefreshQ
 
 void TableView::setUpHeader() {
     const int height = fontMetrics().height() + rowPadding;
-    // Rows of one fixed height: a header that measured its rows would ask for every cell of a long table.
+    // Fixed row height: measuring rows would request every cell of a long table.
     verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
     verticalHeader()->setMinimumSectionSize(height);
     verticalHeader()->setDefaultSectionSize(height);
@@ -103,7 +103,7 @@ void TableView::setUpHeader() {
     header->setStretchLastSection(true);
     header->setContextMenuPolicy(Qt::CustomContextMenu);
     header->setSectionsMovable(true);
-    header->setSortIndicatorClearable(true); // a third click brings the list's own order back
+    header->setSortIndicatorClearable(true); // a third click restores the list's own order
     header->setSortIndicator(-1, Qt::AscendingOrder);
     header->setSectionsClickable(true);
     header->setSortIndicatorShown(true);
@@ -184,8 +184,8 @@ QString TableView::remarkOfRow(int row) {
 }
 
 void TableView::dropRenamedRows() {
-    // A sheet works on what was selected when it came up; whatever comes under the selection waits for its
-    // end.
+    // A sheet works on the row that was selected when it opened, so do not change the selection while it is
+    // open.
     if (nameColumn_ == nullptr || NSApp().attachedSheet() != nullptr) {
         return;
     }
@@ -205,7 +205,7 @@ void TableView::dropRenamedRows() {
 
 void TableView::loadSelection() {
     if (shownSelection_ == table_.selectedRows() || model_.length() != table_.numberOfRows()) {
-        return; // the second: a reload is waiting, which loads the selection as well
+        return; // in the latter case a reload is pending, which also loads the selection
     }
     shownSelection_ = table_.selectedRows();
     loading_ = true;

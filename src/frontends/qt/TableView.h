@@ -18,9 +18,9 @@ class QMenu;
 #include <utility>
 #include <vector>
 
-/// Shows a table's model. Cells are asked for when they are drawn and not kept, so the length of the table
-/// costs nothing until it is sorted or filtered. Qt's rows are places in the view; the table's own rows are
-/// what rowAt says.
+/// Shows a table's model. Cells are requested when they are drawn and not kept, so the length of the table
+/// costs nothing until it is sorted or filtered. Qt's rows are places in the view; rowAt returns the table's
+/// own rows.
 class TableModel : public QAbstractTableModel {
   public:
     explicit TableModel(NSTableView& table);
@@ -30,25 +30,25 @@ class TableModel : public QAbstractTableModel {
     [[nodiscard]] QVariant data(const QModelIndex& index, int role) const override;
     [[nodiscard]] QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
 
-    /// What a row is marked for, asked for rows that are drawn; an empty string means no mark.
+    /// Sets the function that returns a row's remark; empty for none. It is called for rows that are drawn.
     void setRemarkOfRow(std::function<QString(int row)> remark) { remarkOfRow_ = std::move(remark); }
 
-    /// The rows have changed. True when Qt has dropped its selection with the old ones.
+    /// Reloads the rows. Returns true when Qt has dropped its selection with the old rows.
     bool reload();
 
-    /// Sorts by the column; -1 is the order of the list.
+    /// Sorts by the column; -1 for the list's own order.
     void sort(int column, Qt::SortOrder order) override;
     void setFilter(const std::string& text);
-    /// Leaves out of view the rows that `test` names from now on; none: no row.
+    /// Hides the rows for which `test` returns true from now on; an empty function hides none.
     void setLeftOut(std::function<bool(int row)> test);
-    /// Has the selected rows in view, which a filter may not take. True when it had to rearrange.
+    /// Keeps the selected rows in view despite a filter. Returns true when it had to rearrange the rows.
     bool keepSelectedInView();
 
     [[nodiscard]] int rowAt(int place) const { return rows_.rowAt(place); }
 
     [[nodiscard]] int placeOf(int row) const { return rows_.placeOf(row); }
 
-    /// The number of the table's rows, as last reported to Qt.
+    /// The number of the table's rows last reported to Qt.
     [[nodiscard]] int length() const { return length_; }
 
   private:
@@ -58,57 +58,57 @@ class TableModel : public QAbstractTableModel {
     [[nodiscard]] bool looksForFolder(int row) const;
 
     NSTableView& table_;
-    mutable std::map<int, bool> lacksFolder_; ///< of rows that were looked at since the last reload
+    mutable std::map<int, bool> lacksFolder_; ///< for rows that were looked at since the last reload
     int length_;
     bool isArranged_ = false; ///< not in the list's own order, or not with all of its rows
     TableRows rows_;
     std::function<QString(int row)> remarkOfRow_;
 };
 
-/// The widget of a table: rows of one height, columns that use the room and that the header's menu shows and
-/// hides.
+/// The widget for a table: rows of equal height, and columns that fill the width and that the header's menu
+/// shows and hides.
 class TableView : public QTableView {
     Q_OBJECT
 
   public:
-    /// `nameColumn` is the identifier of the column that names a row: when other rows come under a selection,
-    /// it is removed. Empty: a selection stays where it is.
+    /// `nameColumn` is the identifier of the column that names a row: when a selected row gets another name,
+    /// the selection is cleared. If it is empty, selections stay at their rows.
     TableView(NSTableView& table, const std::string& nameColumn, RefreshQueue& queue);
 
-    /// Marks the rows of whose name `remark` has something to say, which their tool tips say; asked once a
-    /// name from now on, and again after each reload.
+    /// Marks the rows for which `remark` returns a text, and shows the text in their tool tips. It is called
+    /// once per name, and again after each reload.
     void setRemarks(std::function<std::string(const std::string& name, int row)> remark);
 
-    /// Shows the rows in which the words of `text` occur, and the selected ones, so that nobody acts on a row
-    /// that is out of sight.
+    /// Shows the rows that contain the words of `text`, and the selected rows, so that nobody acts on a
+    /// hidden row.
     void setFilter(const std::string& text);
-    /// Leaves rows out of view, but for selected ones: those whose name is among what `names` returns, which
-    /// is asked again after each reload.
+    /// Hides the rows with the names that `names` returns, except selected ones. It is called again after
+    /// each reload.
     void setLeftOut(std::function<std::set<std::string>()> names);
 
-    /// Asks it now.
+    /// Calls `names` again.
     void leaveOutAgain() { reloaded_->markDirty(); }
 
     [[nodiscard]] const std::string& filter() const { return filter_; }
 
-    /// Puts the cursor into the rows, on the first where none is selected.
+    /// Moves the focus to the rows, and selects the first one if none is selected.
     void goOnInRows();
 
-    /// The rows in view that are selected, column by column as they are shown, a line a row.
+    /// Returns the selected rows in view as text, with the columns as shown and one line per row.
     [[nodiscard]] QString textOfSelection() const;
 
-    /// Searches the rows for one that begins so, as if it had been typed.
+    /// Goes to the row that begins with the text, as if it had been typed.
     void keyboardSearch(const QString& search) override;
 
   Q_SIGNALS:
-    /// A user asks for the editor of the selected row, or for the row's deletion.
+    /// The user wants to edit, or to delete, the selected row.
     void editAsked();
     void deletionAsked();
-    /// The menu of a row is about to come up and takes further entries. `row` is the table's own.
+    /// The menu of a row is about to open and can be extended. `row` is the table's own row number.
     void menuAsked(QMenu& menu, int row);
 
   public:
-    /// Compares the selection with the rows again soon: a sheet that works on the selected row has gone.
+    /// Compares the selection with the rows again soon. For use when a sheet for the selected row has closed.
     void checkSelectionLater() { reloaded_->markDirty(); }
 
   protected:
@@ -126,9 +126,9 @@ class TableView : public QTableView {
     [[nodiscard]] std::string settingsKey() const;
     void setUpHeader();
     void shareWidth();
-    /// What the column's title needs.
+    /// Returns the width that the column's title needs.
     [[nodiscard]] int leastWidth(int section) const;
-    /// What that and the first rows in view need.
+    /// Returns the width that the title and the first rows in view need.
     [[nodiscard]] int neededWidth(int section) const;
     void showColumnMenu(const QPoint& position);
     void reload();
@@ -145,13 +145,13 @@ class TableView : public QTableView {
     Binding* reloaded_ = nullptr;
     std::function<std::set<std::string>()> namesLeftOut_;
     std::string filter_;
-    std::map<int, std::string> namesOfSelected_; ///< the selected rows and their names, as of the last look
+    std::map<int, std::string> namesOfSelected_; ///< the selected rows and their names at the last check
     std::function<std::string(const std::string&, int)> remark_;
-    std::map<std::string, QString> remarks_; ///< by row name, as of the last reload
-    std::vector<int> shownSelection_;        ///< the selection that the widget was given last, or gave
-    QTimer remembering_;                     ///< runs while the user arranges the columns
-    QString typed_;                          ///< what was typed to find a row
+    std::map<std::string, QString> remarks_; ///< by row name, since the last reload
+    std::vector<int> shownSelection_; ///< the selection last loaded into the widget, or last made in it
+    QTimer remembering_;              ///< runs while the user arranges the columns
+    QString typed_;                   ///< the text typed to find a row
     QElapsedTimer typedWhen_;
     bool loading_ = false;
-    bool widthsAreUsers_ = false; ///< the user has set a column's width: leave all of them alone
+    bool widthsAreUsers_ = false; ///< the user has set a column's width, so leave all of them alone
 };

@@ -27,7 +27,7 @@ Qt::Alignment alignmentOf(platform::TextAlignment alignment) {
 TextView::TextView(NSTextView& view, RefreshQueue& queue) : view_(view) {
     setReadOnly(true);
     setFrameShape(QFrame::NoFrame);
-    setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff); // it scrolls by itself, and by wheel and keys
+    setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff); // it scrolls by itself, and with the wheel and keys
     setTextInteractionFlags(Qt::TextBrowserInteraction);
     document()->setDocumentMargin(12);
     frame_.setSingleShot(true);
@@ -49,7 +49,7 @@ void TextView::load() {
         QTextCharFormat characters;
         characters.setFontWeight(run.bold ? QFont::Bold : QFont::Normal);
         characters.setFontItalic(run.italic);
-        // A point of the credits is one of the window's, which is a pixel before scaling.
+        // A point in the credits is a point of the window: one pixel before scaling.
         characters.setProperty(QTextFormat::FontPixelSize, static_cast<int>(run.size));
         QTextBlockFormat paragraph;
         paragraph.setAlignment(alignmentOf(run.alignment));
@@ -57,6 +57,6 @@ void TextView::load() {
         cursor.insertText(shown(run.text), characters);
         cursor.mergeBlockFormat(paragraph);
     }
-    moveCursor(QTextCursor::Start); // the widget's own cursor has gone along with the text
+    moveCursor(QTextCursor::Start); // inserting the text has moved the widget's cursor to the end
     verticalScrollBar()->setValue(static_cast<int>(view_.scrollPosition()));
 }

@@ -6,7 +6,8 @@
 #include <QTextEdit>
 #include <QTimer>
 
-/// The widget of a text view: styled text to read. However often the model scrolls, it follows once a frame.
+/// The widget for a text view: read-only styled text. However often the model scrolls, the widget follows
+/// once per frame.
 class TextView : public QTextEdit {
     Q_OBJECT
 

@@ -1,11 +1,9 @@
 #include "frontends/qt/UnsavedEdits.h"
 
 #include "frontends/qt/NodeAttributes.h"
-#include "platform/appkit/NSButton.h"
-#include "platform/appkit/NSMatrix.h"
-#include "platform/appkit/NSPopUpButton.h"
-#include "platform/appkit/NSTextField.h"
+#include "platform/appkit/NSControl.h"
 #include "platform/foundation/NSBundle.h"
+#include "review/Operations.h"
 
 #include <algorithm>
 #include <array>
@@ -15,7 +13,7 @@
 
 namespace {
 
-/// Such a control says what is shown, and nothing that is saved.
+/// True for a control that only determines what is shown, and is not saved.
 bool choosesView(std::string_view operation) {
     static constexpr std::array<std::string_view, 5> operations = {
         "updateUsersGroupsList:", "updateGroupsList:", "refreshGroupList:", "changeAFSPropsTabView:",
@@ -23,35 +21,14 @@ bool choosesView(std::string_view operation) {
     return std::ranges::find(operations, operation) != operations.end();
 }
 
-/// It writes all that stands on its page.
-bool savesForm(std::string_view operation) {
-    static constexpr std::array<std::string_view, 5> operations = {
-        "createShare:", "addNewUser:", "addNewGroup:", "updateAFSProperties:", "updateSMBProperties:"};
-    return std::ranges::find(operations, operation) != operations.end();
-}
-
-/// What of the control's content is a user's and would be saved; empty where nothing is.
+/// Returns the control's content that a user has entered and that would be saved; empty when there is none.
 std::string editOf(const platform::InterfaceNode& node) {
-    std::string edit;
-    if (const auto* matrix = modelOf<NSMatrix>(node)) {
-        for (int row = 0; row < matrix->numberOfRows(); ++row) {
-            for (int column = 0; column < matrix->numberOfColumns(); ++column) {
-                edit += matrix->isEditedAt(row, column) ? std::to_string(matrix->stateAt(row, column)) : "";
-            }
-        }
-        return edit;
-    }
     const auto* control = modelOf<NSControl>(node);
-    if (control == nullptr || !control->isEdited() || choosesView(control->action().operation)) {
-        return edit;
+    if (control == nullptr || choosesView(control->action().operation)) {
+        return {};
     }
-    const auto* field = modelOf<NSTextField>(node);
-    const auto* box = modelOf<NSButton>(node);
-    const auto* menu = modelOf<NSPopUpButton>(node);
-    return "=" + (field != nullptr  ? field->stringValue()
-                  : box != nullptr  ? std::to_string(box->state())
-                  : menu != nullptr ? std::to_string(menu->indexOfSelectedItem())
-                                    : std::string());
+    const auto edit = control->edit();
+    return edit ? "=" + *edit : "";
 }
 
 using Edits = std::map<const platform::Element*, std::string>;
@@ -66,7 +43,7 @@ Edits editsBelow(const platform::InterfaceNode& page) {
     return edits;
 }
 
-/// The main window's pages with their titles; the drawer is one.
+/// Returns the main window's pages, including the drawer, with their titles.
 std::vector<std::pair<const platform::InterfaceNode*, std::string>>
 pagesOf(const platform::Interface& interface) {
     std::vector<std::pair<const platform::InterfaceNode*, std::string>> pages;
@@ -97,7 +74,7 @@ UnsavedEdits::UnsavedEdits(WindowActions& actions, RefreshQueue& queue) : action
     eventEnded_ = queue.eventEnded.connect([this] { forgetReplaced(); });
 }
 
-/// What another row was loaded into says nothing of what is typed there next.
+/// When another row is loaded into an editor, forgets what was saved there.
 void UnsavedEdits::forgetReplaced() {
     if (!saved_.empty()) {
         const Edits edits = editsBelow(actions_.interface().root());
@@ -106,7 +83,8 @@ void UnsavedEdits::forgetReplaced() {
 }
 
 void UnsavedEdits::noteSaved(const std::string& operation) {
-    if (!savesForm(operation)) {
+    const review::WritingOperation* writing = review::findWritingOperation(operation);
+    if (writing == nullptr || !writing->savesPage) {
         return;
     }
     for (const auto& [page, title] : pagesOf(actions_.interface())) {

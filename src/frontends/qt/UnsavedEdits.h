@@ -6,23 +6,23 @@
 #include <map>
 #include <string>
 
-/// Knows what a user has changed in the main window and not saved. A control alone knows that it was changed,
-/// not that it was saved since.
+/// Knows what a user has changed in the main window and not saved. A control itself only knows that it was
+/// changed, not that it was saved since.
 class UnsavedEdits {
   public:
-    /// `actions` is kept.
+    /// `actions` must outlive this object.
     UnsavedEdits(WindowActions& actions, RefreshQueue& queue);
 
-    /// The operation has saved what stands on its page.
+    /// Says that the operation has saved its page.
     void noteSaved(const std::string& operation);
 
-    /// The titles of the pages with such changes; empty where there is none.
+    /// Returns the titles of the pages with unsaved changes; empty when there are none.
     [[nodiscard]] std::string pages() const;
 
   private:
     void forgetReplaced();
 
     WindowActions& actions_;
-    std::map<const platform::Element*, std::string> saved_; ///< what controls held when they were saved last
+    std::map<const platform::Element*, std::string> saved_; ///< contents when they were last saved
     platform::Connection eventEnded_;
 };

@@ -8,11 +8,12 @@
 #include <functional>
 #include <memory>
 
-/// Says on screen which program is waited for, with a button that ends the wait. Only what takes longer than
-/// a moment is shown, and nothing of the window is used or drawn meanwhile: an action stands in its middle.
+/// Shows which program Brindle is waiting for, with a button that ends the wait. It appears only when the
+/// wait takes longer than a moment. The window is neither used nor redrawn meanwhile, because an action is in
+/// progress.
 class WaitingDialog : public platform::Patience {
   public:
-    /// `parent` says which widget the dialog stands over. `queue` outlives this.
+    /// `parent` returns the widget to show the dialog over. `queue` must outlive this object.
     WaitingDialog(std::function<QWidget*()> parent, RefreshQueue& queue)
         : parent_(std::move(parent)), queue_(queue) {}
 

@@ -39,7 +39,7 @@ constexpr int spacing = 8;
 constexpr int partSpacing = 20;
 constexpr int indentStep = 20;
 
-/// Does the node take the room that is left beside it (`vertical`: below it)?
+/// True when the node takes the remaining room beside it, or, if `vertical`, below it.
 bool takesRoom(const InterfaceNode& node, bool vertical) {
     const Room room = widgetKind(node).room;
     if (number(node, "stretch") > 0 || room == Room::All || (!vertical && room == Room::Beside)) {
@@ -52,17 +52,17 @@ bool takesRoom(const InterfaceNode& node, bool vertical) {
     });
 }
 
-/// Does the node only lay out what it holds?
+/// True when the node only lays out its children.
 bool isLayout(const InterfaceNode& node) {
     return isOneOf(node, {Kind::Column, Kind::Row, Kind::Grid});
 }
 
-/// Does the row stay in sight below what scrolls?
+/// True for a row that stays visible below the scrolling contents.
 bool isFoot(const InterfaceNode& node) {
     return isYes(node, "foot");
 }
 
-/// Does the node only keep a cell of a grid?
+/// True when the node only fills a cell of a grid.
 bool isNothing(const InterfaceNode& node) {
     return node.kind == Kind::Label && node.attributes.empty();
 }
@@ -91,7 +91,7 @@ QWidget* WidgetBuilder::makePage(const InterfaceNode& node) {
 QWidget* WidgetBuilder::makeDrawer(const InterfaceNode& node, int windowWidth) {
     constexpr int usualWidth = 340;
     const int width = number(node, "width");
-    const int leastBeside = windowWidth * 5 / 6; // what a page can do with of the width that it was made for
+    const int leastBeside = windowWidth * 5 / 6; // a page is still usable at this width
     const InterfaceNode& contents = *node.children.at(0);
     const auto foot =
         std::ranges::find_if(contents.children, [](const auto& child) { return isFoot(*child); });
@@ -143,7 +143,7 @@ QWidget* WidgetBuilder::makeTable(const InterfaceNode& node) {
         actions_.showNothingForMissingNumbers(*table);
     });
     if (!node.attribute("empty").empty()) {
-        new EmptyNote(node, *view, actions_, queue_); // the view's child
+        new EmptyNote(node, *view, actions_, queue_); // a child of the view
     }
     view->setObjectName(shown(table->name()));
     actions_.tableMade.emit(*view);
@@ -159,10 +159,10 @@ QWidget* WidgetBuilder::makeBox(const InterfaceNode& node) {
 }
 
 QWidget* WidgetBuilder::makeLabel(const InterfaceNode& node) {
-    // The label of a field has a letter that leads there, for which "&" would stand.
+    // Only the label of a field has a mnemonic, so only there "&" has to be escaped.
     auto* label = new QLabel(node.attribute("for").empty() ? shown(node.attribute("text"))
                                                            : title(node.attribute("text")));
-    label->setTextFormat(Qt::PlainText); // what it shows may come from a file or an account's name
+    label->setTextFormat(Qt::PlainText); // its text may come from a file or an account's name
     const std::string& style = node.attribute("style");
     QFont font = label->font();
     if (style == "heading") {
@@ -172,26 +172,26 @@ QWidget* WidgetBuilder::makeLabel(const InterfaceNode& node) {
         font.setPointSizeF(font.pointSizeF() * 0.9);
         useInk(*label, Ink::Note);
         label->setWordWrap(true);
-        QSizePolicy besideControls(QSizePolicy::Ignored, QSizePolicy::Preferred); // which decide the width
+        QSizePolicy besideControls(QSizePolicy::Ignored, QSizePolicy::Preferred); // controls set the width
         besideControls.setHeightForWidth(true);
         label->setSizePolicy(besideControls);
     } else if (style == "warning") {
         useInk(*label, Ink::Warning);
         label->setWordWrap(true);
     } else {
-        label->setContentsMargins(0, 1, 0, 1); // some fonts draw the dots of a capital above their own height
+        label->setContentsMargins(0, 1, 0, 1); // some fonts draw dots of capitals above their height
     }
     label->setFont(font);
     if (auto* field = modelOf<NSTextField>(node)) {
         if (style == "warning") {
-            label->setTextInteractionFlags(Qt::TextSelectableByMouse); // worth quoting in a report
+            label->setTextInteractionFlags(Qt::TextSelectableByMouse); // may be quoted in a report
         }
         const bool goesWhenEmpty = style == "note" || style == "warning";
         new Binding(label, queue_, field->changed, [label, field, goesWhenEmpty] {
             label->setText(shown(field->stringValue()));
             const bool isEmpty = field->stringValue().empty();
             if (goesWhenEmpty && (isEmpty || label->parentWidget() != nullptr)) {
-                label->setVisible(!isEmpty); // not before it stands in a window: it would become one
+                label->setVisible(!isEmpty); // only with a parent: without one it would become a window
             }
         });
     }
@@ -202,7 +202,7 @@ QWidget* WidgetBuilder::makeLabel(const InterfaceNode& node) {
     if (const std::string& when = node.attribute("when"); !when.empty()) {
         const auto follow = [this, label, &node] {
             const bool holds = isShown(node, actions_);
-            if (!holds || label->parentWidget() != nullptr) { // as above
+            if (!holds || label->parentWidget() != nullptr) { // as for the label above
                 label->setVisible(holds);
             }
         };
@@ -258,7 +258,7 @@ QWidget* WidgetBuilder::makeTabView(const InterfaceNode& node) {
         const InterfaceNode& inside = *tab->children.at(0);
         pages.push_back([this, &inside, framed] {
             QWidget* page = makePage(inside);
-            if (!framed) { // stands directly in the window, and lines up with what is around it
+            if (!framed) { // directly in the window: align it with its surroundings
                 page->layout()->setContentsMargins(0, boxMargin, 0, 0);
             }
             return page;
@@ -285,7 +285,7 @@ QWidget* WidgetBuilder::makeLayoutWidget(const InterfaceNode& node) {
 }
 
 void WidgetBuilder::fillBox(QBoxLayout& layout, const InterfaceNode& node) {
-    // Columns side by side are parts of a page, and want more between them than controls of a row.
+    // Columns side by side are parts of a page, and need more space between them than the controls of a row.
     const bool holdsParts =
         node.kind == Kind::Row && std::any_of(node.children.begin(), node.children.end(),
                                               [](const auto& child) { return child->kind == Kind::Column; });
@@ -294,7 +294,7 @@ void WidgetBuilder::fillBox(QBoxLayout& layout, const InterfaceNode& node) {
     const bool vertical = node.kind != Kind::Row;
     for (const auto& child : node.children) {
         if (isFoot(*child)) {
-            continue; // made by the drawer
+            continue; // made with the drawer
         }
         addTo(layout, *child);
         roomIsTaken = roomIsTaken || child->kind == Kind::Spacer || takesRoom(*child, vertical);
@@ -317,7 +317,7 @@ void WidgetBuilder::addTo(QBoxLayout& layout, const InterfaceNode& node) {
         layout.addWidget(filter);
     }
     const bool isRow = layout.direction() == QBoxLayout::LeftToRight;
-    // A control keeps its own width in a column: a button as wide as the window is hard to look at.
+    // A control keeps its own width in a column: a button as wide as the window looks wrong.
     const bool keepsWidth = !isRow && !takesRoom(node, false) && widgetKind(node).room < Room::Offered;
     const bool isIndented = number(node, "indent") > 0;
     if (!isRow && isIndented) {
@@ -352,12 +352,12 @@ void WidgetBuilder::fillGrid(QGridLayout& layout, const InterfaceNode& node) {
         }
         if (child.kind != Kind::Spacer && !isNothing(child)) {
             QWidget* widget = make(child);
-            if (besideHigh) { // its line is the first one's
+            if (besideHigh) { // align it with the first line
                 const int line = QCheckBox(QStringLiteral("X")).sizeHint().height();
                 widget->setContentsMargins(0, (line - widget->fontMetrics().height()) / 2, 0, 0);
             }
             layout.addWidget(widget, 2 * (cell / columns), column, alignment);
-            if (QLabel* note = makeProblemNote(*widget)) { // in the row below, which takes no room until then
+            if (QLabel* note = makeProblemNote(*widget)) { // in the row below, empty while the note is hidden
                 layout.addWidget(note, 2 * (cell / columns) + 1, column);
             }
         }

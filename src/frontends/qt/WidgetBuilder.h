@@ -15,23 +15,23 @@
 class QGridLayout;
 class QBoxLayout;
 
-/// Makes the widgets of one window from the nodes of an interface file. Lives as long as the window, because
-/// the pages of tab views are made later.
+/// Makes the widgets of one window from the nodes of an interface file. It lives as long as the window,
+/// because the pages of tab views are made later.
 class WidgetBuilder {
   public:
-    /// `animated`: drawers slide. The others are kept.
+    /// With `animated`, drawers slide. `actions` and `queue` must outlive this object.
     WidgetBuilder(WindowActions& actions, RefreshQueue& queue, bool animated)
         : actions_(actions), queue_(queue), animated_(animated) {}
 
-    /// The widget of a layout node (column, row, grid, box) or of a control, which becomes the caller's.
+    /// Makes the widget for a layout node (column, row, grid, box) or for a control. The caller owns it.
     [[nodiscard]] QWidget* make(const platform::InterfaceNode& node);
-    /// A layout node as a page of its own, with margins.
+    /// Makes a layout node into a page with margins.
     [[nodiscard]] QWidget* makePage(const platform::InterfaceNode& node);
-    /// The drawer's widget, in a window that was designed to be so wide.
+    /// Makes the drawer's widget, for a window that was designed for that width.
     [[nodiscard]] QWidget* makeDrawer(const platform::InterfaceNode& node, int windowWidth);
 
   private:
-    friend struct WidgetKinds; // which names what makes each kind
+    friend struct WidgetKinds; // names the function that makes each kind
 
     [[nodiscard]] QWidget* makeKind(const platform::InterfaceNode& node);
     [[nodiscard]] QWidget* makeBox(const platform::InterfaceNode& node);

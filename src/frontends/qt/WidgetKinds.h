@@ -2,27 +2,27 @@
 
 #include "frontends/qt/WidgetBuilder.h"
 
-/// What a widget does with the room that its layout has for it.
+/// How a widget uses the room in its layout.
 enum class Room {
-    Own,           ///< keeps its own width: a button as wide as the window is hard to look at
-    OfferedInGrid, ///< the same, but as wide as its column in a grid
-    Offered,       ///< is as wide as what it stands in
-    Beside,        ///< takes all that is left beside it
-    All            ///< and below it
+    Own,           ///< keeps its own width: a button as wide as the window looks wrong
+    OfferedInGrid, ///< the same, but is as wide as its column in a grid
+    Offered,       ///< is as wide as its parent
+    Beside,        ///< takes the remaining room beside it
+    All            ///< takes the remaining room beside and below it
 };
 
 /// How the window shows one kind of element.
 struct WidgetKind {
     platform::InterfaceKind kind;
     QWidget* (WidgetBuilder::*make)(const platform::InterfaceNode& node) =
-        nullptr; ///< null: no widget of its own
+        nullptr; ///< null when it has no widget of its own
     Room room = Room::Own;
-    bool (*isHigh)(const platform::InterfaceNode& node) = nullptr; ///< see isHigh; null: never
+    bool (*isHigh)(const platform::InterfaceNode& node) = nullptr; ///< see isHigh(); null for never
 };
 
-/// The node's line in the table of the kinds that stand in a layout (WidgetKinds.cpp); for others one that
-/// says nothing.
+/// Returns the node's entry in the table of kinds for layouts (WidgetKinds.cpp); an empty entry for other
+/// kinds.
 [[nodiscard]] const WidgetKind& widgetKind(const platform::InterfaceNode& node);
 
-/// Does a label beside the node stand at its top?
+/// True when a label beside the node must be aligned with its top.
 [[nodiscard]] bool isHigh(const platform::InterfaceNode& node);

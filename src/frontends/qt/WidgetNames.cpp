@@ -3,7 +3,7 @@
 #include "frontends/qt/WidgetBuilder.h"
 #include "platform/appkit/NSTextField.h"
 
-// What is said of a widget, and what it is called: by programs, by the label beside it, by a screen reader.
+// What a widget is called: by programs, by the label beside it and by a screen reader.
 
 void WidgetBuilder::makeBuddies(QLabel& label, QWidget& widget) {
     label.setBuddy(&widget);

@@ -15,7 +15,7 @@ namespace {
 constexpr const char* settingKey = "BrindleShowSystemAccounts";
 constexpr const char* userTable = "userTableView";
 constexpr const char* groupTable = "groupTableView";
-constexpr const char* memberTable = "groupUsersTableView"; // the users whom a group may be given
+constexpr const char* memberTable = "groupUsersTableView"; // the users that can be added to a group
 constexpr const char* groupPagesBox = "showSystemUsersGroups3";
 
 } // namespace
@@ -47,7 +47,7 @@ void WindowAccounts::addMenu() {
 }
 
 bool WindowAccounts::showsAll(const std::string& table) const {
-    // The page of the groups has a box of its own that asks for them.
+    // The page of the groups has its own box for showing them.
     const auto* box = table == userTable ? nullptr : actions_.find<NSButton>(groupPagesBox);
     return show_->isChecked() || (box != nullptr && box->state() == NSOnState);
 }

@@ -9,11 +9,11 @@
 class QAction;
 class TableView;
 
-/// Keeps the accounts that the computer has for its own programs out of the lists' view, unless the user
-/// wants to see them, which is remembered. A child of the main window's widget.
+/// Hides the accounts that the computer has for its own programs in the lists, unless the user wants to see
+/// them. The choice is remembered. A child of the main window's widget.
 class WindowAccounts : public QObject {
   public:
-    /// All but `window`, whose child it becomes, are kept.
+    /// Becomes a child of `window`. The other arguments must outlive this object.
     WindowAccounts(const platform::Computer& computer, WindowActions& actions, QMainWindow& window);
 
   private:

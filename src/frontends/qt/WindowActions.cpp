@@ -22,7 +22,7 @@ using platform::InterfaceNode;
 
 namespace {
 
-/// The node of `element` in the tree, or null.
+/// Returns the node of `element` in the tree, or null.
 const InterfaceNode* nodeOf(const InterfaceNode& tree, const platform::Element* element) {
     const InterfaceNode* found = nullptr;
     visitNodes(tree, [&found, element](const InterfaceNode& each) {
@@ -31,7 +31,7 @@ const InterfaceNode* nodeOf(const InterfaceNode& tree, const platform::Element* 
     return found;
 }
 
-/// Without the dots that say that a question comes.
+/// Returns the button's title without the dots that announce a question.
 std::string titleOf(const InterfaceNode& node) {
     static constexpr std::string_view dots = "…";
     static constexpr std::string_view gap = "\u00A0"; // before the dots in some languages
@@ -69,7 +69,7 @@ void WindowActions::use(const InterfaceNode& node) {
         return;
     }
     dispatchUserEvent(queue_, [this, &node] {
-        // What cannot be used is not asked about; and what stands beside it is picked by a slip of the hand.
+        // Ask nothing for a disabled control.
         const std::string question = textAbout(node, "confirm");
         const auto* control = modelOf<NSControl>(node);
         if (!question.empty() && control != nullptr && control->isEnabled()) {
@@ -109,7 +109,7 @@ void WindowActions::addButtonsOf(const std::string& table, QMenu& menu) {
         if (button != nullptr && (role == "edit" || role == "delete") && each.attribute("reverts") == table) {
             QAction* entry = menu.addAction(::title(button->title()), [this, &each] { use(each); });
             entry->setEnabled(button->isEnabled());
-            // It is the table that takes the key.
+            // Only shown: the table handles the key.
             entry->setShortcut(role == "edit" ? Qt::Key_Return : Qt::Key_Delete);
             entry->setShortcutContext(Qt::WidgetShortcut);
         }
@@ -120,7 +120,7 @@ void WindowActions::addButtonsOf(const std::string& table, QMenu& menu) {
 }
 
 bool WindowActions::passesChecks(const InterfaceNode& node) const {
-    // The page with the button; the pages that a menu picks stand in it.
+    // The outer page with the button; pages that a pop-up selects are inside it.
     const InterfaceNode* page = nullptr;
     visitNodes(interface_.root(), [&](const InterfaceNode& each) {
         if (each.kind == platform::InterfaceKind::Tab && nodeOf(each, node.element.get()) != nullptr) {
@@ -174,7 +174,7 @@ void WindowActions::fieldWasLeft(const InterfaceNode& node) {
         return;
     }
     const std::string path = field->stringValue();
-    std::error_code ignored; // a folder that cannot be looked at is none that can be chosen
+    std::error_code ignored; // a folder that cannot be looked at cannot be chosen
     if (!path.starts_with('/') || !std::filesystem::is_directory(path, ignored)) {
         return;
     }
@@ -235,7 +235,7 @@ void WindowActions::cancelSheet() const {
         return;
     }
     NSApp().cancelSheet(sheet);
-    // What was typed is gone, and so is what was said about it.
+    // What was typed is gone, so what was said about it must go too.
     visitNodes(*node, [](const InterfaceNode& each) {
         auto* field = modelOf<NSTextField>(each);
         if (field != nullptr && (field->isSecure() || each.attribute("style") == "warning")) {

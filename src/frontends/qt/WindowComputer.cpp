@@ -13,7 +13,7 @@
 
 namespace {
 
-constexpr int milliseconds = 3000; // a server starts and ends by itself
+constexpr int milliseconds = 3000; // how often to look: a server may start or end at any time
 constexpr int afpPage = 3;
 constexpr const char* userTable = "userTableView";
 constexpr const char* sharedColumn = "Public Shared";
@@ -33,7 +33,7 @@ WindowComputer::WindowComputer(const platform::Computer& computer, NSTabView& ta
     connect(start_, &QPushButton::clicked, this, [this] { control(Change::Start); });
     connect(atBoot_, &QPushButton::clicked, this, [this] { control(Change::StartAtBoot); });
     QStatusBar* bar = window.statusBar();
-    bar->addPermanentWidget(state_); // what was done stands at its left
+    bar->addPermanentWidget(state_); // the last action is reported at its left
     bar->addPermanentWidget(start_);
     bar->addPermanentWidget(atBoot_);
     new Binding(state_, queue, tabs.changed, [this] { showState(); });
@@ -44,7 +44,7 @@ WindowComputer::WindowComputer(const platform::Computer& computer, NSTabView& ta
 }
 
 void WindowComputer::markUsers() {
-    // The page of the users is built when it is shown first.
+    // The page of the users is built when it is first shown.
     auto* table = marked_ ? nullptr : window_.findChild<TableView*>(userTable);
     const auto& columns = users_.tableColumns();
     const auto shared = std::ranges::find(columns, sharedColumn, &NSTableColumn::identifier);

@@ -11,13 +11,12 @@
 class ElidedLabel;
 class QPushButton;
 
-/// What the window says of the computer itself, in a line at its foot: whether the SMB server runs, since
-/// when and where it listens, and what is not installed; with it buttons that start the server, now or with
-/// the computer. While the AFP page is shown, it is about the AFP server. A child of the main window's
-/// widget.
+/// The line at the window's foot about the computer itself: whether the SMB server runs, since when and where
+/// it listens, and what is not installed, with buttons that start the server now or with the computer. While
+/// the AFP page is shown, the line is about the AFP server. A child of the main window's widget.
 class WindowComputer : public QObject {
   public:
-    /// All but `window`, whose child it becomes, are kept.
+    /// Becomes a child of `window`. The other arguments must outlive this object.
     WindowComputer(const platform::Computer& computer, NSTabView& tabs, NSTableView& users,
                    QMainWindow& window, RefreshQueue& queue);
 

@@ -16,7 +16,7 @@ QString draggedFolder(const QMimeData& data) {
     const QList<QUrl> urls = data.urls();
     const QString path = urls.size() == 1 ? urls.constFirst().toLocalFile() : QString();
     const QFileInfo info(path);
-    // Without the slash at its end, which would make it another folder to a settings file.
+    // Remove a slash at the end, which would make it a different folder in a settings file.
     return !path.isEmpty() && info.isDir() ? QDir::cleanPath(info.absoluteFilePath()) : QString();
 }
 
@@ -37,7 +37,7 @@ bool WindowDrop::eventFilter(QObject* watched, QEvent* event) {
         drop->ignore();
         return true;
     }
-    // Whoever dragged it keeps it: nothing is moved.
+    // Nothing is moved.
     drop->setDropAction(Qt::CopyAction);
     drop->accept();
     if (type == QEvent::Drop) {

@@ -6,11 +6,11 @@
 #include <QMainWindow>
 #include <QObject>
 
-/// A folder that is dropped anywhere on the page of the shares begins a new share of it, named after it. A
-/// child of the main window's widget.
+/// Begins a new share when a folder is dropped anywhere on the page of the shares; the share gets the
+/// folder's name. A child of the main window's widget.
 class WindowDrop : public QObject {
   public:
-    /// All but `window`, whose child it becomes, are kept.
+    /// Becomes a child of `window`. The other arguments must outlive this object.
     WindowDrop(NSTabView& tabs, QMainWindow& window, WindowActions& actions);
 
   protected:
@@ -23,5 +23,5 @@ class WindowDrop : public QObject {
 
 class QMimeData;
 
-/// The path of the one folder of this computer that is dragged; empty where it is anything else.
+/// Returns the path of the single local folder that is dragged; empty for anything else.
 [[nodiscard]] QString draggedFolder(const QMimeData& data);

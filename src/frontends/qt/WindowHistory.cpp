@@ -30,7 +30,7 @@ void showProblem(const std::string& title, const std::string& text) {
     NSRunAlertPanel(title, "%@", NSLocalizedString("OK"), std::nullopt, std::nullopt, text);
 }
 
-/// What taking back would do, in the form in which every action is reviewed.
+/// Returns an undo as a plan, so that it is reviewed like any other action.
 review::Plan planOf(const review::UndoPlan& undo) {
     review::Plan plan;
     plan.operation = undo.title;
@@ -59,26 +59,19 @@ std::string_view textOf(const std::optional<std::string>& bytes) {
     return bytes ? std::string_view(*bytes) : std::string_view();
 }
 
-/// The runs with what their tools said, and the lines of smb.conf that went and came.
+/// Returns the runs with their outputs, and the removed and added lines of smb.conf.
 QString detailsOf(const review::HistoryEntry& entry) {
     QString text;
     for (const review::PastRun& run : entry.runs) {
-        text += shown(run.tool);
-        for (const std::string& argument : run.arguments) {
-            text += QLatin1Char(' ') + shown(argument);
-        }
-        text += QLatin1Char('\n');
+        text += runLine(run.tool, run.arguments);
         if (!run.output.empty()) {
             text += QLatin1String("    ") + shown(run.output).trimmed() + QLatin1Char('\n');
         }
     }
     for (const review::FileChange& file : entry.files) {
         text += QLatin1Char('\n') + shown(file.path) + QLatin1Char('\n');
-        for (const review::LineChange& line :
-             review::lineChanges(review::linesOf(textOf(file.before)), review::linesOf(textOf(file.after)))) {
-            const bool goes = line.kind == review::LineChange::Kind::Goes;
-            text += QLatin1String(goes ? "- " : "+ ") + shown(line.line) + QLatin1Char('\n');
-        }
+        text += changedLines(
+            review::lineChanges(review::linesOf(textOf(file.before)), review::linesOf(textOf(file.after))));
     }
     for (const review::FolderStep& folder : entry.folders) {
         text += shown(folder.path) +
@@ -88,7 +81,7 @@ QString detailsOf(const review::HistoryEntry& entry) {
     return text;
 }
 
-/// The entries, the newest first, and what the selected one did.
+/// Shows the entries, the newest first, and the details of the selected one.
 class HistoryDialog : public QDialog {
   public:
     HistoryDialog(const review::History& history, WindowHistory& owner, QWidget* parent)
@@ -151,7 +144,7 @@ class HistoryDialog : public QDialog {
     }
 
     const review::History& history_;
-    std::vector<review::HistoryEntry> entries_; ///< in the list's order
+    std::vector<review::HistoryEntry> entries_; ///< in the order of the list
     QTreeWidget* list_ = nullptr;
     QPlainTextEdit* details_ = nullptr;
     QPushButton* takeBack_ = nullptr;
@@ -166,7 +159,7 @@ WindowHistory::WindowHistory(const review::History& history, review::Reviewer& r
     QAction* first = menu.actions().isEmpty() ? nullptr : menu.actions().constFirst();
     undo_ = new QAction(localized("Undo"), this);
     undo_->setObjectName("undo");
-    undo_->setShortcut(QKeySequence::Undo); // in a field it is the field's own
+    undo_->setShortcut(QKeySequence::Undo); // a field that has the focus handles this key itself
     connect(undo_, &QAction::triggered, this, [this] { takeBack(std::nullopt, &window_); });
     auto* all = new QAction(localized("History…"), this);
     all->setObjectName("showHistory");
@@ -175,7 +168,7 @@ WindowHistory::WindowHistory(const review::History& history, review::Reviewer& r
     menu.insertAction(first, all);
     menu.insertSeparator(first);
     connect(&menu, &QMenu::aboutToShow, this, [this] { nameUndo(); });
-    // What its key would do is looked up when it is pressed.
+    // Keep it enabled: what its shortcut would do is determined when it is pressed.
     connect(&menu, &QMenu::aboutToHide, this, [this] { undo_->setEnabled(true); });
 }
 

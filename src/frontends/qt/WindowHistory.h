@@ -15,21 +15,22 @@
 class QAction;
 class QMenu;
 
-/// "Undo …" and "History…" in the window's menu "Changes". Each says what would come back, and what cannot,
-/// before anything is done. A child of the main window's widget.
+/// "Undo …" and "History…" in the window's menu "Changes". Both say what would be restored, and what cannot
+/// be, before anything is done. A child of the main window's widget.
 class WindowHistory : public QObject {
   public:
-    /// All but `window`, whose child it becomes, are kept. `menu` gets the items.
+    /// Becomes a child of `window`, and adds its items to `menu`. The other arguments must outlive this
+    /// object.
     WindowHistory(const review::History& history, review::Reviewer& reviewer, WindowActions& actions,
                   QMainWindow& window, QMenu& menu, RefreshQueue& queue);
 
-    /// `allowed` is told how many runs an undo that may begin now will make.
+    /// `allowed` is called with the number of runs of an undo that is about to begin.
     void setAllowed(std::function<void(std::size_t runs)> allowed) { allowed_ = std::move(allowed); }
 
-    /// The operation has changed what stands on its page.
+    /// Says that the operation has saved its page.
     void noteSaved(const std::string& operation) { edits_.noteSaved(operation); }
 
-    /// Takes a change back after asking; none: the newest. True when something was taken back.
+    /// Takes a change back after asking; without a number, the newest. Returns true when it was taken back.
     bool takeBack(std::optional<std::int64_t> number, QWidget* parent);
 
   private:

@@ -47,7 +47,7 @@ std::optional<std::string> selectedIn(NSTableView& table, const char* identifier
 constexpr const char* shareColumn = "ShareName";
 constexpr const char* userColumn = "User";
 
-/// One list's questions: what the answers have in common is read once.
+/// The questions for one list. Data that the answers share is read once.
 struct Inquiry {
     explicit Inquiry(const std::optional<platform::SambaPaths>& root)
         : accounts(root ? std::optional<platform::SambaAccounts>(*root) : std::nullopt),
@@ -102,7 +102,7 @@ std::unique_ptr<QDialog> WindowInquiries::makeAccessDialog(QWidget* parent) {
         [inquiry](const std::string& share, const std::optional<std::string>& user) {
             return (*inquiry)->check.check(share, user);
         }};
-    // Whichever table was looked at last is in sight.
+    // The table of the visible page determines the subject.
     const QWidget* users = parent == nullptr ? nullptr : parent->findChild<QWidget*>(shown(users_.name()));
     const bool isAboutUser = users != nullptr && users->isVisible();
     return std::make_unique<AccessDialog>(

@@ -15,16 +15,16 @@
 class QMenu;
 
 /// The window's menu "Check": who may use a share and what a user may do, what is wrong with the computer,
-/// and who is connected. The share table marks the shares with which something is wrong. A child of the main
-/// window's widget.
+/// and who is connected. It also marks shares with faults in the share table. A child of the main window's
+/// widget.
 class WindowInquiries : public QObject {
   public:
-    /// All but `window`, whose child it becomes, and `patient` are kept. `review` gets the marks; it may be
-    /// null.
+    /// Becomes a child of `window`. `shares`, `users` and `queue` must outlive this object. `review` gets the
+    /// marks; it may be null.
     WindowInquiries(accesscheck::Patient patient, NSTableView& shares, NSTableView& users,
                     QMainWindow& window, WindowReview* review, RefreshQueue& queue);
 
-    /// Each makes the dialog, not shown yet, as the menu item does.
+    // Each of these makes the dialog of a menu item without showing it.
     [[nodiscard]] std::unique_ptr<QDialog> makeAccessDialog(QWidget* parent);
     [[nodiscard]] std::unique_ptr<QDialog> makeFindingsDialog(QWidget* parent);
     [[nodiscard]] std::unique_ptr<QDialog> makeSessionsDialog(QWidget* parent);

@@ -22,7 +22,7 @@ WindowPages::WindowPages(NSTabView& tabs, QMainWindow& window, WindowActions& ac
     const QList<QAction*> menus = window.menuBar()->actions();
     auto* menu = new QMenu(localizedTitle("Page"), window.menuBar());
     menu->setObjectName("pageMenu");
-    // The first menu is the application's.
+    // Insert after the first menu, the application's.
     window.menuBar()->insertMenu(menus.size() > 1 ? menus[1] : nullptr, menu);
     new_ = addAction(*menu, "newOfPage", {}, QKeySequence::New, [this] { use("new"); });
     find_ =
@@ -65,12 +65,12 @@ const InterfaceNode* WindowPages::buttonOf(const std::string& role) const {
 
 void WindowPages::load() {
     const InterfaceNode* begin = buttonOf("new");
-    // Where nothing is begun, the item keeps what it said last.
+    // On a page where nothing can be begun, the item keeps its last title.
     if (begin != nullptr) {
         new_->setText(title(modelOf<NSButton>(*begin)->title()));
     }
     new_->setEnabled(begin != nullptr);
-    find_->setEnabled(begin != nullptr); // where there is a list
+    find_->setEnabled(begin != nullptr); // only a page with a list can be searched
     refresh_->setEnabled(buttonOf("refresh") != nullptr);
 }
 
@@ -83,7 +83,7 @@ void WindowPages::use(const std::string& role) {
 void WindowPages::find() {
     QList<FilterField*> fields = window_.findChildren<FilterField*>();
     fields.removeIf([](const FilterField* each) { return !each->isVisible(); });
-    if (!fields.isEmpty()) { // of two, the other one
+    if (!fields.isEmpty()) { // of two fields, the one without the focus
         const auto at = fields.indexOf(qobject_cast<FilterField*>(window_.focusWidget()));
         FilterField* field = fields[(at + 1) % fields.size()];
         field->setFocus(Qt::ShortcutFocusReason);

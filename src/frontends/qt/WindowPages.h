@@ -11,18 +11,18 @@
 
 class QAction;
 
-/// The window's menu "Page": what a key does on the page that is in sight, whichever it is, and the way from
-/// page to page. F10 opens the menu bar. A child of the main window's widget.
+/// The window's menu "Page": actions with shortcuts for whichever page is visible, and commands to change the
+/// page. F10 opens the menu bar. A child of the main window's widget.
 class WindowPages : public QObject {
   public:
-    /// All but `window`, whose child it becomes, are kept.
+    /// Becomes a child of `window`. The other arguments must outlive this object.
     WindowPages(NSTabView& tabs, QMainWindow& window, WindowActions& actions, RefreshQueue& queue);
 
   private:
     QAction* addAction(QMenu& menu, const char* name, const QString& text, const QKeySequence& key,
                        std::function<void()> act);
     void load();
-    /// The button with that role on the page in sight; null where it has none.
+    /// Returns the button with that role on the visible page; null when it has none.
     [[nodiscard]] const platform::InterfaceNode* buttonOf(const std::string& role) const;
     void use(const std::string& role);
     void find();

@@ -50,7 +50,7 @@ void WindowPlace::restore() {
     const auto text = NSUserDefaults::standardUserDefaults().stringForKey(key_);
     const auto parts = componentsSeparatedByString(text.value_or(""), "\t");
     if (parts.size() != 6) {
-        return; // none yet, or of another version
+        return; // nothing stored yet, or by another version
     }
     const QRect left(intValue(parts[0]), intValue(parts[1]), intValue(parts[2]), intValue(parts[3]));
     if (left.isValid()) {
@@ -89,7 +89,7 @@ void WindowPlace::drawerChanged() {
         return;
     }
     if (!std::exchange(isLeft_, false)) {
-        comesBack_ = false; // the user's own wish
+        comesBack_ = false; // the user closed it, so it stays closed
     }
     settled_.start();
 }
@@ -117,7 +117,7 @@ bool WindowPlace::eventFilter(QObject* watched, QEvent* event) {
         }
         break;
     case QEvent::Hide:
-        if (settled_.isActive() && platform::Host::currentIfAny() != nullptr) { // what was done last counts
+        if (settled_.isActive() && platform::Host::currentIfAny() != nullptr) { // save the last change
             settled_.stop();
             remember();
         }

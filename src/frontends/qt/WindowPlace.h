@@ -12,13 +12,13 @@
 
 class Drawer;
 
-/// Where the main window stands, how large it is and whether its drawer is open: comes back at the next start
-/// as the user left it. And the drawer, which the application closes on any page but the one that it belongs
-/// to, is open again when the user comes back to that. A child of the window's widget.
+/// Remembers the main window's position and size and whether its drawer is open, and restores them at the
+/// next start. The application closes the drawer on every page that it does not belong to; this opens it
+/// again when the user returns to its page. A child of the window's widget.
 class WindowPlace : public QObject {
   public:
-    /// Puts `window` where it was left, before it is shown. All but `window`, whose child it becomes, are
-    /// kept; `tabs` may be null.
+    /// Restores the position of `window` before it is shown, and becomes its child. The other arguments must
+    /// outlive this object; `tabs` may be null.
     WindowPlace(const NSWindow& model, NSTabView* tabs, QMainWindow& window);
 
   protected:
@@ -33,13 +33,13 @@ class WindowPlace : public QObject {
     std::string key_;
     NSTabView* tabs_;
     QMainWindow& window_;
-    Drawer* drawer_; ///< null where the window has none
-    QRect place_;    ///< of the window while it is neither maximised nor widened for the drawer
-    QTimer settled_; ///< a place changes with every step of the mouse
+    Drawer* drawer_; ///< null when the window has none
+    QRect place_;    ///< the window's place when it is neither maximised nor widened for the drawer
+    QTimer settled_; ///< delays saving: a place changes with every step of the mouse
     int page_ = 0;
-    bool isOpen_ = false;    ///< the drawer, as of its last change
-    bool isLeft_ = false;    ///< a page is being left with the drawer open: the application closes it now
-    bool comesBack_ = false; ///< and has done so
+    bool isOpen_ = false;    ///< whether the drawer was open after its last change
+    bool isLeft_ = false;    ///< a page is being left with its drawer open, which the application now closes
+    bool comesBack_ = false; ///< the application closed the drawer, so reopen it on its page
     platform::Connection drawerChanged_;
     platform::Connection pageChanged_;
 };

@@ -39,7 +39,7 @@ constexpr const char* reviewAllKey = "BrindleReviewEveryChange";
 constexpr const char* shareTable = "normalTableView";
 constexpr const char* revertOperation = "revertSMBProperties:";
 
-/// The box layout that holds the widget itself, and the widget's place in it.
+/// Returns the box layout that directly contains the widget, and the widget's place in it.
 QBoxLayout* layoutAround(QLayout* layout, const QWidget* widget, int* place) {
     for (int index = 0; layout != nullptr && index < layout->count(); ++index) {
         if (layout->itemAt(index)->widget() == widget) {
@@ -53,8 +53,8 @@ QBoxLayout* layoutAround(QLayout* layout, const QWidget* widget, int* place) {
     return nullptr;
 }
 
-/// The button nearest to `from` whose action changes something, in the same box, else on the same page, and
-/// so on outwards. Of several, the one that Return presses. Null when there is none.
+/// Returns the button nearest to `from` whose action changes something: in the same box, else on the same
+/// page, and so on outwards. Among several it is the one that Return presses. Null when there is none.
 const NSButton* changingButtonNear(const QWidget* from, const QWidget& window) {
     for (const QWidget* around = from == nullptr ? &window : from; around != nullptr;
          around = around == &window ? nullptr : around->parentWidget()) {
@@ -74,7 +74,7 @@ const NSButton* changingButtonNear(const QWidget* from, const QWidget& window) {
     return nullptr;
 }
 
-/// Changes whenever the file does.
+/// Returns a text that changes whenever the file does.
 std::string stampOf(const SMBConf* conf) {
     struct stat status {};
 
@@ -114,13 +114,13 @@ WindowReview::WindowReview(review::Reviewer& reviewer, QMainWindow& window, Wind
     if (auto* shares = actions.find<NSTableView>(shareTable)) {
         remarksShown_ = new Binding(this, queue, shares->reloaded, [this] { showRemarks(); });
     }
-    actions.leaveConfirmations(); // every confirmed action writes
+    actions.leaveConfirmations(); // the review asks, because every confirmed action writes
     used_ = actions.used.connect([this](const std::string& operation) { actionWasUsed(operation); });
 }
 
 WindowReview::~WindowReview() {
     reviewer_.setQuestion(nullptr);
-    reviewer_.setBlockedHandler([](const review::Plan&) {}); // nobody is there to read it
+    reviewer_.setBlockedHandler([](const review::Plan&) {}); // without the window nobody can read the message
 }
 
 bool WindowReview::reviewsAll() const {
@@ -169,7 +169,7 @@ void WindowReview::showRemarks() {
     if (const SMBConf* conf = reviewer_.smbConf(); conf != nullptr && findMore_) {
         remarks_.merge(findMore_(*conf, reviewer_.shares()));
     }
-    if (remarks_.empty()) { // as nearly always: no row need be asked about
+    if (remarks_.empty()) { // the usual case
         table->setRemarks(nullptr);
         return;
     }
@@ -224,7 +224,7 @@ void WindowReview::planButtonInUse() {
 
 namespace {
 
-/// A line with a warning and a button beside it, hidden.
+/// Makes a hidden line with a warning and a button.
 QFrame* makeNotice(const char* name, const QString& text, QPushButton* button) {
     auto* notice = new QFrame;
     notice->setObjectName(name);
@@ -244,7 +244,7 @@ QFrame* makeNotice(const char* name, const QString& text, QPushButton* button) {
 } // namespace
 
 void WindowReview::addDirectoryNotice() {
-    // The page stands first, the drawer beside it.
+    // The page comes first in the layout, then the drawer.
     const QLayout* central = window_.centralWidget() == nullptr ? nullptr : window_.centralWidget()->layout();
     const QWidget* page =
         central == nullptr || central->count() == 0 ? nullptr : central->itemAt(0)->widget();
@@ -293,10 +293,10 @@ void WindowReview::addNotice() {
 
 void WindowReview::showNotice() {
     if (queue_.isHeld()) {
-        return; // an action stands in its middle
+        return; // an action is in progress
     }
     stamp_ = stampOf(reviewer_.smbConf());
-    // A page that shows a part of the file cannot be saved; the file that was edited since may be whole.
+    // A partly shown page cannot be saved, but the file may have been repaired since.
     const auto* part = actions_.find<NSTextField>("smbPartNotice");
     if (part != nullptr && !part->stringValue().empty() && reviewer_.hasSMBConfChangedOnDisk()) {
         dispatchUserEvent(queue_, [this] { reviewer_.reread(); });
@@ -307,7 +307,7 @@ void WindowReview::showNotice() {
 }
 
 void WindowReview::lookAtFile() {
-    // Whoever comes back to the window should not wait for it.
+    // Coming back to the window must not take long.
     if (stampOf(reviewer_.smbConf()) != stamp_) {
         showNotice();
     }
@@ -319,7 +319,7 @@ void WindowReview::reread() {
 }
 
 void WindowReview::actionWasUsed(const std::string& operation) {
-    // Reverting shows what is on disk, not what was there once.
+    // Reverting must show what is on disk now.
     if (operation == revertOperation && reviewer_.hasSMBConfChangedOnDisk()) {
         reviewer_.reread();
         showNotice();
@@ -332,13 +332,13 @@ void WindowReview::actionWasUsed(const std::string& operation) {
     }
     showNotice();
     if (remarksShown_ != nullptr) {
-        remarksShown_->markDirty(); // once, also where the table is read again
+        remarksShown_->markDirty(); // only once, even if the table is read again
     }
 }
 
 bool WindowReview::eventFilter(QObject* watched, QEvent* event) {
     if (event->type() == QEvent::WindowActivate) {
-        // After the window's own handling, and not while an alert is going away.
+        // After the window has handled the event, and not while an alert is closing.
         QTimer::singleShot(0, this, [this] { lookAtFile(); });
     }
     return QObject::eventFilter(watched, event);

@@ -16,28 +16,28 @@ class QFrame;
 class QLabel;
 class WindowActions;
 
-/// The window's side of the review: asks before an action that holds a warning, has the menu "Changes", says
-/// above the share table when smb.conf was changed by somebody else and above all when the directory cannot
-/// be read, and reads smb.conf again after a write that failed, so that no later save carries a change of
-/// which the user was told that it had failed. A child of the main window's widget.
+/// The window's part of the review. It asks before an action with a warning, and provides the menu "Changes".
+/// It shows a notice above the share table when somebody else has changed smb.conf, and one above the pages
+/// when the directory cannot be read. After a failed write it reads smb.conf again, so that a later save does
+/// not include the failed change. A child of the main window's widget.
 class WindowReview : public QObject {
   public:
-    /// All but `window`, whose child it becomes, are kept.
+    /// Becomes a child of `window`. The other arguments must outlive this object.
     WindowReview(review::Reviewer& reviewer, QMainWindow& window, WindowActions& actions,
                  RefreshQueue& queue);
 
     ~WindowReview() override;
 
-    /// The share table marks what `find` has found, too: sentences by the name of a share. Asked whenever the
-    /// table was read again, so it must not wait for anything.
+    /// Also marks in the share table what `find` returns: sentences by the name of a share. It is called
+    /// whenever the table was read again, so it must not wait for anything.
     using FindRemarks = std::function<std::multimap<std::string, std::string>(
         const SMBConf& conf, const std::vector<NormalShare>& shares)>;
     void setShareRemarks(FindRemarks find);
 
-    /// `allowed` is given the plan of an action that may begin now.
+    /// `allowed` is called with the plan of an action that is about to begin.
     void setAllowed(std::function<void(const review::Plan& plan)> allowed) { allowed_ = std::move(allowed); }
 
-    /// A user's event has used the control with this operation.
+    /// Says that a user has used the control with this operation.
     void actionWasUsed(const std::string& operation);
 
   protected:
@@ -65,10 +65,10 @@ class WindowReview : public QObject {
     QFrame* directoryNotice_ = nullptr;
     QLabel* directoryText_ = nullptr;
     QAction* reviewAll_ = nullptr;
-    Binding* remarksShown_ = nullptr; ///< in the table, after each reload
+    Binding* remarksShown_ = nullptr; ///< shows the remarks in the table after each reload
     FindRemarks findMore_;
-    std::multimap<std::string, std::string> remarks_; ///< by the name of a share
-    std::string stamp_;                               ///< of smb.conf, as of the last look at it
+    std::multimap<std::string, std::string> remarks_; ///< by share name
+    std::string stamp_;                               ///< the stamp of smb.conf when it was last checked
     std::function<void(const review::Plan&)> allowed_;
     platform::Connection eventEnded_;
     platform::Connection used_;

@@ -133,7 +133,8 @@ void WindowStatus::showOutcome(const std::optional<review::HistoryEntry>& added)
 }
 
 bool WindowStatus::showShare(const std::string& name) {
-    // The table marks whatever folder is offered, under another name perhaps: its address would lead nowhere.
+    // The table marks every folder that is offered, perhaps under another name, where this address would not
+    // work.
     if (!hasSection_ || !hasSection_(name)) {
         return false;
     }

@@ -18,26 +18,26 @@ class ElidedLabel;
 class QMenu;
 class QPushButton;
 
-/// The line at the window's foot that says what the last action has done, or what failed and why, with what
-/// can be done about it; and the panel "Activity". A child of the main window's widget.
+/// The line at the window's foot that says what the last action has done, or what failed and why, and offers
+/// what can be done about it. Also the panel "Activity". A child of the main window's widget.
 class WindowStatus : public QObject {
   public:
-    /// All but `window`, whose child it becomes, are kept.
+    /// Becomes a child of `window`. The other arguments must outlive this object.
     WindowStatus(Activity& activity, QMainWindow& window, WindowActions& actions, RefreshQueue& queue);
 
-    /// Has the line offer to take back what was done, and `menu` hold the panel.
+    /// Lets the line offer to take back the last action, and adds the panel to `menu`.
     void useHistory(const review::History& history, QMenu& menu,
                     std::function<void(std::int64_t number)> takeBack);
 
-    /// Says where the shares are reached, at the right of the line.
+    /// Shows where the shares can be reached, at the right of the line.
     void useServer(ShareServer server);
 
-    /// `hasSection` says whether the server's settings have a section of that name.
+    /// `hasSection` says whether the server's settings have a section with that name.
     void setSections(std::function<bool(const std::string& name)> hasSection) {
         hasSection_ = std::move(hasSection);
     }
 
-    /// Told the operation of each control whose action has changed something, and all that it was to.
+    /// Emitted with the operation of each control whose action made changes, and made all of them.
     platform::Signal<const std::string&> saved;
 
     /// Shows a text for the last action.
@@ -65,9 +65,9 @@ class WindowStatus : public QObject {
     QPushButton* undo_ = nullptr;
     QPushButton* more_ = nullptr;
     QPointer<ActivityDialog> dialog_;
-    std::string operation_;   ///< of the control that was used in this event
-    std::string address_;     ///< of the share that the line is about
-    std::int64_t number_ = 0; ///< of the change that the line tells of
+    std::string operation_;   ///< the operation of the control used in this event
+    std::string address_;     ///< the address of the share in the line
+    std::int64_t number_ = 0; ///< the number of the change in the line
     platform::Connection eventEnded_;
     platform::Connection used_;
 };

@@ -27,7 +27,7 @@ const InterfaceNode* childOf(const InterfaceNode& node, bool drawer) {
     return found == node.children.end() ? nullptr : found->get();
 }
 
-/// The drawer that the widget stands in, or null.
+/// Returns the drawer that contains the widget, or null.
 const QWidget* drawerAround(const QWidget* widget) {
     while (widget != nullptr && qobject_cast<const Drawer*>(widget) == nullptr) {
         widget = widget->parentWidget();
@@ -35,8 +35,8 @@ const QWidget* drawerAround(const QWidget* widget) {
     return widget;
 }
 
-/// The button that `key` presses and that is nearest to `from`: in the same box, else on the same page, and
-/// so on outwards. A drawer's button belongs to the drawer alone.
+/// Returns the button for `key` that is nearest to `from`: in the same box, else on the same page, and so on
+/// outwards. A drawer's button is only for keys pressed in the drawer.
 QAbstractButton* buttonFor(const QString& key, const QWidget* from, const QWidget& window) {
     const QWidget* drawer = drawerAround(from);
     for (const QWidget* around = from == nullptr ? &window : from; around != nullptr;
@@ -107,7 +107,7 @@ void WindowView::buildDialog(const InterfaceNode& node, QWidget* parent) {
     }
     if (isSheet) {
         widget_->setWindowModality(Qt::WindowModal);
-        // The menu bar is out of reach behind the sheet, but the application can still be left.
+        // The sheet blocks the menu bar, but it must still be possible to quit.
         auto* quit = new QShortcut(QKeySequence::Quit, widget_);
         connect(quit, &QShortcut::activated, this, [this] { closeMainWindow(queue_); });
     }
@@ -170,7 +170,7 @@ bool WindowView::keyPressed(int key) {
 bool WindowView::eventFilter(QObject* watched, QEvent* event) {
     switch (event->type()) {
     case QEvent::Close:
-        // The model decides whether the window goes: a sheet stays until it was answered.
+        // The model decides whether the window closes: a sheet stays until it is answered.
         event->ignore();
         dispatchUserEvent(queue_, [this] { window_.close(); });
         return true;

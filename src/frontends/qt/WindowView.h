@@ -10,12 +10,12 @@
 
 #include <memory>
 
-/// One window, sheet or panel of an interface file on the screen: its widget, and the ties between that
-/// widget's window and the NSWindow. Owned by the presenter.
+/// One window, sheet or panel of an interface file on the screen: its widget, which is kept in step with the
+/// NSWindow. Owned by the presenter.
 class WindowView : public QObject {
   public:
-    /// Builds the window of `node`, not shown yet. `menuBar` may be null; `parent` is the main window's
-    /// widget for sheets and panels.
+    /// Builds the window for `node` without showing it. `menuBar` may be null; for sheets and panels,
+    /// `parent` is the main window's widget.
     WindowView(const platform::InterfaceNode& node, const platform::InterfaceNode* menuBar, QWidget* parent,
                bool animated, WindowActions& actions, RefreshQueue& queue);
     ~WindowView() override;
@@ -24,7 +24,7 @@ class WindowView : public QObject {
 
     [[nodiscard]] QWidget& widget() const { return *widget_; }
 
-    /// Puts the widget on the screen or takes it off, as the model says.
+    /// Shows or hides the widget as the model says.
     void followVisibility();
 
   protected:
@@ -41,6 +41,6 @@ class WindowView : public QObject {
     WindowActions& actions_;
     RefreshQueue& queue_;
     WidgetBuilder builder_;
-    QPointer<QWidget> widget_; ///< goes with its parent when the main window goes first
+    QPointer<QWidget> widget_; ///< null after the main window, its parent, was destroyed
     platform::Connection orderedFront_;
 };

@@ -24,7 +24,7 @@ const char* onOrOff(int state) {
     return state == NSOnState ? "on" : "off";
 }
 
-/// The number of Unicode characters: of bytes that do not continue one.
+/// The number of Unicode characters: bytes that do not continue one are counted.
 std::size_t characterCount(const std::string& text) {
     return static_cast<std::size_t>(std::count_if(text.begin(), text.end(), [](char byte) {
         return (static_cast<unsigned char>(byte) & 0xC0U) != 0x80U;
@@ -76,7 +76,7 @@ std::string describe(const NSTableView& table) {
 
 std::string describe(const NSWindow& window) {
     const std::string text = window.isVisible() ? "shown" : "hidden";
-    // A sheet hangs from its window and has no title bar.
+    // A sheet has no title bar.
     return window.kind() == NSWindowKind::Sheet ? text : text + ' ' + quotedText(window.title());
 }
 
@@ -105,7 +105,7 @@ std::string describeAs(const platform::Element& element) {
     return describe(dynamic_cast<const Model&>(element));
 }
 
-/// What a script shows of the kinds of elements that have a model.
+/// How a script shows a kind of element that has a model.
 struct ShownKind {
     InterfaceKind kind;
     std::string (*describe)(const platform::Element& element);

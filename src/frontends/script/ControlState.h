@@ -10,10 +10,11 @@ struct InterfaceNode;
 
 namespace frontend {
 
-/// What the model of `node` shows, as the lines that a script's `show` prints, without the last line break.
+/// Returns the state of the model of `node` as the lines that a script's `show` prints, without the last line
+/// break.
 [[nodiscard]] std::string describeState(const platform::InterfaceNode& node);
 
-/// The items of a pop-up, one line each, without the last line break; empty when it has none.
+/// Returns the items of a pop-up, one line each, without the last line break; empty when it has none.
 [[nodiscard]] std::string describeItems(const NSPopUpButton& popUp);
 
 } // namespace frontend

@@ -7,7 +7,7 @@
 
 namespace frontend {
 
-/// A plan as a script prints it, a line each. A blocked one has nothing that would be done.
+/// Returns the lines that a script prints for a plan. A blocked plan lists nothing that would be done.
 [[nodiscard]] std::vector<std::string> planLines(const review::Plan& plan);
 
 } // namespace frontend

@@ -5,7 +5,7 @@
 
 namespace frontend {
 
-/// A fault in a script, found at one of its lines (from 1). It ends the script.
+/// A fault in a script, with the number of its line, counted from 1. It ends the script.
 class ScriptError : public std::runtime_error {
   public:
     ScriptError(int line, const std::string& text) : std::runtime_error(text), line_(line) {}

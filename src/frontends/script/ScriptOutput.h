@@ -8,9 +8,9 @@
 
 namespace frontend {
 
-/// The standard output of a scripted run. Presenter, log and commands write to the same one, so that its
-/// lines stand in the order in which things happened, and each is flushed, so that whoever waits at a pipe's
-/// other end sees it.
+/// The standard output of a scripted run. Presenter, log and commands share it, so that its lines are in the
+/// order in which things happened. Every line is flushed, so that a program that reads the other end of a
+/// pipe sees it at once.
 class ScriptOutput {
   public:
     /// `stream` must outlive this.
@@ -19,7 +19,8 @@ class ScriptOutput {
     /// Writes `text` and a line break. Does nothing once silenced.
     void line(std::string_view text);
 
-    /// What happens after a fault in the script, while the application shuts down, is not part of its output.
+    /// Stops all output. Used after a fault: what happens while the application then shuts down is not part
+    /// of the script's output.
     void silence() { silent_ = true; }
 
     [[nodiscard]] bool isSilent() const { return silent_; }
@@ -32,7 +33,7 @@ class ScriptOutput {
     bool silent_ = false;
 };
 
-/// Writes each entry of the system log as a `log` line, and hands it on to the log that is kept.
+/// Writes each entry of the system log as a `log` line, and passes it on to the real log.
 class ScriptLog : public platform::Log {
   public:
     /// `kept` may be null.

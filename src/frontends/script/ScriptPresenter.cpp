@@ -15,7 +15,7 @@ namespace {
 
 using Button = std::pair<platform::AlertAnswer, std::string>;
 
-/// The buttons that an alert has, in the order in which they are listed.
+/// The buttons of an alert, in the order in which the output lists them.
 std::vector<Button> buttonsOf(const platform::Alert& alert) {
     std::vector<Button> buttons = {{platform::AlertAnswer::Default, alert.defaultButton}};
     if (alert.alternateButton) {
@@ -35,7 +35,7 @@ std::string quotedTitles(const std::vector<Button>& buttons) {
     return text;
 }
 
-/// Why a panel cannot be confirmed with `path`; empty when it can.
+/// Returns why a panel cannot be confirmed with `path`; empty when it can.
 std::string whyNotChosen(const platform::OpenPanelRequest& request, const std::string& path) {
     std::error_code error;
     const auto status = std::filesystem::status(path, error);
@@ -158,7 +158,7 @@ std::optional<std::string> ScriptPresenter::runOpenPanel(const platform::OpenPan
 
 std::optional<platform::AdministratorAnswer>
 ScriptPresenter::runAdministratorDialog(const platform::AdministratorRequest& request) {
-    // A script holds no password: where one is asked for, there is nothing to allow it with.
+    // A script has no password, so it cannot allow what needs one.
     const bool allows = administratorAllows_ && !request.needsPassword;
     output_->line(allows ? "administrator -> allow" : "administrator -> refuse");
     return allows ? std::optional(platform::AdministratorAnswer{}) : std::nullopt;

@@ -14,37 +14,36 @@
 
 namespace frontend {
 
-/// The front-end of a scripted run: what would be shown, heard or asked becomes a line of output, and
-/// questions are answered from what the script has prepared. It knows the loaded interface files, where the
-/// runner looks for the controls that the script names. It never waits: timers do not fire, because what
-/// they animate is not visible.
+/// The front-end of a scripted run: everything that would be shown, heard or asked becomes a line of output,
+/// and questions get the answers that the script has prepared. It knows the loaded interface files, in which
+/// the runner finds the controls that the script names. It never waits: timers do not fire, because what they
+/// animate is not visible.
 class ScriptPresenter : public platform::Presenter {
   public:
     explicit ScriptPresenter(std::shared_ptr<ScriptOutput> output) : output_(std::move(output)) {}
 
-    // Answers that the script prepares; `line` is the script's, for messages.
-    /// The next alert titled `alert` (none: any that has no answer of its own) is answered by its button
-    /// `button`.
+    // Answers that the script prepares; `line` is the line of the script, for messages.
+    /// Answers the next alert titled `alert` with `button`. Without `alert`, answers any alert that has no
+    /// answer of its own.
     void addAnswer(int line, std::optional<std::string> alert, std::string button);
-    /// The next open panel is confirmed with `path`.
+    /// Confirms the next open panel with `path`.
     void addChoice(int line, std::string path);
 
     void setAdministratorAllows(bool allows) { administratorAllows_ = allows; }
 
-    /// The fault that ended the script while something was asked: an answer or a choice that does not fit.
-    /// The action that asked was abandoned with it.
+    /// The fault that ended the script during a question: an answer or a choice that does not fit. The action
+    /// that asked was abandoned.
     [[nodiscard]] const std::optional<ScriptError>& fault() const { return fault_; }
 
-    /// The answers and choices that nothing asked for, each as a sentence with its line, in the script's
-    /// order.
+    /// Returns an error for every answer and choice that nothing asked for, in the script's order.
     [[nodiscard]] std::vector<ScriptError> unused() const;
 
-    /// The element of that name in the loaded interface files, the first file's first; null when there is
-    /// none.
+    /// Returns the element with that name in the loaded interface files, searched in the order of loading;
+    /// null when there is none.
     [[nodiscard]] const platform::InterfaceNode* find(const std::string& name) const;
-    /// The first control or menu item that is wired to the operation, or null.
+    /// Returns the first control or menu item that is wired to the operation, or null.
     [[nodiscard]] NSControl* findWiredTo(const std::string& operation) const;
-    /// The window, sheet or panel that an element stands in; null for the menus'.
+    /// Returns the window, sheet or panel that contains an element; null for menu items.
     [[nodiscard]] NSWindow* windowOf(const platform::Element& element) const;
 
     [[nodiscard]] platform::AlertAnswer runAlert(const platform::Alert& alert) override;

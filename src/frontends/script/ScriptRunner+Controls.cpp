@@ -14,7 +14,7 @@
 
 #include <algorithm>
 
-// The commands that use controls: what the window does with a user's mouse and keys.
+// The commands that use controls as a user does with mouse and keys.
 
 namespace frontend {
 
@@ -223,8 +223,7 @@ void ScriptRunner::quit(const Words& /*words*/) {
         if (NSWindow* window = NSApp().mainWindow()) {
             window->close();
         }
-        NSApp().terminate(); // also without a main window, or with one that may close and leave the
-                             // application up
+        NSApp().terminate(); // closing the main window need not end the application, and there may be none
     });
 }
 

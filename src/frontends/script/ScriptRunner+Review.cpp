@@ -3,7 +3,7 @@
 #include "frontends/script/ScriptWords.h"
 #include "platform/appkit/NSButton.h"
 
-// The commands that say beforehand what an action would do.
+// The commands that plan actions, review them, and take them back.
 
 namespace frontend {
 

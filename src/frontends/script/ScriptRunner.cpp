@@ -14,7 +14,7 @@ namespace frontend {
 
 namespace {
 
-/// Some editors put it at the start of a file in UTF-8.
+/// Some editors put it at the start of a UTF-8 file.
 constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
 
 } // namespace
@@ -43,7 +43,7 @@ int ScriptRunner::run() {
     } catch (const ScriptError& error) {
         errors_ << name_ << ':' << error.line() << ": " << error.what() << '\n' << std::flush;
     }
-    // The application still shuts down in order, so that administrator rights are given up, but without
+    // The application still shuts down properly, so that administrator rights are given up, but without
     // output.
     output_->silence();
     NSApp().dispatch([] { NSApp().terminate(); });

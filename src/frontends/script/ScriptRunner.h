@@ -19,38 +19,38 @@ class NSWindow;
 
 namespace frontend {
 
-/// Carries out a script: reads its commands line by line and does each to its end before it reads the next.
-/// What a command does to a control is what a user could do, through the control's own operations; a command
-/// that a user could not carry out ends the script.
+/// Carries out a script: reads its commands line by line and finishes each before it reads the next. A
+/// command does to a control only what a user could do, through the control's own operations; a command that
+/// a user could not carry out ends the script.
 class ScriptRunner {
   public:
-    /// `name` is the script's in messages; `input` and `errors` must outlive the runner. `launch` loads the
-    /// interface and starts the application; its failure ends the script. `presenter` must be the
-    /// current host's.
+    /// `name` names the script in messages; `input` and `errors` must outlive the runner. `launch` loads the
+    /// interface and starts the application; its failure ends the script. `presenter` must be the current
+    /// host's presenter.
     ScriptRunner(std::string name, std::istream& input, std::shared_ptr<ScriptOutput> output,
                  std::shared_ptr<ScriptPresenter> presenter, std::function<platform::Status()> launch,
                  std::ostream& errors);
 
-    /// `reviewer` is asked for once the script has started, by the commands that plan, review and read again;
-    /// it may return null, where nobody can.
+    /// Sets the function that returns the reviewer. The commands that plan, review and read again call it
+    /// after `start`; it may return null, and then these commands fail.
     void useReviewer(std::function<review::Reviewer*()> reviewer) { findReviewer_ = std::move(reviewer); }
 
-    /// `history` is for the commands that print it and take changes back; it must outlive the runner.
+    /// Sets the history for the commands that print it and take changes back; it must outlive the runner.
     void useHistory(const review::History& history) { history_ = &history; }
 
     /// Runs the whole script and then ends the application. Returns the exit status: 0, or 1 after a fault,
-    /// which has been written to the errors as "NAME:LINE: what is wrong".
+    /// which has then been written to `errors` as "NAME:LINE: what is wrong".
     [[nodiscard]] int run();
 
   private:
-    using Words = std::vector<std::string>; ///< a command's words after its name
+    using Words = std::vector<std::string>; ///< the words after a command's name
 
     struct Command {
         std::string_view name;
-        std::string_view usage; ///< what follows the name, for messages
-        std::size_t least;      ///< how many words follow it
+        std::string_view usage; ///< the words after the name, for messages
+        std::size_t least;      ///< the fewest words after the name
         std::size_t most;
-        bool preparesOnly; ///< only prepares answers: may come before `start`
+        bool preparesOnly; ///< only prepares answers, so may come before `start`
         void (ScriptRunner::*run)(const Words& words);
     };
 
@@ -85,22 +85,23 @@ class ScriptRunner {
     [[nodiscard]] review::Reviewer& reviewer() const;
     [[nodiscard]] const review::History& pastChanges() const;
 
-    /// Ends the script at the line that is carried out.
+    /// Ends the script with a fault at the current line.
     [[noreturn]] void fail(const std::string& text) const;
-    /// Runs what a user does as one event of the application; a fault inside ends the script.
+    /// Runs a user's action as one event of the application; a fault in it ends the script.
     void perform(const std::function<void()>& event);
 
     [[nodiscard]] const platform::InterfaceNode& node(const std::string& name) const;
-    /// The control of that name, which a user can use now; `what` names the kind that the command is for.
+    /// Returns the control with that name. Ends the script when a user could not use it now, or when it is
+    /// not of the kind that `what` names.
     template <class Kind>
     [[nodiscard]] Kind& usable(const std::string& name, const char* what) const;
     void requireUsable(const platform::Element& element, const std::string& name) const;
     [[nodiscard]] NSTextField& editableField(const std::string& name) const;
     [[nodiscard]] NSButton& pushButton(const std::string& name) const;
-    /// The first control that is wired to the operation, which a user can use now.
+    /// Returns the first control wired to the operation. Ends the script when a user could not use it now.
     [[nodiscard]] NSControl& usableSender(const std::string& operation) const;
     [[nodiscard]] int number(const std::string& word) const;
-    /// The state that the word "on" or "off" names.
+    /// Returns the state for the word "on" or "off".
     [[nodiscard]] int state(const std::string& word) const;
     void checkCell(const Words& words);
 

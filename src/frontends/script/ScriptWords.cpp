@@ -57,7 +57,7 @@ std::string readBare(std::string_view line, std::size_t& position) {
 
 std::vector<std::string> splitScriptLine(std::string_view line) {
     if (line.ends_with('\r')) {
-        line.remove_suffix(1); // the script's lines end with \r\n
+        line.remove_suffix(1); // the lines may end with \r\n
     }
     std::vector<std::string> words;
     std::size_t position = 0;

@@ -1,5 +1,5 @@
-// brindle-window: the application with its window. brindle becomes this program when a window is asked for,
-// so that what needs none starts without the libraries that one stands on.
+// brindle-window: the application with its window. brindle executes this program when a window is wanted, so
+// that other modes start without loading the window's libraries.
 
 #include "frontends/Application.h"
 #include "frontends/NSApplicationMain.h"
@@ -36,7 +36,7 @@ class QtWindowRun : public frontend::WindowRun {
             return Status::failure("there is no display to open the window on", "",
                                    "set DISPLAY or WAYLAND_DISPLAY, or use --print or --script");
         }
-        int argc = 1; // the options are ours alone
+        int argc = 1; // Qt gets none of our options
         QtFrontend window(argc, argv_, QtFrontend::Manner::Interactive);
         if (Status status = loadInto(window, application); !status.isOk()) {
             return status;

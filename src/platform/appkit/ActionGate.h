@@ -6,13 +6,13 @@ class NSControl;
 
 namespace platform {
 
-/// What stands between every control and the operation that it sends, whatever front-end the user has. A host
-/// has one; open at first.
+/// Decides whether a control may send its action, whichever front-end the user has. A host has one; initially
+/// it lets every action through.
 struct ActionGate {
-    /// Asked before a control's action is sent, with the control as a user has left it; false: nothing is
-    /// sent.
+    /// Called before a control's action is sent, with the control in the state that the user left it in. When
+    /// it returns false, the action is not sent.
     std::function<bool(NSControl& sender)> mayPerform;
-    /// Told after a control's action was performed.
+    /// Called after a control's action has been performed.
     std::function<void(const NSControl& sender)> didPerform;
 };
 

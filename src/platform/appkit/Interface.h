@@ -13,23 +13,23 @@
 
 namespace platform {
 
-/// One element of an interface file, in its place: what a front-end lays out.
+/// One element of an interface file, in its place in the tree that a front-end lays out.
 struct InterfaceNode {
     InterfaceKind kind = InterfaceKind::Interface;
     std::map<std::string, std::string, std::less<>>
-        attributes; ///< strings that the user sees are localized already
-    std::map<std::string, std::string, std::less<>> keys; ///< what those strings are localized from
+        attributes; ///< strings that the user sees are already localized
+    std::map<std::string, std::string, std::less<>> keys; ///< the keys of those strings in the string table
     std::vector<std::unique_ptr<InterfaceNode>> children;
-    std::unique_ptr<Element> element; ///< the model behind it; null for mere layout
+    std::unique_ptr<Element> element; ///< its model; null when the element only lays out others
     int line = 0;
 
     /// The attribute's value, or "" when there is none.
     [[nodiscard]] const std::string& attribute(std::string_view name) const;
-    /// The same before it was localized, so that it is called the same in every language.
+    /// The attribute's key in the string table, which is the same in every language; "" when there is none.
     [[nodiscard]] const std::string& key(std::string_view name) const;
 };
 
-/// Calls `visit` with the node and all below it, in the file's order.
+/// Calls `visit` with the node and every node below it, in the file's order.
 template <class Visit>
 void visitNodes(const InterfaceNode& node, const Visit& visit) {
     visit(node);
@@ -38,16 +38,16 @@ void visitNodes(const InterfaceNode& node, const Visit& visit) {
     }
 }
 
-/// A loaded interface file: the tree of its windows and menus, and look-up by name and by operation. It owns
-/// the controls and, where the file made it, their owner.
+/// A loaded interface file: the tree of its windows and menus, with look-up by name and by operation. It owns
+/// the controls and, if the file made it, the object that they are wired to.
 class Interface {
   public:
     /// Loads `path` for `owner`, an object of the registered class `ownerClass`, or for a new object of that
-    /// class when `owner` is null. Connects outlets, actions and delegates, then tells the presenter.
-    /// Fails ("FILE:LINE: what is wrong") for a file that cannot be read, is not well formed, is for another
-    /// class, names an unknown element, attribute, outlet or operation, an outlet of another kind, or a name
-    /// twice, or leaves an outlet of the class out; no outlet stays connected then, and the presenter is not
-    /// told.
+    /// class when `owner` is null. Connects outlets, actions and delegates, then tells the presenter. Fails
+    /// ("FILE:LINE: what is wrong") when the file cannot be read, is not well formed, is for another class,
+    /// names an unknown element, attribute, outlet or operation, uses an outlet of the wrong kind or a name
+    /// twice, or leaves out one of the class's outlets. In that case no outlet stays connected, and the
+    /// presenter is not told.
     [[nodiscard]] static Result<std::unique_ptr<Interface>>
     load(const std::string& path, const std::string& ownerClass, void* owner = nullptr);
     ~Interface();
@@ -56,7 +56,7 @@ class Interface {
 
     [[nodiscard]] void* owner() const { return owner_; }
 
-    /// The element of that name (outlet or other), or null.
+    /// The element of that name (an outlet's or the file's own), or null.
     [[nodiscard]] Element* find(const std::string& name) const;
     /// The node of that element, or null.
     [[nodiscard]] const InterfaceNode* findNode(const std::string& name) const;
@@ -68,10 +68,10 @@ class Interface {
     Interface() = default;
 
     std::unique_ptr<InterfaceNode> root_;
-    std::shared_ptr<void> ownedOwner_; ///< keeps an owner that the file made; destroyed before the controls
+    std::shared_ptr<void> ownedOwner_; ///< an owner that the file made; destroyed before the controls
     void* owner_ = nullptr;
-    NSApplication* application_ = nullptr;      ///< set where it may know a window or the owner of this file
-    NSApplicationDelegate* delegate_ = nullptr; ///< the owner, where it is the application's delegate
+    NSApplication* application_ = nullptr;      ///< set if it may refer to a window or the owner of this file
+    NSApplicationDelegate* delegate_ = nullptr; ///< the owner, if it is the application's delegate
     std::map<std::string, const InterfaceNode*, std::less<>> byName_;
     std::map<std::string, NSControl*, std::less<>> byOperation_;
 };

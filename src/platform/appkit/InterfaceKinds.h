@@ -12,7 +12,7 @@ namespace platform {
 /// What the value of an attribute may be.
 enum class AttributeKind {
     Text,      ///< anything; the user sees it, so it passes through the string table
-    Word,      ///< not empty: a name, an operation, an identifier
+    Word,      ///< a name, an operation or an identifier; not empty
     Reference, ///< the name of another element of the file
     YesNo,     ///< "yes" or "no"
     Size,      ///< a whole number from 0
@@ -27,13 +27,13 @@ struct AttributeRule {
     bool required = false;
 };
 
-/// Where an element may stand.
+/// Where an element may be.
 enum class Place {
-    Named,   ///< in those elements that name it as a child
+    Named,   ///< only in elements that list it as a child
     InLayout ///< there, and wherever there is a layout
 };
 
-/// Which layout elements an element holds, beside the children that it names.
+/// Which layout elements an element holds besides the children that it lists.
 enum class Layout {
     None,
     One, ///< exactly one, which fills it
@@ -41,18 +41,18 @@ enum class Layout {
 };
 
 /// One kind of element of an interface file: how it is written, which attributes it takes, which elements it
-/// may hold, and what stands behind it.
+/// may hold, and how its model is made.
 struct ElementRule {
     InterfaceKind kind;
     Place place = Place::Named;
-    std::string_view element; ///< the XML element's name; a layout's and a table's column share one
-    MakeModel make = nullptr; ///< null for layout alone
+    std::string_view element; ///< the XML element's name; a layout's column and a table's column share one
+    MakeModel make = nullptr; ///< null for an element without a model
     ShortList<AttributeRule, 24> attributes = {};
     ShortList<InterfaceKind, 4> children = {};
     Layout layout = Layout::None;
 
     [[nodiscard]] const AttributeRule* attribute(std::string_view name) const;
-    /// The rule for an element of that name inside this one, or null when it does not belong here.
+    /// The rule for an element of that name inside this one, or null when it may not be here.
     [[nodiscard]] const ElementRule* child(std::string_view elementName) const;
 };
 
@@ -61,7 +61,7 @@ struct ElementRule {
 /// The XML element's name.
 [[nodiscard]] std::string_view elementName(InterfaceKind kind);
 
-/// Why `text` is not a value for the attribute; "" when it is one.
+/// Why `text` is not a valid value for the attribute; "" when it is one.
 [[nodiscard]] std::string faultOfValue(const AttributeRule& rule, std::string_view text);
 
 } // namespace platform

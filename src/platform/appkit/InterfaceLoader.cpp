@@ -69,9 +69,9 @@ void InterfaceLoader::refuse(int line, const std::string& fault) {
 }
 
 int InterfaceLoader::lineAt(std::ptrdiff_t offset) const {
-    const auto behind = std::upper_bound(lineStarts_.begin(), lineStarts_.end(),
-                                         static_cast<std::size_t>(std::max<std::ptrdiff_t>(0, offset)));
-    return static_cast<int>(behind - lineStarts_.begin());
+    const auto after = std::upper_bound(lineStarts_.begin(), lineStarts_.end(),
+                                        static_cast<std::size_t>(std::max<std::ptrdiff_t>(0, offset)));
+    return static_cast<int>(after - lineStarts_.begin());
 }
 
 void InterfaceLoader::chooseClass(const std::string& named, const std::string& expected, int line) {
@@ -101,7 +101,7 @@ void InterfaceLoader::chooseOwner(void* owner, int line) {
 
 void InterfaceLoader::resetOutlets() const {
     for (const auto& [name, set] : outlets()) {
-        static_cast<void>(set(nullptr)); // null is of no kind: always false
+        static_cast<void>(set(nullptr)); // always false: null has no kind
     }
 }
 
@@ -166,7 +166,7 @@ void InterfaceLoader::readAttributes(const pugi::xml_node& xml, const ElementRul
 void InterfaceLoader::buildChild(const pugi::xml_node& xml, const ElementRule& rule, InterfaceNode& parent) {
     const int line = lineAt(xml.offset_debug());
     if (xml.type() != pugi::node_element) {
-        const std::string_view text = xml.value(); // begins at the end of the element before it
+        const std::string_view text = xml.value(); // begins where the element before it ends
         const std::string_view blank = text.substr(0, text.find_first_not_of(" \t\n"));
         const auto lineEnds = std::count(blank.begin(), blank.end(), '\n');
         refuse(line + static_cast<int>(lineEnds),

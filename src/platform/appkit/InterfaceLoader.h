@@ -17,7 +17,7 @@ class xml_node;
 
 namespace platform {
 
-/// Reads one interface file and makes its models: one call of Interface::load.
+/// Reads one interface file and makes its models. Each object serves one call of Interface::load.
 class InterfaceLoader {
   public:
     explicit InterfaceLoader(std::string path) : path_(std::move(path)) {}
@@ -25,7 +25,8 @@ class InterfaceLoader {
     [[nodiscard]] Result<std::unique_ptr<Interface>> load(const std::string& ownerClass, void* owner);
 
   private:
-    /// Records why the file is refused. The first fault counts; what is read after it is thrown away.
+    /// Records why the file is refused. Only the first fault is kept; whatever is read after it is thrown
+    /// away.
     void refuse(int line, const std::string& fault);
     [[nodiscard]] int lineAt(std::ptrdiff_t offset) const;
 
@@ -34,13 +35,13 @@ class InterfaceLoader {
     void resetOutlets() const;
     [[nodiscard]] std::span<const OutletOwner::Outlet> outlets() const;
 
-    // From XML to nodes. A node is checked by the grammar before its model is made.
+    // From XML to nodes. A node is checked against its kind's rule before its model is made.
     [[nodiscard]] std::unique_ptr<InterfaceNode> build(const pugi::xml_node& xml, const ElementRule& rule);
     void readAttributes(const pugi::xml_node& xml, const ElementRule& rule, InterfaceNode& node);
     void buildChild(const pugi::xml_node& xml, const ElementRule& rule, InterfaceNode& parent);
     void checkOneLayout(const InterfaceNode& node);
 
-    // From nodes to models; a node's children are complete by then.
+    // From nodes to models. A node's children are complete by then.
     void makeElement(InterfaceNode& node, const ElementRule& rule);
     void noteWindow(NSWindow& window, int line);
 
@@ -49,7 +50,7 @@ class InterfaceLoader {
     void noteReferences(const InterfaceNode& node, const ElementRule& rule);
     void wireAction(const InterfaceNode& node);
     void checkReferences();
-    /// Every outlet must be there, so that the class may use them unchecked.
+    /// Every outlet must be connected, so that the class may use them unchecked.
     void checkOutlets(int line);
     void tellApplication() const;
 
@@ -62,7 +63,7 @@ class InterfaceLoader {
     bool hasSheet_ = false;
     std::set<std::string> connectedOutlets_;
     std::vector<std::pair<int, std::string>>
-        references_; ///< names of other elements that attributes hold, with their lines
+        references_; ///< the lines of attributes that name other elements, with those names
 };
 
 } // namespace platform

@@ -17,15 +17,16 @@ bool isYes(const InterfaceNode& node, std::string_view attribute) {
     return node.attribute(attribute) == "yes";
 }
 
-/// The owner as the delegate that the node needs.
+/// The owner as the delegate that the node needs; refuses the file and returns null when it is not one.
 template <class Delegate>
 Delegate* ownerAs(const std::function<Delegate*(void*)>& cast, const InterfaceNode& node,
                   const ModelMaking& making) {
     Delegate* delegate = cast(making.owner);
     if (delegate == nullptr) {
-        making.refuse(node.line,
-                      stringWithFormat("the class \"%@\" cannot stand behind a <%@>: it is no such delegate",
-                                       making.ownerClass.name, elementName(node.kind)));
+        making.refuse(
+            node.line,
+            stringWithFormat("the class \"%@\" cannot serve a <%@>: it is not a delegate of that kind",
+                             making.ownerClass.name, elementName(node.kind)));
     }
     return delegate;
 }

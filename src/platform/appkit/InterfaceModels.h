@@ -8,11 +8,11 @@
 
 namespace platform {
 
-/// What the makers of models get in addition to the node, whose children are complete.
+/// What a function that makes a model gets besides the node. The node's children are already complete.
 struct ModelMaking {
     const ObjectClass& ownerClass;
     void* owner;
-    /// Refuses the file because of that line. What the maker returns is then thrown away.
+    /// Refuses the file because of that line. The model that is then returned is thrown away.
     std::function<void(int line, const std::string& fault)> refuse;
 };
 
@@ -23,7 +23,7 @@ using MakeModel = std::unique_ptr<Element> (*)(const InterfaceNode& node, const 
 [[nodiscard]] std::unique_ptr<Element> makeDrawer(const InterfaceNode& node, const ModelMaking& making);
 [[nodiscard]] std::unique_ptr<Element> makeMenuItem(const InterfaceNode& node, const ModelMaking& making);
 [[nodiscard]] std::unique_ptr<Element> makeButton(const InterfaceNode& node, const ModelMaking& making);
-/// A label has a model only where something fills it; otherwise it is a text of the layout.
+/// Returns null for a label without an outlet or a name: nothing changes it, so it is part of the layout.
 [[nodiscard]] std::unique_ptr<Element> makeLabel(const InterfaceNode& node, const ModelMaking& making);
 [[nodiscard]] std::unique_ptr<Element> makeField(const InterfaceNode& node, const ModelMaking& making);
 [[nodiscard]] std::unique_ptr<Element> makePopUp(const InterfaceNode& node, const ModelMaking& making);

@@ -7,8 +7,8 @@
 
 namespace platform {
 
-// The table of all kinds of elements, in three parts. It is a constant, so that a layer with a table of its
-// own (the window's widgets, what a script shows) can have the compiler compare the two: see hasLineForEach.
+// The table of all kinds of elements, in three parts. It is a constant, so that the compiler can compare it
+// with another layer's table (the window's widgets, what a script shows): see hasLineForEach.
 
 namespace interfacetable {
 
@@ -17,8 +17,8 @@ using Attributes = decltype(ElementRule::attributes);
 
 inline constexpr Attributes named = {{"outlet", Word}, {"name", Word}};
 inline constexpr Attributes sized = {{"stretch", Size}, {"width", Size}};
-// What a screen reader calls the element, where no title or label beside it does; and the label that says
-// more.
+// What a screen reader calls an element that has no title or label beside it. `describedBy` names the label
+// that says more.
 inline constexpr Attributes spoken = {{"spoken", Text}};
 inline constexpr Attributes control = Attributes{{"action", Word}, {"enabled", YesNo}, {"toolTip", Text}} +
                                       spoken + Attributes{{"describedBy", Reference}};
@@ -26,10 +26,10 @@ inline constexpr Attributes field = {
     {"text", Text}, {"placeholder", Text}, {"delegate", YesNo}, {"maxWidth", Size}};
 inline constexpr Attributes window = {
     {"title", Text}, {"width", Size}, {"height", Size}, {"delegate", YesNo}};
-// What the window asks before the action; "%@" in it is what the field `about` shows.
+// The question that the window asks before the action; "%@" in it stands for the text of the field `about`.
 inline constexpr Attributes asked = {{"confirm", Text}, {"about", Reference}};
 inline constexpr Attributes indent = {{"indent", Size}};
-inline constexpr Attributes common = named + sized + control; // of the controls that stand in a layout
+inline constexpr Attributes common = named + sized + control; // of the controls in a layout
 
 consteval auto windowRules() {
     using enum InterfaceKind;
@@ -47,7 +47,7 @@ consteval auto windowRules() {
          named + control + asked +
              Attributes{{"title", Text, "", true},
                         {"key", Word},
-                        {"edits", Reference}, // as a button's
+                        {"edits", Reference}, // as for a button
                         {"role", Choice, "about|quit|preferences|guide"}}},
         {MenuSeparator, Named, "separator"},
         {Window, Named, "window", makeWindow, named + window, {Drawer}, Layout::One},
@@ -62,7 +62,7 @@ consteval auto layoutRules() {
     using enum Place;
     return std::to_array<ElementRule>({
         {Column, InLayout, "column", nullptr, sized, {}, Layout::Any},
-        // What a drawer holds scrolls, but for a row at its `foot`.
+        // A drawer's content scrolls, except for a row at its `foot`.
         {Row, InLayout, "row", nullptr, sized + Attributes{{"foot", YesNo}}, {}, Layout::Any},
         {Grid, InLayout, "grid", nullptr, sized + Attributes{{"columns", Size, "", true}}, {}, Layout::Any},
         {Box, InLayout, "box", nullptr, sized + Attributes{{"title", Text}}, {}, Layout::Any},
@@ -75,7 +75,7 @@ consteval auto layoutRules() {
                         {"for", Reference},
                         {"about", Reference},
                         {"style", Choice, "note|heading|warning"},
-                        {"when", Word}} + // which values of other controls it is shown with
+                        {"when", Word}} + // with which values of other controls it is shown
              indent},
         {TabView,
          InLayout,
@@ -91,9 +91,10 @@ consteval auto controlRules() {
     using enum InterfaceKind;
     using enum Place;
     return std::to_array<ElementRule>({
-        // What is typed into the field counts in the window as chosen in the panel that `chooses` opens.
-        // Numbers lie between `least` and `most`, of which one is `unlimited`; a name is one of the table
-        // `namesRow`, or of `another` row.
+        // In the window, text typed into the field counts as chosen in the panel that `chooses` opens. A
+        // number lies between `least` and `most`; the value `unlimited` means no limit. The name in the field
+        // is that of a row of the table `namesRow`; when it is not the selected row's, the window says
+        // `another`.
         {TextField, InLayout, "textField", makeField,
          common + field +
              Attributes{{"chooses", Word},
@@ -114,16 +115,16 @@ consteval auto controlRules() {
                  {"tabStop", YesNo},
                  {"reverts", Reference},
                  {"offWith", Reference},
-                 // "new" and "edit" begin the editor of the table `reverts` in the field `edits`; "new"
-                 // does the operation `also`, too.
+                 // "new" and "edit" start the editor of the table `reverts` in the field `edits`; "new" also
+                 // performs the operation `also`.
                  {"role", Choice, "cancel|new|edit|delete|refresh"},
                  {"edits", Reference},
-                 {"checks", YesNo}, // the limits of the fields of its page
+                 {"checks", YesNo}, // checks the limits of the fields on its page
                  {"also", Word},
                  {"key", Choice, "return|escape"}}},
         {CheckBox, InLayout, "checkBox", makeButton,
          common + Attributes{{"title", Text}, {"state", Choice, "on|off"}, {"rowOf", Reference}} + indent},
-        // What the menu selects is the number in the `column` of the selected row of the table `rowOf`.
+        // The selected item stands for the number in the `column` of the selected row of the table `rowOf`.
         {PopUp,
          InLayout,
          "popUp",
@@ -149,8 +150,8 @@ consteval auto controlRules() {
          common + Attributes{{"multiple", YesNo},
                              {"height", Size},
                              {"nameColumn", Word},
-                             // What is said over an empty table, and the button that begins, with its title
-                             // there.
+                             // What an empty table shows instead of rows: a text, and the button `begin`
+                             // under another title.
                              {"empty", Text},
                              {"begin", Reference},
                              {"beginTitle", Text}},
@@ -163,8 +164,9 @@ consteval auto controlRules() {
           {"title", Text},
           {"width", Size},
           {"hidden", YesNo},
-          // How a window shows the values: "check" marks those that mean yes, "privileges" spells a folder's
-          // out, "value" leaves a missing one empty, "list" parts what commas join.
+          // How a window shows the values: "check" marks those that mean yes, "privileges" spells out a
+          // folder's privileges, "value" leaves a missing one empty, "list" separates what is joined by
+          // commas.
           {"display", Choice, "check|privileges|value|list"}}},
         {TextView, InLayout, "textView", makeTextView, named + sized + Attributes{{"height", Size}} + spoken},
     });
@@ -196,7 +198,7 @@ static_assert(
     }(),
     "the table describes the kinds of InterfaceKind in their order, without a gap");
 
-/// The line for that kind in a table of another layer, whose lines have a member `kind`; null when it has
+/// The line for that kind in another layer's table, whose lines have a member `kind`; null when there is
 /// none.
 template <class Lines>
 [[nodiscard]] constexpr const typename Lines::value_type* lineFor(InterfaceKind kind, const Lines& lines) {
@@ -204,7 +206,7 @@ template <class Lines>
     return found == lines.end() ? nullptr : &*found;
 }
 
-/// Whether such a table has a line for each kind that `needsLine` holds for.
+/// Whether such a table has a line for each kind for which `needsLine` returns true.
 template <class Lines>
 [[nodiscard]] consteval bool hasLineForEach(const Lines& lines, bool (*needsLine)(const ElementRule& rule)) {
     return std::ranges::all_of(elementRules, [&](const ElementRule& rule) {

@@ -33,7 +33,7 @@ void NSWorkspace::openURL(const std::string& address) {
 }
 
 NSTimer::NSTimer(double interval, std::function<void()> fire) {
-    // Only watched: a host that is being removed has stopped its timers.
+    // Held weakly: a host that is being destroyed has already stopped its timers.
     presenter_ = platform::Host::current().services().presenter;
     id_ = platform::Host::current().presenter().startTimer(interval, std::move(fire));
 }

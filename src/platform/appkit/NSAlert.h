@@ -20,7 +20,7 @@ namespace platform {
 } // namespace platform
 
 /// Shows a modal alert and returns the button that ended it. `message` is a format for `arguments`
-/// (stringWithFormat); std::nullopt as a button means that there is no such button.
+/// (stringWithFormat); std::nullopt for a button means that there is no such button.
 template <class... Arguments>
 int NSRunAlertPanel(const std::string& title, const std::string& message, const std::string& defaultButton,
                     const std::optional<std::string>& alternateButton,
@@ -39,7 +39,7 @@ class NSOpenPanel {
 
     void setCanChooseDirectories(bool can) { request_.canChooseDirectories = can; }
 
-    /// The chosen path, or none when the user cancelled.
+    /// Returns the chosen path, or none when the user cancelled.
     [[nodiscard]] std::optional<std::string> runModal();
     [[nodiscard]] std::optional<std::string> runModalForDirectory(const std::string& directory,
                                                                   const std::string& file);

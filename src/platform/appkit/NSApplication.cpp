@@ -26,7 +26,7 @@ void NSApplication::terminate() {
     if (delegate_ != nullptr) {
         delegate_->applicationWillTerminate();
     }
-    // A sheet that is still up was not confirmed: its end is not reported.
+    // A sheet that is still open was not confirmed, so its end is not reported.
     sheet_ = nullptr;
     sheetDidEnd_ = nullptr;
     while (!windowsOnScreen_->empty()) {

@@ -2,7 +2,6 @@
 
 #include <functional>
 #include <memory>
-#include <string>
 #include <vector>
 
 class NSWindow;
@@ -16,7 +15,7 @@ class NSApplicationDelegate {
     virtual void applicationWillTerminate() = 0;
 };
 
-/// The application of the current host: its delegate, its sheet and its end.
+/// The application of the current host: its delegate, its main window, its sheet and its termination.
 class NSApplication {
   public:
     using SheetDidEnd = std::function<void(NSWindow* sheet, int returnCode)>;
@@ -26,11 +25,11 @@ class NSApplication {
 
     [[nodiscard]] NSApplicationDelegate* delegate() const { return delegate_; }
 
-    /// Tells the delegate that launching has finished. Once.
+    /// Tells the delegate that launching has finished. Later calls do nothing.
     void finishLaunching();
 
-    /// Ends the application: the delegate is told, windows go off screen, then the presenter is told. The
-    /// second call does nothing. The caller must return to the event loop, which ends.
+    /// Ends the application: tells the delegate, takes the windows off the screen, then tells the presenter.
+    /// Later calls do nothing. The caller must return to the event loop, which ends.
     void terminate();
 
     [[nodiscard]] bool isTerminated() const { return terminated_; }
@@ -42,21 +41,21 @@ class NSApplication {
     /// The main window was closed: terminates if the delegate says so.
     void mainWindowDidClose();
 
-    /// Shows `sheet` as a sheet of `window` (null: it stands alone) and returns at once; `didEnd` is called
-    /// by endSheet. Does nothing when a sheet is up already.
+    /// Shows `sheet` as a sheet of `window` (null: on its own) and returns at once; endSheet calls `didEnd`.
+    /// Does nothing when a sheet is already open.
     void beginSheet(NSWindow* sheet, NSWindow* window, SheetDidEnd didEnd);
-    /// Ends the sheet's session: calls its `didEnd`, which takes it off the screen. Does nothing when it is
-    /// not up.
+    /// Ends the sheet's session by calling its `didEnd`, which takes it off the screen. Does nothing when it
+    /// is not open.
     void endSheet(NSWindow* sheet, int returnCode);
 
-    /// Takes the sheet off the screen without an answer, as when the application ends while it is up: its
-    /// `didEnd` is not called. Does nothing when it is not up.
+    /// Takes the sheet off the screen without a result, as when the application ends while it is open: its
+    /// `didEnd` is not called. Does nothing when it is not open.
     void cancelSheet(NSWindow* sheet);
 
-    /// The sheet that is up, or null.
+    /// The open sheet, or null.
     [[nodiscard]] NSWindow* attachedSheet() const { return sheet_; }
 
-    /// The windows on screen in the order in which they came there; kept by NSWindow.
+    /// The windows on screen, in the order in which they appeared; maintained by NSWindow.
     [[nodiscard]] const std::shared_ptr<std::vector<NSWindow*>>& windowsOnScreen() const {
         return windowsOnScreen_;
     }
@@ -65,7 +64,7 @@ class NSApplication {
     void forget(const NSWindow* window);
 
     /// Runs one user event, which is one action of the host. An event inside another, as while an alert is
-    /// up, is part of the outer one. An exception that escapes an action is logged and ends the event.
+    /// open, is part of the outer one. An exception that escapes from an action is logged and ends the event.
     void dispatch(const std::function<void()>& event);
 
   private:

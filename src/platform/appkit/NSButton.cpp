@@ -42,6 +42,10 @@ void NSButton::performClick() {
     sendAction();
 }
 
+std::optional<std::string> NSButton::edit() const {
+    return clicked_ == state_ ? std::optional(std::to_string(state_)) : std::nullopt;
+}
+
 void NSButton::copyState(const Element& from) {
     NSControl::copyState(from);
     const auto& other = dynamic_cast<const NSButton&>(from);

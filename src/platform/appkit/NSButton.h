@@ -48,16 +48,17 @@ class NSButton : public NSControl {
 
     void setState(int state);
 
-    [[nodiscard]] bool isEdited() const override { return clicked_ == state_; }
+    [[nodiscard]] std::optional<std::string> edit() const override;
 
     void copyState(const Element& from) override;
 
-    /// "\r" for the button that Return presses, "\033" for Escape's, else empty.
+    /// "\r" for the button that Return presses, "\033" for the one that Escape presses, otherwise empty.
     [[nodiscard]] const std::string& keyEquivalent() const { return keyEquivalent_; }
 
     void setKeyEquivalent(std::string key) { keyEquivalent_ = std::move(key); }
 
-    /// A user's click: a check box changes its state, then the action is sent. Does nothing while disabled.
+    /// Does what a user's click does: a check box changes its state, then the action is sent. Does nothing
+    /// while disabled.
     void performClick();
 
   private:
@@ -65,7 +66,7 @@ class NSButton : public NSControl {
     std::string title_;
     std::shared_ptr<const NSImage> image_;
     int state_ = NSOffState;
-    std::optional<int> clicked_; ///< the state that a user's last click left
+    std::optional<int> clicked_; ///< the state after the user's last click
     std::string keyEquivalent_;
 };
 
@@ -76,7 +77,7 @@ class NSMenuItem : public NSControl {
 
     void setTitle(std::string title) { title_ = std::move(title); }
 
-    /// A user's choice: sends the action. Does nothing while disabled.
+    /// Does what a user's choice does: sends the action. Does nothing while disabled.
     void performClick();
 
   private:

@@ -23,7 +23,7 @@ void NSControl::sendAction() {
         }
     }
     action_.perform(this);
-    // An action may end the application, and the host with it.
+    // The action may have ended the application, and the host with it.
     if (platform::Host* host = platform::Host::currentIfAny()) {
         if (const auto& didPerform = host->sharedInstance<platform::ActionGate>().didPerform) {
             didPerform(*this);

@@ -3,6 +3,7 @@
 #include "platform/appkit/Element.h"
 
 #include <functional>
+#include <optional>
 #include <string>
 
 class NSControl;
@@ -25,14 +26,18 @@ class NSControl : public platform::Element {
 
     void setAction(NSAction action) { action_ = std::move(action); }
 
-    /// Whether the control's value is the user's: the one last typed, chosen or clicked still stands. Setting
-    /// a value from the program is not an edit, and setting a different one ends it.
-    [[nodiscard]] virtual bool isEdited() const { return false; }
+    /// The control's value as a text, where it is the user's: it is still the one last typed, chosen or
+    /// clicked. Setting a value from the program is not an edit, and setting a different one ends the user's
+    /// edit.
+    [[nodiscard]] virtual std::optional<std::string> edit() const { return std::nullopt; }
+
+    [[nodiscard]] bool isEdited() const { return edit().has_value(); }
 
     void copyState(const Element& from) override;
 
-    /// Sends the action with this control as the sender; nothing when none is wired. Exceptions
-    /// from the action reach the front-end's event dispatch (NSApplication::dispatch).
+    /// Sends the action with this control as the sender; does nothing when no action is set or the host's
+    /// ActionGate refuses it. Exceptions from the action reach the front-end's event dispatch
+    /// (NSApplication::dispatch).
     void sendAction();
 
   private:

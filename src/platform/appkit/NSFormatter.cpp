@@ -51,11 +51,11 @@ std::optional<std::string> NSFormatter::stringForObjectValue(const NSObjectValue
 namespace platform {
 
 std::optional<int> decimalDigitValue(char32_t character) {
-    const auto* behind = std::upper_bound(std::begin(zeros), std::end(zeros), character);
-    if (behind == std::begin(zeros) || character - *std::prev(behind) > 9) {
+    const auto* after = std::upper_bound(std::begin(zeros), std::end(zeros), character);
+    if (after == std::begin(zeros) || character - *std::prev(after) > 9) {
         return std::nullopt;
     }
-    return static_cast<int>(character - *std::prev(behind));
+    return static_cast<int>(character - *std::prev(after));
 }
 
 } // namespace platform

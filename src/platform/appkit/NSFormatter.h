@@ -4,7 +4,6 @@
 #include <cstdint>
 #include <optional>
 #include <string>
-#include <string_view>
 #include <variant>
 
 /// A range of a string in UTF-16 units.
@@ -13,7 +12,7 @@ struct NSRange {
     std::size_t length = 0;
 };
 
-/// What a formatter's field holds: a string or a whole number.
+/// The value of a field with a formatter: a string or a whole number.
 using NSObjectValue = std::variant<std::string, std::int64_t>;
 
 /// Checks edits of a text field before they are applied, and turns its text into a value and back. One
@@ -22,21 +21,21 @@ class NSFormatter {
   public:
     virtual ~NSFormatter() = default;
 
-    /// May `partial` take the place of `original`? `proposedSelection` is where the caret would stand,
-    /// `originalSelection` what was selected before. False refuses the edit and sets `error`. The base class
-    /// asks the shorter check below; where that refuses with a `replacement`, the replacement is put into
+    /// Whether `partial` may replace `original`. `proposedSelection` is where the caret would be,
+    /// `originalSelection` what was selected before. Returns false, with `error` set, to refuse the edit. The
+    /// base class calls the shorter check below; when that refuses with a `newString`, it puts that into
     /// `partial`.
     [[nodiscard]] virtual bool isPartialStringValid(std::string& partial, NSRange& proposedSelection,
                                                     const std::string& original, NSRange originalSelection,
                                                     std::string& error);
-    /// The check for formatters that need only the proposed text. True when it is accepted.
+    /// The check for formatters that need only the proposed text. Returns true when it is accepted.
     [[nodiscard]] virtual bool isPartialStringValid(const std::string& partial,
                                                     std::optional<std::string>& newString,
                                                     std::string& error);
-    /// The value of `text`, or none (with `error` set) when it has none.
+    /// Returns the value of `text`, or none (with `error` set) when it has none.
     [[nodiscard]] virtual std::optional<NSObjectValue> getObjectValue(const std::string& text,
                                                                       std::string& error) const;
-    /// The string that shows `value`, or none for a kind of value that the formatter cannot show.
+    /// Returns the string that shows `value`, or none for a kind of value that the formatter cannot show.
     [[nodiscard]] virtual std::optional<std::string> stringForObjectValue(const NSObjectValue& value) const;
 };
 
@@ -45,7 +44,8 @@ namespace platform {
 [[nodiscard]] std::optional<int> decimalDigitValue(char32_t character);
 } // namespace platform
 
-/// Whole numbers. Digits of any script count by their value; a number beyond 64 bits has no value.
+/// Whole numbers. The digits of every script are accepted; a number that does not fit in 64 bits has no
+/// value.
 class NSNumberFormatter : public NSFormatter {
   public:
     /// Only "##0" is known: no grouping, no decimals, at least one digit. Throws std::invalid_argument for

@@ -2,6 +2,7 @@
 
 #include "platform/foundation/NSString.h"
 
+#include <algorithm>
 #include <stdexcept>
 
 NSMatrix::NSMatrix(int rows, int columns) : rows_(rows), columns_(columns) {
@@ -39,8 +40,15 @@ void NSMatrix::setStateAt(int row, int column, int state) {
 }
 
 bool NSMatrix::isEditedAt(int row, int column) const {
-    const Cell& cell = cells_[indexOf(row, column)];
-    return cell.clicked == cell.state;
+    return cells_[indexOf(row, column)].isEdited();
+}
+
+std::optional<std::string> NSMatrix::edit() const {
+    std::string states;
+    for (const Cell& cell : cells_) {
+        states += cell.isEdited() ? std::to_string(cell.state) : "-";
+    }
+    return std::ranges::any_of(cells_, &Cell::isEdited) ? std::optional(states) : std::nullopt;
 }
 
 void NSMatrix::copyState(const Element& from) {

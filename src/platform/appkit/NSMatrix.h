@@ -17,25 +17,31 @@ class NSMatrix : public NSControl {
 
     [[nodiscard]] int numberOfColumns() const { return columns_; }
 
-    // A row or column that is not there throws std::out_of_range.
+    // These throw std::out_of_range for a row or column that does not exist.
     [[nodiscard]] const std::string& titleAt(int row, int column) const;
     void setTitleAt(int row, int column, std::string title);
     [[nodiscard]] int stateAt(int row, int column) const;
     void setStateAt(int row, int column, int state);
 
-    /// Whether the cell's state is the one that a user's click left.
+    /// Whether the cell is still in the state that the user's last click left it in.
     [[nodiscard]] bool isEditedAt(int row, int column) const;
+
+    /// The states of the cells that are edited.
+    [[nodiscard]] std::optional<std::string> edit() const override;
 
     void copyState(const Element& from) override;
 
-    /// A user's click: the cell changes its state, then the action is sent. Does nothing while disabled.
+    /// Does what a user's click does: the cell changes its state, then the action is sent. Does nothing while
+    /// disabled.
     void performClickAt(int row, int column);
 
   private:
     struct Cell {
         std::string title;
         int state = 0;
-        std::optional<int> clicked; ///< the state that a user's last click left
+        std::optional<int> clicked; ///< the state after the user's last click
+
+        [[nodiscard]] bool isEdited() const { return clicked == state; }
     };
 
     [[nodiscard]] std::size_t indexOf(int row, int column) const;

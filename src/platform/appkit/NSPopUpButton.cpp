@@ -79,8 +79,9 @@ void NSPopUpButton::selectItemWithTitle(const std::string& title) {
     selectItemAtIndex(indexOfItemWithTitle(title));
 }
 
-bool NSPopUpButton::isEdited() const {
-    return chosen_ && chosen_ == titleOfSelectedItem();
+std::optional<std::string> NSPopUpButton::edit() const {
+    const bool stands = chosen_ && chosen_ == titleOfSelectedItem();
+    return stands ? std::optional(std::to_string(indexOfSelectedItem())) : std::nullopt;
 }
 
 void NSPopUpButton::copyState(const Element& from) {

@@ -17,8 +17,8 @@ class NSPopUpButton : public NSControl {
 
     [[nodiscard]] const std::vector<Item>& items() const { return items_; }
 
-    /// Another number whenever items came, went or were called otherwise: whoever shows them has to look at
-    /// them again only then.
+    /// A number that changes whenever items are added or removed, so that a front-end reads the items again
+    /// only then.
     [[nodiscard]] std::uint64_t content() const { return content_; }
 
     [[nodiscard]] int numberOfItems() const { return static_cast<int>(items_.size()); }
@@ -32,9 +32,9 @@ class NSPopUpButton : public NSControl {
     /// Gives the item at `index` a tag. Throws std::out_of_range when there is no such item.
     void setTag(int index, std::int64_t tag);
 
-    /// The first item with the title, or -1.
+    /// The index of the first item with the title, or -1.
     [[nodiscard]] int indexOfItemWithTitle(const std::string& title) const;
-    /// The first item with the tag, or -1.
+    /// The index of the first item with the tag, or -1.
     [[nodiscard]] int indexOfItemWithTag(std::int64_t tag) const;
 
     /// -1 when nothing is selected.
@@ -50,13 +50,14 @@ class NSPopUpButton : public NSControl {
     /// Selects the first item with the title; nothing when there is none.
     void selectItemWithTitle(const std::string& title);
 
-    /// The selected item has the title that the user chose, even if the menu was refilled since.
-    [[nodiscard]] bool isEdited() const override;
+    /// The index, while the selected item has the title that the user chose last, even if the menu has been
+    /// refilled since.
+    [[nodiscard]] std::optional<std::string> edit() const override;
 
     void copyState(const Element& from) override;
 
-    /// A user's choice: selects the item, then sends the action, also when it was selected already. Nothing
-    /// while disabled or when there is no such item.
+    /// Does what a user's choice does: selects the item, then sends the action, even when it was selected
+    /// already. Does nothing while disabled or when there is no such item.
     void performSelect(int index);
 
   private:

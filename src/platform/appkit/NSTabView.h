@@ -14,7 +14,7 @@ class NSTabViewDelegate {
     virtual void tabViewDidSelectTabViewItem(NSTabView* tabView, int index) = 0;
 };
 
-/// Pages of which one shows, numbered from 0. A front-end lets the user pick one by its label, unless the
+/// Pages, numbered from 0. One of them is shown. A front-end lets the user pick one by its label, unless the
 /// tabs are hidden and another control picks the page.
 class NSTabView : public platform::Element {
   public:
@@ -30,7 +30,7 @@ class NSTabView : public platform::Element {
 
     void setShowsTabs(bool shows) { showsTabs_ = shows; }
 
-    /// Initially 0.
+    /// 0 initially.
     [[nodiscard]] int indexOfSelectedTabViewItem() const { return selected_; }
 
     /// Shows a page and tells the delegate, unless it is shown already. Throws std::out_of_range when there

@@ -10,10 +10,9 @@ class NSTableView;
 struct NSTableColumn {
     std::string identifier;
     std::string title;
-    int width = 100;     ///< in points, the initial width in a front-end
-    bool hidden = false; ///< a window does not show it initially; it is still one of the columns
-    std::string display =
-        {}; ///< how a window shows the values, which stay as they are; see the interface kinds
+    int width = 100;          ///< in points, the initial width in a front-end
+    bool hidden = false;      ///< a window does not show it initially; it is still one of the columns
+    std::string display = {}; ///< how a window shows the values, which do not change; see InterfaceKinds.cpp
 };
 
 /// Where a table's rows come from. Not owned by the table.
@@ -21,7 +20,7 @@ class NSTableViewDataSource {
   public:
     virtual ~NSTableViewDataSource() = default;
     [[nodiscard]] virtual int numberOfRowsInTableView(NSTableView* table) = 0;
-    /// The cell's text. Asked only for cells that are shown.
+    /// The cell's text. Called only for cells that are shown.
     [[nodiscard]] virtual std::string
     tableViewObjectValueForTableColumn(NSTableView* table, const NSTableColumn& column, int row) = 0;
 };
@@ -33,8 +32,8 @@ class NSTableViewDelegate {
     virtual void tableViewSelectionDidChange(NSTableView* table) = 0;
 };
 
-/// A table. It knows how many rows its source had at the last reload and which are selected, and nothing
-/// else. Rows count from 0.
+/// A table. Of its rows it knows only how many its source had at the last reload, and which are selected.
+/// Rows are numbered from 0.
 class NSTableView : public NSControl {
   public:
     [[nodiscard]] const std::vector<NSTableColumn>& tableColumns() const { return columns_; }
@@ -49,7 +48,7 @@ class NSTableView : public NSControl {
 
     void setAllowsMultipleSelection(bool allows) { multiple_ = allows; }
 
-    /// As of the last reload; 0 before the first.
+    /// The number at the last reload; 0 before the first.
     [[nodiscard]] int numberOfRows() const { return rows_; }
 
     [[nodiscard]] bool isLoaded() const { return isLoaded_; }
@@ -61,25 +60,25 @@ class NSTableView : public NSControl {
     /// others are dropped, and nobody is notified. Emits `reloaded`.
     void reloadData();
 
-    /// The selected row (of several the first), or -1.
+    /// The selected row (the first of several), or -1.
     [[nodiscard]] int selectedRow() const { return selection_.empty() ? -1 : selection_.front(); }
 
     /// Ascending.
     [[nodiscard]] const std::vector<int>& selectedRows() const { return selection_; }
 
-    /// Makes these rows, in any order, the whole selection. Rows that are not there are left out, and where
-    /// the table does not allow several only the first stays. Tells the delegate, unless it is the selection
-    /// already.
+    /// Selects exactly these rows, given in any order. Rows that do not exist are ignored, and if the table
+    /// does not allow several, only the first counts. Tells the delegate, unless the selection stays the
+    /// same.
     void selectRows(std::vector<int> rows);
 
-    /// Selects one row and nothing else; a row that is not there, nothing.
+    /// Selects only this row; selects nothing when it does not exist.
     void selectRow(int row) { selectRows({row}); }
 
     void deselectAll() { selectRows({}); }
 
     void copyState(const Element& from) override;
 
-    /// The rows are to be drawn again. `changed` is for the selection and the enabled state.
+    /// The rows have to be drawn again. `changed` stands for the selection and the enabled state.
     platform::Signal<> reloaded;
 
   private:

@@ -26,7 +26,8 @@ bool isControl(char32_t character) {
     return character < U' ' || (character >= 0x7F && character < 0xA0);
 }
 
-/// `text` as a line: a line break becomes a blank, and of the other control characters only the tab stays.
+/// `text` as one line: a line break becomes a blank, and other control characters except the tab are left
+/// out.
 std::string asLine(std::string_view text) {
     std::string line;
     for (std::size_t offset = 0; offset < text.size();) {
@@ -42,8 +43,8 @@ std::string asLine(std::string_view text) {
     return line;
 }
 
-/// Makes a line of what `proposed` would add to `text`. The rest stays as it is, because the program may have
-/// put in what no user could. Returns by how many UTF-16 units it became shorter.
+/// Turns what `proposed` would add to `text` into one line. The rest stays as it is, because the program may
+/// have put in what no user could. Returns how many UTF-16 units shorter `proposed` has become.
 std::size_t makeLineOfWhatEnters(std::string_view text, std::string& proposed) {
     const auto differ = std::ranges::mismatch(text, proposed);
     auto begin = static_cast<std::size_t>(differ.in1 - text.begin());
@@ -136,7 +137,7 @@ bool NSTextField::proposeEdit(std::string proposed, std::size_t proposedCaret, N
 
 void NSTextField::performReplace(const std::string& text) {
     const NSRange all{0, utf16Length(stringValue())};
-    static_cast<void>(proposeEdit(text, utf16Length(text), all)); // who is to know of a refusal is told
+    static_cast<void>(proposeEdit(text, utf16Length(text), all)); // a refusal has been reported already
     endEditing();
 }
 

@@ -18,7 +18,7 @@ class NSTextFieldDelegate {
                                                        const std::string& errorDescription) = 0;
 };
 
-/// A text field. The program's setters are not checked and send nothing; a user's edits come in through
+/// A text field. What the program sets is not checked and sends nothing; a user's edits come in through
 /// proposeEdit and endEditing.
 class NSTextField : public NSControl {
   public:
@@ -29,8 +29,6 @@ class NSTextField : public NSControl {
     /// The string as intValue reads it.
     [[nodiscard]] std::int32_t intValue() const;
     void setIntValue(std::int32_t value);
-
-    [[nodiscard]] NSFormatter* formatter() const { return formatter_.get(); }
 
     void setFormatter(std::shared_ptr<NSFormatter> formatter) { formatter_ = std::move(formatter); }
 
@@ -45,22 +43,25 @@ class NSTextField : public NSControl {
     /// True for a field whose text must not be shown.
     [[nodiscard]] virtual bool isSecure() const { return false; }
 
-    /// Never true for a secure field, because no second copy of its text is kept.
-    [[nodiscard]] bool isEdited() const override { return typed_ == text_; }
+    /// Never one of a secure field, because no second copy of its text is kept.
+    [[nodiscard]] std::optional<std::string> edit() const override {
+        return typed_ == text_ ? typed_ : std::nullopt;
+    }
 
     void copyState(const Element& from) override;
 
-    /// A user's edit: the whole text as it would be, the caret after it and the selection before it. A line
-    /// break in what is entered becomes a blank, and other control characters but the tab are left out. The
-    /// formatter is asked first. When it refuses, the presenter is told, then the delegate, the field stays
-    /// as it was, and false is returned. Otherwise the field takes the text and sends its action.
+    /// A user's edit, given as the whole text after it, the caret after it and the selection before it. A
+    /// line break in what is entered becomes a blank, and other control characters except the tab are left
+    /// out. If the formatter refuses the text, the presenter is told, then the delegate, the field stays as
+    /// it was, and false is returned. Otherwise the field takes the text and sends its action. A field that
+    /// is disabled or not editable returns false and does nothing.
     [[nodiscard]] bool proposeEdit(std::string proposed, std::size_t proposedCaret,
                                    NSRange originalSelection);
-    /// The user leaves the field: one with a formatter then shows its value's text (007 becomes 7); an empty
-    /// text, or one that the formatter cannot read, stays. Sends nothing.
+    /// The user leaves the field: a field with a formatter then shows its value as the formatter writes it
+    /// (007 becomes 7). An empty text, or one that the formatter cannot read, stays. Sends nothing.
     void endEditing();
-    /// A user who selects all, enters `text` as one edit, which the formatter may refuse, and leaves the
-    /// field.
+    /// Does what a user does who selects everything, enters `text` as one edit, which the formatter may
+    /// refuse, and leaves the field.
     void performReplace(const std::string& text);
 
   protected:
@@ -68,12 +69,12 @@ class NSTextField : public NSControl {
     void wipeText();
 
   private:
-    /// Makes `text` the field's; a secure field leaves no other copy of it.
+    /// Takes over `text`; a secure field wipes the original.
     void takeText(std::string& text);
     void noteTyped();
 
     std::string text_;
-    std::optional<std::string> typed_; ///< the text that a user's last edit left
+    std::optional<std::string> typed_; ///< the text after the user's last edit
     std::shared_ptr<NSFormatter> formatter_;
     NSTextFieldDelegate* delegate_ = nullptr;
     bool editable_ = true;

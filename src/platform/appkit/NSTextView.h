@@ -3,8 +3,6 @@
 #include "platform/appkit/Element.h"
 #include "platform/appkit/RichText.h"
 
-#include <string>
-
 /// A read-only view of styled text inside a scroll view.
 class NSTextView : public platform::Element {
   public:
@@ -15,7 +13,7 @@ class NSTextView : public platform::Element {
     /// The number of characters of the text, in UTF-16 units.
     [[nodiscard]] std::size_t length() const;
 
-    /// The vertical position, in points from the text's top, that stands at the top of the visible area.
+    /// The vertical position in the text, in points from its top, of the top of the visible area.
     [[nodiscard]] float scrollPosition() const { return scrollPosition_; }
 
     /// Scrolls. Emits `scrolled` and not `changed`: a front-end redraws at most once a frame.

@@ -21,7 +21,7 @@ enum class NSWindowKind {
     Panel
 };
 
-/// A window, sheet or panel as a model: whether it is on screen, and whether it is the one that keys go to.
+/// A window, sheet or panel as a model: whether it is on screen, and whether it receives the keys.
 class NSWindow : public platform::Element {
   public:
     explicit NSWindow(NSWindowKind kind = NSWindowKind::Main) : kind_(kind) {}
@@ -45,22 +45,22 @@ class NSWindow : public platform::Element {
 
     [[nodiscard]] bool isCentered() const { return centered_; }
 
-    /// Brings it on screen (the presenter is told when it was not), to the front, and makes it key; the
+    /// Brings the window on screen (telling the presenter if it was not), to the front, and makes it key; the
     /// previous key window is no longer key.
     void makeKeyAndOrderFront();
-    /// Takes it off the screen; it is no longer key.
+    /// Takes the window off the screen; it is no longer key.
     void orderOut();
-    /// The user, or `quit` of a script, closes it: off the screen, and a main window may end the application.
-    /// Nothing for a sheet, which only NSApplication::endSheet ends.
+    /// Closes the window, as the user or a script's `quit` does: takes it off the screen; closing the main
+    /// window may end the application. Does nothing for a sheet, which only NSApplication::endSheet ends.
     void close();
-    /// Called by the front-end when keys start or stop going to this window. Tells the delegate if that is a
-    /// change. A window that is not on screen does not become key.
+    /// The front-end calls these when the window starts or stops receiving keys. They tell the delegate if
+    /// that is a change. A window that is not on screen does not become key.
     void becomeKey();
     void resignKey();
 
     void copyState(const Element& from) override;
 
-    /// makeKeyAndOrderFront was called: the front-end raises the window.
+    /// Emitted by makeKeyAndOrderFront: the front-end raises the window.
     platform::Signal<> orderedFront;
 
   private:
@@ -73,7 +73,7 @@ class NSWindow : public platform::Element {
     std::shared_ptr<std::vector<NSWindow*>> onScreen_; ///< the application's list while this window is on it
 };
 
-/// A drawer that slides out of its window's edge. Closed at first.
+/// A drawer that slides out of its window's edge. Initially closed.
 class NSDrawer : public platform::Element {
   public:
     [[nodiscard]] bool isOpen() const { return open_; }

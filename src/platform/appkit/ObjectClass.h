@@ -24,7 +24,7 @@ struct ObjectClass {
     std::string name;
     std::function<std::shared_ptr<void>()> make; ///< a new object, for files that make their owner
     std::map<std::string, std::function<void(void* object, NSControl* sender)>> actions;
-    // The object as one of these classes, or null when its own class is not derived from it.
+    // Each returns the object as that class, or null when its own class is not derived from it.
     std::function<OutletOwner*(void*)> outletOwner;
     std::function<NSApplicationDelegate*(void*)> applicationDelegate;
     std::function<NSTableViewDataSource*(void*)> tableDataSource;
@@ -34,8 +34,8 @@ struct ObjectClass {
     std::function<NSWindowDelegate*(void*)> windowDelegate;
 };
 
-/// Collects the actions of C: describeClass<C>("C").action("y:", &C::y). Its outlets are known to its
-/// objects.
+/// Collects the actions of C: describeClass<C>("C").action("y:", &C::y). The outlets need no description,
+/// because an object of C knows its own (OutletOwner).
 template <class C>
 class ClassDescription {
   public:
@@ -82,7 +82,7 @@ template <class C>
     return ClassDescription<C>(std::move(name));
 }
 
-/// Makes a class known to the loader of the current host; a class of the same name is replaced.
+/// Makes a class known to the interface loader of the current host; replaces a class of the same name.
 void registerClass(ObjectClass description);
 /// The class of that name, or null.
 [[nodiscard]] const ObjectClass* findClass(const std::string& name);

@@ -4,13 +4,13 @@
 
 #include <functional>
 #include <string_view>
-#include <utility>
 #include <vector>
 
 namespace platform {
 
-/// An object with outlets: pointers to the controls of an interface file, which sets every one of them and
-/// owns what they point to. An outlet is a member whose initializer registers it under its own name:
+/// An object with outlets: pointers to the controls of an interface file. Loading the file sets every one of
+/// them, and the Interface owns what they point to. An outlet is a member whose initializer registers it
+/// under its own name:
 ///
 ///     NSButton* lockButton = outlet("lockButton", lockButton);
 class OutletOwner {
@@ -31,7 +31,7 @@ class OutletOwner {
     OutletOwner() = default;
     ~OutletOwner() = default;
 
-    /// Returns null, the member's initial value. `name` must outlive the object.
+    /// Registers `member` and returns null, its initial value. `name` must outlive the object.
     template <class Kind>
     [[nodiscard]] Kind* outlet(std::string_view name, Kind*& member) {
         outlets_.push_back({name, [&member](Element* element) {

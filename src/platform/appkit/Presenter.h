@@ -23,7 +23,7 @@ struct Alert {
     std::optional<std::string> otherButton;
 };
 
-/// Which button ended an alert; the values are NSRunAlertPanel's.
+/// The button that ended an alert; the values are those that NSRunAlertPanel returns.
 enum class AlertAnswer : int { Default = 1, Alternate = 0, Other = -1 };
 
 struct OpenPanelRequest {
@@ -46,20 +46,20 @@ struct AdministratorAnswer {
 
 using TimerId = std::uint64_t;
 
-/// What a front-end does for the application: everything that is shown, heard or asked outside the controls.
+/// What a front-end does for the application: everything that it shows, plays or asks outside the controls.
 /// Owned by the host; called on the main thread only. The calls that ask block until they are answered.
 class Presenter {
   public:
     virtual ~Presenter() = default;
 
     [[nodiscard]] virtual AlertAnswer runAlert(const Alert& alert) = 0;
-    /// The path that the user chose, or none when the panel was cancelled.
+    /// Returns the path that the user chose, or none when the panel was cancelled.
     [[nodiscard]] virtual std::optional<std::string> runOpenPanel(const OpenPanelRequest& request) = 0;
-    /// The user's consent (with the password if one was asked for), or none when it was refused.
+    /// Returns the user's consent (with the password if one was asked for), or none when it was refused.
     [[nodiscard]] virtual std::optional<AdministratorAnswer>
     runAdministratorDialog(const AdministratorRequest& request) = 0;
     virtual void beep() = 0;
-    /// Hands a web or mail address to the user's default application. Not waited for.
+    /// Hands a web or mail address to the user's default application, without waiting for it.
     virtual void openAddress(const std::string& address) = 0;
 
     /// Calls `fire` every `interval` seconds (0: as often as the front-end's event loop sensibly can) until
@@ -76,10 +76,10 @@ class Presenter {
     /// The application has ended; the front-end leaves its event loop.
     virtual void applicationDidTerminate() = 0;
 
-    /// A privileged tool run starts: the tool's path and its arguments as the system gives them, a password
-    /// among them replaced by "********".
+    /// A privileged tool run starts. `tool` is the tool's path; in `arguments` a password is replaced by
+    /// "********".
     virtual void toolWillRun(const std::string& tool, std::span<const std::string> arguments) = 0;
-    /// The run that was announced last wrote `output`, which is never empty, and has ended.
+    /// The run that was announced last has ended, having written `output`, which is never empty.
     virtual void toolDidWrite(std::string_view output) = 0;
 };
 

@@ -41,7 +41,8 @@ bool isLetter(char character) {
     return lower >= 'a' && lower <= 'z';
 }
 
-/// A pass over one RTF text: tokens become styled runs, and each group restores the style that it began with.
+/// Reads one RTF text from start to end: tokens become styled runs, and the end of a group restores the style
+/// from before it.
 class Reader {
   public:
     explicit Reader(std::string_view rtf) : rtf_(rtf) {}
@@ -81,7 +82,7 @@ class Reader {
             break;
         case '\r':
         case '\n':
-            break; // only formats the file itself
+            break; // line breaks only lay out the file itself
         default:
             addByte(static_cast<unsigned char>(character));
         }
@@ -123,7 +124,7 @@ class Reader {
             break;
         case '\r':
         case '\n':
-            add("\n"); // an escaped line end is a paragraph's end
+            add("\n"); // an escaped line end ends a paragraph
             break;
         default:
             break;
@@ -195,7 +196,7 @@ class Reader {
         }
     }
 
-    /// `unit` is a signed 16-bit UTF-16 unit; two that make a pair are joined.
+    /// `unit` is a signed 16-bit UTF-16 unit; the two units of a surrogate pair are joined.
     void addUnicode(int unit) {
         const auto value = static_cast<char32_t>(static_cast<std::uint16_t>(unit));
         toSkip_ = state_.charactersAfterUnicode;
@@ -212,7 +213,7 @@ class Reader {
         }
     }
 
-    /// Text that may be the substitute after a \u word, for readers that do not know that word.
+    /// Adds text, unless it is the substitute after a \u word for readers that do not know that word.
     void addFallback(std::string_view text) {
         if (toSkip_ > 0) {
             --toSkip_;

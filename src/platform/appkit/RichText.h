@@ -20,11 +20,10 @@ struct TextRun {
 
 using RichText = std::vector<TextRun>;
 
-/// Reads the subset of RTF that the credits use: \b, \i, \fsN, \par, \line, \tab, \ql, \qc, \qr, \pard,
-/// \plain,
-/// \'hh (Windows-1252), \uN, \uc, the escapes, and groups; font and colour tables and "\*" groups are passed
-/// over, unknown words ignored. None when the text is not RTF or its groups do not close. The format is
-/// Microsoft's RTF 1.9.
+/// Reads the subset of RTF 1.9 (Microsoft) that the credits use: \b, \i, \fsN, \par, \line, \tab, \ql, \qc,
+/// \qr, \pard, \plain, \'hh (Windows-1252), \uN, \uc, the escapes, and groups. Font and colour tables and
+/// "\*" groups are skipped, unknown words ignored. Returns none when the text is not RTF or a group is not
+/// closed.
 [[nodiscard]] std::optional<RichText> readRichText(std::string_view rtf);
 
 } // namespace platform

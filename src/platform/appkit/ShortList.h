@@ -6,7 +6,7 @@
 
 namespace platform {
 
-/// At most `most` values, for tables of constants: a constant with more does not compile.
+/// A list of at most `most` values for constant tables: a constant with more values does not compile.
 template <class T, std::size_t most>
 class ShortList {
   public:

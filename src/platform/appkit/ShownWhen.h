@@ -6,13 +6,15 @@
 
 namespace platform {
 
-/// That a control has a value: a menu's selected item by its index, a check box's "on" or "off".
+/// The condition that a control has a value: for a menu the index of the selected item, for a check box "on"
+/// or "off".
 struct ControlHas {
     std::string control;
     std::string value;
 };
 
-/// What the attribute `when` of an interface file says: "a=1 b=on or c=2" holds where all of one side do.
+/// Parses the attribute `when` of an interface file. "a=1 b=on or c=2" is true when every condition on one
+/// side of an "or" is true; returns one list for each side.
 [[nodiscard]] std::vector<std::vector<ControlHas>> parseShownWhen(std::string_view text);
 
 } // namespace platform

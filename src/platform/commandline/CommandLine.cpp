@@ -10,7 +10,7 @@ namespace platform {
 
 namespace {
 
-/// Says which words follow the options, and of an option only what it takes.
+/// In the help, names the words that follow the options, and shows only the value's type for an option.
 class Formatter : public CLI::Formatter {
   public:
     explicit Formatter(std::string synopsis) : synopsis_(std::move(synopsis)) { column_width(20); }
@@ -72,7 +72,7 @@ CLI::Option& addText(CLI::App& parser, const std::string& name, std::string& tex
 
 std::optional<CommandLineEnd> parse(CLI::App& parser, std::vector<std::string> arguments) {
     for (const std::string& argument : arguments) {
-        // The parser would take the next argument for the value.
+        // The parser would take the next argument as the value.
         if (argument.starts_with("--") && argument.find('=') == argument.size() - 1) {
             return complain(parser, argument.substr(0, argument.size() - 1) + ": a value is missing");
         }

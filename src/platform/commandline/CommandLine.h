@@ -9,14 +9,14 @@
 #include <vector>
 
 // The command line of a program: every program of Brindle takes --root, --system, --help and --version, and
-// complains in the same way. The program adds its own options and subcommands to the parser.
+// reports errors in the same way. The program adds its own options and subcommands to the parser.
 
 namespace platform {
 
 /// Which computer a program works on.
 struct HostOptions {
-    /// The embedded root's folder, empty for the default. With `system`, the prefix of the files that are
-    /// Brindle's own on this computer (host/SystemFiles.h), for tests.
+    /// The embedded root's folder, empty for the default. With `system`, the prefix of Brindle's own files on
+    /// this computer (host/SystemFiles.h), for tests.
     std::string root;
     bool system = false; ///< this computer itself
 };
@@ -52,8 +52,8 @@ CLI::Option& addText(CLI::App& parser, const std::string& name, std::string& tex
 [[nodiscard]] CommandLineEnd complain(const CLI::App& parser, const std::string& fault);
 
 /// How many of `arguments` are options of the parser and their values: those before the first word that does
-/// not begin with "--". For a program whose further words may look like options, or are secrets, of which the
-/// parser would keep copies.
+/// not begin with "--". For a program whose other arguments may look like options, or are secrets that the
+/// parser must not copy.
 [[nodiscard]] std::size_t countLeadingOptions(const CLI::App& parser, std::span<char* const> arguments);
 
 } // namespace platform

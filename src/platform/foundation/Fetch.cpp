@@ -18,7 +18,7 @@ constexpr long redirectsAtMost = 5;
 constexpr std::size_t bytesAtMost = std::size_t{1024} * 1024;
 constexpr const char* protocols = "http,https";
 
-/// The body so far, and whether the server sent more than is taken.
+/// The body so far, and whether the server sent more than is accepted.
 struct Body {
     std::string bytes;
     bool isTooLarge = false;
@@ -36,7 +36,7 @@ std::size_t takeBytes(const char* data, std::size_t size, std::size_t count, voi
     return length;
 }
 
-/// libcurl, loaded when it is first needed: it stands on thirty libraries, and next to no start fetches
+/// libcurl, loaded when it is first needed: it depends on thirty libraries, and hardly any start fetches
 /// anything.
 class Curl {
   public:
@@ -67,7 +67,7 @@ class Curl {
         isWhole_ = isWhole_ && function != nullptr;
     }
 
-    void* library_; // stays loaded to the end, as a linked one would
+    void* library_; // stays loaded until the program ends, as a linked library would
     bool isWhole_ = true;
 };
 

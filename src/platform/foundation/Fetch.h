@@ -6,9 +6,9 @@
 
 namespace platform {
 
-/// Fetches `address` (http or https only, redirects to those followed) synchronously: 10 seconds and 1 MiB at
-/// most. An HTTP status other than 2xx is a failure. The reason of a failure is a sentence for the user,
-/// which names the address.
+/// Fetches `address` synchronously: http or https only, following redirects to those, for at most 10 seconds
+/// and 1 MiB. An HTTP status other than 2xx is a failure. Status::why of a failure is a sentence for the user
+/// that names the address.
 [[nodiscard]] Result<std::string> fetchContentsOfURL(const std::string& address);
 
 } // namespace platform

@@ -23,7 +23,7 @@ Host::Host(Services services)
 }
 
 Host::~Host() {
-    // While it is destroyed, a shared instance may still log, post, stop observing and use older instances.
+    // A shared instance that is being destroyed may still log, post, stop observing and use older instances.
     while (!shared_.empty()) {
         const std::shared_ptr<void> youngest = std::move(shared_.back().second);
         shared_.pop_back();

@@ -16,13 +16,12 @@ class NSUserDefaults;
 
 namespace platform {
 
-/// All state that the whole process shares: the services behind the platform's free functions, the
-/// notification centre, the user defaults, the main bundle, and the shared instances of classes that have
-/// one.
+/// All state that the whole process shares: the services that the platform's free functions use, the
+/// notification centre, the user defaults, the main bundle, and the shared instances.
 ///
-/// The constructor makes this host the current one and the destructor takes it away again with all it owns
-/// (the shared instances first, the youngest of them first of all), so that nothing outlives a scope or a
-/// test. Hosts nest like scopes. Main thread only.
+/// The constructor makes this host the current one. The destructor makes the previous host current again and
+/// destroys all that this one owns, shared instances first and the youngest first among them, so that nothing
+/// outlives a scope or a test. Hosts nest like scopes. Main thread only.
 class Host {
   public:
     explicit Host(Services services);
@@ -36,15 +35,16 @@ class Host {
     /// The current host, or null.
     [[nodiscard]] static Host* currentIfAny();
 
-    /// Settles the current host's pending writes (PendingWrites). Nothing without a host, or where it has
-    /// none. Called before anything is read that a tool run may have changed, and before anybody is asked
-    /// something: others must not wait for the answer.
+    /// Settles the current host's pending writes (PendingWrites). Does nothing when there is no host or it
+    /// has none. Called before anything is read that a tool run may have changed, and before the user is
+    /// asked something, because other programs must not wait for the user's answer.
     static void settlePendingWrites();
 
-    /// An action has come to its end.
+    /// Tells the host that an action has ended.
     void endAction();
 
-    /// How many actions have ended: what is remembered for the length of one knows by it that it is over.
+    /// How many actions have ended. Whatever is kept for one action only compares this number to know whether
+    /// the action is over.
     [[nodiscard]] std::uint64_t endedActions() const { return endedActions_; }
 
     [[nodiscard]] const Services& services() const { return services_; }
@@ -67,10 +67,10 @@ class Host {
 
     [[nodiscard]] Presenter& presenter() const { return require(services_.presenter, "presenter"); }
 
-    /// Puts another presenter in place: a host is made before the front-end that shows it.
+    /// Replaces the presenter: a host is made before the front-end that shows it.
     void setPresenter(std::shared_ptr<Presenter> presenter) { services_.presenter = std::move(presenter); }
 
-    /// Puts another log in place, as one that shows each line as well.
+    /// Replaces the log, for example by one that also shows each line.
     void setLog(std::shared_ptr<Log> log) { services_.log = std::move(log); }
 
     void setPatience(std::shared_ptr<Patience> patience) { services_.patience = std::move(patience); }
@@ -88,9 +88,9 @@ class Host {
             }
         }
         std::shared_ptr<T> made = make();
-        T& answer = *made;
+        T& result = *made;
         shared_.emplace_back(std::type_index(typeid(T)), std::move(made));
-        return answer;
+        return result;
     }
 
     template <class T>

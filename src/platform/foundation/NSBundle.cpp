@@ -14,8 +14,8 @@
 
 namespace {
 
-/// Adds those entries of the table at `path` that no earlier language had. False where there is no such
-/// table that can be read.
+/// Adds those entries of the table at `path` that no earlier language has. Returns false when there is no
+/// table, or it cannot be read.
 bool mergeTable(platform::StringTable& into, const std::string& path) {
     const auto contents = contentsOfFile(path);
     if (!contents.isOk()) {
@@ -40,7 +40,7 @@ std::string textFor(const platform::StringTable& table, const std::string& key,
     return found == table.end() ? otherwise : found->second;
 }
 
-/// The folder names of languages by code, for translations whose folders have the language's name.
+/// The English names of languages by code, for translations whose folders are named in English.
 constexpr std::array<std::pair<std::string_view, std::string_view>, 8> languageNames = {{{"de", "German"},
                                                                                          {"en", "English"},
                                                                                          {"es", "Spanish"},
@@ -52,7 +52,7 @@ constexpr std::array<std::pair<std::string_view, std::string_view>, 8> languageN
 
 constexpr std::string_view fallback = "English";
 
-/// The value of the first of the variables that is set to something.
+/// The value of the first of these variables that is not empty.
 std::string environmentValue(std::initializer_list<const char*> variables) {
     for (const char* variable : variables) {
         const char* value = std::getenv(variable);
@@ -63,13 +63,13 @@ std::string environmentValue(std::initializer_list<const char*> variables) {
     return {};
 }
 
-/// The locale of programs that know no language, in whatever encoding.
+/// Whether the locale is "C" or "POSIX", in any encoding, which stand for no language.
 bool isPlainLocale(const std::string& locale) {
     const std::string name = locale.substr(0, locale.find('.'));
     return name.empty() || name == "C" || name == "POSIX";
 }
 
-/// Adds the folder names of one language, as "de_AT.UTF-8", that are not among them yet.
+/// Adds those folder names for a locale like "de_AT.UTF-8" that are not in the list yet.
 void addLanguage(std::vector<std::string>& languages, const std::string& locale) {
     const auto add = [&languages](std::string_view name) {
         if (std::ranges::find(languages, name) == languages.end()) {
@@ -100,7 +100,7 @@ std::string environmentLocale() {
     return environmentValue({"LC_ALL", "LC_MESSAGES", "LANG"});
 }
 
-/// Of locales with colons between them; English at the latest at the end.
+/// The folder names for a list of locales separated by colons, with English at the end if not before.
 std::vector<std::string> languagesIn(const std::string& locales) {
     std::vector<std::string> languages;
     for (const auto& each : componentsSeparatedByString(locales, ":")) {

@@ -6,28 +6,27 @@
 #include <string>
 #include <vector>
 
-/// The application's resource folder: Info.plist, interface files, images and one folder of string tables a
-/// language
-/// ("English.lproj/Localizable.strings").
+/// The application's resource folder: Info.plist, interface files, images, and a folder of string tables for
+/// each language ("English.lproj/Localizable.strings").
 class NSBundle {
   public:
-    /// `languages` in the order of preference, each the name of a folder without ".lproj"; missing folders
-    /// are skipped. A table that cannot be read is logged with its line and skipped.
+    /// `languages` are names of folders without ".lproj", in order of preference. Missing folders are
+    /// skipped, and so are tables that cannot be read, which are logged with the line of the fault.
     NSBundle(std::string resourcePath, const std::vector<std::string>& languages);
 
-    /// The current host's.
+    /// The bundle of the current host.
     [[nodiscard]] static NSBundle& mainBundle();
 
     [[nodiscard]] const std::string& resourcePath() const { return resourcePath_; }
 
     /// The string under `key` in Info.plist, or "" when there is none.
     [[nodiscard]] std::string objectForInfoDictionaryKey(const std::string& key) const;
-    /// The same, but a translation in the language's table "InfoPlist" comes first.
+    /// The same, but prefers a translation in the language's table "InfoPlist".
     [[nodiscard]] std::string objectForLocalInfoDictionaryKey(const std::string& key) const;
-    /// The text for `key` in the table "Localizable" of the first language that has it; else `key` itself.
+    /// The text for `key` in the table "Localizable" of the first language that has it, or else `key` itself.
     [[nodiscard]] std::string localizedStringForKey(const std::string& key) const;
-    /// The first language that has such a table, as ISO 639 names it ("de") where that is known; else its
-    /// folder's name; empty where there is none.
+    /// The first language that has such a table, as its ISO 639 code ("de") if that is known, or else as the
+    /// folder's name; empty when there is none.
     [[nodiscard]] std::string languageCode() const;
 
   private:
@@ -42,10 +41,10 @@ class NSBundle {
 [[nodiscard]] std::string NSLocalizedString(const std::string& key);
 
 namespace platform {
-/// The languages that the environment asks for, as gettext reads it: those of LANGUAGE, else the one of
-/// LC_ALL, LC_MESSAGES, LANG (the first that is set), and in the locale C none. As names for NSBundle: of
-/// each language the region's folder where one is named ("de_AT"), the language's ("de"), its English name
-/// where known ("German"); "English" at the latest at the end. The system need not know the locale.
+/// The languages that the environment asks for, read as by gettext: those in LANGUAGE, or else the one in the
+/// first of LC_ALL, LC_MESSAGES and LANG that is set; none in the locale C. Returned as names for NSBundle:
+/// for each language its region if there is one ("de_AT"), its code ("de"), and its English name if known
+/// ("German"); "English" comes at the end if not before. The locale need not be installed.
 [[nodiscard]] std::vector<std::string> languagesFromEnvironment();
 /// The same without LANGUAGE.
 [[nodiscard]] std::vector<std::string> languagesOfLocale();

@@ -91,8 +91,9 @@ std::string plainXML(plist_t item) {
     return xml == nullptr ? std::string() : std::string(xml, length);
 }
 
-/// Replaces characters that libplist writes unescaped by references, because an XML reader would change
-/// (a carriage return) or refuse them. Between the values libplist writes no such character.
+/// Replaces control characters, which libplist writes unescaped, by character references, because an XML
+/// reader would change (a carriage return) or refuse them. Outside the values libplist writes no such
+/// character.
 void appendWithReferences(std::string& text, std::string_view part) {
     for (const char character : part) {
         const auto byte = static_cast<unsigned char>(character);
@@ -106,7 +107,7 @@ void appendWithReferences(std::string& text, std::string_view part) {
 
 /// libplist's output, corrected where a different reader would read a different value.
 std::string mendedXML(std::string_view xml) {
-    constexpr std::string_view date = "<date>"; // never within a string, whose "<" is "&lt;"
+    constexpr std::string_view date = "<date>"; // never inside a string, where "<" is written "&lt;"
     constexpr std::size_t yearDigits = 4;
     std::string text;
     text.reserve(xml.size());
@@ -123,7 +124,7 @@ std::string mendedXML(std::string_view xml) {
     return text;
 }
 
-/// Null when the text is not XML of a property list, or is too long for libplist.
+/// Returns null when the text is not a property list in XML, or is too long for libplist.
 plist_t readXML(std::string_view text) {
     plist_t read = nullptr;
     if (text.find('\0') == std::string_view::npos &&
@@ -133,8 +134,8 @@ plist_t readXML(std::string_view text) {
     return read;
 }
 
-/// A binary list as the XML that will be written for it: what XML cannot hold (a NUL in a key, which ends
-/// libplist, a key twice) is refused or settled here.
+/// Reads a binary property list by way of the XML that will be written for it, so that what XML cannot hold
+/// (a NUL in a key, at which libplist stops, or the same key twice) is refused or settled here.
 plist_t readBinary(std::string_view bytes) {
     plist_t read = nullptr;
     plist_from_bin(bytes.data(), static_cast<std::uint32_t>(bytes.size()), &read);
@@ -143,7 +144,7 @@ plist_t readBinary(std::string_view bytes) {
     return xml.find('\0') == std::string::npos ? readXML(mendedXML(xml)) : nullptr;
 }
 
-/// Null when the bytes are not a property list.
+/// Returns null when the bytes are not a property list.
 plist_t readAny(std::string_view bytes) {
     if (bytes.starts_with(binaryMagic)) {
         return readBinary(bytes);
@@ -156,7 +157,7 @@ plist_t readAny(std::string_view bytes) {
     return readXML(*text);
 }
 
-/// The string for a scalar, with the two words for a boolean; none for other types.
+/// The string for a scalar, `yes` or `no` for a boolean; none for other types.
 std::optional<std::string> singleText(plist_t item, const char* yes, const char* no) {
     switch (plist_get_node_type(item)) {
     case PLIST_BOOLEAN:
@@ -202,7 +203,7 @@ void appendValues(plist_t dictionary, const std::string& prefix,
 
 } // namespace
 
-/// A dictionary inside a property list, of which it shares the ownership.
+/// A dictionary inside a property list, which it shares ownership of.
 struct NSMutableDictionary::Node {
     std::shared_ptr<void> root;
     plist_t dictionary;
@@ -211,7 +212,7 @@ struct NSMutableDictionary::Node {
         return plist_dict_get_item(dictionary, key.c_str());
     }
 
-    /// libplist replaces a value in place, so the order of the keys stays.
+    /// libplist replaces a value in place, so the order of the keys does not change.
     void set(plist_t value, const std::string& key) const {
         plist_dict_set_item(dictionary, key.c_str(), value);
     }
@@ -300,7 +301,7 @@ void NSMutableDictionary::setInt(std::int64_t value, const std::string& key) {
 void NSMutableDictionary::setString(const std::string& value, const std::string& key) {
     const plist_t item = node_->item(key);
     if (plist_get_node_type(item) == PLIST_STRING && textIn(item) == value) {
-        return; // an unchanged value keeps its bytes, whatever they are
+        return; // an unchanged value keeps its bytes, even those that are not valid XML
     }
     // Strict readers refuse a whole list for one character that XML does not allow, and libplist ends a
     // string at a NUL.

@@ -18,40 +18,43 @@ class NSMutableDictionary {
     NSMutableDictionary();
 
     /// The dictionary in the file at `path` (mapped by the host): XML in UTF-8 or UTF-16, binary, or the old
-    /// ASCII form. None when the file is missing, unreadable, not a property list, or has another root.
+    /// ASCII form. None when the file is missing, unreadable or not a property list, or when its root is not
+    /// a dictionary.
     [[nodiscard]] static std::optional<NSMutableDictionary>
     dictionaryWithContentsOfFile(const std::string& path);
     /// The same from the bytes of a file.
     [[nodiscard]] static std::optional<NSMutableDictionary> dictionaryWithData(std::string_view bytes);
 
     [[nodiscard]] bool hasKey(const std::string& key) const;
-    /// The boolean meaning: a boolean's value, a number other than 0, a string that begins with Y, y, T, t or
-    /// a digit 1 to 9 (after white space, a sign and zeros). A missing key or another type is false.
+    /// The value as a boolean. True are: the boolean true, a number other than 0, and a string that begins
+    /// with Y, y, T, t or a digit from 1 to 9 (after white space, a sign and zeros). A missing key or another
+    /// type gives false.
     [[nodiscard]] bool boolForKey(const std::string& key) const;
-    /// The integer meaning: an integer (saturated to 32 bits), a real truncated, a boolean as 1 or 0,
-    /// a string by intValue. A missing key or another type is 0.
+    /// The value as an integer: an integer saturated to 32 bits, a real truncated, a boolean as 1 or 0, a
+    /// string as intValue reads it. A missing key or another type gives 0.
     [[nodiscard]] std::int32_t intForKey(const std::string& key) const;
     /// A string, or a number as a string; none for a missing key or another type.
     [[nodiscard]] std::optional<std::string> stringForKey(const std::string& key) const;
-    /// The nested dictionary under `key`, changed in place through what is returned; none when it is not
-    /// there.
+    /// The nested dictionary under `key`, or none when it is not there. Changes to the returned dictionary
+    /// change the original.
     [[nodiscard]] std::optional<NSMutableDictionary> dictionaryForKey(const std::string& key) const;
 
-    /// Each replaces the value in its place among the keys, or adds the key at the end. A view of a
-    /// nested dictionary that is replaced must not be used any more.
+    /// Each replaces the key's value without changing the order of the keys, or adds the key at the end. Once
+    /// a nested dictionary has been replaced, a view of it must not be used any more.
     void setBool(bool value, const std::string& key);
     void setInt(std::int64_t value, const std::string& key);
     void setString(const std::string& value, const std::string& key);
 
     /// The same property list with data of its own.
     [[nodiscard]] NSMutableDictionary copy() const;
-    /// Every value that is no dictionary, in order, by its key's path ("loggingAttributes.logLogin") and as a
-    /// string: "true" or "false", a number or string as it is, an array or data as XML.
+    /// Every value that is not a dictionary, in order: the path of its key ("loggingAttributes.logLogin") and
+    /// the value as a string ("true" or "false", a number or string as it is, an array or data as XML).
     [[nodiscard]] std::vector<std::pair<std::string, std::string>> values() const;
 
-    /// The XML property list, a line break at its end.
+    /// The property list as XML, with a line break at the end. Throws std::runtime_error when libplist cannot
+    /// write it.
     [[nodiscard]] std::string xmlText() const;
-    /// Writes xmlText() whole (see writeToFileAtomically).
+    /// Writes xmlText() to a file; see writeToFileAtomically.
     [[nodiscard]] platform::Status writeToFile(const std::string& path) const;
 
   private:

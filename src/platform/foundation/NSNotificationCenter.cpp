@@ -27,7 +27,7 @@ void NSNotificationCenter::removeObserver(const void* observer) {
 
 void NSNotificationCenter::postNotificationName(const std::string& name, const void* object) {
     const NSNotification notification{name, object};
-    // A copy, because a handler may add and remove observers; the removed ones in it are skipped.
+    // A copy, because a handler may add and remove observers. Observers that have been removed are skipped.
     const auto observations = observations_;
     for (const auto& observation : observations) {
         const bool matches =

@@ -15,15 +15,15 @@ class NSNotificationCenter {
   public:
     using Handler = std::function<void(const NSNotification&)>;
 
-    /// The current host's.
+    /// The notification centre of the current host.
     [[nodiscard]] static NSNotificationCenter& defaultCenter();
 
-    /// `handler` is called for every notification named `name` whose object is `object` (null: any object),
-    /// until removeObserver is called with the same `observer`, which serves as an identity only.
+    /// Calls `handler` for every notification named `name` whose object is `object` (null: any object), until
+    /// removeObserver is called with the same `observer`. `observer` only serves as an identity.
     void addObserver(const void* observer, Handler handler, std::string name, const void* object);
-    /// Removes everything that was added for `observer`; nothing when there is none.
+    /// Removes everything that was added for `observer`, if anything.
     void removeObserver(const void* observer);
-    /// An observer that a handler removes in the meantime is not called.
+    /// Calls the observers at once. One that an earlier handler has removed is not called.
     void postNotificationName(const std::string& name, const void* object);
 
   private:

@@ -56,7 +56,7 @@ bool beginsWithInteger(std::string_view text) {
 
 std::vector<std::string> componentsSeparatedByString(std::string_view text, std::string_view separator) {
     if (separator.empty()) {
-        throw std::invalid_argument("a text cannot be cut at an empty separator");
+        throw std::invalid_argument("a string cannot be split at an empty separator");
     }
     std::size_t count = 1;
     for (std::size_t place = text.find(separator); place != std::string_view::npos;
@@ -79,16 +79,16 @@ std::vector<std::string> componentsSeparatedByString(std::string_view text, std:
 std::string stringForXML(std::string_view text) {
     constexpr std::u32string_view lineCharacters = U"\t\n\r";
     constexpr char32_t replacement = 0xFFFD;
-    std::string answer;
-    answer.reserve(text.size());
+    std::string result;
+    result.reserve(text.size());
     for (std::size_t index = 0; index < text.size();) {
         const char32_t character = platform::nextCharacter(text, index);
         const bool isControl =
             character < 0x20 && lineCharacters.find(character) == std::u32string_view::npos;
         const bool isNone = character == 0xFFFE || character == 0xFFFF;
-        utf8::append(isControl || isNone ? replacement : character, answer);
+        utf8::append(isControl || isNone ? replacement : character, result);
     }
-    return answer;
+    return result;
 }
 
 bool isValidUTF8(std::string_view text) {
@@ -144,7 +144,7 @@ std::string formatWithArguments(std::string_view format, std::initializer_list<F
             ++index;
             continue;
         }
-        // "%2$@" has its place between the percent sign and what "%@" has after it.
+        // "%2$@" has the argument's number and "$" between the percent sign and the conversion.
         const bool hasPlace = rest.size() > 3 && rest[1] >= '1' && rest[1] <= '9' && rest[2] == '$';
         const std::size_t place = hasPlace ? static_cast<std::size_t>(rest[1] - '1') : next;
         const std::size_t length = hasPlace ? 4 : 2;

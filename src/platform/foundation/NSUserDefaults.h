@@ -7,20 +7,20 @@
 #include <string>
 #include <utility>
 
-/// The user's settings of this application: a property list below the user's configuration folder. Read when
-/// a value is asked for first, and written whole at every change; keys of others in it are kept. Without a
-/// path the values last as long as this object.
+/// The user's settings of this application: a property list below the user's configuration folder. The file
+/// is read when a value is first needed, and rewritten at every change; keys that this program does not know
+/// are kept. Without a path the values last as long as this object.
 class NSUserDefaults {
   public:
     explicit NSUserDefaults(std::string path) : path_(std::move(path)) {}
 
-    /// The current host's.
+    /// The user defaults of the current host.
     [[nodiscard]] static NSUserDefaults& standardUserDefaults();
 
     /// The integer stored under `key` (a string is read by intValue), or none when there is no such key.
     [[nodiscard]] std::optional<std::int32_t> integerForKey(const std::string& key) const;
-    /// Stores `value` and writes the file, making its folder. A failure is logged with the file's name and
-    /// the reason; a file that exists and is not a property list is left alone.
+    /// Stores `value` and writes the file, creating its folder if necessary. A failure is logged with the
+    /// file's name and the reason. A file that exists but is not a property list is left alone.
     void setInteger(std::int32_t value, const std::string& key);
 
     /// The same for a string.
@@ -32,6 +32,7 @@ class NSUserDefaults {
     void readOnce() const;
 
     std::string path_;
-    mutable std::optional<NSMutableDictionary> values_; ///< none until something is asked for
-    mutable bool mayWrite_ = true; ///< false when the file holds something else that must not be replaced
+    mutable std::optional<NSMutableDictionary> values_; ///< none until something is needed
+    mutable bool mayWrite_ = true; ///< false when the file must not be replaced, because it could not be read
+                                   ///< or is not a property list
 };

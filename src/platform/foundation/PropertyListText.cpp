@@ -29,7 +29,7 @@ std::u16string unitsOf(std::string_view bytes, bool isBigEndian) {
     return units;
 }
 
-/// A recursive descent over the old form. Each read function returns null where the text is malformed.
+/// A recursive-descent parser of the old form. Each function returns null when the text is malformed.
 class OldStyleReader {
   public:
     explicit OldStyleReader(std::string_view text) : text_(text) {}

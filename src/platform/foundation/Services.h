@@ -34,11 +34,11 @@ class Clock {
     [[nodiscard]] virtual double now() const = 0;
 };
 
-/// Where the paths that the system has wired in lie on this host.
+/// Where the application's fixed paths lie on this host.
 class Paths {
   public:
     virtual ~Paths() = default;
-    /// The real file behind `path`: one of the mapped system files, or `path` itself. A working copy maps the
+    /// The real path of `path`: that of a mapped system file, or else `path` itself. A working copy maps the
     /// temporary files in the home folder as well.
     [[nodiscard]] virtual std::string map(const std::string& path) const = 0;
     /// The user's home folder, which "~" stands for. No trailing slash.
@@ -49,8 +49,8 @@ class Paths {
     [[nodiscard]] virtual std::string resources() const = 0;
 };
 
-/// Names of the accounts behind numeric ids: the local directory is asked first, this computer's accounts
-/// second.
+/// The names of accounts by numeric id, looked up first in the local directory, then among this computer's
+/// accounts.
 class AccountNames {
   public:
     virtual ~AccountNames() = default;
@@ -58,52 +58,51 @@ class AccountNames {
     [[nodiscard]] virtual std::optional<std::string> groupName(gid_t gid) const = 0;
 };
 
-/// Answers the shell listings of processes. A host leaves out what must not be signalled from it.
+/// Runs shell commands that list processes. A host leaves out processes that must not be signalled from it.
 class Processes {
   public:
     virtual ~Processes() = default;
-    /// As popen(3): the stream of the command's standard output, or null with errno set. Close it with
-    /// `close`.
+    /// Like popen(3): returns a stream of the command's standard output, or null with errno set. Close it
+    /// with `close`.
     [[nodiscard]] virtual std::FILE* open(const std::string& command, const char* mode) = 0;
-    /// As pclose(3).
+    /// Like pclose(3).
     virtual int close(std::FILE* stream) = 0;
 };
 
-/// What a plan has predicted of folders: owner, group and mode that they would have.
+/// What a plan has predicted for folders: the owner, group and mode that they would have.
 class FolderForecast {
   public:
     virtual ~FolderForecast() = default;
-    /// Puts what is predicted of the folder with this status in place of what it is.
+    /// Changes `status` to what is predicted for that folder; leaves it alone when nothing is.
     virtual void apply(struct stat& status) const = 0;
 };
 
-/// Changes that tool runs have made and that nobody else sees yet: the runs of the directory's tools that
-/// follow one another in an action are one transaction.
+/// Changes made by tool runs that nobody else sees yet: consecutive runs of the directory's tools within an
+/// action are one transaction.
 class PendingWrites {
   public:
     virtual ~PendingWrites() = default;
-    /// Makes them lasting and visible. Nothing when there are none. A failure, which takes all of them back,
-    /// is logged and beeps.
+    /// Commits them, if there are any. A failure undoes all of them, is logged and beeps.
     virtual void settle() = 0;
-    /// Takes them back instead.
+    /// Undoes them instead.
     virtual void takeBack() = 0;
-    /// The same as settling, at the end of an action; then lets go of what served its runs.
+    /// Settles at the end of an action, then releases what served its runs.
     virtual void endAction() = 0;
 };
 
-/// Stands by while something waits for another program: shows what is waited for, and lets the user give up.
+/// Shows what the application waits for while it waits for another program, and lets the user give up.
 class Patience {
   public:
     virtual ~Patience() = default;
-    /// Called many times a second with how long it has waited so far. False: the user has given up.
+    /// Called many times a second with the time waited so far. Returns false when the user has given up.
     [[nodiscard]] virtual bool keepWaiting(double seconds) = 0;
-    /// It waits no longer.
+    /// Called when the wait is over.
     virtual void waitHasEnded() = 0;
 };
 
-/// The services behind the platform's free functions. A host owns all of them; each may be shared with
-/// whoever made it. `authority` and `localDomain` may be left out where nothing uses them, `pendingWrites`
-/// where every change is lasting at once.
+/// The services that the platform's free functions use. A host owns all of them, and each may be shared with
+/// its maker. `authority` and `localDomain` may be null where nothing uses them, `pendingWrites` where every
+/// change is committed at once.
 struct Services {
     std::shared_ptr<Log> log;
     std::shared_ptr<Clock> clock;
@@ -114,15 +113,15 @@ struct Services {
     std::shared_ptr<Authority> authority;
     std::shared_ptr<PendingWrites> pendingWrites;
     std::shared_ptr<Presenter> presenter;
-    std::shared_ptr<Computer> computer;             ///< none: the computer is a folder
-    std::shared_ptr<Patience> patience;             ///< none: whatever is waited for is waited for to the end
-    std::shared_ptr<FolderForecast> folderForecast; ///< none: folders are as they are
-    /// Where what actions have changed is kept, so that it can be taken back; empty: nowhere.
+    std::shared_ptr<Computer> computer;             ///< null on the embedded host
+    std::shared_ptr<Patience> patience;             ///< null: every wait lasts to its end
+    std::shared_ptr<FolderForecast> folderForecast; ///< null: folders are read as they are
+    /// The file that records what actions have changed, so that it can be undone; empty: no record is kept.
     std::string historyFile;
-    /// Settings files are changed line by line, so that what a person wrote by hand stays; otherwise they are
-    /// written whole.
+    /// Settings files are changed line by line, so that what somebody wrote by hand is kept; otherwise they
+    /// are rewritten as a whole.
     bool keepsLayout = false;
-    /// What Gestalt answers for the system version (0xMMmf), or none when it fails.
+    /// What Gestalt returns as the system version (0xMMmf); none: Gestalt fails.
     std::optional<std::int32_t> systemVersion = 0x1040;
     /// Language names in the order of preference ("English" last); see NSBundle.
     std::vector<std::string> languages = {"English"};

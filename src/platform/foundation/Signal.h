@@ -1,6 +1,5 @@
 #pragma once
 
-#include <cstddef>
 #include <functional>
 #include <memory>
 #include <utility>
@@ -37,8 +36,9 @@ class Connection {
     std::function<void()> disconnect_;
 };
 
-/// Tells its connected slots, in the order in which they were connected, that something happened. A slot may
-/// connect and disconnect while the signal is emitted: a slot that is gone is not called, a new one not yet.
+/// Calls its connected slots, in the order in which they were connected, when something happens. Slots may
+/// connect and disconnect while the signal is being emitted: a disconnected slot is no longer called, a new
+/// one is called from the next time on.
 template <class... Arguments>
 class Signal {
   public:

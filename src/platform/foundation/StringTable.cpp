@@ -113,7 +113,7 @@ class Reader {
         ++position_;
     }
 
-    /// A character outside the basic plane is written as two escapes, as UTF-16 has it.
+    /// A character outside the basic plane is written as two escapes, one for each UTF-16 unit.
     std::uint32_t readCharacter() {
         const std::uint32_t unit = readUnit();
         if (unit < firstHighSurrogate || unit >= afterSurrogates) {

@@ -14,8 +14,7 @@ using StringTable = std::map<std::string, std::string, std::less<>>;
 
 /// Reads the entries `"key" = "value";` with comments (/* */ and //) between their parts. A string may hold
 /// line breaks and the escapes \" \\ \n \t \r and \U with four hexadecimal digits of UTF-16. Of two entries
-/// with one key the first counts. The reason of a failure names the line and what was expected
-/// there.
+/// with the same key the first counts. Status::why of a failure names the line and what was expected there.
 [[nodiscard]] Result<StringTable> readStringTable(std::string_view bytes);
 
 } // namespace platform

@@ -1,7 +1,7 @@
 #pragma once
 
-// The system's fixed paths, for those who send requests and those who serve them. They are names only: the
-// host decides where a settings file really lies (Paths::map), and the helper what a tool is.
+// The system's fixed paths, for those who send requests and those who serve them. They are only names: the
+// host decides where a settings file really lies (Paths::map), and the helper which program a tool is.
 namespace platform::systempath {
 
 inline constexpr const char* smbConf = "/etc/smb.conf";

@@ -6,10 +6,10 @@
 
 namespace platform {
 
-/// Writes to standard error, for whoever runs the program, and to the system's log.
+/// Writes to standard error and to the system's log.
 class SystemLog : public Log {
   public:
-    /// Each entry is one line on standard error, "brindle: " before it.
+    /// Each entry becomes one line on standard error, preceded by "brindle: ".
     void write(std::string_view text) override;
 };
 

@@ -16,7 +16,8 @@ namespace {
 
 constexpr int timeoutSeconds = 30;
 
-/// The directory at `path`; null when it cannot be read, which leaves the computer's own accounts.
+/// Opens the store and finds the directory `path` in it. Returns null when it cannot be read; then only the
+/// computer's own accounts count.
 OwnedDomain openAt(const std::string& storeFile, const std::string& path, ni_id* id) {
     ni_domain* opened = nullptr;
     if (storeFile.empty()) {
@@ -67,7 +68,8 @@ std::optional<unsigned> numberOf(const std::string& storeFile, const std::string
     return valid ? std::optional(number) : std::nullopt;
 }
 
-/// A buffer for the reentrant account functions, grown for groups with many members.
+/// Calls a reentrant account function, growing `buffer` as long as it is too small, as for a group with many
+/// members. Returns whether the account was found.
 template <class Entry, class Get, class Key>
 bool lookUp(Get get, Key key, Entry& entry, std::vector<char>& buffer) {
     Entry* found = nullptr;

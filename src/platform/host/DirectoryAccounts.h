@@ -8,9 +8,9 @@
 
 namespace platform {
 
-/// Accounts by number and by name: the directory in `storeFile` is asked first, where one is given, this
-/// computer second. Nothing is kept between calls, so that an account that was just made is found and one
-/// that was deleted is not.
+/// Accounts by number and by name, looked up first in the directory in `storeFile` (unless that is empty),
+/// then among this computer's accounts. Nothing is cached between calls, so that an account that was just
+/// made is found and one that was deleted is not.
 class DirectoryAccounts : public AccountNames {
   public:
     explicit DirectoryAccounts(std::string storeFile) : storeFile_(std::move(storeFile)) {}

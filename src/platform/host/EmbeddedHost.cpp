@@ -23,25 +23,15 @@ std::string environment(const char* name) {
     return value == nullptr ? std::string() : value;
 }
 
-class EmbeddedPaths : public Paths {
+class EmbeddedPaths : public UserPaths {
   public:
     EmbeddedPaths(EmbeddedRoot root, std::string home, std::string defaultsFile, std::string resources)
-        : root_(std::move(root)), home_(std::move(home)), defaultsFile_(std::move(defaultsFile)),
-          resources_(std::move(resources)) {}
+        : UserPaths(std::move(home), std::move(defaultsFile), std::move(resources)), root_(std::move(root)) {}
 
     [[nodiscard]] std::string map(const std::string& path) const override { return root_.map(path); }
 
-    [[nodiscard]] std::string home() const override { return home_; }
-
-    [[nodiscard]] std::string defaultsFile() const override { return defaultsFile_; }
-
-    [[nodiscard]] std::string resources() const override { return resources_; }
-
   private:
     EmbeddedRoot root_;
-    std::string home_;
-    std::string defaultsFile_;
-    std::string resources_;
 };
 
 std::string orDefault(const std::string& given, std::string (*makeDefault)()) {
@@ -59,7 +49,7 @@ std::string programFolder() {
 std::string defaultHelper() {
     const std::string installed =
         std::filesystem::path(programFolder() + "/../libexec/brindle-helper").lexically_normal().string();
-    std::error_code ignored; // one that cannot be looked at cannot be run either
+    std::error_code ignored; // a helper that cannot be examined cannot be run either
     return std::filesystem::exists(installed, ignored) ? installed : programFolder() + "/brindle-helper";
 }
 

@@ -8,26 +8,26 @@
 
 namespace platform {
 
-/// What the embedded host is made of. Empty texts stand for the defaults.
+/// What the embedded host is made of. Empty strings stand for the defaults.
 struct EmbeddedHostOptions {
-    std::string root;      ///< the root's folder; empty: $BRINDLE_ROOT, else EmbeddedRoot::defaultFolder()
-    std::string home;      ///< empty: $HOME, else the account's home folder
-    std::string resources; ///< empty: defaultResources()
-    std::string helper;    ///< brindle-helper's file; empty: defaultHelper()
+    std::string root;              ///< the root's folder; empty: EmbeddedRoot::defaultFolder()
+    std::string home;              ///< empty: homeFolder()
+    std::string resources;         ///< empty: defaultResources()
+    std::string helper;            ///< brindle-helper's file; empty: defaultHelper()
     bool keepsUserDefaults = true; ///< false: user defaults live in memory only
-    std::shared_ptr<Log> log;      ///< none: standard error and syslog
+    std::shared_ptr<Log> log;      ///< null: standard error and syslog
 };
 
-/// The services of the embedded host, its root made first when it has no directory yet. The presenter is left
-/// out: the front-end puts its own in place (Host::setPresenter). Fails when there can be no root.
+/// The services of the embedded host. Makes its root first if that has no directory yet. The presenter is
+/// left out, because the front-end sets its own (Host::setPresenter). Fails when the root cannot be made.
 [[nodiscard]] Result<Services> makeEmbeddedServices(const EmbeddedHostOptions& options);
 
-/// The folder with Info.plist and the interface files: $BRINDLE_RESOURCES, else ../share/brindle beside the
-/// folder of the running program.
+/// The folder with Info.plist and the interface files: $BRINDLE_RESOURCES, or else ../share/brindle relative
+/// to the folder of the running program.
 [[nodiscard]] std::string defaultResources();
 
-/// The brindle-helper that is installed beside this program (../libexec), else the one in its folder, as in a
-/// build.
+/// The path of the brindle-helper that is installed with this program (../libexec), or else of the one in its
+/// folder, as in a build.
 [[nodiscard]] std::string defaultHelper();
 
 /// The folder that holds the running program.

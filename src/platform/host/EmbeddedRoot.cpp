@@ -31,8 +31,8 @@ Status failure(const std::string& what, const std::string& why) {
                            why + "; choose a folder that you may write to with --root DIR or BRINDLE_ROOT");
 }
 
-/// Keeps other programs from making the same root until it is closed. The folder itself is locked, so that no
-/// file is left of it.
+/// Keeps other programs from making the same root until the descriptor is closed. The folder itself is
+/// locked, so that no lock file stays behind.
 Result<FileDescriptor> lockFolder(const std::string& folder) {
     FileDescriptor descriptor(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     while (!descriptor.isOpen() || ::flock(descriptor.get(), LOCK_EX) != 0) {
@@ -61,7 +61,8 @@ Status makeFile(const std::string& file, const std::string& text) {
     return status.isOk() ? status : failure(file, std::string(status.why()));
 }
 
-/// Each folder and file but the store: the store comes last, because a root that has one is whole.
+/// Makes each folder and file except the store. The store comes last, because a root that has one counts as
+/// complete.
 Status makeFiles(const EmbeddedRoot& root) {
     const std::string example = root.folder() + exampleFolder;
     Status status = makeFolder(example);
@@ -74,7 +75,7 @@ Status makeFiles(const EmbeddedRoot& root) {
     return status.isOk() ? SambaAccounts(root.sambaPaths()).makeFolders() : status;
 }
 
-/// The whole store at once.
+/// Makes the store under another name and renames it, so that it is never there half filled.
 Status makeStoreFile(const std::string& file) {
     const std::string unfinished = file + ".new";
     std::error_code ignored;
@@ -101,7 +102,7 @@ std::string EmbeddedRoot::defaultFolder() {
         return root;
     }
     const char* data = std::getenv("XDG_DATA_HOME");
-    // The variable's rules say that a relative path in it is to be ignored.
+    // A relative path in this variable must be ignored.
     return (data != nullptr && *data == '/' ? std::string(data) : homeFolder() + "/.local/share") +
            "/brindle";
 }
@@ -127,7 +128,8 @@ Status EmbeddedRoot::makeIfMissing() const {
         return status;
     }
     const auto lock = lockFolder(folder_);
-    if (!lock.isOk() || fs::exists(storeFile(), ignored)) { // another program made it while this one waited
+    if (!lock.isOk() ||
+        fs::exists(storeFile(), ignored)) { // or another program has made it while this one waited
         return lock.status();
     }
     Status status = makeFiles(*this);
@@ -137,7 +139,7 @@ Status EmbeddedRoot::makeIfMissing() const {
     if (!status.isOk()) {
         return status;
     }
-    ::fsync(lock->get()); // what was renamed lasts through a power cut
+    ::fsync(lock->get()); // so that the rename survives a power failure
     return SambaAccounts(sambaPaths()).make();
 }
 

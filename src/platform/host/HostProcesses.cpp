@@ -14,7 +14,7 @@ namespace platform {
 
 namespace {
 
-/// 0 when the text is no number.
+/// 0 when the string is not a number.
 pid_t processOf(const std::string& processId) {
     pid_t process = 0;
     const char* const end = processId.data() + processId.size();
@@ -34,8 +34,8 @@ std::string readAll(std::FILE* stream) {
 } // namespace
 
 std::FILE* HostProcesses::open(const std::string& command, const char* mode) {
-    // Variables that a terminal exports for ps would truncate the names that a listing searches for, or move
-    // its columns.
+    // If a terminal exports these variables, ps truncates the names that a listing searches for, or moves its
+    // columns.
     const std::string plain = "unset COLUMNS PS_FORMAT PS_PERSONALITY; " + command;
     std::FILE* pipe = ::popen(plain.c_str(), mode);
     if (pipe == nullptr) {
@@ -82,7 +82,7 @@ bool isServerOfRoot(const std::string& processId, const std::string& rootFolder)
     const std::string configuration =
         SambaAccounts(EmbeddedRoot(rootFolder).sambaPaths()).configurationFile();
     pid_t process = processOf(processId);
-    // A process that serves a connection may have given itself another command line; its ancestor has not.
+    // A process that serves a connection may have changed its command line; its ancestor has not.
     constexpr int generations = 4;
     for (int generation = 0; generation < generations && process > 0; ++generation) {
         if (isServerWith(process, configuration)) {

@@ -9,11 +9,11 @@
 
 namespace platform {
 
-/// Runs a shell listing of processes, one ID a line, and leaves out the processes that this host may not
-/// signal.
+/// Runs a shell command that lists processes, one ID per line, and leaves out the processes that this host
+/// may not signal.
 class HostProcesses : public Processes {
   public:
-    /// `maySignal` is asked for each line of a listing.
+    /// `maySignal` is called for each line of a listing.
     explicit HostProcesses(std::function<bool(const std::string& processId)> maySignal)
         : maySignal_(std::move(maySignal)) {}
 
@@ -22,14 +22,14 @@ class HostProcesses : public Processes {
 
   private:
     std::function<bool(const std::string&)> maySignal_;
-    std::map<std::FILE*, int> statuses_; ///< of the commands whose streams are open
+    std::map<std::FILE*, int> statuses_; ///< the exit statuses of the commands whose streams are open
 };
 
-/// Whether a process is a file server that was started with the configuration of the root at `rootFolder`, or
-/// a child of one that serves a connection.
+/// Whether the process is an smbd that was started with the configuration of the root at `rootFolder`, or one
+/// of its children that serves a connection.
 [[nodiscard]] bool isServerOfRoot(const std::string& processId, const std::string& rootFolder);
 
-/// Whether it is a file server of this computer itself.
+/// Whether the process is a file server of this computer itself.
 [[nodiscard]] bool isServerOfComputer(const std::string& processId);
 
 } // namespace platform

@@ -56,13 +56,14 @@ constexpr const char* smbConfAfterExample = R"(
 ;  guest ok = yes
 )";
 
-/// Writes the records of one kind, each name once.
+/// Adds records of one kind to the store, each name only once.
 class Filler {
   public:
     Filler(Store& store, const char* directory)
         : store_(store), directory_(store.addRecord(Store::root, directory)) {}
 
-    /// None when a record of that name is there already (account sources may overlap).
+    /// Returns none for a name that cannot be a record's, or that has a record already (account sources may
+    /// overlap).
     std::optional<Store::Record> add(const std::string& name) {
         if (name.empty() || name.find('/') != std::string::npos || store_.child(directory_, name)) {
             return std::nullopt;
@@ -79,8 +80,7 @@ class Filler {
     Store::Record directory_;
 };
 
-/// A computer that another may log in to from elsewhere has an account source that lists nothing, so its user
-/// is asked for by id.
+/// Looked up by id, because an account source that serves several computers may not list its users.
 std::string currentUser() {
     const passwd* entry = ::getpwuid(::getuid());
     return entry == nullptr ? std::string() : entry->pw_name;
@@ -107,9 +107,9 @@ struct IdRange {
     [[nodiscard]] bool holds(unsigned id) const { return first <= id && id <= last; }
 };
 
-/// The ids that the computer gives to people and their groups (login.defs(5)): `kind` is "UID" or "GID".
+/// The ids that the computer gives to people and their groups (login.defs(5)). `kind` is "UID" or "GID".
 IdRange idsOfPeople(std::string_view kind) {
-    IdRange range{1000, 60000}; // where the file says nothing
+    IdRange range{1000, 60000}; // unless the file says otherwise
     std::ifstream in("/etc/login.defs");
     std::string line;
     while (std::getline(in, line)) {
@@ -128,7 +128,7 @@ IdRange idsOfPeople(std::string_view kind) {
     return range;
 }
 
-/// The names of the people who were added, and the ids of their own groups.
+/// The names of the people who were added, and the ids of their primary groups.
 struct People {
     std::set<std::string, std::less<>> names;
     std::set<gid_t> groups;
@@ -140,7 +140,7 @@ struct People {
     }
 };
 
-/// People, root, and whoever makes this: accounts that only run programs are nobody's to share with.
+/// Adds people, root and the current user. Accounts that only run programs do not share folders.
 People fillUsers(Store& store) {
     const IdRange ids = idsOfPeople("UID");
     Filler users(store, "users");
@@ -183,8 +183,8 @@ void addMember(std::vector<std::string>& members, const std::string& name) {
     }
 }
 
-/// Whoever may administer the computer is a member of admin; its number is the one that no group of the
-/// computer has.
+/// The group admin, whose members are those who may administer the computer. If the computer has no such
+/// group, it gets a number that no group there has.
 GroupEntry adminGroup(const std::vector<GroupEntry>& groups) {
     GroupEntry admin{"admin", 80, {}};
     while (std::ranges::find(groups, admin.gid, &GroupEntry::gid) != groups.end()) {
@@ -204,7 +204,7 @@ GroupEntry adminGroup(const std::vector<GroupEntry>& groups) {
     return admin;
 }
 
-/// The groups that people have made or are in, and admin.
+/// Adds the groups for people, the groups that people are in, and admin.
 void fillGroups(Store& store, const People& people) {
     const IdRange ids = idsOfPeople("GID");
     Filler filler(store, "groups");

@@ -6,13 +6,13 @@
 
 namespace platform {
 
-/// The settings files that a new root begins with.
+/// The contents of the settings files of a new root.
 [[nodiscard]] std::string sampleSmbConf(const std::string& exampleFolder);
 [[nodiscard]] std::string sampleAppleFileServerPlist();
 
-/// Makes the directory's store at `file` (which does not exist) with the records that always exist, and the
-/// people who have accounts on this computer, root among them, with their groups and the group admin. Fails
-/// when it cannot be written.
+/// Makes the directory's store at `file`, which must not exist. It holds the records that always exist, the
+/// people who have accounts on this computer (and root), their groups, and the group admin. Fails when the
+/// store cannot be written.
 [[nodiscard]] Status makeStore(const std::string& file);
 
 } // namespace platform

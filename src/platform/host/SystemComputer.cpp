@@ -24,17 +24,17 @@ namespace platform {
 
 namespace {
 
-/// Some of what the package has; where these are, the rest is.
+/// Some of the package's programs; where these are installed, so are the others.
 constexpr std::array accountTools{"/usr/sbin/useradd", "/usr/sbin/usermod", "/usr/sbin/groupadd"};
 
-/// Users are put into them, whatever their numbers are.
+/// Groups that people are put into, although their numbers are below those for people.
 constexpr std::array<std::string_view, 3> groupsForPeople{"staff", administratorsGroup, "guest"};
 
 bool isProgram(const char* path) {
     return ::access(path, X_OK) == 0;
 }
 
-/// Why no change can be made at all, whoever asks for it.
+/// Why no change can be made at all; empty when changes are possible.
 std::string problemOf(const std::string& helper) {
     if (::geteuid() == 0) {
         return isProgram(helper.c_str()) ? std::string() : checkHelperFile(helper).text();
@@ -79,7 +79,7 @@ std::string serverText(const ServerState& state) {
     for (const std::string& place : state.listensAt) {
         places += (places.empty() ? "" : ", ") + place;
     }
-    if (state.since == 0) { // it cannot be told
+    if (state.since == 0) { // not known
         return places.empty()
                    ? NSLocalizedString("The SMB server is running and is not listening on any address.")
                    : stringWithFormat(NSLocalizedString("The SMB server is running and is listening on %@."),
@@ -103,7 +103,7 @@ std::string serverText(const ServerState& state) {
 
 ServerLine SystemComputer::smbServer() const {
     if (sambaServer("smbd").empty()) {
-        return {}; // that is among what is missing
+        return {}; // whatIsMissing says so
     }
     const ServerState state = smbServerState();
     return {serverText(state), state.process == 0};
@@ -132,7 +132,7 @@ std::string SystemComputer::whyNoPublicFolder(const std::string& user) const {
 }
 
 SystemAccounts systemAccountsOf(const LocalDomain& domain, const AccountLimits& limits) {
-    // Reading for the eye: where somebody writes just now, this list goes without.
+    // The list only decides what is shown: while somebody else writes the directory, it does not wait.
     constexpr int waitSeconds = 0;
     const auto files = domain.accountFiles();
     const auto made = madeAccounts(domain, waitSeconds);

@@ -12,26 +12,26 @@ namespace platform {
 struct AccountLimits;
 class LocalDomain;
 
-/// The accounts of the domain's files below the limits; see Computer::systemAccounts.
+/// The accounts in the domain's files with numbers below the limits; see Computer::systemAccounts.
 [[nodiscard]] SystemAccounts systemAccountsOf(const LocalDomain& domain, const AccountLimits& limits);
 
-/// The programs of a computer that Brindle works with.
+/// The programs on the computer that Brindle works with.
 struct ComputersPrograms {
     std::string smbd;          ///< empty: not installed
-    bool hasAccountTools;      ///< shadow-utils
+    bool hasAccountTools;      ///< those of shadow-utils
     std::string helperProblem; ///< why nothing can be changed; empty when it can
 };
 
-/// What is said of a computer with these programs; see Computer::whatIsMissing.
+/// The text for a computer with these programs; see Computer::whatIsMissing.
 [[nodiscard]] std::string missingText(const ComputersPrograms& programs);
 
-/// What is said of an smbd in this state; see Computer::smbServer.
+/// The text for an smbd in this state; see Computer::smbServer.
 [[nodiscard]] std::string serverText(const ServerState& state);
 
 /// This computer itself.
 class SystemComputer : public Computer {
   public:
-    /// `helper` is the file of brindle-helper, and `domain` has the computer's accounts.
+    /// `helper` is the path of brindle-helper; `domain` holds the computer's accounts.
     SystemComputer(std::string helper, std::shared_ptr<const LocalDomain> domain)
         : helper_(std::move(helper)), domain_(std::move(domain)) {}
 

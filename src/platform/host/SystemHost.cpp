@@ -24,35 +24,26 @@ namespace platform {
 
 namespace {
 
-class SystemPaths : public Paths {
+class SystemPaths : public UserPaths {
   public:
     SystemPaths(SystemFiles files, std::string home, std::string defaultsFile, std::string resources)
-        : files_(std::move(files)), home_(std::move(home)), defaultsFile_(std::move(defaultsFile)),
-          resources_(std::move(resources)) {}
+        : UserPaths(std::move(home), std::move(defaultsFile), std::move(resources)),
+          files_(std::move(files)) {}
 
-    /// Before they are saved for the first time, the AFP settings are those that a new root begins with.
+    /// Until they are saved for the first time, the AFP settings are those of a new root.
     [[nodiscard]] std::string map(const std::string& path) const override {
-        std::string file = systemFileBehind(path, files_);
+        std::string file = systemFileFor(path, files_);
         std::error_code error;
         const bool isNew =
             path == systempath::appleFileServer && !std::filesystem::exists(file, error) && !error;
-        return isNew ? resources_ + "/AppleFileServer.plist" : file;
+        return isNew ? resources() + "/AppleFileServer.plist" : file;
     }
-
-    [[nodiscard]] std::string home() const override { return home_; }
-
-    [[nodiscard]] std::string defaultsFile() const override { return defaultsFile_; }
-
-    [[nodiscard]] std::string resources() const override { return resources_; }
 
   private:
     SystemFiles files_;
-    std::string home_;
-    std::string defaultsFile_;
-    std::string resources_;
 };
 
-/// The accounts are the lines of the computer's own files.
+/// The directory of this computer, whose accounts are in the computer's own files.
 class SystemDomain : public LocalDomain {
   public:
     explicit SystemDomain(const SystemFiles& files) : file_(files.storeFile()) {}
@@ -65,7 +56,7 @@ class SystemDomain : public LocalDomain {
     std::string file_;
 };
 
-/// Puts the authority in place: sudo's, or, where nobody has to be asked for a password, the user's consent.
+/// Sets the authority: sudo, or for root, who needs no password, the user's consent.
 void useAuthority(Services& services, const SystemHostOptions& options, const std::string& helper) {
     if (::geteuid() == 0) {
         const auto authority =
@@ -81,7 +72,7 @@ void useAuthority(Services& services, const SystemHostOptions& options, const st
 
 } // namespace
 
-std::string systemFileBehind(const std::string& path, const SystemFiles& files) {
+std::string systemFileFor(const std::string& path, const SystemFiles& files) {
     return path == systempath::smbConf           ? sambaBuild().configFile
            : path == systempath::appleFileServer ? files.appleFileServer()
                                                  : path;
@@ -96,7 +87,7 @@ Services makeSystemServices(const SystemHostOptions& options) {
     services.paths = std::make_shared<SystemPaths>(
         files, home, options.keepsUserDefaults ? defaultsFileOf(home) : std::string(),
         options.resources.empty() ? defaultResources() : options.resources);
-    services.accountNames = std::make_shared<DirectoryAccounts>(""); // the computer's own
+    services.accountNames = std::make_shared<DirectoryAccounts>(""); // the computer's own accounts
     services.processes = std::make_shared<HostProcesses>(&isServerOfComputer);
     services.localDomain = std::make_shared<SystemDomain>(files);
     const std::string helper = options.helper.empty() ? defaultHelper() : options.helper;

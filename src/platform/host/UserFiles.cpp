@@ -1,6 +1,7 @@
 #include "platform/host/UserFiles.h"
 
 #include <cstdlib>
+#include <utility>
 
 #include <pwd.h>
 #include <unistd.h>
@@ -9,7 +10,7 @@ namespace platform {
 
 namespace {
 
-/// The folder that `variable` names. Its rules say that a relative path in it is to be ignored.
+/// The folder that `variable` names, or `otherwise`. A relative path in such a variable must be ignored.
 std::string folderOf(const char* variable, const std::string& otherwise) {
     const char* value = std::getenv(variable);
     return value != nullptr && *value == '/' ? value : otherwise;
@@ -37,5 +38,8 @@ std::string defaultsFileOf(const std::string& home) {
 std::string historyFileOf(const std::string& home) {
     return folderOf("XDG_STATE_HOME", home + "/.local/state") + "/brindle/history.db";
 }
+
+UserPaths::UserPaths(std::string home, std::string defaultsFile, std::string resources)
+    : home_(std::move(home)), defaultsFile_(std::move(defaultsFile)), resources_(std::move(resources)) {}
 
 } // namespace platform

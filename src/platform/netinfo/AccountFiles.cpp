@@ -19,7 +19,7 @@ namespace platform {
 
 namespace {
 
-/// What the store keeps for accounts, by name.
+/// What the store holds about accounts, by name.
 class StoredAccounts {
   public:
     StoredAccounts(sqlite3* store, std::int64_t directory, int* error) {
@@ -31,8 +31,8 @@ class StoredAccounts {
         *error = rows.error();
     }
 
-    /// Appends the stored properties of the account `name` that `listed` does not hold, if they were written
-    /// for `number`, the value of the property `numberName`.
+    /// Appends the stored properties of the account `name` that are not in `listed`, provided that they were
+    /// written for an account whose property `numberName` has the value `number`.
     void append(std::string_view name, std::string_view numberName, std::string_view number,
                 std::span<const std::string_view> listed, ContentWriter& content) {
         const auto found = find(name);
@@ -56,7 +56,7 @@ class StoredAccounts {
     }
 
   private:
-    /// Accounts are mostly asked for in the order in which they came into the store.
+    /// Fast for accounts that are looked up in the order of the store, as they mostly are.
     std::optional<std::string_view> find(std::string_view name) {
         if (next_ < records_.size() && records_[next_].first == name) {
             return records_[next_++].second;
@@ -90,12 +90,12 @@ class StoredAccounts {
     }
 
     TextArena arena_;
-    std::vector<std::pair<std::string_view, std::string_view>> records_; ///< their names and contents
-    std::unordered_map<std::string_view, std::size_t> places_;           ///< of names among them, when needed
-    std::size_t next_ = 0;                                               ///< where the next one probably is
+    std::vector<std::pair<std::string_view, std::string_view>> records_; ///< names and contents
+    std::unordered_map<std::string_view, std::size_t> places_; ///< index by name, filled when needed
+    std::size_t next_ = 0;                                     ///< index of the record that is expected next
 };
 
-/// What the lines hold, and what only the writers of the store know.
+/// The properties that come from the lines, and the one that only the store's writers see.
 constexpr std::array<std::string_view, 8> userProperties = {"name", "uid",   "gid",    "realname",
                                                             "home", "shell", "passwd", accountStateProperty};
 constexpr std::array<std::string_view, 5> groupProperties = {"name", "gid", "passwd", "users",

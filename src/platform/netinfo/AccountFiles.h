@@ -9,35 +9,36 @@ struct sqlite3;
 
 namespace platform {
 
-/// A computer's own accounts, as passwd(5) and group(5) have them. Where a domain has such files, its /users
-/// and /groups are their lines, in their order; what the lines cannot hold (sharedDir, hint, the writers'
-/// properties) comes from the store's record of that name, if it was written for the account's own id. A
-/// record of the store without a line is not listed: its account is not made yet, or gone.
+/// The files with a computer's own accounts, in the form of passwd(5) and group(5). In a domain with such
+/// files, /users and /groups consist of their lines, in order. What the lines cannot hold (sharedDir, hint,
+/// the writers' properties) comes from the store's record of the same name, if that was written for an
+/// account with the same id. A record in the store without a line is not listed: its account has not been
+/// made yet, or is gone.
 struct AccountFiles {
     std::string passwd = "/etc/passwd";
     std::string group = "/etc/group";
 };
 
-/// The ids of the records that stand for lines. The store's own ids stay far below.
+/// The ids of the records that represent lines start here. The store's own ids stay far below.
 inline constexpr std::int64_t firstUserLineId = std::int64_t{1} << 30;
 inline constexpr std::int64_t firstGroupLineId = firstUserLineId + (std::int64_t{1} << 29);
 
-/// How far the writers of the store have come with an account; no reader sees this property.
+/// The property in which the store's writers note the state of an account; readers do not see it.
 inline constexpr const char* accountStateProperty = "_brindle_account";
-/// Its value for an account that they have made.
+/// Its value for an account that the writers have made.
 inline constexpr const char* accountStateMade = "made";
 
-/// The group in which the directory lists whoever may administer the computer.
+/// The group in which the directory lists those who may administer the computer.
 inline constexpr const char* administratorsGroup = "admin";
 inline constexpr unsigned administratorsGroupId = 80;
 
 /// The lines of the passwd file as records: name, uid, gid, realname (the comment's first field), home,
-/// shell, passwd, then the store's properties. `usersDirectory` is the id of the store's /users. `*error` is
-/// SQLite's code, or SQLITE_CANTOPEN when the file cannot be read.
+/// shell, passwd, then the store's properties. `usersDirectory` is the id of the store's /users. `*error`
+/// receives SQLite's code, or SQLITE_CANTOPEN when the file cannot be read.
 [[nodiscard]] RecordBlock userLines(const AccountFiles& files, sqlite3* store, std::int64_t usersDirectory,
                                     int* error);
-/// The lines of the group file as records: name, gid, passwd, users. The members of the groups sudo, wheel
-/// and admin are the members of "admin", which comes last.
+/// The lines of the group file as records: name, gid, passwd, users, then the store's properties. The group
+/// "admin" comes last, and its members are those of sudo, wheel and admin.
 [[nodiscard]] RecordBlock groupLines(const AccountFiles& files, sqlite3* store, std::int64_t groupsDirectory,
                                      int* error);
 

@@ -27,7 +27,7 @@ std::string textOf(const char* text) {
     return text == nullptr ? std::string() : std::string(text);
 }
 
-/// A line that takes its accounts from elsewhere is no account.
+/// False for a line that includes accounts from elsewhere ("+" or "-").
 bool isAccountName(std::string_view name) {
     return !name.empty() && name.front() != '+' && name.front() != '-';
 }
@@ -39,7 +39,7 @@ Status forEachLine(const std::string& path, Read read, NameOf nameOf,
     if (!bytes.isOk() || bytes->empty()) {
         return bytes.status();
     }
-    // Of a file on the disk, the library would ask for its place in it at every line.
+    // Read from memory, because on a file the library asks for its position at every line.
     const std::unique_ptr<std::FILE, CloseFile> file(::fmemopen(bytes->data(), bytes->size(), "r"));
     if (!file) {
         return Status::ofErrno("cannot read", path, errno);
@@ -108,7 +108,7 @@ AccountLimits readAccountLimits(const std::string& file) {
         for (const auto& [key, number] : known) {
             char* end = nullptr;
             const unsigned long read =
-                std::strtoul(value.c_str(), &end, 0); // as the system's own tools read it
+                std::strtoul(value.c_str(), &end, 0); // base 0, as the system's own tools do
             if (name == key && !value.empty() && *end == '\0') {
                 *number = static_cast<unsigned>(read);
             }

@@ -13,8 +13,8 @@
 
 namespace platform {
 
-// The lines of the files of accounts themselves, as those who change them need them: the accounts that the
-// computer has of its own, in their order. Of several lines with one name the first is the account.
+// The lines of the account files themselves, for those who change them: the computer's own accounts, in
+// order. Of several lines with the same name only the first counts.
 
 struct UserLine {
     std::string name;
@@ -31,7 +31,7 @@ struct GroupLine {
     std::vector<std::string> members;
 };
 
-/// Each fails when the file cannot be opened.
+/// Each fails when the file cannot be read.
 [[nodiscard]] Status forEachUserLine(const AccountFiles& files,
                                      const std::function<void(const passwd&)>& use);
 [[nodiscard]] Status forEachGroupLine(const AccountFiles& files,
@@ -39,18 +39,17 @@ struct GroupLine {
 [[nodiscard]] Result<std::vector<UserLine>> readUserLines(const AccountFiles& files);
 [[nodiscard]] Result<std::vector<GroupLine>> readGroupLines(const AccountFiles& files);
 
-/// Whether the members of the group of this name may administer the computer.
+/// Whether the members of this group may administer the computer.
 [[nodiscard]] bool isGroupOfAdministrators(std::string_view name);
 
-/// The computer's ordinary accounts have numbers from the lowest to the highest; those below are the
-/// system's.
+/// The numbers of ordinary accounts go from the lowest to the highest; lower numbers are the system's.
 struct AccountLimits {
     unsigned lowestUser = 1000;
     unsigned highestUser = 60000;
     unsigned lowestGroup = 1000;
 };
 
-/// The limits of this computer, login.defs(5); those above where it does not tell.
+/// The limits of this computer, from login.defs(5); the defaults above for those that it does not set.
 [[nodiscard]] AccountLimits readAccountLimits(const std::string& file = "/etc/login.defs");
 
 } // namespace platform

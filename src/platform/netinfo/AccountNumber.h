@@ -5,10 +5,10 @@
 
 namespace platform {
 
-/// An account's number as the directory writes it: nobody's 65534 and what 31 bits cannot hold are negative,
-/// as -2.
+/// An account's number as the directory writes it, a signed 32-bit number: one that does not fit becomes
+/// negative, and 65534 (nobody) becomes -2.
 [[nodiscard]] std::string directoryNumber(unsigned number);
-/// The number that such a string represents; `*valid` says whether it is one.
+/// Reads such a string. `*valid` receives whether it is a number; if not, returns 0.
 [[nodiscard]] unsigned accountNumber(std::string_view text, bool* valid);
 
 } // namespace platform

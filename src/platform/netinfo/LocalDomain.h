@@ -9,22 +9,23 @@
 
 namespace platform {
 
-/// Which store is the local domain. Every ni_open opens its file afresh.
+/// Names the store of the local domain. Every ni_open opens its file again.
 class LocalDomain {
   public:
     virtual ~LocalDomain() = default;
-    /// The store's file. It need not exist: opening it then fails.
+    /// The store's file. If it does not exist, opening it fails, unless accountFiles() says otherwise.
     [[nodiscard]] virtual std::string storeFile() const = 0;
 
-    /// The files whose lines are the domain's users and groups; none where all of them are in the store. With
-    /// such files the store may be missing: it then holds nothing but the records that always exist.
+    /// The files whose lines are the domain's users and groups; none when all of them are in the store. With
+    /// such files the store may be missing; the domain then behaves as if it held only the records that
+    /// always exist.
     [[nodiscard]] virtual std::optional<AccountFiles> accountFiles() const { return std::nullopt; }
 
-    /// The domain by whose accounts a change is judged: for a copy, what it is a copy of.
+    /// The domain whose accounts decide whether a change is allowed: for a copy the domain that was copied.
     [[nodiscard]] virtual const LocalDomain& original() const { return *this; }
 };
 
-/// A domain that is one store and nothing else.
+/// A domain that consists of one store.
 class StoreDomain : public LocalDomain {
   public:
     explicit StoreDomain(std::string file) : file_(std::move(file)) {}
@@ -35,7 +36,7 @@ class StoreDomain : public LocalDomain {
     std::string file_;
 };
 
-/// A store that all of another domain was copied to.
+/// A store into which the whole of another domain was copied.
 class CopiedDomain : public StoreDomain {
   public:
     CopiedDomain(std::string file, std::shared_ptr<const LocalDomain> original)

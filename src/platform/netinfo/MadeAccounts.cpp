@@ -13,7 +13,7 @@ namespace platform {
 
 namespace {
 
-/// The first value of the property; empty where there is none.
+/// The first value of the property; empty when there is none.
 std::string valueOf(const std::vector<StoredProperty>& properties, std::string_view name) {
     const auto found = std::ranges::find(properties, name, &StoredProperty::name);
     return found == properties.end() || found->values.empty() ? "" : found->values.front();
@@ -38,7 +38,7 @@ int readMade(sqlite3* database, bool isUser, std::vector<MadeAccount>* made) {
 
 Result<std::vector<MadeAccount>> madeAccounts(const LocalDomain& domain, int waitSeconds) {
     std::vector<MadeAccount> made;
-    std::error_code ignored; // what cannot be looked at cannot be opened either
+    std::error_code ignored; // a file that cannot be examined cannot be opened either
     if (!domain.accountFiles() || !std::filesystem::exists(domain.storeFile(), ignored)) {
         return made;
     }

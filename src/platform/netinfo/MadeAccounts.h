@@ -9,16 +9,16 @@ namespace platform {
 
 class LocalDomain;
 
-/// An account that the directory's writers have made. It is the computer's account of that name only where
-/// that has the same number.
+/// An account that the directory's writers have made. The computer's account of that name is the same account
+/// only if it has the same number.
 struct MadeAccount {
     bool isUser = false;
     std::string name;
     std::string number;
 };
 
-/// The accounts of the domain's files that were made by the writers of its store; none where there is no
-/// store. Waits for writers so many seconds. Fails when the store cannot be read.
+/// The accounts in the domain's files that were made by the writers of its store; empty when there is no
+/// store. Waits `waitSeconds` for writers. Fails when the store cannot be read.
 [[nodiscard]] Result<std::vector<MadeAccount>> madeAccounts(const LocalDomain& domain, int waitSeconds);
 
 } // namespace platform

@@ -9,11 +9,11 @@ namespace platform {
 
 namespace {
 
-/// How many records are read ahead: enough that a query for them costs next to nothing, and few enough to
-/// stay in a processor's cache.
+/// How many records are read ahead: enough that the query hardly costs time per record, and few enough to
+/// stay in the processor's cache.
 constexpr std::int64_t readAhead = 256;
 
-/// The record among those that have been read.
+/// Looks for the record among those that have been read.
 FoundRecord findAmongRead(const ni_domain& domain, std::uint32_t id) {
     const bool isLine = id >= firstUserLineId;
     const auto& lines = id >= firstGroupLineId ? domain.groups : domain.users;
@@ -21,7 +21,7 @@ FoundRecord findAmongRead(const ni_domain& domain, std::uint32_t id) {
     return {block, block != nullptr && *block ? (*block)->find(id) : nullptr};
 }
 
-/// Reads the record, and those after it where it is the one that is expected next.
+/// Reads the record, and, if it is the one that is expected next, those after it.
 ni_status readRecord(ni_domain& domain, std::uint32_t id, FoundRecord* found) {
     const bool isExpected = domain.expected == id;
     SqliteStatement& rows =
@@ -43,7 +43,7 @@ ni_status readRecord(ni_domain& domain, std::uint32_t id, FoundRecord* found) {
         return NI_BADID;
     }
     if (isExpected) {
-        // The last one is read again with those after it.
+        // The last one will be read again together with those after it.
         const bool isFull = std::ssize(block->records()) == readAhead;
         domain.expected = isFull ? block->records().back().id : -1;
     }
@@ -142,7 +142,7 @@ ni_status addStoredChildren(ni_domain& domain, std::uint32_t parent, ni_idlist* 
     }
     int error = rows.error();
     if (error != SQLITE_OK) {
-        children->niil_val.resize(before); // part of a list would pass for the whole
+        children->niil_val.resize(before); // a part of the list could be taken for the whole
     } else if (children->niil_val.size() > before) {
         domain.expected = children->niil_val[before];
         domain.expectedParent = parent;

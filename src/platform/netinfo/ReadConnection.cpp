@@ -17,13 +17,13 @@ namespace platform {
 
 namespace {
 
-constexpr int allPages = -1; // at one go
+constexpr int allPages = -1; // in one step
 
 double steadySeconds() {
     return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch()).count();
 }
 
-/// A folder of this user's own for a copy that no other program knows; removed with all in it.
+/// A private folder of this user for a temporary copy. Removed with its contents by the destructor.
 class PrivateFolder {
   public:
     PrivateFolder() {
@@ -38,7 +38,7 @@ class PrivateFolder {
     ~PrivateFolder() {
         if (!path_.empty()) {
             std::error_code
-                ignored; // nothing depends on it, and the system's temporary folder is swept anyway
+                ignored; // nothing depends on it, and the system cleans its temporary folder anyway
             std::filesystem::remove_all(path_, ignored);
         }
     }
@@ -52,7 +52,7 @@ class PrivateFolder {
     std::filesystem::path path_;
 };
 
-/// Copies an open store through SQLite's own descriptor: opening and closing another one would give up the
+/// Copies an open store through SQLite's own descriptor. Opening and closing another one would release the
 /// locks that this process holds on the file.
 int copyStore(sqlite3_file* from, const std::filesystem::path& to) {
     sqlite3_int64 left = 0;
@@ -85,8 +85,7 @@ int copyJournal(const std::string& from, const std::filesystem::path& to) {
     return out ? SQLITE_OK : SQLITE_FULL;
 }
 
-/// Copies the store and its journal while a shared lock keeps every writer from putting the store itself in
-/// order.
+/// Copies the store and its journal under a shared lock, so that no writer recovers the store meanwhile.
 int copyUnderLock(sqlite3* database, const std::string& file, const std::filesystem::path& folder) {
     sqlite3_file* handle = nullptr;
     if (sqlite3_file_control(database, "main", SQLITE_FCNTL_FILE_POINTER, &handle) != SQLITE_OK ||
@@ -96,12 +95,12 @@ int copyUnderLock(sqlite3* database, const std::string& file, const std::filesys
     if (const int error = handle->pMethods->xLock(handle, SQLITE_LOCK_SHARED); error != SQLITE_OK) {
         return error;
     }
-    int answer = copyJournal(file + "-journal", folder / "copy.db-journal");
-    if (answer == SQLITE_OK) {
-        answer = copyStore(handle, folder / "copy.db");
+    int error = copyJournal(file + "-journal", folder / "copy.db-journal");
+    if (error == SQLITE_OK) {
+        error = copyStore(handle, folder / "copy.db");
     }
     handle->pMethods->xUnlock(handle, SQLITE_LOCK_NONE);
-    return answer;
+    return error;
 }
 
 } // namespace
@@ -219,9 +218,9 @@ int ReadConnection::begin() {
 
 int ReadConnection::beginOrCopy() {
     int error = beginHere();
-    // A read-only connection that finds a killed writer's journal says that it would have to write.
-    // Between that answer and the copy another writer may have put the store in order: the copy then finds no
-    // journal.
+    // A read-only connection that finds a killed writer's journal fails, because it would have to write. If
+    // another writer recovers the store before it is copied, there is no journal to copy any more, and the
+    // store is opened again.
     for (int tries = 0; tries < 5 && (error & 0xff) == SQLITE_READONLY; ++tries) {
         error = recoverCopy();
         if (error == SQLITE_CANTOPEN) {
@@ -246,7 +245,7 @@ int ReadConnection::recoverCopy() {
     const int error =
         sqlite3_open_v2(copy.c_str(), &opened, SQLITE_OPEN_READWRITE | sqliteOwnConnection, nullptr);
     database_.reset(opened);
-    // Reading undoes the changes in the copy; from then on the open descriptor is all that is needed.
+    // Reading recovers the copy. After that the open descriptor is enough, so the folder may be removed.
     return error == SQLITE_OK ? beginHere() : error;
 }
 

@@ -7,29 +7,30 @@
 
 namespace platform {
 
-/// A store opened for reading only, in one read transaction from begin() on. Belongs to an open domain.
+/// A store that is open for reading only, in one read transaction from begin() on.
 class ReadConnection {
   public:
     ReadConnection() = default;
     ReadConnection(const ReadConnection&) = delete;
     ReadConnection& operator=(const ReadConnection&) = delete;
 
-    /// SQLITE_OK, or why `file` cannot be opened. Nothing is read yet.
+    /// Returns SQLITE_OK, or why `file` cannot be opened. Nothing is read yet.
     [[nodiscard]] int open(const std::string& file);
-    /// Opens a store in memory that holds nothing but the records that always exist.
+    /// Opens a store in memory that holds only the records that always exist.
     [[nodiscard]] int openEmpty();
-    /// Begins the transaction, waiting for writers. Where a killed writer left its changes half done, or the
-    /// store has an older layout, the connection becomes one to a copy that is put in order, as the next
-    /// writer would put the store itself. SQLITE_OK, or what failed; it can be tried again then.
+    /// Begins the transaction, waiting for writers. If a killed writer left its changes half done, or the
+    /// store has an older layout, the connection changes to a private copy that is recovered or upgraded, as
+    /// the next writer would do with the store itself. Returns SQLITE_OK, or what failed; it can then be
+    /// called again.
     [[nodiscard]] int begin();
 
     [[nodiscard]] sqlite3* database() const { return database_.get(); }
 
-    /// How long calls wait for a writer, in seconds; none: for ever. Where the action under way has waited in
-    /// vain already they do not, and whoever shows what is waited for may end it earlier (Patience).
+    /// How long calls wait for a writer, in seconds; none: for ever. They do not wait when the current action
+    /// has already waited in vain, and the host's Patience may end a wait earlier.
     std::optional<int> waitSeconds;
 
-    /// For how many whole seconds the last begin() waited.
+    /// How many whole seconds the last begin() waited.
     [[nodiscard]] int waitedSeconds() const { return waitedSeconds_; }
 
   private:

@@ -15,7 +15,7 @@ std::string_view TextArena::keep(std::string_view text) {
         end_ = chunks_.back().get() + size;
     }
     char* place = end_ - free_;
-    std::ranges::copy(text, place); // an empty string may have no data
+    std::ranges::copy(text, place); // works for an empty view, whose data may be null
     free_ -= text.size();
     return {place, text.size()};
 }

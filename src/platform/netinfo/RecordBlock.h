@@ -13,7 +13,8 @@ namespace platform {
 
 class SqliteStatement;
 
-/// Keeps many short strings in a few blocks of memory. The views that it returns live as long as it does.
+/// Stores many short strings in a few blocks of memory. The views that it returns are valid as long as it
+/// lives.
 class TextArena {
   public:
     [[nodiscard]] std::string_view keep(std::string_view text);
@@ -22,14 +23,14 @@ class TextArena {
     static constexpr std::size_t chunkSize = 65536;
 
     std::vector<std::unique_ptr<char[]>> chunks_;
-    char* end_ = nullptr;  ///< of the last chunk
-    std::size_t free_ = 0; ///< bytes left before it
+    char* end_ = nullptr;  ///< end of the last chunk
+    std::size_t free_ = 0; ///< bytes left in that chunk
 };
 
-/// Records read from a store in one pass over it, with all their properties and values in stored order.
-/// Reading records one at a time would take a query each, and a report of a large directory needs them all. A
-/// record's content is unpacked on request, one record at a time, so that a large directory takes little more
-/// memory than its strings.
+/// Records read from a store with one query, with all their properties and values in stored order. A report
+/// of a large directory needs all records, and reading them one at a time would take a query each. A record's
+/// content is unpacked on request, one record at a time, so that a large directory takes little more memory
+/// than its strings.
 class RecordBlock {
   public:
     struct Property {
@@ -45,28 +46,29 @@ class RecordBlock {
 
     /// The records below `parent`. On failure the result is empty and `*error` is SQLite's code.
     [[nodiscard]] static RecordBlock children(sqlite3* database, std::int64_t parent, int* error);
-    /// The records that `rows` answers, each an id and a content, from the lowest id on. On failure as above.
+    /// The records that `rows` returns, each as an id and a content, in ascending order of id. Failures as
+    /// above.
     [[nodiscard]] static RecordBlock of(SqliteStatement& rows, int* error);
 
-    /// Adds a record at the end; its id is higher than those before it.
+    /// Adds a record at the end. `id` must be higher than those before it.
     void add(std::int64_t id, std::string_view content);
 
     /// In the order in which they were made.
     [[nodiscard]] const std::vector<Record>& records() const { return records_; }
 
-    /// The record `id`, or null. Finding records in their order is fast.
+    /// The record `id`, or null. Fast when records are looked up in order.
     [[nodiscard]] const Record* find(std::int64_t id) const;
 
-    // What follows takes one of the records above. Spans and pointers last until another record is asked for,
-    // texts as long as the block.
+    // The following take one of the records above. The spans and pointers that they return are valid until
+    // they are called for another record, the strings as long as the block.
 
-    /// False when the store is damaged at this record. Its properties end there.
+    /// False when the record is damaged in the store. Its properties then end where the damage begins.
     [[nodiscard]] bool isWhole(const Record& record) const;
     [[nodiscard]] std::span<const Property> properties(const Record& record) const;
     /// The record's first property of that name, or null.
     [[nodiscard]] const Property* property(const Record& record, std::string_view name) const;
 
-    /// The values of a property of the record that was last asked for.
+    /// The values of a property of the record that was last passed to one of the functions above.
     [[nodiscard]] std::span<const std::string_view> values(const Property& property) const {
         return std::span(values_).subspan(property.firstValue, property.valueCount);
     }
@@ -76,8 +78,8 @@ class RecordBlock {
 
     TextArena arena_;
     std::vector<Record> records_;
-    mutable std::size_t next_ = 0; ///< where the next record is expected
-    // The record that was last asked for.
+    mutable std::size_t next_ = 0; ///< where find() looks first
+    // The record that was unpacked last.
     mutable const char* takenApart_ = nullptr; ///< where its content begins
     mutable bool isWhole_ = false;
     mutable std::vector<Property> properties_;

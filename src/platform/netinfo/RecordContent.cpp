@@ -56,7 +56,7 @@ bool ContentReader::number(std::size_t* number) {
         const auto byte = static_cast<unsigned char>(rest_[length++]);
         *number |= static_cast<std::size_t>(byte & (moreFollows - 1U)) << shift;
         if (byte == 0 && length > 1) {
-            return fail(); // no writer makes a number longer than it need be
+            return fail(); // longer than a writer would make it
         }
         if (byte < moreFollows) {
             rest_.remove_prefix(length);

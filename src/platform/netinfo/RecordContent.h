@@ -8,11 +8,11 @@
 
 namespace platform {
 
-// A record's properties as the store keeps them: one text of bytes, so that a directory is read with one row
-// a record. Properties and values stand in their order, and nothing in them is special. For each property its
-// name, the number of its values, and each value; a name and a value are their length and their bytes.
-// Numbers are unsigned LEB128: seven bits a byte, the lowest first, and the top bit set in all bytes but the
-// last, and never more bytes than the number needs.
+// A record's properties as the store holds them: one string of bytes, so that a record takes one row.
+// Properties and values are in order, and may hold any bytes. Each property is its name, the number of its
+// values, and the values; a name or value is its length followed by its bytes. Numbers are unsigned LEB128:
+// seven bits per byte, the lowest first, with the top bit set in all bytes except the last, in as few bytes
+// as possible.
 
 struct StoredProperty {
     std::string name;
@@ -24,11 +24,11 @@ struct StoredProperty {
 /// Packs properties one after another.
 class ContentWriter {
   public:
-    /// Begins a property, of which `valueCount` values follow.
+    /// Begins a property. `valueCount` calls of value() must follow.
     void property(std::string_view name, std::size_t valueCount);
     void value(std::string_view value);
 
-    /// A property with one value.
+    /// Adds a property with one value.
     void single(std::string_view name, std::string_view text) {
         property(name, 1);
         value(text);
@@ -36,26 +36,27 @@ class ContentWriter {
 
     [[nodiscard]] const std::string& content() const { return content_; }
 
-    /// Begins anew.
+    /// Removes everything, to start again.
     void clear() { content_.clear(); }
 
   private:
     std::string content_;
 };
 
-/// Reads a record's content from its beginning. The strings are views into it.
+/// Reads a record's content from start to end. The strings that it returns are views into the content.
 class ContentReader {
   public:
     explicit ContentReader(std::string_view content) : rest_(content) {}
 
-    /// False at the end, and when the content is damaged. All values of the property before were read.
+    /// False at the end, and when the content is damaged. All values of the previous property must have been
+    /// read.
     [[nodiscard]] bool nextProperty(std::string_view* name, std::size_t* valueCount);
 
-    /// False when the content is damaged. Asked `valueCount` times for each property.
+    /// False when the content is damaged. Call it `valueCount` times for each property.
     [[nodiscard]] bool nextValue(std::string_view* value) { return text(value); }
 
-    /// The content is shorter than its numbers say, or a number is longer than it need be. Nothing more is
-    /// read then: what is read whole packs into the same bytes.
+    /// Whether the content is shorter than its numbers say, or a number is longer than necessary. Nothing
+    /// more is read after that. Content that is read without damage would be packed into the same bytes.
     [[nodiscard]] bool damaged() const { return damaged_; }
 
   private:
@@ -67,7 +68,7 @@ class ContentReader {
     bool damaged_ = false;
 };
 
-/// All of it as copies; false when it is damaged.
+/// Appends copies of all properties to `properties`; false when the content is damaged.
 [[nodiscard]] bool unpackContent(std::string_view content, std::vector<StoredProperty>* properties);
 
 } // namespace platform

@@ -33,12 +33,12 @@ bool SqliteStatement::step() {
     if (error_ != SQLITE_OK) {
         return false;
     }
-    const int answer = sqlite3_step(statement_);
-    if (answer == SQLITE_ROW) {
+    const int result = sqlite3_step(statement_);
+    if (result == SQLITE_ROW) {
         return true;
     }
-    if (answer != SQLITE_DONE) {
-        error_ = answer;
+    if (result != SQLITE_DONE) {
+        error_ = result;
     }
     return false;
 }

@@ -9,19 +9,20 @@
 
 namespace platform {
 
-// SQLite's connections and statements as values.
+// SQLite's connections and statements with owners.
 
 struct CloseConnection {
     void operator()(sqlite3* database) const { sqlite3_close_v2(database); }
 };
 
-/// A connection belongs to one thread: SQLite need not take a lock at every value that is read.
+/// Flags for a connection that only one thread uses, so that SQLite need not take a lock for every value it
+/// reads.
 inline constexpr int sqliteOwnConnection = SQLITE_OPEN_PRIVATECACHE | SQLITE_OPEN_NOMUTEX;
 
 using SqliteConnection = std::unique_ptr<sqlite3, CloseConnection>;
 
-/// A prepared statement. Parameters count from 1, columns from 0. Texts that are bound must live until the
-/// last step.
+/// A prepared statement. Parameters are numbered from 1, columns from 0. Strings that are bound must live
+/// until the last step.
 class SqliteStatement {
   public:
     SqliteStatement(sqlite3* database, std::string_view sql);
@@ -35,17 +36,17 @@ class SqliteStatement {
     SqliteStatement& bind(int parameter, std::string_view text);
     SqliteStatement& bindBytes(int parameter, std::string_view bytes);
 
-    /// True while there is a row. After the last one, or a failure, error() tells which it was.
+    /// Steps to the next row. False after the last one or on failure; error() says which.
     [[nodiscard]] bool step();
 
-    /// SQLITE_OK or the code of what failed so far.
+    /// SQLITE_OK, or the code of the first failure.
     [[nodiscard]] int error() const { return error_; }
 
     void reset() { sqlite3_reset(statement_); }
 
     [[nodiscard]] std::int64_t number(int column) const { return sqlite3_column_int64(statement_, column); }
 
-    /// A text or bytes. Lives until the next step.
+    /// A string or bytes; valid until the next step.
     [[nodiscard]] std::string_view text(int column) const;
 
   private:

@@ -18,7 +18,7 @@ namespace platform {
 
 struct Store::Connection {
     SqliteConnection database;
-    /// Statements by their text: filling a directory runs the same few thousands of times.
+    /// Prepared statements by their SQL: filling a directory runs the same few of them thousands of times.
     std::map<std::string, std::unique_ptr<SqliteStatement>, std::less<>> statements;
 
     SqliteStatement& statement(std::string_view sql) {
@@ -30,7 +30,7 @@ struct Store::Connection {
         return *place->second;
     }
 
-    /// Runs a statement that answers no rows. SQLITE_OK, or what failed.
+    /// Runs a statement that returns no rows. Returns SQLITE_OK, or what failed.
     template <class... Values>
     int run(std::string_view sql, const Values&... values) {
         SqliteStatement& change = statement(sql);
@@ -46,8 +46,7 @@ struct Store::Connection {
 
 namespace {
 
-/// A number in the header of an SQLite file (https://www.sqlite.org/fileformat.html): 4 bytes, the highest
-/// first.
+/// A number in the header of an SQLite file (https://www.sqlite.org/fileformat.html): 4 bytes, big-endian.
 std::uint32_t headerNumber(std::span<const char> header, std::size_t offset) {
     std::uint32_t number = 0;
     for (const char each : header.subspan(offset, 4)) {
@@ -56,7 +55,7 @@ std::uint32_t headerNumber(std::span<const char> header, std::size_t offset) {
     return number;
 }
 
-/// The first property of that name; a new one at the end when there is none.
+/// The first property of that name; if there is none, a new one at the end.
 StoredProperty& propertyIn(std::vector<StoredProperty>& properties, std::string_view name) {
     const auto place = std::ranges::find(properties, name, &StoredProperty::name);
     return place != properties.end() ? *place
@@ -92,7 +91,7 @@ void Store::begin() {
     const bool isStore = application.step() && application.number(0) == storeApplicationId && version.step();
     const std::int64_t layout = isStore ? version.number(0) : 0;
     if (layout == storeVersionOfRows) {
-        application.reset(); // a statement that is still reading would keep tables from being dropped
+        application.reset(); // tables cannot be dropped while a statement is reading
         version.reset();
         check(upgradeStore(connection_->database.get()));
     } else if (layout > storeVersion) {
@@ -127,7 +126,7 @@ void Store::open(Opening opening) {
     const int error = sqlite3_open_v2(file_.c_str(), &opened, flags, nullptr);
     connection_->database.reset(opened);
     check(error);
-    // SQLite falls back to reading where writing is forbidden.
+    // SQLite opens a file read-only when writing is forbidden.
     if (status_.isOk() && sqlite3_db_readonly(opened, "main") == 1) {
         check(SQLITE_READONLY);
     }
@@ -243,7 +242,7 @@ void Store::removeRecord(Record record) {
     if (!status_.isOk()) {
         return;
     }
-    // UNION leaves out what it has already: parents that stand in a circle, as damage may leave them, end.
+    // UNION drops duplicates, so the recursion ends even if damage has left a circle of parents.
     const std::string below = "WITH RECURSIVE below (id) AS (SELECT ?1 UNION SELECT r.id FROM record r JOIN "
                               "below ON r.parent = below.id) ";
     SqliteStatement& rootBelow = connection_->statement(below + "SELECT 1 FROM below WHERE id = ?2");

@@ -16,29 +16,30 @@ struct sqlite3;
 
 namespace platform {
 
-/// The directory's store opened for writing: a tree of records in an SQLite file, each with properties and
-/// values in order. Texts are bytes. All changes between construction and commit() are one transaction: a
-/// writer that is killed leaves the store as it was or as it was meant to be. Writers wait for each other and
-/// for readers, and readers for them, all at the beginning: the commit then meets nobody who could make it
-/// fail. So nothing may read the file through another connection while the same thread has a Store. Rules
-/// about what may be written are the tools' own.
+/// The directory's store, opened for writing: a tree of records in an SQLite file, each with properties and
+/// values in order. Strings are bytes. All changes between construction and commit() are one transaction: a
+/// writer that is killed leaves the store either unchanged or completely changed. Writers wait for each other
+/// and for readers, and readers for writers, when they begin, so that nobody can make the commit fail. So a
+/// thread that has a Store must not read the file through another connection. The tools decide what may be
+/// written.
 ///
-/// The first failure stays: from then on nothing is read or written, operations return nothing, and commit()
-/// returns the failure, which says what to do. So only whoever decides by what was read asks status().
+/// The first failure is kept: from then on nothing is read or written, operations return nothing, and
+/// commit() returns the failure, which says what to do. So only a caller whose decisions depend on what was
+/// read needs to check status().
 class Store {
   public:
     using Record = std::int64_t;
     static constexpr Record root = 0;
 
-    /// How long a writer waits for others, where it is told nothing else.
+    /// How long a writer waits for others by default.
     static constexpr int waitSeconds = 30;
 
     enum class Opening { Existing, Create };
 
-    /// Opens `file` and begins the transaction, waiting so many seconds for those who use it. Fails also when
-    /// the file is missing, exists and is to be created, or was written by a later Brindle.
+    /// Opens `file` and begins the transaction, waiting up to `patience` seconds for others who use it. Also
+    /// fails when the file is missing (Existing), exists already (Create), or was written by a later Brindle.
     explicit Store(const std::string& file, Opening opening = Opening::Existing, int patience = waitSeconds);
-    /// Rolls back what was not committed.
+    /// Undoes what was not committed.
     ~Store();
     Store(const Store&) = delete;
     Store& operator=(const Store&) = delete;
@@ -46,43 +47,42 @@ class Store {
     /// Ok, or the first failure.
     [[nodiscard]] const Status& status() const { return status_; }
 
-    /// Whether this Brindle knows the layout of the store at `file`. A file that is no store, or is missing,
-    /// passes: opening it says so.
+    /// Fails when the store at `file` was written by a later Brindle. A file that is missing or not a store
+    /// passes: opening it will fail.
     [[nodiscard]] static Status checkVersion(const std::string& file);
 
-    /// The record called `name` right below `parent`.
+    /// The child of `parent` called `name`, or none.
     [[nodiscard]] std::optional<Record> child(Record parent, std::string_view name);
-    /// The record that `components` lead to from the root.
+    /// The record at the path `components`, starting from the root, or none.
     [[nodiscard]] std::optional<Record> find(std::span<const std::string> components);
-    /// The name of another record right below `parent` that differs from `name` in the case of letters only.
+    /// The name of another child of `parent` that differs from `name` only in the case of letters, or none.
     [[nodiscard]] std::optional<std::string> childInOtherCase(Record parent, std::string_view name);
-    /// All records right below `parent`, as this transaction sees them.
+    /// All children of `parent`, as this transaction sees them.
     [[nodiscard]] RecordBlock children(Record parent);
-    /// Adds a record after its siblings, with the property `name`. No sibling has that name.
+    /// Adds a record after its siblings, with the property `name`. No sibling may have that name.
     Record addRecord(Record parent, std::string_view name);
-    /// The same with all its properties, the first of which is `name`.
+    /// The same with several properties. The first must be `name`.
     Record addRecord(Record parent, std::span<const StoredProperty> properties);
-    /// Renames a record: its place in paths and its `name` property. No sibling has that name.
+    /// Renames a record, in paths and in its property `name`. No sibling may have that name.
     void rename(Record record, std::string_view name);
-    /// Takes a record away, with all records below it. Fails in a damaged store where the root is one of
-    /// them.
+    /// Removes a record and all records below it. Fails in a damaged store in which the root is among them.
     void removeRecord(Record record);
 
     /// The property's values; none when the record has no such property.
     [[nodiscard]] std::optional<std::vector<std::string>> values(Record record, std::string_view property);
-    /// Replaces the property's values where it stands, or makes it at the record's end.
+    /// Replaces the property's values in place, or adds the property at the record's end.
     void setValues(Record record, std::string_view property, std::span<const std::string> values);
-    /// Adds values at the property's end, making it when it is missing.
+    /// Adds values to the end of the property, making it if it is missing.
     void appendValues(Record record, std::string_view property, std::span<const std::string> values);
     void removeProperty(Record record, std::string_view property);
 
-    /// Ends the transaction. On failure nothing was changed.
+    /// Ends the transaction. On failure nothing has changed.
     [[nodiscard]] Status commit();
-    /// Takes back all changes and begins anew, unless something failed.
+    /// Undoes all changes and begins a new transaction, unless something failed.
     void undo();
 
-    /// One of several steps of the transaction: what it changed is taken back unless it is kept. Steps do not
-    /// overlap.
+    /// One of several steps of the transaction: its changes are undone unless keep() is called. Steps must
+    /// not overlap.
     class Step {
       public:
         explicit Step(Store& store);
@@ -101,13 +101,13 @@ class Store {
     struct Connection;
 
     void open(Opening opening);
-    /// Begins the transaction of a store that exists, in today's layout.
+    /// Begins the transaction in an existing store, upgrading it to today's layout.
     void begin();
     void create();
     void execute(const char* sql);
     template <class... Values>
     void change(std::string_view sql, const Values&... values);
-    void check(int error); ///< remembers a failure: any but 0
+    void check(int error); ///< records a failure unless `error` is SQLITE_OK
     void fail(std::string why);
     [[nodiscard]] std::vector<StoredProperty> load(Record record);
     void save(Record record, std::span<const StoredProperty> properties);

@@ -10,14 +10,13 @@
 #include <cstdint>
 #include <filesystem>
 #include <system_error>
-#include <utility>
 #include <vector>
 
 namespace platform {
 
 namespace {
 
-constexpr int allPages = -1; // at one go
+constexpr int allPages = -1; // in one step
 
 int copyAll(sqlite3* from, sqlite3* to) {
     int error =
@@ -62,7 +61,7 @@ ni_status readRecords(ni_domain* domain, const char* directory, std::vector<Prop
     return status;
 }
 
-/// A store with the records that always exist.
+/// Makes a store with the records that always exist.
 Status makeEmptyStore(const std::string& file) {
     Store store(file, Store::Opening::Create);
     for (const char* directory : directoriesOfAccounts) {
@@ -72,7 +71,7 @@ Status makeEmptyStore(const std::string& file) {
     return store.commit();
 }
 
-/// Puts the records in the place of those that the store has there.
+/// Replaces the records below `directory` in the store with these.
 void replaceRecords(Store& store, const char* directory, const std::vector<Properties>& records) {
     auto parent = store.child(Store::root, directory);
     if (!parent) {
@@ -90,7 +89,7 @@ void replaceRecords(Store& store, const char* directory, const std::vector<Prope
 } // namespace
 
 Status copyDirectory(const LocalDomain& domain, const std::string& to, int waitSeconds, bool* isUnreadable) {
-    std::error_code ignored; // what cannot be looked at cannot be copied either
+    std::error_code ignored; // a file that cannot be examined cannot be copied either
     const bool hasStore = std::filesystem::exists(domain.storeFile(), ignored);
     if (!domain.accountFiles()) {
         return hasStore ? copyStore(domain.storeFile(), to, waitSeconds, isUnreadable) : Status();

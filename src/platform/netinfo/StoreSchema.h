@@ -4,17 +4,17 @@
 
 namespace platform {
 
-// What readers and writers of a store share: its marks and its layout.
+// What readers and writers of a store share: how it is marked and its layout.
 
 /// Marks an SQLite file as a directory's store (the bytes "BrDi").
 inline constexpr int storeApplicationId = 0x42724469;
-/// The layout that is written. A later Brindle's store has a higher one.
+/// The layout that this Brindle writes. A later Brindle's has a higher number.
 inline constexpr int storeVersion = 2;
-/// What reading a store with a higher one fails with; SQLite uses this number for nothing.
+/// The error for a store with a higher layout number. SQLite does not use this code itself.
 inline constexpr int storeIsNewer = SQLITE_FORMAT;
 inline constexpr const char* newerStoreText =
     "it was written by a newer Brindle; use that one, this one leaves the file as it is";
-/// The layout before: a row for each property and each value of a record.
+/// The previous layout, with a row for each property and each value of a record.
 inline constexpr int storeVersionOfRows = 1;
 
 /// A record's place in paths is its parent and name; its `name` property holds the same name. Ids grow and
@@ -32,7 +32,7 @@ CREATE INDEX record_by_parent ON record (parent);
 INSERT INTO record (id, parent, name) VALUES (0, NULL, '');
 )";
 
-/// The records that always exist, in a store that holds no others.
+/// Makes the records that always exist in an empty store.
 inline constexpr const char* standingRecords = R"(
 INSERT INTO record (id, parent, name) VALUES (1, 0, 'users'), (2, 0, 'groups'), (3, 0, 'config'), (4, 3, 'Brindle');
 )";

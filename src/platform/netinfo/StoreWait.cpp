@@ -13,17 +13,18 @@
 
 #include <sqlite3.h>
 #include <sys/stat.h>
+#include <sys/statvfs.h>
 #include <unistd.h>
 
 namespace platform {
 
 namespace {
 
-/// SQLite's locks stand on bytes of their own, from this offset on (https://www.sqlite.org/fileformat.html).
+/// SQLite locks bytes from this offset on (https://www.sqlite.org/fileformat.html).
 constexpr unsigned long long firstLockByte = 0x40000000;
 constexpr unsigned long long lockBytes = 512;
 
-/// The store that somebody held for longer than was waited, and in which action that was.
+/// The store that was last waited for in vain, and the action in which that happened.
 struct VainWait {
     std::string file;
     std::uint64_t action = 0;
@@ -33,10 +34,10 @@ struct DirectoryProblem {
     std::string text;
 };
 
-/// A lock as the system lists it; see proc_locks(5).
+/// A lock as /proc/locks lists it; see proc_locks(5).
 struct FileLock {
     bool isWriting = false;
-    bool isWaitedFor = true; ///< false: it waits itself
+    bool isWaitedFor = true; ///< false: it is itself waiting for a lock
     pid_t holder = 0;
     unsigned long long inode = 0;
     unsigned long long firstByte = 0;
@@ -62,12 +63,20 @@ FileLock parsedLock(const std::string& line) {
     return lock;
 }
 
-/// A process that serves this one, behind sudo perhaps.
+/// Whether the process is this one or was started by it, perhaps through sudo.
 bool isOwn(pid_t process) {
     while (process > 1 && process != ::getpid()) {
         process = parentOf(process);
     }
     return process == ::getpid();
+}
+
+/// Whether the disk of `file` takes more files, however much room there is for bytes.
+bool hasRoomForFiles(const std::string& file) {
+    struct statvfs disk {};
+
+    // Some file systems have no limit and report neither number.
+    return ::statvfs(file.c_str(), &disk) != 0 || disk.f_files == 0 || disk.f_favail > 0;
 }
 
 } // namespace
@@ -119,6 +128,9 @@ std::string storeProblem(const std::string& file, int error, int waited) {
     case SQLITE_PERM:
         return "it may only be read; allow writing to it and its folder";
     case SQLITE_CANTOPEN:
+        if (!hasRoomForFiles(file)) { // a change needs a journal beside the store
+            return "its disk has no room for another file; remove files that are not needed, and try again";
+        }
         return std::filesystem::exists(file, ignored)
                    ? "it cannot be opened; check who may read and write it and its folder"
                    : "it does not exist; start brindle once to have it made";

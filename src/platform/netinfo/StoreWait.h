@@ -4,22 +4,22 @@
 
 namespace platform {
 
-/// Who keeps others from using the SQLite file, as "PROGRAM (process ID)"; of several the one that writes.
-/// Empty where no other process does, or none that can be seen. Opens nothing: a descriptor of the file that
-/// is closed would give up the locks of this process.
+/// Which other process has locked the SQLite file, as "PROGRAM (process ID)"; if there are several, the one
+/// that writes. Empty when no other process has locked it, or none that can be seen. Does not open the file,
+/// because closing a descriptor of it would release this process's locks.
 [[nodiscard]] std::string storeHolder(const std::string& file);
 
-/// Why SQLite's `error` keeps the store `file` from being used, and what to do. `waited` is for how many
+/// Says why the store `file` cannot be used, given SQLite's `error`, and what to do. `waited` is how many
 /// seconds the caller has waited for others.
 [[nodiscard]] std::string storeProblem(const std::string& file, int error, int waited);
 
-/// An action uses the directory many times, and waits for whoever holds it once. Whether one of the waits of
-/// the action that is under way has ended in vain.
+/// Whether the current action has already waited in vain for the file. An action uses the directory many
+/// times, but waits only once for whoever holds it.
 [[nodiscard]] bool hasWaitedInVain(const std::string& file);
-/// One has; logs who holds the file.
+/// Records that a wait was in vain, and logs who holds the file.
 void rememberVainWait(const std::string& file, int waited);
 
-/// What keeps the directory from being read: the reason of the last attempt, or empty when that went well.
+/// Why the last attempt to read the directory failed; empty when it succeeded.
 [[nodiscard]] const std::string& directoryProblem();
 void setDirectoryProblem(std::string problem);
 

@@ -31,7 +31,7 @@ void addMatches(const platform::RecordBlock& block, std::string_view property, s
     packed.value(value);
     for (const auto& record : block.records()) {
         if (record.content.find(packed.content()) == std::string_view::npos) {
-            continue; // nearly all of a large directory, which need not be taken apart
+            continue; // true of nearly all records of a large directory, which then need not be unpacked
         }
         const auto* stored = block.property(record, property);
         if (stored != nullptr && std::ranges::count(block.values(*stored), value) > 0) {
@@ -59,7 +59,7 @@ ni_status ni_opendomain(const platform::LocalDomain& local, ni_domain** domain) 
     auto opened = std::make_unique<ni_domain>();
     opened->file = file;
     opened->accounts = std::move(accounts);
-    // Nothing is written on a computer where nothing was changed yet.
+    // On a computer where nothing has been changed yet there is no store.
     const bool isMissing = ::access(file.c_str(), F_OK) != 0 && errno == ENOENT;
     const int error = isMissing ? opened->connection.openEmpty() : opened->connection.open(file);
     if (error == SQLITE_OK) {

@@ -26,8 +26,8 @@ ssize_t readSome(int descriptor, char* buffer, std::size_t size) {
     return count;
 }
 
-/// How many bytes to make room for at first: what a regular file has and one more, which would show that it
-/// grows; of anything else, all that may come.
+/// How many bytes to make room for at first: for a regular file its size and one more, so that growth is
+/// noticed; for anything else as much as may come.
 std::size_t firstRoom(int descriptor, std::size_t limit) {
     struct stat status {};
 
@@ -81,7 +81,7 @@ Result<std::string> readAll(int descriptor, const std::string& name, std::size_t
 
     if (::fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode)) {
         bytes.reserve(static_cast<std::size_t>(
-            status.st_size)); // so that a long file is not copied as the string grows
+            status.st_size)); // so that the string does not copy a long file as it grows
     }
     std::array<char, 65536> buffer{};
     while (true) {

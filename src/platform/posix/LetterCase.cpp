@@ -10,8 +10,7 @@
 namespace platform {
 
 std::string lowercased(std::string_view text) {
-    // Independent of the user's language. Where the system lacks this locale, "C" still knows the ASCII
-    // letters.
+    // Independent of the user's language. If the system lacks this locale, "C" still knows the ASCII letters.
     static const locale_t named = ::newlocale(LC_CTYPE_MASK, "C.UTF-8", nullptr);
     static const locale_t letters = named != nullptr ? named : ::newlocale(LC_CTYPE_MASK, "C", nullptr);
     std::string small;
@@ -23,7 +22,7 @@ std::string lowercased(std::string_view text) {
             const auto letter = ::towlower_l(static_cast<wint_t>(character), letters);
             utf8::append(static_cast<char32_t>(letter), std::back_inserter(small));
         } else {
-            small += text[start]; // no UTF-8
+            small += text[start]; // not UTF-8
         }
     }
     return small;

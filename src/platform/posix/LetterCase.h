@@ -5,8 +5,8 @@
 
 namespace platform {
 
-/// The string with each capital letter of any script replaced by its small letter, character by character.
-/// Bytes that are no UTF-8 stay.
+/// `text` with each capital letter of any script replaced by its small letter, character by character. Bytes
+/// that are not UTF-8 stay as they are.
 [[nodiscard]] std::string lowercased(std::string_view text);
 
 } // namespace platform

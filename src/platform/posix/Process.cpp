@@ -92,7 +92,7 @@ void writeReady(FileDescriptor& to, std::string_view& bytes) {
     }
 }
 
-/// The time to a deadline as poll(2) takes it: -1 without one.
+/// The time left until a deadline, in the form that poll(2) takes: -1 without one.
 int pollTime(std::optional<steady_clock::time_point> deadline) {
     if (!deadline) {
         return -1;
@@ -101,12 +101,12 @@ int pollTime(std::optional<steady_clock::time_point> deadline) {
     return static_cast<int>(std::clamp<long long>(left.count(), 0, std::numeric_limits<int>::max()));
 }
 
-/// Feeds and empties the child's pipes until both outputs and the child have ended. False, with errno set,
-/// when the deadline comes first.
+/// Writes to and reads from the child's pipes until both outputs and the child have ended. Returns false,
+/// with errno set, when the deadline comes first or the child writes too much.
 bool converse(ChildProcess& child, std::string_view input, FinishedProcess& finished,
               std::optional<steady_clock::time_point> deadline) {
-    // Not open on a system without pidfd_open: a child that has closed its outputs is then waited for
-    // without a limit.
+    // Not open on a system without pidfd_open; a child that has closed its outputs is then waited for without
+    // a limit.
     FileDescriptor end = openProcess(child.id);
     ::fcntl(child.input.get(), F_SETFL, O_NONBLOCK);
     if (input.empty()) {
@@ -133,6 +133,10 @@ bool converse(ChildProcess& child, std::string_view input, FinishedProcess& fini
         }
         if (waiting[1].revents != 0) {
             readReady(child.errors, finished.errors);
+        }
+        if (std::max(finished.output.size(), finished.errors.size()) > largestOutput) {
+            errno = EFBIG;
+            return false;
         }
         if (waiting[2].revents != 0) {
             writeReady(child.input, input);

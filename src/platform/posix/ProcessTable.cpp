@@ -21,7 +21,7 @@ std::string kernelText(const std::string& path) {
     std::ifstream in(path, std::ios::binary);
     std::string text;
     std::array<char, 4096> part{};
-    // Not by a stream's iterators: a process that ends meanwhile would make them throw.
+    // Not with stream iterators, which would throw when the process ends meanwhile.
     while (in.read(part.data(), part.size()) || in.gcount() > 0) {
         text.append(part.data(), static_cast<std::size_t>(in.gcount()));
     }
@@ -76,7 +76,7 @@ pid_t parentOf(pid_t process) {
 }
 
 bool isInContainer(pid_t process) {
-    // One number for each namespace that it is in, this one's first.
+    // The process's number in each namespace that it belongs to, ours first.
     constexpr std::string_view name = "\nNSpid:\t";
     const std::string status = fileOf(process, "status");
     const std::size_t place = status.find(name);

@@ -12,10 +12,15 @@ inline void wipe(std::span<char> secret) {
     ::explicit_bzero(secret.data(), secret.size());
 }
 
-/// The same, and empties the string. A string that grew has left copies in memory: reserve its size first.
+/// The same, then empties the string. A string that has grown has left copies in memory: reserve its size
+/// first.
 inline void wipe(std::string& secret) {
     wipe(std::span(secret));
     secret.clear();
 }
+
+/// Prevents core dumps, which could contain passwords, of this process and of programs that it starts from
+/// now on, as far as the system allows.
+void leaveNoCore();
 
 } // namespace platform

@@ -8,15 +8,15 @@
 namespace platform {
 
 /// The outcome of an operation that can fail in ordinary ways: success, or what failed, on what, and why. All
-/// of our own code reports failures in this form; codes that the system itself defines (OSStatus,
-/// writeSMBConfFile's) are kept.
+/// of our own code reports failures in this form, except operations that return a code (an OSStatus, or that
+/// of writeSMBConfFile).
 class [[nodiscard]] Status {
   public:
     /// Success.
     Status() = default;
 
-    /// `what` is a verb phrase ("cannot write"), `on` the file, record or program that it is about (may be
-    /// empty), `why` the reason and, where there is one, what to do.
+    /// `what` is a verb phrase ("cannot write"), `on` the file, record or program concerned (may be empty),
+    /// `why` the reason and, if something can be done about it, what to do.
     [[nodiscard]] static Status failure(std::string what, std::string on, std::string why);
     /// The same for a failed system call; `error` is errno's value.
     [[nodiscard]] static Status ofErrno(std::string what, std::string on, int error);
@@ -25,10 +25,10 @@ class [[nodiscard]] Status {
 
     /// "cannot write /etc/smb.conf: No space left on device". Empty for success.
     [[nodiscard]] std::string text() const;
-    /// The reason alone. Empty for success.
+    /// Only the reason. Empty for success.
     [[nodiscard]] std::string_view why() const;
 
-    /// errno's value when a system call failed, else 0.
+    /// errno's value when a system call failed, otherwise 0.
     [[nodiscard]] int systemError() const { return failure_ ? failure_->error : 0; }
 
   private:
@@ -46,7 +46,7 @@ class [[nodiscard]] Status {
 template <class T>
 class [[nodiscard]] Result {
   public:
-    // Implicit, so that both can be returned as they are.
+    // Implicit, so that a function can return a value or a Status directly.
     Result(T value) : value_(std::move(value)) {} // NOLINT(google-explicit-constructor)
 
     Result(Status failure) : status_(std::move(failure)) {} // NOLINT(google-explicit-constructor)
@@ -55,7 +55,7 @@ class [[nodiscard]] Result {
 
     [[nodiscard]] const Status& status() const { return status_; }
 
-    // Only of a result that is ok.
+    // Only for a result that is ok.
     [[nodiscard]] T& operator*() { return *value_; }
 
     [[nodiscard]] const T& operator*() const { return *value_; }

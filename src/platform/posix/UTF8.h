@@ -7,11 +7,11 @@
 
 namespace platform {
 
-// utfcpp reads and writes UTF-8 (utf8::is_valid, utf8::append). What it leaves open: a text may hold bytes
-// that are not UTF-8, which count as characters and pass through.
+// utfcpp reads and writes UTF-8 (utf8::is_valid, utf8::append). This adds what it lacks: a text may hold
+// bytes that are not UTF-8, each of which counts as a character and is passed through.
 
-/// The character of `text` at the byte `offset`, which must lie inside the text and is moved past it. A byte
-/// that is not UTF-8 is returned as U+FFFD, and passed alone.
+/// Returns the character of `text` at the byte `offset`, which must lie inside the text, and moves `offset`
+/// past it. A byte that is not UTF-8 is returned as U+FFFD, and `offset` moves past that one byte.
 [[nodiscard]] inline char32_t nextCharacter(std::string_view text, std::size_t& offset) {
     constexpr char32_t replacement = 0xFFFD;
     constexpr std::size_t longest = 4;

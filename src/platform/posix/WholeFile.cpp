@@ -26,7 +26,8 @@ constexpr const char* cannotWrite = "cannot write";
 constexpr std::string_view temporaryStart = ".brindle-";
 constexpr std::string_view temporaryEnd = ".tmp";
 
-/// `path` with the links at its end followed to what they name, which need not exist.
+/// `path` with a symbolic link at its end followed, link by link, to the file that it names, which need not
+/// exist.
 Result<fs::path> followLinks(fs::path path) {
     constexpr int mostLinks = 40;
     for (int links = 0; links < mostLinks; ++links) {
@@ -35,18 +36,18 @@ Result<fs::path> followLinks(fs::path path) {
         if (error) {
             return path; // not a link, or missing
         }
-        path = path.parent_path() / destination; // an absolute destination stands for itself
+        path = path.parent_path() / destination; // an absolute destination replaces the whole path
     }
     return Status::ofErrno(cannotWrite, path, ELOOP);
 }
 
-/// Whether the caller is the only one who has the lock of a temporary file. False on a file system without
+/// Locks a temporary file. Returns false when another process holds the lock, or the file system has no
 /// locks.
 bool lock(int file) {
     return ::flock(file, LOCK_EX | LOCK_NB) == 0;
 }
 
-/// Removes a temporary file unless its writer is alive and holds its lock.
+/// Removes a temporary file unless its writer is still alive and holds its lock.
 void removeIfAbandoned(int folder, const char* name) {
     const FileDescriptor file(::openat(folder, name, O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
 
@@ -57,7 +58,7 @@ void removeIfAbandoned(int folder, const char* name) {
     }
 }
 
-/// Removes what killed writers left. What cannot be removed does no harm.
+/// Removes the temporary files of killed writers. One that cannot be removed does no harm.
 void sweep(int folder) {
     const int copy = ::openat(folder, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     const std::unique_ptr<DIR, int (*)(DIR*)> entries(copy < 0 ? nullptr : ::fdopendir(copy), &::closedir);
@@ -69,14 +70,14 @@ void sweep(int folder) {
     }
 }
 
-/// Whether the file still has a name: another writer may have swept it before it was locked.
+/// Whether the file still has a name: another writer may have removed it before it was locked.
 bool hasName(int file) {
     struct stat status {};
 
     return ::fstat(file, &status) == 0 && status.st_nlink > 0;
 }
 
-/// The attributes of the file that is to be replaced; none where there is none.
+/// The attributes of the file that is to be replaced; none when there is no such file.
 Result<std::optional<struct stat>> replacedFile(const FilePlace& place) {
     struct stat status {};
 
@@ -138,7 +139,7 @@ Result<WaitingFile> WaitingFile::write(const FilePlace& place, const std::string
                                        mode_t mode) {
     sweep(place.folder());
     WaitingFile file(place, name);
-    // Nobody else may read the text before it has the rights of the file that it replaces.
+    // Nobody else may read the new file before it has the owner and mode of the file that it replaces.
     Status status = file.create(like ? 0600 : mode);
     if (status.isOk()) {
         status = file.fill(bytes, like);
@@ -164,8 +165,8 @@ Status WaitingFile::create(mode_t mode) {
         if (!file_.isOpen()) {
             return failure(errno);
         }
-        // A writer that sweeps may come between; its lock is a reason to begin anew, no locks at all are
-        // none.
+        // Another writer may have swept the folder meanwhile. If it holds the lock or has removed the file,
+        // start again; a file system without locks is no reason to.
         if ((lock(file_.get()) || errno != EWOULDBLOCK) && hasName(file_.get())) {
             temporary_ = name;
             return {};
@@ -179,7 +180,7 @@ Status WaitingFile::fill(std::string_view bytes, const std::optional<struct stat
     if (!status.isOk()) {
         return status;
     }
-    // The owner before the mode, because changing the owner may clear bits of the mode.
+    // The owner comes before the mode, because changing the owner may clear bits of the mode.
     if ((like && ::fchown(file_.get(), like->st_uid, like->st_gid) != 0) ||
         (like && ::fchmod(file_.get(), like->st_mode & 07777U) != 0) || ::fsync(file_.get()) != 0) {
         return failure(errno);
@@ -192,7 +193,7 @@ Status WaitingFile::replace() {
         return failure(errno);
     }
     temporary_.clear();
-    ::fsync(place_->folder()); // some file systems cannot; the file is whole either way
+    ::fsync(place_->folder()); // some file systems cannot do this; the file is complete in either case
     return {};
 }
 

@@ -11,34 +11,33 @@
 
 namespace platform {
 
-// Files are written whole: a temporary file beside the target, created exclusively, is filled, flushed to the
-// disk and renamed over the target, and its folder is flushed. A reader finds the old text or the new one,
-// never a part. The temporary files of writers that were killed are removed by the next writer in the folder.
+// Files are written whole: a temporary file beside the target is created exclusively, filled, flushed to disk
+// and renamed over the target, and the folder is flushed. A reader sees the old content or the new one, never
+// a part. The next writer in the folder removes the temporary files of writers that were killed.
 
 /// What happens to a symbolic link at the end of a path that is written to.
 enum class LinkRule {
-    Replace, ///< a file takes the link's place; what the link leads to stays as it is
-    Follow   ///< the link stays, and the file that it names, which need not exist, is written
+    Replace, ///< a file replaces the link; the file that the link names does not change
+    Follow   ///< the link stays, and the file that it names (which need not exist) is written
 };
 
 /// The rules under which a file is written.
 struct WholeFileRules {
-    mode_t mode = 0644; ///< of a new file, before the process's umask
+    mode_t mode = 0644; ///< for a new file, before the process's umask is applied
     LinkRule links = LinkRule::Replace;
-    /// The new file takes the owner, group and mode of the one that it replaces, which must be a regular
-    /// file.
+    /// The new file gets the owner, group and mode of the one that it replaces, which must be a regular file.
     bool keepsRights = false;
 };
 
-/// Writes `bytes` to the file at `path`. On failure the file is as it was, and no temporary file is left.
+/// Writes `bytes` to the file at `path`. On failure the file is unchanged and no temporary file is left.
 [[nodiscard]] Status writeWholeFile(const std::string& path, std::string_view bytes,
                                     const WholeFileRules& rules = {});
 
-/// A file's place: its folder, held open, and its name there, so that all steps of a write stay in that
-/// folder even when a path to it changes meanwhile. For writes of several files that belong together.
+/// A file's place: its folder, held open, and its name there. All steps of a write then happen in that
+/// folder, even if a path to it changes meanwhile. For writing several files that belong together.
 class FilePlace {
   public:
-    /// The place of the file that writing to `path` would write. Fails when there is no such folder.
+    /// The place of the file that a write to `path` would write. Fails when its folder does not exist.
     [[nodiscard]] static Result<FilePlace> find(const std::string& path, LinkRule links);
 
     [[nodiscard]] const std::string& name() const { return name_; }
@@ -56,12 +55,12 @@ class FilePlace {
     std::string name_;
 };
 
-/// A file that is whole on the disk under a temporary name and waits to be given its own. It is removed
-/// unless it gets it. Its place must outlive it.
+/// A file that is complete on disk under a temporary name. It is removed unless it is given its real name.
+/// Its place must outlive it.
 class WaitingFile {
   public:
-    /// Writes the file `name` of a place's folder. It has the owner, group and mode of `like`; where there is
-    /// none, those of a new file that is made with `mode`.
+    /// Writes the file `name` in a place's folder, with the owner, group and mode of `like`, or as a new file
+    /// with `mode` when there is none.
     [[nodiscard]] static Result<WaitingFile> write(const FilePlace& place, const std::string& name,
                                                    std::string_view bytes,
                                                    const std::optional<struct stat>& like, mode_t mode);
@@ -70,10 +69,10 @@ class WaitingFile {
     ~WaitingFile();
     WaitingFile& operator=(WaitingFile&&) = delete;
 
-    /// Takes the name's place in one step.
+    /// Gives the file its real name in one step, replacing a file of that name.
     [[nodiscard]] Status replace();
-    /// Takes the name unless a file has it already, which is no failure. On a file system that cannot tell,
-    /// it replaces: look first.
+    /// Gives the file its real name unless another file has it, which is no failure. On a file system that
+    /// cannot tell, another file is replaced, so look first.
     [[nodiscard]] Status takeFreeName();
 
   private:
@@ -85,8 +84,8 @@ class WaitingFile {
 
     const FilePlace* place_;
     std::string name_;
-    std::string temporary_; ///< the name that it has; empty when there is none to remove
-    FileDescriptor file_;   ///< locked, which tells other writers that this one is alive
+    std::string temporary_; ///< its temporary name; empty when there is nothing to remove
+    FileDescriptor file_;   ///< locked, so that other writers know that this one is alive
 };
 
 } // namespace platform

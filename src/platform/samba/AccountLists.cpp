@@ -14,15 +14,15 @@ namespace platform {
 
 namespace {
 
-/// Characters that a field cannot hold become blanks: the field is only shown to people.
+/// `text` for a field that is only shown to people: characters that a field cannot hold become blanks.
 std::string field(std::string_view text) {
-    std::string answer(text);
-    for (char& character : answer) {
+    std::string result(text);
+    for (char& character : result) {
         if (character == ':' || character == '\n') {
             character = ' ';
         }
     }
-    return answer;
+    return result;
 }
 
 bool canBeListed(std::string_view name) {
@@ -36,17 +36,17 @@ std::string_view value(const RecordBlock& block, const RecordBlock::Record& reco
 }
 
 std::string members(const RecordBlock& block, const RecordBlock::Record& record) {
-    std::string answer;
+    std::string names;
     const auto* users = block.property(record, "users");
     if (users == nullptr) {
-        return answer;
+        return names;
     }
     for (const auto user : block.values(*users)) {
         if (canBeListed(user)) {
-            answer += (answer.empty() ? "" : ",") + std::string(user);
+            names += (names.empty() ? "" : ",") + std::string(user);
         }
     }
-    return answer;
+    return names;
 }
 
 void addUser(std::string& list, std::string_view name, unsigned uid, unsigned gid, std::string_view realName,

@@ -26,14 +26,14 @@ constexpr const char* databaseProgram = "pdbedit";
 constexpr const char* notInstalled = "pdbedit is not installed; install the package samba-common-bin";
 constexpr const char* passwordProgram = "smbpasswd";
 constexpr const char* unknown = "does not exist in the passdb";
-constexpr const char* notOpened =
-    "ailed to open"; // nobody is found in a database that cannot be opened either
+constexpr const char* notOpened = "ailed to open"; // pdbedit then says that a user does not exist, too
 
 bool isInstalled(const char* program) {
     return !sambaCommand(program).empty();
 }
 
-/// In the language that what it says is compared with. The first word is the program's name.
+/// Runs one of Samba's programs in the C locale, because its messages are compared. The first word is the
+/// program's name.
 Result<FinishedProcess> run(std::vector<std::string> words, std::string_view input = {}) {
     words.front() = sambaCommand(words.front());
     Command command{std::move(words), ErrorOutput::WithOutput};
@@ -56,11 +56,11 @@ Status failure(const char* what, const Result<FinishedProcess>& finished) {
     return Status::failure(what, "", line.empty() ? "no reason given; see Samba's log" : line);
 }
 
-/// Where smb.conf says that the database is.
+/// Where the database is, according to smb.conf.
 enum class DatabasePlace {
-    Own,       ///< nowhere: it is the one that Samba takes of itself
-    Elsewhere, ///< a setting names a place or another kind, which is Samba's to find
-    Unknown    ///< settings are read from other places, too
+    Own,       ///< no setting names it, so it is in Samba's default place
+    Elsewhere, ///< a setting names another place or kind, which only Samba finds
+    Unknown    ///< settings are also read from elsewhere
 };
 
 DatabasePlace placeInSettings() {
@@ -70,7 +70,7 @@ DatabasePlace placeInSettings() {
     auto place = DatabasePlace::Own;
     for (std::string line; std::getline(settings, line);) {
         std::string key = line.substr(0, line.find('='));
-        std::erase_if(key, [](char c) { return c == ' ' || c == '\t' || c == '\r'; }); // as Samba reads it
+        std::erase_if(key, [](char c) { return c == ' ' || c == '\t' || c == '\r'; }); // Samba ignores them
         if (std::ranges::find(naming, key) != naming.end()) {
             return DatabasePlace::Elsewhere;
         }
@@ -81,7 +81,7 @@ DatabasePlace placeInSettings() {
     return place;
 }
 
-/// Where Samba keeps its database when nothing else is set.
+/// The default place of Samba's database.
 std::string ownFile() {
     return sambaBuild().privateFolder + "/passdb.tdb";
 }
@@ -102,7 +102,7 @@ Status ComputerPasswords::set(const std::string& user, std::string_view password
                                "smbpasswd is not installed; install the package samba-common-bin");
     }
     std::string input;
-    input.reserve(2 * password.size() + 2); // so that no copy of it is left behind by growing
+    input.reserve(2 * password.size() + 2); // so that growing leaves no copy of it in memory
     input.append(password).append("\n").append(password).append("\n");
     const auto finished = run({passwordProgram, "-s", "-a", "--", user}, input);
     wipe(input);
@@ -190,7 +190,7 @@ Status ComputerPasswords::putBack(std::string_view account, const std::string& u
         return status;
     }
     const auto finished = run({databaseProgram, "-i", "smbpasswd:" + file});
-    ::unlink(file.c_str()); // where it stays, the next one replaces it
+    ::unlink(file.c_str()); // if this fails, the next call replaces the file
     return finished.isOk() && finished->status == 0 && says(finished, "...ok")
                ? Status()
                : failure("Samba did not take the password back", finished);

@@ -10,33 +10,34 @@
 
 namespace platform {
 
-/// The computer's own password database of Samba, which the smbd that it runs asks. Every operation waits for
-/// other programs that use the database, ten seconds at most. Names are those of accounts of the computer.
+/// Samba's password database on this computer, which the computer's own smbd uses. Every operation waits up
+/// to ten seconds for other programs that use the database. Users are named by their accounts on the
+/// computer.
 class ComputerPasswords {
   public:
-    /// Sets the password, which reaches Samba over its standard input only. Fails when Samba is not
-    /// installed or does not take it.
+    /// Sets the password, which is passed to Samba only through its standard input. Fails when Samba is not
+    /// installed or refuses the password.
     [[nodiscard]] static Status set(const std::string& user, std::string_view password);
 
-    /// What Samba keeps of `user`, the password's hash in it, as one line that putBack() takes; empty when it
-    /// keeps nothing, or is not installed. A secret.
+    /// What Samba stores about `user`, including the password's hash, as one line for putBack(); empty when
+    /// it stores nothing or is not installed. The line is a secret.
     [[nodiscard]] static Result<std::string> accountOf(const std::string& user);
 
-    /// Whether there is a database: to ask for somebody in one that is not there would make it.
+    /// Whether there is a database. Looking somebody up when there is none would make one.
     [[nodiscard]] static bool exists();
 
-    /// How `user` stands in it; none when they are not in it, or there is no database. Fails as users() does.
+    /// The entry of `user`; none when there is no entry or no database. Fails as users() does.
     [[nodiscard]] static Result<std::optional<SambaUser>> user(const std::string& user);
 
-    /// All whom Samba knows; nobody where there is no database. Fails when Samba is not installed, or does
-    /// not show its database: only root may read it.
+    /// All entries; empty when there is no database. Fails when Samba is not installed or cannot read its
+    /// database, which only root may read.
     [[nodiscard]] static Result<std::vector<SambaUser>> users();
 
-    /// Makes Samba forget `user`, where the account must still exist. Ok when Samba does not know it.
+    /// Removes the entry of `user`, whose account must still exist. Ok when there is no entry.
     [[nodiscard]] static Status remove(const std::string& user);
 
-    /// Has Samba keep such a line for the account `user` with this number. `file` is a path for a file of
-    /// root's own, which is gone afterwards.
+    /// Makes Samba store a line of accountOf() for the account `user` with this number. `file` is the path of
+    /// a temporary file that only root can read; it is removed afterwards.
     [[nodiscard]] static Status putBack(std::string_view account, const std::string& user, unsigned uid,
                                         const std::string& file);
 };

@@ -24,7 +24,7 @@ namespace platform {
 namespace {
 
 constexpr auto startLimit = std::chrono::seconds(10);
-constexpr auto lockLimit = std::chrono::seconds(8); // longer than a keeper takes
+constexpr auto lockLimit = std::chrono::seconds(8); // longer than a keeper takes to end its server
 constexpr auto pause = std::chrono::milliseconds(20);
 
 sockaddr_in loopback(int port) {
@@ -50,7 +50,8 @@ std::vector<std::string> serverArguments(const std::string& program, const Samba
                                          int port) {
     std::vector<std::string> arguments{
         program, "-F", "--no-process-group", "-s", accounts.configurationFile(), "--debug-stdout"};
-    // smbd passes this on to its daemons, which log before they have read their configuration.
+    // smbd passes this option on to its daemons, which write to a log before they have read their
+    // configuration.
     arguments.push_back("--log-basename=" + accounts.logFolder());
     for (std::string& option : accounts.privateOptions()) {
         arguments.push_back(std::move(option));
@@ -61,7 +62,7 @@ std::vector<std::string> serverArguments(const std::string& program, const Samba
 
 constexpr const char* cannotStart = "cannot start the SMB server";
 
-/// The file whose lock the keeper of a root's server holds. Waits for a keeper that is just ending its
+/// Locks the file that the keeper of a root's server holds locked. Waits for a keeper that is just ending its
 /// server.
 Result<FileDescriptor> lockServer(const std::string& file) {
     FileDescriptor lock(::open(file.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600));

@@ -10,25 +10,25 @@
 
 namespace platform {
 
-/// The SMB server of an embedded root: the installed smbd, listening on 127.0.0.1 only, with a configuration
-/// of its own below the root that includes the root's smb.conf. It knows the directory's accounts through
-/// libnss_wrapper. Runs for as long as this object lives, and ends with the process however that ends. Only
-/// one runs for a root at a time.
+/// The SMB server of an embedded root: the installed smbd, listening only on 127.0.0.1, with its own
+/// configuration below the root, which includes the root's smb.conf. It sees the directory's accounts through
+/// libnss_wrapper. It runs as long as this object lives, and ends with this process however that ends. A root
+/// has only one server at a time.
 class EmbeddedServer {
   public:
     static constexpr int defaultPort = 4455;
 
     explicit EmbeddedServer(SambaPaths paths);
 
-    /// Starts smbd on `port` (1 to 65535) and waits until it accepts connections, ten seconds at most. What
-    /// is left of an earlier server of the root, whose keeper was killed, is ended first. Fails, and says
-    /// what to do, when Samba or libnss-wrapper is not installed, the root's server runs already, the port is
-    /// taken, the root cannot be written, or smbd ends with a complaint of its own.
+    /// Starts smbd on `port` (1 to 65535) and waits up to ten seconds until it accepts connections. First
+    /// ends what is left of an earlier server of the root whose keeper was killed. Fails, saying what to do,
+    /// when Samba or libnss-wrapper is not installed, the root's server is already running, the port is in
+    /// use, the root cannot be written, or smbd ends with an error.
     [[nodiscard]] Status start(int port);
-    /// Ends smbd and all that it has started. Does nothing when it is not running.
+    /// Ends smbd and every process that it has started. Does nothing when it is not running.
     void stop();
 
-    /// 0 when it does not run.
+    /// smbd's process ID; 0 when it is not running.
     [[nodiscard]] pid_t processId() const { return keeper_.serverId(); }
 
     /// "smb://127.0.0.1:PORT/".

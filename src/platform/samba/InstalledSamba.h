@@ -4,8 +4,8 @@
 
 namespace platform {
 
-// The Samba that is installed on this computer. Its programs are looked for in the folders of the system
-// alone, never in those of the user's $PATH.
+// The Samba that is installed on this computer. Its programs are looked for only in the system's folders,
+// never in the user's $PATH.
 
 /// The path of one of Samba's servers ("smbd"); empty when it is not installed.
 [[nodiscard]] std::string sambaServer(const std::string& name);
@@ -15,15 +15,15 @@ namespace platform {
 /// What the installed smbd was built with.
 struct SambaBuild {
     std::string configFile;    ///< the smb.conf that it reads
-    std::string pidFolder;     ///< where it says which process it is
+    std::string pidFolder;     ///< where its process ID is written
     std::string privateFolder; ///< where its secrets lie
 };
 
-/// What `smbd -b` says, asked once a process. Debian's places for what it does not say, and for all where no
-/// smbd is installed: its settings can be made before it is.
+/// What `smbd -b` says; it is run once per process. What it does not say has Debian's value. So does
+/// everything when no smbd is installed, because its settings can be made before it is installed.
 [[nodiscard]] const SambaBuild& sambaBuild();
 
-/// The same, read out of a listing of `smbd -b`.
+/// The same for a given output of `smbd -b`.
 [[nodiscard]] SambaBuild sambaBuildOf(const std::string& listing);
 
 } // namespace platform

@@ -16,16 +16,16 @@ namespace platform {
 
 namespace {
 
-constexpr std::uint32_t knownVersion = 4; ///< of tdbsam's records, Samba 3.4 and later
+constexpr std::uint32_t knownVersion = 4; ///< of tdbsam's records, since Samba 3.4
 constexpr std::uint32_t disabledFlag = 1; ///< "D" in smbpasswd(5)
 constexpr std::size_t hashLength = 16;
 
-// A record of an account: numbers of four bytes, the lowest first, and texts, each behind its length.
+// An account's record: numbers of four bytes, the lowest first, and strings, each after its length.
 constexpr int timesBeforeTexts = 7;
 constexpr int texts = 12;
 constexpr int numbersAfterTexts = 2;
 
-/// Takes a record apart from its beginning. Once something does not fit, nothing more does.
+/// Reads a record from start to end. After a field that does not fit, all further fields are empty.
 class Reader {
   public:
     explicit Reader(std::string_view record) : rest_(record) {}
@@ -81,8 +81,8 @@ std::optional<SambaUser> userOf(std::string_view record) {
     return reader.isOk() && !user.name.empty() ? std::optional(std::move(user)) : std::nullopt;
 }
 
-/// The value behind a key, which ends in a NUL; none when there is no such key. Holds hashes: wiped at the
-/// end.
+/// The value of a key, if there is one. Keys in the file end with a NUL. A value holds hashes, so it is wiped
+/// at the end.
 class Value {
   public:
     Value(tdb_context* database, const std::string& key) {
@@ -94,7 +94,7 @@ class Value {
     ~Value() {
         if (data_.dptr != nullptr) {
             wipe(std::span(reinterpret_cast<char*>(data_.dptr), data_.dsize));
-            std::free(data_.dptr); // NOLINT(cppcoreguidelines-no-malloc): tdb gives it so
+            std::free(data_.dptr); // NOLINT(cppcoreguidelines-no-malloc): tdb allocates it with malloc
         }
     }
 
@@ -103,7 +103,7 @@ class Value {
 
     [[nodiscard]] bool isThere() const { return data_.dptr != nullptr; }
 
-    /// Why it is not there.
+    /// Why there is no value.
     [[nodiscard]] TDB_ERROR error() const { return error_; }
 
     [[nodiscard]] std::string_view bytes() const {
@@ -115,8 +115,8 @@ class Value {
     TDB_ERROR error_ = TDB_SUCCESS;
 };
 
-/// True when a program is about to write. Who opens a database for reading alone takes no lock, and could
-/// see half a change.
+/// True when another program is writing. A database that is opened only for reading takes no lock, so that
+/// half a change could be read.
 bool isBeingWritten(tdb_context* database) {
     struct flock lock {};
 
@@ -144,12 +144,12 @@ std::optional<std::optional<SambaUser>> userInPasswordFile(const std::string& fi
     if (record.isThere()) {
         auto known = userOf(record.bytes());
         if (!known) {
-            return std::nullopt; // not an account without a record
+            return std::nullopt; // the account has a record, but an unreadable one
         }
         return known;
     }
     if (record.error() != TDB_ERR_NOEXIST) {
-        return std::nullopt; // in a damaged file, whoever cannot be found may be there
+        return std::nullopt; // in a damaged file an account that is not found may still exist
     }
     return std::optional<SambaUser>();
 }

@@ -7,10 +7,10 @@
 
 namespace platform {
 
-/// What Samba's own password database (tdbsam, a file of tdb(3)) holds of the account, read without starting
-/// a program: pdbedit(8) takes longer to be loaded than all else that a question needs. The outer optional is
-/// none when the file cannot be read so: it is missing, locked by a writer, damaged, or of another version
-/// than the fourth. Ask pdbedit then. Passwords are not read.
+/// Reads the account's entry from Samba's password database (tdbsam, a file of tdb(3)) without starting a
+/// program, because loading pdbedit(8) takes longer than everything else that a look-up needs. The outer
+/// optional is none when the file cannot be read in this way: it is missing, locked by a writer, damaged, or
+/// not of version 4. Use pdbedit in that case. Hashes are not returned.
 [[nodiscard]] std::optional<std::optional<SambaUser>> userInPasswordFile(const std::string& file,
                                                                          const std::string& user);
 

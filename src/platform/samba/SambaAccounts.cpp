@@ -28,14 +28,14 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// Samba reads a new password into so many bytes, and what is longer into the next line.
+/// Samba reads a new password into a buffer of this size, and takes what is longer for the next line.
 constexpr std::size_t longestPassword = 254;
 
 constexpr const char* refusedPassword = "Samba did not take the password";
 
 constexpr std::array libraryFolders{"/usr/lib/", "/usr/lib64/", "/usr/local/lib/"};
 
-/// Each of Samba's folders: its setting, and its name below the root's samba folder.
+/// The setting of each of Samba's folders, and the folder's name below the root's samba folder.
 constexpr std::array<std::array<const char*, 2>, 7> folders{{{"private dir", "private"},
                                                              {"lock directory", "lock"},
                                                              {"state directory", "state"},
@@ -44,15 +44,15 @@ constexpr std::array<std::array<const char*, 2>, 7> folders{{{"private dir", "pr
                                                              {"pid directory", "pid"},
                                                              {"binddns dir", "binddns"}}};
 
-/// What Samba would run to change this computer's accounts when a client asks it to. An smb.conf that was
-/// copied from the computer's own may name such programs.
+/// Programs that Samba would run to change this computer's accounts at a client's request. An smb.conf that
+/// was copied from the computer's own may set them.
 constexpr std::array accountPrograms{"add user script",          "delete user script",
                                      "rename user script",       "add group script",
                                      "add machine script",       "delete group script",
                                      "add user to group script", "delete user from group script",
                                      "set primary group script"};
 
-/// Readers never meet half a list, and a list that stays as it is costs no write.
+/// Writes the file whole, and only if its content changes.
 Status replaceFile(const std::string& file, const std::string& text) {
     if (const auto before = readWholeFile(file); before.isOk() && *before == text) {
         return {};
@@ -64,7 +64,7 @@ Status replaceFile(const std::string& file, const std::string& text) {
                                  std::string(status.why()) + "; allow writing to its folder and try again");
 }
 
-/// Ok when all is installed that changing the password database takes.
+/// Ok when everything is installed that is needed to change the password database.
 Status checkInstallation(const std::string& program) {
     constexpr const char* what = "cannot use the password database";
     if (program.empty()) {
@@ -77,7 +77,7 @@ Status checkInstallation(const std::string& program) {
     return {};
 }
 
-/// The failure `what` of a run that the database refused.
+/// The failure of a run of pdbedit; `what` says what failed.
 Status complaint(const char* what, const Result<FinishedProcess>& run, const std::string& logFolder) {
     if (!run.isOk()) {
         return Status::failure(what, "", std::string(run.status().why()));
@@ -126,12 +126,13 @@ std::vector<SambaAccounts::Setting> SambaAccounts::ownSettings() const {
     settings.push_back({"passdb backend", "tdbsam:" + databaseFile()});
     settings.push_back({"log file", logFolder() + "/tools.log"});
     settings.push_back({"config backend", "file"});
-    // A share-level "security" makes this Samba refuse to start; the root's file keeps it, the server does
-    // not see it.
+    // A share-level "security" keeps today's Samba from starting. It stays in the root's file, but this hides
+    // it from the server.
     settings.push_back({"security", "user"});
     settings.push_back({"interfaces", "127.0.0.1/8"});
     settings.push_back({"bind interfaces only", "yes"});
-    // A password that a client changes is that of the root's user, never of the computer's user of that name.
+    // When a client changes a password, it is that of the root's user, never that of the computer's user of
+    // the same name.
     for (const char* name : {"unix password sync", "pam password change", "obey pam restrictions"}) {
         settings.push_back({name, "no"});
     }
@@ -155,8 +156,8 @@ std::vector<std::string> SambaAccounts::environment() const {
 }
 
 std::string SambaAccounts::wrapperLibrary() {
-    // The loader takes a bare name from its own folders, on every architecture; where it is found decides
-    // only whether it is there.
+    // The dynamic loader finds a bare name in its own folders on every architecture. The search here only
+    // decides whether the library is installed.
     constexpr const char* library = "libnss_wrapper.so";
     std::error_code ignored;
     for (const char* folder : libraryFolders) {
@@ -186,7 +187,8 @@ std::string SambaAccounts::configuration(bool includesSmbConf) const {
         "  map to guest = Bad User\n  disable netbios = yes\n  load printers = no\n"
         "  disable spoolss = yes\n";
     if (includesSmbConf) {
-        // The setting that is read last counts. The included file may end in a share.
+        // The last setting that is read counts, so the root's own settings come again after the include. The
+        // included file may end in a share, so "[global]" does too.
         text += "  include = " + paths_.smbConf + "\n" + own + "  include = " + publicFoldersFile() + "\n";
     }
     return text;
@@ -239,7 +241,7 @@ Status SambaAccounts::writeAccountLists(Store& store) const {
     status = replaceFile(publicFoldersFile(), lists.publicFolders);
     for (const pid_t process : processIds()) {
         if (isServerWith(process, configurationFile())) {
-            ::kill(process, SIGHUP); // by itself it looks for changes once a minute
+            ::kill(process, SIGHUP); // on its own it looks for changes only once a minute
         }
     }
     return status;
@@ -290,7 +292,7 @@ Status SambaAccounts::setPassword(const std::string& user, std::string_view pass
         return status;
     }
     std::string input;
-    input.reserve(2 * password.size() + 2); // so that no copy of it is left behind by growing
+    input.reserve(2 * password.size() + 2); // so that growing leaves no copy of it in memory
     input.append(password).append("\n").append(password).append("\n");
     const auto run = changeDatabase(program, {"-t", "-a", "--user=" + user}, input);
     wipe(input);
@@ -308,7 +310,7 @@ Status SambaAccounts::removeUser(const std::string& user) const {
     }
     const auto run = changeDatabase(program, {"-x", "--user=" + user}, {});
     const auto says = [&](const char* text) { return run->output.find(text) != std::string::npos; };
-    // Nobody is in a database that cannot be opened either.
+    // pdbedit says the same of a database that it could not open.
     if (run.isOk() &&
         (run->status == 0 || (says("does not exist in the passdb") && !says("ailed to open")))) {
         return {};

@@ -16,60 +16,62 @@ namespace platform {
 
 class Store;
 
-/// The accounts that the root's own file server knows: two lists, in the form of passwd and group, of the
-/// directory's accounts and the computer's, which libnss_wrapper shows to Samba; and Samba's password
-/// database. All below the server's private folder.
+/// The accounts of the root's own file server: two lists, in the form of passwd and group, of the accounts in
+/// the directory and on the computer, which libnss_wrapper shows to Samba; and Samba's password database. All
+/// lie in the server's private folder.
 class SambaAccounts {
   public:
-    /// `databaseLimit` is how long the password database may take for a change: other programs may hold it.
+    /// `databaseLimit` is how long pdbedit may take, because other programs may hold the database.
     explicit SambaAccounts(SambaPaths paths,
                            std::chrono::milliseconds databaseLimit = std::chrono::seconds(10))
         : paths_(std::move(paths)), databaseLimit_(databaseLimit) {}
 
-    /// True when the root has a folder for its own server. Nothing below makes that folder but makeFolders()
-    /// and what calls it.
+    /// True when the root has a folder for its own server. Of the operations below only makeFolders() and
+    /// make() create it.
     [[nodiscard]] bool exists() const;
 
-    /// Samba's configuration for this root. It includes the root's smb.conf and says the root's own settings
-    /// once more behind it: smbd starts daemons that read the configuration and get none of its options.
+    /// Samba's configuration for this root. It includes the root's smb.conf and repeats the root's own
+    /// settings after it, because smbd starts daemons that read the configuration but do not get smbd's
+    /// options.
     [[nodiscard]] std::string configurationFile() const;
-    /// The root's own settings as what each of Samba's programs is told on its command line, where no line of
-    /// a configuration can change them: its folders and password database, and nothing that would reach the
-    /// computer's own accounts. Where the configuration cannot be read, Samba goes on with the computer's
-    /// own, and would change the computer's own password database.
+    /// The root's own settings (its folders and password database, and nothing that could reach the
+    /// computer's own accounts) as options for each of Samba's programs, because no line of a configuration
+    /// overrides an option. Without them a program that cannot read the root's configuration would go on with
+    /// the computer's own, and change the computer's password database.
     [[nodiscard]] std::vector<std::string> privateOptions() const;
-    /// The whole environment of Samba's programs, each "NAME=VALUE": the wrapper and the account lists.
+    /// The whole environment of Samba's programs, each as "NAME=VALUE": PATH, the wrapper and the account
+    /// lists.
     [[nodiscard]] std::vector<std::string> environment() const;
     [[nodiscard]] std::string passwdFile() const; ///< NSS_WRAPPER_PASSWD
     [[nodiscard]] std::string groupFile() const;  ///< NSS_WRAPPER_GROUP
     [[nodiscard]] std::string logFolder() const;
-    /// libnss_wrapper.so as LD_PRELOAD takes it; empty when it is not installed.
+    /// libnss_wrapper.so as a value for LD_PRELOAD; empty when it is not installed.
     [[nodiscard]] static std::string wrapperLibrary();
 
-    /// Makes the folders and the configuration, anew when the root has moved. Fails when one cannot be
-    /// written.
+    /// Makes the folders and the configuration; rewrites the configuration if the root has moved. Fails when
+    /// one of them cannot be written.
     [[nodiscard]] Status makeFolders() const;
-    /// The same, and the account lists from the directory as it is now. Waits for the directory's writers,
-    /// and fails when they take too long or the directory cannot be read.
+    /// The same, and makes the account lists from the current directory. Waits for the directory's writers;
+    /// also fails when they take too long or the directory cannot be read.
     [[nodiscard]] Status make() const;
-    /// Rewrites both account lists, and the list of the Public folders that are shared, as the open
-    /// transaction sees the directory, so that no other writer's change is lost. Fails when a list cannot be
+    /// Rewrites both account lists and the list of shared Public folders from the directory as the open
+    /// transaction of `store` sees it, so that no other writer's change is lost. Fails when a list cannot be
     /// written or the store has failed.
     [[nodiscard]] Status writeAccountLists(Store& store) const;
-    /// Fails with the reason when no user can have this password, whatever the directory and the database
-    /// hold.
+    /// Fails, saying why, when the password is one that Samba cannot take for any user.
     [[nodiscard]] static Status checkPassword(std::string_view password);
-    /// Sets the password under which `user`, who is in the account lists, connects to shares. It reaches
-    /// Samba over its standard input only. Takes as long as Samba does: hold no store meanwhile. Fails when
-    /// Samba or the wrapper is not installed, the password is too long, or Samba does not take it in time.
+    /// Sets the password with which `user`, who must be in the account lists, connects to shares. It is
+    /// passed to Samba only through its standard input. Do not hold a Store meanwhile, because Samba may take
+    /// long. Fails when Samba or the wrapper is not installed, checkPassword() fails, or Samba does not
+    /// accept the password in time.
     [[nodiscard]] Status setPassword(const std::string& user, std::string_view password) const;
-    /// How `user` stands in the password database; none when they are not in it. Fails when Samba or the
-    /// wrapper is not installed, or the database cannot be read.
+    /// The entry of `user` in the password database, or none. Fails when Samba or the wrapper is not
+    /// installed, or the database cannot be read.
     [[nodiscard]] Result<std::optional<SambaUser>> user(const std::string& user) const;
-    /// All who are in it. Fails as user() does.
+    /// All entries of the password database. Fails as user() does.
     [[nodiscard]] Result<std::vector<SambaUser>> users() const;
-    /// Takes `user` out of the password database, where it need not be. Fails when Samba or the wrapper is
-    /// not installed, or Samba does not take it out.
+    /// Removes the entry of `user` from the password database, if there is one. Fails when Samba or the
+    /// wrapper is not installed, or Samba does not remove it.
     [[nodiscard]] Status removeUser(const std::string& user) const;
 
   private:
@@ -79,8 +81,8 @@ class SambaAccounts {
     };
 
     [[nodiscard]] std::string databaseFile() const;
-    [[nodiscard]] std::string publicFoldersFile() const; ///< the Public folders that are shared
-    /// Runs pdbedit on the root's database. Fails when it does not end in time.
+    [[nodiscard]] std::string publicFoldersFile() const; ///< the sections of the shared Public folders
+    /// Runs `program` (pdbedit) on the root's database. Fails when it does not end in time.
     [[nodiscard]] Result<FinishedProcess> changeDatabase(const std::string& program,
                                                          const std::vector<std::string>& operation,
                                                          std::string_view input) const;

@@ -4,11 +4,11 @@
 
 namespace platform {
 
-/// Where the file server of one root has its files.
+/// Where the file server of a root has its files.
 struct SambaPaths {
     std::string folder;    ///< its private folder: configuration, account lists, password database
     std::string smbConf;   ///< the settings that its configuration includes
-    std::string storeFile; ///< the directory whose accounts it knows
+    std::string storeFile; ///< the directory whose accounts it serves
 };
 
 } // namespace platform

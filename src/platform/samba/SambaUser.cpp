@@ -26,7 +26,7 @@ std::optional<SambaUser> userOfLine(std::string_view line) {
     SambaUser user;
     user.name = fields[Name];
     user.isDisabled = fields[Flags].find('D') != std::string_view::npos;
-    // Where there is no hash there are X's, or the words NO PASSWORD.
+    // Without a hash there are X's or the words NO PASSWORD.
     user.hasPassword = fields[Hash].find_first_not_of("0123456789ABCDEF") == std::string_view::npos;
     return user;
 }
@@ -60,7 +60,7 @@ std::vector<std::string> sambaUserWords(const std::string& user) {
 Result<std::optional<SambaUser>> sambaUserOf(FinishedProcess& run) {
     std::vector<SambaUser> users = usersIn(run.output);
     const auto says = [&run](std::string_view text) { return run.output.find(text) != std::string::npos; };
-    // Nobody is found in a database that cannot be opened either.
+    // pdbedit says the same of a database that it could not open.
     const bool isUnknown = says("Username not found") && !says("ailed to open");
     const std::string complaint = users.empty() ? lastLineOf(run.output) : std::string();
     wipe(run.output);

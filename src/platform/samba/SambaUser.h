@@ -9,18 +9,18 @@
 
 namespace platform {
 
-/// How an account stands in Samba's password database.
+/// An account's entry in Samba's password database.
 struct SambaUser {
     std::string name;
     bool isDisabled = false;
     bool hasPassword = false;
 };
 
-/// What pdbedit(8) is told in order to show the account, or all of them, in the form of smbpasswd(5).
+/// The arguments with which pdbedit(8) lists one account, or all of them, in the form of smbpasswd(5).
 [[nodiscard]] std::vector<std::string> sambaUserWords(const std::string& user);
 [[nodiscard]] std::vector<std::string> allSambaUsersWords();
-/// What it then said; none when it knows no such account. The output, which holds password hashes, is wiped.
-/// Fails with pdbedit's complaint.
+/// The account in the output of such a run; none when pdbedit does not know it. The output, which holds
+/// password hashes, is wiped. Fails with pdbedit's error message.
 [[nodiscard]] Result<std::optional<SambaUser>> sambaUserOf(FinishedProcess& run);
 /// The same for all accounts.
 [[nodiscard]] Result<std::vector<SambaUser>> sambaUsersOf(FinishedProcess& run);

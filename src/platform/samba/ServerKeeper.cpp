@@ -31,12 +31,12 @@ struct Program {
     char* const* environment;
 };
 
-/// In a new process: becomes the server.
+/// Runs in a new process, which becomes the server.
 [[noreturn]] void becomeServer(const Program& program, pid_t keeper) {
     ::setsid();
     ::prctl(PR_SET_PDEATHSIG, SIGTERM);
     if (::getppid() != keeper) {
-        ::_exit(127); // the keeper ended before the line above
+        ::_exit(127); // the keeper ended before prctl
     }
     sigset_t none;
     ::sigemptyset(&none);
@@ -61,7 +61,7 @@ void closeAllBut(std::array<int, 3> kept) {
     ::closefrom(next);
 }
 
-/// Waits until the other end of the lifeline is closed, or the server has ended.
+/// Waits until the other end of the lifeline is closed or the server has ended.
 void waitForEnd(int lifeline, pid_t server) {
     const FileDescriptor serverEnd = openProcess(server);
     if (!serverEnd.isOpen() && errno == ESRCH) {
@@ -72,8 +72,8 @@ void waitForEnd(int lifeline, pid_t server) {
     }
 }
 
-/// The system collects our children as they end (SIGCHLD is ignored), and gives us those that their own
-/// parents leave.
+/// Ends all children of the keeper. The system collects them as they end (SIGCHLD is ignored), and makes
+/// orphaned descendants the keeper's children.
 void endAllChildren() {
     const auto end = std::chrono::steady_clock::now() + stopLimit;
     const std::string self = std::to_string(::getpid());
@@ -89,7 +89,8 @@ void endAllChildren() {
     }
 }
 
-/// In the keeper: starts the server, writes its ID to `report`, and ends when all is over.
+/// Runs in the keeper: starts the server, writes its process ID to `report`, and ends when the server and its
+/// processes have ended.
 [[noreturn]] void keep(const Program& program, int lifeline, int report, int log, int lock) {
     ::setsid();
     ::prctl(PR_SET_CHILD_SUBREAPER, 1);
@@ -101,7 +102,8 @@ void endAllChildren() {
         ::dup2(log, STDERR_FILENO) < 0) {
         ::_exit(127);
     }
-    // A lifeline of another server that this process holds would never end while this keeper lives.
+    // Close inherited descriptors: the lifeline of another server would otherwise stay open as long as this
+    // keeper lives.
     closeAllBut({lifeline, report, lock});
     const pid_t keeper = ::getpid();
     const pid_t server = ::fork();
@@ -116,7 +118,7 @@ void endAllChildren() {
     ::_exit(0);
 }
 
-/// True when the child has ended (and is collected) within the limit.
+/// Returns true when the child ends within the limit, and collects it.
 bool endsWithin(pid_t process, std::chrono::steady_clock::duration limit) {
     const auto end = std::chrono::steady_clock::now() + limit;
     do {

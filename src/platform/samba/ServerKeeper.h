@@ -10,9 +10,9 @@
 
 namespace platform {
 
-/// A server and its keeper, a process between the server and this one. When this process ends in any way, or
-/// calls stop(), the keeper ends the server and every process that the server has started, including those in
-/// sessions of their own. The keeper ends with the server.
+/// A server and its keeper, a process between the server and this process. When this process ends in any way,
+/// or calls stop(), the keeper ends the server and every process that the server has started, including those
+/// in their own sessions. When the server ends, so does the keeper.
 class ServerKeeper {
   public:
     ServerKeeper() = default;
@@ -21,23 +21,23 @@ class ServerKeeper {
     ServerKeeper(const ServerKeeper&) = delete;
     ServerKeeper& operator=(const ServerKeeper&) = delete;
 
-    /// Starts the program `arguments[0]` with exactly `environment`. What it writes goes to `log`. The keeper
-    /// holds `lock` until nothing of the server is left. Fails when no process can be made; a program that
-    /// cannot be run has ended at once. Not while a server runs.
+    /// Starts the program `arguments[0]` with exactly `environment`. Its output goes to `log`. The keeper
+    /// holds `lock` until no process of the server is left. Fails when no process can be made; if the program
+    /// cannot be run, hasEnded() is true at once. Must not be called while a server is running.
     [[nodiscard]] Status start(std::vector<std::string> arguments, std::vector<std::string> environment,
                                const FileDescriptor& log, const FileDescriptor& lock);
-    /// Ends the server with all that it has started, by force after some seconds, and waits for it. Nothing
-    /// when none runs.
+    /// Ends the server and everything it has started, by force after some seconds, and waits for that. Does
+    /// nothing when no server is running.
     void stop();
 
-    /// True when no server runs, or it has ended with all that it had started.
+    /// True when no server is running, or it has ended with everything it had started.
     [[nodiscard]] bool hasEnded();
 
-    /// 0 when none was started.
+    /// The server's process ID; 0 when none is running.
     [[nodiscard]] pid_t serverId() const { return server_; }
 
   private:
-    FileDescriptor lifeline_; ///< the keeper waits for it to be closed
+    FileDescriptor lifeline_; ///< the keeper ends the server when this is closed
     pid_t keeper_ = 0;
     pid_t server_ = 0;
 };

@@ -3,7 +3,6 @@
 #include "platform/posix/ProcessTable.h"
 #include "platform/samba/InstalledSamba.h"
 
-#include <algorithm>
 #include <chrono>
 #include <csignal>
 #include <filesystem>
@@ -28,8 +27,8 @@ bool isSameFile(const std::string& word, const std::string& file) {
     return fs::weakly_canonical(word, ignored) == fs::weakly_canonical(file, ignored);
 }
 
-/// smbd is told its configuration by "-s FILE", and tells it to its daemons by "--configfile=FILE". Empty
-/// where the words name none.
+/// The configuration that a command line names; empty when it names none. smbd gets "-s FILE" and passes
+/// "--configfile=FILE" to its daemons.
 std::string configurationIn(const std::vector<std::string>& words) {
     constexpr std::string_view option = "--configfile=";
     for (std::size_t index = 1; index < words.size(); ++index) {
@@ -52,7 +51,7 @@ std::string programIn(const std::vector<std::string>& words) {
     return words.empty() ? std::string() : fs::path(words.front()).filename().string();
 }
 
-/// The command line can be read whoever owns the process.
+/// Whether this user owns the process. Command lines can be read whoever owns the process.
 bool isOwn(pid_t process) {
     return statusNumberOf(process, "Uid") == std::to_string(::getuid());
 }
@@ -76,7 +75,7 @@ bool isComputersServer(pid_t process) {
         const std::string name = programNameOf(id);
         return name.starts_with("smbd") || name == "AppleFileServer";
     };
-    // A process that serves a connection may have given itself another command line; its ancestor has not.
+    // A process that serves a connection may have changed its command line; its ancestor has not.
     constexpr int generations = 4;
     for (int generation = 0; generation < generations; ++generation) {
         const bool isOurs =

@@ -6,17 +6,18 @@
 
 namespace platform {
 
-/// Whether `process` is this user's smbd that was started with the configuration `file`.
+/// Whether `process` is an smbd of this user that was started with the configuration `file`.
 [[nodiscard]] bool isServerWith(pid_t process, const std::string& file);
-/// The same for any of Samba's daemons: those that smbd starts live in sessions of their own and outlast it.
+/// The same for any of Samba's daemons. Those that smbd starts have their own sessions and outlive it.
 [[nodiscard]] bool isDaemonWith(pid_t process, const std::string& file);
 
-/// Whether `process` serves this computer: it is root's smbd or AppleFileServer, of this computer and no
-/// container below it, and was not started with a configuration other than the installed Samba's, or is a
-/// child of such a process that serves a connection.
+/// Whether `process` is a file server of this computer: an smbd or AppleFileServer that belongs to root, does
+/// not run in a container, and was not started with another configuration than the installed Samba's. A child
+/// that serves a connection counts too.
 [[nodiscard]] bool isComputersServer(pid_t process);
 
-/// Ends all daemons with the configuration `file`, by force after some seconds. Nobody keeps them any more.
+/// Ends all daemons with the configuration `file`, by force after some seconds. For daemons whose keeper is
+/// gone.
 void endDaemonsWith(const std::string& file);
 
 } // namespace platform

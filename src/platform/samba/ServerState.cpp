@@ -20,7 +20,7 @@ namespace platform {
 
 namespace {
 
-constexpr std::string_view listening = "0A"; // the kernel's number of that state
+constexpr std::string_view listening = "0A"; // the kernel's number for that state
 constexpr std::size_t wordDigits = 8;
 
 std::optional<std::uint32_t> hexNumber(std::string_view digits) {
@@ -30,7 +30,8 @@ std::optional<std::uint32_t> hexNumber(std::string_view digits) {
                                                                         : std::nullopt;
 }
 
-/// The address as the kernel writes it: words of 32 bits in this computer's own order.
+/// Reads an address as the kernel writes it, as words of 32 bits in host byte order. "*" is every address;
+/// empty when it cannot be read.
 std::string addressOf(std::string_view digits) {
     std::array<std::uint32_t, 4> words{};
     const std::size_t count = digits.size() / wordDigits;
@@ -49,11 +50,11 @@ std::string addressOf(std::string_view digits) {
     return isShort ? std::string(text.data()) : "[" + std::string(text.data()) + "]";
 }
 
-/// When a process was started, from what the kernel counts since it was.
+/// When a process was started, in seconds since 1970; 0 when that is not known.
 std::int64_t startOf(pid_t process) {
     const std::string status = kernelText("/proc/" + std::to_string(process) + "/stat");
     const std::string computer = kernelText("/proc/stat");
-    const std::size_t name = status.rfind(')'); // the program's name may hold anything
+    const std::size_t name = status.rfind(')'); // the program's name may itself hold a ')'
     const std::size_t boot = computer.find("\nbtime ");
     if (name == std::string::npos || boot == std::string::npos) {
         return 0;

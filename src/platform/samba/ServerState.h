@@ -13,26 +13,27 @@
 
 namespace platform {
 
-/// An smbd, as anybody may see it.
+/// What any user can see of an smbd.
 struct ServerState {
-    pid_t process = 0;                  ///< 0: it does not run
-    std::int64_t since = 0;             ///< seconds since 1970; 0 where that cannot be told
+    pid_t process = 0;                  ///< 0: it is not running
+    std::int64_t since = 0;             ///< seconds since 1970; 0 when not known
     std::vector<std::string> listensAt; ///< "ADDRESS:PORT", "*:PORT" for all addresses
 };
 
-/// The computer's own.
+/// The state of the computer's own server.
 [[nodiscard]] ServerState smbServerState();
-/// The one of an embedded root, which is there while a Brindle runs it.
+/// The state of an embedded root's server, which runs only as long as a Brindle that started it.
 [[nodiscard]] ServerState rootServerState(const SambaPaths& paths);
 
-/// Samba's own ports.
+/// Samba's default ports.
 inline constexpr std::array<unsigned, 2> standardPorts = {445, 139};
 
-/// The places of these ports at which somebody listens, from a text in the form of /proc/net/tcp or tcp6.
+/// The addresses on which somebody listens on one of these ports, as in ServerState::listensAt. `table` is
+/// the content of /proc/net/tcp or tcp6.
 [[nodiscard]] std::vector<std::string> listeningPlaces(std::string_view table,
                                                        std::span<const unsigned> ports = standardPorts);
 
-/// The same as the kernel has it now.
+/// The same from the kernel's current tables.
 [[nodiscard]] std::vector<std::string> listeningPlaces(std::span<const unsigned> ports = standardPorts);
 
 } // namespace platform

@@ -26,13 +26,13 @@ constexpr auto limit = std::chrono::seconds(15);
 constexpr const char* cannotSee = "cannot see who is connected";
 constexpr const char* cannotDisconnect = "cannot disconnect";
 
-/// A file's name in one of the tables may hold braces, too.
+/// Only the first character decides, because a file name in the tables may hold braces too.
 bool isJSON(std::string_view listing) {
     const std::size_t first = listing.find_first_not_of(" \t\r\n");
     return first != std::string_view::npos && listing[first] == '{';
 }
 
-/// One of Samba's commands for the computer's own server, or a root's.
+/// Runs one of Samba's commands for a root's server, or without `root` for the computer's own.
 Result<FinishedProcess> run(const std::optional<SambaAccounts>& root, const std::string& program,
                             const std::vector<std::string>& words) {
     const std::string path = sambaCommand(program);
@@ -65,7 +65,7 @@ Status control(const std::optional<SambaAccounts>& root, const std::string& on,
                                  said.empty() ? "smbcontrol has failed and gives no reason" : said);
 }
 
-/// "2026-11-25T14:32:53.255069+00:00"; 0 for another text.
+/// Reads a time like "2026-11-25T14:32:53.255069+00:00"; 0 for other text.
 std::int64_t timeOf(const std::string& text) {
     std::tm time{};
     const char* rest = ::strptime(text.c_str(), "%Y-%m-%dT%H:%M:%S", &time);
@@ -85,21 +85,21 @@ std::int64_t timeOf(const std::string& text) {
     return ::timegm(&time) - minutes * minute;
 }
 
-/// "Wed Nov 25 14:32:53 2026 UTC", this computer's own time; 0 for another text.
+/// Reads a local time like "Wed Nov 25 14:32:53 2026 UTC"; 0 for other text.
 std::int64_t localTimeOf(const std::string& text) {
     std::tm time{};
     time.tm_isdst = -1;
     return ::strptime(text.c_str(), "%a %b %d %H:%M:%S %Y", &time) == nullptr ? 0 : std::mktime(&time);
 }
 
-/// "ipv4:127.0.0.1:57274" and "ipv6:::1:57274" without kind and port.
+/// The address in "ipv4:127.0.0.1:57274" or "ipv6:::1:57274".
 std::string addressOf(const std::string& place) {
     const std::size_t begin = place.find(':') + 1;
     const std::size_t end = place.rfind(':');
     return place.starts_with("ipv") && end >= begin ? place.substr(begin, end - begin) : place;
 }
 
-/// Samba's own, which every program uses beside the share that it is there for.
+/// False for Samba's own IPC$, which every client uses besides the share that it wants.
 bool isServed(const std::string& share) {
     return share != "IPC$";
 }
@@ -118,7 +118,7 @@ pid_t processOf(const json& object) {
     return process;
 }
 
-/// The values of an object within `document`; none where it has no such object.
+/// The values of the object `key` in `document`; empty when there is no such object.
 std::vector<json> valuesOf(const json& document, const char* key) {
     const auto found = document.find(key);
     return found != document.end() && found->is_object() ? std::vector<json>(found->begin(), found->end())
@@ -127,7 +127,7 @@ std::vector<json> valuesOf(const json& document, const char* key) {
 
 std::vector<Session> sessionsInJSON(const json& document) {
     std::vector<Session> sessions;
-    std::map<std::string, std::size_t> known; // by the session's number
+    std::map<std::string, std::size_t> known; // index by session ID
     std::map<std::pair<pid_t, json>, std::size_t> users;
     for (const json& each : valuesOf(document, "sessions")) {
         known.emplace(textAt(each, "session_id"), sessions.size());
@@ -161,7 +161,8 @@ std::vector<Session> sessionsInJSON(const json& document) {
     return sessions;
 }
 
-/// The tables name the process that serves a session, and nothing else of it beyond the first table.
+/// Reads smbstatus's tables. After the first table they refer to a session only by the process that serves
+/// it.
 class Tables {
   public:
     void read(const std::string& line) {
@@ -216,7 +217,7 @@ std::int64_t Session::since() const {
 Result<std::string> sessionListing(const std::optional<SambaAccounts>& root) {
     auto finished = run(root, "smbstatus", {"--json"});
     if (finished.isOk() && !isJSON(finished->output)) {
-        finished = run(root, "smbstatus", {}); // an older one
+        finished = run(root, "smbstatus", {}); // an older smbstatus
     }
     if (!finished.isOk()) {
         return finished.status();
@@ -234,7 +235,7 @@ Result<std::string> sessionListing(const std::optional<SambaAccounts>& root) {
 
 Result<std::vector<Session>> sessionsIn(std::string_view listing) {
     if (isJSON(listing)) {
-        const std::string text = utf8::replace_invalid(listing); // a file's name may be none
+        const std::string text = utf8::replace_invalid(listing); // a file name may not be valid UTF-8
         const json document = json::parse(text, nullptr, false);
         return document.is_object()
                    ? Result(sessionsInJSON(document))
@@ -250,7 +251,7 @@ Result<std::vector<Session>> sessionsIn(std::string_view listing) {
 
 Status closeShare(const std::optional<SambaAccounts>& root, const std::string& share) {
     const auto isControl = [](unsigned char letter) { return letter < ' '; };
-    // "*" would mean all of them.
+    // "*" would mean all shares.
     if (share.empty() || share == "*" || share.starts_with('-') || std::ranges::any_of(share, isControl)) {
         return Status::failure(cannotDisconnect, share, "is not a share's name");
     }

@@ -13,7 +13,7 @@
 
 namespace platform {
 
-/// Somebody who is connected to an SMB server.
+/// A user's connection to an SMB server.
 struct Session {
     struct Share {
         std::string name;
@@ -23,30 +23,32 @@ struct Session {
     struct File {
         std::string path;
         std::int64_t since = 0;
-        bool isWritten = false; ///< it is open for writing
+        bool isWritten = false; ///< open for writing
     };
 
-    pid_t process = 0; ///< the server's that serves it
+    pid_t process = 0; ///< the server process that serves the session
     std::string user;
-    std::string computer; ///< as it calls itself, or its address
-    std::string address;  ///< an IP address
+    std::string computer; ///< the name that it gives itself, or its address
+    std::string address;  ///< its IP address
     std::string protocol; ///< "SMB3_11"
     std::vector<Share> shares;
     std::vector<File> files;
 
-    /// When it was connected to the first of its shares; 0 where that cannot be told.
+    /// When the first of its shares was connected; 0 when not known.
     [[nodiscard]] std::int64_t since() const;
 };
 
-/// What smbstatus(1) says of the computer's own server, or of a root's: JSON where it can, else its tables.
-/// Fails when it is not installed, fails itself, or must be run by root and is not.
+/// The output of smbstatus(1) about a root's server, or without `root` about the computer's own: JSON if it
+/// supports that, otherwise tables. Fails when smbstatus is not installed, fails itself, or must be run by
+/// root and is not.
 [[nodiscard]] Result<std::string> sessionListing(const std::optional<SambaAccounts>& root);
-/// The sessions in such a listing of either kind. What Samba serves itself (IPC$) is left out of their
-/// shares. Fails for what begins as JSON and is none.
+/// The sessions in such a listing of either kind. Samba's own IPC$ is left out of their shares. Fails when
+/// the listing begins like JSON but is not valid JSON.
 [[nodiscard]] Result<std::vector<Session>> sessionsIn(std::string_view listing);
 
-/// Each ends connections through smbcontrol(1): all to a share, or all of a computer. Programs reconnect when
-/// they need to. Fails when the server does not run, or `share` or `address` is none.
+/// Each ends connections through smbcontrol(1): all to a share, or all from a computer. Clients reconnect
+/// when they need to. Fails when the server is not running, or `share` is not a share's name or `address` not
+/// an IP address.
 [[nodiscard]] Status closeShare(const std::optional<SambaAccounts>& root, const std::string& share);
 [[nodiscard]] Status disconnectComputer(const std::optional<SambaAccounts>& root, const std::string& address);
 

@@ -13,10 +13,10 @@ namespace platform {
 namespace {
 
 constexpr auto limit = std::chrono::seconds(20);
-/// Each that ends the reading takes a run of its own.
+/// Each complaint that ends testparm's reading takes one more run.
 constexpr int mostRuns = 25;
 
-/// What begins a complaint, or stands in one.
+/// What a line that is a complaint contains.
 constexpr std::array<std::string_view, 7> complaints = {"Unknown parameter encountered",
                                                         "Ignoring invalid value",
                                                         "is not boolean",
@@ -35,14 +35,14 @@ std::vector<std::string> linesOf(std::string_view text) {
     return lines;
 }
 
-/// In lower case and without blanks, as Samba compares names.
+/// The name in lower case and without blanks, the way Samba compares names.
 std::string folded(std::string_view name) {
     std::string plain = lowercased(name);
     std::erase_if(plain, [](char letter) { return letter == ' ' || letter == '\t' || letter == '\r'; });
     return plain;
 }
 
-/// The name of the setting that a line holds; empty where it holds none.
+/// The name of the setting in a line; empty when there is none.
 std::string keyOf(std::string_view line) {
     const std::size_t end = line.find('=');
     const std::string key = end == std::string_view::npos ? std::string() : folded(line.substr(0, end));
@@ -59,13 +59,14 @@ bool saysSomething(std::string_view line) {
     return begin != std::string_view::npos && line[begin] != '#' && line[begin] != ';';
 }
 
-/// Follows testparm, which tells each line that it comes to, through the lines of the text.
+/// Follows testparm through the lines of the text. testparm reports each setting and section that it reads.
 class Reading {
   public:
     Reading(std::vector<std::string>& lines, std::vector<SettingsComplaint>& found)
         : lines_(lines), found_(found) {}
 
-    /// Reads what it said. True when it ended at a line, which is taken out so that it can go on.
+    /// Processes testparm's output. Returns true when it stopped at a line; that line is then emptied, so
+    /// that the next run gets further.
     bool follow(std::string_view said) {
         for (const std::string& line : linesOf(said)) {
             constexpr std::string_view setting = "doing parameter ";
@@ -76,7 +77,7 @@ class Reading {
                 moveTo(&isHeader);
                 header_ = place_;
             } else if (line == "No service name in service entry.") {
-                complain(header_, line); // found out only when the section has ended
+                complain(header_, line); // reported only at the end of the section
                 place_ = header_;
             } else if (line == "pm_process() returned No") {
                 return takeOut();
@@ -109,9 +110,10 @@ class Reading {
     }
 
     bool takeOut() {
-        std::size_t index = place_ - 1; // the line that it complained about
+        std::size_t index = place_ - 1; // the line of the complaint
         if (!hasComplained_) {
-            // It names no line that it cannot make sense of: it is the next one after those that it named.
+            // testparm does not name a line that it cannot parse: it is the next one after the last that it
+            // reported.
             index = place_;
             while (index < lines_.size() && !saysSomething(lines_[index])) {
                 ++index;
@@ -127,8 +129,8 @@ class Reading {
 
     std::vector<std::string>& lines_;
     std::vector<SettingsComplaint>& found_;
-    std::size_t place_ = 0;  ///< how many lines testparm has come past
-    std::size_t header_ = 0; ///< the last header among them
+    std::size_t place_ = 0;  ///< how many lines testparm has read
+    std::size_t header_ = 0; ///< the number of the last header among them
     bool hasComplained_ = false;
 };
 

@@ -9,19 +9,19 @@
 
 namespace platform {
 
-/// What the installed Samba finds wrong with a text that is to be its smb.conf.
+/// Something that the installed Samba finds wrong with the text of an smb.conf.
 struct SettingsComplaint {
-    std::size_t line = 0; ///< from 1; 0 where it is about no single line
+    std::size_t line = 0; ///< from 1; 0 when it is not about a single line
     std::string text;     ///< Samba's own words
 };
 
-/// Whether a line that testparm(1) has written is a complaint. All else that it says is about its work, or a
-/// piece of advice that the server does not act on.
+/// Whether a line of testparm(1)'s output is a complaint. Its other lines are progress reports, or advice
+/// without consequences for the server.
 [[nodiscard]] bool isSettingsComplaint(std::string_view line);
 
-/// All complaints of testparm about the text, in the order of its lines. Where one of them keeps the server
-/// from reading on, the lines behind it are judged without it. Files that the text includes are not read.
-/// Fails when testparm is not installed or does not end.
+/// All complaints of testparm about the text, in the order of its lines. When a line keeps the server from
+/// reading on, the lines after it are checked without it. Included files are not read. Fails when testparm is
+/// not installed or does not end in time.
 [[nodiscard]] Result<std::vector<SettingsComplaint>> settingsComplaints(std::string_view text);
 
 } // namespace platform

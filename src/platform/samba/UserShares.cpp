@@ -13,7 +13,6 @@
 #include <fcntl.h>
 #include <sys/fsuid.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
 namespace platform {
 
@@ -22,7 +21,7 @@ namespace {
 constexpr const char* cannotOffer = "cannot offer the Public folder of";
 constexpr const char* cannotTakeAway = "cannot take away the Public folder of";
 constexpr const char* folderName = "Public";
-/// Everybody may read; by number, because the name is known to a running server only.
+/// Everybody may read. Given as a SID, because only a running server knows the name.
 constexpr const char* everyone = "S-1-1-0:R";
 constexpr mode_t folderMode = 0755;
 constexpr int folderFlags = O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC;
@@ -47,7 +46,7 @@ bool allowsGuests() {
     return said.isOk() && said->output.starts_with("Yes");
 }
 
-/// The account's home folder, where it is one and the account's own.
+/// Opens the account's home folder. Fails when it is a link, not a folder, or belongs to somebody else.
 Result<FileDescriptor> openHome(const PublicFolderOwner& owner) {
     FileDescriptor home(::open(owner.home.c_str(), folderFlags));
 
@@ -62,8 +61,8 @@ Result<FileDescriptor> openHome(const PublicFolderOwner& owner) {
     return home;
 }
 
-/// Makes the folder as its owner would, so that it is that user's from the first moment and nothing has to
-/// be given away that somebody could have put in its place meanwhile. Returns errno, 0 when it was made.
+/// Makes the folder with the owner's identity, so that it belongs to that user from the start. With a chown
+/// afterwards, somebody could put something else in its place first. Returns 0 or errno.
 int makeAs(const PublicFolderOwner& owner, int home) {
     const mode_t mask = ::umask(S_IWGRP | S_IWOTH);
     const int group = ::setfsgid(owner.gid);
@@ -75,7 +74,8 @@ int makeAs(const PublicFolderOwner& owner, int home) {
     return error;
 }
 
-/// HOME/Public, the user's, for all to read where it is new.
+/// Makes HOME/Public, readable by everybody, unless it exists. Fails when it is not a folder of the user's
+/// own.
 Status makeFolder(const PublicFolderOwner& owner) {
     const auto home = openHome(owner);
     if (!home.isOk()) {
@@ -113,7 +113,7 @@ std::string whyNoPublicFolder(const PublicFolderOwner& owner, uid_t lowest, uid_
         return owner.name + " is an account of the system";
     }
 
-    struct stat status {}; // a folder that may not be opened can be looked at
+    struct stat status {}; // lstat works even for a folder that may not be opened
 
     const bool isOwn =
         ::lstat(owner.home.c_str(), &status) == 0 && S_ISDIR(status.st_mode) && status.st_uid == owner.uid;
@@ -138,11 +138,11 @@ Status offerPublicFolder(const PublicFolderOwner& owner) {
 Status takePublicFolderAway(const std::string& name) {
     const std::string net = sambaCommand("net");
     if (net.empty()) {
-        return {}; // nothing is offered either
+        return {}; // then nothing is offered either
     }
     const auto run = runSamba({net, "usershare", "delete", publicShareName(name)});
     const auto says = [&](std::string_view text) { return run->output.find(text) != std::string::npos; };
-    // Where Samba allows no user shares there is none either.
+    // When Samba does not allow user shares, there is none.
     const bool isGone =
         run.isOk() && (run->status == 0 || says("No such file") || says("usershares are currently disabled"));
     return isGone ? Status() : complaint(cannotTakeAway, name, run);

@@ -8,10 +8,10 @@
 
 namespace platform {
 
-// Public folders of this computer's users, offered over SMB as Samba's own user shares, which live beside
-// smb.conf and need no line in it. As root only.
+// Public folders of this computer's users, offered over SMB as Samba's user shares, which are kept outside
+// smb.conf. Only for root.
 
-/// An account whose Public folder is meant.
+/// The account that a Public folder belongs to.
 struct PublicFolderOwner {
     std::string name;
     uid_t uid = 0;
@@ -19,19 +19,19 @@ struct PublicFolderOwner {
     std::string home;
 };
 
-/// Why no Public folder of the account is offered: it needs an ordinary number, from `lowest` to `highest`,
-/// and a home folder that is its own. Empty where one is.
+/// Why the account's Public folder is not offered; empty when it is. The account needs a number from `lowest`
+/// to `highest` and its own home folder.
 [[nodiscard]] std::string whyNoPublicFolder(const PublicFolderOwner& owner, uid_t lowest, uid_t highest);
 
-/// Offers HOME/Public, which is made where it is missing (the user's, for all to read), as "NAME's Public":
-/// everybody who may connect reads it, guests only where Samba allows them in user shares. Nothing is made or
-/// offered through a link. Offering it again is no failure.
+/// Offers HOME/Public as "NAME's Public", making the folder if it is missing (owned by the user, readable by
+/// everybody). Everybody who may connect can read it; guests only if Samba allows them in user shares.
+/// Nothing is made or offered through a link. Offering it again is not a failure.
 [[nodiscard]] Status offerPublicFolder(const PublicFolderOwner& owner);
 
-/// Takes the offer away again, where there is one; the folder stays.
+/// Withdraws the offer, if there is one; the folder stays.
 [[nodiscard]] Status takePublicFolderAway(const std::string& name);
 
-/// The name of the share.
+/// The name of the share under which a user's Public folder is offered.
 [[nodiscard]] std::string publicShareName(const std::string& user);
 
 } // namespace platform

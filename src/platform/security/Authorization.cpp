@@ -3,7 +3,6 @@
 #include "platform/appkit/Presenter.h"
 #include "platform/foundation/Host.h"
 
-#include <array>
 #include <memory>
 #include <utility>
 
@@ -11,8 +10,8 @@
 
 namespace {
 
-/// The source of a run's stream: what the tool wrote. The presenter is told of it once the caller has read to
-/// the end.
+/// Serves a tool's output as a stream. When the caller has read to the end, the presenter is told of the
+/// output.
 class ToolOutput {
   public:
     explicit ToolOutput(std::string text) : text_(std::move(text)) {}
@@ -39,17 +38,17 @@ class ToolOutput {
         };
         std::FILE* stream = ::fopencookie(output.get(), "r", functions);
         if (stream != nullptr) {
-            static_cast<void>(output.release()); // the stream's close frees it
+            static_cast<void>(output.release()); // closing the stream frees it
         }
         return stream;
     }
 
   private:
     std::string text_;
-    std::size_t position_ = 0; ///< of what is read next
+    std::size_t position_ = 0; ///< where the next read starts
 };
 
-/// Tells the presenter of a run, the secret argument masked.
+/// Tells the presenter of a run, with the secret argument masked.
 void announce(const std::string& tool, std::span<const std::string> arguments,
               std::optional<std::size_t> secretArgument) {
     platform::Presenter& presenter = platform::Host::current().presenter();

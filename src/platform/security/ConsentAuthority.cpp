@@ -2,7 +2,6 @@
 
 #include "platform/appkit/Presenter.h"
 #include "platform/foundation/Host.h"
-#include "platform/foundation/NSLog.h"
 #include "platform/security/HelperProtocol.h"
 
 #include <optional>
@@ -19,7 +18,8 @@ class ConsentSession : public AuthorizationSession {
             return false;
         }
         const double age = Host::current().clock().now() - *lastUse_;
-        return age >= 0 && age <= ConsentAuthority::consentSeconds; // a clock that was set back ends it too
+        return age >= 0 &&
+               age <= ConsentAuthority::consentSeconds; // setting the clock back ends the consent too
     }
 
     void use() { lastUse_ = Host::current().clock().now(); }
@@ -55,7 +55,7 @@ OSStatus ConsentAuthority::copyRights(AuthorizationSession& session, const Autho
     if ((flags & kAuthorizationFlagInteractionAllowed) == 0) {
         return errAuthorizationInteractionNotAllowed;
     }
-    settle(); // nobody else should wait for the user
+    settle(); // other programs should not have to wait for the user
     helper().end();
     if (!Host::current().presenter().runAdministratorDialog({})) {
         return errAuthorizationCanceled;
@@ -78,7 +78,7 @@ OSStatus ConsentAuthority::execute(AuthorizationSession& session, const std::str
     }
     consent.use();
     if (!waitsForCommit(tool)) {
-        settle(); // the others read the directory, or take longer than anybody should wait for it
+        settle(); // other tools read the directory, or take so long that nobody should have to wait for them
     }
     return helper().run(tool, arguments, output);
 }

@@ -14,7 +14,7 @@ void HelperAuthority::settle() {
 }
 
 void HelperAuthority::takeBack() {
-    helper_.end(); // what was not settled goes with it
+    helper_.end(); // this undoes what was not settled
 }
 
 void HelperAuthority::endAction() {

@@ -10,8 +10,8 @@
 
 namespace platform {
 
-/// An authority whose runs are carried out by one helper for each action. What they change of the directory
-/// is pending until it is settled.
+/// An authority whose runs are carried out by a helper that serves run after run. The directory changes of
+/// the runs are pending until they are settled.
 class HelperAuthority : public Authority, public PendingWrites {
   public:
     void settle() override;
@@ -19,7 +19,7 @@ class HelperAuthority : public Authority, public PendingWrites {
     void endAction() override;
 
   protected:
-    /// `command` starts the helper for a session.
+    /// `command` starts the helper in session mode.
     explicit HelperAuthority(std::vector<std::string> command) : helper_(std::move(command)) {}
 
     [[nodiscard]] HelperSession& helper() { return helper_; }

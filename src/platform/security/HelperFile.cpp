@@ -15,13 +15,13 @@ namespace {
 
 constexpr const char* cannotUse = "cannot use the helper";
 
-/// Root's group is root itself.
+/// Whether anybody but root may write there. Root's own group counts as root.
 bool othersMayWrite(const struct stat& status) {
     const bool groupMay = (status.st_mode & S_IWGRP) != 0 && status.st_gid != 0;
     return status.st_uid != 0 || groupMay || (status.st_mode & S_IWOTH) != 0;
 }
 
-/// The first of `place` and the folders above it that others than root may change; empty when there is none.
+/// The first of `place` and the folders above it that others than root may change, or "".
 Result<std::string> placeOfOthers(std::filesystem::path place) {
     for (bool isTop = false; !isTop; place = place.parent_path()) {
         struct stat status {};
@@ -57,7 +57,7 @@ Status checkHelperFile(const std::string& path) {
     if (error) {
         return Status::failure(cannotUse, path, error.message());
     }
-    // sudo is given the path itself: what its links stand in counts, too.
+    // sudo gets the path itself, so the folders that hold its links count too.
     for (const std::filesystem::path& place : {std::filesystem::path(path), real}) {
         const auto open = placeOfOthers(place);
         if (!open.isOk()) {

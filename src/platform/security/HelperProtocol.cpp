@@ -16,8 +16,8 @@ namespace {
 constexpr unsigned byteBits = 8;
 constexpr unsigned byteMask = 0xff;
 
-/// This program's environment without the mark that sudo leaves on a shell: a helper that is started from
-/// here was not started by sudo, and one that sudo starts gets a mark of its own.
+/// This program's environment without the variable that sudo sets. A helper that is started directly was not
+/// started by sudo, and one that sudo starts gets its own variable.
 std::vector<std::string> helperEnvironment() {
     std::vector<std::string> variables = currentEnvironment();
     std::erase_if(variables, [](const std::string& each) { return each.starts_with("SUDO_UID="); });
@@ -28,7 +28,7 @@ bool isTransient(int error) {
     return error == EINTR || error == EAGAIN;
 }
 
-/// What the helper's first byte says; none when there is none yet.
+/// What the helper's first byte means; none when there is no byte yet.
 std::optional<HelperStart> readStart(int descriptor) {
     char first = 0;
     const ssize_t count = ::read(descriptor, &first, 1);
@@ -79,7 +79,7 @@ std::optional<std::string> helperRequest(const std::string& tool, std::span<cons
         return std::nullopt;
     }
     std::string request;
-    request.reserve(reserved + size); // a string that grows would leave copies of a password in memory
+    request.reserve(reserved + size); // growing would leave copies of a password in memory
     request.append(reserved, '\0').append(tool).push_back('\0');
     for (const std::string& argument : arguments) {
         request.append(argument).push_back('\0');
@@ -98,7 +98,7 @@ HelperStart handOver(ChildProcess& helper, std::string_view request, HelperInput
     while (true) {
         const auto left =
             std::chrono::ceil<std::chrono::milliseconds>(deadline - std::chrono::steady_clock::now());
-        // poll skips a descriptor of -1: everything is written.
+        // When everything is written, -1: poll skips that.
         const int writing = request.empty() ? -1 : helper.input.get();
         std::array<pollfd, 2> waiting = {{{helper.output.get(), POLLIN, 0}, {writing, POLLOUT, 0}}};
         const int ready =
@@ -111,10 +111,10 @@ HelperStart handOver(ChildProcess& helper, std::string_view request, HelperInput
             if (written > 0) {
                 request.remove_prefix(static_cast<std::size_t>(written));
             } else if (written < 0 && !isTransient(errno)) {
-                request = {}; // what the helper says tells
+                request = {}; // the helper's output tells what happened
             }
             if (request.empty() && input == HelperInput::Closes) {
-                helper.input.reset(); // its end is what tells the helper that the request is whole
+                helper.input.reset(); // the end of its input tells the helper that the request is complete
             }
         }
         if (ready > 0 && waiting[0].revents != 0) {

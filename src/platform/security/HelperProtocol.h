@@ -12,50 +12,54 @@
 
 namespace platform {
 
-// What Brindle and its helper say to each other. A request is the tool's path and its arguments, each ended
-// by a NUL. A helper that serves one request reads it up to the end of its input. One that serves a session
-// reads frames: a length of four bytes, the highest first, and that many bytes, which are a request; an empty
-// frame asks for the commit of what the directory's tools have changed since the last one. It replies to each
-// frame before it reads the next: one byte that it has started, a frame with what the tool wrote, and one
-// byte for the exit status; or one byte alone where it refuses.
+// The protocol between Brindle and its helper. A request is the tool's path and its arguments, each ended by
+// a NUL. A helper that serves one request reads it up to the end of its input. A helper in session mode reads
+// frames: a length of four bytes, big-endian, followed by a request of that many bytes. An empty frame asks
+// for a commit of what the directory's tools have changed since the last commit. The helper replies to each
+// frame before it reads the next: the byte helperStarted, a frame with the tool's output, and one byte for
+// the exit status; or the byte helperRefused alone.
 
-/// A helper that serves a session ends when it was asked nothing for so long.
+/// A helper in session mode ends after so long without a request.
 inline constexpr std::chrono::milliseconds helperIdleLimit = std::chrono::minutes(5);
 
+/// The largest reply, in bytes: far more than the longest list of sessions.
+inline constexpr std::size_t maximumHelperAnswer = std::size_t{64} * 1024 * 1024;
 /// The largest request, in bytes.
 inline constexpr std::size_t maximumHelperRequest = std::size_t{1024} * 1024;
-/// A helper that gives up before it has started ends with this status; sudo, when it refuses, with another.
+/// The exit status of a helper that gives up before it has started. sudo uses another one when it refuses.
 inline constexpr int helperNotStartedStatus = 125;
-/// What the helper writes first: it has read its request and is the tool from now on.
+/// The first byte that the helper writes: it has read its request, and what follows is the tool's output.
 inline constexpr char helperStarted = 0x06;
-/// What it writes instead in a session when the tool is not on its list.
+/// Written instead in session mode when the tool is not on the helper's list.
 inline constexpr char helperRefused = 0x15;
 
-/// Whether what this tool changes waits for a commit in a session: nicl's work. Any other's is done at once.
+/// Whether in session mode the changes of this tool wait for a commit. Only nicl's do; other tools' changes
+/// are made at once.
 [[nodiscard]] bool waitsForCommit(std::string_view tool);
 
 inline constexpr std::size_t frameHeaderSize = 4;
 
-/// The length in front of a frame of `size` bytes (below 4 GiB).
+/// The header of a frame of `size` bytes (below 4 GiB).
 [[nodiscard]] std::string frameHeader(std::size_t size);
-/// The length that such a header, frameHeaderSize bytes, holds.
+/// The length in such a header of frameHeaderSize bytes.
 [[nodiscard]] std::size_t frameSize(std::string_view header);
 
-/// The request as the helper reads it, after `reserved` bytes that are left for a header. None when it is
-/// too large, or when a NUL in a word would cut it in two. May hold a password: wipe it.
+/// Builds a request, preceded by `reserved` bytes that are left for a header. None when it is too large, or
+/// when a word contains a NUL, which would cut it in two. The request may hold a password, so wipe it.
 [[nodiscard]] std::optional<std::string>
 helperRequest(const std::string& tool, std::span<const std::string> arguments, std::size_t reserved = 0);
 
-/// Starts the helper, or what stands in front of it, with pipes to it.
+/// Starts the helper, or the program that starts it (sudo), with pipes to it.
 [[nodiscard]] Result<ChildProcess> startHelper(const std::vector<std::string>& command);
 
 /// The outcome of handing a request over.
 enum class HelperStart { Started, Refused, Ended, Failed };
-/// Whether the request's end is told by the input's.
+/// Whether the input is closed at the end of the request.
 enum class HelperInput { Closes, StaysOpen };
 
-/// Writes the request and reads the first byte, both at once: the helper may say something before it has read
-/// everything. Failed when it says anything else, or nothing within `patience`.
+/// Writes the request and reads the helper's first byte at the same time, because the helper may write before
+/// it has read everything. Returns Ended when the output ends without a byte, and Failed for any other byte,
+/// or when there is none within `patience`.
 [[nodiscard]] HelperStart handOver(ChildProcess& helper, std::string_view request, HelperInput input,
                                    std::chrono::milliseconds patience);
 

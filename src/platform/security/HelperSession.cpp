@@ -1,6 +1,7 @@
 #include "platform/security/HelperSession.h"
 
 #include "platform/foundation/Host.h"
+#include "platform/foundation/NSLog.h"
 #include "platform/posix/Secret.h"
 #include "platform/security/HelperProtocol.h"
 
@@ -19,10 +20,23 @@ namespace {
 
 constexpr int tryAgain = 20; // milliseconds
 
+/// Waits until `descriptor` can be read. Returns false when `deadline` passes first.
+bool isReadableBy(int descriptor, std::chrono::steady_clock::time_point deadline) {
+    int ready = 0;
+    do {
+        const auto left =
+            std::chrono::ceil<std::chrono::milliseconds>(deadline - std::chrono::steady_clock::now());
+        pollfd waiting{descriptor, POLLIN, 0};
+        ready = ::poll(&waiting, 1, static_cast<int>(std::max<std::int64_t>(left.count(), 0)));
+    } while (ready < 0 && errno == EINTR);
+    return ready != 0;
+}
+
 } // namespace
 
-HelperSession::HelperSession(std::vector<std::string> command, std::chrono::milliseconds patience)
-    : command_(std::move(command)), patience_(patience) {}
+HelperSession::HelperSession(std::vector<std::string> command, std::chrono::milliseconds patience,
+                             std::chrono::milliseconds answerLimit)
+    : command_(std::move(command)), patience_(patience), answerLimit_(answerLimit) {}
 
 HelperSession::~HelperSession() {
     end();
@@ -36,13 +50,16 @@ OSStatus HelperSession::run(const std::string& tool, std::span<const std::string
     }
     frame->replace(0, frameHeaderSize, frameHeader(frame->size() - frameHeaderSize));
     wasDenied_ = false;
-    letGoIdle(); // never elsewhere: what a helper holds must not be settled by another
+    letGoIdle(); // only here, so that changes that one helper holds are never settled with another
     auto answer = ask(*frame);
     wipe(*frame);
+    if (!answer.isOk() && !wasDenied_ && !isGivenUp_ && Host::currentIfAny() != nullptr) {
+        NSLog("%@", answer.status().text()); // the caller only gets a status code
+    }
     if (!answer.isOk() || !*answer) {
         return wasDenied_ ? errAuthorizationDenied : errAuthorizationToolExecuteFailure;
     }
-    // On the computer itself each run is lasting at once.
+    // On the system host each run is committed at once.
     const bool isLasting = std::ranges::find(command_, "--system") != command_.end();
     holdsChanges_ = holdsChanges_ || (!isLasting && waitsForCommit(tool));
     if (output != nullptr) {
@@ -67,7 +84,7 @@ Status HelperSession::start(const std::vector<std::string>& command, std::string
     }
     std::string first;
     first.reserve(firstInput.size() + frameHeaderSize);
-    first.append(firstInput).append(frameHeader(0)); // a commit of nothing tells that the helper is there
+    first.append(firstInput).append(frameHeader(0)); // an empty commit shows that the helper is there
     const auto answer = ask(first);
     wipe(first);
     return answer.isOk() && *answer ? Status() : answer.status();
@@ -97,9 +114,9 @@ void HelperSession::end() {
 
 void HelperSession::letGoIdle() {
     if (!helper_ || holdsChanges_) {
-        return; // what becomes of its changes is told where they are settled
+        return; // settle() reports what becomes of its changes
     }
-    // One that waits for the next run says nothing.
+    // A helper that waits for the next run writes nothing.
     pollfd output{helper_->output.get(), POLLIN, 0};
     const bool hasEnded = ::poll(&output, 1, 0) > 0;
     if (hasEnded || std::chrono::steady_clock::now() - lastAsked_ > helperIdleLimit - patience_) {
@@ -110,17 +127,29 @@ void HelperSession::letGoIdle() {
 void HelperSession::letGo() {
     holdsChanges_ = false;
     std::erase_if(abandoned_, [](pid_t process) { return ::waitpid(process, nullptr, WNOHANG) != 0; });
+    static_cast<void>(collect()); // its output has been read already
+}
+
+std::optional<int> HelperSession::collect() {
     if (!helper_) {
-        return;
+        return std::nullopt;
     }
-    helper_->input.reset();                         // its end is what tells the helper to go
-    static_cast<void>(waitForProcess(helper_->id)); // what it had to say it has said
-    helper_.reset();
+    ChildProcess helper = *std::exchange(helper_, std::nullopt);
+    helper.input.reset(); // the end of its input tells the helper to end
+    const FileDescriptor end = openProcess(helper.id);
+    const bool isLate =
+        end.isOpen() && !isReadableBy(end.get(), std::chrono::steady_clock::now() + patience_);
+    if (isLate && ::kill(helper.id, SIGKILL) != 0 && errno == EPERM) {
+        abandoned_.push_back(helper.id);
+        return std::nullopt;
+    }
+    const auto status = waitForProcess(helper.id);
+    return status.isOk() ? std::optional(*status) : std::nullopt;
 }
 
 void HelperSession::giveUp() {
-    // One that comes round later must do nothing. Where sudo has made it root's it cannot be killed: it finds
-    // nobody to tell that it begins, and ends.
+    // A helper that continues later must do nothing. If sudo has started it as root, it cannot be killed, but
+    // it ends because it cannot write its first byte.
     if (helper_ && ::kill(helper_->id, SIGKILL) != 0 && errno == EPERM) {
         abandoned_.push_back(helper_->id);
         helper_.reset();
@@ -140,6 +169,7 @@ Result<std::optional<HelperSession::Answer>> HelperSession::ask(std::string_view
         }
     }
     const HelperStart start = handOver(*helper_, frame, HelperInput::StaysOpen, patience_);
+    answerBy_ = std::chrono::steady_clock::now() + answerLimit_;
     if (start == HelperStart::Refused) {
         return std::optional<Answer>();
     }
@@ -153,9 +183,9 @@ Result<std::optional<HelperSession::Answer>> HelperSession::ask(std::string_view
                       : Result<Answer>(Status::failure("cannot talk to", command_.front(), "try again"));
     if (!answer.isOk()) {
         if (start == HelperStart::Ended) {
-            const auto status = waitForProcess(std::exchange(helper_, std::nullopt)->id);
-            // sudo's status of a refusal. The helper itself ends with another before it has started.
-            wasDenied_ = status.isOk() && *status == 1;
+            // sudo's status when it refuses. The helper itself ends with another status before it has
+            // started.
+            wasDenied_ = collect() == 1;
         }
         giveUp();
         return answer.status();
@@ -168,6 +198,9 @@ Result<HelperSession::Answer> HelperSession::readAnswer() {
     std::string header(frameHeaderSize, '\0');
     Status status = read(header);
     Answer answer;
+    if (status.isOk() && frameSize(header) > maximumHelperAnswer) {
+        status = Status::failure("cannot talk to", command_.front(), "its answer is larger than 64 MiB");
+    }
     if (status.isOk()) {
         answer.output.resize(frameSize(header));
         status = read(answer.output);
@@ -190,7 +223,7 @@ bool HelperSession::isAnswered() const {
         const int ready = ::poll(&answer, 1, tryAgain);
         return ready == 0 || (ready < 0 && errno == EINTR);
     };
-    while (patience && isSilent()) {
+    while (patience && std::chrono::steady_clock::now() < answerBy_ && isSilent()) {
         const std::chrono::duration<double> waited = std::chrono::steady_clock::now() - since;
         isAnswered = patience->keepWaiting(waited.count());
         if (!isAnswered) {
@@ -206,6 +239,10 @@ bool HelperSession::isAnswered() const {
 Status HelperSession::read(std::span<char> bytes) {
     while (!bytes.empty()) {
         if (unread_.empty()) {
+            if (!isReadableBy(helper_->output.get(), answerBy_)) {
+                return Status::failure("cannot talk to", command_.front(),
+                                       "it has not answered in time; try again");
+            }
             const ssize_t count = ::read(helper_->output.get(), received_.data(), received_.size());
             if (count == 0) {
                 return Status::failure("cannot talk to", command_.front(), "it has ended; try again");

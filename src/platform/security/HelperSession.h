@@ -14,42 +14,44 @@
 
 namespace platform {
 
-/// One brindle-helper that serves run after run, of one action or of several. It ends by itself when nothing
-/// is asked of it for five minutes (HelperProtocol.h), and another one is started for the next run. What the
-/// directory's tools change stays one open transaction of it until settle(), and is taken back when the
-/// helper, or this program, ends before that.
+/// A brindle-helper that serves run after run, for one action or several. It ends by itself after five
+/// minutes without a request (HelperProtocol.h); another one is then started for the next run. The changes of
+/// the directory's tools are one open transaction in the helper until settle(). They are undone if the helper
+/// or this program ends before that.
 class HelperSession {
   public:
-    /// `command` is the helper's path with its options. `patience` is how long it may take to start a run.
+    /// `command` is the helper's path with its options. `patience` is how long the helper may take to start a
+    /// run, and `answerLimit` how long its whole reply may take.
     explicit HelperSession(std::vector<std::string> command,
-                           std::chrono::milliseconds patience = std::chrono::seconds(30));
-    /// Takes back what was not settled.
+                           std::chrono::milliseconds patience = std::chrono::seconds(30),
+                           std::chrono::milliseconds answerLimit = std::chrono::minutes(10));
+    /// Undoes what was not settled.
     ~HelperSession();
     HelperSession(const HelperSession&) = delete;
     HelperSession& operator=(const HelperSession&) = delete;
 
-    /// Runs `tool` to its end, in the helper that runs already or in a new one. On success `*output` (when
-    /// not null) is what the tool wrote to its standard output.
-    /// errAuthorizationDenied when the program in front of a new helper refused;
-    /// errAuthorizationToolExecuteFailure when the helper could not be started, refused the tool, took too
-    /// long or ended in the middle.
+    /// Runs `tool` to its end in the running helper or in a new one. On success `*output` (unless null)
+    /// receives the tool's standard output. Returns errAuthorizationDenied when the program that starts a new
+    /// helper (sudo) refused, and errAuthorizationToolExecuteFailure when the helper could not be started,
+    /// refused the tool, took too long or ended half way.
     [[nodiscard]] OSStatus run(const std::string& tool, std::span<const std::string> arguments,
                                std::string* output);
 
-    /// Starts a helper by another `command`, whose first program reads `firstInput` before it; instead of one
-    /// that runs. `firstInput` may be a secret: no copy of it is left.
+    /// Ends a running helper and starts one with another `command`, whose first program (sudo) reads
+    /// `firstInput` from the input before the helper does. `firstInput` may be a secret; no copy of it is
+    /// left in memory.
     [[nodiscard]] Status start(const std::vector<std::string>& command, std::string_view firstInput);
 
-    /// Whether a helper waits for the next run.
+    /// Whether there is a helper waiting for the next run.
     [[nodiscard]] bool isRunning() const { return helper_.has_value(); }
 
-    /// Commits. Ok when there is nothing to commit; a failure has taken back everything since the last
-    /// commit.
+    /// Commits. Ok when there is nothing to commit. A failure means that everything since the last commit is
+    /// lost.
     [[nodiscard]] Status settle();
 
-    /// Ends the action; the helper stays for the next one.
+    /// Ends the action. The helper stays for the next one.
     void endAction();
-    /// The same, and lets the helper go, waiting for its end.
+    /// The same, then ends the helper and waits for it.
     void end();
 
   private:
@@ -58,31 +60,36 @@ class HelperSession {
         int status = 0;
     };
 
-    /// Lets go a helper that has ended by itself between two actions, or is about to.
+    /// Collects a helper that has ended by itself between two actions, or ends one that is about to.
     void letGoIdle();
     [[nodiscard]] Status startWith(const std::vector<std::string>& command);
-    /// Hands a frame over and reads what is said to it; none when the helper refuses.
+    /// Sends a frame and reads the reply; none when the helper refuses the request.
     [[nodiscard]] Result<std::optional<Answer>> ask(std::string_view frame);
     [[nodiscard]] Result<Answer> readAnswer();
     [[nodiscard]] Status read(std::span<char> bytes);
-    /// Waits for something to read; false: the user has given up.
+    /// Waits until there is something to read; false when the user has given up.
     [[nodiscard]] bool isAnswered() const;
-    /// The helper cannot be talked to any more.
+    /// Lets go of the helper and returns its exit status. A helper that does not end in time is killed. If it
+    /// cannot be killed, it is abandoned and there is no status.
+    std::optional<int> collect();
+    /// Gives up a helper with which communication has failed.
     void giveUp();
     void letGo();
 
     std::vector<std::string> command_;
     std::chrono::milliseconds patience_;
+    std::chrono::milliseconds answerLimit_;
+    std::chrono::steady_clock::time_point answerBy_; ///< when the current reply must be complete
     std::optional<ChildProcess> helper_;
-    std::chrono::steady_clock::time_point lastAsked_; ///< when it was
-    // What the helper has written and nobody has read yet: an answer comes as a whole.
+    std::chrono::steady_clock::time_point lastAsked_; ///< when the helper was last asked
+    // A buffer for what the helper has written.
     std::array<char, 4096> received_{};
-    std::span<const char> unread_; ///< of it
-    std::vector<pid_t> abandoned_; ///< helpers that end by themselves, to be collected
+    std::span<const char> unread_; ///< the part of it that has not been read yet
+    std::vector<pid_t> abandoned_; ///< helpers that will end by themselves and must be collected
     bool holdsChanges_ = false;    ///< the directory's tools have run since the last commit
-    std::string lost_;             ///< why their changes are gone
-    bool wasDenied_ = false;       ///< what stands before the helper has refused to start it
-    bool isGivenUp_ = false;       ///< the user has given up waiting: the rest of the action is not begun
+    std::string lost_;             ///< why those changes are lost
+    bool wasDenied_ = false;       ///< sudo has refused to start the helper
+    bool isGivenUp_ = false; ///< the user has given up waiting, so the rest of the action is not started
 };
 
 } // namespace platform

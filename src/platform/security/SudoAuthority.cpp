@@ -5,11 +5,11 @@
 #include "platform/foundation/Host.h"
 #include "platform/foundation/NSBundle.h"
 #include "platform/foundation/NSLog.h"
+#include "platform/posix/Process.h"
 #include "platform/posix/Secret.h"
 #include "platform/security/HelperFile.h"
 
 #include <algorithm>
-#include <array>
 #include <utility>
 
 #include <pwd.h>
@@ -23,7 +23,7 @@ bool isProgram(const std::string& path) {
     return ::access(path.c_str(), X_OK) == 0;
 }
 
-/// sudo's messages are read below, which takes them untranslated.
+/// This program's environment, but with sudo's messages untranslated, because they are searched below.
 std::vector<std::string> untranslatedEnvironment() {
     std::vector<std::string> variables = currentEnvironment();
     std::erase_if(variables, [](const std::string& each) { return each.starts_with("LC_ALL="); });
@@ -61,7 +61,7 @@ SudoAuthority::SudoAuthority(std::string helper, const std::string& prefix, std:
 
 std::unique_ptr<AuthorizationSession> SudoAuthority::createSession(OSStatus* status) {
     *status = errAuthorizationSuccess;
-    return std::make_unique<AuthorizationSession>(); // sudo keeps all the state there is
+    return std::make_unique<AuthorizationSession>(); // sudo keeps all the state
 }
 
 std::vector<std::string> SudoAuthority::sudoWords(const std::vector<std::string>& options) const {
@@ -99,7 +99,7 @@ bool SudoAuthority::holdsRight() {
     if (succeeds({"-n", "-v"})) {
         return true;
     }
-    // sudo may ask this user for a password in general, and for none where it is the helper that is run.
+    // sudo may require a password from this user in general, but none for running the helper.
     if (!helperIsFree_) {
         helperIsFree_ = succeeds(joined({"-n", "--", helperFile_}, {"--system", "--version"}));
     }
@@ -133,7 +133,7 @@ OSStatus SudoAuthority::askForPassword() {
         if (!answer) {
             return errAuthorizationCanceled;
         }
-        // Room for the line's end first: a string that grows would leave a copy of the password in memory.
+        // Reserve room for the line end, because growing would leave a copy of the password in memory.
         std::string line;
         line.reserve(answer->password.size() + 1);
         line.append(answer->password).push_back('\n');
@@ -181,7 +181,8 @@ void SudoAuthority::endAction() {
 
 OSStatus SudoAuthority::execute(AuthorizationSession& /*session*/, const std::string& tool,
                                 std::span<const std::string> arguments, std::string* output) {
-    // sudo ends in the same way when it finds no such program as when it refuses.
+    // Checked here because sudo ends with the same status when it does not find the program as when it
+    // refuses.
     if (!isProgram(sudo_) || !checkHelperFile(helperFile_).isOk()) {
         return errAuthorizationToolExecuteFailure;
     }

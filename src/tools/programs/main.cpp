@@ -1,9 +1,14 @@
-// The one body of the five tools' programs; the build says which of them it is.
+// The main function of all five tools; the build says which one.
 
 #include "tools/DirectoryTools.h"
 #include "tools/Helper.h"
 
 int main(int argc, char** argv) {
     constexpr std::string_view tool = BRINDLE_TOOL;
-    return tool == "brindle-helper" ? helperMain(argc, argv) : directoryToolMain(tool, argc, argv);
+    // "if constexpr", so that what only the helper needs is linked only into the helper.
+    if constexpr (tool == "brindle-helper") {
+        return helperMain(argc, argv);
+    } else {
+        return directoryToolMain(tool, argc, argv);
+    }
 }

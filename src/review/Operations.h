@@ -1,0 +1,30 @@
+#pragma once
+
+#include <string_view>
+
+namespace review {
+
+/// Where an action can be stopped.
+enum class Stops {
+    Nowhere,
+    AfterRun,   ///< each run is for another object
+    AfterObject ///< several consecutive runs are for one object
+};
+
+/// An operation of the controller that changes something, with what the review and the window need to know of
+/// it.
+struct WritingOperation {
+    std::string_view name; ///< the full name, "createShare:"
+    Stops stops = Stops::Nowhere;
+    bool removes = false;      ///< takes something away
+    bool savesPage = false;    ///< writes all that stands on its page
+    bool isOfSettings = false; ///< changes the settings files alone
+};
+
+/// Returns the operation of that name, or null when it changes nothing.
+[[nodiscard]] const WritingOperation* findWritingOperation(std::string_view name);
+
+/// Returns where the action of that operation can be stopped.
+[[nodiscard]] Stops stopsOf(std::string_view operation);
+
+} // namespace review
