@@ -28,6 +28,7 @@ class LineEdit : public QLineEdit {
     /// Sets the text that is shown as "no limit" unless it is being edited.
     void setUnlimited(const std::string& value);
 
+    /// Says whether the text is the path of a folder: the panel that chooses another one begins there.
     void setNamesFolder(bool isPath) { namesFolder_ = isPath; }
 
     [[nodiscard]] bool namesFolder() const { return namesFolder_; }
