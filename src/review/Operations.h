@@ -11,14 +11,14 @@ enum class Stops {
     AfterObject ///< several consecutive runs are for one object
 };
 
-/// An operation of the controller that changes something, with what the review and the window need to know of
-/// it.
+/// An operation of the controller that changes something, and what the review and the window need to know
+/// about it.
 struct WritingOperation {
     std::string_view name; ///< the full name, "createShare:"
     Stops stops = Stops::Nowhere;
     bool removes = false;      ///< takes something away
-    bool savesPage = false;    ///< writes all that stands on its page
-    bool isOfSettings = false; ///< changes the settings files alone
+    bool savesPage = false;    ///< writes everything on its page
+    bool isOfSettings = false; ///< changes only the settings files
 };
 
 /// Returns the operation of that name, or null when it changes nothing.

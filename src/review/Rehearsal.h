@@ -19,7 +19,8 @@ namespace review {
 class Rehearsal {
   public:
     /// `original` is the main interface of the current host; alerts and runs are recorded in `*plan`. Fails
-    /// when the interface file has changed since it was loaded, as by a new version of Brindle.
+    /// when the interface file has changed since it was loaded, for example because a new version of Brindle
+    /// was installed.
     [[nodiscard]] static platform::Result<std::unique_ptr<Rehearsal>>
     make(const platform::Interface& original, const std::shared_ptr<WorkingCopy>& copy, Plan* plan);
     ~Rehearsal();
@@ -36,7 +37,7 @@ class Rehearsal {
   private:
     Rehearsal() = default;
 
-    /// False when the two trees differ.
+    /// Returns false when the two trees differ.
     [[nodiscard]] bool copyStates(const platform::InterfaceNode& from, const platform::InterfaceNode& to);
 
     std::unique_ptr<platform::Host> host_;

@@ -93,7 +93,7 @@ struct Desk : platform::OutletOwner,
     NSWindow* panel = outlet("panel", panel);
     int rows = 0;
     int cellsAsked = 0;
-    std::string cell; ///< what each cell shows; empty: its column and row
+    std::string cell; ///< what each cell shows; if empty, its column and row
     std::vector<std::string> told;
 
     void typed(NSControl*) { told.push_back("typed " + number->stringValue()); }

@@ -48,8 +48,8 @@ CLI::App* addNoun(CLI::App& parser, const std::string& name, const std::string& 
 CLI::App* addCommand(CLI::App& parent, CommandOptions& options, const std::string& name, CommandKind kind,
                      const std::string& description, std::function<void(CommandRun&)> carryOut);
 
-/// Adds the commands of a noun that are about one thing. Each takes its NAME into `given`, and is carried out
-/// with it.
+/// Adds the commands of a noun that concern one thing. Each reads its NAME into `given`, with which it is
+/// then carried out.
 template <class Given>
 class NamedCommands {
   public:

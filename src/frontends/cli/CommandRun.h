@@ -52,7 +52,7 @@ class CommandRun {
     /// Returns the first row whose column holds `value`; -1 when there is none.
     [[nodiscard]] int rowOf(const std::string& table, const std::string& column,
                             const std::string& value) const;
-    /// The same, and ends the command with the complaint, which names the value, when there is none.
+    /// The same, but when there is none, ends the command with the complaint, which names the value.
     [[nodiscard]] int requireRow(const std::string& table, const std::string& column,
                                  const std::string& value, const char* complaint) const;
     void selectRows(const std::string& table, std::vector<int> rows);

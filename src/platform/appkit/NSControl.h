@@ -26,9 +26,9 @@ class NSControl : public platform::Element {
 
     void setAction(NSAction action) { action_ = std::move(action); }
 
-    /// The control's value as a text, where it is the user's: it is still the one last typed, chosen or
-    /// clicked. Setting a value from the program is not an edit, and setting a different one ends the user's
-    /// edit.
+    /// The control's value as a string, if it is still the one that the user last typed, chose or clicked;
+    /// otherwise none. Setting a value from the program is not an edit, and setting a different one ends the
+    /// user's edit.
     [[nodiscard]] virtual std::optional<std::string> edit() const { return std::nullopt; }
 
     [[nodiscard]] bool isEdited() const { return edit().has_value(); }

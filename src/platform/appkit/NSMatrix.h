@@ -26,7 +26,7 @@ class NSMatrix : public NSControl {
     /// Whether the cell is still in the state that the user's last click left it in.
     [[nodiscard]] bool isEditedAt(int row, int column) const;
 
-    /// The states of the cells that are edited.
+    /// The states of the cells that the user has edited.
     [[nodiscard]] std::optional<std::string> edit() const override;
 
     void copyState(const Element& from) override;

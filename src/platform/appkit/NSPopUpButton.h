@@ -50,8 +50,8 @@ class NSPopUpButton : public NSControl {
     /// Selects the first item with the title; nothing when there is none.
     void selectItemWithTitle(const std::string& title);
 
-    /// The index, while the selected item has the title that the user chose last, even if the menu has been
-    /// refilled since.
+    /// The index of the selected item, if its title is still the one that the user last chose, even if the
+    /// menu has been refilled since.
     [[nodiscard]] std::optional<std::string> edit() const override;
 
     void copyState(const Element& from) override;

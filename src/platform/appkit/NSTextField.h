@@ -43,7 +43,7 @@ class NSTextField : public NSControl {
     /// True for a field whose text must not be shown.
     [[nodiscard]] virtual bool isSecure() const { return false; }
 
-    /// Never one of a secure field, because no second copy of its text is kept.
+    /// Always none for a secure field, because no second copy of its text is kept.
     [[nodiscard]] std::optional<std::string> edit() const override {
         return typed_ == text_ ? typed_ : std::nullopt;
     }
