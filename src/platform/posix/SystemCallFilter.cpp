@@ -83,9 +83,10 @@ bool takeSystemCallFilter() {
     for (const char* name : refusedCalls) {
         filter.refuse(name);
     }
-    for (const scmp_datum_t space : {CLONE_NEWUSER, CLONE_NEWNS, CLONE_NEWNET, CLONE_NEWPID, CLONE_NEWIPC,
-                                     CLONE_NEWUTS, CLONE_NEWCGROUP}) {
-        filter.refuse("clone", EPERM, {{cloneFlags, SCMP_CMP_MASKED_EQ, space, space}});
+    for (const int space : {CLONE_NEWUSER, CLONE_NEWNS, CLONE_NEWNET, CLONE_NEWPID, CLONE_NEWIPC,
+                            CLONE_NEWUTS, CLONE_NEWCGROUP}) {
+        const auto flag = static_cast<scmp_datum_t>(space);
+        filter.refuse("clone", EPERM, {{cloneFlags, SCMP_CMP_MASKED_EQ, flag, flag}});
     }
     filter.refuse("clone3", ENOSYS); // its flags cannot be checked; callers fall back to clone
     filter.refuse("socket", EAFNOSUPPORT, {{0, SCMP_CMP_NE, AF_UNIX, 0}});
