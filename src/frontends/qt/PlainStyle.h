@@ -3,9 +3,10 @@
 #include <QProxyStyle>
 
 /// Qt's own style with more space: wider buttons, higher rows, and margins around the texts of fields and
-/// cells. A menu title that was reached with the keyboard is highlighted before the menu opens. With dark
-/// desktop colours, where that style's own edges are hardly visible, fields and boxes get an outline, and
-/// with black ones buttons, too. Used when the desktop has no style of its own.
+/// cells. A menu title that was reached with the keyboard is highlighted before the menu opens, and a list
+/// with the focus has a coloured edge. With dark desktop colours, where that style's own edges are hardly
+/// visible, fields and boxes get an outline, and with black ones buttons, too. Used when the desktop has no
+/// style of its own.
 class PlainStyle : public QProxyStyle {
   public:
     PlainStyle();
