@@ -41,6 +41,32 @@ TEST_F(Report, IsEmptyAndLoggedWhenTheDirectoryOrThePathIsMissing) {
     EXPECT_EQ(host.log, (Texts{"Error opening /nowhere", "Can't connect to local NetInfo server\n"}));
 }
 
+TEST_F(Report, IsKeptUntilTheDirectoryChanges) {
+    const Texts name = {"name"};
+    KeptReport kept;
+    const auto lines = [&] {
+        EXPECT_EQ(ni_report_local("/users", name, kept), 0);
+        return kept.lines;
+    };
+    nicl({"-create", "/users/ada"});
+    const auto first = lines();
+    EXPECT_EQ(lines(), first);
+    nicl({"-create", "/users/ben"});
+    EXPECT_EQ(*lines(), (Texts{"ada\t\n", "ben\t\n"}));
+    EXPECT_EQ(*first, Texts{"ada\t\n"}) << "who holds it still has it";
+    // Another store in the same place, with as many changes.
+    const std::filesystem::path copy = host.storeFile().string() + ".copy";
+    std::filesystem::copy_file(host.storeFile(), copy);
+    nicl({"-delete", "/users/ben"});
+    static_cast<void>(lines());
+    std::filesystem::rename(copy, host.storeFile());
+    nicl({"-delete", "/users/ada"});
+    EXPECT_EQ(*lines(), Texts{"ben\t\n"});
+    std::filesystem::remove(host.storeFile());
+    EXPECT_NE(ni_report_local("/users", name, kept), 0);
+    EXPECT_EQ(kept.lines, nullptr);
+}
+
 TEST_F(Report, SkipsWhatCannotBeReadAndLogsIt) {
     ni_domain* domain = nullptr;
     ASSERT_EQ(ni_open(nullptr, ".", &domain), 0);

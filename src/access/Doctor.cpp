@@ -97,12 +97,12 @@ std::vector<std::vector<std::string>> Examiner::report(const char* path,
               .remedy = {}});
     }
     for (const std::string& line : lines) {
-        std::vector<std::string> pieces = piecesOfReportLine(line);
+        const auto pieces = piecesOfReportLine(line);
         if (pieces.size() == names.size() + 1) { // a value that contains a tab cannot be one that is examined
-            for (std::string& piece : pieces) {
-                piece = piece == reportNoValue ? std::string() : piece;
+            auto& row = rows.emplace_back();
+            for (const std::string_view piece : pieces) {
+                row.emplace_back(piece == reportNoValue ? std::string_view() : piece);
             }
-            rows.push_back(std::move(pieces));
         }
     }
     return rows;

@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <map>
+#include <utility>
 
 namespace {
 
@@ -17,18 +18,11 @@ using IdOfName = std::map<std::string, std::int64_t, std::less<>>;
 
 /// Refills a menu and selects the same title as before, even when it is no longer listed: a refill must not
 /// change what an editor is about to write. `idOfName` has the tags of all names, listed or not.
-void refillMenu(NSPopUpButton& menu, const std::vector<NSPopUpButton::Item>& items,
-                const IdOfName& idOfName) {
+void refillMenu(NSPopUpButton& menu, std::vector<NSPopUpButton::Item> items, const IdOfName& idOfName) {
     const std::optional<std::string> remembered = menu.titleOfSelectedItem();
     const std::int64_t formerTag = menu.tagOfSelectedItem();
-    const auto append = [&menu](const std::string& title, std::int64_t tag) {
-        menu.addItemWithTitle(title);
-        menu.setTag(menu.numberOfItems() - 1, tag);
-    };
     menu.removeAllItems();
-    for (const NSPopUpButton::Item& item : items) {
-        append(item.title, item.tag);
-    }
+    menu.addItems(std::move(items));
     if (!remembered) {
         menu.selectItemAtIndex(-1);
         return;
@@ -38,7 +32,8 @@ void refillMenu(NSPopUpButton& menu, const std::vector<NSPopUpButton::Item>& ite
     }
     if (menu.indexOfItemWithTitle(*remembered) < 0) {
         const auto known = idOfName.find(*remembered);
-        append(*remembered, known == idOfName.end() ? formerTag : known->second);
+        menu.addItemWithTitle(*remembered);
+        menu.setTag(menu.numberOfItems() - 1, known == idOfName.end() ? formerTag : known->second);
     }
     menu.selectItemWithTitle(*remembered);
 }
@@ -52,17 +47,19 @@ void refillGroupMenu(NSPopUpButton& menu, const std::vector<GroupRecord>& groups
             items.push_back({record.name, record.id()});
         }
     }
-    refillMenu(menu, items, idOfName);
+    refillMenu(menu, std::move(items), idOfName);
 }
 
-void refillUserMenu(NSPopUpButton& menu, const std::vector<UserRecord>& users, bool showsSystemUsers) {
+void refillUserMenu(NSPopUpButton& menu, const NiutilTask::Report& users, bool showsSystemUsers) {
     std::vector<NSPopUpButton::Item> items;
-    for (const UserRecord& user : users) {
+    items.reserve(users->size());
+    for (const std::string& line : *users) {
+        UserRecord user(line);
         if (showsSystemUsers || !user.isSystem()) {
-            items.push_back({user.name, 0});
+            items.push_back({std::move(user.name), 0});
         }
     }
-    refillMenu(menu, items, {});
+    refillMenu(menu, std::move(items), {});
 }
 
 /// Returns the highest id that is not negative; none when there is none.
@@ -156,7 +153,7 @@ void BRController::updateUsersGroupsList(NSControl* sender) {
     updateCreateShareButton(sender);
     const bool showsSystem = showSystemUsersGroups->state() == NSOnState;
     NiutilTask& task = NiutilTask::sharedInstance();
-    refillUserMenu(*owner, recordsOfReport<UserRecord>(task.currentUsers()), showsSystem);
+    refillUserMenu(*owner, task.currentUsers(), showsSystem);
     refillGroupMenu(*group, recordsOfReport<GroupRecord>(task.currentGroups()), showsSystem);
 }
 

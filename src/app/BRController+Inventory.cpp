@@ -6,6 +6,7 @@
 
 #include <string_view>
 #include <unordered_map>
+#include <utility>
 
 namespace {
 
@@ -78,10 +79,10 @@ std::string valueOf(const std::string* text) {
 
 void BRController::parseCurrentShares() {
     currentShares_.clear();
-    const std::vector<std::string> lines = NiutilTask::sharedInstance().currentShares();
-    currentShares_.reserve(lines.size() +
+    const NiutilTask::Report lines = NiutilTask::sharedInstance().currentShares();
+    currentShares_.reserve(lines->size() +
                            smbConf->Entries().size()); // rows are large: reserve so that none is moved
-    for (const std::string& line : lines) {
+    for (const std::string& line : *lines) {
         currentShares_.push_back(shareFromRecord(ShareRecord(line)));
     }
     joinSMBSections();
@@ -121,7 +122,8 @@ void BRController::parseUserShares() {
     userShares.clear();
     const std::string yes = NSLocalizedString("YES");
     const std::string no = NSLocalizedString("NO");
-    for (const std::string& line : NiutilTask::sharedInstance().currentUsers()) {
+    const NiutilTask::Report users = NiutilTask::sharedInstance().currentUsers();
+    for (const std::string& line : *users) {
         const UserRecord user(line);
         if (!user.isSystem()) {
             userShares.push_back({{"User", user.name},
@@ -135,7 +137,8 @@ void BRController::parseUserShares() {
 
 void BRController::parseGroupShares() {
     groupShares.clear();
-    for (const std::string& line : NiutilTask::sharedInstance().currentGroups()) {
+    const NiutilTask::Report groups = NiutilTask::sharedInstance().currentGroups();
+    for (const std::string& line : *groups) {
         const GroupRecord record(line);
         if (isListed(showSystemUsersGroups3->state(), record.isSystem())) {
             groupShares.push_back(
@@ -146,10 +149,11 @@ void BRController::parseGroupShares() {
 
 void BRController::parseGroupUserShares() {
     groupUserShares.clear();
-    for (const std::string& line : NiutilTask::sharedInstance().currentUsers()) {
-        const UserRecord user(line);
+    const NiutilTask::Report users = NiutilTask::sharedInstance().currentUsers();
+    for (const std::string& line : *users) {
+        UserRecord user(line);
         if (isListed(showSystemUsersGroups3->state(), user.isSystem())) {
-            groupUserShares.push_back(user.name);
+            groupUserShares.push_back(std::move(user.name));
         }
     }
 }

@@ -124,6 +124,7 @@ void BRController::installFormatters() {
 }
 
 void BRController::fillTables() {
+    const NiutilTask::ReportsKept kept(NiutilTask::sharedInstance()); // each of these lists the accounts anew
     updateUsersGroupsList(nullptr);
     updateGroupsList(nullptr);
 

@@ -16,7 +16,17 @@ class BRRow {
         std::string text;
     };
 
-    BRRow(std::initializer_list<Cell> cells) : cells_(cells) {}
+    struct Text {
+        std::string_view identifier; ///< a literal
+        std::string_view text;
+    };
+
+    BRRow(std::initializer_list<Text> texts) {
+        cells_.reserve(texts.size());
+        for (const Text& each : texts) {
+            cells_.push_back({each.identifier, std::string(each.text)});
+        }
+    }
 
     /// Returns the string in that column, or null.
     [[nodiscard]] const std::string* valueForKey(std::string_view identifier) const {

@@ -2,13 +2,13 @@
 
 #include "directory/ReportLine.h"
 #include "platform/foundation/NSString.h"
+#include "privileged/NiutilTask.h"
 
 #include <algorithm>
 #include <array>
 #include <cstdint>
 #include <string>
 #include <string_view>
-#include <utility>
 #include <vector>
 
 // The directory's records as its reports list them. A report line with a missing piece raises
@@ -30,10 +30,9 @@ inline constexpr std::int64_t highestPossibleId = 4294967294;
 struct ShareRecord {
     explicit ShareRecord(std::string_view line) : ShareRecord(piecesOfReportLine(line)) {}
 
-    explicit ShareRecord(std::vector<std::string> pieces)
-        : name(std::move(pieces.at(0))), folder(std::move(pieces.at(1))), afpShared(std::move(pieces.at(2))),
-          afpName(std::move(pieces.at(3))), inheritsPrivileges(pieces.at(4) == "1"),
-          inheritsOwner(pieces.at(5) == "1") {}
+    explicit ShareRecord(const std::vector<std::string_view>& pieces)
+        : name(pieces.at(0)), folder(pieces.at(1)), afpShared(pieces.at(2)), afpName(pieces.at(3)),
+          inheritsPrivileges(pieces.at(4) == "1"), inheritsOwner(pieces.at(5) == "1") {}
 
     std::string name;
     std::string folder;
@@ -46,9 +45,9 @@ struct ShareRecord {
 struct UserRecord {
     explicit UserRecord(std::string_view line) : UserRecord(piecesOfReportLine(line)) {}
 
-    explicit UserRecord(std::vector<std::string> pieces)
-        : name(std::move(pieces.at(0))), uid(std::move(pieces.at(1))), sharesPublicFolder(isShared(pieces)),
-          fullName(std::move(pieces.at(3))), gid(std::move(pieces.at(4))) {}
+    explicit UserRecord(const std::vector<std::string_view>& pieces)
+        : name(pieces.at(0)), uid(pieces.at(1)), sharesPublicFolder(isShared(pieces)), fullName(pieces.at(3)),
+          gid(pieces.at(4)) {}
 
     std::string name;
     std::string uid;
@@ -62,7 +61,7 @@ struct UserRecord {
     [[nodiscard]] bool isSystem() const { return id() <= highestSystemUserId; }
 
   private:
-    [[nodiscard]] static bool isShared(const std::vector<std::string>& pieces) {
+    [[nodiscard]] static bool isShared(const std::vector<std::string_view>& pieces) {
         constexpr std::size_t wholeReport = 6;
         constexpr std::array<std::string_view, 3> notShared = {"<no entry>", "<no value>", reportNoValue};
         return pieces.size() == wholeReport && std::ranges::find(notShared, pieces.at(2)) == notShared.end();
@@ -72,8 +71,8 @@ struct UserRecord {
 struct GroupRecord {
     explicit GroupRecord(std::string_view line) : GroupRecord(piecesOfReportLine(line)) {}
 
-    explicit GroupRecord(std::vector<std::string> pieces)
-        : gid(std::move(pieces.at(0))), name(std::move(pieces.at(1))), memberField(std::move(pieces.at(2))) {}
+    explicit GroupRecord(const std::vector<std::string_view>& pieces)
+        : gid(pieces.at(0)), name(pieces.at(1)), memberField(pieces.at(2)) {}
 
     std::string gid;
     std::string name;
@@ -91,10 +90,10 @@ struct GroupRecord {
 };
 
 template <class Record>
-[[nodiscard]] std::vector<Record> recordsOfReport(const std::vector<std::string>& lines) {
+[[nodiscard]] std::vector<Record> recordsOfReport(const NiutilTask::Report& lines) {
     std::vector<Record> records;
-    records.reserve(lines.size());
-    for (const std::string& line : lines) {
+    records.reserve(lines->size());
+    for (const std::string& line : *lines) {
         records.emplace_back(line);
     }
     return records;

@@ -3,6 +3,7 @@
 #include "platform/foundation/NSLog.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace {
 
@@ -29,6 +30,34 @@ void appendField(ni_domain* domain, ni_id& id, const ni_namelist& names, const s
         line += value;
     }
     ni_namelist_free(&values);
+}
+
+/// Opens the local domain and begins to read it. Logs why not.
+ni_status openLocalDomain(platform::OwnedDomain& domain) {
+    ni_domain* opened = nullptr;
+    ni_status status = ni_open(nullptr, ".", &opened);
+    if (status == NI_OK) {
+        domain.reset(opened);
+        ni_setabort(opened, 1);
+        ni_setreadtimeout(opened, timeoutSeconds);
+        ni_setwritetimeout(opened, timeoutSeconds);
+        ni_id root;
+        status = ni_root(opened, &root);
+    }
+    if (status != NI_OK) {
+        NSLog("Can't connect to local NetInfo server\n");
+    }
+    return status;
+}
+
+int reportAt(ni_domain& domain, const std::string& path, std::span<const std::string> properties,
+             std::vector<std::string>& output) {
+    ni_id id;
+    if (const ni_status status = ni_pathsearch(&domain, &id, path.c_str()); status != NI_OK) {
+        NSLog("Error opening %s", path);
+        return status;
+    }
+    return ni_report(&domain, id, properties, output);
 }
 
 } // namespace
@@ -72,23 +101,28 @@ int ni_report(ni_domain* domain, ni_id id, std::span<const std::string> properti
 
 int ni_report_local(const std::string& path, std::span<const std::string> properties,
                     std::vector<std::string>& output) {
-    ni_domain* opened = nullptr;
-    if (const ni_status status = ni_open(nullptr, ".", &opened); status != NI_OK) {
-        NSLog("Can't connect to local NetInfo server\n");
+    platform::OwnedDomain domain;
+    if (const ni_status status = openLocalDomain(domain); status != NI_OK) {
         return status;
     }
-    const platform::OwnedDomain domain(opened);
-    ni_setabort(domain.get(), 1);
-    ni_setreadtimeout(domain.get(), timeoutSeconds);
-    ni_setwritetimeout(domain.get(), timeoutSeconds);
-    ni_id id;
-    if (const ni_status status = ni_root(domain.get(), &id); status != NI_OK) {
-        NSLog("Can't connect to local NetInfo server\n");
+    return reportAt(*domain, path, properties, output);
+}
+
+int ni_report_local(const std::string& path, std::span<const std::string> properties, KeptReport& kept) {
+    KeptReport last = std::exchange(kept, {});
+    platform::OwnedDomain domain;
+    if (const ni_status status = openLocalDomain(domain); status != NI_OK) {
         return status;
     }
-    if (const ni_status status = ni_pathsearch(domain.get(), &id, path.c_str()); status != NI_OK) {
-        NSLog("Error opening %s", path);
-        return status;
+    const auto stamp = platform::stampOf(*domain);
+    if (last.lines != nullptr && stamp && stamp == last.stamp) {
+        kept = std::move(last);
+        return NI_OK;
     }
-    return ni_report(domain.get(), id, properties, output);
+    std::vector<std::string> lines;
+    const int status = reportAt(*domain, path, properties, lines);
+    if (status == NI_OK) {
+        kept = {stamp, std::make_shared<const std::vector<std::string>>(std::move(lines))};
+    }
+    return status;
 }

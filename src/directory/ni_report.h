@@ -1,8 +1,11 @@
 #pragma once
 
 #include "directory/ReportLine.h"
+#include "platform/netinfo/StoreStamp.h"
 #include "platform/netinfo/ni.h"
 
+#include <memory>
+#include <optional>
 #include <span>
 #include <string>
 #include <vector>
@@ -25,3 +28,13 @@ int ni_report(ni_domain* domain, ni_id id, std::span<const std::string> properti
 /// step that failed; a failure is logged.
 int ni_report_local(const std::string& path, std::span<const std::string> properties,
                     std::vector<std::string>& output);
+
+/// A report and the state of the directory that it shows.
+struct KeptReport {
+    std::optional<platform::StoreStamp> stamp; ///< none where a change could not be noticed
+    std::shared_ptr<const std::vector<std::string>> lines;
+};
+
+/// The same, where `kept` holds the last report with this path and these properties: the lines are read again
+/// only if the directory has changed since. When a step fails, no lines are kept.
+int ni_report_local(const std::string& path, std::span<const std::string> properties, KeptReport& kept);

@@ -57,9 +57,9 @@ void NiutilTask::deleteAllShares() {
     if (!authenticate()) {
         return;
     }
-    const std::vector<std::string> shares = currentShares();
-    for (const std::string& line : std::views::reverse(shares)) {
-        const std::string name = piecesOfReportLine(line).front();
+    const Report shares = currentShares();
+    for (const std::string& line : std::views::reverse(*shares)) {
+        const std::string name(piecesOfReportLine(line).front());
         const RunResult result =
             runTool(systempath::nicl, std::vector<std::string>{".", "-delete", sharePath(name)});
         if (result.output != "") {

@@ -13,13 +13,6 @@ namespace {
 
 constexpr const char* statusMessage = "Error %d in AuthorizationExecuteWithPrivileges";
 
-std::vector<std::string> report(const std::string& path, std::span<const std::string> properties) {
-    std::vector<std::string> lines;
-    // A failure has been logged and shows as an empty list.
-    static_cast<void>(ni_report_local(path, properties, lines));
-    return lines;
-}
-
 } // namespace
 
 NiutilTask& NiutilTask::sharedInstance() {
@@ -73,20 +66,38 @@ bool NiutilTask::copyRights(AuthorizationFlags flags) {
     return true;
 }
 
-std::vector<std::string> NiutilTask::currentShares() const {
+NiutilTask::ReportsKept::~ReportsKept() {
+    if (--task_.keepsReports_ == 0) {
+        task_.shares_ = task_.users_ = task_.groups_ = {};
+    }
+}
+
+NiutilTask::Report NiutilTask::report(const std::string& path, std::span<const std::string> properties,
+                                      KeptReport& kept) {
+    // A failure has been logged and shows as an empty list.
+    static_cast<void>(ni_report_local(path, properties, kept));
+    const Report lines =
+        kept.lines != nullptr ? kept.lines : std::make_shared<const std::vector<std::string>>();
+    if (keepsReports_ == 0) {
+        kept = {};
+    }
+    return lines;
+}
+
+NiutilTask::Report NiutilTask::currentShares() {
     const std::vector<std::string> properties = {"name",     "directory_path",       "afp_shared",
                                                  "afp_name", "afp_use_parent_privs", "afp_use_parent_owner"};
-    return report("/config/Brindle", properties);
+    return report("/config/Brindle", properties, shares_);
 }
 
-std::vector<std::string> NiutilTask::currentUsers() const {
+NiutilTask::Report NiutilTask::currentUsers() {
     const std::vector<std::string> properties = {"name", "uid", "sharedDir", "realname", "gid"};
-    return report("/users", properties);
+    return report("/users", properties, users_);
 }
 
-std::vector<std::string> NiutilTask::currentGroups() const {
+NiutilTask::Report NiutilTask::currentGroups() {
     const std::vector<std::string> properties = {"gid", "name", "users"};
-    return report("/groups", properties);
+    return report("/groups", properties, groups_);
 }
 
 bool NiutilTask::carryOut(const std::string& tool, std::span<const std::string> arguments) {

@@ -1,9 +1,11 @@
 #pragma once
 
+#include "directory/ni_report.h"
 #include "platform/security/Authorization.h"
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <span>
 #include <string>
@@ -41,14 +43,31 @@ class NiutilTask {
     /// Gives up the session and its rights and posts the notification. Does nothing without a session.
     void deauthenticate();
 
-    // Reports with one line per record (see directory/ni_report.h), empty when the directory cannot be read.
-    // The properties are:
+    /// The lines of a report (see directory/ni_report.h), never null. There are none when the directory
+    /// cannot be read.
+    using Report = std::shared_ptr<const std::vector<std::string>>;
+
+    // Reports with one line per record. Each shows the directory as it is now. The properties are:
     /// name, directory_path, afp_shared, afp_name, afp_use_parent_privs, afp_use_parent_owner.
-    [[nodiscard]] std::vector<std::string> currentShares() const;
+    [[nodiscard]] Report currentShares();
     /// name, uid, sharedDir, realname, gid.
-    [[nodiscard]] std::vector<std::string> currentUsers() const;
+    [[nodiscard]] Report currentUsers();
     /// gid, name, users.
-    [[nodiscard]] std::vector<std::string> currentGroups() const;
+    [[nodiscard]] Report currentGroups();
+
+    /// While one of these exists, the lines of a report are kept, and read again only if the directory has
+    /// changed: for work that asks for the same report more than once. The task must outlive it.
+    class ReportsKept {
+      public:
+        explicit ReportsKept(NiutilTask& task) : task_(task) { ++task_.keepsReports_; }
+
+        ~ReportsKept();
+        ReportsKept(const ReportsKept&) = delete;
+        ReportsKept& operator=(const ReportsKept&) = delete;
+
+      private:
+        NiutilTask& task_;
+    };
 
     // Share records.
     bool createShare(const std::string& shareName, const std::string& directoryPath, std::int32_t sharingAFS,
@@ -120,5 +139,11 @@ class NiutilTask {
     /// Sends signal 1 to every process that the listing command prints.
     void hangUp(const std::string& listingCommand);
 
+    Report report(const std::string& path, std::span<const std::string> properties, KeptReport& kept);
+
     AuthorizationRef authorizationRef = nullptr;
+    int keepsReports_ = 0; ///< for so many
+    KeptReport shares_;
+    KeptReport users_;
+    KeptReport groups_;
 };

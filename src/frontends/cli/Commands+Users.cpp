@@ -42,7 +42,8 @@ JSON userAt(const CommandRun& run, int row) {
 void list(CommandRun& run) {
     JSONRows users("users");
     const bool printsJSON = run.context().options.printsJSON;
-    for (const std::string& line : NiutilTask::sharedInstance().currentUsers()) {
+    const NiutilTask::Report report = NiutilTask::sharedInstance().currentUsers();
+    for (const std::string& line : *report) {
         const UserRecord user(line);
         if (user.isSystem()) {
             continue;

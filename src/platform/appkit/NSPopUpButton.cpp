@@ -3,7 +3,9 @@
 #include "platform/foundation/NSString.h"
 
 #include <algorithm>
+#include <iterator>
 #include <stdexcept>
+#include <utility>
 
 namespace {
 
@@ -28,6 +30,20 @@ void NSPopUpButton::addItemWithTitle(std::string title) {
     items_.push_back({std::move(title), 0});
     ++content_;
     if (items_.size() == 1) {
+        selected_ = 0;
+    }
+    didChange();
+}
+
+void NSPopUpButton::addItems(std::vector<Item> items) {
+    const bool wasEmpty = items_.empty();
+    if (wasEmpty) {
+        items_ = std::move(items);
+    } else {
+        std::ranges::move(items, std::back_inserter(items_));
+    }
+    ++content_;
+    if (wasEmpty && !items_.empty()) {
         selected_ = 0;
     }
     didChange();

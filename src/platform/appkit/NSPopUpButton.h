@@ -27,6 +27,8 @@ class NSPopUpButton : public NSControl {
 
     /// Adds an item with tag 0 at the end. The first item of an empty menu becomes the selected one.
     void addItemWithTitle(std::string title);
+    /// Adds the items at the end, as addItemWithTitle does.
+    void addItems(std::vector<Item> items);
     /// Removes all items; nothing is selected then.
     void removeAllItems();
     /// Gives the item at `index` a tag. Throws std::out_of_range when there is no such item.

@@ -70,6 +70,10 @@ ni_status statusOf(int sqliteError) {
     }
 }
 
+std::optional<StoreStamp> stampOf(const ni_domain& domain) {
+    return domain.accounts ? std::nullopt : domain.connection.stamp();
+}
+
 int beginReading(ni_domain& domain) {
     int error = domain.begin();
     if (error != SQLITE_OK || !domain.accounts || domain.usersDirectory != 0) {

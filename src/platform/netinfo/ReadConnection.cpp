@@ -5,6 +5,7 @@
 #include "platform/netinfo/StoreUpgrade.h"
 #include "platform/netinfo/StoreWait.h"
 
+#include <array>
 #include <chrono>
 #include <filesystem>
 #include <fstream>
@@ -12,6 +13,8 @@
 #include <vector>
 
 #include <cstdlib>
+
+#include <sys/stat.h>
 
 namespace platform {
 
@@ -108,6 +111,7 @@ int copyUnderLock(sqlite3* database, const std::string& file, const std::filesys
 int ReadConnection::open(const std::string& file) {
     file_ = file;
     begun_ = false;
+    isCopy_ = false;
     sqlite3* opened = nullptr;
     const int error =
         sqlite3_open_v2(file.c_str(), &opened, SQLITE_OPEN_READONLY | sqliteOwnConnection, nullptr);
@@ -117,6 +121,7 @@ int ReadConnection::open(const std::string& file) {
 
 int ReadConnection::openEmpty() {
     file_.clear();
+    isCopy_ = true;
     sqlite3* opened = nullptr;
     int error = sqlite3_open_v2(":memory:", &opened, SQLITE_OPEN_READWRITE | sqliteOwnConnection, nullptr);
     database_.reset(opened);
@@ -125,6 +130,30 @@ int ReadConnection::openEmpty() {
     }
     begun_ = error == SQLITE_OK;
     return error;
+}
+
+std::optional<StoreStamp> ReadConnection::stamp() const {
+    constexpr int counterOffset = 24;
+    std::array<unsigned char, 4> counter{};
+
+    struct stat status {};
+
+    sqlite3_file* handle = nullptr;
+    // The counter is read through SQLite's own descriptor, for the reason that copyStore() has. The lock of
+    // the transaction keeps writers away from it.
+    if (!begun_ || isCopy_ || ::stat(file_.c_str(), &status) != 0 ||
+        sqlite3_file_control(database_.get(), "main", SQLITE_FCNTL_FILE_POINTER, &handle) != SQLITE_OK ||
+        handle->pMethods->xRead(handle, counter.data(), static_cast<int>(counter.size()), counterOffset) !=
+            SQLITE_OK) {
+        return std::nullopt;
+    }
+    std::uint32_t changes = 0;
+    for (const unsigned char byte : counter) {
+        changes = changes << 8U | byte;
+    }
+    constexpr std::int64_t nanoseconds = 1'000'000'000;
+    return StoreStamp{status.st_dev, status.st_ino, status.st_size,
+                      status.st_ctim.tv_sec * nanoseconds + status.st_ctim.tv_nsec, changes};
 }
 
 int ReadConnection::waitForWriter(void* connection, int tries) {
@@ -195,6 +224,7 @@ int ReadConnection::upgradeCopy() {
     }
     if (error == SQLITE_OK) {
         database_ = std::move(copy);
+        isCopy_ = true;
     }
     return error;
 }
@@ -245,6 +275,7 @@ int ReadConnection::recoverCopy() {
     const int error =
         sqlite3_open_v2(copy.c_str(), &opened, SQLITE_OPEN_READWRITE | sqliteOwnConnection, nullptr);
     database_.reset(opened);
+    isCopy_ = true;
     // Reading recovers the copy. After that the open descriptor is enough, so the folder may be removed.
     return error == SQLITE_OK ? beginHere() : error;
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/netinfo/Sqlite.h"
+#include "platform/netinfo/StoreStamp.h"
 
 #include <optional>
 #include <string>
@@ -26,6 +27,9 @@ class ReadConnection {
 
     [[nodiscard]] sqlite3* database() const { return database_.get(); }
 
+    /// The state that is being read; none before begin(), and where a copy or no file is read.
+    [[nodiscard]] std::optional<StoreStamp> stamp() const;
+
     /// How long calls wait for a writer, in seconds; none: for ever. They do not wait when the current action
     /// has already waited in vain, and the host's Patience may end a wait earlier.
     std::optional<int> waitSeconds;
@@ -44,6 +48,7 @@ class ReadConnection {
     std::string file_;
     SqliteConnection database_;
     bool begun_ = false;
+    bool isCopy_ = false; ///< or a store in memory
     double waitingSince_ = 0;
     int waitedSeconds_ = 0;
 };
