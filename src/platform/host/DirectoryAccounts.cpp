@@ -43,18 +43,6 @@ std::optional<std::string> firstValue(ni_domain* domain, ni_id id, std::string_v
     return std::string(values.ninl_val.front());
 }
 
-std::optional<std::string> nameOf(const std::string& storeFile, const std::string& path,
-                                  std::string_view property, unsigned number) {
-    ni_id id;
-    const auto domain = openAt(storeFile, path, &id);
-    ni_idlist found;
-    if (!domain || ni_lookup(domain.get(), &id, property, directoryNumber(number), &found) != NI_OK ||
-        found.niil_val.empty()) {
-        return std::nullopt;
-    }
-    return firstValue(domain.get(), {found.niil_val.front(), 0}, "name");
-}
-
 std::optional<unsigned> numberOf(const std::string& storeFile, const std::string& path,
                                  std::string_view property, const std::string& name) {
     ni_id id;
@@ -82,8 +70,33 @@ bool lookUp(Get get, Key key, Entry& entry, std::vector<char>& buffer) {
 
 } // namespace
 
+std::optional<std::string> DirectoryAccounts::nameOf(const char* path, std::string_view property,
+                                                     unsigned number, Names& names) const {
+    ni_id id;
+    const auto domain = openAt(storeFile_, path, &id);
+    if (!domain) {
+        return std::nullopt;
+    }
+    if (const auto stamp = stampOf(*domain); !stamp || stamp != stamp_) {
+        users_.clear();
+        groups_.clear();
+        stamp_ = stamp;
+    }
+    const auto known = names.find(number);
+    if (known != names.end()) {
+        return known->second;
+    }
+    ni_idlist found;
+    if (ni_lookup(domain.get(), &id, property, directoryNumber(number), &found) != NI_OK) {
+        return std::nullopt;
+    }
+    return names[number] = found.niil_val.empty()
+                               ? std::nullopt
+                               : firstValue(domain.get(), {found.niil_val.front(), 0}, "name");
+}
+
 std::optional<std::string> DirectoryAccounts::userName(uid_t uid) const {
-    if (auto name = nameOf(storeFile_, "/users", "uid", uid)) {
+    if (auto name = nameOf("/users", "uid", uid, users_)) {
         return name;
     }
     passwd entry{};
@@ -93,7 +106,7 @@ std::optional<std::string> DirectoryAccounts::userName(uid_t uid) const {
 }
 
 std::optional<std::string> DirectoryAccounts::groupName(gid_t gid) const {
-    if (auto name = nameOf(storeFile_, "/groups", "gid", gid)) {
+    if (auto name = nameOf("/groups", "gid", gid, groups_)) {
         return name;
     }
     group entry{};

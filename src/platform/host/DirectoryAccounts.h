@@ -1,16 +1,18 @@
 #pragma once
 
 #include "platform/foundation/Services.h"
+#include "platform/netinfo/StoreStamp.h"
 
+#include <map>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <utility>
 
 namespace platform {
 
 /// Accounts by number and by name, looked up first in the directory in `storeFile` (unless that is empty),
-/// then among this computer's accounts. Nothing is cached between calls, so that an account that was just
-/// made is found and one that was deleted is not.
+/// then among this computer's accounts. Every call looks at the directory as it is then. Not thread-safe.
 class DirectoryAccounts : public AccountNames {
   public:
     explicit DirectoryAccounts(std::string storeFile) : storeFile_(std::move(storeFile)) {}
@@ -21,7 +23,16 @@ class DirectoryAccounts : public AccountNames {
     [[nodiscard]] std::optional<gid_t> groupId(const std::string& name) const;
 
   private:
+    using Names = std::map<unsigned, std::optional<std::string>>;
+
+    [[nodiscard]] std::optional<std::string> nameOf(const char* path, std::string_view property,
+                                                    unsigned number, Names& names) const;
+
     std::string storeFile_;
+    // The names that have been looked for since the directory changed last: it has no index of numbers.
+    mutable std::optional<StoreStamp> stamp_;
+    mutable Names users_;
+    mutable Names groups_;
 };
 
 } // namespace platform
