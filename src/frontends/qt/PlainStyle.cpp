@@ -1,6 +1,7 @@
 #include "frontends/qt/PlainStyle.h"
 
 #include "frontends/qt/Inks.h"
+#include "frontends/qt/MoreIcon.h"
 
 #include <QApplication>
 #include <QPainter>
@@ -69,6 +70,11 @@ void PlainStyle::polish(QPalette& palette) {
         palette.setColor(group, QPalette::PlaceholderText, placeholderOn(palette));
     }
     palette.setCurrentColorGroup(QPalette::Active);
+}
+
+QIcon PlainStyle::standardIcon(StandardPixmap icon, const QStyleOption* option, const QWidget* widget) const {
+    return icon == SP_ToolBarHorizontalExtensionButton ? moreIcon()
+                                                       : QProxyStyle::standardIcon(icon, option, widget);
 }
 
 int PlainStyle::pixelMetric(PixelMetric metric, const QStyleOption* option, const QWidget* widget) const {

@@ -13,6 +13,7 @@ class PlainStyle : public QProxyStyle {
 
     using QProxyStyle::polish;
     void polish(QPalette& palette) override;
+    QIcon standardIcon(StandardPixmap icon, const QStyleOption* option, const QWidget* widget) const override;
     int pixelMetric(PixelMetric metric, const QStyleOption* option, const QWidget* widget) const override;
     QRect subElementRect(SubElement element, const QStyleOption* option,
                          const QWidget* widget) const override;

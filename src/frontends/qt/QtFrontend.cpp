@@ -11,8 +11,8 @@
 #include "platform/foundation/NSBundle.h"
 
 #include <QApplication>
-#include <QFileInfo>
 #include <QIcon>
+#include <QImageReader>
 #include <QLibraryInfo>
 #include <QLoggingCategory>
 #include <QMessageBox>
@@ -37,8 +37,11 @@ QIcon windowIcon() {
     for (const int size : {16, 32, 48}) {
         const QString file = QString::fromStdString(NSBundle::mainBundle().resourcePath()) +
                              QStringLiteral("/../icons/hicolor/%1x%1/apps/brindle.png").arg(size);
-        if (QFileInfo::exists(file)) {
-            icon.addFile(file);
+        // Said which format it is, Qt does not load those that it has plug-ins for.
+        QImageReader reader(file, "png");
+        reader.setAutoDetectImageFormat(false);
+        if (const QImage image = reader.read(); !image.isNull()) {
+            icon.addPixmap(QPixmap::fromImage(image));
         }
     }
     return icon;

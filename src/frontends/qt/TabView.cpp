@@ -61,9 +61,10 @@ void TabView::build(int page) {
 
 void TabView::showEvent(QShowEvent* event) {
     QWidget::showEvent(event);
-    // Let the visible page be painted first.
+    // Let the visible page be painted first. The time counts from when the event loop runs again: at the
+    // start the tables are filled before that.
     constexpr auto whenPainted = std::chrono::milliseconds(50);
-    QTimer::singleShot(whenPainted, this, &TabView::buildNext);
+    QTimer::singleShot(0, this, [this] { QTimer::singleShot(whenPainted, this, &TabView::buildNext); });
 }
 
 void TabView::buildNext() {
