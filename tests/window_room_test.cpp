@@ -181,13 +181,16 @@ TEST_F(Room, TheWindowIsRestoredAsItWasLeft) {
     const QPoint place(30, 20);
     window().move(place);
     window().resize(1400, 700);
-    QTest::qWait(400); // it is saved after the last change
     const std::string normal = "30\t20\t" + std::to_string(1400 - drawer().width()) + "\t700\t";
-    EXPECT_EQ(defaults.stringForKey(key), normal + "normal\topen");
+    // It is saved some time after the last change.
+    const auto expectSaved = [&](const std::string& text) {
+        static_cast<void>(QTest::qWaitFor([&] { return defaults.stringForKey(key) == text; }));
+        EXPECT_EQ(defaults.stringForKey(key), text);
+    };
+    expectSaved(normal + "normal\topen");
     window().showMaximized();
     clickTitled("Close");
-    QTest::qWait(400);
-    EXPECT_EQ(defaults.stringForKey(key), normal + "maximized\tclosed");
+    expectSaved(normal + "maximized\tclosed");
     showPage(1);
     EXPECT_EQ(defaults.stringForKey(key), normal + "maximized\tclosed");
 }
