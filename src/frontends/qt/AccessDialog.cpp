@@ -54,11 +54,10 @@ AccessDialog::AccessDialog(Questions questions, const std::optional<std::string>
     for (const std::string& each : questions_.users) {
         subject_->addItem(shown(stringWithFormat(NSLocalizedString("What \"%@\" may do"), each)));
     }
-    list_ =
-        makeList("accessList", windowTitle(),
-                 {QString(), localized("Connect"), localized("List"), localized("Read"), localized("Write"),
-                  localized("Create"), localized("Delete"), localized("Why Not More")},
-                 reasonColumn);
+    list_ = makeList("accessList", windowTitle(),
+                     {QString(), localized("Connect"), localized("List"), localized("Read"),
+                      localized("Write"), localized("Create"), localized("Delete"), localized("Reason")},
+                     reasonColumn);
     for (int column = 0; column < reasonColumn; ++column) {
         list_->header()->setSectionResizeMode(column, QHeaderView::ResizeToContents);
     }

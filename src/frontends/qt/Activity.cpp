@@ -86,7 +86,7 @@ void Activity::endEvent() {
     if (std::exchange(beepWaits_, false)) {
         if (entriesOfEvent_ == 0 || entries_.back().kind != ActivityEntry::Kind::Log) {
             add(ActivityEntry::Kind::Beep,
-                NSLocalizedString(isEditRefused_ ? "What was typed cannot stand in this field." : "Beep"));
+                NSLocalizedString(isEditRefused_ ? "This field cannot hold what was typed." : "Beep"));
         }
         entries_.back().hasBeeped = true;
     }

@@ -9,7 +9,7 @@ FilterField::FilterField(TableView& table) : table_(table) {
     setPlaceholderText(shown(NSLocalizedString("Filter")));
     const QString name = table.accessibleName();
     setAccessibleName(name.isEmpty() ? placeholderText() : placeholderText() + " (" + name + ')');
-    setToolTip(shown(NSLocalizedString("Leaves the rows in view in which these words occur (Ctrl+F).")));
+    setToolTip(shown(NSLocalizedString("Shows only the rows that contain these words (Ctrl+F).")));
     // Add the button only when there is something to clear: its picture makes Qt load all image readers.
     connect(
         this, &QLineEdit::textChanged, this, [this] { setClearButtonEnabled(true); },

@@ -191,9 +191,9 @@ bool WindowHistory::takeBack(std::optional<std::int64_t> number, QWidget* parent
         review::Plan steps = planOf(*plan);
         if (const std::string pages = edits_.pages(); !pages.empty()) {
             steps.warnings.push_back(
-                {"unsaved", stringWithFormat(NSLocalizedString("What you have changed and not saved on these "
-                                                               "pages will be gone: %@."),
-                                             pages)});
+                {"unsaved",
+                 stringWithFormat(NSLocalizedString("Unsaved changes on these pages will be lost: %@."),
+                                  pages)});
         }
         const PlanQuestion question{NSLocalizedString("Undo"), plan->question, NSLocalizedString("Yes"),
                                     NSLocalizedString("No")};

@@ -216,7 +216,8 @@ void WindowReview::planButtonInUse() {
         NSRunAlertPanel(
             NSLocalizedString("What Would This Do?"), "%@", NSLocalizedString("OK"), std::nullopt,
             std::nullopt,
-            NSLocalizedString("Put the cursor into a form, or on a button, whose changes you want to see."));
+            NSLocalizedString(
+                "First put the cursor into a form, or on the button whose changes you want to see."));
         return;
     }
     showPlan(reviewer_.planPress(*model), &window_);
@@ -267,7 +268,7 @@ void WindowReview::showDirectoryNotice() {
     const std::string problem = review::Reviewer::directoryProblem();
     if (!problem.empty()) {
         directoryText_->setText(shown(stringWithFormat(
-            NSLocalizedString("The directory could not be read, so what you see is not all there is: %@."),
+            NSLocalizedString("The directory could not be read, so the lists are incomplete: %@."),
             problem)));
     }
     directoryNotice_->setVisible(!problem.empty());
