@@ -70,7 +70,7 @@ TEST_F(WindowHistoryTest, TheMenuNamesWhatItUndoesAndRestoresADeletedShare) {
     clickInChanges(openChanges());
     EXPECT_EQ(asked, (QStringList{"Undo", "Undo"}));
     EXPECT_TRUE(said.front().contains("Write the share &quot;Docs&quot;")) << said.front().toStdString();
-    EXPECT_TRUE(said.front().contains("will be gone: AFP.")) << said.front().toStdString();
+    EXPECT_TRUE(said.front().contains("will be lost: AFP.")) << said.front().toStdString();
     EXPECT_EQ(columnOf("normalTableView", "ShareName"), std::vector<std::string>{"Docs"});
     EXPECT_EQ(host.read("etc/smb.conf"), conf);
 }
@@ -88,6 +88,24 @@ TEST_F(WindowHistoryTest, AnEntryThatALaterOneDependsOnIsNotTakenBackAndTheLater
     EXPECT_EQ(columnOf("groupTableView", "GID"), std::vector<std::string>{"600"});
     takeBack(2, {"Yes"});
     EXPECT_EQ(columnOf("groupTableView", "GID"), std::vector<std::string>{});
+}
+
+TEST_F(WindowHistoryTest, NamesAPageAsUnsavedUntilItsSaveHasSucceeded) {
+    openWithHistory();
+    writeGroup("600", {"Yes"});
+    const auto warnsOfGroups = [this] {
+        QAction& undo = openChanges();
+        answer({"No"});
+        clickInChanges(undo);
+        return said.back().contains("will be lost: Groups.");
+    };
+    EXPECT_FALSE(warnsOfGroups());
+    host.onRun = [](const RecordedRun&) { return TestHost::RunAnswer{"nicl: the disk is full\n", 0}; };
+    typeInto("groupName", "crew");
+    typeInto("gid", "700");
+    answer({"Yes"});
+    click("createNewGroupButton");
+    EXPECT_TRUE(warnsOfGroups());
 }
 
 } // namespace

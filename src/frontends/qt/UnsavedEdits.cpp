@@ -76,10 +76,10 @@ UnsavedEdits::UnsavedEdits(WindowActions& actions, RefreshQueue& queue) : action
 
 /// When another row is loaded into an editor, forgets what was saved there.
 void UnsavedEdits::forgetReplaced() {
-    if (!saved_.empty()) {
-        const Edits edits = editsBelow(actions_.interface().root());
-        std::erase_if(saved_, [&edits](const auto& saved) { return !edits.contains(saved.first); });
-    }
+    std::erase_if(saved_, [](const auto& saved) {
+        const auto* control = dynamic_cast<const NSControl*>(saved.first);
+        return control == nullptr || !control->edit();
+    });
 }
 
 void UnsavedEdits::noteSaved(const std::string& operation) {

@@ -104,7 +104,8 @@ void WindowStatus::eventEnded() {
     if (activity_.runsOfEvent() > 0 || activity_.isRefused() || !activity_.failureOfEvent().empty()) {
         showOutcome(added);
     }
-    if (added && activity_.failureOfEvent().empty() && activity_.stopOfEvent().empty()) {
+    if (activity_.runsOfEvent() > 0 && !activity_.isRefused() && activity_.failureOfEvent().empty() &&
+        activity_.stopOfEvent().empty()) {
         saved.emit(operation_);
     }
     activity_.endEvent();
