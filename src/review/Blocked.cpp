@@ -135,11 +135,13 @@ void addPasswordBlocks(const BROutlets& controls, const std::optional<AccountFor
 void addFolderBlock(const PlannedRun& run, const BROutlets& controls, std::vector<Remark>* blocks) {
     const auto status =
         run.arguments.size() == 2 ? checkNotReplaceable(run.arguments[1]) : platform::Status();
-    if (!status.isOk()) {
-        blocks->push_back({"folder",
-                           stringWithFormat(NSLocalizedString("\"%@\" cannot be changed: %@."),
-                                            run.arguments[1], reasonOf(status)),
-                           controls.directory->name()});
+    if (status.isOk()) {
+        return;
+    }
+    const std::string text = stringWithFormat(NSLocalizedString("\"%@\" cannot be changed: %@."),
+                                              run.arguments[1], reasonOf(status));
+    if (std::ranges::find(*blocks, text, &Remark::sentence) == blocks->end()) { // owner and mode are two runs
+        blocks->push_back({"folder", text, controls.directory->name()});
     }
 }
 

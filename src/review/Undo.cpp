@@ -10,6 +10,7 @@
 #include "platform/posix/WholeFile.h"
 #include "privileged/NiutilTask.h"
 #include "review/Recorder.h"
+#include "tools/HelperFolders.h"
 
 #include <algorithm>
 #include <array>
@@ -219,6 +220,12 @@ class UndoPlanner {
         const auto now = folderStateOf(folder.path);
         if (!now) {
             lose(NSLocalizedString("The folder %@ cannot be examined and stays as it is."), folder.path);
+            return;
+        }
+        if (platform::Host::current().services().computer != nullptr &&
+            !checkNotReplaceable(folder.path).isOk()) {
+            lose(NSLocalizedString("Anybody could replace the folder %@, so it stays as it is."),
+                 folder.path);
             return;
         }
         if (now->isSame(folder.before)) {
