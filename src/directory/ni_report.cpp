@@ -122,7 +122,9 @@ int ni_report_local(const std::string& path, std::span<const std::string> proper
     std::vector<std::string> lines;
     const int status = reportAt(*domain, path, properties, lines);
     if (status == NI_OK) {
-        kept = {stamp, std::make_shared<const std::vector<std::string>>(std::move(lines))};
+        // An empty report may also be one whose records could not be listed, which is worth another try.
+        kept = {lines.empty() ? std::nullopt : stamp,
+                std::make_shared<const std::vector<std::string>>(std::move(lines))};
     }
     return status;
 }

@@ -76,8 +76,7 @@ NiutilTask::Report NiutilTask::report(const std::string& path, std::span<const s
                                       KeptReport& kept) {
     // A failure has been logged and shows as an empty list.
     static_cast<void>(ni_report_local(path, properties, kept));
-    const Report lines =
-        kept.lines != nullptr ? kept.lines : std::make_shared<const std::vector<std::string>>();
+    Report lines = kept.lines != nullptr ? kept.lines : std::make_shared<const std::vector<std::string>>();
     if (keepsReports_ == 0) {
         kept = {};
     }

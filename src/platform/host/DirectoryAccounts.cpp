@@ -90,9 +90,14 @@ std::optional<std::string> DirectoryAccounts::nameOf(const char* path, std::stri
     if (ni_lookup(domain.get(), &id, property, directoryNumber(number), &found) != NI_OK) {
         return std::nullopt;
     }
-    return names[number] = found.niil_val.empty()
-                               ? std::nullopt
-                               : firstValue(domain.get(), {found.niil_val.front(), 0}, "name");
+    std::optional<std::string> name;
+    if (!found.niil_val.empty()) {
+        name = firstValue(domain.get(), {found.niil_val.front(), 0}, "name");
+        if (!name) {
+            return name; // it could not be read, or has none: not worth remembering
+        }
+    }
+    return names[number] = name;
 }
 
 std::optional<std::string> DirectoryAccounts::userName(uid_t uid) const {

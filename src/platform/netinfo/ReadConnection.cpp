@@ -9,6 +9,7 @@
 #include <chrono>
 #include <filesystem>
 #include <fstream>
+#include <span>
 #include <thread>
 #include <vector>
 
@@ -133,8 +134,10 @@ int ReadConnection::openEmpty() {
 }
 
 std::optional<StoreStamp> ReadConnection::stamp() const {
-    constexpr int counterOffset = 24;
-    std::array<unsigned char, 4> counter{};
+    // Bytes 18 to 27 of SQLite's header: 1 twice unless there is a write-ahead log, whose writers leave the
+    // counter alone; four bytes that vary with the page; the counter.
+    constexpr int offset = 18;
+    std::array<unsigned char, 10> header{};
 
     struct stat status {};
 
@@ -143,12 +146,13 @@ std::optional<StoreStamp> ReadConnection::stamp() const {
     // the transaction keeps writers away from it.
     if (!begun_ || isCopy_ || ::stat(file_.c_str(), &status) != 0 ||
         sqlite3_file_control(database_.get(), "main", SQLITE_FCNTL_FILE_POINTER, &handle) != SQLITE_OK ||
-        handle->pMethods->xRead(handle, counter.data(), static_cast<int>(counter.size()), counterOffset) !=
-            SQLITE_OK) {
+        handle->pMethods->xRead(handle, header.data(), static_cast<int>(header.size()), offset) !=
+            SQLITE_OK ||
+        header[0] != 1 || header[1] != 1) {
         return std::nullopt;
     }
     std::uint32_t changes = 0;
-    for (const unsigned char byte : counter) {
+    for (const unsigned char byte : std::span(header).last<4>()) {
         changes = changes << 8U | byte;
     }
     constexpr std::int64_t nanoseconds = 1'000'000'000;
