@@ -64,8 +64,8 @@ enum class DatabasePlace {
 };
 
 DatabasePlace placeInSettings() {
-    constexpr std::array<std::string_view, 2> naming = {"passdbbackend", "privatedir"};
-    constexpr std::array<std::string_view, 2> including = {"include", "configbackend"};
+    constexpr std::array<std::string_view, 3> naming = {"passdbbackend", "privatedir", "privatedirectory"};
+    constexpr std::array<std::string_view, 3> including = {"include", "configfile", "configbackend"};
     std::istringstream settings(lowercased(readWholeFile(sambaBuild().configFile).valueOr("")));
     auto place = DatabasePlace::Own;
     for (std::string line; std::getline(settings, line);) {
