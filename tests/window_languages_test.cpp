@@ -158,7 +158,7 @@ TEST_P(WindowInALanguage, HasRoomForItsTexts) {
             if (pages != nullptr) {
                 control<NSPopUpButton>(pages).performSelect(part);
             }
-            QTest::qWait(100); // the labels of a new page change once more when it gets its mnemonics
+            QTest::qWait(250); // the labels of a new page change once more when it gets its mnemonics
             expectRoomForTexts(window);
             expectRoomForItems(window);
         }

@@ -8,6 +8,7 @@
 
 #include <QAbstractButton>
 #include <QDialogButtonBox>
+#include <QDir>
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QFormLayout>
@@ -130,7 +131,7 @@ std::optional<std::string> askPath(const platform::OpenPanelRequest& request, QW
     dialog.setLabelText(QFileDialog::Accept, shown(NSLocalizedString("Choose")));
     const QString asked = shown(request.directory);
     if (const QString folder = asked.isEmpty() && foldersOnly ? folderNamedIn(parent) : asked;
-        !folder.isEmpty() && QFileInfo(folder).isDir()) {
+        QDir::isAbsolutePath(folder) && QFileInfo(folder).isDir()) {
         dialog.setDirectory(folder);
     }
     dialog.resize(fittedToScreen(dialog, QSize(fileDialogWidth, fileDialogHeight)));

@@ -16,6 +16,8 @@
 #include <QVBoxLayout>
 
 #include <algorithm>
+#include <string_view>
+#include <utility>
 
 namespace {
 
@@ -32,6 +34,9 @@ std::string placeOf(const Finding& finding) {
         if (finding.where.starts_with(folder)) {
             return stringWithFormat(NSLocalizedString(text), finding.where.substr(folder.size()));
         }
+    }
+    if (finding.where == finding.user) {
+        return stringWithFormat(NSLocalizedString("User \"%@\""), finding.where);
     }
     return finding.where;
 }
@@ -92,7 +97,7 @@ void FindingsDialog::showFinding() {
         const Finding& finding = found_.findings[static_cast<std::size_t>(row)];
         text = shown(finding.text + "\n" + placeOf(finding));
         if (!finding.remedy.empty()) {
-            text += shown("\n\n" + NSLocalizedString("What mends it:") + "\n" + finding.remedy);
+            text += shown("\n\n" + NSLocalizedString("How to fix it:") + "\n" + finding.remedy);
         }
     }
     for (const std::string& note : found_.notes) {

@@ -184,7 +184,7 @@ void useInk(QWidget& widget, std::optional<Ink> ink) {
 QColor placeholderOn(const QPalette& palette) {
     const QColor ground = palette.color(QPalette::Base);
     const QColor ink = palette.color(QPalette::PlaceholderText); // Qt's own is translucent
-    return contrast(mixed(ink, ground, ink.alphaF()), ground) < leastEdgeContrast
+    return contrast(mixed(ink, ground, ink.alphaF()), ground) < leastContrast
                ? inkOn(Ink::Note, palette, QPalette::Base)
                : ink;
 }

@@ -19,7 +19,7 @@ enum class Ink {
 /// Returns the contrast ratio of two colours as WCAG 2 defines it, from 1 to 21.
 [[nodiscard]] double contrast(const QColor& first, const QColor& second);
 
-/// The least contrast of anything drawn here: what WCAG 2 demands for texts of any size.
+/// The least contrast of any text drawn here: what WCAG 2 demands for texts of any size.
 inline constexpr double leastContrast = 4.5;
 
 /// The least contrast of anything that is not a text, such as an outline.

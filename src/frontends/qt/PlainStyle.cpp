@@ -43,10 +43,14 @@ bool edgesVanish(const QPalette& palette, bool isButton) {
 
 void drawEdge(const QRect& rect, const QStyleOption& option, QPainter& painter) {
     constexpr double radius = 2;
+    const QPalette& palette = option.palette;
+    const QColor highlight = palette.color(QPalette::Highlight);
     const bool hasKeys = option.state.testFlag(QStyle::State_HasFocus);
+    const bool isSeen = contrast(highlight, palette.color(QPalette::Window)) >= leastEdgeContrast;
+    const QColor focused = isSeen ? highlight : palette.color(QPalette::WindowText);
     painter.save();
     painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(hasKeys ? option.palette.color(QPalette::Highlight) : edgeOn(option.palette));
+    painter.setPen(hasKeys ? focused : edgeOn(palette));
     painter.setBrush(Qt::NoBrush);
     painter.drawRoundedRect(QRectF(rect).adjusted(0.5, 0.5, -0.5, -0.5), radius, radius);
     painter.restore();

@@ -64,7 +64,8 @@ void TabView::showEvent(QShowEvent* event) {
     // Let the visible page be painted first. The time counts from when the event loop runs again: at the
     // start the tables are filled before that.
     constexpr auto whenPainted = std::chrono::milliseconds(50);
-    QTimer::singleShot(0, this, [this] { QTimer::singleShot(whenPainted, this, &TabView::buildNext); });
+    QTimer::singleShot(0, this,
+                       [this, whenPainted] { QTimer::singleShot(whenPainted, this, &TabView::buildNext); });
 }
 
 void TabView::buildNext() {

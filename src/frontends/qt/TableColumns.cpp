@@ -9,6 +9,7 @@
 #include <QMenu>
 
 #include <algorithm>
+#include <utility>
 
 namespace {
 
@@ -188,11 +189,11 @@ void TableView::shareWidth() {
         }
     }
     evenOut(widths, needs);
-    loading_ = true;
+    const bool wasLoading = std::exchange(loading_, true); // a list that is loaded may make the room change
     for (std::size_t column = 0; column < columns; ++column) {
         if (widths[column] > 0) {
             setColumnWidth(static_cast<int>(column), widths[column]);
         }
     }
-    loading_ = false;
+    loading_ = wasLoading;
 }

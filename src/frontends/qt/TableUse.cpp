@@ -82,8 +82,9 @@ void TableView::keyPressEvent(QKeyEvent* event) {
         Q_EMIT editAsked();
     } else if (event->key() == Qt::Key_Delete && selectionModel()->hasSelection()) {
         Q_EMIT deletionAsked();
-    } else if (event->key() == Qt::Key_Down && !selectionModel()->hasSelection()) {
-        goOnInRows(); // Qt has its cursor on the first row before anybody has, and would pass it over
+    } else if (event->key() == Qt::Key_Down && (event->modifiers() & ~Qt::KeypadModifier) == Qt::NoModifier &&
+               !selectionModel()->hasSelection() && currentIndex().row() <= 0) {
+        goOnInRows(); // Qt's current row is already the first one, so Down would skip it
     } else {
         QTableView::keyPressEvent(event);
     }

@@ -128,7 +128,7 @@ class TableView : public QTableView {
     void shareWidth();
     /// Returns the width that the column's title needs.
     [[nodiscard]] int leastWidth(int section) const;
-    /// Returns the width that the title and the first rows in view need.
+    /// Returns the width that the title and the first rows need.
     [[nodiscard]] int neededWidth(int section) const;
     void showColumnMenu(const QPoint& position);
     void reload();
