@@ -13,8 +13,8 @@
 // they lead to is checked. On this computer, a folder that anybody could replace is refused. An argument is
 // always a name, even if it begins with "-".
 
-/// On which host the change is made: on an embedded root, with the user's own rights, or on this computer, as
-/// root.
+/// On which host the change is made: on an embedded root, for the user who owns it, or on this computer, as
+/// root for everyone on it.
 enum class FolderHost { Embedded, Computer };
 
 /// Whether a folder is the system's own: one of /etc, /usr, /boot, /dev, /proc, /sys or /run (except for the

@@ -51,7 +51,7 @@ class HelperSession {
 
     /// Ends the action. The helper stays for the next one.
     void endAction();
-    /// The same, then ends the helper and waits for it.
+    /// The same, then ends the helper and waits for it, but not for ever.
     void end();
 
   private:
