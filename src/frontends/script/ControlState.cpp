@@ -130,9 +130,7 @@ constexpr auto shownKinds = std::to_array<ShownKind>({
 });
 
 static_assert(platform::hasLineForEach(shownKinds,
-                                       [](const platform::ElementRule& rule) {
-                                           return rule.make != nullptr;
-                                       }),
+                                       [](const platform::ElementRule& rule) { return bool(rule.make); }),
               "a script can show each kind of element that has a model");
 
 std::string describeRows(NSTableView& table) {

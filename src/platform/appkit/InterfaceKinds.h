@@ -46,7 +46,7 @@ struct ElementRule {
     InterfaceKind kind;
     Place place = Place::Named;
     std::string_view element; ///< the XML element's name; a layout's column and a table's column share one
-    MakeModel make = nullptr; ///< null for an element without a model
+    MakeModel make = nullptr; ///< none for an element without a model
     ShortList<AttributeRule, 24> attributes = {};
     ShortList<InterfaceKind, 4> children = {};
     Layout layout = Layout::None;

@@ -191,7 +191,7 @@ void InterfaceLoader::checkOneLayout(const InterfaceNode& node) {
 }
 
 void InterfaceLoader::makeElement(InterfaceNode& node, const ElementRule& rule) {
-    if (rule.make == nullptr) {
+    if (!rule.make) {
         return;
     }
     node.element = rule.make(node, {*class_, interface_->owner_,

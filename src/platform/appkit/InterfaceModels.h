@@ -2,6 +2,7 @@
 
 #include "platform/appkit/Interface.h"
 
+#include <cstddef>
 #include <functional>
 #include <memory>
 #include <string>
@@ -17,7 +18,26 @@ struct ModelMaking {
 };
 
 /// Makes a node's model from its attributes and children.
-using MakeModel = std::unique_ptr<Element> (*)(const InterfaceNode& node, const ModelMaking& making);
+using MakeModelFunction = std::unique_ptr<Element> (*)(const InterfaceNode& node, const ModelMaking& making);
+
+/// Such a function, or none. Says by itself whether there is one: a build with sanitizers does not compare
+/// the address of a function with null at compile time.
+class MakeModel {
+  public:
+    constexpr MakeModel(std::nullptr_t /*none*/) {}
+
+    constexpr MakeModel(MakeModelFunction function) : function_(function), exists_(true) {}
+
+    constexpr explicit operator bool() const { return exists_; }
+
+    std::unique_ptr<Element> operator()(const InterfaceNode& node, const ModelMaking& making) const {
+        return function_(node, making);
+    }
+
+  private:
+    MakeModelFunction function_ = nullptr;
+    bool exists_ = false;
+};
 
 [[nodiscard]] std::unique_ptr<Element> makeWindow(const InterfaceNode& node, const ModelMaking& making);
 [[nodiscard]] std::unique_ptr<Element> makeDrawer(const InterfaceNode& node, const ModelMaking& making);
