@@ -20,7 +20,8 @@ enum class PlanDepth {
 
 /// Performs `action` on a copy of the current host's application, whose main interface is `main`, and returns
 /// what it has done to the copy, with warnings and blocks. Nothing else is changed. A plan that cannot be
-/// worked out has its `failure` set.
+/// worked out has its `failure` set. An exception from the code outside the action leaves this function; the
+/// action is then not performed.
 [[nodiscard]] Plan planOf(const platform::Interface& main, const std::string& operation,
                           const RehearsedAction& action, PlanDepth depth = PlanDepth::Warnings);
 

@@ -151,13 +151,16 @@ int TableView::leastWidth(int section) const {
            2 * style()->pixelMetric(QStyle::PM_HeaderMargin, nullptr, header);
 }
 
-int TableView::neededWidth(int section) const {
+int TableView::neededWidth(int section) {
+    if (const auto known = neededWidths_.find(section); known != neededWidths_.end()) {
+        return known->second;
+    }
     const int inView = viewport()->height() / verticalHeader()->defaultSectionSize() + 1;
     int width = std::max(leastWidth(section), horizontalHeader()->minimumSectionSize());
     for (int place = 0; place < std::min(model_.rowCount(), inView); ++place) {
         width = std::max(width, sizeHintForIndex(model_.index(place, section)).width());
     }
-    return width;
+    return neededWidths_[section] = width;
 }
 
 void TableView::shareWidth() {

@@ -139,6 +139,9 @@ void TableView::setUpHeader() {
 
 void TableView::resizeEvent(QResizeEvent* event) {
     QTableView::resizeEvent(event);
+    if (event->size().height() != event->oldSize().height()) {
+        neededWidths_.clear(); // there are other rows in view
+    }
     shareWidth();
 }
 
@@ -156,6 +159,7 @@ void TableView::reload() {
         shownSelection_.clear(); // Qt has dropped it with the old rows
     }
     loading_ = false;
+    neededWidths_.clear();
     shareWidth();
     dropRenamedRows();
     loadSelection();
@@ -164,6 +168,7 @@ void TableView::reload() {
 void TableView::setRemarks(std::function<std::string(const std::string& name, int row)> remark) {
     remark_ = std::move(remark);
     remarks_.clear();
+    neededWidths_.clear(); // a mark takes room
     model_.setRemarkOfRow(remark_ ? [this](int row) { return remarkOfRow(row); }
                                   : std::function<QString(int)>());
     viewport()->update();

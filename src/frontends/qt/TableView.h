@@ -129,7 +129,7 @@ class TableView : public QTableView {
     /// Returns the width that the column's title needs.
     [[nodiscard]] int leastWidth(int section) const;
     /// Returns the width that the title and the first rows need.
-    [[nodiscard]] int neededWidth(int section) const;
+    [[nodiscard]] int neededWidth(int section);
     void showColumnMenu(const QPoint& position);
     void reload();
     void loadSelection();
@@ -153,5 +153,6 @@ class TableView : public QTableView {
     QString typed_;                   ///< the text typed to find a row
     QElapsedTimer typedWhen_;
     bool loading_ = false;
-    bool widthsAreUsers_ = false; ///< the user has set a column's width, so leave all of them alone
+    bool widthsAreUsers_ = false;     ///< the user has set a column's width, so leave all of them alone
+    std::map<int, int> neededWidths_; ///< by section, as far as they were asked for since the rows changed
 };
