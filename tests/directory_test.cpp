@@ -1,6 +1,9 @@
 #include "directory/ni_report.h"
 #include "support/DirectoryFixture.h"
 
+#include <fstream>
+#include <iterator>
+
 namespace {
 
 using Texts = std::vector<std::string>;
@@ -62,6 +65,18 @@ TEST_F(Report, IsKeptUntilTheDirectoryChanges) {
     std::filesystem::rename(copy, host.storeFile());
     nicl({"-delete", "/users/ada"});
     EXPECT_EQ(*lines(), Texts{"ben\t\n"});
+    EXPECT_TRUE(kept.stamp.has_value());
+    {
+        std::fstream file(host.storeFile(), std::ios::in | std::ios::out | std::ios::binary);
+        const std::string bytes{std::istreambuf_iterator<char>(file), {}};
+        const std::size_t place = bytes.rfind("\x04name\x01\x03"
+                                              "ben");
+        ASSERT_NE(place, std::string::npos);
+        file.clear();
+        file.seekp(static_cast<std::streamoff>(place) + 5).put('\x7f'); // so many values
+    }
+    EXPECT_EQ(*lines(), Texts{"#NoValue#\t\n"});
+    EXPECT_FALSE(kept.stamp.has_value()) << "it is worth another try";
     std::filesystem::remove(host.storeFile());
     EXPECT_NE(ni_report_local("/users", name, kept), 0);
     EXPECT_EQ(kept.lines, nullptr);

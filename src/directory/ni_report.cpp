@@ -9,18 +9,23 @@ namespace {
 
 constexpr int timeoutSeconds = 30;
 
-/// Appends the field of one requested property, without the tab after it.
-void appendField(ni_domain* domain, ni_id& id, const ni_namelist& names, const std::string& wanted,
+/// Logs a failure. Returns whether there was none.
+bool succeeded(const char* label, ni_status status) {
+    if (status != NI_OK) {
+        errexit(label, status);
+    }
+    return status == NI_OK;
+}
+
+/// Appends the field of one requested property, without the tab after it. Returns whether it could be read.
+bool appendField(ni_domain* domain, ni_id& id, const ni_namelist& names, const std::string& wanted,
                  ni_namelist& values, std::string& line) {
     const auto name = std::ranges::find(names.ninl_val, wanted);
-    if (name != names.ninl_val.end()) {
-        if (const ni_status status = ni_lookupprop(domain, &id, *name, &values); status != NI_OK) {
-            errexit("ni_lookupprop", status);
-        }
-    }
+    const bool isRead = name == names.ninl_val.end() ||
+                        succeeded("ni_lookupprop", ni_lookupprop(domain, &id, *name, &values));
     if (values.ninl_val.empty()) {
         line += reportNoValue;
-        return;
+        return isRead;
     }
     for (bool first = true; const auto& value : values.ninl_val) {
         if (!first) {
@@ -30,6 +35,38 @@ void appendField(ni_domain* domain, ni_id& id, const ni_namelist& names, const s
         line += value;
     }
     ni_namelist_free(&values);
+    return isRead;
+}
+
+/// Appends the line of the record `id`. Returns whether all of it could be read.
+bool appendLine(ni_domain* domain, ni_id id, std::span<const std::string> properties,
+                std::vector<std::string>& output) {
+    std::string line;
+    line.reserve(output.empty() ? 0 : output.back().size()); // most lines are about as long as the one before
+    ni_namelist names;
+    ni_namelist values;
+    bool isRead = succeeded("ni_listprops", ni_listprops(domain, &id, &names));
+    for (const auto& property : properties) {
+        isRead = appendField(domain, id, names, property, values, line) && isRead;
+        line += '\t';
+    }
+    line += '\n';
+    output.push_back(std::move(line));
+    ni_namelist_free(&names);
+    return isRead;
+}
+
+/// Appends the lines of the children of the directory `id`. Returns whether all of them could be read.
+bool appendLines(ni_domain* domain, ni_id id, std::span<const std::string> properties,
+                 std::vector<std::string>& output) {
+    ni_idlist children;
+    bool isRead = succeeded("ni_children", ni_children(domain, &id, &children));
+    output.reserve(output.size() + children.niil_val.size()); // so that a long list is not moved as it grows
+    for (const std::uint32_t child : children.niil_val) {
+        isRead = appendLine(domain, {child, 0}, properties, output) && isRead;
+    }
+    ni_idlist_free(&children);
+    return isRead;
 }
 
 /// Opens the local domain and begins to read it. Logs why not.
@@ -50,14 +87,13 @@ ni_status openLocalDomain(platform::OwnedDomain& domain) {
     return status;
 }
 
-int reportAt(ni_domain& domain, const std::string& path, std::span<const std::string> properties,
-             std::vector<std::string>& output) {
-    ni_id id;
-    if (const ni_status status = ni_pathsearch(&domain, &id, path.c_str()); status != NI_OK) {
+/// Finds the directory at `path`. Logs why not.
+ni_status findDirectory(ni_domain& domain, const std::string& path, ni_id* id) {
+    const ni_status status = ni_pathsearch(&domain, id, path.c_str());
+    if (status != NI_OK) {
         NSLog("Error opening %s", path);
-        return status;
     }
-    return ni_report(&domain, id, properties, output);
+    return status;
 }
 
 } // namespace
@@ -68,44 +104,25 @@ void errexit(const char* label, ni_status status) {
 
 int ni_report_dir(ni_domain* domain, ni_id id, std::span<const std::string> properties,
                   std::vector<std::string>& output) {
-    std::string line;
-    line.reserve(output.empty() ? 0 : output.back().size()); // most lines are about as long as the one before
-    ni_namelist names;
-    ni_namelist values;
-    if (const ni_status status = ni_listprops(domain, &id, &names); status != NI_OK) {
-        errexit("ni_listprops", status);
-    }
-    for (const auto& property : properties) {
-        appendField(domain, id, names, property, values, line);
-        line += '\t';
-    }
-    line += '\n';
-    output.push_back(std::move(line));
-    ni_namelist_free(&names);
+    static_cast<void>(appendLine(domain, id, properties, output)); // what cannot be read has been logged
     return NI_OK;
 }
 
 int ni_report(ni_domain* domain, ni_id id, std::span<const std::string> properties,
               std::vector<std::string>& output) {
-    ni_idlist children;
-    if (const ni_status status = ni_children(domain, &id, &children); status != NI_OK) {
-        errexit("ni_children", status);
-    }
-    output.reserve(output.size() + children.niil_val.size()); // so that a long list is not moved as it grows
-    for (const std::uint32_t child : children.niil_val) {
-        ni_report_dir(domain, {child, 0}, properties, output);
-    }
-    ni_idlist_free(&children);
+    static_cast<void>(appendLines(domain, id, properties, output)); // as above
     return NI_OK;
 }
 
 int ni_report_local(const std::string& path, std::span<const std::string> properties,
                     std::vector<std::string>& output) {
     platform::OwnedDomain domain;
-    if (const ni_status status = openLocalDomain(domain); status != NI_OK) {
-        return status;
+    ni_status status = openLocalDomain(domain);
+    ni_id id;
+    if (status == NI_OK) {
+        status = findDirectory(*domain, path, &id);
     }
-    return reportAt(*domain, path, properties, output);
+    return status == NI_OK ? ni_report(domain.get(), id, properties, output) : status;
 }
 
 int ni_report_local(const std::string& path, std::span<const std::string> properties, KeptReport& kept) {
@@ -119,12 +136,14 @@ int ni_report_local(const std::string& path, std::span<const std::string> proper
         kept = std::move(last);
         return NI_OK;
     }
-    std::vector<std::string> lines;
-    const int status = reportAt(*domain, path, properties, lines);
-    if (status == NI_OK) {
-        // An empty report may also be one whose records could not be listed, which is worth another try.
-        kept = {lines.empty() ? std::nullopt : stamp,
-                std::make_shared<const std::vector<std::string>>(std::move(lines))};
+    ni_id id;
+    if (const ni_status status = findDirectory(*domain, path, &id); status != NI_OK) {
+        return status;
     }
-    return status;
+    std::vector<std::string> lines;
+    const bool isRead = appendLines(domain.get(), id, properties, lines);
+    // What could not be read is worth another try.
+    kept = {isRead ? stamp : std::nullopt,
+            std::make_shared<const std::vector<std::string>>(std::move(lines))};
+    return NI_OK;
 }

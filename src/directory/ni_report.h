@@ -31,7 +31,7 @@ int ni_report_local(const std::string& path, std::span<const std::string> proper
 
 /// A report and the state of the directory that it shows.
 struct KeptReport {
-    std::optional<platform::StoreStamp> stamp; ///< none where a change could not be noticed
+    std::optional<platform::StoreStamp> stamp; ///< none if the lines must be read again
     std::shared_ptr<const std::vector<std::string>> lines;
 };
 

@@ -142,9 +142,12 @@ std::optional<StoreStamp> ReadConnection::stamp() const {
     struct stat status {};
 
     sqlite3_file* handle = nullptr;
+    int hasMoved = 0; // so that the path names another file
     // The counter is read through SQLite's own descriptor, for the reason that copyStore() has. The lock of
     // the transaction keeps writers away from it.
     if (!begun_ || isCopy_ || ::stat(file_.c_str(), &status) != 0 ||
+        sqlite3_file_control(database_.get(), "main", SQLITE_FCNTL_HAS_MOVED, &hasMoved) != SQLITE_OK ||
+        hasMoved != 0 ||
         sqlite3_file_control(database_.get(), "main", SQLITE_FCNTL_FILE_POINTER, &handle) != SQLITE_OK ||
         handle->pMethods->xRead(handle, header.data(), static_cast<int>(header.size()), offset) !=
             SQLITE_OK ||
