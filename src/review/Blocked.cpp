@@ -2,6 +2,7 @@
 
 #include "directory/DirectoryRules.h"
 #include "platform/appkit/NSTextField.h"
+#include "platform/foundation/Host.h"
 #include "platform/foundation/NSBundle.h"
 #include "platform/foundation/NSString.h"
 #include "platform/foundation/SystemPaths.h"
@@ -177,7 +178,7 @@ std::vector<Remark> blocksOf(const Plan& plan, const BROutlets& controls,
             addDirectoryBlocks(run, plan.operation, controls, accounts, &blocks);
         } else if (run.tool == platform::systempath::dscl) {
             addPasswordBlocks(controls, accounts, &blocks);
-        } else if (accounts &&
+        } else if (platform::Host::current().services().computer != nullptr &&
                    (run.tool == platform::systempath::chown || run.tool == platform::systempath::chmod)) {
             addFolderBlock(run, controls, &blocks);
         }

@@ -222,13 +222,13 @@ class UndoPlanner {
             lose(NSLocalizedString("The folder %@ cannot be examined and stays as it is."), folder.path);
             return;
         }
+        if (now->isSame(folder.before)) {
+            return;
+        }
         if (platform::Host::current().services().computer != nullptr &&
             !checkNotReplaceable(folder.path).isOk()) {
             lose(NSLocalizedString("Anybody could replace the folder %@, so it stays as it is."),
                  folder.path);
-            return;
-        }
-        if (now->isSame(folder.before)) {
             return;
         }
         // Each of the three may have been restored already.
