@@ -1,6 +1,7 @@
 // The runs of an action through the real helper, as the window makes them.
 
 #include "support/HelperFixture.h"
+#include "support/LockHolder.h"
 
 namespace {
 
@@ -111,6 +112,24 @@ TEST_F(Action, LeavesItsHelperToTheNextActionWhichStartsAnotherIfItHasEnded) {
     EXPECT_FALSE(helper.settle().isOk()) << "another helper does not have its changes";
     EXPECT_TRUE(helper.settle().isOk()) << "it is told once";
     EXPECT_EQ(shares(), "Docs\t/srv\t\nFilms\t/srv\t\n");
+}
+
+TEST_F(Action, WaitsForTheDirectoryEvenIfAnEarlierOneCouldNotOpenIt) {
+    HelperSession helper(command_);
+    const std::string store = root_.storeFile();
+    fs::rename(store, store + ".away");
+    EXPECT_NE(nicl(helper, {"-create", "/config/Brindle/Docs"}), "");
+    fs::rename(store + ".away", store);
+    EXPECT_TRUE(helper.settle().isOk());
+    helper.endAction();
+    auto other = std::make_optional<LockHolder>(store);
+    std::thread end([&] {
+        ::usleep(300000);
+        other.reset();
+    });
+    EXPECT_EQ(nicl(helper, {"-create", "/config/Brindle/Docs"}), "");
+    end.join();
+    EXPECT_TRUE(helper.settle().isOk());
 }
 
 TEST_F(Action, IsServedWithoutRightsAndSystemCallsThatFilesDoNotNeed) {
