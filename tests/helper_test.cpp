@@ -98,6 +98,27 @@ TEST_F(HelperTest, GivesAFolderToAnAccountOfTheDirectoryBeforeOneOfTheComputer) 
     EXPECT_EQ(statusOf(shared).st_uid, uid);
 }
 
+TEST_F(HelperTest, GivesNothingToAnAccountOfTheComputerThatMayNotBeTheOneOfTheDirectory) {
+    const fs::path shared = folder("shared");
+    const struct stat before = statusOf(shared);
+    run("/usr/bin/nicl", {".", "-create", "/users/nobody"});
+    run("/usr/bin/nicl", {".", "-create", "/groups/mail"});
+    const std::string store = root_.storeFile();
+    const auto expectRefusals = [&](const std::string& why) {
+        for (const char* account : {"nobody:", ":mail"}) {
+            const std::string said = run("/usr/sbin/chown", {account, shared.string()});
+            EXPECT_NE(said.find(why), std::string::npos) << account << " said: " << said;
+        }
+    };
+    expectRefusals("is missing or no number");
+    fs::rename(store, store + ".away");
+    expectRefusals("it does not exist");
+    std::ofstream(store) << std::string(4096, 'x');
+    expectRefusals("it is damaged");
+    EXPECT_EQ(statusOf(shared).st_uid, before.st_uid);
+    EXPECT_EQ(statusOf(shared).st_gid, before.st_gid);
+}
+
 TEST_F(HelperTest, CopiesOnlyARegularFileOfTheUser) {
     const std::string before = contentsOfFile(target_.string()).valueOr("");
     test_.write("other.conf", "theirs");

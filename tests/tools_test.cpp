@@ -253,7 +253,7 @@ TEST_F(Root, AccountsAreUpToDateAtOnceInNamesAndInTheServersLists) {
         EXPECT_EQ(nicl(words), "");
     }
     EXPECT_EQ(names.userName(70501), "alice");
-    EXPECT_EQ(names.userId("alice"), 70501U);
+    EXPECT_EQ(names.userId("alice").valueOr(std::nullopt), 70501U);
     EXPECT_EQ(names.groupName(70502), "band");
     EXPECT_EQ(names.userName(0), "root");
     EXPECT_TRUE(contains(contents(server.passwdFile()), "\nalice:x:70501:65534:A  B::\n"));

@@ -94,4 +94,11 @@ struct CloseDomain {
 /// A connection that is closed when its owner is destroyed.
 using OwnedDomain = std::unique_ptr<ni_domain, CloseDomain>;
 
+/// Opens a connection to the domain whose store is `file`, and finds the record at `path` in it. Its calls
+/// wait up to thirty seconds for writers.
+[[nodiscard]] ni_status openRecord(const std::string& file, const std::string& path, OwnedDomain* domain,
+                                   ni_id* id);
+/// The same in the current host's local domain.
+[[nodiscard]] ni_status openLocalRecord(const std::string& path, OwnedDomain* domain, ni_id* id);
+
 } // namespace platform
