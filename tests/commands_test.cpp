@@ -270,3 +270,17 @@ TEST_F(Commands, AreCompletedWithExistingNames) {
     EXPECT_EQ(completedByFish("shares set Docs --owner-may r"), "r\nrw\n");
     EXPECT_EQ(completedByFish("smb set wo"), "workgroup\n");
 }
+
+TEST(ScriptThatStartsBrindle, InstallsTheWindowsPackagesForAWindowOnly) {
+    const std::string functions =
+        "eval \"$(sed -n '/^has_display/,/^}/p; /^wants_window/,/^}/p' " BRINDLE_RESOURCES
+        "/../scripts/run)\"; DISPLAY=:0; wants_window ";
+    for (const auto& [arguments, wants] : {std::pair("", true),
+                                           {"--root shares --serve --port 9", true},
+                                           {"--root d --snapshot out", true},
+                                           {"doctor", false},
+                                           {"--root d shares list", false},
+                                           {"--print shares", false}}) {
+        EXPECT_EQ(runProgram({"bash", "-c", functions + arguments}).status == 0, wants) << arguments;
+    }
+}
