@@ -7,6 +7,7 @@
 #include "platform/netinfo/LocalDomain.h"
 #include "platform/netinfo/ni.h"
 #include "platform/posix/LetterCase.h"
+#include "platform/posix/ShellWord.h"
 #include "platform/samba/ComputerPasswords.h"
 #include "platform/samba/InstalledSamba.h"
 #include "platform/samba/SambaAccounts.h"
@@ -142,7 +143,7 @@ void Examiner::examineHalfMade() {
               .text = stringWithFormat(text, name),
               .where = file,
               .remedy = NSLocalizedString("It goes with the next change of an account."),
-              .user = code == std::string_view("half-made-user") ? name : std::string()});
+              .user = code == std::string_view("half-made-user") ? std::optional(name) : std::nullopt});
     };
     for (const std::string& name : storedNames(file, "/users")) {
         if (!users.contains(name)) {
@@ -209,7 +210,7 @@ void Examiner::examinePasswords() {
                           : NSLocalizedString("The user \"%@\" has no Samba password and cannot connect."),
                       user.name),
                   .where = user.name,
-                  .remedy = isDisabled && !patient_.root ? "smbpasswd -e " + shellWord(user.name)
+                  .remedy = isDisabled && !patient_.root ? "smbpasswd -e " + platform::shellWord(user.name)
                                                          : command({"users", "password", user.name}),
                   .user = user.name});
             continue;
@@ -245,7 +246,7 @@ void Examiner::examinePasswords() {
                       NSLocalizedString("Samba has a password for \"%@\", and there is no such user."),
                       user->name),
                   .where = NSLocalizedString("Samba's password database"),
-                  .remedy = patient_.root ? std::string() : "pdbedit -x " + shellWord(user->name)});
+                  .remedy = patient_.root ? std::string() : "pdbedit -x " + platform::shellWord(user->name)});
         }
     }
 }
