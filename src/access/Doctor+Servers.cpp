@@ -85,7 +85,8 @@ void Examiner::examineSettings() {
             continue;
         }
         find({.code = "smb-conf",
-              .text = stringWithFormat(NSLocalizedString("The SMB server complains: %@"), each.text),
+              .text = stringWithFormat(NSLocalizedString("The SMB server complains: %@"),
+                                       NSLocalizedString(each.text)),
               .where = each.line == 0 ? smbConfFile_ : smbConfFile_ + ":" + std::to_string(each.line),
               .remedy = each.line == 0
                             ? NSLocalizedString("Change the SMB server's settings file.")
