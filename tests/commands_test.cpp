@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
+#include <algorithm>
 #include <filesystem>
 #include <map>
 #include <regex>
@@ -129,7 +130,13 @@ TEST_P(CommandsInALanguage, ChangeOnlyWhatDiffersAndNothingTwice) {
         EXPECT_EQ(answer(removal)["changed"], true) << removal;
         EXPECT_EQ(answer(removal)["changed"], false) << removal;
     }
-    EXPECT_EQ(answer("undo")["changed"], true);
+    const json planned = answer("undo --dry-run")["plan"];
+    EXPECT_EQ(planned.front(), "plan undo");
+    const auto runs = std::ranges::count_if(
+        planned, [](const json& line) { return line.get<std::string>().starts_with("would run "); });
+    const json undone = answer("undo");
+    EXPECT_EQ(undone["changed"], true);
+    EXPECT_EQ(undone["runs"], runs) << planned;
     EXPECT_EQ(answer("shares list")["shares"].size(), 1U);
     EXPECT_EQ(answer("history")["history"].front()["outcome"], "done");
     EXPECT_EQ(command("--print groups").output.substr(0, 8), "Group ID");

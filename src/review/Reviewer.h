@@ -5,6 +5,7 @@
 #include "platform/appkit/Interface.h"
 #include "platform/appkit/Presenter.h"
 #include "review/Plan.h"
+#include "review/Undo.h"
 
 #include <functional>
 #include <map>
@@ -45,6 +46,9 @@ class Reviewer {
     /// What answering "Yes" to that question would do.
     [[nodiscard]] Plan planMigration() const;
 
+    /// What carrying out the undo would do. It is not checked for warnings.
+    [[nodiscard]] Plan planUndo(const UndoPlan& undo) const;
+
     /// Why the last attempt to read the directory failed; empty when it succeeded.
     [[nodiscard]] static std::string directoryProblem();
     /// Which program has the directory locked now: "PROGRAM (process ID)"; empty when none is known.
@@ -58,6 +62,8 @@ class Reviewer {
     /// Starts the computer's own SMB server now, or has it started whenever the computer starts. Returns
     /// false when that failed.
     static bool changeServer(ServerChange change);
+    /// The tool run that does it.
+    [[nodiscard]] static PlannedRun serverRun(ServerChange change);
 
     /// Reads smb.conf again and updates the model, rows and fields.
     void reread() const;
