@@ -188,7 +188,8 @@ std::string BRController::bugMessage(FailedStep step) {
 
 void BRController::showSMBConfNotice() {
     // Name the file that the user can open, wherever the host keeps it.
-    const std::string file = platform::Host::current().paths().map(smbConf->Path());
+    const platform::Paths& paths = platform::Host::current().paths();
+    const std::string file = paths.shown(paths.map(smbConf->Path()));
     std::string notice;
     if (!smbConf->unreadableReason().empty()) {
         notice = stringWithFormat(

@@ -1,5 +1,6 @@
 #include "review/HistoryStore.h"
 
+#include "platform/foundation/Host.h"
 #include "platform/foundation/NSBundle.h"
 #include "platform/foundation/NSString.h"
 #include "platform/netinfo/RecordContent.h"
@@ -271,10 +272,14 @@ int removeOldest(sqlite3* database) {
 
 } // namespace
 
+std::string HistoryStore::shownFile() const {
+    return platform::Host::current().paths().shown(file_);
+}
+
 Status HistoryStore::failure(const char* what, int error) const {
     const bool isForeign = (error & 0xff) == SQLITE_NOTADB || (error & 0xff) == SQLITE_CORRUPT;
     return Status::failure(
-        NSLocalizedString(what), file_,
+        NSLocalizedString(what), shownFile(),
         isForeign
             ? NSLocalizedString("it is damaged, or of a later Brindle; move it away to have a new one "
                                 "begun")
@@ -288,7 +293,7 @@ Result<platform::SqliteConnection> HistoryStore::open() const {
     // Private, because it contains settings files, which not everybody may read.
     const FileDescriptor made(::open(file_.c_str(), O_CREAT | O_RDWR | O_CLOEXEC, S_IRUSR | S_IWUSR));
     if (!made.isOpen()) {
-        return Status::ofErrno(NSLocalizedString(cannotOpen), file_, errno);
+        return Status::ofErrno(NSLocalizedString(cannotOpen), shownFile(), errno);
     }
     sqlite3* opened = nullptr;
     int error = sqlite3_open_v2(file_.c_str(), &opened, SQLITE_OPEN_READWRITE | platform::sqliteOwnConnection,
