@@ -191,6 +191,25 @@ TEST_P(OneUndo, IsRefusedWhileTheDirectoryCannotBeRead) {
     std::filesystem::rename(store.string() + ".away", store);
     EXPECT_EQ(undo(), "");
 }
+TEST_P(OneUndo, IsRefusedForAPasswordInsteadOfTakingTheChangeBeforeItBack) {
+    addUser("bob", "501");
+    addStaff();
+    selectRow(*app().userTableView, "User", "bob");
+    act("changePassword:");
+    type("passwordSecureText1", "Wonderland1");
+    type("passwordSecureText2", "Wonderland1");
+    act("setPassword:");
+    host.runs.clear();
+    EXPECT_EQ(undo(),
+              "There is nothing that could be taken back: a password that was replaced is not known any "
+              "more.");
+    EXPECT_EQ(history->titleOfNextUndo(), "");
+    EXPECT_EQ(titles(),
+              (std::vector<std::string>{"2 Password of \"bob\" set done", "1 Group \"crew\" created done"}));
+    EXPECT_TRUE(host.runs.empty());
+    EXPECT_EQ(undo(1), "");
+}
+
 
 TEST_P(OneUndo, ADamagedEntryIsNamedAndHidesNoOther) {
     addStaff();
