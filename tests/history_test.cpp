@@ -133,16 +133,25 @@ TEST_P(HistoryTest, RestoresEverythingThatAnActionHasChanged) {
     }
 }
 
-TEST(HistoryTitle, IsTheFoldersWhereSmbConfOnlyLooksDifferent) {
+TEST(HistoryTitle, NamesTheKeysOrTheFoldersWhereSmbConfOnlyLooksDifferent) {
     const TestHost host;
     review::HistoryEntry entry;
     entry.folders = {{"/srv/team", {}, {}}};
     for (const auto& [after, title] :
          {std::pair("[global]\n\n  workgroup = HOME\n", "Owner or privileges of \"/srv/team\" changed"),
-          {"[global]\nworkgroup = OFFICE\n", "SMB settings changed"}}) {
+          {"[global]\nworkgroup = OFFICE\n", "SMB settings changed: \"workgroup\""},
+          {"[global]\nworkgroup = HOME\nwins support = yes\n[homes]\nread only = no\n",
+           "SMB settings changed: \"wins support\", [homes]"},
+          {"[global]\na = 1\nb = 1\nc = 1\n", "SMB settings changed: \"a\", \"b\", \"c\" and 1 more"}}) {
         entry.files = {{platform::systempath::smbConf, "[global]\nworkgroup = HOME\n", after}};
         EXPECT_EQ(titleOf(entry), title);
     }
+    const auto plist = [](const std::string& keys) {
+        return "<plist version=\"1.0\"><dict>" + keys + "</dict></plist>";
+    };
+    entry.files = {{platform::systempath::appleFileServer, plist("<key>guestAccess</key><true/>"),
+                    plist("<key>guestAccess</key><true/><key>loginGreeting</key><string>Hi</string>")}};
+    EXPECT_EQ(titleOf(entry), "AFP settings changed: \"loginGreeting\"");
 }
 
 class OneUndo : public HistoryTest {
@@ -182,15 +191,6 @@ TEST_P(OneUndo, TakesBackTheNewestChangeEvenIfTheClockWasSetBackBeforeIt) {
                                         "2 Group \"team\" created undone", "1 Group \"crew\" created done"}));
 }
 
-TEST_P(OneUndo, IsRefusedWhileTheDirectoryCannotBeRead) {
-    addStaff();
-    const auto store = host.storeFile();
-    std::filesystem::rename(store, store.string() + ".away");
-    EXPECT_EQ(undo(), "The directory cannot be read now.");
-    EXPECT_TRUE(host.runs.empty());
-    std::filesystem::rename(store.string() + ".away", store);
-    EXPECT_EQ(undo(), "");
-}
 TEST_P(OneUndo, IsRefusedForAPasswordInsteadOfTakingTheChangeBeforeItBack) {
     addUser("bob", "501");
     addStaff();
@@ -210,6 +210,15 @@ TEST_P(OneUndo, IsRefusedForAPasswordInsteadOfTakingTheChangeBeforeItBack) {
     EXPECT_EQ(undo(1), "");
 }
 
+TEST_P(OneUndo, IsRefusedWhileTheDirectoryCannotBeRead) {
+    addStaff();
+    const auto store = host.storeFile();
+    std::filesystem::rename(store, store.string() + ".away");
+    EXPECT_EQ(undo(), "The directory cannot be read now.");
+    EXPECT_TRUE(host.runs.empty());
+    std::filesystem::rename(store.string() + ".away", store);
+    EXPECT_EQ(undo(), "");
+}
 
 TEST_P(OneUndo, ADamagedEntryIsNamedAndHidesNoOther) {
     addStaff();
