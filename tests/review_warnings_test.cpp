@@ -166,6 +166,12 @@ TEST_F(Surprises, ANameInAnotherCaseIsNamed) {
     type("uid", "600");
     EXPECT_EQ(sentence("addNewUser:", "name-case"),
               "The name \"BOB\" differs from the user \"bob\" only in the case of letters.");
+    const review::Plan plan = reviewer->planSend("addNewUser:");
+    ASSERT_EQ(plan.blocks.size(), 1U);
+    EXPECT_EQ(
+        plan.blocks[0].sentence,
+        "\"BOB\" cannot be used: there is a user called bob, and the case of letters does not tell users "
+        "apart; choose another name.");
 }
 
 TEST_F(Surprises, AnAccountThatIsOverwrittenUnselectedAndAnIdThatChangesAreNamed) {
@@ -296,6 +302,7 @@ TEST_F(Surprises, WhatOurToolsWouldCertainlyRefuseIsBlockedBeforeTheFirstRun) {
     newShare("a[b", films);
     expectBlocked("createShare:", "name", "\"a[b\"");
     type("shareName", "printers");
+        EXPECT_EQ(plan.blocks.size(), 1U);
     expectBlocked("createShare:", "name", "\"printers\"");
     type("shareName", "New");
     type("directory", "/ends in\\");
@@ -309,10 +316,10 @@ TEST_F(Surprises, WhatOurToolsWouldCertainlyRefuseIsBlockedBeforeTheFirstRun) {
     expectBlocked("addNewUser:", "name", "\"a,b\"");
     type("shortName", "ab");
     type("fullName", "A\tB");
-    expectBlocked("addNewUser:", "text", "\"A\tB\"");
+    expectBlocked("addNewUser:", "text", "\"A\tB\" cannot be the \"realname\" of \"ab\"");
     type("fullName", "A");
     type("uid", "4294967295");
-    expectBlocked("addNewUser:", "number", "4294967295");
+    expectBlocked("addNewUser:", "number", "\"uid\" 4294967295 of \"ab\"");
     type("groupName", "a:b");
     type("gid", "600");
     expectBlocked("addNewGroup:", "name", "\"a:b\"");

@@ -1,5 +1,7 @@
 #include "directory/AccountRules.h"
 
+#include "directory/DirectoryRules.h"
+#include "platform/foundation/NSString.h"
 #include "platform/netinfo/AccountNumber.h"
 #include "platform/posix/LetterCase.h"
 
@@ -68,8 +70,7 @@ std::string ruleBrokenByNewUser(const Request& request, const std::string& name)
             return ruleBrokenByTakenName(name);
         }
         if (line.name != request.name && platform::lowercased(line.name) == wanted) {
-            return "there is a user called " + line.name +
-                   ", and the case of letters does not tell users apart; choose another name";
+            return stringWithFormat(ruleOfOtherUser, line.name);
         }
     }
     return {};

@@ -55,10 +55,14 @@ platform::Status workOut(const platform::Interface& main, const std::shared_ptr<
     copy->settle();
     compare(*copy, plan);
     plan->afpSettings = settingChanges(afpBefore, bytesOf(copy->settingsFile(appleFileServer)));
-    plan->blocks = blocksOf(*plan, now, std::move(accountsBefore));
-    if (plan->blocks.empty() && depth == PlanDepth::Warnings) {
+    plan->blocks = blocksOf(*plan, now, DirectoryView(directoryBefore), std::move(accountsBefore));
+    if (depth == PlanDepth::Warnings) {
         plan->warnings = warningsOf({*plan, now, (*rehearsal)->controller(), DirectoryView(directoryBefore),
                                      DirectoryView(copy->storeFile())});
+    }
+    if (!plan->blocks.empty()) {
+        // What does not happen surprises nobody, but a name that is nearly another one's is so in any case.
+        std::erase_if(plan->warnings, [](const Remark& warning) { return warning.code != "name-case"; });
     }
     return {};
 }
