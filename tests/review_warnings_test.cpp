@@ -225,6 +225,14 @@ TEST_F(Surprises, ASettingThatChangesUntouchedIsNamed) {
               "\"local master\" in the section [global] of smb.conf changes from \"Yes\" to \"no\", although "
               "nobody "
               "touched its control.");
+    writeConf(plainConf() + "[homes]\nwritable = yes\n");
+    reviewer->reread();
+    EXPECT_EQ(
+        sentence("updateSMBProperties:", "untouched-setting"),
+        "\"writable = yes\" in the section [homes] of smb.conf gives way to \"read only = yes\", although "
+        "nobody touched its control.");
+    writeConf(conf);
+    reviewer->reread();
     selectShare("Docs");
     EXPECT_NE(sentence("createShare:", "untouched-setting").find("\"guest ok\""), std::string::npos);
     nicl({"-create", "/config/Brindle/Films", "afp_use_parent_privs", "1"});
@@ -294,6 +302,7 @@ TEST_F(Surprises, WhatOurToolsWouldCertainlyRefuseIsBlockedBeforeTheFirstRun) {
         EXPECT_EQ(plan.blocks.front().code, code);
         EXPECT_NE(plan.blocks.front().sentence.find(named), std::string::npos)
             << plan.blocks.front().sentence;
+        EXPECT_EQ(plan.blocks.size(), 1U);
         EXPECT_TRUE(plan.warnings.empty());
         host.answerAlert("Not Possible", "OK");
         send(operation);
@@ -302,7 +311,6 @@ TEST_F(Surprises, WhatOurToolsWouldCertainlyRefuseIsBlockedBeforeTheFirstRun) {
     newShare("a[b", films);
     expectBlocked("createShare:", "name", "\"a[b\"");
     type("shareName", "printers");
-        EXPECT_EQ(plan.blocks.size(), 1U);
     expectBlocked("createShare:", "name", "\"printers\"");
     type("shareName", "New");
     type("directory", "/ends in\\");

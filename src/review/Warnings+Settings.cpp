@@ -37,9 +37,13 @@ std::vector<SMBSetting> homesSettings(const BROutlets& page) {
             {"read only", page.smbHomeDirsReadOnly, "yes"}};
 }
 
+ServerSetting settingOf(const SMBShare* section, std::string_view key) {
+    return section != nullptr ? serverSetting(*section, key) : ServerSetting();
+}
+
 /// How the server interprets a setting, so that different spellings of the same meaning are equal.
 std::string meaningOf(const SMBShare* section, const SMBSetting& setting) {
-    const ServerSetting read = section != nullptr ? serverSetting(*section, setting.key) : ServerSetting();
+    const ServerSetting read = settingOf(section, setting.key);
     std::string written = read.pair != nullptr ? read.pair->Value.str() : std::string(setting.standard);
     if (const auto flag = serverBool(written)) {
         return *flag != read.inverted ? "yes" : "no";
@@ -47,23 +51,14 @@ std::string meaningOf(const SMBShare* section, const SMBSetting& setting) {
     return written;
 }
 
-std::string writtenValue(const SMBShare* section, std::string_view key) {
-    const ServerSetting read = section != nullptr ? serverSetting(*section, key) : ServerSetting();
-    return read.pair != nullptr ? read.pair->Value.str() : std::string();
-}
-
 void addSection(const std::vector<SMBSetting>& settings, const SMBShare* before, const SMBShare& after,
                 std::vector<Remark>* warnings) {
     for (const SMBSetting& setting : settings) {
         const bool isUntouched = setting.control == nullptr || !setting.control->isEdited();
         if (isUntouched && !isEqualIgnoringCase(meaningOf(before, setting), meaningOf(&after, setting))) {
-            warnings->push_back(
-                {"untouched-setting",
-                 stringWithFormat(
-                     NSLocalizedString("\"%@\" in the section [%@] of smb.conf changes from \"%@\" to "
-                                       "\"%@\", although nobody touched its control."),
-                     std::string(setting.key), after.ShareName(), writtenValue(before, setting.key),
-                     writtenValue(&after, setting.key))});
+            warnings->push_back(untouchedSetting(after.ShareName(), setting.key,
+                                                 settingOf(before, setting.key),
+                                                 settingOf(&after, setting.key)));
         }
     }
 }
@@ -141,7 +136,33 @@ void addAFPPage(const Situation& situation, std::vector<Remark>* warnings) {
     }
 }
 
+std::string lineOf(const SMBPair& pair) {
+    return pair.Name.str() + " = " + pair.Value.str();
+}
+
+std::string valueOf(const ServerSetting& setting) {
+    return setting.pair != nullptr ? setting.pair->Value.str() : std::string();
+}
+
 } // namespace
+
+Remark untouchedSetting(const std::string& section, std::string_view key, const ServerSetting& before,
+                        const ServerSetting& after) {
+    if (before.pair != nullptr && after.pair != nullptr &&
+        foldedSettingName(before.pair->Name) != foldedSettingName(after.pair->Name)) {
+        return {"untouched-setting",
+                stringWithFormat(NSLocalizedString("\"%@\" in the section [%@] of smb.conf gives way to "
+                                                   "\"%@\", although nobody touched its control."),
+                                 lineOf(*before.pair), section, lineOf(*after.pair))};
+    }
+    const SMBPair* written = before.pair != nullptr ? before.pair : after.pair;
+    return {
+        "untouched-setting",
+        stringWithFormat(NSLocalizedString("\"%@\" in the section [%@] of smb.conf changes from \"%@\" to "
+                                           "\"%@\", although nobody touched its control."),
+                         written != nullptr ? written->Name.str() : std::string(key), section,
+                         valueOf(before), valueOf(after))};
+}
 
 void addSettingWarnings(const Situation& situation, std::vector<Remark>* warnings) {
     if (situation.is("updateSMBProperties:")) {
