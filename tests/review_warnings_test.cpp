@@ -209,6 +209,22 @@ TEST_F(Surprises, AMissingGroupIdReadsAsZeroAndIsNamed) {
     }
 }
 
+TEST_F(Surprises, AnUpdateThatTakesBackWhatAButtonDidToThePublicFolderIsNamed) {
+    begin();
+    for (const auto& [operation, end] : {std::pair("enableSelectedPublicShare:", "no longer be shared"),
+                                         {"disableSelectedPublicShare:", "be shared"}}) {
+        app().userTableView->deselectAll();
+        selectRow(*app().userTableView, "User", "bob");
+        type("fullName", "Bob");
+        send(operation);
+        EXPECT_EQ(sentence("addNewUser:", "untouched-setting"),
+                  "The Public folder of the user \"bob\" will " + std::string(end) +
+                      ", although nobody touched that menu.");
+    }
+    choose("publicSharedPopUp", 0);
+    EXPECT_EQ(warningsOf("addNewUser:"), "");
+}
+
 TEST_F(Surprises, ASettingThatChangesUntouchedIsNamed) {
     std::string conf = plainConf();
     conf.replace(conf.find("local master = yes"), 18, "local master = Yes");

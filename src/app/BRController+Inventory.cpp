@@ -167,7 +167,7 @@ void BRController::refreshNormalList(NSControl* /*sender*/) {
 
 void BRController::refreshPublicList(NSControl* /*sender*/) {
     parseUserShares();
-    reloadUserTable();
+    userTableView->reloadData();
 }
 
 const NormalShare* BRController::shareAtRow(int row) const {

@@ -222,19 +222,12 @@ class BRController : public BROutlets,
     /// Makes the change for every selected candidate and the selected group.
     void changeMembership(MembershipChange change);
     void beginPasswordSheet();
-    /// Reloads a table. When the selected row is gone, shows the editor as if none were selected: the table
-    /// sends no notification for that, and the buttons would act on an account that no longer exists.
-    void reloadUserTable();
-    void reloadGroupTable();
 
     // Public folders.
     void changeSelectedPublicShare(bool enable);
     void changePublicSharesAbove(std::int64_t highestIdLeftOut, bool enable);
-    /// Makes the AFP server see a change, and reads the users again. Updates the editor's menu too, or the
-    /// next update would write its old choice back.
+    /// Makes the AFP server see a change, and reads the users again.
     void showChangedPublicShares();
-    /// Selects in the editor's menu what the user's row says; "not shared" without a row.
-    void showPublicShared(const BRRow* row);
 
     // SMB settings.
     /// Calls refreshSMBProperties, guarded. The notice says so when it stopped part way.
