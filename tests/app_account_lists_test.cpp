@@ -221,6 +221,12 @@ TEST_F(AccountsTest, PublicFoldersAreSharedByIdAndTheServerToldOnce) {
     send("enableAllPublicShares:");
     EXPECT_EQ(takeRuns(), (Texts{run("bob", "Public"), run("adam", "Public"), "/bin/kill -1 210"}));
     EXPECT_EQ(columnOf("userTableView", "Public Shared"), (Texts{"NO", "NO", "YES"})) << "as stored";
+    host.rightHeld = host.administratorAllows = false;
+    nicl({"-create", "/users/bob", "sharedDir", "Public"}); // by somebody else
+    host.events.clear();
+    send("disableAllPublicShares:");
+    EXPECT_EQ(host.events, Texts(4, "administrator refuse")) << "for each of three users, and the server";
+    EXPECT_EQ(columnOf("userTableView", "Public Shared"), (Texts{"NO", "YES", "YES"}));
 }
 
 } // namespace

@@ -7,8 +7,9 @@
 
 namespace {
 
-/// Returns the row of the share with the same name and folder, otherwise of one with the same name; -1 without
-/// either. Two rows have one name when a share's folder was changed and its section still has the old one.
+/// Returns the row of the share with the same name and folder, otherwise of one with the same name; -1
+/// without either. Two rows have one name when a share's folder was changed and its section still has the
+/// old one.
 int rowLike(const NormalShare& share, const std::vector<NormalShare>& shares) {
     auto found = std::ranges::find_if(shares, [&share](const NormalShare& each) {
         return each.ShareName() == share.ShareName() && each.DirectoryPath() == share.DirectoryPath();
