@@ -59,7 +59,7 @@ class NiutilTask {
     /// changed: for work that asks for the same report more than once. The task must outlive it.
     class ReportsKept {
       public:
-        explicit ReportsKept(NiutilTask& task) : task_(task) { ++task_.keepsReports_; }
+        explicit ReportsKept(NiutilTask& task) : task_(task) { ++task_.keepers_; }
 
         ~ReportsKept();
         ReportsKept(const ReportsKept&) = delete;
@@ -142,7 +142,7 @@ class NiutilTask {
     Report report(const std::string& path, std::span<const std::string> properties, KeptReport& kept);
 
     AuthorizationRef authorizationRef = nullptr;
-    int keepsReports_ = 0; ///< how many ReportsKept there are
+    int keepers_ = 0; ///< how many ReportsKept exist
     KeptReport shares_;
     KeptReport users_;
     KeptReport groups_;
