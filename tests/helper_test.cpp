@@ -1,3 +1,4 @@
+#include "platform/security/HelperProtocol.h"
 #include "support/HelperFixture.h"
 
 namespace {
@@ -219,26 +220,32 @@ TEST_F(HelperTest, StartsNothingForARequestThatItRefuses) {
     using Words = std::vector<std::string>;
     const Words root = {"--root", root_.folder()};
     const std::string good("/usr/bin/nicl\0.\0-create\0/users/eve\0", 35);
-    const std::vector<std::tuple<Words, std::string, Words>> cases = {
-        {root, std::string("/bin/sh\0-c\0true\0", 16), {}},
-        {root, good.substr(0, good.size() - 1), {}}, // its last word has no end
-        {root, "", {}},
-        {root, good + std::string(1024 * 1024, 'x') + '\0', {}},
-        {root, good, {"SUDO_UID=1000"}}, // through sudo, a root could be anywhere
-        {Words{}, good, {}},
-        // A folder of another user, or one that a link may redirect.
-        {Words{"--system", "--root", root_.folder()}, good, {"SUDO_UID=1000"}},
-        {Words{"--system", "--root", "usr/share"}, good, {"SUDO_UID=1000"}},
+    const auto framed = [](const std::string& request) {
+        return platform::frameHeader(request.size()) + request;
     };
-    for (const auto& [options, request, environment] : cases) {
+    const std::string whole = framed(good);
+    const std::vector<std::tuple<Words, std::string, Words, std::string>> cases = {
+        {root, framed(std::string("/bin/sh\0-c\0true\0", 16)), {}, "\x15"},
+        {root, framed(good.substr(0, good.size() - 1)), {}, "\x15"}, // its last word has no end
+        {root, whole.substr(0, whole.size() - 1), {}, ""},
+        {root, framed(good + std::string(1024 * 1024, 'x') + '\0'), {}, ""},
+        {root, whole, {"SUDO_UID=1000"}, ""}, // through sudo, a root could be anywhere
+        {Words{}, whole, {}, ""},
+        // A folder of another user, or one that a link may redirect.
+        {Words{"--system", "--root", root_.folder()}, whole, {"SUDO_UID=1000"}, ""},
+        {Words{"--system", "--root", "usr/share"}, whole, {"SUDO_UID=1000"}, ""},
+    };
+    for (const auto& [options, input, environment, answer] : cases) {
         Words command = {helperProgram};
         command.insert(command.end(), options.begin(), options.end());
-        const Finished finished = runProgram(command, request, environment);
-        EXPECT_EQ(finished.output, "");
+        const Finished finished = runProgram(command, input, environment);
+        EXPECT_EQ(finished.output, answer);
         EXPECT_NE(finished.errors, "") << "it says why";
-        EXPECT_GT(finished.status, 1) << "sudo refuses with 1";
+        EXPECT_NE(finished.status, 1) << "sudo refuses with 1";
+        EXPECT_EQ(finished.status == 0, !answer.empty());
     }
-    EXPECT_EQ(runProgram({helperProgram, "--root", root_.folder()}, good).output, "\x06");
+    EXPECT_EQ(runProgram({helperProgram, "--root", root_.folder()}, whole).output,
+              std::string("\x06\0\0\0\0\0", 6));
 }
 
 TEST_F(HelperTest, ActsAsRootThroughTheRealSudoOnceThePasswordIsRight) {

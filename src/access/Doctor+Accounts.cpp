@@ -51,7 +51,7 @@ std::vector<std::string> storedNames(const std::string& file, const char* path) 
         return names;
     }
     for (const std::uint32_t child : children.niil_val) {
-        id = {child, 0};
+        id = {child};
         ni_namelist values;
         if (ni_lookupprop(domain.get(), &id, "name", &values) == NI_OK && !values.ninl_val.empty()) {
             names.emplace_back(values.ninl_val.front());

@@ -103,7 +103,7 @@ const std::map<std::string, ServerAccounts::Group>& ServerAccounts::groups() {
         return *groups_;
     }
     for (const std::uint32_t child : children.niil_val) {
-        place.id = {child, 0};
+        place.id = {child};
         const auto name = place.value("name");
         const auto gid = place.number("gid");
         if (!name || !gid) {

@@ -80,8 +80,8 @@ std::string valueOf(const std::string* text) {
 void BRController::parseCurrentShares() {
     currentShares_.clear();
     const NiutilTask::Report lines = NiutilTask::sharedInstance().currentShares();
-    currentShares_.reserve(lines->size() +
-                           smbConf->Entries().size()); // rows are large: reserve so that none is moved
+    // Rows are large and joinSMBSections keeps views of their strings, so none may be moved.
+    currentShares_.reserve(lines->size() + smbConf->Entries().size());
     for (const std::string& line : *lines) {
         currentShares_.push_back(shareFromRecord(ShareRecord(line)));
     }
@@ -91,10 +91,8 @@ void BRController::parseCurrentShares() {
 void BRController::joinSMBSections() {
     // The first row of each folder, including rows that sections add. The keys are views of the rows'
     // strings.
-    const std::size_t rows = currentShares_.size() + smbConf->Entries().size();
-    currentShares_.reserve(rows);
     std::unordered_map<std::string_view, std::size_t> rowOfFolder;
-    rowOfFolder.reserve(rows);
+    rowOfFolder.reserve(currentShares_.capacity());
     for (std::size_t row = 0; row < currentShares_.size(); ++row) {
         rowOfFolder.emplace(currentShares_[row].DirectoryPath(), row);
     }
@@ -167,7 +165,7 @@ void BRController::refreshNormalList(NSControl* /*sender*/) {
 
 void BRController::refreshPublicList(NSControl* /*sender*/) {
     parseUserShares();
-    reloadUserTable();
+    userTableView->reloadData();
 }
 
 const NormalShare* BRController::shareAtRow(int row) const {

@@ -63,7 +63,7 @@ bool appendLines(ni_domain* domain, ni_id id, std::span<const std::string> prope
     bool isRead = succeeded("ni_children", ni_children(domain, &id, &children));
     output.reserve(output.size() + children.niil_val.size()); // so that a long list is not moved as it grows
     for (const std::uint32_t child : children.niil_val) {
-        isRead = appendLine(domain, {child, 0}, properties, output) && isRead;
+        isRead = appendLine(domain, {child}, properties, output) && isRead;
     }
     ni_idlist_free(&children);
     return isRead;

@@ -129,6 +129,14 @@ Plan Reviewer::planUndo(const UndoPlan& undo) const {
     return planOf(main_, "undo", action, PlanDepth::Blocks);
 }
 
+bool Reviewer::mayMigrate() const {
+    const Plan plan = planMigration();
+    if (!plan.blocks.empty()) {
+        showBlocked_(plan);
+    }
+    return plan.blocks.empty();
+}
+
 std::string Reviewer::directoryProblem() {
     return platform::directoryProblem();
 }

@@ -45,6 +45,9 @@ class Reviewer {
     [[nodiscard]] static bool isMigrationQuestion(const platform::Alert& alert);
     /// What answering "Yes" to that question would do.
     [[nodiscard]] Plan planMigration() const;
+    /// Whether nothing blocks that. Otherwise shows what does: "Yes" would delete records that our tools are
+    /// bound to refuse to make again.
+    [[nodiscard]] bool mayMigrate() const;
 
     /// What carrying out the undo would do. It is not checked for warnings.
     [[nodiscard]] Plan planUndo(const UndoPlan& undo) const;

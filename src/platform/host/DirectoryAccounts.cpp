@@ -95,7 +95,7 @@ std::optional<std::string> DirectoryAccounts::nameOf(const char* path, std::stri
     }
     std::optional<std::string> name;
     if (!found.niil_val.empty()) {
-        name = firstValue(domain.get(), {found.niil_val.front(), 0}, "name");
+        name = firstValue(domain.get(), {found.niil_val.front()}, "name");
         if (!name) {
             return name; // it could not be read, or has none: not worth remembering
         }

@@ -139,7 +139,7 @@ ni_status ni_pathsearch(ni_domain* domain, ni_id* id, const char* path) {
         }
         place = child.number(0);
     }
-    *id = {static_cast<std::uint32_t>(place), 0};
+    *id = {static_cast<std::uint32_t>(place)};
     return NI_OK;
 }
 

@@ -30,10 +30,9 @@ inline constexpr ni_status NI_CANTOPEN =
     1006;                                    ///< there is no store, it is not a store, or it may not be read
 inline constexpr ni_status NI_FAILED = 9999; ///< the call makes no sense
 
-/// A record's object number, and the instance that the client last saw.
+/// A record's object number.
 struct ni_id {
     std::uint32_t nii_object = 0;
-    std::uint32_t nii_instance = 0;
 };
 
 struct ni_idlist {

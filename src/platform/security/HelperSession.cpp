@@ -172,7 +172,7 @@ Result<std::optional<HelperSession::Answer>> HelperSession::ask(std::string_view
             return status;
         }
     }
-    const HelperStart start = handOver(*helper_, frame, HelperInput::StaysOpen, patience_);
+    const HelperStart start = handOver(*helper_, frame, patience_);
     answerBy_ = std::chrono::steady_clock::now() + answerLimit_;
     if (start == HelperStart::Refused) {
         return std::optional<Answer>();
