@@ -4,6 +4,9 @@
 #include "platform/foundation/NSBundle.h"
 #include "privileged/NiutilTask.h"
 
+#include <array>
+#include <initializer_list>
+#include <string>
 #include <string_view>
 #include <unordered_map>
 #include <utility>
@@ -75,6 +78,10 @@ std::string valueOf(const std::string* text) {
     return text != nullptr ? *text : std::string();
 }
 
+constexpr std::array<std::string_view, BRRow::mostColumns> userColumns = {"User", "Public Shared", "UID",
+                                                                          "Full Name", "GID"};
+constexpr std::array<std::string_view, 3> groupColumns = {"GID", "Group", "Users in Group"};
+
 } // namespace
 
 void BRController::parseCurrentShares() {
@@ -123,14 +130,13 @@ void BRController::parseUserShares() {
     const std::string yes = NSLocalizedString("YES");
     const std::string no = NSLocalizedString("NO");
     const NiutilTask::Report users = NiutilTask::sharedInstance().currentUsers();
+    userShares.reserve(users->size());
     for (const std::string& line : *users) {
-        const UserRecord user(line);
+        const UserLine user(line);
         if (!user.isSystem()) {
-            userShares.push_back({{"User", user.name},
-                                  {"Public Shared", user.sharesPublicFolder ? yes : no},
-                                  {"UID", user.uid},
-                                  {"Full Name", user.fullName},
-                                  {"GID", user.gid}});
+            userShares.emplace_back(userColumns, std::initializer_list<std::string_view>{
+                                                     user.name, user.sharesPublicFolder ? yes : no, user.uid,
+                                                     user.fullName, user.gid});
         }
     }
 }
@@ -141,8 +147,7 @@ void BRController::parseGroupShares() {
     for (const std::string& line : *groups) {
         const GroupRecord record(line);
         if (isListed(showSystemUsersGroups3->state(), record.isSystem())) {
-            groupShares.push_back(
-                {{"GID", record.gid}, {"Group", record.name}, {"Users in Group", record.memberField}});
+            groupShares.push_back({groupColumns, {record.gid, record.name, record.memberField}});
         }
     }
 }
@@ -151,9 +156,9 @@ void BRController::parseGroupUserShares() {
     groupUserShares.clear();
     const NiutilTask::Report users = NiutilTask::sharedInstance().currentUsers();
     for (const std::string& line : *users) {
-        UserRecord user(line);
+        const UserLine user(line);
         if (isListed(showSystemUsersGroups3->state(), user.isSystem())) {
-            groupUserShares.push_back(std::move(user.name));
+            groupUserShares.emplace_back(user.name);
         }
     }
 }
@@ -200,10 +205,10 @@ std::string BRController::tableViewObjectValueForTableColumn(NSTableView* table,
         return valueOf(currentShares_[index].valueForKey(column.identifier));
     }
     if (table == userTableView) {
-        return valueOf(userShares[index].valueForKey(column.identifier));
+        return std::string(userShares[index].valueForKey(column.identifier).value_or(""));
     }
     if (table == groupTableView) {
-        return valueOf(groupShares[index].valueForKey(column.identifier));
+        return std::string(groupShares[index].valueForKey(column.identifier).value_or(""));
     }
     return groupUserShares[index];
 }

@@ -59,7 +59,7 @@ void NiutilTask::deleteAllShares() {
     }
     const Report shares = currentShares();
     for (const std::string& line : std::views::reverse(*shares)) {
-        const std::string name(piecesOfReportLine(line).front());
+        const std::string name(ReportPieces(line).at(0));
         const RunResult result =
             runTool(systempath::nicl, std::vector<std::string>{".", "-delete", sharePath(name)});
         if (result.output != "") {
