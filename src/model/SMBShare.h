@@ -173,10 +173,10 @@ class SMBShare {
 
   private:
     std::int32_t _type = SMBComment;
+    bool isUnnamed_ = false; // beside the type, where it takes no room of its own
     std::string _sharename;
     SMBPairs _props;
     std::string _text;
-    bool isUnnamed_ = false;
 };
 
 /// The entries of a file, in order. They keep their addresses as long as they are in the list.
