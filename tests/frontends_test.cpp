@@ -3,7 +3,6 @@
 #include "frontends/OneWindow.h"
 #include "frontends/Options.h"
 #include "frontends/TableText.h"
-#include "platform/appkit/SilentPresenter.h"
 #include "platform/foundation/NSFileManager.h"
 #include "platform/posix/InputOutput.h"
 #include "support/AppFixture.h"
@@ -87,16 +86,6 @@ TEST(Options, ThatAreWrongAreNamed) {
             EXPECT_NE(end->text.find(word), std::string::npos) << end->text;
         }
     }
-}
-
-TEST(SilentPresenter, PressesTheButtonThatChangesNothing) {
-    platform::SilentPresenter presenter;
-    EXPECT_EQ(presenter.runAlert({"Update?", "", "Yes", "No", std::nullopt}),
-              platform::AlertAnswer::Alternate);
-    EXPECT_EQ(presenter.runAlert({"Failed", "", "OK", std::nullopt, std::nullopt}),
-              platform::AlertAnswer::Default);
-    EXPECT_FALSE(presenter.runOpenPanel({}));
-    EXPECT_FALSE(presenter.runAdministratorDialog({}));
 }
 
 /// The program on a new root, started as people start it.
@@ -203,6 +192,18 @@ TEST_F(Program, PrintsWithoutCountingALaunchOrChangingWhatAnAlertAsksAbout) {
                   .status,
               1)
         << "it would work on an outdated list";
+}
+
+TEST_F(Program, MakesNoMigrationThatWouldLoseARecord) {
+    ASSERT_EQ(run({"--print", "users"}).status, 0); // creates the root
+    platform::Store store((test_.root() / "computer/directory.db").string());
+    const auto shares = store.child(*store.child(platform::Store::root, "config"), "Brindle");
+    store.addRecord(*shares, "Printers"); // nicl would refuse the name
+    ASSERT_TRUE(store.commit().isOk());
+    const std::string output = script("answer Donation Cancel\nanswer Yes\nstart\nshow normalTableView\n");
+    EXPECT_NE(output.find("-> \"Yes\"\nalert \"Not Possible\" "), std::string::npos) << output;
+    EXPECT_EQ(output.find("run "), std::string::npos) << output;
+    EXPECT_NE(output.find("normalTableView 1 rows"), std::string::npos) << output;
 }
 
 TEST_F(Program, AsksForConsentOnceAndForgetsItAtItsEnd) {

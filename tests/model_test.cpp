@@ -326,3 +326,31 @@ TEST(NormalShareTest, ShowsTheFoldersPrivilegesAsText) {
     EXPECT_EQ(share.valueForKey("owner"), nullptr);
     EXPECT_EQ(NormalShare::permissionsToString(4) + NormalShare::permissionsToString(-1), "");
 }
+
+TEST(Descriptions, NameEachFieldAndParameter) {
+    const TestHost host;
+    NormalShare share;
+    share.setShareName("name");
+    share.setAFPShared("shared");
+    share.setAFPName("afp");
+    share.setDirectoryPath("/path");
+    share.setOwner("owner");
+    share.setGroup("group");
+    share.setEveryone("everyone");
+    share.setAFS("afs");
+    share.setSMB("smb");
+    share.setInherit("inherit");
+    share.setInheritOwner("inherit owner");
+    share.setSMBGuestAccess("guests");
+    EXPECT_EQ(share.description(), "Share Name: name\nAFP Shared: shared   AFP Name: afp\n"
+                                   "Directory Path: /path\nOwner: owner   Group: group   Everyone: everyone\n"
+                                   "AFS: afs   SMB: smb\n"
+                                   "Inherit: inherit   Inherit Owner: inherit owner   "
+                                   "SMB Guest Access: guests\n");
+    EXPECT_EQ(
+        SMBConf::ofText("[a]\nx = 1\n# t\n")->description(),
+        "Path: \n(\nShare Name: a   Type: SMBGroup\n(\n    {Name = x; Value = 1;}\n)\nText: # t\n\n)\n");
+    SMBShare other;
+    other.setType(7);
+    EXPECT_EQ(other.smbTypeToText(), "Error");
+}

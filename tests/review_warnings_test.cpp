@@ -209,6 +209,22 @@ TEST_F(Surprises, AMissingGroupIdReadsAsZeroAndIsNamed) {
     }
 }
 
+TEST_F(Surprises, AnUpdateThatTakesBackWhatAButtonDidToThePublicFolderIsNamed) {
+    begin();
+    for (const auto& [operation, end] : {std::pair("enableSelectedPublicShare:", "no longer be shared"),
+                                         {"disableSelectedPublicShare:", "be shared"}}) {
+        app().userTableView->deselectAll();
+        selectRow(*app().userTableView, "User", "bob");
+        type("fullName", "Bob");
+        send(operation);
+        EXPECT_EQ(sentence("addNewUser:", "untouched-setting"),
+                  "The Public folder of the user \"bob\" will " + std::string(end) +
+                      ", although nobody touched that menu.");
+    }
+    choose("publicSharedPopUp", 0);
+    EXPECT_EQ(warningsOf("addNewUser:"), "");
+}
+
 TEST_F(Surprises, ASettingThatChangesUntouchedIsNamed) {
     std::string conf = plainConf();
     conf.replace(conf.find("local master = yes"), 18, "local master = Yes");
@@ -250,7 +266,7 @@ TEST_F(Surprises, GuestsWhoMayWriteAndManyAccountsAreReported) {
 
 TEST_F(Surprises, SettingsThatTheServerReadsDifferentlyAreNamed) {
     writeConf(plainConf("Workgroup = OTHER\n", "Public = yes\n") +
-              "[GLOBALS]\nserver string = x\n[Home s]\n");
+              "[GLOBALS]\nserver string = x\n[HOMES]\n[Home s]\n");
     begin();
     EXPECT_NE(sentence("updateSMBProperties:", "server-reads-otherwise").find("\"Workgroup = OTHER\""),
               std::string::npos);
@@ -263,7 +279,8 @@ TEST_F(Surprises, SettingsThatTheServerReadsDifferentlyAreNamed) {
             all, [&](const auto& each) { return each.second.find(words) != std::string::npos; });
     };
     EXPECT_TRUE(tells("[GLOBALS]"));
-    EXPECT_TRUE(tells("[Home s]"));
+    EXPECT_TRUE(tells("[HOMES]"));
+    EXPECT_FALSE(tells("[Home s]")) << "a share like any other to the server";
     EXPECT_EQ(all.count("Docs"), 1U);
     EXPECT_EQ(all.count("Films"), 0U);
 }

@@ -42,22 +42,17 @@ std::string joined(const std::vector<std::string>& names) {
 /// The names of the records that the store itself has at `path`.
 std::vector<std::string> storedNames(const std::string& file, const char* path) {
     std::vector<std::string> names;
-    ni_domain* opened = nullptr;
+    platform::OwnedDomain domain;
     ni_id id;
     ni_idlist children;
-    if (ni_openfile(file, &opened) != NI_OK) {
-        return names;
-    }
-    const platform::OwnedDomain domain(opened);
-    ni_setabort(opened, 1);
-    if (ni_root(opened, &id) != NI_OK || ni_pathsearch(opened, &id, path) != NI_OK ||
-        ni_children(opened, &id, &children) != NI_OK) {
+    if (platform::openRecord(file, path, &domain, &id) != NI_OK ||
+        ni_children(domain.get(), &id, &children) != NI_OK) {
         return names;
     }
     for (const std::uint32_t child : children.niil_val) {
-        id = {child, 0};
+        id = {child};
         ni_namelist values;
-        if (ni_lookupprop(opened, &id, "name", &values) == NI_OK && !values.ninl_val.empty()) {
+        if (ni_lookupprop(domain.get(), &id, "name", &values) == NI_OK && !values.ninl_val.empty()) {
             names.emplace_back(values.ninl_val.front());
         }
     }

@@ -16,8 +16,6 @@ namespace accesscheck {
 
 namespace {
 
-constexpr int directorySeconds = 30;
-
 /// The record at `path`, with the connection that it belongs to. Without a record there is no connection.
 struct Record {
     platform::OwnedDomain domain;
@@ -38,14 +36,8 @@ struct Record {
 };
 
 Record recordAt(const std::string& path) {
-    ni_domain* opened = nullptr;
-    if (ni_open(nullptr, ".", &opened) != NI_OK) {
-        return {};
-    }
-    Record record{platform::OwnedDomain(opened), {}};
-    ni_setabort(opened, 1);
-    ni_setreadtimeout(opened, directorySeconds);
-    if (ni_root(opened, &record.id) != NI_OK || ni_pathsearch(opened, &record.id, path.c_str()) != NI_OK) {
+    Record record;
+    if (platform::openLocalRecord(path, &record.domain, &record.id) != NI_OK) {
         record.domain.reset();
     }
     return record;
@@ -98,7 +90,7 @@ const std::map<std::string, ServerAccounts::Group>& ServerAccounts::groups() {
         return *groups_;
     }
     for (const std::uint32_t child : children.niil_val) {
-        place.id = {child, 0};
+        place.id = {child};
         const auto name = place.value("name");
         const auto gid = place.number("gid");
         if (!name || !gid) {

@@ -90,7 +90,6 @@ constexpr std::array<std::string_view, 3> groupColumns = {"GID", "Group", "Users
 /// computer may have a hundred thousand shares.
 class FirstRows {
   public:
-    /// `rows` must have room for all rows that will be added.
     explicit FirstRows(const std::vector<NormalShare>& rows)
         : set_(rows.capacity(), Hash{&rows}, Equal{&rows}, &memory_) {}
 
@@ -139,8 +138,8 @@ class FirstRows {
 void BRController::parseCurrentShares() {
     currentShares_.clear();
     const NiutilTask::Report lines = NiutilTask::sharedInstance().currentShares();
-    currentShares_.reserve(lines->size() +
-                           smbConf->Entries().size()); // rows are large: reserve so that none is moved
+    // Rows are large and joinSMBSections keeps views of their strings, so none may be moved.
+    currentShares_.reserve(lines->size() + smbConf->Entries().size());
     for (const std::string& line : *lines) {
         currentShares_.push_back(shareFromRecord(ShareRecord(line)));
     }
@@ -148,7 +147,6 @@ void BRController::parseCurrentShares() {
 }
 
 void BRController::joinSMBSections() {
-    currentShares_.reserve(currentShares_.size() + smbConf->Entries().size());
     FirstRows firstRows(currentShares_);
     for (std::uint32_t row = 0; row < currentShares_.size(); ++row) {
         firstRows.add(row);
@@ -220,7 +218,7 @@ void BRController::refreshNormalList(NSControl* /*sender*/) {
 
 void BRController::refreshPublicList(NSControl* /*sender*/) {
     parseUserShares();
-    reloadUserTable();
+    userTableView->reloadData();
 }
 
 const NormalShare* BRController::shareAtRow(int row) const {

@@ -14,8 +14,6 @@ using platform::UserLine;
 
 namespace {
 
-constexpr unsigned nobody = 65534; // also the number of its group
-
 /// A change and what the rules need to know about it. Each rule returns an empty string when it is kept,
 /// otherwise what is wrong and what to do.
 struct Request {
@@ -52,7 +50,7 @@ std::string ruleBrokenByTakenName(const std::string& name) {
 
 std::string ruleBrokenByUserOfSystem(const UserLine& line, bool isOurs,
                                      const platform::AccountLimits& limits) {
-    if (line.uid == 0 || line.uid == nobody) {
+    if (line.uid == 0 || line.uid == platform::nobodyNumber) {
         return line.name + " is an account that the system itself needs; it stays as it is";
     }
     return line.uid < limits.lowestUser && !isOurs
@@ -156,7 +154,7 @@ std::string whyAdministratorsStay(const ComputerAccounts& accounts) {
 
 std::string ruleBrokenByGroupOfSystem(const Request& request, const GroupLine& line) {
     const unsigned lowest = request.accounts.limits.lowestGroup;
-    if (line.gid == 0 || line.gid == nobody || (line.gid < lowest && !request.isOurs)) {
+    if (line.gid == 0 || line.gid == platform::nobodyNumber || (line.gid < lowest && !request.isOurs)) {
         return line.name + " is a group of the system: other groups have numbers from " +
                std::to_string(lowest) + " on; change it with the system's own tools";
     }

@@ -79,8 +79,7 @@ const std::string* NormalShare::valueForKey(std::string_view getterName) const {
         {"SMB", &NormalShare::SMB},
         {"SMBGuestAccess", &NormalShare::SMBGuestAccess},
     }};
-    const auto* const key = std::find_if(keys.begin(), keys.end(),
-                                         [&](const Key& candidate) { return candidate.name == getterName; });
+    const auto* const key = std::ranges::find(keys, getterName, &Key::name);
     return key == keys.end() ? nullptr : &(this->*key->getter)();
 }
 

@@ -122,6 +122,14 @@ Plan Reviewer::planMigration() const {
     });
 }
 
+bool Reviewer::mayMigrate() const {
+    const Plan plan = planMigration();
+    if (!plan.blocks.empty()) {
+        showBlocked_(plan);
+    }
+    return plan.blocks.empty();
+}
+
 std::string Reviewer::directoryProblem() {
     return platform::directoryProblem();
 }

@@ -44,6 +44,9 @@ class Reviewer {
     [[nodiscard]] static bool isMigrationQuestion(const platform::Alert& alert);
     /// What answering "Yes" to that question would do.
     [[nodiscard]] Plan planMigration() const;
+    /// Whether nothing blocks that. Otherwise shows what does: "Yes" would delete records that our tools are
+    /// bound to refuse to make again.
+    [[nodiscard]] bool mayMigrate() const;
 
     /// Why the last attempt to read the directory failed; empty when it succeeded.
     [[nodiscard]] static std::string directoryProblem();

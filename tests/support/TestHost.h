@@ -61,6 +61,7 @@ class TestHost {
     std::deque<std::string> passwords; ///< for the administrator dialogs, in order; then ""
 
     // The authority.
+    bool makesSessions = true;
     bool rightHeld = true; ///< the result of the silent test
 
     /// The output of a run and the status of its launch; by default empty and 0. Called after the run was

@@ -192,8 +192,8 @@ void QtPresenter::openAddress(const std::string& address) {
     }
 }
 
-platform::TimerId QtPresenter::startTimer(double interval, std::function<void()> fire) {
-    return timers_ ? timers_->start(interval, std::move(fire)) : 0;
+platform::TimerId QtPresenter::startTimer(double /*interval*/, std::function<void()> fire) {
+    return timers_ ? timers_->start(std::move(fire)) : 0;
 }
 
 void QtPresenter::stopTimer(platform::TimerId timer) {
@@ -247,7 +247,7 @@ void QtPresenter::interfaceDidLoad(Interface& interface) {
             auto* main = qobject_cast<QMainWindow*>(mainWidget_);
             auto* tabs = dynamic_cast<NSTabView*>(interface.find("mainTabView"));
             if (main != nullptr && manner_ == QtFrontend::Manner::Interactive) {
-                new WindowPlace(*window, tabs, *main); // the window's child
+                new WindowPlace(*window, *main); // the window's child
             }
             if (main != nullptr && menuBar != nullptr && tabs != nullptr) {
                 new WindowPages(*tabs, *main, *actions_.back(), *queue_); // the same
