@@ -31,32 +31,8 @@ void updateFlag(SMBShare& section, std::string_view key, std::int32_t flag) {
     }
 }
 
-void append(std::string& text, std::initializer_list<std::string_view> pieces) {
-    for (const std::string_view piece : pieces) {
-        text += piece;
-    }
-}
-
-void appendEntry(std::string& text, const SMBShare& entry) {
-    const bool commentedOut = entry.Type() == SMBCommentGroup;
-    if (commentedOut || entry.Type() == SMBGroup) {
-        const std::string_view mark = commentedOut ? ";" : "";
-        if (entry.isUnnamed()) {
-            append(text, {entry.ShareName(), "\n"});
-        } else {
-            append(text, {mark, "[", entry.ShareName(), "]\n"});
-        }
-        for (const SMBPair& pair : entry.Props()) {
-            append(text, {mark, pair.Name.view(), " = ", pair.Value.view(), "\n"});
-        }
-    } else if (entry.Type() != SMBComment) {
-        return; // not a kind of entry that can be written
-    }
-    append(text, {entry.Text(), "\n\n"});
-}
-
-SMBConf::EntryList copyOf(const SMBConf::EntryList& entries) {
-    SMBConf::EntryList copies;
+SMBEntries copyOf(const SMBEntries& entries) {
+    SMBEntries copies;
     copies.reserve(entries.size());
     for (const auto& entry : entries) {
         copies.push_back(std::make_unique<SMBShare>(*entry));
@@ -148,7 +124,7 @@ std::unique_ptr<SMBConf> SMBConf::copy() const {
     return made;
 }
 
-void SMBConf::setEntries(EntryList entries) {
+void SMBConf::setEntries(SMBEntries entries) {
     _global = nullptr;
     _homes = nullptr;
     _entries = std::move(entries);
@@ -168,7 +144,10 @@ std::string SMBConf::writtenText() const {
     std::string text;
     text.reserve(bytes_.size() + bytes_.size() / 4);
     for (const auto& entry : _entries) {
-        appendEntry(text, *entry);
+        if (entry->isOfKnownKind()) {
+            entry->appendTo(text);
+            text += "\n\n";
+        }
     }
     return text;
 }
@@ -224,7 +203,7 @@ int SMBConf::writeSMBConfFile() {
 
 std::size_t SMBConf::indexOfSection(std::string_view name) const {
     const auto found = std::find_if(_entries.begin(), _entries.end(), [&](const auto& entry) {
-        return entry->Type() == SMBGroup && entry->ShareName() == name;
+        return entry->Type() == SMBGroup && !entry->isUnnamed() && entry->ShareName() == name;
     });
     return static_cast<std::size_t>(found - _entries.begin());
 }
