@@ -2,6 +2,7 @@
 
 #include "model/LargeBlocks.h"
 #include "model/SMBInPlace.h"
+#include "model/SMBLines.h"
 #include "model/SMBParser.h"
 #include "platform/foundation/Host.h"
 #include "platform/foundation/NSFileManager.h"
@@ -40,6 +41,19 @@ SMBEntries copyOf(const SMBEntries& entries) {
     return copies;
 }
 
+std::vector<SMBHiddenSection> sectionsOnlyForServer(std::string_view text) {
+    const SMBLines lines(text);
+    std::vector<SMBHiddenSection> found;
+    for (std::size_t index = 0; index < lines.lines().size(); ++index) {
+        if (lines.isOnlyServersHeader(index)) {
+            const SMBSectionLines* above = lines.sectionOf(index);
+            found.push_back({index + 1, std::string(lines.content(lines.lines()[index])),
+                             above == nullptr ? std::string() : above->name});
+        }
+    }
+    return found;
+}
+
 bool keepsLayout() {
     return platform::Host::current().services().keepsLayout;
 }
@@ -75,6 +89,8 @@ void SMBConf::parse() {
     _entries = std::move(parser.entries);
     _global = parser.global;
     _homes = parser.homes;
+    hasBrokenHeader_ =
+        std::ranges::count(parser.lossNotices, SMBLoss::BrokenHeader, &SMBLossNotice::loss) > 0;
     if (!keepsLayout()) {
         lossNotices_ = std::move(parser.lossNotices);
     }
@@ -113,6 +129,7 @@ std::unique_ptr<SMBConf> SMBConf::copy() const {
     made->textOnDisk_ = textOnDisk_;
     made->hasWritten_ = hasWritten_;
     made->lossNotices_ = lossNotices_;
+    made->hasBrokenHeader_ = hasBrokenHeader_;
     made->unreadableReason_ = unreadableReason_;
     made->known_ = copyOf(known_);
     made->_entries = copyOf(_entries);
@@ -150,6 +167,10 @@ std::string SMBConf::writtenText() const {
         }
     }
     return text;
+}
+
+std::vector<SMBHiddenSection> SMBConf::hiddenSections() const {
+    return hasBrokenHeader_ ? sectionsOnlyForServer(textOnDisk()) : std::vector<SMBHiddenSection>();
 }
 
 platform::Result<std::string> SMBConf::textToWrite(std::vector<SMBConflict>* conflicts) const {

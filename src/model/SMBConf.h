@@ -4,6 +4,7 @@
 #include "model/SMBShare.h"
 #include "platform/posix/Status.h"
 
+#include <cstddef>
 #include <memory>
 #include <memory_resource>
 #include <string>
@@ -12,6 +13,15 @@
 #include <vector>
 
 struct SMBConflict; // model/SMBInPlace.h
+
+/// A section that the SMB server sees and this model does not, because something follows its header's "]".
+struct SMBHiddenSection {
+    std::size_t line = 0; ///< the header's, from 1
+    std::string header;   ///< the line as it is, without the white space around it
+    /// The section whose settings the lines below the header are in the model; empty if they are in none.
+    std::string above;
+    [[nodiscard]] bool operator==(const SMBHiddenSection&) const = default;
+};
 
 /// The model of smb.conf: its entries in order, with quick access to "global" and "homes". The file is read
 /// once, when the model is made; from then on the model is authoritative, and every change is written to disk
@@ -55,6 +65,9 @@ class SMBConf {
     /// What a write would lose, in the file's order; found when the file was read. Empty after a write, and
     /// on a host that keeps the layout.
     [[nodiscard]] const std::vector<SMBLossNotice>& lossNotices() const { return lossNotices_; }
+
+    /// Those of the file as this model last read or wrote it.
+    [[nodiscard]] std::vector<SMBHiddenSection> hiddenSections() const;
 
     /// Why an existing file could not be read; empty when it was read or is missing.
     [[nodiscard]] const std::string& unreadableReason() const { return unreadableReason_; }
@@ -119,5 +132,6 @@ class SMBConf {
     SMBShare* _global = nullptr;
     SMBShare* _homes = nullptr;
     std::vector<SMBLossNotice> lossNotices_;
+    bool hasBrokenHeader_ = false; ///< in the file as it was read; without one no section is hidden
     std::string unreadableReason_;
 };

@@ -4,6 +4,7 @@
 #include "model/ServerSettings.h"
 
 #include <algorithm>
+#include <iterator>
 
 namespace {
 
@@ -168,12 +169,22 @@ std::size_t SMBLines::contentEnd(const SMBLine& line) const {
 }
 
 bool SMBLines::isEmptySetting(const SMBLine& line, std::string_view key) const {
-    const std::string_view content = text_.substr(line.begin, contentEnd(line) - line.begin);
+    const std::string_view content = this->content(line);
     const std::size_t equals = content.find('=');
     return equals != std::string_view::npos &&
            SMBParser::withoutLeadingWhiteSpace(content.substr(equals + 1)).empty() &&
-           foldedSettingName(SMBParser::withoutLeadingWhiteSpace(content.substr(0, equals))) ==
-               foldedSettingName(key);
+           foldedSettingName(content.substr(0, equals)) == foldedSettingName(key);
+}
+
+std::string_view SMBLines::content(const SMBLine& line) const {
+    const std::size_t begin = line.begin + indentation(line).size();
+    const std::string_view whole = text_.substr(begin, line.end - begin);
+    return whole.substr(0, whole.find_last_not_of(" \t\n\v\f\r") + 1);
+}
+
+const SMBSectionLines* SMBLines::sectionOf(std::size_t index) const {
+    const auto after = std::ranges::upper_bound(sections_, index, {}, &SMBSectionLines::first);
+    return after == sections_.begin() || std::prev(after)->last <= index ? nullptr : &*std::prev(after);
 }
 
 std::string_view SMBLines::afterMark(const SMBLine& line) const {

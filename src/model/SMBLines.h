@@ -68,6 +68,12 @@ class SMBLines {
     [[nodiscard]] std::string_view indentation(const SMBLine& line) const;
     /// The offset of the line's end without its line break.
     [[nodiscard]] std::size_t contentEnd(const SMBLine& line) const;
+    /// The line without the white space around it.
+    [[nodiscard]] std::string_view content(const SMBLine& line) const;
+    /// Whether the server takes the line for a header and the model does not.
+    [[nodiscard]] bool isOnlyServersHeader(std::size_t index) const;
+    /// The section that the model counts the line in, or null.
+    [[nodiscard]] const SMBSectionLines* sectionOf(std::size_t index) const;
     /// Whether the line sets the key (as the server compares keys) to nothing.
     [[nodiscard]] bool isEmptySetting(const SMBLine& line, std::string_view key) const;
     /// Whether the line is a comment that would count as a parameter in a commented-out section.
@@ -83,8 +89,6 @@ class SMBLines {
     void takeCommentedOut(std::string_view content, SMBLine& line) const;
     void takeLive(std::string_view content, SMBLine& line) const;
     [[nodiscard]] bool takeHeader(std::string_view content);
-    /// Whether the server takes a line of a section for a header that the model does not see.
-    [[nodiscard]] bool isOnlyServersHeader(std::size_t index) const;
 
     std::string_view text_;
     std::vector<SMBLine> lines_;
