@@ -1,10 +1,10 @@
 #include "model/SMBInPlace.h"
 
 #include "model/SMBLines.h"
+#include "model/SMBStrayLines.h"
 #include "model/TextEdits.h"
 
 #include <algorithm>
-#include <map>
 #include <optional>
 #include <ranges>
 #include <set>
@@ -41,13 +41,13 @@ class Editor {
     void setValue(const SMBSectionLines& section, const SMBChange& change);
     /// Where the value of the parameter in that line ends, for the model and for the server.
     [[nodiscard]] std::size_t valueEnd(std::size_t index) const;
-    void removeEmptySettings(const SMBSectionLines& section, std::size_t above, std::string_view key);
+    void removeUnkeptSettings(const SMBSectionLines& section, std::size_t above, std::string_view key);
     void removePair(const SMBSectionLines& section, const SMBChange& change);
     void addPair(const SMBSectionLines& section, const SMBChange& change);
     void conflict(const SMBChange& change, std::string_view inFile);
     void appendAtEnd(std::string& text) const;
-    /// Where a section is inserted that must come before all others: after lines above the first section that
-    /// apply to the whole server and would otherwise become part of that section.
+    /// Where a section is inserted that must come before all others: after lines above the first active
+    /// section that apply to the whole server and would otherwise become part of that section.
     [[nodiscard]] std::size_t beginningOfSections() const;
 
     /// Whether the server reads the line as one of the section, on its own.
@@ -81,15 +81,16 @@ class Editor {
     std::vector<std::string> atEnd_;
     bool dropsLastBreak_ = false; ///< the last line break of the remaining text
     std::vector<SMBConflict> conflicts_;
-    /// Sections whose state changes, and whether they will be commented out.
-    std::map<const SMBSectionLines*, bool> commentedOut_;
-    std::set<const SMBSectionLines*> removed_;
+    SMBFates fates_;
     /// Sections that the file has lost and that are added again.
     std::set<std::pair<std::string, std::size_t>> missing_;
 };
 
 void Editor::make(const SMBChange& change) {
     using Kind = SMBChange::Kind;
+    if (change.key.starts_with('[')) {
+        return; // for the server a header, or none that it can read
+    }
     const SMBSectionLines* const section = lines_.section(change.section, change.sectionOccurrence);
     if (change.kind == Kind::AddSection) {
         if (lines_.activeSections(change.section) > change.sectionOccurrence) {
@@ -161,7 +162,7 @@ void Editor::removeSection(const SMBSectionLines& section) {
             last = lines_.isParameterInMarks(lines[index]) ? index + 1 : last;
         }
     }
-    removed_.insert(&section);
+    fates_[&section] = SMBFate::Removed;
     std::size_t begin = lines[section.first].begin;
     std::size_t end = lines[last - 1].end;
     std::string_view replacement;
@@ -185,7 +186,8 @@ void Editor::removeSection(const SMBSectionLines& section) {
 bool Editor::isBelowCommentedOut(const SMBSectionLines& section) const {
     std::size_t first = section.first;
     for (const SMBSectionLines& above : std::views::reverse(lines_.sections())) {
-        if (above.last == first && !removed_.contains(&above)) {
+        const auto fate = fates_.find(&above);
+        if (above.last == first && (fate == fates_.end() || fate->second != SMBFate::Removed)) {
             return isCommentedOut(above);
         }
         if (above.last == first && above.serverLast < above.last) {
@@ -193,19 +195,22 @@ bool Editor::isBelowCommentedOut(const SMBSectionLines& section) const {
         }
         first = above.last == first ? above.first : first;
     }
-    return isFrontCommentedOut_ && first == lines_.sections().front().first;
+    const std::size_t front = isFrontCommentedOut_ ? beginningOfSections() : 0;
+    return isFrontCommentedOut_ && std::ranges::none_of(lines_.sections(), [&](const auto& above) {
+               return above.first < first && lines_.lines()[above.first].begin >= front;
+           });
 }
 
 bool Editor::isCommentedOut(const SMBSectionLines& section) const {
-    const auto toggled = commentedOut_.find(&section);
-    return toggled == commentedOut_.end() ? section.isCommentedOut : toggled->second;
+    const auto fate = fates_.find(&section);
+    return fate == fates_.end() ? section.isCommentedOut : fate->second == SMBFate::Disabled;
 }
 
 void Editor::comment(const SMBSectionLines& section, bool out) {
     if (section.isCommentedOut == out) {
         return; // somebody else has done the same in the file
     }
-    commentedOut_[&section] = out;
+    fates_[&section] = out ? SMBFate::Disabled : SMBFate::Enabled;
     for (std::size_t index = section.first; index < section.serverLast; ++index) {
         const Line& line = lines_.lines()[index];
         const std::size_t begin = line.begin + lines_.indentation(line).size();
@@ -278,7 +283,7 @@ void Editor::setValue(const SMBSectionLines& section, const SMBChange& change) {
         conflict(change, line.value);
     }
     edits_.replace(offset(line.value), valueEnd(*index), change.value);
-    removeEmptySettings(section, *index, change.key);
+    removeUnkeptSettings(section, *index, change.key);
 }
 
 std::size_t Editor::valueEnd(std::size_t index) const {
@@ -292,12 +297,13 @@ std::size_t Editor::valueEnd(std::size_t index) const {
     return isWhole ? end : contentEnd;
 }
 
-/// The server takes the last setting of a key, also one without a value, which the model does not have.
-void Editor::removeEmptySettings(const SMBSectionLines& section, std::size_t above, std::string_view key) {
-    for (std::size_t index = above + 1; index < section.serverLast; ++index) {
+/// The server takes the last setting of a key, also one that the model does not keep.
+void Editor::removeUnkeptSettings(const SMBSectionLines& section, std::size_t above, std::string_view key) {
+    const std::size_t end = lines_.serverEnd(section);
+    for (std::size_t index = above + 1; index < end; ++index) {
         const Line& line = lines_.lines()[index];
-        if (line.kind == Line::Kind::Other && !line.isJoined && lines_.isEmptySetting(line, key)) {
-            edits_.remove(line.begin, line.end);
+        if (lines_.isUnkeptSetting(line, key)) {
+            edits_.remove(line.begin, lines_.lines()[lines_.endOfJoinedLines(index) - 1].end);
         }
     }
 }
@@ -328,6 +334,7 @@ void Editor::addPair(const SMBSectionLines& section, const SMBChange& change) {
         added += lineBreak_;
     }
     edits_.insertLines(place, std::move(added));
+    removeUnkeptSettings(section, section.serverLast - 1, change.key);
 }
 
 /// A section at the end is set off by an empty line, and a file whose last line has no line break still has
@@ -347,11 +354,13 @@ void Editor::appendAtEnd(std::string& text) const {
 
 std::size_t Editor::beginningOfSections() const {
     const auto& lines = lines_.lines();
-    const std::size_t first = lines_.sections().empty() ? lines.size() : lines_.sections().front().first;
+    const auto& sections = lines_.sections();
+    const auto active = std::ranges::find(sections, false, &SMBSectionLines::isCommentedOut);
+    const std::size_t first = active == sections.end() ? lines.size() : active->first;
     std::size_t begin = 0;
     for (std::size_t index = 0; index < first; ++index) {
         // A comment with a "=" would count as a parameter of a commented-out section above it.
-        const bool isSetting = lines[index].kind == Line::Kind::Other || lines[index].isJoined ||
+        const bool isSetting = lines[index].kind == Line::Kind::Other ||
                                (isFrontCommentedOut_ && lines_.isParameterInMarks(lines[index]));
         begin = isSetting ? lines[index].end : begin;
     }
@@ -359,6 +368,7 @@ std::size_t Editor::beginningOfSections() const {
 }
 
 SMBInPlaceText Editor::finish() {
+    keepStrayLines(text_, lines_, fates_, lineBreak_, edits_);
     if (!atFront_.empty()) {
         const std::size_t begin = beginningOfSections();
         if (begin > 0) { // the blank line that separates it comes first

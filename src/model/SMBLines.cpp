@@ -151,6 +151,21 @@ std::size_t SMBLines::lastSetting(const SMBSectionLines& section) const {
     return last;
 }
 
+std::size_t SMBLines::serverEnd(const SMBSectionLines& section) const {
+    if (section.isCommentedOut || section.serverLast < section.last) {
+        return section.serverLast;
+    }
+    std::size_t end = section.last;
+    while (end < lines_.size() && !isOnlyServersHeader(end)) {
+        const SMBSectionLines* const below = sectionOf(end);
+        if (below != nullptr && !below->isCommentedOut) {
+            return end;
+        }
+        end = below == nullptr ? end + 1 : below->last;
+    }
+    return end;
+}
+
 std::size_t SMBLines::endOfJoinedLines(std::size_t index) const {
     while (index + 1 < lines_.size() && lines_[index + 1].isJoined) {
         ++index;
@@ -168,11 +183,10 @@ std::size_t SMBLines::contentEnd(const SMBLine& line) const {
     return line.begin + whole.find_last_not_of("\r\n") + 1; // npos + 1 is 0, right for a line break alone
 }
 
-bool SMBLines::isEmptySetting(const SMBLine& line, std::string_view key) const {
+bool SMBLines::isUnkeptSetting(const SMBLine& line, std::string_view key) const {
     const std::string_view content = this->content(line);
     const std::size_t equals = content.find('=');
-    return equals != std::string_view::npos &&
-           SMBParser::withoutLeadingWhiteSpace(content.substr(equals + 1)).empty() &&
+    return line.kind == SMBLine::Kind::Other && !line.isJoined && equals != std::string_view::npos &&
            foldedSettingName(content.substr(0, equals)) == foldedSettingName(key);
 }
 

@@ -61,6 +61,9 @@ class SMBLines {
     /// The index of the section's last line that the server reads as a parameter, also one without a value;
     /// of its header if there is none. Never a line that is joined to another one.
     [[nodiscard]] std::size_t lastSetting(const SMBSectionLines& section) const;
+    /// One after the index of the last line that may be the section's for the server: an active section goes
+    /// on below commented-out ones.
+    [[nodiscard]] std::size_t serverEnd(const SMBSectionLines& section) const;
     /// One after the last of the lines that the server joins to the line `index`.
     [[nodiscard]] std::size_t endOfJoinedLines(std::size_t index) const;
 
@@ -74,8 +77,9 @@ class SMBLines {
     [[nodiscard]] bool isOnlyServersHeader(std::size_t index) const;
     /// The section that the model counts the line in, or null.
     [[nodiscard]] const SMBSectionLines* sectionOf(std::size_t index) const;
-    /// Whether the line sets the key (as the server compares keys) to nothing.
-    [[nodiscard]] bool isEmptySetting(const SMBLine& line, std::string_view key) const;
+    /// Whether the line sets the key, as the server compares keys, and the model does not keep it: it has no
+    /// value, or none before the parser's end mark.
+    [[nodiscard]] bool isUnkeptSetting(const SMBLine& line, std::string_view key) const;
     /// Whether the line is a comment that would count as a parameter in a commented-out section.
     [[nodiscard]] bool isParameterInMarks(const SMBLine& line) const;
     /// For a line of a commented-out section: whether the model or the server would take it for a header, or

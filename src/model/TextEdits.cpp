@@ -9,6 +9,12 @@ bool TextEdits::isBefore(const Edit& one, const Edit& other) {
     return one.isInsertion() ? !other.isInsertion() : !other.isInsertion() && one.end > other.end;
 }
 
+bool TextEdits::removes(std::size_t begin, std::size_t end) const {
+    return std::ranges::any_of(edits_, [&](const Edit& edit) {
+        return edit.begin <= begin && edit.end >= end && edit.replacement.empty();
+    });
+}
+
 std::string TextEdits::withLineBreaks(std::string_view text) const {
     std::string result;
     for (const char c : text) {

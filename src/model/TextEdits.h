@@ -19,6 +19,9 @@ class TextEdits {
 
     void remove(std::size_t begin, std::size_t end) { replace(begin, end, ""); }
 
+    /// Whether that is removed already.
+    [[nodiscard]] bool removes(std::size_t begin, std::size_t end) const;
+
     void insert(std::size_t place, std::string text) { replace(place, place, std::move(text)); }
 
     /// The text begins on a line of its own.
