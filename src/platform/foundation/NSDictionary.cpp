@@ -124,6 +124,15 @@ std::string mendedXML(std::string_view xml) {
     return text;
 }
 
+/// The text of a file for libplist's XML.
+std::string fileText(std::string_view xml) {
+    std::string text = mendedXML(xml);
+    if (!text.ends_with('\n')) {
+        text += '\n';
+    }
+    return text;
+}
+
 /// Returns null when the text is not a property list in XML, or is too long for libplist.
 plist_t readXML(std::string_view text) {
     plist_t read = nullptr;
@@ -331,13 +340,11 @@ std::string NSMutableDictionary::xmlText() const {
     if (xml.empty()) {
         throw std::runtime_error("a property list could not be written as XML");
     }
-    std::string text = mendedXML(xml);
-    if (!text.ends_with('\n')) {
-        text += '\n';
-    }
-    return text;
+    return fileText(xml);
 }
 
 platform::Status NSMutableDictionary::writeToFile(const std::string& path) const {
-    return writeToFileAtomically(path, xmlText());
+    const std::string xml = plainXML(node_->dictionary);
+    return xml.empty() ? platform::Status::failure("cannot write", path, "its content has no form as XML")
+                       : writeToFileAtomically(path, fileText(xml));
 }
