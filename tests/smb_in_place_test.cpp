@@ -310,6 +310,12 @@ TEST(SmbInPlace, AppliesTheChangeToAFileThatSomebodyElseChanged) {
     const auto gone = textWithChanges("# gone\n[b]\nz = 2", changes);
     EXPECT_EQ(gone.text, "# gone\n[b]\nz = 2\n\n[a]\nx = 2\ny = 1") << "the whole section, and only once";
     EXPECT_EQ(gone.conflicts, (std::vector<SMBConflict>{{"a", "", "", "", ""}}));
+    const Model hidden("[a]\n[b] x = 1\ny = 1\n");
+    Model changed(hidden.bytes);
+    section(changed, "a")->setProp("y", "2");
+    EXPECT_EQ(textWithChanges("[b] x = 1\n", changesBetween(hidden.entries, changed.entries)).text,
+              "[b] x = 1\n\n[a]\ny = 2\n")
+        << "for the server, the other section was never in this one";
     Model withDocs(read.bytes);
     addShare(withDocs, "Docs");
     const auto additions = changesBetween(read.entries, withDocs.entries);
