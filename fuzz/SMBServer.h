@@ -47,7 +47,8 @@ inline std::vector<std::string> serverLines(std::string_view text) {
         const std::size_t end = std::min(text.find('\n'), text.size());
         std::string_view line = withoutWhiteSpace(text.substr(0, end));
         text.remove_prefix(std::min(end + 1, text.size()));
-        if (line.empty() || (!isJoined && SMBParser::isComment(line))) {
+        const bool isPassedOver = !isJoined && (SMBParser::isComment(line) || line == "\\");
+        if (line.empty() || isPassedOver) {
             isJoined = false;
             continue;
         }

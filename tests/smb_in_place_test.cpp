@@ -247,31 +247,32 @@ TEST(SmbInPlace, FollowsTheServerWhereTheModelReadsLess) {
     const auto enable = [](Model& model) { section(model, "a")->setType(SMBGroup); };
     const auto remove = [](Model& model) { removeShare(model, "a"); };
     const std::string withHeader = "[a]\nx = 1\n# c\n\n# d\n[data] \ny = 2\n";
-    for (const auto& [text, edit, result] :
-         std::vector<Case>{// The last setting counts, also one that the model does not keep.
-                           {"[a]\n\tx =\n# c\n", set("x", "1"), "[a]\n\tx =\n\tx = 1\n# c\n"},
-                           {"[a]\nx = 1\n X =\nx = #$%BLAK \\\n y\nxx =\n[b]\nx =\n", set("x", "2"),
-                            "[a]\nx = 2\nxx =\n[b]\nx =\n"},
-                           {"[a]\nx = cut#$%BLAK tail\n", set("x", "1"), "[a]\nx = 1\n"},
-                           // A header with something after its bracket begins a section.
-                           {withHeader, remove, "# d\n[data] \ny = 2\n"},
-                           {withHeader, disable, ";[a]\n;x = 1\n# c\n\n# d\n[data] \ny = 2\n"},
-                           {withHeader, set("y", "3"), "[a]\nx = 1\ny = 3\n# c\n\n# d\n[data] \ny = 2\n"},
-                           {"[a]\n[data] = b\nx = 2", set("x", "3"), "[a]\nx = 3\n[data] = b\nx = 2"},
-                           {"[a]\n[data] words\nx = 2\n", unset, "[a]\n[data] words\nx = 2\n"},
-                           {";[b]\n[a]\n[da\\\nta] \n# z = 1\n", remove, ";[b]\n[da\\\nta] \n# z = 1\n"},
-                           {";[a]\n; [b] = c \\\n;  d\n;x = 1\n", enable, "[a]\n; [b] = c \\\n;  d\nx = 1\n"},
-                           // Lines below a commented-out section are those of the active section above.
-                           {"[b]\n;[a]\n;x = 1\ny = 2\n\n;[d]\nz = 3 \\\n 4\n# c\n[e]\n", enable,
-                            "[b]\ny = 2\nz = 3 \\\n 4\n[a]\nx = 1\n\n;[d]\n# c\n[e]\n"},
-                           {"[b]\n[a]\nx = 1\n;[d]\n;w = 1\ny = 2\nz = 3", remove, "[b]\n;[d]\n;w = 1\n"},
-                           {"[a]\nx = 1\n;[d]\n;w = 1\n y = 2\n[\n[e]\n", disable,
-                            ";[a]\n;x = 1\n; y = 2\n; [\n;[d]\n;w = 1\n[e]\n"},
-                           {"[a]\n;[d]\ny = 2 \\\n 3\n;[e]\nz = 1\nY =\n[f]\ny = 4\n", set("y", "1"),
-                            "[a]\ny = 1\n;[d]\n;[e]\nz = 1\n[f]\ny = 4\n"},
-                           {"[a]\n;[d]\n[f] \ny = 2\n", remove, ";[d]\n[f] \ny = 2\n"},
-                           // Every kind of white space may indent a line.
-                           {"[c]\n\f;[a]\n \v;x = 1\n", enable, "[c]\n\f[a]\n \vx = 1\n"}}) {
+    for (const auto& [text, edit, result] : std::vector<Case>{
+             // The last setting counts, also one that the model does not keep.
+             {"[a]\n\tx =\n# c\n", set("x", "1"), "[a]\n\tx =\n\tx = 1\n# c\n"},
+             {"[a]\nx = 1\n X =\nx = #$%BLAK \\\n y\nxx =\n[b]\nx =\n", set("x", "2"),
+              "[a]\nx = 2\nxx =\n[b]\nx =\n"},
+             {"[a]\nx = cut#$%BLAK tail\n", set("x", "1"), "[a]\nx = 1\n"},
+             // A header with something after its bracket begins a section.
+             {withHeader, remove, "# d\n[data] \ny = 2\n"},
+             {withHeader, disable, ";[a]\n;x = 1\n# c\n\n# d\n[data] \ny = 2\n"},
+             {withHeader, set("y", "3"), "[a]\nx = 1\ny = 3\n# c\n\n# d\n[data] \ny = 2\n"},
+             {"[a]\n[data] = b\nx = 2", set("x", "3"), "[a]\nx = 3\n[data] = b\nx = 2"},
+             {"[a]\n \\\n[data] words\ny = 2\n", set("y", "3"), "[a]\n \\\n y = 3\n[data] words\ny = 2\n"},
+             {"[a]\n[data] words\nx = 2\n", unset, "[a]\n[data] words\nx = 2\n"},
+             {";[b]\n[a]\n[da\\\nta] \n# z = 1\n", remove, ";[b]\n[da\\\nta] \n# z = 1\n"},
+             {";[a]\n; [b] = c \\\n;  d\n;x = 1\n", enable, "[a]\n; [b] = c \\\n;  d\nx = 1\n"},
+             // Lines below a commented-out section are those of the active section above.
+             {"[b]\n;[a]\n;x = 1\ny = 2\n\n;[d]\nz = 3 \\\n 4\n# c\n[e]\n", enable,
+              "[b]\ny = 2\nz = 3 \\\n 4\n[a]\nx = 1\n\n;[d]\n# c\n[e]\n"},
+             {"[b]\n[a]\nx = 1\n;[d]\n;w = 1\ny = 2\nz = 3", remove, "[b]\n;[d]\n;w = 1\n"},
+             {"[a]\nx = 1\n;[d]\n;w = 1\n y = 2\n[\n[e]\n", disable,
+              ";[a]\n;x = 1\n; y = 2\n; [\n;[d]\n;w = 1\n[e]\n"},
+             {"[a]\n;[d]\ny = 2 \\\n 3\n;[e]\nz = 1\nY =\n[f]\ny = 4\n", set("y", "1"),
+              "[a]\ny = 1\n;[d]\n;[e]\nz = 1\n[f]\ny = 4\n"},
+             {"[a]\n;[d]\n[f] \ny = 2\n", remove, ";[d]\n[f] \ny = 2\n"},
+             // Every kind of white space may indent a line.
+             {"[c]\n\f;[a]\n \v;x = 1\n", enable, "[c]\n\f[a]\n \vx = 1\n"}}) {
         EXPECT_EQ(edited(text, edit), result) << text;
     }
 }
@@ -310,6 +311,12 @@ TEST(SmbInPlace, AppliesTheChangeToAFileThatSomebodyElseChanged) {
     const auto gone = textWithChanges("# gone\n[b]\nz = 2", changes);
     EXPECT_EQ(gone.text, "# gone\n[b]\nz = 2\n\n[a]\nx = 2\ny = 1") << "the whole section, and only once";
     EXPECT_EQ(gone.conflicts, (std::vector<SMBConflict>{{"a", "", "", "", ""}}));
+    const Model hidden("[a]\n[b] x = 1\ny = 1\n");
+    Model changed(hidden.bytes);
+    section(changed, "a")->setProp("y", "2");
+    EXPECT_EQ(textWithChanges("[b] x = 1\n", changesBetween(hidden.entries, changed.entries)).text,
+              "[b] x = 1\n\n[a]\ny = 2\n")
+        << "for the server, the other section was never in this one";
     Model withDocs(read.bytes);
     addShare(withDocs, "Docs");
     const auto additions = changesBetween(read.entries, withDocs.entries);

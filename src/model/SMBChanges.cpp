@@ -42,9 +42,13 @@ std::vector<std::optional<std::size_t>> matched(const std::vector<Element>& read
     return matches;
 }
 
+/// A parameter whose key begins with a bracket is left out: for the server it is the header of a section, and
+/// it still stands where it was read.
 std::string sectionText(const SMBShare& section) {
+    SMBShare own = section;
+    std::erase_if(own.Props(), [](const SMBPair& pair) { return pair.Name.view().starts_with('['); });
     std::string text;
-    section.appendTo(text);
+    own.appendTo(text);
     return text;
 }
 

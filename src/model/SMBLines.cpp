@@ -84,7 +84,10 @@ void SMBLines::takeLive(std::string_view content, SMBLine& line) const {
             line.isJoined && SMBParser::isContinued(content); // the server does not join a line to a comment
         return;
     }
-    line.isContinued = SMBParser::isContinued(content);
+    // The server skips a backslash alone, so that what follows begins a line.
+    const bool isBackslash = !line.isJoined && content.starts_with('\\') &&
+                             SMBParser::withoutLeadingWhiteSpace(content.substr(1)).empty();
+    line.isContinued = !isBackslash && SMBParser::isContinued(content);
     const auto pair = isInSection_ ? SMBParser::pairOf(content) : std::nullopt;
     line.kind = pair ? SMBLine::Kind::Pair : SMBLine::Kind::Other;
     if (pair) {
