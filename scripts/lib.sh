@@ -16,9 +16,11 @@ fail() {
 }
 
 # The test builds with and without Qt compile the same files to the same objects. With ccache, the second build reuses
-# those of the first, because the build folder is left out of the hash.
+# those of the first, because the build folder is left out of the hash, and so does another checkout, because paths are
+# made relative.
 if command -v ccache >/dev/null; then
     export CMAKE_CXX_COMPILER_LAUNCHER="${CMAKE_CXX_COMPILER_LAUNCHER:-ccache}" CCACHE_NOHASHDIR=1
+    export CCACHE_BASEDIR="${CCACHE_BASEDIR:-$project}"
 fi
 
 # packages_of SECTION...: the names in these sections of packages.txt, one a line.

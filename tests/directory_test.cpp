@@ -3,6 +3,7 @@
 
 #include <fstream>
 #include <iterator>
+#include <stdexcept>
 
 namespace {
 
@@ -33,6 +34,39 @@ TEST_F(Report, HasALinePerRecordInTheDirectorysOrderAndAFieldPerProperty) {
     EXPECT_EQ(report("/groups", {"Name", "name", "name"}).front(), "#NoValue#\tstaff\tstaff\t\n");
     EXPECT_EQ(report("/groups", {}), (Texts{"\n", "\n", "\n"}));
     EXPECT_TRUE(host.log.empty());
+}
+
+TEST_F(Report, HasEveryRecordHoweverThoseOfOtherDirectoriesLieBetween) {
+    // More than are read at once: users side by side, with a group among every ten, so that both directories
+    // are read in their own way.
+    constexpr int users = 700;
+    Texts userNames;
+    Texts groupNames;
+    platform::Store store(host.storeFile());
+    const auto add = [&](const char* directory, const std::string& name, Texts& lines) {
+        store.addRecord(store.child(platform::Store::root, directory).value_or(-1), name);
+        lines.push_back(name + "\t\n");
+    };
+    for (int number = 0; number < users; ++number) {
+        add("users", "u" + std::to_string(number), userNames);
+        if (number % 10 == 0) {
+            add("groups", "g" + std::to_string(number), groupNames);
+        }
+    }
+    ASSERT_TRUE(store.commit().isOk());
+    EXPECT_EQ(report("/users", {"name"}), userNames);
+    EXPECT_EQ(report("/groups", {"name"}), groupNames);
+}
+
+TEST(ReportLine, CountsThePiecesThatTabsInValuesAdd) {
+    const ReportPieces pieces("ada\t\t\n");
+    EXPECT_EQ(pieces.size(), 3U);
+    EXPECT_EQ(pieces.at(0), "ada");
+    EXPECT_EQ(pieces.at(2), "\n");
+    EXPECT_THROW(static_cast<void>(pieces.at(3)), std::out_of_range);
+    const ReportPieces many(std::string(20, '\t'));
+    EXPECT_EQ(many.size(), 21U);
+    EXPECT_THROW(static_cast<void>(many.at(15)), std::out_of_range);
 }
 
 TEST_F(Report, IsEmptyAndLoggedWhenTheDirectoryOrThePathIsMissing) {

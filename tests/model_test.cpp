@@ -126,6 +126,15 @@ TEST_F(SMBConfTest, NamesTheLinesThatAWriteWouldSpoil) {
         << "only the section that the home folders' check box can enable";
 }
 
+TEST_F(SMBConfTest, FindsTheSectionsThatOnlyTheServerSees) {
+    using Hidden = std::vector<SMBHiddenSection>;
+    EXPECT_EQ(
+        parse("[top] \nx = 1\n[a]\n [b] = c \n[d]\n[e\\\nf] \n;[g]\n;x = [h] \n[i] j\n").hiddenSections(),
+        (Hidden{{1, "[top]", ""}, {4, "[b] = c", "a"}, {6, "[e\\", "d"}, {10, "[i] j", ""}}));
+    // No header for the server either: joined to the line above, a comment, or without a bracket.
+    EXPECT_EQ(parse("[a]\nx = 1 \\\n[b] c\n# [d] e\n[f\n[g]h]\n").hiddenSections(), Hidden{});
+}
+
 TEST_F(SMBConfTest, AByteOrderMarkSpoilsTheFirstLineAsItDoesForTheServer) {
     const SMBConf conf = parse("\xef\xbb\xbf[global]\na = 1\n[b]\n");
     EXPECT_EQ(conf.Global(), nullptr);
@@ -288,6 +297,19 @@ TEST_F(SMBConfTest, LaterWritesKeepWhatSomebodyElseWroteInTheMeantime) {
     fs::create_directory(host.root() / "etc/smb.conf");
     EXPECT_EQ(add(conf, "e"), 2);
     EXPECT_FALSE(conf.textToWrite().isOk());
+}
+
+TEST_F(SMBConfTest, DescribesItselfForTheLog) {
+    const SMBConf conf = parse("[a]\nx = 1\n# c\n");
+    EXPECT_EQ(conf.description(), "Path: /etc/smb.conf\n(\nShare Name: a   Type: SMBGroup\n"
+                                  "(\n    {Name = x; Value = 1;}\n)\nText: # c\n\n)\n");
+    SMBShare entry;
+    std::string kinds;
+    for (const std::int32_t kind : {0, 1, 2, 3, -1}) {
+        entry.setType(kind);
+        kinds += entry.smbTypeToText() + " ";
+    }
+    EXPECT_EQ(kinds, "SMBCommentGroup SMBComment SMBGroup Error Error ");
 }
 
 TEST(SMBTextTest, ACopyOutlivesTheFile) {

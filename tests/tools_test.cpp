@@ -88,6 +88,7 @@ TEST_F(Tools, NiclRefusesInOneLineAndChangesNothing) {
     nicl({"-create", "/users/ada", "mail", "one", "two"});
     nicl({"-create", "/groups/staff"});
     nicl({"-create", "/config/Brindle/Docs"});
+    EXPECT_EQ(nicl({"-create", "/users"}), "") << "it exists already and stays unchanged";
     const std::array refused{
         Words{"-create", "/nowhere/x"},
         Words{"-create", "/users//x"},

@@ -66,7 +66,7 @@ TEST_F(Window, TheDrawerWidensTheWindowAndGivesTheRoomBack) {
     QWidget* main = widget<QWidget>("main");
     const int before = main->width();
     const int table = widget<QWidget>("table")->width();
-    EXPECT_FALSE(widget<QLabel>("inside")->isVisible());
+    EXPECT_FALSE(widget<QWidget>("drawer")->isVisible());
     desk.drawer->toggle();
     QApplication::processEvents();
     EXPECT_TRUE(widget<QLabel>("inside")->isVisible());

@@ -3,6 +3,8 @@
 #include "frontends/qt/Inks.h"
 #include "frontends/qt/ReviewDialog.h"
 #include "frontends/qt/ScreenRoom.h"
+#include "platform/foundation/NSBundle.h"
+#include "platform/foundation/NSFileManager.h"
 #include "review/Reviewer.h"
 #include "support/MainWindowFixture.h"
 
@@ -35,6 +37,22 @@ class Room : public MainWindow {
 
     QRect within(const QWidget& inner) { return {inner.mapTo(&window(), QPoint()), inner.size()}; }
 };
+
+TEST_F(Room, TheLockShowsItsImageFromTheCopyThatEveryImageHas) {
+    openOn(1280, 800);
+    EXPECT_FALSE(widget<QAbstractButton>("lockButton").icon().isNull());
+    for (const std::string name : {"lock", "unlock"}) {
+        const std::string file = NSBundle::mainBundle().resourcePath() + "/" + name;
+        const QImage copy =
+            QImage(QString::fromStdString(file + ".png")).convertToFormat(QImage::Format_RGBA8888);
+        const std::string_view pixels(reinterpret_cast<const char*>(copy.constBits()),
+                                      static_cast<std::size_t>(copy.sizeInBytes()));
+        ASSERT_FALSE(pixels.empty()) << name;
+        const auto image = contentsOfFile(file + ".tiff");
+        ASSERT_TRUE(image.isOk()) << name;
+        EXPECT_NE(image->find(pixels), std::string::npos) << name;
+    }
+}
 
 TEST_F(Room, OnASmallScreenTheDrawerCoversTheTableAndItsButtonsStayVisible) {
     addShare("Docs", "/folders/Docs");
@@ -103,11 +121,25 @@ TEST_F(Room, EveryControlOfEveryPageIsWithinReachOnASmallScreen) {
     }
 }
 
-TEST_F(Room, TheDrawerStaysClosedOnceAnotherPageWasShown) {
+TEST_F(Room, TheDrawerOpensAgainOnThePageWhereItWasLeftOpen) {
     openOn(1024, 600);
     clickTitled("New Share");
     showPage(1);
     EXPECT_FALSE(drawer().isVisible());
+    showPage(3);
+    showPage(0);
+    EXPECT_TRUE(drawer().isVisible());
+    clickTitled("Close");
+    showPage(2);
+    showPage(0);
+    EXPECT_FALSE(drawer().isVisible());
+    // Opening or closing it on another page counts as well.
+    showPage(1);
+    useMenu("Show or Hide Share Editor");
+    showPage(2);
+    EXPECT_FALSE(drawer().isVisible());
+    useMenu("Show or Hide Share Editor");
+    useMenu("Show or Hide Share Editor");
     showPage(0);
     EXPECT_FALSE(drawer().isVisible());
 }
@@ -242,9 +274,6 @@ TEST_F(Colours, NotesWarningsAndMarksCanBeReadOnEveryDesktop) {
         int inks = 0;
         for (const int page : {1, 2, 4, 0}) {
             showPage(page);
-            if (page == 0) {
-                useMenu("Show or Hide Share Editor"); // the other pages have closed it
-            }
             inks += expectInksAreReadable(desktop);
         }
         EXPECT_GE(inks, 6) << desktop;

@@ -85,10 +85,11 @@ std::vector<std::vector<std::string>> Examiner::report(const char* path,
               .remedy = {}});
     }
     for (const std::string& line : lines) {
-        const auto pieces = piecesOfReportLine(line);
+        const ReportPieces pieces(line);
         if (pieces.size() == names.size() + 1) { // a value that contains a tab cannot be one that is examined
             auto& row = rows.emplace_back();
-            for (const std::string_view piece : pieces) {
+            for (std::size_t index = 0; index < names.size(); ++index) {
+                const std::string_view piece = pieces.at(index);
                 row.emplace_back(piece == reportNoValue ? std::string_view() : piece);
             }
         }

@@ -55,9 +55,9 @@ void refillUserMenu(NSPopUpButton& menu, const NiutilTask::Report& users, bool s
     std::vector<NSPopUpButton::Item> items;
     items.reserve(users->size());
     for (const std::string& line : *users) {
-        UserRecord user(line);
+        const UserLine user(line);
         if (showsSystemUsers || !user.isSystem()) {
-            items.push_back({std::move(user.name), 0});
+            items.push_back({std::string(user.name), 0});
         }
     }
     refillMenu(menu, std::move(items), {});
@@ -79,7 +79,7 @@ std::uint64_t nextId(std::int64_t highest) {
 }
 
 bool anyRowHas(const std::vector<BRRow>& rows, const char* key, const std::string& value) {
-    return std::ranges::any_of(rows, [&](const BRRow& row) { return row.at(key) == value; });
+    return std::ranges::any_of(rows, [&](const BRRow& row) { return row.valueForKey(key) == value; });
 }
 
 } // namespace

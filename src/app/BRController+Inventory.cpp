@@ -4,8 +4,15 @@
 #include "platform/foundation/NSBundle.h"
 #include "privileged/NiutilTask.h"
 
+#include <array>
+#include <cstdint>
+#include <functional>
+#include <initializer_list>
+#include <memory_resource>
+#include <optional>
+#include <string>
 #include <string_view>
-#include <unordered_map>
+#include <unordered_set>
 #include <utility>
 
 namespace {
@@ -75,6 +82,57 @@ std::string valueOf(const std::string* text) {
     return text != nullptr ? *text : std::string();
 }
 
+constexpr std::array<std::string_view, BRRow::mostColumns> userColumns = {"User", "Public Shared", "UID",
+                                                                          "Full Name", "GID"};
+constexpr std::array<std::string_view, 3> groupColumns = {"GID", "Group", "Users in Group"};
+
+/// The first row of each folder. It keeps numbers of rows only, and its memory in one piece, because a
+/// computer may have a hundred thousand shares.
+class FirstRows {
+  public:
+    explicit FirstRows(const std::vector<NormalShare>& rows)
+        : set_(rows.capacity(), Hash{&rows}, Equal{&rows}, &memory_) {}
+
+    void add(std::uint32_t row) { set_.insert(row); }
+
+    [[nodiscard]] std::optional<std::uint32_t> find(std::string_view folder) const {
+        const auto found = set_.find(folder);
+        return found == set_.end() ? std::nullopt : std::optional(*found);
+    }
+
+  private:
+    using Rows = std::vector<NormalShare>;
+
+    static std::string_view folderOf(const Rows& rows, std::uint32_t row) {
+        return rows[row].DirectoryPath();
+    }
+
+    static std::string_view folderOf(const Rows& /*rows*/, std::string_view folder) { return folder; }
+
+    struct Hash {
+        using is_transparent = void;
+        const Rows* rows;
+
+        template <class Key>
+        std::size_t operator()(Key key) const {
+            return std::hash<std::string_view>()(folderOf(*rows, key));
+        }
+    };
+
+    struct Equal {
+        using is_transparent = void;
+        const Rows* rows;
+
+        template <class Left, class Right>
+        bool operator()(Left left, Right right) const {
+            return folderOf(*rows, left) == folderOf(*rows, right);
+        }
+    };
+
+    std::pmr::monotonic_buffer_resource memory_;
+    std::pmr::unordered_set<std::uint32_t, Hash, Equal> set_;
+};
+
 } // namespace
 
 void BRController::parseCurrentShares() {
@@ -89,12 +147,9 @@ void BRController::parseCurrentShares() {
 }
 
 void BRController::joinSMBSections() {
-    // The first row of each folder, including rows that sections add. The keys are views of the rows'
-    // strings.
-    std::unordered_map<std::string_view, std::size_t> rowOfFolder;
-    rowOfFolder.reserve(currentShares_.capacity());
-    for (std::size_t row = 0; row < currentShares_.size(); ++row) {
-        rowOfFolder.emplace(currentShares_[row].DirectoryPath(), row);
+    FirstRows firstRows(currentShares_);
+    for (std::uint32_t row = 0; row < currentShares_.size(); ++row) {
+        firstRows.add(row);
     }
     for (const auto& entry : smbConf->Entries()) {
         if (entry->Type() != SMBGroup || entry.get() == smbConf->Global() ||
@@ -102,13 +157,13 @@ void BRController::joinSMBSections() {
             continue;
         }
         const SectionFacts facts = factsOfSection(*entry);
-        const auto found = facts.folder ? rowOfFolder.find(*facts.folder) : rowOfFolder.end();
-        if (found == rowOfFolder.end()) {
+        const auto row = facts.folder ? firstRows.find(*facts.folder) : std::nullopt;
+        if (!row) {
             currentShares_.push_back(shareFromSection(*entry, facts));
-            rowOfFolder.emplace(currentShares_.back().DirectoryPath(), currentShares_.size() - 1);
+            firstRows.add(static_cast<std::uint32_t>(currentShares_.size() - 1));
             continue;
         }
-        NormalShare& share = currentShares_[found->second];
+        NormalShare& share = currentShares_[*row];
         share.setSMB("+");
         if (facts.guestAccess) {
             share.setSMBGuestAccess(*facts.guestAccess);
@@ -121,14 +176,13 @@ void BRController::parseUserShares() {
     const std::string yes = NSLocalizedString("YES");
     const std::string no = NSLocalizedString("NO");
     const NiutilTask::Report users = NiutilTask::sharedInstance().currentUsers();
+    userShares.reserve(users->size());
     for (const std::string& line : *users) {
-        const UserRecord user(line);
+        const UserLine user(line);
         if (!user.isSystem()) {
-            userShares.push_back({{"User", user.name},
-                                  {"Public Shared", user.sharesPublicFolder ? yes : no},
-                                  {"UID", user.uid},
-                                  {"Full Name", user.fullName},
-                                  {"GID", user.gid}});
+            userShares.emplace_back(userColumns, std::initializer_list<std::string_view>{
+                                                     user.name, user.sharesPublicFolder ? yes : no, user.uid,
+                                                     user.fullName, user.gid});
         }
     }
 }
@@ -139,8 +193,7 @@ void BRController::parseGroupShares() {
     for (const std::string& line : *groups) {
         const GroupRecord record(line);
         if (isListed(showSystemUsersGroups3->state(), record.isSystem())) {
-            groupShares.push_back(
-                {{"GID", record.gid}, {"Group", record.name}, {"Users in Group", record.memberField}});
+            groupShares.push_back({groupColumns, {record.gid, record.name, record.memberField}});
         }
     }
 }
@@ -149,9 +202,9 @@ void BRController::parseGroupUserShares() {
     groupUserShares.clear();
     const NiutilTask::Report users = NiutilTask::sharedInstance().currentUsers();
     for (const std::string& line : *users) {
-        UserRecord user(line);
+        const UserLine user(line);
         if (isListed(showSystemUsersGroups3->state(), user.isSystem())) {
-            groupUserShares.push_back(std::move(user.name));
+            groupUserShares.emplace_back(user.name);
         }
     }
 }
@@ -198,10 +251,10 @@ std::string BRController::tableViewObjectValueForTableColumn(NSTableView* table,
         return valueOf(currentShares_[index].valueForKey(column.identifier));
     }
     if (table == userTableView) {
-        return valueOf(userShares[index].valueForKey(column.identifier));
+        return std::string(userShares[index].valueForKey(column.identifier).value_or(""));
     }
     if (table == groupTableView) {
-        return valueOf(groupShares[index].valueForKey(column.identifier));
+        return std::string(groupShares[index].valueForKey(column.identifier).value_or(""));
     }
     return groupUserShares[index];
 }

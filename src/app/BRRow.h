@@ -1,48 +1,58 @@
 #pragma once
 
 #include <algorithm>
+#include <array>
+#include <cstdint>
 #include <initializer_list>
+#include <optional>
+#include <span>
 #include <stdexcept>
 #include <string>
 #include <string_view>
-#include <vector>
 
 /// A row of the user or the group table: strings by column identifier. A computer may have tens of thousands
-/// of users, so a row is a single allocation.
+/// of users, so all strings of a row share one piece of memory.
 class BRRow {
   public:
-    struct Cell {
-        std::string_view identifier; ///< a literal
-        std::string text;
-    };
+    static constexpr std::size_t mostColumns = 5;
 
-    struct Text {
-        std::string_view identifier; ///< a literal
-        std::string_view text;
-    };
-
-    BRRow(std::initializer_list<Text> texts) {
-        cells_.reserve(texts.size());
-        for (const Text& each : texts) {
-            cells_.push_back({each.identifier, std::string(each.text)});
+    /// `columns` are the identifiers of `texts`, in the same order, at most `mostColumns`. They must outlive
+    /// the row.
+    BRRow(std::span<const std::string_view> columns, std::initializer_list<std::string_view> texts)
+        : columns_(columns) {
+        std::size_t size = 0;
+        for (const std::string_view text : texts) {
+            size += text.size();
+        }
+        texts_.reserve(size);
+        for (std::size_t column = 0; const std::string_view text : texts) {
+            texts_ += text;
+            ends_.at(column++) = static_cast<std::uint32_t>(texts_.size());
         }
     }
 
-    /// Returns the string in that column, or null.
-    [[nodiscard]] const std::string* valueForKey(std::string_view identifier) const {
-        const auto cell = std::ranges::find(cells_, identifier, &Cell::identifier);
-        return cell == cells_.end() ? nullptr : &cell->text;
+    /// Returns the string in that column, or none. It is valid as long as the row.
+    [[nodiscard]] std::optional<std::string_view> valueForKey(std::string_view identifier) const {
+        const auto column =
+            static_cast<std::size_t>(std::ranges::find(columns_, identifier) - columns_.begin());
+        if (column == columns_.size()) {
+            return std::nullopt;
+        }
+        const std::size_t start = column == 0 ? 0 : ends_.at(column - 1);
+        return std::string_view(texts_).substr(start, ends_.at(column) - start);
     }
 
     /// The same for a column that every row has; throws std::out_of_range for any other.
-    [[nodiscard]] const std::string& at(std::string_view identifier) const {
-        const std::string* text = valueForKey(identifier);
-        if (text == nullptr) {
+    [[nodiscard]] std::string at(std::string_view identifier) const {
+        const auto text = valueForKey(identifier);
+        if (!text) {
             throw std::out_of_range("a row has no column " + std::string(identifier));
         }
-        return *text;
+        return std::string(*text);
     }
 
   private:
-    std::vector<Cell> cells_;
+    std::span<const std::string_view> columns_;
+    std::array<std::uint32_t, mostColumns> ends_{}; ///< of each text in `texts_`
+    std::string texts_;
 };

@@ -32,9 +32,9 @@ inline constexpr std::int64_t highestSystemGroupId = 100;
 }
 
 struct ShareRecord {
-    explicit ShareRecord(std::string_view line) : ShareRecord(piecesOfReportLine(line)) {}
+    explicit ShareRecord(std::string_view line) : ShareRecord(ReportPieces(line)) {}
 
-    explicit ShareRecord(const std::vector<std::string_view>& pieces)
+    explicit ShareRecord(const ReportPieces& pieces)
         : name(pieces.at(0)), folder(pieces.at(1)), afpShared(pieces.at(2)), afpName(pieces.at(3)),
           inheritsPrivileges(pieces.at(4) == "1"), inheritsOwner(pieces.at(5) == "1") {}
 
@@ -46,18 +46,20 @@ struct ShareRecord {
     bool inheritsOwner;
 };
 
-struct UserRecord {
-    explicit UserRecord(std::string_view line) : UserRecord(piecesOfReportLine(line)) {}
+/// `Text` is std::string, or std::string_view for a record that does not outlive its line.
+template <class Text>
+struct BasicUserRecord {
+    explicit BasicUserRecord(std::string_view line) : BasicUserRecord(ReportPieces(line)) {}
 
-    explicit UserRecord(const std::vector<std::string_view>& pieces)
+    explicit BasicUserRecord(const ReportPieces& pieces)
         : name(pieces.at(0)), uid(pieces.at(1)), sharesPublicFolder(isShared(pieces)), fullName(pieces.at(3)),
           gid(pieces.at(4)) {}
 
-    std::string name;
-    std::string uid;
+    Text name;
+    Text uid;
     bool sharesPublicFolder;
-    std::string fullName;
-    std::string gid; ///< the primary group's id
+    Text fullName;
+    Text gid; ///< the primary group's id
 
     /// 0 when there is no number. Ids up to 4294967294 are valid here: with 32 bits, a user in such a group
     /// would be written back with another one.
@@ -66,16 +68,19 @@ struct UserRecord {
     [[nodiscard]] bool isSystem() const { return id() <= highestSystemUserId; }
 
   private:
-    [[nodiscard]] static bool isShared(const std::vector<std::string_view>& pieces) {
+    [[nodiscard]] static bool isShared(const ReportPieces& pieces) {
         constexpr std::size_t wholeReport = 6;
         return pieces.size() == wholeReport && isPublicFolderShared(pieces.at(2));
     }
 };
 
-struct GroupRecord {
-    explicit GroupRecord(std::string_view line) : GroupRecord(piecesOfReportLine(line)) {}
+using UserRecord = BasicUserRecord<std::string>;
+using UserLine = BasicUserRecord<std::string_view>;
 
-    explicit GroupRecord(const std::vector<std::string_view>& pieces)
+struct GroupRecord {
+    explicit GroupRecord(std::string_view line) : GroupRecord(ReportPieces(line)) {}
+
+    explicit GroupRecord(const ReportPieces& pieces)
         : gid(pieces.at(0)), name(pieces.at(1)), memberField(pieces.at(2)) {}
 
     std::string gid;

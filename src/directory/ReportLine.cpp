@@ -1,15 +1,22 @@
 #include "directory/ReportLine.h"
 
 #include <algorithm>
-#include <cstddef>
+#include <stdexcept>
+#include <string>
 
-std::vector<std::string_view> piecesOfReportLine(std::string_view line) {
-    std::vector<std::string_view> pieces;
-    pieces.reserve(static_cast<std::size_t>(std::ranges::count(line, '\t')) + 1);
-    for (std::size_t end = line.find('\t'); end != std::string_view::npos; end = line.find('\t')) {
-        pieces.push_back(line.substr(0, end));
-        line.remove_prefix(end + 1);
+ReportPieces::ReportPieces(std::string_view line) {
+    for (std::size_t start = 0; start != std::string_view::npos; ++size_) {
+        const std::size_t end = line.find('\t', start);
+        if (size_ < mostKept) {
+            pieces_[size_] = line.substr(start, end - start);
+        }
+        start = end == std::string_view::npos ? end : end + 1;
     }
-    pieces.push_back(line);
-    return pieces;
+}
+
+std::string_view ReportPieces::at(std::size_t index) const {
+    if (index >= std::min(size_, mostKept)) {
+        throw std::out_of_range("a report line has no piece " + std::to_string(index));
+    }
+    return pieces_[index];
 }

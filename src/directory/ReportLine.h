@@ -1,12 +1,28 @@
 #pragma once
 
+#include <array>
+#include <cstddef>
 #include <string_view>
-#include <vector>
 
 /// What a report shows for a property without values.
 inline constexpr std::string_view reportNoValue = "#NoValue#";
 
-/// The fields of a report line in the requested order, and a last piece with the line's end. A value that
-/// contains a tab gives additional pieces. Read a piece with `.at()`, so that a line without it raises
-/// std::out_of_range. The pieces are parts of `line`, which must outlive them.
-[[nodiscard]] std::vector<std::string_view> piecesOfReportLine(std::string_view line);
+/// The pieces of a report line: a field for each requested property, in the requested order, and a last piece
+/// with the line's end. A value that contains a tab gives additional pieces. They are parts of the line,
+/// which must outlive them.
+class ReportPieces {
+  public:
+    explicit ReportPieces(std::string_view line);
+
+    [[nodiscard]] std::size_t size() const { return size_; }
+
+    /// Throws std::out_of_range when the line has no such piece.
+    [[nodiscard]] std::string_view at(std::size_t index) const;
+
+  private:
+    /// More than any report has. Further pieces come from tabs in values; they are counted, but not kept.
+    static constexpr std::size_t mostKept = 10;
+
+    std::array<std::string_view, mostKept> pieces_;
+    std::size_t size_ = 0;
+};

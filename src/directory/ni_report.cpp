@@ -17,42 +17,48 @@ bool succeeded(const char* label, ni_status status) {
     return status == NI_OK;
 }
 
+/// What a report reads of each record, kept so that a long report does not ask for memory again and again.
+struct RecordLists {
+    ni_namelist names;
+    ni_namelist values;
+};
+
 /// Appends the field of one requested property, without the tab after it. Returns whether it could be read.
-bool appendField(ni_domain* domain, ni_id& id, const ni_namelist& names, const std::string& wanted,
-                 ni_namelist& values, std::string& line) {
-    const auto name = std::ranges::find(names.ninl_val, wanted);
-    const bool isRead = name == names.ninl_val.end() ||
-                        succeeded("ni_lookupprop", ni_lookupprop(domain, &id, *name, &values));
-    if (values.ninl_val.empty()) {
+bool appendField(ni_domain* domain, ni_id& id, RecordLists& lists, const std::string& wanted,
+                 std::string& line) {
+    const auto& names = lists.names.ninl_val;
+    auto& values = lists.values.ninl_val;
+    const auto name = std::ranges::find(names, wanted);
+    const bool isRead =
+        name == names.end() || succeeded("ni_lookupprop", ni_lookupprop(domain, &id, *name, &lists.values));
+    if (values.empty()) {
         line += reportNoValue;
         return isRead;
     }
-    for (bool first = true; const auto& value : values.ninl_val) {
+    for (bool first = true; const auto& value : values) {
         if (!first) {
             line += ',';
         }
         first = false;
         line += value;
     }
-    ni_namelist_free(&values);
+    ni_namelist_free(&lists.values);
     return isRead;
 }
 
 /// Appends the line of the record `id`. Returns whether all of it could be read.
-bool appendLine(ni_domain* domain, ni_id id, std::span<const std::string> properties,
+bool appendLine(ni_domain* domain, ni_id id, std::span<const std::string> properties, RecordLists& lists,
                 std::vector<std::string>& output) {
     std::string line;
     line.reserve(output.empty() ? 0 : output.back().size()); // most lines are about as long as the one before
-    ni_namelist names;
-    ni_namelist values;
-    bool isRead = succeeded("ni_listprops", ni_listprops(domain, &id, &names));
+    bool isRead = succeeded("ni_listprops", ni_listprops(domain, &id, &lists.names));
     for (const auto& property : properties) {
-        isRead = appendField(domain, id, names, property, values, line) && isRead;
+        isRead = appendField(domain, id, lists, property, line) && isRead;
         line += '\t';
     }
     line += '\n';
     output.push_back(std::move(line));
-    ni_namelist_free(&names);
+    ni_namelist_free(&lists.names);
     return isRead;
 }
 
@@ -62,8 +68,9 @@ bool appendLines(ni_domain* domain, ni_id id, std::span<const std::string> prope
     ni_idlist children;
     bool isRead = succeeded("ni_children", ni_children(domain, &id, &children));
     output.reserve(output.size() + children.niil_val.size()); // so that a long list is not moved as it grows
+    RecordLists lists;
     for (const std::uint32_t child : children.niil_val) {
-        isRead = appendLine(domain, {child}, properties, output) && isRead;
+        isRead = appendLine(domain, {child}, properties, lists, output) && isRead;
     }
     ni_idlist_free(&children);
     return isRead;
@@ -104,7 +111,9 @@ void errexit(const char* label, ni_status status) {
 
 int ni_report_dir(ni_domain* domain, ni_id id, std::span<const std::string> properties,
                   std::vector<std::string>& output) {
-    static_cast<void>(appendLine(domain, id, properties, output)); // what cannot be read has been logged
+    RecordLists lists;
+    static_cast<void>(
+        appendLine(domain, id, properties, lists, output)); // what cannot be read has been logged
     return NI_OK;
 }
 

@@ -1,6 +1,7 @@
 #include "review/Blocked.h"
 
 #include "directory/DirectoryRules.h"
+#include "model/SMBParser.h"
 #include "platform/appkit/NSTextField.h"
 #include "platform/foundation/Host.h"
 #include "platform/foundation/NSBundle.h"
@@ -195,10 +196,20 @@ bool endsInBackslash(std::string_view value) {
     return value.ends_with('\\');
 }
 
-void addSettingsBlocks(const BROutlets& controls, std::vector<Remark>* blocks) {
+/// Whether the plan writes a line that sets the key.
+bool writes(const Plan& plan, std::string_view key) {
+    return std::ranges::any_of(plan.smbConfLines, [&](const LineChange& change) {
+        const auto pair = SMBParser::pairOf(change.line);
+        return change.kind == LineChange::Kind::Comes && pair && pair->key == key;
+    });
+}
+
+void addSettingsBlocks(const Plan& plan, const BROutlets& controls, std::vector<Remark>* blocks) {
+    const bool keepsLayout = platform::Host::current().services().keepsLayout;
     for (const SMBTextField& field : smbTextFields) {
         const std::string& value = (controls.*field.field)->stringValue();
-        if (endsInBackslash(value)) {
+        // Where lines stay as they are, one that is continued by hand is as good as before.
+        if (endsInBackslash(value) && (!keepsLayout || writes(plan, field.key))) {
             blocks->push_back(
                 {"text",
                  stringWithFormat(
@@ -226,7 +237,7 @@ std::vector<Remark> blocksOf(const Plan& plan, const BROutlets& controls, const 
         }
     }
     if (plan.operation == "updateSMBProperties:") {
-        addSettingsBlocks(controls, &blocks);
+        addSettingsBlocks(plan, controls, &blocks);
     }
     return blocks;
 }

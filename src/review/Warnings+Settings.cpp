@@ -1,10 +1,12 @@
 #include "review/Warnings.h"
 
+#include "model/SMBParser.h"
 #include "model/ServerSettings.h"
 #include "platform/foundation/NSBundle.h"
 #include "platform/foundation/NSString.h"
 #include "review/SMBFields.h"
 
+#include <algorithm>
 #include <functional>
 #include <map>
 #include <string_view>
@@ -63,6 +65,33 @@ void addSection(const std::vector<SMBSetting>& settings, const SMBShare* before,
     }
 }
 
+/// How many settings are named; the rest are only counted.
+constexpr std::size_t namedSettings = 6;
+
+/// Names what becomes active with the home folders beside what the page shows: a comment with a "=" below a
+/// commented-out section counts as a setting of it, even if it is about the next share.
+void addWokenSettings(const SMBShare& homes, const std::vector<SMBSetting>& shown,
+                      std::vector<Remark>* warnings) {
+    std::string names;
+    std::size_t count = 0;
+    for (const SMBPair& pair : homes.Props()) {
+        const bool isShown = std::ranges::find(shown, pair.Name.view(), &SMBSetting::key) != shown.end();
+        if (!isShown && !SMBParser::isComment(pair.Name) && ++count <= namedSettings) {
+            names += (count == 1 ? "\"" : ", \"") + pair.Name.str() + " = " + pair.Value.str() + "\"";
+        }
+    }
+    if (count > namedSettings) {
+        names += stringWithFormat(NSLocalizedString(", and %d more"), count - namedSettings);
+    }
+    if (count > 0) {
+        warnings->push_back(
+            {"untouched-setting",
+             stringWithFormat(NSLocalizedString("Sharing the home folders makes these settings of the "
+                                                "commented-out section [homes] active, too: %@."),
+                              names)});
+    }
+}
+
 bool isLive(const SMBShare* section) {
     return section != nullptr && section->Type() == SMBGroup;
 }
@@ -74,8 +103,14 @@ void addSMBPage(const Situation& situation, std::vector<Remark>* warnings) {
         return;
     }
     addSection(globalSettings(situation.before), before->Global(), *after->Global(), warnings);
-    if (isLive(before->Homes()) && isLive(after->Homes())) {
-        addSection(homesSettings(situation.before), before->Homes(), *after->Homes(), warnings);
+    if (before->Homes() == nullptr || !isLive(after->Homes())) {
+        return;
+    }
+    const std::vector<SMBSetting> homes = homesSettings(situation.before);
+    if (isLive(before->Homes())) {
+        addSection(homes, before->Homes(), *after->Homes(), warnings);
+    } else {
+        addWokenSettings(*after->Homes(), homes, warnings);
     }
 }
 

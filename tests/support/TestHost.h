@@ -39,6 +39,7 @@ class TestHost {
         bool realResources = true; ///< use the project's own resources folder
         std::optional<std::int32_t> systemVersion = 0x1040;
         std::vector<std::string> languages = {"English"}; ///< by the names of their folders
+        bool keepsLayout = false;                         ///< of smb.conf, as on the computer itself
     };
 
     TestHost();

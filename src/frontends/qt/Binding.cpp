@@ -5,6 +5,7 @@
 #include <QTimer>
 
 #include <algorithm>
+#include <chrono>
 #include <utility>
 
 RefreshQueue::~RefreshQueue() {
@@ -78,6 +79,14 @@ void Binding::markDirty() {
         waiting_ = true;
         queue_->add(this);
     }
+}
+
+void afterFirstPaint(QObject* owner, std::function<void()> work) {
+    // The time counts from when the event loop runs again: at the start the tables are filled before that.
+    constexpr auto whenPainted = std::chrono::milliseconds(50);
+    QTimer::singleShot(0, owner, [owner, whenPainted, work = std::move(work)] {
+        QTimer::singleShot(whenPainted, owner, work);
+    });
 }
 
 void dispatchUserEvent(RefreshQueue& queue, const std::function<void()>& event) {

@@ -71,6 +71,10 @@ class Binding : public QObject {
     bool waiting_ = false;
 };
 
+/// Makes what is not visible yet, after the window that is about to be shown has been painted. Does nothing
+/// once `owner` is destroyed.
+void afterFirstPaint(QObject* owner, std::function<void()> work);
+
 /// Calls queue.runUserEvent(event).
 void dispatchUserEvent(RefreshQueue& queue, const std::function<void()>& event);
 

@@ -2,13 +2,14 @@
 
 #include "frontends/qt/Mnemonics.h"
 #include "frontends/qt/NodeAttributes.h"
+#include "frontends/qt/PNGImage.h"
 #include "platform/appkit/NSButton.h"
 #include "platform/appkit/NSTableView.h"
 #include "platform/appkit/NSTextField.h"
 
 #include <QCheckBox>
+#include <QFileInfo>
 #include <QGridLayout>
-#include <QPixmap>
 #include <QPushButton>
 
 namespace {
@@ -19,9 +20,15 @@ constexpr const char* modelProperty = "model";
 constexpr int imageSize = 24;
 
 /// Returns the button's image; a null icon when there is none or Qt cannot read it. The button then shows its
-/// title.
+/// title. The images are TIFF, for which Qt needs a plug-in with seven libraries, so they are read from their
+/// copies as PNG beside them.
 QIcon iconOf(const NSButton& button) {
-    return button.image() ? QIcon(QPixmap(shown(button.image()->path()))) : QIcon();
+    if (!button.image()) {
+        return {};
+    }
+    const QFileInfo image(shown(button.image()->path()));
+    const QString copy = image.path() + QLatin1Char('/') + image.completeBaseName() + QLatin1String(".png");
+    return QIcon(pixmapFromPNG(copy));
 }
 
 } // namespace

@@ -10,6 +10,7 @@
 #include <QScrollBar>
 
 #include <algorithm>
+#include <utility>
 
 namespace {
 
@@ -46,23 +47,11 @@ int roomBeside(const QWidget& window) {
 
 } // namespace
 
-Drawer::Drawer(NSDrawer& drawer, Parts parts, int width, int leastBeside, bool animated, RefreshQueue& queue)
-    : drawer_(drawer), width_(width), leastBeside_(leastBeside), animated_(animated),
-      holder_(new QWidget(this)) {
+Drawer::Drawer(NSDrawer& drawer, MakeParts makeParts, int width, int leastBeside, bool animated,
+               RefreshQueue& queue)
+    : drawer_(drawer), makeParts_(std::move(makeParts)), width_(width), leastBeside_(leastBeside),
+      animated_(animated), holder_(new QWidget(this)) {
     setAutoFillBackground(true); // it may cover the page
-    auto* sides = new QHBoxLayout(holder_);
-    sides->setContentsMargins(0, 0, 0, 0);
-    sides->setSpacing(0);
-    QFrame* edge = line(QFrame::VLine);
-    sides->addWidget(edge);
-    auto* inside = new QVBoxLayout;
-    inside->setSpacing(0);
-    inside->addWidget(scrolled(parts.contents, width - edge->sizeHint().width()), 1);
-    if (parts.foot != nullptr) {
-        inside->addWidget(line(QFrame::HLine));
-        inside->addWidget(parts.foot);
-    }
-    sides->addLayout(inside, 1);
     shade();
     setShownWidth(0);
     slide_.setDuration(slideTime);
@@ -70,6 +59,28 @@ Drawer::Drawer(NSDrawer& drawer, Parts parts, int width, int leastBeside, bool a
     connect(&slide_, &QVariantAnimation::valueChanged, this,
             [this](const QVariant& value) { setShownWidth(value.toInt()); });
     new Binding(this, queue, drawer.changed, [this] { load(); });
+    afterFirstPaint(this, [this] { build(); });
+}
+
+void Drawer::build() {
+    const MakeParts makeParts = std::exchange(makeParts_, nullptr);
+    if (!makeParts) {
+        return;
+    }
+    const Parts parts = makeParts();
+    auto* sides = new QHBoxLayout(holder_);
+    sides->setContentsMargins(0, 0, 0, 0);
+    sides->setSpacing(0);
+    QFrame* edge = line(QFrame::VLine);
+    sides->addWidget(edge);
+    auto* inside = new QVBoxLayout;
+    inside->setSpacing(0);
+    inside->addWidget(scrolled(parts.contents, width_ - edge->sizeHint().width()), 1);
+    if (parts.foot != nullptr) {
+        inside->addWidget(line(QFrame::HLine));
+        inside->addWidget(parts.foot);
+    }
+    sides->addLayout(inside, 1);
 }
 
 void Drawer::shade() {
@@ -99,6 +110,7 @@ void Drawer::load() {
     }
     opened_ = drawer_.isOpen();
     if (opened_) {
+        build();
         grow(*window());
         slideTo(width_);
     } else {

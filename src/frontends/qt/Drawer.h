@@ -7,12 +7,14 @@
 #include <QVariantAnimation>
 #include <QWidget>
 
+#include <functional>
 #include <memory>
 #include <vector>
 
 /// The widget for a drawer, at the window's right edge. Its contents scroll when the window is too low, and
-/// its foot stays visible below them. The window is widened for it as far as the screen has room. When the
-/// page beside it would become too narrow, the drawer covers the page instead.
+/// its foot stays visible below them. They are made when it first opens, or when the event loop is idle. The
+/// window is widened for it as far as the screen has room. When the page beside it would become too narrow,
+/// the drawer covers the page instead.
 class Drawer : public QWidget {
     Q_OBJECT
 
@@ -22,9 +24,13 @@ class Drawer : public QWidget {
         QWidget* foot; ///< null when there is none
     };
 
-    /// Takes ownership of both parts. `width` is the drawer's width, and `leastBeside` that of the narrowest
-    /// page that it is shown beside, in pixels. Without `animated` it opens and closes at once.
-    Drawer(NSDrawer& drawer, Parts parts, int width, int leastBeside, bool animated, RefreshQueue& queue);
+    using MakeParts = std::function<Parts()>;
+
+    /// Takes ownership of both parts that `makeParts` returns. `width` is the drawer's width, and
+    /// `leastBeside` that of the narrowest page that it is shown beside, in pixels. Without `animated` it
+    /// opens and closes at once.
+    Drawer(NSDrawer& drawer, MakeParts makeParts, int width, int leastBeside, bool animated,
+           RefreshQueue& queue);
 
     /// The width that is visible while it slides out.
     [[nodiscard]] int shownWidth() const { return shownWidth_; }
@@ -45,6 +51,7 @@ class Drawer : public QWidget {
     void changeEvent(QEvent* event) override;
 
   private:
+    void build();
     void load();
     void grow(QWidget& window);
     void giveBack(QWidget& window);
@@ -53,6 +60,7 @@ class Drawer : public QWidget {
     void shade();
 
     NSDrawer& drawer_;
+    MakeParts makeParts_; ///< empty once they are made
     int width_;
     int leastBeside_;
     bool animated_;

@@ -3,6 +3,7 @@
 #include "frontends/qt/Accessibility.h"
 #include "frontends/qt/Binding.h"
 #include "frontends/qt/KeyAccess.h"
+#include "frontends/qt/PNGImage.h"
 #include "frontends/qt/PlainStyle.h"
 #include "frontends/qt/QtPresenter.h"
 #include "frontends/qt/Snapshots.h"
@@ -12,7 +13,6 @@
 
 #include <QApplication>
 #include <QIcon>
-#include <QImageReader>
 #include <QLibraryInfo>
 #include <QLoggingCategory>
 #include <QMessageBox>
@@ -37,11 +37,8 @@ QIcon windowIcon() {
     for (const int size : {16, 32, 48}) {
         const QString file = QString::fromStdString(NSBundle::mainBundle().resourcePath()) +
                              QStringLiteral("/../icons/hicolor/%1x%1/apps/brindle.png").arg(size);
-        // Said which format it is, Qt does not load those that it has plug-ins for.
-        QImageReader reader(file, "png");
-        reader.setAutoDetectImageFormat(false);
-        if (const QImage image = reader.read(); !image.isNull()) {
-            icon.addPixmap(QPixmap::fromImage(image));
+        if (const QPixmap pixmap = pixmapFromPNG(file); !pixmap.isNull()) {
+            icon.addPixmap(pixmap);
         }
     }
     return icon;

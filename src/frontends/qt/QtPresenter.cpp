@@ -247,7 +247,7 @@ void QtPresenter::interfaceDidLoad(Interface& interface) {
             auto* main = qobject_cast<QMainWindow*>(mainWidget_);
             auto* tabs = dynamic_cast<NSTabView*>(interface.find("mainTabView"));
             if (main != nullptr && manner_ == QtFrontend::Manner::Interactive) {
-                new WindowPlace(*window, *main); // the window's child
+                new WindowPlace(*window, tabs, *main); // the window's child
             }
             if (main != nullptr && menuBar != nullptr && tabs != nullptr) {
                 new WindowPages(*tabs, *main, *actions_.back(), *queue_); // the same

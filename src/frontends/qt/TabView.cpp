@@ -5,7 +5,6 @@
 #include <QVBoxLayout>
 
 #include <algorithm>
-#include <chrono>
 #include <utility>
 
 TabView::TabView(NSTabView& tabView, std::vector<MakePage> pages, RefreshQueue& queue)
@@ -61,11 +60,7 @@ void TabView::build(int page) {
 
 void TabView::showEvent(QShowEvent* event) {
     QWidget::showEvent(event);
-    // Let the visible page be painted first. The time counts from when the event loop runs again: at the
-    // start the tables are filled before that.
-    constexpr auto whenPainted = std::chrono::milliseconds(50);
-    QTimer::singleShot(0, this,
-                       [this, whenPainted] { QTimer::singleShot(whenPainted, this, &TabView::buildNext); });
+    afterFirstPaint(this, [this] { buildNext(); });
 }
 
 void TabView::buildNext() {

@@ -9,6 +9,7 @@
 #include <QMenu>
 
 #include <algorithm>
+#include <set>
 #include <utility>
 
 namespace {
@@ -157,8 +158,13 @@ int TableView::neededWidth(int section) {
     }
     const int inView = viewport()->height() / verticalHeader()->defaultSectionSize() + 1;
     int width = std::max(leastWidth(section), horizontalHeader()->minimumSectionSize());
+    std::set<QString> measured; // most columns hold few different texts, and measuring one takes long
     for (int place = 0; place < std::min(model_.rowCount(), inView); ++place) {
-        width = std::max(width, sizeHintForIndex(model_.index(place, section)).width());
+        const QModelIndex cell = model_.index(place, section);
+        const bool isNew = measured.insert(cell.data().toString()).second;
+        if (isNew || cell.data(Qt::DecorationRole).isValid()) {
+            width = std::max(width, sizeHintForIndex(cell).width());
+        }
     }
     return neededWidths_[section] = width;
 }
@@ -170,21 +176,23 @@ void TableView::shareWidth() {
     const auto columns = static_cast<std::size_t>(model_.columnCount());
     std::vector<int> widths(columns, 0);
     std::vector<int> needs(columns, 0);
+    std::vector<int> titles(columns, 0);
     int wanted = 0;
     int least = 0;
     for (std::size_t column = 0; column < columns; ++column) {
         const int section = static_cast<int>(column);
         if (!isColumnHidden(section)) {
-            widths[column] = std::max(table_.tableColumns()[column].width, leastWidth(section));
+            titles[column] = leastWidth(section);
+            widths[column] = std::max(table_.tableColumns()[column].width, titles[column]);
             needs[column] = neededWidth(section);
             wanted += widths[column];
-            least += leastWidth(section);
+            least += titles[column];
         }
     }
     const int room = viewport()->width();
     const bool isTight = room < wanted && room >= least && room > wanted * tightest / 100;
     for (std::size_t column = 0; column < columns && wanted > 0; ++column) {
-        const int title = leastWidth(static_cast<int>(column));
+        const int title = titles[column];
         if (widths[column] > 0 && isTight) {
             widths[column] = title + (widths[column] - title) * (room - least) / (wanted - least);
         } else if (room > wanted) {

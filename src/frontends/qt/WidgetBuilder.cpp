@@ -92,13 +92,14 @@ QWidget* WidgetBuilder::makeDrawer(const InterfaceNode& node, int windowWidth) {
     constexpr int usualWidth = 340;
     const int width = number(node, "width");
     const int leastBeside = windowWidth * 5 / 6; // a page is still usable at this width
-    const InterfaceNode& contents = *node.children.at(0);
-    const auto foot =
-        std::ranges::find_if(contents.children, [](const auto& child) { return isFoot(*child); });
-    auto* drawer =
-        new Drawer(*modelOf<NSDrawer>(node),
-                   {makePage(contents), foot == contents.children.end() ? nullptr : makePage(**foot)},
-                   width > 0 ? width : usualWidth, leastBeside, animated_, queue_);
+    auto makeParts = [this, &node]() -> Drawer::Parts {
+        const InterfaceNode& contents = *node.children.at(0);
+        const auto foot =
+            std::ranges::find_if(contents.children, [](const auto& child) { return isFoot(*child); });
+        return {makePage(contents), foot == contents.children.end() ? nullptr : makePage(**foot)};
+    };
+    auto* drawer = new Drawer(*modelOf<NSDrawer>(node), std::move(makeParts), width > 0 ? width : usualWidth,
+                              leastBeside, animated_, queue_);
     finish(*drawer, node);
     return drawer;
 }

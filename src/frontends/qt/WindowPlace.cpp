@@ -16,6 +16,7 @@
 namespace {
 
 constexpr int settleTime = 300; // milliseconds
+constexpr int drawersPage = 0;
 
 std::vector<QRect> freeAreas() {
     std::vector<QRect> areas;
@@ -27,14 +28,18 @@ std::vector<QRect> freeAreas() {
 
 } // namespace
 
-WindowPlace::WindowPlace(const NSWindow& model, QMainWindow& window)
-    : QObject(&window), key_("BrindleWindow." + model.name()), window_(window),
+WindowPlace::WindowPlace(const NSWindow& model, NSTabView* tabs, QMainWindow& window)
+    : QObject(&window), key_("BrindleWindow." + model.name()), tabs_(tabs), window_(window),
       drawer_(window.findChild<Drawer*>()) {
     settled_.setSingleShot(true);
     settled_.setInterval(settleTime);
     connect(&settled_, &QTimer::timeout, this, &WindowPlace::remember);
     if (drawer_ != nullptr) {
         drawerChanged_ = drawer_->model().changed.connect([this] { drawerChanged(); });
+    }
+    if (tabs_ != nullptr) {
+        page_ = tabs_->indexOfSelectedTabViewItem();
+        pageChanged_ = tabs_->changed.connect([this] { pageChanged(); });
     }
     restore();
     window.installEventFilter(this);
@@ -70,7 +75,7 @@ void WindowPlace::remember() {
             place_.setWidth(place_.width() - drawer_->grown());
         }
     }
-    const bool isOpen = drawer_ != nullptr && drawer_->model().isOpen();
+    const bool isOpen = drawer_ != nullptr && (drawer_->model().isOpen() || comesBack_);
     NSUserDefaults::standardUserDefaults().setString(
         stringWithFormat("%d\t%d\t%d\t%d\t%@\t%@", place_.x(), place_.y(), place_.width(), place_.height(),
                          window_.windowState().testFlag(Qt::WindowMaximized) ? "maximized" : "normal",
@@ -80,8 +85,25 @@ void WindowPlace::remember() {
 
 void WindowPlace::drawerChanged() {
     const bool isOpen = drawer_->model().isOpen();
-    if (isOpen != std::exchange(isOpen_, isOpen)) {
-        settled_.start();
+    if (isOpen == std::exchange(isOpen_, isOpen)) {
+        return;
+    }
+    if (!std::exchange(isLeft_, false)) {
+        comesBack_ = false; // the user closed it, so it stays closed
+    }
+    settled_.start();
+}
+
+void WindowPlace::pageChanged() {
+    const int page = tabs_->indexOfSelectedTabViewItem();
+    if (page == std::exchange(page_, page) || drawer_ == nullptr) {
+        return;
+    }
+    NSDrawer& drawer = drawer_->model();
+    isLeft_ = page != drawersPage && drawer.isOpen();
+    comesBack_ = comesBack_ || isLeft_;
+    if (page == drawersPage && comesBack_) {
+        drawer.open();
     }
 }
 

@@ -40,10 +40,10 @@ class Reader {
     }
 
   private:
-    [[noreturn]] void fail(const std::string& expected) const {
+    [[noreturn]] void fail(std::string_view expected) const {
         const auto line =
             1 + std::count(bytes_.begin(), bytes_.begin() + static_cast<std::ptrdiff_t>(position_), '\n');
-        throw Fault{"line " + std::to_string(line) + ": expected " + expected};
+        throw Fault{"line " + std::to_string(line) + ": expected " + std::string(expected)};
     }
 
     bool accept(std::string_view token) {
@@ -54,7 +54,7 @@ class Reader {
         return true;
     }
 
-    void expect(std::string_view token, const std::string& description) {
+    void expect(std::string_view token, std::string_view description) {
         skipSpace();
         if (!accept(token)) {
             fail(description);
@@ -78,13 +78,13 @@ class Reader {
         }
     }
 
-    std::string quoted(const std::string& description) {
+    std::string quoted(std::string_view description) {
         expect("\"", description);
         const std::size_t start = position_;
         std::string text;
         while (true) {
-            const std::size_t end = bytes_.find_first_of("\"\\", position_);
-            if (end == std::string_view::npos) {
+            const std::size_t end = endOfPlainText();
+            if (end == bytes_.size()) {
                 position_ = start;
                 fail("a double quote at the end of the text that begins here");
             }
@@ -95,6 +95,14 @@ class Reader {
             }
             readEscape(text);
         }
+    }
+
+    /// Where the next quote or backslash is; the end of the table if there is none.
+    [[nodiscard]] std::size_t endOfPlainText() const {
+        const auto isSpecial = [](char character) { return character == '"' || character == '\\'; };
+        return static_cast<std::size_t>(
+            std::find_if(bytes_.begin() + static_cast<std::ptrdiff_t>(position_), bytes_.end(), isSpecial) -
+            bytes_.begin());
     }
 
     void readEscape(std::string& text) {

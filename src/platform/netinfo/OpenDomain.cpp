@@ -13,6 +13,9 @@ namespace {
 /// stay in the processor's cache.
 constexpr std::int64_t readAhead = 256;
 
+/// A record that is found through the index costs about as much as passing this many.
+constexpr std::int64_t passedForOneFound = 4;
+
 /// Looks for the record among those that have been read.
 FoundRecord findAmongRead(const ni_domain& domain, std::uint32_t id) {
     const bool isLine = id >= firstUserLineId;
@@ -21,19 +24,33 @@ FoundRecord findAmongRead(const ni_domain& domain, std::uint32_t id) {
     return {block, block != nullptr && *block ? (*block)->find(id) : nullptr};
 }
 
+/// The records of the directory that is being read from one record on. Where most neighbors in the store
+/// belong to it, they are read in their order; otherwise the index of parents finds each.
+SqliteStatement& nextRecords(ni_domain& domain) {
+    return domain.expectedAreDense
+               ? domain.prepared(domain.nextNeighbors,
+                                 "SELECT id, content FROM record WHERE +parent = ?2 AND "
+                                 "id BETWEEN ?1 AND ?4 ORDER BY id LIMIT ?3")
+               : domain.prepared(domain.nextRecords,
+                                 "SELECT id, content FROM record WHERE parent = ?2 AND id "
+                                 ">= ?1 ORDER BY id LIMIT ?3");
+}
+
 /// Reads the record, and, if it is the one that is expected next, those after it.
 ni_status readRecord(ni_domain& domain, std::uint32_t id, FoundRecord* found) {
     const bool isExpected = domain.expected == id;
     SqliteStatement& rows =
-        isExpected
-            ? domain.prepared(domain.nextRecords, "SELECT id, content FROM record WHERE parent = ?2 AND id "
-                                                  ">= ?1 ORDER BY id LIMIT ?3")
-            : domain.prepared(domain.oneRecord, "SELECT id, content FROM record WHERE id = ?1");
+        isExpected ? nextRecords(domain)
+                   : domain.prepared(domain.oneRecord, "SELECT id, content FROM record WHERE id = ?1");
     rows.bind(1, std::int64_t{id});
     if (isExpected) {
         rows.bind(2, domain.expectedParent).bind(3, readAhead);
+        if (domain.expectedAreDense) {
+            rows.bind(4, domain.lastExpected); // what follows it may be as large as what was read
+        }
     }
     int error = SQLITE_OK;
+    domain.block.reset(); // so that the new block takes its place in memory
     auto block = std::make_shared<RecordBlock>(RecordBlock::of(rows, &error));
     if (error != SQLITE_OK) {
         return statusOf(error);
@@ -149,7 +166,10 @@ ni_status addStoredChildren(ni_domain& domain, std::uint32_t parent, ni_idlist* 
         children->niil_val.resize(before); // a part of the list could be taken for the whole
     } else if (children->niil_val.size() > before) {
         domain.expected = children->niil_val[before];
+        domain.lastExpected = children->niil_val.back();
         domain.expectedParent = parent;
+        const auto count = static_cast<std::int64_t>(children->niil_val.size() - before);
+        domain.expectedAreDense = domain.lastExpected - domain.expected < count * passedForOneFound;
     } else if (!recordExists(domain, parent, &error)) {
         return error == SQLITE_OK ? NI_BADID : statusOf(error);
     }

@@ -37,6 +37,8 @@ struct ni_domain {
     // Children are mostly read in order. This is the record that is expected next, and below its parent.
     std::int64_t expected = -1;
     std::int64_t expectedParent = 0;
+    std::int64_t lastExpected = -1;
+    bool expectedAreDense = false; ///< whether few records of other directories lie between them
     std::optional<platform::AccountFiles> accounts;
     // The ids of /users and /groups if their records are lines of files, otherwise 0.
     std::int64_t usersDirectory = 0;
@@ -49,6 +51,7 @@ struct ni_domain {
     // before the connection.
     std::optional<platform::SqliteStatement> oneRecord;
     std::optional<platform::SqliteStatement> nextRecords;
+    std::optional<platform::SqliteStatement> nextNeighbors;
     std::optional<platform::SqliteStatement> childNamed;
 
     void applyTimeout();

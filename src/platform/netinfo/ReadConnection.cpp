@@ -209,7 +209,11 @@ int ReadConnection::beginHere() {
     if (version.number(0) > storeVersion) {
         return storeIsNewer;
     }
-    return version.number(0) == storeVersion ? SQLITE_OK : SQLITE_NOTADB;
+    if (version.number(0) != storeVersion) {
+        return SQLITE_NOTADB;
+    }
+    // A report passes through the store once, so pages that are kept longer only take new memory.
+    return sqlite3_exec(database_.get(), "PRAGMA cache_size = -256", nullptr, nullptr, nullptr);
 }
 
 int ReadConnection::upgradeCopy() {

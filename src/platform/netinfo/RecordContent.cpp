@@ -5,7 +5,6 @@ namespace platform {
 namespace {
 
 constexpr unsigned bitsPerByte = 7;
-constexpr unsigned char moreFollows = 0x80;
 
 void appendNumber(std::string& content, std::size_t number) {
     while (number >= moreFollows) {
@@ -42,13 +41,7 @@ std::string packedContent(std::span<const StoredProperty> properties) {
     return content.content();
 }
 
-bool ContentReader::fail() {
-    damaged_ = true;
-    rest_ = {};
-    return false;
-}
-
-bool ContentReader::number(std::size_t* number) {
+bool ContentReader::longNumber(std::size_t* number) {
     constexpr unsigned most = 4 * bitsPerByte; // a number larger than any content is damage
     *number = 0;
     std::size_t length = 0;
@@ -64,26 +57,6 @@ bool ContentReader::number(std::size_t* number) {
         }
     }
     return fail();
-}
-
-bool ContentReader::text(std::string_view* text) {
-    std::size_t length = 0;
-    if (!number(&length)) {
-        return false;
-    }
-    if (length > rest_.size()) {
-        return fail();
-    }
-    *text = rest_.substr(0, length);
-    rest_.remove_prefix(length);
-    return true;
-}
-
-bool ContentReader::nextProperty(std::string_view* name, std::size_t* valueCount) {
-    if (rest_.empty() || !text(name) || !number(valueCount)) {
-        return false;
-    }
-    return *valueCount <= rest_.size() || fail(); // each value has at least one byte
 }
 
 bool unpackContent(std::string_view content, std::vector<StoredProperty>* properties) {

@@ -14,6 +14,9 @@ namespace platform {
 // seven bits per byte, the lowest first, with the top bit set in all bytes except the last, in as few bytes
 // as possible.
 
+/// The bit of a number's byte that says that the number goes on.
+inline constexpr unsigned char moreFollows = 0x80;
+
 struct StoredProperty {
     std::string name;
     std::vector<std::string> values;
@@ -50,7 +53,12 @@ class ContentReader {
 
     /// False at the end, and when the content is damaged. All values of the previous property must have been
     /// read.
-    [[nodiscard]] bool nextProperty(std::string_view* name, std::size_t* valueCount);
+    [[nodiscard]] bool nextProperty(std::string_view* name, std::size_t* valueCount) {
+        if (rest_.empty() || !text(name) || !number(valueCount)) {
+            return false;
+        }
+        return *valueCount <= rest_.size() || fail(); // each value has at least one byte
+    }
 
     /// False when the content is damaged. Call it `valueCount` times for each property.
     [[nodiscard]] bool nextValue(std::string_view* value) { return text(value); }
@@ -60,9 +68,33 @@ class ContentReader {
     [[nodiscard]] bool damaged() const { return damaged_; }
 
   private:
-    [[nodiscard]] bool number(std::size_t* number);
-    [[nodiscard]] bool text(std::string_view* text);
-    [[nodiscard]] bool fail();
+    // Inline, because a report of a large directory reads millions of them.
+    [[nodiscard]] bool number(std::size_t* number) {
+        if (rest_.empty() || static_cast<unsigned char>(rest_.front()) >= moreFollows) {
+            return longNumber(number);
+        }
+        *number = static_cast<unsigned char>(rest_.front());
+        rest_.remove_prefix(1);
+        return true;
+    }
+
+    [[nodiscard]] bool text(std::string_view* text) {
+        std::size_t length = 0;
+        if (!number(&length) || length > rest_.size()) {
+            return fail();
+        }
+        *text = rest_.substr(0, length);
+        rest_.remove_prefix(length);
+        return true;
+    }
+
+    [[nodiscard]] bool longNumber(std::size_t* number);
+
+    bool fail() {
+        damaged_ = true;
+        rest_ = {};
+        return false;
+    }
 
     std::string_view rest_;
     bool damaged_ = false;
