@@ -377,7 +377,7 @@ TEST_F(Surprises, AnActionIsAskedAboutOnlyWhenItHasAWarning) {
     selectShare("Films");
     send("createShare:");
     EXPECT_FALSE(host.runs.empty());
-    writeConf("[global]\n");
+    writeConf(plainConf("wins support = yes\n"));
     host.runs.clear();
     selectShare("Docs");
     host.answerAlert("Review", "Cancel");
@@ -386,8 +386,9 @@ TEST_F(Surprises, AnActionIsAskedAboutOnlyWhenItHasAWarning) {
     host.answerAlert("Review", "Go On");
     send("createShare:");
     EXPECT_FALSE(host.runs.empty());
-    EXPECT_EQ(host.alerts.back().message,
-              "Somebody else changed smb.conf after Brindle read it: saving takes that change back.");
+    EXPECT_EQ(host.alerts.back().message, "Somebody else changed [global] \"wins support\" in smb.conf after "
+                                          "Brindle read it: saving takes that "
+                                          "change back.");
 }
 
 } // namespace

@@ -194,6 +194,39 @@ void addConflicts(const Situation& situation, const SMBConf& model, std::vector<
     }
 }
 
+/// The sections and keys that somebody else has changed in the file since it was read, some of them by name;
+/// empty when only comments differ.
+std::string changedOutside(const SMBConf& model, const std::string& file) {
+    const auto read = SMBConf::ofText(model.textOnDisk());
+    const auto now = SMBConf::ofText(file);
+    std::vector<std::string> things;
+    for (const SMBChange& change : changesBetween(read->Entries(), now->Entries())) {
+        std::string thing =
+            "[" + change.section + "]" + (change.key.empty() ? "" : " \"" + change.key + "\"");
+        if (std::ranges::find(things, thing) == things.end()) {
+            things.push_back(std::move(thing));
+        }
+    }
+    std::string names;
+    for (std::size_t index = 0; index < things.size() && index < namedLines; ++index) {
+        names += (index == 0 ? "" : ", ") + things[index];
+    }
+    return things.size() <= namedLines
+               ? names
+               : names + stringWithFormat(NSLocalizedString(", and %d more"), things.size() - namedLines);
+}
+
+/// Saving the whole file undoes what somebody else has changed in it.
+std::string lossOutside(const SMBConf& model, const std::string& file) {
+    const std::string names = changedOutside(model, file);
+    return names.empty()
+               ? NSLocalizedString("Somebody else changed smb.conf after Brindle read it: saving takes that "
+                                   "change back.")
+               : stringWithFormat(NSLocalizedString("Somebody else changed %@ in smb.conf after Brindle read "
+                                                    "it: saving takes that change back."),
+                                  names);
+}
+
 } // namespace
 
 void addFileWarnings(const Situation& situation, std::vector<Remark>* warnings) {
@@ -208,8 +241,7 @@ void addFileWarnings(const Situation& situation, std::vector<Remark>* warnings) 
              keepsLayout
                  ? NSLocalizedString("Somebody else changed smb.conf after Brindle read it: your change is "
                                      "made to the file as it is now.")
-                 : NSLocalizedString("Somebody else changed smb.conf after Brindle read it: saving takes "
-                                     "that change back.")});
+                 : lossOutside(*model, situation.plan.smbConfBefore)});
     }
     if (!keepsLayout) {
         addLosses(*model, warnings);
