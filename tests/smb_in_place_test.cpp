@@ -261,6 +261,7 @@ TEST(SmbInPlace, FollowsTheServerWhereTheModelReadsLess) {
              {"[a]\n \\\n[data] words\ny = 2\n", set("y", "3"), "[a]\n \\\n y = 3\n[data] words\ny = 2\n"},
              {"[a]\n[data] words\nx = 2\n", unset, "[a]\n[data] words\nx = 2\n"},
              {";[b]\n[a]\n[da\\\nta] \n# z = 1\n", remove, ";[b]\n[da\\\nta] \n# z = 1\n"},
+             {";[a]\n;#[b] = c\n;x = 1\n", enable, "[a]\n;#[b] = c\nx = 1\n"},
              {";[a]\n; [b] = c \\\n;  d\n;x = 1\n", enable, "[a]\n; [b] = c \\\n;  d\nx = 1\n"},
              // Lines below a commented-out section are those of the active section above.
              {"[b]\n;[a]\n;x = 1\ny = 2\n\n;[d]\nz = 3 \\\n 4\n# c\n[e]\n", enable,
