@@ -172,7 +172,7 @@ void userMade(benchmark::State& state) {
                                                      {{"-passwd", "/Users/bench", "secret"}}};
     for (auto _ : state) {
         for (const auto& runs : actions) {
-            platform::HelperSession session({helper, "--system", "--session"});
+            platform::HelperSession session({helper, "--system"});
             for (Words words : runs) {
                 const char* tool = words.front() == "-passwd" ? "/usr/bin/dscl" : "/usr/bin/nicl";
                 words.insert(words.begin(), ".");

@@ -30,7 +30,9 @@ inline std::string_view textOf(const std::uint8_t* data, std::size_t size) {
 /// Ends the program when a promise is broken, so that the fuzzer keeps the input.
 inline void require(bool isKept, const char* promise, std::string_view detail = "") {
     if (!isKept) {
-        std::fprintf(stderr, "BROKEN: %s\n%.*s\n", promise, static_cast<int>(detail.size()), detail.data());
+        std::fprintf(stderr, "BROKEN: %s\n", promise);
+        std::fwrite(detail.data(), 1, detail.size(), stderr); // a NUL in it is no end
+        std::fputc('\n', stderr);
         std::abort();
     }
 }

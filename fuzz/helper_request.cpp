@@ -1,5 +1,5 @@
-// Requests to the helper, single ones and sessions. Nothing is carried out. An accepted request corresponds
-// exactly to its bytes, so that what was checked is what would run.
+// Requests to the helper, by themselves and in frames. Nothing is carried out. An accepted request
+// corresponds exactly to its bytes, so that what was checked is what would run.
 
 #include "Fuzz.h"
 #include "directory/DirectoryRules.h"

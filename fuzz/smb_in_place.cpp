@@ -1,14 +1,17 @@
 // smb.conf, changed line by line. The first line of an input determines the changes, the rest is the file.
 // The changed file means the same as the changed model, sections without a change keep every byte, and
-// without any change the whole file does.
+// without any change the whole file does. Where the server reads more than the model, what was not changed
+// means the same to the server, and what was set is what it follows.
 
 #include "Fuzz.h"
+#include "SMBServer.h"
 #include "model/SMBInPlace.h"
 #include "model/SMBLines.h"
 #include "model/SMBParser.h"
 
 #include <algorithm>
 #include <memory_resource>
+#include <optional>
 #include <set>
 #include <utility>
 #include <vector>
@@ -64,7 +67,7 @@ std::string makeChange(SMBEntries& entries, fuzz::Draw& draw) {
             return {};
         }
         auto made = std::make_unique<SMBShare>();
-        made->setType(SMBGroup);
+        made->setType(draw.below(2) == 0 ? SMBGroup : SMBCommentGroup);
         made->setShareName(name);
         made->setProps({{"path", draw.oneOf(values)}, {"read only", "No"}});
         made->setText(created);
@@ -103,6 +106,105 @@ std::vector<std::string_view> sectionsCalled(std::string_view name, std::string_
     return found;
 }
 
+std::string folded(const SMBShare& entry) {
+    return foldedSettingName(fuzz::withoutWhiteSpace(entry.ShareName()));
+}
+
+/// Returns the only section with that name, or null when there is none or another one.
+const SMBShare* onlySection(const SMBEntries& entries, const std::string& name) {
+    const SMBShare* found = nullptr;
+    for (const auto& entry : entries) {
+        if (entry->Type() != SMBComment && folded(*entry) == name) {
+            if (found != nullptr) {
+                return nullptr;
+            }
+            found = entry.get();
+        }
+    }
+    return found;
+}
+
+/// Returns the value of the only parameter with that key, or none when there is no such or another one.
+std::optional<std::string> onlyValue(const SMBShare& section, std::string_view key) {
+    std::optional<std::string> value;
+    for (const SMBPair& pair : section.Props()) {
+        if (foldedSettingName(pair.Name) == foldedSettingName(key)) {
+            if (value) {
+                return std::nullopt;
+            }
+            value = pair.Value.str();
+        }
+    }
+    return value;
+}
+
+/// Requires that the server follows what was set in the section, where nothing else sets it, too.
+void requireSettingsFollowed(const SMBShare* read, const SMBShare& now, const fuzz::ServerReading& server,
+                             const std::string& text) {
+    const auto found = server.find(folded(now));
+    fuzz::require(found != server.end(), "the server sees each section", text);
+    for (const SMBPair& pair : now.Props()) {
+        const auto value = onlyValue(now, pair.Name);
+        const bool isSetHere = value && (read == nullptr || onlyValue(*read, pair.Name) != value);
+        const bool isNewKey =
+            read != nullptr && std::ranges::none_of(read->Props(), [&](const SMBPair& each) {
+                return foldedSettingName(each.Name) == foldedSettingName(pair.Name);
+            });
+        const bool hadOne = read == nullptr || isNewKey || onlyValue(*read, pair.Name).has_value();
+        const bool isPlain = !SMBParser::isComment(pair.Name) && !pair.Name.view().starts_with('[');
+        if (isSetHere && hadOne && isPlain) {
+            fuzz::require(found->second.valueOf(pair.Name) == *value, "the server follows what was set",
+                          now.ShareName() + ", " + pair.Name.str() + " in\n" + text);
+        }
+    }
+}
+
+/// Compares how the server reads the file before and after.
+void requireSameForServer(const SMBEntries& read, const SMBEntries& now, const std::set<std::string>& touched,
+                          const std::string& before, const std::string& after) {
+    const fuzz::ServerReading serverBefore = fuzz::serverReading(before);
+    const fuzz::ServerReading serverAfter = fuzz::serverReading(after);
+    for (const auto& [name, section] : serverBefore) {
+        if (!touched.contains(name)) {
+            const auto found = serverAfter.find(name);
+            fuzz::require(found != serverAfter.end() && found->second == section,
+                          "what was not changed means the same to the server", name + " in\n" + after);
+        }
+    }
+    for (const auto& entry : now) {
+        const std::string name = folded(*entry);
+        const auto found = serverAfter.find(name);
+        const bool isOnly =
+            onlySection(now, name) != nullptr && found != serverAfter.end() && found->second.headers == 1;
+        const bool wasOnly = std::ranges::count_if(read, [&](const auto& each) {
+                                 return each->Type() != SMBComment && folded(*each) == name;
+                             }) <= 1;
+        if (entry->Type() == SMBGroup && touched.contains(name) && isOnly && wasOnly && !entry->isUnnamed()) {
+            requireSettingsFollowed(onlySection(read, name), *entry, serverAfter, after);
+        }
+    }
+}
+
+/// Whether the model begins a section in a line that the server joins to the one above.
+bool joinsHeader(const SMBLines& lines) {
+    for (std::size_t index = 1; index < lines.lines().size(); ++index) {
+        if (lines.lines()[index].kind == SMBLine::Kind::Header && lines.lines()[index - 1].isContinued) {
+            return true;
+        }
+    }
+    return false;
+}
+
+/// Whether only the parser takes a carriage return for the end of a line.
+bool hasLoneReturn(std::string_view text) {
+    for (std::size_t at = 0; (at = text.find('\r', at)) != std::string_view::npos; ++at) {
+        if (text.substr(at, 2) != "\r\n") {
+            return true;
+        }
+    }
+    return false;
+}
+
 } // namespace
 
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
@@ -117,7 +219,12 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     for (fuzz::Draw draw(drawn); !draw.isAtEnd();) {
         touched.insert(makeChange(now.entries, draw));
     }
-    const SMBInPlaceText result = textWithChanges(text, changesBetween(read.entries, now.entries));
+    std::set<std::string> touchedForServer;
+    for (const std::string& name : touched) {
+        touchedForServer.insert(foldedSettingName(fuzz::withoutWhiteSpace(name)));
+    }
+    const std::vector<SMBChange> changes = changesBetween(read.entries, now.entries);
+    const SMBInPlaceText result = textWithChanges(text, changes);
     fuzz::require(result.conflicts.empty(), "nobody else has changed the file");
     for (const auto& entry : read.entries) {
         if (entry->Type() == SMBComment || touched.contains(entry->ShareName())) {
@@ -132,6 +239,11 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     // Lines that the model does not keep, or that the server joins, mean something only to the server. And a
     // parameter in brackets becomes a section's header when it is no longer commented out.
     const SMBLines lines(text);
+    // Nobody may set a value that takes in the line below.
+    const auto isContinued = [](const SMBChange& change) { return SMBParser::isContinued(change.value); };
+    if (!joinsHeader(lines) && !hasLoneReturn(text) && std::ranges::none_of(changes, isContinued)) {
+        requireSameForServer(read.entries, now.entries, touchedForServer, text, result.text);
+    }
     const auto isPlain = [](const SMBLine& line) { return !line.isContinued && !line.key.starts_with('['); };
     if (read.parser.lossNotices.empty() && std::ranges::all_of(lines.lines(), isPlain)) {
         fuzz::require(meaning(Model(result.text).entries) == meaning(now.entries),

@@ -10,11 +10,17 @@ failed() {
     failures=$((failures + 1))
 }
 
-# request TOOL ARGUMENT...: runs the helper on a request and removes the start byte from its output. The words in
-# $tracer are put before the helper.
+# request TOOL ARGUMENT...: sends the helper this request, which its length precedes, and one of length 0, a commit.
+# Prints the output of the tool, without the start byte and the length before it and the status after it, and what the
+# commit complains of. The words in $tracer are put before the helper.
 tracer=()
 request() {
-    printf '%s\0' "$@" | "${tracer[@]}" "$programs/brindle-helper" "${options[@]}" | tr -d '\006'
+    local LC_ALL=C length=0 word bytes=
+    for word in "$@"; do length=$((length + ${#word} + 1)); done
+    for word in 24 16 8 0; do bytes+="$(printf '\\%03o' $((length >> word & 255)))"; done
+    # shellcheck disable=SC2059
+    { printf "$bytes" && printf '%s\0' "$@" && printf '\0\0\0\0'; } |
+        "${tracer[@]}" "$programs/brindle-helper" "${options[@]}" | tail -c +6 | tr -d '\000-\006'
 }
 
 # at_each_call PREPARE CHECK RUN ARGUMENT...: for every $step-th system call of an undisturbed run, does PREPARE, kills

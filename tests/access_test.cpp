@@ -259,3 +259,31 @@ TEST_F(CheckAccess, EveryAnswerMatchesTheServer) {
         EXPECT_EQ(ask("everyone", user).may, truth("everyone", user, folder("everyone"))) << said_;
     }
 }
+
+TEST_F(CheckAccess, ARemedyReachesTheNamedFolderAndRunsNothingElse) {
+    const fs::path odd = folder("$(touch pwned) '\"a`touch pwned`");
+    put(test_.root() / "computer/etc/smb.conf", "[odd]\npath = " + odd.string() + "\n" + open);
+    const auto carryOutRemedy = [&](const char* code) {
+        const Answer answer = ask("odd", "eve");
+        ASSERT_TRUE(answer.reason && answer.reason->code == code) << code;
+        const Finished finished =
+            runProgram({"sh", "-c", "cd '" + test_.root().string() + "' && " + answer.reason->remedy});
+        EXPECT_EQ(finished.status, 0) << answer.reason->remedy << finished.errors;
+    };
+    carryOutRemedy("folder-missing");
+    prepare(odd, {"", "", 0700, 0, 0, "u:eve:---"});
+    carryOutRemedy("no-read");
+    fs::permissions(odd, fs::perms(01777), fs::perm_options::add);
+    carryOutRemedy("sticky");
+    EXPECT_FALSE(ask("odd", "eve").reason);
+    EXPECT_FALSE(fs::exists(test_.root() / "pwned"));
+}
+
+TEST_F(CheckAccess, ADirectoryThatCannotBeReadIsNotAnAnswer) {
+    put(root_.storeFile(), std::string(8192, 'x'));
+    const Answer answer = ask("everyone", "ann");
+    ASSERT_TRUE(answer.reason);
+    EXPECT_EQ(answer.reason->code, "cannot-tell") << answer.reason->text;
+    EXPECT_EQ(answer.may, Permissions());
+    EXPECT_EQ(ask("none of that name", "ann").reason->code, "not-published");
+}

@@ -104,15 +104,11 @@ TEST_F(AccountFilesTest, PropertiesOutsideALineBelongToTheAccountOfThatNameAndId
     EXPECT_EQ(report("/users", {"name", "realname", "sharedDir"}),
               (std::vector<std::string>{"root\troot\t#NoValue#\t\n", "nobody\tnobody\t#NoValue#\t\n",
                                         "alice\tAlice A\tPublic\t\n"}));
-    ni_domain* domain = nullptr;
-    ASSERT_EQ(ni_open(nullptr, ".", &domain), NI_OK);
-    const std::unique_ptr<ni_domain, decltype(&ni_free)> closed(domain, &ni_free);
+    platform::OwnedDomain domain;
     ni_id id;
     ni_namelist home;
-    ASSERT_EQ(ni_root(domain, &id), NI_OK);
-    ASSERT_EQ(ni_pathsearch(domain, &id, "/users/alice"), NI_OK);
-    EXPECT_EQ(ni_lookupprop(domain, &id, "home", &home), NI_OK);
+    ASSERT_EQ(platform::openLocalRecord("/users/alice", &domain, &id), NI_OK);
+    EXPECT_EQ(ni_lookupprop(domain.get(), &id, "home", &home), NI_OK);
     EXPECT_EQ(home.ninl_val, std::vector<std::string_view>{"/home/alice"});
-    ASSERT_EQ(ni_root(domain, &id), NI_OK);
-    EXPECT_EQ(ni_pathsearch(domain, &id, "/users/halfmade"), NI_NODIR);
+    EXPECT_EQ(platform::openLocalRecord("/users/halfmade", &domain, &id), NI_NODIR);
 }

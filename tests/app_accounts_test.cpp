@@ -18,6 +18,7 @@ TEST_F(AccountsTest, ANewUserIsMadeGetsAPasswordSheetAndJoinsItsGroup) {
     host.answerAlert("Confirm Add New File Sharing Only User", "Yes");
     send("addNewUser:");
     const std::string create = "/usr/bin/nicl . -create /users/alice";
+    EXPECT_EQ(host.runs.at(1).arguments, (Runs{".", "-create", "/users/alice", "realname", "Alice A"}));
     EXPECT_EQ(takeRuns(),
               (Runs{create, create + " realname Alice A", create + " gid 501", create + " uid 503",
                     create + " sharedDir Public", create + " _shadow_passwd", create + " hint",
@@ -116,7 +117,8 @@ TEST_F(AccountsTest, EachUserGetsItsOwnQuestion) {
         {"new", "9", "friends", {{add.first, "No"}}, {}},
         {"new", "501", "friends", {add, {"UID is Not Unique", "No"}}, {}},
         {"adam", "502", "friends", {{"Confirm Update Admin User", "No"}}, {}},
-        {"low", "99", "friends", {{change.first, "No"}}, {}}, // hidden from the list, but not new
+        {"eve", "503", "friends", {{change.first, "No"}}, {}}, // in that group, but not listed as its member
+        {"low", "99", "friends", {{change.first, "No"}}, {}},  // hidden from the list, but not new
         // An update does not check the id, and does not append a member again.
         {"bob", "502", "friends", {change}, update("501", "502")},
         {"bob", "501", "hundred", {change}, joins},
@@ -133,6 +135,7 @@ TEST_F(AccountsTest, EachUserGetsItsOwnQuestion) {
         {"UID is Not Unique",
          "The UID entered is not unique.  If you add a new user with a non-unique UID, the results will be "
          "unpredictable.  Do you wish to add a new File Sharing Only User?"}};
+    addUser("eve", "503", "80");
     app().showSystemUsersGroups2->performClick();
     for (const auto& [name, uid, group, answers, runs] : cases) {
         fillUser("F", name, uid);
@@ -183,6 +186,34 @@ TEST_F(AccountsTest, NamesTheFieldsThatAreEmpty) {
         EXPECT_TRUE(host.alerts.back().message.ends_with(" were left empty:\n" + message));
     }
     EXPECT_TRUE(host.runs.empty());
+}
+
+TEST_F(AccountsTest, NoReadsTheListsAgainButARefusalLeavesThemAlone) {
+    // Each action and its alerts with their answers; whether the lists are read again afterwards.
+    using Answers = std::vector<std::pair<std::string, std::string>>;
+    const std::string newUser = "Confirm Add New File Sharing Only User";
+    const std::vector<std::tuple<const char*, Answers, bool>> cases{
+        {"addNewUser:", {{newUser, "No"}}, true},
+        {"addNewUser:", {{newUser, "Yes"}, {"User Fields Empty", "OK"}}, false},
+        {"addNewGroup:", {{"Confirm Add New Group", "No"}}, true},
+        {"addNewGroup:", {{"Confirm Add New Group", "Yes"}, {"Group Fields Empty", "OK"}}, false},
+        {"deleteSelectedUser:", {{"Confirm Delete Selected User", "No"}}, true},
+        {"deleteSelectedUser:", {{"Admin Users Cannot Be Deleted", "Cancel"}}, false}};
+    for (const auto& [operation, answers, isRead] : cases) {
+        selectUser(answers.front().second == "Cancel" ? "adam" : "bob");
+        fillUser("", "new", "");
+        fillGroup("new", "");
+        addGroup("outside", "700"); // by somebody else
+        for (const auto& [title, button] : answers) {
+            host.answerAlert(title, button);
+        }
+        send(operation);
+        EXPECT_EQ(app().group->indexOfItemWithTitle("outside") >= 0, isRead)
+            << operation << " " << answers.back().first;
+        nicl({"-delete", "/groups/outside"});
+        app().group->selectItemAtIndex(0);
+        send("updateUsersGroupsList:");
+    }
 }
 
 TEST_F(AccountsTest, GroupsAreMadeChangedAndDeleted) {
@@ -260,20 +291,6 @@ TEST_F(AccountsTest, MembershipFollowsTheSelectedRowsInOrder) {
     EXPECT_EQ(takeRuns(), (Runs{"/usr/bin/nicl . -delete /groups/staff users bob",
                                 "/usr/bin/nicl . -delete /groups/staff users adam"}));
     EXPECT_NE(groups().find("staff\t20\tedge\t"), std::string::npos);
-}
-
-TEST_F(AccountsTest, ANewUsersPasswordIsSetEvenIfTheSelectedRowIsGone) {
-    selectUser("adam");
-    fillUser("Alice A", "alice", "9"); // not listed
-    nicl({"-delete", "/users/adam"});
-    host.answerAlert("Confirm Add New File Sharing Only User", "Yes");
-    send("addNewUser:");
-    EXPECT_FALSE(app().deleteUserButton->isEnabled());
-    app().passwordSecureText1->setStringValue("s3cret");
-    app().passwordSecureText2->setStringValue("s3cret");
-    host.runs.clear();
-    send("setPassword:");
-    EXPECT_EQ(takeRuns(), Runs{"/usr/bin/dscl . -passwd /Users/alice s3cret"});
 }
 
 } // namespace

@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <filesystem>
 #include <limits>
+#include <regex>
+#include <tuple>
 
 namespace {
 
@@ -249,6 +251,25 @@ TEST_F(Launch, ADonationIsAskedForAtTheFirstLaunchAndOnceMore) {
     }
 }
 
+TEST_F(Launch, FieldsRefuseWhatTheirFormattersRefuse) {
+    start();
+    // The number of beeps: the controller's, after the formatter's own for a name.
+    for (const auto& [field, typed, beeps] : {std::tuple("uid", "x", 1),
+                                              {"gid", "x", 1},
+                                              {"tcpPort", "x", 1},
+                                              {"idleDisconnectTime", "x", 1},
+                                              {"smbNetBiosName", "X ", 2},
+                                              {"smbWorkGroup", "X ", 2}}) {
+        auto& control = this->control<NSTextField>(field);
+        control.setEnabled(true);
+        host.beeps = 0;
+        const std::string before = control.stringValue();
+        EXPECT_FALSE(control.proposeEdit(typed + before, std::string_view(typed).size(), {0, 0})) << field;
+        EXPECT_EQ(host.beeps, beeps) << field;
+        EXPECT_EQ(control.stringValue(), before) << field;
+    }
+}
+
 TEST_F(Launch, LinksOpenTheirAddresses) {
     start();
     for (const char* link : {"goToWebpage:", "sendDonation:", "sendDonationKagi:", "sendFeedback:"}) {
@@ -258,8 +279,11 @@ TEST_F(Launch, LinksOpenTheirAddresses) {
               (Texts{infoText("BRHomePage"), infoText("BRDonationAddress"), infoText("BRStoreAddress"),
                      "mailto:" + infoText("BRSupportAddress") + "?subject=Brindle"}));
     EXPECT_TRUE(infoText("BRHomePage").starts_with("http://"));
-    EXPECT_TRUE(infoText("BRDonationAddress").ends_with("&no_shipping=1&item_name=Brindle"));
-    EXPECT_TRUE(infoText("BRStoreAddress").ends_with("&lang=en"));
+    EXPECT_TRUE(std::regex_match(
+        infoText("BRDonationAddress"),
+        std::regex("https://[^/]+/xclick/business=[^@&?]+%40[^@&?]+&no_shipping=1&item_name=Brindle")));
+    EXPECT_TRUE(std::regex_match(infoText("BRStoreAddress"), std::regex("http://[^?]+\\?[^&]+&lang=en")));
+    EXPECT_TRUE(std::regex_match(infoText("BRVersionList"), std::regex("http://[^/]+/versionlist\\.xml")));
 }
 
 TEST_F(Launch, TheMenusReachTheServersAndTheAboutPanel) {

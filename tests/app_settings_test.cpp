@@ -328,18 +328,32 @@ TEST_F(SettingsTest, RevertDropsAllEditsAndARefreshOnlyThoseOfKeysInTheFile) {
 
 TEST_F(SettingsTest, AFailedSMBWriteIsShownAndTheServerIsStillRestarted) {
     startWithConf("[global]\nworkgroup = A\n");
-    const auto copyFails = [](const RecordedRun& run) {
+    const fs::path written = host.home() / "smb_test.conf";
+    const std::string address = NSBundle::mainBundle().objectForInfoDictionaryKey("BRSupportAddress");
+    const auto saveFails = [&](const std::string& step) {
+        host.answerAlert("smb.conf Write Unsuccessful", "OK");
+        host.alerts.clear();
+        EXPECT_EQ(savedConf(), "[global]\nworkgroup = A\n");
+        ASSERT_EQ(host.alerts.size(), 1U);
+        EXPECT_EQ(host.alerts[0].message, "The " + step + " operation was unsuccessful.  Please email " +
+                                              address + " with this information.");
+        EXPECT_EQ(takeRuns().back(), restartSMBRun);
+    };
+    type("smbWorkGroup", "B");
+    host.onRun = [](const RecordedRun& run) {
         return TestHost::RunAnswer{run.tool == "/bin/cp" ? "cp: no\n" : "", 0};
     };
-    const std::string address = NSBundle::mainBundle().objectForInfoDictionaryKey("BRSupportAddress");
-    host.onRun = copyFails;
-    type("smbWorkGroup", "B");
-    host.answerAlert("smb.conf Write Unsuccessful", "OK");
-    EXPECT_EQ(savedConf(), "[global]\nworkgroup = A\n");
-    EXPECT_EQ(host.alerts.back().message,
-              "The smb.conf file copy operation was unsuccessful.  Please email " + address +
-                  " with this information.");
-    EXPECT_EQ(takeRuns().back(), restartSMBRun);
+    saveFails("smb.conf file copy");
+    host.onRun = [&](const RecordedRun& run) {
+        if (run.tool == "/bin/cp") {
+            fs::remove(written);
+        }
+        return TestHost::RunAnswer{};
+    };
+    saveFails("old smb.conf file removal");
+    fs::create_directories(written / "in the way");
+    saveFails("~/smb.conf file write");
+    fs::remove_all(written);
 
     host.onRun = [this](const RecordedRun& run) { return carryOut(run); };
     EXPECT_EQ(savedConf(), ";[homes]\n;browseable = yes\n;read only = yes\n\n\n"
@@ -351,6 +365,36 @@ TEST_F(SettingsTest, AnInvalidCodePageStopsTheFillingButNotTheStart) {
     startWithConf("[global]\nworkgroup = A\ndos charset = 8\nserver string = late\n");
     EXPECT_EQ(app().smbWorkGroup->stringValue(), "A");
     EXPECT_EQ(app().smbServerInfoString->stringValue(), "");
+    EXPECT_FALSE(app().smbHomeDirsBrowseable->isEnabled() || app().smbHomeDirsReadOnly->isEnabled());
     ASSERT_FALSE(host.log.empty());
     EXPECT_NE(host.log.back().find("smb.conf file located in the /etc/ directory"), std::string::npos);
+}
+
+TEST_F(SettingsTest, RevertGoesBackToWhatTheWindowBeginsWith) {
+    startWithConf("");
+    const std::vector<NSButton*> boxes{app().smbWorkGroupMaster, app().smbHideDotFiles,
+                                       app().smbHomeDirsBrowseable, app().smbHomeDirsReadOnly};
+    const auto shown = [&] {
+        std::string states = std::to_string(app().smbCodePage->tagOfSelectedItem()) + " " +
+                             app().smbSecurity->titleOfSelectedItem().value_or("");
+        for (const NSButton* box : boxes) {
+            states += std::to_string(box->state());
+        }
+        return states;
+    };
+    const std::string first = shown();
+    app().smbShareHomeDirs->performClick(); // enables the boxes below it
+    for (NSButton* box : boxes) {
+        box->performClick();
+    }
+    app().smbCodePage->performSelect(4);
+    app().smbSecurity->performSelect(1);
+    send("revertSMBProperties:");
+    EXPECT_EQ(shown(), first);
+}
+
+TEST_F(SettingsTest, TheMenuChoosesThePage) {
+    start();
+    control<NSPopUpButton>("smbPropsPage").performSelect(3);
+    EXPECT_EQ(app().smbPropsTabView->indexOfSelectedTabViewItem(), 3);
 }

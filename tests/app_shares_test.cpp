@@ -123,9 +123,13 @@ TEST_F(Shares, TheEditorShowsTheFolderOfTheSelectedShareAsItIsNow) {
     EXPECT_FALSE(isOn("inheritOwnerButton"));
     EXPECT_FALSE(control<NSButton>("inheritOwnerButton").isEnabled());
 
+    table().selectRow(0);
     table().deselectAll();
     EXPECT_EQ(text("shareName") + text("directory") + text("selectedShareName"), "");
     EXPECT_EQ(index("owner"), 0);
+    EXPECT_EQ(privileges(), (std::vector<int>{3, 3, 3}));
+    EXPECT_EQ(index("sharingAFS") + index("sharingSMB") + isOn("inheritPermissionsButton"), 0);
+    EXPECT_TRUE(isOn("inheritOwnerButton") && isOn("guestAccessButton")) << "these keep their state";
     EXPECT_FALSE(control<NSButton>("deleteButton").isEnabled());
     EXPECT_EQ(control<NSButton>("createNewShare").title(), "Create New Share");
 }
@@ -133,10 +137,10 @@ TEST_F(Shares, TheEditorShowsTheFolderOfTheSelectedShareAsItIsNow) {
 TEST_F(Shares, TheButtonSaysWhetherTheTypedNameIsAnUpdate) {
     addShare("Docs", "/shares/docs");
     start();
-    for (const auto& [name, title] : {std::pair("docs", "Create New Share"), {"Docs", "Update Share"}}) {
-        type("shareName", name);
-        EXPECT_EQ(control<NSButton>("createNewShare").title(), title) << name;
-    }
+    type("shareName", "docs");
+    EXPECT_EQ(control<NSButton>("createNewShare").title(), "Create New Share");
+    type("shareName", "Docs");
+    EXPECT_EQ(control<NSButton>("createNewShare").title(), "Update Share");
 }
 
 TEST_F(Shares, AChosenFolderSetsTheOwnerAndPrivilegesButNotTheName) {
@@ -157,7 +161,6 @@ TEST_F(Shares, AChosenFolderSetsTheOwnerAndPrivilegesButNotTheName) {
 TEST_F(Shares, AShareThatCannotBeMadeIsRefusedBeforeAnythingIsWritten) {
     addAccounts();
     start();
-
     for (const auto& [name, path, title] : {std::tuple("", "", "Share Name Empty"),
                                             {"Docs", "", "Directory Empty"},
                                             {"GLOBAL", "/d", "Illegal Share Name"},
@@ -168,7 +171,6 @@ TEST_F(Shares, AShareThatCannotBeMadeIsRefusedBeforeAnythingIsWritten) {
     }
     EXPECT_NE(host.alerts.at(2).message.find("\"Global\""), std::string::npos);
     EXPECT_NE(host.alerts.at(3).message.find("\"Homes\""), std::string::npos);
-
     host.rightHeld = false;
     host.administratorAllows = false;
     fillEditor(" ", "/d"); // a name of blanks is accepted
@@ -204,7 +206,6 @@ TEST_F(Shares, AreWrittenToTheDirectoryTheConfigurationTheFolderAndTheServersInT
 TEST_F(Shares, EachCheckBoxIsWrittenWhereItBelongs) {
     addAccounts();
     start();
-
     for (const auto& [inherit, owner, guest] :
          {std::tuple(true, false, false), {false, true, false}, {false, false, true}}) {
         const std::string section = std::string("inherit permissions = ") + (inherit ? "Yes" : "No") +
@@ -239,6 +240,7 @@ TEST_F(Shares, TheOwnerIsInheritedOnlyWithThePrivileges) {
 TEST_F(Shares, AFailedStepOfTheRecordRemovesTheRecordAndTheRestIsDone) {
     addAccounts();
     const std::string docs = folder("docs");
+    host.write("etc/smb.conf", "[Docs]\npath = /elsewhere\n"); // a row of that name
     start();
     const Texts creation = creationRuns("Docs", docs);
     for (std::size_t failing = 0; failing < creation.size(); ++failing) {
@@ -255,8 +257,8 @@ TEST_F(Shares, AFailedStepOfTheRecordRemovesTheRecordAndTheRestIsDone) {
                           {recordRun("-delete", "Docs")},
                           folderRuns(docs),
                           restartRuns()}));
-        EXPECT_EQ(table().numberOfRows(), 0);
-        EXPECT_EQ(text("shareName"), "Docs") << "the typed text is kept for another try";
+        EXPECT_EQ(columnOf("normalTableView", "AFS"), Texts{"-"});
+        EXPECT_EQ(text("shareName") + text("directory"), "Docs" + docs) << "kept for another try";
     }
     EXPECT_EQ(host.alerts.back().message,
               "An Error occured while creating the share \"Docs\", please try again.");
@@ -307,6 +309,21 @@ TEST_F(Shares, AMovedShareLeavesItsSectionBehindAsAShareOfItsOwn) {
     EXPECT_EQ(columnOf("normalTableView", "DirectoryPath"), (Texts{after, before}));
     EXPECT_EQ(columnOf("normalTableView", "SMB"), (Texts{"-", "+"}));
     EXPECT_EQ(table().selectedRow(), 0);
+
+    table().selectRow(1);
+    controller->rereadSMBConf();
+    EXPECT_EQ(table().selectedRow(), 1) << "of two rows with one name, the one with the same folder";
+    host.write("etc/smb.conf", "");
+    controller->rereadSMBConf();
+    EXPECT_EQ(table().selectedRow(), 0) << "the other one, as its folder may be what changed";
+    host.write("etc/smb.conf", "[Docs]\npath = " + before + "\n");
+    controller->rereadSMBConf();
+    table().selectRow(1);
+    control<NSPopUpButton>("sharingSMB").performSelect(0); // its section goes, and with it this row
+    send("createShare:");
+    EXPECT_EQ(recordNames(), Texts{"Docs"});
+    EXPECT_EQ(table().selectedRow(), 0);
+    EXPECT_EQ(text("directory"), before);
 }
 
 TEST_F(Shares, DeletingRemovesOnlyTheSelectedShare) {
@@ -353,6 +370,7 @@ TEST_F(Shares, FromAnOlderSystemAreRewrittenOnRequestAtEachStart) {
     nicl({"-create", "/config/Brindle/New", "afp_use_parent_privs", "1"});
     nicl({"-create", "/config/Brindle/Old"});
     nicl({"-create", "/config/Brindle/Old", "directory_path", "/shares/old"});
+    nicl({"-create", "/config/Brindle/Old", "afp_shared", "0"}); // but it lacks an AFP name
     host.write("etc/smb.conf", "[smbonly]\npath = /shares/smb\n");
     host.answerAlert("Shares Are Not Updated for Jaguar", "No");
     start();
@@ -377,19 +395,6 @@ TEST_F(Shares, FromAnOlderSystemAreRewrittenOnRequestAtEachStart) {
                                        {recordRun("-delete", "Old")}}))
         << "every record, but no share that only the SMB configuration knows";
     EXPECT_EQ(recordNames(), (Texts{"New", "Old", "smbonly"})) << "the list is not read again";
-
-    NormalShare withoutRecord;
-    withoutRecord.setInherit("Yes");
-    NormalShare withRecord;
-    withRecord.setHasRecord(true);
-    withRecord.setShareName("Kept");
-    controller->setCurrentShares({withoutRecord, withRecord});
-    host.runs.clear();
-    host.answerAlert("Shares Updated for Jaguar", "OK");
-    controller->updateSharesFor10pt2(nullptr);
-    EXPECT_EQ(host.runTexts(),
-              joined({{recordRun("-delete", "Kept")}, creationRuns("Kept", "Directory Not Set")}))
-        << "whatever its texts say";
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 // The control models and the application as a user, the controller and a front-end use them.
 
+#include "platform/appkit/SilentPresenter.h"
 #include "support/AppKitFixture.h"
 
 namespace {
@@ -236,6 +237,16 @@ TEST_F(AppKit, CreditsAreReadAsStyledRuns) {
     for (const char* fault : {"", "plain", "{\\rtf1 open", "{\\rtf1 {x}", "{\\rtf1 \\", "{\\rtf1 \\'8"}) {
         EXPECT_FALSE(platform::readRichText(fault)) << fault;
     }
+}
+
+TEST(SilentPresenter, PressesTheButtonThatChangesNothingAtTheStart) {
+    platform::SilentPresenter presenter;
+    EXPECT_EQ(presenter.runAlert({"Update?", "", "Yes", "No", std::nullopt}),
+              platform::AlertAnswer::Alternate);
+    EXPECT_EQ(presenter.runAlert({"Failed", "", "OK", std::nullopt, std::nullopt}),
+              platform::AlertAnswer::Default);
+    EXPECT_FALSE(presenter.runOpenPanel({}));
+    EXPECT_FALSE(presenter.runAdministratorDialog({}));
 }
 
 } // namespace

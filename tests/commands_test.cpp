@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
+#include <algorithm>
 #include <filesystem>
 #include <map>
 #include <regex>
@@ -129,7 +130,13 @@ TEST_P(CommandsInALanguage, ChangeOnlyWhatDiffersAndNothingTwice) {
         EXPECT_EQ(answer(removal)["changed"], true) << removal;
         EXPECT_EQ(answer(removal)["changed"], false) << removal;
     }
-    EXPECT_EQ(answer("undo")["changed"], true);
+    const json planned = answer("undo --dry-run")["plan"];
+    EXPECT_EQ(planned.front(), "plan undo");
+    const auto runs = std::ranges::count_if(
+        planned, [](const json& line) { return line.get<std::string>().starts_with("would run "); });
+    const json undone = answer("undo");
+    EXPECT_EQ(undone["changed"], true);
+    EXPECT_EQ(undone["runs"], runs) << planned;
     EXPECT_EQ(answer("shares list")["shares"].size(), 1U);
     EXPECT_EQ(answer("history")["history"].front()["outcome"], "done");
     EXPECT_EQ(command("--print groups").output.substr(0, 8), "Group ID");
@@ -269,4 +276,18 @@ TEST_F(Commands, AreCompletedWithExistingNames) {
     EXPECT_EQ(completedByFish("shares set "), "Docs\n");
     EXPECT_EQ(completedByFish("shares set Docs --owner-may r"), "r\nrw\n");
     EXPECT_EQ(completedByFish("smb set wo"), "workgroup\n");
+}
+
+TEST(ScriptThatStartsBrindle, InstallsTheWindowsPackagesForAWindowOnly) {
+    const std::string functions =
+        "eval \"$(sed -n '/^has_display/,/^}/p; /^wants_window/,/^}/p' " BRINDLE_RESOURCES
+        "/../scripts/run)\"; DISPLAY=:0; wants_window ";
+    for (const auto& [arguments, wants] : {std::pair("", true),
+                                           {"--root shares --serve --port 9", true},
+                                           {"--root d --snapshot out", true},
+                                           {"doctor", false},
+                                           {"--root d shares list", false},
+                                           {"--print shares", false}}) {
+        EXPECT_EQ(runProgram({"bash", "-c", functions + arguments}).status == 0, wants) << arguments;
+    }
 }

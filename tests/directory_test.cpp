@@ -120,9 +120,9 @@ TEST_F(Report, SkipsWhatCannotBeReadAndLogsIt) {
     ni_domain* domain = nullptr;
     ASSERT_EQ(ni_open(nullptr, ".", &domain), 0);
     Texts lines;
-    EXPECT_EQ(ni_report(domain, {4711, 0}, Texts{"name"}, lines), 0);
+    EXPECT_EQ(ni_report(domain, {4711}, Texts{"name"}, lines), 0);
     EXPECT_TRUE(lines.empty());
-    EXPECT_EQ(ni_report_dir(domain, {4711, 0}, Texts{"name", "uid"}, lines), 0);
+    EXPECT_EQ(ni_report_dir(domain, {4711}, Texts{"name", "uid"}, lines), 0);
     EXPECT_EQ(lines, (Texts{"#NoValue#\t#NoValue#\t\n"}));
     EXPECT_EQ(host.log, (Texts{"ni_children: No such record\n", "ni_listprops: No such record\n"}));
     ni_free(domain);

@@ -1,6 +1,10 @@
 // The runs of an action through the real helper, as the window makes them.
 
+#include "platform/security/HelperProtocol.h"
 #include "support/HelperFixture.h"
+#include "support/LockHolder.h"
+
+#include <seccomp.h>
 
 namespace {
 
@@ -57,7 +61,7 @@ class Action : public HelperTest {
             .output;
     }
 
-    std::vector<std::string> command_ = {helperProgram, "--root", root_.folder(), "--session"};
+    std::vector<std::string> command_ = {helperProgram, "--root", root_.folder()};
 };
 
 TEST_F(Action, LeavesNoTraceOfItsRunsWhenItEndsBeforeTheyAreCommitted) {
@@ -113,6 +117,24 @@ TEST_F(Action, LeavesItsHelperToTheNextActionWhichStartsAnotherIfItHasEnded) {
     EXPECT_EQ(shares(), "Docs\t/srv\t\nFilms\t/srv\t\n");
 }
 
+TEST_F(Action, WaitsForTheDirectoryEvenIfAnEarlierOneCouldNotOpenIt) {
+    HelperSession helper(command_);
+    const std::string store = root_.storeFile();
+    fs::rename(store, store + ".away");
+    EXPECT_NE(nicl(helper, {"-create", "/config/Brindle/Docs"}), "");
+    fs::rename(store + ".away", store);
+    EXPECT_TRUE(helper.settle().isOk());
+    helper.endAction();
+    auto other = std::make_optional<LockHolder>(store);
+    std::thread end([&] {
+        ::usleep(300000);
+        other.reset();
+    });
+    EXPECT_EQ(nicl(helper, {"-create", "/config/Brindle/Docs"}), "");
+    end.join();
+    EXPECT_TRUE(helper.settle().isOk());
+}
+
 TEST_F(Action, IsServedWithoutRightsAndSystemCallsThatFilesDoNotNeed) {
     HelperSession helper(command_);
     EXPECT_EQ(nicl(helper, {"-create", "/config/Brindle/Docs"}), "");
@@ -120,6 +142,23 @@ TEST_F(Action, IsServedWithoutRightsAndSystemCallsThatFilesDoNotNeed) {
     EXPECT_NE(status.find("NoNewPrivs:\t1"), std::string::npos);
     const bool hasFilters = ::prctl(PR_GET_SECCOMP) >= 0;
     EXPECT_EQ(status.find("Seccomp:\t2") != std::string::npos, hasFilters) << status;
+}
+
+TEST_F(Action, IsServedAndToldSoByAHelperThatCannotTakeItsFilter) {
+    const auto errors = [&] {
+        return runProgram({helperProgram, "--root", root_.folder()}, platform::frameHeader(0)).errors;
+    };
+    EXPECT_EQ(errors().empty(), ::prctl(PR_GET_SECCOMP) >= 0);
+    EXPECT_EXIT(
+        {
+            const auto refusal = SCMP_ACT_ERRNO(EINVAL); // as a kernel without such filters
+            void* filter = ::seccomp_init(SCMP_ACT_ALLOW);
+            ::seccomp_rule_add(filter, refusal, SCMP_SYS(seccomp), 0);
+            ::seccomp_rule_add(filter, refusal, SCMP_SYS(prctl), 1, SCMP_A0(SCMP_CMP_EQ, PR_SET_SECCOMP));
+            const bool isTaken = ::seccomp_load(filter) == 0;
+            ::_exit(isTaken && errors().find("without a filter") == std::string::npos ? 1 : 0);
+        },
+        testing::ExitedWithCode(0), "");
 }
 
 TEST_F(Action, IsNotifiedWhenItsChangesAreLost) {

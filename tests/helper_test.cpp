@@ -1,3 +1,4 @@
+#include "platform/security/HelperProtocol.h"
 #include "support/HelperFixture.h"
 
 namespace {
@@ -96,6 +97,27 @@ TEST_F(HelperTest, GivesAFolderToAnAccountOfTheDirectoryBeforeOneOfTheComputer) 
     EXPECT_EQ(statusOf(shared).st_uid, uid);
     EXPECT_EQ(run("/usr/sbin/chown", {":", shared.string()}), "") << "there is nothing to change";
     EXPECT_EQ(statusOf(shared).st_uid, uid);
+}
+
+TEST_F(HelperTest, GivesNothingToAnAccountOfTheComputerThatMayNotBeTheOneOfTheDirectory) {
+    const fs::path shared = folder("shared");
+    const struct stat before = statusOf(shared);
+    run("/usr/bin/nicl", {".", "-create", "/users/nobody"});
+    run("/usr/bin/nicl", {".", "-create", "/groups/mail"});
+    const std::string store = root_.storeFile();
+    const auto expectRefusals = [&](const std::string& why) {
+        for (const char* account : {"nobody:", ":mail"}) {
+            const std::string said = run("/usr/sbin/chown", {account, shared.string()});
+            EXPECT_NE(said.find(why), std::string::npos) << account << " said: " << said;
+        }
+    };
+    expectRefusals("is missing or no number");
+    fs::rename(store, store + ".away");
+    expectRefusals("it does not exist");
+    std::ofstream(store) << std::string(4096, 'x');
+    expectRefusals("it is damaged");
+    EXPECT_EQ(statusOf(shared).st_uid, before.st_uid);
+    EXPECT_EQ(statusOf(shared).st_gid, before.st_gid);
 }
 
 TEST_F(HelperTest, CopiesOnlyARegularFileOfTheUser) {
@@ -198,26 +220,32 @@ TEST_F(HelperTest, StartsNothingForARequestThatItRefuses) {
     using Words = std::vector<std::string>;
     const Words root = {"--root", root_.folder()};
     const std::string good("/usr/bin/nicl\0.\0-create\0/users/eve\0", 35);
-    const std::vector<std::tuple<Words, std::string, Words>> cases = {
-        {root, std::string("/bin/sh\0-c\0true\0", 16), {}},
-        {root, good.substr(0, good.size() - 1), {}}, // its last word has no end
-        {root, "", {}},
-        {root, good + std::string(1024 * 1024, 'x') + '\0', {}},
-        {root, good, {"SUDO_UID=1000"}}, // through sudo, a root could be anywhere
-        {Words{}, good, {}},
-        // A folder of another user, or one that a link may redirect.
-        {Words{"--system", "--root", root_.folder()}, good, {"SUDO_UID=1000"}},
-        {Words{"--system", "--root", "usr/share"}, good, {"SUDO_UID=1000"}},
+    const auto framed = [](const std::string& request) {
+        return platform::frameHeader(request.size()) + request;
     };
-    for (const auto& [options, request, environment] : cases) {
+    const std::string whole = framed(good);
+    const std::vector<std::tuple<Words, std::string, Words, std::string>> cases = {
+        {root, framed(std::string("/bin/sh\0-c\0true\0", 16)), {}, "\x15"},
+        {root, framed(good.substr(0, good.size() - 1)), {}, "\x15"}, // its last word has no end
+        {root, whole.substr(0, whole.size() - 1), {}, ""},
+        {root, framed(good + std::string(1024 * 1024, 'x') + '\0'), {}, ""},
+        {root, whole, {"SUDO_UID=1000"}, ""}, // through sudo, a root could be anywhere
+        {Words{}, whole, {}, ""},
+        // A folder of another user, or one that a link may redirect.
+        {Words{"--system", "--root", root_.folder()}, whole, {"SUDO_UID=1000"}, ""},
+        {Words{"--system", "--root", "usr/share"}, whole, {"SUDO_UID=1000"}, ""},
+    };
+    for (const auto& [options, input, environment, answer] : cases) {
         Words command = {helperProgram};
         command.insert(command.end(), options.begin(), options.end());
-        const Finished finished = runProgram(command, request, environment);
-        EXPECT_EQ(finished.output, "");
+        const Finished finished = runProgram(command, input, environment);
+        EXPECT_EQ(finished.output, answer);
         EXPECT_NE(finished.errors, "") << "it says why";
-        EXPECT_GT(finished.status, 1) << "sudo refuses with 1";
+        EXPECT_NE(finished.status, 1) << "sudo refuses with 1";
+        EXPECT_EQ(finished.status == 0, !answer.empty());
     }
-    EXPECT_EQ(runProgram({helperProgram, "--root", root_.folder()}, good).output, "\x06");
+    EXPECT_EQ(runProgram({helperProgram, "--root", root_.folder()}, whole).output,
+              std::string("\x06\0\0\0\0\0", 6));
 }
 
 TEST_F(HelperTest, ActsAsRootThroughTheRealSudoOnceThePasswordIsRight) {

@@ -133,16 +133,25 @@ TEST_P(HistoryTest, RestoresEverythingThatAnActionHasChanged) {
     }
 }
 
-TEST(HistoryTitle, IsTheFoldersWhereSmbConfOnlyLooksDifferent) {
+TEST(HistoryTitle, NamesTheKeysOrTheFoldersWhereSmbConfOnlyLooksDifferent) {
     const TestHost host;
     review::HistoryEntry entry;
     entry.folders = {{"/srv/team", {}, {}}};
     for (const auto& [after, title] :
          {std::pair("[global]\n\n  workgroup = HOME\n", "Owner or privileges of \"/srv/team\" changed"),
-          {"[global]\nworkgroup = OFFICE\n", "SMB settings changed"}}) {
+          {"[global]\nworkgroup = OFFICE\n", "SMB settings changed: \"workgroup\""},
+          {"[global]\nworkgroup = HOME\nwins support = yes\n[homes]\nread only = no\n",
+           "SMB settings changed: \"wins support\", [homes]"},
+          {"[global]\na = 1\nb = 1\nc = 1\n", "SMB settings changed: \"a\", \"b\", \"c\" and 1 more"}}) {
         entry.files = {{platform::systempath::smbConf, "[global]\nworkgroup = HOME\n", after}};
         EXPECT_EQ(titleOf(entry), title);
     }
+    const auto plist = [](const std::string& keys) {
+        return "<plist version=\"1.0\"><dict>" + keys + "</dict></plist>";
+    };
+    entry.files = {{platform::systempath::appleFileServer, plist("<key>guestAccess</key><true/>"),
+                    plist("<key>guestAccess</key><true/><key>loginGreeting</key><string>Hi</string>")}};
+    EXPECT_EQ(titleOf(entry), "AFP settings changed: \"loginGreeting\"");
 }
 
 class OneUndo : public HistoryTest {
@@ -180,6 +189,25 @@ TEST_P(OneUndo, TakesBackTheNewestChangeEvenIfTheClockWasSetBackBeforeIt) {
     EXPECT_EQ(titles(),
               (std::vector<std::string>{"3 Taken back: Group \"team\" created done",
                                         "2 Group \"team\" created undone", "1 Group \"crew\" created done"}));
+}
+
+TEST_P(OneUndo, IsRefusedForAPasswordInsteadOfTakingTheChangeBeforeItBack) {
+    addUser("bob", "501");
+    addStaff();
+    selectRow(*app().userTableView, "User", "bob");
+    act("changePassword:");
+    type("passwordSecureText1", "Wonderland1");
+    type("passwordSecureText2", "Wonderland1");
+    act("setPassword:");
+    host.runs.clear();
+    EXPECT_EQ(undo(),
+              "There is nothing that could be taken back: a password that was replaced is not known any "
+              "more.");
+    EXPECT_EQ(history->titleOfNextUndo(), "");
+    EXPECT_EQ(titles(),
+              (std::vector<std::string>{"2 Password of \"bob\" set done", "1 Group \"crew\" created done"}));
+    EXPECT_TRUE(host.runs.empty());
+    EXPECT_EQ(undo(1), "");
 }
 
 TEST_P(OneUndo, IsRefusedWhileTheDirectoryCannotBeRead) {

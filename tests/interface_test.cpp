@@ -46,7 +46,7 @@ TEST_F(AppKit, AFaultyFileIsRefusedWithItsLineAndLeavesNoOutletSet) {
          "the outlet \"table\" of the class \"Recorder\" is of another kind than <checkBox>"},
         {"<textField name='first'/>", "the name \"first\" is taken already"},
         {"<textField outlet='name' name='other'/>", "the outlet \"name\" has a name besides"},
-        {"<label text='x' for='nobody'/>", "the element belongs to \"nobody\", which is not in the file"},
+        {"<label text='x' for='nobody'/>", "the element refers to \"nobody\", which is not in the file"},
         {"<popUp><item title='x' tag='2147483648'/></popUp>",
          "tag=\"2147483648\" of <item> must be a whole number of 32 bits"},
         {"<matrix rows='2' columns='1'><cell title='x'/></matrix>",

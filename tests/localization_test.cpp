@@ -325,10 +325,16 @@ TEST_F(OldSystem, EndsBrindleBeforeAnyOtherStep) {
               "Version " + NSBundle::mainBundle().objectForInfoDictionaryKey("CFBundleVersion") +
                   " of Brindle is only compatible with Mac OS X 10.4 and later.  Please visit " + page +
                   " to download a version of Brindle compatible with your version of Mac OS X.");
+}
 
+TEST_F(OldSystem, ShowsThePageAndEndsBrindleWhenAskedTo) {
+    const std::string title = "Incorrect Mac OS X Version";
     answer(title, "Go to Webpage and Quit Brindle");
     launch();
-    EXPECT_EQ(host.opened, std::vector<std::string>{page});
+    EXPECT_EQ(host.events,
+              (std::vector<std::string>{
+                  "alert " + marked(title),
+                  "open " + NSBundle::mainBundle().objectForInfoDictionaryKey("BRHomePage"), "terminate"}));
 }
 
 class UnknownSystem : public Translation {

@@ -55,7 +55,7 @@ TEST_F(MainWindow, NumbersAndServerNamesAreKeptCleanWhileTheyAreTyped) {
 TEST_F(MainWindow, AShareIsMadeInTheDrawerAndNamedBesideItsDeletion) {
     open();
     const std::string folder = host.root().string();
-    EXPECT_FALSE(widget<QLineEdit>("shareName").isVisible());
+    EXPECT_FALSE(widget<QWidget>("drawer").isVisible());
     clickTitled("New Share");
     ASSERT_TRUE(widget<QLineEdit>("shareName").isVisible());
     typeInto("shareName", "Films");

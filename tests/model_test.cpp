@@ -126,6 +126,15 @@ TEST_F(SMBConfTest, NamesTheLinesThatAWriteWouldSpoil) {
         << "only the section that the home folders' check box can enable";
 }
 
+TEST_F(SMBConfTest, FindsTheSectionsThatOnlyTheServerSees) {
+    using Hidden = std::vector<SMBHiddenSection>;
+    EXPECT_EQ(
+        parse("[top] \nx = 1\n[a]\n [b] = c \n[d]\n[e\\\nf] \n;[g]\n;x = [h] \n[i] j\n").hiddenSections(),
+        (Hidden{{1, "[top]", ""}, {4, "[b] = c", "a"}, {6, "[e\\", "d"}, {10, "[i] j", ""}}));
+    // No header for the server either: joined to the line above, a comment, or without a bracket.
+    EXPECT_EQ(parse("[a]\nx = 1 \\\n[b] c\n# [d] e\n[f\n[g]h]\n").hiddenSections(), Hidden{});
+}
+
 TEST_F(SMBConfTest, AByteOrderMarkSpoilsTheFirstLineAsItDoesForTheServer) {
     const SMBConf conf = parse("\xef\xbb\xbf[global]\na = 1\n[b]\n");
     EXPECT_EQ(conf.Global(), nullptr);
@@ -290,6 +299,19 @@ TEST_F(SMBConfTest, LaterWritesKeepWhatSomebodyElseWroteInTheMeantime) {
     EXPECT_FALSE(conf.textToWrite().isOk());
 }
 
+TEST_F(SMBConfTest, DescribesItselfForTheLog) {
+    const SMBConf conf = parse("[a]\nx = 1\n# c\n");
+    EXPECT_EQ(conf.description(), "Path: /etc/smb.conf\n(\nShare Name: a   Type: SMBGroup\n"
+                                  "(\n    {Name = x; Value = 1;}\n)\nText: # c\n\n)\n");
+    SMBShare entry;
+    std::string kinds;
+    for (const std::int32_t kind : {0, 1, 2, 3, -1}) {
+        entry.setType(kind);
+        kinds += entry.smbTypeToText() + " ";
+    }
+    EXPECT_EQ(kinds, "SMBCommentGroup SMBComment SMBGroup Error Error ");
+}
+
 TEST(SMBTextTest, ACopyOutlivesTheFile) {
     std::string file = "value";
     const SMBPair read{SMBText::borrowed(file), "own"};
@@ -325,4 +347,32 @@ TEST(NormalShareTest, ShowsTheFoldersPrivilegesAsText) {
     EXPECT_EQ(share.DirectoryPath() + share.Owner() + share.Group() + share.Everyone(), "/does/not/exist");
     EXPECT_EQ(share.valueForKey("owner"), nullptr);
     EXPECT_EQ(NormalShare::permissionsToString(4) + NormalShare::permissionsToString(-1), "");
+}
+
+TEST(Descriptions, NameEachFieldAndParameter) {
+    const TestHost host;
+    NormalShare share;
+    share.setShareName("name");
+    share.setAFPShared("shared");
+    share.setAFPName("afp");
+    share.setDirectoryPath("/path");
+    share.setOwner("owner");
+    share.setGroup("group");
+    share.setEveryone("everyone");
+    share.setAFS("afs");
+    share.setSMB("smb");
+    share.setInherit("inherit");
+    share.setInheritOwner("inherit owner");
+    share.setSMBGuestAccess("guests");
+    EXPECT_EQ(share.description(), "Share Name: name\nAFP Shared: shared   AFP Name: afp\n"
+                                   "Directory Path: /path\nOwner: owner   Group: group   Everyone: everyone\n"
+                                   "AFS: afs   SMB: smb\n"
+                                   "Inherit: inherit   Inherit Owner: inherit owner   "
+                                   "SMB Guest Access: guests\n");
+    EXPECT_EQ(
+        SMBConf::ofText("[a]\nx = 1\n# t\n")->description(),
+        "Path: \n(\nShare Name: a   Type: SMBGroup\n(\n    {Name = x; Value = 1;}\n)\nText: # t\n\n)\n");
+    SMBShare other;
+    other.setType(7);
+    EXPECT_EQ(other.smbTypeToText(), "Error");
 }

@@ -6,7 +6,6 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
-#include <memory>
 
 #include <csignal>
 #include <sys/wait.h>
@@ -17,11 +16,7 @@ using platform::Store;
 
 namespace {
 
-struct CloseDomain {
-    void operator()(ni_domain* domain) const { ni_free(domain); }
-};
-
-using Domain = std::unique_ptr<ni_domain, CloseDomain>;
+using Domain = platform::OwnedDomain;
 
 Domain openLocal() {
     ni_domain* domain = nullptr;
@@ -125,7 +120,7 @@ TEST_F(Directory, ListsRecordsPropertiesAndValuesInTheOrderInWhichTheyWereMade) 
     ASSERT_EQ(search(domain.get(), "/users", &id), NI_OK);
     ASSERT_EQ(ni_children(domain.get(), &id, &children), NI_OK);
     ASSERT_EQ(children.niil_val.size(), 2U);
-    ni_id zoe{children.niil_val[0], 0};
+    ni_id zoe{children.niil_val[0]};
     ni_namelist names;
     ASSERT_EQ(ni_listprops(domain.get(), &zoe, &names), NI_OK);
     EXPECT_EQ(texts(names), (std::vector<std::string>{"name", "uid", "mail", "hint"}));
@@ -269,7 +264,7 @@ TEST_F(Directory, SaysWhichKindOfThingIsMissing) {
     ni_id id;
     EXPECT_EQ(search(domain.get(), "/users/nobody", &id), NI_NODIR);
     EXPECT_EQ(id.nii_object, 0U);
-    ni_id missing{4711, 0};
+    ni_id missing{4711};
     ni_idlist children;
     ni_namelist names;
     EXPECT_EQ(ni_children(domain.get(), &missing, &children), NI_BADID);

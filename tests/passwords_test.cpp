@@ -1,5 +1,6 @@
 #include "platform/netinfo/ni.h"
 #include "platform/posix/FileDescriptor.h"
+#include "platform/samba/ComputerPasswords.h"
 #include "platform/samba/PasswordFile.h"
 #include "support/RootFixture.h"
 
@@ -31,6 +32,20 @@ bool contains(const std::string& text, const std::string& part) {
 }
 
 } // namespace
+
+TEST(ComputerPasswords, AreInTheDefaultPlaceUnlessASettingMaySayOtherwise) {
+    for (const char* text : {"", "[global]\n; passdb backend = ldapsam\n#include = /etc/samba/more\n",
+                             "[docs]\npath = /srv/private dir\ncomment = include = x\n"}) {
+        EXPECT_TRUE(platform::usesDefaultPasswordDatabase(text)) << text;
+    }
+    for (const char* line :
+         {"passdb backend = tdbsam", "\tPassDB\tBackEnd=smbpasswd:/x", "passdbbackend = x",
+          "private dir = /x", "private directory = /x", "PRIVATE DIR\t= /x", "include = /etc/samba/more",
+          "config file = /x", "config backend = registry\r"}) {
+        EXPECT_FALSE(platform::usesDefaultPasswordDatabase("[global]\n  workgroup = X\n" + std::string(line)))
+            << line;
+    }
+}
 
 TEST_F(Root, PasswordsGoToTheRootsOwnServerAndAreRemovedWithTheUser) {
     ASSERT_TRUE(root.makeIfMissing().isOk());

@@ -166,17 +166,33 @@ TEST_P(PrivilegedOperation, BeepsAndLogsEachFailedRunAndStopsWhereItMust) {
 INSTANTIATE_TEST_SUITE_P(Every, PrivilegedOperation, testing::ValuesIn(operations()),
                          [](const auto& test) { return test.param.name; });
 
+TEST(Runs, PassEachNameAndPathAsOneArgument) {
+    TestHost host;
+    NiutilTask& task = NiutilTask::sharedInstance();
+    EXPECT_TRUE(task.createUser("alice", "Alice A", "501", "20", false, true));
+    EXPECT_EQ(host.runs.front().arguments, (Events{".", "-create", "/users/alice", "realname", "Alice A"}));
+    host.runs.clear();
+    EXPECT_TRUE(task.createUser("alice", "", "501", "20", false, true));
+    EXPECT_EQ(host.runs.front().arguments, (Events{".", "-create", "/users/alice", "realname"}));
+    host.runs.clear();
+    task.changePermissions("/srv/Our Docs", "alice", "domain users", 0751);
+    EXPECT_EQ(host.runs.front().arguments, (Events{"alice:domain users", "/srv/Our Docs"}));
+}
+
+/// Makes a directory with these shares.
+void makeShares(const TestHost& host, const Events& names) {
+    platform::Store store(host.storeFile().string(), platform::Store::Opening::Create);
+    store.addStandingRecords();
+    const std::array<std::string, 2> shares = {"config", "Brindle"};
+    for (const std::string& name : names) {
+        store.addRecord(store.find(shares).value(), name);
+    }
+    EXPECT_TRUE(store.commit().isOk());
+}
+
 TEST(DeletingAllShares, GoesFromTheLastToTheFirstAndOnAfterAFailure) {
     TestHost host;
-    {
-        platform::Store store(host.storeFile().string(), platform::Store::Opening::Create);
-        const auto config = store.addRecord(platform::Store::root, "config");
-        const auto shares = store.addRecord(config, "Brindle");
-        for (const char* name : {"One", "Two", "Three"}) {
-            store.addRecord(shares, name);
-        }
-        EXPECT_TRUE(store.commit().isOk());
-    }
+    makeShares(host, {"One", "Two", "Three"});
     host.onRun = [&](const RecordedRun&) {
         return host.runs.size() == 1   ? TestHost::RunAnswer{"no", 0}
                : host.runs.size() == 2 ? TestHost::RunAnswer{"", -60031}
@@ -191,16 +207,54 @@ TEST(DeletingAllShares, GoesFromTheLastToTheFirstAndOnAfterAFailure) {
                       nicl + "One"}));
 }
 
+TEST(KeptReports, AreForgottenWithTheLastOfWhateverKeepsThem) {
+    TestHost host;
+    makeShares(host, {"One"});
+    NiutilTask& task = NiutilTask::sharedInstance();
+    NiutilTask::Report kept;
+    {
+        const NiutilTask::ReportsKept outer(task);
+        kept = task.currentShares();
+        {
+            const NiutilTask::ReportsKept inner(task);
+            EXPECT_EQ(task.currentShares(), kept);
+        }
+        EXPECT_EQ(task.currentShares(), kept);
+    }
+    const NiutilTask::Report read = task.currentShares();
+    EXPECT_NE(read, kept);
+    EXPECT_NE(task.currentShares(), read) << "none is kept any more";
+    EXPECT_EQ(*read, *kept);
+}
+
+void watchNotifications(const NiutilTask& task, Events* posted) {
+    for (const auto& name : {NiutilAuthenticatedNotification, NiutilDeauthenticatedNotification}) {
+        NSNotificationCenter::defaultCenter().addObserver(
+            posted, [posted](const NSNotification& notification) { posted->push_back(notification.name); },
+            name, &task);
+    }
+}
+
+TEST(Session, ThatCannotBeMadeHasNoRights) {
+    Events posted;
+    TestHost host;
+    host.makesSessions = false;
+    NiutilTask& task = NiutilTask::sharedInstance();
+    watchNotifications(task, &posted);
+    EXPECT_FALSE(task.isAuthenticated());
+    EXPECT_FALSE(task.authenticate());
+    EXPECT_FALSE(task.createGroup("team", "600", false));
+    task.deauthenticate();
+    EXPECT_EQ(host.events, Events{}) << "the user is asked for nothing, and nothing is run";
+    EXPECT_EQ(posted, Events{});
+}
+
 TEST(Session, AsksOnceAndNotifiesWhenTheRightIsGainedAndLost) {
     Events posted; // outlives the host, because the end of the session is notified too
     TestHost host;
     host.rightHeld = false;
     NiutilTask& task = NiutilTask::sharedInstance();
-    for (const auto& name : {NiutilAuthenticatedNotification, NiutilDeauthenticatedNotification}) {
-        NSNotificationCenter::defaultCenter().addObserver(
-            &posted, [&](const NSNotification& notification) { posted.push_back(notification.name); }, name,
-            &task);
-    }
+    watchNotifications(task, &posted);
     task.deauthenticate();
     EXPECT_EQ(posted, Events{}) << "there was no session";
     EXPECT_FALSE(task.isAuthenticated());

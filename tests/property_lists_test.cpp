@@ -151,6 +151,16 @@ TEST(PropertyLists, OtherReadersOfTheXMLReadTheSameValues) {
     EXPECT_NE(changed.xmlText().find("<string>1&#13;\n2</string>"), std::string::npos) << changed.xmlText();
 }
 
+TEST(PropertyLists, AMalformedDateReadsTheSameAfterItWasWritten) {
+    const auto read = NSMutableDictionary::dictionaryWithData(
+        "<plist><dict><key>a</key><date>0t01-01-02T03:04:05Z</date></dict></plist>");
+    ASSERT_TRUE(read);
+    const auto again = NSMutableDictionary::dictionaryWithData(read->xmlText());
+    ASSERT_TRUE(again);
+    EXPECT_EQ(again->values(), read->values());
+    EXPECT_EQ(again->xmlText(), read->xmlText());
+}
+
 TEST(PropertyLists, AnythingButADictionaryIsRefused) {
     for (const std::string& bytes :
          {std::string(), std::string("no plist"), std::string("<plist><array/></plist>"),

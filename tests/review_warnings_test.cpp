@@ -166,6 +166,12 @@ TEST_F(Surprises, ANameInAnotherCaseIsNamed) {
     type("uid", "600");
     EXPECT_EQ(sentence("addNewUser:", "name-case"),
               "The name \"BOB\" differs from the user \"bob\" only in the case of letters.");
+    const review::Plan plan = reviewer->planSend("addNewUser:");
+    ASSERT_EQ(plan.blocks.size(), 1U);
+    EXPECT_EQ(
+        plan.blocks[0].sentence,
+        "\"BOB\" cannot be used: there is a user called bob, and the case of letters does not tell users "
+        "apart; choose another name.");
 }
 
 TEST_F(Surprises, AnAccountThatIsOverwrittenUnselectedAndAnIdThatChangesAreNamed) {
@@ -209,6 +215,22 @@ TEST_F(Surprises, AMissingGroupIdReadsAsZeroAndIsNamed) {
     }
 }
 
+TEST_F(Surprises, AnUpdateThatTakesBackWhatAButtonDidToThePublicFolderIsNamed) {
+    begin();
+    for (const auto& [operation, end] : {std::pair("enableSelectedPublicShare:", "no longer be shared"),
+                                         {"disableSelectedPublicShare:", "be shared"}}) {
+        app().userTableView->deselectAll();
+        selectRow(*app().userTableView, "User", "bob");
+        type("fullName", "Bob");
+        send(operation);
+        EXPECT_EQ(sentence("addNewUser:", "untouched-setting"),
+                  "The Public folder of the user \"bob\" will " + std::string(end) +
+                      ", although nobody touched that menu.");
+    }
+    choose("publicSharedPopUp", 0);
+    EXPECT_EQ(warningsOf("addNewUser:"), "");
+}
+
 TEST_F(Surprises, ASettingThatChangesUntouchedIsNamed) {
     std::string conf = plainConf();
     conf.replace(conf.find("local master = yes"), 18, "local master = Yes");
@@ -219,6 +241,14 @@ TEST_F(Surprises, ASettingThatChangesUntouchedIsNamed) {
               "\"local master\" in the section [global] of smb.conf changes from \"Yes\" to \"no\", although "
               "nobody "
               "touched its control.");
+    writeConf(plainConf() + "[homes]\nwritable = yes\n");
+    reviewer->reread();
+    EXPECT_EQ(
+        sentence("updateSMBProperties:", "untouched-setting"),
+        "\"writable = yes\" in the section [homes] of smb.conf gives way to \"read only = yes\", although "
+        "nobody touched its control.");
+    writeConf(conf);
+    reviewer->reread();
     selectShare("Docs");
     EXPECT_NE(sentence("createShare:", "untouched-setting").find("\"guest ok\""), std::string::npos);
     nicl({"-create", "/config/Brindle/Films", "afp_use_parent_privs", "1"});
@@ -250,7 +280,7 @@ TEST_F(Surprises, GuestsWhoMayWriteAndManyAccountsAreReported) {
 
 TEST_F(Surprises, SettingsThatTheServerReadsDifferentlyAreNamed) {
     writeConf(plainConf("Workgroup = OTHER\n", "Public = yes\n") +
-              "[GLOBALS]\nserver string = x\n[Home s]\n");
+              "[GLOBALS]\nserver string = x\n[HOMES]\n[Home s]\n");
     begin();
     EXPECT_NE(sentence("updateSMBProperties:", "server-reads-otherwise").find("\"Workgroup = OTHER\""),
               std::string::npos);
@@ -263,7 +293,8 @@ TEST_F(Surprises, SettingsThatTheServerReadsDifferentlyAreNamed) {
             all, [&](const auto& each) { return each.second.find(words) != std::string::npos; });
     };
     EXPECT_TRUE(tells("[GLOBALS]"));
-    EXPECT_TRUE(tells("[Home s]"));
+    EXPECT_TRUE(tells("[HOMES]"));
+    EXPECT_FALSE(tells("[Home s]")) << "a share like any other to the server";
     EXPECT_EQ(all.count("Docs"), 1U);
     EXPECT_EQ(all.count("Films"), 0U);
 }
@@ -288,6 +319,7 @@ TEST_F(Surprises, WhatOurToolsWouldCertainlyRefuseIsBlockedBeforeTheFirstRun) {
         EXPECT_EQ(plan.blocks.front().code, code);
         EXPECT_NE(plan.blocks.front().sentence.find(named), std::string::npos)
             << plan.blocks.front().sentence;
+        EXPECT_EQ(plan.blocks.size(), 1U);
         EXPECT_TRUE(plan.warnings.empty());
         host.answerAlert("Not Possible", "OK");
         send(operation);
@@ -309,10 +341,10 @@ TEST_F(Surprises, WhatOurToolsWouldCertainlyRefuseIsBlockedBeforeTheFirstRun) {
     expectBlocked("addNewUser:", "name", "\"a,b\"");
     type("shortName", "ab");
     type("fullName", "A\tB");
-    expectBlocked("addNewUser:", "text", "\"A\tB\"");
+    expectBlocked("addNewUser:", "text", "\"A\tB\" cannot be the \"realname\" of \"ab\"");
     type("fullName", "A");
     type("uid", "4294967295");
-    expectBlocked("addNewUser:", "number", "4294967295");
+    expectBlocked("addNewUser:", "number", "\"uid\" 4294967295 of \"ab\"");
     type("groupName", "a:b");
     type("gid", "600");
     expectBlocked("addNewGroup:", "name", "\"a:b\"");

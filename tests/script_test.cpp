@@ -311,7 +311,6 @@ TEST(Script, StopsAtWhatAUserCouldNotDoAndSaysWhere) {
         {"answer Perhaps\n\npress go",
          "it:2: the alert \"First\" has no button \"Perhaps\"; it has \"No\" \"Yes\" \"Maybe\""},
         {"close deskWindow\nshow title", "it:3: the application has ended: nothing can follow"},
-        {"quit\nanswer Yes", "it:3: the application has ended: nothing can follow"},
     };
     for (const ScriptCase& each : cases) {
         const Ran ran = runScript(std::string("start\n") + each.script);
@@ -347,6 +346,13 @@ TEST(Script, NamesAnswersThatNothingAskedFor) {
     EXPECT_EQ(ran.errors, "it:1: no alert \"First\" came for the answer \"Yes\"\n"
                           "it:2: no open panel came for /usr\n"
                           "it:3: no alert came for the answer \"OK\"\n");
+}
+
+TEST(Script, MayEndTwiceAndPrepareAnswersAfterwards) {
+    const Ran ran = runScript("start\nquit\nquit\nanswer Yes\nadministrator refuse\n");
+    EXPECT_EQ(ran.status, 0);
+    EXPECT_EQ(ran.output, "log \"bye\"\nquit\n");
+    EXPECT_EQ(ran.errors, "it:4: no alert came for the answer \"Yes\"\n");
 }
 
 TEST(Script, QuitsWithAnOpenSheetWithoutConfirmingIt) {

@@ -175,7 +175,7 @@ esac)sh";
 constexpr const char* sessionHelperScript = R"sh(case "$*" in *--version) exit 0;; esac
 while size=$(head -c 4 | od -An -tu4 --endian=big) && test -n "$size"; do
     head -c $size >/dev/null
-    printf '\006\0\0\0\024%-20s\0' "$*"
+    printf '\006\0\0\0\010%-8s\0' "$*"
 done)sh";
 
 class Sudo : public testing::Test {
@@ -194,7 +194,7 @@ class Sudo : public testing::Test {
     OSStatus run(std::string* output) {
         std::FILE* stream = nullptr;
         const OSStatus status = AuthorizationExecuteWithPrivileges(session_, "/bin/cp", 0, {}, &stream);
-        output->assign(20, '\0');
+        output->assign(8, '\0');
         if (status == 0) {
             EXPECT_EQ(std::fread(output->data(), 1, output->size(), stream), output->size());
             std::fclose(stream);
@@ -233,12 +233,12 @@ TEST_F(Sudo, AsksAgainAfterAWrongPasswordAndForgetsTheRightWhenItIsGivenUp) {
     EXPECT_NE(test_.administratorRequests[4].message, "");
 
     EXPECT_EQ(run(&said), 0);
-    EXPECT_EQ(said, "--system --session  ");
+    EXPECT_EQ(said, "--system");
     EXPECT_EQ(run(&said), 0);
-    EXPECT_TRUE(test_.read("calls").ends_with("-n -- " + helper_ + " --system --session\n"))
+    EXPECT_TRUE(test_.read("calls").ends_with("-n -- " + helper_ + " --system\n"))
         << "one sudo serves the runs of an action";
     EXPECT_EQ(AuthorizationFree(session_, kAuthorizationFlagDestroyRights), 0);
-    EXPECT_TRUE(test_.read("calls").ends_with("--session\n-k\n")) << test_.read("calls");
+    EXPECT_TRUE(test_.read("calls").ends_with("--system\n-k\n")) << test_.read("calls");
     EXPECT_EQ(test_.read("calls").find("right"), std::string::npos) << "a password became an argument";
 }
 
@@ -251,7 +251,7 @@ TEST_F(Sudo, ThatRemembersNoPasswordIsAskedOncePerAction) {
         EXPECT_EQ(askSilently(), 0);
         EXPECT_EQ(run(&said), 0);
         EXPECT_EQ(run(&said), 0);
-        EXPECT_EQ(said, "--system --session  ");
+        EXPECT_EQ(said, "--system");
         authority_->endAction();
         EXPECT_EQ(askSilently(), errAuthorizationInteractionNotAllowed);
         EXPECT_EQ(test_.administratorDialogs, action);

@@ -21,7 +21,7 @@ struct Model {
     }
 
     std::string bytes;
-    SMBConf::EntryList entries;
+    SMBEntries entries;
 };
 
 SMBShare* section(Model& model, std::string_view name) {
@@ -54,7 +54,7 @@ std::string edited(const std::string& text, const std::function<void(Model&)>& e
 }
 
 /// Returns the sections with their kinds and parameters, to compare the meaning of two texts.
-std::vector<std::string> meaning(const SMBConf::EntryList& entries) {
+std::vector<std::string> meaning(const SMBEntries& entries) {
     std::vector<std::string> sections;
     for (const auto& entry : entries) {
         if (entry->Type() == SMBComment) {
@@ -232,6 +232,71 @@ TEST(SmbInPlace, DoesNotTouchLinesThatTheServerJoinsToOthers) {
     }
 }
 
+TEST(SmbInPlace, FollowsTheServerWhereTheModelReadsLess) {
+    struct Case {
+        std::string text;
+        std::function<void(Model&)> edit;
+        std::string result;
+    };
+
+    const auto set = [](const char* key, const char* value) {
+        return [=](Model& model) { section(model, "a")->setProp(key, value); };
+    };
+    const auto unset = [](Model& model) { section(model, "a")->removeProp("x"); };
+    const auto disable = [](Model& model) { section(model, "a")->setType(SMBCommentGroup); };
+    const auto enable = [](Model& model) { section(model, "a")->setType(SMBGroup); };
+    const auto remove = [](Model& model) { removeShare(model, "a"); };
+    const std::string withHeader = "[a]\nx = 1\n# c\n\n# d\n[data] \ny = 2\n";
+    for (const auto& [text, edit, result] : std::vector<Case>{
+             // The last setting counts, also one that the model does not keep.
+             {"[a]\n\tx =\n# c\n", set("x", "1"), "[a]\n\tx =\n\tx = 1\n# c\n"},
+             {"[a]\nx = 1\n X =\nx = #$%BLAK \\\n y\nxx =\n[b]\nx =\n", set("x", "2"),
+              "[a]\nx = 2\nxx =\n[b]\nx =\n"},
+             {"[a]\nx = cut#$%BLAK tail\n", set("x", "1"), "[a]\nx = 1\n"},
+             // A header with something after its bracket begins a section.
+             {withHeader, remove, "# d\n[data] \ny = 2\n"},
+             {withHeader, disable, ";[a]\n;x = 1\n# c\n\n# d\n[data] \ny = 2\n"},
+             {withHeader, set("y", "3"), "[a]\nx = 1\ny = 3\n# c\n\n# d\n[data] \ny = 2\n"},
+             {"[a]\n[data] = b\nx = 2", set("x", "3"), "[a]\nx = 3\n[data] = b\nx = 2"},
+             {"[a]\n \\\n[data] words\ny = 2\n", set("y", "3"), "[a]\n \\\n y = 3\n[data] words\ny = 2\n"},
+             {"[a]\n[data] words\nx = 2\n", unset, "[a]\n[data] words\nx = 2\n"},
+             {";[b]\n[a]\n[da\\\nta] \n# z = 1\n", remove, ";[b]\n[da\\\nta] \n# z = 1\n"},
+             {";[a]\n; [b] = c \\\n;  d\n;x = 1\n", enable, "[a]\n; [b] = c \\\n;  d\nx = 1\n"},
+             // Lines below a commented-out section are those of the active section above.
+             {"[b]\n;[a]\n;x = 1\ny = 2\n\n;[d]\nz = 3 \\\n 4\n# c\n[e]\n", enable,
+              "[b]\ny = 2\nz = 3 \\\n 4\n[a]\nx = 1\n\n;[d]\n# c\n[e]\n"},
+             {"[b]\n[a]\nx = 1\n;[d]\n;w = 1\ny = 2\nz = 3", remove, "[b]\n;[d]\n;w = 1\n"},
+             {"[a]\nx = 1\n;[d]\n;w = 1\n y = 2\n[\n[e]\n", disable,
+              ";[a]\n;x = 1\n; y = 2\n; [\n;[d]\n;w = 1\n[e]\n"},
+             {"[a]\n;[d]\ny = 2 \\\n 3\n;[e]\nz = 1\nY =\n[f]\ny = 4\n", set("y", "1"),
+              "[a]\ny = 1\n;[d]\n;[e]\nz = 1\n[f]\ny = 4\n"},
+             {"[a]\n;[d]\n[f] \ny = 2\n", remove, ";[d]\n[f] \ny = 2\n"},
+             // Every kind of white space may indent a line.
+             {"[c]\n\f;[a]\n \v;x = 1\n", enable, "[c]\n\f[a]\n \vx = 1\n"}}) {
+        EXPECT_EQ(edited(text, edit), result) << text;
+    }
+}
+
+TEST(SmbInPlace, ASectionAddedCommentedOutTakesInNoComment) {
+    const auto addHomes = [](Model& model) {
+        addShare(model, "homes");
+        model.entries.back()->setType(SMBCommentGroup);
+        std::ranges::rotate(model.entries, model.entries.end() - 1);
+    };
+    const auto enable = [](Model& model) { section(model, "homes")->setType(SMBGroup); };
+    const std::string block = "\n;[homes]\n;path = /srv/homes\n;read only = No\n;Created by Brindle\n";
+    const std::string active = "\n[homes]\npath = /srv/homes\nread only = No\n;Created by Brindle\n";
+    const auto off = edited("# mine\n# x = 1\n# words\n\n[b]\n", addHomes);
+    EXPECT_EQ(off, "# mine\n# x = 1\n" + block + "# words\n\n[b]\n");
+    EXPECT_EQ(edited(off, enable), "# mine\n# x = 1\n" + active + "# words\n\n[b]\n");
+    // Nor one below a section that goes away at the same time.
+    const auto instead = edited("[a]\ny = 1\n\n# x = 1\n\n[b]\n", [&](Model& model) {
+        addHomes(model);
+        removeShare(model, "a");
+    });
+    EXPECT_EQ(edited(instead, enable), active.substr(1) + "\n[b]\n");
+}
+
 TEST(SmbInPlace, AppliesTheChangeToAFileThatSomebodyElseChanged) {
     const Model read("[a]\nx = 1\ny = 1\n[b]\nz = 1\n");
     Model now(read.bytes);
@@ -246,6 +311,19 @@ TEST(SmbInPlace, AppliesTheChangeToAFileThatSomebodyElseChanged) {
     const auto gone = textWithChanges("# gone\n[b]\nz = 2", changes);
     EXPECT_EQ(gone.text, "# gone\n[b]\nz = 2\n\n[a]\nx = 2\ny = 1") << "the whole section, and only once";
     EXPECT_EQ(gone.conflicts, (std::vector<SMBConflict>{{"a", "", "", "", ""}}));
+    const Model hidden("[a]\n[b] x = 1\ny = 1\n");
+    Model changed(hidden.bytes);
+    section(changed, "a")->setProp("y", "2");
+    EXPECT_EQ(textWithChanges("[b] x = 1\n", changesBetween(hidden.entries, changed.entries)).text,
+              "[b] x = 1\n\n[a]\ny = 2\n")
+        << "for the server, the other section was never in this one";
+    Model withDocs(read.bytes);
+    addShare(withDocs, "Docs");
+    const auto additions = changesBetween(read.entries, withDocs.entries);
+    const auto twice = textWithChanges(read.bytes + "[Docs]\nv = 1\n", additions);
+    EXPECT_TRUE(twice.text.ends_with("[Docs]\nv = 1\n\n" + additions.front().value + "\n")) << twice.text;
+    EXPECT_EQ(twice.conflicts, (std::vector<SMBConflict>{{"Docs", "", "", "Docs", additions.front().value}}));
+    EXPECT_TRUE(textWithChanges(read.bytes + ";[Docs]\n", additions).conflicts.empty());
     section(now, "a")->setType(SMBCommentGroup);
     EXPECT_EQ(textWithChanges("[b]\nz = 1\n", changesBetween(read.entries, now.entries)).text,
               "[b]\nz = 2\n\n;[a]\n;x = 2\n;y = 1\n");

@@ -47,6 +47,8 @@ TEST_F(SystemCommands, EndWithFourIfTheAdministratorRefusesAndChangeNothing) {
     }
     EXPECT_EQ(run({"/usr/bin/cat", smbConf, "/etc/passwd"}), before);
     EXPECT_EQ(command({"shares", "list"}).status, 0);
+    EXPECT_TRUE(contains(command({"servers", "start", "--at-boot", "--dry-run"}).output,
+                         "would run /usr/sbin/service smbd enable"));
 }
 
 TEST_F(SystemCommands, ShowWhoIsConnectedAndDisconnectThroughTheHelper) {

@@ -102,11 +102,12 @@ TEST_F(SystemShares, AreServedAgainByAServerThatTheHelperStarts) {
         ::usleep(50000);
     }
     ASSERT_EQ(platform::smbServerState().process, 0);
-    const auto helper = [&](const std::string& request) {
-        return runProgram({prefix + "/libexec/brindle-helper", "--system"}, request).output;
+    const auto service = [&](const std::string& what) {
+        return outputOfHelper({prefix + "/libexec/brindle-helper", "--system"},
+                              {"/usr/sbin/service", "smbd", what});
     };
-    EXPECT_TRUE(contains(helper(std::string("/usr/sbin/service\0smbd\0stop\0", 28)), "use service smbd"));
-    EXPECT_EQ(helper(std::string("/usr/sbin/service\0smbd\0start\0", 29)), "\x06");
+    EXPECT_TRUE(contains(service("stop"), "use service smbd"));
+    EXPECT_EQ(service("start"), "");
     platform::ServerState state = platform::smbServerState();
     for (int tries = 0; tries < 200 && state.listensAt.empty(); ++tries) {
         ::usleep(50000); // it opens its ports after it has reported that it runs
@@ -119,7 +120,7 @@ TEST_F(SystemShares, AreServedAgainByAServerThatTheHelperStarts) {
         const auto startsAtBoot = [] { return !run({"find", "/etc/rc2.d", "-name", "S*smbd"}).empty(); };
         run({"/usr/sbin/update-rc.d", "smbd", "disable"});
         EXPECT_FALSE(startsAtBoot());
-        EXPECT_EQ(helper(std::string("/usr/sbin/service\0smbd\0enable\0", 30)), "\x06");
+        EXPECT_EQ(service("enable"), "");
         EXPECT_TRUE(startsAtBoot());
     }
 }
@@ -133,11 +134,10 @@ TEST_F(SystemShares, AreNotSavedIntoAFileThatTheServerCouldNotUse) {
     const std::string usable = contents(smbConf);
     EXPECT_TRUE(platform::writeWholeFile("/home/chief/smb_test.conf", "[global]\nnonsense = 1\n").isOk());
     ASSERT_EQ(::chown("/home/chief/smb_test.conf", ::getpwnam("chief")->pw_uid, 0), 0);
-    const std::string request("/bin/cp\0/home/chief/smb_test.conf\0/etc/smb.conf\0", 48);
-    const Finished refused = runProgram({"/usr/sbin/runuser", "-u", "chief", "--", "sudo", "-n", "--",
-                                         prefix + "/libexec/brindle-helper", "--system"},
-                                        request);
-    EXPECT_TRUE(contains(refused.output, "nonsense")) << refused.output << refused.errors;
+    const std::string refused = outputOfHelper({"/usr/sbin/runuser", "-u", "chief", "--", "sudo", "-n", "--",
+                                                prefix + "/libexec/brindle-helper", "--system"},
+                                               {"/bin/cp", "/home/chief/smb_test.conf", "/etc/smb.conf"});
+    EXPECT_TRUE(contains(refused, "nonsense")) << refused;
     EXPECT_EQ(contents(smbConf), usable);
 }
 

@@ -65,7 +65,8 @@ TEST_F(SystemSmbConf, KeepsHandWrittenTextExceptForTheLinesOfAnAction) {
     const std::vector<HandWritten> samples = {
         // Global settings last, with synonyms and other spellings, over several lines, without indentation.
         {"# the shed's server, 2019\n[Plans]\npath = /srv/plans ; drawings\npublic = yes\n\n[global]\n"
-         "Server String = shed\nhosts allow = 192.168.7. \\\n  127.\nWORKGROUP=SHED\nguest account = "
+         "Server String = shed\nhosts allow = 192.168.7. \\\n  127.\nveto files = /a/ \\\n  "
+         "/b/\nWORKGROUP=SHED\nguest account = "
          "nobody\n\n\n",
          "+[homes]\n+browseable = yes\n+read only = yes\n+\n+workgroup = HOME\n+map to guest = Bad User\n"
          "+security = USER\n+dos charset = CP850\n+local master = yes\n+hide dot files = yes\n",

@@ -118,7 +118,7 @@ class AboutPanel : public testing::Test {
     int steps_ = 0;
 };
 
-TEST_F(AboutPanel, ShowsWhatTheBundleSaysAndIsKeptOutOfTheWindowMenu) {
+TEST_F(AboutPanel, ShowsWhatTheBundleSaysInTheMiddleOfTheScreen) {
     setCredits(10);
     host_.write("resources/English.lproj/Credits.rtf", "{\\rtf1\\ansi of its own language}");
     show();
@@ -131,6 +131,7 @@ TEST_F(AboutPanel, ShowsWhatTheBundleSaysAndIsKeptOutOfTheWindowMenu) {
     EXPECT_EQ(find<NSTextField>("copyrightField")->stringValue(),
               bundle.objectForInfoDictionaryKey("NSHumanReadableCopyright"));
     EXPECT_TRUE(panel_->isVisible());
+    EXPECT_TRUE(panel_->isCentered());
 }
 
 TEST_F(AboutPanel, ScrollsAHundredthOfAPointAtATimeInSinglePrecision) {
@@ -146,6 +147,13 @@ TEST_F(AboutPanel, ScrollsAHundredthOfAPointAtATimeInSinglePrecision) {
     host_.fireTimers();
     EXPECT_EQ(credits_->scrollPosition(), 0) << "the jump back to the top";
     EXPECT_EQ(runPass(), 10'000);
+    panel_->close(); // during the pause at the end
+    show();
+    steps_ = 0;
+    host_.now += 3.0;
+    host_.fireTimers();
+    host_.fireTimers();
+    EXPECT_EQ(steps_, 2) << "a new pass, which does not begin with the jump";
 }
 
 TEST_F(AboutPanel, ALongerTextEndsALittleSoonerThanItsLengthSays) {
@@ -175,6 +183,10 @@ TEST_F(AboutPanel, ScrollsOnlyWhileKeyAndContinuesFromTheSamePlace) {
     steps_ = 0;
     host_.fireTimers();
     EXPECT_EQ(steps_, 0) << "after a pause";
+    host_.now += 3.0;
+    host_.fireTimers();
+    EXPECT_EQ(steps_, 1);
+    EXPECT_EQ(credits_->scrollPosition(), 0) << "from the top, not from where it was closed";
 }
 
 TEST_F(AboutPanel, ABrokenFileIsLoggedWithABeepAndTriedAgain) {

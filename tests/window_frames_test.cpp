@@ -66,7 +66,7 @@ TEST_F(Window, TheDrawerWidensTheWindowAndGivesTheRoomBack) {
     QWidget* main = widget<QWidget>("main");
     const int before = main->width();
     const int table = widget<QWidget>("table")->width();
-    EXPECT_FALSE(widget<QLabel>("inside")->isVisible());
+    EXPECT_FALSE(widget<QWidget>("drawer")->isVisible());
     desk.drawer->toggle();
     QApplication::processEvents();
     EXPECT_TRUE(widget<QLabel>("inside")->isVisible());
@@ -125,7 +125,11 @@ TEST_F(Window, ATimerWithoutAnIntervalCatchesUpOnceAFrame) {
 
 TEST_F(Window, ClosingTheMainWindowEndsTheApplication) {
     QTimer::singleShot(50, [this] { widget<QWidget>("main")->close(); });
-    EXPECT_EQ(frontend->run([] { NSApp().finishLaunching(); }), 0);
+    EXPECT_EQ(frontend->run([] {
+        NSApp().mainWindow()->makeKeyAndOrderFront();
+        NSApp().finishLaunching();
+    }),
+              0);
     EXPECT_TRUE(NSApp().isTerminated());
     EXPECT_EQ(desk.told, (Told{"launched", "will terminate"}));
     EXPECT_TRUE(QApplication::topLevelWidgets().isEmpty());

@@ -47,6 +47,30 @@ TEST_F(MainWindow, ASelectionFollowsItsNameWhenTheListChangesOrIsCleared) {
     EXPECT_FALSE(widget<QPushButton>("deleteUserButton").isEnabled());
 }
 
+TEST_F(MainWindow, TheEditorOfARowThatIsGoneIsEmptiedButNotUnderASheet) {
+    addGroup("staff", "20");
+    addGroup("club", "501");
+    addUser("alice", "501");
+    open();
+    showPage(2);
+    clickRow("groupTableView", 1);
+    nicl({"-delete", "/groups/club"});
+    clickTitled("Refresh");
+    EXPECT_EQ(text("groupName"), "");
+    EXPECT_FALSE(widget<QPushButton>("deleteGroupButton").isEnabled());
+    showPage(1);
+    clickRow("userTableView", 0);
+    click("changePasswordButton");
+    nicl({"-delete", "/users/alice"});
+    controller->refreshPublicList(nullptr);
+    QCoreApplication::processEvents();
+    EXPECT_EQ(text("shortName"), "alice") << "whose password is being set";
+    QTest::keyClick(&widget<QLineEdit>("passwordSecureText1"), Qt::Key_Escape);
+    QCoreApplication::processEvents();
+    EXPECT_EQ(text("shortName"), "");
+    EXPECT_FALSE(widget<QPushButton>("changePasswordButton").isEnabled());
+}
+
 TEST_F(MainWindow, AUserWithoutAGroupIdIsNotShownInGroupZero) {
     addGroup("wheel", "0");
     addGroup("guest", "0"); // listed first

@@ -2,8 +2,11 @@
 
 #include "access/FolderPath.h"
 #include "model/ServerSettings.h"
+#include "platform/foundation/Host.h"
 #include "platform/foundation/NSBundle.h"
 #include "platform/foundation/NSString.h"
+#include "platform/netinfo/LocalDomain.h"
+#include "platform/posix/ShellWord.h"
 
 #include <cerrno>
 #include <utility>
@@ -23,6 +26,12 @@ std::string nameOf(const std::optional<std::string>& user) {
 
 std::string editRemedy(const std::string& setting) {
     return stringWithFormat(NSLocalizedString("Change \"%@\" in the SMB server's settings file."), setting);
+}
+
+/// The command that gives the user, named by name or number, these rights to the folder.
+std::string listRemedy(const std::string& user, const std::string& rights, const std::string& folder) {
+    return "setfacl -m " + platform::shellWord("u:" + user + ":" + rights) + " " +
+           platform::shellWord(folder);
 }
 
 /// How the share editor gives the account more.
@@ -62,6 +71,17 @@ Answer AccessCheck::check(const std::string& share, const std::optional<std::str
     if (findShare(visit) && logOn(visit) && enter(visit) && becomeAccount(visit) && walkTo(visit)) {
         judgeFolder(visit);
     }
+    if (const std::string problem = accounts_.problem(); !problem.empty()) {
+        // Who is missing may be in the directory all the same.
+        answer = {share,
+                  user,
+                  {},
+                  Reason{"cannot-tell",
+                         stringWithFormat(NSLocalizedString("The directory cannot be read: %@."), problem),
+                         platform::Host::current().localDomain().storeFile(),
+                         {}},
+                  {}};
+    }
     if (visit.share != nullptr) {
         noteWhatIsNotJudged(visit);
     }
@@ -70,6 +90,10 @@ Answer AccessCheck::check(const std::string& share, const std::optional<std::str
 
 std::string AccessCheck::section(const Visit& visit) const {
     return stringWithFormat(NSLocalizedString("[%@] in %@"), visit.share->name(), server_.file);
+}
+
+std::string AccessCheck::commandName(const Account& account) const {
+    return server_.isOfRoot ? std::to_string(account.uid) : account.name;
 }
 
 const std::optional<Account>& AccessCheck::accountNamed(const std::string& name) {
@@ -166,7 +190,7 @@ bool AccessCheck::logOn(Visit& visit) {
                             stringWithFormat(NSLocalizedString("%@'s account for shares is disabled."), user),
                             user,
                             // A root's server has its own password database, which smbpasswd does not change.
-                            server_.isOfRoot ? std::string() : stringWithFormat("smbpasswd -e \"%@\"", user));
+                            server_.isOfRoot ? std::string() : "smbpasswd -e " + platform::shellWord(user));
     }
     if (logOn == LogOn::NoPassword) {
         return visit.refuse(
@@ -278,7 +302,7 @@ bool AccessCheck::walkTo(Visit& visit) {
         return visit.refuse(
             "folder-missing",
             stringWithFormat(NSLocalizedString("The shared folder %@ does not exist."), *path), place,
-            stringWithFormat("mkdir -p \"%@\"", *path));
+            "mkdir -p " + platform::shellWord(*path));
     };
     FolderWalk walk(*path);
     std::optional<std::string> closed;
@@ -307,7 +331,7 @@ bool AccessCheck::walkTo(Visit& visit) {
            visit.refuse("no-search",
                         stringWithFormat(NSLocalizedString("%@ may not pass through the folder %@."),
                                          visit.actor.name, *closed),
-                        *closed, stringWithFormat("setfacl -m u:\"%@\":x \"%@\"", visit.actor.name, *closed));
+                        *closed, listRemedy(commandName(visit.actor), "x", *closed));
 }
 
 bool AccessCheck::isReadOnly(const Visit& visit) {
@@ -322,10 +346,9 @@ void AccessCheck::judgeFolder(Visit& visit) {
     const Account& actor = visit.actor;
     Permissions& may = visit.answer.may;
     const RightsClass decidedBy = rights.decidedBy(actor);
-    const std::string remedy =
-        decidedBy == RightsClass::List
-            ? stringWithFormat("setfacl -m u:\"%@\":rwx \"%@\"", actor.name, visit.path)
-            : editorRemedy(decidedBy);
+    const std::string remedy = decidedBy == RightsClass::List
+                                   ? listRemedy(commandName(actor), "rwx", visit.path)
+                                   : editorRemedy(decidedBy);
     const auto refuse = [&](const char* code, const std::string& text, const std::string& how) {
         visit.refuse(code, stringWithFormat(text, actor.name, visit.path), visit.path, how);
     };
@@ -364,7 +387,7 @@ void AccessCheck::judgeFolder(Visit& visit) {
         refuse("no-write", NSLocalizedString("%@ may not write to the folder %@."), remedy);
     } else if (!may.remove) {
         refuse("sticky", NSLocalizedString("%@ may delete only files of their own from the folder %@."),
-               stringWithFormat("chmod -t \"%@\"", visit.path));
+               "chmod -t " + platform::shellWord(visit.path));
     }
 }
 

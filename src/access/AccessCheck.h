@@ -49,6 +49,8 @@ class AccessCheck {
     [[nodiscard]] const std::optional<Account>& accountNamed(const std::string& name);
     [[nodiscard]] const platform::Result<FolderRights>& folder(const std::string& path);
     [[nodiscard]] std::string section(const Visit& visit) const;
+    /// What names the account in a command: a root's users are not this computer's.
+    [[nodiscard]] std::string commandName(const Account& account) const;
 
     const SMBConf& conf_;
     Accounts& accounts_;

@@ -30,6 +30,8 @@ class Accounts {
     /// Returns the account that the server uses for everything because it does not run as root; none when it
     /// can become each user.
     [[nodiscard]] virtual std::optional<Account> serverAccount() = 0;
+    /// Returns why accounts may be missing from the answers so far; empty when none is.
+    [[nodiscard]] virtual std::string problem() const = 0;
 };
 
 } // namespace accesscheck

@@ -7,6 +7,7 @@
 #include "platform/netinfo/LocalDomain.h"
 #include "platform/netinfo/ni.h"
 #include "platform/posix/LetterCase.h"
+#include "platform/posix/ShellWord.h"
 #include "platform/samba/ComputerPasswords.h"
 #include "platform/samba/InstalledSamba.h"
 #include "platform/samba/SambaAccounts.h"
@@ -42,22 +43,17 @@ std::string joined(const std::vector<std::string>& names) {
 /// The names of the records that the store itself has at `path`.
 std::vector<std::string> storedNames(const std::string& file, const char* path) {
     std::vector<std::string> names;
-    ni_domain* opened = nullptr;
+    platform::OwnedDomain domain;
     ni_id id;
     ni_idlist children;
-    if (ni_openfile(file, &opened) != NI_OK) {
-        return names;
-    }
-    const platform::OwnedDomain domain(opened);
-    ni_setabort(opened, 1);
-    if (ni_root(opened, &id) != NI_OK || ni_pathsearch(opened, &id, path) != NI_OK ||
-        ni_children(opened, &id, &children) != NI_OK) {
+    if (platform::openRecord(file, path, &domain, &id) != NI_OK ||
+        ni_children(domain.get(), &id, &children) != NI_OK) {
         return names;
     }
     for (const std::uint32_t child : children.niil_val) {
-        id = {child, 0};
+        id = {child};
         ni_namelist values;
-        if (ni_lookupprop(opened, &id, "name", &values) == NI_OK && !values.ninl_val.empty()) {
+        if (ni_lookupprop(domain.get(), &id, "name", &values) == NI_OK && !values.ninl_val.empty()) {
             names.emplace_back(values.ninl_val.front());
         }
     }
@@ -147,7 +143,7 @@ void Examiner::examineHalfMade() {
               .text = stringWithFormat(text, name),
               .where = file,
               .remedy = NSLocalizedString("It goes with the next change of an account."),
-              .user = code == std::string_view("half-made-user") ? name : std::string()});
+              .user = code == std::string_view("half-made-user") ? std::optional(name) : std::nullopt});
     };
     for (const std::string& name : storedNames(file, "/users")) {
         if (!users.contains(name)) {
@@ -214,7 +210,7 @@ void Examiner::examinePasswords() {
                           : NSLocalizedString("The user \"%@\" has no Samba password and cannot connect."),
                       user.name),
                   .where = user.name,
-                  .remedy = isDisabled && !patient_.root ? "smbpasswd -e " + shellWord(user.name)
+                  .remedy = isDisabled && !patient_.root ? "smbpasswd -e " + platform::shellWord(user.name)
                                                          : command({"users", "password", user.name}),
                   .user = user.name});
             continue;
@@ -251,7 +247,7 @@ void Examiner::examinePasswords() {
                       NSLocalizedString("Samba has a password for \"%@\", and there is no such user."),
                       user->name),
                   .where = NSLocalizedString("Samba's password database"),
-                  .remedy = patient_.root ? std::string() : "pdbedit -x " + shellWord(user->name)});
+                  .remedy = patient_.root ? std::string() : "pdbedit -x " + platform::shellWord(user->name)});
         }
     }
 }

@@ -7,6 +7,7 @@
 #include "platform/netinfo/LocalDomain.h"
 #include "platform/posix/InputOutput.h"
 #include "platform/posix/LetterCase.h"
+#include "platform/posix/ShellWord.h"
 #include "platform/samba/InstalledSamba.h"
 #include "platform/samba/SambaAccounts.h"
 #include "platform/samba/ServerState.h"
@@ -84,7 +85,8 @@ void Examiner::examineSettings() {
             continue;
         }
         find({.code = "smb-conf",
-              .text = stringWithFormat(NSLocalizedString("The SMB server complains: %@"), each.text),
+              .text = stringWithFormat(NSLocalizedString("The SMB server complains: %@"),
+                                       NSLocalizedString(each.text)),
               .where = each.line == 0 ? smbConfFile_ : smbConfFile_ + ":" + std::to_string(each.line),
               .remedy = each.line == 0
                             ? NSLocalizedString("Change the SMB server's settings file.")
@@ -149,7 +151,7 @@ void Examiner::examineFile(const std::string& path, unsigned forbidden, unsigned
         find({.code = "wrong-owner",
               .text = stringWithFormat(NSLocalizedString("%@ should belong to %@."), path, name),
               .where = path,
-              .remedy = "chown " + name + " " + shellWord(path)});
+              .remedy = "chown " + name + " " + platform::shellWord(path)});
     }
     const unsigned mode = status.st_mode & 07777U;
     if (!S_ISLNK(status.st_mode) && (mode & forbidden) != 0) {
@@ -163,7 +165,7 @@ void Examiner::examineFile(const std::string& path, unsigned forbidden, unsigned
                            : NSLocalizedString("Others than its owner may change %@."),
                   path),
               .where = path,
-              .remedy = "chmod " + std::string(bits.data()) + " " + shellWord(path)});
+              .remedy = "chmod " + std::string(bits.data()) + " " + platform::shellWord(path)});
     }
 }
 

@@ -5,6 +5,7 @@
 #include "platform/foundation/NSBundle.h"
 #include "platform/foundation/NSString.h"
 #include "platform/posix/LetterCase.h"
+#include "platform/posix/ShellWord.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -110,7 +111,7 @@ void Examiner::examineFolder(const std::string& share, const std::string& folder
                                                                "exist, because there is no %@."),
                                              *path, share, missing),
               .where = where,
-              .remedy = "mkdir -p " + shellWord(*path),
+              .remedy = "mkdir -p " + platform::shellWord(*path),
               .share = share});
     }
 }

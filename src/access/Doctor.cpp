@@ -7,6 +7,7 @@
 #include "platform/foundation/NSBundle.h"
 #include "platform/foundation/NSString.h"
 #include "platform/netinfo/LocalDomain.h"
+#include "platform/posix/ShellWord.h"
 
 #include <algorithm>
 #include <string_view>
@@ -47,19 +48,6 @@ std::vector<Finding> examineShares(const Patient& patient, const SMBConf& conf,
     Examiner examiner(patient, conf, shares);
     examiner.examineShares();
     return examiner.take().findings;
-}
-
-std::string shellWord(const std::string& word) {
-    constexpr std::string_view plain =
-        "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789/._-:=+@,";
-    if (!word.empty() && word.find_first_not_of(plain) == std::string::npos) {
-        return word;
-    }
-    std::string quoted = "'";
-    for (const char letter : word) {
-        quoted += letter == '\'' ? "'\\''" : std::string(1, letter);
-    }
-    return quoted + "'";
 }
 
 Examiner::Examiner(const Patient& patient)
@@ -128,7 +116,7 @@ void Examiner::readAccounts() {
 std::string Examiner::command(std::initializer_list<std::string> words) const {
     std::string line = patient_.brindle;
     for (const std::string& word : words) {
-        line += " " + shellWord(word);
+        line += " " + platform::shellWord(word);
     }
     return line;
 }
@@ -136,12 +124,12 @@ std::string Examiner::command(std::initializer_list<std::string> words) const {
 std::string Examiner::deleteCommand(const std::string& record) const {
     constexpr std::string_view program = "brindle";
     return "nicl" + patient_.brindle.substr(std::min(patient_.brindle.size(), program.size())) +
-           " . -delete " + shellWord(record);
+           " . -delete " + platform::shellWord(record);
 }
 
 std::string Examiner::editCommand(const std::string& script) const {
-    return std::string(patient_.root ? "" : "sudo ") + "sed -i " + shellWord(script) + " " +
-           shellWord(smbConfFile_);
+    return std::string(patient_.root ? "" : "sudo ") + "sed -i " + platform::shellWord(script) + " " +
+           platform::shellWord(smbConfFile_);
 }
 
 std::string Examiner::renameCommand(const std::string& section, const std::string& name) const {

@@ -49,7 +49,4 @@ struct Patient {
 [[nodiscard]] std::vector<Finding> examineShares(const Patient& patient, const SMBConf& conf,
                                                  std::span<const NormalShare> shares);
 
-/// Returns the word for a shell command line, quoted where necessary.
-[[nodiscard]] std::string shellWord(const std::string& word);
-
 } // namespace accesscheck

@@ -16,16 +16,22 @@ namespace accesscheck {
 
 namespace {
 
-constexpr int directorySeconds = 30;
-
 /// The record at `path`, with the connection that it belongs to. Without a record there is no connection.
 struct Record {
     platform::OwnedDomain domain;
     ni_id id;
+    ni_status failure = NI_OK; ///< why the directory could not be read; NI_OK when it could
+
+    /// Returns whether the directory has what was asked for, and remembers when it could not tell.
+    bool isThere(ni_status status) {
+        const bool isMissing = status == NI_NODIR || status == NI_NOPROP;
+        failure = failure == NI_OK && !isMissing ? status : failure;
+        return status == NI_OK;
+    }
 
     [[nodiscard]] std::optional<std::string> value(std::string_view property) {
         ni_namelist values;
-        return ni_lookupprop(domain.get(), &id, property, &values) == NI_OK && !values.ninl_val.empty()
+        return isThere(ni_lookupprop(domain.get(), &id, property, &values)) && !values.ninl_val.empty()
                    ? std::optional<std::string>(values.ninl_val.front())
                    : std::nullopt;
     }
@@ -38,27 +44,11 @@ struct Record {
 };
 
 Record recordAt(const std::string& path) {
-    ni_domain* opened = nullptr;
-    if (ni_open(nullptr, ".", &opened) != NI_OK) {
-        return {};
-    }
-    Record record{platform::OwnedDomain(opened), {}};
-    ni_setabort(opened, 1);
-    ni_setreadtimeout(opened, directorySeconds);
-    if (ni_root(opened, &record.id) != NI_OK || ni_pathsearch(opened, &record.id, path.c_str()) != NI_OK) {
+    Record record;
+    if (!record.isThere(platform::openLocalRecord(path, &record.domain, &record.id))) {
         record.domain.reset();
     }
     return record;
-}
-
-std::optional<Account> directoryAccount(const std::string& name) {
-    Record record = name.find('/') == std::string::npos ? recordAt("/users/" + name) : Record();
-    if (!record.domain) {
-        return std::nullopt;
-    }
-    const auto uid = record.number("uid");
-    const auto gid = record.number("gid");
-    return uid && gid ? std::optional(Account{name, *uid, *gid, {*gid}}) : std::nullopt;
 }
 
 std::optional<Account> computerAccount(const std::string& name) {
@@ -67,11 +57,6 @@ std::optional<Account> computerAccount(const std::string& name) {
     return entry != nullptr
                ? std::optional(Account{entry->pw_name, entry->pw_uid, entry->pw_gid, {entry->pw_gid}})
                : std::nullopt;
-}
-
-std::optional<Account> eitherAccount(const std::string& name) {
-    auto account = directoryAccount(name);
-    return account ? account : computerAccount(name);
 }
 
 std::vector<gid_t> computerGroups(const Account& account) {
@@ -87,6 +72,25 @@ std::vector<gid_t> computerGroups(const Account& account) {
 
 } // namespace
 
+void ServerAccounts::noteFailure(std::int32_t status) {
+    if (status != NI_OK && problem_.empty()) {
+        problem_ = ni_error(status);
+    }
+}
+
+std::optional<Account> ServerAccounts::directoryAccount(const std::string& name) {
+    Record record = name.find('/') == std::string::npos ? recordAt("/users/" + name) : Record();
+    const auto uid = record.domain ? record.number("uid") : std::nullopt;
+    const auto gid = record.domain ? record.number("gid") : std::nullopt;
+    noteFailure(record.failure);
+    return uid && gid ? std::optional(Account{name, *uid, *gid, {*gid}}) : std::nullopt;
+}
+
+std::optional<Account> ServerAccounts::eitherAccount(const std::string& name) {
+    auto account = directoryAccount(name);
+    return account ? account : computerAccount(name);
+}
+
 const std::map<std::string, ServerAccounts::Group>& ServerAccounts::groups() {
     if (groups_) {
         return *groups_;
@@ -94,11 +98,12 @@ const std::map<std::string, ServerAccounts::Group>& ServerAccounts::groups() {
     groups_.emplace();
     Record place = recordAt("/groups");
     ni_idlist children;
-    if (!place.domain || ni_children(place.domain.get(), &place.id, &children) != NI_OK) {
+    if (!place.domain || !place.isThere(ni_children(place.domain.get(), &place.id, &children))) {
+        noteFailure(place.failure);
         return *groups_;
     }
     for (const std::uint32_t child : children.niil_val) {
-        place.id = {child, 0};
+        place.id = {child};
         const auto name = place.value("name");
         const auto gid = place.number("gid");
         if (!name || !gid) {
@@ -107,10 +112,11 @@ const std::map<std::string, ServerAccounts::Group>& ServerAccounts::groups() {
         ni_namelist members;
         Group& group = (*groups_)[*name];
         group.gid = *gid;
-        if (ni_lookupprop(place.domain.get(), &place.id, "users", &members) == NI_OK) {
+        if (place.isThere(ni_lookupprop(place.domain.get(), &place.id, "users", &members))) {
             group.members.assign(members.ninl_val.begin(), members.ninl_val.end());
         }
     }
+    noteFailure(place.failure);
     return *groups_;
 }
 

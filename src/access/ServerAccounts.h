@@ -3,7 +3,7 @@
 #include "access/Accounts.h"
 #include "platform/samba/SambaAccounts.h"
 
-#include <functional>
+#include <cstdint>
 #include <map>
 #include <optional>
 #include <string>
@@ -23,12 +23,18 @@ class ServerAccounts : public Accounts {
     [[nodiscard]] LogOn logOn(const std::string& name) override;
     [[nodiscard]] std::optional<Account> serverAccount() override;
 
+    [[nodiscard]] std::string problem() const override { return problem_; }
+
   private:
     struct Group {
         gid_t gid = 0;
         std::vector<std::string> members;
     };
 
+    [[nodiscard]] std::optional<Account> directoryAccount(const std::string& name);
+    [[nodiscard]] std::optional<Account> eitherAccount(const std::string& name);
+    /// Remembers that the directory could not be read, if `status` says so.
+    void noteFailure(std::int32_t status);
     /// The directory's groups by name.
     [[nodiscard]] const std::map<std::string, Group>& groups();
     void addGroupsOf(Account& account);
@@ -36,6 +42,7 @@ class ServerAccounts : public Accounts {
 
     std::optional<platform::SambaAccounts> root_;
     std::optional<std::map<std::string, Group>> groups_;
+    std::string problem_;
     bool hasAskedForOne_ = false;
     /// The whole password database by name in lower case, read when a second user is asked about: every
     /// question to Samba starts a program.

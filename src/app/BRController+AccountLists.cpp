@@ -1,7 +1,8 @@
 #include "app/BRController.h"
 
-#include "app/Alerts.h"
 #include "app/DirectoryRecords.h"
+#include "platform/appkit/NSAlert.h"
+#include "platform/foundation/NSBundle.h"
 #include "platform/foundation/NSLog.h"
 #include "privileged/NiutilTask.h"
 
@@ -12,7 +13,7 @@
 namespace {
 
 /// The lowest group id that is proposed: lower ones belong to the system.
-constexpr std::int64_t lowestProposedGroupId = 101;
+constexpr std::uint64_t lowestProposedGroupId = 101;
 
 using IdOfName = std::map<std::string, std::int64_t, std::less<>>;
 
@@ -72,6 +73,11 @@ std::optional<std::int64_t> highestIdOf(const std::vector<Record>& records) {
     return highest == -1 ? std::nullopt : std::optional(highest);
 }
 
+/// Unsigned, because a record may hold the highest number that is read.
+std::uint64_t nextId(std::int64_t highest) {
+    return static_cast<std::uint64_t>(highest) + 1;
+}
+
 bool anyRowHas(const std::vector<BRRow>& rows, const char* key, const std::string& value) {
     return std::ranges::any_of(rows, [&](const BRRow& row) { return row.valueForKey(key) == value; });
 }
@@ -83,12 +89,8 @@ void BRController::getNextUID(NSControl* /*sender*/) {
         highestIdOf(recordsOfReport<UserRecord>(NiutilTask::sharedInstance().currentUsers()));
     if (!highest) {
         NSLog("No Users found to update the UID");
-    } else if (*highest >= highestPossibleId) {
-        showAlert("UID Not Proposed",
-                  "The highest possible UID, %d, is in use.  Please enter a UID that is not in use.",
-                  highestPossibleId);
     } else {
-        uid->setStringValue(std::to_string(*highest + 1));
+        uid->setStringValue(std::to_string(nextId(*highest)));
     }
 }
 
@@ -99,12 +101,8 @@ void BRController::getNextGID(NSControl* sender) {
     if (!highest) {
         NSLog("No Groups found to update the GID");
         NSBeep();
-    } else if (*highest >= highestPossibleId) {
-        showAlert("GID Not Proposed",
-                  "The highest possible GID, %d, is in use.  Please enter a GID that is not in use.",
-                  highestPossibleId);
     } else {
-        gid->setStringValue(std::to_string(std::max(*highest + 1, lowestProposedGroupId)));
+        gid->setStringValue(std::to_string(std::max(nextId(*highest), lowestProposedGroupId)));
     }
 }
 
@@ -123,7 +121,8 @@ void BRController::updateUserTextFields(NSControl* /*sender*/) {
     fullName->setStringValue(row != nullptr ? row->at("Full Name") : "");
     shortName->setStringValue(row != nullptr ? row->at("User") : "");
     uid->setStringValue(row != nullptr ? row->at("UID") : "");
-    showPublicShared(row);
+    const bool sharesPublicFolder = row != nullptr && row->at("Public Shared") == NSLocalizedString("YES");
+    publicSharedPopUp->selectItemAtIndex(sharesPublicFolder ? 0 : 1);
     if (row != nullptr) {
         groupPopUp->selectItemAtIndex(groupPopUp->indexOfItemWithTag(longLongValue(row->at("GID"))));
     }
@@ -132,11 +131,6 @@ void BRController::updateUserTextFields(NSControl* /*sender*/) {
          {deleteUserButton, changePasswordButton, disablePublicSelectedButton, enablePublicSelectedButton}) {
         button->setEnabled(row != nullptr);
     }
-}
-
-void BRController::showPublicShared(const BRRow* row) {
-    const bool shared = row != nullptr && row->at("Public Shared") == NSLocalizedString("YES");
-    publicSharedPopUp->selectItemAtIndex(shared ? 0 : 1);
 }
 
 void BRController::updateGroupTextFields(NSControl* /*sender*/) {
@@ -162,22 +156,6 @@ void BRController::updateGroupsList(NSControl* /*sender*/) {
                     showSystemUsersGroups2->state() == NSOnState);
 }
 
-void BRController::reloadUserTable() {
-    const bool hadSelection = userTableView->selectedRow() >= 0;
-    userTableView->reloadData();
-    if (hadSelection && userTableView->selectedRow() < 0) {
-        updateUserTextFields(nullptr);
-    }
-}
-
-void BRController::reloadGroupTable() {
-    const bool hadSelection = groupTableView->selectedRow() >= 0;
-    groupTableView->reloadData();
-    if (hadSelection && groupTableView->selectedRow() < 0) {
-        updateGroupTextFields(nullptr);
-    }
-}
-
 void BRController::refreshGroupList(NSControl* /*sender*/) {
     guarded([this] { parseGroupShares(); }, bugMessage(FailedStep::Groups));
     groupTableView->reloadData();
@@ -188,7 +166,7 @@ void BRController::refreshGroupList(NSControl* /*sender*/) {
 
 void BRController::updateSystemUsersGroups(NSControl* /*sender*/) {
     guarded([this] { parseGroupShares(); }, bugMessage(FailedStep::Groups));
-    reloadGroupTable();
+    groupTableView->reloadData();
     guarded([this] { parseGroupUserShares(); }, bugMessage(FailedStep::Users));
     groupUsersTableView->reloadData();
 }

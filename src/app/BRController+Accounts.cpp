@@ -175,9 +175,6 @@ void BRController::createUser() {
     }
     addUser(name, groupPopUp->titleOfSelectedItem().value_or(""), {});
     refreshPublicList(nullptr);
-    // The sheet that is open sets the password of the user in this field, but the field is emptied when the
-    // selected row goes away.
-    shortName->setStringValue(name);
 }
 
 void BRController::updateUser() {
@@ -268,7 +265,7 @@ void BRController::changeMembership(MembershipChange change) {
         }
     }
     guarded([this] { parseGroupShares(); }, bugMessage(FailedStep::Groups));
-    reloadGroupTable();
+    groupTableView->reloadData();
 }
 
 void BRController::changePassword(NSControl* /*sender*/) {

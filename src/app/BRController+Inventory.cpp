@@ -5,10 +5,14 @@
 #include "privileged/NiutilTask.h"
 
 #include <array>
+#include <cstdint>
+#include <functional>
 #include <initializer_list>
+#include <memory_resource>
+#include <optional>
 #include <string>
 #include <string_view>
-#include <unordered_map>
+#include <unordered_set>
 #include <utility>
 
 namespace {
@@ -82,13 +86,60 @@ constexpr std::array<std::string_view, BRRow::mostColumns> userColumns = {"User"
                                                                           "Full Name", "GID"};
 constexpr std::array<std::string_view, 3> groupColumns = {"GID", "Group", "Users in Group"};
 
+/// The first row of each folder. It keeps numbers of rows only, and its memory in one piece, because a
+/// computer may have a hundred thousand shares.
+class FirstRows {
+  public:
+    explicit FirstRows(const std::vector<NormalShare>& rows)
+        : set_(rows.capacity(), Hash{&rows}, Equal{&rows}, &memory_) {}
+
+    void add(std::uint32_t row) { set_.insert(row); }
+
+    [[nodiscard]] std::optional<std::uint32_t> find(std::string_view folder) const {
+        const auto found = set_.find(folder);
+        return found == set_.end() ? std::nullopt : std::optional(*found);
+    }
+
+  private:
+    using Rows = std::vector<NormalShare>;
+
+    static std::string_view folderOf(const Rows& rows, std::uint32_t row) {
+        return rows[row].DirectoryPath();
+    }
+
+    static std::string_view folderOf(const Rows& /*rows*/, std::string_view folder) { return folder; }
+
+    struct Hash {
+        using is_transparent = void;
+        const Rows* rows;
+
+        template <class Key>
+        std::size_t operator()(Key key) const {
+            return std::hash<std::string_view>()(folderOf(*rows, key));
+        }
+    };
+
+    struct Equal {
+        using is_transparent = void;
+        const Rows* rows;
+
+        template <class Left, class Right>
+        bool operator()(Left left, Right right) const {
+            return folderOf(*rows, left) == folderOf(*rows, right);
+        }
+    };
+
+    std::pmr::monotonic_buffer_resource memory_;
+    std::pmr::unordered_set<std::uint32_t, Hash, Equal> set_;
+};
+
 } // namespace
 
 void BRController::parseCurrentShares() {
     currentShares_.clear();
     const NiutilTask::Report lines = NiutilTask::sharedInstance().currentShares();
-    currentShares_.reserve(lines->size() +
-                           smbConf->Entries().size()); // rows are large: reserve so that none is moved
+    // Rows are large and joinSMBSections keeps views of their strings, so none may be moved.
+    currentShares_.reserve(lines->size() + smbConf->Entries().size());
     for (const std::string& line : *lines) {
         currentShares_.push_back(shareFromRecord(ShareRecord(line)));
     }
@@ -96,14 +147,9 @@ void BRController::parseCurrentShares() {
 }
 
 void BRController::joinSMBSections() {
-    // The first row of each folder, including rows that sections add. The keys are views of the rows'
-    // strings.
-    const std::size_t rows = currentShares_.size() + smbConf->Entries().size();
-    currentShares_.reserve(rows);
-    std::unordered_map<std::string_view, std::size_t> rowOfFolder;
-    rowOfFolder.reserve(rows);
-    for (std::size_t row = 0; row < currentShares_.size(); ++row) {
-        rowOfFolder.emplace(currentShares_[row].DirectoryPath(), row);
+    FirstRows firstRows(currentShares_);
+    for (std::uint32_t row = 0; row < currentShares_.size(); ++row) {
+        firstRows.add(row);
     }
     for (const auto& entry : smbConf->Entries()) {
         if (entry->Type() != SMBGroup || entry.get() == smbConf->Global() ||
@@ -111,13 +157,13 @@ void BRController::joinSMBSections() {
             continue;
         }
         const SectionFacts facts = factsOfSection(*entry);
-        const auto found = facts.folder ? rowOfFolder.find(*facts.folder) : rowOfFolder.end();
-        if (found == rowOfFolder.end()) {
+        const auto row = facts.folder ? firstRows.find(*facts.folder) : std::nullopt;
+        if (!row) {
             currentShares_.push_back(shareFromSection(*entry, facts));
-            rowOfFolder.emplace(currentShares_.back().DirectoryPath(), currentShares_.size() - 1);
+            firstRows.add(static_cast<std::uint32_t>(currentShares_.size() - 1));
             continue;
         }
-        NormalShare& share = currentShares_[found->second];
+        NormalShare& share = currentShares_[*row];
         share.setSMB("+");
         if (facts.guestAccess) {
             share.setSMBGuestAccess(*facts.guestAccess);
@@ -172,7 +218,7 @@ void BRController::refreshNormalList(NSControl* /*sender*/) {
 
 void BRController::refreshPublicList(NSControl* /*sender*/) {
     parseUserShares();
-    reloadUserTable();
+    userTableView->reloadData();
 }
 
 const NormalShare* BRController::shareAtRow(int row) const {

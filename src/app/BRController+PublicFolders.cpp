@@ -40,9 +40,5 @@ void BRController::changePublicSharesAbove(std::int64_t highestIdLeftOut, bool e
 void BRController::showChangedPublicShares() {
     NiutilTask::sharedInstance().restartAFS();
     parseUserShares();
-    reloadUserTable();
-    const BRRow* row = selectedRow(*userTableView, userShares);
-    if (row != nullptr && row->at("User") == shortName->stringValue()) {
-        showPublicShared(row);
-    }
+    userTableView->reloadData();
 }

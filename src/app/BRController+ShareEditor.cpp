@@ -150,8 +150,9 @@ void BRController::createShare(NSControl* sender) {
     }
     const std::string name = shareName->stringValue();
     const std::string folder = directory->stringValue();
-    if (task.createShare(name, folder, sharingAFS->indexOfSelectedItem(), inheritPermissionsButton->state(),
-                         inheritOwnerButton->state())) {
+    const bool isCreated = task.createShare(name, folder, sharingAFS->indexOfSelectedItem(),
+                                            inheritPermissionsButton->state(), inheritOwnerButton->state());
+    if (isCreated) {
         showSMBWriteResult(smbConf->modifySMBShare(name, folder, sharingSMB->indexOfSelectedItem(),
                                                    inheritPermissionsButton->state(),
                                                    guestAccessButton->state()));
@@ -164,7 +165,7 @@ void BRController::createShare(NSControl* sender) {
     task.restartAFS();
     task.restartSMB();
     refreshNormalList(sender);
-    selectShareAfterWrite(rowBefore);
+    selectShareAfterWrite(rowBefore, isCreated);
     deleteButton->setEnabled(true);
     updateCreateShareButton(sender);
 }
@@ -174,9 +175,9 @@ void BRController::showCreateShareFailed(const std::string& name) {
               name);
 }
 
-void BRController::selectShareAfterWrite(int rowBefore) {
-    int row = rowBefore;
-    if (row < 0) {
+void BRController::selectShareAfterWrite(int rowBefore, bool isCreated) {
+    int row = rowBefore < normalTableView->numberOfRows() ? rowBefore : -1;
+    if (row < 0 && isCreated) {
         const std::string& name = shareName->stringValue();
         const auto found = std::ranges::find(currentShares_, name, &NormalShare::ShareName);
         row = found == currentShares_.end() ? -1 : static_cast<int>(found - currentShares_.begin());

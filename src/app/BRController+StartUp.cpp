@@ -47,6 +47,18 @@ std::string lossesText(const std::vector<SMBLossNotice>& losses) {
     return lines;
 }
 
+/// The numbers of the headers' lines.
+std::string numbersText(const std::vector<SMBHiddenSection>& sections) {
+    std::string numbers;
+    for (std::size_t i = 0; i < sections.size() && i < namedLossesLimit; ++i) {
+        numbers += (i == 0 ? "" : ", ") + std::to_string(sections[i].line);
+    }
+    if (sections.size() > namedLossesLimit) {
+        numbers += stringWithFormat(NSLocalizedString(", and %d more"), sections.size() - namedLossesLimit);
+    }
+    return numbers;
+}
+
 } // namespace
 
 void BRController::applicationDidFinishLaunching() {
@@ -188,7 +200,8 @@ std::string BRController::bugMessage(FailedStep step) {
 
 void BRController::showSMBConfNotice() {
     // Name the file that the user can open, wherever the host keeps it.
-    const std::string file = platform::Host::current().paths().map(smbConf->Path());
+    const platform::Paths& paths = platform::Host::current().paths();
+    const std::string file = paths.shown(paths.map(smbConf->Path()));
     std::string notice;
     if (!smbConf->unreadableReason().empty()) {
         notice = stringWithFormat(
@@ -201,6 +214,13 @@ void BRController::showSMBConfNotice() {
             NSLocalizedString("Saving will not keep all of %@: %@.  The file as it is will then stay beside "
                               "it as smb.conf.previous until you save again: copy it if you need it."),
             file, lossesText(smbConf->lossNotices()));
+    } else if (const auto hidden = smbConf->hiddenSections(); !hidden.empty()) {
+        notice = stringWithFormat(
+            NSLocalizedString(
+                "The SMB server takes these lines of %@ for headers of sections, and Brindle does "
+                "not show those sections: %@.  Make each line end with its \"]\" and read the "
+                "file again."),
+            file, numbersText(hidden));
     }
     smbConfNotice->setStringValue(notice);
     smbPartNotice->setStringValue(

@@ -9,12 +9,14 @@ namespace {
 
 using Description = platform::ClassDescription<BRController>;
 
-void describeShareActions(Description& controller) {
+void describeWindowActions(Description& controller) {
     controller.action("toggleAuthorization:", &BRController::toggleAuthorization)
         .action("toggleDrawer:", &BRController::toggleDrawer)
-        .action("showAboutBox:", &BRController::showAboutBox)
-        .action("refreshNormalList:", &BRController::refreshNormalList)
-        .action("refreshPublicList:", &BRController::refreshPublicList)
+        .action("showAboutBox:", &BRController::showAboutBox);
+}
+
+void describeShareActions(Description& controller) {
+    controller.action("refreshNormalList:", &BRController::refreshNormalList)
         .action("updateShareTextFields:", &BRController::updateShareTextFields)
         .action("updateCreateShareButton:", &BRController::updateCreateShareButton)
         .action("updateInheritButtons:", &BRController::updateInheritButtons)
@@ -37,6 +39,7 @@ void describeAccountActions(Description& controller) {
         .action("getNextGID:", &BRController::getNextGID)
         .action("updateAddUserButton:", &BRController::updateAddUserButton)
         .action("updateAddGroupButton:", &BRController::updateAddGroupButton)
+        .action("refreshPublicList:", &BRController::refreshPublicList)
         .action("updateUserTextFields:", &BRController::updateUserTextFields)
         .action("updateGroupTextFields:", &BRController::updateGroupTextFields)
         .action("updateUsersGroupsList:", &BRController::updateUsersGroupsList)
@@ -82,6 +85,7 @@ BRController::~BRController() {
 platform::Result<std::unique_ptr<platform::Interface>> BRController::loadInterface() {
     Description controller("BRController");
     controller.maker([] { return std::make_shared<BRController>(); });
+    describeWindowActions(controller);
     describeShareActions(controller);
     describeAccountActions(controller);
     describeServerActions(controller);

@@ -136,12 +136,12 @@ class BRController : public BROutlets,
     void sendDonationKagi(NSControl* sender);
     void sendFeedback(NSControl* sender);
 
-    // For the review (BRController+Copy.cpp).
+    // For the review (BRController+Review.cpp).
     /// Copies the state of `other`, the controller of another host, but not the state of its controls.
     /// `sheetIsUp` says whether the password sheet is up. Shows nothing and sends no notification.
     void copyState(const BRController& other, bool sheetIsUp);
-    /// Reads smb.conf again into the model, the rows of the share table and the SMB page, where unsaved edits
-    /// are lost. The selected share stays selected, and the editor shows its present state.
+    /// Reads smb.conf again into the model, the rows of the share table, the share editor and the SMB page.
+    /// Unsaved edits in the last two are lost. The selected share stays selected.
     void rereadSMBConf();
     /// The same, and also the AFP settings, the users and the groups.
     void rereadEverything();
@@ -155,8 +155,6 @@ class BRController : public BROutlets,
 
     // The shares in the order of the share table's rows.
     [[nodiscard]] const std::vector<NormalShare>& currentShares() const { return currentShares_; }
-
-    void setCurrentShares(std::vector<NormalShare> shares) { currentShares_ = std::move(shares); }
 
   private:
     enum class FailedStep { Shares, Users, Groups, AFPSettings, SMBSettings };
@@ -194,7 +192,9 @@ class BRController : public BROutlets,
     [[nodiscard]] bool validateShareFields() const;
     /// Shows the alert for a share record that could not be written. The migration uses it too.
     static void showCreateShareFailed(const std::string& name);
-    void selectShareAfterWrite(int rowBefore);
+    /// Selects the row that was selected before the write. If there is none, or it is gone, selects the share
+    /// in the editor, provided that it was created; after a failure the typed text stays for another try.
+    void selectShareAfterWrite(int rowBefore, bool isCreated);
 
     // Accounts (BRController+Accounts.cpp).
     /// Returns the row of `rows`, the list behind the table, that is selected in the table; null when none
@@ -222,19 +222,12 @@ class BRController : public BROutlets,
     /// Makes the change for every selected candidate and the selected group.
     void changeMembership(MembershipChange change);
     void beginPasswordSheet();
-    /// Reloads a table. When the selected row is gone, shows the editor as if none were selected: the table
-    /// sends no notification for that, and the buttons would act on an account that no longer exists.
-    void reloadUserTable();
-    void reloadGroupTable();
 
     // Public folders.
     void changeSelectedPublicShare(bool enable);
     void changePublicSharesAbove(std::int64_t highestIdLeftOut, bool enable);
-    /// Makes the AFP server see a change, and reads the users again. Updates the editor's menu too, or the
-    /// next update would write its old choice back.
+    /// Makes the AFP server see a change, and reads the users again.
     void showChangedPublicShares();
-    /// Selects in the editor's menu what the user's row says; "not shared" without a row.
-    void showPublicShared(const BRRow* row);
 
     // SMB settings.
     /// Calls refreshSMBProperties, guarded. The notice says so when it stopped part way.

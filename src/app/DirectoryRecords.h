@@ -11,13 +11,17 @@
 #include <string_view>
 #include <vector>
 
-// The directory's records as its reports list them. A report line with a missing piece raises
+// The directory's records as its reports list them. A report line that lacks a piece which is read raises
 // std::out_of_range.
 
 inline constexpr std::int64_t highestSystemUserId = 99;
 inline constexpr std::int64_t highestSystemGroupId = 100;
-/// The next higher number means "no id" to the system.
-inline constexpr std::int64_t highestPossibleId = 4294967294;
+
+/// Whether a user with that value of "sharedDir" shares the Public folder.
+[[nodiscard]] inline bool isPublicFolderShared(std::string_view sharedDir) {
+    constexpr std::array<std::string_view, 3> notShared = {"<no entry>", "<no value>", reportNoValue};
+    return std::ranges::find(notShared, sharedDir) == notShared.end();
+}
 
 /// Returns the short names in a member field.
 [[nodiscard]] inline std::vector<std::string> memberNames(const std::string& field) {
@@ -57,7 +61,8 @@ struct BasicUserRecord {
     Text fullName;
     Text gid; ///< the primary group's id
 
-    /// 0 when there is no number.
+    /// 0 when there is no number. Ids up to 4294967294 are valid here: with 32 bits, a user in such a group
+    /// would be written back with another one.
     [[nodiscard]] std::int64_t id() const { return longLongValue(uid); }
 
     [[nodiscard]] bool isSystem() const { return id() <= highestSystemUserId; }
@@ -65,8 +70,7 @@ struct BasicUserRecord {
   private:
     [[nodiscard]] static bool isShared(const ReportPieces& pieces) {
         constexpr std::size_t wholeReport = 6;
-        constexpr std::array<std::string_view, 3> notShared = {"<no entry>", "<no value>", reportNoValue};
-        return pieces.size() == wholeReport && std::ranges::find(notShared, pieces.at(2)) == notShared.end();
+        return pieces.size() == wholeReport && isPublicFolderShared(pieces.at(2));
     }
 };
 
@@ -83,7 +87,7 @@ struct GroupRecord {
     std::string name;
     std::string memberField;
 
-    /// 0 when there is no number.
+    /// 0 when there is no number; as wide as a user's.
     [[nodiscard]] std::int64_t id() const { return longLongValue(gid); }
 
     /// Three groups with low ids are meant for users, and so are always listed.
@@ -107,5 +111,9 @@ template <class Record>
 /// True when the short name is a member of the first group named "admin".
 [[nodiscard]] inline bool isAdminUser(const std::vector<GroupRecord>& groups, const std::string& shortName) {
     const auto admin = std::ranges::find(groups, std::string_view("admin"), &GroupRecord::name);
-    return admin != groups.end() && std::ranges::count(admin->members(), shortName) > 0;
+    if (admin == groups.end()) {
+        return false;
+    }
+    const std::vector<std::string> members = admin->members();
+    return std::ranges::find(members, shortName) != members.end();
 }

@@ -1,5 +1,7 @@
 #include "directory/AccountRules.h"
 
+#include "directory/DirectoryRules.h"
+#include "platform/foundation/NSString.h"
 #include "platform/netinfo/AccountNumber.h"
 #include "platform/posix/LetterCase.h"
 
@@ -13,8 +15,6 @@ using platform::Status;
 using platform::UserLine;
 
 namespace {
-
-constexpr unsigned nobody = 65534; // also the number of its group
 
 /// A change and what the rules need to know about it. Each rule returns an empty string when it is kept,
 /// otherwise what is wrong and what to do.
@@ -52,7 +52,7 @@ std::string ruleBrokenByTakenName(const std::string& name) {
 
 std::string ruleBrokenByUserOfSystem(const UserLine& line, bool isOurs,
                                      const platform::AccountLimits& limits) {
-    if (line.uid == 0 || line.uid == nobody) {
+    if (line.uid == 0 || line.uid == platform::nobodyNumber) {
         return line.name + " is an account that the system itself needs; it stays as it is";
     }
     return line.uid < limits.lowestUser && !isOurs
@@ -68,8 +68,7 @@ std::string ruleBrokenByNewUser(const Request& request, const std::string& name)
             return ruleBrokenByTakenName(name);
         }
         if (line.name != request.name && platform::lowercased(line.name) == wanted) {
-            return "there is a user called " + line.name +
-                   ", and the case of letters does not tell users apart; choose another name";
+            return stringWithFormat(ruleOfOtherUser, line.name);
         }
     }
     return {};
@@ -156,7 +155,7 @@ std::string whyAdministratorsStay(const ComputerAccounts& accounts) {
 
 std::string ruleBrokenByGroupOfSystem(const Request& request, const GroupLine& line) {
     const unsigned lowest = request.accounts.limits.lowestGroup;
-    if (line.gid == 0 || line.gid == nobody || (line.gid < lowest && !request.isOurs)) {
+    if (line.gid == 0 || line.gid == platform::nobodyNumber || (line.gid < lowest && !request.isOurs)) {
         return line.name + " is a group of the system: other groups have numbers from " +
                std::to_string(lowest) + " on; change it with the system's own tools";
     }

@@ -41,5 +41,10 @@ struct DirectoryChange {
 /// renaming check the record's new name even if such a record exists already; deleting accepts any name.
 [[nodiscard]] platform::Status checkDirectoryChange(const DirectoryChange& change);
 
+/// Why a user cannot be made while another one has the name but for the case of letters: a key of the string
+/// table with a place for the other one's name. The server's password database does not tell them apart.
+inline constexpr const char* ruleOfOtherUser =
+    "there is a user called %@, and the case of letters does not tell users apart; choose another name";
+
 /// The failure of a change, which names the operation, the record and `why`.
 [[nodiscard]] platform::Status refusal(const DirectoryChange& change, std::string why);

@@ -70,7 +70,7 @@ bool appendLines(ni_domain* domain, ni_id id, std::span<const std::string> prope
     output.reserve(output.size() + children.niil_val.size()); // so that a long list is not moved as it grows
     RecordLists lists;
     for (const std::uint32_t child : children.niil_val) {
-        isRead = appendLine(domain, {child, 0}, properties, lists, output) && isRead;
+        isRead = appendLine(domain, {child}, properties, lists, output) && isRead;
     }
     ni_idlist_free(&children);
     return isRead;

@@ -97,11 +97,17 @@ Result<platform::Services> makeDryServices(Options options, ScratchRoot& scratch
             if (!made.isOk()) {
                 return made.status();
             }
+            const std::string named = platform::EmbeddedRoot(root).folder();
+            if (Status status = platform::EmbeddedRoot(*made).makeIfMissing(named); !status.isOk()) {
+                return status;
+            }
             root = *made;
         }
     }
     const auto services = makeServices(options);
-    return services.isOk() ? review::servicesOnCopies(*services) : services;
+    return services.isOk()
+               ? review::servicesOnCopies(*services, options.host.system ? std::string() : options.host.root)
+               : services;
 }
 
 using Server = std::unique_ptr<platform::EmbeddedServer>;

@@ -1,6 +1,6 @@
 #include "frontends/Options.h"
 
-#include "access/Doctor.h"
+#include "platform/posix/ShellWord.h"
 
 #include <utility>
 
@@ -47,7 +47,7 @@ Options parseOptions(std::vector<std::string> arguments) {
 
 std::string calledFor(const platform::HostOptions& host) {
     return std::string("brindle") + (host.system ? " --system" : "") +
-           (host.root.empty() ? "" : " --root " + accesscheck::shellWord(host.root));
+           (host.root.empty() ? "" : " --root " + platform::shellWord(host.root));
 }
 
 } // namespace frontend

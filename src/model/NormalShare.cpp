@@ -5,19 +5,36 @@
 
 #include <algorithm>
 #include <array>
-#include <functional>
-#include <unordered_set>
+#include <deque>
+#include <unordered_map>
+
+namespace {
+
+/// All shared texts, by number.
+struct SharedTexts {
+    std::deque<std::string> texts; ///< never moved: `numbers` refers to them
+    std::unordered_map<std::string_view, std::uint32_t> numbers;
+
+    static SharedTexts& instance() {
+        static SharedTexts shared;
+        return shared;
+    }
+};
+
+} // namespace
 
 SharedText::SharedText(std::string_view text) {
-    struct Hash {
-        using is_transparent = void;
+    auto& [texts, numbers] = SharedTexts::instance();
+    auto known = numbers.find(text);
+    if (known == numbers.end()) {
+        texts.emplace_back(text);
+        known = numbers.emplace(texts.back(), static_cast<std::uint32_t>(texts.size() - 1)).first;
+    }
+    number_ = known->second;
+}
 
-        std::size_t operator()(std::string_view key) const { return std::hash<std::string_view>()(key); }
-    };
-
-    static std::unordered_set<std::string, Hash, std::equal_to<>> texts; // elements keep their addresses
-    const auto known = texts.find(text);
-    text_ = known != texts.end() ? &*known : &*texts.emplace(text).first;
+const std::string& SharedText::str() const {
+    return SharedTexts::instance().texts[number_];
 }
 
 void NormalShare::setPathandPermissions(const std::string& path) {
@@ -62,8 +79,7 @@ const std::string* NormalShare::valueForKey(std::string_view getterName) const {
         {"SMB", &NormalShare::SMB},
         {"SMBGuestAccess", &NormalShare::SMBGuestAccess},
     }};
-    const auto* const key = std::find_if(keys.begin(), keys.end(),
-                                         [&](const Key& candidate) { return candidate.name == getterName; });
+    const auto* const key = std::ranges::find(keys, getterName, &Key::name);
     return key == keys.end() ? nullptr : &(this->*key->getter)();
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -14,10 +15,10 @@ class SharedText {
 
     SharedText(const char* text) : SharedText(std::string_view(text)) {}
 
-    [[nodiscard]] const std::string& str() const { return *text_; }
+    [[nodiscard]] const std::string& str() const;
 
   private:
-    const std::string* text_;
+    std::uint32_t number_; ///< half a pointer's size: a row has nine
 };
 
 /// One share point as the share table shows it: combined from its directory record, the SMB section for the

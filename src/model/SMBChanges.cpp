@@ -1,4 +1,4 @@
-#include "model/SMBInPlace.h"
+#include "model/SMBChanges.h"
 
 #include <algorithm>
 #include <functional>
@@ -8,17 +8,13 @@
 
 namespace {
 
-bool isSection(const SMBShare& entry) {
-    return entry.Type() == SMBGroup || entry.Type() == SMBCommentGroup;
-}
-
 using Sections = std::vector<const SMBShare*>;
 
 /// The sections of each name, in order.
-std::map<std::string_view, Sections> sectionsByName(const SMBConf::EntryList& entries) {
+std::map<std::string_view, Sections> sectionsByName(const SMBEntries& entries) {
     std::map<std::string_view, Sections> byName;
     for (const auto& entry : entries) {
-        if (isSection(*entry)) {
+        if (entry->isSection()) {
             byName[entry->ShareName()].push_back(entry.get());
         }
     }
@@ -46,14 +42,14 @@ std::vector<std::optional<std::size_t>> matched(const std::vector<Element>& read
     return matches;
 }
 
+/// A parameter whose key begins with a bracket is left out: for the server it is the header of a section, and
+/// it still stands where it was read.
 std::string sectionText(const SMBShare& section) {
-    const std::string mark = section.Type() == SMBCommentGroup ? ";" : "";
-    std::string text = section.isUnnamed() ? section.ShareName() : mark + "[" + section.ShareName() + "]";
-    text += "\n";
-    for (const SMBPair& pair : section.Props()) {
-        text += mark + std::string(pair.Name.view()) + " = " + std::string(pair.Value.view()) + "\n";
-    }
-    return text + section.Text();
+    SMBShare own = section;
+    std::erase_if(own.Props(), [](const SMBPair& pair) { return pair.Name.view().starts_with('['); });
+    std::string text;
+    own.appendTo(text);
+    return text;
 }
 
 using Values = std::vector<std::string_view>;
@@ -69,8 +65,8 @@ std::map<std::string_view, Values> valuesByKey(const SMBPairs& pairs) {
 /// The parameters of one key, before and after.
 struct KeyValues {
     Values read;
-    std::vector<std::optional<std::size_t>>
-        matches;          ///< for each current parameter its index in `read`, if any
+    /// For each current parameter its index in `read`, if any.
+    std::vector<std::optional<std::size_t>> matches;
     std::size_t next = 0; ///< the first current parameter not looked at yet
     std::size_t added = 0;
 };
@@ -146,9 +142,14 @@ void appendSectionChanges(const Origin& origin, const SMBShare& now, std::vector
     }
 }
 
+std::size_t activeSections(const SMBEntries& entries, std::string_view name) {
+    return static_cast<std::size_t>(std::ranges::count_if(
+        entries, [&](const auto& entry) { return entry->Type() == SMBGroup && entry->ShareName() == name; }));
+}
+
 } // namespace
 
-std::vector<SMBChange> changesBetween(const SMBConf::EntryList& read, const SMBConf::EntryList& now) {
+std::vector<SMBChange> changesBetween(const SMBEntries& read, const SMBEntries& now) {
     std::map<const SMBShare*, Origin> origins;
     std::vector<SMBChange> gone;
     const auto after = sectionsByName(now);
@@ -177,13 +178,14 @@ std::vector<SMBChange> changesBetween(const SMBConf::EntryList& read, const SMBC
         const auto origin = origins.find(entry.get());
         if (origin != origins.end()) {
             appendSectionChanges(origin->second, *entry, changes);
-        } else if (isSection(*entry)) {
-            SMBChange change = changeOf(SMBChange::Kind::AddSection, *entry, 0);
+        } else if (entry->isSection()) {
+            SMBChange change =
+                changeOf(SMBChange::Kind::AddSection, *entry, activeSections(read, entry->ShareName()));
             change.value = sectionText(*entry);
             change.atFront = isAtFront && !read.empty();
             changes.push_back(std::move(change));
         }
-        isAtFront = isAtFront && isSection(*entry) && origin == origins.end();
+        isAtFront = isAtFront && entry->isSection() && origin == origins.end();
     }
     std::ranges::move(gone, std::back_inserter(changes));
     return changes;

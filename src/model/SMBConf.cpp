@@ -2,6 +2,7 @@
 
 #include "model/LargeBlocks.h"
 #include "model/SMBInPlace.h"
+#include "model/SMBLines.h"
 #include "model/SMBParser.h"
 #include "platform/foundation/Host.h"
 #include "platform/foundation/NSFileManager.h"
@@ -31,37 +32,26 @@ void updateFlag(SMBShare& section, std::string_view key, std::int32_t flag) {
     }
 }
 
-void append(std::string& text, std::initializer_list<std::string_view> pieces) {
-    for (const std::string_view piece : pieces) {
-        text += piece;
-    }
-}
-
-void appendEntry(std::string& text, const SMBShare& entry) {
-    const bool commentedOut = entry.Type() == SMBCommentGroup;
-    if (commentedOut || entry.Type() == SMBGroup) {
-        const std::string_view mark = commentedOut ? ";" : "";
-        if (entry.isUnnamed()) {
-            append(text, {entry.ShareName(), "\n"});
-        } else {
-            append(text, {mark, "[", entry.ShareName(), "]\n"});
-        }
-        for (const SMBPair& pair : entry.Props()) {
-            append(text, {mark, pair.Name.view(), " = ", pair.Value.view(), "\n"});
-        }
-    } else if (entry.Type() != SMBComment) {
-        return; // not a kind of entry that can be written
-    }
-    append(text, {entry.Text(), "\n\n"});
-}
-
-SMBConf::EntryList copyOf(const SMBConf::EntryList& entries) {
-    SMBConf::EntryList copies;
+SMBEntries copyOf(const SMBEntries& entries) {
+    SMBEntries copies;
     copies.reserve(entries.size());
     for (const auto& entry : entries) {
         copies.push_back(std::make_unique<SMBShare>(*entry));
     }
     return copies;
+}
+
+std::vector<SMBHiddenSection> sectionsOnlyForServer(std::string_view text) {
+    const SMBLines lines(text);
+    std::vector<SMBHiddenSection> found;
+    for (std::size_t index = 0; index < lines.lines().size(); ++index) {
+        if (lines.isOnlyServersHeader(index)) {
+            const SMBSectionLines* above = lines.sectionOf(index);
+            found.push_back({index + 1, std::string(lines.content(lines.lines()[index])),
+                             above == nullptr ? std::string() : above->name});
+        }
+    }
+    return found;
 }
 
 bool keepsLayout() {
@@ -99,6 +89,8 @@ void SMBConf::parse() {
     _entries = std::move(parser.entries);
     _global = parser.global;
     _homes = parser.homes;
+    hasBrokenHeader_ =
+        std::ranges::count(parser.lossNotices, SMBLoss::BrokenHeader, &SMBLossNotice::loss) > 0;
     if (!keepsLayout()) {
         lossNotices_ = std::move(parser.lossNotices);
     }
@@ -137,6 +129,7 @@ std::unique_ptr<SMBConf> SMBConf::copy() const {
     made->textOnDisk_ = textOnDisk_;
     made->hasWritten_ = hasWritten_;
     made->lossNotices_ = lossNotices_;
+    made->hasBrokenHeader_ = hasBrokenHeader_;
     made->unreadableReason_ = unreadableReason_;
     made->known_ = copyOf(known_);
     made->_entries = copyOf(_entries);
@@ -148,7 +141,7 @@ std::unique_ptr<SMBConf> SMBConf::copy() const {
     return made;
 }
 
-void SMBConf::setEntries(EntryList entries) {
+void SMBConf::setEntries(SMBEntries entries) {
     _global = nullptr;
     _homes = nullptr;
     _entries = std::move(entries);
@@ -168,9 +161,16 @@ std::string SMBConf::writtenText() const {
     std::string text;
     text.reserve(bytes_.size() + bytes_.size() / 4);
     for (const auto& entry : _entries) {
-        appendEntry(text, *entry);
+        if (entry->isOfKnownKind()) {
+            entry->appendTo(text);
+            text += "\n\n";
+        }
     }
     return text;
+}
+
+std::vector<SMBHiddenSection> SMBConf::hiddenSections() const {
+    return hasBrokenHeader_ ? sectionsOnlyForServer(textOnDisk()) : std::vector<SMBHiddenSection>();
 }
 
 platform::Result<std::string> SMBConf::textToWrite(std::vector<SMBConflict>* conflicts) const {
@@ -224,7 +224,7 @@ int SMBConf::writeSMBConfFile() {
 
 std::size_t SMBConf::indexOfSection(std::string_view name) const {
     const auto found = std::find_if(_entries.begin(), _entries.end(), [&](const auto& entry) {
-        return entry->Type() == SMBGroup && entry->ShareName() == name;
+        return entry->Type() == SMBGroup && !entry->isUnnamed() && entry->ShareName() == name;
     });
     return static_cast<std::size_t>(found - _entries.begin());
 }

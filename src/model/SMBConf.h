@@ -4,6 +4,7 @@
 #include "model/SMBShare.h"
 #include "platform/posix/Status.h"
 
+#include <cstddef>
 #include <memory>
 #include <memory_resource>
 #include <string>
@@ -11,13 +12,22 @@
 #include <utility>
 #include <vector>
 
+struct SMBConflict; // model/SMBInPlace.h
+
+/// A section that the SMB server sees and this model does not, because something follows its header's "]".
+struct SMBHiddenSection {
+    std::size_t line = 0; ///< the header's, from 1
+    std::string header;   ///< the line as it is, without the white space around it
+    /// The section whose settings the lines below the header are in the model; empty if they are in none.
+    std::string above;
+    [[nodiscard]] bool operator==(const SMBHiddenSection&) const = default;
+};
+
 /// The model of smb.conf: its entries in order, with quick access to "global" and "homes". The file is read
 /// once, when the model is made; from then on the model is authoritative, and every change is written to disk
 /// at once. It owns its entries, which keep their addresses as long as they are in the list.
 class SMBConf {
   public:
-    using EntryList = std::vector<std::unique_ptr<SMBShare>>;
-
     /// Reads and parses /etc/smb.conf. A missing file gives an empty model. A file that exists but cannot be
     /// read is logged, and gives an empty model that refuses to be written.
     SMBConf();
@@ -36,11 +46,11 @@ class SMBConf {
     /// Part of the model's public operations; nothing here calls it.
     void setPath(std::string path) { _path = std::move(path); }
 
-    [[nodiscard]] const EntryList& Entries() const { return _entries; }
+    [[nodiscard]] const SMBEntries& Entries() const { return _entries; }
 
     /// Global() and Homes() are null afterwards. Part of the model's public operations; nothing here calls
     /// it.
-    void setEntries(EntryList entries);
+    void setEntries(SMBEntries entries);
 
     /// The last section named exactly "global", or null.
     [[nodiscard]] SMBShare* Global() const { return _global; }
@@ -55,6 +65,9 @@ class SMBConf {
     /// What a write would lose, in the file's order; found when the file was read. Empty after a write, and
     /// on a host that keeps the layout.
     [[nodiscard]] const std::vector<SMBLossNotice>& lossNotices() const { return lossNotices_; }
+
+    /// Those of the file as this model last read or wrote it.
+    [[nodiscard]] std::vector<SMBHiddenSection> hiddenSections() const;
 
     /// Why an existing file could not be read; empty when it was read or is missing.
     [[nodiscard]] const std::string& unreadableReason() const { return unreadableReason_; }
@@ -97,28 +110,28 @@ class SMBConf {
     [[nodiscard]] std::string description() const;
 
   private:
+    struct Unread {};
+
+    explicit SMBConf(Unread /*tag*/) {}
+
     void parseSMBConfFile();
     void parse();
     void rememberEntries();
     [[nodiscard]] std::size_t indexOfSection(std::string_view name) const;
 
     std::string _path;
-
-    struct Unread {};
-
-    explicit SMBConf(Unread /*tag*/) {}
-
     std::string bytes_;      ///< the file as it was read; the entries' parameters are views into it
     std::string textOnDisk_; ///< the file as it was last written
     bool hasWritten_ = false;
     /// Memory for the lists of parameters that were read: one block for the whole file, freed with the model.
     std::unique_ptr<std::pmr::memory_resource> memory_;
-    EntryList _entries;
+    SMBEntries _entries;
     /// The entries as they were last read or written, on a host that keeps the layout. The changes to write
     /// are found by comparing with these.
-    EntryList known_;
+    SMBEntries known_;
     SMBShare* _global = nullptr;
     SMBShare* _homes = nullptr;
     std::vector<SMBLossNotice> lossNotices_;
+    bool hasBrokenHeader_ = false; ///< in the file as it was read; without one no section is hidden
     std::string unreadableReason_;
 };

@@ -1,10 +1,10 @@
 #include "model/SMBInPlace.h"
 
 #include "model/SMBLines.h"
-#include "model/SMBParser.h"
+#include "model/SMBStrayLines.h"
+#include "model/TextEdits.h"
 
 #include <algorithm>
-#include <map>
 #include <optional>
 #include <ranges>
 #include <set>
@@ -12,38 +12,16 @@
 
 namespace {
 
-/// Replaces [begin, end) of a string.
-struct Edit {
-    std::size_t begin = 0;
-    std::size_t end = 0;
-    std::string replacement;
-    bool isOwnLine = false; ///< for an insertion: whole lines
-
-    [[nodiscard]] bool isInsertion() const { return begin == end; }
-};
-
-/// The order in which edits are applied. At the same place an insertion comes before a replacement, and a
-/// longer replacement before a shorter one.
-bool isBefore(const Edit& one, const Edit& other) {
-    if (one.begin != other.begin) {
-        return one.begin < other.begin;
-    }
-    return one.isInsertion() ? !other.isInsertion() : !other.isInsertion() && one.end > other.end;
-}
-
-bool isEnded(std::string_view text) {
-    return text.ends_with('\n') || text.ends_with('\r');
+std::string_view lineBreakOf(std::string_view text) {
+    const std::size_t first = text.find('\n');
+    return first != std::string_view::npos && first > 0 && text[first - 1] == '\r' ? "\r\n" : "\n";
 }
 
 /// Collects the edits to one text and applies them.
 class Editor {
   public:
-    explicit Editor(std::string_view text) : text_(text), lines_(text) {
-        const std::size_t firstBreak = text.find('\n');
-        lineBreak_ = firstBreak != std::string_view::npos && firstBreak > 0 && text[firstBreak - 1] == '\r'
-                         ? "\r\n"
-                         : "\n";
-    }
+    explicit Editor(std::string_view text)
+        : text_(text), lines_(text), lineBreak_(lineBreakOf(text)), edits_(lineBreak_) {}
 
     void make(const SMBChange& change);
     [[nodiscard]] SMBInPlaceText finish();
@@ -61,19 +39,26 @@ class Editor {
     /// Whether the nearest section above that stays will be commented out.
     [[nodiscard]] bool isBelowCommentedOut(const SMBSectionLines& section) const;
     void setValue(const SMBSectionLines& section, const SMBChange& change);
+    /// Where the value of the parameter in that line ends, for the model and for the server.
+    [[nodiscard]] std::size_t valueEnd(std::size_t index) const;
+    void removeUnkeptSettings(const SMBSectionLines& section, std::size_t above, std::string_view key);
     void removePair(const SMBSectionLines& section, const SMBChange& change);
     void addPair(const SMBSectionLines& section, const SMBChange& change);
     void conflict(const SMBChange& change, std::string_view inFile);
     void appendAtEnd(std::string& text) const;
-    /// Where a section is inserted that must come before all others: after settings above the first section,
-    /// which apply to the whole server and would otherwise become part of that section.
+    /// Where a section is inserted that must come before all others: after lines above the first active
+    /// section that apply to the whole server and would otherwise become part of that section.
     [[nodiscard]] std::size_t beginningOfSections() const;
+
+    /// Whether the server reads the line as one of the section, on its own.
+    [[nodiscard]] bool isRead(const SMBSectionLines& section, std::size_t index) const {
+        return index < section.serverLast && !lines_.lines()[index].isJoined;
+    }
+
     /// The index of the parameter's line that the server reads, given the line that the model counts; none
     /// when the server reads none.
     [[nodiscard]] std::optional<std::size_t> pairInEffect(const SMBSectionLines& section,
                                                           const SMBChange& change, std::size_t found) const;
-    /// `text` with this file's kind of line breaks.
-    [[nodiscard]] std::string withLineBreaks(std::string_view text) const;
 
     [[nodiscard]] std::size_t offset(std::string_view view) const {
         return static_cast<std::size_t>(view.data() - text_.data());
@@ -90,22 +75,27 @@ class Editor {
     std::string_view text_;
     SMBLines lines_;
     std::string_view lineBreak_;
-    std::vector<Edit> edits_;
+    TextEdits edits_;
     std::string atFront_;
+    bool isFrontCommentedOut_ = false; ///< the last section in `atFront_`
     std::vector<std::string> atEnd_;
     bool dropsLastBreak_ = false; ///< the last line break of the remaining text
     std::vector<SMBConflict> conflicts_;
-    std::map<const SMBSectionLines*, bool>
-        commentedOut_; ///< sections whose state changes, and whether they will be commented out
-    std::set<const SMBSectionLines*> removed_;
-    std::set<std::pair<std::string, std::size_t>>
-        missing_; ///< sections that the file has lost and that are added again
+    SMBFates fates_;
+    /// Sections that the file has lost and that are added again.
+    std::set<std::pair<std::string, std::size_t>> missing_;
 };
 
 void Editor::make(const SMBChange& change) {
     using Kind = SMBChange::Kind;
+    if (change.key.starts_with('[')) {
+        return; // for the server a header, or none that it can read
+    }
     const SMBSectionLines* const section = lines_.section(change.section, change.sectionOccurrence);
     if (change.kind == Kind::AddSection) {
+        if (lines_.activeSections(change.section) > change.sectionOccurrence) {
+            conflict(change, change.section); // somebody else has added one, too
+        }
         addSection(change);
     } else if (section == nullptr) {
         if (change.kind == Kind::SetValue || change.kind == Kind::AddPair ||
@@ -122,7 +112,7 @@ void Editor::make(const SMBChange& change) {
         removePair(*section, change);
     } else {
         const auto there = lines_.pair(*section, change.key, change.occurrence);
-        if (there && !lines_.lines()[*there].isJoined) {
+        if (there && isRead(*section, *there)) {
             setValue(*section, change); // somebody else has added it too
         } else {
             addPair(*section, change);
@@ -134,23 +124,12 @@ void Editor::conflict(const SMBChange& change, std::string_view inFile) {
     conflicts_.push_back({change.section, change.key, change.before, std::string(inFile), change.value});
 }
 
-std::string Editor::withLineBreaks(std::string_view text) const {
-    std::string result;
-    for (const char c : text) {
-        if (c == '\n') {
-            result += lineBreak_;
-        } else {
-            result += c;
-        }
-    }
-    return result;
-}
-
 void Editor::addSection(const SMBChange& change) {
     const std::string block =
-        withLineBreaks(change.value.ends_with('\n') ? change.value : change.value + "\n");
+        edits_.withLineBreaks(change.value.ends_with('\n') ? change.value : change.value + "\n");
     if (change.atFront) {
         (atFront_ += block) += lineBreak_;
+        isFrontCommentedOut_ = block.starts_with(';');
     } else {
         atEnd_.push_back(block);
     }
@@ -170,60 +149,69 @@ void Editor::removeSection(const SMBSectionLines& section) {
     const auto& lines = lines_.lines();
     // A line that the server does not understand belongs to the section too. It must not become part of the
     // section above.
-    std::size_t last = section.last;
+    std::size_t last = section.serverLast;
     while (last > section.first + 1 && isRemark(last - 1)) {
         --last;
     }
-    while (last < section.last && lines[last].kind != Line::Kind::Blank) {
+    while (last < section.serverLast && lines[last].kind != Line::Kind::Blank) {
         ++last; // comments right below the parameters belong to the section
     }
     if (isBelowCommentedOut(section)) {
         // A comment with a "=" would count as a parameter of that section, and become active with it.
-        for (std::size_t index = last; index < section.last; ++index) {
+        for (std::size_t index = last; index < section.serverLast; ++index) {
             last = lines_.isParameterInMarks(lines[index]) ? index + 1 : last;
         }
     }
-    removed_.insert(&section);
-    Edit edit{lines[section.first].begin, lines[last - 1].end, "", false};
+    fates_[&section] = SMBFate::Removed;
+    std::size_t begin = lines[section.first].begin;
+    std::size_t end = lines[last - 1].end;
+    std::string_view replacement;
     const bool isAtEnd = last == lines.size();
     const bool isSetOff = section.first > 0 && isBlankLine(section.first - 1);
     const std::size_t above = section.first - (isSetOff ? 1 : 0);
     if (above > 0 && lines[above - 1].isContinued && !isAtEnd) {
         // The server would join what follows to the line above. An empty line below the section may be
         // removed with it.
-        edit.replacement = isSetOff ? "" : lineBreak_;
+        replacement = isSetOff ? "" : lineBreak_;
     } else if (isSetOff) {
-        edit.begin = lines[section.first - 1].begin;
+        begin = lines[section.first - 1].begin;
         // The last line had no line break when the section was added.
         dropsLastBreak_ = dropsLastBreak_ || (isAtEnd && !isEnded(text_));
     } else if (section.first == 0 && isBlankLine(last)) {
-        edit.end = lines[last].end;
+        end = lines[last].end;
     }
-    edits_.push_back(std::move(edit));
+    edits_.replace(begin, end, std::string(replacement));
 }
 
 bool Editor::isBelowCommentedOut(const SMBSectionLines& section) const {
     std::size_t first = section.first;
     for (const SMBSectionLines& above : std::views::reverse(lines_.sections())) {
-        if (above.last == first && !removed_.contains(&above)) {
+        const auto fate = fates_.find(&above);
+        if (above.last == first && (fate == fates_.end() || fate->second != SMBFate::Removed)) {
             return isCommentedOut(above);
+        }
+        if (above.last == first && above.serverLast < above.last) {
+            return false; // what the server takes for another section stays between
         }
         first = above.last == first ? above.first : first;
     }
-    return false;
+    const std::size_t front = isFrontCommentedOut_ ? beginningOfSections() : 0;
+    return isFrontCommentedOut_ && std::ranges::none_of(lines_.sections(), [&](const auto& above) {
+               return above.first < first && lines_.lines()[above.first].begin >= front;
+           });
 }
 
 bool Editor::isCommentedOut(const SMBSectionLines& section) const {
-    const auto toggled = commentedOut_.find(&section);
-    return toggled == commentedOut_.end() ? section.isCommentedOut : toggled->second;
+    const auto fate = fates_.find(&section);
+    return fate == fates_.end() ? section.isCommentedOut : fate->second == SMBFate::Disabled;
 }
 
 void Editor::comment(const SMBSectionLines& section, bool out) {
     if (section.isCommentedOut == out) {
         return; // somebody else has done the same in the file
     }
-    commentedOut_[&section] = out;
-    for (std::size_t index = section.first; index < section.last; ++index) {
+    fates_[&section] = out ? SMBFate::Disabled : SMBFate::Enabled;
+    for (std::size_t index = section.first; index < section.serverLast; ++index) {
         const Line& line = lines_.lines()[index];
         const std::size_t begin = line.begin + lines_.indentation(line).size();
         if (out) {
@@ -233,13 +221,15 @@ void Editor::comment(const SMBSectionLines& section, bool out) {
             if (line.kind != Line::Kind::Blank && !isComment) {
                 // A broken header must not become the header of a commented-out section.
                 const bool isBroken = line.kind != Line::Kind::Header && text_[begin] == '[';
-                edits_.push_back(
-                    {begin, begin + 1, (isBroken ? "; " : ";") + std::string(1, text_[begin]), false});
+                // Not an insertion, which would stay if the line is removed.
+                edits_.replace(begin, begin + 1, (isBroken ? "; " : ";") + std::string(1, text_[begin]));
             }
         } else if (line.kind == Line::Kind::Header) {
             enableHeader(line);
+        } else if (line.kind == Line::Kind::Pair && !line.isJoined && lines_.isHeaderOnceLive(line)) {
+            index = lines_.endOfJoinedLines(index) - 1; // it stays commented out, with what it takes in
         } else if ((line.kind == Line::Kind::Pair || line.isJoined) && !lines_.isHeaderOnceLive(line)) {
-            edits_.push_back({begin, begin + 1, "", false});
+            edits_.remove(begin, begin + 1);
         }
     }
 }
@@ -249,23 +239,23 @@ void Editor::enableHeader(const Line& line) {
     const std::size_t begin = line.begin + lines_.indentation(line).size();
     const std::size_t end = lines_.contentEnd(line);
     const std::size_t bracket = text_.substr(0, end).find(']', begin);
-    edits_.push_back({begin, begin + 1, "", false});
+    edits_.remove(begin, begin + 1);
     if (bracket == std::string_view::npos) {
-        edits_.push_back({end, end, "]", false});
+        edits_.insert(end, "]");
     } else if (bracket + 1 < end) {
-        edits_.push_back({bracket + 1, end, "", false});
+        edits_.remove(bracket + 1, end);
     }
 }
 
 std::optional<std::size_t> Editor::pairInEffect(const SMBSectionLines& section, const SMBChange& change,
                                                 std::size_t found) const {
     const auto& lines = lines_.lines();
-    if (!lines[found].isJoined) {
+    if (isRead(section, found)) {
         return found;
     }
     // The server joins the line to another one. What was set instead is further down.
     std::optional<std::size_t> inEffect;
-    for (std::size_t index = found; index < section.last; ++index) {
+    for (std::size_t index = found; index < section.serverLast; ++index) {
         const Line& line = lines[index];
         if (line.kind == Line::Kind::Pair && !line.isJoined && line.key == change.key &&
             line.value == change.before) {
@@ -292,12 +282,30 @@ void Editor::setValue(const SMBSectionLines& section, const SMBChange& change) {
     if (line.value != change.before) {
         conflict(change, line.value);
     }
-    const std::size_t begin = offset(line.value);
-    const std::size_t joined = lines_.endOfJoinedLines(*index);
-    // The value continues in the lines that the server joins to this one.
-    const std::size_t end =
-        joined > *index + 1 ? lines_.contentEnd(lines_.lines()[joined - 1]) : begin + line.value.size();
-    edits_.push_back({begin, end, change.value, false});
+    edits_.replace(offset(line.value), valueEnd(*index), change.value);
+    removeUnkeptSettings(section, *index, change.key);
+}
+
+std::size_t Editor::valueEnd(std::size_t index) const {
+    const Line& line = lines_.lines()[index];
+    const std::size_t joined = lines_.endOfJoinedLines(index);
+    const std::size_t contentEnd = lines_.contentEnd(lines_.lines()[joined - 1]);
+    const std::size_t end = offset(line.value) + line.value.size();
+    // Only blanks may follow a value, unless the model does not have all of it: it continues in the lines
+    // that the server joins to this one, or after the parser's end mark.
+    const bool isWhole = text_.substr(end, contentEnd - end).find_first_not_of(' ') == std::string_view::npos;
+    return isWhole ? end : contentEnd;
+}
+
+/// The server takes the last setting of a key, also one that the model does not keep.
+void Editor::removeUnkeptSettings(const SMBSectionLines& section, std::size_t above, std::string_view key) {
+    const std::size_t end = lines_.serverEnd(section);
+    for (std::size_t index = above + 1; index < end; ++index) {
+        const Line& line = lines_.lines()[index];
+        if (lines_.isUnkeptSetting(line, key)) {
+            edits_.remove(line.begin, lines_.lines()[lines_.endOfJoinedLines(index) - 1].end);
+        }
+    }
 }
 
 void Editor::removePair(const SMBSectionLines& section, const SMBChange& change) {
@@ -310,7 +318,7 @@ void Editor::removePair(const SMBSectionLines& section, const SMBChange& change)
     if (line.value != change.before) {
         conflict(change, line.value);
     }
-    edits_.push_back({line.begin, lines_.lines()[lines_.endOfJoinedLines(*index) - 1].end, "", false});
+    edits_.remove(line.begin, lines_.lines()[lines_.endOfJoinedLines(*index) - 1].end);
 }
 
 void Editor::addPair(const SMBSectionLines& section, const SMBChange& change) {
@@ -320,12 +328,13 @@ void Editor::addPair(const SMBSectionLines& section, const SMBChange& change) {
     const Line& end = lines[lines_.endOfJoinedLines(last) - 1];
     // The server would join it to a line above that ends in a backslash.
     const std::size_t place = end.isContinued ? line.begin : end.end;
-    std::string added(line.kind == Line::Kind::Pair ? lines_.indentation(line) : std::string_view());
+    std::string added(line.kind == Line::Kind::Header ? std::string_view() : lines_.indentation(line));
     added += (isCommentedOut(section) ? ";" : "") + change.key + " = " + change.value;
     if (isEnded(text_.substr(0, place)) || place == line.begin) {
         added += lineBreak_;
     }
-    edits_.push_back({place, place, std::move(added), true});
+    edits_.insertLines(place, std::move(added));
+    removeUnkeptSettings(section, section.serverLast - 1, change.key);
 }
 
 /// A section at the end is set off by an empty line, and a file whose last line has no line break still has
@@ -345,41 +354,30 @@ void Editor::appendAtEnd(std::string& text) const {
 
 std::size_t Editor::beginningOfSections() const {
     const auto& lines = lines_.lines();
-    const std::size_t first = lines_.sections().empty() ? lines.size() : lines_.sections().front().first;
+    const auto& sections = lines_.sections();
+    const auto active = std::ranges::find(sections, false, &SMBSectionLines::isCommentedOut);
+    const std::size_t first = active == sections.end() ? lines.size() : active->first;
     std::size_t begin = 0;
     for (std::size_t index = 0; index < first; ++index) {
-        const bool isSetting = lines[index].kind == Line::Kind::Other || lines[index].isJoined;
+        // A comment with a "=" would count as a parameter of a commented-out section above it.
+        const bool isSetting = lines[index].kind == Line::Kind::Other ||
+                               (isFrontCommentedOut_ && lines_.isParameterInMarks(lines[index]));
         begin = isSetting ? lines[index].end : begin;
     }
     return begin;
 }
 
 SMBInPlaceText Editor::finish() {
+    keepStrayLines(text_, lines_, fates_, lineBreak_, edits_);
     if (!atFront_.empty()) {
         const std::size_t begin = beginningOfSections();
         if (begin > 0) { // the blank line that separates it comes first
             atFront_.erase(atFront_.size() - lineBreak_.size());
             atFront_.insert(0, lineBreak_);
         }
-        edits_.insert(edits_.begin(), {begin, begin, atFront_, begin > 0});
+        edits_.insertLinesFirst(begin, atFront_);
     }
-    // Edits at the same place stay in the order in which they were made.
-    std::ranges::stable_sort(edits_, isBefore);
-    SMBInPlaceText result;
-    std::size_t position = 0;
-    for (const Edit& edit : edits_) {
-        if (edit.begin < position) { // inside something that is replaced already
-            position = std::max(position, edit.end);
-            continue;
-        }
-        result.text += text_.substr(position, edit.begin - position);
-        if (edit.isOwnLine && !result.text.empty() && !isEnded(result.text)) {
-            result.text += lineBreak_;
-        }
-        result.text += edit.replacement;
-        position = edit.end;
-    }
-    result.text += text_.substr(position);
+    SMBInPlaceText result{edits_.applied(text_), {}};
     if (dropsLastBreak_ && result.text.ends_with(lineBreak_)) {
         result.text.erase(result.text.size() - lineBreak_.size());
     }

@@ -1,8 +1,10 @@
 #include "model/SMBLines.h"
 
 #include "model/SMBParser.h"
+#include "model/ServerSettings.h"
 
 #include <algorithm>
+#include <iterator>
 
 namespace {
 
@@ -34,6 +36,12 @@ SMBLines::SMBLines(std::string_view text) : text_(text) {
     }
     if (isInSection_) {
         sections_.back().last = lines_.size();
+    }
+    for (SMBSectionLines& section : sections_) {
+        section.serverLast = section.first + 1;
+        while (section.serverLast < section.last && !isOnlyServersHeader(section.serverLast)) {
+            ++section.serverLast;
+        }
     }
 }
 
@@ -76,7 +84,10 @@ void SMBLines::takeLive(std::string_view content, SMBLine& line) const {
             line.isJoined && SMBParser::isContinued(content); // the server does not join a line to a comment
         return;
     }
-    line.isContinued = SMBParser::isContinued(content);
+    // The server skips a backslash alone, so that what follows begins a line.
+    const bool isBackslash = !line.isJoined && content.starts_with('\\') &&
+                             SMBParser::withoutLeadingWhiteSpace(content.substr(1)).empty();
+    line.isContinued = !isBackslash && SMBParser::isContinued(content);
     const auto pair = isInSection_ ? SMBParser::pairOf(content) : std::nullopt;
     line.kind = pair ? SMBLine::Kind::Pair : SMBLine::Kind::Other;
     if (pair) {
@@ -94,9 +105,19 @@ bool SMBLines::takeHeader(std::string_view content) {
         sections_.back().last = lines_.size();
     }
     sections_.push_back({std::string(SMBParser::headerName(content, isCommentedOut ? 2 : 1)), isCommentedOut,
-                         lines_.size(), lines_.size()});
+                         lines_.size(), lines_.size(), lines_.size()});
     isInSection_ = true;
     return true;
+}
+
+bool SMBLines::isOnlyServersHeader(std::size_t index) const {
+    const SMBLine& line = lines_[index];
+    if (line.isJoined || (line.kind != SMBLine::Kind::Pair && line.kind != SMBLine::Kind::Other)) {
+        return false;
+    }
+    const std::size_t begin = line.begin + indentation(line).size();
+    const std::string_view whole = text_.substr(begin, lines_[endOfJoinedLines(index) - 1].end - begin);
+    return whole.starts_with('[') && whole.find(']') != std::string_view::npos;
 }
 
 const SMBSectionLines* SMBLines::section(std::string_view name, std::size_t occurrence) const {
@@ -106,6 +127,11 @@ const SMBSectionLines* SMBLines::section(std::string_view name, std::size_t occu
         }
     }
     return nullptr;
+}
+
+std::size_t SMBLines::activeSections(std::string_view name) const {
+    return static_cast<std::size_t>(std::ranges::count_if(
+        sections_, [&](const auto& section) { return !section.isCommentedOut && section.name == name; }));
 }
 
 std::optional<std::size_t> SMBLines::pair(const SMBSectionLines& section, std::string_view key,
@@ -120,10 +146,27 @@ std::optional<std::size_t> SMBLines::pair(const SMBSectionLines& section, std::s
 
 std::size_t SMBLines::lastSetting(const SMBSectionLines& section) const {
     std::size_t last = section.first;
-    for (std::size_t index = section.first; index < section.last; ++index) {
-        last = lines_[index].kind == SMBLine::Kind::Pair && !lines_[index].isJoined ? index : last;
+    for (std::size_t index = section.first; index < section.serverLast; ++index) {
+        const SMBLine& line = lines_[index];
+        const bool isSetting = line.kind == SMBLine::Kind::Pair || line.kind == SMBLine::Kind::Other;
+        last = isSetting && !line.isJoined ? index : last;
     }
     return last;
+}
+
+std::size_t SMBLines::serverEnd(const SMBSectionLines& section) const {
+    if (section.isCommentedOut || section.serverLast < section.last) {
+        return section.serverLast;
+    }
+    std::size_t end = section.last;
+    while (end < lines_.size() && !isOnlyServersHeader(end)) {
+        const SMBSectionLines* const below = sectionOf(end);
+        if (below != nullptr && !below->isCommentedOut) {
+            return end;
+        }
+        end = below == nullptr ? end + 1 : below->last;
+    }
+    return end;
 }
 
 std::size_t SMBLines::endOfJoinedLines(std::size_t index) const {
@@ -135,12 +178,30 @@ std::size_t SMBLines::endOfJoinedLines(std::size_t index) const {
 
 std::string_view SMBLines::indentation(const SMBLine& line) const {
     const std::string_view whole = text_.substr(line.begin, line.end - line.begin);
-    return whole.substr(0, whole.find_first_not_of(" \t"));
+    return whole.substr(0, whole.size() - SMBParser::withoutLeadingWhiteSpace(whole).size());
 }
 
 std::size_t SMBLines::contentEnd(const SMBLine& line) const {
     const std::string_view whole = text_.substr(line.begin, line.end - line.begin);
     return line.begin + whole.find_last_not_of("\r\n") + 1; // npos + 1 is 0, right for a line break alone
+}
+
+bool SMBLines::isUnkeptSetting(const SMBLine& line, std::string_view key) const {
+    const std::string_view content = this->content(line);
+    const std::size_t equals = content.find('=');
+    return line.kind == SMBLine::Kind::Other && !line.isJoined && equals != std::string_view::npos &&
+           foldedSettingName(content.substr(0, equals)) == foldedSettingName(key);
+}
+
+std::string_view SMBLines::content(const SMBLine& line) const {
+    const std::size_t begin = line.begin + indentation(line).size();
+    const std::string_view whole = text_.substr(begin, line.end - begin);
+    return whole.substr(0, whole.find_last_not_of(" \t\n\v\f\r") + 1);
+}
+
+const SMBSectionLines* SMBLines::sectionOf(std::size_t index) const {
+    const auto after = std::ranges::upper_bound(sections_, index, {}, &SMBSectionLines::first);
+    return after == sections_.begin() || std::prev(after)->last <= index ? nullptr : &*std::prev(after);
 }
 
 std::string_view SMBLines::afterMark(const SMBLine& line) const {
@@ -153,5 +214,6 @@ bool SMBLines::isParameterInMarks(const SMBLine& line) const {
 }
 
 bool SMBLines::isHeaderOnceLive(const SMBLine& line) const {
-    return SMBParser::isGroup(SMBParser::withoutLeadingWhiteSpace(afterMark(line)));
+    const std::string_view content = SMBParser::withoutLeadingWhiteSpace(afterMark(line));
+    return line.isJoined ? SMBParser::isGroup(content) : content.starts_with('[');
 }

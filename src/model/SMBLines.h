@@ -34,6 +34,9 @@ struct SMBSectionLines {
     bool isCommentedOut = false;
     std::size_t first = 0; ///< the index of the header's line
     std::size_t last = 0;  ///< one after the index of its last line
+    /// One after the index of the last line that the server takes for this section's. Less than `last` if the
+    /// server sees a header where the model sees none, as in "[data] " with a blank at its end.
+    std::size_t serverLast = 0;
 };
 
 /// The text of smb.conf split into lines by the rules of the model's parser, so that single lines can be
@@ -49,23 +52,38 @@ class SMBLines {
     /// The section number `occurrence` (from 0, counting commented-out sections too) with exactly that name,
     /// or null.
     [[nodiscard]] const SMBSectionLines* section(std::string_view name, std::size_t occurrence) const;
+    /// How many sections of exactly that name are not commented out.
+    [[nodiscard]] std::size_t activeSections(std::string_view name) const;
     /// The index of the section's parameter number `occurrence` with exactly that key. Like the model, this
     /// counts lines that the server joins to others.
     [[nodiscard]] std::optional<std::size_t> pair(const SMBSectionLines& section, std::string_view key,
                                                   std::size_t occurrence) const;
-    /// The index of the section's last parameter that is not joined to another line, or of its header if
-    /// there is none.
+    /// The index of the section's last line that the server reads as a parameter, also one without a value;
+    /// of its header if there is none. Never a line that is joined to another one.
     [[nodiscard]] std::size_t lastSetting(const SMBSectionLines& section) const;
+    /// One after the index of the last line that may be the section's for the server: an active section goes
+    /// on below commented-out ones.
+    [[nodiscard]] std::size_t serverEnd(const SMBSectionLines& section) const;
     /// One after the last of the lines that the server joins to the line `index`.
     [[nodiscard]] std::size_t endOfJoinedLines(std::size_t index) const;
 
-    /// The blanks and tabs at the start of the line.
+    /// The white space at the start of the line.
     [[nodiscard]] std::string_view indentation(const SMBLine& line) const;
     /// The offset of the line's end without its line break.
     [[nodiscard]] std::size_t contentEnd(const SMBLine& line) const;
+    /// The line without the white space around it.
+    [[nodiscard]] std::string_view content(const SMBLine& line) const;
+    /// Whether the server takes the line for a header and the model does not.
+    [[nodiscard]] bool isOnlyServersHeader(std::size_t index) const;
+    /// The section that the model counts the line in, or null.
+    [[nodiscard]] const SMBSectionLines* sectionOf(std::size_t index) const;
+    /// Whether the line sets the key, as the server compares keys, and the model does not keep it: it has no
+    /// value, or none before the parser's end mark.
+    [[nodiscard]] bool isUnkeptSetting(const SMBLine& line, std::string_view key) const;
     /// Whether the line is a comment that would count as a parameter in a commented-out section.
     [[nodiscard]] bool isParameterInMarks(const SMBLine& line) const;
-    /// For a line of a commented-out section: whether it would be a header without its comment mark.
+    /// For a line of a commented-out section: whether the model or the server would take it for a header, or
+    /// for the beginning of one, without its comment mark.
     [[nodiscard]] bool isHeaderOnceLive(const SMBLine& line) const;
 
   private:

@@ -10,14 +10,12 @@ enum class SMBLoss {
     /// A section's line that has no key or no value, or that the reader's end mark cuts short. It is lost.
     NoValue,
     /// A line that begins with "[" but is no header, so the lines after it count as part of the section
-    /// before
-    /// it. Or a header whose name contains a "]": the name is cut there.
+    /// before. Or a header whose name contains a "]": the name is cut there.
     BrokenHeader,
     /// A line outside any section. It is lost.
     OutsideSection,
-    /// The first line begins with a byte order mark, so neither this program nor the SMB server takes it for
-    /// a
-    /// header or a comment. It is lost.
+    /// The first line begins with a byte order mark, so that neither this program nor the SMB server takes
+    /// it for a header or a comment. It is lost.
     ByteOrderMark
 };
 
@@ -27,5 +25,3 @@ struct SMBLossNotice {
     SMBLoss loss = SMBLoss::NoValue;
     [[nodiscard]] bool operator==(const SMBLossNotice&) const = default;
 };
-
-struct SMBConflict; // model/SMBInPlace.h

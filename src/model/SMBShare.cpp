@@ -3,6 +3,7 @@
 #include "platform/foundation/NSString.h"
 
 #include <algorithm>
+#include <initializer_list>
 
 namespace {
 
@@ -36,6 +37,26 @@ void SMBShare::removeProp(std::string_view key) {
     if (found != _props.end()) {
         _props.erase(found);
     }
+}
+
+void SMBShare::appendTo(std::string& text) const {
+    const auto append = [&text](std::initializer_list<std::string_view> pieces) {
+        for (const std::string_view piece : pieces) {
+            text += piece;
+        }
+    };
+    if (isSection()) {
+        const std::string_view mark = _type == SMBCommentGroup ? ";" : "";
+        if (isUnnamed_) {
+            append({_sharename, "\n"});
+        } else {
+            append({mark, "[", _sharename, "]\n"});
+        }
+        for (const SMBPair& pair : _props) {
+            append({mark, pair.Name.view(), " = ", pair.Value.view(), "\n"});
+        }
+    }
+    text += _text;
 }
 
 std::string SMBShare::smbTypeToText() const {

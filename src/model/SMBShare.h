@@ -166,6 +166,14 @@ class SMBShare {
     /// Removes the first parameter with that key, if there is one.
     void removeProp(std::string_view key);
 
+    [[nodiscard]] bool isSection() const { return _type == SMBGroup || _type == SMBCommentGroup; }
+
+    /// Whether its code is that of a kind of entry. Others are not written.
+    [[nodiscard]] bool isOfKnownKind() const { return _type == SMBComment || isSection(); }
+
+    /// Appends the entry as smb.conf has it, without the empty lines after it.
+    void appendTo(std::string& text) const;
+
     /// The name of the kind; "Error" for a code that is not a kind.
     [[nodiscard]] std::string smbTypeToText() const;
     /// For the log. Part of the entry's public operations.
@@ -173,10 +181,10 @@ class SMBShare {
 
   private:
     std::int32_t _type = SMBComment;
+    bool isUnnamed_ = false; // beside the type, where it takes no room of its own
     std::string _sharename;
     SMBPairs _props;
     std::string _text;
-    bool isUnnamed_ = false;
 };
 
 /// The entries of a file, in order. They keep their addresses as long as they are in the list.

@@ -1,5 +1,7 @@
 #include "model/ServerSettings.h"
 
+#include "platform/foundation/NSString.h"
+
 #include <algorithm>
 #include <array>
 #include <cctype>
@@ -53,7 +55,7 @@ bool isServerGlobal(std::string_view section) {
 }
 
 bool isServerHomes(std::string_view section) {
-    return foldedSettingName(section) == "homes";
+    return isEqualIgnoringCase(section, "homes");
 }
 
 ServerSetting serverSetting(const SMBShare& section, std::string_view key) {

@@ -6,8 +6,9 @@
 #include <string>
 #include <string_view>
 
-// How the SMB server reads the settings in smb.conf: it ignores case and blanks in the names of sections and
-// settings, knows some settings under several names, and uses the last of several (smb.conf(5)).
+// How the SMB server reads the settings in smb.conf: it ignores case, and in the names of settings and of
+// "global" also blanks; it knows some settings under several names, and uses the last of several
+// (smb.conf(5)).
 
 /// A setting's name in lower case and without blanks, which is how the server compares names.
 [[nodiscard]] std::string foldedSettingName(std::string_view name);

@@ -22,19 +22,11 @@ std::string publicFolder(bool isShared) {
     return isShared ? "Public" : "<no value>";
 }
 
-constexpr std::string_view entryCreationMessage = "outString non empty for create User: %@";
-
-/// Empty for an update, which does not make the record and writes only the first properties.
-std::string_view entryMessage(bool update) {
-    return update ? std::string_view() : entryCreationMessage;
-}
-
 } // namespace
 
-bool NiutilTask::writeAccount(const std::string& path, std::string_view entryMessage,
-                              std::span<const Property> properties) {
-    if (!entryMessage.empty() &&
-        !runOrStop(systempath::nicl, std::vector<std::string>{".", "-create", path}, entryMessage)) {
+bool NiutilTask::writeAccount(const std::string& path, bool update, std::span<const Property> properties) {
+    if (!update && !runOrStop(systempath::nicl, std::vector<std::string>{".", "-create", path},
+                              "outString non empty for create User: %@")) {
         return false;
     }
     for (const Property& property : properties) {
@@ -72,7 +64,7 @@ bool NiutilTask::createUser(const std::string& shortName, const std::string& ful
                                                 {"shell", "/sbin/nologin", message},
                                             });
     }
-    return writeAccount(userPath(shortName), entryMessage(update), properties);
+    return writeAccount(userPath(shortName), update, properties);
 }
 
 bool NiutilTask::createGroup(const std::string& groupName, const std::string& gid, bool update) {
@@ -85,7 +77,7 @@ bool NiutilTask::createGroup(const std::string& groupName, const std::string& gi
         properties.push_back({"passwd", "*", message});
         properties.push_back({"users", "", message});
     }
-    return writeAccount(groupPath(groupName), entryMessage(update), properties);
+    return writeAccount(groupPath(groupName), update, properties);
 }
 
 void NiutilTask::deleteUser(const std::string& shortName) {

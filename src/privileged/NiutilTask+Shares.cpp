@@ -87,6 +87,6 @@ void NiutilTask::changePermissions(const std::string& directory, const std::stri
     constexpr const char* message = "outString non empty for create User: %@";
     runAndLog(systempath::chown, std::vector<std::string>{stringWithFormat("%@:%@", owner, group), directory},
               message);
-    runAndLog(systempath::chmod, std::vector<std::string>{stringWithFormat("%o", permissions), directory},
-              message);
+    const std::string mode = stringWithFormat("%o", static_cast<std::uint32_t>(permissions));
+    runAndLog(systempath::chmod, std::vector<std::string>{mode, directory}, message);
 }

@@ -67,7 +67,7 @@ bool NiutilTask::copyRights(AuthorizationFlags flags) {
 }
 
 NiutilTask::ReportsKept::~ReportsKept() {
-    if (--task_.keepsReports_ == 0) {
+    if (--task_.keepers_ == 0) {
         task_.shares_ = task_.users_ = task_.groups_ = {};
     }
 }
@@ -77,7 +77,7 @@ NiutilTask::Report NiutilTask::report(const std::string& path, std::span<const s
     // A failure has been logged and shows as an empty list.
     static_cast<void>(ni_report_local(path, properties, kept));
     Report lines = kept.lines != nullptr ? kept.lines : std::make_shared<const std::vector<std::string>>();
-    if (keepsReports_ == 0) {
+    if (keepers_ == 0) {
         kept = {};
     }
     return lines;

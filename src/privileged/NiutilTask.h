@@ -59,7 +59,7 @@ class NiutilTask {
     /// changed: for work that asks for the same report more than once. The task must outlive it.
     class ReportsKept {
       public:
-        explicit ReportsKept(NiutilTask& task) : task_(task) { ++task_.keepsReports_; }
+        explicit ReportsKept(NiutilTask& task) : task_(task) { ++task_.keepers_; }
 
         ~ReportsKept();
         ReportsKept(const ReportsKept&) = delete;
@@ -116,8 +116,8 @@ class NiutilTask {
     [[nodiscard]] RunResult runTool(const std::string& tool, std::span<const std::string> arguments,
                                     std::optional<std::size_t> secretArgument = std::nullopt);
 
-    // One run with its checks. `message` is the log message for unexpected output, which replaces the "%@" in
-    // it.
+    // One run with its checks. `message` is the log message for unexpected output, whose "%@" stands for the
+    // output.
     /// Returns false at the first check that fails; the caller then stops.
     [[nodiscard]] bool runOrStop(const std::string& tool, std::span<const std::string> arguments,
                                  std::string_view message);
@@ -132,9 +132,9 @@ class NiutilTask {
         std::string_view message;
     };
 
-    /// Makes the account's record if `entryMessage` is not empty, then writes the properties in order; an
-    /// empty value is written as a property without values. Returns false at the first failed run.
-    [[nodiscard]] bool writeAccount(const std::string& path, std::string_view entryMessage,
+    /// Makes the account's record, unless this is an update, then writes the properties in order; an empty
+    /// value is written as a property without values. Returns false at the first failed run.
+    [[nodiscard]] bool writeAccount(const std::string& path, bool update,
                                     std::span<const Property> properties);
     /// Sends signal 1 to every process that the listing command prints.
     void hangUp(const std::string& listingCommand);
@@ -142,7 +142,7 @@ class NiutilTask {
     Report report(const std::string& path, std::span<const std::string> properties, KeptReport& kept);
 
     AuthorizationRef authorizationRef = nullptr;
-    int keepsReports_ = 0; ///< for so many
+    int keepers_ = 0; ///< how many ReportsKept exist
     KeptReport shares_;
     KeptReport users_;
     KeptReport groups_;

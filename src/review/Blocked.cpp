@@ -1,6 +1,7 @@
 #include "review/Blocked.h"
 
 #include "directory/DirectoryRules.h"
+#include "model/SMBParser.h"
 #include "platform/appkit/NSTextField.h"
 #include "platform/foundation/Host.h"
 #include "platform/foundation/NSBundle.h"
@@ -11,6 +12,7 @@
 #include "tools/HelperFolders.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace review {
 
@@ -74,24 +76,65 @@ std::string reasonOf(const platform::Status& status) {
     return NSLocalizedString(std::string(status.why()));
 }
 
+/// Adds a block unless it is there: some names are written to several records.
+void addOnce(Remark block, std::vector<Remark>* blocks) {
+    const auto isSame = [&block](const Remark& other) {
+        return other.code == block.code && other.sentence == block.sentence;
+    };
+    if (std::ranges::none_of(*blocks, isSame)) {
+        blocks->push_back(std::move(block));
+    }
+}
+
+std::string recordOf(const DirectoryChange& change) {
+    return change.path.substr(change.path.rfind('/') + 1);
+}
+
 /// Adds a block if the computer's tools would refuse the change of an account.
 void addAccountBlock(const DirectoryChange& change, const std::string& outlet, AccountForecast& accounts,
                      std::vector<Remark>* blocks) {
     const RecordPath path = recordPath(change.path).value();
     const platform::Status status = accounts.take(change);
     if (!status.isOk() && change.operation != "-delete") { // deleting may always be tried
-        blocks->push_back({"name",
-                           accounts.exists(path)
-                               ? stringWithFormat(NSLocalizedString("\"%@\" cannot be changed: %@."),
-                                                  path.back(), reasonOf(status))
-                               : stringWithFormat(NSLocalizedString("\"%@\" cannot be used: %@."),
-                                                  subjectOf(change), reasonOf(status)),
-                           outlet});
+        addOnce({"name",
+                 accounts.exists(path) ? stringWithFormat(NSLocalizedString("\"%@\" cannot be changed: %@."),
+                                                          path.back(), reasonOf(status))
+                                       : stringWithFormat(NSLocalizedString("\"%@\" cannot be used: %@."),
+                                                          subjectOf(change), reasonOf(status)),
+                 outlet},
+                blocks);
     }
 }
 
+/// Adds a block if a user is about to be made whose name differs from another one's only in case.
+void addOtherUserBlock(const DirectoryChange& change, const std::string& outlet,
+                       const DirectoryView& directory, std::vector<Remark>* blocks) {
+    const std::string name = recordOf(change);
+    if (change.property || change.operation != "-create" || change.path != "/users/" + name) {
+        return;
+    }
+    for (const std::string& other : directory.names("/users")) {
+        if (other != name && isEqualIgnoringCase(other, name)) {
+            addOnce({"name",
+                     stringWithFormat(NSLocalizedString("\"%@\" cannot be used: %@."), name,
+                                      stringWithFormat(NSLocalizedString(ruleOfOtherUser), other)),
+                     outlet},
+                    blocks);
+        }
+    }
+}
+
+std::string refusalOf(const DirectoryChange& change, const platform::Status& status) {
+    return codeOf(change) == "text"
+               ? stringWithFormat(NSLocalizedString("\"%@\" cannot be the \"%@\" of \"%@\": %@."),
+                                  subjectOf(change), *change.property, recordOf(change), reasonOf(status))
+               : stringWithFormat(NSLocalizedString("\"%@\" cannot be used: %@."), subjectOf(change),
+                                  reasonOf(status));
+}
+
 void addDirectoryBlocks(const PlannedRun& run, const std::string& operation, const BROutlets& controls,
-                        std::optional<AccountForecast>& accounts, std::vector<Remark>* blocks) {
+                        const DirectoryView& directory, std::optional<AccountForecast>& accounts,
+                        std::vector<Remark>* blocks) {
     const auto change = directoryChange(run.arguments);
     if (!change) {
         return;
@@ -101,18 +144,18 @@ void addDirectoryBlocks(const PlannedRun& run, const std::string& operation, con
     const platform::Status status =
         change->operation == "-delete" ? platform::Status() : checkDirectoryChange(*change);
     if (!status.isOk()) {
-        blocks->push_back({codeOf(*change),
-                           stringWithFormat(NSLocalizedString("\"%@\" cannot be used: %@."),
-                                            subjectOf(*change), reasonOf(status)),
-                           outlet});
+        addOnce({codeOf(*change), refusalOf(*change, status), outlet}, blocks);
     } else if (isId(*change) && std::ranges::any_of(change->values, isAboveLargestId)) {
-        blocks->push_back(
-            {"number",
-             stringWithFormat(NSLocalizedString("The id %@ is too large: the largest one is %@."),
-                              change->values.front(), largestId),
-             outlet});
+        addOnce({"number",
+                 stringWithFormat(
+                     NSLocalizedString("The \"%@\" %@ of \"%@\" is too large: the largest one is %@."),
+                     *change->property, change->values.front(), recordOf(*change), largestId),
+                 outlet},
+                blocks);
     } else if (const auto path = recordPath(change->path); accounts && path && isAccount(*path)) {
         addAccountBlock(*change, outlet, *accounts, blocks);
+    } else if (!run.output.empty()) {
+        addOtherUserBlock(*change, outlet, directory, blocks);
     }
 }
 
@@ -153,10 +196,20 @@ bool endsInBackslash(std::string_view value) {
     return value.ends_with('\\');
 }
 
-void addSettingsBlocks(const BROutlets& controls, std::vector<Remark>* blocks) {
+/// Whether the plan writes a line that sets the key.
+bool writes(const Plan& plan, std::string_view key) {
+    return std::ranges::any_of(plan.smbConfLines, [&](const LineChange& change) {
+        const auto pair = SMBParser::pairOf(change.line);
+        return change.kind == LineChange::Kind::Comes && pair && pair->key == key;
+    });
+}
+
+void addSettingsBlocks(const Plan& plan, const BROutlets& controls, std::vector<Remark>* blocks) {
+    const bool keepsLayout = platform::Host::current().services().keepsLayout;
     for (const SMBTextField& field : smbTextFields) {
         const std::string& value = (controls.*field.field)->stringValue();
-        if (endsInBackslash(value)) {
+        // Where lines stay as they are, one that is continued by hand is as good as before.
+        if (endsInBackslash(value) && (!keepsLayout || writes(plan, field.key))) {
             blocks->push_back(
                 {"text",
                  stringWithFormat(
@@ -170,12 +223,12 @@ void addSettingsBlocks(const BROutlets& controls, std::vector<Remark>* blocks) {
 
 } // namespace
 
-std::vector<Remark> blocksOf(const Plan& plan, const BROutlets& controls,
+std::vector<Remark> blocksOf(const Plan& plan, const BROutlets& controls, const DirectoryView& directory,
                              std::optional<AccountForecast> accounts) {
     std::vector<Remark> blocks;
     for (const PlannedRun& run : plan.runs) {
         if (run.tool == platform::systempath::nicl) {
-            addDirectoryBlocks(run, plan.operation, controls, accounts, &blocks);
+            addDirectoryBlocks(run, plan.operation, controls, directory, accounts, &blocks);
         } else if (run.tool == platform::systempath::dscl) {
             addPasswordBlocks(controls, accounts, &blocks);
         } else if (platform::Host::current().services().computer != nullptr &&
@@ -184,7 +237,7 @@ std::vector<Remark> blocksOf(const Plan& plan, const BROutlets& controls,
         }
     }
     if (plan.operation == "updateSMBProperties:") {
-        addSettingsBlocks(controls, &blocks);
+        addSettingsBlocks(plan, controls, &blocks);
     }
     return blocks;
 }

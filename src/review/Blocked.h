@@ -2,6 +2,7 @@
 
 #include "app/BROutlets.h"
 #include "review/AccountForecast.h"
+#include "review/DirectoryView.h"
 #include "review/Plan.h"
 
 #include <optional>
@@ -9,12 +10,14 @@
 
 namespace review {
 
-/// Why a plan cannot be carried out, whatever the directory holds: our own tools are bound to refuse one of
-/// its runs, or a value that ends in a backslash would join the next line of smb.conf. Looks only at the
-/// plan's runs, so that what the operation itself refuses is not reported twice. Deleting is never blocked.
-/// `controls` are those that the plan was made with; folders, keys and names are quoted from them. `accounts`
-/// are this computer's own before the first run, if the directory shows them.
+/// Why a plan cannot be carried out: our own tools are bound to refuse one of its runs, or a value that ends
+/// in a backslash is written to smb.conf, where it would join the next line. Looks only at the plan's runs,
+/// so that what the operation itself refuses is not reported twice. Deleting is never blocked. `controls` are
+/// those that the plan was made with; folders, keys and names are quoted from them. `directory` is the one
+/// before the first run. `accounts` are this computer's own before the first run, if the directory shows
+/// them.
 [[nodiscard]] std::vector<Remark> blocksOf(const Plan& plan, const BROutlets& controls,
+                                           const DirectoryView& directory,
                                            std::optional<AccountForecast> accounts);
 
 } // namespace review

@@ -86,7 +86,7 @@ std::vector<std::string> DirectoryView::names(const std::string& path) const {
         return names;
     }
     for (const auto child : children.niil_val) {
-        ni_id record{child, 0};
+        ni_id record{child};
         ni_namelist values;
         if (ni_lookupprop(opened->domain, &record, "name", &values) == NI_OK && !values.ninl_val.empty()) {
             names.emplace_back(values.ninl_val.front());

@@ -1,9 +1,7 @@
 #include "review/DryRun.h"
 
 #include "platform/foundation/Host.h"
-#include "platform/foundation/NSFileManager.h"
 #include "platform/host/DirectoryAccounts.h"
-#include "platform/posix/WholeFile.h"
 #include "platform/security/Authority.h"
 #include "review/WorkingCopy.h"
 
@@ -45,19 +43,18 @@ class DryRunAuthority : public platform::Authority {
 
 } // namespace
 
-platform::Result<platform::Services> servicesOnCopies(const platform::Services& real) {
+platform::Result<platform::Services> servicesOnCopies(const platform::Services& real,
+                                                      const std::string& root) {
     const platform::Host host(real); // the copies are made from this host
     const auto copy = WorkingCopy::make();
     if (!copy.isOk()) {
         return copy.status();
     }
     platform::Services services = (*copy)->services();
-    if (const auto history = contentsOfFile(real.historyFile); history.isOk()) {
-        services.historyFile = (*copy)->settingsFile("/history.db");
-        if (auto status = platform::writeWholeFile(services.historyFile, *history); !status.isOk()) {
-            return status;
-        }
+    if (auto status = (*copy)->copyHistory(&services.historyFile); !status.isOk()) {
+        return status;
     }
+    (*copy)->checkPasswordsOf(root);
     services.authority = std::make_shared<DryRunAuthority>(real.authority, *copy);
     // Accounts that the dry run makes have names too.
     services.accountNames = std::make_shared<platform::DirectoryAccounts>((*copy)->storeFile());

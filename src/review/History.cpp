@@ -3,6 +3,7 @@
 #include "platform/appkit/NSAlert.h"
 #include "platform/foundation/NSBundle.h"
 #include "platform/foundation/NSString.h"
+#include "privileged/NiutilTask.h"
 #include "review/Recorder.h"
 
 #include <algorithm>
@@ -22,8 +23,9 @@ History::History(platform::Services& services) {
 
 namespace {
 
+/// Whether undo without a number means this one. An undo that found everything as before has changed nothing.
 bool isNextToUndo(const HistoryEntry& entry) {
-    return !entry.isUndone && entry.canComeBack();
+    return !entry.isUndone && (entry.undoes == 0 || entry.isDamaged || entry.canComeBack());
 }
 
 void showAlert(const std::string& title, const std::string& message) {
@@ -48,10 +50,14 @@ bool announceUndo(const UndoPlan& plan) {
 }
 
 void showUndoFailed(const UndoPlan& plan) {
+    const std::string why =
+        NiutilTask::sharedInstance().isAuthenticated()
+            ? NSLocalizedString("Taking back %@ (%@) has stopped on its way.  What is left can be taken back "
+                                "once the cause named in the log has been removed.")
+            : NSLocalizedString(
+                  "Taking back %@ (%@) needs an administrator's permission, and nobody gave it.");
     showAlert(NSLocalizedString("Not Taken Back"),
-              stringWithFormat(NSLocalizedString("Taking back %@ (%@) has stopped on its way.  What is left "
-                                                 "can be taken back when the reason in the log is mended."),
-                               std::to_string(plan.entry.number), plan.entry.title));
+              stringWithFormat(why, std::to_string(plan.entry.number), plan.entry.title));
 }
 
 Result<std::vector<HistoryEntry>> History::entries() const {
@@ -74,7 +80,7 @@ std::string History::titleOfNextUndo() const {
         // A history that cannot be read offers no undo; trying to undo says why.
         static_cast<void>(recorder_->store().visit([&title](HistoryEntry&& entry) {
             const bool isNext = isNextToUndo(entry);
-            title = isNext ? std::move(entry.title) : std::string();
+            title = isNext && entry.canComeBack() ? std::move(entry.title) : std::string();
             return !isNext;
         }));
     }

@@ -35,11 +35,12 @@ class History {
     /// nothing when no history is kept.
     void stopAction(bool madeStill) const;
 
-    /// The title of the change that would be undone next; empty when there is none or the history cannot be
-    /// read. Does not wait for the directory, because a menu shows it.
+    /// The title of the change that would be undone next; empty when there is none, when the newest change
+    /// cannot be undone, or when the history cannot be read. Does not wait for the directory, because a menu
+    /// shows it.
     [[nodiscard]] std::string titleOfNextUndo() const;
 
-    /// What undoing entry `number` would do; without a number, the newest entry that is not undone. Changes
+    /// What undoing entry `number` would do; without a number, the newest change that is not undone. Changes
     /// nothing. Fails when there is no such entry or the history cannot be read.
     [[nodiscard]] platform::Result<UndoPlan> describeUndo(std::optional<std::int64_t> number) const;
 
@@ -55,7 +56,8 @@ class History {
 /// Shows an alert if something will not be restored exactly, or if the plan is refused. Returns false when it
 /// is refused.
 [[nodiscard]] bool announceUndo(const UndoPlan& plan);
-/// Says in an alert that the undo stopped half way. The failed run has been logged.
+/// Says in an alert that the undo stopped half way, where the failed run has been logged, or that the right
+/// was refused.
 void showUndoFailed(const UndoPlan& plan);
 
 } // namespace review

@@ -1,5 +1,8 @@
 #include "review/HistoryStore.h"
 
+#include "platform/foundation/Host.h"
+#include "platform/foundation/NSBundle.h"
+#include "platform/foundation/NSString.h"
 #include "platform/netinfo/RecordContent.h"
 #include "platform/posix/FileDescriptor.h"
 
@@ -49,6 +52,11 @@ constexpr const char* afterPart = "after";
 constexpr const char* filePart = "file";
 constexpr const char* folderPart = "folder";
 constexpr const char* present = "1";
+
+// What failed; each is a key of the string table.
+constexpr const char* cannotOpen = "cannot open the history";
+constexpr const char* cannotWrite = "cannot write the history";
+constexpr const char* cannotRead = "cannot read the history";
 
 template <class State>
 std::string presence(const State& state) {
@@ -264,13 +272,19 @@ int removeOldest(sqlite3* database) {
 
 } // namespace
 
-Status HistoryStore::failure(std::string_view what, int error) const {
+std::string HistoryStore::shownFile() const {
+    return platform::Host::current().paths().shown(file_);
+}
+
+Status HistoryStore::failure(const char* what, int error) const {
     const bool isForeign = (error & 0xff) == SQLITE_NOTADB || (error & 0xff) == SQLITE_CORRUPT;
-    return Status::failure(std::string(what), "the history " + file_,
-                           isForeign ? "it is damaged, or of a later Brindle; move it away to have a new one "
-                                       "begun"
-                                     : std::string(sqlite3_errstr(error)) +
-                                           "; see who may write it, and whether its disk is full");
+    return Status::failure(
+        NSLocalizedString(what), shownFile(),
+        isForeign
+            ? NSLocalizedString("it is damaged, or of a later Brindle; move it away to have a new one "
+                                "begun")
+            : stringWithFormat(NSLocalizedString("%@; see who may write it, and whether its disk is full"),
+                               std::string(sqlite3_errstr(error))));
 }
 
 Result<platform::SqliteConnection> HistoryStore::open() const {
@@ -279,7 +293,7 @@ Result<platform::SqliteConnection> HistoryStore::open() const {
     // Private, because it contains settings files, which not everybody may read.
     const FileDescriptor made(::open(file_.c_str(), O_CREAT | O_RDWR | O_CLOEXEC, S_IRUSR | S_IWUSR));
     if (!made.isOpen()) {
-        return Status::ofErrno("cannot open", "the history " + file_, errno);
+        return Status::ofErrno(NSLocalizedString(cannotOpen), shownFile(), errno);
     }
     sqlite3* opened = nullptr;
     int error = sqlite3_open_v2(file_.c_str(), &opened, SQLITE_OPEN_READWRITE | platform::sqliteOwnConnection,
@@ -290,7 +304,7 @@ Result<platform::SqliteConnection> HistoryStore::open() const {
         error = prepare(opened);
     }
     return error == SQLITE_OK ? Result<platform::SqliteConnection>(std::move(database))
-                              : failure("cannot open", error);
+                              : failure(cannotOpen, error);
 }
 
 int HistoryStore::insert(sqlite3* database, const HistoryEntry& entry, std::int64_t* number) const {
@@ -320,7 +334,7 @@ Result<std::int64_t> HistoryStore::add(const HistoryEntry& entry) const {
     }
     std::int64_t number = 0;
     const int error = insert(database->get(), entry, &number);
-    return error == SQLITE_OK ? Result<std::int64_t>(number) : failure("cannot write", error);
+    return error == SQLITE_OK ? Result<std::int64_t>(number) : failure(cannotWrite, error);
 }
 
 Result<std::vector<HistoryEntry>> HistoryStore::entries() const {
@@ -356,7 +370,7 @@ Status HistoryStore::visit(const std::function<bool(HistoryEntry&& entry)>& take
             return {};
         }
     }
-    return rows.error() == SQLITE_OK ? Status() : failure("cannot read", rows.error());
+    return rows.error() == SQLITE_OK ? Status() : failure(cannotRead, rows.error());
 }
 
 } // namespace review

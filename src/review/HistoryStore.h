@@ -37,7 +37,8 @@ class HistoryStore {
 
   private:
     [[nodiscard]] platform::Result<platform::SqliteConnection> open() const;
-    [[nodiscard]] platform::Status failure(std::string_view what, int error) const;
+    [[nodiscard]] std::string shownFile() const; ///< for messages
+    [[nodiscard]] platform::Status failure(const char* what, int error) const;
     [[nodiscard]] int insert(sqlite3* database, const HistoryEntry& entry, std::int64_t* number) const;
 
     std::string file_;

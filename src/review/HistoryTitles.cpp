@@ -4,11 +4,13 @@
 #include "platform/foundation/NSBundle.h"
 #include "platform/foundation/NSString.h"
 #include "platform/foundation/SystemPaths.h"
+#include "review/SettingChanges.h"
 
 #include <algorithm>
 #include <array>
 #include <ctime>
 #include <map>
+#include <utility>
 
 namespace review {
 
@@ -42,74 +44,124 @@ std::string quoted(const std::string& name) {
     return "\"" + name + "\"";
 }
 
+/// Names some of the things, and gives the number of the others.
+std::string listOf(const std::vector<std::string>& things) {
+    std::string list;
+    for (std::size_t i = 0; i < things.size() && i < namedLimit; ++i) {
+        list += (i == 0 ? "" : ", ") + things[i];
+    }
+    if (things.size() > namedLimit) {
+        list += stringWithFormat(NSLocalizedString(" and %d more"), things.size() - namedLimit);
+    }
+    return list;
+}
+
 Kind kindOf(bool wasThere, bool isThere) {
     return wasThere && isThere ? Kind::Changed : (isThere ? Kind::Created : Kind::Deleted);
 }
 
 /// What happened to things of one kind, with their names.
 struct Happening {
-    std::vector<std::string> names;
+    std::vector<std::string> names; ///< in quotes
     std::vector<Kind> kinds;
 
-    void add(std::string name, Kind kind) {
-        names.push_back(std::move(name));
+    void add(const std::string& name, Kind kind) {
+        names.push_back(quoted(name));
         kinds.push_back(kind);
     }
 
     [[nodiscard]] std::string title(const Titles& texts) const {
         const bool isOfOneKind = std::ranges::count(kinds, kinds.front()) == std::ssize(kinds);
         const auto kind = static_cast<std::size_t>(isOfOneKind ? kinds.front() : Kind::Changed);
-        std::string list;
-        for (std::size_t i = 0; i < names.size() && i < namedLimit; ++i) {
-            list += (i == 0 ? "" : ", ") + quoted(names[i]);
-        }
-        if (names.size() > namedLimit) {
-            list += stringWithFormat(NSLocalizedString(" and %d more"), names.size() - namedLimit);
-        }
         return stringWithFormat(NSLocalizedString((names.size() == 1 ? texts.one : texts.several).at(kind)),
-                                list);
+                                listOf(names));
     }
 };
 
+using Settings = std::vector<std::pair<std::string, std::string>>;
+
 /// The settings of each section of smb.conf, independent of how the file is laid out.
-std::map<std::string, std::string> sectionsOf(const std::optional<std::string>& text) {
-    std::map<std::string, std::string> sections;
+std::map<std::string, Settings> sectionsOf(const std::optional<std::string>& text) {
+    std::map<std::string, Settings> sections;
     const auto model = SMBConf::ofText(text.value_or(""));
     for (const auto& entry : model->Entries()) {
         if (entry->Type() == SMBGroup) {
             for (const SMBPair& pair : entry->Props()) {
-                sections[entry->ShareName()]
-                    .append(pair.Name.str())
-                    .append("=")
-                    .append(pair.Value.str())
-                    .push_back('\n');
+                sections[entry->ShareName()].emplace_back(pair.Name.str(), pair.Value.str());
             }
         }
     }
     return sections;
 }
 
+bool isShare(const std::string& section) {
+    return section != "global" && section != "homes";
+}
+
+/// The keys of a section that have another value, come or go; with the section, unless it is [global].
+std::vector<std::string> changedKeys(const std::string& section, const Settings& before,
+                                     const Settings& after) {
+    std::vector<std::string> keys;
+    const auto addOthers = [&](const Settings& settings, const Settings& others) {
+        for (const auto& setting : settings) {
+            std::string key = (section == "global" ? "" : "[" + section + "] ") + quoted(setting.first);
+            if (std::ranges::find(others, setting) == others.end() &&
+                std::ranges::find(keys, key) == keys.end()) {
+                keys.push_back(std::move(key));
+            }
+        }
+    };
+    addOthers(after, before);
+    addOthers(before, after);
+    return keys;
+}
+
+std::optional<std::string> settingsTitle(const std::map<std::string, Settings>& before,
+                                         const std::map<std::string, Settings>& after) {
+    std::vector<std::string> changed;
+    for (const char* section : {"global", "homes"}) {
+        const auto old = before.find(section);
+        const auto now = after.find(section);
+        if (old != before.end() && now != after.end()) {
+            const auto keys = changedKeys(section, old->second, now->second);
+            changed.insert(changed.end(), keys.begin(), keys.end());
+        } else if (old != before.end() || now != after.end()) {
+            changed.push_back("[" + std::string(section) + "]");
+        }
+    }
+    return changed.empty() ? std::nullopt
+                           : std::optional(stringWithFormat(NSLocalizedString("SMB settings changed: %@"),
+                                                            listOf(changed)));
+}
+
 /// None where the file says what it said before: its lines stand elsewhere.
 std::optional<std::string> smbConfTitle(const FileChange& file) {
     const auto before = sectionsOf(file.before);
     const auto after = sectionsOf(file.after);
-    if (before == after) {
-        return std::nullopt;
-    }
     Happening shares;
-    const auto isShare = [](const std::string& name) { return name != "global" && name != "homes"; };
-    for (const auto& [name, lines] : after) {
+    for (const auto& [name, settings] : after) {
         const auto old = before.find(name);
-        if (isShare(name) && (old == before.end() || old->second != lines)) {
+        if (isShare(name) && (old == before.end() || old->second != settings)) {
             shares.add(name, kindOf(old != before.end(), true));
         }
     }
-    for (const auto& [name, lines] : before) {
+    for (const auto& [name, settings] : before) {
         if (isShare(name) && !after.contains(name)) {
             shares.add(name, Kind::Deleted);
         }
     }
-    return shares.names.empty() ? NSLocalizedString("SMB settings changed") : shares.title(titles.front());
+    return shares.names.empty() ? settingsTitle(before, after) : shares.title(titles.front());
+}
+
+/// None where the file says what it said before.
+std::optional<std::string> afpTitle(const FileChange& file) {
+    std::vector<std::string> keys;
+    for (const SettingChange& change : settingChanges(file.before.value_or(""), file.after.value_or(""))) {
+        keys.push_back(quoted(change.key));
+    }
+    return keys.empty()
+               ? std::nullopt
+               : std::optional(stringWithFormat(NSLocalizedString("AFP settings changed: %@"), listOf(keys)));
 }
 
 std::string changeTitle(const HistoryEntry& entry) {
@@ -125,12 +177,12 @@ std::string changeTitle(const HistoryEntry& entry) {
             return happening.title(texts);
         }
     }
-    const bool isOfSMB = !entry.files.empty() && entry.files.front().path == platform::systempath::smbConf;
-    if (const auto title = isOfSMB ? smbConfTitle(entry.files.front()) : std::nullopt) {
-        return *title;
-    }
-    if (!entry.files.empty() && !isOfSMB) {
-        return NSLocalizedString("AFP settings changed");
+    if (!entry.files.empty()) {
+        const FileChange& file = entry.files.front();
+        const auto title = file.path == platform::systempath::smbConf ? smbConfTitle(file) : afpTitle(file);
+        if (title) {
+            return *title;
+        }
     }
     if (!entry.folders.empty()) {
         return stringWithFormat(NSLocalizedString("Owner or privileges of %@ changed"),
@@ -143,7 +195,9 @@ std::string changeTitle(const HistoryEntry& entry) {
                                     quoted(path.substr(path.rfind('/') + 1)));
         }
     }
-    return NSLocalizedString(isOfSMB ? "SMB settings changed" : "Nothing changed");
+    return entry.files.empty()
+               ? NSLocalizedString("Nothing changed")
+               : stringWithFormat(NSLocalizedString("%@ written anew"), quoted(entry.files.front().path));
 }
 
 } // namespace

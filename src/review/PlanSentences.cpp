@@ -108,6 +108,9 @@ std::vector<std::string> sentencesOf(const Plan& plan) {
     }
     for (const PlannedRun& run : plan.runs) {
         std::string said = sentenceOf(run);
+        if (!run.output.empty()) {
+            said = sentence("%@ This will fail: %@", said, run.output.substr(0, run.output.find('\n')));
+        }
         if (sentences.empty() || sentences.back() != said) { // a share is written property by property
             sentences.push_back(std::move(said));
         }

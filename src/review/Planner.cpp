@@ -1,16 +1,15 @@
 #include "review/Planner.h"
 
 #include "platform/foundation/Host.h"
-#include "platform/foundation/NSDictionary.h"
 #include "platform/foundation/NSFileManager.h"
 #include "platform/foundation/SystemPaths.h"
 #include "platform/netinfo/LocalDomain.h"
 #include "review/Blocked.h"
 #include "review/Operations.h"
+#include "review/SettingChanges.h"
 #include "review/TextDifference.h"
 #include "review/Warnings.h"
 
-#include <map>
 #include <utility>
 
 namespace review {
@@ -22,34 +21,6 @@ using platform::systempath::smbConf;
 
 std::string bytesOf(const std::string& path) {
     return contentsOfFile(path).valueOr("");
-}
-
-std::vector<std::pair<std::string, std::string>> settingsIn(const std::string& bytes) {
-    const auto dictionary = NSMutableDictionary::dictionaryWithData(bytes);
-    return dictionary ? dictionary->values() : std::vector<std::pair<std::string, std::string>>();
-}
-
-std::vector<SettingChange> settingChanges(const std::string& before, const std::string& after) {
-    std::vector<SettingChange> changes;
-    if (before == after) {
-        return changes;
-    }
-    const auto valuesBefore = settingsIn(before);
-    const auto valuesAfter = settingsIn(after);
-    const std::map<std::string, std::string> known(valuesBefore.begin(), valuesBefore.end());
-    const std::map<std::string, std::string> kept(valuesAfter.begin(), valuesAfter.end());
-    for (const auto& [key, value] : valuesAfter) {
-        const auto found = known.find(key);
-        if (found == known.end() || found->second != value) {
-            changes.push_back({key, found == known.end() ? "" : found->second, value});
-        }
-    }
-    for (const auto& [key, value] : valuesBefore) {
-        if (!kept.contains(key)) {
-            changes.push_back({key, value, ""});
-        }
-    }
-    return changes;
 }
 
 void compare(const WorkingCopy& copy, Plan* plan) {
@@ -84,10 +55,14 @@ platform::Status workOut(const platform::Interface& main, const std::shared_ptr<
     copy->settle();
     compare(*copy, plan);
     plan->afpSettings = settingChanges(afpBefore, bytesOf(copy->settingsFile(appleFileServer)));
-    plan->blocks = blocksOf(*plan, now, std::move(accountsBefore));
-    if (plan->blocks.empty() && depth == PlanDepth::Warnings) {
+    plan->blocks = blocksOf(*plan, now, DirectoryView(directoryBefore), std::move(accountsBefore));
+    if (depth == PlanDepth::Warnings) {
         plan->warnings = warningsOf({*plan, now, (*rehearsal)->controller(), DirectoryView(directoryBefore),
                                      DirectoryView(copy->storeFile())});
+    }
+    if (!plan->blocks.empty()) {
+        // What does not happen surprises nobody, but a name that is nearly another one's is so in any case.
+        std::erase_if(plan->warnings, [](const Remark& warning) { return warning.code != "name-case"; });
     }
     return {};
 }

@@ -122,6 +122,21 @@ Plan Reviewer::planMigration() const {
     });
 }
 
+Plan Reviewer::planUndo(const UndoPlan& undo) const {
+    const auto action = [&undo](const Rehearsal& /*rehearsal*/) {
+        static_cast<void>(carryOut(undo)); // a run that fails says so in the plan
+    };
+    return planOf(main_, "undo", action, PlanDepth::Blocks);
+}
+
+bool Reviewer::mayMigrate() const {
+    const Plan plan = planMigration();
+    if (!plan.blocks.empty()) {
+        showBlocked_(plan);
+    }
+    return plan.blocks.empty();
+}
+
 std::string Reviewer::directoryProblem() {
     return platform::directoryProblem();
 }
@@ -141,9 +156,13 @@ bool Reviewer::hasRecord(const std::string& path) {
     return isThere;
 }
 
+PlannedRun Reviewer::serverRun(ServerChange change) {
+    return {platform::systempath::service, {"smbd", change == ServerChange::Start ? "start" : "enable"}, ""};
+}
+
 bool Reviewer::changeServer(ServerChange change) {
-    const std::vector<std::string> arguments = {"smbd", change == ServerChange::Start ? "start" : "enable"};
-    return NiutilTask::sharedInstance().carryOut(platform::systempath::service, arguments);
+    const PlannedRun run = serverRun(change);
+    return NiutilTask::sharedInstance().carryOut(run.tool, run.arguments);
 }
 
 void Reviewer::reread() const {

@@ -5,6 +5,7 @@
 #include "platform/appkit/Interface.h"
 #include "platform/appkit/Presenter.h"
 #include "review/Plan.h"
+#include "review/Undo.h"
 
 #include <functional>
 #include <map>
@@ -44,6 +45,12 @@ class Reviewer {
     [[nodiscard]] static bool isMigrationQuestion(const platform::Alert& alert);
     /// What answering "Yes" to that question would do.
     [[nodiscard]] Plan planMigration() const;
+    /// Whether nothing blocks that. Otherwise shows what does: "Yes" would delete records that our tools are
+    /// bound to refuse to make again.
+    [[nodiscard]] bool mayMigrate() const;
+
+    /// What carrying out the undo would do. It is not checked for warnings.
+    [[nodiscard]] Plan planUndo(const UndoPlan& undo) const;
 
     /// Why the last attempt to read the directory failed; empty when it succeeded.
     [[nodiscard]] static std::string directoryProblem();
@@ -58,6 +65,8 @@ class Reviewer {
     /// Starts the computer's own SMB server now, or has it started whenever the computer starts. Returns
     /// false when that failed.
     static bool changeServer(ServerChange change);
+    /// The tool run that does it.
+    [[nodiscard]] static PlannedRun serverRun(ServerChange change);
 
     /// Reads smb.conf again and updates the model, rows and fields.
     void reread() const;

@@ -5,6 +5,7 @@
 #include "platform/foundation/NSString.h"
 #include "review/SMBFields.h"
 
+#include <algorithm>
 #include <string_view>
 
 namespace review {
@@ -93,6 +94,25 @@ void readHomes(const SMBShare& section, Reader& reader) {
     }
 }
 
+/// Adds the sections that the window does not show, to the sections above them, which it shows with their
+/// lines.
+void addHiddenSections(const SMBConf& conf, std::vector<OtherReading>* found) {
+    for (const SMBHiddenSection& hidden : conf.hiddenSections()) {
+        const auto above = std::ranges::find_if(conf.Entries(), [&](const auto& entry) {
+            return entry->Type() == SMBGroup && entry->ShareName() == hidden.above;
+        });
+        if (above != conf.Entries().end()) {
+            found->push_back(
+                {above->get(),
+                 stringWithFormat(
+                     NSLocalizedString(
+                         "The SMB server takes line %d \"%@\" of smb.conf for the header of another section, "
+                         "and Brindle takes what follows for settings of [%@]."),
+                     hidden.line, hidden.header, hidden.above)});
+        }
+    }
+}
+
 } // namespace
 
 std::vector<OtherReading> otherReadings(const SMBConf& conf) {
@@ -116,6 +136,7 @@ std::vector<OtherReading> otherReadings(const SMBConf& conf) {
             reader.text(section, "path");
         }
     }
+    addHiddenSections(conf, &found);
     return found;
 }
 

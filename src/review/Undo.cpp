@@ -197,7 +197,8 @@ class UndoPlanner {
 
     void planFile(const FileChange& file) {
         const auto now = settingsBytes(file.path);
-        const std::string real = platform::Host::current().paths().map(file.path);
+        const platform::Paths& paths = platform::Host::current().paths();
+        const std::string real = paths.shown(paths.map(file.path));
         const bool isSMB = file.path == systempath::smbConf;
         plan_.hangsUpSMB = plan_.hangsUpSMB || isSMB;
         plan_.hangsUpAFP = plan_.hangsUpAFP || !isSMB;

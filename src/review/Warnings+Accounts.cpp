@@ -1,5 +1,6 @@
 #include "review/Warnings.h"
 
+#include "app/DirectoryRecords.h"
 #include "directory/DirectoryRules.h"
 #include "platform/foundation/NSBundle.h"
 #include "platform/foundation/NSString.h"
@@ -93,6 +94,27 @@ void addMissingGroupId(const Situation& situation, std::vector<Remark>* warnings
     }
 }
 
+/// The buttons that share a Public folder leave the editor's menu unchanged.
+void addPublicFolder(const Situation& situation, std::vector<Remark>* warnings) {
+    const BRController& now = situation.before;
+    const std::string name = now.shortName->stringValue();
+    const auto isShared = [path = "/users/" + name](const DirectoryView& directory) {
+        const std::string value = directory.value(path, "sharedDir");
+        return !value.empty() && isPublicFolderShared(value);
+    };
+    const bool after = isShared(situation.directoryAfter);
+    if (!situation.directoryBefore.record("/users/" + name) || now.publicSharedPopUp->isEdited() ||
+        isShared(situation.directoryBefore) == after) {
+        return;
+    }
+    warnings->push_back(remark(
+        "untouched-setting",
+        after ? "The Public folder of the user \"%@\" will be shared, although nobody touched that menu."
+              : "The Public folder of the user \"%@\" will no longer be shared, although nobody touched that "
+                "menu.",
+        name));
+}
+
 void addNumberOfAccounts(const Plan& plan, std::vector<Remark>* warnings) {
     std::set<RecordPath> accounts;
     for (const PlannedRun& run : plan.runs) {
@@ -117,6 +139,7 @@ void addAccountWarnings(const Situation& situation, std::vector<Remark>* warning
                          {"/users", "uid", now.shortName->stringValue(), now.selectedUserName(), userTexts},
                          warnings);
         addMissingGroupId(situation, warnings);
+        addPublicFolder(situation, warnings);
     } else if (situation.is("addNewGroup:")) {
         addEditedAccount(
             situation, {"/groups", "gid", now.groupName->stringValue(), now.selectedGroupName(), groupTexts},

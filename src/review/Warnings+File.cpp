@@ -152,6 +152,12 @@ bool concerns(const Situation& situation, const SMBShare& section) {
 }
 
 std::string sentenceOf(const SMBConflict& conflict) {
+    if (conflict.key.empty() && !conflict.inFile.empty()) {
+        return stringWithFormat(
+            NSLocalizedString(
+                "Meanwhile somebody else added [%@]: it stays, and its settings count beside yours."),
+            conflict.section);
+    }
     if (conflict.key.empty()) {
         return stringWithFormat(
             NSLocalizedString("Meanwhile somebody else took [%@] away: it comes back with this change."),

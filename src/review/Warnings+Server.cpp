@@ -67,7 +67,7 @@ std::vector<std::string> faultsOf(const std::string& text, const std::string& fi
                                  return line.starts_with(words);
                              });
         if (!isUsual) {
-            faults.emplace_back(line);
+            faults.emplace_back(line.substr(0, line.find_last_not_of('.') + 1)); // the sentence has its own
         }
     }
     return faults;

@@ -1,10 +1,12 @@
 #include "review/Warnings.h"
 
+#include "model/SMBParser.h"
 #include "model/ServerSettings.h"
 #include "platform/foundation/NSBundle.h"
 #include "platform/foundation/NSString.h"
 #include "review/SMBFields.h"
 
+#include <algorithm>
 #include <functional>
 #include <map>
 #include <string_view>
@@ -37,9 +39,13 @@ std::vector<SMBSetting> homesSettings(const BROutlets& page) {
             {"read only", page.smbHomeDirsReadOnly, "yes"}};
 }
 
+ServerSetting settingOf(const SMBShare* section, std::string_view key) {
+    return section != nullptr ? serverSetting(*section, key) : ServerSetting();
+}
+
 /// How the server interprets a setting, so that different spellings of the same meaning are equal.
 std::string meaningOf(const SMBShare* section, const SMBSetting& setting) {
-    const ServerSetting read = section != nullptr ? serverSetting(*section, setting.key) : ServerSetting();
+    const ServerSetting read = settingOf(section, setting.key);
     std::string written = read.pair != nullptr ? read.pair->Value.str() : std::string(setting.standard);
     if (const auto flag = serverBool(written)) {
         return *flag != read.inverted ? "yes" : "no";
@@ -47,24 +53,42 @@ std::string meaningOf(const SMBShare* section, const SMBSetting& setting) {
     return written;
 }
 
-std::string writtenValue(const SMBShare* section, std::string_view key) {
-    const ServerSetting read = section != nullptr ? serverSetting(*section, key) : ServerSetting();
-    return read.pair != nullptr ? read.pair->Value.str() : std::string();
-}
-
 void addSection(const std::vector<SMBSetting>& settings, const SMBShare* before, const SMBShare& after,
                 std::vector<Remark>* warnings) {
     for (const SMBSetting& setting : settings) {
         const bool isUntouched = setting.control == nullptr || !setting.control->isEdited();
         if (isUntouched && !isEqualIgnoringCase(meaningOf(before, setting), meaningOf(&after, setting))) {
-            warnings->push_back(
-                {"untouched-setting",
-                 stringWithFormat(
-                     NSLocalizedString("\"%@\" in the section [%@] of smb.conf changes from \"%@\" to "
-                                       "\"%@\", although nobody touched its control."),
-                     std::string(setting.key), after.ShareName(), writtenValue(before, setting.key),
-                     writtenValue(&after, setting.key))});
+            warnings->push_back(untouchedSetting(after.ShareName(), setting.key,
+                                                 settingOf(before, setting.key),
+                                                 settingOf(&after, setting.key)));
         }
+    }
+}
+
+/// How many settings are named; the rest are only counted.
+constexpr std::size_t namedSettings = 6;
+
+/// Names what becomes active with the home folders beside what the page shows: a comment with a "=" below a
+/// commented-out section counts as a setting of it, even if it is about the next share.
+void addWokenSettings(const SMBShare& homes, const std::vector<SMBSetting>& shown,
+                      std::vector<Remark>* warnings) {
+    std::string names;
+    std::size_t count = 0;
+    for (const SMBPair& pair : homes.Props()) {
+        const bool isShown = std::ranges::find(shown, pair.Name.view(), &SMBSetting::key) != shown.end();
+        if (!isShown && !SMBParser::isComment(pair.Name) && ++count <= namedSettings) {
+            names += (count == 1 ? "\"" : ", \"") + pair.Name.str() + " = " + pair.Value.str() + "\"";
+        }
+    }
+    if (count > namedSettings) {
+        names += stringWithFormat(NSLocalizedString(", and %d more"), count - namedSettings);
+    }
+    if (count > 0) {
+        warnings->push_back(
+            {"untouched-setting",
+             stringWithFormat(NSLocalizedString("Sharing the home folders makes these settings of the "
+                                                "commented-out section [homes] active, too: %@."),
+                              names)});
     }
 }
 
@@ -79,8 +103,14 @@ void addSMBPage(const Situation& situation, std::vector<Remark>* warnings) {
         return;
     }
     addSection(globalSettings(situation.before), before->Global(), *after->Global(), warnings);
-    if (isLive(before->Homes()) && isLive(after->Homes())) {
-        addSection(homesSettings(situation.before), before->Homes(), *after->Homes(), warnings);
+    if (before->Homes() == nullptr || !isLive(after->Homes())) {
+        return;
+    }
+    const std::vector<SMBSetting> homes = homesSettings(situation.before);
+    if (isLive(before->Homes())) {
+        addSection(homes, before->Homes(), *after->Homes(), warnings);
+    } else {
+        addWokenSettings(*after->Homes(), homes, warnings);
     }
 }
 
@@ -141,7 +171,33 @@ void addAFPPage(const Situation& situation, std::vector<Remark>* warnings) {
     }
 }
 
+std::string lineOf(const SMBPair& pair) {
+    return pair.Name.str() + " = " + pair.Value.str();
+}
+
+std::string valueOf(const ServerSetting& setting) {
+    return setting.pair != nullptr ? setting.pair->Value.str() : std::string();
+}
+
 } // namespace
+
+Remark untouchedSetting(const std::string& section, std::string_view key, const ServerSetting& before,
+                        const ServerSetting& after) {
+    if (before.pair != nullptr && after.pair != nullptr &&
+        foldedSettingName(before.pair->Name) != foldedSettingName(after.pair->Name)) {
+        return {"untouched-setting",
+                stringWithFormat(NSLocalizedString("\"%@\" in the section [%@] of smb.conf gives way to "
+                                                   "\"%@\", although nobody touched its control."),
+                                 lineOf(*before.pair), section, lineOf(*after.pair))};
+    }
+    const SMBPair* written = before.pair != nullptr ? before.pair : after.pair;
+    return {
+        "untouched-setting",
+        stringWithFormat(NSLocalizedString("\"%@\" in the section [%@] of smb.conf changes from \"%@\" to "
+                                           "\"%@\", although nobody touched its control."),
+                         written != nullptr ? written->Name.str() : std::string(key), section,
+                         valueOf(before), valueOf(after))};
+}
 
 void addSettingWarnings(const Situation& situation, std::vector<Remark>* warnings) {
     if (situation.is("updateSMBProperties:")) {

@@ -244,13 +244,8 @@ class ShareWarnings {
         const bool is = serverFlag(before, key, false);
         const bool willBe = serverFlag(after, key, false);
         if (is != willBe && !box.isEdited()) {
-            const ServerSetting written = serverSetting(before, key);
-            warn("untouched-setting",
-                 "\"%@\" in the section [%@] of smb.conf changes from \"%@\" to \"%@\", although nobody "
-                 "touched its "
-                 "control.",
-                 key, name_, written.pair != nullptr ? written.pair->Value.str() : std::string(),
-                 willBe ? "Yes" : "No");
+            warnings_.push_back(
+                untouchedSetting(name_, key, serverSetting(before, key), serverSetting(after, key)));
         }
     }
 

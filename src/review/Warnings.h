@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/BRController.h"
+#include "model/ServerSettings.h"
 #include "review/DirectoryView.h"
 #include "review/Plan.h"
 
@@ -25,6 +26,11 @@ struct Situation {
 /// What might surprise the user when the plan is carried out. Each warning is a sentence that names what it
 /// is about.
 [[nodiscard]] std::vector<Remark> warningsOf(const Situation& situation);
+
+/// The warning that a setting of smb.conf changes although nobody touched its control. `key` is its name
+/// where neither section has it.
+[[nodiscard]] Remark untouchedSetting(const std::string& section, std::string_view key,
+                                      const ServerSetting& before, const ServerSetting& after);
 
 // Each of these adds one group of warnings.
 void addFileWarnings(const Situation& situation, std::vector<Remark>* warnings);    // smb.conf as a file

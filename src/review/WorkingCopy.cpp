@@ -37,15 +37,17 @@ constexpr std::array temporaryFiles = {
     std::string_view(platform::systempath::temporaryAppleFileServer).substr(1)};
 constexpr const char* storeName = "/directory.db";
 constexpr const char* homeName = "/home";
+constexpr const char* lockedHomeName = "/locked-home"; ///< may not be written to
 constexpr const char* defaultsName = "/defaults.plist";
+constexpr const char* historyName = "/history.db";
 /// As long as an action would wait for the directory.
 constexpr int waitSeconds = 30;
 
 /// Maps the copied files to their copies, and every other path as the original does.
 class CopiedPaths : public platform::Paths {
   public:
-    CopiedPaths(std::shared_ptr<platform::Paths> original, std::string folder)
-        : original_(std::move(original)), folder_(std::move(folder)) {}
+    CopiedPaths(const platform::Services& original, std::string folder)
+        : original_(original.paths), history_(original.historyFile), folder_(std::move(folder)) {}
 
     [[nodiscard]] std::string map(const std::string& path) const override {
         for (const char* each : settingsFiles) {
@@ -62,6 +64,17 @@ class CopiedPaths : public platform::Paths {
         return original_->map(path);
     }
 
+    [[nodiscard]] std::string shown(const std::string& file) const override {
+        for (const char* each : settingsFiles) {
+            if (file == folder_ + each) {
+                return original_->shown(original_->map(each));
+            }
+        }
+        return original_->shown(file == folder_ + defaultsName  ? original_->defaultsFile()
+                                : file == folder_ + historyName ? history_
+                                                                : file);
+    }
+
     [[nodiscard]] std::string home() const override { return original_->home(); }
 
     [[nodiscard]] std::string defaultsFile() const override {
@@ -71,14 +84,20 @@ class CopiedPaths : public platform::Paths {
     [[nodiscard]] std::string resources() const override { return original_->resources(); }
 
   private:
-    /// If the home folder is not writable, the path in the copy is in a folder that does not exist, so that
-    /// writing fails there too.
+    /// If the home folder is not writable or missing, so is the folder of the copy, so that writing fails in
+    /// the same way.
     [[nodiscard]] std::string mapTemporary(const std::string& home, std::string_view name) const {
         const bool isWritable = ::access(home.c_str(), W_OK | X_OK) == 0;
-        return folder_ + (isWritable ? homeName : "/no-home") + std::string(name);
+        const bool isMissing = !isWritable && errno == ENOENT;
+        return folder_ +
+               (isWritable  ? homeName
+                : isMissing ? "/no-home"
+                            : lockedHomeName) +
+               std::string(name);
     }
 
     std::shared_ptr<platform::Paths> original_;
+    std::string history_;
     std::string folder_;
 };
 
@@ -104,8 +123,17 @@ Status copyFileIfThere(const std::string& from, const std::string& to) {
         return Status::failure("cannot make a folder for", to, error.message());
     }
     const auto contents = contentsOfFile(from);
-    // A file that cannot be read is missing for the plan too.
-    return contents.isOk() ? platform::writeWholeFile(to, *contents, {.mode = 0600}) : Status();
+    if (contents.isOk()) {
+        return platform::writeWholeFile(to, *contents, {.mode = 0600});
+    }
+    // A file that cannot be read must not seem to be missing: the application would write it anew.
+    if (contents.status().systemError() == EACCES) {
+        return platform::writeWholeFile(to, "", {.mode = 0});
+    }
+    if (contents.status().systemError() != ENOENT) {
+        fs::create_directory(to, error);
+    }
+    return error ? Status::failure("cannot make", to, error.message()) : Status();
 }
 
 } // namespace
@@ -158,8 +186,14 @@ WorkingCopy::~WorkingCopy() {
 Status WorkingCopy::fill() {
     std::error_code error;
     fs::create_directories(folder_ + homeName, error);
+    if (!error) {
+        fs::create_directory(folder_ + lockedHomeName, error);
+    }
+    if (!error) {
+        fs::permissions(folder_ + lockedHomeName, fs::perms::owner_read | fs::perms::owner_exec, error);
+    }
     if (error) {
-        return Status::failure("cannot make", folder_ + homeName, error.message());
+        return Status::failure("cannot make a home folder in", folder_, error.message());
     }
     for (const char* file : settingsFiles) {
         if (Status status = copyFileIfThere(file, settingsFile(file)); !status.isOk()) {
@@ -182,7 +216,7 @@ platform::Services WorkingCopy::services() {
     copied.authority = nullptr;
     copied.pendingWrites = std::make_shared<CopyWrites>(shared_from_this());
     copied.historyFile.clear();
-    copied.paths = std::make_shared<CopiedPaths>(original_.paths, folder_);
+    copied.paths = std::make_shared<CopiedPaths>(original_, folder_);
     copied.localDomain = std::make_shared<platform::CopiedDomain>(storeFile(), original_.localDomain);
     copied.folderForecast = folders_;
     return copied;
@@ -190,6 +224,15 @@ platform::Services WorkingCopy::services() {
 
 bool WorkingCopy::changesComputer() const {
     return original_.computer != nullptr;
+}
+
+Status WorkingCopy::copyHistory(std::string* copy) const {
+    copy->clear();
+    if (original_.historyFile.empty()) {
+        return {};
+    }
+    *copy = folder_ + historyName;
+    return copyFileIfThere(original_.historyFile, *copy);
 }
 
 std::string WorkingCopy::storeFile() const {
@@ -221,6 +264,7 @@ std::string WorkingCopy::run(const std::string& tool, std::span<const std::strin
     }
     settle();
     if (tool == platform::systempath::dscl) {
+        directory.root = passwordRoot_;
         return runDscl(directory, arguments).output;
     }
     if (tool == platform::systempath::cp) {
@@ -246,7 +290,7 @@ std::string WorkingCopy::run(const std::string& tool, std::span<const std::strin
 std::string WorkingCopy::copySettings(std::span<const std::string> arguments) {
     HelperRequest request{platform::systempath::cp, {arguments.begin(), arguments.end()}};
     if (arguments.size() == 2) {
-        const CopiedPaths paths(original_.paths, folder_);
+        const CopiedPaths paths(original_, folder_);
         request.arguments[0] = paths.map(arguments[0]);
     }
     if (arguments.size() == 2 && changesComputer()) {

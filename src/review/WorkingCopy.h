@@ -43,6 +43,14 @@ class WorkingCopy : public std::enable_shared_from_this<WorkingCopy> {
     /// The path of the copy of one of the two settings files; it need not exist.
     [[nodiscard]] std::string settingsFile(const std::string& path) const { return folder_ + path; }
 
+    /// Copies the history, if there is one. `*copy` receives the path of the copy, where a new one will be
+    /// begun otherwise; it is empty when the original host keeps none.
+    [[nodiscard]] platform::Status copyHistory(std::string* copy) const;
+
+    /// Lets runs of dscl fail when those in the embedded root at that folder would, because something is
+    /// missing there or not installed.
+    void checkPasswordsOf(const std::string& root) { passwordRoot_ = root; }
+
     [[nodiscard]] const FolderForecasts& folders() const { return *folders_; }
 
     /// Commits the changes of consecutive runs of nicl, which are one transaction, so that readers of
@@ -60,6 +68,7 @@ class WorkingCopy : public std::enable_shared_from_this<WorkingCopy> {
     [[nodiscard]] std::string copySettings(std::span<const std::string> arguments);
 
     std::string folder_;
+    std::string passwordRoot_; ///< empty: dscl only checks its request and the user
     platform::Services original_;
     std::shared_ptr<FolderForecasts> folders_;
     std::unique_ptr<DirectorySession> session_; ///< the runs since settle()

@@ -41,7 +41,6 @@ class ComputerDirectory {
     /// Commits the transaction. The next call of store() begins another.
     [[nodiscard]] platform::Status commit();
 
-    [[nodiscard]] std::optional<State> stateOf(platform::Store::Record record);
     void setState(platform::Store::Record record, State state);
     /// Whether Brindle has made the account at that path.
     [[nodiscard]] bool hasMade(const RecordPath& path);
@@ -52,6 +51,7 @@ class ComputerDirectory {
                                                 const std::vector<std::string>& program);
 
   private:
+    [[nodiscard]] std::optional<State> stateOf(platform::Store::Record record);
     [[nodiscard]] platform::Status readLines();
     [[nodiscard]] platform::Status finishKilledRun();
     /// Updates the store and Samba's database to match the account files, then forgets the change.

@@ -65,10 +65,7 @@ Status makeStore(const std::string& file) {
     fs::remove(unfinished + "-journal", ignored);
     {
         Store store(unfinished, Store::Opening::Create);
-        for (const char* name : {"users", "groups"}) {
-            store.addRecord(Store::root, name);
-        }
-        store.addRecord(store.addRecord(Store::root, "config"), "Brindle");
+        store.addStandingRecords();
         if (Status status = store.commit(); !status.isOk()) {
             return status;
         }

@@ -91,7 +91,7 @@ Status followPublicFolder(const DirectoryPlace& place, const DirectoryChange& ch
     PublicFolderOwner owner = ownerOf(before);
     owner.name = isRenaming && !change.values.empty() ? change.values.front() : before.name;
     const bool canBeOffered =
-        platform::whyNoPublicFolder(owner, limits.lowestUser, limits.highestUser).empty();
+        platform::whyNoPublicFolder(owner, limits.lowestUser, limits.highestUser) == nullptr;
     if (!canBeOffered && !wasShared) {
         return {}; // without asking Samba, which takes longer than making a user
     }

@@ -2,11 +2,11 @@
 
 #include "directory/AccountRules.h"
 #include "platform/netinfo/AccountNumber.h"
+#include "platform/posix/OwnedFile.h"
 #include "tools/AccountPrograms.h"
 
 #include <algorithm>
 #include <cstdio>
-#include <memory>
 
 #include <shadow.h>
 
@@ -23,14 +23,10 @@ bool isNoPassword(std::string_view hash) {
     return hash.starts_with('!') || hash.starts_with('*');
 }
 
-struct CloseFile {
-    void operator()(std::FILE* file) const { std::fclose(file); }
-};
-
 } // namespace
 
 std::string passwordHashOf(const std::string& user) {
-    const std::unique_ptr<std::FILE, CloseFile> file(std::fopen("/etc/shadow", "re"));
+    const platform::OwnedFile file(std::fopen("/etc/shadow", "re"));
     while (file) {
         const spwd* line = ::fgetspent(file.get());
         if (line == nullptr) {

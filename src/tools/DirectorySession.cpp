@@ -17,7 +17,7 @@ Store& DirectorySession::store() {
         store_ = std::make_unique<Store>(place_.storeFile, Store::Opening::Existing,
                                          hasWaited_ ? 0 : place_.waitSeconds);
         isOpen_ = store_->status().isOk();
-        hasWaited_ = hasWaited_ || !isOpen_;
+        hasWaited_ = !isOpen_;
     }
     return *store_;
 }

@@ -22,8 +22,8 @@ class DirectorySession {
   public:
     explicit DirectorySession(DirectoryPlace place);
 
-    /// Runs nicl with these arguments; see DirectoryTools.h. After a wait for the store that was too long,
-    /// later runs do not wait for it again.
+    /// Runs nicl with these arguments; see DirectoryTools.h. After a run for which the store could not be
+    /// opened, perhaps after a long wait, the next one does not wait for it.
     [[nodiscard]] ToolResult nicl(std::span<const std::string> arguments);
 
     /// Writes the account lists of the root's file server, then commits the changes of all runs. Ok when
@@ -53,7 +53,7 @@ class DirectorySession {
     DirectoryPlace place_;
     std::unique_ptr<platform::Store> store_; ///< open since the first run after a commit
     bool isOpen_ = false;                    ///< the store could be opened, so it may hold changes
-    bool hasWaited_ = false;                 ///< a wait for the store has been in vain
+    bool hasWaited_ = false;                 ///< the last attempt to open the store has failed
     bool hasCommitted_ = false;
     AccountChanges accounts_;
 };

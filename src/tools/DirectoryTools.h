@@ -35,7 +35,8 @@ struct DirectoryPlace {
     std::string storeFile;
     std::string root; ///< empty for only a store and for this computer
     std::optional<Computer> computer;
-    bool keepsPasswords = true; ///< false: dscl only checks its request and the user
+    /// False: dscl only checks its request, the user and, with a root, whether it has a password database.
+    bool keepsPasswords = true;
     int waitSeconds = platform::Store::waitSeconds;
 };
 

@@ -10,7 +10,7 @@
 #include <sys/types.h>
 
 // brindle-helper: the only program that runs with an administrator's rights. It acts as one of a short list
-// of tools, once or, in session mode, many times, and refuses everything else.
+// of tools, once for each request, and refuses everything else.
 
 /// What a helper works on.
 struct HelperPlace {
@@ -42,8 +42,8 @@ struct HelperResult {
 /// Acts as the requested tool. Needs a current host for its log.
 [[nodiscard]] HelperResult runHelperTool(const HelperPlace& place, const HelperRequest& request);
 
-/// The tools in one session. On an embedded root, the changes of nicl are one transaction until a commit; on
-/// this computer itself every run is committed at once.
+/// The tools that one helper acts as. On an embedded root, the changes of nicl are one transaction until a
+/// commit; on this computer itself every run is committed at once.
 class HelperTools {
   public:
     explicit HelperTools(HelperPlace place);
@@ -59,6 +59,6 @@ class HelperTools {
     std::optional<DirectorySession> directory_; ///< only on an embedded root
 };
 
-/// The whole program: `brindle-helper --root DIR [--session]` or `--system [--session]`, with requests on
-/// standard input (platform/security/HelperProtocol.h). Returns the exit status.
+/// The whole program: `brindle-helper --root DIR` or `--system`, with requests on standard input
+/// (platform/security/HelperProtocol.h). Returns the exit status.
 [[nodiscard]] int helperMain(int argc, char** argv);

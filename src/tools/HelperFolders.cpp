@@ -140,6 +140,19 @@ Result<OpenOrder> withFolder(FolderOrder order, const std::string& path, FolderH
     return OpenOrder{std::move(*opened), order};
 }
 
+/// The number that was found for `name`, which names a `kind` of account.
+Result<unsigned> found(const Result<std::optional<unsigned>>& number, const std::string& kind,
+                       const std::string& name) {
+    if (!number.isOk()) {
+        return number.status();
+    }
+    if (number->value_or(unchanged<unsigned>) == unchanged<unsigned>) {
+        return Status::failure("cannot find " + kind, name,
+                               "there is no such " + kind + "; choose one from the list");
+    }
+    return **number;
+}
+
 Result<OpenOrder> ownerOrder(const std::string& ownerAndGroup, const std::string& folder,
                              const platform::DirectoryAccounts& accounts, FolderHost host) {
     FolderOrder order;
@@ -147,18 +160,18 @@ Result<OpenOrder> ownerOrder(const std::string& ownerAndGroup, const std::string
     const std::string owner = ownerAndGroup.substr(0, colon);
     const std::string group = colon == std::string::npos ? "" : ownerAndGroup.substr(colon + 1);
     if (!owner.empty()) {
-        order.owner = accounts.userId(owner);
-        if (order.owner.value_or(unchanged<uid_t>) == unchanged<uid_t>) {
-            return Status::failure("cannot find user", owner,
-                                   "there is no such user; choose one of the list");
+        const auto user = found(accounts.userId(owner), "user", owner);
+        if (!user.isOk()) {
+            return user.status();
         }
+        order.owner = *user;
     }
     if (!group.empty()) {
-        order.group = accounts.groupId(group);
-        if (order.group.value_or(unchanged<gid_t>) == unchanged<gid_t>) {
-            return Status::failure("cannot find group", group,
-                                   "there is no such group; choose one of the list");
+        const auto number = found(accounts.groupId(group), "group", group);
+        if (!number.isOk()) {
+            return number.status();
         }
+        order.group = *number;
     }
     return withFolder(order, folder, host);
 }

@@ -1,5 +1,6 @@
 #include "platform/commandline/CommandLine.h"
 #include "platform/foundation/Host.h"
+#include "platform/foundation/NSLog.h"
 #include "platform/foundation/SystemServices.h"
 #include "platform/posix/InputOutput.h"
 #include "platform/posix/Secret.h"
@@ -9,6 +10,7 @@
 #include "tools/Helper.h"
 #include "tools/HelperComplaint.h"
 #include "tools/SudoUser.h"
+#include "tools/ToolText.h"
 
 #include <cerrno>
 #include <csignal>
@@ -24,8 +26,6 @@
 #include <unistd.h>
 
 namespace {
-
-constexpr int notStarted = platform::helperNotStartedStatus;
 
 /// Closes everything that the starting program left open. Missing standard streams are opened on /dev/null,
 /// so that no file that is opened later becomes a standard stream.
@@ -43,9 +43,13 @@ void say(int descriptor, std::string_view text) {
     static_cast<void>(platform::writeAll(descriptor, text, {}));
 }
 
-int refuse(const std::string& why) {
-    say(STDERR_FILENO, "brindle-helper: " + why + "\n");
-    return notStarted;
+void complain(const std::string& what) {
+    say(STDERR_FILENO, oneLine("brindle-helper: " + what));
+}
+
+int giveUp(const std::string& why) {
+    complain(why);
+    return platform::helperGaveUpStatus;
 }
 
 /// Fills in `place` from the options. Returns why the options cannot be served, or "".
@@ -93,29 +97,6 @@ bool sayStarted() {
     return platform::writeAll(STDOUT_FILENO, {&started, 1}, "the started byte").isOk();
 }
 
-int serveOne(const HelperPlace& place) {
-    auto input = platform::readAll(STDIN_FILENO, "the request", platform::maximumHelperRequest);
-    if (!input.isOk()) {
-        return refuse(input.status().text());
-    }
-    auto request = parseHelperRequest(*input);
-    platform::wipe(*input);
-    if (!request) {
-        return refuse("the request is incomplete");
-    }
-    if (!isHelperTool(request->tool)) {
-        return refuse("refuses " + request->tool + ", which is not on its list of tools");
-    }
-    if (!sayStarted()) {
-        return refuse("nobody waits for the answer");
-    }
-    const HelperResult result = guarded(request->tool, [&] { return runHelperTool(place, *request); });
-    wipeArguments(*request);
-    say(STDOUT_FILENO, result.output);
-    say(STDERR_FILENO, result.errors);
-    return result.status;
-}
-
 /// Fills `bytes` from the input; false when the input ends first.
 bool readExactly(std::string& bytes) {
     std::size_t size = 0;
@@ -146,26 +127,30 @@ bool isAsked() {
 }
 
 /// Serves requests until the input ends or none comes for too long. Then what was not committed is undone.
-int serveSession(const HelperPlace& place) {
+int serve(const HelperPlace& place) {
     HelperTools tools(place);
     std::string header(platform::frameHeaderSize, '\0');
     while (isAsked() && readExactly(header)) {
         const std::size_t size = platform::frameSize(header);
         if (size > platform::maximumHelperRequest) {
-            return refuse("the request is larger than 1 MiB");
+            return giveUp("the request is larger than 1 MiB");
         }
         std::string bytes(size, '\0');
         if (!readExactly(bytes)) {
-            return refuse("the request is incomplete");
+            return giveUp("the request is incomplete");
         }
         auto request = parseHelperRequest(bytes);
         platform::wipe(bytes);
-        if (size == 0 && sayStarted()) {
-            reply(guarded("commit", [&] { return tools.settle(); }));
-        } else if (request && isHelperTool(request->tool) && sayStarted()) {
-            reply(guarded(request->tool, [&] { return tools.run(*request); }));
-        } else {
+        if (size > 0 && (!request || !isHelperTool(request->tool))) {
+            complain(request ? "refuses " + request->tool + ", which is not on its list of tools"
+                             : "refuses a request that does not end with a NUL");
             say(STDOUT_FILENO, std::string(1, platform::helperRefused));
+        } else if (!sayStarted()) {
+            return giveUp("nobody waits for the answer");
+        } else if (size == 0) {
+            reply(guarded("commit", [&] { return tools.settle(); }));
+        } else {
+            reply(guarded(request->tool, [&] { return tools.run(*request); }));
         }
         if (request) {
             wipeArguments(*request);
@@ -184,9 +169,7 @@ int helperMain(int argc, char** argv) {
     std::signal(SIGPIPE, SIG_IGN); // finish a tool's work even if nobody reads the output
     platform::HostOptions options;
     const auto parser = platform::makeParser(
-        "brindle-helper", "Runs one tool for Brindle; the request comes on standard input.", "", options);
-    bool isSession = false;
-    parser->add_flag("--session", isSession, "Run tool after tool; each request comes with its size");
+        "brindle-helper", "Runs tools for Brindle; the requests come on standard input.", "", options);
     const auto words = platform::argumentsOf(argc, argv);
     if (const auto end = platform::parse(*parser, {words.begin(), words.end()})) {
         return end->print();
@@ -195,14 +178,18 @@ int helperMain(int argc, char** argv) {
     if (const std::string fault = placeOf(options, place); !fault.empty()) {
         return platform::complain(*parser, fault).print();
     }
+    bool isFiltered = true;
     if (!options.system) {
-        // As the user, no program that grants rights is needed, and few of the system's calls. If the kernel
-        // has no filter for calls, the user's rights are the limit.
+        // As the user, no program that grants rights is needed, and few of the system's calls.
         ::prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0);
-        platform::takeSystemCallFilter();
+        isFiltered = platform::takeSystemCallFilter();
     }
     platform::Services services;
     services.log = std::make_shared<platform::SystemLog>(); // the tools log what they cannot read
     const platform::Host host(std::move(services));
-    return isSession ? serveSession(place) : serveOne(place);
+    if (!isFiltered) {
+        NSLog("The helper works without a filter of its system calls, because the kernel or libseccomp has "
+              "refused it; the user's rights remain its limit.");
+    }
+    return serve(place);
 }

@@ -1,5 +1,7 @@
 #include "tools/StoreChange.h"
 
+#include "platform/foundation/NSString.h"
+
 #include <algorithm>
 #include <array>
 #include <optional>
@@ -169,9 +171,7 @@ class Change {
     /// Of two such users each would have the other's password, and deleting one would remove it.
     Status checkOtherUsers(const std::string& name) {
         const auto other = isUser() ? otherUser(name) : std::nullopt;
-        return other ? refused("there is a user called " + *other +
-                               ", and the case of letters does not tell users apart; choose another name")
-                     : Status();
+        return other ? refused(stringWithFormat(ruleOfOtherUser, *other)) : Status();
     }
 
     /// Whether the change affects the account lists. Writing them takes long when there are many accounts, so

@@ -48,7 +48,7 @@ platform::Status setPassword(const DirectoryPlace& place, const std::string& pat
         if (!isUser) {
             return refused("there is no such user; create it first");
         }
-        if (!place.keepsPasswords) {
+        if (place.root.empty() && !place.keepsPasswords) {
             return {};
         }
         if (place.root.empty()) {
@@ -57,6 +57,10 @@ platform::Status setPassword(const DirectoryPlace& place, const std::string& pat
         if (!accounts.exists()) {
             return refused("this root has no password database (" + paths.folder +
                            " is missing); make that folder, or a new root");
+        }
+        if (!place.keepsPasswords) {
+            const platform::Status status = platform::SambaAccounts::checkPrograms();
+            return status.isOk() ? status : refused(status.text());
         }
         platform::Status status = accounts.makeFolders();
         if (status.isOk()) {

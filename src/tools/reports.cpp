@@ -7,8 +7,6 @@
 
 namespace {
 
-constexpr int timeoutSeconds = 30;
-
 ToolResult failed(const std::string& tool, const std::string& path, ni_status status) {
     std::string todo = "check the path";
     if (status == NI_CANTOPEN) {
@@ -23,29 +21,19 @@ ToolResult failed(const std::string& tool, const std::string& path, ni_status st
 
 /// Appends the record's properties as lines. Returns NI_OK or what failed.
 ni_status readRecord(const std::string& path, std::string* lines) {
-    ni_domain* opened = nullptr;
-    ni_status status = ni_open(nullptr, ".", &opened);
-    const platform::OwnedDomain domain(opened);
-    if (status != NI_OK) {
-        return status;
-    }
-    ni_setabort(opened, 1);
-    ni_setreadtimeout(opened, timeoutSeconds);
+    platform::OwnedDomain domain;
     ni_id id;
     ni_namelist names;
-    status = ni_root(opened, &id);
+    ni_status status = platform::openLocalRecord(path, &domain, &id);
     if (status == NI_OK) {
-        status = ni_pathsearch(opened, &id, path.c_str());
-    }
-    if (status == NI_OK) {
-        status = ni_listprops(opened, &id, &names);
+        status = ni_listprops(domain.get(), &id, &names);
     }
     if (status != NI_OK) {
         return status;
     }
     for (const auto name : names.ninl_val) {
         ni_namelist values;
-        if (status = ni_lookupprop(opened, &id, name, &values); status != NI_OK) {
+        if (status = ni_lookupprop(domain.get(), &id, name, &values); status != NI_OK) {
             return status;
         }
         lines->append(name).append(":");

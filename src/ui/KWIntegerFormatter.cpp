@@ -2,23 +2,16 @@
 
 #include "platform/foundation/NSBundle.h"
 #include "platform/foundation/NSString.h"
+#include "platform/posix/UTF8.h"
 
 namespace {
 
-/// True when `formatter` accepts every single character of `text` as a number, which rules out signs and
-/// blanks.
-bool hasOnlyDigits(std::string_view text, const NSNumberFormatter& formatter) {
-    std::string ignored;
-    std::size_t begin = 0;
-    while (begin < text.size()) {
-        std::size_t end = begin + 1;
-        while (end < text.size() && (static_cast<unsigned char>(text[end]) & 0xC0U) == 0x80U) {
-            ++end;
-        }
-        if (!formatter.getObjectValue(std::string(text.substr(begin, end - begin)), ignored)) {
+/// Digits of any script count; signs and blanks do not.
+bool hasOnlyDigits(std::string_view text) {
+    for (std::size_t offset = 0; offset < text.size();) {
+        if (!platform::decimalDigitValue(platform::nextCharacter(text, offset))) {
             return false;
         }
-        begin = end;
     }
     return true;
 }
@@ -33,7 +26,7 @@ bool KWIntegerFormatter::isPartialStringValid(std::string& partial, NSRange& pro
     }
     const std::size_t begin = offsetOfUTF16(partial, originalSelection.location);
     const std::size_t end = offsetOfUTF16(partial, proposedSelection.location);
-    if (hasOnlyDigits(std::string_view(partial).substr(begin, end - begin), *this)) {
+    if (hasOnlyDigits(std::string_view(partial).substr(begin, end - begin))) {
         return true;
     }
     error = NSLocalizedString("Input is not an integer");

@@ -12,7 +12,7 @@ constexpr std::size_t lengthLimit = 15;
 
 bool KWSMBFormatter::isPartialStringValid(const std::string& partial, std::optional<std::string>& newString,
                                           std::string& error) {
-    // The error messages only go to the log, so they are not translated.
+    // Only scripts and commands show these messages, so they are not translated.
     if (utf16Length(partial) > lengthLimit) {
         error = "String too long.";
     } else if (partial.ends_with(' ')) {

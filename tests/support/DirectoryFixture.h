@@ -14,9 +14,7 @@ class DirectoryFixture : public testing::Test {
   protected:
     void SetUp() override {
         platform::Store store(host.storeFile(), platform::Store::Opening::Create);
-        store.addRecord(platform::Store::root, "users");
-        store.addRecord(platform::Store::root, "groups");
-        store.addRecord(store.addRecord(platform::Store::root, "config"), "Brindle");
+        store.addStandingRecords();
         EXPECT_TRUE(store.commit().isOk());
     }
 

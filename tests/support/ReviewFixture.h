@@ -20,7 +20,7 @@
 /// a root's.
 class ReviewFixture : public AppFixture {
   protected:
-    ReviewFixture() {
+    explicit ReviewFixture(const TestHost::Options& options = {}) : AppFixture(options) {
         host.onRun = [this](const RecordedRun& run) { return carryOutAll(run); };
         host.onListing = [](const std::string&) { return std::optional<std::string>("310\n"); };
     }

@@ -1,6 +1,7 @@
 #include "support/Subprocess.h"
 
 #include "platform/posix/InputOutput.h"
+#include "platform/security/HelperSession.h"
 
 #include <csignal>
 #include <stdexcept>
@@ -41,6 +42,13 @@ Finished runProgram(const std::vector<std::string>& command, const std::string& 
         run.environment.push_back(variable);
     }
     return valueOf(platform::runProcess(run, input));
+}
+
+std::string outputOfHelper(const std::vector<std::string>& command, const std::vector<std::string>& run) {
+    platform::HelperSession helper(command);
+    std::string output;
+    const OSStatus status = helper.run(run.front(), std::span(run).subspan(1), &output);
+    return status == errAuthorizationSuccess ? output : std::to_string(status);
 }
 
 Conversation::Conversation(const std::vector<std::string>& command) {

@@ -12,6 +12,11 @@ using Finished = platform::FinishedProcess;
 [[nodiscard]] Finished runProgram(const std::vector<std::string>& command, const std::string& input = {},
                                   const std::vector<std::string>& environment = {});
 
+/// Makes one run, a tool and its arguments, in a helper that `command` starts. Returns the tool's output, or
+/// the status of a run that was not started.
+[[nodiscard]] std::string outputOfHelper(const std::vector<std::string>& command,
+                                         const std::vector<std::string>& run);
+
 /// A conversation with a program, line by line. The destructor closes its input and waits for it.
 class Conversation {
   public:

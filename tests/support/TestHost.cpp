@@ -97,6 +97,7 @@ struct TestHost::Implementation {
         services.presenter = std::make_shared<RecordingPresenter>(state);
         services.systemVersion = options.systemVersion;
         services.languages = options.languages;
+        services.keepsLayout = options.keepsLayout;
         return services;
     }
 

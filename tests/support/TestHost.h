@@ -39,6 +39,7 @@ class TestHost {
         bool realResources = true; ///< use the project's own resources folder
         std::optional<std::int32_t> systemVersion = 0x1040;
         std::vector<std::string> languages = {"English"}; ///< by the names of their folders
+        bool keepsLayout = false;                         ///< of smb.conf, as on the computer itself
     };
 
     TestHost();
@@ -61,6 +62,7 @@ class TestHost {
     std::deque<std::string> passwords; ///< for the administrator dialogs, in order; then ""
 
     // The authority.
+    bool makesSessions = true;
     bool rightHeld = true; ///< the result of the silent test
 
     /// The output of a run and the status of its launch; by default empty and 0. Called after the run was

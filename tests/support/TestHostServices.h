@@ -163,7 +163,7 @@ class RecordingAuthority : public platform::Authority {
     explicit RecordingAuthority(State& state) : state_(state) {}
 
     [[nodiscard]] std::unique_ptr<platform::AuthorizationSession> createSession(OSStatus*) override {
-        return std::make_unique<platform::AuthorizationSession>();
+        return state_.seen.makesSessions ? std::make_unique<platform::AuthorizationSession>() : nullptr;
     }
 
     [[nodiscard]] OSStatus copyRights(platform::AuthorizationSession&, const AuthorizationRights& rights,

@@ -180,10 +180,12 @@ void CommandRun::send(const std::string& operation) {
     press(*context_.presenter.interface().findWiredTo(operation));
 }
 
-void CommandRun::write(const std::function<void()>& change) {
+void CommandRun::write(const review::PlannedRun& run, const std::function<void()>& change) {
     hasWritten_ = true;
     noteChange();
-    if (!context_.options.isDryRun) {
+    if (context_.options.isDryRun) {
+        sayPlanned(runLine(run));
+    } else {
         perform(change);
     }
 }
@@ -220,12 +222,16 @@ void CommandRun::showPlan(const review::Plan& plan) {
     if (!plan.failure.empty()) {
         fail(plan.failure);
     }
+    for (const std::string& line : planLines(plan)) {
+        sayPlanned(line);
+    }
+}
+
+void CommandRun::sayPlanned(const std::string& line) {
+    say(line);
     JSON& lines = result_["plan"];
     lines = lines.is_array() ? lines : JSON::array();
-    for (const std::string& line : planLines(plan)) {
-        say(line);
-        lines.push_back(line);
-    }
+    lines.push_back(line);
 }
 
 } // namespace frontend

@@ -80,9 +80,9 @@ class CommandRun {
 
     /// The same for the control that is wired to the operation.
     void send(const std::string& operation);
-    /// Carries out a change that has no control. In a dry run it does nothing: the command itself says what
-    /// it would do.
-    void write(const std::function<void()>& change);
+    /// Carries out a change that has no control and is one tool run; in a dry run prints that instead.
+    void write(const review::PlannedRun& run, const std::function<void()>& change);
+    void showPlan(const review::Plan& plan);
 
     /// Ends a command that has nothing to change.
     void finishUnchanged() { hasWritten_ = true; }
@@ -112,7 +112,7 @@ class CommandRun {
 
   private:
     void checkWhatHappened() const;
-    void showPlan(const review::Plan& plan);
+    void sayPlanned(const std::string& line);
     void finish();
 
     CommandContext context_;

@@ -44,6 +44,10 @@ void undo(CommandRun& run, std::optional<std::int64_t> number) {
     }
     run.result()["losses"] = plan->losses;
     if (run.context().options.isDryRun) {
+        const review::Plan steps = run.context().reviewer->planUndo(*plan);
+        if (!steps.runs.empty() || !steps.failure.empty()) { // otherwise everything is as before already
+            run.showPlan(steps);
+        }
         return;
     }
     std::optional<platform::Status> status;

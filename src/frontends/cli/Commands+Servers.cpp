@@ -42,7 +42,8 @@ void start(CommandRun& run, bool atBoot) {
         return;
     }
     using Change = review::Reviewer::ServerChange;
-    run.write([atBoot] { review::Reviewer::changeServer(atBoot ? Change::StartAtBoot : Change::Start); });
+    const Change change = atBoot ? Change::StartAtBoot : Change::Start;
+    run.write(review::Reviewer::serverRun(change), [change] { review::Reviewer::changeServer(change); });
 }
 
 } // namespace

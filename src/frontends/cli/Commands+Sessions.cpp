@@ -1,5 +1,4 @@
 #include "frontends/cli/CommandRun.h"
-#include "frontends/script/ScriptWords.h"
 #include "platform/foundation/NSBundle.h"
 #include "platform/foundation/NSString.h"
 #include "platform/foundation/SystemPaths.h"
@@ -90,15 +89,8 @@ void disconnect(CommandRun& run, const SessionOptions& options) {
     }
     const Disconnection kind = options.share ? Disconnection::Share : Disconnection::Computer;
     const std::string what = options.share ? *options.share : *options.computer;
-    if (run.context().options.isDryRun) {
-        std::string line = std::string("would run ") + platform::systempath::smbcontrol;
-        for (const std::string& word : review::disconnectionWords(kind, what)) {
-            line += " " + scriptWord(word);
-        }
-        run.result()["plan"] = {line};
-        run.say(line);
-    }
-    run.write([&] { review::disconnect(kind, what); });
+    run.write({platform::systempath::smbcontrol, review::disconnectionWords(kind, what), ""},
+              [&] { review::disconnect(kind, what); });
 }
 
 } // namespace

@@ -79,9 +79,6 @@ QAbstractButton* makeButton(const platform::InterfaceNode& node, WindowActions& 
         new Binding(widget, queue, table->changed, [binding] { binding->markDirty(); });
         new Binding(widget, queue, table->reloaded, [binding] { binding->markDirty(); });
     }
-    if (node.attribute("tabStop") == "no") {
-        widget->setFocusPolicy(Qt::ClickFocus);
-    }
     QObject::connect(widget, &QAbstractButton::clicked, widget, [binding, &node, &actions] {
         binding->markDirty(); // Qt has already changed the check mark; the model may disagree
         actions.use(node);

@@ -8,19 +8,17 @@ namespace {
 
 constexpr int frameTime = 16;           // milliseconds
 constexpr qint64 mostTicksAtOnce = 100; // after a pause of the process, not all missed ticks are made up for
-constexpr double millisecondsPerSecond = 1000;
 
 } // namespace
 
-platform::TimerId FrameTimers::start(double interval, std::function<void()> fire) {
+platform::TimerId FrameTimers::start(std::function<void()> fire) {
     const platform::TimerId id = ++last_;
     auto timer = std::make_shared<Timer>();
-    timer->catchesUp = interval <= 0;
     timer->fire = std::move(fire);
     timer->sinceTick.start();
     timers_.emplace(id, timer);
     QObject::connect(&timer->clock, &QTimer::timeout, &timer->clock, [this, id] { tick(id); });
-    timer->clock.start(timer->catchesUp ? frameTime : static_cast<int>(interval * millisecondsPerSecond));
+    timer->clock.start(frameTime);
     return id;
 }
 
@@ -38,7 +36,7 @@ void FrameTimers::tick(platform::TimerId id) {
     }
     const std::shared_ptr<Timer> timer =
         found->second; // keeps it alive during its tick, even when it stops itself
-    const qint64 ticks = timer->catchesUp ? std::min(timer->sinceTick.restart(), mostTicksAtOnce) : 1;
+    const qint64 ticks = std::min(timer->sinceTick.restart(), mostTicksAtOnce);
     for (qint64 done = 0; done < ticks && timers_.contains(id); ++done) {
         NSApp().dispatch(timer->fire);
     }

@@ -9,11 +9,11 @@
 #include <map>
 #include <memory>
 
-/// The application's timers on Qt's event loop. Intervals are in seconds. An interval of 0 means a thousand
-/// ticks per second, which are fired together once per frame, so that the processor can rest in between.
+/// The application's timers on Qt's event loop. All have the interval 0, which means a thousand ticks per
+/// second. They are fired together once per frame, so that the processor can rest in between.
 class FrameTimers {
   public:
-    [[nodiscard]] platform::TimerId start(double interval, std::function<void()> fire);
+    [[nodiscard]] platform::TimerId start(std::function<void()> fire);
     void stop(platform::TimerId timer);
 
   private:
@@ -21,7 +21,6 @@ class FrameTimers {
         QTimer clock;
         QElapsedTimer sinceTick;
         std::function<void()> fire;
-        bool catchesUp = false; ///< interval 0
     };
 
     void tick(platform::TimerId id);

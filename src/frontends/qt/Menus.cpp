@@ -23,7 +23,7 @@ QAction::MenuRole roleOf(const std::string& role) {
     if (role == "quit") {
         return QAction::QuitRole;
     }
-    return role == "preferences" ? QAction::PreferencesRole : QAction::NoRole;
+    return QAction::NoRole;
 }
 
 void addItem(QMenu& menu, const InterfaceNode& node, WindowActions& actions, RefreshQueue& queue) {

@@ -3,8 +3,8 @@
 #include <QImageReader>
 #include <QPixmap>
 
-/// Reads a PNG file; null when it cannot be read. Unlike QPixmap's constructor, it does not load Qt's plug-ins
-/// for all other formats, which would delay the window.
+/// Reads a PNG file; null when it cannot be read. Unlike QPixmap's constructor, it does not load Qt's
+/// plug-ins for all other formats, which would delay the window.
 [[nodiscard]] inline QPixmap pixmapFromPNG(const QString& file) {
     QImageReader reader(file, "png");
     reader.setAutoDetectImageFormat(false);

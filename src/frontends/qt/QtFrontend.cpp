@@ -136,12 +136,7 @@ void QtFrontend::useListener(
 int QtFrontend::run(const std::function<void()>& launch) {
     QtPresenter& presenter = *implementation_->presenter;
     QTimer::singleShot(0, &implementation_->application, [&presenter, &launch] {
-        dispatchUserEvent(presenter.queue(), [&launch] {
-            if (NSWindow* main = NSApp().mainWindow()) {
-                main->makeKeyAndOrderFront();
-            }
-            launch();
-        });
+        dispatchUserEvent(presenter.queue(), launch);
         if (NSApp().isTerminated()) {
             QCoreApplication::quit();
         }

@@ -20,7 +20,10 @@ class Reviewer;
 ///     QtFrontend frontend(argc, argv, QtFrontend::Manner::Interactive);
 ///     host.setPresenter(frontend.presenter());
 ///     auto interface = platform::Interface::load(...);
-///     return frontend.run([] { NSApp().finishLaunching(); });
+///     return frontend.run([] {
+///         NSApp().mainWindow()->makeKeyAndOrderFront();
+///         NSApp().finishLaunching();
+///     });
 ///
 /// It keeps no state of the system: widgets show what the control models hold, and the user's actions go to
 /// the models' own operations.
@@ -70,7 +73,7 @@ class QtFrontend {
     void useListener(int descriptor,
                      std::function<void(const std::function<void(const std::string& token)>& raise)> answer);
 
-    /// Shows the main window, calls `launch` as the first event, and runs the event loop until the
+    /// Calls `launch`, which shows the main window, as the first event, and runs the event loop until the
     /// application has terminated. Returns the exit status. All windows are destroyed when it returns, so the
     /// interface may be destroyed.
     [[nodiscard]] int run(const std::function<void()>& launch);

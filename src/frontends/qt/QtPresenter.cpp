@@ -192,8 +192,8 @@ void QtPresenter::openAddress(const std::string& address) {
     }
 }
 
-platform::TimerId QtPresenter::startTimer(double interval, std::function<void()> fire) {
-    return timers_ ? timers_->start(interval, std::move(fire)) : 0;
+platform::TimerId QtPresenter::startTimer(double /*interval*/, std::function<void()> fire) {
+    return timers_ ? timers_->start(std::move(fire)) : 0;
 }
 
 void QtPresenter::stopTimer(platform::TimerId timer) {

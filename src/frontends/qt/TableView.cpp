@@ -86,7 +86,7 @@ TableView::TableView(NSTableView& table, const std::string& nameColumn, RefreshQ
     reloaded_ = new Binding(this, queue, table.reloaded, [this] { reload(); });
     new Binding(this, queue, table.changed, [this] {
         setEnabled(table_.isEnabled());
-        dropRenamedRows();
+        dropVanishedRows();
         loadSelection();
     });
 }
@@ -161,7 +161,7 @@ void TableView::reload() {
     loading_ = false;
     neededWidths_.clear();
     shareWidth();
-    dropRenamedRows();
+    dropVanishedRows();
     loadSelection();
 }
 
@@ -189,7 +189,7 @@ QString TableView::remarkOfRow(int row) {
                                    : remarks_.emplace(name, shown(remark_(name, row))).first->second;
 }
 
-void TableView::dropRenamedRows() {
+void TableView::dropVanishedRows() {
     // A sheet works on the row that was selected when it opened, so do not change the selection while it is
     // open.
     if (nameColumn_ == nullptr || NSApp().attachedSheet() != nullptr) {
@@ -206,7 +206,10 @@ void TableView::dropRenamedRows() {
         }
     }
     namesOfSelected_ = std::move(names);
-    NSApp().dispatch([this, &kept] { table_.selectRows(std::move(kept)); });
+    NSApp().dispatch([this, &kept] {
+        table_.tellOfDroppedSelection();
+        table_.selectRows(std::move(kept));
+    });
 }
 
 void TableView::loadSelection() {

@@ -133,7 +133,8 @@ class TableView : public QTableView {
     void showColumnMenu(const QPoint& position);
     void reload();
     void loadSelection();
-    void dropRenamedRows();
+    /// Deselects rows that now have another name, and has the editor of a row that is gone emptied.
+    void dropVanishedRows();
     void userSelected();
     [[nodiscard]] int firstShownColumn() const;
     [[nodiscard]] QString remarkOfRow(int row);

@@ -9,14 +9,6 @@ namespace frontend {
 
 namespace {
 
-std::string runLine(const review::PlannedRun& run) {
-    std::string line = "would run " + scriptWord(run.tool);
-    for (const std::string& argument : run.arguments) {
-        line += ' ' + scriptWord(argument);
-    }
-    return line;
-}
-
 std::string octal(mode_t mode) {
     constexpr std::size_t digits = 4;
     const std::string text = stringWithFormat("%o", mode);
@@ -53,6 +45,14 @@ void addSteps(const review::Plan& plan, std::vector<std::string>* lines) {
 }
 
 } // namespace
+
+std::string runLine(const review::PlannedRun& run) {
+    std::string line = "would run " + scriptWord(run.tool);
+    for (const std::string& argument : run.arguments) {
+        line += ' ' + scriptWord(argument);
+    }
+    return line;
+}
 
 std::vector<std::string> planLines(const review::Plan& plan) {
     std::vector<std::string> lines{"plan " + scriptWord(plan.operation)};

@@ -3,7 +3,6 @@
 #include "frontends/script/ScriptWords.h"
 #include "platform/appkit/NSWindow.h"
 #include "platform/foundation/NSBundle.h"
-#include "review/Reviewer.h"
 
 #include <algorithm>
 #include <filesystem>
@@ -138,7 +137,14 @@ platform::AlertAnswer ScriptPresenter::runAlert(const platform::Alert& alert) {
     }
     output_->line("alert " + quotedText(alert.title) + ' ' + quotedText(alert.message) +
                   quotedTitles(buttons) + " -> " + quotedText(pressed->second));
-    return pressed->first;
+    const bool migrates =
+        pressed->first == platform::AlertAnswer::Default && review::Reviewer::isMigrationQuestion(alert);
+    return migrates && !mayMigrate() ? platform::AlertAnswer::Alternate : pressed->first;
+}
+
+bool ScriptPresenter::mayMigrate() const {
+    const review::Reviewer* reviewer = findReviewer_ ? findReviewer_() : nullptr;
+    return reviewer == nullptr || reviewer->mayMigrate();
 }
 
 std::optional<std::string> ScriptPresenter::runOpenPanel(const platform::OpenPanelRequest& request) {

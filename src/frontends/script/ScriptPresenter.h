@@ -4,8 +4,10 @@
 #include "frontends/script/ScriptOutput.h"
 #include "platform/appkit/Interface.h"
 #include "platform/appkit/Presenter.h"
+#include "review/Reviewer.h"
 
 #include <deque>
+#include <functional>
 #include <map>
 #include <memory>
 #include <optional>
@@ -21,6 +23,9 @@ namespace frontend {
 class ScriptPresenter : public platform::Presenter {
   public:
     explicit ScriptPresenter(std::shared_ptr<ScriptOutput> output) : output_(std::move(output)) {}
+
+    /// Sets the function that returns the reviewer, or null.
+    void useReviewer(std::function<review::Reviewer*()> reviewer) { findReviewer_ = std::move(reviewer); }
 
     // Answers that the script prepares; `line` is the line of the script, for messages.
     /// Answers the next alert titled `alert` with `button`. Without `alert`, answers any alert that has no
@@ -78,7 +83,10 @@ class ScriptPresenter : public platform::Presenter {
     [[noreturn]] void fail(ScriptError error);
     void noteWindows(const platform::InterfaceNode& node, NSWindow* window);
 
+    [[nodiscard]] bool mayMigrate() const;
+
     std::shared_ptr<ScriptOutput> output_;
+    std::function<review::Reviewer*()> findReviewer_;
     std::deque<Answer> answers_;
     std::deque<Choice> choices_;
     bool administratorAllows_ = true;

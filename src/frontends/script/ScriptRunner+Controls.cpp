@@ -219,6 +219,9 @@ void ScriptRunner::close(const Words& words) {
 }
 
 void ScriptRunner::quit(const Words& /*words*/) {
+    if (NSApp().isTerminated()) {
+        return;
+    }
     perform([] {
         if (NSWindow* window = NSApp().mainWindow()) {
             window->close();

@@ -111,7 +111,8 @@ const ScriptRunner::Command* ScriptRunner::findCommand(const std::string& name) 
 }
 
 void ScriptRunner::checkTime(const Command& command) const {
-    if (started_ && NSApp().isTerminated()) {
+    const bool changesNothing = command.preparesOnly || command.run == &ScriptRunner::quit;
+    if (started_ && NSApp().isTerminated() && !changesNothing) {
         fail("the application has ended: nothing can follow");
     }
     const bool isStart = command.run == &ScriptRunner::start;

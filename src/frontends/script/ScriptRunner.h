@@ -31,9 +31,12 @@ class ScriptRunner {
                  std::shared_ptr<ScriptPresenter> presenter, std::function<platform::Status()> launch,
                  std::ostream& errors);
 
-    /// Sets the function that returns the reviewer. The commands that plan, review and read again call it
-    /// after `start`; it may return null, and then these commands fail.
-    void useReviewer(std::function<review::Reviewer*()> reviewer) { findReviewer_ = std::move(reviewer); }
+    /// Sets the function that returns the reviewer. The presenter and the commands that plan, review and read
+    /// again call it from `start` on; it may return null, and then these commands fail.
+    void useReviewer(const std::function<review::Reviewer*()>& reviewer) {
+        presenter_->useReviewer(reviewer);
+        findReviewer_ = reviewer;
+    }
 
     /// Sets the history for the commands that print it and take changes back; it must outlive the runner.
     void useHistory(const review::History& history) { history_ = &history; }

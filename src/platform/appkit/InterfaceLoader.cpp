@@ -184,9 +184,11 @@ void InterfaceLoader::buildChild(const pugi::xml_node& xml, const ElementRule& r
 void InterfaceLoader::checkOneLayout(const InterfaceNode& node) {
     const auto count = std::count_if(node.children.begin(), node.children.end(),
                                      [](const auto& child) { return child->kind != InterfaceKind::Drawer; });
-    if (count != 1 || node.children.size() > 2) {
+    if (count != 1) {
         refuse(node.line, stringWithFormat("<%@> holds %d layout elements; it needs one",
                                            elementName(node.kind), count));
+    } else if (node.children.size() > 2) {
+        refuse(node.line, stringWithFormat("<%@> has a second <drawer>", elementName(node.kind)));
     }
 }
 
@@ -285,7 +287,7 @@ void InterfaceLoader::wireAction(const InterfaceNode& node) {
 void InterfaceLoader::checkReferences() {
     for (const auto& [line, name] : references_) {
         if (!interface_->byName_.contains(name)) {
-            refuse(line, stringWithFormat("the element belongs to \"%@\", which is not in the file", name));
+            refuse(line, stringWithFormat("the element refers to \"%@\", which is not in the file", name));
         }
     }
 }

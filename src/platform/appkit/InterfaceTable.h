@@ -48,7 +48,7 @@ consteval auto windowRules() {
              Attributes{{"title", Text, "", true},
                         {"key", Word},
                         {"edits", Reference}, // as for a button
-                        {"role", Choice, "about|quit|preferences|guide"}}},
+                        {"role", Choice, "about|quit|guide"}}},
         {MenuSeparator, Named, "separator"},
         {Window, Named, "window", makeWindow, named + window, {Drawer}, Layout::One},
         {Sheet, Named, "sheet", makeWindow, named + window, {}, Layout::One},
@@ -112,7 +112,6 @@ consteval auto controlRules() {
              Attributes{
                  {"title", Text},
                  {"image", YesNo},
-                 {"tabStop", YesNo},
                  {"reverts", Reference},
                  {"offWith", Reference},
                  // "new" and "edit" start the editor of the table `reverts` in the field `edits`; "new" also

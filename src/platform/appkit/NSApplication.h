@@ -41,8 +41,8 @@ class NSApplication {
     /// The main window was closed: terminates if the delegate says so.
     void mainWindowDidClose();
 
-    /// Shows `sheet` as a sheet of `window` (null: on its own) and returns at once; endSheet calls `didEnd`.
-    /// Does nothing when a sheet is already open.
+    /// Shows `sheet` and returns at once; endSheet calls `didEnd`. Does nothing when a sheet is already open.
+    /// Front-ends attach a sheet to the active window, which is `window` wherever there is a sheet.
     void beginSheet(NSWindow* sheet, NSWindow* window, SheetDidEnd didEnd);
     /// Ends the sheet's session by calling its `didEnd`, which takes it off the screen. Does nothing when it
     /// is not open.

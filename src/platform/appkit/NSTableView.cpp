@@ -17,12 +17,21 @@ std::string NSTableView::objectValue(const NSTableColumn& column, int row) {
 
 void NSTableView::reloadData() {
     rows_ = source_ == nullptr ? 0 : std::max(0, source_->numberOfRowsInTableView(this));
+    const bool hadSelection = !selection_.empty();
     selection_.erase(std::lower_bound(selection_.begin(), selection_.end(), rows_), selection_.end());
+    selectionWasDropped_ = (hadSelection || selectionWasDropped_) && selection_.empty();
     isLoaded_ = true;
     reloaded.emit();
 }
 
+void NSTableView::tellOfDroppedSelection() {
+    if (std::exchange(selectionWasDropped_, false) && delegate_ != nullptr) {
+        delegate_->tableViewSelectionDidChange(this);
+    }
+}
+
 void NSTableView::selectRows(std::vector<int> rows) {
+    selectionWasDropped_ = false;
     std::erase_if(rows, [this](int row) { return row < 0 || row >= rows_; });
     if (!multiple_ && rows.size() > 1) {
         rows.resize(1);

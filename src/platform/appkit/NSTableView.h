@@ -76,6 +76,10 @@ class NSTableView : public NSControl {
 
     void deselectAll() { selectRows({}); }
 
+    /// Tells the delegate if a reload has dropped every selected row, and no selection was made since. For
+    /// front-ends whose user would otherwise still see that row in its editor.
+    void tellOfDroppedSelection();
+
     void copyState(const Element& from) override;
 
     /// The rows have to be drawn again. `changed` stands for the selection and the enabled state.
@@ -89,4 +93,5 @@ class NSTableView : public NSControl {
     int rows_ = 0;
     bool isLoaded_ = false; ///< its rows have been asked for
     std::vector<int> selection_;
+    bool selectionWasDropped_ = false; ///< by a reload, and the delegate was not told
 };

@@ -4,8 +4,9 @@
 
 namespace platform {
 
-/// The front-end of a run in which nobody can see or answer anything. It answers an alert with the button
-/// that changes nothing: its alternate button, or its only one. Everything else is refused.
+/// The front-end of a run in which nobody can see or answer anything. It answers an alert with its alternate
+/// button, or its only one, which is the one that changes nothing in the alerts of the start-up; in an
+/// editor's question it would not be. Everything else is refused.
 class SilentPresenter : public Presenter {
   public:
     [[nodiscard]] AlertAnswer runAlert(const Alert& alert) override;

@@ -124,6 +124,15 @@ std::string mendedXML(std::string_view xml) {
     return text;
 }
 
+/// The text of a file for libplist's XML.
+std::string fileText(std::string_view xml) {
+    std::string text = mendedXML(xml);
+    if (!text.ends_with('\n')) {
+        text += '\n';
+    }
+    return text;
+}
+
 /// Returns null when the text is not a property list in XML, or is too long for libplist.
 plist_t readXML(std::string_view text) {
     plist_t read = nullptr;
@@ -134,14 +143,19 @@ plist_t readXML(std::string_view text) {
     return read;
 }
 
-/// Reads a binary property list by way of the XML that will be written for it, so that what XML cannot hold
-/// (a NUL in a key, at which libplist stops, or the same key twice) is refused or settled here.
-plist_t readBinary(std::string_view bytes) {
-    plist_t read = nullptr;
-    plist_from_bin(bytes.data(), static_cast<std::uint32_t>(bytes.size()), &read);
+/// Reads what was read (or null) once more, from the XML that will be written for it, so that what XML cannot
+/// hold is refused or settled here. Takes `read` over.
+plist_t readAsWritten(plist_t read) {
     const std::unique_ptr<void, Free> owner(read);
     const std::string xml = read == nullptr ? std::string() : plainXML(read);
     return xml.find('\0') == std::string::npos ? readXML(mendedXML(xml)) : nullptr;
+}
+
+/// A binary list may have a NUL in a key, at which libplist stops, or the same key twice.
+plist_t readBinary(std::string_view bytes) {
+    plist_t read = nullptr;
+    plist_from_bin(bytes.data(), static_cast<std::uint32_t>(bytes.size()), &read);
+    return readAsWritten(read);
 }
 
 /// Returns null when the bytes are not a property list.
@@ -154,7 +168,9 @@ plist_t readAny(std::string_view bytes) {
     if (start == std::string::npos || (*text)[start] != '<') {
         return text ? readOldStylePropertyList(*text) : nullptr;
     }
-    return readXML(*text);
+    plist_t read = readXML(*text);
+    // libplist takes a malformed date for one before the year 0, and writes that so that it reads another.
+    return text->find("<date") == std::string::npos ? read : readAsWritten(read);
 }
 
 /// The string for a scalar, `yes` or `no` for a boolean; none for other types.
@@ -324,13 +340,11 @@ std::string NSMutableDictionary::xmlText() const {
     if (xml.empty()) {
         throw std::runtime_error("a property list could not be written as XML");
     }
-    std::string text = mendedXML(xml);
-    if (!text.ends_with('\n')) {
-        text += '\n';
-    }
-    return text;
+    return fileText(xml);
 }
 
 platform::Status NSMutableDictionary::writeToFile(const std::string& path) const {
-    return writeToFileAtomically(path, xmlText());
+    const std::string xml = plainXML(node_->dictionary);
+    return xml.empty() ? platform::Status::failure("cannot write", path, "its content has no form as XML")
+                       : writeToFileAtomically(path, fileText(xml));
 }

@@ -13,6 +13,10 @@ NSUserDefaults& NSUserDefaults::standardUserDefaults() {
     return platform::Host::current().userDefaults();
 }
 
+std::string NSUserDefaults::shownPath() const {
+    return platform::Host::current().paths().shown(path_);
+}
+
 void NSUserDefaults::readOnce() const {
     if (values_) {
         return;
@@ -25,7 +29,7 @@ void NSUserDefaults::readOnce() const {
     if (!contents.isOk()) {
         if (contents.status().systemError() != ENOENT) {
             mayWrite_ = false;
-            NSLog("cannot read the settings in %@: %@", path_, contents.status().why());
+            NSLog("cannot read the settings in %@: %@", shownPath(), contents.status().why());
         }
         return;
     }
@@ -36,7 +40,7 @@ void NSUserDefaults::readOnce() const {
         NSLog("%@ is not a property list: it is left as it is, and settings last until the end of this "
               "session. "
               "Remove the file to have them kept again",
-              path_);
+              shownPath());
     }
 }
 
@@ -69,8 +73,8 @@ void NSUserDefaults::write() const {
     std::error_code error;
     std::filesystem::create_directories(std::filesystem::path(path_).parent_path(), error);
     if (error) {
-        NSLog("cannot make the folder for the settings in %@: %@", path_, error.message());
+        NSLog("cannot make the folder for the settings in %@: %@", shownPath(), error.message());
     } else if (const auto status = values_->writeToFile(path_); !status.isOk()) {
-        NSLog("cannot write the settings to %@: %@", path_, status.why());
+        NSLog("cannot write the settings to %@: %@", shownPath(), status.why());
     }
 }

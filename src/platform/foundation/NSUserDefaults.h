@@ -28,6 +28,7 @@ class NSUserDefaults {
     void setString(const std::string& value, const std::string& key);
 
   private:
+    [[nodiscard]] std::string shownPath() const; ///< for messages
     void write() const;
     void readOnce() const;
 

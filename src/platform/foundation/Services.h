@@ -41,6 +41,10 @@ class Paths {
     /// The real path of `path`: that of a mapped system file, or else `path` itself. A working copy maps the
     /// temporary files in the home folder as well.
     [[nodiscard]] virtual std::string map(const std::string& path) const = 0;
+
+    /// The name that the user is told for a real path: on copies, the path of the original.
+    [[nodiscard]] virtual std::string shown(const std::string& file) const { return file; }
+
     /// The user's home folder, which "~" stands for. No trailing slash.
     [[nodiscard]] virtual std::string home() const = 0;
     /// The property list that holds the user defaults.

@@ -1,6 +1,7 @@
 #include "platform/host/DirectoryAccounts.h"
 
 #include "platform/netinfo/AccountNumber.h"
+#include "platform/netinfo/StoreWait.h"
 #include "platform/netinfo/ni.h"
 
 #include <vector>
@@ -14,27 +15,6 @@ namespace platform {
 
 namespace {
 
-constexpr int timeoutSeconds = 30;
-
-/// Opens the store and finds the directory `path` in it. Returns null when it cannot be read; then only the
-/// computer's own accounts count.
-OwnedDomain openAt(const std::string& storeFile, const std::string& path, ni_id* id) {
-    ni_domain* opened = nullptr;
-    if (storeFile.empty()) {
-        return nullptr;
-    }
-    if (ni_openfile(storeFile, &opened) != NI_OK) {
-        return nullptr;
-    }
-    OwnedDomain domain(opened);
-    ni_setabort(opened, 1);
-    ni_setreadtimeout(opened, timeoutSeconds);
-    if (ni_root(opened, id) != NI_OK || ni_pathsearch(opened, id, path.c_str()) != NI_OK) {
-        return nullptr;
-    }
-    return domain;
-}
-
 std::optional<std::string> firstValue(ni_domain* domain, ni_id id, std::string_view property) {
     ni_namelist values;
     if (ni_lookupprop(domain, &id, property, &values) != NI_OK || values.ninl_val.empty()) {
@@ -43,17 +23,40 @@ std::optional<std::string> firstValue(ni_domain* domain, ni_id id, std::string_v
     return std::string(values.ninl_val.front());
 }
 
-std::optional<unsigned> numberOf(const std::string& storeFile, const std::string& path,
-                                 std::string_view property, const std::string& name) {
+/// Says why the directory could not be read over `domain`, which is null when it could not be opened.
+Status unreadable(const std::string& storeFile, const OwnedDomain& domain) {
+    const std::string problem = domain ? directoryProblem() : storeOpeningProblem(storeFile);
+    return Status::failure("cannot read the directory", storeFile,
+                           problem.empty() ? "check its disk, or restore it from a copy" : problem);
+}
+
+/// The number of the account `name` in `directory`; none when it has no such account. Fails when that cannot
+/// be read, or is no number.
+Result<std::optional<unsigned>> numberOf(const std::string& storeFile, const std::string& directory,
+                                         const std::string& property, const std::string& name) {
+    if (storeFile.empty() || name.find('/') != std::string::npos) {
+        return std::optional<unsigned>();
+    }
+    OwnedDomain domain;
     ni_id id;
-    const auto domain = openAt(storeFile, path, &id);
-    if (!domain || name.find('/') != std::string::npos ||
-        ni_pathsearch(domain.get(), &id, name.c_str()) != NI_OK) {
-        return std::nullopt;
+    ni_status status = openRecord(storeFile, directory + "/" + name, &domain, &id);
+    if (status == NI_NODIR) {
+        return std::optional<unsigned>();
+    }
+    ni_namelist values;
+    if (status == NI_OK) {
+        status = ni_lookupprop(domain.get(), &id, property, &values);
+    }
+    if (status != NI_OK && status != NI_NOPROP) {
+        return unreadable(storeFile, domain);
     }
     bool valid = false;
-    const unsigned number = accountNumber(firstValue(domain.get(), id, property).value_or(""), &valid);
-    return valid ? std::optional(number) : std::nullopt;
+    const std::string_view text = values.ninl_val.empty() ? "" : values.ninl_val.front();
+    const unsigned number = accountNumber(text, &valid);
+    return valid ? Result(std::optional(number))
+                 : Status::failure("cannot use", name,
+                                   "its " + property +
+                                       " in the directory is missing or no number; set that first");
 }
 
 /// Calls a reentrant account function, growing `buffer` as long as it is too small, as for a group with many
@@ -73,9 +76,9 @@ bool lookUp(Get get, Key key, Entry& entry, std::vector<char>& buffer) {
 std::optional<std::string> DirectoryAccounts::nameOf(const char* path, std::string_view property,
                                                      unsigned number, Names& names) const {
     ni_id id;
-    const auto domain = openAt(storeFile_, path, &id);
-    if (!domain) {
-        return std::nullopt;
+    OwnedDomain domain;
+    if (storeFile_.empty() || openRecord(storeFile_, path, &domain, &id) != NI_OK) {
+        return std::nullopt; // the computer's own accounts have names, too
     }
     if (const auto stamp = stampOf(*domain); !stamp || stamp != stamp_) {
         users_.clear();
@@ -92,7 +95,7 @@ std::optional<std::string> DirectoryAccounts::nameOf(const char* path, std::stri
     }
     std::optional<std::string> name;
     if (!found.niil_val.empty()) {
-        name = firstValue(domain.get(), {found.niil_val.front(), 0}, "name");
+        name = firstValue(domain.get(), {found.niil_val.front()}, "name");
         if (!name) {
             return name; // it could not be read, or has none: not worth remembering
         }
@@ -120,8 +123,8 @@ std::optional<std::string> DirectoryAccounts::groupName(gid_t gid) const {
                                                     : std::nullopt;
 }
 
-std::optional<uid_t> DirectoryAccounts::userId(const std::string& name) const {
-    if (const auto number = numberOf(storeFile_, "/users", "uid", name)) {
+Result<std::optional<uid_t>> DirectoryAccounts::userId(const std::string& name) const {
+    if (auto number = numberOf(storeFile_, "/users", "uid", name); !number.isOk() || *number) {
         return number;
     }
     passwd entry{};
@@ -129,8 +132,8 @@ std::optional<uid_t> DirectoryAccounts::userId(const std::string& name) const {
     return lookUp(::getpwnam_r, name.c_str(), entry, buffer) ? std::optional(entry.pw_uid) : std::nullopt;
 }
 
-std::optional<gid_t> DirectoryAccounts::groupId(const std::string& name) const {
-    if (const auto number = numberOf(storeFile_, "/groups", "gid", name)) {
+Result<std::optional<gid_t>> DirectoryAccounts::groupId(const std::string& name) const {
+    if (auto number = numberOf(storeFile_, "/groups", "gid", name); !number.isOk() || *number) {
         return number;
     }
     group entry{};

@@ -2,6 +2,7 @@
 
 #include "platform/foundation/Services.h"
 #include "platform/netinfo/StoreStamp.h"
+#include "platform/posix/Status.h"
 
 #include <map>
 #include <optional>
@@ -19,8 +20,10 @@ class DirectoryAccounts : public AccountNames {
 
     [[nodiscard]] std::optional<std::string> userName(uid_t uid) const override;
     [[nodiscard]] std::optional<std::string> groupName(gid_t gid) const override;
-    [[nodiscard]] std::optional<uid_t> userId(const std::string& name) const;
-    [[nodiscard]] std::optional<gid_t> groupId(const std::string& name) const;
+    /// The number of the account called `name`; none when there is no such account. Fails when the directory
+    /// cannot be read, because it may have an account that goes before the computer's account of that name.
+    [[nodiscard]] Result<std::optional<uid_t>> userId(const std::string& name) const;
+    [[nodiscard]] Result<std::optional<gid_t>> groupId(const std::string& name) const;
 
   private:
     using Names = std::map<unsigned, std::optional<std::string>>;

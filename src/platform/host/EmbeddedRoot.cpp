@@ -61,13 +61,12 @@ Status makeFile(const std::string& file, const std::string& text) {
     return status.isOk() ? status : failure(file, std::string(status.why()));
 }
 
-/// Makes each folder and file except the store. The store comes last, because a root that has one counts as
-/// complete.
-Status makeFiles(const EmbeddedRoot& root) {
-    const std::string example = root.folder() + exampleFolder;
-    Status status = makeFolder(example);
+/// Makes each folder and file except the store. The settings name the root `named`. The store comes last,
+/// because a root that has one counts as complete.
+Status makeFiles(const EmbeddedRoot& root, const std::string& named) {
+    Status status = makeFolder(root.folder() + exampleFolder);
     if (status.isOk()) {
-        status = makeFile(root.map(systempath::smbConf), sampleSmbConf(example));
+        status = makeFile(root.map(systempath::smbConf), sampleSmbConf(named + exampleFolder));
     }
     if (status.isOk()) {
         status = makeFile(root.map(systempath::appleFileServer), sampleAppleFileServerPlist());
@@ -119,7 +118,7 @@ std::string EmbeddedRoot::map(const std::string& path) const {
     return path == systempath::smbConf || path == systempath::appleFileServer ? folder_ + path : path;
 }
 
-Status EmbeddedRoot::makeIfMissing() const {
+Status EmbeddedRoot::makeIfMissing(const std::string& folder) const {
     std::error_code ignored;
     if (fs::exists(storeFile(), ignored)) {
         return Store::checkVersion(storeFile());
@@ -132,7 +131,7 @@ Status EmbeddedRoot::makeIfMissing() const {
         fs::exists(storeFile(), ignored)) { // or another program has made it while this one waited
         return lock.status();
     }
-    Status status = makeFiles(*this);
+    Status status = makeFiles(*this, folder);
     if (status.isOk()) {
         status = makeStoreFile(storeFile());
     }

@@ -30,7 +30,10 @@ class EmbeddedRoot {
     /// store, filled from the computer's accounts. Files that already exist are kept. When two programs do
     /// this at the same time, the second waits for the first. Fails, saying what to do, when something cannot
     /// be made, or when the store was written by a later Brindle.
-    [[nodiscard]] Status makeIfMissing() const;
+    [[nodiscard]] Status makeIfMissing() const { return makeIfMissing(folder_); }
+
+    /// The same for a folder that stands for another root, `folder`, which the sample settings then name.
+    [[nodiscard]] Status makeIfMissing(const std::string& folder) const;
 
   private:
     std::string folder_;

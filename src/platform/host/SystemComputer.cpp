@@ -124,11 +124,11 @@ std::string SystemComputer::whyNoPublicFolder(const std::string& user) const {
         return {};
     }
     const AccountLimits limits = readAccountLimits();
-    const std::string reason = platform::whyNoPublicFolder(
-        {user, entry->pw_uid, entry->pw_gid, entry->pw_dir}, limits.lowestUser, limits.highestUser);
-    return reason.empty()
-               ? reason
-               : stringWithFormat(NSLocalizedString("The Public folder is not offered: %@."), reason);
+    const char* reason = platform::whyNoPublicFolder({user, entry->pw_uid, entry->pw_gid, entry->pw_dir},
+                                                     limits.lowestUser, limits.highestUser);
+    return reason == nullptr ? std::string()
+                             : stringWithFormat(NSLocalizedString("The Public folder is not offered: %@."),
+                                                stringWithFormat(NSLocalizedString(reason), user));
 }
 
 SystemAccounts systemAccountsOf(const LocalDomain& domain, const AccountLimits& limits) {

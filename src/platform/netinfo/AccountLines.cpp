@@ -2,6 +2,7 @@
 
 #include "platform/netinfo/RecordBlock.h"
 #include "platform/posix/InputOutput.h"
+#include "platform/posix/OwnedFile.h"
 
 #include <algorithm>
 #include <array>
@@ -9,7 +10,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
-#include <memory>
 #include <sstream>
 #include <string_view>
 #include <unordered_set>
@@ -18,10 +18,6 @@
 namespace platform {
 
 namespace {
-
-struct CloseFile {
-    void operator()(std::FILE* file) const { std::fclose(file); }
-};
 
 std::string textOf(const char* text) {
     return text == nullptr ? std::string() : std::string(text);
@@ -40,7 +36,7 @@ Status forEachLine(const std::string& path, Read read, NameOf nameOf,
         return bytes.status();
     }
     // Read from memory, because on a file the library asks for its position at every line.
-    const std::unique_ptr<std::FILE, CloseFile> file(::fmemopen(bytes->data(), bytes->size(), "r"));
+    const OwnedFile file(::fmemopen(bytes->data(), bytes->size(), "r"));
     if (!file) {
         return Status::ofErrno("cannot read", path, errno);
     }

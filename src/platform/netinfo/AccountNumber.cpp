@@ -8,13 +8,12 @@ namespace platform {
 
 namespace {
 
-constexpr unsigned nobody = 65534;
 constexpr int nobodyInDirectory = -2;
 
 } // namespace
 
 std::string directoryNumber(unsigned number) {
-    if (number == nobody) {
+    if (number == nobodyNumber) {
         return std::to_string(nobodyInDirectory);
     }
     return std::to_string(static_cast<std::int32_t>(number));
@@ -29,7 +28,8 @@ unsigned accountNumber(std::string_view text, bool* valid) {
     if (!*valid) {
         return 0;
     }
-    return number == nobodyInDirectory ? nobody : static_cast<unsigned>(static_cast<std::uint32_t>(number));
+    return number == nobodyInDirectory ? nobodyNumber
+                                       : static_cast<unsigned>(static_cast<std::uint32_t>(number));
 }
 
 } // namespace platform

@@ -5,6 +5,9 @@
 
 namespace platform {
 
+/// The number of the account nobody, and of its group.
+inline constexpr unsigned nobodyNumber = 65534;
+
 /// An account's number as the directory writes it, a signed 32-bit number: one that does not fit becomes
 /// negative, and 65534 (nobody) becomes -2.
 [[nodiscard]] std::string directoryNumber(unsigned number);

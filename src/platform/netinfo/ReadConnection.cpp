@@ -126,9 +126,8 @@ int ReadConnection::openEmpty() {
     sqlite3* opened = nullptr;
     int error = sqlite3_open_v2(":memory:", &opened, SQLITE_OPEN_READWRITE | sqliteOwnConnection, nullptr);
     database_.reset(opened);
-    for (const char* sql : {storeSchema, standingRecords}) {
-        error = error == SQLITE_OK ? sqlite3_exec(opened, sql, nullptr, nullptr, nullptr) : error;
-    }
+    error = error == SQLITE_OK ? sqlite3_exec(opened, storeSchema, nullptr, nullptr, nullptr) : error;
+    error = error == SQLITE_OK ? addStandingRecords(opened) : error;
     begun_ = error == SQLITE_OK;
     return error;
 }

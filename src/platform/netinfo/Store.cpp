@@ -216,6 +216,12 @@ RecordBlock Store::children(Record parent) {
     return status_.isOk() ? std::move(block) : RecordBlock();
 }
 
+void Store::addStandingRecords() {
+    if (status_.isOk()) {
+        check(platform::addStandingRecords(connection_->database.get()));
+    }
+}
+
 Store::Record Store::addRecord(Record parent, std::string_view name) {
     change("INSERT INTO record (parent, name) VALUES (?1, ?2)", parent, name);
     const Record record = sqlite3_last_insert_rowid(connection_->database.get());

@@ -59,6 +59,8 @@ class Store {
     [[nodiscard]] std::optional<std::string> childInOtherCase(Record parent, std::string_view name);
     /// All children of `parent`, as this transaction sees them.
     [[nodiscard]] RecordBlock children(Record parent);
+    /// Adds the records that always exist to a store that has just been made.
+    void addStandingRecords();
     /// Adds a record after its siblings, with the property `name`. No sibling may have that name.
     Record addRecord(Record parent, std::string_view name);
     /// The same with several properties. The first must be `name`.

@@ -56,7 +56,7 @@ ni_status readRecords(ni_domain* domain, const char* directory, std::vector<Prop
     status = status == NI_OK ? ni_children(domain, &id, &children) : status;
     for (const std::uint32_t child : children.niil_val) {
         records->emplace_back();
-        status = status == NI_OK ? readRecord(domain, {child, 0}, &records->back()) : status;
+        status = status == NI_OK ? readRecord(domain, {child}, &records->back()) : status;
     }
     return status;
 }
@@ -64,10 +64,7 @@ ni_status readRecords(ni_domain* domain, const char* directory, std::vector<Prop
 /// Makes a store with the records that always exist.
 Status makeEmptyStore(const std::string& file) {
     Store store(file, Store::Opening::Create);
-    for (const char* directory : directoriesOfAccounts) {
-        store.addRecord(Store::root, directory);
-    }
-    store.addRecord(store.addRecord(Store::root, "config"), "Brindle");
+    store.addStandingRecords();
     return store.commit();
 }
 

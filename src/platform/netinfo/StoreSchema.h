@@ -32,9 +32,8 @@ CREATE INDEX record_by_parent ON record (parent);
 INSERT INTO record (id, parent, name) VALUES (0, NULL, '');
 )";
 
-/// Makes the records that always exist in an empty store.
-inline constexpr const char* standingRecords = R"(
-INSERT INTO record (id, parent, name) VALUES (1, 0, 'users'), (2, 0, 'groups'), (3, 0, 'config'), (4, 3, 'Brindle');
-)";
+/// Makes the records that always exist in an empty store: users, groups, and those above the shares. Returns
+/// SQLITE_OK, or what failed.
+[[nodiscard]] int addStandingRecords(sqlite3* database);
 
 } // namespace platform

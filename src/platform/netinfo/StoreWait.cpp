@@ -139,6 +139,10 @@ std::string storeProblem(const std::string& file, int error, int waited) {
     }
 }
 
+std::string storeOpeningProblem(const std::string& file) {
+    return storeProblem(file, SQLITE_CANTOPEN, 0);
+}
+
 bool hasWaitedInVain(const std::string& file) {
     Host* host = Host::currentIfAny();
     if (host == nullptr) {

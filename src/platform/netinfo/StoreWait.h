@@ -13,6 +13,9 @@ namespace platform {
 /// seconds the caller has waited for others.
 [[nodiscard]] std::string storeProblem(const std::string& file, int error, int waited);
 
+/// The same for a store that could not even be opened.
+[[nodiscard]] std::string storeOpeningProblem(const std::string& file);
+
 /// Whether the current action has already waited in vain for the file. An action uses the directory many
 /// times, but waits only once for whoever holds it.
 [[nodiscard]] bool hasWaitedInVain(const std::string& file);

@@ -40,6 +40,12 @@ void addMatches(const platform::RecordBlock& block, std::string_view property, s
     }
 }
 
+ni_status findIn(ni_domain* opened, const std::string& path, ni_id* id) {
+    ni_setabort(opened, 1); // without this its calls would wait for ever
+    const ni_status status = ni_root(opened, id);
+    return status == NI_OK ? ni_pathsearch(opened, id, path.c_str()) : status;
+}
+
 } // namespace
 
 ni_status ni_open(ni_domain* relative, const char* name, ni_domain** domain) {
@@ -133,7 +139,7 @@ ni_status ni_pathsearch(ni_domain* domain, ni_id* id, const char* path) {
         }
         place = child.number(0);
     }
-    *id = {static_cast<std::uint32_t>(place), 0};
+    *id = {static_cast<std::uint32_t>(place)};
     return NI_OK;
 }
 
@@ -234,3 +240,21 @@ const char* ni_error(ni_status status) {
     }
     return "Unknown error";
 }
+
+namespace platform {
+
+ni_status openRecord(const std::string& file, const std::string& path, OwnedDomain* domain, ni_id* id) {
+    ni_domain* opened = nullptr;
+    const ni_status status = ni_openfile(file, &opened);
+    domain->reset(opened);
+    return status == NI_OK ? findIn(opened, path, id) : status;
+}
+
+ni_status openLocalRecord(const std::string& path, OwnedDomain* domain, ni_id* id) {
+    ni_domain* opened = nullptr;
+    const ni_status status = ni_open(nullptr, ".", &opened);
+    domain->reset(opened);
+    return status == NI_OK ? findIn(opened, path, id) : status;
+}
+
+} // namespace platform

@@ -30,10 +30,9 @@ inline constexpr ni_status NI_CANTOPEN =
     1006;                                    ///< there is no store, it is not a store, or it may not be read
 inline constexpr ni_status NI_FAILED = 9999; ///< the call makes no sense
 
-/// A record's object number, and the instance that the client last saw.
+/// A record's object number.
 struct ni_id {
     std::uint32_t nii_object = 0;
-    std::uint32_t nii_instance = 0;
 };
 
 struct ni_idlist {
@@ -93,5 +92,12 @@ struct CloseDomain {
 
 /// A connection that is closed when its owner is destroyed.
 using OwnedDomain = std::unique_ptr<ni_domain, CloseDomain>;
+
+/// Opens a connection to the domain whose store is `file`, and finds the record at `path` in it. Its calls
+/// wait up to thirty seconds for writers.
+[[nodiscard]] ni_status openRecord(const std::string& file, const std::string& path, OwnedDomain* domain,
+                                   ni_id* id);
+/// The same in the current host's local domain.
+[[nodiscard]] ni_status openLocalRecord(const std::string& path, OwnedDomain* domain, ni_id* id);
 
 } // namespace platform

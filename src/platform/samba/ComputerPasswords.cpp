@@ -56,38 +56,17 @@ Status failure(const char* what, const Result<FinishedProcess>& finished) {
     return Status::failure(what, "", line.empty() ? "no reason given; see Samba's log" : line);
 }
 
-/// Where the database is, according to smb.conf.
-enum class DatabasePlace {
-    Own,       ///< no setting names it, so it is in Samba's default place
-    Elsewhere, ///< a setting names another place or kind, which only Samba finds
-    Unknown    ///< settings are also read from elsewhere
-};
-
-DatabasePlace placeInSettings() {
-    constexpr std::array<std::string_view, 3> naming = {"passdbbackend", "privatedir", "privatedirectory"};
-    constexpr std::array<std::string_view, 3> including = {"include", "configfile", "configbackend"};
-    std::istringstream settings(lowercased(readWholeFile(sambaBuild().configFile).valueOr("")));
-    auto place = DatabasePlace::Own;
-    for (std::string line; std::getline(settings, line);) {
-        std::string key = line.substr(0, line.find('='));
-        std::erase_if(key, [](char c) { return c == ' ' || c == '\t' || c == '\r'; }); // Samba ignores them
-        if (std::ranges::find(naming, key) != naming.end()) {
-            return DatabasePlace::Elsewhere;
-        }
-        if (std::ranges::find(including, key) != including.end()) {
-            place = DatabasePlace::Unknown;
-        }
-    }
-    return place;
-}
-
 /// The default place of Samba's database.
 std::string ownFile() {
     return sambaBuild().privateFolder + "/passdb.tdb";
 }
 
-bool existsAt(DatabasePlace place) {
-    return place != DatabasePlace::Own || ::access(ownFile().c_str(), F_OK) == 0;
+bool isOwnFileUsed() {
+    return usesDefaultPasswordDatabase(readWholeFile(sambaBuild().configFile).valueOr(""));
+}
+
+bool ownFileExists() {
+    return ::access(ownFile().c_str(), F_OK) == 0;
 }
 
 bool says(const Result<FinishedProcess>& finished, std::string_view text) {
@@ -95,6 +74,21 @@ bool says(const Result<FinishedProcess>& finished, std::string_view text) {
 }
 
 } // namespace
+
+bool usesDefaultPasswordDatabase(std::string_view smbConf) {
+    constexpr std::array<std::string_view, 6> elsewhere = {
+        "passdbbackend", "privatedir", "privatedirectory", // these name another place or kind
+        "include",       "configfile", "configbackend"};   // and these other settings, which may do so
+    std::istringstream settings(lowercased(smbConf));
+    for (std::string line; std::getline(settings, line);) {
+        std::string key = line.substr(0, line.find('='));
+        std::erase_if(key, [](char c) { return c == ' ' || c == '\t' || c == '\r'; }); // Samba ignores them
+        if (std::ranges::find(elsewhere, key) != elsewhere.end()) {
+            return false;
+        }
+    }
+    return true;
+}
 
 Status ComputerPasswords::set(const std::string& user, std::string_view password) {
     if (!isInstalled(passwordProgram)) {
@@ -127,15 +121,14 @@ Result<std::string> ComputerPasswords::accountOf(const std::string& user) {
 }
 
 bool ComputerPasswords::exists() {
-    return existsAt(placeInSettings());
+    return !isOwnFileUsed() || ownFileExists(); // elsewhere only Samba finds it
 }
 
 Result<std::optional<SambaUser>> ComputerPasswords::user(const std::string& user) {
-    const DatabasePlace place = placeInSettings();
-    if (!existsAt(place)) {
-        return std::optional<SambaUser>();
-    }
-    if (place == DatabasePlace::Own) {
+    if (isOwnFileUsed()) {
+        if (!ownFileExists()) {
+            return std::optional<SambaUser>();
+        }
         if (auto known = userInPasswordFile(ownFile(), user)) {
             return std::move(*known);
         }

@@ -10,6 +10,10 @@
 
 namespace platform {
 
+/// Whether a server with this text of smb.conf certainly has its passwords in Samba's default place. False
+/// when a setting names another place or kind of database, or settings are also read from elsewhere.
+[[nodiscard]] bool usesDefaultPasswordDatabase(std::string_view smbConf);
+
 /// Samba's password database on this computer, which the computer's own smbd uses. Every operation waits up
 /// to ten seconds for other programs that use the database. Users are named by their accounts on the
 /// computer.

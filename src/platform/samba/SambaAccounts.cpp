@@ -283,6 +283,10 @@ Status SambaAccounts::checkPassword(std::string_view password) {
     return {};
 }
 
+Status SambaAccounts::checkPrograms() {
+    return checkInstallation(sambaCommand("pdbedit"));
+}
+
 Status SambaAccounts::setPassword(const std::string& user, std::string_view password) const {
     const std::string program = sambaCommand("pdbedit");
     if (Status status = checkInstallation(program); !status.isOk()) {

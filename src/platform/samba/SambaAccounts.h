@@ -60,6 +60,8 @@ class SambaAccounts {
     [[nodiscard]] Status writeAccountLists(Store& store) const;
     /// Fails, saying why, when the password is one that Samba cannot take for any user.
     [[nodiscard]] static Status checkPassword(std::string_view password);
+    /// Fails when something that the password database needs is not installed, and says what.
+    [[nodiscard]] static Status checkPrograms();
     /// Sets the password with which `user`, who must be in the account lists, connects to shares. It is
     /// passed to Samba only through its standard input. Do not hold a Store meanwhile, because Samba may take
     /// long. Fails when Samba or the wrapper is not installed, checkPassword() fails, or Samba does not

@@ -12,7 +12,7 @@ namespace platform {
 /// Something that the installed Samba finds wrong with the text of an smb.conf.
 struct SettingsComplaint {
     std::size_t line = 0; ///< from 1; 0 when it is not about a single line
-    std::string text;     ///< Samba's own words
+    std::string text;     ///< Samba's own words, or ours in English where it has none
 };
 
 /// Whether a line of testparm(1)'s output is a complaint. Its other lines are progress reports, or advice

@@ -108,16 +108,16 @@ std::string publicShareName(const std::string& user) {
     return user + "'s Public";
 }
 
-std::string whyNoPublicFolder(const PublicFolderOwner& owner, uid_t lowest, uid_t highest) {
+const char* whyNoPublicFolder(const PublicFolderOwner& owner, uid_t lowest, uid_t highest) {
     if (owner.uid < lowest || owner.uid > highest) {
-        return owner.name + " is an account of the system";
+        return "%@ is an account of the system";
     }
 
     struct stat status {}; // lstat works even for a folder that may not be opened
 
     const bool isOwn =
         ::lstat(owner.home.c_str(), &status) == 0 && S_ISDIR(status.st_mode) && status.st_uid == owner.uid;
-    return isOwn ? std::string() : owner.name + " has no home folder of its own";
+    return isOwn ? nullptr : "%@ has no home folder of its own";
 }
 
 Status offerPublicFolder(const PublicFolderOwner& owner) {

@@ -19,9 +19,10 @@ struct PublicFolderOwner {
     std::string home;
 };
 
-/// Why the account's Public folder is not offered; empty when it is. The account needs a number from `lowest`
-/// to `highest` and its own home folder.
-[[nodiscard]] std::string whyNoPublicFolder(const PublicFolderOwner& owner, uid_t lowest, uid_t highest);
+/// Why the account's Public folder is not offered, as a key of the string table with a place for the
+/// account's name; null when it is offered. The account needs a number from `lowest` to `highest` and its own
+/// home folder.
+[[nodiscard]] const char* whyNoPublicFolder(const PublicFolderOwner& owner, uid_t lowest, uid_t highest);
 
 /// Offers HOME/Public as "NAME's Public", making the folder if it is missing (owned by the user, readable by
 /// everybody). Everybody who may connect can read it; guests only if Samba allows them in user shares.

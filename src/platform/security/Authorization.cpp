@@ -66,19 +66,13 @@ void announce(const std::string& tool, std::span<const std::string> arguments,
 
 } // namespace
 
-OSStatus AuthorizationCreate(const AuthorizationRights& rights, AuthorizationFlags flags,
+OSStatus AuthorizationCreate(const AuthorizationRights& /*rights*/, AuthorizationFlags /*flags*/,
                              AuthorizationRef* authorization) {
     platform::Authority& authority = platform::Host::current().authority();
     OSStatus status = errAuthorizationSuccess;
     auto session = authority.createSession(&status);
     if (!session) {
         return status != errAuthorizationSuccess ? status : errAuthorizationInvalidRef;
-    }
-    if (!rights.empty()) {
-        status = authority.copyRights(*session, rights, flags);
-        if (status != errAuthorizationSuccess) {
-            return status;
-        }
     }
     *authorization = session.release();
     return errAuthorizationSuccess;

@@ -14,8 +14,8 @@
 
 using AuthorizationRef = platform::AuthorizationSession*;
 
-/// Makes a session and puts it into `*authorization`. `rights`, unless empty, are requested with `flags`. On
-/// failure `*authorization` is unchanged.
+/// Makes a session without rights and puts it into `*authorization`. On failure `*authorization` is
+/// unchanged. Rights are requested with AuthorizationCopyRights only; `rights` and `flags` are ignored.
 OSStatus AuthorizationCreate(const AuthorizationRights& rights, AuthorizationFlags flags,
                              AuthorizationRef* authorization);
 /// Requests `rights`; with kAuthorizationFlagInteractionAllowed the user may be asked. On success

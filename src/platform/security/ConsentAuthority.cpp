@@ -37,7 +37,7 @@ ConsentSession& consentOf(AuthorizationSession& session) {
 } // namespace
 
 ConsentAuthority::ConsentAuthority(const std::string& helper, const std::string& rootFolder)
-    : ConsentAuthority({helper, "--root", rootFolder, "--session"}) {}
+    : ConsentAuthority({helper, "--root", rootFolder}) {}
 
 ConsentAuthority::ConsentAuthority(std::vector<std::string> command) : HelperAuthority(std::move(command)) {}
 

@@ -12,9 +12,9 @@ namespace platform {
 /// without a password, and holds for five minutes (of the host's clock) after it was given or last used for a
 /// tool run. Checking whether it holds does not extend it.
 ///
-/// One helper serves the runs of all actions as long as the consent holds. The changes that its runs of nicl
-/// make are one transaction, which is settled before a run of another tool, before the user is asked
-/// something, and at the end of the action.
+/// One helper serves the runs of all actions as long as the consent holds and no run fails. The changes that
+/// its runs of nicl make are one transaction, which is settled before a run of another tool, before the user
+/// is asked something, and at the end of the action.
 class ConsentAuthority : public HelperAuthority {
   public:
     /// How long a consent holds, in seconds.
@@ -22,7 +22,7 @@ class ConsentAuthority : public HelperAuthority {
 
     /// Runs tools with the program `helper` on the root at `rootFolder`.
     ConsentAuthority(const std::string& helper, const std::string& rootFolder);
-    /// Runs tools with a helper that `command` starts for a session.
+    /// Runs tools with a helper that `command` starts.
     explicit ConsentAuthority(std::vector<std::string> command);
 
     [[nodiscard]] std::unique_ptr<AuthorizationSession> createSession(OSStatus* status) override;

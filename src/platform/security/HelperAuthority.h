@@ -19,7 +19,7 @@ class HelperAuthority : public Authority, public PendingWrites {
     void endAction() override;
 
   protected:
-    /// `command` starts the helper in session mode.
+    /// `command` starts the helper.
     explicit HelperAuthority(std::vector<std::string> command) : helper_(std::move(command)) {}
 
     [[nodiscard]] HelperSession& helper() { return helper_; }

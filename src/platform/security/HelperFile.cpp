@@ -99,7 +99,6 @@ std::vector<std::string> systemHelperCommand(const std::string& helper, const st
     if (!prefix.empty()) {
         command.insert(command.end(), {"--root", prefix});
     }
-    command.emplace_back("--session");
     return command;
 }
 

@@ -20,7 +20,7 @@ namespace platform {
 /// True when BRINDLE_DEVELOPMENT=1 is set in the environment.
 [[nodiscard]] bool isDevelopment();
 
-/// The command that starts the helper in session mode on this computer itself. `prefix` is that of Brindle's
+/// The command that starts the helper on this computer itself. `prefix` is that of Brindle's
 /// own files (SystemFiles), for tests.
 [[nodiscard]] std::vector<std::string> systemHelperCommand(const std::string& helper,
                                                            const std::string& prefix);

@@ -91,8 +91,7 @@ Result<ChildProcess> startHelper(const std::vector<std::string>& command) {
     return startProcess({command, ErrorOutput::Inherited, helperEnvironment()});
 }
 
-HelperStart handOver(ChildProcess& helper, std::string_view request, HelperInput input,
-                     std::chrono::milliseconds patience) {
+HelperStart handOver(ChildProcess& helper, std::string_view request, std::chrono::milliseconds patience) {
     ::fcntl(helper.input.get(), F_SETFL, O_NONBLOCK);
     const auto deadline = std::chrono::steady_clock::now() + patience;
     while (true) {
@@ -112,9 +111,6 @@ HelperStart handOver(ChildProcess& helper, std::string_view request, HelperInput
                 request.remove_prefix(static_cast<std::size_t>(written));
             } else if (written < 0 && !isTransient(errno)) {
                 request = {}; // the helper's output tells what happened
-            }
-            if (request.empty() && input == HelperInput::Closes) {
-                helper.input.reset(); // the end of its input tells the helper that the request is complete
             }
         }
         if (ready > 0 && waiting[0].revents != 0) {

@@ -62,6 +62,7 @@ OSStatus HelperSession::run(const std::string& tool, std::span<const std::string
     // On the system host each run is committed at once.
     const bool isLasting = std::ranges::find(command_, "--system") != command_.end();
     holdsChanges_ = holdsChanges_ || (!isLasting && waitsForCommit(tool));
+    hasFailed_ = hasFailed_ || (*answer)->status != 0;
     if (output != nullptr) {
         *output = std::move((*answer)->output);
     }
@@ -105,6 +106,9 @@ Status HelperSession::settle() {
 
 void HelperSession::endAction() {
     isGivenUp_ = false;
+    if (std::exchange(hasFailed_, false)) {
+        letGo(); // it may have waited in vain for the directory, and would not wait for it again
+    }
 }
 
 void HelperSession::end() {
@@ -168,7 +172,7 @@ Result<std::optional<HelperSession::Answer>> HelperSession::ask(std::string_view
             return status;
         }
     }
-    const HelperStart start = handOver(*helper_, frame, HelperInput::StaysOpen, patience_);
+    const HelperStart start = handOver(*helper_, frame, patience_);
     answerBy_ = std::chrono::steady_clock::now() + answerLimit_;
     if (start == HelperStart::Refused) {
         return std::optional<Answer>();

@@ -49,7 +49,8 @@ class HelperSession {
     /// lost.
     [[nodiscard]] Status settle();
 
-    /// Ends the action. The helper stays for the next one.
+    /// Ends the action, which must be settled. The helper stays for the next one, unless a run has failed: a
+    /// helper waits only once for whoever holds the directory, and each action may wait.
     void endAction();
     /// The same, then ends the helper and waits for it, but not for ever.
     void end();
@@ -88,6 +89,7 @@ class HelperSession {
     std::vector<pid_t> abandoned_; ///< helpers that will end by themselves and must be collected
     bool holdsChanges_ = false;    ///< the directory's tools have run since the last commit
     std::string lost_;             ///< why those changes are lost
+    bool hasFailed_ = false;       ///< a tool has failed in this action
     bool wasDenied_ = false;       ///< sudo has refused to start the helper
     bool isGivenUp_ = false; ///< the user has given up waiting, so the rest of the action is not started
 };

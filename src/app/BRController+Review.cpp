@@ -5,6 +5,23 @@
 
 #include <algorithm>
 
+namespace {
+
+/// Returns the row of the share with the same name and folder, otherwise of one with the same name; -1
+/// without either. Two rows have one name when a share's folder was changed and its section still has the
+/// old one.
+int rowLike(const NormalShare& share, const std::vector<NormalShare>& shares) {
+    auto found = std::ranges::find_if(shares, [&share](const NormalShare& each) {
+        return each.ShareName() == share.ShareName() && each.DirectoryPath() == share.DirectoryPath();
+    });
+    if (found == shares.end()) {
+        found = std::ranges::find(shares, share.ShareName(), &NormalShare::ShareName);
+    }
+    return found == shares.end() ? -1 : static_cast<int>(found - shares.begin());
+}
+
+} // namespace
+
 void BRController::copyState(const BRController& other, bool sheetIsUp) {
     mainBundle = &NSBundle::mainBundle();
     afsProps = other.afsProps ? std::optional(other.afsProps->copy()) : std::nullopt;
@@ -25,13 +42,11 @@ void BRController::copyState(const BRController& other, bool sheetIsUp) {
 
 void BRController::rereadSMBConf() {
     const NormalShare* selected = shareAtRow(normalTableView->selectedRow());
-    const std::string name = selected != nullptr ? selected->ShareName() : std::string();
+    const auto before = selected != nullptr ? std::optional(*selected) : std::nullopt;
     smbConf = std::make_unique<SMBConf>();
     guarded([this] { parseCurrentShares(); }, bugMessage(FailedStep::Shares));
     normalTableView->reloadData();
-    const auto found = std::ranges::find(currentShares_, name, &NormalShare::ShareName);
-    const bool isThere = selected != nullptr && found != currentShares_.end();
-    normalTableView->selectRow(isThere ? static_cast<int>(found - currentShares_.begin()) : -1);
+    normalTableView->selectRow(before ? rowLike(*before, currentShares_) : -1);
     updateShareTextFields(nullptr);
     revertSMBProperties(nullptr);
 }

@@ -1,0 +1,84 @@
+#pragma once
+
+#include "model/SMBParser.h"
+#include "model/ServerSettings.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <map>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+// How the SMB server reads smb.conf, written apart from the code that changes the file.
+
+namespace fuzz {
+
+/// A section as the server puts it together from all headers with that name.
+struct ServerSection {
+    std::size_t headers = 0;
+    std::vector<std::pair<std::string, std::string>> settings; ///< keys as the server compares them
+
+    [[nodiscard]] bool operator==(const ServerSection&) const = default;
+
+    /// Returns the value that counts, or "(none)".
+    [[nodiscard]] std::string valueOf(std::string_view key) const {
+        std::string value = "(none)";
+        for (const auto& [name, each] : settings) {
+            value = name == foldedSettingName(key) ? each : value;
+        }
+        return value;
+    }
+};
+
+using ServerReading = std::map<std::string, ServerSection>;
+
+inline std::string_view withoutWhiteSpace(std::string_view text) {
+    text = SMBParser::withoutLeadingWhiteSpace(text);
+    return text.substr(0, text.find_last_not_of(" \t\n\v\f\r") + 1);
+}
+
+/// Returns the lines without white space around them and without comments, each with what is joined to it.
+inline std::vector<std::string> serverLines(std::string_view text) {
+    std::vector<std::string> lines;
+    bool isJoined = false;
+    while (!text.empty()) {
+        const std::size_t end = std::min(text.find('\n'), text.size());
+        std::string_view line = withoutWhiteSpace(text.substr(0, end));
+        text.remove_prefix(std::min(end + 1, text.size()));
+        const bool isPassedOver = !isJoined && (SMBParser::isComment(line) || line == "\\");
+        if (line.empty() || isPassedOver) {
+            isJoined = false;
+            continue;
+        }
+        const bool isContinued = line.ends_with('\\');
+        line.remove_suffix(isContinued ? 1 : 0);
+        if (isJoined) {
+            lines.back() += line;
+        } else {
+            lines.emplace_back(line);
+        }
+        isJoined = isContinued;
+    }
+    return lines;
+}
+
+inline ServerReading serverReading(std::string_view text) {
+    ServerReading sections;
+    ServerSection* current = &sections["global"];
+    for (const std::string& line : serverLines(text)) {
+        const std::size_t bracket = line.starts_with('[') ? line.find(']') : std::string::npos;
+        const std::size_t equals = line.find('=');
+        if (bracket != std::string::npos) {
+            current = &sections[foldedSettingName(withoutWhiteSpace(line.substr(1, bracket - 1)))];
+            ++current->headers;
+        } else if (equals != std::string::npos) {
+            current->settings.emplace_back(foldedSettingName(line.substr(0, equals)),
+                                           withoutWhiteSpace(line.substr(equals + 1)));
+        }
+    }
+    return sections;
+}
+
+} // namespace fuzz
