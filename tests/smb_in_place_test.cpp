@@ -53,6 +53,13 @@ std::string edited(const std::string& text, const std::function<void(Model&)>& e
     return textWithChanges(text, changesBetween(read.entries, now.entries)).text;
 }
 
+/// A text, and what it becomes when `edit` has changed its model.
+struct Case {
+    std::string text;
+    std::function<void(Model&)> edit;
+    std::string result;
+};
+
 /// Returns the sections with their kinds and parameters, to compare the meaning of two texts.
 std::vector<std::string> meaning(const SMBEntries& entries) {
     std::vector<std::string> sections;
@@ -184,12 +191,6 @@ TEST(SmbInPlace, MeansTheSameAsTheWholeModelWritten) {
 }
 
 TEST(SmbInPlace, DoesNotTouchLinesThatTheServerJoinsToOthers) {
-    struct Case {
-        std::string text;
-        std::function<void(Model&)> edit;
-        std::string result;
-    };
-
     const auto set = [](const char* value) {
         return [value](Model& model) { section(model, "a")->setProp("guest ok", value); };
     };
@@ -233,12 +234,6 @@ TEST(SmbInPlace, DoesNotTouchLinesThatTheServerJoinsToOthers) {
 }
 
 TEST(SmbInPlace, FollowsTheServerWhereTheModelReadsLess) {
-    struct Case {
-        std::string text;
-        std::function<void(Model&)> edit;
-        std::string result;
-    };
-
     const auto set = [](const char* key, const char* value) {
         return [=](Model& model) { section(model, "a")->setProp(key, value); };
     };
