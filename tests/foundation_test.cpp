@@ -195,6 +195,9 @@ TEST(Bundle, TheFirstLanguageWithATextWins) {
     EXPECT_EQ(bundle.objectForLocalInfoDictionaryKey("Name"), "Schlicht");
     EXPECT_EQ(bundle.objectForInfoDictionaryKey("Missing"), "");
     EXPECT_EQ(bundle.languageCode(), "de");
+    host.write("bundle/de.lproj/Credits.rtf", "");
+    EXPECT_EQ(bundle.pathForResource("Credits.rtf"), bundle.resourcePath() + "/de.lproj/Credits.rtf");
+    EXPECT_EQ(bundle.pathForResource("lock.tiff"), bundle.resourcePath() + "/lock.tiff");
     ASSERT_EQ(host.log.size(), 1U); // only the faulty French table is logged
     EXPECT_NE(host.log.front().find("fr.lproj/Localizable.strings: line 2"), std::string::npos);
 }

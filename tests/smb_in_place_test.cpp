@@ -53,6 +53,13 @@ std::string edited(const std::string& text, const std::function<void(Model&)>& e
     return textWithChanges(text, changesBetween(read.entries, now.entries)).text;
 }
 
+/// A text, and what it becomes when `edit` has changed its model.
+struct Case {
+    std::string text;
+    std::function<void(Model&)> edit;
+    std::string result;
+};
+
 /// Returns the sections with their kinds and parameters, to compare the meaning of two texts.
 std::vector<std::string> meaning(const SMBEntries& entries) {
     std::vector<std::string> sections;
@@ -184,12 +191,6 @@ TEST(SmbInPlace, MeansTheSameAsTheWholeModelWritten) {
 }
 
 TEST(SmbInPlace, DoesNotTouchLinesThatTheServerJoinsToOthers) {
-    struct Case {
-        std::string text;
-        std::function<void(Model&)> edit;
-        std::string result;
-    };
-
     const auto set = [](const char* value) {
         return [value](Model& model) { section(model, "a")->setProp("guest ok", value); };
     };
@@ -233,12 +234,6 @@ TEST(SmbInPlace, DoesNotTouchLinesThatTheServerJoinsToOthers) {
 }
 
 TEST(SmbInPlace, FollowsTheServerWhereTheModelReadsLess) {
-    struct Case {
-        std::string text;
-        std::function<void(Model&)> edit;
-        std::string result;
-    };
-
     const auto set = [](const char* key, const char* value) {
         return [=](Model& model) { section(model, "a")->setProp(key, value); };
     };
@@ -261,6 +256,7 @@ TEST(SmbInPlace, FollowsTheServerWhereTheModelReadsLess) {
              {"[a]\n \\\n[data] words\ny = 2\n", set("y", "3"), "[a]\n \\\n y = 3\n[data] words\ny = 2\n"},
              {"[a]\n[data] words\nx = 2\n", unset, "[a]\n[data] words\nx = 2\n"},
              {";[b]\n[a]\n[da\\\nta] \n# z = 1\n", remove, ";[b]\n[da\\\nta] \n# z = 1\n"},
+             {";[a]\n;#[b] = c\n;x = 1\n", enable, "[a]\n;#[b] = c\nx = 1\n"},
              {";[a]\n; [b] = c \\\n;  d\n;x = 1\n", enable, "[a]\n; [b] = c \\\n;  d\nx = 1\n"},
              // Lines below a commented-out section are those of the active section above.
              {"[b]\n;[a]\n;x = 1\ny = 2\n\n;[d]\nz = 3 \\\n 4\n# c\n[e]\n", enable,

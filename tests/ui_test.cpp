@@ -120,7 +120,9 @@ class AboutPanel : public testing::Test {
 
 TEST_F(AboutPanel, ShowsWhatTheBundleSaysInTheMiddleOfTheScreen) {
     setCredits(10);
+    host_.write("resources/English.lproj/Credits.rtf", "{\\rtf1\\ansi of its own language}");
     show();
+    EXPECT_EQ(credits_->length(), std::string("of its own language").size());
     const NSBundle& bundle = NSBundle::mainBundle();
     EXPECT_EQ(panel_->title(), "About Brindle");
     EXPECT_EQ(find<NSTextField>("appNameField")->stringValue(), "Brindle");

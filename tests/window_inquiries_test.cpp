@@ -1,10 +1,12 @@
 // The menu "Check": who may use what, what is wrong, and who is connected.
 
 #include "frontends/qt/AccessDialog.h"
+#include "frontends/qt/FindingsDialog.h"
 #include "frontends/qt/SessionsDialog.h"
 #include "support/HistoryWindowFixture.h"
 
 #include <QComboBox>
+#include <QHeaderView>
 #include <QTreeWidget>
 
 namespace {
@@ -113,6 +115,57 @@ TEST_F(WindowInquiriesTest, AccessIsShownForAShareAndForAUserWithTheReasonOfTheR
                   .findChild<QComboBox*>("accessSubject")
                   ->currentText(),
               "What \"ann\" may do");
+}
+
+TEST_F(WindowInquiriesTest, FindingsAreCountedAndCanBeReadWhole) {
+    using accesscheck::Finding;
+    openWithDoctor();
+    const Finding problem{Finding::Level::Problem, "bad", "A problem.", "/srv", ""};
+    Finding note{Finding::Level::Notice, "odd", "Nothing bad:", "/srv", ""};
+    for (int word = 0; word < 30; ++word) {
+        note.text += " long";
+    }
+
+    struct Case {
+        std::vector<Finding> findings;
+        const char* summary;
+    };
+
+    for (const Case& each :
+         {Case{{}, "No problem was found."}, Case{{problem}, "One problem was found."},
+          Case{{note}, "No problems; one note."}, Case{{note, problem, note}, "One problem; 2 notes."}}) {
+        FindingsDialog dialog([&each] { return accesscheck::Examination{each.findings, {}}; }, nullptr);
+        EXPECT_EQ(dialog.findChild<QLabel*>("findingsSummary")->text(), each.summary);
+        dialog.show();
+        QApplication::processEvents();
+        const auto& list = *dialog.findChild<QTreeWidget*>("findingsList");
+        EXPECT_EQ(list.header()->length(), list.viewport()->width());
+        if (each.findings.size() == 3) {
+            const auto height = [&list](int row) {
+                return list.visualItemRect(list.topLevelItem(row)).height();
+            };
+            EXPECT_GT(height(1), height(0)) << "the long text is wrapped";
+        }
+    }
+}
+
+TEST_F(WindowInquiriesTest, ANarrowListOfRightsKeepsItsReasons) {
+    openWithDoctor();
+    AccessDialog dialog({{"Docs"},
+                         {"ann"},
+                         [] {},
+                         [](const auto& share, const auto& user) {
+                             return Answer{share, user, {}, std::nullopt, {}};
+                         }},
+                        "Docs", std::nullopt, nullptr);
+    dialog.resize(400, 300);
+    dialog.show();
+    QApplication::processEvents();
+    const auto& list = *dialog.findChild<QTreeWidget*>("accessList");
+    EXPECT_GE(list.columnWidth(7), 200);
+    dialog.resize(900, 300);
+    QApplication::processEvents();
+    EXPECT_EQ(list.header()->length(), list.viewport()->width());
 }
 
 TEST_F(WindowInquiriesTest, TheSelectionIsDisconnectedAfterConfirmation) {

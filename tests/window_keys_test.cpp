@@ -25,6 +25,9 @@ TEST(Mnemonics, AreTheTextsOwnLettersEachOnceAndAsManyAsThereCanBe) {
           Case{{{"AB", ""}, {"A", ""}, {"B A", ""}}, "", {"A&B", "&A", "B A"}},
           Case{{{"Save", ""}}, "SA", {"Sa&ve"}}, Case{{{"R&D", ""}, {"Q & A", ""}}, "", {"&R&&D", "&Q && A"}},
           Case{{{"Ändern", ""}, {"Öffnen…", ""}}, "", {"Ä&ndern", "Ö&ffnen…"}},
+          // A letter that many keyboards lack is the last choice, one that hides its line a late one.
+          Case{{{"AÄ", ""}, {"A", ""}, {"Sß", ""}, {"SL", ""}}, "L", {"A&Ä", "&A", "S&ß", "&SL"}},
+          Case{{{"Ab", ""}, {"Aö", ""}}, "", {"A&b", "&Aö"}}, Case{{{"Apt", ""}}, "A", {"Ap&t"}},
           Case{{{"Файл", ""}, {"Сеть", ""}}, "", {"&Файл", "&Сеть"}},
           Case{{{"名前:", "shareName"}, {"開く…", "open"}, {"AFP サーバ", ""}, {"Share", ""}},
                "",
@@ -134,7 +137,7 @@ TEST_F(Keys, ALetterOfThePageAndTheEditorMeansWhatIsNearerToTheCursor) {
             drawer.findChild<QWidget*>("createNewShare")->setFocus();
             press(key, Qt::AltModifier);
             EXPECT_EQ(QApplication::focusWidget(), label->buddy()) << label->text().toStdString();
-            widget<QWidget>("normalTableView").setFocus();
+            clickRow("normalTableView", 0); // some buttons need a row
             int clicks = 0;
             QObject::connect(button, &QAbstractButton::clicked, &window(), [&clicks] { ++clicks; });
             press(key, Qt::AltModifier);

@@ -10,7 +10,7 @@
 
 #include <QCheckBox>
 #include <QStyle>
-#include <QStyleOptionButton>
+#include <QTabBar>
 
 #include <algorithm>
 
@@ -245,21 +245,27 @@ class Colours : public MainWindow {
         return inks;
     }
 
-    /// Returns the contrast of the edge of an empty check box in the drawer.
-    double edgeOfEmptyBox() {
-        const auto& box = widget<QCheckBox>("showSystemUsersGroups");
-        EXPECT_TRUE(box.isVisible());
-        QStyleOptionButton option;
-        option.initFrom(&box);
-        const QRect square = box.style()->subElementRect(QStyle::SE_CheckBoxIndicator, &option, &box);
-        const QImage drawn =
-            box.window()->grab(QRect(box.mapTo(box.window(), QPoint()), box.size())).toImage();
-        const QColor around = drawn.pixelColor(square.right() + 3, square.center().y());
+    /// Returns the contrast of the left edge of a control to what is around it.
+    double edgeOf(const char* name) {
+        const auto& control = widget<QWidget>(name);
+        EXPECT_TRUE(control.isVisible() && control.isEnabled()) << name;
+        constexpr int margin = 4;
+        const QRect place(control.mapTo(control.window(), QPoint(-margin, control.height() / 2)),
+                          QSize(2 * margin, 1));
+        const QImage drawn = control.window()->grab(place).toImage();
         double edge = 0;
-        for (int x = square.left(); x <= square.right(); ++x) {
-            edge = std::max(edge, contrast(drawn.pixelColor(x, square.center().y()), around));
+        for (int x = 0; x < drawn.width(); ++x) {
+            edge = std::max(edge, contrast(drawn.pixelColor(x, 0), drawn.pixelColor(0, 0)));
         }
         return edge;
+    }
+
+    /// Returns the contrast of the line on top of the selected tab to the window.
+    double lineOfSelectedTab(const QPalette& palette) {
+        auto* tabs = widget<QWidget>("mainTabView").findChild<QTabBar*>();
+        const QRect tab = tabs->tabRect(tabs->currentIndex());
+        return contrast(tabs->grab().toImage().pixelColor(tab.center().x(), tab.top() + 1),
+                        palette.color(QPalette::Window));
     }
 };
 
@@ -277,9 +283,10 @@ TEST_F(Colours, NotesWarningsAndMarksCanBeReadOnEveryDesktop) {
             inks += expectInksAreReadable(desktop);
         }
         EXPECT_GE(inks, 6) << desktop;
-        const bool hasStylesOwn = std::string_view(desktop) == "light";
-        EXPECT_GT(edgeOfEmptyBox(), hasStylesOwn ? 1.2 : leastEdgeContrast - 0.1)
-            << desktop << ": an empty box must be visible";
+        for (const char* control : {"showSystemUsersGroups", "shareName", "owner", "createNewShare"}) {
+            EXPECT_GT(edgeOf(control), leastEdgeContrast - 0.1) << desktop << ": " << control;
+        }
+        EXPECT_GT(lineOfSelectedTab(palette), leastEdgeContrast - 0.1) << desktop;
         QPalette hiding = palette;
         hiding.setColor(QPalette::PlaceholderText, palette.color(QPalette::Base).darker(110));
         EXPECT_GE(contrast(placeholderOn(hiding), palette.color(QPalette::Base)), leastContrast) << desktop;
@@ -292,6 +299,31 @@ TEST_F(Colours, NotesWarningsAndMarksCanBeReadOnEveryDesktop) {
             const QImage selected = markIcon(mark).pixmap(QSize(32, 32), 1.0, QIcon::Selected).toImage();
             EXPECT_GE(contrast(selected.pixelColor(8, 26), palette.color(QPalette::Highlight)), 3)
                 << desktop << ": at least like the desktop's own text";
+        }
+    }
+}
+
+TEST_F(Colours, ASelectedRowCanBeReadWithEveryDesktopsHighlight) {
+    open();
+
+    struct Case {
+        QColor highlight;
+        QColor text;
+    };
+
+    for (const Case& each :
+         {Case{QColor(0x30, 0x8c, 0xc6), Qt::white}, Case{QColor(0x3d, 0xae, 0xe9), Qt::white},
+          Case{QColor(0x80, 0x80, 0x80), Qt::black}, Case{Qt::yellow, Qt::black}}) {
+        QPalette palette;
+        palette.setColor(QPalette::Highlight, each.highlight);
+        palette.setColor(QPalette::HighlightedText, each.text);
+        const bool isReadable = contrast(each.highlight, each.text) >= leastContrast;
+        QApplication::style()->polish(palette);
+        for (const auto group : {QPalette::Active, QPalette::Inactive}) {
+            const QColor highlight = palette.color(group, QPalette::Highlight);
+            EXPECT_GE(contrast(highlight, palette.color(group, QPalette::HighlightedText)), leastContrast)
+                << highlight.name().toStdString();
+            EXPECT_EQ(highlight == each.highlight, isReadable) << "a good one is kept";
         }
     }
 }

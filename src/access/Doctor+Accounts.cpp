@@ -236,7 +236,8 @@ void Examiner::examinePasswords() {
                   NSLocalizedString("Users who have no Samba password and cannot connect over SMB: %@ (%@)."),
                   std::to_string(without.size()), joined(without)),
               .where = NSLocalizedString("Samba's password database"),
-              .remedy = command({"users", "password", without.front()})});
+              .remedy = command({"users", "password", without.front()}),
+              .isRemedyForOne = without.size() > 1});
     }
     for (const auto& [name, user] : known) {
         if (hasDirectory_) {

@@ -215,5 +215,6 @@ bool SMBLines::isParameterInMarks(const SMBLine& line) const {
 
 bool SMBLines::isHeaderOnceLive(const SMBLine& line) const {
     const std::string_view content = SMBParser::withoutLeadingWhiteSpace(afterMark(line));
-    return line.isJoined ? SMBParser::isGroup(content) : content.starts_with('[');
+    return SMBParser::isCommentGroup(content) ||
+           (line.isJoined ? SMBParser::isGroup(content) : content.starts_with('['));
 }

@@ -61,7 +61,7 @@ void AboutBox::fillPanel() {
     aboutWindow->setTitle(stringWithFormat(NSLocalizedString("About %@"), name));
     versionField->setStringValue(stringWithFormat(NSLocalizedString("Version %@"),
                                                   bundle.objectForInfoDictionaryKey("CFBundleVersion")));
-    if (const auto file = contentsOfFile(bundle.resourcePath() + "/Credits.rtf"); file.isOk()) {
+    if (const auto file = contentsOfFile(bundle.pathForResource("Credits.rtf")); file.isOk()) {
         if (const auto credits = platform::readRichText(*file)) {
             creditsField->insertAtStart(*credits);
         }

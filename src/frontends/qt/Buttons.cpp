@@ -121,10 +121,10 @@ Matrix::Matrix(NSMatrix& matrix, RefreshQueue& queue) : matrix_(matrix) {
 }
 
 void Matrix::load() {
+    setEnabled(matrix_.isEnabled());
     for (std::size_t index = 0; index < cells_.size(); ++index) {
         const int row = static_cast<int>(index) / matrix_.numberOfColumns();
         const int column = static_cast<int>(index) % matrix_.numberOfColumns();
-        cells_[index]->setEnabled(matrix_.isEnabled());
         setTitle(*cells_[index], matrix_.titleAt(row, column));
         cells_[index]->setChecked(matrix_.stateAt(row, column) == NSOnState);
     }

@@ -3,7 +3,46 @@
 #include "frontends/qt/Binding.h"
 
 #include <QDialog>
+#include <QEvent>
 #include <QHeaderView>
+
+#include <algorithm>
+
+namespace {
+
+/// Gives a column of a list the width that the others leave. It is never narrower than can be read: then the
+/// list scrolls instead.
+class WideColumn : public QObject {
+  public:
+    WideColumn(QTreeWidget& list, int column) : QObject(&list), list_(list), column_(column) {
+        list.viewport()->installEventFilter(this);
+        connect(list.header(), &QHeaderView::sectionResized, this, [this](int section) {
+            if (section != column_) {
+                fit();
+            }
+        });
+    }
+
+  protected:
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        if (event->type() == QEvent::Resize) {
+            fit();
+        }
+        return QObject::eventFilter(watched, event);
+    }
+
+  private:
+    void fit() {
+        constexpr int least = 200;
+        const int others = list_.header()->length() - list_.header()->sectionSize(column_);
+        list_.setColumnWidth(column_, std::max(least, list_.viewport()->width() - others));
+    }
+
+    QTreeWidget& list_;
+    int column_;
+};
+
+} // namespace
 
 QTreeWidget* makeList(const char* name, const QString& spoken, const QStringList& titles, int widest) {
     auto* list = new QTreeWidget;
@@ -12,8 +51,8 @@ QTreeWidget* makeList(const char* name, const QString& spoken, const QStringList
     list->setRootIsDecorated(false);
     list->setUniformRowHeights(true);
     list->setHeaderLabels(titles);
-    list->header()->setSectionResizeMode(widest, QHeaderView::Stretch);
     list->header()->setStretchLastSection(false);
+    new WideColumn(*list, widest); // a child of the list
     return list;
 }
 

@@ -13,7 +13,7 @@
 // Parts that the dialogs for reading have in common. The caller owns each part, and puts it into a layout.
 
 /// Makes a list of plain rows. A screen reader calls it `spoken`. The column `widest` takes the remaining
-/// width.
+/// width, if that is enough to read it; else the list scrolls.
 [[nodiscard]] QTreeWidget* makeList(const char* name, const QString& spoken, const QStringList& titles,
                                     int widest);
 

@@ -12,10 +12,12 @@
 #include <QLabel>
 #include <QPlainTextEdit>
 #include <QPushButton>
+#include <QStyledItemDelegate>
 #include <QTreeWidget>
 #include <QVBoxLayout>
 
 #include <algorithm>
+#include <iterator>
 #include <string_view>
 #include <utility>
 
@@ -25,6 +27,8 @@ using accesscheck::Finding;
 
 constexpr int dialogWidth = 760;
 constexpr int dialogHeight = 460;
+constexpr int whereWidth = 220;
+constexpr int padding = 4;
 
 /// Where something is wrong, by the names in the window's lists.
 std::string placeOf(const Finding& finding) {
@@ -41,6 +45,46 @@ std::string placeOf(const Finding& finding) {
     return finding.where;
 }
 
+std::string counted(std::ptrdiff_t count, const char* one, const char* several) {
+    return count == 1 ? NSLocalizedString(one)
+                      : stringWithFormat(NSLocalizedString(several), std::to_string(count));
+}
+
+std::string summaryOf(const std::vector<Finding>& findings) {
+    const auto problems = std::ranges::count(findings, Finding::Level::Problem, &Finding::level);
+    const auto notes = std::ssize(findings) - problems;
+    if (notes == 0) {
+        return problems == 0 ? NSLocalizedString("No problem was found.")
+                             : counted(problems, "One problem was found.", "%@ problems were found.");
+    }
+    return stringWithFormat(NSLocalizedString("%@; %@."),
+                            problems == 0 ? NSLocalizedString("No problems")
+                                          : counted(problems, "One problem", "%@ problems"),
+                            counted(notes, "one note", "%@ notes"));
+}
+
+/// Draws rows as high as their wrapped texts.
+class WrappedRows : public QStyledItemDelegate {
+  public:
+    explicit WrappedRows(QTreeWidget& list) : QStyledItemDelegate(&list), list_(list) {
+        list.setUniformRowHeights(false);
+        list.setWordWrap(true);
+        list.setItemDelegate(this);
+        connect(list.header(), &QHeaderView::sectionResized, this,
+                [this] { Q_EMIT sizeHintChanged(QModelIndex()); });
+    }
+
+    [[nodiscard]] QSize sizeHint(const QStyleOptionViewItem& option,
+                                 const QModelIndex& index) const override {
+        QStyleOptionViewItem wrapped = option;
+        wrapped.rect = QRect(0, 0, list_.columnWidth(index.column()), 1);
+        return QStyledItemDelegate::sizeHint(wrapped, index) + QSize(0, padding);
+    }
+
+  private:
+    QTreeWidget& list_;
+};
+
 } // namespace
 
 FindingsDialog::FindingsDialog(std::function<accesscheck::Examination()> examine, QWidget* parent)
@@ -51,7 +95,9 @@ FindingsDialog::FindingsDialog(std::function<accesscheck::Examination()> examine
     summary_ = new QLabel;
     summary_->setObjectName("findingsSummary");
     summary_->setTextFormat(Qt::PlainText);
-    list_ = makeList("findingsList", windowTitle(), {localized("What Is Wrong"), localized("Where")}, 0);
+    list_ = makeList("findingsList", windowTitle(), {localized("Finding"), localized("Where")}, 0);
+    list_->setColumnWidth(1, whereWidth);
+    new WrappedRows(*list_); // a child of the list
     details_ = makeDetails("findingDetails");
     auto* buttons = makeButtons(*this);
     auto* again = addButton(*buttons, localizedTitle("Check Again"));
@@ -69,7 +115,6 @@ void FindingsDialog::fill() {
     list_->clear();
     found_ = examine_();
     std::ranges::stable_sort(found_.findings, {}, &Finding::level);
-    const auto problems = std::ranges::count(found_.findings, Finding::Level::Problem, &Finding::level);
     for (const Finding& each : found_.findings) {
         auto* item = new QTreeWidgetItem(list_, {shown(each.text), shown(placeOf(each))});
         item->setIcon(0, markIcon(each.level == Finding::Level::Problem ? Mark::Warning : Mark::Information));
@@ -79,13 +124,7 @@ void FindingsDialog::fill() {
         item->setToolTip(0, asItIs(shown(each.text)));
         item->setToolTip(1, asItIs(shown(placeOf(each))));
     }
-    summary_->setText(problems == 0   ? localized("No problem was found.")
-                      : problems == 1 ? localized("One problem was found.")
-                                      : shown(stringWithFormat(NSLocalizedString("%@ problems were found."),
-                                                               std::to_string(problems))));
-    constexpr int mostWhere = 260;
-    list_->resizeColumnToContents(1);
-    list_->setColumnWidth(1, std::min(list_->columnWidth(1), mostWhere));
+    summary_->setText(shown(summaryOf(found_.findings)));
     list_->setCurrentItem(list_->topLevelItem(0));
     showFinding();
 }
@@ -97,7 +136,8 @@ void FindingsDialog::showFinding() {
         const Finding& finding = found_.findings[static_cast<std::size_t>(row)];
         text = shown(finding.text + "\n" + placeOf(finding));
         if (!finding.remedy.empty()) {
-            text += shown("\n\n" + NSLocalizedString("How to fix it:") + "\n" + finding.remedy);
+            const char* heading = finding.isRemedyForOne ? "How to fix it, for example:" : "How to fix it:";
+            text += shown("\n\n" + NSLocalizedString(heading) + "\n" + finding.remedy);
         }
     }
     for (const std::string& note : found_.notes) {

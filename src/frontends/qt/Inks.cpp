@@ -194,6 +194,16 @@ QColor edgeOn(const QPalette& palette) {
     return readable(ground, palette.color(QPalette::WindowText), ground, leastEdgeContrast);
 }
 
+QColor highlightUnder(const QPalette& palette) {
+    const QColor text = palette.color(QPalette::HighlightedText);
+    return readable(palette.color(QPalette::Highlight), extremeOn(text), text, leastContrast);
+}
+
+QColor accentOn(const QPalette& palette) {
+    return readable(palette.color(QPalette::Highlight), palette.color(QPalette::WindowText),
+                    palette.color(QPalette::Window), leastEdgeContrast);
+}
+
 QColor loweredWindow(const QPalette& palette) {
     constexpr int shade = 103; // percent
     return palette.color(QPalette::Window).darker(shade);

@@ -38,6 +38,13 @@ void useInk(QWidget& widget, std::optional<Ink> ink);
 /// Returns the colour of an outline that is visible on the palette's window, but as unobtrusive as possible.
 [[nodiscard]] QColor edgeOn(const QPalette& palette);
 
+/// Returns the palette's highlight, changed as little as is needed to read the selected texts on it.
+[[nodiscard]] QColor highlightUnder(const QPalette& palette);
+
+/// Returns the colour of outlines that stand out, such as that of the focus: the palette's highlight, changed
+/// as little as is needed to see it on the palette's window.
+[[nodiscard]] QColor accentOn(const QPalette& palette);
+
 /// Returns a shade of the window's colour for areas that should look slightly recessed.
 [[nodiscard]] QColor loweredWindow(const QPalette& palette);
 

@@ -24,25 +24,36 @@ bool needsLetterBehind(const QString& text) {
     return std::ranges::any_of(text, isEastAsian);
 }
 
-/// Returns the letters of the text that are on a keyboard, the best first: its first one, those that begin
-/// its words, the others, and last those that need several keys on many keyboards.
-QString lettersIn(const QString& text) {
-    enum Rank { First, OfWord, Inner, Accented };
+/// True for a letter that needs several keys on many keyboards, such as an accented one.
+bool isRare(QChar letter) {
+    constexpr QChar sharpS(u'\u00DF'); // has no capital
+    return letter == sharpS || letter.decompositionTag() != QChar::NoDecomposition;
+}
 
-    std::array<QString, 4> ranked;
+/// True for a letter that hides the line below it.
+bool hangsDown(QChar letter) {
+    return QStringView(u"gjpqyQ").contains(letter);
+}
+
+/// Returns the letters of the text that are on a keyboard, the best first: its first one, those that begin
+/// its words, the others, of which those that hide their line come later, and last the rare ones.
+QString lettersIn(const QString& text) {
+    enum Rank { First, OfWord, Inner, Hanging, Rare };
+
+    std::array<QString, 5> ranked;
     QChar before;
     for (const QChar each : text) {
         if (each.isLetterOrNumber() && !isEastAsian(each)) {
             const bool begins = !before.isLetterOrNumber();
-            const Rank rank = each.decompositionTag() != QChar::NoDecomposition ? Accented
-                              : !begins                                         ? Inner
-                              : ranked[First].isEmpty()                         ? First
-                                                                                : OfWord;
+            const Rank rank = isRare(each)              ? Rare
+                              : !begins                 ? (hangsDown(each) ? Hanging : Inner)
+                              : ranked[First].isEmpty() ? First
+                                                        : OfWord;
             ranked.at(rank) += each.toUpper();
         }
         before = each;
     }
-    return ranked[First] + ranked[OfWord] + ranked[Inner] + ranked[Accented];
+    return ranked[First] + ranked[OfWord] + ranked[Inner] + ranked[Hanging] + ranked[Rare];
 }
 
 QString lettersFor(const Titled& titled) {
@@ -63,13 +74,17 @@ class Letters {
             wanted.removeIf([&taken](QChar letter) { return taken.contains(letter); });
             wanted_.push_back(wanted);
         }
-        std::vector<QString> all = wanted_;
-        for (QString& each : wanted_) {
-            each.removeIf([&shared](QChar letter) { return shared.contains(letter); });
-        }
-        giveAll();
-        wanted_ = std::move(all);
-        giveAll();
+        const std::vector<QString> all = wanted_;
+        const auto giveExcept = [this, &all](const auto& isAvoided) {
+            wanted_ = all;
+            for (QString& each : wanted_) {
+                each.removeIf(isAvoided);
+            }
+            giveAll();
+        };
+        giveExcept([&shared](QChar letter) { return isRare(letter) || shared.contains(letter); });
+        giveExcept(isRare);
+        giveExcept([](QChar) { return false; });
     }
 
     /// Returns the text's letter; a null character when it has none.

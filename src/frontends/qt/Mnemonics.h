@@ -19,9 +19,9 @@ struct Titled {
 
 /// Returns each text as a title with its letter marked. No letter is used twice, none is in `taken`, and as
 /// many texts as possible get one; earlier texts get better letters. Letters in `shared` are also used
-/// elsewhere in the window, and only for texts that would get none. If a script has no letters on the
-/// keyboard, one is appended to the text: "(&S)". A text without a letter stays unchanged. The used letters
-/// are added to `taken`.
+/// elsewhere in the window, and only for texts that would get none; letters that are rare on keyboards are
+/// only for texts that would still get none. If a script has no letters on the keyboard, one is appended to
+/// the text: "(&S)". A text without a letter stays unchanged. The used letters are added to `taken`.
 [[nodiscard]] QStringList titlesWithMnemonics(const std::vector<Titled>& texts, QSet<QChar>& taken,
                                               const QSet<QChar>& shared = {});
 

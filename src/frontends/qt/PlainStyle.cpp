@@ -3,6 +3,7 @@
 #include "frontends/qt/Inks.h"
 #include "frontends/qt/MoreIcon.h"
 
+#include <QAbstractScrollArea>
 #include <QApplication>
 #include <QPainter>
 #include <QStyleOption>
@@ -26,34 +27,45 @@ bool isFlat(const QStyleOption* option) {
     return button != nullptr && button->features.testFlag(QStyleOptionButton::Flat);
 }
 
-/// Returns the contrast of the style's outlines, which are darker than the window, to the window.
-double contrastOfEdges(const QPalette& palette) {
-    constexpr int outline = 140; // percent
+/// True for the frame around a page, for which the style's own outline is enough where it can be seen.
+bool isQuietFrame(QStyle::PrimitiveElement element, const QPalette& palette, const QWidget* widget) {
+    constexpr double least = 1.5;
+    constexpr int outline = 140; // percent: the style's own outlines are darker than the window
     const QColor window = palette.color(QPalette::Window);
-    return contrast(window.darker(outline), window);
+    return element == QStyle::PE_Frame && qobject_cast<const QAbstractScrollArea*>(widget) == nullptr &&
+           contrast(window.darker(outline), window) >= least;
 }
 
-/// True when the edges can hardly be told from the window. The limit is stricter for fields and boxes, of
-/// which only the edges are visible, than for buttons.
-bool edgesVanish(const QPalette& palette, bool isButton) {
-    constexpr double leastOfFields = 1.5;
-    constexpr double leastOfButtons = 1.1;
-    return contrastOfEdges(palette) < (isButton ? leastOfButtons : leastOfFields);
+/// True for the button that Return presses.
+bool isDefault(const QStyleOption* option) {
+    const auto* button = qstyleoption_cast<const QStyleOptionButton*>(option);
+    return button != nullptr && button->features.testFlag(QStyleOptionButton::DefaultButton);
 }
 
-void drawEdge(const QRect& rect, const QStyleOption& option, QPainter& painter) {
+/// Draws the outline of a control, and a tint over it if it is on.
+void drawEdge(const QStyleOption& option, QPainter& painter, bool isOn) {
     constexpr double radius = 2;
+    constexpr float strength = 0.3F;
     const QPalette& palette = option.palette;
-    const QColor highlight = palette.color(QPalette::Highlight);
-    const bool hasKeys = option.state.testFlag(QStyle::State_HasFocus);
-    const bool isSeen = contrast(highlight, palette.color(QPalette::Window)) >= leastEdgeContrast;
-    const QColor focused = isSeen ? highlight : palette.color(QPalette::WindowText);
+    const bool isEnabled = option.state.testFlag(QStyle::State_Enabled);
+    const bool standsOut =
+        isEnabled && (isOn || isDefault(&option) || option.state.testFlag(QStyle::State_HasFocus));
+    const QColor accent = accentOn(palette);
+    QColor tint = accent;
+    tint.setAlphaF(strength);
     painter.save();
     painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(hasKeys ? focused : edgeOn(palette));
-    painter.setBrush(Qt::NoBrush);
-    painter.drawRoundedRect(QRectF(rect).adjusted(0.5, 0.5, -0.5, -0.5), radius, radius);
+    painter.setPen(standsOut ? accent : edgeOn(palette));
+    painter.setBrush(isOn ? QBrush(tint) : QBrush(Qt::NoBrush));
+    painter.drawRoundedRect(QRectF(option.rect).adjusted(0.5, 0.5, -0.5, -0.5), radius, radius);
     painter.restore();
+}
+
+/// Draws the line that tells the selected tab from the others: their grounds are much alike.
+void drawTabLine(const QStyleOptionTab& tab, QPainter& painter) {
+    constexpr int thickness = 3;
+    painter.fillRect(QRect(tab.rect.left() + 1, tab.rect.top(), tab.rect.width() - 2, thickness),
+                     accentOn(tab.palette));
 }
 
 /// True for the frame of something that is typed into or chosen from.
@@ -68,10 +80,11 @@ PlainStyle::PlainStyle() : QProxyStyle(QString::fromLatin1(fusion)) {}
 
 void PlainStyle::polish(QPalette& palette) {
     QProxyStyle::polish(palette);
-    // Not every desktop has a colour for placeholders.
+    // Not every desktop has a colour for placeholders, and on some the selected row can hardly be read.
     for (const QPalette::ColorGroup group : {QPalette::Active, QPalette::Inactive}) {
         palette.setCurrentColorGroup(group);
         palette.setColor(group, QPalette::PlaceholderText, placeholderOn(palette));
+        palette.setColor(group, QPalette::Highlight, highlightUnder(palette));
     }
     palette.setCurrentColorGroup(QPalette::Active);
 }
@@ -126,13 +139,9 @@ void PlainStyle::drawControl(ControlElement element, const QStyleOption* option,
         return;
     }
     QProxyStyle::drawControl(element, option, painter, widget);
-}
-
-void PlainStyle::drawComplexControl(ComplexControl control, const QStyleOptionComplex* option,
-                                    QPainter* painter, const QWidget* widget) const {
-    QProxyStyle::drawComplexControl(control, option, painter, widget);
-    if (control == CC_ComboBox && edgesVanish(option->palette, true)) {
-        drawEdge(option->rect, *option, *painter);
+    const auto* tab = qstyleoption_cast<const QStyleOptionTab*>(option);
+    if (element == CE_TabBarTabShape && tab != nullptr && tab->state.testFlag(State_Selected)) {
+        drawTabLine(*tab, *painter);
     }
 }
 
@@ -162,10 +171,8 @@ void PlainStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* opt
                                const QWidget* widget) const {
     QProxyStyle::drawPrimitive(element, option, painter, widget);
     const bool isButton = element == PE_PanelButtonCommand && !isFlat(option);
-    // A list with the focus is shown by its edge, as the style itself does for a field.
-    const bool hasKeys = element == PE_Frame && option->state.testFlag(State_HasFocus);
-    if (hasKeys || ((isButton || isField(element)) && edgesVanish(option->palette, isButton))) {
-        drawEdge(option->rect, *option, *painter);
+    if (isButton || (isField(element) && !isQuietFrame(element, option->palette, widget))) {
+        drawEdge(*option, *painter, isButton && option->state.testFlag(State_On));
     }
 }
 

@@ -3,10 +3,10 @@
 #include <QProxyStyle>
 
 /// Qt's own style with more space: wider buttons, higher rows, and margins around the texts of fields and
-/// cells. A menu title that was reached with the keyboard is highlighted before the menu opens, and a list
-/// with the focus has a coloured edge. With dark desktop colours, where that style's own edges are hardly
-/// visible, fields and boxes get an outline, and with black ones buttons, too. Used when the desktop has no
-/// style of its own.
+/// cells. A menu title that was reached with the keyboard is highlighted before the menu opens. That style's
+/// own edges are hardly visible, so buttons, fields and boxes get an outline, which is coloured for the
+/// default button and for whatever has the focus. The selected tab has a coloured line, and a pressed button
+/// that stays down is tinted. Used when the desktop has no style of its own.
 class PlainStyle : public QProxyStyle {
   public:
     PlainStyle();
@@ -21,8 +21,6 @@ class PlainStyle : public QProxyStyle {
                          const QWidget* widget) const override;
     void drawControl(ControlElement element, const QStyleOption* option, QPainter* painter,
                      const QWidget* widget) const override;
-    void drawComplexControl(ComplexControl control, const QStyleOptionComplex* option, QPainter* painter,
-                            const QWidget* widget) const override;
     QSize sizeFromContents(ContentsType type, const QStyleOption* option, const QSize& size,
                            const QWidget* widget) const override;
     void drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,

@@ -1,5 +1,6 @@
 #include "frontends/qt/ScreenRoom.h"
 
+#include <QCoreApplication>
 #include <QScreen>
 #include <QWidget>
 
@@ -9,13 +10,17 @@ namespace {
 
 constexpr int titleHeight = 36; // of a window's frame, approximately
 constexpr QSize handle(80, 20); ///< the part of the title that is enough to move the window with
+constexpr const char* forgotten = "forgotScreenSize";
 
 } // namespace
 
+void forgetScreenSize() {
+    QCoreApplication::instance()->setProperty(forgotten, true);
+}
+
 QSize fittedToScreen(const QWidget& window, QSize wanted) {
     const QScreen* screen = window.screen();
-    // Pictures are not limited by the screen.
-    if (screen == nullptr || window.testAttribute(Qt::WA_DontShowOnScreen)) {
+    if (screen == nullptr || QCoreApplication::instance()->property(forgotten).toBool()) {
         return wanted;
     }
     const QSize room = screen->availableGeometry().size() - QSize(0, titleHeight);

@@ -7,6 +7,9 @@
 
 class QWidget;
 
+/// From now on windows get the size that they want: pictures of them are not limited by a screen.
+void forgetScreenSize();
+
 /// Returns the wanted size, limited so that the window and its frame fit on its screen.
 [[nodiscard]] QSize fittedToScreen(const QWidget& window, QSize wanted);
 

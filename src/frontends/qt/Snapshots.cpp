@@ -2,6 +2,7 @@
 
 #include "frontends/qt/NodeAttributes.h"
 #include "frontends/qt/ReviewDialog.h"
+#include "frontends/qt/ScreenRoom.h"
 #include "frontends/qt/WindowInquiries.h"
 #include "platform/appkit/NSApplication.h"
 #include "platform/appkit/NSButton.h"
@@ -16,6 +17,7 @@
 #include <QPalette>
 #include <QPixmap>
 #include <QPushButton>
+#include <QStyle>
 
 #include <stdexcept>
 #include <vector>
@@ -82,6 +84,7 @@ QPalette desktopColours(const QColor& window, const QColor& base, const QColor& 
     for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText}) {
         palette.setColor(QPalette::Disabled, role, Qt::gray);
     }
+    QApplication::style()->polish(palette); // as it does with the colours of a real desktop
     return palette;
 }
 
@@ -127,6 +130,7 @@ class Photographer {
     void photographPage(const InterfaceNode& window, const InterfaceNode& page, const QString& name);
     void take(const InterfaceNode& window, const QString& name);
     void take(QWidget& widget, const QString& name);
+    void takeHidden(const InterfaceNode& window);
     void takeReview(const QString& name);
     void takeInquiries();
     void takeDialog(QDialog& dialog, const QString& name);
@@ -157,6 +161,21 @@ void Photographer::take(QWidget& widget, const QString& name) {
     if (!widget.grab().save(path) && status_.isOk()) {
         status_ = Status::failure("cannot write the picture", path.toStdString(),
                                   "check that the folder can be written to and has room");
+    }
+}
+
+void Photographer::takeHidden(const InterfaceNode& window) {
+    const std::string& name = modelOf<NSWindow>(window)->name();
+    const WindowView* view = presenter_.viewOf(*modelOf<NSWindow>(window));
+    const bool isHidden = view != nullptr && !view->widget().isVisible();
+    if (isHidden) { // a window gets its mnemonics when it is shown
+        view->widget().setAttribute(Qt::WA_DontShowOnScreen, true);
+        view->widget().show();
+    }
+    take(window, fileName(name));
+    if (isHidden) {
+        view->widget().hide();
+        view->widget().setAttribute(Qt::WA_DontShowOnScreen, false);
     }
 }
 
@@ -248,7 +267,7 @@ void Photographer::photograph(const InterfaceNode& interface) {
         if (window != nullptr && window->kind() == NSWindowKind::Main) {
             photographMain(*node);
         } else if (window != nullptr) {
-            take(*node, fileName(window->name()));
+            takeHidden(*node);
         }
     }
     visitNodes(interface, [this](const InterfaceNode& item) {
@@ -267,6 +286,7 @@ Status writeSnapshots(QtPresenter& presenter, const std::string& folder) {
     if (!QDir().mkpath(shown(folder))) {
         return Status::failure("cannot make the folder", folder, "choose one that you may write to");
     }
+    forgetScreenSize();
     Photographer photographer(presenter, shown(folder));
     // An interface may load another one, which is appended to the list: the About panel's.
     for (std::size_t next = 0; next < presenter.interfaces().size() && photographer.status().isOk(); ++next) {

@@ -293,11 +293,17 @@ void WidgetBuilder::fillBox(QBoxLayout& layout, const InterfaceNode& node) {
     layout.setSpacing(holdsParts ? partSpacing : spacing);
     bool roomIsTaken = false;
     const bool vertical = node.kind != Kind::Row;
+    LineEdit* field = nullptr; // the one before, in a row with the unit of its number behind it
     for (const auto& child : node.children) {
         if (isFoot(*child)) {
             continue; // made with the drawer
         }
         addTo(layout, *child);
+        QWidget* widget = layout.itemAt(layout.count() - 1)->widget(); // null for a spacer
+        if (auto* unit = qobject_cast<QLabel*>(widget); unit != nullptr && field != nullptr && !vertical) {
+            showEnabledLike(*unit, *field);
+        }
+        field = qobject_cast<LineEdit*>(widget);
         roomIsTaken = roomIsTaken || child->kind == Kind::Spacer || takesRoom(*child, vertical);
     }
     if (!roomIsTaken) {

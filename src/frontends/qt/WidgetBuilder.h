@@ -50,6 +50,7 @@ class WidgetBuilder {
     void addTo(QBoxLayout& layout, const platform::InterfaceNode& node);
     void finish(QWidget& widget, const platform::InterfaceNode& node);
     static void makeBuddies(QLabel& label, QWidget& widget);
+    static void showEnabledLike(QLabel& label, QWidget& control);
 
     WindowActions& actions_;
     RefreshQueue& queue_;

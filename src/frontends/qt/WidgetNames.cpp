@@ -3,10 +3,42 @@
 #include "frontends/qt/WidgetBuilder.h"
 #include "platform/appkit/NSTextField.h"
 
+#include <QEvent>
+
 // What a widget is called: by programs, by the label beside it and by a screen reader.
+
+namespace {
+
+/// Makes a label look disabled while the control that it is beside is.
+class EnabledFollower : public QObject {
+  public:
+    EnabledFollower(QLabel& label, QWidget& control) : QObject(&label), label_(label), control_(control) {
+        control.installEventFilter(this);
+        label.setEnabled(control.isEnabled());
+    }
+
+  protected:
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        if (event->type() == QEvent::EnabledChange) {
+            label_.setEnabled(control_.isEnabled());
+        }
+        return QObject::eventFilter(watched, event);
+    }
+
+  private:
+    QLabel& label_;
+    QWidget& control_;
+};
+
+} // namespace
+
+void WidgetBuilder::showEnabledLike(QLabel& label, QWidget& control) {
+    new EnabledFollower(label, control); // a child of the label
+}
 
 void WidgetBuilder::makeBuddies(QLabel& label, QWidget& widget) {
     label.setBuddy(&widget);
+    showEnabledLike(label, widget);
     if (widget.accessibleName().isEmpty()) {
         widget.setAccessibleName(plainTitle(label.text()));
     }

@@ -9,7 +9,9 @@
 #include <array>
 #include <cerrno>
 #include <cstdlib>
+#include <filesystem>
 #include <initializer_list>
+#include <system_error>
 #include <utility>
 
 namespace {
@@ -114,8 +116,8 @@ std::vector<std::string> languagesIn(const std::string& locales) {
 
 } // namespace
 
-NSBundle::NSBundle(std::string resourcePath, const std::vector<std::string>& languages)
-    : resourcePath_(std::move(resourcePath)) {
+NSBundle::NSBundle(std::string resourcePath, std::vector<std::string> languages)
+    : resourcePath_(std::move(resourcePath)), languages_(std::move(languages)) {
     const std::string infoFile = resourcePath_ + "/Info.plist";
     const auto info = contentsOfFile(infoFile);
     if (info.isOk()) {
@@ -128,7 +130,7 @@ NSBundle::NSBundle(std::string resourcePath, const std::vector<std::string>& lan
     } else {
         NSLog("%@", info.status().text());
     }
-    for (const auto& language : languages) {
+    for (const auto& language : languages_) {
         const std::string folder = resourcePath_ + "/" + language + ".lproj/";
         const bool isThere = mergeTable(localizable_, folder + "Localizable.strings");
         language_ = isThere && language_.empty() ? language : language_;
@@ -138,6 +140,16 @@ NSBundle::NSBundle(std::string resourcePath, const std::vector<std::string>& lan
 
 NSBundle& NSBundle::mainBundle() {
     return platform::Host::current().mainBundle();
+}
+
+std::string NSBundle::pathForResource(const std::string& file) const {
+    for (const auto& language : languages_) {
+        std::string path = resourcePath_ + "/" + language + ".lproj/" + file;
+        if (std::error_code error; std::filesystem::exists(path, error)) {
+            return path;
+        }
+    }
+    return resourcePath_ + "/" + file;
 }
 
 std::string NSBundle::objectForInfoDictionaryKey(const std::string& key) const {

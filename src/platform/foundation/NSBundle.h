@@ -6,18 +6,22 @@
 #include <string>
 #include <vector>
 
-/// The application's resource folder: Info.plist, interface files, images, and a folder of string tables for
-/// each language ("English.lproj/Localizable.strings").
+/// The application's resource folder: Info.plist, interface files, images, and for each language a folder of
+/// string tables ("English.lproj/Localizable.strings") and other files of its own.
 class NSBundle {
   public:
     /// `languages` are names of folders without ".lproj", in order of preference. Missing folders are
     /// skipped, and so are tables that cannot be read, which are logged with the line of the fault.
-    NSBundle(std::string resourcePath, const std::vector<std::string>& languages);
+    NSBundle(std::string resourcePath, std::vector<std::string> languages);
 
     /// The bundle of the current host.
     [[nodiscard]] static NSBundle& mainBundle();
 
     [[nodiscard]] const std::string& resourcePath() const { return resourcePath_; }
+
+    /// The path of the file with that name in the folder of the first language that has it, or else in the
+    /// resource folder, even if it is not there.
+    [[nodiscard]] std::string pathForResource(const std::string& file) const;
 
     /// The string under `key` in Info.plist, or "" when there is none.
     [[nodiscard]] std::string objectForInfoDictionaryKey(const std::string& key) const;
@@ -31,6 +35,7 @@ class NSBundle {
 
   private:
     std::string resourcePath_;
+    std::vector<std::string> languages_;
     NSMutableDictionary info_;
     platform::StringTable localizable_;
     platform::StringTable infoPlist_;
