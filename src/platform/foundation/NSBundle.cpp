@@ -144,7 +144,7 @@ NSBundle& NSBundle::mainBundle() {
 
 std::string NSBundle::pathForResource(const std::string& file) const {
     for (const auto& language : languages_) {
-        std::string path = resourcePath_ + "/" + language + ".lproj/" + file;
+        std::string path = stringWithFormat("%@/%@.lproj/%@", resourcePath_, language, file);
         if (std::error_code error; std::filesystem::exists(path, error)) {
             return path;
         }
