@@ -73,14 +73,10 @@ Answer AccessCheck::check(const std::string& share, const std::optional<std::str
     }
     if (const std::string problem = accounts_.problem(); !problem.empty()) {
         // Who is missing may be in the directory all the same.
-        answer = {share,
-                  user,
-                  {},
-                  Reason{"cannot-tell",
-                         stringWithFormat(NSLocalizedString("The directory cannot be read: %@."), problem),
-                         platform::Host::current().localDomain().storeFile(),
-                         {}},
-                  {}};
+        Reason reason{"cannot-tell",
+                      stringWithFormat(NSLocalizedString("The directory cannot be read: %@."), problem),
+                      platform::Host::current().localDomain().storeFile(), ""};
+        answer = {share, user, {}, std::move(reason), {}};
     }
     if (visit.share != nullptr) {
         noteWhatIsNotJudged(visit);
