@@ -64,7 +64,8 @@ TEST(ReportLine, CountsThePiecesThatTabsInValuesAdd) {
     EXPECT_EQ(pieces.at(0), "ada");
     EXPECT_EQ(pieces.at(2), "\n");
     EXPECT_THROW(static_cast<void>(pieces.at(3)), std::out_of_range);
-    const ReportPieces many(std::string(20, '\t'));
+    const std::string tabs(20, '\t');
+    const ReportPieces many(tabs);
     EXPECT_EQ(many.size(), 21U);
     EXPECT_THROW(static_cast<void>(many.at(15)), std::out_of_range);
 }

@@ -111,7 +111,7 @@ TEST_F(HelperTest, GivesNothingToAnAccountOfTheComputerThatMayNotBeTheOneOfTheDi
             EXPECT_NE(said.find(why), std::string::npos) << account << " said: " << said;
         }
     };
-    expectRefusals("is missing or no number");
+    expectRefusals("is missing or not a number");
     fs::rename(store, store + ".away");
     expectRefusals("it does not exist");
     std::ofstream(store) << std::string(4096, 'x');

@@ -34,16 +34,16 @@ TEST_F(LinesOfSMBConf, ASectionThatOnlyTheServerSeesIsNamedAndStays) {
     writeConf(conf("", hidden));
     begin();
     EXPECT_EQ(app().smbConfNotice->stringValue(),
-              "The SMB server takes these lines of " + (host.root() / "etc/smb.conf").string() +
-                  " for headers of sections, and Brindle does not show those sections: 11.  Make each line "
-                  "end with its \"]\" and read the file again.");
+              "The SMB server takes line 11 of " + (host.root() / "etc/smb.conf").string() +
+                  " for the header of a section, and Brindle does not show that section.  Make the line end "
+                  "with its \"]\" and read the file again.");
     selectRow(*app().normalTableView, "DirectoryPath", "/data");
     EXPECT_EQ(sentence("deleteShare:", "server-reads-otherwise"),
               "The SMB server takes line 11 \"[data]\" of smb.conf for the header of another section, and "
               "Brindle takes what follows for settings of [Docs].");
     send("deleteShare:");
     EXPECT_TRUE(host.read("etc/smb.conf").ends_with("yes\n" + hidden)) << host.read("etc/smb.conf");
-    EXPECT_NE(app().smbConfNotice->stringValue().find(": 8."), std::string::npos);
+    EXPECT_NE(app().smbConfNotice->stringValue().find("takes line 8 of"), std::string::npos);
 }
 
 TEST_F(LinesOfSMBConf, ASectionThatSomebodyElseHasAddedIsNamed) {

@@ -71,10 +71,9 @@ Answer AccessCheck::check(const std::string& share, const std::optional<std::str
     if (findShare(visit) && logOn(visit) && enter(visit) && becomeAccount(visit) && walkTo(visit)) {
         judgeFolder(visit);
     }
-    if (const std::string problem = accounts_.problem(); !problem.empty()) {
+    if (!accounts_.problem().empty()) {
         // Who is missing may be in the directory all the same.
-        Reason reason{"cannot-tell",
-                      stringWithFormat(NSLocalizedString("The directory cannot be read: %@."), problem),
+        Reason reason{"cannot-tell", NSLocalizedString("The directory cannot be read now."),
                       platform::Host::current().localDomain().storeFile(), ""};
         answer = {share, user, {}, std::move(reason), {}};
     }

@@ -24,7 +24,8 @@ struct Record {
 
     /// Returns whether the directory has what was asked for, and remembers when it could not tell.
     bool isThere(ni_status status) {
-        const bool isMissing = status == NI_NODIR || status == NI_NOPROP;
+        // A record that has been deleted meanwhile is missing, too.
+        const bool isMissing = status == NI_NODIR || status == NI_NOPROP || status == NI_BADID;
         failure = failure == NI_OK && !isMissing ? status : failure;
         return status == NI_OK;
     }

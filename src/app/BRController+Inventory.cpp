@@ -138,7 +138,7 @@ class FirstRows {
 void BRController::parseCurrentShares() {
     currentShares_.clear();
     const NiutilTask::Report lines = NiutilTask::sharedInstance().currentShares();
-    // Rows are large and joinSMBSections keeps views of their strings, so none may be moved.
+    // Rows are large: reserve, so that none is moved. FirstRows takes its size from this.
     currentShares_.reserve(lines->size() + smbConf->Entries().size());
     for (const std::string& line : *lines) {
         currentShares_.push_back(shareFromRecord(ShareRecord(line)));

@@ -215,7 +215,7 @@ void BRController::showSMBWriteResult(int result) {
         showAlert("smb.conf Write Unsuccessful", messageKeys.at(static_cast<std::size_t>(result)),
                   NSBundle::mainBundle().objectForInfoDictionaryKey("BRSupportAddress"));
     }
-    showSMBConfNotice(); // nothing is left to warn of after the write
+    showSMBConfNotice(); // what a write loses is no longer warned of
 }
 
 void BRController::changeSMBHomeSharing(NSControl* sender) {

@@ -215,12 +215,18 @@ void BRController::showSMBConfNotice() {
                               "it as smb.conf.previous until you save again: copy it if you need it."),
             file, lossesText(smbConf->lossNotices()));
     } else if (const auto hidden = smbConf->hiddenSections(); !hidden.empty()) {
-        notice = stringWithFormat(
-            NSLocalizedString(
-                "The SMB server takes these lines of %@ for headers of sections, and Brindle does "
-                "not show those sections: %@.  Make each line end with its \"]\" and read the "
-                "file again."),
-            file, numbersText(hidden));
+        notice =
+            hidden.size() == 1
+                ? stringWithFormat(NSLocalizedString("The SMB server takes line %d of %@ for the header of a "
+                                                     "section, and Brindle does not show that section.  Make "
+                                                     "the line end with its \"]\" and read the file again."),
+                                   hidden.front().line, file)
+                : stringWithFormat(
+                      NSLocalizedString(
+                          "The SMB server takes these lines of %@ for headers of sections, and Brindle does "
+                          "not show those sections: %@.  Make each line end with its \"]\" and read the "
+                          "file again."),
+                      file, numbersText(hidden));
     }
     smbConfNotice->setStringValue(notice);
     smbPartNotice->setStringValue(

@@ -213,6 +213,7 @@ int SMBConf::writeSMBConfFile() {
     }
     lossNotices_.clear();
     textOnDisk_ = std::move(*text);
+    hasBrokenHeader_ = !sectionsOnlyForServer(textOnDisk_).empty(); // somebody else may have added one
     hasWritten_ = true;
     rememberEntries();
     if (const auto status = removeFileAtPath(temporary); !status.isOk()) {

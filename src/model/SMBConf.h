@@ -132,6 +132,7 @@ class SMBConf {
     SMBShare* _global = nullptr;
     SMBShare* _homes = nullptr;
     std::vector<SMBLossNotice> lossNotices_;
-    bool hasBrokenHeader_ = false; ///< in the file as it was read; without one no section is hidden
+    bool hasBrokenHeader_ =
+        false; ///< in the file as it was last read or written; without one no section is hidden
     std::string unreadableReason_;
 };

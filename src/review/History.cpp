@@ -49,9 +49,11 @@ bool announceUndo(const UndoPlan& plan) {
     return true;
 }
 
-void showUndoFailed(const UndoPlan& plan) {
+void showUndoFailed(const UndoPlan& plan, const Status& status) {
+    // A file that could not be written has failed without anybody being asked.
+    const bool wasRefused = !NiutilTask::sharedInstance().isAuthenticated() && status.systemError() == 0;
     const std::string why =
-        NiutilTask::sharedInstance().isAuthenticated()
+        !wasRefused
             ? NSLocalizedString("Taking back %@ (%@) has stopped on its way.  What is left can be taken back "
                                 "once the cause named in the log has been removed.")
             : NSLocalizedString(

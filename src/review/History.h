@@ -56,8 +56,8 @@ class History {
 /// Shows an alert if something will not be restored exactly, or if the plan is refused. Returns false when it
 /// is refused.
 [[nodiscard]] bool announceUndo(const UndoPlan& plan);
-/// Says in an alert that the undo stopped half way, where the failed run has been logged, or that the right
-/// was refused.
-void showUndoFailed(const UndoPlan& plan);
+/// Says in an alert that the undo, which returned `status`, stopped half way, where the cause has been
+/// logged, or that the right was refused.
+void showUndoFailed(const UndoPlan& plan, const platform::Status& status);
 
 } // namespace review

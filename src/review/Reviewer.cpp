@@ -123,10 +123,13 @@ Plan Reviewer::planMigration() const {
 }
 
 Plan Reviewer::planUndo(const UndoPlan& undo) const {
-    const auto action = [&undo](const Rehearsal& /*rehearsal*/) {
-        static_cast<void>(carryOut(undo)); // a run that fails says so in the plan
-    };
-    return planOf(main_, "undo", action, PlanDepth::Blocks);
+    platform::Status status;
+    const auto action = [&undo, &status](const Rehearsal& /*rehearsal*/) { status = carryOut(undo); };
+    Plan plan = planOf(main_, "undo", action, PlanDepth::Blocks);
+    if (!status.isOk() && plan.blocks.empty() && plan.failure.empty()) {
+        plan.failure = status.text();
+    }
+    return plan;
 }
 
 bool Reviewer::mayMigrate() const {

@@ -4,6 +4,7 @@
 #include "platform/foundation/Host.h"
 #include "platform/foundation/NSBundle.h"
 #include "platform/foundation/NSFileManager.h"
+#include "platform/foundation/NSLog.h"
 #include "platform/foundation/NSString.h"
 #include "platform/foundation/SystemPaths.h"
 #include "platform/netinfo/LocalDomain.h"
@@ -333,6 +334,7 @@ Status restoreFile(const FileChange& file) {
     Status status = platform::writeWholeFile(platform::Host::current().paths().map(temporary),
                                              file.before.value_or(""), {.mode = 0600});
     if (!status.isOk()) {
+        NSLog("%@", status.text());
         return status;
     }
     const PlannedRun run{systempath::cp, {temporary, file.path}, ""};

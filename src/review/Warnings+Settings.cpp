@@ -76,7 +76,10 @@ void addWokenSettings(const SMBShare& homes, const std::vector<SMBSetting>& show
     std::size_t count = 0;
     for (const SMBPair& pair : homes.Props()) {
         const bool isShown = std::ranges::find(shown, pair.Name.view(), &SMBSetting::key) != shown.end();
-        if (!isShown && !SMBParser::isComment(pair.Name) && ++count <= namedSettings) {
+        // The description of the shares that everybody sees anyway, as a new root's file has one, is no
+        // danger.
+        const bool isDescription = foldedSettingName(pair.Name.view()) == "comment";
+        if (!isShown && !isDescription && !SMBParser::isComment(pair.Name) && ++count <= namedSettings) {
             names += (count == 1 ? "\"" : ", \"") + pair.Name.str() + " = " + pair.Value.str() + "\"";
         }
     }

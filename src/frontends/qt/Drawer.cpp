@@ -81,6 +81,11 @@ void Drawer::build() {
         inside->addWidget(parts.foot);
     }
     sides->addLayout(inside, 1);
+    // Sizes depend on the style, which would be applied only when they are shown.
+    for (QWidget* each : holder_->findChildren<QWidget*>()) {
+        each->ensurePolished();
+    }
+    sides->activate();
 }
 
 void Drawer::shade() {

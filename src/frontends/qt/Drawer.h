@@ -12,9 +12,9 @@
 #include <vector>
 
 /// The widget for a drawer, at the window's right edge. Its contents scroll when the window is too low, and
-/// its foot stays visible below them. They are made when it first opens, or when the event loop is idle. The
-/// window is widened for it as far as the screen has room. When the page beside it would become too narrow,
-/// the drawer covers the page instead.
+/// its foot stays visible below them. They are made when it first opens, or soon after the window was first
+/// painted. The window is widened for it as far as the screen has room. When the page beside it would become
+/// too narrow, the drawer covers the page instead.
 class Drawer : public QWidget {
     Q_OBJECT
 

@@ -28,6 +28,7 @@
 #include <QUrl>
 
 #include <algorithm>
+#include <stdexcept>
 
 using platform::AlertAnswer;
 using platform::Interface;
@@ -192,7 +193,10 @@ void QtPresenter::openAddress(const std::string& address) {
     }
 }
 
-platform::TimerId QtPresenter::startTimer(double /*interval*/, std::function<void()> fire) {
+platform::TimerId QtPresenter::startTimer(double interval, std::function<void()> fire) {
+    if (interval > 0) {
+        throw std::logic_error("only timers without an interval are served: nothing uses others");
+    }
     return timers_ ? timers_->start(std::move(fire)) : 0;
 }
 

@@ -157,6 +157,7 @@ void Photographer::take(const InterfaceNode& window, const QString& name) {
 
 void Photographer::take(QWidget& widget, const QString& name) {
     QApplication::processEvents();
+    QApplication::sendPostedEvents(nullptr, QEvent::LayoutRequest); // from what was just shown
     const QString path = folder_.filePath(name + QLatin1String(".png"));
     if (!widget.grab().save(path) && status_.isOk()) {
         status_ = Status::failure("cannot write the picture", path.toStdString(),

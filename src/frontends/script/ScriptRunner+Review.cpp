@@ -72,8 +72,9 @@ void ScriptRunner::undo(const Words& words) {
         fail(plan.status().text());
     }
     perform([&] {
-        if (review::announceUndo(*plan) && !pastChanges().undo(*plan).isOk()) {
-            review::showUndoFailed(*plan);
+        const auto status = review::announceUndo(*plan) ? pastChanges().undo(*plan) : platform::Status();
+        if (!status.isOk()) {
+            review::showUndoFailed(*plan, status);
         }
         reviewer().rereadEverything();
     });

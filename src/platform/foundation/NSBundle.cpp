@@ -148,6 +148,9 @@ std::string NSBundle::pathForResource(const std::string& file) const {
         if (std::error_code error; std::filesystem::exists(path, error)) {
             return path;
         }
+        if (language == "English") {
+            break; // what stands outside all languages is English
+        }
     }
     return resourcePath_ + "/" + file;
 }

@@ -56,7 +56,7 @@ Result<std::optional<unsigned>> numberOf(const std::string& storeFile, const std
     return valid ? Result(std::optional(number))
                  : Status::failure("cannot use", name,
                                    "its " + property +
-                                       " in the directory is missing or no number; set that first");
+                                       " in the directory is missing or not a number; set that first");
 }
 
 /// Calls a reentrant account function, growing `buffer` as long as it is too small, as for a group with many
