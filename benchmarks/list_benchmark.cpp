@@ -8,12 +8,14 @@
 
 #include <array>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace {
 
 constexpr int users = 100000;
-constexpr std::array columns = {"User", "Public Shared", "UID", "Full Name", "GID"};
+constexpr std::array<std::string_view, BRRow::mostColumns> columns = {"User", "Public Shared", "UID",
+                                                                      "Full Name", "GID"};
 
 /// Rows in an order that does not help sorting.
 std::vector<BRRow> makeRows() {
@@ -22,11 +24,8 @@ std::vector<BRRow> makeRows() {
     rows.reserve(users);
     for (int user = 0; user < users; ++user) {
         const std::string number = std::to_string(user * step % users);
-        rows.push_back({{"User", "person" + number},
-                        {"Public Shared", "NO"},
-                        {"UID", std::to_string(user)},
-                        {"Full Name", "Person number " + number},
-                        {"GID", "20"}});
+        rows.push_back(
+            {columns, {"person" + number, "NO", std::to_string(user), "Person number " + number, "20"}});
     }
     return rows;
 }

@@ -81,10 +81,16 @@ void ServerAccounts::noteFailure(std::int32_t status) {
 
 std::optional<Account> ServerAccounts::directoryAccount(const std::string& name) {
     Record record = name.find('/') == std::string::npos ? recordAt("/users/" + name) : Record();
-    const auto uid = record.domain ? record.number("uid") : std::nullopt;
-    const auto gid = record.domain ? record.number("gid") : std::nullopt;
+    std::optional<Account> account;
+    if (record.domain) {
+        const auto uid = record.number("uid");
+        const auto gid = record.number("gid");
+        if (uid && gid) {
+            account = Account{name, *uid, *gid, {*gid}};
+        }
+    }
     noteFailure(record.failure);
-    return uid && gid ? std::optional(Account{name, *uid, *gid, {*gid}}) : std::nullopt;
+    return account;
 }
 
 std::optional<Account> ServerAccounts::eitherAccount(const std::string& name) {
