@@ -16,15 +16,6 @@ using review::Disconnection;
 
 class WindowInquiriesTest : public WindowWithHistory {
   protected:
-    void openWithDoctor() {
-        openWithHistory();
-        // A root's, so that nothing of this machine is examined.
-        frontend->useDoctor(
-            {platform::SambaPaths{(host.root() / "samba").string(), (host.root() / "etc/smb.conf").string(),
-                                  host.storeFile().string()},
-             "brindle"});
-    }
-
     /// Opens the dialog of a menu item, calls `see` with it, and closes it.
     void look(const QString& title, const std::function<void(QDialog&)>& see) {
         QTimer::singleShot(50, &widget<QWidget>("mainWindow"), [this, see] {

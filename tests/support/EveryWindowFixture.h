@@ -13,11 +13,7 @@
 class EveryWindow : public WindowWithHistory {
   protected:
     void openAll() {
-        openWithHistory();
-        frontend->useDoctor(
-            {platform::SambaPaths{(host.root() / "samba").string(), (host.root() / "etc/smb.conf").string(),
-                                  host.storeFile().string()},
-             "brindle"});
+        openWithDoctor();
         frontend->useServer("smb://127.0.0.1:4455/", "SMB server", false);
     }
 

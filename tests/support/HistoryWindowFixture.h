@@ -24,6 +24,15 @@ class WindowWithHistory : public MainWindow {
         QApplication::processEvents();
     }
 
+    void openWithDoctor() {
+        openWithHistory();
+        // A root's, so that nothing of this machine is examined.
+        frontend->useDoctor(
+            {platform::SambaPaths{(host.root() / "samba").string(), (host.root() / "etc/smb.conf").string(),
+                                  host.storeFile().string()},
+             "brindle"});
+    }
+
     void TearDown() override {
         MainWindow::TearDown();
         reviewer.reset();

@@ -102,11 +102,12 @@ std::string environmentLocale() {
     return environmentValue({"LC_ALL", "LC_MESSAGES", "LANG"});
 }
 
-/// The folder names for a list of locales separated by colons, with English at the end if not before.
+/// The folder names for a list of locales separated by colons, up to English, which has every text.
 std::vector<std::string> languagesIn(const std::string& locales) {
     std::vector<std::string> languages;
     for (const auto& each : componentsSeparatedByString(locales, ":")) {
-        if (!each.empty()) {
+        const bool hasEnglish = !languages.empty() && languages.back() == fallback;
+        if (!each.empty() && !hasEnglish) {
             addLanguage(languages, each);
         }
     }
@@ -147,9 +148,6 @@ std::string NSBundle::pathForResource(const std::string& file) const {
         std::string path = stringWithFormat("%@/%@.lproj/%@", resourcePath_, language, file);
         if (std::error_code error; std::filesystem::exists(path, error)) {
             return path;
-        }
-        if (language == "English") {
-            break; // what stands outside all languages is English
         }
     }
     return resourcePath_ + "/" + file;

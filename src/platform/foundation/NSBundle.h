@@ -49,7 +49,7 @@ namespace platform {
 /// The languages that the environment asks for, read as by gettext: those in LANGUAGE, or else the one in the
 /// first of LC_ALL, LC_MESSAGES and LANG that is set; none in the locale C. Returned as names for NSBundle:
 /// for each language its region if there is one ("de_AT"), its code ("de"), and its English name if known
-/// ("German"); "English" comes at the end if not before. The locale need not be installed.
+/// ("German"). The list ends with "English", which has every text. The locale need not be installed.
 [[nodiscard]] std::vector<std::string> languagesFromEnvironment();
 /// The same without LANGUAGE.
 [[nodiscard]] std::vector<std::string> languagesOfLocale();
