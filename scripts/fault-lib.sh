@@ -11,8 +11,8 @@ failed() {
 }
 
 # request TOOL ARGUMENT...: sends the helper this request, which its length precedes, and one of length 0, a commit.
-# Prints the output of the tool, without the start byte and the length before it and the status after it, and what the
-# commit complains of. The words in $tracer are put before the helper.
+# Prints "refused" unless the reply begins with 6, the output of the tool, without the length before it and the status
+# after it, and what the commit complains of. The words in $tracer are put before the helper.
 tracer=()
 request() {
     local LC_ALL=C length=0 word bytes=
@@ -20,7 +20,11 @@ request() {
     for word in 24 16 8 0; do bytes+="$(printf '\\%03o' $((length >> word & 255)))"; done
     # shellcheck disable=SC2059
     { printf "$bytes" && printf '%s\0' "$@" && printf '\0\0\0\0'; } |
-        "${tracer[@]}" "$programs/brindle-helper" "${options[@]}" | tail -c +6 | tr -d '\000-\006'
+        "${tracer[@]}" "$programs/brindle-helper" "${options[@]}" | {
+        start="$(dd bs=1 count=1 status=none | od -An -tu1)"
+        [ "${start// /}" = 6 ] || printf refused
+        tail -c +5 | tr -d '\000-\006'
+    }
 }
 
 # at_each_call PREPARE CHECK RUN ARGUMENT...: for every $step-th system call of an undisturbed run, does PREPARE, kills
