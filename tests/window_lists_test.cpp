@@ -56,7 +56,8 @@ TEST(ATableRowsOrder, ComparesNumbersByValueAndIgnoresCaseAndAccents) {
         {{"7", "", "007", "70"}, {"", "7", "007", "70"}},
     };
     for (const Case& each : cases) {
-        TableRows rows([&each](int row, int) { return each.texts[static_cast<std::size_t>(row)]; }, 1);
+        frontend::TableRows rows([&each](int row, int) { return each.texts[static_cast<std::size_t>(row)]; },
+                                 1);
         rows.setLength(static_cast<int>(each.texts.size()));
         for (const bool isDescending : {false, true}) {
             rows.setOrder(0, isDescending);

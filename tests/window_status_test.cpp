@@ -240,9 +240,9 @@ TEST_F(WindowStatusTest, AnActionOnOneObjectShowsItsProgressAndCannotBeStopped) 
 
 TEST_F(WindowStatusTest, AnActionWithSeveralRunsPerObjectStopsBetweenTwoObjects) {
     openWithHistory();
-    Activity activity;
-    RefreshQueue queue;
-    RunProgress running([] { return nullptr; }, activity, queue);
+    frontend::Activity activity;
+    frontend::RefreshQueue queue;
+    frontend::RunProgress running([] { return nullptr; }, activity, queue);
     std::vector<bool> stops;
     running.setStop([&stops](bool madeStill) { stops.push_back(madeStill); });
     running.begin(100, review::stopsOf("updateSharesFor10pt2:"));
@@ -279,7 +279,7 @@ TEST_F(WindowStatusTest, AChangeByAnotherProgramIsNotOfferedForUndo) {
 }
 
 TEST_F(WindowStatusTest, OutputThatWasAskedForIsNoFailureAndEachAlertHasItsOwnReason) {
-    Activity activity;
+    frontend::Activity activity;
     activity.toolWillRun("/usr/bin/smbstatus", std::vector<std::string>{"--json"});
     activity.toolDidWrite("{\"sessions\": {}}");
     EXPECT_FALSE(activity.entries().back().hasFailed);

@@ -14,6 +14,8 @@
 #include <string_view>
 #include <utility>
 
+namespace frontend {
+
 /// Something that happened: a tool run, a line of the log, or a beep without an explanation.
 struct ActivityEntry {
     enum class Kind { Run, Log, Beep };
@@ -110,3 +112,5 @@ class ActivityLog : public platform::Log {
     std::shared_ptr<platform::Log> log_;
     Activity* activity_;
 };
+
+} // namespace frontend

@@ -22,6 +22,8 @@
 #include <algorithm>
 #include <array>
 
+namespace frontend {
+
 namespace {
 
 constexpr int dialogWidth = 720;
@@ -167,3 +169,5 @@ void ActivityDialog::saveAsText() {
                                          path.toStdString(), file.errorString().toStdString()));
     }
 }
+
+} // namespace frontend

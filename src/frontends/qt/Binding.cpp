@@ -8,6 +8,8 @@
 #include <chrono>
 #include <utility>
 
+namespace frontend {
+
 RefreshQueue::~RefreshQueue() {
     for (Binding* binding : waiting_) {
         if (binding != nullptr) {
@@ -92,3 +94,5 @@ void afterFirstPaint(QObject* owner, std::function<void()> work) {
 void dispatchUserEvent(RefreshQueue& queue, const std::function<void()>& event) {
     queue.runUserEvent(event);
 }
+
+} // namespace frontend

@@ -11,6 +11,8 @@
 #include <utility>
 #include <vector>
 
+namespace frontend {
+
 class Binding;
 
 /// Collects what has to be redrawn and redraws it once per turn of the event loop, so that ten thousand
@@ -106,3 +108,5 @@ void dispatchUserEvent(RefreshQueue& queue, const std::function<void()>& event);
 [[nodiscard]] inline QString localizedTitle(const char* key) {
     return title(NSLocalizedString(key));
 }
+
+} // namespace frontend

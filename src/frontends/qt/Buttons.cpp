@@ -12,6 +12,8 @@
 #include <QGridLayout>
 #include <QPushButton>
 
+namespace frontend {
+
 namespace {
 
 constexpr const char* keyProperty = "keyEquivalent";
@@ -129,3 +131,5 @@ void Matrix::load() {
         cells_[index]->setChecked(matrix_.stateAt(row, column) == NSOnState);
     }
 }
+
+} // namespace frontend

@@ -21,6 +21,8 @@
 #include <algorithm>
 #include <utility>
 
+namespace frontend {
+
 namespace {
 
 constexpr int dialogWidth = 340;
@@ -192,3 +194,5 @@ std::optional<platform::AdministratorAnswer> askAdministrator(const platform::Ad
     }
     return platform::AdministratorAnswer{std::move(typed)};
 }
+
+} // namespace frontend

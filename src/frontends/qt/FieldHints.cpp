@@ -17,6 +17,8 @@
 #include <optional>
 #include <system_error>
 
+namespace frontend {
+
 using platform::InterfaceNode;
 
 namespace {
@@ -146,3 +148,5 @@ bool isShown(const InterfaceNode& node, const WindowActions& actions) {
                });
            });
 }
+
+} // namespace frontend

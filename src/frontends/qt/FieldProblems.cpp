@@ -10,6 +10,8 @@
 
 #include <functional>
 
+namespace frontend {
+
 using platform::InterfaceNode;
 
 namespace {
@@ -78,3 +80,5 @@ void showPageOf(const std::string& control, const platform::Interface& interface
         node = next == node->children.end() ? nullptr : next->get();
     }
 }
+
+} // namespace frontend

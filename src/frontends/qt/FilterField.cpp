@@ -5,6 +5,8 @@
 
 #include <QKeyEvent>
 
+namespace frontend {
+
 FilterField::FilterField(TableView& table) : table_(table) {
     setPlaceholderText(shown(NSLocalizedString("Filter")));
     const QString name = table.accessibleName();
@@ -33,3 +35,5 @@ void FilterField::keyPressEvent(QKeyEvent* event) {
         QLineEdit::keyPressEvent(event);
     }
 }
+
+} // namespace frontend

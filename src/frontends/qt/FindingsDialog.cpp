@@ -21,6 +21,8 @@
 #include <string_view>
 #include <utility>
 
+namespace frontend {
+
 namespace {
 
 using accesscheck::Finding;
@@ -145,3 +147,5 @@ void FindingsDialog::showFinding() {
     }
     details_->setPlainText(text);
 }
+
+} // namespace frontend

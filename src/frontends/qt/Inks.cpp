@@ -10,6 +10,8 @@
 #include <algorithm>
 #include <cmath>
 
+namespace frontend {
+
 namespace {
 
 /// The contrast that inks are chosen for. It is higher because frames and alternating rows vary the ground.
@@ -212,3 +214,5 @@ QColor loweredWindow(const QPalette& palette) {
 QIcon markIcon(Mark mark, QPalette::ColorRole ground) {
     return QIcon(new MarkEngine(mark, ground));
 }
+
+} // namespace frontend

@@ -7,6 +7,8 @@
 
 class QWidget;
 
+namespace frontend {
+
 // The colours that the window chooses itself. Each is chosen for its background, so that it is readable with
 // light, dark and high-contrast desktop colours.
 
@@ -53,3 +55,5 @@ enum class Mark { Warning, Information };
 
 /// Returns the mark as an icon for that ground. In a selected row it uses the selection's colours.
 [[nodiscard]] QIcon markIcon(Mark mark, QPalette::ColorRole ground = QPalette::Base);
+
+} // namespace frontend

@@ -10,6 +10,8 @@
 #include <algorithm>
 #include <utility>
 
+namespace frontend {
+
 LineEdit::LineEdit(NSTextField& field, RefreshQueue& queue) : field_(field), queue_(queue) {
     if (field.isSecure()) {
         setEchoMode(QLineEdit::Password);
@@ -215,3 +217,5 @@ void LineEdit::endDrag() {
     isDraggedOn_ = false;
     load();
 }
+
+} // namespace frontend

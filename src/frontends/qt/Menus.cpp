@@ -12,6 +12,8 @@
 #include <QMenu>
 #include <QMenuBar>
 
+namespace frontend {
+
 using platform::InterfaceNode;
 
 namespace {
@@ -76,3 +78,5 @@ void insertBeforeHelp(QMenuBar& bar, QMenu& menu) {
     const QList<QAction*> menus = bar.actions();
     bar.insertMenu(menus.isEmpty() ? nullptr : menus.constLast(), &menu);
 }
+
+} // namespace frontend

@@ -5,6 +5,8 @@
 #include <QPainter>
 #include <QPalette>
 
+namespace frontend {
+
 namespace {
 
 class MoreIconEngine : public QIconEngine {
@@ -40,3 +42,5 @@ class MoreIconEngine : public QIconEngine {
 QIcon moreIcon() {
     return QIcon(new MoreIconEngine); // the icon owns it
 }
+
+} // namespace frontend

@@ -11,6 +11,8 @@
 
 #include <algorithm>
 
+namespace frontend {
+
 namespace {
 
 constexpr const char* fusion = "fusion";
@@ -181,3 +183,5 @@ void usePlainStyle() {
         QApplication::setStyle(new PlainStyle); // the application takes ownership
     }
 }
+
+} // namespace frontend

@@ -5,6 +5,8 @@
 #include <QListView>
 #include <QWheelEvent>
 
+namespace frontend {
+
 namespace {
 
 constexpr int longListLength = 14; ///< the width of a pop-up with a long list, in letters
@@ -90,3 +92,5 @@ void PopUp::userChose(int index) {
 void PopUp::wheelEvent(QWheelEvent* event) {
     event->ignore();
 }
+
+} // namespace frontend

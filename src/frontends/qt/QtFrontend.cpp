@@ -23,6 +23,8 @@
 #include <cstdlib>
 #include <utility>
 
+namespace frontend {
+
 namespace {
 
 bool isSet(const char* variable) {
@@ -157,3 +159,5 @@ platform::Status QtFrontend::takeSnapshots(const std::string& folder) {
 bool QtFrontend::displayIsThere() {
     return isSet("DISPLAY") || isSet("WAYLAND_DISPLAY") || isSet("QT_QPA_PLATFORM");
 }
+
+} // namespace frontend

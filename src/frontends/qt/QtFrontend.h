@@ -13,6 +13,8 @@ class History;
 class Reviewer;
 } // namespace review
 
+namespace frontend {
+
 /// The window front-end: the Qt application object, and the presenter that renders every interface file that
 /// is loaded. Only one per process at a time, main thread only. Make it before the interface is loaded:
 ///
@@ -91,3 +93,5 @@ class QtFrontend {
     struct Implementation;
     std::unique_ptr<Implementation> implementation_;
 };
+
+} // namespace frontend

@@ -30,6 +30,8 @@
 #include <algorithm>
 #include <stdexcept>
 
+namespace frontend {
+
 using platform::AlertAnswer;
 using platform::Interface;
 using platform::InterfaceNode;
@@ -372,3 +374,5 @@ void QtPresenter::toolWillRun(const std::string& tool, std::span<const std::stri
 void QtPresenter::toolDidWrite(std::string_view output) {
     activity_.toolDidWrite(output);
 }
+
+} // namespace frontend

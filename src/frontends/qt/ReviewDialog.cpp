@@ -15,6 +15,8 @@
 #include <QScrollArea>
 #include <QVBoxLayout>
 
+namespace frontend {
+
 namespace {
 
 constexpr int dialogWidth = 560;
@@ -241,3 +243,5 @@ void showPlan(const review::Plan& plan, QWidget* parent) {
     dialog.addButton(NSLocalizedString("Close"), QDialogButtonBox::RejectRole, true);
     dialog.exec();
 }
+
+} // namespace frontend

@@ -20,6 +20,8 @@
 #include <string_view>
 #include <utility>
 
+namespace frontend {
+
 namespace systempath = platform::systempath;
 
 namespace {
@@ -188,3 +190,5 @@ void RunProgress::end() {
         queue_.flush();
     }
 }
+
+} // namespace frontend

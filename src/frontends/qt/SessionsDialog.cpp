@@ -15,6 +15,8 @@
 #include <QTreeWidget>
 #include <QVBoxLayout>
 
+namespace frontend {
+
 namespace {
 
 using platform::Session;
@@ -124,3 +126,5 @@ void SessionsDialog::disconnectSelected() {
     }
     fill();
 }
+
+} // namespace frontend

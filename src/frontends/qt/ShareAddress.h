@@ -5,6 +5,8 @@
 #include <functional>
 #include <string>
 
+namespace frontend {
+
 /// The server that offers the shares.
 struct ShareServer {
     std::string address; ///< "smb://HOST:PORT/", empty when nothing serves them
@@ -24,3 +26,5 @@ struct ShareServer {
 /// with a name.
 [[nodiscard]] std::string addressOf(const ShareServer& server, NSTableView& shares, int row,
                                     const std::function<bool(const std::string&)>& hasSection);
+
+} // namespace frontend

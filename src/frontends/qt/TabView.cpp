@@ -7,6 +7,8 @@
 #include <algorithm>
 #include <utility>
 
+namespace frontend {
+
 TabView::TabView(NSTabView& tabView, std::vector<MakePage> pages, RefreshQueue& queue)
     : tabView_(tabView), queue_(queue), pages_(std::move(pages)), stack_(new QStackedWidget) {
     auto* layout = new QVBoxLayout(this);
@@ -71,3 +73,5 @@ void TabView::buildNext() {
         QTimer::singleShot(0, this, &TabView::buildNext);
     }
 }
+
+} // namespace frontend

@@ -12,6 +12,8 @@
 #include <set>
 #include <utility>
 
+namespace frontend {
+
 namespace {
 
 constexpr int tightest =
@@ -208,3 +210,5 @@ void TableView::shareWidth() {
     }
     loading_ = wasLoading;
 }
+
+} // namespace frontend

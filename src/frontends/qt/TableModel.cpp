@@ -8,6 +8,8 @@
 #include <algorithm>
 #include <utility>
 
+namespace frontend {
+
 TableModel::TableModel(NSTableView& table)
     : table_(table), length_(table.numberOfRows()),
       rows_(
@@ -142,3 +144,5 @@ void TableModel::rearrange() {
     rows_.arrange(table_.selectedRows());
     endResetModel();
 }
+
+} // namespace frontend

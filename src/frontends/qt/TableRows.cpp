@@ -8,6 +8,8 @@
 #include <numeric>
 #include <span>
 
+namespace frontend {
+
 namespace {
 
 constexpr char betweenCells = '\n';
@@ -178,3 +180,5 @@ void TableRows::arrange(const std::vector<int>& kept) {
         places_[static_cast<std::size_t>(rows_[place])] = static_cast<int>(place);
     }
 }
+
+} // namespace frontend

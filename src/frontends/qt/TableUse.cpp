@@ -9,6 +9,8 @@
 #include <QHeaderView>
 #include <QMenu>
 
+namespace frontend {
+
 // What a user does with a table's rows apart from selecting them: finding and copying them, and asking for
 // actions on them.
 
@@ -115,3 +117,5 @@ void TableView::contextMenuEvent(QContextMenuEvent* event) {
                                                        : event->globalPos();
     menu.exec(position);
 }
+
+} // namespace frontend

@@ -16,6 +16,8 @@
 #include <memory>
 #include <span>
 
+namespace frontend {
+
 namespace {
 
 constexpr int rowPadding = 8;
@@ -245,3 +247,5 @@ void TableView::userSelected() {
     dispatchUserEvent(queue_, [this] { table_.selectRows(shownSelection_); });
     loadSelection();
 }
+
+} // namespace frontend

@@ -18,6 +18,8 @@ class QMenu;
 #include <utility>
 #include <vector>
 
+namespace frontend {
+
 /// Shows a table's model. Cells are requested when they are drawn and not kept, so the length of the table
 /// costs nothing until it is sorted or filtered. Qt's rows are places in the view; rowAt returns the table's
 /// own rows.
@@ -157,3 +159,5 @@ class TableView : public QTableView {
     bool widthsAreUsers_ = false;     ///< the user has set a column's width, so leave all of them alone
     std::map<int, int> neededWidths_; ///< by section, as far as they were asked for since the rows changed
 };
+
+} // namespace frontend

@@ -10,6 +10,8 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
+namespace frontend {
+
 namespace {
 
 constexpr double moment = 0.5; // seconds
@@ -65,3 +67,5 @@ void WaitingDialog::waitHasEnded() {
     dialog_.reset();
     queue_.hold(false);
 }
+
+} // namespace frontend

@@ -28,6 +28,8 @@
 #include <algorithm>
 #include <stdexcept>
 
+namespace frontend {
+
 using Kind = platform::InterfaceKind;
 using platform::InterfaceNode;
 
@@ -119,7 +121,7 @@ QWidget* WidgetBuilder::makeSeparator(const InterfaceNode& /*node*/) {
 }
 
 QWidget* WidgetBuilder::makeButton(const InterfaceNode& node) {
-    return ::makeButton(node, actions_, queue_);
+    return frontend::makeButton(node, actions_, queue_);
 }
 
 QWidget* WidgetBuilder::makePopUp(const InterfaceNode& node) {
@@ -378,3 +380,5 @@ void WidgetBuilder::fillGrid(QGridLayout& layout, const InterfaceNode& node) {
     }
     layout.setColumnStretch(columns, anyWide ? 0 : 1);
 }
+
+} // namespace frontend

@@ -15,6 +15,8 @@
 class QGridLayout;
 class QBoxLayout;
 
+namespace frontend {
+
 /// Makes the widgets of one window from the nodes of an interface file. It lives as long as the window,
 /// because the pages of tab views are made later.
 class WidgetBuilder {
@@ -59,3 +61,5 @@ class WidgetBuilder {
     std::multimap<std::string, QLabel*, std::less<>>
         buddies_; ///< labels whose control is not made yet, by its name
 };
+
+} // namespace frontend

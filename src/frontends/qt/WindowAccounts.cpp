@@ -10,6 +10,8 @@
 #include <QMenu>
 #include <QMenuBar>
 
+namespace frontend {
+
 namespace {
 
 constexpr const char* settingKey = "BrindleShowSystemAccounts";
@@ -65,3 +67,5 @@ void WindowAccounts::watch(TableView& table) {
         return name == groupTable ? std::move(accounts.groups) : std::move(accounts.users);
     });
 }
+
+} // namespace frontend

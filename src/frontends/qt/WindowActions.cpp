@@ -18,6 +18,8 @@
 #include <filesystem>
 #include <system_error>
 
+namespace frontend {
+
 using platform::InterfaceNode;
 
 namespace {
@@ -107,7 +109,7 @@ void WindowActions::addButtonsOf(const std::string& table, QMenu& menu) {
         const auto* button = modelOf<NSButton>(each);
         const std::string& role = each.attribute("role");
         if (button != nullptr && (role == "edit" || role == "delete") && each.attribute("reverts") == table) {
-            QAction* entry = menu.addAction(::title(button->title()), [this, &each] { use(each); });
+            QAction* entry = menu.addAction(frontend::title(button->title()), [this, &each] { use(each); });
             entry->setEnabled(button->isEnabled());
             // Only shown: the table handles the key.
             entry->setShortcut(role == "edit" ? Qt::Key_Return : Qt::Key_Delete);
@@ -293,3 +295,5 @@ void WindowActions::showNothingForMissingNumbers(NSTableView& table) const {
         }
     });
 }
+
+} // namespace frontend

@@ -20,6 +20,8 @@
 #include <QTreeWidget>
 #include <QVBoxLayout>
 
+namespace frontend {
+
 namespace {
 
 constexpr int dialogWidth = 720;
@@ -216,3 +218,5 @@ bool WindowHistory::takeBack(std::optional<std::int64_t> number, QWidget* parent
 void WindowHistory::showHistory() {
     HistoryDialog(history_, *this, &window_).exec();
 }
+
+} // namespace frontend

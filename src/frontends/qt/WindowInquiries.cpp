@@ -19,6 +19,8 @@
 #include <algorithm>
 #include <map>
 
+namespace frontend {
+
 namespace {
 
 const NSTableColumn* columnOf(const NSTableView& table, const char* identifier) {
@@ -130,3 +132,5 @@ std::unique_ptr<QDialog> WindowInquiries::makeSessionsDialog(QWidget* parent) {
             }},
         parent);
 }
+
+} // namespace frontend

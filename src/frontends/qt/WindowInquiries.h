@@ -14,6 +14,8 @@
 
 class QMenu;
 
+namespace frontend {
+
 /// The window's menu "Check": who may use a share and what a user may do, what is wrong with the computer,
 /// and who is connected. It also marks shares with faults in the share table. A child of the main window's
 /// widget.
@@ -35,3 +37,5 @@ class WindowInquiries : public QObject {
     NSTableView& users_;
     RefreshQueue& queue_;
 };
+
+} // namespace frontend

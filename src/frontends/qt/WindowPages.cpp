@@ -15,6 +15,8 @@
 
 #include <utility>
 
+namespace frontend {
+
 using platform::InterfaceNode;
 
 WindowPages::WindowPages(NSTabView& tabs, QMainWindow& window, WindowActions& actions, RefreshQueue& queue)
@@ -102,3 +104,5 @@ void WindowPages::turn(int pages) {
         focusBeginningOf(view->currentPage());
     }
 }
+
+} // namespace frontend

@@ -33,6 +33,8 @@
 
 #include <sys/stat.h>
 
+namespace frontend {
+
 namespace {
 
 constexpr const char* reviewAllKey = "BrindleReviewEveryChange";
@@ -344,3 +346,5 @@ bool WindowReview::eventFilter(QObject* watched, QEvent* event) {
     }
     return QObject::eventFilter(watched, event);
 }
+
+} // namespace frontend

@@ -16,6 +16,8 @@
 
 #include <algorithm>
 
+namespace frontend {
+
 using platform::InterfaceNode;
 
 namespace {
@@ -187,3 +189,5 @@ bool WindowView::eventFilter(QObject* watched, QEvent* event) {
     }
     return QObject::eventFilter(watched, event);
 }
+
+} // namespace frontend

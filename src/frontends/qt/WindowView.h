@@ -10,6 +10,8 @@
 
 #include <memory>
 
+namespace frontend {
+
 /// One window, sheet or panel of an interface file on the screen: its widget, which is kept in step with the
 /// NSWindow. Owned by the presenter.
 class WindowView : public QObject {
@@ -44,3 +46,5 @@ class WindowView : public QObject {
     QPointer<QWidget> widget_; ///< null after the main window, its parent, was destroyed
     platform::Connection orderedFront_;
 };
+
+} // namespace frontend

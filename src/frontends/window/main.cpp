@@ -13,6 +13,7 @@
 namespace {
 
 using frontend::Application;
+using frontend::QtFrontend;
 using platform::Status;
 
 Status loadInto(QtFrontend& window, Application& application) {
