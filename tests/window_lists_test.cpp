@@ -349,7 +349,7 @@ TEST_F(RowMenu, OpensTheFolderAndCopiesTheAddressForOthers) {
     host.write("etc/smb.conf", "[My Docs]\n\tpath = " + folder + "\n");
     openOnComputer();
     EXPECT_FALSE(pick(0, "Copy Address")); // nothing serves it
-    frontend->useServer("smb://desk:4455/", "", false);
+    frontend->useServer({"smb://desk:4455/", "", false});
     EXPECT_TRUE(pick(0, "Copy Address"));
     EXPECT_EQ(QApplication::clipboard()->text(), "smb://desk:4455/My%20Docs");
     EXPECT_TRUE(pick(1, "Copy Address"));

@@ -14,7 +14,7 @@ class EveryWindow : public WindowWithHistory {
   protected:
     void openAll() {
         openWithDoctor();
-        frontend->useServer("smb://127.0.0.1:4455/", "SMB server", false);
+        frontend->useServer({"smb://127.0.0.1:4455/", "SMB server", false});
     }
 
     QMainWindow& window() { return widget<QMainWindow>("mainWindow"); }

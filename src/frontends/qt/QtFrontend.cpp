@@ -118,8 +118,8 @@ void QtFrontend::useHistory(const review::History& history) {
     implementation_->presenter->useHistory(history);
 }
 
-void QtFrontend::useServer(const std::string& address, const std::string& state, bool hasFailed) {
-    implementation_->presenter->useServer({address, state, hasFailed});
+void QtFrontend::useServer(ShareServer server) {
+    implementation_->presenter->useServer(std::move(server));
 }
 
 void QtFrontend::useDoctor(accesscheck::Patient patient) {

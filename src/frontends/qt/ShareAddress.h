@@ -1,18 +1,12 @@
 #pragma once
 
+#include "frontends/ShareServer.h"
 #include "platform/appkit/NSTableView.h"
 
 #include <functional>
 #include <string>
 
 namespace frontend {
-
-/// The server that offers the shares.
-struct ShareServer {
-    std::string address; ///< "smb://HOST:PORT/", empty when nothing serves them
-    std::string state;   ///< a sentence about it, or about why there is none; may be empty
-    bool hasFailed = false;
-};
 
 /// Returns the row's value in the column; empty when there is no such column.
 [[nodiscard]] std::string valueOf(NSTableView& table, const char* identifier, int row);
