@@ -348,7 +348,7 @@ void QtPresenter::windowVisibilityDidChange(NSWindow& window) {
     }
     if (window.kind() == NSWindowKind::Sheet && !window.isVisible() && mainWidget_ != nullptr) {
         for (TableView* table : mainWidget_->findChildren<TableView*>()) {
-            table->checkSelectionLater();
+            table->reloadLater(); // the selection was not compared with the rows while the sheet was open
         }
     }
 }

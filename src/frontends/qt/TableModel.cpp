@@ -1,5 +1,6 @@
-#include "frontends/qt/TableView.h"
+#include "frontends/qt/TableModel.h"
 
+#include "frontends/qt/Binding.h"
 #include "frontends/qt/CellText.h"
 #include "frontends/qt/Inks.h"
 

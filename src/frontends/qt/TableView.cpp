@@ -1,15 +1,9 @@
 #include "frontends/qt/TableView.h"
 
 #include "platform/appkit/NSApplication.h"
-#include "platform/foundation/NSBundle.h"
-#include "platform/foundation/NSString.h"
-#include "platform/foundation/NSUserDefaults.h"
 
-#include <QClipboard>
-#include <QContextMenuEvent>
-#include <QGuiApplication>
 #include <QHeaderView>
-#include <QMenu>
+#include <QResizeEvent>
 #include <QStyledItemDelegate>
 
 #include <algorithm>
@@ -178,7 +172,7 @@ void TableView::setRemarks(std::function<std::string(const std::string& name, in
 
 void TableView::setLeftOut(std::function<std::set<std::string>()> names) {
     namesLeftOut_ = std::move(names);
-    leaveOutAgain();
+    reloadLater();
 }
 
 QString TableView::remarkOfRow(int row) {

@@ -43,7 +43,7 @@ void WindowAccounts::addMenu() {
     connect(show_, &QAction::toggled, this, [this](bool isOn) {
         NSUserDefaults::standardUserDefaults().setInteger(isOn ? 1 : 0, settingKey);
         for (TableView* table : window_.findChildren<TableView*>()) {
-            table->leaveOutAgain();
+            table->reloadLater();
         }
     });
 }
