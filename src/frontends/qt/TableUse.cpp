@@ -1,7 +1,6 @@
 #include "frontends/qt/TableView.h"
 
 #include "platform/appkit/NSApplication.h"
-#include "platform/foundation/NSBundle.h"
 
 #include <QClipboard>
 #include <QContextMenuEvent>
@@ -107,12 +106,12 @@ void TableView::contextMenuEvent(QContextMenuEvent* event) {
     if (selectionModel()->hasSelection() && (!isKey || current.isValid())) {
         const int place = selectionModel()->selectedRows().constFirst().row();
         Q_EMIT menuAsked(menu, model_.rowAt(place));
-        menu.addAction(shown(NSLocalizedString("Copy")), QKeySequence(QKeySequence::Copy), this,
+        menu.addAction(localized("Copy"), QKeySequence(QKeySequence::Copy), this,
                        [this] { copySelection(); });
         menu.addSeparator();
     }
-    fillOrderMenu(*menu.addMenu(shown(NSLocalizedString("Sort By"))));
-    fillColumnMenu(*menu.addMenu(shown(NSLocalizedString("Columns"))));
+    fillOrderMenu(*menu.addMenu(localized("Sort By")));
+    fillColumnMenu(*menu.addMenu(localized("Columns")));
     const QPoint position = isKey && current.isValid() ? viewport()->mapToGlobal(visualRect(current).center())
                                                        : event->globalPos();
     menu.exec(position);
