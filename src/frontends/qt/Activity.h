@@ -7,7 +7,6 @@
 
 #include <cstddef>
 #include <deque>
-#include <functional>
 #include <memory>
 #include <span>
 #include <string>

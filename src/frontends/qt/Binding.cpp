@@ -37,7 +37,6 @@ void RefreshQueue::flush() {
     }
     // A refresh may mark other bindings. They are appended and refreshed in this pass, which would invalidate
     // iterators.
-    // NOLINTNEXTLINE(modernize-loop-convert)
     std::size_t next = 0;
     while (next < waiting_.size()) {
         if (Binding* binding = std::exchange(waiting_[next], nullptr)) {
@@ -89,10 +88,6 @@ void afterFirstPaint(QObject* owner, std::function<void()> work) {
     QTimer::singleShot(0, owner, [owner, whenPainted, work = std::move(work)] {
         QTimer::singleShot(whenPainted, owner, work);
     });
-}
-
-void dispatchUserEvent(RefreshQueue& queue, const std::function<void()>& event) {
-    queue.runUserEvent(event);
 }
 
 } // namespace frontend

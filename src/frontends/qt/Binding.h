@@ -8,7 +8,6 @@
 
 #include <functional>
 #include <string>
-#include <utility>
 #include <vector>
 
 namespace frontend {
@@ -76,9 +75,6 @@ class Binding : public QObject {
 /// Makes what is not visible yet, after the window that is about to be shown has been painted. Does nothing
 /// once `owner` is destroyed.
 void afterFirstPaint(QObject* owner, std::function<void()> work);
-
-/// Calls queue.runUserEvent(event).
-void dispatchUserEvent(RefreshQueue& queue, const std::function<void()>& event);
 
 /// Returns the text for Qt. Bytes that are not UTF-8 become replacement characters.
 [[nodiscard]] inline QString shown(const std::string& text) {

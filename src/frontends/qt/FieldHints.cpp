@@ -13,7 +13,6 @@
 #include <charconv>
 #include <cstdint>
 #include <filesystem>
-#include <limits>
 #include <optional>
 #include <system_error>
 

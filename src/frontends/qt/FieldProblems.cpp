@@ -8,7 +8,7 @@
 
 #include <QAccessible>
 
-#include <functional>
+#include <algorithm>
 
 namespace frontend {
 
@@ -74,7 +74,7 @@ void showPageOf(const std::string& control, const platform::Interface& interface
             const int page = static_cast<int>(next - node->children.begin());
             auto* popUp = pages->showsTabs() ? nullptr : findPopUpOf(interface.root(), pages->labels());
             if (popUp != nullptr && pages->indexOfSelectedTabViewItem() != page) {
-                dispatchUserEvent(queue, [popUp, page] { popUp->performSelect(page); });
+                queue.runUserEvent([popUp, page] { popUp->performSelect(page); });
             }
         }
         node = next == node->children.end() ? nullptr : next->get();

@@ -129,7 +129,7 @@ void LineEdit::userEdited(const QString& text) {
 }
 
 void LineEdit::endEditing() {
-    dispatchUserEvent(queue_, [this] { field_.endEditing(); });
+    queue_.runUserEvent([this] { field_.endEditing(); });
     const std::string before = entered_;
     noteEntered();
     if (std::exchange(isEdited_, false) && before != entered_) {

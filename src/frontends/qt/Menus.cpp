@@ -61,7 +61,7 @@ void fillMenuBar(QMainWindow& window, const InterfaceNode& menuBar, WindowAction
 }
 
 void closeMainWindow(RefreshQueue& queue) {
-    dispatchUserEvent(queue, [] {
+    queue.runUserEvent([] {
         if (NSWindow* main = NSApp().mainWindow()) {
             main->close();
         }

@@ -83,7 +83,7 @@ QWidget* PopUp::list() const {
 }
 
 void PopUp::userChose(int index) {
-    dispatchUserEvent(queue_, [this, index] { popUp_.performSelect(index); });
+    queue_.runUserEvent([this, index] { popUp_.performSelect(index); });
     if (currentIndex() != popUp_.indexOfSelectedItem()) {
         setCurrentIndex(popUp_.indexOfSelectedItem());
     }

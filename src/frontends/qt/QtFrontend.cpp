@@ -138,7 +138,7 @@ void QtFrontend::useListener(
 int QtFrontend::run(const std::function<void()>& launch) {
     QtPresenter& presenter = *implementation_->presenter;
     QTimer::singleShot(0, &implementation_->application, [&presenter, &launch] {
-        dispatchUserEvent(presenter.queue(), launch);
+        presenter.queue().runUserEvent(launch);
         if (NSApp().isTerminated()) {
             QCoreApplication::quit();
         }

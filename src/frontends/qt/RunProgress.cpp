@@ -16,8 +16,6 @@
 #include <QVBoxLayout>
 
 #include <algorithm>
-#include <array>
-#include <string_view>
 #include <utility>
 
 namespace frontend {

@@ -145,7 +145,7 @@ class Photographer {
 };
 
 void Photographer::act(const std::function<void()>& event) {
-    dispatchUserEvent(presenter_.queue(), event);
+    presenter_.queue().runUserEvent(event);
     QApplication::processEvents();
 }
 

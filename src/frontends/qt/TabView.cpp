@@ -23,7 +23,7 @@ TabView::TabView(NSTabView& tabView, std::vector<MakePage> pages, RefreshQueue& 
             bar_->addTab(title(label));
         }
         connect(bar_, &QTabBar::currentChanged, this, [this](int page) {
-            dispatchUserEvent(queue_, [this, page] { tabView_.selectTabViewItemAtIndex(page); });
+            queue_.runUserEvent([this, page] { tabView_.selectTabViewItemAtIndex(page); });
             load();
         });
         layout->addWidget(bar_);

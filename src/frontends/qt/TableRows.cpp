@@ -4,9 +4,9 @@
 
 #include <algorithm>
 #include <bit>
+#include <cstdint>
 #include <cstring>
 #include <numeric>
-#include <span>
 
 namespace frontend {
 

@@ -238,7 +238,7 @@ void TableView::userSelected() {
         return;
     }
     shownSelection_ = rowsOf(model_, selectionModel()->selection());
-    dispatchUserEvent(queue_, [this] { table_.selectRows(shownSelection_); });
+    queue_.runUserEvent([this] { table_.selectRows(shownSelection_); });
     loadSelection();
 }
 

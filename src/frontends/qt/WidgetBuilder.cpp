@@ -27,6 +27,7 @@
 
 #include <algorithm>
 #include <stdexcept>
+#include <vector>
 
 namespace frontend {
 

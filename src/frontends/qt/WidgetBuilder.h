@@ -5,12 +5,9 @@
 #include "platform/appkit/Interface.h"
 
 #include <QLabel>
-#include <QLayout>
 
 #include <map>
 #include <string>
-#include <string_view>
-#include <vector>
 
 class QGridLayout;
 class QBoxLayout;

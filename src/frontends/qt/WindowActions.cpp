@@ -70,7 +70,7 @@ void WindowActions::use(const InterfaceNode& node) {
     if (isYes(node, "checks") && !passesChecks(node)) {
         return;
     }
-    dispatchUserEvent(queue_, [this, &node] {
+    queue_.runUserEvent([this, &node] {
         // Ask nothing for a disabled control.
         const std::string question = textAbout(node, "confirm");
         const auto* control = modelOf<NSControl>(node);
@@ -155,7 +155,7 @@ void WindowActions::beginWith(const std::string& table,
         if (field == nullptr || node == nullptr) {
             continue;
         }
-        dispatchUserEvent(queue_, [field, &text = text] { field->performReplace(text); });
+        queue_.runUserEvent([field, &text = text] { field->performReplace(text); });
         fieldWasLeft(*node);
     }
     if (begun_ && !textsOfFields.empty()) {
@@ -180,7 +180,7 @@ void WindowActions::fieldWasLeft(const InterfaceNode& node) {
     if (!path.starts_with('/') || !std::filesystem::is_directory(path, ignored)) {
         return;
     }
-    dispatchUserEvent(queue_, [this, chooser, &path] {
+    queue_.runUserEvent([this, chooser, &path] {
         answerPanel_(path);
         chooser->sendAction();
         answerPanel_(std::nullopt);

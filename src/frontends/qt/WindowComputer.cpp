@@ -72,7 +72,7 @@ void WindowComputer::showState() {
 }
 
 void WindowComputer::control(review::Reviewer::ServerChange change) {
-    dispatchUserEvent(queue_, [change] { review::Reviewer::changeServer(change); });
+    queue_.runUserEvent([change] { review::Reviewer::changeServer(change); });
     showState();
 }
 

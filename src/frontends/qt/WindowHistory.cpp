@@ -183,7 +183,7 @@ void WindowHistory::nameUndo() {
 
 bool WindowHistory::takeBack(std::optional<std::int64_t> number, QWidget* parent) {
     bool isDone = false;
-    dispatchUserEvent(queue_, [&] {
+    queue_.runUserEvent([&] {
         const auto plan = history_.describeUndo(number);
         if (!plan.isOk() || !plan->refusal.empty()) {
             showProblem(NSLocalizedString("Not Possible"),

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "access/Doctor.h"
-#include "frontends/qt/AccessDialog.h"
 #include "frontends/qt/Binding.h"
 #include "frontends/qt/WindowReview.h"
 #include "platform/appkit/NSTableView.h"

@@ -8,8 +8,6 @@
 #include <QPointer>
 #include <QWidget>
 
-#include <memory>
-
 namespace frontend {
 
 /// One window, sheet or panel of an interface file on the screen: its widget, which is kept in step with the
