@@ -1,5 +1,6 @@
 // The window's size on small and large screens, its place at the next start, and its colours.
 
+#include "frontends/qt/DrawnIcons.h"
 #include "frontends/qt/Inks.h"
 #include "frontends/qt/ReviewDialog.h"
 #include "frontends/qt/ScreenRoom.h"

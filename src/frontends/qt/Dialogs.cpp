@@ -1,6 +1,7 @@
 #include "frontends/qt/Dialogs.h"
 
 #include "frontends/qt/Binding.h"
+#include "frontends/qt/DrawnIcons.h"
 #include "frontends/qt/Inks.h"
 #include "frontends/qt/LineEdit.h"
 #include "frontends/qt/ScreenRoom.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <QIcon>
+#include <QColor>
 #include <QPalette>
 
 #include <optional>
@@ -49,11 +49,5 @@ void useInk(QWidget& widget, std::optional<Ink> ink);
 
 /// Returns a shade of the window's colour for areas that should look slightly recessed.
 [[nodiscard]] QColor loweredWindow(const QPalette& palette);
-
-/// Small signs beside texts, drawn in the application's colours at any size.
-enum class Mark { Warning, Information };
-
-/// Returns the mark as an icon for that ground. In a selected row it uses the selection's colours.
-[[nodiscard]] QIcon markIcon(Mark mark, QPalette::ColorRole ground = QPalette::Base);
 
 } // namespace frontend

@@ -1,7 +1,7 @@
 #include "frontends/qt/PlainStyle.h"
 
+#include "frontends/qt/DrawnIcons.h"
 #include "frontends/qt/Inks.h"
-#include "frontends/qt/MoreIcon.h"
 
 #include <QAbstractScrollArea>
 #include <QApplication>

@@ -2,7 +2,7 @@
 
 #include "frontends/qt/Binding.h"
 #include "frontends/qt/DialogParts.h"
-#include "frontends/qt/Inks.h"
+#include "frontends/qt/DrawnIcons.h"
 #include "frontends/qt/ScreenRoom.h"
 #include "platform/foundation/NSBundle.h"
 

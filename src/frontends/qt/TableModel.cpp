@@ -2,7 +2,7 @@
 
 #include "frontends/qt/Binding.h"
 #include "frontends/qt/CellText.h"
-#include "frontends/qt/Inks.h"
+#include "frontends/qt/DrawnIcons.h"
 
 #include <QFileInfo>
 
