@@ -3,6 +3,7 @@
 #include "frontends/qt/Binding.h"
 #include "frontends/qt/DialogParts.h"
 #include "frontends/qt/DrawnIcons.h"
+#include "frontends/qt/PlainStyle.h"
 #include "frontends/qt/ScreenRoom.h"
 #include "platform/appkit/NSAlert.h"
 #include "platform/foundation/NSBundle.h"
@@ -28,7 +29,6 @@ namespace {
 
 constexpr int dialogWidth = 720;
 constexpr int dialogHeight = 440;
-constexpr int rowPadding = 6;
 constexpr int timeWidth = 90;
 constexpr int outcomeWidth = 80;
 constexpr std::array<const char*, 3> columnTitles = {"Time", "What", "Outcome"};

@@ -4,6 +4,9 @@
 
 namespace frontend {
 
+/// How much higher a row of a list is than its text, in pixels.
+inline constexpr int rowPadding = 8;
+
 /// Qt's own style with more space: wider buttons, higher rows, and margins around the texts of fields and
 /// cells. A menu title that was reached with the keyboard is highlighted before the menu opens. That style's
 /// own edges are hardly visible, so buttons, fields and boxes get an outline, which is coloured for the

@@ -1,5 +1,6 @@
 #include "frontends/qt/TableView.h"
 
+#include "frontends/qt/PlainStyle.h"
 #include "platform/appkit/NSApplication.h"
 
 #include <QHeaderView>
@@ -14,7 +15,6 @@ namespace frontend {
 
 namespace {
 
-constexpr int rowPadding = 8;
 constexpr int smallestColumn = 40;
 
 /// Elides a path in its middle, so that both ends stay readable, and other texts at the end.
