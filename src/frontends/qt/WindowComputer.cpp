@@ -3,6 +3,7 @@
 #include "frontends/qt/Binding.h"
 #include "frontends/qt/ElidedLabel.h"
 #include "frontends/qt/TableView.h"
+#include "frontends/qt/WindowNames.h"
 #include "platform/foundation/NSBundle.h"
 
 #include <QPushButton>
@@ -15,9 +16,7 @@ namespace frontend {
 
 namespace {
 
-constexpr int milliseconds = 3000; // how often to look: a server may start or end at any time
-constexpr int afpPage = 3;
-constexpr const char* userTable = "userTableView";
+constexpr int lookInterval = 3000; // milliseconds: a server may start or end at any time
 constexpr const char* sharedColumn = "Public Shared";
 
 } // namespace
@@ -41,7 +40,7 @@ WindowComputer::WindowComputer(const platform::Computer& computer, NSTabView& ta
     new Binding(state_, queue, tabs.changed, [this] { showState(); });
     auto* timer = new QTimer(this);
     connect(timer, &QTimer::timeout, this, [this] { showState(); });
-    timer->start(milliseconds);
+    timer->start(lookInterval);
     showState();
 }
 
