@@ -10,8 +10,6 @@
 #include <QStatusBar>
 #include <QTimer>
 
-#include <algorithm>
-
 namespace frontend {
 
 namespace {
@@ -47,9 +45,8 @@ WindowComputer::WindowComputer(const platform::Computer& computer, NSTabView& ta
 void WindowComputer::markUsers() {
     // The page of the users is built when it is first shown.
     auto* table = marked_ ? nullptr : window_.findChild<TableView*>(userTable);
-    const auto& columns = users_.tableColumns();
-    const auto shared = std::ranges::find(columns, sharedColumn, &NSTableColumn::identifier);
-    if (table == nullptr || shared == columns.end()) {
+    const NSTableColumn* shared = users_.tableColumnWithIdentifier(sharedColumn);
+    if (table == nullptr || shared == nullptr) {
         return;
     }
     marked_ = true;
