@@ -293,11 +293,9 @@ std::string cannotTakeBack() {
 }
 
 Status failedRun(const PlannedRun& run) {
-    std::string text = run.tool;
-    for (const std::string& argument : run.arguments) {
-        text += " " + argument;
-    }
-    return Status::failure(cannotTakeBack(), {}, stringWithFormat(NSLocalizedString("failed: %@"), text));
+    return Status::failure(
+        cannotTakeBack(), {},
+        stringWithFormat(NSLocalizedString("failed: %@"), runText(run.tool, run.arguments)));
 }
 
 Status carryOutRuns(const std::vector<PlannedRun>& runs) {

@@ -49,7 +49,7 @@ std::string_view textOf(const std::optional<std::string>& bytes) {
 QString detailsOf(const review::HistoryEntry& entry) {
     QString text;
     for (const review::PastRun& run : entry.runs) {
-        text += runLine(run.tool, run.arguments);
+        text += shown(review::runText(run.tool, run.arguments) + "\n");
         if (!run.output.empty()) {
             text += QLatin1String("    ") + shown(run.output).trimmed() + QLatin1Char('\n');
         }
