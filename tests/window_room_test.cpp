@@ -157,7 +157,7 @@ TEST_F(Room, AReviewFitsTheScreenWithItsDetailsAndScrolls) {
         plan.runs.push_back({"/usr/bin/nicl", {".", "-delete", "/users/user" + std::to_string(run)}, ""});
         plan.warnings.push_back({"name", "User " + std::to_string(run) + " is the last one in a group."});
     }
-    const auto dialog = makePlanDialog(plan, &window());
+    const auto dialog = frontend::makePlanDialog(plan, &window());
     dialog->show();
     for (const bool hasDetails : {false, true}) {
         if (hasDetails) {
