@@ -6,8 +6,8 @@ namespace frontend {
 
 /// The server that offers the shares, as the window shows it.
 struct ShareServer {
-    std::string address; ///< "smb://HOST:PORT/", empty when nothing serves them
-    std::string state;   ///< a sentence about it, or about why there is none; may be empty
+    std::string address;    ///< "smb://HOST:PORT/", empty when nothing serves them
+    std::string state;      ///< a sentence about it, or about why there is none; may be empty
     bool hasFailed = false; ///< it should run, and could not be started
 };
 
