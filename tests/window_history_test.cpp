@@ -53,7 +53,7 @@ TEST_F(WindowHistoryTest, TheMenuNamesWhatItUndoesAndRestoresADeletedShare) {
     host.write("etc/smb.conf", conf);
     openWithHistory();
     QAction& none = openChanges();
-    EXPECT_EQ(plainTitle(none.text()), "Undo");
+    EXPECT_EQ(frontend::plainTitle(none.text()), "Undo");
     EXPECT_FALSE(none.isEnabled());
     QTest::keyClick(&widget<QMenu>("changesMenu"), Qt::Key_Escape);
     clickRow("normalTableView", 0);
@@ -63,7 +63,7 @@ TEST_F(WindowHistoryTest, TheMenuNamesWhatItUndoesAndRestoresADeletedShare) {
     showPage(3);
     typeInto("greeting", "Welcome");
     QAction& undo = openChanges();
-    EXPECT_EQ(plainTitle(undo.text()), "Undo “Share \"Docs\" deleted”");
+    EXPECT_EQ(frontend::plainTitle(undo.text()), "Undo “Share \"Docs\" deleted”");
     answer({"No", "Yes"});
     clickInChanges(undo);
     EXPECT_EQ(columnOf("normalTableView", "ShareName"), std::vector<std::string>{});
@@ -81,7 +81,7 @@ TEST_F(WindowHistoryTest, AnEntryThatALaterOneDependsOnIsNotTakenBackAndTheLater
     writeGroup("601", {"Go On", "Yes"}); // a changed id causes a warning
     takeBack(1, {"OK"});
     EXPECT_EQ(asked, (QStringList{"History", "Not Possible", "History"}));
-    EXPECT_TRUE(said.at(1).contains("built on by 2 (Group &quot;team&quot; changed): take"))
+    EXPECT_TRUE(said.at(1).contains("depend on it: 2 (Group &quot;team&quot; changed).  Take"))
         << said.at(1).toStdString();
     EXPECT_EQ(columnOf("groupTableView", "GID"), std::vector<std::string>{"601"});
     takeBack(0, {"Yes"});

@@ -101,7 +101,7 @@ TEST_F(WindowReviewTest, AfterAFailedCopyTheWindowShowsWhatIsOnDisk) {
     typeInto("smbWorkGroup", "OFFICE");
     answer({"Go On", "OK"});
     for (auto* button : widget<QWidget>("smbPropsTabView").window()->findChildren<QPushButton*>()) {
-        if (button->isVisible() && plainTitle(button->text()) == "Save") {
+        if (button->isVisible() && frontend::plainTitle(button->text()) == "Save") {
             QTest::mouseClick(button, Qt::LeftButton);
         }
     }
@@ -115,7 +115,7 @@ TEST_F(WindowReviewTest, APartlyShownPageCannotBeSavedUntilTheFileIsRepaired) {
     showPage(4);
     const auto save = [this] {
         for (auto* button : widget<QWidget>("mainWindow").findChildren<QPushButton*>()) {
-            if (plainTitle(button->text()) == "Save" && button->isVisible()) {
+            if (frontend::plainTitle(button->text()) == "Save" && button->isVisible()) {
                 return button;
             }
         }
@@ -226,7 +226,7 @@ TEST_F(WindowReviewTest, TheMigrationShowsWhichRecordsItWouldRewriteBeforeItIsCo
     answer({"No"});
     NSApp().finishLaunching();
     EXPECT_EQ(asked, QStringList{"Shares Are Not Updated for Jaguar"});
-    EXPECT_TRUE(lastText.contains("Take the share &quot;Old&quot; out of the directory."))
+    EXPECT_TRUE(lastText.contains("Remove the share &quot;Old&quot; from the directory."))
         << lastText.toStdString();
     EXPECT_TRUE(lastText.contains("update them now?")) << lastText.toStdString();
     EXPECT_TRUE(host.runs.empty());

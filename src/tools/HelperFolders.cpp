@@ -182,7 +182,7 @@ Result<OpenOrder> modeOrder(const std::string& mode, const std::string& folder, 
     const char* const end = mode.data() + mode.size();
     const auto [parsed, error] = std::from_chars(mode.data(), end, bits, 8);
     if (error != std::errc() || parsed != end || bits > largest) {
-        return Status::failure("cannot use", mode, "is no mode; give one from 0 to 777 in octal");
+        return Status::failure("cannot use", mode, "is not a mode; give one from 0 to 777 in octal");
     }
     auto opened = withFolder({}, folder, host);
     if (opened.isOk()) {

@@ -59,7 +59,7 @@ void CommandRun::finish() {
         return;
     }
     result_["changed"] = changes_;
-    result_["runs"] = context_.presenter.runs().size();
+    result_["runs"] = context_.presenter.runs();
     say(changes_ ? "changed" : "unchanged"); // for programs: not translated
 }
 
@@ -198,7 +198,7 @@ void CommandRun::perform(const std::function<void()>& event) {
 void CommandRun::checkWhatHappened() const {
     const CommandPresenter& presenter = context_.presenter;
     if (presenter.unanswered()) {
-        fail(*presenter.unanswered() + " " + NSLocalizedString("(say --yes to go on)"),
+        fail(*presenter.unanswered() + " " + NSLocalizedString("(use --yes to continue)"),
              CommandStatus::NeedsAnswer);
     }
     if (presenter.wasRefused()) {

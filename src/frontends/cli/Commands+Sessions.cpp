@@ -2,7 +2,6 @@
 #include "platform/foundation/NSBundle.h"
 #include "platform/foundation/NSString.h"
 #include "platform/foundation/SystemPaths.h"
-#include "platform/posix/LetterCase.h"
 #include "review/ConnectedClients.h"
 
 #include <algorithm>
@@ -81,7 +80,7 @@ bool concerns(const Session& session, const SessionOptions& options) {
 
 void disconnect(CommandRun& run, const SessionOptions& options) {
     if (options.share.has_value() == options.computer.has_value()) {
-        CommandRun::fail(NSLocalizedString("say either --share or --computer"), CommandStatus::WrongUse);
+        CommandRun::fail(NSLocalizedString("give either --share or --computer"), CommandStatus::WrongUse);
     }
     if (std::ranges::none_of(sessionsOf(run), [&](const Session& each) { return concerns(each, options); })) {
         run.finishUnchanged();
@@ -110,7 +109,6 @@ void addSessionCommands(CLI::App& parser, CommandOptions& options) {
     // This runs after the subcommand's callback.
     sessions->final_callback([&options, sessions] {
         if (sessions->get_subcommands().empty()) {
-            options.name = sessions->get_name();
             options.carryOut = list;
         }
     });

@@ -22,6 +22,8 @@
 #include <stdexcept>
 #include <vector>
 
+namespace frontend {
+
 using platform::InterfaceKind;
 using platform::InterfaceNode;
 using platform::Status;
@@ -108,7 +110,7 @@ Status followWishes(QtPresenter& presenter) {
     const NSWindow* main = NSApp().mainWindow();
     const WindowView* view = main == nullptr ? nullptr : presenter.viewOf(*main);
     if (view == nullptr || size.isEmpty()) {
-        return Status::failure("this is no size", text.toStdString(), "write one like 1024x600");
+        return Status::failure("this is not a size", text.toStdString(), "write one like 1024x600");
     }
     view->widget().setMaximumSize(size); // as on a screen of that size
     view->widget().resize(size);
@@ -143,7 +145,7 @@ class Photographer {
 };
 
 void Photographer::act(const std::function<void()>& event) {
-    dispatchUserEvent(presenter_.queue(), event);
+    presenter_.queue().runUserEvent(event);
     QApplication::processEvents();
 }
 
@@ -295,3 +297,5 @@ Status writeSnapshots(QtPresenter& presenter, const std::string& folder) {
     }
     return photographer.status();
 }
+
+} // namespace frontend
