@@ -1,3 +1,4 @@
+#include "platform/foundation/NSFileManager.h"
 #include "platform/samba/SambaAccounts.h"
 #include "platform/security/HelperProtocol.h"
 #include "platform/security/SudoAuthority.h"
