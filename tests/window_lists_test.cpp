@@ -125,6 +125,15 @@ TEST_F(Lists, TypingFindsARowReturnOpensItsEditorAndCopyCopiesWhatIsShown) {
     EXPECT_TRUE(widget<QLineEdit>("shareName").hasFocus());
 }
 
+TEST_F(Lists, AColumnIsWideEnoughForItsTextsWhileOthersHaveWidthToSpare) {
+    const std::string longest(20, 'w');
+    addShare(longest, "/short");
+    open();
+    const QHeaderView& header = *table().horizontalHeader();
+    EXPECT_GT(header.sectionSize(0), table().fontMetrics().horizontalAdvance(longest.c_str()));
+    EXPECT_LE(header.length(), table().viewport()->width()) << "a column ends outside the view";
+}
+
 TEST_F(Lists, ColumnsAreRestoredAsTheyWereArranged) {
     const std::string key = "BrindleColumns.normalTableView";
     auto& defaults = NSUserDefaults::standardUserDefaults();
