@@ -110,7 +110,6 @@ void addSessionCommands(CLI::App& parser, CommandOptions& options) {
     // This runs after the subcommand's callback.
     sessions->final_callback([&options, sessions] {
         if (sessions->get_subcommands().empty()) {
-            options.name = sessions->get_name();
             options.carryOut = list;
         }
     });
