@@ -179,6 +179,8 @@ TEST_F(Commands, EndWithAStatusThatSaysWhatIsMissing) {
     EXPECT_EQ(command("shares add").status, 2);
     EXPECT_EQ(command("shares set Docs --owner-may everything").status, 2);
     EXPECT_EQ(answer("groups list")["groups"].dump().find("crew"), std::string::npos);
+    test_.write("computer/directory.db", "a letter");
+    EXPECT_NE(command("groups show staff").errors.find("could not be read"), std::string::npos);
 }
 
 TEST_F(Commands, PrintForProgramsWhatTheApplicationShows) {
