@@ -94,6 +94,7 @@ TEST_P(CommandsInALanguage, ChangeOnlyWhatDiffersAndNothingTwice) {
         {"groups leave crew ann --yes", ""},
         {"groups join crew ann --yes", ""},
         {"public on ann --yes", ""},
+        {"users add bob --group crew --no-password --yes", ""},
         {"public on --all --yes", ""},
         {"smb set workgroup HOME code-page 437 security user --yes", ""},
         {"afp set greeting Hello log yes --yes", ""},
@@ -178,6 +179,8 @@ TEST_F(Commands, EndWithAStatusThatSaysWhatIsMissing) {
     EXPECT_EQ(command("shares add").status, 2);
     EXPECT_EQ(command("shares set Docs --owner-may everything").status, 2);
     EXPECT_EQ(answer("groups list")["groups"].dump().find("crew"), std::string::npos);
+    test_.write("computer/directory.db", "a letter");
+    EXPECT_NE(command("groups show staff").errors.find("could not be read"), std::string::npos);
 }
 
 TEST_F(Commands, PrintForProgramsWhatTheApplicationShows) {

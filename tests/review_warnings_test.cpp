@@ -66,6 +66,8 @@ TEST_F(Surprises, AChangeBySomebodyElseIsReportedUntilTheFileIsReadAgain) {
     EXPECT_EQ(warningsOf("updateSMBProperties:"), "changed-outside");
     selectShare("Docs");
     type("smbWorkGroup", "UNSAVED");
+    std::filesystem::remove(host.root() / "etc/smb.conf");
+    EXPECT_NE(sentence("createShare:", "changed-outside").find("deleted smb.conf"), std::string::npos);
     writeConf("[global]\nworkgroup = THEIRS\n[Extra]\npath = " + films + "\nguest ok = yes\n");
     reviewer->reread();
     EXPECT_FALSE(reviewer->hasSMBConfChangedOnDisk());

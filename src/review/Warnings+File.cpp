@@ -9,6 +9,7 @@
 #include "review/ServerReading.h"
 
 #include <algorithm>
+#include <filesystem>
 #include <map>
 
 namespace review {
@@ -218,8 +219,21 @@ std::string changedOutside(const SMBConf& model, const std::string& file) {
                : names + stringWithFormat(NSLocalizedString(", and %d more"), things.size() - namedLines);
 }
 
-/// Saving the whole file undoes what somebody else has changed in it.
-std::string lossOutside(const SMBConf& model, const std::string& file) {
+/// What somebody else has done to the file since it was read, and what happens to that. A file that is
+/// written whole loses it.
+std::string changeOutside(const SMBConf& model, const std::string& file) {
+    const platform::Host& host = platform::Host::current();
+    const std::string original =
+        host.paths().shown(host.paths().map(model.Path())); // the plan's copy was written
+    std::error_code ignored; // a file that cannot be looked at has not been deleted
+    if (file.empty() && !std::filesystem::exists(original, ignored) && !ignored) {
+        return NSLocalizedString(
+            "Somebody else deleted smb.conf after Brindle read it: this change creates it again.");
+    }
+    if (host.services().keepsLayout) {
+        return NSLocalizedString("Somebody else changed smb.conf after Brindle read it: your change is made "
+                                 "to the file as it is now.");
+    }
     const std::string names = changedOutside(model, file);
     return names.empty()
                ? NSLocalizedString(
@@ -238,11 +252,7 @@ void addFileWarnings(const Situation& situation, std::vector<Remark>* warnings) 
     }
     const bool keepsLayout = platform::Host::current().services().keepsLayout;
     if (situation.plan.smbConfBefore != model->textOnDisk()) {
-        warnings->push_back(
-            {"changed-outside", keepsLayout
-                                    ? NSLocalizedString("Somebody else changed smb.conf after Brindle read "
-                                                        "it: your change is made to the file as it is now.")
-                                    : lossOutside(*model, situation.plan.smbConfBefore)});
+        warnings->push_back({"changed-outside", changeOutside(*model, situation.plan.smbConfBefore)});
     }
     if (!keepsLayout) {
         addLosses(*model, warnings);

@@ -4,6 +4,7 @@
 #include "platform/appkit/NSApplication.h"
 #include "platform/foundation/NSBundle.h"
 #include "platform/foundation/NSString.h"
+#include "platform/netinfo/StoreWait.h"
 
 #include <iostream>
 
@@ -15,6 +16,17 @@ namespace {
 std::string printed(const JSON& value) {
     constexpr int indent = 2;
     return value.dump(indent, ' ', false, JSON::error_handler_t::replace);
+}
+
+/// Fails because a list does not have `name`, or because the list could not be read.
+[[noreturn]] void failWithout(const std::string& name, const char* complaint) {
+    const std::string& problem = platform::directoryProblem();
+    CommandRun::fail(
+        problem.empty()
+            ? stringWithFormat(NSLocalizedString(complaint), name)
+            : stringWithFormat(
+                  NSLocalizedString("The directory could not be read, so the lists are incomplete: %@."),
+                  problem));
 }
 
 } // namespace
@@ -93,7 +105,7 @@ int CommandRun::requireRow(const std::string& table, const std::string& column, 
                            const char* complaint) const {
     const int row = rowOf(table, column, value);
     if (row < 0) {
-        fail(stringWithFormat(NSLocalizedString(complaint), value));
+        failWithout(value, complaint);
     }
     return row;
 }
@@ -113,7 +125,7 @@ void CommandRun::select(const std::string& popUp, int index) {
 void CommandRun::selectTitle(const std::string& popUp, const std::string& title, const char* complaint) {
     const int index = control<NSPopUpButton>(popUp).indexOfItemWithTitle(title);
     if (index < 0) {
-        fail(stringWithFormat(NSLocalizedString(complaint), title));
+        failWithout(title, complaint);
     }
     select(popUp, index);
 }
