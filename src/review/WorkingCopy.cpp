@@ -138,26 +138,18 @@ Status copyFileIfThere(const std::string& from, const std::string& to) {
 
 } // namespace
 
-std::string makeScratchFolder() {
-    std::error_code ignored;
-    for (const fs::path& place : {fs::path("/dev/shm"), fs::temp_directory_path(ignored)}) {
-        std::string pattern = (place / "brindle-plan-XXXXXX").string();
-        if (::mkdtemp(pattern.data()) != nullptr) {
-            return pattern;
-        }
-    }
-    return {};
-}
+WorkingCopy::WorkingCopy(platform::TemporaryFolder folder)
+    : folder_(std::move(folder)), original_(platform::Host::current().services()),
+      folders_(std::make_shared<FolderForecasts>(original_.folderForecast)) {}
 
 Result<std::shared_ptr<WorkingCopy>> WorkingCopy::makeWithoutDirectory() {
     platform::Host::settlePendingWrites();
-    std::shared_ptr<WorkingCopy> copy(new WorkingCopy()); // make_shared cannot call the private constructor
-    copy->original_ = platform::Host::current().services();
-    copy->folders_ = std::make_shared<FolderForecasts>(copy->original_.folderForecast);
-    copy->folder_ = makeScratchFolder();
-    if (copy->folder_.empty()) {
-        return Status::ofErrno("cannot make", "a folder for temporary files", errno);
+    auto folder = platform::TemporaryFolder::makeInMemory("plan");
+    if (!folder.isOk()) {
+        return folder.status();
     }
+    // make_shared cannot call the private constructor
+    std::shared_ptr<WorkingCopy> copy(new WorkingCopy(std::move(*folder)));
     Status status = copy->fill();
     return status.isOk() ? Result<std::shared_ptr<WorkingCopy>>(std::move(copy)) : status;
 }
@@ -176,24 +168,18 @@ Result<std::shared_ptr<WorkingCopy>> WorkingCopy::make(bool* lacksDirectory) {
     return status.isOk() ? std::move(copy) : status;
 }
 
-WorkingCopy::~WorkingCopy() {
-    if (!folder_.empty()) {
-        std::error_code ignored; // the system cleans its folder for temporary files
-        fs::remove_all(folder_, ignored);
-    }
-}
-
 Status WorkingCopy::fill() {
     std::error_code error;
-    fs::create_directories(folder_ + homeName, error);
+    fs::create_directories(folder_.path() + homeName, error);
     if (!error) {
-        fs::create_directory(folder_ + lockedHomeName, error);
+        fs::create_directory(folder_.path() + lockedHomeName, error);
     }
     if (!error) {
-        fs::permissions(folder_ + lockedHomeName, fs::perms::owner_read | fs::perms::owner_exec, error);
+        fs::permissions(folder_.path() + lockedHomeName, fs::perms::owner_read | fs::perms::owner_exec,
+                        error);
     }
     if (error) {
-        return Status::failure("cannot make a home folder in", folder_, error.message());
+        return Status::failure("cannot make a home folder in", folder_.path(), error.message());
     }
     for (const char* file : settingsFiles) {
         if (Status status = copyFileIfThere(file, settingsFile(file)); !status.isOk()) {
@@ -202,7 +188,7 @@ Status WorkingCopy::fill() {
     }
     const std::string defaults = original_.paths->defaultsFile();
     if (!defaults.empty()) {
-        if (Status status = copyFileIfThere(defaults, folder_ + defaultsName); !status.isOk()) {
+        if (Status status = copyFileIfThere(defaults, folder_.path() + defaultsName); !status.isOk()) {
             return status;
         }
     }
@@ -216,7 +202,7 @@ platform::Services WorkingCopy::services() {
     copied.authority = nullptr;
     copied.pendingWrites = std::make_shared<CopyWrites>(shared_from_this());
     copied.historyFile.clear();
-    copied.paths = std::make_shared<CopiedPaths>(original_, folder_);
+    copied.paths = std::make_shared<CopiedPaths>(original_, folder_.path());
     copied.localDomain = std::make_shared<platform::CopiedDomain>(storeFile(), original_.localDomain);
     copied.folderForecast = folders_;
     return copied;
@@ -231,12 +217,12 @@ Status WorkingCopy::copyHistory(std::string* copy) const {
     if (original_.historyFile.empty()) {
         return {};
     }
-    *copy = folder_ + historyName;
+    *copy = folder_.path() + historyName;
     return copyFileIfThere(original_.historyFile, *copy);
 }
 
 std::string WorkingCopy::storeFile() const {
-    return folder_ + storeName;
+    return folder_.path() + storeName;
 }
 
 void WorkingCopy::takeBack() {
@@ -290,7 +276,7 @@ std::string WorkingCopy::run(const std::string& tool, std::span<const std::strin
 std::string WorkingCopy::copySettings(std::span<const std::string> arguments) {
     HelperRequest request{platform::systempath::cp, {arguments.begin(), arguments.end()}};
     if (arguments.size() == 2) {
-        const CopiedPaths paths(original_, folder_);
+        const CopiedPaths paths(original_, folder_.path());
         request.arguments[0] = paths.map(arguments[0]);
     }
     if (arguments.size() == 2 && changesComputer()) {
@@ -314,7 +300,7 @@ std::string WorkingCopy::copySettings(std::span<const std::string> arguments) {
                 "cp", Status::failure("cannot replace", target, "is not a regular file; move it away"));
         }
     }
-    return runHelperTool({folder_, ::getuid()}, request).output;
+    return runHelperTool({folder_.path(), ::getuid()}, request).output;
 }
 
 OSStatus WorkingCopy::execute(const std::string& tool, std::span<const std::string> arguments,
