@@ -159,6 +159,7 @@ TEST(SmbConf, IsRefusedIfTheServerCouldUseTheOldTextButNotTheNewOne) {
         {"[global]\n  workgroup = HOME\n[Docs]\n  path = /srv\n", nullptr},
         {"[global]\nencrypt passwords = yes\n", nullptr}, // deprecated, but known
         {"[Docs]\ncomment = no path yet\n", nullptr},
+        {"[Docs]\npath = /srv\nworkgroup = HOME\n", nullptr}, // passed over by the server
         {"[global]\nsecurity = SHARE\nmap to guest = Never\n", nullptr},
         {"[global]\n\tSecurity =share\r\nworkgroup = HOME\n", nullptr},
         {"[global]\nsecurity = SHARE\n[Docs]\nread only = perhaps\n", "not boolean"},

@@ -29,12 +29,6 @@ namespace {
 
 using Level = Finding::Level;
 
-bool isShareSecurity(std::string line) {
-    line = platform::lowercased(line);
-    std::erase_if(line, [](char letter) { return letter == ' ' || letter == '\t' || letter == '\r'; });
-    return line == "security=share";
-}
-
 /// The share whose section holds the line; none when the section is not a share's.
 std::optional<std::string> shareAround(std::string_view text, std::size_t line) {
     std::optional<std::string> share;
@@ -80,7 +74,7 @@ void Examiner::examineSettings() {
     for (const platform::SettingsComplaint& each : *complaints) {
         // A root's own server is started with its own folders and security level.
         const bool isOthers = each.line == 0 ? each.text.find(" directory ") != std::string::npos
-                                             : isShareSecurity(lineAt(text, each.line));
+                                             : platform::isShareSecurity(lineAt(text, each.line));
         if (patient_.root && isOthers) {
             continue;
         }

@@ -43,8 +43,7 @@ Status controlService(std::span<const std::string> arguments) {
     }
     // Its errors are not inherited: a server that it starts would keep our standard error open.
     const auto run = platform::runProcess(
-        {words, platform::ErrorOutput::Discarded, {"PATH=/usr/sbin:/usr/bin:/sbin:/bin", "LC_ALL=C"}}, {},
-        limit);
+        {words, platform::ErrorOutput::Discarded, platform::systemEnvironment()}, {}, limit);
     if (!run.isOk()) {
         return run.status();
     }
