@@ -1,11 +1,11 @@
 #include "access/Examiner.h"
+#include "directory/DirectoryView.h"
 #include "platform/foundation/Host.h"
 #include "platform/foundation/NSBundle.h"
 #include "platform/foundation/NSString.h"
 #include "platform/netinfo/AccountLines.h"
 #include "platform/netinfo/AccountNumber.h"
 #include "platform/netinfo/LocalDomain.h"
-#include "platform/netinfo/ni.h"
 #include "platform/posix/LetterCase.h"
 #include "platform/posix/ShellWord.h"
 #include "platform/samba/ComputerPasswords.h"
@@ -38,26 +38,6 @@ std::string joined(const std::vector<std::string>& names) {
         text += (index == 0 ? "" : ", ") + names[index];
     }
     return names.size() > mostNames ? text + ", …" : text;
-}
-
-/// The names of the records that the store itself has at `path`.
-std::vector<std::string> storedNames(const std::string& file, const char* path) {
-    std::vector<std::string> names;
-    platform::OwnedDomain domain;
-    ni_id id;
-    ni_idlist children;
-    if (platform::openRecord(file, path, &domain, &id) != NI_OK ||
-        ni_children(domain.get(), &id, &children) != NI_OK) {
-        return names;
-    }
-    for (const std::uint32_t child : children.niil_val) {
-        id = {child};
-        ni_namelist values;
-        if (ni_lookupprop(domain.get(), &id, "name", &values) == NI_OK && !values.ninl_val.empty()) {
-            names.emplace_back(values.ninl_val.front());
-        }
-    }
-    return names;
 }
 
 bool exists(const std::string& file) {
@@ -145,7 +125,8 @@ void Examiner::examineHalfMade() {
               .remedy = NSLocalizedString("It goes with the next change of an account."),
               .user = code == std::string_view("half-made-user") ? std::optional(name) : std::nullopt});
     };
-    for (const std::string& name : storedNames(file, "/users")) {
+    const DirectoryView store(file);
+    for (const std::string& name : store.names("/users")) {
         if (!users.contains(name)) {
             tell("half-made-user",
                  NSLocalizedString("Brindle keeps something of the user \"%@\", whom the computer does not "
@@ -153,7 +134,7 @@ void Examiner::examineHalfMade() {
                  name);
         }
     }
-    for (const std::string& name : storedNames(file, "/groups")) {
+    for (const std::string& name : store.names("/groups")) {
         if (!groups.contains(name)) {
             tell("half-made-group",
                  NSLocalizedString("Brindle keeps something of the group \"%@\", which the computer does not "

@@ -1,6 +1,7 @@
 #include "review/Reviewer.h"
 
 #include "app/BRController.h"
+#include "directory/DirectoryView.h"
 #include "platform/appkit/ActionGate.h"
 #include "platform/appkit/NSAlert.h"
 #include "platform/appkit/NSButton.h"
@@ -11,7 +12,6 @@
 #include "platform/netinfo/LocalDomain.h"
 #include "platform/netinfo/StoreWait.h"
 #include "privileged/NiutilTask.h"
-#include "review/DirectoryView.h"
 #include "review/Operations.h"
 #include "review/Planner.h"
 #include "review/ServerReading.h"

@@ -24,7 +24,7 @@ namespace systempath = platform::systempath;
 namespace {
 
 using platform::Status;
-using Properties = std::vector<DirectoryView::Property>;
+using Properties = DirectoryView::Record;
 
 PlannedRun niclRun(const char* operation, const std::string& path, const std::string& property = {},
                    const std::vector<std::string>& values = {}) {

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "app/BRController.h"
+#include "directory/DirectoryView.h"
 #include "model/ServerSettings.h"
-#include "review/DirectoryView.h"
 #include "review/Plan.h"
 
 #include <vector>
