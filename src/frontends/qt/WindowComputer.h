@@ -3,12 +3,13 @@
 #include "frontends/qt/Binding.h"
 #include "platform/appkit/NSTabView.h"
 #include "platform/foundation/Computer.h"
-#include "review/Reviewer.h"
+#include "review/ServerChange.h"
 
 #include <QMainWindow>
 #include <QObject>
 
 class ElidedLabel;
+class NSTableView;
 class QPushButton;
 
 /// The line at the window's foot about the computer itself: whether the SMB server runs, since when and where
@@ -24,7 +25,7 @@ class WindowComputer : public QObject {
     void showState();
     /// Marks the users whose Public folder is shared and cannot be offered, with the reason.
     void markUsers();
-    void control(review::Reviewer::ServerChange change);
+    void control(review::ServerChange change);
 
     const platform::Computer& computer_;
     NSTabView& tabs_;
