@@ -3,6 +3,7 @@
 #include "platform/host/HostProcesses.h"
 #include "platform/posix/Process.h"
 #include "platform/samba/SambaAccounts.h"
+#include "platform/samba/ServerProcesses.h"
 #include "support/DirectoryFixture.h"
 #include "support/RootFixture.h"
 
@@ -261,7 +262,7 @@ TEST_F(Root, AccountsAreUpToDateAtOnceInNamesAndInTheServersLists) {
 }
 
 TEST_F(Root, OnlyProcessesOfItsOwnServerAreListed) {
-    platform::HostProcesses processes([](const std::string& id) { return id != "2"; });
+    platform::HostProcesses processes([](pid_t process) { return process != 2; });
     std::FILE* listing = processes.open("printf '1\\n2\\n3\\n4'", "r");
     ASSERT_NE(listing, nullptr);
     std::array<char, 64> text{};
@@ -280,8 +281,8 @@ TEST_F(Root, OnlyProcessesOfItsOwnServerAreListed) {
     }
     EXPECT_EQ(processes.close(listing), 0);
     EXPECT_TRUE(contains(listed, "\n" + self + "\n")) << listed;
-    for (const std::string& id :
-         {std::to_string(getpid()), std::string("1"), std::string("../self"), std::string()}) {
-        EXPECT_FALSE(platform::isServerOfRoot(id, root.folder())) << id;
+    const std::string configuration = platform::SambaAccounts(root.sambaPaths()).configurationFile();
+    for (const pid_t process : {getpid(), 1, 0}) {
+        EXPECT_FALSE(platform::isServerOrChildWith(process, configuration)) << process;
     }
 }

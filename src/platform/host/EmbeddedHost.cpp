@@ -7,6 +7,8 @@
 #include "platform/host/HostProcesses.h"
 #include "platform/host/UserFiles.h"
 #include "platform/netinfo/LocalDomain.h"
+#include "platform/samba/SambaAccounts.h"
+#include "platform/samba/ServerProcesses.h"
 #include "platform/security/ConsentAuthority.h"
 
 #include <cstdlib>
@@ -74,7 +76,9 @@ Result<Services> makeEmbeddedServices(const EmbeddedHostOptions& options) {
         orDefault(options.resources, &defaultResources));
     services.accountNames = std::make_shared<DirectoryAccounts>(root.storeFile());
     services.processes = std::make_shared<HostProcesses>(
-        [folder = root.folder()](const std::string& processId) { return isServerOfRoot(processId, folder); });
+        [configuration = SambaAccounts(root.sambaPaths()).configurationFile()](pid_t process) {
+            return isServerOrChildWith(process, configuration);
+        });
     services.localDomain = std::make_shared<StoreDomain>(root.storeFile());
     const auto authority =
         std::make_shared<ConsentAuthority>(orDefault(options.helper, &defaultHelper), root.folder());

@@ -10,6 +10,7 @@
 #include "platform/host/UserFiles.h"
 #include "platform/netinfo/LocalDomain.h"
 #include "platform/samba/InstalledSamba.h"
+#include "platform/samba/ServerProcesses.h"
 #include "platform/security/ConsentAuthority.h"
 #include "platform/security/HelperFile.h"
 #include "platform/security/SudoAuthority.h"
@@ -88,7 +89,7 @@ Services makeSystemServices(const SystemHostOptions& options) {
         files, home, options.keepsUserDefaults ? defaultsFileOf(home) : std::string(),
         options.resources.empty() ? defaultResources() : options.resources);
     services.accountNames = std::make_shared<DirectoryAccounts>(""); // the computer's own accounts
-    services.processes = std::make_shared<HostProcesses>(&isServerOfComputer);
+    services.processes = std::make_shared<HostProcesses>(&isComputersServer);
     services.localDomain = std::make_shared<SystemDomain>(files);
     const std::string helper = options.helper.empty() ? defaultHelper() : options.helper;
     useAuthority(services, options, helper);
