@@ -13,6 +13,7 @@
 #include "platform/foundation/NSString.h"
 #include "platform/host/EmbeddedHost.h"
 #include "platform/host/EmbeddedRoot.h"
+#include "platform/host/InstalledFiles.h"
 #include "platform/host/SystemHost.h"
 #include "platform/posix/Secret.h"
 #include "platform/samba/EmbeddedServer.h"
