@@ -158,7 +158,7 @@ TEST_F(Commands, EndWithAStatusThatSaysWhatIsMissing) {
         const char* line;
         int status;
         const char* text;
-    } cases[] = {{"shares add Docs / --yes", 1, "there is a share \"Docs\" already"},
+    } cases[] = {{"shares add Docs / --yes", 1, "a different share \"Docs\" already exists"},
                  {"shares set Nowhere --smb", 1, "there is no share \"Nowhere\""},
                  {"shares add Other /no/such/folder --yes", 1, "there is no folder /no/such/folder"},
                  {"shares set Docs --owner zoe --yes", 1, "there is no user \"zoe\""},

@@ -148,14 +148,18 @@ TEST_F(Action, IsServedAndToldSoByAHelperThatCannotTakeItsFilter) {
     const auto errors = [&] {
         return runProgram({helperProgram, "--root", root_.folder()}, platform::frameHeader(0)).errors;
     };
-    EXPECT_EQ(errors().empty(), ::prctl(PR_GET_SECCOMP) >= 0);
+    const bool hasFilters = ::prctl(PR_GET_SECCOMP) >= 0;
+    EXPECT_EQ(errors().empty(), hasFilters);
+    if (!hasFilters) {
+        GTEST_SKIP() << "this kernel takes no filter, not even the one that would refuse another";
+    }
     const auto saysSoWithoutFilters = [&] {
         const auto refusal = SCMP_ACT_ERRNO(EINVAL); // as a kernel without such filters
         const scmp_arg_cmp isOfFilters{0, SCMP_CMP_EQ, PR_SET_SECCOMP, 0};
         void* filter = ::seccomp_init(SCMP_ACT_ALLOW);
         ::seccomp_rule_add(filter, refusal, SCMP_SYS(seccomp), 0);
         ::seccomp_rule_add_array(filter, refusal, SCMP_SYS(prctl), 1, &isOfFilters);
-        return ::seccomp_load(filter) != 0 || errors().find("without a filter") != std::string::npos;
+        return ::seccomp_load(filter) == 0 && errors().find("without a filter") != std::string::npos;
     };
     EXPECT_EXIT(::_exit(saysSoWithoutFilters() ? 0 : 1), testing::ExitedWithCode(0), "");
 }

@@ -19,17 +19,17 @@ TEST_F(HelperTest, RefusesWhatIsNotForSharingAndSaysWhy) {
         {"/bin/chmod", {"755", "/usr/bin"}, "folder of the system"},
         {"/usr/sbin/chown", {":", "/var"}, "folder of the system"},
         {"/bin/chmod", {"600", (test_.root() / "file").string()}, "Not a directory"},
-        {"/bin/chmod", {"-R", shared.string()}, "no mode"},
-        {"/bin/chmod", {"1777", shared.string()}, "no mode"},
+        {"/bin/chmod", {"-R", shared.string()}, "not a mode"},
+        {"/bin/chmod", {"1777", shared.string()}, "not a mode"},
         {"/bin/chmod", {"-R", "755", shared.string()}, "wrong arguments"},
         {"/usr/sbin/chown", {"-R:", shared.string()}, "no such user"},
         {"/usr/sbin/chown", {"0:", shared.string()}, "no such user"},
         {"/usr/sbin/chown", {":--help", shared.string()}, "no such group"},
-        {"/bin/cp", {source_, "/etc/passwd"}, "none of the settings files"},
-        {"/bin/cp", {source_, target_.string()}, "none of the settings files"},
+        {"/bin/cp", {source_, "/etc/passwd"}, "not one of the settings files"},
+        {"/bin/cp", {source_, target_.string()}, "not one of the settings files"},
         {"/bin/kill", {"-9", std::to_string(::getpid())}, "wrong arguments"},
-        {"/bin/kill", {"-1", std::to_string(::getpid())}, "no file server"},
-        {"/bin/kill", {"-1", "-1"}, "is no process"},
+        {"/bin/kill", {"-1", std::to_string(::getpid())}, "not a file server"},
+        {"/bin/kill", {"-1", "-1"}, "is not a process"},
         {"/usr/bin/smbstatus", {"-s", "/etc/shadow"}, "wrong arguments"},
         {"/usr/bin/smbcontrol", {"smbd", "close-share", "*"}, "is not a share's name"},
         {"/usr/bin/smbcontrol", {"smbd", "kill-client-ip", "tower"}, "is not an IP address"},
@@ -212,7 +212,7 @@ TEST_F(HelperTest, HangsUpTheServersOfItsRootAndNoOthers) {
     const FakeServer foreign(folder("foreign"), "/etc/samba/smb.conf");
     EXPECT_EQ(run("/bin/kill", {"-1", own.id()}), "");
     EXPECT_TRUE(own.appears("HUP"));
-    EXPECT_NE(run("/bin/kill", {"-1", foreign.id()}).find("no server of this root"), std::string::npos);
+    EXPECT_NE(run("/bin/kill", {"-1", foreign.id()}).find("not a server of this root"), std::string::npos);
     EXPECT_FALSE(fs::exists(test_.root() / "foreign/HUP"));
 }
 

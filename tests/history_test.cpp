@@ -228,7 +228,7 @@ TEST_P(OneUndo, ADamagedEntryIsNamedAndHidesNoOther) {
     host.write("history.db", bytes);
     EXPECT_EQ(titles(), (std::vector<std::string>{"2 Taken back: Group \"crew\" created failed",
                                                   "1 Group \"crew\" created undone"}));
-    EXPECT_EQ(undo(2), "What it did cannot be read: the history is damaged there.");
+    EXPECT_EQ(undo(2), "What it did cannot be read: this entry of the history is damaged.");
 }
 
 INSTANTIATE_TEST_SUITE_P(Once, OneUndo, testing::Values(1U));

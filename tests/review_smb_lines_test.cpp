@@ -56,7 +56,7 @@ TEST_F(LinesOfSMBConf, ASectionThatSomebodyElseHasAddedIsNamed) {
     const review::Plan plan = reviewer->planSend("createShare:");
     ASSERT_EQ(plan.warnings.size(), 2U);
     EXPECT_EQ(plan.warnings[1].sentence,
-              "Meanwhile somebody else added [New]: it stays, and its settings count beside yours.");
+              "Somebody else has added [New] since; it stays, and its settings apply together with yours.");
 }
 
 TEST_F(LinesOfSMBConf, SettingsThatBecomeActiveWithTheHomeFoldersAreNamed) {

@@ -91,9 +91,9 @@ TEST_F(Surprises, ASectionRemovedWithMoreThanTheEditorShowsIsNamed) {
     writeConf(plainConf("", "veto files = /x/\n"));
     begin();
     selectShare("Docs");
-    EXPECT_EQ(
-        sentence("deleteShare:", "section-removed"),
-        "The section [Docs] of smb.conf goes away with what Brindle did not write there: \"veto files\".");
+    EXPECT_EQ(sentence("deleteShare:", "section-removed"),
+              "The section [Docs] of smb.conf is removed, with settings that Brindle did not write: \"veto "
+              "files\".");
     writeConf("[Docs]\npath = /elsewhere\n");
     reviewer->reread();
     selectShare("Docs");
@@ -112,9 +112,9 @@ TEST_F(Surprises, ARecordRemovedUnaskedIsNamed) {
     host.answerAlert("Shares Are Not Updated for Jaguar", "No");
     begin();
     selectShare("Docs");
-    EXPECT_EQ(
-        sentence("deleteShare:", "record-removed"),
-        "The record of the share \"Docs\" goes away with what Brindle did not write there: \"comment\".");
+    EXPECT_EQ(sentence("deleteShare:", "record-removed"),
+              "The record of the share \"Docs\" is removed, with properties that Brindle did not write: "
+              "\"comment\".");
     const review::Plan migration = reviewer->planMigration();
     EXPECT_EQ(migration.runs.size(), 21U); // three records, each deleted and made again with its properties
     EXPECT_EQ(migration.warnings.size(), 1U);
@@ -184,9 +184,9 @@ TEST_F(Surprises, AnAccountThatIsOverwrittenUnselectedAndAnIdThatChangesAreNamed
     type("fullName", "Bob");
     EXPECT_EQ(warningsOf("addNewUser:"), "");
     type("uid", "777");
-    EXPECT_EQ(sentence("addNewUser:", "id-changes"), "The id of the user \"bob\" changes from 501 to 777: "
-                                                     "the files of before and the password for Windows "
-                                                     "stay with the old one.");
+    EXPECT_EQ(sentence("addNewUser:", "id-changes"),
+              "The id of the user \"bob\" changes from 501 to 777: existing files and the password for "
+              "Windows keep the old id.");
     type("groupName", "staff");
     type("gid", "21");
     EXPECT_EQ(warningsOf("addNewGroup:"), "overwrites-account id-changes");
@@ -245,7 +245,7 @@ TEST_F(Surprises, ASettingThatChangesUntouchedIsNamed) {
     reviewer->reread();
     EXPECT_EQ(
         sentence("updateSMBProperties:", "untouched-setting"),
-        "\"writable = yes\" in the section [homes] of smb.conf gives way to \"read only = yes\", although "
+        "\"writable = yes\" in the section [homes] of smb.conf is replaced by \"read only = yes\", although "
         "nobody touched its control.");
     writeConf(conf);
     reviewer->reread();
@@ -387,8 +387,7 @@ TEST_F(Surprises, AnActionIsAskedAboutOnlyWhenItHasAWarning) {
     send("createShare:");
     EXPECT_FALSE(host.runs.empty());
     EXPECT_EQ(host.alerts.back().message, "Somebody else changed [global] \"wins support\" in smb.conf after "
-                                          "Brindle read it: saving takes that "
-                                          "change back.");
+                                          "Brindle read it: saving undoes that change.");
 }
 
 } // namespace

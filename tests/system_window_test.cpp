@@ -183,7 +183,7 @@ TEST_F(SystemWindow, ShowsChangesBySomebodyElseAndWhyAFolderIsNotOffered) {
         EXPECT_EQ(edited.status, 0) << edited.errors;
         answer({"Cancel"});
         clickTitled("Save");
-        EXPECT_TRUE(lastText.contains("to &quot;CELLAR&quot;: your &quot;HOME&quot; takes its place"))
+        EXPECT_TRUE(lastText.contains("to &quot;CELLAR&quot; since; this change makes it &quot;HOME&quot;"))
             << lastText.toStdString();
         EXPECT_TRUE(answers.isEmpty()) << asked.join(", ").toStdString();
     });

@@ -133,8 +133,8 @@ TEST_F(MainWindow, AFieldSaysAtOnceWhatTheButtonWouldDoWithItsText) {
     EXPECT_EQ(hintOf("shareName") + hintOf("directory"), "");
     for (const Case& each :
          {Case{"shareName", "Music", "The button creates another share; “Docs” stays"},
-          Case{"shareName", "Films", "“Films” is there already: the button changes it."},
-          Case{"shareName", "fILMS", "“Films” is there already, and differs only"},
+          Case{"shareName", "Films", "“Films” already exists: the button changes it."},
+          Case{"shareName", "fILMS", "“Films” already exists, and differs only"},
           Case{"shareName", "Docs", ""}, Case{"directory", "shares", "The path of a folder begins"},
           Case{"directory", "/nowhere", "There is no such folder."},
           Case{"directory", "/dev/null", "This is not a folder."}, Case{"directory", "/", ""}}) {
@@ -148,7 +148,7 @@ TEST_F(MainWindow, AFieldSaysAtOnceWhatTheButtonWouldDoWithItsText) {
     showPage(1);
     clickRow("userTableView", 0);
     typeInto("shortName", "root"); // not in any list
-    EXPECT_EQ(hintOf("shortName"), "“root” is there already: the button changes it.");
+    EXPECT_EQ(hintOf("shortName"), "“root” already exists: the button changes it.");
     typeInto("shortName", "roo");
     EXPECT_TRUE(hintOf("shortName").starts_with("The button adds another user")) << hintOf("shortName");
 }

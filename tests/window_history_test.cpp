@@ -81,7 +81,7 @@ TEST_F(WindowHistoryTest, AnEntryThatALaterOneDependsOnIsNotTakenBackAndTheLater
     writeGroup("601", {"Go On", "Yes"}); // a changed id causes a warning
     takeBack(1, {"OK"});
     EXPECT_EQ(asked, (QStringList{"History", "Not Possible", "History"}));
-    EXPECT_TRUE(said.at(1).contains("built on by 2 (Group &quot;team&quot; changed): take"))
+    EXPECT_TRUE(said.at(1).contains("depend on it: 2 (Group &quot;team&quot; changed).  Take"))
         << said.at(1).toStdString();
     EXPECT_EQ(columnOf("groupTableView", "GID"), std::vector<std::string>{"601"});
     takeBack(0, {"Yes"});

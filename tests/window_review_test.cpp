@@ -226,7 +226,7 @@ TEST_F(WindowReviewTest, TheMigrationShowsWhichRecordsItWouldRewriteBeforeItIsCo
     answer({"No"});
     NSApp().finishLaunching();
     EXPECT_EQ(asked, QStringList{"Shares Are Not Updated for Jaguar"});
-    EXPECT_TRUE(lastText.contains("Take the share &quot;Old&quot; out of the directory."))
+    EXPECT_TRUE(lastText.contains("Remove the share &quot;Old&quot; from the directory."))
         << lastText.toStdString();
     EXPECT_TRUE(lastText.contains("update them now?")) << lastText.toStdString();
     EXPECT_TRUE(host.runs.empty());

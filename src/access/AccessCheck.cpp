@@ -136,9 +136,8 @@ bool AccessCheck::findShare(Visit& visit) {
     if (share.text("path").empty()) {
         return visit.refuse(
             "no-folder",
-            stringWithFormat(NSLocalizedString("\"%@\" names no folder, so the SMB server does "
-                                               "not offer it."),
-                             name),
+            stringWithFormat(
+                NSLocalizedString("\"%@\" names no folder, so the SMB server does not offer it."), name),
             section(visit), NSLocalizedString("In the share editor, choose its folder."));
     }
     return true;
@@ -369,9 +368,9 @@ void AccessCheck::judgeFolder(Visit& visit) {
     }
     if (isOnReadOnlySystem) {
         visit.refuse("read-only-file-system",
-                     stringWithFormat(NSLocalizedString(
-                                          "The folder %@ stands on a file system that is mounted read only."),
-                                      visit.path),
+                     stringWithFormat(
+                         NSLocalizedString("The folder %@ is on a file system that is mounted read only."),
+                         visit.path),
                      visit.path);
         return;
     }

@@ -55,10 +55,9 @@ void Examiner::examineAccounts() {
         const auto [before, isNew] = known.emplace(platform::lowercased(user.name), user.name);
         if (!isNew) {
             find({.code = "name-case",
-                  .text = stringWithFormat(
-                      NSLocalizedString("The users \"%@\" and \"%@\" differ only in case: the SMB server "
-                                        "cannot tell them apart."),
-                      before->second, user.name),
+                  .text = stringWithFormat(NSLocalizedString("The users \"%@\" and \"%@\" differ only in "
+                                                             "case: the SMB server cannot tell them apart."),
+                                           before->second, user.name),
                   .where = user.name,
                   .remedy = command({"users", "remove", user.name}),
                   .user = user.name});
@@ -97,10 +96,9 @@ void Examiner::examineUser(const User& user) {
     const std::string folder = user.home + "/Public";
     if (user.sharedFolder == "Public" && !exists(folder)) {
         find({.code = "public-folder-gone",
-              .text =
-                  stringWithFormat(NSLocalizedString("The Public folder of \"%@\" is to be shared, and there "
-                                                     "is no %@."),
-                                   user.name, folder),
+              .text = stringWithFormat(
+                  NSLocalizedString("The Public folder of \"%@\" is to be shared, but %@ does not exist."),
+                  user.name, folder),
               .where = folder,
               .remedy = command({"public", "off", user.name}),
               .user = user.name});
@@ -122,7 +120,7 @@ void Examiner::examineHalfMade() {
               .code = code,
               .text = stringWithFormat(text, name),
               .where = file,
-              .remedy = NSLocalizedString("It goes with the next change of an account."),
+              .remedy = NSLocalizedString("It is removed with the next change of an account."),
               .user = code == std::string_view("half-made-user") ? std::optional(name) : std::nullopt});
     };
     const DirectoryView store(file);
@@ -147,14 +145,14 @@ void Examiner::examineHalfMade() {
         find({.code = "unfinished-change",
               .text = NSLocalizedString("A change of an account was interrupted half way."),
               .where = unfinished,
-              .remedy = NSLocalizedString("It is finished with the next change of an account.")});
+              .remedy = NSLocalizedString("It is completed with the next change of an account.")});
     }
 }
 
 void Examiner::examinePasswords() {
     if (!patient_.root && ::geteuid() != 0) {
         found_.notes.push_back(
-            NSLocalizedString("Samba's passwords were not looked at: only root may read them."));
+            NSLocalizedString("Samba's passwords were not examined: only root may read them."));
         return;
     }
     if (platform::sambaCommand("pdbedit").empty()) {

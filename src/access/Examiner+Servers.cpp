@@ -115,9 +115,8 @@ void Examiner::examineServers() {
     if (state.process == 0) {
         find({.level = isNeeded && !patient_.root ? Level::Problem : Level::Notice,
               .code = "server-stopped",
-              .text = patient_.root ? NSLocalizedString(
-                                          "The root's SMB server is not running: it does while Brindle runs "
-                                          "with --serve.")
+              .text = patient_.root ? NSLocalizedString("The root's SMB server is not running: it runs only "
+                                                        "while Brindle runs with --serve.")
                                     : NSLocalizedString("The SMB server is not running: nothing is shared."),
               .where = "smbd",
               .remedy = patient_.root ? command({"--serve"}) : command({"servers", "start"})});
@@ -128,7 +127,7 @@ void Examiner::examineServers() {
                       "The SMB server is running (process %@) and is not listening on any address."),
                   std::to_string(state.process)),
               .where = "smbd",
-              .remedy = patient_.root ? NSLocalizedString("End that Brindle and start it again.")
+              .remedy = patient_.root ? NSLocalizedString("Quit that Brindle and start it again.")
                                       : "systemctl restart smbd"});
     }
 }
@@ -154,9 +153,8 @@ void Examiner::examineFile(const std::string& path, unsigned forbidden, unsigned
         std::snprintf(bits.data(), bits.size(), "%04o", mode & ~forbidden);
         find({.code = isSecret ? "readable-by-others" : "writable-by-others",
               .text = stringWithFormat(
-                  isSecret ? NSLocalizedString("Others than its owner may use %@, which holds "
-                                               "secrets.")
-                           : NSLocalizedString("Others than its owner may change %@."),
+                  isSecret ? NSLocalizedString("Users other than its owner may use %@, which holds secrets.")
+                           : NSLocalizedString("Users other than its owner may change %@."),
                   path),
               .where = path,
               .remedy = "chmod " + std::string(bits.data()) + " " + platform::shellWord(path)});

@@ -91,7 +91,7 @@ void Examiner::examineFolder(const std::string& share, const std::string& folder
         }
     } else if (errno == EACCES) {
         found_.notes.push_back(
-            stringWithFormat(NSLocalizedString("%@ could not be looked at: %@ may not."), *path,
+            stringWithFormat(NSLocalizedString("%@ could not be examined: %@ has no permission."), *path,
                              platform::Host::current().accountNames().userName(::geteuid()).value_or("")));
     } else {
         FolderWalk walk(*path);
@@ -107,9 +107,10 @@ void Examiner::examineFolder(const std::string& share, const std::string& folder
                           ? stringWithFormat(
                                 NSLocalizedString("The folder %@ of the share \"%@\" does not exist."), *path,
                                 share)
-                          : stringWithFormat(NSLocalizedString("The folder %@ of the share \"%@\" does not "
-                                                               "exist, because there is no %@."),
-                                             *path, share, missing),
+                          : stringWithFormat(
+                                NSLocalizedString(
+                                    "The folder %@ of the share \"%@\" does not exist, because %@ does not."),
+                                *path, share, missing),
               .where = where,
               .remedy = "mkdir -p " + platform::shellWord(*path),
               .share = share});
@@ -187,8 +188,8 @@ void Examiner::examineSections() {
         if (path.empty()) {
             find({.code = "no-path",
                   .text = stringWithFormat(
-                      NSLocalizedString("The section [%@] names no folder, and the SMB server offers no such "
-                                        "share."),
+                      NSLocalizedString(
+                          "The section [%@] names no folder, and the SMB server offers no such share."),
                       name),
                   .where = section(name),
                   .remedy = command({"shares", "set", name, "--folder", "/FOLDER"}),
@@ -214,11 +215,10 @@ void Examiner::examineNames() {
         const auto [before, isNew] = known.emplace(platform::lowercased(name), name);
         if (!isNew) {
             tell(before->second == name
-                     ? NSLocalizedString("There are two sections [%@]: the SMB server takes \"%@\" for one "
-                                         "share.")
-                     : NSLocalizedString(
-                           "The sections [%@] and [%@] differ only in case: the SMB server takes "
-                           "them for one share."),
+                     ? NSLocalizedString(
+                           "There are two sections [%@]: the SMB server takes \"%@\" for one share.")
+                     : NSLocalizedString("The sections [%@] and [%@] differ only in case: the SMB server "
+                                         "takes them for one share."),
                  before->second, name, section(name),
                  before->second == name ? NSLocalizedString("Delete one of the two.") : removeCommand(name));
         }

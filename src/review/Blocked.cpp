@@ -212,10 +212,9 @@ void addSettingsBlocks(const Plan& plan, const BROutlets& controls, std::vector<
         if (endsInBackslash(value) && (!keepsLayout || writes(plan, field.key))) {
             blocks->push_back(
                 {"text",
-                 stringWithFormat(
-                     NSLocalizedString("\"%@\" cannot be the value of \"%@\": a value that ends in "
-                                       "a backslash takes in the line after it in smb.conf."),
-                     value, std::string(field.key)),
+                 stringWithFormat(NSLocalizedString("\"%@\" cannot be the value of \"%@\": a value that ends "
+                                                    "in a backslash takes in the line after it in smb.conf."),
+                                  value, std::string(field.key)),
                  (controls.*field.field)->name()});
         }
     }

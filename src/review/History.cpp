@@ -53,11 +53,10 @@ void showUndoFailed(const UndoPlan& plan, const Status& status) {
     // A file that could not be written has failed without anybody being asked.
     const bool wasRefused = !NiutilTask::sharedInstance().isAuthenticated() && status.systemError() == 0;
     const std::string why =
-        !wasRefused
-            ? NSLocalizedString("Taking back %@ (%@) has stopped on its way.  What is left can be taken back "
-                                "once the cause named in the log has been removed.")
-            : NSLocalizedString(
-                  "Taking back %@ (%@) needs an administrator's permission, and nobody gave it.");
+        !wasRefused ? NSLocalizedString("Taking back %@ (%@) stopped before the end.  The rest can be taken "
+                                        "back once the cause named in the log has been removed.")
+                    : NSLocalizedString(
+                          "Taking back %@ (%@) needs an administrator's permission, and nobody gave it.");
     showAlert(NSLocalizedString("Not Taken Back"),
               stringWithFormat(why, std::to_string(plan.entry.number), plan.entry.title));
 }

@@ -281,10 +281,11 @@ Status HistoryStore::failure(const char* what, int error) const {
     return Status::failure(
         NSLocalizedString(what), shownFile(),
         isForeign
-            ? NSLocalizedString("it is damaged, or of a later Brindle; move it away to have a new one "
-                                "begun")
-            : stringWithFormat(NSLocalizedString("%@; see who may write it, and whether its disk is full"),
-                               std::string(sqlite3_errstr(error))));
+            ? NSLocalizedString(
+                  "it is damaged, or was written by a later Brindle; move it away, and a new one is begun")
+            : stringWithFormat(
+                  NSLocalizedString("%@; check who may write to it, and whether its disk is full"),
+                  std::string(sqlite3_errstr(error))));
 }
 
 Result<platform::SqliteConnection> HistoryStore::open() const {

@@ -197,7 +197,7 @@ std::string changeTitle(const HistoryEntry& entry) {
     }
     return entry.files.empty()
                ? NSLocalizedString("Nothing changed")
-               : stringWithFormat(NSLocalizedString("%@ written anew"), quoted(entry.files.front().path));
+               : stringWithFormat(NSLocalizedString("%@ rewritten"), quoted(entry.files.front().path));
 }
 
 } // namespace

@@ -34,10 +34,10 @@ struct RecordTexts {
 };
 
 constexpr std::array<RecordTexts, 3> recordTexts = {{
-    {"/config/Brindle/", "Write the share \"%@\" into the directory.",
-     "Take the share \"%@\" out of the directory."},
-    {"/users/", "Write the user \"%@\" into the directory.", "Take the user \"%@\" out of the directory."},
-    {"/groups/", "Write the group \"%@\" into the directory.", "Take the group \"%@\" out of the directory."},
+    {"/config/Brindle/", "Write the share \"%@\" to the directory.",
+     "Remove the share \"%@\" from the directory."},
+    {"/users/", "Write the user \"%@\" to the directory.", "Remove the user \"%@\" from the directory."},
+    {"/groups/", "Write the group \"%@\" to the directory.", "Remove the group \"%@\" from the directory."},
 }};
 
 /// What becomes of a share, a user or a group as a whole: its parts are the details.
@@ -50,7 +50,7 @@ std::string recordSentence(const RecordTexts& texts, const PlannedRun& run) {
         return sentence("Add %@ to the group \"%@\".", valuesOf(run, 4), name);
     }
     if (isOfMembers && operation == "-delete") {
-        return sentence("Take %@ out of the group \"%@\".", valuesOf(run, 4), name);
+        return sentence("Remove %@ from the group \"%@\".", valuesOf(run, 4), name);
     }
     const bool goes = operation == "-delete" && run.arguments.size() == 3;
     return sentence(goes ? texts.deleted : texts.written, name);
@@ -67,12 +67,12 @@ std::string directorySentence(const PlannedRun& run) {
     const bool isRecord = run.arguments.size() == 3;
     if (operation == "-delete") {
         return isRecord ? sentence("Delete the record %@.", record)
-                        : sentence("Take %@ away from the record %@.", valuesOf(run, 3), record);
+                        : sentence("Remove %@ from the record %@.", valuesOf(run, 3), record);
     }
     if (operation == "-append") {
         return sentence("Add \"%@\" to \"%@\" of the record %@.", valuesOf(run, 4), run.arguments[3], record);
     }
-    return isRecord ? sentence("Make the record %@.", record)
+    return isRecord ? sentence("Create the record %@.", record)
                     : sentence("Set \"%@\" of the record %@ to \"%@\".", run.arguments[3], record,
                                valuesOf(run, 4));
 }
@@ -102,9 +102,9 @@ std::string sentenceOf(const PlannedRun& run) {
 std::vector<std::string> sentencesOf(const Plan& plan) {
     std::vector<std::string> sentences;
     for (const PlannedAsk& ask : plan.asks) {
-        sentences.push_back(ask.isQuestion ? sentence("Ask \"%@\", which counts as answered with \"%@\".",
+        sentences.push_back(ask.isQuestion ? sentence("Ask \"%@\"; the plan assumes the answer \"%@\".",
                                                       ask.title, ask.button)
-                                           : sentence("Tell \"%@\".", ask.title));
+                                           : sentence("Show the message \"%@\".", ask.title));
     }
     for (const PlannedRun& run : plan.runs) {
         std::string said = sentenceOf(run);

@@ -49,9 +49,11 @@ class Reader {
 
     void name(const SMBShare& section, std::string_view meaning) {
         found_.push_back(
-            {&section, stringWithFormat(NSLocalizedString("The SMB server takes the section [%@] for its "
-                                                          "[%@], and Brindle shows it as a share."),
-                                        section.ShareName(), std::string(meaning))});
+            {&section,
+             stringWithFormat(
+                 NSLocalizedString(
+                     "The SMB server takes the section [%@] for its [%@], and Brindle shows it as a share."),
+                 section.ShareName(), std::string(meaning))});
     }
 
   private:
@@ -60,9 +62,11 @@ class Reader {
             return;
         }
         found_.push_back(
-            {&section, stringWithFormat(NSLocalizedString("The SMB server follows \"%@\" in the section "
-                                                          "[%@], which Brindle does not show."),
-                                        lineOf(*read.pair), section.ShareName())});
+            {&section,
+             stringWithFormat(
+                 NSLocalizedString(
+                     "The SMB server follows \"%@\" in the section [%@], which Brindle does not show."),
+                 lineOf(*read.pair), section.ShareName())});
     }
 
     std::vector<OtherReading>& found_;

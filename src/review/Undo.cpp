@@ -89,7 +89,8 @@ class UndoPlanner {
         const auto done = std::ranges::find(all, entry.undoes, &HistoryEntry::number);
         if (entry.undoes != 0 && done != all.end()) {
             plan_.title = stringWithFormat(NSLocalizedString("Done again: %@"), done->title);
-            plan_.question = stringWithFormat(NSLocalizedString("Do you want “%@” done again?"), done->title);
+            plan_.question =
+                stringWithFormat(NSLocalizedString("Do you want to do “%@” again?"), done->title);
         }
     }
 
@@ -98,11 +99,10 @@ class UndoPlanner {
         if (entry.isUndone) {
             refuse(NSLocalizedString("It has been taken back already."));
         } else if (entry.isDamaged) {
-            refuse(NSLocalizedString("What it did cannot be read: the history is damaged there."));
+            refuse(NSLocalizedString("What it did cannot be read: this entry of the history is damaged."));
         } else if (!entry.canComeBack()) {
-            refuse(
-                NSLocalizedString("There is nothing that could be taken back: a password that was replaced "
-                                  "is not known any more."));
+            refuse(NSLocalizedString("There is nothing that could be taken back: a password that was "
+                                     "replaced is not known any more."));
         }
         if (!entry.records.empty() && !directory_.isReadable()) {
             refuse(NSLocalizedString(
@@ -142,7 +142,8 @@ class UndoPlanner {
         }
         if (!names.empty()) {
             refuse(stringWithFormat(
-                NSLocalizedString("It is built on by %@: take that back first, the newest first."), names));
+                NSLocalizedString("Later changes depend on it: %@.  Take those back first, newest first."),
+                names));
             return;
         }
         refuse(stringWithFormat(
@@ -262,7 +263,8 @@ class UndoPlanner {
         const bool isMissing = (owner.empty() && now.owner != folder.before.owner) ||
                                (group.empty() && now.group != folder.before.group);
         if (isMissing) {
-            lose(NSLocalizedString("The owner or group that %@ had is no account: it keeps the one it has."),
+            lose(NSLocalizedString(
+                     "The former owner or group of %@ is not an account: the folder keeps the present one."),
                  folder.path);
         }
         owner = now.owner == folder.before.owner ? "" : owner;

@@ -28,15 +28,13 @@ struct AccountTexts {
 
 constexpr AccountTexts userTexts{"The name \"%@\" differs from the user \"%@\" only in the case of letters.",
                                  "There is a user \"%@\" already: the record of that user is overwritten, "
-                                 "although it is not selected in the "
-                                 "list.",
-                                 "The id of the user \"%@\" changes from %@ to %@: the files of before and "
-                                 "the password for Windows stay with "
-                                 "the old one."};
+                                 "although it is not selected in the list.",
+                                 "The id of the user \"%@\" changes from %@ to %@: existing files and the "
+                                 "password for Windows keep the old id."};
 constexpr AccountTexts groupTexts{
     "The name \"%@\" differs from the group \"%@\" only in the case of letters.",
     "There is a group \"%@\" already: its record is overwritten, although it is not selected in the list.",
-    "The id of the group \"%@\" changes from %@ to %@: the folders of before stay with the old one."};
+    "The id of the group \"%@\" changes from %@ to %@: existing folders keep the old id."};
 
 struct EditedAccount {
     std::string place; ///< "/users"
@@ -78,10 +76,10 @@ void addMissingGroupId(const Situation& situation, std::vector<Remark>* warnings
     }
     if (situation.directoryBefore.record("/users/" + name) && !beginsWithInteger(before) &&
         !now.groupPopUp->isEdited()) {
-        warnings->push_back(remark("untouched-setting",
-                                   "The user \"%@\" has no group id and gets the id %@, although nobody "
-                                   "touched that menu.",
-                                   name, after));
+        warnings->push_back(
+            remark("untouched-setting",
+                   "The user \"%@\" has no group id and gets the id %@, although nobody touched that menu.",
+                   name, after));
         return;
     }
     const std::string group = now.groupPopUp->titleOfSelectedItem().value_or("");

@@ -132,8 +132,8 @@ void addLosses(const SMBConf& model, std::vector<Remark>* warnings) {
     if (!continued.empty()) {
         warnings->push_back(
             {"lines-lost",
-             stringWithFormat(NSLocalizedString("These lines of smb.conf end in a backslash and take in "
-                                                "the line that is saved after them: %@."),
+             stringWithFormat(NSLocalizedString("These lines of smb.conf end in a backslash and take in the "
+                                                "line that is saved after them: %@."),
                               namesOf(continued))});
     }
 }
@@ -155,27 +155,29 @@ std::string sentenceOf(const SMBConflict& conflict) {
     if (conflict.key.empty() && !conflict.inFile.empty()) {
         return stringWithFormat(
             NSLocalizedString(
-                "Meanwhile somebody else added [%@]: it stays, and its settings count beside yours."),
+                "Somebody else has added [%@] since; it stays, and its settings apply together with yours."),
             conflict.section);
     }
     if (conflict.key.empty()) {
         return stringWithFormat(
-            NSLocalizedString("Meanwhile somebody else took [%@] away: it comes back with this change."),
+            NSLocalizedString("Somebody else has removed [%@] since; this change restores it."),
             conflict.section);
     }
     if (conflict.inFile.empty()) {
         return stringWithFormat(
-            NSLocalizedString("Meanwhile somebody else took \"%@\" of [%@] away: it comes back as \"%@\"."),
+            NSLocalizedString(
+                "Somebody else has removed \"%@\" from [%@] since; this change restores it as \"%@\"."),
             conflict.key, conflict.section, conflict.written);
     }
     if (conflict.written.empty()) {
         return stringWithFormat(
-            NSLocalizedString("Meanwhile somebody else set \"%@\" of [%@] to \"%@\": it is taken away."),
+            NSLocalizedString(
+                "Somebody else has set \"%@\" in [%@] to \"%@\" since; this change removes it."),
             conflict.key, conflict.section, conflict.inFile);
     }
     return stringWithFormat(
         NSLocalizedString(
-            "Meanwhile somebody else set \"%@\" of [%@] to \"%@\": your \"%@\" takes its place."),
+            "Somebody else has set \"%@\" in [%@] to \"%@\" since; this change makes it \"%@\"."),
         conflict.key, conflict.section, conflict.inFile, conflict.written);
 }
 
@@ -220,10 +222,10 @@ std::string changedOutside(const SMBConf& model, const std::string& file) {
 std::string lossOutside(const SMBConf& model, const std::string& file) {
     const std::string names = changedOutside(model, file);
     return names.empty()
-               ? NSLocalizedString("Somebody else changed smb.conf after Brindle read it: saving takes that "
-                                   "change back.")
+               ? NSLocalizedString(
+                     "Somebody else changed smb.conf after Brindle read it: saving undoes that change.")
                : stringWithFormat(NSLocalizedString("Somebody else changed %@ in smb.conf after Brindle read "
-                                                    "it: saving takes that change back."),
+                                                    "it: saving undoes that change."),
                                   names);
 }
 
@@ -237,11 +239,10 @@ void addFileWarnings(const Situation& situation, std::vector<Remark>* warnings) 
     const bool keepsLayout = platform::Host::current().services().keepsLayout;
     if (situation.plan.smbConfBefore != model->textOnDisk()) {
         warnings->push_back(
-            {"changed-outside",
-             keepsLayout
-                 ? NSLocalizedString("Somebody else changed smb.conf after Brindle read it: your change is "
-                                     "made to the file as it is now.")
-                 : lossOutside(*model, situation.plan.smbConfBefore)});
+            {"changed-outside", keepsLayout
+                                    ? NSLocalizedString("Somebody else changed smb.conf after Brindle read "
+                                                        "it: your change is made to the file as it is now.")
+                                    : lossOutside(*model, situation.plan.smbConfBefore)});
     }
     if (!keepsLayout) {
         addLosses(*model, warnings);

@@ -54,8 +54,8 @@ std::set<Identity> foldersAround(const fs::path& folder) {
 
 void addPlaceWarnings(const Situation& situation, const std::string& folder, std::vector<Remark>* warnings) {
     if (!folder.starts_with('/')) {
-        warnings->push_back(remark("relative-folder",
-                                   "The folder \"%@\" does not begin with /: no server finds it.", folder));
+        warnings->push_back(remark(
+            "relative-folder", "The folder \"%@\" does not begin with /: no server will find it.", folder));
         return;
     }
 
@@ -69,11 +69,10 @@ void addPlaceWarnings(const Situation& situation, const std::string& folder, std
         warnings->push_back(remark("no-folder", "There is no folder \"%@\".", folder));
     }
     if (isSystemFolder(real.string(), status, host)) {
-        warnings->push_back(
-            remark("system-folder",
-                   "The folder \"%@\" is the system's own: its owner and mode stay as they are, and "
-                   "what is in it would be shared.",
-                   folder));
+        warnings->push_back(remark("system-folder",
+                                   "The folder \"%@\" is the system's own: its owner and mode stay as they "
+                                   "are, and what is in it would be shared.",
+                                   folder));
     }
     const std::set<Identity> around = foldersAround(real);
     for (const NormalShare& share : situation.before.currentShares()) {
@@ -82,11 +81,10 @@ void addPlaceWarnings(const Situation& situation, const std::string& folder, std
             share.ShareName() != situation.before.shareName->stringValue() && other.starts_with('/');
         const auto identity = isOther ? identityOf(other) : std::nullopt;
         if (identity && around.contains(*identity)) {
-            warnings->push_back(
-                remark("folder-inside-share",
-                       "The folder \"%@\" is inside the share \"%@\" (%@): who may use that one "
-                       "reaches it, too.",
-                       folder, share.ShareName(), other));
+            warnings->push_back(remark("folder-inside-share",
+                                       "The folder \"%@\" is inside the share \"%@\" (%@): whoever may use "
+                                       "that share reaches it, too.",
+                                       folder, share.ShareName(), other));
         }
     }
 }
@@ -105,22 +103,23 @@ void addRightsWarnings(const BRController& now, const FolderChange& change, std:
     const bool changesOwner = change.ownerBefore != change.ownerAfter && !now.owner->isEdited();
     const bool changesGroup = change.groupBefore != change.groupAfter && !now.group->isEdited();
     if (changesOwner || changesGroup) {
-        warnings->push_back(remark(
-            "owner-changes", "The folder \"%@\" goes from %@ to %@, although nobody touched those menus.",
-            change.path, change.accountsBefore, change.accountsAfter));
+        warnings->push_back(remark("owner-changes",
+                                   "The owner and group of the folder \"%@\" change from %@ to %@, although "
+                                   "nobody touched those menus.",
+                                   change.path, change.accountsBefore, change.accountsAfter));
     }
     if (change.changesMode() && changesUntouchedMode(now, change)) {
-        warnings->push_back(
-            remark("mode-changes",
-                   "The rights of the folder \"%@\" go from %o to %o, although nobody touched those "
-                   "menus.",
-                   change.path, change.modeBefore, change.modeAfter));
+        warnings->push_back(remark(
+            "mode-changes",
+            "The mode of the folder \"%@\" changes from %o to %o, although nobody touched those menus.",
+            change.path, change.modeBefore, change.modeAfter));
     }
     constexpr mode_t readAndWrite = 0600;
     if (change.changesMode() && (change.modeAfter & readAndWrite) == 0) {
         warnings->push_back(
             remark("owner-locked-out",
-                   "The owner of the folder \"%@\" can neither read nor write in it any more.", change.path));
+                   "The owner of the folder \"%@\" will be able neither to read it nor to write to it.",
+                   change.path));
     }
 }
 

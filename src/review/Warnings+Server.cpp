@@ -41,10 +41,10 @@ void addServerWarnings(const Situation& situation, std::vector<Remark>* warnings
     const std::vector<std::string> before = faultsOf(plan.smbConfBefore);
     for (const std::string& fault : faultsOf(plan.smbConfAfter)) {
         if (std::ranges::find(before, fault) == before.end()) {
-            warnings->push_back({"server-complains",
-                                 stringWithFormat(NSLocalizedString("The SMB server finds fault with the new "
-                                                                    "smb.conf: %@."),
-                                                  fault)});
+            warnings->push_back(
+                {"server-complains",
+                 stringWithFormat(NSLocalizedString("The SMB server finds fault with the new smb.conf: %@."),
+                                  fault)});
         }
     }
 }

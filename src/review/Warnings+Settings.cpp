@@ -166,10 +166,9 @@ void addAFPPage(const Situation& situation, std::vector<Remark>* warnings) {
         if (found == afpControls().end() || !found->second(situation.before)) {
             warnings->push_back(
                 {"untouched-setting",
-                 stringWithFormat(
-                     NSLocalizedString("\"%@\" of the AFP settings changes from \"%@\" to \"%@\", "
-                                       "although nobody touched its control."),
-                     change.key, change.before, change.after)});
+                 stringWithFormat(NSLocalizedString("\"%@\" of the AFP settings changes from \"%@\" to "
+                                                    "\"%@\", although nobody touched its control."),
+                                  change.key, change.before, change.after)});
         }
     }
 }
@@ -189,17 +188,16 @@ Remark untouchedSetting(const std::string& section, std::string_view key, const 
     if (before.pair != nullptr && after.pair != nullptr &&
         foldedSettingName(before.pair->Name) != foldedSettingName(after.pair->Name)) {
         return {"untouched-setting",
-                stringWithFormat(NSLocalizedString("\"%@\" in the section [%@] of smb.conf gives way to "
+                stringWithFormat(NSLocalizedString("\"%@\" in the section [%@] of smb.conf is replaced by "
                                                    "\"%@\", although nobody touched its control."),
                                  lineOf(*before.pair), section, lineOf(*after.pair))};
     }
     const SMBPair* written = before.pair != nullptr ? before.pair : after.pair;
-    return {
-        "untouched-setting",
-        stringWithFormat(NSLocalizedString("\"%@\" in the section [%@] of smb.conf changes from \"%@\" to "
-                                           "\"%@\", although nobody touched its control."),
-                         written != nullptr ? written->Name.str() : std::string(key), section,
-                         valueOf(before), valueOf(after))};
+    return {"untouched-setting",
+            stringWithFormat(NSLocalizedString("\"%@\" in the section [%@] of smb.conf changes from \"%@\" "
+                                               "to \"%@\", although nobody touched its control."),
+                             written != nullptr ? written->Name.str() : std::string(key), section,
+                             valueOf(before), valueOf(after))};
 }
 
 void addSettingWarnings(const Situation& situation, std::vector<Remark>* warnings) {

@@ -119,20 +119,18 @@ class ShareWarnings {
             const std::string sectionFolder = path.pair != nullptr ? path.pair->Value.str() : std::string();
             if (const auto parts = foreignParts(*section); !parts.empty()) {
                 warn("section-removed",
-                     "The section [%@] of smb.conf goes away with what Brindle did not write there: %@.",
+                     "The section [%@] of smb.conf is removed, with settings that Brindle did not write: %@.",
                      name, joined(parts));
             }
             if (sectionFolder != folder_) {
                 warn("section-removed",
-                     "The section [%@] of smb.conf goes away, which shares another folder than the editor "
-                     "shows: "
-                     "\"%@\".",
+                     "The section [%@] of smb.conf is removed, although it shares another folder than the "
+                     "editor shows: \"%@\".",
                      name, sectionFolder);
             } else if (situation_.is("createShare:") && !now_.sharingSMB->isEdited()) {
                 warn("section-removed",
-                     "The section [%@] of smb.conf goes away and Windows users lose the share, although "
-                     "nobody "
-                     "touched that menu.",
+                     "The section [%@] of smb.conf is removed and Windows users lose the share, although "
+                     "nobody touched that menu.",
                      name);
             }
         }
@@ -159,7 +157,7 @@ class ShareWarnings {
         const auto after = situation_.directoryAfter.record(path);
         if (!after && !isAsked) {
             warn("record-removed",
-                 "The record of the share \"%@\" goes away, because it cannot be written as it is here.",
+                 "The record of the share \"%@\" is removed, because it cannot be written as it is here.",
                  name);
             return;
         }
@@ -174,8 +172,8 @@ class ShareWarnings {
         }
         if (!lost.empty()) {
             warn("record-removed",
-                 "The record of the share \"%@\" goes away with what Brindle did not write there: %@.", name,
-                 joined(lost));
+                 "The record of the share \"%@\" is removed, with properties that Brindle did not write: %@.",
+                 name, joined(lost));
         }
     }
 
@@ -197,8 +195,7 @@ class ShareWarnings {
         if (other != names.end()) {
             warn("name-case",
                  "The name \"%@\" differs from the share \"%@\" only in the case of letters, which Windows "
-                 "does not "
-                 "tell apart.",
+                 "does not tell apart.",
                  name_, *other);
         }
     }

@@ -58,7 +58,7 @@ HelperResult cp(const HelperPlace& place, Arguments arguments) {
     constexpr std::array targets = {systempath::smbConf, systempath::appleFileServer};
     if (std::ranges::find(targets, arguments[1]) == targets.end()) {
         return said("cp", Status::failure("cannot replace", arguments[1],
-                                          "is none of the settings files; only those are replaced"));
+                                          "is not one of the settings files; only those are replaced"));
     }
     if (!place.root.empty()) {
         const std::string target = platform::EmbeddedRoot(place.root).map(arguments[1]);

@@ -3,10 +3,11 @@
 #include "tools/ToolText.h"
 
 #include <cerrno>
+#include <string_view>
 
 namespace {
 
-const char* adviceFor(int error) {
+std::string_view adviceFor(int error) {
     switch (error) {
     case ENOENT:
         return "check that it exists";
@@ -19,11 +20,11 @@ const char* adviceFor(int error) {
     case EROFS:
         return "its disk cannot be written: make it writable and try again";
     case ELOOP:
-        return "a link stands where a file or folder is needed: name the file or folder itself";
+        return "a link is where a file or folder is needed: name the file or folder itself";
     case ENOTDIR:
         return "a folder is needed";
     default:
-        return "see to it and try again";
+        return {};
     }
 }
 
@@ -34,5 +35,6 @@ std::string complaint(const std::string& tool, const platform::Status& status) {
         return {};
     }
     const int error = status.systemError();
-    return oneLine(tool + ": " + status.text() + (error == 0 ? "" : std::string("; ") + adviceFor(error)));
+    const std::string_view advice = adviceFor(error);
+    return oneLine(tool + ": " + status.text() + (advice.empty() ? "" : "; " + std::string(advice)));
 }

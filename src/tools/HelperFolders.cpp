@@ -180,7 +180,7 @@ Result<OpenOrder> modeOrder(const std::string& mode, const std::string& folder, 
     constexpr unsigned largest = 0777;
     const auto bits = platform::wholeNumber<unsigned>(mode, 8);
     if (!bits || *bits > largest) {
-        return Status::failure("cannot use", mode, "is no mode; give one from 0 to 777 in octal");
+        return Status::failure("cannot use", mode, "is not a mode; give one from 0 to 777 in octal");
     }
     auto opened = withFolder({}, folder, host);
     if (opened.isOk()) {

@@ -47,7 +47,7 @@ std::string configurationOf(const std::string& root) {
 Status hangUpServer(const std::string& processId, const std::string& root) {
     const auto id = platform::wholeNumber<pid_t>(processId);
     if (!id || *id <= 1) {
-        return Status::failure(cannotSignal, processId, "is no process; give its number");
+        return Status::failure(cannotSignal, processId, "is not a process; give its number");
     }
     // Held open while the program is checked, so that the signal reaches this process or none.
     const platform::FileDescriptor process = platform::openProcess(*id);
@@ -56,15 +56,16 @@ Status hangUpServer(const std::string& processId, const std::string& root) {
     }
     const std::string program = programOf(*id);
     if (program != "smbd" && program != "AppleFileServer") {
-        return Status::failure(cannotSignal, processId, "is no file server; only file servers are signalled");
+        return Status::failure(cannotSignal, processId,
+                               "is not a file server; only file servers are signalled");
     }
     if (!root.empty() && !platform::isServerOrChildWith(*id, configurationOf(root))) {
         return Status::failure(cannotSignal, processId,
-                               "is no server of this root; only its own servers are signalled");
+                               "is not a server of this root; only its own servers are signalled");
     }
     if (root.empty() && !platform::isComputersServer(*id)) {
         return Status::failure(cannotSignal, processId,
-                               "is no server of this computer's own; only those are signalled");
+                               "is not one of this computer's own servers; only those are signalled");
     }
     if (::syscall(SYS_pidfd_send_signal, process.get(), SIGHUP, nullptr, 0) != 0) {
         return Status::ofErrno(cannotSignal, processId, errno);

@@ -198,7 +198,7 @@ void CommandRun::perform(const std::function<void()>& event) {
 void CommandRun::checkWhatHappened() const {
     const CommandPresenter& presenter = context_.presenter;
     if (presenter.unanswered()) {
-        fail(*presenter.unanswered() + " " + NSLocalizedString("(say --yes to go on)"),
+        fail(*presenter.unanswered() + " " + NSLocalizedString("(use --yes to continue)"),
              CommandStatus::NeedsAnswer);
     }
     if (presenter.wasRefused()) {

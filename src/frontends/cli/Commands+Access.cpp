@@ -36,7 +36,7 @@ constexpr std::array<Permission, 6> permissions{{{"connect", &Permissions::conne
 void checkAccess(CommandRun& run, const AccessOptions& options) {
     const bool isGuest = options.isGuest;
     if (isGuest == options.user.has_value()) {
-        CommandRun::fail(NSLocalizedString("say either a user or --guest"), CommandStatus::WrongUse);
+        CommandRun::fail(NSLocalizedString("give either a user or --guest"), CommandStatus::WrongUse);
     }
     const SMBConf conf;
     const auto& root = run.context().patient.root;

@@ -91,8 +91,7 @@ void add(CommandRun& run, const GroupOptions& options) {
         run.noteChange();
     } else if (options.gid && options.gid != "next" && run.text("gid") != *options.gid) {
         CommandRun::fail(stringWithFormat(
-            NSLocalizedString("there is a group \"%@\" already, and it is another; use groups set"),
-            options.name));
+            NSLocalizedString("a different group \"%@\" already exists; use groups set"), options.name));
     }
     run.press("createNewGroupButton");
     describe(run, options.name);

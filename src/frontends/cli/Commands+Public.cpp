@@ -60,15 +60,16 @@ void addPublicCommands(CLI::App& parser, CommandOptions& options) {
     CLI::App* const folders = addNoun(parser, "public", "Sharing of users' Public folders");
     const auto given = std::make_shared<PublicOptions>();
     for (const bool on : {true, false}) {
-        CLI::App* const command = addCommand(
-            *folders, options, on ? "on" : "off", CommandKind::Writing,
-            on ? "Share users' Public folders" : "Stop sharing users' Public folders",
-            [given, on](CommandRun& run) {
-                if (given->everybody != given->users.empty()) {
-                    CommandRun::fail(NSLocalizedString("say either users or --all"), CommandStatus::WrongUse);
-                }
-                given->everybody ? setAll(run, on) : setSome(run, given->users, on);
-            });
+        CLI::App* const command =
+            addCommand(*folders, options, on ? "on" : "off", CommandKind::Writing,
+                       on ? "Share users' Public folders" : "Stop sharing users' Public folders",
+                       [given, on](CommandRun& run) {
+                           if (given->everybody != given->users.empty()) {
+                               CommandRun::fail(NSLocalizedString("give either users or --all"),
+                                                CommandStatus::WrongUse);
+                           }
+                           given->everybody ? setAll(run, on) : setSome(run, given->users, on);
+                       });
         command->add_option("USER", given->users, "The users' names");
         command->add_flag("--all", given->everybody, "All users");
     }

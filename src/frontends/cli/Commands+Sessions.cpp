@@ -81,7 +81,7 @@ bool concerns(const Session& session, const SessionOptions& options) {
 
 void disconnect(CommandRun& run, const SessionOptions& options) {
     if (options.share.has_value() == options.computer.has_value()) {
-        CommandRun::fail(NSLocalizedString("say either --share or --computer"), CommandStatus::WrongUse);
+        CommandRun::fail(NSLocalizedString("give either --share or --computer"), CommandStatus::WrongUse);
     }
     if (std::ranges::none_of(sessionsOf(run), [&](const Session& each) { return concerns(each, options); })) {
         run.finishUnchanged();

@@ -154,8 +154,7 @@ void add(CommandRun& run, ShareOptions options) {
     fill(run, options);
     if (row >= 0 && run.changes()) {
         CommandRun::fail(stringWithFormat(
-            NSLocalizedString("there is a share \"%@\" already, and it is another; use shares set"),
-            options.name));
+            NSLocalizedString("a different share \"%@\" already exists; use shares set"), options.name));
     }
     write(run, options);
 }

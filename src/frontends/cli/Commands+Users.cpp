@@ -119,8 +119,7 @@ void add(CommandRun& run, UserOptions options) {
         fill(run, options);
         if (run.changes()) {
             CommandRun::fail(stringWithFormat(
-                NSLocalizedString("there is a user \"%@\" already, and it is another; use users set"),
-                options.name));
+                NSLocalizedString("a different user \"%@\" already exists; use users set"), options.name));
         }
         run.press("addNewUserButton");
         describe(run, options.name);

@@ -46,7 +46,7 @@ std::string nameHint(const InterfaceNode& node, const NSTextField& field, const 
         return {};
     }
     const auto isThere = [&name] {
-        return stringWithFormat(NSLocalizedString("“%@” is there already: the button changes it."), name);
+        return stringWithFormat(NSLocalizedString("“%@” already exists: the button changes it."), name);
     };
     std::string similar;
     for (int row = 0; row < table->numberOfRows(); ++row) {
@@ -60,8 +60,7 @@ std::string nameHint(const InterfaceNode& node, const NSTextField& field, const 
     }
     if (!similar.empty()) {
         return stringWithFormat(
-            NSLocalizedString("“%@” is there already, and differs only in capital and small letters."),
-            similar);
+            NSLocalizedString("“%@” already exists, and differs only in the case of letters."), similar);
     }
     // The lists leave out system accounts.
     if (const std::string& records = node.attribute("records");
@@ -87,7 +86,7 @@ std::string folderHint(const NSTextField& field) {
     return NSLocalizedString(status.type() == std::filesystem::file_type::not_found
                                  ? "There is no such folder."
                              : std::filesystem::exists(status) ? "This is not a folder."
-                                                               : "This folder cannot be looked at.");
+                                                               : "This folder cannot be examined.");
 }
 
 std::string valueOf(const platform::Element* control) {

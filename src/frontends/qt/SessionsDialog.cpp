@@ -90,11 +90,9 @@ void SessionsDialog::fill() {
     list_->expandAll();
     list_->resizeColumnToContents(1);
     list_->resizeColumnToContents(2);
-    summary_->setText(
-        sessions->empty()
-            ? localized("Nobody is connected.")
-            : localized("Select a computer or a share to disconnect it.  Programs connect again "
-                        "when they need to."));
+    summary_->setText(sessions->empty() ? localized("Nobody is connected.")
+                                        : localized("Select a computer or a share to disconnect it.  "
+                                                    "Programs connect again when they need to."));
     updateButton();
 }
 

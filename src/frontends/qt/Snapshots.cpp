@@ -108,7 +108,7 @@ Status followWishes(QtPresenter& presenter) {
     const NSWindow* main = NSApp().mainWindow();
     const WindowView* view = main == nullptr ? nullptr : presenter.viewOf(*main);
     if (view == nullptr || size.isEmpty()) {
-        return Status::failure("this is no size", text.toStdString(), "write one like 1024x600");
+        return Status::failure("this is not a size", text.toStdString(), "write one like 1024x600");
     }
     view->widget().setMaximumSize(size); // as on a screen of that size
     view->widget().resize(size);

@@ -50,18 +50,16 @@ std::string problemOf(const std::string& helper) {
 std::string missingText(const ComputersPrograms& programs) {
     std::vector<std::string> sentences;
     if (programs.smbd.empty()) {
-        sentences.push_back(
-            NSLocalizedString("Samba is not installed (package samba): shares, accounts and settings can be "
-                              "made, and nothing is served until it is."));
+        sentences.push_back(NSLocalizedString("Samba is not installed (package samba): shares, accounts and "
+                                              "settings can be made, but nothing is served until it is."));
     }
     if (!programs.hasAccountTools) {
-        sentences.push_back(NSLocalizedString(
-            "The tools for accounts are not installed (package passwd): shares and settings can "
-            "be changed, and accounts cannot."));
+        sentences.push_back(NSLocalizedString("The tools for accounts are not installed (package passwd): "
+                                              "shares and settings can be changed, but accounts cannot."));
     }
     if (!programs.helperProblem.empty()) {
         sentences.push_back(
-            stringWithFormat(NSLocalizedString("%@: everything can be looked at, and nothing changed."),
+            stringWithFormat(NSLocalizedString("%@: everything can be viewed, but nothing can be changed."),
                              programs.helperProblem));
     }
     std::string line;
@@ -113,9 +111,8 @@ std::string SystemComputer::afpServerLine() const {
     const bool runs = std::ranges::any_of(
         processIds(), [](pid_t process) { return programNameOf(process) == "AppleFileServer"; });
     return runs ? NSLocalizedString("The AFP server is running.")
-                : NSLocalizedString(
-                      "No AFP server is running on this computer: AFP settings and shares are kept, and not "
-                      "served.");
+                : NSLocalizedString("No AFP server is running on this computer: AFP settings and shares are "
+                                    "kept, but not served.");
 }
 
 std::string SystemComputer::whyNoPublicFolder(const std::string& user) const {

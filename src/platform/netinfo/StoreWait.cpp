@@ -118,7 +118,7 @@ std::string storeProblem(const std::string& file, int error, int waited) {
     }
     case SQLITE_NOTADB:
     case SQLITE_CORRUPT:
-        return "it is damaged or no directory; restore it from a copy, or move it away to have a new one "
+        return "it is damaged, or not a directory; restore it from a copy, or move it away to have a new one "
                "made";
     case storeIsNewer:
         return newerStoreText;

@@ -222,7 +222,7 @@ Result<std::string> sessionListing(const std::optional<SambaAccounts>& root) {
         return finished.status();
     }
     if (finished->errors.find("only works as root") != std::string::npos) {
-        return Status::failure(cannotSee, {}, "Samba tells it to root only");
+        return Status::failure(cannotSee, {}, "Samba tells only root");
     }
     if (finished->status != 0) {
         const std::string said = lastLineOf(finished->errors);
@@ -238,7 +238,7 @@ Result<std::vector<Session>> sessionsIn(std::string_view listing) {
         const json document = json::parse(text, nullptr, false);
         return document.is_object()
                    ? Result(sessionsInJSON(document))
-                   : Status::failure(cannotSee, {}, "what smbstatus says of it cannot be read");
+                   : Status::failure(cannotSee, {}, "the output of smbstatus cannot be read");
     }
     Tables tables;
     std::istringstream lines{std::string(listing)};

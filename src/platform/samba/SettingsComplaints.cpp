@@ -119,7 +119,7 @@ class Reading {
             while (index < lines_.size() && !saysSomething(lines_[index])) {
                 ++index;
             }
-            complain(index + 1, "The server cannot make sense of this line and reads no further.");
+            complain(index + 1, "The server does not understand this line and reads no further.");
         }
         if (index >= lines_.size()) {
             return false;
