@@ -11,8 +11,8 @@ bool Examination::hasProblems() const {
         findings, [](const Finding& finding) { return finding.level == Finding::Level::Problem; });
 }
 
-Examination examine(const Patient& patient) {
-    Examiner examiner(patient);
+Examination examine(const ExaminedHost& host) {
+    Examiner examiner(host);
     examiner.examineShares();
     examiner.examineAccounts();
     examiner.examineSettings();
@@ -21,9 +21,9 @@ Examination examine(const Patient& patient) {
     return examiner.take();
 }
 
-std::vector<Finding> examineShares(const Patient& patient, const SMBConf& conf,
+std::vector<Finding> examineShares(const ExaminedHost& host, const SMBConf& conf,
                                    std::span<const NormalShare> shares) {
-    Examiner examiner(patient, conf, shares);
+    Examiner examiner(host, conf, shares);
     examiner.examineShares();
     return examiner.take().findings;
 }

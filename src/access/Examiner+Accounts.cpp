@@ -150,7 +150,7 @@ void Examiner::examineHalfMade() {
 }
 
 void Examiner::examinePasswords() {
-    if (!patient_.root && ::geteuid() != 0) {
+    if (!host_.root && ::geteuid() != 0) {
         found_.notes.push_back(
             NSLocalizedString("Samba's passwords were not examined: only root may read them."));
         return;
@@ -158,8 +158,8 @@ void Examiner::examinePasswords() {
     if (platform::sambaCommand("pdbedit").empty()) {
         return; // the server's findings say that Samba is not installed
     }
-    const auto database = patient_.root ? platform::SambaAccounts(*patient_.root).users()
-                                        : platform::ComputerPasswords::users();
+    const auto database =
+        host_.root ? platform::SambaAccounts(*host_.root).users() : platform::ComputerPasswords::users();
     if (!database.isOk()) {
         found_.notes.push_back(database.status().text());
         return;
@@ -189,8 +189,8 @@ void Examiner::examinePasswords() {
                           : NSLocalizedString("The user \"%@\" has no Samba password and cannot connect."),
                       user.name),
                   .where = user.name,
-                  .remedy = isDisabled && !patient_.root ? "smbpasswd -e " + platform::shellWord(user.name)
-                                                         : command({"users", "password", user.name}),
+                  .remedy = isDisabled && !host_.root ? "smbpasswd -e " + platform::shellWord(user.name)
+                                                      : command({"users", "password", user.name}),
                   .user = user.name});
             continue;
         }
@@ -226,7 +226,7 @@ void Examiner::examinePasswords() {
                       NSLocalizedString("Samba has a password for \"%@\", and there is no such user."),
                       user->name),
                   .where = NSLocalizedString("Samba's password database"),
-                  .remedy = patient_.root ? std::string() : "pdbedit -x " + platform::shellWord(user->name)});
+                  .remedy = host_.root ? std::string() : "pdbedit -x " + platform::shellWord(user->name)});
         }
     }
 }

@@ -75,7 +75,7 @@ void Examiner::examineSettings() {
         // A root's own server is started with its own folders and security level.
         const bool isOthers = each.line == 0 ? each.text.find(" directory ") != std::string::npos
                                              : platform::isShareSecurity(lineAt(text, each.line));
-        if (patient_.root && isOthers) {
+        if (host_.root && isOthers) {
             continue;
         }
         find({.code = "smb-conf",
@@ -111,15 +111,15 @@ void Examiner::examineServers() {
         return;
     }
     const platform::ServerState state =
-        patient_.root ? platform::rootServerState(*patient_.root) : platform::smbServerState();
+        host_.root ? platform::rootServerState(*host_.root) : platform::smbServerState();
     if (state.process == 0) {
-        find({.level = isNeeded && !patient_.root ? Level::Problem : Level::Notice,
+        find({.level = isNeeded && !host_.root ? Level::Problem : Level::Notice,
               .code = "server-stopped",
-              .text = patient_.root ? NSLocalizedString("The root's SMB server is not running: it runs only "
-                                                        "while Brindle runs with --serve.")
-                                    : NSLocalizedString("The SMB server is not running: nothing is shared."),
+              .text = host_.root ? NSLocalizedString("The root's SMB server is not running: it runs only "
+                                                     "while Brindle runs with --serve.")
+                                 : NSLocalizedString("The SMB server is not running: nothing is shared."),
               .where = "smbd",
-              .remedy = patient_.root ? command({"--serve"}) : command({"servers", "start"})});
+              .remedy = host_.root ? command({"--serve"}) : command({"servers", "start"})});
     } else if (state.listensAt.empty()) {
         find({.code = "server-deaf",
               .text = stringWithFormat(
@@ -127,8 +127,8 @@ void Examiner::examineServers() {
                       "The SMB server is running (process %@) and is not listening on any address."),
                   std::to_string(state.process)),
               .where = "smbd",
-              .remedy = patient_.root ? NSLocalizedString("Quit that Brindle and start it again.")
-                                      : "systemctl restart smbd"});
+              .remedy = host_.root ? NSLocalizedString("Quit that Brindle and start it again.")
+                                   : "systemctl restart smbd"});
     }
 }
 
@@ -168,7 +168,7 @@ void Examiner::examineOwnFiles() {
     const platform::Services& services = platform::Host::current().services();
     const std::filesystem::path store = services.localDomain->storeFile();
     const std::string folder = store.parent_path();
-    if (!patient_.root) {
+    if (!host_.root) {
         for (const std::string& each : {folder, store.string(), smbConfFile_}) {
             examineFile(each, allWrite, 0);
         }
@@ -186,11 +186,11 @@ void Examiner::examineOwnFiles() {
     const unsigned owner = ::stat(folder.c_str(), &status) == 0 ? status.st_uid : ::geteuid();
     for (const std::string& each :
          {folder, store.string(), smbConfFile_, services.historyFile,
-          services.paths->map(platform::systempath::appleFileServer), patient_.root->folder}) {
+          services.paths->map(platform::systempath::appleFileServer), host_.root->folder}) {
         examineFile(each, othersWrite, owner);
     }
-    examineFile(patient_.root->folder + "/private", secret, owner);
-    examineFile(patient_.root->folder + "/private/passdb.tdb", secret, owner);
+    examineFile(host_.root->folder + "/private", secret, owner);
+    examineFile(host_.root->folder + "/private/passdb.tdb", secret, owner);
 }
 
 } // namespace accesscheck

@@ -27,15 +27,15 @@ std::string escapedForSed(const std::string& text) {
 
 } // namespace
 
-Examiner::Examiner(const Patient& patient)
-    : patient_(patient), own_(std::in_place), conf_(*own_),
+Examiner::Examiner(const ExaminedHost& host)
+    : host_(host), own_(std::in_place), conf_(*own_),
       smbConfFile_(platform::Host::current().paths().map(conf_.Path())) {
     readSections();
     readShares();
 }
 
-Examiner::Examiner(const Patient& patient, const SMBConf& conf, std::span<const NormalShare> shares)
-    : patient_(patient), conf_(conf), smbConfFile_(platform::Host::current().paths().map(conf_.Path())) {
+Examiner::Examiner(const ExaminedHost& host, const SMBConf& conf, std::span<const NormalShare> shares)
+    : host_(host), conf_(conf), smbConfFile_(platform::Host::current().paths().map(conf_.Path())) {
     readSections();
     const std::string noFolder = NormalShare().DirectoryPath();
     for (const NormalShare& share : shares) {
@@ -91,7 +91,7 @@ void Examiner::readAccounts() {
 }
 
 std::string Examiner::command(std::initializer_list<std::string> words) const {
-    std::string line = patient_.brindle;
+    std::string line = host_.commandPrefix;
     for (const std::string& word : words) {
         line += " " + platform::shellWord(word);
     }
@@ -100,12 +100,12 @@ std::string Examiner::command(std::initializer_list<std::string> words) const {
 
 std::string Examiner::deleteCommand(const std::string& record) const {
     constexpr std::string_view program = "brindle";
-    return "nicl" + patient_.brindle.substr(std::min(patient_.brindle.size(), program.size())) +
+    return "nicl" + host_.commandPrefix.substr(std::min(host_.commandPrefix.size(), program.size())) +
            " . -delete " + platform::shellWord(record);
 }
 
 std::string Examiner::editCommand(const std::string& script) const {
-    return std::string(patient_.root ? "" : "sudo ") + "sed -i " + platform::shellWord(script) + " " +
+    return std::string(host_.root ? "" : "sudo ") + "sed -i " + platform::shellWord(script) + " " +
            platform::shellWord(smbConfFile_);
 }
 

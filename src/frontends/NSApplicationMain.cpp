@@ -231,14 +231,14 @@ frontend::ServerLine serverLine(const Options& options, const Result<Server>& se
 }
 
 /// Returns what the doctor has to know of the host.
-accesscheck::Patient patientOf(const platform::HostOptions& host) {
-    accesscheck::Patient patient{std::nullopt, frontend::calledFor(host)};
-    if (!host.system) {
-        patient.root =
-            platform::EmbeddedRoot(host.root.empty() ? platform::EmbeddedRoot::defaultFolder() : host.root)
-                .sambaPaths();
+accesscheck::ExaminedHost examinedHostOf(const platform::HostOptions& options) {
+    accesscheck::ExaminedHost host{std::nullopt, frontend::calledFor(options)};
+    if (!options.system) {
+        host.root = platform::EmbeddedRoot(options.root.empty() ? platform::EmbeddedRoot::defaultFolder()
+                                                                : options.root)
+                        .sambaPaths();
     }
-    return patient;
+    return host;
 }
 
 /// Returns the name of what the window works on, which is the same however it was given.
@@ -282,7 +282,7 @@ Result<int> openWindow(const Options& options, frontend::WindowRun& window) {
         return services.status();
     }
     Application application(std::move(*services));
-    application.setPatient(patientOf(options.host));
+    application.setExaminedHost(examinedHostOf(options.host));
     const auto server = startServer(options);
     if (options.mode == Mode::Window) {
         return window.show(application, serverLine(options, server), only.get());
@@ -334,7 +334,7 @@ Result<int> runCommand(const Options& options) {
     }
     presenter->begin();
     const int status = frontend::CommandRun({options.command, *presenter, application.reviewer(),
-                                             application.history(), patientOf(options.host)})
+                                             application.history(), examinedHostOf(options.host)})
                            .run();
     application.end();
     return status;

@@ -120,8 +120,8 @@ void QtFrontend::useServer(const std::string& address, const std::string& state,
     implementation_->presenter->useServer({address, state, hasFailed});
 }
 
-void QtFrontend::useDoctor(accesscheck::Patient patient) {
-    implementation_->presenter->useDoctor(std::move(patient));
+void QtFrontend::useDoctor(accesscheck::ExaminedHost host) {
+    implementation_->presenter->useDoctor(std::move(host));
 }
 
 void QtFrontend::useListener(

@@ -306,7 +306,7 @@ void QtPresenter::useServer(ShareServer server) {
     }
 }
 
-void QtPresenter::useDoctor(accesscheck::Patient patient) {
+void QtPresenter::useDoctor(accesscheck::ExaminedHost host) {
     auto* window = qobject_cast<QMainWindow*>(mainWidget_);
     auto* shares = interfaces_.empty()
                        ? nullptr
@@ -315,7 +315,7 @@ void QtPresenter::useDoctor(accesscheck::Patient patient) {
                       ? nullptr
                       : dynamic_cast<NSTableView*>(interfaces_.front()->find("userTableView"));
     if (window != nullptr && shares != nullptr && users != nullptr) {
-        inquiries_ = new WindowInquiries(std::move(patient), *shares, *users, *window, review_, *queue_);
+        inquiries_ = new WindowInquiries(std::move(host), *shares, *users, *window, review_, *queue_);
     }
 }
 
