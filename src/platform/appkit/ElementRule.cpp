@@ -1,4 +1,4 @@
-#include "platform/appkit/InterfaceKinds.h"
+#include "platform/appkit/ElementRule.h"
 
 #include "platform/appkit/InterfaceTable.h"
 #include "platform/foundation/NSString.h"
