@@ -6,7 +6,7 @@
 #include "platform/netinfo/AccountFiles.h"
 #include "platform/netinfo/Store.h"
 #include "platform/posix/Status.h"
-#include "tools/ComputerStore.h"
+#include "tools/ComputerLock.h"
 #include "tools/DirectoryTools.h"
 #include "tools/UnfinishedChange.h"
 

@@ -1,4 +1,4 @@
-#include "tools/ComputerStore.h"
+#include "tools/ComputerLock.h"
 
 #include <cerrno>
 #include <chrono>
