@@ -14,11 +14,6 @@ namespace {
 /// An action on more accounts than this gives a warning.
 constexpr std::size_t manyAccounts = 20;
 
-template <class... Arguments>
-Remark remark(std::string_view code, const std::string& key, const Arguments&... arguments) {
-    return {code, stringWithFormat(NSLocalizedString(key), arguments...)};
-}
-
 /// The warnings about an account, for users or for groups.
 struct AccountTexts {
     const char* nameCase;

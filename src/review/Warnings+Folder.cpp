@@ -20,11 +20,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-template <class... Arguments>
-Remark remark(std::string_view code, const std::string& key, const Arguments&... arguments) {
-    return {code, stringWithFormat(NSLocalizedString(key), arguments...)};
-}
-
 /// The path with links resolved, or, when that fails, only normalized.
 fs::path resolved(const std::string& path) {
     std::error_code error;

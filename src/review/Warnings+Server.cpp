@@ -42,9 +42,7 @@ void addServerWarnings(const Situation& situation, std::vector<Remark>* warnings
     for (const std::string& fault : faultsOf(plan.smbConfAfter)) {
         if (std::ranges::find(before, fault) == before.end()) {
             warnings->push_back(
-                {"server-complains",
-                 stringWithFormat(NSLocalizedString("The SMB server finds fault with the new smb.conf: %@."),
-                                  fault)});
+                remark("server-complains", "The SMB server finds fault with the new smb.conf: %@.", fault));
         }
     }
 }
