@@ -4,6 +4,7 @@
 #include "directory/DirectoryRules.h"
 #include "platform/foundation/NSBundle.h"
 #include "platform/foundation/NSString.h"
+#include "platform/foundation/SystemPaths.h"
 
 #include <set>
 
@@ -111,7 +112,8 @@ void addPublicFolder(const Situation& situation, std::vector<Remark>* warnings) 
 void addNumberOfAccounts(const Plan& plan, std::vector<Remark>* warnings) {
     std::set<RecordPath> accounts;
     for (const PlannedRun& run : plan.runs) {
-        const auto change = run.tool == "/usr/bin/nicl" ? directoryChange(run.arguments) : std::nullopt;
+        const auto change =
+            run.tool == platform::systempath::nicl ? directoryChange(run.arguments) : std::nullopt;
         const auto path = change ? recordPath(change->path) : std::nullopt;
         if (path && isAccount(*path)) {
             accounts.insert(*path);

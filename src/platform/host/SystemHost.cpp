@@ -44,19 +44,6 @@ class SystemPaths : public UserPaths {
     SystemFiles files_;
 };
 
-/// The directory of this computer, whose accounts are in the computer's own files.
-class SystemDomain : public LocalDomain {
-  public:
-    explicit SystemDomain(const SystemFiles& files) : file_(files.storeFile()) {}
-
-    [[nodiscard]] std::string storeFile() const override { return file_; }
-
-    [[nodiscard]] std::optional<AccountFiles> accountFiles() const override { return AccountFiles(); }
-
-  private:
-    std::string file_;
-};
-
 /// Sets the authority: sudo, or for root, who needs no password, the user's consent.
 void useAuthority(Services& services, const SystemHostOptions& options, const std::string& helper) {
     if (::geteuid() == 0) {
@@ -90,7 +77,7 @@ Services makeSystemServices(const SystemHostOptions& options) {
         options.resources.empty() ? defaultResources() : options.resources);
     services.accountNames = std::make_shared<DirectoryAccounts>(""); // the computer's own accounts
     services.processes = std::make_shared<HostProcesses>(&isComputersServer);
-    services.localDomain = std::make_shared<SystemDomain>(files);
+    services.localDomain = std::make_shared<ComputersDomain>(files.storeFile());
     const std::string helper = options.helper.empty() ? defaultHelper() : options.helper;
     useAuthority(services, options, helper);
     services.computer = std::make_shared<SystemComputer>(helper, services.localDomain);
