@@ -149,6 +149,18 @@ void Examiner::examineHalfMade() {
     }
 }
 
+void Examiner::findNoLogOn(const User& user, bool isDisabled) {
+    find({.code = isDisabled ? "disabled" : "no-password",
+          .text = stringWithFormat(
+              isDisabled ? NSLocalizedString("The user \"%@\" is disabled in Samba's password database.")
+                         : NSLocalizedString("The user \"%@\" has no Samba password and cannot connect."),
+              user.name),
+          .where = user.name,
+          .remedy = isDisabled && !host_.root ? "smbpasswd -e " + platform::shellWord(user.name)
+                                              : command({"users", "password", user.name}),
+          .user = user.name});
+}
+
 void Examiner::examinePasswords() {
     if (!host_.root && ::geteuid() != 0) {
         found_.notes.push_back(
@@ -171,42 +183,21 @@ void Examiner::examinePasswords() {
     const platform::AccountLimits limits = platform::readAccountLimits();
     std::vector<std::string> without;
     for (const User& user : users_) {
+        if (const auto entry = known.find(platform::lowercased(user.name)); entry != known.end()) {
+            if (!entry->second->hasPassword || entry->second->isDisabled) {
+                findNoLogOn(user, entry->second->isDisabled);
+            }
+            known.erase(entry);
+            continue;
+        }
         bool hasUid = false;
         const unsigned uid = platform::accountNumber(user.uid, &hasUid);
-        const auto entry = known.find(platform::lowercased(user.name));
-        const bool isListed = entry != known.end();
-        if (isListed) {
-            const bool canLogOn = entry->second->hasPassword && !entry->second->isDisabled;
-            const bool isDisabled = entry->second->isDisabled;
-            known.erase(entry);
-            if (canLogOn) {
-                continue;
-            }
-            find({.code = isDisabled ? "disabled" : "no-password",
-                  .text = stringWithFormat(
-                      isDisabled
-                          ? NSLocalizedString("The user \"%@\" is disabled in Samba's password database.")
-                          : NSLocalizedString("The user \"%@\" has no Samba password and cannot connect."),
-                      user.name),
-                  .where = user.name,
-                  .remedy = isDisabled && !host_.root ? "smbpasswd -e " + platform::shellWord(user.name)
-                                                      : command({"users", "password", user.name}),
-                  .user = user.name});
-            continue;
-        }
-        if (!hasUid || uid < limits.lowestUser || uid > limits.highestUser) {
-            continue; // a system account
-        }
-        if (!isForSharing(user.shell)) {
+        const bool isPerson = hasUid && uid >= limits.lowestUser && uid <= limits.highestUser;
+        if (isPerson && isForSharing(user.shell)) {
+            findNoLogOn(user, false);
+        } else if (isPerson) {
             without.push_back(user.name);
-            continue;
         }
-        find({.code = "no-password",
-              .text = stringWithFormat(
-                  NSLocalizedString("The user \"%@\" has no Samba password and cannot connect."), user.name),
-              .where = user.name,
-              .remedy = command({"users", "password", user.name}),
-              .user = user.name});
     }
     if (!without.empty()) {
         find({.level = Finding::Level::Notice,

@@ -79,6 +79,8 @@ class Examiner {
     void examineNames();
     void examineUser(const User& user);
     void examinePasswords();
+    /// The user is in Samba's database or ought to be, and cannot log on.
+    void findNoLogOn(const User& user, bool isDisabled);
     void examineHalfMade();
     void examineFile(const std::string& path, unsigned forbidden, unsigned owner);
 
