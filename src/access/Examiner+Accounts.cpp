@@ -17,7 +17,6 @@
 #include <map>
 #include <set>
 
-#include <sys/stat.h>
 #include <unistd.h>
 
 namespace accesscheck {

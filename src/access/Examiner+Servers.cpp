@@ -5,7 +5,6 @@
 #include "platform/foundation/NSString.h"
 #include "platform/foundation/SystemPaths.h"
 #include "platform/netinfo/LocalDomain.h"
-#include "platform/posix/InputOutput.h"
 #include "platform/posix/LetterCase.h"
 #include "platform/posix/ShellWord.h"
 #include "platform/samba/InstalledSamba.h"

@@ -2,8 +2,6 @@
 
 #include "app/DirectoryRecords.h"
 #include "directory/DirectoryRules.h"
-#include "platform/foundation/NSBundle.h"
-#include "platform/foundation/NSString.h"
 #include "platform/foundation/SystemPaths.h"
 
 #include <set>

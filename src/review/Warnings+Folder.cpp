@@ -1,8 +1,6 @@
 #include "review/Warnings.h"
 
 #include "platform/foundation/Host.h"
-#include "platform/foundation/NSBundle.h"
-#include "platform/foundation/NSString.h"
 #include "tools/HelperFolders.h"
 
 #include <algorithm>

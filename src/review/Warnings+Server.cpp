@@ -1,7 +1,5 @@
 #include "review/Warnings.h"
 
-#include "platform/foundation/NSBundle.h"
-#include "platform/foundation/NSString.h"
 #include "platform/samba/InstalledSamba.h"
 #include "platform/samba/SettingsComplaints.h"
 #include "review/TextDifference.h"
