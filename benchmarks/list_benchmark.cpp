@@ -33,11 +33,11 @@ std::vector<BRRow> makeRows() {
 class UserRows : public benchmark::Fixture {
   protected:
     std::vector<BRRow> list = makeRows();
-    TableRows rows{[this](int row, int column) {
-                       return list[static_cast<std::size_t>(row)].at(
-                           columns.at(static_cast<std::size_t>(column)));
-                   },
-                   static_cast<int>(columns.size())};
+    frontend::TableRows rows{[this](int row, int column) {
+                                 return list[static_cast<std::size_t>(row)].at(
+                                     columns.at(static_cast<std::size_t>(column)));
+                             },
+                             static_cast<int>(columns.size())};
 };
 
 BENCHMARK_DEFINE_F(UserRows, sort)(benchmark::State& state) {

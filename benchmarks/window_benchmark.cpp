@@ -34,7 +34,7 @@ constexpr int users = 10000;
 int showBrindle(const std::string& root, char** argv) {
     frontend::Application application(*platform::makeEmbeddedServices(optionsFor(root)));
     int argc = 1;
-    QtFrontend window(argc, argv, QtFrontend::Manner::Interactive);
+    frontend::QtFrontend window(argc, argv, frontend::QtFrontend::Manner::Interactive);
     application.setPresenter(window.presenter());
     EndAtFirstPaint end;
     qApp->installEventFilter(&end);
@@ -58,7 +58,7 @@ void selectShare(benchmark::State& state, char** argv) {
     fillRoot(root.path(), fewShares, manyUsers);
     frontend::Application application(*platform::makeEmbeddedServices(optionsFor(root.path().string())));
     int argc = 1;
-    QtFrontend window(argc, argv, QtFrontend::Manner::Interactive);
+    frontend::QtFrontend window(argc, argv, frontend::QtFrontend::Manner::Interactive);
     application.setPresenter(window.presenter());
     NSUserDefaults::standardUserDefaults().setInteger(0, "BrindleDonationReminder");
     if (!application.load().isOk()) {

@@ -1,10 +1,20 @@
 // The runs of an action through the real helper, as the window makes them.
 
+#include "platform/foundation/NSFileManager.h"
+#include "platform/samba/SambaAccounts.h"
+#include "platform/security/ConsentAuthority.h"
 #include "platform/security/HelperProtocol.h"
+#include "platform/security/HelperSession.h"
+#include "privileged/NiutilTask.h"
 #include "support/HelperFixture.h"
 #include "support/LockHolder.h"
+#include "support/Subprocess.h"
+
+#include <csignal>
+#include <thread>
 
 #include <seccomp.h>
+#include <sys/prctl.h>
 
 namespace {
 

@@ -1,5 +1,19 @@
+#include "platform/samba/SambaAccounts.h"
 #include "platform/security/HelperProtocol.h"
+#include "platform/security/SudoAuthority.h"
+#include "privileged/NiutilTask.h"
 #include "support/HelperFixture.h"
+#include "support/ScratchAdministrator.h"
+#include "support/Subprocess.h"
+#include "tools/HelperFolders.h"
+
+#include <csignal>
+#include <fstream>
+#include <sstream>
+#include <tuple>
+
+#include <pwd.h>
+#include <sys/wait.h>
 
 namespace {
 

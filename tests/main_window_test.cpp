@@ -73,9 +73,9 @@ TEST_F(MainWindow, AShareIsMadeInTheDrawerAndNamedBesideItsDeletion) {
     EXPECT_EQ(control<NSPopUpButton>("ownerPrivs").indexOfSelectedItem(), 0);
     EXPECT_TRUE(host.panels.empty());
     // The button says what it would do to the typed name.
-    EXPECT_EQ(plainTitle(widget<QPushButton>("createNewShare").text()), "Update Share");
+    EXPECT_EQ(frontend::plainTitle(widget<QPushButton>("createNewShare").text()), "Update Share");
     typeInto("shareName", "Filmsx");
-    EXPECT_EQ(plainTitle(widget<QPushButton>("createNewShare").text()), "Create New Share");
+    EXPECT_EQ(frontend::plainTitle(widget<QPushButton>("createNewShare").text()), "Create New Share");
     showPage(1);
     EXPECT_FALSE(widget<QLineEdit>("shareName").isVisible());
 }

@@ -83,7 +83,7 @@ class SystemWindow : public InstalledBrindle, protected WindowHands {
         int argc = 1;
         char program[] = "window";
         char* arguments[] = {program, nullptr};
-        QtFrontend window(argc, arguments, QtFrontend::Manner::Interactive);
+        frontend::QtFrontend window(argc, arguments, frontend::QtFrontend::Manner::Interactive);
         application.setPresenter(window.presenter());
         ASSERT_TRUE(application.load().isOk());
         window.useReviewer(*application.reviewer());

@@ -137,7 +137,7 @@ TEST_F(Window, ClosingTheMainWindowEndsTheApplication) {
 
 class Pictures : public Window {
   protected:
-    Pictures() : Window(QtFrontend::Manner::Silent) {}
+    Pictures() : Window(frontend::QtFrontend::Manner::Silent) {}
 };
 
 TEST_F(Pictures, EveryPageSheetAndPanelIsWrittenUnderItsName) {

@@ -37,7 +37,7 @@ TEST_F(MainWindow, AnEmptyTableHasAButtonToBegin) {
         ASSERT_TRUE(note.isVisible()) << each.table;
         QTest::mouseClick(note.findChild<QPushButton*>(), Qt::LeftButton);
         EXPECT_TRUE(widget<QLineEdit>(each.field).hasFocus()) << each.field;
-        EXPECT_EQ(plainTitle(widget<QPushButton>(each.button).text()), each.offers);
+        EXPECT_EQ(frontend::plainTitle(widget<QPushButton>(each.button).text()), each.offers);
     }
     addUser("alice", "501");
     showPage(1);
@@ -59,7 +59,7 @@ TEST_F(MainWindow, NewDropsTheSelectedRowAndEditNeedsOne) {
     showPage(1);
     const auto editButton = [this] {
         for (auto* each : widget<QWidget>("mainWindow").findChildren<QPushButton*>()) {
-            if (plainTitle(each->text()) == "Edit User") {
+            if (frontend::plainTitle(each->text()) == "Edit User") {
                 return each;
             }
         }

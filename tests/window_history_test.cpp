@@ -53,7 +53,7 @@ TEST_F(WindowHistoryTest, TheMenuNamesWhatItUndoesAndRestoresADeletedShare) {
     host.write("etc/smb.conf", conf);
     openWithHistory();
     QAction& none = openChanges();
-    EXPECT_EQ(plainTitle(none.text()), "Undo");
+    EXPECT_EQ(frontend::plainTitle(none.text()), "Undo");
     EXPECT_FALSE(none.isEnabled());
     QTest::keyClick(&widget<QMenu>("changesMenu"), Qt::Key_Escape);
     clickRow("normalTableView", 0);
@@ -63,7 +63,7 @@ TEST_F(WindowHistoryTest, TheMenuNamesWhatItUndoesAndRestoresADeletedShare) {
     showPage(3);
     typeInto("greeting", "Welcome");
     QAction& undo = openChanges();
-    EXPECT_EQ(plainTitle(undo.text()), "Undo “Share \"Docs\" deleted”");
+    EXPECT_EQ(frontend::plainTitle(undo.text()), "Undo “Share \"Docs\" deleted”");
     answer({"No", "Yes"});
     clickInChanges(undo);
     EXPECT_EQ(columnOf("normalTableView", "ShareName"), std::vector<std::string>{});

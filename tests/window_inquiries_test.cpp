@@ -69,7 +69,7 @@ TEST_F(WindowInquiriesTest, AShareWhoseFolderIsGoneIsMarkedAndListedWithItsRemed
 TEST_F(WindowInquiriesTest, AccessIsShownForAShareAndForAUserWithTheReasonOfTheRow) {
     openWithDoctor();
     int begun = 0;
-    AccessDialog dialog(
+    frontend::AccessDialog dialog(
         {{"Docs", "Music"},
          {"ann", "bob"},
          [&begun] { ++begun; },
@@ -96,13 +96,13 @@ TEST_F(WindowInquiriesTest, AccessIsShownForAShareAndForAUserWithTheReasonOfTheR
     EXPECT_EQ(column(list, 0), QStringList({"Docs", "Music"}));
     EXPECT_EQ(column(list, 7), QStringList({"may not write to Docs", "may not write to Music"}));
     EXPECT_EQ(begun, 2) << "everything is read again for each list";
-    EXPECT_EQ(AccessDialog({{"Docs"},
-                            {"ann"},
-                            [] {},
-                            [](const auto& share, const auto& user) {
-                                return Answer{share, user, {}, std::nullopt, {}};
-                            }},
-                           std::nullopt, "ann", nullptr)
+    EXPECT_EQ(frontend::AccessDialog({{"Docs"},
+                                      {"ann"},
+                                      [] {},
+                                      [](const auto& share, const auto& user) {
+                                          return Answer{share, user, {}, std::nullopt, {}};
+                                      }},
+                                     std::nullopt, "ann", nullptr)
                   .findChild<QComboBox*>("accessSubject")
                   ->currentText(),
               "What \"ann\" may do");
@@ -125,7 +125,11 @@ TEST_F(WindowInquiriesTest, FindingsAreCountedAndCanBeReadWhole) {
     for (const Case& each :
          {Case{{}, "No problem was found."}, Case{{problem}, "One problem was found."},
           Case{{note}, "No problems; one note."}, Case{{note, problem, note}, "One problem; 2 notes."}}) {
-        FindingsDialog dialog([&each] { return accesscheck::Examination{each.findings, {}}; }, nullptr);
+        frontend::FindingsDialog dialog(
+            [&each] {
+                return accesscheck::Examination{each.findings, {}};
+            },
+            nullptr);
         EXPECT_EQ(dialog.findChild<QLabel*>("findingsSummary")->text(), each.summary);
         dialog.show();
         QApplication::processEvents();
@@ -142,13 +146,13 @@ TEST_F(WindowInquiriesTest, FindingsAreCountedAndCanBeReadWhole) {
 
 TEST_F(WindowInquiriesTest, ANarrowListOfRightsKeepsItsReasons) {
     openWithDoctor();
-    AccessDialog dialog({{"Docs"},
-                         {"ann"},
-                         [] {},
-                         [](const auto& share, const auto& user) {
-                             return Answer{share, user, {}, std::nullopt, {}};
-                         }},
-                        "Docs", std::nullopt, nullptr);
+    frontend::AccessDialog dialog({{"Docs"},
+                                   {"ann"},
+                                   [] {},
+                                   [](const auto& share, const auto& user) {
+                                       return Answer{share, user, {}, std::nullopt, {}};
+                                   }},
+                                  "Docs", std::nullopt, nullptr);
     dialog.resize(400, 300);
     dialog.show();
     QApplication::processEvents();
@@ -167,12 +171,13 @@ TEST_F(WindowInquiriesTest, TheSelectionIsDisconnectedAfterConfirmation) {
     session.address = "192.168.1.7";
     session.shares = {{"Docs", 0}};
     session.files = {{"/srv/docs/letter", 0, true}};
-    SessionsDialog dialog({[&] { return std::vector{session}; },
-                           [&done](Disconnection kind, const std::string& what) {
-                               done.push_back((kind == Disconnection::Share ? "share " : "computer ") + what);
-                               return true;
-                           }},
-                          nullptr);
+    frontend::SessionsDialog dialog({[&] { return std::vector{session}; },
+                                     [&done](Disconnection kind, const std::string& what) {
+                                         done.push_back(
+                                             (kind == Disconnection::Share ? "share " : "computer ") + what);
+                                         return true;
+                                     }},
+                                    nullptr);
     dialog.show();
     auto& list = *dialog.findChild<QTreeWidget*>("sessionsList");
     auto& button = *dialog.findChild<QPushButton*>("disconnect");

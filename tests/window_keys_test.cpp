@@ -13,7 +13,7 @@ class Keys : public EveryWindow {};
 
 TEST(Mnemonics, AreTheTextsOwnLettersEachOnceAndAsManyAsThereCanBe) {
     struct Case {
-        std::vector<Titled> texts;
+        std::vector<frontend::Titled> texts;
         QString taken;
         QStringList titles;
         QString shared = {};
@@ -37,10 +37,10 @@ TEST(Mnemonics, AreTheTextsOwnLettersEachOnceAndAsManyAsThereCanBe) {
           Case{{{"ページ", "pageMenu"}, {"ページ", ""}}, "A", {"ページ(&P)", "ページ(&B)"}}}) {
         QSet<QChar> taken(each.taken.begin(), each.taken.end());
         const QStringList titles =
-            titlesWithMnemonics(each.texts, taken, {each.shared.begin(), each.shared.end()});
+            frontend::titlesWithMnemonics(each.texts, taken, {each.shared.begin(), each.shared.end()});
         EXPECT_EQ(titles, each.titles) << titles.join('|').toStdString();
         for (qsizetype text = 0; text < titles.size(); ++text) {
-            EXPECT_EQ(plainTitle(titles[text]), each.texts[static_cast<std::size_t>(text)].text);
+            EXPECT_EQ(frontend::plainTitle(titles[text]), each.texts[static_cast<std::size_t>(text)].text);
         }
     }
 }
@@ -62,7 +62,7 @@ TEST_F(Keys, EachPageDrawerDialogAndMenuGivesEverythingItsOwnLetter) {
             key.isNull() ? without.append(each) : static_cast<void>(used.insert(key));
         }
         for (const QString& each : without) {
-            for (const QChar letter : plainTitle(each)) {
+            for (const QChar letter : frontend::plainTitle(each)) {
                 EXPECT_TRUE(!letter.isLetterOrNumber() || used.contains(letter.toUpper()))
                     << where << ": " << each.toStdString() << " could have " << QString(letter).toStdString();
             }
@@ -88,8 +88,8 @@ TEST_F(Keys, EachPageDrawerDialogAndMenuGivesEverythingItsOwnLetter) {
         for (auto* each : shown.findChildren<QAbstractButton*>()) {
             const bool isOverTable = each->parentWidget()->objectName().endsWith("Empty");
             // The first does the same as a button below the table, and the second has its own keys.
-            const bool needsNone =
-                isOverTable || (each->text() == plainTitle(each->text()) && hasKeys(*each));
+            const bool needsNone = isOverTable || (each->text() == frontend::plainTitle(each->text()) &&
+                                                   frontend::hasKeys(*each));
             if (each->isVisible() && !each->text().isEmpty() && !needsNone) {
                 add(*each, each->text());
             }
@@ -163,7 +163,7 @@ TEST_F(Keys, NoKeyOfTheWindowHasTwoMeanings) {
                                      {"F1", "Brindle Guide"},
                                      {"Ctrl+Z", "Undo"},
                                      {"Ctrl+PgDown", "Next Page"}}) {
-        EXPECT_EQ(plainTitle(meanings[key]), title) << key;
+        EXPECT_EQ(frontend::plainTitle(meanings[key]), title) << key;
     }
 }
 

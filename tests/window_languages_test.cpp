@@ -76,7 +76,7 @@ class WindowInALanguage : public MainWindow, public testing::WithParamInterface<
 
     static void expectRoomForTexts(const QWidget& window) {
         for (const QLabel* label : shownIn<QLabel>(window)) {
-            if (dynamic_cast<const ElidedLabel*>(label) != nullptr) {
+            if (dynamic_cast<const frontend::ElidedLabel*>(label) != nullptr) {
                 continue;
             }
             const QRect room(0, 0, label->width(), QWIDGETSIZE_MAX);

@@ -56,7 +56,8 @@ TEST(ATableRowsOrder, ComparesNumbersByValueAndIgnoresCaseAndAccents) {
         {{"7", "", "007", "70"}, {"", "7", "007", "70"}},
     };
     for (const Case& each : cases) {
-        TableRows rows([&each](int row, int) { return each.texts[static_cast<std::size_t>(row)]; }, 1);
+        frontend::TableRows rows([&each](int row, int) { return each.texts[static_cast<std::size_t>(row)]; },
+                                 1);
         rows.setLength(static_cast<int>(each.texts.size()));
         for (const bool isDescending : {false, true}) {
             rows.setOrder(0, isDescending);
@@ -348,7 +349,7 @@ TEST_F(RowMenu, OpensTheFolderAndCopiesTheAddressForOthers) {
     host.write("etc/smb.conf", "[My Docs]\n\tpath = " + folder + "\n");
     openOnComputer();
     EXPECT_FALSE(pick(0, "Copy Address")); // nothing serves it
-    frontend->useServer("smb://desk:4455/", "", false);
+    frontend->useServer({"smb://desk:4455/", "", false});
     EXPECT_TRUE(pick(0, "Copy Address"));
     EXPECT_EQ(QApplication::clipboard()->text(), "smb://desk:4455/My%20Docs");
     EXPECT_TRUE(pick(1, "Copy Address"));

@@ -101,7 +101,7 @@ TEST_F(WindowReviewTest, AfterAFailedCopyTheWindowShowsWhatIsOnDisk) {
     typeInto("smbWorkGroup", "OFFICE");
     answer({"Go On", "OK"});
     for (auto* button : widget<QWidget>("smbPropsTabView").window()->findChildren<QPushButton*>()) {
-        if (button->isVisible() && plainTitle(button->text()) == "Save") {
+        if (button->isVisible() && frontend::plainTitle(button->text()) == "Save") {
             QTest::mouseClick(button, Qt::LeftButton);
         }
     }
@@ -115,7 +115,7 @@ TEST_F(WindowReviewTest, APartlyShownPageCannotBeSavedUntilTheFileIsRepaired) {
     showPage(4);
     const auto save = [this] {
         for (auto* button : widget<QWidget>("mainWindow").findChildren<QPushButton*>()) {
-            if (plainTitle(button->text()) == "Save" && button->isVisible()) {
+            if (frontend::plainTitle(button->text()) == "Save" && button->isVisible()) {
                 return button;
             }
         }

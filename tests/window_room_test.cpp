@@ -1,5 +1,6 @@
 // The window's size on small and large screens, its place at the next start, and its colours.
 
+#include "frontends/qt/DrawnIcons.h"
 #include "frontends/qt/Inks.h"
 #include "frontends/qt/ReviewDialog.h"
 #include "frontends/qt/ScreenRoom.h"
@@ -15,6 +16,11 @@
 #include <algorithm>
 
 namespace {
+
+using frontend::contrast;
+using frontend::leastContrast;
+using frontend::leastEdgeContrast;
+using frontend::Mark;
 
 class Room : public MainWindow {
   protected:
@@ -151,7 +157,7 @@ TEST_F(Room, AReviewFitsTheScreenWithItsDetailsAndScrolls) {
         plan.runs.push_back({"/usr/bin/nicl", {".", "-delete", "/users/user" + std::to_string(run)}, ""});
         plan.warnings.push_back({"name", "User " + std::to_string(run) + " is the last one in a group."});
     }
-    const auto dialog = makePlanDialog(plan, &window());
+    const auto dialog = frontend::makePlanDialog(plan, &window());
     dialog->show();
     for (const bool hasDetails : {false, true}) {
         if (hasDetails) {
@@ -183,7 +189,8 @@ TEST(AWindowsPlace, IsKeptIfItsTitleCanBeReachedAndElseMovedIntoView) {
              Case{QRect(100, -500, 900, 600), QRect(190, 100, 900, 600)},   // its title cannot be reached
              Case{QRect(1400, 200, 1600, 900), QRect(1280, 36, 1024, 564)}, // from a larger screen
          }) {
-        EXPECT_EQ(placeInView(each.left, screens), each.back) << each.left.x() << ' ' << each.left.y();
+        EXPECT_EQ(frontend::placeInView(each.left, screens), each.back)
+            << each.left.x() << ' ' << each.left.y();
     }
 }
 
@@ -289,14 +296,16 @@ TEST_F(Colours, NotesWarningsAndMarksCanBeReadOnEveryDesktop) {
         EXPECT_GT(lineOfSelectedTab(palette), leastEdgeContrast - 0.1) << desktop;
         QPalette hiding = palette;
         hiding.setColor(QPalette::PlaceholderText, palette.color(QPalette::Base).darker(110));
-        EXPECT_GE(contrast(placeholderOn(hiding), palette.color(QPalette::Base)), leastContrast) << desktop;
+        EXPECT_GE(contrast(frontend::placeholderOn(hiding), palette.color(QPalette::Base)), leastContrast)
+            << desktop;
         for (const Mark mark : {Mark::Warning, Mark::Information}) {
             for (const auto ground : {QPalette::Base, QPalette::AlternateBase, QPalette::Window}) {
                 const auto drawnOn = ground == QPalette::Window ? ground : QPalette::Base;
-                const QImage drawn = markIcon(mark, drawnOn).pixmap(QSize(32, 32), 1.0).toImage();
+                const QImage drawn = frontend::markIcon(mark, drawnOn).pixmap(QSize(32, 32), 1.0).toImage();
                 EXPECT_GE(contrast(drawn.pixelColor(8, 26), palette.color(ground)), leastContrast) << desktop;
             }
-            const QImage selected = markIcon(mark).pixmap(QSize(32, 32), 1.0, QIcon::Selected).toImage();
+            const QImage selected =
+                frontend::markIcon(mark).pixmap(QSize(32, 32), 1.0, QIcon::Selected).toImage();
             EXPECT_GE(contrast(selected.pixelColor(8, 26), palette.color(QPalette::Highlight)), 3)
                 << desktop << ": at least like the desktop's own text";
         }

@@ -26,7 +26,7 @@ TEST_F(MainWindow, DeletingAShareNamesItAndLeavesNothingSelectedOrFocusedThatDel
     ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
     for (int tab = 0; tab < 20; ++tab) {
         auto* focused = qobject_cast<QPushButton*>(window.focusWidget());
-        EXPECT_TRUE(focused == nullptr || plainTitle(focused->text()) != "Delete All Shares…");
+        EXPECT_TRUE(focused == nullptr || frontend::plainTitle(focused->text()) != "Delete All Shares…");
         QTest::keyClick(&window, Qt::Key_Tab);
     }
 }

@@ -55,7 +55,7 @@ class WindowStatusTest : public WindowWithHistory {
 
 TEST_F(WindowStatusTest, AShareIsAnnouncedWithItsAddressToCopyAndTakenBackFromThere) {
     openWithHistory();
-    frontend->useServer("smb://127.0.0.1:4455/", "SMB server", false);
+    frontend->useServer({"smb://127.0.0.1:4455/", "SMB server", false});
     EXPECT_EQ(status(), "");
     share("My Docs");
     EXPECT_EQ(status(), "My Docs is shared at smb://127.0.0.1:4455/My%20Docs.");
@@ -73,11 +73,11 @@ TEST_F(WindowStatusTest, AShareIsAnnouncedWithItsAddressToCopyAndTakenBackFromTh
 TEST_F(WindowStatusTest, NoAddressIsShownIfNothingServesIt) {
     host.write("etc/smb.conf", "[Old]\n\tpath = " + host.root().string() + "\n");
     openWithHistory();
-    frontend->useServer("smb://127.0.0.1:4455/", "SMB server", false);
+    frontend->useServer({"smb://127.0.0.1:4455/", "SMB server", false});
     share("New", 0); // its folder is offered under another name
     EXPECT_EQ(status(), "Share \"New\" created.");
     EXPECT_FALSE(widget<QPushButton>("statusCopy").isVisible());
-    frontend->useServer("", "No server", false);
+    frontend->useServer({"", "No server", false});
     share("Newer", 1);
     EXPECT_EQ(status(), "Newer will be shared over SMB as soon as a server runs.");
 }
@@ -137,7 +137,7 @@ TEST_F(WindowStatusTest, APasswordIsNeverListed) {
 
 TEST_F(WindowStatusTest, AServerThatCouldNotBeStartedIsReportedInTheWindow) {
     openWithHistory();
-    frontend->useServer("", "port 4455 is in use", true);
+    frontend->useServer({"", "port 4455 is in use", true});
     EXPECT_EQ(status(), "port 4455 is in use");
 }
 
@@ -240,9 +240,9 @@ TEST_F(WindowStatusTest, AnActionOnOneObjectShowsItsProgressAndCannotBeStopped) 
 
 TEST_F(WindowStatusTest, AnActionWithSeveralRunsPerObjectStopsBetweenTwoObjects) {
     openWithHistory();
-    Activity activity;
-    RefreshQueue queue;
-    RunProgress running([] { return nullptr; }, activity, queue);
+    frontend::Activity activity;
+    frontend::RefreshQueue queue;
+    frontend::RunProgress running([] { return nullptr; }, activity, queue);
     std::vector<bool> stops;
     running.setStop([&stops](bool madeStill) { stops.push_back(madeStill); });
     running.begin(100, review::stopsOf("updateSharesFor10pt2:"));
@@ -279,7 +279,7 @@ TEST_F(WindowStatusTest, AChangeByAnotherProgramIsNotOfferedForUndo) {
 }
 
 TEST_F(WindowStatusTest, OutputThatWasAskedForIsNoFailureAndEachAlertHasItsOwnReason) {
-    Activity activity;
+    frontend::Activity activity;
     activity.toolWillRun("/usr/bin/smbstatus", std::vector<std::string>{"--json"});
     activity.toolDidWrite("{\"sessions\": {}}");
     EXPECT_FALSE(activity.entries().back().hasFailed);

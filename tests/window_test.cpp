@@ -157,7 +157,7 @@ TEST_F(Window, TextFromTheProgramIsShownUncheckedAndIsNoEdit) {
 TEST_F(Window, ButtonsBoxesAndCellsAreClickedThroughTheirModels) {
     show();
     // An ampersand, not a mnemonic.
-    EXPECT_EQ(plainTitle(widget<QAbstractButton>("press")->text()), "Press & Go");
+    EXPECT_EQ(frontend::plainTitle(widget<QAbstractButton>("press")->text()), "Press & Go");
     QTest::mouseClick(widget<QWidget>("press"), Qt::LeftButton);
     QTest::mouseClick(widget<QWidget>("check"), Qt::LeftButton, {},
                       QPoint(8, widget<QWidget>("check")->height() / 2));
@@ -204,11 +204,11 @@ TEST_F(Window, APopUpCountsTheSameChoiceAgainAndFollowsTypedLetters) {
 }
 
 TEST_F(Window, ManyChangesAreRedrawnOnce) {
-    RefreshQueue queue;
+    frontend::RefreshQueue queue;
     NSButton element(NSButtonKind::Push);
     int refreshes = 0;
     QObject owner;
-    new Binding(&owner, queue, element.changed, [&refreshes] { ++refreshes; });
+    new frontend::Binding(&owner, queue, element.changed, [&refreshes] { ++refreshes; });
     refreshes = 0;
     for (int change = 0; change < 10'000; ++change) {
         element.changed.emit();

@@ -214,7 +214,7 @@ Status printTable(const Options& options) {
 
 /// Returns what the window says about the server for --serve. A port that is in use must not prevent the
 /// window.
-frontend::ServerLine serverLine(const Options& options, const Result<Server>& server) {
+frontend::ShareServer shareServer(const Options& options, const Result<Server>& server) {
     if (!server.isOk()) {
         return {"", server.status().text(), true};
     }
@@ -257,26 +257,22 @@ std::string placeOf(const platform::HostOptions& host) {
 }
 
 Result<int> openWindow(const Options& options, frontend::WindowRun& window) {
-    std::unique_ptr<frontend::OneWindow> only; // until the very end: only one process works there
-    if (options.mode == Mode::Window) {
-        const std::string place = placeOf(options.host);
-        auto taken = frontend::OneWindow::take(place);
-        if (taken.isOk() && *taken == nullptr) {
-            std::cout << "Brindle is already open on " << place << "; its window has come to the front.\n";
-            if (options.serve) {
-                std::cout << "No server was started: --serve is for the start that opens the window.\n";
-            }
-            return 0;
+    const std::string place = placeOf(options.host);
+    auto taken = frontend::OneWindow::take(place);
+    if (taken.isOk() && *taken == nullptr) {
+        std::cout << "Brindle is already open on " << place << "; its window has come to the front.\n";
+        if (options.serve) {
+            std::cout << "No server was started: --serve is for the start that opens the window.\n";
         }
-        if (!taken.isOk() && taken.status().systemError() == 0) {
-            return taken.status();
-        }
-        if (!taken.isOk()) {
-            std::cerr << "brindle: a second start will not find this window: " << taken.status().text()
-                      << '\n';
-        }
-        only = std::move(taken).valueOr(nullptr);
+        return 0;
     }
+    if (!taken.isOk() && taken.status().systemError() == 0) {
+        return taken.status();
+    }
+    if (!taken.isOk()) {
+        std::cerr << "brindle: a second start will not find this window: " << taken.status().text() << '\n';
+    }
+    const auto only = std::move(taken).valueOr(nullptr); // until the very end: only one process works there
     auto services = makeServices(options);
     if (!services.isOk()) {
         return services.status();
@@ -284,21 +280,25 @@ Result<int> openWindow(const Options& options, frontend::WindowRun& window) {
     Application application(std::move(*services));
     application.setExaminedHost(examinedHostOf(options.host));
     const auto server = startServer(options);
-    if (options.mode == Mode::Window) {
-        return window.show(application, serverLine(options, server), only.get());
-    }
-    if (!server.isOk()) {
-        return server.status();
-    }
-    return exitStatusOf(window.takeSnapshots(application, options.snapshotFolder));
+    return window.show(application, shareServer(options, server), only.get());
 }
 
-Result<int> runWithWindow(const Options& options, frontend::WindowRun& window) {
+Result<int> runWindow(const Options& options, frontend::WindowRun& window) {
     Result<int> result = openWindow(options, window);
-    if (!result.isOk() && options.mode == Mode::Window) {
+    if (!result.isOk()) {
         window.showFailure(result.status().text());
     }
     return result;
+}
+
+Status takeSnapshots(const Options& options, frontend::WindowRun& window) {
+    auto services = makeServices(options);
+    if (!services.isOk()) {
+        return services.status();
+    }
+    Application application(std::move(*services));
+    application.setExaminedHost(examinedHostOf(options.host));
+    return window.takeSnapshots(application, options.snapshotFolder);
 }
 
 /// Executes the program with the window: the installed one (../libexec), or the one in this program's folder,
@@ -344,6 +344,9 @@ Result<int> run(const Options& options, char** argv, frontend::WindowRun* window
     if (options.end) {
         return options.end->print();
     }
+    if (window == nullptr && (options.mode == Mode::Window || options.mode == Mode::Snapshot)) {
+        return becomeWindow(argv);
+    }
     switch (options.mode) {
     case Mode::Script:
         return runScript(options);
@@ -352,8 +355,9 @@ Result<int> run(const Options& options, char** argv, frontend::WindowRun* window
     case Mode::Print:
         return exitStatusOf(printTable(options));
     case Mode::Window:
+        return runWindow(options, *window);
     case Mode::Snapshot:
-        return window != nullptr ? runWithWindow(options, *window) : Result<int>(becomeWindow(argv));
+        return exitStatusOf(takeSnapshots(options, *window));
     }
     throw std::logic_error("no such mode");
 }

@@ -14,7 +14,7 @@ class EveryWindow : public WindowWithHistory {
   protected:
     void openAll() {
         openWithDoctor();
-        frontend->useServer("smb://127.0.0.1:4455/", "SMB server", false);
+        frontend->useServer({"smb://127.0.0.1:4455/", "SMB server", false});
     }
 
     QMainWindow& window() { return widget<QMainWindow>("mainWindow"); }
@@ -34,10 +34,11 @@ class EveryWindow : public WindowWithHistory {
     static std::string focused() {
         const QWidget* widget = QApplication::focusWidget();
         const auto* button = qobject_cast<const QAbstractButton*>(widget);
-        return widget == nullptr                                ? "nothing"
-               : button != nullptr && !button->text().isEmpty() ? plainTitle(button->text()).toStdString()
-               : !widget->objectName().isEmpty()                ? widget->objectName().toStdString()
-                                                                : widget->metaObject()->className();
+        return widget == nullptr ? "nothing"
+               : button != nullptr && !button->text().isEmpty()
+                   ? frontend::plainTitle(button->text()).toStdString()
+               : !widget->objectName().isEmpty() ? widget->objectName().toStdString()
+                                                 : widget->metaObject()->className();
     }
 
     /// Calls `look` with every window: each page with each of its settings' pages, the editor, the sheet, and

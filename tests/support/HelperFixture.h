@@ -1,34 +1,15 @@
 #pragma once
 
-#include "tools/Helper.h"
-
-#include "platform/foundation/Host.h"
-#include "platform/foundation/NSFileManager.h"
 #include "platform/host/EmbeddedRoot.h"
-#include "platform/samba/SambaAccounts.h"
-#include "platform/security/ConsentAuthority.h"
-#include "platform/security/HelperSession.h"
-#include "platform/security/SudoAuthority.h"
-#include "privileged/NiutilTask.h"
-#include "support/ScratchAdministrator.h"
-#include "support/Subprocess.h"
 #include "support/TestHost.h"
-#include "tools/HelperFolders.h"
+#include "tools/Helper.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <csignal>
 #include <filesystem>
-#include <fstream>
-#include <thread>
-#include <tuple>
 
-#include <pwd.h>
-#include <sys/prctl.h>
-#include <sys/resource.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 namespace fs = std::filesystem;

@@ -20,7 +20,8 @@ class MainWindow : public AppFixture, protected WindowHands {
     void SetUp() override {
         qputenv("QT_QPA_PLATFORM", qtPlatform);
         qputenv("QT_LOGGING_RULES", "default.warning=false");
-        frontend = std::make_unique<QtFrontend>(argc, arguments, QtFrontend::Manner::Interactive);
+        frontend = std::make_unique<frontend::QtFrontend>(argc, arguments,
+                                                          frontend::QtFrontend::Manner::Interactive);
         host.host().setPresenter(frontend->presenter());
     }
 
@@ -48,5 +49,5 @@ class MainWindow : public AppFixture, protected WindowHands {
     int argc = 1;
     char program[7] = "window";
     char* arguments[2] = {program, nullptr};
-    std::unique_ptr<QtFrontend> frontend;
+    std::unique_ptr<frontend::QtFrontend> frontend;
 };

@@ -144,10 +144,10 @@ using Told = std::vector<std::string>;
 
 class Window : public ::testing::Test {
   protected:
-    explicit Window(QtFrontend::Manner manner = QtFrontend::Manner::Interactive) {
+    explicit Window(frontend::QtFrontend::Manner manner = frontend::QtFrontend::Manner::Interactive) {
         qputenv("QT_QPA_PLATFORM", "offscreen");
         qputenv("QT_LOGGING_RULES", "default.warning=false"); // suppress the offscreen platform's warnings
-        frontend = std::make_unique<QtFrontend>(argc, arguments, manner);
+        frontend = std::make_unique<frontend::QtFrontend>(argc, arguments, manner);
         host.host().setPresenter(frontend->presenter());
         auto description = platform::describeClass<Desk>("Desk");
         description.action("typed:", &Desk::typed).action("pressed:", &Desk::pressed);
@@ -184,5 +184,5 @@ class Window : public ::testing::Test {
     char program[7] = "window";
     char* arguments[2] = {program, nullptr};
     std::unique_ptr<platform::Interface> interface;
-    std::unique_ptr<QtFrontend> frontend;
+    std::unique_ptr<frontend::QtFrontend> frontend;
 };

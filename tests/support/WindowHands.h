@@ -42,7 +42,7 @@ class WindowHands {
 
     void clickTitled(const QString& title) {
         for (auto* each : widget<QWidget>("mainWindow").findChildren<QPushButton*>()) {
-            if (plainTitle(each->text()) == title && each->isVisible()) {
+            if (frontend::plainTitle(each->text()) == title && each->isVisible()) {
                 QTest::mouseClick(each, Qt::LeftButton);
                 return;
             }
@@ -66,7 +66,7 @@ class WindowHands {
     /// Uses the menu item whose title begins with `title`.
     void useMenu(const QString& title) {
         for (auto* action : widget<QWidget>("mainWindow").findChildren<QAction*>()) {
-            if (plainTitle(action->text()).startsWith(title)) {
+            if (frontend::plainTitle(action->text()).startsWith(title)) {
                 action->trigger();
                 return;
             }
@@ -98,7 +98,7 @@ class WindowHands {
             return;
         }
         for (auto* button : dialog->findChildren<QAbstractButton*>()) {
-            if (plainTitle(button->text()) == answers.front() && button->isVisible()) {
+            if (frontend::plainTitle(button->text()) == answers.front() && button->isVisible()) {
                 asked.append(dialog->windowTitle());
                 typePassword(*dialog);
                 lastText.clear();

@@ -34,11 +34,7 @@ CLI::App* addCommand(CLI::App& parent, CommandOptions& options, const std::strin
         command->add_flag("--yes", options.saysYes, "Answer every confirmation with yes");
         command->add_flag("--dry-run", options.isDryRun, "Print what would be done, and do nothing");
     }
-    const std::string whole = parent.get_parent() != nullptr ? parent.get_name() + " " + name : name;
-    command->final_callback([&options, whole, carryOut = std::move(carryOut)] {
-        options.name = whole;
-        options.carryOut = carryOut;
-    });
+    command->final_callback([&options, carryOut = std::move(carryOut)] { options.carryOut = carryOut; });
     return command;
 }
 

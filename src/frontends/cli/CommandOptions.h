@@ -15,7 +15,6 @@ class CommandRun;
 /// The options of a command line that names a command.
 struct CommandOptions {
     std::function<void(CommandRun&)> carryOut; ///< empty when no command was named
-    std::string name;                          ///< "shares add"
     bool printsJSON = false;
     bool saysYes = false; ///< every confirmation is answered with yes
     bool isDryRun = false;

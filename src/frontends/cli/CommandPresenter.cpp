@@ -1,7 +1,6 @@
 #include "frontends/cli/CommandPresenter.h"
 
 #include "frontends/cli/Terminal.h"
-#include "frontends/script/ScriptWords.h"
 #include "platform/foundation/NSBundle.h"
 #include "platform/foundation/SystemPaths.h"
 
@@ -63,17 +62,10 @@ void CommandPresenter::editWasRefused(const NSTextField& /*field*/, const std::s
     faults_.push_back(errorText);
 }
 
-void CommandPresenter::toolWillRun(const std::string& tool, std::span<const std::string> arguments) {
+void CommandPresenter::toolWillRun(const std::string& tool, std::span<const std::string> /*arguments*/) {
     wasRefused_ = false;
     isTelling_ = tool == platform::systempath::smbstatus;
-    if (isTelling_) {
-        return; // it only writes what it was asked for, and changes nothing
-    }
-    std::string run = tool;
-    for (const std::string& argument : arguments) {
-        run += " " + scriptWord(argument);
-    }
-    runs_.push_back(std::move(run));
+    runs_ += isTelling_ ? 0 : 1; // that one only writes what it was asked for, and changes nothing
 }
 
 void CommandPresenter::toolDidWrite(std::string_view output) {

@@ -39,7 +39,8 @@ class CommandPresenter : public platform::SilentPresenter {
     [[nodiscard]] const platform::Interface& interface() const { return *interface_; }
 
     // What has happened since begin().
-    [[nodiscard]] const std::vector<std::string>& runs() const { return runs_; }
+    /// The number of tool runs that could change something.
+    [[nodiscard]] int runs() const { return runs_; }
 
     [[nodiscard]] const std::vector<std::string>& faults() const { return faults_; }
 
@@ -63,7 +64,7 @@ class CommandPresenter : public platform::SilentPresenter {
     bool isTelling_ = false; ///< the present tool run changes nothing
     std::optional<std::string> choice_;
     std::optional<std::string> unanswered_;
-    std::vector<std::string> runs_;
+    int runs_ = 0;
     std::vector<std::string> faults_;
     const platform::Interface* interface_ = nullptr;
 };

@@ -59,7 +59,7 @@ void CommandRun::finish() {
         return;
     }
     result_["changed"] = changes_;
-    result_["runs"] = context_.presenter.runs().size();
+    result_["runs"] = context_.presenter.runs();
     say(changes_ ? "changed" : "unchanged"); // for programs: not translated
 }
 

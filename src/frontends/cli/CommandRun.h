@@ -13,7 +13,6 @@
 
 #include <nlohmann/json.hpp>
 
-#include <memory>
 #include <optional>
 #include <string>
 #include <utility>

@@ -1,6 +1,5 @@
 #include "frontends/cli/CommandRun.h"
 #include "platform/foundation/NSBundle.h"
-#include "platform/foundation/NSString.h"
 
 #include <memory>
 
@@ -56,8 +55,8 @@ void undo(CommandRun& run, std::optional<std::int64_t> number) {
         CommandRun::fail(status ? status->text()
                                 : NSLocalizedString("it was not carried out; the system's log says why"));
     }
-    run.result()["changed"] = !run.presenter().runs().empty();
-    run.result()["runs"] = run.presenter().runs().size();
+    run.result()["changed"] = run.presenter().runs() > 0;
+    run.result()["runs"] = run.presenter().runs();
 }
 
 } // namespace

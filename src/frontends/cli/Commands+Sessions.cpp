@@ -2,7 +2,6 @@
 #include "platform/foundation/NSBundle.h"
 #include "platform/foundation/NSString.h"
 #include "platform/foundation/SystemPaths.h"
-#include "platform/posix/LetterCase.h"
 #include "review/ConnectedClients.h"
 
 #include <algorithm>
@@ -110,7 +109,6 @@ void addSessionCommands(CLI::App& parser, CommandOptions& options) {
     // This runs after the subcommand's callback.
     sessions->final_callback([&options, sessions] {
         if (sessions->get_subcommands().empty()) {
-            options.name = sessions->get_name();
             options.carryOut = list;
         }
     });

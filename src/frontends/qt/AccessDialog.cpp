@@ -17,6 +17,8 @@
 #include <algorithm>
 #include <array>
 
+namespace frontend {
+
 namespace {
 
 using accesscheck::Answer;
@@ -159,3 +161,5 @@ void AccessDialog::showReason() {
     }
     reason_->setText(shown(text));
 }
+
+} // namespace frontend

@@ -5,7 +5,6 @@
 #include <QDialog>
 
 #include <functional>
-#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -13,6 +12,8 @@
 class QComboBox;
 class QLabel;
 class QTreeWidget;
+
+namespace frontend {
 
 /// Answers questions such as "why can't Ann write?". For one share it lists who may do what with it; for one
 /// user, what they may do with each share. Below the list it shows the reason for the selected row, and what
@@ -44,3 +45,5 @@ class AccessDialog : public QDialog {
     QTreeWidget* list_ = nullptr;
     QLabel* reason_ = nullptr;
 };
+
+} // namespace frontend

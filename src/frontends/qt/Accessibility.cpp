@@ -9,6 +9,8 @@
 #include <QAccessible>
 #include <QAccessibleWidget>
 
+namespace frontend {
+
 namespace {
 
 /// Qt reports a pop-up's choice as its name, and expects the real name in a label, which not every pop-up
@@ -86,3 +88,5 @@ Accessibility::Accessibility() {
 Accessibility::~Accessibility() {
     QAccessible::removeFactory(interfaceOf);
 }
+
+} // namespace frontend

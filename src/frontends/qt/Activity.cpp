@@ -6,6 +6,8 @@
 
 #include <utility>
 
+namespace frontend {
+
 namespace {
 
 constexpr std::size_t entryLimit = 20000;
@@ -128,3 +130,5 @@ void ActivityLog::write(std::string_view text) {
         activity_->logged(text);
     }
 }
+
+} // namespace frontend

@@ -7,12 +7,13 @@
 
 #include <cstddef>
 #include <deque>
-#include <functional>
 #include <memory>
 #include <span>
 #include <string>
 #include <string_view>
 #include <utility>
+
+namespace frontend {
 
 /// Something that happened: a tool run, a line of the log, or a beep without an explanation.
 struct ActivityEntry {
@@ -110,3 +111,5 @@ class ActivityLog : public platform::Log {
     std::shared_ptr<platform::Log> log_;
     Activity* activity_;
 };
+
+} // namespace frontend

@@ -2,7 +2,8 @@
 
 #include "frontends/qt/Binding.h"
 #include "frontends/qt/DialogParts.h"
-#include "frontends/qt/Inks.h"
+#include "frontends/qt/DrawnIcons.h"
+#include "frontends/qt/PlainStyle.h"
 #include "frontends/qt/ScreenRoom.h"
 #include "platform/appkit/NSAlert.h"
 #include "platform/foundation/NSBundle.h"
@@ -22,11 +23,12 @@
 #include <algorithm>
 #include <array>
 
+namespace frontend {
+
 namespace {
 
 constexpr int dialogWidth = 720;
 constexpr int dialogHeight = 440;
-constexpr int rowPadding = 6;
 constexpr int timeWidth = 90;
 constexpr int outcomeWidth = 80;
 constexpr std::array<const char*, 3> columnTitles = {"Time", "What", "Outcome"};
@@ -167,3 +169,5 @@ void ActivityDialog::saveAsText() {
                                          path.toStdString(), file.errorString().toStdString()));
     }
 }
+
+} // namespace frontend

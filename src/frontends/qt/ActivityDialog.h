@@ -8,6 +8,8 @@
 class QPlainTextEdit;
 class QTableView;
 
+namespace frontend {
+
 /// The rows of an activity, the newest last. Cells are made when they are drawn.
 class ActivityModel : public QAbstractTableModel {
   public:
@@ -48,3 +50,5 @@ class ActivityDialog : public QDialog {
     QTableView* table_ = nullptr;
     QPlainTextEdit* details_ = nullptr;
 };
+
+} // namespace frontend

@@ -8,6 +8,8 @@
 #include <chrono>
 #include <utility>
 
+namespace frontend {
+
 RefreshQueue::~RefreshQueue() {
     for (Binding* binding : waiting_) {
         if (binding != nullptr) {
@@ -35,7 +37,6 @@ void RefreshQueue::flush() {
     }
     // A refresh may mark other bindings. They are appended and refreshed in this pass, which would invalidate
     // iterators.
-    // NOLINTNEXTLINE(modernize-loop-convert)
     std::size_t next = 0;
     while (next < waiting_.size()) {
         if (Binding* binding = std::exchange(waiting_[next], nullptr)) {
@@ -89,6 +90,4 @@ void afterFirstPaint(QObject* owner, std::function<void()> work) {
     });
 }
 
-void dispatchUserEvent(RefreshQueue& queue, const std::function<void()>& event) {
-    queue.runUserEvent(event);
-}
+} // namespace frontend

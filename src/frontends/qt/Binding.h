@@ -8,8 +8,9 @@
 
 #include <functional>
 #include <string>
-#include <utility>
 #include <vector>
+
+namespace frontend {
 
 class Binding;
 
@@ -75,9 +76,6 @@ class Binding : public QObject {
 /// once `owner` is destroyed.
 void afterFirstPaint(QObject* owner, std::function<void()> work);
 
-/// Calls queue.runUserEvent(event).
-void dispatchUserEvent(RefreshQueue& queue, const std::function<void()>& event);
-
 /// Returns the text for Qt. Bytes that are not UTF-8 become replacement characters.
 [[nodiscard]] inline QString shown(const std::string& text) {
     return QString::fromStdString(text);
@@ -106,3 +104,5 @@ void dispatchUserEvent(RefreshQueue& queue, const std::function<void()>& event);
 [[nodiscard]] inline QString localizedTitle(const char* key) {
     return title(NSLocalizedString(key));
 }
+
+} // namespace frontend

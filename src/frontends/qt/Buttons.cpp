@@ -12,6 +12,8 @@
 #include <QGridLayout>
 #include <QPushButton>
 
+namespace frontend {
+
 namespace {
 
 constexpr const char* keyProperty = "keyEquivalent";
@@ -108,7 +110,7 @@ Matrix::Matrix(NSMatrix& matrix, RefreshQueue& queue) : matrix_(matrix) {
             layout->addWidget(cell, row, column);
             cells_.push_back(cell);
             connect(cell, &QCheckBox::clicked, this, [this, row, column, &queue] {
-                dispatchUserEvent(queue, [this, row, column] { matrix_.performClickAt(row, column); });
+                queue.runUserEvent([this, row, column] { matrix_.performClickAt(row, column); });
                 load();
             });
         }
@@ -129,3 +131,5 @@ void Matrix::load() {
         cells_[index]->setChecked(matrix_.stateAt(row, column) == NSOnState);
     }
 }
+
+} // namespace frontend

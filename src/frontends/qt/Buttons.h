@@ -9,6 +9,8 @@
 
 #include <vector>
 
+namespace frontend {
+
 /// Makes the widget for the node's push button or check box. `node` and `actions` must outlive it.
 [[nodiscard]] QAbstractButton* makeButton(const platform::InterfaceNode& node, WindowActions& actions,
                                           RefreshQueue& queue);
@@ -35,3 +37,5 @@ class Matrix : public QWidget {
     NSMatrix& matrix_;
     std::vector<QAbstractButton*> cells_; ///< row by row
 };
+
+} // namespace frontend

@@ -7,6 +7,8 @@
 #include <array>
 #include <string_view>
 
+namespace frontend {
+
 namespace {
 
 /// Recognizes every word for yes in the lists: the application's own marks, and what a settings file may
@@ -52,3 +54,5 @@ QString cellText(const NSTableColumn& column, const std::string& value) {
 QString spokenCellText(const NSTableColumn& column, const std::string& value) {
     return column.display == "check" ? localized(meansYes(value) ? "Yes" : "No") : QString();
 }
+
+} // namespace frontend

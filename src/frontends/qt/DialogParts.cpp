@@ -8,6 +8,8 @@
 
 #include <algorithm>
 
+namespace frontend {
+
 namespace {
 
 /// Gives a column of a list the width that the others leave. It is never narrower than can be read: then the
@@ -94,3 +96,5 @@ QString changedLines(const std::vector<review::LineChange>& changes) {
     }
     return lines;
 }
+
+} // namespace frontend

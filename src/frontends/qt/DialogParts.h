@@ -10,6 +10,8 @@
 #include <string>
 #include <vector>
 
+namespace frontend {
+
 // Parts that the dialogs for reading have in common. The caller owns each part, and puts it into a layout.
 
 /// Makes a list of plain rows. A screen reader calls it `spoken`. The column `widest` takes the remaining
@@ -31,3 +33,5 @@ QPushButton* addButton(QDialogButtonBox& buttons, const QString& title);
 
 /// Returns the lines that a file loses and gains, with "- " or "+ " before each.
 [[nodiscard]] QString changedLines(const std::vector<review::LineChange>& changes);
+
+} // namespace frontend

@@ -1,6 +1,7 @@
 #include "frontends/qt/Dialogs.h"
 
 #include "frontends/qt/Binding.h"
+#include "frontends/qt/DrawnIcons.h"
 #include "frontends/qt/Inks.h"
 #include "frontends/qt/LineEdit.h"
 #include "frontends/qt/ScreenRoom.h"
@@ -20,6 +21,8 @@
 
 #include <algorithm>
 #include <utility>
+
+namespace frontend {
 
 namespace {
 
@@ -125,10 +128,10 @@ platform::AlertAnswer askAlert(const platform::Alert& alert, QWidget* parent) {
 std::optional<std::string> askPath(const platform::OpenPanelRequest& request, QWidget* parent) {
     QFileDialog dialog(parent);
     const bool foldersOnly = request.canChooseDirectories && !request.canChooseFiles;
-    dialog.setWindowTitle(shown(NSLocalizedString(foldersOnly ? "Choose a Folder" : "Choose a File")));
+    dialog.setWindowTitle(localized(foldersOnly ? "Choose a Folder" : "Choose a File"));
     dialog.setFileMode(foldersOnly ? QFileDialog::Directory : QFileDialog::ExistingFile);
     dialog.setOption(QFileDialog::ShowDirsOnly, foldersOnly);
-    dialog.setLabelText(QFileDialog::Accept, shown(NSLocalizedString("Choose")));
+    dialog.setLabelText(QFileDialog::Accept, localized("Choose"));
     const QString asked = shown(request.directory);
     if (const QString folder = asked.isEmpty() && foldersOnly ? folderNamedIn(parent) : asked;
         QDir::isAbsolutePath(folder) && QFileInfo(folder).isDir()) {
@@ -148,24 +151,24 @@ std::optional<platform::AdministratorAnswer> askAdministrator(const platform::Ad
                                                               QWidget* parent) {
     QDialog dialog(parent);
     dialog.setObjectName("administrator");
-    dialog.setWindowTitle(shown(NSLocalizedString("Allow Changes")));
+    dialog.setWindowTitle(localized("Allow Changes"));
     auto* layout = new QVBoxLayout(&dialog);
     layout->setContentsMargins(20, 20, 20, 16);
     layout->setSpacing(12);
-    auto* heading = wrapped(shown(NSLocalizedString("Brindle wants to make changes.")));
+    auto* heading = wrapped(localized("Brindle wants to make changes."));
     QFont bold = heading->font();
     bold.setBold(true);
     heading->setFont(bold);
     heading->setMinimumWidth(dialogWidth);
     layout->addWidget(heading);
-    layout->addWidget(wrapped(
-        shown(NSLocalizedString(request.needsPassword ? "Enter an administrator's password to allow this."
-                                                      : "Allow it to change the file sharing settings?"))));
+    layout->addWidget(
+        wrapped(localized(request.needsPassword ? "Enter an administrator's password to allow this."
+                                                : "Allow it to change the file sharing settings?")));
     auto* password = new QLineEdit;
     password->setEchoMode(QLineEdit::Password);
     if (request.needsPassword) {
         auto* form = new QFormLayout;
-        form->addRow(shown(NSLocalizedString("Password:")), password);
+        form->addRow(localized("Password:"), password);
         layout->addLayout(form);
         password->setFocus();
     } else {
@@ -178,8 +181,8 @@ std::optional<platform::AdministratorAnswer> askAdministrator(const platform::Ad
         layout->addWidget(message);
     }
     auto* buttons = new QDialogButtonBox;
-    auto* allow = buttons->addButton(shown(NSLocalizedString("Allow")), QDialogButtonBox::AcceptRole);
-    auto* refuse = buttons->addButton(shown(NSLocalizedString("Refuse")), QDialogButtonBox::RejectRole);
+    auto* allow = buttons->addButton(localized("Allow"), QDialogButtonBox::AcceptRole);
+    auto* refuse = buttons->addButton(localized("Refuse"), QDialogButtonBox::RejectRole);
     refuse->setAutoDefault(false);
     allow->setDefault(true);
     QObject::connect(buttons, &QDialogButtonBox::accepted, &dialog, &QDialog::accept);
@@ -192,3 +195,5 @@ std::optional<platform::AdministratorAnswer> askAdministrator(const platform::Ad
     }
     return platform::AdministratorAnswer{std::move(typed)};
 }
+
+} // namespace frontend

@@ -7,6 +7,8 @@
 #include <optional>
 #include <string>
 
+namespace frontend {
+
 /// Returns the button that changes least: "Cancel" or "No" if there is one, else the alternate button, else
 /// the only one. Escape and closing the alert choose it, and so does a run in which nobody can be asked.
 [[nodiscard]] platform::AlertAnswer harmlessAnswer(const platform::Alert& alert);
@@ -19,3 +21,5 @@
 [[nodiscard]] std::optional<std::string> askPath(const platform::OpenPanelRequest& request, QWidget* parent);
 [[nodiscard]] std::optional<platform::AdministratorAnswer>
 askAdministrator(const platform::AdministratorRequest& request, QWidget* parent);
+
+} // namespace frontend

@@ -12,6 +12,8 @@
 #include <algorithm>
 #include <utility>
 
+namespace frontend {
+
 namespace {
 
 constexpr int slideTime = 180; // milliseconds
@@ -220,3 +222,5 @@ QSize DrawerLayout::minimumSize() const {
     }
     return least;
 }
+
+} // namespace frontend

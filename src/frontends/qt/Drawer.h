@@ -11,6 +11,8 @@
 #include <memory>
 #include <vector>
 
+namespace frontend {
+
 /// The widget for a drawer, at the window's right edge. Its contents scroll when the window is too low, and
 /// its foot stays visible below them. They are made when it first opens, or soon after the window was first
 /// painted. The window is widened for it as far as the screen has room. When the page beside it would become
@@ -95,3 +97,5 @@ class DrawerLayout : public QLayout {
   private:
     std::vector<std::unique_ptr<QLayoutItem>> items_;
 };
+
+} // namespace frontend

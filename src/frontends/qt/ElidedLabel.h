@@ -6,6 +6,8 @@
 #include <QLabel>
 #include <QResizeEvent>
 
+namespace frontend {
+
 /// A line of text that is elided when there is no room, with the whole text in its tool tip.
 class ElidedLabel : public QLabel {
   public:
@@ -51,3 +53,5 @@ class ElidedLabel : public QLabel {
     QString whole_;
     bool isNews_;
 };
+
+} // namespace frontend

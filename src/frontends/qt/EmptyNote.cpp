@@ -11,6 +11,8 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
+namespace frontend {
+
 namespace {
 
 constexpr int spacing = 12;
@@ -66,3 +68,5 @@ bool EmptyNote::eventFilter(QObject* watched, QEvent* event) {
     }
     return QWidget::eventFilter(watched, event);
 }
+
+} // namespace frontend

@@ -7,6 +7,9 @@
 
 class QLabel;
 class QPushButton;
+
+namespace frontend {
+
 class TableView;
 
 /// Covers a table that shows no rows. It says what the table is for, with a button to begin; or that the list
@@ -29,3 +32,5 @@ class EmptyNote : public QWidget {
     QLabel* text_ = nullptr;
     QPushButton* button_ = nullptr; ///< null when there is none
 };
+
+} // namespace frontend

@@ -13,9 +13,10 @@
 #include <charconv>
 #include <cstdint>
 #include <filesystem>
-#include <limits>
 #include <optional>
 #include <system_error>
+
+namespace frontend {
 
 using platform::InterfaceNode;
 
@@ -145,3 +146,5 @@ bool isShown(const InterfaceNode& node, const WindowActions& actions) {
                });
            });
 }
+
+} // namespace frontend

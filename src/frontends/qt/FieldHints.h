@@ -5,6 +5,8 @@
 
 #include <string>
 
+namespace frontend {
+
 /// Returns why the number that a user has typed into the field of `node` is outside its limits. Empty when it
 /// is within them, when the field has no limits or is disabled, and for text that the program has filled in.
 [[nodiscard]] std::string limitProblem(const platform::InterfaceNode& node);
@@ -16,3 +18,5 @@
 
 /// True when the other controls meet the condition in the node's attribute `when`, or when it has none.
 [[nodiscard]] bool isShown(const platform::InterfaceNode& node, const WindowActions& actions);
+
+} // namespace frontend

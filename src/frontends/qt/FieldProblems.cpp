@@ -8,7 +8,9 @@
 
 #include <QAccessible>
 
-#include <functional>
+#include <algorithm>
+
+namespace frontend {
 
 using platform::InterfaceNode;
 
@@ -72,9 +74,11 @@ void showPageOf(const std::string& control, const platform::Interface& interface
             const int page = static_cast<int>(next - node->children.begin());
             auto* popUp = pages->showsTabs() ? nullptr : findPopUpOf(interface.root(), pages->labels());
             if (popUp != nullptr && pages->indexOfSelectedTabViewItem() != page) {
-                dispatchUserEvent(queue, [popUp, page] { popUp->performSelect(page); });
+                queue.runUserEvent([popUp, page] { popUp->performSelect(page); });
             }
         }
         node = next == node->children.end() ? nullptr : next->get();
     }
 }
+
+} // namespace frontend

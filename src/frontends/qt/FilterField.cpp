@@ -1,15 +1,16 @@
 #include "frontends/qt/FilterField.h"
 
 #include "frontends/qt/TableView.h"
-#include "platform/foundation/NSBundle.h"
 
 #include <QKeyEvent>
 
+namespace frontend {
+
 FilterField::FilterField(TableView& table) : table_(table) {
-    setPlaceholderText(shown(NSLocalizedString("Filter")));
+    setPlaceholderText(localized("Filter"));
     const QString name = table.accessibleName();
     setAccessibleName(name.isEmpty() ? placeholderText() : placeholderText() + " (" + name + ')');
-    setToolTip(shown(NSLocalizedString("Shows only the rows that contain these words (Ctrl+F).")));
+    setToolTip(localized("Shows only the rows that contain these words (Ctrl+F)."));
     // Add the button only when there is something to clear: its picture makes Qt load all image readers.
     connect(
         this, &QLineEdit::textChanged, this, [this] { setClearButtonEnabled(true); },
@@ -33,3 +34,5 @@ void FilterField::keyPressEvent(QKeyEvent* event) {
         QLineEdit::keyPressEvent(event);
     }
 }
+
+} // namespace frontend

@@ -2,6 +2,8 @@
 
 #include <QLineEdit>
 
+namespace frontend {
+
 class TableView;
 
 /// The field above a table that shows only the rows with certain words. Ctrl+F moves the focus to it, Escape
@@ -19,3 +21,5 @@ class FilterField : public QLineEdit {
   private:
     TableView& table_;
 };
+
+} // namespace frontend

@@ -2,7 +2,7 @@
 
 #include "frontends/qt/Binding.h"
 #include "frontends/qt/DialogParts.h"
-#include "frontends/qt/Inks.h"
+#include "frontends/qt/DrawnIcons.h"
 #include "frontends/qt/ScreenRoom.h"
 #include "platform/foundation/NSBundle.h"
 #include "platform/foundation/NSString.h"
@@ -20,6 +20,8 @@
 #include <iterator>
 #include <string_view>
 #include <utility>
+
+namespace frontend {
 
 namespace {
 
@@ -145,3 +147,5 @@ void FindingsDialog::showFinding() {
     }
     details_->setPlainText(text);
 }
+
+} // namespace frontend

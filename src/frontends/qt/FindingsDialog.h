@@ -10,6 +10,8 @@ class QLabel;
 class QPlainTextEdit;
 class QTreeWidget;
 
+namespace frontend {
+
 /// Lists what is wrong with the computer, and shows where the selected fault is and the command that mends
 /// it. It changes nothing.
 class FindingsDialog : public QDialog {
@@ -26,3 +28,5 @@ class FindingsDialog : public QDialog {
     QTreeWidget* list_ = nullptr;
     QPlainTextEdit* details_ = nullptr;
 };
+
+} // namespace frontend

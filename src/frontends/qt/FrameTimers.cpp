@@ -4,6 +4,8 @@
 
 #include <algorithm>
 
+namespace frontend {
+
 namespace {
 
 constexpr int frameTime = 16;           // milliseconds
@@ -41,3 +43,5 @@ void FrameTimers::tick(platform::TimerId id) {
         NSApp().dispatch(timer->fire);
     }
 }
+
+} // namespace frontend

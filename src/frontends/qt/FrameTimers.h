@@ -9,6 +9,8 @@
 #include <map>
 #include <memory>
 
+namespace frontend {
+
 /// The application's timers on Qt's event loop. All have the interval 0, which means a thousand ticks per
 /// second. They are fired together once per frame, so that the processor can rest in between.
 class FrameTimers {
@@ -28,3 +30,5 @@ class FrameTimers {
     std::map<platform::TimerId, std::shared_ptr<Timer>> timers_;
     platform::TimerId last_ = 0;
 };
+
+} // namespace frontend

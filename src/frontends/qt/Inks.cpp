@@ -2,13 +2,12 @@
 
 #include <QApplication>
 #include <QEvent>
-#include <QIconEngine>
-#include <QPainter>
-#include <QPainterPath>
 #include <QWidget>
 
 #include <algorithm>
 #include <cmath>
+
+namespace frontend {
 
 namespace {
 
@@ -92,66 +91,6 @@ class InkKeeper : public QObject {
     std::optional<Ink> ink_;
 };
 
-class MarkEngine : public QIconEngine {
-  public:
-    MarkEngine(Mark mark, QPalette::ColorRole ground) : mark_(mark), ground_(ground) {}
-
-    void paint(QPainter* painter, const QRect& rect, QIcon::Mode mode, QIcon::State /*state*/) override {
-        const QPalette palette = QApplication::palette();
-        const bool isSelected = mode == QIcon::Selected;
-        const QColor ground = palette.color(isSelected ? QPalette::Highlight : ground_);
-        const QColor ink = isSelected               ? palette.color(QPalette::HighlightedText)
-                           : mark_ == Mark::Warning ? inkOn(Ink::Warning, palette, ground_)
-                                                    : inkOn(Ink::Note, palette, ground_);
-        painter->save();
-        painter->setRenderHint(QPainter::Antialiasing);
-        // Draw in a square of 16 by 16 units, scaled to the available room.
-        constexpr double side = 16;
-        const double scale = std::min(rect.width(), rect.height()) / side;
-        painter->translate(rect.center().x() + 1 - side * scale / 2,
-                           rect.center().y() + 1 - side * scale / 2);
-        painter->scale(scale, scale);
-        painter->setPen(Qt::NoPen);
-        painter->setBrush(ink);
-        painter->drawPath(shape());
-        painter->setBrush(ground);
-        drawLetter(*painter);
-        painter->restore();
-    }
-
-    QPixmap pixmap(const QSize& size, QIcon::Mode mode, QIcon::State state) override {
-        QPixmap drawn(size);
-        drawn.fill(Qt::transparent);
-        QPainter painter(&drawn);
-        paint(&painter, QRect(QPoint(), size), mode, state);
-        return drawn;
-    }
-
-    [[nodiscard]] QIconEngine* clone() const override { return new MarkEngine(*this); }
-
-  private:
-    [[nodiscard]] QPainterPath shape() const {
-        QPainterPath path;
-        if (mark_ == Mark::Warning) {
-            path.addPolygon(QPolygonF({{8, 0.8}, {15.6, 14.8}, {0.4, 14.8}}));
-            path.closeSubpath();
-        } else {
-            path.addEllipse(QRectF(0.8, 0.8, 14.4, 14.4));
-        }
-        return path;
-    }
-
-    /// Draws "!" or "i".
-    void drawLetter(QPainter& painter) const {
-        const bool isWarning = mark_ == Mark::Warning;
-        painter.drawRoundedRect(QRectF(7.1, isWarning ? 5.2 : 6.8, 1.8, 5.2), 0.8, 0.8);
-        painter.drawEllipse(QPointF(8, isWarning ? 12.4 : 4.4), 1.1, 1.1);
-    }
-
-    Mark mark_;
-    QPalette::ColorRole ground_;
-};
-
 } // namespace
 
 double contrast(const QColor& first, const QColor& second) {
@@ -209,6 +148,4 @@ QColor loweredWindow(const QPalette& palette) {
     return palette.color(QPalette::Window).darker(shade);
 }
 
-QIcon markIcon(Mark mark, QPalette::ColorRole ground) {
-    return QIcon(new MarkEngine(mark, ground));
-}
+} // namespace frontend

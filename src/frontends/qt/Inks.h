@@ -1,11 +1,13 @@
 #pragma once
 
-#include <QIcon>
+#include <QColor>
 #include <QPalette>
 
 #include <optional>
 
 class QWidget;
+
+namespace frontend {
 
 // The colours that the window chooses itself. Each is chosen for its background, so that it is readable with
 // light, dark and high-contrast desktop colours.
@@ -48,8 +50,4 @@ void useInk(QWidget& widget, std::optional<Ink> ink);
 /// Returns a shade of the window's colour for areas that should look slightly recessed.
 [[nodiscard]] QColor loweredWindow(const QPalette& palette);
 
-/// Small signs beside texts, drawn in the application's colours at any size.
-enum class Mark { Warning, Information };
-
-/// Returns the mark as an icon for that ground. In a selected row it uses the selection's colours.
-[[nodiscard]] QIcon markIcon(Mark mark, QPalette::ColorRole ground = QPalette::Base);
+} // namespace frontend

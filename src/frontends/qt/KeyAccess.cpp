@@ -25,6 +25,8 @@
 #include <algorithm>
 #include <utility>
 
+namespace frontend {
+
 namespace {
 
 constexpr QChar beforeKeys(u'\t'); ///< separates a title from the keys that it names
@@ -260,3 +262,5 @@ void KeyAccess::settleWaiting() {
         }
     }
 }
+
+} // namespace frontend

@@ -10,6 +10,8 @@ class QKeySequence;
 class QMenu;
 class QMenuBar;
 
+namespace frontend {
+
 /// Keeps all of the application's windows and menus usable with the keyboard alone: Tab follows the reading
 /// order, and titles have mnemonics (Mnemonics.h). A window's mnemonics are assigned again when its contents
 /// change: first the menu bar's, then the page's, then the drawer's and the foot's, so that what comes and
@@ -30,3 +32,5 @@ class KeyAccess : public QObject {
 
     std::vector<QPointer<QWidget>> waiting_; ///< windows and menus
 };
+
+} // namespace frontend

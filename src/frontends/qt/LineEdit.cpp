@@ -10,6 +10,8 @@
 #include <algorithm>
 #include <utility>
 
+namespace frontend {
+
 LineEdit::LineEdit(NSTextField& field, RefreshQueue& queue) : field_(field), queue_(queue) {
     if (field.isSecure()) {
         setEchoMode(QLineEdit::Password);
@@ -127,7 +129,7 @@ void LineEdit::userEdited(const QString& text) {
 }
 
 void LineEdit::endEditing() {
-    dispatchUserEvent(queue_, [this] { field_.endEditing(); });
+    queue_.runUserEvent([this] { field_.endEditing(); });
     const std::string before = entered_;
     noteEntered();
     if (std::exchange(isEdited_, false) && before != entered_) {
@@ -215,3 +217,5 @@ void LineEdit::endDrag() {
     isDraggedOn_ = false;
     load();
 }
+
+} // namespace frontend

@@ -5,6 +5,8 @@
 
 #include <QLineEdit>
 
+namespace frontend {
+
 /// A line edit for a text field's model. Every edit by the user (a key, a paste, a drop, an input method's
 /// text, cut, undo) is first proposed to the field; when it is refused, text, caret and selection stay
 /// unchanged. What the program puts into the field is shown without a check.
@@ -79,3 +81,5 @@ class LineEdit : public QLineEdit {
     bool loading_ = false;
     bool holdsCaret_ = false; ///< do not update `before_`, whatever Qt signals
 };
+
+} // namespace frontend

@@ -12,6 +12,8 @@
 #include <QMenu>
 #include <QMenuBar>
 
+namespace frontend {
+
 using platform::InterfaceNode;
 
 namespace {
@@ -59,7 +61,7 @@ void fillMenuBar(QMainWindow& window, const InterfaceNode& menuBar, WindowAction
 }
 
 void closeMainWindow(RefreshQueue& queue) {
-    dispatchUserEvent(queue, [] {
+    queue.runUserEvent([] {
         if (NSWindow* main = NSApp().mainWindow()) {
             main->close();
         }
@@ -76,3 +78,5 @@ void insertBeforeHelp(QMenuBar& bar, QMenu& menu) {
     const QList<QAction*> menus = bar.actions();
     bar.insertMenu(menus.isEmpty() ? nullptr : menus.constLast(), &menu);
 }
+
+} // namespace frontend

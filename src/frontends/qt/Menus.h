@@ -5,6 +5,8 @@
 
 #include <QMainWindow>
 
+namespace frontend {
+
 class WindowActions;
 
 /// Fills the window's menu bar with the menus of `menuBar`. `menuBar` and `actions` must outlive the window.
@@ -19,3 +21,5 @@ void endEditingOfFocusedField();
 
 /// Adds a menu before the last one, which is the help menu.
 void insertBeforeHelp(QMenuBar& bar, QMenu& menu);
+
+} // namespace frontend

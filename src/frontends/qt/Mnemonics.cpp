@@ -8,6 +8,8 @@
 #include <algorithm>
 #include <array>
 
+namespace frontend {
+
 namespace {
 
 constexpr QChar mark(u'&');
@@ -188,3 +190,5 @@ void setTitle(QAbstractButton& button, const std::string& text) {
         button.setText(title(text));
     }
 }
+
+} // namespace frontend

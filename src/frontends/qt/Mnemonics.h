@@ -8,6 +8,8 @@
 #include <string>
 #include <vector>
 
+namespace frontend {
+
 // Mnemonics: the underlined letters in titles, which are pressed with Alt (in an open menu without it). They
 // are chosen from the shown texts, so that every language has its own, and no string table contains them.
 
@@ -30,3 +32,5 @@ struct Titled {
 
 /// Sets the button's title, unless it already has that title, with or without a mnemonic.
 void setTitle(QAbstractButton& button, const std::string& text);
+
+} // namespace frontend

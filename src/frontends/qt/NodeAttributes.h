@@ -7,6 +7,8 @@
 #include <initializer_list>
 #include <string_view>
 
+namespace frontend {
+
 /// Returns the attribute as a number; 0 when there is none.
 [[nodiscard]] inline int number(const platform::InterfaceNode& node, std::string_view attribute) {
     return intValue(node.attribute(attribute));
@@ -27,3 +29,5 @@ template <class Model>
                                   std::initializer_list<platform::InterfaceKind> kinds) {
     return std::ranges::find(kinds, node.kind) != kinds.end();
 }
+
+} // namespace frontend

@@ -3,6 +3,8 @@
 #include <QImageReader>
 #include <QPixmap>
 
+namespace frontend {
+
 /// Reads a PNG file; null when it cannot be read. Unlike QPixmap's constructor, it does not load Qt's
 /// plug-ins for all other formats, which would delay the window.
 [[nodiscard]] inline QPixmap pixmapFromPNG(const QString& file) {
@@ -10,3 +12,5 @@
     reader.setAutoDetectImageFormat(false);
     return QPixmap::fromImage(reader.read());
 }
+
+} // namespace frontend

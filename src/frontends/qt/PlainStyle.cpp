@@ -1,7 +1,7 @@
 #include "frontends/qt/PlainStyle.h"
 
+#include "frontends/qt/DrawnIcons.h"
 #include "frontends/qt/Inks.h"
-#include "frontends/qt/MoreIcon.h"
 
 #include <QAbstractScrollArea>
 #include <QApplication>
@@ -11,6 +11,8 @@
 
 #include <algorithm>
 
+namespace frontend {
+
 namespace {
 
 constexpr const char* fusion = "fusion";
@@ -19,7 +21,6 @@ constexpr int buttonAir = 16;
 constexpr int fieldAir = 4;
 constexpr int fieldInset = 3; ///< added to the style's margin, to align a field's text with a cell's
 constexpr int menuInset = 2;
-constexpr int rowPadding = 8; ///< the same as in tables
 
 /// True for a button that is only a picture.
 bool isFlat(const QStyleOption* option) {
@@ -114,10 +115,7 @@ QRect PlainStyle::subElementRect(SubElement element, const QStyleOption* option,
 QRect PlainStyle::subControlRect(ComplexControl control, const QStyleOptionComplex* option, SubControl part,
                                  const QWidget* widget) const {
     const QRect rect = QProxyStyle::subControlRect(control, option, part, widget);
-    const bool isMirrored = option != nullptr && option->direction == Qt::RightToLeft;
-    return control != CC_ComboBox || part != SC_ComboBoxEditField ? rect
-           : isMirrored                                           ? rect.adjusted(0, 0, -menuInset, 0)
-                                                                  : rect.adjusted(menuInset, 0, 0, 0);
+    return control == CC_ComboBox && part == SC_ComboBoxEditField ? rect.adjusted(menuInset, 0, 0, 0) : rect;
 }
 
 void PlainStyle::drawControl(ControlElement element, const QStyleOption* option, QPainter* painter,
@@ -181,3 +179,5 @@ void usePlainStyle() {
         QApplication::setStyle(new PlainStyle); // the application takes ownership
     }
 }
+
+} // namespace frontend

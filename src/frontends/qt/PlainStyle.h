@@ -2,6 +2,11 @@
 
 #include <QProxyStyle>
 
+namespace frontend {
+
+/// How much higher a row of a list is than its text, in pixels.
+inline constexpr int rowPadding = 8;
+
 /// Qt's own style with more space: wider buttons, higher rows, and margins around the texts of fields and
 /// cells. A menu title that was reached with the keyboard is highlighted before the menu opens. That style's
 /// own edges are hardly visible, so buttons, fields and boxes get an outline, which is coloured for the
@@ -29,3 +34,5 @@ class PlainStyle : public QProxyStyle {
 
 /// Installs the style, unless the desktop or the user chose one.
 void usePlainStyle();
+
+} // namespace frontend

@@ -5,6 +5,8 @@
 #include <QListView>
 #include <QWheelEvent>
 
+namespace frontend {
+
 namespace {
 
 constexpr int longListLength = 14; ///< the width of a pop-up with a long list, in letters
@@ -81,7 +83,7 @@ QWidget* PopUp::list() const {
 }
 
 void PopUp::userChose(int index) {
-    dispatchUserEvent(queue_, [this, index] { popUp_.performSelect(index); });
+    queue_.runUserEvent([this, index] { popUp_.performSelect(index); });
     if (currentIndex() != popUp_.indexOfSelectedItem()) {
         setCurrentIndex(popUp_.indexOfSelectedItem());
     }
@@ -90,3 +92,5 @@ void PopUp::userChose(int index) {
 void PopUp::wheelEvent(QWheelEvent* event) {
     event->ignore();
 }
+
+} // namespace frontend

@@ -9,6 +9,8 @@
 
 #include <cstdint>
 
+namespace frontend {
+
 class SearchList;
 
 /// Shows a pop-up's items without copying them.
@@ -59,3 +61,5 @@ class PopUp : public QComboBox {
     PopUpItems items_;
     QPointer<SearchList> searched_; ///< a closed one is destroyed later
 };
+
+} // namespace frontend

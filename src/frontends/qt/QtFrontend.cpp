@@ -23,6 +23,8 @@
 #include <cstdlib>
 #include <utility>
 
+namespace frontend {
+
 namespace {
 
 bool isSet(const char* variable) {
@@ -116,8 +118,8 @@ void QtFrontend::useHistory(const review::History& history) {
     implementation_->presenter->useHistory(history);
 }
 
-void QtFrontend::useServer(const std::string& address, const std::string& state, bool hasFailed) {
-    implementation_->presenter->useServer({address, state, hasFailed});
+void QtFrontend::useServer(ShareServer server) {
+    implementation_->presenter->useServer(std::move(server));
 }
 
 void QtFrontend::useDoctor(accesscheck::ExaminedHost host) {
@@ -136,7 +138,7 @@ void QtFrontend::useListener(
 int QtFrontend::run(const std::function<void()>& launch) {
     QtPresenter& presenter = *implementation_->presenter;
     QTimer::singleShot(0, &implementation_->application, [&presenter, &launch] {
-        dispatchUserEvent(presenter.queue(), launch);
+        presenter.queue().runUserEvent(launch);
         if (NSApp().isTerminated()) {
             QCoreApplication::quit();
         }
@@ -157,3 +159,5 @@ platform::Status QtFrontend::takeSnapshots(const std::string& folder) {
 bool QtFrontend::displayIsThere() {
     return isSet("DISPLAY") || isSet("WAYLAND_DISPLAY") || isSet("QT_QPA_PLATFORM");
 }
+
+} // namespace frontend

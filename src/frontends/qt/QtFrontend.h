@@ -1,6 +1,7 @@
 #pragma once
 
 #include "access/Doctor.h"
+#include "frontends/ShareServer.h"
 #include "platform/appkit/Presenter.h"
 #include "platform/posix/Status.h"
 
@@ -12,6 +13,8 @@ namespace review {
 class History;
 class Reviewer;
 } // namespace review
+
+namespace frontend {
 
 /// The window front-end: the Qt application object, and the presenter that renders every interface file that
 /// is loaded. Only one per process at a time, main thread only. Make it before the interface is loaded:
@@ -59,10 +62,8 @@ class QtFrontend {
     /// outlive the windows.
     void useHistory(const review::History& history);
 
-    /// Makes the main window say where the shares can be reached. `address` is "smb://HOST:PORT/", or empty
-    /// when nothing serves them; `state` then says why, and `hasFailed` says that something should serve
-    /// them.
-    void useServer(const std::string& address, const std::string& state, bool hasFailed);
+    /// Makes the main window say where the shares can be reached.
+    void useServer(ShareServer server);
 
     /// Gives the main window the menu that shows who may use what, what is wrong with the computer and who is
     /// connected. Call it after useReviewer.
@@ -91,3 +92,5 @@ class QtFrontend {
     struct Implementation;
     std::unique_ptr<Implementation> implementation_;
 };
+
+} // namespace frontend

@@ -30,6 +30,8 @@
 #include <algorithm>
 #include <stdexcept>
 
+namespace frontend {
+
 using platform::AlertAnswer;
 using platform::Interface;
 using platform::InterfaceNode;
@@ -346,7 +348,7 @@ void QtPresenter::windowVisibilityDidChange(NSWindow& window) {
     }
     if (window.kind() == NSWindowKind::Sheet && !window.isVisible() && mainWidget_ != nullptr) {
         for (TableView* table : mainWidget_->findChildren<TableView*>()) {
-            table->checkSelectionLater();
+            table->reloadLater(); // the selection was not compared with the rows while the sheet was open
         }
     }
 }
@@ -372,3 +374,5 @@ void QtPresenter::toolWillRun(const std::string& tool, std::span<const std::stri
 void QtPresenter::toolDidWrite(std::string_view output) {
     activity_.toolDidWrite(output);
 }
+
+} // namespace frontend

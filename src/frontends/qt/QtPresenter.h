@@ -13,6 +13,8 @@
 #include <memory>
 #include <vector>
 
+namespace frontend {
+
 class WindowInquiries;
 class WindowReview;
 
@@ -105,3 +107,5 @@ class QtPresenter : public platform::Presenter {
     platform::Connection saved_;
     WindowStatus* status_ = nullptr; ///< the main window's child; null when there is none
 };
+
+} // namespace frontend

@@ -6,6 +6,8 @@
 
 #include <memory>
 
+namespace frontend {
+
 /// Lives while the user is asked something: shows the normal cursor, and keeps the user's time out of the
 /// action's progress.
 class Question {
@@ -34,3 +36,5 @@ class Question {
     const std::unique_ptr<RunProgress>& progress_;
     bool isWaiting_;
 };
+
+} // namespace frontend

@@ -14,6 +14,8 @@
 
 #include <algorithm>
 
+namespace frontend {
+
 namespace {
 
 template <class Kind>
@@ -115,3 +117,5 @@ void focusBeginningOf(const QWidget& part) {
         (table == stops.end() ? stops.constFirst() : *table)->setFocus(Qt::TabFocusReason);
     }
 }
+
+} // namespace frontend

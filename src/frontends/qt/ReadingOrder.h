@@ -3,6 +3,8 @@
 #include <QList>
 #include <QWidget>
 
+namespace frontend {
+
 /// Returns the widgets in `top` in reading order, which is the order of its layouts, including hidden ones. A
 /// control's own parts (a table's cells, a field's buttons) are left out.
 [[nodiscard]] QList<QWidget*> widgetsAsRead(const QWidget& top);
@@ -13,3 +15,5 @@ void orderFocus(const QWidget& window);
 /// Moves the focus to the first table, field or other control in `part` that can be used. Does nothing when
 /// there is none.
 void focusBeginningOf(const QWidget& part);
+
+} // namespace frontend

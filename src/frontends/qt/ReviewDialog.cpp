@@ -2,7 +2,7 @@
 
 #include "frontends/qt/Binding.h"
 #include "frontends/qt/DialogParts.h"
-#include "frontends/qt/Inks.h"
+#include "frontends/qt/DrawnIcons.h"
 #include "frontends/qt/ScreenRoom.h"
 #include "platform/foundation/NSBundle.h"
 
@@ -14,6 +14,8 @@
 #include <QPushButton>
 #include <QScrollArea>
 #include <QVBoxLayout>
+
+namespace frontend {
 
 namespace {
 
@@ -241,3 +243,5 @@ void showPlan(const review::Plan& plan, QWidget* parent) {
     dialog.addButton(NSLocalizedString("Close"), QDialogButtonBox::RejectRole, true);
     dialog.exec();
 }
+
+} // namespace frontend

@@ -9,6 +9,8 @@
 class QDialog;
 class QWidget;
 
+namespace frontend {
+
 /// The question that the dialog shows above the plan, and the titles of its buttons.
 struct PlanQuestion {
     std::string title; ///< the dialog's title
@@ -30,3 +32,5 @@ makePlanDialog(const review::Plan& plan, QWidget* parent,
 
 /// Shows the plan of an action that is not going to be performed.
 void showPlan(const review::Plan& plan, QWidget* parent);
+
+} // namespace frontend

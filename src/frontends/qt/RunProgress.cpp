@@ -16,9 +16,9 @@
 #include <QVBoxLayout>
 
 #include <algorithm>
-#include <array>
-#include <string_view>
 #include <utility>
+
+namespace frontend {
 
 namespace systempath = platform::systempath;
 
@@ -188,3 +188,5 @@ void RunProgress::end() {
         queue_.flush();
     }
 }
+
+} // namespace frontend

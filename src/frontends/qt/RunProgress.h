@@ -16,6 +16,8 @@ class QLabel;
 class QProgressBar;
 class QWidget;
 
+namespace frontend {
+
 /// Shows how far an action with many runs has come, and what it is doing. It appears only when the action
 /// takes longer than a moment. Meanwhile the window is redrawn but takes no input. An action on many objects
 /// gets a button that stops it between two objects: leaving one half done would be worse than waiting.
@@ -65,3 +67,5 @@ class RunProgress {
     bool isStopped_ = false;
     platform::Connection eventEnded_;
 };
+
+} // namespace frontend

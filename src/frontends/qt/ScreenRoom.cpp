@@ -6,6 +6,8 @@
 
 #include <algorithm>
 
+namespace frontend {
+
 namespace {
 
 constexpr int titleHeight = 36; // of a window's frame, approximately
@@ -52,3 +54,5 @@ QRect placeInView(QRect place, const std::vector<QRect>& screens) {
     }
     return place;
 }
+
+} // namespace frontend

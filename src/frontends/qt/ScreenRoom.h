@@ -7,6 +7,8 @@
 
 class QWidget;
 
+namespace frontend {
+
 /// From now on windows get the size that they want: pictures of them are not limited by a screen.
 void forgetScreenSize();
 
@@ -17,3 +19,5 @@ void forgetScreenSize();
 /// is the main screen's. It is the same place if its title can be reached there, else the middle of the main
 /// screen. The window is never larger than the screen.
 [[nodiscard]] QRect placeInView(QRect place, const std::vector<QRect>& screens);
+
+} // namespace frontend

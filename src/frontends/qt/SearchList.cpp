@@ -11,6 +11,8 @@
 
 #include <algorithm>
 
+namespace frontend {
+
 namespace {
 
 constexpr int shownRows = 16;
@@ -139,3 +141,5 @@ void SearchList::mousePressEvent(QMouseEvent* event) {
                  menu_.rect().contains(menu_.mapFromGlobal(event->globalPosition().toPoint())));
     QFrame::mousePressEvent(event);
 }
+
+} // namespace frontend

@@ -11,6 +11,8 @@
 class QLineEdit;
 class QListView;
 
+namespace frontend {
+
 /// The titles that contain every word of the search, in their own order.
 class SearchedTitles : public QAbstractListModel {
   public:
@@ -58,3 +60,5 @@ class SearchList : public QFrame {
     QLineEdit* field_;
     QListView* list_;
 };
+
+} // namespace frontend

@@ -15,6 +15,8 @@
 #include <QTreeWidget>
 #include <QVBoxLayout>
 
+namespace frontend {
+
 namespace {
 
 using platform::Session;
@@ -90,9 +92,9 @@ void SessionsDialog::fill() {
     list_->expandAll();
     list_->resizeColumnToContents(1);
     list_->resizeColumnToContents(2);
-    summary_->setText(sessions->empty() ? localized("Nobody is connected.")
-                                        : localized("Select a computer or a share to disconnect it.  "
-                                                    "Programs connect again when they need to."));
+    constexpr const char* advice =
+        "Select a computer or a share to disconnect it.  Programs connect again when they need to.";
+    summary_->setText(localized(sessions->empty() ? "Nobody is connected." : advice));
     updateButton();
 }
 
@@ -122,3 +124,5 @@ void SessionsDialog::disconnectSelected() {
     }
     fill();
 }
+
+} // namespace frontend

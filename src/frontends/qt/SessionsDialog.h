@@ -14,6 +14,8 @@ class QLabel;
 class QPushButton;
 class QTreeWidget;
 
+namespace frontend {
+
 /// Shows who is connected to the SMB server: a row for each session, and below it its shares and open files.
 /// "Disconnect" ends, after asking, all connections of the session's computer, or all connections to the
 /// share if a share is selected.
@@ -36,3 +38,5 @@ class SessionsDialog : public QDialog {
     QTreeWidget* list_ = nullptr;
     QPushButton* disconnect_ = nullptr;
 };
+
+} // namespace frontend

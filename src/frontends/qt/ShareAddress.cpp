@@ -4,6 +4,8 @@
 
 #include <algorithm>
 
+namespace frontend {
+
 namespace {
 
 std::string encoded(const std::string& name) {
@@ -40,3 +42,5 @@ std::string addressOf(const ShareServer& server, NSTableView& shares, int row,
     return valueOf(shares, "AFS", row) == "+" ? afpAddress(server) + encoded(valueOf(shares, "AFPName", row))
                                               : std::string();
 }
+
+} // namespace frontend

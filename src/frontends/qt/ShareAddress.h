@@ -1,16 +1,12 @@
 #pragma once
 
+#include "frontends/ShareServer.h"
 #include "platform/appkit/NSTableView.h"
 
 #include <functional>
 #include <string>
 
-/// The server that offers the shares.
-struct ShareServer {
-    std::string address; ///< "smb://HOST:PORT/", empty when nothing serves them
-    std::string state;   ///< a sentence about it, or about why there is none; may be empty
-    bool hasFailed = false;
-};
+namespace frontend {
 
 /// Returns the row's value in the column; empty when there is no such column.
 [[nodiscard]] std::string valueOf(NSTableView& table, const char* identifier, int row);
@@ -24,3 +20,5 @@ struct ShareServer {
 /// with a name.
 [[nodiscard]] std::string addressOf(const ShareServer& server, NSTableView& shares, int row,
                                     const std::function<bool(const std::string&)>& hasSection);
+
+} // namespace frontend

@@ -22,6 +22,8 @@
 #include <stdexcept>
 #include <vector>
 
+namespace frontend {
+
 using platform::InterfaceKind;
 using platform::InterfaceNode;
 using platform::Status;
@@ -143,7 +145,7 @@ class Photographer {
 };
 
 void Photographer::act(const std::function<void()>& event) {
-    dispatchUserEvent(presenter_.queue(), event);
+    presenter_.queue().runUserEvent(event);
     QApplication::processEvents();
 }
 
@@ -295,3 +297,5 @@ Status writeSnapshots(QtPresenter& presenter, const std::string& folder) {
     }
     return photographer.status();
 }
+
+} // namespace frontend

@@ -7,6 +7,8 @@
 #include <algorithm>
 #include <utility>
 
+namespace frontend {
+
 TabView::TabView(NSTabView& tabView, std::vector<MakePage> pages, RefreshQueue& queue)
     : tabView_(tabView), queue_(queue), pages_(std::move(pages)), stack_(new QStackedWidget) {
     auto* layout = new QVBoxLayout(this);
@@ -21,7 +23,7 @@ TabView::TabView(NSTabView& tabView, std::vector<MakePage> pages, RefreshQueue& 
             bar_->addTab(title(label));
         }
         connect(bar_, &QTabBar::currentChanged, this, [this](int page) {
-            dispatchUserEvent(queue_, [this, page] { tabView_.selectTabViewItemAtIndex(page); });
+            queue_.runUserEvent([this, page] { tabView_.selectTabViewItemAtIndex(page); });
             load();
         });
         layout->addWidget(bar_);
@@ -71,3 +73,5 @@ void TabView::buildNext() {
         QTimer::singleShot(0, this, &TabView::buildNext);
     }
 }
+
+} // namespace frontend

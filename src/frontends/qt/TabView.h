@@ -9,6 +9,8 @@
 #include <functional>
 #include <vector>
 
+namespace frontend {
+
 /// The widget for a tab view: the page, and a tab bar unless another control selects the page. A page is
 /// built when it is first shown, or when the event loop is idle.
 class TabView : public QWidget {
@@ -36,3 +38,5 @@ class TabView : public QWidget {
     QTabBar* bar_ = nullptr;      ///< null when the tabs are hidden
     QStackedWidget* stack_;
 };
+
+} // namespace frontend

@@ -1,6 +1,5 @@
 #include "frontends/qt/TableView.h"
 
-#include "platform/foundation/NSBundle.h"
 #include "platform/foundation/NSString.h"
 #include "platform/foundation/NSUserDefaults.h"
 
@@ -11,6 +10,8 @@
 #include <algorithm>
 #include <set>
 #include <utility>
+
+namespace frontend {
 
 namespace {
 
@@ -84,7 +85,7 @@ void TableView::fillOrderMenu(QMenu& menu) {
             header->setSortIndicator(section, turns ? Qt::DescendingOrder : Qt::AscendingOrder);
         });
     };
-    add(shown(NSLocalizedString("Order of the List")), -1);
+    add(localized("Order of the List"), -1);
     for (int section = 0; section < model_.columnCount(); ++section) {
         add(title(table_.tableColumns()[static_cast<std::size_t>(section)].title), section);
     }
@@ -208,3 +209,5 @@ void TableView::shareWidth() {
     }
     loading_ = wasLoading;
 }
+
+} // namespace frontend

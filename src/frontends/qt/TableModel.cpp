@@ -1,12 +1,15 @@
-#include "frontends/qt/TableView.h"
+#include "frontends/qt/TableModel.h"
 
+#include "frontends/qt/Binding.h"
 #include "frontends/qt/CellText.h"
-#include "frontends/qt/Inks.h"
+#include "frontends/qt/DrawnIcons.h"
 
 #include <QFileInfo>
 
 #include <algorithm>
 #include <utility>
+
+namespace frontend {
 
 TableModel::TableModel(NSTableView& table)
     : table_(table), length_(table.numberOfRows()),
@@ -142,3 +145,5 @@ void TableModel::rearrange() {
     rows_.arrange(table_.selectedRows());
     endResetModel();
 }
+
+} // namespace frontend

@@ -4,9 +4,11 @@
 
 #include <algorithm>
 #include <bit>
+#include <cstdint>
 #include <cstring>
 #include <numeric>
-#include <span>
+
+namespace frontend {
 
 namespace {
 
@@ -178,3 +180,5 @@ void TableRows::arrange(const std::vector<int>& kept) {
         places_[static_cast<std::size_t>(rows_[place])] = static_cast<int>(place);
     }
 }
+
+} // namespace frontend

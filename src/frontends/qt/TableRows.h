@@ -1,10 +1,11 @@
 #pragma once
 
-#include <cstdint>
 #include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
+
+namespace frontend {
 
 /// Returns the text without differences of case and accents, for searching and sorting.
 [[nodiscard]] std::string foldedText(std::string_view text);
@@ -66,3 +67,5 @@ class TableRows {
     std::string texts_;
     std::vector<std::size_t> ends_;
 };
+
+} // namespace frontend

@@ -1,13 +1,14 @@
 #include "frontends/qt/TableView.h"
 
 #include "platform/appkit/NSApplication.h"
-#include "platform/foundation/NSBundle.h"
 
 #include <QClipboard>
 #include <QContextMenuEvent>
 #include <QGuiApplication>
 #include <QHeaderView>
 #include <QMenu>
+
+namespace frontend {
 
 // What a user does with a table's rows apart from selecting them: finding and copying them, and asking for
 // actions on them.
@@ -105,13 +106,15 @@ void TableView::contextMenuEvent(QContextMenuEvent* event) {
     if (selectionModel()->hasSelection() && (!isKey || current.isValid())) {
         const int place = selectionModel()->selectedRows().constFirst().row();
         Q_EMIT menuAsked(menu, model_.rowAt(place));
-        menu.addAction(shown(NSLocalizedString("Copy")), QKeySequence(QKeySequence::Copy), this,
+        menu.addAction(localized("Copy"), QKeySequence(QKeySequence::Copy), this,
                        [this] { copySelection(); });
         menu.addSeparator();
     }
-    fillOrderMenu(*menu.addMenu(shown(NSLocalizedString("Sort By"))));
-    fillColumnMenu(*menu.addMenu(shown(NSLocalizedString("Columns"))));
+    fillOrderMenu(*menu.addMenu(localized("Sort By")));
+    fillColumnMenu(*menu.addMenu(localized("Columns")));
     const QPoint position = isKey && current.isValid() ? viewport()->mapToGlobal(visualRect(current).center())
                                                        : event->globalPos();
     menu.exec(position);
 }
+
+} // namespace frontend

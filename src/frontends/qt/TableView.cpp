@@ -1,24 +1,20 @@
 #include "frontends/qt/TableView.h"
 
+#include "frontends/qt/PlainStyle.h"
 #include "platform/appkit/NSApplication.h"
-#include "platform/foundation/NSBundle.h"
-#include "platform/foundation/NSString.h"
-#include "platform/foundation/NSUserDefaults.h"
 
-#include <QClipboard>
-#include <QContextMenuEvent>
-#include <QGuiApplication>
 #include <QHeaderView>
-#include <QMenu>
+#include <QResizeEvent>
 #include <QStyledItemDelegate>
 
 #include <algorithm>
 #include <memory>
 #include <span>
 
+namespace frontend {
+
 namespace {
 
-constexpr int rowPadding = 8;
 constexpr int smallestColumn = 40;
 
 /// Elides a path in its middle, so that both ends stay readable, and other texts at the end.
@@ -176,7 +172,7 @@ void TableView::setRemarks(std::function<std::string(const std::string& name, in
 
 void TableView::setLeftOut(std::function<std::set<std::string>()> names) {
     namesLeftOut_ = std::move(names);
-    leaveOutAgain();
+    reloadLater();
 }
 
 QString TableView::remarkOfRow(int row) {
@@ -242,6 +238,8 @@ void TableView::userSelected() {
         return;
     }
     shownSelection_ = rowsOf(model_, selectionModel()->selection());
-    dispatchUserEvent(queue_, [this] { table_.selectRows(shownSelection_); });
+    queue_.runUserEvent([this] { table_.selectRows(shownSelection_); });
     loadSelection();
 }
+
+} // namespace frontend

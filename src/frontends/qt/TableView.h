@@ -1,69 +1,22 @@
 #pragma once
 
 #include "frontends/qt/Binding.h"
-#include "frontends/qt/TableRows.h"
+#include "frontends/qt/TableModel.h"
 #include "platform/appkit/NSTableView.h"
 
-#include <QAbstractTableModel>
 #include <QElapsedTimer>
 #include <QTableView>
 #include <QTimer>
-
-class QMenu;
 
 #include <functional>
 #include <map>
 #include <set>
 #include <string>
-#include <utility>
 #include <vector>
 
-/// Shows a table's model. Cells are requested when they are drawn and not kept, so the length of the table
-/// costs nothing until it is sorted or filtered. Qt's rows are places in the view; rowAt returns the table's
-/// own rows.
-class TableModel : public QAbstractTableModel {
-  public:
-    explicit TableModel(NSTableView& table);
+class QMenu;
 
-    [[nodiscard]] int rowCount(const QModelIndex& parent = {}) const override;
-    [[nodiscard]] int columnCount(const QModelIndex& parent = {}) const override;
-    [[nodiscard]] QVariant data(const QModelIndex& index, int role) const override;
-    [[nodiscard]] QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
-
-    /// Sets the function that returns a row's remark; empty for none. It is called for rows that are drawn.
-    void setRemarkOfRow(std::function<QString(int row)> remark) { remarkOfRow_ = std::move(remark); }
-
-    /// Reloads the rows. Returns true when Qt has dropped its selection with the old rows.
-    bool reload();
-
-    /// Sorts by the column; -1 for the list's own order.
-    void sort(int column, Qt::SortOrder order) override;
-    void setFilter(const std::string& text);
-    /// Hides the rows for which `test` returns true from now on; an empty function hides none.
-    void setLeftOut(std::function<bool(int row)> test);
-    /// Keeps the selected rows in view despite a filter. Returns true when it had to rearrange the rows.
-    bool keepSelectedInView();
-
-    [[nodiscard]] int rowAt(int place) const { return rows_.rowAt(place); }
-
-    [[nodiscard]] int placeOf(int row) const { return rows_.placeOf(row); }
-
-    /// The number of the table's rows last reported to Qt.
-    [[nodiscard]] int length() const { return length_; }
-
-  private:
-    [[nodiscard]] QString remarkOf(const QModelIndex& index) const;
-    void rearrange();
-    [[nodiscard]] bool lacksFolder(int row) const;
-    [[nodiscard]] bool looksForFolder(int row) const;
-
-    NSTableView& table_;
-    mutable std::map<int, bool> lacksFolder_; ///< for rows that were looked at since the last reload
-    int length_;
-    bool isArranged_ = false; ///< not in the list's own order, or not with all of its rows
-    TableRows rows_;
-    std::function<QString(int row)> remarkOfRow_;
-};
+namespace frontend {
 
 /// The widget for a table: rows of equal height, and columns that fill the width and that the header's menu
 /// shows and hides.
@@ -86,8 +39,8 @@ class TableView : public QTableView {
     /// each reload.
     void setLeftOut(std::function<std::set<std::string>()> names);
 
-    /// Calls `names` again.
-    void leaveOutAgain() { reloaded_->markDirty(); }
+    /// Loads the rows again soon: calls `names`, and compares the selection with the rows.
+    void reloadLater() { reloaded_->markDirty(); }
 
     [[nodiscard]] const std::string& filter() const { return filter_; }
 
@@ -106,10 +59,6 @@ class TableView : public QTableView {
     void deletionAsked();
     /// The menu of a row is about to open and can be extended. `row` is the table's own row number.
     void menuAsked(QMenu& menu, int row);
-
-  public:
-    /// Compares the selection with the rows again soon. For use when a sheet for the selected row has closed.
-    void checkSelectionLater() { reloaded_->markDirty(); }
 
   protected:
     void resizeEvent(QResizeEvent* event) override;
@@ -157,3 +106,5 @@ class TableView : public QTableView {
     bool widthsAreUsers_ = false;     ///< the user has set a column's width, so leave all of them alone
     std::map<int, int> neededWidths_; ///< by section, as far as they were asked for since the rows changed
 };
+
+} // namespace frontend

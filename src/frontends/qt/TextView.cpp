@@ -6,6 +6,8 @@
 
 #include <chrono>
 
+namespace frontend {
+
 namespace {
 
 constexpr std::chrono::milliseconds frameTime{16};
@@ -60,3 +62,5 @@ void TextView::load() {
     moveCursor(QTextCursor::Start); // inserting the text has moved the widget's cursor to the end
     verticalScrollBar()->setValue(static_cast<int>(view_.scrollPosition()));
 }
+
+} // namespace frontend

@@ -6,6 +6,8 @@
 #include <QTextEdit>
 #include <QTimer>
 
+namespace frontend {
+
 /// The widget for a text view: read-only styled text. However often the model scrolls, the widget follows
 /// once per frame.
 class TextView : public QTextEdit {
@@ -21,3 +23,5 @@ class TextView : public QTextEdit {
     QTimer frame_;
     platform::Connection scrolled_;
 };
+
+} // namespace frontend

@@ -11,6 +11,8 @@
 #include <utility>
 #include <vector>
 
+namespace frontend {
+
 namespace {
 
 /// True for a control that only determines what is shown, and is not saved.
@@ -110,3 +112,5 @@ std::string UnsavedEdits::pages() const {
     }
     return titles;
 }
+
+} // namespace frontend

@@ -6,6 +6,8 @@
 #include <map>
 #include <string>
 
+namespace frontend {
+
 /// Knows what a user has changed in the main window and not saved. A control itself only knows that it was
 /// changed, not that it was saved since.
 class UnsavedEdits {
@@ -26,3 +28,5 @@ class UnsavedEdits {
     std::map<const platform::Element*, std::string> saved_; ///< contents when they were last saved
     platform::Connection eventEnded_;
 };
+
+} // namespace frontend

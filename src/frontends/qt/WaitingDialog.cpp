@@ -10,6 +10,8 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
+namespace frontend {
+
 namespace {
 
 constexpr double moment = 0.5; // seconds
@@ -39,7 +41,7 @@ void WaitingDialog::show(const std::string& holder) {
     }
     dialog_ = std::make_unique<QDialog>(parent);
     dialog_->setObjectName("waiting");
-    dialog_->setWindowTitle(shown(NSLocalizedString("Waiting")));
+    dialog_->setWindowTitle(localized("Waiting"));
     dialog_->setWindowModality(Qt::ApplicationModal);
     auto* layout = new QVBoxLayout(dialog_.get());
     auto* text = new QLabel(shown(stringWithFormat(
@@ -49,7 +51,7 @@ void WaitingDialog::show(const std::string& holder) {
     text->setMinimumWidth(dialogWidth);
     layout->addWidget(text);
     auto* buttons = new QDialogButtonBox;
-    auto* stop = buttons->addButton(shown(NSLocalizedString("Stop Waiting")), QDialogButtonBox::RejectRole);
+    auto* stop = buttons->addButton(localized("Stop Waiting"), QDialogButtonBox::RejectRole);
     QObject::connect(stop, &QPushButton::clicked, dialog_.get(), &QDialog::reject);
     layout->addWidget(buttons);
     dialog_->show();
@@ -65,3 +67,5 @@ void WaitingDialog::waitHasEnded() {
     dialog_.reset();
     queue_.hold(false);
 }
+
+} // namespace frontend

@@ -8,6 +8,8 @@
 #include <functional>
 #include <memory>
 
+namespace frontend {
+
 /// Shows which program Brindle is waiting for, with a button that ends the wait. It appears only when the
 /// wait takes longer than a moment. The window is neither used nor redrawn meanwhile, because an action is in
 /// progress.
@@ -27,3 +29,5 @@ class WaitingDialog : public platform::Patience {
     RefreshQueue& queue_;
     std::unique_ptr<QDialog> dialog_; ///< null while nothing is shown
 };
+
+} // namespace frontend

@@ -5,15 +5,14 @@
 #include "platform/appkit/Interface.h"
 
 #include <QLabel>
-#include <QLayout>
 
 #include <map>
 #include <string>
-#include <string_view>
-#include <vector>
 
 class QGridLayout;
 class QBoxLayout;
+
+namespace frontend {
 
 /// Makes the widgets of one window from the nodes of an interface file. It lives as long as the window,
 /// because the pages of tab views are made later.
@@ -59,3 +58,5 @@ class WidgetBuilder {
     std::multimap<std::string, QLabel*, std::less<>>
         buddies_; ///< labels whose control is not made yet, by its name
 };
+
+} // namespace frontend

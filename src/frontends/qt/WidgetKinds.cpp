@@ -6,6 +6,8 @@
 #include <algorithm>
 #include <array>
 
+namespace frontend {
+
 using Kind = platform::InterfaceKind;
 using platform::InterfaceNode;
 
@@ -62,3 +64,5 @@ bool isHigh(const InterfaceNode& node) {
     const WidgetKind& kind = widgetKind(node);
     return kind.isHigh != nullptr && kind.isHigh(node);
 }
+
+} // namespace frontend

@@ -2,6 +2,8 @@
 
 #include "frontends/qt/WidgetBuilder.h"
 
+namespace frontend {
+
 /// How a widget uses the room in its layout.
 enum class Room {
     Own,           ///< keeps its own width: a button as wide as the window looks wrong
@@ -26,3 +28,5 @@ struct WidgetKind {
 
 /// True when a label beside the node must be aligned with its top.
 [[nodiscard]] bool isHigh(const platform::InterfaceNode& node);
+
+} // namespace frontend

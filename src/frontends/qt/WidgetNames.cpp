@@ -5,6 +5,8 @@
 
 #include <QEvent>
 
+namespace frontend {
+
 // What a widget is called: by programs, by the label beside it and by a screen reader.
 
 namespace {
@@ -69,3 +71,5 @@ void WidgetBuilder::finish(QWidget& widget, const platform::InterfaceNode& node)
     }
     buddies_.erase(name);
 }
+
+} // namespace frontend

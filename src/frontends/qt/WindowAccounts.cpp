@@ -10,6 +10,8 @@
 #include <QMenu>
 #include <QMenuBar>
 
+namespace frontend {
+
 namespace {
 
 constexpr const char* settingKey = "BrindleShowSystemAccounts";
@@ -41,7 +43,7 @@ void WindowAccounts::addMenu() {
     connect(show_, &QAction::toggled, this, [this](bool isOn) {
         NSUserDefaults::standardUserDefaults().setInteger(isOn ? 1 : 0, settingKey);
         for (TableView* table : window_.findChildren<TableView*>()) {
-            table->leaveOutAgain();
+            table->reloadLater();
         }
     });
 }
@@ -65,3 +67,5 @@ void WindowAccounts::watch(TableView& table) {
         return name == groupTable ? std::move(accounts.groups) : std::move(accounts.users);
     });
 }
+
+} // namespace frontend

@@ -7,6 +7,9 @@
 #include <QObject>
 
 class QAction;
+
+namespace frontend {
+
 class TableView;
 
 /// Hides the accounts that the computer has for its own programs in the lists, unless the user wants to see
@@ -27,3 +30,5 @@ class WindowAccounts : public QObject {
     QAction* show_ = nullptr;
     platform::Connection tableMade_;
 };
+
+} // namespace frontend

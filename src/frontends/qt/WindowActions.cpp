@@ -18,6 +18,8 @@
 #include <filesystem>
 #include <system_error>
 
+namespace frontend {
+
 using platform::InterfaceNode;
 
 namespace {
@@ -68,7 +70,7 @@ void WindowActions::use(const InterfaceNode& node) {
     if (isYes(node, "checks") && !passesChecks(node)) {
         return;
     }
-    dispatchUserEvent(queue_, [this, &node] {
+    queue_.runUserEvent([this, &node] {
         // Ask nothing for a disabled control.
         const std::string question = textAbout(node, "confirm");
         const auto* control = modelOf<NSControl>(node);
@@ -107,7 +109,7 @@ void WindowActions::addButtonsOf(const std::string& table, QMenu& menu) {
         const auto* button = modelOf<NSButton>(each);
         const std::string& role = each.attribute("role");
         if (button != nullptr && (role == "edit" || role == "delete") && each.attribute("reverts") == table) {
-            QAction* entry = menu.addAction(::title(button->title()), [this, &each] { use(each); });
+            QAction* entry = menu.addAction(frontend::title(button->title()), [this, &each] { use(each); });
             entry->setEnabled(button->isEnabled());
             // Only shown: the table handles the key.
             entry->setShortcut(role == "edit" ? Qt::Key_Return : Qt::Key_Delete);
@@ -153,7 +155,7 @@ void WindowActions::beginWith(const std::string& table,
         if (field == nullptr || node == nullptr) {
             continue;
         }
-        dispatchUserEvent(queue_, [field, &text = text] { field->performReplace(text); });
+        queue_.runUserEvent([field, &text = text] { field->performReplace(text); });
         fieldWasLeft(*node);
     }
     if (begun_ && !textsOfFields.empty()) {
@@ -178,7 +180,7 @@ void WindowActions::fieldWasLeft(const InterfaceNode& node) {
     if (!path.starts_with('/') || !std::filesystem::is_directory(path, ignored)) {
         return;
     }
-    dispatchUserEvent(queue_, [this, chooser, &path] {
+    queue_.runUserEvent([this, chooser, &path] {
         answerPanel_(path);
         chooser->sendAction();
         answerPanel_(std::nullopt);
@@ -293,3 +295,5 @@ void WindowActions::showNothingForMissingNumbers(NSTableView& table) const {
         }
     });
 }
+
+} // namespace frontend

@@ -11,6 +11,9 @@
 
 class NSTableView;
 class QMenu;
+
+namespace frontend {
+
 class TableView;
 
 /// What the window does before and after the action of a button or menu item that a user clicks, according to
@@ -120,3 +123,5 @@ class WindowActions {
     std::function<void(const std::string&, const std::string&)> refused_;
     std::function<void(std::optional<std::string>)> answerPanel_;
 };
+
+} // namespace frontend

@@ -11,6 +11,8 @@
 
 #include <algorithm>
 
+namespace frontend {
+
 namespace {
 
 constexpr int milliseconds = 3000; // how often to look: a server may start or end at any time
@@ -70,6 +72,8 @@ void WindowComputer::showState() {
 }
 
 void WindowComputer::control(review::ServerChange change) {
-    dispatchUserEvent(queue_, [change] { review::changeServer(change); });
+    queue_.runUserEvent([change] { review::changeServer(change); });
     showState();
 }
+
+} // namespace frontend

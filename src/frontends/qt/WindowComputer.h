@@ -8,9 +8,12 @@
 #include <QMainWindow>
 #include <QObject>
 
-class ElidedLabel;
 class NSTableView;
 class QPushButton;
+
+namespace frontend {
+
+class ElidedLabel;
 
 /// The line at the window's foot about the computer itself: whether the SMB server runs, since when and where
 /// it listens, and what is not installed, with buttons that start the server now or with the computer. While
@@ -37,3 +40,5 @@ class WindowComputer : public QObject {
     QPushButton* atBoot_ = nullptr;
     bool marked_ = false;
 };
+
+} // namespace frontend

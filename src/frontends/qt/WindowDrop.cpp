@@ -6,6 +6,8 @@
 #include <QMimeData>
 #include <QUrl>
 
+namespace frontend {
+
 namespace {
 
 constexpr int sharesPage = 0;
@@ -47,3 +49,5 @@ bool WindowDrop::eventFilter(QObject* watched, QEvent* event) {
     }
     return true;
 }
+
+} // namespace frontend

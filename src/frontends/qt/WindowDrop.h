@@ -6,6 +6,10 @@
 #include <QMainWindow>
 #include <QObject>
 
+class QMimeData;
+
+namespace frontend {
+
 /// Begins a new share when a folder is dropped anywhere on the page of the shares; the share gets the
 /// folder's name. A child of the main window's widget.
 class WindowDrop : public QObject {
@@ -21,7 +25,7 @@ class WindowDrop : public QObject {
     WindowActions& actions_;
 };
 
-class QMimeData;
-
 /// Returns the path of the single local folder that is dragged; empty for anything else.
 [[nodiscard]] QString draggedFolder(const QMimeData& data);
+
+} // namespace frontend

@@ -20,6 +20,8 @@
 #include <QTreeWidget>
 #include <QVBoxLayout>
 
+namespace frontend {
+
 namespace {
 
 constexpr int dialogWidth = 720;
@@ -181,7 +183,7 @@ void WindowHistory::nameUndo() {
 
 bool WindowHistory::takeBack(std::optional<std::int64_t> number, QWidget* parent) {
     bool isDone = false;
-    dispatchUserEvent(queue_, [&] {
+    queue_.runUserEvent([&] {
         const auto plan = history_.describeUndo(number);
         if (!plan.isOk() || !plan->refusal.empty()) {
             showProblem(NSLocalizedString("Not Possible"),
@@ -216,3 +218,5 @@ bool WindowHistory::takeBack(std::optional<std::int64_t> number, QWidget* parent
 void WindowHistory::showHistory() {
     HistoryDialog(history_, *this, &window_).exec();
 }
+
+} // namespace frontend

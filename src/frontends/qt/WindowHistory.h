@@ -15,6 +15,8 @@
 class QAction;
 class QMenu;
 
+namespace frontend {
+
 /// "Undo …" and "History…" in the window's menu "Changes". Both say what would be restored, and what cannot
 /// be, before anything is done. A child of the main window's widget.
 class WindowHistory : public QObject {
@@ -45,3 +47,5 @@ class WindowHistory : public QObject {
     QAction* undo_ = nullptr;
     std::function<void(std::size_t)> allowed_;
 };
+
+} // namespace frontend

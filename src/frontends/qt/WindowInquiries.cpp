@@ -2,6 +2,7 @@
 
 #include "access/AccessCheck.h"
 #include "access/ServerAccounts.h"
+#include "frontends/qt/AccessDialog.h"
 #include "frontends/qt/Binding.h"
 #include "frontends/qt/FindingsDialog.h"
 #include "frontends/qt/Menus.h"
@@ -13,11 +14,12 @@
 #include <QApplication>
 #include <QMenu>
 #include <QMenuBar>
-#include <QPointer>
 #include <QWidget>
 
 #include <algorithm>
 #include <map>
+
+namespace frontend {
 
 namespace {
 
@@ -116,17 +118,17 @@ std::unique_ptr<QDialog> WindowInquiries::makeFindingsDialog(QWidget* parent) {
 
 std::unique_ptr<QDialog> WindowInquiries::makeSessionsDialog(QWidget* parent) {
     using Sessions = platform::Result<std::vector<platform::Session>>;
-    return std::make_unique<SessionsDialog>(
-        SessionsDialog::Server{
-            [this] {
-                Sessions sessions = std::vector<platform::Session>();
-                dispatchUserEvent(queue_, [&] { sessions = review::connectedClients(host_.root); });
-                return sessions;
-            },
-            [this](review::Disconnection kind, const std::string& what) {
-                bool isDone = false;
-                dispatchUserEvent(queue_, [&] { isDone = review::disconnect(kind, what); });
-                return isDone;
-            }},
-        parent);
+    const auto connected = [this] {
+        Sessions sessions = std::vector<platform::Session>();
+        queue_.runUserEvent([&] { sessions = review::connectedClients(host_.root); });
+        return sessions;
+    };
+    const auto disconnect = [this](review::Disconnection kind, const std::string& what) {
+        bool isDone = false;
+        queue_.runUserEvent([&] { isDone = review::disconnect(kind, what); });
+        return isDone;
+    };
+    return std::make_unique<SessionsDialog>(SessionsDialog::Server{connected, disconnect}, parent);
 }
+
+} // namespace frontend

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "access/Doctor.h"
-#include "frontends/qt/AccessDialog.h"
 #include "frontends/qt/Binding.h"
 #include "frontends/qt/WindowReview.h"
 #include "platform/appkit/NSTableView.h"
@@ -13,6 +12,8 @@
 #include <memory>
 
 class QMenu;
+
+namespace frontend {
 
 /// The window's menu "Check": who may use a share and what a user may do, what is wrong with the computer,
 /// and who is connected. It also marks shares with faults in the share table. A child of the main window's
@@ -35,3 +36,5 @@ class WindowInquiries : public QObject {
     NSTableView& users_;
     RefreshQueue& queue_;
 };
+
+} // namespace frontend

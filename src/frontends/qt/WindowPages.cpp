@@ -15,6 +15,8 @@
 
 #include <utility>
 
+namespace frontend {
+
 using platform::InterfaceNode;
 
 WindowPages::WindowPages(NSTabView& tabs, QMainWindow& window, WindowActions& actions, RefreshQueue& queue)
@@ -96,9 +98,11 @@ void WindowPages::turn(int pages) {
     const int page = (tabs_.indexOfSelectedTabViewItem() + pages + count) % count;
     const bool isInBar = qobject_cast<QTabBar*>(window_.focusWidget()) != nullptr;
     endEditingOfFocusedField();
-    dispatchUserEvent(queue_, [this, page] { tabs_.selectTabViewItemAtIndex(page); });
+    queue_.runUserEvent([this, page] { tabs_.selectTabViewItemAtIndex(page); });
     const auto* view = window_.findChild<TabView*>(shown(tabs_.name()));
     if (view != nullptr && !isInBar) {
         focusBeginningOf(view->currentPage());
     }
 }
+
+} // namespace frontend

@@ -11,6 +11,8 @@
 
 class QAction;
 
+namespace frontend {
+
 /// The window's menu "Page": actions with shortcuts for whichever page is visible, and commands to change the
 /// page. F10 opens the menu bar. A child of the main window's widget.
 class WindowPages : public QObject {
@@ -36,3 +38,5 @@ class WindowPages : public QObject {
     QAction* find_ = nullptr;
     QAction* refresh_ = nullptr;
 };
+
+} // namespace frontend

@@ -13,6 +13,8 @@
 #include <utility>
 #include <vector>
 
+namespace frontend {
+
 namespace {
 
 constexpr int settleTime = 300; // milliseconds
@@ -127,3 +129,5 @@ bool WindowPlace::eventFilter(QObject* watched, QEvent* event) {
     }
     return QObject::eventFilter(watched, event);
 }
+
+} // namespace frontend

@@ -10,6 +10,8 @@
 
 #include <string>
 
+namespace frontend {
+
 class Drawer;
 
 /// Remembers the main window's position and size and whether its drawer is open, and restores them at the
@@ -43,3 +45,5 @@ class WindowPlace : public QObject {
     platform::Connection drawerChanged_;
     platform::Connection pageChanged_;
 };
+
+} // namespace frontend

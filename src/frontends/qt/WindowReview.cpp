@@ -35,6 +35,8 @@
 
 #include <sys/stat.h>
 
+namespace frontend {
+
 namespace {
 
 constexpr const char* reviewAllKey = "BrindleReviewEveryChange";
@@ -259,7 +261,7 @@ void WindowReview::addDirectoryNotice() {
     directoryNotice_ = makeNotice("directoryNotice", {}, again);
     directoryText_ = directoryNotice_->findChild<QLabel*>();
     connect(again, &QPushButton::clicked, this,
-            [this] { dispatchUserEvent(queue_, [this] { reviewer_.rereadEverything(); }); });
+            [this] { queue_.runUserEvent([this] { reviewer_.rereadEverything(); }); });
     layout->insertWidget(0, directoryNotice_);
 }
 
@@ -302,7 +304,7 @@ void WindowReview::showNotice() {
     // A partly shown page cannot be saved, but the file may have been repaired since.
     const auto* part = actions_.find<NSTextField>("smbPartNotice");
     if (part != nullptr && !part->stringValue().empty() && reviewer_.hasSMBConfChangedOnDisk()) {
-        dispatchUserEvent(queue_, [this] { reviewer_.reread(); });
+        queue_.runUserEvent([this] { reviewer_.reread(); });
     }
     if (notice_ != nullptr) {
         notice_->setVisible(reviewer_.hasSMBConfChangedOnDisk());
@@ -317,7 +319,7 @@ void WindowReview::lookAtFile() {
 }
 
 void WindowReview::reread() {
-    dispatchUserEvent(queue_, [this] { reviewer_.reread(); });
+    queue_.runUserEvent([this] { reviewer_.reread(); });
     showNotice();
 }
 
@@ -346,3 +348,5 @@ bool WindowReview::eventFilter(QObject* watched, QEvent* event) {
     }
     return QObject::eventFilter(watched, event);
 }
+
+} // namespace frontend

@@ -14,6 +14,9 @@
 class QAction;
 class QFrame;
 class QLabel;
+
+namespace frontend {
+
 class WindowActions;
 
 /// The window's part of the review. It asks before an action with a warning, and provides the menu "Changes".
@@ -73,3 +76,5 @@ class WindowReview : public QObject {
     platform::Connection eventEnded_;
     platform::Connection used_;
 };
+
+} // namespace frontend

@@ -20,6 +20,8 @@
 #include <QStatusBar>
 #include <QUrl>
 
+namespace frontend {
+
 namespace {
 
 constexpr const char* shareTable = "normalTableView";
@@ -173,3 +175,5 @@ void WindowStatus::showActivity() {
     dialog_->raise();
     dialog_->activateWindow();
 }
+
+} // namespace frontend

@@ -13,10 +13,13 @@
 #include <cstdint>
 #include <optional>
 
-class ActivityDialog;
-class ElidedLabel;
 class QMenu;
 class QPushButton;
+
+namespace frontend {
+
+class ActivityDialog;
+class ElidedLabel;
 
 /// The line at the window's foot that says what the last action has done, or what failed and why, and offers
 /// what can be done about it. Also the panel "Activity". A child of the main window's widget.
@@ -71,3 +74,5 @@ class WindowStatus : public QObject {
     platform::Connection eventEnded_;
     platform::Connection used_;
 };
+
+} // namespace frontend

@@ -7,7 +7,6 @@
 #include "frontends/qt/ReadingOrder.h"
 #include "platform/appkit/NSApplication.h"
 
-#include <QApplication>
 #include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QMainWindow>
@@ -15,6 +14,8 @@
 #include <QShortcut>
 
 #include <algorithm>
+
+namespace frontend {
 
 using platform::InterfaceNode;
 
@@ -172,13 +173,13 @@ bool WindowView::eventFilter(QObject* watched, QEvent* event) {
     case QEvent::Close:
         // The model decides whether the window closes: a sheet stays until it is answered.
         event->ignore();
-        dispatchUserEvent(queue_, [this] { window_.close(); });
+        queue_.runUserEvent([this] { window_.close(); });
         return true;
     case QEvent::WindowActivate:
-        dispatchUserEvent(queue_, [this] { window_.becomeKey(); });
+        queue_.runUserEvent([this] { window_.becomeKey(); });
         break;
     case QEvent::WindowDeactivate:
-        dispatchUserEvent(queue_, [this] { window_.resignKey(); });
+        queue_.runUserEvent([this] { window_.resignKey(); });
         break;
     case QEvent::KeyPress:
         return keyPressed(static_cast<QKeyEvent*>(event)->key());
@@ -187,3 +188,5 @@ bool WindowView::eventFilter(QObject* watched, QEvent* event) {
     }
     return QObject::eventFilter(watched, event);
 }
+
+} // namespace frontend

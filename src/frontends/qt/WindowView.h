@@ -8,7 +8,7 @@
 #include <QPointer>
 #include <QWidget>
 
-#include <memory>
+namespace frontend {
 
 /// One window, sheet or panel of an interface file on the screen: its widget, which is kept in step with the
 /// NSWindow. Owned by the presenter.
@@ -44,3 +44,5 @@ class WindowView : public QObject {
     QPointer<QWidget> widget_; ///< null after the main window, its parent, was destroyed
     platform::Connection orderedFront_;
 };
+
+} // namespace frontend

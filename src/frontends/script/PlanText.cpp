@@ -47,11 +47,7 @@ void addSteps(const review::Plan& plan, std::vector<std::string>* lines) {
 } // namespace
 
 std::string runLine(const review::PlannedRun& run) {
-    std::string line = "would run " + scriptWord(run.tool);
-    for (const std::string& argument : run.arguments) {
-        line += ' ' + scriptWord(argument);
-    }
-    return line;
+    return "would run " + scriptWords(run.tool, run.arguments);
 }
 
 std::vector<std::string> planLines(const review::Plan& plan) {

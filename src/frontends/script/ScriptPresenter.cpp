@@ -2,7 +2,6 @@
 
 #include "frontends/script/ScriptWords.h"
 #include "platform/appkit/NSWindow.h"
-#include "platform/foundation/NSBundle.h"
 
 #include <algorithm>
 #include <filesystem>
@@ -216,11 +215,7 @@ void ScriptPresenter::applicationDidTerminate() {
 }
 
 void ScriptPresenter::toolWillRun(const std::string& tool, std::span<const std::string> arguments) {
-    std::string text = "run " + scriptWord(tool);
-    for (const std::string& argument : arguments) {
-        text += ' ' + scriptWord(argument);
-    }
-    output_->line(text);
+    output_->line("run " + scriptWords(tool, arguments));
 }
 
 void ScriptPresenter::toolDidWrite(std::string_view output) {

@@ -106,4 +106,12 @@ std::string scriptWord(std::string_view text) {
     return bare ? std::string(text) : quotedText(text);
 }
 
+std::string scriptWords(const std::string& tool, std::span<const std::string> arguments) {
+    std::string words = scriptWord(tool);
+    for (const std::string& argument : arguments) {
+        words += ' ' + scriptWord(argument);
+    }
+    return words;
+}
+
 } // namespace frontend

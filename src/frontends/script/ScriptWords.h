@@ -1,5 +1,6 @@
 #pragma once
 
+#include <span>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -21,5 +22,8 @@ class ScriptSyntaxError : public std::runtime_error {
 
 /// Returns `text` as a word: bare when that cannot be misread, else quoted.
 [[nodiscard]] std::string scriptWord(std::string_view text);
+
+/// Returns a tool run as words with blanks between them.
+[[nodiscard]] std::string scriptWords(const std::string& tool, std::span<const std::string> arguments);
 
 } // namespace frontend

@@ -13,6 +13,7 @@
 namespace {
 
 using frontend::Application;
+using frontend::QtFrontend;
 using platform::Status;
 
 Status loadInto(QtFrontend& window, Application& application) {
@@ -30,7 +31,7 @@ class QtWindowRun : public frontend::WindowRun {
   public:
     explicit QtWindowRun(char** argv) : argv_(argv) {}
 
-    platform::Result<int> show(Application& application, const frontend::ServerLine& server,
+    platform::Result<int> show(Application& application, const frontend::ShareServer& server,
                                const frontend::OneWindow* only) override {
         if (!QtFrontend::displayIsThere()) {
             return Status::failure("there is no display to open the window on", "",
@@ -41,7 +42,7 @@ class QtWindowRun : public frontend::WindowRun {
         if (Status status = loadInto(window, application); !status.isOk()) {
             return status;
         }
-        window.useServer(server.address, server.state, server.hasFailed);
+        window.useServer(server);
         if (only != nullptr) {
             window.useListener(
                 only->listener(),
