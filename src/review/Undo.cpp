@@ -229,7 +229,7 @@ class UndoPlanner {
             return;
         }
         if (platform::Host::current().services().computer != nullptr &&
-            !checkNotReplaceable(folder.path).isOk()) {
+            !tools::checkNotReplaceable(folder.path).isOk()) {
             lose(NSLocalizedString("Anybody could replace the folder %@, so it stays as it is."),
                  folder.path);
             return;

@@ -240,18 +240,18 @@ void WorkingCopy::settle() {
 }
 
 std::string WorkingCopy::run(const std::string& tool, std::span<const std::string> arguments) {
-    DirectoryPlace directory(storeFile());
+    tools::DirectoryPlace directory(storeFile());
     directory.keepsPasswords = false;
     if (tool == platform::systempath::nicl) {
         if (!session_) {
-            session_ = std::make_unique<DirectorySession>(directory);
+            session_ = std::make_unique<tools::DirectorySession>(directory);
         }
         return session_->nicl(arguments).output;
     }
     settle();
     if (tool == platform::systempath::dscl) {
         directory.root = passwordRoot_;
-        return runDscl(directory, arguments).output;
+        return tools::runDscl(directory, arguments).output;
     }
     if (tool == platform::systempath::cp) {
         return copySettings(arguments);
@@ -260,12 +260,13 @@ std::string WorkingCopy::run(const std::string& tool, std::span<const std::strin
         arguments.size() == 2) {
         const bool isMode = tool == platform::systempath::chmod;
         const uid_t caller = changesComputer() ? 0 : ::geteuid();
-        const auto host = changesComputer() ? FolderHost::Computer : FolderHost::Embedded;
-        const auto order = isMode ? examineMode(arguments[0], arguments[1], caller, host)
-                                  : examineOwner(arguments[0], arguments[1],
-                                                 platform::DirectoryAccounts(storeFile()), caller, host);
+        const auto host = changesComputer() ? tools::FolderHost::Computer : tools::FolderHost::Embedded;
+        const auto order = isMode
+                               ? tools::examineMode(arguments[0], arguments[1], caller, host)
+                               : tools::examineOwner(arguments[0], arguments[1],
+                                                     platform::DirectoryAccounts(storeFile()), caller, host);
         if (!order.isOk()) {
-            return complaint(isMode ? "chmod" : "chown", order.status());
+            return tools::complaint(isMode ? "chmod" : "chown", order.status());
         }
         folders_->add(arguments[1], *order);
         return {};
@@ -274,7 +275,7 @@ std::string WorkingCopy::run(const std::string& tool, std::span<const std::strin
 }
 
 std::string WorkingCopy::copySettings(std::span<const std::string> arguments) {
-    HelperRequest request{platform::systempath::cp, {arguments.begin(), arguments.end()}};
+    tools::HelperRequest request{platform::systempath::cp, {arguments.begin(), arguments.end()}};
     if (arguments.size() == 2) {
         const CopiedPaths paths(original_, folder_.path());
         request.arguments[0] = paths.map(arguments[0]);
@@ -284,8 +285,8 @@ std::string WorkingCopy::copySettings(std::span<const std::string> arguments) {
         const auto text = contentsOfFile(arguments[0]);
         if (text.isOk() && arguments[1] == settingsFiles[0]) {
             const auto old = contentsOfFile(arguments[1]).valueOr("");
-            if (Status status = checkSmbConf(*text, old); !status.isOk()) {
-                return complaint("cp", status);
+            if (Status status = tools::checkSmbConf(*text, old); !status.isOk()) {
+                return tools::complaint("cp", status);
             }
         }
     } else if (arguments.size() == 2) {
@@ -293,14 +294,14 @@ std::string WorkingCopy::copySettings(std::span<const std::string> arguments) {
         const std::string targetFolder = stringByDeletingLastPathComponent(target);
         std::error_code error;
         if (::access(targetFolder.c_str(), W_OK | X_OK) != 0) {
-            return complaint("cp", Status::ofErrno("cannot write in", targetFolder, errno));
+            return tools::complaint("cp", Status::ofErrno("cannot write in", targetFolder, errno));
         }
         if (fs::exists(target, error) && !fs::is_regular_file(target, error)) {
-            return complaint(
+            return tools::complaint(
                 "cp", Status::failure("cannot replace", target, "is not a regular file; move it away"));
         }
     }
-    return runHelperTool({folder_.path(), ::getuid()}, request).output;
+    return tools::runHelperTool({folder_.path(), ::getuid()}, request).output;
 }
 
 OSStatus WorkingCopy::execute(const std::string& tool, std::span<const std::string> arguments,

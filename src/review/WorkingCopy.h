@@ -72,7 +72,7 @@ class WorkingCopy : public std::enable_shared_from_this<WorkingCopy> {
     std::string passwordRoot_; ///< empty: dscl only checks its request and the user
     platform::Services original_;
     std::shared_ptr<FolderForecasts> folders_;
-    std::unique_ptr<DirectorySession> session_; ///< the runs since settle()
+    std::unique_ptr<tools::DirectorySession> session_; ///< the runs since settle()
 };
 
 } // namespace review

@@ -15,6 +15,8 @@
 #include <string>
 #include <vector>
 
+namespace tools {
+
 /// This computer's directory while one run changes it: the account files, which the computer's own programs
 /// write, and the store, which holds what those files cannot. An account's record in the store belongs to the
 /// account with that name and number, and has a state.
@@ -69,3 +71,5 @@ class ComputerDirectory {
     platform::Status status_;
     std::unique_ptr<platform::Store> store_;
 };
+
+} // namespace tools

@@ -13,6 +13,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+namespace tools {
+
 using platform::FileDescriptor;
 using platform::Result;
 using platform::Status;
@@ -94,3 +96,5 @@ Result<ComputerLock> ComputerLock::take(const platform::SystemFiles& files, int 
     }
     return ComputerLock(std::move(*locked));
 }
+
+} // namespace tools

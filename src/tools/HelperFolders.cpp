@@ -15,6 +15,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+namespace tools {
+
 using platform::FileDescriptor;
 using platform::Result;
 using platform::Status;
@@ -255,3 +257,5 @@ Status checkNotReplaceable(const std::string& folder) {
     const std::filesystem::path real = std::filesystem::canonical(folder, error);
     return error ? Status() : checkParents(real, folder);
 }
+
+} // namespace tools

@@ -7,6 +7,8 @@
 #include <system_error>
 #include <vector>
 
+namespace tools {
+
 using platform::Status;
 
 namespace {
@@ -54,3 +56,5 @@ Status controlService(std::span<const std::string> arguments) {
                                  words.front() + " has failed" + (said.empty() ? "" : ": " + said) +
                                      "; the system's log says more");
 }
+
+} // namespace tools

@@ -15,6 +15,8 @@
 #include <sys/syscall.h>
 #include <unistd.h>
 
+namespace tools {
+
 using platform::Status;
 
 namespace {
@@ -72,3 +74,5 @@ Status hangUpServer(const std::string& processId, const std::string& root) {
     }
     return {};
 }
+
+} // namespace tools

@@ -8,6 +8,8 @@
 #include <algorithm>
 #include <chrono>
 
+namespace tools {
+
 using platform::Status;
 
 namespace {
@@ -66,3 +68,5 @@ Status checkSmbConf(std::string_view text, std::string_view old) {
     return Status::failure("cannot save", "smb.conf",
                            "the server could not use it (testparm: " + *complaint + "); nothing was changed");
 }
+
+} // namespace tools

@@ -4,7 +4,11 @@
 
 #include <cstdlib>
 
+namespace tools {
+
 std::optional<uid_t> sudoUser() {
     const char* const text = std::getenv("SUDO_UID");
     return text == nullptr ? std::nullopt : platform::wholeNumber<uid_t>(text);
 }
+
+} // namespace tools

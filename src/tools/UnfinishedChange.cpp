@@ -11,6 +11,8 @@
 
 #include <unistd.h>
 
+namespace tools {
+
 using platform::Result;
 using platform::Status;
 
@@ -88,3 +90,5 @@ Status UnfinishedChange::forget(const std::string& path) {
     return ::unlink(path.c_str()) == 0 || errno == ENOENT ? Status()
                                                           : Status::ofErrno("cannot take away", path, errno);
 }
+
+} // namespace tools

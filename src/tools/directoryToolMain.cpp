@@ -17,6 +17,8 @@
 
 #include <unistd.h>
 
+namespace tools {
+
 namespace {
 
 struct Tool {
@@ -127,3 +129,5 @@ int directoryToolMain(std::string_view name, int argc, char** argv) {
     }
     return result.status;
 }
+
+} // namespace tools
