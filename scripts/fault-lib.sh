@@ -3,7 +3,7 @@
 
 step=1     # kill at every call
 failures=0
-options=() # for the helper
+options=() # which root, or the computer: for the helper and for Brindle
 
 failed() {
     say "FAILED: $*"
@@ -59,4 +59,35 @@ at_each_call() {
     done 3<"$work/calls" # the programs in the loop may read standard input
     tracer=()
     say "$*: killed at $kills of $calls system calls"
+}
+
+# script COMMAND...: prints Brindle's output for "start" and these commands.
+script() {
+    printf '%s\n' start "$@" | "${tracer[@]}" "$programs/brindle" "${options[@]}" --script -
+}
+
+# Prints the history's entries, as "2:done 1:undone ".
+history_states() {
+    script history | sed -n 's/^\([0-9]*\) .* \([a-z]*\)$/\1:\2/p' | tr '\n' ' '
+}
+
+# Traces the helper instead of Brindle: in a copy of the programs, the helper is a script that starts the real one.
+undo_by_traced_helper() {
+    {
+        echo '#!/bin/sh'
+        printf 'exec %s "$@"\n' "${tracer[*]} $programs/brindle-helper"
+    } >"$work/traced/bin/brindle-helper"
+    printf '%s\n' start undo | "$work/traced/bin/brindle" "${options[@]}" --script -
+}
+
+# undo_at_each_writing_call PREPARE CHECK: kills an undo before each call that changes something, first Brindle, then
+# its helper.
+undo_at_each_writing_call() {
+    traced=(-e "trace=write,pwrite64,fsync,fdatasync,rename,unlink,ftruncate")
+    at_each_call "$1" "$2" script undo
+    mkdir "$work/traced"
+    cp -a "$programs" "$work/traced/bin"
+    cp -a "$programs/../share" "$work/traced/share"
+    at_each_call "$1" "$2" undo_by_traced_helper
+    traced=()
 }

@@ -22,7 +22,7 @@ std::string shown(const SMBShare& entry) {
     for (const SMBPair& pair : entry.Props()) {
         text += pair.Name.str() + "=" + pair.Value.str() + ";";
     }
-    return text + "} " + entry.Text();
+    return text + "} " + std::string(entry.Text());
 }
 
 class SMBConfTest : public testing::Test {
@@ -66,6 +66,7 @@ TEST_F(SMBConfTest, GroupsLinesIntoEntries) {
         {"[a]\n[b ] \nx = 1\n", {"2 a {x=1;} "}},
         {"[]\n;[]\n;[c\n", {"2 [] {} ", "0 ;[] {} ", "0 c {} "}},
         {"[a]\n# inside\nx=1\n;[b]\n;y=2\n[c]", {"2 a {x=1;} # inside\n", "0 b {y=2;} ", "2 c {} "}},
+        {"[a]\n# b\n# c\n  # d\nx=1\n# e", {"2 a {x=1;} # b\n# c\n# d\n# e\n"}},
         {"#[b]\n#path = /x\n# shared by hand\n; note = read me\n;\n;=x\n;k =\n",
          {"0 b {path=/x;note=read me;} # shared by hand\n"}},
         {";[b]\nworkgroup = X\n# c\n", {"0 b {} ", "1  {} # c\n"}},

@@ -24,7 +24,6 @@ std::optional<unsigned> numberIn(const DirectoryView::Record& record, std::strin
 }
 
 std::optional<Account> computerAccount(const std::string& name) {
-    // The program has one thread, so that the functions that are not reentrant are safe.
     const passwd* entry = ::getpwnam(name.c_str());
     return entry != nullptr
                ? std::optional(Account{entry->pw_name, entry->pw_uid, entry->pw_gid, {entry->pw_gid}})

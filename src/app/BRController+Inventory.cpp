@@ -5,14 +5,14 @@
 #include "privileged/NiutilTask.h"
 
 #include <array>
+#include <bit>
 #include <cstdint>
 #include <functional>
 #include <initializer_list>
-#include <memory_resource>
+#include <limits>
 #include <optional>
 #include <string>
 #include <string_view>
-#include <unordered_set>
 #include <utility>
 
 namespace {
@@ -86,51 +86,39 @@ constexpr std::array<std::string_view, BRRow::mostColumns> userColumns = {"User"
                                                                           "Full Name", "GID"};
 constexpr std::array<std::string_view, 3> groupColumns = {"GID", "Group", "Users in Group"};
 
-/// The first row of each folder. It keeps numbers of rows only, and its memory in one piece, because a
-/// computer may have a hundred thousand shares.
+/// The first row of each folder: a hash table of rows' numbers in one piece of memory, because a computer may
+/// have a hundred thousand shares.
 class FirstRows {
   public:
+    /// `rows` may grow up to its capacity.
     explicit FirstRows(const std::vector<NormalShare>& rows)
-        : set_(rows.capacity(), Hash{&rows}, Equal{&rows}, &memory_) {}
+        : rows_(&rows), places_(std::bit_ceil(rows.capacity() * 2 + 1), none) {}
 
-    void add(std::uint32_t row) { set_.insert(row); }
+    /// Does nothing when there is a row with the same folder.
+    void add(std::uint32_t row) {
+        std::uint32_t& place = placeOf((*rows_)[row].DirectoryPath());
+        place = place == none ? row : place;
+    }
 
-    [[nodiscard]] std::optional<std::uint32_t> find(std::string_view folder) const {
-        const auto found = set_.find(folder);
-        return found == set_.end() ? std::nullopt : std::optional(*found);
+    [[nodiscard]] std::optional<std::uint32_t> find(std::string_view folder) {
+        const std::uint32_t row = placeOf(folder);
+        return row == none ? std::nullopt : std::optional(row);
     }
 
   private:
-    using Rows = std::vector<NormalShare>;
+    static constexpr std::uint32_t none = std::numeric_limits<std::uint32_t>::max();
 
-    static std::string_view folderOf(const Rows& rows, std::uint32_t row) {
-        return rows[row].DirectoryPath();
+    /// The folder's place, or the free one where it belongs. At most half of the places are taken.
+    [[nodiscard]] std::uint32_t& placeOf(std::string_view folder) {
+        std::size_t place = std::hash<std::string_view>()(folder) % places_.size();
+        while (places_[place] != none && (*rows_)[places_[place]].DirectoryPath() != folder) {
+            place = (place + 1) % places_.size();
+        }
+        return places_[place];
     }
 
-    static std::string_view folderOf(const Rows& /*rows*/, std::string_view folder) { return folder; }
-
-    struct Hash {
-        using is_transparent = void;
-        const Rows* rows;
-
-        template <class Key>
-        std::size_t operator()(Key key) const {
-            return std::hash<std::string_view>()(folderOf(*rows, key));
-        }
-    };
-
-    struct Equal {
-        using is_transparent = void;
-        const Rows* rows;
-
-        template <class Left, class Right>
-        bool operator()(Left left, Right right) const {
-            return folderOf(*rows, left) == folderOf(*rows, right);
-        }
-    };
-
-    std::pmr::monotonic_buffer_resource memory_;
-    std::pmr::unordered_set<std::uint32_t, Hash, Equal> set_;
+    const std::vector<NormalShare>* rows_;
+    std::vector<std::uint32_t> places_;
 };
 
 } // namespace

@@ -59,6 +59,20 @@ std::string NormalShare::permissionsToString(int code) {
     }
 }
 
+void NormalShare::setShareName(std::string text) {
+    std::string afpName = AFPName();
+    _sharename = std::move(text);
+    setAFPName(std::move(afpName));
+}
+
+void NormalShare::setAFPName(std::string text) {
+    if (text == _sharename) {
+        _afpname = RareText();
+    } else {
+        _afpname.made() = std::move(text);
+    }
+}
+
 const std::string* NormalShare::valueForKey(std::string_view getterName) const {
     struct Key {
         std::string_view name;
@@ -87,7 +101,7 @@ std::string NormalShare::description() const {
     return stringWithFormat("Share Name: %@\nAFP Shared: %@   AFP Name: %@\nDirectory Path: %@\n"
                             "Owner: %@   Group: %@   Everyone: %@\nAFS: %@   SMB: %@\n"
                             "Inherit: %@   Inherit Owner: %@   SMB Guest Access: %@\n",
-                            _sharename, _afpshared.str(), _afpname, _directorypath, _owner.str(),
+                            _sharename, _afpshared.str(), AFPName(), _directorypath, _owner.str(),
                             _group.str(), _everyone.str(), _afs.str(), _smb.str(), _inheritperms.str(),
                             _inheritowner.str(), _smbguestaccess.str());
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "model/RareText.h"
+
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -31,7 +33,9 @@ class NormalShare {
     /// "1", "0", or "#NoValue#" when the record lacks the property.
     [[nodiscard]] const std::string& AFPShared() const { return _afpshared.str(); }
 
-    [[nodiscard]] const std::string& AFPName() const { return _afpname; }
+    [[nodiscard]] const std::string& AFPName() const {
+        return _afpname.isMade() ? _afpname.str() : _sharename;
+    }
 
     [[nodiscard]] const std::string& DirectoryPath() const { return _directorypath; }
 
@@ -56,11 +60,11 @@ class NormalShare {
     /// The section's "guest ok" as written in the file; "No" without one.
     [[nodiscard]] const std::string& SMBGuestAccess() const { return _smbguestaccess.str(); }
 
-    void setShareName(std::string text) { _sharename = std::move(text); }
+    void setShareName(std::string text);
 
     void setAFPShared(std::string_view text) { _afpshared = text; }
 
-    void setAFPName(std::string text) { _afpname = std::move(text); }
+    void setAFPName(std::string text);
 
     // Part of the class's public operations; setPathandPermissions sets these four.
     void setDirectoryPath(std::string text) { _directorypath = std::move(text); }
@@ -101,9 +105,9 @@ class NormalShare {
 
   private:
     std::string _sharename;
-    SharedText _afpshared;
-    std::string _afpname;
+    RareText _afpname; ///< only if it is not the share's name
     std::string _directorypath = "Directory Not Set";
+    SharedText _afpshared;
     SharedText _owner;
     SharedText _group;
     SharedText _everyone;

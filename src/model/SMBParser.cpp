@@ -77,6 +77,7 @@ void SMBParser::parse() {
         haveLine_ = false;
         parseLine();
     }
+    takeText();
     entries.push_back(std::move(current_));
     numberNotices();
 }
@@ -106,6 +107,7 @@ std::size_t SMBParser::nextOf(char mark, std::size_t& known) const {
 
 void SMBParser::beginEntry(std::int32_t type) {
     if (state_ != State::Start) {
+        takeText();
         entries.push_back(std::move(current_));
     }
     current_ = std::make_unique<SMBShare>(memory_);
@@ -207,7 +209,24 @@ void SMBParser::takePairs() {
 }
 
 void SMBParser::appendLineToText() {
-    (current_->Text() += line_) += '\n';
+    const auto start = static_cast<std::size_t>(line_.data() - text_.data());
+    const bool hasLineFeed = text_.substr(start + line_.size()).starts_with('\n');
+    if (comment_.empty() && hasLineFeed &&
+        (commentInFile_.empty() || commentInFile_.data() + commentInFile_.size() == line_.data())) {
+        const std::size_t before = commentInFile_.size();
+        commentInFile_ = text_.substr(start - before, before + line_.size() + 1);
+        return;
+    }
+    if (comment_.empty()) {
+        comment_ = commentInFile_;
+    }
+    (comment_ += line_) += '\n';
+}
+
+void SMBParser::takeText() {
+    current_->setText(comment_.empty() ? SMBText::borrowed(commentInFile_) : SMBText(comment_));
+    commentInFile_ = {};
+    comment_.clear();
 }
 
 void SMBParser::note(SMBLoss loss) {

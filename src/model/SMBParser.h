@@ -71,6 +71,7 @@ class SMBParser {
     void addPair(std::string_view text, bool commentedOut);
     void takePairs();
     void appendLineToText();
+    void takeText();
     void note(SMBLoss loss);
     void numberNotices();
 
@@ -87,4 +88,7 @@ class SMBParser {
     std::unique_ptr<SMBShare> current_;
     /// Keys and values of the current entry, collected until it ends, when their number is known.
     std::vector<std::pair<std::string_view, std::string_view>> pairs_;
+    // The current entry's comment lines: one piece of the file as long as they are, then a copy.
+    std::string_view commentInFile_;
+    std::string comment_;
 };

@@ -56,7 +56,7 @@ void SMBShare::appendTo(std::string& text) const {
             append({mark, pair.Name.view(), " = ", pair.Value.view(), "\n"});
         }
     }
-    text += _text;
+    text += Text();
 }
 
 std::string SMBShare::smbTypeToText() const {
@@ -74,5 +74,5 @@ std::string SMBShare::smbTypeToText() const {
 
 std::string SMBShare::description() const {
     return stringWithFormat("Share Name: %@   Type: %@\n%@\nText: %@\n", _sharename, smbTypeToText(),
-                            propsDescription(_props), _text);
+                            propsDescription(_props), Text());
 }

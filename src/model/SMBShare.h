@@ -1,10 +1,14 @@
 #pragma once
 
 #include <algorithm>
+#include <array>
+#include <bit>
 #include <cstddef>
 #include <cstdint>
+#include <limits>
 #include <memory>
 #include <memory_resource>
+#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -17,12 +21,12 @@ inline constexpr std::int32_t SMBGroup = 2;        ///< a section
 
 /// A string of bytes in a parameter. One that the parser made is a view into the file's bytes, which the
 /// model keeps, so that reading a long file copies nothing. Every string that is made or copied elsewhere
-/// owns its bytes.
+/// owns its bytes. At most 2^31 - 1 bytes: more throw std::length_error.
 class SMBText {
   public:
-    SMBText() : SMBText(nullptr, Ownership()) {}
+    SMBText() = default;
 
-    SMBText(std::string_view text) : SMBText(copyOf(text), Ownership(text.size(), true)) {}
+    SMBText(std::string_view text) : SMBText(copyOf(text), text.size(), true) {}
 
     SMBText(const std::string& text) : SMBText(std::string_view(text)) {}
 
@@ -30,27 +34,30 @@ class SMBText {
 
     SMBText(const SMBText& other) : SMBText(other.view()) {}
 
-    SMBText(SMBText&& other) noexcept
-        : bytes_(other.bytes_.release(), std::exchange(other.bytes_.get_deleter(), {})) {}
+    SMBText(SMBText&& other) noexcept { swap(other); }
 
     SMBText& operator=(SMBText other) noexcept {
-        bytes_.swap(other.bytes_);
+        swap(other);
         return *this;
     }
 
-    ~SMBText() = default;
+    ~SMBText() {
+        if (word_ % 2 != 0) {
+            std::default_delete<const char[]>()(bytes());
+        }
+    }
 
     /// A view of `text`, whose bytes must outlive the result.
     [[nodiscard]] static SMBText borrowed(std::string_view text) {
-        return {text.data(), Ownership(text.size(), false)};
+        return {text.data(), checkedSize(text), false};
     }
 
     /// Valid until this string is changed or destroyed.
-    [[nodiscard]] std::string_view view() const { return {bytes_.get(), bytes_.get_deleter().size()}; }
+    [[nodiscard]] std::string_view view() const { return {bytes(), word_ / 2}; }
 
     [[nodiscard]] std::string str() const { return std::string(view()); }
 
-    [[nodiscard]] bool empty() const { return view().empty(); }
+    [[nodiscard]] bool empty() const { return word_ < 2; }
 
     operator std::string_view() const { return view(); }
 
@@ -74,35 +81,35 @@ class SMBText {
     }
 
   private:
-    /// The string's length and whether it owns its bytes, packed into one word because a file has many
-    /// strings.
-    class Ownership {
-      public:
-        Ownership() = default;
+    using Halves = std::array<std::uint32_t, sizeof(const char*) / sizeof(std::uint32_t)>;
 
-        Ownership(std::size_t size, bool owned) : word_(size * 2 + (owned ? 1 : 0)) {}
+    SMBText(const char* bytes, std::size_t size, bool isOwned)
+        : address_(std::bit_cast<Halves>(bytes)), word_(static_cast<std::uint32_t>(size) * 2 + isOwned) {}
 
-        [[nodiscard]] std::size_t size() const { return word_ / 2; }
+    void swap(SMBText& other) noexcept {
+        std::swap(address_, other.address_);
+        std::swap(word_, other.word_);
+    }
 
-        void operator()(const char* bytes) const {
-            if (word_ % 2 != 0) {
-                std::default_delete<const char[]>()(bytes);
-            }
+    [[nodiscard]] const char* bytes() const { return std::bit_cast<const char*>(address_); }
+
+    [[nodiscard]] static std::size_t checkedSize(std::string_view text) {
+        if (text.size() > std::numeric_limits<std::int32_t>::max()) {
+            throw std::length_error("A setting of smb.conf is longer than 2 GB.");
         }
-
-      private:
-        std::size_t word_ = 0;
-    };
-
-    SMBText(const char* bytes, Ownership ownership) : bytes_(bytes, ownership) {}
+        return text.size();
+    }
 
     static const char* copyOf(std::string_view text) {
-        auto bytes = std::make_unique<char[]>(text.size());
+        auto bytes = std::make_unique<char[]>(checkedSize(text));
         std::copy(text.begin(), text.end(), bytes.get());
         return bytes.release();
     }
 
-    std::unique_ptr<const char[], Ownership> bytes_;
+    // A file has many strings, so each is made as small as it can be: the address in halves, which need no
+    // padding before what follows, and the length and whether the bytes are owned in one word.
+    Halves address_{};
+    std::uint32_t word_ = 0;
 };
 
 /// A parameter of a section, as written in the file.
@@ -152,12 +159,10 @@ class SMBShare {
 
     void setProps(SMBPairs props) { _props = std::move(props); }
 
-    /// The entry's comment lines, each ended by "\n".
-    [[nodiscard]] std::string& Text() { return _text; }
+    /// The entry's comment lines, each ended by "\n". Valid until it is changed.
+    [[nodiscard]] std::string_view Text() const { return _text.view(); }
 
-    [[nodiscard]] const std::string& Text() const { return _text; }
-
-    void setText(std::string text) { _text = std::move(text); }
+    void setText(SMBText text) { _text = std::move(text); }
 
     /// The first parameter with that key, exactly as written, or null.
     [[nodiscard]] SMBPair* firstProp(std::string_view key);
@@ -180,11 +185,11 @@ class SMBShare {
     [[nodiscard]] std::string description() const;
 
   private:
-    std::int32_t _type = SMBComment;
-    bool isUnnamed_ = false; // beside the type, where it takes no room of its own
     std::string _sharename;
     SMBPairs _props;
-    std::string _text;
+    SMBText _text;
+    std::int32_t _type = SMBComment;
+    bool isUnnamed_ = false;
 };
 
 /// The entries of a file, in order. They keep their addresses as long as they are in the list.

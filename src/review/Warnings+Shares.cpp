@@ -39,9 +39,9 @@ std::vector<std::string> foreignParts(const SMBShare& section) {
             parts.push_back("\"" + pair.Name.str() + "\"");
         }
     }
-    const std::string& text = section.Text();
+    const std::string_view text = section.Text();
     if (!text.empty() && text != ";Created by Brindle" && text != ";Created by Brindle\n") {
-        parts.push_back("\"" + text.substr(0, text.find('\n')) + "\"");
+        parts.push_back("\"" + std::string(text.substr(0, text.find('\n'))) + "\"");
     }
     return parts;
 }
