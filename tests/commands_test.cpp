@@ -94,6 +94,7 @@ TEST_P(CommandsInALanguage, ChangeOnlyWhatDiffersAndNothingTwice) {
         {"groups leave crew ann --yes", ""},
         {"groups join crew ann --yes", ""},
         {"public on ann --yes", ""},
+        {"users add bob --group crew --no-password --yes", ""},
         {"public on --all --yes", ""},
         {"smb set workgroup HOME code-page 437 security user --yes", ""},
         {"afp set greeting Hello log yes --yes", ""},

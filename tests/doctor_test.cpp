@@ -128,6 +128,22 @@ TEST_F(Doctor, NamesEachFaultAndTheCommandThatRepairsIt) {
     }
 }
 
+TEST_F(Doctor, NamesOneCommandForAllUsersWithTheSameFault) {
+    for (const std::string name : {"ann", "o\\'hara"}) {
+        EXPECT_EQ(shell("nicl . -create /users/" + name + " && nicl . -create /users/" + name +
+                        " shell /bin/sh && nicl . -create /users/" + name +
+                        " gid 20 && nicl . -create /users/" + name + " uid 1500")
+                      .status,
+                  0);
+    }
+    std::string remedy = findings("users-without-password")[0]["remedy"];
+    remedy.replace(remedy.find("users password"), 14, "users show");
+    const Finished all = shell(remedy);
+    EXPECT_EQ(all.status, 0) << remedy << all.errors;
+    EXPECT_NE(all.output.find("ann"), std::string::npos);
+    EXPECT_NE(all.output.find("o'hara"), std::string::npos);
+}
+
 TEST_F(Doctor, EndsWithFiveIfThereIsAProblemAndChangesNothing) {
     EXPECT_EQ(shell("brindle doctor").status, 0) << shell("brindle doctor").output;
     const std::string listing = "find $BRINDLE_ROOT -printf '%p %T@ %m\\n' | sort";

@@ -82,6 +82,20 @@ TEST_F(DryRun, FailsWhereTheRealRunFailsAndNamesTheRealFiles) {
         "output \"dscl: cannot set the password");
 }
 
+TEST_F(DryRun, SaysThatADirectoryIsDamagedAndEndsAsTheRealRunWould) {
+    EXPECT_NE(script("start\n"), "");
+    test_.write("computer/directory.db", "a letter");
+    const std::string commands = "start\ntype groupName team\ntype gid 600\nanswer Yes\n"
+                                 "answer \"Add Group Failed\" OK\nsend addNewGroup:\nshow groupTableView\n";
+    const Finished dry = run({"--dry-run", "--script", "-"}, commands);
+    const Finished real = run({"--script", "-"}, commands);
+    EXPECT_EQ(dry.output, real.output);
+    EXPECT_EQ(dry.status, real.status);
+    EXPECT_TRUE(
+        dry.errors.starts_with("brindle: cannot read the directory " + computer_ + "/directory.db: "));
+    EXPECT_TRUE(dry.errors.ends_with(real.errors));
+}
+
 TEST_F(DryRun, NamesTheRootThatItWouldMake) {
     const std::string commands = "start\ntype smbNetBiosName ONE\nplan send updateSMBProperties:\n";
     expectSame(commands, computer_ + "/Shared/Example");

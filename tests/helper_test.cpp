@@ -1,10 +1,7 @@
 #include "platform/foundation/NSFileManager.h"
 #include "platform/samba/SambaAccounts.h"
 #include "platform/security/HelperProtocol.h"
-#include "platform/security/SudoAuthority.h"
-#include "privileged/NiutilTask.h"
 #include "support/HelperFixture.h"
-#include "support/ScratchAdministrator.h"
 #include "support/Subprocess.h"
 #include "tools/HelperFolders.h"
 
@@ -12,9 +9,6 @@
 #include <fstream>
 #include <sstream>
 #include <tuple>
-
-#include <pwd.h>
-#include <sys/wait.h>
 
 namespace {
 
@@ -261,36 +255,6 @@ TEST_F(HelperTest, StartsNothingForARequestThatItRefuses) {
     }
     EXPECT_EQ(runProgram({helperProgram, "--root", root_.folder()}, whole).output,
               std::string("\x06\0\0\0\0\0", 6));
-}
-
-TEST_F(HelperTest, ActsAsRootThroughTheRealSudoOnceThePasswordIsRight) {
-    const ScratchAdministrator administrator;
-    if (!administrator.missing().empty()) {
-        GTEST_SKIP() << administrator.missing();
-    }
-    fs::permissions(test_.root(), fs::perms(0755));
-    const std::string helper = (test_.root() / "brindle-helper").string(); // where that account can find it
-    fs::copy_file(helperProgram, helper);
-    const fs::path shared = folder("shared");
-    platform::Services services = test_.host().services();
-    services.authority = std::make_shared<platform::SudoAuthority>(helper);
-    const platform::Host host(std::move(services));
-    EXPECT_TRUE(administrator.does([&] {
-        test_.answerAlert("Changes Are Not Allowed", "OK");
-        NiutilTask& task = NiutilTask::sharedInstance();
-        test_.passwords = {"wrong", administrator.password()};
-        // Others may write to the parent of the test's folder.
-        const bool refused = !task.authenticate() && test_.administratorDialogs == 0;
-        ::setenv("BRINDLE_DEVELOPMENT", "1", 1);
-        const bool asked =
-            refused && !task.isAuthenticated() && task.authenticate() && test_.administratorDialogs == 2;
-        task.changePermissions(shared.string(), "nobody", "", 0751);
-        const bool quiet = test_.log.size() == 1; // the refusal
-        task.deauthenticate();
-        return asked && quiet && !task.isAuthenticated();
-    }));
-    EXPECT_EQ(modeOf(shared), 0751U);
-    EXPECT_EQ(statusOf(shared).st_uid, ::getpwnam("nobody")->pw_uid);
 }
 
 } // namespace

@@ -201,8 +201,7 @@ TEST_P(OneUndo, IsRefusedForAPasswordInsteadOfTakingTheChangeBeforeItBack) {
     act("setPassword:");
     host.runs.clear();
     EXPECT_EQ(undo(),
-              "There is nothing that could be taken back: a password that was replaced is not known any "
-              "more.");
+              "There is nothing that could be taken back: a password that was replaced is no longer known.");
     EXPECT_EQ(history->titleOfNextUndo(), "");
     EXPECT_EQ(titles(),
               (std::vector<std::string>{"2 Password of \"bob\" set done", "1 Group \"crew\" created done"}));

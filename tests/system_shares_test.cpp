@@ -73,6 +73,21 @@ TEST_F(SystemShares, AreNotMadeFromAFolderThatAnybodyCouldReplace) {
     EXPECT_EQ(contents(smbConf), stock);
 }
 
+TEST_F(SystemShares, AreTakenBackWithoutAFolderThatAnybodyCouldReplaceByThen) {
+    const std::string stock = contents(smbConf);
+    const fs::path parent = folder_;
+    folder_ += "/inside";
+    fs::create_directory(folder_);
+    script(makeDocs());
+    const fs::perms shared = fs::status(folder_).permissions();
+    fs::permissions(parent, fs::perms(0777));
+    const std::string taken = script("undo\n");
+    EXPECT_TRUE(contains(taken, "Anybody could replace the folder " + folder_)) << taken;
+    EXPECT_EQ(fs::status(folder_).permissions(), shared);
+    EXPECT_NE(shared, fs::perms(0755)) << "the share changed nothing that could be taken back";
+    EXPECT_EQ(contents(smbConf), stock);
+}
+
 TEST_F(SystemShares, KeepWhatSomebodyElseHasWrittenMeanwhile) {
     // Between the start and the action, as with an editor.
     const std::string music = "\n[Music]\n   path = /srv/music ; all of it\n";

@@ -65,7 +65,7 @@ class SystemSudo : public InstalledBrindle {
         platform::Host host(std::move(services));
         NiutilTask& task = NiutilTask::sharedInstance();
         const bool isAllowed = task.authenticate();
-        task.changePermissions(folder, "", "", isAllowed ? 0751 : 0700);
+        task.changePermissions(folder, "nobody", "", isAllowed ? 0751 : 0700);
         host.endAction();
         std::string text;
         const auto compare = [&text](const char* what, auto found, auto wanted) {
@@ -98,6 +98,8 @@ TEST_F(SystemSudo, IsAskedAccordingToItsConfiguration) {
         std::filesystem::permissions(folder_, std::filesystem::perms(0755));
         EXPECT_EQ(differenceFrom(each.attempt, folder_), "\n") << each.rule;
         EXPECT_EQ(std::filesystem::status(folder_).permissions(), std::filesystem::perms(0751)) << each.rule;
+        EXPECT_EQ(ownerOf(folder_), "nobody");
+        EXPECT_EQ(::chown(folder_.c_str(), 0, 0), 0);
     }
     // A user whom sudo does not know is told so, once.
     EXPECT_TRUE(platform::writeWholeFile("/etc/sudoers.d/chief", "# nobody\n", {.mode = 0440}).isOk());

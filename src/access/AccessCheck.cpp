@@ -163,7 +163,7 @@ bool AccessCheck::logOn(Visit& visit) {
         visit.isGuest = true;
         visit.answer.notes.push_back(stringWithFormat(
             NSLocalizedString(
-                "%@ has no password for shares, and so comes in as the guest (\"map to guest\")."),
+                "%@ has no password for shares, and so connects as the guest (\"map to guest\")."),
             user));
         return true;
     }
@@ -391,8 +391,9 @@ void AccessCheck::judgeFolder(Visit& visit) {
 void AccessCheck::noteWhatIsNotJudged(Visit& visit) const {
     for (const char* key : {"hosts allow", "hosts deny", "username map", "veto files", "max connections"}) {
         if (const auto value = visit.share->text(key); !value.empty()) {
-            visit.answer.notes.push_back(stringWithFormat(NSLocalizedString("\"%@ = %@\" was not judged."),
-                                                          std::string(key), std::string(value)));
+            visit.answer.notes.push_back(
+                stringWithFormat(NSLocalizedString("\"%@ = %@\" was not taken into account."),
+                                 std::string(key), std::string(value)));
         }
     }
 }

@@ -25,7 +25,6 @@ struct Finding {
     std::string remedy; ///< the command that mends it, or what to do; empty when there is nothing to do
     std::optional<std::string> share = std::nullopt; ///< the share concerned, as the window names it
     std::optional<std::string> user = std::nullopt;  ///< the user concerned
-    bool isRemedyForOne = false; ///< the finding is about several users, and the remedy is the first one's
 };
 
 struct Examination {

@@ -160,6 +160,17 @@ void Examiner::findNoLogOn(const User& user, bool isDisabled) {
           .user = user.name});
 }
 
+std::string Examiner::passwordCommand(const std::vector<std::string>& users) const {
+    if (users.size() == 1) {
+        return command({"users", "password", users.front()});
+    }
+    std::string loop = "for user in";
+    for (const std::string& user : users) {
+        loop += " " + platform::shellWord(user);
+    }
+    return loop + "; do " + command({"users", "password"}) + " \"$user\"; done";
+}
+
 void Examiner::examinePasswords() {
     if (!host_.root && ::geteuid() != 0) {
         found_.notes.push_back(
@@ -205,8 +216,7 @@ void Examiner::examinePasswords() {
                   NSLocalizedString("Users who have no Samba password and cannot connect over SMB: %@ (%@)."),
                   std::to_string(without.size()), joined(without)),
               .where = NSLocalizedString("Samba's password database"),
-              .remedy = command({"users", "password", without.front()}),
-              .isRemedyForOne = without.size() > 1});
+              .remedy = passwordCommand(without)});
     }
     for (const auto& [name, user] : known) {
         if (hasDirectory_) {

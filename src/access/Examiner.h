@@ -88,6 +88,8 @@ class Examiner {
 
     /// A command of Brindle's own, made of these words, each quoted where necessary.
     [[nodiscard]] std::string command(std::initializer_list<std::string> words) const;
+    /// A command line that sets the password of each of these users.
+    [[nodiscard]] std::string passwordCommand(const std::vector<std::string>& users) const;
 
     /// A command of the directory's own tool, for records that no command of Brindle's lists.
     [[nodiscard]] std::string deleteCommand(const std::string& record) const;

@@ -29,7 +29,7 @@ bool isShare(const RecordPath& path) {
 
 std::string ruleBrokenByAccountName(const std::string& name) {
     if (name.find_first_of(",:/") != std::string::npos) {
-        return "an account's name may hold no comma, no colon and no /; leave them out";
+        return "an account's name must not contain a comma, a colon or a /; leave it out";
     }
     return {};
 }
@@ -42,10 +42,10 @@ bool isSameSection(std::string name, std::string_view section) {
 
 std::string ruleBrokenByShareName(const std::string& name) {
     if (name.find_first_of("[]") != std::string::npos) {
-        return "a share's name may hold no [ and no ]; leave them out";
+        return "a share's name must contain neither [ nor ]; leave them out";
     }
     if (name.starts_with(' ') || name.ends_with(' ')) {
-        return "a share's name may not begin or end with a blank; leave it out";
+        return "a share's name must not begin or end with a blank; leave it out";
     }
     // Such a section applies to other shares too, and would be rewritten or removed with this one.
     constexpr std::array<std::string_view, 4> reserved{"global", "globals", "homes", "printers"};
@@ -59,23 +59,23 @@ std::string ruleBrokenByShareName(const std::string& name) {
 std::string ruleBrokenByName(const RecordPath& path) {
     const std::string& name = path.back();
     if (name.empty()) {
-        return "a record's name may not be empty; give it one";
+        return "a record's name must not be empty; give it one";
     }
     if (name.find('/') != std::string::npos) {
-        return "a record's name may hold no /; leave it out";
+        return "a record's name must not contain a /; leave it out";
     }
     if (hasControlCharacter(name)) {
-        return "a name may hold no control character; leave it out";
+        return "a name must not contain a control character; leave it out";
     }
     if (isAccount(path)) {
-        return path.size() > accountDepth
-                   ? "an account's name may hold no /, and no record stands below an account; leave it out"
-                   : ruleBrokenByAccountName(name);
+        return path.size() > accountDepth ? "an account's name must not contain a /, and there are no "
+                                            "records below an account; leave it out"
+                                          : ruleBrokenByAccountName(name);
     }
     if (isShare(path)) {
-        return path.size() > shareDepth
-                   ? "a share's name may hold no /, and no record stands below a share; leave it out"
-                   : ruleBrokenByShareName(name);
+        return path.size() > shareDepth ? "a share's name must not contain a /, and there are no records "
+                                          "below a share; leave it out"
+                                        : ruleBrokenByShareName(name);
     }
     return {};
 }
@@ -84,10 +84,10 @@ std::string ruleBrokenByName(const RecordPath& path) {
 /// backslash at its end joins the next line: another folder would be served.
 std::string ruleBrokenByFolder(const std::string& folder) {
     if (folder.ends_with('\\')) {
-        return "a share's folder may not end in a backslash; choose another folder";
+        return "a share's folder must not end in a backslash; choose another folder";
     }
     if (folder.starts_with(' ') || folder.ends_with(' ')) {
-        return "a share's folder may not begin or end with a blank; choose another folder";
+        return "a share's folder must not begin or end with a blank; choose another folder";
     }
     return {};
 }
@@ -105,10 +105,10 @@ std::string firstBroken(Values values, std::string (*rule)(const std::string&)) 
 /// The rules for a property of the record at `path` and values written to it.
 std::string ruleBrokenByValues(const RecordPath& path, const std::string& property, Values values) {
     if (property.empty()) {
-        return "a property's name may not be empty; give it one";
+        return "a property's name must not be empty; give it one";
     }
     if (hasControlCharacter(property) || std::ranges::any_of(values, hasControlCharacter)) {
-        return "a property may hold no control character; leave it out";
+        return "a property must not contain a control character; leave it out";
     }
     if (isShare(path) && property == "directory_path") {
         return firstBroken(values, ruleBrokenByFolder);

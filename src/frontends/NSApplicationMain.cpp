@@ -105,10 +105,17 @@ Result<platform::Services> makeDryServices(Options options, ScratchRoot& scratch
             root = *made;
         }
     }
-    const auto services = makeServices(options);
-    return services.isOk()
-               ? review::servicesOnCopies(*services, options.host.system ? std::string() : options.host.root)
-               : services;
+    const auto real = makeServices(options);
+    if (!real.isOk()) {
+        return real;
+    }
+    Status directory;
+    auto services = review::servicesOnCopies(*real, options.host.system ? "" : options.host.root, &directory);
+    if (services.isOk() && !directory.isOk()) {
+        std::cerr << "brindle: " << directory.text()
+                  << '\n'; // the script sees empty lists, as the real one does
+    }
+    return services;
 }
 
 using Server = std::unique_ptr<platform::EmbeddedServer>;

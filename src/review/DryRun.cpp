@@ -43,10 +43,15 @@ class DryRunAuthority : public platform::Authority {
 
 } // namespace
 
-platform::Result<platform::Services> servicesOnCopies(const platform::Services& real,
-                                                      const std::string& root) {
+platform::Result<platform::Services> servicesOnCopies(const platform::Services& real, const std::string& root,
+                                                      platform::Status* directory) {
     const platform::Host host(real); // the copies are made from this host
-    const auto copy = WorkingCopy::make();
+    bool lacksDirectory = false;
+    auto copy = WorkingCopy::make(&lacksDirectory);
+    if (!copy.isOk() && lacksDirectory) {
+        *directory = copy.status();
+        copy = WorkingCopy::makeWithUnreadableDirectory(*directory);
+    }
     if (!copy.isOk()) {
         return copy.status();
     }

@@ -1,6 +1,7 @@
 #include "review/HistoryEntry.h"
 
 #include "model/SMBConf.h"
+#include "platform/foundation/Host.h"
 #include "platform/foundation/NSBundle.h"
 #include "platform/foundation/NSString.h"
 #include "platform/foundation/SystemPaths.h"
@@ -219,9 +220,12 @@ std::string titleOf(const HistoryEntry& entry) {
                                     quoted(path.substr(path.rfind('/') + 1)));
         }
     }
-    return entry.files.empty()
-               ? NSLocalizedString("Nothing changed")
-               : stringWithFormat(NSLocalizedString("%@ rewritten"), quoted(entry.files.front().path));
+    if (entry.files.empty()) {
+        return NSLocalizedString("Nothing changed");
+    }
+    const platform::Paths& paths = platform::Host::current().paths();
+    return stringWithFormat(NSLocalizedString("%@ rewritten"),
+                            quoted(paths.shown(paths.map(entry.files.front().path))));
 }
 
 } // namespace review

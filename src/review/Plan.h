@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -23,6 +24,9 @@ struct PlannedRun {
     std::vector<std::string> arguments;
     std::string output; ///< what the tool would write; empty when it would succeed
 };
+
+/// A tool run as a line for a person to read.
+[[nodiscard]] std::string runText(const std::string& tool, std::span<const std::string> arguments);
 
 /// A line that is removed from a text or added to it.
 struct LineChange {

@@ -99,6 +99,14 @@ std::string sentenceOf(const PlannedRun& run) {
 
 } // namespace
 
+std::string runText(const std::string& tool, std::span<const std::string> arguments) {
+    std::string text = tool;
+    for (const std::string& argument : arguments) {
+        text += ' ' + argument;
+    }
+    return text;
+}
+
 std::vector<std::string> sentencesOf(const Plan& plan) {
     std::vector<std::string> sentences;
     for (const PlannedAsk& ask : plan.asks) {

@@ -102,7 +102,7 @@ class UndoPlanner {
             refuse(NSLocalizedString("What it did cannot be read: this entry of the history is damaged."));
         } else if (!entry.canComeBack()) {
             refuse(NSLocalizedString("There is nothing that could be taken back: a password that was "
-                                     "replaced is not known any more."));
+                                     "replaced is no longer known."));
         }
         if (!entry.records.empty() && !directory_.isReadable()) {
             refuse(NSLocalizedString(
@@ -169,12 +169,12 @@ class UndoPlanner {
         if (!record.before) {
             plan_.records.push_back(niclRun("-delete", record.path));
             if (isUser) {
-                lose(NSLocalizedString("The password of %@ goes with the user."), name);
+                lose(NSLocalizedString("The password of %@ is removed with the user."), name);
             }
         } else if (!now) {
             addRecord(record.path, *record.before, &plan_.records);
             if (isUser) {
-                lose(NSLocalizedString("The password of %@ does not come back: set a new one."), name);
+                lose(NSLocalizedString("The password of %@ cannot be restored: set a new one."), name);
             }
         } else {
             restoreProperties(record.path, *now, *record.before, &plan_.records);
@@ -215,7 +215,7 @@ class UndoPlanner {
         }
         plan_.files.push_back(file);
         if (!file.before) {
-            lose(NSLocalizedString("There was no file %@ before: an empty one stays."), real);
+            lose(NSLocalizedString("There was no file %@ before: an empty one remains."), real);
         }
     }
 
@@ -295,11 +295,9 @@ std::string cannotTakeBack() {
 }
 
 Status failedRun(const PlannedRun& run) {
-    std::string text = run.tool;
-    for (const std::string& argument : run.arguments) {
-        text += " " + argument;
-    }
-    return Status::failure(cannotTakeBack(), {}, stringWithFormat(NSLocalizedString("failed: %@"), text));
+    return Status::failure(
+        cannotTakeBack(), {},
+        stringWithFormat(NSLocalizedString("failed: %@"), runText(run.tool, run.arguments)));
 }
 
 Status carryOutRuns(const std::vector<PlannedRun>& runs) {

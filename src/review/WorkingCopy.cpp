@@ -1,5 +1,6 @@
 #include "review/WorkingCopy.h"
 
+#include "directory/DirectoryView.h"
 #include "platform/foundation/Host.h"
 #include "platform/foundation/NSFileManager.h"
 #include "platform/foundation/NSLog.h"
@@ -47,7 +48,8 @@ constexpr int waitSeconds = 30;
 class CopiedPaths : public platform::Paths {
   public:
     CopiedPaths(const platform::Services& original, std::string folder)
-        : original_(original.paths), history_(original.historyFile), folder_(std::move(folder)) {}
+        : original_(original.paths), history_(original.historyFile),
+          store_(original.localDomain->storeFile()), folder_(std::move(folder)) {}
 
     [[nodiscard]] std::string map(const std::string& path) const override {
         for (const char* each : settingsFiles) {
@@ -72,6 +74,7 @@ class CopiedPaths : public platform::Paths {
         }
         return original_->shown(file == folder_ + defaultsName  ? original_->defaultsFile()
                                 : file == folder_ + historyName ? history_
+                                : file == folder_ + storeName   ? store_
                                                                 : file);
     }
 
@@ -98,6 +101,7 @@ class CopiedPaths : public platform::Paths {
 
     std::shared_ptr<platform::Paths> original_;
     std::string history_;
+    std::string store_;
     std::string folder_;
 };
 
@@ -164,6 +168,18 @@ Result<std::shared_ptr<WorkingCopy>> WorkingCopy::make(bool* lacksDirectory) {
                                             waitSeconds, &isUnreadable);
     if (lacksDirectory != nullptr) {
         *lacksDirectory = isUnreadable;
+    }
+    return status.isOk() ? std::move(copy) : status;
+}
+
+Result<std::shared_ptr<WorkingCopy>> WorkingCopy::makeWithUnreadableDirectory(const Status& why) {
+    auto copy = makeWithoutDirectory();
+    if (!copy.isOk()) {
+        return copy;
+    }
+    Status status = copyFileIfThere((*copy)->original_.localDomain->storeFile(), (*copy)->storeFile());
+    if (status.isOk() && DirectoryView((*copy)->storeFile()).isReadable()) {
+        status = why;
     }
     return status.isOk() ? std::move(copy) : status;
 }

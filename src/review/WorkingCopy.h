@@ -25,6 +25,10 @@ class WorkingCopy : public std::enable_shared_from_this<WorkingCopy> {
     [[nodiscard]] static platform::Result<std::shared_ptr<WorkingCopy>> make(bool* lacksDirectory = nullptr);
     /// The same without the directory, for actions that do not touch it.
     [[nodiscard]] static platform::Result<std::shared_ptr<WorkingCopy>> makeWithoutDirectory();
+    /// The same with the file of a directory that cannot be read, so that the copy cannot be read either.
+    /// Fails when the copy can, because then the original was only in use.
+    [[nodiscard]] static platform::Result<std::shared_ptr<WorkingCopy>>
+    makeWithUnreadableDirectory(const platform::Status& why);
     ~WorkingCopy() = default;
     WorkingCopy(const WorkingCopy&) = delete;
     WorkingCopy& operator=(const WorkingCopy&) = delete;

@@ -75,12 +75,8 @@ std::string CommandRun::text(const std::string& field) const {
 
 std::string CommandRun::cell(const std::string& table, const std::string& column, int row) const {
     auto& view = control<NSTableView>(table);
-    for (const NSTableColumn& each : view.tableColumns()) {
-        if (each.identifier == column) {
-            return view.objectValue(each, row);
-        }
-    }
-    return {};
+    const NSTableColumn* found = view.tableColumnWithIdentifier(column);
+    return found == nullptr ? std::string() : view.objectValue(*found, row);
 }
 
 int CommandRun::rowOf(const std::string& table, const std::string& column, const std::string& value) const {

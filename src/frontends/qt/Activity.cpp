@@ -3,6 +3,7 @@
 #include "frontends/qt/Binding.h"
 #include "platform/foundation/NSBundle.h"
 #include "platform/foundation/SystemPaths.h"
+#include "review/Plan.h"
 
 #include <utility>
 
@@ -32,11 +33,7 @@ void Activity::add(ActivityEntry::Kind kind, std::string text) {
 }
 
 void Activity::toolWillRun(const std::string& tool, std::span<const std::string> arguments) {
-    std::string text = tool;
-    for (const std::string& argument : arguments) {
-        text += ' ' + argument;
-    }
-    add(ActivityEntry::Kind::Run, std::move(text));
+    add(ActivityEntry::Kind::Run, review::runText(tool, arguments));
     readsOutput_ = tool == platform::systempath::smbstatus;
     runs_ += readsOutput_ ? 0 : 1;
 }

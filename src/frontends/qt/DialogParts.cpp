@@ -80,14 +80,6 @@ QPushButton* addButton(QDialogButtonBox& buttons, const QString& title) {
     return button;
 }
 
-QString runLine(const std::string& tool, const std::vector<std::string>& arguments) {
-    QString line = shown(tool);
-    for (const std::string& argument : arguments) {
-        line += QLatin1Char(' ') + shown(argument);
-    }
-    return line + QLatin1Char('\n');
-}
-
 QString changedLines(const std::vector<review::LineChange>& changes) {
     QString lines;
     for (const review::LineChange& change : changes) {

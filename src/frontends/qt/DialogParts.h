@@ -7,7 +7,6 @@
 #include <QPushButton>
 #include <QTreeWidget>
 
-#include <string>
 #include <vector>
 
 namespace frontend {
@@ -27,9 +26,6 @@ namespace frontend {
 
 /// Adds another button to that row.
 QPushButton* addButton(QDialogButtonBox& buttons, const QString& title);
-
-/// Returns a line with the run as a person would type it.
-[[nodiscard]] QString runLine(const std::string& tool, const std::vector<std::string>& arguments);
 
 /// Returns the lines that a file loses and gains, with "- " or "+ " before each.
 [[nodiscard]] QString changedLines(const std::vector<review::LineChange>& changes);

@@ -35,10 +35,8 @@ std::string nameHint(const InterfaceNode& node, const NSTextField& field, const 
     if (table == nullptr || tableNode == nullptr || name.empty() || !field.isEdited()) {
         return {};
     }
-    const auto& columns = table->tableColumns();
-    const auto column =
-        std::ranges::find(columns, tableNode->attribute("nameColumn"), &NSTableColumn::identifier);
-    if (column == columns.end()) {
+    const NSTableColumn* column = table->tableColumnWithIdentifier(tableNode->attribute("nameColumn"));
+    if (column == nullptr) {
         return {};
     }
     const std::string selected =

@@ -138,8 +138,7 @@ void FindingsDialog::showFinding() {
         const Finding& finding = found_.findings[static_cast<std::size_t>(row)];
         text = shown(finding.text + "\n" + placeOf(finding));
         if (!finding.remedy.empty()) {
-            const char* heading = finding.isRemedyForOne ? "How to fix it, for example:" : "How to fix it:";
-            text += shown("\n\n" + NSLocalizedString(heading) + "\n" + finding.remedy);
+            text += shown("\n\n" + NSLocalizedString("How to fix it:") + "\n" + finding.remedy);
         }
     }
     for (const std::string& note : found_.notes) {

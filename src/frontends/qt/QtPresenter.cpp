@@ -15,6 +15,7 @@
 #include "frontends/qt/WindowDrop.h"
 #include "frontends/qt/WindowHistory.h"
 #include "frontends/qt/WindowInquiries.h"
+#include "frontends/qt/WindowNames.h"
 #include "frontends/qt/WindowPages.h"
 #include "frontends/qt/WindowPlace.h"
 #include "frontends/qt/WindowReview.h"
@@ -251,7 +252,7 @@ void QtPresenter::interfaceDidLoad(Interface& interface) {
         if (window->kind() == NSWindowKind::Main && mainWidget_ == nullptr) {
             mainWidget_ = &views_.back()->widget();
             auto* main = qobject_cast<QMainWindow*>(mainWidget_);
-            auto* tabs = dynamic_cast<NSTabView*>(interface.find("mainTabView"));
+            auto* tabs = actions_.back()->find<NSTabView>(pagesOfWindow);
             if (main != nullptr && manner_ == QtFrontend::Manner::Interactive) {
                 new WindowPlace(*window, tabs, *main); // the window's child
             }
@@ -274,8 +275,8 @@ void QtPresenter::useReviewer(review::Reviewer& reviewer) {
         status_ = new WindowStatus(activity_, *window, *actions_.front(), *queue_); // the same
         status_->setSections([&reviewer](const std::string& name) { return reviewer.hasSection(name); });
         const auto& computer = platform::Host::current().services().computer;
-        auto* tabs = dynamic_cast<NSTabView*>(interfaces_.front()->find("mainTabView"));
-        auto* users = dynamic_cast<NSTableView*>(interfaces_.front()->find("userTableView"));
+        auto* tabs = actions_.front()->find<NSTabView>(pagesOfWindow);
+        auto* users = actions_.front()->find<NSTableView>(userTable);
         if (tabs != nullptr) {
             new WindowDrop(*tabs, *window, *actions_.front()); // the same
         }
@@ -296,9 +297,8 @@ void QtPresenter::useHistory(const review::History& history) {
         saved_ = status_->saved.connect(
             [changes](const std::string& operation) { changes->noteSaved(operation); });
         progress_->setStop([&history](bool madeStill) { history.stopAction(madeStill); });
-        status_->useHistory(history, *menu, [changes, window](std::int64_t number) {
-            static_cast<void>(changes->takeBack(number, window)); // the result is shown to the user
-        });
+        status_->useHistory(history, *menu,
+                            [changes, window](std::int64_t number) { changes->takeBack(number, window); });
     }
 }
 
@@ -310,13 +310,9 @@ void QtPresenter::useServer(ShareServer server) {
 
 void QtPresenter::useDoctor(accesscheck::ExaminedHost host) {
     auto* window = qobject_cast<QMainWindow*>(mainWidget_);
-    auto* shares = interfaces_.empty()
-                       ? nullptr
-                       : dynamic_cast<NSTableView*>(interfaces_.front()->find("normalTableView"));
-    auto* users = interfaces_.empty()
-                      ? nullptr
-                      : dynamic_cast<NSTableView*>(interfaces_.front()->find("userTableView"));
-    if (window != nullptr && shares != nullptr && users != nullptr) {
+    auto* shares = window == nullptr ? nullptr : actions_.front()->find<NSTableView>(shareTable);
+    auto* users = window == nullptr ? nullptr : actions_.front()->find<NSTableView>(userTable);
+    if (shares != nullptr && users != nullptr) {
         inquiries_ = new WindowInquiries(std::move(host), *shares, *users, *window, review_, *queue_);
     }
 }

@@ -60,7 +60,7 @@ QLabel* sentenceList(const std::vector<std::string>& sentences, const char* elem
 QString detailsOf(const review::Plan& plan) {
     QString text;
     for (const review::PlannedRun& run : plan.runs) {
-        text += runLine(run.tool, run.arguments);
+        text += shown(review::runText(run.tool, run.arguments) + "\n");
     }
     if (!plan.smbConfLines.empty()) {
         text += QLatin1String("\n/etc/smb.conf\n");

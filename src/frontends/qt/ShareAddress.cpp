@@ -2,8 +2,6 @@
 
 #include <QUrl>
 
-#include <algorithm>
-
 namespace frontend {
 
 namespace {
@@ -20,9 +18,8 @@ std::string afpAddress(const ShareServer& server) {
 } // namespace
 
 std::string valueOf(NSTableView& table, const char* identifier, int row) {
-    const auto& columns = table.tableColumns();
-    const auto column = std::ranges::find(columns, identifier, &NSTableColumn::identifier);
-    return column == columns.end() ? std::string() : table.objectValue(*column, row);
+    const NSTableColumn* column = table.tableColumnWithIdentifier(identifier);
+    return column == nullptr ? std::string() : table.objectValue(*column, row);
 }
 
 std::string smbAddressOf(const ShareServer& server, const std::string& share) {

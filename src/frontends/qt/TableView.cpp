@@ -62,9 +62,7 @@ std::vector<int> rowsOf(const TableModel& model, const QItemSelection& selection
 } // namespace
 
 TableView::TableView(NSTableView& table, const std::string& nameColumn, RefreshQueue& queue)
-    : table_(table), queue_(queue), model_(table) {
-    const auto named = std::ranges::find(table.tableColumns(), nameColumn, &NSTableColumn::identifier);
-    nameColumn_ = named == table.tableColumns().end() ? nullptr : &*named;
+    : table_(table), queue_(queue), model_(table), nameColumn_(table.tableColumnWithIdentifier(nameColumn)) {
     setModel(&model_);
     setSelectionBehavior(SelectRows);
     setSelectionMode(table.allowsMultipleSelection() ? ExtendedSelection : SingleSelection);

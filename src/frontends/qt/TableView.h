@@ -91,7 +91,7 @@ class TableView : public QTableView {
     NSTableView& table_;
     RefreshQueue& queue_;
     TableModel model_;
-    const NSTableColumn* nameColumn_ = nullptr;
+    const NSTableColumn* nameColumn_; ///< null when rows have no names
     Binding* reloaded_ = nullptr;
     std::function<std::set<std::string>()> namesLeftOut_;
     std::string filter_;

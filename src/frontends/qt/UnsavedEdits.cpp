@@ -1,6 +1,7 @@
 #include "frontends/qt/UnsavedEdits.h"
 
 #include "frontends/qt/NodeAttributes.h"
+#include "frontends/qt/WindowNames.h"
 #include "platform/appkit/NSControl.h"
 #include "platform/foundation/NSBundle.h"
 #include "review/Operations.h"
@@ -52,7 +53,7 @@ pagesOf(const platform::Interface& interface) {
     platform::visitNodes(interface.root(), [&pages](const platform::InterfaceNode& each) {
         if (each.kind == platform::InterfaceKind::Drawer) {
             pages.emplace_back(&each, NSLocalizedString("Share"));
-        } else if (each.element != nullptr && each.element->name() == "mainTabView") {
+        } else if (each.element != nullptr && each.element->name() == pagesOfWindow) {
             for (const auto& page : each.children) {
                 pages.emplace_back(page.get(), page->attribute("label"));
             }

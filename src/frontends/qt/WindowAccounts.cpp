@@ -3,6 +3,7 @@
 #include "frontends/qt/Binding.h"
 #include "frontends/qt/Menus.h"
 #include "frontends/qt/TableView.h"
+#include "frontends/qt/WindowNames.h"
 #include "platform/appkit/NSButton.h"
 #include "platform/foundation/NSUserDefaults.h"
 
@@ -15,9 +16,6 @@ namespace frontend {
 namespace {
 
 constexpr const char* settingKey = "BrindleShowSystemAccounts";
-constexpr const char* userTable = "userTableView";
-constexpr const char* groupTable = "groupTableView";
-constexpr const char* memberTable = "groupUsersTableView"; // the users that can be added to a group
 constexpr const char* groupPagesBox = "showSystemUsersGroups3";
 
 } // namespace

@@ -14,7 +14,6 @@
 
 #include <QMenu>
 
-#include <algorithm>
 #include <filesystem>
 #include <system_error>
 
@@ -288,9 +287,8 @@ void WindowActions::showNothingForMissingNumbers(NSTableView& table) const {
         if (menu == nullptr || each.attribute("rowOf") != table.name()) {
             return;
         }
-        const auto& columns = table.tableColumns();
-        const auto shown = std::ranges::find(columns, each.attribute("column"), &NSTableColumn::identifier);
-        if (shown != columns.end() && !beginsWithInteger(table.objectValue(*shown, row))) {
+        const NSTableColumn* shown = table.tableColumnWithIdentifier(each.attribute("column"));
+        if (shown != nullptr && !beginsWithInteger(table.objectValue(*shown, row))) {
             menu->selectItemAtIndex(-1);
         }
     });

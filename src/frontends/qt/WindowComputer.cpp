@@ -3,21 +3,18 @@
 #include "frontends/qt/Binding.h"
 #include "frontends/qt/ElidedLabel.h"
 #include "frontends/qt/TableView.h"
+#include "frontends/qt/WindowNames.h"
 #include "platform/foundation/NSBundle.h"
 
 #include <QPushButton>
 #include <QStatusBar>
 #include <QTimer>
 
-#include <algorithm>
-
 namespace frontend {
 
 namespace {
 
-constexpr int milliseconds = 3000; // how often to look: a server may start or end at any time
-constexpr int afpPage = 3;
-constexpr const char* userTable = "userTableView";
+constexpr int lookInterval = 3000; // milliseconds: a server may start or end at any time
 constexpr const char* sharedColumn = "Public Shared";
 
 } // namespace
@@ -41,16 +38,15 @@ WindowComputer::WindowComputer(const platform::Computer& computer, NSTabView& ta
     new Binding(state_, queue, tabs.changed, [this] { showState(); });
     auto* timer = new QTimer(this);
     connect(timer, &QTimer::timeout, this, [this] { showState(); });
-    timer->start(milliseconds);
+    timer->start(lookInterval);
     showState();
 }
 
 void WindowComputer::markUsers() {
     // The page of the users is built when it is first shown.
     auto* table = marked_ ? nullptr : window_.findChild<TableView*>(userTable);
-    const auto& columns = users_.tableColumns();
-    const auto shared = std::ranges::find(columns, sharedColumn, &NSTableColumn::identifier);
-    if (table == nullptr || shared == columns.end()) {
+    const NSTableColumn* shared = users_.tableColumnWithIdentifier(sharedColumn);
+    if (table == nullptr || shared == nullptr) {
         return;
     }
     marked_ = true;

@@ -1,5 +1,7 @@
 #include "frontends/qt/WindowDrop.h"
 
+#include "frontends/qt/WindowNames.h"
+
 #include <QDir>
 #include <QDropEvent>
 #include <QFileInfo>
@@ -7,12 +9,6 @@
 #include <QUrl>
 
 namespace frontend {
-
-namespace {
-
-constexpr int sharesPage = 0;
-
-} // namespace
 
 QString draggedFolder(const QMimeData& data) {
     const QList<QUrl> urls = data.urls();
@@ -44,7 +40,7 @@ bool WindowDrop::eventFilter(QObject* watched, QEvent* event) {
     drop->accept();
     if (type == QEvent::Drop) {
         const std::string path = folder.toStdString();
-        actions_.beginWith("normalTableView",
+        actions_.beginWith(shareTable,
                            {{"shareName", QFileInfo(folder).fileName().toStdString()}, {"directory", path}});
     }
     return true;

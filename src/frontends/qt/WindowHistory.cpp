@@ -7,7 +7,6 @@
 #include "platform/appkit/NSAlert.h"
 #include "platform/foundation/NSBundle.h"
 #include "platform/foundation/NSString.h"
-#include "platform/foundation/SystemPaths.h"
 #include "review/TextDifference.h"
 
 #include <QDateTime>
@@ -32,21 +31,6 @@ void showProblem(const std::string& title, const std::string& text) {
     NSRunAlertPanel(title, "%@", NSLocalizedString("OK"), std::nullopt, std::nullopt, text);
 }
 
-/// Returns an undo as a plan, so that it is reviewed like any other action.
-review::Plan planOf(const review::UndoPlan& undo) {
-    review::Plan plan;
-    plan.operation = undo.title;
-    for (const std::string& loss : undo.losses) {
-        plan.warnings.push_back({"lost", loss});
-    }
-    plan.runs = undo.records;
-    for (const review::FileChange& file : undo.files) {
-        plan.runs.push_back({platform::systempath::cp, {"", file.path}, ""});
-    }
-    plan.runs.insert(plan.runs.end(), undo.folders.begin(), undo.folders.end());
-    return plan;
-}
-
 QString outcomeText(const review::HistoryEntry& entry) {
     if (entry.isDamaged) {
         return localized("damaged");
@@ -65,7 +49,7 @@ std::string_view textOf(const std::optional<std::string>& bytes) {
 QString detailsOf(const review::HistoryEntry& entry) {
     QString text;
     for (const review::PastRun& run : entry.runs) {
-        text += runLine(run.tool, run.arguments);
+        text += shown(review::runText(run.tool, run.arguments) + "\n");
         if (!run.output.empty()) {
             text += QLatin1String("    ") + shown(run.output).trimmed() + QLatin1Char('\n');
         }
@@ -181,38 +165,46 @@ void WindowHistory::nameUndo() {
                                 : title(stringWithFormat(NSLocalizedString("Undo “%@”"), next)));
 }
 
-bool WindowHistory::takeBack(std::optional<std::int64_t> number, QWidget* parent) {
-    bool isDone = false;
+void WindowHistory::takeBack(std::optional<std::int64_t> number, QWidget* parent) {
     queue_.runUserEvent([&] {
-        const auto plan = history_.describeUndo(number);
-        if (!plan.isOk() || !plan->refusal.empty()) {
+        const auto undo = history_.describeUndo(number);
+        if (!undo.isOk() || !undo->refusal.empty()) {
             showProblem(NSLocalizedString("Not Possible"),
-                        plan.isOk() ? plan->refusal : plan.status().text());
+                        undo.isOk() ? undo->refusal : undo.status().text());
             return;
         }
-        review::Plan steps = planOf(*plan);
-        if (const std::string pages = edits_.pages(); !pages.empty()) {
-            steps.warnings.push_back(
-                {"unsaved",
-                 stringWithFormat(NSLocalizedString("Unsaved changes on these pages will be lost: %@."),
-                                  pages)});
+        const review::Plan plan = planOf(*undo);
+        if (!plan.blocks.empty()) {
+            showPlan(plan, parent);
+            return;
         }
-        const PlanQuestion question{NSLocalizedString("Undo"), plan->question, NSLocalizedString("Yes"),
+        const PlanQuestion question{NSLocalizedString("Undo"), undo->question, NSLocalizedString("Yes"),
                                     NSLocalizedString("No")};
-        if (!askAboutPlan(steps, parent, question)) {
+        if (!askAboutPlan(plan, parent, question)) {
             return;
         }
         if (allowed_) {
-            allowed_(steps.runs.size());
+            allowed_(plan.runs.size());
         }
-        const platform::Status status = history_.undo(*plan);
+        const platform::Status status = history_.undo(*undo);
         reviewer_.rereadEverything();
-        isDone = status.isOk();
-        if (!isDone) {
+        if (!status.isOk()) {
             showProblem(NSLocalizedString("Not Taken Back"), status.text());
         }
     });
-    return isDone;
+}
+
+review::Plan WindowHistory::planOf(const review::UndoPlan& undo) const {
+    review::Plan plan = reviewer_.planUndo(undo);
+    for (const std::string& loss : undo.losses) {
+        plan.warnings.push_back({"lost", loss});
+    }
+    if (const std::string pages = edits_.pages(); !pages.empty()) {
+        plan.warnings.push_back(
+            {"unsaved",
+             stringWithFormat(NSLocalizedString("Unsaved changes on these pages will be lost: %@."), pages)});
+    }
+    return plan;
 }
 
 void WindowHistory::showHistory() {

@@ -32,10 +32,12 @@ class WindowHistory : public QObject {
     /// Says that the operation has saved its page.
     void noteSaved(const std::string& operation) { edits_.noteSaved(operation); }
 
-    /// Takes a change back after asking; without a number, the newest. Returns true when it was taken back.
-    bool takeBack(std::optional<std::int64_t> number, QWidget* parent);
+    /// Takes a change back after asking; without a number, the newest.
+    void takeBack(std::optional<std::int64_t> number, QWidget* parent);
 
   private:
+    /// Returns what the undo would do, with warnings of what is lost.
+    [[nodiscard]] review::Plan planOf(const review::UndoPlan& undo) const;
     void nameUndo();
     void showHistory();
 

@@ -16,22 +16,15 @@
 #include <QMenuBar>
 #include <QWidget>
 
-#include <algorithm>
 #include <map>
 
 namespace frontend {
 
 namespace {
 
-const NSTableColumn* columnOf(const NSTableView& table, const char* identifier) {
-    const auto& columns = table.tableColumns();
-    const auto found = std::ranges::find(columns, std::string_view(identifier), &NSTableColumn::identifier);
-    return found == columns.end() ? nullptr : &*found;
-}
-
 std::vector<std::string> namesIn(NSTableView& table, const char* identifier) {
     std::vector<std::string> names;
-    const NSTableColumn* column = columnOf(table, identifier);
+    const NSTableColumn* column = table.tableColumnWithIdentifier(identifier);
     const int rows = column == nullptr ? 0 : table.numberOfRows();
     for (int row = 0; row < rows; ++row) {
         names.push_back(table.objectValue(*column, row));
@@ -40,7 +33,7 @@ std::vector<std::string> namesIn(NSTableView& table, const char* identifier) {
 }
 
 std::optional<std::string> selectedIn(NSTableView& table, const char* identifier) {
-    const NSTableColumn* column = columnOf(table, identifier);
+    const NSTableColumn* column = table.tableColumnWithIdentifier(identifier);
     return column == nullptr || table.selectedRow() < 0
                ? std::nullopt
                : std::optional(table.objectValue(*column, table.selectedRow()));

@@ -2,6 +2,7 @@
 
 #include "frontends/qt/Drawer.h"
 #include "frontends/qt/ScreenRoom.h"
+#include "frontends/qt/WindowNames.h"
 #include "platform/foundation/Host.h"
 #include "platform/foundation/NSString.h"
 #include "platform/foundation/NSUserDefaults.h"
@@ -18,7 +19,7 @@ namespace frontend {
 namespace {
 
 constexpr int settleTime = 300; // milliseconds
-constexpr int drawersPage = 0;
+constexpr int drawersPage = sharesPage;
 
 std::vector<QRect> freeAreas() {
     std::vector<QRect> areas;

@@ -9,6 +9,7 @@
 #include "frontends/qt/ReviewDialog.h"
 #include "frontends/qt/TableView.h"
 #include "frontends/qt/WindowActions.h"
+#include "frontends/qt/WindowNames.h"
 #include "platform/appkit/NSAlert.h"
 #include "platform/appkit/NSApplication.h"
 #include "platform/appkit/NSButton.h"
@@ -40,7 +41,6 @@ namespace frontend {
 namespace {
 
 constexpr const char* reviewAllKey = "BrindleReviewEveryChange";
-constexpr const char* shareTable = "normalTableView";
 constexpr const char* revertOperation = "revertSMBProperties:";
 
 /// Returns the box layout that directly contains the widget, and the widget's place in it.

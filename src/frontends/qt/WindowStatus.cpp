@@ -5,6 +5,7 @@
 #include "frontends/qt/ElidedLabel.h"
 #include "frontends/qt/Inks.h"
 #include "frontends/qt/TableView.h"
+#include "frontends/qt/WindowNames.h"
 #include "platform/appkit/NSTableView.h"
 #include "platform/appkit/NSTextField.h"
 #include "platform/appkit/Presenter.h"
@@ -23,8 +24,6 @@
 namespace frontend {
 
 namespace {
-
-constexpr const char* shareTable = "normalTableView";
 
 std::string nameInEditor(const WindowActions& actions) {
     const auto* field = actions.find<NSTextField>("shareName");

@@ -8,6 +8,11 @@ void NSTableView::addTableColumn(NSTableColumn column) {
     didChange();
 }
 
+const NSTableColumn* NSTableView::tableColumnWithIdentifier(std::string_view identifier) const {
+    const auto found = std::ranges::find(columns_, identifier, &NSTableColumn::identifier);
+    return found == columns_.end() ? nullptr : &*found;
+}
+
 std::string NSTableView::objectValue(const NSTableColumn& column, int row) {
     if (source_ == nullptr || row < 0 || row >= rows_) {
         return {};

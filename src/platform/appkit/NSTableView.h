@@ -3,6 +3,7 @@
 #include "platform/appkit/NSControl.h"
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 class NSTableView;
@@ -39,6 +40,9 @@ class NSTableView : public NSControl {
     [[nodiscard]] const std::vector<NSTableColumn>& tableColumns() const { return columns_; }
 
     void addTableColumn(NSTableColumn column);
+
+    /// Null when there is none.
+    [[nodiscard]] const NSTableColumn* tableColumnWithIdentifier(std::string_view identifier) const;
 
     void setDataSource(NSTableViewDataSource* source) { source_ = source; }
 

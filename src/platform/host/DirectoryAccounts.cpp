@@ -26,7 +26,7 @@ std::optional<std::string> firstValue(ni_domain* domain, ni_id id, std::string_v
 /// Says why the directory could not be read over `domain`, which is null when it could not be opened.
 Status unreadable(const std::string& storeFile, const OwnedDomain& domain) {
     const std::string problem = domain ? directoryProblem() : storeOpeningProblem(storeFile);
-    return Status::failure("cannot read the directory", storeFile,
+    return Status::failure("cannot read the directory", shownStore(storeFile),
                            problem.empty() ? "check its disk, or restore it from a copy" : problem);
 }
 

@@ -204,7 +204,7 @@ GroupEntry adminGroup(const std::vector<GroupEntry>& groups) {
     return admin;
 }
 
-/// Adds the groups for people, the groups that people are in, and admin.
+/// Adds the groups for people, the groups that people are in, staff, which new users get, and admin.
 void fillGroups(Store& store, const People& people) {
     const IdRange ids = idsOfPeople("GID");
     Filler filler(store, "groups");
@@ -212,9 +212,10 @@ void fillGroups(Store& store, const People& people) {
     GroupEntry admin = adminGroup(groups);
     const auto place = std::ranges::find(groups, admin.name, &GroupEntry::name);
     const auto isPeoples = [&](const GroupEntry& group) {
-        return ids.holds(group.gid) || people.groups.contains(group.gid) || group.name == "admin" ||
-               std::ranges::any_of(group.members,
-                                   [&](const auto& name) { return people.names.contains(name); });
+        return ids.holds(group.gid) || people.groups.contains(group.gid) || group.name == "staff" ||
+               group.name == "admin" || std::ranges::any_of(group.members, [&](const auto& name) {
+                   return people.names.contains(name);
+               });
     };
     if (place == groups.end()) {
         groups.push_back(std::move(admin));

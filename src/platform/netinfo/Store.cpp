@@ -159,7 +159,7 @@ void Store::check(int error) {
 
 void Store::fail(std::string why) {
     if (status_.isOk()) {
-        status_ = Status::failure("cannot change the directory", file_, std::move(why));
+        status_ = Status::failure("cannot change the directory", shownStore(file_), std::move(why));
     }
 }
 

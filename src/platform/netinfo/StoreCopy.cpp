@@ -144,7 +144,7 @@ Status copyStore(const std::string& from, const std::string& to, int waitSeconds
     if (isUnreadable != nullptr) {
         *isUnreadable = isOfSource;
     }
-    return isOfSource ? Status::failure("cannot read the directory", from,
+    return isOfSource ? Status::failure("cannot read the directory", shownStore(from),
                                         storeProblem(from, error, source.waitedSeconds()))
                       : Status::failure("cannot copy the directory to", to, storeProblem(to, error, 0));
 }

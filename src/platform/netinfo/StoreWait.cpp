@@ -104,6 +104,11 @@ std::string storeHolder(const std::string& file) {
     return holder;
 }
 
+std::string shownStore(const std::string& file) {
+    const Host* host = Host::currentIfAny();
+    return host != nullptr && host->services().paths ? host->paths().shown(file) : file;
+}
+
 std::string storeProblem(const std::string& file, int error, int waited) {
     std::error_code ignored;
     switch (error & 0xff) {
@@ -158,7 +163,7 @@ void rememberVainWait(const std::string& file, int waited) {
         return;
     }
     host->sharedInstance<VainWait>() = {file, host->endedActions()};
-    NSLog("The directory %@ cannot be used: %@.", file, storeProblem(file, SQLITE_BUSY, waited));
+    NSLog("The directory %@ cannot be used: %@.", shownStore(file), storeProblem(file, SQLITE_BUSY, waited));
 }
 
 const std::string& directoryProblem() {

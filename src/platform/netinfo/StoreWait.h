@@ -9,6 +9,9 @@ namespace platform {
 /// because closing a descriptor of it would release this process's locks.
 [[nodiscard]] std::string storeHolder(const std::string& file);
 
+/// The name that the user is told for the store `file`.
+[[nodiscard]] std::string shownStore(const std::string& file);
+
 /// Says why the store `file` cannot be used, given SQLite's `error`, and what to do. `waited` is how many
 /// seconds the caller has waited for others.
 [[nodiscard]] std::string storeProblem(const std::string& file, int error, int waited);

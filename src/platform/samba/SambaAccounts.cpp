@@ -276,7 +276,7 @@ Status SambaAccounts::checkPassword(std::string_view password) {
     };
     if (std::ranges::any_of(password, isControl)) {
         return Status::failure(refusedPassword, "",
-                               "a password may hold no control character; choose another one");
+                               "a password must not contain a control character; choose another one");
     }
     if (password.size() > longestPassword) {
         return Status::failure(refusedPassword, "",

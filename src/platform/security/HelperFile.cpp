@@ -21,7 +21,7 @@ bool othersMayWrite(const struct stat& status) {
     return status.st_uid != 0 || groupMay || (status.st_mode & S_IWOTH) != 0;
 }
 
-/// The first of `place` and the folders above it that others than root may change, or "".
+/// The first of `place` and the folders above it that users other than root may change, or "".
 Result<std::string> placeOfOthers(std::filesystem::path place) {
     for (bool isTop = false; !isTop; place = place.parent_path()) {
         struct stat status {};
@@ -65,7 +65,7 @@ Status checkHelperFile(const std::string& path) {
         }
         if (!open->empty()) {
             return Status::failure(cannotUse, path,
-                                   "others than root may change " + *open +
+                                   "users other than root may change " + *open +
                                        "; install Brindle as root, or, to try a build of your own, set "
                                        "BRINDLE_DEVELOPMENT=1");
         }
@@ -91,7 +91,7 @@ Result<std::string> rootsFolder(const std::string& path) {
     return open->empty()
                ? Result(place.string())
                : Status::failure(cannotWork, path,
-                                 "others than root may change " + *open + "; name a folder of root's");
+                                 "users other than root may change " + *open + "; name a folder of root's");
 }
 
 std::vector<std::string> systemHelperCommand(const std::string& helper, const std::string& prefix) {
