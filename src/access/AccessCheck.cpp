@@ -211,14 +211,13 @@ bool AccessCheck::mayLogOn(Visit& visit, LogOn logOn) const {
 
 bool AccessCheck::enter(Visit& visit) {
     const ServerShare& share = *visit.share;
-    const bool guestOnly = share.flag("guest only", false);
     if (visit.isGuest && !share.flag("guest ok", false)) {
         return visit.refuse(
             "guest-off", stringWithFormat(NSLocalizedString("Guests may not use \"%@\"."), share.name()),
             section(visit),
             NSLocalizedString("In the share editor, turn on \"Guests may use the SMB share\"."));
     }
-    if (visit.isGuest || (guestOnly && share.flag("guest ok", false))) {
+    if (visit.isGuest || (share.flag("guest only", false) && share.flag("guest ok", false))) {
         const std::string_view guest = shares_.global().text("guest account");
         const std::string name = guest.empty() ? standardGuest : std::string(guest);
         const auto& account = accountNamed(name);
