@@ -5,6 +5,7 @@
 #include "access/ServerAccounts.h"
 #include "model/SMBConf.h"
 #include "platform/foundation/Host.h"
+#include "platform/host/InstalledFiles.h"
 
 #include <benchmark/benchmark.h>
 

@@ -6,6 +6,7 @@
 #include "FilledRoot.h"
 #include "TemporaryFolder.h"
 #include "WholeProgram.h"
+#include "platform/host/InstalledFiles.h"
 
 #include <benchmark/benchmark.h>
 #include <sqlite3.h>

@@ -7,6 +7,7 @@
 #include "WholeProgram.h"
 #include "model/SMBConf.h"
 #include "platform/foundation/Host.h"
+#include "platform/host/InstalledFiles.h"
 
 #include <benchmark/benchmark.h>
 

@@ -2,6 +2,7 @@
 
 #include "model/SMBParser.h"
 #include "model/ServerSettings.h"
+#include "platform/posix/LetterCase.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -26,7 +27,7 @@ struct ServerSection {
     [[nodiscard]] std::string valueOf(std::string_view key) const {
         std::string value = "(none)";
         for (const auto& [name, each] : settings) {
-            value = name == foldedSettingName(key) ? each : value;
+            value = mainSettingName(name) == mainSettingName(key) ? each : value;
         }
         return value;
     }
@@ -37,6 +38,25 @@ using ServerReading = std::map<std::string, ServerSection>;
 inline std::string_view withoutWhiteSpace(std::string_view text) {
     text = SMBParser::withoutLeadingWhiteSpace(text);
     return text.substr(0, text.find_last_not_of(" \t\n\v\f\r") + 1);
+}
+
+/// Returns a section's name as the server compares it: without case, and with only the first character of
+/// each piece of white space; only in "global" it ignores all of it. White space at the beginning, which it
+/// does not ignore, is left out, because the model does not know it.
+inline std::string serverName(std::string_view section) {
+    if (isServerGlobal(section)) {
+        return "global";
+    }
+    std::string name;
+    bool isBlank = false;
+    for (const char letter : platform::lowercased(SMBParser::withoutLeadingWhiteSpace(section))) {
+        const bool wasBlank =
+            std::exchange(isBlank, SMBParser::withoutLeadingWhiteSpace({&letter, 1}).empty());
+        if (!isBlank || !wasBlank) {
+            name += letter;
+        }
+    }
+    return name;
 }
 
 /// Returns the lines without white space around them and without comments, each with what is joined to it.
@@ -71,7 +91,7 @@ inline ServerReading serverReading(std::string_view text) {
         const std::size_t bracket = line.starts_with('[') ? line.find(']') : std::string::npos;
         const std::size_t equals = line.find('=');
         if (bracket != std::string::npos) {
-            current = &sections[foldedSettingName(withoutWhiteSpace(line.substr(1, bracket - 1)))];
+            current = &sections[serverName(line.substr(1, bracket - 1))];
             ++current->headers;
         } else if (equals != std::string::npos) {
             current->settings.emplace_back(foldedSettingName(line.substr(0, equals)),

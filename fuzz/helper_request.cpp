@@ -10,7 +10,7 @@
 namespace {
 
 void judge(std::string_view bytes) {
-    const auto request = parseHelperRequest(bytes);
+    const auto request = tools::parseHelperRequest(bytes);
     if (!request) {
         fuzz::require(bytes.empty() || bytes.back() != '\0', "only what has no end is refused");
         return;
@@ -18,7 +18,7 @@ void judge(std::string_view bytes) {
     fuzz::require(bytes.size() > platform::maximumHelperRequest ||
                       platform::helperRequest(request->tool, request->arguments) == bytes,
                   "a request is its bytes");
-    fuzz::require(isHelperTool(request->tool) || !platform::waitsForCommit(request->tool),
+    fuzz::require(tools::isHelperTool(request->tool) || !platform::waitsForCommit(request->tool),
                   "nicl is on the list");
     if (const auto change = directoryChange(request->arguments)) {
         const auto status = checkDirectoryChange(*change);

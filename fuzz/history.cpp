@@ -93,7 +93,7 @@ std::string told(const HistoryEntry& entry) {
     const auto add = [&text](std::string_view part) { (text += '\n') += part; };
     const auto addState = [&add](const review::RecordChange::State& state) {
         add(state ? "there" : "none");
-        for (const auto& property : state.value_or(std::vector<review::DirectoryView::Property>())) {
+        for (const auto& property : state.value_or(DirectoryView::Record())) {
             add("property " + property.name);
             std::ranges::for_each(property.values, add);
         }

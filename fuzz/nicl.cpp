@@ -84,11 +84,11 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     static platform::Host host(fuzz::quietServices());
     const std::string file = folder.file("directory.db");
     std::filesystem::copy_file(pristine, file, std::filesystem::copy_options::overwrite_existing);
-    DirectorySession session{DirectoryPlace(file)};
+    tools::DirectorySession session{tools::DirectoryPlace(file)};
     std::string path;
     for (fuzz::Draw draw(fuzz::textOf(data, size)); !draw.isAtEnd();) {
         const auto words = wordsOf(draw.upTo('\n'));
-        const ToolResult result = session.nicl(words);
+        const tools::ToolResult result = session.nicl(words);
         fuzz::require((result.status == 0) == result.output.empty(),
                       "a run that fails says why, and no other", result.output);
         path = words.size() > 2 ? words[2] : path;
@@ -99,10 +99,11 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     // Make a record at the last path, and one below it.
     for (const std::string& made : {path, path + "/made"}) {
         const bool isThere = ("\n" + before).find("\n" + made + "\n") != std::string::npos;
-        if (isThere || runNicl(file, std::vector<std::string>{".", "-create", made}).status != 0) {
+        if (isThere || tools::runNicl(file, std::vector<std::string>{".", "-create", made}).status != 0) {
             continue;
         }
-        const ToolResult deleted = runNicl(file, std::vector<std::string>{".", "-delete", made});
+        const tools::ToolResult deleted =
+            tools::runNicl(file, std::vector<std::string>{".", "-delete", made});
         fuzz::require(made == "/" || deleted.status == 0, "what was made can be deleted", deleted.output);
         fuzz::require(recordsIn(file) == before, "what was made and deleted leaves what was before", made);
     }

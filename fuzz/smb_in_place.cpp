@@ -106,15 +106,11 @@ std::vector<std::string_view> sectionsCalled(std::string_view name, std::string_
     return found;
 }
 
-std::string folded(const SMBShare& entry) {
-    return foldedSettingName(fuzz::withoutWhiteSpace(entry.ShareName()));
-}
-
 /// Returns the only section with that name, or null when there is none or another one.
 const SMBShare* onlySection(const SMBEntries& entries, const std::string& name) {
     const SMBShare* found = nullptr;
     for (const auto& entry : entries) {
-        if (entry->Type() != SMBComment && folded(*entry) == name) {
+        if (entry->Type() != SMBComment && fuzz::serverName(entry->ShareName()) == name) {
             if (found != nullptr) {
                 return nullptr;
             }
@@ -128,7 +124,7 @@ const SMBShare* onlySection(const SMBEntries& entries, const std::string& name) 
 std::optional<std::string> onlyValue(const SMBShare& section, std::string_view key) {
     std::optional<std::string> value;
     for (const SMBPair& pair : section.Props()) {
-        if (foldedSettingName(pair.Name) == foldedSettingName(key)) {
+        if (mainSettingName(pair.Name) == mainSettingName(key)) {
             if (value) {
                 return std::nullopt;
             }
@@ -141,19 +137,35 @@ std::optional<std::string> onlyValue(const SMBShare& section, std::string_view k
 /// Requires that the server follows what was set in the section, where nothing else sets it, too.
 void requireSettingsFollowed(const SMBShare* read, const SMBShare& now, const fuzz::ServerReading& server,
                              const std::string& text) {
-    const auto found = server.find(folded(now));
+    const auto found = server.find(fuzz::serverName(now.ShareName()));
     fuzz::require(found != server.end(), "the server sees each section", text);
     for (const SMBPair& pair : now.Props()) {
         const auto value = onlyValue(now, pair.Name);
         const bool isSetHere = value && (read == nullptr || onlyValue(*read, pair.Name) != value);
         const bool isNewKey =
             read != nullptr && std::ranges::none_of(read->Props(), [&](const SMBPair& each) {
-                return foldedSettingName(each.Name) == foldedSettingName(pair.Name);
+                return mainSettingName(each.Name) == mainSettingName(pair.Name);
             });
         const bool hadOne = read == nullptr || isNewKey || onlyValue(*read, pair.Name).has_value();
         const bool isPlain = !SMBParser::isComment(pair.Name) && !pair.Name.view().starts_with('[');
         if (isSetHere && hadOne && isPlain) {
             fuzz::require(found->second.valueOf(pair.Name) == *value, "the server follows what was set",
+                          now.ShareName() + ", " + pair.Name.str() + " in\n" + text);
+        }
+    }
+}
+
+/// Requires that the server finds nothing of what was removed, where it followed that before.
+void requireRemovedGone(const SMBShare& read, const SMBShare& now, const fuzz::ServerSection& before,
+                        const fuzz::ServerSection& after, const std::string& text) {
+    for (const SMBPair& pair : read.Props()) {
+        const std::pair written{foldedSettingName(pair.Name), pair.Value.str()};
+        const bool wasRead = std::ranges::find(before.settings, written) != before.settings.end();
+        const bool isGone = std::ranges::none_of(now.Props(), [&](const SMBPair& each) {
+            return mainSettingName(each.Name) == mainSettingName(pair.Name);
+        });
+        if (isGone && wasRead && onlyValue(read, pair.Name) && !pair.Name.view().starts_with('[')) {
+            fuzz::require(after.valueOf(pair.Name) == "(none)", "what was removed is gone for the server",
                           now.ShareName() + ", " + pair.Name.str() + " in\n" + text);
         }
     }
@@ -172,15 +184,20 @@ void requireSameForServer(const SMBEntries& read, const SMBEntries& now, const s
         }
     }
     for (const auto& entry : now) {
-        const std::string name = folded(*entry);
+        const std::string name = fuzz::serverName(entry->ShareName());
         const auto found = serverAfter.find(name);
         const bool isOnly =
             onlySection(now, name) != nullptr && found != serverAfter.end() && found->second.headers == 1;
-        const bool wasOnly = std::ranges::count_if(read, [&](const auto& each) {
-                                 return each->Type() != SMBComment && folded(*each) == name;
-                             }) <= 1;
+        const bool wasOnly =
+            std::ranges::count_if(read, [&](const auto& each) {
+                return each->Type() != SMBComment && fuzz::serverName(each->ShareName()) == name;
+            }) <= 1;
         if (entry->Type() == SMBGroup && touched.contains(name) && isOnly && wasOnly && !entry->isUnnamed()) {
-            requireSettingsFollowed(onlySection(read, name), *entry, serverAfter, after);
+            const SMBShare* const section = onlySection(read, name);
+            requireSettingsFollowed(section, *entry, serverAfter, after);
+            if (section != nullptr && section->Type() == SMBGroup && serverBefore.contains(name)) {
+                requireRemovedGone(*section, *entry, serverBefore.at(name), found->second, after);
+            }
         }
     }
 }
@@ -221,7 +238,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     }
     std::set<std::string> touchedForServer;
     for (const std::string& name : touched) {
-        touchedForServer.insert(foldedSettingName(fuzz::withoutWhiteSpace(name)));
+        touchedForServer.insert(fuzz::serverName(name));
     }
     const std::vector<SMBChange> changes = changesBetween(read.entries, now.entries);
     const SMBInPlaceText result = textWithChanges(text, changes);

@@ -69,7 +69,7 @@ TEST_F(AccountsTest, MakingAndDeletingAUserLeavesTheDirectoryUnchanged) {
     const auto directory = [this] {
         const Runs words{".",   "/users",    "name", "realname", "gid",
                          "uid", "sharedDir", "home", "passwd",   "shell"};
-        return groups() + runNireport(words).output;
+        return groups() + tools::runNireport(words).output;
     };
     const auto reported = [&](const std::string& line) {
         return directory().find(line) != std::string::npos;

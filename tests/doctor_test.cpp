@@ -175,6 +175,7 @@ TEST(SettingsComplaints, NameTheLine) {
         {"[global]\ninclude = /no/such/file\nbogus = 1\n", {3}},
         {"[Docs]\npath = /tmp\n[]\ncomment = x\n[More]\npath = /tmp\nbogus = 1\n", {3, 7}},
         {"[Docs]\npath = /tmp\n\n[More\npath = /tmp\n", {4}},
+        {"[Docs]\npath = /tmp\nworkgroup = HOME\n", {3}},
     };
 
     for (const auto& [text, lines] : cases) {

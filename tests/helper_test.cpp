@@ -55,10 +55,10 @@ TEST_F(HelperTest, RefusesWhatIsNotForSharingAndSaysWhy) {
 TEST(SystemFolders, AreThoseThatProgramsOfAllUsersDependOn) {
     const struct stat other {}; // of no existing folder
 
-    const auto isSystem = [&](const char* path, FolderHost host) {
-        return isSystemFolder(path, other, host);
+    const auto isSystem = [&](const char* path, tools::FolderHost host) {
+        return tools::isSystemFolder(path, other, host);
     };
-    for (const FolderHost host : {FolderHost::Embedded, FolderHost::Computer}) {
+    for (const tools::FolderHost host : {tools::FolderHost::Embedded, tools::FolderHost::Computer}) {
         for (const char* path : {"/tmp", "/var/lib", "/run", "/run/sudo/ts", "/run/media", "/etc/samba"}) {
             EXPECT_TRUE(isSystem(path, host)) << path;
         }
@@ -68,10 +68,10 @@ TEST(SystemFolders, AreThoseThatProgramsOfAllUsersDependOn) {
         }
     }
     for (const char* path : {"/var/lib/docs", "/var/spool/cron", "/home/ada/.ssh", "/home/ada/.gnupg/keys"}) {
-        EXPECT_TRUE(isSystem(path, FolderHost::Computer)) << path;
-        EXPECT_FALSE(isSystem(path, FolderHost::Embedded)) << path;
+        EXPECT_TRUE(isSystem(path, tools::FolderHost::Computer)) << path;
+        EXPECT_FALSE(isSystem(path, tools::FolderHost::Embedded)) << path;
     }
-    EXPECT_TRUE(isSystemFolder("/mnt/elsewhere", statusOf("/tmp"), FolderHost::Embedded))
+    EXPECT_TRUE(tools::isSystemFolder("/mnt/elsewhere", statusOf("/tmp"), tools::FolderHost::Embedded))
         << "the same folder under another path";
 }
 
@@ -87,11 +87,11 @@ TEST_F(HelperTest, ChangesAFoldersModeBelow01000Only) {
     fs::create_directory(inside);
     fs::permissions(shared, fs::perms::all); // anybody could rename its contents
     EXPECT_EQ(run("/bin/chmod", {"700", inside.string()}), "");
-    const platform::Status status = changeMode("755", inside.string(), FolderHost::Computer);
+    const platform::Status status = tools::changeMode("755", inside.string(), tools::FolderHost::Computer);
     EXPECT_NE(status.text().find("could be replaced by anybody"), std::string::npos) << status.text();
     EXPECT_EQ(modeOf(inside) & 0777U, 0700U);
     ASSERT_EQ(::chmod(shared.c_str(), 01777), 0);
-    EXPECT_TRUE(changeMode("755", inside.string(), FolderHost::Computer).isOk());
+    EXPECT_TRUE(tools::changeMode("755", inside.string(), tools::FolderHost::Computer).isOk());
 }
 
 TEST_F(HelperTest, GivesAFolderToAnAccountOfTheDirectoryBeforeOneOfTheComputer) {

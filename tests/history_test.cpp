@@ -1,6 +1,6 @@
+#include "directory/DirectoryView.h"
 #include "platform/foundation/Host.h"
 #include "platform/foundation/SystemPaths.h"
-#include "review/DirectoryView.h"
 #include "review/History.h"
 #include "support/DrawnState.h"
 
@@ -33,7 +33,7 @@ class HistoryTest : public DrawnState {
     /// Returns everything that an action can change: records by their paths, settings files, folders.
     [[nodiscard]] std::map<std::string, std::string> state() const {
         std::map<std::string, std::string> all = {{"smb.conf", conf()}, {"afp", afp()}};
-        const review::DirectoryView directory(host.storeFile().string());
+        const DirectoryView directory(host.storeFile().string());
         for (const char* parent : {"/users", "/groups", "/config/Brindle"}) {
             for (const std::string& name : directory.names(parent)) {
                 const std::string path = std::string(parent) + "/" + name;

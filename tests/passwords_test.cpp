@@ -97,9 +97,9 @@ class RootWithPassword : public Root {
     }
 
     [[nodiscard]] std::string deleteAlice(int waitSeconds) const {
-        DirectoryPlace place = DirectoryPlace::ofRoot(root.folder());
+        tools::DirectoryPlace place = tools::DirectoryPlace::ofRoot(root.folder());
         place.waitSeconds = waitSeconds;
-        return runNicl(place, std::vector<std::string>{".", "-delete", "/users/alice"}).output;
+        return tools::runNicl(place, std::vector<std::string>{".", "-delete", "/users/alice"}).output;
     }
 
     platform::SambaAccounts server{root.sambaPaths()};
@@ -155,10 +155,11 @@ TEST_F(RootWithPassword, WaitsForASlowDatabaseWithoutHoldingTheDirectory) {
         isSet = true;
     });
     std::this_thread::sleep_for(std::chrono::milliseconds(200));
-    DirectoryPlace place = DirectoryPlace::ofRoot(root.folder());
+    tools::DirectoryPlace place = tools::DirectoryPlace::ofRoot(root.folder());
     place.waitSeconds = 1;
-    EXPECT_EQ(runNicl(place, std::vector<std::string>{".", "-create", "/users/alice", "hint", "x"}).output,
-              "");
+    EXPECT_EQ(
+        tools::runNicl(place, std::vector<std::string>{".", "-create", "/users/alice", "hint", "x"}).output,
+        "");
     EXPECT_FALSE(isSet) << "the database was not locked";
     all.l_type = F_UNLCK;
     ::fcntl(database.get(), F_SETLK, &all);

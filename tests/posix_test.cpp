@@ -2,6 +2,7 @@
 #include "platform/posix/Process.h"
 #include "platform/posix/Secret.h"
 #include "platform/posix/SystemCallFilter.h"
+#include "platform/posix/TemporaryFolder.h"
 #include "platform/posix/UTF8.h"
 #include "platform/posix/WholeFile.h"
 #include "support/TestHost.h"
@@ -296,6 +297,24 @@ TEST(WholeFile, TheNextWriterRemovesWhatAKilledOneLeft) {
     ASSERT_EQ(::flock(alive.get(), LOCK_EX), 0);
     ASSERT_TRUE(writeWholeFile(folder / "file", "text").isOk());
     EXPECT_EQ(namesIn(folder), (std::vector<std::string>{".brindle-2.tmp", ".brindle.tmp", "file"}));
+}
+
+TEST(TemporaryFolder, TheNextOneRemovesWhatAKilledProcessLeft) {
+    const TestHost host;
+    ::setenv("TMPDIR", host.root().c_str(), 1);
+    fs::create_directories(host.root() / "brindle-test-killed" / "etc");
+    fs::create_directory(host.root() / "brindle-other-killed");
+    auto alive = platform::TemporaryFolder::make("test");
+    {
+        const auto next = platform::TemporaryFolder::make("test");
+        ::unsetenv("TMPDIR");
+        ASSERT_TRUE(alive.isOk() && next.isOk());
+        EXPECT_TRUE(fs::exists(alive->path()) && fs::exists(next->path()));
+    }
+    const auto names = namesIn(host.root());
+    EXPECT_EQ(std::ranges::count_if(names, [](const auto& name) { return name.starts_with("brindle-test"); }),
+              1);
+    EXPECT_TRUE(fs::exists(host.root() / "brindle-other-killed"));
 }
 
 TEST(WholeFile, SimultaneousWritersLeaveOneWholeText) {

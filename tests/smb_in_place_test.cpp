@@ -248,6 +248,8 @@ TEST(SmbInPlace, FollowsTheServerWhereTheModelReadsLess) {
              {"[a]\nx = 1\n X =\nx = #$%BLAK \\\n y\nxx =\n[b]\nx =\n", set("x", "2"),
               "[a]\nx = 2\nxx =\n[b]\nx =\n"},
              {"[a]\nx = cut#$%BLAK tail\n", set("x", "1"), "[a]\nx = 1\n"},
+             {"[a]\nx =\nx = 1\nX =\n[b]\nx =\n", unset, "[a]\n[b]\nx =\n"},
+             {"[a]\npath = /a\nDirectory =\n", set("path", "/b"), "[a]\npath = /b\n"},
              // A header with something after its bracket begins a section.
              {withHeader, remove, "# d\n[data] \ny = 2\n"},
              {withHeader, disable, ";[a]\n;x = 1\n# c\n\n# d\n[data] \ny = 2\n"},

@@ -131,7 +131,7 @@ TEST(SystemHost, StartsTheServerThroughTheComputersServiceManager) {
     const auto commands = [&] {
         std::string text;
         for (const bool isStart : {true, false}) {
-            for (const std::string& word : serviceCommand(isStart, test.root())) {
+            for (const std::string& word : tools::serviceCommand(isStart, test.root())) {
                 text += word + " ";
             }
         }
@@ -159,6 +159,7 @@ TEST(SmbConf, IsRefusedIfTheServerCouldUseTheOldTextButNotTheNewOne) {
         {"[global]\n  workgroup = HOME\n[Docs]\n  path = /srv\n", nullptr},
         {"[global]\nencrypt passwords = yes\n", nullptr}, // deprecated, but known
         {"[Docs]\ncomment = no path yet\n", nullptr},
+        {"[Docs]\npath = /srv\nworkgroup = HOME\n", nullptr}, // passed over by the server
         {"[global]\nsecurity = SHARE\nmap to guest = Never\n", nullptr},
         {"[global]\n\tSecurity =share\r\nworkgroup = HOME\n", nullptr},
         {"[global]\nsecurity = SHARE\n[Docs]\nread only = perhaps\n", "not boolean"},
@@ -170,7 +171,7 @@ TEST(SmbConf, IsRefusedIfTheServerCouldUseTheOldTextButNotTheNewOne) {
         {"[global]\nwins support = yes\nwins server = 10.0.0.1\n", "ERROR: both"},
     };
     for (const Case& each : cases) {
-        const std::string complaint = complaintAboutSmbConf(each.text).value_or("");
+        const std::string complaint = tools::complaintAboutSmbConf(each.text).value_or("");
         EXPECT_EQ(complaint.empty(), each.complaint == nullptr) << each.text << complaint;
         EXPECT_NE(complaint.find(each.complaint == nullptr ? "" : each.complaint), std::string::npos)
             << each.text << complaint;
@@ -180,8 +181,8 @@ TEST(SmbConf, IsRefusedIfTheServerCouldUseTheOldTextButNotTheNewOne) {
     test.write("smb.conf", "[global]\n");
     test.write("new.conf", "[global]\nfoo bar = 3\n");
     const auto copy = [&](const char* source) {
-        return copyIntoPlace((test.root() / source).string(), (test.root() / "smb.conf").string(), ::getuid(),
-                             &checkSmbConf)
+        return tools::copyIntoPlace((test.root() / source).string(), (test.root() / "smb.conf").string(),
+                                    ::getuid(), &tools::checkSmbConf)
             .text();
     };
     EXPECT_NE(copy("new.conf").find("foo bar"), std::string::npos);

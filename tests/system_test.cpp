@@ -41,11 +41,11 @@ class SystemAccounts : public OwnComputer {
   protected:
     static std::string nicl(Words words) {
         words.insert(words.begin(), ".");
-        return runNicl(place(), words).output;
+        return tools::runNicl(place(), words).output;
     }
 
     static std::string dscl(const std::string& name, const std::string& password) {
-        return runDscl(place(), Words{".", "-passwd", "/Users/" + name, password}).output;
+        return tools::runDscl(place(), Words{".", "-passwd", "/Users/" + name, password}).output;
     }
 
     /// Makes the runs with which the application makes a user, up to the first one that fails.
@@ -104,8 +104,8 @@ class SystemAccounts : public OwnComputer {
         return text + sambaAccounts();
     }
 
-    static DirectoryPlace place() {
-        return DirectoryPlace::ofComputer(platform::SystemFiles(), administrator);
+    static tools::DirectoryPlace place() {
+        return tools::DirectoryPlace::ofComputer(platform::SystemFiles(), administrator);
     }
 
     static inline const std::string programs = BRINDLE_PROGRAMS;
@@ -244,7 +244,8 @@ TEST_F(SystemAccounts, KeepTheirPasswordWhenAChangeOfThemIsRefusedOrKilledHalfWa
     }
     EXPECT_EQ(sambaAccounts(), samba);
     const platform::SystemFiles files;
-    const UnfinishedChange change{true, {"carol", 1521}, {"dora", 1521}, samba.substr(0, samba.find('\n'))};
+    const tools::UnfinishedChange change{
+        true, {"carol", 1521}, {"dora", 1521}, samba.substr(0, samba.find('\n'))};
     ASSERT_TRUE(change.write(files.unfinishedChange()).isOk());
     ASSERT_EQ(runProgram({"/usr/bin/pdbedit", "-x", "carol"}).status, 0);
     ASSERT_EQ(runProgram({"/usr/sbin/usermod", "-l", "dora", "carol"}).status, 0); // then it was killed

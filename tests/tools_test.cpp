@@ -3,6 +3,7 @@
 #include "platform/host/HostProcesses.h"
 #include "platform/posix/Process.h"
 #include "platform/samba/SambaAccounts.h"
+#include "platform/samba/ServerProcesses.h"
 #include "support/DirectoryFixture.h"
 #include "support/RootFixture.h"
 
@@ -142,7 +143,7 @@ TEST_F(Tools, NiclRefusesInOneLineAndChangesNothing) {
     }
     EXPECT_EQ(record("/users/ada"), "name: ada\nmail: one two\n");
     EXPECT_EQ(record("/config/Brindle/Docs"), "name: Docs\n");
-    EXPECT_EQ(runNireport(Words{".", "/users", "name"}).output, "ada\t\nbob\t\nünï\t\n");
+    EXPECT_EQ(tools::runNireport(Words{".", "/users", "name"}).output, "ada\t\nbob\t\nünï\t\n");
     EXPECT_EQ(nicl({"-create", "/users"}), "") << "it exists already and stays unchanged";
     EXPECT_EQ(nicl({"-create", "/users/ada", "name", "Ada"}), "") << "no other user has this name";
     EXPECT_EQ(nicl({"-delete", "/users/Ada", "mail", "one"}), "");
@@ -168,14 +169,14 @@ TEST_F(Tools, WrongOptionsEndWithTwoAndRightOnesLeaveTheOtherWords) {
     std::array<std::string, 6> words{"nicl", "--root", root, ".", "-create", "/users/--system"};
     std::array<char*, 6> pointers{};
     std::ranges::transform(words, pointers.begin(), [](std::string& word) { return word.data(); });
-    EXPECT_EQ(directoryToolMain("nicl", static_cast<int>(pointers.size()), pointers.data()), 0);
-    const ToolResult deleted =
-        runNicl(DirectoryPlace::ofRoot(root), Words{".", "-delete", "/users/--system"});
+    EXPECT_EQ(tools::directoryToolMain("nicl", static_cast<int>(pointers.size()), pointers.data()), 0);
+    const tools::ToolResult deleted =
+        tools::runNicl(tools::DirectoryPlace::ofRoot(root), Words{".", "-delete", "/users/--system"});
     EXPECT_EQ(deleted.output, "");
     for (const char* option : {"--nonsense", "--root"}) {
         words[1] = option;
         std::array<char*, 2> two{words[0].data(), words[1].data()};
-        EXPECT_EQ(directoryToolMain("nicl", 2, two.data()), 2) << option;
+        EXPECT_EQ(tools::directoryToolMain("nicl", 2, two.data()), 2) << option;
     }
 }
 
@@ -261,7 +262,7 @@ TEST_F(Root, AccountsAreUpToDateAtOnceInNamesAndInTheServersLists) {
 }
 
 TEST_F(Root, OnlyProcessesOfItsOwnServerAreListed) {
-    platform::HostProcesses processes([](const std::string& id) { return id != "2"; });
+    platform::HostProcesses processes([](pid_t process) { return process != 2; });
     std::FILE* listing = processes.open("printf '1\\n2\\n3\\n4'", "r");
     ASSERT_NE(listing, nullptr);
     std::array<char, 64> text{};
@@ -280,8 +281,8 @@ TEST_F(Root, OnlyProcessesOfItsOwnServerAreListed) {
     }
     EXPECT_EQ(processes.close(listing), 0);
     EXPECT_TRUE(contains(listed, "\n" + self + "\n")) << listed;
-    for (const std::string& id :
-         {std::to_string(getpid()), std::string("1"), std::string("../self"), std::string()}) {
-        EXPECT_FALSE(platform::isServerOfRoot(id, root.folder())) << id;
+    const std::string configuration = platform::SambaAccounts(root.sambaPaths()).configurationFile();
+    for (const pid_t process : {getpid(), 1, 0}) {
+        EXPECT_FALSE(platform::isServerOrChildWith(process, configuration)) << process;
     }
 }

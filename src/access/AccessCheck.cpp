@@ -143,6 +143,11 @@ bool AccessCheck::findShare(Visit& visit) {
     return true;
 }
 
+bool AccessCheck::mapsUnknownToGuest() const {
+    const std::string mapping = foldedSettingName(shares_.global().text("map to guest"));
+    return mapping.empty() ? server_.isOfRoot : mapping == "baduser" || mapping == "badpassword";
+}
+
 bool AccessCheck::logOn(Visit& visit) {
     if (visit.isGuest) {
         return true;
@@ -153,44 +158,14 @@ bool AccessCheck::logOn(Visit& visit) {
         logOns_[user] = accounts_.logOn(user);
     }
     const LogOn logOn = logOns_[user];
-    std::string mapping = foldedSettingName(shares_.global().text("map to guest"));
-    if (mapping.empty() && server_.isOfRoot) {
-        mapping = "baduser";
-    }
-    if (logOn == LogOn::NoAccount && (mapping == "baduser" || mapping == "badpassword") &&
-        visit.share->flag("guest ok", false)) {
-        // An unknown user is let in as the guest. If guests are not allowed, the missing password is the
-        // reason.
+    if (logOn == LogOn::NoAccount && mapsUnknownToGuest() && visit.share->flag("guest ok", false)) {
+        // If guests are not allowed, the missing password is the reason.
         visit.isGuest = true;
         visit.answer.notes.push_back(stringWithFormat(
             NSLocalizedString(
                 "%@ has no password for shares, and so connects as the guest (\"map to guest\")."),
             user));
         return true;
-    }
-    const std::string remedy =
-        stringWithFormat(NSLocalizedString("In the Users list, choose %@ and \"Change Password…\"."), user);
-    if (logOn == LogOn::NoAccount || (!account && logOn != LogOn::Unknown)) {
-        return account
-                   ? visit.refuse("no-samba-user",
-                                  stringWithFormat(NSLocalizedString("%@ has no password for shares."), user),
-                                  user, remedy)
-                   : visit.refuse("no-such-user",
-                                  stringWithFormat(NSLocalizedString("There is no user %@."), user), user,
-                                  NSLocalizedString("Add the user in the Users list."));
-    }
-    if (logOn == LogOn::Disabled) {
-        return visit.refuse("disabled",
-                            stringWithFormat(NSLocalizedString("%@'s account for shares is disabled."), user),
-                            user,
-                            // A root's server has its own password database, which smbpasswd does not change.
-                            server_.isOfRoot ? std::string() : "smbpasswd -e " + platform::shellWord(user));
-    }
-    if (logOn == LogOn::NoPassword) {
-        return visit.refuse(
-            "no-password",
-            stringWithFormat(NSLocalizedString("%@'s account for shares has no password."), user), user,
-            remedy);
     }
     if (logOn == LogOn::Unknown) {
         visit.answer.notes.push_back(stringWithFormat(
@@ -200,22 +175,49 @@ bool AccessCheck::logOn(Visit& visit) {
     }
     if (!account) {
         return visit.refuse("no-such-user", stringWithFormat(NSLocalizedString("There is no user %@."), user),
-                            user);
+                            user, NSLocalizedString("Add the user in the Users list."));
+    }
+    if (!mayLogOn(visit, logOn)) {
+        return false;
     }
     visit.account = *account;
     return true;
 }
 
+bool AccessCheck::mayLogOn(Visit& visit, LogOn logOn) const {
+    const std::string& user = *visit.answer.user;
+    const std::string remedy =
+        stringWithFormat(NSLocalizedString("In the Users list, choose %@ and \"Change Password…\"."), user);
+    switch (logOn) {
+    case LogOn::NoAccount:
+        return visit.refuse("no-samba-user",
+                            stringWithFormat(NSLocalizedString("%@ has no password for shares."), user), user,
+                            remedy);
+    case LogOn::Disabled:
+        return visit.refuse("disabled",
+                            stringWithFormat(NSLocalizedString("%@'s account for shares is disabled."), user),
+                            user,
+                            // A root's server has its own password database, which smbpasswd does not change.
+                            server_.isOfRoot ? std::string() : "smbpasswd -e " + platform::shellWord(user));
+    case LogOn::NoPassword:
+        return visit.refuse(
+            "no-password",
+            stringWithFormat(NSLocalizedString("%@'s account for shares has no password."), user), user,
+            remedy);
+    default:
+        return true;
+    }
+}
+
 bool AccessCheck::enter(Visit& visit) {
     const ServerShare& share = *visit.share;
-    const bool guestOnly = share.flag("guest only", false);
     if (visit.isGuest && !share.flag("guest ok", false)) {
         return visit.refuse(
             "guest-off", stringWithFormat(NSLocalizedString("Guests may not use \"%@\"."), share.name()),
             section(visit),
             NSLocalizedString("In the share editor, turn on \"Guests may use the SMB share\"."));
     }
-    if (visit.isGuest || (guestOnly && share.flag("guest ok", false))) {
+    if (visit.isGuest || (share.flag("guest only", false) && share.flag("guest ok", false))) {
         const std::string_view guest = shares_.global().text("guest account");
         const std::string name = guest.empty() ? standardGuest : std::string(guest);
         const auto& account = accountNamed(name);

@@ -48,6 +48,9 @@ class AccessCheck {
     [[nodiscard]] bool isReadOnly(const Visit& visit);
     [[nodiscard]] const std::optional<Account>& accountNamed(const std::string& name);
     [[nodiscard]] const platform::Result<FolderRights>& folder(const std::string& path);
+    /// Whether the server takes a user whom it does not know for the guest.
+    [[nodiscard]] bool mapsUnknownToGuest() const;
+    bool mayLogOn(Visit& visit, LogOn logOn) const;
     [[nodiscard]] std::string section(const Visit& visit) const;
     /// What names the account in a command: a root's users are not this computer's.
     [[nodiscard]] std::string commandName(const Account& account) const;

@@ -34,18 +34,18 @@ struct Examination {
 };
 
 /// What the examination has to know of the current host, whose computer it examines.
-struct Patient {
+struct ExaminedHost {
     std::optional<platform::SambaPaths> root; ///< an embedded root's server; none for this computer's
-    std::string brindle;                      ///< what suggested commands begin with: "brindle --system"
+    std::string commandPrefix;                ///< what suggested commands begin with: "brindle --system"
 };
 
 /// Looks for faults in the shares, the accounts, the SMB server's settings, the servers and the permissions
 /// of Brindle's own files. Only reads.
-[[nodiscard]] Examination examine(const Patient& patient);
+[[nodiscard]] Examination examine(const ExaminedHost& host);
 
 /// Looks for faults in shares that the caller has already read. It reads neither the directory nor smb.conf,
 /// so it waits for nothing; it only looks at the folders.
-[[nodiscard]] std::vector<Finding> examineShares(const Patient& patient, const SMBConf& conf,
+[[nodiscard]] std::vector<Finding> examineShares(const ExaminedHost& host, const SMBConf& conf,
                                                  std::span<const NormalShare> shares);
 
 } // namespace accesscheck

@@ -19,9 +19,9 @@ namespace accesscheck {
 class Examiner {
   public:
     /// Reads the shares and smb.conf. A directory that cannot be read becomes a finding.
-    explicit Examiner(const Patient& patient);
+    explicit Examiner(const ExaminedHost& host);
     /// Uses shares and an smb.conf that were read before; `conf` must outlive this object.
-    Examiner(const Patient& patient, const SMBConf& conf, std::span<const NormalShare> shares);
+    Examiner(const ExaminedHost& host, const SMBConf& conf, std::span<const NormalShare> shares);
 
     void examineShares();
     void examineAccounts();
@@ -79,6 +79,8 @@ class Examiner {
     void examineNames();
     void examineUser(const User& user);
     void examinePasswords();
+    /// The user is in Samba's database or ought to be, and cannot log on.
+    void findNoLogOn(const User& user, bool isDisabled);
     void examineHalfMade();
     void examineFile(const std::string& path, unsigned forbidden, unsigned owner);
 
@@ -101,7 +103,7 @@ class Examiner {
     [[nodiscard]] std::string section(const std::string& name) const;
     [[nodiscard]] bool sharesOverSMB() const;
 
-    const Patient& patient_;
+    const ExaminedHost& host_;
     Examination found_;
     std::optional<SMBConf> own_; ///< none when the caller has read it
     const SMBConf& conf_;

@@ -3,7 +3,6 @@
 #include <array>
 #include <cerrno>
 #include <climits>
-#include <vector>
 
 #include <unistd.h>
 

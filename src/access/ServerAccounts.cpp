@@ -1,7 +1,8 @@
 #include "access/ServerAccounts.h"
 
+#include "directory/DirectoryView.h"
+#include "platform/foundation/Host.h"
 #include "platform/netinfo/AccountNumber.h"
-#include "platform/netinfo/ni.h"
 #include "platform/posix/LetterCase.h"
 #include "platform/samba/ComputerPasswords.h"
 
@@ -16,40 +17,10 @@ namespace accesscheck {
 
 namespace {
 
-/// The record at `path`, with the connection that it belongs to. Without a record there is no connection.
-struct Record {
-    platform::OwnedDomain domain;
-    ni_id id;
-    ni_status failure = NI_OK; ///< why the directory could not be read; NI_OK when it could
-
-    /// Returns whether the directory has what was asked for, and remembers when it could not tell.
-    bool isThere(ni_status status) {
-        // A record that has been deleted meanwhile is missing, too.
-        const bool isMissing = status == NI_NODIR || status == NI_NOPROP || status == NI_BADID;
-        failure = failure == NI_OK && !isMissing ? status : failure;
-        return status == NI_OK;
-    }
-
-    [[nodiscard]] std::optional<std::string> value(std::string_view property) {
-        ni_namelist values;
-        return isThere(ni_lookupprop(domain.get(), &id, property, &values)) && !values.ninl_val.empty()
-                   ? std::optional<std::string>(values.ninl_val.front())
-                   : std::nullopt;
-    }
-
-    [[nodiscard]] std::optional<unsigned> number(std::string_view property) {
-        bool isValid = false;
-        const unsigned number = platform::accountNumber(value(property).value_or(""), &isValid);
-        return isValid ? std::optional(number) : std::nullopt;
-    }
-};
-
-Record recordAt(const std::string& path) {
-    Record record;
-    if (!record.isThere(platform::openLocalRecord(path, &record.domain, &record.id))) {
-        record.domain.reset();
-    }
-    return record;
+std::optional<unsigned> numberIn(const DirectoryView::Record& record, std::string_view property) {
+    bool isValid = false;
+    const unsigned number = platform::accountNumber(firstValueOf(record, property), &isValid);
+    return isValid ? std::optional(number) : std::nullopt;
 }
 
 std::optional<Account> computerAccount(const std::string& name) {
@@ -72,24 +43,20 @@ std::vector<gid_t> computerGroups(const Account& account) {
 
 } // namespace
 
-void ServerAccounts::noteFailure(std::int32_t status) {
-    if (status != NI_OK && problem_.empty()) {
-        problem_ = ni_error(status);
+void ServerAccounts::noteFailure(const DirectoryView& directory) {
+    if (directory.failure() != NI_OK && problem_.empty()) {
+        problem_ = ni_error(directory.failure());
     }
 }
 
 std::optional<Account> ServerAccounts::directoryAccount(const std::string& name) {
-    Record record = name.find('/') == std::string::npos ? recordAt("/users/" + name) : Record();
-    std::optional<Account> account;
-    if (record.domain) {
-        const auto uid = record.number("uid");
-        const auto gid = record.number("gid");
-        if (uid && gid) {
-            account = Account{name, *uid, *gid, {*gid}};
-        }
-    }
-    noteFailure(record.failure);
-    return account;
+    const DirectoryView directory(platform::Host::current().services().localDomain);
+    const auto record =
+        name.find('/') == std::string::npos ? directory.record("/users/" + name) : std::nullopt;
+    noteFailure(directory);
+    const auto uid = record ? numberIn(*record, "uid") : std::nullopt;
+    const auto gid = record ? numberIn(*record, "gid") : std::nullopt;
+    return uid && gid ? std::optional(Account{name, *uid, *gid, {*gid}}) : std::nullopt;
 }
 
 std::optional<Account> ServerAccounts::eitherAccount(const std::string& name) {
@@ -102,27 +69,16 @@ const std::map<std::string, ServerAccounts::Group>& ServerAccounts::groups() {
         return *groups_;
     }
     groups_.emplace();
-    Record place = recordAt("/groups");
-    ni_idlist children;
-    if (!place.domain || !place.isThere(ni_children(place.domain.get(), &place.id, &children))) {
-        noteFailure(place.failure);
-        return *groups_;
-    }
-    for (const std::uint32_t child : children.niil_val) {
-        place.id = {child};
-        const auto name = place.value("name");
-        const auto gid = place.number("gid");
-        if (!name || !gid) {
-            continue;
-        }
-        ni_namelist members;
-        Group& group = (*groups_)[*name];
-        group.gid = *gid;
-        if (place.isThere(ni_lookupprop(place.domain.get(), &place.id, "users", &members))) {
-            group.members.assign(members.ninl_val.begin(), members.ninl_val.end());
+    const DirectoryView directory(platform::Host::current().services().localDomain);
+    for (const DirectoryView::Record& record : directory.records("/groups")) {
+        const std::string name = firstValueOf(record, "name");
+        const auto gid = numberIn(record, "gid");
+        if (!name.empty() && gid) {
+            const auto members = valuesOf(record, "users");
+            (*groups_)[name] = {*gid, {members.begin(), members.end()}};
         }
     }
-    noteFailure(place.failure);
+    noteFailure(directory);
     return *groups_;
 }
 

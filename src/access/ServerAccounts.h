@@ -3,11 +3,12 @@
 #include "access/Accounts.h"
 #include "platform/samba/SambaAccounts.h"
 
-#include <cstdint>
 #include <map>
 #include <optional>
 #include <string>
 #include <vector>
+
+class DirectoryView;
 
 namespace accesscheck {
 
@@ -33,8 +34,7 @@ class ServerAccounts : public Accounts {
 
     [[nodiscard]] std::optional<Account> directoryAccount(const std::string& name);
     [[nodiscard]] std::optional<Account> eitherAccount(const std::string& name);
-    /// Remembers that the directory could not be read, if `status` says so.
-    void noteFailure(std::int32_t status);
+    void noteFailure(const DirectoryView& directory);
     /// The directory's groups by name.
     [[nodiscard]] const std::map<std::string, Group>& groups();
     void addGroupsOf(Account& account);

@@ -40,15 +40,15 @@ class Application {
     void end();
 
     /// Says which computer the doctor examines. Must come before load().
-    void setPatient(accesscheck::Patient patient) { patient_ = std::move(patient); }
+    void setExaminedHost(accesscheck::ExaminedHost host) { examinedHost_ = std::move(host); }
 
-    [[nodiscard]] const accesscheck::Patient& patient() const { return patient_; }
+    [[nodiscard]] const accesscheck::ExaminedHost& examinedHost() const { return examinedHost_; }
 
     /// Returns the table with that name. Throws std::logic_error when the interface has none.
     [[nodiscard]] NSTableView& table(const std::string& name) const;
 
   private:
-    accesscheck::Patient patient_;
+    accesscheck::ExaminedHost examinedHost_;
     review::History history_; ///< wraps the authority in the host's services
     platform::Host host_;
     std::unique_ptr<platform::Interface> interface_; ///< destroyed before the host, which its controls need

@@ -13,6 +13,7 @@
 #include "platform/foundation/NSString.h"
 #include "platform/host/EmbeddedHost.h"
 #include "platform/host/EmbeddedRoot.h"
+#include "platform/host/InstalledFiles.h"
 #include "platform/host/SystemHost.h"
 #include "platform/posix/Secret.h"
 #include "platform/samba/EmbeddedServer.h"
@@ -237,14 +238,14 @@ frontend::ShareServer shareServer(const Options& options, const Result<Server>& 
 }
 
 /// Returns what the doctor has to know of the host.
-accesscheck::Patient patientOf(const platform::HostOptions& host) {
-    accesscheck::Patient patient{std::nullopt, frontend::calledFor(host)};
-    if (!host.system) {
-        patient.root =
-            platform::EmbeddedRoot(host.root.empty() ? platform::EmbeddedRoot::defaultFolder() : host.root)
-                .sambaPaths();
+accesscheck::ExaminedHost examinedHostOf(const platform::HostOptions& options) {
+    accesscheck::ExaminedHost host{std::nullopt, frontend::calledFor(options)};
+    if (!options.system) {
+        host.root = platform::EmbeddedRoot(options.root.empty() ? platform::EmbeddedRoot::defaultFolder()
+                                                                : options.root)
+                        .sambaPaths();
     }
-    return patient;
+    return host;
 }
 
 /// Returns the name of what the window works on, which is the same however it was given.
@@ -284,7 +285,7 @@ Result<int> openWindow(const Options& options, frontend::WindowRun& window) {
         return services.status();
     }
     Application application(std::move(*services));
-    application.setPatient(patientOf(options.host));
+    application.setExaminedHost(examinedHostOf(options.host));
     const auto server = startServer(options);
     return window.show(application, shareServer(options, server), only.get());
 }
@@ -303,7 +304,7 @@ Status takeSnapshots(const Options& options, frontend::WindowRun& window) {
         return services.status();
     }
     Application application(std::move(*services));
-    application.setPatient(patientOf(options.host));
+    application.setExaminedHost(examinedHostOf(options.host));
     return window.takeSnapshots(application, options.snapshotFolder);
 }
 
@@ -340,7 +341,7 @@ Result<int> runCommand(const Options& options) {
     }
     presenter->begin();
     const int status = frontend::CommandRun({options.command, *presenter, application.reviewer(),
-                                             application.history(), patientOf(options.host)})
+                                             application.history(), examinedHostOf(options.host)})
                            .run();
     application.end();
     return status;

@@ -319,6 +319,7 @@ void Editor::removePair(const SMBSectionLines& section, const SMBChange& change)
         conflict(change, line.value);
     }
     edits_.remove(line.begin, lines_.lines()[lines_.endOfJoinedLines(*index) - 1].end);
+    removeUnkeptSettings(section, section.first, change.key); // else the server would take an empty value
 }
 
 void Editor::addPair(const SMBSectionLines& section, const SMBChange& change) {

@@ -190,7 +190,7 @@ bool SMBLines::isUnkeptSetting(const SMBLine& line, std::string_view key) const 
     const std::string_view content = this->content(line);
     const std::size_t equals = content.find('=');
     return line.kind == SMBLine::Kind::Other && !line.isJoined && equals != std::string_view::npos &&
-           foldedSettingName(content.substr(0, equals)) == foldedSettingName(key);
+           mainSettingName(content.substr(0, equals)) == mainSettingName(key);
 }
 
 std::string_view SMBLines::content(const SMBLine& line) const {

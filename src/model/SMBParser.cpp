@@ -1,7 +1,6 @@
 #include "model/SMBParser.h"
 
 #include <algorithm>
-#include <cstring>
 
 namespace {
 

@@ -26,6 +26,11 @@ constexpr std::array<Synonym, 11> synonyms{{{"public", "guestok"},
                                             {"denyhosts", "hostsdeny"},
                                             {"printok", "printable"}}};
 
+const Synonym* findSynonym(const std::string& name) {
+    const auto* found = std::ranges::find(synonyms, name, &Synonym::name);
+    return found == synonyms.end() ? nullptr : found;
+}
+
 } // namespace
 
 std::string foldedSettingName(std::string_view name) {
@@ -36,6 +41,12 @@ std::string foldedSettingName(std::string_view name) {
         }
     }
     return result;
+}
+
+std::string mainSettingName(std::string_view name) {
+    std::string folded = foldedSettingName(name);
+    const Synonym* synonym = findSynonym(folded);
+    return synonym == nullptr ? folded : std::string(synonym->key);
 }
 
 std::optional<bool> serverBool(std::string_view value) {
@@ -63,10 +74,10 @@ ServerSetting serverSetting(const SMBShare& section, std::string_view key) {
     ServerSetting last;
     for (const SMBPair& pair : section.Props()) {
         const std::string name = foldedSettingName(pair.Name);
-        const auto* const synonym = std::ranges::find(synonyms, name, &Synonym::name);
+        const Synonym* synonym = findSynonym(name);
         if (name == wanted) {
             last = {&pair, false};
-        } else if (synonym != synonyms.end() && synonym->key == wanted) {
+        } else if (synonym != nullptr && synonym->key == wanted) {
             last = {&pair, synonym->inverted};
         }
     }

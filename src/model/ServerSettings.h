@@ -13,6 +13,9 @@
 /// A setting's name in lower case and without blanks, which is how the server compares names.
 [[nodiscard]] std::string foldedSettingName(std::string_view name);
 
+/// The setting's main name in that form: "readonly" for "Write OK".
+[[nodiscard]] std::string mainSettingName(std::string_view name);
+
 /// True for "yes", "true", "on" and "1" in any case, false for their opposites, none for another value.
 [[nodiscard]] std::optional<bool> serverBool(std::string_view value);
 

@@ -42,7 +42,7 @@ std::optional<AccountForecast> AccountForecast::ofComputer() {
     }
     AccountForecast forecast;
     forecast.accounts_ = {std::move(*users), std::move(*groups), platform::readAccountLimits(),
-                          sudoUser().value_or(::getuid())};
+                          tools::sudoUser().value_or(::getuid())};
     for (const platform::MadeAccount& account : *made) {
         const auto* user = account.isUser ? forecast.accounts_.findUser(account.name) : nullptr;
         const auto* group = account.isUser ? nullptr : forecast.accounts_.findGroup(account.name);

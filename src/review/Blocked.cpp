@@ -178,7 +178,7 @@ void addPasswordBlocks(const BROutlets& controls, const std::optional<AccountFor
 /// Adds a block if the helper would refuse to change the folder, because anybody could replace it.
 void addFolderBlock(const PlannedRun& run, const BROutlets& controls, std::vector<Remark>* blocks) {
     const auto status =
-        run.arguments.size() == 2 ? checkNotReplaceable(run.arguments[1]) : platform::Status();
+        run.arguments.size() == 2 ? tools::checkNotReplaceable(run.arguments[1]) : platform::Status();
     if (status.isOk()) {
         return;
     }

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "app/BROutlets.h"
+#include "directory/DirectoryView.h"
 #include "review/AccountForecast.h"
-#include "review/DirectoryView.h"
 #include "review/Plan.h"
 
 #include <optional>

@@ -27,7 +27,7 @@ void FolderForecasts::apply(struct stat& status) const {
     status.st_mode = forecast.mode ? (status.st_mode & ~modeBits) | *forecast.mode : status.st_mode;
 }
 
-void FolderForecasts::add(const std::string& path, const FolderOrder& order) {
+void FolderForecasts::add(const std::string& path, const tools::FolderOrder& order) {
     const Identity identity{order.status.st_dev, order.status.st_ino};
     const auto [place, isNew] = forecasts_.try_emplace(identity);
     Forecast& forecast = place->second;

@@ -22,7 +22,7 @@ class FolderForecasts : public platform::FolderForecast {
     void apply(struct stat& status) const override;
 
     /// Records what a tool would do to the folder at `path`.
-    void add(const std::string& path, const FolderOrder& order);
+    void add(const std::string& path, const tools::FolderOrder& order);
 
     /// Each folder that a run has named, with its state before and after all runs, in the order in which the
     /// folders were first named.

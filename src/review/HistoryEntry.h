@@ -1,6 +1,6 @@
 #pragma once
 
-#include "review/DirectoryView.h"
+#include "directory/DirectoryView.h"
 
 #include <cstdint>
 #include <optional>
@@ -13,7 +13,7 @@ namespace review {
 
 /// A record of the directory before and after; none means that there is no such record.
 struct RecordChange {
-    using State = std::optional<std::vector<DirectoryView::Property>>;
+    using State = std::optional<DirectoryView::Record>;
 
     std::string path;
     State before;

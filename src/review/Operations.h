@@ -24,6 +24,11 @@ struct WritingOperation {
 /// Returns the operation of that name, or null when it changes nothing.
 [[nodiscard]] const WritingOperation* findWritingOperation(std::string_view name);
 
+/// Whether the operation of that name changes anything.
+[[nodiscard]] inline bool isWriting(std::string_view name) {
+    return findWritingOperation(name) != nullptr;
+}
+
 /// Returns where the action of that operation can be stopped.
 [[nodiscard]] Stops stopsOf(std::string_view operation);
 

@@ -7,12 +7,10 @@
 #include "platform/foundation/SystemPaths.h"
 #include "platform/netinfo/LocalDomain.h"
 #include "platform/netinfo/StoreCopy.h"
-#include "review/WorkingCopy.h"
+#include "platform/posix/TemporaryFolder.h"
 
 #include <algorithm>
-#include <cerrno>
 #include <cmath>
-#include <filesystem>
 #include <utility>
 
 #include <pwd.h>
@@ -69,36 +67,26 @@ std::optional<std::string> settingsBytes(const std::string& path) {
 /// can read it while runs of an action are pending.
 class Recorder::Before {
   public:
-    Before() : folder_(makeScratchFolder()), directory_(folder_ + "/directory.db") {
-        if (folder_.empty()) {
-            status_ = platform::Status::ofErrno("cannot make", "a folder for temporary files", errno);
+    Before() : folder_(platform::TemporaryFolder::makeInMemory("before")) {
+        if (!folder_.isOk()) {
+            status_ = folder_.status();
             return;
         }
-        status_ = platform::copyDirectory(platform::Host::current().localDomain(), folder_ + "/directory.db",
-                                          waitSeconds);
+        status_ =
+            platform::copyDirectory(platform::Host::current().localDomain(), directoryFile(), waitSeconds);
     }
-
-    ~Before() {
-        if (!folder_.empty()) {
-            std::error_code ignored; // the system cleans its folder for temporary files
-            std::filesystem::remove_all(folder_, ignored);
-        }
-    }
-
-    Before(const Before&) = delete;
-    Before& operator=(const Before&) = delete;
 
     [[nodiscard]] const platform::Status& status() const { return status_; }
 
-    [[nodiscard]] const DirectoryView& directory() const { return directory_; }
+    // The following only if the status is ok.
+    [[nodiscard]] std::string directoryFile() const { return folder_->path() + "/directory.db"; }
 
     std::vector<FileChange> files = {
         {systempath::smbConf, settingsBytes(systempath::smbConf), std::nullopt},
         {systempath::appleFileServer, settingsBytes(systempath::appleFileServer), std::nullopt}};
 
   private:
-    std::string folder_;
-    DirectoryView directory_;
+    platform::Result<platform::TemporaryFolder> folder_;
     platform::Status status_;
 };
 
@@ -205,6 +193,21 @@ void Recorder::beginUndo(std::int64_t undone, std::string title) {
     entry_.title = std::move(title);
 }
 
+bool Recorder::addRecords() {
+    const DirectoryView then(before_->directoryFile());
+    const DirectoryView now(platform::Host::current().services().localDomain);
+    if (!entry_.records.empty() && !now.isReadable()) {
+        return false; // all records would seem to have been deleted
+    }
+    for (RecordChange& record : entry_.records) {
+        record.before = then.record(record.path);
+        record.after = now.record(record.path);
+    }
+    std::erase_if(entry_.records,
+                  [](const RecordChange& record) { return isSameRecord(record.before, record.after); });
+    return true;
+}
+
 void Recorder::addFiles() {
     for (FileChange& file : before_->files) {
         file.after = settingsBytes(file.path);
@@ -215,19 +218,11 @@ void Recorder::addFiles() {
 }
 
 void Recorder::finish() {
-    const platform::Host& host = platform::Host::current();
-    const DirectoryView now(host.services().localDomain);
-    if (!entry_.records.empty() && !now.isReadable()) {
-        NSLog("What this action has changed is not kept in the history: the directory cannot be read");
-        return; // all records would seem to have been deleted
-    }
-    for (RecordChange& record : entry_.records) {
-        record.before = before_->directory().record(record.path);
-        record.after = now.record(record.path);
-    }
-    std::erase_if(entry_.records,
-                  [](const RecordChange& record) { return isSameRecord(record.before, record.after); });
     if (before_) {
+        if (!addRecords()) {
+            NSLog("What this action has changed is not kept in the history: the directory cannot be read");
+            return;
+        }
         addFiles();
     }
     for (FolderStep& folder : entry_.folders) {
@@ -239,7 +234,7 @@ void Recorder::finish() {
         return;
     }
     entry_.hasFailed = entry_.undoes == 0 ? entry_.hasFailed : undoFailed_;
-    entry_.time = std::llround(host.clock().now() + referenceDate);
+    entry_.time = std::llround(platform::Host::current().clock().now() + referenceDate);
     entry_.user = loginName();
     if (entry_.undoes == 0) {
         entry_.title = titleOf(entry_);

@@ -54,6 +54,8 @@ class Recorder : public platform::Authority, public platform::PendingWrites {
     class Before; // what runs can change, before the action's first run
 
     void note(const std::string& tool, std::span<const std::string> arguments);
+    /// False, with nothing added, when the directory cannot be read now.
+    [[nodiscard]] bool addRecords();
     void addFiles();
     void finish();
 

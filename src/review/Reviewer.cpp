@@ -7,18 +7,12 @@
 #include "platform/foundation/Host.h"
 #include "platform/foundation/NSBundle.h"
 #include "platform/foundation/NSFileManager.h"
-#include "platform/foundation/SystemPaths.h"
-#include "platform/netinfo/LocalDomain.h"
-#include "platform/netinfo/StoreWait.h"
-#include "privileged/NiutilTask.h"
-#include "review/DirectoryView.h"
 #include "review/Operations.h"
 #include "review/Planner.h"
 #include "review/ServerReading.h"
 
 #include <algorithm>
 #include <string_view>
-#include <utility>
 
 namespace review {
 
@@ -73,10 +67,6 @@ Reviewer::Reviewer(const platform::Interface& main) : main_(main), showBlocked_(
 Reviewer::~Reviewer() {
     gate().mayPerform = nullptr;
     gate().didPerform = nullptr;
-}
-
-bool Reviewer::isWriting(const std::string& operation) {
-    return findWritingOperation(operation) != nullptr;
 }
 
 BRController& Reviewer::controller() const {
@@ -138,34 +128,6 @@ bool Reviewer::mayMigrate() const {
         showBlocked_(plan);
     }
     return plan.blocks.empty();
-}
-
-std::string Reviewer::directoryProblem() {
-    return platform::directoryProblem();
-}
-
-std::string Reviewer::directoryHolder() {
-    return platform::storeHolder(platform::Host::current().localDomain().storeFile());
-}
-
-bool Reviewer::hasRecord(const std::string& path) {
-    if (!directoryHolder().empty()) {
-        return false;
-    }
-    std::string problem = platform::directoryProblem(); // reading sets it again
-    const bool isThere =
-        DirectoryView(platform::Host::current().services().localDomain).record(path).has_value();
-    platform::setDirectoryProblem(std::move(problem)); // the lists still show what was read before
-    return isThere;
-}
-
-PlannedRun Reviewer::serverRun(ServerChange change) {
-    return {platform::systempath::service, {"smbd", change == ServerChange::Start ? "start" : "enable"}, ""};
-}
-
-bool Reviewer::changeServer(ServerChange change) {
-    const PlannedRun run = serverRun(change);
-    return NiutilTask::sharedInstance().carryOut(run.tool, run.arguments);
 }
 
 void Reviewer::reread() const {

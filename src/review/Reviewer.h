@@ -28,9 +28,6 @@ class Reviewer {
     Reviewer(const Reviewer&) = delete;
     Reviewer& operator=(const Reviewer&) = delete;
 
-    /// Whether the operation changes anything. The gate does not plan operations that do not.
-    [[nodiscard]] static bool isWriting(const std::string& operation);
-
     /// What pressing the control would do; a check box changes its state first. Nothing is changed, shown or
     /// asked.
     [[nodiscard]] Plan planPress(const NSControl& control) const;
@@ -51,22 +48,6 @@ class Reviewer {
 
     /// What carrying out the undo would do. It is not checked for warnings.
     [[nodiscard]] Plan planUndo(const UndoPlan& undo) const;
-
-    /// Why the last attempt to read the directory failed; empty when it succeeded.
-    [[nodiscard]] static std::string directoryProblem();
-    /// Which program has the directory locked now: "PROGRAM (process ID)"; empty when none is known.
-    [[nodiscard]] static std::string directoryHolder();
-
-    /// Whether the directory has that record ("/users/root"); false if finding out would mean waiting. Does
-    /// not change directoryProblem().
-    [[nodiscard]] static bool hasRecord(const std::string& path);
-
-    enum class ServerChange { Start, StartAtBoot };
-    /// Starts the computer's own SMB server now, or has it started whenever the computer starts. Returns
-    /// false when that failed.
-    static bool changeServer(ServerChange change);
-    /// The tool run that does it.
-    [[nodiscard]] static PlannedRun serverRun(ServerChange change);
 
     /// Reads smb.conf again and updates the model, rows and fields.
     void reread() const;

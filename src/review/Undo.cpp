@@ -24,7 +24,7 @@ namespace systempath = platform::systempath;
 namespace {
 
 using platform::Status;
-using Properties = std::vector<DirectoryView::Property>;
+using Properties = DirectoryView::Record;
 
 PlannedRun niclRun(const char* operation, const std::string& path, const std::string& property = {},
                    const std::vector<std::string>& values = {}) {
@@ -229,7 +229,7 @@ class UndoPlanner {
             return;
         }
         if (platform::Host::current().services().computer != nullptr &&
-            !checkNotReplaceable(folder.path).isOk()) {
+            !tools::checkNotReplaceable(folder.path).isOk()) {
             lose(NSLocalizedString("Anybody could replace the folder %@, so it stays as it is."),
                  folder.path);
             return;

@@ -2,8 +2,7 @@
 
 #include "app/DirectoryRecords.h"
 #include "directory/DirectoryRules.h"
-#include "platform/foundation/NSBundle.h"
-#include "platform/foundation/NSString.h"
+#include "platform/foundation/SystemPaths.h"
 
 #include <set>
 
@@ -13,11 +12,6 @@ namespace {
 
 /// An action on more accounts than this gives a warning.
 constexpr std::size_t manyAccounts = 20;
-
-template <class... Arguments>
-Remark remark(std::string_view code, const std::string& key, const Arguments&... arguments) {
-    return {code, stringWithFormat(NSLocalizedString(key), arguments...)};
-}
 
 /// The warnings about an account, for users or for groups.
 struct AccountTexts {
@@ -116,7 +110,8 @@ void addPublicFolder(const Situation& situation, std::vector<Remark>* warnings) 
 void addNumberOfAccounts(const Plan& plan, std::vector<Remark>* warnings) {
     std::set<RecordPath> accounts;
     for (const PlannedRun& run : plan.runs) {
-        const auto change = run.tool == "/usr/bin/nicl" ? directoryChange(run.arguments) : std::nullopt;
+        const auto change =
+            run.tool == platform::systempath::nicl ? directoryChange(run.arguments) : std::nullopt;
         const auto path = change ? recordPath(change->path) : std::nullopt;
         if (path && isAccount(*path)) {
             accounts.insert(*path);

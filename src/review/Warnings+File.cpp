@@ -112,16 +112,12 @@ void addLosses(const SMBConf& model, std::vector<Remark>* warnings) {
     const std::string& read = model.textOnDisk();
     const Rewriting rewriting(read, SMBConf::ofText(read)->writtenText());
     if (!rewriting.lost.empty()) {
-        warnings->push_back(
-            {"lines-lost",
-             stringWithFormat(NSLocalizedString("Saving does not keep these lines of smb.conf: %@."),
-                              namesOf(rewriting.lost))});
+        warnings->push_back(remark("lines-lost", "Saving does not keep these lines of smb.conf: %@.",
+                                   namesOf(rewriting.lost)));
     }
     if (!rewriting.moved.empty()) {
-        warnings->push_back(
-            {"lines-lost",
-             stringWithFormat(NSLocalizedString("Saving moves these lines of smb.conf to another place: %@."),
-                              namesOf(rewriting.moved))});
+        warnings->push_back(remark("lines-lost", "Saving moves these lines of smb.conf to another place: %@.",
+                                   namesOf(rewriting.moved)));
     }
     std::vector<NamedLine> continued;
     const std::vector<std::string_view> lines = linesOf(read);
@@ -131,11 +127,10 @@ void addLosses(const SMBConf& model, std::vector<Remark>* warnings) {
         }
     }
     if (!continued.empty()) {
-        warnings->push_back(
-            {"lines-lost",
-             stringWithFormat(NSLocalizedString("These lines of smb.conf end in a backslash and take in the "
-                                                "line that is saved after them: %@."),
-                              namesOf(continued))});
+        warnings->push_back(remark(
+            "lines-lost",
+            "These lines of smb.conf end in a backslash and take in the line that is saved after them: %@.",
+            namesOf(continued)));
     }
 }
 

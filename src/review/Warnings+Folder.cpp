@@ -1,8 +1,6 @@
 #include "review/Warnings.h"
 
 #include "platform/foundation/Host.h"
-#include "platform/foundation/NSBundle.h"
-#include "platform/foundation/NSString.h"
 #include "tools/HelperFolders.h"
 
 #include <algorithm>
@@ -19,11 +17,6 @@ namespace review {
 namespace {
 
 namespace fs = std::filesystem;
-
-template <class... Arguments>
-Remark remark(std::string_view code, const std::string& key, const Arguments&... arguments) {
-    return {code, stringWithFormat(NSLocalizedString(key), arguments...)};
-}
 
 /// The path with links resolved, or, when that fails, only normalized.
 fs::path resolved(const std::string& path) {
@@ -62,13 +55,13 @@ void addPlaceWarnings(const Situation& situation, const std::string& folder, std
     struct stat status {};
 
     const bool isComputer = platform::Host::current().services().computer != nullptr;
-    const auto host = isComputer ? FolderHost::Computer : FolderHost::Embedded;
+    const auto host = isComputer ? tools::FolderHost::Computer : tools::FolderHost::Embedded;
     const fs::path real = resolved(folder);
     const bool exists = ::stat(folder.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
     if (!exists) {
         warnings->push_back(remark("no-folder", "There is no folder \"%@\".", folder));
     }
-    if (isSystemFolder(real.string(), status, host)) {
+    if (tools::isSystemFolder(real.string(), status, host)) {
         warnings->push_back(remark("system-folder",
                                    "The folder \"%@\" is the system's own: its owner and mode stay as they "
                                    "are, and what is in it would be shared.",

@@ -87,11 +87,10 @@ void addWokenSettings(const SMBShare& homes, const std::vector<SMBSetting>& show
         names += stringWithFormat(NSLocalizedString(", and %d more"), count - namedSettings);
     }
     if (count > 0) {
-        warnings->push_back(
-            {"untouched-setting",
-             stringWithFormat(NSLocalizedString("Sharing the home folders makes these settings of the "
-                                                "commented-out section [homes] active, too: %@."),
-                              names)});
+        warnings->push_back(remark("untouched-setting",
+                                   "Sharing the home folders makes these settings of the commented-out "
+                                   "section [homes] active, too: %@.",
+                                   names));
     }
 }
 
@@ -164,11 +163,10 @@ void addAFPPage(const Situation& situation, std::vector<Remark>* warnings) {
     for (const SettingChange& change : situation.plan.afpSettings) {
         const auto found = afpControls().find(change.key);
         if (found == afpControls().end() || !found->second(situation.before)) {
-            warnings->push_back(
-                {"untouched-setting",
-                 stringWithFormat(NSLocalizedString("\"%@\" of the AFP settings changes from \"%@\" to "
-                                                    "\"%@\", although nobody touched its control."),
-                                  change.key, change.before, change.after)});
+            warnings->push_back(remark("untouched-setting",
+                                       "\"%@\" of the AFP settings changes from \"%@\" to \"%@\", although "
+                                       "nobody touched its control.",
+                                       change.key, change.before, change.after));
         }
     }
 }
@@ -187,17 +185,17 @@ Remark untouchedSetting(const std::string& section, std::string_view key, const 
                         const ServerSetting& after) {
     if (before.pair != nullptr && after.pair != nullptr &&
         foldedSettingName(before.pair->Name) != foldedSettingName(after.pair->Name)) {
-        return {"untouched-setting",
-                stringWithFormat(NSLocalizedString("\"%@\" in the section [%@] of smb.conf is replaced by "
-                                                   "\"%@\", although nobody touched its control."),
-                                 lineOf(*before.pair), section, lineOf(*after.pair))};
+        return remark("untouched-setting",
+                      "\"%@\" in the section [%@] of smb.conf is replaced by \"%@\", although nobody touched "
+                      "its control.",
+                      lineOf(*before.pair), section, lineOf(*after.pair));
     }
     const SMBPair* written = before.pair != nullptr ? before.pair : after.pair;
-    return {"untouched-setting",
-            stringWithFormat(NSLocalizedString("\"%@\" in the section [%@] of smb.conf changes from \"%@\" "
-                                               "to \"%@\", although nobody touched its control."),
-                             written != nullptr ? written->Name.str() : std::string(key), section,
-                             valueOf(before), valueOf(after))};
+    return remark("untouched-setting",
+                  "\"%@\" in the section [%@] of smb.conf changes from \"%@\" to \"%@\", although nobody "
+                  "touched its control.",
+                  written != nullptr ? written->Name.str() : std::string(key), section, valueOf(before),
+                  valueOf(after));
 }
 
 void addSettingWarnings(const Situation& situation, std::vector<Remark>* warnings) {

@@ -109,7 +109,7 @@ class ShareWarnings {
   private:
     template <class... Arguments>
     void warn(std::string_view code, const std::string& key, const Arguments&... arguments) {
-        warnings_.push_back({code, stringWithFormat(NSLocalizedString(key), arguments...)});
+        warnings_.push_back(remark(code, key, arguments...));
     }
 
     void addRemovedSections(const SMBConf& before, const SMBConf& after) {

@@ -1,10 +1,14 @@
 #pragma once
 
 #include "app/BRController.h"
+#include "directory/DirectoryView.h"
 #include "model/ServerSettings.h"
-#include "review/DirectoryView.h"
+#include "platform/foundation/NSBundle.h"
+#include "platform/foundation/NSString.h"
 #include "review/Plan.h"
 
+#include <string>
+#include <string_view>
 #include <vector>
 
 namespace review {
@@ -22,6 +26,12 @@ struct Situation {
     /// Whether the plan writes smb.conf.
     [[nodiscard]] bool writesSMBConf() const;
 };
+
+/// A warning whose sentence is the text with that key, with the arguments in it.
+template <class... Arguments>
+[[nodiscard]] Remark remark(std::string_view code, const std::string& key, const Arguments&... arguments) {
+    return {code, stringWithFormat(NSLocalizedString(key), arguments...)};
+}
 
 /// What might surprise the user when the plan is carried out. Each warning is a sentence that names what it
 /// is about.

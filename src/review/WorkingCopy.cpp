@@ -1,5 +1,6 @@
 #include "review/WorkingCopy.h"
 
+#include "directory/DirectoryView.h"
 #include "platform/foundation/Host.h"
 #include "platform/foundation/NSFileManager.h"
 #include "platform/foundation/NSLog.h"
@@ -8,7 +9,6 @@
 #include "platform/netinfo/LocalDomain.h"
 #include "platform/netinfo/StoreCopy.h"
 #include "platform/posix/WholeFile.h"
-#include "review/DirectoryView.h"
 #include "tools/DirectoryTools.h"
 #include "tools/Helper.h"
 #include "tools/HelperComplaint.h"
@@ -142,26 +142,18 @@ Status copyFileIfThere(const std::string& from, const std::string& to) {
 
 } // namespace
 
-std::string makeScratchFolder() {
-    std::error_code ignored;
-    for (const fs::path& place : {fs::path("/dev/shm"), fs::temp_directory_path(ignored)}) {
-        std::string pattern = (place / "brindle-plan-XXXXXX").string();
-        if (::mkdtemp(pattern.data()) != nullptr) {
-            return pattern;
-        }
-    }
-    return {};
-}
+WorkingCopy::WorkingCopy(platform::TemporaryFolder folder)
+    : folder_(std::move(folder)), original_(platform::Host::current().services()),
+      folders_(std::make_shared<FolderForecasts>(original_.folderForecast)) {}
 
 Result<std::shared_ptr<WorkingCopy>> WorkingCopy::makeWithoutDirectory() {
     platform::Host::settlePendingWrites();
-    std::shared_ptr<WorkingCopy> copy(new WorkingCopy()); // make_shared cannot call the private constructor
-    copy->original_ = platform::Host::current().services();
-    copy->folders_ = std::make_shared<FolderForecasts>(copy->original_.folderForecast);
-    copy->folder_ = makeScratchFolder();
-    if (copy->folder_.empty()) {
-        return Status::ofErrno("cannot make", "a folder for temporary files", errno);
+    auto folder = platform::TemporaryFolder::makeInMemory("plan");
+    if (!folder.isOk()) {
+        return folder.status();
     }
+    // make_shared cannot call the private constructor
+    std::shared_ptr<WorkingCopy> copy(new WorkingCopy(std::move(*folder)));
     Status status = copy->fill();
     return status.isOk() ? Result<std::shared_ptr<WorkingCopy>>(std::move(copy)) : status;
 }
@@ -192,24 +184,18 @@ Result<std::shared_ptr<WorkingCopy>> WorkingCopy::makeWithUnreadableDirectory(co
     return status.isOk() ? std::move(copy) : status;
 }
 
-WorkingCopy::~WorkingCopy() {
-    if (!folder_.empty()) {
-        std::error_code ignored; // the system cleans its folder for temporary files
-        fs::remove_all(folder_, ignored);
-    }
-}
-
 Status WorkingCopy::fill() {
     std::error_code error;
-    fs::create_directories(folder_ + homeName, error);
+    fs::create_directories(folder_.path() + homeName, error);
     if (!error) {
-        fs::create_directory(folder_ + lockedHomeName, error);
+        fs::create_directory(folder_.path() + lockedHomeName, error);
     }
     if (!error) {
-        fs::permissions(folder_ + lockedHomeName, fs::perms::owner_read | fs::perms::owner_exec, error);
+        fs::permissions(folder_.path() + lockedHomeName, fs::perms::owner_read | fs::perms::owner_exec,
+                        error);
     }
     if (error) {
-        return Status::failure("cannot make a home folder in", folder_, error.message());
+        return Status::failure("cannot make a home folder in", folder_.path(), error.message());
     }
     for (const char* file : settingsFiles) {
         if (Status status = copyFileIfThere(file, settingsFile(file)); !status.isOk()) {
@@ -218,7 +204,7 @@ Status WorkingCopy::fill() {
     }
     const std::string defaults = original_.paths->defaultsFile();
     if (!defaults.empty()) {
-        if (Status status = copyFileIfThere(defaults, folder_ + defaultsName); !status.isOk()) {
+        if (Status status = copyFileIfThere(defaults, folder_.path() + defaultsName); !status.isOk()) {
             return status;
         }
     }
@@ -232,7 +218,7 @@ platform::Services WorkingCopy::services() {
     copied.authority = nullptr;
     copied.pendingWrites = std::make_shared<CopyWrites>(shared_from_this());
     copied.historyFile.clear();
-    copied.paths = std::make_shared<CopiedPaths>(original_, folder_);
+    copied.paths = std::make_shared<CopiedPaths>(original_, folder_.path());
     copied.localDomain = std::make_shared<platform::CopiedDomain>(storeFile(), original_.localDomain);
     copied.folderForecast = folders_;
     return copied;
@@ -247,12 +233,12 @@ Status WorkingCopy::copyHistory(std::string* copy) const {
     if (original_.historyFile.empty()) {
         return {};
     }
-    *copy = folder_ + historyName;
+    *copy = folder_.path() + historyName;
     return copyFileIfThere(original_.historyFile, *copy);
 }
 
 std::string WorkingCopy::storeFile() const {
-    return folder_ + storeName;
+    return folder_.path() + storeName;
 }
 
 void WorkingCopy::takeBack() {
@@ -270,18 +256,18 @@ void WorkingCopy::settle() {
 }
 
 std::string WorkingCopy::run(const std::string& tool, std::span<const std::string> arguments) {
-    DirectoryPlace directory(storeFile());
+    tools::DirectoryPlace directory(storeFile());
     directory.keepsPasswords = false;
     if (tool == platform::systempath::nicl) {
         if (!session_) {
-            session_ = std::make_unique<DirectorySession>(directory);
+            session_ = std::make_unique<tools::DirectorySession>(directory);
         }
         return session_->nicl(arguments).output;
     }
     settle();
     if (tool == platform::systempath::dscl) {
         directory.root = passwordRoot_;
-        return runDscl(directory, arguments).output;
+        return tools::runDscl(directory, arguments).output;
     }
     if (tool == platform::systempath::cp) {
         return copySettings(arguments);
@@ -290,12 +276,13 @@ std::string WorkingCopy::run(const std::string& tool, std::span<const std::strin
         arguments.size() == 2) {
         const bool isMode = tool == platform::systempath::chmod;
         const uid_t caller = changesComputer() ? 0 : ::geteuid();
-        const auto host = changesComputer() ? FolderHost::Computer : FolderHost::Embedded;
-        const auto order = isMode ? examineMode(arguments[0], arguments[1], caller, host)
-                                  : examineOwner(arguments[0], arguments[1],
-                                                 platform::DirectoryAccounts(storeFile()), caller, host);
+        const auto host = changesComputer() ? tools::FolderHost::Computer : tools::FolderHost::Embedded;
+        const auto order = isMode
+                               ? tools::examineMode(arguments[0], arguments[1], caller, host)
+                               : tools::examineOwner(arguments[0], arguments[1],
+                                                     platform::DirectoryAccounts(storeFile()), caller, host);
         if (!order.isOk()) {
-            return complaint(isMode ? "chmod" : "chown", order.status());
+            return tools::complaint(isMode ? "chmod" : "chown", order.status());
         }
         folders_->add(arguments[1], *order);
         return {};
@@ -304,9 +291,9 @@ std::string WorkingCopy::run(const std::string& tool, std::span<const std::strin
 }
 
 std::string WorkingCopy::copySettings(std::span<const std::string> arguments) {
-    HelperRequest request{platform::systempath::cp, {arguments.begin(), arguments.end()}};
+    tools::HelperRequest request{platform::systempath::cp, {arguments.begin(), arguments.end()}};
     if (arguments.size() == 2) {
-        const CopiedPaths paths(original_, folder_);
+        const CopiedPaths paths(original_, folder_.path());
         request.arguments[0] = paths.map(arguments[0]);
     }
     if (arguments.size() == 2 && changesComputer()) {
@@ -314,8 +301,8 @@ std::string WorkingCopy::copySettings(std::span<const std::string> arguments) {
         const auto text = contentsOfFile(arguments[0]);
         if (text.isOk() && arguments[1] == settingsFiles[0]) {
             const auto old = contentsOfFile(arguments[1]).valueOr("");
-            if (Status status = checkSmbConf(*text, old); !status.isOk()) {
-                return complaint("cp", status);
+            if (Status status = tools::checkSmbConf(*text, old); !status.isOk()) {
+                return tools::complaint("cp", status);
             }
         }
     } else if (arguments.size() == 2) {
@@ -323,14 +310,14 @@ std::string WorkingCopy::copySettings(std::span<const std::string> arguments) {
         const std::string targetFolder = stringByDeletingLastPathComponent(target);
         std::error_code error;
         if (::access(targetFolder.c_str(), W_OK | X_OK) != 0) {
-            return complaint("cp", Status::ofErrno("cannot write in", targetFolder, errno));
+            return tools::complaint("cp", Status::ofErrno("cannot write in", targetFolder, errno));
         }
         if (fs::exists(target, error) && !fs::is_regular_file(target, error)) {
-            return complaint(
+            return tools::complaint(
                 "cp", Status::failure("cannot replace", target, "is not a regular file; move it away"));
         }
     }
-    return runHelperTool({folder_, ::getuid()}, request).output;
+    return tools::runHelperTool({folder_.path(), ::getuid()}, request).output;
 }
 
 OSStatus WorkingCopy::execute(const std::string& tool, std::span<const std::string> arguments,

@@ -2,6 +2,7 @@
 
 #include "platform/foundation/Services.h"
 #include "platform/posix/Status.h"
+#include "platform/posix/TemporaryFolder.h"
 #include "platform/security/AuthorizationTypes.h"
 #include "review/FolderForecasts.h"
 #include "tools/DirectorySession.h"
@@ -28,7 +29,7 @@ class WorkingCopy : public std::enable_shared_from_this<WorkingCopy> {
     /// Fails when the copy can, because then the original was only in use.
     [[nodiscard]] static platform::Result<std::shared_ptr<WorkingCopy>>
     makeWithUnreadableDirectory(const platform::Status& why);
-    ~WorkingCopy();
+    ~WorkingCopy() = default;
     WorkingCopy(const WorkingCopy&) = delete;
     WorkingCopy& operator=(const WorkingCopy&) = delete;
 
@@ -45,7 +46,7 @@ class WorkingCopy : public std::enable_shared_from_this<WorkingCopy> {
     [[nodiscard]] std::string storeFile() const;
 
     /// The path of the copy of one of the two settings files; it need not exist.
-    [[nodiscard]] std::string settingsFile(const std::string& path) const { return folder_ + path; }
+    [[nodiscard]] std::string settingsFile(const std::string& path) const { return folder_.path() + path; }
 
     /// Copies the history, if there is one. `*copy` receives the path of the copy, where a new one will be
     /// begun otherwise; it is empty when the original host keeps none.
@@ -64,22 +65,18 @@ class WorkingCopy : public std::enable_shared_from_this<WorkingCopy> {
     void takeBack();
 
   private:
-    WorkingCopy() = default;
+    explicit WorkingCopy(platform::TemporaryFolder folder);
 
     [[nodiscard]] platform::Status fill();
     /// Whether the original host is the system host, where the runs are root's.
     [[nodiscard]] bool changesComputer() const;
     [[nodiscard]] std::string copySettings(std::span<const std::string> arguments);
 
-    std::string folder_;
+    platform::TemporaryFolder folder_;
     std::string passwordRoot_; ///< empty: dscl only checks its request and the user
     platform::Services original_;
     std::shared_ptr<FolderForecasts> folders_;
-    std::unique_ptr<DirectorySession> session_; ///< the runs since settle()
+    std::unique_ptr<tools::DirectorySession> session_; ///< the runs since settle()
 };
-
-/// Makes a folder for temporary files, in memory if the system offers that. Returns its path, or "" with
-/// errno set when it cannot be made.
-[[nodiscard]] std::string makeScratchFolder();
 
 } // namespace review

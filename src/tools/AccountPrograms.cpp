@@ -4,6 +4,8 @@
 
 #include <unistd.h>
 
+namespace tools {
+
 using platform::Status;
 
 Status runAccountProgram(const std::vector<std::string>& words, std::string_view input) {
@@ -23,3 +25,5 @@ Status runAccountProgram(const std::vector<std::string>& words, std::string_view
     return Status::failure("cannot change the computer's accounts", "",
                            said.empty() ? program + " gave no reason" : said);
 }
+
+} // namespace tools

@@ -6,6 +6,8 @@
 #include <string_view>
 #include <vector>
 
+namespace tools {
+
 // The computer's own programs that change its accounts (shadow-utils). They know the account files, lock
 // them, and notify other services.
 
@@ -26,3 +28,5 @@ inline constexpr const char* gpasswd = "/usr/bin/gpasswd";
 inline constexpr const char* chpasswd = "/usr/sbin/chpasswd";
 
 } // namespace accountprogram
+
+} // namespace tools

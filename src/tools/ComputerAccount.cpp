@@ -6,6 +6,8 @@
 
 #include <utility>
 
+namespace tools {
+
 using platform::Status;
 using platform::Store;
 
@@ -159,3 +161,5 @@ Status ComputerAccount::writeStore() {
     normal.values = {platform::directoryNumber(numberOf(change_).value_or(0))};
     return changeStore(directory_.store(), normal, ignored);
 }
+
+} // namespace tools

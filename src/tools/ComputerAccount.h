@@ -9,6 +9,8 @@
 #include <string>
 #include <vector>
 
+namespace tools {
+
 /// One change of an account of this computer. An account is made by several changes, first of the record and
 /// then one for each property. They are collected in the store until everything is known that the computer's
 /// own program needs to make the account. From then on, what the account's line holds is changed by those
@@ -80,3 +82,5 @@ class ComputerAccount {
     RecordPath path_;
     bool isOurs_;
 };
+
+} // namespace tools

@@ -12,6 +12,8 @@
 #include <unordered_map>
 #include <utility>
 
+namespace tools {
+
 using platform::ComputerPasswords;
 using platform::GroupLine;
 using platform::Status;
@@ -237,3 +239,5 @@ void ComputerDirectory::takeAwayGoneAccounts() {
         }
     }
 }
+
+} // namespace tools

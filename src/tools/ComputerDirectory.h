@@ -6,7 +6,7 @@
 #include "platform/netinfo/AccountFiles.h"
 #include "platform/netinfo/Store.h"
 #include "platform/posix/Status.h"
-#include "tools/ComputerStore.h"
+#include "tools/ComputerLock.h"
 #include "tools/DirectoryTools.h"
 #include "tools/UnfinishedChange.h"
 
@@ -14,6 +14,8 @@
 #include <optional>
 #include <string>
 #include <vector>
+
+namespace tools {
 
 /// This computer's directory while one run changes it: the account files, which the computer's own programs
 /// write, and the store, which holds what those files cannot. An account's record in the store belongs to the
@@ -69,3 +71,5 @@ class ComputerDirectory {
     platform::Status status_;
     std::unique_ptr<platform::Store> store_;
 };
+
+} // namespace tools

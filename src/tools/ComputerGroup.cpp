@@ -6,6 +6,8 @@
 
 #include <algorithm>
 
+namespace tools {
+
 using platform::Status;
 using platform::Store;
 
@@ -94,3 +96,5 @@ std::vector<std::string> ComputerGroup::programThatRenumbers(unsigned newNumber)
 std::vector<std::string> ComputerGroup::programThatDeletes() const {
     return {accountprogram::groupdel, "--", name()};
 }
+
+} // namespace tools

@@ -2,6 +2,8 @@
 
 #include "tools/ComputerAccount.h"
 
+namespace tools {
+
 /// A group of this computer.
 class ComputerGroup : public ComputerAccount {
   public:
@@ -25,3 +27,5 @@ class ComputerGroup : public ComputerAccount {
 
     const platform::GroupLine* line_; ///< null if the group has not been made yet
 };
+
+} // namespace tools

@@ -14,6 +14,8 @@
 #include <string_view>
 #include <vector>
 
+namespace tools {
+
 using platform::ComputerPasswords;
 using platform::PublicFolderOwner;
 using platform::Status;
@@ -177,3 +179,5 @@ Status setComputerPassword(const DirectoryPlace& place, const std::string& user,
     platform::wipe(before);
     return status;
 }
+
+} // namespace tools

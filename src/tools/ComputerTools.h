@@ -6,6 +6,8 @@
 
 #include <string>
 
+namespace tools {
+
 // The directory's tools on this computer itself. In addition to what the directory's rules refuse, they
 // refuse what directory/AccountRules.h does: changing accounts of the system, changing who administers the
 // computer, and deleting or renaming the user who runs Brindle.
@@ -17,3 +19,5 @@
 /// leaves the user with the old one.
 [[nodiscard]] platform::Status setComputerPassword(const DirectoryPlace& place, const std::string& user,
                                                    const std::string& password);
+
+} // namespace tools

@@ -10,6 +10,8 @@
 
 #include <shadow.h>
 
+namespace tools {
+
 using platform::Status;
 using platform::Store;
 
@@ -127,3 +129,5 @@ std::vector<std::string> ComputerUser::programThatRenumbers(unsigned newNumber) 
 std::vector<std::string> ComputerUser::programThatDeletes() const {
     return {accountprogram::userdel, "--", name()};
 }
+
+} // namespace tools

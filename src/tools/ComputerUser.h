@@ -2,6 +2,8 @@
 
 #include "tools/ComputerAccount.h"
 
+namespace tools {
+
 /// A user of this computer.
 class ComputerUser : public ComputerAccount {
   public:
@@ -27,3 +29,5 @@ class ComputerUser : public ComputerAccount {
 
 /// The password field of the user's line in /etc/shadow, which may be a hash; empty when it cannot be read.
 [[nodiscard]] std::string passwordHashOf(const std::string& user);
+
+} // namespace tools

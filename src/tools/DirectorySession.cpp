@@ -7,6 +7,8 @@
 #include <iterator>
 #include <utility>
 
+namespace tools {
+
 using platform::Status;
 using platform::Store;
 
@@ -106,3 +108,5 @@ Status DirectorySession::forgetPasswords(const std::set<std::string>& users) con
     }
     return {};
 }
+
+} // namespace tools

@@ -11,7 +11,9 @@
 
 namespace platform {
 class SambaAccounts;
-}
+} // namespace platform
+
+namespace tools {
 
 /// Consecutive runs of nicl that change the directory in one transaction. The first run opens the store, and
 /// from then until the commit nobody else can read or write it. A run that fails changes nothing and does not
@@ -57,3 +59,5 @@ class DirectorySession {
     bool hasCommitted_ = false;
     AccountChanges accounts_;
 };
+
+} // namespace tools

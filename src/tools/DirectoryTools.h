@@ -11,6 +11,8 @@
 
 #include <sys/types.h>
 
+namespace tools {
+
 // The directory's tools as functions, so that the programs, the helper and the tests run the same code. A
 // tool that fails changes nothing, writes one line that says what failed, on what, and what to do, and has
 // the status 1.
@@ -69,3 +71,5 @@ struct ToolResult {
 /// `--system`, `--help` and `--version` before the first other word, makes the root if it is missing, runs
 /// the tool, prints its output, and returns the exit status (2 for a wrong option).
 [[nodiscard]] int directoryToolMain(std::string_view tool, int argc, char** argv);
+
+} // namespace tools

@@ -19,6 +19,8 @@
 #include <system_error>
 #include <utility>
 
+namespace tools {
+
 using platform::Status;
 
 namespace {
@@ -194,3 +196,5 @@ HelperResult runHelperTool(const HelperPlace& place, const HelperRequest& reques
                            : said("brindle-helper",
                                   Status::failure("cannot run", request.tool, "is not on the list of tools"));
 }
+
+} // namespace tools

@@ -9,6 +9,8 @@
 
 #include <sys/types.h>
 
+namespace tools {
+
 // brindle-helper: the only program that runs with an administrator's rights. It acts as one of a short list
 // of tools, once for each request, and refuses everything else.
 
@@ -62,3 +64,5 @@ class HelperTools {
 /// The whole program: `brindle-helper --root DIR` or `--system`, with requests on standard input
 /// (platform/security/HelperProtocol.h). Returns the exit status.
 [[nodiscard]] int helperMain(int argc, char** argv);
+
+} // namespace tools

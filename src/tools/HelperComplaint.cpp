@@ -5,6 +5,8 @@
 #include <cerrno>
 #include <string_view>
 
+namespace tools {
+
 namespace {
 
 std::string_view adviceFor(int error) {
@@ -38,3 +40,5 @@ std::string complaint(const std::string& tool, const platform::Status& status) {
     const std::string_view advice = adviceFor(error);
     return oneLine(tool + ": " + status.text() + (advice.empty() ? "" : "; " + std::string(advice)));
 }
+
+} // namespace tools

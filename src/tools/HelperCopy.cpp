@@ -11,6 +11,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+namespace tools {
+
 using platform::FileDescriptor;
 using platform::FilePlace;
 using platform::Result;
@@ -125,3 +127,5 @@ Status copyIntoPlace(const std::string& source, const std::string& target, uid_t
     }
     return status.isOk() ? replacement->replace() : status;
 }
+
+} // namespace tools

@@ -7,6 +7,8 @@
 
 #include <sys/types.h>
 
+namespace tools {
+
 /// Fails when `text` must not replace `old`.
 using CopyCheck = platform::Status (*)(std::string_view text, std::string_view old);
 
@@ -22,3 +24,5 @@ using CopyCheck = platform::Status (*)(std::string_view text, std::string_view o
 /// file); its failure refuses the copy.
 [[nodiscard]] platform::Status copyIntoPlace(const std::string& source, const std::string& target, uid_t user,
                                              CopyCheck check = nullptr);
+
+} // namespace tools

@@ -1,11 +1,11 @@
 #include "tools/HelperFolders.h"
 
 #include "platform/posix/FileDescriptor.h"
+#include "platform/posix/WholeNumber.h"
 
 #include <algorithm>
 #include <array>
 #include <cerrno>
-#include <charconv>
 #include <filesystem>
 #include <string_view>
 #include <utility>
@@ -14,6 +14,8 @@
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
+
+namespace tools {
 
 using platform::FileDescriptor;
 using platform::Result;
@@ -178,15 +180,13 @@ Result<OpenOrder> ownerOrder(const std::string& ownerAndGroup, const std::string
 
 Result<OpenOrder> modeOrder(const std::string& mode, const std::string& folder, FolderHost host) {
     constexpr unsigned largest = 0777;
-    unsigned bits = 0;
-    const char* const end = mode.data() + mode.size();
-    const auto [parsed, error] = std::from_chars(mode.data(), end, bits, 8);
-    if (error != std::errc() || parsed != end || bits > largest) {
+    const auto bits = platform::wholeNumber<unsigned>(mode, 8);
+    if (!bits || *bits > largest) {
         return Status::failure("cannot use", mode, "is not a mode; give one from 0 to 777 in octal");
     }
     auto opened = withFolder({}, folder, host);
     if (opened.isOk()) {
-        opened->order.mode = (opened->order.status.st_mode & 07000U) | bits;
+        opened->order.mode = (opened->order.status.st_mode & 07000U) | *bits;
     }
     return opened;
 }
@@ -257,3 +257,5 @@ Status checkNotReplaceable(const std::string& folder) {
     const std::filesystem::path real = std::filesystem::canonical(folder, error);
     return error ? Status() : checkParents(real, folder);
 }
+
+} // namespace tools

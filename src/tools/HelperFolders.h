@@ -8,6 +8,8 @@
 
 #include <sys/stat.h>
 
+namespace tools {
+
 // The helper's chown and chmod. Both change one folder, never a file or a folder of the system, because a
 // slip while sharing folders must not make the computer unusable. Links are followed, and the folder that
 // they lead to is checked. On this computer, a folder that anybody could replace is refused. An argument is
@@ -55,3 +57,5 @@ struct FolderOrder {
 /// `mode` is octal, from 0 to 777; the folder's higher bits do not change.
 [[nodiscard]] platform::Status changeMode(const std::string& mode, const std::string& folder,
                                           FolderHost host);
+
+} // namespace tools

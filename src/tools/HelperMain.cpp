@@ -25,6 +25,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+namespace tools {
+
 namespace {
 
 /// Closes everything that the starting program left open. Missing standard streams are opened on /dev/null,
@@ -193,3 +195,5 @@ int helperMain(int argc, char** argv) {
     }
     return serve(place);
 }
+
+} // namespace tools

@@ -7,6 +7,8 @@
 #include <system_error>
 #include <vector>
 
+namespace tools {
+
 using platform::Status;
 
 namespace {
@@ -43,8 +45,7 @@ Status controlService(std::span<const std::string> arguments) {
     }
     // Its errors are not inherited: a server that it starts would keep our standard error open.
     const auto run = platform::runProcess(
-        {words, platform::ErrorOutput::Discarded, {"PATH=/usr/sbin:/usr/bin:/sbin:/bin", "LC_ALL=C"}}, {},
-        limit);
+        {words, platform::ErrorOutput::Discarded, platform::systemEnvironment()}, {}, limit);
     if (!run.isOk()) {
         return run.status();
     }
@@ -55,3 +56,5 @@ Status controlService(std::span<const std::string> arguments) {
                                  words.front() + " has failed" + (said.empty() ? "" : ": " + said) +
                                      "; the system's log says more");
 }
+
+} // namespace tools

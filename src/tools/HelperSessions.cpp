@@ -2,6 +2,8 @@
 
 #include "platform/samba/Sessions.h"
 
+namespace tools {
+
 using platform::Status;
 
 platform::Result<std::string> listSessions(const std::optional<platform::SambaAccounts>& root,
@@ -22,3 +24,5 @@ Status endSessions(const std::optional<platform::SambaAccounts>& root,
     }
     return Status::failure("wrong arguments", {}, "use smbcontrol smbd close-share|kill-client-ip WHAT");
 }
+
+} // namespace tools

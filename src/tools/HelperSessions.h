@@ -8,7 +8,9 @@
 
 namespace platform {
 class SambaAccounts;
-}
+} // namespace platform
+
+namespace tools {
 
 /// The helper's smbstatus, which takes no arguments: returns smbstatus's listing of who is connected to the
 /// server of `root`, or without it to the computer's own.
@@ -17,3 +19,5 @@ class SambaAccounts;
 /// The helper's smbcontrol, which accepts only "smbd close-share NAME" and "smbd kill-client-ip ADDRESS".
 [[nodiscard]] platform::Status endSessions(const std::optional<platform::SambaAccounts>& root,
                                            std::span<const std::string> arguments);
+
+} // namespace tools

@@ -1,17 +1,21 @@
 #include "tools/HelperSignal.h"
 
 #include "platform/foundation/NSFileManager.h"
-#include "platform/host/HostProcesses.h"
+#include "platform/host/EmbeddedRoot.h"
 #include "platform/posix/Process.h"
+#include "platform/posix/WholeNumber.h"
+#include "platform/samba/SambaAccounts.h"
+#include "platform/samba/ServerProcesses.h"
 
 #include <array>
 #include <cerrno>
-#include <charconv>
 #include <csignal>
 #include <string_view>
 
 #include <sys/syscall.h>
 #include <unistd.h>
+
+namespace tools {
 
 using platform::Status;
 
@@ -20,9 +24,10 @@ namespace {
 constexpr const char* cannotSignal = "cannot hang up process";
 
 /// The file name of the program that a process runs; empty when it cannot be found out.
-std::string programOf(const std::string& processId) {
+std::string programOf(pid_t process) {
     std::array<char, 4096> buffer{};
-    const ssize_t length = ::readlink(("/proc/" + processId + "/exe").c_str(), buffer.data(), buffer.size());
+    const std::string link = "/proc/" + std::to_string(process) + "/exe";
+    const ssize_t length = ::readlink(link.c_str(), buffer.data(), buffer.size());
     if (length < 0) {
         return {};
     }
@@ -35,30 +40,32 @@ std::string programOf(const std::string& processId) {
     return lastPathComponent(std::string(path));
 }
 
+std::string configurationOf(const std::string& root) {
+    return platform::SambaAccounts(platform::EmbeddedRoot(root).sambaPaths()).configurationFile();
+}
+
 } // namespace
 
 Status hangUpServer(const std::string& processId, const std::string& root) {
-    pid_t id = 0;
-    const char* const end = processId.data() + processId.size();
-    const auto [parsed, error] = std::from_chars(processId.data(), end, id);
-    if (error != std::errc() || parsed != end || id <= 1) {
+    const auto id = platform::wholeNumber<pid_t>(processId);
+    if (!id || *id <= 1) {
         return Status::failure(cannotSignal, processId, "is not a process; give its number");
     }
     // Held open while the program is checked, so that the signal reaches this process or none.
-    const platform::FileDescriptor process = platform::openProcess(id);
+    const platform::FileDescriptor process = platform::openProcess(*id);
     if (!process.isOpen()) {
         return Status::ofErrno(cannotSignal, processId, errno);
     }
-    const std::string program = programOf(std::to_string(id));
+    const std::string program = programOf(*id);
     if (program != "smbd" && program != "AppleFileServer") {
         return Status::failure(cannotSignal, processId,
                                "is not a file server; only file servers are signalled");
     }
-    if (!root.empty() && !platform::isServerOfRoot(std::to_string(id), root)) {
+    if (!root.empty() && !platform::isServerOrChildWith(*id, configurationOf(root))) {
         return Status::failure(cannotSignal, processId,
                                "is not a server of this root; only its own servers are signalled");
     }
-    if (root.empty() && !platform::isServerOfComputer(std::to_string(id))) {
+    if (root.empty() && !platform::isComputersServer(*id)) {
         return Status::failure(cannotSignal, processId,
                                "is not one of this computer's own servers; only those are signalled");
     }
@@ -67,3 +74,5 @@ Status hangUpServer(const std::string& processId, const std::string& root) {
     }
     return {};
 }
+
+} // namespace tools

@@ -1,7 +1,6 @@
 #include "tools/SmbConfCheck.h"
 
 #include "platform/foundation/NSLog.h"
-#include "platform/posix/LetterCase.h"
 #include "platform/posix/Process.h"
 #include "platform/samba/InstalledSamba.h"
 #include "platform/samba/SettingsComplaints.h"
@@ -9,26 +8,20 @@
 #include <algorithm>
 #include <chrono>
 
+namespace tools {
+
 using platform::Status;
 
 namespace {
 
 constexpr auto limit = std::chrono::seconds(20);
 
-/// Whether a line says "security = share". Brindle offers that setting although today's Samba refuses it; the
-/// SMB page says so.
-bool isShareSecurity(std::string_view line) {
-    std::string plain = platform::lowercased(line);
-    std::erase_if(plain, [](char letter) { return letter == ' ' || letter == '\t' || letter == '\r'; });
-    return plain == "security=share";
-}
-
 std::string withoutShareSecurity(std::string_view text) {
     std::string kept;
     kept.reserve(text.size());
     while (!text.empty()) {
         const std::size_t end = std::min(text.find('\n'), text.size() - 1) + 1;
-        if (!isShareSecurity(text.substr(0, end - (text[end - 1] == '\n' ? 1 : 0)))) {
+        if (!platform::isShareSecurity(text.substr(0, end - (text[end - 1] == '\n' ? 1 : 0)))) {
             kept.append(text.substr(0, end));
         }
         text.remove_prefix(end);
@@ -39,7 +32,7 @@ std::string withoutShareSecurity(std::string_view text) {
 std::string firstComplaint(std::string_view said) {
     while (!said.empty()) {
         const std::string_view line = said.substr(0, said.find('\n'));
-        if (platform::isSettingsComplaint(line)) {
+        if (platform::isAboutUnusableSettings(line)) {
             return std::string(line);
         }
         said.remove_prefix(std::min(said.size(), line.size() + 1));
@@ -50,14 +43,10 @@ std::string firstComplaint(std::string_view said) {
 } // namespace
 
 std::optional<std::string> complaintAboutSmbConf(std::string_view text) {
-    const std::string testparm = platform::sambaCommand("testparm");
-    if (testparm.empty()) {
+    if (platform::sambaCommand("testparm").empty()) {
         return std::nullopt;
     }
-    const platform::Command command{{testparm, "-s", "/dev/stdin"},
-                                    platform::ErrorOutput::Apart,
-                                    {"PATH=/usr/sbin:/usr/bin:/sbin:/bin", "LC_ALL=C"}};
-    const auto finished = platform::runProcess(command, withoutShareSecurity(text), limit);
+    const auto finished = platform::runTestparm(withoutShareSecurity(text), limit);
     if (!finished.isOk()) {
         NSLog("smb.conf could not be checked: %@", finished.status().text());
         return std::nullopt;
@@ -79,3 +68,5 @@ Status checkSmbConf(std::string_view text, std::string_view old) {
     return Status::failure("cannot save", "smb.conf",
                            "the server could not use it (testparm: " + *complaint + "); nothing was changed");
 }
+
+} // namespace tools

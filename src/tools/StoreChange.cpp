@@ -11,6 +11,8 @@
 #include <utility>
 #include <vector>
 
+namespace tools {
+
 using platform::Status;
 using platform::Store;
 
@@ -193,3 +195,5 @@ class Change {
 Status changeStore(Store& store, const DirectoryChange& change, DirectorySession::AccountChanges& accounts) {
     return Change(store, change).run(accounts);
 }
+
+} // namespace tools

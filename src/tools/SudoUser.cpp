@@ -1,16 +1,14 @@
 #include "tools/SudoUser.h"
 
-#include <charconv>
+#include "platform/posix/WholeNumber.h"
+
 #include <cstdlib>
-#include <string_view>
+
+namespace tools {
 
 std::optional<uid_t> sudoUser() {
     const char* const text = std::getenv("SUDO_UID");
-    if (text == nullptr) {
-        return std::nullopt;
-    }
-    uid_t user = 0;
-    const std::string_view digits(text);
-    const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), user);
-    return error == std::errc() && end == digits.data() + digits.size() ? std::optional(user) : std::nullopt;
+    return text == nullptr ? std::nullopt : platform::wholeNumber<uid_t>(text);
 }
+
+} // namespace tools

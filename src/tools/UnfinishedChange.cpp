@@ -3,13 +3,15 @@
 #include "platform/posix/InputOutput.h"
 #include "platform/posix/Secret.h"
 #include "platform/posix/WholeFile.h"
+#include "platform/posix/WholeNumber.h"
 
 #include <array>
 #include <cerrno>
-#include <charconv>
 #include <string_view>
 
 #include <unistd.h>
+
+namespace tools {
 
 using platform::Result;
 using platform::Status;
@@ -30,11 +32,6 @@ std::optional<std::string_view> nextLine(std::string_view& text) {
     return line;
 }
 
-bool readNumber(std::string_view text, unsigned& number) {
-    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-    return error == std::errc() && end == text.data() + text.size();
-}
-
 std::optional<UnfinishedChange> parse(std::string_view text) {
     std::array<std::string_view, 6> lines;
     for (std::string_view& line : lines) {
@@ -49,9 +46,14 @@ std::optional<UnfinishedChange> parse(std::string_view text) {
     change.before.name = lines[1];
     change.after.name = lines[3];
     change.sambaAccount = lines[5];
-    return readNumber(lines[2], change.before.number) && readNumber(lines[4], change.after.number)
-               ? std::optional(std::move(change))
-               : std::nullopt;
+    const auto before = platform::wholeNumber<unsigned>(lines[2]);
+    const auto after = platform::wholeNumber<unsigned>(lines[4]);
+    if (!before || !after) {
+        return std::nullopt;
+    }
+    change.before.number = *before;
+    change.after.number = *after;
+    return change;
 }
 
 } // namespace
@@ -88,3 +90,5 @@ Status UnfinishedChange::forget(const std::string& path) {
     return ::unlink(path.c_str()) == 0 || errno == ENOENT ? Status()
                                                           : Status::ofErrno("cannot take away", path, errno);
 }
+
+} // namespace tools

@@ -5,6 +5,8 @@
 #include <optional>
 #include <string>
 
+namespace tools {
+
 /// A change of an account that has to be made in several places in turn: in the account files, in the store,
 /// and in Samba's password database, from which the account is removed meanwhile because it is found there by
 /// its name and number. The change is written to a file, readable only by root, before the first step, so
@@ -29,3 +31,5 @@ struct UnfinishedChange {
     /// Removes the file.
     [[nodiscard]] static platform::Status forget(const std::string& path);
 };
+
+} // namespace tools

@@ -17,6 +17,8 @@
 
 #include <unistd.h>
 
+namespace tools {
+
 namespace {
 
 struct Tool {
@@ -43,22 +45,12 @@ class ErrorLog : public platform::Log {
     }
 };
 
-class FileDomain : public platform::LocalDomain {
-  public:
-    explicit FileDomain(const DirectoryPlace& place) : file_(place.storeFile) {
-        if (place.computer) {
-            accounts_.emplace();
-        }
+std::shared_ptr<platform::LocalDomain> domainAt(const DirectoryPlace& place) {
+    if (place.computer) {
+        return std::make_shared<platform::ComputersDomain>(place.storeFile);
     }
-
-    [[nodiscard]] std::string storeFile() const override { return file_; }
-
-    [[nodiscard]] std::optional<platform::AccountFiles> accountFiles() const override { return accounts_; }
-
-  private:
-    std::string file_;
-    std::optional<platform::AccountFiles> accounts_;
-};
+    return std::make_shared<platform::StoreDomain>(place.storeFile);
+}
 
 /// The user who called sudo, or else the user who runs this program.
 uid_t caller() {
@@ -96,7 +88,7 @@ ToolResult run(std::string_view tool, const platform::HostOptions& options,
     }
     platform::Services services;
     services.log = std::make_shared<ErrorLog>();
-    services.localDomain = std::make_shared<FileDomain>(*place);
+    services.localDomain = domainAt(*place);
     const platform::Host host(std::move(services));
     return tool == "nireport" ? runNireport(arguments) : runNiutil(arguments);
 }
@@ -137,3 +129,5 @@ int directoryToolMain(std::string_view name, int argc, char** argv) {
     }
     return result.status;
 }
+
+} // namespace tools

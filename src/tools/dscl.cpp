@@ -8,6 +8,8 @@
 
 #include <utility>
 
+namespace tools {
+
 namespace {
 
 constexpr const char* usage = "usage: dscl [--root DIR | --system] . -passwd /Users/NAME PASSWORD";
@@ -83,3 +85,5 @@ ToolResult runDscl(const DirectoryPlace& place, std::span<const std::string> arg
     const platform::Status status = setPassword(place, arguments[2], arguments[3]);
     return status.isOk() ? ToolResult() : ToolResult{oneLine("dscl: " + status.text()), 1};
 }
+
+} // namespace tools

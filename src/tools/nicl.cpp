@@ -9,6 +9,8 @@
 
 #include <utility>
 
+namespace tools {
+
 using platform::Status;
 
 namespace {
@@ -59,3 +61,5 @@ ToolResult runNicl(const DirectoryPlace& place, std::span<const std::string> arg
     }
     return result;
 }
+
+} // namespace tools

@@ -5,6 +5,8 @@
 
 #include <vector>
 
+namespace tools {
+
 namespace {
 
 ToolResult failed(const std::string& tool, const std::string& path, ni_status status) {
@@ -72,3 +74,5 @@ ToolResult runNiutil(std::span<const std::string> arguments) {
     }
     return result;
 }
+
+} // namespace tools

@@ -36,7 +36,7 @@ class AccountsTest : public AppFixture {
     }
 
     [[nodiscard]] std::string groups() const {
-        return runNireport(std::vector<std::string>{".", "/groups", "name", "gid", "users"}).output;
+        return tools::runNireport(std::vector<std::string>{".", "/groups", "name", "gid", "users"}).output;
     }
 
     [[nodiscard]] std::vector<std::string> alertTitles() const {

@@ -37,7 +37,8 @@ class AppFixture : public testing::Test {
     /// folders do nothing.
     TestHost::RunAnswer carryOut(const RecordedRun& run) {
         if (run.tool == "/usr/bin/nicl") {
-            return {runNicl(DirectoryPlace(host.storeFile().string()), run.arguments).output, 0};
+            return {tools::runNicl(tools::DirectoryPlace(host.storeFile().string()), run.arguments).output,
+                    0};
         }
         if (run.tool == "/bin/cp") {
             std::filesystem::copy_file(run.arguments.at(0), host.host().paths().map(run.arguments.at(1)),
@@ -50,7 +51,8 @@ class AppFixture : public testing::Test {
     void nicl(const std::vector<std::string>& operation) {
         std::vector<std::string> arguments = {"."};
         arguments.insert(arguments.end(), operation.begin(), operation.end());
-        const ToolResult result = runNicl(DirectoryPlace(host.storeFile().string()), arguments);
+        const tools::ToolResult result =
+            tools::runNicl(tools::DirectoryPlace(host.storeFile().string()), arguments);
         ASSERT_EQ(result.output, "");
     }
 

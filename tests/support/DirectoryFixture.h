@@ -21,14 +21,14 @@ class DirectoryFixture : public testing::Test {
     /// Runs `nicl . WORDS...` and returns its output.
     std::string nicl(std::vector<std::string> words) {
         words.insert(words.begin(), ".");
-        const ToolResult result = runNicl(host.storeFile().string(), words);
+        const tools::ToolResult result = tools::runNicl(host.storeFile().string(), words);
         EXPECT_EQ(result.status == 0, result.output.empty()) << result.output;
         return result.output;
     }
 
     /// Returns the record as niutil prints it.
     static std::string record(const std::string& path) {
-        return runNiutil(std::vector<std::string>{"-read", ".", path}).output;
+        return tools::runNiutil(std::vector<std::string>{"-read", ".", path}).output;
     }
 
     TestHost host;

@@ -32,7 +32,7 @@ class HelperTest : public testing::Test {
     HelperTest() { EXPECT_EQ(root_.makeIfMissing().text(), ""); }
 
     std::string run(const std::string& tool, const std::vector<std::string>& arguments) const {
-        const HelperResult result = runHelperTool(place_, {tool, arguments});
+        const tools::HelperResult result = tools::runHelperTool(place_, {tool, arguments});
         const std::string text = result.output + result.errors;
         EXPECT_EQ(result.status, text.empty() ? 0 : 1);
         EXPECT_EQ(std::ranges::count(text, '\n'), text.empty() ? 0 : 1) << "one line: " << text;
@@ -48,7 +48,7 @@ class HelperTest : public testing::Test {
     /// checkout is.
     TestHost test_{TestHost::Options{.strings = {{"OK", "OK"}}}};
     platform::EmbeddedRoot root_{(test_.root() / "computer").string()};
-    HelperPlace place_{root_.folder(), ::getuid()};
+    tools::HelperPlace place_{root_.folder(), ::getuid()};
     fs::path target_ = root_.map("/etc/smb.conf");
     std::string source_ = (test_.root() / "new.conf").string();
 };

@@ -26,17 +26,18 @@ class ReviewFixture : public AppFixture {
     }
 
     TestHost::RunAnswer carryOutAll(const RecordedRun& run) {
-        const DirectoryPlace place(host.storeFile().string());
+        const tools::DirectoryPlace place(host.storeFile().string());
         const auto said = [](const platform::Status& status) {
             return TestHost::RunAnswer{status.text(), 0};
         };
         if (run.tool == "/usr/sbin/chown") {
-            return said(changeOwner(run.arguments.at(0), run.arguments.at(1),
-                                    platform::DirectoryAccounts(place.storeFile), FolderHost::Embedded));
+            return said(tools::changeOwner(run.arguments.at(0), run.arguments.at(1),
+                                           platform::DirectoryAccounts(place.storeFile),
+                                           tools::FolderHost::Embedded));
         }
-        return run.tool == "/bin/chmod"
-                   ? said(changeMode(run.arguments.at(0), run.arguments.at(1), FolderHost::Embedded))
-                   : carryOut(run);
+        return run.tool == "/bin/chmod" ? said(tools::changeMode(run.arguments.at(0), run.arguments.at(1),
+                                                                 tools::FolderHost::Embedded))
+                                        : carryOut(run);
     }
 
     /// Loads and launches, with the reviewer.

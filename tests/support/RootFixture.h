@@ -16,12 +16,12 @@ class Root : public testing::Test {
   protected:
     std::string nicl(std::vector<std::string> words) const {
         words.insert(words.begin(), ".");
-        return runNicl(DirectoryPlace::ofRoot(root.folder()), words).output;
+        return tools::runNicl(tools::DirectoryPlace::ofRoot(root.folder()), words).output;
     }
 
     [[nodiscard]] std::string dscl(const std::string& path, const std::string& password) const {
-        return runDscl(DirectoryPlace::ofRoot(root.folder()),
-                       std::vector<std::string>{".", "-passwd", path, password})
+        return tools::runDscl(tools::DirectoryPlace::ofRoot(root.folder()),
+                              std::vector<std::string>{".", "-passwd", path, password})
             .output;
     }
 

@@ -28,7 +28,7 @@ struct CommandContext {
     CommandPresenter& presenter;
     review::Reviewer* reviewer = nullptr; ///< null when the application is not loaded
     const review::History& history;
-    accesscheck::Patient patient;
+    accesscheck::ExaminedHost host;
 };
 
 /// A command that is being carried out: it uses the application's controls as a user would, and collects the

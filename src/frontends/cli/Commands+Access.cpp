@@ -39,7 +39,7 @@ void checkAccess(CommandRun& run, const AccessOptions& options) {
         CommandRun::fail(NSLocalizedString("give either a user or --guest"), CommandStatus::WrongUse);
     }
     const SMBConf conf;
-    const auto& root = run.context().patient.root;
+    const auto& root = run.context().host.root;
     accesscheck::ServerAccounts accounts(root ? std::optional<platform::SambaAccounts>(*root) : std::nullopt);
     const std::string file = platform::Host::current().services().paths->map(conf.Path());
     accesscheck::AccessCheck check(conf, accounts, {file, root.has_value()});

@@ -14,7 +14,7 @@ JSON orNull(const std::optional<std::string>& text) {
 }
 
 void doctor(CommandRun& run) {
-    const accesscheck::Examination found = accesscheck::examine(run.context().patient);
+    const accesscheck::Examination found = accesscheck::examine(run.context().host);
     JSON& list = run.result()["findings"] = JSON::array();
     for (const Finding& each : found.findings) {
         const bool isProblem = each.level == Finding::Level::Problem;

@@ -2,6 +2,7 @@
 #include "platform/foundation/Computer.h"
 #include "platform/foundation/Host.h"
 #include "platform/foundation/NSBundle.h"
+#include "review/ServerChange.h"
 
 #include <memory>
 
@@ -41,9 +42,8 @@ void start(CommandRun& run, bool atBoot) {
         run.finishUnchanged();
         return;
     }
-    using Change = review::Reviewer::ServerChange;
-    const Change change = atBoot ? Change::StartAtBoot : Change::Start;
-    run.write(review::Reviewer::serverRun(change), [change] { review::Reviewer::changeServer(change); });
+    const auto change = atBoot ? review::ServerChange::StartAtBoot : review::ServerChange::Start;
+    run.write(review::serverRun(change), [change] { review::changeServer(change); });
 }
 
 } // namespace

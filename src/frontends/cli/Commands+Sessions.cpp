@@ -38,7 +38,7 @@ std::vector<Session> sessionsOf(CommandRun& run) {
     std::vector<Session> sessions;
     platform::Status status;
     run.perform([&] {
-        auto found = review::connectedClients(run.context().patient.root);
+        auto found = review::connectedClients(run.context().host.root);
         status = found.status();
         sessions = std::move(found).valueOr({});
     });

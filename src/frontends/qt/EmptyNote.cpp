@@ -4,7 +4,7 @@
 #include "frontends/qt/TableView.h"
 #include "platform/appkit/NSTableView.h"
 #include "platform/foundation/NSString.h"
-#include "review/Reviewer.h"
+#include "review/DirectoryState.h"
 
 #include <QEvent>
 #include <QLabel>
@@ -47,7 +47,7 @@ EmptyNote::EmptyNote(const platform::InterfaceNode& node, TableView& view, Windo
 void EmptyNote::follow() {
     const auto& table = *modelOf<NSTableView>(node_);
     const bool isFilled = table.numberOfRows() > 0;
-    const bool isUnread = !isFilled && !review::Reviewer::directoryProblem().empty();
+    const bool isUnread = !isFilled && !review::directoryProblem().empty();
     text_->setText(isFilled
                        ? shown(stringWithFormat(NSLocalizedString("Nothing matches “%@”."), view_.filter()))
                    : isUnread ? localized("The list could not be read.")

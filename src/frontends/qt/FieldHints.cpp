@@ -7,7 +7,7 @@
 #include "platform/appkit/NSTextField.h"
 #include "platform/appkit/ShownWhen.h"
 #include "platform/foundation/NSBundle.h"
-#include "review/Reviewer.h"
+#include "review/DirectoryState.h"
 
 #include <algorithm>
 #include <charconv>
@@ -63,7 +63,7 @@ std::string nameHint(const InterfaceNode& node, const NSTextField& field, const 
     }
     // The lists leave out system accounts.
     if (const std::string& records = node.attribute("records");
-        !records.empty() && review::Reviewer::hasRecord(records + name)) {
+        !records.empty() && review::hasRecord(records + name)) {
         return isThere();
     }
     return selected.empty() ? std::string() : stringWithFormat(node.attribute("another"), selected);

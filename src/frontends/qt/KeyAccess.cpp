@@ -5,7 +5,7 @@
 #include "frontends/qt/EmptyNote.h"
 #include "frontends/qt/Mnemonics.h"
 #include "frontends/qt/ReadingOrder.h"
-#include "review/Reviewer.h"
+#include "review/Operations.h"
 
 #include <QAbstractButton>
 #include <QAction>
@@ -95,7 +95,7 @@ void giveTitle(QWidget* widget, const QString& title) {
 bool isWriting(const QWidget* widget) {
     const auto* button = qobject_cast<const QAbstractButton*>(widget);
     const NSButton* model = button == nullptr ? nullptr : modelOfButton(*button);
-    return model != nullptr && review::Reviewer::isWriting(model->action().operation);
+    return model != nullptr && review::isWriting(model->action().operation);
 }
 
 void markWidgets(QList<QWidget*> widgets, QSet<QChar>& taken, const QSet<QChar>& shared) {

@@ -122,8 +122,8 @@ void QtFrontend::useServer(ShareServer server) {
     implementation_->presenter->useServer(std::move(server));
 }
 
-void QtFrontend::useDoctor(accesscheck::Patient patient) {
-    implementation_->presenter->useDoctor(std::move(patient));
+void QtFrontend::useDoctor(accesscheck::ExaminedHost host) {
+    implementation_->presenter->useDoctor(std::move(host));
 }
 
 void QtFrontend::useListener(

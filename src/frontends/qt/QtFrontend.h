@@ -67,7 +67,7 @@ class QtFrontend {
 
     /// Gives the main window the menu that shows who may use what, what is wrong with the computer and who is
     /// connected. Call it after useReviewer.
-    void useDoctor(accesscheck::Patient patient);
+    void useDoctor(accesscheck::ExaminedHost host);
 
     /// Calls `answer` whenever `descriptor` becomes readable. Its argument `raise` brings the main window to
     /// the front; it takes the desktop's token of the start that asked for it, which may be empty.

@@ -308,12 +308,12 @@ void QtPresenter::useServer(ShareServer server) {
     }
 }
 
-void QtPresenter::useDoctor(accesscheck::Patient patient) {
+void QtPresenter::useDoctor(accesscheck::ExaminedHost host) {
     auto* window = qobject_cast<QMainWindow*>(mainWidget_);
     auto* shares = window == nullptr ? nullptr : actions_.front()->find<NSTableView>(shareTable);
     auto* users = window == nullptr ? nullptr : actions_.front()->find<NSTableView>(userTable);
     if (shares != nullptr && users != nullptr) {
-        inquiries_ = new WindowInquiries(std::move(patient), *shares, *users, *window, review_, *queue_);
+        inquiries_ = new WindowInquiries(std::move(host), *shares, *users, *window, review_, *queue_);
     }
 }
 

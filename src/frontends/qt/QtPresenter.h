@@ -55,7 +55,7 @@ class QtPresenter : public platform::Presenter {
     void useServer(ShareServer server);
 
     /// Adds the menu "Check" to it. Call it after useReviewer.
-    void useDoctor(accesscheck::Patient patient);
+    void useDoctor(accesscheck::ExaminedHost host);
 
     /// Brings the main window and its open dialogs to the front. `token` is the desktop's permission to do
     /// so; it may be empty.

@@ -2,7 +2,7 @@
 
 #include "platform/foundation/NSBundle.h"
 #include "platform/foundation/NSString.h"
-#include "review/Reviewer.h"
+#include "review/DirectoryState.h"
 
 #include <QCoreApplication>
 #include <QDialogButtonBox>
@@ -22,7 +22,7 @@ constexpr int eventsMilliseconds = 20;
 
 bool WaitingDialog::keepWaiting(double seconds) {
     if (dialog_ == nullptr && seconds >= moment) {
-        if (const std::string holder = review::Reviewer::directoryHolder(); !holder.empty()) {
+        if (const std::string holder = review::directoryHolder(); !holder.empty()) {
             show(holder);
         }
     }

@@ -28,7 +28,7 @@ WindowComputer::WindowComputer(const platform::Computer& computer, NSTabView& ta
     state_->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
     start_->setObjectName("startServer");
     atBoot_->setObjectName("startServerAtBoot");
-    using Change = review::Reviewer::ServerChange;
+    using Change = review::ServerChange;
     connect(start_, &QPushButton::clicked, this, [this] { control(Change::Start); });
     connect(atBoot_, &QPushButton::clicked, this, [this] { control(Change::StartAtBoot); });
     QStatusBar* bar = window.statusBar();
@@ -67,8 +67,8 @@ void WindowComputer::showState() {
     atBoot_->setVisible(line.canBeStarted);
 }
 
-void WindowComputer::control(review::Reviewer::ServerChange change) {
-    queue_.runUserEvent([change] { review::Reviewer::changeServer(change); });
+void WindowComputer::control(review::ServerChange change) {
+    queue_.runUserEvent([change] { review::changeServer(change); });
     showState();
 }
 

@@ -3,11 +3,12 @@
 #include "frontends/qt/Binding.h"
 #include "platform/appkit/NSTabView.h"
 #include "platform/foundation/Computer.h"
-#include "review/Reviewer.h"
+#include "review/ServerChange.h"
 
 #include <QMainWindow>
 #include <QObject>
 
+class NSTableView;
 class QPushButton;
 
 namespace frontend {
@@ -27,7 +28,7 @@ class WindowComputer : public QObject {
     void showState();
     /// Marks the users whose Public folder is shared and cannot be offered, with the reason.
     void markUsers();
-    void control(review::Reviewer::ServerChange change);
+    void control(review::ServerChange change);
 
     const platform::Computer& computer_;
     NSTabView& tabs_;

@@ -55,9 +55,9 @@ struct Inquiry {
 
 } // namespace
 
-WindowInquiries::WindowInquiries(accesscheck::Patient patient, NSTableView& shares, NSTableView& users,
+WindowInquiries::WindowInquiries(accesscheck::ExaminedHost host, NSTableView& shares, NSTableView& users,
                                  QMainWindow& window, WindowReview* review, RefreshQueue& queue)
-    : QObject(&window), patient_(std::move(patient)), shares_(shares), users_(users), queue_(queue) {
+    : QObject(&window), host_(std::move(host)), shares_(shares), users_(users), queue_(queue) {
     auto* menu = new QMenu(localizedTitle("Check"), window.menuBar());
     menu->setObjectName("checkMenu");
     insertBeforeHelp(*window.menuBar(), *menu);
@@ -79,7 +79,7 @@ WindowInquiries::WindowInquiries(accesscheck::Patient patient, NSTableView& shar
     if (review != nullptr) {
         review->setShareRemarks([this](const SMBConf& conf, const std::vector<NormalShare>& rows) {
             std::multimap<std::string, std::string> remarks;
-            for (const accesscheck::Finding& each : accesscheck::examineShares(patient_, conf, rows)) {
+            for (const accesscheck::Finding& each : accesscheck::examineShares(host_, conf, rows)) {
                 if (each.share && each.level == accesscheck::Finding::Level::Problem) {
                     remarks.emplace(*each.share, each.text);
                 }
@@ -93,7 +93,7 @@ std::unique_ptr<QDialog> WindowInquiries::makeAccessDialog(QWidget* parent) {
     const auto inquiry = std::make_shared<std::unique_ptr<Inquiry>>();
     AccessDialog::Questions questions{
         namesIn(shares_, shareColumn), namesIn(users_, userColumn),
-        [this, inquiry] { *inquiry = std::make_unique<Inquiry>(patient_.root); },
+        [this, inquiry] { *inquiry = std::make_unique<Inquiry>(host_.root); },
         [inquiry](const std::string& share, const std::optional<std::string>& user) {
             return (*inquiry)->check.check(share, user);
         }};
@@ -106,14 +106,14 @@ std::unique_ptr<QDialog> WindowInquiries::makeAccessDialog(QWidget* parent) {
 }
 
 std::unique_ptr<QDialog> WindowInquiries::makeFindingsDialog(QWidget* parent) {
-    return std::make_unique<FindingsDialog>([this] { return accesscheck::examine(patient_); }, parent);
+    return std::make_unique<FindingsDialog>([this] { return accesscheck::examine(host_); }, parent);
 }
 
 std::unique_ptr<QDialog> WindowInquiries::makeSessionsDialog(QWidget* parent) {
     using Sessions = platform::Result<std::vector<platform::Session>>;
     const auto connected = [this] {
         Sessions sessions = std::vector<platform::Session>();
-        queue_.runUserEvent([&] { sessions = review::connectedClients(patient_.root); });
+        queue_.runUserEvent([&] { sessions = review::connectedClients(host_.root); });
         return sessions;
     };
     const auto disconnect = [this](review::Disconnection kind, const std::string& what) {

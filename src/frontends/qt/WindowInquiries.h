@@ -22,7 +22,7 @@ class WindowInquiries : public QObject {
   public:
     /// Becomes a child of `window`. `shares`, `users` and `queue` must outlive this object. `review` gets the
     /// marks; it may be null.
-    WindowInquiries(accesscheck::Patient patient, NSTableView& shares, NSTableView& users,
+    WindowInquiries(accesscheck::ExaminedHost host, NSTableView& shares, NSTableView& users,
                     QMainWindow& window, WindowReview* review, RefreshQueue& queue);
 
     // Each of these makes the dialog of a menu item without showing it.
@@ -31,7 +31,7 @@ class WindowInquiries : public QObject {
     [[nodiscard]] std::unique_ptr<QDialog> makeSessionsDialog(QWidget* parent);
 
   private:
-    accesscheck::Patient patient_;
+    accesscheck::ExaminedHost host_;
     NSTableView& shares_;
     NSTableView& users_;
     RefreshQueue& queue_;

@@ -19,6 +19,8 @@
 #include "platform/foundation/NSBundle.h"
 #include "platform/foundation/NSString.h"
 #include "platform/foundation/NSUserDefaults.h"
+#include "review/DirectoryState.h"
+#include "review/Operations.h"
 
 #include <QAction>
 #include <QBoxLayout>
@@ -64,7 +66,7 @@ const NSButton* changingButtonNear(const QWidget* from, const QWidget& window) {
         for (const QAbstractButton* button : around->findChildren<QAbstractButton*>()) {
             const NSButton* model = modelOfButton(*button);
             const bool isCandidate = model != nullptr && button->isVisible() && button->isEnabled() &&
-                                     review::Reviewer::isWriting(model->action().operation);
+                                     review::isWriting(model->action().operation);
             if (isCandidate && (found == nullptr || model->keyEquivalent() == "\r")) {
                 found = model;
             }
@@ -211,7 +213,7 @@ void WindowReview::planButtonInUse() {
     const QWidget* focus = window_.focusWidget();
     const auto* button = qobject_cast<const QAbstractButton*>(focus);
     const NSButton* model = button == nullptr ? nullptr : modelOfButton(*button);
-    if (model == nullptr || !review::Reviewer::isWriting(model->action().operation)) {
+    if (model == nullptr || !review::isWriting(model->action().operation)) {
         model = changingButtonNear(focus, window_);
     }
     if (model == nullptr) {
@@ -267,7 +269,7 @@ void WindowReview::showDirectoryNotice() {
     if (directoryNotice_ == nullptr) {
         return;
     }
-    const std::string problem = review::Reviewer::directoryProblem();
+    const std::string problem = review::directoryProblem();
     if (!problem.empty()) {
         directoryText_->setText(shown(stringWithFormat(
             NSLocalizedString("The directory could not be read, so the lists are incomplete: %@."),
@@ -327,7 +329,7 @@ void WindowReview::actionWasUsed(const std::string& operation) {
         reviewer_.reread();
         showNotice();
     }
-    if (!review::Reviewer::isWriting(operation)) {
+    if (!review::isWriting(operation)) {
         return;
     }
     if (reviewer_.hasUnwrittenSMBConf()) {

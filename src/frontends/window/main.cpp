@@ -22,7 +22,7 @@ Status loadInto(QtFrontend& window, Application& application) {
     if (status.isOk()) {
         window.useReviewer(*application.reviewer());
         window.useHistory(application.history());
-        window.useDoctor(application.patient());
+        window.useDoctor(application.examinedHost());
     }
     return status;
 }

@@ -1,7 +1,7 @@
 #pragma once
 
+#include "platform/appkit/ElementRule.h"
 #include "platform/appkit/Interface.h"
-#include "platform/appkit/InterfaceKinds.h"
 
 #include <cstddef>
 #include <memory>

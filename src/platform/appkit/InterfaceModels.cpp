@@ -1,6 +1,6 @@
 #include "platform/appkit/InterfaceModels.h"
 
-#include "platform/appkit/InterfaceKinds.h"
+#include "platform/appkit/ElementRule.h"
 #include "platform/appkit/NSButton.h"
 #include "platform/appkit/NSMatrix.h"
 #include "platform/appkit/NSPopUpButton.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/appkit/InterfaceKinds.h"
+#include "platform/appkit/ElementRule.h"
 
 #include <algorithm>
 #include <array>

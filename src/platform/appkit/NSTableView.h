@@ -13,7 +13,7 @@ struct NSTableColumn {
     std::string title;
     int width = 100;          ///< in points, the initial width in a front-end
     bool hidden = false;      ///< a window does not show it initially; it is still one of the columns
-    std::string display = {}; ///< how a window shows the values, which do not change; see InterfaceKinds.cpp
+    std::string display = {}; ///< how a window shows the values, which do not change; see InterfaceTable.h
 };
 
 /// Where a table's rows come from. Not owned by the table.

@@ -1,7 +1,6 @@
 #include "platform/commandline/CommandLine.h"
 
 #include <algorithm>
-#include <cerrno>
 #include <cstdio>
 #include <string_view>
 #include <utility>

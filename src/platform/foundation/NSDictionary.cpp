@@ -8,7 +8,6 @@
 #include <array>
 #include <charconv>
 #include <cmath>
-#include <concepts>
 #include <cstdlib>
 #include <limits>
 #include <stdexcept>

@@ -2,7 +2,6 @@
 
 #include "platform/foundation/Host.h"
 
-#include <algorithm>
 #include <utility>
 
 NSNotificationCenter& NSNotificationCenter::defaultCenter() {

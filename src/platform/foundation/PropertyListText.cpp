@@ -1,5 +1,7 @@
 #include "platform/foundation/PropertyListText.h"
 
+#include "platform/posix/WholeNumber.h"
+
 #include <algorithm>
 #include <charconv>
 #include <cstdint>
@@ -112,13 +114,12 @@ class OldStyleReader {
     Plist data() {
         std::string bytes;
         while (!accept('>')) {
-            unsigned byte = 0;
             const std::string_view digits = text_.substr(position_, 2);
-            const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), byte, 16);
-            if (error != std::errc() || end != digits.data() + 2) {
+            const auto byte = platform::wholeNumber<unsigned>(digits, 16);
+            if (digits.size() != 2 || !byte) {
                 return nullptr;
             }
-            bytes.push_back(static_cast<char>(byte));
+            bytes.push_back(static_cast<char>(*byte));
             position_ += 2;
         }
         return Plist(plist_new_data(bytes.data(), bytes.size()));

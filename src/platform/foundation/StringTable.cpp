@@ -1,9 +1,9 @@
 #include "platform/foundation/StringTable.h"
 
 #include "platform/foundation/NSString.h"
+#include "platform/posix/WholeNumber.h"
 
 #include <algorithm>
-#include <charconv>
 #include <cstdint>
 #include <utility>
 
@@ -138,13 +138,12 @@ class Reader {
     std::uint32_t readUnit() {
         constexpr std::size_t digits = 4;
         const std::string_view text = bytes_.substr(position_, digits);
-        std::uint32_t unit = 0;
-        const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), unit, 16);
-        if (text.size() != digits || error != std::errc{} || end != text.data() + digits) {
+        const auto unit = wholeNumber<std::uint32_t>(text, 16);
+        if (text.size() != digits || !unit) {
             fail("four hexadecimal digits after \\U");
         }
         position_ += digits;
-        return unit;
+        return *unit;
     }
 
     std::string_view bytes_;

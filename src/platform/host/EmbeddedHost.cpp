@@ -5,23 +5,18 @@
 #include "platform/host/DirectoryAccounts.h"
 #include "platform/host/EmbeddedRoot.h"
 #include "platform/host/HostProcesses.h"
+#include "platform/host/InstalledFiles.h"
 #include "platform/host/UserFiles.h"
 #include "platform/netinfo/LocalDomain.h"
+#include "platform/samba/SambaAccounts.h"
+#include "platform/samba/ServerProcesses.h"
 #include "platform/security/ConsentAuthority.h"
 
-#include <cstdlib>
-#include <filesystem>
-#include <system_error>
 #include <utility>
 
 namespace platform {
 
 namespace {
-
-std::string environment(const char* name) {
-    const char* value = std::getenv(name);
-    return value == nullptr ? std::string() : value;
-}
 
 class EmbeddedPaths : public UserPaths {
   public:
@@ -40,26 +35,6 @@ std::string orDefault(const std::string& given, std::string (*makeDefault)()) {
 
 } // namespace
 
-std::string programFolder() {
-    std::error_code error;
-    const auto program = std::filesystem::read_symlink("/proc/self/exe", error);
-    return error ? "." : program.parent_path().string();
-}
-
-std::string defaultHelper() {
-    const std::string installed =
-        std::filesystem::path(programFolder() + "/../libexec/brindle-helper").lexically_normal().string();
-    std::error_code ignored; // a helper that cannot be examined cannot be run either
-    return std::filesystem::exists(installed, ignored) ? installed : programFolder() + "/brindle-helper";
-}
-
-std::string defaultResources() {
-    const std::string resources = environment("BRINDLE_RESOURCES");
-    return resources.empty()
-               ? std::filesystem::path(programFolder() + "/../share/brindle").lexically_normal().string()
-               : resources;
-}
-
 Result<Services> makeEmbeddedServices(const EmbeddedHostOptions& options) {
     const EmbeddedRoot root(orDefault(options.root, &EmbeddedRoot::defaultFolder));
     if (Status status = root.makeIfMissing(); !status.isOk()) {
@@ -74,7 +49,9 @@ Result<Services> makeEmbeddedServices(const EmbeddedHostOptions& options) {
         orDefault(options.resources, &defaultResources));
     services.accountNames = std::make_shared<DirectoryAccounts>(root.storeFile());
     services.processes = std::make_shared<HostProcesses>(
-        [folder = root.folder()](const std::string& processId) { return isServerOfRoot(processId, folder); });
+        [configuration = SambaAccounts(root.sambaPaths()).configurationFile()](pid_t process) {
+            return isServerOrChildWith(process, configuration);
+        });
     services.localDomain = std::make_shared<StoreDomain>(root.storeFile());
     const auto authority =
         std::make_shared<ConsentAuthority>(orDefault(options.helper, &defaultHelper), root.folder());

@@ -22,15 +22,4 @@ struct EmbeddedHostOptions {
 /// left out, because the front-end sets its own (Host::setPresenter). Fails when the root cannot be made.
 [[nodiscard]] Result<Services> makeEmbeddedServices(const EmbeddedHostOptions& options);
 
-/// The folder with Info.plist and the interface files: $BRINDLE_RESOURCES, or else ../share/brindle relative
-/// to the folder of the running program.
-[[nodiscard]] std::string defaultResources();
-
-/// The path of the brindle-helper that is installed with this program (../libexec), or else of the one in its
-/// folder, as in a build.
-[[nodiscard]] std::string defaultHelper();
-
-/// The folder that holds the running program.
-[[nodiscard]] std::string programFolder();
-
 } // namespace platform

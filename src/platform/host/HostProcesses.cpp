@@ -1,26 +1,14 @@
 #include "platform/host/HostProcesses.h"
 
-#include "platform/host/EmbeddedRoot.h"
-#include "platform/posix/ProcessTable.h"
-#include "platform/samba/SambaAccounts.h"
-#include "platform/samba/ServerProcesses.h"
+#include "platform/posix/WholeNumber.h"
 
 #include <array>
 #include <cerrno>
-#include <charconv>
 #include <string_view>
 
 namespace platform {
 
 namespace {
-
-/// 0 when the string is not a number.
-pid_t processOf(const std::string& processId) {
-    pid_t process = 0;
-    const char* const end = processId.data() + processId.size();
-    const auto [rest, error] = std::from_chars(processId.data(), end, process);
-    return error == std::errc() && rest == end ? process : 0;
-}
 
 std::string readAll(std::FILE* stream) {
     std::string bytes;
@@ -52,7 +40,8 @@ std::FILE* HostProcesses::open(const std::string& command, const char* mode) {
         const std::size_t end = rest.find('\n');
         const std::string_view line = rest.substr(0, end);
         const std::string_view whole = rest.substr(0, end == std::string_view::npos ? end : end + 1);
-        if (maySignal_(std::string(line)) &&
+        const auto process = wholeNumber<pid_t>(line);
+        if (process && maySignal_(*process) &&
             std::fwrite(whole.data(), 1, whole.size(), filtered) != whole.size()) {
             const int error = errno;
             std::fclose(filtered);
@@ -76,29 +65,6 @@ int HostProcesses::close(std::FILE* stream) {
     statuses_.erase(place);
     std::fclose(stream);
     return status;
-}
-
-bool isServerOfRoot(const std::string& processId, const std::string& rootFolder) {
-    const std::string configuration =
-        SambaAccounts(EmbeddedRoot(rootFolder).sambaPaths()).configurationFile();
-    pid_t process = processOf(processId);
-    // A process that serves a connection may have changed its command line; its ancestor has not.
-    constexpr int generations = 4;
-    for (int generation = 0; generation < generations && process > 0; ++generation) {
-        if (isServerWith(process, configuration)) {
-            return true;
-        }
-        if (!programNameOf(process).starts_with("smbd")) {
-            return false;
-        }
-        process = parentOf(process);
-    }
-    return false;
-}
-
-bool isServerOfComputer(const std::string& processId) {
-    const pid_t process = processOf(processId);
-    return process > 0 && isComputersServer(process);
 }
 
 } // namespace platform

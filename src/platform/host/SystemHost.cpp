@@ -4,12 +4,13 @@
 #include "platform/foundation/SystemPaths.h"
 #include "platform/foundation/SystemServices.h"
 #include "platform/host/DirectoryAccounts.h"
-#include "platform/host/EmbeddedHost.h"
 #include "platform/host/HostProcesses.h"
+#include "platform/host/InstalledFiles.h"
 #include "platform/host/SystemComputer.h"
 #include "platform/host/UserFiles.h"
 #include "platform/netinfo/LocalDomain.h"
 #include "platform/samba/InstalledSamba.h"
+#include "platform/samba/ServerProcesses.h"
 #include "platform/security/ConsentAuthority.h"
 #include "platform/security/HelperFile.h"
 #include "platform/security/SudoAuthority.h"
@@ -41,19 +42,6 @@ class SystemPaths : public UserPaths {
 
   private:
     SystemFiles files_;
-};
-
-/// The directory of this computer, whose accounts are in the computer's own files.
-class SystemDomain : public LocalDomain {
-  public:
-    explicit SystemDomain(const SystemFiles& files) : file_(files.storeFile()) {}
-
-    [[nodiscard]] std::string storeFile() const override { return file_; }
-
-    [[nodiscard]] std::optional<AccountFiles> accountFiles() const override { return AccountFiles(); }
-
-  private:
-    std::string file_;
 };
 
 /// Sets the authority: sudo, or for root, who needs no password, the user's consent.
@@ -88,8 +76,8 @@ Services makeSystemServices(const SystemHostOptions& options) {
         files, home, options.keepsUserDefaults ? defaultsFileOf(home) : std::string(),
         options.resources.empty() ? defaultResources() : options.resources);
     services.accountNames = std::make_shared<DirectoryAccounts>(""); // the computer's own accounts
-    services.processes = std::make_shared<HostProcesses>(&isServerOfComputer);
-    services.localDomain = std::make_shared<SystemDomain>(files);
+    services.processes = std::make_shared<HostProcesses>(&isComputersServer);
+    services.localDomain = std::make_shared<ComputersDomain>(files.storeFile());
     const std::string helper = options.helper.empty() ? defaultHelper() : options.helper;
     useAuthority(services, options, helper);
     services.computer = std::make_shared<SystemComputer>(helper, services.localDomain);

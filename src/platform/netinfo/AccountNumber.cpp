@@ -1,6 +1,7 @@
 #include "platform/netinfo/AccountNumber.h"
 
-#include <charconv>
+#include "platform/posix/WholeNumber.h"
+
 #include <cstdint>
 #include <limits>
 
@@ -20,16 +21,14 @@ std::string directoryNumber(unsigned number) {
 }
 
 unsigned accountNumber(std::string_view text, bool* valid) {
-    std::int64_t number = 0;
-    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-    *valid = error == std::errc() && end == text.data() + text.size() &&
-             number >= std::numeric_limits<std::int32_t>::min() &&
-             number < std::numeric_limits<std::uint32_t>::max();
+    const auto number = wholeNumber<std::int64_t>(text);
+    *valid = number && *number >= std::numeric_limits<std::int32_t>::min() &&
+             *number < std::numeric_limits<std::uint32_t>::max();
     if (!*valid) {
         return 0;
     }
-    return number == nobodyInDirectory ? nobodyNumber
-                                       : static_cast<unsigned>(static_cast<std::uint32_t>(number));
+    return *number == nobodyInDirectory ? nobodyNumber
+                                        : static_cast<unsigned>(static_cast<std::uint32_t>(*number));
 }
 
 } // namespace platform

@@ -36,6 +36,14 @@ class StoreDomain : public LocalDomain {
     std::string file_;
 };
 
+/// The directory of this computer, whose accounts are in the computer's own files.
+class ComputersDomain : public StoreDomain {
+  public:
+    using StoreDomain::StoreDomain;
+
+    [[nodiscard]] std::optional<AccountFiles> accountFiles() const override { return AccountFiles(); }
+};
+
 /// A store into which the whole of another domain was copied.
 class CopiedDomain : public StoreDomain {
   public:

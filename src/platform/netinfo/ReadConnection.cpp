@@ -4,6 +4,7 @@
 #include "platform/netinfo/StoreSchema.h"
 #include "platform/netinfo/StoreUpgrade.h"
 #include "platform/netinfo/StoreWait.h"
+#include "platform/posix/TemporaryFolder.h"
 
 #include <array>
 #include <chrono>
@@ -12,8 +13,6 @@
 #include <span>
 #include <thread>
 #include <vector>
-
-#include <cstdlib>
 
 #include <sys/stat.h>
 
@@ -26,35 +25,6 @@ constexpr int allPages = -1; // in one step
 double steadySeconds() {
     return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch()).count();
 }
-
-/// A private folder of this user for a temporary copy. Removed with its contents by the destructor.
-class PrivateFolder {
-  public:
-    PrivateFolder() {
-        std::error_code error;
-        std::string pattern =
-            (std::filesystem::temp_directory_path(error) / "brindle-recovery-XXXXXX").string();
-        if (!error && ::mkdtemp(pattern.data()) != nullptr) {
-            path_ = pattern;
-        }
-    }
-
-    ~PrivateFolder() {
-        if (!path_.empty()) {
-            std::error_code
-                ignored; // nothing depends on it, and the system cleans its temporary folder anyway
-            std::filesystem::remove_all(path_, ignored);
-        }
-    }
-
-    PrivateFolder(const PrivateFolder&) = delete;
-    PrivateFolder& operator=(const PrivateFolder&) = delete;
-
-    [[nodiscard]] const std::filesystem::path& path() const { return path_; }
-
-  private:
-    std::filesystem::path path_;
-};
 
 /// Copies an open store through SQLite's own descriptor. Opening and closing another one would release the
 /// locks that this process holds on the file.
@@ -273,15 +243,15 @@ int ReadConnection::beginOrCopy() {
 
 int ReadConnection::recoverCopy() {
     sqlite3_exec(database_.get(), "ROLLBACK", nullptr, nullptr, nullptr);
-    const PrivateFolder folder;
-    if (folder.path().empty()) {
+    const auto folder = TemporaryFolder::make("recovery");
+    if (!folder.isOk()) {
         return SQLITE_FULL;
     }
-    if (const int error = copyUnderLock(database_.get(), file_, folder.path()); error != SQLITE_OK) {
+    if (const int error = copyUnderLock(database_.get(), file_, folder->path()); error != SQLITE_OK) {
         return error;
     }
     sqlite3* opened = nullptr;
-    const std::string copy = (folder.path() / "copy.db").string();
+    const std::string copy = folder->path() + "/copy.db";
     const int error =
         sqlite3_open_v2(copy.c_str(), &opened, SQLITE_OPEN_READWRITE | sqliteOwnConnection, nullptr);
     database_.reset(opened);

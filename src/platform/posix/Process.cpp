@@ -158,6 +158,10 @@ std::vector<std::string> currentEnvironment() {
     return variables;
 }
 
+std::vector<std::string> systemEnvironment() {
+    return {"PATH=/usr/sbin:/usr/bin:/sbin:/bin", "LC_ALL=C"};
+}
+
 IgnoredBrokenPipe::IgnoredBrokenPipe() {
     struct sigaction ignore {};
 

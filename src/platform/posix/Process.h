@@ -18,6 +18,9 @@ namespace platform {
 /// This process's environment variables, each as "NAME=VALUE".
 [[nodiscard]] std::vector<std::string> currentEnvironment();
 
+/// The environment for the system's own programs: nothing of the caller's, and messages in English.
+[[nodiscard]] std::vector<std::string> systemEnvironment();
+
 /// Where a program's standard error goes.
 enum class ErrorOutput {
     Inherited,  ///< to this program's standard error

@@ -1,8 +1,9 @@
 #include "platform/posix/ProcessTable.h"
 
+#include "platform/posix/WholeNumber.h"
+
 #include <algorithm>
 #include <array>
-#include <charconv>
 #include <filesystem>
 #include <fstream>
 #include <system_error>
@@ -33,11 +34,8 @@ std::vector<pid_t> processIds() {
     std::error_code error;
     for (std::filesystem::directory_iterator entry("/proc", error), end; !error && entry != end;
          entry.increment(error)) {
-        const std::string name = entry->path().filename();
-        pid_t id = 0;
-        const auto [rest, wrong] = std::from_chars(name.data(), name.data() + name.size(), id);
-        if (wrong == std::errc() && rest == name.data() + name.size()) {
-            ids.push_back(id);
+        if (const auto id = wholeNumber<pid_t>(entry->path().filename().string())) {
+            ids.push_back(*id);
         }
     }
     return ids;
@@ -69,10 +67,7 @@ std::string statusNumberOf(pid_t process, std::string_view line) {
 }
 
 pid_t parentOf(pid_t process) {
-    const std::string number = statusNumberOf(process, "PPid");
-    pid_t parent = 0;
-    std::from_chars(number.data(), number.data() + number.size(), parent);
-    return parent;
+    return wholeNumber<pid_t>(statusNumberOf(process, "PPid")).value_or(0);
 }
 
 bool isInContainer(pid_t process) {

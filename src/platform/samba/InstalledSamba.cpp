@@ -31,9 +31,8 @@ SambaBuild askServer() {
     if (server.empty()) {
         return sambaBuildOf("");
     }
-    const auto listing = runProcess(
-        {{server, "-b"}, ErrorOutput::Discarded, {"PATH=/usr/sbin:/usr/bin:/sbin:/bin", "LC_ALL=C"}}, {},
-        listingLimit);
+    const auto listing =
+        runProcess({{server, "-b"}, ErrorOutput::Discarded, systemEnvironment()}, {}, listingLimit);
     return sambaBuildOf(listing.isOk() ? listing->output : "");
 }
 

@@ -151,8 +151,11 @@ std::vector<std::string> SambaAccounts::privateOptions() const {
 }
 
 std::vector<std::string> SambaAccounts::environment() const {
-    return {"PATH=/usr/sbin:/usr/bin:/sbin:/bin", "LD_PRELOAD=" + wrapperLibrary(),
-            "NSS_WRAPPER_PASSWD=" + passwdFile(), "NSS_WRAPPER_GROUP=" + groupFile()};
+    auto environment = systemEnvironment();
+    environment.push_back("LD_PRELOAD=" + wrapperLibrary());
+    environment.push_back("NSS_WRAPPER_PASSWD=" + passwdFile());
+    environment.push_back("NSS_WRAPPER_GROUP=" + groupFile());
+    return environment;
 }
 
 std::string SambaAccounts::wrapperLibrary() {

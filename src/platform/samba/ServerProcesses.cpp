@@ -21,6 +21,8 @@ namespace fs = std::filesystem;
 
 constexpr auto patience = std::chrono::seconds(5);
 constexpr auto pause = std::chrono::milliseconds(20);
+/// A process that serves a connection may have changed its command line; its ancestor has not.
+constexpr int generations = 4;
 
 bool isSameFile(const std::string& word, const std::string& file) {
     std::error_code ignored;
@@ -63,6 +65,19 @@ bool isServerWith(pid_t process, const std::string& file) {
     return programIn(words) == "smbd" && isOwn(process) && namesConfiguration(words, file);
 }
 
+bool isServerOrChildWith(pid_t process, const std::string& file) {
+    for (int generation = 0; generation < generations && process > 0; ++generation) {
+        if (isServerWith(process, file)) {
+            return true;
+        }
+        if (!programNameOf(process).starts_with("smbd")) {
+            return false;
+        }
+        process = parentOf(process);
+    }
+    return false;
+}
+
 bool isDaemonWith(pid_t process, const std::string& file) {
     const auto words = commandLineOf(process);
     const std::string program = programIn(words);
@@ -75,8 +90,6 @@ bool isComputersServer(pid_t process) {
         const std::string name = programNameOf(id);
         return name.starts_with("smbd") || name == "AppleFileServer";
     };
-    // A process that serves a connection may have changed its command line; its ancestor has not.
-    constexpr int generations = 4;
     for (int generation = 0; generation < generations; ++generation) {
         const bool isOurs =
             isServer(process) && statusNumberOf(process, "Uid") == "0" && !isInContainer(process);

@@ -8,7 +8,10 @@ namespace platform {
 
 /// Whether `process` is an smbd of this user that was started with the configuration `file`.
 [[nodiscard]] bool isServerWith(pid_t process, const std::string& file);
-/// The same for any of Samba's daemons. Those that smbd starts have their own sessions and outlive it.
+/// Whether `process` is such an smbd, or a child of one that serves a connection.
+[[nodiscard]] bool isServerOrChildWith(pid_t process, const std::string& file);
+/// Whether `process` is any of Samba's daemons, of this user and with that configuration. Those that smbd
+/// starts have their own sessions and outlive it.
 [[nodiscard]] bool isDaemonWith(pid_t process, const std::string& file);
 
 /// Whether `process` is a file server of this computer: an smbd or AppleFileServer that belongs to root, does

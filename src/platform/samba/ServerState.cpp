@@ -1,13 +1,13 @@
 #include "platform/samba/ServerState.h"
 
 #include "platform/posix/ProcessTable.h"
+#include "platform/posix/WholeNumber.h"
 #include "platform/samba/InstalledSamba.h"
 #include "platform/samba/SambaAccounts.h"
 #include "platform/samba/ServerProcesses.h"
 
 #include <algorithm>
 #include <array>
-#include <charconv>
 #include <cstring>
 #include <optional>
 #include <sstream>
@@ -24,10 +24,7 @@ constexpr std::string_view listening = "0A"; // the kernel's number for that sta
 constexpr std::size_t wordDigits = 8;
 
 std::optional<std::uint32_t> hexNumber(std::string_view digits) {
-    std::uint32_t number = 0;
-    const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), number, 16);
-    return error == std::errc() && end == digits.data() + digits.size() ? std::optional(number)
-                                                                        : std::nullopt;
+    return wholeNumber<std::uint32_t>(digits, 16);
 }
 
 /// Reads an address as the kernel writes it, as words of 32 bits in host byte order. "*" is every address;

@@ -39,7 +39,7 @@ Result<FinishedProcess> run(const std::optional<SambaAccounts>& root, const std:
     if (path.empty()) {
         return Status::failure("cannot run", program, "it is not installed; install the package samba");
     }
-    Command command{{path}, ErrorOutput::Apart, {"PATH=/usr/sbin:/usr/bin:/sbin:/bin"}};
+    Command command{{path}, ErrorOutput::Apart, systemEnvironment()};
     if (root) {
         command.environment = root->environment();
         command.words.insert(command.words.end(), {"-s", root->configurationFile()});
@@ -47,7 +47,6 @@ Result<FinishedProcess> run(const std::optional<SambaAccounts>& root, const std:
             command.words.push_back(std::move(option));
         }
     }
-    command.environment.emplace_back("LC_ALL=C");
     command.words.insert(command.words.end(), words.begin(), words.end());
     return runProcess(command, {}, limit);
 }

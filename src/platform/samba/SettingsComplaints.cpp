@@ -1,12 +1,11 @@
 #include "platform/samba/SettingsComplaints.h"
 
 #include "platform/posix/LetterCase.h"
-#include "platform/posix/Process.h"
 #include "platform/samba/InstalledSamba.h"
 
 #include <algorithm>
 #include <array>
-#include <chrono>
+#include <initializer_list>
 
 namespace platform {
 
@@ -16,14 +15,16 @@ constexpr auto limit = std::chrono::seconds(20);
 /// Each complaint that ends testparm's reading takes one more run.
 constexpr int mostRuns = 25;
 
-/// What a line that is a complaint contains.
-constexpr std::array<std::string_view, 7> complaints = {"Unknown parameter encountered",
-                                                        "Ignoring invalid value",
-                                                        "is not boolean",
-                                                        "ERROR: ",
-                                                        "Invalid ",
-                                                        "params.c",
-                                                        "Error loading services"};
+/// What a line contains that complains of something that the server cannot use.
+constexpr std::array<std::string_view, 7> unusable = {"Unknown parameter encountered",
+                                                      "Ignoring invalid value",
+                                                      "is not boolean",
+                                                      "ERROR: ",
+                                                      "Invalid ",
+                                                      "params.c",
+                                                      "Error loading services"};
+/// What it contains about a global setting in a share's section.
+constexpr std::string_view misplaced = "found in service section";
 
 std::vector<std::string> linesOf(std::string_view text) {
     std::vector<std::string> lines;
@@ -134,6 +135,19 @@ class Reading {
     bool hasComplained_ = false;
 };
 
+Result<FinishedProcess> runTestparm(std::string_view text, std::chrono::seconds timeLimit,
+                                    std::initializer_list<const char*> options) {
+    const std::string testparm = sambaCommand("testparm");
+    if (testparm.empty()) {
+        return Status::failure("cannot check", "smb.conf",
+                               "testparm is not installed; install the package samba-common-bin");
+    }
+    Command command{{testparm, "-s"}, ErrorOutput::Apart, systemEnvironment()};
+    command.words.insert(command.words.end(), options.begin(), options.end());
+    command.words.emplace_back("/dev/stdin");
+    return runProcess(command, text, timeLimit);
+}
+
 std::string joined(const std::vector<std::string>& lines) {
     std::string text;
     for (const std::string& line : lines) {
@@ -145,28 +159,33 @@ std::string joined(const std::vector<std::string>& lines) {
 } // namespace
 
 bool isSettingsComplaint(std::string_view line) {
-    return std::ranges::any_of(
-        complaints, [line](std::string_view part) { return line.find(part) != std::string_view::npos; });
+    return isAboutUnusableSettings(line) || line.find(misplaced) != std::string_view::npos;
+}
+
+bool isAboutUnusableSettings(std::string_view complaint) {
+    return std::ranges::any_of(unusable, [complaint](std::string_view part) {
+        return complaint.find(part) != std::string_view::npos;
+    });
+}
+
+bool isShareSecurity(std::string_view line) {
+    return folded(line) == "security=share";
+}
+
+Result<FinishedProcess> runTestparm(std::string_view text, std::chrono::seconds timeLimit) {
+    return runTestparm(text, timeLimit, {});
 }
 
 Result<std::vector<SettingsComplaint>> settingsComplaints(std::string_view text) {
-    const std::string testparm = sambaCommand("testparm");
-    if (testparm.empty()) {
-        return Status::failure("cannot check", "smb.conf",
-                               "testparm is not installed; install the package samba-common-bin");
-    }
     std::vector<std::string> lines = linesOf(text);
     for (std::string& line : lines) {
         if (keyOf(line) == "include") {
             line.clear();
         }
     }
-    const Command command{{testparm, "-s", "-d", "4", "/dev/stdin"},
-                          ErrorOutput::Apart,
-                          {"PATH=/usr/sbin:/usr/bin:/sbin:/bin", "LC_ALL=C"}};
     std::vector<SettingsComplaint> found;
     for (int run = 0; run < mostRuns; ++run) {
-        const auto finished = runProcess(command, joined(lines), limit);
+        const auto finished = runTestparm(joined(lines), limit, {"-d", "4"});
         if (!finished.isOk()) {
             return finished.status();
         }

@@ -1,7 +1,9 @@
 #pragma once
 
+#include "platform/posix/Process.h"
 #include "platform/posix/Status.h"
 
+#include <chrono>
 #include <cstddef>
 #include <string>
 #include <string_view>
@@ -18,6 +20,19 @@ struct SettingsComplaint {
 /// Whether a line of testparm(1)'s output is a complaint. Its other lines are progress reports, or advice
 /// without consequences for the server.
 [[nodiscard]] bool isSettingsComplaint(std::string_view line);
+
+/// Whether a complaint is about something that the server cannot use. A text without such a complaint may
+/// still hold a global setting in a share's section, which the server passes over.
+[[nodiscard]] bool isAboutUnusableSettings(std::string_view complaint);
+
+/// Whether a line of smb.conf says "security = share". Brindle offers that setting although today's Samba
+/// refuses it; the SMB page says so.
+[[nodiscard]] bool isShareSecurity(std::string_view line);
+
+/// Runs testparm once. It reads the text up to the first line that keeps the server from reading on, with the
+/// files that it includes, and writes its complaints to its errors. Fails when it is not installed or does
+/// not end within `timeLimit`.
+[[nodiscard]] Result<FinishedProcess> runTestparm(std::string_view text, std::chrono::seconds timeLimit);
 
 /// All complaints of testparm about the text, in the order of its lines. When a line keeps the server from
 /// reading on, the lines after it are checked without it. Included files are not read. Fails when testparm is

@@ -28,9 +28,7 @@ constexpr int folderFlags = O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC;
 constexpr auto limit = std::chrono::seconds(20);
 
 Result<FinishedProcess> runSamba(std::vector<std::string> words) {
-    return runProcess(
-        {std::move(words), ErrorOutput::WithOutput, {"PATH=/usr/sbin:/usr/bin:/sbin:/bin", "LC_ALL=C"}}, {},
-        limit);
+    return runProcess({std::move(words), ErrorOutput::WithOutput, systemEnvironment()}, {}, limit);
 }
 
 /// Whether guests may use user shares at all.
@@ -41,7 +39,7 @@ bool allowsGuests() {
     }
     const auto said = runProcess({{testparm, "-s", "--parameter-name=usershare allow guests"},
                                   ErrorOutput::Discarded,
-                                  {"PATH=/usr/sbin:/usr/bin:/sbin:/bin", "LC_ALL=C"}},
+                                  systemEnvironment()},
                                  {}, limit);
     return said.isOk() && said->output.starts_with("Yes");
 }

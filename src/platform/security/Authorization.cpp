@@ -6,8 +6,6 @@
 #include <memory>
 #include <utility>
 
-#include <sys/types.h>
-
 namespace {
 
 /// Serves a tool's output as a stream. When the caller has read to the end, the presenter is told of the

@@ -3,12 +3,10 @@
 #include "platform/security/Authority.h"
 
 #include <cstddef>
-#include <cstdint>
 #include <cstdio>
 #include <optional>
 #include <span>
 #include <string>
-#include <vector>
 
 // The platform's Authorization Services, as far as they are used, implemented by the host's authority.
 

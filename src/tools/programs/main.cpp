@@ -7,8 +7,8 @@ int main(int argc, char** argv) {
     constexpr std::string_view tool = BRINDLE_TOOL;
     // "if constexpr", so that what only the helper needs is linked only into the helper.
     if constexpr (tool == "brindle-helper") {
-        return helperMain(argc, argv);
+        return tools::helperMain(argc, argv);
     } else {
-        return directoryToolMain(tool, argc, argv);
+        return tools::directoryToolMain(tool, argc, argv);
     }
 }

@@ -1,8 +1,7 @@
-#include "tools/ComputerStore.h"
+#include "tools/ComputerLock.h"
 
 #include <cerrno>
 #include <chrono>
-#include <cstring>
 #include <filesystem>
 #include <string>
 #include <system_error>
@@ -13,6 +12,8 @@
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
+
+namespace tools {
 
 using platform::FileDescriptor;
 using platform::Result;
@@ -95,3 +96,5 @@ Result<ComputerLock> ComputerLock::take(const platform::SystemFiles& files, int 
     }
     return ComputerLock(std::move(*locked));
 }
+
+} // namespace tools

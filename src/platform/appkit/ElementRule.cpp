@@ -1,10 +1,10 @@
-#include "platform/appkit/InterfaceKinds.h"
+#include "platform/appkit/ElementRule.h"
 
 #include "platform/appkit/InterfaceTable.h"
 #include "platform/foundation/NSString.h"
+#include "platform/posix/WholeNumber.h"
 
 #include <algorithm>
-#include <charconv>
 #include <cstdint>
 
 namespace platform {
@@ -12,9 +12,8 @@ namespace platform {
 namespace {
 
 bool isWholeNumber(std::string_view text, std::int32_t least) {
-    std::int32_t number = 0;
-    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-    return error == std::errc() && end == text.data() + text.size() && number >= least;
+    const auto number = wholeNumber<std::int32_t>(text);
+    return number && *number >= least;
 }
 
 bool mayHold(const ElementRule& parent, const ElementRule& child) {

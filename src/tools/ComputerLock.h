@@ -5,6 +5,8 @@
 #include "platform/posix/FileDescriptor.h"
 #include "platform/posix/Status.h"
 
+namespace tools {
+
 /// A lock, held as long as this object lives, that lets only one run at a time change this computer's
 /// directory. A program that is started meanwhile inherits the lock and holds it until it ends, so that
 /// nobody finishes the work of a killed run while the program that it started is still running.
@@ -20,3 +22,5 @@ class ComputerLock {
 
     platform::FileDescriptor file_;
 };
+
+} // namespace tools

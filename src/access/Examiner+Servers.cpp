@@ -5,7 +5,6 @@
 #include "platform/foundation/NSString.h"
 #include "platform/foundation/SystemPaths.h"
 #include "platform/netinfo/LocalDomain.h"
-#include "platform/posix/InputOutput.h"
 #include "platform/posix/LetterCase.h"
 #include "platform/posix/ShellWord.h"
 #include "platform/samba/InstalledSamba.h"
@@ -28,12 +27,6 @@ namespace accesscheck {
 namespace {
 
 using Level = Finding::Level;
-
-bool isShareSecurity(std::string line) {
-    line = platform::lowercased(line);
-    std::erase_if(line, [](char letter) { return letter == ' ' || letter == '\t' || letter == '\r'; });
-    return line == "security=share";
-}
 
 /// The share whose section holds the line; none when the section is not a share's.
 std::optional<std::string> shareAround(std::string_view text, std::size_t line) {
@@ -80,8 +73,8 @@ void Examiner::examineSettings() {
     for (const platform::SettingsComplaint& each : *complaints) {
         // A root's own server is started with its own folders and security level.
         const bool isOthers = each.line == 0 ? each.text.find(" directory ") != std::string::npos
-                                             : isShareSecurity(lineAt(text, each.line));
-        if (patient_.root && isOthers) {
+                                             : platform::isShareSecurity(lineAt(text, each.line));
+        if (host_.root && isOthers) {
             continue;
         }
         find({.code = "smb-conf",
@@ -117,15 +110,15 @@ void Examiner::examineServers() {
         return;
     }
     const platform::ServerState state =
-        patient_.root ? platform::rootServerState(*patient_.root) : platform::smbServerState();
+        host_.root ? platform::rootServerState(*host_.root) : platform::smbServerState();
     if (state.process == 0) {
-        find({.level = isNeeded && !patient_.root ? Level::Problem : Level::Notice,
+        find({.level = isNeeded && !host_.root ? Level::Problem : Level::Notice,
               .code = "server-stopped",
-              .text = patient_.root ? NSLocalizedString("The root's SMB server is not running: it runs only "
-                                                        "while Brindle runs with --serve.")
-                                    : NSLocalizedString("The SMB server is not running: nothing is shared."),
+              .text = host_.root ? NSLocalizedString("The root's SMB server is not running: it runs only "
+                                                     "while Brindle runs with --serve.")
+                                 : NSLocalizedString("The SMB server is not running: nothing is shared."),
               .where = "smbd",
-              .remedy = patient_.root ? command({"--serve"}) : command({"servers", "start"})});
+              .remedy = host_.root ? command({"--serve"}) : command({"servers", "start"})});
     } else if (state.listensAt.empty()) {
         find({.code = "server-deaf",
               .text = stringWithFormat(
@@ -133,8 +126,8 @@ void Examiner::examineServers() {
                       "The SMB server is running (process %@) and is not listening on any address."),
                   std::to_string(state.process)),
               .where = "smbd",
-              .remedy = patient_.root ? NSLocalizedString("Quit that Brindle and start it again.")
-                                      : "systemctl restart smbd"});
+              .remedy = host_.root ? NSLocalizedString("Quit that Brindle and start it again.")
+                                   : "systemctl restart smbd"});
     }
 }
 
@@ -174,7 +167,7 @@ void Examiner::examineOwnFiles() {
     const platform::Services& services = platform::Host::current().services();
     const std::filesystem::path store = services.localDomain->storeFile();
     const std::string folder = store.parent_path();
-    if (!patient_.root) {
+    if (!host_.root) {
         for (const std::string& each : {folder, store.string(), smbConfFile_}) {
             examineFile(each, allWrite, 0);
         }
@@ -192,11 +185,11 @@ void Examiner::examineOwnFiles() {
     const unsigned owner = ::stat(folder.c_str(), &status) == 0 ? status.st_uid : ::geteuid();
     for (const std::string& each :
          {folder, store.string(), smbConfFile_, services.historyFile,
-          services.paths->map(platform::systempath::appleFileServer), patient_.root->folder}) {
+          services.paths->map(platform::systempath::appleFileServer), host_.root->folder}) {
         examineFile(each, othersWrite, owner);
     }
-    examineFile(patient_.root->folder + "/private", secret, owner);
-    examineFile(patient_.root->folder + "/private/passdb.tdb", secret, owner);
+    examineFile(host_.root->folder + "/private", secret, owner);
+    examineFile(host_.root->folder + "/private/passdb.tdb", secret, owner);
 }
 
 } // namespace accesscheck

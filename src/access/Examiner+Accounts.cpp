@@ -1,11 +1,11 @@
 #include "access/Examiner.h"
+#include "directory/DirectoryView.h"
 #include "platform/foundation/Host.h"
 #include "platform/foundation/NSBundle.h"
 #include "platform/foundation/NSString.h"
 #include "platform/netinfo/AccountLines.h"
 #include "platform/netinfo/AccountNumber.h"
 #include "platform/netinfo/LocalDomain.h"
-#include "platform/netinfo/ni.h"
 #include "platform/posix/LetterCase.h"
 #include "platform/posix/ShellWord.h"
 #include "platform/samba/ComputerPasswords.h"
@@ -17,7 +17,6 @@
 #include <map>
 #include <set>
 
-#include <sys/stat.h>
 #include <unistd.h>
 
 namespace accesscheck {
@@ -38,26 +37,6 @@ std::string joined(const std::vector<std::string>& names) {
         text += (index == 0 ? "" : ", ") + names[index];
     }
     return names.size() > mostNames ? text + ", …" : text;
-}
-
-/// The names of the records that the store itself has at `path`.
-std::vector<std::string> storedNames(const std::string& file, const char* path) {
-    std::vector<std::string> names;
-    platform::OwnedDomain domain;
-    ni_id id;
-    ni_idlist children;
-    if (platform::openRecord(file, path, &domain, &id) != NI_OK ||
-        ni_children(domain.get(), &id, &children) != NI_OK) {
-        return names;
-    }
-    for (const std::uint32_t child : children.niil_val) {
-        id = {child};
-        ni_namelist values;
-        if (ni_lookupprop(domain.get(), &id, "name", &values) == NI_OK && !values.ninl_val.empty()) {
-            names.emplace_back(values.ninl_val.front());
-        }
-    }
-    return names;
 }
 
 bool exists(const std::string& file) {
@@ -143,7 +122,8 @@ void Examiner::examineHalfMade() {
               .remedy = NSLocalizedString("It is removed with the next change of an account."),
               .user = code == std::string_view("half-made-user") ? std::optional(name) : std::nullopt});
     };
-    for (const std::string& name : storedNames(file, "/users")) {
+    const DirectoryView store(file);
+    for (const std::string& name : store.names("/users")) {
         if (!users.contains(name)) {
             tell("half-made-user",
                  NSLocalizedString("Brindle keeps something of the user \"%@\", whom the computer does not "
@@ -151,7 +131,7 @@ void Examiner::examineHalfMade() {
                  name);
         }
     }
-    for (const std::string& name : storedNames(file, "/groups")) {
+    for (const std::string& name : store.names("/groups")) {
         if (!groups.contains(name)) {
             tell("half-made-group",
                  NSLocalizedString("Brindle keeps something of the group \"%@\", which the computer does not "
@@ -168,6 +148,18 @@ void Examiner::examineHalfMade() {
     }
 }
 
+void Examiner::findNoLogOn(const User& user, bool isDisabled) {
+    find({.code = isDisabled ? "disabled" : "no-password",
+          .text = stringWithFormat(
+              isDisabled ? NSLocalizedString("The user \"%@\" is disabled in Samba's password database.")
+                         : NSLocalizedString("The user \"%@\" has no Samba password and cannot connect."),
+              user.name),
+          .where = user.name,
+          .remedy = isDisabled && !host_.root ? "smbpasswd -e " + platform::shellWord(user.name)
+                                              : command({"users", "password", user.name}),
+          .user = user.name});
+}
+
 std::string Examiner::passwordCommand(const std::vector<std::string>& users) const {
     if (users.size() == 1) {
         return command({"users", "password", users.front()});
@@ -180,7 +172,7 @@ std::string Examiner::passwordCommand(const std::vector<std::string>& users) con
 }
 
 void Examiner::examinePasswords() {
-    if (!patient_.root && ::geteuid() != 0) {
+    if (!host_.root && ::geteuid() != 0) {
         found_.notes.push_back(
             NSLocalizedString("Samba's passwords were not examined: only root may read them."));
         return;
@@ -188,8 +180,8 @@ void Examiner::examinePasswords() {
     if (platform::sambaCommand("pdbedit").empty()) {
         return; // the server's findings say that Samba is not installed
     }
-    const auto database = patient_.root ? platform::SambaAccounts(*patient_.root).users()
-                                        : platform::ComputerPasswords::users();
+    const auto database =
+        host_.root ? platform::SambaAccounts(*host_.root).users() : platform::ComputerPasswords::users();
     if (!database.isOk()) {
         found_.notes.push_back(database.status().text());
         return;
@@ -201,42 +193,21 @@ void Examiner::examinePasswords() {
     const platform::AccountLimits limits = platform::readAccountLimits();
     std::vector<std::string> without;
     for (const User& user : users_) {
+        if (const auto entry = known.find(platform::lowercased(user.name)); entry != known.end()) {
+            if (!entry->second->hasPassword || entry->second->isDisabled) {
+                findNoLogOn(user, entry->second->isDisabled);
+            }
+            known.erase(entry);
+            continue;
+        }
         bool hasUid = false;
         const unsigned uid = platform::accountNumber(user.uid, &hasUid);
-        const auto entry = known.find(platform::lowercased(user.name));
-        const bool isListed = entry != known.end();
-        if (isListed) {
-            const bool canLogOn = entry->second->hasPassword && !entry->second->isDisabled;
-            const bool isDisabled = entry->second->isDisabled;
-            known.erase(entry);
-            if (canLogOn) {
-                continue;
-            }
-            find({.code = isDisabled ? "disabled" : "no-password",
-                  .text = stringWithFormat(
-                      isDisabled
-                          ? NSLocalizedString("The user \"%@\" is disabled in Samba's password database.")
-                          : NSLocalizedString("The user \"%@\" has no Samba password and cannot connect."),
-                      user.name),
-                  .where = user.name,
-                  .remedy = isDisabled && !patient_.root ? "smbpasswd -e " + platform::shellWord(user.name)
-                                                         : command({"users", "password", user.name}),
-                  .user = user.name});
-            continue;
-        }
-        if (!hasUid || uid < limits.lowestUser || uid > limits.highestUser) {
-            continue; // a system account
-        }
-        if (!isForSharing(user.shell)) {
+        const bool isPerson = hasUid && uid >= limits.lowestUser && uid <= limits.highestUser;
+        if (isPerson && isForSharing(user.shell)) {
+            findNoLogOn(user, false);
+        } else if (isPerson) {
             without.push_back(user.name);
-            continue;
         }
-        find({.code = "no-password",
-              .text = stringWithFormat(
-                  NSLocalizedString("The user \"%@\" has no Samba password and cannot connect."), user.name),
-              .where = user.name,
-              .remedy = command({"users", "password", user.name}),
-              .user = user.name});
     }
     if (!without.empty()) {
         find({.level = Finding::Level::Notice,
@@ -255,7 +226,7 @@ void Examiner::examinePasswords() {
                       NSLocalizedString("Samba has a password for \"%@\", and there is no such user."),
                       user->name),
                   .where = NSLocalizedString("Samba's password database"),
-                  .remedy = patient_.root ? std::string() : "pdbedit -x " + platform::shellWord(user->name)});
+                  .remedy = host_.root ? std::string() : "pdbedit -x " + platform::shellWord(user->name)});
         }
     }
 }

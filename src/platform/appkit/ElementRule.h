@@ -3,7 +3,6 @@
 #include "platform/appkit/InterfaceModels.h"
 #include "platform/appkit/ShortList.h"
 
-#include <cstddef>
 #include <string>
 #include <string_view>
 

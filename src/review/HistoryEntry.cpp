@@ -165,7 +165,31 @@ std::optional<std::string> afpTitle(const FileChange& file) {
                : std::optional(stringWithFormat(NSLocalizedString("AFP settings changed: %@"), listOf(keys)));
 }
 
-std::string changeTitle(const HistoryEntry& entry) {
+} // namespace
+
+bool isSameRecord(const RecordChange::State& one, const RecordChange::State& other) {
+    if (!one || !other) {
+        return !one && !other;
+    }
+    return std::ranges::equal(*one, *other, [](const auto& left, const auto& right) {
+        return left.name == right.name && left.values == right.values;
+    });
+}
+
+const char* outcomeOf(const HistoryEntry& entry) {
+    return entry.isUndone ? "undone" : (entry.hasFailed || entry.isDamaged ? "failed" : "done");
+}
+
+std::string timeOf(const HistoryEntry& entry) {
+    const std::time_t time = entry.time;
+    std::tm parts{};
+    ::gmtime_r(&time, &parts);
+    std::array<char, 32> text{};
+    const std::size_t size = std::strftime(text.data(), text.size(), "%Y-%m-%dT%H:%M:%SZ", &parts);
+    return {text.data(), size};
+}
+
+std::string titleOf(const HistoryEntry& entry) {
     for (const Titles& texts : titles) {
         Happening happening;
         for (const RecordChange& record : entry.records) {
@@ -202,34 +226,6 @@ std::string changeTitle(const HistoryEntry& entry) {
     const platform::Paths& paths = platform::Host::current().paths();
     return stringWithFormat(NSLocalizedString("%@ rewritten"),
                             quoted(paths.shown(paths.map(entry.files.front().path))));
-}
-
-} // namespace
-
-bool isSameRecord(const RecordChange::State& one, const RecordChange::State& other) {
-    if (!one || !other) {
-        return !one && !other;
-    }
-    return std::ranges::equal(*one, *other, [](const auto& left, const auto& right) {
-        return left.name == right.name && left.values == right.values;
-    });
-}
-
-const char* outcomeOf(const HistoryEntry& entry) {
-    return entry.isUndone ? "undone" : (entry.hasFailed || entry.isDamaged ? "failed" : "done");
-}
-
-std::string timeOf(const HistoryEntry& entry) {
-    const std::time_t time = entry.time;
-    std::tm parts{};
-    ::gmtime_r(&time, &parts);
-    std::array<char, 32> text{};
-    const std::size_t size = std::strftime(text.data(), text.size(), "%Y-%m-%dT%H:%M:%SZ", &parts);
-    return {text.data(), size};
-}
-
-std::string titleOf(const HistoryEntry& entry) {
-    return changeTitle(entry);
 }
 
 } // namespace review
