@@ -22,7 +22,7 @@ struct SettingsComplaint {
 [[nodiscard]] bool isSettingsComplaint(std::string_view line);
 
 /// Whether a complaint is about something that the server cannot use. A text without such a complaint may
-/// still hold a global setting in a share's section, which the server passes over.
+/// still hold a global setting in a share's section, which the server passes over: no reason to refuse it.
 [[nodiscard]] bool isAboutUnusableSettings(std::string_view complaint);
 
 /// Whether a line of smb.conf says "security = share". Brindle offers that setting although today's Samba
