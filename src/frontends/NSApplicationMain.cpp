@@ -16,6 +16,7 @@
 #include "platform/host/InstalledFiles.h"
 #include "platform/host/SystemHost.h"
 #include "platform/posix/Secret.h"
+#include "platform/posix/TemporaryFolder.h"
 #include "platform/samba/EmbeddedServer.h"
 #include "review/DryRun.h"
 
@@ -26,7 +27,9 @@
 #include <filesystem>
 #include <fstream>
 #include <iostream>
+#include <optional>
 #include <stdexcept>
+#include <utility>
 
 #include <syslog.h>
 #include <unistd.h>
@@ -61,48 +64,23 @@ Result<platform::Services> makeServices(const Options& options) {
     return platform::makeEmbeddedServices(host);
 }
 
-/// A folder for a root that a dry run would make; removed at the end.
-class ScratchRoot {
-  public:
-    ScratchRoot() = default;
-
-    ~ScratchRoot() {
-        std::error_code ignored; // the system cleans the folder for temporary files
-        std::filesystem::remove_all(folder_, ignored);
-    }
-
-    ScratchRoot(const ScratchRoot&) = delete;
-    ScratchRoot& operator=(const ScratchRoot&) = delete;
-
-    /// Makes the folder and returns its path.
-    [[nodiscard]] Result<std::string> make() {
-        std::string pattern = (std::filesystem::temp_directory_path() / "brindle-root-XXXXXX").string();
-        if (::mkdtemp(pattern.data()) == nullptr) {
-            return Status::ofErrno("cannot make", pattern, errno);
-        }
-        folder_ = pattern;
-        return folder_;
-    }
-
-  private:
-    std::string folder_;
-};
-
-/// Services that change nothing.
-Result<platform::Services> makeDryServices(Options options, ScratchRoot& scratch) {
+/// Services that change nothing. A root that is missing is made in `scratch`.
+Result<platform::Services> makeDryServices(Options options,
+                                           std::optional<platform::TemporaryFolder>& scratch) {
     if (!options.host.system) {
         std::string& root = options.host.root;
         root = root.empty() ? platform::EmbeddedRoot::defaultFolder() : root;
         if (!std::filesystem::exists(platform::EmbeddedRoot(root).storeFile())) {
-            const auto made = scratch.make();
+            auto made = platform::TemporaryFolder::make("root");
             if (!made.isOk()) {
                 return made.status();
             }
+            scratch.emplace(std::move(*made));
             const std::string named = platform::EmbeddedRoot(root).folder();
-            if (Status status = platform::EmbeddedRoot(*made).makeIfMissing(named); !status.isOk()) {
+            root = scratch->path() + "/root"; // a root locks its own folder, and so does the temporary one
+            if (Status status = platform::EmbeddedRoot(root).makeIfMissing(named); !status.isOk()) {
                 return status;
             }
-            root = *made;
         }
     }
     const auto real = makeServices(options);
@@ -155,7 +133,7 @@ Result<int> runScript(const Options& options) {
             return Status::ofErrno("the script " + options.script + " cannot be read", "", errno);
         }
     }
-    ScratchRoot scratch;
+    std::optional<platform::TemporaryFolder> scratch;
     auto services = options.dryRun ? makeDryServices(options, scratch) : makeServices(options);
     if (!services.isOk()) {
         return services.status();
