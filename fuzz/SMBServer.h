@@ -19,9 +19,12 @@ namespace fuzz {
 /// A section as the server puts it together from all headers with that name.
 struct ServerSection {
     std::size_t headers = 0;
+    std::size_t strays = 0; ///< how many of the settings stand before the first header of the file
     std::vector<std::pair<std::string, std::string>> settings; ///< keys as the server compares them
 
-    [[nodiscard]] bool operator==(const ServerSection&) const = default;
+    [[nodiscard]] bool operator==(const ServerSection& other) const {
+        return headers == other.headers && settings == other.settings;
+    }
 
     /// Returns the value that counts, or "(none)".
     [[nodiscard]] std::string valueOf(std::string_view key) const {
@@ -87,15 +90,18 @@ inline std::vector<std::string> serverLines(std::string_view text) {
 inline ServerReading serverReading(std::string_view text) {
     ServerReading sections;
     ServerSection* current = &sections["global"];
+    bool hasHeader = false;
     for (const std::string& line : serverLines(text)) {
         const std::size_t bracket = line.starts_with('[') ? line.find(']') : std::string::npos;
         const std::size_t equals = line.find('=');
         if (bracket != std::string::npos) {
             current = &sections[serverName(line.substr(1, bracket - 1))];
             ++current->headers;
+            hasHeader = true;
         } else if (equals != std::string::npos) {
             current->settings.emplace_back(foldedSettingName(line.substr(0, equals)),
                                            withoutWhiteSpace(line.substr(equals + 1)));
+            current->strays += hasHeader ? 0 : 1;
         }
     }
     return sections;

@@ -83,7 +83,11 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     static const std::string pristine = madeStore(folder.file("pristine.db"));
     static platform::Host host(fuzz::quietServices());
     const std::string file = folder.file("directory.db");
-    std::filesystem::copy_file(pristine, file, std::filesystem::copy_options::overwrite_existing);
+    std::error_code error;
+    do { // the fuzzer's timer interrupts
+        std::filesystem::copy_file(pristine, file, std::filesystem::copy_options::overwrite_existing, error);
+    } while (error == std::errc::interrupted);
+    fuzz::require(!error, "a new directory can be made", error.message());
     tools::DirectorySession session{tools::DirectoryPlace(file)};
     std::string path;
     for (fuzz::Draw draw(fuzz::textOf(data, size)); !draw.isAtEnd();) {

@@ -180,7 +180,13 @@ TEST_F(Commands, EndWithAStatusThatSaysWhatIsMissing) {
     EXPECT_EQ(command("shares set Docs --owner-may everything").status, 2);
     EXPECT_EQ(answer("groups list")["groups"].dump().find("crew"), std::string::npos);
     test_.write("computer/directory.db", "a letter");
-    EXPECT_NE(command("groups show staff").errors.find("could not be read"), std::string::npos);
+    for (const char* line : {"groups show staff", "users add ann --no-password --yes", "public on ann --yes",
+                             "public on --all --yes", "users remove ann --yes", "groups remove crew --yes",
+                             "shares remove Other --yes"}) {
+        const Finished refused = command(line);
+        EXPECT_NE(refused.errors.find("could not be read"), std::string::npos) << line << refused.output;
+        EXPECT_EQ(refused.status, 1) << line;
+    }
 }
 
 TEST_F(Commands, PrintForProgramsWhatTheApplicationShows) {

@@ -304,6 +304,7 @@ TEST(TemporaryFolder, TheNextOneRemovesWhatAKilledProcessLeft) {
     ::setenv("TMPDIR", host.root().c_str(), 1);
     fs::create_directories(host.root() / "brindle-test-killed" / "etc");
     fs::create_directory(host.root() / "brindle-other-killed");
+    fs::create_directory(host.root() / "brindle-test-by-hand");
     auto alive = platform::TemporaryFolder::make("test");
     {
         const auto next = platform::TemporaryFolder::make("test");
@@ -313,8 +314,9 @@ TEST(TemporaryFolder, TheNextOneRemovesWhatAKilledProcessLeft) {
     }
     const auto names = namesIn(host.root());
     EXPECT_EQ(std::ranges::count_if(names, [](const auto& name) { return name.starts_with("brindle-test"); }),
-              1);
+              2);
     EXPECT_TRUE(fs::exists(host.root() / "brindle-other-killed"));
+    EXPECT_TRUE(fs::exists(host.root() / "brindle-test-by-hand"));
 }
 
 TEST(WholeFile, SimultaneousWritersLeaveOneWholeText) {

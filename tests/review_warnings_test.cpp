@@ -308,6 +308,8 @@ TEST_F(Surprises, TheServersOwnComplaintIsReported) {
     writeConf(plainConf("no such key = 1\n"));
     begin();
     EXPECT_EQ(sentence("updateSMBProperties:", "server-complains"), ""); // the old file has it, too
+    type("smbNetBiosName", "OFFICE");
+    EXPECT_NE(sentence("updateSMBProperties:", "server-complains").find("must differ"), std::string::npos);
     choose("smbSecurity", "Share");
     EXPECT_NE(sentence("updateSMBProperties:", "server-complains").find("SHARE"), std::string::npos);
 }

@@ -15,6 +15,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <map>
+#include <ranges>
 #include <set>
 
 #include <unistd.h>
@@ -94,13 +95,14 @@ void Examiner::examineUser(const User& user) {
     }
     const std::string folder = user.home + "/Public";
     if (user.sharedFolder == "Public" && !exists(folder)) {
-        find({.code = "public-folder-gone",
-              .text = stringWithFormat(
-                  NSLocalizedString("The Public folder of \"%@\" is to be shared, but %@ does not exist."),
-                  user.name, folder),
-              .where = folder,
-              .remedy = command({"public", "off", user.name}),
-              .user = user.name});
+        find(
+            {.code = "public-folder-gone",
+             .text = stringWithFormat(
+                 NSLocalizedString("The Public folder of \"%@\" is set to be shared, but %@ does not exist."),
+                 user.name, folder),
+             .where = folder,
+             .remedy = command({"public", "off", user.name}),
+             .user = user.name});
     }
 }
 
@@ -165,7 +167,7 @@ std::string Examiner::passwordCommand(const std::vector<std::string>& users) con
         return command({"users", "password", users.front()});
     }
     std::string loop = "for user in";
-    for (const std::string& user : users) {
+    for (const std::string& user : users | std::views::take(mostNames)) {
         loop += " " + platform::shellWord(user);
     }
     return loop + "; do " + command({"users", "password"}) + " \"$user\"; done";

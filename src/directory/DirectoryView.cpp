@@ -1,6 +1,8 @@
 #include "directory/DirectoryView.h"
 
 #include <algorithm>
+#include <cstdint>
+#include <iterator>
 #include <utility>
 
 DirectoryView::DirectoryView(std::string storeFile) : storeFile_(std::move(storeFile)) {}

@@ -71,7 +71,7 @@ Result<platform::Services> makeDryServices(Options options,
         std::string& root = options.host.root;
         root = root.empty() ? platform::EmbeddedRoot::defaultFolder() : root;
         if (!std::filesystem::exists(platform::EmbeddedRoot(root).storeFile())) {
-            auto made = platform::TemporaryFolder::make("root");
+            auto made = platform::TemporaryFolder::make("dry-run");
             if (!made.isOk()) {
                 return made.status();
             }
@@ -83,7 +83,7 @@ Result<platform::Services> makeDryServices(Options options,
             }
         }
     }
-    const auto real = makeServices(options);
+    auto real = makeServices(options);
     if (!real.isOk()) {
         return real;
     }

@@ -28,7 +28,7 @@ class RareText {
         return text_ ? *text_ : none;
     }
 
-    /// The string, which is made if it has not been; the reference is valid until this object is assigned to
+    /// The string, which is made if it has not been. The reference is valid until this object is assigned to
     /// or destroyed.
     [[nodiscard]] std::string& made() {
         if (!text_) {

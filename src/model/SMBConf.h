@@ -120,7 +120,7 @@ class SMBConf {
     [[nodiscard]] std::size_t indexOfSection(std::string_view name) const;
 
     std::string _path;
-    std::string bytes_;      ///< the file as it was read; the entries' parameters are views into it
+    std::string bytes_; ///< the file as it was read; the entries' parameters and comments are views into it
     std::string textOnDisk_; ///< the file as it was last written
     bool hasWritten_ = false;
     /// Memory for the lists of parameters that were read: one block for the whole file, freed with the model.

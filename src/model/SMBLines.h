@@ -77,8 +77,8 @@ class SMBLines {
     [[nodiscard]] bool isOnlyServersHeader(std::size_t index) const;
     /// The section that the model counts the line in, or null.
     [[nodiscard]] const SMBSectionLines* sectionOf(std::size_t index) const;
-    /// Whether the line sets the key, under any name that the server knows for it, and the model does not
-    /// keep it: it has no value, or none before the parser's end mark.
+    /// Whether the line sets the key, under any name that mainSettingName knows for it, and the model does
+    /// not keep it: it has no value, or none before the parser's end mark.
     [[nodiscard]] bool isUnkeptSetting(const SMBLine& line, std::string_view key) const;
     /// Whether the line is a comment that would count as a parameter in a commented-out section.
     [[nodiscard]] bool isParameterInMarks(const SMBLine& line) const;

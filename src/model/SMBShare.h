@@ -19,14 +19,14 @@ inline constexpr std::int32_t SMBCommentGroup = 0; ///< a commented-out section
 inline constexpr std::int32_t SMBComment = 1;      ///< a block of comment lines outside any section
 inline constexpr std::int32_t SMBGroup = 2;        ///< a section
 
-/// A string of bytes in a parameter. One that the parser made is a view into the file's bytes, which the
-/// model keeps, so that reading a long file copies nothing. Every string that is made or copied elsewhere
-/// owns its bytes. At most 2^31 - 1 bytes: more throw std::length_error.
+/// A string of bytes in a parameter or comment. One that the parser made is a view into the file's bytes,
+/// which the model keeps, so that reading a long file copies nothing. Every string that is made or copied
+/// elsewhere owns its bytes. At most 2^31 - 1 bytes: more throw std::length_error.
 class SMBText {
   public:
     SMBText() = default;
 
-    SMBText(std::string_view text) : SMBText(copyOf(text), text.size(), true) {}
+    SMBText(std::string_view text) : SMBText(copyOf(text), text.size(), !text.empty()) {}
 
     SMBText(const std::string& text) : SMBText(std::string_view(text)) {}
 
@@ -95,12 +95,16 @@ class SMBText {
 
     [[nodiscard]] static std::size_t checkedSize(std::string_view text) {
         if (text.size() > std::numeric_limits<std::int32_t>::max()) {
-            throw std::length_error("A setting of smb.conf is longer than 2 GB.");
+            throw std::length_error("A setting or comment of smb.conf is longer than 2 GB.");
         }
         return text.size();
     }
 
+    /// Null for an empty text: most sections have no comment.
     static const char* copyOf(std::string_view text) {
+        if (text.empty()) {
+            return nullptr;
+        }
         auto bytes = std::make_unique<char[]>(checkedSize(text));
         std::copy(text.begin(), text.end(), bytes.get());
         return bytes.release();

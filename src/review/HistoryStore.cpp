@@ -280,12 +280,11 @@ Status HistoryStore::failure(const char* what, int error) const {
     const bool isForeign = (error & 0xff) == SQLITE_NOTADB || (error & 0xff) == SQLITE_CORRUPT;
     return Status::failure(
         NSLocalizedString(what), shownFile(),
-        isForeign
-            ? NSLocalizedString(
-                  "it is damaged, or was written by a later Brindle; move it away, and a new one is begun")
-            : stringWithFormat(
-                  NSLocalizedString("%@; check who may write to it, and whether its disk is full"),
-                  std::string(sqlite3_errstr(error))));
+        isForeign ? NSLocalizedString("it is damaged, or was written by a newer Brindle; move it away, and a "
+                                      "new one will be started")
+                  : stringWithFormat(
+                        NSLocalizedString("%@; check who may write to it, and whether its disk is full"),
+                        std::string(sqlite3_errstr(error))));
 }
 
 Result<platform::SqliteConnection> HistoryStore::open() const {

@@ -41,10 +41,10 @@ bool isOfSettings(const std::string& operation) {
 
 /// Works the plan out on `copy`. Fails when the application cannot be copied.
 platform::Status workOut(const platform::Interface& main, const std::shared_ptr<WorkingCopy>& copy,
-                         const RehearsedAction& action, PlanDepth depth, Plan* plan) {
+                         const RehearsedAction& action, PlanDepth depth, bool needsAccounts, Plan* plan) {
     const auto& now = *static_cast<const BRController*>(main.owner());
     const auto directoryBefore = platform::Host::current().services().localDomain;
-    auto accountsBefore = isOfSettings(plan->operation) ? std::nullopt : AccountForecast::ofComputer();
+    auto accountsBefore = needsAccounts ? AccountForecast::ofComputer() : std::nullopt;
     plan->smbConfBefore = bytesOf(smbConf);
     const std::string afpBefore = bytesOf(appleFileServer);
     const auto rehearsal = Rehearsal::make(main, copy, plan);
@@ -67,20 +67,29 @@ platform::Status workOut(const platform::Interface& main, const std::shared_ptr<
     return {};
 }
 
-} // namespace
-
 Plan planOf(const platform::Interface& main, const std::string& operation, const RehearsedAction& action,
-            PlanDepth depth) {
+            PlanDepth depth, bool isOfSettings) {
     Plan plan;
     plan.operation = operation;
-    const auto copy = isOfSettings(operation) ? WorkingCopy::makeWithoutDirectory()
-                                              : WorkingCopy::make(&plan.lacksDirectory);
+    const auto copy =
+        isOfSettings ? WorkingCopy::makeWithoutDirectory() : WorkingCopy::make(&plan.lacksDirectory);
     if (!copy.isOk()) {
         plan.failure = copy.status().text();
         return plan;
     }
-    plan.failure = workOut(main, *copy, action, depth, &plan).text();
+    plan.failure = workOut(main, *copy, action, depth, !isOfSettings, &plan).text();
     return plan;
+}
+
+} // namespace
+
+Plan planOf(const platform::Interface& main, const std::string& operation, const RehearsedAction& action,
+            PlanDepth depth) {
+    return planOf(main, operation, action, depth, isOfSettings(operation));
+}
+
+Plan planOfUndo(const platform::Interface& main, const RehearsedAction& action, bool isOfSettings) {
+    return planOf(main, "undo", action, PlanDepth::Blocks, isOfSettings);
 }
 
 } // namespace review

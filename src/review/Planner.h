@@ -25,4 +25,9 @@ enum class PlanDepth {
 [[nodiscard]] Plan planOf(const platform::Interface& main, const std::string& operation,
                           const RehearsedAction& action, PlanDepth depth = PlanDepth::Warnings);
 
+/// Plans taking back a change, without warnings. `isOfSettings` says that this changes settings files only
+/// and so needs no copy of the directory.
+[[nodiscard]] Plan planOfUndo(const platform::Interface& main, const RehearsedAction& action,
+                              bool isOfSettings);
+
 } // namespace review

@@ -115,7 +115,7 @@ Plan Reviewer::planMigration() const {
 Plan Reviewer::planUndo(const UndoPlan& undo) const {
     platform::Status status;
     const auto action = [&undo, &status](const Rehearsal& /*rehearsal*/) { status = carryOut(undo); };
-    Plan plan = planOf(main_, "undo", action, PlanDepth::Blocks);
+    Plan plan = planOfUndo(main_, action, undo.records.empty() && undo.folders.empty());
     if (!status.isOk() && plan.blocks.empty() && plan.failure.empty()) {
         plan.failure = status.text();
     }

@@ -6,8 +6,8 @@
 
 namespace tools {
 
-/// The error message of a tool of the helper in one line: "TOOL: FAILURE; ADVICE\n". The advice says what the
-/// user can do about a system error. Empty for success.
+/// The error message of a tool of the helper in one line: "TOOL: FAILURE\n", or "TOOL: FAILURE; ADVICE\n" for
+/// a system error that the user can do something about. Empty for success.
 [[nodiscard]] std::string complaint(const std::string& tool, const platform::Status& status);
 
 } // namespace tools

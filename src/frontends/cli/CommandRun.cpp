@@ -20,13 +20,8 @@ std::string printed(const JSON& value) {
 
 /// Fails because a list does not have `name`, or because the list could not be read.
 [[noreturn]] void failWithout(const std::string& name, const char* complaint) {
-    const std::string& problem = platform::directoryProblem();
-    CommandRun::fail(
-        problem.empty()
-            ? stringWithFormat(NSLocalizedString(complaint), name)
-            : stringWithFormat(
-                  NSLocalizedString("The directory could not be read, so the lists are incomplete: %@."),
-                  problem));
+    CommandRun::requireDirectory();
+    CommandRun::fail(stringWithFormat(NSLocalizedString(complaint), name));
 }
 
 } // namespace
@@ -108,6 +103,13 @@ int CommandRun::requireRow(const std::string& table, const std::string& column, 
         failWithout(value, complaint);
     }
     return row;
+}
+
+void CommandRun::requireDirectory() {
+    if (const std::string& problem = platform::directoryProblem(); !problem.empty()) {
+        fail(stringWithFormat(
+            NSLocalizedString("The directory could not be read, so the lists are incomplete: %@."), problem));
+    }
 }
 
 void CommandRun::selectRows(const std::string& table, std::vector<int> rows) {

@@ -54,6 +54,8 @@ class CommandRun {
     /// The same, but when there is none, ends the command with the complaint, which names the value.
     [[nodiscard]] int requireRow(const std::string& table, const std::string& column,
                                  const std::string& value, const char* complaint) const;
+    /// Ends the command when the directory could not be read: a name that is missing then means nothing.
+    static void requireDirectory();
     void selectRows(const std::string& table, std::vector<int> rows);
     void type(const std::string& field, const std::string& text);
     void select(const std::string& popUp, int index);

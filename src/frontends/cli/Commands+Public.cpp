@@ -20,6 +20,7 @@ bool isShared(const CommandRun& run, int row) {
 }
 
 void setAll(CommandRun& run, bool on) {
+    CommandRun::requireDirectory();
     const int rows = run.control<NSTableView>(table).numberOfRows();
     for (int row = 0; row < rows && !run.changes(); ++row) {
         // Turning all on at once leaves out this user id.
@@ -36,10 +37,7 @@ void setSome(CommandRun& run, const std::vector<std::string>& users, bool on) {
     // Check all names first, so that a mistake in one changes nothing.
     std::vector<std::string> wanted;
     for (const std::string& user : users) {
-        const int row = run.rowOf(table, "User", user);
-        if (row < 0) {
-            CommandRun::fail(stringWithFormat(NSLocalizedString("there is no user \"%@\""), user));
-        }
+        const int row = run.requireRow(table, "User", user, "there is no user \"%@\"");
         if (isShared(run, row) != on) {
             wanted.push_back(user);
             run.noteChange();

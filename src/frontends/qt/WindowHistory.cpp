@@ -173,11 +173,12 @@ void WindowHistory::takeBack(std::optional<std::int64_t> number, QWidget* parent
                         undo.isOk() ? undo->refusal : undo.status().text());
             return;
         }
-        const review::Plan plan = planOf(*undo);
+        review::Plan plan = reviewer_.planUndo(*undo);
         if (!plan.blocks.empty()) {
-            showPlan(plan, parent);
+            showProblem(NSLocalizedString("Not Possible"), plan.blocks.front().sentence);
             return;
         }
+        addWarnings(*undo, &plan);
         const PlanQuestion question{NSLocalizedString("Undo"), undo->question, NSLocalizedString("Yes"),
                                     NSLocalizedString("No")};
         if (!askAboutPlan(plan, parent, question)) {
@@ -194,17 +195,15 @@ void WindowHistory::takeBack(std::optional<std::int64_t> number, QWidget* parent
     });
 }
 
-review::Plan WindowHistory::planOf(const review::UndoPlan& undo) const {
-    review::Plan plan = reviewer_.planUndo(undo);
+void WindowHistory::addWarnings(const review::UndoPlan& undo, review::Plan* plan) const {
     for (const std::string& loss : undo.losses) {
-        plan.warnings.push_back({"lost", loss});
+        plan->warnings.push_back({"lost", loss});
     }
     if (const std::string pages = edits_.pages(); !pages.empty()) {
-        plan.warnings.push_back(
+        plan->warnings.push_back(
             {"unsaved",
              stringWithFormat(NSLocalizedString("Unsaved changes on these pages will be lost: %@."), pages)});
     }
-    return plan;
 }
 
 void WindowHistory::showHistory() {

@@ -37,7 +37,7 @@ class WindowHistory : public QObject {
 
   private:
     /// Returns what the undo would do, with warnings of what is lost.
-    [[nodiscard]] review::Plan planOf(const review::UndoPlan& undo) const;
+    void addWarnings(const review::UndoPlan& undo, review::Plan* plan) const;
     void nameUndo();
     void showHistory();
 

@@ -3,6 +3,7 @@
 #include <cerrno>
 #include <cstdlib>
 #include <filesystem>
+#include <string_view>
 #include <system_error>
 #include <utility>
 
@@ -50,11 +51,15 @@ void removeIfAbandoned(const fs::path& path) {
     }
 }
 
+/// What mkdtemp(3) replaces.
+constexpr std::string_view random = "XXXXXX";
+
 /// Removes what killed processes have left in `place` under names that begin with `start`.
 void sweep(const fs::path& place, const std::string& start) {
     std::error_code error;
     for (fs::directory_iterator entry(place, error), end; !error && entry != end; entry.increment(error)) {
-        if (entry->path().filename().string().starts_with(start)) {
+        const std::string name = entry->path().filename();
+        if (name.starts_with(start) && name.size() == start.size() + random.size()) {
             removeIfAbandoned(entry->path());
         }
     }
@@ -78,11 +83,15 @@ Result<TemporaryFolder> TemporaryFolder::makeIn(const std::string& place, const 
     sweep(place, start);
     constexpr int mostTries = 100;
     for (int tries = 0; tries < mostTries; ++tries) {
-        std::string path = fs::path(place) / (start + "XXXXXX");
+        std::string path = fs::path(place) / (start + std::string(random));
         if (::mkdtemp(path.data()) == nullptr) {
             return failure(errno);
         }
         HeldFolder held(path);
+        if (!held.folder.isOpen() && held.error != ENOENT) {
+            removeWhole(path);
+            return failure(held.error);
+        }
         // Another process may have swept the folder before it was locked; then start again.
         if (held.error != EWOULDBLOCK && ::access(path.c_str(), F_OK) == 0) {
             return TemporaryFolder(std::move(path), std::move(held.folder));

@@ -8,7 +8,7 @@ namespace platform {
 
 /// Whether `process` is an smbd of this user that was started with the configuration `file`.
 [[nodiscard]] bool isServerWith(pid_t process, const std::string& file);
-/// Whether `process` is such an smbd, or a child of one that serves a connection.
+/// Whether `process` is such an smbd, or a descendant of one that serves a connection.
 [[nodiscard]] bool isServerOrChildWith(pid_t process, const std::string& file);
 /// Whether `process` is any of Samba's daemons, of this user and with that configuration. Those that smbd
 /// starts have their own sessions and outlive it.

@@ -222,7 +222,7 @@ Result<std::string> sessionListing(const std::optional<SambaAccounts>& root) {
         return finished.status();
     }
     if (finished->errors.find("only works as root") != std::string::npos) {
-        return Status::failure(cannotSee, {}, "Samba tells only root");
+        return Status::failure(cannotSee, {}, "Samba tells this only to root");
     }
     if (finished->status != 0) {
         const std::string said = lastLineOf(finished->errors);

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <array>
 #include <initializer_list>
+#include <span>
 
 namespace platform {
 
@@ -23,8 +24,15 @@ constexpr std::array<std::string_view, 7> unusable = {"Unknown parameter encount
                                                       "Invalid ",
                                                       "params.c",
                                                       "Error loading services"};
-/// What it contains about a global setting in a share's section.
-constexpr std::string_view misplaced = "found in service section";
+/// What it contains about something that the server passes over, or changes before it uses it.
+constexpr std::array<std::string_view, 6> ineffective = {
+    "found in service section", "must differ",    "is too long",
+    "Maximum value for",        "is not a valid", "source not found"};
+
+bool hasOneOf(std::string_view line, std::span<const std::string_view> parts) {
+    return std::ranges::any_of(
+        parts, [line](std::string_view part) { return line.find(part) != std::string_view::npos; });
+}
 
 std::vector<std::string> linesOf(std::string_view text) {
     std::vector<std::string> lines;
@@ -159,13 +167,11 @@ std::string joined(const std::vector<std::string>& lines) {
 } // namespace
 
 bool isSettingsComplaint(std::string_view line) {
-    return isAboutUnusableSettings(line) || line.find(misplaced) != std::string_view::npos;
+    return isAboutUnusableSettings(line) || hasOneOf(line, ineffective);
 }
 
 bool isAboutUnusableSettings(std::string_view complaint) {
-    return std::ranges::any_of(unusable, [complaint](std::string_view part) {
-        return complaint.find(part) != std::string_view::npos;
-    });
+    return hasOneOf(complaint, unusable);
 }
 
 bool isShareSecurity(std::string_view line) {

@@ -21,8 +21,8 @@ struct SettingsComplaint {
 /// without consequences for the server.
 [[nodiscard]] bool isSettingsComplaint(std::string_view line);
 
-/// Whether a complaint is about something that the server cannot use. A text without such a complaint may
-/// still hold a global setting in a share's section, which the server passes over: no reason to refuse it.
+/// Whether a complaint is about something that the server cannot use. Other complaints, such as one of a
+/// global setting in a share's section, which the server passes over, are no reason to refuse the text.
 [[nodiscard]] bool isAboutUnusableSettings(std::string_view complaint);
 
 /// Whether a line of smb.conf says "security = share". Brindle offers that setting although today's Samba
