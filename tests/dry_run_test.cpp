@@ -63,6 +63,17 @@ TEST_F(DryRun, PrintsWhatTheRealRunPrintsAndChangesNothing) {
     EXPECT_NE(everything(), before);
 }
 
+TEST_F(DryRun, RemembersTheOwnerAndModeThatAFolderWouldHave) {
+    const std::string folder = (test_.root() / "f").string();
+    std::filesystem::create_directories(folder);
+    EXPECT_NE(script("start\n"), "");
+    expectSame(
+        "start\ntype shareName Docs\ntype directory " + folder +
+            "\nselect everyonePrivs 0\npress createNewShare\nrows normalTableView 0\nselect ownerPrivs 0\n"
+            "press createNewShare\nhistory\nundo\nundo\nhistory\n",
+        " \"Owner or privileges of ");
+}
+
 TEST_F(DryRun, FailsWhereTheRealRunFailsAndNamesTheRealFiles) {
     const std::string change = "answer Donation Cancel\nstart\nshow smbConfNotice\ntype smbNetBiosName ONE\n"
                                "send updateSMBProperties:\n";

@@ -116,31 +116,26 @@ void Examiner::examineHalfMade() {
     std::set<std::string> groups;
     std::ranges::transform(users_, std::inserter(users, users.end()), &User::name);
     std::ranges::transform(groups_, std::inserter(groups, groups.end()), &Group::name);
-    const auto tell = [&](const char* code, const std::string& text, const std::string& name) {
-        find({.level = Finding::Level::Notice,
-              .code = code,
-              .text = stringWithFormat(text, name),
-              .where = file,
-              .remedy = NSLocalizedString("It is removed with the next change of an account."),
-              .user = code == std::string_view("half-made-user") ? std::optional(name) : std::nullopt});
-    };
     const DirectoryView store(file);
-    for (const std::string& name : store.names("/users")) {
-        if (!users.contains(name)) {
-            tell("half-made-user",
-                 NSLocalizedString("Brindle keeps something of the user \"%@\", whom the computer does not "
-                                   "have: it was only half made, or deleted elsewhere."),
-                 name);
+    const auto compare = [&](bool isOfUsers, const std::set<std::string>& known, const char* code,
+                             const std::string& text) {
+        for (const std::string& name : store.names(isOfUsers ? "/users" : "/groups")) {
+            if (!known.contains(name)) {
+                find({.level = Finding::Level::Notice,
+                      .code = code,
+                      .text = stringWithFormat(text, name),
+                      .where = file,
+                      .remedy = NSLocalizedString("It is removed with the next change of an account."),
+                      .user = isOfUsers ? std::optional(name) : std::nullopt});
+            }
         }
-    }
-    for (const std::string& name : store.names("/groups")) {
-        if (!groups.contains(name)) {
-            tell("half-made-group",
-                 NSLocalizedString("Brindle keeps something of the group \"%@\", which the computer does not "
-                                   "have: it was only half made, or deleted elsewhere."),
-                 name);
-        }
-    }
+    };
+    compare(true, users, "half-made-user",
+            NSLocalizedString("Brindle keeps something of the user \"%@\", whom the computer does not "
+                              "have: it was only half made, or deleted elsewhere."));
+    compare(false, groups, "half-made-group",
+            NSLocalizedString("Brindle keeps something of the group \"%@\", which the computer does not "
+                              "have: it was only half made, or deleted elsewhere."));
     const std::string unfinished = std::filesystem::path(file).parent_path() / "unfinished";
     if (exists(unfinished)) {
         find({.code = "unfinished-change",

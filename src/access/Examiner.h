@@ -88,7 +88,8 @@ class Examiner {
 
     /// A command of Brindle's own, made of these words, each quoted where necessary.
     [[nodiscard]] std::string command(std::initializer_list<std::string> words) const;
-    /// A command line that sets the passwords of these users, or of as many as a finding names.
+    /// A command line that sets the passwords of these users, or of as many as a finding names; the next
+    /// examination names others.
     [[nodiscard]] std::string passwordCommand(const std::vector<std::string>& users) const;
 
     /// A command of the directory's own tool, for records that no command of Brindle's lists.

@@ -52,6 +52,9 @@ std::optional<FolderState> folderStateOf(const std::string& path) {
     if (::stat(path.c_str(), &status) != 0) {
         return std::nullopt;
     }
+    if (const auto& forecast = platform::Host::current().services().folderForecast) {
+        forecast->apply(status); // on copies a folder keeps its real owner and mode
+    }
     const platform::AccountNames& names = platform::Host::current().accountNames();
     return FolderState{status.st_uid, status.st_gid, status.st_mode & modeBits,
                        names.userName(status.st_uid).value_or("") + ":" +

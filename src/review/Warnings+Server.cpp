@@ -22,7 +22,9 @@ std::vector<std::string> faultsOf(const std::string& text) {
         return faults; // without testparm's result there is nothing to warn of
     }
     for (const std::string_view line : linesOf(run->errors)) {
-        if (platform::isSettingsComplaint(line)) {
+        const bool lacksFolder =
+            line.starts_with("No path in service"); // the check of the computer finds it itself
+        if (lacksFolder || platform::isSettingsComplaint(line)) {
             faults.emplace_back(line.substr(0, line.find_last_not_of('.') + 1)); // the sentence has its own
         }
     }

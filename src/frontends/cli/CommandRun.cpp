@@ -116,6 +116,18 @@ void CommandRun::selectRows(const std::string& table, std::vector<int> rows) {
     perform([&] { control<NSTableView>(table).selectRows(std::move(rows)); });
 }
 
+void CommandRun::selectToRemove(const std::string& table, const std::string& column,
+                                const std::string& name) {
+    const int row = rowOf(table, column, name);
+    if (row < 0) {
+        requireDirectory();
+        selectRows(table, {});
+        return;
+    }
+    selectRows(table, {row});
+    noteChange();
+}
+
 void CommandRun::type(const std::string& field, const std::string& text) {
     perform([&] { control<NSTextField>(field).performReplace(text); });
 }

@@ -57,6 +57,8 @@ class CommandRun {
     /// Ends the command when the directory could not be read: a name that is missing then means nothing.
     static void requireDirectory();
     void selectRows(const std::string& table, std::vector<int> rows);
+    /// Selects the row whose column holds `name`, and notes the change; selects none when there is none.
+    void selectToRemove(const std::string& table, const std::string& column, const std::string& name);
     void type(const std::string& field, const std::string& text);
     void select(const std::string& popUp, int index);
     /// Ends the command with `complaint`, a format that takes the title, when there is no such item.

@@ -105,11 +105,8 @@ void set(CommandRun& run, const GroupOptions& options) {
 }
 
 void remove(CommandRun& run, const GroupOptions& options) {
-    CommandRun::requireDirectory();
-    if (const int row = rowOf(run, options.name); row >= 0) {
-        run.selectRows(table, {row});
-        run.noteChange();
-    }
+    showAll(run);
+    run.selectToRemove(table, "Group", options.name);
     run.press("deleteGroupButton");
 }
 

@@ -166,14 +166,7 @@ void set(CommandRun& run, const ShareOptions& options) {
 }
 
 void remove(CommandRun& run, const ShareOptions& options) {
-    const int row = run.rowOf(table, "ShareName", options.name);
-    if (row < 0) {
-        CommandRun::requireDirectory();
-    }
-    run.selectRows(table, row < 0 ? std::vector<int>() : std::vector<int>{row});
-    if (row >= 0) {
-        run.noteChange();
-    }
+    run.selectToRemove(table, "ShareName", options.name);
     run.press("deleteButton");
 }
 

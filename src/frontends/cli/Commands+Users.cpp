@@ -153,11 +153,7 @@ void set(CommandRun& run, const UserOptions& options) {
 }
 
 void remove(CommandRun& run, const UserOptions& options) {
-    CommandRun::requireDirectory();
-    if (const int row = run.rowOf(table, "User", options.name); row >= 0) {
-        run.selectRows(table, {row});
-        run.noteChange();
-    }
+    run.selectToRemove(table, "User", options.name);
     run.press("deleteUserButton");
 }
 

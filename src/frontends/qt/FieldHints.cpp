@@ -7,10 +7,10 @@
 #include "platform/appkit/NSTextField.h"
 #include "platform/appkit/ShownWhen.h"
 #include "platform/foundation/NSBundle.h"
+#include "platform/posix/WholeNumber.h"
 #include "review/DirectoryState.h"
 
 #include <algorithm>
-#include <charconv>
 #include <cstdint>
 #include <filesystem>
 #include <optional>
@@ -21,12 +21,6 @@ namespace frontend {
 using platform::InterfaceNode;
 
 namespace {
-
-std::optional<std::int64_t> wholeNumber(const std::string& text) {
-    std::int64_t number = 0;
-    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-    return error == std::errc() && end == text.data() + text.size() ? std::optional(number) : std::nullopt;
-}
 
 std::string nameHint(const InterfaceNode& node, const NSTextField& field, const WindowActions& actions) {
     auto* table = actions.find<NSTableView>(node.attribute("namesRow"));
@@ -100,13 +94,13 @@ std::string valueOf(const platform::Element* control) {
 
 std::string limitProblem(const InterfaceNode& node) {
     const auto* field = modelOf<NSTextField>(node);
-    const auto least = wholeNumber(node.attribute("least"));
-    const auto most = wholeNumber(node.attribute("most"));
+    const auto least = platform::wholeNumber<std::int64_t>(node.attribute("least"));
+    const auto most = platform::wholeNumber<std::int64_t>(node.attribute("most"));
     if (field == nullptr || !least || !field->isEdited() || !field->isEnabled()) {
         return {};
     }
     const std::string& text = field->stringValue();
-    const auto number = wholeNumber(text);
+    const auto number = platform::wholeNumber<std::int64_t>(text);
     const bool isWithin = number ? *number >= *least && *number <= most.value_or(INT32_MAX)
                                  : text.empty() && isYes(node, "mayBeEmpty");
     if (isWithin) {

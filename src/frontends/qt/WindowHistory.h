@@ -36,7 +36,7 @@ class WindowHistory : public QObject {
     void takeBack(std::optional<std::int64_t> number, QWidget* parent);
 
   private:
-    /// Returns what the undo would do, with warnings of what is lost.
+    /// Adds to the plan what the undo cannot restore, and which unsaved edits it loses.
     void addWarnings(const review::UndoPlan& undo, review::Plan* plan) const;
     void nameUndo();
     void showHistory();

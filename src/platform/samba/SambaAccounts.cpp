@@ -259,7 +259,6 @@ Result<FinishedProcess> SambaAccounts::changeDatabase(const std::string& program
         command.words.push_back(std::move(option));
     }
     command.words.insert(command.words.end(), operation.begin(), operation.end());
-    command.environment.emplace_back("LC_ALL=C");
     auto run = runProcess(command, input, databaseLimit_);
     if (!run.isOk() && run.status().systemError() == ETIMEDOUT) {
         const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(databaseLimit_).count();

@@ -17,8 +17,9 @@ constexpr auto limit = std::chrono::seconds(20);
 constexpr int mostRuns = 25;
 
 /// What a line contains that complains of something that the server cannot use.
-constexpr std::array<std::string_view, 7> unusable = {"Unknown parameter encountered",
+constexpr std::array<std::string_view, 8> unusable = {"Unknown parameter encountered",
                                                       "Ignoring invalid value",
+                                                      "Ignoring invalid list value",
                                                       "is not boolean",
                                                       "ERROR: ",
                                                       "Invalid ",
