@@ -40,7 +40,7 @@ std::vector<std::string> meaning(const SMBEntries& entries) {
         }
         // The order only matters among parameters with the same key.
         std::ranges::stable_sort(pairs, {}, &std::pair<std::string, std::string>::first);
-        std::string shown = std::to_string(entry->Type()) + "[" + entry->ShareName() + "]";
+        std::string shown = std::to_string(entry->Type()) + "[" + entry->ShareName().str() + "]";
         for (const auto& [key, value] : pairs) {
             shown += key + "=" + value + "\n";
         }
@@ -150,7 +150,7 @@ void requireSettingsFollowed(const SMBShare* read, const SMBShare& now, const fu
         const bool isPlain = !SMBParser::isComment(pair.Name) && !pair.Name.view().starts_with('[');
         if (isSetHere && hadOne && isPlain) {
             fuzz::require(found->second.valueOf(pair.Name) == *value, "the server follows what was set",
-                          now.ShareName() + ", " + pair.Name.str() + " in\n" + text);
+                          now.ShareName().str() + ", " + pair.Name.str() + " in\n" + text);
         }
     }
 }
@@ -172,7 +172,7 @@ void requireRemovedGone(const SMBShare& read, const SMBShare& now, const fuzz::S
                          [&](const auto& setting) { return isSameKey(setting.first); });
         if (isGone && wasRead && onlyValue(read, pair.Name) && !pair.Name.view().starts_with('[')) {
             fuzz::require(after.valueOf(pair.Name) == "(none)", "what was removed is gone for the server",
-                          now.ShareName() + ", " + pair.Name.str() + " in\n" + text);
+                          now.ShareName().str() + ", " + pair.Name.str() + " in\n" + text);
         }
     }
 }

@@ -18,7 +18,7 @@ namespace {
 
 /// Returns "KIND NAME {KEY=VALUE;...} TEXT", to compare entries in one line.
 std::string shown(const SMBShare& entry) {
-    std::string text = std::to_string(entry.Type()) + " " + entry.ShareName() + " {";
+    std::string text = std::to_string(entry.Type()) + " " + entry.ShareName().str() + " {";
     for (const SMBPair& pair : entry.Props()) {
         text += pair.Name.str() + "=" + pair.Value.str() + ";";
     }

@@ -67,7 +67,7 @@ std::vector<std::string> meaning(const SMBEntries& entries) {
         if (entry->Type() == SMBComment) {
             continue;
         }
-        std::string shown = std::to_string(entry->Type()) + "[" + entry->ShareName() + "]";
+        std::string shown = std::to_string(entry->Type()) + "[" + entry->ShareName().str() + "]";
         for (const SMBPair& pair : entry->Props()) {
             if (SMBParser::isComment(pair.Name)) {
                 continue; // a comment of a commented-out section

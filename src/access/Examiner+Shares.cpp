@@ -33,7 +33,7 @@ bool isForPrinters(const SMBShare& section) {
 
 void Examiner::readSections() {
     for (const auto& entry : conf_.Entries()) {
-        const std::string& name = entry->ShareName();
+        const std::string name = entry->ShareName();
         if (entry->Type() == SMBGroup && !entry->isUnnamed() && !isServerGlobal(name) &&
             !isServerHomes(name) && !isForPrinters(*entry)) {
             sections_.push_back({name, settingOf(*entry, "path"), serverFlag(*entry, "available", true)});

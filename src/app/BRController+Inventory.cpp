@@ -5,7 +5,6 @@
 #include "privileged/NiutilTask.h"
 
 #include <array>
-#include <bit>
 #include <cstdint>
 #include <functional>
 #include <initializer_list>
@@ -92,7 +91,7 @@ class FirstRows {
   public:
     /// `rows` may grow up to its capacity.
     explicit FirstRows(const std::vector<NormalShare>& rows)
-        : rows_(&rows), places_(std::bit_ceil(rows.capacity() * 2 + 1), none) {}
+        : rows_(&rows), places_(rows.capacity() * 3 / 2 + 1, none) {}
 
     /// Does nothing when there is a row with the same folder.
     void add(std::uint32_t row) {
@@ -108,7 +107,7 @@ class FirstRows {
   private:
     static constexpr std::uint32_t none = std::numeric_limits<std::uint32_t>::max();
 
-    /// The folder's place, or the free one where it belongs. At most half of the places are taken.
+    /// The folder's place, or the free one where it belongs. At most two thirds of the places are taken.
     [[nodiscard]] std::uint32_t& placeOf(std::string_view folder) {
         std::size_t place = std::hash<std::string_view>()(folder) % places_.size();
         while (places_[place] != none && (*rows_)[places_[place]].DirectoryPath() != folder) {

@@ -138,13 +138,13 @@ void SMBParser::beginSection(std::int32_t type, std::size_t openingLength) {
     beginEntry(type);
     const std::string_view name = headerName(line_, openingLength);
     if (name.data() == line_.data()) {
-        current_->setUnnamedHeader(std::string(name));
+        current_->setUnnamedHeader(SMBText::borrowed(name));
         return;
     }
     if (isCut(line_)) {
         note(SMBLoss::BrokenHeader);
     }
-    current_->setShareName(std::string(name));
+    current_->setShareName(SMBText::borrowed(name));
     global = type == SMBGroup && name == "global" ? current_.get() : global;
     homes = name == "homes" ? current_.get() : homes;
 }

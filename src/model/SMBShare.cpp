@@ -15,7 +15,21 @@ std::string propsDescription(const SMBPairs& props) {
     return text + ")";
 }
 
+/// Never destroyed, because entries may be destroyed by other static objects.
+std::pmr::memory_resource& entryMemory() {
+    static auto& pool = *new std::pmr::synchronized_pool_resource();
+    return pool;
+}
+
 } // namespace
+
+void* SMBShare::operator new(std::size_t size) {
+    return entryMemory().allocate(size, alignof(SMBShare));
+}
+
+void SMBShare::operator delete(void* entry, std::size_t size) {
+    entryMemory().deallocate(entry, size, alignof(SMBShare));
+}
 
 SMBPair* SMBShare::firstProp(std::string_view key) {
     const auto found =
@@ -73,6 +87,6 @@ std::string SMBShare::smbTypeToText() const {
 }
 
 std::string SMBShare::description() const {
-    return stringWithFormat("Share Name: %@   Type: %@\n%@\nText: %@\n", _sharename, smbTypeToText(),
+    return stringWithFormat("Share Name: %@   Type: %@\n%@\nText: %@\n", _sharename.view(), smbTypeToText(),
                             propsDescription(_props), Text());
 }

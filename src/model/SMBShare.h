@@ -135,14 +135,18 @@ class SMBShare {
     /// `memory` must outlive the entry.
     explicit SMBShare(std::pmr::memory_resource* memory) : _props(memory) {}
 
+    // A file may have a hundred thousand entries: a pool saves what the heap adds to each.
+    [[nodiscard]] static void* operator new(std::size_t size);
+    static void operator delete(void* entry, std::size_t size);
+
     [[nodiscard]] std::int32_t Type() const { return _type; }
 
     void setType(std::int32_t type) { _type = type; }
 
-    /// The text between the header's brackets; empty for a comment block.
-    [[nodiscard]] const std::string& ShareName() const { return _sharename; }
+    /// The text between the header's brackets; empty for a comment block. Valid until it is changed.
+    [[nodiscard]] const SMBText& ShareName() const { return _sharename; }
 
-    void setShareName(std::string name) {
+    void setShareName(SMBText name) {
         _sharename = std::move(name);
         isUnnamed_ = false;
     }
@@ -151,7 +155,7 @@ class SMBShare {
     /// cannot be confused with another section, and is written as it was.
     [[nodiscard]] bool isUnnamed() const { return isUnnamed_; }
 
-    void setUnnamedHeader(std::string header) {
+    void setUnnamedHeader(SMBText header) {
         _sharename = std::move(header);
         isUnnamed_ = true;
     }
@@ -189,8 +193,8 @@ class SMBShare {
     [[nodiscard]] std::string description() const;
 
   private:
-    std::string _sharename;
     SMBPairs _props;
+    SMBText _sharename;
     SMBText _text;
     std::int32_t _type = SMBComment;
     bool isUnnamed_ = false;

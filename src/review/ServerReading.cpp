@@ -53,7 +53,7 @@ class Reader {
              stringWithFormat(
                  NSLocalizedString(
                      "The SMB server takes the section [%@] for its [%@], and Brindle shows it as a share."),
-                 section.ShareName(), std::string(meaning))});
+                 section.ShareName().view(), std::string(meaning))});
     }
 
   private:
@@ -66,7 +66,7 @@ class Reader {
              stringWithFormat(
                  NSLocalizedString(
                      "The SMB server follows \"%@\" in the section [%@], which Brindle does not show."),
-                 lineOf(*read.pair), section.ShareName())});
+                 lineOf(*read.pair), section.ShareName().view())});
     }
 
     std::vector<OtherReading>& found_;

@@ -137,7 +137,7 @@ void addLosses(const SMBConf& model, std::vector<Remark>* warnings) {
 /// Whether the action concerns the section: on the SMB page "global" and "homes", in the editor the share's
 /// section.
 bool concerns(const Situation& situation, const SMBShare& section) {
-    const std::string& name = section.ShareName();
+    const std::string name = section.ShareName();
     if (situation.is("updateSMBProperties:")) {
         return isServerGlobal(name) || isServerHomes(name);
     }

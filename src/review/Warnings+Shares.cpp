@@ -114,7 +114,7 @@ class ShareWarnings {
 
     void addRemovedSections(const SMBConf& before, const SMBConf& after) {
         for (const SMBShare* section : removedSections(before, after)) {
-            const std::string& name = section->ShareName();
+            const std::string name = section->ShareName();
             const ServerSetting path = serverSetting(*section, "path");
             const std::string sectionFolder = path.pair != nullptr ? path.pair->Value.str() : std::string();
             if (const auto parts = foreignParts(*section); !parts.empty()) {
