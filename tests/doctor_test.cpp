@@ -136,7 +136,9 @@ TEST_F(Doctor, NamesOneCommandForAllUsersWithTheSameFault) {
                       .status,
                   0);
     }
-    std::string remedy = findings("users-without-password")[0]["remedy"];
+    const json found = findings("users-without-password");
+    ASSERT_EQ(found.size(), 1U);
+    std::string remedy = found[0]["remedy"];
     remedy.replace(remedy.find("users password"), 14, "users show");
     const Finished all = shell(remedy);
     EXPECT_EQ(all.status, 0) << remedy << all.errors;

@@ -6,6 +6,7 @@
 #include "platform/foundation/NSFileManager.h"
 #include "platform/posix/InputOutput.h"
 #include "support/ProgramFixture.h"
+#include "support/ScratchVariable.h"
 
 #include <gtest/gtest.h>
 
@@ -197,25 +198,6 @@ TEST_F(Program, ShowsARefusedToolRunBeforeBrindlesReaction) {
     const std::size_t end = output.find('\n', output.find('\n', run) + 1);
     EXPECT_EQ(output.substr(end + 1, 10), "beep\nlog \"") << output;
 }
-
-/// Changes a variable of the environment until the end of the block.
-class ScratchVariable {
-  public:
-    ScratchVariable(const char* name, const std::string& value) : name_(name) {
-        const char* before = ::getenv(name);
-        before_ = before == nullptr ? std::nullopt : std::optional<std::string>(before);
-        ::setenv(name, value.c_str(), 1);
-    }
-
-    ~ScratchVariable() { before_ ? ::setenv(name_, before_->c_str(), 1) : ::unsetenv(name_); }
-
-    ScratchVariable(const ScratchVariable&) = delete;
-    ScratchVariable& operator=(const ScratchVariable&) = delete;
-
-  private:
-    const char* name_;
-    std::optional<std::string> before_;
-};
 
 /// Starts of the program with its window, on Qt's offscreen platform.
 class OneWindowARoot : public Program {

@@ -5,6 +5,7 @@
 #include "platform/posix/TemporaryFolder.h"
 #include "platform/posix/UTF8.h"
 #include "platform/posix/WholeFile.h"
+#include "support/ScratchVariable.h"
 #include "support/TestHost.h"
 
 #include <gtest/gtest.h>
@@ -17,6 +18,7 @@
 #include <fstream>
 #include <functional>
 #include <iostream>
+#include <optional>
 #include <thread>
 
 #include <sched.h>
@@ -301,14 +303,14 @@ TEST(WholeFile, TheNextWriterRemovesWhatAKilledOneLeft) {
 
 TEST(TemporaryFolder, TheNextOneRemovesWhatAKilledProcessLeft) {
     const TestHost host;
-    ::setenv("TMPDIR", host.root().c_str(), 1);
+    std::optional<ScratchVariable> temporary(std::in_place, "TMPDIR", host.root().string());
     fs::create_directories(host.root() / "brindle-test-killed" / "etc");
     fs::create_directory(host.root() / "brindle-other-killed");
     fs::create_directory(host.root() / "brindle-test-by-hand");
     auto alive = platform::TemporaryFolder::make("test");
     {
         const auto next = platform::TemporaryFolder::make("test");
-        ::unsetenv("TMPDIR");
+        temporary.reset();
         ASSERT_TRUE(alive.isOk() && next.isOk());
         EXPECT_TRUE(fs::exists(alive->path()) && fs::exists(next->path()));
     }

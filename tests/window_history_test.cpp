@@ -7,6 +7,8 @@
 #include <QMenuBar>
 #include <QTreeWidget>
 
+#include <fstream>
+
 namespace {
 
 class WindowHistoryTest : public WindowWithHistory {
@@ -88,6 +90,24 @@ TEST_F(WindowHistoryTest, AnEntryThatALaterOneDependsOnIsNotTakenBackAndTheLater
     EXPECT_EQ(columnOf("groupTableView", "GID"), std::vector<std::string>{"600"});
     takeBack(2, {"Yes"});
     EXPECT_EQ(columnOf("groupTableView", "GID"), std::vector<std::string>{});
+}
+
+TEST_F(WindowHistoryTest, OnADamagedDirectorySettingsComeBackAndRecordsDoNot) {
+    const std::string conf = "[global]\n\tworkgroup = HOME\n";
+    host.write("etc/smb.conf", conf);
+    openWithHistory();
+    writeGroup("600", {"Yes"});
+    showPage(4);
+    typeInto("smbWorkGroup", "OFFICE");
+    answer({"Go On"});
+    clickTitled("Save");
+    ASSERT_NE(host.read("etc/smb.conf"), conf);
+    std::ofstream(host.storeFile()) << "not a store, but some other file that is longer than a header";
+    takeBack(0, {"Yes"});
+    EXPECT_EQ(host.read("etc/smb.conf"), conf);
+    takeBack(1, {"OK"});
+    EXPECT_EQ(asked.at(asked.size() - 2), "Not Possible") << said.back().toStdString();
+    EXPECT_EQ(text("smbWorkGroup"), "HOME");
 }
 
 TEST_F(WindowHistoryTest, NamesAPageAsUnsavedUntilItsSaveHasSucceeded) {

@@ -2,6 +2,8 @@
 
 #include "directory/DirectoryView.h"
 #include "platform/foundation/Host.h"
+#include "platform/foundation/NSBundle.h"
+#include "platform/foundation/NSString.h"
 #include "platform/netinfo/LocalDomain.h"
 #include "platform/netinfo/StoreWait.h"
 
@@ -11,6 +13,15 @@ namespace review {
 
 std::string directoryProblem() {
     return platform::directoryProblem();
+}
+
+std::string directoryNotice() {
+    const std::string problem = directoryProblem();
+    if (problem.empty()) {
+        return problem;
+    }
+    return stringWithFormat(
+        NSLocalizedString("The directory could not be read, so the lists are incomplete: %@."), problem);
 }
 
 std::string directoryHolder() {

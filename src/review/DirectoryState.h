@@ -8,6 +8,8 @@ namespace review {
 
 /// Why the last attempt to read the directory failed; empty when it succeeded.
 [[nodiscard]] std::string directoryProblem();
+/// The same as a sentence for the person who looks at the lists; empty when they are complete.
+[[nodiscard]] std::string directoryNotice();
 /// Which program has the directory locked now: "PROGRAM (process ID)"; empty when none is known.
 [[nodiscard]] std::string directoryHolder();
 

@@ -38,12 +38,16 @@ void addServerWarnings(const Situation& situation, std::vector<Remark>* warnings
     if (plan.smbConfBefore == plan.smbConfAfter || platform::sambaCommand("testparm").empty()) {
         return;
     }
+    std::vector<std::string> faults = faultsOf(plan.smbConfAfter);
+    if (faults.empty()) {
+        return;
+    }
     const std::vector<std::string> before = faultsOf(plan.smbConfBefore);
-    for (const std::string& fault : faultsOf(plan.smbConfAfter)) {
-        if (std::ranges::find(before, fault) == before.end()) {
-            warnings->push_back(
-                remark("server-complains", "The SMB server finds fault with the new smb.conf: %@.", fault));
-        }
+    std::erase_if(faults,
+                  [&](const auto& fault) { return std::ranges::find(before, fault) != before.end(); });
+    for (const std::string& fault : faults) {
+        warnings->push_back(
+            remark("server-complains", "The SMB server finds fault with the new smb.conf: %@.", fault));
     }
 }
 

@@ -4,7 +4,7 @@
 #include "platform/appkit/NSApplication.h"
 #include "platform/foundation/NSBundle.h"
 #include "platform/foundation/NSString.h"
-#include "platform/netinfo/StoreWait.h"
+#include "review/DirectoryState.h"
 
 #include <iostream>
 
@@ -106,9 +106,8 @@ int CommandRun::requireRow(const std::string& table, const std::string& column, 
 }
 
 void CommandRun::requireDirectory() {
-    if (const std::string& problem = platform::directoryProblem(); !problem.empty()) {
-        fail(stringWithFormat(
-            NSLocalizedString("The directory could not be read, so the lists are incomplete: %@."), problem));
+    if (const std::string notice = review::directoryNotice(); !notice.empty()) {
+        fail(notice);
     }
 }
 

@@ -269,13 +269,11 @@ void WindowReview::showDirectoryNotice() {
     if (directoryNotice_ == nullptr) {
         return;
     }
-    const std::string problem = review::directoryProblem();
-    if (!problem.empty()) {
-        directoryText_->setText(shown(stringWithFormat(
-            NSLocalizedString("The directory could not be read, so the lists are incomplete: %@."),
-            problem)));
+    const std::string notice = review::directoryNotice();
+    if (!notice.empty()) {
+        directoryText_->setText(shown(notice));
     }
-    directoryNotice_->setVisible(!problem.empty());
+    directoryNotice_->setVisible(!notice.empty());
 }
 
 void WindowReview::addNotice() {
