@@ -65,6 +65,12 @@ std::vector<const SMBShare*> removedSections(const SMBConf& before, const SMBCon
     return removed;
 }
 
+/// The folder that the server takes the section for; empty when it names none.
+std::string folderOf(const SMBShare& section) {
+    const ServerSetting path = serverSetting(section, "path");
+    return path.pair == nullptr ? std::string() : std::string(serverText(path.pair->Value.view()));
+}
+
 const SMBShare* sectionNamed(const SMBConf& conf, const std::string& name) {
     for (const auto& entry : conf.Entries()) {
         if (entry->Type() == SMBGroup && entry->ShareName() == name) {
@@ -115,14 +121,13 @@ class ShareWarnings {
     void addRemovedSections(const SMBConf& before, const SMBConf& after) {
         for (const SMBShare* section : removedSections(before, after)) {
             const std::string name = section->ShareName();
-            const ServerSetting path = serverSetting(*section, "path");
-            const std::string sectionFolder = path.pair != nullptr ? path.pair->Value.str() : std::string();
+            const std::string sectionFolder = folderOf(*section);
             if (const auto parts = foreignParts(*section); !parts.empty()) {
                 warn("section-removed",
                      "The section [%@] of smb.conf is removed, with settings that Brindle did not write: %@.",
                      name, joined(parts));
             }
-            if (sectionFolder != folder_) {
+            if (sectionFolder != serverText(folder_)) {
                 warn("section-removed",
                      "The section [%@] of smb.conf is removed, although it shares another folder than the "
                      "editor shows: \"%@\".",
@@ -228,12 +233,38 @@ class ShareWarnings {
         if (before != nullptr) {
             addUntouchedFlag(*before, *after, "inherit permissions", *now_.inheritPermissionsButton);
             addUntouchedFlag(*before, *after, "guest ok", *now_.guestAccessButton);
+            addKeptFolder(*after);
         }
         if (guestsWrite(after) && !guestsWrite(before)) {
             warn("guests-write",
                  "Anybody on the network may change the files of the share \"%@\" without a password.",
                  name_);
         }
+    }
+
+    /// Warns if the section stays another folder's, because an update never writes its path.
+    void addKeptFolder(const SMBShare& section) {
+        const std::string kept = folderOf(section);
+        if (kept == serverText(folder_)) {
+            return;
+        }
+        const std::string statement =
+            kept.empty()
+                ? stringWithFormat(NSLocalizedString("The section [%@] of smb.conf names no folder, and an "
+                                                     "update adds none: SMB does not offer the share."),
+                                   name_)
+                : stringWithFormat(NSLocalizedString("SMB keeps offering the folder \"%@\" as \"%@\", "
+                                                     "because an update leaves the path in smb.conf."),
+                                   kept, name_);
+        // Where record and section differ already, SMB is off in the editor.
+        const std::string recorded = situation_.directoryBefore.value(sharePath(name_), "directory_path");
+        const bool differs = !recorded.empty() && kept != serverText(recorded);
+        const std::string advice = NSLocalizedString(
+            differs ? "To change that, delete the share and make it again; guest access and settings written "
+                      "by hand are lost."
+                    : "To change that, choose \"Not Shared\" for SMB in this update, and \"Shared\" in "
+                      "another one after it; guest access and settings written by hand are lost.");
+        warnings_.push_back({"section-keeps-folder", statement + " " + advice});
     }
 
     void addUntouchedFlag(const SMBShare& before, const SMBShare& after, const char* key,
