@@ -75,6 +75,19 @@ TEST_F(SystemShares, AreNotMadeFromAFolderThatAnybodyCouldReplace) {
     EXPECT_EQ(contents(smbConf), stock);
 }
 
+TEST_F(SystemShares, OfTheSystemsFoldersAreUpdatedButNeitherMadeNorGivenToOthers) {
+    const std::string stock = contents(smbConf);
+    folder_ = "/";
+    const std::string refused = script(makeDocs());
+    EXPECT_TRUE(contains(refused, "Not Possible")) << refused;
+    EXPECT_EQ(contents(smbConf), stock);
+    EXPECT_TRUE(platform::writeWholeFile(smbConf, stock + "[Docs]\npath = /\n").isOk());
+    const std::string menus = "rows normalTableView 1\nselect everyonePrivs 0\nplan press createNewShare\n";
+    EXPECT_TRUE(contains(script(menus), "blocked folder")) << script(menus);
+    const std::string updated = script("rows normalTableView 1\nplan press createNewShare\n");
+    EXPECT_TRUE(contains(updated, "warning system-folder")) << updated;
+}
+
 TEST_F(SystemShares, AreTakenBackWithoutAFolderThatAnybodyCouldReplaceByThen) {
     const std::string stock = contents(smbConf);
     const fs::path parent = folder_;

@@ -2,6 +2,7 @@
 
 #include "directory/DirectoryRules.h"
 #include "model/SMBParser.h"
+#include "platform/appkit/NSPopUpButton.h"
 #include "platform/appkit/NSTextField.h"
 #include "platform/foundation/Host.h"
 #include "platform/foundation/NSBundle.h"
@@ -12,6 +13,7 @@
 #include "tools/HelperFolders.h"
 
 #include <algorithm>
+#include <array>
 #include <utility>
 
 namespace review {
@@ -189,6 +191,32 @@ void addFolderBlock(const PlannedRun& run, const BROutlets& controls, std::vecto
     }
 }
 
+/// Whether the action updates a share and leaves its folder alone.
+bool keepsFolder(const BRController& now) {
+    const std::array<const NSControl*, 5> menus{now.owner, now.group, now.ownerPrivs, now.groupPrivs,
+                                                now.everyonePrivs};
+    return std::ranges::none_of(menus, &NSControl::isEdited) &&
+           std::ranges::any_of(now.currentShares(), [&](const NormalShare& share) {
+               return share.ShareName() == now.shareName->stringValue() &&
+                      share.DirectoryPath() == now.directory->stringValue();
+           });
+}
+
+/// Adds a block if a system folder is about to be shared: the helper would refuse its owner and mode only
+/// after the share is there.
+void addSystemFolderBlock(const Plan& plan, const BRController& now, std::vector<Remark>* blocks) {
+    const std::string& folder = now.directory->stringValue();
+    const bool isWritten = !plan.runs.empty(); // otherwise the operation itself refuses
+    if (isWritten && tools::isSystemFolder(folder, tools::FolderHost::Computer) && !keepsFolder(now)) {
+        blocks->push_back(
+            {"folder",
+             stringWithFormat(NSLocalizedString("The folder \"%@\" is the system's own: it cannot be shared "
+                                                "anew, and its owner and mode stay as they are."),
+                              folder),
+             now.directory->name()});
+    }
+}
+
 bool endsInBackslash(std::string_view value) {
     while (value.ends_with(' ') || value.ends_with('\t')) {
         value.remove_suffix(1);
@@ -222,21 +250,24 @@ void addSettingsBlocks(const Plan& plan, const BROutlets& controls, std::vector<
 
 } // namespace
 
-std::vector<Remark> blocksOf(const Plan& plan, const BROutlets& controls, const DirectoryView& directory,
+std::vector<Remark> blocksOf(const Plan& plan, const BRController& now, const DirectoryView& directory,
                              std::optional<AccountForecast> accounts) {
     std::vector<Remark> blocks;
     for (const PlannedRun& run : plan.runs) {
         if (run.tool == platform::systempath::nicl) {
-            addDirectoryBlocks(run, plan.operation, controls, directory, accounts, &blocks);
+            addDirectoryBlocks(run, plan.operation, now, directory, accounts, &blocks);
         } else if (run.tool == platform::systempath::dscl) {
-            addPasswordBlocks(controls, accounts, &blocks);
+            addPasswordBlocks(now, accounts, &blocks);
         } else if (platform::Host::current().services().computer != nullptr &&
                    (run.tool == platform::systempath::chown || run.tool == platform::systempath::chmod)) {
-            addFolderBlock(run, controls, &blocks);
+            addFolderBlock(run, now, &blocks);
         }
     }
+    if (plan.operation == "createShare:" && platform::Host::current().services().computer != nullptr) {
+        addSystemFolderBlock(plan, now, &blocks);
+    }
     if (plan.operation == "updateSMBProperties:") {
-        addSettingsBlocks(plan, controls, &blocks);
+        addSettingsBlocks(plan, now, &blocks);
     }
     return blocks;
 }

@@ -61,7 +61,7 @@ void addPlaceWarnings(const Situation& situation, const std::string& folder, std
     if (!exists) {
         warnings->push_back(remark("no-folder", "There is no folder \"%@\".", folder));
     }
-    if (tools::isSystemFolder(real.string(), status, host)) {
+    if (tools::isSystemFolder(folder, host)) {
         warnings->push_back(remark("system-folder",
                                    "The folder \"%@\" is the system's own: its owner and mode stay as they "
                                    "are, and what is in it would be shared.",

@@ -125,6 +125,17 @@ bool isSystemFolder(const std::string& path, const struct stat& status, FolderHo
            });
 }
 
+bool isSystemFolder(const std::string& folder, FolderHost host) {
+    std::error_code error;
+    const std::filesystem::path real = std::filesystem::weakly_canonical(folder, error);
+
+    struct stat status {}; // stays zero, and so no folder's, where there is none
+
+    static_cast<void>(::stat(folder.c_str(), &status));
+    return isSystemFolder(error ? std::filesystem::path(folder).lexically_normal().string() : real.string(),
+                          status, host);
+}
+
 namespace {
 
 /// An open folder and what is to be done to it.

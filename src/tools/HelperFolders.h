@@ -26,6 +26,9 @@ enum class FolderHost { Embedded, Computer };
 /// show it under another path.
 [[nodiscard]] bool isSystemFolder(const std::string& path, const struct stat& status, FolderHost host);
 
+/// The same for a path that may hold links or name no folder yet.
+[[nodiscard]] bool isSystemFolder(const std::string& folder, FolderHost host);
+
 /// Fails when anybody could replace `folder` with another one, so that on this computer its owner and mode
 /// may not be changed. Ok for a folder that cannot be examined.
 [[nodiscard]] platform::Status checkNotReplaceable(const std::string& folder);
