@@ -8,6 +8,7 @@
 #include "platform/netinfo/LocalDomain.h"
 #include "platform/netinfo/StoreCopy.h"
 #include "platform/posix/TemporaryFolder.h"
+#include "review/RunOutcome.h"
 
 #include <algorithm>
 #include <cmath>
@@ -133,7 +134,7 @@ OSStatus Recorder::execute(platform::AuthorizationSession& session, const std::s
     run.hasFailed = status != errAuthorizationSuccess;
     if (!run.hasFailed && output != nullptr) {
         run.output = *output;
-        run.hasFailed = !output->empty(); // a tool that writes something has failed
+        run.hasFailed = meansFailure(tool, arguments, *output);
     }
     setsPassword_ = setsPassword_ || (tool == systempath::dscl && !run.hasFailed);
     entry_.hasFailed = entry_.hasFailed || run.hasFailed;
