@@ -57,12 +57,16 @@ class Doctor : public testing::Test {
     TestHost test_;
 };
 
-/// Returns the remedy with --yes, to answer every question.
+/// Returns the remedy with --yes, to answer every question, and with the test's folder.
 std::string answered(std::string remedy) {
+    for (std::size_t at = 0; (at = remedy.find("/FOLDER", at)) != std::string::npos;) {
+        remedy.erase(at, 1);
+    }
     for (std::size_t at = 0; (at = remedy.find(" &&", at)) != std::string::npos; at += 9) {
         remedy.insert(at, " --yes");
     }
-    return remedy.starts_with("brindle") ? remedy + " --yes" : remedy;
+    const bool endsWithOurs = remedy.starts_with("brindle") && remedy.find("sed -i") == std::string::npos;
+    return endsWithOurs ? remedy + " --yes" : remedy;
 }
 
 } // namespace
@@ -78,6 +82,13 @@ TEST_F(Doctor, NamesEachFaultAndTheCommandThatRepairsIt) {
         {"folder-gone", "brindle shares add Gone FOLDER/Docs --yes && rmdir FOLDER/Docs", "",
          "/config/Brindle/Gone", "Gone"},
         {"folder-gone", "true", "[Deep]\npath = FOLDER/no/such\n", "[Deep]", "Deep"},
+        {"relative-folder", "true", "[Near]\n  Path = no/such\n", "[Near]", "Near"},
+        {"relative-folder",
+         "mkdir FOLDER/Far && brindle shares add Far FOLDER/Far --yes && nicl --root $BRINDLE_ROOT . -create "
+         "/config/Brindle/Far directory_path far && sed -i 's,^.*/Far$,path = far,' "
+         "$BRINDLE_ROOT/etc/smb.conf",
+         "", "/config/Brindle/Far", "Far"},
+        {"no-path", "true", "[Bare]\nguest ok = yes\n", "[Bare]", "Bare"},
         {"half-made-share", "nicl --root $BRINDLE_ROOT . -create /config/Brindle/Half", "",
          "/config/Brindle/Half", "Half"},
         {"half-made-user", "nicl --root $BRINDLE_ROOT . -create /users/half", "", "/users/half", "half"},

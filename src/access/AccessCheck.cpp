@@ -138,7 +138,7 @@ bool AccessCheck::findShare(Visit& visit) {
             "no-folder",
             stringWithFormat(
                 NSLocalizedString("\"%@\" names no folder, so the SMB server does not offer it."), name),
-            section(visit), NSLocalizedString("In the share editor, choose its folder."));
+            section(visit), editRemedy("path"));
     }
     return true;
 }

@@ -62,7 +62,8 @@ void Examiner::examineShares() {
     examineNames();
 }
 
-void Examiner::examineFolder(const std::string& share, const std::string& folder, const std::string& where) {
+void Examiner::examineFolder(const std::string& share, const std::string& folder, const std::string& where,
+                             const std::string& remedy) {
     const auto path = expandedPath(folder, share, "");
     if (!path || folder.find('%') != std::string::npos) {
         return; // the path is different for each user
@@ -73,7 +74,7 @@ void Examiner::examineFolder(const std::string& share, const std::string& folder
                   NSLocalizedString("The folder \"%@\" of the share \"%@\" is not an absolute path."), *path,
                   share),
               .where = where,
-              .remedy = command({"shares", "set", share, "--folder", "/FOLDER"}),
+              .remedy = remedy,
               .share = share});
         return;
     }
@@ -86,7 +87,7 @@ void Examiner::examineFolder(const std::string& share, const std::string& folder
                   .text = stringWithFormat(
                       NSLocalizedString("%@, which is shared as \"%@\", is not a folder."), *path, share),
                   .where = where,
-                  .remedy = command({"shares", "set", share, "--folder", "/FOLDER"}),
+                  .remedy = remedy,
                   .share = share});
         }
     } else if (errno == EACCES) {
@@ -129,7 +130,12 @@ void Examiner::examineRecord(const Share& share, const Known& known) {
               .share = share.name});
         return;
     }
-    examineFolder(share.name, share.folder, where);
+    // An update leaves a section's path, and without --smb would remove a section of another folder.
+    examineFolder(share.name, share.folder, where,
+                  known.byName.contains(share.name)
+                      ? command({"shares", "set", share.name, "--folder", "/FOLDER", "--smb"}) + " && " +
+                            movePattern(share.name)
+                      : command({"shares", "set", share.name, "--folder", "/FOLDER"}));
     if (known.whole.contains({share.name, share.folder})) {
         return;
     }
@@ -192,10 +198,11 @@ void Examiner::examineSections() {
                           "The section [%@] names no folder, and the SMB server offers no such share."),
                       name),
                   .where = section(name),
-                  .remedy = command({"shares", "set", name, "--folder", "/FOLDER"}),
+                  .remedy = addPathPattern(name),
                   .share = name});
         } else if (!recorded.contains(path)) {
-            examineFolder(name, path, section(name)); // a section with a record was examined with the record
+            // A section with a record was examined with the record.
+            examineFolder(name, path, section(name), movePattern(name));
         }
     }
 }

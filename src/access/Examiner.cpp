@@ -25,6 +25,14 @@ std::string escapedForSed(const std::string& text) {
     return escaped;
 }
 
+/// Finds a section's header, for sed.
+std::string headerOf(const std::string& section) {
+    return "/^[[:space:]]*\\[" + escapedForSed(section) + "\\]/";
+}
+
+/// Finds the line that names a section's folder, for sed.
+constexpr const char* pathLine = "^[[:space:]]*\\(path\\|directory\\)[[:space:]]*=.*";
+
 } // namespace
 
 Examiner::Examiner(const ExaminedHost& host)
@@ -114,13 +122,20 @@ std::string Examiner::renameCommand(const std::string& section, const std::strin
 }
 
 std::string Examiner::moveCommand(const std::string& section, const std::string& folder) const {
-    return editCommand(
-        "/^[[:space:]]*\\[" + escapedForSed(section) +
-        "\\]/,/^[[:space:]]*\\[/s/^[[:space:]]*path[[:space:]]*=.*/path = " + escapedForSed(folder) + "/");
+    return editCommand(headerOf(section) + ",/^[[:space:]]*\\[/s/" + pathLine +
+                       "/path = " + escapedForSed(folder) + "/I");
+}
+
+std::string Examiner::movePattern(const std::string& section) const {
+    return editCommand(headerOf(section) + ",/^[[:space:]]*\\[/s," + pathLine + ",path = /FOLDER,I");
+}
+
+std::string Examiner::addPathPattern(const std::string& section) const {
+    return editCommand(headerOf(section) + "a path = /FOLDER");
 }
 
 std::string Examiner::removeCommand(const std::string& section) const {
-    const std::string header = "/^[[:space:]]*\\[" + escapedForSed(section) + "\\]/";
+    const std::string header = headerOf(section);
     return editCommand(header + ",/^[[:space:]]*\\[/{" + header + "d;/^[[:space:]]*\\[/!d}");
 }
 

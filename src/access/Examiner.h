@@ -73,7 +73,9 @@ class Examiner {
     [[nodiscard]] std::vector<std::vector<std::string>> report(const char* path,
                                                                std::initializer_list<const char*> properties);
 
-    void examineFolder(const std::string& share, const std::string& folder, const std::string& where);
+    /// `remedy` names another folder for the share.
+    void examineFolder(const std::string& share, const std::string& folder, const std::string& where,
+                       const std::string& remedy);
     void examineRecord(const Share& share, const Known& known);
     void examineSections();
     void examineNames();
@@ -98,6 +100,9 @@ class Examiner {
     /// change nothing because the records are already right.
     [[nodiscard]] std::string renameCommand(const std::string& section, const std::string& name) const;
     [[nodiscard]] std::string moveCommand(const std::string& section, const std::string& folder) const;
+    /// The same with "/FOLDER" for the user to fill in; the second is for a section without a folder.
+    [[nodiscard]] std::string movePattern(const std::string& section) const;
+    [[nodiscard]] std::string addPathPattern(const std::string& section) const;
     [[nodiscard]] std::string removeCommand(const std::string& section) const;
     [[nodiscard]] std::string editCommand(const std::string& script) const;
 
