@@ -105,6 +105,16 @@ TEST(TextDifference, HasTheFewestLinesInOrder) {
     EXPECT_EQ(changes("a\nb\nc\nd\n", "a\nx\nc\nd\ne\n"), "-b2+x2+e5");
     EXPECT_EQ(changes("a\nb\na\nb\n", "b\na\n"), "-a1-b4");
     EXPECT_EQ(changes("x\na\nb\nc\n", "a\nb\ny\nc\n"), "-x1+y3");
+    std::string before;
+    std::string after;
+    std::string expected;
+    for (std::size_t section = 0; section < 3000; ++section) { // more changes than a search may take
+        const std::string header = "[s" + std::to_string(section) + "]\n";
+        before += header + "path = /tmp\n# a note\n";
+        after += header + "path = /tmp\n";
+        expected += "-# a note" + std::to_string(3 * section + 3);
+    }
+    EXPECT_EQ(changes(before, after), expected);
 }
 
 } // namespace

@@ -17,6 +17,8 @@
 #include <cstdio>
 #include <filesystem>
 #include <optional>
+#include <string_view>
+#include <vector>
 
 #include <pwd.h>
 #include <sys/stat.h>
@@ -28,27 +30,28 @@ namespace {
 
 using Level = Finding::Level;
 
-/// The share whose section holds the line; none when the section is not a share's.
-std::optional<std::string> shareAround(std::string_view text, std::size_t line) {
-    std::optional<std::string> share;
-    for (std::size_t number = 1; number <= line && !text.empty(); ++number) {
+/// A line of smb.conf, and the share whose section holds it; none when the section is not a share's.
+struct PlacedLine {
+    std::string_view text;
+    std::optional<std::string_view> share;
+};
+
+/// The lines of `text`, which must outlive them, by their numbers from 1.
+std::vector<PlacedLine> linesWithShares(std::string_view text) {
+    std::vector<PlacedLine> lines(1);
+    std::optional<std::string_view> share;
+    while (!text.empty()) {
         const std::string_view each = text.substr(0, text.find('\n'));
         const std::size_t begin = each.find('[');
         const std::size_t end = each.find(']');
         if (each.find_first_not_of(" \t") == begin && begin < end && end != std::string_view::npos) {
-            const std::string name(each.substr(begin + 1, end - begin - 1));
+            const std::string_view name = each.substr(begin + 1, end - begin - 1);
             share = platform::lowercased(name) == "global" ? std::nullopt : std::optional(name);
         }
+        lines.push_back({each, share});
         text.remove_prefix(std::min(text.size(), each.size() + 1));
     }
-    return share;
-}
-
-std::string lineAt(std::string_view text, std::size_t line) {
-    for (std::size_t number = 1; number < line && !text.empty(); ++number) {
-        text.remove_prefix(std::min(text.size(), text.find('\n') + 1));
-    }
-    return std::string(text.substr(0, text.find('\n')));
+    return lines;
 }
 
 } // namespace
@@ -70,10 +73,12 @@ void Examiner::examineSettings() {
         found_.notes.push_back(complaints.status().text());
         return;
     }
+    const std::vector<PlacedLine> lines = linesWithShares(text);
     for (const platform::SettingsComplaint& each : *complaints) {
+        const PlacedLine& line = each.line < lines.size() ? lines[each.line] : lines.front();
         // A root's own server is started with its own folders and security level.
         const bool isOthers = each.line == 0 ? each.text.find(" directory ") != std::string::npos
-                                             : platform::isShareSecurity(lineAt(text, each.line));
+                                             : platform::isShareSecurity(line.text);
         if (host_.root && isOthers) {
             continue;
         }
@@ -84,8 +89,8 @@ void Examiner::examineSettings() {
               .remedy = each.line == 0
                             ? NSLocalizedString("Change the SMB server's settings file.")
                             : stringWithFormat(NSLocalizedString("Change or delete the line \"%@\"."),
-                                               lineAt(text, each.line)),
-              .share = shareAround(text, each.line)});
+                                               std::string(line.text)),
+              .share = line.share ? std::optional<std::string>(*line.share) : std::nullopt});
     }
 }
 

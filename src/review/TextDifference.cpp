@@ -4,6 +4,9 @@
 #include <cstddef>
 #include <span>
 #include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
 
 namespace review {
 
@@ -17,6 +20,12 @@ constexpr int mostChanges = 1000;
 std::ptrdiff_t sizeOf(Lines lines) {
     return static_cast<std::ptrdiff_t>(lines.size());
 }
+
+/// The places of a line in both texts.
+struct Anchor {
+    std::size_t before = 0;
+    std::size_t after = 0;
+};
 
 /// The algorithm of Eugene W. Myers, "An O(ND) difference algorithm and its variations": for each number of
 /// changes the furthest place that they reach on each diagonal, kept for tracing back.
@@ -47,8 +56,9 @@ class FewestChanges {
         return false;
     }
 
-    /// Call after find(). Marks the lines that stay.
-    void markStaying(std::vector<bool>* before, std::vector<bool>* after) {
+    /// Call after find(). Appends the places of the lines that stay, in any order. `start` is where both
+    /// begin in the whole texts.
+    void addStaying(std::vector<Anchor>* staying, Anchor start) {
         std::ptrdiff_t x = sizeOf(before_);
         std::ptrdiff_t y = sizeOf(after_);
         for (int changes = static_cast<int>(rounds_.size()) - 1; changes >= 0; --changes) {
@@ -61,8 +71,8 @@ class FewestChanges {
             while (x > startX && y > startY) {
                 --x;
                 --y;
-                (*before)[static_cast<std::size_t>(x)] = true;
-                (*after)[static_cast<std::size_t>(y)] = true;
+                staying->push_back(
+                    {start.before + static_cast<std::size_t>(x), start.after + static_cast<std::size_t>(y)});
             }
             x = startX;
             y = startY;
@@ -85,13 +95,87 @@ class FewestChanges {
     std::vector<std::vector<std::ptrdiff_t>> rounds_;
 };
 
+/// The lines that occur once in both texts, as many of them as are in the same order in both.
+std::vector<Anchor> anchorsOf(Lines before, Lines after) {
+    struct Places {
+        Anchor last;
+        int countBefore = 0;
+        int countAfter = 0;
+    };
+
+    std::unordered_map<std::string_view, Places> lines;
+    for (std::size_t index = 0; index < before.size(); ++index) {
+        Places& places = lines[before[index]];
+        places.last.before = index;
+        ++places.countBefore;
+    }
+    for (std::size_t index = 0; index < after.size(); ++index) {
+        Places& places = lines[after[index]];
+        places.last.after = index;
+        ++places.countAfter;
+    }
+    // The longest rising sequence: for each length the anchor that ends the lowest, and what comes before it.
+    std::vector<Anchor> candidates;
+    std::vector<std::size_t> previous;
+    std::vector<std::size_t> ends;
+    for (const std::string_view line : before) {
+        const Places& places = lines.at(line);
+        if (places.countBefore != 1 || places.countAfter != 1) {
+            continue;
+        }
+        const auto end = std::ranges::lower_bound(ends, places.last.after, {},
+                                                  [&](std::size_t index) { return candidates[index].after; });
+        previous.push_back(end == ends.begin() ? candidates.size() : *(end - 1));
+        if (end == ends.end()) {
+            ends.push_back(candidates.size());
+        } else {
+            *end = candidates.size();
+        }
+        candidates.push_back(places.last);
+    }
+    std::vector<Anchor> anchors;
+    for (std::size_t index = ends.empty() ? 0 : ends.back(), left = ends.size(); left > 0; --left) {
+        anchors.push_back(candidates[index]);
+        index = previous[index];
+    }
+    std::ranges::reverse(anchors);
+    return anchors;
+}
+
+/// Appends the places of the lines that stay. `start` is where both begin in the whole texts.
+void addStaying(std::vector<Anchor>* staying, Lines before, Lines after, Anchor start) {
+    FewestChanges fewest(before, after);
+    if (fewest.find()) {
+        fewest.addStaying(staying, start);
+        return;
+    }
+    // With so many changes, the pieces between lines that certainly stay are compared one by one.
+    std::vector<Anchor> anchors = anchorsOf(before, after);
+    if (anchors.empty()) {
+        return;
+    }
+    anchors.push_back({before.size(), after.size()});
+    Anchor from;
+    for (const Anchor& to : anchors) {
+        addStaying(staying, before.subspan(from.before, to.before - from.before),
+                   after.subspan(from.after, to.after - from.after),
+                   {start.before + from.before, start.after + from.after});
+        if (to.before < before.size()) {
+            staying->push_back({start.before + to.before, start.after + to.after});
+        }
+        from = {to.before + 1, to.after + 1};
+    }
+}
+
 /// Appends the changes. `first` equal lines come before `before` and `after`.
 void addChanges(std::vector<LineChange>* changes, Lines before, Lines after, std::size_t first) {
-    FewestChanges fewest(before, after);
     std::vector<bool> staysBefore(before.size());
     std::vector<bool> staysAfter(after.size());
-    if (fewest.find()) {
-        fewest.markStaying(&staysBefore, &staysAfter);
+    std::vector<Anchor> staying;
+    addStaying(&staying, before, after, {});
+    for (const Anchor& each : staying) {
+        staysBefore[each.before] = true;
+        staysAfter[each.after] = true;
     }
     std::size_t x = 0;
     std::size_t y = 0;

@@ -11,6 +11,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <map>
+#include <unordered_set>
 
 namespace review {
 
@@ -198,10 +199,11 @@ std::string changedOutside(const SMBConf& model, const std::string& file) {
     const auto read = SMBConf::ofText(model.textOnDisk());
     const auto now = SMBConf::ofText(file);
     std::vector<std::string> things;
+    std::unordered_set<std::string> known;
     for (const SMBChange& change : changesBetween(read->Entries(), now->Entries())) {
         std::string thing =
             "[" + change.section + "]" + (change.key.empty() ? "" : " \"" + change.key + "\"");
-        if (std::ranges::find(things, thing) == things.end()) {
+        if (known.insert(thing).second) {
             things.push_back(std::move(thing));
         }
     }

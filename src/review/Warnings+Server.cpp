@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <optional>
 
 namespace review {
 
@@ -14,12 +15,13 @@ namespace {
 /// testparm looks names up on the network, and a slow network must not keep a plan waiting.
 constexpr std::chrono::seconds timeLimit{5};
 
-/// The complaints of testparm about the text, which end with the one that keeps it from reading on.
-std::vector<std::string> faultsOf(const std::string& text) {
+/// The complaints of testparm about the text, which end with the one that keeps it from reading on; none
+/// when it did not finish.
+std::optional<std::vector<std::string>> faultsOf(const std::string& text) {
     std::vector<std::string> faults;
     const auto run = platform::runTestparm(text, timeLimit);
     if (!run.isOk()) {
-        return faults; // without testparm's result there is nothing to warn of
+        return std::nullopt;
     }
     for (const std::string_view line : linesOf(run->errors)) {
         const bool lacksFolder =
@@ -38,16 +40,19 @@ void addServerWarnings(const Situation& situation, std::vector<Remark>* warnings
     if (plan.smbConfBefore == plan.smbConfAfter || platform::sambaCommand("testparm").empty()) {
         return;
     }
-    std::vector<std::string> faults = faultsOf(plan.smbConfAfter);
-    if (faults.empty()) {
+    const auto faults = faultsOf(plan.smbConfAfter);
+    if (!faults || faults->empty()) {
         return;
     }
-    const std::vector<std::string> before = faultsOf(plan.smbConfBefore);
-    std::erase_if(faults,
-                  [&](const auto& fault) { return std::ranges::find(before, fault) != before.end(); });
-    for (const std::string& fault : faults) {
-        warnings->push_back(
-            remark("server-complains", "The SMB server finds fault with the new smb.conf: %@.", fault));
+    const auto before = faultsOf(plan.smbConfBefore);
+    if (!before) {
+        return; // which of them are new is unknown
+    }
+    for (const std::string& fault : *faults) {
+        if (std::ranges::find(*before, fault) == before->end()) {
+            warnings->push_back(
+                remark("server-complains", "The SMB server finds fault with the new smb.conf: %@.", fault));
+        }
     }
 }
 

@@ -40,16 +40,12 @@ std::string firstComplaint(std::string_view said) {
     return {};
 }
 
-} // namespace
-
-std::optional<std::string> complaintAboutSmbConf(std::string_view text) {
-    if (platform::sambaCommand("testparm").empty()) {
-        return std::nullopt;
-    }
+/// Why the server could not use the text; empty if it could. Fails when testparm did not finish.
+platform::Result<std::string> complaintAbout(std::string_view text) {
     const auto finished = platform::runTestparm(withoutShareSecurity(text), limit);
     if (!finished.isOk()) {
         NSLog("smb.conf could not be checked: %@", finished.status().text());
-        return std::nullopt;
+        return finished.status();
     }
     // Its exit status does not reflect unknown keys.
     std::string complaint = firstComplaint(finished->errors);
@@ -57,12 +53,26 @@ std::optional<std::string> complaintAboutSmbConf(std::string_view text) {
         complaint = platform::lastLineOf(finished->errors);
         complaint = complaint.empty() ? "it has failed and does not say why" : complaint;
     }
-    return complaint.empty() ? std::nullopt : std::optional(std::move(complaint));
+    return complaint;
+}
+
+} // namespace
+
+std::optional<std::string> complaintAboutSmbConf(std::string_view text) {
+    if (platform::sambaCommand("testparm").empty()) {
+        return std::nullopt;
+    }
+    auto complaint = complaintAbout(text);
+    return !complaint.isOk() || complaint->empty() ? std::nullopt : std::optional(std::move(*complaint));
 }
 
 Status checkSmbConf(std::string_view text, std::string_view old) {
     const auto complaint = complaintAboutSmbConf(text);
-    if (!complaint || complaintAboutSmbConf(old)) {
+    if (!complaint) {
+        return {};
+    }
+    // Without a result for the old text nobody knows that the server could use that one.
+    if (const auto before = complaintAbout(old); !before.isOk() || !before->empty()) {
         return {};
     }
     return Status::failure("cannot save", "smb.conf",

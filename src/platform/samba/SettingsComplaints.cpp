@@ -111,12 +111,7 @@ class Reading {
 
     void complain(std::size_t line, std::string text) {
         hasComplained_ = true;
-        const auto isSame = [&](const SettingsComplaint& each) {
-            return each.line == line && each.text == text;
-        };
-        if (std::ranges::none_of(found_, isSame)) {
-            found_.push_back({line, std::move(text)});
-        }
+        found_.push_back({line, std::move(text)});
     }
 
     bool takeOut() {
@@ -155,6 +150,21 @@ Result<FinishedProcess> runTestparm(std::string_view text, std::chrono::seconds 
     command.words.insert(command.words.end(), options.begin(), options.end());
     command.words.emplace_back("/dev/stdin");
     return runProcess(command, text, timeLimit);
+}
+
+/// Each run of testparm repeats the complaints of the runs before it.
+std::vector<SettingsComplaint> sortedWithoutRepetitions(std::vector<SettingsComplaint> all) {
+    std::ranges::stable_sort(all, {}, &SettingsComplaint::line);
+    std::vector<SettingsComplaint> found;
+    std::size_t ofLine = 0; // where the complaints about the present line begin
+    for (SettingsComplaint& each : all) {
+        ofLine = found.empty() || found.back().line != each.line ? found.size() : ofLine;
+        const auto begin = found.begin() + static_cast<std::ptrdiff_t>(ofLine);
+        if (std::find(begin, found.end(), each) == found.end()) {
+            found.push_back(std::move(each));
+        }
+    }
+    return found;
 }
 
 std::string joined(const std::vector<std::string>& lines) {
@@ -200,8 +210,7 @@ Result<std::vector<SettingsComplaint>> settingsComplaints(std::string_view text)
             break;
         }
     }
-    std::ranges::stable_sort(found, {}, &SettingsComplaint::line);
-    return found;
+    return sortedWithoutRepetitions(std::move(found));
 }
 
 } // namespace platform

@@ -15,6 +15,7 @@ namespace platform {
 struct SettingsComplaint {
     std::size_t line = 0; ///< from 1; 0 when it is not about a single line
     std::string text;     ///< Samba's own words, or ours in English where it has none
+    [[nodiscard]] bool operator==(const SettingsComplaint&) const = default;
 };
 
 /// Whether a line of testparm(1)'s output is a complaint. Its other lines are progress reports, or advice
