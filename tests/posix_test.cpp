@@ -261,6 +261,11 @@ TEST(WholeFile, LinksOwnersAndModesAreTreatedAsRequested) {
     EXPECT_TRUE(fs::is_symlink(link));
     EXPECT_EQ(statusOf(file).st_mode & 07777U, 0640U);
     EXPECT_EQ(statusOf(file).st_gid, group);
+    const auto list = [&] { return runProcess({{"/usr/bin/getfacl", "-cpn", file}})->output; };
+    ASSERT_TRUE(runProcess({{"/usr/bin/setfacl", "-m", "u:12346:rw", file}}).isOk());
+    const std::string listed = list();
+    ASSERT_TRUE(writeWholeFile(file, longText, {.keepsRights = true}).isOk());
+    EXPECT_EQ(list(), listed) << "the group may still only read, though its bits in the mode say more";
 
     ASSERT_TRUE(writeWholeFile(link, "new", {.mode = 0600}).isOk());
     EXPECT_EQ(statusOf(link).st_mode, S_IFREG | 0600U);

@@ -2,6 +2,7 @@
 
 #include "platform/posix/InputOutput.h"
 
+#include <array>
 #include <cerrno>
 #include <cstdint>
 #include <cstdio>
@@ -12,8 +13,10 @@
 
 #include <dirent.h>
 #include <fcntl.h>
+#include <linux/limits.h>
 #include <sys/file.h>
 #include <sys/random.h>
+#include <sys/xattr.h>
 #include <unistd.h>
 
 namespace platform {
@@ -90,6 +93,22 @@ Result<std::optional<struct stat>> replacedFile(const FilePlace& place) {
                                "is not a regular file; move it away");
     }
     return std::optional(status);
+}
+
+/// Gives a file the access control list (acl(5)) of the file `name`, unless that has none. Returns false on
+/// failure.
+bool copyAccessList(const FilePlace& place, const std::string& name, int file) {
+    constexpr const char* attribute = "system.posix_acl_access";
+    const FileDescriptor original(::openat(place.folder(), name.c_str(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC));
+    if (!original.isOpen()) {
+        return errno == EACCES || errno == ENOENT; // a list that may not be read is not kept
+    }
+    std::array<char, XATTR_SIZE_MAX> list{};
+    const ssize_t size = ::fgetxattr(original.get(), attribute, list.data(), list.size());
+    if (size < 0) {
+        return errno == ENODATA || errno == ENOTSUP;
+    }
+    return ::fsetxattr(file, attribute, list.data(), static_cast<std::size_t>(size), 0) == 0;
 }
 
 } // namespace
@@ -180,8 +199,10 @@ Status WaitingFile::fill(std::string_view bytes, const std::optional<struct stat
     if (!status.isOk()) {
         return status;
     }
-    // The owner comes before the mode, because changing the owner may clear bits of the mode.
+    // The owner comes before the mode, because changing the owner may clear bits of the mode. With a list,
+    // the mode's bits for the group are the list's limit: without it they would give the group more.
     if ((like && ::fchown(file_.get(), like->st_uid, like->st_gid) != 0) ||
+        (like && !copyAccessList(*place_, name_, file_.get())) ||
         (like && ::fchmod(file_.get(), like->st_mode & 07777U) != 0) || ::fsync(file_.get()) != 0) {
         return failure(errno);
     }
