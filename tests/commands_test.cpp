@@ -192,6 +192,24 @@ TEST_F(Commands, EndWithAStatusThatSaysWhatIsMissing) {
     }
 }
 
+TEST_F(Commands, AskBeforeALossAndTakeHalfSharesForWhatTheyAre) {
+    EXPECT_EQ(answer("users add ann --no-password --yes")["changed"], true);
+    EXPECT_NE(answer("undo", 3)["error"]["text"].get<std::string>().find("password of ann"),
+              std::string::npos);
+    EXPECT_EQ(answer("undo --yes")["changed"], true);
+    EXPECT_EQ(command("users remove root --yes").status, 1);
+
+    const std::string add = "shares add Docs " + folder().string();
+    EXPECT_EQ(answer(add + " --no-smb --yes")["share"]["smb"], false);
+    EXPECT_EQ(answer(add + " --yes")["share"]["smb"], true) << "as after an attempt that stopped half way";
+    EXPECT_EQ(answer("shares remove Docs --yes")["changed"], true);
+    test_.write("computer/etc/smb.conf", "[Docs]\npath = " + folder().string() + "\npublic = yes\n");
+    const json guests = answer("shares set Docs --no-guests --yes", 1)["error"]["text"];
+    EXPECT_NE(guests.get<std::string>().find("lets guests"), std::string::npos) << guests;
+    EXPECT_EQ(answer("shares remove Docs --yes")["changed"], true) << "the section has no record";
+    EXPECT_EQ(answer("history")["history"].front()["outcome"], "done");
+}
+
 TEST_F(Commands, PrintForProgramsWhatTheApplicationShows) {
     const fs::path other = test_.root() / "Other";
     fs::create_directories(other);

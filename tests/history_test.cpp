@@ -69,7 +69,7 @@ class HistoryTest : public DrawnState {
         if (!plan.isOk() || !plan->refusal.empty()) {
             return plan.isOk() ? plan->refusal : plan.status().text();
         }
-        std::string failure;
+        std::string failure = "given up";
         NSApp().dispatch([&] {
             failure = history->undo(*plan).text();
             reviewer->rereadEverything();
@@ -217,6 +217,39 @@ TEST_P(OneUndo, IsRefusedWhileTheDirectoryCannotBeRead) {
     EXPECT_TRUE(host.runs.empty());
     std::filesystem::rename(store.string() + ".away", store);
     EXPECT_EQ(undo(), "");
+}
+
+TEST_P(OneUndo, KeepsWhatSomebodyElseWroteToSmbConfMeanwhile) {
+    host.onRun = [this](const RecordedRun& run) {
+        writeConf("[Music]\n");
+        return carryOutAll(run);
+    };
+    addStaff();
+    host.onRun = [this](const RecordedRun& run) { return carryOutAll(run); };
+    EXPECT_EQ(undo(), "");
+    EXPECT_EQ(conf(), "[Music]\n");
+}
+
+TEST_P(OneUndo, ThatWasGivenUpHalfWayHasFailedAndIsRepeatedAsPlanned) {
+    addShare("Docs", folder("docs"));
+    writeConf("[Docs]\npath = " + folder("docs") + "\n");
+    host.allowUnaskedAlerts();
+    beginWithHistory();
+    selectRow(*app().normalTableView, "ShareName", "Docs");
+    const auto before = state();
+    act("deleteShare:");
+    host.onRun = [this](const RecordedRun& run) {
+        return run.tool == "/bin/cp" ? throw std::runtime_error("no such button") : carryOutAll(run);
+    };
+    EXPECT_EQ(undo(), "given up");
+    host.onRun = [this](const RecordedRun& run) { return carryOutAll(run); };
+    EXPECT_EQ(history->titleOfNextUndo(), "Share \"Docs\" deleted");
+    EXPECT_EQ(reviewer->planUndo(*history->describeUndo({})).failure, "");
+    EXPECT_EQ(undo(), "");
+    EXPECT_EQ(state(), before);
+    EXPECT_EQ(titles(), (std::vector<std::string>{"3 Taken back: Share \"Docs\" deleted done",
+                                                  "2 Taken back: Share \"Docs\" deleted failed",
+                                                  "1 Share \"Docs\" deleted undone"}));
 }
 
 TEST_P(OneUndo, ADamagedEntryIsNamedAndHidesNoOther) {

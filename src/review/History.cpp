@@ -23,9 +23,12 @@ History::History(platform::Services& services) {
 
 namespace {
 
-/// Whether undo without a number means this one. An undo that found everything as before has changed nothing.
+/// Whether undo without a number means this one. An undo that found everything as before has changed nothing,
+/// and one that has failed is to be repeated: what it was to undo is next.
 bool isNextToUndo(const HistoryEntry& entry) {
-    return !entry.isUndone && (entry.undoes == 0 || entry.isDamaged || entry.canComeBack());
+    const bool mayBeNext =
+        entry.undoes == 0 || (!entry.hasFailed && (entry.isDamaged || entry.canComeBack()));
+    return !entry.isUndone && mayBeNext;
 }
 
 void showAlert(const std::string& title, const std::string& message) {
@@ -115,8 +118,8 @@ Status History::undo(const UndoPlan& plan) const {
     }
     recorder_->beginUndo(now->entry.number, now->title);
     Status status = carryOut(*now);
-    if (!status.isOk()) {
-        recorder_->failUndo();
+    if (status.isOk()) {
+        recorder_->endUndo();
     }
     return status;
 }

@@ -8,6 +8,7 @@
 #include "platform/netinfo/LocalDomain.h"
 #include "platform/netinfo/StoreCopy.h"
 #include "platform/posix/TemporaryFolder.h"
+#include "review/RunOutcome.h"
 
 #include <algorithm>
 #include <cmath>
@@ -66,8 +67,8 @@ std::optional<std::string> settingsBytes(const std::string& path) {
     return bytes.isOk() ? std::optional(std::move(*bytes)) : std::nullopt;
 }
 
-/// What runs can change, in its state before the action's first run. The directory is copied, because nobody
-/// can read it while runs of an action are pending.
+/// The directory before the action's first run: a copy, because nobody can read it while runs of an action
+/// are pending.
 class Recorder::Before {
   public:
     Before() : folder_(platform::TemporaryFolder::makeInMemory("before")) {
@@ -83,10 +84,6 @@ class Recorder::Before {
 
     // The following only if the status is ok.
     [[nodiscard]] std::string directoryFile() const { return folder_->path() + "/directory.db"; }
-
-    std::vector<FileChange> files = {
-        {systempath::smbConf, settingsBytes(systempath::smbConf), std::nullopt},
-        {systempath::appleFileServer, settingsBytes(systempath::appleFileServer), std::nullopt}};
 
   private:
     platform::Result<platform::TemporaryFolder> folder_;
@@ -133,12 +130,26 @@ OSStatus Recorder::execute(platform::AuthorizationSession& session, const std::s
     run.hasFailed = status != errAuthorizationSuccess;
     if (!run.hasFailed && output != nullptr) {
         run.output = *output;
-        run.hasFailed = !output->empty(); // a tool that writes something has failed
+        run.hasFailed = meansFailure(tool, arguments, *output);
     }
     setsPassword_ = setsPassword_ || (tool == systempath::dscl && !run.hasFailed);
     entry_.hasFailed = entry_.hasFailed || run.hasFailed;
     entry_.runs.push_back(std::move(run));
+    if (tool == systempath::cp && !arguments.empty()) {
+        // At once: what somebody else writes to the file later is no part of this action.
+        fileAt(arguments.back()).after = settingsBytes(arguments.back());
+    }
     return status;
+}
+
+FileChange& Recorder::fileAt(const std::string& path) {
+    const auto found = std::ranges::find(entry_.files, path, &FileChange::path);
+    if (found != entry_.files.end()) {
+        return *found;
+    }
+    const auto now = settingsBytes(path);
+    entry_.files.push_back({path, now, now});
+    return entry_.files.back();
 }
 
 void Recorder::note(const std::string& tool, std::span<const std::string> arguments) {
@@ -154,6 +165,8 @@ void Recorder::note(const std::string& tool, std::span<const std::string> argume
                 noteRecord(change->path.substr(0, change->path.rfind('/') + 1) + change->values.front());
             }
         }
+    } else if (tool == systempath::cp && !arguments.empty()) {
+        fileAt(arguments.back());
     } else if ((tool == systempath::chown || tool == systempath::chmod) && arguments.size() == 2) {
         const std::string& path = arguments[1];
         const auto state = folderStateOf(path);
@@ -194,6 +207,7 @@ void Recorder::endAction() {
 void Recorder::beginUndo(std::int64_t undone, std::string title) {
     entry_.undoes = undone;
     entry_.title = std::move(title);
+    undoFailed_ = true;
 }
 
 bool Recorder::addRecords() {
@@ -211,23 +225,14 @@ bool Recorder::addRecords() {
     return true;
 }
 
-void Recorder::addFiles() {
-    for (FileChange& file : before_->files) {
-        file.after = settingsBytes(file.path);
-        if (file.before != file.after) {
-            entry_.files.push_back(std::move(file));
-        }
-    }
-}
-
 void Recorder::finish() {
     if (before_) {
         if (!addRecords()) {
             NSLog("What this action has changed is not kept in the history: the directory cannot be read");
             return;
         }
-        addFiles();
     }
+    std::erase_if(entry_.files, [](const FileChange& file) { return file.before == file.after; });
     for (FolderStep& folder : entry_.folders) {
         folder.after = folderStateOf(folder.path).value_or(folder.before);
     }

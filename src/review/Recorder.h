@@ -12,9 +12,9 @@
 
 namespace review {
 
-/// Wraps a host's authority and records what each action changes: at the action's first run it copies
-/// everything that runs can change, and at the action's end compares. A failure to record is logged, but does
-/// not stop the action.
+/// Wraps a host's authority and records what each action changes: at the action's first run it copies the
+/// directory, before a run that changes a settings file or a folder it remembers that, and at the action's
+/// end compares. A failure to record is logged, but does not stop the action.
 class Recorder : public platform::Authority, public platform::PendingWrites {
   public:
     /// `services` are those of the host that will use this recorder.
@@ -32,7 +32,8 @@ class Recorder : public platform::Authority, public platform::PendingWrites {
     void takeBack() override;
     void endAction() override;
 
-    /// The current action undoes the entry number `undone`; its own entry gets this title.
+    /// The current action undoes the entry number `undone`; its own entry gets this title. It has failed
+    /// unless endUndo() is called.
     void beginUndo(std::int64_t undone, std::string title);
 
     /// Refuses all further runs until the current action has ended, except the run that has been announced if
@@ -42,8 +43,8 @@ class Recorder : public platform::Authority, public platform::PendingWrites {
         finishesRun_ = madeStill;
     }
 
-    /// The undo did not get to its end.
-    void failUndo() { undoFailed_ = true; }
+    /// The undo got to its end.
+    void endUndo() { undoFailed_ = false; }
 
     [[nodiscard]] const HistoryStore& store() const { return store_; }
 
@@ -51,12 +52,13 @@ class Recorder : public platform::Authority, public platform::PendingWrites {
     [[nodiscard]] std::optional<HistoryEntry> takeAdded() { return std::exchange(added_, std::nullopt); }
 
   private:
-    class Before; // what runs can change, before the action's first run
+    class Before; // the directory before the action's first run
 
     void note(const std::string& tool, std::span<const std::string> arguments);
+    /// What entry_ says of the settings file; added as it is now if it is not there yet.
+    FileChange& fileAt(const std::string& path);
     /// False, with nothing added, when the directory cannot be read now.
     [[nodiscard]] bool addRecords();
-    void addFiles();
     void finish();
 
     std::shared_ptr<platform::Authority> authority_;

@@ -115,7 +115,8 @@ Plan Reviewer::planMigration() const {
 Plan Reviewer::planUndo(const UndoPlan& undo) const {
     platform::Status status;
     const auto action = [&undo, &status](const Rehearsal& /*rehearsal*/) { status = carryOut(undo); };
-    Plan plan = planOfUndo(main_, action, undo.records.empty() && undo.folders.empty());
+    // Carrying out checks the entry's records even if they are all as before already.
+    Plan plan = planOfUndo(main_, action, undo.entry.records.empty() && undo.folders.empty());
     if (!status.isOk() && plan.blocks.empty() && plan.failure.empty()) {
         plan.failure = status.text();
     }

@@ -115,7 +115,7 @@ class Change {
     Status removeRecord() {
         const auto record = store_.find(path_);
         if (!record) {
-            return refused("there is no such record; nothing was deleted");
+            return refused(std::string(nothingToDelete));
         }
         losesPassword_ = isUser() && !otherUser(path_.back());
         store_.removeRecord(*record);

@@ -3,6 +3,7 @@
 #include "frontends/cli/Terminal.h"
 #include "platform/foundation/NSBundle.h"
 #include "platform/foundation/SystemPaths.h"
+#include "review/RunOutcome.h"
 
 #include <utility>
 
@@ -62,14 +63,25 @@ void CommandPresenter::editWasRefused(const NSTextField& /*field*/, const std::s
     faults_.push_back(errorText);
 }
 
-void CommandPresenter::toolWillRun(const std::string& tool, std::span<const std::string> /*arguments*/) {
+void CommandPresenter::beep() {
+    if (!std::exchange(expectsBeep_, false)) {
+        hasBeeped_ = hasBegun_;
+    }
+}
+
+void CommandPresenter::toolWillRun(const std::string& tool, std::span<const std::string> arguments) {
     wasRefused_ = false;
+    run_ = {tool, {arguments.begin(), arguments.end()}, ""};
     isTelling_ = tool == platform::systempath::smbstatus;
     runs_ += isTelling_ ? 0 : 1; // that one only writes what it was asked for, and changes nothing
 }
 
 void CommandPresenter::toolDidWrite(std::string_view output) {
     if (isTelling_) {
+        return;
+    }
+    if (!review::meansFailure(run_.tool, run_.arguments, output)) {
+        expectsBeep_ = true;
         return;
     }
     faults_.emplace_back(output.substr(0, output.find_last_not_of('\n') + 1));

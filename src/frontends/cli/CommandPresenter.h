@@ -2,6 +2,7 @@
 
 #include "platform/appkit/Interface.h"
 #include "platform/appkit/SilentPresenter.h"
+#include "review/Plan.h"
 
 #include <optional>
 #include <string>
@@ -24,7 +25,7 @@ class CommandPresenter : public platform::SilentPresenter {
     [[nodiscard]] std::optional<platform::AdministratorAnswer>
     runAdministratorDialog(const platform::AdministratorRequest& request) override;
 
-    void beep() override { hasBeeped_ = hasBegun_; }
+    void beep() override;
 
     void interfaceDidLoad(platform::Interface& interface) override;
 
@@ -61,7 +62,9 @@ class CommandPresenter : public platform::SilentPresenter {
     bool hasBeeped_ = false;
     bool wasRefused_ = false;
     bool wasDeclined_ = false;
-    bool isTelling_ = false; ///< the present tool run changes nothing
+    bool isTelling_ = false;   ///< the present tool run changes nothing
+    bool expectsBeep_ = false; ///< the application is about to beep for a run that has not failed
+    review::PlannedRun run_;   ///< the present tool run
     std::optional<std::string> choice_;
     std::optional<std::string> unanswered_;
     int runs_ = 0;

@@ -1,4 +1,5 @@
 #include "frontends/cli/CommandRun.h"
+#include "platform/appkit/NSAlert.h"
 #include "platform/foundation/NSBundle.h"
 
 #include <memory>
@@ -28,6 +29,24 @@ void history(CommandRun& run) {
     }
 }
 
+/// Asks if something will not be restored.
+bool isAgreedTo(CommandRun& run, const review::UndoPlan& plan) {
+    if (plan.losses.empty()) {
+        return true;
+    }
+    std::string text;
+    for (const std::string& loss : plan.losses) {
+        text += loss + "  ";
+    }
+    bool isAgreed = false;
+    run.perform([&] {
+        isAgreed = NSRunAlertPanel(NSLocalizedString("Undo"), "%@", NSLocalizedString("Yes"),
+                                   NSLocalizedString("No"), std::nullopt,
+                                   text + plan.question) == NSAlertDefaultReturn;
+    });
+    return isAgreed;
+}
+
 void undo(CommandRun& run, std::optional<std::int64_t> number) {
     const auto plan = run.context().history.describeUndo(number);
     if (!plan.isOk()) {
@@ -42,11 +61,17 @@ void undo(CommandRun& run, std::optional<std::int64_t> number) {
         run.say(loss);
     }
     run.result()["losses"] = plan->losses;
+    const review::Plan steps = run.context().reviewer->planUndo(*plan);
     if (run.context().options.isDryRun) {
-        const review::Plan steps = run.context().reviewer->planUndo(*plan);
         if (!steps.runs.empty() || !steps.failure.empty()) { // otherwise everything is as before already
             run.showPlan(steps);
         }
+        return;
+    }
+    if (!steps.blocks.empty()) {
+        CommandRun::fail(steps.blocks.front().sentence);
+    }
+    if (!isAgreedTo(run, *plan)) {
         return;
     }
     std::optional<platform::Status> status;

@@ -1,7 +1,9 @@
 #include "frontends/cli/CommandRun.h"
+#include "model/ServerSettings.h"
 #include "platform/foundation/NSBundle.h"
 #include "platform/foundation/NSString.h"
 
+#include <algorithm>
 #include <array>
 #include <filesystem>
 #include <memory>
@@ -16,6 +18,8 @@ constexpr const char* table = "normalTableView";
 constexpr std::array<const char*, 4> privileges{"rw", "r", "w", "none"};
 /// What the list shows for the same privileges.
 constexpr std::array<const char*, 4> shownPrivileges{"r/w", "r", "w", ""};
+
+constexpr const char* unpublished = "not published";
 
 struct ShareOptions {
     std::string name;
@@ -63,7 +67,7 @@ JSON shareAt(const CommandRun& run, int row) {
 std::string protocolsOf(const JSON& share) {
     const bool smb = share["smb"];
     const bool afp = share["afp"];
-    return smb && afp ? "SMB and AFP" : smb ? "SMB" : afp ? "AFP" : "not published";
+    return smb && afp ? "SMB and AFP" : smb ? "SMB" : afp ? "AFP" : unpublished;
 }
 
 void list(CommandRun& run) {
@@ -156,13 +160,34 @@ void add(CommandRun& run, ShareOptions options) {
         CommandRun::fail(stringWithFormat(
             NSLocalizedString("a different share \"%@\" already exists; use shares set"), options.name));
     }
+    if (row >= 0 && !options.smb && !options.afp && protocolsOf(shareAt(run, row)) == unpublished) {
+        run.setIndex("sharingSMB", 1); // an earlier attempt to add it stopped half way
+    }
     write(run, options);
+}
+
+/// Fails if the server still lets guests use the share: the list knows only one of that setting's spellings.
+void requireNoGuests(const CommandRun& run, const std::string& name) {
+    const review::Reviewer& reviewer = *run.context().reviewer;
+    const auto& entries = reviewer.smbConf()->Entries();
+    const auto section = std::ranges::find_if(
+        entries, [&](const auto& entry) { return entry->Type() == SMBGroup && entry->ShareName() == name; });
+    if (section != entries.end() && serverFlag(**section, "guest ok", false)) {
+        const auto readings = reviewer.otherReadings();
+        const auto reading = readings.find(name);
+        CommandRun::fail(
+            stringWithFormat(NSLocalizedString("the server still lets guests use the share \"%@\".  %@"),
+                             name, reading == readings.end() ? std::string() : reading->second));
+    }
 }
 
 void set(CommandRun& run, const ShareOptions& options) {
     run.selectRows(table, {requireRow(run, options.name)});
     fill(run, options);
     write(run, options);
+    if (options.guests == false && !run.context().options.isDryRun) {
+        requireNoGuests(run, options.name);
+    }
 }
 
 void remove(CommandRun& run, const ShareOptions& options) {

@@ -6,6 +6,7 @@
 #include "platform/foundation/NSString.h"
 #include "platform/posix/Secret.h"
 #include "privileged/NiutilTask.h"
+#include "review/DirectoryState.h"
 
 #include <memory>
 #include <utility>
@@ -153,6 +154,10 @@ void set(CommandRun& run, const UserOptions& options) {
 }
 
 void remove(CommandRun& run, const UserOptions& options) {
+    if (run.rowOf(table, "User", options.name) < 0 && review::hasRecord("/users/" + options.name)) {
+        CommandRun::fail(stringWithFormat(
+            NSLocalizedString("the user \"%@\" is one of the system's and is not deleted"), options.name));
+    }
     run.selectToRemove(table, "User", options.name);
     run.press("deleteUserButton");
 }

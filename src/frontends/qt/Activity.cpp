@@ -3,7 +3,7 @@
 #include "frontends/qt/Binding.h"
 #include "platform/foundation/NSBundle.h"
 #include "platform/foundation/SystemPaths.h"
-#include "review/Plan.h"
+#include "review/RunOutcome.h"
 
 #include <utility>
 
@@ -34,6 +34,7 @@ void Activity::add(ActivityEntry::Kind kind, std::string text) {
 
 void Activity::toolWillRun(const std::string& tool, std::span<const std::string> arguments) {
     add(ActivityEntry::Kind::Run, review::runText(tool, arguments));
+    run_ = {tool, {arguments.begin(), arguments.end()}, ""};
     readsOutput_ = tool == platform::systempath::smbstatus;
     runs_ += readsOutput_ ? 0 : 1;
 }
@@ -55,19 +56,27 @@ void Activity::toolDidWrite(std::string_view output) {
         entries_.back().hasFailed = output.starts_with("smbstatus: "); // the prefix of its error messages
         return;
     }
-    entries_.back().hasFailed = true; // these tools write nothing when they succeed
+    if (!review::meansFailure(run_.tool, run_.arguments, output)) {
+        expectsBeep_ = true;
+        return;
+    }
+    entries_.back().hasFailed = true;
     noteFailure(entries_.back().output);
 }
 
-void Activity::beeped() {
+bool Activity::beeped() {
+    if (std::exchange(expectsBeep_, false)) {
+        return false;
+    }
     if (leavesOut_) {
-        return;
+        return true;
     }
     // A run that could not be started writes nothing.
     if (!entries_.empty() && entries_.back().kind == ActivityEntry::Kind::Run) {
         entries_.back().hasFailed = true;
     }
     beepWaits_ = true;
+    return true;
 }
 
 void Activity::logged(std::string_view text) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/foundation/Services.h"
+#include "review/Plan.h"
 
 #include <QDateTime>
 #include <QString>
@@ -34,7 +35,8 @@ class Activity {
     void toolWillRun(const std::string& tool, std::span<const std::string> arguments);
     void toolDidWrite(std::string_view output);
     void logged(std::string_view text);
-    void beeped();
+    /// Returns false if nobody needs to hear it, because what it is about has not failed.
+    [[nodiscard]] bool beeped();
 
     /// Notes that a field's formatter has refused what was typed.
     void editWasRefused() { isEditRefused_ = true; }
@@ -86,7 +88,9 @@ class Activity {
     bool isRefused_ = false;
     bool isEditRefused_ = false;
     bool leavesOut_ = false;
-    bool readsOutput_ = false; ///< the last run only reads: its output is not a complaint
+    review::PlannedRun run_;   ///< the last run
+    bool readsOutput_ = false; ///< it only reads: its output is not a complaint
+    bool expectsBeep_ = false; ///< the application is about to beep for a run that has not failed
     bool beepWaits_ = false;   ///< a beep waits for the line that explains it
     std::string failure_;
     std::string reason_;

@@ -181,11 +181,11 @@ bool QtPresenter::refusalHolds() const {
 }
 
 void QtPresenter::beep() {
-    activity_.beeped();
+    const bool isForPerson = activity_.beeped();
     if (queue_ && !queue_->isInEvent()) { // a refused key
         activity_.endEvent();
     }
-    if (asks() && activity_.stopOfEvent().empty()) { // no beep for what the user has stopped
+    if (isForPerson && asks() && activity_.stopOfEvent().empty()) { // no beep for what the user has stopped
         QApplication::beep();
     }
 }
