@@ -81,7 +81,7 @@ TEST_F(Doctor, NamesEachFaultAndTheCommandThatRepairsIt) {
     } cases[] = {
         {"folder-gone", "brindle shares add Gone FOLDER/Docs --yes && rmdir FOLDER/Docs", "",
          "/config/Brindle/Gone", "Gone"},
-        {"folder-gone", "true", "[Deep]\npath = FOLDER/no/such\n", "[Deep]", "Deep"},
+        {"folder-gone", "true", "[Deep]\npath = \"FOLDER/no/such\"\n", "[Deep]", "Deep"},
         {"relative-folder", "true", "[Near]\n  Path = no/such\n", "[Near]", "Near"},
         {"relative-folder",
          "mkdir FOLDER/Far && brindle shares add Far FOLDER/Far --yes && nicl --root $BRINDLE_ROOT . -create "

@@ -120,15 +120,11 @@ TEST_F(Surprises, ASectionThatKeepsAnotherFolderIsNamedWithTheWayOut) {
         send("createShare:");
     }
     EXPECT_NE(host.read("etc/smb.conf").find("[Docs]\npath = " + films + "\n"), std::string::npos);
-    for (const auto& [path, advice] :
-         {std::pair(std::string("/elsewhere"), "delete the share"), {"\"" + films + "\"", ""}}) {
-        writeConf("[Docs]\npath = " + path + "\n");
-        reviewer->reread();
-        selectShare("Docs");
-        choose("sharingSMB", 1);
-        const std::string now = sentence("createShare:", "section-keeps-folder");
-        EXPECT_TRUE(*advice == '\0' ? now.empty() : now.find(advice) != std::string::npos) << now;
-    }
+    writeConf("[Docs]\npath = /elsewhere\n");
+    reviewer->reread();
+    selectShare("Docs");
+    choose("sharingSMB", 1);
+    EXPECT_NE(sentence("createShare:", "section-keeps-folder").find("delete the share"), std::string::npos);
 }
 
 TEST_F(Surprises, ARecordRemovedUnaskedIsNamed) {
@@ -360,6 +356,8 @@ TEST_F(Surprises, WhatOurToolsWouldCertainlyRefuseIsBlockedBeforeTheFirstRun) {
     type("shareName", "New");
     type("directory", "/ends in\\");
     expectBlocked("createShare:", "folder", "\"/ends in\\\"");
+    type("directory", "\"" + films + "\"");
+    expectBlocked("createShare:", "folder", "quotes");
     type("directory", films);
     type("smbServerInfoString", "ends in\\ ");
     expectBlocked("updateSMBProperties:", "text", "\"server string\"");

@@ -1,5 +1,7 @@
 #include "access/FolderPath.h"
 
+#include "model/ServerSettings.h"
+
 #include <array>
 #include <cerrno>
 #include <climits>
@@ -16,6 +18,7 @@ constexpr int mostLinks = 40; // the kernel's limit: path_resolution(7)
 
 std::optional<std::string> expandedPath(std::string_view path, const std::string& share,
                                         const std::string& user) {
+    path = serverText(path);
     std::string result;
     for (std::size_t index = 0; index < path.size(); ++index) {
         if (path[index] != '%') {

@@ -7,8 +7,8 @@
 
 namespace accesscheck {
 
-/// Returns a share's path with the server's variables for the share (%S) and the user (%u, %U) filled in;
-/// none when it contains any other (smb.conf(5), "VARIABLE SUBSTITUTIONS").
+/// Returns a share's path with the server's variables for the share (%S) and the user (%u, %U) filled in,
+/// and without quotes around it; none when it contains any other (smb.conf(5), "VARIABLE SUBSTITUTIONS").
 [[nodiscard]] std::optional<std::string> expandedPath(std::string_view path, const std::string& share,
                                                       const std::string& user);
 

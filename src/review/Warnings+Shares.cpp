@@ -65,10 +65,10 @@ std::vector<const SMBShare*> removedSections(const SMBConf& before, const SMBCon
     return removed;
 }
 
-/// The folder that the server takes the section for; empty when it names none.
+/// The section's folder as it is written; empty when it names none.
 std::string folderOf(const SMBShare& section) {
     const ServerSetting path = serverSetting(section, "path");
-    return path.pair == nullptr ? std::string() : std::string(serverText(path.pair->Value.view()));
+    return path.pair == nullptr ? std::string() : path.pair->Value.str();
 }
 
 const SMBShare* sectionNamed(const SMBConf& conf, const std::string& name) {
@@ -127,7 +127,7 @@ class ShareWarnings {
                      "The section [%@] of smb.conf is removed, with settings that Brindle did not write: %@.",
                      name, joined(parts));
             }
-            if (sectionFolder != serverText(folder_)) {
+            if (sectionFolder != folder_) {
                 warn("section-removed",
                      "The section [%@] of smb.conf is removed, although it shares another folder than the "
                      "editor shows: \"%@\".",
@@ -245,7 +245,7 @@ class ShareWarnings {
     /// Warns if the section stays another folder's, because an update never writes its path.
     void addKeptFolder(const SMBShare& section) {
         const std::string kept = folderOf(section);
-        if (kept == serverText(folder_)) {
+        if (kept == folder_) {
             return;
         }
         const std::string statement =
@@ -258,7 +258,7 @@ class ShareWarnings {
                                    kept, name_);
         // Where record and section differ already, SMB is off in the editor.
         const std::string recorded = situation_.directoryBefore.value(sharePath(name_), "directory_path");
-        const bool differs = !recorded.empty() && kept != serverText(recorded);
+        const bool differs = !recorded.empty() && kept != recorded;
         const std::string advice = NSLocalizedString(
             differs ? "To change that, delete the share and make it again; guest access and settings written "
                       "by hand are lost."
