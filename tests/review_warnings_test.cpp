@@ -293,6 +293,11 @@ TEST_F(Surprises, GuestsWhoMayWriteAndManyAccountsAreReported) {
     choose("sharingSMB", 1);
     click("guestAccessButton");
     EXPECT_EQ(warningsOf("createShare:"), "guests-write");
+    writeConf("[Docs]\npath = " + docs + "\n");
+    reviewer->reread();
+    selectShare("Docs");
+    choose("everyonePrivs", 0);
+    EXPECT_EQ(warningsOf("createShare:"), "read-only-section");
     for (int user = 0; user < 20; ++user) {
         addUser("u" + std::to_string(user), std::to_string(600 + user));
     }

@@ -235,9 +235,27 @@ class ShareWarnings {
             addUntouchedFlag(*before, *after, "guest ok", *now_.guestAccessButton);
             addKeptFolder(*after);
         }
+        addUselessRights(*after);
         if (guestsWrite(after) && !guestsWrite(before)) {
             warn("guests-write",
                  "Anybody on the network may change the files of the share \"%@\" without a password.",
+                 name_);
+        }
+    }
+
+    /// Warns if people get the right to write to the folder, and the server does not let them use it.
+    void addUselessRights(const SMBShare& section) {
+        constexpr mode_t writing = 0222;
+        const bool adds = std::ranges::any_of(situation_.plan.folders, [](const FolderChange& folder) {
+            return (folder.modeAfter & ~folder.modeBefore & writing) != 0;
+        });
+        const bool letsSomeWrite =
+            serverSetting(section, "write list").pair != nullptr || !serverFlag(section, "read only", true);
+        if (adds && !letsSomeWrite) {
+            warn("read-only-section",
+                 "Nobody may write to the share \"%@\" over SMB all the same: its section of smb.conf does "
+                 "not "
+                 "say \"read only = no\".",
                  name_);
         }
     }
