@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <fstream>
 #include <map>
 #include <regex>
 #include <sstream>
@@ -89,7 +90,7 @@ TEST_P(CommandsInALanguage, ChangeOnlyWhatDiffersAndNothingTwice) {
         {docs, ""}, // the first share of a new root is nothing to ask about
         {"shares set Docs --group-may none --afp --yes", ""},
         {"groups add crew --gid 7200 --yes", ""},
-        {"users add ann --full-name Ann --uid 7201 --group crew --password-stdin --yes", "Wonderland1\n"},
+        {"users add ann --full-name Ann --uid 7201 --group crew --password-stdin --yes", "Wonderland1\r\n"},
         {"users set ann --full-name Anna --yes", ""},
         {"groups leave crew ann --yes", ""},
         {"groups join crew ann --yes", ""},
@@ -144,6 +145,30 @@ TEST_P(CommandsInALanguage, ChangeOnlyWhatDiffersAndNothingTwice) {
     EXPECT_EQ(answer("shares list")["shares"].size(), 1U);
     EXPECT_EQ(answer("history")["history"].front()["outcome"], "done");
     EXPECT_EQ(command("--print groups").output.substr(0, 8), "Group ID");
+}
+
+TEST_F(Commands, CannotTellTheAccessToWhatBrindleDoesNotRead) {
+    answer("shares add Docs " + folder().string() + " --smb --yes");
+    std::ofstream(test_.root() / "computer/etc/smb.conf", std::ios::app)
+        << "[Scans] \npath = /tmp\nread only = no\n[homes]\n";
+    for (const char* share : {"scans", "Docs", "root"}) {
+        EXPECT_EQ(answer("check-access " + std::string(share) + " root")["reason"]["code"], "cannot-tell");
+    }
+    EXPECT_EQ(answer("check-access Nothing root")["reason"]["code"], "not-published");
+}
+
+TEST_F(Commands, ThatWriteAtOnceLoseNothing) {
+    const std::string add = std::string(BRINDLE_PROGRAMS "/brindle --root ") +
+                            (test_.root() / "computer").string() + " shares add --yes --smb Share$each " +
+                            folder().string();
+    const Finished finished =
+        runProgram({"/bin/sh", "-c", "for each in 1 2 3 4 5; do " + add + " & done; wait"}, {},
+                   {"HOME=" + test_.home().string(), "LC_ALL=C"});
+    EXPECT_EQ(finished.output, "changed\nchanged\nchanged\nchanged\nchanged\n") << finished.errors;
+    for (const char* name : {"1", "2", "3", "4", "5"}) {
+        EXPECT_TRUE(test_.read("computer/etc/smb.conf").find("[Share" + std::string(name) + "]") !=
+                    std::string::npos);
+    }
 }
 
 TEST_F(Commands, SpeakThePersonsLanguage) {

@@ -108,6 +108,7 @@ TEST_F(Doctor, NamesEachFaultAndTheCommandThatRepairsIt) {
          "$BRINDLE_ROOT/etc/smb.conf",
          "", "[CASE]", "Case"},
         {"name-case", "true", "[Same]\npath = FOLDER/Docs\n[SAME]\npath = FOLDER/Docs\n", "[SAME]", "SAME"},
+        {"hidden-section", "true", "[Scans] ; new\npath = FOLDER/Docs\n", "/etc/smb.conf:", "Scans"},
         {"no-password", "brindle users add ann --uid 1500 --group root --no-password --yes", "", "ann",
          "ann"},
         {"public-folder-gone", "brindle public on ann --yes", "", "/Public", "ann"},

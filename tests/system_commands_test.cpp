@@ -51,6 +51,20 @@ TEST_F(SystemCommands, EndWithFourIfTheAdministratorRefusesAndChangeNothing) {
                          "would run /usr/sbin/service smbd enable"));
 }
 
+TEST_F(SystemCommands, RefuseAccountsThatTheComputerDoesNotTakeBeforeTheFirstRun) {
+    for (const auto& [words, part] : std::vector<std::pair<std::vector<std::string>, std::string>>{
+             {{"users", "add", "max m", "--group", "chief", "--no-password", "--yes"}, "with a blank"},
+             {{"users", "add", "x", "--uid", "33", "--group", "chief", "--no-password", "--yes"},
+              "has this number"},
+             {{"groups", "add", "two words", "--yes"}, "with a blank"},
+             {{"groups", "add", "x", "--gid", "33", "--yes"}, "has this number"}}) {
+        const Finished finished = command(words);
+        EXPECT_EQ(finished.status, 1) << finished.output;
+        EXPECT_TRUE(contains(finished.output, "cannot be used: ") && contains(finished.output, part))
+            << finished.output;
+    }
+}
+
 TEST_F(SystemCommands, ShowWhoIsConnectedAndDisconnectThroughTheHelper) {
     EXPECT_EQ(command({"shares", "add", "Docs", folder_, "--guests", "--everyone-may", "rw", "--yes"}).status,
               0);

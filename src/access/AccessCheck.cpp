@@ -109,6 +109,10 @@ bool AccessCheck::findShare(Visit& visit) {
         return visit.refuse("unreadable-file", conf_.unreadableReason(), server_.file);
     }
     visit.share = isServerGlobal(name) || isServerHomes(name) ? nullptr : shares_.find(name);
+    visit.answer.reason = visit.share == nullptr ? reasonElsewhere(name) : hiddenReason(name);
+    if (visit.answer.reason) {
+        return false;
+    }
     if (visit.share == nullptr) {
         return visit.refuse(
             "not-published", stringWithFormat(NSLocalizedString("\"%@\" is not shared over SMB."), name),
@@ -141,11 +145,6 @@ bool AccessCheck::findShare(Visit& visit) {
             section(visit), editRemedy("path"));
     }
     return true;
-}
-
-bool AccessCheck::mapsUnknownToGuest() const {
-    const std::string mapping = foldedSettingName(shares_.global().text("map to guest"));
-    return mapping.empty() ? server_.isOfRoot : mapping == "baduser" || mapping == "badpassword";
 }
 
 bool AccessCheck::logOn(Visit& visit) {
@@ -388,7 +387,8 @@ void AccessCheck::judgeFolder(Visit& visit) {
 }
 
 void AccessCheck::noteWhatIsNotJudged(Visit& visit) const {
-    for (const char* key : {"hosts allow", "hosts deny", "username map", "veto files", "max connections"}) {
+    for (const char* key :
+         {"hosts allow", "hosts deny", "username map", "veto files", "max connections", "include", "copy"}) {
         if (const auto value = visit.share->text(key); !value.empty()) {
             visit.answer.notes.push_back(
                 stringWithFormat(NSLocalizedString("\"%@ = %@\" was not taken into account."),

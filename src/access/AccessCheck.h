@@ -39,6 +39,10 @@ class AccessCheck {
     /// Each step returns false, with the reason in the visit, when access ends there.
     bool logOn(Visit& visit);
     bool findShare(Visit& visit);
+    /// Why a section that only the server sees leaves open what the share is; none when there is none.
+    [[nodiscard]] std::optional<Reason> hiddenReason(const std::string& share) const;
+    /// Where the server may have a share that is not in the model; none when nowhere.
+    [[nodiscard]] std::optional<Reason> reasonElsewhere(const std::string& share);
     bool enter(Visit& visit);
     bool becomeAccount(Visit& visit);
     bool walkTo(Visit& visit);

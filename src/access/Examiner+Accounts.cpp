@@ -1,5 +1,6 @@
 #include "access/Examiner.h"
 #include "directory/DirectoryView.h"
+#include "platform/foundation/Computer.h"
 #include "platform/foundation/Host.h"
 #include "platform/foundation/NSBundle.h"
 #include "platform/foundation/NSString.h"
@@ -43,6 +44,12 @@ std::string joined(const std::vector<std::string>& names) {
 bool exists(const std::string& file) {
     std::error_code ignored; // a path that cannot be looked at counts as missing
     return std::filesystem::exists(file, ignored);
+}
+
+/// False for an account of this computer whose Public folder is never offered, as a system account's.
+bool mayHavePublicFolder(const std::string& user) {
+    const auto& computer = platform::Host::current().services().computer;
+    return !computer || computer->whyNoPublicFolder(user).empty();
 }
 
 } // namespace
@@ -94,7 +101,7 @@ void Examiner::examineUser(const User& user) {
               .user = user.name});
     }
     const std::string folder = user.home + "/Public";
-    if (user.sharedFolder == "Public" && !exists(folder)) {
+    if (user.sharedFolder == "Public" && !exists(folder) && mayHavePublicFolder(user.name)) {
         find(
             {.code = "public-folder-gone",
              .text = stringWithFormat(

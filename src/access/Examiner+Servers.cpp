@@ -1,4 +1,5 @@
 #include "access/Examiner.h"
+#include "access/HiddenSection.h"
 #include "platform/foundation/Computer.h"
 #include "platform/foundation/Host.h"
 #include "platform/foundation/NSBundle.h"
@@ -63,6 +64,13 @@ void Examiner::examineSettings() {
               .where = smbConfFile_,
               .remedy = {}});
         return;
+    }
+    for (const SMBHiddenSection& hidden : conf_.hiddenSections()) {
+        find({.code = "hidden-section",
+              .text = sentenceAbout(hidden),
+              .where = smbConfFile_ + ":" + std::to_string(hidden.line),
+              .remedy = remedyFor(hidden, smbConfFile_, host_.root.has_value()),
+              .share = nameOf(hidden)});
     }
     const std::string text = conf_.textOnDisk();
     if (text.empty() || platform::sambaCommand("testparm").empty()) {

@@ -48,6 +48,35 @@ std::string ruleBrokenByTakenName(const std::string& name) {
     return "there is an account called " + name + "; choose another name";
 }
 
+constexpr std::size_t longestName = 32;
+
+/// Checks the rules that the computer's programs have for a new name. Some systems have stricter ones; these
+/// are kept by all.
+std::string ruleBrokenByNewName(const std::string& name) {
+    if (name.find(' ') != std::string::npos) {
+        return "this computer does not take a name with a blank for an account; leave it out";
+    }
+    if (name.find_first_of("-+~") == 0) {
+        return "this computer does not take a name that begins with -, + or ~ for an account; choose another "
+               "one";
+    }
+    return name.size() > longestName ? "this computer does not take a name of more than 32 bytes for an "
+                                       "account; choose a shorter one"
+                                     : "";
+}
+
+/// Checks that no other account has the number. `own` is null for an account that is about to be made.
+template <class Line>
+std::string ruleBrokenByTakenNumber(const std::vector<Line>& lines, unsigned Line::*member, unsigned number,
+                                    const Line* own) {
+    if (own != nullptr && own->*member == number) {
+        return {};
+    }
+    return std::ranges::find(lines, number, member) == lines.end()
+               ? ""
+               : "another account has this number; choose another one";
+}
+
 // Users.
 
 std::string ruleBrokenByUserOfSystem(const UserLine& line, bool isOurs,
@@ -71,7 +100,7 @@ std::string ruleBrokenByNewUser(const Request& request, const std::string& name)
             return stringWithFormat(ruleOfOtherUser, line.name);
         }
     }
-    return {};
+    return ruleBrokenByNewName(name);
 }
 
 std::string ruleBrokenByNumber(const Request& request, const UserLine* line) {
@@ -81,7 +110,9 @@ std::string ruleBrokenByNumber(const Request& request, const UserLine* line) {
     }
     if (request.change.property == "uid") {
         const bool isNew = line == nullptr || line->uid != *number;
-        return *number == 0 && isNew ? "number 0 is the system's administrator; choose another one" : "";
+        return *number == 0 && isNew
+                   ? "number 0 is the system's administrator; choose another one"
+                   : ruleBrokenByTakenNumber(request.accounts.users, &UserLine::uid, *number, line);
     }
     const GroupLine* group = request.accounts.findGroup(*number);
     const bool isNew = line == nullptr || line->gid != *number;
@@ -166,7 +197,7 @@ std::string ruleBrokenByGroupOfSystem(const Request& request, const GroupLine& l
 
 std::string ruleBrokenByNewGroup(const Request& request, const std::string& name) {
     const bool isTaken = name == platform::administratorsGroup || request.accounts.findGroup(name) != nullptr;
-    return isTaken ? ruleBrokenByTakenName(name) : "";
+    return isTaken ? ruleBrokenByTakenName(name) : ruleBrokenByNewName(name);
 }
 
 /// Checks whether the group's line can hold the values.
@@ -189,7 +220,9 @@ std::string ruleBrokenByGroupValues(const Request& request, const GroupLine* lin
         return "it is a number; give one";
     }
     const bool isNew = line == nullptr || line->gid != *number;
-    return *number == 0 && isNew ? "number 0 is the administrator's own group; choose another one" : "";
+    return *number == 0 && isNew
+               ? "number 0 is the administrator's own group; choose another one"
+               : ruleBrokenByTakenNumber(request.accounts.groups, &GroupLine::gid, *number, line);
 }
 
 bool keepsLine(const Request& request, const GroupLine& line) {

@@ -11,6 +11,7 @@
 #include "platform/foundation/Computer.h"
 #include "platform/foundation/NSBundle.h"
 #include "platform/foundation/NSString.h"
+#include "platform/foundation/WritersTurn.h"
 #include "platform/host/EmbeddedHost.h"
 #include "platform/host/EmbeddedRoot.h"
 #include "platform/host/InstalledFiles.h"
@@ -123,6 +124,13 @@ void tellWhatIsMissing() {
     }
 }
 
+/// Waits until no other process of this user's makes changes. Must come before smb.conf is read: what others
+/// write later would be lost.
+Status waitForTurn() {
+    return platform::Host::current().sharedInstance<platform::WritersTurn>().takeForGood(
+        platform::WritersTurn::runSeconds);
+}
+
 Result<int> runScript(const Options& options) {
     const bool readsStandardInput = options.script == "-";
     std::ifstream file;
@@ -153,7 +161,10 @@ Result<int> runScript(const Options& options) {
     frontend::ScriptRunner runner(
         options.script, readsStandardInput ? std::cin : file, output, presenter,
         [&] {
-            Status status = application.load();
+            Status status = waitForTurn(); // nothing while the script is carried out on copies
+            if (status.isOk()) {
+                status = application.load();
+            }
             if (status.isOk()) {
                 application.launch();
             }
@@ -309,6 +320,11 @@ Result<int> runCommand(const Options& options) {
     Application application(std::move(*services));
     const auto presenter = std::make_shared<frontend::CommandPresenter>(options.command.saysYes);
     application.setPresenter(presenter);
+    if (options.command.kind == frontend::CommandKind::Writing && !options.command.isDryRun) {
+        if (Status status = waitForTurn(); !status.isOk()) {
+            return status;
+        }
+    }
     if (options.command.needsApplication) {
         if (Status status = application.load(); !status.isOk()) {
             return status;

@@ -1,8 +1,10 @@
 #include "review/History.h"
 
 #include "platform/appkit/NSAlert.h"
+#include "platform/foundation/Host.h"
 #include "platform/foundation/NSBundle.h"
 #include "platform/foundation/NSString.h"
+#include "platform/foundation/WritersTurn.h"
 #include "privileged/NiutilTask.h"
 #include "review/Recorder.h"
 
@@ -109,6 +111,11 @@ Result<UndoPlan> History::describeUndo(std::optional<std::int64_t> number) const
 }
 
 Status History::undo(const UndoPlan& plan) const {
+    if (Status status = platform::Host::current().sharedInstance<platform::WritersTurn>().take(
+            platform::WritersTurn::actionSeconds);
+        !status.isOk()) {
+        return status;
+    }
     const auto now = describeUndo(plan.entry.number);
     if (!now.isOk()) {
         return now.status();

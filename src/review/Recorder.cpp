@@ -5,6 +5,7 @@
 #include "platform/foundation/NSFileManager.h"
 #include "platform/foundation/NSLog.h"
 #include "platform/foundation/SystemPaths.h"
+#include "platform/foundation/WritersTurn.h"
 #include "platform/netinfo/LocalDomain.h"
 #include "platform/netinfo/StoreCopy.h"
 #include "platform/posix/TemporaryFolder.h"
@@ -192,6 +193,7 @@ void Recorder::endAction() {
     if (pending_) {
         pending_->endAction();
     }
+    platform::Host::current().sharedInstance<platform::WritersTurn>().endAction();
     // An undo that needed no run, because everything was already as before, is recorded too.
     if (before_ ? before_->status().isOk() : entry_.undoes != 0 && !undoFailed_) {
         finish();

@@ -7,6 +7,7 @@
 #include "platform/foundation/Host.h"
 #include "platform/foundation/NSBundle.h"
 #include "platform/foundation/NSFileManager.h"
+#include "platform/foundation/WritersTurn.h"
 #include "review/Operations.h"
 #include "review/Planner.h"
 #include "review/ServerReading.h"
@@ -211,7 +212,16 @@ bool Reviewer::mayPerform(const NSControl& sender) const {
         showBlocked_(plan);
         return false;
     }
-    return !question_ || question_(plan);
+    if (question_ && !question_(plan)) {
+        return false;
+    }
+    const platform::Status status = platform::Host::current().sharedInstance<platform::WritersTurn>().take(
+        platform::WritersTurn::actionSeconds);
+    if (!status.isOk()) {
+        plan.blocks.push_back({"busy", status.text()});
+        showBlocked_(plan);
+    }
+    return status.isOk();
 }
 
 } // namespace review

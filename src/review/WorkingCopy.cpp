@@ -218,6 +218,7 @@ platform::Services WorkingCopy::services() {
     copied.authority = nullptr;
     copied.pendingWrites = std::make_shared<CopyWrites>(shared_from_this());
     copied.historyFile.clear();
+    copied.writersFile.clear();
     copied.paths = std::make_shared<CopiedPaths>(original_, folder_.path());
     copied.localDomain = std::make_shared<platform::CopiedDomain>(storeFile(), original_.localDomain);
     copied.folderForecast = folders_;

@@ -34,7 +34,10 @@ CLI::App* addCommand(CLI::App& parent, CommandOptions& options, const std::strin
         command->add_flag("--yes", options.saysYes, "Answer every confirmation with yes");
         command->add_flag("--dry-run", options.isDryRun, "Print what would be done, and do nothing");
     }
-    command->final_callback([&options, carryOut = std::move(carryOut)] { options.carryOut = carryOut; });
+    command->final_callback([&options, kind, carryOut = std::move(carryOut)] {
+        options.kind = kind;
+        options.carryOut = carryOut;
+    });
     return command;
 }
 

@@ -12,12 +12,15 @@ namespace frontend {
 
 class CommandRun;
 
+enum class CommandKind { Reading, Writing };
+
 /// The options of a command line that names a command.
 struct CommandOptions {
     std::function<void(CommandRun&)> carryOut; ///< empty when no command was named
     bool printsJSON = false;
     bool saysYes = false; ///< every confirmation is answered with yes
     bool isDryRun = false;
+    CommandKind kind = CommandKind::Reading;
     bool needsApplication = true; ///< false when the command only needs a host
 };
 
@@ -36,8 +39,6 @@ void addHistoryCommands(CLI::App& parser, CommandOptions& options);
 void addAccessCommands(CLI::App& parser, CommandOptions& options);
 void addSessionCommands(CLI::App& parser, CommandOptions& options);
 void addDoctorCommand(CLI::App& parser, CommandOptions& options);
-
-enum class CommandKind { Reading, Writing };
 
 /// Adds a noun, such as "shares", and returns its parser, which gets the commands.
 CLI::App* addNoun(CLI::App& parser, const std::string& name, const std::string& description);

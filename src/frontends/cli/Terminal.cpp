@@ -59,7 +59,13 @@ std::optional<std::string> firstLineOf(int descriptor) {
         if (count < 0 || (count == 0 && line.empty())) {
             return std::nullopt;
         }
-        if (count == 0 || character == '\n') {
+        if (count == 0) {
+            break;
+        }
+        if (character == '\n') {
+            if (line.ends_with('\r')) { // a file from Windows
+                line.pop_back();
+            }
             break;
         }
         line += character;

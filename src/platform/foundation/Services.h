@@ -122,6 +122,8 @@ struct Services {
     std::shared_ptr<FolderForecast> folderForecast; ///< null: folders are read as they are
     /// The file that records what actions have changed, so that it can be undone; empty: no record is kept.
     std::string historyFile;
+    /// The file whose lock is the right to change something (WritersTurn); empty: nobody else can.
+    std::string writersFile;
     /// Settings files are changed line by line, so that what somebody wrote by hand is kept; otherwise they
     /// are rewritten as a whole.
     bool keepsLayout = false;

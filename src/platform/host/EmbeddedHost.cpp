@@ -58,6 +58,7 @@ Result<Services> makeEmbeddedServices(const EmbeddedHostOptions& options) {
     services.authority = authority;
     services.pendingWrites = authority;
     services.historyFile = root.folder() + "/history.db";
+    services.writersFile = writersFileOf(home); // not the root's: all roots use the same temporary files
     services.languages = languagesFromEnvironment();
     return services;
 }

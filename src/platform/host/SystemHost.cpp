@@ -82,6 +82,7 @@ Services makeSystemServices(const SystemHostOptions& options) {
     useAuthority(services, options, helper);
     services.computer = std::make_shared<SystemComputer>(helper, services.localDomain);
     services.historyFile = historyFileOf(home);
+    services.writersFile = writersFileOf(home);
     services.keepsLayout = true;
     services.languages = languagesFromEnvironment();
     return services;

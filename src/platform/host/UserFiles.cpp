@@ -39,6 +39,10 @@ std::string historyFileOf(const std::string& home) {
     return folderOf("XDG_STATE_HOME", home + "/.local/state") + "/brindle/history.db";
 }
 
+std::string writersFileOf(const std::string& home) {
+    return folderOf("XDG_STATE_HOME", home + "/.local/state") + "/brindle/writing.lock";
+}
+
 UserPaths::UserPaths(std::string home, std::string defaultsFile, std::string resources)
     : home_(std::move(home)), defaultsFile_(std::move(defaultsFile)), resources_(std::move(resources)) {}
 

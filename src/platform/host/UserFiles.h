@@ -14,6 +14,7 @@ namespace platform {
 [[nodiscard]] std::string defaultsFileOf(const std::string& home);
 /// What the user has changed on this computer: `brindle/history.db` in $XDG_STATE_HOME or ~/.local/state.
 [[nodiscard]] std::string historyFileOf(const std::string& home);
+[[nodiscard]] std::string writersFileOf(const std::string& home);
 
 /// The paths that are the same on every host.
 class UserPaths : public Paths {
