@@ -164,6 +164,7 @@ TEST_F(Surprises, AFolderInTheWrongPlaceIsNamed) {
          std::vector<std::pair<std::string, std::string>>{{"/nowhere/at all", "no-folder"},
                                                           {"relative", "relative-folder"},
                                                           {"/etc", "system-folder"},
+                                                          {docs, "folder-shared-twice"},
                                                           {folder("docs/inside"), "folder-inside-share"}}) {
         type("directory", path);
         const std::string said = sentence("createShare:", code);

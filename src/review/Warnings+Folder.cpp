@@ -1,5 +1,6 @@
 #include "review/Warnings.h"
 
+#include "model/ServerSettings.h"
 #include "platform/foundation/Host.h"
 #include "tools/HelperFolders.h"
 
@@ -68,8 +69,9 @@ void addPlaceWarnings(const Situation& situation, const std::string& folder, std
                                    folder));
     }
     const std::set<Identity> around = foldersAround(real);
+    const auto own = identityOf(folder);
     for (const NormalShare& share : situation.before.currentShares()) {
-        const std::string& other = share.DirectoryPath();
+        const std::string other(serverText(share.DirectoryPath()));
         const bool isOther =
             share.ShareName() != situation.before.shareName->stringValue() && other.starts_with('/');
         const auto identity = isOther ? identityOf(other) : std::nullopt;
@@ -78,6 +80,11 @@ void addPlaceWarnings(const Situation& situation, const std::string& folder, std
                                        "The folder \"%@\" is inside the share \"%@\" (%@): whoever may use "
                                        "that share reaches it, too.",
                                        folder, share.ShareName(), other));
+        } else if (identity && identity == own) {
+            warnings->push_back(remark("folder-shared-twice",
+                                       "The folder \"%@\" is also the share \"%@\": whoever may use that "
+                                       "share reaches it, too.",
+                                       folder, share.ShareName()));
         }
     }
 }
