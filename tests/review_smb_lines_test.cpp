@@ -46,6 +46,27 @@ TEST_F(LinesOfSMBConf, ASectionThatOnlyTheServerSeesIsNamedAndStays) {
     EXPECT_NE(app().smbConfNotice->stringValue().find("takes line 8 of"), std::string::npos);
 }
 
+TEST_F(LinesOfSMBConf, ASectionThatKeepsAnotherFolderIsNamedWithTheWayOut) {
+    begin();
+    selectDocs();
+    const std::string films = folder("films");
+    type("directory", films);
+    const std::string said = sentence("createShare:", "section-keeps-folder");
+    EXPECT_NE(said.find("\"" + docs + "\" as \"Docs\""), std::string::npos) << said;
+    EXPECT_NE(said.find("\"Not Shared\""), std::string::npos) << said;
+    for (const int shared : {0, 1}) {
+        choose("sharingSMB", shared);
+        EXPECT_EQ(sentence("createShare:", "section-keeps-folder"), "");
+        send("createShare:");
+    }
+    EXPECT_NE(host.read("etc/smb.conf").find("[Docs]\npath = " + films + "\n"), std::string::npos);
+    writeConf("[Docs]\npath = /elsewhere\n");
+    reviewer->reread();
+    selectDocs();
+    choose("sharingSMB", 1);
+    EXPECT_NE(sentence("createShare:", "section-keeps-folder").find("delete the share"), std::string::npos);
+}
+
 TEST_F(LinesOfSMBConf, ASectionThatSomebodyElseHasAddedIsNamed) {
     begin();
     writeConf(conf("", "\n[New]\nvalid users = ann\n"));

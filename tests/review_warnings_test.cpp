@@ -107,26 +107,6 @@ TEST_F(Surprises, ASectionRemovedWithMoreThanTheEditorShowsIsNamed) {
     EXPECT_NE(warningsOf("createShare:").find("section-removed"), std::string::npos);
 }
 
-TEST_F(Surprises, ASectionThatKeepsAnotherFolderIsNamedWithTheWayOut) {
-    begin();
-    selectShare("Docs");
-    type("directory", films);
-    const std::string said = sentence("createShare:", "section-keeps-folder");
-    EXPECT_NE(said.find("\"" + docs + "\" as \"Docs\""), std::string::npos) << said;
-    EXPECT_NE(said.find("\"Not Shared\""), std::string::npos) << said;
-    for (const int shared : {0, 1}) {
-        choose("sharingSMB", shared);
-        EXPECT_EQ(sentence("createShare:", "section-keeps-folder"), "");
-        send("createShare:");
-    }
-    EXPECT_NE(host.read("etc/smb.conf").find("[Docs]\npath = " + films + "\n"), std::string::npos);
-    writeConf("[Docs]\npath = /elsewhere\n");
-    reviewer->reread();
-    selectShare("Docs");
-    choose("sharingSMB", 1);
-    EXPECT_NE(sentence("createShare:", "section-keeps-folder").find("delete the share"), std::string::npos);
-}
-
 TEST_F(Surprises, ARecordRemovedUnaskedIsNamed) {
     nicl({"-create", "/config/Brindle/Docs", "comment", "mine"});
     nicl({"-create", "/config/Brindle/Old"});
