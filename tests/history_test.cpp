@@ -2,6 +2,7 @@
 #include "platform/foundation/Host.h"
 #include "platform/foundation/SystemPaths.h"
 #include "review/History.h"
+#include "review/Recorder.h"
 #include "support/DrawnState.h"
 
 #include <array>
@@ -250,6 +251,30 @@ TEST_P(OneUndo, ThatWasGivenUpHalfWayHasFailedAndIsRepeatedAsPlanned) {
     EXPECT_EQ(titles(), (std::vector<std::string>{"3 Taken back: Share \"Docs\" deleted done",
                                                   "2 Taken back: Share \"Docs\" deleted failed",
                                                   "1 Share \"Docs\" deleted undone"}));
+}
+
+TEST_P(OneUndo, MindsWhoHasANumberOrAGroupNow) {
+    addUser("ann", "7201");
+    addUser("bob", "7301");
+    addStaff();
+    nicl({"-append", "/groups/crew", "users", "ann"});
+    const auto ann = DirectoryView(host.storeFile().string()).record("/users/ann");
+    const DirectoryView::Record eve = {{"name", {"eve"}}, {"uid", {"7201"}}};
+    const auto now = review::folderStateOf(host.root()).value();
+    const std::vector<review::HistoryEntry> none;
+    std::vector<review::HistoryEntry> later(1);
+    later[0].number = 2;
+    review::HistoryEntry entry;
+    entry.number = 1;
+    entry.folders = {{host.root(), {7201, now.group, now.mode, "bob:"}, now}};
+    EXPECT_EQ(planUndo(entry, none).folders.front().arguments.front(), "ann:");
+    entry.records = {{"/users/eve", eve, {}}};
+    later[0].records = {{"/users/ann", {}, ann}};
+    EXPECT_EQ(planUndo(entry, later).refusal, "eve cannot get the number 7201 back: ann has it now.");
+    EXPECT_EQ(planUndo(entry, none).losses.front(), "eve gets the number 7201 back, which ann has, too.");
+    entry.records = {{"/users/ann", {}, ann}};
+    later[0].records = {{"/groups/crew", eve, {{{"users", {"ann"}}}}}};
+    EXPECT_TRUE(planUndo(entry, later).refusal.starts_with("Later changes depend on it: 2"));
 }
 
 TEST_P(OneUndo, ADamagedEntryIsNamedAndHidesNoOther) {

@@ -3,19 +3,21 @@
 #include "directory/DirectoryRules.h"
 #include "platform/foundation/Host.h"
 #include "platform/foundation/NSBundle.h"
-#include "platform/foundation/NSFileManager.h"
-#include "platform/foundation/NSLog.h"
 #include "platform/foundation/NSString.h"
 #include "platform/foundation/SystemPaths.h"
 #include "platform/netinfo/LocalDomain.h"
-#include "platform/posix/WholeFile.h"
-#include "privileged/NiutilTask.h"
 #include "review/Recorder.h"
+#include "review/UndoAccounts.h"
+#include "review/UndoRuns.h"
 #include "tools/HelperFolders.h"
 
 #include <algorithm>
 #include <array>
 #include <cstdio>
+#include <iterator>
+#include <set>
+#include <span>
+#include <utility>
 
 namespace review {
 
@@ -24,66 +26,15 @@ namespace systempath = platform::systempath;
 namespace {
 
 using platform::Status;
-using Properties = DirectoryView::Record;
-
-PlannedRun niclRun(const char* operation, const std::string& path, const std::string& property = {},
-                   const std::vector<std::string>& values = {}) {
-    PlannedRun run{systempath::nicl, {".", operation, path}, ""};
-    if (!property.empty()) {
-        run.arguments.push_back(property);
-        run.arguments.insert(run.arguments.end(), values.begin(), values.end());
-    }
-    return run;
-}
-
-const DirectoryView::Property* find(const Properties& properties, const std::string& name) {
-    const auto found = std::ranges::find(properties, name, &DirectoryView::Property::name);
-    return found == properties.end() ? nullptr : &*found;
-}
-
-void addRecord(const std::string& path, const Properties& properties, std::vector<PlannedRun>* runs) {
-    runs->push_back(niclRun("-create", path));
-    for (const DirectoryView::Property& property : properties) {
-        if (property.name != "name") {
-            runs->push_back(niclRun("-create", path, property.name, property.values));
-        }
-    }
-}
-
-/// Appends the runs that change the properties of the record at `path` from `now` to `before`, including
-/// their order.
-void restoreProperties(const std::string& path, Properties now, const Properties& before,
-                       std::vector<PlannedRun>* runs) {
-    const auto take = [&](std::size_t index) {
-        runs->push_back(niclRun("-delete", path, now[index].name));
-        now.erase(now.begin() + static_cast<std::ptrdiff_t>(index));
-    };
-    for (std::size_t i = now.size(); i > 0; --i) {
-        if (find(before, now[i - 1].name) == nullptr) {
-            take(i - 1);
-        }
-    }
-    std::size_t same = 0;
-    while (same < now.size() && same < before.size() && now[same].name == before[same].name) {
-        ++same;
-    }
-    // A new property is added at the end, so properties in a different place are deleted and made again.
-    while (now.size() > same && now.back().name != "name") {
-        take(now.size() - 1);
-    }
-    for (const DirectoryView::Property& property : before) {
-        const DirectoryView::Property* current = find(now, property.name);
-        if (current == nullptr || current->values != property.values) {
-            runs->push_back(niclRun("-create", path, property.name, property.values));
-        }
-    }
-}
 
 class UndoPlanner {
   public:
     UndoPlanner(const HistoryEntry& entry, const std::vector<HistoryEntry>& all)
-        : all_(all), directory_(platform::Host::current().services().localDomain) {
+        : all_(all), directory_(platform::Host::current().services().localDomain), accounts_(directory_) {
         plan_.entry = entry;
+        for (const RecordChange& record : entry.records) {
+            entryPaths_.insert(record.path);
+        }
         plan_.title = stringWithFormat(NSLocalizedString("Taken back: %@"), entry.title);
         plan_.question = stringWithFormat(NSLocalizedString("Do you want to take back “%@”?"), entry.title);
         const auto done = std::ranges::find(all, entry.undoes, &HistoryEntry::number);
@@ -103,34 +54,37 @@ class UndoPlanner {
         } else if (!entry.canComeBack()) {
             refuse(NSLocalizedString("There is nothing that could be taken back: a password that was "
                                      "replaced is no longer known."));
-        }
-        if (!entry.records.empty() && !directory_.isReadable()) {
+        } else if (!entry.records.empty() && !directory_.isReadable()) {
             refuse(NSLocalizedString(
                 "The directory cannot be read now.")); // its records would seem to have been deleted
         }
-        for (const RecordChange& record : entry.records) {
-            planRecord(record);
-        }
-        for (const FileChange& file : entry.files) {
-            planFile(file);
-        }
-        for (const FolderStep& folder : entry.folders) {
-            planFolder(folder);
-        }
-        checkRules();
+        planEach(entry.records, &UndoPlanner::planRecord);
+        planEach(entry.files, &UndoPlanner::planFile);
+        planEach(entry.folders, &UndoPlanner::planFolder);
+        planEach(entry.runs, &UndoPlanner::planUnseenFolder);
+        planEach(plan_.records, &UndoPlanner::checkRules);
+        std::erase_if(plan_.entry.records,
+                      [this](const RecordChange& record) { return keptGroups_.contains(record.path); });
         return std::move(plan_);
     }
 
   private:
-    void refuse(std::string why) {
-        if (plan_.refusal.empty()) {
-            plan_.refusal = std::move(why);
+    void refuse(std::string why) { plan_.refusal = std::move(why); }
+
+    /// Plans the things one after another, until the undo is refused.
+    template <class Thing>
+    void planEach(const std::vector<Thing>& things, void (UndoPlanner::*planOne)(const Thing&)) {
+        for (const Thing& thing : things) {
+            if (!plan_.refusal.empty()) {
+                return;
+            }
+            (this->*planOne)(thing);
         }
     }
 
-    /// Refuses because `what` is neither as the entry left it nor as it was before the entry.
+    /// Names the later changes, not taken back, that have touched something; empty when there is none.
     template <class Touches>
-    void refuseChanged(const std::string& what, Touches touches) {
+    [[nodiscard]] std::string laterChanges(Touches touches) const {
         std::string names;
         for (const HistoryEntry& later : all_) {
             // An entry that undoes a later one cancels out with it.
@@ -140,10 +94,30 @@ class UndoPlanner {
                     (names.empty() ? "" : ", ") + std::to_string(later.number) + " (" + later.title + ")";
             }
         }
-        if (!names.empty()) {
-            refuse(stringWithFormat(
-                NSLocalizedString("Later changes depend on it: %@.  Take those back first, newest first."),
-                names));
+        return names;
+    }
+
+    /// The same for those that have changed the record at `path` from a state without to one with it,
+    /// whatever `has` looks for.
+    template <class Has>
+    [[nodiscard]] std::string laterChanges(const std::string& path, Has has) const {
+        return laterChanges([&](const HistoryEntry& later) {
+            const auto record = std::ranges::find(later.records, path, &RecordChange::path);
+            return record != later.records.end() && !has(record->before) && has(record->after);
+        });
+    }
+
+    void refuseForLater(const std::string& names) {
+        refuse(stringWithFormat(
+            NSLocalizedString("Later changes depend on it: %@.  Take those back first, newest first."),
+            names));
+    }
+
+    /// Refuses because `what` is neither as the entry left it nor as it was before the entry.
+    template <class Touches>
+    void refuseChanged(const std::string& what, Touches touches) {
+        if (const std::string names = laterChanges(touches); !names.empty()) {
+            refuseForLater(names);
             return;
         }
         refuse(stringWithFormat(
@@ -156,6 +130,10 @@ class UndoPlanner {
         if (isSameRecord(now, record.before)) {
             return;
         }
+        if (now && accounts_.losesMembers(record)) {
+            keepGroup(record, *now);
+            return;
+        }
         if (!isSameRecord(now, record.after)) {
             refuseChanged(record.path, [&](const HistoryEntry& later) {
                 return std::ranges::find(later.records, record.path, &RecordChange::path) !=
@@ -164,27 +142,75 @@ class UndoPlanner {
             return;
         }
         noteServers(record);
-        const bool isUser = record.path.starts_with("/users/");
-        const std::string name = record.path.substr(record.path.rfind('/') + 1);
-        if (!record.before) {
-            plan_.records.push_back(niclRun("-delete", record.path));
-            if (isUser) {
-                lose(NSLocalizedString("The password of %@ is removed with the user."), name);
+        checkNumber(record);
+        const std::string name = nameOf(record.path);
+        if (record.path.starts_with("/users/") && !record.before) {
+            checkGroups(name);
+            lose(NSLocalizedString("The password of %@ is removed with the user."), name);
+        } else if (record.path.starts_with("/users/") && !now) {
+            lose(NSLocalizedString("The password of %@ cannot be restored: set a new one."), name);
+        }
+        std::ranges::move(recordRuns(record.path, now, record.before), std::back_inserter(plan_.records));
+    }
+
+    static std::string nameOf(const std::string& path) { return path.substr(path.rfind('/') + 1); }
+
+    /// The system's own groups stay as they are.
+    void keepGroup(const RecordChange& record, const DirectoryView::Record& now) {
+        keptGroups_.insert(record.path);
+        const auto members = valuesOf(now, "users");
+        for (const std::string& member : valuesOf(*record.before, "users")) {
+            if (std::ranges::find(members, member) == members.end()) {
+                lose(NSLocalizedString(
+                         "%@ is not put back into the group %@, which only the system's own tools change."),
+                     member, nameOf(record.path));
             }
-        } else if (!now) {
-            addRecord(record.path, *record.before, &plan_.records);
-            if (isUser) {
-                lose(NSLocalizedString("The password of %@ cannot be restored: set a new one."), name);
+        }
+    }
+
+    /// Refuses to give an account a number back that another one has been given since. Accounts that may have
+    /// shared it all the time may go on.
+    void checkNumber(const RecordChange& record) {
+        const std::string number = UndoAccounts::numberOf(record.path, record.before);
+        if (number.empty() || number == UndoAccounts::numberOf(record.path, record.after)) {
+            return;
+        }
+        for (const std::string& other : accounts_.withNumber(record.path, number)) {
+            if (entryPaths_.contains(other)) {
+                continue;
             }
-        } else {
-            restoreProperties(record.path, *now, *record.before, &plan_.records);
+            const auto has = [&](const RecordChange::State& state) {
+                return UndoAccounts::numberOf(other, state) == number;
+            };
+            if (laterChanges(other, has).empty()) {
+                lose(NSLocalizedString("%@ gets the number %@ back, which %@ has, too."), nameOf(record.path),
+                     number, nameOf(other));
+                continue;
+            }
+            refuse(stringWithFormat(NSLocalizedString("%@ cannot get the number %@ back: %@ has it now."),
+                                    nameOf(record.path), number, nameOf(other)));
+            return;
+        }
+    }
+
+    /// Refuses to remove a user who has been added to a group since.
+    void checkGroups(const std::string& user) {
+        for (const std::string& group : accounts_.groupsOf(user)) {
+            const auto has = [&](const RecordChange::State& state) {
+                return state && std::ranges::count(valuesOf(*state, "users"), user) > 0;
+            };
+            const std::string names = entryPaths_.contains(group) ? "" : laterChanges(group, has);
+            if (!names.empty()) {
+                refuseForLater(names);
+                return;
+            }
         }
     }
 
     void noteServers(const RecordChange& record) {
         const auto publicFolder = [](const RecordChange::State& state) {
-            const auto* property = state ? find(*state, "sharedDir") : nullptr;
-            return property != nullptr ? property->values : std::vector<std::string>();
+            const auto values = state ? valuesOf(*state, "sharedDir") : std::span<const std::string>();
+            return std::vector(values.begin(), values.end());
         };
         const bool isShare = record.path.starts_with("/config/Brindle/");
         plan_.hangsUpSMB = plan_.hangsUpSMB || isShare;
@@ -222,7 +248,7 @@ class UndoPlanner {
     void planFolder(const FolderStep& folder) {
         const auto now = folderStateOf(folder.path);
         if (!now) {
-            lose(NSLocalizedString("The folder %@ cannot be examined and stays as it is."), folder.path);
+            loseFolder(folder.path);
             return;
         }
         if (now->isSame(folder.before)) {
@@ -257,9 +283,9 @@ class UndoPlanner {
     }
 
     void planOwner(const FolderStep& folder, const FolderState& now) {
-        const std::size_t colon = folder.before.accounts.find(':');
-        std::string owner = folder.before.accounts.substr(0, colon);
-        std::string group = folder.before.accounts.substr(colon + 1);
+        // By number: the account that had the name may have been replaced by another one.
+        std::string owner = accounts_.ownerName(folder.before.owner);
+        std::string group = accounts_.groupName(folder.before.group);
         const bool isMissing = (owner.empty() && now.owner != folder.before.owner) ||
                                (group.empty() && now.group != folder.before.group);
         if (isMissing) {
@@ -274,12 +300,32 @@ class UndoPlanner {
         }
     }
 
-    void checkRules() {
-        for (const PlannedRun& run : plan_.records) {
-            const auto change = directoryChange(run.arguments);
-            if (const Status status = change ? checkDirectoryChange(*change) : Status(); !status.isOk()) {
-                refuse(status.text());
-            }
+    /// Below a folder that the user may not search, nothing is known of what a run has changed.
+    void planUnseenFolder(const PastRun& run) {
+        const bool isOfFolder = run.tool == systempath::chown || run.tool == systempath::chmod;
+        if (!isOfFolder || run.hasFailed || run.arguments.size() != 2) {
+            return;
+        }
+        const std::string& path = run.arguments[1];
+        const bool isKnown =
+            std::ranges::find(plan_.entry.folders, path, &FolderStep::path) != plan_.entry.folders.end();
+        if (!isKnown && !folderStateOf(path)) {
+            loseFolder(path);
+        }
+    }
+
+    void loseFolder(const std::string& path) {
+        std::string sentence =
+            stringWithFormat(NSLocalizedString("The folder %@ cannot be examined and stays as it is."), path);
+        if (std::ranges::find(plan_.losses, sentence) == plan_.losses.end()) {
+            plan_.losses.push_back(std::move(sentence));
+        }
+    }
+
+    void checkRules(const PlannedRun& run) {
+        const auto change = directoryChange(run.arguments);
+        if (const Status status = change ? checkDirectoryChange(*change) : Status(); !status.isOk()) {
+            refuse(status.text());
         }
     }
 
@@ -287,92 +333,16 @@ class UndoPlanner {
 
     const std::vector<HistoryEntry>& all_;
     DirectoryView directory_;
+    UndoAccounts accounts_;
+    std::set<std::string> entryPaths_; ///< of its records
+    std::set<std::string> keptGroups_; ///< paths
     UndoPlan plan_;
 };
-
-std::string cannotTakeBack() {
-    return NSLocalizedString("cannot take it all back");
-}
-
-Status failedRun(const PlannedRun& run) {
-    return Status::failure(
-        cannotTakeBack(), {},
-        stringWithFormat(NSLocalizedString("failed: %@"), runText(run.tool, run.arguments)));
-}
-
-Status carryOutRuns(const std::vector<PlannedRun>& runs) {
-    for (const PlannedRun& run : runs) {
-        if (!NiutilTask::sharedInstance().carryOut(run.tool, run.arguments)) {
-            return failedRun(run);
-        }
-    }
-    return {};
-}
-
-/// Checks the records, because a failed commit undoes even the runs that succeeded.
-Status checkRecords(const HistoryEntry& entry) {
-    if (entry.records.empty()) {
-        return {};
-    }
-    const DirectoryView now(platform::Host::current().services().localDomain);
-    if (!now.isReadable()) {
-        return Status::failure(cannotTakeBack(), NSLocalizedString("the directory"),
-                               NSLocalizedString("it cannot be read"));
-    }
-    for (const RecordChange& record : entry.records) {
-        if (!isSameRecord(now.record(record.path), record.before)) {
-            return Status::failure(cannotTakeBack(), record.path, NSLocalizedString("it is not as it was"));
-        }
-    }
-    return {};
-}
-
-Status restoreFile(const FileChange& file) {
-    const std::string temporary =
-        stringByExpandingTildeInPath(file.path == systempath::smbConf ? systempath::temporarySmbConf
-                                                                      : systempath::temporaryAppleFileServer);
-    Status status = platform::writeWholeFile(platform::Host::current().paths().map(temporary),
-                                             file.before.value_or(""), {.mode = 0600});
-    if (!status.isOk()) {
-        NSLog("%@", status.text());
-        return status;
-    }
-    const PlannedRun run{systempath::cp, {temporary, file.path}, ""};
-    status = carryOutRuns({run});
-    const Status removed = removeFileAtPath(temporary);
-    return status.isOk() ? removed : status;
-}
 
 } // namespace
 
 UndoPlan planUndo(const HistoryEntry& entry, const std::vector<HistoryEntry>& all) {
     return UndoPlanner(entry, all).plan();
-}
-
-Status carryOut(const UndoPlan& plan) {
-    const auto& pending = platform::Host::current().services().pendingWrites;
-    Status status = carryOutRuns(plan.records);
-    if (!status.isOk() && pending) {
-        pending->takeBack();
-    }
-    platform::Host::settlePendingWrites();
-    status = status.isOk() ? checkRecords(plan.entry) : status;
-    for (const FileChange& file : plan.files) {
-        status = status.isOk() ? restoreFile(file) : status;
-    }
-    if (status.isOk()) {
-        status = carryOutRuns(plan.folders);
-    }
-    if (!status.isOk()) {
-        return status;
-    }
-    if (plan.hangsUpAFP) {
-        NiutilTask::sharedInstance().restartAFS();
-    }
-    if (plan.hangsUpSMB) {
-        NiutilTask::sharedInstance().restartSMB();
-    }
-    return {};
 }
 
 } // namespace review

@@ -11,7 +11,7 @@ namespace review {
 
 /// What undoing an entry would do.
 struct UndoPlan {
-    HistoryEntry entry;
+    HistoryEntry entry;   ///< without the records that stay as they are
     std::string title;    ///< the title of the entry that the undo itself would add
     std::string question; ///< asks the user to confirm; contains the entry's title
     std::string refusal;  ///< why it cannot be undone now, in the user's language; empty when it can
