@@ -1,12 +1,16 @@
 #include "directory/DirectoryView.h"
 #include "platform/foundation/Host.h"
 #include "platform/foundation/SystemPaths.h"
+#include "platform/posix/FileDescriptor.h"
 #include "review/History.h"
 #include "review/Recorder.h"
 #include "support/DrawnState.h"
 
 #include <array>
 #include <set>
+
+#include <fcntl.h>
+#include <sys/file.h>
 
 namespace {
 
@@ -16,6 +20,7 @@ class HistoryTest : public DrawnState {
     void beginWithHistory() {
         platform::Services services = host.host().services();
         services.historyFile = historyFile();
+        services.writersFile = writersFile();
         services.accountNames = std::make_shared<platform::DirectoryAccounts>(host.storeFile().string());
         history.emplace(services);
         inner.emplace(std::move(services));
@@ -30,6 +35,8 @@ class HistoryTest : public DrawnState {
     }
 
     [[nodiscard]] std::string historyFile() const { return (host.root() / "history.db").string(); }
+
+    [[nodiscard]] std::string writersFile() const { return (host.root() / "writing.lock").string(); }
 
     /// Returns everything that an action can change: records by their paths, settings files, folders.
     [[nodiscard]] std::map<std::string, std::string> state() const {
@@ -190,6 +197,15 @@ TEST_P(OneUndo, TakesBackTheNewestChangeEvenIfTheClockWasSetBackBeforeIt) {
     EXPECT_EQ(titles(),
               (std::vector<std::string>{"3 Taken back: Group \"team\" created done",
                                         "2 Group \"team\" created undone", "1 Group \"crew\" created done"}));
+}
+
+TEST_P(OneUndo, IsRefusedWhileAnotherProgramMakesChanges) {
+    addStaff();
+    const platform::FileDescriptor other(::open(writersFile().c_str(), O_RDWR | O_CLOEXEC));
+    ASSERT_EQ(::flock(other.get(), LOCK_EX | LOCK_NB), 0) << "the action has ended, and holds it still";
+    EXPECT_TRUE(undo().starts_with("nothing was changed: "));
+    ::flock(other.get(), LOCK_UN);
+    EXPECT_EQ(undo(), "");
 }
 
 TEST_P(OneUndo, IsRefusedForAPasswordInsteadOfTakingTheChangeBeforeItBack) {

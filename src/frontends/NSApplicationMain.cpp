@@ -320,12 +320,16 @@ Result<int> runCommand(const Options& options) {
     Application application(std::move(*services));
     const auto presenter = std::make_shared<frontend::CommandPresenter>(options.command.saysYes);
     application.setPresenter(presenter);
-    if (options.command.kind == frontend::CommandKind::Writing && !options.command.isDryRun) {
-        if (Status status = waitForTurn(); !status.isOk()) {
-            return status;
+    frontend::CommandOptions command = options.command;
+    if (command.kind == frontend::CommandKind::Writing && !command.isDryRun) {
+        if (const Status status = waitForTurn(); !status.isOk()) {
+            command.needsApplication = false;
+            command.carryOut = [text = status.text()](frontend::CommandRun& /*run*/) {
+                frontend::CommandRun::fail(text);
+            };
         }
     }
-    if (options.command.needsApplication) {
+    if (command.needsApplication) {
         if (Status status = application.load(); !status.isOk()) {
             return status;
         }
@@ -334,7 +338,7 @@ Result<int> runCommand(const Options& options) {
         application.reviewer()->setRefusesWithoutDirectory(true);
     }
     presenter->begin();
-    const int status = frontend::CommandRun({options.command, *presenter, application.reviewer(),
+    const int status = frontend::CommandRun({command, *presenter, application.reviewer(),
                                              application.history(), examinedHostOf(options.host)})
                            .run();
     application.end();
