@@ -18,7 +18,7 @@ std::string directoryProblem() {
 std::string directoryNotice() {
     const std::string problem = directoryProblem();
     if (problem.empty()) {
-        return problem;
+        return {};
     }
     return stringWithFormat(
         NSLocalizedString("The directory could not be read, so the lists are incomplete: %@."), problem);

@@ -8,7 +8,8 @@ namespace review {
 bool meansFailure(std::string_view tool, std::span<const std::string> arguments, std::string_view output) {
     const bool deletesShare = tool == platform::systempath::nicl && arguments.size() == 3 &&
                               arguments[1] == "-delete" && arguments[2].starts_with("/config/Brindle/");
-    return !output.empty() && !(deletesShare && output.find(tools::nothingToDelete) != output.npos);
+    const bool foundNothing = deletesShare && output.find(tools::nothingToDelete) != output.npos;
+    return !output.empty() && !foundNothing;
 }
 
 } // namespace review
