@@ -124,13 +124,6 @@ void tellWhatIsMissing() {
     }
 }
 
-/// Waits until no other process of this user's makes changes. Must come before smb.conf is read: what others
-/// write later would be lost.
-Status waitForTurn() {
-    return platform::Host::current().sharedInstance<platform::WritersTurn>().takeForGood(
-        platform::WritersTurn::runSeconds);
-}
-
 Result<int> runScript(const Options& options) {
     const bool readsStandardInput = options.script == "-";
     std::ifstream file;
@@ -147,6 +140,7 @@ Result<int> runScript(const Options& options) {
         return services.status();
     }
     services->languages = platform::languagesOfLocale(); // a desktop's LANGUAGE is not meant for scripts
+    services->writersFile.clear(); // a script does what the operations do and nothing else
     const auto output = std::make_shared<frontend::ScriptOutput>(std::cout);
     services->log = std::make_shared<frontend::ScriptLog>(
         output, options.dryRun ? nullptr : std::make_shared<QuietSystemLog>());
@@ -161,10 +155,7 @@ Result<int> runScript(const Options& options) {
     frontend::ScriptRunner runner(
         options.script, readsStandardInput ? std::cin : file, output, presenter,
         [&] {
-            Status status = waitForTurn(); // nothing while the script is carried out on copies
-            if (status.isOk()) {
-                status = application.load();
-            }
+            Status status = application.load();
             if (status.isOk()) {
                 application.launch();
             }
@@ -311,6 +302,13 @@ Status becomeWindow(char** argv) {
 }
 
 /// Runs a command. What is logged meanwhile only goes to the system's log.
+/// Waits until no other process of this user's makes changes. Must come before smb.conf is read: what others
+/// write later would be lost.
+Status waitForTurn() {
+    return platform::Host::current().sharedInstance<platform::WritersTurn>().takeForGood(
+        platform::WritersTurn::runSeconds);
+}
+
 Result<int> runCommand(const Options& options) {
     auto services = makeServices(options);
     if (!services.isOk()) {
