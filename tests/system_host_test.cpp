@@ -60,8 +60,7 @@ TEST(SystemHost, ShowsTheComputerAtAFirstStartAndWritesNothing) {
             written.insert(entry.path().lexically_relative(test.home()));
         }
     }
-    EXPECT_EQ(written, std::set<std::string>{".config/brindle/defaults.plist"})
-        << "the launches are counted";
+    EXPECT_EQ(written, std::set<std::string>{".config/brindle/defaults.plist"}) << "the launches are counted";
 }
 
 TEST(SystemHost, SaysWhatTheComputerLacksInOneLine) {
