@@ -15,7 +15,6 @@
 #include <array>
 #include <filesystem>
 #include <iterator>
-#include <set>
 
 #include <unistd.h>
 
@@ -54,13 +53,14 @@ TEST(SystemHost, ShowsTheComputerAtAFirstStartAndWritesNothing) {
     EXPECT_NE(script.output.find("tcpPort \"548\""), std::string::npos)
         << "the AFP settings are those of a new root";
     EXPECT_FALSE(fs::exists(own));
-    std::set<std::string> written;
+    std::vector<std::string> written;
     for (const auto& entry : fs::recursive_directory_iterator(test.home())) {
         if (entry.is_regular_file()) {
-            written.insert(entry.path().lexically_relative(test.home()));
+            written.push_back(entry.path().lexically_relative(test.home()));
         }
     }
-    EXPECT_EQ(written, std::set<std::string>{".config/brindle/defaults.plist"}) << "the launches are counted";
+    EXPECT_EQ(written, std::vector<std::string>{".config/brindle/defaults.plist"})
+        << "the launches are counted";
 }
 
 TEST(SystemHost, SaysWhatTheComputerLacksInOneLine) {

@@ -301,7 +301,6 @@ Status becomeWindow(char** argv) {
                            "install Qt 6 Widgets and build again, or use --print or --script");
 }
 
-/// Runs a command. What is logged meanwhile only goes to the system's log.
 /// Waits until no other process of this user's makes changes. Must come before smb.conf is read: what others
 /// write later would be lost.
 Status waitForTurn() {
@@ -309,6 +308,7 @@ Status waitForTurn() {
         platform::WritersTurn::runSeconds);
 }
 
+/// Runs a command. What is logged meanwhile only goes to the system's log.
 Result<int> runCommand(const Options& options) {
     auto services = makeServices(options);
     if (!services.isOk()) {

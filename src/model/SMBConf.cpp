@@ -230,6 +230,11 @@ std::size_t SMBConf::indexOfSection(std::string_view name) const {
     return static_cast<std::size_t>(found - _entries.begin());
 }
 
+const SMBShare* SMBConf::section(std::string_view name) const {
+    const std::size_t index = indexOfSection(name);
+    return index < _entries.size() ? _entries[index].get() : nullptr;
+}
+
 int SMBConf::modifySMBShare(const std::string& shareName, const std::string& withDirectory,
                             std::int32_t sharingSMB, std::int32_t inherit, std::int32_t guestAccess) {
     const std::size_t index = indexOfSection(shareName);

@@ -58,6 +58,9 @@ class SMBConf {
     /// The last section or commented-out section named exactly "homes", or null.
     [[nodiscard]] SMBShare* Homes() const { return _homes; }
 
+    /// The first section of exactly that name, which is the share's; null when there is none.
+    [[nodiscard]] const SMBShare* section(std::string_view name) const;
+
     /// Inserts the entry at the front of the file and makes it Global() or Homes().
     void setGlobal(std::unique_ptr<SMBShare> entry);
     void setHomes(std::unique_ptr<SMBShare> entry);

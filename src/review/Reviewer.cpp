@@ -12,7 +12,6 @@
 #include "review/Planner.h"
 #include "review/ServerReading.h"
 
-#include <algorithm>
 #include <string_view>
 
 namespace review {
@@ -177,9 +176,7 @@ const SMBConf* Reviewer::smbConf() const {
 
 bool Reviewer::hasSection(const std::string& name) const {
     const SMBConf* model = smbConf();
-    return model != nullptr && std::ranges::any_of(model->Entries(), [&name](const auto& entry) {
-               return entry->Type() == SMBGroup && entry->ShareName() == name;
-           });
+    return model != nullptr && model->section(name) != nullptr;
 }
 
 const std::vector<NormalShare>& Reviewer::shares() const {

@@ -71,15 +71,6 @@ std::string folderOf(const SMBShare& section) {
     return path.pair == nullptr ? std::string() : path.pair->Value.str();
 }
 
-const SMBShare* sectionNamed(const SMBConf& conf, const std::string& name) {
-    for (const auto& entry : conf.Entries()) {
-        if (entry->Type() == SMBGroup && entry->ShareName() == name) {
-            return entry.get();
-        }
-    }
-    return nullptr;
-}
-
 class ShareWarnings {
   public:
     ShareWarnings(const Situation& situation, std::vector<Remark>* warnings)
@@ -108,7 +99,7 @@ class ShareWarnings {
         addNameCase();
         addUntouchedRecord();
         if (before != nullptr && after != nullptr) {
-            addSection(sectionNamed(*before, name_), sectionNamed(*after, name_));
+            addSection(before->section(name_), after->section(name_));
         }
     }
 
@@ -254,8 +245,7 @@ class ShareWarnings {
         if (adds && !letsSomeWrite) {
             warn("read-only-section",
                  "Nobody may write to the share \"%@\" over SMB all the same: its section of smb.conf does "
-                 "not "
-                 "say \"read only = no\".",
+                 "not say \"read only = no\".",
                  name_);
         }
     }

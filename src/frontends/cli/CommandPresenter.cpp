@@ -3,7 +3,6 @@
 #include "frontends/cli/Terminal.h"
 #include "platform/foundation/NSBundle.h"
 #include "platform/foundation/SystemPaths.h"
-#include "review/RunOutcome.h"
 
 #include <utility>
 
@@ -64,27 +63,22 @@ void CommandPresenter::editWasRefused(const NSTextField& /*field*/, const std::s
 }
 
 void CommandPresenter::beep() {
-    if (!std::exchange(expectsBeep_, false)) {
+    if (!outcome_.explainsBeep()) {
         hasBeeped_ = hasBegun_;
     }
 }
 
 void CommandPresenter::toolWillRun(const std::string& tool, std::span<const std::string> arguments) {
     wasRefused_ = false;
-    run_ = {tool, {arguments.begin(), arguments.end()}, ""};
+    outcome_.begin(tool, arguments);
     isTelling_ = tool == platform::systempath::smbstatus;
     runs_ += isTelling_ ? 0 : 1; // that one only writes what it was asked for, and changes nothing
 }
 
 void CommandPresenter::toolDidWrite(std::string_view output) {
-    if (isTelling_) {
-        return;
+    if (!isTelling_ && outcome_.hasFailed(output)) {
+        faults_.emplace_back(output.substr(0, output.find_last_not_of('\n') + 1));
     }
-    if (!review::meansFailure(run_.tool, run_.arguments, output)) {
-        expectsBeep_ = true;
-        return;
-    }
-    faults_.emplace_back(output.substr(0, output.find_last_not_of('\n') + 1));
 }
 
 void CommandPresenter::interfaceDidLoad(platform::Interface& interface) {

@@ -2,7 +2,7 @@
 
 #include "platform/appkit/Interface.h"
 #include "platform/appkit/SilentPresenter.h"
-#include "review/Plan.h"
+#include "review/RunOutcome.h"
 
 #include <optional>
 #include <string>
@@ -62,9 +62,8 @@ class CommandPresenter : public platform::SilentPresenter {
     bool hasBeeped_ = false;
     bool wasRefused_ = false;
     bool wasDeclined_ = false;
-    bool isTelling_ = false;   ///< the present tool run changes nothing
-    bool expectsBeep_ = false; ///< the application is about to beep for a run that has not failed
-    review::PlannedRun run_;   ///< the present tool run
+    bool isTelling_ = false; ///< the present tool run changes nothing
+    review::RunOutcome outcome_;
     std::optional<std::string> choice_;
     std::optional<std::string> unanswered_;
     int runs_ = 0;

@@ -29,22 +29,19 @@ void history(CommandRun& run) {
     }
 }
 
-/// Asks if something will not be restored.
-bool isAgreedTo(CommandRun& run, const review::UndoPlan& plan) {
+/// Asks if something will not be restored. Ends the command unless the answer is yes.
+void confirmLosses(CommandRun& run, const review::UndoPlan& plan) {
     if (plan.losses.empty()) {
-        return true;
+        return;
     }
     std::string text;
     for (const std::string& loss : plan.losses) {
         text += loss + "  ";
     }
-    bool isAgreed = false;
     run.perform([&] {
-        isAgreed = NSRunAlertPanel(NSLocalizedString("Undo"), "%@", NSLocalizedString("Yes"),
-                                   NSLocalizedString("No"), std::nullopt,
-                                   text + plan.question) == NSAlertDefaultReturn;
+        NSRunAlertPanel(NSLocalizedString("Undo"), "%@", NSLocalizedString("Yes"), NSLocalizedString("No"),
+                        std::nullopt, text + plan.question);
     });
-    return isAgreed;
 }
 
 void undo(CommandRun& run, std::optional<std::int64_t> number) {
@@ -71,9 +68,7 @@ void undo(CommandRun& run, std::optional<std::int64_t> number) {
     if (!steps.blocks.empty()) {
         CommandRun::fail(steps.blocks.front().sentence);
     }
-    if (!isAgreedTo(run, *plan)) {
-        return;
-    }
+    confirmLosses(run, *plan);
     std::optional<platform::Status> status;
     run.perform([&] { status = run.context().history.undo(*plan); });
     if (!status || !status->isOk()) {

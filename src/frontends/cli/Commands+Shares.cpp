@@ -3,7 +3,6 @@
 #include "platform/foundation/NSBundle.h"
 #include "platform/foundation/NSString.h"
 
-#include <algorithm>
 #include <array>
 #include <filesystem>
 #include <memory>
@@ -169,10 +168,8 @@ void add(CommandRun& run, ShareOptions options) {
 /// Fails if the server still lets guests use the share: the list knows only one of that setting's spellings.
 void requireNoGuests(const CommandRun& run, const std::string& name) {
     const review::Reviewer& reviewer = *run.context().reviewer;
-    const auto& entries = reviewer.smbConf()->Entries();
-    const auto section = std::ranges::find_if(
-        entries, [&](const auto& entry) { return entry->Type() == SMBGroup && entry->ShareName() == name; });
-    if (section != entries.end() && serverFlag(**section, "guest ok", false)) {
+    const SMBShare* const section = reviewer.smbConf()->section(name);
+    if (section != nullptr && serverFlag(*section, "guest ok", false)) {
         const auto readings = reviewer.otherReadings();
         const auto reading = readings.find(name);
         CommandRun::fail(

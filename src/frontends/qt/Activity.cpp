@@ -3,7 +3,7 @@
 #include "frontends/qt/Binding.h"
 #include "platform/foundation/NSBundle.h"
 #include "platform/foundation/SystemPaths.h"
-#include "review/RunOutcome.h"
+#include "review/Plan.h"
 
 #include <utility>
 
@@ -34,7 +34,7 @@ void Activity::add(ActivityEntry::Kind kind, std::string text) {
 
 void Activity::toolWillRun(const std::string& tool, std::span<const std::string> arguments) {
     add(ActivityEntry::Kind::Run, review::runText(tool, arguments));
-    run_ = {tool, {arguments.begin(), arguments.end()}, ""};
+    outcome_.begin(tool, arguments);
     readsOutput_ = tool == platform::systempath::smbstatus;
     runs_ += readsOutput_ ? 0 : 1;
 }
@@ -56,16 +56,14 @@ void Activity::toolDidWrite(std::string_view output) {
         entries_.back().hasFailed = output.starts_with("smbstatus: "); // the prefix of its error messages
         return;
     }
-    if (!review::meansFailure(run_.tool, run_.arguments, output)) {
-        expectsBeep_ = true;
-        return;
+    if (outcome_.hasFailed(output)) {
+        entries_.back().hasFailed = true;
+        noteFailure(entries_.back().output);
     }
-    entries_.back().hasFailed = true;
-    noteFailure(entries_.back().output);
 }
 
 bool Activity::beeped() {
-    if (std::exchange(expectsBeep_, false)) {
+    if (outcome_.explainsBeep()) {
         return false;
     }
     if (leavesOut_) {

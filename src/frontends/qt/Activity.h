@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/foundation/Services.h"
-#include "review/Plan.h"
+#include "review/RunOutcome.h"
 
 #include <QDateTime>
 #include <QString>
@@ -88,9 +88,8 @@ class Activity {
     bool isRefused_ = false;
     bool isEditRefused_ = false;
     bool leavesOut_ = false;
-    review::PlannedRun run_;   ///< the last run
-    bool readsOutput_ = false; ///< it only reads: its output is not a complaint
-    bool expectsBeep_ = false; ///< the application is about to beep for a run that has not failed
+    review::RunOutcome outcome_;
+    bool readsOutput_ = false; ///< the last run only reads: its output is not a complaint
     bool beepWaits_ = false;   ///< a beep waits for the line that explains it
     std::string failure_;
     std::string reason_;

@@ -11,9 +11,10 @@ namespace platform {
 /// (Host::sharedInstance).
 class WritersTurn {
   public:
-    static constexpr int actionSeconds =
-        5;                                ///< how long an action may wait: the window stands still meanwhile
-    static constexpr int runSeconds = 60; ///< the same for a command or a script
+    /// How long an action may wait: the window stands still meanwhile.
+    static constexpr int actionSeconds = 5;
+    /// The same for a command.
+    static constexpr int runSeconds = 60;
 
     /// Takes the right until the current action has ended; does nothing if this process has it. Waits up to
     /// `seconds` for another process, and then fails, saying which one it is. Where the lock cannot be made,
