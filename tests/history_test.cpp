@@ -255,6 +255,7 @@ TEST_P(OneUndo, ThatWasGivenUpHalfWayHasFailedAndIsRepeatedAsPlanned) {
     selectRow(*app().normalTableView, "ShareName", "Docs");
     const auto before = state();
     act("deleteShare:");
+    const auto deleted = state();
     host.onRun = [this](const RecordedRun& run) {
         return run.tool == "/bin/cp" ? throw std::runtime_error("no such button") : carryOutAll(run);
     };
@@ -267,6 +268,8 @@ TEST_P(OneUndo, ThatWasGivenUpHalfWayHasFailedAndIsRepeatedAsPlanned) {
     EXPECT_EQ(titles(), (std::vector<std::string>{"3 Taken back: Share \"Docs\" deleted done",
                                                   "2 Taken back: Share \"Docs\" deleted failed",
                                                   "1 Share \"Docs\" deleted undone"}));
+    EXPECT_EQ(undo(), "");
+    EXPECT_EQ(state(), deleted) << "also what the first attempt had taken back";
 }
 
 TEST_P(OneUndo, MindsWhoHasANumberOrAGroupNow) {

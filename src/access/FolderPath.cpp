@@ -18,7 +18,7 @@ constexpr int mostLinks = 40; // the kernel's limit: path_resolution(7)
 
 std::optional<std::string> expandedPath(std::string_view path, const std::string& share,
                                         const std::string& user) {
-    path = serverText(path);
+    path = withoutQuotes(path);
     std::string result;
     for (std::size_t index = 0; index < path.size(); ++index) {
         if (path[index] != '%') {

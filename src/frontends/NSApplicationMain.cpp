@@ -334,6 +334,7 @@ Result<int> runCommand(const Options& options) {
         application.launch();
         application.reviewer()->setQuestion(&review::Reviewer::askAboutWarnings);
         application.reviewer()->setRefusesWithoutDirectory(true);
+        application.reviewer()->setGivesAdvice(true);
     }
     presenter->begin();
     const int status = frontend::CommandRun({command, *presenter, application.reviewer(),

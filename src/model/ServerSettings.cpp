@@ -60,7 +60,7 @@ std::optional<bool> serverBool(std::string_view value) {
     return std::nullopt;
 }
 
-std::string_view serverText(std::string_view value) {
+std::string_view withoutQuotes(std::string_view value) {
     const std::size_t begin = std::min(value.find_first_not_of('"'), value.size());
     const std::string_view inner = value.substr(begin, value.find_last_not_of('"') + 1 - begin);
     return inner.find('"') == std::string_view::npos ? inner : value;

@@ -23,8 +23,8 @@
 [[nodiscard]] bool isServerGlobal(std::string_view section);
 [[nodiscard]] bool isServerHomes(std::string_view section);
 
-/// A text as the server takes it: without quotes around the whole.
-[[nodiscard]] std::string_view serverText(std::string_view value);
+/// A text as the server takes it: without quotes at its ends.
+[[nodiscard]] std::string_view withoutQuotes(std::string_view value);
 
 /// A setting as the server finds it in a section.
 struct ServerSetting {

@@ -2,7 +2,6 @@
 
 #include "directory/DirectoryRules.h"
 #include "model/SMBParser.h"
-#include "model/ServerSettings.h"
 #include "platform/appkit/NSPopUpButton.h"
 #include "platform/appkit/NSTextField.h"
 #include "platform/foundation/Host.h"
@@ -218,19 +217,6 @@ void addSystemFolderBlock(const Plan& plan, const BRController& now, std::vector
     }
 }
 
-/// Adds a block if a folder is written with quotes, as some write it in smb.conf: the server drops them, but
-/// no tool would find the folder.
-void addQuotesBlock(const Plan& plan, const BRController& now, std::vector<Remark>* blocks) {
-    const std::string& folder = now.directory->stringValue();
-    if (!plan.runs.empty() && serverText(folder) != folder) {
-        blocks->push_back({"folder",
-                           stringWithFormat(NSLocalizedString("The folder \"%@\" cannot be used with quotes "
-                                                              "around it: write it without them."),
-                                            std::string(serverText(folder))),
-                           now.directory->name()});
-    }
-}
-
 bool endsInBackslash(std::string_view value) {
     while (value.ends_with(' ') || value.ends_with('\t')) {
         value.remove_suffix(1);
@@ -276,9 +262,6 @@ std::vector<Remark> blocksOf(const Plan& plan, const BRController& now, const Di
                    (run.tool == platform::systempath::chown || run.tool == platform::systempath::chmod)) {
             addFolderBlock(run, now, &blocks);
         }
-    }
-    if (plan.operation == "createShare:") {
-        addQuotesBlock(plan, now, &blocks);
     }
     if (plan.operation == "createShare:" && platform::Host::current().services().computer != nullptr) {
         addSystemFolderBlock(plan, now, &blocks);

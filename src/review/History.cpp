@@ -33,6 +33,17 @@ bool isNextToUndo(const HistoryEntry& entry) {
     return !entry.isUndone && mayBeNext;
 }
 
+/// Whether an undo of that entry has failed before.
+bool hasBegunBefore(const Recorder& recorder, std::int64_t number) {
+    bool hasBegun = false;
+    // If the history cannot be read, the undo cannot be recorded either.
+    static_cast<void>(recorder.store().visit([&](HistoryEntry&& entry) {
+        hasBegun = hasBegun || (entry.undoes == number && entry.hasFailed);
+        return !hasBegun && entry.number > number;
+    }));
+    return hasBegun;
+}
+
 void showAlert(const std::string& title, const std::string& message) {
     NSRunAlertPanel(title, "%@", NSLocalizedString("OK"), std::nullopt, std::nullopt, message);
 }
@@ -127,6 +138,9 @@ Status History::undo(const UndoPlan& plan) const {
     Status status = carryOut(*now);
     if (status.isOk()) {
         recorder_->endUndo();
+        if (hasBegunBefore(*recorder_, now->entry.number)) {
+            recorder_->completeUndo(now->entry);
+        }
     }
     return status;
 }

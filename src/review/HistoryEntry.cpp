@@ -5,6 +5,7 @@
 #include "platform/foundation/NSBundle.h"
 #include "platform/foundation/NSString.h"
 #include "platform/foundation/SystemPaths.h"
+#include "review/RunOutcome.h"
 #include "review/SettingChanges.h"
 
 #include <algorithm>
@@ -174,6 +175,13 @@ bool isSameRecord(const RecordChange::State& one, const RecordChange::State& oth
     return std::ranges::equal(*one, *other, [](const auto& left, const auto& right) {
         return left.name == right.name && left.values == right.values;
     });
+}
+
+bool hasGoneWrong(const HistoryEntry& entry) {
+    const auto isFailure = [](const PastRun& run) {
+        return run.hasFailed && (run.output.empty() || meansFailure(run.tool, run.arguments, run.output));
+    };
+    return entry.hasFailed && (entry.undoes != 0 || std::ranges::any_of(entry.runs, isFailure));
 }
 
 const char* outcomeOf(const HistoryEntry& entry) {

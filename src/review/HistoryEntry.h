@@ -76,6 +76,9 @@ struct HistoryEntry {
     [[nodiscard]] bool canComeBack() const { return !records.empty() || !files.empty() || !folders.empty(); }
 };
 
+/// Whether something was not done that the action was to do. `hasFailed` of an entry is also set by a run
+/// that only found nothing to do.
+[[nodiscard]] bool hasGoneWrong(const HistoryEntry& entry);
 /// "done", "failed" or "undone"; "failed" for a damaged entry.
 [[nodiscard]] const char* outcomeOf(const HistoryEntry& entry);
 /// The entry's time in UTC: "2026-11-25T14:03:07Z".

@@ -9,7 +9,6 @@
 #include "platform/netinfo/LocalDomain.h"
 #include "platform/netinfo/StoreCopy.h"
 #include "platform/posix/TemporaryFolder.h"
-#include "review/RunOutcome.h"
 
 #include <algorithm>
 #include <cmath>
@@ -131,7 +130,7 @@ OSStatus Recorder::execute(platform::AuthorizationSession& session, const std::s
     run.hasFailed = status != errAuthorizationSuccess;
     if (!run.hasFailed && output != nullptr) {
         run.output = *output;
-        run.hasFailed = meansFailure(tool, arguments, *output);
+        run.hasFailed = !output->empty(); // a tool that writes something has failed
     }
     setsPassword_ = setsPassword_ || (tool == systempath::dscl && !run.hasFailed);
     entry_.hasFailed = entry_.hasFailed || run.hasFailed;
@@ -203,6 +202,7 @@ void Recorder::endAction() {
     notedRecords_.clear();
     setsPassword_ = false;
     undoFailed_ = false;
+    completed_.reset();
     isStopped_ = false;
 }
 
@@ -227,6 +227,19 @@ bool Recorder::addRecords() {
     return true;
 }
 
+namespace {
+
+/// Adds each change the other way round, in the place of one of the same thing.
+template <class Change>
+void addReversed(const std::vector<Change>& changes, std::vector<Change>* all) {
+    for (const Change& change : changes) {
+        std::erase_if(*all, [&](const Change& each) { return each.path == change.path; });
+        all->push_back({change.path, change.after, change.before});
+    }
+}
+
+} // namespace
+
 void Recorder::finish() {
     if (before_) {
         if (!addRecords()) {
@@ -240,6 +253,11 @@ void Recorder::finish() {
     }
     std::erase_if(entry_.folders,
                   [](const FolderStep& folder) { return folder.before.isSame(folder.after); });
+    if (completed_) {
+        addReversed(completed_->records, &entry_.records);
+        addReversed(completed_->files, &entry_.files);
+        addReversed(completed_->folders, &entry_.folders);
+    }
     if (!entry_.canComeBack() && !setsPassword_ && entry_.undoes == 0) {
         return;
     }

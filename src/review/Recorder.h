@@ -46,6 +46,10 @@ class Recorder : public platform::Authority, public platform::PendingWrites {
     /// The undo got to its end.
     void endUndo() { undoFailed_ = false; }
 
+    /// The undo that has ended had been begun before, and its entry is to hold what both did: all of
+    /// `undone`'s changes, the other way round.
+    void completeUndo(HistoryEntry undone) { completed_ = std::move(undone); }
+
     [[nodiscard]] const HistoryStore& store() const { return store_; }
 
     /// The newest entry that was added to the history since the last call, or none.
@@ -66,6 +70,7 @@ class Recorder : public platform::Authority, public platform::PendingWrites {
     HistoryStore store_;
     std::unique_ptr<Before> before_;               ///< null until the action's first run
     HistoryEntry entry_;                           ///< the current action's
+    std::optional<HistoryEntry> completed_;        ///< the entry that a repeated undo has undone
     std::optional<HistoryEntry> added_;            ///< the newest since takeAdded()
     std::unordered_set<std::string> notedRecords_; ///< paths of the records that entry_ names
     bool setsPassword_ = false;

@@ -11,6 +11,7 @@
 #include "review/Operations.h"
 #include "review/Planner.h"
 #include "review/ServerReading.h"
+#include "review/Warnings.h"
 
 #include <string_view>
 
@@ -74,17 +75,24 @@ BRController& Reviewer::controller() const {
 }
 
 Plan Reviewer::planPress(const NSControl& control) const {
-    return planControl(main_, control, [](NSControl& copy) {
+    return advised(planControl(main_, control, [](NSControl& copy) {
         if (auto* button = dynamic_cast<NSButton*>(&copy)) {
             button->performClick();
         } else {
             copy.sendAction();
         }
-    });
+    }));
 }
 
 Plan Reviewer::planAction(const NSControl& control) const {
-    return planControl(main_, control, [](NSControl& copy) { copy.sendAction(); });
+    return advised(planControl(main_, control, [](NSControl& copy) { copy.sendAction(); }));
+}
+
+Plan Reviewer::advised(Plan plan) const {
+    if (!givesAdvice_) {
+        std::erase_if(plan.warnings, &isAdvice);
+    }
+    return plan;
 }
 
 Plan Reviewer::planSteps(const NSControl& control) const {

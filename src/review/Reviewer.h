@@ -80,6 +80,10 @@ class Reviewer {
     /// tools report it.
     void setRefusesWithoutDirectory(bool refuses) { refusesWithoutDirectory_ = refuses; }
 
+    /// Whether plans have warnings of what is merely seldom wanted, too. Initially false: the script language
+    /// has a fixed list of warnings, without these.
+    void setGivesAdvice(bool gives) { givesAdvice_ = gives; }
+
     /// Sets a question that is asked before every action that writes and is not blocked, with or without
     /// warnings, and also when there is no plan (Plan::failure). If it returns false, the action is not
     /// performed. Initially nothing is asked.
@@ -90,6 +94,8 @@ class Reviewer {
     [[nodiscard]] static bool askAboutWarnings(const Plan& plan);
 
   private:
+    /// The plan, without advice if none is given.
+    [[nodiscard]] Plan advised(Plan plan) const;
     [[nodiscard]] BRController& controller() const;
     [[nodiscard]] bool mayPerform(const NSControl& sender) const;
     /// If settings are saved line by line and somebody else has changed the file too, it now holds more than
@@ -100,6 +106,7 @@ class Reviewer {
     Handler showBlocked_;
     Question question_;
     bool refusesWithoutDirectory_ = false;
+    bool givesAdvice_ = false;
     mutable std::string textBefore_; ///< smb.conf as the model knew it before the action
 };
 

@@ -13,11 +13,14 @@
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <cstdio>
 #include <iterator>
 #include <set>
 #include <span>
 #include <utility>
+
+#include <sys/stat.h>
 
 namespace review {
 
@@ -309,7 +312,10 @@ class UndoPlanner {
         const std::string& path = run.arguments[1];
         const bool isKnown =
             std::ranges::find(plan_.entry.folders, path, &FolderStep::path) != plan_.entry.folders.end();
-        if (!isKnown && !folderStateOf(path)) {
+
+        struct stat status {};
+
+        if (!isKnown && ::stat(path.c_str(), &status) != 0 && errno == EACCES) {
             loseFolder(path);
         }
     }

@@ -71,7 +71,7 @@ void addPlaceWarnings(const Situation& situation, const std::string& folder, std
     const std::set<Identity> around = foldersAround(real);
     const auto own = identityOf(folder);
     for (const NormalShare& share : situation.before.currentShares()) {
-        const std::string other(serverText(share.DirectoryPath()));
+        const std::string other(withoutQuotes(share.DirectoryPath()));
         const bool isOther =
             share.ShareName() != situation.before.shareName->stringValue() && other.starts_with('/');
         const auto identity = isOther ? identityOf(other) : std::nullopt;

@@ -10,12 +10,32 @@ namespace review {
 namespace {
 
 /// The codes of all warnings, in the order in which they are shown.
-constexpr std::array<std::string_view, 19> codes = {
-    "changed-outside",    "lines-lost",       "section-removed",       "record-removed",
-    "owner-changes",      "mode-changes",     "owner-locked-out",      "no-folder",
-    "relative-folder",    "system-folder",    "folder-inside-share",   "name-case",
-    "overwrites-account", "id-changes",       "untouched-setting",     "guests-write",
-    "many-accounts",      "server-complains", "server-reads-otherwise"};
+constexpr std::array<std::string_view, 22> codes = {"changed-outside",
+                                                    "lines-lost",
+                                                    "section-removed",
+                                                    "record-removed",
+                                                    "section-keeps-folder",
+                                                    "owner-changes",
+                                                    "mode-changes",
+                                                    "owner-locked-out",
+                                                    "no-folder",
+                                                    "relative-folder",
+                                                    "system-folder",
+                                                    "folder-inside-share",
+                                                    "folder-shared-twice",
+                                                    "name-case",
+                                                    "overwrites-account",
+                                                    "id-changes",
+                                                    "untouched-setting",
+                                                    "guests-write",
+                                                    "read-only-section",
+                                                    "many-accounts",
+                                                    "server-complains",
+                                                    "server-reads-otherwise"};
+
+/// Those that the script language does not have.
+constexpr std::array<std::string_view, 3> advice = {"section-keeps-folder", "folder-shared-twice",
+                                                    "read-only-section"};
 
 std::ptrdiff_t placeOf(const Remark& warning) {
     return std::ranges::find(codes, warning.code) - codes.begin();
@@ -28,6 +48,10 @@ bool Situation::writesSMBConf() const {
         return run.tool == platform::systempath::cp && run.arguments.size() == 2 &&
                run.arguments[1] == platform::systempath::smbConf;
     });
+}
+
+bool isAdvice(const Remark& warning) {
+    return std::ranges::find(advice, warning.code) != advice.end();
 }
 
 std::vector<Remark> warningsOf(const Situation& situation) {

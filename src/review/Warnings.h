@@ -37,6 +37,9 @@ template <class... Arguments>
 /// is about.
 [[nodiscard]] std::vector<Remark> warningsOf(const Situation& situation);
 
+/// Whether the warning is for people only: the script language has a fixed list.
+[[nodiscard]] bool isAdvice(const Remark& warning);
+
 /// The warning that a setting of smb.conf changes although nobody touched its control. `key` is its name
 /// where neither section has it.
 [[nodiscard]] Remark untouchedSetting(const std::string& section, std::string_view key,

@@ -17,12 +17,13 @@ JSON entryOf(const review::HistoryEntry& entry) {
 }
 
 void history(CommandRun& run) {
-    const auto entries = run.context().history.entries();
+    auto entries = run.context().history.entries();
     if (!entries.isOk()) {
         CommandRun::fail(entries.status().text());
     }
     JSON& list = run.result()["history"] = JSON::array();
-    for (const review::HistoryEntry& entry : *entries) {
+    for (review::HistoryEntry& entry : *entries) {
+        entry.hasFailed = hasGoneWrong(entry);
         list.push_back(entryOf(entry));
         run.say(std::to_string(entry.number) + "\t" + review::timeOf(entry) + "\t" + entry.user + "\t" +
                 entry.title + "\t" + review::outcomeOf(entry));

@@ -38,7 +38,7 @@ QString outcomeText(const review::HistoryEntry& entry) {
     if (entry.isUndone) {
         return localized("taken back");
     }
-    return entry.hasFailed ? localized("failed") : localized("done");
+    return hasGoneWrong(entry) ? localized("failed") : localized("done");
 }
 
 std::string_view textOf(const std::optional<std::string>& bytes) {

@@ -115,6 +115,7 @@ WindowReview::WindowReview(review::Reviewer& reviewer, QMainWindow& window, Wind
         return mayBegin;
     });
     reviewer.setRefusesWithoutDirectory(true);
+    reviewer.setGivesAdvice(true);
     if (auto* shares = actions.find<NSTableView>(shareTable)) {
         remarksShown_ = new Binding(this, queue, shares->reloaded, [this] { showRemarks(); });
     }
