@@ -46,6 +46,12 @@ bool exists(const std::string& file) {
     return std::filesystem::exists(file, ignored);
 }
 
+/// False for a path that cannot be looked at: what is below a closed home may well exist.
+bool isMissing(const std::string& file) {
+    std::error_code ignored;
+    return std::filesystem::status(file, ignored).type() == std::filesystem::file_type::not_found;
+}
+
 /// False for an account of this computer whose Public folder is never offered, as a system account's.
 bool mayHavePublicFolder(const std::string& user) {
     const auto& computer = platform::Host::current().services().computer;
@@ -101,7 +107,7 @@ void Examiner::examineUser(const User& user) {
               .user = user.name});
     }
     const std::string folder = user.home + "/Public";
-    if (user.sharedFolder == "Public" && !exists(folder) && mayHavePublicFolder(user.name)) {
+    if (user.sharedFolder == "Public" && isMissing(folder) && mayHavePublicFolder(user.name)) {
         find(
             {.code = "public-folder-gone",
              .text = stringWithFormat(

@@ -17,10 +17,20 @@ namespace accesscheck {
 
 namespace {
 
+/// Of the directory's accounts that are asked for: the rest are read at once, because opening the directory
+/// of a computer reads all its account files.
+constexpr int accountsReadOneByOne = 4;
+
 std::optional<unsigned> numberIn(const DirectoryView::Record& record, std::string_view property) {
     bool isValid = false;
     const unsigned number = platform::accountNumber(firstValueOf(record, property), &isValid);
     return isValid ? std::optional(number) : std::nullopt;
+}
+
+std::optional<Account> accountIn(const DirectoryView::Record& record, const std::string& name) {
+    const auto uid = numberIn(record, "uid");
+    const auto gid = numberIn(record, "gid");
+    return uid && gid ? std::optional(Account{name, *uid, *gid, {*gid}}) : std::nullopt;
 }
 
 std::optional<Account> computerAccount(const std::string& name) {
@@ -50,13 +60,28 @@ void ServerAccounts::noteFailure(const DirectoryView& directory) {
 }
 
 std::optional<Account> ServerAccounts::directoryAccount(const std::string& name) {
-    const DirectoryView directory(platform::Host::current().services().localDomain);
-    const auto record =
-        name.find('/') == std::string::npos ? directory.record("/users/" + name) : std::nullopt;
-    noteFailure(directory);
-    const auto uid = record ? numberIn(*record, "uid") : std::nullopt;
-    const auto gid = record ? numberIn(*record, "gid") : std::nullopt;
-    return uid && gid ? std::optional(Account{name, *uid, *gid, {*gid}}) : std::nullopt;
+    if (name.find('/') != std::string::npos) {
+        return std::nullopt;
+    }
+    if (accountsAskedFor_ < accountsReadOneByOne) {
+        ++accountsAskedFor_;
+        const DirectoryView directory(platform::Host::current().services().localDomain);
+        const auto record = directory.record("/users/" + name);
+        noteFailure(directory);
+        return record ? accountIn(*record, name) : std::nullopt;
+    }
+    if (!users_) {
+        users_.emplace();
+        const DirectoryView directory(platform::Host::current().services().localDomain);
+        for (const DirectoryView::Record& record : directory.records("/users")) {
+            for (const std::string& each : valuesOf(record, "name")) {
+                users_->emplace(each, accountIn(record, each));
+            }
+        }
+        noteFailure(directory);
+    }
+    const auto found = users_->find(name);
+    return found == users_->end() ? std::nullopt : found->second;
 }
 
 std::optional<Account> ServerAccounts::eitherAccount(const std::string& name) {
@@ -64,7 +89,7 @@ std::optional<Account> ServerAccounts::eitherAccount(const std::string& name) {
     return account ? account : computerAccount(name);
 }
 
-const std::map<std::string, ServerAccounts::Group>& ServerAccounts::groups() {
+const ServerAccounts::Groups& ServerAccounts::groups() {
     if (groups_) {
         return *groups_;
     }
@@ -73,9 +98,12 @@ const std::map<std::string, ServerAccounts::Group>& ServerAccounts::groups() {
     for (const DirectoryView::Record& record : directory.records("/groups")) {
         const std::string name = firstValueOf(record, "name");
         const auto gid = numberIn(record, "gid");
-        if (!name.empty() && gid) {
-            const auto members = valuesOf(record, "users");
-            (*groups_)[name] = {*gid, {members.begin(), members.end()}};
+        if (name.empty() || !gid) {
+            continue;
+        }
+        groups_->byName[name] = *gid;
+        for (const std::string& member : valuesOf(record, "users")) {
+            groups_->ofMember[member].push_back(*gid);
         }
     }
     noteFailure(directory);
@@ -83,15 +111,13 @@ const std::map<std::string, ServerAccounts::Group>& ServerAccounts::groups() {
 }
 
 void ServerAccounts::addGroupsOf(Account& account) {
-    for (const auto& [name, group] : groups()) {
-        if (std::ranges::find(group.members, account.name) != group.members.end()) {
-            account.groups.push_back(group.gid);
-        }
+    if (const auto found = groups().ofMember.find(account.name); found != groups().ofMember.end()) {
+        account.groups.insert(account.groups.end(), found->second.begin(), found->second.end());
     }
     for (const gid_t gid : computerGroups(account)) {
         // If the directory has the group as well, its list of members is the one that counts.
         const struct group* entry = ::getgrgid(gid);
-        if (entry != nullptr && !groups().contains(entry->gr_name)) {
+        if (entry != nullptr && !groups().byName.contains(entry->gr_name)) {
             account.groups.push_back(gid);
         }
     }
@@ -109,8 +135,8 @@ std::optional<Account> ServerAccounts::account(const std::string& name) {
 }
 
 std::optional<gid_t> ServerAccounts::group(const std::string& name) {
-    if (const auto found = groups().find(name); found != groups().end()) {
-        return found->second.gid;
+    if (const auto found = groups().byName.find(name); found != groups().byName.end()) {
+        return found->second;
     }
     const struct group* entry = ::getgrnam(name.c_str());
     return entry != nullptr ? std::optional(entry->gr_gid) : std::nullopt;
