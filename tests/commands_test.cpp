@@ -207,14 +207,34 @@ TEST_F(Commands, EndWithAStatusThatSaysWhatIsMissing) {
     EXPECT_EQ(command("shares add").status, 2);
     EXPECT_EQ(command("shares set Docs --owner-may everything").status, 2);
     EXPECT_EQ(answer("groups list")["groups"].dump().find("crew"), std::string::npos);
+    fs::rename(test_.root() / "computer/etc/smb.conf", test_.root() / "smb.conf");
+    fs::create_directory(test_.root() / "computer/etc/smb.conf");
+    for (const char* line :
+         {"shares list", "shares remove Docs --yes", "smb show", "smb set workgroup X --yes"}) {
+        EXPECT_NE(command(line).errors.find("smb.conf cannot be read"), std::string::npos) << line;
+    }
+    fs::remove(test_.root() / "computer/etc/smb.conf");
+    fs::rename(test_.root() / "smb.conf", test_.root() / "computer/etc/smb.conf");
     test_.write("computer/directory.db", "a letter");
-    for (const char* line : {"groups show staff", "users add ann --no-password --yes", "public on ann --yes",
-                             "public on --all --yes", "users remove ann --yes", "groups remove crew --yes",
-                             "shares remove Other --yes"}) {
+    for (const char* line :
+         {"users list", "groups list", "groups show staff", "users add ann --no-password --yes",
+          "public on ann --yes", "public on --all --yes", "users remove ann --yes",
+          "groups remove crew --yes", "shares remove Other --yes"}) {
         const Finished refused = command(line);
         EXPECT_NE(refused.errors.find("could not be read"), std::string::npos) << line << refused.output;
         EXPECT_EQ(refused.status, 1) << line;
     }
+}
+
+TEST_F(Commands, LeaveNoUserWithoutThePasswordThatWasGiven) {
+    const std::string add = "users add ann --password-stdin --yes";
+    EXPECT_EQ(answer(add, 1, "\n")["error"]["status"], 1);
+    EXPECT_EQ(answer(add, 1, std::string(300, 'x'))["error"]["status"], 1);
+    EXPECT_EQ(answer("users show ann", 1)["error"]["status"], 1) << "nothing is half made";
+    EXPECT_EQ(answer("users add ann --no-password --yes")["changed"], true);
+    EXPECT_EQ(answer(add, 0, "Wonderland1\n")["changed"], true)
+        << "as after an attempt that stopped half way";
+    EXPECT_EQ(answer(add, 0, "Wonderland1\n")["changed"], false);
 }
 
 TEST_F(Commands, AskBeforeALossAndTakeHalfSharesForWhatTheyAre) {

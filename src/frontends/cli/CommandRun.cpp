@@ -2,6 +2,7 @@
 
 #include "frontends/script/PlanText.h"
 #include "platform/appkit/NSApplication.h"
+#include "platform/foundation/Host.h"
 #include "platform/foundation/NSBundle.h"
 #include "platform/foundation/NSString.h"
 #include "review/DirectoryState.h"
@@ -108,6 +109,17 @@ int CommandRun::requireRow(const std::string& table, const std::string& column, 
 void CommandRun::requireDirectory() {
     if (const std::string notice = review::directoryNotice(); !notice.empty()) {
         fail(notice);
+    }
+}
+
+void CommandRun::requireSMBConf() const {
+    const SMBConf* conf = context_.reviewer->smbConf();
+    if (conf != nullptr && !conf->unreadableReason().empty()) {
+        const platform::Paths& paths = platform::Host::current().paths();
+        fail(stringWithFormat(
+            NSLocalizedString("%@ cannot be read (%@), and nothing will be saved to it.  Make "
+                              "it readable and start again."),
+            paths.shown(paths.map(conf->Path())), NSLocalizedString(conf->unreadableReason())));
     }
 }
 
