@@ -23,8 +23,11 @@ install(FILES resources/completion/brindle.bash DESTINATION ${CMAKE_INSTALL_DATA
 install(FILES resources/completion/_brindle DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/vendor-completions)
 install(FILES resources/completion/brindle.fish DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d)
 
-# Without the window, a desktop's menu has nothing to start.
-if(BRINDLE_HAS_QT)
+# Without the window, a desktop's menu has nothing to start, and who installs that shall know it.
+if(NOT BRINDLE_HAS_QT)
+    install(CODE [[message(WARNING "This build has no window, because Qt 6 (qt6-base-dev, libgl-dev) was not installed "
+        "or not wanted when it was configured: only the commands and scripts are installed.")]])
+else()
     set(metainfo example.brindle.Brindle.metainfo.xml)
     configure_file(resources/desktop/${metainfo}.in ${papers}/${metainfo} @ONLY)
     install(FILES ${papers}/${metainfo} DESTINATION ${CMAKE_INSTALL_DATADIR}/metainfo)

@@ -360,6 +360,7 @@ TEST(ScriptThatStartsBrindle, InstallsTheWindowsPackagesForAWindowOnly) {
     for (const auto& [arguments, wants] : {std::pair("", true),
                                            {"--root shares --serve --port 9", true},
                                            {"--root d --snapshot out", true},
+                                           {"--version", true}, // what is installed afterwards has a window
                                            {"doctor", false},
                                            {"--root d shares list", false},
                                            {"--print shares", false}}) {
