@@ -314,6 +314,9 @@ TEST_F(SystemAccounts, AreWrittenByTheHelperForTheUserWhoCalledSudo) {
     EXPECT_TRUE(contains(request(remove, "1410"), "the user who runs Brindle"));
     EXPECT_EQ(request({"/usr/bin/dscl", ".", "-passwd", "/Users/chief", "s3cret pass:word"}, "1410"), "");
     EXPECT_TRUE(line("/etc/shadow", "chief").starts_with("chief:$"));
+    ASSERT_EQ(runProgram({"/usr/sbin/usermod", "-L", "chief"}).status, 0);
+    EXPECT_EQ(request({"/usr/bin/dscl", ".", "-passwd", "/Users/chief", "another"}, "1410"), "");
+    EXPECT_TRUE(line("/etc/shadow", "chief").starts_with("chief:!$")) << "it stays locked";
     EXPECT_TRUE(sambaAccounts().starts_with("chief:1410:"));
     EXPECT_EQ(request(remove, "1411"), "");
     EXPECT_EQ(line("/etc/passwd", "chief"), "");
