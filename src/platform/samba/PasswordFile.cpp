@@ -3,6 +3,7 @@
 #include "platform/posix/LetterCase.h"
 #include "platform/posix/Secret.h"
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cstdint>
@@ -274,8 +275,11 @@ std::optional<std::optional<SambaUser>> userInPasswordFile(const std::string& fi
         }
         return std::optional(std::move(known->user));
     }
-    if (record.error() != TDB_ERR_NOEXIST) {
-        return std::nullopt; // in a damaged file an account that is not found may still exist
+    const bool isASCII = std::ranges::all_of(user, [](unsigned char c) { return c < 0x80; });
+    if (record.error() != TDB_ERR_NOEXIST || !isASCII) {
+        // In a damaged file an account that is not found may still exist. And Samba has small letters of its
+        // own for a few that are not ASCII.
+        return std::nullopt;
     }
     return std::optional<SambaUser>();
 }
