@@ -226,6 +226,19 @@ TEST_F(Commands, EndWithAStatusThatSaysWhatIsMissing) {
     }
 }
 
+TEST_F(Commands, SayWhenTheirWordsOrTheHistoryAreLost) {
+    EXPECT_EQ(answer("groups add crew --yes").contains("notInHistory"), false);
+    const fs::path history = test_.root() / "computer/history.db";
+    fs::remove(history);
+    fs::create_directory(history);
+    const Finished finished = command("groups add team --yes --json");
+    EXPECT_TRUE(json::parse(finished.output).contains("notInHistory")) << finished.output;
+    EXPECT_NE(finished.errors.find("history.db"), std::string::npos);
+    const std::string line =
+        BRINDLE_PROGRAMS "/brindle groups add more --yes --root " + (test_.root() / "computer").string();
+    EXPECT_EQ(runProgram({"sh", "-c", line + " >&-"}, "", {"HOME=" + test_.home().string()}).status, 1);
+}
+
 TEST_F(Commands, LeaveNoUserWithoutThePasswordThatWasGiven) {
     const std::string add = "users add ann --password-stdin --yes";
     EXPECT_EQ(answer(add, 1, "\n")["error"]["status"], 1);

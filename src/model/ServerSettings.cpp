@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cctype>
 
 namespace {
 
@@ -37,7 +36,9 @@ std::string foldedSettingName(std::string_view name) {
     std::string result;
     for (const char character : name) {
         if (character != ' ' && character != '\t') {
-            result += static_cast<char>(std::tolower(static_cast<unsigned char>(character)));
+            // Not tolower, which in a Turkish locale leaves the I of "Invalid Users" as it is.
+            const bool isUpper = character >= 'A' && character <= 'Z';
+            result += isUpper ? static_cast<char>(character - 'A' + 'a') : character;
         }
     }
     return result;

@@ -167,6 +167,7 @@ int helperMain(int argc, char** argv) {
     closeInheritedDescriptors();
     platform::leaveNoCore();
     ::prctl(PR_SET_DUMPABLE, 0); // so that the user whom it serves as root cannot look into its memory
+    platform::openStandardDescriptors();
     ::umask(S_IWGRP | S_IWOTH);
     // Finish a tool's work even if nobody reads the output, and when Ctrl-C or the end of the terminal, which
     // reach the whole process group, end Brindle: an account program that dies half way leaves the account

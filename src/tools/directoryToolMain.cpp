@@ -2,6 +2,7 @@
 #include "platform/foundation/Host.h"
 #include "platform/host/EmbeddedRoot.h"
 #include "platform/netinfo/LocalDomain.h"
+#include "platform/posix/InputOutput.h"
 #include "platform/posix/Secret.h"
 #include "tools/DirectoryTools.h"
 #include "tools/SudoUser.h"
@@ -97,6 +98,7 @@ ToolResult run(std::string_view tool, const platform::HostOptions& options,
 
 int directoryToolMain(std::string_view name, int argc, char** argv) {
     platform::leaveNoCore(); // dscl gets a password
+    platform::openStandardDescriptors();
     const Tool& tool = *std::ranges::find(tools, name, &Tool::name);
     platform::HostOptions options;
     const auto parser = platform::makeParser(std::string(name), tool.summary, tool.synopsis, options);

@@ -1,5 +1,6 @@
 #include "frontends/cli/CommandRun.h"
 
+#include "frontends/cli/Interruption.h"
 #include "frontends/script/PlanText.h"
 #include "platform/appkit/NSApplication.h"
 #include "platform/foundation/Host.h"
@@ -40,10 +41,23 @@ int CommandRun::run() {
     } catch (const CommandFailure& failure) {
         hasFailed = true;
         status_ = failure.status();
+        std::string text = failure.what();
+        if (const auto done = context_.history.takeAdded()) {
+            text +=
+                stringWithFormat(NSLocalizedString("; a part of it was carried out before: that is change %@ "
+                                                   "of the history, which can be taken back (undo)"),
+                                 std::to_string(done->number));
+        }
         if (printsJSON) {
-            result_ = {{"error", {{"status", static_cast<int>(status_)}, {"text", failure.what()}}}};
+            result_ = {{"error", {{"status", static_cast<int>(status_)}, {"text", text}}}};
         } else {
-            std::cerr << "brindle: " << failure.what() << '\n';
+            std::cerr << "brindle: " << text << '\n';
+        }
+    }
+    if (const std::string lost = context_.history.takeLoss(); !lost.empty()) {
+        std::cerr << "brindle: " << lost << '\n';
+        if (!hasFailed) {
+            result_["notInHistory"] = lost;
         }
     }
     if (printsJSON) {
@@ -230,6 +244,9 @@ void CommandRun::perform(const std::function<void()>& event) {
 
 void CommandRun::checkWhatHappened() const {
     const CommandPresenter& presenter = context_.presenter;
+    if (Interruption::hasCome()) {
+        fail(NSLocalizedString("interrupted"));
+    }
     if (presenter.unanswered()) {
         fail(*presenter.unanswered() + " " + NSLocalizedString("(use --yes to continue)"),
              CommandStatus::NeedsAnswer);

@@ -19,7 +19,7 @@ std::string typedTwice(const std::string& user) {
                          CommandStatus::NeedsAnswer);
     }
     auto first = askSecret(stringWithFormat(NSLocalizedString("Password for %@"), user));
-    auto second = askSecret(NSLocalizedString("Once more"));
+    auto second = first ? askSecret(NSLocalizedString("Once more")) : std::nullopt;
     const bool areRead = first && second;
     const bool agree = areRead && *first == *second;
     if (second) {
