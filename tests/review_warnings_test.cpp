@@ -102,11 +102,13 @@ TEST_F(Surprises, AFolderWhoseOwnerChangesUnseenOrIsLockedOutIsNamed) {
 TEST_F(Surprises, AFolderInTheWrongPlaceIsNamed) {
     begin();
     type("shareName", "New");
+    choose("sharingSMB", 1);
     for (const auto& [path, code] :
          std::vector<std::pair<std::string, std::string>>{{"/nowhere/at all", "no-folder"},
                                                           {"relative", "relative-folder"},
                                                           {"/etc", "system-folder"},
                                                           {docs, "folder-shared-twice"},
+                                                          {folder("50%Um"), "unreachable"},
                                                           {folder("docs/inside"), "folder-inside-share"}}) {
         type("directory", path);
         const std::string said = sentence("createShare:", code);

@@ -10,7 +10,7 @@ namespace review {
 namespace {
 
 /// The codes of all warnings, in the order in which they are shown.
-constexpr std::array<std::string_view, 22> codes = {"changed-outside",
+constexpr std::array<std::string_view, 23> codes = {"changed-outside",
                                                     "lines-lost",
                                                     "section-removed",
                                                     "record-removed",
@@ -20,6 +20,7 @@ constexpr std::array<std::string_view, 22> codes = {"changed-outside",
                                                     "owner-locked-out",
                                                     "no-folder",
                                                     "relative-folder",
+                                                    "unreachable",
                                                     "system-folder",
                                                     "folder-inside-share",
                                                     "folder-shared-twice",
@@ -34,8 +35,8 @@ constexpr std::array<std::string_view, 22> codes = {"changed-outside",
                                                     "server-reads-otherwise"};
 
 /// Those that the script language does not have.
-constexpr std::array<std::string_view, 3> advice = {"section-keeps-folder", "folder-shared-twice",
-                                                    "read-only-section"};
+constexpr std::array<std::string_view, 4> advice = {"section-keeps-folder", "folder-shared-twice",
+                                                    "read-only-section", "unreachable"};
 
 std::ptrdiff_t placeOf(const Remark& warning) {
     return std::ranges::find(codes, warning.code) - codes.begin();
