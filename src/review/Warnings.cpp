@@ -10,33 +10,19 @@ namespace review {
 namespace {
 
 /// The codes of all warnings, in the order in which they are shown.
-constexpr std::array<std::string_view, 23> codes = {"changed-outside",
-                                                    "lines-lost",
-                                                    "section-removed",
-                                                    "record-removed",
-                                                    "section-keeps-folder",
-                                                    "owner-changes",
-                                                    "mode-changes",
-                                                    "owner-locked-out",
-                                                    "no-folder",
-                                                    "relative-folder",
-                                                    "unreachable",
-                                                    "system-folder",
-                                                    "folder-inside-share",
-                                                    "folder-shared-twice",
-                                                    "name-case",
-                                                    "overwrites-account",
-                                                    "id-changes",
-                                                    "untouched-setting",
-                                                    "guests-write",
-                                                    "read-only-section",
-                                                    "many-accounts",
-                                                    "server-complains",
-                                                    "server-reads-otherwise"};
+constexpr std::array<std::string_view, 24> codes = {
+    "changed-outside",     "lines-lost",           "section-removed",
+    "record-removed",      "section-keeps-folder", "owner-changes",
+    "mode-changes",        "owner-locked-out",     "no-folder",
+    "relative-folder",     "unreachable",          "system-folder",
+    "folder-inside-share", "folder-shared-twice",  "name-case",
+    "overwrites-account",  "id-changes",           "untouched-setting",
+    "guests-write",        "read-only-section",    "user-in-use",
+    "many-accounts",       "server-complains",     "server-reads-otherwise"};
 
 /// Those that the script language does not have.
-constexpr std::array<std::string_view, 4> advice = {"section-keeps-folder", "folder-shared-twice",
-                                                    "read-only-section", "unreachable"};
+constexpr std::array<std::string_view, 5> advice = {"section-keeps-folder", "folder-shared-twice",
+                                                    "read-only-section", "unreachable", "user-in-use"};
 
 std::ptrdiff_t placeOf(const Remark& warning) {
     return std::ranges::find(codes, warning.code) - codes.begin();
