@@ -346,7 +346,7 @@ TEST_F(Commands, AreCompletedWithExistingNames) {
             .output;
     };
     EXPECT_EQ(completed("sh"), "shares\n");
-    EXPECT_EQ(completed("shares set ''"), "Docs\n");
+    EXPECT_EQ(completed("shares set '\"D'"), "Docs\n"); // after an opening quote
     EXPECT_EQ(completed("shares set Docs --owner-may ''"), "rw r w none\n");
     EXPECT_EQ(completed("smb set wo"), "workgroup\n");
     EXPECT_EQ(completed("sessions disconnect --share ''"), "Docs\n");
