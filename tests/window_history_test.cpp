@@ -110,6 +110,19 @@ TEST_F(WindowHistoryTest, OnADamagedDirectorySettingsComeBackAndRecordsDoNot) {
     EXPECT_EQ(text("smbWorkGroup"), "HOME");
 }
 
+TEST_F(WindowHistoryTest, TheWindowWithUnsavedEditsClosesOnlyWhenTheyMayBeLost) {
+    openWithHistory();
+    auto& window = widget<QWidget>("mainWindow");
+    showPage(3);
+    typeInto("greeting", "Welcome");
+    answer({"Cancel", "Go On"});
+    useMenu("Quit");
+    EXPECT_TRUE(window.isVisible());
+    window.close();
+    EXPECT_EQ(asked, (QStringList{"Unsaved Changes", "Unsaved Changes"}));
+    EXPECT_FALSE(window.isVisible());
+}
+
 TEST_F(WindowHistoryTest, NamesAPageAsUnsavedUntilItsSaveHasSucceeded) {
     openWithHistory();
     writeGroup("600", {"Yes"});

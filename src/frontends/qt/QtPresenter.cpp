@@ -75,6 +75,7 @@ void QtPresenter::closeAll() {
     while (!views_.empty()) {
         views_.pop_back();
     }
+    edits_.reset();
     actions_.clear();
     mainWidget_ = nullptr;
     review_ = nullptr;
@@ -267,6 +268,8 @@ void QtPresenter::useReviewer(review::Reviewer& reviewer) {
     reviewer_ = &reviewer;
     platform::Host::current().setPatience(patience_);
     if (auto* window = qobject_cast<QMainWindow*>(mainWidget_)) {
+        edits_ = std::make_unique<UnsavedEdits>(*actions_.front(), *queue_);
+        actions_.front()->setMayClose([this] { return edits_->mayBeLost(UnsavedEdits::Pages::All); });
         review_ = new WindowReview(reviewer, *window, *actions_.front(), *queue_); // the window's child
         progress_ = std::make_unique<RunProgress>([this] { return parentForDialogs(); }, activity_, *queue_);
         review_->setAllowed(
@@ -291,11 +294,11 @@ void QtPresenter::useHistory(const review::History& history) {
     auto* window = qobject_cast<QMainWindow*>(mainWidget_);
     auto* menu = window == nullptr ? nullptr : window->findChild<QMenu*>("changesMenu");
     if (menu != nullptr && reviewer_ != nullptr) {
-        auto* changes = new WindowHistory(history, *reviewer_, *actions_.front(), *window, *menu,
+        auto* changes = new WindowHistory(history, *reviewer_, *edits_, *window, *menu,
                                           *queue_); // the window's child
         changes->setAllowed([this](std::size_t runs) { beginProgress({}, runs); });
-        saved_ = status_->saved.connect(
-            [changes](const std::string& operation) { changes->noteSaved(operation); });
+        saved_ =
+            status_->saved.connect([this](const std::string& operation) { edits_->noteSaved(operation); });
         progress_->setStop([&history](bool madeStill) { history.stopAction(madeStill); });
         status_->useHistory(history, *menu,
                             [changes, window](std::int64_t number) { changes->takeBack(number, window); });

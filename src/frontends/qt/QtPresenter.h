@@ -5,6 +5,7 @@
 #include "frontends/qt/FrameTimers.h"
 #include "frontends/qt/QtFrontend.h"
 #include "frontends/qt/RunProgress.h"
+#include "frontends/qt/UnsavedEdits.h"
 #include "frontends/qt/WindowStatus.h"
 #include "frontends/qt/WindowView.h"
 #include "platform/appkit/Presenter.h"
@@ -100,6 +101,7 @@ class QtPresenter : public platform::Presenter {
     WindowReview* review_ = nullptr;       ///< the main window's child
     WindowInquiries* inquiries_ = nullptr; ///< the main window's child
     QWidget* mainWidget_ = nullptr;
+    std::unique_ptr<UnsavedEdits> edits_; ///< the main window's; null when there is no reviewer
     Activity activity_;
     std::shared_ptr<platform::Log> log_;       ///< the host's own log while activityLog_ replaces it
     std::shared_ptr<ActivityLog> activityLog_; ///< wraps log_

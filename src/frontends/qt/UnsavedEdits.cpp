@@ -2,8 +2,10 @@
 
 #include "frontends/qt/NodeAttributes.h"
 #include "frontends/qt/WindowNames.h"
+#include "platform/appkit/NSAlert.h"
 #include "platform/appkit/NSControl.h"
 #include "platform/foundation/NSBundle.h"
+#include "platform/foundation/NSString.h"
 #include "review/Operations.h"
 
 #include <algorithm>
@@ -99,19 +101,34 @@ void UnsavedEdits::noteSaved(const std::string& operation) {
     }
 }
 
-std::string UnsavedEdits::pages() const {
+bool UnsavedEdits::isUnsaved(const platform::InterfaceNode& page, Pages which) const {
+    if (which == Pages::OfSMBConf && !sends(page, "createShare:") && !sends(page, "updateSMBProperties:")) {
+        return false;
+    }
+    return std::ranges::any_of(editsBelow(page), [this](const auto& edit) {
+        const auto saved = saved_.find(edit.first);
+        return saved == saved_.end() || saved->second != edit.second;
+    });
+}
+
+std::string UnsavedEdits::loss(Pages which) const {
     std::string titles;
     for (const auto& [page, title] : pagesOf(actions_.interface())) {
-        const Edits edits = editsBelow(*page);
-        const bool isUnsaved = std::ranges::any_of(edits, [this](const auto& edit) {
-            const auto saved = saved_.find(edit.first);
-            return saved == saved_.end() || saved->second != edit.second;
-        });
-        if (isUnsaved) {
+        if (isUnsaved(*page, which)) {
             titles += (titles.empty() ? "" : ", ") + title;
         }
     }
-    return titles;
+    return titles.empty()
+               ? titles
+               : stringWithFormat(NSLocalizedString("Unsaved changes on these pages will be lost: %@."),
+                                  titles);
+}
+
+bool UnsavedEdits::mayBeLost(Pages which) const {
+    const std::string text = loss(which);
+    return text.empty() ||
+           NSRunAlertPanel(NSLocalizedString("Unsaved Changes"), "%@", NSLocalizedString("Cancel"),
+                           NSLocalizedString("Go On"), std::nullopt, text) == NSAlertAlternateReturn;
 }
 
 } // namespace frontend

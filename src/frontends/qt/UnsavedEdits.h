@@ -15,14 +15,20 @@ class UnsavedEdits {
     /// `actions` must outlive this object.
     UnsavedEdits(WindowActions& actions, RefreshQueue& queue);
 
+    enum class Pages { All, OfSMBConf }; ///< the latter: the share editor and the SMB server's settings
+
     /// Says that the operation has saved its page.
     void noteSaved(const std::string& operation);
 
-    /// Returns the titles of the pages with unsaved changes; empty when there are none.
-    [[nodiscard]] std::string pages() const;
+    /// Returns a sentence with the titles of those pages that have unsaved changes; empty when none has.
+    [[nodiscard]] std::string loss(Pages which) const;
+
+    /// Asks whether the unsaved changes on those pages may be lost. Returns true at once when there are none.
+    [[nodiscard]] bool mayBeLost(Pages which) const;
 
   private:
     void forgetReplaced();
+    [[nodiscard]] bool isUnsaved(const platform::InterfaceNode& page, Pages which) const;
 
     WindowActions& actions_;
     std::map<const platform::Element*, std::string> saved_; ///< contents when they were last saved
