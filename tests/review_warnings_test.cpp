@@ -364,4 +364,19 @@ TEST_F(Surprises, AnActionIsAskedAboutOnlyWhenItHasAWarning) {
                                           "Brindle read it: saving undoes that change.");
 }
 
+TEST_F(Surprises, WhatIsWrittenWhileTheUserIsAskedIsAskedAbout) {
+    begin();
+    int questions = 0;
+    reviewer->setQuestion([&](const review::Plan& plan) {
+        if (questions++ == 0) {
+            writeConf(plainConf("wins support = yes\n"));
+        }
+        return plan.warnings.empty();
+    });
+    selectShare("Docs");
+    send("createShare:");
+    EXPECT_TRUE(host.runs.empty());
+    EXPECT_EQ(questions, 2);
+}
+
 } // namespace

@@ -208,25 +208,36 @@ bool Reviewer::mayPerform(const NSControl& sender) const {
     if (operation == nullptr) {
         return true;
     }
-    Plan plan = question_ ? planAction(sender) : planSteps(sender);
-    // Deleting may always be tried.
-    if (plan.lacksDirectory && refusesWithoutDirectory_ && !operation->removes) {
-        plan.blocks.push_back({"directory", plan.failure});
+    auto& turn = platform::Host::current().sharedInstance<platform::WritersTurn>();
+    while (true) {
+        Plan plan = question_ ? planAction(sender) : planSteps(sender);
+        // Deleting may always be tried.
+        if (plan.lacksDirectory && refusesWithoutDirectory_ && !operation->removes) {
+            plan.blocks.push_back({"directory", plan.failure});
+        }
+        if (plan.blocks.empty()) {
+            if (question_ && !question_(plan)) {
+                return false;
+            }
+            if (const auto status = turn.take(platform::WritersTurn::actionSeconds); !status.isOk()) {
+                plan.blocks.push_back({"busy", status.text()});
+            }
+        }
+        if (!plan.blocks.empty()) {
+            showBlocked_(plan);
+            return false;
+        }
+        if (isStillTrue(plan)) {
+            return true;
+        }
+        turn.endAction(); // others wait for nobody while the user is asked again
     }
-    if (!plan.blocks.empty()) {
-        showBlocked_(plan);
-        return false;
-    }
-    if (question_ && !question_(plan)) {
-        return false;
-    }
-    const platform::Status status = platform::Host::current().sharedInstance<platform::WritersTurn>().take(
-        platform::WritersTurn::actionSeconds);
-    if (!status.isOk()) {
-        plan.blocks.push_back({"busy", status.text()});
-        showBlocked_(plan);
-    }
-    return status.isOk();
+}
+
+bool Reviewer::isStillTrue(const Plan& plan) const {
+    const SMBConf* model = controller().smbConfModel();
+    return !givesAdvice_ || !plan.failure.empty() || model == nullptr ||
+           contentsOfFile(model->Path()).valueOr("") == plan.smbConfBefore;
 }
 
 } // namespace review
