@@ -123,7 +123,7 @@ TEST_F(WindowHistoryTest, TheWindowWithUnsavedEditsClosesOnlyWhenTheyMayBeLost) 
     EXPECT_FALSE(window.isVisible());
 }
 
-TEST_F(WindowHistoryTest, NamesAPageAsUnsavedUntilItsSaveHasSucceeded) {
+TEST_F(WindowHistoryTest, APageIsUnsavedUntilItsSaveHasSucceededAndStaysSoAfterAFailedUndo) {
     openWithHistory();
     writeGroup("600", {"Yes"});
     const auto warnsOfGroups = [this] {
@@ -139,6 +139,10 @@ TEST_F(WindowHistoryTest, NamesAPageAsUnsavedUntilItsSaveHasSucceeded) {
     answer({"Yes"});
     click("createNewGroupButton");
     EXPECT_TRUE(warnsOfGroups());
+    answer({"Yes", "OK"});
+    clickInChanges(openChanges());
+    EXPECT_EQ(asked.back(), "Not Taken Back");
+    EXPECT_EQ(text("groupName") + text("gid"), "crew700");
 }
 
 } // namespace

@@ -270,7 +270,8 @@ void QtPresenter::useReviewer(review::Reviewer& reviewer) {
     if (auto* window = qobject_cast<QMainWindow*>(mainWidget_)) {
         edits_ = std::make_unique<UnsavedEdits>(*actions_.front(), *queue_);
         actions_.front()->setMayClose([this] { return edits_->mayBeLost(UnsavedEdits::Pages::All); });
-        review_ = new WindowReview(reviewer, *window, *actions_.front(), *queue_); // the window's child
+        review_ =
+            new WindowReview(reviewer, *edits_, *window, *actions_.front(), *queue_); // the window's child
         progress_ = std::make_unique<RunProgress>([this] { return parentForDialogs(); }, activity_, *queue_);
         review_->setAllowed(
             [this](const review::Plan& plan) { beginProgress(plan.operation, plan.runs.size()); });

@@ -3,6 +3,7 @@
 #include "frontends/qt/Binding.h"
 #include "frontends/qt/WindowActions.h"
 
+#include <functional>
 #include <map>
 #include <string>
 
@@ -25,6 +26,10 @@ class UnsavedEdits {
 
     /// Asks whether the unsaved changes on those pages may be lost. Returns true at once when there are none.
     [[nodiscard]] bool mayBeLost(Pages which) const;
+
+    /// Returns a function that puts the unsaved changes on those pages, as they are now, back into the
+    /// controls when these have been filled again. They are then unsaved as before.
+    [[nodiscard]] std::function<void()> keep(Pages which) const;
 
   private:
     void forgetReplaced();

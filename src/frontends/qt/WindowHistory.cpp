@@ -187,9 +187,11 @@ void WindowHistory::takeBack(std::optional<std::int64_t> number, QWidget* parent
         if (allowed_) {
             allowed_(plan.runs.size());
         }
+        const auto putBack = edits_.keep(UnsavedEdits::Pages::All);
         const platform::Status status = history_.undo(*undo);
         reviewer_.rereadEverything();
         if (!status.isOk()) {
+            putBack();
             showProblem(NSLocalizedString("Not Taken Back"), status.text());
         }
     });

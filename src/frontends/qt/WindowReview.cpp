@@ -42,6 +42,8 @@ namespace {
 
 constexpr const char* reviewAllKey = "BrindleReviewEveryChange";
 constexpr const char* revertOperation = "revertSMBProperties:";
+constexpr const char* revertAFPOperation = "refreshAFSProperties:";
+constexpr auto pagesOfSMBConf = UnsavedEdits::Pages::OfSMBConf;
 
 /// Returns the box layout that directly contains the widget, and the widget's place in it.
 QBoxLayout* layoutAround(QLayout* layout, const QWidget* widget, int* place) {
@@ -98,9 +100,10 @@ std::string stampOf(const SMBConf* conf) {
 
 } // namespace
 
-WindowReview::WindowReview(review::Reviewer& reviewer, QMainWindow& window, WindowActions& actions,
-                           RefreshQueue& queue)
-    : QObject(&window), reviewer_(reviewer), window_(window), actions_(actions), queue_(queue) {
+WindowReview::WindowReview(review::Reviewer& reviewer, UnsavedEdits& edits, QMainWindow& window,
+                           WindowActions& actions, RefreshQueue& queue)
+    : QObject(&window), reviewer_(reviewer), edits_(edits), window_(window), actions_(actions),
+      queue_(queue) {
     addMenu();
     addNotice();
     addDirectoryNotice();
@@ -108,6 +111,7 @@ WindowReview::WindowReview(review::Reviewer& reviewer, QMainWindow& window, Wind
     window.installEventFilter(this);
     reviewer.setBlockedHandler([this](const review::Plan& plan) { showBlocked(plan); });
     reviewer.setQuestion([this](const review::Plan& plan) {
+        putBack_ = edits_.keep(pagesOfSMBConf);
         const bool mayBegin = ask(plan);
         if (mayBegin && allowed_) {
             allowed_(plan);
@@ -261,8 +265,13 @@ void WindowReview::addDirectoryNotice() {
     auto* again = new QPushButton(localizedTitle("Try Again"));
     directoryNotice_ = makeNotice("directoryNotice", {}, again);
     directoryText_ = directoryNotice_->findChild<QLabel*>();
-    connect(again, &QPushButton::clicked, this,
-            [this] { queue_.runUserEvent([this] { reviewer_.rereadEverything(); }); });
+    connect(again, &QPushButton::clicked, this, [this] {
+        queue_.runUserEvent([this] {
+            if (edits_.mayBeLost(UnsavedEdits::Pages::All)) {
+                reviewer_.rereadEverything();
+            }
+        });
+    });
     layout->insertWidget(0, directoryNotice_);
 }
 
@@ -303,7 +312,7 @@ void WindowReview::showNotice() {
     // A partly shown page cannot be saved, but the file may have been repaired since.
     const auto* part = actions_.find<NSTextField>("smbPartNotice");
     if (part != nullptr && !part->stringValue().empty() && reviewer_.hasSMBConfChangedOnDisk()) {
-        queue_.runUserEvent([this] { reviewer_.reread(); });
+        queue_.runUserEvent([this] { rereadBelowEdits(); });
     }
     if (notice_ != nullptr) {
         notice_->setVisible(reviewer_.hasSMBConfChangedOnDisk());
@@ -318,21 +327,38 @@ void WindowReview::lookAtFile() {
 }
 
 void WindowReview::reread() {
-    queue_.runUserEvent([this] { reviewer_.reread(); });
+    queue_.runUserEvent([this] {
+        if (edits_.mayBeLost(pagesOfSMBConf)) {
+            reviewer_.reread();
+        }
+    });
     showNotice();
 }
 
+void WindowReview::rereadBelowEdits() {
+    const auto putBack = edits_.keep(pagesOfSMBConf);
+    reviewer_.reread();
+    putBack();
+}
+
 void WindowReview::actionWasUsed(const std::string& operation) {
+    const auto putBack = std::exchange(putBack_, nullptr);
     // Reverting must show what is on disk now.
     if (operation == revertOperation && reviewer_.hasSMBConfChangedOnDisk()) {
-        reviewer_.reread();
+        rereadBelowEdits(); // those in the share editor: the page's own are gone
         showNotice();
+    } else if (operation == revertAFPOperation) {
+        reviewer_.rereadAFPSettings();
     }
     if (!review::isWriting(operation)) {
+        lookAtFile(); // the lists may just have been read again
         return;
     }
     if (reviewer_.hasUnwrittenSMBConf()) {
         reviewer_.reread();
+        if (putBack) { // also what the action itself has replaced
+            putBack();
+        }
     }
     showNotice();
     if (remarksShown_ != nullptr) {
