@@ -39,10 +39,6 @@ using platform::InterfaceNode;
 
 namespace {
 
-/// An action with many runs asks before each of them. One refusal may be a slip; a second one applies to the
-/// rest of the action.
-constexpr int refusalsThatHold = 2;
-
 /// An address without a scheme names a file of Brindle's resources.
 QUrl urlOf(const std::string& address) {
     const QUrl url(shown(address));
@@ -164,21 +160,17 @@ std::optional<std::string> QtPresenter::runOpenPanel(const platform::OpenPanelRe
 
 std::optional<platform::AdministratorAnswer>
 QtPresenter::runAdministratorDialog(const platform::AdministratorRequest& request) {
-    if (!asks() || refusalHolds()) {
+    // An action with many runs asks before each of them. Done in part it would be worse than not at all.
+    if (!asks() || refusedIn_ == queue_->userEvent()) {
         return std::nullopt;
     }
     const Question question(progress_);
     auto answer = askAdministrator(request, parentForDialogs());
     if (!answer) {
-        refusals_ = refusedIn_ == queue_->userEvent() ? refusals_ + 1 : 1;
         refusedIn_ = queue_->userEvent();
         activity_.permissionWasRefused();
     }
     return answer;
-}
-
-bool QtPresenter::refusalHolds() const {
-    return refusedIn_ == queue_->userEvent() && refusals_ >= refusalsThatHold;
 }
 
 void QtPresenter::beep() {
@@ -273,8 +265,10 @@ void QtPresenter::useReviewer(review::Reviewer& reviewer) {
         review_ =
             new WindowReview(reviewer, *edits_, *window, *actions_.front(), *queue_); // the window's child
         progress_ = std::make_unique<RunProgress>([this] { return parentForDialogs(); }, activity_, *queue_);
-        review_->setAllowed(
-            [this](const review::Plan& plan) { beginProgress(plan.operation, plan.runs.size()); });
+        review_->setAllowed([this](const review::Plan& plan) {
+            status_->actionBegins();
+            beginProgress(plan.operation, plan.runs.size());
+        });
         watchLog();
         status_ = new WindowStatus(activity_, *window, *actions_.front(), *queue_); // the same
         status_->setSections([&reviewer](const std::string& name) { return reviewer.hasSection(name); });

@@ -77,7 +77,6 @@ class QtPresenter : public platform::Presenter {
     [[nodiscard]] QWidget* parentForDialogs() const;
     /// Asks the question together with the plan of how records would be rewritten.
     [[nodiscard]] platform::AlertAnswer askAboutMigration(const platform::Alert& alert) const;
-    [[nodiscard]] bool refusalHolds() const;
     void beginProgress(const std::string& operation, std::size_t runs) const;
     void watchLog();
     void leaveLog();
@@ -95,7 +94,6 @@ class QtPresenter : public platform::Presenter {
     std::vector<std::unique_ptr<WindowActions>> actions_; ///< one per interface; outlive the views
     std::optional<std::string> panelAnswer_; ///< the result of the next open panel, which is then not shown
     unsigned refusedIn_ = 0;                 ///< the user's event in which the administrator refused last
-    int refusals_ = 0;                       ///< the number of refusals in that event
     std::vector<std::unique_ptr<WindowView>> views_; ///< the main window's first
     review::Reviewer* reviewer_ = nullptr;
     WindowReview* review_ = nullptr;       ///< the main window's child

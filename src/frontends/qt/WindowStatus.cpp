@@ -23,15 +23,6 @@
 
 namespace frontend {
 
-namespace {
-
-std::string nameInEditor(const WindowActions& actions) {
-    const auto* field = actions.find<NSTextField>("shareName");
-    return field == nullptr ? std::string() : field->stringValue();
-}
-
-} // namespace
-
 WindowStatus::WindowStatus(Activity& activity, QMainWindow& window, WindowActions& actions,
                            RefreshQueue& queue)
     : QObject(&window), activity_(activity), window_(window), actions_(actions) {
@@ -91,6 +82,11 @@ void WindowStatus::useServer(ShareServer server) {
     }
 }
 
+void WindowStatus::actionBegins() {
+    const auto* field = actions_.find<NSTextField>("shareName");
+    edited_ = field == nullptr ? std::string() : field->stringValue();
+}
+
 void WindowStatus::show(const QString& text, bool isFailure) {
     for (QPushButton* button : {copy_, open_, undo_}) {
         button->hide();
@@ -128,7 +124,10 @@ void WindowStatus::showOutcome(const std::optional<review::HistoryEntry>& added)
              true);
     } else if (activity_.runsOfEvent() == 0) {
         show(localized("Nothing was changed: the permission was not given."));
-    } else if (operation_ != "createShare:" || !isNew || !showShare(nameInEditor(actions_))) {
+    } else if (activity_.isRefused()) {
+        const QString done = isNew ? shown(added->title) + QLatin1String(".  ") : QString();
+        show(done + localized("The rest was not done: the permission for it was not given."));
+    } else if (operation_ != "createShare:" || !isNew || !showShare(edited_)) {
         show(isNew ? shown(added->title) + QLatin1Char('.') : localized("Done."));
     }
     undo_->setVisible(isNew && added->canComeBack() && added->undoes == 0 && takeBack_ != nullptr);
