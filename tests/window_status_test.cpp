@@ -76,11 +76,15 @@ TEST_F(WindowStatusTest, AShareIsAnnouncedWithItsAddressToCopyAndTakenBackFromTh
 TEST_F(WindowStatusTest, NoAddressIsShownIfNothingServesIt) {
     host.write("etc/smb.conf", "[Old]\n\tpath = " + host.root().string() + "\n");
     openWithHistory();
-    frontend->useServer({"smb://127.0.0.1:4455/", "SMB server", false});
+    bool hasEnded = false;
+    frontend->useServer({"smb://127.0.0.1:4455/", "SMB server", false, [&] { return hasEnded; }});
     share("New", 0); // its folder is offered under another name
     EXPECT_EQ(status(), "Share \"New\" created.");
     EXPECT_FALSE(widget<QPushButton>("statusCopy").isVisible());
-    frontend->useServer({"", "No server", false});
+    hasEnded = true;
+    QEvent activated(QEvent::WindowActivate);
+    QApplication::sendEvent(&widget<QWidget>("mainWindow"), &activated);
+    EXPECT_TRUE(widget<QLabel>("serverState").accessibleName().startsWith("The SMB server has ended"));
     share("Newer", 1);
     EXPECT_EQ(status(), "Newer will be shared over SMB as soon as a server runs.");
 }

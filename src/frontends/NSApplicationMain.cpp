@@ -207,7 +207,10 @@ frontend::ShareServer shareServer(const Options& options, const Result<Server>& 
     }
     if (*server) {
         const std::string address = (*server)->address();
-        return {address, stringWithFormat(NSLocalizedString("SMB server at %@"), address), false};
+        const auto hasEnded = [process = (*server)->processId()] {
+            return ::kill(process, 0) != 0 && errno == ESRCH;
+        };
+        return {address, stringWithFormat(NSLocalizedString("SMB server at %@"), address), false, hasEnded};
     }
     if (options.host.system) {
         std::array<char, 256> name{};

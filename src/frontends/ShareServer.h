@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <string>
 
 namespace frontend {
@@ -9,6 +10,8 @@ struct ShareServer {
     std::string address;    ///< "smb://HOST:PORT/", empty when nothing serves them
     std::string state;      ///< a sentence about it, or about why there is none; may be empty
     bool hasFailed = false; ///< it should run, and could not be started
+    /// Whether it has ended since; null for one that is not this process's own.
+    std::function<bool()> hasEnded = nullptr;
 };
 
 } // namespace frontend

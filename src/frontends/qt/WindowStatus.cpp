@@ -96,7 +96,23 @@ void WindowStatus::show(const QString& text, bool isFailure) {
     useInk(*text_, isFailure ? std::optional(Ink::Warning) : std::nullopt);
 }
 
+void WindowStatus::lookAtServer() {
+    if (!server_.hasEnded || !server_.hasEnded()) {
+        return;
+    }
+    server_ = {
+        "",
+        NSLocalizedString("The SMB server has ended: start Brindle with --serve again to reach the shares."),
+        true};
+    show(shown(server_.state), true); // no button for an address that nobody answers stays
+    if (serverState_ != nullptr) {
+        serverState_->setWhole(shown(server_.state));
+        useInk(*serverState_, Ink::Warning);
+    }
+}
+
 void WindowStatus::eventEnded() {
+    lookAtServer(); // the window's activation is an event, too
     const auto added = history_ == nullptr ? std::nullopt : history_->takeAdded();
     if (activity_.runsOfEvent() > 0 || activity_.isRefused() || !activity_.failureOfEvent().empty()) {
         showOutcome(added);

@@ -51,6 +51,8 @@ class WindowStatus : public QObject {
 
   private:
     void eventEnded();
+    /// Says it if the server has ended.
+    void lookAtServer();
     void showOutcome(const std::optional<review::HistoryEntry>& added);
     [[nodiscard]] bool showShare(const std::string& name);
     void showActivity();
