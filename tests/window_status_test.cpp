@@ -76,12 +76,12 @@ TEST_F(WindowStatusTest, AShareIsAnnouncedWithItsAddressToCopyAndTakenBackFromTh
 TEST_F(WindowStatusTest, NoAddressIsShownIfNothingServesIt) {
     host.write("etc/smb.conf", "[Old]\n\tpath = " + host.root().string() + "\n");
     openWithHistory();
-    bool hasEnded = false;
-    frontend->useServer({"smb://127.0.0.1:4455/", "SMB server", false, [&] { return hasEnded; }});
+    bool runs = true;
+    frontend->useServer({"smb://127.0.0.1:4455/", "SMB server", false, [&] { return runs; }});
     share("New", 0); // its folder is offered under another name
     EXPECT_EQ(status(), "Share \"New\" created.");
     EXPECT_FALSE(widget<QPushButton>("statusCopy").isVisible());
-    hasEnded = true;
+    runs = false;
     QEvent activated(QEvent::WindowActivate);
     QApplication::sendEvent(&widget<QWidget>("mainWindow"), &activated);
     EXPECT_TRUE(widget<QLabel>("serverState").accessibleName().startsWith("The SMB server has ended"));

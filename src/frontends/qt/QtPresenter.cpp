@@ -96,9 +96,10 @@ AlertAnswer QtPresenter::runAlert(const platform::Alert& alert) {
         return harmlessAnswer(alert); // the alert is about what the user has stopped
     }
     platform::Alert shownAlert = alert;
-    // "Please try again" alone does not help: add the tool's message as the reason.
+    // "Please try again" alone does not help: add the tool's message, or the user's refusal, as the reason.
     if (!alert.alternateButton && !isInformation(alert)) {
-        if (const std::string why = activity_.takeReason(); !why.empty()) {
+        const std::string failure = activity_.takeReason();
+        if (const std::string why = failure.empty() ? activity_.refusal() : failure; !why.empty()) {
             shownAlert.message += "\n\n" + why;
         }
     }

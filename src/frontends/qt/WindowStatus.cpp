@@ -97,17 +97,17 @@ void WindowStatus::show(const QString& text, bool isFailure) {
 }
 
 void WindowStatus::lookAtServer() {
-    if (!server_.hasEnded || !server_.hasEnded()) {
+    if (serverState_ == nullptr || !server_.runs || server_.runs()) {
         return;
     }
     server_ = {
         "",
         NSLocalizedString("The SMB server has ended: start Brindle with --serve again to reach the shares."),
         true};
-    show(shown(server_.state), true); // no button for an address that nobody answers stays
-    if (serverState_ != nullptr) {
-        serverState_->setWhole(shown(server_.state));
-        useInk(*serverState_, Ink::Warning);
+    serverState_->setWhole(shown(server_.state));
+    useInk(*serverState_, Ink::Warning);
+    if (!copy_->isHidden()) { // the line names an address that nobody answers any more
+        static_cast<void>(showShare(edited_));
     }
 }
 
@@ -138,11 +138,8 @@ void WindowStatus::showOutcome(const std::optional<review::HistoryEntry>& added)
         show(shown(stringWithFormat(NSLocalizedString(isNew ? "Not everything was done: %@" : "Failed: %@"),
                                     failure)),
              true);
-    } else if (activity_.runsOfEvent() == 0) {
-        show(localized("Nothing was changed: the permission was not given."));
     } else if (activity_.isRefused()) {
-        const QString done = isNew ? shown(added->title) + QLatin1String(".  ") : QString();
-        show(done + localized("The rest was not done: the permission for it was not given."));
+        show(shown((isNew ? added->title + ".  " : "") + activity_.refusal()));
     } else if (operation_ != "createShare:" || !isNew || !showShare(edited_)) {
         show(isNew ? shown(added->title) + QLatin1Char('.') : localized("Done."));
     }
@@ -155,7 +152,7 @@ bool WindowStatus::showShare(const std::string& name) {
     if (!hasSection_ || !hasSection_(name)) {
         return false;
     }
-    if (server_.address.empty()) {
+    if (server_.address.empty() || (server_.runs && !server_.runs())) {
         show(shown(stringWithFormat(NSLocalizedString("%@ will be shared over SMB as soon as a server runs."),
                                     name)));
         return true;

@@ -51,7 +51,7 @@ class WindowStatus : public QObject {
 
   private:
     void eventEnded();
-    /// Says it if the server has ended.
+    /// Says it if the server of --serve has ended.
     void lookAtServer();
     void showOutcome(const std::optional<review::HistoryEntry>& added);
     [[nodiscard]] bool showShare(const std::string& name);
