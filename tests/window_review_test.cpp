@@ -65,7 +65,8 @@ TEST_F(WindowReviewTest, EveryChangeIsReviewedOnDemandAndAPlanChangesNothing) {
     typeInto("smbWorkGroup", "OFFICE");
     answer({"Close"});
     useMenu("What Would This Do?");
-    EXPECT_EQ(asked, QStringList{"Review"});
+    EXPECT_EQ(asked, QStringList{"What Would This Do?"});
+    EXPECT_TRUE(lastText.startsWith("Save\n")) << lastText.toStdString();
     EXPECT_TRUE(lastText.contains("/etc/smb.conf")) << lastText.toStdString();
     EXPECT_TRUE(host.runs.empty());
     useMenu("Review Every Change");

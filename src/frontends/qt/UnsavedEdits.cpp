@@ -138,7 +138,10 @@ void UnsavedEdits::noteSaved(const std::string& operation) {
 }
 
 bool UnsavedEdits::isUnsaved(const platform::InterfaceNode& page, Pages which) const {
-    if (which == Pages::OfSMBConf && !sends(page, "createShare:") && !sends(page, "updateSMBProperties:")) {
+    const bool isMeant = which == Pages::All ||
+                         (which != Pages::SMBSettings && sends(page, "createShare:")) ||
+                         (which != Pages::ShareEditor && sends(page, "updateSMBProperties:"));
+    if (!isMeant) {
         return false;
     }
     return std::ranges::any_of(editsBelow(page), [this](const auto& edit) {

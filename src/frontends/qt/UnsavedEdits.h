@@ -16,7 +16,8 @@ class UnsavedEdits {
     /// `actions` must outlive this object.
     UnsavedEdits(WindowActions& actions, RefreshQueue& queue);
 
-    enum class Pages { All, OfSMBConf }; ///< the latter: the share editor and the SMB server's settings
+    /// OfSMBConf is both the share editor and the SMB server's settings.
+    enum class Pages { All, OfSMBConf, ShareEditor, SMBSettings };
 
     /// Says that the operation has saved its page.
     void noteSaved(const std::string& operation);

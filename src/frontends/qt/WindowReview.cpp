@@ -41,6 +41,7 @@ namespace frontend {
 namespace {
 
 constexpr const char* reviewAllKey = "BrindleReviewEveryChange";
+constexpr const char* saveOperation = "updateSMBProperties:";
 constexpr const char* revertOperation = "revertSMBProperties:";
 constexpr const char* revertAFPOperation = "refreshAFSProperties:";
 constexpr auto pagesOfSMBConf = UnsavedEdits::Pages::OfSMBConf;
@@ -107,11 +108,17 @@ WindowReview::WindowReview(review::Reviewer& reviewer, UnsavedEdits& edits, QMai
     addMenu();
     addNotice();
     addDirectoryNotice();
-    eventEnded_ = queue.eventEnded.connect([this] { showDirectoryNotice(); });
+    eventEnded_ = queue.eventEnded.connect([this] {
+        showDirectoryNotice();
+        if (notice_ != nullptr && !notice_->isHidden()) {
+            showNotice(); // an undo reads everything again
+        }
+    });
     window.installEventFilter(this);
     reviewer.setBlockedHandler([this](const review::Plan& plan) { showBlocked(plan); });
     reviewer.setQuestion([this](const review::Plan& plan) {
-        putBack_ = edits_.keep(pagesOfSMBConf);
+        putBackShare_ = edits_.keep(UnsavedEdits::Pages::ShareEditor);
+        putBackSettings_ = edits_.keep(UnsavedEdits::Pages::SMBSettings);
         const bool mayBegin = ask(plan);
         if (mayBegin && allowed_) {
             allowed_(plan);
@@ -229,7 +236,9 @@ void WindowReview::planButtonInUse() {
                 "First put the cursor into a form, or on the button whose changes you want to see."));
         return;
     }
-    showPlan(reviewer_.planPress(*model), &window_);
+    // Which button that is may not be obvious.
+    showPlan(reviewer_.planPress(*model), &window_,
+             PlanQuestion{NSLocalizedString("What Would This Do?"), model->title(), {}, {}});
 }
 
 namespace {
@@ -342,7 +351,8 @@ void WindowReview::rereadBelowEdits() {
 }
 
 void WindowReview::actionWasUsed(const std::string& operation) {
-    const auto putBack = std::exchange(putBack_, nullptr);
+    const auto putBackShare = std::exchange(putBackShare_, nullptr);
+    const auto putBackSettings = std::exchange(putBackSettings_, nullptr);
     // Reverting must show what is on disk now.
     if (operation == revertOperation && reviewer_.hasSMBConfChangedOnDisk()) {
         rereadBelowEdits(); // those in the share editor: the page's own are gone
@@ -354,11 +364,16 @@ void WindowReview::actionWasUsed(const std::string& operation) {
         lookAtFile(); // the lists may just have been read again
         return;
     }
-    if (reviewer_.hasUnwrittenSMBConf()) {
+    const bool hasFailed = reviewer_.hasUnwrittenSMBConf();
+    if (hasFailed) {
         reviewer_.reread();
-        if (putBack) { // also what the action itself has replaced
-            putBack();
-        }
+    }
+    // Either this or the action itself may have read smb.conf again.
+    if (putBackShare && (hasFailed || operation == saveOperation)) {
+        putBackShare();
+    }
+    if (putBackSettings && (hasFailed || operation != saveOperation)) {
+        putBackSettings();
     }
     showNotice();
     if (remarksShown_ != nullptr) {

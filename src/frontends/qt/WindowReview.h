@@ -78,7 +78,9 @@ class WindowReview : public QObject {
     std::multimap<std::string, std::string> remarks_; ///< by share name
     std::string stamp_;                               ///< the stamp of smb.conf when it was last checked
     std::function<void(const review::Plan&)> allowed_;
-    std::function<void()> putBack_; ///< puts back what was unsaved when the current action began
+    // They put back what was unsaved when the current action began.
+    std::function<void()> putBackShare_;
+    std::function<void()> putBackSettings_;
     platform::Connection eventEnded_;
     platform::Connection used_;
 };
