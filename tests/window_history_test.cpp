@@ -110,7 +110,20 @@ TEST_F(WindowHistoryTest, OnADamagedDirectorySettingsComeBackAndRecordsDoNot) {
     EXPECT_EQ(text("smbWorkGroup"), "HOME");
 }
 
-TEST_F(WindowHistoryTest, NamesAPageAsUnsavedUntilItsSaveHasSucceeded) {
+TEST_F(WindowHistoryTest, TheWindowWithUnsavedEditsClosesOnlyWhenTheyMayBeLost) {
+    openWithHistory();
+    auto& window = widget<QWidget>("mainWindow");
+    showPage(3);
+    typeInto("greeting", "Welcome");
+    answer({"Cancel", "Go On"});
+    useMenu("Quit");
+    EXPECT_TRUE(window.isVisible());
+    window.close();
+    EXPECT_EQ(asked, (QStringList{"Unsaved Changes", "Unsaved Changes"}));
+    EXPECT_FALSE(window.isVisible());
+}
+
+TEST_F(WindowHistoryTest, APageIsUnsavedUntilItsSaveHasSucceededAndStaysSoAfterAFailedUndo) {
     openWithHistory();
     writeGroup("600", {"Yes"});
     const auto warnsOfGroups = [this] {
@@ -126,6 +139,10 @@ TEST_F(WindowHistoryTest, NamesAPageAsUnsavedUntilItsSaveHasSucceeded) {
     answer({"Yes"});
     click("createNewGroupButton");
     EXPECT_TRUE(warnsOfGroups());
+    answer({"Yes", "OK"});
+    clickInChanges(openChanges());
+    EXPECT_EQ(asked.back(), "Not Taken Back");
+    EXPECT_EQ(text("groupName") + text("gid"), "crew700");
 }
 
 } // namespace

@@ -65,7 +65,8 @@ TEST_F(WindowReviewTest, EveryChangeIsReviewedOnDemandAndAPlanChangesNothing) {
     typeInto("smbWorkGroup", "OFFICE");
     answer({"Close"});
     useMenu("What Would This Do?");
-    EXPECT_EQ(asked, QStringList{"Review"});
+    EXPECT_EQ(asked, QStringList{"What Would This Do?"});
+    EXPECT_TRUE(lastText.startsWith("Save\n")) << lastText.toStdString();
     EXPECT_TRUE(lastText.contains("/etc/smb.conf")) << lastText.toStdString();
     EXPECT_TRUE(host.runs.empty());
     useMenu("Review Every Change");
@@ -81,22 +82,36 @@ TEST_F(WindowReviewTest, AFileThatSomebodyElseChangedIsNamedAboveTheSharesUntilI
     openWith("[Films]\npath = /films\n");
     auto& notice = widget<QFrame>("changedOutside");
     EXPECT_FALSE(notice.isVisible());
+    const auto read = [&] {
+        EXPECT_TRUE(notice.isVisible());
+        clickTitled("Read smb.conf Again");
+    };
     host.write("etc/smb.conf", "[Music]\npath = /music\n");
     QEvent activated(QEvent::WindowActivate);
     QApplication::sendEvent(&widget<QWidget>("mainWindow"), &activated);
     QTest::qWait(5);
-    ASSERT_TRUE(notice.isVisible());
-    clickTitled("Read smb.conf Again");
+    read();
     EXPECT_FALSE(notice.isVisible());
     EXPECT_EQ(columnOf("normalTableView", "ShareName"), std::vector<std::string>{"Music"});
+    clickTitled("New Share");
+    typeInto("shareName", "Half");
+    host.write("etc/smb.conf", "");
+    clickTitled("Refresh");
+    answer({"Cancel", "Go On"});
+    read();
+    EXPECT_EQ(text("shareName"), "Half");
+    read();
+    EXPECT_EQ(asked, (QStringList{"Unsaved Changes", "Unsaved Changes"}));
+    EXPECT_EQ(text("shareName"), "");
 }
 
-TEST_F(WindowReviewTest, AfterAFailedCopyTheWindowShowsWhatIsOnDisk) {
+TEST_F(WindowReviewTest, AfterAFailedCopyTheEditsStayAndOnlyASaveWritesThem) {
     openWith("[global]\nworkgroup = HOME\n");
     host.onRun = [](const RecordedRun& run) {
         return TestHost::RunAnswer{run.tool == "/bin/cp" ? "no room\n" : "", 0};
     };
     host.allowUnaskedAlerts();
+    fillShare("Half");
     showPage(4);
     typeInto("smbWorkGroup", "OFFICE");
     answer({"Go On", "OK"});
@@ -106,8 +121,22 @@ TEST_F(WindowReviewTest, AfterAFailedCopyTheWindowShowsWhatIsOnDisk) {
         }
     }
     EXPECT_TRUE(asked.contains("smb.conf Write Unsuccessful")) << asked.join(", ").toStdString();
-    EXPECT_EQ(text("smbWorkGroup"), "HOME");
     EXPECT_FALSE(reviewer->hasUnwrittenSMBConf());
+    EXPECT_EQ(text("smbWorkGroup") + text("shareName") + text("directory"),
+              "OFFICEHalf" + host.root().string());
+    host.write("etc/smb.conf", "[global]\nworkgroup = OTHER\n");
+    clickTitled("Revert");
+    EXPECT_EQ(text("smbWorkGroup") + text("shareName"), "OTHERHalf");
+}
+
+TEST_F(WindowReviewTest, RevertingTheAFPSettingsShowsWhatIsOnDiskNow) {
+    openWith("");
+    showPage(3);
+    typeInto("greeting", "Hello");
+    host.write("Library/Preferences/com.apple.AppleFileServer.plist",
+               "<plist><dict><key>loginGreeting</key><string>Outside</string></dict></plist>");
+    clickTitled("Revert");
+    EXPECT_EQ(text("greeting"), "Outside");
 }
 
 TEST_F(WindowReviewTest, APartlyShownPageCannotBeSavedUntilTheFileIsRepaired) {
@@ -277,7 +306,11 @@ TEST_F(WindowReviewTest, TheHolderOfTheDirectoryIsNamedOnceAndTheWaitCanBeEnded)
     EXPECT_TRUE(lastText.contains(process)) << lastText.toStdString();
     EXPECT_TRUE(host.runs.empty());
     holder.reset();
+    answer({"Cancel", "Go On"});
     clickTitled("Try Again");
+    EXPECT_EQ(text("groupName"), "team");
+    clickTitled("Try Again");
+    EXPECT_EQ(text("groupName"), "");
     EXPECT_FALSE(notice.isVisible());
     EXPECT_EQ(columnOf("normalTableView", "ShareName"), std::vector<std::string>{"Docs"});
 }

@@ -57,7 +57,10 @@ TEST_F(WindowStatusTest, AShareIsAnnouncedWithItsAddressToCopyAndTakenBackFromTh
     openWithHistory();
     frontend->useServer({"smb://127.0.0.1:4455/", "SMB server", false});
     EXPECT_EQ(status(), "");
-    share("My Docs");
+    share("Docs");
+    typeInto("shareName", "My Docs"); // while the other is selected
+    answer({"Go On"});
+    click("createNewShare");
     EXPECT_EQ(status(), "My Docs is shared at smb://127.0.0.1:4455/My%20Docs.");
     click("statusCopy");
     EXPECT_EQ(QApplication::clipboard()->text(), "smb://127.0.0.1:4455/My%20Docs");
@@ -65,7 +68,7 @@ TEST_F(WindowStatusTest, AShareIsAnnouncedWithItsAddressToCopyAndTakenBackFromTh
     answer({"Yes"});
     click("statusUndo");
     EXPECT_TRUE(lastText.contains("take back “Share \"My Docs\" created”?")) << lastText.toStdString();
-    EXPECT_EQ(columnOf("normalTableView", "ShareName"), std::vector<std::string>{});
+    EXPECT_EQ(columnOf("normalTableView", "ShareName"), std::vector<std::string>{"Docs"});
     EXPECT_FALSE(widget<QPushButton>("statusUndo").isVisible());
     EXPECT_FALSE(widget<QPushButton>("statusCopy").isVisible());
 }
@@ -73,13 +76,32 @@ TEST_F(WindowStatusTest, AShareIsAnnouncedWithItsAddressToCopyAndTakenBackFromTh
 TEST_F(WindowStatusTest, NoAddressIsShownIfNothingServesIt) {
     host.write("etc/smb.conf", "[Old]\n\tpath = " + host.root().string() + "\n");
     openWithHistory();
-    frontend->useServer({"smb://127.0.0.1:4455/", "SMB server", false});
+    bool runs = true;
+    frontend->useServer({"smb://127.0.0.1:4455/", "SMB server", false, [&] { return runs; }});
     share("New", 0); // its folder is offered under another name
     EXPECT_EQ(status(), "Share \"New\" created.");
     EXPECT_FALSE(widget<QPushButton>("statusCopy").isVisible());
-    frontend->useServer({"", "No server", false});
+    runs = false;
+    QEvent activated(QEvent::WindowActivate);
+    QApplication::sendEvent(&widget<QWidget>("mainWindow"), &activated);
+    EXPECT_TRUE(widget<QLabel>("serverState").accessibleName().startsWith("The SMB server has ended"));
     share("Newer", 1);
     EXPECT_EQ(status(), "Newer will be shared over SMB as soon as a server runs.");
+}
+
+TEST_F(WindowStatusTest, AnActionWhosePermissionEndsMidwaySaysWhatWasDone) {
+    openWithHistory();
+    host.onRun = [this](const RecordedRun& run) {
+        EXPECT_FALSE(frontend->presenter()->runAdministratorDialog({}));
+        return carryOut(run);
+    };
+    showPage(2);
+    typeInto("groupName", "team");
+    typeInto("gid", "600");
+    answer({"Yes", "Refuse"});
+    click("createNewGroupButton");
+    EXPECT_EQ(status(),
+              "Group \"team\" created.  The rest was not done: the permission for it was not given.");
 }
 
 TEST_F(WindowStatusTest, ThePanelAddsNewLinesAndKeepsTheSelectedOne) {

@@ -51,10 +51,14 @@ void BRController::rereadSMBConf() {
     revertSMBProperties(nullptr);
 }
 
-void BRController::rereadEverything() {
-    rereadSMBConf();
+void BRController::rereadAFPSettings() {
     afsProps = NSMutableDictionary::dictionaryWithContentsOfFile(platform::systempath::appleFileServer);
     guarded([this] { parseAFSProperties(); }, bugMessage(FailedStep::AFPSettings));
+}
+
+void BRController::rereadEverything() {
+    rereadSMBConf();
+    rereadAFPSettings();
     refreshPublicList(nullptr);
     updateUserTextFields(nullptr);
     updateUsersGroupsList(nullptr);

@@ -143,7 +143,9 @@ class BRController : public BROutlets,
     /// Reads smb.conf again into the model, the rows of the share table, the share editor and the SMB page.
     /// Unsaved edits in the last two are lost. The selected share stays selected.
     void rereadSMBConf();
-    /// The same, and also the AFP settings, the users and the groups.
+    /// Reads the AFP server's settings again into the AFP page. Unsaved edits there are lost.
+    void rereadAFPSettings();
+    /// Does both, and reads the users and the groups again.
     void rereadEverything();
 
     /// The model of smb.conf; null before start-up.

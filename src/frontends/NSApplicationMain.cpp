@@ -209,12 +209,19 @@ frontend::ShareServer shareServer(const Options& options, const Result<Server>& 
     }
     if (*server) {
         const std::string address = (*server)->address();
-        return {address, stringWithFormat(NSLocalizedString("SMB server at %@"), address), false};
+        const auto runs = [process = (*server)->processId()] {
+            return ::kill(process, 0) == 0 || errno != ESRCH;
+        };
+        return {address, stringWithFormat(NSLocalizedString("SMB server at %@"), address), false, runs};
     }
     if (options.host.system) {
         std::array<char, 256> name{};
         const bool isKnown = ::gethostname(name.data(), name.size() - 1) == 0;
-        return {std::string("smb://") + (isKnown ? name.data() : "localhost") + "/", "", false};
+        const auto runs = [computer = platform::Host::current().services().computer] {
+            const platform::ServerLine line = computer->smbServer();
+            return !line.text.empty() && !line.canBeStarted;
+        };
+        return {std::string("smb://") + (isKnown ? name.data() : "localhost") + "/", "", false, runs};
     }
     return {"", NSLocalizedString("No server: start Brindle with --serve to reach the shares."), false};
 }

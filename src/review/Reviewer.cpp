@@ -144,6 +144,10 @@ void Reviewer::reread() const {
     controller().rereadSMBConf();
 }
 
+void Reviewer::rereadAFPSettings() const {
+    controller().rereadAFPSettings();
+}
+
 void Reviewer::rereadEverything() const {
     controller().rereadEverything();
 }

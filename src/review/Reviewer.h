@@ -51,6 +51,8 @@ class Reviewer {
 
     /// Reads smb.conf again and updates the model, rows and fields.
     void reread() const;
+    /// Reads the AFP server's settings again and shows them.
+    void rereadAFPSettings() const;
     /// Reads again everything that the window shows, as after a change that was not made with its controls.
     void rereadEverything() const;
     /// Whether smb.conf on disk differs from what was last read or written.

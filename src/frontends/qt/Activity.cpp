@@ -39,6 +39,14 @@ void Activity::toolWillRun(const std::string& tool, std::span<const std::string>
     runs_ += readsOutput_ ? 0 : 1;
 }
 
+std::string Activity::refusal() const {
+    return !isRefused_
+               ? std::string()
+               : NSLocalizedString(runs_ == 0
+                                       ? "Nothing was changed: the permission was not given."
+                                       : "The rest was not done: the permission for it was not given.");
+}
+
 void Activity::noteFailure(const std::string& why) {
     for (std::string* kept : {&failure_, &reason_}) {
         if (kept->empty()) {

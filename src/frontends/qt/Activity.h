@@ -66,6 +66,9 @@ class Activity {
 
     [[nodiscard]] bool isRefused() const { return isRefused_; }
 
+    /// What the refusal has prevented, as a sentence; empty when nothing was refused.
+    [[nodiscard]] std::string refusal() const;
+
     /// Why the first failure in this event happened, in the words of the tool or the log; empty when nothing
     /// failed.
     [[nodiscard]] const std::string& failureOfEvent() const { return failure_; }

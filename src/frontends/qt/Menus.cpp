@@ -3,9 +3,7 @@
 #include "frontends/qt/LineEdit.h"
 #include "frontends/qt/NodeAttributes.h"
 #include "frontends/qt/WindowActions.h"
-#include "platform/appkit/NSApplication.h"
 #include "platform/appkit/NSButton.h"
-#include "platform/appkit/NSWindow.h"
 
 #include <QAction>
 #include <QApplication>
@@ -58,14 +56,6 @@ void fillMenuBar(QMainWindow& window, const InterfaceNode& menuBar, WindowAction
             }
         }
     }
-}
-
-void closeMainWindow(RefreshQueue& queue) {
-    queue.runUserEvent([] {
-        if (NSWindow* main = NSApp().mainWindow()) {
-            main->close();
-        }
-    });
 }
 
 void endEditingOfFocusedField() {

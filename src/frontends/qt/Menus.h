@@ -13,9 +13,6 @@ class WindowActions;
 void fillMenuBar(QMainWindow& window, const platform::InterfaceNode& menuBar, WindowActions& actions,
                  RefreshQueue& queue);
 
-/// Does what the Quit item does: closes the main window. The application decides whether it ends.
-void closeMainWindow(RefreshQueue& queue);
-
 /// Ends the editing of the focused field. For actions that do not take the focus from it.
 void endEditingOfFocusedField();
 

@@ -39,10 +39,6 @@ using platform::InterfaceNode;
 
 namespace {
 
-/// An action with many runs asks before each of them. One refusal may be a slip; a second one applies to the
-/// rest of the action.
-constexpr int refusalsThatHold = 2;
-
 /// An address without a scheme names a file of Brindle's resources.
 QUrl urlOf(const std::string& address) {
     const QUrl url(shown(address));
@@ -75,6 +71,7 @@ void QtPresenter::closeAll() {
     while (!views_.empty()) {
         views_.pop_back();
     }
+    edits_.reset();
     actions_.clear();
     mainWidget_ = nullptr;
     review_ = nullptr;
@@ -99,9 +96,10 @@ AlertAnswer QtPresenter::runAlert(const platform::Alert& alert) {
         return harmlessAnswer(alert); // the alert is about what the user has stopped
     }
     platform::Alert shownAlert = alert;
-    // "Please try again" alone does not help: add the tool's message as the reason.
+    // "Please try again" alone does not help: add the tool's message, or the user's refusal, as the reason.
     if (!alert.alternateButton && !isInformation(alert)) {
-        if (const std::string why = activity_.takeReason(); !why.empty()) {
+        const std::string failure = activity_.takeReason();
+        if (const std::string why = failure.empty() ? activity_.refusal() : failure; !why.empty()) {
             shownAlert.message += "\n\n" + why;
         }
     }
@@ -163,21 +161,17 @@ std::optional<std::string> QtPresenter::runOpenPanel(const platform::OpenPanelRe
 
 std::optional<platform::AdministratorAnswer>
 QtPresenter::runAdministratorDialog(const platform::AdministratorRequest& request) {
-    if (!asks() || refusalHolds()) {
+    // An action with many runs asks before each of them. Done in part it would be worse than not at all.
+    if (!asks() || refusedIn_ == queue_->userEvent()) {
         return std::nullopt;
     }
     const Question question(progress_);
     auto answer = askAdministrator(request, parentForDialogs());
     if (!answer) {
-        refusals_ = refusedIn_ == queue_->userEvent() ? refusals_ + 1 : 1;
         refusedIn_ = queue_->userEvent();
         activity_.permissionWasRefused();
     }
     return answer;
-}
-
-bool QtPresenter::refusalHolds() const {
-    return refusedIn_ == queue_->userEvent() && refusals_ >= refusalsThatHold;
 }
 
 void QtPresenter::beep() {
@@ -267,10 +261,15 @@ void QtPresenter::useReviewer(review::Reviewer& reviewer) {
     reviewer_ = &reviewer;
     platform::Host::current().setPatience(patience_);
     if (auto* window = qobject_cast<QMainWindow*>(mainWidget_)) {
-        review_ = new WindowReview(reviewer, *window, *actions_.front(), *queue_); // the window's child
+        edits_ = std::make_unique<UnsavedEdits>(*actions_.front(), *queue_);
+        actions_.front()->setMayClose([this] { return edits_->mayBeLost(UnsavedEdits::Pages::All); });
+        review_ =
+            new WindowReview(reviewer, *edits_, *window, *actions_.front(), *queue_); // the window's child
         progress_ = std::make_unique<RunProgress>([this] { return parentForDialogs(); }, activity_, *queue_);
-        review_->setAllowed(
-            [this](const review::Plan& plan) { beginProgress(plan.operation, plan.runs.size()); });
+        review_->setAllowed([this](const review::Plan& plan) {
+            status_->actionBegins();
+            beginProgress(plan.operation, plan.runs.size());
+        });
         watchLog();
         status_ = new WindowStatus(activity_, *window, *actions_.front(), *queue_); // the same
         status_->setSections([&reviewer](const std::string& name) { return reviewer.hasSection(name); });
@@ -291,11 +290,11 @@ void QtPresenter::useHistory(const review::History& history) {
     auto* window = qobject_cast<QMainWindow*>(mainWidget_);
     auto* menu = window == nullptr ? nullptr : window->findChild<QMenu*>("changesMenu");
     if (menu != nullptr && reviewer_ != nullptr) {
-        auto* changes = new WindowHistory(history, *reviewer_, *actions_.front(), *window, *menu,
+        auto* changes = new WindowHistory(history, *reviewer_, *edits_, *window, *menu,
                                           *queue_); // the window's child
         changes->setAllowed([this](std::size_t runs) { beginProgress({}, runs); });
-        saved_ = status_->saved.connect(
-            [changes](const std::string& operation) { changes->noteSaved(operation); });
+        saved_ =
+            status_->saved.connect([this](const std::string& operation) { edits_->noteSaved(operation); });
         progress_->setStop([&history](bool madeStill) { history.stopAction(madeStill); });
         status_->useHistory(history, *menu,
                             [changes, window](std::int64_t number) { changes->takeBack(number, window); });

@@ -5,6 +5,7 @@
 #include "frontends/qt/FrameTimers.h"
 #include "frontends/qt/QtFrontend.h"
 #include "frontends/qt/RunProgress.h"
+#include "frontends/qt/UnsavedEdits.h"
 #include "frontends/qt/WindowStatus.h"
 #include "frontends/qt/WindowView.h"
 #include "platform/appkit/Presenter.h"
@@ -76,7 +77,6 @@ class QtPresenter : public platform::Presenter {
     [[nodiscard]] QWidget* parentForDialogs() const;
     /// Asks the question together with the plan of how records would be rewritten.
     [[nodiscard]] platform::AlertAnswer askAboutMigration(const platform::Alert& alert) const;
-    [[nodiscard]] bool refusalHolds() const;
     void beginProgress(const std::string& operation, std::size_t runs) const;
     void watchLog();
     void leaveLog();
@@ -94,12 +94,12 @@ class QtPresenter : public platform::Presenter {
     std::vector<std::unique_ptr<WindowActions>> actions_; ///< one per interface; outlive the views
     std::optional<std::string> panelAnswer_; ///< the result of the next open panel, which is then not shown
     unsigned refusedIn_ = 0;                 ///< the user's event in which the administrator refused last
-    int refusals_ = 0;                       ///< the number of refusals in that event
     std::vector<std::unique_ptr<WindowView>> views_; ///< the main window's first
     review::Reviewer* reviewer_ = nullptr;
     WindowReview* review_ = nullptr;       ///< the main window's child
     WindowInquiries* inquiries_ = nullptr; ///< the main window's child
     QWidget* mainWidget_ = nullptr;
+    std::unique_ptr<UnsavedEdits> edits_; ///< the main window's; null when there is no reviewer
     Activity activity_;
     std::shared_ptr<platform::Log> log_;       ///< the host's own log while activityLog_ replaces it
     std::shared_ptr<ActivityLog> activityLog_; ///< wraps log_

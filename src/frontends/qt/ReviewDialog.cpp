@@ -238,8 +238,8 @@ bool askAboutPlan(const review::Plan& plan, QWidget* parent, const std::optional
     return makePlanDialog(plan, parent, question)->exec() == QDialog::Accepted;
 }
 
-void showPlan(const review::Plan& plan, QWidget* parent) {
-    ReviewDialog dialog(plan, parent, std::nullopt);
+void showPlan(const review::Plan& plan, QWidget* parent, const std::optional<PlanQuestion>& about) {
+    ReviewDialog dialog(plan, parent, about);
     dialog.addButton(NSLocalizedString("Close"), QDialogButtonBox::RejectRole, true);
     dialog.exec();
 }

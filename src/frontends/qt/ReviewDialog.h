@@ -30,7 +30,8 @@ struct PlanQuestion {
 makePlanDialog(const review::Plan& plan, QWidget* parent,
                const std::optional<PlanQuestion>& question = std::nullopt);
 
-/// Shows the plan of an action that is not going to be performed.
-void showPlan(const review::Plan& plan, QWidget* parent);
+/// Shows the plan of an action that is not going to be performed, below the title and the text of `about`.
+void showPlan(const review::Plan& plan, QWidget* parent,
+              const std::optional<PlanQuestion>& about = std::nullopt);
 
 } // namespace frontend

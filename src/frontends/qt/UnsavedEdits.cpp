@@ -2,8 +2,14 @@
 
 #include "frontends/qt/NodeAttributes.h"
 #include "frontends/qt/WindowNames.h"
+#include "platform/appkit/NSAlert.h"
+#include "platform/appkit/NSButton.h"
 #include "platform/appkit/NSControl.h"
+#include "platform/appkit/NSMatrix.h"
+#include "platform/appkit/NSPopUpButton.h"
+#include "platform/appkit/NSTextField.h"
 #include "platform/foundation/NSBundle.h"
+#include "platform/foundation/NSString.h"
 #include "review/Operations.h"
 
 #include <algorithm>
@@ -71,6 +77,38 @@ bool sends(const platform::InterfaceNode& page, const std::string& operation) {
     return isThere;
 }
 
+/// Returns a function that makes the control show again what it shows now; null for one without a content.
+/// That is a user's edit again, if it is one now.
+std::function<void()> contentOf(NSControl& control) {
+    if (auto* field = dynamic_cast<NSTextField*>(&control); field != nullptr && field->isEditable()) {
+        return [field, text = field->stringValue()] { field->setStringValue(text); };
+    }
+    if (auto* menu = dynamic_cast<NSPopUpButton*>(&control)) {
+        return [menu, item = menu->titleOfSelectedItem()] { menu->selectItemWithTitle(item.value_or("")); };
+    }
+    if (auto* box = dynamic_cast<NSButton*>(&control);
+        box != nullptr && box->kind() == NSButtonKind::CheckBox) {
+        return [box, state = box->state()] { box->setState(state); };
+    }
+    auto* matrix = dynamic_cast<NSMatrix*>(&control);
+    if (matrix == nullptr) {
+        return nullptr;
+    }
+    std::vector<std::array<int, 3>> cells; // the row, the column and the state of each edited cell
+    for (int row = 0; row < matrix->numberOfRows(); ++row) {
+        for (int column = 0; column < matrix->numberOfColumns(); ++column) {
+            if (matrix->isEditedAt(row, column)) {
+                cells.push_back({row, column, matrix->stateAt(row, column)});
+            }
+        }
+    }
+    return [matrix, cells = std::move(cells)] {
+        for (const auto& [row, column, state] : cells) {
+            matrix->setStateAt(row, column, state);
+        }
+    };
+}
+
 } // namespace
 
 UnsavedEdits::UnsavedEdits(WindowActions& actions, RefreshQueue& queue) : actions_(actions) {
@@ -99,19 +137,66 @@ void UnsavedEdits::noteSaved(const std::string& operation) {
     }
 }
 
-std::string UnsavedEdits::pages() const {
+bool UnsavedEdits::isUnsaved(const platform::InterfaceNode& page, Pages which) const {
+    const bool isMeant = which == Pages::All ||
+                         (which != Pages::SMBSettings && sends(page, "createShare:")) ||
+                         (which != Pages::ShareEditor && sends(page, "updateSMBProperties:"));
+    if (!isMeant) {
+        return false;
+    }
+    return std::ranges::any_of(editsBelow(page), [this](const auto& edit) {
+        const auto saved = saved_.find(edit.first);
+        return saved == saved_.end() || saved->second != edit.second;
+    });
+}
+
+std::string UnsavedEdits::loss(Pages which) const {
     std::string titles;
     for (const auto& [page, title] : pagesOf(actions_.interface())) {
-        const Edits edits = editsBelow(*page);
-        const bool isUnsaved = std::ranges::any_of(edits, [this](const auto& edit) {
-            const auto saved = saved_.find(edit.first);
-            return saved == saved_.end() || saved->second != edit.second;
-        });
-        if (isUnsaved) {
+        if (isUnsaved(*page, which)) {
             titles += (titles.empty() ? "" : ", ") + title;
         }
     }
-    return titles;
+    return titles.empty()
+               ? titles
+               : stringWithFormat(NSLocalizedString("Unsaved changes on these pages will be lost: %@."),
+                                  titles);
+}
+
+std::function<void()> UnsavedEdits::keep(Pages which) const {
+    std::vector<std::pair<NSControl*, std::function<void()>>> contents;
+    for (const auto& [page, title] : pagesOf(actions_.interface())) {
+        if (!isUnsaved(*page, which)) {
+            continue;
+        }
+        // An editor is filled from its row, and from the folder that was chosen: all of it belongs to the
+        // edit.
+        const bool isOfSettings =
+            sends(*page, "updateSMBProperties:") || sends(*page, "updateAFSProperties:");
+        platform::visitNodes(*page, [&](const platform::InterfaceNode& each) {
+            auto* control = modelOf<NSControl>(each);
+            if (control == nullptr || choosesView(control->action().operation) ||
+                (isOfSettings && !control->isEdited())) {
+                return;
+            }
+            if (auto content = contentOf(*control)) {
+                contents.emplace_back(control, std::move(content));
+            }
+        });
+    }
+    return [contents = std::move(contents)] {
+        for (const auto& [control, show] : contents) {
+            show();
+            control->sendAction(); // which enables others or changes a button's title
+        }
+    };
+}
+
+bool UnsavedEdits::mayBeLost(Pages which) const {
+    const std::string text = loss(which);
+    return text.empty() ||
+           NSRunAlertPanel(NSLocalizedString("Unsaved Changes"), "%@", NSLocalizedString("Cancel"),
+                           NSLocalizedString("Go On"), std::nullopt, text) == NSAlertAlternateReturn;
 }
 
 } // namespace frontend

@@ -3,6 +3,7 @@
 #include "frontends/qt/Binding.h"
 #include "frontends/qt/WindowActions.h"
 
+#include <functional>
 #include <map>
 #include <string>
 
@@ -15,14 +16,25 @@ class UnsavedEdits {
     /// `actions` must outlive this object.
     UnsavedEdits(WindowActions& actions, RefreshQueue& queue);
 
+    /// OfSMBConf is both the share editor and the SMB server's settings.
+    enum class Pages { All, OfSMBConf, ShareEditor, SMBSettings };
+
     /// Says that the operation has saved its page.
     void noteSaved(const std::string& operation);
 
-    /// Returns the titles of the pages with unsaved changes; empty when there are none.
-    [[nodiscard]] std::string pages() const;
+    /// Returns a sentence with the titles of those pages that have unsaved changes; empty when none has.
+    [[nodiscard]] std::string loss(Pages which) const;
+
+    /// Asks whether the unsaved changes on those pages may be lost. Returns true at once when there are none.
+    [[nodiscard]] bool mayBeLost(Pages which) const;
+
+    /// Returns a function that puts the unsaved changes on those pages, as they are now, back into the
+    /// controls when these have been filled again. They are then unsaved as before.
+    [[nodiscard]] std::function<void()> keep(Pages which) const;
 
   private:
     void forgetReplaced();
+    [[nodiscard]] bool isUnsaved(const platform::InterfaceNode& page, Pages which) const;
 
     WindowActions& actions_;
     std::map<const platform::Element*, std::string> saved_; ///< contents when they were last saved

@@ -59,7 +59,7 @@ void click(const InterfaceNode& node) {
 void WindowActions::use(const InterfaceNode& node) {
     endEditingOfFocusedField();
     if (node.attribute("role") == "quit") {
-        closeMainWindow(queue_);
+        closeMainWindow();
         return;
     }
     if (node.attribute("role") == "guide") {
@@ -87,6 +87,15 @@ void WindowActions::use(const InterfaceNode& node) {
     if (const std::string& field = node.attribute("edits"); begun_ && !field.empty()) {
         begun_(field);
     }
+}
+
+void WindowActions::closeMainWindow() {
+    queue_.runUserEvent([this] {
+        NSWindow* main = NSApp().mainWindow();
+        if (main != nullptr && (!mayClose_ || mayClose_())) {
+            main->close();
+        }
+    });
 }
 
 void WindowActions::useButtonOf(const std::string& table, const std::string& role) {

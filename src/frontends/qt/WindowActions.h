@@ -28,6 +28,12 @@ class WindowActions {
     /// Handles a user's click on the node's button or menu item.
     void use(const platform::InterfaceNode& node);
 
+    /// Closes the main window, if that is allowed. The application decides whether it then ends.
+    void closeMainWindow();
+
+    /// Sets the function that asks whether the main window may be closed, as far as that is a question.
+    void setMayClose(std::function<bool()> mayClose) { mayClose_ = std::move(mayClose); }
+
     /// Emitted with the operation of each control used in this way, after its action.
     platform::Signal<const std::string&> used;
 
@@ -119,6 +125,7 @@ class WindowActions {
     RefreshQueue& queue_;
     std::optional<Confirmation> confirmation_;
     bool leavesConfirmations_ = false;
+    std::function<bool()> mayClose_;
     std::function<void(const std::string&)> begun_;
     std::function<void(const std::string&, const std::string&)> refused_;
     std::function<void(std::optional<std::string>)> answerPanel_;

@@ -138,9 +138,9 @@ class HistoryDialog : public QDialog {
 
 } // namespace
 
-WindowHistory::WindowHistory(const review::History& history, review::Reviewer& reviewer,
-                             WindowActions& actions, QMainWindow& window, QMenu& menu, RefreshQueue& queue)
-    : QObject(&window), history_(history), reviewer_(reviewer), edits_(actions, queue), window_(window),
+WindowHistory::WindowHistory(const review::History& history, review::Reviewer& reviewer, UnsavedEdits& edits,
+                             QMainWindow& window, QMenu& menu, RefreshQueue& queue)
+    : QObject(&window), history_(history), reviewer_(reviewer), edits_(edits), window_(window),
       queue_(queue) {
     QAction* first = menu.actions().isEmpty() ? nullptr : menu.actions().constFirst();
     undo_ = new QAction(localized("Undo"), this);
@@ -187,9 +187,11 @@ void WindowHistory::takeBack(std::optional<std::int64_t> number, QWidget* parent
         if (allowed_) {
             allowed_(plan.runs.size());
         }
+        const auto putBack = edits_.keep(UnsavedEdits::Pages::All);
         const platform::Status status = history_.undo(*undo);
         reviewer_.rereadEverything();
         if (!status.isOk()) {
+            putBack();
             showProblem(NSLocalizedString("Not Taken Back"), status.text());
         }
     });
@@ -199,10 +201,8 @@ void WindowHistory::addWarnings(const review::UndoPlan& undo, review::Plan* plan
     for (const std::string& loss : undo.losses) {
         plan->warnings.push_back({"lost", loss});
     }
-    if (const std::string pages = edits_.pages(); !pages.empty()) {
-        plan->warnings.push_back(
-            {"unsaved",
-             stringWithFormat(NSLocalizedString("Unsaved changes on these pages will be lost: %@."), pages)});
+    if (const std::string loss = edits_.loss(UnsavedEdits::Pages::All); !loss.empty()) {
+        plan->warnings.push_back({"unsaved", loss});
     }
 }
 

@@ -23,14 +23,11 @@ class WindowHistory : public QObject {
   public:
     /// Becomes a child of `window`, and adds its items to `menu`. The other arguments must outlive this
     /// object.
-    WindowHistory(const review::History& history, review::Reviewer& reviewer, WindowActions& actions,
+    WindowHistory(const review::History& history, review::Reviewer& reviewer, UnsavedEdits& edits,
                   QMainWindow& window, QMenu& menu, RefreshQueue& queue);
 
     /// `allowed` is called with the number of runs of an undo that is about to begin.
     void setAllowed(std::function<void(std::size_t runs)> allowed) { allowed_ = std::move(allowed); }
-
-    /// Says that the operation has saved its page.
-    void noteSaved(const std::string& operation) { edits_.noteSaved(operation); }
 
     /// Takes a change back after asking; without a number, the newest.
     void takeBack(std::optional<std::int64_t> number, QWidget* parent);
@@ -43,7 +40,7 @@ class WindowHistory : public QObject {
 
     const review::History& history_;
     review::Reviewer& reviewer_;
-    UnsavedEdits edits_;
+    UnsavedEdits& edits_;
     QMainWindow& window_;
     RefreshQueue& queue_;
     QAction* undo_ = nullptr;

@@ -41,7 +41,10 @@ namespace frontend {
 namespace {
 
 constexpr const char* reviewAllKey = "BrindleReviewEveryChange";
+constexpr const char* saveOperation = "updateSMBProperties:";
 constexpr const char* revertOperation = "revertSMBProperties:";
+constexpr const char* revertAFPOperation = "refreshAFSProperties:";
+constexpr auto pagesOfSMBConf = UnsavedEdits::Pages::OfSMBConf;
 
 /// Returns the box layout that directly contains the widget, and the widget's place in it.
 QBoxLayout* layoutAround(QLayout* layout, const QWidget* widget, int* place) {
@@ -98,16 +101,24 @@ std::string stampOf(const SMBConf* conf) {
 
 } // namespace
 
-WindowReview::WindowReview(review::Reviewer& reviewer, QMainWindow& window, WindowActions& actions,
-                           RefreshQueue& queue)
-    : QObject(&window), reviewer_(reviewer), window_(window), actions_(actions), queue_(queue) {
+WindowReview::WindowReview(review::Reviewer& reviewer, UnsavedEdits& edits, QMainWindow& window,
+                           WindowActions& actions, RefreshQueue& queue)
+    : QObject(&window), reviewer_(reviewer), edits_(edits), window_(window), actions_(actions),
+      queue_(queue) {
     addMenu();
     addNotice();
     addDirectoryNotice();
-    eventEnded_ = queue.eventEnded.connect([this] { showDirectoryNotice(); });
+    eventEnded_ = queue.eventEnded.connect([this] {
+        showDirectoryNotice();
+        if (notice_ != nullptr && !notice_->isHidden()) {
+            showNotice(); // an undo reads everything again
+        }
+    });
     window.installEventFilter(this);
     reviewer.setBlockedHandler([this](const review::Plan& plan) { showBlocked(plan); });
     reviewer.setQuestion([this](const review::Plan& plan) {
+        putBackShare_ = edits_.keep(UnsavedEdits::Pages::ShareEditor);
+        putBackSettings_ = edits_.keep(UnsavedEdits::Pages::SMBSettings);
         const bool mayBegin = ask(plan);
         if (mayBegin && allowed_) {
             allowed_(plan);
@@ -225,7 +236,9 @@ void WindowReview::planButtonInUse() {
                 "First put the cursor into a form, or on the button whose changes you want to see."));
         return;
     }
-    showPlan(reviewer_.planPress(*model), &window_);
+    // Which button that is may not be obvious.
+    showPlan(reviewer_.planPress(*model), &window_,
+             PlanQuestion{NSLocalizedString("What Would This Do?"), model->title(), {}, {}});
 }
 
 namespace {
@@ -261,8 +274,13 @@ void WindowReview::addDirectoryNotice() {
     auto* again = new QPushButton(localizedTitle("Try Again"));
     directoryNotice_ = makeNotice("directoryNotice", {}, again);
     directoryText_ = directoryNotice_->findChild<QLabel*>();
-    connect(again, &QPushButton::clicked, this,
-            [this] { queue_.runUserEvent([this] { reviewer_.rereadEverything(); }); });
+    connect(again, &QPushButton::clicked, this, [this] {
+        queue_.runUserEvent([this] {
+            if (edits_.mayBeLost(UnsavedEdits::Pages::All)) {
+                reviewer_.rereadEverything();
+            }
+        });
+    });
     layout->insertWidget(0, directoryNotice_);
 }
 
@@ -303,7 +321,7 @@ void WindowReview::showNotice() {
     // A partly shown page cannot be saved, but the file may have been repaired since.
     const auto* part = actions_.find<NSTextField>("smbPartNotice");
     if (part != nullptr && !part->stringValue().empty() && reviewer_.hasSMBConfChangedOnDisk()) {
-        queue_.runUserEvent([this] { reviewer_.reread(); });
+        queue_.runUserEvent([this] { rereadBelowEdits(); });
     }
     if (notice_ != nullptr) {
         notice_->setVisible(reviewer_.hasSMBConfChangedOnDisk());
@@ -318,21 +336,44 @@ void WindowReview::lookAtFile() {
 }
 
 void WindowReview::reread() {
-    queue_.runUserEvent([this] { reviewer_.reread(); });
+    queue_.runUserEvent([this] {
+        if (edits_.mayBeLost(pagesOfSMBConf)) {
+            reviewer_.reread();
+        }
+    });
     showNotice();
 }
 
+void WindowReview::rereadBelowEdits() {
+    const auto putBack = edits_.keep(pagesOfSMBConf);
+    reviewer_.reread();
+    putBack();
+}
+
 void WindowReview::actionWasUsed(const std::string& operation) {
+    const auto putBackShare = std::exchange(putBackShare_, nullptr);
+    const auto putBackSettings = std::exchange(putBackSettings_, nullptr);
     // Reverting must show what is on disk now.
     if (operation == revertOperation && reviewer_.hasSMBConfChangedOnDisk()) {
-        reviewer_.reread();
+        rereadBelowEdits(); // those in the share editor: the page's own are gone
         showNotice();
+    } else if (operation == revertAFPOperation) {
+        reviewer_.rereadAFPSettings();
     }
     if (!review::isWriting(operation)) {
+        lookAtFile(); // the lists may just have been read again
         return;
     }
-    if (reviewer_.hasUnwrittenSMBConf()) {
+    const bool hasFailed = reviewer_.hasUnwrittenSMBConf();
+    if (hasFailed) {
         reviewer_.reread();
+    }
+    // Either this or the action itself may have read smb.conf again.
+    if (putBackShare && (hasFailed || operation == saveOperation)) {
+        putBackShare();
+    }
+    if (putBackSettings && (hasFailed || operation != saveOperation)) {
+        putBackSettings();
     }
     showNotice();
     if (remarksShown_ != nullptr) {

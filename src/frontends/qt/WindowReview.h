@@ -1,6 +1,7 @@
 #pragma once
 
 #include "frontends/qt/Binding.h"
+#include "frontends/qt/UnsavedEdits.h"
 #include "review/Reviewer.h"
 
 #include <QMainWindow>
@@ -21,12 +22,13 @@ class WindowActions;
 
 /// The window's part of the review. It asks before an action with a warning, and provides the menu "Changes".
 /// It shows a notice above the share table when somebody else has changed smb.conf, and one above the pages
-/// when the directory cannot be read. After a failed write it reads smb.conf again, so that a later save does
-/// not include the failed change. A child of the main window's widget.
+/// when the directory cannot be read. After a failed write it reads smb.conf again, so that a later action
+/// does not write the failed change by the way; what was typed stays as an unsaved edit. A child of the main
+/// window's widget.
 class WindowReview : public QObject {
   public:
     /// Becomes a child of `window`. The other arguments must outlive this object.
-    WindowReview(review::Reviewer& reviewer, QMainWindow& window, WindowActions& actions,
+    WindowReview(review::Reviewer& reviewer, UnsavedEdits& edits, QMainWindow& window, WindowActions& actions,
                  RefreshQueue& queue);
 
     ~WindowReview() override;
@@ -55,12 +57,15 @@ class WindowReview : public QObject {
     void showDirectoryNotice();
     void showRemarks();
     void showBlocked(const review::Plan& plan) const;
+    /// Asks before unsaved edits are lost.
     void reread();
+    void rereadBelowEdits();
     void planButtonInUse();
     [[nodiscard]] bool ask(const review::Plan& plan);
     [[nodiscard]] bool reviewsAll() const;
 
     review::Reviewer& reviewer_;
+    UnsavedEdits& edits_;
     QMainWindow& window_;
     WindowActions& actions_;
     RefreshQueue& queue_;
@@ -73,6 +78,9 @@ class WindowReview : public QObject {
     std::multimap<std::string, std::string> remarks_; ///< by share name
     std::string stamp_;                               ///< the stamp of smb.conf when it was last checked
     std::function<void(const review::Plan&)> allowed_;
+    // They put back what was unsaved when the current action began.
+    std::function<void()> putBackShare_;
+    std::function<void()> putBackSettings_;
     platform::Connection eventEnded_;
     platform::Connection used_;
 };

@@ -23,15 +23,6 @@
 
 namespace frontend {
 
-namespace {
-
-std::string nameInEditor(const WindowActions& actions) {
-    const auto* field = actions.find<NSTextField>("shareName");
-    return field == nullptr ? std::string() : field->stringValue();
-}
-
-} // namespace
-
 WindowStatus::WindowStatus(Activity& activity, QMainWindow& window, WindowActions& actions,
                            RefreshQueue& queue)
     : QObject(&window), activity_(activity), window_(window), actions_(actions) {
@@ -91,6 +82,11 @@ void WindowStatus::useServer(ShareServer server) {
     }
 }
 
+void WindowStatus::actionBegins() {
+    const auto* field = actions_.find<NSTextField>("shareName");
+    edited_ = field == nullptr ? std::string() : field->stringValue();
+}
+
 void WindowStatus::show(const QString& text, bool isFailure) {
     for (QPushButton* button : {copy_, open_, undo_}) {
         button->hide();
@@ -100,7 +96,23 @@ void WindowStatus::show(const QString& text, bool isFailure) {
     useInk(*text_, isFailure ? std::optional(Ink::Warning) : std::nullopt);
 }
 
+void WindowStatus::lookAtServer() {
+    if (serverState_ == nullptr || !server_.runs || server_.runs()) {
+        return;
+    }
+    server_ = {
+        "",
+        NSLocalizedString("The SMB server has ended: start Brindle with --serve again to reach the shares."),
+        true};
+    serverState_->setWhole(shown(server_.state));
+    useInk(*serverState_, Ink::Warning);
+    if (!copy_->isHidden()) { // the line names an address that nobody answers any more
+        static_cast<void>(showShare(edited_));
+    }
+}
+
 void WindowStatus::eventEnded() {
+    lookAtServer(); // the window's activation is an event, too
     const auto added = history_ == nullptr ? std::nullopt : history_->takeAdded();
     if (activity_.runsOfEvent() > 0 || activity_.isRefused() || !activity_.failureOfEvent().empty()) {
         showOutcome(added);
@@ -126,9 +138,9 @@ void WindowStatus::showOutcome(const std::optional<review::HistoryEntry>& added)
         show(shown(stringWithFormat(NSLocalizedString(isNew ? "Not everything was done: %@" : "Failed: %@"),
                                     failure)),
              true);
-    } else if (activity_.runsOfEvent() == 0) {
-        show(localized("Nothing was changed: the permission was not given."));
-    } else if (operation_ != "createShare:" || !isNew || !showShare(nameInEditor(actions_))) {
+    } else if (activity_.isRefused()) {
+        show(shown((isNew ? added->title + ".  " : "") + activity_.refusal()));
+    } else if (operation_ != "createShare:" || !isNew || !showShare(edited_)) {
         show(isNew ? shown(added->title) + QLatin1Char('.') : localized("Done."));
     }
     undo_->setVisible(isNew && added->canComeBack() && added->undoes == 0 && takeBack_ != nullptr);
@@ -140,7 +152,7 @@ bool WindowStatus::showShare(const std::string& name) {
     if (!hasSection_ || !hasSection_(name)) {
         return false;
     }
-    if (server_.address.empty()) {
+    if (server_.address.empty() || (server_.runs && !server_.runs())) {
         show(shown(stringWithFormat(NSLocalizedString("%@ will be shared over SMB as soon as a server runs."),
                                     name)));
         return true;

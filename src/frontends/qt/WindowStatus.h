@@ -43,11 +43,16 @@ class WindowStatus : public QObject {
     /// Emitted with the operation of each control whose action made changes, and made all of them.
     platform::Signal<const std::string&> saved;
 
+    /// Says that an action that may change something is about to begin.
+    void actionBegins();
+
     /// Shows a text for the last action.
     void show(const QString& text, bool isFailure = false);
 
   private:
     void eventEnded();
+    /// Says it if the server of --serve has ended.
+    void lookAtServer();
     void showOutcome(const std::optional<review::HistoryEntry>& added);
     [[nodiscard]] bool showShare(const std::string& name);
     void showActivity();
@@ -69,6 +74,7 @@ class WindowStatus : public QObject {
     QPushButton* more_ = nullptr;
     QPointer<ActivityDialog> dialog_;
     std::string operation_;   ///< the operation of the control used in this event
+    std::string edited_;      ///< the share in the editor when the last action began
     std::string address_;     ///< the address of the share in the line
     std::int64_t number_ = 0; ///< the number of the change in the line
     platform::Connection eventEnded_;

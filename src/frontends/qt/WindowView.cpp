@@ -110,7 +110,7 @@ void WindowView::buildDialog(const InterfaceNode& node, QWidget* parent) {
         widget_->setWindowModality(Qt::WindowModal);
         // The sheet blocks the menu bar, but it must still be possible to quit.
         auto* quit = new QShortcut(QKeySequence::Quit, widget_);
-        connect(quit, &QShortcut::activated, this, [this] { closeMainWindow(queue_); });
+        connect(quit, &QShortcut::activated, this, [this] { actions_.closeMainWindow(); });
     }
 }
 
@@ -173,7 +173,11 @@ bool WindowView::eventFilter(QObject* watched, QEvent* event) {
     case QEvent::Close:
         // The model decides whether the window closes: a sheet stays until it is answered.
         event->ignore();
-        queue_.runUserEvent([this] { window_.close(); });
+        if (window_.kind() == NSWindowKind::Main) {
+            actions_.closeMainWindow();
+        } else {
+            queue_.runUserEvent([this] { window_.close(); });
+        }
         return true;
     case QEvent::WindowActivate:
         queue_.runUserEvent([this] { window_.becomeKey(); });
