@@ -10,8 +10,8 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <exception>
 #include <span>
-#include <stdexcept>
 #include <string_view>
 #include <utility>
 #include <vector>
@@ -118,7 +118,7 @@ int directoryToolMain(std::string_view name, int argc, char** argv) {
     ToolResult result;
     try {
         result = run(name, options, arguments);
-    } catch (const std::runtime_error& error) {
+    } catch (const std::exception& error) {
         result = {std::string(name) + ": " + error.what() + "\n", 1};
     }
     if (endsWithPassword) {
