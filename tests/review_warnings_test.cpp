@@ -242,7 +242,8 @@ TEST_F(Surprises, GuestsWhoMayWriteAndManyAccountsAreReported) {
     reviewer->reread();
     selectShare("Docs");
     choose("everyonePrivs", 0);
-    EXPECT_EQ(warningsOf("createShare:"), "read-only-section");
+    std::filesystem::remove_all(host.home());
+    EXPECT_EQ(warningsOf("createShare:"), "home-unwritable read-only-section");
     reviewer->setGivesAdvice(false);
     EXPECT_EQ(warningsOf("createShare:"), "");
     for (int user = 0; user < 20; ++user) {
