@@ -13,6 +13,8 @@ namespace {
 
 class WindowReviewTest : public MainWindow {
   protected:
+    explicit WindowReviewTest(const TestHost::Options& options = {}) : MainWindow(options) {}
+
     void openWith(const std::string& smbConf) {
         host.write("etc/smb.conf", smbConf);
         open();
@@ -39,6 +41,17 @@ class WindowReviewTest : public MainWindow {
     }
 
     std::unique_ptr<review::Reviewer> reviewer;
+};
+
+class WindowReviewLineByLine : public WindowReviewTest {
+  protected:
+    WindowReviewLineByLine() : WindowReviewTest(options()) {}
+
+    static TestHost::Options options() {
+        TestHost::Options options;
+        options.keepsLayout = true;
+        return options;
+    }
 };
 
 constexpr const char* handWritten = "[global]\nworkgroup = HOME\na line that says nothing\n";
@@ -127,6 +140,19 @@ TEST_F(WindowReviewTest, AfterAFailedCopyTheEditsStayAndOnlyASaveWritesThem) {
     host.write("etc/smb.conf", "[global]\nworkgroup = OTHER\n");
     clickTitled("Revert");
     EXPECT_EQ(text("smbWorkGroup") + text("shareName"), "OTHERHalf");
+}
+
+TEST_F(WindowReviewLineByLine, EditsOnAnotherPageStayWhenASaveTakesUpWhatSomebodyElseWrote) {
+    openWith("[global]\n");
+    showPage(4);
+    typeInto("smbWorkGroup", "OFFICE");
+    host.write("etc/smb.conf", "[global]\nlog level = 1\n");
+    showPage(0);
+    fillShare("Films");
+    answer({"Go On"});
+    click("createNewShare");
+    EXPECT_TRUE(isOnDisk("log level = 1") && isOnDisk("[Films]"));
+    EXPECT_EQ(text("smbWorkGroup"), "OFFICE");
 }
 
 TEST_F(WindowReviewTest, RevertingTheAFPSettingsShowsWhatIsOnDiskNow) {

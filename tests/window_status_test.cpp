@@ -54,13 +54,16 @@ class WindowStatusTest : public WindowWithHistory {
 };
 
 TEST_F(WindowStatusTest, AShareIsAnnouncedWithItsAddressToCopyAndTakenBackFromThere) {
+    host.write("etc/smb.conf", "[Docs]\n\tpath = " + host.root().string() + "\n");
     openWithHistory();
     frontend->useServer({"smb://127.0.0.1:4455/", "SMB server", false});
     EXPECT_EQ(status(), "");
-    share("Docs");
-    typeInto("shareName", "My Docs"); // while the other is selected
+    clickRow("normalTableView", 0);
+    clickTitled("Edit Share");
+    typeInto("shareName", "My Docs");
     answer({"Go On"});
     click("createNewShare");
+    EXPECT_EQ(text("shareName"), "") << "no longer the editor's";
     EXPECT_EQ(status(), "My Docs is shared at smb://127.0.0.1:4455/My%20Docs.");
     click("statusCopy");
     EXPECT_EQ(QApplication::clipboard()->text(), "smb://127.0.0.1:4455/My%20Docs");
