@@ -117,6 +117,8 @@ TEST_F(Surprises, AFolderInTheWrongPlaceIsNamed) {
     std::filesystem::create_directory_symlink(folder("docs/linked"), host.root() / "link");
     type("directory", (host.root() / "link").string());
     EXPECT_NE(sentence("createShare:", "folder-inside-share").find("\"Docs\""), std::string::npos);
+    type("directory", "\"/in\"");
+    EXPECT_NE(sentence("createShare:", "relative-folder").find(" \"/in\" is in quotes"), std::string::npos);
     selectShare("Docs");
     EXPECT_EQ(sentence("createShare:", "folder-inside-share"), ""); // a share is not inside itself
 }
