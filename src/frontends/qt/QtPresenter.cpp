@@ -162,7 +162,7 @@ std::optional<std::string> QtPresenter::runOpenPanel(const platform::OpenPanelRe
 std::optional<platform::AdministratorAnswer>
 QtPresenter::runAdministratorDialog(const platform::AdministratorRequest& request) {
     // An action with many runs asks before each of them. Done in part it would be worse than not at all.
-    if (!asks() || refusedIn_ == queue_->userEvent()) {
+    if (!asks() || (refusedIn_ > 0 && refusedIn_ == queue_->userEvent())) {
         return std::nullopt;
     }
     const Question question(progress_);

@@ -93,7 +93,7 @@ class QtPresenter : public platform::Presenter {
     std::vector<platform::Interface*> interfaces_;
     std::vector<std::unique_ptr<WindowActions>> actions_; ///< one per interface; outlive the views
     std::optional<std::string> panelAnswer_; ///< the result of the next open panel, which is then not shown
-    unsigned refusedIn_ = 0;                 ///< the user's event in which the administrator refused last
+    unsigned refusedIn_ = 0; ///< the user's event in which the administrator refused last; 0 before that
     std::vector<std::unique_ptr<WindowView>> views_; ///< the main window's first
     review::Reviewer* reviewer_ = nullptr;
     WindowReview* review_ = nullptr;       ///< the main window's child
