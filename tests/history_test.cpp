@@ -247,6 +247,27 @@ TEST_P(OneUndo, KeepsWhatSomebodyElseWroteToSmbConfMeanwhile) {
     EXPECT_EQ(conf(), "[Music]\n");
 }
 
+TEST_P(OneUndo, OfAShareLeavesTheOtherSectionsAsTheyAreNow) {
+    beginWithHistory();
+    for (const char* name : {"Docs", "Films"}) {
+        app().normalTableView->selectRows({});
+        type("shareName", name);
+        type("directory", folder(name));
+        choose("sharingSMB", 1);
+        act("createShare:");
+    }
+    const std::string made = conf();
+    EXPECT_EQ(undo(1), "");
+    const std::string kept = conf();
+    EXPECT_EQ(kept, made.substr(made.find("[Films]")));
+    writeConf("# by hand\n" + kept + "comment = Cinema\n");
+    EXPECT_NE(undo(2), "") << "that section was changed by hand";
+    EXPECT_EQ(undo(3), "") << "and Docs is shared again";
+    for (const char* text : {"[Docs]", "# by hand", "comment = Cinema"}) {
+        EXPECT_NE(conf().find(text), std::string::npos) << conf();
+    }
+}
+
 TEST_P(OneUndo, ThatWasGivenUpHalfWayHasFailedAndIsRepeatedAsPlanned) {
     addShare("Docs", folder("docs"));
     writeConf("[Docs]\npath = " + folder("docs") + "\n");

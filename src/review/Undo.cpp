@@ -9,6 +9,7 @@
 #include "review/Recorder.h"
 #include "review/UndoAccounts.h"
 #include "review/UndoRuns.h"
+#include "review/WithoutChange.h"
 #include "tools/HelperFolders.h"
 
 #include <algorithm>
@@ -237,9 +238,17 @@ class UndoPlanner {
             return;
         }
         if (now != file.after) {
-            refuseChanged(real, [&](const HistoryEntry& later) {
-                return std::ranges::find(later.files, file.path, &FileChange::path) != later.files.end();
-            });
+            const auto kept = isSMB && now && file.after
+                                  ? withoutChange(*now, file.before.value_or(""), *file.after)
+                                  : std::nullopt;
+            if (!kept) {
+                refuseChanged(real, [&](const HistoryEntry& later) {
+                    const auto found = std::ranges::find(later.files, file.path, &FileChange::path);
+                    return found != later.files.end() && (!isSMB || touchTheSame(file, *found));
+                });
+            } else if (kept != now) {
+                plan_.files.push_back({file.path, kept, now});
+            }
             return;
         }
         plan_.files.push_back(file);

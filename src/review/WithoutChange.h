@@ -1,0 +1,19 @@
+#pragma once
+
+#include "review/HistoryEntry.h"
+
+#include <optional>
+#include <string>
+
+namespace review {
+
+/// What the smb.conf `now` becomes when the change from `before` to `after` is taken back in it, with all
+/// else as it is: `now` itself when it has been taken back already. None when a section that the change
+/// touched has been changed since, or when another one would not stay as it is.
+[[nodiscard]] std::optional<std::string> withoutChange(const std::string& now, const std::string& before,
+                                                       const std::string& after);
+
+/// Whether both changes of smb.conf concern one section, or both the comments outside of sections.
+[[nodiscard]] bool touchTheSame(const FileChange& change, const FileChange& other);
+
+} // namespace review
