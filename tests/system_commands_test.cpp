@@ -63,6 +63,7 @@ TEST_F(SystemCommands, RefuseAccountsThatTheComputerDoesNotTakeBeforeTheFirstRun
         EXPECT_TRUE(contains(finished.output, "cannot be used: ") && contains(finished.output, part))
             << finished.output;
     }
+    EXPECT_TRUE(contains(command({"users", "remove", "chief"}).output, "is connected or logged in (brindle"));
 }
 
 TEST_F(SystemCommands, ShowWhoIsConnectedAndDisconnectThroughTheHelper) {
