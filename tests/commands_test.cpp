@@ -260,6 +260,7 @@ TEST_F(Commands, AskBeforeALossAndTakeHalfSharesForWhatTheyAre) {
     const std::string add = "shares add Docs " + folder().string();
     EXPECT_EQ(answer(add + " --no-smb --yes")["share"]["smb"], false);
     EXPECT_EQ(answer(add + " --yes")["share"]["smb"], true) << "as after an attempt that stopped half way";
+    EXPECT_EQ(answer("shares set Docs --folder / --yes", 1)["error"]["status"], 1) << "SMB keeps the old one";
     EXPECT_EQ(answer("shares remove Docs --yes")["changed"], true);
     test_.write("computer/etc/smb.conf", "[Docs]\npath = " + folder().string() + "\npublic = yes\n");
     const json guests = answer("shares set Docs --no-guests --yes", 1)["error"]["text"];

@@ -385,6 +385,7 @@ Result<int> run(const Options& options, char** argv, frontend::WindowRun* window
 int NSApplicationMain(int argc, char** argv, frontend::WindowRun* window) {
     // The writing code detects a reader that goes away, or a tool that ends early.
     std::signal(SIGPIPE, SIG_IGN);
+    std::signal(SIGXFSZ, SIG_IGN); // likewise a file that may not grow
     platform::leaveNoCore(); // passwords are typed here
     platform::openStandardDescriptors();
     try {

@@ -9,6 +9,8 @@
 #include <ctime>
 #include <memory>
 
+#include <arpa/inet.h>
+
 namespace frontend {
 
 namespace {
@@ -104,7 +106,15 @@ void addSessionCommands(CLI::App& parser, CommandOptions& options) {
     command->add_option("--share", given->share, "End all connections to this share")->type_name("NAME");
     command
         ->add_option("--computer", given->computer, "End all connections of the computer with this address")
-        ->type_name("ADDRESS");
+        ->type_name("ADDRESS")
+        ->check(CLI::Validator(
+            [](const std::string& text) {
+                in6_addr address{}; // large enough for the other kind, too
+                const bool isAddress = ::inet_pton(AF_INET, text.c_str(), &address) == 1 ||
+                                       ::inet_pton(AF_INET6, text.c_str(), &address) == 1;
+                return isAddress ? std::string() : text + " is not an IP address";
+            },
+            ""));
     sessions->parse_complete_callback([&options] { options.needsApplication = false; });
     // This runs after the subcommand's callback.
     sessions->final_callback([&options, sessions] {

@@ -202,13 +202,20 @@ void set(CommandRun& run, const Page& page, const std::vector<std::string>& word
         CommandRun::fail(NSLocalizedString("each setting needs a value"), CommandStatus::WrongUse);
     }
     requireReadable(run, page);
+    using Given = std::pair<const Setting*, std::string>;
+    std::vector<Given> given;
     for (std::size_t index = 0; index < words.size(); index += 2) {
         const auto found = std::ranges::find(page.settings, words[index], &Setting::key);
         if (found == page.settings.end()) {
             CommandRun::fail(stringWithFormat(NSLocalizedString("there is no setting \"%@\""), words[index]),
                              CommandStatus::WrongUse);
         }
-        apply(run, *found, words[index + 1]);
+        given.emplace_back(&*found, words[index + 1]);
+    }
+    // First what is on or off, because other settings can only be changed while what they belong to is on.
+    std::ranges::stable_partition(given, [](const Given& each) { return each.first->kind == Kind::OnOff; });
+    for (const auto& [setting, value] : given) {
+        apply(run, *setting, value);
     }
     run.send(page.save);
 }

@@ -169,6 +169,22 @@ void add(CommandRun& run, ShareOptions options) {
     write(run, options);
 }
 
+/// The folder that the SMB server shares under this name; empty when there is none.
+std::string servedFolder(const CommandRun& run, const std::string& name) {
+    const SMBShare* const section = run.context().reviewer->smbConf()->section(name);
+    const SMBPair* const path = section == nullptr ? nullptr : serverSetting(*section, "path").pair;
+    return path == nullptr ? std::string() : std::string(withoutQuotes(path->Value.view()));
+}
+
+/// Fails because the SMB server shares `folder` under this name all the same: updating a share does not
+/// change the folder of its section.
+[[noreturn]] void failAsServed(const std::string& folder, const std::string& name) {
+    CommandRun::fail(
+        stringWithFormat(NSLocalizedString("the SMB server would still share %@ as \"%@\": remove the "
+                                           "share and add it again"),
+                         folder, name));
+}
+
 /// Fails if the server still lets guests use the share: the list knows only one of that setting's spellings.
 void requireNoGuests(const CommandRun& run, const std::string& name) {
     const review::Reviewer& reviewer = *run.context().reviewer;
@@ -177,15 +193,23 @@ void requireNoGuests(const CommandRun& run, const std::string& name) {
         const auto readings = reviewer.otherReadings();
         const auto reading = readings.find(name);
         CommandRun::fail(
-            stringWithFormat(NSLocalizedString("the server still lets guests use the share \"%@\".  %@"),
-                             name, reading == readings.end() ? std::string() : reading->second));
+            stringWithFormat(NSLocalizedString("the server still lets guests use the share \"%@\".%@"), name,
+                             reading == readings.end() ? std::string() : "  " + reading->second));
     }
 }
 
 void set(CommandRun& run, const ShareOptions& options) {
     run.selectRows(table, {requireRow(run, options.name)});
     fill(run, options);
+    const std::string served = servedFolder(run, options.name);
+    const bool staysShared = run.control<NSPopUpButton>("sharingSMB").indexOfSelectedItem() == 1;
+    if (staysShared && options.folder && !served.empty() && served != run.text("directory")) {
+        failAsServed(served, options.name);
+    }
     write(run, options);
+    if (options.smb == false && !run.context().options.isDryRun && !servedFolder(run, options.name).empty()) {
+        failAsServed(served, options.name);
+    }
     if (options.guests == false && !run.context().options.isDryRun) {
         requireNoGuests(run, options.name);
     }
