@@ -10,7 +10,7 @@ namespace review {
 namespace {
 
 /// The codes of all warnings, in the order in which they are shown.
-constexpr std::array<std::string_view, 22> codes = {"changed-outside",
+constexpr std::array<std::string_view, 23> codes = {"changed-outside",
                                                     "lines-lost",
                                                     "section-removed",
                                                     "record-removed",
@@ -25,6 +25,7 @@ constexpr std::array<std::string_view, 22> codes = {"changed-outside",
                                                     "folder-shared-twice",
                                                     "name-case",
                                                     "overwrites-account",
+                                                    "member-already",
                                                     "id-changes",
                                                     "untouched-setting",
                                                     "guests-write",
@@ -34,8 +35,8 @@ constexpr std::array<std::string_view, 22> codes = {"changed-outside",
                                                     "server-reads-otherwise"};
 
 /// Those that the script language does not have.
-constexpr std::array<std::string_view, 3> advice = {"section-keeps-folder", "folder-shared-twice",
-                                                    "read-only-section"};
+constexpr std::array<std::string_view, 4> advice = {"section-keeps-folder", "folder-shared-twice",
+                                                    "read-only-section", "member-already"};
 
 std::ptrdiff_t placeOf(const Remark& warning) {
     return std::ranges::find(codes, warning.code) - codes.begin();
