@@ -3,7 +3,7 @@
 
 set(papers ${CMAKE_BINARY_DIR}/package)
 
-# brindle_compressed(FILE RESULT): compresses FILE in the build as Debian requires for man pages and changelogs.
+# brindle_compressed(FILE RESULT): compresses FILE in the build as Debian requires for man pages, changelogs and texts.
 function(brindle_compressed file result)
     get_filename_component(name ${file} NAME)
     set(compressed ${papers}/${name}.gz)
@@ -18,13 +18,22 @@ foreach(page brindle.1 dscl.1 nicl.1 nireport.1 niutil.1 brindle-helper.8)
     install(FILES ${compressed} DESTINATION ${CMAKE_INSTALL_MANDIR}/man${section})
 endforeach()
 
+# The guides to which the man pages send their readers.
+foreach(guide command-line scripting system-host)
+    brindle_compressed(${CMAKE_SOURCE_DIR}/docs/${guide}.md compressed)
+    install(FILES ${compressed} DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/brindle)
+endforeach()
+
 install(FILES resources/completion/brindle.bash DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions
     RENAME brindle)
 install(FILES resources/completion/_brindle DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/vendor-completions)
 install(FILES resources/completion/brindle.fish DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d)
 
-# Without the window, a desktop's menu has nothing to start.
-if(BRINDLE_HAS_QT)
+# Without the window, a desktop's menu has nothing to start, and who installs that shall know it.
+if(NOT BRINDLE_HAS_QT)
+    install(CODE [[message(WARNING "This build has no window, because Qt 6 (qt6-base-dev, libgl-dev) was not installed "
+        "or not wanted when it was configured: only the commands and scripts are installed.")]])
+else()
     set(metainfo example.brindle.Brindle.metainfo.xml)
     configure_file(resources/desktop/${metainfo}.in ${papers}/${metainfo} @ONLY)
     install(FILES ${papers}/${metainfo} DESTINATION ${CMAKE_INSTALL_DATADIR}/metainfo)
@@ -99,6 +108,8 @@ set(CPACK_STRIP_FILES ON)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_SECTION admin)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+set(CPACK_PROJECT_CONFIG_FILE ${CMAKE_SOURCE_DIR}/cmake/BrindlePackageTools.cmake)
+set(CPACK_DEBIAN_PACKAGE_CONTROL_EXTRA ${CMAKE_SOURCE_DIR}/resources/debian/postrm)
 set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
 # Otherwise the modes of folders depend on the umask of whoever builds.
 set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE

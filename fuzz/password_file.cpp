@@ -1,5 +1,5 @@
 // Samba's password database. An input is the file itself or, after a "u", the record of an account in an
-// intact file. It is refused, or the account that was asked for is read.
+// intact file. It is refused, or the account that was asked for is read, and in an intact file renamed.
 
 #include "Fuzz.h"
 #include "platform/samba/PasswordFile.h"
@@ -48,6 +48,13 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     if (found && *found) {
         const std::string& name = (*found)->name;
         fuzz::require(!name.empty() && name.find('\0') == std::string::npos, "an account has a name", name);
+        if (isRecord) {
+            const bool isMoved = platform::moveInPasswordFile(file, "alice", "bob", {}).isOk();
+            const auto moved = platform::userInPasswordFile(file, "bob");
+            fuzz::require(isMoved && moved && *moved && (*moved)->name == "bob" &&
+                              (*moved)->hasPassword == (*found)->hasPassword,
+                          "it gets another name, and keeps its password");
+        }
     }
     return 0;
 }

@@ -207,14 +207,47 @@ TEST_F(Commands, EndWithAStatusThatSaysWhatIsMissing) {
     EXPECT_EQ(command("shares add").status, 2);
     EXPECT_EQ(command("shares set Docs --owner-may everything").status, 2);
     EXPECT_EQ(answer("groups list")["groups"].dump().find("crew"), std::string::npos);
+    fs::rename(test_.root() / "computer/etc/smb.conf", test_.root() / "smb.conf");
+    fs::create_directory(test_.root() / "computer/etc/smb.conf");
+    for (const char* line :
+         {"shares list", "shares remove Docs --yes", "smb show", "smb set workgroup X --yes"}) {
+        EXPECT_NE(command(line).errors.find("smb.conf cannot be read"), std::string::npos) << line;
+    }
+    fs::remove(test_.root() / "computer/etc/smb.conf");
+    fs::rename(test_.root() / "smb.conf", test_.root() / "computer/etc/smb.conf");
     test_.write("computer/directory.db", "a letter");
-    for (const char* line : {"groups show staff", "users add ann --no-password --yes", "public on ann --yes",
-                             "public on --all --yes", "users remove ann --yes", "groups remove crew --yes",
-                             "shares remove Other --yes"}) {
+    for (const char* line :
+         {"users list", "groups list", "groups show staff", "users add ann --no-password --yes",
+          "public on ann --yes", "public on --all --yes", "users remove ann --yes",
+          "groups remove crew --yes", "shares remove Other --yes"}) {
         const Finished refused = command(line);
         EXPECT_NE(refused.errors.find("could not be read"), std::string::npos) << line << refused.output;
         EXPECT_EQ(refused.status, 1) << line;
     }
+}
+
+TEST_F(Commands, SayWhenTheirWordsOrTheHistoryAreLost) {
+    EXPECT_EQ(answer("groups add crew --yes").contains("notInHistory"), false);
+    const fs::path history = test_.root() / "computer/history.db";
+    fs::remove(history);
+    fs::create_directory(history);
+    const Finished finished = command("groups add team --yes --json");
+    EXPECT_TRUE(json::parse(finished.output).contains("notInHistory")) << finished.output;
+    EXPECT_NE(finished.errors.find("history.db"), std::string::npos);
+    const std::string line =
+        BRINDLE_PROGRAMS "/brindle groups add more --yes --root " + (test_.root() / "computer").string();
+    EXPECT_EQ(runProgram({"sh", "-c", line + " >&-"}, "", {"HOME=" + test_.home().string()}).status, 1);
+}
+
+TEST_F(Commands, LeaveNoUserWithoutThePasswordThatWasGiven) {
+    const std::string add = "users add ann --password-stdin --yes";
+    EXPECT_EQ(answer(add, 1, "\n")["error"]["status"], 1);
+    EXPECT_EQ(answer(add, 1, std::string(300, 'x'))["error"]["status"], 1);
+    EXPECT_EQ(answer("users show ann", 1)["error"]["status"], 1) << "nothing is half made";
+    EXPECT_EQ(answer("users add ann --no-password --yes")["changed"], true);
+    EXPECT_EQ(answer(add, 0, "Wonderland1\n")["changed"], true)
+        << "as after an attempt that stopped half way";
+    EXPECT_EQ(answer(add, 0, "Wonderland1\n")["changed"], false);
 }
 
 TEST_F(Commands, AskBeforeALossAndTakeHalfSharesForWhatTheyAre) {
@@ -313,7 +346,7 @@ TEST_F(Commands, AreCompletedWithExistingNames) {
             .output;
     };
     EXPECT_EQ(completed("sh"), "shares\n");
-    EXPECT_EQ(completed("shares set ''"), "Docs\n");
+    EXPECT_EQ(completed("shares set '\"D'"), "Docs\n"); // after an opening quote
     EXPECT_EQ(completed("shares set Docs --owner-may ''"), "rw r w none\n");
     EXPECT_EQ(completed("smb set wo"), "workgroup\n");
     EXPECT_EQ(completed("sessions disconnect --share ''"), "Docs\n");
@@ -340,6 +373,7 @@ TEST(ScriptThatStartsBrindle, InstallsTheWindowsPackagesForAWindowOnly) {
     for (const auto& [arguments, wants] : {std::pair("", true),
                                            {"--root shares --serve --port 9", true},
                                            {"--root d --snapshot out", true},
+                                           {"--version", true}, // what is installed afterwards has a window
                                            {"doctor", false},
                                            {"--root d shares list", false},
                                            {"--print shares", false}}) {

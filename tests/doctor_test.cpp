@@ -88,6 +88,7 @@ TEST_F(Doctor, NamesEachFaultAndTheCommandThatRepairsIt) {
          "/config/Brindle/Far directory_path far && sed -i 's,^.*/Far$,path = far,' "
          "$BRINDLE_ROOT/etc/smb.conf",
          "", "/config/Brindle/Far", "Far"},
+        {"unreachable", "mkdir FOLDER/50%Um", "[Turn]\npath = FOLDER/50%Um\n", "[Turn]", "Turn"},
         {"no-path", "true", "[Bare]\nguest ok = yes\n", "[Bare]", "Bare"},
         {"half-made-share", "nicl --root $BRINDLE_ROOT . -create /config/Brindle/Half", "",
          "/config/Brindle/Half", "Half"},

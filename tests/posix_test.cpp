@@ -261,11 +261,21 @@ TEST(WholeFile, LinksOwnersAndModesAreTreatedAsRequested) {
     EXPECT_TRUE(fs::is_symlink(link));
     EXPECT_EQ(statusOf(file).st_mode & 07777U, 0640U);
     EXPECT_EQ(statusOf(file).st_gid, group);
-    const auto list = [&] { return runProcess({{"/usr/bin/getfacl", "-cpn", file}})->output; };
-    ASSERT_TRUE(runProcess({{"/usr/bin/setfacl", "-m", "u:12346:rw", file}}).isOk());
-    const std::string listed = list();
+    const auto list = [](const fs::path& of) {
+        return runProcess({{"/usr/bin/getfacl", "-cpn", of}})->output;
+    };
+    ASSERT_TRUE(runProcess({{"/usr/bin/setfacl", "-d", "-m", "u:12346:rw", folder}}).isOk());
+    const std::string plain = list(file);
     ASSERT_TRUE(writeWholeFile(file, longText, {.keepsRights = true}).isOk());
-    EXPECT_EQ(list(), listed) << "the group may still only read, though its bits in the mode say more";
+    EXPECT_EQ(list(file), plain) << "the folder's list is not for a file that had none";
+    ASSERT_TRUE(runProcess({{"/usr/bin/setfacl", "-m", "u:12346:rw", file}}).isOk());
+    const std::string listed = list(file);
+    ASSERT_TRUE(writeWholeFile(file, longText, {.keepsRights = true}).isOk());
+    EXPECT_EQ(list(file), listed) << "the group may still only read, though its bits in the mode say more";
+    const auto place = platform::FilePlace::find(file, LinkRule::Follow);
+    ASSERT_TRUE(platform::WaitingFile::write(*place, "copy", "", statusOf(file), 0600)->replace().isOk());
+    EXPECT_EQ(list(folder / "copy"), listed) << "so has a backup";
+    fs::remove(folder / "copy");
 
     ASSERT_TRUE(writeWholeFile(link, "new", {.mode = 0600}).isOk());
     EXPECT_EQ(statusOf(link).st_mode, S_IFREG | 0600U);

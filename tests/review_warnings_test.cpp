@@ -102,11 +102,13 @@ TEST_F(Surprises, AFolderWhoseOwnerChangesUnseenOrIsLockedOutIsNamed) {
 TEST_F(Surprises, AFolderInTheWrongPlaceIsNamed) {
     begin();
     type("shareName", "New");
+    choose("sharingSMB", 1);
     for (const auto& [path, code] :
          std::vector<std::pair<std::string, std::string>>{{"/nowhere/at all", "no-folder"},
                                                           {"relative", "relative-folder"},
                                                           {"/etc", "system-folder"},
                                                           {docs, "folder-shared-twice"},
+                                                          {folder("50%Um"), "unreachable"},
                                                           {folder("docs/inside"), "folder-inside-share"}}) {
         type("directory", path);
         const std::string said = sentence("createShare:", code);
@@ -115,6 +117,8 @@ TEST_F(Surprises, AFolderInTheWrongPlaceIsNamed) {
     std::filesystem::create_directory_symlink(folder("docs/linked"), host.root() / "link");
     type("directory", (host.root() / "link").string());
     EXPECT_NE(sentence("createShare:", "folder-inside-share").find("\"Docs\""), std::string::npos);
+    type("directory", "\"/in\"");
+    EXPECT_NE(sentence("createShare:", "relative-folder").find(" \"/in\" is in quotes"), std::string::npos);
     selectShare("Docs");
     EXPECT_EQ(sentence("createShare:", "folder-inside-share"), ""); // a share is not inside itself
 }
@@ -245,7 +249,8 @@ TEST_F(Surprises, GuestsWhoMayWriteAndManyAccountsAreReported) {
     reviewer->reread();
     selectShare("Docs");
     choose("everyonePrivs", 0);
-    EXPECT_EQ(warningsOf("createShare:"), "read-only-section");
+    std::filesystem::remove_all(host.home());
+    EXPECT_EQ(warningsOf("createShare:"), "home-unwritable read-only-section");
     reviewer->setGivesAdvice(false);
     EXPECT_EQ(warningsOf("createShare:"), "");
     for (int user = 0; user < 20; ++user) {

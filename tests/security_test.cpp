@@ -157,7 +157,7 @@ TEST(Runs, AreShownWithoutTheirSecretsAndTheirOutputOnceItIsRead) {
 
 /// A sudo that accepts the password "right", remembers it in a file, and records its calls. With a file
 /// "forgets" it remembers nothing, with "stranger" it rejects everybody, with "free" it runs the helper for
-/// everybody.
+/// everybody, with "expired" it wants another password first.
 constexpr const char* sudoScript = R"sh(cd "$(dirname "$0")"; echo "$*" >>calls
 take() { IFS= read -r word; if test "$word" != right; then echo "Sorry, try again." >&2; exit 1; fi; }
 case "$*" in
@@ -165,6 +165,7 @@ case "$*" in
 "-S -p  -v")
     take
     if test -e stranger; then echo "Sorry, user eve may not run sudo on here." >&2; exit 1; fi
+    if test -e expired; then printf 'Password is expired, try again\nno password was provided\n' >&2; exit 1; fi
     test -e forgets || touch held;;
 "-S -p  -- "*) take; shift 4; exec "$@";;
 -k) rm -f held;;
@@ -269,13 +270,18 @@ TEST_F(Sudo, ThatRunsTheHelperFreelyIsNotGivenAPassword) {
 }
 
 TEST_F(Sudo, TellsAUserWhomItRejectsAndAsksNoMore) {
-    set("stranger");
-    test_.answerAlert("Changes Are Not Allowed", "OK");
-    test_.passwords = {"right", "right"};
-    EXPECT_EQ(ask(), errAuthorizationDenied);
-    EXPECT_EQ(test_.administratorDialogs, 1);
-    ASSERT_EQ(test_.alerts.size(), 1U);
-    EXPECT_NE(test_.alerts[0].message.find("sudo does not let"), std::string::npos);
+    for (const auto& [file, told] :
+         {std::pair("expired", "Password is expired"), {"stranger", "does not let"}}) {
+        set(file);
+        test_.answerAlert("Changes Are Not Allowed", "OK");
+        test_.passwords = {"right", "right"};
+        test_.alerts.clear();
+        test_.administratorDialogs = 0;
+        EXPECT_EQ(ask(), errAuthorizationDenied);
+        EXPECT_EQ(test_.administratorDialogs, 1);
+        ASSERT_EQ(test_.alerts.size(), 1U);
+        EXPECT_NE(test_.alerts[0].message.find(told), std::string::npos) << test_.alerts[0].message;
+    }
     EXPECT_EQ(AuthorizationFree(session_, kAuthorizationFlagDefaults), 0);
 }
 

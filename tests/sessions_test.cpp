@@ -151,7 +151,7 @@ Pid          User(ID)   DenyMode   Access      R/W        Oplock           Share
     EXPECT_FALSE(sessions[1].files.at(0).isWritten);
 
     for (const char* nothing :
-         {"", "[]", "\n{\"sessions\": {}, \"tcons\": {}}", "{\"sessions\": 3, \"tcons\": {\"1\": 2}}"}) {
+         {"", "[]", "\n{\"sessions\": {}, \"tcons\": {}}", "{\"sessions\": {\"1\": 5}, \"tcons\": 2}"}) {
         EXPECT_TRUE(platform::sessionsIn(nothing).valueOr({{}}).empty()) << nothing;
     }
     EXPECT_FALSE(platform::sessionsIn("{\"sessions\": ").isOk()) << "it must not be read as an empty list";

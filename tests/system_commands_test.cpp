@@ -83,7 +83,10 @@ TEST_F(SystemCommands, FindFaultsOfTheComputer) {
     run({"/bin/sh", "-c", "chmod 666 " + smbConf + "; kill $(cat /run/samba/smbd.pid); sleep 1"});
     const Finished finished = command({"doctor"});
     EXPECT_EQ(finished.status, 5);
+    EXPECT_TRUE(contains(command({"servers", "restart", "smb"}).output, "\"changed\": false"));
     for (const char* code : {"folder-gone", "smb-conf", "server-stopped", "writable-by-others"}) {
         EXPECT_TRUE(contains(finished.output, std::string("\"code\": \"") + code)) << code << finished.output;
     }
+    run({"/bin/rm", smbConf});
+    EXPECT_TRUE(contains(command({"doctor"}).output, smbConf + " does not exist"));
 }

@@ -90,6 +90,12 @@ class SystemAccounts : public OwnComputer {
 
     static std::string sambaAccounts() { return runProgram({"/usr/bin/pdbedit", "-L", "-w"}).output; }
 
+    /// Returns Samba's entry of a user, without the name.
+    static std::string sambaEntry(const std::string& name) {
+        const std::string entry = runProgram({"/usr/bin/pdbedit", "-L", "-v", name}).output;
+        return entry.substr(std::min(entry.find("Account Flags"), entry.size()));
+    }
+
     /// Returns everything about the computer's accounts, including the output of its own checks.
     static std::string accounts() {
         std::string text;
@@ -149,9 +155,24 @@ TEST_F(SystemAccounts, KeepTheirPasswordAndPropertiesWhenTheyAreRenamedAndRenumb
     EXPECT_TRUE(line("/etc/shadow", "alice").starts_with("alice:$"));
     const std::string samba = sambaAccounts();
     ASSERT_TRUE(samba.starts_with("alice:1501:")) << samba;
+    for (const Words& words :
+         {Words{"/usr/bin/pdbedit", "-r", "-K", "1900000000", "-h", "H", "-p", "P", "alice"},
+          {"/usr/bin/pdbedit", "-r", "-U", "4242", "alice"},
+          {"/usr/bin/net", "cache", "add", "IDMAP/UID2SID/1501", "S-1-1", "99"}}) {
+        ASSERT_EQ(runProgram(words).status, 0);
+    }
+    const std::string entry = sambaEntry("alice");
+    {
+        Conversation busy({"/usr/bin/setpriv", "--reuid=1501", "--clear-groups", "/usr/bin/cat"});
+        EXPECT_EQ(busy.ask("ready", "ready"), "ready");
+        EXPECT_TRUE(contains(nicl({"-create", "/users/alice", "name", "eve"}), "used by process"));
+        EXPECT_EQ(sambaEntry("alice"), entry);
+    }
     EXPECT_EQ(nicl({"-create", "/users/alice", "uid", "1502"}), "");
     EXPECT_EQ(nicl({"-create", "/users/alice", "name", "eve"}), "");
     EXPECT_EQ(sambaAccounts(), "eve:1502:" + samba.substr(std::string("alice:1501:").size()));
+    EXPECT_EQ(sambaEntry("eve"), entry);
+    EXPECT_FALSE(contains(runProgram({"/usr/bin/net", "cache", "list"}).output, "UID2SID/1501"));
     EXPECT_TRUE(line("/etc/shadow", "eve").starts_with("eve:$"));
     EXPECT_EQ(line("/etc/passwd", "eve"), "eve:x:1502:1600:Alice A:/dev/null:/sbin/nologin");
     EXPECT_TRUE(contains(record("/users/eve"), "sharedDir: Public\n"));
@@ -293,6 +314,9 @@ TEST_F(SystemAccounts, AreWrittenByTheHelperForTheUserWhoCalledSudo) {
     EXPECT_TRUE(contains(request(remove, "1410"), "the user who runs Brindle"));
     EXPECT_EQ(request({"/usr/bin/dscl", ".", "-passwd", "/Users/chief", "s3cret pass:word"}, "1410"), "");
     EXPECT_TRUE(line("/etc/shadow", "chief").starts_with("chief:$"));
+    ASSERT_EQ(runProgram({"/usr/sbin/usermod", "-L", "chief"}).status, 0);
+    EXPECT_EQ(request({"/usr/bin/dscl", ".", "-passwd", "/Users/chief", "another"}, "1410"), "");
+    EXPECT_TRUE(line("/etc/shadow", "chief").starts_with("chief:!$")) << "it stays locked";
     EXPECT_TRUE(sambaAccounts().starts_with("chief:1410:"));
     EXPECT_EQ(request(remove, "1411"), "");
     EXPECT_EQ(line("/etc/passwd", "chief"), "");

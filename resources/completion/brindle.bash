@@ -1,13 +1,46 @@
 # Completion of brindle for bash. Brindle itself is asked for the names of shares, users and groups.
 
+_brindle_unquote() {
+    # Sets $typed to what a typed word means, without expanding it: completing a line must not run what is in it.
+    local rest="$1" quote="" letter
+    typed=""
+    while [ -n "$rest" ]; do
+        letter="${rest:0:1}" rest="${rest:1}"
+        if [ "$letter" = "$quote" ]; then
+            quote=""
+        elif [[ -z "$quote" && "$letter" == [\'\"] ]]; then
+            quote="$letter"
+        elif [[ "$letter" == \\ && ( -z "$quote" || ( "$quote" == \" && "$rest" == [\"\\\$\`]* ) ) ]]; then
+            typed+="${rest:0:1}" rest="${rest:1}"
+        else
+            typed+="$letter"
+        fi
+    done
+}
+
+_brindle_read_line() {
+    # Sets $line to the words before the one that is completed, as the program would get them, but with --root=DIR as
+    # two words; bash makes three of it, zsh one.
+    local index typed
+    line=()
+    for ((index = 0; index < COMP_CWORD; index++)); do
+        _brindle_unquote "${COMP_WORDS[index]}"
+        case "$typed" in
+            =) ;;
+            --*=*) line+=("${typed%%=*}" "${typed#*=}") ;;
+            *) line+=("$typed") ;;
+        esac
+    done
+}
+
 _brindle_ask() {
     # Runs brindle on the host that the command line names so far, and prints its output.
     local index root="${BRINDLE_ROOT:-${XDG_DATA_HOME:-$HOME/.local/share}/brindle}" host=()
-    for ((index = 1; index < COMP_CWORD; index++)); do
-        case "${COMP_WORDS[index]}" in
+    for ((index = 1; index < ${#line[@]}; index++)); do
+        case "${line[index]}" in
             --system) host=(--system) ;;
             --root)
-                root="${COMP_WORDS[index + 1]}"
+                root="${line[index + 1]}"
                 [[ "$root" != "~" && "$root" != "~/"* ]] || root="$HOME${root:1}"
                 host=(--root "$root")
                 ;;
@@ -25,26 +58,41 @@ _brindle_names() {
 }
 
 _brindle_files() {
-    # For files, bash itself quotes the names and adds the slash.
+    # For files, bash itself quotes the names and adds the slash. Zsh takes a level of quotes off.
+    local candidate
+    COMPREPLY=()
     compopt -o filenames 2>/dev/null
-    COMPREPLY=($(compgen "$1" -- "$word"))
+    while IFS= read -r candidate; do
+        [ -z "${ZSH_VERSION-}" ] || candidate="$(printf '%q' "$candidate")"
+        COMPREPLY+=("$candidate")
+    done < <(compgen "$1" -- "$typed")
 }
 
 _brindle_reply() {
-    local candidate
+    # What is typed may begin with a quote. Then bash keeps it, and takes the rest as it comes.
+    local candidate begun="${word:0:1}"
+    [ -z "${ZSH_VERSION-}" ] || begun=""
     COMPREPLY=()
     while IFS= read -r candidate; do
-        if [[ "$candidate" == "$word"* ]]; then
-            COMPREPLY+=("$(printf '%q' "$candidate")")
-        fi
+        [[ "$candidate" == "$typed"* ]] || continue
+        case "$begun" in
+            \') candidate="${candidate//$begun/$begun\\$begun$begun}" ;;
+            \") candidate="$(sed 's/[\\"$`]/\\&/g' <<<"$candidate")" ;;
+            *) candidate="$(printf '%q' "$candidate")" ;;
+        esac
+        COMPREPLY+=("$candidate")
     done
 }
 
 _brindle() {
-    local word="${COMP_WORDS[COMP_CWORD]}" previous="${COMP_WORDS[COMP_CWORD - 1]}"
+    local word="${COMP_WORDS[COMP_CWORD]}" previous typed line=()
     local noun="" verb="" count=0 index
-    for ((index = 1; index < COMP_CWORD; index++)); do
-        case "${COMP_WORDS[index]}" in
+    _brindle_read_line
+    previous="${line[${#line[@]} - 1]}"
+    [ "$word" != = ] || word="" # the value of --owner=
+    _brindle_unquote "$word"
+    for ((index = 1; index < ${#line[@]}; index++)); do
+        case "${line[index]}" in
             --root | --script | --snapshot | --print | --port) ((index++)) ;;
             --owner | --owner-may | --group | --group-may | --everyone-may | --folder) ((index++)) ;;
             --share | --computer) ((index++)) ;;
@@ -52,9 +100,9 @@ _brindle() {
             -*) ;;
             *)
                 if [ -z "$noun" ]; then
-                    noun="${COMP_WORDS[index]}"
+                    noun="${line[index]}"
                 elif [ -z "$verb" ]; then
-                    verb="${COMP_WORDS[index]}"
+                    verb="${line[index]}"
                 else
                     ((count++))
                 fi

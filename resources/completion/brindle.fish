@@ -8,8 +8,12 @@ function __brindle_ask
     set -l root $data/brindle
     set -q BRINDLE_ROOT; and set root $BRINDLE_ROOT
     set -l host
+    set -l given (string replace -f -- --root= '' $words)
     if set -l at (contains -i -- --root $words)
-        set root (string replace -r '^~(?=/|$)' $HOME -- $words[(math $at + 1)])
+        set given $words[(math $at + 1)]
+    end
+    if set -q given[1]
+        set root (string replace -r '^~(?=/|$)' $HOME -- $given[1])
         set host --root $root
     end
     # Asking for names must not create a root.

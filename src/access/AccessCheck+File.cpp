@@ -74,6 +74,17 @@ std::optional<Reason> AccessCheck::reasonElsewhere(const std::string& share) {
     return std::nullopt;
 }
 
+void AccessCheck::noteWhatIsNotJudged(const ServerShare& share, Answer* answer) {
+    for (const char* key :
+         {"hosts allow", "hosts deny", "username map", "veto files", "max connections", "include", "copy"}) {
+        if (const auto value = share.text(key); !value.empty()) {
+            answer->notes.push_back(
+                stringWithFormat(NSLocalizedString("\"%@ = %@\" was not taken into account."),
+                                 std::string(key), std::string(value)));
+        }
+    }
+}
+
 bool AccessCheck::mapsUnknownToGuest() const {
     const std::string mapping = foldedSettingName(shares_.global().text("map to guest"));
     return mapping.empty() ? server_.isOfRoot : mapping == "baduser" || mapping == "badpassword";

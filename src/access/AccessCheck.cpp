@@ -78,7 +78,7 @@ Answer AccessCheck::check(const std::string& share, const std::optional<std::str
         answer = {share, user, {}, std::move(reason), {}};
     }
     if (visit.share != nullptr) {
-        noteWhatIsNotJudged(visit);
+        noteWhatIsNotJudged(*visit.share, &answer);
     }
     return answer;
 }
@@ -136,6 +136,9 @@ bool AccessCheck::findShare(Visit& visit) {
             "not-available",
             stringWithFormat(NSLocalizedString("\"%@\" is switched off: \"available = no\"."), name),
             section(visit), editRemedy("available"));
+    }
+    if (!canBeReached(share.name())) {
+        return visit.refuse("unreachable", nameNotReached(share.name()), section(visit));
     }
     if (share.text("path").empty()) {
         return visit.refuse(
@@ -285,8 +288,10 @@ bool AccessCheck::becomeAccount(Visit& visit) {
 }
 
 bool AccessCheck::walkTo(Visit& visit) {
-    auto path = expandedPath(visit.share->text("path"), visit.share->name(), visit.actor.name);
-    if (!path) {
+    const std::string written(withoutQuotes(visit.share->text("path")));
+    const auto path = expandedPath(visit.share->text("path"), visit.share->name(), visit.actor.name);
+    const auto isThereAsWritten = [&] { return !isTakenLiterally(written) && folder(written).isOk(); };
+    if (!path && !isThereAsWritten()) {
         return visit.refuse(
             "cannot-tell",
             stringWithFormat(NSLocalizedString("The folder \"%@\" depends on who connects from where."),
@@ -294,11 +299,17 @@ bool AccessCheck::walkTo(Visit& visit) {
             section(visit));
     }
     const auto missing = [&](const std::string& place) {
+        if (isThereAsWritten()) {
+            return visit.refuse("unreachable", folderNotFound(written), section(visit));
+        }
         return visit.refuse(
             "folder-missing",
             stringWithFormat(NSLocalizedString("The shared folder %@ does not exist."), *path), place,
             "mkdir -p " + platform::shellWord(*path));
     };
+    if (!path) {
+        return missing(written);
+    }
     FolderWalk walk(*path);
     std::optional<std::string> closed;
     while (const auto parent = walk.next()) {
@@ -383,17 +394,6 @@ void AccessCheck::judgeFolder(Visit& visit) {
     } else if (!may.remove) {
         refuse("sticky", NSLocalizedString("%@ may delete only files of their own from the folder %@."),
                "chmod -t " + platform::shellWord(visit.path));
-    }
-}
-
-void AccessCheck::noteWhatIsNotJudged(Visit& visit) const {
-    for (const char* key :
-         {"hosts allow", "hosts deny", "username map", "veto files", "max connections", "include", "copy"}) {
-        if (const auto value = visit.share->text(key); !value.empty()) {
-            visit.answer.notes.push_back(
-                stringWithFormat(NSLocalizedString("\"%@ = %@\" was not taken into account."),
-                                 std::string(key), std::string(value)));
-        }
     }
 }
 

@@ -47,7 +47,7 @@ class AccessCheck {
     bool becomeAccount(Visit& visit);
     bool walkTo(Visit& visit);
     void judgeFolder(Visit& visit);
-    void noteWhatIsNotJudged(Visit& visit) const;
+    static void noteWhatIsNotJudged(const ServerShare& share, Answer* answer);
 
     [[nodiscard]] bool isReadOnly(const Visit& visit);
     [[nodiscard]] const std::optional<Account>& accountNamed(const std::string& name);

@@ -55,6 +55,10 @@ std::vector<PlacedLine> linesWithShares(std::string_view text) {
     return lines;
 }
 
+bool exists(const std::string& file) {
+    return ::access(file.c_str(), F_OK) == 0;
+}
+
 } // namespace
 
 void Examiner::examineSettings() {
@@ -64,6 +68,19 @@ void Examiner::examineSettings() {
               .where = smbConfFile_,
               .remedy = {}});
         return;
+    }
+    if (!host_.root && !platform::sambaServer("smbd").empty() && !exists(smbConfFile_)) {
+        // The helper's copy of the file from before its last change, or the one that Samba brings.
+        const std::string previous = smbConfFile_ + ".previous";
+        const std::string source = exists(previous) ? previous : "/usr/share/samba/smb.conf";
+        find({.code = "smb-conf",
+              .text = stringWithFormat(
+                  NSLocalizedString("%@ does not exist: the SMB server does not start without it."),
+                  smbConfFile_),
+              .where = smbConfFile_,
+              .remedy = exists(source) ? "sudo cp -p " + platform::shellWord(source) + " " +
+                                             platform::shellWord(smbConfFile_)
+                                       : std::string()});
     }
     for (const SMBHiddenSection& hidden : conf_.hiddenSections()) {
         find({.code = "hidden-section",

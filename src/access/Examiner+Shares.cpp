@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <filesystem>
 #include <map>
 #include <set>
 
@@ -18,6 +19,8 @@
 namespace accesscheck {
 
 namespace {
+
+namespace fs = std::filesystem;
 
 std::string settingOf(const SMBShare& section, std::string_view key) {
     const ServerSetting setting = serverSetting(section, key);
@@ -64,14 +67,14 @@ void Examiner::examineShares() {
 
 void Examiner::examineFolder(const std::string& share, const std::string& folder, const std::string& where,
                              const std::string& remedy) {
-    const auto path = expandedPath(folder, share, "");
-    if (!path || folder.find('%') != std::string::npos) {
+    const std::string path(withoutQuotes(folder));
+    if (folder.find('%') != std::string::npos && !isTakenLiterally(path)) {
         return; // the path is different for each user
     }
-    if (!path->starts_with('/')) {
+    if (!path.starts_with('/')) {
         find({.code = "relative-folder",
               .text = stringWithFormat(
-                  NSLocalizedString("The folder \"%@\" of the share \"%@\" is not an absolute path."), *path,
+                  NSLocalizedString("The folder \"%@\" of the share \"%@\" is not an absolute path."), path,
                   share),
               .where = where,
               .remedy = remedy,
@@ -81,22 +84,22 @@ void Examiner::examineFolder(const std::string& share, const std::string& folder
 
     struct stat status {};
 
-    if (::stat(path->c_str(), &status) == 0) {
+    if (::stat(path.c_str(), &status) == 0) {
         if (!S_ISDIR(status.st_mode)) {
             find({.code = "no-folder",
                   .text = stringWithFormat(
-                      NSLocalizedString("%@, which is shared as \"%@\", is not a folder."), *path, share),
+                      NSLocalizedString("%@, which is shared as \"%@\", is not a folder."), path, share),
                   .where = where,
                   .remedy = remedy,
                   .share = share});
         }
     } else if (errno == EACCES) {
         found_.notes.push_back(
-            stringWithFormat(NSLocalizedString("%@ could not be examined: %@ has no permission."), *path,
+            stringWithFormat(NSLocalizedString("%@ could not be examined: %@ has no permission."), path,
                              platform::Host::current().accountNames().userName(::geteuid()).value_or("")));
     } else {
-        FolderWalk walk(*path);
-        std::string missing = *path;
+        FolderWalk walk(path);
+        std::string missing = path;
         while (const auto parent = walk.next()) {
             if (::stat(parent->c_str(), &status) != 0) {
                 missing = *parent;
@@ -104,16 +107,16 @@ void Examiner::examineFolder(const std::string& share, const std::string& folder
             }
         }
         find({.code = "folder-gone",
-              .text = missing == *path
+              .text = missing == path
                           ? stringWithFormat(
-                                NSLocalizedString("The folder %@ of the share \"%@\" does not exist."), *path,
+                                NSLocalizedString("The folder %@ of the share \"%@\" does not exist."), path,
                                 share)
                           : stringWithFormat(
                                 NSLocalizedString(
                                     "The folder %@ of the share \"%@\" does not exist, because %@ does not."),
-                                *path, share, missing),
+                                path, share, missing),
               .where = where,
-              .remedy = "mkdir -p " + platform::shellWord(*path),
+              .remedy = "mkdir -p " + platform::shellWord(path),
               .share = share});
     }
 }
@@ -133,8 +136,7 @@ void Examiner::examineRecord(const Share& share, const Known& known) {
     // An update leaves a section's path, and without --smb would remove a section of another folder.
     examineFolder(share.name, share.folder, where,
                   known.byName.contains(share.name)
-                      ? command({"shares", "set", share.name, "--folder", "/FOLDER", "--smb"}) + " && " +
-                            movePattern(share.name)
+                      ? movePatternOfBoth(share.name)
                       : command({"shares", "set", share.name, "--folder", "/FOLDER"}));
     if (known.whole.contains({share.name, share.folder})) {
         return;
@@ -181,6 +183,7 @@ void Examiner::examineSections() {
     for (const Share& share : shares_) {
         recorded.insert(share.folder);
     }
+    std::error_code error;
     std::set<std::string> complete; // the server merges sections of the same name
     for (const Section& each : sections_) {
         if (!each.path.empty()) {
@@ -188,6 +191,17 @@ void Examiner::examineSections() {
         }
     }
     for (const auto& [name, path, isOffered] : sections_) {
+        const std::string folder(withoutQuotes(path));
+        const bool isFound = isTakenLiterally(folder) || !fs::is_directory(folder, error);
+        if (isOffered && !(isFound && canBeReached(name))) {
+            find({.code = "unreachable",
+                  .text = isFound ? nameNotReached(name) : folderNotFound(folder),
+                  .where = section(name),
+                  .remedy = isFound                   ? std::string()
+                            : recorded.contains(path) ? movePatternOfBoth(name)
+                                                      : movePattern(name),
+                  .share = name});
+        }
         if (path.empty() && complete.contains(platform::lowercased(name))) {
             continue;
         }

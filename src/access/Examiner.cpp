@@ -130,6 +130,10 @@ std::string Examiner::movePattern(const std::string& section) const {
     return editCommand(headerOf(section) + ",/^[[:space:]]*\\[/s," + pathLine + ",path = /FOLDER,I");
 }
 
+std::string Examiner::movePatternOfBoth(const std::string& share) const {
+    return command({"shares", "set", share, "--folder", "/FOLDER", "--smb"}) + " && " + movePattern(share);
+}
+
 std::string Examiner::addPathPattern(const std::string& section) const {
     return editCommand(headerOf(section) + "a path = /FOLDER");
 }

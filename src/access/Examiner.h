@@ -102,6 +102,8 @@ class Examiner {
     [[nodiscard]] std::string moveCommand(const std::string& section, const std::string& folder) const;
     /// The same with "/FOLDER" for the user to fill in; the second is for a section without a folder.
     [[nodiscard]] std::string movePattern(const std::string& section) const;
+    /// The same for a section and the record of its share.
+    [[nodiscard]] std::string movePatternOfBoth(const std::string& share) const;
     [[nodiscard]] std::string addPathPattern(const std::string& section) const;
     [[nodiscard]] std::string removeCommand(const std::string& section) const;
     [[nodiscard]] std::string editCommand(const std::string& script) const;

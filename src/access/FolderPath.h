@@ -8,9 +8,14 @@
 namespace accesscheck {
 
 /// Returns a share's path with the server's variables for the share (%S) and the user (%u, %U) filled in,
-/// and without quotes around it; none when it contains any other (smb.conf(5), "VARIABLE SUBSTITUTIONS").
+/// without quotes around it and with one blank for several, as the server takes it; none when it contains any
+/// other (smb.conf(5), "VARIABLE SUBSTITUTIONS").
 [[nodiscard]] std::optional<std::string> expandedPath(std::string_view path, const std::string& share,
                                                       const std::string& user);
+
+// What to say of a share that nobody reaches, although it and its folder are there (see ServerSettings.h).
+[[nodiscard]] std::string nameNotReached(const std::string& share);
+[[nodiscard]] std::string folderNotFound(const std::string& folder);
 
 /// The folders that a process passes on its way to a folder, "/" first and the folder itself last. Links are
 /// followed as the kernel does.

@@ -6,6 +6,7 @@
 #include "frontends/TableText.h"
 #include "frontends/WindowRun.h"
 #include "frontends/cli/CommandRun.h"
+#include "frontends/cli/Interruption.h"
 #include "frontends/script/ScriptRunner.h"
 #include "platform/appkit/NSApplication.h"
 #include "platform/foundation/Computer.h"
@@ -16,6 +17,7 @@
 #include "platform/host/EmbeddedRoot.h"
 #include "platform/host/InstalledFiles.h"
 #include "platform/host/SystemHost.h"
+#include "platform/posix/InputOutput.h"
 #include "platform/posix/Secret.h"
 #include "platform/posix/TemporaryFolder.h"
 #include "platform/samba/EmbeddedServer.h"
@@ -322,6 +324,7 @@ Result<int> runCommand(const Options& options) {
         return services.status();
     }
     services->log = std::make_shared<QuietSystemLog>();
+    frontend::Interruption interruption; // outlives all that is tidied up before the program ends by a signal
     Application application(std::move(*services));
     const auto presenter = std::make_shared<frontend::CommandPresenter>(options.command.saysYes);
     application.setPresenter(presenter);
@@ -344,6 +347,10 @@ Result<int> runCommand(const Options& options) {
         application.reviewer()->setGivesAdvice(true);
     }
     presenter->begin();
+    if (command.kind == frontend::CommandKind::Writing) {
+        presenter->stopWith(application.history());
+        interruption.begin();
+    }
     const int status = frontend::CommandRun({command, *presenter, application.reviewer(),
                                              application.history(), examinedHostOf(options.host)})
                            .run();
@@ -379,6 +386,7 @@ int NSApplicationMain(int argc, char** argv, frontend::WindowRun* window) {
     // The writing code detects a reader that goes away, or a tool that ends early.
     std::signal(SIGPIPE, SIG_IGN);
     platform::leaveNoCore(); // passwords are typed here
+    platform::openStandardDescriptors();
     try {
         const auto arguments = platform::argumentsOf(argc, argv);
         const auto status = run(frontend::parseOptions({arguments.begin(), arguments.end()}), argv, window);

@@ -197,22 +197,40 @@ int SMBConf::writeSMBConfFile() {
         NSLog("The SMB configuration %@ was not written because it could not be read at the start.", _path);
         return notWritten;
     }
-    auto text = textToWrite();
-    if (!text.isOk()) {
-        NSLog("The SMB configuration %@ was not written: %@", _path, text.status().text());
-        return notWritten;
-    }
     const std::string temporary = stringByExpandingTildeInPath(platform::systempath::temporarySmbConf);
-    // Readable only by its owner, as the configuration may be.
-    if (const auto status = writeToFileAtomically(temporary, *text, 0600); !status.isOk()) {
-        NSLog("%@ could not be written: %@", temporary, status.why());
+    std::string text;
+    const auto writeTemporary = [&] {
+        auto now = textToWrite();
+        if (!now.isOk()) {
+            NSLog("The SMB configuration %@ was not written: %@", _path, now.status().text());
+            return false;
+        }
+        text = std::move(*now);
+        // Readable only by its owner, as the configuration may be.
+        const auto status = writeToFileAtomically(temporary, text, 0600);
+        if (!status.isOk()) {
+            NSLog("%@ could not be written: %@", temporary, status.why());
+        }
+        return status.isOk();
+    };
+    if (!writeTemporary()) {
         return notWritten;
     }
-    if (!NiutilTask::sharedInstance().cp(temporary, _path)) {
+    NiutilTask& task = NiutilTask::sharedInstance();
+    if (keepsLayout() && !task.isAuthenticated()) {
+        if (!task.authenticate()) {
+            return copyFailed;
+        }
+        // While the user looked for the password, somebody else may have changed the file.
+        if (!writeTemporary()) {
+            return notWritten;
+        }
+    }
+    if (!task.cp(temporary, _path)) {
         return copyFailed;
     }
     lossNotices_.clear();
-    textOnDisk_ = std::move(*text);
+    textOnDisk_ = std::move(text);
     hasBrokenHeader_ = !sectionsOnlyForServer(textOnDisk_).empty(); // somebody else may have added one
     hasWritten_ = true;
     rememberEntries();

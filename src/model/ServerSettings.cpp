@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cctype>
 
 namespace {
 
@@ -31,13 +30,32 @@ const Synonym* findSynonym(const std::string& name) {
     return found == synonyms.end() ? nullptr : found;
 }
 
+/// The letters of the variables in smb.conf(5). In a share's name, the first five are not replaced.
+constexpr std::string_view variables = "guHPSadhijmtvwDGIJLMNRTUV";
+constexpr std::string_view variablesInNames = variables.substr(5);
+
+bool hasVariable(std::string_view text, std::string_view letters) {
+    for (std::size_t at = text.find('%'); at < text.size(); at = text.find('%', at + 1)) {
+        if (at + 1 < text.size() && letters.find(text[at + 1]) != std::string_view::npos) {
+            return true;
+        }
+    }
+    return false;
+}
+
+bool hasSeveralBlanks(std::string_view text) {
+    return text.find("  ") != std::string_view::npos;
+}
+
 } // namespace
 
 std::string foldedSettingName(std::string_view name) {
     std::string result;
     for (const char character : name) {
         if (character != ' ' && character != '\t') {
-            result += static_cast<char>(std::tolower(static_cast<unsigned char>(character)));
+            // Not tolower, which in a Turkish locale leaves the I of "Invalid Users" as it is.
+            const bool isUpper = character >= 'A' && character <= 'Z';
+            result += isUpper ? static_cast<char>(character - 'A' + 'a') : character;
         }
     }
     return result;
@@ -73,6 +91,19 @@ bool isServerGlobal(std::string_view section) {
 
 bool isServerHomes(std::string_view section) {
     return isEqualIgnoringCase(section, "homes");
+}
+
+bool isServerVariable(char letter) {
+    return variables.find(letter) != std::string_view::npos;
+}
+
+bool canBeReached(const std::string& share) {
+    return !hasVariable(share, variablesInNames) && !hasSeveralBlanks(share) &&
+           share.find('\\') == std::string::npos && !isEqualIgnoringCase(share, "IPC$");
+}
+
+bool isTakenLiterally(std::string_view path) {
+    return !hasVariable(path, variables) && !hasSeveralBlanks(path);
 }
 
 ServerSetting serverSetting(const SMBShare& section, std::string_view key) {

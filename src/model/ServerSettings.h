@@ -26,6 +26,15 @@
 /// A text as the server takes it: without quotes at its ends.
 [[nodiscard]] std::string_view withoutQuotes(std::string_view value);
 
+/// Whether the server replaces a % and this letter after it.
+[[nodiscard]] bool isServerVariable(char letter);
+/// Whether a client can connect to a share of that name. The server replaces variables in it and takes
+/// several blanks for one, IPC$ is its own, and what follows a backslash is no part of the name for a client.
+[[nodiscard]] bool canBeReached(const std::string& share);
+/// Whether the server looks for the very folder that the path names, and not for one with variables replaced
+/// or with one blank for several.
+[[nodiscard]] bool isTakenLiterally(std::string_view path);
+
 /// A setting as the server finds it in a section.
 struct ServerSetting {
     const SMBPair* pair = nullptr; ///< as written in the file

@@ -85,6 +85,10 @@ std::optional<HistoryEntry> History::takeAdded() const {
     return recorder_ ? recorder_->takeAdded() : std::nullopt;
 }
 
+std::string History::takeLoss() const {
+    return recorder_ ? recorder_->takeLoss() : std::string();
+}
+
 void History::stopAction(bool madeStill) const {
     if (recorder_) {
         recorder_->stopAction(madeStill);

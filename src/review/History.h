@@ -30,6 +30,9 @@ class History {
     /// added later ones.
     [[nodiscard]] std::optional<HistoryEntry> takeAdded() const;
 
+    /// Why what this program has changed since the last call is not in the history; empty when all of it is.
+    [[nodiscard]] std::string takeLoss() const;
+
     /// Stops the current action: further runs are refused the right, and the user is not asked. `madeStill`
     /// says whether the run that the presenter is being told of is still made. What has been done stays. Does
     /// nothing when no history is kept.

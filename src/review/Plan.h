@@ -81,6 +81,7 @@ struct Plan {
     std::string smbConfBefore; ///< the file on disk, and below what it would become
     std::string smbConfAfter;
     std::vector<LineChange> smbConfLines;
+    std::string afpBefore; ///< the AFP server's settings file on disk
     std::vector<SettingChange> afpSettings;
     std::vector<FolderChange> folders;
     std::vector<Remark> warnings;

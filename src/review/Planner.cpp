@@ -46,7 +46,7 @@ platform::Status workOut(const platform::Interface& main, const std::shared_ptr<
     const auto directoryBefore = platform::Host::current().services().localDomain;
     auto accountsBefore = needsAccounts ? AccountForecast::ofComputer() : std::nullopt;
     plan->smbConfBefore = bytesOf(smbConf);
-    const std::string afpBefore = bytesOf(appleFileServer);
+    plan->afpBefore = bytesOf(appleFileServer);
     const auto rehearsal = Rehearsal::make(main, copy, plan);
     if (!rehearsal.isOk()) {
         return rehearsal.status();
@@ -54,7 +54,7 @@ platform::Status workOut(const platform::Interface& main, const std::shared_ptr<
     (*rehearsal)->perform([&] { action(**rehearsal); });
     copy->settle();
     compare(*copy, plan);
-    plan->afpSettings = settingChanges(afpBefore, bytesOf(copy->settingsFile(appleFileServer)));
+    plan->afpSettings = settingChanges(plan->afpBefore, bytesOf(copy->settingsFile(appleFileServer)));
     plan->blocks = blocksOf(*plan, now, DirectoryView(directoryBefore), std::move(accountsBefore));
     if (depth == PlanDepth::Warnings) {
         plan->warnings = warningsOf({*plan, now, (*rehearsal)->controller(), DirectoryView(directoryBefore),

@@ -2,8 +2,10 @@
 
 #include "directory/DirectoryRules.h"
 #include "platform/foundation/Host.h"
+#include "platform/foundation/NSBundle.h"
 #include "platform/foundation/NSFileManager.h"
 #include "platform/foundation/NSLog.h"
+#include "platform/foundation/NSString.h"
 #include "platform/foundation/SystemPaths.h"
 #include "platform/foundation/WritersTurn.h"
 #include "platform/netinfo/LocalDomain.h"
@@ -29,6 +31,8 @@ constexpr mode_t modeBits = 07777;
 constexpr double referenceDate = 978307200;
 /// Short, because the action's own run waits longer.
 constexpr int waitSeconds = 5;
+
+constexpr const char* notKept = "What this action has changed is not kept in the history: %@";
 
 std::string loginName() {
     const passwd* entry = ::getpwuid(::getuid());
@@ -121,7 +125,7 @@ OSStatus Recorder::execute(platform::AuthorizationSession& session, const std::s
     if (!before_) {
         before_ = std::make_unique<Before>();
         if (!before_->status().isOk()) {
-            NSLog("What this action changes is not kept in the history: %@", before_->status().text());
+            lose("What this action changes is not kept in the history: %@", before_->status().text());
         }
     }
     note(tool, arguments);
@@ -140,6 +144,13 @@ OSStatus Recorder::execute(platform::AuthorizationSession& session, const std::s
         fileAt(arguments.back()).after = settingsBytes(arguments.back());
     }
     return status;
+}
+
+void Recorder::lose(const char* format, const std::string& why) {
+    NSLog(format, why);
+    loss_ = stringWithFormat(NSLocalizedString("What was changed is not in the history and cannot be taken "
+                                               "back there: %@."),
+                             why);
 }
 
 FileChange& Recorder::fileAt(const std::string& path) {
@@ -243,7 +254,7 @@ void addReversed(const std::vector<Change>& changes, std::vector<Change>* all) {
 void Recorder::finish() {
     if (before_) {
         if (!addRecords()) {
-            NSLog("What this action has changed is not kept in the history: the directory cannot be read");
+            lose(notKept, "the directory cannot be read");
             return;
         }
     }
@@ -269,7 +280,7 @@ void Recorder::finish() {
     }
     const auto number = store_.add(entry_);
     if (!number.isOk()) {
-        NSLog("What this action has changed is not kept in the history: %@", number.status().text());
+        lose(notKept, number.status().text());
         return;
     }
     entry_.number = *number;

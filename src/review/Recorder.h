@@ -55,9 +55,14 @@ class Recorder : public platform::Authority, public platform::PendingWrites {
     /// The newest entry that was added to the history since the last call, or none.
     [[nodiscard]] std::optional<HistoryEntry> takeAdded() { return std::exchange(added_, std::nullopt); }
 
+    /// Why something is not in the history that was changed since the last call; empty when everything is.
+    [[nodiscard]] std::string takeLoss() { return std::exchange(loss_, {}); }
+
   private:
     class Before; // the directory before the action's first run
 
+    /// Logs `format` with why the action's changes are not kept, and remembers why.
+    void lose(const char* format, const std::string& why);
     void note(const std::string& tool, std::span<const std::string> arguments);
     /// What entry_ says of the settings file; added as it is now if it is not there yet.
     FileChange& fileAt(const std::string& path);
@@ -72,6 +77,7 @@ class Recorder : public platform::Authority, public platform::PendingWrites {
     HistoryEntry entry_;                           ///< the current action's
     std::optional<HistoryEntry> completed_;        ///< the entry that a repeated undo has undone
     std::optional<HistoryEntry> added_;            ///< the newest since takeAdded()
+    std::string loss_;                             ///< why changes are not kept, since takeLoss()
     std::unordered_set<std::string> notedRecords_; ///< paths of the records that entry_ names
     bool setsPassword_ = false;
     bool undoFailed_ = false;

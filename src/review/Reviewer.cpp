@@ -7,6 +7,7 @@
 #include "platform/foundation/Host.h"
 #include "platform/foundation/NSBundle.h"
 #include "platform/foundation/NSFileManager.h"
+#include "platform/foundation/SystemPaths.h"
 #include "platform/foundation/WritersTurn.h"
 #include "review/Operations.h"
 #include "review/Planner.h"
@@ -239,9 +240,12 @@ bool Reviewer::mayPerform(const NSControl& sender) const {
 }
 
 bool Reviewer::isStillTrue(const Plan& plan) const {
-    const SMBConf* model = controller().smbConfModel();
-    return !givesAdvice_ || !plan.failure.empty() || model == nullptr ||
-           contentsOfFile(model->Path()).valueOr("") == plan.smbConfBefore;
+    const auto isSame = [](const char* file, const std::string& before) {
+        return contentsOfFile(file).valueOr("") == before;
+    };
+    return !givesAdvice_ || !plan.failure.empty() ||
+           (isSame(platform::systempath::smbConf, plan.smbConfBefore) &&
+            isSame(platform::systempath::appleFileServer, plan.afpBefore));
 }
 
 } // namespace review

@@ -100,8 +100,8 @@ class Reviewer {
     [[nodiscard]] Plan advised(Plan plan) const;
     [[nodiscard]] BRController& controller() const;
     [[nodiscard]] bool mayPerform(const NSControl& sender) const;
-    /// Whether smb.conf is still what it was when the plan was made. Somebody may have written it while the
-    /// user was asked, or while this waited for its turn. Scripts neither wait nor plan again.
+    /// Whether the settings files are still what they were when the plan was made. Somebody may have written
+    /// them while the user was asked, or while this waited for its turn. Scripts neither wait nor plan again.
     [[nodiscard]] bool isStillTrue(const Plan& plan) const;
     /// If settings are saved line by line and somebody else has changed the file too, it now holds more than
     /// the model, so it is read again.

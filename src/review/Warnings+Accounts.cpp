@@ -2,10 +2,13 @@
 
 #include "app/DirectoryRecords.h"
 #include "directory/DirectoryRules.h"
+#include "platform/foundation/Host.h"
 #include "platform/foundation/SystemPaths.h"
+#include "platform/posix/ProcessTable.h"
 
 #include <algorithm>
 #include <set>
+#include <sstream>
 
 namespace review {
 
@@ -141,6 +144,53 @@ void addNumberOfAccounts(const Plan& plan, std::vector<Remark>* warnings) {
     }
 }
 
+/// The first process that runs as the user with that number, or serves one as the SMB server does; 0 for
+/// none.
+pid_t processOf(const std::string& uid) {
+    for (const pid_t process : platform::processIds()) {
+        const std::string status = platform::kernelText("/proc/" + std::to_string(process) + "/status");
+        constexpr std::string_view line = "\nUid:";
+        const std::size_t at = status.find(line);
+        std::istringstream numbers(at == std::string::npos ? "" : status.substr(at + line.size()));
+        std::string real;
+        std::string effective;
+        std::string saved;
+        numbers >> real >> effective >> saved;
+        if ((uid == real || uid == effective || uid == saved) && !platform::isInContainer(process)) {
+            return process;
+        }
+    }
+    return 0;
+}
+
+/// Warns of users whose account the computer does not delete or renumber now.
+void addUsersInUse(const Situation& situation, std::vector<Remark>* warnings) {
+    for (const PlannedRun& run : situation.plan.runs) {
+        const auto change =
+            run.tool == platform::systempath::nicl ? directoryChange(run.arguments) : std::nullopt;
+        const auto path = change ? recordPath(change->path) : std::nullopt;
+        if (!path || !isAccount(*path) || path->front() != "users") {
+            continue;
+        }
+        const std::string uid = situation.directoryBefore.value(change->path, "uid");
+        const bool isDeleted = change->operation == "-delete" && !change->property;
+        const bool isRenumbered =
+            change->property == "uid" && !change->values.empty() && change->values.front() != uid;
+        const pid_t process = !uid.empty() && (isDeleted || isRenumbered) ? processOf(uid) : 0;
+        if (process != 0) {
+            warnings->push_back(remark(
+                "user-in-use",
+                isDeleted
+                    ? "The user \"%@\" is connected or logged in (%@, process %d): the computer will not "
+                      "delete them, and they only lose their groups.  End the connection or log them "
+                      "out first."
+                    : "The user \"%@\" is connected or logged in (%@, process %d): the computer will not "
+                      "change their id.  End the connection or log them out first.",
+                path->back(), platform::programNameOf(process), process));
+        }
+    }
+}
+
 } // namespace
 
 void addAccountWarnings(const Situation& situation, std::vector<Remark>* warnings) {
@@ -159,6 +209,9 @@ void addAccountWarnings(const Situation& situation, std::vector<Remark>* warning
         addMembersTwice(situation, warnings);
     }
     addNumberOfAccounts(situation.plan, warnings);
+    if (platform::Host::current().services().computer != nullptr) {
+        addUsersInUse(situation, warnings);
+    }
 }
 
 } // namespace review

@@ -6,12 +6,18 @@
 #include "platform/foundation/Host.h"
 #include "platform/foundation/NSBundle.h"
 #include "platform/foundation/NSString.h"
+#include "platform/foundation/SystemPaths.h"
 #include "review/ServerReading.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <filesystem>
 #include <map>
+#include <system_error>
 #include <unordered_set>
+
+#include <sys/statvfs.h>
+#include <unistd.h>
 
 namespace review {
 
@@ -240,9 +246,40 @@ std::string changeOutside(const SMBConf& model, const std::string& file) {
                                   names);
 }
 
+/// Why no file of that size can be written to the folder; 0 if it can.
+int errorOfWriting(const std::string& folder, std::size_t size) {
+    if (::access(folder.c_str(), W_OK | X_OK) != 0) {
+        return errno;
+    }
+
+    struct statvfs system {};
+
+    const bool isKnown = ::statvfs(folder.c_str(), &system) == 0 && system.f_blocks != 0;
+    return isKnown && system.f_bavail * system.f_frsize < size ? ENOSPC : 0;
+}
+
+/// A settings file is first written to the user's home folder, after what the action does before.
+void addUnwritableHome(const Situation& situation, std::vector<Remark>* warnings) {
+    const bool copies = std::ranges::any_of(
+        situation.plan.runs, [](const PlannedRun& run) { return run.tool == platform::systempath::cp; });
+    const bool fails = std::ranges::any_of(situation.plan.asks, [](const PlannedAsk& ask) {
+        return ask.title == NSLocalizedString("smb.conf Write Unsuccessful") ||
+               ask.title == NSLocalizedString("AppleFileServer.plist Write Unsuccessful");
+    });
+    const std::string home = platform::Host::current().paths().home();
+    const int error = copies || fails ? errorOfWriting(home, situation.plan.smbConfAfter.size() + 1) : 0;
+    if (error != 0) {
+        warnings->push_back(remark("home-unwritable",
+                                   "Settings files are prepared in your home folder %@, and nothing can be "
+                                   "written there (%@): the change would be left half made.",
+                                   home, std::generic_category().message(error)));
+    }
+}
+
 } // namespace
 
 void addFileWarnings(const Situation& situation, std::vector<Remark>* warnings) {
+    addUnwritableHome(situation, warnings);
     const SMBConf* model = situation.before.smbConfModel();
     if (model == nullptr || !situation.writesSMBConf()) {
         return;

@@ -47,6 +47,15 @@ std::set<Identity> foldersAround(const fs::path& folder) {
 }
 
 void addPlaceWarnings(const Situation& situation, const std::string& folder, std::vector<Remark>* warnings) {
+    if (withoutQuotes(folder) != folder) {
+        // The servers find it, but the tools that set its owner and mode do not.
+        warnings->push_back(remark("relative-folder",
+                                   "The folder %@ is in quotes: its owner and privileges cannot be set, and "
+                                   "the change would be left half made.  Take the quotes away, in smb.conf "
+                                   "if they are there.",
+                                   folder));
+        return;
+    }
     if (!folder.starts_with('/')) {
         warnings->push_back(remark(
             "relative-folder", "The folder \"%@\" does not begin with /: no server will find it.", folder));

@@ -10,33 +10,32 @@ namespace review {
 namespace {
 
 /// The codes of all warnings, in the order in which they are shown.
-constexpr std::array<std::string_view, 23> codes = {"changed-outside",
-                                                    "lines-lost",
-                                                    "section-removed",
-                                                    "record-removed",
-                                                    "section-keeps-folder",
-                                                    "owner-changes",
-                                                    "mode-changes",
-                                                    "owner-locked-out",
-                                                    "no-folder",
-                                                    "relative-folder",
-                                                    "system-folder",
-                                                    "folder-inside-share",
-                                                    "folder-shared-twice",
-                                                    "name-case",
-                                                    "overwrites-account",
-                                                    "member-already",
-                                                    "id-changes",
-                                                    "untouched-setting",
-                                                    "guests-write",
-                                                    "read-only-section",
-                                                    "many-accounts",
-                                                    "server-complains",
-                                                    "server-reads-otherwise"};
+constexpr auto codes = std::to_array<std::string_view>({
+    "home-unwritable",     "changed-outside",
+    "lines-lost",          "section-removed",
+    "record-removed",      "section-keeps-folder",
+    "owner-changes",       "mode-changes",
+    "owner-locked-out",    "no-folder",
+    "relative-folder",     "unreachable",
+    "system-folder",       "folder-inside-share",
+    "folder-shared-twice", "name-case",
+    "overwrites-account",  "member-already",
+    "id-changes",          "untouched-setting",
+    "guests-write",        "read-only-section",
+    "user-in-use",         "many-accounts",
+    "server-complains",    "server-reads-otherwise",
+});
 
 /// Those that the script language does not have.
-constexpr std::array<std::string_view, 4> advice = {"section-keeps-folder", "folder-shared-twice",
-                                                    "read-only-section", "member-already"};
+constexpr auto advice = std::to_array<std::string_view>({
+    "section-keeps-folder",
+    "folder-shared-twice",
+    "read-only-section",
+    "unreachable",
+    "user-in-use",
+    "member-already",
+    "home-unwritable",
+});
 
 std::ptrdiff_t placeOf(const Remark& warning) {
     return std::ranges::find(codes, warning.code) - codes.begin();
@@ -57,10 +56,10 @@ bool isAdvice(const Remark& warning) {
 
 std::vector<Remark> warningsOf(const Situation& situation) {
     std::vector<Remark> warnings;
+    addFileWarnings(situation, &warnings);
     if (situation.plan.runs.empty()) {
         return warnings; // the action would do nothing
     }
-    addFileWarnings(situation, &warnings);
     addShareWarnings(situation, &warnings);
     addFolderWarnings(situation, &warnings);
     addAccountWarnings(situation, &warnings);

@@ -121,7 +121,7 @@ Status ComputerDirectory::finishKilledRun() {
 Status ComputerDirectory::carryThrough(UnfinishedChange change, const std::vector<std::string>& program) {
     Status status = commit();
     if (status.isOk() && change.isUser) {
-        auto account = ComputerPasswords::accountOf(change.before.name);
+        auto account = ComputerPasswords::accountToRemove(change.before.name);
         status = account.status();
         if (account.isOk()) {
             change.sambaAccount = std::move(*account);
@@ -134,8 +134,8 @@ Status ComputerDirectory::carryThrough(UnfinishedChange change, const std::vecto
         return status;
     }
     if (!change.sambaAccount.empty()) {
-        status = ComputerPasswords::remove(
-            change.before.name); // now, because it does not find a user whose account is gone
+        // Now, because such a database may not find a user whose account is gone.
+        status = ComputerPasswords::remove(change.before.name);
     }
     if (status.isOk()) {
         status = runAccountProgram(program);
@@ -162,16 +162,33 @@ Status ComputerDirectory::settle(const UnfinishedChange& change) {
             return status;
         }
     }
-    const bool keepsPassword = !change.sambaAccount.empty() && (isDone ? !isDeleted : isThere);
-    if (keepsPassword) {
-        const UnfinishedChange::Account& account = isDone ? change.after : change.before;
-        if (Status status = ComputerPasswords::putBack(change.sambaAccount, account.name, account.number,
-                                                       place_.computer->files.sambaAccount());
-            !status.isOk()) {
+    if (change.isUser && (isDone || isThere)) {
+        if (Status status = followInSamba(change, isDone ? change.after : change.before); !status.isOk()) {
             return status; // the next run tries again
         }
     }
     return UnfinishedChange::forget(place_.computer->files.unfinishedChange());
+}
+
+Status ComputerDirectory::followInSamba(const UnfinishedChange& change,
+                                        const UnfinishedChange::Account& account) {
+    Status status;
+    if (!change.sambaAccount.empty()) {
+        status = account.name.empty()
+                     ? Status()
+                     : ComputerPasswords::putBack(change.sambaAccount, account.name, account.number,
+                                                  place_.computer->files.sambaAccount());
+    } else if (account.name != change.before.name) {
+        status = ComputerPasswords::follow(change.before.name, account.name);
+    }
+    if (account.name.empty() || account.number != change.before.number) {
+        if (const Status forgotten = ComputerPasswords::forgetNumbers(); !forgotten.isOk()) {
+            // Only logged, because what is stored is right.
+            NSLog("Samba may remember the old number of %@ for a week: %@", change.before.name,
+                  forgotten.text());
+        }
+    }
+    return status;
 }
 
 Status ComputerDirectory::keepOwnGroup(const UnfinishedChange& change) {

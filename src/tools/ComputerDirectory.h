@@ -58,6 +58,9 @@ class ComputerDirectory {
     [[nodiscard]] platform::Status finishKilledRun();
     /// Updates the store and Samba's database to match the account files, then forgets the change.
     [[nodiscard]] platform::Status settle(const UnfinishedChange& change);
+    /// Updates Samba's database; `account` is what the change has made of the user, or failed to change.
+    [[nodiscard]] platform::Status followInSamba(const UnfinishedChange& change,
+                                                 const UnfinishedChange::Account& account);
     /// Makes the group with the deleted user's name again if it was deleted with the user.
     [[nodiscard]] platform::Status keepOwnGroup(const UnfinishedChange& change);
     void followInStore(const UnfinishedChange& change);

@@ -68,6 +68,11 @@ Status checkPasswordOf(ComputerDirectory& directory, const std::string& user, co
                              directory.accounts().limits);
 }
 
+/// Whether an administrator has locked a password that there was (usermod --lock puts "!" before its hash).
+bool isLocked(std::string_view hash) {
+    return hash.size() > 1 && hash[0] == '!' && hash[1] != '!' && hash[1] != '*';
+}
+
 PublicFolderOwner ownerOf(const platform::UserLine& line) {
     return {line.name, line.uid, line.gid, line.home};
 }
@@ -174,6 +179,9 @@ Status setComputerPassword(const DirectoryPlace& place, const std::string& user,
         if (!status.isOk() && !before.empty()) {
             // If this fails too, the first failure is the one to report.
             static_cast<void>(setOwnPassword(user, before, "--encrypted"));
+        } else if (status.isOk() && isLocked(before)) {
+            // The password is meant for shares; logging in stays as the administrator wants it.
+            status = runAccountProgram({accountprogram::usermod, "--lock", "--", user});
         }
     }
     platform::wipe(before);

@@ -167,8 +167,14 @@ int helperMain(int argc, char** argv) {
     closeInheritedDescriptors();
     platform::leaveNoCore();
     ::prctl(PR_SET_DUMPABLE, 0); // so that the user whom it serves as root cannot look into its memory
+    platform::openStandardDescriptors();
     ::umask(S_IWGRP | S_IWOTH);
-    std::signal(SIGPIPE, SIG_IGN); // finish a tool's work even if nobody reads the output
+    // Finish a tool's work even if nobody reads the output, and when Ctrl-C or the end of the terminal, which
+    // reach the whole process group, end Brindle: an account program that dies half way leaves the account
+    // files in disagreement. The programs inherit this; the helper ends when its input does.
+    for (const int signal : {SIGPIPE, SIGINT, SIGQUIT, SIGHUP}) {
+        std::signal(signal, SIG_IGN);
+    }
     platform::HostOptions options;
     const auto parser = platform::makeParser(
         "brindle-helper", "Runs tools for Brindle; the requests come on standard input.", "", options);

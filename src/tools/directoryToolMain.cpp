@@ -2,6 +2,7 @@
 #include "platform/foundation/Host.h"
 #include "platform/host/EmbeddedRoot.h"
 #include "platform/netinfo/LocalDomain.h"
+#include "platform/posix/InputOutput.h"
 #include "platform/posix/Secret.h"
 #include "tools/DirectoryTools.h"
 #include "tools/SudoUser.h"
@@ -9,8 +10,8 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <exception>
 #include <span>
-#include <stdexcept>
 #include <string_view>
 #include <utility>
 #include <vector>
@@ -97,6 +98,7 @@ ToolResult run(std::string_view tool, const platform::HostOptions& options,
 
 int directoryToolMain(std::string_view name, int argc, char** argv) {
     platform::leaveNoCore(); // dscl gets a password
+    platform::openStandardDescriptors();
     const Tool& tool = *std::ranges::find(tools, name, &Tool::name);
     platform::HostOptions options;
     const auto parser = platform::makeParser(std::string(name), tool.summary, tool.synopsis, options);
@@ -116,7 +118,7 @@ int directoryToolMain(std::string_view name, int argc, char** argv) {
     ToolResult result;
     try {
         result = run(name, options, arguments);
-    } catch (const std::runtime_error& error) {
+    } catch (const std::exception& error) {
         result = {std::string(name) + ": " + error.what() + "\n", 1};
     }
     if (endsWithPassword) {

@@ -1,5 +1,6 @@
 #include "frontends/cli/CommandPresenter.h"
 
+#include "frontends/cli/Interruption.h"
 #include "frontends/cli/Terminal.h"
 #include "platform/foundation/NSBundle.h"
 #include "platform/foundation/SystemPaths.h"
@@ -69,6 +70,9 @@ void CommandPresenter::beep() {
 }
 
 void CommandPresenter::toolWillRun(const std::string& tool, std::span<const std::string> arguments) {
+    if (Interruption::hasCome() && history_ != nullptr) {
+        history_->stopAction(false);
+    }
     wasRefused_ = false;
     outcome_.begin(tool, arguments);
     isTelling_ = tool == platform::systempath::smbstatus;

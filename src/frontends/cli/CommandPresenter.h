@@ -2,6 +2,7 @@
 
 #include "platform/appkit/Interface.h"
 #include "platform/appkit/SilentPresenter.h"
+#include "review/History.h"
 #include "review/RunOutcome.h"
 
 #include <optional>
@@ -32,6 +33,9 @@ class CommandPresenter : public platform::SilentPresenter {
     void editWasRefused(const NSTextField& field, const std::string& errorText) override;
     void toolWillRun(const std::string& tool, std::span<const std::string> arguments) override;
     void toolDidWrite(std::string_view output) override;
+
+    /// Once the command is interrupted, the rest of the current action is not carried out.
+    void stopWith(const review::History& history) { history_ = &history; }
 
     /// Confirms the next open panel with this path.
     void choose(std::string path) { choice_ = std::move(path); }
@@ -69,6 +73,7 @@ class CommandPresenter : public platform::SilentPresenter {
     int runs_ = 0;
     std::vector<std::string> faults_;
     const platform::Interface* interface_ = nullptr;
+    const review::History* history_ = nullptr;
 };
 
 } // namespace frontend

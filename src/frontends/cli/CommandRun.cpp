@@ -1,7 +1,9 @@
 #include "frontends/cli/CommandRun.h"
 
+#include "frontends/cli/Interruption.h"
 #include "frontends/script/PlanText.h"
 #include "platform/appkit/NSApplication.h"
+#include "platform/foundation/Host.h"
 #include "platform/foundation/NSBundle.h"
 #include "platform/foundation/NSString.h"
 #include "review/DirectoryState.h"
@@ -39,10 +41,23 @@ int CommandRun::run() {
     } catch (const CommandFailure& failure) {
         hasFailed = true;
         status_ = failure.status();
+        std::string text = failure.what();
+        if (const auto done = context_.history.takeAdded()) {
+            text +=
+                stringWithFormat(NSLocalizedString("; a part of it was carried out before: that is change %@ "
+                                                   "of the history, which can be taken back (undo)"),
+                                 std::to_string(done->number));
+        }
         if (printsJSON) {
-            result_ = {{"error", {{"status", static_cast<int>(status_)}, {"text", failure.what()}}}};
+            result_ = {{"error", {{"status", static_cast<int>(status_)}, {"text", text}}}};
         } else {
-            std::cerr << "brindle: " << failure.what() << '\n';
+            std::cerr << "brindle: " << text << '\n';
+        }
+    }
+    if (const std::string lost = context_.history.takeLoss(); !lost.empty()) {
+        std::cerr << "brindle: " << lost << '\n';
+        if (!hasFailed) {
+            result_["notInHistory"] = lost;
         }
     }
     if (printsJSON) {
@@ -108,6 +123,17 @@ int CommandRun::requireRow(const std::string& table, const std::string& column, 
 void CommandRun::requireDirectory() {
     if (const std::string notice = review::directoryNotice(); !notice.empty()) {
         fail(notice);
+    }
+}
+
+void CommandRun::requireSMBConf() const {
+    const SMBConf* conf = context_.reviewer->smbConf();
+    if (conf != nullptr && !conf->unreadableReason().empty()) {
+        const platform::Paths& paths = platform::Host::current().paths();
+        fail(stringWithFormat(
+            NSLocalizedString("%@ cannot be read (%@), and nothing will be saved to it.  Make "
+                              "it readable and start again."),
+            paths.shown(paths.map(conf->Path())), NSLocalizedString(conf->unreadableReason())));
     }
 }
 
@@ -218,6 +244,9 @@ void CommandRun::perform(const std::function<void()>& event) {
 
 void CommandRun::checkWhatHappened() const {
     const CommandPresenter& presenter = context_.presenter;
+    if (Interruption::hasCome()) {
+        fail(NSLocalizedString("interrupted"));
+    }
     if (presenter.unanswered()) {
         fail(*presenter.unanswered() + " " + NSLocalizedString("(use --yes to continue)"),
              CommandStatus::NeedsAnswer);

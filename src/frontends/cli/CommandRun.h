@@ -56,6 +56,8 @@ class CommandRun {
                                  const std::string& value, const char* complaint) const;
     /// Ends the command when the directory could not be read: a name that is missing then means nothing.
     static void requireDirectory();
+    /// The same for smb.conf. Its shares and settings would seem to be none, or Brindle's own.
+    void requireSMBConf() const;
     void selectRows(const std::string& table, std::vector<int> rows);
     /// Selects the row whose column holds `name`, and notes the change; selects none when there is none.
     void selectToRemove(const std::string& table, const std::string& column, const std::string& name);

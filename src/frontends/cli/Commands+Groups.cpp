@@ -48,6 +48,7 @@ int requireRow(CommandRun& run, const std::string& name) {
 }
 
 void list(CommandRun& run) {
+    CommandRun::requireDirectory();
     JSON& groups = run.result()["groups"] = JSON::array();
     const int rows = run.control<NSTableView>(table).numberOfRows();
     for (int row = 0; row < rows; ++row) {

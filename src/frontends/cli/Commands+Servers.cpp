@@ -46,6 +46,16 @@ void start(CommandRun& run, bool atBoot) {
     run.write(review::serverRun(change), [change] { review::changeServer(change); });
 }
 
+void restart(CommandRun& run, const std::string& operation) {
+    const review::Plan plan = run.context().reviewer->planSend(operation);
+    if (plan.failure.empty() && plan.runs.empty()) {
+        run.finishUnchanged(); // no such server runs
+        return;
+    }
+    run.noteChange();
+    run.send(operation);
+}
+
 } // namespace
 
 void addServerCommands(CLI::App& parser, CommandOptions& options) {
@@ -58,10 +68,7 @@ void addServerCommands(CLI::App& parser, CommandOptions& options) {
         ->add_flag("--at-boot", *atBoot, "Make it start with the computer instead");
     const auto which = std::make_shared<std::string>();
     addCommand(*servers, options, "restart", CommandKind::Writing, "Make a server read its settings again",
-               [which](CommandRun& run) {
-                   run.noteChange();
-                   run.send(*which == "afp" ? "restartAFS:" : "restartSMB:");
-               })
+               [which](CommandRun& run) { restart(run, *which == "afp" ? "restartAFS:" : "restartSMB:"); })
         ->add_option("SERVER", *which, "smb or afp")
         ->required()
         ->check(CLI::IsMember({"smb", "afp"}).description(""));

@@ -114,7 +114,14 @@ std::string valueOf(const CommandRun& run, const Setting& setting) {
     return {};
 }
 
+void requireReadable(const CommandRun& run, const Page& page) {
+    if (&page == &smbPage) {
+        run.requireSMBConf();
+    }
+}
+
 void show(CommandRun& run, const Page& page) {
+    requireReadable(run, page);
     JSON& values = run.result()[page.name] = JSON::object();
     for (const Setting& setting : page.settings) {
         const std::string value = valueOf(run, setting);
@@ -194,6 +201,7 @@ void set(CommandRun& run, const Page& page, const std::vector<std::string>& word
     if (words.size() % 2 != 0) {
         CommandRun::fail(NSLocalizedString("each setting needs a value"), CommandStatus::WrongUse);
     }
+    requireReadable(run, page);
     for (std::size_t index = 0; index < words.size(); index += 2) {
         const auto found = std::ranges::find(page.settings, words[index], &Setting::key);
         if (found == page.settings.end()) {

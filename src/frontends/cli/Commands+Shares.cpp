@@ -70,6 +70,8 @@ std::string protocolsOf(const JSON& share) {
 }
 
 void list(CommandRun& run) {
+    run.requireSMBConf();
+    CommandRun::requireDirectory();
     JSON& shares = run.result()["shares"] = JSON::array();
     const int rows = run.control<NSTableView>(table).numberOfRows();
     for (int row = 0; row < rows; ++row) {
@@ -81,6 +83,7 @@ void list(CommandRun& run) {
 }
 
 int requireRow(const CommandRun& run, const std::string& name) {
+    run.requireSMBConf();
     return run.requireRow(table, "ShareName", name, "there is no share \"%@\"");
 }
 
@@ -144,6 +147,7 @@ void write(CommandRun& run, const ShareOptions& options) {
 }
 
 void add(CommandRun& run, ShareOptions options) {
+    run.requireSMBConf();
     const int row = run.rowOf(table, "ShareName", options.name);
     if (row < 0) {
         run.selectRows(table, {});
@@ -188,6 +192,7 @@ void set(CommandRun& run, const ShareOptions& options) {
 }
 
 void remove(CommandRun& run, const ShareOptions& options) {
+    run.requireSMBConf();
     run.selectToRemove(table, "ShareName", options.name);
     run.press("deleteButton");
 }

@@ -1,3 +1,4 @@
+#include "access/ServerAccounts.h"
 #include "app/DirectoryRecords.h"
 #include "frontends/cli/CommandRun.h"
 #include "frontends/cli/JSONRows.h"
@@ -44,6 +45,7 @@ void list(CommandRun& run) {
     JSONRows users("users");
     const bool printsJSON = run.context().options.printsJSON;
     const NiutilTask::Report report = NiutilTask::sharedInstance().currentUsers();
+    CommandRun::requireDirectory();
     for (const std::string& line : *report) {
         const UserRecord user(line);
         if (user.isSystem()) {
@@ -110,6 +112,27 @@ void enterPassword(CommandRun& run, std::string password) {
     }
 }
 
+void setPassword(CommandRun& run, const UserOptions& options) {
+    run.selectRows(table, {requireRow(run, options.name)});
+    std::string password;
+    if (!run.context().options.isDryRun) {
+        password = options.password.read(options.name);
+    }
+    run.noteChange();
+    run.press("changePasswordButton");
+    if (!run.context().options.isDryRun) {
+        enterPassword(run, std::move(password));
+    }
+}
+
+/// Whether the user certainly has no password yet, so that an earlier attempt to add it stopped half way.
+bool lacksPassword(const CommandRun& run, const std::string& user) {
+    const auto& root = run.context().host.root;
+    accesscheck::ServerAccounts accounts(root ? std::optional<platform::SambaAccounts>(*root) : std::nullopt);
+    const auto logOn = accounts.logOn(user);
+    return logOn == accesscheck::LogOn::NoAccount || logOn == accesscheck::LogOn::NoPassword;
+}
+
 void add(CommandRun& run, UserOptions options) {
     const int row = run.rowOf(table, "User", options.name);
     if (row >= 0) {
@@ -123,6 +146,9 @@ void add(CommandRun& run, UserOptions options) {
                 NSLocalizedString("a different user \"%@\" already exists; use users set"), options.name));
         }
         run.press("addNewUserButton");
+        if (options.password.isGiven() && lacksPassword(run, options.name)) {
+            setPassword(run, options);
+        }
         describe(run, options.name);
         return;
     }
@@ -162,19 +188,6 @@ void remove(CommandRun& run, const UserOptions& options) {
     run.press("deleteUserButton");
 }
 
-void setPassword(CommandRun& run, const UserOptions& options) {
-    run.selectRows(table, {requireRow(run, options.name)});
-    std::string password;
-    if (!run.context().options.isDryRun) {
-        password = options.password.read(options.name);
-    }
-    run.noteChange();
-    run.press("changePasswordButton");
-    if (!run.context().options.isDryRun) {
-        enterPassword(run, std::move(password));
-    }
-}
-
 } // namespace
 
 void addUserCommands(CLI::App& parser, CommandOptions& options) {
@@ -196,7 +209,8 @@ void addUserCommands(CLI::App& parser, CommandOptions& options) {
                   [](CommandRun& run, const UserOptions& user) { add(run, user); });
     addFields(adding);
     given->password.addTo(*adding);
-    adding->add_flag("--no-password", given->hasNoPassword, "Set no password; the user cannot connect yet");
+    adding->add_flag("--no-password", given->hasNoPassword, "Set no password; the user cannot connect yet")
+        ->excludes(adding->get_option("--password-stdin"), adding->get_option("--password-fd"));
     addFields(named.add("set", CommandKind::Writing, "Change a user", set));
     named.add("remove", CommandKind::Writing, "Delete a user", remove);
     given->password.addTo(*named.add("password", CommandKind::Writing, "Set a user's password", setPassword));

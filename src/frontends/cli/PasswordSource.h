@@ -18,7 +18,7 @@ struct PasswordSource {
     [[nodiscard]] bool isGiven() const { return isStandardInput || descriptor; }
 
     /// Returns the password: the first line of the given source, or else what is typed twice at the terminal.
-    /// Ends the command when there is none.
+    /// Ends the command when there is none, or none that can be used.
     [[nodiscard]] std::string read(const std::string& user) const;
 };
 

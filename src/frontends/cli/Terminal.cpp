@@ -1,11 +1,13 @@
 #include "frontends/cli/Terminal.h"
 
+#include "frontends/cli/Interruption.h"
 #include "platform/foundation/NSBundle.h"
 #include "platform/foundation/NSString.h"
 
 #include <cerrno>
 #include <iostream>
 
+#include <poll.h>
 #include <termios.h>
 #include <unistd.h>
 
@@ -41,6 +43,15 @@ class HiddenInput {
     bool isHidden_ = false;
 };
 
+/// Waits until there is something to read, or the input has ended. Returns false when the command is
+/// interrupted.
+bool waitForInput(int descriptor) {
+    pollfd input{descriptor, POLLIN, 0};
+    while (!Interruption::hasCome() && ::poll(&input, 1, -1) < 0 && errno == EINTR) {
+    }
+    return !Interruption::hasCome();
+}
+
 } // namespace
 
 bool isAtTerminal() {
@@ -52,6 +63,9 @@ std::optional<std::string> firstLineOf(int descriptor) {
     line.reserve(longestLine); // growing would leave copies of a secret in memory
     char character = '\0';
     while (line.size() < longestLine) {
+        if (!waitForInput(descriptor)) {
+            return std::nullopt;
+        }
         const ssize_t count = ::read(descriptor, &character, 1);
         if (count < 0 && errno == EINTR) {
             continue;
@@ -87,6 +101,8 @@ bool askYesOrNo(const std::string& question) {
 
 std::optional<std::string> askSecret(const std::string& prompt) {
     std::cerr << prompt << ": " << std::flush;
+    Interruption interruption;
+    interruption.begin(); // until the terminal shows again what is typed
     const HiddenInput hidden;
     return firstLineOf(STDIN_FILENO);
 }

@@ -20,7 +20,7 @@ void tell(const std::string& text);
 /// Asks for a line that is not shown while it is typed. Returns none at the end of the input.
 [[nodiscard]] std::optional<std::string> askSecret(const std::string& prompt);
 
-/// Returns the first line that can be read from a descriptor; none when reading fails.
+/// Returns the first line that can be read from a descriptor; none when reading fails or is interrupted.
 [[nodiscard]] std::optional<std::string> firstLineOf(int descriptor);
 
 } // namespace frontend

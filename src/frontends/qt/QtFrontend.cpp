@@ -20,6 +20,7 @@
 #include <QTimer>
 #include <QTranslator>
 
+#include <clocale>
 #include <cstdlib>
 #include <utility>
 
@@ -64,6 +65,9 @@ struct QtFrontend::Implementation {
 
     Implementation(int& argc, char** argv, Manner manner)
         : platform(manner), application(argc, argv), presenter(std::make_shared<QtPresenter>(manner)) {
+        // QApplication has taken over the user's locale. Files and tools write numbers and dates in none.
+        std::setlocale(LC_NUMERIC, "C");
+        std::setlocale(LC_TIME, "C");
         speakOneLanguage();
         usePlainStyle();
         QApplication::setApplicationName("Brindle");

@@ -30,6 +30,7 @@ bool isControl(char32_t character) {
 /// out.
 std::string asLine(std::string_view text) {
     std::string line;
+    line.reserve(text.size()); // so that growing leaves no copy of a password in memory
     for (std::size_t offset = 0; offset < text.size();) {
         const std::size_t begin = offset;
         const char32_t character = platform::nextCharacter(text, offset);

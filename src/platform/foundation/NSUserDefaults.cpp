@@ -44,13 +44,20 @@ void NSUserDefaults::readOnce() const {
     }
 }
 
+void NSUserDefaults::readAgain() {
+    if (isStored_ && mayWrite_) {
+        values_.reset();
+    }
+    readOnce();
+}
+
 std::optional<std::int32_t> NSUserDefaults::integerForKey(const std::string& key) const {
     readOnce();
     return values_->hasKey(key) ? std::optional(values_->intForKey(key)) : std::nullopt;
 }
 
 void NSUserDefaults::setInteger(std::int32_t value, const std::string& key) {
-    readOnce();
+    readAgain();
     values_->setInt(value, key);
     write();
 }
@@ -61,12 +68,13 @@ std::optional<std::string> NSUserDefaults::stringForKey(const std::string& key) 
 }
 
 void NSUserDefaults::setString(const std::string& value, const std::string& key) {
-    readOnce();
+    readAgain();
     values_->setString(value, key);
     write();
 }
 
-void NSUserDefaults::write() const {
+void NSUserDefaults::write() {
+    isStored_ = false;
     if (path_.empty() || !mayWrite_) {
         return;
     }
@@ -76,5 +84,7 @@ void NSUserDefaults::write() const {
         NSLog("cannot make the folder for the settings in %@: %@", shownPath(), error.message());
     } else if (const auto status = values_->writeToFile(path_); !status.isOk()) {
         NSLog("cannot write the settings to %@: %@", shownPath(), status.why());
+    } else {
+        isStored_ = true;
     }
 }

@@ -8,8 +8,9 @@
 #include <utility>
 
 /// The user's settings of this application: a property list below the user's configuration folder. The file
-/// is read when a value is first needed, and rewritten at every change; keys that this program does not know
-/// are kept. Without a path the values last as long as this object.
+/// is read when a value is first needed. At every change it is read again and rewritten, so that other keys
+/// are kept: those that this program does not know, and what another window has stored meanwhile. Without a
+/// path the values last as long as this object.
 class NSUserDefaults {
   public:
     explicit NSUserDefaults(std::string path) : path_(std::move(path)) {}
@@ -29,11 +30,13 @@ class NSUserDefaults {
 
   private:
     [[nodiscard]] std::string shownPath() const; ///< for messages
-    void write() const;
+    void write();
     void readOnce() const;
+    void readAgain(); ///< unless the file lacks something that is only in values_
 
     std::string path_;
     mutable std::optional<NSMutableDictionary> values_; ///< none until something is needed
+    bool isStored_ = true;         ///< whether the file had all the values after the last change
     mutable bool mayWrite_ = true; ///< false when the file must not be replaced, because it could not be read
                                    ///< or is not a property list
 };

@@ -4,9 +4,9 @@
 #include "platform/netinfo/StoreWait.h"
 #include "platform/netinfo/ni.h"
 
-#include <vector>
-
 #include <cerrno>
+#include <set>
+#include <vector>
 
 #include <grp.h>
 #include <pwd.h>
@@ -90,8 +90,11 @@ std::optional<std::string> DirectoryAccounts::nameOf(const char* path, std::stri
         return known->second;
     }
     ni_idlist found;
-    if (ni_lookup(domain.get(), &id, property, directoryNumber(number), &found) != NI_OK) {
-        return std::nullopt;
+    // A user may have typed a number that the directory itself would write as a negative one.
+    for (const std::string& text : std::set{directoryNumber(number), std::to_string(number)}) {
+        if (ni_lookup(domain.get(), &id, property, text, &found) != NI_OK) {
+            return std::nullopt;
+        }
     }
     std::optional<std::string> name;
     if (!found.niil_val.empty()) {

@@ -51,7 +51,8 @@ std::string missingText(const ComputersPrograms& programs) {
     std::vector<std::string> sentences;
     if (programs.smbd.empty()) {
         sentences.push_back(NSLocalizedString("Samba is not installed (package samba): shares, accounts and "
-                                              "settings can be made, but nothing is served until it is."));
+                                              "settings can be made, but no passwords and no Public folders, "
+                                              "and nothing is served until it is."));
     }
     if (!programs.hasAccountTools) {
         sentences.push_back(NSLocalizedString("The tools for accounts are not installed (package passwd): "

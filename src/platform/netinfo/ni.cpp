@@ -3,6 +3,7 @@
 #include "platform/foundation/Host.h"
 #include "platform/netinfo/OpenDomain.h"
 #include "platform/netinfo/RecordContent.h"
+#include "platform/netinfo/StoreWait.h"
 
 #include <algorithm>
 #include <array>
@@ -23,6 +24,14 @@ using platform::RecordLines;
 using platform::statusOf;
 
 namespace {
+
+/// The result of opening the directory in `file`; what could not be opened is why the lists are empty.
+ni_status openingStatus(const std::string& file, int error) {
+    if (error != SQLITE_OK) {
+        platform::setDirectoryProblem(platform::storeProblem(file, error, 0));
+    }
+    return statusOf(error);
+}
 
 /// Appends the ids of the children that have `value` among the values of `property`.
 void addMatches(const platform::RecordBlock& block, std::string_view property, std::string_view value,
@@ -71,7 +80,7 @@ ni_status ni_opendomain(const platform::LocalDomain& local, ni_domain** domain) 
     if (error == SQLITE_OK) {
         *domain = opened.release();
     }
-    return statusOf(error);
+    return openingStatus(file, error);
 }
 
 ni_status ni_openfile(const std::string& file, ni_domain** domain) {
@@ -82,7 +91,7 @@ ni_status ni_openfile(const std::string& file, ni_domain** domain) {
     if (error == SQLITE_OK) {
         *domain = opened.release();
     }
-    return statusOf(error);
+    return openingStatus(file, error);
 }
 
 void ni_setabort(ni_domain* domain, int abort) {

@@ -63,6 +63,16 @@ Result<std::string> readLimited(int descriptor, const std::string& name, std::si
 
 } // namespace
 
+void openStandardDescriptors() {
+    for (const int descriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+        if (::fcntl(descriptor, F_GETFD) < 0 && errno == EBADF) {
+            // It gets this number, the lowest free one.
+            static_cast<void>(descriptor == STDIN_FILENO ? ::open("/dev/null", O_RDONLY)
+                                                         : ::open("/dev/full", O_WRONLY));
+        }
+    }
+}
+
 Result<Pipe> makePipe() {
     std::array<int, 2> ends{};
     if (::pipe2(ends.data(), O_CLOEXEC) != 0) {

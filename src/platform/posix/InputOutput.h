@@ -18,6 +18,10 @@ struct Pipe {
 /// Fails when no more descriptors can be opened.
 [[nodiscard]] Result<Pipe> makePipe();
 
+/// Opens standard input, output and error where the program was started without: the first file that it
+/// opened would take their place, and get its messages. There is then nothing to read, and writing fails.
+void openStandardDescriptors();
+
 inline constexpr std::size_t noLimit = static_cast<std::size_t>(-1);
 
 /// Reads from `descriptor` to its end. `name` is the file or program to name in a failure. With a limit (in

@@ -101,13 +101,14 @@ int pollTime(std::optional<steady_clock::time_point> deadline) {
     return static_cast<int>(std::clamp<long long>(left.count(), 0, std::numeric_limits<int>::max()));
 }
 
-/// Writes to and reads from the child's pipes until both outputs and the child have ended. Returns false,
-/// with errno set, when the deadline comes first or the child writes too much.
+/// Writes to and reads from the child's pipes until the child has ended and all that it wrote is read.
+/// Returns false, with errno set, when the deadline comes first or the child writes too much.
 bool converse(ChildProcess& child, std::string_view input, FinishedProcess& finished,
               std::optional<steady_clock::time_point> deadline) {
     // Not open on a system without pidfd_open; a child that has closed its outputs is then waited for without
-    // a limit.
+    // a limit, and one that has left programs behind as long as those hold its outputs open.
     FileDescriptor end = openProcess(child.id);
+    bool hasEnded = false;
     ::fcntl(child.input.get(), F_SETFL, O_NONBLOCK);
     if (input.empty()) {
         child.input.reset();
@@ -118,7 +119,10 @@ bool converse(ChildProcess& child, std::string_view input, FinishedProcess& fini
                                           {child.errors.get(), POLLIN, 0},
                                           {child.input.get(), POLLOUT, 0},
                                           {end.get(), POLLIN, 0}}};
-        const int ready = ::poll(waiting.data(), waiting.size(), pollTime(deadline));
+        const int ready = ::poll(waiting.data(), waiting.size(), hasEnded ? 0 : pollTime(deadline));
+        if (ready == 0 && hasEnded) {
+            return true; // what it wrote is read; a program that it has left behind may still hold the pipes
+        }
         if (ready == 0) {
             errno = ETIMEDOUT;
         }
@@ -143,6 +147,8 @@ bool converse(ChildProcess& child, std::string_view input, FinishedProcess& fini
         }
         if (waiting[3].revents != 0) {
             end.reset();
+            child.input.reset();
+            hasEnded = true;
         }
     }
     return true;

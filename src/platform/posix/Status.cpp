@@ -1,5 +1,6 @@
 #include "platform/posix/Status.h"
 
+#include <cerrno>
 #include <system_error>
 
 namespace platform {
@@ -11,7 +12,10 @@ Status Status::failure(std::string what, std::string on, std::string why) {
 }
 
 Status Status::ofErrno(std::string what, std::string on, int error) {
-    Status status = failure(std::move(what), std::move(on), std::generic_category().message(error));
+    // The system's text speaks of a connection, but this is mostly said of a program.
+    std::string why =
+        error == ETIMEDOUT ? "it did not answer in time" : std::generic_category().message(error);
+    Status status = failure(std::move(what), std::move(on), std::move(why));
     status.failure_->error = error;
     return status;
 }

@@ -2,11 +2,13 @@
 
 #include "platform/posix/InputOutput.h"
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cstdint>
 #include <cstdio>
 #include <filesystem>
+#include <initializer_list>
 #include <memory>
 #include <system_error>
 #include <utility>
@@ -95,20 +97,23 @@ Result<std::optional<struct stat>> replacedFile(const FilePlace& place) {
     return std::optional(status);
 }
 
-/// Gives a file the access control list (acl(5)) of the file `name`, unless that has none. Returns false on
-/// failure.
+/// Gives a file the access control list (acl(5)) of the file `name`: none when that has none, even if its
+/// folder gives one to new files. Returns false on failure.
 bool copyAccessList(const FilePlace& place, const std::string& name, int file) {
     constexpr const char* attribute = "system.posix_acl_access";
     const FileDescriptor original(::openat(place.folder(), name.c_str(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC));
-    if (!original.isOpen()) {
-        return errno == EACCES || errno == ENOENT; // a list that may not be read is not kept
-    }
     std::array<char, XATTR_SIZE_MAX> list{};
-    const ssize_t size = ::fgetxattr(original.get(), attribute, list.data(), list.size());
-    if (size < 0) {
-        return errno == ENODATA || errno == ENOTSUP;
+    const ssize_t size =
+        original.isOpen() ? ::fgetxattr(original.get(), attribute, list.data(), list.size()) : -1;
+    if (size >= 0) {
+        return ::fsetxattr(file, attribute, list.data(), static_cast<std::size_t>(size), 0) == 0;
     }
-    return ::fsetxattr(file, attribute, list.data(), static_cast<std::size_t>(size), 0) == 0;
+    const auto isOneOf = [](std::initializer_list<int> errors) {
+        return std::ranges::find(errors, errno) != errors.end();
+    };
+    // A list that may not be read is not kept.
+    return isOneOf({EACCES, ENOENT, ENODATA, ENOTSUP}) &&
+           (::fremovexattr(file, attribute) == 0 || isOneOf({ENODATA, ENOTSUP}));
 }
 
 } // namespace
@@ -200,9 +205,10 @@ Status WaitingFile::fill(std::string_view bytes, const std::optional<struct stat
         return status;
     }
     // The owner comes before the mode, because changing the owner may clear bits of the mode. With a list,
-    // the mode's bits for the group are the list's limit: without it they would give the group more.
+    // the mode's bits for the group are the list's limit: without it they would give the group more. That is
+    // why a file with another name, a backup, gets the list of the place's file, too.
     if ((like && ::fchown(file_.get(), like->st_uid, like->st_gid) != 0) ||
-        (like && !copyAccessList(*place_, name_, file_.get())) ||
+        (like && !copyAccessList(*place_, place_->name(), file_.get())) ||
         (like && ::fchmod(file_.get(), like->st_mode & 07777U) != 0) || ::fsync(file_.get()) != 0) {
         return failure(errno);
     }

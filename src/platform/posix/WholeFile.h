@@ -59,8 +59,9 @@ class FilePlace {
 /// Its place must outlive it.
 class WaitingFile {
   public:
-    /// Writes the file `name` in a place's folder, with the owner, group and mode of `like`, or as a new file
-    /// with `mode` when there is none.
+    /// Writes the file `name` in a place's folder: with the owner, group and mode of `like`, which is the
+    /// place's own file, and with that file's access control list; or as a new file with `mode` when there is
+    /// none.
     [[nodiscard]] static Result<WaitingFile> write(const FilePlace& place, const std::string& name,
                                                    std::string_view bytes,
                                                    const std::optional<struct stat>& like, mode_t mode);

@@ -25,6 +25,8 @@ constexpr auto patience = std::chrono::seconds(10);
 constexpr const char* databaseProgram = "pdbedit";
 constexpr const char* notInstalled = "pdbedit is not installed; install the package samba-common-bin";
 constexpr const char* passwordProgram = "smbpasswd";
+constexpr const char* cacheProgram = "net";
+constexpr const char* settingsProgram = "testparm";
 constexpr const char* unknown = "does not exist in the passdb";
 constexpr const char* notOpened = "ailed to open"; // pdbedit then says that a user does not exist, too
 
@@ -69,6 +71,32 @@ bool ownFileExists() {
     return ::access(ownFile().c_str(), F_OK) == 0;
 }
 
+/// What Samba makes of one of its settings; empty when it does not say.
+std::string setting(const std::string& name) {
+    if (!isInstalled(settingsProgram)) {
+        return {};
+    }
+    const Command command{{sambaCommand(settingsProgram), "-s", "--parameter-name=" + name},
+                          ErrorOutput::Discarded,
+                          systemEnvironment()};
+    const auto finished = runProcess(command, {}, patience);
+    return finished.isOk() ? lastLineOf(finished->output) : std::string();
+}
+
+/// The file that holds the entries; empty when it is of another kind than tdbsam, or unknown.
+std::string entryFile() {
+    constexpr std::string_view kind = "tdbsam";
+    std::string file;
+    if (isOwnFileUsed()) {
+        file = ownFile();
+    } else if (const std::string backend = setting("passdb backend"); backend == kind) {
+        file = setting("private dir") + "/passdb.tdb";
+    } else if (backend.starts_with(kind) && backend[kind.size()] == ':') {
+        file = backend.substr(kind.size() + 1);
+    }
+    return isKnownPasswordFile(file) ? file : std::string();
+}
+
 bool says(const Result<FinishedProcess>& finished, std::string_view text) {
     return finished.isOk() && finished->output.find(text) != std::string::npos;
 }
@@ -104,22 +132,6 @@ Status ComputerPasswords::set(const std::string& user, std::string_view password
                                                     : failure("Samba did not take the password", finished);
 }
 
-Result<std::string> ComputerPasswords::accountOf(const std::string& user) {
-    if (!isInstalled(databaseProgram)) {
-        return std::string();
-    }
-    auto finished = run({databaseProgram, "-L", "-w", "--user=" + user});
-    if (says(finished, "Username not found") && !says(finished, notOpened)) {
-        return std::string();
-    }
-    if (!finished.isOk() || finished->status != 0) {
-        return failure("Samba does not tell what it keeps of an account", finished);
-    }
-    std::string line = lastLineOf(finished->output);
-    wipe(finished->output);
-    return line;
-}
-
 bool ComputerPasswords::exists() {
     return !isOwnFileUsed() || ownFileExists(); // elsewhere only Samba finds it
 }
@@ -153,6 +165,40 @@ Result<std::vector<SambaUser>> ComputerPasswords::users() {
     words.insert(words.begin(), databaseProgram);
     auto finished = run(std::move(words));
     return finished.isOk() ? sambaUsersOf(*finished) : Result<std::vector<SambaUser>>(finished.status());
+}
+
+Result<std::string> ComputerPasswords::accountToRemove(const std::string& user) {
+    if (const std::string file = entryFile(); !file.empty()) {
+        const Status status = awaitPasswordFile(file, user, patience);
+        return status.isOk() ? Result(std::string()) : status;
+    }
+    if (!isInstalled(databaseProgram)) {
+        return std::string();
+    }
+    auto finished = run({databaseProgram, "-L", "-w", "--user=" + user});
+    if (says(finished, "Username not found") && !says(finished, notOpened)) {
+        return std::string();
+    }
+    if (!finished.isOk() || finished->status != 0) {
+        return failure("Samba does not tell what it keeps of an account", finished);
+    }
+    std::string line = lastLineOf(finished->output);
+    wipe(finished->output);
+    return line;
+}
+
+Status ComputerPasswords::follow(const std::string& user, const std::string& newName) {
+    const std::string file = entryFile();
+    return file.empty() ? Status() : moveInPasswordFile(file, user, newName, patience);
+}
+
+Status ComputerPasswords::forgetNumbers() {
+    if (!isInstalled(cacheProgram)) {
+        return {};
+    }
+    const auto finished = run({cacheProgram, "cache", "flush"});
+    return finished.isOk() && finished->status == 0 ? Status()
+                                                    : failure("Samba did not empty its cache", finished);
 }
 
 Status ComputerPasswords::remove(const std::string& user) {

@@ -23,10 +23,6 @@ class ComputerPasswords {
     /// installed or refuses the password.
     [[nodiscard]] static Status set(const std::string& user, std::string_view password);
 
-    /// What Samba stores about `user`, including the password's hash, as one line for putBack(); empty when
-    /// it stores nothing or is not installed. The line is a secret.
-    [[nodiscard]] static Result<std::string> accountOf(const std::string& user);
-
     /// Whether there is a database. Looking somebody up when there is none would make one.
     [[nodiscard]] static bool exists();
 
@@ -37,11 +33,27 @@ class ComputerPasswords {
     /// database, which only root may read.
     [[nodiscard]] static Result<std::vector<SambaUser>> users();
 
+    /// What has to be removed from the database while the account `user` is renamed, renumbered or deleted,
+    /// as one line for putBack(); a secret. Empty for tdbsam, Samba's usual kind of database, whose entries
+    /// stay until follow() is called; also when nothing is stored about `user`, or Samba is not installed.
+    /// Fails when other programs do not let go of the database.
+    [[nodiscard]] static Result<std::string> accountToRemove(const std::string& user);
+
+    /// Gives the entry of `user` the name that the account now has, or removes it when that is empty; all
+    /// else that it holds stays. Does nothing when there is no entry, or the database is not of tdbsam's
+    /// kind.
+    [[nodiscard]] static Status follow(const std::string& user, const std::string& newName);
+
+    /// Makes Samba forget which SID belongs to which number, with all else that it has cached. Otherwise it
+    /// would refuse a user whose number has changed, for up to a week.
+    [[nodiscard]] static Status forgetNumbers();
+
     /// Removes the entry of `user`, whose account must still exist. Ok when there is no entry.
     [[nodiscard]] static Status remove(const std::string& user);
 
-    /// Makes Samba store a line of accountOf() for the account `user` with this number. `file` is the path of
-    /// a temporary file that only root can read; it is removed afterwards.
+    /// Makes Samba store a line of accountToRemove() for the account `user` with this number: the password,
+    /// its date and the flags; what else the entry held is lost. `file` is the path of a temporary file that
+    /// only root can read; it is removed afterwards.
     [[nodiscard]] static Status putBack(std::string_view account, const std::string& user, unsigned uid,
                                         const std::string& file);
 };

@@ -3,11 +3,16 @@
 #include "platform/posix/LetterCase.h"
 #include "platform/posix/Secret.h"
 
+#include <algorithm>
+#include <array>
+#include <cerrno>
 #include <cstdint>
+#include <cstdio>
 #include <cstdlib>
 #include <memory>
 #include <span>
 #include <string_view>
+#include <thread>
 
 #include <fcntl.h>
 #include <tdb.h>
@@ -23,7 +28,6 @@ constexpr std::size_t hashLength = 16;
 // An account's record: numbers of four bytes, the lowest first, and strings, each after its length.
 constexpr int timesBeforeTexts = 7;
 constexpr int texts = 12;
-constexpr int numbersAfterTexts = 2;
 
 /// Reads a record from start to end. After a field that does not fit, all further fields are empty.
 class Reader {
@@ -59,26 +63,61 @@ class Reader {
     bool isOk_ = true;
 };
 
-std::optional<SambaUser> userOf(std::string_view record) {
+struct Entry {
+    SambaUser user;
+    std::uint32_t number = 0; ///< the last number of the account's SID
+};
+
+std::optional<Entry> entryOf(std::string_view record) {
     Reader reader(record);
     for (int index = 0; index < timesBeforeTexts; ++index) {
         reader.number();
     }
-    SambaUser user;
+    Entry entry;
     for (int index = 0; index < texts; ++index) {
         const std::string_view text = reader.text();
         if (index == 0) {
-            user.name = text.substr(0, text.find('\0'));
+            entry.user.name = text.substr(0, text.find('\0'));
         }
     }
-    for (int index = 0; index < numbersAfterTexts; ++index) {
-        reader.number();
-    }
-    reader.text(); // the LAN Manager hash
-    user.hasPassword = reader.text().size() == hashLength;
+    entry.number = reader.number();
+    reader.number(); // the group's
+    reader.text();   // the LAN Manager hash
+    entry.user.hasPassword = reader.text().size() == hashLength;
     reader.text(); // former passwords
-    user.isDisabled = (reader.number() & disabledFlag) != 0;
-    return reader.isOk() && !user.name.empty() ? std::optional(std::move(user)) : std::nullopt;
+    entry.user.isDisabled = (reader.number() & disabledFlag) != 0;
+    return reader.isOk() && !entry.user.name.empty() ? std::optional(std::move(entry)) : std::nullopt;
+}
+
+void appendNumber(std::string& bytes, std::size_t value) {
+    for (int index = 0; index < 4; ++index, value >>= 8) {
+        bytes.push_back(static_cast<char>(value & 0xff));
+    }
+}
+
+/// A readable record with another name, which is its first text.
+std::string renamed(std::string_view record, std::string_view name) {
+    constexpr std::size_t textStart = std::size_t{4} * timesBeforeTexts;
+    const std::size_t textEnd = textStart + 4 + Reader(record.substr(textStart)).number();
+    std::string bytes;
+    bytes.reserve(record.size() + name.size() + 1); // so that growing leaves no copy of the hashes in memory
+    bytes.append(record.substr(0, textStart));
+    appendNumber(bytes, name.size() + 1);
+    return bytes.append(name).append(1, '\0').append(record.substr(textEnd));
+}
+
+TDB_DATA dataOf(std::string& bytes) {
+    return {reinterpret_cast<unsigned char*>(bytes.data()), bytes.size()};
+}
+
+std::string keyOf(const std::string& user) {
+    return "USER_" + lowercased(user);
+}
+
+/// The key under which the name of the account with that number is found.
+std::string keyOf(std::uint32_t number) {
+    std::array<char, 16> key{};
+    return {key.data(), static_cast<std::size_t>(std::snprintf(key.data(), key.size(), "RID_%08x", number))};
 }
 
 /// The value of a key, if there is one. Keys in the file end with a NUL. A value holds hashes, so it is wiped
@@ -87,7 +126,7 @@ class Value {
   public:
     Value(tdb_context* database, const std::string& key) {
         std::string bytes = key + '\0';
-        data_ = tdb_fetch(database, {reinterpret_cast<unsigned char*>(bytes.data()), bytes.size()});
+        data_ = tdb_fetch(database, dataOf(bytes));
         error_ = data_.dptr == nullptr ? tdb_error(database) : TDB_SUCCESS;
     }
 
@@ -125,31 +164,122 @@ bool isBeingWritten(tdb_context* database) {
     return ::fcntl(tdb_fd(database), F_GETLK, &lock) != 0 || lock.l_type != F_UNLCK;
 }
 
+using Database = std::unique_ptr<tdb_context, int (*)(tdb_context*)>;
+
+Database opened(const std::string& file, int mode) {
+    return {tdb_open(file.c_str(), 0, TDB_DEFAULT, mode | O_CLOEXEC, 0), tdb_close};
+}
+
+bool hasKnownVersion(tdb_context* database) {
+    const Value version(database, "INFO/version");
+    return version.isThere() && Reader(version.bytes()).number() == knownVersion;
+}
+
+Status failure(const std::string& why) {
+    return Status::failure("cannot use", "Samba's password database", why);
+}
+
+/// Opens the file and begins a transaction. Closing it takes back what has not been committed.
+Result<Database> begun(const std::string& file, std::chrono::milliseconds patience) {
+    const auto end = std::chrono::steady_clock::now() + patience;
+    Database database = opened(file, O_RDWR);
+    if (!database) {
+        return failure(Status::ofErrno("cannot open", file, errno).text());
+    }
+    while (tdb_transaction_start_nonblock(database.get()) != 0) {
+        if (std::chrono::steady_clock::now() > end) {
+            return failure("another program is using Samba's password database; try again later");
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    }
+    return database;
+}
+
+bool store(tdb_context* database, std::string key, std::string& value) {
+    key += '\0';
+    return tdb_store(database, dataOf(key), dataOf(value), TDB_REPLACE) == 0;
+}
+
+/// Ok when there is no such key.
+bool remove(tdb_context* database, std::string key) {
+    key += '\0';
+    return tdb_delete(database, dataOf(key)) == 0 || tdb_error(database) == TDB_ERR_NOEXIST;
+}
+
+/// Within a transaction. False when the entry cannot be read or the file not be written.
+bool move(tdb_context* database, const std::string& user, const std::string& newName) {
+    const Value record(database, keyOf(user));
+    if (!record.isThere()) {
+        return record.error() == TDB_ERR_NOEXIST;
+    }
+    const auto entry = entryOf(record.bytes());
+    if (!entry || !remove(database, keyOf(user)) || !remove(database, keyOf(entry->number))) {
+        return false;
+    }
+    if (newName.empty()) {
+        return true;
+    }
+    const Value left(database, keyOf(newName)); // by an account of that name that is gone
+    const auto leftEntry = left.isThere() ? entryOf(left.bytes()) : std::nullopt;
+    if (leftEntry && !remove(database, keyOf(leftEntry->number))) {
+        return false;
+    }
+    std::string bytes = renamed(record.bytes(), newName);
+    std::string name = lowercased(newName) + '\0';
+    const bool isStored =
+        store(database, keyOf(newName), bytes) && store(database, keyOf(entry->number), name);
+    wipe(bytes);
+    return isStored;
+}
+
+Status notMoved(const std::string& file, const std::string& user) {
+    return failure("the entry of " + user + " cannot be changed in " + file);
+}
+
 } // namespace
 
+bool isKnownPasswordFile(const std::string& file) {
+    const Database database = opened(file, O_RDONLY);
+    return database && hasKnownVersion(database.get());
+}
+
+Status awaitPasswordFile(const std::string& file, const std::string& user,
+                         std::chrono::milliseconds patience) {
+    const auto database = begun(file, patience);
+    return database.isOk() && !move(database->get(), user, user) ? notMoved(file, user) : database.status();
+}
+
+Status moveInPasswordFile(const std::string& file, const std::string& user, const std::string& newName,
+                          std::chrono::milliseconds patience) {
+    const auto database = begun(file, patience);
+    if (!database.isOk()) {
+        return database.status();
+    }
+    const bool isDone = move(database->get(), user, newName) && tdb_transaction_commit(database->get()) == 0;
+    return isDone ? Status() : notMoved(file, user);
+}
+
 std::optional<std::optional<SambaUser>> userInPasswordFile(const std::string& file, const std::string& user) {
-    const std::unique_ptr<tdb_context, int (*)(tdb_context*)> database(
-        tdb_open(file.c_str(), 0, TDB_DEFAULT, O_RDONLY | O_CLOEXEC, 0), tdb_close);
-    if (!database || isBeingWritten(database.get())) {
+    const Database database = opened(file, O_RDONLY);
+    if (!database || isBeingWritten(database.get()) || !hasKnownVersion(database.get())) {
         return std::nullopt;
     }
-    const Value version(database.get(), "INFO/version");
-    if (!version.isThere() || Reader(version.bytes()).number() != knownVersion) {
-        return std::nullopt;
-    }
-    const Value record(database.get(), "USER_" + lowercased(user));
+    const Value record(database.get(), keyOf(user));
     if (isBeingWritten(database.get())) {
         return std::nullopt;
     }
     if (record.isThere()) {
-        auto known = userOf(record.bytes());
+        auto known = entryOf(record.bytes());
         if (!known) {
             return std::nullopt; // the account has a record, but an unreadable one
         }
-        return known;
+        return std::optional(std::move(known->user));
     }
-    if (record.error() != TDB_ERR_NOEXIST) {
-        return std::nullopt; // in a damaged file an account that is not found may still exist
+    const bool isASCII = std::ranges::all_of(user, [](unsigned char c) { return c < 0x80; });
+    if (record.error() != TDB_ERR_NOEXIST || !isASCII) {
+        // In a damaged file an account that is not found may still exist. And Samba has small letters of its
+        // own for a few that are not ASCII.
+        return std::nullopt;
     }
     return std::optional<SambaUser>();
 }

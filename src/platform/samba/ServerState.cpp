@@ -1,5 +1,7 @@
 #include "platform/samba/ServerState.h"
 
+#include "platform/posix/InputOutput.h"
+#include "platform/posix/LetterCase.h"
 #include "platform/posix/ProcessTable.h"
 #include "platform/posix/WholeNumber.h"
 #include "platform/samba/InstalledSamba.h"
@@ -9,6 +11,7 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
+#include <iterator>
 #include <optional>
 #include <sstream>
 
@@ -68,6 +71,23 @@ std::int64_t startOf(pid_t process) {
     return fields >> ticks ? bootTime + ticks / ::sysconf(_SC_CLK_TCK) : 0;
 }
 
+/// The ports that smb.conf makes smbd listen on. A file that it includes is not read.
+std::vector<unsigned> portsIn(std::string_view smbConf) {
+    std::vector<unsigned> ports;
+    std::istringstream settings(lowercased(smbConf));
+    for (std::string line; std::getline(settings, line);) {
+        const std::size_t equals = line.find('=');
+        std::string key = line.substr(0, equals);
+        std::erase_if(key, [](char c) { return c == ' ' || c == '\t'; }); // Samba ignores them
+        if (key == "smbports") {
+            std::ranges::replace(line, ',', ' ');
+            std::istringstream numbers(line.substr(equals + 1));
+            ports.assign(std::istream_iterator<unsigned>(numbers), {});
+        }
+    }
+    return ports.empty() ? std::vector<unsigned>(standardPorts.begin(), standardPorts.end()) : ports;
+}
+
 } // namespace
 
 std::vector<std::string> listeningPlaces(std::string_view table, std::span<const unsigned> ports) {
@@ -115,7 +135,7 @@ ServerState smbServerState() {
         return state;
     }
     state.since = startOf(state.process);
-    state.listensAt = listeningPlaces(standardPorts);
+    state.listensAt = listeningPlaces(portsIn(readWholeFile(sambaBuild().configFile).valueOr("")));
     return state;
 }
 

@@ -10,6 +10,7 @@
 #include <array>
 #include <chrono>
 #include <ctime>
+#include <iterator>
 #include <map>
 #include <regex>
 #include <sstream>
@@ -117,11 +118,13 @@ pid_t processOf(const json& object) {
     return process;
 }
 
-/// The values of the object `key` in `document`; empty when there is no such object.
+/// The objects in the object `key` of `document`; empty when there is no such object.
 std::vector<json> valuesOf(const json& document, const char* key) {
-    const auto found = document.find(key);
-    return found != document.end() && found->is_object() ? std::vector<json>(found->begin(), found->end())
-                                                         : std::vector<json>();
+    std::vector<json> values;
+    if (const auto found = document.find(key); found != document.end() && found->is_object()) {
+        std::ranges::copy_if(*found, std::back_inserter(values), &json::is_object);
+    }
+    return values;
 }
 
 std::vector<Session> sessionsInJSON(const json& document) {

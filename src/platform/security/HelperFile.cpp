@@ -7,6 +7,7 @@
 #include <system_error>
 
 #include <sys/stat.h>
+#include <sys/xattr.h>
 #include <unistd.h>
 
 namespace platform {
@@ -15,9 +16,11 @@ namespace {
 
 constexpr const char* cannotUse = "cannot use the helper";
 
-/// Whether anybody but root may write there. Root's own group counts as root.
-bool othersMayWrite(const struct stat& status) {
-    const bool groupMay = (status.st_mode & S_IWGRP) != 0 && status.st_gid != 0;
+/// Whether anybody but root may write there. Root's own group counts as root, unless there is an access
+/// control list (acl(5)): then the group's bits are what any user on it may have.
+bool othersMayWrite(const std::filesystem::path& place, const struct stat& status) {
+    const bool hasList = ::lgetxattr(place.c_str(), "system.posix_acl_access", nullptr, 0) > 0;
+    const bool groupMay = (status.st_mode & S_IWGRP) != 0 && (status.st_gid != 0 || hasList);
     return status.st_uid != 0 || groupMay || (status.st_mode & S_IWOTH) != 0;
 }
 
@@ -31,7 +34,7 @@ Result<std::string> placeOfOthers(std::filesystem::path place) {
             if (errno != ENOENT) {
                 return Status::ofErrno(cannotUse, place, errno);
             }
-        } else if (S_ISLNK(status.st_mode) ? status.st_uid != 0 : othersMayWrite(status)) {
+        } else if (S_ISLNK(status.st_mode) ? status.st_uid != 0 : othersMayWrite(place, status)) {
             return place.string();
         }
     }

@@ -88,7 +88,12 @@ std::optional<std::string> helperRequest(const std::string& tool, std::span<cons
 }
 
 Result<ChildProcess> startHelper(const std::vector<std::string>& command) {
-    return startProcess({command, ErrorOutput::Inherited, helperEnvironment()});
+    // sudo remembers by terminal whom it has let in, and without a controlling terminal takes the one of a
+    // standard stream. Its runs that asked for the password had none of ours, so this one must not either.
+    const FileDescriptor controlling(::open("/dev/tty", O_RDONLY | O_NOCTTY | O_CLOEXEC));
+    const bool isMistaken = !controlling.isOpen() && ::isatty(STDERR_FILENO) != 0;
+    return startProcess(
+        {command, isMistaken ? ErrorOutput::Discarded : ErrorOutput::Inherited, helperEnvironment()});
 }
 
 HelperStart handOver(ChildProcess& helper, std::string_view request, std::chrono::milliseconds patience) {

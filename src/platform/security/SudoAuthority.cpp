@@ -10,6 +10,7 @@
 #include "platform/security/HelperFile.h"
 
 #include <algorithm>
+#include <sstream>
 #include <utility>
 
 #include <pwd.h>
@@ -39,6 +40,17 @@ bool holdsOneOf(std::string_view text, std::initializer_list<std::string_view> p
 std::string userName() {
     const passwd* entry = ::getpwuid(::getuid());
     return entry != nullptr ? entry->pw_name : std::to_string(::getuid());
+}
+
+/// What sudo says when it refuses the account whatever its password; empty when it does not.
+std::string accountRefusal(const std::string& errors) {
+    std::istringstream lines(errors);
+    for (std::string line; std::getline(lines, line);) {
+        if (holdsOneOf(line, {"expired", "account validation failure"})) {
+            return line;
+        }
+    }
+    return {};
 }
 
 template <class... Arguments>
@@ -115,6 +127,10 @@ SudoAuthority::Verdict SudoAuthority::check(std::string_view passwordLine) {
     }
     if (finished->status == 0) {
         return Verdict::Accepted;
+    }
+    complaint_ = accountRefusal(finished->errors);
+    if (!complaint_.empty()) {
+        return Verdict::Failed;
     }
     complaint_ = lastLineOf(finished->errors);
     if (holdsOneOf(finished->errors,
