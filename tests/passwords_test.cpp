@@ -222,9 +222,6 @@ void whileAnotherProcess(const std::string& database, const std::function<void(t
 TEST_F(RootWithPassword, IsLeftToSambaWhileTheDatabaseIsWrittenOrNewer) {
     const std::string database = root.sambaPaths().folder + "/private/passdb.tdb";
     const auto isKnown = [&] { return platform::userInPasswordFile(database, "alice").has_value(); };
-    whileAnotherProcess(
-        database, [](tdb_context* open) { tdb_transaction_start(open); }, [&] { EXPECT_FALSE(isKnown()); });
-    EXPECT_TRUE(isKnown());
     const auto makeVersion = [](unsigned char version) {
         return [version](tdb_context* open) {
             std::string key("INFO/version\0", 13);
@@ -233,6 +230,15 @@ TEST_F(RootWithPassword, IsLeftToSambaWhileTheDatabaseIsWrittenOrNewer) {
                       {bytes.data(), bytes.size()}, TDB_REPLACE);
         };
     };
+    const auto storeHalf = [&](tdb_context* open) {
+        tdb_transaction_start(open);
+        makeVersion(5)(open);
+        tdb_transaction_prepare_commit(open);
+    };
+    whileAnotherProcess(database, storeHalf, [&] { EXPECT_FALSE(isKnown()); });
+    EXPECT_TRUE(platform::moveInPasswordFile(database, "alice", "bob", {}).isOk());
+    EXPECT_TRUE(platform::userInPasswordFile(database, "bob").value_or(std::nullopt)) << "it was killed";
+    EXPECT_TRUE(isKnown());
     whileAnotherProcess(database, makeVersion(5), [&] { EXPECT_FALSE(isKnown()); });
     whileAnotherProcess(database, makeVersion(4), [&] { EXPECT_TRUE(isKnown()); });
 }

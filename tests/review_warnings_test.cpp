@@ -292,6 +292,10 @@ TEST_F(Surprises, TheServersOwnComplaintIsReported) {
     EXPECT_NE(sentence("updateSMBProperties:", "server-complains").find("must differ"), std::string::npos);
     choose("smbSecurity", "Share");
     EXPECT_NE(sentence("updateSMBProperties:", "server-complains").find("SHARE"), std::string::npos);
+    writeConf(plainConf("guest ok = perhaps\n"));
+    reviewer->reread();
+    type("smbWorkGroup", "HOME");
+    EXPECT_NE(sentence("updateSMBProperties:", "server-does-not-start"), "");
 }
 
 TEST_F(Surprises, WhatOurToolsWouldCertainlyRefuseIsBlockedBeforeTheFirstRun) {

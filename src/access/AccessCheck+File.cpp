@@ -4,10 +4,13 @@
 #include "platform/foundation/NSBundle.h"
 #include "platform/foundation/NSString.h"
 #include "platform/posix/LetterCase.h"
+#include "platform/samba/SettingsComplaints.h"
 #include "platform/samba/UserShares.h"
 
 #include <algorithm>
 #include <cerrno>
+#include <chrono>
+#include <sstream>
 
 #include <sys/stat.h>
 
@@ -28,6 +31,17 @@ bool mayBeUserShare(const std::string& name, std::string folder) {
 
 } // namespace
 
+bool serverStartsWith(const std::string& text, bool isOfRoot) {
+    constexpr std::chrono::seconds limit{5};
+    std::istringstream lines(text);
+    std::string kept;
+    for (std::string line; std::getline(lines, line);) {
+        kept += isOfRoot && platform::isShareSecurity(line) ? "\n" : line + "\n";
+    }
+    const auto run = platform::runTestparm(kept, limit);
+    return !run.isOk() || run->errors.find("Error loading services") == std::string::npos;
+}
+
 std::optional<Reason> AccessCheck::hiddenReason(const std::string& share) const {
     for (const SMBHiddenSection& hidden : conf_.hiddenSections()) {
         const std::string name = nameOf(hidden);
@@ -38,6 +52,25 @@ std::optional<Reason> AccessCheck::hiddenReason(const std::string& share) const 
                           server_.file + ":" + std::to_string(hidden.line),
                           remedyFor(hidden, server_.file, server_.isOfRoot)};
         }
+    }
+    return std::nullopt;
+}
+
+std::optional<Reason> AccessCheck::serverReason() const {
+    if (!server_.isOfRoot && isEqualIgnoringCase(shares_.global().text("security"), "share")) {
+        return Reason{"server-does-not-start",
+                      NSLocalizedString("Samba 4 does not start with the security level \"Share\"."),
+                      stringWithFormat(NSLocalizedString("[%@] in %@"), std::string("global"), server_.file),
+                      NSLocalizedString("On the SMB page, choose the security level \"User\".")};
+    }
+    if (!server_.starts) {
+        return Reason{
+            "server-does-not-start",
+            NSLocalizedString(
+                "The SMB server does not start with smb.conf as it is, and one that runs takes up no "
+                "change: \"Check This Computer…\" (brindle doctor) names the line at fault."),
+            server_.file,
+            {}};
     }
     return std::nullopt;
 }

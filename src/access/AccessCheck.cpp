@@ -119,12 +119,9 @@ bool AccessCheck::findShare(Visit& visit) {
             server_.file, NSLocalizedString("In the share editor, choose \"Shared\" for SMB."));
     }
     const ServerShare& share = *visit.share;
-    if (!server_.isOfRoot && isEqualIgnoringCase(shares_.global().text("security"), "share")) {
-        return visit.refuse(
-            "server-does-not-start",
-            NSLocalizedString("Samba 4 does not start with the security level \"Share\"."),
-            stringWithFormat(NSLocalizedString("[%@] in %@"), std::string("global"), server_.file),
-            NSLocalizedString("On the SMB page, choose the security level \"User\"."));
+    if (auto reason = serverReason()) {
+        visit.answer.reason = std::move(reason);
+        return false;
     }
     if (share.flag("printable", false)) {
         return visit.refuse("printer",

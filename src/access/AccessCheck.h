@@ -18,7 +18,12 @@ struct Server {
     /// True for an embedded root's own server: unless smb.conf says otherwise, it treats unknown users as the
     /// guest, and it starts with any security level.
     bool isOfRoot = false;
+    bool starts = true; ///< false if it is known not to start with that file
 };
+
+/// Whether the server starts with that text in its smb.conf. Runs testparm, which may take a few seconds;
+/// true if there is no answer.
+[[nodiscard]] bool serverStartsWith(const std::string& text, bool isOfRoot);
 
 /// Says what a user or the guest may do with a share, and what prevents the rest. It checks in the SMB
 /// server's own order: the log-on, the share's settings, the folders down to the shared one. It only reads,
@@ -41,6 +46,8 @@ class AccessCheck {
     bool findShare(Visit& visit);
     /// Why a section that only the server sees leaves open what the share is; none when there is none.
     [[nodiscard]] std::optional<Reason> hiddenReason(const std::string& share) const;
+    /// Why the server does not start; none if it does, as far as is known.
+    [[nodiscard]] std::optional<Reason> serverReason() const;
     /// Where the server may have a share that is not in the model; none when nowhere.
     [[nodiscard]] std::optional<Reason> reasonElsewhere(const std::string& share);
     bool enter(Visit& visit);

@@ -1,5 +1,6 @@
 #include "review/Warnings.h"
 
+#include "platform/foundation/Host.h"
 #include "platform/samba/InstalledSamba.h"
 #include "platform/samba/SettingsComplaints.h"
 #include "review/TextDifference.h"
@@ -33,6 +34,13 @@ std::optional<std::vector<std::string>> faultsOf(const std::string& text) {
     return faults;
 }
 
+/// A root's own server is started with a security level of its own, so that it starts with any in the file.
+bool isStartedWithoutSecurity(const std::string& text) {
+    const std::vector<std::string_view> lines = linesOf(text);
+    return platform::Host::current().services().computer == nullptr &&
+           std::ranges::any_of(lines, &platform::isShareSecurity);
+}
+
 } // namespace
 
 void addServerWarnings(const Situation& situation, std::vector<Remark>* warnings) {
@@ -52,6 +60,12 @@ void addServerWarnings(const Situation& situation, std::vector<Remark>* warnings
         if (std::ranges::find(*before, fault) == before->end()) {
             warnings->push_back(
                 remark("server-complains", "The SMB server finds fault with the new smb.conf: %@.", fault));
+        } else if (fault.starts_with("Error loading services") &&
+                   !isStartedWithoutSecurity(plan.smbConfAfter)) {
+            warnings->push_back(
+                remark("server-does-not-start",
+                       "The SMB server does not start with smb.conf as it is, and one that runs takes up no "
+                       "change: \"Check This Computer…\" (brindle doctor) names the line at fault."));
         }
     }
 }

@@ -11,19 +11,33 @@ namespace {
 
 /// The codes of all warnings, in the order in which they are shown.
 constexpr auto codes = std::to_array<std::string_view>({
-    "home-unwritable",     "changed-outside",
-    "lines-lost",          "section-removed",
-    "record-removed",      "section-keeps-folder",
-    "owner-changes",       "mode-changes",
-    "owner-locked-out",    "no-folder",
-    "relative-folder",     "unreachable",
-    "system-folder",       "folder-inside-share",
-    "folder-shared-twice", "name-case",
-    "overwrites-account",  "member-already",
-    "id-changes",          "untouched-setting",
-    "guests-write",        "read-only-section",
-    "user-in-use",         "many-accounts",
-    "server-complains",    "server-reads-otherwise",
+    "home-unwritable",
+    "changed-outside",
+    "lines-lost",
+    "section-removed",
+    "record-removed",
+    "section-keeps-folder",
+    "owner-changes",
+    "mode-changes",
+    "owner-locked-out",
+    "no-folder",
+    "relative-folder",
+    "unreachable",
+    "system-folder",
+    "folder-inside-share",
+    "folder-shared-twice",
+    "name-case",
+    "overwrites-account",
+    "member-already",
+    "id-changes",
+    "untouched-setting",
+    "guests-write",
+    "read-only-section",
+    "user-in-use",
+    "many-accounts",
+    "server-does-not-start",
+    "server-complains",
+    "server-reads-otherwise",
 });
 
 /// Those that the script language does not have.
@@ -35,6 +49,7 @@ constexpr auto advice = std::to_array<std::string_view>({
     "user-in-use",
     "member-already",
     "home-unwritable",
+    "server-does-not-start",
 });
 
 std::ptrdiff_t placeOf(const Remark& warning) {

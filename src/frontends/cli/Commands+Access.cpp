@@ -42,7 +42,8 @@ void checkAccess(CommandRun& run, const AccessOptions& options) {
     const auto& root = run.context().host.root;
     accesscheck::ServerAccounts accounts(root ? std::optional<platform::SambaAccounts>(*root) : std::nullopt);
     const std::string file = platform::Host::current().services().paths->map(conf.Path());
-    accesscheck::AccessCheck check(conf, accounts, {file, root.has_value()});
+    const bool starts = accesscheck::serverStartsWith(conf.textOnDisk(), root.has_value());
+    accesscheck::AccessCheck check(conf, accounts, {file, root.has_value(), starts});
     const accesscheck::Answer answer = check.check(options.share, options.user);
 
     JSON& result = run.result();

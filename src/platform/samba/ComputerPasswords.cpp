@@ -86,15 +86,14 @@ std::string setting(const std::string& name) {
 /// The file that holds the entries; empty when it is of another kind than tdbsam, or unknown.
 std::string entryFile() {
     constexpr std::string_view kind = "tdbsam";
-    std::string file;
     if (isOwnFileUsed()) {
-        file = ownFile();
-    } else if (const std::string backend = setting("passdb backend"); backend == kind) {
-        file = setting("private dir") + "/passdb.tdb";
-    } else if (backend.starts_with(kind) && backend[kind.size()] == ':') {
-        file = backend.substr(kind.size() + 1);
+        return ownFile();
     }
-    return isKnownPasswordFile(file) ? file : std::string();
+    const std::string backend = setting("passdb backend");
+    if (backend == kind) {
+        return setting("private dir") + "/passdb.tdb";
+    }
+    return backend.starts_with(std::string(kind) + ":") ? backend.substr(kind.size() + 1) : std::string();
 }
 
 bool says(const Result<FinishedProcess>& finished, std::string_view text) {
@@ -168,11 +167,12 @@ Result<std::vector<SambaUser>> ComputerPasswords::users() {
 }
 
 Result<std::string> ComputerPasswords::accountToRemove(const std::string& user) {
-    if (const std::string file = entryFile(); !file.empty()) {
-        const Status status = awaitPasswordFile(file, user, patience);
-        return status.isOk() ? Result(std::string()) : status;
+    const std::string file = entryFile();
+    const auto canMove = file.empty() ? Result(false) : awaitPasswordFile(file, user, patience);
+    if (!canMove.isOk()) {
+        return canMove.status();
     }
-    if (!isInstalled(databaseProgram)) {
+    if (*canMove || !isInstalled(databaseProgram)) {
         return std::string();
     }
     auto finished = run({databaseProgram, "-L", "-w", "--user=" + user});

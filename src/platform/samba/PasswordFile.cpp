@@ -179,14 +179,16 @@ Status failure(const std::string& why) {
     return Status::failure("cannot use", "Samba's password database", why);
 }
 
-/// Opens the file and begins a transaction. Closing it takes back what has not been committed.
+/// Opens the file and begins a transaction; closing it takes back what has not been committed. Null when
+/// there is no file. It is opened for writing even to be read only, because otherwise tdb refuses a file in
+/// which another program is storing something, or was killed while it did.
 Result<Database> begun(const std::string& file, std::chrono::milliseconds patience) {
     const auto end = std::chrono::steady_clock::now() + patience;
     Database database = opened(file, O_RDWR);
-    if (!database) {
+    if (!database && errno != ENOENT) {
         return failure(Status::ofErrno("cannot open", file, errno).text());
     }
-    while (tdb_transaction_start_nonblock(database.get()) != 0) {
+    while (database && tdb_transaction_start_nonblock(database.get()) != 0) {
         if (std::chrono::steady_clock::now() > end) {
             return failure("another program is using Samba's password database; try again later");
         }
@@ -238,21 +240,21 @@ Status notMoved(const std::string& file, const std::string& user) {
 
 } // namespace
 
-bool isKnownPasswordFile(const std::string& file) {
-    const Database database = opened(file, O_RDONLY);
-    return database && hasKnownVersion(database.get());
-}
-
-Status awaitPasswordFile(const std::string& file, const std::string& user,
-                         std::chrono::milliseconds patience) {
+Result<bool> awaitPasswordFile(const std::string& file, const std::string& user,
+                               std::chrono::milliseconds patience) {
     const auto database = begun(file, patience);
-    return database.isOk() && !move(database->get(), user, user) ? notMoved(file, user) : database.status();
+    if (!database.isOk()) {
+        return database.status();
+    }
+    const bool isKnown = *database == nullptr || hasKnownVersion(database->get());
+    const bool canMove = *database == nullptr || !isKnown || move(database->get(), user, user);
+    return canMove ? Result(isKnown) : notMoved(file, user);
 }
 
 Status moveInPasswordFile(const std::string& file, const std::string& user, const std::string& newName,
                           std::chrono::milliseconds patience) {
     const auto database = begun(file, patience);
-    if (!database.isOk()) {
+    if (!database.isOk() || *database == nullptr || !hasKnownVersion(database->get())) {
         return database.status();
     }
     const bool isDone = move(database->get(), user, newName) && tdb_transaction_commit(database->get()) == 0;

@@ -17,17 +17,16 @@ namespace platform {
 [[nodiscard]] std::optional<std::optional<SambaUser>> userInPasswordFile(const std::string& file,
                                                                          const std::string& user);
 
-/// Whether the file is there and of version 4.
-[[nodiscard]] bool isKnownPasswordFile(const std::string& file);
-
-/// Waits until no program is using such a file, so that moveInPasswordFile() can change it. Fails when that
-/// takes longer than `patience`, or when the account has an unreadable entry.
-[[nodiscard]] Status awaitPasswordFile(const std::string& file, const std::string& user,
-                                       std::chrono::milliseconds patience);
+/// Waits until no program is using such a file. Returns whether moveInPasswordFile() can then change it: not
+/// when it is not of version 4. Fails when waiting takes longer than `patience`, and when the file or the
+/// account's entry cannot be read.
+[[nodiscard]] Result<bool> awaitPasswordFile(const std::string& file, const std::string& user,
+                                             std::chrono::milliseconds patience);
 
 /// Stores an account's entry in such a file under another name, in one step and with everything else that it
 /// holds; pdbedit cannot rename one. It replaces an entry that already has that name. Removes the entry when
-/// `newName` is empty. Ok when there is no entry. Waits as awaitPasswordFile() does.
+/// `newName` is empty. Ok when there is no entry or no file, or the file is not of version 4. Waits and fails
+/// as awaitPasswordFile() does.
 [[nodiscard]] Status moveInPasswordFile(const std::string& file, const std::string& user,
                                         const std::string& newName, std::chrono::milliseconds patience);
 
