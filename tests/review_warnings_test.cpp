@@ -159,6 +159,11 @@ TEST_F(Surprises, AnAccountThatIsOverwrittenUnselectedAndAnIdThatChangesAreNamed
     type("groupName", "staff");
     type("gid", "21");
     EXPECT_EQ(warningsOf("addNewGroup:"), "overwrites-account id-changes");
+    selectRow(*app().groupTableView, "Group", "staff");
+    selectRow(*app().groupUsersTableView, "User", "adam");
+    EXPECT_EQ(warningsOf("addUserToGroup:"), "");
+    nicl({"-append", "/groups/staff", "users", "adam"});
+    EXPECT_EQ(warningsOf("addUserToGroup:"), "member-already");
 }
 
 TEST_F(Surprises, AMissingGroupIdReadsAsZeroAndIsNamed) {

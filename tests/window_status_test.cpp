@@ -79,7 +79,11 @@ TEST_F(WindowStatusTest, AShareIsAnnouncedWithItsAddressToCopyAndTakenBackFromTh
 TEST_F(WindowStatusTest, NoAddressIsShownIfNothingServesIt) {
     host.write("etc/smb.conf", "[Old]\n\tpath = " + host.root().string() + "\n");
     openWithHistory();
-    bool runs = true;
+    bool runs = false;
+    frontend->useServer({"smb://vm/", "", false, [&] { return runs; }}); // the computer's own
+    share("Newest");
+    EXPECT_EQ(status(), "Newest will be shared over SMB as soon as a server runs.");
+    runs = true;
     frontend->useServer({"smb://127.0.0.1:4455/", "SMB server", false, [&] { return runs; }});
     share("New", 0); // its folder is offered under another name
     EXPECT_EQ(status(), "Share \"New\" created.");

@@ -6,6 +6,7 @@
 #include "platform/foundation/SystemPaths.h"
 #include "platform/posix/ProcessTable.h"
 
+#include <algorithm>
 #include <set>
 #include <sstream>
 
@@ -110,6 +111,23 @@ void addPublicFolder(const Situation& situation, std::vector<Remark>* warnings) 
         name));
 }
 
+/// The window's list of members may be older than the directory, and a member would be added once more.
+void addMembersTwice(const Situation& situation, std::vector<Remark>* warnings) {
+    const std::string group = situation.before.selectedGroupName();
+    const std::string path = "/groups/" + group;
+    const auto before = situation.directoryBefore.record(path).value_or(DirectoryView::Record());
+    const auto after = situation.directoryAfter.record(path).value_or(DirectoryView::Record());
+    std::set<std::string> members;
+    for (const std::string& each : valuesOf(after, "users")) {
+        if (!members.insert(each).second && std::ranges::count(valuesOf(before, "users"), each) == 1) {
+            warnings->push_back(remark("member-already",
+                                       "The user \"%@\" is in the group \"%@\" already, which the list does "
+                                       "not show yet: use Refresh.",
+                                       each, group));
+        }
+    }
+}
+
 void addNumberOfAccounts(const Plan& plan, std::vector<Remark>* warnings) {
     std::set<RecordPath> accounts;
     for (const PlannedRun& run : plan.runs) {
@@ -187,6 +205,8 @@ void addAccountWarnings(const Situation& situation, std::vector<Remark>* warning
         addEditedAccount(
             situation, {"/groups", "gid", now.groupName->stringValue(), now.selectedGroupName(), groupTexts},
             warnings);
+    } else if (situation.is("addUserToGroup:")) {
+        addMembersTwice(situation, warnings);
     }
     addNumberOfAccounts(situation.plan, warnings);
     if (platform::Host::current().services().computer != nullptr) {
