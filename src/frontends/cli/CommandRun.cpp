@@ -43,10 +43,11 @@ int CommandRun::run() {
         status_ = failure.status();
         std::string text = failure.what();
         if (const auto done = context_.history.takeAdded()) {
-            text +=
-                stringWithFormat(NSLocalizedString("; a part of it was carried out before: that is change %@ "
-                                                   "of the history, which can be taken back (undo)"),
-                                 std::to_string(done->number));
+            text = stringWithFormat(
+                NSLocalizedString(
+                    "%@; a part of it was carried out before: that is change %@ of the history, "
+                    "which can be taken back (undo)"),
+                text, std::to_string(done->number));
         }
         if (printsJSON) {
             result_ = {{"error", {{"status", static_cast<int>(status_)}, {"text", text}}}};
