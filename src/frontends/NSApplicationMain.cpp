@@ -310,13 +310,6 @@ Status becomeWindow(char** argv) {
                            "install Qt 6 Widgets and build again, or use --print or --script");
 }
 
-/// Waits until no other process of this user's makes changes. Must come before smb.conf is read: what others
-/// write later would be lost.
-Status waitForTurn() {
-    return platform::Host::current().sharedInstance<platform::WritersTurn>().takeForGood(
-        platform::WritersTurn::runSeconds);
-}
-
 /// Runs a command. What is logged meanwhile only goes to the system's log.
 Result<int> runCommand(const Options& options) {
     auto services = makeServices(options);
@@ -330,7 +323,10 @@ Result<int> runCommand(const Options& options) {
     application.setPresenter(presenter);
     frontend::CommandOptions command = options.command;
     if (command.kind == frontend::CommandKind::Writing && !command.isDryRun) {
-        if (const Status status = waitForTurn(); !status.isOk()) {
+        // Before smb.conf is read: what others write later would be lost.
+        const Status status = platform::Host::current().sharedInstance<platform::WritersTurn>().takeForGood(
+            platform::WritersTurn::runSeconds);
+        if (!status.isOk()) {
             command.needsApplication = false;
             command.carryOut = [text = status.text()](frontend::CommandRun& /*run*/) {
                 frontend::CommandRun::fail(text);
@@ -386,7 +382,7 @@ int NSApplicationMain(int argc, char** argv, frontend::WindowRun* window) {
     // The writing code detects a reader that goes away, or a tool that ends early.
     std::signal(SIGPIPE, SIG_IGN);
     std::signal(SIGXFSZ, SIG_IGN); // likewise a file that may not grow
-    platform::leaveNoCore(); // passwords are typed here
+    platform::leaveNoCore();       // passwords are typed here
     platform::openStandardDescriptors();
     try {
         const auto arguments = platform::argumentsOf(argc, argv);
