@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <functional>
@@ -62,11 +63,14 @@ std::string answered(std::string remedy) {
     for (std::size_t at = 0; (at = remedy.find("/FOLDER", at)) != std::string::npos;) {
         remedy.erase(at, 1);
     }
-    for (std::size_t at = 0; (at = remedy.find(" &&", at)) != std::string::npos; at += 9) {
-        remedy.insert(at, " --yes");
+    std::string all;
+    for (std::size_t begin = 0; begin < remedy.size();) {
+        const std::size_t end = std::min(remedy.find(" && ", begin), remedy.size());
+        const std::string command = remedy.substr(begin, end - begin);
+        all += (all.empty() ? "" : " && ") + command + (command.starts_with("brindle") ? " --yes" : "");
+        begin = end + 4;
     }
-    const bool endsWithOurs = remedy.starts_with("brindle") && remedy.find("sed -i") == std::string::npos;
-    return endsWithOurs ? remedy + " --yes" : remedy;
+    return all;
 }
 
 } // namespace

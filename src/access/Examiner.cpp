@@ -131,7 +131,8 @@ std::string Examiner::movePattern(const std::string& section) const {
 }
 
 std::string Examiner::movePatternOfBoth(const std::string& share) const {
-    return command({"shares", "set", share, "--folder", "/FOLDER", "--smb"}) + " && " + movePattern(share);
+    // In this order: the command does not move a share whose section names another folder.
+    return movePattern(share) + " && " + command({"shares", "set", share, "--folder", "/FOLDER", "--smb"});
 }
 
 std::string Examiner::addPathPattern(const std::string& section) const {
