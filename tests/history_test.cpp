@@ -249,7 +249,7 @@ TEST_P(OneUndo, KeepsWhatSomebodyElseWroteToSmbConfMeanwhile) {
 
 TEST_P(OneUndo, OfAShareLeavesTheOtherSectionsAsTheyAreNow) {
     beginWithHistory();
-    for (const char* name : {"Docs", "Films"}) {
+    for (const char* name : {"Docs", "Films", "Music"}) {
         app().normalTableView->selectRows({});
         type("shareName", name);
         type("directory", folder(name));
@@ -260,12 +260,14 @@ TEST_P(OneUndo, OfAShareLeavesTheOtherSectionsAsTheyAreNow) {
     EXPECT_EQ(undo(1), "");
     const std::string kept = conf();
     EXPECT_EQ(kept, made.substr(made.find("[Films]")));
-    writeConf("# by hand\n" + kept + "comment = Cinema\n");
-    EXPECT_NE(undo(2), "") << "that section was changed by hand";
-    EXPECT_EQ(undo(3), "") << "and Docs is shared again";
-    for (const char* text : {"[Docs]", "# by hand", "comment = Cinema"}) {
+    writeConf(kept + "comment = Songs\n");
+    EXPECT_NE(undo(3), "") << "that section was changed by hand";
+    EXPECT_EQ(undo(2), "");
+    EXPECT_EQ(undo(4), "") << "and Docs is shared again";
+    for (const char* text : {"[Docs]", "[Music]", "comment = Songs"}) {
         EXPECT_NE(conf().find(text), std::string::npos) << conf();
     }
+    EXPECT_EQ(conf().find("[Films]"), std::string::npos);
 }
 
 TEST_P(OneUndo, ThatWasGivenUpHalfWayHasFailedAndIsRepeatedAsPlanned) {

@@ -22,17 +22,23 @@ struct AccountTexts {
     const char* nameCase;
     const char* overwrites;
     const char* idChanges;
+    const char* idChangesOnComputer; ///< whose own programs change the files in the user's home folder, too
 };
 
-constexpr AccountTexts userTexts{"The name \"%@\" differs from the user \"%@\" only in the case of letters.",
-                                 "There is a user \"%@\" already: the record of that user is overwritten, "
-                                 "although it is not selected in the list.",
-                                 "The id of the user \"%@\" changes from %@ to %@: existing files and the "
-                                 "password for Windows keep the old id."};
+constexpr AccountTexts userTexts{
+    "The name \"%@\" differs from the user \"%@\" only in the case of letters.",
+    "There is a user \"%@\" already: the record of that user is overwritten, "
+    "although it is not selected in the list.",
+    "The id of the user \"%@\" changes from %@ to %@: existing files and the "
+    "password for Windows keep the old id.",
+    "The id of the user \"%@\" changes from %@ to %@: files outside the home folder "
+    "keep the old id."};
+constexpr const char* groupIdChanges =
+    "The id of the group \"%@\" changes from %@ to %@: existing folders keep the old id.";
 constexpr AccountTexts groupTexts{
     "The name \"%@\" differs from the group \"%@\" only in the case of letters.",
     "There is a group \"%@\" already: its record is overwritten, although it is not selected in the list.",
-    "The id of the group \"%@\" changes from %@ to %@: existing folders keep the old id."};
+    groupIdChanges, groupIdChanges};
 
 struct EditedAccount {
     std::string place; ///< "/users"
@@ -59,7 +65,10 @@ void addEditedAccount(const Situation& situation, const EditedAccount& account,
     const std::string before = situation.directoryBefore.value(path, account.idProperty);
     const std::string after = situation.directoryAfter.value(path, account.idProperty);
     if (before != after) {
-        warnings->push_back(remark("id-changes", account.texts.idChanges, account.name, before, after));
+        const bool isComputer = platform::Host::current().services().computer != nullptr;
+        warnings->push_back(remark("id-changes",
+                                   isComputer ? account.texts.idChangesOnComputer : account.texts.idChanges,
+                                   account.name, before, after));
     }
 }
 

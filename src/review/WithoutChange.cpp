@@ -15,17 +15,45 @@ namespace review {
 
 namespace {
 
-using Lines = std::vector<std::string_view>;
+/// The lines of a text; or each section, from its header to its last line that is not blank, and each other
+/// line.
+using Parts = std::vector<std::string_view>;
 
-/// The lines from `begin` to before `end`, counted from 0, and what takes their place.
+/// Lines alone would do for most changes. But sections are much alike, so that the lines of a new one may
+/// seem to stand in the middle of the next.
+Parts sectionsAndLines(std::string_view text) {
+    Parts parts;
+    Parts blank;
+    bool isInSection = false;
+    for (const std::string_view line : linesOf(text)) {
+        const std::size_t begin = line.find_first_not_of(" \t\r");
+        if (begin == std::string_view::npos) {
+            blank.push_back(line);
+            continue;
+        }
+        if (isInSection && line[begin] != '[') {
+            const char* start = parts.back().data();
+            parts.back() = {start, static_cast<std::size_t>(line.data() + line.size() - start)};
+        } else {
+            parts.insert(parts.end(), blank.begin(), blank.end());
+            parts.push_back(line);
+            isInSection = isInSection || line[begin] == '[';
+        }
+        blank.clear();
+    }
+    parts.insert(parts.end(), blank.begin(), blank.end());
+    return parts;
+}
+
+/// The parts from `begin` to before `end`, counted from 0, and what takes their place.
 struct Replacement {
     std::size_t begin = 0;
     std::size_t end = 0;
-    std::vector<std::string> lines;
+    std::vector<std::string> parts;
 };
 
-/// What makes `to` of `from`, in order. Between two replacements at least one line stays.
-std::vector<Replacement> replacements(const Lines& from, const Lines& to) {
+/// What makes `to` of `from`, in order. Between two replacements at least one part stays.
+std::vector<Replacement> replacements(const Parts& from, const Parts& to) {
     std::vector<Replacement> all;
     std::size_t inFrom = 0;
     std::size_t inTo = 0;
@@ -40,20 +68,20 @@ std::vector<Replacement> replacements(const Lines& from, const Lines& to) {
         if (goes) {
             all.back().end = ++inFrom;
         } else {
-            all.back().lines.push_back(std::move(change.line));
+            all.back().parts.push_back(std::move(change.line));
             ++inTo;
         }
     }
     return all;
 }
 
-/// Makes the replacements in `lines`, which are in order; none when two of them concern the same lines.
-std::optional<std::string> replaced(const Lines& lines, const std::vector<Replacement>& all) {
+/// Makes the replacements in `parts`, which are in order; none when two of them concern the same parts.
+std::optional<std::string> replaced(const Parts& parts, const std::vector<Replacement>& all) {
     std::string text;
     std::size_t next = 0;
     const auto copyUntil = [&](std::size_t end) {
         for (; next < end; ++next) {
-            text.append(lines[next]).append("\n");
+            text.append(parts[next]).append("\n");
         }
     };
     for (const Replacement& each : all) {
@@ -61,12 +89,12 @@ std::optional<std::string> replaced(const Lines& lines, const std::vector<Replac
             return std::nullopt;
         }
         copyUntil(each.begin);
-        for (const std::string& line : each.lines) {
-            text.append(line).append("\n");
+        for (const std::string& part : each.parts) {
+            text.append(part).append("\n");
         }
         next = each.end;
     }
-    copyUntil(lines.size());
+    copyUntil(parts.size());
     return text;
 }
 
@@ -137,17 +165,19 @@ std::optional<std::string> withoutChange(const std::string& now, const std::stri
             wanted[name] = found->second;
         }
     }
-    const Lines lines = linesOf(after);
-    const auto back = replacements(lines, linesOf(before));
-    const auto since = replacements(lines, linesOf(now));
-    // Where both put lines at the same place, a comment may belong to the section above or below it.
-    for (const auto& [first, second] : {std::pair(back, since), std::pair(since, back)}) {
-        std::vector<Replacement> all = first;
-        all.insert(all.end(), second.begin(), second.end());
-        std::ranges::stable_sort(all, {}, &Replacement::begin);
-        auto text = replaced(lines, all);
-        if (text && sectionsOf(*text) == wanted) {
-            return text;
+    for (Parts (*const parted)(std::string_view) : {&sectionsAndLines, &linesOf}) {
+        const Parts parts = parted(after);
+        const auto back = replacements(parts, parted(before));
+        const auto since = replacements(parts, parted(now));
+        // Where both put parts at the same place, a comment may belong to the section above or below it.
+        for (const auto& [first, second] : {std::pair(back, since), std::pair(since, back)}) {
+            std::vector<Replacement> all = first;
+            all.insert(all.end(), second.begin(), second.end());
+            std::ranges::stable_sort(all, {}, &Replacement::begin);
+            auto text = replaced(parts, all);
+            if (text && sectionsOf(*text) == wanted) {
+                return text;
+            }
         }
     }
     return std::nullopt;

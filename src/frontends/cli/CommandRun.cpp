@@ -41,8 +41,9 @@ int CommandRun::run() {
     } catch (const CommandFailure& failure) {
         hasFailed = true;
         status_ = failure.status();
-        std::string text = failure.what();
+        std::string text = Interruption::hasCome() ? NSLocalizedString("interrupted") : failure.what();
         if (const auto done = context_.history.takeAdded()) {
+            text.erase(text.find_last_not_of('.') + 1);
             text = stringWithFormat(
                 NSLocalizedString(
                     "%@; a part of it was carried out before: that is change %@ of the history, "

@@ -212,10 +212,23 @@ void set(CommandRun& run, const Page& page, const std::vector<std::string>& word
         }
         given.emplace_back(&*found, words[index + 1]);
     }
-    // First what is on or off, because other settings can only be changed while what they belong to is on.
-    std::ranges::stable_partition(given, [](const Given& each) { return each.first->kind == Kind::OnOff; });
-    for (const auto& [setting, value] : given) {
-        apply(run, *setting, value);
+    // What belongs to a setting that is still off waits until that has been turned on.
+    while (!given.empty()) {
+        std::vector<Given> waiting;
+        for (Given& each : given) {
+            if (control(run, *each.first).isEnabled()) {
+                apply(run, *each.first, each.second);
+            } else {
+                waiting.push_back(std::move(each));
+            }
+        }
+        if (waiting.size() == given.size()) {
+            for (const auto& [setting, value] : waiting) {
+                apply(run, *setting, value); // fails, unless it has that value
+            }
+            break;
+        }
+        given = std::move(waiting);
     }
     run.send(page.save);
 }

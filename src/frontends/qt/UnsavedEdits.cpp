@@ -137,6 +137,11 @@ void UnsavedEdits::noteSaved(const std::string& operation) {
     }
 }
 
+bool UnsavedEdits::isSaved(const platform::Element* control, const std::string& edit) const {
+    const auto saved = saved_.find(control);
+    return saved != saved_.end() && saved->second == edit;
+}
+
 bool UnsavedEdits::isUnsaved(const platform::InterfaceNode& page, Pages which) const {
     const bool isMeant = which == Pages::All ||
                          (which != Pages::SMBSettings && sends(page, "createShare:")) ||
@@ -144,10 +149,8 @@ bool UnsavedEdits::isUnsaved(const platform::InterfaceNode& page, Pages which) c
     if (!isMeant) {
         return false;
     }
-    return std::ranges::any_of(editsBelow(page), [this](const auto& edit) {
-        const auto saved = saved_.find(edit.first);
-        return saved == saved_.end() || saved->second != edit.second;
-    });
+    return std::ranges::any_of(editsBelow(page),
+                               [this](const auto& edit) { return !isSaved(edit.first, edit.second); });
 }
 
 std::string UnsavedEdits::loss(Pages which) const {
@@ -175,8 +178,9 @@ std::function<void()> UnsavedEdits::keep(Pages which) const {
             sends(*page, "updateSMBProperties:") || sends(*page, "updateAFSProperties:");
         platform::visitNodes(*page, [&](const platform::InterfaceNode& each) {
             auto* control = modelOf<NSControl>(each);
+            const std::string edit = editOf(each);
             if (control == nullptr || choosesView(control->action().operation) ||
-                (isOfSettings && !control->isEdited())) {
+                (isOfSettings && (edit.empty() || isSaved(each.element.get(), edit)))) {
                 return;
             }
             if (auto content = contentOf(*control)) {

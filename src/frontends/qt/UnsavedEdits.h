@@ -34,6 +34,7 @@ class UnsavedEdits {
 
   private:
     void forgetReplaced();
+    [[nodiscard]] bool isSaved(const platform::Element* control, const std::string& edit) const;
     [[nodiscard]] bool isUnsaved(const platform::InterfaceNode& page, Pages which) const;
 
     WindowActions& actions_;

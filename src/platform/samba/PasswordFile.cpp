@@ -103,7 +103,8 @@ std::string renamed(std::string_view record, std::string_view name) {
     bytes.reserve(record.size() + name.size() + 1); // so that growing leaves no copy of the hashes in memory
     bytes.append(record.substr(0, textStart));
     appendNumber(bytes, name.size() + 1);
-    return bytes.append(name).append(1, '\0').append(record.substr(textEnd));
+    bytes.append(name).append(1, '\0').append(record.substr(textEnd));
+    return bytes; // not what append() returns, which would be copied
 }
 
 TDB_DATA dataOf(std::string& bytes) {
@@ -188,7 +189,9 @@ Result<Database> begun(const std::string& file, std::chrono::milliseconds patien
     if (!database && errno != ENOENT) {
         return failure(Status::ofErrno("cannot open", file, errno).text());
     }
-    while (database && tdb_transaction_start_nonblock(database.get()) != 0) {
+    // The first look is for programs that write without a transaction, for which tdb would wait without end.
+    while (database &&
+           (isBeingWritten(database.get()) || tdb_transaction_start_nonblock(database.get()) != 0)) {
         if (std::chrono::steady_clock::now() > end) {
             return failure("another program is using Samba's password database; try again later");
         }

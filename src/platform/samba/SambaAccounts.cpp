@@ -277,10 +277,9 @@ Status SambaAccounts::checkPassword(std::string_view password) {
         return Status::failure(refusedPassword, "",
                                "a password must not contain a control character; choose another one");
     }
+    static_assert(longestPassword == 254); // as the sentence says, which is translated
     if (password.size() > longestPassword) {
-        return Status::failure(refusedPassword, "",
-                               "it is longer than " + std::to_string(longestPassword) +
-                                   " bytes; choose a shorter one");
+        return Status::failure(refusedPassword, "", "it is longer than 254 bytes; choose a shorter one");
     }
     return {};
 }
