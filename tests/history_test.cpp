@@ -73,7 +73,7 @@ class HistoryTest : public DrawnState {
 
     /// Takes back a change. Returns why it could not; empty when it could.
     [[nodiscard]] std::string undo(std::optional<std::int64_t> number = std::nullopt) {
-        const auto plan = history->describeUndo(number);
+        const auto plan = history->describeUndo(number, review::ChangedFile::KeepsOtherSections);
         if (!plan.isOk() || !plan->refusal.empty()) {
             return plan.isOk() ? plan->refusal : plan.status().text();
         }
@@ -268,6 +268,8 @@ TEST_P(OneUndo, OfAShareLeavesTheOtherSectionsAsTheyAreNow) {
         EXPECT_NE(conf().find(text), std::string::npos) << conf();
     }
     EXPECT_EQ(conf().find("[Films]"), std::string::npos);
+    const auto inScript = history->describeUndo(2);
+    EXPECT_NE(inScript->refusal, "") << "for scripts the whole file counts";
 }
 
 TEST_P(OneUndo, ThatWasGivenUpHalfWayHasFailedAndIsRepeatedAsPlanned) {

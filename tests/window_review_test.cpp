@@ -153,6 +153,17 @@ TEST_F(WindowReviewLineByLine, EditsOnAnotherPageStayWhenASaveTakesUpWhatSomebod
     click("createNewShare");
     EXPECT_TRUE(isOnDisk("log level = 1") && isOnDisk("[Films]"));
     EXPECT_EQ(text("smbWorkGroup"), "OFFICE");
+    showPage(4);
+    answer({"Go On"});
+    clickTitled("Save");
+    host.write("etc/smb.conf", "[global]\nworkgroup = OTHER\n");
+    typeInto("smbServerInfoString", "unsaved");
+    showPage(0);
+    fillShare("Music");
+    answer({"Go On"});
+    click("createNewShare");
+    EXPECT_EQ(text("smbServerInfoString"), "unsaved");
+    EXPECT_EQ(text("smbWorkGroup"), "OTHER") << "what is saved is no edit any more";
 }
 
 TEST_F(WindowReviewTest, RevertingTheAFPSettingsShowsWhatIsOnDiskNow) {

@@ -23,6 +23,9 @@ std::optional<std::string> expandedPath(std::string_view path, const std::string
     path = withoutQuotes(path);
     std::string result;
     for (std::size_t index = 0; index < path.size(); ++index) {
+        if (path.substr(index).starts_with("%$(")) {
+            return std::nullopt; // a variable of the server's environment
+        }
         const char variable = index + 1 < path.size() ? path[index + 1] : '\0';
         if (path[index] != '%' || !isServerVariable(variable)) {
             result += path[index] == ' ' && result.ends_with(' ') ? "" : std::string(1, path[index]);

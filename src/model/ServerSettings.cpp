@@ -36,7 +36,9 @@ constexpr std::string_view variablesInNames = variables.substr(5);
 
 bool hasVariable(std::string_view text, std::string_view letters) {
     for (std::size_t at = text.find('%'); at < text.size(); at = text.find('%', at + 1)) {
-        if (at + 1 < text.size() && letters.find(text[at + 1]) != std::string_view::npos) {
+        const std::string_view rest = text.substr(at + 1);
+        if (rest.starts_with("$(") ||
+            (!rest.empty() && letters.find(rest.front()) != std::string_view::npos)) {
             return true;
         }
     }

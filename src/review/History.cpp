@@ -108,7 +108,7 @@ std::string History::titleOfNextUndo() const {
     return title;
 }
 
-Result<UndoPlan> History::describeUndo(std::optional<std::int64_t> number) const {
+Result<UndoPlan> History::describeUndo(std::optional<std::int64_t> number, ChangedFile changedFile) const {
     const auto all = entries();
     if (!all.isOk()) {
         return all.status();
@@ -122,7 +122,7 @@ Result<UndoPlan> History::describeUndo(std::optional<std::int64_t> number) const
                                                          std::to_string(*number))
                                       : NSLocalizedString("there is no change to take back"));
     }
-    return planUndo(*found, *all);
+    return planUndo(*found, *all, changedFile);
 }
 
 Status History::undo(const UndoPlan& plan) const {
@@ -131,7 +131,7 @@ Status History::undo(const UndoPlan& plan) const {
         !status.isOk()) {
         return status;
     }
-    const auto now = describeUndo(plan.entry.number);
+    const auto now = describeUndo(plan.entry.number, plan.changedFile);
     if (!now.isOk()) {
         return now.status();
     }

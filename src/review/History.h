@@ -45,7 +45,8 @@ class History {
 
     /// What undoing entry `number` would do; without a number, the newest change that is not undone. Changes
     /// nothing. Fails when there is no such entry or the history cannot be read.
-    [[nodiscard]] platform::Result<UndoPlan> describeUndo(std::optional<std::int64_t> number) const;
+    [[nodiscard]] platform::Result<UndoPlan>
+    describeUndo(std::optional<std::int64_t> number, ChangedFile changedFile = ChangedFile::Refused) const;
 
     /// Carries the plan out as a part of the current event (NSApp().dispatch). Fails without changing
     /// anything when the plan is refused or things have changed since it was made; also fails when a run

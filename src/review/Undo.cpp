@@ -33,9 +33,10 @@ using platform::Status;
 
 class UndoPlanner {
   public:
-    UndoPlanner(const HistoryEntry& entry, const std::vector<HistoryEntry>& all)
+    UndoPlanner(const HistoryEntry& entry, const std::vector<HistoryEntry>& all, ChangedFile changedFile)
         : all_(all), directory_(platform::Host::current().services().localDomain), accounts_(directory_) {
         plan_.entry = entry;
+        plan_.changedFile = changedFile;
         for (const RecordChange& record : entry.records) {
             entryPaths_.insert(record.path);
         }
@@ -238,14 +239,12 @@ class UndoPlanner {
             return;
         }
         if (now != file.after) {
-            const auto kept = isSMB && now && file.after
+            const bool isMerged = isSMB && plan_.changedFile == ChangedFile::KeepsOtherSections;
+            const auto kept = isMerged && now && file.after
                                   ? withoutChange(*now, file.before.value_or(""), *file.after)
                                   : std::nullopt;
             if (!kept) {
-                refuseChanged(real, [&](const HistoryEntry& later) {
-                    const auto found = std::ranges::find(later.files, file.path, &FileChange::path);
-                    return found != later.files.end() && (!isSMB || touchTheSame(file, *found));
-                });
+                refuseChangedFile(file, real, isMerged);
             } else if (kept != now) {
                 plan_.files.push_back({file.path, kept, now});
             }
@@ -254,6 +253,25 @@ class UndoPlanner {
         plan_.files.push_back(file);
         if (!file.before) {
             lose(NSLocalizedString("There was no file %@ before: an empty one remains."), real);
+        }
+    }
+
+    /// Names the later changes that stand in the way: those of the same sections, or else all of the file.
+    void refuseChangedFile(const FileChange& file, const std::string& real, bool isMerged) {
+        const auto touched = isMerged ? touchedSections(file) : std::set<std::string>();
+        const auto writes = [&](const HistoryEntry& later) {
+            return std::ranges::find(later.files, file.path, &FileChange::path) != later.files.end();
+        };
+        const auto touches = [&](const HistoryEntry& later) {
+            return writes(later) &&
+                   std::ranges::any_of(
+                       touchedSections(*std::ranges::find(later.files, file.path, &FileChange::path)),
+                       [&](const std::string& name) { return touched.contains(name); });
+        };
+        if (isMerged && !laterChanges(touches).empty()) {
+            refuseChanged(real, touches);
+        } else {
+            refuseChanged(real, writes);
         }
     }
 
@@ -356,8 +374,8 @@ class UndoPlanner {
 
 } // namespace
 
-UndoPlan planUndo(const HistoryEntry& entry, const std::vector<HistoryEntry>& all) {
-    return UndoPlanner(entry, all).plan();
+UndoPlan planUndo(const HistoryEntry& entry, const std::vector<HistoryEntry>& all, ChangedFile changedFile) {
+    return UndoPlanner(entry, all, changedFile).plan();
 }
 
 } // namespace review

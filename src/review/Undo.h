@@ -9,8 +9,13 @@
 
 namespace review {
 
+/// What is done with smb.conf when it is no longer as the entry left it: the undo is refused, or takes back
+/// only the sections that the entry has changed, if they are as it left them.
+enum class ChangedFile { Refused, KeepsOtherSections };
+
 /// What undoing an entry would do.
 struct UndoPlan {
+    ChangedFile changedFile = ChangedFile::Refused;
     HistoryEntry entry;   ///< without the records that stay as they are
     std::string title;    ///< the title of the entry that the undo itself would add
     std::string question; ///< asks the user to confirm; contains the entry's title
@@ -27,7 +32,8 @@ struct UndoPlan {
 /// Works out how to undo `entry` in the current state. `all` are the entries of the history, the newest
 /// first; a later one that builds on this entry is named in the refusal. What is already as it was before the
 /// entry is left alone, so that an interrupted undo can be repeated.
-[[nodiscard]] UndoPlan planUndo(const HistoryEntry& entry, const std::vector<HistoryEntry>& all);
+[[nodiscard]] UndoPlan planUndo(const HistoryEntry& entry, const std::vector<HistoryEntry>& all,
+                                ChangedFile changedFile = ChangedFile::Refused);
 
 /// Carries a plan out, run by run, as a part of the current action: first the directory, in one transaction,
 /// then the settings files, the folders and the servers. Fails at the first failed run, which has beeped and

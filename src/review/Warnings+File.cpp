@@ -271,7 +271,7 @@ void addUnwritableHome(const Situation& situation, std::vector<Remark>* warnings
     if (error != 0) {
         warnings->push_back(remark("home-unwritable",
                                    "Settings files are prepared in your home folder %@, and nothing can be "
-                                   "written there (%@): the change would be left half made.",
+                                   "written there (%@): the change would fail or be left half made.",
                                    home, std::generic_category().message(error)));
     }
 }

@@ -47,7 +47,7 @@ std::set<Identity> foldersAround(const fs::path& folder) {
 }
 
 void addPlaceWarnings(const Situation& situation, const std::string& folder, std::vector<Remark>* warnings) {
-    if (withoutQuotes(folder) != folder) {
+    if (folder.starts_with('"') && withoutQuotes(folder) != folder) {
         // The servers find it, but the tools that set its owner and mode do not.
         warnings->push_back(remark("relative-folder",
                                    "The folder %@ is in quotes: its owner and privileges cannot be set, and "

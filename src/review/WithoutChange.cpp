@@ -19,6 +19,24 @@ namespace {
 /// line.
 using Parts = std::vector<std::string_view>;
 
+/// The sections with all that follows each of them, and the lines before the first.
+Parts wholeSections(std::string_view text) {
+    Parts parts;
+    bool isInSection = false;
+    for (const std::string_view line : linesOf(text)) {
+        const std::size_t begin = line.find_first_not_of(" \t\r");
+        const bool isHeader = begin != std::string_view::npos && line[begin] == '[';
+        isInSection = isInSection || isHeader;
+        if (isInSection && !isHeader) {
+            const char* start = parts.back().data();
+            parts.back() = {start, static_cast<std::size_t>(line.data() + line.size() - start)};
+        } else {
+            parts.push_back(line);
+        }
+    }
+    return parts;
+}
+
 /// Lines alone would do for most changes. But sections are much alike, so that the lines of a new one may
 /// seem to stand in the middle of the next.
 Parts sectionsAndLines(std::string_view text) {
@@ -128,16 +146,10 @@ std::set<std::string> touchedSections(const Sections& before, const Sections& af
     return touched;
 }
 
-std::set<std::string> touchedSections(const FileChange& change) {
-    return touchedSections(sectionsOf(change.before.value_or("")), sectionsOf(change.after.value_or("")));
-}
-
 } // namespace
 
-bool touchTheSame(const FileChange& change, const FileChange& other) {
-    const auto touched = touchedSections(change);
-    return std::ranges::any_of(touchedSections(other),
-                               [&](const std::string& name) { return touched.contains(name); });
+std::set<std::string> touchedSections(const FileChange& change) {
+    return touchedSections(sectionsOf(change.before.value_or("")), sectionsOf(change.after.value_or("")));
 }
 
 std::optional<std::string> withoutChange(const std::string& now, const std::string& before,
@@ -165,7 +177,7 @@ std::optional<std::string> withoutChange(const std::string& now, const std::stri
             wanted[name] = found->second;
         }
     }
-    for (Parts (*const parted)(std::string_view) : {&sectionsAndLines, &linesOf}) {
+    for (Parts (*const parted)(std::string_view) : {&wholeSections, &sectionsAndLines, &linesOf}) {
         const Parts parts = parted(after);
         const auto back = replacements(parts, parted(before));
         const auto since = replacements(parts, parted(now));

@@ -3,6 +3,7 @@
 #include "review/HistoryEntry.h"
 
 #include <optional>
+#include <set>
 #include <string>
 
 namespace review {
@@ -13,7 +14,8 @@ namespace review {
 [[nodiscard]] std::optional<std::string> withoutChange(const std::string& now, const std::string& before,
                                                        const std::string& after);
 
-/// Whether both changes of smb.conf concern one section, or both the comments outside of sections.
-[[nodiscard]] bool touchTheSame(const FileChange& change, const FileChange& other);
+/// The names of the sections that a change of smb.conf concerns; the empty name stands for the comments
+/// outside of sections.
+[[nodiscard]] std::set<std::string> touchedSections(const FileChange& change);
 
 } // namespace review

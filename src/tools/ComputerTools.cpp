@@ -175,13 +175,14 @@ Status setComputerPassword(const DirectoryPlace& place, const std::string& user,
     std::string before = passwordHashOf(user);
     status = setOwnPassword(user, password);
     if (status.isOk()) {
-        status = ComputerPasswords::set(user, password);
+        if (isLocked(before)) {
+            // The password is meant for shares; logging in stays as the administrator wants it.
+            status = runAccountProgram({accountprogram::usermod, "--lock", "--", user});
+        }
+        status = status.isOk() ? ComputerPasswords::set(user, password) : status;
         if (!status.isOk() && !before.empty()) {
             // If this fails too, the first failure is the one to report.
             static_cast<void>(setOwnPassword(user, before, "--encrypted"));
-        } else if (status.isOk() && isLocked(before)) {
-            // The password is meant for shares; logging in stays as the administrator wants it.
-            status = runAccountProgram({accountprogram::usermod, "--lock", "--", user});
         }
     }
     platform::wipe(before);

@@ -46,7 +46,7 @@ void confirmLosses(CommandRun& run, const review::UndoPlan& plan) {
 }
 
 void undo(CommandRun& run, std::optional<std::int64_t> number) {
-    const auto plan = run.context().history.describeUndo(number);
+    const auto plan = run.context().history.describeUndo(number, review::ChangedFile::KeepsOtherSections);
     if (!plan.isOk()) {
         CommandRun::fail(plan.status().text());
     }

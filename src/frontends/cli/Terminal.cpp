@@ -46,10 +46,15 @@ class HiddenInput {
 /// Waits until there is something to read, or the input has ended. Returns false when the command is
 /// interrupted.
 bool waitForInput(int descriptor) {
+    constexpr int lookAgain = 500; // milliseconds, for a signal that came just before the wait
     pollfd input{descriptor, POLLIN, 0};
-    while (!Interruption::hasCome() && ::poll(&input, 1, -1) < 0 && errno == EINTR) {
+    while (!Interruption::hasCome()) {
+        const int ready = ::poll(&input, 1, lookAgain);
+        if (ready > 0 || (ready < 0 && errno != EINTR)) {
+            return true;
+        }
     }
-    return !Interruption::hasCome();
+    return false;
 }
 
 } // namespace

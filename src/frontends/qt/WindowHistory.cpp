@@ -167,7 +167,7 @@ void WindowHistory::nameUndo() {
 
 void WindowHistory::takeBack(std::optional<std::int64_t> number, QWidget* parent) {
     queue_.runUserEvent([&] {
-        const auto undo = history_.describeUndo(number);
+        const auto undo = history_.describeUndo(number, review::ChangedFile::KeepsOtherSections);
         if (!undo.isOk() || !undo->refusal.empty()) {
             showProblem(NSLocalizedString("Not Possible"),
                         undo.isOk() ? undo->refusal : undo.status().text());

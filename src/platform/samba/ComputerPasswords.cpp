@@ -91,7 +91,8 @@ std::string entryFile() {
     }
     const std::string backend = setting("passdb backend");
     if (backend == kind) {
-        return setting("private dir") + "/passdb.tdb";
+        const std::string folder = setting("private dir");
+        return folder.empty() ? folder : folder + "/passdb.tdb";
     }
     return backend.starts_with(std::string(kind) + ":") ? backend.substr(kind.size() + 1) : std::string();
 }

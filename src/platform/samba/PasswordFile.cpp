@@ -155,14 +155,18 @@ class Value {
     TDB_ERROR error_ = TDB_SUCCESS;
 };
 
-/// True when another program is writing. A database that is opened only for reading takes no lock, so that
-/// half a change could be read.
-bool isBeingWritten(tdb_context* database) {
+/// Whether another program has a lock that is in the way of one of this kind (F_RDLCK, F_WRLCK).
+bool isLocked(tdb_context* database, int kind) {
     struct flock lock {};
 
-    lock.l_type = F_RDLCK;
+    lock.l_type = static_cast<short>(kind);
     lock.l_whence = SEEK_SET;
     return ::fcntl(tdb_fd(database), F_GETLK, &lock) != 0 || lock.l_type != F_UNLCK;
+}
+
+/// A database that is opened only for reading takes no lock, so that half a change could be read.
+bool isBeingWritten(tdb_context* database) {
+    return isLocked(database, F_RDLCK);
 }
 
 using Database = std::unique_ptr<tdb_context, int (*)(tdb_context*)>;
@@ -185,13 +189,15 @@ Status failure(const std::string& why) {
 /// which another program is storing something, or was killed while it did.
 Result<Database> begun(const std::string& file, std::chrono::milliseconds patience) {
     const auto end = std::chrono::steady_clock::now() + patience;
+    errno = 0;
     Database database = opened(file, O_RDWR);
     if (!database && errno != ENOENT) {
-        return failure(Status::ofErrno("cannot open", file, errno).text());
+        // tdb refuses a damaged file without a system's error.
+        return failure(Status::ofErrno("cannot open", file, errno == 0 ? EIO : errno).text());
     }
-    // The first look is for programs that write without a transaction, for which tdb would wait without end.
+    // tdb itself would wait without end for a program that uses the file without a transaction.
     while (database &&
-           (isBeingWritten(database.get()) || tdb_transaction_start_nonblock(database.get()) != 0)) {
+           (isLocked(database.get(), F_WRLCK) || tdb_transaction_start_nonblock(database.get()) != 0)) {
         if (std::chrono::steady_clock::now() > end) {
             return failure("another program is using Samba's password database; try again later");
         }
@@ -260,7 +266,14 @@ Status moveInPasswordFile(const std::string& file, const std::string& user, cons
     if (!database.isOk() || *database == nullptr || !hasKnownVersion(database->get())) {
         return database.status();
     }
-    const bool isDone = move(database->get(), user, newName) && tdb_transaction_commit(database->get()) == 0;
+    const bool isMoved = move(database->get(), user, newName);
+    // Programs that read what is being replaced are waited for, and no longer than those that write.
+    const auto end = std::chrono::steady_clock::now() + patience;
+    while (isLocked(database->get(), F_WRLCK) && std::chrono::steady_clock::now() < end) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    }
+    const bool isDone =
+        isMoved && !isLocked(database->get(), F_WRLCK) && tdb_transaction_commit(database->get()) == 0;
     return isDone ? Status() : notMoved(file, user);
 }
 
