@@ -258,10 +258,12 @@ TEST_P(OneUndo, OfAShareLeavesTheOtherSectionsAsTheyAreNow) {
     }
     const std::string made = conf();
     EXPECT_EQ(undo(1), "");
+    EXPECT_EQ(undo(3), "") << "the last section";
+    EXPECT_EQ(undo(5), "");
     const std::string kept = conf();
     EXPECT_EQ(kept, made.substr(made.find("[Films]")));
     writeConf(kept + "comment = Songs\n");
-    EXPECT_NE(undo(3), "") << "that section was changed by hand";
+    EXPECT_NE(undo(6), "") << "that section was changed by hand";
     EXPECT_EQ(undo(2), "");
     EXPECT_EQ(undo(4), "") << "and Docs is shared again";
     for (const char* text : {"[Docs]", "[Music]", "comment = Songs"}) {

@@ -15,11 +15,10 @@ namespace review {
 
 namespace {
 
-/// The lines of a text; or each section, from its header to its last line that is not blank, and each other
-/// line.
+/// The lines of a text; or its sections, each with all that follows its header, and the lines before the
+/// first.
 using Parts = std::vector<std::string_view>;
 
-/// The sections with all that follows each of them, and the lines before the first.
 Parts wholeSections(std::string_view text) {
     Parts parts;
     bool isInSection = false;
@@ -37,29 +36,11 @@ Parts wholeSections(std::string_view text) {
     return parts;
 }
 
-/// Lines alone would do for most changes. But sections are much alike, so that the lines of a new one may
-/// seem to stand in the middle of the next.
-Parts sectionsAndLines(std::string_view text) {
-    Parts parts;
-    Parts blank;
-    bool isInSection = false;
-    for (const std::string_view line : linesOf(text)) {
-        const std::size_t begin = line.find_first_not_of(" \t\r");
-        if (begin == std::string_view::npos) {
-            blank.push_back(line);
-            continue;
-        }
-        if (isInSection && line[begin] != '[') {
-            const char* start = parts.back().data();
-            parts.back() = {start, static_cast<std::size_t>(line.data() + line.size() - start)};
-        } else {
-            parts.insert(parts.end(), blank.begin(), blank.end());
-            parts.push_back(line);
-            isInSection = isInSection || line[begin] == '[';
-        }
-        blank.clear();
+/// The same without the blank lines at each part's end: the last section has fewer than the others.
+Parts withoutBlankEnds(Parts parts) {
+    for (std::string_view& part : parts) {
+        part = part.substr(0, part.find_last_not_of(" \t\r\n") + 1);
     }
-    parts.insert(parts.end(), blank.begin(), blank.end());
     return parts;
 }
 
@@ -67,52 +48,54 @@ Parts sectionsAndLines(std::string_view text) {
 struct Replacement {
     std::size_t begin = 0;
     std::size_t end = 0;
-    std::vector<std::string> parts;
+    Parts parts;
+    bool isSince = false; ///< made after the change that is taken back
 };
 
 /// What makes `to` of `from`, in order. Between two replacements at least one part stays.
-std::vector<Replacement> replacements(const Parts& from, const Parts& to) {
+std::vector<Replacement> replacements(const Parts& from, const Parts& to, bool isSince) {
     std::vector<Replacement> all;
     std::size_t inFrom = 0;
     std::size_t inTo = 0;
-    for (LineChange& change : lineChanges(from, to)) {
+    for (const LineChange& change : lineChanges(withoutBlankEnds(from), withoutBlankEnds(to))) {
         const bool goes = change.kind == LineChange::Kind::Goes;
         const std::size_t staying = change.number - 1 - (goes ? inFrom : inTo);
         inFrom += staying;
         inTo += staying;
         if (all.empty() || all.back().end != inFrom) {
-            all.push_back({inFrom, inFrom, {}});
+            all.push_back({inFrom, inFrom, {}, isSince});
         }
         if (goes) {
             all.back().end = ++inFrom;
         } else {
-            all.back().parts.push_back(std::move(change.line));
-            ++inTo;
+            all.back().parts.push_back(to[inTo++]);
         }
     }
     return all;
 }
 
-/// Makes the replacements in `parts`, which are in order; none when two of them concern the same parts.
-std::optional<std::string> replaced(const Parts& parts, const std::vector<Replacement>& all) {
+/// Makes the replacements, which are in order and count the parts as the change left them. What they leave
+/// alone is copied from `now`. None when two of them concern the same parts.
+std::optional<std::string> replaced(const Parts& now, const std::vector<Replacement>& all) {
     std::string text;
-    std::size_t next = 0;
-    const auto copyUntil = [&](std::size_t end) {
-        for (; next < end; ++next) {
-            text.append(parts[next]).append("\n");
-        }
-    };
+    std::size_t next = 0;  // as the change left it
+    std::size_t inNow = 0; // the same part
     for (const Replacement& each : all) {
         if (each.begin < next) {
             return std::nullopt;
         }
-        copyUntil(each.begin);
-        for (const std::string& part : each.parts) {
+        for (; next < each.begin; ++next) {
+            text.append(now[inNow++]).append("\n");
+        }
+        for (const std::string_view part : each.parts) {
             text.append(part).append("\n");
         }
         next = each.end;
+        inNow += each.isSince ? each.parts.size() : each.end - each.begin;
     }
-    copyUntil(parts.size());
+    for (; inNow < now.size(); ++inNow) {
+        text.append(now[inNow]).append("\n");
+    }
     return text;
 }
 
@@ -177,10 +160,13 @@ std::optional<std::string> withoutChange(const std::string& now, const std::stri
             wanted[name] = found->second;
         }
     }
-    for (Parts (*const parted)(std::string_view) : {&wholeSections, &sectionsAndLines, &linesOf}) {
-        const Parts parts = parted(after);
-        const auto back = replacements(parts, parted(before));
-        const auto since = replacements(parts, parted(now));
+    // Sections are much alike: of their lines alone, those of a new one may seem to stand in the middle of
+    // the next.
+    for (Parts (*const parted)(std::string_view) : {&wholeSections, &linesOf}) {
+        const Parts left = parted(after);
+        const Parts parts = parted(now);
+        const auto back = replacements(left, parted(before), false);
+        const auto since = replacements(left, parts, true);
         // Where both put parts at the same place, a comment may belong to the section above or below it.
         for (const auto& [first, second] : {std::pair(back, since), std::pair(since, back)}) {
             std::vector<Replacement> all = first;
