@@ -272,6 +272,8 @@ void QtPresenter::useReviewer(review::Reviewer& reviewer) {
         });
         watchLog();
         status_ = new WindowStatus(activity_, *window, *actions_.front(), *queue_); // the same
+        saved_ =
+            status_->saved.connect([this](const std::string& operation) { edits_->noteSaved(operation); });
         status_->setSections([&reviewer](const std::string& name) { return reviewer.hasSection(name); });
         const auto& computer = platform::Host::current().services().computer;
         auto* tabs = actions_.front()->find<NSTabView>(pagesOfWindow);
@@ -293,8 +295,6 @@ void QtPresenter::useHistory(const review::History& history) {
         auto* changes = new WindowHistory(history, *reviewer_, *edits_, *window, *menu,
                                           *queue_); // the window's child
         changes->setAllowed([this](std::size_t runs) { beginProgress({}, runs); });
-        saved_ =
-            status_->saved.connect([this](const std::string& operation) { edits_->noteSaved(operation); });
         progress_->setStop([&history](bool madeStill) { history.stopAction(madeStill); });
         status_->useHistory(history, *menu,
                             [changes, window](std::int64_t number) { changes->takeBack(number, window); });
