@@ -92,19 +92,21 @@ void writeReady(FileDescriptor& to, std::string_view& bytes) {
     }
 }
 
+constexpr auto noDeadline = steady_clock::time_point::max();
+
 /// The time left until a deadline, in the form that poll(2) takes: -1 without one.
-int pollTime(std::optional<steady_clock::time_point> deadline) {
-    if (!deadline) {
+int pollTime(steady_clock::time_point deadline) {
+    if (deadline == noDeadline) {
         return -1;
     }
-    const auto left = std::chrono::ceil<std::chrono::milliseconds>(*deadline - steady_clock::now());
+    const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - steady_clock::now());
     return static_cast<int>(std::clamp<long long>(left.count(), 0, std::numeric_limits<int>::max()));
 }
 
 /// Writes to and reads from the child's pipes until the child has ended and all that it wrote is read.
 /// Returns false, with errno set, when the deadline comes first or the child writes too much.
 bool converse(ChildProcess& child, std::string_view input, FinishedProcess& finished,
-              std::optional<steady_clock::time_point> deadline) {
+              steady_clock::time_point deadline) {
     // Not open on a system without pidfd_open; a child that has closed its outputs is then waited for without
     // a limit, and one that has left programs behind as long as those hold its outputs open.
     FileDescriptor end = openProcess(child.id);
@@ -226,7 +228,7 @@ Result<int> waitForProcess(pid_t process) {
 
 Result<FinishedProcess> runProcess(const Command& command, std::string_view input,
                                    std::optional<std::chrono::milliseconds> timeLimit) {
-    const auto deadline = timeLimit ? std::optional(steady_clock::now() + *timeLimit) : std::nullopt;
+    const auto deadline = timeLimit ? steady_clock::now() + *timeLimit : noDeadline;
     const IgnoredBrokenPipe ignored;
     auto child = startProcess(command);
     if (!child.isOk()) {
