@@ -223,6 +223,9 @@ int SMBConf::writeSMBConfFile() {
         }
         // While the user looked for the password, somebody else may have changed the file.
         if (!writeTemporary()) {
+            if (const auto status = removeFileAtPath(temporary); !status.isOk()) {
+                NSLog("%@ could not be removed: %@", temporary, status.why());
+            }
             return notWritten;
         }
     }
