@@ -239,18 +239,6 @@ TEST_F(Commands, SayWhenTheirWordsOrTheHistoryAreLost) {
     EXPECT_EQ(runProgram({"sh", "-c", line + " >&-"}, "", {"HOME=" + test_.home().string()}).status, 1);
 }
 
-TEST_F(Commands, KeepInTheHistoryWhatTheyDidBeforeTheyWereStopped) {
-    std::size_t made = 0;
-    for (const char* seconds : {"0.1", "0.15", "0.2", "0.25", "0.3"}) {
-        const std::string line = std::string("timeout ") + seconds +
-                                 " " BRINDLE_PROGRAMS "/brindle users add u" + (seconds + 2) +
-                                 " --no-password --yes --root " + (test_.root() / "computer").string();
-        static_cast<void>(runProgram({"sh", "-c", line}, "", {"HOME=" + test_.home().string()}));
-        made += command(std::string("users show u") + (seconds + 2)).status == 0;
-    }
-    EXPECT_GE(answer("history")["history"].size(), made) << "a user who is half made is there, too";
-}
-
 TEST_F(Commands, LeaveNoUserWithoutThePasswordThatWasGiven) {
     const std::string add = "users add ann --password-stdin --yes";
     EXPECT_EQ(answer(add, 1, "\n")["error"]["status"], 1);

@@ -1,4 +1,6 @@
 #include "directory/DirectoryView.h"
+#include "frontends/cli/CommandPresenter.h"
+#include "frontends/cli/Interruption.h"
 #include "platform/foundation/Host.h"
 #include "platform/foundation/SystemPaths.h"
 #include "platform/posix/FileDescriptor.h"
@@ -7,10 +9,12 @@
 #include "support/DrawnState.h"
 
 #include <array>
+#include <csignal>
 #include <set>
 
 #include <fcntl.h>
 #include <sys/file.h>
+#include <unistd.h>
 
 namespace {
 
@@ -262,16 +266,37 @@ TEST_P(OneUndo, OfAShareLeavesTheOtherSectionsAsTheyAreNow) {
     EXPECT_EQ(undo(5), "");
     const std::string kept = conf();
     EXPECT_EQ(kept, made.substr(made.find("[Films]")));
-    writeConf(kept + "comment = Songs\n");
+    const std::size_t music = kept.find("[Music]");
+    writeConf(kept.substr(0, music) + "# by hand\n\n" + kept.substr(music) + "comment = Songs\n");
     EXPECT_NE(undo(6), "") << "that section was changed by hand";
     EXPECT_EQ(undo(2), "");
     EXPECT_EQ(undo(4), "") << "and Docs is shared again";
-    for (const char* text : {"[Docs]", "[Music]", "comment = Songs"}) {
+    for (const char* text : {"[Docs]", "# by hand", "[Music]", "comment = Songs"}) {
         EXPECT_NE(conf().find(text), std::string::npos) << conf();
     }
     EXPECT_EQ(conf().find("[Films]"), std::string::npos);
     const auto inScript = history->describeUndo(2);
     EXPECT_NE(inScript->refusal, "") << "for scripts the whole file counts";
+}
+
+TEST_P(OneUndo, KnowsWhatACommandDidBeforeASignalStoppedIt) {
+    beginWithHistory();
+    const auto interrupted = [this] {
+        frontend::Interruption interruption;
+        interruption.begin();
+        frontend::CommandPresenter presenter(true);
+        presenter.stopWith(*history);
+        host.onRun = [&](const RecordedRun& run) {
+            ::raise(SIGTERM);
+            presenter.toolWillRun(run.tool, run.arguments); // the next one, which is not made
+            return carryOutAll(run);
+        };
+        addGroup("crew", "7200");
+        if (host.runs.size() != 1 || newest() != 1) {
+            ::_exit(1); // before the signal that was held back ends this process
+        }
+    };
+    EXPECT_EXIT(interrupted(), testing::KilledBySignal(SIGTERM), "");
 }
 
 TEST_P(OneUndo, ThatWasGivenUpHalfWayHasFailedAndIsRepeatedAsPlanned) {

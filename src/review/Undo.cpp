@@ -119,9 +119,9 @@ class UndoPlanner {
     }
 
     /// Refuses because `what` is neither as the entry left it nor as it was before the entry.
-    template <class Touches>
-    void refuseChanged(const std::string& what, Touches touches) {
-        if (const std::string names = laterChanges(touches); !names.empty()) {
+    /// `names` are the later changes that have touched it.
+    void refuseChanged(const std::string& what, const std::string& names) {
+        if (!names.empty()) {
             refuseForLater(names);
             return;
         }
@@ -140,10 +140,10 @@ class UndoPlanner {
             return;
         }
         if (!isSameRecord(now, record.after)) {
-            refuseChanged(record.path, [&](const HistoryEntry& later) {
-                return std::ranges::find(later.records, record.path, &RecordChange::path) !=
-                       later.records.end();
-            });
+            refuseChanged(record.path, laterChanges([&](const HistoryEntry& later) {
+                              return std::ranges::find(later.records, record.path, &RecordChange::path) !=
+                                     later.records.end();
+                          }));
             return;
         }
         noteServers(record);
@@ -263,16 +263,13 @@ class UndoPlanner {
             return std::ranges::find(later.files, file.path, &FileChange::path) != later.files.end();
         };
         const auto touches = [&](const HistoryEntry& later) {
-            return writes(later) &&
-                   std::ranges::any_of(
-                       touchedSections(*std::ranges::find(later.files, file.path, &FileChange::path)),
-                       [&](const std::string& name) { return touched.contains(name); });
+            const auto found = std::ranges::find(later.files, file.path, &FileChange::path);
+            return found != later.files.end() &&
+                   std::ranges::any_of(touchedSections(*found),
+                                       [&](const std::string& name) { return touched.contains(name); });
         };
-        if (isMerged && !laterChanges(touches).empty()) {
-            refuseChanged(real, touches);
-        } else {
-            refuseChanged(real, writes);
-        }
+        const std::string names = touched.empty() ? std::string() : laterChanges(touches);
+        refuseChanged(real, names.empty() ? laterChanges(writes) : names);
     }
 
     void planFolder(const FolderStep& folder) {
@@ -295,10 +292,10 @@ class UndoPlanner {
         if (!is(now->owner, folder.before.owner, folder.after.owner) ||
             !is(now->group, folder.before.group, folder.after.group) ||
             !is(now->mode, folder.before.mode, folder.after.mode)) {
-            refuseChanged(folder.path, [&](const HistoryEntry& later) {
-                return std::ranges::find(later.folders, folder.path, &FolderStep::path) !=
-                       later.folders.end();
-            });
+            refuseChanged(folder.path, laterChanges([&](const HistoryEntry& later) {
+                              return std::ranges::find(later.folders, folder.path, &FolderStep::path) !=
+                                     later.folders.end();
+                          }));
             return;
         }
         if (now->owner != folder.before.owner || now->group != folder.before.group) {

@@ -5,9 +5,11 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <iterator>
 #include <map>
 #include <set>
 #include <string_view>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -15,18 +17,22 @@ namespace review {
 
 namespace {
 
-/// The lines of a text; or its sections, each with all that follows its header, and the lines before the
-/// first.
+/// The parts of a text: its sections, the comments that a blank line sets apart from them, each with all that
+/// follows it, and the lines before the first section. Of lines alone, those of a new section may seem to
+/// stand in the middle of the next: sections are much alike.
 using Parts = std::vector<std::string_view>;
 
-Parts wholeSections(std::string_view text) {
+Parts partsOf(std::string_view text) {
     Parts parts;
     bool isInSection = false;
+    bool isAfterBlank = false;
     for (const std::string_view line : linesOf(text)) {
         const std::size_t begin = line.find_first_not_of(" \t\r");
-        const bool isHeader = begin != std::string_view::npos && line[begin] == '[';
-        isInSection = isInSection || isHeader;
-        if (isInSection && !isHeader) {
+        const char first = begin == std::string_view::npos ? '\0' : line[begin];
+        const bool isApart = isAfterBlank && (first == '#' || first == ';');
+        isInSection = isInSection || first == '[';
+        isAfterBlank = first == '\0';
+        if (isInSection && first != '[' && !isApart) {
             const char* start = parts.back().data();
             parts.back() = {start, static_cast<std::size_t>(line.data() + line.size() - start)};
         } else {
@@ -99,14 +105,22 @@ std::optional<std::string> replaced(const Parts& now, const std::vector<Replacem
     return text;
 }
 
-/// The sections by name; the comments outside of them have none.
+/// What the sections set, by their names, and whether each is commented out. Comments that somebody has added
+/// are no reason to keep a section; whatever is copied keeps its own.
 using Sections = std::map<std::string, std::string>;
 
 Sections sectionsOf(const std::string& text) {
     Sections sections;
     const auto conf = SMBConf::ofText(text);
     for (const auto& entry : conf->Entries()) {
-        entry->appendTo(sections[entry->isUnnamed() ? "" : entry->ShareName().str()]);
+        if (!entry->isSection()) {
+            continue;
+        }
+        std::string& section = sections[entry->ShareName().str()];
+        section += entry->Type() == SMBGroup ? "[]\n" : ";[]\n";
+        for (const SMBPair& pair : entry->Props()) {
+            section.append(pair.Name.view()).append("=").append(pair.Value.view()).append("\n");
+        }
     }
     return sections;
 }
@@ -146,10 +160,10 @@ std::optional<std::string> withoutChange(const std::string& now, const std::stri
             return sectionIn(wanted, name) == sectionIn(sections, name);
         });
     };
-    if (touched.empty() || isAs(sectionsBefore)) {
-        return touched.empty() ? std::nullopt : std::optional(now);
+    if (!touched.empty() && isAs(sectionsBefore)) {
+        return now;
     }
-    if (!isAs(sectionsAfter)) {
+    if (touched.empty() || !isAs(sectionsAfter)) {
         return std::nullopt;
     }
     for (const std::string& name : touched) {
@@ -160,25 +174,15 @@ std::optional<std::string> withoutChange(const std::string& now, const std::stri
             wanted[name] = found->second;
         }
     }
-    // Sections are much alike: of their lines alone, those of a new one may seem to stand in the middle of
-    // the next.
-    for (Parts (*const parted)(std::string_view) : {&wholeSections, &linesOf}) {
-        const Parts left = parted(after);
-        const Parts parts = parted(now);
-        const auto back = replacements(left, parted(before), false);
-        const auto since = replacements(left, parts, true);
-        // Where both put parts at the same place, a comment may belong to the section above or below it.
-        for (const auto& [first, second] : {std::pair(back, since), std::pair(since, back)}) {
-            std::vector<Replacement> all = first;
-            all.insert(all.end(), second.begin(), second.end());
-            std::ranges::stable_sort(all, {}, &Replacement::begin);
-            auto text = replaced(parts, all);
-            if (text && sectionsOf(*text) == wanted) {
-                return text;
-            }
-        }
-    }
-    return std::nullopt;
+    const Parts left = partsOf(after);
+    const Parts parts = partsOf(now);
+    auto all = replacements(left, partsOf(before), false);
+    std::ranges::move(replacements(left, parts, true), std::back_inserter(all));
+    // At the same place what has been put in since comes first, such as a comment at the top of the file.
+    std::ranges::sort(
+        all, {}, [](const Replacement& each) { return std::tuple(each.begin, each.end, !each.isSince); });
+    auto text = replaced(parts, all);
+    return text && sectionsOf(*text) == wanted ? text : std::nullopt;
 }
 
 } // namespace review

@@ -14,8 +14,7 @@ namespace review {
 [[nodiscard]] std::optional<std::string> withoutChange(const std::string& now, const std::string& before,
                                                        const std::string& after);
 
-/// The names of the sections that a change of smb.conf concerns; the empty name stands for the comments
-/// outside of sections.
+/// The names of the sections whose settings a change of smb.conf concerns.
 [[nodiscard]] std::set<std::string> touchedSections(const FileChange& change);
 
 } // namespace review
