@@ -251,7 +251,7 @@ TEST_F(Surprises, GuestsWhoMayWriteAndManyAccountsAreReported) {
     choose("everyonePrivs", 0);
     std::filesystem::remove_all(host.home());
     EXPECT_EQ(warningsOf("createShare:"), "home-unwritable read-only-section");
-    reviewer->setGivesAdvice(false);
+    reviewer->setServesPerson(false);
     EXPECT_EQ(warningsOf("createShare:"), "");
     for (int user = 0; user < 20; ++user) {
         addUser("u" + std::to_string(user), std::to_string(600 + user));

@@ -1,6 +1,7 @@
 #include "access/AccessCheck.h"
 #include "access/HiddenSection.h"
 #include "model/ServerSettings.h"
+#include "platform/foundation/Host.h"
 #include "platform/foundation/NSBundle.h"
 #include "platform/foundation/NSString.h"
 #include "platform/posix/LetterCase.h"
@@ -9,8 +10,6 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <chrono>
-#include <sstream>
 
 #include <sys/stat.h>
 
@@ -31,15 +30,10 @@ bool mayBeUserShare(const std::string& name, std::string folder) {
 
 } // namespace
 
-bool serverStartsWith(const std::string& text, bool isOfRoot) {
-    constexpr std::chrono::seconds limit{5};
-    std::istringstream lines(text);
-    std::string kept;
-    for (std::string line; std::getline(lines, line);) {
-        kept += isOfRoot && platform::isShareSecurity(line) ? "\n" : line + "\n";
-    }
-    const auto run = platform::runTestparm(kept, limit);
-    return !run.isOk() || run->errors.find("Error loading services") == std::string::npos;
+Server serverWith(const SMBConf& conf, bool isOfRoot) {
+    const std::string& text = conf.textOnDisk();
+    return {platform::Host::current().paths().map(conf.Path()), isOfRoot,
+            platform::serverStartsWith(isOfRoot ? platform::withoutShareSecurity(text) : text)};
 }
 
 std::optional<Reason> AccessCheck::hiddenReason(const std::string& share) const {
@@ -64,13 +58,7 @@ std::optional<Reason> AccessCheck::serverReason() const {
                       NSLocalizedString("On the SMB page, choose the security level \"User\".")};
     }
     if (!server_.starts) {
-        return Reason{
-            "server-does-not-start",
-            NSLocalizedString(
-                "The SMB server does not start with smb.conf as it is, and one that runs takes up no "
-                "change: \"Check This Computer…\" (brindle doctor) names the line at fault."),
-            server_.file,
-            {}};
+        return Reason{"server-does-not-start", NSLocalizedString(serverDoesNotStart), server_.file, {}};
     }
     return std::nullopt;
 }

@@ -135,7 +135,9 @@ bool AccessCheck::findShare(Visit& visit) {
             section(visit), editRemedy("available"));
     }
     if (!canBeReached(share.name())) {
-        return visit.refuse("unreachable", nameNotReached(share.name()), section(visit));
+        return visit.refuse("unreachable",
+                            stringWithFormat(NSLocalizedString(nameNotReached), std::string(share.name())),
+                            section(visit));
     }
     if (share.text("path").empty()) {
         return visit.refuse(
@@ -297,7 +299,8 @@ bool AccessCheck::walkTo(Visit& visit) {
     }
     const auto missing = [&](const std::string& place) {
         if (isThereAsWritten()) {
-            return visit.refuse("unreachable", folderNotFound(written), section(visit));
+            return visit.refuse("unreachable", stringWithFormat(NSLocalizedString(folderNotFound), written),
+                                section(visit));
         }
         return visit.refuse(
             "folder-missing",

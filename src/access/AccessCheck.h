@@ -21,9 +21,9 @@ struct Server {
     bool starts = true; ///< false if it is known not to start with that file
 };
 
-/// Whether the server starts with that text in its smb.conf. Runs testparm, which may take a few seconds;
-/// true if there is no answer.
-[[nodiscard]] bool serverStartsWith(const std::string& text, bool isOfRoot);
+/// The SMB server of this computer, or of a root, with smb.conf as `conf` read it. Finds out whether it
+/// starts, which may take a few seconds.
+[[nodiscard]] Server serverWith(const SMBConf& conf, bool isOfRoot);
 
 /// Says what a user or the guest may do with a share, and what prevents the rest. It checks in the SMB
 /// server's own order: the log-on, the share's settings, the folders down to the shared one. It only reads,

@@ -192,14 +192,17 @@ void Examiner::examineSections() {
     }
     for (const auto& [name, path, isOffered] : sections_) {
         const std::string folder(withoutQuotes(path));
-        const bool isFound = isTakenLiterally(folder) || !fs::is_directory(folder, error);
-        if (isOffered && !(isFound && canBeReached(name))) {
+        if (isOffered && !isTakenLiterally(folder) && fs::is_directory(folder, error)) {
             find({.code = "unreachable",
-                  .text = isFound ? nameNotReached(name) : folderNotFound(folder),
+                  .text = stringWithFormat(NSLocalizedString(folderNotFound), folder),
                   .where = section(name),
-                  .remedy = isFound                   ? std::string()
-                            : recorded.contains(path) ? movePatternOfBoth(name)
-                                                      : movePattern(name),
+                  .remedy = recorded.contains(path) ? movePatternOfBoth(name) : movePattern(name),
+                  .share = name});
+        } else if (isOffered && !canBeReached(name)) {
+            find({.code = "unreachable",
+                  .text = stringWithFormat(NSLocalizedString(nameNotReached), name),
+                  .where = section(name),
+                  .remedy = {},
                   .share = name});
         }
         if (path.empty() && complete.contains(platform::lowercased(name))) {

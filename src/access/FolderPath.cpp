@@ -1,8 +1,6 @@
 #include "access/FolderPath.h"
 
 #include "model/ServerSettings.h"
-#include "platform/foundation/NSBundle.h"
-#include "platform/foundation/NSString.h"
 
 #include <array>
 #include <cerrno>
@@ -28,7 +26,9 @@ std::optional<std::string> expandedPath(std::string_view path, const std::string
         }
         const char variable = index + 1 < path.size() ? path[index + 1] : '\0';
         if (path[index] != '%' || !isServerVariable(variable)) {
-            result += path[index] == ' ' && result.ends_with(' ') ? "" : std::string(1, path[index]);
+            if (path[index] != ' ' || !result.ends_with(' ')) {
+                result += path[index];
+            }
             continue;
         }
         ++index;
@@ -41,19 +41,6 @@ std::optional<std::string> expandedPath(std::string_view path, const std::string
         }
     }
     return result;
-}
-
-std::string nameNotReached(const std::string& share) {
-    return stringWithFormat(
-        NSLocalizedString("No computer can connect to a share called \"%@\": choose another name."), share);
-}
-
-std::string folderNotFound(const std::string& folder) {
-    return stringWithFormat(
-        NSLocalizedString(
-            "The SMB server does not find the folder \"%@\": it takes a %% and the letter after "
-            "it for a variable, and several blanks for one."),
-        folder);
 }
 
 FolderWalk::FolderWalk(std::string_view path) {

@@ -13,10 +13,6 @@ namespace accesscheck {
 [[nodiscard]] std::optional<std::string> expandedPath(std::string_view path, const std::string& share,
                                                       const std::string& user);
 
-// What to say of a share that nobody reaches, although it and its folder are there (see ServerSettings.h).
-[[nodiscard]] std::string nameNotReached(const std::string& share);
-[[nodiscard]] std::string folderNotFound(const std::string& folder);
-
 /// The folders that a process passes on its way to a folder, "/" first and the folder itself last. Links are
 /// followed as the kernel does.
 class FolderWalk {

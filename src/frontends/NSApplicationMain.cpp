@@ -18,6 +18,7 @@
 #include "platform/host/InstalledFiles.h"
 #include "platform/host/SystemHost.h"
 #include "platform/posix/InputOutput.h"
+#include "platform/posix/ProcessTable.h"
 #include "platform/posix/Secret.h"
 #include "platform/posix/TemporaryFolder.h"
 #include "platform/samba/EmbeddedServer.h"
@@ -209,9 +210,7 @@ frontend::ShareServer shareServer(const Options& options, const Result<Server>& 
     }
     if (*server) {
         const std::string address = (*server)->address();
-        const auto runs = [process = (*server)->processId()] {
-            return ::kill(process, 0) == 0 || errno != ESRCH;
-        };
+        const auto runs = [process = (*server)->processId()] { return platform::isRunning(process); };
         return {address, stringWithFormat(NSLocalizedString("SMB server at %@"), address), false, runs};
     }
     if (options.host.system) {
@@ -339,8 +338,7 @@ Result<int> runCommand(const Options& options) {
         }
         application.launch();
         application.reviewer()->setQuestion(&review::Reviewer::askAboutWarnings);
-        application.reviewer()->setRefusesWithoutDirectory(true);
-        application.reviewer()->setGivesAdvice(true);
+        application.reviewer()->setServesPerson(true);
     }
     presenter->begin();
     if (command.kind == frontend::CommandKind::Writing) {

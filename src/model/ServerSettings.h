@@ -35,6 +35,16 @@
 /// or with one blank for several.
 [[nodiscard]] bool isTakenLiterally(std::string_view path);
 
+// What is said where that is not so, or where the server does not start: keys of the string table.
+inline constexpr const char* nameNotReached =
+    "No computer can connect to a share called \"%@\": choose another name.";
+inline constexpr const char* folderNotFound = "The SMB server does not find the folder \"%@\": it takes a %% "
+                                              "and the letter after it for a variable, and several "
+                                              "blanks for one.";
+inline constexpr const char* serverDoesNotStart = "The SMB server does not start with smb.conf as it is, and "
+                                                  "one that runs takes up no change: \"Check This "
+                                                  "Computer…\" (brindle doctor) names the line at fault.";
+
 /// A setting as the server finds it in a section.
 struct ServerSetting {
     const SMBPair* pair = nullptr; ///< as written in the file

@@ -184,8 +184,8 @@ bool hasGoneWrong(const HistoryEntry& entry) {
     return entry.hasFailed && (entry.undoes != 0 || std::ranges::any_of(entry.runs, isFailure));
 }
 
-const char* outcomeOf(const HistoryEntry& entry) {
-    return entry.isUndone ? "undone" : (entry.hasFailed || entry.isDamaged ? "failed" : "done");
+const char* outcomeOf(const HistoryEntry& entry, bool hasFailed) {
+    return entry.isUndone ? "undone" : (hasFailed || entry.isDamaged ? "failed" : "done");
 }
 
 std::string timeOf(const HistoryEntry& entry) {

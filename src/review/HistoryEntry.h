@@ -80,7 +80,13 @@ struct HistoryEntry {
 /// that only found nothing to do.
 [[nodiscard]] bool hasGoneWrong(const HistoryEntry& entry);
 /// "done", "failed" or "undone"; "failed" for a damaged entry.
-[[nodiscard]] const char* outcomeOf(const HistoryEntry& entry);
+[[nodiscard]] const char* outcomeOf(const HistoryEntry& entry, bool hasFailed);
+
+/// The same as the tools mean it, for scripts.
+[[nodiscard]] inline const char* outcomeOf(const HistoryEntry& entry) {
+    return outcomeOf(entry, entry.hasFailed);
+}
+
 /// The entry's time in UTC: "2026-11-25T14:03:07Z".
 [[nodiscard]] std::string timeOf(const HistoryEntry& entry);
 /// A title, in the user's language, that says what an action other than an undo has done: `Share "Docs"

@@ -134,7 +134,7 @@ OSStatus Recorder::execute(platform::AuthorizationSession& session, const std::s
     run.hasFailed = status != errAuthorizationSuccess;
     if (!run.hasFailed && output != nullptr) {
         run.output = *output;
-        run.hasFailed = !output->empty(); // a tool that writes something has failed
+        run.hasFailed = !output->empty(); // as scripts are told; see hasGoneWrong()
     }
     setsPassword_ = setsPassword_ || (tool == systempath::dscl && !run.hasFailed);
     entry_.hasFailed = entry_.hasFailed || run.hasFailed;

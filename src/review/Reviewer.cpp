@@ -76,7 +76,7 @@ BRController& Reviewer::controller() const {
 }
 
 Plan Reviewer::planPress(const NSControl& control) const {
-    return advised(planControl(main_, control, [](NSControl& copy) {
+    return withItsWarnings(planControl(main_, control, [](NSControl& copy) {
         if (auto* button = dynamic_cast<NSButton*>(&copy)) {
             button->performClick();
         } else {
@@ -86,12 +86,12 @@ Plan Reviewer::planPress(const NSControl& control) const {
 }
 
 Plan Reviewer::planAction(const NSControl& control) const {
-    return advised(planControl(main_, control, [](NSControl& copy) { copy.sendAction(); }));
+    return withItsWarnings(planControl(main_, control, [](NSControl& copy) { copy.sendAction(); }));
 }
 
-Plan Reviewer::advised(Plan plan) const {
-    if (!givesAdvice_) {
-        std::erase_if(plan.warnings, &isAdvice);
+Plan Reviewer::withItsWarnings(Plan plan) const {
+    if (!servesPerson_) {
+        std::erase_if(plan.warnings, &isForPersonsOnly);
     }
     return plan;
 }
@@ -217,7 +217,7 @@ bool Reviewer::mayPerform(const NSControl& sender) const {
     while (true) {
         Plan plan = question_ ? planAction(sender) : planSteps(sender);
         // Deleting may always be tried.
-        if (plan.lacksDirectory && refusesWithoutDirectory_ && !operation->removes) {
+        if (plan.lacksDirectory && servesPerson_ && !operation->removes) {
             plan.blocks.push_back({"directory", plan.failure});
         }
         if (plan.blocks.empty()) {
@@ -243,7 +243,7 @@ bool Reviewer::isStillTrue(const Plan& plan) const {
     const auto isSame = [](const char* file, const std::string& before) {
         return contentsOfFile(file).valueOr("") == before;
     };
-    return !givesAdvice_ || !plan.failure.empty() ||
+    return !servesPerson_ || !plan.failure.empty() ||
            (isSame(platform::systempath::smbConf, plan.smbConfBefore) &&
             isSame(platform::systempath::appleFileServer, plan.afpBefore));
 }

@@ -77,14 +77,12 @@ class Reviewer {
     /// Sets what shows why a blocked action cannot be done; initially the alert "Not Possible".
     void setBlockedHandler(Handler handler) { showBlocked_ = std::move(handler); }
 
-    /// Whether an action that makes or changes something is refused while the directory cannot be read.
-    /// Planning has then already waited for it, and every run would wait again and fail. Initially false: the
-    /// tools report it.
-    void setRefusesWithoutDirectory(bool refuses) { refusesWithoutDirectory_ = refuses; }
-
-    /// Whether plans have warnings of what is merely seldom wanted, too. Initially false: the script language
-    /// has a fixed list of warnings, without these.
-    void setGivesAdvice(bool gives) { givesAdvice_ = gives; }
+    /// Whether a person is served. Then plans have all warnings; an action is planned and asked about again
+    /// when somebody else has written a settings file meanwhile; and one that makes or changes something is
+    /// refused while the directory cannot be read, because planning has already waited for it, and every run
+    /// would wait again and fail. Initially false, for scripts: their language has a fixed list of warnings,
+    /// and the tools report what they cannot do.
+    void setServesPerson(bool serves) { servesPerson_ = serves; }
 
     /// Sets a question that is asked before every action that writes and is not blocked, with or without
     /// warnings, and also when there is no plan (Plan::failure). If it returns false, the action is not
@@ -96,12 +94,12 @@ class Reviewer {
     [[nodiscard]] static bool askAboutWarnings(const Plan& plan);
 
   private:
-    /// The plan, without advice if none is given.
-    [[nodiscard]] Plan advised(Plan plan) const;
+    /// The plan, with the warnings for whoever is served.
+    [[nodiscard]] Plan withItsWarnings(Plan plan) const;
     [[nodiscard]] BRController& controller() const;
     [[nodiscard]] bool mayPerform(const NSControl& sender) const;
     /// Whether the settings files are still what they were when the plan was made. Somebody may have written
-    /// them while the user was asked, or while this waited for its turn. Scripts neither wait nor plan again.
+    /// them while the user was asked, or while this waited for its turn. True for scripts.
     [[nodiscard]] bool isStillTrue(const Plan& plan) const;
     /// If settings are saved line by line and somebody else has changed the file too, it now holds more than
     /// the model, so it is read again.
@@ -110,8 +108,7 @@ class Reviewer {
     const platform::Interface& main_;
     Handler showBlocked_;
     Question question_;
-    bool refusesWithoutDirectory_ = false;
-    bool givesAdvice_ = false;
+    bool servesPerson_ = false;
     mutable std::string textBefore_; ///< smb.conf as the model knew it before the action
 };
 

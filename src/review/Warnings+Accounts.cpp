@@ -157,15 +157,8 @@ void addNumberOfAccounts(const Plan& plan, std::vector<Remark>* warnings) {
 /// none.
 pid_t processOf(const std::string& uid) {
     for (const pid_t process : platform::processIds()) {
-        const std::string status = platform::kernelText("/proc/" + std::to_string(process) + "/status");
-        constexpr std::string_view line = "\nUid:";
-        const std::size_t at = status.find(line);
-        std::istringstream numbers(at == std::string::npos ? "" : status.substr(at + line.size()));
-        std::string real;
-        std::string effective;
-        std::string saved;
-        numbers >> real >> effective >> saved;
-        if ((uid == real || uid == effective || uid == saved) && !platform::isInContainer(process)) {
+        const auto numbers = platform::statusNumbersOf(process, "Uid");
+        if (std::ranges::find(numbers, uid) != numbers.end() && !platform::isInContainer(process)) {
             return process;
         }
     }

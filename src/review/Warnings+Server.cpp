@@ -34,11 +34,10 @@ std::optional<std::vector<std::string>> faultsOf(const std::string& text) {
     return faults;
 }
 
-/// A root's own server is started with a security level of its own, so that it starts with any in the file.
-bool isStartedWithoutSecurity(const std::string& text) {
-    const std::vector<std::string_view> lines = linesOf(text);
-    return platform::Host::current().services().computer == nullptr &&
-           std::ranges::any_of(lines, &platform::isShareSecurity);
+/// For a text of which testparm has said that the server does not start with it.
+bool startsAllTheSame(const std::string& text) {
+    const bool isOfRoot = platform::Host::current().services().computer == nullptr;
+    return isOfRoot && platform::serverStartsWith(platform::withoutShareSecurity(text));
 }
 
 } // namespace
@@ -60,12 +59,8 @@ void addServerWarnings(const Situation& situation, std::vector<Remark>* warnings
         if (std::ranges::find(*before, fault) == before->end()) {
             warnings->push_back(
                 remark("server-complains", "The SMB server finds fault with the new smb.conf: %@.", fault));
-        } else if (fault.starts_with("Error loading services") &&
-                   !isStartedWithoutSecurity(plan.smbConfAfter)) {
-            warnings->push_back(
-                remark("server-does-not-start",
-                       "The SMB server does not start with smb.conf as it is, and one that runs takes up no "
-                       "change: \"Check This Computer…\" (brindle doctor) names the line at fault."));
+        } else if (fault.starts_with("Error loading services") && !startsAllTheSame(plan.smbConfAfter)) {
+            warnings->push_back(remark("server-does-not-start", serverDoesNotStart));
         }
     }
 }

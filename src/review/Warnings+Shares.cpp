@@ -229,17 +229,12 @@ class ShareWarnings {
         }
         addUselessRights(*after);
         if (!canBeReached(name_)) {
-            warn("unreachable", "No computer can connect to a share called \"%@\": choose another name.",
-                 name_);
+            warn("unreachable", nameNotReached, name_);
         }
         // Whoever writes a variable on purpose has no folder of that name.
         std::error_code error;
         if (!isTakenLiterally(folder_) && std::filesystem::is_directory(folder_, error)) {
-            warn(
-                "unreachable",
-                "The SMB server does not find the folder \"%@\": it takes a %% and the letter after it for a "
-                "variable, and several blanks for one.",
-                folder_);
+            warn("unreachable", folderNotFound, folder_);
         }
         if (guestsWrite(after) && !guestsWrite(before)) {
             warn("guests-write",

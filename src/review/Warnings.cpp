@@ -41,7 +41,7 @@ constexpr auto codes = std::to_array<std::string_view>({
 });
 
 /// Those that the script language does not have.
-constexpr auto advice = std::to_array<std::string_view>({
+constexpr auto forPersonsOnly = std::to_array<std::string_view>({
     "section-keeps-folder",
     "folder-shared-twice",
     "read-only-section",
@@ -65,8 +65,8 @@ bool Situation::writesSMBConf() const {
     });
 }
 
-bool isAdvice(const Remark& warning) {
-    return std::ranges::find(advice, warning.code) != advice.end();
+bool isForPersonsOnly(const Remark& warning) {
+    return std::ranges::find(forPersonsOnly, warning.code) != forPersonsOnly.end();
 }
 
 std::vector<Remark> warningsOf(const Situation& situation) {

@@ -38,7 +38,7 @@ template <class... Arguments>
 [[nodiscard]] std::vector<Remark> warningsOf(const Situation& situation);
 
 /// Whether the warning is for people only: the script language has a fixed list.
-[[nodiscard]] bool isAdvice(const Remark& warning);
+[[nodiscard]] bool isForPersonsOnly(const Remark& warning);
 
 /// The warning that a setting of smb.conf changes although nobody touched its control. `key` is its name
 /// where neither section has it.

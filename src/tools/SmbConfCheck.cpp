@@ -16,19 +16,6 @@ namespace {
 
 constexpr auto limit = std::chrono::seconds(20);
 
-std::string withoutShareSecurity(std::string_view text) {
-    std::string kept;
-    kept.reserve(text.size());
-    while (!text.empty()) {
-        const std::size_t end = std::min(text.find('\n'), text.size() - 1) + 1;
-        if (!platform::isShareSecurity(text.substr(0, end - (text[end - 1] == '\n' ? 1 : 0)))) {
-            kept.append(text.substr(0, end));
-        }
-        text.remove_prefix(end);
-    }
-    return kept;
-}
-
 std::string firstComplaint(std::string_view said) {
     while (!said.empty()) {
         const std::string_view line = said.substr(0, said.find('\n'));
@@ -42,7 +29,7 @@ std::string firstComplaint(std::string_view said) {
 
 /// Why the server could not use the text; empty if it could. Fails when testparm did not finish.
 platform::Result<std::string> complaintAbout(std::string_view text) {
-    const auto finished = platform::runTestparm(withoutShareSecurity(text), limit);
+    const auto finished = platform::runTestparm(platform::withoutShareSecurity(text), limit);
     if (!finished.isOk()) {
         NSLog("smb.conf could not be checked: %@", finished.status().text());
         return finished.status();

@@ -44,7 +44,7 @@ class ReviewFixture : public AppFixture {
     void begin() {
         start();
         reviewer.emplace(*interface);
-        reviewer->setGivesAdvice(true);
+        reviewer->setServesPerson(true);
     }
 
     void TearDown() override { reviewer.reset(); }

@@ -3,7 +3,6 @@
 #include "frontends/cli/Interruption.h"
 #include "frontends/script/PlanText.h"
 #include "platform/appkit/NSApplication.h"
-#include "platform/foundation/Host.h"
 #include "platform/foundation/NSBundle.h"
 #include "platform/foundation/NSString.h"
 #include "review/DirectoryState.h"
@@ -131,11 +130,7 @@ void CommandRun::requireDirectory() {
 void CommandRun::requireSMBConf() const {
     const SMBConf* conf = context_.reviewer->smbConf();
     if (conf != nullptr && !conf->unreadableReason().empty()) {
-        const platform::Paths& paths = platform::Host::current().paths();
-        fail(stringWithFormat(
-            NSLocalizedString("%@ cannot be read (%@), and nothing will be saved to it.  Make "
-                              "it readable and start again."),
-            paths.shown(paths.map(conf->Path())), NSLocalizedString(conf->unreadableReason())));
+        fail(text("smbConfNotice"));
     }
 }
 

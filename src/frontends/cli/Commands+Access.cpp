@@ -2,7 +2,6 @@
 #include "access/ServerAccounts.h"
 #include "frontends/cli/CommandRun.h"
 #include "model/SMBConf.h"
-#include "platform/foundation/Host.h"
 #include "platform/foundation/NSBundle.h"
 #include "platform/foundation/NSString.h"
 
@@ -41,9 +40,7 @@ void checkAccess(CommandRun& run, const AccessOptions& options) {
     const SMBConf conf;
     const auto& root = run.context().host.root;
     accesscheck::ServerAccounts accounts(root ? std::optional<platform::SambaAccounts>(*root) : std::nullopt);
-    const std::string file = platform::Host::current().services().paths->map(conf.Path());
-    const bool starts = accesscheck::serverStartsWith(conf.textOnDisk(), root.has_value());
-    accesscheck::AccessCheck check(conf, accounts, {file, root.has_value(), starts});
+    accesscheck::AccessCheck check(conf, accounts, accesscheck::serverWith(conf, root.has_value()));
     const accesscheck::Answer answer = check.check(options.share, options.user);
 
     JSON& result = run.result();

@@ -13,20 +13,19 @@ JSON entryOf(const review::HistoryEntry& entry) {
             {"time", review::timeOf(entry)},
             {"user", entry.user},
             {"title", entry.title},
-            {"outcome", review::outcomeOf(entry)}};
+            {"outcome", outcomeOf(entry, hasGoneWrong(entry))}};
 }
 
 void history(CommandRun& run) {
-    auto entries = run.context().history.entries();
+    const auto entries = run.context().history.entries();
     if (!entries.isOk()) {
         CommandRun::fail(entries.status().text());
     }
     JSON& list = run.result()["history"] = JSON::array();
-    for (review::HistoryEntry& entry : *entries) {
-        entry.hasFailed = hasGoneWrong(entry);
+    for (const review::HistoryEntry& entry : *entries) {
         list.push_back(entryOf(entry));
         run.say(std::to_string(entry.number) + "\t" + review::timeOf(entry) + "\t" + entry.user + "\t" +
-                entry.title + "\t" + review::outcomeOf(entry));
+                entry.title + "\t" + outcomeOf(entry, hasGoneWrong(entry)));
     }
 }
 

@@ -213,7 +213,8 @@ void set(CommandRun& run, const Page& page, const std::vector<std::string>& word
         given.emplace_back(&*found, words[index + 1]);
     }
     // What belongs to a setting that is still off waits until that has been turned on.
-    while (!given.empty()) {
+    for (std::size_t before = given.size() + 1; given.size() < before;) {
+        before = given.size();
         std::vector<Given> waiting;
         for (Given& each : given) {
             if (control(run, *each.first).isEnabled()) {
@@ -222,13 +223,10 @@ void set(CommandRun& run, const Page& page, const std::vector<std::string>& word
                 waiting.push_back(std::move(each));
             }
         }
-        if (waiting.size() == given.size()) {
-            for (const auto& [setting, value] : waiting) {
-                apply(run, *setting, value); // fails, unless it has that value
-            }
-            break;
-        }
         given = std::move(waiting);
+    }
+    for (const auto& [setting, value] : given) {
+        apply(run, *setting, value); // fails, unless it has that value
     }
     run.send(page.save);
 }

@@ -46,7 +46,7 @@ constexpr const char* userColumn = "User";
 struct Inquiry {
     explicit Inquiry(const std::optional<platform::SambaPaths>& root)
         : accounts(root ? std::optional<platform::SambaAccounts>(*root) : std::nullopt),
-          check(conf, accounts, {platform::Host::current().paths().map(conf.Path()), root.has_value()}) {}
+          check(conf, accounts, accesscheck::serverWith(conf, root.has_value())) {}
 
     SMBConf conf;
     accesscheck::ServerAccounts accounts;

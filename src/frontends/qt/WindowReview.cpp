@@ -125,8 +125,7 @@ WindowReview::WindowReview(review::Reviewer& reviewer, UnsavedEdits& edits, QMai
         }
         return mayBegin;
     });
-    reviewer.setRefusesWithoutDirectory(true);
-    reviewer.setGivesAdvice(true);
+    reviewer.setServesPerson(true);
     if (auto* shares = actions.find<NSTableView>(shareTable)) {
         remarksShown_ = new Binding(this, queue, shares->reloaded, [this] { showRemarks(); });
     }

@@ -4,8 +4,12 @@
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
+#include <csignal>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
+#include <sstream>
 #include <system_error>
 
 namespace platform {
@@ -56,14 +60,25 @@ std::string programNameOf(pid_t process) {
     return name.substr(0, name.find('\n'));
 }
 
-std::string statusNumberOf(pid_t process, std::string_view line) {
+std::vector<std::string> statusNumbersOf(pid_t process, std::string_view line) {
     const std::string status = fileOf(process, "status");
-    const std::size_t place = status.find("\n" + std::string(line) + ":\t");
+    const std::string name = "\n" + std::string(line) + ":\t";
+    const std::size_t place = status.find(name);
     if (place == std::string::npos) {
         return {};
     }
-    const std::size_t start = place + line.size() + 3;
-    return status.substr(start, status.find_first_of("\t\n", start) - start);
+    const std::size_t start = place + name.size();
+    std::istringstream numbers(status.substr(start, status.find('\n', start) - start));
+    return {std::istream_iterator<std::string>(numbers), {}};
+}
+
+std::string statusNumberOf(pid_t process, std::string_view line) {
+    const auto numbers = statusNumbersOf(process, line);
+    return numbers.empty() ? std::string() : numbers.front();
+}
+
+bool isRunning(pid_t process) {
+    return ::kill(process, 0) == 0 || errno != ESRCH;
 }
 
 pid_t parentOf(pid_t process) {
@@ -72,10 +87,7 @@ pid_t parentOf(pid_t process) {
 
 bool isInContainer(pid_t process) {
     // The process's number in each namespace that it belongs to, ours first.
-    constexpr std::string_view name = "\nNSpid:\t";
-    const std::string status = fileOf(process, "status");
-    const std::size_t place = status.find(name);
-    return place != std::string::npos && status[status.find_first_of("\t\n", place + name.size())] == '\t';
+    return statusNumbersOf(process, "NSpid").size() > 1;
 }
 
 } // namespace platform

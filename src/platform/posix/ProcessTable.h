@@ -20,8 +20,12 @@ namespace platform {
 [[nodiscard]] std::vector<std::string> commandLineOf(pid_t process);
 /// The name of the program, which the system truncates to 15 bytes.
 [[nodiscard]] std::string programNameOf(pid_t process);
-/// The first number in a line of /proc/PID/status: "PPid" is the parent, "Uid" the owner.
+/// The numbers in a line of /proc/PID/status: the real, effective, saved and file system's user in "Uid".
+[[nodiscard]] std::vector<std::string> statusNumbersOf(pid_t process, std::string_view line);
+/// The first of them: "PPid" is the parent, "Uid" the owner.
 [[nodiscard]] std::string statusNumberOf(pid_t process, std::string_view line);
+/// Whether there is such a process, if only one that nobody has asked about since it ended.
+[[nodiscard]] bool isRunning(pid_t process);
 /// The process that started or adopted this one; 0 when there is no such process.
 [[nodiscard]] pid_t parentOf(pid_t process);
 

@@ -82,21 +82,6 @@ bool hasName(int file) {
     return ::fstat(file, &status) == 0 && status.st_nlink > 0;
 }
 
-/// The attributes of the file that is to be replaced; none when there is no such file.
-Result<std::optional<struct stat>> replacedFile(const FilePlace& place) {
-    struct stat status {};
-
-    if (::fstatat(place.folder(), place.name().c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0) {
-        return errno == ENOENT ? Result<std::optional<struct stat>>(std::nullopt)
-                               : Status::ofErrno(cannotWrite, place.pathOf(place.name()), errno);
-    }
-    if (!S_ISREG(status.st_mode)) {
-        return Status::failure(cannotWrite, place.pathOf(place.name()),
-                               "is not a regular file; move it away");
-    }
-    return std::optional(status);
-}
-
 /// Gives a file the access control list (acl(5)) of the file `name`: none when that has none, even if its
 /// folder gives one to new files. Returns false on failure.
 bool copyAccessList(const FilePlace& place, const std::string& name, int file) {
@@ -123,12 +108,7 @@ Status writeWholeFile(const std::string& path, std::string_view bytes, const Who
     if (!place.isOk()) {
         return place.status();
     }
-    const auto like =
-        rules.keepsRights ? replacedFile(*place) : Result<std::optional<struct stat>>(std::nullopt);
-    if (!like.isOk()) {
-        return like.status();
-    }
-    auto file = WaitingFile::write(*place, place->name(), bytes, *like, rules.mode);
+    auto file = WaitingFile::write(*place, place->name(), bytes, std::nullopt, rules.mode);
     return file.isOk() ? file->replace() : file.status();
 }
 

@@ -25,8 +25,6 @@ enum class LinkRule {
 struct WholeFileRules {
     mode_t mode = 0644; ///< for a new file, before the process's umask is applied
     LinkRule links = LinkRule::Replace;
-    /// The new file gets the owner, group and mode of the one that it replaces, which must be a regular file.
-    bool keepsRights = false;
 };
 
 /// Writes `bytes` to the file at `path`. On failure the file is unchanged and no temporary file is left.

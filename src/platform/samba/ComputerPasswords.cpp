@@ -7,6 +7,7 @@
 #include "platform/posix/WholeFile.h"
 #include "platform/samba/InstalledSamba.h"
 #include "platform/samba/PasswordFile.h"
+#include "platform/samba/SettingsComplaints.h"
 
 #include <algorithm>
 #include <array>
@@ -107,11 +108,9 @@ bool usesDefaultPasswordDatabase(std::string_view smbConf) {
     constexpr std::array<std::string_view, 6> elsewhere = {
         "passdbbackend", "privatedir", "privatedirectory", // these name another place or kind
         "include",       "configfile", "configbackend"};   // and these other settings, which may do so
-    std::istringstream settings(lowercased(smbConf));
+    std::istringstream settings{std::string(smbConf)};
     for (std::string line; std::getline(settings, line);) {
-        std::string key = line.substr(0, line.find('='));
-        std::erase_if(key, [](char c) { return c == ' ' || c == '\t' || c == '\r'; }); // Samba ignores them
-        if (std::ranges::find(elsewhere, key) != elsewhere.end()) {
+        if (std::ranges::find(elsewhere, settingKeyOf(line)) != elsewhere.end()) {
             return false;
         }
     }

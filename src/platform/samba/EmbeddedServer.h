@@ -28,7 +28,7 @@ class EmbeddedServer {
     /// Ends smbd and every process that it has started. Does nothing when it is not running.
     void stop();
 
-    /// smbd's process ID; 0 when it is not running.
+    /// smbd's process ID, even when it has ended by itself; 0 when it was not started, or was stopped.
     [[nodiscard]] pid_t processId() const { return keeper_.serverId(); }
 
     /// "smb://127.0.0.1:PORT/".

@@ -184,11 +184,27 @@ Status failure(const std::string& why) {
     return Status::failure("cannot use", "Samba's password database", why);
 }
 
+Status inUse() {
+    return failure("another program is using Samba's password database; try again later");
+}
+
+/// Returns false when that is not so within `patience`.
+template <class Test>
+bool waitUntil(Test test, std::chrono::milliseconds patience) {
+    const auto end = std::chrono::steady_clock::now() + patience;
+    while (!test()) {
+        if (std::chrono::steady_clock::now() > end) {
+            return false;
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    }
+    return true;
+}
+
 /// Opens the file and begins a transaction; closing it takes back what has not been committed. Null when
 /// there is no file. It is opened for writing even to be read only, because otherwise tdb refuses a file in
 /// which another program is storing something, or was killed while it did.
 Result<Database> begun(const std::string& file, std::chrono::milliseconds patience) {
-    const auto end = std::chrono::steady_clock::now() + patience;
     errno = 0;
     Database database = opened(file, O_RDWR);
     if (!database && errno != ENOENT) {
@@ -196,12 +212,11 @@ Result<Database> begun(const std::string& file, std::chrono::milliseconds patien
         return failure(Status::ofErrno("cannot open", file, errno == 0 ? EIO : errno).text());
     }
     // tdb itself would wait without end for a program that uses the file without a transaction.
-    while (database &&
-           (isLocked(database.get(), F_WRLCK) || tdb_transaction_start_nonblock(database.get()) != 0)) {
-        if (std::chrono::steady_clock::now() > end) {
-            return failure("another program is using Samba's password database; try again later");
-        }
-        std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    const auto begins = [&] {
+        return !isLocked(database.get(), F_WRLCK) && tdb_transaction_start_nonblock(database.get()) == 0;
+    };
+    if (database && !waitUntil(begins, patience)) {
+        return inUse();
     }
     return database;
 }
@@ -266,15 +281,14 @@ Status moveInPasswordFile(const std::string& file, const std::string& user, cons
     if (!database.isOk() || *database == nullptr || !hasKnownVersion(database->get())) {
         return database.status();
     }
-    const bool isMoved = move(database->get(), user, newName);
-    // Programs that read what is being replaced are waited for, and no longer than those that write.
-    const auto end = std::chrono::steady_clock::now() + patience;
-    while (isLocked(database->get(), F_WRLCK) && std::chrono::steady_clock::now() < end) {
-        std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    if (!move(database->get(), user, newName)) {
+        return notMoved(file, user);
     }
-    const bool isDone =
-        isMoved && !isLocked(database->get(), F_WRLCK) && tdb_transaction_commit(database->get()) == 0;
-    return isDone ? Status() : notMoved(file, user);
+    // The commit, too, would wait without end for programs that read what is being replaced.
+    if (!waitUntil([&] { return !isLocked(database->get(), F_WRLCK); }, patience)) {
+        return inUse();
+    }
+    return tdb_transaction_commit(database->get()) == 0 ? Status() : notMoved(file, user);
 }
 
 std::optional<std::optional<SambaUser>> userInPasswordFile(const std::string& file, const std::string& user) {

@@ -1,12 +1,12 @@
 #include "platform/samba/ServerState.h"
 
 #include "platform/posix/InputOutput.h"
-#include "platform/posix/LetterCase.h"
 #include "platform/posix/ProcessTable.h"
 #include "platform/posix/WholeNumber.h"
 #include "platform/samba/InstalledSamba.h"
 #include "platform/samba/SambaAccounts.h"
 #include "platform/samba/ServerProcesses.h"
+#include "platform/samba/SettingsComplaints.h"
 
 #include <algorithm>
 #include <array>
@@ -74,14 +74,11 @@ std::int64_t startOf(pid_t process) {
 /// The ports that smb.conf makes smbd listen on. A file that it includes is not read.
 std::vector<unsigned> portsIn(std::string_view smbConf) {
     std::vector<unsigned> ports;
-    std::istringstream settings(lowercased(smbConf));
+    std::istringstream settings{std::string(smbConf)};
     for (std::string line; std::getline(settings, line);) {
-        const std::size_t equals = line.find('=');
-        std::string key = line.substr(0, equals);
-        std::erase_if(key, [](char c) { return c == ' ' || c == '\t'; }); // Samba ignores them
-        if (key == "smbports") {
+        if (settingKeyOf(line) == "smbports") {
             std::ranges::replace(line, ',', ' ');
-            std::istringstream numbers(line.substr(equals + 1));
+            std::istringstream numbers(line.substr(line.find('=') + 1));
             ports.assign(std::istream_iterator<unsigned>(numbers), {});
         }
     }

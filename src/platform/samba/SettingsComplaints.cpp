@@ -13,6 +13,8 @@ namespace platform {
 namespace {
 
 constexpr auto limit = std::chrono::seconds(20);
+/// testparm looks names up on the network, and a slow network must not keep a question waiting.
+constexpr auto startLimit = std::chrono::seconds(5);
 /// Each complaint that ends testparm's reading takes one more run.
 constexpr int mostRuns = 25;
 
@@ -52,13 +54,6 @@ std::string folded(std::string_view name) {
     return plain;
 }
 
-/// The name of the setting in a line; empty when there is none.
-std::string keyOf(std::string_view line) {
-    const std::size_t end = line.find('=');
-    const std::string key = end == std::string_view::npos ? std::string() : folded(line.substr(0, end));
-    return key.starts_with('#') || key.starts_with(';') || key.starts_with('[') ? std::string() : key;
-}
-
 bool isHeader(std::string_view line) {
     const std::size_t begin = line.find_first_not_of(" \t");
     return begin != std::string_view::npos && line[begin] == '[';
@@ -81,8 +76,8 @@ class Reading {
         for (const std::string& line : linesOf(said)) {
             constexpr std::string_view setting = "doing parameter ";
             if (line.starts_with(setting)) {
-                const std::string key = keyOf(std::string_view(line).substr(setting.size()));
-                moveTo([&key](const std::string& each) { return keyOf(each) == key; });
+                const std::string key = settingKeyOf(std::string_view(line).substr(setting.size()));
+                moveTo([&key](const std::string& each) { return settingKeyOf(each) == key; });
             } else if (line.starts_with("Processing section ")) {
                 moveTo(&isHeader);
                 header_ = place_;
@@ -185,6 +180,12 @@ bool isAboutUnusableSettings(std::string_view complaint) {
     return hasOneOf(complaint, unusable);
 }
 
+std::string settingKeyOf(std::string_view line) {
+    const std::size_t end = line.find('=');
+    const std::string key = end == std::string_view::npos ? std::string() : folded(line.substr(0, end));
+    return key.starts_with('#') || key.starts_with(';') || key.starts_with('[') ? std::string() : key;
+}
+
 bool isShareSecurity(std::string_view line) {
     return folded(line) == "security=share";
 }
@@ -196,7 +197,7 @@ Result<FinishedProcess> runTestparm(std::string_view text, std::chrono::seconds 
 Result<std::vector<SettingsComplaint>> settingsComplaints(std::string_view text) {
     std::vector<std::string> lines = linesOf(text);
     for (std::string& line : lines) {
-        if (keyOf(line) == "include") {
+        if (settingKeyOf(line) == "include") {
             line.clear();
         }
     }
@@ -211,6 +212,24 @@ Result<std::vector<SettingsComplaint>> settingsComplaints(std::string_view text)
         }
     }
     return sortedWithoutRepetitions(std::move(found));
+}
+
+std::string withoutShareSecurity(std::string_view text) {
+    std::string kept;
+    kept.reserve(text.size());
+    while (!text.empty()) {
+        const std::size_t end = std::min(text.find('\n'), text.size() - 1) + 1;
+        if (!isShareSecurity(text.substr(0, end - (text[end - 1] == '\n' ? 1 : 0)))) {
+            kept.append(text.substr(0, end));
+        }
+        text.remove_prefix(end);
+    }
+    return kept;
+}
+
+bool serverStartsWith(std::string_view text) {
+    const auto run = runTestparm(text, startLimit);
+    return !run.isOk() || run->errors.find("Error loading services") == std::string::npos;
 }
 
 } // namespace platform
