@@ -106,6 +106,10 @@ TEST_F(Program, SaysWhatIsWrongAndEndsWithTheStatusForIt) {
          "brindle: the script " + folder + "/none cannot be read: No such file or directory\n"},
         {{"--script", folder}, 1, "", folder + ":1: the script cannot be read further\n"},
         {{"--root", "/dev/null/x", "--print", "users"}, 1, "", "brindle: cannot make /dev/null/x: "},
+        {{"--root", "/dev/null/x", "users", "list", "--json"},
+         1,
+         "{\n  \"error\": {\n    \"status\": 1,",
+         ""},
     };
     for (const auto& [arguments, status, output, errors] : cases) {
         const Finished finished = run(arguments);

@@ -354,7 +354,9 @@ Result<int> runCommand(const Options& options) {
 
 Result<int> run(const Options& options, char** argv, frontend::WindowRun* window) {
     if (options.end) {
-        return options.end->print();
+        return options.command.printsJSON && options.end->status != 0
+                   ? frontend::tellFailure({frontend::CommandStatus::WrongUse, options.end->text}, true)
+                   : options.end->print();
     }
     if (window == nullptr && (options.mode == Mode::Window || options.mode == Mode::Snapshot)) {
         return becomeWindow(argv);
@@ -382,15 +384,19 @@ int NSApplicationMain(int argc, char** argv, frontend::WindowRun* window) {
     std::signal(SIGXFSZ, SIG_IGN); // likewise a file that may not grow
     platform::leaveNoCore();       // passwords are typed here
     platform::openStandardDescriptors();
+    bool printsJSON = false;
+    std::string failure;
     try {
         const auto arguments = platform::argumentsOf(argc, argv);
-        const auto status = run(frontend::parseOptions({arguments.begin(), arguments.end()}), argv, window);
+        const Options options = frontend::parseOptions({arguments.begin(), arguments.end()});
+        printsJSON = options.command.printsJSON;
+        const auto status = run(options, argv, window);
         if (status.isOk()) {
             return *status;
         }
-        std::cerr << "brindle: " << status.status().text() << '\n';
+        failure = status.status().text();
     } catch (const std::exception& error) {
-        std::cerr << "brindle: " << error.what() << '\n';
+        failure = error.what();
     }
-    return 1;
+    return frontend::tellFailure({frontend::CommandStatus::Failed, failure}, printsJSON);
 }

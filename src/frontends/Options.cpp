@@ -2,6 +2,7 @@
 
 #include "platform/posix/ShellWord.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace frontend {
@@ -36,7 +37,11 @@ Options parseOptions(std::vector<std::string> arguments) {
         ->check(CLI::Range(1, 65535).description(""))
         ->needs(serve);
     addCommands(*parser, options.command);
+    const bool namesJSON = std::ranges::find(arguments, "--json") != arguments.end();
     options.end = platform::parse(*parser, std::move(arguments));
+    if (options.end && namesJSON) {
+        options.command.printsJSON = true; // parsing may have ended before it
+    }
     options.mode = options.command.carryOut ? Mode::Command
                    : script                 ? Mode::Script
                    : print                  ? Mode::Print

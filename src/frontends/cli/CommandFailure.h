@@ -27,4 +27,8 @@ class CommandFailure : public std::runtime_error {
     CommandStatus status_;
 };
 
+/// Says why the program failed before a command could run: on standard error, or on standard output as the
+/// object that the command with --json prints. Returns the exit status.
+[[nodiscard]] int tellFailure(const CommandFailure& failure, bool asJSON);
+
 } // namespace frontend

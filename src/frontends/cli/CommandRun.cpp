@@ -19,6 +19,10 @@ std::string printed(const JSON& value) {
     return value.dump(indent, ' ', false, JSON::error_handler_t::replace);
 }
 
+JSON errorObject(const std::string& text, CommandStatus status) {
+    return {{"error", {{"status", static_cast<int>(status)}, {"text", text}}}};
+}
+
 /// Fails because a list does not have `name`, or because the list could not be read.
 [[noreturn]] void failWithout(const std::string& name, const char* complaint) {
     CommandRun::requireDirectory();
@@ -29,6 +33,15 @@ std::string printed(const JSON& value) {
 
 void CommandRun::fail(const std::string& text, CommandStatus status) {
     throw CommandFailure(status, text);
+}
+
+int tellFailure(const CommandFailure& failure, bool asJSON) {
+    if (asJSON) {
+        std::cout << printed(errorObject(failure.what(), failure.status())) << '\n' << std::flush;
+    } else {
+        std::cerr << "brindle: " << failure.what() << '\n';
+    }
+    return static_cast<int>(failure.status());
 }
 
 int CommandRun::run() {
@@ -50,7 +63,7 @@ int CommandRun::run() {
                 text, std::to_string(done->number));
         }
         if (printsJSON) {
-            result_ = {{"error", {{"status", static_cast<int>(status_)}, {"text", text}}}};
+            result_ = errorObject(text, status_);
         } else {
             std::cerr << "brindle: " << text << '\n';
         }

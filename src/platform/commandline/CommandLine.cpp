@@ -31,13 +31,29 @@ class Formatter : public CLI::Formatter {
     std::string synopsis_;
 };
 
+/// Returns the command that was named, the parser itself without one.
+const CLI::App& namedCommand(const CLI::App& parser) {
+    const CLI::App* named = &parser;
+    while (!named->get_subcommands().empty()) {
+        named = named->get_subcommands().front();
+    }
+    return *named;
+}
+
+std::string faultOf(const CLI::App& parser, const CLI::ParseError& error) {
+    const bool lacksCommand =
+        namedCommand(parser).get_require_subcommand_min() > 0 && !parser.remaining(true).empty();
+    return lacksCommand ? "there is no such command: " + parser.remaining(true).front() : error.what();
+}
+
 } // namespace
 
 int CommandLineEnd::print() const {
-    std::FILE* const stream = status == 0 ? stdout : stderr;
-    const bool written =
-        std::fwrite(text.data(), 1, text.size(), stream) == text.size() && std::fflush(stream) == 0;
-    if (!written && status == 0) {
+    if (status != 0) {
+        std::fprintf(stderr, "%s: %s\n", program.c_str(), text.c_str());
+        return status;
+    }
+    if (std::fwrite(text.data(), 1, text.size(), stdout) != text.size() || std::fflush(stdout) != 0) {
         std::fprintf(stderr, "%s: standard output cannot be written\n", program_invocation_short_name);
         return 1;
     }
@@ -81,17 +97,21 @@ std::optional<CommandLineEnd> parse(CLI::App& parser, std::vector<std::string> a
         parser.parse(std::move(arguments));
         return std::nullopt;
     } catch (const CLI::CallForHelp&) {
-        return CommandLineEnd{0, parser.help()};
+        return CommandLineEnd{0, parser.help(), {}};
     } catch (const CLI::CallForVersion& version) {
-        return CommandLineEnd{0, version.what() + std::string("\n")};
+        return CommandLineEnd{0, version.what() + std::string("\n"), {}};
     } catch (const CLI::ParseError& error) {
-        return complain(parser, error.what());
+        return complain(parser, faultOf(parser, error));
     }
 }
 
 CommandLineEnd complain(const CLI::App& parser, const std::string& fault) {
+    std::string command;
+    for (const CLI::App* app = &namedCommand(parser); app != &parser; app = app->get_parent()) {
+        command.insert(0, " " + app->get_name());
+    }
     const std::string& name = parser.get_name();
-    return {CommandLineEnd::wrongOptions, name + ": " + fault + "; see " + name + " --help\n"};
+    return {CommandLineEnd::wrongOptions, fault + "; see " + name + command + " --help", name};
 }
 
 std::size_t countLeadingOptions(const CLI::App& parser, std::span<char* const> arguments) {

@@ -25,10 +25,12 @@ struct HostOptions {
 struct CommandLineEnd {
     static constexpr int wrongOptions = 2;
 
-    int status = 0;   ///< the exit status: 0 for --help and --version, else wrongOptions
-    std::string text; ///< for standard output when the status is 0, else for standard error
+    int status = 0;      ///< the exit status: 0 for --help and --version, else wrongOptions
+    std::string text;    ///< for standard output when the status is 0; else the complaint, for standard error
+    std::string program; ///< the program that complains
 
-    /// Prints the text and returns the status; 1 when what goes to standard output cannot be written.
+    /// Prints the text, a complaint after the program's name, and returns the status; 1 when what goes to
+    /// standard output cannot be written.
     [[nodiscard]] int print() const;
 };
 
@@ -48,7 +50,7 @@ CLI::Option& addText(CLI::App& parser, const std::string& name, std::string& tex
 /// Returns why the program ends here, or none when it goes on.
 [[nodiscard]] std::optional<CommandLineEnd> parse(CLI::App& parser, std::vector<std::string> arguments);
 
-/// The complaint about an option that a program rejects after parsing.
+/// The complaint about options, which points to the help of the command that was named.
 [[nodiscard]] CommandLineEnd complain(const CLI::App& parser, const std::string& fault);
 
 /// How many of `arguments` are options of the parser and their values: those before the first word that does
