@@ -118,6 +118,8 @@ TEST_F(AccountsTest, SystemAccountsAreHiddenUntilTheirBoxIsChecked) {
     send("updateGroupsList:");
     EXPECT_EQ(app().groupPopUp->indexOfSelectedItem(), -1);
     app().owner->selectItemWithTitle("low");
+    app().group->selectItemWithTitle("friends");
+    EXPECT_EQ(app().group->tagOfSelectedItem(), 0);
     app().group->selectItemWithTitle("wheel");
     app().showSystemUsersGroups->performClick();
     EXPECT_EQ(app().owner->titleOfSelectedItem(), "low");

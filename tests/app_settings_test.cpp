@@ -362,7 +362,7 @@ TEST_F(SettingsTest, AFailedSMBWriteIsShownAndTheServerIsStillRestarted) {
 }
 
 TEST_F(SettingsTest, AnInvalidCodePageStopsTheFillingButNotTheStart) {
-    startWithConf("[global]\nworkgroup = A\ndos charset = 8\nserver string = late\n");
+    startWithConf("[global]\nworkgroup = A\ndos charset = \xC3\xA9\nserver string = late\n");
     EXPECT_EQ(app().smbWorkGroup->stringValue(), "A");
     EXPECT_EQ(app().smbServerInfoString->stringValue(), "");
     EXPECT_FALSE(app().smbHomeDirsBrowseable->isEnabled() || app().smbHomeDirsReadOnly->isEnabled());

@@ -39,13 +39,18 @@ void refillMenu(NSPopUpButton& menu, std::vector<NSPopUpButton::Item> items, con
     menu.selectItemWithTitle(*remembered);
 }
 
-void refillGroupMenu(NSPopUpButton& menu, const std::vector<GroupRecord>& groups, bool showsSystemGroups) {
+/// What the entries of a menu of groups have as their tags.
+enum class GroupTag { None, Id };
+
+void refillGroupMenu(NSPopUpButton& menu, const std::vector<GroupRecord>& groups, bool showsSystemGroups,
+                     GroupTag kind) {
     std::vector<NSPopUpButton::Item> items;
     IdOfName idOfName;
     for (const GroupRecord& record : groups) {
-        idOfName.emplace(record.name, record.id());
+        const std::int64_t tag = kind == GroupTag::Id ? record.id() : 0;
+        idOfName.emplace(record.name, tag);
         if (showsSystemGroups || !record.isSystem()) {
-            items.push_back({record.name, record.id()});
+            items.push_back({record.name, tag});
         }
     }
     refillMenu(menu, std::move(items), idOfName);
@@ -148,12 +153,12 @@ void BRController::updateUsersGroupsList(NSControl* sender) {
     const bool showsSystem = showSystemUsersGroups->state() == NSOnState;
     NiutilTask& task = NiutilTask::sharedInstance();
     refillUserMenu(*owner, task.currentUsers(), showsSystem);
-    refillGroupMenu(*group, recordsOfReport<GroupRecord>(task.currentGroups()), showsSystem);
+    refillGroupMenu(*group, recordsOfReport<GroupRecord>(task.currentGroups()), showsSystem, GroupTag::None);
 }
 
 void BRController::updateGroupsList(NSControl* /*sender*/) {
     refillGroupMenu(*groupPopUp, recordsOfReport<GroupRecord>(NiutilTask::sharedInstance().currentGroups()),
-                    showSystemUsersGroups2->state() == NSOnState);
+                    showSystemUsersGroups2->state() == NSOnState, GroupTag::Id);
 }
 
 void BRController::refreshGroupList(NSControl* /*sender*/) {

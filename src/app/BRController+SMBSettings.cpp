@@ -6,6 +6,7 @@
 #include "privileged/NiutilTask.h"
 
 #include <array>
+#include <stdexcept>
 
 namespace {
 
@@ -58,9 +59,13 @@ class Reader {
 
     void codePage(std::string_view key, NSPopUpButton& menu) const {
         if (pair_.Name == key) {
-            // Raises std::out_of_range for a value that is too short to name a page.
-            const std::int32_t page = intValue(pair_.Value.str().substr(codePagePrefixLength));
-            menu.selectItemAtIndex(menu.indexOfItemWithTag(page));
+            const std::string& page = pair_.Value.str();
+            if (utf16Length(page) < codePagePrefixLength) {
+                throw std::out_of_range(
+                    stringWithFormat("\"%@\" cannot be \"%@\": it is too short", page, std::string(key)));
+            }
+            const std::int32_t number = intValue(page.substr(offsetOfUTF16(page, codePagePrefixLength)));
+            menu.selectItemAtIndex(menu.indexOfItemWithTag(number));
         }
     }
 
