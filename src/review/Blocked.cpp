@@ -126,6 +126,30 @@ void addOtherUserBlock(const DirectoryChange& change, const std::string& outlet,
     }
 }
 
+/// What the tools say of a user or group that does not exist.
+std::string sayMissing(const RecordPath& path) {
+    return stringWithFormat(
+        NSLocalizedString(path.front() == "users" ? "there is no user \"%@\"" : "there is no group \"%@\""),
+        path.back());
+}
+
+/// Adds a block if an account is about to be changed that does not exist: one that is still in a menu, or
+/// that somebody else has just deleted.
+void addMissingAccountBlock(const DirectoryChange& change, const Plan& plan, const DirectoryView& directory,
+                            std::vector<Remark>* blocks) {
+    const auto path = recordPath(change.path);
+    const auto isMade = [&](const PlannedRun& run) {
+        const auto other = directoryChange(run.arguments);
+        return other && !other->property && other->operation == "-create" && other->path == change.path;
+    };
+    if (path && path->size() == 2 && isAccount(*path) && change.operation != "-delete" &&
+        std::ranges::none_of(plan.runs, isMade) && !directory.record(change.path) && directory.isReadable()) {
+        addOnce({"name", stringWithFormat(NSLocalizedString("\"%@\" cannot be changed: %@."), path->back(),
+                                          sayMissing(*path))},
+                blocks);
+    }
+}
+
 std::string refusalOf(const DirectoryChange& change, const platform::Status& status) {
     return codeOf(change) == "text"
                ? stringWithFormat(NSLocalizedString("\"%@\" cannot be the \"%@\" of \"%@\": %@."),
@@ -134,14 +158,14 @@ std::string refusalOf(const DirectoryChange& change, const platform::Status& sta
                                   reasonOf(status));
 }
 
-void addDirectoryBlocks(const PlannedRun& run, const std::string& operation, const BROutlets& controls,
+void addDirectoryBlocks(const PlannedRun& run, const Plan& plan, const BROutlets& controls,
                         const DirectoryView& directory, std::optional<AccountForecast>& accounts,
                         std::vector<Remark>* blocks) {
     const auto change = directoryChange(run.arguments);
     if (!change) {
         return;
     }
-    const NSTextField* field = fieldOf(*change, operation, controls);
+    const NSTextField* field = fieldOf(*change, plan.operation, controls);
     const std::string outlet = field == nullptr ? std::string() : field->name();
     const platform::Status status =
         change->operation == "-delete" ? platform::Status() : checkDirectoryChange(*change);
@@ -158,12 +182,17 @@ void addDirectoryBlocks(const PlannedRun& run, const std::string& operation, con
         addAccountBlock(*change, outlet, *accounts, blocks);
     } else if (!run.output.empty()) {
         addOtherUserBlock(*change, outlet, directory, blocks);
+        addMissingAccountBlock(*change, plan, directory, blocks);
     }
 }
 
-void addPasswordBlocks(const BROutlets& controls, const std::optional<AccountForecast>& accounts,
-                       std::vector<Remark>* blocks) {
+void addPasswordBlocks(const BROutlets& controls, const DirectoryView& directory,
+                       const std::optional<AccountForecast>& accounts, std::vector<Remark>* blocks) {
     const std::string& user = controls.shortName->stringValue();
+    if (!accounts && !directory.record("/users/" + user) && directory.isReadable()) {
+        blocks->push_back({"name", stringWithFormat(NSLocalizedString("\"%@\" cannot be changed: %@."), user,
+                                                    sayMissing({"users", user}))});
+    }
     if (const auto status = accounts ? accounts->checkPassword(user) : platform::Status(); !status.isOk()) {
         blocks->push_back({"name", stringWithFormat(NSLocalizedString("\"%@\" cannot be changed: %@."), user,
                                                     reasonOf(status))});
@@ -255,9 +284,9 @@ std::vector<Remark> blocksOf(const Plan& plan, const BRController& now, const Di
     std::vector<Remark> blocks;
     for (const PlannedRun& run : plan.runs) {
         if (run.tool == platform::systempath::nicl) {
-            addDirectoryBlocks(run, plan.operation, now, directory, accounts, &blocks);
+            addDirectoryBlocks(run, plan, now, directory, accounts, &blocks);
         } else if (run.tool == platform::systempath::dscl) {
-            addPasswordBlocks(now, accounts, &blocks);
+            addPasswordBlocks(now, directory, accounts, &blocks);
         } else if (platform::Host::current().services().computer != nullptr &&
                    (run.tool == platform::systempath::chown || run.tool == platform::systempath::chmod)) {
             addFolderBlock(run, now, &blocks);
