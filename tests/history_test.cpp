@@ -201,6 +201,8 @@ TEST_P(OneUndo, TakesBackTheNewestChangeEvenIfTheClockWasSetBackBeforeIt) {
     EXPECT_EQ(titles(),
               (std::vector<std::string>{"3 Taken back: Group \"team\" created done",
                                         "2 Group \"team\" created undone", "1 Group \"crew\" created done"}));
+    EXPECT_EQ(undo() + undo(), "");
+    EXPECT_EQ(titles().front(), "5 Taken back: Group \"team\" created done");
 }
 
 TEST_P(OneUndo, IsRefusedWhileAnotherProgramMakesChanges) {

@@ -40,14 +40,7 @@ class UndoPlanner {
         for (const RecordChange& record : entry.records) {
             entryPaths_.insert(record.path);
         }
-        plan_.title = stringWithFormat(NSLocalizedString("Taken back: %@"), entry.title);
-        plan_.question = stringWithFormat(NSLocalizedString("Do you want to take back “%@”?"), entry.title);
-        const auto done = std::ranges::find(all, entry.undoes, &HistoryEntry::number);
-        if (entry.undoes != 0 && done != all.end()) {
-            plan_.title = stringWithFormat(NSLocalizedString("Done again: %@"), done->title);
-            plan_.question =
-                stringWithFormat(NSLocalizedString("Do you want to do “%@” again?"), done->title);
-        }
+        nameIt();
     }
 
     UndoPlan plan() {
@@ -74,6 +67,23 @@ class UndoPlanner {
     }
 
   private:
+    /// The titles name the first change of a chain of undos, which each second one does again.
+    void nameIt() {
+        const HistoryEntry* first = &plan_.entry;
+        bool doesAgain = false;
+        for (auto done = all_.begin(); first->undoes != 0; first = &*done, doesAgain = !doesAgain) {
+            done = std::ranges::find(all_, first->undoes, &HistoryEntry::number);
+            if (done == all_.end()) {
+                break;
+            }
+        }
+        plan_.title = stringWithFormat(NSLocalizedString(doesAgain ? "Done again: %@" : "Taken back: %@"),
+                                       first->title);
+        plan_.question = stringWithFormat(
+            NSLocalizedString(doesAgain ? "Do you want to do “%@” again?" : "Do you want to take back “%@”?"),
+            first->title);
+    }
+
     void refuse(std::string why) { plan_.refusal = std::move(why); }
 
     /// Plans the things one after another, until the undo is refused.
