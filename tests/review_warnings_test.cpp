@@ -47,6 +47,11 @@ TEST_F(Surprises, LinesThatASaveLosesOrMovesAreNamed) {
     EXPECT_EQ(plan.warnings[0].sentence, "Saving does not keep these lines of smb.conf: line 8 \"stray\".");
     EXPECT_EQ(plan.warnings[1].sentence,
               "Saving moves these lines of smb.conf to another place: line 16 \"# by hand\".");
+    selectShare("Docs");
+    const auto moves = [](const review::Remark& warning) {
+        return warning.sentence.find("moves") != std::string::npos;
+    };
+    EXPECT_TRUE(std::ranges::none_of(reviewer->planSend("deleteShare:").warnings, moves)); // it is deleted
     send("updateSMBProperties:");
     EXPECT_EQ(warningsOf("updateSMBProperties:"), ""); // there is nothing left to lose
 }
@@ -333,6 +338,10 @@ TEST_F(Surprises, WhatOurToolsWouldCertainlyRefuseIsBlockedBeforeTheFirstRun) {
     type("fullName", "A");
     type("uid", "4294967295");
     expectBlocked("addNewUser:", "number", "\"uid\" 4294967295 of \"ab\"");
+    type("uid", "600");
+    choose("groupPopUp", "staff");
+    nicl({"-delete", "/groups/staff"}); // by somebody else: the menu still has it
+    expectBlocked("addNewUser:", "name", "there is no group \"staff\"");
     type("groupName", "a:b");
     type("gid", "600");
     expectBlocked("addNewGroup:", "name", "\"a:b\"");
@@ -343,6 +352,10 @@ TEST_F(Surprises, WhatOurToolsWouldCertainlyRefuseIsBlockedBeforeTheFirstRun) {
         type("passwordSecureText2", password);
         expectBlocked("setPassword:", "text", "\"bob\"");
     }
+    type("passwordSecureText1", "secret");
+    type("passwordSecureText2", "secret");
+    nicl({"-delete", "/users/bob"});
+    expectBlocked("setPassword:", "name", "there is no user \"bob\"");
 }
 
 TEST_F(Surprises, WhatTheOperationRefusesItselfAndDeletingAreNotBlocked) {

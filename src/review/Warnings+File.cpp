@@ -95,9 +95,12 @@ struct Rewriting {
     std::vector<NamedLine> lost;
     std::vector<NamedLine> moved;
 
-    Rewriting(const std::string& read, const std::string& written) {
+    /// `planned` is the file after the action: a line that it does not have goes with its section.
+    Rewriting(const std::string& read, const std::string& written, const std::string& planned) {
         const Essence before(read);
         const Essence after(written);
+        const Essence kept(planned);
+        const std::unordered_set<std::string_view> stays(kept.views.begin(), kept.views.end());
         std::map<std::string, int> comes;
         const std::vector<LineChange> changes = lineChanges(before.views, after.views);
         for (const LineChange& change : changes) {
@@ -110,14 +113,17 @@ struct Rewriting {
             const bool isMoved = comes[change.line] > 0;
             comes[change.line] -= isMoved ? 1 : 0;
             const std::size_t index = change.number - 1;
-            (isMoved ? moved : lost).push_back({before.numbers[index], std::string(before.written[index])});
+            if (!isMoved || stays.contains(before.views[index])) {
+                (isMoved ? moved : lost)
+                    .push_back({before.numbers[index], std::string(before.written[index])});
+            }
         }
     }
 };
 
-void addLosses(const SMBConf& model, std::vector<Remark>* warnings) {
+void addLosses(const SMBConf& model, const std::string& planned, std::vector<Remark>* warnings) {
     const std::string& read = model.textOnDisk();
-    const Rewriting rewriting(read, SMBConf::ofText(read)->writtenText());
+    const Rewriting rewriting(read, SMBConf::ofText(read)->writtenText(), planned);
     if (!rewriting.lost.empty()) {
         warnings->push_back(remark("lines-lost", "Saving does not keep these lines of smb.conf: %@.",
                                    namesOf(rewriting.lost)));
@@ -289,7 +295,7 @@ void addFileWarnings(const Situation& situation, std::vector<Remark>* warnings) 
         warnings->push_back({"changed-outside", changeOutside(*model, situation.plan.smbConfBefore)});
     }
     if (!keepsLayout) {
-        addLosses(*model, warnings);
+        addLosses(*model, situation.plan.smbConfAfter, warnings);
     } else if (situation.plan.smbConfBefore != model->textOnDisk()) {
         addConflicts(situation, *model, warnings);
     }
