@@ -183,6 +183,15 @@ TEST_F(Program, MakesNoMigrationThatWouldLoseARecord) {
     EXPECT_NE(output.find("normalTableView 1 rows"), std::string::npos) << output;
 }
 
+TEST_F(Program, TellsWhyAFileCouldNotBeWrittenBesidesTheStepsOfAScript) {
+    std::filesystem::create_directories(test_.home() / "smb_test.conf/in the way");
+    const Finished finished = run({"--script", "-"}, "answer Cancel\nstart\nsend updateSMBProperties:\n");
+    EXPECT_EQ(finished.output.find("log "), std::string::npos) << finished.output;
+    EXPECT_NE(finished.errors.find("/smb_test.conf could not be written: Is a directory\n"),
+              std::string::npos)
+        << finished.errors;
+}
+
 TEST_F(Program, AsksForConsentOnceAndForgetsItAtItsEnd) {
     static_cast<void>(script("answer Cancel\nstart\n"));
     for (int run = 0; run < 2; ++run) {

@@ -173,7 +173,7 @@ Ran runScript(const std::string& script) {
     const auto lines = std::make_shared<frontend::ScriptOutput>(output);
     const auto presenter = std::make_shared<frontend::ScriptPresenter>(lines);
     platform::Services services = test.host().services();
-    services.log = std::make_shared<frontend::ScriptLog>(lines, services.log);
+    services.log = std::make_shared<frontend::ScriptLog>(lines, errors, services.log);
     services.presenter = presenter;
     const platform::Host host(std::move(services));
     std::unique_ptr<platform::Interface> interface;
@@ -368,7 +368,7 @@ TEST(ScriptWords, AreReadBackAsTheyWereWritten) {
                   (std::vector<std::string>{"x", text}));
     }
     EXPECT_EQ(frontend::scriptWord("\xFFraw"), "\xFFraw");
-    EXPECT_EQ(frontend::scriptWord("x#y"), "x#y"); // "#" begins a comment only at the start of a word
+    EXPECT_EQ(frontend::scriptWord("x#y"), "x#y") << "only a script has to quote it";
 }
 
 } // namespace

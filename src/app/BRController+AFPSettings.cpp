@@ -133,12 +133,12 @@ void BRController::updateAFSProperties(NSControl* /*sender*/) {
         Writer writer(*afsProps);
         visitSettings(*this, writer);
     } else {
-        NSLog("The AFP server's settings were not saved because %@ could not be read at the start.",
-              systempath::appleFileServer);
+        logReason("The AFP server's settings were not saved because %@ could not be read at the start.",
+                  systempath::appleFileServer);
     }
     const auto status = afsProps ? std::optional(afsProps->writeToFile(temporary)) : std::nullopt;
     if (status && !status->isOk()) {
-        NSLog("%@ could not be written: %@", temporary, status->why());
+        logReason("%@ could not be written: %@", temporary, status->why());
     }
     if (!status || !status->isOk()) {
         showFailure(
@@ -155,7 +155,7 @@ void BRController::updateAFSProperties(NSControl* /*sender*/) {
             "information.");
     }
     if (const auto removed = removeFileAtPath(temporary); !removed.isOk()) {
-        NSLog("%@ could not be removed: %@", temporary, removed.why());
+        logReason("%@ could not be removed: %@", temporary, removed.why());
         showFailure(
             "The old AppleFileServer.plist file removal operation was unsuccessful.  Please email %@ with "
             "this information.");

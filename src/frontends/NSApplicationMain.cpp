@@ -146,7 +146,7 @@ Result<int> runScript(const Options& options) {
     services->writersFile.clear(); // a script does what the operations do and nothing else
     const auto output = std::make_shared<frontend::ScriptOutput>(std::cout);
     services->log = std::make_shared<frontend::ScriptLog>(
-        output, options.dryRun ? nullptr : std::make_shared<QuietSystemLog>());
+        output, std::cerr, options.dryRun ? nullptr : std::make_shared<QuietSystemLog>());
     const auto presenter = std::make_shared<frontend::ScriptPresenter>(output);
     Application application(std::move(*services));
     application.setPresenter(presenter);

@@ -194,7 +194,8 @@ platform::Result<std::string> SMBConf::textToWrite(std::vector<SMBConflict>* con
 
 int SMBConf::writeSMBConfFile() {
     if (!unreadableReason_.empty()) {
-        NSLog("The SMB configuration %@ was not written because it could not be read at the start.", _path);
+        logReason("The SMB configuration %@ was not written because it could not be read at the start.",
+                  _path);
         return notWritten;
     }
     const std::string temporary = stringByExpandingTildeInPath(platform::systempath::temporarySmbConf);
@@ -202,14 +203,14 @@ int SMBConf::writeSMBConfFile() {
     const auto writeTemporary = [&] {
         auto now = textToWrite();
         if (!now.isOk()) {
-            NSLog("The SMB configuration %@ was not written: %@", _path, now.status().text());
+            logReason("The SMB configuration %@ was not written: %@", _path, now.status().text());
             return false;
         }
         text = std::move(*now);
         // Readable only by its owner, as the configuration may be.
         const auto status = writeToFileAtomically(temporary, text, 0600);
         if (!status.isOk()) {
-            NSLog("%@ could not be written: %@", temporary, status.why());
+            logReason("%@ could not be written: %@", temporary, status.why());
         }
         return status.isOk();
     };
@@ -224,7 +225,7 @@ int SMBConf::writeSMBConfFile() {
         // While the user looked for the password, somebody else may have changed the file.
         if (!writeTemporary()) {
             if (const auto status = removeFileAtPath(temporary); !status.isOk()) {
-                NSLog("%@ could not be removed: %@", temporary, status.why());
+                logReason("%@ could not be removed: %@", temporary, status.why());
             }
             return notWritten;
         }
@@ -238,7 +239,7 @@ int SMBConf::writeSMBConfFile() {
     hasWritten_ = true;
     rememberEntries();
     if (const auto status = removeFileAtPath(temporary); !status.isOk()) {
-        NSLog("%@ could not be removed: %@", temporary, status.why());
+        logReason("%@ could not be removed: %@", temporary, status.why());
         return notRemoved;
     }
     return written;

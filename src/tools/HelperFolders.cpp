@@ -197,6 +197,8 @@ Result<OpenOrder> modeOrder(const std::string& mode, const std::string& folder, 
     }
     auto opened = withFolder({}, folder, host);
     if (opened.isOk()) {
+        // The order is about three classes of users: what a shared folder's group and its visitors rely on
+        // stays.
         opened->order.mode = (opened->order.status.st_mode & 07000U) | *bits;
     }
     return opened;

@@ -20,4 +20,11 @@ void ScriptLog::write(std::string_view text) {
     }
 }
 
+void ScriptLog::explain(std::string_view text) {
+    errors_ << "brindle: " << text << '\n';
+    if (kept_) {
+        kept_->write(text);
+    }
+}
+
 } // namespace frontend

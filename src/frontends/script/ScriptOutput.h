@@ -33,17 +33,20 @@ class ScriptOutput {
     bool silent_ = false;
 };
 
-/// Writes each entry of the system log as a `log` line, and passes it on to the real log.
+/// Writes each entry of the system log as a `log` line, explanations on `errors`, and passes all on to the
+/// real log.
 class ScriptLog : public platform::Log {
   public:
-    /// `kept` may be null.
-    ScriptLog(std::shared_ptr<ScriptOutput> output, std::shared_ptr<platform::Log> kept)
-        : output_(std::move(output)), kept_(std::move(kept)) {}
+    /// `kept` may be null; `errors` must outlive this.
+    ScriptLog(std::shared_ptr<ScriptOutput> output, std::ostream& errors, std::shared_ptr<platform::Log> kept)
+        : output_(std::move(output)), errors_(errors), kept_(std::move(kept)) {}
 
     void write(std::string_view text) override;
+    void explain(std::string_view text) override;
 
   private:
     std::shared_ptr<ScriptOutput> output_;
+    std::ostream& errors_;
     std::shared_ptr<platform::Log> kept_;
 };
 

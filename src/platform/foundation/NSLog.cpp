@@ -5,3 +5,7 @@
 void platform::logText(std::string_view text) {
     Host::current().log().write(text);
 }
+
+void platform::logExplanation(std::string_view text) {
+    Host::current().log().explain(text);
+}
