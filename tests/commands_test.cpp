@@ -193,6 +193,7 @@ TEST_F(Commands, EndWithAStatusThatSaysWhatIsMissing) {
                  {"shares set Docs --owner zoe --yes", 1, "there is no user \"zoe\""},
                  {"smb set max-connections many --yes", 1, "max-connections cannot be"},
                  {"afp set max-guests 12abc --yes", 1, "max-guests cannot be"},
+                 {"afp set port 4294967844 --yes", 1, "port cannot be"},
                  {"shares add", 2, "required"},
                  {"shares set Docs --owner-may everything", 2, "everything"},
                  {"shares peel", 2, "peel; see brindle shares --help"},
@@ -214,6 +215,7 @@ TEST_F(Commands, EndWithAStatusThatSaysWhatIsMissing) {
          {"shares list", "shares remove Docs --yes", "smb show", "smb set workgroup X --yes"}) {
         EXPECT_NE(command(line).errors.find("smb.conf cannot be read"), std::string::npos) << line;
     }
+    EXPECT_EQ(command("--print shares").status, 1);
     fs::remove(test_.root() / "computer/etc/smb.conf");
     fs::rename(test_.root() / "smb.conf", test_.root() / "computer/etc/smb.conf");
     test_.write("computer/directory.db", "a letter");
@@ -225,6 +227,7 @@ TEST_F(Commands, EndWithAStatusThatSaysWhatIsMissing) {
         EXPECT_NE(refused.errors.find("could not be read"), std::string::npos) << line << refused.output;
         EXPECT_EQ(refused.status, 1) << line;
     }
+    EXPECT_EQ(command("--print groups").status, 1);
 }
 
 TEST_F(Commands, SayWhenTheirWordsOrTheHistoryAreLost) {
@@ -268,6 +271,38 @@ TEST_F(Commands, AskBeforeALossAndTakeHalfSharesForWhatTheyAre) {
     EXPECT_NE(guests.get<std::string>().find("lets guests"), std::string::npos) << guests;
     EXPECT_EQ(answer("shares remove Docs --yes")["changed"], true) << "the section has no record";
     EXPECT_EQ(answer("history")["history"].front()["outcome"], "done");
+}
+
+TEST_F(Commands, CallNothingDoneThatTheServerStillDoes) {
+    const std::string path = "path = " + folder().string() + "\n";
+    EXPECT_EQ(answer("shares add one " + folder().string())["changed"], true);
+    EXPECT_EQ(answer("shares add two " + folder().string() + " --yes")["share"]["smb"], true);
+    EXPECT_EQ(answer("shares add two " + folder().string() + " --yes")["changed"], false);
+    EXPECT_EQ(answer("shares remove one --yes")["changed"], true);
+    EXPECT_EQ(answer("shares remove two --yes")["changed"], true);
+    test_.write("computer/etc/smb.conf",
+                "[global]\nguest ok = yes\n[Docs]\n" + path + "[both]\n" + path + "[homes]\n[homes]\n");
+    const json shares = answer("shares list")["shares"];
+    EXPECT_TRUE(std::ranges::any_of(shares, [](const json& share) { return share["guests"] == true; }));
+    const std::pair<std::string, const char*> claims[] = {
+        {"shares remove both --yes", "still shares \"both\""},
+        {"shares set Docs --no-guests --yes", "lets guests"},
+        {"smb set home-folders no --yes", "home folders"}};
+    for (const auto& [line, text] : claims) {
+        const std::string error = answer(line, 1)["error"]["text"];
+        EXPECT_NE(error.find(text), std::string::npos) << line << error;
+    }
+    EXPECT_EQ(answer("shares add Other / --afp --guests --yes", 2)["error"]["status"], 2);
+
+    EXPECT_EQ(answer("users add ann --no-password --yes")["changed"], true);
+    EXPECT_EQ(answer("users password ann --dry-run")["plan"].back(),
+              "would run /usr/bin/dscl . -passwd /Users/ann ********");
+    EXPECT_EQ(answer("groups add crew --yes")["changed"], true);
+    EXPECT_EQ(runProgram({BRINDLE_PROGRAMS "/nicl", "--root", (test_.root() / "computer").string(), ".",
+                          "-delete", "/groups/crew"})
+                  .status,
+              0);
+    EXPECT_TRUE(command("undo --yes").output.ends_with("unchanged\n")) << "it is gone already";
 }
 
 TEST_F(Commands, PrintForProgramsWhatTheApplicationShows) {

@@ -77,6 +77,7 @@ TEST(Options, ThatAreWrongAreNamed) {
         {{"--serve", "--port", "12x"}, {"--port", "12x"}},
         {{"--serve", "--print", "users"}, {"--serve", "--print"}},
         {{"--dry-run"}, {"--dry-run", "--script"}},
+        {{"--dry-run", "--script", "-", "history"}, {"--script", "command"}},
     };
     for (const auto& [arguments, words] : cases) {
         const auto end = frontend::parseOptions(arguments).end;

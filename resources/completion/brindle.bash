@@ -119,6 +119,7 @@ _brindle() {
         --print) _brindle_reply <<<$'shares\nusers\ngroups'; return ;;
         --root | --snapshot | --folder) _brindle_files -d; return ;;
         --script) _brindle_files -f; return ;;
+        --full-name | --password-fd | --port | --computer) COMPREPLY=(); return ;; # nobody knows their values
     esac
 
     if [[ "$word" == -* ]]; then
@@ -134,6 +135,7 @@ _brindle() {
             "servers start") options+=" --yes --dry-run --at-boot" ;;
             "check-access "*) options+=" --guest" ;;
             "sessions disconnect") options+=" --yes --dry-run --share --computer" ;;
+            shares" " | users" " | groups" " | public" " | smb" " | afp" " | servers" ") options="--help --root --system" ;;
             *" list" | *" show" | *" status" | "history " | "doctor " | "sessions ") ;;
             " ") options="--help --version --root --system --script --print --snapshot --dry-run --serve --port" ;;
             *) options+=" --yes --dry-run" ;;
@@ -148,7 +150,7 @@ _brindle() {
         check-access)
             if [ -z "$verb" ]; then
                 _brindle_reply < <(_brindle_names shares)
-            else
+            elif [ "$count" -eq 0 ]; then
                 _brindle_reply < <(_brindle_names users)
             fi
             ;;
@@ -166,10 +168,11 @@ _brindle() {
             fi
             case "$noun $verb" in
                 "shares add") [ "$count" -eq 1 ] && _brindle_files -d ;;
-                "shares show" | "shares set" | "shares remove") _brindle_reply < <(_brindle_names shares) ;;
-                "users show" | "users set" | "users remove" | "users password" | "public "*)
-                    _brindle_reply < <(_brindle_names users)
+                "shares show" | "shares set" | "shares remove") [ "$count" -ne 0 ] || _brindle_reply < <(_brindle_names shares) ;;
+                "users show" | "users set" | "users remove" | "users password")
+                    [ "$count" -ne 0 ] || _brindle_reply < <(_brindle_names users)
                     ;;
+                "public "*) _brindle_reply < <(_brindle_names users) ;;
                 "groups join" | "groups leave")
                     if [ "$count" -eq 0 ]; then
                         _brindle_reply < <(_brindle_names groups)
@@ -177,8 +180,8 @@ _brindle() {
                         _brindle_reply < <(_brindle_names users)
                     fi
                     ;;
-                "groups show" | "groups set" | "groups remove") _brindle_reply < <(_brindle_names groups) ;;
-                "servers restart") _brindle_reply <<<$'smb\nafp' ;;
+                "groups show" | "groups set" | "groups remove") [ "$count" -ne 0 ] || _brindle_reply < <(_brindle_names groups) ;;
+                "servers restart") [ "$count" -ne 0 ] || _brindle_reply <<<$'smb\nafp' ;;
                 "smb set" | "afp set")
                     if [ $((count % 2)) -eq 0 ]; then
                         _brindle_reply < <(_brindle_ask "$noun" show | cut -d : -f 1)

@@ -138,7 +138,7 @@ void Examiner::examineHalfMade() {
                       .code = code,
                       .text = stringWithFormat(text, name),
                       .where = file,
-                      .remedy = NSLocalizedString("It is removed with the next change of an account."),
+                      .remedy = deleteCommand((isOfUsers ? "/users/" : "/groups/") + name),
                       .user = isOfUsers ? std::optional(name) : std::nullopt});
             }
         }

@@ -22,6 +22,7 @@
 #include "platform/posix/Secret.h"
 #include "platform/posix/TemporaryFolder.h"
 #include "platform/samba/EmbeddedServer.h"
+#include "review/DirectoryState.h"
 #include "review/DryRun.h"
 
 #include <array>
@@ -178,6 +179,13 @@ std::string tableName(const std::string& printed) {
     return printed == "shares" ? "normalTableView" : printed == "users" ? "userTableView" : "groupTableView";
 }
 
+/// Returns why the table does not show all there is; empty when it does.
+std::string whatLacks(const Application& application, const std::string& printed) {
+    const SMBConf* conf = printed == "shares" ? application.reviewer()->smbConf() : nullptr;
+    return conf != nullptr && !conf->unreadableReason().empty() ? conf->unreadableReason()
+                                                                : review::directoryNotice();
+}
+
 Status printTable(const Options& options) {
     auto services = makeServices(options);
     if (!services.isOk()) {
@@ -197,9 +205,12 @@ Status printTable(const Options& options) {
     }
     frontend::writeTable(application.table(tableName(options.table)), std::cout);
     std::cout << std::flush;
+    const std::string lacking = whatLacks(application, options.table);
     application.end();
-    return std::cout ? Status()
-                     : Status::failure("nothing was printed", "", "standard output cannot be written");
+    if (!std::cout) {
+        return Status::failure("nothing was printed", "", "standard output cannot be written");
+    }
+    return lacking.empty() ? Status() : Status::failure("the table is not complete", "", lacking);
 }
 
 /// Returns what the window says about the server for --serve. A port that is in use must not prevent the

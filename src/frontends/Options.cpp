@@ -39,6 +39,11 @@ Options parseOptions(std::vector<std::string> arguments) {
     addCommands(*parser, options.command);
     const bool namesJSON = std::ranges::find(arguments, "--json") != arguments.end();
     options.end = platform::parse(*parser, std::move(arguments));
+    for (const CLI::Option* other : {&script, &print, &snapshot, &*dryRun, &*serve}) {
+        if (!options.end && options.command.carryOut && other->count() > 0) {
+            options.end = platform::complain(*parser, other->get_name() + " cannot be given with a command");
+        }
+    }
     if (options.end && namesJSON) {
         options.command.printsJSON = true; // parsing may have ended before it
     }

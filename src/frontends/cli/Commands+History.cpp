@@ -53,7 +53,7 @@ void undo(CommandRun& run, std::optional<std::int64_t> number) {
         CommandRun::fail(plan->refusal);
     }
     run.result()["undo"] = entryOf(plan->entry);
-    run.say(plan->title);
+    run.say(run.context().options.isDryRun ? plan->question : plan->title);
     for (const std::string& loss : plan->losses) {
         run.say(loss);
     }
@@ -74,6 +74,9 @@ void undo(CommandRun& run, std::optional<std::int64_t> number) {
     if (!status || !status->isOk()) {
         CommandRun::fail(status ? status->text()
                                 : NSLocalizedString("it was not carried out; the system's log says why"));
+    }
+    if (run.presenter().runs() == 0) {
+        run.say("unchanged"); // somebody else has taken it back; for programs: not translated
     }
     run.result()["changed"] = run.presenter().runs() > 0;
     run.result()["runs"] = run.presenter().runs();

@@ -1,9 +1,12 @@
 #include "frontends/cli/CommandRun.h"
+#include "model/SMBConf.h"
+#include "model/ServerSettings.h"
 #include "platform/appkit/NSMatrix.h"
 #include "platform/foundation/NSBundle.h"
 #include "platform/foundation/NSString.h"
 
 #include <algorithm>
+#include <limits>
 #include <memory>
 #include <span>
 
@@ -54,9 +57,9 @@ constexpr Setting afpSettings[] = {
     {"administrators-see-all", "adminSpPrivsButton", Kind::OnOff},
     {"max-connections", "numConnections", Kind::Limit},
     {"max-guests", "numGuestConnections", Kind::Limit},
-    {"port", "tcpPort", Kind::Text},
+    {"port", "tcpPort", Kind::Count},
     {"disconnect-idle", "idleDisconnectEnable", Kind::OnOff},
-    {"idle-minutes", "idleDisconnectTime", Kind::Text},
+    {"idle-minutes", "idleDisconnectTime", Kind::Count},
     {"idle-guests", "idleDisconnectUsers", Kind::OnOff, 0},
     {"idle-registered", "idleDisconnectUsers", Kind::OnOff, 1},
     {"idle-administrators", "idleDisconnectUsers", Kind::OnOff, 2},
@@ -150,13 +153,15 @@ NSControl& control(const CommandRun& run, const Setting& setting) {
 }
 
 /// True when the value could be a number in such a field. The field's formatter checks it again when it is
-/// typed.
+/// typed. A larger one than the servers know would be stored as another.
 bool isNumberFor(Kind kind, std::string_view value) {
-    if (kind == Kind::Limit) {
-        value.remove_prefix(value.starts_with('-') ? 1 : 0);
-        return !value.empty() && value.find_first_not_of("0123456789") == std::string_view::npos;
+    if (kind != Kind::Limit && kind != Kind::Count) {
+        return true;
     }
-    return kind != Kind::Count || value.find_first_not_of("0123456789") == std::string_view::npos;
+    const std::string_view digits = value.substr(kind == Kind::Limit && value.starts_with('-') ? 1 : 0);
+    return digits.find_first_not_of("0123456789") == std::string_view::npos &&
+           (kind == Kind::Count || !digits.empty()) &&
+           longLongValue(std::string(value)) <= std::numeric_limits<std::int32_t>::max();
 }
 
 void apply(CommandRun& run, const Setting& setting, const std::string& value) {
@@ -197,6 +202,19 @@ void apply(CommandRun& run, const Setting& setting, const std::string& value) {
     }
 }
 
+/// Fails if the server still shares the users' home folders: the page shows one section for them.
+void requireNoHomes(const CommandRun& run) {
+    const SMBConf conf;
+    const bool isShared = std::ranges::any_of(conf.Entries(), [](const auto& entry) {
+        return entry->Type() == SMBGroup && isServerHomes(entry->ShareName());
+    });
+    if (isShared && !run.context().options.isDryRun) {
+        CommandRun::fail(
+            NSLocalizedString("the SMB server still shares the home folders: smb.conf has another "
+                              "section for them, which must be removed by hand"));
+    }
+}
+
 void set(CommandRun& run, const Page& page, const std::vector<std::string>& words) {
     if (words.size() % 2 != 0) {
         CommandRun::fail(NSLocalizedString("each setting needs a value"), CommandStatus::WrongUse);
@@ -212,6 +230,9 @@ void set(CommandRun& run, const Page& page, const std::vector<std::string>& word
         }
         given.emplace_back(&*found, words[index + 1]);
     }
+    const bool isGivenOff = std::ranges::any_of(given, [](const Given& each) {
+        return each.first->outlet == std::string_view("smbShareHomeDirs") && each.second == "no";
+    });
     // What belongs to a setting that is still off waits until that has been turned on.
     for (std::size_t before = given.size() + 1; given.size() < before;) {
         before = given.size();
@@ -229,6 +250,9 @@ void set(CommandRun& run, const Page& page, const std::vector<std::string>& word
         apply(run, *setting, value); // fails, unless it has that value
     }
     run.send(page.save);
+    if (isGivenOff) {
+        requireNoHomes(run);
+    }
 }
 
 void addPage(CLI::App& parser, CommandOptions& options, const Page& page, const char* description) {

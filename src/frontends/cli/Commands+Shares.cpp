@@ -1,4 +1,5 @@
 #include "frontends/cli/CommandRun.h"
+#include "frontends/cli/ServedShares.h"
 #include "model/ServerSettings.h"
 #include "platform/foundation/NSBundle.h"
 #include "platform/foundation/NSString.h"
@@ -51,16 +52,18 @@ std::optional<int> indexOf(const std::optional<std::string>& privilege) {
     return std::nullopt;
 }
 
-JSON shareAt(const CommandRun& run, int row) {
+JSON shareAt(const CommandRun& run, const ServedShares& served, int row) {
     const auto cell = [&](const char* column) { return run.cell(table, column, row); };
-    return {{"name", cell("ShareName")},
-            {"folder", cell("DirectoryPath")},
-            {"smb", cell("SMB") == "+"},
-            {"afp", cell("AFS") == "+"},
-            {"guests", isEqualIgnoringCase(cell("SMBGuestAccess"), "yes")},
-            {"ownerMay", privilegeOf(cell("Owner"))},
-            {"groupMay", privilegeOf(cell("Group"))},
-            {"everyoneMay", privilegeOf(cell("Everyone"))}};
+    const std::string name = cell("ShareName");
+    return {
+        {"name", name},
+        {"folder", cell("DirectoryPath")},
+        {"smb", cell("SMB") == "+" || served.has(name, cell("DirectoryPath"))},
+        {"afp", cell("AFS") == "+"},
+        {"guests", served.letsGuestsIn(name).value_or(isEqualIgnoringCase(cell("SMBGuestAccess"), "yes"))},
+        {"ownerMay", privilegeOf(cell("Owner"))},
+        {"groupMay", privilegeOf(cell("Group"))},
+        {"everyoneMay", privilegeOf(cell("Everyone"))}};
 }
 
 std::string protocolsOf(const JSON& share) {
@@ -73,9 +76,10 @@ void list(CommandRun& run) {
     run.requireSMBConf();
     CommandRun::requireDirectory();
     JSON& shares = run.result()["shares"] = JSON::array();
+    const ServedShares served(*run.context().reviewer->smbConf());
     const int rows = run.control<NSTableView>(table).numberOfRows();
     for (int row = 0; row < rows; ++row) {
-        const JSON share = shareAt(run, row);
+        const JSON share = shareAt(run, served, row);
         run.say(share["name"].get<std::string>() + "\t" + share["folder"].get<std::string>() + "\t" +
                 protocolsOf(share) + (share["guests"].get<bool>() ? ", guests" : ""));
         shares.push_back(share);
@@ -94,7 +98,7 @@ void describe(CommandRun& run, const std::string& name) {
         return;
     }
     run.selectRows(table, {row});
-    JSON share = shareAt(run, row);
+    JSON share = shareAt(run, ServedShares(*run.context().reviewer->smbConf()), row);
     share["owner"] = run.control<NSPopUpButton>("owner").titleOfSelectedItem().value_or("");
     share["group"] = run.control<NSPopUpButton>("group").titleOfSelectedItem().value_or("");
     run.result()["share"] = share;
@@ -124,6 +128,21 @@ void chooseFolder(CommandRun& run, const std::string& folder) {
     }
 }
 
+bool isSharedOverSMB(const CommandRun& run) {
+    return run.control<NSPopUpButton>("sharingSMB").indexOfSelectedItem() == 1;
+}
+
+/// Selects the row, and corrects the menus if the server shares the share's folder under its name and the
+/// list counts that section as another share of the folder: saving would remove the section.
+void selectShare(CommandRun& run, const std::string& name, int row) {
+    run.selectRows(table, {row});
+    const ServedShares served(*run.context().reviewer->smbConf());
+    if (!isSharedOverSMB(run) && served.has(name, run.text("directory"))) {
+        run.select("sharingSMB", 1);
+        run.check("guestAccessButton", served.letsGuestsIn(name).value_or(false));
+    }
+}
+
 void fill(CommandRun& run, const ShareOptions& options) {
     if (options.folder) {
         chooseFolder(run, *options.folder);
@@ -138,6 +157,10 @@ void fill(CommandRun& run, const ShareOptions& options) {
     run.setIndex("everyonePrivs", indexOf(options.everyoneMay));
     run.setIndex("sharingSMB", options.smb ? std::optional(*options.smb ? 1 : 0) : std::nullopt);
     run.setIndex("sharingAFS", options.afp ? std::optional(*options.afp ? 1 : 0) : std::nullopt);
+    if (options.guests == true && !isSharedOverSMB(run)) {
+        CommandRun::fail(NSLocalizedString("guests may use a share over SMB only: give --smb as well"),
+                         CommandStatus::WrongUse);
+    }
     run.setBox("guestAccessButton", options.guests);
 }
 
@@ -156,14 +179,16 @@ void add(CommandRun& run, ShareOptions options) {
         options.smb = options.smb.value_or(!options.afp.value_or(false));
     } else {
         // Adding the same share again changes nothing; adding a different one with its name is a mistake.
-        run.selectRows(table, {row});
+        selectShare(run, options.name, row);
     }
     fill(run, options);
     if (row >= 0 && run.changes()) {
         CommandRun::fail(stringWithFormat(
             NSLocalizedString("a different share \"%@\" already exists; use shares set"), options.name));
     }
-    if (row >= 0 && !options.smb && !options.afp && protocolsOf(shareAt(run, row)) == unpublished) {
+    const bool isPublished =
+        isSharedOverSMB(run) || run.control<NSPopUpButton>("sharingAFS").indexOfSelectedItem() == 1;
+    if (row >= 0 && !options.smb && !options.afp && !isPublished) {
         run.setIndex("sharingSMB", 1); // an earlier attempt to add it stopped half way
     }
     write(run, options);
@@ -185,11 +210,11 @@ std::string servedFolder(const CommandRun& run, const std::string& name) {
                          folder, name));
 }
 
-/// Fails if the server still lets guests use the share: the list knows only one of that setting's spellings.
+/// Fails if the server still lets guests use the share: the list knows only one of that setting's spellings,
+/// and only the share's own section.
 void requireNoGuests(const CommandRun& run, const std::string& name) {
     const review::Reviewer& reviewer = *run.context().reviewer;
-    const SMBShare* const section = reviewer.smbConf()->section(name);
-    if (section != nullptr && serverFlag(*section, "guest ok", false)) {
+    if (ServedShares(*reviewer.smbConf()).letsGuestsIn(name).value_or(false)) {
         const auto readings = reviewer.otherReadings();
         const auto reading = readings.find(name);
         CommandRun::fail(
@@ -199,11 +224,10 @@ void requireNoGuests(const CommandRun& run, const std::string& name) {
 }
 
 void set(CommandRun& run, const ShareOptions& options) {
-    run.selectRows(table, {requireRow(run, options.name)});
+    selectShare(run, options.name, requireRow(run, options.name));
     fill(run, options);
     const std::string served = servedFolder(run, options.name);
-    const bool staysShared = run.control<NSPopUpButton>("sharingSMB").indexOfSelectedItem() == 1;
-    if (staysShared && options.folder && !served.empty() && served != run.text("directory")) {
+    if (isSharedOverSMB(run) && options.folder && !served.empty() && served != run.text("directory")) {
         failAsServed(served, options.name);
     }
     write(run, options);
@@ -219,6 +243,13 @@ void remove(CommandRun& run, const ShareOptions& options) {
     run.requireSMBConf();
     run.selectToRemove(table, "ShareName", options.name);
     run.press("deleteButton");
+    if (!run.context().options.isDryRun && ServedShares(SMBConf()).has(options.name)) {
+        CommandRun::fail(stringWithFormat(
+            NSLocalizedString(
+                "the SMB server still shares \"%@\": smb.conf has another section for it, which "
+                "must be removed by hand"),
+            options.name));
+    }
 }
 
 } // namespace

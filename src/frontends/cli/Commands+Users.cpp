@@ -119,10 +119,17 @@ void setPassword(CommandRun& run, const UserOptions& options) {
         password = options.password.read(options.name);
     }
     run.noteChange();
-    run.press("changePasswordButton");
-    if (!run.context().options.isDryRun) {
-        enterPassword(run, std::move(password));
+    if (run.context().options.isDryRun) {
+        // Opening the sheet changes nothing; the plan is that of the button in it.
+        run.perform([&] { run.control<NSButton>("changePasswordButton").performClick(); });
+        for (const char* field : {"passwordSecureText1", "passwordSecureText2"}) {
+            run.type(field, "any");
+        }
+        run.send("setPassword:");
+        return;
     }
+    run.press("changePasswordButton");
+    enterPassword(run, std::move(password));
 }
 
 /// Whether the user certainly has no password yet, so that an earlier attempt to add it stopped half way.
