@@ -3,6 +3,7 @@
 #include "platform/posix/ShellWord.h"
 
 #include <algorithm>
+#include <filesystem>
 #include <utility>
 
 namespace frontend {
@@ -57,7 +58,9 @@ Options parseOptions(std::vector<std::string> arguments) {
 
 std::string calledFor(const platform::HostOptions& host) {
     return std::string("brindle") + (host.system ? " --system" : "") +
-           (host.root.empty() ? "" : " --root " + platform::shellWord(host.root));
+           (host.root.empty()
+                ? ""
+                : " --root " + platform::shellWord(std::filesystem::absolute(host.root).string()));
 }
 
 } // namespace frontend

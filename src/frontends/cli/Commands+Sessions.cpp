@@ -108,11 +108,16 @@ void addSessionCommands(CLI::App& parser, CommandOptions& options) {
         ->add_option("--computer", given->computer, "End all connections of the computer with this address")
         ->type_name("ADDRESS")
         ->check(CLI::Validator(
-            [](const std::string& text) {
+            [](std::string& text) {
                 in6_addr address{}; // large enough for the other kind, too
-                const bool isAddress = ::inet_pton(AF_INET, text.c_str(), &address) == 1 ||
-                                       ::inet_pton(AF_INET6, text.c_str(), &address) == 1;
-                return isAddress ? std::string() : text + " is not an IP address";
+                std::array<char, INET6_ADDRSTRLEN> written{};
+                for (const int kind : {AF_INET, AF_INET6}) {
+                    if (::inet_pton(kind, text.c_str(), &address) == 1) {
+                        text = ::inet_ntop(kind, &address, written.data(), written.size()); // as Samba does
+                        return std::string();
+                    }
+                }
+                return text + " is not an IP address";
             },
             ""));
     sessions->parse_complete_callback([&options] { options.needsApplication = false; });

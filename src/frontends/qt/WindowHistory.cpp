@@ -85,8 +85,13 @@ class HistoryDialog : public QDialog {
         takeBack_ = addButton(*buttons, localizedTitle("Take Back…"));
         connect(takeBack_, &QPushButton::clicked, this, [this, &owner] {
             if (const auto* item = list_->currentItem()) {
-                owner.takeBack(item->data(0, numberRole).toLongLong(), this);
+                const auto number = item->data(0, numberRole).toLongLong();
+                const std::size_t before = entries_.size();
+                owner.takeBack(number, this);
                 fill();
+                if (entries_.size() == before) {
+                    select(number); // nothing new to look at
+                }
             }
         });
         connect(list_, &QTreeWidget::currentItemChanged, this, [this] { showCurrent(); });
@@ -117,6 +122,14 @@ class HistoryDialog : public QDialog {
         list_->resizeColumnToContents(3);
         list_->setCurrentItem(list_->topLevelItem(0));
         showCurrent();
+    }
+
+    void select(qlonglong number) {
+        for (int row = 0; row < list_->topLevelItemCount(); ++row) {
+            if (list_->topLevelItem(row)->data(0, numberRole).toLongLong() == number) {
+                list_->setCurrentItem(list_->topLevelItem(row));
+            }
+        }
     }
 
     void showCurrent() {
