@@ -198,12 +198,21 @@ std::string timeOf(const HistoryEntry& entry) {
 }
 
 std::string titleOf(const HistoryEntry& entry) {
+    // A share that was written by hand is there before it has a record.
+    std::map<std::string, Settings> sections;
+    for (const FileChange& file : entry.files) {
+        if (file.path == platform::systempath::smbConf) {
+            sections = sectionsOf(file.before);
+        }
+    }
     for (const Titles& texts : titles) {
+        const bool areShares = &texts == &titles.front();
         Happening happening;
         for (const RecordChange& record : entry.records) {
             if (record.path.starts_with(texts.folder)) {
-                happening.add(record.path.substr(texts.folder.size()),
-                              kindOf(record.before.has_value(), record.after.has_value()));
+                const std::string name = record.path.substr(texts.folder.size());
+                const bool wasThere = record.before || (areShares && sections.contains(name));
+                happening.add(name, kindOf(wasThere, record.after.has_value()));
             }
         }
         if (!happening.names.empty()) {
