@@ -113,6 +113,7 @@ TEST_F(Doctor, NamesEachFaultAndTheCommandThatRepairsIt) {
          "$BRINDLE_ROOT/etc/smb.conf",
          "", "[CASE]", "Case"},
         {"name-case", "true", "[Same]\npath = FOLDER/Docs\n[SAME]\npath = FOLDER/Docs\n", "[SAME]", "SAME"},
+        {"name-case", "true", "[HOMES]\nread only = yes\n", "[HOMES]", ""},
         {"hidden-section", "true", "[Scans] ; new\npath = FOLDER/Docs\n", "/etc/smb.conf:", "Scans"},
         {"no-password", "brindle users add ann --uid 1500 --group root --no-password --yes", "", "ann",
          "ann"},

@@ -224,6 +224,37 @@ void Examiner::examineSections() {
     }
 }
 
+void Examiner::examineOwnSections() {
+    std::set<std::string> known;
+    for (const auto& entry : conf_.Entries()) {
+        const std::string name = entry->ShareName();
+        const bool isGlobal = isServerGlobal(name);
+        if (entry->Type() != SMBGroup || entry->isUnnamed() || (!isGlobal && !isServerHomes(name))) {
+            continue;
+        }
+        const std::string meaning = isGlobal ? "global" : "homes";
+        if (name != meaning) {
+            find({.code = "name-case",
+                  .text = stringWithFormat(
+                      NSLocalizedString(
+                          "The SMB server takes the section [%@] for its [%@], and Brindle shows "
+                          "it as a share."),
+                      name, meaning),
+                  .where = section(name),
+                  .remedy = renameCommand(name, meaning)});
+        } else if (!known.insert(meaning).second) {
+            find({.code = "name-case",
+                  .text = stringWithFormat(
+                      NSLocalizedString(
+                          "There are two sections [%@]: the SMB server follows both, and Brindle "
+                          "shows one of them."),
+                      name),
+                  .where = section(name),
+                  .remedy = NSLocalizedString("Delete one of the two.")});
+        }
+    }
+}
+
 void Examiner::examineNames() {
     const auto tell = [&](const std::string& text, const std::string& first, const std::string& second,
                           const std::string& where, const std::string& remedy) {
@@ -247,6 +278,7 @@ void Examiner::examineNames() {
                  before->second == name ? NSLocalizedString("Delete one of the two.") : removeCommand(name));
         }
     }
+    examineOwnSections();
     std::map<std::string, std::string> records;
     for (const Share& share : shares_) {
         const auto [before, isNew] = records.emplace(platform::lowercased(share.name), share.name);

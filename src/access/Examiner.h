@@ -79,6 +79,8 @@ class Examiner {
     void examineRecord(const Share& share, const Known& known);
     void examineSections();
     void examineNames();
+    /// Examines the sections that the server takes for its own, "global" and "homes".
+    void examineOwnSections();
     void examineUser(const User& user);
     void examinePasswords();
     /// The user is in Samba's database or ought to be, and cannot log on.
