@@ -171,6 +171,25 @@ TEST_F(Surprises, AnAccountThatIsOverwrittenUnselectedAndAnIdThatChangesAreNamed
     EXPECT_EQ(warningsOf("addUserToGroup:"), "member-already");
 }
 
+TEST_F(Surprises, RightsThatUsersKeepAreNamed) {
+    addGroup("crew", "600");
+    nicl({"-create", "/users/bob", "gid", "600"});
+    nicl({"-append", "/groups/crew", "users", "bob", "adam"});
+    begin();
+    selectRow(*app().groupTableView, "Group", "crew");
+    selectRow(*app().groupUsersTableView, "User", "bob");
+    EXPECT_EQ(
+        sentence("removeUserFromGroup:", "keeps-rights"),
+        "\"crew\" is also the own group of these users, who keep its rights until they are given another "
+        "one: \"bob\".");
+    EXPECT_EQ(warningsOf("deleteSelectedGroup:"), "keeps-rights");
+    selectRow(*app().userTableView, "User", "bob");
+    choose("groupPopUp", "staff");
+    EXPECT_EQ(warningsOf("addNewUser:"), "keeps-rights");
+    selectRow(*app().groupUsersTableView, "User", "adam");
+    EXPECT_EQ(warningsOf("removeUserFromGroup:"), "");
+}
+
 TEST_F(Surprises, AMissingGroupIdReadsAsZeroAndIsNamed) {
     addGroup("wheel", "0");
     nicl({"-create", "/groups/bare"});

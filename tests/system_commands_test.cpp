@@ -64,6 +64,8 @@ TEST_F(SystemCommands, RefuseAccountsThatTheComputerDoesNotTakeBeforeTheFirstRun
             << finished.output;
     }
     EXPECT_TRUE(contains(command({"users", "remove", "chief"}).output, "is connected or logged in (brindle"));
+    run({"/usr/sbin/useradd", "-m", "-s", "/bin/sh", "lena"});
+    EXPECT_TRUE(contains(command({"users", "remove", "lena"}).output, "the home folder /home/lena stays"));
 }
 
 TEST_F(SystemCommands, ShowWhoIsConnectedAndDisconnectThroughTheHelper) {

@@ -137,6 +137,94 @@ void addMembersTwice(const Situation& situation, std::vector<Remark>* warnings) 
     }
 }
 
+/// Some of the names, quoted.
+std::string listOf(const std::vector<std::string>& names) {
+    constexpr std::size_t most = 3;
+    std::string list;
+    for (std::size_t index = 0; index < names.size() && index < most; ++index) {
+        list += (index == 0 ? "\"" : ", \"") + names[index] + "\"";
+    }
+    return names.size() <= most
+               ? list
+               : list + stringWithFormat(NSLocalizedString(", and %d more"), names.size() - most);
+}
+
+/// The users whose own group has this number, of all or of those in `among`.
+std::vector<std::string> usersOfGroup(const DirectoryView& directory, const std::string& gid,
+                                      const std::optional<std::set<std::string>>& among = {}) {
+    std::vector<std::string> users;
+    for (const DirectoryView::Record& user : directory.records("/users")) {
+        const auto names = valuesOf(user, "name");
+        const auto gids = valuesOf(user, "gid");
+        if (!names.empty() && !gids.empty() && !gid.empty() && gids.front() == gid &&
+            (!among || among->contains(names.front()))) {
+            users.push_back(names.front());
+        }
+    }
+    return users;
+}
+
+/// Leaving a group's members takes nothing away from those whose own group it is.
+void addOwnGroup(const Situation& situation, std::vector<Remark>* warnings) {
+    const std::string group = situation.before.selectedGroupName();
+    const std::string path = "/groups/" + group;
+    const auto membersIn = [&path](const DirectoryView& directory) {
+        const auto record = directory.record(path).value_or(DirectoryView::Record());
+        const auto values = valuesOf(record, "users");
+        return std::set<std::string>(values.begin(), values.end());
+    };
+    std::set<std::string> leaving = membersIn(situation.directoryBefore);
+    for (const std::string& member : membersIn(situation.directoryAfter)) {
+        leaving.erase(member);
+    }
+    const auto keeping =
+        usersOfGroup(situation.directoryAfter, situation.directoryAfter.value(path, "gid"), leaving);
+    if (!keeping.empty()) {
+        warnings->push_back(remark("keeps-rights",
+                                   "\"%@\" is also the own group of these users, who keep its rights until "
+                                   "they are given another one: %@.",
+                                   group, listOf(keeping)));
+    }
+}
+
+/// A user who gets another group stays a member of the former one.
+void addFormerGroup(const Situation& situation, std::vector<Remark>* warnings) {
+    const std::string user = situation.before.shortName->stringValue();
+    const std::string former = situation.directoryBefore.value("/users/" + user, "gid");
+    if (former.empty() || former == situation.directoryAfter.value("/users/" + user, "gid")) {
+        return;
+    }
+    for (const DirectoryView::Record& group : situation.directoryAfter.records("/groups")) {
+        const auto names = valuesOf(group, "name");
+        const auto gids = valuesOf(group, "gid");
+        const auto members = valuesOf(group, "users");
+        if (!names.empty() && !gids.empty() && gids.front() == former &&
+            std::ranges::find(members, user) != members.end()) {
+            warnings->push_back(remark("keeps-rights",
+                                       "The user \"%@\" stays a member of the group \"%@\" and keeps its "
+                                       "rights until you remove the user from that group.",
+                                       user, names.front()));
+        }
+    }
+}
+
+/// The number of a deleted group is given to the next new one, and with it the group's users.
+void addUsersOfDeletedGroup(const Situation& situation, std::vector<Remark>* warnings) {
+    const std::string group = situation.before.selectedGroupName();
+    const auto users =
+        usersOfGroup(situation.directoryBefore, situation.directoryBefore.value("/groups/" + group, "gid"));
+    if (!users.empty() && !situation.plan.runs.empty()) {
+        const bool isComputer = platform::Host::current().services().computer != nullptr;
+        warnings->push_back(remark("keeps-rights",
+                                   isComputer
+                                       ? "The group \"%@\" is the own group of these users, and the "
+                                         "computer will not delete it: %@."
+                                       : "The group \"%@\" is the own group of these users, who get the "
+                                         "rights of the next group with its number: %@.",
+                                   group, listOf(users)));
+    }
+}
+
 void addNumberOfAccounts(const Plan& plan, std::vector<Remark>* warnings) {
     std::set<RecordPath> accounts;
     for (const PlannedRun& run : plan.runs) {
@@ -165,8 +253,13 @@ pid_t processOf(const std::string& uid) {
     return 0;
 }
 
-/// Warns of users whose account the computer does not delete or renumber now.
-void addUsersInUse(const Situation& situation, std::vector<Remark>* warnings) {
+bool isLogin(std::string_view shell) {
+    return !shell.empty() && !shell.ends_with("/nologin") && !shell.ends_with("/false");
+}
+
+/// Warns of users whose account the computer does not delete or renumber now, and of those whose login goes
+/// with the account: Brindle makes none, and brings none back.
+void addComputersUsers(const Situation& situation, std::vector<Remark>* warnings) {
     for (const PlannedRun& run : situation.plan.runs) {
         const auto change =
             run.tool == platform::systempath::nicl ? directoryChange(run.arguments) : std::nullopt;
@@ -189,6 +282,11 @@ void addUsersInUse(const Situation& situation, std::vector<Remark>* warnings) {
                     : "The user \"%@\" is connected or logged in (%@, process %d): the computer will not "
                       "change their id.  End the connection or log them out first.",
                 path->back(), platform::programNameOf(process), process));
+        } else if (isDeleted && isLogin(situation.directoryBefore.value(change->path, "shell"))) {
+            warnings->push_back(remark("login-deleted",
+                                       "The user \"%@\" can log in to this computer: the login is deleted, "
+                                       "too, and the home folder %@ stays.",
+                                       path->back(), situation.directoryBefore.value(change->path, "home")));
         }
     }
 }
@@ -202,6 +300,7 @@ void addAccountWarnings(const Situation& situation, std::vector<Remark>* warning
                          {"/users", "uid", now.shortName->stringValue(), now.selectedUserName(), userTexts},
                          warnings);
         addMissingGroupId(situation, warnings);
+        addFormerGroup(situation, warnings);
         addPublicFolder(situation, warnings);
     } else if (situation.is("addNewGroup:")) {
         addEditedAccount(
@@ -209,10 +308,14 @@ void addAccountWarnings(const Situation& situation, std::vector<Remark>* warning
             warnings);
     } else if (situation.is("addUserToGroup:")) {
         addMembersTwice(situation, warnings);
+    } else if (situation.is("removeUserFromGroup:")) {
+        addOwnGroup(situation, warnings);
+    } else if (situation.is("deleteSelectedGroup:")) {
+        addUsersOfDeletedGroup(situation, warnings);
     }
     addNumberOfAccounts(situation.plan, warnings);
     if (platform::Host::current().services().computer != nullptr) {
-        addUsersInUse(situation, warnings);
+        addComputersUsers(situation, warnings);
     }
 }
 

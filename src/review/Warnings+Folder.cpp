@@ -12,6 +12,7 @@
 #include <utility>
 
 #include <sys/stat.h>
+#include <sys/xattr.h>
 
 namespace review {
 
@@ -122,6 +123,16 @@ void addRightsWarnings(const BRController& now, const FolderChange& change, std:
             "mode-changes",
             "The mode of the folder \"%@\" changes from %o to %o, although nobody touched those menus.",
             change.path, change.modeBefore, change.modeAfter));
+    }
+    constexpr mode_t groupBits = 0070; // they are the mask of an access control list, acl(5)
+    if (((change.modeBefore ^ change.modeAfter) & groupBits) != 0 &&
+        ::getxattr(change.path.c_str(), "system.posix_acl_access", nullptr, 0) > 0) {
+        warnings->push_back(
+            remark("access-list",
+                   "The folder \"%@\" has an access control list: what you give the group is "
+                   "the most that anybody in the list may do, and the group itself may do what "
+                   "the list says (getfacl).",
+                   change.path));
     }
     constexpr mode_t readAndWrite = 0600;
     if (change.changesMode() && (change.modeAfter & readAndWrite) == 0) {

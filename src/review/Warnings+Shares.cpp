@@ -295,8 +295,10 @@ class ShareWarnings {
     }
 
     static bool guestsWrite(const SMBShare* section) {
+        // "valid users" lets only those in whom it names.
         return section != nullptr && serverFlag(*section, "guest ok", false) &&
-               !serverFlag(*section, "read only", true);
+               !serverFlag(*section, "read only", true) &&
+               serverSetting(*section, "valid users").pair == nullptr;
     }
 
     const Situation& situation_;
