@@ -119,7 +119,7 @@ void SessionsDialog::disconnectSelected() {
         return;
     }
     if (!server_.disconnect(kind, what)) {
-        summary_->setText(localized("It was not disconnected; the system's log says why."));
+        summary_->setText(localized("It was not disconnected; the main window says why."));
         return;
     }
     fill();
