@@ -164,6 +164,10 @@ TEST(HistoryTitle, NamesTheKeysOrTheFoldersWhereSmbConfOnlyLooksDifferent) {
     entry.files = {{platform::systempath::appleFileServer, plist("<key>guestAccess</key><true/>"),
                     plist("<key>guestAccess</key><true/><key>loginGreeting</key><string>Hi</string>")}};
     EXPECT_EQ(titleOf(entry), "AFP settings changed: \"loginGreeting\"");
+    entry.files = {
+        {platform::systempath::smbConf, "[Docs]\npath = /a\n", "[Docs]\npath = /a\nguest ok = Yes\n"}};
+    entry.records = {{"/config/Brindle/Docs", {}, review::RecordChange::State::value_type()}};
+    EXPECT_EQ(titleOf(entry), "Share \"Docs\" changed") << "it was there before it had a record";
 }
 
 class OneUndo : public HistoryTest {

@@ -166,6 +166,17 @@ std::optional<std::string> afpTitle(const FileChange& file) {
                : std::optional(stringWithFormat(NSLocalizedString("AFP settings changed: %@"), listOf(keys)));
 }
 
+/// The sections of smb.conf before an action that has made a share's record: a share that was written by hand
+/// is there before it has one.
+std::map<std::string, Settings> sectionsBefore(const HistoryEntry& entry) {
+    const bool makesShare = std::ranges::any_of(entry.records, [](const RecordChange& record) {
+        return !record.before && record.path.starts_with(titles.front().folder);
+    });
+    const auto file = std::ranges::find(entry.files, platform::systempath::smbConf, &FileChange::path);
+    return makesShare && file != entry.files.end() ? sectionsOf(file->before)
+                                                   : std::map<std::string, Settings>();
+}
+
 } // namespace
 
 bool isSameRecord(const RecordChange::State& one, const RecordChange::State& other) {
@@ -198,13 +209,7 @@ std::string timeOf(const HistoryEntry& entry) {
 }
 
 std::string titleOf(const HistoryEntry& entry) {
-    // A share that was written by hand is there before it has a record.
-    std::map<std::string, Settings> sections;
-    for (const FileChange& file : entry.files) {
-        if (file.path == platform::systempath::smbConf) {
-            sections = sectionsOf(file.before);
-        }
-    }
+    const auto sections = sectionsBefore(entry);
     for (const Titles& texts : titles) {
         const bool areShares = &texts == &titles.front();
         Happening happening;

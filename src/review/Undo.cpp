@@ -73,7 +73,7 @@ class UndoPlanner {
         bool doesAgain = false;
         for (auto done = all_.begin(); first->undoes != 0; first = &*done, doesAgain = !doesAgain) {
             done = std::ranges::find(all_, first->undoes, &HistoryEntry::number);
-            if (done == all_.end()) {
+            if (done == all_.end() || done->number >= first->number) {
                 break;
             }
         }

@@ -137,33 +137,6 @@ void addMembersTwice(const Situation& situation, std::vector<Remark>* warnings) 
     }
 }
 
-/// Some of the names, quoted.
-std::string listOf(const std::vector<std::string>& names) {
-    constexpr std::size_t most = 3;
-    std::string list;
-    for (std::size_t index = 0; index < names.size() && index < most; ++index) {
-        list += (index == 0 ? "\"" : ", \"") + names[index] + "\"";
-    }
-    return names.size() <= most
-               ? list
-               : list + stringWithFormat(NSLocalizedString(", and %d more"), names.size() - most);
-}
-
-/// The users whose own group has this number, of all or of those in `among`.
-std::vector<std::string> usersOfGroup(const DirectoryView& directory, const std::string& gid,
-                                      const std::optional<std::set<std::string>>& among = {}) {
-    std::vector<std::string> users;
-    for (const DirectoryView::Record& user : directory.records("/users")) {
-        const auto names = valuesOf(user, "name");
-        const auto gids = valuesOf(user, "gid");
-        if (!names.empty() && !gids.empty() && !gid.empty() && gids.front() == gid &&
-            (!among || among->contains(names.front()))) {
-            users.push_back(names.front());
-        }
-    }
-    return users;
-}
-
 /// Leaving a group's members takes nothing away from those whose own group it is.
 void addOwnGroup(const Situation& situation, std::vector<Remark>* warnings) {
     const std::string group = situation.before.selectedGroupName();
@@ -173,12 +146,14 @@ void addOwnGroup(const Situation& situation, std::vector<Remark>* warnings) {
         const auto values = valuesOf(record, "users");
         return std::set<std::string>(values.begin(), values.end());
     };
-    std::set<std::string> leaving = membersIn(situation.directoryBefore);
-    for (const std::string& member : membersIn(situation.directoryAfter)) {
-        leaving.erase(member);
+    const std::set<std::string> after = membersIn(situation.directoryAfter);
+    const std::string gid = situation.directoryAfter.value(path, "gid");
+    std::vector<std::string> keeping;
+    for (const std::string& member : membersIn(situation.directoryBefore)) {
+        if (!after.contains(member) && situation.directoryAfter.value("/users/" + member, "gid") == gid) {
+            keeping.push_back("\"" + member + "\"");
+        }
     }
-    const auto keeping =
-        usersOfGroup(situation.directoryAfter, situation.directoryAfter.value(path, "gid"), leaving);
     if (!keeping.empty()) {
         warnings->push_back(remark("keeps-rights",
                                    "\"%@\" is also the own group of these users, who keep its rights until "
@@ -211,8 +186,15 @@ void addFormerGroup(const Situation& situation, std::vector<Remark>* warnings) {
 /// The number of a deleted group is given to the next new one, and with it the group's users.
 void addUsersOfDeletedGroup(const Situation& situation, std::vector<Remark>* warnings) {
     const std::string group = situation.before.selectedGroupName();
-    const auto users =
-        usersOfGroup(situation.directoryBefore, situation.directoryBefore.value("/groups/" + group, "gid"));
+    const std::string gid = situation.directoryBefore.value("/groups/" + group, "gid");
+    std::vector<std::string> users;
+    for (const DirectoryView::Record& user : situation.directoryBefore.records("/users")) {
+        const auto names = valuesOf(user, "name");
+        const auto gids = valuesOf(user, "gid");
+        if (!names.empty() && !gids.empty() && gids.front() == gid) {
+            users.push_back("\"" + names.front() + "\"");
+        }
+    }
     if (!users.empty() && !situation.plan.runs.empty()) {
         const bool isComputer = platform::Host::current().services().computer != nullptr;
         warnings->push_back(remark("keeps-rights",

@@ -23,9 +23,6 @@ namespace review {
 
 namespace {
 
-/// How many lines are named; the rest are only counted.
-constexpr std::size_t namedLines = 6;
-
 std::string_view trimmed(std::string_view text) {
     constexpr std::string_view white = " \t\r\f\v";
     text.remove_prefix(std::min(text.find_first_not_of(white), text.size()));
@@ -78,16 +75,12 @@ struct NamedLine {
 };
 
 std::string namesOf(const std::vector<NamedLine>& lines) {
-    std::string names;
-    for (std::size_t index = 0; index < lines.size() && index < namedLines; ++index) {
-        names += index == 0 ? "" : ", ";
-        names +=
-            stringWithFormat(NSLocalizedString("line %d \"%@\""), lines[index].number, lines[index].text);
+    std::vector<std::string> names;
+    names.reserve(lines.size());
+    for (const NamedLine& line : lines) {
+        names.push_back(stringWithFormat(NSLocalizedString("line %d \"%@\""), line.number, line.text));
     }
-    if (lines.size() > namedLines) {
-        names += stringWithFormat(NSLocalizedString(", and %d more"), lines.size() - namedLines);
-    }
-    return names;
+    return listOf(names);
 }
 
 /// The lines of the file that rewriting it loses or moves.
@@ -219,13 +212,7 @@ std::string changedOutside(const SMBConf& model, const std::string& file) {
             things.push_back(std::move(thing));
         }
     }
-    std::string names;
-    for (std::size_t index = 0; index < things.size() && index < namedLines; ++index) {
-        names += (index == 0 ? "" : ", ") + things[index];
-    }
-    return things.size() <= namedLines
-               ? names
-               : names + stringWithFormat(NSLocalizedString(", and %d more"), things.size() - namedLines);
+    return listOf(things);
 }
 
 /// What somebody else has done to the file since it was read, and what happens to that. A file that is

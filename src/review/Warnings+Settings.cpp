@@ -65,32 +65,25 @@ void addSection(const std::vector<SMBSetting>& settings, const SMBShare* before,
     }
 }
 
-/// How many settings are named; the rest are only counted.
-constexpr std::size_t namedSettings = 6;
-
 /// Names what becomes active with the home folders beside what the page shows: a comment with a "=" below a
 /// commented-out section counts as a setting of it, even if it is about the next share.
 void addWokenSettings(const SMBShare& homes, const std::vector<SMBSetting>& shown,
                       std::vector<Remark>* warnings) {
-    std::string names;
-    std::size_t count = 0;
+    std::vector<std::string> settings;
     for (const SMBPair& pair : homes.Props()) {
         const bool isShown = std::ranges::find(shown, pair.Name.view(), &SMBSetting::key) != shown.end();
         // The description of the shares that everybody sees anyway, as a new root's file has one, is no
         // danger.
         const bool isDescription = foldedSettingName(pair.Name.view()) == "comment";
-        if (!isShown && !isDescription && !SMBParser::isComment(pair.Name) && ++count <= namedSettings) {
-            names += (count == 1 ? "\"" : ", \"") + pair.Name.str() + " = " + pair.Value.str() + "\"";
+        if (!isShown && !isDescription && !SMBParser::isComment(pair.Name)) {
+            settings.push_back("\"" + pair.Name.str() + " = " + pair.Value.str() + "\"");
         }
     }
-    if (count > namedSettings) {
-        names += stringWithFormat(NSLocalizedString(", and %d more"), count - namedSettings);
-    }
-    if (count > 0) {
+    if (!settings.empty()) {
         warnings->push_back(remark("untouched-setting",
                                    "Sharing the home folders makes these settings of the commented-out "
                                    "section [homes] active, too: %@.",
-                                   names));
+                                   listOf(settings)));
     }
 }
 

@@ -56,6 +56,17 @@ bool Situation::writesSMBConf() const {
     });
 }
 
+std::string listOf(const std::vector<std::string>& things) {
+    constexpr std::size_t named = 6;
+    std::string list;
+    for (std::size_t index = 0; index < things.size() && index < named; ++index) {
+        list += (index == 0 ? "" : ", ") + things[index];
+    }
+    return things.size() <= named
+               ? list
+               : list + stringWithFormat(NSLocalizedString(", and %d more"), things.size() - named);
+}
+
 bool isForPersonsOnly(const Remark& warning) {
     return std::ranges::find(forPersonsOnly, warning.code) != forPersonsOnly.end();
 }

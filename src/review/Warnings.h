@@ -33,6 +33,9 @@ template <class... Arguments>
     return {code, stringWithFormat(NSLocalizedString(key), arguments...)};
 }
 
+/// The first six of the things, and how many more there are.
+[[nodiscard]] std::string listOf(const std::vector<std::string>& things);
+
 /// What might surprise the user when the plan is carried out. Each warning is a sentence that names what it
 /// is about.
 [[nodiscard]] std::vector<Remark> warningsOf(const Situation& situation);
