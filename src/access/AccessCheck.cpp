@@ -106,7 +106,10 @@ const platform::Result<FolderRights>& AccessCheck::folder(const std::string& pat
 bool AccessCheck::findShare(Visit& visit) {
     const std::string& name = visit.answer.share;
     if (!conf_.unreadableReason().empty()) {
-        return visit.refuse("unreadable-file", conf_.unreadableReason(), server_.file);
+        return visit.refuse("unreadable-file",
+                            stringWithFormat(NSLocalizedString("%@ cannot be read: %@."), server_.file,
+                                             NSLocalizedString(conf_.unreadableReason())),
+                            server_.file);
     }
     visit.share = isServerGlobal(name) || isServerHomes(name) ? nullptr : shares_.find(name);
     visit.answer.reason = visit.share == nullptr ? reasonElsewhere(name) : hiddenReason(name);

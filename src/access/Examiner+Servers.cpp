@@ -64,7 +64,8 @@ bool exists(const std::string& file) {
 void Examiner::examineSettings() {
     if (!conf_.unreadableReason().empty()) {
         find({.code = "unreadable-file",
-              .text = conf_.unreadableReason(),
+              .text = stringWithFormat(NSLocalizedString("%@ cannot be read: %@."), smbConfFile_,
+                                       NSLocalizedString(conf_.unreadableReason())),
               .where = smbConfFile_,
               .remedy = {}});
         return;

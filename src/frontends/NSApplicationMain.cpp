@@ -182,8 +182,9 @@ std::string tableName(const std::string& printed) {
 /// Returns why the table does not show all there is; empty when it does.
 std::string whatLacks(const Application& application, const std::string& printed) {
     const SMBConf* conf = printed == "shares" ? application.reviewer()->smbConf() : nullptr;
-    return conf != nullptr && !conf->unreadableReason().empty() ? conf->unreadableReason()
-                                                                : review::directoryNotice();
+    return conf != nullptr && !conf->unreadableReason().empty()
+               ? "smb.conf cannot be read: " + conf->unreadableReason()
+               : review::directoryNotice();
 }
 
 Status printTable(const Options& options) {
