@@ -104,6 +104,8 @@ TEST_F(MainWindow, APasswordSheetNamesItsUserAndIsCancelledWithoutATrace) {
     QTest::keyClick(&widget<QLineEdit>("passwordSecureText1"), Qt::Key_Return);
     EXPECT_EQ(text("passwordErrorText"), "Passwords Do Not Match");
     QTest::keyClick(&widget<QLineEdit>("passwordSecureText1"), Qt::Key_Escape);
+    clickTitled("New User");
+    EXPECT_EQ(menu.currentIndex(), 0) << "not that of the last user";
     EXPECT_FALSE(sheet.isVisible());
     EXPECT_TRUE(host.runs.empty());
     EXPECT_EQ(text("passwordSecureText1") + text("passwordErrorText"), "");

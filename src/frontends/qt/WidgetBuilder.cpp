@@ -195,7 +195,7 @@ QWidget* WidgetBuilder::makeTable(const InterfaceNode& node) {
     QObject::connect(view, &TableView::menuAsked, view,
                      [this, table](QMenu& menu) { actions_.addButtonsOf(table->name(), menu); });
     new Binding(view, queue_, table->changed, [this, table] {
-        actions_.turnOffBoxesWithoutRow(*table);
+        actions_.showDefaultsWithoutRow(*table);
         actions_.showNothingForMissingNumbers(*table);
     });
     if (!node.attribute("empty").empty()) {
