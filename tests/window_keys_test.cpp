@@ -148,6 +148,24 @@ TEST_F(Keys, ALetterOfThePageAndTheEditorMeansWhatIsNearerToTheCursor) {
     EXPECT_GT(shared, 0);
 }
 
+TEST_F(Keys, ALetterStaysWithItsButtonWhenAnotherTitleChanges) {
+    addUser("alice", "501");
+    openAll();
+    showPage(1);
+    const auto others = [this] {
+        QStringList titles;
+        for (const auto* each : window().findChildren<QAbstractButton*>()) {
+            titles += each->isVisible() && each->objectName() != "addNewUserButton" ? each->text() : "";
+        }
+        return titles;
+    };
+    settle();
+    const QStringList before = others();
+    clickRow("userTableView", 0);
+    settle();
+    EXPECT_EQ(others(), before) << others().join('|').toStdString();
+}
+
 TEST_F(Keys, NoKeyOfTheWindowHasTwoMeanings) {
     openAll();
     std::map<QString, QString> meanings;

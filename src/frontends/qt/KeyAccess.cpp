@@ -110,7 +110,9 @@ void markWidgets(QList<QWidget*> widgets, QSet<QChar>& taken, const QSet<QChar>&
     std::ranges::stable_sort(widgets, {}, rank);
     std::vector<Titled> titles;
     for (QWidget* each : widgets) {
-        titles.push_back({plainTitle(titleOf(each)), nameOf(each)});
+        const QKeySequence key = QKeySequence::mnemonic(titleOf(each));
+        titles.push_back({plainTitle(titleOf(each)), nameOf(each),
+                          key.isEmpty() ? QChar() : QChar(static_cast<char16_t>(key[0].key()))});
     }
     const QStringList texts = titlesWithMnemonics(titles, taken, shared);
     for (qsizetype place = 0; place < widgets.size(); ++place) {
