@@ -3,6 +3,7 @@
 #include "frontends/qt/PlainStyle.h"
 #include "platform/appkit/NSApplication.h"
 
+#include <QGuiApplication>
 #include <QHeaderView>
 #include <QResizeEvent>
 #include <QStyledItemDelegate>
@@ -111,7 +112,9 @@ void TableView::setUpHeader() {
     restoreColumns();
     connect(header, &QHeaderView::customContextMenuRequested, this, &TableView::showColumnMenu);
     connect(header, &QHeaderView::sectionResized, this, [this] {
-        if (!loading_ && horizontalHeader()->underMouse()) {
+        // Not only the user changes widths while the pointer rests on the header.
+        if (!loading_ && horizontalHeader()->underMouse() &&
+            QGuiApplication::mouseButtons().testFlag(Qt::LeftButton)) {
             widthsAreUsers_ = true;
             remembering_.start();
         }
