@@ -219,6 +219,9 @@ TEST_F(Keys, TakeBackTheLastChangeAndInAFieldWhatWasTyped) {
     ASSERT_EQ(columnOf("normalTableView", "ShareName"), std::vector<std::string>{});
     press(Qt::Key_E, Qt::ControlModifier);
     EXPECT_EQ(focused(), "shareName");
+    QKeyEvent closing(QEvent::ShortcutOverride, Qt::Key_E, Qt::ControlModifier);
+    QApplication::sendEvent(&widget<QWidget>("shareName"), &closing);
+    EXPECT_FALSE(closing.isAccepted()) << "the field keeps the key to itself";
     typeInto("shareName", "abc");
     press(Qt::Key_Z, Qt::ControlModifier);
     EXPECT_NE(text("shareName"), "abc");
