@@ -92,9 +92,11 @@ TEST_F(Room, OnASmallScreenTheDrawerCoversTheTableAndItsButtonsStayVisible) {
 }
 
 TEST_F(Room, OnALargeScreenTheDrawerIsBesideTheTableUntilTheWindowIsMadeNarrow) {
+    addShare(std::string(190, 'w'), "/folders/Docs");
     openOn(1600, 900);
     const int table = widget<QTableView>("normalTableView").width();
-    clickTitled("New Share");
+    clickRow("normalTableView", 0);
+    clickTitled("Edit Share");
     QApplication::processEvents();
     EXPECT_EQ(window().width(), 900 + drawer().width());
     EXPECT_EQ(widget<QTableView>("normalTableView").width(), table);
@@ -155,7 +157,8 @@ TEST_F(Room, AReviewFitsTheScreenWithItsDetailsAndScrolls) {
     review::Plan plan;
     for (int run = 0; run < 80; ++run) {
         plan.runs.push_back({"/usr/bin/nicl", {".", "-delete", "/users/user" + std::to_string(run)}, ""});
-        plan.warnings.push_back({"name", "User " + std::to_string(run) + " is the last one in a group."});
+        plan.warnings.push_back({"name", "User " + std::string(static_cast<std::size_t>(run), 'w') +
+                                             " is the last one in a group."});
     }
     const auto dialog = frontend::makePlanDialog(plan, &window());
     dialog->show();
@@ -167,6 +170,9 @@ TEST_F(Room, AReviewFitsTheScreenWithItsDetailsAndScrolls) {
         QApplication::processEvents();
         EXPECT_GT(dialog->height(), 300);
         EXPECT_LE(dialog->frameGeometry().height(), 600);
+        for (const auto* label : dialog->findChildren<QLabel*>()) {
+            EXPECT_LE(label->minimumSizeHint().width(), label->width()) << "a name is cut off";
+        }
         for (const auto* button : dialog->findChildren<QPushButton*>()) {
             EXPECT_TRUE(isInSight(*button)) << button->text().toStdString();
         }
