@@ -134,6 +134,12 @@ QWidget* WidgetBuilder::makeMatrix(const InterfaceNode& node) {
 QWidget* WidgetBuilder::makeTable(const InterfaceNode& node) {
     auto* table = modelOf<NSTableView>(node);
     auto* view = new TableView(*table, node.attribute("nameColumn"), queue_);
+    visitNodes(actions_.interface().root(), [table, view](const InterfaceNode& each) {
+        if (const auto* field = modelOf<NSTextField>(each);
+            field != nullptr && each.attribute("namesRow") == table->name() && !table->name().empty()) {
+            view->setNameField(*field);
+        }
+    });
     QObject::connect(view, &TableView::editAsked, view,
                      [this, table] { actions_.useButtonOf(table->name(), "edit"); });
     QObject::connect(view, &TableView::deletionAsked, view,

@@ -3,6 +3,7 @@
 #include "frontends/qt/Inks.h"
 #include "frontends/qt/NodeAttributes.h"
 #include "frontends/qt/WidgetBuilder.h"
+#include "platform/appkit/NSTableView.h"
 #include "platform/appkit/NSTextField.h"
 #include "platform/appkit/ShownWhen.h"
 
@@ -59,6 +60,17 @@ void showTextOf(NSTextField& field, QLabel& label, const std::string& style, Ref
     });
 }
 
+/// Makes the field name the selected row of the table, also when the row has moved.
+void nameRowOf(NSTableView& table, NSTextField& field, QLabel& label, const platform::Interface& interface,
+               RefreshQueue& queue) {
+    const std::string& column = interface.findNode(table.name())->attribute("nameColumn");
+    if (const NSTableColumn* names = table.tableColumnWithIdentifier(column)) {
+        new Binding(&label, queue, table.changed, [&table, &field, names] {
+            field.setStringValue(table.objectValue(*names, table.selectedRow()));
+        });
+    }
+}
+
 /// Makes the label visible only while the condition in its attribute `when` holds.
 void showWhen(QLabel& label, const InterfaceNode& node, const WindowActions& actions, RefreshQueue& queue) {
     const auto follow = [&label, &node, &actions] { setVisibleInParent(label, isShown(node, actions)); };
@@ -83,6 +95,10 @@ QWidget* WidgetBuilder::makeLabel(const InterfaceNode& node) {
     useStyle(*label, node.attribute("style"));
     if (field != nullptr) {
         showTextOf(*field, *label, node.attribute("style"), queue_);
+    }
+    if (auto* table = actions_.find<NSTableView>(node.attribute("rowOf"));
+        table != nullptr && field != nullptr) {
+        nameRowOf(*table, *field, *label, actions_.interface(), queue_);
     }
     if (auto* about = actions_.find<NSTextField>(node.attribute("about"))) {
         new Binding(label, queue_, about->changed,
