@@ -68,7 +68,7 @@ TEST_F(MainWindow, AShareIsMadeInTheDrawerAndNamedBesideItsDeletion) {
     ASSERT_EQ(widget<QTableView>("normalTableView").model()->rowCount(), 1);
     EXPECT_EQ(columnOf("normalTableView", "DirectoryPath"), std::vector<std::string>{folder});
     EXPECT_NE(host.read("etc/smb.conf").find("[Films]"), std::string::npos);
-    EXPECT_EQ(widget<QLabel>("selectedShareName").text(), "Films");
+    EXPECT_EQ(widget<QLabel>("selectedShareName").accessibleName(), "Films");
     // The folder is treated as chosen, so its privileges are read from the disk.
     EXPECT_EQ(control<NSPopUpButton>("ownerPrivs").indexOfSelectedItem(), 0);
     EXPECT_TRUE(host.panels.empty());

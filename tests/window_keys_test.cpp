@@ -148,6 +148,24 @@ TEST_F(Keys, ALetterOfThePageAndTheEditorMeansWhatIsNearerToTheCursor) {
     EXPECT_GT(shared, 0);
 }
 
+TEST_F(Keys, ALetterStaysWithItsButtonWhenAnotherTitleChanges) {
+    addUser("alice", "501");
+    openAll();
+    showPage(1);
+    const auto others = [this] {
+        QStringList titles;
+        for (const auto* each : window().findChildren<QAbstractButton*>()) {
+            titles += each->isVisible() && each->objectName() != "addNewUserButton" ? each->text() : "";
+        }
+        return titles;
+    };
+    settle();
+    const QStringList before = others();
+    clickRow("userTableView", 0);
+    settle();
+    EXPECT_EQ(others(), before) << others().join('|').toStdString();
+}
+
 TEST_F(Keys, NoKeyOfTheWindowHasTwoMeanings) {
     openAll();
     std::map<QString, QString> meanings;
@@ -201,6 +219,9 @@ TEST_F(Keys, TakeBackTheLastChangeAndInAFieldWhatWasTyped) {
     ASSERT_EQ(columnOf("normalTableView", "ShareName"), std::vector<std::string>{});
     press(Qt::Key_E, Qt::ControlModifier);
     EXPECT_EQ(focused(), "shareName");
+    QKeyEvent closing(QEvent::ShortcutOverride, Qt::Key_E, Qt::ControlModifier);
+    QApplication::sendEvent(&widget<QWidget>("shareName"), &closing);
+    EXPECT_FALSE(closing.isAccepted()) << "the field keeps the key to itself";
     typeInto("shareName", "abc");
     press(Qt::Key_Z, Qt::ControlModifier);
     EXPECT_NE(text("shareName"), "abc");

@@ -147,6 +147,8 @@ TEST_F(Lists, ColumnsAreRestoredAsTheyWereArranged) {
     header->moveSection(1, 0);
     header->setSortIndicator(-1, Qt::AscendingOrder);
     EXPECT_EQ(names(), (QStringList{"Docs", "Music"}));
+    header->setAttribute(Qt::WA_UnderMouse); // the widths are the window's own all the same
+    widget<QWidget>("mainWindow").resize(1000, 600);
     QTest::qWait(400); // it is saved after the last change
     EXPECT_TRUE(defaults.stringForKey(key).value_or("").starts_with("ShareName\t0\tshown\t\nSMB\t"))
         << defaults.stringForKey(key).value_or("");

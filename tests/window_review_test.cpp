@@ -166,12 +166,36 @@ TEST_F(WindowReviewLineByLine, EditsOnAnotherPageStayWhenASaveTakesUpWhatSomebod
     EXPECT_EQ(text("smbWorkGroup"), "OTHER") << "what is saved is no edit any more";
 }
 
-TEST_F(WindowReviewTest, RevertingTheAFPSettingsShowsWhatIsOnDiskNow) {
+TEST_F(WindowReviewTest, AnEditEndsWhenItIsSavedOrRevertedOrMakesRoomForAnotherValue) {
+    addShare("Docs", "/gone/docs");
+    addShare("Films", "/gone/films");
+    const auto writeOutside = [this] {
+        host.write("Library/Preferences/com.apple.AppleFileServer.plist",
+                   "<plist><dict><key>loginGreeting</key><string>Outside</string></dict></plist>");
+    };
+    writeOutside();
     openWith("");
+    clickRow("normalTableView", 0);
+    clickTitled("Edit Share");
+    auto& smb = control<NSPopUpButton>("sharingSMB");
+    for (const bool isReverted : {false, true}) {
+        smb.performSelect(0); // what was shown before
+        EXPECT_TRUE(smb.isEdited());
+        isReverted ? clickTitled("Revert") : clickRow("normalTableView", 1);
+        EXPECT_FALSE(smb.isEdited()) << isReverted;
+    }
+    smb.performSelect(1);
+    clickTitled("New Share");
+    smb.selectItemAtIndex(1);
+    EXPECT_FALSE(smb.isEdited()) << "the program shows the same by chance";
     showPage(3);
     typeInto("greeting", "Hello");
-    host.write("Library/Preferences/com.apple.AppleFileServer.plist",
-               "<plist><dict><key>loginGreeting</key><string>Outside</string></dict></plist>");
+    answer({"Go On"});
+    clickTitled("Save");
+    writeOutside();
+    answer({"Cancel"});
+    clickTitled("Save");
+    EXPECT_TRUE(lastText.contains("nobody touched")) << lastText.toStdString();
     clickTitled("Revert");
     EXPECT_EQ(text("greeting"), "Outside");
 }

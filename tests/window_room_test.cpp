@@ -92,9 +92,11 @@ TEST_F(Room, OnASmallScreenTheDrawerCoversTheTableAndItsButtonsStayVisible) {
 }
 
 TEST_F(Room, OnALargeScreenTheDrawerIsBesideTheTableUntilTheWindowIsMadeNarrow) {
+    addShare(std::string(190, 'w'), "/folders/Docs");
     openOn(1600, 900);
     const int table = widget<QTableView>("normalTableView").width();
-    clickTitled("New Share");
+    clickRow("normalTableView", 0);
+    clickTitled("Edit Share");
     QApplication::processEvents();
     EXPECT_EQ(window().width(), 900 + drawer().width());
     EXPECT_EQ(widget<QTableView>("normalTableView").width(), table);
@@ -155,7 +157,8 @@ TEST_F(Room, AReviewFitsTheScreenWithItsDetailsAndScrolls) {
     review::Plan plan;
     for (int run = 0; run < 80; ++run) {
         plan.runs.push_back({"/usr/bin/nicl", {".", "-delete", "/users/user" + std::to_string(run)}, ""});
-        plan.warnings.push_back({"name", "User " + std::to_string(run) + " is the last one in a group."});
+        plan.warnings.push_back({"name", "User " + std::string(static_cast<std::size_t>(run), 'w') +
+                                             " is the last one in a group."});
     }
     const auto dialog = frontend::makePlanDialog(plan, &window());
     dialog->show();
@@ -167,6 +170,9 @@ TEST_F(Room, AReviewFitsTheScreenWithItsDetailsAndScrolls) {
         QApplication::processEvents();
         EXPECT_GT(dialog->height(), 300);
         EXPECT_LE(dialog->frameGeometry().height(), 600);
+        for (const auto* label : dialog->findChildren<QLabel*>()) {
+            EXPECT_LE(label->minimumSizeHint().width(), label->width()) << "a name is cut off";
+        }
         for (const auto* button : dialog->findChildren<QPushButton*>()) {
             EXPECT_TRUE(isInSight(*button)) << button->text().toStdString();
         }
@@ -183,11 +189,11 @@ TEST(AWindowsPlace, IsKeptIfItsTitleCanBeReachedAndElseMovedIntoView) {
 
     for (const Case& each : {
              Case{QRect(100, 50, 900, 600), QRect(100, 50, 900, 600)},
-             Case{QRect(-700, 300, 900, 600), QRect(-700, 300, 900, 600)},  // partly outside, kept
-             Case{QRect(1300, 20, 900, 540), QRect(1300, 20, 900, 540)},    // on the other screen
-             Case{QRect(3000, 20, 900, 600), QRect(190, 100, 900, 600)},    // on a screen that is gone
-             Case{QRect(100, -500, 900, 600), QRect(190, 100, 900, 600)},   // its title cannot be reached
-             Case{QRect(1400, 200, 1600, 900), QRect(1280, 36, 1024, 564)}, // from a larger screen
+             Case{QRect(-700, 300, 900, 600), QRect(-700, 300, 900, 600)}, // partly outside, kept
+             Case{QRect(1300, 20, 900, 540), QRect(1300, 20, 900, 540)},   // on the other screen
+             Case{QRect(3000, 20, 900, 600), QRect(190, 100, 900, 600)},   // on a screen that is gone
+             Case{QRect(100, -500, 900, 600), QRect(190, 100, 900, 600)},  // its title cannot be reached
+             Case{QRect(1400, 200, 1600, 900), QRect(1280, 0, 1024, 564)}, // from a larger screen
          }) {
         EXPECT_EQ(frontend::placeInView(each.left, screens), each.back)
             << each.left.x() << ' ' << each.left.y();

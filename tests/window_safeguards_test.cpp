@@ -32,19 +32,36 @@ TEST_F(MainWindow, DeletingAShareNamesItAndLeavesNothingSelectedOrFocusedThatDel
 }
 
 TEST_F(MainWindow, ASelectionFollowsItsNameWhenTheListChangesOrIsCleared) {
+    for (const char* share : {"Docs", "Films"}) {
+        addShare(share, "/gone");
+    }
     addGroup("staff", "20");
+    addGroup("club", "501");
     addUser("alice", "501");
     addUser("bob", "502");
     open();
+    clickRow("normalTableView", 1);
+    nicl({"-delete", "/config/Brindle/Docs"});
+    clickTitled("Refresh");
+    EXPECT_EQ(text("selectedShareName"), "Films") << "named in the question before it is deleted";
     showPage(1);
     clickRow("userTableView", 1);
+    typeInto("fullName", "Robert");
     addUser("carol", "503");
-    clickTitled("Refresh");
-    EXPECT_EQ(text("shortName"), "bob");
     nicl({"-delete", "/users/alice"});
     clickTitled("Refresh"); // carol is now in bob's row
+    EXPECT_EQ(control<NSTableView>("userTableView").selectedRow(), 0);
+    EXPECT_EQ(text("shortName") + text("fullName"), "bobRobert");
+    nicl({"-delete", "/users/bob"});
+    clickTitled("Refresh");
     EXPECT_EQ(text("shortName"), "");
     EXPECT_FALSE(widget<QPushButton>("deleteUserButton").isEnabled());
+    showPage(2);
+    clickRow("groupTableView", 1);
+    nicl({"-delete", "/groups/staff"});
+    control<NSButton>("showSystemUsersGroups3").performClick(); // fills the editor, from the old row
+    QApplication::processEvents();
+    EXPECT_EQ(text("groupName"), "club");
 }
 
 TEST_F(MainWindow, TheEditorOfARowThatIsGoneIsEmptiedButNotUnderASheet) {
@@ -87,6 +104,8 @@ TEST_F(MainWindow, AUserWithoutAGroupIdIsNotShownInGroupZero) {
     control<NSPopUpButton>("groupPopUp").performSelect(0);
     clickTitled("Revert");
     EXPECT_EQ(menu.currentIndex(), -1);
+    clickTitled("New User");
+    EXPECT_EQ(menu.currentIndex(), 0) << "not that of the last user";
 }
 
 TEST_F(MainWindow, APasswordSheetNamesItsUserAndIsCancelledWithoutATrace) {

@@ -56,7 +56,7 @@ class WindowStatusTest : public WindowWithHistory {
 TEST_F(WindowStatusTest, AShareIsAnnouncedWithItsAddressToCopyAndTakenBackFromThere) {
     host.write("etc/smb.conf", "[Docs]\n\tpath = " + host.root().string() + "\n");
     openWithHistory();
-    frontend->useServer({"smb://127.0.0.1:4455/", "SMB server", false});
+    frontend->useServer({"smb://127.0.0.1:4455/", std::string(400, 'w'), false});
     EXPECT_EQ(status(), "");
     clickRow("normalTableView", 0);
     clickTitled("Edit Share");
@@ -65,6 +65,8 @@ TEST_F(WindowStatusTest, AShareIsAnnouncedWithItsAddressToCopyAndTakenBackFromTh
     click("createNewShare");
     EXPECT_EQ(text("shareName"), "") << "no longer the editor's";
     EXPECT_EQ(status(), "My Docs is shared at smb://127.0.0.1:4455/My%20Docs.");
+    QApplication::processEvents();
+    EXPECT_EQ(widget<QLabel>("statusText").text().toStdString(), status()) << "with all its words";
     click("statusCopy");
     EXPECT_EQ(QApplication::clipboard()->text(), "smb://127.0.0.1:4455/My%20Docs");
     ASSERT_TRUE(widget<QPushButton>("statusUndo").isVisible());

@@ -82,6 +82,22 @@ void Binding::markDirty() {
     }
 }
 
+QString breakable(const QString& text) {
+    constexpr int longest = 24; // characters that fit into every dialog
+    constexpr QChar mayBreakHere(u'\u200B');
+    QString broken;
+    int length = 0;
+    for (const QChar each : text) {
+        length = each.isSpace() ? 0 : length + 1;
+        if (length > longest && !each.isLowSurrogate() && !each.isMark()) {
+            broken += mayBreakHere;
+            length = 1;
+        }
+        broken += each;
+    }
+    return broken;
+}
+
 void afterFirstPaint(QObject* owner, std::function<void()> work) {
     // The time counts from when the event loop runs again: at the start the tables are filled before that.
     constexpr auto whenPainted = std::chrono::milliseconds(50);

@@ -86,13 +86,16 @@ void afterFirstPaint(QObject* owner, std::function<void()> work);
     return shown(NSLocalizedString(key));
 }
 
+/// Returns the text with places in its very long words where Qt may break the line.
+[[nodiscard]] QString breakable(const QString& text);
+
 /// Returns HTML that shows the text verbatim, with its blanks and line breaks; empty for an empty text. For
 /// places where Qt guesses whether a text is HTML (tool tips, message boxes), so that a name that looks like
 /// markup is shown unchanged.
 [[nodiscard]] inline QString asItIs(const QString& text, const char* weight = "normal") {
     return text.isEmpty() ? QString()
                           : QString::fromLatin1("<p style='white-space: pre-wrap; font-weight: %1'>%2</p>")
-                                .arg(QLatin1String(weight), text.toHtmlEscaped());
+                                .arg(QLatin1String(weight), breakable(text).toHtmlEscaped());
 }
 
 /// Returns the text as a title in which "&" shows as an ampersand and marks no mnemonic.

@@ -13,7 +13,9 @@
 #include <QCoreApplication>
 #include <QEvent>
 #include <QFileDialog>
+#include <QKeyEvent>
 #include <QLabel>
+#include <QLineEdit>
 #include <QMainWindow>
 #include <QMenu>
 #include <QMenuBar>
@@ -110,7 +112,9 @@ void markWidgets(QList<QWidget*> widgets, QSet<QChar>& taken, const QSet<QChar>&
     std::ranges::stable_sort(widgets, {}, rank);
     std::vector<Titled> titles;
     for (QWidget* each : widgets) {
-        titles.push_back({plainTitle(titleOf(each)), nameOf(each)});
+        const QKeySequence key = QKeySequence::mnemonic(titleOf(each));
+        titles.push_back({plainTitle(titleOf(each)), nameOf(each),
+                          key.isEmpty() ? QChar() : QChar(static_cast<char16_t>(key[0].key()))});
     }
     const QStringList texts = titlesWithMnemonics(titles, taken, shared);
     for (qsizetype place = 0; place < widgets.size(); ++place) {
@@ -210,6 +214,11 @@ bool KeyAccess::eventFilter(QObject* watched, QEvent* event) {
     if (type == QEvent::Shortcut) {
         const auto& shortcut = static_cast<const QShortcutEvent&>(*event);
         return shortcut.isAmbiguous() && useNearest(shortcut.key());
+    }
+    if (type == QEvent::ShortcutOverride && qobject_cast<QLineEdit*>(watched) != nullptr &&
+        static_cast<QKeyEvent*>(event)->keyCombination() == QKeyCombination(Qt::CTRL, Qt::Key_E)) {
+        event->ignore(); // on some desktops a field would take the menu's key as "end of line"
+        return true;
     }
     const bool isOfActions = type == QEvent::ActionAdded || type == QEvent::ActionChanged;
     if (type != QEvent::Show && type != QEvent::HideToParent && type != QEvent::LayoutRequest &&

@@ -13,8 +13,9 @@ class QMenuBar;
 namespace frontend {
 
 /// Keeps all of the application's windows and menus usable with the keyboard alone: Tab follows the reading
-/// order, and titles have mnemonics (Mnemonics.h). A window's mnemonics are assigned again when its contents
-/// change: first the menu bar's, then the page's, then the drawer's and the foot's, so that what comes and
+/// order, and titles have mnemonics (Mnemonics.h). When a window's contents change, titles without a mnemonic
+/// get one, and the others keep theirs, so that a key that was learned does not come to mean something else:
+/// first the menu bar's, then the page's, then the drawer's and the foot's, so that what comes and
 /// goes there does not change the others. If a letter is used on the page and beside it, the use nearer to
 /// the focus counts. Create it after the Qt application object.
 class KeyAccess : public QObject {

@@ -67,7 +67,8 @@ QString lettersFor(const Titled& titled) {
     return letters + QLatin1String("ABCDEFGHIJKLMNOPQRSTUVWXYZ");
 }
 
-/// Which text has which letter. A later text may take one from an earlier text that can use another.
+/// Which text has which letter. A later text may take one from an earlier text that can use another, but
+/// takes a free one first if texts have letters already.
 class Letters {
   public:
     Letters(const std::vector<Titled>& texts, const QSet<QChar>& taken, const QSet<QChar>& shared) {
@@ -76,43 +77,57 @@ class Letters {
             wanted.removeIf([&taken](QChar letter) { return taken.contains(letter); });
             wanted_.push_back(wanted);
         }
+        keep(texts);
         const std::vector<QString> all = wanted_;
-        const auto giveExcept = [this, &all](const auto& isAvoided) {
-            wanted_ = all;
-            for (QString& each : wanted_) {
-                each.removeIf(isAvoided);
+        for (const bool mayTake : {false, true}) {
+            const auto giveExcept = [this, &all, mayTake](const auto& isAvoided) {
+                wanted_ = all;
+                for (QString& each : wanted_) {
+                    each.removeIf(isAvoided);
+                }
+                giveAll(mayTake);
+            };
+            if (mayTake || !holders_.isEmpty()) {
+                giveExcept([&shared](QChar letter) { return isRare(letter) || shared.contains(letter); });
+                giveExcept(isRare);
+                giveExcept([](QChar) { return false; });
             }
-            giveAll();
-        };
-        giveExcept([&shared](QChar letter) { return isRare(letter) || shared.contains(letter); });
-        giveExcept(isRare);
-        giveExcept([](QChar) { return false; });
+        }
     }
 
     /// Returns the text's letter; a null character when it has none.
     [[nodiscard]] QChar of(std::size_t text) const { return holders_.key(text); }
 
   private:
-    void giveAll() {
-        for (std::size_t text = 0; text < wanted_.size(); ++text) {
-            QSet<QChar> tried;
-            if (of(text).isNull()) {
-                give(text, tried);
+    void keep(const std::vector<Titled>& texts) {
+        for (std::size_t text = 0; text < texts.size(); ++text) {
+            const QChar letter = texts[text].letter;
+            if (wanted_[text].contains(letter) && !holders_.contains(letter)) {
+                holders_.insert(letter, text);
             }
         }
     }
 
-    bool give(std::size_t text, QSet<QChar>& tried) {
+    void giveAll(bool mayTake) {
+        for (std::size_t text = 0; text < wanted_.size(); ++text) {
+            QSet<QChar> tried;
+            if (of(text).isNull()) {
+                give(text, mayTake, tried);
+            }
+        }
+    }
+
+    bool give(std::size_t text, bool mayTake, QSet<QChar>& tried) {
         for (const QChar letter : wanted_[text]) {
             if (!holders_.contains(letter)) {
                 holders_.insert(letter, text);
                 return true;
             }
         }
-        for (const QChar letter : wanted_[text]) {
+        for (const QChar letter : mayTake ? wanted_[text] : QString()) {
             if (!tried.contains(letter)) {
                 tried.insert(letter);
-                if (give(holders_.value(letter), tried)) {
+                if (give(holders_.value(letter), mayTake, tried)) {
                     holders_.insert(letter, text);
                     return true;
                 }

@@ -15,12 +15,14 @@ namespace frontend {
 
 /// Something that can have a mnemonic.
 struct Titled {
-    QString text; ///< the text without marks
-    QString name; ///< its internal name in Latin letters, used when the text has none; may be empty
+    QString text;      ///< the text without marks
+    QString name;      ///< its internal name in Latin letters, used when the text has none; may be empty
+    QChar letter = {}; ///< the letter that it has already; a null character for none
 };
 
 /// Returns each text as a title with its letter marked. No letter is used twice, none is in `taken`, and as
-/// many texts as possible get one; earlier texts get better letters. Letters in `shared` are also used
+/// many texts as possible get one; earlier texts get better letters. A text that has a letter keeps it, if
+/// possible. Letters in `shared` are also used
 /// elsewhere in the window, and only for texts that would get none; letters that are rare on keyboards are
 /// only for texts that would still get none. If a script has no letters on the keyboard, one is appended to
 /// the text: "(&S)". A text without a letter stays unchanged. The used letters are added to `taken`.

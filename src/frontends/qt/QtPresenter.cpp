@@ -25,11 +25,15 @@
 
 #include <QApplication>
 #include <QDesktopServices>
+#include <QElapsedTimer>
 #include <QMenu>
+#include <QThread>
 #include <QUrl>
+#include <QWindow>
 
 #include <algorithm>
 #include <stdexcept>
+#include <utility>
 
 namespace frontend {
 
@@ -45,6 +49,20 @@ QUrl urlOf(const std::string& address) {
     return url.isRelative()
                ? QUrl::fromLocalFile(shown(NSBundle::mainBundle().resourcePath() + "/" + address))
                : url;
+}
+
+/// Waits until the window has the place that the desktop gives it: a question that comes before would stand
+/// where the window is not.
+void waitForPlace(const QWidget* window) {
+    constexpr int patience = 500; // milliseconds, for a desktop that does not show it
+    const QWindow* shownWindow = window == nullptr ? nullptr : window->windowHandle();
+    QElapsedTimer waited;
+    waited.start();
+    while (shownWindow != nullptr && shownWindow->isVisible() && !shownWindow->isExposed() &&
+           !waited.hasExpired(patience)) {
+        QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
+        QThread::msleep(5);
+    }
 }
 
 } // namespace
@@ -104,6 +122,9 @@ AlertAnswer QtPresenter::runAlert(const platform::Alert& alert) {
         }
     }
     const Question question(progress_);
+    if (!std::exchange(isPlaced_, true)) {
+        waitForPlace(parentForDialogs());
+    }
     return askAlert(shownAlert, parentForDialogs());
 }
 

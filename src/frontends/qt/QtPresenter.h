@@ -99,6 +99,7 @@ class QtPresenter : public platform::Presenter {
     WindowReview* review_ = nullptr;       ///< the main window's child
     WindowInquiries* inquiries_ = nullptr; ///< the main window's child
     QWidget* mainWidget_ = nullptr;
+    bool isPlaced_ = false;               ///< the window was given time to get its place
     std::unique_ptr<UnsavedEdits> edits_; ///< the main window's; null when there is no reviewer
     Activity activity_;
     std::shared_ptr<platform::Log> log_;       ///< the host's own log while activityLog_ replaces it

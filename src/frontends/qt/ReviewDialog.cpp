@@ -49,7 +49,7 @@ QLabel* sentenceList(const std::vector<std::string>& sentences, const char* elem
     QString html = QLatin1String("<style>li { margin-bottom: 4px; }</style><") + QLatin1String(element) +
                    QLatin1String(" style='margin: 0; -qt-list-indent: 1'>");
     for (const std::string& sentence : sentences) {
-        html += QLatin1String("<li>") + shown(sentence).toHtmlEscaped() + QLatin1String("</li>");
+        html += QLatin1String("<li>") + breakable(shown(sentence)).toHtmlEscaped() + QLatin1String("</li>");
     }
     QLabel* list = paragraph(html + QLatin1String("</") + QLatin1String(element) + QLatin1Char('>'));
     list->setTextFormat(Qt::RichText);
@@ -143,10 +143,10 @@ class ReviewDialog : public QDialog {
         rows->setContentsMargins(0, 0, 0, 0);
         rows->setSpacing(10);
         if (question) {
-            rows->addWidget(heading(shown(question->text)));
+            rows->addWidget(heading(breakable(shown(question->text))));
         }
         if (!plan.failure.empty()) {
-            rows->addWidget(paragraph(shown(plan.failure)));
+            rows->addWidget(paragraph(breakable(shown(plan.failure))));
         }
         if (!plan.blocks.empty()) {
             rows->addWidget(heading(localized("This cannot be done:")));

@@ -42,15 +42,17 @@ QRect placeInView(QRect place, const std::vector<QRect>& screens) {
     });
     const QRect& screen = found == screens.end() ? screens.front() : *found;
     const QSize size = place.size().boundedTo(screen.size() - QSize(0, titleHeight));
+    const int lowest = screen.y() + screen.height() - size.height() - titleHeight; // for the frame's top
     if (found == screens.end()) {
         QRect middle(QPoint(), size);
         middle.moveCenter(screen.center());
+        middle.moveTop(std::min(middle.top(), lowest));
         return middle;
     }
     if (size != place.size()) { // it was made smaller, so it fits somewhere
         place.setSize(size);
         place.moveTo(std::clamp(place.x(), screen.x(), screen.x() + screen.width() - size.width()),
-                     std::clamp(place.y(), screen.y(), screen.y() + screen.height() - size.height()));
+                     std::clamp(place.y(), screen.y(), lowest));
     }
     return place;
 }

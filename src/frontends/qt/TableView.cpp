@@ -3,6 +3,7 @@
 #include "frontends/qt/PlainStyle.h"
 #include "platform/appkit/NSApplication.h"
 
+#include <QGuiApplication>
 #include <QHeaderView>
 #include <QResizeEvent>
 #include <QStyledItemDelegate>
@@ -80,7 +81,7 @@ TableView::TableView(NSTableView& table, const std::string& nameColumn, RefreshQ
     reloaded_ = new Binding(this, queue, table.reloaded, [this] { reload(); });
     new Binding(this, queue, table.changed, [this] {
         setEnabled(table_.isEnabled());
-        dropVanishedRows();
+        followNames();
         loadSelection();
     });
 }
@@ -111,7 +112,9 @@ void TableView::setUpHeader() {
     restoreColumns();
     connect(header, &QHeaderView::customContextMenuRequested, this, &TableView::showColumnMenu);
     connect(header, &QHeaderView::sectionResized, this, [this] {
-        if (!loading_ && horizontalHeader()->underMouse()) {
+        // Not only the user changes widths while the pointer rests on the header.
+        if (!loading_ && horizontalHeader()->underMouse() &&
+            QGuiApplication::mouseButtons().testFlag(Qt::LeftButton)) {
             widthsAreUsers_ = true;
             remembering_.start();
         }
@@ -155,7 +158,7 @@ void TableView::reload() {
     loading_ = false;
     neededWidths_.clear();
     shareWidth();
-    dropVanishedRows();
+    followNames();
     loadSelection();
 }
 
@@ -183,27 +186,57 @@ QString TableView::remarkOfRow(int row) {
                                    : remarks_.emplace(name, shown(remark_(name, row))).first->second;
 }
 
-void TableView::dropVanishedRows() {
+void TableView::followNames() {
     // A sheet works on the row that was selected when it opened, so do not change the selection while it is
     // open.
     if (nameColumn_ == nullptr || NSApp().attachedSheet() != nullptr) {
         return;
     }
-    std::vector<int> kept;
-    std::map<int, std::string> names;
-    for (const int row : table_.selectedRows()) {
+    std::map<int, std::string> selected;
+    std::set<std::string> moved;
+    bool isRefilled = false; // the editor shows what is now in the old row
+    std::vector<int> rows = table_.selectedRows();
+    rows.insert(rows.end(), table_.droppedRows().begin(), table_.droppedRows().end());
+    for (const int row : rows) {
         std::string name = table_.objectValue(*nameColumn_, row);
         const auto before = namesOfSelected_.find(row);
-        if (before == namesOfSelected_.end() || before->second == name) {
-            kept.push_back(row);
-            names.emplace(row, std::move(name));
+        if (before != namesOfSelected_.end() && before->second != name) {
+            moved.insert(before->second);
+            isRefilled = isRefilled || (nameField_ != nullptr && nameField_->stringValue() == name);
+        } else if (row < table_.numberOfRows()) {
+            selected.emplace(row, std::move(name));
         }
     }
-    namesOfSelected_ = std::move(names);
-    NSApp().dispatch([this, &kept] {
-        table_.tellOfDroppedSelection();
-        table_.selectRows(std::move(kept));
+    const std::size_t stayed = selected.size();
+    findRows(moved, selected);
+    const bool isTold = isRefilled || selected.size() == stayed;
+    std::vector<int> now;
+    for (const auto& [row, name] : selected) {
+        now.push_back(row);
+    }
+    namesOfSelected_ = std::move(selected);
+    NSApp().dispatch([this, isTold, &now] {
+        if (isTold) {
+            table_.tellOfDroppedSelection();
+            table_.selectRows(std::move(now));
+        } else {
+            table_.moveSelection(std::move(now));
+        }
     });
+}
+
+void TableView::findRows(const std::set<std::string>& moved, std::map<int, std::string>& selected) const {
+    std::map<std::string, std::vector<int>> found;
+    for (int row = 0; !moved.empty() && row < table_.numberOfRows(); ++row) {
+        if (std::string name = table_.objectValue(*nameColumn_, row); moved.contains(name)) {
+            found[std::move(name)].push_back(row);
+        }
+    }
+    for (const auto& [name, rows] : found) {
+        if (rows.size() == 1) {
+            selected.emplace(rows.front(), name);
+        }
+    }
 }
 
 void TableView::loadSelection() {

@@ -3,6 +3,7 @@
 #include "frontends/qt/Binding.h"
 #include "frontends/qt/TableModel.h"
 #include "platform/appkit/NSTableView.h"
+#include "platform/appkit/NSTextField.h"
 
 #include <QElapsedTimer>
 #include <QTableView>
@@ -24,9 +25,12 @@ class TableView : public QTableView {
     Q_OBJECT
 
   public:
-    /// `nameColumn` is the identifier of the column that names a row: when a selected row gets another name,
-    /// the selection is cleared. If it is empty, selections stay at their rows.
+    /// `nameColumn` is the identifier of the column that names a row: the selection follows the names when
+    /// rows move. If it is empty, selections stay at their rows.
     TableView(NSTableView& table, const std::string& nameColumn, RefreshQueue& queue);
+
+    /// Sets the field of the rows' editor that shows the name of the selected row.
+    void setNameField(const NSTextField& field) { nameField_ = &field; }
 
     /// Marks the rows for which `remark` returns a text, and shows the text in their tool tips. It is called
     /// once per name, and again after each reload.
@@ -82,8 +86,11 @@ class TableView : public QTableView {
     void showColumnMenu(const QPoint& position);
     void reload();
     void loadSelection();
-    /// Deselects rows that now have another name, and has the editor of a row that is gone emptied.
-    void dropVanishedRows();
+    /// Moves the selection to where the names of the selected rows are now. Deselects a row whose name is
+    /// gone, and has its editor emptied.
+    void followNames();
+    /// Adds to `selected` the rows that now have the names in `moved`, as far as only one row has a name.
+    void findRows(const std::set<std::string>& moved, std::map<int, std::string>& selected) const;
     void userSelected();
     [[nodiscard]] int firstShownColumn() const;
     [[nodiscard]] QString remarkOfRow(int row);
@@ -92,6 +99,7 @@ class TableView : public QTableView {
     RefreshQueue& queue_;
     TableModel model_;
     const NSTableColumn* nameColumn_; ///< null when rows have no names
+    const NSTextField* nameField_ = nullptr;
     Binding* reloaded_ = nullptr;
     std::function<std::set<std::string>()> namesLeftOut_;
     std::string filter_;

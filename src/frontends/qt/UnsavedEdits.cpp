@@ -1,12 +1,14 @@
 #include "frontends/qt/UnsavedEdits.h"
 
 #include "frontends/qt/NodeAttributes.h"
+#include "frontends/qt/ShareAddress.h"
 #include "frontends/qt/WindowNames.h"
 #include "platform/appkit/NSAlert.h"
 #include "platform/appkit/NSButton.h"
 #include "platform/appkit/NSControl.h"
 #include "platform/appkit/NSMatrix.h"
 #include "platform/appkit/NSPopUpButton.h"
+#include "platform/appkit/NSTableView.h"
 #include "platform/appkit/NSTextField.h"
 #include "platform/foundation/NSBundle.h"
 #include "platform/foundation/NSString.h"
@@ -30,26 +32,17 @@ bool choosesView(std::string_view operation) {
     return std::ranges::find(operations, operation) != operations.end();
 }
 
-/// Returns the control's content that a user has entered and that would be saved; empty when there is none.
-std::string editOf(const platform::InterfaceNode& node) {
+/// True for a control with a content that a user has entered and that would be saved.
+bool isUnsaved(const platform::InterfaceNode& node) {
     const auto* control = modelOf<NSControl>(node);
-    if (control == nullptr || choosesView(control->action().operation)) {
-        return {};
-    }
-    const auto edit = control->edit();
-    return edit ? "=" + *edit : "";
+    return control != nullptr && control->isEdited() && !choosesView(control->action().operation);
 }
 
-using Edits = std::map<const platform::Element*, std::string>;
-
-Edits editsBelow(const platform::InterfaceNode& page) {
-    Edits edits;
-    platform::visitNodes(page, [&edits](const platform::InterfaceNode& each) {
-        if (std::string edit = editOf(each); !edit.empty()) {
-            edits.emplace(each.element.get(), std::move(edit));
-        }
-    });
-    return edits;
+bool hasEdits(const platform::InterfaceNode& page) {
+    bool isEdited = false;
+    platform::visitNodes(
+        page, [&isEdited](const platform::InterfaceNode& each) { isEdited = isEdited || isUnsaved(each); });
+    return isEdited;
 }
 
 /// Returns the main window's pages, including the drawer, with their titles.
@@ -68,6 +61,23 @@ pagesOf(const platform::Interface& interface) {
     return pages;
 }
 
+/// True for an operation that shows again what is saved, or nothing for a new row.
+bool dropsEdits(std::string_view operation) {
+    static constexpr std::array<std::string_view, 5> operations = {
+        "updateShareTextFields:", "updateUserTextFields:", "updateGroupTextFields:", "refreshAFSProperties:",
+        "revertSMBProperties:"};
+    return std::ranges::find(operations, operation) != operations.end();
+}
+
+void forgetEdits(const platform::InterfaceNode& page, bool isReplaced) {
+    platform::visitNodes(page, [isReplaced](const platform::InterfaceNode& each) {
+        auto* control = modelOf<NSControl>(each);
+        if (control != nullptr && (isReplaced || !control->isEdited())) {
+            control->forgetEdit();
+        }
+    });
+}
+
 bool sends(const platform::InterfaceNode& page, const std::string& operation) {
     bool isThere = false;
     platform::visitNodes(page, [&](const platform::InterfaceNode& each) {
@@ -75,6 +85,12 @@ bool sends(const platform::InterfaceNode& page, const std::string& operation) {
         isThere = isThere || (control != nullptr && control->action().operation == operation);
     });
     return isThere;
+}
+
+bool isMeant(const platform::InterfaceNode& page, UnsavedEdits::Pages which) {
+    using enum UnsavedEdits::Pages;
+    return which == All || (which != SMBSettings && sends(page, "createShare:")) ||
+           (which != ShareEditor && sends(page, "updateSMBProperties:"));
 }
 
 /// Returns a function that makes the control show again what it shows now; null for one without a content.
@@ -113,50 +129,59 @@ std::function<void()> contentOf(NSControl& control) {
 
 UnsavedEdits::UnsavedEdits(WindowActions& actions, RefreshQueue& queue) : actions_(actions) {
     eventEnded_ = queue.eventEnded.connect([this] { forgetReplaced(); });
-}
-
-/// When another row is loaded into an editor, forgets what was saved there.
-void UnsavedEdits::forgetReplaced() {
-    std::erase_if(saved_, [](const auto& saved) {
-        const auto* control = dynamic_cast<const NSControl*>(saved.first);
-        return control == nullptr || !control->edit();
+    used_ = actions.used.connect([this](const std::string& operation) {
+        if (dropsEdits(operation)) {
+            forgetWhereSent(operation);
+        }
     });
 }
 
-void UnsavedEdits::noteSaved(const std::string& operation) {
-    const review::WritingOperation* writing = review::findWritingOperation(operation);
-    if (writing == nullptr || !writing->savesPage) {
-        return;
+/// Not within an event: controls are emptied and filled again below an edit that stays.
+void UnsavedEdits::forgetReplaced() {
+    for (const auto& [page, title] : pagesOf(actions_.interface())) {
+        forgetEdits(*page, showsOtherRow(*page) && !putBack_.contains(page));
     }
+    putBack_.clear();
+}
+
+bool UnsavedEdits::showsOtherRow(const platform::InterfaceNode& page) {
+    std::string name;
+    platform::visitNodes(page, [&](const platform::InterfaceNode& each) {
+        if (auto* table = actions_.find<NSTableView>(each.attribute("namesRow"))) {
+            const auto* node = actions_.interface().findNode(table->name());
+            name = valueOf(*table, node->attribute("nameColumn").c_str(), table->selectedRow());
+        }
+    });
+    return std::exchange(shownRows_[&page], name) != name;
+}
+
+void UnsavedEdits::forgetWhereSent(const std::string& operation) {
     for (const auto& [page, title] : pagesOf(actions_.interface())) {
         if (sends(*page, operation)) {
-            for (auto& [control, edit] : editsBelow(*page)) {
-                saved_[control] = edit;
-            }
+            forgetEdits(*page, true);
         }
     }
 }
 
-bool UnsavedEdits::isSaved(const platform::Element* control, const std::string& edit) const {
-    const auto saved = saved_.find(control);
-    return saved != saved_.end() && saved->second == edit;
+void UnsavedEdits::noteSaved(const std::string& operation) {
+    const review::WritingOperation* writing = review::findWritingOperation(operation);
+    if (writing != nullptr && writing->savesPage) {
+        forgetWhereSent(operation);
+    }
 }
 
-bool UnsavedEdits::isUnsaved(const platform::InterfaceNode& page, Pages which) const {
-    const bool isMeant = which == Pages::All ||
-                         (which != Pages::SMBSettings && sends(page, "createShare:")) ||
-                         (which != Pages::ShareEditor && sends(page, "updateSMBProperties:"));
-    if (!isMeant) {
-        return false;
+void UnsavedEdits::forget(Pages which) {
+    for (const auto& [page, title] : pagesOf(actions_.interface())) {
+        if (isMeant(*page, which)) {
+            forgetEdits(*page, true);
+        }
     }
-    return std::ranges::any_of(editsBelow(page),
-                               [this](const auto& edit) { return !isSaved(edit.first, edit.second); });
 }
 
 std::string UnsavedEdits::loss(Pages which) const {
     std::string titles;
     for (const auto& [page, title] : pagesOf(actions_.interface())) {
-        if (isUnsaved(*page, which)) {
+        if (isMeant(*page, which) && hasEdits(*page)) {
             titles += (titles.empty() ? "" : ", ") + title;
         }
     }
@@ -166,21 +191,22 @@ std::string UnsavedEdits::loss(Pages which) const {
                                   titles);
 }
 
-std::function<void()> UnsavedEdits::keep(Pages which) const {
+std::function<void()> UnsavedEdits::keep(Pages which) {
     std::vector<std::pair<NSControl*, std::function<void()>>> contents;
+    std::set<const platform::InterfaceNode*> kept;
     for (const auto& [page, title] : pagesOf(actions_.interface())) {
-        if (!isUnsaved(*page, which)) {
+        if (!isMeant(*page, which) || !hasEdits(*page)) {
             continue;
         }
+        kept.insert(page);
         // An editor is filled from its row, and from the folder that was chosen: all of it belongs to the
         // edit.
         const bool isOfSettings =
             sends(*page, "updateSMBProperties:") || sends(*page, "updateAFSProperties:");
         platform::visitNodes(*page, [&](const platform::InterfaceNode& each) {
             auto* control = modelOf<NSControl>(each);
-            const std::string edit = editOf(each);
             if (control == nullptr || choosesView(control->action().operation) ||
-                (isOfSettings && (edit.empty() || isSaved(each.element.get(), edit)))) {
+                (isOfSettings && !isUnsaved(each))) {
                 return;
             }
             if (auto content = contentOf(*control)) {
@@ -188,11 +214,12 @@ std::function<void()> UnsavedEdits::keep(Pages which) const {
             }
         });
     }
-    return [contents = std::move(contents)] {
+    return [this, kept = std::move(kept), contents = std::move(contents)] {
         for (const auto& [control, show] : contents) {
             show();
             control->sendAction(); // which enables others or changes a button's title
         }
+        putBack_.insert(kept.begin(), kept.end());
     };
 }
 

@@ -6,7 +6,6 @@
 #include "frontends/qt/FieldHints.h"
 #include "frontends/qt/FieldProblems.h"
 #include "frontends/qt/FilterField.h"
-#include "frontends/qt/Inks.h"
 #include "frontends/qt/LineEdit.h"
 #include "frontends/qt/NodeAttributes.h"
 #include "frontends/qt/PopUp.h"
@@ -15,7 +14,6 @@
 #include "frontends/qt/TextView.h"
 #include "frontends/qt/WidgetKinds.h"
 #include "platform/appkit/NSButton.h"
-#include "platform/appkit/ShownWhen.h"
 
 #include <QCheckBox>
 #include <QFrame>
@@ -68,58 +66,6 @@ bool isFoot(const InterfaceNode& node) {
 /// True when the node only fills a cell of a grid.
 bool isNothing(const InterfaceNode& node) {
     return node.kind == Kind::Label && node.attributes.empty();
-}
-
-void useStyle(QLabel& label, const std::string& style) {
-    QFont font = label.font();
-    if (style == "heading") {
-        font.setPointSizeF(font.pointSizeF() * 1.15);
-        font.setBold(true);
-    } else if (style == "note") {
-        font.setPointSizeF(font.pointSizeF() * 0.9);
-        useInk(label, Ink::Note);
-        label.setWordWrap(true);
-        QSizePolicy besideControls(QSizePolicy::Ignored, QSizePolicy::Preferred); // controls set the width
-        besideControls.setHeightForWidth(true);
-        label.setSizePolicy(besideControls);
-    } else if (style == "warning") {
-        useInk(label, Ink::Warning);
-        label.setWordWrap(true);
-    } else {
-        label.setContentsMargins(0, 1, 0, 1); // some fonts draw dots of capitals above their height
-    }
-    label.setFont(font);
-}
-
-/// Shows the label only if it has a parent: without one it would become a window.
-void setVisibleInParent(QLabel& label, bool isVisible) {
-    if (!isVisible || label.parentWidget() != nullptr) {
-        label.setVisible(isVisible);
-    }
-}
-
-/// Makes the label show the field's text. A note or a warning disappears when the text is empty.
-void showTextOf(NSTextField& field, QLabel& label, const std::string& style, RefreshQueue& queue) {
-    if (style == "warning") {
-        label.setTextInteractionFlags(Qt::TextSelectableByMouse); // may be quoted in a report
-    }
-    const bool goesWhenEmpty = style == "note" || style == "warning";
-    new Binding(&label, queue, field.changed, [&label, &field, goesWhenEmpty] {
-        label.setText(shown(field.stringValue()));
-        if (goesWhenEmpty) {
-            setVisibleInParent(label, !field.stringValue().empty());
-        }
-    });
-}
-
-/// Makes the label visible only while the condition in its attribute `when` holds.
-void showWhen(QLabel& label, const InterfaceNode& node, const WindowActions& actions, RefreshQueue& queue) {
-    const auto follow = [&label, &node, &actions] { setVisibleInParent(label, isShown(node, actions)); };
-    for (const auto& side : platform::parseShownWhen(node.attribute("when"))) {
-        for (const platform::ControlHas& each : side) {
-            new Binding(&label, queue, actions.interface().find(each.control)->changed, follow);
-        }
-    }
 }
 
 } // namespace
@@ -188,6 +134,12 @@ QWidget* WidgetBuilder::makeMatrix(const InterfaceNode& node) {
 QWidget* WidgetBuilder::makeTable(const InterfaceNode& node) {
     auto* table = modelOf<NSTableView>(node);
     auto* view = new TableView(*table, node.attribute("nameColumn"), queue_);
+    visitNodes(actions_.interface().root(), [table, view](const InterfaceNode& each) {
+        if (const auto* field = modelOf<NSTextField>(each);
+            field != nullptr && each.attribute("namesRow") == table->name() && !table->name().empty()) {
+            view->setNameField(*field);
+        }
+    });
     QObject::connect(view, &TableView::editAsked, view,
                      [this, table] { actions_.useButtonOf(table->name(), "edit"); });
     QObject::connect(view, &TableView::deletionAsked, view,
@@ -195,7 +147,7 @@ QWidget* WidgetBuilder::makeTable(const InterfaceNode& node) {
     QObject::connect(view, &TableView::menuAsked, view,
                      [this, table](QMenu& menu) { actions_.addButtonsOf(table->name(), menu); });
     new Binding(view, queue_, table->changed, [this, table] {
-        actions_.turnOffBoxesWithoutRow(*table);
+        actions_.showDefaultsWithoutRow(*table);
         actions_.showNothingForMissingNumbers(*table);
     });
     if (!node.attribute("empty").empty()) {
@@ -212,30 +164,6 @@ QWidget* WidgetBuilder::makeBox(const InterfaceNode& node) {
     layout->setContentsMargins(boxMargin, boxMargin, boxMargin, boxMargin);
     fillBox(*layout, node);
     return box;
-}
-
-QWidget* WidgetBuilder::makeLabel(const InterfaceNode& node) {
-    // Only the label of a field has a mnemonic, so only there "&" has to be escaped.
-    auto* label = new QLabel(node.attribute("for").empty() ? shown(node.attribute("text"))
-                                                           : title(node.attribute("text")));
-    label->setTextFormat(Qt::PlainText); // its text may come from a file or an account's name
-    useStyle(*label, node.attribute("style"));
-    if (auto* field = modelOf<NSTextField>(node)) {
-        showTextOf(*field, *label, node.attribute("style"), queue_);
-    }
-    if (auto* field = actions_.find<NSTextField>(node.attribute("about"))) {
-        new Binding(label, queue_, field->changed,
-                    [this, label, &node] { label->setText(shown(actions_.textAbout(node, "text"))); });
-    }
-    showWhen(*label, node, actions_, queue_);
-    if (const std::string& control = node.attribute("for"); !control.empty()) {
-        if (const auto found = named_.find(control); found != named_.end()) {
-            makeBuddies(*label, *found->second);
-        } else {
-            buddies_.emplace(control, label);
-        }
-    }
-    return label;
 }
 
 QWidget* WidgetBuilder::makeTextField(const InterfaceNode& node) {

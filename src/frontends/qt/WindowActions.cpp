@@ -207,7 +207,7 @@ void WindowActions::perform(const InterfaceNode& node) const {
     } else {
         click(node);
         if (auto* table = find<NSTableView>(node.attribute("reverts"))) {
-            turnOffBoxesWithoutRow(*table);
+            showDefaultsWithoutRow(*table);
             showNothingForMissingNumbers(*table);
         }
     }
@@ -220,7 +220,7 @@ void WindowActions::beginNew(const InterfaceNode& node) const {
     }
     click(node);
     if (table != nullptr) {
-        turnOffBoxesWithoutRow(*table);
+        showDefaultsWithoutRow(*table);
     }
     const std::string& also = node.attribute("also");
     if (NSControl* control = also.empty() ? nullptr : interface_.findWiredTo(also)) {
@@ -274,14 +274,18 @@ std::string WindowActions::textAbout(const InterfaceNode& node, std::string_view
     return field == nullptr ? text : stringWithFormat(text, field->stringValue());
 }
 
-void WindowActions::turnOffBoxesWithoutRow(const NSTableView& table) const {
+void WindowActions::showDefaultsWithoutRow(const NSTableView& table) const {
     if (!table.selectedRows().empty()) {
         return;
     }
     visitNodes(interface_.root(), [&table](const InterfaceNode& each) {
-        if (auto* box = modelOf<NSButton>(each);
-            box != nullptr && each.attribute("rowOf") == table.name() && !table.name().empty()) {
+        if (each.attribute("rowOf") != table.name() || table.name().empty()) {
+            return;
+        }
+        if (auto* box = modelOf<NSButton>(each)) {
             box->setState(NSOffState);
+        } else if (auto* menu = modelOf<NSPopUpButton>(each); menu != nullptr && menu->numberOfItems() > 0) {
+            menu->selectItemAtIndex(0);
         }
     });
 }

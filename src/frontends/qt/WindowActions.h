@@ -100,9 +100,9 @@ class WindowActions {
         return dynamic_cast<Model*>(interface_.find(name));
     }
 
-    /// When no row of `table` is selected, turns off the check boxes that belong to a row: their state for
-    /// the last row must not go into a new one.
-    void turnOffBoxesWithoutRow(const NSTableView& table) const;
+    /// When no row of `table` is selected, turns off the check boxes that belong to a row, and selects the
+    /// first item in such menus: what they show for the last row must not go into a new one.
+    void showDefaultsWithoutRow(const NSTableView& table) const;
 
     /// When the selected row of `table` has no number, selects nothing in the menus that show it: a missing
     /// number reads as 0, and the menu would show, and write, the item with the number 0.

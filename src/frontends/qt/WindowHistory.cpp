@@ -203,7 +203,9 @@ void WindowHistory::takeBack(std::optional<std::int64_t> number, QWidget* parent
         const auto putBack = edits_.keep(UnsavedEdits::Pages::All);
         const platform::Status status = history_.undo(*undo);
         reviewer_.rereadEverything();
-        if (!status.isOk()) {
+        if (status.isOk()) {
+            edits_.forget(UnsavedEdits::Pages::All);
+        } else {
             putBack();
             showProblem(NSLocalizedString("Not Taken Back"), status.text());
         }

@@ -277,6 +277,7 @@ void WindowReview::addDirectoryNotice() {
         queue_.runUserEvent([this] {
             if (edits_.mayBeLost(UnsavedEdits::Pages::All)) {
                 reviewer_.rereadEverything();
+                edits_.forget(UnsavedEdits::Pages::All);
             }
         });
     });
@@ -338,6 +339,7 @@ void WindowReview::reread() {
     queue_.runUserEvent([this] {
         if (edits_.mayBeLost(pagesOfSMBConf)) {
             reviewer_.reread();
+            edits_.forget(pagesOfSMBConf);
         }
     });
     showNotice();

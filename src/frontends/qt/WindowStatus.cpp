@@ -30,7 +30,7 @@ WindowStatus::WindowStatus(Activity& activity, QMainWindow& window, WindowAction
     text_->setObjectName("statusText");
     constexpr int inset = 14; // with the bar's own, as far from the edge as the page
     window.statusBar()->setContentsMargins(inset, 0, 0, 0);
-    window.statusBar()->addWidget(text_, 1);
+    window.statusBar()->addWidget(text_);
     copy_ = addButton("statusCopy", "Copy Address");
     open_ = addButton("statusOpen", "Open");
     undo_ = addButton("statusUndo", "Undo");
@@ -78,7 +78,8 @@ void WindowStatus::useServer(ShareServer server) {
         serverState_->setObjectName("serverState");
         serverState_->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
         serverState_->setWhole(shown(server_.state));
-        window_.statusBar()->addPermanentWidget(serverState_);
+        // It gets what the news and their buttons leave, because a layout serves an item that stretches last.
+        window_.statusBar()->addPermanentWidget(serverState_, 1);
     }
 }
 

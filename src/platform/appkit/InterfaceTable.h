@@ -74,6 +74,7 @@ consteval auto layoutRules() {
                         {"toolTip", Text},
                         {"for", Reference},
                         {"about", Reference},
+                        {"rowOf", Reference}, // the table whose selected row it names
                         {"style", Choice, "note|heading|warning"},
                         {"when", Word}} + // with which values of other controls it is shown
              indent},

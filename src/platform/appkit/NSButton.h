@@ -50,6 +50,8 @@ class NSButton : public NSControl {
 
     [[nodiscard]] std::optional<std::string> edit() const override;
 
+    void forgetEdit() override { clicked_.reset(); }
+
     void copyState(const Element& from) override;
 
     /// "\r" for the button that Return presses, "\033" for the one that Escape presses, otherwise empty.

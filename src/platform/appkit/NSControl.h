@@ -27,11 +27,15 @@ class NSControl : public platform::Element {
     void setAction(NSAction action) { action_ = std::move(action); }
 
     /// The control's value as a string, if it is still the one that the user last typed, chose or clicked;
-    /// otherwise none. Setting a value from the program is not an edit, and setting a different one ends the
-    /// user's edit.
+    /// otherwise none. Setting a value from the program is not an edit. Setting a different one only suspends
+    /// the user's edit, which then counts again with its own value, so that controls can be filled again
+    /// below it; forgetEdit ends it.
     [[nodiscard]] virtual std::optional<std::string> edit() const { return std::nullopt; }
 
     [[nodiscard]] bool isEdited() const { return edit().has_value(); }
+
+    /// Takes what is shown for the program's own from now on.
+    virtual void forgetEdit() {}
 
     void copyState(const Element& from) override;
 

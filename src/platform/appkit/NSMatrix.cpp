@@ -51,6 +51,12 @@ std::optional<std::string> NSMatrix::edit() const {
     return std::ranges::any_of(cells_, &Cell::isEdited) ? std::optional(states) : std::nullopt;
 }
 
+void NSMatrix::forgetEdit() {
+    for (Cell& cell : cells_) {
+        cell.clicked.reset();
+    }
+}
+
 void NSMatrix::copyState(const Element& from) {
     NSControl::copyState(from);
     cells_ = dynamic_cast<const NSMatrix&>(from).cells_;

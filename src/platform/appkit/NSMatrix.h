@@ -29,6 +29,8 @@ class NSMatrix : public NSControl {
     /// The states of the cells that the user has edited.
     [[nodiscard]] std::optional<std::string> edit() const override;
 
+    void forgetEdit() override;
+
     void copyState(const Element& from) override;
 
     /// Does what a user's click does: the cell changes its state, then the action is sent. Does nothing while

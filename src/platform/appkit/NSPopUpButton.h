@@ -56,6 +56,8 @@ class NSPopUpButton : public NSControl {
     /// menu has been refilled since.
     [[nodiscard]] std::optional<std::string> edit() const override;
 
+    void forgetEdit() override { chosen_.reset(); }
+
     void copyState(const Element& from) override;
 
     /// Does what a user's choice does: selects the item, then sends the action, even when it was selected

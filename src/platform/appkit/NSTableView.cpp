@@ -22,21 +22,21 @@ std::string NSTableView::objectValue(const NSTableColumn& column, int row) {
 
 void NSTableView::reloadData() {
     rows_ = source_ == nullptr ? 0 : std::max(0, source_->numberOfRowsInTableView(this));
-    const bool hadSelection = !selection_.empty();
-    selection_.erase(std::lower_bound(selection_.begin(), selection_.end(), rows_), selection_.end());
-    selectionWasDropped_ = (hadSelection || selectionWasDropped_) && selection_.empty();
+    const auto firstGone = std::lower_bound(selection_.begin(), selection_.end(), rows_);
+    dropped_.insert(dropped_.end(), firstGone, selection_.end());
+    selection_.erase(firstGone, selection_.end());
     isLoaded_ = true;
     reloaded.emit();
 }
 
 void NSTableView::tellOfDroppedSelection() {
-    if (std::exchange(selectionWasDropped_, false) && delegate_ != nullptr) {
+    if (!std::exchange(dropped_, {}).empty() && selection_.empty() && delegate_ != nullptr) {
         delegate_->tableViewSelectionDidChange(this);
     }
 }
 
 void NSTableView::selectRows(std::vector<int> rows) {
-    selectionWasDropped_ = false;
+    dropped_.clear();
     std::erase_if(rows, [this](int row) { return row < 0 || row >= rows_; });
     if (!multiple_ && rows.size() > 1) {
         rows.resize(1);
@@ -51,6 +51,12 @@ void NSTableView::selectRows(std::vector<int> rows) {
     if (delegate_ != nullptr) {
         delegate_->tableViewSelectionDidChange(this);
     }
+}
+
+void NSTableView::moveSelection(std::vector<int> rows) {
+    NSTableViewDelegate* told = std::exchange(delegate_, nullptr);
+    selectRows(std::move(rows));
+    delegate_ = told;
 }
 
 void NSTableView::copyState(const Element& from) {

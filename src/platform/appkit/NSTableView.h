@@ -80,6 +80,13 @@ class NSTableView : public NSControl {
 
     void deselectAll() { selectRows({}); }
 
+    /// The selected rows that reloads have dropped since the last selection.
+    [[nodiscard]] const std::vector<int>& droppedRows() const { return dropped_; }
+
+    /// Selects these rows, as where those that were selected have moved to. Tells nobody, because the same
+    /// is selected.
+    void moveSelection(std::vector<int> rows);
+
     /// Tells the delegate if a reload has dropped every selected row, and no selection was made since. For
     /// front-ends whose user would otherwise still see that row in its editor.
     void tellOfDroppedSelection();
@@ -97,5 +104,5 @@ class NSTableView : public NSControl {
     int rows_ = 0;
     bool isLoaded_ = false; ///< its rows have been asked for
     std::vector<int> selection_;
-    bool selectionWasDropped_ = false; ///< by a reload, and the delegate was not told
+    std::vector<int> dropped_; ///< by reloads, and the delegate was not told
 };

@@ -48,6 +48,8 @@ class NSTextField : public NSControl {
         return typed_ == text_ ? typed_ : std::nullopt;
     }
 
+    void forgetEdit() override { typed_.reset(); }
+
     void copyState(const Element& from) override;
 
     /// A user's edit, given as the whole text after it, the caret after it and the selection before it. A
