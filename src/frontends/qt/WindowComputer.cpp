@@ -4,6 +4,7 @@
 #include "frontends/qt/ElidedLabel.h"
 #include "frontends/qt/TableView.h"
 #include "frontends/qt/WindowNames.h"
+#include "frontends/qt/WindowStatus.h"
 #include "platform/foundation/NSBundle.h"
 
 #include <QPushButton>
@@ -22,17 +23,15 @@ constexpr const char* sharedColumn = "Public Shared";
 WindowComputer::WindowComputer(const platform::Computer& computer, NSTabView& tabs, NSTableView& users,
                                QMainWindow& window, RefreshQueue& queue)
     : QObject(&window), computer_(computer), tabs_(tabs), users_(users), window_(window), queue_(queue),
-      state_(new ElidedLabel), start_(new QPushButton(localizedTitle("Start SMB Server"))),
+      state_(WindowStatus::addServerState(window)),
+      start_(new QPushButton(localizedTitle("Start SMB Server"))),
       atBoot_(new QPushButton(localizedTitle("Start at Boot"))) {
-    state_->setObjectName("serverState");
-    state_->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
     start_->setObjectName("startServer");
     atBoot_->setObjectName("startServerAtBoot");
     using Change = review::ServerChange;
     connect(start_, &QPushButton::clicked, this, [this] { control(Change::Start); });
     connect(atBoot_, &QPushButton::clicked, this, [this] { control(Change::StartAtBoot); });
     QStatusBar* bar = window.statusBar();
-    bar->addPermanentWidget(state_); // the last action is reported at its left
     bar->addPermanentWidget(start_);
     bar->addPermanentWidget(atBoot_);
     new Binding(state_, queue, tabs.changed, [this] { showState(); });

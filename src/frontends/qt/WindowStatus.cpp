@@ -74,13 +74,17 @@ void WindowStatus::useServer(ShareServer server) {
     if (server_.hasFailed) {
         show(shown(server_.state), true);
     } else if (!server_.state.empty() && serverState_ == nullptr) {
-        serverState_ = new ElidedLabel;
-        serverState_->setObjectName("serverState");
-        serverState_->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+        serverState_ = addServerState(window_);
         serverState_->setWhole(shown(server_.state));
-        // It gets what the news and their buttons leave, because a layout serves an item that stretches last.
-        window_.statusBar()->addPermanentWidget(serverState_, 1);
     }
+}
+
+ElidedLabel* WindowStatus::addServerState(const QMainWindow& window) {
+    auto* state = new ElidedLabel;
+    state->setObjectName("serverState");
+    state->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    window.statusBar()->addPermanentWidget(state, 1); // a layout serves an item that stretches last
+    return state;
 }
 
 void WindowStatus::actionBegins() {

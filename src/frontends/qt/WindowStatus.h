@@ -35,6 +35,10 @@ class WindowStatus : public QObject {
     /// Shows where the shares can be reached, at the right of the line.
     void useServer(ShareServer server);
 
+    /// Adds a text about a server at the right of the line. It gets the room that the news and their buttons
+    /// leave.
+    static ElidedLabel* addServerState(const QMainWindow& window);
+
     /// `hasSection` says whether the server's settings have a section with that name.
     void setSections(std::function<bool(const std::string& name)> hasSection) {
         hasSection_ = std::move(hasSection);
