@@ -155,7 +155,8 @@ TEST_F(Keys, ALetterStaysWithItsButtonWhenAnotherTitleChanges) {
     const auto others = [this] {
         QStringList titles;
         for (const auto* each : window().findChildren<QAbstractButton*>()) {
-            titles += each->isVisible() && each->objectName() != "addNewUserButton" ? each->text() : "";
+            const bool stays = each->isVisible() && each->objectName() != "addNewUserButton";
+            titles += stays ? QStringList(each->text()) : QStringList();
         }
         return titles;
     };
