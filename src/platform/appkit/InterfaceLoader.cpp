@@ -24,6 +24,7 @@ Result<std::unique_ptr<Interface>> InterfaceLoader::load(const std::string& owne
         refuse(1, stringWithFormat("the interface file cannot be read: %@", file.status().why()));
         return status_;
     }
+    text_ = *file;
     lineStarts_ = {0};
     for (std::size_t at = file->find('\n'); at != std::string::npos; at = file->find('\n', at + 1)) {
         lineStarts_.push_back(at + 1);
@@ -166,10 +167,9 @@ void InterfaceLoader::readAttributes(const pugi::xml_node& xml, const ElementRul
 void InterfaceLoader::buildChild(const pugi::xml_node& xml, const ElementRule& rule, InterfaceNode& parent) {
     const int line = lineAt(xml.offset_debug());
     if (xml.type() != pugi::node_element) {
-        const std::string_view text = xml.value(); // begins where the element before it ends
-        const std::string_view blank = text.substr(0, text.find_first_not_of(" \t\n"));
-        const auto lineEnds = std::count(blank.begin(), blank.end(), '\n');
-        refuse(line + static_cast<int>(lineEnds),
+        // The node begins where the element before it ends. In its value a single CR has become a line end.
+        const auto words = text_.find_first_not_of(" \t\r\n", static_cast<std::size_t>(xml.offset_debug()));
+        refuse(words == std::string_view::npos ? line : lineAt(static_cast<std::ptrdiff_t>(words)),
                stringWithFormat("<%@> holds text; texts are attributes", elementName(parent.kind)));
         return;
     }

@@ -56,6 +56,7 @@ class InterfaceLoader {
 
     std::string path_;
     Status status_;
+    std::string_view text_; ///< the file, while it is loaded
     std::vector<std::size_t> lineStarts_;
     std::unique_ptr<Interface> interface_;
     const ObjectClass* class_ = nullptr;
