@@ -1,68 +1,14 @@
 // The commands as a program uses them: what they print, how they end, and that a command without anything to
 // change changes nothing.
 
-#include "support/Subprocess.h"
-#include "support/TestHost.h"
-
-#include <gtest/gtest.h>
-#include <nlohmann/json.hpp>
+#include "support/CommandsFixture.h"
 
 #include <algorithm>
-#include <filesystem>
 #include <fstream>
 #include <map>
 #include <regex>
-#include <sstream>
 
 namespace {
-
-namespace fs = std::filesystem;
-using nlohmann::json;
-
-std::vector<std::string> wordsOf(const std::string& line) {
-    std::istringstream stream(line);
-    std::vector<std::string> words;
-    for (std::string word; stream >> word;) {
-        words.push_back(word);
-    }
-    return words;
-}
-
-class Commands : public testing::Test {
-  protected:
-    void SetUp() override {
-        fs::create_directories(folder());
-        fs::permissions(folder(), fs::perms(0755));
-    }
-
-    [[nodiscard]] fs::path folder() const { return test_.root() / "Documents"; }
-
-    Finished command(const std::string& line, const std::string& input = {}) const {
-        std::vector<std::string> words = wordsOf(line);
-        words.insert(words.begin(),
-                     {BRINDLE_PROGRAMS "/brindle", "--root", (test_.root() / "computer").string()});
-        return runProgram(words, input, {"HOME=" + test_.home().string(), "LC_ALL=" + locale});
-    }
-
-    /// Returns the command's JSON output; expects `status` as its exit status.
-    json answer(const std::string& line, int status = 0, const std::string& input = {}) const {
-        const Finished finished = command(line + " --json", input);
-        EXPECT_EQ(finished.status, status) << line << '\n' << finished.output << finished.errors;
-        EXPECT_EQ(finished.errors, "");
-        return json::parse(finished.output, nullptr, false);
-    }
-
-    /// Returns the output of a script.
-    std::string runScript(const std::string& script) const {
-        return runProgram({BRINDLE_PROGRAMS "/brindle", "--root", (test_.root() / "computer").string(),
-                           "--script", "-"},
-                          script, {"HOME=" + test_.home().string(), "LC_ALL=C"})
-            .output;
-    }
-
-    std::string locale = "C";
-    TestHost test_;
-};
 
 /// The words that programs write and read are the same in every language.
 class CommandsInALanguage : public Commands, public testing::WithParamInterface<const char*> {

@@ -36,6 +36,10 @@ Server serverWith(const SMBConf& conf, bool isOfRoot) {
             platform::serverStartsWith(isOfRoot ? platform::withoutShareSecurity(text) : text)};
 }
 
+std::string AccessCheck::commandName(const Account& account) const {
+    return server_.isOfRoot ? std::to_string(account.uid) : account.name;
+}
+
 std::optional<Reason> AccessCheck::hiddenReason(const std::string& share) const {
     for (const SMBHiddenSection& hidden : conf_.hiddenSections()) {
         const std::string name = nameOf(hidden);

@@ -87,10 +87,6 @@ std::string AccessCheck::section(const Visit& visit) const {
     return stringWithFormat(NSLocalizedString("[%@] in %@"), visit.share->name(), server_.file);
 }
 
-std::string AccessCheck::commandName(const Account& account) const {
-    return server_.isOfRoot ? std::to_string(account.uid) : account.name;
-}
-
 const std::optional<Account>& AccessCheck::accountNamed(const std::string& name) {
     const auto found = known_.find(name);
     return found != known_.end() ? found->second

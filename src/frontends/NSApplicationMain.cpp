@@ -248,23 +248,8 @@ accesscheck::ExaminedHost examinedHostOf(const platform::HostOptions& options) {
     return host;
 }
 
-/// Returns the name of what the window works on, which is the same however it was given.
-std::string placeOf(const platform::HostOptions& host) {
-    if (host.system && host.root.empty()) {
-        return "this computer";
-    }
-    std::filesystem::path folder =
-        std::filesystem::absolute(host.root.empty() ? platform::EmbeddedRoot::defaultFolder() : host.root);
-    std::error_code error;
-    if (const auto real = std::filesystem::weakly_canonical(folder, error); !error) {
-        folder = real.has_filename() ? real : real.parent_path();
-    }
-    return host.system ? "the computer" + (host.root.empty() ? "" : " in " + folder.string())
-                       : folder.string();
-}
-
 Result<int> openWindow(const Options& options, frontend::WindowRun& window) {
-    const std::string place = placeOf(options.host);
+    const std::string place = frontend::placeOf(options.host);
     auto taken = frontend::OneWindow::take(place);
     if (taken.isOk() && *taken == nullptr) {
         std::cout << "Brindle is already open on " << place << "; its window has come to the front.\n";

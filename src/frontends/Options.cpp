@@ -1,9 +1,11 @@
 #include "frontends/Options.h"
 
+#include "platform/host/EmbeddedRoot.h"
 #include "platform/posix/ShellWord.h"
 
 #include <algorithm>
 #include <filesystem>
+#include <system_error>
 #include <utility>
 
 namespace frontend {
@@ -61,6 +63,20 @@ std::string calledFor(const platform::HostOptions& host) {
            (host.root.empty()
                 ? ""
                 : " --root " + platform::shellWord(std::filesystem::absolute(host.root).string()));
+}
+
+std::string placeOf(const platform::HostOptions& host) {
+    if (host.system && host.root.empty()) {
+        return "this computer";
+    }
+    std::filesystem::path folder =
+        std::filesystem::absolute(host.root.empty() ? platform::EmbeddedRoot::defaultFolder() : host.root);
+    std::error_code error;
+    if (const auto real = std::filesystem::weakly_canonical(folder, error); !error) {
+        folder = real.has_filename() ? real : real.parent_path();
+    }
+    return host.system ? "the computer" + (host.root.empty() ? "" : " in " + folder.string())
+                       : folder.string();
 }
 
 } // namespace frontend

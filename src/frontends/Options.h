@@ -36,4 +36,7 @@ struct Options {
 /// Returns the start of a shell command for the same computer: "brindle --system".
 [[nodiscard]] std::string calledFor(const platform::HostOptions& host);
 
+/// Returns the name of what the window works on, which is the same however it was given.
+[[nodiscard]] std::string placeOf(const platform::HostOptions& host);
+
 } // namespace frontend

@@ -24,6 +24,7 @@ class Log {
     virtual ~Log() = default;
     /// Writes one entry. `text` is already formatted and may end with a line break of its own.
     virtual void write(std::string_view text) = 0;
+
     /// Writes why something failed that an operation reports only as an alert or a result.
     virtual void explain(std::string_view text) { write(text); }
 };
